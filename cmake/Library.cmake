@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: MIT
+# One object library with all sources; from it the shared library that hosts use and the static one that the
+# tests use, which reaches what the shared library hides.
+
+set(patterns ${ZQ_HEADER_FOLDERS})
+list(TRANSFORM patterns APPEND "/*.cpp")
+list(TRANSFORM patterns PREPEND "${PROJECT_SOURCE_DIR}/")
+file(GLOB_RECURSE ZQ_SOURCES CONFIGURE_DEPENDS ${patterns})
+# One source per operating system stands in foundation/system; only the right one is compiled.
+list(FILTER ZQ_SOURCES EXCLUDE REGEX "/foundation/system/(linux|macos)\\.cpp$")
+if(APPLE)
+    set(ZQ_SYSTEM_SOURCE "${PROJECT_SOURCE_DIR}/foundation/system/macos.cpp")
+else()
+    set(ZQ_SYSTEM_SOURCE "${PROJECT_SOURCE_DIR}/foundation/system/linux.cpp")
+endif()
+if(EXISTS "${ZQ_SYSTEM_SOURCE}")
+    list(APPEND ZQ_SOURCES "${ZQ_SYSTEM_SOURCE}")
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(zq_objects OBJECT ${ZQ_SOURCES})
+set_target_properties(zq_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+target_include_directories(zq_objects PRIVATE "${ZQ_STAGED_INCLUDE}")
+target_link_libraries(zq_objects PRIVATE zq_flags)
+# Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined.
+target_compile_options(zq_objects PRIVATE -fno-semantic-interposition)
+
+function(zq_finish_library target output)
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME ${output} LINKER_LANGUAGE CXX)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_include_directories(${target} PUBLIC
+        "$<BUILD_INTERFACE:${ZQ_STAGED_INCLUDE}>"
+        "$<INSTALL_INTERFACE:${ZQ_INSTALL_INCLUDE}>")
+    target_link_libraries(${target} PRIVATE "$<BUILD_INTERFACE:zq_flags>" Threads::Threads ${CMAKE_DL_LIBS})
+endfunction()
+
+add_library(ZQFoundation SHARED $<TARGET_OBJECTS:zq_objects>)
+add_library(ZQFoundation::ZQFoundation ALIAS ZQFoundation)
+zq_finish_library(ZQFoundation ZQFoundation)
+set_target_properties(ZQFoundation PROPERTIES
+    VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+if(NOT APPLE)
+    set(ZQ_VERSION_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/ZQFoundation.map")
+    target_link_options(ZQFoundation PRIVATE
+        "-Wl,--version-script=${ZQ_VERSION_SCRIPT}" -Wl,-Bsymbolic-functions -Wl,-z,relro,-z,now)
+    set_property(TARGET ZQFoundation APPEND PROPERTY LINK_DEPENDS "${ZQ_VERSION_SCRIPT}")
+    # Clang keeps the sanitizers' run time in the executable, where a shared library finds it at load time.
+    if(NOT (ZQFOUNDATION_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES Clang))
+        target_link_options(ZQFoundation PRIVATE -Wl,--no-undefined)
+    endif()
+endif()
+
+add_library(ZQFoundationStatic STATIC $<TARGET_OBJECTS:zq_objects>)
+zq_finish_library(ZQFoundationStatic ZQFoundation)
+
+install(TARGETS ZQFoundation ZQFoundationStatic
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")

@@ -1,0 +1,133 @@
+# SPDX-License-Identifier: MIT
+# One test program for each folder of tests/. A folder that needs more (a plugin, a child program, a check that
+# wrong code does not compile) says so in a CMakeLists.txt of its own, which may use the functions below and
+# the folder's program, test_<folder>.
+
+if(ZQFOUNDATION_TESTS STREQUAL "AUTO")
+    find_package(GTest QUIET)
+    if(NOT GTest_FOUND)
+        message(STATUS "Tests are not built: GoogleTest is not installed (scripts/install-packages test)")
+        return()
+    endif()
+else()
+    find_package(GTest REQUIRED)
+endif()
+include(GoogleTest)
+
+set(ZQ_THREAD_SUITES "Concurren|Thread|Fork")
+
+# A locale with a decimal comma that is there on every machine, made once for the tests. The C library looks in
+# the folder that the environment variable LOCPATH names.
+set(ZQ_TEST_LOCALES "${PROJECT_BINARY_DIR}/locales")
+find_program(ZQ_LOCALEDEF localedef)
+if(ZQ_LOCALEDEF AND NOT EXISTS "${ZQ_TEST_LOCALES}/de_DE.UTF-8/LC_NUMERIC")
+    file(MAKE_DIRECTORY "${ZQ_TEST_LOCALES}")
+    execute_process(COMMAND "${ZQ_LOCALEDEF}" -i de_DE -f UTF-8 "${ZQ_TEST_LOCALES}/de_DE.UTF-8"
+                    OUTPUT_QUIET ERROR_QUIET)
+endif()
+
+# What all tests share: how they compile, and GoogleTest's header, read once.
+add_library(zq_test_settings INTERFACE)
+target_link_libraries(zq_test_settings INTERFACE zq_flags ZQFoundationStatic GTest::gtest_main)
+if(TARGET GTest::gmock)
+    target_link_libraries(zq_test_settings INTERFACE GTest::gmock)
+endif()
+target_compile_definitions(zq_test_settings INTERFACE
+    ZQ_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    ZQ_TEST_BINARY_DIR="${PROJECT_BINARY_DIR}"
+    ZQ_TEST_LOCALES="${ZQ_TEST_LOCALES}")
+file(WRITE "${PROJECT_BINARY_DIR}/empty.cpp" "")
+add_library(zq_test_prefix OBJECT "${PROJECT_BINARY_DIR}/empty.cpp")
+target_link_libraries(zq_test_prefix PRIVATE zq_test_settings)
+target_precompile_headers(zq_test_prefix PRIVATE <gtest/gtest.h> <string>)
+
+# Every test runs in a process of its own, with a home folder inside the build tree.
+set(ZQ_TEST_HOME "${PROJECT_BINARY_DIR}/test-home")
+file(MAKE_DIRECTORY "${ZQ_TEST_HOME}")
+set(ZQ_TEST_ENVIRONMENT
+    "HOME=${ZQ_TEST_HOME}" "XDG_CONFIG_HOME=${ZQ_TEST_HOME}/.config" "LOCPATH=${ZQ_TEST_LOCALES}")
+
+# zq_add_test_program(<target> <sources>...): a GoogleTest program; each of its tests is one for ctest too.
+function(zq_add_test_program target)
+    add_executable(${target} ${ARGN})
+    target_link_libraries(${target} PRIVATE zq_test_settings)
+    target_precompile_headers(${target} REUSE_FROM zq_test_prefix)
+    set(filter)
+    if(ZQFOUNDATION_THREAD_TESTS_ONLY)
+        set(filter TEST_FILTER "*Concurren*:*Thread*:*Fork*")
+    endif()
+    string(REGEX REPLACE "^test_" "" folder ${target})
+    gtest_discover_tests(${target} ${filter}
+        TEST_PREFIX ${folder}.
+        DISCOVERY_MODE PRE_TEST
+        DISCOVERY_TIMEOUT 120
+        PROPERTIES TIMEOUT 600)
+    # A property that is a list can only be set once the tests are known, when ctest reads this file.
+    set(file "${CMAKE_CURRENT_BINARY_DIR}/${target}_environment.cmake")
+    file(CONFIGURE OUTPUT "${file}" CONTENT [[
+foreach(test IN LISTS @target@_TESTS)
+    set_tests_properties("${test}" PROPERTIES ENVIRONMENT "@ZQ_TEST_ENVIRONMENT@")
+endforeach()
+]] @ONLY)
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
+    if(ZQFOUNDATION_SHUFFLED_TESTS)
+        # All of them in one process: what one leaves behind must not matter to another. The long ones about
+        # threads have processes of their own anyway.
+        add_test(NAME ${folder}.shuffled
+            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-*Concurren*:*Thread*:*Fork*)
+        set_tests_properties(${folder}.shuffled PROPERTIES TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
+    endif()
+endfunction()
+
+# zq_add_refusals(<name> <source>): the source compiles as it stands, and with any one of the cases that it
+# tests for by `#ifdef REFUSE_<CASE>` the compiler refuses it. The line `// expected: <text>` below the #ifdef
+# is a piece of what the compiler must say, or several with " | " between them.
+function(zq_add_refusals name source)
+    if(ZQFOUNDATION_SANITIZE)
+        return() # says nothing that the release build does not say
+    endif()
+    cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
+    add_test(NAME refusals.${name}
+        COMMAND "${CMAKE_COMMAND}" "-DCOMPILER=${CMAKE_CXX_COMPILER}" "-DSOURCE=${source}"
+            "-DROOT=${PROJECT_SOURCE_DIR}" "-DINCLUDE=${ZQ_STAGED_INCLUDE}"
+            -P "${PROJECT_SOURCE_DIR}/cmake/CheckRefusals.cmake")
+    set_tests_properties(refusals.${name} PROPERTIES TIMEOUT 600)
+endfunction()
+
+# The tests of one folder; with the thread sanitizer only the sources that hold suites about threads.
+function(zq_add_test_folder folder)
+    file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*Test.cpp")
+    if(ZQFOUNDATION_THREAD_TESTS_ONLY)
+        set(chosen)
+        foreach(source IN LISTS sources)
+            set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${source}")
+            file(STRINGS "${source}" suites REGEX "^TEST.*(${ZQ_THREAD_SUITES})")
+            if(suites)
+                list(APPEND chosen "${source}")
+            endif()
+        endforeach()
+        set(sources ${chosen})
+    endif()
+    if(sources)
+        zq_add_test_program(test_${folder} ${sources})
+    endif()
+    if(ZQFOUNDATION_THREAD_TESTS_ONLY AND NOT sources)
+        return()
+    endif()
+    if(EXISTS "${PROJECT_SOURCE_DIR}/tests/${folder}/CMakeLists.txt")
+        add_subdirectory("${PROJECT_SOURCE_DIR}/tests/${folder}" "${PROJECT_BINARY_DIR}/tests/${folder}")
+    endif()
+endfunction()
+
+file(GLOB folders CONFIGURE_DEPENDS LIST_DIRECTORIES true
+     RELATIVE "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/tests/*")
+foreach(folder IN LISTS folders)
+    if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/tests/${folder}")
+        zq_add_test_folder(${folder})
+    endif()
+endforeach()
+
+if(NOT ZQFOUNDATION_SANITIZE)
+    include(HeaderChecks)
+    include(BinaryChecks)
+endif()

@@ -1,0 +1,19 @@
+# SPDX-License-Identifier: MIT
+# The flags that every target of this project, and no target of a host that embeds it, compiles with.
+
+add_library(zq_flags INTERFACE)
+
+target_compile_options(zq_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(ZQFOUNDATION_WERROR)
+    target_compile_options(zq_flags INTERFACE -Werror)
+endif()
+
+# Sources name headers from the root of the repository. -iquote keeps the folder "version" out of the search
+# for the standard header <version>.
+target_compile_options(zq_flags INTERFACE "SHELL:-iquote \"${PROJECT_SOURCE_DIR}\"")
+
+if(ZQFOUNDATION_SANITIZE)
+    target_compile_options(zq_flags INTERFACE
+        -fsanitize=${ZQFOUNDATION_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(zq_flags INTERFACE -fsanitize=${ZQFOUNDATION_SANITIZE})
+endif()
