@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_EXTENSIONS_CONDENSED_H
+#define ZQFOUNDATION_EXTENSIONS_CONDENSED_H
+
+#include "foundation/objects/TextBuilder.h"
+
+namespace ZQFoundation::detail {
+
+/// Arrays and dictionaries have a rendering of their own on one line.
+bool isCondensable(const NSObject& object) noexcept;
+
+/// Appends the rendering of an array or dictionary of any depth.
+///
+///     ()            "(  )"                 (1, a, (2, 3))     "( 1, a, ( 2, 3 ) )"
+///     {}            "{ }"                  {b = 2; A = (x)}   "{ A = ( x ); b = 2; }"
+void appendCondensed(TextBuilder& out, const NSObject& collection);
+
+} // namespace ZQFoundation::detail
+
+#endif

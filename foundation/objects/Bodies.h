@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_OBJECTS_BODIES_H
+#define ZQFOUNDATION_OBJECTS_BODIES_H
+
+#include "foundation/objects/Class.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSDictionary.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/objects/NSObjectProtocol.h"
+#include "foundation/objects/NSSet.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/objects/NSURL.h"
+
+namespace ZQFoundation::detail {
+
+/// A string's units follow its header. They are bytes when, and only when, every unit is below U+0080, so two
+/// equal strings always have the same form.
+struct StringBody : Body {
+    std::size_t length : 63; ///< units
+    std::size_t isAscii : 1;
+
+    const char* ascii() const noexcept { return reinterpret_cast<const char*>(this + 1); }
+    char* ascii() noexcept { return reinterpret_cast<char*>(this + 1); }
+    const char16_t* units() const noexcept { return reinterpret_cast<const char16_t*>(this + 1); }
+    char16_t* units() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
+};
+
+struct DataBody : Body {
+    std::size_t length;
+
+    unsigned char* bytes() noexcept { return reinterpret_cast<unsigned char*>(this + 1); }
+};
+
+struct UrlBody : Body {
+    NSString text;
+    NSURL base;
+};
+
+/// The elements follow the header; a body still being built has room for more than it holds.
+struct ArrayBody : Body {
+    std::size_t count;
+    std::size_t capacity;
+
+    NSObject* elements() noexcept { return reinterpret_cast<NSObject*>(this + 1); }
+};
+
+struct HostBody : Body {
+    NSObjectProtocol* object;
+};
+
+/// The library's own way into handles.
+struct Access {
+    static Kind kind(const NSObject& object) noexcept { return object.kind_; }
+    static Body* body(const NSObject& object) noexcept { return object.payload_.body; }
+    static std::int64_t integer(const NSObject& object) noexcept { return object.payload_.integer; }
+    static double real(const NSObject& object) noexcept { return object.payload_.real; }
+    static const ClassRecord* classRecord(const NSObject& object) noexcept {
+        return object.payload_.classRecord;
+    }
+
+    static StringBody* string(const NSObject& object) noexcept {
+        return static_cast<StringBody*>(body(object));
+    }
+    static DataBody* data(const NSObject& object) noexcept { return static_cast<DataBody*>(body(object)); }
+    static UrlBody* url(const NSObject& object) noexcept { return static_cast<UrlBody*>(body(object)); }
+    static ArrayBody* array(const NSObject& object) noexcept { return static_cast<ArrayBody*>(body(object)); }
+    static HostBody* host(const NSObject& object) noexcept { return static_cast<HostBody*>(body(object)); }
+
+    /// Take over one reference of the body.
+    static NSObject adopt(Body* body, Kind kind) noexcept {
+        return NSObject(NSObject::Payload{.body = body}, kind);
+    }
+    static NSString adoptString(StringBody* body) noexcept {
+        return NSString(NSObject::Payload{.body = body});
+    }
+    static NSData adoptData(DataBody* body) noexcept { return NSData(NSObject::Payload{.body = body}); }
+    static NSURL adoptURL(UrlBody* body) noexcept { return NSURL(NSObject::Payload{.body = body}); }
+    static NSArray adoptArray(Body* body) noexcept { return NSArray(NSObject::Payload{.body = body}); }
+    static NSDictionary adoptDictionary(Body* body) noexcept {
+        return NSDictionary(NSObject::Payload{.body = body});
+    }
+    static NSSet adoptSet(Body* body) noexcept { return NSSet(NSObject::Payload{.body = body}); }
+
+    /// Forgets the value without releasing it: its reference has gone elsewhere.
+    static void abandon(NSObject& object) noexcept { object.kind_ = Kind::absent; }
+
+    static StringView view(const NSString& string) noexcept { return string.view(); }
+};
+
+} // namespace ZQFoundation::detail
+
+#endif

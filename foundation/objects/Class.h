@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_CLASS_H
+#define ZQFOUNDATION_OBJECTS_CLASS_H
+
+#include "NSObject.h"
+#include "TypeName.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+
+/// What is known of a C++ class: its own name, without namespaces, as bytes.
+struct ClassRecord {
+    const char* name;
+    std::size_t nameLength;
+};
+
+template <class T>
+inline constexpr ClassRecord classRecord{TypeName<T>::bytes, TypeName<T>::length};
+
+} // namespace detail
+
+/// A class as a value: the caller of class operations.
+class ZQFOUNDATION_EXPORT Class : public NSObject {
+public:
+    constexpr Class() noexcept = default;
+    constexpr Class(std::nullptr_t) noexcept {}
+    constexpr explicit Class(const detail::ClassRecord* record) noexcept
+        : NSObject(Payload{.classRecord = record}, detail::Kind::classObject) {}
+
+    /// The value when it is a class, else nil.
+    explicit Class(const NSObject& object) noexcept : NSObject(object, detail::Kind::classObject) {}
+};
+
+/// The class object of any C++ class: `classOf<Store>()`.
+template <class T>
+constexpr Class classOf() noexcept {
+    return Class(&detail::classRecord<T>);
+}
+
+} // namespace ZQFoundation
+
+#endif

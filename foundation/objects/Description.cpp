@@ -1,0 +1,336 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "foundation/objects/KeyTable.h"
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/Numbers.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/NumberText.h"
+#include "foundation/time/CivilTime.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::Kind;
+using detail::NormalizedText;
+using detail::TextBuilder;
+
+namespace {
+
+constexpr std::size_t indentation = 4;
+
+bool isCollection(const NSObject& object) noexcept {
+    const Kind kind = Access::kind(object);
+    return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
+}
+
+void appendHex(TextBuilder& out, std::uint64_t value, unsigned digits) {
+    for (unsigned shift = digits * 4; shift > 0; shift -= 4) {
+        out.appendAscii("0123456789abcdef"[value >> (shift - 4) & 15]);
+    }
+}
+
+void appendData(TextBuilder& out, const NSData& data) {
+    const unsigned char* const bytes = data.bytes();
+    const std::size_t count = data.length();
+    char number[detail::numberTextCapacity];
+    out.appendLiteral("{length = ");
+    out.appendAscii(number, static_cast<std::size_t>(detail::writeUInt64(count, number) - number));
+    out.appendLiteral(", bytes = 0x");
+    constexpr std::size_t longest = 24;
+    for (std::size_t i = 0; i < (count <= longest ? count : 16); ++i) {
+        appendHex(out, bytes[i], 2);
+        if (count > longest && i % 4 == 3) {
+            out.appendAscii(' ');
+        }
+    }
+    if (count > longest) {
+        out.appendLiteral("... ");
+        for (std::size_t i = count - 8; i < count; ++i) {
+            appendHex(out, bytes[i], 2);
+            if ((i - (count - 8)) % 4 == 3) {
+                out.appendAscii(' ');
+            }
+        }
+    }
+    out.appendAscii('}');
+}
+
+void appendPadded(TextBuilder& out, std::int64_t value, std::size_t digits) {
+    char number[detail::numberTextCapacity];
+    const std::uint64_t magnitude =
+        value < 0 ? ~static_cast<std::uint64_t>(value) + 1 : static_cast<std::uint64_t>(value);
+    const auto length = static_cast<std::size_t>(detail::writeUInt64(magnitude, number) - number);
+    if (value < 0) {
+        out.appendAscii('-');
+    }
+    out.appendRepeated('0', length < digits ? digits - length : 0);
+    out.appendAscii(number, length);
+}
+
+void appendDate(TextBuilder& out, const NSDate& date) {
+    constexpr double farthest = 4e17; // keeps every year within 64 bits
+    const double since1970 = date.timeIntervalSince1970();
+    const double clamped = std::isnan(since1970) ? 0 : std::clamp(std::floor(since1970), -farthest, farthest);
+    const auto seconds = static_cast<std::int64_t>(clamped);
+    const detail::CivilDate day = detail::civilFromDays(detail::floorDivide(seconds, 86400));
+    const std::int64_t second = seconds - detail::floorDivide(seconds, 86400) * 86400;
+    appendPadded(out, day.year, 4);
+    out.appendAscii('-');
+    appendPadded(out, day.month, 2);
+    out.appendAscii('-');
+    appendPadded(out, day.day, 2);
+    out.appendAscii(' ');
+    appendPadded(out, second / 3600, 2);
+    out.appendAscii(':');
+    appendPadded(out, second / 60 % 60, 2);
+    out.appendAscii(':');
+    appendPadded(out, second % 60, 2);
+    out.appendLiteral(" +0000");
+}
+
+void appendUrl(TextBuilder& out, NSURL url) {
+    out.append(url.relativeString());
+    for (url = url.baseURL(); url; url = url.baseURL()) {
+        out.appendLiteral(" -- ");
+        out.append(url.relativeString());
+    }
+}
+
+/// The description of everything but collections.
+void appendLeaf(TextBuilder& out, const NSObject& object) {
+    char number[detail::numberTextCapacity];
+    switch (Access::kind(object)) {
+    case Kind::absent:
+        break;
+    case Kind::null:
+        out.appendLiteral("<null>");
+        break;
+    case Kind::string:
+        out.append(object.as<NSString>());
+        break;
+    case Kind::date:
+        appendDate(out, object.as<NSDate>());
+        break;
+    case Kind::data:
+        appendData(out, object.as<NSData>());
+        break;
+    case Kind::url:
+        appendUrl(out, object.as<NSURL>());
+        break;
+    case Kind::classObject:
+        out.append(object.className());
+        break;
+    case Kind::hostObject:
+        out.appendObjectText(object.hostObject()->description());
+        break;
+    default:
+        out.appendAscii(number, detail::writeNumber(object, number));
+        break;
+    }
+}
+
+bool isBare(const NormalizedText& text) noexcept {
+    for (std::size_t i = 0; i < text.length(); ++i) {
+        const char16_t unit = text[i];
+        const bool isLetter = static_cast<char16_t>((unit | 0x20) - 'a') < 26 && unit < 0x80;
+        if (!isLetter && static_cast<char16_t>(unit - '0') > 9) {
+            return false;
+        }
+    }
+    return text.length() != 0;
+}
+
+void appendQuotedUnit(TextBuilder& out, char16_t unit) {
+    switch (unit) {
+    case '"':
+        out.appendLiteral("\\\"");
+        break;
+    case '\\':
+        out.appendLiteral("\\\\");
+        break;
+    case '\n':
+        out.appendLiteral("\\n");
+        break;
+    case '\t':
+        out.appendLiteral("\\t");
+        break;
+    default:
+        if (unit < 0x80) {
+            out.appendAscii(static_cast<char>(unit));
+        } else {
+            out.appendLiteral("\\U");
+            appendHex(out, unit, 4);
+        }
+    }
+}
+
+/// A leaf inside a collection: bare or in quotes; data stands as it is.
+void appendMember(TextBuilder& out, const NSObject& object) {
+    TextBuilder own;
+    appendLeaf(own, object);
+    const NSString description = own.string();
+    const NormalizedText text(description);
+    if (Access::kind(object) == Kind::data || isBare(text)) {
+        out.append(description);
+        return;
+    }
+    out.appendAscii('"');
+    for (std::size_t i = 0; i < text.length(); ++i) {
+        appendQuotedUnit(out, text[i]);
+    }
+    out.appendAscii('"');
+}
+
+std::vector<const NSDictionaryEntry*> entriesInOrder(detail::TableBody& table) {
+    std::vector<const NSDictionaryEntry*> entries(table.count);
+    bool allStrings = true;
+    for (std::size_t i = 0; i < table.count; ++i) {
+        entries[i] = table.entries() + i;
+        allStrings = allStrings && Access::kind(entries[i]->key) == Kind::string;
+    }
+    if (allStrings) {
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const NSDictionaryEntry* left, const NSDictionaryEntry* right) {
+                             return left->key.as<NSString>().compare(right->key.as<NSString>()) ==
+                                    NSOrderedAscending;
+                         });
+    }
+    return entries;
+}
+
+/// Writes nested collections of any depth with an explicit stack.
+class IndentedWriter {
+public:
+    explicit IndentedWriter(TextBuilder& out) noexcept : out_(out) {}
+
+    void write(const NSObject& collection) {
+        open(collection);
+        while (!frames_.empty()) {
+            step();
+        }
+    }
+
+private:
+    struct Frame {
+        Kind kind;
+        std::size_t next;
+        std::size_t count;
+        bool inValue; ///< of a dictionary: the key has been written
+        const NSObject* elements;
+        std::vector<const NSDictionaryEntry*> entries;
+    };
+
+    void indent(std::size_t level) { out_.appendRepeated(' ', level * indentation); }
+
+    void open(const NSObject& collection) {
+        const Kind kind = Access::kind(collection);
+        indent(frames_.size());
+        if (kind == Kind::array) {
+            out_.appendLiteral("(\n");
+            detail::ArrayBody& body = *Access::array(collection);
+            frames_.push_back({kind, 0, body.count, false, body.elements(), {}});
+            return;
+        }
+        detail::TableBody& table = *detail::tableOf(collection);
+        if (kind == Kind::dictionary) {
+            out_.appendLiteral("{\n");
+            frames_.push_back({kind, 0, table.count, false, nullptr, entriesInOrder(table)});
+        } else {
+            out_.appendLiteral("{(\n");
+            std::vector<const NSDictionaryEntry*> members(table.count);
+            for (std::size_t i = 0; i < table.count; ++i) {
+                members[i] = table.entries() + i;
+            }
+            frames_.push_back({kind, 0, table.count, false, nullptr, std::move(members)});
+        }
+    }
+
+    void close() {
+        const Frame& frame = frames_.back();
+        if (frame.count != 0 && frame.kind != Kind::dictionary) {
+            out_.appendAscii('\n');
+        }
+        const Kind kind = frame.kind;
+        frames_.pop_back();
+        indent(frames_.size());
+        if (kind == Kind::array) {
+            out_.appendAscii(')');
+        } else if (kind == Kind::dictionary) {
+            out_.appendAscii('}');
+        } else {
+            out_.appendLiteral(")}");
+        }
+    }
+
+    void member(const NSObject& object) {
+        if (isCollection(object)) {
+            open(object);
+        } else {
+            appendMember(out_, object);
+        }
+    }
+
+    void step() {
+        Frame& frame = frames_.back();
+        if (frame.kind == Kind::dictionary) {
+            stepEntry(frame);
+        } else if (frame.next == frame.count) {
+            close();
+        } else {
+            if (frame.next != 0) {
+                out_.appendLiteral(",\n");
+            }
+            indent(frames_.size());
+            const std::size_t index = frame.next++;
+            member(frame.elements != nullptr ? frame.elements[index] : frame.entries[index]->key);
+        }
+    }
+
+    void stepEntry(Frame& frame) {
+        if (frame.inValue) {
+            frame.inValue = false;
+            out_.appendLiteral(" = ");
+            member(frame.entries[frame.next++]->value);
+            return;
+        }
+        if (frame.next != 0) {
+            out_.appendLiteral(";\n");
+        }
+        if (frame.next == frame.count) {
+            close();
+            return;
+        }
+        indent(frames_.size());
+        frame.inValue = true;
+        member(frame.entries[frame.next]->key);
+    }
+
+    TextBuilder& out_;
+    std::vector<Frame> frames_;
+};
+
+} // namespace
+
+NSString NSObject::description() const {
+    if (kind_ == Kind::absent) {
+        return {};
+    }
+    if (kind_ == Kind::string) {
+        return as<NSString>();
+    }
+    if (kind_ == Kind::hostObject) {
+        return hostObject()->description();
+    }
+    TextBuilder out;
+    if (isCollection(*this)) {
+        IndentedWriter(out).write(*this);
+    } else {
+        appendLeaf(out, *this);
+    }
+    return out.string();
+}
+
+} // namespace ZQFoundation

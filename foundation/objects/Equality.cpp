@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include <cstring>
+#include <unordered_set>
+#include <vector>
+
+#include "foundation/objects/Hashing.h"
+#include "foundation/objects/KeyTable.h"
+#include "foundation/objects/Numbers.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::Kind;
+using detail::TableBody;
+using detail::tableOf;
+
+namespace {
+
+bool isTable(Kind kind) noexcept { return kind == Kind::dictionary || kind == Kind::set; }
+
+bool isCollection(const NSObject& object) noexcept {
+    return Access::kind(object) == Kind::array || isTable(Access::kind(object));
+}
+
+bool equalUrls(NSURL left, NSURL right) {
+    while (left && right) {
+        if (Access::body(left) == Access::body(right)) {
+            return true;
+        }
+        if (!left.relativeString().isEqualToString(right.relativeString())) {
+            return false;
+        }
+        left = left.baseURL();
+        right = right.baseURL();
+    }
+    return !left && !right;
+}
+
+bool equalClasses(const NSObject& left, const NSObject& right) noexcept {
+    const detail::ClassRecord& first = *Access::classRecord(left);
+    const detail::ClassRecord& second = *Access::classRecord(right);
+    return first.nameLength == second.nameLength &&
+           std::memcmp(first.name, second.name, first.nameLength) == 0;
+}
+
+/// For everything but collections.
+bool equalLeaves(const NSObject& left, const NSObject& right) {
+    if (detail::isNumber(left) && detail::isNumber(right)) {
+        return detail::compareNumbers(left, right) == NSOrderedSame;
+    }
+    if (Access::kind(left) == Kind::hostObject) {
+        return left.hostObject()->isEqual(right);
+    }
+    if (Access::kind(right) == Kind::hostObject) {
+        return right.hostObject()->isEqual(left);
+    }
+    if (Access::kind(left) != Access::kind(right)) {
+        return false;
+    }
+    switch (Access::kind(left)) {
+    case Kind::null:
+        return true;
+    case Kind::date:
+        return left.as<NSDate>().isEqualToDate(right.as<NSDate>());
+    case Kind::classObject:
+        return equalClasses(left, right);
+    case Kind::string:
+        return left.as<NSString>().isEqualToString(right.as<NSString>());
+    case Kind::data:
+        return left.as<NSData>().isEqualToData(right.as<NSData>());
+    case Kind::url:
+        return equalUrls(left.as<NSURL>(), right.as<NSURL>());
+    default:
+        return false;
+    }
+}
+
+/// Compares two trees of any depth with an explicit stack. A part that either tree shares in several places
+/// is compared once, so values that share heavily do not take exponential time.
+class TreeComparison {
+public:
+    bool equal(const NSObject& left, const NSObject& right) {
+        if (!enter(left, right)) {
+            return false;
+        }
+        while (!frames_.empty()) {
+            if (!step()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    struct Frame {
+        const NSObject* left; ///< next element, or null for a table
+        const NSObject* right;
+        const NSDictionaryEntry* leftEntry;
+        TableBody* rightTable;
+        std::size_t remaining;
+    };
+
+    struct Pair {
+        const void* left;
+        const void* right;
+        bool operator==(const Pair&) const = default;
+    };
+
+    struct PairHash {
+        std::size_t operator()(const Pair& pair) const noexcept {
+            return detail::hashBytes(&pair, sizeof pair, 0);
+        }
+    };
+
+    bool enter(const NSObject& left, const NSObject& right) {
+        if (!isCollection(left) || !isCollection(right)) {
+            return equalLeaves(left, right);
+        }
+        if (Access::kind(left) != Access::kind(right)) {
+            return false;
+        }
+        if (Access::body(left) == Access::body(right) || wasEntered(left, right)) {
+            return true;
+        }
+        if (Access::kind(left) == Kind::array) {
+            const auto& first = *Access::array(left);
+            const auto& second = *Access::array(right);
+            return first.count == second.count &&
+                   push({Access::array(left)->elements(), Access::array(right)->elements(), nullptr, nullptr,
+                         first.count});
+        }
+        TableBody& first = *tableOf(left);
+        TableBody& second = *tableOf(right);
+        return first.count == second.count && push({nullptr, nullptr, first.entries(), &second, first.count});
+    }
+
+    bool push(const Frame& frame) {
+        frames_.push_back(frame);
+        return true;
+    }
+
+    /// Every pair entered must come out equal in the end, so one that was entered before needs no second
+    /// look.
+    bool wasEntered(const NSObject& left, const NSObject& right) {
+        const bool shared = Access::body(left)->references > 1 && Access::body(right)->references > 1;
+        return shared && !entered_.insert({Access::body(left), Access::body(right)}).second;
+    }
+
+    bool step() {
+        Frame& frame = frames_.back();
+        if (frame.remaining == 0) {
+            frames_.pop_back();
+            return true;
+        }
+        --frame.remaining;
+        if (frame.left != nullptr) {
+            return enter(*frame.left++, *frame.right++);
+        }
+        TableBody& rightTable = *frame.rightTable;
+        return enterEntry(*frame.leftEntry++, rightTable);
+    }
+
+    bool enterEntry(const NSDictionaryEntry& entry, TableBody& table) {
+        const NSDictionaryEntry* match = nullptr;
+        if (!isCollection(entry.key)) {
+            match = detail::findKey(table, entry.key);
+            return match != nullptr && enter(entry.value, match->value);
+        }
+        bool several = false;
+        match = detail::onlyCandidate(table, entry.key, several);
+        if (several) {
+            match = detail::findKey(table, entry.key);
+        }
+        return match != nullptr && enter(entry.key, match->key) && enter(entry.value, match->value);
+    }
+
+    std::vector<Frame> frames_;
+    std::unordered_set<Pair, PairHash> entered_;
+};
+
+std::uint64_t shallowHash(const NSObject& member, std::uint64_t seed) {
+    if (Access::kind(member) == Kind::array) {
+        return detail::mixed(Access::array(member)->count ^ seed, 0xA24BAED4963EE407U);
+    }
+    if (isTable(Access::kind(member))) {
+        return detail::mixed(tableOf(member)->count ^ seed, 0x9FB21C651E98DF25U);
+    }
+    return detail::hashObject(member, seed);
+}
+
+std::uint64_t arrayHash(const NSObject& array, std::uint64_t seed) {
+    constexpr std::size_t mostMembers = 64;
+    detail::ArrayBody& body = *Access::array(array);
+    std::uint64_t hash = shallowHash(array, seed);
+    for (std::size_t i = 0; i < body.count && i < mostMembers; ++i) {
+        hash = detail::mixed(hash ^ shallowHash(body.elements()[i], seed), 0xD6E8FEB86659FD93U);
+    }
+    return hash;
+}
+
+/// The sum does not depend on the order of the entries.
+std::uint64_t tableHash(const NSObject& object, std::uint64_t seed) {
+    TableBody& table = *tableOf(object);
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < table.used; ++i) {
+        sum += shallowHash(table.entries()[i].key, seed);
+    }
+    return detail::mixed(shallowHash(object, seed) ^ sum, 0xD6E8FEB86659FD93U);
+}
+
+} // namespace
+
+namespace detail {
+
+std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
+    switch (Access::kind(object)) {
+    case Kind::absent:
+        return 0;
+    case Kind::null:
+        return mixed(seed ^ 1, 0x8EBC6AF09C88C6E3U);
+    case Kind::date: {
+        const double seconds = Access::real(object) + 0.0; // one zero for both signs
+        return hashBytes(&seconds, sizeof seconds, ~seed);
+    }
+    case Kind::classObject:
+        return hashBytes(Access::classRecord(object)->name, Access::classRecord(object)->nameLength,
+                         seed + 1);
+    case Kind::string: {
+        const StringBody& body = *Access::string(object);
+        return body.isAscii ? hashBytes(body.ascii(), body.length, seed)
+                            : hashBytes(body.units(), body.length * sizeof(char16_t), ~seed);
+    }
+    case Kind::data:
+        return hashBytes(Access::data(object)->bytes(), Access::data(object)->length, seed + 2);
+    case Kind::url:
+        return mixed(hashObject(Access::url(object)->text, seed), 0x8EBC6AF09C88C6E3U);
+    case Kind::array:
+        return arrayHash(object, seed);
+    case Kind::dictionary:
+    case Kind::set:
+        return tableHash(object, seed);
+    case Kind::hostObject:
+        return mixed(object.hostObject()->hash() ^ seed, 0xA24BAED4963EE407U);
+    default:
+        return mixed(numberHashInput(object) ^ seed, 0x9E6C63D0876A9A47U);
+    }
+}
+
+} // namespace detail
+
+bool NSObject::isEqual(const NSObject& other) const {
+    if (!*this || !other) {
+        return false;
+    }
+    if (!isCollection(*this) || !isCollection(other)) {
+        return equalLeaves(*this, other);
+    }
+    return TreeComparison().equal(*this, other);
+}
+
+std::size_t NSObject::hash() const { return detail::hashObject(*this, 0); }
+
+} // namespace ZQFoundation

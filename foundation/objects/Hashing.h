@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_OBJECTS_HASHING_H
+#define ZQFOUNDATION_OBJECTS_HASHING_H
+
+#include <cstdint>
+#include <cstring>
+
+#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NormalizedText.h"
+
+namespace ZQFoundation::detail {
+
+inline std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept {
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = static_cast<Wide>(left) * right;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+inline std::uint64_t wordAt(const char* bytes) noexcept {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+/// Up to seven bytes as one number, without a loop: bytes may be read twice.
+inline std::uint64_t shortWordAt(const char* bytes, std::size_t count) noexcept {
+    if (count >= 4) {
+        std::uint32_t first;
+        std::uint32_t last;
+        std::memcpy(&first, bytes, sizeof first);
+        std::memcpy(&last, bytes + count - sizeof last, sizeof last);
+        return static_cast<std::uint64_t>(last) << 32 | first;
+    }
+    if (count == 0) {
+        return 0;
+    }
+    const auto at = [&](std::size_t index) {
+        return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[index]));
+    };
+    return at(0) | at(count / 2) << 8 | at(count - 1) << 16;
+}
+
+inline std::uint64_t hashBytes(const void* data, std::size_t count, std::uint64_t seed) noexcept {
+    constexpr std::uint64_t stepFactor = 0x9E6C63D0876A9A47U;
+    constexpr std::uint64_t lastFactor = 0xE7037ED1A0B428DBU;
+    const char* const bytes = static_cast<const char*>(data);
+    std::uint64_t hash = seed ^ (count * 0xD6E8FEB86659FD93U);
+    if (count < 8) {
+        return mixed(hash ^ shortWordAt(bytes, count), lastFactor);
+    }
+    for (std::size_t i = 0; i + 8 < count; i += 8) {
+        hash = mixed(hash ^ wordAt(bytes + i), stepFactor);
+    }
+    return mixed(hash ^ wordAt(bytes + count - 8), lastFactor);
+}
+
+/// ASCII texts hash by their bytes, all others by their units: the two never equal each other.
+inline std::uint64_t hashText(const NormalizedText& text, std::uint64_t seed) noexcept {
+    return text.isAscii() ? hashBytes(text.ascii(), text.length(), seed)
+                          : hashBytes(text.units(), text.length() * sizeof(char16_t), ~seed);
+}
+
+/// Collections contribute their count and what their direct members are, never their depth, so hashing
+/// neither recurses nor walks a whole tree.
+std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
+
+/// A number drawn once per process, so that hostile keys cannot be chosen to collide.
+std::uint64_t tableSeed() noexcept;
+
+} // namespace ZQFoundation::detail
+
+#endif

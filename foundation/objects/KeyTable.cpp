@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/KeyTable.h"
+
+#include <cstring>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "foundation/objects/Hashing.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::size_t smallestCapacity = 4;
+constexpr std::size_t largestCapacity = 0x7FFFFFFFU; // positions are 32 bits wide
+
+std::size_t slotCountFor(std::size_t capacity) noexcept {
+    std::size_t count = 8;
+    while (count * 3 < capacity * 4) {
+        count *= 2;
+    }
+    return count;
+}
+
+template <class Matches>
+NSDictionaryEntry* find(TableBody& table, std::uint64_t hash, const Matches& matches) {
+    const auto fragment = static_cast<std::uint32_t>(hash);
+    TableBody::Slot* const slots = table.slots();
+    for (std::size_t i = fragment & table.slotMask;; i = (i + 1) & table.slotMask) {
+        const TableBody::Slot slot = slots[i];
+        if (slot.position == 0) {
+            return nullptr;
+        }
+        if (slot.hash == fragment) {
+            NSDictionaryEntry& entry = table.entries()[slot.position - 1];
+            if (entry.key && matches(entry.key)) {
+                return &entry;
+            }
+        }
+    }
+}
+
+void enterSlot(TableBody& table, std::uint32_t hash, std::size_t position) noexcept {
+    TableBody::Slot* const slots = table.slots();
+    std::size_t i = hash & table.slotMask;
+    while (slots[i].position != 0) {
+        i = (i + 1) & table.slotMask;
+    }
+    slots[i] = {hash, static_cast<std::uint32_t>(position + 1)};
+}
+
+/// Moves the entries over without touching their reference counts, closing holes on the way. The stored
+/// hashes are carried along, so no key is hashed again.
+TableBody* rebuilt(TableBody* old, std::size_t capacity) {
+    std::vector<std::uint32_t> hashes(old->used);
+    TableBody* const table = makeTable(capacity);
+    for (std::size_t i = 0; i <= old->slotMask; ++i) {
+        if (old->slots()[i].position != 0) {
+            hashes[old->slots()[i].position - 1] = old->slots()[i].hash;
+        }
+    }
+    for (std::size_t i = 0; i < old->used; ++i) {
+        if (old->entries()[i].key) {
+            std::memcpy(static_cast<void*>(table->entries() + table->used), old->entries() + i,
+                        sizeof(NSDictionaryEntry));
+            enterSlot(*table, hashes[i], table->used);
+            ++table->used;
+        }
+    }
+    table->count = table->used;
+    ::operator delete(old);
+    return table;
+}
+
+bool equalKeys(const NSObject& stored, const NSObject& key) { return stored.isEqual(key); }
+
+bool equalsText(const NSObject& stored, const NormalizedText& text) noexcept {
+    if (Access::kind(stored) != Kind::string) {
+        return false;
+    }
+    const StringBody& body = *Access::string(stored);
+    if (body.length != text.length() || bool(body.isAscii) != text.isAscii()) {
+        return false;
+    }
+    return body.isAscii ? std::memcmp(body.ascii(), text.ascii(), body.length) == 0
+                        : std::memcmp(body.units(), text.units(), body.length * sizeof(char16_t)) == 0;
+}
+
+} // namespace
+
+TableBody* makeTable(std::size_t capacity) {
+    if (capacity > largestCapacity) {
+        throw std::bad_alloc();
+    }
+    const std::size_t slotCount = slotCountFor(capacity);
+    const std::size_t bytes =
+        sizeof(TableBody) + capacity * sizeof(NSDictionaryEntry) + slotCount * sizeof(TableBody::Slot);
+    auto* const table = static_cast<TableBody*>(::operator new(bytes));
+    table->references = 1;
+    table->count = 0;
+    table->used = 0;
+    table->capacity = capacity;
+    table->slotMask = slotCount - 1;
+    std::memset(static_cast<void*>(table->slots()), 0, slotCount * sizeof(TableBody::Slot));
+    return table;
+}
+
+NSDictionaryEntry* findKey(TableBody& table, const NSObject& key) {
+    if (!key || table.count == 0) {
+        return nullptr;
+    }
+    return find(table, hashObject(key, tableSeed()),
+                [&](const NSObject& stored) { return equalKeys(stored, key); });
+}
+
+NSDictionaryEntry* findText(TableBody& table, StringView key) {
+    if (!key || table.count == 0) {
+        return nullptr;
+    }
+    const NormalizedText text(key);
+    return find(table, hashText(text, tableSeed()),
+                [&](const NSObject& stored) { return equalsText(stored, text); });
+}
+
+TableBody* setEntry(TableBody* table, NSObject key, NSObject value) {
+    if (table == nullptr) {
+        table = makeTable(smallestCapacity);
+    }
+    const std::uint64_t hash = hashObject(key, tableSeed());
+    NSDictionaryEntry* const known =
+        find(*table, hash, [&](const NSObject& stored) { return equalKeys(stored, key); });
+    if (known != nullptr) {
+        known->value = std::move(value);
+        return table;
+    }
+    if (table->used == table->capacity) {
+        // Many holes are closed in place of growing.
+        const bool grows = table->count * 4 > table->capacity * 3;
+        table = rebuilt(table, grows ? table->capacity * 2 + smallestCapacity : table->capacity);
+    }
+    new (table->entries() + table->used) NSDictionaryEntry{std::move(key), std::move(value)};
+    enterSlot(*table, static_cast<std::uint32_t>(hash), table->used);
+    ++table->used;
+    ++table->count;
+    return table;
+}
+
+bool removeKey(TableBody& table, const NSObject& key) {
+    NSDictionaryEntry* const entry = findKey(table, key);
+    if (entry == nullptr) {
+        return false;
+    }
+    --table.count;
+    const NSDictionaryEntry removed = std::move(*entry); // released when the table is whole again
+    return true;
+}
+
+TableBody* sealTable(TableBody* table) {
+    if (table == nullptr) {
+        return makeTable(0);
+    }
+    const bool wasteful = table->capacity > 64 && table->count * 2 < table->capacity;
+    return table->count != table->used || wasteful ? rebuilt(table, table->count) : table;
+}
+
+TableBody* copyTable(TableBody& table, std::size_t capacity) {
+    TableBody* const copy = makeTable(capacity < table.used ? table.used : capacity);
+    for (std::size_t i = 0; i < table.used; ++i) {
+        new (copy->entries() + i) NSDictionaryEntry(table.entries()[i]);
+    }
+    for (std::size_t i = 0; i <= table.slotMask; ++i) {
+        if (table.slots()[i].position != 0) {
+            enterSlot(*copy, table.slots()[i].hash, table.slots()[i].position - 1);
+        }
+    }
+    copy->used = table.used;
+    copy->count = table.count;
+    return copy;
+}
+
+void freeTable(TableBody* table) noexcept {
+    if (table == nullptr) {
+        return;
+    }
+    for (std::size_t i = 0; i < table->used; ++i) {
+        table->entries()[i].~NSDictionaryEntry();
+    }
+    ::operator delete(table);
+}
+
+NSDictionaryEntry* onlyCandidate(TableBody& table, const NSObject& key, bool& several) {
+    several = false;
+    NSDictionaryEntry* first = nullptr;
+    find(table, hashObject(key, tableSeed()), [&](const NSObject& stored) {
+        if (first != nullptr) {
+            several = true;
+            return true;
+        }
+        first = reinterpret_cast<NSDictionaryEntry*>(const_cast<NSObject*>(&stored));
+        return false;
+    });
+    return first;
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSArray.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "foundation/objects/Bodies.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/TextBuilder.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::ArrayBody;
+
+namespace {
+
+ArrayBody* arrayBody(detail::Body* body) noexcept { return static_cast<ArrayBody*>(body); }
+
+ArrayBody* allocate(std::size_t capacity) {
+    if (capacity > (SIZE_MAX >> 6)) {
+        throw std::bad_alloc();
+    }
+    auto* const body =
+        static_cast<ArrayBody*>(::operator new(sizeof(ArrayBody) + capacity * sizeof(NSObject)));
+    body->references = 1;
+    body->count = 0;
+    body->capacity = capacity;
+    return body;
+}
+
+/// Moves the elements over without touching their reference counts.
+ArrayBody* resized(ArrayBody* old, std::size_t capacity) {
+    ArrayBody* const body = allocate(capacity);
+    if (old != nullptr) {
+        std::memcpy(static_cast<void*>(body->elements()), old->elements(), old->count * sizeof(NSObject));
+        body->count = old->count;
+        ::operator delete(old);
+    }
+    return body;
+}
+
+ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capacity) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!objects[i]) {
+            NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil (at index %lu)",
+                                      i);
+        }
+    }
+    ArrayBody* const body = allocate(capacity);
+    for (std::size_t i = 0; i < count; ++i) {
+        new (body->elements() + i) NSObject(objects[i]);
+    }
+    body->count = count;
+    return body;
+}
+
+void freeBuilder(ArrayBody* body) noexcept {
+    if (body == nullptr) {
+        return;
+    }
+    for (std::size_t i = 0; i < body->count; ++i) {
+        body->elements()[i].~NSObject();
+    }
+    ::operator delete(body);
+}
+
+[[noreturn]] void raiseRange(std::size_t index, std::size_t count) {
+    NSException::raise_format(NSRangeException, "index %lu beyond an array of %lu elements", index, count);
+}
+
+} // namespace
+
+NSArray::NSArray(std::initializer_list<NSObject> elements)
+    : NSArray(Payload{.body = copied(elements.begin(), elements.size(), elements.size())}) {}
+
+NSArray NSArray::array() { return Access::adoptArray(allocate(0)); }
+
+NSArray NSArray::arrayWithObject(const NSObject& object) { return arrayWithObjects_count(&object, 1); }
+
+NSArray NSArray::arrayWithObjects_count(const NSObject* objects, std::size_t count) {
+    return Access::adoptArray(copied(objects, count, count));
+}
+
+std::size_t NSArray::count() const noexcept { return *this ? Access::array(*this)->count : 0; }
+
+const NSObject* NSArray::begin() const noexcept { return *this ? Access::array(*this)->elements() : nullptr; }
+
+const NSObject& NSArray::objectAtIndex(std::size_t index) const {
+    static constinit const NSObject absent;
+    if (!*this) {
+        return absent;
+    }
+    if (index >= count()) {
+        raiseRange(index, count());
+    }
+    return begin()[index];
+}
+
+bool NSArray::containsObject(const NSObject& object) const { return indexOfObject(object) != notFound; }
+
+std::size_t NSArray::indexOfObject(const NSObject& object) const {
+    for (std::size_t i = 0; i < count(); ++i) {
+        if (begin()[i].isEqual(object)) {
+            return i;
+        }
+    }
+    return notFound;
+}
+
+NSArray NSArray::arrayByAddingObject(const NSObject& object) const {
+    if (!*this) {
+        return {};
+    }
+    NSMutableArray builder(count() + 1);
+    builder.addObjectsFromArray(*this);
+    builder.addObject(object);
+    return builder.array();
+}
+
+NSString NSArray::componentsJoinedByString(StringView separator) const {
+    if (!*this) {
+        return {};
+    }
+    detail::TextBuilder builder;
+    for (std::size_t i = 0; i < count(); ++i) {
+        if (i != 0) {
+            builder.append(separator);
+        }
+        builder.append(begin()[i].description());
+    }
+    return builder.string();
+}
+
+NSArray NSArray::sorted(ErasedOrder order, const void* context) const {
+    if (!*this) {
+        return {};
+    }
+    ArrayBody* const body = copied(begin(), count(), count());
+    const NSArray result = Access::adoptArray(body);
+    std::stable_sort(
+        body->elements(), body->elements() + body->count,
+        [&](const NSObject& left, const NSObject& right) { return order(context, left, right) < 0; });
+    return result;
+}
+
+bool NSArray::isEqualToArray(const NSArray& other) const { return isEqual(other); }
+
+NSMutableArray::NSMutableArray(std::size_t capacity) : body_(allocate(capacity)) {}
+
+NSMutableArray::NSMutableArray(const NSArray& array)
+    : body_(copied(array.begin(), array.count(), array.count())) {}
+
+NSMutableArray& NSMutableArray::operator=(NSMutableArray&& other) noexcept {
+    detail::Body* const taken = other.body_;
+    other.body_ = nullptr;
+    freeBuilder(arrayBody(body_));
+    body_ = taken;
+    return *this;
+}
+
+NSMutableArray::~NSMutableArray() { freeBuilder(arrayBody(body_)); }
+
+std::size_t NSMutableArray::count() const noexcept { return body_ != nullptr ? arrayBody(body_)->count : 0; }
+
+const NSObject* NSMutableArray::begin() const noexcept {
+    return body_ != nullptr ? arrayBody(body_)->elements() : nullptr;
+}
+
+void NSMutableArray::addObject(NSObject object) {
+    if (!object) {
+        NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil");
+    }
+    ArrayBody* body = arrayBody(body_);
+    if (body == nullptr || body->count == body->capacity) {
+        body = resized(body, body != nullptr ? body->capacity * 2 + 4 : 4);
+        body_ = body;
+    }
+    new (body->elements() + body->count) NSObject(static_cast<NSObject&&>(object));
+    ++body->count;
+}
+
+void NSMutableArray::addObjectsFromArray(const NSArray& array) {
+    for (const NSObject& object : array) {
+        addObject(object);
+    }
+}
+
+void NSMutableArray::removeObjectAtIndex(std::size_t index) {
+    if (index >= count()) {
+        raiseRange(index, count());
+    }
+    ArrayBody* const body = arrayBody(body_);
+    const NSObject removed = static_cast<NSObject&&>(body->elements()[index]);
+    std::memmove(static_cast<void*>(body->elements() + index), body->elements() + index + 1,
+                 (body->count - index - 1) * sizeof(NSObject));
+    --body->count;
+}
+
+void NSMutableArray::replaceObjectAtIndex_withObject(std::size_t index, NSObject object) {
+    if (index >= count()) {
+        raiseRange(index, count());
+    }
+    if (!object) {
+        NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil");
+    }
+    arrayBody(body_)->elements()[index].swap(object);
+}
+
+void NSMutableArray::removeLastObject() {
+    if (count() == 0) {
+        raiseRange(0, 0);
+    }
+    removeObjectAtIndex(count() - 1);
+}
+
+const NSObject& NSMutableArray::objectAtIndex(std::size_t index) const {
+    if (index >= count()) {
+        raiseRange(index, count());
+    }
+    return begin()[index];
+}
+
+NSArray NSMutableArray::array() {
+    ArrayBody* body = arrayBody(body_);
+    body_ = nullptr;
+    if (body == nullptr || (body->capacity > 64 && body->count * 2 < body->capacity)) {
+        body = resized(body, body != nullptr ? body->count : 0);
+    }
+    return Access::adoptArray(body);
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_NSARRAY_H
+#define ZQFOUNDATION_OBJECTS_NSARRAY_H
+
+#include "NSObject.h"
+
+namespace ZQFoundation {
+
+class NSMutableArray;
+
+/// An immutable, ordered collection of values, none of them nil.
+///
+/// `NSArray{"a", 1}` holds two elements. Two traps: `NSArray{}` is nil (an empty array is
+/// `NSArray::array()`), and whether `NSArray{other}` with a single array nests or copies is left to the
+/// compiler: `arrayWithObject` nests.
+class ZQFOUNDATION_EXPORT NSArray : public NSObject {
+public:
+    constexpr NSArray() noexcept = default;
+    constexpr NSArray(std::nullptr_t) noexcept {}
+
+    /// Raises NSInvalidArgumentException when an element is nil.
+    NSArray(std::initializer_list<NSObject> elements);
+
+    /// The value when it is an array, else nil.
+    explicit NSArray(const NSObject& object) noexcept : NSObject(object, detail::Kind::array) {}
+
+    static NSArray array();
+    static NSArray arrayWithObject(const NSObject& object);
+    static NSArray arrayWithObjects_count(const NSObject* objects, std::size_t count);
+
+    template <class... Objects>
+    static NSArray arrayWithObjects(const Objects&... objects) {
+        return NSArray(std::initializer_list<NSObject>{NSObject(objects)...});
+    }
+
+    std::size_t count() const noexcept;
+
+    /// Raises NSRangeException from the count on.
+    const NSObject& objectAtIndex(std::size_t index) const;
+    const NSObject& operator[](std::size_t index) const { return objectAtIndex(index); }
+
+    bool containsObject(const NSObject& object) const;
+
+    /// The index of the first equal element, or `notFound`.
+    std::size_t indexOfObject(const NSObject& object) const;
+    static constexpr std::size_t notFound = static_cast<std::size_t>(INT64_MAX);
+
+    NSArray arrayByAddingObject(const NSObject& object) const;
+
+    /// The elements' descriptions with the separator between them.
+    NSString componentsJoinedByString(StringView separator) const;
+
+    /// Sorted ascending by the given order, stably. The order is called with two elements.
+    template <class Order>
+    NSArray sortedArrayUsingComparator(const Order& order) const {
+        return sorted(
+            [](const void* context, const NSObject& left, const NSObject& right) {
+                return static_cast<NSComparisonResult>((*static_cast<const Order*>(context))(left, right));
+            },
+            &order);
+    }
+
+    bool isEqualToArray(const NSArray& other) const;
+
+    const NSObject* begin() const noexcept;
+    const NSObject* end() const noexcept { return begin() + count(); }
+
+    // NSArray(ZQFoundation)
+
+    /// "( 1, a, ( 2, 3 ) )": strings bare, nested collections condensed, "(  )" when empty; nil for nil.
+    NSString condensedDescription() const;
+
+private:
+    friend struct detail::Access;
+    explicit NSArray(Payload payload) noexcept : NSObject(payload, detail::Kind::array) {}
+    using ErasedOrder = NSComparisonResult (*)(const void*, const NSObject&, const NSObject&);
+    NSArray sorted(ErasedOrder order, const void* context) const;
+};
+
+/// Builds an array element by element. Exclusive and movable; `array()` hands the elements over without a
+/// copy.
+class ZQFOUNDATION_EXPORT NSMutableArray {
+public:
+    NSMutableArray() noexcept = default;
+    explicit NSMutableArray(std::size_t capacity);
+    explicit NSMutableArray(const NSArray& array);
+    NSMutableArray(NSMutableArray&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
+    NSMutableArray& operator=(NSMutableArray&& other) noexcept;
+    ~NSMutableArray();
+
+    /// Raises NSInvalidArgumentException for nil.
+    void addObject(NSObject object);
+    void addObjectsFromArray(const NSArray& array);
+
+    /// Raise NSRangeException from the count on.
+    void removeObjectAtIndex(std::size_t index);
+    void replaceObjectAtIndex_withObject(std::size_t index, NSObject object);
+    void removeLastObject();
+    const NSObject& objectAtIndex(std::size_t index) const;
+    const NSObject& operator[](std::size_t index) const { return objectAtIndex(index); }
+
+    std::size_t count() const noexcept;
+
+    const NSObject* begin() const noexcept;
+    const NSObject* end() const noexcept { return begin() + count(); }
+
+    /// The elements as an immutable array; the builder is empty afterwards.
+    NSArray array();
+
+private:
+    detail::Body* body_ = nullptr;
+};
+
+} // namespace ZQFoundation
+
+#endif

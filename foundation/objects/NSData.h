@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_NSDATA_H
+#define ZQFOUNDATION_OBJECTS_NSDATA_H
+
+#include "NSObject.h"
+
+namespace ZQFoundation {
+
+/// Immutable bytes.
+class ZQFOUNDATION_EXPORT NSData : public NSObject {
+public:
+    constexpr NSData() noexcept = default;
+    constexpr NSData(std::nullptr_t) noexcept {}
+
+    /// The value when it is data, else nil.
+    explicit NSData(const NSObject& object) noexcept : NSObject(object, detail::Kind::data) {}
+
+    static NSData data();
+
+    /// A copy of `count` bytes.
+    static NSData dataWithBytes_length(const void* bytes, std::size_t count);
+
+    /// The whole file, or nil when it cannot be read.
+    static NSData dataWithContentsOfFile(StringView path);
+
+    /// Valid as long as a handle holds the data; null for nil.
+    const unsigned char* bytes() const noexcept;
+    std::size_t length() const noexcept;
+
+    bool isEqualToData(const NSData& other) const noexcept;
+
+private:
+    friend struct detail::Access;
+    explicit NSData(Payload payload) noexcept : NSObject(payload, detail::Kind::data) {}
+};
+
+} // namespace ZQFoundation
+
+#endif

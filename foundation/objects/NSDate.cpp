@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSDate.h"
+
+namespace ZQFoundation {
+
+NSComparisonResult NSDate::compare(const NSDate& other) const noexcept {
+    if (!*this || !other || payload_.real == other.payload_.real) {
+        return NSOrderedSame;
+    }
+    return payload_.real < other.payload_.real ? NSOrderedAscending : NSOrderedDescending;
+}
+
+bool NSDate::isEqualToDate(const NSDate& other) const noexcept {
+    return *this && other && payload_.real == other.payload_.real;
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_NSDICTIONARY_H
+#define ZQFOUNDATION_OBJECTS_NSDICTIONARY_H
+
+#include "NSArray.h"
+
+namespace ZQFoundation {
+
+class NSMutableDictionary;
+
+/// One key with its value.
+struct NSDictionaryEntry {
+    NSObject key;
+    NSObject value;
+};
+
+/// An immutable collection of values under distinct keys, none of them nil. Walks list the entries in the
+/// order in which their keys were first entered, so the order is the same in every run.
+class ZQFOUNDATION_EXPORT NSDictionary : public NSObject {
+public:
+    constexpr NSDictionary() noexcept = default;
+    constexpr NSDictionary(std::nullptr_t) noexcept {}
+
+    /// `NSDictionary{{"b", 2}, {"A", NSArray{"x"}}}`. Of equal keys the last value stays. Raises
+    /// NSInvalidArgumentException when a key or value is nil.
+    NSDictionary(std::initializer_list<NSDictionaryEntry> entries);
+
+    /// The value when it is a dictionary, else nil.
+    explicit NSDictionary(const NSObject& object) noexcept : NSObject(object, detail::Kind::dictionary) {}
+
+    static NSDictionary dictionary();
+
+    /// The property list in the file when it is a dictionary (old-style text, XML or binary), else nil.
+    static NSDictionary dictionaryWithContentsOfFile(StringView path);
+
+    std::size_t count() const noexcept;
+
+    /// The value under the key, or nil. A key given as text needs no conversion and no allocation.
+    NSObject objectForKey(const NSObject& key) const;
+    template <detail::PlainText T>
+    NSObject objectForKey(const T& key) const {
+        return objectForText(StringView(key));
+    }
+    NSObject objectForKey(const NSString& key) const { return objectForText(key); }
+    NSObject objectForKey(std::nullptr_t) const { return {}; }
+
+    NSArray allKeys() const;
+    NSArray allValues() const;
+
+    bool isEqualToDictionary(const NSDictionary& other) const;
+
+    const NSDictionaryEntry* begin() const noexcept;
+    const NSDictionaryEntry* end() const noexcept { return begin() + count(); }
+
+    // NSDictionary(ZQFoundation)
+
+    /// The dictionary that a property-list text (old-style or XML) spells; nil for any other text. Never
+    /// raises.
+    static NSDictionary dictionaryWithContentsOfString(StringView text);
+
+    /// "{ A = ( x ); b = 2; }", keys in case-insensitive order; "{ }" when empty; nil for nil.
+    NSString condensedDescription() const;
+
+    /// The truth of the value: its string form by the string rule (so 0.5 is false here), else the low 8 bits
+    /// of its integer form; false when missing.
+    bool boolForKey(StringView key) const;
+
+    /// The value's `floatValue`; 0 when missing or without one.
+    float floatForKey(StringView key) const;
+
+    /// The value's 32-bit `intValue`, widened; 0 when missing or without one.
+    std::int64_t integerForKey(StringView key) const;
+
+private:
+    friend struct detail::Access;
+    explicit NSDictionary(Payload payload) noexcept : NSObject(payload, detail::Kind::dictionary) {}
+    NSObject objectForText(StringView key) const;
+};
+
+/// Builds a dictionary entry by entry. Exclusive and movable; `dictionary()` hands the entries over without a
+/// copy.
+class ZQFOUNDATION_EXPORT NSMutableDictionary {
+public:
+    NSMutableDictionary() noexcept = default;
+    explicit NSMutableDictionary(const NSDictionary& dictionary);
+    NSMutableDictionary(NSMutableDictionary&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
+    NSMutableDictionary& operator=(NSMutableDictionary&& other) noexcept;
+    ~NSMutableDictionary();
+
+    /// Raises NSInvalidArgumentException when either is nil. An equal key keeps its place and gets the new
+    /// value.
+    void setObject_forKey(NSObject object, NSObject key);
+
+    /// A key that is not there is ignored.
+    void removeObjectForKey(const NSObject& key);
+
+    NSObject objectForKey(const NSObject& key) const;
+    std::size_t count() const noexcept;
+
+    /// The entries as an immutable dictionary; the builder is empty afterwards.
+    NSDictionary dictionary();
+
+private:
+    detail::Body* body_ = nullptr;
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSException.h"
+
+#include <string>
+
+namespace ZQFoundation {
+
+NSException::NSException(NSString name, NSString reason, NSDictionary userInfo)
+    : name_(static_cast<NSString&&>(name)), reason_(static_cast<NSString&&>(reason)),
+      userInfo_(static_cast<NSDictionary&&>(userInfo)) {
+    std::string text = name_.utf8();
+    if (name_ && reason_) {
+        text += ": ";
+    }
+    text += reason_.utf8();
+    what_ = NSData::dataWithBytes_length(text.c_str(), text.size() + 1);
+}
+
+NSException::~NSException() = default;
+
+const char* NSException::what() const noexcept { return reinterpret_cast<const char*>(what_.bytes()); }
+
+} // namespace ZQFoundation

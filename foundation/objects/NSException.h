@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_NSEXCEPTION_H
+#define ZQFOUNDATION_OBJECTS_NSEXCEPTION_H
+
+#include <exception>
+
+#include "NSData.h"
+#include "NSDictionary.h"
+
+namespace ZQFoundation {
+
+/// What the platform's operations raise: a name, a reason and an optional dictionary. Any of them may be nil.
+class ZQFOUNDATION_EXPORT NSException : public std::exception {
+public:
+    NSException(NSString name, NSString reason, NSDictionary userInfo = nullptr);
+    NSException(const NSException&) noexcept = default;
+    NSException& operator=(const NSException&) noexcept = default;
+    ~NSException() override;
+
+    const NSString& name() const noexcept { return name_; }
+    const NSString& reason() const noexcept { return reason_; }
+    const NSDictionary& userInfo() const noexcept { return userInfo_; }
+
+    /// "Name: reason" in UTF-8; valid as long as the exception or a copy of it.
+    const char* what() const noexcept override;
+
+    /// Raises an exception whose reason is formatted as `NSString::stringWithFormat` does.
+    template <class... Arguments>
+    [[noreturn]] static void raise_format(const NSString& name,
+                                          FormatString<std::type_identity_t<Arguments>...> format,
+                                          const Arguments&... arguments) {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        raise_format_arguments(name, format.text(), packed.list());
+    }
+    [[noreturn]] static void raise_format_arguments(const NSString& name, StringView format,
+                                                    ArgumentList arguments);
+
+private:
+    NSString name_;
+    NSString reason_;
+    NSDictionary userInfo_;
+    NSData what_; // NUL-ended; counted, so that copying an exception cannot throw
+};
+
+/// Names of the exceptions that the platform raises.
+inline constexpr const char* NSInvalidArgumentException = "NSInvalidArgumentException";
+inline constexpr const char* NSRangeException = "NSRangeException";
+inline constexpr const char* NSParseErrorException = "NSParseErrorException";
+inline constexpr const char* NSGenericException = "NSGenericException";
+inline constexpr const char* NSInternalInconsistencyException = "NSInternalInconsistencyException";
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSNumber.h"
+
+#include <cmath>
+
+#include "foundation/objects/NSString.h"
+#include "foundation/objects/Numbers.h"
+#include "foundation/objects/StringBodies.h"
+#include "foundation/text/NumberText.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::Kind;
+
+namespace {
+
+constexpr double twoTo63 = 9223372036854775808.0;
+constexpr double twoTo64 = 18446744073709551616.0;
+
+std::int64_t truncated(double value) noexcept {
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (value >= twoTo63) {
+        return INT64_MAX;
+    }
+    return value <= -twoTo63 ? INT64_MIN : static_cast<std::int64_t>(value);
+}
+
+template <class T>
+NSComparisonResult ordered(T left, T right) noexcept {
+    return left < right ? NSOrderedAscending : right < left ? NSOrderedDescending : NSOrderedSame;
+}
+
+bool isNegative(const NSObject& number) noexcept {
+    return Access::kind(number) != Kind::unsignedInteger && Access::integer(number) < 0;
+}
+
+NSComparisonResult compareIntegers(const NSObject& left, const NSObject& right) noexcept {
+    if (isNegative(left) != isNegative(right)) {
+        return isNegative(left) ? NSOrderedAscending : NSOrderedDescending;
+    }
+    return ordered(static_cast<std::uint64_t>(Access::integer(left)),
+                   static_cast<std::uint64_t>(Access::integer(right)));
+}
+
+/// Exact: the integer is never rounded to a double first.
+NSComparisonResult compareIntegerWithReal(const NSObject& integer, double real) noexcept {
+    if (std::isnan(real)) {
+        return isNegative(integer) ? NSOrderedAscending : NSOrderedDescending;
+    }
+    if (real >= twoTo64) {
+        return NSOrderedAscending;
+    }
+    if (real < -twoTo63) {
+        return NSOrderedDescending;
+    }
+    const double whole = std::floor(real);
+    const NSObject wholeNumber =
+        whole < 0 ? NSObject(static_cast<std::int64_t>(whole)) : NSObject(static_cast<std::uint64_t>(whole));
+    const NSComparisonResult order = compareIntegers(integer, wholeNumber);
+    return order == NSOrderedSame && whole != real ? NSOrderedAscending : order;
+}
+
+NSComparisonResult compareReals(double left, double right) noexcept {
+    if (std::isnan(left)) {
+        return std::isnan(right) ? NSOrderedSame : right < 0 ? NSOrderedDescending : NSOrderedAscending;
+    }
+    if (std::isnan(right)) {
+        return left < 0 ? NSOrderedAscending : NSOrderedDescending;
+    }
+    return ordered(left, right);
+}
+
+} // namespace
+
+namespace detail {
+
+NSComparisonResult compareNumbers(const NSObject& left, const NSObject& right) noexcept {
+    const bool leftReal = isRealNumber(left);
+    const bool rightReal = isRealNumber(right);
+    if (leftReal && rightReal) {
+        return compareReals(Access::real(left), Access::real(right));
+    }
+    if (leftReal) {
+        return static_cast<NSComparisonResult>(-compareIntegerWithReal(right, Access::real(left)));
+    }
+    return rightReal ? compareIntegerWithReal(left, Access::real(right)) : compareIntegers(left, right);
+}
+
+std::uint64_t numberHashInput(const NSObject& number) noexcept {
+    if (!isRealNumber(number)) {
+        return static_cast<std::uint64_t>(Access::integer(number));
+    }
+    const double real = Access::real(number);
+    if (real >= -twoTo63 && real < twoTo64 && std::floor(real) == real) {
+        return real < 0 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(real))
+                        : static_cast<std::uint64_t>(real);
+    }
+    const double canonical = std::isnan(real) ? std::nan("") : real;
+    std::uint64_t bits;
+    std::memcpy(&bits, &canonical, sizeof bits);
+    return bits;
+}
+
+std::size_t writeNumber(const NSObject& number, char* out) noexcept {
+    char* end = out;
+    switch (Access::kind(number)) {
+    case Kind::real:
+        end = writeDouble16g(Access::real(number), out);
+        break;
+    case Kind::singleReal:
+        end = writeSingle7g(static_cast<float>(Access::real(number)), out);
+        break;
+    case Kind::unsignedInteger:
+        end = writeUInt64(static_cast<std::uint64_t>(Access::integer(number)), out);
+        break;
+    default:
+        end = writeInt64(Access::integer(number), out);
+        break;
+    }
+    return static_cast<std::size_t>(end - out);
+}
+
+} // namespace detail
+
+NSNumber::NSNumber(const NSObject& object) noexcept
+    : NSObject(detail::isNumber(object) ? object : NSObject()) {}
+
+std::int64_t NSNumber::integerValue() const noexcept {
+    if (isReal()) {
+        return truncated(payload_.real);
+    }
+    return kind_ == Kind::absent ? 0 : payload_.integer;
+}
+
+std::uint64_t NSNumber::unsignedLongLongValue() const noexcept {
+    if (isReal() && payload_.real >= twoTo63) {
+        return payload_.real >= twoTo64 ? UINT64_MAX : static_cast<std::uint64_t>(payload_.real);
+    }
+    return static_cast<std::uint64_t>(integerValue());
+}
+
+int NSNumber::intValue() const noexcept { return static_cast<int>(unsignedIntValue()); }
+
+unsigned NSNumber::unsignedIntValue() const noexcept {
+    return static_cast<unsigned>(integerValue() & 0xFFFFFFFF);
+}
+
+double NSNumber::doubleValue() const noexcept {
+    if (isReal()) {
+        return payload_.real;
+    }
+    if (kind_ == Kind::unsignedInteger) {
+        return static_cast<double>(static_cast<std::uint64_t>(payload_.integer));
+    }
+    return kind_ == Kind::absent ? 0 : static_cast<double>(payload_.integer);
+}
+
+float NSNumber::floatValue() const noexcept {
+    if (kind_ == Kind::unsignedInteger) { // one rounding, not two
+        return static_cast<float>(static_cast<std::uint64_t>(payload_.integer));
+    }
+    if (isReal() || kind_ == Kind::absent) {
+        return static_cast<float>(doubleValue());
+    }
+    return static_cast<float>(payload_.integer);
+}
+
+bool NSNumber::boolValue() const noexcept {
+    if (isReal()) {
+        return payload_.real < 0 || payload_.real > 0 || std::isnan(payload_.real);
+    }
+    return kind_ != Kind::absent && payload_.integer != 0;
+}
+
+NSString NSNumber::stringValue() const {
+    if (kind_ == Kind::absent) {
+        return {};
+    }
+    char text[detail::numberTextCapacity];
+    return detail::makeAsciiString(text, detail::writeNumber(*this, text));
+}
+
+NSComparisonResult NSNumber::compare(const NSNumber& other) const noexcept {
+    return *this && other ? detail::compareNumbers(*this, other) : NSOrderedSame;
+}
+
+bool NSNumber::isEqualToNumber(const NSNumber& other) const noexcept {
+    return *this && other && detail::compareNumbers(*this, other) == NSOrderedSame;
+}
+
+} // namespace ZQFoundation

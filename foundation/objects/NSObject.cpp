@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSObject.h"
+
+#include <new>
+#include <ostream>
+#include <string>
+
+#include "foundation/objects/Hashing.h"
+#include "foundation/objects/KeyTable.h"
+#include "foundation/objects/Numbers.h"
+#include "foundation/objects/StringBodies.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::Kind;
+
+namespace detail {
+
+namespace {
+
+/// Bodies whose last reference is gone, chained through their reference counts with the kind in the low bits,
+/// so that releasing a tree of any depth needs neither stack nor memory.
+class DeadBodies {
+public:
+    void push(Kind kind, Body* body) noexcept {
+        body->references = head_;
+        head_ = reinterpret_cast<std::uintptr_t>(body) | kindBits(kind);
+    }
+
+    bool pop(Kind& kind, Body*& body) noexcept {
+        if (head_ == 0) {
+            return false;
+        }
+        kind = static_cast<Kind>((head_ & kindMask) + static_cast<std::uintptr_t>(Kind::string));
+        body = reinterpret_cast<Body*>(head_ & ~kindMask);
+        head_ = body->references;
+        return true;
+    }
+
+    /// Gives up one reference; the handle is not destroyed, its storage just goes.
+    void releaseMember(const NSObject& member) noexcept {
+        const Kind kind = Access::kind(member);
+        if (kind >= Kind::string &&
+            __atomic_sub_fetch(&Access::body(member)->references, 1, __ATOMIC_ACQ_REL) == 0) {
+            push(kind, Access::body(member));
+        }
+    }
+
+private:
+    static constexpr std::uintptr_t kindMask = 7;
+    static_assert(static_cast<int>(Kind::hostObject) - static_cast<int>(Kind::string) <=
+                  static_cast<int>(kindMask));
+    static_assert(__STDCPP_DEFAULT_NEW_ALIGNMENT__ > kindMask);
+
+    static std::uintptr_t kindBits(Kind kind) noexcept {
+        return static_cast<std::uintptr_t>(kind) - static_cast<std::uintptr_t>(Kind::string);
+    }
+
+    std::uintptr_t head_ = 0;
+};
+
+void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
+    switch (kind) {
+    case Kind::array: {
+        auto* const array = static_cast<ArrayBody*>(body);
+        for (std::size_t i = 0; i < array->count; ++i) {
+            dead.releaseMember(array->elements()[i]);
+        }
+        break;
+    }
+    case Kind::dictionary:
+    case Kind::set: {
+        auto* const table = static_cast<TableBody*>(body);
+        for (std::size_t i = 0; i < table->used; ++i) {
+            dead.releaseMember(table->entries()[i].key);
+            dead.releaseMember(table->entries()[i].value);
+        }
+        break;
+    }
+    case Kind::url:
+        dead.releaseMember(static_cast<UrlBody*>(body)->text);
+        dead.releaseMember(static_cast<UrlBody*>(body)->base);
+        break;
+    case Kind::hostObject:
+        delete static_cast<HostBody*>(body)->object;
+        break;
+    default:
+        break;
+    }
+    ::operator delete(body);
+}
+
+} // namespace
+
+void destroy(Kind kind, Body* body) noexcept {
+    DeadBodies dead;
+    do {
+        dismantle(kind, body, dead);
+    } while (dead.pop(kind, body));
+}
+
+NSObject adoptHostObject(NSObjectProtocol* object) {
+    auto* const body = new (::operator new(sizeof(HostBody))) HostBody;
+    body->references = 1;
+    body->object = object;
+    return Access::adopt(body, Kind::hostObject);
+}
+
+} // namespace detail
+
+NSObject NSObject::stringFrom(StringView text) { return NSString(text); }
+
+const NSObjectProtocol* NSObject::hostObject() const noexcept {
+    return kind_ == Kind::hostObject ? Access::host(*this)->object : nullptr;
+}
+
+NSString NSObject::className() const {
+    switch (kind_) {
+    case Kind::absent:
+        return {};
+    case Kind::null:
+        return "NSNull";
+    case Kind::date:
+        return "NSDate";
+    case Kind::classObject:
+        return StringView(payload_.classRecord->name, payload_.classRecord->nameLength);
+    case Kind::string:
+        return "NSString";
+    case Kind::data:
+        return "NSData";
+    case Kind::url:
+        return "NSURL";
+    case Kind::array:
+        return "NSArray";
+    case Kind::dictionary:
+        return "NSDictionary";
+    case Kind::set:
+        return "NSSet";
+    case Kind::hostObject:
+        return hostObject()->className();
+    default:
+        return "NSNumber";
+    }
+}
+
+std::optional<NSString> NSObject::offeredStringValue() const {
+    if (detail::isNumber(*this)) {
+        return as<NSNumber>().stringValue();
+    }
+    return kind_ == Kind::hostObject ? hostObject()->stringValue() : std::nullopt;
+}
+
+std::optional<int> NSObject::offeredIntValue() const {
+    if (detail::isNumber(*this)) {
+        return as<NSNumber>().intValue();
+    }
+    if (kind_ == Kind::string) {
+        return as<NSString>().intValue();
+    }
+    return kind_ == Kind::hostObject ? hostObject()->intValue() : std::nullopt;
+}
+
+std::optional<float> NSObject::offeredFloatValue() const {
+    if (detail::isNumber(*this)) {
+        return as<NSNumber>().floatValue();
+    }
+    if (kind_ == Kind::string) {
+        return as<NSString>().floatValue();
+    }
+    return kind_ == Kind::hostObject ? hostObject()->floatValue() : std::nullopt;
+}
+
+void detail::printCondensed(const NSObject& object, std::ostream& stream) {
+    stream << (object ? object.condensedDescription().utf8() : "(nil)");
+}
+
+} // namespace ZQFoundation

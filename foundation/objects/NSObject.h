@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_NSOBJECT_H
+#define ZQFOUNDATION_OBJECTS_NSOBJECT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <iosfwd>
+#include <optional>
+#include <type_traits>
+
+#include "Export.h"
+#include "StringView.h"
+
+namespace ZQFoundation {
+
+class NSObject;
+class NSObjectProtocol;
+class NSString;
+class NSNumber;
+class NSDate;
+class NSData;
+class NSURL;
+class NSArray;
+class NSDictionary;
+class NSSet;
+
+/// The platform's three orderings.
+enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
+
+namespace detail {
+
+/// What a handle holds. Everything from `string` on is a counted body; the rest lives in the handle itself.
+enum class Kind : unsigned char {
+    absent,
+    null,
+    boolean,
+    signedInteger,
+    unsignedInteger, ///< only values beyond the signed range
+    real,
+    singleReal,
+    date,
+    classObject,
+    string,
+    data,
+    url,
+    array,
+    dictionary,
+    set,
+    hostObject,
+};
+
+/// The head of every immutable, counted body.
+struct Body {
+    std::size_t references;
+};
+
+struct ClassRecord;
+
+/// Releases the last reference's body and, without recursion, all that only it held.
+ZQFOUNDATION_EXPORT void destroy(Kind kind, Body* body) noexcept;
+
+inline void retain(Body* body) noexcept { __atomic_add_fetch(&body->references, 1, __ATOMIC_RELAXED); }
+
+inline void release(Kind kind, Body* body) noexcept {
+    if (__atomic_sub_fetch(&body->references, 1, __ATOMIC_ACQ_REL) == 0) {
+        destroy(kind, body);
+    }
+}
+
+template <class T>
+inline constexpr bool isCharacter =
+    std::is_same_v<T, char> || std::is_same_v<T, wchar_t> || std::is_same_v<T, char8_t> ||
+    std::is_same_v<T, char16_t> || std::is_same_v<T, char32_t>;
+
+template <class T>
+concept BooleanValue = std::is_same_v<T, bool>;
+
+template <class T>
+concept IntegerValue = std::is_integral_v<T> && !BooleanValue<T> && !isCharacter<T>;
+
+template <class T>
+concept RealValue = std::is_same_v<T, double> || std::is_same_v<T, float>;
+
+template <class T>
+concept NumericValue = BooleanValue<T> || IntegerValue<T> || RealValue<T>;
+
+struct Access;
+
+} // namespace detail
+
+/// A nullable handle to any value: string, number, date, data, collection, class, host object or nil.
+///
+/// As large as two pointers. Numbers, dates and nil live in the handle; everything else is an immutable,
+/// reference-counted body that all copies share, so handles are cheap to copy and values may be read from any
+/// thread. (Two threads must not change the *same handle* at once, as with any object.)
+///
+/// A default-made handle is nil. A message to nil answers nil, 0, false or an empty result.
+///
+/// Beware of the literals: a `bool` is a boolean number, a `const char*` is text and never a truth value, a
+/// character is not taken at all, and `NSArray{}` is a nil handle, not an empty array.
+class ZQFOUNDATION_EXPORT NSObject {
+public:
+    constexpr NSObject() noexcept : payload_{.integer = 0}, kind_(detail::Kind::absent) {}
+    constexpr NSObject(std::nullptr_t) noexcept : NSObject() {}
+
+    template <detail::BooleanValue T>
+    constexpr NSObject(T value) noexcept : payload_{.integer = value ? 1 : 0}, kind_(detail::Kind::boolean) {}
+
+    template <detail::IntegerValue T>
+    constexpr NSObject(T value) noexcept
+        : payload_{.integer = static_cast<std::int64_t>(value)}, kind_(integerKind(value)) {}
+
+    template <detail::RealValue T>
+    constexpr NSObject(T value) noexcept
+        : payload_{.real = static_cast<double>(value)},
+          kind_(std::is_same_v<T, float> ? detail::Kind::singleReal : detail::Kind::real) {}
+
+    /// A string holding a copy of the text; nil for a null pointer.
+    template <detail::PlainText T>
+    NSObject(const T& text) : NSObject(stringFrom(StringView(text))) {}
+
+    NSObject(const NSObject& other) noexcept : payload_(other.payload_), kind_(other.kind_) {
+        if (isCounted()) {
+            detail::retain(payload_.body);
+        }
+    }
+
+    constexpr NSObject(NSObject&& other) noexcept : payload_(other.payload_), kind_(other.kind_) {
+        other.kind_ = detail::Kind::absent;
+    }
+
+    NSObject& operator=(const NSObject& other) noexcept {
+        NSObject copy(other);
+        swap(copy);
+        return *this;
+    }
+
+    NSObject& operator=(NSObject&& other) noexcept {
+        NSObject taken(static_cast<NSObject&&>(other));
+        swap(taken);
+        return *this;
+    }
+
+    constexpr ~NSObject() {
+        if (isCounted()) {
+            detail::release(kind_, payload_.body);
+        }
+    }
+
+    /// True unless the handle is nil. (The null object is a value: true.)
+    constexpr explicit operator bool() const noexcept { return kind_ != detail::Kind::absent; }
+
+    /// The value as `Handle`, or a nil handle when it is of another type: `object.as<NSString>()`.
+    template <class Handle>
+    Handle as() const noexcept {
+        return Handle(*this);
+    }
+
+    /// The class's name ("NSString", "NSNumber", ...), a class object's own name, a host object's answer; nil
+    /// for nil.
+    NSString className() const;
+
+    /// The platform's text for the value (collections indented over several lines); nil for nil.
+    NSString description() const;
+
+    /// Equal by content within one kind; numbers by numeric value across theirs. Nil equals nothing, not even
+    /// nil.
+    bool isEqual(const NSObject& other) const;
+
+    /// Equal values hash alike. The same in every process.
+    std::size_t hash() const;
+
+    /// The optional forms: empty when the value does not offer the form at all. Numbers offer all three,
+    /// strings `intValue` and `floatValue`, host objects what they implement.
+    std::optional<NSString> offeredStringValue() const;
+    std::optional<int> offeredIntValue() const;
+    std::optional<float> offeredFloatValue() const;
+
+    /// The host object that the handle holds, or null for any other value. Owned by the handle.
+    const NSObjectProtocol* hostObject() const noexcept;
+
+    void swap(NSObject& other) noexcept {
+        const Payload payload = payload_;
+        const detail::Kind kind = kind_;
+        payload_ = other.payload_;
+        kind_ = other.kind_;
+        other.payload_ = payload;
+        other.kind_ = kind;
+    }
+
+    /// Equal by content, as `isEqual`; two nil handles are the same too.
+    friend bool operator==(const NSObject& left, const NSObject& right) {
+        return left && right ? left.isEqual(right) : !left && !right;
+    }
+
+    // NSObject(ZQFoundation)
+
+    /// The value on one line: arrays "( 1, a )", dictionaries "{ A = 1; }", any other value its
+    /// `description`; nil for nil.
+    NSString condensedDescription() const;
+
+    /// The forgiving truth of any value. A number: not zero. A string: "YES" in any case, or a leading
+    /// non-zero integer. Any other value: its string form by the string rule, else the low 8 bits of its
+    /// integer form, else false.
+    bool boolValue() const;
+
+protected:
+    union Payload {
+        detail::Body* body;
+        std::int64_t integer;
+        double real;
+        const detail::ClassRecord* classRecord;
+    };
+
+    constexpr NSObject(Payload payload, detail::Kind kind) noexcept : payload_(payload), kind_(kind) {}
+
+    /// For the checked conversions of the typed handles.
+    NSObject(const NSObject& other, detail::Kind wanted) noexcept
+        : NSObject(other.kind_ == wanted ? other : NSObject()) {}
+
+    constexpr bool isCounted() const noexcept { return kind_ >= detail::Kind::string; }
+
+    Payload payload_;
+    detail::Kind kind_;
+
+private:
+    friend struct detail::Access;
+
+    template <class T>
+    static constexpr detail::Kind integerKind(T value) noexcept {
+        if constexpr (std::is_unsigned_v<T> && sizeof(T) == sizeof(std::int64_t)) {
+            return value > static_cast<T>(INT64_MAX) ? detail::Kind::unsignedInteger
+                                                     : detail::Kind::signedInteger;
+        } else {
+            return detail::Kind::signedInteger;
+        }
+    }
+
+    static NSObject stringFrom(StringView text);
+};
+
+static_assert(sizeof(NSObject) == 2 * sizeof(void*));
+
+/// The null object, which stands for "no value" inside collections.
+class ZQFOUNDATION_EXPORT NSNull : public NSObject {
+public:
+    constexpr NSNull() noexcept = default;
+    explicit NSNull(const NSObject& object) noexcept : NSObject(object, detail::Kind::null) {}
+
+    static constexpr NSNull null() noexcept {
+        NSNull object;
+        object.kind_ = detail::Kind::null;
+        return object;
+    }
+};
+
+namespace detail {
+ZQFOUNDATION_EXPORT void printCondensed(const NSObject& object, std::ostream& stream);
+} // namespace detail
+
+/// For test runners: writes the condensed description.
+template <class Handle>
+    requires std::is_base_of_v<NSObject, Handle>
+void PrintTo(const Handle& object, std::ostream* stream) { detail::printCondensed(object, *stream); }
+
+} // namespace ZQFoundation
+
+#include "NSString.h"
+
+#endif

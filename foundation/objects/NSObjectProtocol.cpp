@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSObjectProtocol.h"
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <typeinfo>
+
+#include "foundation/objects/Bodies.h"
+#include "foundation/objects/DynamicTypeName.h"
+#include "foundation/objects/Hashing.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+
+namespace {
+
+bool isDigit(char character) noexcept { return character >= '0' && character <= '9'; }
+
+/// Reads the last name of a mangled "5Store" or "N6Viewer5StoreE"; false for anything that is not just names.
+bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
+    const bool nested = *mangled == 'N';
+    const char* next = mangled + (nested ? 1 : 0);
+    name = {};
+    while (isDigit(*next)) {
+        std::size_t length = 0;
+        while (isDigit(*next) && length < 10000) {
+            length = length * 10 + static_cast<std::size_t>(*next++ - '0');
+        }
+        if (length > std::strlen(next)) {
+            return false;
+        }
+        name = {next, length};
+        next += length;
+    }
+    return name.length != 0 && (nested ? std::strcmp(next, "E") == 0 : *next == '\0');
+}
+
+} // namespace
+
+NSString dynamicTypeName(const std::type_info& type) {
+    const char* const mangled = type.name()[0] == '*' ? type.name() + 1 : type.name();
+    NameSpan name;
+    // Unnamed namespaces start with "_GLOBAL__N_"; they too are only enclosing names.
+    if (lastPlainName(mangled, name)) {
+        return StringView(name.start, name.length);
+    }
+    int status = 0;
+    char* const demangled = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);
+    if (demangled == nullptr) {
+        return StringView(mangled);
+    }
+    name = ownName(demangled, std::strlen(demangled));
+    const NSString result = StringView(name.start, name.length);
+    std::free(demangled);
+    return result;
+}
+
+} // namespace detail
+
+NSObjectProtocol::~NSObjectProtocol() = default;
+
+NSString NSObjectProtocol::className() const { return detail::dynamicTypeName(typeid(*this)); }
+
+NSString NSObjectProtocol::description() const {
+    return NSString::stringWithFormat("<%@: %p>", className(), static_cast<const void*>(this));
+}
+
+NSString NSObjectProtocol::condensedDescription() const { return description(); }
+
+std::optional<NSString> NSObjectProtocol::stringValue() const { return std::nullopt; }
+
+std::optional<int> NSObjectProtocol::intValue() const { return std::nullopt; }
+
+std::optional<float> NSObjectProtocol::floatValue() const { return std::nullopt; }
+
+bool NSObjectProtocol::isEqual(const NSObject& other) const { return other.hostObject() == this; }
+
+std::size_t NSObjectProtocol::hash() const {
+    const void* const address = this;
+    return detail::hashBytes(&address, sizeof address, 0);
+}
+
+} // namespace ZQFoundation

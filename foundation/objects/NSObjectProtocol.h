@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_OBJECTS_NSOBJECTPROTOCOL_H
+#define ZQFOUNDATION_OBJECTS_NSOBJECTPROTOCOL_H
+
+#include "NSObject.h"
+
+namespace ZQFoundation {
+
+/// What a host's own class implements to be a value: it can then be logged with `%@`, name itself as a caller
+/// and go into collections.
+///
+/// Made with `makeObject<T>(...)` an object is counted and lives as long as a handle holds it. An object that
+/// lives anywhere else (on the stack, as a member) may be passed to `%@` and as a caller by reference, never
+/// stored. The library calls these operations on whatever thread uses the value, never while it holds a lock
+/// of its own.
+class ZQFOUNDATION_EXPORT NSObjectProtocol {
+public:
+    virtual ~NSObjectProtocol();
+
+    /// The class's name. By default the C++ class's own name without namespaces. Nil: the class is unknown.
+    virtual NSString className() const;
+
+    /// By default "<ClassName: 0x7f01>".
+    virtual NSString description() const;
+
+    /// By default the description.
+    virtual NSString condensedDescription() const;
+
+    /// The optional forms: empty when the class does not offer the form.
+    virtual std::optional<NSString> stringValue() const;
+    virtual std::optional<int> intValue() const;
+    virtual std::optional<float> floatValue() const;
+
+    /// By default an object equals only itself. Override both or neither.
+    virtual bool isEqual(const NSObject& other) const;
+    virtual std::size_t hash() const;
+
+protected:
+    NSObjectProtocol() noexcept = default;
+    NSObjectProtocol(const NSObjectProtocol&) noexcept = default;
+    NSObjectProtocol& operator=(const NSObjectProtocol&) noexcept = default;
+};
+
+namespace detail {
+/// Takes ownership of an object made with `new`.
+ZQFOUNDATION_EXPORT NSObject adoptHostObject(NSObjectProtocol* object);
+} // namespace detail
+
+/// Makes a counted object of a host's class and returns the handle to it.
+template <class T, class... Arguments>
+    requires std::is_base_of_v<NSObjectProtocol, T> NSObject makeObject(Arguments&&... arguments) {
+        return detail::adoptHostObject(new T(static_cast<Arguments&&>(arguments)...));
+    }
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSSet.h"
+
+#include "foundation/objects/KeyTable.h"
+#include "foundation/objects/NSException.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::TableBody;
+using detail::tableOf;
+
+namespace {
+
+/// Frees an unfinished table when a member turns out to be nil.
+struct TableOwner {
+    TableBody* table = nullptr;
+    ~TableOwner() { detail::freeTable(table); }
+};
+
+TableBody* tableWith(const NSObject* members, std::size_t count) {
+    TableOwner owner;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!members[i]) {
+            NSException::raise_format(NSInvalidArgumentException, "a set cannot hold nil");
+        }
+        if (owner.table == nullptr || detail::findKey(*owner.table, members[i]) == nullptr) {
+            owner.table = detail::setEntry(owner.table, members[i], NSNull::null());
+        }
+    }
+    TableBody* const sealed = detail::sealTable(owner.table);
+    owner.table = nullptr;
+    return sealed;
+}
+
+} // namespace
+
+NSSet::NSSet(std::initializer_list<NSObject> members)
+    : NSSet(Payload{.body = tableWith(members.begin(), members.size())}) {}
+
+NSSet NSSet::set() { return Access::adoptSet(detail::makeTable(0)); }
+
+NSSet NSSet::setWithArray(const NSArray& array) {
+    return Access::adoptSet(tableWith(array.begin(), array.count()));
+}
+
+std::size_t NSSet::count() const noexcept { return *this ? tableOf(*this)->count : 0; }
+
+bool NSSet::containsObject(const NSObject& object) const {
+    return *this && detail::findKey(*tableOf(*this), object) != nullptr;
+}
+
+NSObject NSSet::member(const NSObject& object) const {
+    const NSDictionaryEntry* const entry = *this ? detail::findKey(*tableOf(*this), object) : nullptr;
+    return entry != nullptr ? entry->key : NSObject();
+}
+
+NSArray NSSet::allObjects() const {
+    NSMutableArray members(count());
+    for (std::size_t i = 0; i < count(); ++i) {
+        members.addObject(tableOf(*this)->entries()[i].key);
+    }
+    return *this ? members.array() : NSArray();
+}
+
+bool NSSet::isEqualToSet(const NSSet& other) const { return isEqual(other); }
+
+} // namespace ZQFoundation

@@ -1,0 +1,334 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSString.h"
+
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/StringBodies.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/NumberText.h"
+#include "foundation/text/Utf.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::NormalizedText;
+using detail::StringBody;
+
+namespace detail {
+
+StringBody* allocateString(std::size_t length, bool isAscii) {
+    const std::size_t unitBytes = isAscii ? 1 : sizeof(char16_t);
+    if (length > (SIZE_MAX >> 3)) {
+        throw std::bad_alloc();
+    }
+    auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + length * unitBytes));
+    body->references = 1;
+    body->length = length & (SIZE_MAX >> 1);
+    body->isAscii = isAscii;
+    return body;
+}
+
+NSString makeAsciiString(const char* bytes, std::size_t count) {
+    StringBody* const body = allocateString(count, true);
+    if (count != 0) {
+        std::memcpy(body->ascii(), bytes, count);
+    }
+    return Access::adoptString(body);
+}
+
+NSString makeString(const char16_t* units, std::size_t count) {
+    const bool isAscii = asciiPrefixLength(units, count) == count;
+    StringBody* const body = allocateString(count, isAscii);
+    if (isAscii) {
+        narrowAscii(units, count, body->ascii());
+    } else {
+        std::memcpy(body->units(), units, count * sizeof(char16_t));
+    }
+    return Access::adoptString(body);
+}
+
+NSString makeString(const char* utf8, std::size_t count) {
+    if (asciiPrefixLength(utf8, count) == count) {
+        return makeAsciiString(utf8, count);
+    }
+    StringBody* const body = allocateString(utf16Length(utf8, count, IllFormed::replace), false);
+    utf8ToUtf16(utf8, count, body->units(), IllFormed::replace);
+    return Access::adoptString(body);
+}
+
+} // namespace detail
+
+namespace {
+
+const StringBody* bodyOf(const NSObject& string) noexcept {
+    return string ? Access::string(string) : nullptr;
+}
+
+[[noreturn]] void raiseRange(const char* operation, std::size_t index, std::size_t length) {
+    NSException::raise_format(NSRangeException, "%s: index %lu beyond a string of %lu units", operation,
+                              index, length);
+}
+
+/// Writes the units of part of a body.
+void copyUnits(const StringBody& body, std::size_t start, std::size_t count, char16_t* out) noexcept {
+    if (body.isAscii) {
+        detail::widenAscii(body.ascii() + start, count, out);
+    } else if (count != 0) {
+        std::memcpy(out, body.units() + start, count * sizeof(char16_t));
+    }
+}
+
+NSString part(const StringBody& body, std::size_t start, std::size_t count) {
+    return body.isAscii ? detail::makeAsciiString(body.ascii() + start, count)
+                        : detail::makeString(body.units() + start, count);
+}
+
+} // namespace
+
+NSString NSString::fromText(StringView text) {
+    switch (text.form()) {
+    case StringView::Form::ascii:
+        return detail::makeAsciiString(text.bytes(), text.size());
+    case StringView::Form::utf8:
+        return detail::makeString(text.bytes(), text.size());
+    case StringView::Form::utf16:
+        return detail::makeString(text.units(), text.size());
+    default:
+        return {};
+    }
+}
+
+StringView NSString::view() const noexcept {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return {};
+    }
+    return body->isAscii ? StringView::ascii(body->ascii(), body->length)
+                         : StringView(body->units(), std::size_t{body->length});
+}
+
+NSString NSString::string() { return detail::makeAsciiString("", 0); }
+
+NSString NSString::stringWithUTF8Bytes(const char* bytes, std::size_t byteCount) {
+    return detail::isWellFormedUtf8(bytes, byteCount) ? detail::makeString(bytes, byteCount) : NSString();
+}
+
+NSString NSString::stringWithCharacters_length(const char16_t* units, std::size_t unitCount) {
+    return detail::makeString(units, unitCount);
+}
+
+NSString NSString::stringWithFileSystemBytes(const char* bytes, std::size_t byteCount) {
+    if (detail::asciiPrefixLength(bytes, byteCount) == byteCount) {
+        return detail::makeAsciiString(bytes, byteCount);
+    }
+    constexpr auto policy = detail::IllFormed::fileName;
+    StringBody* const body = detail::allocateString(detail::utf16Length(bytes, byteCount, policy), false);
+    detail::utf8ToUtf16(bytes, byteCount, body->units(), policy);
+    return Access::adoptString(body);
+}
+
+std::size_t NSString::length() const noexcept {
+    const StringBody* const body = bodyOf(*this);
+    return body != nullptr ? std::size_t{body->length} : 0;
+}
+
+char16_t NSString::characterAtIndex(std::size_t index) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return 0;
+    }
+    if (index >= body->length) {
+        raiseRange("characterAtIndex:", index, body->length);
+    }
+    return body->isAscii ? static_cast<unsigned char>(body->ascii()[index]) : body->units()[index];
+}
+
+void NSString::getCharacters(char16_t* out, std::size_t start, std::size_t count) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return;
+    }
+    if (start > body->length || count > body->length - start) {
+        raiseRange("getCharacters:range:", start + count, body->length);
+    }
+    copyUnits(*body, start, count, out);
+}
+
+namespace {
+
+void writeUtf8(const StringBody& body, detail::IllFormed policy, std::string& out) {
+    if (body.isAscii) {
+        out.assign(body.ascii(), body.length);
+        return;
+    }
+    out.resize(detail::utf8Length(body.units(), body.length, policy));
+    detail::utf16ToUtf8(body.units(), body.length, out.data(), policy);
+}
+
+} // namespace
+
+std::string NSString::utf8() const {
+    std::string text;
+    if (const StringBody* const body = bodyOf(*this)) {
+        writeUtf8(*body, detail::IllFormed::replace, text);
+    }
+    return text;
+}
+
+bool NSString::getUTF8(std::string& out) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr || (!body->isAscii && !detail::isWellFormedUtf16(body->units(), body->length))) {
+        return false;
+    }
+    writeUtf8(*body, detail::IllFormed::replace, out);
+    return true;
+}
+
+bool NSString::getFileSystemBytes(std::string& out) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return false;
+    }
+    const bool hasForm = body->isAscii ? std::memchr(body->ascii(), 0, body->length) == nullptr
+                                       : detail::hasFileNameForm(body->units(), body->length);
+    if (hasForm) {
+        writeUtf8(*body, detail::IllFormed::fileName, out);
+    }
+    return hasForm;
+}
+
+std::u16string NSString::utf16() const {
+    std::u16string text;
+    if (const StringBody* const body = bodyOf(*this)) {
+        text.resize(body->length);
+        copyUnits(*body, 0, body->length, text.data());
+    }
+    return text;
+}
+
+NSString NSString::substringWithRange(std::size_t location, std::size_t count) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return {};
+    }
+    if (location > body->length || count > body->length - location) {
+        raiseRange("substringWithRange:", location + count, body->length);
+    }
+    return part(*body, location, count);
+}
+
+NSString NSString::substringToIndex(std::size_t index) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return {};
+    }
+    if (index > body->length) {
+        raiseRange("substringToIndex:", index, body->length);
+    }
+    return index == body->length ? *this : part(*body, 0, index);
+}
+
+NSString NSString::substringFromIndex(std::size_t index) const {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return {};
+    }
+    if (index > body->length) {
+        raiseRange("substringFromIndex:", index, body->length);
+    }
+    return index == 0 ? *this : part(*body, index, body->length - index);
+}
+
+NSString NSString::stringByAppendingString(StringView other) const {
+    if (!*this) {
+        return {};
+    }
+    detail::TextBuilder builder;
+    builder.append(view());
+    builder.append(other);
+    return builder.string();
+}
+
+NSString NSString::lastPathComponent() const {
+    const NormalizedText text(view());
+    std::size_t end = text.length();
+    while (end > 1 && text[end - 1] == '/') {
+        --end;
+    }
+    if (end <= 1) {
+        return end == 0 ? *this : substringToIndex(end);
+    }
+    std::size_t start = end;
+    while (start > 0 && text[start - 1] != '/') {
+        --start;
+    }
+    return substringWithRange(start, end - start);
+}
+
+int NSString::intValue() const noexcept {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return 0;
+    }
+    return body->isAscii ? detail::readInt32(body->ascii(), body->length)
+                         : detail::readInt32(body->units(), body->length);
+}
+
+std::int64_t NSString::integerValue() const noexcept {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return 0;
+    }
+    return body->isAscii ? detail::readInt64(body->ascii(), body->length)
+                         : detail::readInt64(body->units(), body->length);
+}
+
+double NSString::doubleValue() const noexcept {
+    const StringBody* const body = bodyOf(*this);
+    if (body == nullptr) {
+        return 0;
+    }
+    return body->isAscii ? detail::readDouble(body->ascii(), body->length)
+                         : detail::readDouble(body->units(), body->length);
+}
+
+float NSString::floatValue() const noexcept { return static_cast<float>(doubleValue()); }
+
+NSMutableString::NSMutableString() : builder_(new detail::TextBuilder) {}
+
+NSMutableString::NSMutableString(StringView text) : NSMutableString() { builder_->append(text); }
+
+NSMutableString::NSMutableString(NSMutableString&& other) noexcept : builder_(other.builder_) {
+    other.builder_ = nullptr;
+}
+
+NSMutableString& NSMutableString::operator=(NSMutableString&& other) noexcept {
+    detail::TextBuilder* const taken = other.builder_;
+    other.builder_ = nullptr;
+    delete builder_;
+    builder_ = taken;
+    return *this;
+}
+
+NSMutableString::~NSMutableString() { delete builder_; }
+
+detail::TextBuilder& NSMutableString::builder() {
+    if (builder_ == nullptr) { // moved from: an empty builder again
+        builder_ = new detail::TextBuilder;
+    }
+    return *builder_;
+}
+
+void NSMutableString::appendString(StringView text) { builder().append(text); }
+
+void NSMutableString::appendCharacter(char16_t unit) { builder().appendUnit(unit); }
+
+std::size_t NSMutableString::length() const noexcept { return builder_ != nullptr ? builder_->length() : 0; }
+
+NSString NSMutableString::string() { return builder().string(); }
+
+} // namespace ZQFoundation

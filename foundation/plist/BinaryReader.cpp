@@ -1,0 +1,434 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/plist/BinaryReader.h"
+
+#include <bit>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSDictionary.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/text/Utf.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::size_t headerSize = 8;
+constexpr std::size_t trailerSize = 32;
+
+/// The high half of a marker byte.
+enum Kind : unsigned {
+    simpleKind = 0x0,
+    integerKind = 0x1,
+    realKind = 0x2,
+    dateKind = 0x3,
+    dataKind = 0x4,
+    asciiKind = 0x5,
+    unitsKind = 0x6,
+    arrayKind = 0xA,
+    dictionaryKind = 0xD,
+};
+
+/// Where one object stands: its marker, and the bytes behind marker and count.
+struct ObjectPlace {
+    std::size_t start = 0;
+    unsigned kind = 0;
+    unsigned low = 0; ///< low half of the marker
+    std::size_t count = 0;
+    std::size_t content = 0;
+};
+
+std::uint64_t bigEndian(const unsigned char* bytes, std::size_t count) noexcept {
+    std::uint64_t value = 0;
+    for (std::size_t index = 0; index < count; ++index) {
+        value = value << 8 | bytes[index];
+    }
+    return value;
+}
+
+class BinaryReader {
+public:
+    BinaryReader(const unsigned char* bytes, std::size_t count) : bytes_(bytes), size_(count) {}
+
+    NSObject read(PropertyListError& error) {
+        NSObject result;
+        if (readTrailer() && checkOffsets() && readTree(result)) {
+            return result;
+        }
+        error = {message_, 0, failedAt_};
+        return nullptr;
+    }
+
+private:
+    /// What is known of an object: its value once it is read, and how many levels it is high.
+    struct Slot {
+        enum State : unsigned char { unread, open, finished };
+        NSObject value;
+        State state = unread;
+        std::uint16_t height = 0;
+    };
+
+    /// A container that is being read.
+    struct Level {
+        std::size_t index;
+        bool isDictionary;
+        std::size_t count;
+        std::size_t references; ///< offset of the first one
+        std::size_t next;
+        std::uint16_t height;
+        NSMutableArray array;
+        NSMutableDictionary dictionary;
+    };
+
+    bool fail(const char* message, std::size_t at) noexcept {
+        message_ = message;
+        failedAt_ = at;
+        return false;
+    }
+
+    bool readTrailer() {
+        if (size_ < headerSize + 1 + trailerSize) {
+            return fail("The binary property list is cut short", size_);
+        }
+        const std::size_t start = size_ - trailerSize;
+        const unsigned char* trailer = bytes_ + start;
+        offsetSize_ = trailer[6];
+        referenceSize_ = trailer[7];
+        const std::uint64_t count = bigEndian(trailer + 8, 8);
+        const std::uint64_t top = bigEndian(trailer + 16, 8);
+        const std::uint64_t table = bigEndian(trailer + 24, 8);
+        if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) {
+            return fail("The trailer names an impossible size of numbers", start + 6);
+        }
+        if (table < headerSize || table > start || count > (start - table) / offsetSize_) {
+            return fail("The table of offsets does not lie inside the file", start + 8);
+        }
+        if (top >= count) {
+            return fail("The outermost object does not exist", start + 16);
+        }
+        table_ = static_cast<std::size_t>(table);
+        top_ = static_cast<std::size_t>(top);
+        bytesToGive_ = (table_ - headerSize) * timesTheObjects;
+        slots_.resize(static_cast<std::size_t>(count));
+        return true;
+    }
+
+    bool checkOffsets() noexcept {
+        for (std::size_t index = 0; index < slots_.size(); ++index) {
+            const std::uint64_t offset = offsetOf(index);
+            if (offset < headerSize || offset >= table_) {
+                return fail("An object does not lie inside the file", table_ + index * offsetSize_);
+            }
+        }
+        return true;
+    }
+
+    std::uint64_t offsetOf(std::size_t index) const noexcept {
+        return bigEndian(bytes_ + table_ + index * offsetSize_, offsetSize_);
+    }
+
+    /// Reads the outermost object and all that it refers to, innermost first.
+    bool readTree(NSObject& result) {
+        if (!readObject(top_)) {
+            return false;
+        }
+        while (!open_.empty()) {
+            Level& level = open_.back();
+            if (level.next == level.count) {
+                finishLevel();
+                continue;
+            }
+            std::size_t reference = 0;
+            if (!readReference(level, reference)) {
+                return false;
+            }
+            Slot& slot = slots_[reference];
+            if (slot.state == Slot::open) {
+                return fail("A container holds itself", level.references);
+            }
+            // A container that is not read yet becomes the innermost level; this one comes back to it afterwards.
+            if (slot.state == Slot::unread) {
+                if (!readObject(reference)) {
+                    return false;
+                }
+                continue;
+            }
+            if (!storeInto(level, slot)) {
+                return false;
+            }
+        }
+        result = std::move(slots_[top_].value);
+        return true;
+    }
+
+    void finishLevel() {
+        Level& level = open_.back();
+        Slot& slot = slots_[level.index];
+        slot.value = level.isDictionary ? NSObject(level.dictionary.dictionary()) : NSObject(level.array.array());
+        slot.state = Slot::finished;
+        slot.height = level.height;
+        open_.pop_back();
+    }
+
+    /// The reference to the next value; a dictionary's stand behind those to its keys.
+    bool readReference(const Level& level, std::size_t& reference) {
+        const std::size_t position = level.next + (level.isDictionary ? level.count : 0);
+        return readReferenceAt(level.references + position * referenceSize_, reference);
+    }
+
+    bool readReferenceAt(std::size_t offset, std::size_t& reference) noexcept {
+        const std::uint64_t value = bigEndian(bytes_ + offset, referenceSize_);
+        if (value >= slots_.size()) {
+            return fail("A reference leads to no object", offset);
+        }
+        reference = static_cast<std::size_t>(value);
+        return true;
+    }
+
+    bool storeInto(Level& level, const Slot& slot) {
+        // Sharing may bring a finished value further down than where it was first met.
+        if (slot.height + open_.size() > maximumPropertyListDepth) {
+            return fail("Values are nested too deeply", level.references);
+        }
+        if (slot.height >= level.height) {
+            level.height = static_cast<std::uint16_t>(slot.height + 1);
+        }
+        if (!level.isDictionary) {
+            level.array.addObject(slot.value);
+        } else {
+            NSString key;
+            if (!readKey(level.references + level.next * referenceSize_, key)) {
+                return false;
+            }
+            level.dictionary.setObject_forKey(slot.value, std::move(key));
+        }
+        ++level.next;
+        return true;
+    }
+
+    bool readKey(std::size_t offset, NSString& key) {
+        std::size_t reference = 0;
+        if (!readReferenceAt(offset, reference)) {
+            return false;
+        }
+        Slot& slot = slots_[reference];
+        if (slot.state == Slot::unread) {
+            ObjectPlace place;
+            if (!findObject(reference, place)) {
+                return false;
+            }
+            if ((place.kind == asciiKind || place.kind == unitsKind) && !readScalar(place, slot)) {
+                return false;
+            }
+        }
+        key = NSString(slot.value);
+        return key || fail("A dictionary's key is no string", offset);
+    }
+
+    /// Reads a scalar into its slot, or opens a container.
+    bool readObject(std::size_t index) {
+        ObjectPlace place;
+        if (!findObject(index, place)) {
+            return false;
+        }
+        if (place.kind != arrayKind && place.kind != dictionaryKind) {
+            return readScalar(place, slots_[index]);
+        }
+        if (open_.size() == maximumPropertyListDepth) {
+            return fail("Values are nested too deeply", place.start);
+        }
+        const bool isDictionary = place.kind == dictionaryKind;
+        open_.push_back(Level{index, isDictionary, place.count, place.content, 0, 1,
+                              isDictionary ? NSMutableArray() : NSMutableArray(place.count), {}});
+        slots_[index].state = Slot::open;
+        return true;
+    }
+
+    /// Reads marker and count, and makes sure that the content lies in front of the table.
+    bool findObject(std::size_t index, ObjectPlace& place) {
+        place.start = static_cast<std::size_t>(offsetOf(index));
+        place.kind = bytes_[place.start] >> 4;
+        place.low = bytes_[place.start] & 0xF;
+        place.content = place.start + 1;
+        std::size_t unitSize = 0;
+        switch (place.kind) {
+        case dataKind:
+        case asciiKind: unitSize = 1; break;
+        case unitsKind: unitSize = 2; break;
+        case arrayKind: unitSize = referenceSize_; break;
+        case dictionaryKind: unitSize = 2 * referenceSize_; break;
+        default: return true;
+        }
+        if (!readCount(place)) {
+            return false;
+        }
+        if (place.count > (table_ - place.content) / unitSize) {
+            return fail("An object is longer than the file", place.start);
+        }
+        const std::size_t length = place.count * unitSize;
+        if (length > bytesToGive_) {
+            return fail("The objects lie over each other", place.start);
+        }
+        bytesToGive_ -= length;
+        return true;
+    }
+
+    bool readCount(ObjectPlace& place) noexcept {
+        place.count = place.low;
+        if (place.low != 0xF) {
+            return true;
+        }
+        const std::size_t marker = place.content;
+        const std::size_t length = marker < table_ ? std::size_t{1} << (bytes_[marker] & 0xF) : 0;
+        if (marker >= table_ || bytes_[marker] >> 4 != integerKind || length > 8 || length > table_ - marker - 1) {
+            return fail("The count of an object is malformed", place.start);
+        }
+        // Eight bytes are signed by rule, but no count that large fits into the file.
+        place.count = static_cast<std::size_t>(bigEndian(bytes_ + marker + 1, length));
+        place.content = marker + 1 + length;
+        return true;
+    }
+
+    bool readScalar(const ObjectPlace& place, Slot& slot) {
+        slot.state = Slot::finished;
+        const unsigned char* content = bytes_ + place.content;
+        switch (place.kind) {
+        case simpleKind: return readSimple(place, slot.value);
+        case integerKind: return readInteger(place, slot.value);
+        case realKind: return readReal(place, slot.value);
+        case dateKind: return readDate(place, slot.value);
+        case dataKind: slot.value = NSData::dataWithBytes_length(content, place.count); return true;
+        case asciiKind: slot.value = asciiString(content, place.count); return true;
+        case unitsKind: slot.value = unitString(content, place.count); return true;
+        default: return fail("The kind of an object is not known", place.start);
+        }
+    }
+
+    bool readSimple(const ObjectPlace& place, NSObject& value) noexcept {
+        switch (place.low) {
+        case 0x0: value = NSNull::null(); return true;
+        case 0x8: value = NSNumber(false); return true;
+        case 0x9: value = NSNumber(true); return true;
+        default: return fail("The kind of an object is not known", place.start);
+        }
+    }
+
+    /// Whether so many bytes of content lie in front of the table.
+    bool hasContent(const ObjectPlace& place, std::size_t length) noexcept {
+        return length <= table_ - place.content || fail("An object is longer than the file", place.start);
+    }
+
+    bool readInteger(const ObjectPlace& place, NSObject& value) noexcept {
+        if (place.low > 4) {
+            return fail("An integer has an impossible size", place.start);
+        }
+        const std::size_t length = std::size_t{1} << place.low;
+        if (!hasContent(place, length)) {
+            return false;
+        }
+        const unsigned char* content = bytes_ + place.content;
+        if (length < 8) {
+            value = NSNumber(bigEndian(content, length));
+        } else if (length == 8) {
+            value = NSNumber(static_cast<std::int64_t>(bigEndian(content, 8)));
+        } else {
+            return readWideInteger(place, value);
+        }
+        return true;
+    }
+
+    bool readWideInteger(const ObjectPlace& place, NSObject& value) noexcept {
+        const std::uint64_t high = bigEndian(bytes_ + place.content, 8);
+        const std::uint64_t low = bigEndian(bytes_ + place.content + 8, 8);
+        if (high == 0) {
+            value = NSNumber(low);
+        } else if (high == UINT64_MAX && low >> 63 != 0) {
+            value = NSNumber(static_cast<std::int64_t>(low));
+        } else {
+            return fail("An integer is out of range", place.start);
+        }
+        return true;
+    }
+
+    bool readReal(const ObjectPlace& place, NSObject& value) noexcept {
+        const unsigned char* content = bytes_ + place.content;
+        if (place.low == 2) {
+            if (!hasContent(place, 4)) {
+                return false;
+            }
+            value = NSNumber(std::bit_cast<float>(static_cast<std::uint32_t>(bigEndian(content, 4))));
+            return true;
+        }
+        if (place.low == 3) {
+            if (!hasContent(place, 8)) {
+                return false;
+            }
+            value = NSNumber(std::bit_cast<double>(bigEndian(content, 8)));
+            return true;
+        }
+        return fail("A real number has an impossible size", place.start);
+    }
+
+    bool readDate(const ObjectPlace& place, NSObject& value) noexcept {
+        if (place.low != 3) {
+            return fail("A date has an impossible size", place.start);
+        }
+        if (!hasContent(place, 8)) {
+            return false;
+        }
+        const double seconds = std::bit_cast<double>(bigEndian(bytes_ + place.content, 8));
+        value = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+        return true;
+    }
+
+    /// Bytes above 7F become the units of the same number, as wherever bytes are read as ASCII.
+    static NSString asciiString(const unsigned char* bytes, std::size_t count) {
+        const char* text = reinterpret_cast<const char*>(bytes);
+        if (asciiPrefixLength(text, count) == count) {
+            return NSString(StringView::ascii(text, count));
+        }
+        const std::unique_ptr<char16_t[]> units(new char16_t[count]);
+        widenAscii(text, count, units.get());
+        return NSString::stringWithCharacters_length(units.get(), count);
+    }
+
+    static NSString unitString(const unsigned char* bytes, std::size_t count) {
+        const std::unique_ptr<char16_t[]> units(new char16_t[count]);
+        for (std::size_t index = 0; index < count; ++index) {
+            units[index] = static_cast<char16_t>(bytes[2 * index] << 8 | bytes[2 * index + 1]);
+        }
+        return NSString::stringWithCharacters_length(units.get(), count);
+    }
+
+    /// Objects of an honest file do not lie over each other; some slack is left to writers that name one twice.
+    static constexpr std::size_t timesTheObjects = 4;
+
+    const unsigned char* bytes_;
+    std::size_t size_;
+    std::size_t offsetSize_ = 0;
+    std::size_t referenceSize_ = 0;
+    std::size_t table_ = 0; ///< offset of the table, which is the end of the objects
+    std::size_t top_ = 0;
+    std::size_t bytesToGive_ = 0;
+    std::vector<Slot> slots_;
+    std::vector<Level> open_;
+    const char* message_ = nullptr;
+    std::size_t failedAt_ = 0;
+};
+
+} // namespace
+
+bool isBinaryPropertyList(const unsigned char* bytes, std::size_t count) noexcept {
+    return count >= headerSize && std::memcmp(bytes, "bplist0", 7) == 0;
+}
+
+NSObject readBinary(const unsigned char* bytes, std::size_t count, PropertyListError& error) {
+    return BinaryReader(bytes, count).read(error);
+}
+
+} // namespace ZQFoundation::detail

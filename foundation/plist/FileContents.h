@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_PLIST_FILECONTENTS_H
+#define ZQFOUNDATION_PLIST_FILECONTENTS_H
+
+#include <cstddef>
+#include <memory>
+
+#include "foundation/objects/StringView.h"
+
+namespace ZQFoundation::detail {
+
+/// The bytes of one file.
+struct FileContents {
+    std::unique_ptr<unsigned char[]> bytes;
+    std::size_t count = 0;
+};
+
+/// Reads a whole regular file of at most `maximumPropertyListBytes`. False for a nil path, a file that is missing or
+/// cannot be read, a larger one, and everything that is no regular file: a FIFO is never waited for. Leaves `errno`
+/// as it was.
+bool readFile(StringView path, FileContents& contents);
+
+} // namespace ZQFoundation::detail
+
+#endif

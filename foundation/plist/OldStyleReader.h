@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_PLIST_OLDSTYLEREADER_H
+#define ZQFOUNDATION_PLIST_OLDSTYLEREADER_H
+
+#include "foundation/objects/NSObject.h"
+#include "foundation/plist/PropertyListError.h"
+
+/// The old-style text form:
+///
+///     value      = dictionary | array | data | string
+///     dictionary = "{" { string [ "=" value ] ";" } "}"
+///     array      = "(" [ value { "," value } [ "," ] ] ")"
+///     data       = "<" { hex digit, hex digit | blank } ">"
+///     string     = one or more of A-Z a-z 0-9 _ $ / : . -  or any text in double or single quotes
+///
+/// A text that starts with a string and goes on is a strings table: a dictionary's entries without the braces, up to
+/// the first thing that is no string; what follows there is ignored. A text of blanks and comments alone is an empty
+/// dictionary. At most `maximumPropertyListDepth` levels; time and memory grow with the length of the text.
+namespace ZQFoundation::detail {
+
+/// The value that the text spells, or nil and the reason. The bytes must be well-formed UTF-8.
+NSObject readOldStyle(const char* utf8, std::size_t count, PropertyListError& error);
+NSObject readOldStyle(const char16_t* units, std::size_t count, PropertyListError& error);
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/plist/PropertyList.h"
+
+#include <cstring>
+
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/plist/BinaryReader.h"
+#include "foundation/plist/FileContents.h"
+#include "foundation/plist/OldStyleReader.h"
+#include "foundation/plist/TextDecoding.h"
+#include "foundation/plist/XmlReader.h"
+#include "foundation/text/NumberText.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+
+namespace {
+
+using TextDecoder = bool (*)(const unsigned char*, std::size_t, DecodedText&, PropertyListError&);
+
+bool isFurther(const PropertyListError& left, const PropertyListError& right) noexcept {
+    return left.line != right.line ? left.line > right.line : left.column > right.column;
+}
+
+/// XML first, then old-style: "<0fbd77>" is data. Of two failures the one that came further tells what was meant.
+template <class Unit>
+NSObject readText(const Unit* text, std::size_t count, PropertyListError& error) {
+    PropertyListError xmlError;
+    if (NSObject value = readXml(text, count, xmlError)) {
+        return value;
+    }
+    if (NSObject value = readOldStyle(text, count, error)) {
+        return value;
+    }
+    if (isFurther(xmlError, error)) {
+        error = xmlError;
+    }
+    return nullptr;
+}
+
+NSObject readBytes(const unsigned char* bytes, std::size_t count, TextDecoder decoder, PropertyListError& error) {
+    PropertyListError binaryError;
+    if (isBinaryPropertyList(bytes, count)) {
+        if (NSObject value = readBinary(bytes, count, binaryError)) {
+            return value;
+        }
+    }
+    DecodedText text;
+    NSObject value;
+    if (decoder(bytes, count, text, error)) {
+        value = text.utf8 != nullptr ? readText(text.utf8, text.count, error)
+                                     : readText(text.units.get(), text.count, error);
+    }
+    if (!value && binaryError.message != nullptr) {
+        error = binaryError;
+    }
+    return value;
+}
+
+void appendNumber(TextBuilder& text, std::size_t number) {
+    char digits[numberTextCapacity];
+    text.appendAscii(digits, static_cast<std::size_t>(writeUInt64(number, digits) - digits));
+}
+
+} // namespace
+
+NSObject parsePropertyListText(StringView text, PropertyListError* error) {
+    PropertyListError unused;
+    PropertyListError& failure = error != nullptr ? *error : unused;
+    if (!text) {
+        failure = {"There is no text", 1, 1};
+        return nullptr;
+    }
+    const NormalizedText normalized(text);
+    return normalized.isAscii() ? readText(normalized.ascii(), normalized.length(), failure)
+                                : readText(normalized.units(), normalized.length(), failure);
+}
+
+NSObject parsePropertyListBytes(const unsigned char* bytes, std::size_t count, PropertyListError* error) {
+    PropertyListError unused;
+    return readBytes(bytes, count, decodeText, error != nullptr ? *error : unused);
+}
+
+NSDictionary parseStringsFileBytes(const unsigned char* bytes, std::size_t count, PropertyListError* error) {
+    PropertyListError unused;
+    PropertyListError& failure = error != nullptr ? *error : unused;
+    const NSObject value = readBytes(bytes, count, decodeStringsText, failure);
+    if (value && !NSDictionary(value)) {
+        failure = {"A strings table must be a dictionary", 1, 1};
+    }
+    return NSDictionary(value);
+}
+
+NSString describePropertyListError(const PropertyListError& error) {
+    if (error.message == nullptr) {
+        return nullptr;
+    }
+    TextBuilder text;
+    text.appendAscii(error.message, std::strlen(error.message));
+    if (error.line > 0) {
+        text.appendLiteral(" (line ");
+        appendNumber(text, error.line);
+        text.appendLiteral(", column ");
+    } else {
+        text.appendLiteral(" (byte ");
+    }
+    appendNumber(text, error.column);
+    text.appendLiteral(")");
+    return text.string();
+}
+
+} // namespace detail
+
+NSObject NSString::propertyList() const {
+    if (!*this) {
+        return nullptr;
+    }
+    detail::PropertyListError error;
+    NSObject value = detail::parsePropertyListText(*this, &error);
+    if (!value) {
+        throw NSException(NSParseErrorException, detail::describePropertyListError(error));
+    }
+    return value;
+}
+
+NSDictionary NSString::propertyListFromStringsFileFormat() const {
+    return NSDictionary(detail::parsePropertyListText(*this, nullptr));
+}
+
+NSDictionary NSDictionary::dictionaryWithContentsOfFile(StringView path) {
+    detail::FileContents contents;
+    if (!detail::readFile(path, contents)) {
+        return nullptr;
+    }
+    return NSDictionary(detail::parsePropertyListBytes(contents.bytes.get(), contents.count, nullptr));
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/plist/XmlScalars.h"
+
+#include <array>
+#include <limits>
+#include <memory>
+
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/plist/TextUnits.h"
+#include "foundation/text/NumberText.h"
+#include "foundation/time/CivilTime.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr bool isXmlBlank(unsigned number) noexcept {
+    return number == ' ' || number == '\t' || number == '\n' || number == '\r';
+}
+
+/// ASCII white space, the same for bytes and units.
+constexpr bool isWhiteSpace(unsigned number) noexcept { return number == ' ' || number - 0x09 < 5; }
+
+template <class Unit>
+const Unit* skipXmlBlanks(const Unit* text, const Unit* end) noexcept {
+    while (text != end && isXmlBlank(unitNumber(*text))) {
+        ++text;
+    }
+    return text;
+}
+
+/// The digits up to the end; at least one.
+template <class Unit>
+IntegerReading readMagnitude(const Unit* text, const Unit* end, unsigned base, std::uint64_t& magnitude) noexcept {
+    if (text == end) {
+        return IntegerReading::malformed;
+    }
+    bool overflows = false;
+    for (; text != end; ++text) {
+        const int digit = hexDigitValue(*text);
+        if (digit < 0 || digit >= static_cast<int>(base)) {
+            return IntegerReading::malformed;
+        }
+        overflows |= __builtin_mul_overflow(magnitude, std::uint64_t{base}, &magnitude);
+        overflows |= __builtin_add_overflow(magnitude, static_cast<std::uint64_t>(digit), &magnitude);
+    }
+    return overflows ? IntegerReading::outOfRange : IntegerReading::good;
+}
+
+template <class Unit>
+IntegerReading readInteger(const Unit* text, const Unit* end, NSObject& value) {
+    text = skipXmlBlanks(text, end);
+    const bool isNegative = startsWith(text, end, "-");
+    if (isNegative || startsWith(text, end, "+")) {
+        text = skipXmlBlanks(text + 1, end);
+    }
+    const bool isHexadecimal = startsWith(text, end, "0x") || startsWith(text, end, "0X");
+    std::uint64_t magnitude = 0;
+    const IntegerReading reading =
+        readMagnitude(isHexadecimal ? text + 2 : text, end, isHexadecimal ? 16 : 10, magnitude);
+    if (reading != IntegerReading::good) {
+        return reading;
+    }
+    if (!isNegative) {
+        value = NSNumber(magnitude);
+        return reading;
+    }
+    if (magnitude > std::uint64_t{1} << 63) {
+        return IntegerReading::outOfRange;
+    }
+    value = NSNumber(static_cast<std::int64_t>(0 - magnitude));
+    return reading;
+}
+
+/// The ASCII literal in lower case, to the end and in any case.
+template <class Unit, std::size_t size>
+bool isWord(const Unit* text, const Unit* end, const char (&word)[size]) noexcept {
+    if (static_cast<std::size_t>(end - text) != size - 1) {
+        return false;
+    }
+    for (std::size_t index = 0; index < size - 1; ++index) {
+        if ((unitNumber(text[index]) | 0x20) != static_cast<unsigned char>(word[index])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+template <class Unit>
+bool readReal(const Unit* text, const Unit* end, NSObject& value) {
+    while (text != end && isWhiteSpace(unitNumber(*text))) {
+        ++text;
+    }
+    const auto count = static_cast<std::size_t>(end - text);
+    const DoubleReading reading = scanDouble(text, count);
+    if (reading.length == count && count > 0) {
+        value = NSNumber(reading.value);
+        return true;
+    }
+    const bool isNegative = startsWith(text, end, "-");
+    if (isNegative || startsWith(text, end, "+")) {
+        ++text;
+    }
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    if (isWord(text, end, "nan")) {
+        value = NSNumber(std::numeric_limits<double>::quiet_NaN());
+        return true;
+    }
+    if (isWord(text, end, "inf") || isWord(text, end, "infinity")) {
+        value = NSNumber(isNegative ? -infinity : infinity);
+        return true;
+    }
+    return false;
+}
+
+/// Exactly `digits` decimal digits and then `separator`; moves `text` behind both.
+template <class Unit>
+bool readField(const Unit*& text, const Unit* end, unsigned digits, char separator, unsigned& field) noexcept {
+    if (static_cast<std::size_t>(end - text) < digits + std::size_t{1}) {
+        return false;
+    }
+    field = 0;
+    for (unsigned index = 0; index < digits; ++index) {
+        const unsigned digit = unitNumber(*text++) - '0';
+        if (digit > 9) {
+            return false;
+        }
+        field = field * 10 + digit;
+    }
+    return *text++ == static_cast<Unit>(separator);
+}
+
+template <class Unit>
+bool readDate(const Unit* text, const Unit* end, NSObject& value) {
+    const bool isBeforeYearZero = startsWith(text, end, "-");
+    text += isBeforeYearZero ? 1 : 0;
+    unsigned year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    unsigned hour = 0;
+    unsigned minute = 0;
+    unsigned second = 0;
+    if (!readField(text, end, 4, '-', year) || !readField(text, end, 2, '-', month) ||
+        !readField(text, end, 2, 'T', day) || !readField(text, end, 2, ':', hour) ||
+        !readField(text, end, 2, ':', minute) || !readField(text, end, 2, 'Z', second) || text != end) {
+        return false;
+    }
+    const std::int64_t signedYear = isBeforeYearZero ? -std::int64_t{year} : std::int64_t{year};
+    const CivilDate date{signedYear, static_cast<int>(month), static_cast<int>(day)};
+    std::int64_t days = 0;
+    // A day that does not exist comes back as another one.
+    if (!daysFromCivil(signedYear, month, day, days) || civilFromDays(days) != date || hour > 23 || minute > 59 ||
+        second > 59) {
+        return false;
+    }
+    const std::int64_t seconds = days * secondsPerDay + (hour * 60 + minute) * 60 + second;
+    value = NSDate::dateWithTimeIntervalSince1970(static_cast<double>(seconds));
+    return true;
+}
+
+constexpr signed char notBase64 = -1;
+constexpr signed char base64Filler = 64;
+
+constexpr auto base64Values = [] {
+    std::array<signed char, 128> values{};
+    values.fill(notBase64);
+    constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
+    for (unsigned index = 0; index <= base64Filler; ++index) {
+        values[static_cast<unsigned char>(alphabet[index])] = static_cast<signed char>(index);
+    }
+    return values;
+}();
+
+template <class Unit>
+int base64Value(Unit unit) noexcept {
+    const unsigned number = unitNumber(unit);
+    return number < base64Values.size() ? base64Values[number] : notBase64;
+}
+
+/// Turns groups of four symbols into three bytes, fewer when fillers end the group.
+class Base64Groups {
+public:
+    explicit Base64Groups(unsigned char* out) noexcept : out_(out) {}
+
+    void add(int symbol) noexcept {
+        const bool isFiller = symbol == base64Filler;
+        fillers_ = isFiller ? fillers_ + 1 : 0;
+        bits_ = bits_ << 6 | (isFiller ? 0U : static_cast<unsigned>(symbol));
+        if (++symbols_ == 4) {
+            for (unsigned index = 0; index + fillers_ < 3; ++index) {
+                *out_++ = static_cast<unsigned char>(bits_ >> (16 - 8 * index));
+            }
+            bits_ = symbols_ = fillers_ = 0;
+        }
+    }
+
+    /// Four symbols at once, between groups; false when one of them is none.
+    template <class Unit>
+    bool addWholeGroup(const Unit* text) noexcept {
+        const int first = base64Value(text[0]);
+        const int second = base64Value(text[1]);
+        const int third = base64Value(text[2]);
+        const int fourth = base64Value(text[3]);
+        // Neither "no symbol" nor the filler passes: both have a bit above the low six.
+        if (((first | second | third | fourth) & ~63) != 0) {
+            return false;
+        }
+        const auto bits = static_cast<unsigned>(first << 18 | second << 12 | third << 6 | fourth);
+        out_[0] = static_cast<unsigned char>(bits >> 16);
+        out_[1] = static_cast<unsigned char>(bits >> 8);
+        out_[2] = static_cast<unsigned char>(bits);
+        out_ += 3;
+        return true;
+    }
+
+    bool isBetweenGroups() const noexcept { return symbols_ == 0; }
+    const unsigned char* end() const noexcept { return out_; }
+
+private:
+    unsigned char* out_;
+    unsigned bits_ = 0;
+    unsigned symbols_ = 0;
+    unsigned fillers_ = 0;
+};
+
+template <class Unit>
+bool readData(const Unit* text, const Unit* end, NSObject& value) {
+    const auto count = static_cast<std::size_t>(end - text);
+    const std::unique_ptr<unsigned char[]> bytes(new unsigned char[count / 4 * 3 + 1]);
+    Base64Groups groups(bytes.get());
+    while (text != end) {
+        if (groups.isBetweenGroups() && end - text >= 4 && groups.addWholeGroup(text)) {
+            text += 4;
+            continue;
+        }
+        if (unitNumber(*text) >= 0x80) {
+            return false;
+        }
+        if (const int symbol = base64Value(*text); symbol != notBase64) {
+            groups.add(symbol);
+        }
+        ++text;
+    }
+    value = NSData::dataWithBytes_length(bytes.get(), static_cast<std::size_t>(groups.end() - bytes.get()));
+    return true;
+}
+
+} // namespace
+
+IntegerReading readXmlInteger(const char* text, std::size_t count, NSObject& value) {
+    return readInteger(text, text + count, value);
+}
+
+IntegerReading readXmlInteger(const char16_t* text, std::size_t count, NSObject& value) {
+    return readInteger(text, text + count, value);
+}
+
+bool readXmlReal(const char* text, std::size_t count, NSObject& value) {
+    return readReal(text, text + count, value);
+}
+
+bool readXmlReal(const char16_t* text, std::size_t count, NSObject& value) {
+    return readReal(text, text + count, value);
+}
+
+bool readXmlDate(const char* text, std::size_t count, NSObject& value) {
+    return readDate(text, text + count, value);
+}
+
+bool readXmlDate(const char16_t* text, std::size_t count, NSObject& value) {
+    return readDate(text, text + count, value);
+}
+
+bool readXmlData(const char* text, std::size_t count, NSObject& value) {
+    return readData(text, text + count, value);
+}
+
+bool readXmlData(const char16_t* text, std::size_t count, NSObject& value) {
+    return readData(text, text + count, value);
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_PLIST_XMLSCALARS_H
+#define ZQFOUNDATION_PLIST_XMLSCALARS_H
+
+#include "foundation/objects/NSObject.h"
+
+/// The values that stand in the XML form as a short notation of their own: numbers, dates, data.
+///
+///     <integer>  blanks, sign, blanks, then decimal digits or 0x and hexadecimal ones; -2^63 to 2^64-1
+///     <real>     blanks, then a decimal number, or nan, inf, infinity in any case, with or without a sign
+///     <date>     YYYY-MM-DDThh:mm:ssZ, a "-" may lead; a day and a time that exist
+///     <data>     Base64; other ASCII characters are skipped, an incomplete last group is dropped
+///
+/// Each function takes the whole text between the tags and leaves `value` alone when it returns false.
+namespace ZQFoundation::detail {
+
+enum class IntegerReading { good, malformed, outOfRange };
+
+IntegerReading readXmlInteger(const char* text, std::size_t count, NSObject& value);
+IntegerReading readXmlInteger(const char16_t* text, std::size_t count, NSObject& value);
+
+bool readXmlReal(const char* text, std::size_t count, NSObject& value);
+bool readXmlReal(const char16_t* text, std::size_t count, NSObject& value);
+
+bool readXmlDate(const char* text, std::size_t count, NSObject& value);
+bool readXmlDate(const char16_t* text, std::size_t count, NSObject& value);
+
+bool readXmlData(const char* text, std::size_t count, NSObject& value);
+bool readXmlData(const char16_t* text, std::size_t count, NSObject& value);
+
+} // namespace ZQFoundation::detail
+
+#endif

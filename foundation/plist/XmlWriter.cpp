@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/plist/XmlWriter.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/plist/PropertyListError.h"
+#include "foundation/plist/TextUnits.h"
+#include "foundation/plist/ValueWalk.h"
+#include "foundation/text/NumberText.h"
+#include "foundation/time/CivilTime.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::size_t dataBytesPerLine = 57; // 76 characters of Base64
+
+class XmlWriter {
+public:
+    explicit XmlWriter(std::string& out) : out_(out) {}
+
+    const char* write(const NSObject& value) {
+        const std::size_t start = out_.size();
+        out_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n";
+        ValueWalk walk(value);
+        while (refusal_ == nullptr && walk.next()) {
+            writeEvent(walk);
+            if (out_.size() - start > maximumPropertyListBytes) {
+                refusal_ = "The value is too large for a property list";
+            }
+        }
+        out_ += "</plist>\n";
+        return refusal_ != nullptr ? refusal_ : walk.refusal();
+    }
+
+private:
+    void writeEvent(const ValueWalk& walk) {
+        switch (walk.event()) {
+        case ValueWalk::Event::scalar:
+            indent(walk.depth());
+            writeScalar(walk.value(), walk.depth());
+            break;
+        case ValueWalk::Event::key:
+            indent(walk.depth());
+            writeText("<key>", NSString(walk.value()), "</key>\n");
+            break;
+        case ValueWalk::Event::open:
+            indent(walk.depth() - 1);
+            out_ += walk.isArray() ? (walk.isEmpty() ? "<array/>\n" : "<array>\n")
+                                   : (walk.isEmpty() ? "<dict/>\n" : "<dict>\n");
+            break;
+        case ValueWalk::Event::close:
+            if (!walk.isEmpty()) {
+                indent(walk.depth());
+                out_ += walk.isArray() ? "</array>\n" : "</dict>\n";
+            }
+            break;
+        }
+    }
+
+    void indent(std::size_t levels) { out_.append(levels, '\t'); }
+
+    void writeScalar(const NSObject& value, std::size_t depth) {
+        if (const NSString string(value); string) {
+            writeText("<string>", string, "</string>\n");
+        } else if (const NSNumber number(value); number) {
+            writeNumber(number);
+        } else if (const NSDate date(value); date) {
+            writeDate(date);
+        } else {
+            writeData(NSData(value), depth);
+        }
+    }
+
+    void writeNumber(const NSNumber& number) {
+        char digits[numberTextCapacity];
+        if (number.isBoolean()) {
+            out_ += number.boolValue() ? "<true/>\n" : "<false/>\n";
+            return;
+        }
+        if (number.isReal()) {
+            out_ += "<real>";
+            const std::to_chars_result written =
+                std::to_chars(digits, digits + sizeof digits, canonical(number.doubleValue()));
+            out_.append(digits, static_cast<std::size_t>(written.ptr - digits));
+            out_ += "</real>\n";
+            return;
+        }
+        const std::uint64_t bits = number.unsignedLongLongValue();
+        const bool isNegative = number.compare(NSNumber(0)) == NSOrderedAscending;
+        const char* end = isNegative ? writeInt64(number.integerValue(), digits) : writeUInt64(bits, digits);
+        out_ += "<integer>";
+        out_.append(digits, static_cast<std::size_t>(end - digits));
+        out_ += "</integer>\n";
+    }
+
+    /// A not-a-number has neither sign nor bits that matter.
+    static double canonical(double value) noexcept { return std::isnan(value) ? std::fabs(value) : value; }
+
+    void writeDate(const NSDate& date) {
+        const double since1970 = std::floor(date.timeIntervalSince1970());
+        // Far outside of what is accepted below, and small enough for 64 bits.
+        const bool isNear = std::fabs(since1970) < 1e15;
+        const std::int64_t seconds = isNear ? static_cast<std::int64_t>(since1970) : 0;
+        const CivilDate day = civilFromDays(floorDivide(seconds, secondsPerDay));
+        if (!isNear || day.year < -9999 || day.year > 9999) {
+            refusal_ = "The date lies too far away for a property list";
+            return;
+        }
+        const auto rest = static_cast<unsigned>(floorModulo(seconds, secondsPerDay));
+        out_ += day.year < 0 ? "<date>-" : "<date>";
+        writeField(static_cast<unsigned>(day.year < 0 ? -day.year : day.year), 4, '-');
+        writeField(static_cast<unsigned>(day.month), 2, '-');
+        writeField(static_cast<unsigned>(day.day), 2, 'T');
+        writeField(rest / 3600, 2, ':');
+        writeField(rest / 60 % 60, 2, ':');
+        writeField(rest % 60, 2, 'Z');
+        out_ += "</date>\n";
+    }
+
+    void writeField(unsigned value, unsigned digits, char separator) {
+        for (unsigned power = digits == 4 ? 1000 : 10; power > 0; power /= 10) {
+            out_ += static_cast<char>('0' + value / power % 10);
+        }
+        out_ += separator;
+    }
+
+    void writeData(const NSData& data, std::size_t depth) {
+        out_ += "<data>\n";
+        for (std::size_t start = 0; start < data.length(); start += dataBytesPerLine) {
+            indent(depth);
+            writeBase64(data.bytes() + start, std::min(dataBytesPerLine, data.length() - start));
+            out_ += '\n';
+        }
+        indent(depth);
+        out_ += "</data>\n";
+    }
+
+    void writeBase64(const unsigned char* bytes, std::size_t count) {
+        static constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+        for (std::size_t start = 0; start < count; start += 3) {
+            const std::size_t taken = std::min<std::size_t>(3, count - start);
+            unsigned bits = 0;
+            for (std::size_t index = 0; index < 3; ++index) {
+                bits = bits << 8 | (index < taken ? bytes[start + index] : 0U);
+            }
+            for (std::size_t index = 0; index < 4; ++index) {
+                out_ += index <= taken ? alphabet[bits >> (18 - 6 * index) & 63] : '=';
+            }
+        }
+    }
+
+    void writeText(const char* before, const NSString& string, const char* after) {
+        out_ += before;
+        const StringView text(string);
+        if (text.form() == StringView::Form::ascii) {
+            writeAscii(text.bytes(), text.bytes() + text.size());
+        } else {
+            writeUnits(text.units(), text.units() + text.size());
+        }
+        out_ += after;
+    }
+
+    /// Characters that stand for themselves, the others by a reference.
+    static bool isPlain(unsigned unit) noexcept {
+        return (unit >= 0x20 && unit < 0x7F && unit != '<' && unit != '>' && unit != '&') || unit == '\n' ||
+               unit == '\t';
+    }
+
+    void writeAscii(const char* text, const char* end) {
+        while (text != end) {
+            const char* start = text;
+            while (text != end && isPlain(unitNumber(*text))) {
+                ++text;
+            }
+            out_.append(start, static_cast<std::size_t>(text - start));
+            if (text != end) {
+                writeReference(unitNumber(*text++));
+            }
+        }
+    }
+
+    void writeUnits(const char16_t* text, const char16_t* end) {
+        while (text != end) {
+            const char16_t* start = text;
+            while (text != end && (isPlain(*text) || isPlainBeyondAscii(*text))) {
+                ++text;
+            }
+            writeUtf8(start, text);
+            if (text == end) {
+                break;
+            }
+            const bool isPair = text + 1 != end && (*text & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
+            if (isPair) {
+                writeUtf8(text, text + 2);
+                text += 2;
+            } else {
+                writeReference(*text++);
+            }
+        }
+    }
+
+    static bool isPlainBeyondAscii(char16_t unit) noexcept {
+        return unit >= 0xA0 && (unit & 0xF800) != 0xD800 && unit < 0xFFFE;
+    }
+
+    void writeUtf8(const char16_t* start, const char16_t* end) {
+        const auto count = static_cast<std::size_t>(end - start);
+        const std::size_t before = out_.size();
+        out_.resize(before + utf8Length(start, count, IllFormed::replace));
+        utf16ToUtf8(start, count, out_.data() + before, IllFormed::replace);
+    }
+
+    void writeReference(unsigned unit) {
+        switch (unit) {
+        case '<': out_ += "&lt;"; return;
+        case '>': out_ += "&gt;"; return;
+        case '&': out_ += "&amp;"; return;
+        default: break;
+        }
+        char digits[numberTextCapacity];
+        const std::to_chars_result written = std::to_chars(digits, digits + sizeof digits, unit, 16);
+        out_ += "&#x";
+        out_.append(digits, static_cast<std::size_t>(written.ptr - digits));
+        out_ += ';';
+    }
+
+    std::string& out_;
+    const char* refusal_ = nullptr;
+};
+
+} // namespace
+
+const char* writeXml(const NSObject& value, std::string& out) { return XmlWriter(out).write(value); }
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/BundleLayout.h"
+
+#include <algorithm>
+
+#include <dirent.h>
+
+#include "foundation/process/FileReading.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr const char localizedExtension[] = ".lproj";
+
+BundleLayout applicationLayout(const std::string& folder) {
+    const std::string contents = folder + "/Contents";
+    return {folder, contents + "/Info.plist", contents + "/Resources", contents + "/MacOS"};
+}
+
+bool endsWith(const std::string& text, const std::string& end) noexcept {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+/// Closes a folder with its scope.
+class OpenFolder {
+public:
+    explicit OpenFolder(const std::string& path) noexcept : stream_(::opendir(path.c_str())) {}
+    OpenFolder(const OpenFolder&) = delete;
+    OpenFolder& operator=(const OpenFolder&) = delete;
+    ~OpenFolder() {
+        if (stream_ != nullptr) {
+            ::closedir(stream_);
+        }
+    }
+    const dirent* next() noexcept { return stream_ != nullptr ? ::readdir(stream_) : nullptr; }
+
+private:
+    DIR* stream_;
+};
+
+} // namespace
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string lastComponentOf(const std::string& path) {
+    return path.substr(path.find_last_of('/') + 1);
+}
+
+BundleLayout layoutOfFolder(const std::string& folder) {
+    if (isFolder(folder + "/Contents")) {
+        return applicationLayout(folder);
+    }
+    const std::string resources = folder + "/Resources";
+    if (fileExists(resources + "/Info.plist")) {
+        return {folder, resources + "/Info.plist", resources, folder};
+    }
+    return {folder, folder + "/Info.plist", isFolder(resources) ? resources : folder, folder};
+}
+
+BundleLayout layoutOfProgram(const std::string& program, const std::string& processName) {
+    const std::string folder = folderOf(program);
+    if (endsWith(folder, "/Contents/MacOS")) {
+        return applicationLayout(folderOf(folderOf(folder)));
+    }
+    if (fileExists(folder + "/Resources/Info.plist") || fileExists(folder + "/Info.plist")) {
+        return layoutOfFolder(folder);
+    }
+    if (lastComponentOf(folder) == "bin" && !processName.empty()) {
+        const std::string shared = folderOf(folder) + "/share/" + processName;
+        if (isFolder(shared)) {
+            BundleLayout layout = layoutOfFolder(shared);
+            layout.programs = folder;
+            return layout;
+        }
+    }
+    return {folder, "", folder, folder};
+}
+
+BundleLayout layoutOfLibrary(const std::string& library) {
+    const std::string folder = folderOf(library);
+    const std::string beside = folder + "/Resources";
+    if (isFolder(beside)) {
+        return {folder, beside + "/Info.plist", beside, folder};
+    }
+    // Libraries stand in lib or, by architecture, one folder deeper.
+    std::string shared = folder + "/../share/ZQFoundation";
+    const std::string deeper = folder + "/../../share/ZQFoundation";
+    if (!isFolder(shared) && isFolder(deeper)) {
+        shared = deeper;
+    }
+    return {shared, shared + "/Info.plist", shared, folder};
+}
+
+std::vector<std::string> localizedFolders(const std::string& resources) {
+    std::vector<std::string> names;
+    OpenFolder folder(resources);
+    while (const dirent* entry = folder.next()) {
+        const std::string name = entry->d_name;
+        const std::size_t extension = sizeof localizedExtension - 1;
+        if (name.size() > extension && endsWith(name, localizedExtension) && isFolder(resources + "/" + name)) {
+            names.push_back(name.substr(0, name.size() - extension));
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace ZQFoundation::detail

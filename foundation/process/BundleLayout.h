@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_PROCESS_BUNDLELAYOUT_H
+#define ZQFOUNDATION_PROCESS_BUNDLELAYOUT_H
+
+#include <string>
+#include <vector>
+
+namespace ZQFoundation::detail {
+
+/// Where a bundle keeps its parts; paths as bytes, no slash at the end.
+///
+///     X.app/Contents/{Info.plist,MacOS/,Resources/}      an application
+///     X/Resources/Info.plist                             a framework, or a program beside its Resources
+///     X/Info.plist, X/Resources/ or resources in X       a flat bundle
+struct BundleLayout {
+    std::string folder;
+    std::string infoFile; ///< may be absent
+    std::string resources;
+    std::string programs;
+};
+
+/// The layout that is found in an existing folder.
+BundleLayout layoutOfFolder(const std::string& folder);
+
+/// The bundle around a program: the X.app whose Contents/MacOS holds it; else its own folder when an Info.plist or
+/// Resources/Info.plist stands there; else, for a program in a "bin" folder, ../share/<process name> when that
+/// exists; else its own folder, with no Info dictionary.
+BundleLayout layoutOfProgram(const std::string& program, const std::string& processName);
+
+/// The bundle of a library: `Resources` beside it, else share/ZQFoundation of the same installation.
+BundleLayout layoutOfLibrary(const std::string& library);
+
+/// The names of the "*.lproj" folders in a folder, without the extension, in ascending order of their bytes.
+std::vector<std::string> localizedFolders(const std::string& resources);
+
+std::string folderOf(const std::string& path);
+std::string lastComponentOf(const std::string& path);
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/FileReading.h"
+
+#include <cerrno>
+#include <ctime>
+#include <new>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "foundation/plist/PropertyList.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// Closes a descriptor with its scope.
+class Descriptor {
+public:
+    explicit Descriptor(int number) noexcept : number_(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number_ >= 0) {
+            ::close(number_);
+        }
+    }
+    int number() const noexcept { return number_; }
+
+private:
+    int number_;
+};
+
+// The two members are spelled in one of two ways, by the age of the system's headers.
+template <class Information>
+timespec modificationTime(const Information& information) noexcept {
+    if constexpr (requires { information.st_mtim; }) {
+        return information.st_mtim;
+    } else {
+        return information.st_mtimespec;
+    }
+}
+
+template <class Information>
+timespec changeTime(const Information& information) noexcept {
+    if constexpr (requires { information.st_ctim; }) {
+        return information.st_ctim;
+    } else {
+        return information.st_ctimespec;
+    }
+}
+
+FileStamp stampFrom(const struct stat& information) noexcept {
+    FileStamp stamp;
+    stamp.device = static_cast<std::uint64_t>(information.st_dev);
+    stamp.inode = static_cast<std::uint64_t>(information.st_ino);
+    stamp.size = static_cast<std::int64_t>(information.st_size);
+    stamp.modifiedSeconds = static_cast<std::int64_t>(modificationTime(information).tv_sec);
+    stamp.modifiedNanoseconds = static_cast<std::int64_t>(modificationTime(information).tv_nsec);
+    stamp.changedSeconds = static_cast<std::int64_t>(changeTime(information).tv_sec);
+    stamp.changedNanoseconds = static_cast<std::int64_t>(changeTime(information).tv_nsec);
+    return stamp;
+}
+
+int openForReading(const std::string& path) noexcept {
+    int descriptor = -1;
+    do {
+        // Without O_NONBLOCK a pipe that took the file's place would hold the caller up.
+        descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+bool readAll(int descriptor, std::string& bytes) noexcept {
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return false;
+        }
+        if (count == 0) {
+            break; // shorter than it was a moment ago; the next stamp will differ
+        }
+        filled += static_cast<std::size_t>(count);
+    }
+    bytes.resize(filled);
+    return true;
+}
+
+FileResult resultOfError(int error) noexcept {
+    const bool passing = error == EMFILE || error == ENFILE || error == ENOMEM || error == EAGAIN;
+    return passing ? FileResult::exhausted : FileResult::unreadable;
+}
+
+bool getInformation(const std::string& path, struct stat& information) noexcept {
+    return !path.empty() && ::stat(path.c_str(), &information) == 0;
+}
+
+} // namespace
+
+bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept {
+    struct stat information;
+    if (!getInformation(path, information) || !S_ISREG(information.st_mode)) {
+        return false;
+    }
+    stamp = stampFrom(information);
+    return true;
+}
+
+bool isFresh(const FileStamp& stamp) noexcept {
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    // File times move in steps: some milliseconds as a rule, two seconds where no fractions are kept.
+    const std::int64_t window = stamp.changedNanoseconds == 0 ? 2'100'000'000 : 100'000'000;
+    const std::int64_t seconds = static_cast<std::int64_t>(now.tv_sec) - stamp.changedSeconds;
+    if (seconds < -3 || seconds > 3) {
+        return false;
+    }
+    const std::int64_t age = seconds * 1'000'000'000 + now.tv_nsec - stamp.changedNanoseconds;
+    return age < window;
+}
+
+FileResult readStampedFile(const std::string& path, std::string& bytes, FileStamp& stamp) {
+    if (path.empty()) {
+        return FileResult::unreadable;
+    }
+    const Descriptor file(openForReading(path));
+    if (file.number() < 0) {
+        return resultOfError(errno);
+    }
+    struct stat information;
+    if (::fstat(file.number(), &information) != 0 || !S_ISREG(information.st_mode)) {
+        return FileResult::unreadable;
+    }
+    stamp = stampFrom(information);
+    if (stamp.size >= largestFile) {
+        return FileResult::unreadable;
+    }
+    try {
+        bytes.resize(static_cast<std::size_t>(stamp.size));
+    } catch (const std::bad_alloc&) {
+        return FileResult::exhausted;
+    }
+    return readAll(file.number(), bytes) ? FileResult::read : FileResult::unreadable;
+}
+
+bool fileExists(const std::string& path) noexcept {
+    struct stat information;
+    return getInformation(path, information);
+}
+
+bool isFolder(const std::string& path) noexcept {
+    struct stat information;
+    return getInformation(path, information) && S_ISDIR(information.st_mode);
+}
+
+NSDictionary dictionaryFromBytes(const std::string& bytes) {
+    const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
+    const NSDictionary dictionary(parsePropertyListBytes(start, bytes.size(), nullptr));
+    return dictionary ? dictionary : NSDictionary::dictionary();
+}
+
+NSDictionary stringTableFromBytes(const std::string& bytes) {
+    const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
+    const NSDictionary table = parseStringsFileBytes(start, bytes.size(), nullptr);
+    return table ? table : NSDictionary::dictionary();
+}
+
+bool getFileName(const NSString& text, std::string& name) {
+    std::string bytes;
+    if (!text.getFileSystemBytes(bytes) || bytes.empty() || bytes.find('/') != std::string::npos) {
+        return false;
+    }
+    name.swap(bytes);
+    return true;
+}
+
+} // namespace ZQFoundation::detail

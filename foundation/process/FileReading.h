@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_PROCESS_FILEREADING_H
+#define ZQFOUNDATION_PROCESS_FILEREADING_H
+
+#include <cstdint>
+#include <string>
+
+#include "foundation/objects/NSDictionary.h"
+
+/// Reading of the files that describe the process: Info dictionaries, string tables, defaults domains. Nothing here
+/// writes, blocks on a pipe or device, or follows endless links.
+namespace ZQFoundation::detail {
+
+/// What tells one state of a file from another. The change time catches what the modification time does not: new
+/// permissions, and a modification time that was set back.
+struct FileStamp {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0;
+    std::int64_t modifiedSeconds = 0;
+    std::int64_t modifiedNanoseconds = 0;
+    std::int64_t changedSeconds = 0;
+    std::int64_t changedNanoseconds = 0;
+
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+/// Files from this size on are passed over.
+inline constexpr std::int64_t largestFile = std::int64_t{256} << 20;
+
+enum class FileResult {
+    read,       ///< all of it, as it was when its stamp was taken
+    unreadable, ///< absent, not a regular file, too large, not permitted
+    exhausted,  ///< the process lacks descriptors or memory at the moment
+};
+
+/// False unless the path leads to a regular file.
+bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept;
+
+/// Whether the file was changed so shortly before this call that another change might leave the same stamp.
+bool isFresh(const FileStamp& stamp) noexcept;
+
+FileResult readStampedFile(const std::string& path, std::string& bytes, FileStamp& stamp);
+
+bool fileExists(const std::string& path) noexcept;
+bool isFolder(const std::string& path) noexcept;
+
+/// The dictionary that a property list in any form spells; an empty one for anything else.
+NSDictionary dictionaryFromBytes(const std::string& bytes);
+
+/// The same for a string table, which may leave out the braces.
+NSDictionary stringTableFromBytes(const std::string& bytes);
+
+/// The bytes of the text as part of a path; false for nil and for texts that no file can bear, "/" among them.
+bool getFileName(const NSString& text, std::string& name);
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/LanguageSettings.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+// Far more than anybody speaks; keeps a hostile environment from costing time at every look-up.
+constexpr std::size_t mostLanguages = 64;
+
+bool isLetter(char character) noexcept {
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+}
+
+bool isTagCharacter(char character) noexcept {
+    return isLetter(character) || (character >= '0' && character <= '9') || character == '-';
+}
+
+bool namesNoLanguage(const std::string& tag) noexcept {
+    return tag == "C" || tag == "POSIX";
+}
+
+/// The script that a locale's modifier stands for, with the hyphen in front, or empty.
+std::string scriptOfModifier(const std::string& modifier) {
+    if (modifier == "latin") {
+        return "-Latn";
+    }
+    if (modifier == "cyrillic") {
+        return "-Cyrl";
+    }
+    return modifier == "devanagari" ? "-Deva" : "";
+}
+
+/// False when the name ends the list.
+bool addLanguage(const std::string& locale, std::vector<std::string>& languages) {
+    if (namesNoLanguage(locale.substr(0, locale.find_first_of(".@")))) {
+        return false;
+    }
+    std::string language = languageOfLocale(locale);
+    if (!language.empty() && std::find(languages.begin(), languages.end(), language) == languages.end()) {
+        languages.push_back(std::move(language));
+    }
+    return languages.size() < mostLanguages;
+}
+
+std::vector<std::string> languagesOfList(const std::string& list) {
+    std::vector<std::string> languages;
+    std::size_t start = 0;
+    while (start <= list.size()) {
+        const std::size_t end = std::min(list.find(':', start), list.size());
+        if (!addLanguage(list.substr(start, end - start), languages)) {
+            break;
+        }
+        start = end + 1;
+    }
+    return languages;
+}
+
+} // namespace
+
+std::string languageOfLocale(const std::string& locale) {
+    std::string tag = locale.substr(0, locale.find_first_of(".@"));
+    std::replace(tag.begin(), tag.end(), '_', '-');
+    if (namesNoLanguage(tag) || tag.size() < 2 || !isLetter(tag.front()) ||
+        !std::all_of(tag.begin(), tag.end(), isTagCharacter)) {
+        return {};
+    }
+    const std::size_t at = locale.find('@');
+    if (at != std::string::npos) {
+        tag.insert(std::min(tag.find('-'), tag.size()), scriptOfModifier(locale.substr(at + 1)));
+    }
+    return tag;
+}
+
+std::vector<std::string> languagesFromEnvironment() {
+    for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* const value = std::getenv(name);
+        if (value != nullptr && *value != '\0') {
+            return languagesOfList(value);
+        }
+    }
+    return {};
+}
+
+} // namespace ZQFoundation::detail

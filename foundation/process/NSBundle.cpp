@@ -1,0 +1,401 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/NSBundle.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include <unistd.h>
+
+#include "foundation/process/BundleLayout.h"
+#include "foundation/process/ErrnoKeeper.h"
+#include "foundation/process/FileReading.h"
+#include "foundation/process/LanguageMatching.h"
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/process/NSUserDefaults.h"
+#include "foundation/process/Published.h"
+#include "foundation/system/System.h"
+#include "foundation/system/TestOverrides.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+
+namespace {
+
+enum class BundleRole { program, library, other };
+
+/// A string table that was looked for, also when there was none.
+struct StringTable {
+    std::string name;
+    NSDictionary texts;
+    const StringTable* next;
+};
+
+} // namespace
+
+/// What is known of one bundle. Everything behind an atomic pointer is found out once and then stays.
+struct BundleRecord {
+    BundleLayout layout;
+    BundleRole role;
+    std::string program; // of the main bundle
+    BundleRecord* next;
+    std::atomic<const NSDictionary*> info{nullptr};
+    std::atomic<const std::vector<std::string>*> preferred{nullptr};
+    std::atomic<const StringTable*> tables{nullptr};
+    Lock tableLock{}; // keeps two threads from reading the same table
+};
+
+namespace {
+
+constinit std::atomic<BundleRecord*> allRecords{nullptr};
+constinit Lock recordLock;
+constinit std::atomic<BundleRecord*> mainRecord{nullptr};
+constinit std::atomic<BundleRecord*> libraryRecord{nullptr};
+
+NSString textOfPath(const std::string& path) {
+    return NSString::stringWithFileSystemBytes(path.data(), path.size());
+}
+
+BundleRecord* recordFor(const BundleLayout& layout, BundleRole role, const std::string& program) {
+    const Guard<Lock> guard(recordLock);
+    BundleRecord* const first = allRecords.load(std::memory_order_acquire);
+    for (BundleRecord* record = first; record != nullptr; record = record->next) {
+        if (record->role == role && record->layout.folder == layout.folder && record->program == program) {
+            return record;
+        }
+    }
+    auto* const record = new BundleRecord{.layout = layout, .role = role, .program = program, .next = first};
+    allRecords.store(record, std::memory_order_release);
+    return record;
+}
+
+// Main bundle
+
+BundleRecord* findMainRecord(const std::string& programOrFolder) {
+    if (isFolder(programOrFolder)) {
+        return recordFor(layoutOfFolder(programOrFolder), BundleRole::program, "");
+    }
+    std::string name;
+    getFileName(NSProcessInfo::processInfo().processName(), name);
+    return recordFor(layoutOfProgram(programOrFolder, name), BundleRole::program, programOrFolder);
+}
+
+BundleRecord* currentMainRecord() {
+    const ErrnoKeeper errnoKeeper;
+    if (overrides::executablePath != nullptr) {
+        return findMainRecord(*overrides::executablePath);
+    }
+    BundleRecord* record = mainRecord.load(std::memory_order_acquire);
+    if (record == nullptr) {
+        record = findMainRecord(system::executablePath());
+        mainRecord.store(record, std::memory_order_release);
+    }
+    return record;
+}
+
+// Info dictionary
+
+NSDictionary readDictionary(const std::string& path, NSDictionary (*parse)(const std::string&), bool& keep) {
+    std::string bytes;
+    FileStamp stamp;
+    const FileResult result = readStampedFile(path, bytes, stamp);
+    // A process that is short of descriptors now may read the file later.
+    keep = result != FileResult::exhausted;
+    return result == FileResult::read ? parse(bytes) : NSDictionary::dictionary();
+}
+
+NSDictionary infoOf(BundleRecord& record) {
+    if (const NSDictionary* info = record.info.load(std::memory_order_acquire)) {
+        return *info;
+    }
+    bool keep = false;
+    NSDictionary info = readDictionary(record.layout.infoFile, dictionaryFromBytes, keep);
+    return keep ? publishOnce(record.info, new NSDictionary(info)) : info;
+}
+
+// Localizations
+
+void addName(std::vector<std::string>& names, const NSString& text) {
+    std::string name;
+    if (getFileName(text, name) && std::find(names.begin(), names.end(), name) == names.end()) {
+        names.push_back(name);
+    }
+}
+
+std::vector<std::string> namesOf(const NSArray& texts) {
+    std::vector<std::string> names;
+    for (const NSObject& text : texts) {
+        addName(names, text.as<NSString>());
+    }
+    return names;
+}
+
+NSArray textsOf(const std::vector<std::string>& names) {
+    NSMutableArray texts(names.size());
+    for (const std::string& name : names) {
+        texts.addObject(textOfPath(name));
+    }
+    return texts.array();
+}
+
+NSString regionOf(BundleRecord& record) {
+    return infoOf(record).objectForKey("CFBundleDevelopmentRegion").as<NSString>();
+}
+
+std::vector<std::string> localizationsOf(BundleRecord& record) {
+    std::vector<std::string> names = namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
+    for (const std::string& folder : localizedFolders(record.layout.resources)) {
+        addName(names, textOfPath(folder));
+    }
+    const bool hasBase = std::find(names.begin(), names.end(), "Base") != names.end();
+    if (names.empty() || hasBase) {
+        addName(names, regionOf(record));
+    }
+    return names;
+}
+
+const std::vector<std::string>& preferredOf(BundleRecord& record);
+
+std::vector<std::string> languagesFor(const BundleRecord& record) {
+    std::vector<std::string> languages;
+    BundleRecord* const mainRecordNow = currentMainRecord();
+    if (&record != mainRecordNow && !localizationsOf(*mainRecordNow).empty()) {
+        languages = preferredOf(*mainRecordNow);
+    }
+    for (const std::string& language :
+         namesOf(NSUserDefaults::standardUserDefaults().arrayForKey("AppleLanguages"))) {
+        languages.push_back(language);
+    }
+    return languages;
+}
+
+std::vector<std::string> choosePreferred(BundleRecord& record) {
+    const std::vector<std::string> available = localizationsOf(record);
+    std::vector<std::string> chosen = matchingLocalizations(languagesFor(record), available);
+    if (!chosen.empty()) {
+        return chosen;
+    }
+    std::string region;
+    getFileName(regionOf(record), region);
+    for (const std::string& language : {region, std::string("en")}) {
+        std::string found = localizationOfLanguage(language, available);
+        if (!found.empty()) {
+            return {found};
+        }
+    }
+    return {available.empty() ? std::string("en") : available.front()};
+}
+
+const std::vector<std::string>& preferredOf(BundleRecord& record) {
+    if (const auto* preferred = record.preferred.load(std::memory_order_acquire)) {
+        return *preferred;
+    }
+    return publishOnce<std::vector<std::string>>(record.preferred,
+                                                 new std::vector<std::string>(choosePreferred(record)));
+}
+
+// String tables
+
+std::string pathOfTable(BundleRecord& record, const std::string& table) {
+    const std::string& resources = record.layout.resources;
+    const std::string file = "/" + table + ".strings";
+    if (fileExists(resources + file)) {
+        return resources + file;
+    }
+    std::vector<std::string> folders = preferredOf(record);
+    folders.push_back("Base");
+    std::string region;
+    if (getFileName(regionOf(record), region)) {
+        folders.push_back(localizationOfLanguage(region, localizationsOf(record)));
+        folders.push_back(region);
+    }
+    for (const std::string& folder : folders) {
+        const std::string path = resources + "/" + folder + ".lproj" + file;
+        if (!folder.empty() && fileExists(path)) {
+            return path;
+        }
+    }
+    return {};
+}
+
+const StringTable* knownTable(const BundleRecord& record, const std::string& name) noexcept {
+    const StringTable* table = record.tables.load(std::memory_order_acquire);
+    while (table != nullptr && table->name != name) {
+        table = table->next;
+    }
+    return table;
+}
+
+NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
+    if (const StringTable* table = knownTable(record, name)) {
+        return table->texts;
+    }
+    const Guard<Lock> guard(record.tableLock);
+    if (const StringTable* table = knownTable(record, name)) {
+        return table->texts;
+    }
+    bool keep = false;
+    NSDictionary texts = readDictionary(pathOfTable(record, name), stringTableFromBytes, keep);
+    if (keep) {
+        record.tables.store(new StringTable{name, texts, record.tables.load(std::memory_order_relaxed)},
+                            std::memory_order_release);
+    }
+    return texts;
+}
+
+/// Nil when the table lacks the key or there is no such table.
+NSString textInTable(BundleRecord& record, StringView key, StringView table) {
+    NSString tableText(table);
+    if (tableText.length() == 0) {
+        tableText = "Localizable";
+    }
+    std::string name;
+    if (!key || !getFileName(tableText, name)) {
+        return nullptr;
+    }
+    return textsOfTable(record, name).objectForKey(key).as<NSString>();
+}
+
+/// The program that an Info dictionary names; empty when there is no such file.
+std::string programOf(BundleRecord& record) {
+    std::string name;
+    if (!getFileName(infoOf(record).objectForKey("CFBundleExecutable").as<NSString>(), name)) {
+        name = lastComponentOf(record.layout.folder);
+        const std::size_t dot = name.find_last_of('.');
+        name = dot == 0 ? name : name.substr(0, dot);
+    }
+    const std::string path = record.layout.programs + "/" + name;
+    return fileExists(path) && !isFolder(path) ? path : std::string();
+}
+
+/// Without doubled and final slashes, from the root on; empty when there is no current folder.
+std::string absolutePath(const std::string& path) {
+    std::string result;
+    if (path.front() != '/') {
+        std::string current(4096, '\0');
+        if (::getcwd(current.data(), current.size()) == nullptr) {
+            return {};
+        }
+        result = current.c_str();
+        result += '/';
+    }
+    for (const char character : path) {
+        if (character != '/' || result.empty() || result.back() != '/') {
+            result += character;
+        }
+    }
+    while (result.size() > 1 && result.back() == '/') {
+        result.pop_back();
+    }
+    return result;
+}
+
+std::string fileOfLibrary() {
+    const std::string path = system::libraryPath();
+    // Linked into a program that was started by its bare name, the library knows no path of its own.
+    return path.find('/') == std::string::npos ? system::executablePath() : absolutePath(path);
+}
+
+} // namespace
+
+} // namespace detail
+
+NSBundle NSBundle::mainBundle() {
+    return NSBundle(detail::currentMainRecord());
+}
+
+NSBundle NSBundle::libraryBundle() {
+    detail::BundleRecord* record = detail::libraryRecord.load(std::memory_order_acquire);
+    if (record == nullptr) {
+        const detail::ErrnoKeeper errnoKeeper;
+        record = detail::recordFor(detail::layoutOfLibrary(detail::fileOfLibrary()), detail::BundleRole::library, "");
+        detail::libraryRecord.store(record, std::memory_order_release);
+    }
+    return NSBundle(record);
+}
+
+NSBundle NSBundle::bundleWithPath(StringView path) {
+    const detail::ErrnoKeeper errnoKeeper;
+    std::string bytes;
+    if (!NSString(path).getFileSystemBytes(bytes) || bytes.empty() || !detail::isFolder(bytes)) {
+        return nullptr;
+    }
+    const std::string folder = detail::absolutePath(bytes);
+    if (folder.empty()) {
+        return nullptr;
+    }
+    detail::BundleRecord* const main = detail::currentMainRecord();
+    if (main->layout.folder == folder) {
+        return NSBundle(main);
+    }
+    return NSBundle(detail::recordFor(detail::layoutOfFolder(folder), detail::BundleRole::other, ""));
+}
+
+NSDictionary NSBundle::infoDictionary() const {
+    const detail::ErrnoKeeper errnoKeeper;
+    return record_ != nullptr ? detail::infoOf(*record_) : NSDictionary();
+}
+
+NSString NSBundle::bundleIdentifier() const {
+    return infoDictionary().objectForKey("CFBundleIdentifier").as<NSString>();
+}
+
+NSObject NSBundle::objectForInfoDictionaryKey(StringView key) const {
+    if (record_ == nullptr || !key) {
+        return nullptr;
+    }
+    const detail::ErrnoKeeper errnoKeeper;
+    if (NSString localized = detail::textInTable(*record_, key, "InfoPlist")) {
+        return localized;
+    }
+    return detail::infoOf(*record_).objectForKey(key);
+}
+
+NSString NSBundle::bundlePath() const {
+    return record_ != nullptr ? detail::textOfPath(record_->layout.folder) : NSString();
+}
+
+NSString NSBundle::resourcePath() const {
+    return record_ != nullptr ? detail::textOfPath(record_->layout.resources) : NSString();
+}
+
+NSString NSBundle::executablePath() const {
+    if (record_ == nullptr) {
+        return nullptr;
+    }
+    const detail::ErrnoKeeper errnoKeeper;
+    const std::string program = record_->program.empty() ? detail::programOf(*record_) : record_->program;
+    return program.empty() ? NSString() : detail::textOfPath(program);
+}
+
+NSArray NSBundle::localizations() const {
+    const detail::ErrnoKeeper errnoKeeper;
+    return record_ != nullptr ? detail::textsOf(detail::localizationsOf(*record_)) : NSArray();
+}
+
+NSArray NSBundle::preferredLocalizations() const {
+    const detail::ErrnoKeeper errnoKeeper;
+    return record_ != nullptr ? detail::textsOf(detail::preferredOf(*record_)) : NSArray();
+}
+
+NSString NSBundle::developmentLocalization() const {
+    const detail::ErrnoKeeper errnoKeeper;
+    return record_ != nullptr ? detail::regionOf(*record_) : NSString();
+}
+
+NSString NSBundle::localizedStringForKey_value_table(const NSString& key, const NSString& value,
+                                                     StringView table) const {
+    if (record_ == nullptr) {
+        return nullptr;
+    }
+    if (!key) {
+        return value ? value : NSString("");
+    }
+    const detail::ErrnoKeeper errnoKeeper;
+    if (NSString text = detail::textInTable(*record_, key, table)) {
+        return text;
+    }
+    return value.length() > 0 ? value : key;
+}
+
+} // namespace ZQFoundation

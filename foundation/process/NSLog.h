@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_PROCESS_NSLOG_H
+#define ZQFOUNDATION_PROCESS_NSLOG_H
+
+#include "../objects/NSString.h"
+
+namespace ZQFoundation {
+
+/// Formats without a locale and writes the text as one line to standard error, behind the date, the process name and
+/// the identifiers of process and thread. A nil format is ignored.
+ZQFOUNDATION_EXPORT void NSLogv(StringView format, ArgumentList arguments);
+
+/// The same with variable arguments.
+template <class... Arguments>
+void NSLog(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+    const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+    NSLogv(format.text(), packed.list());
+}
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/NSProcessInfo.h"
+
+#include <atomic>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include "foundation/process/ErrnoKeeper.h"
+#include "foundation/process/ProcessIdentity.h"
+#include "foundation/process/Published.h"
+#include "foundation/system/System.h"
+#include "foundation/system/TestOverrides.h"
+
+// Declared here because not every system's headers do.
+extern char** environ; // NOLINT(readability-redundant-declaration)
+
+namespace ZQFoundation {
+
+namespace detail {
+
+namespace {
+
+/// Where a name comes from decides whether it outlives the arguments that it was taken from.
+enum class NameSource { arguments, replacedArguments, host };
+
+struct IdentityRecord {
+    ProcessIdentity identity;
+    std::string bytes; // what identity.name points to
+    NSString name;
+    NameSource source;
+    std::uint32_t generation;
+    const IdentityRecord* previous; // all records ever made stay, since a log line may be reading any of them
+};
+
+constinit std::atomic<const IdentityRecord*> currentIdentity{nullptr};
+constinit std::atomic<const IdentityRecord*> allIdentities{nullptr};
+constinit std::atomic<const std::vector<std::string>*> cachedArguments{nullptr};
+
+NameSource sourceOfArguments() noexcept {
+    return overrides::arguments != nullptr ? NameSource::replacedArguments : NameSource::arguments;
+}
+
+std::string lastComponent(const std::string& path) {
+    const std::size_t last = path.find_last_not_of('/');
+    if (last == std::string::npos) {
+        return {};
+    }
+    const std::size_t slash = path.find_last_of('/', last);
+    const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
+    return path.substr(start, last + 1 - start);
+}
+
+NSString nameFromArguments() {
+    const std::vector<std::string>& arguments = processArguments();
+    std::string name = arguments.empty() ? std::string() : lastComponent(arguments.front());
+    if (name.empty()) {
+        name = lastComponent(system::executablePath());
+    }
+    return NSString::stringWithFileSystemBytes(name.data(), name.size());
+}
+
+const IdentityRecord* makeRecord(const NSString& name, NameSource source, std::uint32_t generation) {
+    auto* record = new IdentityRecord{{}, name.utf8(), name, source, generation, nullptr};
+    record->identity = {record->bytes.data(), record->bytes.size(), static_cast<int>(::getpid())};
+    record->previous = allIdentities.load(std::memory_order_relaxed);
+    while (!allIdentities.compare_exchange_weak(record->previous, record, std::memory_order_release,
+                                                std::memory_order_relaxed)) {
+    }
+    return record;
+}
+
+/// A host that switches between a few names is served with the records of the first time.
+const IdentityRecord* recordFor(const NSString& name, NameSource source) {
+    const std::uint32_t generation = system::forkGeneration();
+    for (const IdentityRecord* record = allIdentities.load(std::memory_order_acquire); record != nullptr;
+         record = record->previous) {
+        if (record->generation == generation && record->source == source && record->name.isEqualToString(name)) {
+            return record;
+        }
+    }
+    return makeRecord(name, source, generation);
+}
+
+const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
+    const ErrnoKeeper errnoKeeper;
+    for (;;) {
+        const bool namedByHost = seen != nullptr && seen->source == NameSource::host;
+        const IdentityRecord* fresh = namedByHost ? recordFor(seen->name, NameSource::host)
+                                                  : recordFor(nameFromArguments(), sourceOfArguments());
+        // Fails when another thread has just set a name, which then counts.
+        if (currentIdentity.compare_exchange_strong(seen, fresh, std::memory_order_acq_rel,
+                                                    std::memory_order_acquire)) {
+            return *fresh;
+        }
+    }
+}
+
+const IdentityRecord& identityRecord() {
+    const IdentityRecord* record = currentIdentity.load(std::memory_order_acquire);
+    const bool current = record != nullptr && record->generation == system::forkGeneration() &&
+                         record->source != NameSource::replacedArguments && overrides::arguments == nullptr;
+    return current ? *record : refreshedIdentity(record);
+}
+
+} // namespace
+
+const ProcessIdentity& processIdentity() {
+    return identityRecord().identity;
+}
+
+const std::vector<std::string>& processArguments() {
+    if (overrides::arguments != nullptr) {
+        return *overrides::arguments;
+    }
+    if (const auto* cached = cachedArguments.load(std::memory_order_acquire)) {
+        return *cached;
+    }
+    const ErrnoKeeper errnoKeeper;
+    return publishOnce<std::vector<std::string>>(cachedArguments,
+                                                 new std::vector<std::string>(system::processArguments()));
+}
+
+} // namespace detail
+
+NSProcessInfo& NSProcessInfo::processInfo() noexcept {
+    static constinit NSProcessInfo instance;
+    return instance;
+}
+
+NSString NSProcessInfo::processName() const {
+    return detail::identityRecord().name;
+}
+
+void NSProcessInfo::setProcessName(const NSString& name) {
+    if (name.length() == 0) {
+        return;
+    }
+    detail::currentIdentity.store(detail::recordFor(name, detail::NameSource::host), std::memory_order_release);
+}
+
+int NSProcessInfo::processIdentifier() const {
+    return detail::processIdentity().pid;
+}
+
+NSArray NSProcessInfo::arguments() const {
+    const std::vector<std::string>& arguments = detail::processArguments();
+    NSMutableArray result(arguments.size());
+    for (const std::string& argument : arguments) {
+        result.addObject(NSString::stringWithFileSystemBytes(argument.data(), argument.size()));
+    }
+    return result.array();
+}
+
+NSDictionary NSProcessInfo::environment() const {
+    NSMutableDictionary result;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        const char* const equals = std::strchr(*entry, '=');
+        if (equals == nullptr || equals == *entry) {
+            continue;
+        }
+        const NSString name =
+            NSString::stringWithFileSystemBytes(*entry, static_cast<std::size_t>(equals - *entry));
+        // Of a name that stands twice the first one counts, as for `getenv`.
+        if (!result.objectForKey(name)) {
+            result.setObject_forKey(NSString::stringWithFileSystemBytes(equals + 1, std::strlen(equals + 1)), name);
+        }
+    }
+    return result.dictionary();
+}
+
+} // namespace ZQFoundation

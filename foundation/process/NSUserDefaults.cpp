@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/NSUserDefaults.h"
+
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/process/CommandLineDefaults.h"
+#include "foundation/process/DefaultsFiles.h"
+#include "foundation/process/ErrnoKeeper.h"
+#include "foundation/process/LanguageSettings.h"
+#include "foundation/process/NSBundle.h"
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/process/ProcessIdentity.h"
+#include "foundation/process/PropertyListValue.h"
+#include "foundation/process/Published.h"
+#include "foundation/system/TestOverrides.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+constexpr const char languagesKey[] = "AppleLanguages";
+constexpr const char globalDomain[] = "NSGlobalDomain";
+
+constinit detail::DomainFile applicationFile;
+constinit detail::DomainFile globalFile;
+constinit std::atomic<const NSDictionary*> commandLine{nullptr};
+
+// What this process has set in the application's domain. The null object, which no property list holds, stands for
+// a removed key.
+constinit detail::Published<NSDictionary> applicationChanges;
+constinit detail::Published<NSDictionary> registeredValues;
+constinit detail::Lock changeLock; // lets one change follow the other
+
+NSDictionary current(const detail::Published<NSDictionary>& values) {
+    return values.read([](const NSDictionary* known) { return known != nullptr ? *known : NSDictionary(); });
+}
+
+/// Replaces the published values by a changed copy of them.
+template <class Change>
+void change(detail::Published<NSDictionary>& values, const Change& apply) {
+    const detail::Guard<detail::Lock> guard(changeLock);
+    NSMutableDictionary changed(current(values));
+    apply(changed);
+    values.replace(new NSDictionary(changed.dictionary()));
+}
+
+NSDictionary commandLineDomain() {
+    if (detail::overrides::arguments != nullptr) {
+        return detail::defaultsFromArguments(*detail::overrides::arguments);
+    }
+    if (const NSDictionary* known = commandLine.load(std::memory_order_acquire)) {
+        return *known;
+    }
+    return detail::publishOnce(commandLine,
+                               new NSDictionary(detail::defaultsFromArguments(detail::processArguments())));
+}
+
+NSDictionary applicationFileValues() {
+    const NSString identifier = NSBundle::mainBundle().bundleIdentifier();
+    const NSString domain = identifier.length() > 0 ? identifier : NSProcessInfo::processInfo().processName();
+    return applicationFile.values(detail::fileOfDomain(domain));
+}
+
+NSDictionary globalFileValues() {
+    return globalFile.values(detail::fileOfDomain(globalDomain));
+}
+
+NSArray languages() {
+    NSMutableArray result;
+    for (const std::string& language : detail::languagesFromEnvironment()) {
+        result.addObject(language);
+    }
+    return result.array();
+}
+
+bool isRemoval(const NSObject& change) {
+    return static_cast<bool>(change.as<NSNull>());
+}
+
+NSObject applicationValue(StringView key) {
+    const NSObject changed = current(applicationChanges).objectForKey(key);
+    if (changed) {
+        return isRemoval(changed) ? NSObject() : changed;
+    }
+    return applicationFileValues().objectForKey(key);
+}
+
+NSObject languageValue(StringView key) {
+    if (!NSString(languagesKey).isEqualToString(key)) {
+        return nullptr;
+    }
+    const NSArray known = languages();
+    return known.count() > 0 ? NSObject(known) : NSObject();
+}
+
+/// Adds the entries whose keys are new.
+void addMissing(NSMutableDictionary& merged, const NSDictionary& domain) {
+    for (const NSDictionaryEntry& entry : domain) {
+        if (!merged.objectForKey(entry.key)) {
+            merged.setObject_forKey(entry.value, entry.key);
+        }
+    }
+}
+
+/// The application's file with this process's changes put in.
+NSDictionary applicationDomain() {
+    const NSDictionary changes = current(applicationChanges);
+    const NSDictionary file = applicationFileValues();
+    if (changes.count() == 0) {
+        return file;
+    }
+    NSMutableDictionary result(file ? file : NSDictionary::dictionary());
+    for (const NSDictionaryEntry& entry : changes) {
+        if (isRemoval(entry.value)) {
+            result.removeObjectForKey(entry.key);
+        } else {
+            result.setObject_forKey(entry.value, entry.key);
+        }
+    }
+    return result.dictionary();
+}
+
+void demandPropertyListValue(const NSObject& value, const NSObject& key) {
+    if (!detail::isPropertyListValue(value)) {
+        NSException::raise_format(NSInvalidArgumentException,
+                                  "The value for the default %@ is not of a kind that a property list holds", key);
+    }
+}
+
+} // namespace
+
+NSUserDefaults& NSUserDefaults::standardUserDefaults() noexcept {
+    static constinit NSUserDefaults instance;
+    return instance;
+}
+
+NSObject NSUserDefaults::objectForKey(StringView key) const {
+    if (!key) {
+        return nullptr;
+    }
+    const detail::ErrnoKeeper errnoKeeper;
+    if (NSObject value = commandLineDomain().objectForKey(key)) {
+        return value;
+    }
+    if (NSObject value = applicationValue(key)) {
+        return value;
+    }
+    if (NSObject value = globalFileValues().objectForKey(key)) {
+        return value;
+    }
+    if (NSObject value = languageValue(key)) {
+        return value;
+    }
+    return current(registeredValues).objectForKey(key);
+}
+
+NSDictionary NSUserDefaults::dictionaryRepresentation() const {
+    const detail::ErrnoKeeper errnoKeeper;
+    NSMutableDictionary merged;
+    addMissing(merged, commandLineDomain());
+    addMissing(merged, applicationDomain());
+    addMissing(merged, globalFileValues());
+    if (const NSArray known = languages(); known.count() > 0) {
+        addMissing(merged, NSDictionary{{languagesKey, known}});
+    }
+    addMissing(merged, current(registeredValues));
+    return merged.dictionary();
+}
+
+NSString NSUserDefaults::stringForKey(StringView key) const {
+    const NSObject value = objectForKey(key);
+    const NSNumber number(value);
+    return number ? number.stringValue() : NSString(value);
+}
+
+NSArray NSUserDefaults::arrayForKey(StringView key) const {
+    return NSArray(objectForKey(key));
+}
+
+NSDictionary NSUserDefaults::dictionaryForKey(StringView key) const {
+    return NSDictionary(objectForKey(key));
+}
+
+NSData NSUserDefaults::dataForKey(StringView key) const {
+    return NSData(objectForKey(key));
+}
+
+bool NSUserDefaults::boolForKey(StringView key) const {
+    return objectForKey(key).boolValue();
+}
+
+std::int64_t NSUserDefaults::integerForKey(StringView key) const {
+    const NSObject value = objectForKey(key);
+    const NSNumber number(value);
+    return number ? number.integerValue() : NSString(value).integerValue();
+}
+
+float NSUserDefaults::floatForKey(StringView key) const {
+    const NSObject value = objectForKey(key);
+    const NSNumber number(value);
+    return number ? number.floatValue() : NSString(value).floatValue();
+}
+
+double NSUserDefaults::doubleForKey(StringView key) const {
+    const NSObject value = objectForKey(key);
+    const NSNumber number(value);
+    return number ? number.doubleValue() : NSString(value).doubleValue();
+}
+
+void NSUserDefaults::setObject_forKey(const NSObject& value, const NSString& key) {
+    if (!key) {
+        NSException::raise_format(NSInvalidArgumentException, "A default needs a key");
+    }
+    if (!value) {
+        removeObjectForKey(key);
+        return;
+    }
+    const detail::ErrnoKeeper errnoKeeper;
+    demandPropertyListValue(value, key);
+    change(applicationChanges, [&](NSMutableDictionary& changes) { changes.setObject_forKey(value, key); });
+}
+
+void NSUserDefaults::removeObjectForKey(StringView key) {
+    if (!key) {
+        return;
+    }
+    const detail::ErrnoKeeper errnoKeeper;
+    change(applicationChanges,
+           [&](NSMutableDictionary& changes) { changes.setObject_forKey(NSNull::null(), NSString(key)); });
+}
+
+void NSUserDefaults::registerDefaults(const NSDictionary& values) {
+    const detail::ErrnoKeeper errnoKeeper;
+    for (const NSDictionaryEntry& entry : values) {
+        if (!entry.key.as<NSString>()) {
+            NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is no string", entry.key);
+        }
+        demandPropertyListValue(entry.value, entry.key);
+    }
+    change(registeredValues, [&](NSMutableDictionary& registered) {
+        for (const NSDictionaryEntry& entry : values) {
+            registered.setObject_forKey(entry.value, entry.key);
+        }
+    });
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_PROCESS_PROCESSIDENTITY_H
+#define ZQFOUNDATION_PROCESS_PROCESSIDENTITY_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace ZQFoundation::detail {
+
+/// Who this process is, ready for the prefix of a log line. Immutable and never destroyed.
+struct ProcessIdentity {
+    const char* name; ///< well-formed UTF-8, not NUL-ended
+    std::size_t nameLength;
+    int pid;
+};
+
+/// The identity as it is now. One atomic load and no allocation, except at first use, in a new child process and
+/// after a change of the name. Any thread, at any time.
+const ProcessIdentity& processIdentity();
+
+/// The process's arguments, the program's own name first; read once.
+const std::vector<std::string>& processArguments();
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/PropertyListValue.h"
+
+#include <unordered_set>
+#include <vector>
+
+#include "foundation/objects/Bodies.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// Collects the collections still to be looked into, each once.
+class Walk {
+public:
+    /// False when the value is of a kind that no property list holds.
+    bool admit(const NSObject& value) {
+        switch (Access::kind(value)) {
+        case Kind::boolean:
+        case Kind::signedInteger:
+        case Kind::unsignedInteger:
+        case Kind::real:
+        case Kind::singleReal:
+        case Kind::date:
+        case Kind::string:
+        case Kind::data:
+            return true;
+        case Kind::array:
+        case Kind::dictionary:
+            if (seen_.insert(Access::body(value)).second) {
+                waiting_.push_back(value);
+            }
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    bool next(NSObject& collection) {
+        if (waiting_.empty()) {
+            return false;
+        }
+        collection = waiting_.back();
+        waiting_.pop_back();
+        return true;
+    }
+
+private:
+    std::vector<NSObject> waiting_;
+    std::unordered_set<const Body*> seen_;
+};
+
+bool admitArray(Walk& walk, const NSArray& array) {
+    for (const NSObject& element : array) {
+        if (!walk.admit(element)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool admitDictionary(Walk& walk, const NSDictionary& dictionary) {
+    for (const NSDictionaryEntry& entry : dictionary) {
+        if (!entry.key.as<NSString>() || !walk.admit(entry.value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool isPropertyListValue(const NSObject& value) {
+    Walk walk;
+    if (!walk.admit(value)) {
+        return false;
+    }
+    NSObject collection;
+    while (walk.next(collection)) {
+        const bool fits = Access::kind(collection) == Kind::array ? admitArray(walk, NSArray(collection))
+                                                                  : admitDictionary(walk, NSDictionary(collection));
+        if (!fits) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_SYSTEM_LOCK_H
+#define ZQFOUNDATION_SYSTEM_LOCK_H
+
+#include <pthread.h>
+
+#include <cstdint>
+
+#include "foundation/system/System.h"
+
+namespace ZQFoundation::detail {
+
+/// A lock that a forked child finds free, whoever held it in the parent. What it guards must therefore be
+/// replaced by one store, never changed piecemeal. Recursive; constant-initialised and never destroyed, so it
+/// works before `main` and after it. Usable with `Guard`.
+class Lock {
+public:
+    constexpr Lock() noexcept = default;
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+    void lock() noexcept {
+        const std::uint64_t self = currentThread();
+        const std::uint32_t generation = system::forkGeneration() << 2;
+        std::uint32_t expected = generation;
+        if (!__atomic_compare_exchange_n(&word_, &expected, generation | held, false, __ATOMIC_ACQUIRE,
+                                         __ATOMIC_RELAXED)) [[unlikely]] {
+            if (lockSlowly(self, generation)) {
+                return;
+            }
+        }
+        __atomic_store_n(&owner_, self, __ATOMIC_RELAXED);
+        depth_ = 1;
+    }
+
+    void unlock() noexcept {
+        if (--depth_ != 0) {
+            return;
+        }
+        __atomic_store_n(&owner_, 0, __ATOMIC_RELAXED);
+        const std::uint32_t generation = system::forkGeneration() << 2;
+        const std::uint32_t before = __atomic_exchange_n(&word_, generation, __ATOMIC_RELEASE);
+        if (before == (generation | heldWithWaiters)) [[unlikely]] {
+            system::wakeOne(&word_);
+        }
+    }
+
+    /// For code that a signal handler may enter while the same thread is inside.
+    bool isHeldByThisThread() const noexcept;
+
+private:
+    // The word holds the fork generation above these two bits. A word of an older generation was locked by a
+    // thread that the child does not have (or by the one that forked), so it counts as free.
+    static constexpr std::uint32_t stateMask = 3;
+    static constexpr std::uint32_t held = 1;
+    static constexpr std::uint32_t heldWithWaiters = 2;
+
+    static std::uint64_t currentThread() noexcept {
+        const pthread_t self = pthread_self();
+        std::uint64_t number = 0;
+        static_assert(sizeof self <= sizeof number);
+        __builtin_memcpy(&number, &self, sizeof self);
+        return number;
+    }
+
+    /// True when this thread held the lock already and is now one level deeper.
+    bool lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept;
+    bool relockByOwner(std::uint64_t self, std::uint32_t generation) noexcept;
+
+    std::uint32_t word_ = 0;
+    std::uint32_t depth_ = 0;
+    std::uint64_t owner_ = 0;
+};
+
+/// Holds a lock for a scope, also when an exception leaves it.
+template <class LockType>
+class [[nodiscard]] Guard {
+public:
+    explicit Guard(LockType& lock) noexcept : lock_(lock) { lock_.lock(); }
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+    ~Guard() { lock_.unlock(); }
+
+private:
+    LockType& lock_;
+};
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_SYSTEM_SYSTEM_H
+#define ZQFOUNDATION_SYSTEM_SYSTEM_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// What the library needs of an operating system beyond POSIX. One source per system implements it.
+namespace ZQFoundation::detail::system {
+
+/// The running program's file, or empty when it cannot be told.
+std::string executablePath();
+
+/// The file that this library was loaded from: the shared library, or the program for the static one.
+std::string libraryPath();
+
+/// The process's arguments, the program's own name first. Empty when they cannot be told.
+std::vector<std::string> processArguments();
+
+/// The number by which the system knows the calling thread.
+std::uint64_t threadIdentifier() noexcept;
+
+/// Writes like `write`, but a reader that is gone or a file-size limit shows as an error and raises no
+/// signal. Returns -1 with `errno` on failure.
+std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept;
+
+/// Sleeps while the word holds `expected`; may return early.
+void waitWhileEqual(const std::uint32_t* word, std::uint32_t expected) noexcept;
+void wakeOne(const std::uint32_t* word) noexcept;
+
+/// How often this process image has been forked from another since the library was first asked: a child sees
+/// a greater number than its parent. Costs one load.
+inline std::uint32_t forkGeneration() noexcept;
+
+/// The count behind `forkGeneration`: 0 until somebody asks, so that a process which never does pays nothing.
+extern std::uint32_t forkGenerationCount;
+std::uint32_t firstForkGeneration() noexcept;
+
+inline std::uint32_t forkGeneration() noexcept {
+    const std::uint32_t count = __atomic_load_n(&forkGenerationCount, __ATOMIC_RELAXED);
+    return count != 0 ? count : firstForkGeneration();
+}
+
+/// True for the thread that lives on from the last fork: it still holds what it held.
+bool isForkingThread(std::uint64_t thread) noexcept;
+
+/// Unpredictable for others, the same all through the process.
+std::uint64_t randomNumber() noexcept;
+
+} // namespace ZQFoundation::detail::system
+
+#endif

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/system/TestOverrides.h"
+
+namespace ZQFoundation::detail::overrides {
+
+constinit const double* clock = nullptr;
+constinit const std::vector<std::string>* arguments = nullptr;
+constinit const std::string* defaultsFolder = nullptr;
+constinit const std::string* executablePath = nullptr;
+
+} // namespace ZQFoundation::detail::overrides

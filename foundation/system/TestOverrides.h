@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed. Tests reach through here; nothing in it is exported.
+#ifndef ZQFOUNDATION_SYSTEM_TESTOVERRIDES_H
+#define ZQFOUNDATION_SYSTEM_TESTOVERRIDES_H
+
+#include <string>
+#include <vector>
+
+namespace ZQFoundation::detail::overrides {
+
+/// When set, `NSDate::date()` and the log prefix answer this instant: seconds since 1970. Null: the real
+/// clock.
+extern const double* clock;
+
+/// When set, the arguments that user defaults and process information see. Null: the real ones.
+extern const std::vector<std::string>* arguments;
+
+/// When set, the folder that holds the defaults domains. Null: the real one.
+extern const std::string* defaultsFolder;
+
+/// When set, the folder (or program file) from which the main bundle is found. Null: the real program.
+extern const std::string* executablePath;
+
+} // namespace ZQFoundation::detail::overrides
+
+#endif

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include <fcntl.h>
+#include <linux/futex.h>
+#include <sys/auxv.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+
+#include "foundation/system/MaskedWrite.h"
+#include "foundation/system/System.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+/// Since Linux 6.18: as for sockets, a lost reader is only an error. Older kernels refuse the flag.
+constexpr int writeWithoutPipeSignal = 0x100;
+
+constinit bool kernelRefusesFlag = false;
+
+bool fileSizeIsUnlimited() noexcept {
+    rlimit limit{};
+#ifdef SYS_getrlimit // half the price of the call that the C library makes
+    const bool known = syscall(SYS_getrlimit, RLIMIT_FSIZE, &limit) == 0;
+#else
+    const bool known = getrlimit(RLIMIT_FSIZE, &limit) == 0;
+#endif
+    return known && limit.rlim_cur == RLIM_INFINITY;
+}
+
+/// A kernel that knows the flag takes it for pipes and regular files; some devices refuse every flag.
+void noteRefusal(int descriptor) noexcept {
+    struct stat status {};
+    if (fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode))) {
+        __atomic_store_n(&kernelRefusesFlag, true, __ATOMIC_RELAXED);
+    }
+}
+
+} // namespace
+
+std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept {
+    if (!__atomic_load_n(&kernelRefusesFlag, __ATOMIC_RELAXED) && fileSizeIsUnlimited()) {
+        const iovec piece{const_cast<char*>(bytes), count};
+        constexpr long currentPosition = -1;
+        const long written = syscall(SYS_pwritev2, descriptor, &piece, 1, currentPosition, currentPosition,
+                                     writeWithoutPipeSignal);
+        if (written >= 0 || (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL && errno != EPERM)) {
+            return written;
+        }
+        noteRefusal(descriptor);
+    }
+    return maskedWrite(descriptor, bytes, count);
+}
+
+void discardPendingSignal(int signal) noexcept {
+    sigset_t wanted;
+    sigemptyset(&wanted);
+    sigaddset(&wanted, signal);
+    const timespec now{};
+    while (sigtimedwait(&wanted, nullptr, &now) == -1 && errno == EINTR) {
+    }
+}
+
+void waitWhileEqual(const std::uint32_t* word, std::uint32_t expected) noexcept {
+    syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, nullptr, nullptr, 0);
+}
+
+void wakeOne(const std::uint32_t* word) noexcept {
+    syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
+}
+
+std::uint64_t threadIdentifier() noexcept {
+    // The number of the forking thread changes in the child, so it is remembered for one generation only.
+    static constinit thread_local std::uint64_t remembered = 0;
+    static constinit thread_local std::uint32_t rememberedIn = 0;
+    const std::uint32_t generation = forkGeneration();
+    if (rememberedIn != generation) {
+        remembered = static_cast<std::uint64_t>(syscall(SYS_gettid));
+        rememberedIn = generation;
+    }
+    return remembered;
+}
+
+std::string executablePath() {
+    std::string path(256, '\0');
+    for (;;) {
+        const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+        if (length < 0) {
+            return {};
+        }
+        if (static_cast<std::size_t>(length) < path.size()) {
+            path.resize(static_cast<std::size_t>(length));
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+std::vector<std::string> processArguments() {
+    const int file = open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return {};
+    }
+    std::string text;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = read(file, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+    close(file);
+    std::vector<std::string> arguments;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = text.find('\0', start);
+        arguments.push_back(text.substr(start, end - start));
+        start = end == std::string::npos ? text.size() : end + 1;
+    }
+    return arguments;
+}
+
+std::uint64_t randomNumber() noexcept {
+    std::uint64_t number = 0x5851F42D4C957F2DU;
+    if (const auto* const bytes = reinterpret_cast<const void*>(getauxval(AT_RANDOM))) {
+        std::memcpy(&number, bytes, sizeof number);
+    }
+    return number;
+}
+
+} // namespace ZQFoundation::detail::system

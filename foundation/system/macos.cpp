@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include <crt_externs.h>
+#include <mach-o/dyld.h>
+#include <pthread.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "foundation/system/MaskedWrite.h"
+#include "foundation/system/System.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+/// Sleepers are few, so one mutex and condition serve them all.
+pthread_mutex_t sleepersMutex = PTHREAD_MUTEX_INITIALIZER;
+pthread_cond_t sleepersCondition = PTHREAD_COND_INITIALIZER;
+
+} // namespace
+
+std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept {
+    return maskedWrite(descriptor, bytes, count);
+}
+
+void discardPendingSignal(int signal) noexcept {
+    sigset_t wanted;
+    sigset_t pending;
+    sigemptyset(&wanted);
+    sigaddset(&wanted, signal);
+    int taken = 0;
+    if (sigpending(&pending) == 0 && sigismember(&pending, signal) == 1) {
+        sigwait(&wanted, &taken);
+    }
+}
+
+void waitWhileEqual(const std::uint32_t* word, std::uint32_t expected) noexcept {
+    pthread_mutex_lock(&sleepersMutex);
+    if (__atomic_load_n(word, __ATOMIC_RELAXED) == expected) {
+        // Bounded, so that a child forked while the mutex was taken elsewhere never sleeps for ever.
+        const timespec brief{0, 1000000};
+        pthread_cond_timedwait_relative_np(&sleepersCondition, &sleepersMutex, &brief);
+    }
+    pthread_mutex_unlock(&sleepersMutex);
+}
+
+void wakeOne(const std::uint32_t*) noexcept { pthread_cond_broadcast(&sleepersCondition); }
+
+std::uint64_t threadIdentifier() noexcept {
+    std::uint64_t number = 0;
+    pthread_threadid_np(nullptr, &number);
+    return number;
+}
+
+std::string executablePath() {
+    std::uint32_t size = 0;
+    _NSGetExecutablePath(nullptr, &size);
+    std::string path(size, '\0');
+    if (_NSGetExecutablePath(path.data(), &size) != 0) {
+        return {};
+    }
+    path.resize(path.find('\0'));
+    return path;
+}
+
+std::vector<std::string> processArguments() {
+    char** const arguments = *_NSGetArgv();
+    return {arguments, arguments + *_NSGetArgc()};
+}
+
+std::uint64_t randomNumber() noexcept {
+    static const std::uint64_t number = static_cast<std::uint64_t>(arc4random()) << 32 | arc4random();
+    return number;
+}
+
+} // namespace ZQFoundation::detail::system

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// What every system of the family offers alike.
+#include <csignal>
+#include <ctime>
+#include <dlfcn.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "foundation/system/MaskedWrite.h"
+#include "foundation/system/System.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+constinit std::uint64_t forkingThread = 0;
+
+std::uint64_t numberOf(pthread_t thread) noexcept {
+    std::uint64_t number = 0;
+    __builtin_memcpy(&number, &thread, sizeof thread);
+    return number;
+}
+
+void noteForkInChild() {
+    __atomic_store_n(&forkingThread, numberOf(pthread_self()), __ATOMIC_RELAXED);
+    __atomic_add_fetch(&forkGenerationCount, 1, __ATOMIC_RELAXED);
+}
+
+} // namespace
+
+constinit std::uint32_t forkGenerationCount = 0;
+
+std::uint32_t firstForkGeneration() noexcept {
+    // Two threads may both get here; a handler registered twice only counts faster.
+    pthread_atfork(nullptr, nullptr, noteForkInChild);
+    std::uint32_t none = 0;
+    __atomic_compare_exchange_n(&forkGenerationCount, &none, 1, false, __ATOMIC_RELAXED, __ATOMIC_RELAXED);
+    return __atomic_load_n(&forkGenerationCount, __ATOMIC_RELAXED);
+}
+
+bool isForkingThread(std::uint64_t thread) noexcept {
+    return __atomic_load_n(&forkingThread, __ATOMIC_RELAXED) == thread;
+}
+
+std::string libraryPath() {
+    Dl_info info;
+    static const char anchor = 0;
+    if (dladdr(&anchor, &info) == 0 || info.dli_fname == nullptr) {
+        return {};
+    }
+    return info.dli_fname;
+}
+
+std::ptrdiff_t maskedWrite(int descriptor, const char* bytes, std::size_t count) noexcept {
+    sigset_t guarded;
+    sigset_t before;
+    sigset_t pendingBefore;
+    sigemptyset(&guarded);
+    sigaddset(&guarded, SIGPIPE);
+    sigaddset(&guarded, SIGXFSZ);
+    sigemptyset(&pendingBefore);
+    pthread_sigmask(SIG_BLOCK, &guarded, &before);
+    sigpending(&pendingBefore);
+    const std::ptrdiff_t written = write(descriptor, bytes, count);
+    const int error = errno;
+    const int raised = written >= 0 ? 0 : error == EPIPE ? SIGPIPE : error == EFBIG ? SIGXFSZ : 0;
+    if (raised != 0 && sigismember(&pendingBefore, raised) == 0) {
+        discardPendingSignal(raised);
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    errno = error;
+    return written;
+}
+
+} // namespace ZQFoundation::detail::system

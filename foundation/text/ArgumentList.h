@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_ARGUMENTLIST_H
+#define ZQFOUNDATION_TEXT_ARGUMENTLIST_H
+
+#include "../objects/StringView.h"
+
+namespace ZQFoundation {
+
+class NSObject;
+class NSObjectProtocol;
+
+namespace detail {
+
+enum class ArgumentType : unsigned char {
+    signedInteger,
+    unsignedInteger,
+    real,
+    longReal,
+    text,    ///< any text, a C string among them
+    object,  ///< a handle
+    host,    ///< an object of a host's class, null allowed
+    pointer,
+};
+
+class TextBuilder;
+
+} // namespace detail
+
+/// One argument of a format call: its value or, for objects and texts, where it stands. Owns nothing.
+class Argument {
+public:
+    template <class T>
+        requires(std::is_integral_v<T> || std::is_enum_v<T>)
+    constexpr Argument(const T& value) noexcept {
+        if constexpr (std::is_enum_v<T>) {
+            *this = Argument(static_cast<std::underlying_type_t<T>>(value));
+        } else if constexpr (std::is_signed_v<T>) {
+            value_.integer = value;
+            type_ = detail::ArgumentType::signedInteger;
+            bytes_ = sizeof(T);
+        } else {
+            value_.unsignedInteger = value;
+            type_ = detail::ArgumentType::unsignedInteger;
+            bytes_ = sizeof(T);
+        }
+    }
+
+    constexpr Argument(const double& value) noexcept : type_(detail::ArgumentType::real) { value_.real = value; }
+    constexpr Argument(const float& value) noexcept : Argument(static_cast<double>(value)) {}
+    constexpr Argument(const long double& value) noexcept : type_(detail::ArgumentType::longReal) {
+        value_.longReal = &value;
+    }
+    constexpr Argument(std::nullptr_t) noexcept : type_(detail::ArgumentType::pointer) { value_.address = nullptr; }
+
+    template <class T>
+        requires std::is_base_of_v<NSObject, T>
+    constexpr Argument(const T& handle) noexcept : type_(detail::ArgumentType::object) {
+        value_.object = &handle;
+    }
+
+    /// The end of a C string is looked for when the text is asked for, so that "%.4s" takes a buffer without NUL.
+    template <class T>
+        requires detail::PlainText<T>
+    constexpr Argument(const T& text) noexcept : type_(detail::ArgumentType::text) {
+        using Decayed = std::decay_t<T>;
+        if constexpr (std::is_same_v<Decayed, char*> || std::is_same_v<Decayed, const char*>) {
+            value_.bytes = text;
+            ending_ = Ending::nulByte;
+        } else if constexpr (std::is_same_v<Decayed, char16_t*> || std::is_same_v<Decayed, const char16_t*>) {
+            value_.units = text;
+            ending_ = Ending::nulUnit;
+        } else if constexpr (detail::TextPointer<Decayed>) {
+            value_.bytes = reinterpret_cast<const char*>(static_cast<const char8_t*>(text));
+            ending_ = Ending::nulByte;
+        } else {
+            value_.text = StringView(text);
+        }
+    }
+
+    template <class T>
+        requires(std::is_base_of_v<NSObjectProtocol, T> && !std::is_base_of_v<NSObject, T>)
+    constexpr Argument(const T& object) noexcept : type_(detail::ArgumentType::host) {
+        value_.host = {&object, __builtin_addressof(object)};
+    }
+
+    /// Pointers to classes that are only declared are plain pointers.
+    template <class T>
+        requires(!detail::PlainText<T*>)
+    constexpr Argument(T* pointer) noexcept {
+        if constexpr (std::is_convertible_v<T*, const NSObjectProtocol*>) {
+            value_.host = {pointer, pointer};
+            type_ = detail::ArgumentType::host;
+        } else if constexpr (std::is_function_v<T>) {
+            value_.address = reinterpret_cast<const void*>(pointer);
+            type_ = detail::ArgumentType::pointer;
+        } else {
+            value_.address = const_cast<const void*>(static_cast<const volatile void*>(pointer));
+            type_ = detail::ArgumentType::pointer;
+        }
+    }
+
+    constexpr detail::ArgumentType type() const noexcept { return type_; }
+
+    /// The width of an integer argument before it was widened, in bytes.
+    constexpr std::size_t integerBytes() const noexcept { return bytes_; }
+
+    /// Only for the type that the name says; both integer forms hold the value widened by its own sign.
+    constexpr std::int64_t integer() const noexcept { return value_.integer; }
+    constexpr double real() const noexcept { return value_.real; }
+    constexpr long double longReal() const noexcept { return *value_.longReal; }
+    const NSObject& object() const noexcept { return *value_.object; }
+    const NSObjectProtocol* host() const noexcept { return value_.host.object; }
+
+    /// The whole text; of a C string, all up to its NUL.
+    constexpr StringView text() const noexcept {
+        switch (ending_) {
+        case Ending::nulByte:
+            return StringView(value_.bytes);
+        case Ending::nulUnit:
+            return StringView(value_.units);
+        case Ending::known:
+            break;
+        }
+        return value_.text;
+    }
+
+    /// Whether a text argument is made of UTF-16 units, not bytes.
+    constexpr bool isUnits() const noexcept {
+        return ending_ == Ending::nulUnit ||
+               (ending_ == Ending::known && value_.text.form() == StringView::Form::utf16);
+    }
+
+    /// The text as far as a conversion with a precision needs it: of a C string, no more than `limit` bytes
+    /// (units) are looked at.
+    StringView textUpTo(std::size_t limit) const noexcept {
+        if (ending_ == Ending::nulByte && value_.bytes != nullptr) {
+            return StringView(value_.bytes, lengthUpTo(value_.bytes, limit));
+        }
+        if (ending_ == Ending::nulUnit && value_.units != nullptr) {
+            return StringView(value_.units, lengthUpTo(value_.units, limit));
+        }
+        return text();
+    }
+
+    /// For pointers, and for objects of host classes: the address as the caller gave it.
+    constexpr const void* address() const noexcept {
+        return type_ == detail::ArgumentType::host ? value_.host.address : value_.address;
+    }
+
+private:
+    enum class Ending : unsigned char { known, nulByte, nulUnit };
+
+    struct HostPlace {
+        const NSObjectProtocol* object;
+        const void* address;
+    };
+
+    union Value {
+        std::int64_t integer;
+        std::uint64_t unsignedInteger;
+        double real;
+        const long double* longReal;
+        const void* address;
+        const NSObject* object;
+        const char* bytes;
+        const char16_t* units;
+        HostPlace host;
+        StringView text;
+        constexpr Value() noexcept : integer(0) {}
+    };
+
+    template <class Unit>
+    static std::size_t lengthUpTo(const Unit* text, std::size_t limit) noexcept {
+        std::size_t length = 0;
+        while (length < limit && text[length] != Unit{}) {
+            ++length;
+        }
+        return length;
+    }
+
+    Value value_;
+    detail::ArgumentType type_{};
+    unsigned char bytes_ = 0;
+    Ending ending_ = Ending::known;
+};
+
+/// The started argument list: typed, non-owning, a look at arguments that stand on the caller's stack.
+class ArgumentList {
+public:
+    constexpr ArgumentList() noexcept = default;
+    constexpr ArgumentList(const Argument* arguments, std::size_t count) noexcept
+        : arguments_(arguments), count_(count) {}
+
+    constexpr std::size_t count() const noexcept { return count_; }
+    constexpr const Argument& operator[](std::size_t index) const noexcept { return arguments_[index]; }
+
+private:
+    const Argument* arguments_ = nullptr;
+    std::size_t count_ = 0;
+};
+
+namespace detail {
+
+/// The arguments of one variable-argument call, started. Lives on the caller's stack.
+template <std::size_t count>
+class PackedArguments {
+public:
+    template <class... Arguments>
+    constexpr explicit PackedArguments(const Arguments&... arguments) noexcept : arguments_{Argument(arguments)...} {}
+    constexpr ArgumentList list() const noexcept { return {arguments_, count}; }
+
+private:
+    Argument arguments_[count];
+};
+
+template <>
+class PackedArguments<0> {
+public:
+    constexpr ArgumentList list() const noexcept { return {}; }
+};
+
+} // namespace detail
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_FORMATSYNTAX_H
+#define ZQFOUNDATION_TEXT_FORMATSYNTAX_H
+
+#include <climits>
+
+/// How one conversion of a format is written:
+///
+///     % [n$] flags* [width] [.[precision]] [length] letter
+///
+///     flags       -  +  blank  0  #
+///     width       digits, * (the next argument) or *n$ (argument n)
+///     precision   the same; nothing after the '.' means 0
+///     length      hh  h  l  ll  q  z  t  j  L
+///
+/// One reader serves both sides: the check of a literal when the program is compiled and the formatting itself.
+namespace ZQFoundation::detail {
+
+enum class FormatLength : unsigned char { bits32, bits8, bits16, bits64, longDouble };
+
+/// A width or a precision.
+struct FormatField {
+    enum class Source : unsigned char {
+        absent,
+        digits,           ///< `value` itself, digits beyond the range of int read as INT_MAX
+        nextArgument,     ///< the next argument in the list
+        numberedArgument, ///< argument number `value`
+    };
+    Source source = Source::absent;
+    int value = 0;
+};
+
+/// The flags of a conversion, a sum of these.
+using FormatFlags = unsigned char;
+inline constexpr FormatFlags formatLeftJustified = 1; ///< "-"
+inline constexpr FormatFlags formatPlus = 2;          ///< "+"
+inline constexpr FormatFlags formatBlank = 4;         ///< " "
+inline constexpr FormatFlags formatZero = 8;          ///< "0"
+inline constexpr FormatFlags formatAlternate = 16;    ///< "#"
+
+struct FormatConversion {
+    FormatFlags flags = 0;
+    bool isCutOff = false; ///< the text ended before the letter
+    FormatLength length = FormatLength::bits32;
+    char16_t letter = 0;
+    int position = 0; ///< n of n$, 0 for the next argument
+    FormatField width;
+    FormatField precision;
+};
+
+/// What a conversion's letter asks for.
+enum class FormatClass : unsigned char {
+    unknown,
+    object,
+    integer,
+    character,
+    real,
+    hexadecimalReal,
+    bytes,
+    units,
+    address,
+    percentSign,
+    nothing, ///< n
+};
+
+constexpr FormatClass formatClassOf(char16_t letter) noexcept {
+    switch (letter) {
+    case u'@':
+        return FormatClass::object;
+    case u'd':
+    case u'i':
+    case u'u':
+    case u'o':
+    case u'x':
+    case u'X':
+        return FormatClass::integer;
+    case u'c':
+    case u'C':
+        return FormatClass::character;
+    case u'e':
+    case u'E':
+    case u'f':
+    case u'F':
+    case u'g':
+    case u'G':
+        return FormatClass::real;
+    case u'a':
+    case u'A':
+        return FormatClass::hexadecimalReal;
+    case u's':
+        return FormatClass::bytes;
+    case u'S':
+        return FormatClass::units;
+    case u'p':
+        return FormatClass::address;
+    case u'%':
+        return FormatClass::percentSign;
+    case u'n':
+        return FormatClass::nothing;
+    default:
+        return FormatClass::unknown;
+    }
+}
+
+template <class Unit>
+constexpr bool isFormatDigit(Unit unit) noexcept {
+    return unit >= Unit{'0'} && unit <= Unit{'9'};
+}
+
+/// Reads the digits at `at`, none giving 0, and moves past them.
+template <class Unit>
+constexpr int readFormatDigits(const Unit*& at, const Unit* end) noexcept {
+    long long value = 0;
+    for (; at != end && isFormatDigit(*at); ++at) {
+        value = value * 10 + (*at - Unit{'0'});
+        value = value > INT_MAX ? INT_MAX : value;
+    }
+    return static_cast<int>(value);
+}
+
+/// Reads digits that "$" follows and moves past both; 0, and `at` as it was, for anything else.
+template <class Unit>
+constexpr int readFormatPosition(const Unit*& at, const Unit* end) noexcept {
+    const Unit* behind = at;
+    const int position = readFormatDigits(behind, end);
+    if (position == 0 || behind == end || *behind != Unit{'$'}) {
+        return 0;
+    }
+    at = behind + 1;
+    return position;
+}
+
+template <class Unit>
+constexpr FormatField readFormatField(const Unit*& at, const Unit* end) noexcept {
+    if (at == end || *at != Unit{'*'}) {
+        return {FormatField::Source::digits, readFormatDigits(at, end)};
+    }
+    ++at;
+    const int position = readFormatPosition(at, end);
+    return {position == 0 ? FormatField::Source::nextArgument : FormatField::Source::numberedArgument, position};
+}
+
+/// 0 for a unit that is no flag.
+template <class Unit>
+constexpr FormatFlags formatFlagOf(Unit unit) noexcept {
+    switch (unit) {
+    case Unit{'-'}:
+        return formatLeftJustified;
+    case Unit{'+'}:
+        return formatPlus;
+    case Unit{' '}:
+        return formatBlank;
+    case Unit{'0'}:
+        return formatZero;
+    case Unit{'#'}:
+        return formatAlternate;
+    default:
+        return 0;
+    }
+}
+
+template <class Unit>
+constexpr FormatLength readFormatLength(const Unit*& at, const Unit* end) noexcept {
+    const Unit unit = *at;
+    switch (unit) {
+    case Unit{'h'}:
+    case Unit{'l'}: {
+        ++at;
+        const bool isDoubled = at != end && *at == unit;
+        at += isDoubled ? 1 : 0;
+        if (unit == Unit{'l'}) {
+            return FormatLength::bits64;
+        }
+        return isDoubled ? FormatLength::bits8 : FormatLength::bits16;
+    }
+    case Unit{'q'}:
+    case Unit{'z'}:
+    case Unit{'t'}:
+    case Unit{'j'}:
+        ++at;
+        return FormatLength::bits64;
+    case Unit{'L'}:
+        ++at;
+        return FormatLength::longDouble;
+    default:
+        return FormatLength::bits32;
+    }
+}
+
+/// Reads what stands between the '%' and the length, at least one unit.
+template <class Unit>
+constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConversion& conversion) noexcept {
+    if (isFormatDigit(*at)) {
+        conversion.position = readFormatPosition(at, end);
+    }
+    for (FormatFlags flag = 1; at != end && (flag = formatFlagOf(*at)) != 0; ++at) {
+        conversion.flags |= flag;
+    }
+    if (at != end && (*at == Unit{'*'} || isFormatDigit(*at))) {
+        conversion.width = readFormatField(at, end);
+    }
+    if (at != end && *at == Unit{'.'}) {
+        ++at;
+        conversion.precision = readFormatField(at, end);
+    }
+}
+
+/// Reads a conversion whose '%' stands before `at`; returns the place behind its letter, or `end` when it is cut
+/// off. Any unit may come out as the letter.
+template <class Unit>
+constexpr const Unit* readFormatConversion(const Unit* at, const Unit* end, FormatConversion& conversion) noexcept {
+    // All modifiers are below '@' and all letters from there on, so most conversions get by with one look.
+    if (at != end && *at < Unit{'@'}) {
+        readFormatModifiers(at, end, conversion);
+    }
+    if (at != end) {
+        conversion.length = readFormatLength(at, end);
+    }
+    if (at == end) {
+        conversion.isCutOff = true;
+        return end;
+    }
+    conversion.letter = static_cast<char16_t>(*at);
+    return at + 1;
+}
+
+} // namespace ZQFoundation::detail
+
+#endif

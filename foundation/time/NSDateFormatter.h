@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TIME_NSDATEFORMATTER_H
+#define ZQFOUNDATION_TIME_NSDATEFORMATTER_H
+
+#include "../objects/NSString.h"
+#include "NSTimeZone.h"
+
+namespace ZQFoundation {
+
+/// Writes dates by a pattern, with ASCII digits and English names, in the Gregorian calendar (whose rules
+/// hold at all times, also before they were introduced).
+///
+/// A run of one letter is a field; its length sets the minimum of digits, padded with zeros and never cut:
+///
+///     letters               field                          Tue 2024-03-05 14:07:09.042 in Berlin
+///     y yy yyyy yyyyy       year of the era                2024 24 2024 02024
+///     Y YY YYYY             year to which the week belongs 2024 24 2024
+///     M MM MMM MMMM MMMMM   month                          3 03 Mar March M
+///     d dd, D               day of the month, of the year  5 05, 65
+///     E..EEE EEEE EEEEE     weekday                        Tue Tuesday T
+///     a                     half of the day                PM
+///     H k h K               hour 0-23, 1-24, 1-12, 0-11    14 14 2 2
+///     m s                   minute, second                 7 9
+///     S SS SSS SSSS         fraction of the second, cut    0 04 042 0420
+///     Z ZZZZ ZZZZZ          offset                         +0100 GMT+01:00 +01:00 (in UTC +0000 GMT Z)
+///     z zzzz                zone                           CET, Central European Standard Time
+///
+/// Text between single quotes stands for itself, and so does everything that is no ASCII letter; two single
+/// quotes are one, inside quotes and outside. A quote that is not closed runs to the end. Other ASCII letters
+/// are reserved: today they are written as they stand.
+///
+/// The instant is rounded to the nearest millisecond first, half up. Weeks begin on Monday, and the first one
+/// of a year is that of its first Thursday. A zone without a name of its own is written as its offset:
+/// GMT+5:30.
+///
+/// Setting it up is for one thread; after that any number of threads may use it at once.
+class ZQFOUNDATION_EXPORT NSDateFormatter {
+public:
+    NSDateFormatter() noexcept = default;
+
+    /// The pattern. Nil, as at first, gives empty texts.
+    void setDateFormat(NSString format) noexcept { dateFormat_ = static_cast<NSString&&>(format); }
+    const NSString& dateFormat() const noexcept { return dateFormat_; }
+
+    /// Nil, as at first: the process's zone at the time of each call.
+    void setTimeZone(NSTimeZone zone) noexcept { timeZone_ = zone; }
+    /// The zone that applies now; never nil.
+    NSTimeZone timeZone() const noexcept { return timeZone_ ? timeZone_ : NSTimeZone::systemTimeZone(); }
+
+    /// Nil for a nil date, and for one that is no number or has no room in 64 bits of seconds.
+    NSString stringFromDate(const NSDate& date) const;
+
+private:
+    NSString dateFormat_;
+    NSTimeZone timeZone_;
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TIME_NSTIMEZONE_H
+#define ZQFOUNDATION_TIME_NSTIMEZONE_H
+
+#include "../objects/NSDate.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+struct Zone;
+struct ZoneAccess;
+} // namespace detail
+
+/// A time zone: how far clocks are ahead of UTC at any instant, and what they are called then.
+///
+/// A small handle to data that all copies share and that stay for the life of the process; copy it freely,
+/// use it from any thread. A default-made one is nil and answers 0, false and nil. Before a zone's first
+/// recorded change its first offset holds, and after the last one its rule continues without end.
+class ZQFOUNDATION_EXPORT NSTimeZone {
+public:
+    constexpr NSTimeZone() noexcept = default;
+    constexpr NSTimeZone(std::nullptr_t) noexcept {}
+
+    /// The process's zone: what the environment variable TZ says at the time of the call, else the system's
+    /// setting. TZ may hold a name ("Europe/Berlin"), the path of a zone file, either behind a colon, or a
+    /// rule
+    /// ("CET-1CEST,M3.5.0,M10.5.0/3"). Empty, unreadable or meaningless: UTC. Never nil. Takes no lock, so it
+    /// is safe in a forked child; like every reader of the environment it must not run while another thread
+    /// changes it.
+    static NSTimeZone systemTimeZone() noexcept;
+
+    /// The same zone as `systemTimeZone`.
+    static NSTimeZone defaultTimeZone() noexcept { return systemTimeZone(); }
+
+    /// Makes the next use of the process's zone read its file again.
+    static void resetSystemTimeZone() noexcept;
+
+    /// The zone of that name ("Europe/Berlin", "UTC") among the system's zone files: those in the folder that
+    /// the environment variable TZDIR names, else in /usr/share/zoneinfo. Nil when there is none. No absolute
+    /// paths and no "..".
+    static NSTimeZone timeZoneWithName(StringView name);
+
+    /// Always that far east of Greenwich. Nil beyond 18 hours.
+    static NSTimeZone timeZoneForSecondsFromGMT(int seconds) noexcept;
+
+    constexpr explicit operator bool() const noexcept { return form_ != Form::absent; }
+
+    /// "Europe/Berlin"; for a rule its text, for a zone file elsewhere its path, for a fixed offset
+    /// "GMT+0100".
+    NSString name() const;
+
+    /// Seconds east of Greenwich; 0 for a nil date.
+    int secondsFromGMTForDate(const NSDate& date) const noexcept;
+
+    /// "CET", "CEST", "+0530"; for a fixed offset "GMT+1". Nil for a nil date.
+    NSString abbreviationForDate(const NSDate& date) const;
+
+    bool isDaylightSavingTimeForDate(const NSDate& date) const noexcept;
+
+    /// The same name and the same data; two nil handles are the same too.
+    friend bool operator==(const NSTimeZone& left, const NSTimeZone& right) noexcept {
+        return left.isEqualToTimeZone(right);
+    }
+    bool isEqualToTimeZone(const NSTimeZone& other) const noexcept;
+
+private:
+    friend struct detail::ZoneAccess;
+
+    enum class Form : unsigned char { absent, fixed, ruled };
+
+    constexpr explicit NSTimeZone(const detail::Zone* zone) noexcept : zone_(zone), form_(Form::ruled) {}
+    constexpr explicit NSTimeZone(int offset, Form form) noexcept : offset_(offset), form_(form) {}
+
+    const detail::Zone* zone_ = nullptr; ///< only for `ruled`
+    int offset_ = 0;                     ///< only for `fixed`
+    Form form_ = Form::absent;
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,332 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/time/ZoneTable.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "foundation/time/ZoneRules.h"
+
+namespace ZQFoundation::detail {
+
+struct Zone {
+    Zone* next = nullptr;
+    std::string source; ///< what it was made from: "file:" and a path, or "rule:" and a notation
+    std::string name;
+    ZoneRules rules;
+
+    /// The last answer of `zoneOffsetAt`: a block of time and the offset that holds in all of it, in one word
+    /// so that it is replaced by one store. 0 stands for none.
+    mutable std::atomic<std::uint64_t> lastOffset{0};
+};
+
+namespace {
+
+constexpr std::size_t greatestNameLength = 255;
+constexpr char defaultFolder[] = "/usr/share/zoneinfo";
+constexpr char localZoneFile[] = "/etc/localtime";
+
+/// A value of the TZ variable and the zone it means.
+struct Setting {
+    Setting* next = nullptr;
+    bool isSet = false;
+    std::string value;
+    std::atomic<const Zone*> zone{nullptr};
+    std::atomic<std::uint32_t> generation{0}; ///< the one in which the zone was looked up
+
+    bool matches(const char* current) const noexcept {
+        return current == nullptr ? !isSet : isSet && std::strcmp(value.c_str(), current) == 0;
+    }
+};
+
+// Lists that only ever grow, at their heads.
+constinit std::atomic<Zone*> zones{nullptr};
+constinit std::atomic<Setting*> settings{nullptr};
+constinit std::atomic<const Setting*> currentSetting{nullptr};
+constinit std::atomic<std::uint32_t> currentGeneration{0};
+
+template <class Node, class Predicate>
+Node* findNode(const std::atomic<Node*>& list, Predicate matches) {
+    Node* node = list.load(std::memory_order_acquire);
+    while (node != nullptr && !matches(*node)) {
+        node = node->next;
+    }
+    return node;
+}
+
+/// Adds the node unless another thread has just added one like it; returns the one that is in the list.
+template <class Node, class Predicate>
+Node* addNode(std::atomic<Node*>& list, std::unique_ptr<Node> node, Predicate matches) {
+    node->next = list.load(std::memory_order_acquire);
+    do {
+        for (Node* other = node->next; other != nullptr; other = other->next) {
+            if (matches(*other)) {
+                return other;
+            }
+        }
+    } while (!list.compare_exchange_weak(node->next, node.get(), std::memory_order_acq_rel,
+                                         std::memory_order_acquire));
+    return node.release();
+}
+
+class ErrnoKeeper {
+public:
+    ErrnoKeeper() noexcept : saved_(errno) {}
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ~ErrnoKeeper() { errno = saved_; }
+
+private:
+    const int saved_;
+};
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) noexcept : descriptor_(descriptor) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+    int get() const noexcept { return descriptor_; }
+
+private:
+    const int descriptor_;
+};
+
+/// The bytes of a regular file, or nothing when there are more than zone data can have.
+std::optional<std::string> readZoneFile(const std::string& path) {
+    // Without O_NONBLOCK a FIFO would keep us waiting for a writer.
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status = {};
+    if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_size <= 0 || static_cast<std::uint64_t>(status.st_size) > ZoneRules::greatestFileSize) {
+        return std::nullopt;
+    }
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t count = read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (count > 0) {
+            filled += static_cast<std::size_t>(count);
+        } else if (count == 0 || errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+    return bytes;
+}
+
+const Zone* addZone(std::string source, std::string name, std::optional<ZoneRules> rules) {
+    if (!rules) {
+        return nullptr;
+    }
+    std::unique_ptr<Zone> zone(new Zone{nullptr, std::move(source), std::move(name), std::move(*rules)});
+    // The same file may have been read before; only when it says something else now is it another zone.
+    const Zone& made = *zone;
+    return addNode(zones, std::move(zone), [&made](const Zone& other) {
+        return other.source == made.source && other.name == made.name && other.rules == made.rules;
+    });
+}
+
+const Zone* zoneFromFile(const std::string& path, std::string name) {
+    const std::optional<std::string> bytes = readZoneFile(path);
+    return bytes ? addZone("file:" + path, std::move(name),
+                           ZoneRules::fromZoneData(bytes->data(), bytes->size()))
+                 : nullptr;
+}
+
+const Zone* zoneFromNotation(std::string_view text, std::string_view name) {
+    return addZone("rule:" + std::string(text), std::string(name),
+                   ZoneRules::fromNotation(text.data(), text.size()));
+}
+
+bool isZoneName(std::string_view name) noexcept {
+    if (name.size() > greatestNameLength) {
+        return false;
+    }
+    std::size_t start = 0;
+    while (start <= name.size()) {
+        const std::size_t slash = std::min(name.find('/', start), name.size());
+        const std::string_view component = name.substr(start, slash - start);
+        if (component.empty() || component == "." || component == ".." ||
+            component.find('\0') != std::string_view::npos) {
+            return false;
+        }
+        start = slash + 1;
+    }
+    return true;
+}
+
+std::string pathOfZone(std::string_view name) {
+    const char* const folder = std::getenv("TZDIR");
+    std::string path = folder != nullptr && *folder != '\0' ? folder : defaultFolder;
+    return path.append("/").append(name);
+}
+
+/// Reads the file again even if the zone is known.
+const Zone* readNamedZone(std::string_view name) {
+    const Zone* const zone = isZoneName(name) ? zoneFromFile(pathOfZone(name), std::string(name)) : nullptr;
+    if (zone == nullptr && (name == "UTC" || name == "GMT")) {
+        return zoneFromNotation(name == "UTC" ? "UTC0" : "GMT0", name);
+    }
+    return zone;
+}
+
+/// Zone files bear their zone's name in their path: "/usr/share/zoneinfo/Europe/Berlin". A link tells more
+/// than its own name. Other paths are names themselves.
+std::string nameOfZoneFile(const std::string& path) {
+    std::string target(1024, '\0');
+    const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+    target.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    static constexpr std::string_view marker = "/zoneinfo/";
+    for (const std::string_view candidate : {std::string_view(target), std::string_view(path)}) {
+        const std::size_t found = candidate.rfind(marker);
+        if (found != std::string_view::npos && isZoneName(candidate.substr(found + marker.size()))) {
+            return std::string(candidate.substr(found + marker.size()));
+        }
+    }
+    return path;
+}
+
+const Zone* zoneFromSetting(const char* value) {
+    if (value == nullptr) {
+        return zoneFromFile(localZoneFile, nameOfZoneFile(localZoneFile));
+    }
+    std::string_view text(value);
+    if (text.starts_with(':')) {
+        text.remove_prefix(1);
+    }
+    if (text.starts_with('/')) {
+        const std::string path(text);
+        return zoneFromFile(path, nameOfZoneFile(path));
+    }
+    const Zone* const zone = readNamedZone(text);
+    return zone != nullptr ? zone : zoneFromNotation(text, text);
+}
+
+/// Finds or makes the record of a setting, brings it up to date, and makes it the current one.
+const Zone* lookUpSetting(const char* value) {
+    const auto matches = [value](const Setting& setting) {
+        return setting.matches(value);
+    };
+    const std::uint32_t generation = currentGeneration.load(std::memory_order_acquire);
+    Setting* setting = findNode(settings, matches);
+    if (setting == nullptr || setting->generation.load(std::memory_order_acquire) != generation) {
+        const Zone* zone = zoneFromSetting(value);
+        if (zone == nullptr) {
+            zone = readNamedZone("UTC");
+        }
+        if (setting == nullptr) {
+            std::unique_ptr<Setting> made(new Setting{});
+            made->isSet = value != nullptr;
+            made->value = value != nullptr ? value : "";
+            made->zone.store(zone, std::memory_order_relaxed);
+            made->generation.store(generation, std::memory_order_relaxed);
+            setting = addNode(settings, std::move(made), matches);
+        } else {
+            setting->zone.store(zone, std::memory_order_release);
+            setting->generation.store(generation, std::memory_order_release);
+        }
+    }
+    currentSetting.store(setting, std::memory_order_release);
+    return setting->zone.load(std::memory_order_acquire);
+}
+
+[[gnu::noinline]] const Zone* lookUpSettingQuietly(const char* value) noexcept {
+    const ErrnoKeeper keeper;
+    try {
+        return lookUpSetting(value);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+// A block of 4096 seconds has its number in the upper 40 bits, and the offset, made positive, in the
+// lower 24.
+constexpr int blockBits = 12;
+constexpr std::int64_t blockSeconds = std::int64_t{1} << blockBits;
+constexpr int offsetBits = 24;
+constexpr std::int64_t offsetBias = std::int64_t{1} << (offsetBits - 1);
+static_assert(greatestZoneOffset < offsetBias);
+
+constexpr std::uint64_t blockWord(std::int64_t block, std::int32_t offset) noexcept {
+    return static_cast<std::uint64_t>(block) << offsetBits | static_cast<std::uint64_t>(offset + offsetBias);
+}
+constexpr std::int64_t blockOfWord(std::uint64_t word) noexcept {
+    return static_cast<std::int64_t>(word) >> offsetBits;
+}
+constexpr std::int32_t offsetOfWord(std::uint64_t word) noexcept {
+    constexpr std::uint64_t mask = (std::uint64_t{1} << offsetBits) - 1;
+    return static_cast<std::int32_t>(static_cast<std::int64_t>(word & mask) - offsetBias);
+}
+
+} // namespace
+
+const Zone* namedZone(const char* name, std::size_t length) {
+    const ErrnoKeeper keeper;
+    const std::string_view text(name, length);
+    if (!isZoneName(text)) {
+        return nullptr;
+    }
+    const std::string source = "file:" + pathOfZone(text);
+    const Zone* const known = findNode(
+        zones, [&source, text](const Zone& zone) { return zone.source == source && zone.name == text; });
+    return known != nullptr ? known : readNamedZone(text);
+}
+
+const Zone* processZone() noexcept {
+    const char* const value = std::getenv("TZ");
+    const Setting* const setting = currentSetting.load(std::memory_order_acquire);
+    if (setting != nullptr && setting->matches(value) &&
+        setting->generation.load(std::memory_order_acquire) ==
+            currentGeneration.load(std::memory_order_relaxed)) [[likely]] {
+        return setting->zone.load(std::memory_order_relaxed);
+    }
+    return lookUpSettingQuietly(value);
+}
+
+void forgetProcessZone() noexcept { currentGeneration.fetch_add(1, std::memory_order_acq_rel); }
+
+const std::string& zoneName(const Zone& zone) noexcept { return zone.name; }
+
+bool sameZone(const Zone& left, const Zone& right) noexcept {
+    return &left == &right || (left.name == right.name && left.rules == right.rules);
+}
+
+ZonePeriod zonePeriodAt(const Zone* zone, std::int64_t seconds) noexcept {
+    return zone != nullptr ? zone->rules.periodAt(seconds)
+                           : ZonePeriod{INT64_MIN, INT64_MAX, 0, false, "UTC"};
+}
+
+std::int32_t zoneOffsetAt(const Zone* zone, std::int64_t seconds) noexcept {
+    if (zone == nullptr) {
+        return 0;
+    }
+    const std::int64_t block = seconds >> blockBits;
+    const std::uint64_t known = zone->lastOffset.load(std::memory_order_relaxed);
+    if (blockOfWord(known) == block && known != 0) [[likely]] {
+        return offsetOfWord(known);
+    }
+    const ZonePeriod period = zone->rules.periodAt(seconds);
+    const std::uint64_t word = blockWord(block, period.offset);
+    // A block too far away for its 40 bits is not remembered, nor one in which the clocks change.
+    if (blockOfWord(word) == block && block * blockSeconds >= period.from &&
+        (block + 1) * blockSeconds <= period.until) {
+        zone->lastOffset.store(word, std::memory_order_relaxed);
+    }
+    return period.offset;
+}
+
+} // namespace ZQFoundation::detail

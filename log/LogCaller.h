@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_LOGCALLER_H
+#define ZQFOUNDATION_LOG_LOGCALLER_H
+
+#include <typeinfo>
+
+#include "../foundation/objects/Class.h"
+#include "../foundation/objects/NSObjectProtocol.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+
+/// The own name of an instance's class: of the most derived one for a polymorphic class.
+ZQFOUNDATION_EXPORT NSString classNameOfType(const std::type_info& type);
+
+template <class T>
+NSString instanceClassName(const void* instance) {
+    if constexpr (std::is_polymorphic_v<T>) {
+        return classNameOfType(typeid(*static_cast<const T*>(instance)));
+    } else {
+        return StringView(TypeName<T>::bytes, TypeName<T>::length);
+    }
+}
+
+} // namespace detail
+
+/// Who calls a log operation: `this` of any class, a value, a class (`classOf<Store>()`), or nothing
+/// (`nullptr`). Owns nothing and asks nothing until a line is really made. A `void` pointer is an object
+/// whose class is unknown.
+class LogCaller {
+public:
+    enum class Form : unsigned char { absent, unknown, instance, host, value };
+
+    constexpr LogCaller(std::nullptr_t) noexcept {}
+
+    template <class T>
+    constexpr LogCaller(const T* instance) noexcept {
+        if (instance == nullptr) {
+            return;
+        }
+        if constexpr (std::is_void_v<T>) {
+            address_ = instance;
+            form_ = Form::unknown;
+        } else if constexpr (std::is_base_of_v<NSObjectProtocol, T>) {
+            address_ = static_cast<const NSObjectProtocol*>(instance);
+            form_ = Form::host;
+        } else if constexpr (std::is_base_of_v<NSObject, T>) {
+            address_ = static_cast<const NSObject*>(instance);
+            form_ = Form::value;
+        } else {
+            address_ = instance;
+            className_ = &detail::instanceClassName<T>;
+            form_ = Form::instance;
+        }
+    }
+
+    constexpr LogCaller(const NSObject& value) noexcept : address_(&value), form_(Form::value) {}
+
+    constexpr Form form() const noexcept { return form_; }
+    constexpr const void* address() const noexcept { return address_; }
+    const NSObject& value() const noexcept { return *static_cast<const NSObject*>(address_); }
+    const NSObjectProtocol& host() const noexcept { return *static_cast<const NSObjectProtocol*>(address_); }
+
+    /// Only for `instance`.
+    NSString instanceClassName() const { return className_(address_); }
+
+private:
+    const void* address_ = nullptr;
+    NSString (*className_)(const void*) = nullptr;
+    Form form_ = Form::absent;
+};
+
+} // namespace ZQFoundation
+
+#endif

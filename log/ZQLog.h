@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_ZQLOG_H
+#define ZQFOUNDATION_LOG_ZQLOG_H
+
+#include "ZQLogFunctionCalls.h"
+#include "ZQLogMethodCalls.h"
+#include "ZQLogPlainCalls.h"
+#include "ZQLogShortCalls.h"
+
+namespace ZQFoundation {
+
+class NSDateFormatter;
+
+/// The library's single channel of log output. Class operations only.
+///
+///     ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(this, "reload:", true, "TraceNetwork",
+///                                                                "%d items", count);
+///     // TraceNetwork: -[(Store *)0x7f01 reload:] 3 items
+///
+/// Operations named `log...` write a line to standard error (descriptor 2); those named `logString...` return
+/// exactly the same text and write nothing. The flag `logAlways` is a gate: NO silences the call, YES never
+/// bypasses a trace condition. Every line is with the kernel when the call returns. Any thread may log at any
+/// time, before `main`, in static destructors and in a forked child too; `errno` is kept.
+class ZQFOUNDATION_EXPORT ZQLog : public ZQLogPlainCalls,
+                                  public ZQLogMethodCalls,
+                                  public ZQLogFunctionCalls,
+                                  public ZQLogShortCalls {
+public:
+    ZQLog() = delete;
+
+    /// Writes the text as one line, as it stands: a "%" in it is a "%". Nil or a flag of NO writes nothing.
+    static void logAlways_log(bool logAlways, StringView text);
+
+    /// The very text passed in, or nil when the flag is NO.
+    static NSString logAlways_logString(bool logAlways, const NSString& text);
+    template <detail::PlainText T>
+    static NSString logAlways_logString(bool logAlways, const T& text) {
+        return logAlways ? NSString(text) : NSString();
+    }
+
+    /// "2024-03-05 14:07:09.042 MyApp[1234]: " with a blank at the end, for lines that the host writes by
+    /// other means.
+    static NSString logPrefix();
+
+    /// The shared formatter of "yyyy'-'MM'-'dd' 'HH':'mm':'ss'.'SSS" in local time. The same object at every
+    /// call.
+    static const NSDateFormatter& dateFormatterLong();
+
+    /// The shared formatter of "yyyyMMdd'-'HHmm" in local time. The same object at every call.
+    static const NSDateFormatter& dateFormatterShort();
+
+    /// "-[(Store *)0x7f01 reload:]" for an instance, "+[Store sharedStore]" for a class, "?[0x7f01 reload:]"
+    /// for an object whose class is unknown, "[<<no instance>> <<no method>>]" for nothing at all.
+    static NSString objectiveCMethodDescriptionStringForCaller_method(const LogCaller& caller,
+                                                                      StringView method);
+
+    /// "parse_header()"; for a name that holds a colon, what follows its last "/", without "()"; "<<no
+    /// function name>>()" for null and for an empty name.
+    static NSString cFunctionDescriptionStringForFunctionName(const char* functionName);
+
+    // Trace keys: the user defaults whose names begin with "Trace". They are read once, at the first
+    // question, and again only when `initializeTraceDefaultsDict` is called.
+
+    /// (Re)reads the trace keys. Takes no lock: inside a `Synchronized` scope no other thread asks meanwhile.
+    static void initializeTraceDefaultsDict();
+
+    /// Whether the key is on. False for nil.
+    static bool traceKeyIsEnabled(StringView key);
+
+    /// The trace keys whose values are true, in the order in which the user defaults list them; empty, never
+    /// nil.
+    static NSArray activatedTraceDefaultsKeys();
+
+    /// A second name of the same operation.
+    static NSArray activatedTraceDefaultKeys();
+
+    /// Whether any trace key's value is true.
+    static bool aTraceDefaultValueHasBeenActivated();
+
+    /// Holds the monitor of the class for a scope: the recursive lock under which the trace keys are asked.
+    /// Whoever re-reads them while other threads log does it inside such a scope.
+    class ZQFOUNDATION_EXPORT Synchronized {
+    public:
+        Synchronized() noexcept;
+        Synchronized(const Synchronized&) = delete;
+        Synchronized& operator=(const Synchronized&) = delete;
+        ~Synchronized();
+    };
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_ZQLOGPLAINCALLS_H
+#define ZQFOUNDATION_LOG_ZQLOGPLAINCALLS_H
+
+#include "LogCaller.h"
+
+#include "../foundation/objects/NSArray.h"
+
+namespace ZQFoundation {
+
+/// The log operations of ZQLog without a caller: call them as `ZQLog::...`.
+///
+/// All check, in this order, the flag, the format, the key or keys (a nil one stops the call) and the trace
+/// condition; only then is anything described or formatted. A call that is stopped writes nothing, returns
+/// nil and costs no allocation. Any thread may call them at any time.
+class ZQFOUNDATION_EXPORT ZQLogPlainCalls {
+public:
+    // Text: message.
+
+    /// Writes the line.
+    template <class... Arguments>
+    static void logAlways_logWithFormat(bool logAlways,
+                                        FormatString<std::type_identity_t<Arguments>...> format,
+                                        const Arguments&... arguments) {
+        if (logAlways && format.text()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logWithFormatv_arguments(logAlways, format.text(), packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logWithFormatv_arguments(bool logAlways, StringView format, ArgumentList arguments);
+
+    /// Returns the text, or nil,.
+    template <class... Arguments>
+    static NSString logAlways_logStringWithFormat(bool logAlways,
+                                                  FormatString<std::type_identity_t<Arguments>...> format,
+                                                  const Arguments&... arguments) {
+        if (logAlways && format.text()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringWithFormatv_arguments(logAlways, format.text(), packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringWithFormatv_arguments(bool logAlways, StringView format,
+                                                             ArgumentList arguments);
+
+    // Text: key: message.
+
+    /// Writes the line while the trace key is on.
+    template <class... Arguments>
+    static void logAlways_logForTraceKey_usingFormat(bool logAlways, StringView key,
+                                                     FormatString<std::type_identity_t<Arguments>...> format,
+                                                     const Arguments&... arguments) {
+        if (logAlways && format.text() && key) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logForTraceKey_usingFormatv_arguments(logAlways, key, format.text(), packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
+                                                                StringView format, ArgumentList arguments);
+
+    /// Returns the text, or nil, while the trace key is on.
+    template <class... Arguments>
+    static NSString
+    logAlways_logStringForTraceKey_usingFormat(bool logAlways, StringView key,
+                                               FormatString<std::type_identity_t<Arguments>...> format,
+                                               const Arguments&... arguments) {
+        if (logAlways && format.text() && key) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringForTraceKey_usingFormatv_arguments(logAlways, key, format.text(),
+                                                                         packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
+                                                                          StringView format,
+                                                                          ArgumentList arguments);
+
+    // Text: key=value: message.
+
+    /// Writes the line while the key's level equals the value (a missing key has level 0).
+    template <class... Arguments>
+    static void
+    logAlways_logForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
+                                               FormatString<std::type_identity_t<Arguments>...> format,
+                                               const Arguments&... arguments) {
+        if (logAlways && format.text() && key) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logForTraceKey_value_usingFormatv_arguments(logAlways, key, value, format.text(),
+                                                                  packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logForTraceKey_value_usingFormatv_arguments(bool logAlways, StringView key,
+                                                                      std::int64_t value, StringView format,
+                                                                      ArgumentList arguments);
+
+    /// Returns the text, or nil, while the key's level equals the value (a missing key has level 0).
+    template <class... Arguments>
+    static NSString
+    logAlways_logStringForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
+                                                     FormatString<std::type_identity_t<Arguments>...> format,
+                                                     const Arguments&... arguments) {
+        if (logAlways && format.text() && key) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringForTraceKey_value_usingFormatv_arguments(logAlways, key, value,
+                                                                               format.text(), packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringForTraceKey_value_usingFormatv_arguments(
+        bool logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments);
+
+    // Text: key>=threshold: message.
+
+    /// Writes the line while the key's level is at least the threshold (a missing key has level 0).
+    template <class... Arguments>
+    static void
+    logAlways_logForTraceKey_threshold_usingFormat(bool logAlways, StringView key, std::int64_t threshold,
+                                                   FormatString<std::type_identity_t<Arguments>...> format,
+                                                   const Arguments&... arguments) {
+        if (logAlways && format.text() && key) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logForTraceKey_threshold_usingFormatv_arguments(logAlways, key, threshold,
+                                                                      format.text(), packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logForTraceKey_threshold_usingFormatv_arguments(bool logAlways, StringView key,
+                                                                          std::int64_t threshold,
+                                                                          StringView format,
+                                                                          ArgumentList arguments);
+
+    /// Returns the text, or nil, while the key's level is at least the threshold (a missing key has level 0).
+    template <class... Arguments>
+    static NSString logAlways_logStringForTraceKey_threshold_usingFormat(
+        bool logAlways, StringView key, std::int64_t threshold,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+        if (logAlways && format.text() && key) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
+                logAlways, key, threshold, format.text(), packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
+        bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments);
+
+    // Text: the keys that are on, joined with "/": message.
+
+    /// Writes the line while one of the keys is on.
+    template <class... Arguments>
+    static void
+    logAlways_logForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
+                                              FormatString<std::type_identity_t<Arguments>...> format,
+                                              const Arguments&... arguments) {
+        if (logAlways && format.text() && keys) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(logAlways, keys, format.text(),
+                                                                 packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways, const NSArray& keys,
+                                                                     StringView format,
+                                                                     ArgumentList arguments);
+
+    /// Returns the text, or nil, while one of the keys is on.
+    template <class... Arguments>
+    static NSString
+    logAlways_logStringForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
+                                                    FormatString<std::type_identity_t<Arguments>...> format,
+                                                    const Arguments&... arguments) {
+        if (logAlways && format.text() && keys) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(logAlways, keys, format.text(),
+                                                                              packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
+                                                                               const NSArray& keys,
+                                                                               StringView format,
+                                                                               ArgumentList arguments);
+
+    // Text: the keys joined with "+": message.
+
+    /// Writes the line while all of the keys are on, of which there must be one.
+    template <class... Arguments>
+    static void
+    logAlways_logForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
+                                               FormatString<std::type_identity_t<Arguments>...> format,
+                                               const Arguments&... arguments) {
+        if (logAlways && format.text() && keys) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logForAllTraceKeysOf_usingFormatv_arguments(logAlways, keys, format.text(),
+                                                                  packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways, const NSArray& keys,
+                                                                      StringView format,
+                                                                      ArgumentList arguments);
+
+    /// Returns the text, or nil, while all of the keys are on, of which there must be one.
+    template <class... Arguments>
+    static NSString
+    logAlways_logStringForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
+                                                     FormatString<std::type_identity_t<Arguments>...> format,
+                                                     const Arguments&... arguments) {
+        if (logAlways && format.text() && keys) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(logAlways, keys, format.text(),
+                                                                               packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
+                                                                                const NSArray& keys,
+                                                                                StringView format,
+                                                                                ArgumentList arguments);
+
+    // Text: Trace: message.
+
+    /// Writes the line while any trace key at all is on.
+    template <class... Arguments>
+    static void
+    logAlways_logForAnyTraceKeyUsingFormat(bool logAlways,
+                                           FormatString<std::type_identity_t<Arguments>...> format,
+                                           const Arguments&... arguments) {
+        if (logAlways && format.text()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            logAlways_logForAnyTraceKeyUsingFormatv_arguments(logAlways, format.text(), packed.list());
+        }
+    }
+    /// The same for a started argument list.
+    static void logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
+                                                                  ArgumentList arguments);
+
+    /// Returns the text, or nil, while any trace key at all is on.
+    template <class... Arguments>
+    static NSString
+    logAlways_logStringForAnyTraceKeyUsingFormat(bool logAlways,
+                                                 FormatString<std::type_identity_t<Arguments>...> format,
+                                                 const Arguments&... arguments) {
+        if (logAlways && format.text()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(logAlways, format.text(),
+                                                                           packed.list());
+        }
+        return {};
+    }
+    /// The same for a started argument list.
+    static NSString logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
+                                                                            ArgumentList arguments);
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_ZQLOGSHORTCALLS_H
+#define ZQFOUNDATION_LOG_ZQLOGSHORTCALLS_H
+
+#include "ZQLogPlainCalls.h"
+
+namespace ZQFoundation {
+
+/// The short log operations of ZQLog, without caller and flag: each is the operation of the same name behind
+/// `logAlways_` with the flag YES. Call them as `ZQLog::...`.
+class ZQFOUNDATION_EXPORT ZQLogShortCalls {
+public:
+    /// Writes the text as one line; nil writes nothing.
+    static void log(StringView text);
+
+    /// The very text passed in.
+    static NSString logString(const NSString& text);
+    template <detail::PlainText T>
+    static NSString logString(const T& text) {
+        return logString(NSString(text));
+    }
+
+    /// Writes the line.
+    template <class... Arguments>
+    static void logWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
+                              const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logWithFormat<Arguments...>(true, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static void logWithFormatv_arguments(StringView format, ArgumentList arguments);
+
+    /// Returns the text, or nil,.
+    template <class... Arguments>
+    static NSString logStringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
+                                        const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringWithFormat<Arguments...>(true, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringWithFormatv_arguments(StringView format, ArgumentList arguments);
+
+    /// Writes the line while the trace key is on.
+    template <class... Arguments>
+    static void logForTraceKey_usingFormat(StringView key,
+                                           FormatString<std::type_identity_t<Arguments>...> format,
+                                           const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logForTraceKey_usingFormat<Arguments...>(true, key, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static void logForTraceKey_usingFormatv_arguments(StringView key, StringView format,
+                                                      ArgumentList arguments);
+
+    /// Returns the text, or nil, while the trace key is on.
+    template <class... Arguments>
+    static NSString logStringForTraceKey_usingFormat(StringView key,
+                                                     FormatString<std::type_identity_t<Arguments>...> format,
+                                                     const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormat<Arguments...>(true, key, format,
+                                                                                         arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringForTraceKey_usingFormatv_arguments(StringView key, StringView format,
+                                                                ArgumentList arguments);
+
+    /// Writes the line while the key's level equals the value (a missing key has level 0).
+    template <class... Arguments>
+    static void logForTraceKey_value_usingFormat(StringView key, std::int64_t value,
+                                                 FormatString<std::type_identity_t<Arguments>...> format,
+                                                 const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormat<Arguments...>(true, key, value, format,
+                                                                                  arguments...);
+    }
+    /// The same for a started argument list.
+    static void logForTraceKey_value_usingFormatv_arguments(StringView key, std::int64_t value,
+                                                            StringView format, ArgumentList arguments);
+
+    /// Returns the text, or nil, while the key's level equals the value (a missing key has level 0).
+    template <class... Arguments>
+    static NSString
+    logStringForTraceKey_value_usingFormat(StringView key, std::int64_t value,
+                                           FormatString<std::type_identity_t<Arguments>...> format,
+                                           const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringForTraceKey_value_usingFormat<Arguments...>(
+            true, key, value, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringForTraceKey_value_usingFormatv_arguments(StringView key, std::int64_t value,
+                                                                      StringView format,
+                                                                      ArgumentList arguments);
+
+    /// Writes the line while the key's level is at least the threshold (a missing key has level 0).
+    template <class... Arguments>
+    static void logForTraceKey_threshold_usingFormat(StringView key, std::int64_t threshold,
+                                                     FormatString<std::type_identity_t<Arguments>...> format,
+                                                     const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormat<Arguments...>(true, key, threshold,
+                                                                                      format, arguments...);
+    }
+    /// The same for a started argument list.
+    static void logForTraceKey_threshold_usingFormatv_arguments(StringView key, std::int64_t threshold,
+                                                                StringView format, ArgumentList arguments);
+
+    /// Returns the text, or nil, while the key's level is at least the threshold (a missing key has level 0).
+    template <class... Arguments>
+    static NSString
+    logStringForTraceKey_threshold_usingFormat(StringView key, std::int64_t threshold,
+                                               FormatString<std::type_identity_t<Arguments>...> format,
+                                               const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringForTraceKey_threshold_usingFormat<Arguments...>(
+            true, key, threshold, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringForTraceKey_threshold_usingFormatv_arguments(StringView key,
+                                                                          std::int64_t threshold,
+                                                                          StringView format,
+                                                                          ArgumentList arguments);
+
+    /// Writes the line while one of the keys is on.
+    template <class... Arguments>
+    static void logForAnyTraceKeyOf_usingFormat(const NSArray& keys,
+                                                FormatString<std::type_identity_t<Arguments>...> format,
+                                                const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormat<Arguments...>(true, keys, format,
+                                                                                 arguments...);
+    }
+    /// The same for a started argument list.
+    static void logForAnyTraceKeyOf_usingFormatv_arguments(const NSArray& keys, StringView format,
+                                                           ArgumentList arguments);
+
+    /// Returns the text, or nil, while one of the keys is on.
+    template <class... Arguments>
+    static NSString
+    logStringForAnyTraceKeyOf_usingFormat(const NSArray& keys,
+                                          FormatString<std::type_identity_t<Arguments>...> format,
+                                          const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormat<Arguments...>(
+            true, keys, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringForAnyTraceKeyOf_usingFormatv_arguments(const NSArray& keys, StringView format,
+                                                                     ArgumentList arguments);
+
+    /// Writes the line while all of the keys are on, of which there must be one.
+    template <class... Arguments>
+    static void logForAllTraceKeysOf_usingFormat(const NSArray& keys,
+                                                 FormatString<std::type_identity_t<Arguments>...> format,
+                                                 const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormat<Arguments...>(true, keys, format,
+                                                                                  arguments...);
+    }
+    /// The same for a started argument list.
+    static void logForAllTraceKeysOf_usingFormatv_arguments(const NSArray& keys, StringView format,
+                                                            ArgumentList arguments);
+
+    /// Returns the text, or nil, while all of the keys are on, of which there must be one.
+    template <class... Arguments>
+    static NSString
+    logStringForAllTraceKeysOf_usingFormat(const NSArray& keys,
+                                           FormatString<std::type_identity_t<Arguments>...> format,
+                                           const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringForAllTraceKeysOf_usingFormat<Arguments...>(
+            true, keys, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringForAllTraceKeysOf_usingFormatv_arguments(const NSArray& keys, StringView format,
+                                                                      ArgumentList arguments);
+
+    /// Writes the line while any trace key at all is on.
+    template <class... Arguments>
+    static void logForAnyTraceKeyUsingFormat(FormatString<std::type_identity_t<Arguments>...> format,
+                                             const Arguments&... arguments) {
+        ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormat<Arguments...>(true, format, arguments...);
+    }
+    /// The same for a started argument list.
+    static void logForAnyTraceKeyUsingFormatv_arguments(StringView format, ArgumentList arguments);
+
+    /// Returns the text, or nil, while any trace key at all is on.
+    template <class... Arguments>
+    static NSString
+    logStringForAnyTraceKeyUsingFormat(FormatString<std::type_identity_t<Arguments>...> format,
+                                       const Arguments&... arguments) {
+        return ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormat<Arguments...>(true, format,
+                                                                                           arguments...);
+    }
+    /// The same for a started argument list.
+    static NSString logStringForAnyTraceKeyUsingFormatv_arguments(StringView format, ArgumentList arguments);
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSException.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+#include <type_traits>
+
+#include "foundation/objects/NSNumber.h"
+#include "tests/objects/TestValues.h"
+
+using namespace ZQFoundation;
+using namespace TestValues;
+
+namespace {
+
+// What is thrown must be copied without a second exception.
+static_assert(std::is_nothrow_copy_constructible_v<NSException>);
+static_assert(std::is_nothrow_copy_assignable_v<NSException>);
+static_assert(std::is_base_of_v<std::exception, NSException>);
+
+TEST(NSException, holdsNameReasonAndDictionary) {
+    const NSException exception("Name", "why", NSDictionary{{"k", 1}});
+    EXPECT_EQ(exception.name(), "Name");
+    EXPECT_EQ(exception.reason(), "why");
+    EXPECT_EQ(exception.userInfo().objectForKey("k"), 1);
+    EXPECT_STREQ(exception.what(), "Name: why");
+    EXPECT_FALSE(NSException("Name", "why").userInfo());
+}
+
+TEST(NSException, saysWhatItIsInUTF8) {
+    EXPECT_STREQ(NSException("N\u00e4me", "\u20ac \U0001F600").what(), "N\u00e4me: \u20ac \U0001F600");
+    EXPECT_STREQ(NSException("", "").what(), ": ");
+}
+
+TEST(NSException, carriesANilNameOrReasonAsAbsent) {
+    const NSException exception(nullptr, nullptr);
+    EXPECT_FALSE(exception.name());
+    EXPECT_FALSE(exception.reason());
+    EXPECT_NE(exception.what(), nullptr);
+    EXPECT_NE(NSException("Name", nullptr).what(), nullptr);
+    EXPECT_NE(std::strstr(NSException("Name", nullptr).what(), "Name"), nullptr);
+    EXPECT_NE(std::strstr(NSException(nullptr, "why").what(), "why"), nullptr);
+}
+
+TEST(NSException, aCopyOutlivesTheOriginal) {
+    std::optional<NSException> original(std::in_place, "Name", "a reason that is long enough to need a body");
+    const NSException copy = *original;
+    NSException assigned("Other", "else");
+    assigned = *original;
+    original.reset();
+    EXPECT_STREQ(copy.what(), "Name: a reason that is long enough to need a body");
+    EXPECT_STREQ(assigned.what(), "Name: a reason that is long enough to need a body");
+    EXPECT_EQ(assigned.name(), "Name");
+}
+
+TEST(NSException, isCaughtAsAStandardException) {
+    try {
+        throw NSException("Name", "why");
+    } catch (const std::exception& exception) {
+        EXPECT_STREQ(exception.what(), "Name: why");
+        return;
+    }
+    FAIL() << "nothing was caught";
+}
+
+TEST(NSException, isRaisedWithAFormattedReason) {
+    try {
+        NSException::raise_format("Name", "%d of %@ (%s)", 3, NSArray{1, 2}.objectAtIndex(1), "x");
+    } catch (const NSException& exception) {
+        EXPECT_EQ(exception.name(), "Name");
+        EXPECT_EQ(exception.reason(), "3 of 2 (x)");
+        EXPECT_FALSE(exception.userInfo());
+        return;
+    }
+    FAIL() << "nothing was raised";
+}
+
+TEST(NSException, aNilNameIsRaisedAsAbsent) {
+    EXPECT_EQ(raised([] { NSException::raise_format(nullptr, "why"); }), "(nil)");
+}
+
+TEST(NSException, aNilFormatRaisesInvalidArgument) {
+    EXPECT_EQ(raised([] { NSException::raise_format("Name", nullptr); }), NSInvalidArgumentException);
+    EXPECT_EQ(raised([] { NSString::stringWithFormat(nullptr); }), NSInvalidArgumentException);
+}
+
+TEST(NSException, theNamesOfThePlatformAreTheirText) {
+    EXPECT_STREQ(NSInvalidArgumentException, "NSInvalidArgumentException");
+    EXPECT_STREQ(NSRangeException, "NSRangeException");
+    EXPECT_STREQ(NSParseErrorException, "NSParseErrorException");
+    EXPECT_STREQ(NSGenericException, "NSGenericException");
+    EXPECT_STREQ(NSInternalInconsistencyException, "NSInternalInconsistencyException");
+}
+
+TEST(NSException, ofTheValuesHaveAReason) {
+    const NSArray array{1, 2};
+    try {
+        array.objectAtIndex(2);
+        FAIL() << "nothing was raised";
+    } catch (const NSException& exception) {
+        EXPECT_EQ(exception.name(), NSRangeException);
+        EXPECT_GT(exception.reason().length(), 0U);
+        EXPECT_EQ(std::string(exception.what()).rfind("NSRangeException: ", 0), 0U) << exception.what();
+    }
+}
+
+TEST(NSException, malformedTextRaisesAParseError) {
+    EXPECT_EQ(raised([] { NSString("{ a = 1").propertyList(); }), NSParseErrorException);
+    EXPECT_EQ(raised([] { NSString("").propertyList(); }), NSParseErrorException);
+    EXPECT_EQ(raised([] { NSString("{ a = 1").propertyListFromStringsFileFormat(); }), "nothing");
+}
+
+} // namespace

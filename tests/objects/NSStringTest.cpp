@@ -1,0 +1,738 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSString.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSDictionary.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/objects/NSSet.h"
+#include "tests/objects/CountingAllocator.h"
+#include "tests/objects/TestValues.h"
+
+using namespace ZQFoundation;
+using namespace TestValues;
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
+namespace {
+
+constexpr char16_t highSurrogate = 0xD83D;
+constexpr char16_t lowSurrogate = 0xDE00;
+
+NSString units(std::u16string_view text) {
+    return NSString::stringWithCharacters_length(text.data(), text.size());
+}
+
+NSString fileName(std::string_view bytes) {
+    return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
+}
+
+const double infinity = std::numeric_limits<double>::infinity();
+
+// MARK: Making and reading
+
+TEST(NSString, lengthAndCharactersCountUnits) {
+    const struct {
+        const char* name;
+        NSString text;
+        std::u16string_view units;
+    } rows[] = {
+        {"empty", "", u""},
+        {"ascii", "abc", u"abc"},
+        {"Latin-1", "caf\u00e9", u"caf\u00e9"},
+        {"three bytes", "\u20ac", u"\u20ac"},
+        {"a surrogate pair", "a\U0001F600", u"a\xD83D\xDE00"},
+        {"the last character", "\U0010FFFF", u"\xDBFF\xDFFF"},
+        {"U+0000 inside", "a\0b"sv, u"a\0b"sv},
+        {"U+007F and U+0080", "\x7F\u0080", u"\x7F\x80"},
+        {"a byte-order mark stays", "\uFEFFx", u"\xFEFFx"},
+        {"from units", u"x\u00e9", u"x\u00e9"},
+        {"from ascii units", u"xyz", u"xyz"},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(row.text.length(), row.units.size()) << row.name;
+        for (std::size_t i = 0; i < row.units.size(); ++i) {
+            EXPECT_EQ(row.text.characterAtIndex(i), row.units[i]) << row.name << " at " << i;
+        }
+        EXPECT_EQ(row.text.utf16(), row.units) << row.name;
+    }
+}
+
+TEST(NSString, theSameTextIsEqualHoweverItWasMade) {
+    const NSString texts[] = {"plain",
+                              u"plain",
+                              u8"plain",
+                              "plain"s,
+                              "plain"sv,
+                              u"plain"s,
+                              units(u"plain"),
+                              NSString::stringWithUTF8Bytes("plain", 5),
+                              fileName("plain"),
+                              NSString("explain").substringFromIndex(2),
+                              NSString("pla").stringByAppendingString(u"in"),
+                              NSString("plain\u00e9").substringToIndex(5),
+                              NSMutableString(u"plain").string()};
+    for (const NSString& left : texts) {
+        EXPECT_TRUE(left == "plain");
+        EXPECT_TRUE(left == u"plain");
+        for (const NSString& right : texts) {
+            EXPECT_TRUE(left.isEqualToString(right));
+            EXPECT_TRUE(left.isEqual(right));
+            EXPECT_EQ(left.hash(), right.hash());
+        }
+    }
+}
+
+TEST(NSString, aMessageToANilStringGivesNothing) {
+    const NSString none;
+    std::string bytes = "untouched";
+    EXPECT_FALSE(none);
+    EXPECT_EQ(none.length(), 0U);
+    EXPECT_EQ(none.characterAtIndex(3), 0);
+    EXPECT_EQ(none.utf8(), "");
+    EXPECT_FALSE(none.getUTF8(bytes));
+    EXPECT_FALSE(none.getFileSystemBytes(bytes));
+    EXPECT_EQ(bytes, "untouched");
+    EXPECT_EQ(none.utf16(), u"");
+    EXPECT_FALSE(none.isEqualToString(""));
+    EXPECT_FALSE(none.isEqualToString(none));
+    EXPECT_EQ(none.compare("a"), NSOrderedSame);
+    EXPECT_EQ(none.caseInsensitiveCompare("a"), NSOrderedSame);
+    EXPECT_FALSE(none.hasPrefix("a"));
+    EXPECT_FALSE(none.hasSuffix("a"));
+    EXPECT_FALSE(none.uppercaseString());
+    EXPECT_FALSE(none.lowercaseString());
+    EXPECT_FALSE(none.substringToIndex(7));
+    EXPECT_FALSE(none.substringFromIndex(7));
+    EXPECT_FALSE(none.substringWithRange(3, 4));
+    EXPECT_FALSE(none.stringByAppendingString("a"));
+    EXPECT_EQ(none.intValue(), 0);
+    EXPECT_EQ(none.integerValue(), 0);
+    EXPECT_EQ(none.doubleValue(), 0);
+    EXPECT_EQ(none.floatValue(), 0);
+    EXPECT_FALSE(none.boolValue());
+    EXPECT_FALSE(none.lastPathComponent());
+    EXPECT_FALSE(none.propertyList());
+    EXPECT_FALSE(none.propertyListFromStringsFileFormat());
+}
+
+TEST(NSString, nilTextMakesANilStringAndEmptyTextAnEmptyOne) {
+    const char* const none = nullptr;
+    EXPECT_FALSE(NSString(none));
+    EXPECT_FALSE(NSString(StringView()));
+    EXPECT_TRUE(NSString(""));
+    EXPECT_TRUE(NSString(""sv));
+    EXPECT_TRUE(NSString::string());
+    EXPECT_EQ(NSString::string().length(), 0U);
+}
+
+TEST(NSString, surrogatesWithoutPartnerAreKept) {
+    const std::u16string high(1, highSurrogate);
+    const std::u16string low(1, lowSurrogate);
+    const NSString pair = "\U0001F600";
+    const NSString left = pair.substringToIndex(1);
+    const NSString right = pair.substringFromIndex(1);
+    EXPECT_EQ(left.utf16(), high);
+    EXPECT_EQ(right.utf16(), low);
+    EXPECT_EQ(left.stringByAppendingString(right), pair);
+    EXPECT_EQ(right.stringByAppendingString(left).utf16(), low + high);
+
+    const NSString copy = left;
+    EXPECT_EQ(copy.utf16(), high);
+    EXPECT_EQ(NSString(StringView(left)).utf16(), high);
+    NSMutableString builder;
+    builder.appendString("a");
+    builder.appendCharacter(highSurrogate);
+    builder.appendString(right);
+    EXPECT_EQ(builder.string().utf16(), u"a" + high + low);
+    EXPECT_NE(left, right);
+    EXPECT_EQ((NSDictionary{{left, 1}, {right, 2}}).objectForKey(right), 2);
+    EXPECT_EQ(shown(NSArray::arrayWithObject(left)), "(\n    \"\\Ud83d\"\n)");
+}
+
+TEST(NSString, anUnpairedSurrogateReadsAsAReplacementCharacterUnlessAskedExactly) {
+    const NSString text = units(u"a\xD83D"
+                                u"b");
+    EXPECT_EQ(text.utf8(), "a\uFFFDb");
+    std::string exact = "untouched";
+    EXPECT_FALSE(text.getUTF8(exact));
+    EXPECT_EQ(exact, "untouched");
+    EXPECT_TRUE(NSString("a\U0001F600").getUTF8(exact));
+    EXPECT_EQ(exact, "a\U0001F600");
+    EXPECT_TRUE(NSString("").getUTF8(exact));
+    EXPECT_EQ(exact, "");
+}
+
+TEST(NSString, wellFormedTextSurvivesTheWayThereAndBack) {
+    std::u16string everything;
+    for (char32_t point = 0; point <= 0x10FFFF; point += (point < 0x3000 ? 1U : 251U)) {
+        if (point >= 0xD800 && point <= 0xDFFF) {
+            continue;
+        }
+        if (point < 0x10000) {
+            everything += static_cast<char16_t>(point);
+        } else {
+            everything += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
+            everything += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
+        }
+    }
+    const NSString text = units(everything);
+    std::string bytes;
+    ASSERT_TRUE(text.getUTF8(bytes));
+    EXPECT_TRUE(bytes == text.utf8());
+    EXPECT_TRUE(NSString(bytes) == text);
+    EXPECT_TRUE(NSString::stringWithUTF8Bytes(bytes.data(), bytes.size()) == text);
+    EXPECT_TRUE(NSString(bytes).utf16() == everything);
+}
+
+// Each row is ill-formed: read implicitly it shows U+FFFD, read by name there is no string.
+TEST(NSString, illFormedBytesBecomeReplacementCharactersOrNil) {
+    const struct {
+        const char* name;
+        std::string_view bytes;
+        std::u16string_view read;
+    } rows[] = {
+        {"a stray continuation byte", "a\x80z"sv, u"a\xFFFDz"},
+        {"a byte that never occurs", "\xFF"sv, u"\xFFFD"},
+        {"a start without continuation", "\xC3(", u"\xFFFD("},
+        {"cut after two of three", "a\xE2\x82"sv, u"a\xFFFD"},
+        {"cut after three of four", "\xF0\x9F\x98"sv, u"\xFFFD"},
+        {"overlong slash", "\xC0\xAF"sv, u"\xFFFD\xFFFD"},
+        {"overlong zero", "\xC0\x80"sv, u"\xFFFD\xFFFD"},
+        {"an encoded surrogate", "\xED\xA0\x80"sv, u"\xFFFD\xFFFD\xFFFD"},
+        {"beyond the last character", "\xF4\x90\x80\x80"sv, u"\xFFFD\xFFFD\xFFFD\xFFFD"},
+        {"two cut ones in a row", "\xE2\x82\xE2\x82\xAC"sv, u"\xFFFD\x20AC"},
+        {"behind a long ascii run", "0123456789abcdef0123456789abcdef\xFEz"sv,
+         u"0123456789abcdef0123456789abcdef\xFFFDz"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(NSString(row.bytes).utf16(), row.read) << row.name;
+        EXPECT_FALSE(NSString::stringWithUTF8Bytes(row.bytes.data(), row.bytes.size())) << row.name;
+    }
+    EXPECT_EQ(NSString::stringWithUTF8Bytes("a\0b", 3).length(), 3U);
+    EXPECT_TRUE(NSString::stringWithUTF8Bytes("", 0));
+}
+
+TEST(NSString, bytesOfAFileNameSurviveTheWayThereAndBack) {
+    std::vector<std::string> names = {"plain",
+                                      "caf\u00e9",
+                                      "\xFF",
+                                      "a\xC3",
+                                      "\xC3(",
+                                      "\xED\xB3\xBF",
+                                      "\xED\xA0\x80",
+                                      "\xF4\x90\x80\x80",
+                                      "x\x80\x81\xFFy\u20ac",
+                                      "\xE2\x82\xE2\x82\xAC",
+                                      "/a/b\xE9/c",
+                                      "\U0001F600\xF0\x9F\x98"};
+    for (int byte = 1; byte < 256; ++byte) {
+        names.push_back("n"s + static_cast<char>(byte));
+        names.push_back(static_cast<char>(byte) + "\u00e9"s);
+    }
+    for (const std::string& name : names) {
+        std::string back;
+        EXPECT_TRUE(fileName(name).getFileSystemBytes(back)) << testing::PrintToString(name);
+        EXPECT_EQ(back, name);
+    }
+}
+
+TEST(NSString, aBadByteOfAFileNameIsTheUnitDC00PlusByte) {
+    EXPECT_EQ(fileName("a\xFFz").utf16(), u"a\xDCFFz");
+    EXPECT_EQ(fileName("caf\xE9").utf16(), u"caf\xDCE9");
+    EXPECT_EQ(fileName("caf\u00e9").utf16(), u"caf\u00e9");
+}
+
+TEST(NSString, textWithoutAFormAsFileNameSaysSo) {
+    const struct {
+        const char* name;
+        std::u16string_view text;
+    } rows[] = {
+        {"U+0000", u"a\0b"sv},
+        {"a high surrogate alone", u"a\xD83D"},
+        {"a low surrogate that stands for no byte", u"\xDD00"},
+        {"a low surrogate that would stand for an ascii byte", u"\xDC41"},
+    };
+    for (const auto& row : rows) {
+        std::string bytes = "untouched";
+        EXPECT_FALSE(units(row.text).getFileSystemBytes(bytes)) << row.name;
+    }
+}
+
+// MARK: Comparing
+
+TEST(NSString, equalityComparesUnitsExactly) {
+    EXPECT_FALSE(NSString("caf\u00e9").isEqualToString("cafe\u0301"));
+    EXPECT_FALSE(NSString("a").isEqualToString("A"));
+    EXPECT_FALSE(NSString("a").isEqualToString("ab"));
+    EXPECT_FALSE(NSString("a\0b"sv).isEqualToString("a\0c"sv));
+    EXPECT_FALSE(NSString("a\0b"sv).isEqualToString("a"));
+    EXPECT_TRUE(NSString("a\0b"sv).isEqualToString(u"a\0b"sv));
+    EXPECT_TRUE(NSString("caf\u00e9").isEqualToString("caf\u00e9"));
+    EXPECT_TRUE(NSString("caf\u00e9").isEqualToString(u"caf\u00e9"));
+    EXPECT_FALSE(NSString("a").isEqualToString(nullptr));
+    EXPECT_FALSE(NSString("").isEqualToString(nullptr));
+    EXPECT_TRUE(NSString("").isEqualToString(""));
+    EXPECT_EQ((NSDictionary{{"caf\u00e9", 1}, {"cafe\u0301", 2}}).count(), 2U);
+    EXPECT_EQ((NSSet{"caf\u00e9", "cafe\u0301"}).count(), 2U);
+}
+
+int sign(NSComparisonResult result) { return static_cast<int>(result); }
+
+TEST(NSString, compareOrdersByUnitsAndTakesCanonicalEquivalentsAsTheSame) {
+    const struct {
+        const char* name;
+        NSString left;
+        NSString right;
+        int order;
+    } rows[] = {
+        {"same", "abc", "abc", 0},
+        {"both empty", "", "", 0},
+        {"empty first", "", "a", -1},
+        {"a prefix first", "ab", "abc", -1},
+        {"upper case first", "B", "a", -1},
+        {"digits by units", "a10", "a2", -1},
+        {"beyond ascii", "z", "\u00e9", -1},
+        {"ascii in both forms", "abc", NSString("abc\u00e9").substringToIndex(3), 0},
+        {"U+0000 counts", "a\0b"sv, "a\0c"sv, -1},
+        {"surrogate units below U+FF5E", "\U0001F600", "\uFF5E", -1},
+        {"composed and decomposed", "\u00e9", "e\u0301", 0},
+        {"inside a word", "caf\u00e9s", "cafe\u0301s", 0},
+        {"difference behind it", "caf\u00e9a", "cafe\u0301b", -1},
+        {"letter and sign of the same shape", "\u212B", "\u00C5", 0},
+        {"sign and sequence", "\u212B", "A\u030A", 0},
+        {"marks in either order", "a\u0323\u0307", "a\u0307\u0323", 0},
+        {"marks of one class keep their order", "a\u0301\u0300", "a\u0300\u0301", 1},
+        {"a Hangul syllable and its parts", "\uD55C", "\u1112\u1161\u11AB", 0},
+        {"two composed marks", "\u1E69", "s\u0323\u0307", 0},
+        {"compatible is not canonical", "\uFB01", "fi", 1},
+        {"another letter", "e", "\u00e9", -1},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(sign(row.left.compare(row.right)), row.order) << row.name;
+        EXPECT_EQ(sign(row.right.compare(row.left)), -row.order) << row.name;
+    }
+    EXPECT_EQ(NSString("a").compare(nullptr), NSOrderedDescending);
+    EXPECT_EQ(NSString("").compare(nullptr), NSOrderedSame);
+}
+
+TEST(NSString, caseInsensitiveCompareFoldsToLowerCaseAndOrdersByCodePoint) {
+    const struct {
+        const char* name;
+        NSString left;
+        NSString right;
+        int order;
+    } rows[] = {
+        {"equal but for case", "TraceLevel", "tRACElEVEL", 0},
+        {"both empty", "", "", 0},
+        {"empty first", "", "a", -1},
+        {"a prefix first", "AB", "abc", -1},
+        {"letters in any case", "a", "B", -1},
+        {"underscore before a small letter", "_", "a", -1},
+        {"underscore before a capital", "_", "A", -1},
+        {"bracket before a capital", "[", "A", -1},
+        {"digits by code point", "a2", "A10", 1},
+        {"sharp s", "stra\u00dfe", "STRASSE", 0},
+        {"capital sharp s", "\u1E9E", "ss", 0},
+        {"ligature", "\uFB01", "FI", 0},
+        {"final sigma", "\u03BF\u03B4\u03BF\u03C2", "\u039F\u0394\u039F\u03A3", 0},
+        {"Kelvin sign", "\u212A", "k", 0},
+        {"Cyrillic", "\u041F\u0420\u0418", "\u043F\u0440\u0438", 0},
+        {"beyond the first plane", "\U00010400", "\U00010428", 0},
+        {"dotted capital I is no i", "\u0130", "i", 1},
+        {"dotless i is no I", "I", "\u0131", -1},
+        {"code points, not units", "\uFF5E", "\U0001F600", -1},
+        {"mixed forms", "ABC\u00c9", "abc\u00e9", 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(sign(row.left.caseInsensitiveCompare(row.right)), row.order) << row.name;
+        EXPECT_EQ(sign(row.right.caseInsensitiveCompare(row.left)), -row.order) << row.name;
+    }
+}
+
+TEST(NSString, upperAndLowerCaseUseTheFullMapping) {
+    const struct {
+        const char* text;
+        const char* upper;
+    } upperRows[] = {
+        {"", ""},
+        {"abc1", "ABC1"},
+        {"stra\u00dfe", "STRASSE"},
+        {"\u017F", "S"},
+        {"i", "I"},
+        {"\u0131", "I"},
+        {"\u0130", "\u0130"},
+        {"\uFB01x", "FIX"},
+        {"\u00ff", "\u0178"},
+        {"\u0149", "\u02BCN"},
+        {"\u03C2\u03C3", "\u03A3\u03A3"},
+        {"\u00b5", "\u039C"},
+        {"\U00010428", "\U00010400"},
+        {"\u0390", "\u0399\u0308\u0301"},
+        {"\u01C6", "\u01C4"},
+        {"caf\u00e9", "CAF\u00c9"},
+    };
+    for (const auto& row : upperRows) {
+        EXPECT_EQ(utf8Of(NSString(row.text).uppercaseString()), row.upper) << row.text;
+    }
+    EXPECT_EQ(utf8Of(NSString("ABC\u00c9").lowercaseString()), "abc\u00e9");
+    EXPECT_EQ(utf8Of(NSString("\u0130I").lowercaseString()), "i\u0307i");
+    EXPECT_EQ(utf8Of(NSString("\U00010400").lowercaseString()), "\U00010428");
+    EXPECT_EQ(units(u"a\xD83D").uppercaseString().utf16(), u"A\xD83D");
+    EXPECT_EQ(NSString("a\0b"sv).uppercaseString().utf16(), u"A\0B"sv);
+}
+
+TEST(NSString, prefixesAndSuffixesCompareUnitsAndAnEmptyOneNeverFits) {
+    const struct {
+        const char* name;
+        NSString text;
+        NSString part;
+        bool prefix;
+        bool suffix;
+    } rows[] = {
+        {"front", "TraceKey", "Trace", true, false},
+        {"end", "TraceKey", "Key", false, true},
+        {"whole", "Trace", "Trace", true, true},
+        {"case counts", "Trace", "trace", false, false},
+        {"empty", "Trace", "", false, false},
+        {"empty in empty", "", "", false, false},
+        {"nil", "Trace", nullptr, false, false},
+        {"longer than the text", "ab", "abc", false, false},
+        {"in front of a composed sequence", "e\u0301", "e", true, false},
+        {"a mark alone", "e\u0301", "\u0301", false, true},
+        {"composed is not decomposed", "\u00e9", "e", false, false},
+        {"half a pair", "\U0001F600x", NSString("\U0001F600").substringToIndex(1), true, false},
+        {"U+0000", "a\0b"sv, "a\0"sv, true, false},
+        {"ascii in a longer other text", "abc\u00e9", "abc", true, false},
+        {"other text in ascii", "abc", "abc\u00e9", false, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.text.hasPrefix(row.part), row.prefix) << row.name;
+        EXPECT_EQ(row.text.hasSuffix(row.part), row.suffix) << row.name;
+    }
+}
+
+// MARK: Parts
+
+TEST(NSString, substringsEndAtTheLengthAndRaiseBeyond) {
+    const NSString text = "abc";
+    EXPECT_EQ(text.substringToIndex(0), "");
+    EXPECT_EQ(text.substringToIndex(2), "ab");
+    EXPECT_EQ(text.substringToIndex(3), "abc");
+    EXPECT_EQ(text.substringFromIndex(0), "abc");
+    EXPECT_EQ(text.substringFromIndex(3), "");
+    EXPECT_EQ(text.substringWithRange(1, 1), "b");
+    EXPECT_EQ(text.substringWithRange(3, 0), "");
+
+    const std::size_t huge = std::numeric_limits<std::size_t>::max();
+    char16_t buffer[4] = {};
+    EXPECT_EQ(raised([&] { text.substringToIndex(4); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.substringFromIndex(4); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.substringWithRange(2, 2); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.substringWithRange(4, 0); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.substringWithRange(2, huge); }), NSRangeException) << "the sum overflows";
+    EXPECT_EQ(raised([&] { text.substringWithRange(huge, 2); }), NSRangeException) << "the sum overflows";
+    EXPECT_EQ(raised([&] { text.characterAtIndex(3); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.characterAtIndex(huge); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.getCharacters(buffer, 2, 2); }), NSRangeException);
+    EXPECT_EQ(raised([&] { text.getCharacters(buffer, huge, 2); }), NSRangeException);
+    EXPECT_EQ(raised([&] { NSString("").characterAtIndex(0); }), NSRangeException);
+}
+
+TEST(NSString, charactersAreCopiedInBothForms) {
+    char16_t buffer[3] = {u'-', u'-', u'-'};
+    NSString("abcd").getCharacters(buffer, 1, 2);
+    EXPECT_EQ(std::u16string_view(buffer, 3), u"bc-");
+    NSString("ab\u20acd").getCharacters(buffer, 2, 2);
+    EXPECT_EQ(std::u16string_view(buffer, 3), u"\u20acd-");
+    NSString("ab").getCharacters(buffer, 2, 0);
+    EXPECT_EQ(std::u16string_view(buffer, 3), u"\u20acd-");
+}
+
+TEST(NSString, appendingJoinsAnyForms) {
+    EXPECT_EQ(NSString("a").stringByAppendingString("b"), "ab");
+    EXPECT_EQ(NSString("a").stringByAppendingString("\u00e9"), "a\u00e9");
+    EXPECT_EQ(NSString("\u00e9").stringByAppendingString("b"), "\u00e9b");
+    EXPECT_EQ(NSString("").stringByAppendingString(""), "");
+    EXPECT_EQ(NSString("a\0"sv).stringByAppendingString("\0b"sv).length(), 4U);
+}
+
+TEST(NSString, lastPathComponentOfEachSortOfPath) {
+    const struct {
+        const char* path;
+        const char* last;
+    } rows[] = {
+        {"", ""},
+        {"/", "/"},
+        {"//", "/"},
+        {"///", "/"},
+        {"a", "a"},
+        {"a/", "a"},
+        {"a//", "a"},
+        {"/a", "a"},
+        {"/a/", "a"},
+        {"a/b", "b"},
+        {"a//b", "b"},
+        {"/a//b/", "b"},
+        {"..", ".."},
+        {"x/..", ".."},
+        {"~/x", "x"},
+        {"/x/\u00e9.t", "\u00e9.t"},
+        {"http://h/x.y", "x.y"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(utf8Of(NSString(row.path).lastPathComponent()), row.last) << row.path;
+    }
+}
+
+// MARK: Numeric views
+
+const struct {
+    NSString text;
+    int integer;
+    double real;
+} readings[] = {
+    {"", 0, 0},
+    {"abc", 0, 0},
+    {"-", 0, 0},
+    {"+", 0, 0},
+    {"--5", 0, 0},
+    {"+-5", 0, 0},
+    {".", 0, 0},
+    {" 12", 12, 12},
+    {"\n12", 12, 12},
+    {"+12", 12, 12},
+    {"-12", -12, -12},
+    {"012", 12, 12},
+    {"12abc", 12, 12},
+    {"12.9", 12, 12.9},
+    {"-12.9", -12, -12.9},
+    {"0x10", 0, 0},
+    {"0b1", 0, 0},
+    {"1e3", 1, 1000},
+    {"1E3", 1, 1000},
+    {"1e+3", 1, 1000},
+    {"1e-3", 1, 0.001},
+    {"1e", 1, 1},
+    {"1e+", 1, 1},
+    {"1e+x", 1, 1},
+    {"e5", 0, 0},
+    {".e5", 0, 0},
+    {".5", 0, 0.5},
+    {"-.5", 0, -0.5},
+    {"+.5", 0, 0.5},
+    {"5.", 5, 5},
+    {"5.e1", 5, 50},
+    {"1.2.3", 1, 1.2},
+    {"1e2e3", 1, 100},
+    {"1,234", 1, 1},
+    {"1_000", 1, 1},
+    {"1 2", 1, 1},
+    {"2147483647", 2147483647, 2147483647.0},
+    {"2147483648", 2147483647, 2147483648.0},
+    {"4294967296", 2147483647, 4294967296.0},
+    {"99999999999999999999", 2147483647, 1e20},
+    {"-2147483648", std::numeric_limits<int>::lowest(), -2147483648.0},
+    {"-2147483649", std::numeric_limits<int>::lowest(), -2147483649.0},
+    {"-99999999999999999999", std::numeric_limits<int>::lowest(), -1e20},
+    {"\u0663", 0, 0},
+    {"\uFF11", 0, 0},
+    {"1\u0663", 1, 1},
+    {"1e400", 1, infinity},
+    {"-1e400", -1, -infinity},
+    {"1e-400", 1, 0},
+    {"1e99999999999999999999", 1, infinity},
+    {"0e99999999999999999999", 0, 0},
+    {"inf", 0, 0},
+    {"infinity", 0, 0},
+    {"nan", 0, 0},
+    {"- 5", 0, 0},
+    {"+ 5", 0, 0},
+    {"12\0"
+     "34"sv,
+     12, 12},
+    {"\0"
+     "12"sv,
+     0, 0},
+    {u"12\u00e9", 12, 12},
+};
+
+TEST(NSStringNumericViews, readALeadingDecimalNumber) {
+    for (const auto& row : readings) {
+        EXPECT_EQ(row.text.intValue(), row.integer) << row.text.utf8();
+        EXPECT_EQ(row.text.doubleValue(), row.real) << row.text.utf8();
+    }
+}
+
+TEST(NSStringNumericViews, skipTheirWhiteSpaceAndNoOther) {
+    const char16_t skipped[] = {0x09,   0x0A,   0x0B,   0x0C,   0x0D,   0x20,   0x85,   0xA0,
+                                0x1680, 0x2000, 0x2001, 0x2002, 0x2003, 0x2004, 0x2005, 0x2006,
+                                0x2007, 0x2008, 0x2009, 0x200A, 0x202F, 0x205F, 0x3000};
+    for (const char16_t blank : skipped) {
+        const std::u16string text{blank, blank, u'-', u'7'};
+        EXPECT_EQ(NSString(text).intValue(), -7) << std::hex << static_cast<unsigned>(blank);
+        EXPECT_EQ(NSString(text).integerValue(), -7) << std::hex << static_cast<unsigned>(blank);
+        EXPECT_EQ(NSString(text).doubleValue(), -7) << std::hex << static_cast<unsigned>(blank);
+    }
+    const char16_t others[] = {0x00, 0x08, 0x0E, 0x1C, 0x1F, 0x200B, 0x2028, 0x2029, 0x180E, 0xFEFF};
+    for (const char16_t other : others) {
+        const std::u16string text{other, u'7'};
+        EXPECT_EQ(NSString(text).intValue(), 0) << std::hex << static_cast<unsigned>(other);
+        EXPECT_EQ(NSString(text).doubleValue(), 0) << std::hex << static_cast<unsigned>(other);
+    }
+}
+
+TEST(NSStringNumericViews, wideIntegersSaturateAtSixtyFourBits) {
+    EXPECT_EQ(NSString("5000000000").integerValue(), 5000000000);
+    EXPECT_EQ(NSString("9223372036854775807").integerValue(), INT64_MAX);
+    EXPECT_EQ(NSString("9223372036854775808").longLongValue(), INT64_MAX);
+    EXPECT_EQ(NSString("18446744073709551617").longLongValue(), INT64_MAX);
+    EXPECT_EQ(NSString("-9223372036854775808").integerValue(), INT64_MIN);
+    EXPECT_EQ(NSString("-9223372036854775809").integerValue(), INT64_MIN);
+    EXPECT_EQ(NSString("000000000000000000000000000012").integerValue(), 12);
+}
+
+TEST(NSStringNumericViews, doublesAreRoundedCorrectly) {
+    const struct {
+        const char* text;
+        double value;
+    } rows[] = {
+        {"0.1", 0.1},
+        {"9007199254740993", 9007199254740992.0},
+        {"9007199254740993.00000000000000000000000000000000000001", 9007199254740994.0},
+        {"1.7976931348623157e308", 1.7976931348623157e308},
+        {"4.9406564584124654e-324", 4.9406564584124654e-324},
+        {"2.2250738585072011e-308", 2.2250738585072011e-308},
+        {"123456789012345678901234567890", 123456789012345678901234567890.0},
+        {"0.000000000000000000000000000000000000000000001", 1e-45},
+        {"100000000000000000000000e-23", 1.0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(NSString(row.text).doubleValue(), row.value) << row.text;
+    }
+    EXPECT_TRUE(std::signbit(NSString("-0").doubleValue()));
+    EXPECT_TRUE(std::signbit(NSString("-1e-400").doubleValue()));
+}
+
+TEST(NSStringNumericViews, longDigitsAreReadToTheirEnd) {
+    const std::string zeros(100000, '0');
+    EXPECT_EQ(NSString(zeros + "7").intValue(), 7);
+    EXPECT_EQ(NSString(zeros + "7").doubleValue(), 7);
+    EXPECT_EQ(NSString("0." + zeros + "1e100001").doubleValue(), 1);
+    EXPECT_EQ(NSString("1" + zeros + "e-100000").doubleValue(), 1);
+    EXPECT_EQ(NSString("1" + zeros).doubleValue(), infinity);
+}
+
+TEST(NSStringNumericViews, floatsAreDoublesRoundedToSingle) {
+    EXPECT_EQ(NSString("2.5kg").floatValue(), 2.5F);
+    EXPECT_EQ(NSString("0.1").floatValue(), 0.1F);
+    EXPECT_EQ(NSString("16777217").floatValue(), 16777216.0F);
+    EXPECT_EQ(NSString("1e39").floatValue(), std::numeric_limits<float>::infinity());
+    EXPECT_EQ(NSString("-1e39").floatValue(), -std::numeric_limits<float>::infinity());
+    EXPECT_EQ(NSString("abc").floatValue(), 0.0F);
+}
+
+/// Sets a locale with a decimal comma for the time of a test.
+class DecimalCommaLocale {
+public:
+    DecimalCommaLocale() : saved_(std::setlocale(LC_ALL, nullptr)) {
+        isSet_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    }
+    DecimalCommaLocale(const DecimalCommaLocale&) = delete;
+    DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;
+    ~DecimalCommaLocale() { std::setlocale(LC_ALL, saved_.c_str()); }
+    bool isSet() const { return isSet_ && *std::localeconv()->decimal_point == ','; }
+
+private:
+    std::string saved_;
+    bool isSet_ = false;
+};
+
+TEST(NSStringNumericViews, doNotFollowTheLocale) {
+    const DecimalCommaLocale locale;
+    if (!locale.isSet()) {
+        GTEST_SKIP() << "no locale with a decimal comma on this machine";
+    }
+    EXPECT_EQ(NSString("2.5").doubleValue(), 2.5);
+    EXPECT_EQ(NSString("2,5").doubleValue(), 2);
+    EXPECT_EQ(shown(2.5), "2.5");
+    EXPECT_EQ(shown(2.5F), "2.5");
+    EXPECT_EQ(NSString("i").uppercaseString(), "I");
+}
+
+// MARK: Builders
+
+TEST(NSMutableString, buildsPieceByPieceInAnyForm) {
+    NSMutableString builder;
+    EXPECT_EQ(builder.length(), 0U);
+    builder.appendString("ab");
+    builder.appendString(nullptr);
+    builder.appendString("");
+    builder.appendCharacter(u'c');
+    EXPECT_EQ(builder.length(), 3U);
+    builder.appendString("\u00e9");
+    builder.appendString(u"d\u20ac");
+    builder.appendString(NSString("e"));
+    builder.appendCharacter(0);
+    builder.appendFormat("%d-%@", 7, "x");
+    EXPECT_EQ(builder.length(), 11U);
+    EXPECT_EQ(builder.string().utf16(), u"abc\u00e9d\u20ace\0"
+                                        u"7-x"sv);
+}
+
+TEST(NSMutableString, isEmptyOnceTheTextIsHandedOver) {
+    NSMutableString builder("start");
+    EXPECT_EQ(builder.string(), "start");
+    EXPECT_EQ(builder.length(), 0U);
+    EXPECT_EQ(builder.string(), "");
+    builder.appendString("again");
+    EXPECT_EQ(builder.string(), "again");
+}
+
+TEST(NSMutableString, movesWithItsText) {
+    NSMutableString first("one");
+    NSMutableString second(std::move(first));
+    second.appendString("-two");
+    NSMutableString third;
+    third.appendString("dropped");
+    third = std::move(second);
+    EXPECT_EQ(third.string(), "one-two");
+    static_assert(!std::is_copy_constructible_v<NSMutableString>);
+}
+
+TEST(NSMutableString, handsALongTextOverWithoutACopy) {
+    const std::string piece(1000, 'x');
+    for (const char* last : {"", "\u00e9"}) {
+        NSMutableString builder;
+        for (int i = 0; i < 1000; ++i) {
+            builder.appendString(piece);
+        }
+        builder.appendString(last);
+        const std::size_t expected = builder.length();
+        const std::size_t before = AllocationCount::now();
+        const NSString text = builder.string();
+        const std::size_t after = AllocationCount::now();
+        EXPECT_EQ(after, before);
+        EXPECT_EQ(text.length(), expected);
+    }
+}
+
+TEST(NSMutableString, aTextThatOnlyPassedThroughUnitsEqualsItsAsciiForm) {
+    NSMutableString builder;
+    builder.appendString(u"abc");
+    builder.appendCharacter(u'd');
+    const NSString text = builder.string();
+    EXPECT_EQ(text, "abcd");
+    EXPECT_EQ(text.hash(), NSString("abcd").hash());
+    EXPECT_EQ((NSDictionary{{text, 1}}).objectForKey("abcd"), 1);
+}
+
+} // namespace
