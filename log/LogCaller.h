@@ -14,14 +14,28 @@ namespace detail {
 /// The own name of an instance's class: of the most derived one for a polymorphic class.
 ZQFOUNDATION_EXPORT NSString classNameOfType(const std::type_info& type);
 
+/// What a line needs of an instance, asked only when the line is made.
+struct InstanceQueries {
+    NSString (*className)(const void*);
+    const void* (*wholeObject)(const void*); ///< where the most derived object starts
+};
+
 template <class T>
-NSString instanceClassName(const void* instance) {
-    if constexpr (std::is_polymorphic_v<T>) {
-        return classNameOfType(typeid(*static_cast<const T*>(instance)));
-    } else {
-        return StringView(TypeName<T>::bytes, TypeName<T>::length);
-    }
-}
+inline constexpr InstanceQueries instanceQueries{
+    [](const void* instance) -> NSString {
+        if constexpr (std::is_polymorphic_v<T>) {
+            return classNameOfType(typeid(*static_cast<const T*>(instance)));
+        } else {
+            return StringView(TypeName<T>::bytes, TypeName<T>::length);
+        }
+    },
+    [](const void* instance) -> const void* {
+        if constexpr (std::is_polymorphic_v<T>) {
+            return dynamic_cast<const void*>(static_cast<const T*>(instance));
+        } else {
+            return instance;
+        }
+    }};
 
 } // namespace detail
 
@@ -50,7 +64,7 @@ public:
             form_ = Form::value;
         } else {
             address_ = instance;
-            className_ = &detail::instanceClassName<T>;
+            queries_ = &detail::instanceQueries<T>;
             form_ = Form::instance;
         }
     }
@@ -63,11 +77,12 @@ public:
     const NSObjectProtocol& host() const noexcept { return *static_cast<const NSObjectProtocol*>(address_); }
 
     /// Only for `instance`.
-    NSString instanceClassName() const { return className_(address_); }
+    NSString instanceClassName() const { return queries_->className(address_); }
+    const void* wholeInstance() const { return queries_->wholeObject(address_); }
 
 private:
     const void* address_ = nullptr;
-    NSString (*className_)(const void*) = nullptr;
+    const detail::InstanceQueries* queries_ = nullptr;
     Form form_ = Form::absent;
 };
 

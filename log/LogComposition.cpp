@@ -2,7 +2,7 @@
 #include "log/LogComposition.h"
 
 #include "foundation/objects/DynamicTypeName.h"
-#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Format.h"
 #include "foundation/text/NumberText.h"
 #include "log/ZQLog.h"
@@ -53,7 +53,7 @@ void appendClass(TextBuilder& out, const NSString& className, StringView method)
 /// Where a value stands: its shared body or host object; for a value that lives in its handle, the handle.
 const void* addressOf(const NSObject& value) noexcept {
     if (const NSObjectProtocol* const host = value.hostObject()) {
-        return host;
+        return dynamic_cast<const void*>(host);
     }
     return Access::kind(value) >= Kind::string ? static_cast<const void*>(Access::body(value)) : &value;
 }
@@ -78,10 +78,10 @@ void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView me
         appendInstance(out, nullptr, caller.address(), method);
         break;
     case LogCaller::Form::instance:
-        appendInstance(out, caller.instanceClassName(), caller.address(), method);
+        appendInstance(out, caller.instanceClassName(), caller.wholeInstance(), method);
         break;
     case LogCaller::Form::host:
-        appendInstance(out, caller.host().className(), caller.address(), method);
+        appendInstance(out, caller.host().className(), dynamic_cast<const void*>(&caller.host()), method);
         break;
     case LogCaller::Form::value:
         appendValueCaller(out, caller.value(), method);
@@ -114,34 +114,15 @@ void appendCaller(TextBuilder& out, const CallerReference& caller) {
     out.appendAscii(' ');
 }
 
-void appendNumber(TextBuilder& out, std::int64_t number) {
-    char digits[numberTextCapacity];
-    out.appendAscii(digits, static_cast<std::size_t>(writeInt64(number, digits) - digits));
-}
-
-/// The label of the conditions of one key or none; those of several keys have written theirs already.
-void appendLabel(TextBuilder& out, const TraceCondition& condition) {
-    switch (condition.kind) {
-    case TraceCondition::Kind::always:
+void appendLabel(TextBuilder& out, const TraceLabel& label) {
+    if (!label.text) {
         return;
-    case TraceCondition::Kind::key:
-        out.append(condition.name);
-        break;
-    case TraceCondition::Kind::value:
-        out.append(condition.name);
-        out.appendAscii('=');
-        appendNumber(out, condition.number);
-        break;
-    case TraceCondition::Kind::threshold:
-        out.append(condition.name);
-        out.appendLiteral(">=");
-        appendNumber(out, condition.number);
-        break;
-    case TraceCondition::Kind::anyKey:
-        out.appendLiteral("Trace");
-        break;
-    default:
-        break;
+    }
+    out.append(label.text);
+    if (label.relation) {
+        char digits[numberTextCapacity];
+        out.append(label.relation);
+        out.appendAscii(digits, static_cast<std::size_t>(writeInt64(label.number, digits) - digits));
     }
     out.appendLiteral(": ");
 }
@@ -157,13 +138,10 @@ NSString composedText(const CallerReference& caller, StringView text) {
     return line.string();
 }
 
-NSString composedMessage(const CallerReference& caller, const TraceCondition& condition, StringView format,
+NSString composedMessage(const CallerReference& caller, const TraceLabel& label, StringView format,
                          ArgumentList arguments) {
     TextBuilder line;
-    if (!traceConditionHolds(condition, line)) {
-        return {};
-    }
-    appendLabel(line, condition);
+    appendLabel(line, label);
     appendCaller(line, caller);
     appendFormat(line, format, arguments);
     return line.string();
@@ -171,7 +149,8 @@ NSString composedMessage(const CallerReference& caller, const TraceCondition& co
 
 } // namespace detail
 
-NSString ZQLog::objectiveCMethodDescriptionStringForCaller_method(const LogCaller& caller, StringView method) {
+NSString ZQLog::objectiveCMethodDescriptionStringForCaller_method(const LogCaller& caller,
+                                                                  StringView method) {
     detail::TextBuilder description;
     detail::appendMethodCaller(description, caller, method);
     return description.string();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "foundation/objects/NSDictionary.h"
+#include "foundation/objects/TextBuilder.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "foundation/system/Lock.h"
 #include "log/ZQLog.h"
@@ -17,8 +18,8 @@ namespace {
 /// The monitor of the ZQLog class. It guards the trace keys and nothing else.
 constinit Lock monitor;
 
-/// What one reading of the user defaults gave. Replaced as a whole, by one store, so that a forked child never sees
-/// half of a reading.
+/// What one reading of the user defaults gave. Replaced as a whole, by one store, so that a forked child
+/// never sees half of a reading.
 struct TraceSnapshot {
     NSDictionary traceDefaultsDict;
     NSArray activatedTraceDefaultsKeys;
@@ -27,8 +28,8 @@ struct TraceSnapshot {
 
 constinit TraceSnapshot* currentSnapshot = nullptr;
 
-/// Replaced snapshots outlive some more readings: a host that re-reads outside the monitor may still have a reader
-/// in the old one.
+/// Replaced snapshots outlive some more readings: a host that re-reads outside the monitor may still have a
+/// reader in the old one.
 constexpr std::uint32_t retiredCount = 16;
 constinit TraceSnapshot* retired[retiredCount] = {};
 constinit std::uint32_t nextRetired = 0;
@@ -75,7 +76,32 @@ bool isOn(const TraceSnapshot& snapshot, const NSObject& key) {
     return name && snapshot.traceDefaultsDict.boolForKey(name);
 }
 
-bool anyIsOn(const TraceSnapshot& snapshot, const NSArray& keys, TextBuilder& label) {
+} // namespace
+
+bool traceKeyHolds(StringView key) {
+    const Guard guard(monitor);
+    return snapshotInMonitor().traceDefaultsDict.boolForKey(key);
+}
+
+bool traceLevelEquals(StringView key, std::int64_t value) {
+    const Guard guard(monitor);
+    return snapshotInMonitor().traceDefaultsDict.integerForKey(key) == value;
+}
+
+bool traceLevelReaches(StringView key, std::int64_t threshold) {
+    const Guard guard(monitor);
+    return snapshotInMonitor().traceDefaultsDict.integerForKey(key) >= threshold;
+}
+
+bool anyTraceKeyHolds() {
+    const Guard guard(monitor);
+    return snapshotInMonitor().aTraceDefaultValueHasBeenActivated;
+}
+
+NSString labelOfAnyTraceKey(const NSArray& keys) {
+    const Guard guard(monitor);
+    const TraceSnapshot& snapshot = snapshotInMonitor();
+    TextBuilder label;
     bool found = false;
     for (const NSObject& key : keys) {
         if (isOn(snapshot, key)) {
@@ -86,15 +112,17 @@ bool anyIsOn(const TraceSnapshot& snapshot, const NSArray& keys, TextBuilder& la
             found = true;
         }
     }
-    return found;
+    return found ? label.string() : NSString();
 }
 
-/// Deliberately false for no keys at all.
-bool allAreOn(const TraceSnapshot& snapshot, const NSArray& keys, TextBuilder& label) {
+NSString labelOfAllTraceKeys(const NSArray& keys) {
+    const Guard guard(monitor);
+    const TraceSnapshot& snapshot = snapshotInMonitor();
+    TextBuilder label;
     bool isFirst = true;
     for (const NSObject& key : keys) {
         if (!isOn(snapshot, key)) {
-            return false;
+            return {};
         }
         if (!isFirst) {
             label.appendAscii('+');
@@ -102,31 +130,7 @@ bool allAreOn(const TraceSnapshot& snapshot, const NSArray& keys, TextBuilder& l
         label.append(key.as<NSString>());
         isFirst = false;
     }
-    return !isFirst;
-}
-
-} // namespace
-
-bool traceConditionHolds(const TraceCondition& condition, TextBuilder& label) {
-    if (condition.kind == TraceCondition::Kind::always) {
-        return true;
-    }
-    const Guard guard(monitor);
-    const TraceSnapshot& snapshot = snapshotInMonitor();
-    switch (condition.kind) {
-    case TraceCondition::Kind::key:
-        return snapshot.traceDefaultsDict.boolForKey(condition.name);
-    case TraceCondition::Kind::value: // a missing key has level 0, which is a level like any other
-        return snapshot.traceDefaultsDict.integerForKey(condition.name) == condition.number;
-    case TraceCondition::Kind::threshold:
-        return snapshot.traceDefaultsDict.integerForKey(condition.name) >= condition.number;
-    case TraceCondition::Kind::anyOf:
-        return anyIsOn(snapshot, *condition.names, label);
-    case TraceCondition::Kind::allOf:
-        return allAreOn(snapshot, *condition.names, label);
-    default:
-        return snapshot.aTraceDefaultValueHasBeenActivated;
-    }
+    return isFirst ? NSString() : label.string();
 }
 
 } // namespace detail
@@ -142,10 +146,7 @@ void ZQLog::initializeTraceDefaultsDict() {
     }
 }
 
-bool ZQLog::traceKeyIsEnabled(StringView key) {
-    const Guard guard(detail::monitor);
-    return detail::snapshotInMonitor().traceDefaultsDict.boolForKey(key);
-}
+bool ZQLog::traceKeyIsEnabled(StringView key) { return detail::traceKeyHolds(key); }
 
 NSArray ZQLog::activatedTraceDefaultsKeys() {
     const Guard guard(detail::monitor);
@@ -154,10 +155,7 @@ NSArray ZQLog::activatedTraceDefaultsKeys() {
 
 NSArray ZQLog::activatedTraceDefaultKeys() { return activatedTraceDefaultsKeys(); }
 
-bool ZQLog::aTraceDefaultValueHasBeenActivated() {
-    const Guard guard(detail::monitor);
-    return detail::snapshotInMonitor().aTraceDefaultValueHasBeenActivated;
-}
+bool ZQLog::aTraceDefaultValueHasBeenActivated() { return detail::anyTraceKeyHolds(); }
 
 ZQLog::Synchronized::Synchronized() noexcept { detail::monitor.lock(); }
 

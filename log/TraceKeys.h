@@ -4,36 +4,28 @@
 #define ZQFOUNDATION_LOG_TRACEKEYS_H
 
 #include "foundation/objects/NSArray.h"
-#include "foundation/objects/TextBuilder.h"
 
 namespace ZQFoundation::detail {
 
-/// When a line is to appear.
-struct TraceCondition {
-    enum class Kind : unsigned char { always, key, value, threshold, anyOf, allOf, anyKey };
+// The trace conditions. Each is judged under the monitor of ZQLog, which reads the trace keys first if need
+// be.
 
-    static TraceCondition always() noexcept { return {Kind::always, {}, nullptr, 0}; }
-    static TraceCondition key(StringView name) noexcept { return {Kind::key, name, nullptr, 0}; }
-    static TraceCondition keyWithValue(StringView name, std::int64_t value) noexcept {
-        return {Kind::value, name, nullptr, value};
-    }
-    static TraceCondition keyWithThreshold(StringView name, std::int64_t threshold) noexcept {
-        return {Kind::threshold, name, nullptr, threshold};
-    }
-    static TraceCondition anyKeyOf(const NSArray& names) noexcept { return {Kind::anyOf, {}, &names, 0}; }
-    static TraceCondition allKeysOf(const NSArray& names) noexcept { return {Kind::allOf, {}, &names, 0}; }
-    static TraceCondition anyKey() noexcept { return {Kind::anyKey, {}, nullptr, 0}; }
+/// Whether the key's truth is YES.
+bool traceKeyHolds(StringView key);
 
-    Kind kind;
-    StringView name;
-    const NSArray* names;
-    std::int64_t number; ///< the value or the threshold
-};
+/// A missing key has level 0, which is a level like any other.
+bool traceLevelEquals(StringView key, std::int64_t value);
+bool traceLevelReaches(StringView key, std::int64_t threshold);
 
-/// Judges the condition under the monitor of ZQLog, reading the trace keys first if need be. Those of several keys
-/// write their label on the way, so that it names what was true at that moment; what they leave in `label` when
-/// they do not hold means nothing.
-bool traceConditionHolds(const TraceCondition& condition, TextBuilder& label);
+/// Whether any trace key at all is active.
+bool anyTraceKeyHolds();
+
+/// The keys that are on, joined with "/"; nil when none is. What is joined was true at one and the same
+/// moment.
+NSString labelOfAnyTraceKey(const NSArray& keys);
+
+/// All keys joined with "+"; nil when one is off, and deliberately for no keys at all.
+NSString labelOfAllTraceKeys(const NSArray& keys);
 
 } // namespace ZQFoundation::detail
 

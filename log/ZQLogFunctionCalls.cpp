@@ -2,12 +2,13 @@
 #include "log/ZQLogFunctionCalls.h"
 
 #include "log/LogComposition.h"
+#include "log/TraceKeys.h"
 #include "log/ZQLog.h"
 
 namespace ZQFoundation {
 
 using detail::CallerReference;
-using detail::TraceCondition;
+using detail::TraceLabel;
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_log(const char* functionName, bool logAlways,
                                                        StringView text) {
@@ -27,8 +28,8 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringWithFormatv_argu
     if (!logAlways || !format) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceCondition::always(),
-                                   format, arguments);
+    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceLabel::none(), format,
+                                   arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName,
@@ -42,11 +43,11 @@ void ZQLogFunctionCalls::logFunctionName_logAlways_logWithFormatv_arguments(cons
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_usingFormatv_arguments(
     const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceKeyHolds(key)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceCondition::key(key),
-                                   format, arguments);
+    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceLabel::key(key), format,
+                                   arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(
@@ -60,11 +61,11 @@ void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_usingFormatv_a
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
     const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
     ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceLevelEquals(key, value)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofFunction(functionName),
-                                   TraceCondition::keyWithValue(key, value), format, arguments);
+    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceLabel::value(key, value),
+                                   format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
@@ -80,11 +81,11 @@ void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_value_usingFor
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
     const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
     ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceLevelReaches(key, threshold)) {
         return {};
     }
     return detail::composedMessage(CallerReference::ofFunction(functionName),
-                                   TraceCondition::keyWithThreshold(key, threshold), format, arguments);
+                                   TraceLabel::threshold(key, threshold), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
@@ -103,8 +104,12 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyOf
     if (!logAlways || !format || !keys) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceCondition::anyKeyOf(keys),
-                                   format, arguments);
+    const NSString label = detail::labelOfAnyTraceKey(keys);
+    if (!label) {
+        return {};
+    }
+    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceLabel::key(label), format,
+                                   arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
@@ -123,8 +128,12 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAllTraceKeysO
     if (!logAlways || !format || !keys) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceCondition::allKeysOf(keys),
-                                   format, arguments);
+    const NSString label = detail::labelOfAllTraceKeys(keys);
+    if (!label) {
+        return {};
+    }
+    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceLabel::key(label), format,
+                                   arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
@@ -139,11 +148,11 @@ void ZQLogFunctionCalls::logFunctionName_logAlways_logForAllTraceKeysOf_usingFor
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
     const char* functionName, bool logAlways, StringView format, ArgumentList arguments) {
-    if (!logAlways || !format) {
+    if (!logAlways || !format || !detail::anyTraceKeyHolds()) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceCondition::anyKey(),
-                                   format, arguments);
+    return detail::composedMessage(CallerReference::ofFunction(functionName), TraceLabel::anyKey(), format,
+                                   arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(

@@ -39,7 +39,7 @@ public:
     static void logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName, bool logAlways,
                                                                    StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil,.
+    /// Returns the text, or nil.
     template <class... Arguments>
     static NSString
     logFunctionName_logAlways_logStringWithFormat(const char* functionName, bool logAlways,

@@ -2,12 +2,13 @@
 #include "log/ZQLogMethodCalls.h"
 
 #include "log/LogComposition.h"
+#include "log/TraceKeys.h"
 #include "log/ZQLog.h"
 
 namespace ZQFoundation {
 
 using detail::CallerReference;
-using detail::TraceCondition;
+using detail::TraceLabel;
 
 void ZQLogMethodCalls::logSelf_method_logAlways_log(const LogCaller& self, StringView method, bool logAlways,
                                                     StringView text) {
@@ -27,7 +28,7 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringWithFormatv_argumen
     if (!logAlways || !format) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceCondition::always(), format,
+    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceLabel::none(), format,
                                    arguments);
 }
 
@@ -44,10 +45,10 @@ void ZQLogMethodCalls::logSelf_method_logAlways_logWithFormatv_arguments(const L
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView key, StringView format,
     ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceKeyHolds(key)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceCondition::key(key), format,
+    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceLabel::key(key), format,
                                    arguments);
 }
 
@@ -63,11 +64,11 @@ void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_usingFormatv_argu
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
     StringView format, ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceLevelEquals(key, value)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofMethod(self, method),
-                                   TraceCondition::keyWithValue(key, value), format, arguments);
+    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceLabel::value(key, value),
+                                   format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
@@ -83,11 +84,11 @@ void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_value_usingFormat
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
     StringView format, ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceLevelReaches(key, threshold)) {
         return {};
     }
     return detail::composedMessage(CallerReference::ofMethod(self, method),
-                                   TraceCondition::keyWithThreshold(key, threshold), format, arguments);
+                                   TraceLabel::threshold(key, threshold), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
@@ -106,8 +107,12 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyOf_us
     if (!logAlways || !format || !keys) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceCondition::anyKeyOf(keys),
-                                   format, arguments);
+    const NSString label = detail::labelOfAnyTraceKey(keys);
+    if (!label) {
+        return {};
+    }
+    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceLabel::key(label), format,
+                                   arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
@@ -126,8 +131,12 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAllTraceKeysOf_u
     if (!logAlways || !format || !keys) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceCondition::allKeysOf(keys),
-                                   format, arguments);
+    const NSString label = detail::labelOfAllTraceKeys(keys);
+    if (!label) {
+        return {};
+    }
+    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceLabel::key(label), format,
+                                   arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
@@ -142,10 +151,10 @@ void ZQLogMethodCalls::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormat
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments) {
-    if (!logAlways || !format) {
+    if (!logAlways || !format || !detail::anyTraceKeyHolds()) {
         return {};
     }
-    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceCondition::anyKey(), format,
+    return detail::composedMessage(CallerReference::ofMethod(self, method), TraceLabel::anyKey(), format,
                                    arguments);
 }
 

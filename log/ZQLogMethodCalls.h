@@ -42,7 +42,7 @@ public:
                                                                   bool logAlways, StringView format,
                                                                   ArgumentList arguments);
 
-    /// Returns the text, or nil,.
+    /// Returns the text, or nil.
     template <class... Arguments>
     static NSString
     logSelf_method_logAlways_logStringWithFormat(const LogCaller& self, StringView method, bool logAlways,

@@ -2,19 +2,20 @@
 #include "log/ZQLogPlainCalls.h"
 
 #include "log/LogComposition.h"
+#include "log/TraceKeys.h"
 #include "log/ZQLog.h"
 
 namespace ZQFoundation {
 
 using detail::CallerReference;
-using detail::TraceCondition;
+using detail::TraceLabel;
 
 NSString ZQLogPlainCalls::logAlways_logStringWithFormatv_arguments(bool logAlways, StringView format,
                                                                    ArgumentList arguments) {
     if (!logAlways || !format) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::always(), format, arguments);
+    return detail::composedMessage(CallerReference::none(), TraceLabel::none(), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logWithFormatv_arguments(bool logAlways, StringView format,
@@ -29,10 +30,10 @@ NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormatv_arguments(
                                                                                 StringView key,
                                                                                 StringView format,
                                                                                 ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceKeyHolds(key)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::key(key), format, arguments);
+    return detail::composedMessage(CallerReference::none(), TraceLabel::key(key), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
@@ -46,11 +47,10 @@ void ZQLogPlainCalls::logAlways_logForTraceKey_usingFormatv_arguments(bool logAl
 
 NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_value_usingFormatv_arguments(
     bool logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceLevelEquals(key, value)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::keyWithValue(key, value), format,
-                                   arguments);
+    return detail::composedMessage(CallerReference::none(), TraceLabel::value(key, value), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormatv_arguments(bool logAlways, StringView key,
@@ -65,11 +65,11 @@ void ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormatv_arguments(bool
 
 NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
     bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments) {
-    if (!logAlways || !format || !key) {
+    if (!logAlways || !format || !key || !detail::traceLevelReaches(key, threshold)) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::keyWithThreshold(key, threshold),
-                                   format, arguments);
+    return detail::composedMessage(CallerReference::none(), TraceLabel::threshold(key, threshold), format,
+                                   arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormatv_arguments(
@@ -87,8 +87,11 @@ NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormatv_argum
     if (!logAlways || !format || !keys) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::anyKeyOf(keys), format,
-                                   arguments);
+    const NSString label = detail::labelOfAnyTraceKey(keys);
+    if (!label) {
+        return {};
+    }
+    return detail::composedMessage(CallerReference::none(), TraceLabel::key(label), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
@@ -106,8 +109,11 @@ NSString ZQLogPlainCalls::logAlways_logStringForAllTraceKeysOf_usingFormatv_argu
     if (!logAlways || !format || !keys) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::allKeysOf(keys), format,
-                                   arguments);
+    const NSString label = detail::labelOfAllTraceKeys(keys);
+    if (!label) {
+        return {};
+    }
+    return detail::composedMessage(CallerReference::none(), TraceLabel::key(label), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
@@ -123,10 +129,10 @@ void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool
 NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(bool logAlways,
                                                                                   StringView format,
                                                                                   ArgumentList arguments) {
-    if (!logAlways || !format) {
+    if (!logAlways || !format || !detail::anyTraceKeyHolds()) {
         return {};
     }
-    return detail::composedMessage(CallerReference::none(), TraceCondition::anyKey(), format, arguments);
+    return detail::composedMessage(CallerReference::none(), TraceLabel::anyKey(), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,

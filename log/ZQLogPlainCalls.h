@@ -30,7 +30,7 @@ public:
     /// The same for a started argument list.
     static void logAlways_logWithFormatv_arguments(bool logAlways, StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil,.
+    /// Returns the text, or nil.
     template <class... Arguments>
     static NSString logAlways_logStringWithFormat(bool logAlways,
                                                   FormatString<std::type_identity_t<Arguments>...> format,

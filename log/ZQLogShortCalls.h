@@ -29,7 +29,7 @@ public:
     /// The same for a started argument list.
     static void logWithFormatv_arguments(StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil,.
+    /// Returns the text, or nil.
     template <class... Arguments>
     static NSString logStringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                         const Arguments&... arguments) {

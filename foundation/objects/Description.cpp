@@ -8,7 +8,7 @@
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation {
 

@@ -5,15 +5,13 @@
 
 namespace ZQFoundation::detail {
 
-std::uint64_t tableSeed() noexcept {
+constinit std::uint64_t drawnTableSeed = 0;
+
+std::uint64_t drawTableSeed() noexcept {
     // Two threads may both store it: they store the same number.
-    static constinit std::uint64_t seed = 0;
-    std::uint64_t known = __atomic_load_n(&seed, __ATOMIC_RELAXED);
-    if (known == 0) {
-        known = system::randomNumber() | 1;
-        __atomic_store_n(&seed, known, __ATOMIC_RELAXED);
-    }
-    return known;
+    const std::uint64_t seed = system::randomNumber() | 1;
+    __atomic_store_n(&drawnTableSeed, seed, __ATOMIC_RELAXED);
+    return seed;
 }
 
 } // namespace ZQFoundation::detail

@@ -41,19 +41,32 @@ inline std::uint64_t shortWordAt(const char* bytes, std::size_t count) noexcept 
     return at(0) | at(count / 2) << 8 | at(count - 1) << 16;
 }
 
-inline std::uint64_t hashBytes(const void* data, std::size_t count, std::uint64_t seed) noexcept {
+/// `seen` gathers all bits of all bytes, for callers who must know whether the bytes are ASCII.
+inline std::uint64_t hashBytes(const char* bytes, std::size_t count, std::uint64_t seed,
+                               std::uint64_t& seen) noexcept {
     constexpr std::uint64_t stepFactor = 0x9E6C63D0876A9A47U;
     constexpr std::uint64_t lastFactor = 0xE7037ED1A0B428DBU;
-    const char* const bytes = static_cast<const char*>(data);
     std::uint64_t hash = seed ^ (count * 0xD6E8FEB86659FD93U);
     if (count < 8) {
-        return mixed(hash ^ shortWordAt(bytes, count), lastFactor);
+        const std::uint64_t word = shortWordAt(bytes, count);
+        seen |= word;
+        return mixed(hash ^ word, lastFactor);
     }
     for (std::size_t i = 0; i + 8 < count; i += 8) {
+        seen |= wordAt(bytes + i);
         hash = mixed(hash ^ wordAt(bytes + i), stepFactor);
     }
-    return mixed(hash ^ wordAt(bytes + count - 8), lastFactor);
+    const std::uint64_t last = wordAt(bytes + count - 8);
+    seen |= last;
+    return mixed(hash ^ last, lastFactor);
 }
+
+inline std::uint64_t hashBytes(const void* data, std::size_t count, std::uint64_t seed) noexcept {
+    std::uint64_t seen = 0;
+    return hashBytes(static_cast<const char*>(data), count, seed, seen);
+}
+
+inline constexpr std::uint64_t beyondAscii = 0x8080808080808080U;
 
 /// ASCII texts hash by their bytes, all others by their units: the two never equal each other.
 inline std::uint64_t hashText(const NormalizedText& text, std::uint64_t seed) noexcept {
@@ -66,7 +79,13 @@ inline std::uint64_t hashText(const NormalizedText& text, std::uint64_t seed) no
 std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
 
 /// A number drawn once per process, so that hostile keys cannot be chosen to collide.
-std::uint64_t tableSeed() noexcept;
+std::uint64_t drawTableSeed() noexcept;
+
+inline std::uint64_t tableSeed() noexcept {
+    extern std::uint64_t drawnTableSeed;
+    const std::uint64_t seed = __atomic_load_n(&drawnTableSeed, __ATOMIC_RELAXED);
+    return seed != 0 ? seed : drawTableSeed();
+}
 
 } // namespace ZQFoundation::detail
 

@@ -75,6 +75,15 @@ TableBody* rebuilt(TableBody* old, std::size_t capacity) {
 
 bool equalKeys(const NSObject& stored, const NSObject& key) { return stored.isEqual(key); }
 
+bool equalsAscii(const NSObject& stored, StringView text) noexcept {
+    if (Access::kind(stored) != Kind::string) {
+        return false;
+    }
+    const StringBody& body = *Access::string(stored);
+    return body.isAscii && body.length == text.size() &&
+           std::memcmp(body.ascii(), text.bytes(), text.size()) == 0;
+}
+
 bool equalsText(const NSObject& stored, const NormalizedText& text) noexcept {
     if (Access::kind(stored) != Kind::string) {
         return false;
@@ -117,6 +126,13 @@ NSDictionaryEntry* findKey(TableBody& table, const NSObject& key) {
 NSDictionaryEntry* findText(TableBody& table, StringView key) {
     if (!key || table.count == 0) {
         return nullptr;
+    }
+    if (key.form() != StringView::Form::utf16) { // mostly a literal, and ASCII: hashed and judged in one pass
+        std::uint64_t seen = 0;
+        const std::uint64_t hash = hashBytes(key.bytes(), key.size(), tableSeed(), seen);
+        if ((seen & beyondAscii) == 0) {
+            return find(table, hash, [&](const NSObject& stored) { return equalsAscii(stored, key); });
+        }
     }
     const NormalizedText text(key);
     return find(table, hashText(text, tableSeed()),

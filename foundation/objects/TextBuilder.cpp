@@ -15,8 +15,6 @@ constexpr std::size_t largestText = static_cast<std::size_t>(1) << 61;
 
 } // namespace
 
-TextBuilder::~TextBuilder() { ::operator delete(body_); }
-
 void TextBuilder::reset() noexcept {
     data_ = inline_;
     length_ = 0;

@@ -4,6 +4,7 @@
 #define ZQFOUNDATION_OBJECTS_TEXTBUILDER_H
 
 #include <cstring>
+#include <new>
 
 #include "foundation/objects/Bodies.h"
 
@@ -16,7 +17,11 @@ public:
     TextBuilder() noexcept = default;
     TextBuilder(const TextBuilder&) = delete;
     TextBuilder& operator=(const TextBuilder&) = delete;
-    ~TextBuilder();
+    ~TextBuilder() {
+        if (body_ != nullptr) {
+            ::operator delete(body_);
+        }
+    }
 
     /// Units.
     std::size_t length() const noexcept { return length_; }

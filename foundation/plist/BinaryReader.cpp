@@ -151,7 +151,8 @@ private:
             if (slot.state == Slot::open) {
                 return fail("A container holds itself", level.references);
             }
-            // A container that is not read yet becomes the innermost level; this one comes back to it afterwards.
+            // A container that is not read yet becomes the innermost level; this one comes back to it
+            // afterwards.
             if (slot.state == Slot::unread) {
                 if (!readObject(reference)) {
                     return false;
@@ -169,7 +170,8 @@ private:
     void finishLevel() {
         Level& level = open_.back();
         Slot& slot = slots_[level.index];
-        slot.value = level.isDictionary ? NSObject(level.dictionary.dictionary()) : NSObject(level.array.array());
+        slot.value =
+            level.isDictionary ? NSObject(level.dictionary.dictionary()) : NSObject(level.array.array());
         slot.state = Slot::finished;
         slot.height = level.height;
         open_.pop_back();
@@ -243,8 +245,14 @@ private:
             return fail("Values are nested too deeply", place.start);
         }
         const bool isDictionary = place.kind == dictionaryKind;
-        open_.push_back(Level{index, isDictionary, place.count, place.content, 0, 1,
-                              isDictionary ? NSMutableArray() : NSMutableArray(place.count), {}});
+        open_.push_back(Level{index,
+                              isDictionary,
+                              place.count,
+                              place.content,
+                              0,
+                              1,
+                              isDictionary ? NSMutableArray() : NSMutableArray(place.count),
+                              {}});
         slots_[index].state = Slot::open;
         return true;
     }
@@ -258,11 +266,20 @@ private:
         std::size_t unitSize = 0;
         switch (place.kind) {
         case dataKind:
-        case asciiKind: unitSize = 1; break;
-        case unitsKind: unitSize = 2; break;
-        case arrayKind: unitSize = referenceSize_; break;
-        case dictionaryKind: unitSize = 2 * referenceSize_; break;
-        default: return true;
+        case asciiKind:
+            unitSize = 1;
+            break;
+        case unitsKind:
+            unitSize = 2;
+            break;
+        case arrayKind:
+            unitSize = referenceSize_;
+            break;
+        case dictionaryKind:
+            unitSize = 2 * referenceSize_;
+            break;
+        default:
+            return true;
         }
         if (!readCount(place)) {
             return false;
@@ -285,7 +302,8 @@ private:
         }
         const std::size_t marker = place.content;
         const std::size_t length = marker < table_ ? std::size_t{1} << (bytes_[marker] & 0xF) : 0;
-        if (marker >= table_ || bytes_[marker] >> 4 != integerKind || length > 8 || length > table_ - marker - 1) {
+        if (marker >= table_ || bytes_[marker] >> 4 != integerKind || length > 8 ||
+            length > table_ - marker - 1) {
             return fail("The count of an object is malformed", place.start);
         }
         // Eight bytes are signed by rule, but no count that large fits into the file.
@@ -298,23 +316,41 @@ private:
         slot.state = Slot::finished;
         const unsigned char* content = bytes_ + place.content;
         switch (place.kind) {
-        case simpleKind: return readSimple(place, slot.value);
-        case integerKind: return readInteger(place, slot.value);
-        case realKind: return readReal(place, slot.value);
-        case dateKind: return readDate(place, slot.value);
-        case dataKind: slot.value = NSData::dataWithBytes_length(content, place.count); return true;
-        case asciiKind: slot.value = asciiString(content, place.count); return true;
-        case unitsKind: slot.value = unitString(content, place.count); return true;
-        default: return fail("The kind of an object is not known", place.start);
+        case simpleKind:
+            return readSimple(place, slot.value);
+        case integerKind:
+            return readInteger(place, slot.value);
+        case realKind:
+            return readReal(place, slot.value);
+        case dateKind:
+            return readDate(place, slot.value);
+        case dataKind:
+            slot.value = NSData::dataWithBytes_length(content, place.count);
+            return true;
+        case asciiKind:
+            slot.value = asciiString(content, place.count);
+            return true;
+        case unitsKind:
+            slot.value = unitString(content, place.count);
+            return true;
+        default:
+            return fail("The kind of an object is not known", place.start);
         }
     }
 
     bool readSimple(const ObjectPlace& place, NSObject& value) noexcept {
         switch (place.low) {
-        case 0x0: value = NSNull::null(); return true;
-        case 0x8: value = NSNumber(false); return true;
-        case 0x9: value = NSNumber(true); return true;
-        default: return fail("The kind of an object is not known", place.start);
+        case 0x0:
+            value = NSNull::null();
+            return true;
+        case 0x8:
+            value = NSNumber(false);
+            return true;
+        case 0x9:
+            value = NSNumber(true);
+            return true;
+        default:
+            return fail("The kind of an object is not known", place.start);
         }
     }
 
@@ -405,7 +441,8 @@ private:
         return NSString::stringWithCharacters_length(units.get(), count);
     }
 
-    /// Objects of an honest file do not lie over each other; some slack is left to writers that name one twice.
+    /// Objects of an honest file do not lie over each other; some slack is left to writers that name one
+    /// twice.
     static constexpr std::size_t timesTheObjects = 4;
 
     const unsigned char* bytes_;

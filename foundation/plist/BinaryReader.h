@@ -6,13 +6,13 @@
 #include "foundation/objects/NSObject.h"
 #include "foundation/plist/PropertyListError.h"
 
-/// The binary form: "bplist0" and a digit, objects, a table of their offsets, a trailer of 32 bytes; all numbers
-/// big-endian.
+/// The binary form: "bplist0" and a digit, objects, a table of their offsets, a trailer of 32 bytes; all
+/// numbers big-endian.
 ///
-/// Objects that several others refer to are read once and shared. Every offset, reference, count and size is held
-/// against the size of the file before anything is allocated for it. Objects that lie over each other, which could
-/// make a short file into a large value, are refused once they add up to several times the file. At most
-/// `maximumPropertyListDepth` levels.
+/// Objects that several others refer to are read once and shared. Every offset, reference, count and size is
+/// held against the size of the file before anything is allocated for it. Objects that lie over each other,
+/// which could make a short file into a large value, are refused once they add up to several times the file.
+/// At most `maximumPropertyListDepth` levels.
 namespace ZQFoundation::detail {
 
 /// Whether the bytes claim to be in the binary form.

@@ -13,8 +13,8 @@
 
 namespace ZQFoundation::detail {
 
-/// The arrays and dictionaries that a reader is inside of. It stands on the heap and is bounded, so no text can
-/// exhaust the thread's stack.
+/// The arrays and dictionaries that a reader is inside of. It stands on the heap and is bounded, so no text
+/// can exhaust the thread's stack.
 class ContainerStack {
 public:
     bool isEmpty() const noexcept { return open_.empty(); }

@@ -64,7 +64,8 @@ private:
     int descriptor_ = -1;
 };
 
-/// Reads until the end, wherever that is: the size may change meanwhile, and some systems show files without one.
+/// Reads until the end, wherever that is: the size may change meanwhile, and some systems show files without
+/// one.
 bool readToEnd(const OpenFile& file, std::size_t expected, FileContents& contents) {
     std::size_t capacity = expected + 1; // the last read finds the end without growing first
     contents.bytes.reset(new unsigned char[capacity]);

@@ -10,8 +10,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Strings of a text, made from its units. Keys tend to come again and again: the cache lets those that were seen
-/// lately share one string. A key that is pushed out is merely made anew.
+/// Strings of a text, made from its units. Keys tend to come again and again: the cache lets those that were
+/// seen lately share one string. A key that is pushed out is merely made anew.
 template <class Unit>
 class KeyCache {
 public:

@@ -13,9 +13,12 @@ namespace {
 
 const char* write(const NSObject& propertyList, NSPropertyListFormat format, std::string& text) {
     switch (format) {
-    case NSPropertyListOpenStepFormat: return detail::writeOldStyle(propertyList, text);
-    case NSPropertyListXMLFormat_v1_0: return detail::writeXml(propertyList, text);
-    case NSPropertyListBinaryFormat_v1_0: break;
+    case NSPropertyListOpenStepFormat:
+        return detail::writeOldStyle(propertyList, text);
+    case NSPropertyListXMLFormat_v1_0:
+        return detail::writeXml(propertyList, text);
+    case NSPropertyListBinaryFormat_v1_0:
+        break;
     }
     return "Property lists are written in the XML and the old-style form only";
 }
@@ -37,7 +40,8 @@ NSObject NSPropertyListSerialization::propertyListWithData(const NSData& data, N
 }
 
 NSData NSPropertyListSerialization::dataWithPropertyList_format(const NSObject& propertyList,
-                                                                NSPropertyListFormat format, NSString* errorText) {
+                                                                NSPropertyListFormat format,
+                                                                NSString* errorText) {
     std::string text;
     const char* refusal = write(propertyList, format, text);
     if (errorText != nullptr) {

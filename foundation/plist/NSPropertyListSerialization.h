@@ -9,9 +9,9 @@ namespace ZQFoundation {
 
 /// The forms of a property list. The numbers are the platform's.
 enum NSPropertyListFormat : int {
-    NSPropertyListOpenStepFormat = 1,       ///< old-style text: strings, data, arrays, dictionaries
-    NSPropertyListXMLFormat_v1_0 = 100,     ///< XML: all kinds
-    NSPropertyListBinaryFormat_v1_0 = 200,  ///< read only
+    NSPropertyListOpenStepFormat = 1,      ///< old-style text: strings, data, arrays, dictionaries
+    NSPropertyListXMLFormat_v1_0 = 100,    ///< XML: all kinds
+    NSPropertyListBinaryFormat_v1_0 = 200, ///< read only
 };
 
 /// Property lists as bytes: strings, numbers, dates, data, and arrays and dictionaries of them.
@@ -21,16 +21,18 @@ class ZQFOUNDATION_EXPORT NSPropertyListSerialization {
 public:
     NSPropertyListSerialization() = delete;
 
-    /// The value that the bytes hold in any of the three forms, at most 512 levels deep. Nil when they hold none;
-    /// then `*errorText`, when given, says why and where: "An array is not closed (line 3, column 5)". On success it
-    /// becomes nil.
+    /// The value that the bytes hold in any of the three forms, at most 512 levels deep. Nil when they hold
+    /// none; then `*errorText`, when given, says why and where: "An array is not closed (line 3, column 5)".
+    /// On success it becomes nil.
     static NSObject propertyListWithData(const NSData& data, NSString* errorText = nullptr);
 
-    /// The value in the XML or the old-style form. The XML form keeps everything but the fractions of a date's
-    /// second; the old-style form turns numbers, booleans and dates into strings. Keys stand in ascending order.
+    /// The value in the XML or the old-style form. The XML form keeps everything but the fractions of a
+    /// date's second; the old-style form turns numbers, booleans and dates into strings. Keys stand in
+    /// ascending order.
     ///
-    /// Nil for the binary form, and for values that a property list cannot hold: nil, the null object, a host's own
-    /// object, a set, a URL, a key that is no string, more than 512 levels, more than 2 GiB of text. Then
+    /// Nil for the binary form, and for values that a property list cannot hold: nil, the null object, a
+    /// host's own object, a set, a URL, a key that is no string, more than 512 levels, more than 2 GiB of
+    /// text. Then
     /// `*errorText`, when given, says which; on success it becomes nil.
     static NSData dataWithPropertyList_format(const NSObject& propertyList, NSPropertyListFormat format,
                                               NSString* errorText = nullptr);

@@ -103,10 +103,18 @@ private:
         while (step < Step::finished) {
             skipBlanks();
             switch (step) {
-            case Step::value: step = readValue(); break;
-            case Step::entry: step = readEntry(); break;
-            case Step::element: step = isAt(')') ? closeContainer() : Step::value; break;
-            default: step = storeValue(); break;
+            case Step::value:
+                step = readValue();
+                break;
+            case Step::entry:
+                step = readEntry();
+                break;
+            case Step::element:
+                step = isAt(')') ? closeContainer() : Step::value;
+                break;
+            default:
+                step = storeValue();
+                break;
             }
         }
         return step == Step::finished;
@@ -198,7 +206,8 @@ private:
         if (isInDictionary) {
             return failed("A dictionary's entry must end with ';'", cursor_);
         }
-        return isAt(')') ? closeContainer() : failed("An array's element must be followed by ',' or ')'", cursor_);
+        return isAt(')') ? closeContainer()
+                         : failed("An array's element must be followed by ',' or ')'", cursor_);
     }
 
     bool isAt(char character) const noexcept {
@@ -206,7 +215,9 @@ private:
     }
 
     /// Only after blanks were skipped: a "/" that is still there starts no comment.
-    bool isAtString() const noexcept { return cursor_ != end_ && (isBare(*cursor_) || isAt('"') || isAt('\'')); }
+    bool isAtString() const noexcept {
+        return cursor_ != end_ && (isBare(*cursor_) || isAt('"') || isAt('\''));
+    }
 
     void skipBlanks() noexcept {
         while (cursor_ != end_) {
@@ -217,7 +228,8 @@ private:
                 if (!skipComment()) {
                     return;
                 }
-            } else if (const std::size_t length = number < 0x80 ? 0 : separatorLength(cursor_, end_); length > 0) {
+            } else if (const std::size_t length = number < 0x80 ? 0 : separatorLength(cursor_, end_);
+                       length > 0) {
                 cursor_ += length;
             } else {
                 return;
@@ -248,7 +260,8 @@ private:
     }
 
     void skipLine() noexcept {
-        while (cursor_ != end_ && *cursor_ != '\n' && *cursor_ != '\r' && separatorLength(cursor_, end_) == 0) {
+        while (cursor_ != end_ && *cursor_ != '\n' && *cursor_ != '\r' &&
+               separatorLength(cursor_, end_) == 0) {
             ++cursor_;
         }
     }
@@ -304,7 +317,8 @@ private:
             if (!readEscape(text)) {
                 return false;
             }
-            // Only an escaped quote asks for the next one: each character is looked at once, however many escapes.
+            // Only an escaped quote asks for the next one: each character is looked at once, however many
+            // escapes.
             if (cursor_ > closing) {
                 closing = findUnit(cursor_, end_, quote);
             }

@@ -14,9 +14,10 @@
 ///     data       = "<" { hex digit, hex digit | blank } ">"
 ///     string     = one or more of A-Z a-z 0-9 _ $ / : . -  or any text in double or single quotes
 ///
-/// A text that starts with a string and goes on is a strings table: a dictionary's entries without the braces, up to
-/// the first thing that is no string; what follows there is ignored. A text of blanks and comments alone is an empty
-/// dictionary. At most `maximumPropertyListDepth` levels; time and memory grow with the length of the text.
+/// A text that starts with a string and goes on is a strings table: a dictionary's entries without the
+/// braces, up to the first thing that is no string; what follows there is ignored. A text of blanks and
+/// comments alone is an empty dictionary. At most `maximumPropertyListDepth` levels; time and memory grow
+/// with the length of the text.
 namespace ZQFoundation::detail {
 
 /// The value that the text spells, or nil and the reason. The bytes must be well-formed UTF-8.

@@ -116,8 +116,8 @@ private:
     static bool needsQuotes(std::string_view text) noexcept {
         // "//" at the start would be a comment.
         return text.empty() || text.starts_with("//") ||
-               text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_$/:.-") !=
-                   text.npos;
+               text.find_first_not_of(
+                   "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_$/:.-") != text.npos;
     }
 
     template <class Unit>
@@ -158,6 +158,8 @@ private:
 
 } // namespace
 
-const char* writeOldStyle(const NSObject& value, std::string& out) { return OldStyleWriter(out).write(value); }
+const char* writeOldStyle(const NSObject& value, std::string& out) {
+    return OldStyleWriter(out).write(value);
+}
 
 } // namespace ZQFoundation::detail

@@ -9,11 +9,12 @@
 
 namespace ZQFoundation::detail {
 
-/// Appends the value in the old-style text form, in ASCII. Returns null, or the reason why it cannot be written.
+/// Appends the value in the old-style text form, in ASCII. Returns null, or the reason why it cannot be
+/// written.
 ///
-/// The form knows strings, data, arrays and dictionaries, and those read back equal. Numbers, booleans and dates
-/// become strings, their descriptions: "1.5", "1", "2001-01-01 00:00:00 +0000". Strings are quoted where they must
-/// be; every unit beyond ASCII is written as \U and four digits, unpaired surrogates too.
+/// The form knows strings, data, arrays and dictionaries, and those read back equal. Numbers, booleans and
+/// dates become strings, their descriptions: "1.5", "1", "2001-01-01 00:00:00 +0000". Strings are quoted
+/// where they must be; every unit beyond ASCII is written as \U and four digits, unpaired surrogates too.
 ///
 /// Refused: what no property list holds, more than `maximumPropertyListDepth` levels, and a text longer than
 /// `maximumPropertyListBytes`.

@@ -25,7 +25,8 @@ bool isFurther(const PropertyListError& left, const PropertyListError& right) no
     return left.line != right.line ? left.line > right.line : left.column > right.column;
 }
 
-/// XML first, then old-style: "<0fbd77>" is data. Of two failures the one that came further tells what was meant.
+/// XML first, then old-style: "<0fbd77>" is data. Of two failures the one that came further tells what was
+/// meant.
 template <class Unit>
 NSObject readText(const Unit* text, std::size_t count, PropertyListError& error) {
     PropertyListError xmlError;
@@ -41,7 +42,8 @@ NSObject readText(const Unit* text, std::size_t count, PropertyListError& error)
     return nullptr;
 }
 
-NSObject readBytes(const unsigned char* bytes, std::size_t count, TextDecoder decoder, PropertyListError& error) {
+NSObject readBytes(const unsigned char* bytes, std::size_t count, TextDecoder decoder,
+                   PropertyListError& error) {
     PropertyListError binaryError;
     if (isBinaryPropertyList(bytes, count)) {
         if (NSObject value = readBinary(bytes, count, binaryError)) {

@@ -6,20 +6,21 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/plist/PropertyListError.h"
 
-/// Property lists in whatever form they come. Nothing here raises. `error` may be null; on failure the result is nil
-/// and `*error` says why and where.
+/// Property lists in whatever form they come. Nothing here raises. `error` may be null; on failure the result
+/// is nil and `*error` says why and where.
 ///
 /// Time and memory grow with the length of the input, hostile or not.
 namespace ZQFoundation::detail {
 
-/// The XML form, and where that fails the old-style form. A text may hold unpaired surrogates; in a `const char*`
-/// ill-formed bytes read as U+FFFD. An encoding that the text declares is not looked at.
+/// The XML form, and where that fails the old-style form. A text may hold unpaired surrogates; in a `const
+/// char*` ill-formed bytes read as U+FFFD. An encoding that the text declares is not looked at.
 NSObject parsePropertyListText(StringView text, PropertyListError* error);
 
 /// The binary form when the bytes claim it, and where that fails the text that they are.
 NSObject parsePropertyListBytes(const unsigned char* bytes, std::size_t count, PropertyListError* error);
 
-/// The same for the file of a strings table, which may also be UTF-16 without a mark, and must be a dictionary.
+/// The same for the file of a strings table, which may also be UTF-16 without a mark, and must be a
+/// dictionary.
 NSDictionary parseStringsFileBytes(const unsigned char* bytes, std::size_t count, PropertyListError* error);
 
 /// "An array is not closed (line 3, column 5)", or "(byte 40)"; nil without a failure.

@@ -187,14 +187,22 @@ bool decodeSingleBytes(std::string_view bytes, bool isWindows, DecodedText& text
 
 bool decode(std::string_view bytes, Encoding encoding, DecodedText& text, PropertyListError& error) {
     switch (encoding) {
-    case Encoding::utf8: return useUtf8(bytes, text, error);
-    case Encoding::utf16Big: return decodeUtf16(bytes, false, text, error);
-    case Encoding::utf16Little: return decodeUtf16(bytes, true, text, error);
-    case Encoding::utf32Big: return decodeUtf32(bytes, false, text, error);
-    case Encoding::utf32Little: return decodeUtf32(bytes, true, text, error);
-    case Encoding::latin1: return decodeSingleBytes(bytes, false, text);
-    case Encoding::windows1252: return decodeSingleBytes(bytes, true, text);
-    case Encoding::unknown: break;
+    case Encoding::utf8:
+        return useUtf8(bytes, text, error);
+    case Encoding::utf16Big:
+        return decodeUtf16(bytes, false, text, error);
+    case Encoding::utf16Little:
+        return decodeUtf16(bytes, true, text, error);
+    case Encoding::utf32Big:
+        return decodeUtf32(bytes, false, text, error);
+    case Encoding::utf32Little:
+        return decodeUtf32(bytes, true, text, error);
+    case Encoding::latin1:
+        return decodeSingleBytes(bytes, false, text);
+    case Encoding::windows1252:
+        return decodeSingleBytes(bytes, true, text);
+    case Encoding::unknown:
+        break;
     }
     return fail(error, "The declared text encoding is not known", 0);
 }
@@ -222,7 +230,8 @@ bool decodeText(const unsigned char* bytes, std::size_t count, DecodedText& text
     return decode(rest, marked != Encoding::unknown ? marked : declaredEncoding(rest), text, error);
 }
 
-bool decodeStringsText(const unsigned char* bytes, std::size_t count, DecodedText& text, PropertyListError& error) {
+bool decodeStringsText(const unsigned char* bytes, std::size_t count, DecodedText& text,
+                       PropertyListError& error) {
     const std::string_view whole = viewOf(bytes, count);
     std::string_view rest = whole;
     const bool isMarked = takeByteOrderMark(rest) != Encoding::unknown;

@@ -10,8 +10,9 @@
 #include "foundation/plist/PropertyListError.h"
 #include "foundation/text/Utf.h"
 
-/// What the text readers need of their two kinds of text: well-formed UTF-8 bytes, and UTF-16 units, which may hold
-/// unpaired surrogates. Working on bytes spares a file the way through units; working on units keeps every string.
+/// What the text readers need of their two kinds of text: well-formed UTF-8 bytes, and UTF-16 units, which
+/// may hold unpaired surrogates. Working on bytes spares a file the way through units; working on units keeps
+/// every string.
 namespace ZQFoundation::detail {
 
 /// The first `wanted`, an ASCII character, or `end`.
@@ -50,7 +51,8 @@ bool startsWith(const Unit* start, const Unit* end, const char (&literal)[size])
     return true;
 }
 
-/// Length of a line or paragraph separator (U+2028, U+2029) at `start`, which is not the end; 0 for anything else.
+/// Length of a line or paragraph separator (U+2028, U+2029) at `start`, which is not the end; 0 for anything
+/// else.
 inline std::size_t separatorLength(const char* start, const char* end) noexcept {
     if (*start != '\xE2' || end - start < 3 || start[1] != '\x80') {
         return 0;

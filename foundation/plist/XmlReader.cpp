@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/plist/XmlReader.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/plist/ContainerStack.h"
@@ -27,6 +30,12 @@ enum class Element : unsigned char {
     trueValue,
 };
 
+/// How an element is nearly always closed, in the order of `Element`.
+constexpr std::string_view closeTags[] = {
+    "",           "</array>", "</data>",  "</date>", "</dict>",   "</false>",
+    "</integer>", "</key>",   "</plist>", "</real>", "</string>", "</true>",
+};
+
 constexpr bool isBlank(unsigned number) noexcept {
     return number == ' ' || number == '\t' || number == '\n' || number == '\r';
 }
@@ -40,7 +49,8 @@ bool isName(const Unit* name, std::size_t length, const char (&wanted)[size]) no
 template <class Unit>
 Element elementNamed(const Unit* name, std::size_t length) noexcept {
     switch (length == 0 ? 0 : unitNumber(name[0])) {
-    case 'a': return isName(name, length, "array") ? Element::array : Element::unknown;
+    case 'a':
+        return isName(name, length, "array") ? Element::array : Element::unknown;
     case 'd':
         if (isName(name, length, "dict")) {
             return Element::dictionary;
@@ -49,14 +59,22 @@ Element elementNamed(const Unit* name, std::size_t length) noexcept {
             return Element::data;
         }
         return isName(name, length, "date") ? Element::date : Element::unknown;
-    case 'f': return isName(name, length, "false") ? Element::falseValue : Element::unknown;
-    case 'i': return isName(name, length, "integer") ? Element::integer : Element::unknown;
-    case 'k': return isName(name, length, "key") ? Element::key : Element::unknown;
-    case 'p': return isName(name, length, "plist") ? Element::plist : Element::unknown;
-    case 'r': return isName(name, length, "real") ? Element::real : Element::unknown;
-    case 's': return isName(name, length, "string") ? Element::string : Element::unknown;
-    case 't': return isName(name, length, "true") ? Element::trueValue : Element::unknown;
-    default: return Element::unknown;
+    case 'f':
+        return isName(name, length, "false") ? Element::falseValue : Element::unknown;
+    case 'i':
+        return isName(name, length, "integer") ? Element::integer : Element::unknown;
+    case 'k':
+        return isName(name, length, "key") ? Element::key : Element::unknown;
+    case 'p':
+        return isName(name, length, "plist") ? Element::plist : Element::unknown;
+    case 'r':
+        return isName(name, length, "real") ? Element::real : Element::unknown;
+    case 's':
+        return isName(name, length, "string") ? Element::string : Element::unknown;
+    case 't':
+        return isName(name, length, "true") ? Element::trueValue : Element::unknown;
+    default:
+        return Element::unknown;
     }
 }
 
@@ -111,7 +129,8 @@ private:
         if (isAtCloseTag()) {
             return fail("The property list holds no value", cursor_);
         }
-        return readOpenTag(tag) && readTree(tag, result) && skipBetweenElements() && readCloseTag(Element::plist);
+        return readOpenTag(tag) && readTree(tag, result) && skipBetweenElements() &&
+               readCloseTag(Element::plist);
     }
 
     bool skipProlog() noexcept {
@@ -236,7 +255,23 @@ private:
 
     bool isAtUnexpectedClose(const Unit* name) const noexcept { return name != end_ && *name == '/'; }
 
+    /// The usual spelling, without blanks, in one comparison.
+    bool skipCloseTag(Element element) noexcept {
+        const std::string_view tag = closeTags[static_cast<std::size_t>(element)];
+        if (static_cast<std::size_t>(end_ - cursor_) < tag.size() ||
+            !std::equal(tag.begin(), tag.end(), cursor_,
+                        [](char wanted, Unit unit) { return static_cast<Unit>(wanted) == unit; })) {
+            return false;
+        }
+        cursor_ += tag.size();
+        return true;
+    }
+
     bool readCloseTag(Element element) noexcept {
+        return skipCloseTag(element) || readUnusualCloseTag(element);
+    }
+
+    bool readUnusualCloseTag(Element element) noexcept {
         const Unit* start = cursor_;
         if (!isAtCloseTag()) {
             return fail(cursor_ == end_ ? "An element is not closed" : "The close tag is missing", cursor_);
@@ -349,10 +384,16 @@ private:
         case Element::falseValue:
             value = NSNumber(tag.element == Element::trueValue);
             return tag.isEmpty || readCloseTag(tag.element);
-        case Element::array: value = NSArray::array(); return true;
-        case Element::dictionary: value = NSDictionary::dictionary(); return true;
-        case Element::plist: return fail("A property list cannot stand inside another", tag.start);
-        default: return readNotation(tag, value);
+        case Element::array:
+            value = NSArray::array();
+            return true;
+        case Element::dictionary:
+            value = NSDictionary::dictionary();
+            return true;
+        case Element::plist:
+            return fail("A property list cannot stand inside another", tag.start);
+        default:
+            return readNotation(tag, value);
         }
     }
 
@@ -376,9 +417,12 @@ private:
                                                              : "The integer is out of range",
                         text);
         }
-        case Element::real: return readXmlReal(text, count, value) || fail("The real number is malformed", text);
-        case Element::date: return readXmlDate(text, count, value) || fail("The date is malformed", text);
-        default: return readXmlData(text, count, value) || fail("The data hold a character beyond ASCII", text);
+        case Element::real:
+            return readXmlReal(text, count, value) || fail("The real number is malformed", text);
+        case Element::date:
+            return readXmlDate(text, count, value) || fail("The date is malformed", text);
+        default:
+            return readXmlData(text, count, value) || fail("The data hold a character beyond ASCII", text);
         }
     }
 

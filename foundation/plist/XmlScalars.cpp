@@ -10,7 +10,7 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
 
@@ -33,7 +33,8 @@ const Unit* skipXmlBlanks(const Unit* text, const Unit* end) noexcept {
 
 /// The digits up to the end; at least one.
 template <class Unit>
-IntegerReading readMagnitude(const Unit* text, const Unit* end, unsigned base, std::uint64_t& magnitude) noexcept {
+IntegerReading readMagnitude(const Unit* text, const Unit* end, unsigned base,
+                             std::uint64_t& magnitude) noexcept {
     if (text == end) {
         return IntegerReading::malformed;
     }
@@ -117,7 +118,8 @@ bool readReal(const Unit* text, const Unit* end, NSObject& value) {
 
 /// Exactly `digits` decimal digits and then `separator`; moves `text` behind both.
 template <class Unit>
-bool readField(const Unit*& text, const Unit* end, unsigned digits, char separator, unsigned& field) noexcept {
+bool readField(const Unit*& text, const Unit* end, unsigned digits, char separator,
+               unsigned& field) noexcept {
     if (static_cast<std::size_t>(end - text) < digits + std::size_t{1}) {
         return false;
     }
@@ -151,8 +153,8 @@ bool readDate(const Unit* text, const Unit* end, NSObject& value) {
     const CivilDate date{signedYear, static_cast<int>(month), static_cast<int>(day)};
     std::int64_t days = 0;
     // A day that does not exist comes back as another one.
-    if (!daysFromCivil(signedYear, month, day, days) || civilFromDays(days) != date || hour > 23 || minute > 59 ||
-        second > 59) {
+    if (!daysFromCivil(signedYear, month, day, days) || civilFromDays(days) != date || hour > 23 ||
+        minute > 59 || second > 59) {
         return false;
     }
     const std::int64_t seconds = days * secondsPerDay + (hour * 60 + minute) * 60 + second;

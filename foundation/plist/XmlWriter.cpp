@@ -12,7 +12,7 @@
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
 
@@ -218,10 +218,17 @@ private:
 
     void writeReference(unsigned unit) {
         switch (unit) {
-        case '<': out_ += "&lt;"; return;
-        case '>': out_ += "&gt;"; return;
-        case '&': out_ += "&amp;"; return;
-        default: break;
+        case '<':
+            out_ += "&lt;";
+            return;
+        case '>':
+            out_ += "&gt;";
+            return;
+        case '&':
+            out_ += "&amp;";
+            return;
+        default:
+            break;
         }
         char digits[numberTextCapacity];
         const std::to_chars_result written = std::to_chars(digits, digits + sizeof digits, unit, 16);

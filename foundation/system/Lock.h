@@ -3,8 +3,6 @@
 #ifndef ZQFOUNDATION_SYSTEM_LOCK_H
 #define ZQFOUNDATION_SYSTEM_LOCK_H
 
-#include <pthread.h>
-
 #include <cstdint>
 
 #include "foundation/system/System.h"
@@ -46,6 +44,15 @@ public:
         }
     }
 
+    /// Unlike any other living thread's number.
+    static std::uint64_t currentThread() noexcept {
+#if defined(__has_builtin) && __has_builtin(__builtin_thread_pointer)
+        return reinterpret_cast<std::uint64_t>(__builtin_thread_pointer());
+#else
+        return system::threadNumber();
+#endif
+    }
+
     /// For code that a signal handler may enter while the same thread is inside.
     bool isHeldByThisThread() const noexcept;
 
@@ -55,14 +62,6 @@ private:
     static constexpr std::uint32_t stateMask = 3;
     static constexpr std::uint32_t held = 1;
     static constexpr std::uint32_t heldWithWaiters = 2;
-
-    static std::uint64_t currentThread() noexcept {
-        const pthread_t self = pthread_self();
-        std::uint64_t number = 0;
-        static_assert(sizeof self <= sizeof number);
-        __builtin_memcpy(&number, &self, sizeof self);
-        return number;
-    }
 
     /// True when this thread held the lock already and is now one level deeper.
     bool lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept;

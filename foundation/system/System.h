@@ -44,6 +44,9 @@ inline std::uint32_t forkGeneration() noexcept {
     return count != 0 ? count : firstForkGeneration();
 }
 
+/// A number that no other living thread has; cheaper than `threadIdentifier`, and nothing to show.
+std::uint64_t threadNumber() noexcept;
+
 /// True for the thread that lives on from the last fork: it still holds what it held.
 bool isForkingThread(std::uint64_t thread) noexcept;
 

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 
+#include "foundation/system/Lock.h"
 #include "foundation/system/MaskedWrite.h"
 #include "foundation/system/System.h"
 
@@ -17,14 +18,8 @@ namespace {
 
 constinit std::uint64_t forkingThread = 0;
 
-std::uint64_t numberOf(pthread_t thread) noexcept {
-    std::uint64_t number = 0;
-    __builtin_memcpy(&number, &thread, sizeof thread);
-    return number;
-}
-
 void noteForkInChild() {
-    __atomic_store_n(&forkingThread, numberOf(pthread_self()), __ATOMIC_RELAXED);
+    __atomic_store_n(&forkingThread, Lock::currentThread(), __ATOMIC_RELAXED);
     __atomic_add_fetch(&forkGenerationCount, 1, __ATOMIC_RELAXED);
 }
 
@@ -38,6 +33,14 @@ std::uint32_t firstForkGeneration() noexcept {
     std::uint32_t none = 0;
     __atomic_compare_exchange_n(&forkGenerationCount, &none, 1, false, __ATOMIC_RELAXED, __ATOMIC_RELAXED);
     return __atomic_load_n(&forkGenerationCount, __ATOMIC_RELAXED);
+}
+
+std::uint64_t threadNumber() noexcept {
+    const pthread_t self = pthread_self();
+    std::uint64_t number = 0;
+    static_assert(sizeof self <= sizeof number);
+    __builtin_memcpy(&number, &self, sizeof self);
+    return number;
 }
 
 bool isForkingThread(std::uint64_t thread) noexcept {

@@ -16,9 +16,9 @@ enum class ArgumentType : unsigned char {
     unsignedInteger,
     real,
     longReal,
-    text,    ///< any text, a C string among them
-    object,  ///< a handle
-    host,    ///< an object of a host's class, null allowed
+    text,   ///< any text, a C string among them
+    object, ///< a handle
+    host,   ///< an object of a host's class, null allowed
     pointer,
 };
 
@@ -45,12 +45,16 @@ public:
         }
     }
 
-    constexpr Argument(const double& value) noexcept : type_(detail::ArgumentType::real) { value_.real = value; }
+    constexpr Argument(const double& value) noexcept : type_(detail::ArgumentType::real) {
+        value_.real = value;
+    }
     constexpr Argument(const float& value) noexcept : Argument(static_cast<double>(value)) {}
     constexpr Argument(const long double& value) noexcept : type_(detail::ArgumentType::longReal) {
         value_.longReal = &value;
     }
-    constexpr Argument(std::nullptr_t) noexcept : type_(detail::ArgumentType::pointer) { value_.address = nullptr; }
+    constexpr Argument(std::nullptr_t) noexcept : type_(detail::ArgumentType::pointer) {
+        value_.address = nullptr;
+    }
 
     template <class T>
         requires std::is_base_of_v<NSObject, T>
@@ -58,7 +62,8 @@ public:
         value_.object = &handle;
     }
 
-    /// The end of a C string is looked for when the text is asked for, so that "%.4s" takes a buffer without NUL.
+    /// The end of a C string is looked for when the text is asked for, so that "%.4s" takes a buffer without
+    /// NUL.
     template <class T>
         requires detail::PlainText<T>
     constexpr Argument(const T& text) noexcept : type_(detail::ArgumentType::text) {
@@ -133,6 +138,9 @@ public:
     /// The text as far as a conversion with a precision needs it: of a C string, no more than `limit` bytes
     /// (units) are looked at.
     StringView textUpTo(std::size_t limit) const noexcept {
+        if (limit == SIZE_MAX) {
+            return text();
+        }
         if (ending_ == Ending::nulByte && value_.bytes != nullptr) {
             return StringView(value_.bytes, lengthUpTo(value_.bytes, limit));
         }
@@ -206,7 +214,8 @@ template <std::size_t count>
 class PackedArguments {
 public:
     template <class... Arguments>
-    constexpr explicit PackedArguments(const Arguments&... arguments) noexcept : arguments_{Argument(arguments)...} {}
+    constexpr explicit PackedArguments(const Arguments&... arguments) noexcept
+        : arguments_{Argument(arguments)...} {}
     constexpr ArgumentList list() const noexcept { return {arguments_, count}; }
 
 private:

@@ -21,8 +21,22 @@ public:
     Conversions(TextBuilder& out, ArgumentList arguments, const FormatLocale* locale) noexcept
         : out_(out), arguments_(arguments), locale_(locale) {}
 
-    /// False for an unknown conversion, whose letter stands for itself. It takes no argument but those of its stars.
-    [[gnu::always_inline]] inline bool carryOut(const FormatConversion& found);
+    /// A conversion that is nothing but its letter, as most are. False, and nothing done, when it is more.
+    template <class Unit>
+    bool carryOutPlain(Unit letter) {
+        const FormatClass wanted = formatClassOf(static_cast<char16_t>(letter));
+        if (wanted == FormatClass::unknown || letter < Unit{'@'}) {
+            return false;
+        }
+        FormatSpec spec;
+        spec.letter = static_cast<char>(letter);
+        insert(wanted, spec, take(0));
+        return true;
+    }
+
+    /// False for an unknown conversion, whose letter stands for itself. It takes no argument but those of its
+    /// stars.
+    bool carryOut(const FormatConversion& found);
 
 private:
     const Argument* take(int position) noexcept {
@@ -36,9 +50,9 @@ private:
                    : fieldOf(take(field.source == FormatField::Source::nextArgument ? 0 : field.value));
     }
 
-    [[gnu::always_inline]] inline FormatSpec specOf(const FormatConversion& found) noexcept;
     void setWidth(FormatSpec& spec, const FormatField& field) noexcept;
     void setPrecision(FormatSpec& spec, const FormatField& field) noexcept;
+    void insert(FormatClass wanted, const FormatSpec& spec, const Argument* argument);
 
     TextBuilder& out_;
     ArgumentList arguments_;
@@ -61,7 +75,7 @@ void Conversions::setPrecision(FormatSpec& spec, const FormatField& field) noexc
     spec.precision = precision >= 0 ? precision : 0;
 }
 
-FormatSpec Conversions::specOf(const FormatConversion& found) noexcept {
+bool Conversions::carryOut(const FormatConversion& found) {
     FormatSpec spec;
     spec.letter = static_cast<char>(found.letter);
     spec.flags = found.flags;
@@ -72,52 +86,40 @@ FormatSpec Conversions::specOf(const FormatConversion& found) noexcept {
     if (found.precision.source != FormatField::Source::absent) {
         setPrecision(spec, found.precision);
     }
-    return spec;
-}
-
-bool Conversions::carryOut(const FormatConversion& found) {
     const FormatClass wanted = formatClassOf(found.letter);
     if (wanted == FormatClass::percentSign) {
         out_.appendAscii('%');
-        return true;
+    } else if (wanted != FormatClass::unknown) {
+        insert(wanted, spec, take(found.position));
     }
-    const FormatSpec spec = specOf(found);
-    if (wanted == FormatClass::unknown) {
-        return false;
-    }
-    const Argument* const argument = take(found.position);
+    return wanted != FormatClass::unknown;
+}
+
+void Conversions::insert(FormatClass wanted, const FormatSpec& spec, const Argument* argument) {
     const bool isLong = spec.length == FormatLength::longDouble;
     switch (wanted) {
     case FormatClass::object:
-        appendObject(out_, spec, argument, locale_);
-        break;
+        return appendObject(out_, spec, argument, locale_);
     case FormatClass::integer:
-        appendInteger(out_, spec, integerOf(argument, spec.letter == 'd' || spec.letter == 'i'), locale_);
-        break;
+        return appendInteger(out_, spec, integerOf(argument, spec.letter == 'd' || spec.letter == 'i'),
+                             locale_);
     case FormatClass::character:
-        appendCharacter(out_, spec, integerOf(argument, true));
-        break;
+        return appendCharacter(out_, spec, integerOf(argument, true));
     case FormatClass::real:
-        isLong ? appendReal(out_, spec, longRealOf(argument), locale_)
-               : appendReal(out_, spec, realOf(argument), locale_);
-        break;
+        return isLong ? appendReal(out_, spec, longRealOf(argument), locale_)
+                      : appendReal(out_, spec, realOf(argument), locale_);
     case FormatClass::hexadecimalReal:
-        isLong ? appendHexadecimalReal(out_, spec, longRealOf(argument))
-               : appendHexadecimalReal(out_, spec, realOf(argument));
-        break;
+        return isLong ? appendHexadecimalReal(out_, spec, longRealOf(argument))
+                      : appendHexadecimalReal(out_, spec, realOf(argument));
     case FormatClass::bytes:
-        appendBytes(out_, spec, argument);
-        break;
+        return appendBytes(out_, spec, argument);
     case FormatClass::units:
-        appendUnits(out_, spec, argument);
-        break;
+        return appendUnits(out_, spec, argument);
     case FormatClass::address:
-        appendAddress(out_, spec, addressOf(argument));
-        break;
+        return appendAddress(out_, spec, addressOf(argument));
     default:
-        break; // n, which stores nothing
+        return; // n, which stores nothing
     }
-    return true;
 }
 
 void appendStretch(TextBuilder& out, const char* text, std::size_t count, bool isAscii) {
@@ -176,6 +178,10 @@ void appendParsed(TextBuilder& out, const Unit* at, const Unit* end, ArgumentLis
             const Stretch<Unit> stretch = stretchFrom(at, end);
             appendStretch(out, at, static_cast<std::size_t>(stretch.end - at), stretch.isAscii);
             at = stretch.end;
+            continue;
+        }
+        if (end - at >= 2 && conversions.carryOutPlain(at[1])) {
+            at += 2;
             continue;
         }
         FormatConversion conversion;

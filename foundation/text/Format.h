@@ -14,13 +14,15 @@
 ///     s S          a text, as bytes, units   p             an address, 0x0 for null
 ///     %            the sign itself           n             takes an argument, writes and stores nothing
 ///
-/// FormatSyntax.h has the grammar. A conversion that the end of the format cuts off yields nothing; an unknown one
-/// yields its own letter and takes no argument. The state of setlocale() never shows, and nothing here changes errno.
+/// FormatSyntax.h has the grammar. A conversion that the end of the format cuts off yields nothing; an
+/// unknown one yields its own letter and takes no argument. The state of setlocale() never shows, and nothing
+/// here changes errno.
 ///
 /// Arguments carry their types, so a format that does not suit its arguments has a defined result too:
 ///
 ///     the conversion wants    and gets
-///     an integer              a real: truncated toward zero, within 64 bits, NaN 0; then cut to the length modifier
+///     an integer              a real: truncated toward zero, within 64 bits, NaN 0; then cut to the length
+///     modifier
 ///                             a number object: its value by the same rules; anything else: 0
 ///     a real                  an integer or a number object: converted; anything else: 0
 ///     s or S                  an object: its description; an integer, a real, a pointer: "(null)"
@@ -31,14 +33,15 @@
 ///     n, *                    any argument; one that is not an integer counts as 0 for *
 ///     an argument             one that is not there: nil, 0 or null
 ///
-/// A width, and a precision of a number, counts up to `largestFormatField`; more is taken as that. So the result is
-/// never longer than the format's length times that limit, plus the texts inserted.
+/// A width, and a precision of a number, counts up to `largestFormatField`; more is taken as that. So the
+/// result is never longer than the format's length times that limit, plus the texts inserted.
 namespace ZQFoundation::detail {
 
 inline constexpr int largestFormatField = 1000000;
 
-/// How a locale shows in formatted numbers: e f g (and E F G) use its decimal separator, d i u f g its grouping,
-/// and numbers given to `%@` both. A null pointer in its place means no locale: '.' and no grouping.
+/// How a locale shows in formatted numbers: e f g (and E F G) use its decimal separator, d i u f g its
+/// grouping, and numbers given to `%@` both. A null pointer in its place means no locale: '.' and no
+/// grouping.
 struct FormatLocale {
     StringView decimalSeparator;     ///< nil: "."
     StringView groupingSeparator;    ///< nil or empty: no grouping
@@ -47,7 +50,8 @@ struct FormatLocale {
 };
 
 /// Appends the formatted text. A nil format appends nothing.
-void appendFormat(TextBuilder& out, StringView format, ArgumentList arguments, const FormatLocale* locale = nullptr);
+void appendFormat(TextBuilder& out, StringView format, ArgumentList arguments,
+                  const FormatLocale* locale = nullptr);
 
 /// The formatted text as a string. A nil format raises NSInvalidArgumentException.
 NSString formatted(StringView format, ArgumentList arguments, const FormatLocale* locale = nullptr);

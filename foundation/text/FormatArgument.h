@@ -6,8 +6,8 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/text/ArgumentList.h"
 
-/// Reading an argument as what a conversion wants, whatever it is. Format.h has the rules. A null pointer is an
-/// argument that is not there.
+/// Reading an argument as what a conversion wants, whatever it is. Format.h has the rules. A null pointer is
+/// an argument that is not there.
 namespace ZQFoundation::detail {
 
 /// For d and i `asSigned`: limits that of 64 signed bits, else of 64 unsigned ones.

@@ -38,14 +38,15 @@ BinaryReal withOddMantissa(Wide mantissa, int exponent) noexcept {
         return {};
     }
     const auto low = static_cast<std::uint64_t>(mantissa);
-    const int zeros = low != 0 ? std::countr_zero(low)
-                               : 64 + std::countr_zero(static_cast<std::uint64_t>(mantissa >> 64));
+    const int zeros =
+        low != 0 ? std::countr_zero(low) : 64 + std::countr_zero(static_cast<std::uint64_t>(mantissa >> 64));
     mantissa >>= zeros;
-    return {static_cast<std::uint64_t>(mantissa >> 64), static_cast<std::uint64_t>(mantissa), exponent + zeros};
+    return {static_cast<std::uint64_t>(mantissa >> 64), static_cast<std::uint64_t>(mantissa),
+            exponent + zeros};
 }
 
-/// The quotient, one more when the remainder says so; halves to even. The remainder is compared with what is missing
-/// to the divisor, which cannot overflow as twice the remainder could.
+/// The quotient, one more when the remainder says so; halves to even. The remainder is compared with what is
+/// missing to the divisor, which cannot overflow as twice the remainder could.
 std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
     const Wide missing = divisor - remainder;
     const bool up = remainder > missing || (remainder == missing && (quotient & 1) != 0);
@@ -53,7 +54,8 @@ std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
 }
 
 /// mantissa * 2^exponent * 10^scale, rounded, when all steps fit into 128 bits and the result into 63.
-bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale, std::uint64_t& result) noexcept {
+bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
+                   std::uint64_t& result) noexcept {
     if (scale > largestPower || scale < -largestPower) {
         return false;
     }

@@ -19,13 +19,15 @@ struct BinaryReal {
 BinaryReal binaryOf(double value) noexcept;
 BinaryReal binaryOf(long double value) noexcept;
 
-/// Correctly rounded decimal digits: the exact binary value, halves to the even digit, as the C library prints them.
+/// Correctly rounded decimal digits: the exact binary value, halves to the even digit, as the C library
+/// prints them.
 ///
-/// Written here because neither library at hand does for it: the C library's follow the decimal point of setlocale,
-/// the C++ library's are missing from the older systems that we support or go through the C library for long double.
+/// Written here because neither library at hand does for it: the C library's follow the decimal point of
+/// setlocale, the C++ library's are missing from the older systems that we support or go through the C
+/// library for long double.
 ///
-/// The value is 0.ddd * 10^point. There is neither a zero in front nor, where the number of digits was asked for, any
-/// promise about zeros at the end: digits beyond `count` are zeros. Zero has no digits.
+/// The value is 0.ddd * 10^point. There is neither a zero in front nor, where the number of digits was asked
+/// for, any promise about zeros at the end: digits beyond `count` are zeros. Zero has no digits.
 class DecimalDigits {
 public:
     /// Rounds to `places` digits behind the decimal point.

@@ -57,7 +57,7 @@ void FormatNumberWriter::appendGrouped(std::size_t zeros, const char* digits, st
     const std::size_t total = zeros + count + moreZeros;
     for (std::size_t i = 0; i < total; ++i) {
         if (i != 0 && places.separatesBefore(total - i)) {
-            out_.append(locale_->groupingSeparator);
+            appendText(out_, locale_->groupingSeparator);
         }
         out_.appendAscii(i < zeros || i >= zeros + count ? '0' : digits[i - zeros]);
     }
@@ -69,13 +69,14 @@ std::size_t FormatNumberWriter::decimalPointLength() const noexcept {
 
 void FormatNumberWriter::appendDecimalPoint() {
     if (locale_ != nullptr && locale_->decimalSeparator) {
-        out_.append(locale_->decimalSeparator);
+        appendText(out_, locale_->decimalSeparator);
     } else {
         out_.appendAscii('.');
     }
 }
 
-void FormatNumberWriter::begin(const char* prefix, std::size_t prefixLength, std::size_t length, bool zeroPads) {
+void FormatNumberWriter::begin(const char* prefix, std::size_t prefixLength, std::size_t length,
+                               bool zeroPads) {
     const std::size_t padding = spec_.paddingFor(prefixLength + length);
     if (padding == 0) {
         if (prefixLength != 0) {
@@ -121,7 +122,8 @@ char* writePowerOfTwoBase(std::uint64_t value, int bits, bool upperCase, char* e
 /// The integer without any modifier, by far the most frequent one.
 void appendPlainDecimal(TextBuilder& out, std::uint64_t value, bool isSigned) {
     char text[numberTextCapacity];
-    const char* const end = isSigned ? writeInt64(static_cast<std::int64_t>(value), text) : writeUInt64(value, text);
+    const char* const end =
+        isSigned ? writeInt64(static_cast<std::int64_t>(value), text) : writeUInt64(value, text);
     out.appendAscii(text, static_cast<std::size_t>(end - text));
 }
 
@@ -130,7 +132,7 @@ struct IntegerText {
     std::size_t prefixLength = 0;
     const char* digits;
     std::size_t count;
-    char buffer[numberTextCapacity];
+    char buffer[numberTextCapacity + ShortNumber::pieceSlack];
 };
 
 void writeDecimal(const FormatSpec& spec, std::uint64_t value, IntegerText& text) noexcept {
@@ -151,7 +153,7 @@ void writeDecimal(const FormatSpec& spec, std::uint64_t value, IntegerText& text
 void writeOctalOrHexadecimal(const FormatSpec& spec, std::uint64_t value, IntegerText& text) noexcept {
     const bool isOctal = spec.letter == 'o';
     value = cut(value, spec.length, false);
-    char* const end = text.buffer + sizeof text.buffer;
+    char* const end = text.buffer + numberTextCapacity;
     char* start = writePowerOfTwoBase(value, isOctal ? 3 : 4, spec.letter == 'X', end);
     if (value == 0 && !spec.hasPrecision) {
         *--start = '0';
@@ -174,9 +176,28 @@ void writeOctalOrHexadecimal(const FormatSpec& spec, std::uint64_t value, Intege
     }
 }
 
+/// Without groups, and neither width nor precision beyond a few digits.
+void appendShortInteger(TextBuilder& out, const FormatSpec& spec, const IntegerText& text,
+                        std::size_t zeros) {
+    static_assert(2 * 32 + sizeof text.prefix + sizeof text.buffer <= ShortNumber::capacity);
+    const std::size_t padding = spec.paddingFor(text.prefixLength + zeros + text.count);
+    const bool padsRight = spec.has(formatLeftJustified);
+    const bool padsWithZeros = spec.has(formatZero) && !spec.hasPrecision && !padsRight;
+    ShortNumber number;
+    number.putRepeated(' ', padsRight || padsWithZeros ? 0 : padding);
+    for (std::size_t i = 0; i < text.prefixLength; ++i) {
+        number.put(text.prefix[i]);
+    }
+    number.putRepeated('0', zeros + (padsWithZeros ? padding : 0));
+    number.put(text.digits, text.count);
+    number.putRepeated(' ', padsRight ? padding : 0);
+    number.appendTo(out);
+}
+
 } // namespace
 
-void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value, const FormatLocale* locale) {
+void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value,
+                   const FormatLocale* locale) {
     const bool isDecimal = spec.letter == 'd' || spec.letter == 'i' || spec.letter == 'u';
     if (isDecimal && locale == nullptr && spec.flags == 0 && spec.width == 0 && !spec.hasPrecision) {
         return appendPlainDecimal(out, cut(value, spec.length, spec.letter != 'u'), spec.letter != 'u');
@@ -189,8 +210,12 @@ void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value
     }
     const std::size_t wanted = spec.hasPrecision ? spec.numberPrecision() : 0;
     const std::size_t zeros = wanted > text.count ? wanted - text.count : 0;
+    if ((!isDecimal || locale == nullptr) && spec.width <= 32 && wanted <= 32) {
+        return appendShortInteger(out, spec, text, zeros);
+    }
     FormatNumberWriter writer(out, spec, isDecimal ? locale : nullptr);
-    writer.begin(text.prefix, text.prefixLength, writer.groupedLength(zeros + text.count), !spec.hasPrecision);
+    writer.begin(text.prefix, text.prefixLength, writer.groupedLength(zeros + text.count),
+                 !spec.hasPrecision);
     writer.appendGrouped(zeros, text.digits, text.count, 0);
     writer.end();
 }

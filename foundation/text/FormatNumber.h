@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Format.h"
@@ -64,7 +65,8 @@ public:
     std::size_t decimalPointLength() const noexcept;
     void appendDecimalPoint();
 
-    /// What stands in front of `length` units of number: blanks, the sign or prefix, zeros; and behind: blanks.
+    /// What stands in front of `length` units of number: blanks, the sign or prefix, zeros; and behind:
+    /// blanks.
     void begin(const char* prefix, std::size_t prefixLength, std::size_t length, bool zeroPads);
     void end() {
         if (padding_ != 0) {
@@ -79,8 +81,45 @@ private:
     std::size_t padding_ = 0;
 };
 
+/// Pieces of a short ASCII number, put together before they are appended as one. A piece of up to
+/// `pieceSlack` bytes is copied with its slack, in two instructions, so each piece must lie in an array that
+/// goes on so far behind its start.
+class ShortNumber {
+public:
+    static constexpr std::size_t capacity = 128;
+    static constexpr std::size_t pieceSlack = 16;
+
+    void put(const char* bytes, std::size_t count) noexcept {
+        if (count <= pieceSlack) {
+            std::memcpy(end_, bytes, pieceSlack);
+        } else {
+            std::memcpy(end_, bytes, count);
+        }
+        end_ += count;
+    }
+    void put(char character) noexcept { *end_++ = character; }
+    void putRepeated(char character, std::size_t count) noexcept {
+        if (count != 0) {
+            std::memset(end_, character, count);
+            end_ += count;
+        }
+    }
+    void appendTo(TextBuilder& out) const { out.appendAscii(text_, static_cast<std::size_t>(end_ - text_)); }
+
+private:
+    char text_[capacity + pieceSlack];
+    char* end_ = text_;
+};
+
 /// Units of any text; nil has none.
 std::size_t unitLength(StringView text) noexcept;
+
+/// An empty text may come with a null pointer, which must not get as far as a copy of no bytes.
+inline void appendText(TextBuilder& out, StringView text) {
+    if (text.size() != 0) {
+        out.append(text);
+    }
+}
 
 /// Writes "-", "+", " " or nothing to `out`, as the flags say, and returns the number of bytes.
 inline std::size_t writeSign(const FormatSpec& spec, bool isNegative, char* out) noexcept {

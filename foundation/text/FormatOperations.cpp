@@ -11,7 +11,8 @@ NSString NSString::stringWithFormat_arguments(StringView format, ArgumentList ar
 }
 
 void NSMutableString::appendFormat_arguments(StringView format, ArgumentList arguments) {
-    // Formatted apart: an argument may look at a text that this builder holds, and an object's description may throw.
+    // Formatted apart: an argument may look at a text that this builder holds, and an object's description
+    // may throw.
     appendString(detail::formatted(format, arguments));
 }
 

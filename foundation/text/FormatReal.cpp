@@ -14,23 +14,27 @@ constexpr std::size_t defaultPrecision = 6;
 
 bool isUpperCase(char letter) noexcept { return letter < 'a'; }
 
-/// A real between its padding: sign, whole part, decimal point, fraction, exponent. Zeros that were not computed are
-/// only counted, so a precision of a million needs no room for digits.
+// As long as ShortNumber wants its pieces.
+constexpr char zeroDigit[ShortNumber::pieceSlack] = {'0'};
+
+/// A real between its padding: sign, whole part, decimal point, fraction, exponent. Zeros that were not
+/// computed are only counted, so a precision of a million needs no room for digits.
 struct RealParts {
-    const char* whole = "0";
+    const char* whole = zeroDigit;
     std::size_t wholeCount = 1;
     std::size_t wholeZeros = 0;
     bool hasPoint = false;
     std::size_t fractionZerosBefore = 0;
-    const char* fraction = "";
+    const char* fraction = zeroDigit;
     std::size_t fractionCount = 0;
     std::size_t fractionZerosAfter = 0;
-    char exponent[8];
+    char exponent[ShortNumber::pieceSlack];
     std::size_t exponentCount = 0;
 };
 
 /// Digits as many as there are from index `from` on, then zeros, `length` in all.
-void setFraction(RealParts& parts, const DecimalDigits& number, std::size_t from, std::size_t length) noexcept {
+void setFraction(RealParts& parts, const DecimalDigits& number, std::size_t from,
+                 std::size_t length) noexcept {
     const std::size_t there = number.count() > from ? number.count() - from : 0;
     parts.fraction = number.digits() + from;
     parts.fractionCount = there < length ? there : length;
@@ -53,7 +57,8 @@ void layOutFixed(RealParts& parts, const DecimalDigits& number, std::size_t plac
     }
 }
 
-void layOutScientific(RealParts& parts, const DecimalDigits& number, std::size_t places, bool upperCase) noexcept {
+void layOutScientific(RealParts& parts, const DecimalDigits& number, std::size_t places,
+                      bool upperCase) noexcept {
     const bool isZero = number.count() == 0;
     if (!isZero) {
         parts.whole = number.digits();
@@ -72,7 +77,8 @@ void layOutScientific(RealParts& parts, const DecimalDigits& number, std::size_t
 }
 
 /// The shorter of the two styles; without '#' no zeros at the end of the fraction.
-void layOutGeneral(RealParts& parts, DecimalDigits& number, std::size_t precision, const FormatSpec& spec) noexcept {
+void layOutGeneral(RealParts& parts, DecimalDigits& number, std::size_t precision,
+                   const FormatSpec& spec) noexcept {
     const std::ptrdiff_t exponent = number.count() == 0 ? 0 : number.point() - 1;
     if (!spec.has(formatAlternate)) {
         number.dropZeros();
@@ -87,36 +93,27 @@ void layOutGeneral(RealParts& parts, DecimalDigits& number, std::size_t precisio
     }
 }
 
-/// The usual short number goes out in one piece.
+/// The usual short number without a width goes out in one piece.
 bool appendShort(TextBuilder& out, const char* sign, std::size_t signLength, const RealParts& parts) {
-    char text[128];
     const std::size_t length = signLength + parts.wholeCount + parts.wholeZeros + parts.fractionZerosBefore +
                                parts.fractionCount + parts.fractionZerosAfter + parts.exponentCount + 1;
-    if (length > sizeof text) {
+    if (length > ShortNumber::capacity) {
         return false;
     }
-    char* end = text;
-    const auto put = [&end](const char* bytes, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) {
-            *end++ = bytes[i];
-        }
-    };
-    const auto putZeros = [&end](std::size_t count) {
-        for (; count != 0; --count) {
-            *end++ = '0';
-        }
-    };
-    put(sign, signLength);
-    put(parts.whole, parts.wholeCount);
-    putZeros(parts.wholeZeros);
-    if (parts.hasPoint) {
-        *end++ = '.';
+    ShortNumber text;
+    if (signLength != 0) {
+        text.put(*sign);
     }
-    putZeros(parts.fractionZerosBefore);
-    put(parts.fraction, parts.fractionCount);
-    putZeros(parts.fractionZerosAfter);
-    put(parts.exponent, parts.exponentCount);
-    out.appendAscii(text, static_cast<std::size_t>(end - text));
+    text.put(parts.whole, parts.wholeCount);
+    text.putRepeated('0', parts.wholeZeros);
+    if (parts.hasPoint) {
+        text.put('.');
+    }
+    text.putRepeated('0', parts.fractionZerosBefore);
+    text.put(parts.fraction, parts.fractionCount);
+    text.putRepeated('0', parts.fractionZerosAfter);
+    text.put(parts.exponent, parts.exponentCount);
+    text.appendTo(out);
     return true;
 }
 
@@ -130,8 +127,9 @@ void appendParts(TextBuilder& out, const FormatSpec& spec, bool isNegative, cons
     FormatNumberWriter writer(out, spec, locale);
     // The style with an exponent has one digit in front, which no grouping touches.
     const std::size_t length = writer.groupedLength(parts.wholeCount + parts.wholeZeros) +
-                               (parts.hasPoint ? writer.decimalPointLength() : 0) + parts.fractionZerosBefore +
-                               parts.fractionCount + parts.fractionZerosAfter + parts.exponentCount;
+                               (parts.hasPoint ? writer.decimalPointLength() : 0) +
+                               parts.fractionZerosBefore + parts.fractionCount + parts.fractionZerosAfter +
+                               parts.exponentCount;
     writer.begin(sign, signLength, length, true);
     writer.appendGrouped(0, parts.whole, parts.wholeCount, parts.wholeZeros);
     if (parts.hasPoint) {
@@ -142,6 +140,28 @@ void appendParts(TextBuilder& out, const FormatSpec& spec, bool isNegative, cons
     out.appendRepeated('0', parts.fractionZerosAfter);
     out.appendAscii(parts.exponent, parts.exponentCount);
     writer.end();
+}
+
+/// The usual "%.2f" of the usual number, 0.1 or more: all its digits are there and need only the point
+/// between them.
+bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegative,
+                         const DecimalDigits& number, std::size_t places) {
+    const auto whole = static_cast<std::size_t>(number.point());
+    if (spec.flags != 0 || spec.width != 0 || number.point() <= 0 || number.count() != whole + places ||
+        number.count() > ShortNumber::capacity - 2) {
+        return false;
+    }
+    ShortNumber text;
+    if (isNegative) {
+        text.put('-');
+    }
+    text.put(number.digits(), whole);
+    if (places != 0) {
+        text.put('.');
+        text.put(number.digits() + whole, places);
+    }
+    text.appendTo(out);
+    return true;
 }
 
 /// Infinities and NaN: never padded with zeros. NaN shows no minus.
@@ -174,6 +194,9 @@ void appendDecimalReal(TextBuilder& out, const FormatSpec& spec, Real value, con
     case 'f':
     case 'F':
         number.roundToPlaces(binary, precision);
+        if (locale == nullptr && appendOrdinaryFixed(out, spec, std::signbit(value), number, precision)) {
+            return;
+        }
         layOutFixed(parts, number, precision);
         break;
     case 'e':
@@ -194,8 +217,8 @@ void appendDecimalReal(TextBuilder& out, const FormatSpec& spec, Real value, con
 
 __extension__ typedef unsigned __int128 Wide;
 
-/// A mantissa with its leading digit, one hexadecimal digit or, where the type's own bits start with one, a single
-/// bit, and behind it `fractionBits` bits.
+/// A mantissa with its leading digit, one hexadecimal digit or, where the type's own bits start with one, a
+/// single bit, and behind it `fractionBits` bits.
 struct HexadecimalReal {
     Wide mantissa = 0;
     int exponent = 0;
@@ -219,8 +242,8 @@ HexadecimalReal hexadecimalOf(const BinaryReal& value, int mantissaBits, int low
     return result;
 }
 
-/// Cuts the fraction to `digits` hexadecimal digits, halves to even. A carry goes into the leading digit, and only
-/// out of an F into the exponent.
+/// Cuts the fraction to `digits` hexadecimal digits, halves to even. A carry goes into the leading digit, and
+/// only out of an F into the exponent.
 void roundFraction(HexadecimalReal& value, std::size_t digits) noexcept {
     if (digits >= static_cast<std::size_t>(value.fractionBits / 4)) {
         return;
@@ -255,7 +278,8 @@ std::size_t writeExponent(int exponent, char letter, char* out) noexcept {
 }
 
 template <class Real>
-void appendHexadecimal(TextBuilder& out, const FormatSpec& spec, Real value, int mantissaBits, int lowestExponent) {
+void appendHexadecimal(TextBuilder& out, const FormatSpec& spec, Real value, int mantissaBits,
+                       int lowestExponent) {
     if (appendNotFinite(out, spec, value)) {
         return;
     }

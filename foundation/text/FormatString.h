@@ -9,8 +9,8 @@ namespace ZQFoundation {
 
 namespace detail {
 
-// What is wrong with a literal format. None of these functions exists; a wrong format calls one while the program
-// is compiled, and the compiler names it, on the way through argument<n> and conversion<letter>.
+// What is wrong with a literal format. None of these functions exists; a wrong format calls one while the
+// program is compiled, and the compiler names it, on the way through argument<n> and conversion<letter>.
 void format_ends_inside_a_conversion();
 void format_has_an_unknown_conversion();
 void format_conversion_n_is_not_supported();
@@ -95,26 +95,46 @@ struct conversion {
 
 consteval void failConversion(char16_t letter, FormatNeeds need) {
     switch (letter) {
-    case u'd': return conversion<'d'>::fails(need);
-    case u'i': return conversion<'i'>::fails(need);
-    case u'u': return conversion<'u'>::fails(need);
-    case u'o': return conversion<'o'>::fails(need);
-    case u'x': return conversion<'x'>::fails(need);
-    case u'X': return conversion<'X'>::fails(need);
-    case u'c': return conversion<'c'>::fails(need);
-    case u'C': return conversion<'C'>::fails(need);
-    case u'e': return conversion<'e'>::fails(need);
-    case u'E': return conversion<'E'>::fails(need);
-    case u'f': return conversion<'f'>::fails(need);
-    case u'F': return conversion<'F'>::fails(need);
-    case u'g': return conversion<'g'>::fails(need);
-    case u'G': return conversion<'G'>::fails(need);
-    case u'a': return conversion<'a'>::fails(need);
-    case u'A': return conversion<'A'>::fails(need);
-    case u's': return conversion<'s'>::fails(need);
-    case u'S': return conversion<'S'>::fails(need);
-    case u'@': return conversion<'@'>::fails(need);
-    default: return conversion<'p'>::fails(need);
+    case u'd':
+        return conversion<'d'>::fails(need);
+    case u'i':
+        return conversion<'i'>::fails(need);
+    case u'u':
+        return conversion<'u'>::fails(need);
+    case u'o':
+        return conversion<'o'>::fails(need);
+    case u'x':
+        return conversion<'x'>::fails(need);
+    case u'X':
+        return conversion<'X'>::fails(need);
+    case u'c':
+        return conversion<'c'>::fails(need);
+    case u'C':
+        return conversion<'C'>::fails(need);
+    case u'e':
+        return conversion<'e'>::fails(need);
+    case u'E':
+        return conversion<'E'>::fails(need);
+    case u'f':
+        return conversion<'f'>::fails(need);
+    case u'F':
+        return conversion<'F'>::fails(need);
+    case u'g':
+        return conversion<'g'>::fails(need);
+    case u'G':
+        return conversion<'G'>::fails(need);
+    case u'a':
+        return conversion<'a'>::fails(need);
+    case u'A':
+        return conversion<'A'>::fails(need);
+    case u's':
+        return conversion<'s'>::fails(need);
+    case u'S':
+        return conversion<'S'>::fails(need);
+    case u'@':
+        return conversion<'@'>::fails(need);
+    default:
+        return conversion<'p'>::fails(need);
     }
 }
 
@@ -128,16 +148,26 @@ struct argument {
 /// `number` counts from 1; the letter is 0 for an argument that no conversion uses.
 consteval void failArgument(std::size_t number, char16_t letter, FormatNeeds need) {
     switch (number) {
-    case 1: return argument<1>::fails(letter, need);
-    case 2: return argument<2>::fails(letter, need);
-    case 3: return argument<3>::fails(letter, need);
-    case 4: return argument<4>::fails(letter, need);
-    case 5: return argument<5>::fails(letter, need);
-    case 6: return argument<6>::fails(letter, need);
-    case 7: return argument<7>::fails(letter, need);
-    case 8: return argument<8>::fails(letter, need);
-    case 9: return argument<9>::fails(letter, need);
-    default: return letter == 0 ? format_does_not_use_the_argument() : failConversion(letter, need);
+    case 1:
+        return argument<1>::fails(letter, need);
+    case 2:
+        return argument<2>::fails(letter, need);
+    case 3:
+        return argument<3>::fails(letter, need);
+    case 4:
+        return argument<4>::fails(letter, need);
+    case 5:
+        return argument<5>::fails(letter, need);
+    case 6:
+        return argument<6>::fails(letter, need);
+    case 7:
+        return argument<7>::fails(letter, need);
+    case 8:
+        return argument<8>::fails(letter, need);
+    case 9:
+        return argument<9>::fails(letter, need);
+    default:
+        return letter == 0 ? format_does_not_use_the_argument() : failConversion(letter, need);
     }
 }
 
@@ -254,12 +284,13 @@ private:
 ///     NSString::stringWithFormat("%d of %@", 3);          // does not compile: no argument for %@
 ///     NSString::stringWithFormat("100%");                 // does not compile: write "100%%"
 ///
-/// `d i u o x X c C` and `*` take any integer, character, `bool` or enumeration, whatever the length modifier says;
-/// `e f g a` any real; `s` a text of `char`, `S` one of `char16_t`, both an NSString; `@` any handle, any text and any
-/// object of a class that implements NSObjectProtocol; `p` any pointer. A null pointer constant serves the last four.
+/// `d i u o x X c C` and `*` take any integer, character, `bool` or enumeration, whatever the length modifier
+/// says; `e f g a` any real; `s` a text of `char`, `S` one of `char16_t`, both an NSString; `@` any handle,
+/// any text and any object of a class that implements NSObjectProtocol; `p` any pointer. A null pointer
+/// constant serves the last four.
 ///
-/// A format that is known only at run time is an NSString (or a StringView); nothing is checked before it is used,
-/// and every misfit has a defined result. A nil format is nullptr or a nil string.
+/// A format that is known only at run time is an NSString (or a StringView); nothing is checked before it is
+/// used, and every misfit has a defined result. A nil format is nullptr or a nil string.
 template <class... Arguments>
 class FormatString {
 public:
@@ -277,7 +308,8 @@ public:
     constexpr FormatString(const T& text) noexcept : text_(text) {}
     template <class T>
         requires(detail::PlainText<T> && !std::is_array_v<T> && !std::is_same_v<T, StringView>)
-    FormatString(const T& text) = delete; // a format known only at run time must be an NSString
+    FormatString(const T& text)
+    = delete; // a format known only at run time must be an NSString
 
     constexpr StringView text() const noexcept { return text_; }
 

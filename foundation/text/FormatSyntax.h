@@ -13,7 +13,8 @@
 ///     precision   the same; nothing after the '.' means 0
 ///     length      hh  h  l  ll  q  z  t  j  L
 ///
-/// One reader serves both sides: the check of a literal when the program is compiled and the formatting itself.
+/// One reader serves both sides: the check of a literal when the program is compiled and the formatting
+/// itself.
 namespace ZQFoundation::detail {
 
 enum class FormatLength : unsigned char { bits32, bits8, bits16, bits64, longDouble };
@@ -137,7 +138,8 @@ constexpr FormatField readFormatField(const Unit*& at, const Unit* end) noexcept
     }
     ++at;
     const int position = readFormatPosition(at, end);
-    return {position == 0 ? FormatField::Source::nextArgument : FormatField::Source::numberedArgument, position};
+    return {position == 0 ? FormatField::Source::nextArgument : FormatField::Source::numberedArgument,
+            position};
 }
 
 /// 0 for a unit that is no flag.
@@ -205,10 +207,11 @@ constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConve
     }
 }
 
-/// Reads a conversion whose '%' stands before `at`; returns the place behind its letter, or `end` when it is cut
-/// off. Any unit may come out as the letter.
+/// Reads a conversion whose '%' stands before `at`; returns the place behind its letter, or `end` when it is
+/// cut off. Any unit may come out as the letter.
 template <class Unit>
-constexpr const Unit* readFormatConversion(const Unit* at, const Unit* end, FormatConversion& conversion) noexcept {
+constexpr const Unit* readFormatConversion(const Unit* at, const Unit* end,
+                                           FormatConversion& conversion) noexcept {
     // All modifiers are below '@' and all letters from there on, so most conversions get by with one look.
     if (at != end && *at < Unit{'@'}) {
         readFormatModifiers(at, end, conversion);

@@ -12,7 +12,7 @@ namespace {
 
 void appendTextOrNull(TextBuilder& out, StringView text) {
     if (text) {
-        out.append(text);
+        appendText(out, text);
     } else {
         out.appendLiteral("(null)");
     }
@@ -77,7 +77,8 @@ void appendPadded(TextBuilder& out, const FormatSpec& spec, std::size_t length, 
     }
 }
 
-/// The units that fit into `limit` bytes of UTF-8, and the bytes that this leaves for a part of the next character.
+/// The units that fit into `limit` bytes of UTF-8, and the bytes that this leaves for a part of the next
+/// character.
 struct UnitCut {
     std::size_t units;
     std::size_t bytesOver;
@@ -86,7 +87,8 @@ struct UnitCut {
 UnitCut cutUnits(const char16_t* units, std::size_t count, std::size_t limit) noexcept {
     std::size_t i = 0;
     while (i < count) {
-        const bool isPair = i + 1 < count && (units[i] & 0xFC00) == 0xD800 && (units[i + 1] & 0xFC00) == 0xDC00;
+        const bool isPair =
+            i + 1 < count && (units[i] & 0xFC00) == 0xD800 && (units[i + 1] & 0xFC00) == 0xDC00;
         const std::size_t bytes = isPair ? 4 : units[i] < 0x80 ? 1 : units[i] < 0x800 ? 2 : 3;
         if (bytes > limit) {
             return {i, limit};
@@ -102,7 +104,7 @@ void appendUnitsAsBytes(TextBuilder& out, const FormatSpec& spec, StringView tex
     const std::size_t length = utf8Length(text.units(), text.size(), IllFormed::replace);
     const auto limit = static_cast<std::size_t>(spec.precision);
     if (!spec.hasPrecision || length <= limit) {
-        appendPadded(out, spec, length, [&] { out.append(text); });
+        appendPadded(out, spec, length, [&] { appendText(out, text); });
         return;
     }
     const UnitCut cut = cutUnits(text.units(), text.size(), limit);
@@ -114,9 +116,21 @@ void appendUnitsAsBytes(TextBuilder& out, const FormatSpec& spec, StringView tex
     });
 }
 
+void appendBytesOf(TextBuilder& out, const FormatSpec& spec, StringView text, std::size_t limit) {
+    if (!text) {
+        return out.appendLiteral("(null)");
+    }
+    if (text.form() == StringView::Form::utf16) {
+        return appendUnitsAsBytes(out, spec, text);
+    }
+    const std::size_t length = text.size() < limit ? text.size() : limit;
+    appendPadded(out, spec, length, [&] { appendText(out, StringView(text.bytes(), length)); });
+}
+
 } // namespace
 
-void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argument, const FormatLocale* locale) {
+void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argument,
+                  const FormatLocale* locale) {
     if (argument == nullptr) {
         return out.appendLiteral("(null)");
     }
@@ -149,16 +163,11 @@ void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argu
 
 void appendBytes(TextBuilder& out, const FormatSpec& spec, const Argument* argument) {
     const std::size_t limit = spec.hasPrecision ? static_cast<std::size_t>(spec.precision) : SIZE_MAX;
-    const TextOfArgument found = textOf(argument, limit);
-    const StringView text = found.text;
-    if (!text) {
-        return out.appendLiteral("(null)");
+    if (argument != nullptr && argument->type() == ArgumentType::text) {
+        return appendBytesOf(out, spec, argument->textUpTo(limit), limit);
     }
-    if (text.form() == StringView::Form::utf16) {
-        return appendUnitsAsBytes(out, spec, text);
-    }
-    const std::size_t length = text.size() < limit ? text.size() : limit;
-    appendPadded(out, spec, length, [&] { out.appendUtf8(text.bytes(), length); });
+    const TextOfArgument made = textOf(argument, limit);
+    appendBytesOf(out, spec, made.text, limit);
 }
 
 void appendUnits(TextBuilder& out, const FormatSpec& spec, const Argument* argument) {

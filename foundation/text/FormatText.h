@@ -9,7 +9,8 @@
 namespace ZQFoundation::detail {
 
 /// @: the whole description, "(null)" for nil. Flags, width and precision do not count.
-void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argument, const FormatLocale* locale);
+void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argument,
+                  const FormatLocale* locale);
 
 /// s: width and precision count bytes of UTF-8. A character that the precision cuts through becomes U+FFFD.
 void appendBytes(TextBuilder& out, const FormatSpec& spec, const Argument* argument);

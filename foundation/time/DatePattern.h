@@ -4,7 +4,7 @@
 #define ZQFOUNDATION_TIME_DATEPATTERN_H
 
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 #include "foundation/time/Clock.h"
 #include "foundation/time/NSTimeZone.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "foundation/text/NumberText.h"
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 #include "foundation/time/ZoneTable.h"
 
 namespace ZQFoundation::detail {

@@ -5,7 +5,7 @@
 
 #include "foundation/objects/NSDate.h"
 #include "foundation/system/TestOverrides.h"
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 #include "foundation/time/Clock.h"
 
 namespace ZQFoundation {

@@ -18,9 +18,9 @@ NSString asciiString(const char* bytes, std::size_t count) {
     return NSString(StringView::ascii(bytes, count));
 }
 
-/// The ASCII bytes of a zone's name, or false: no zone has another name.
+/// The ASCII bytes of a name (none for nil), or false: no zone has another name.
 bool asciiName(StringView text, char* out, std::size_t capacity) noexcept {
-    if (!text || text.size() > capacity) {
+    if (text.size() > capacity) {
         return false;
     }
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/time/PosixZone.h"
 
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
 

@@ -41,9 +41,11 @@ TEST(NSURL, keepsTheTextExactlyAsGiven) {
 
 TEST(NSURL, isNilForATextThatIsNoReference) {
     const char* const rows[] = {
-        "a b",         " http://h/",  "http://h/\n",  "http://caf\xc3\xa9/", "http://h/\xff", "\"x\"", "<x>",
-        "a\\b",        "a^b",         "a{b}",         "a|b",                 "a`b",           "a#b#c", "100%",
-        "%zz",         "x[1]",        "http://[h]/",  "http://h:port/",      "http://a@b@h/", "1http:x",
+        "a b",           " http://h/",     "http://h/\n",   "http://caf\xc3\xa9/",
+        "http://h/\xff", "\"x\"",          "<x>",           "a\\b",
+        "a^b",           "a{b}",           "a|b",           "a`b",
+        "a#b#c",         "100%",           "%zz",           "x[1]",
+        "http://[h]/",   "http://h:port/", "http://a@b@h/", "1http:x",
     };
     for (const char* row : rows) {
         SCOPED_TRACE(row);

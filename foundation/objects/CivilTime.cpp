@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/time/CivilTime.h"
+#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
 

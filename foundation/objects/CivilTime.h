@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
-#ifndef ZQFOUNDATION_TIME_CIVILTIME_H
-#define ZQFOUNDATION_TIME_CIVILTIME_H
+#ifndef ZQFOUNDATION_OBJECTS_CIVILTIME_H
+#define ZQFOUNDATION_OBJECTS_CIVILTIME_H
 
 #include <cstdint>
 

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_VIEWER_DOCUMENT_H
+#define ZQFOUNDATION_VIEWER_DOCUMENT_H
+
+#include <string>
+#include <string_view>
+
+#include <ZQFoundation/ZQFoundation.h>
+
+/// The head of a document: lines "Name: value" up to the first empty line.
+struct DocumentHeader {
+    ZQFoundation::NSDictionary fields; ///< name to value, both strings; empty without a header
+    std::size_t bodyStart = 0;         ///< where the text after the empty line begins
+};
+
+/// A text without a header gives no fields and a body that starts at 0.
+DocumentHeader parse_header(std::string_view text);
+
+/// One open document. By implementing NSObjectProtocol it can be given to "%@" and stand in collections.
+class Document : public ZQFoundation::NSObjectProtocol {
+public:
+    /// Reads the file. False, with the reason in words, when it cannot be read or is no UTF-8 text.
+    bool load(const std::string& path, std::string& reason);
+
+    /// From the header, else the file's name.
+    const ZQFoundation::NSString& title() const { return title_; }
+
+    /// Valid as long as the document.
+    std::string_view text() const { return text_; }
+    std::string_view body() const { return std::string_view(text_).substr(header_.bodyStart); }
+
+    /// "Document "Title", 139 bytes".
+    ZQFoundation::NSString description() const override;
+
+private:
+    std::string text_;
+    DocumentHeader header_;
+    ZQFoundation::NSString title_;
+};
+
+#endif

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_VIEWER_FILES_H
+#define ZQFOUNDATION_VIEWER_FILES_H
+
+#include <string>
+#include <string_view>
+
+/// The whole file in `bytes`; false, with `errno` telling why, when it cannot be read.
+bool read_file(const std::string& path, std::string& bytes);
+
+/// False, with `errno` telling why, when not all bytes could be written.
+bool write_file(const std::string& path, std::string_view bytes);
+
+/// A new folder for one file; both are removed when the object goes.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    /// Empty when the folder could not be made; `errno` tells why.
+    const std::string& path() const { return path_; }
+
+    /// Writes the file there and returns its path; empty when that fails.
+    std::string writeFile(const std::string& name, std::string_view bytes);
+
+private:
+    std::string path_;
+    std::string file_;
+};
+
+#endif

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_VIEWER_PREFERENCES_H
+#define ZQFOUNDATION_VIEWER_PREFERENCES_H
+
+#include <cstddef>
+
+/// What holds while the user has set nothing else.
+void register_defaults();
+
+/// The default `PageLength`: lines on a page, at least 1.
+std::size_t page_length();
+
+/// To be called after the user's settings have changed, from any thread.
+void preferences_changed();
+
+#endif

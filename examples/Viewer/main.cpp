@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+// Viewer, a host application in small. Read this file first, then Document.cpp.
+//
+// Every log call of Viewer stands under a trace key, so it writes nothing unless somebody asks. Try
+//
+//     Viewer -TraceDocuments YES
+//     Viewer -TraceNetwork YES -TraceLevel 3
+//
+// TraceKeys.h lists the keys. Log lines go to standard error.
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <ZQFoundation/ZQFoundation.h>
+
+#include "CommandLine.h"
+#include "DocumentStore.h"
+#include "Files.h"
+#include "NetworkSession.h"
+#include "Preferences.h"
+#include "Renderer.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
+
+constexpr const char help[] =
+    "Usage: Viewer [-<default> <value>]... [<document>]...\n"
+    "\n"
+    "Opens the documents, sends each through a pretended network session and lays it out on pages. Without "
+    "a\n"
+    "document it works on a sample, which it writes to a temporary folder. It writes nothing but log lines, "
+    "and\n"
+    "those only for the trace keys that are set:\n"
+    "\n"
+    "  -TraceDocuments YES   what is opened\n"
+    "  -TraceNetwork YES     each transfer\n"
+    "  -TraceRendering YES   how a document becomes pages\n"
+    "  -TraceFiles YES       each file that is read, written or removed\n"
+    "  -TraceLevel <n>       1: pages, 2: pieces of transfers too, exactly 3: lines too\n"
+    "  -PageLength <n>       lines on a page, 4 if not set\n"
+    "\n"
+    "Any default may also stand in ~/.config/ZQFoundation/com.example.Viewer.plist.\n"
+    "\n"
+    "  --help, --version     print a text and do nothing else\n"
+    "\n"
+    "Exit status: 0 when every document was shown, 1 when one was not, 2 for a wrong command line.\n";
+
+constexpr const char sample[] = "Title: Trace keys\n"
+                                "Author: Example\n"
+                                "\n"
+                                "A line appears while its key is on.\n"
+                                "Any key will do for some lines,\n"
+                                "others want all of theirs.\n"
+                                "\n"
+                                "With none of them set, nothing appears.\n";
+
+/// A value of the bundle's Info.plist as text; "?" when there is none.
+std::string info(StringView key) {
+    const NSString value(NSBundle::mainBundle().objectForInfoDictionaryKey(key));
+    return value ? value.utf8() : "?";
+}
+
+int show_version() {
+    std::printf("Viewer %s (%s)\n", info("CFBundleShortVersionString").c_str(),
+                info("CFBundleVersion").c_str());
+    return succeeded;
+}
+
+int show_failure(const std::string& what, const std::string& reason) {
+    std::fprintf(stderr, "Viewer: %s: %s\n", what.c_str(), reason.c_str());
+    return failed;
+}
+
+/// Opens, transfers and renders one document.
+int show_document(const std::string& path) {
+    std::string reason;
+    const Document* const document = DocumentStore::sharedStore().open(path, reason);
+    if (document == nullptr) {
+        return show_failure(path, reason);
+    }
+    std::string received;
+    NetworkSession session;
+    if (!session.transfer(document->text(), received) || received != document->text()) {
+        return show_failure(path, "The transfer failed");
+    }
+    Renderer(page_length()).render(*document);
+    return succeeded;
+}
+
+int show_sample() {
+    TemporaryFolder folder;
+    const std::string path = folder.writeFile("Trace keys.txt", sample);
+    return path.empty() ? show_failure("the temporary folder", std::strerror(errno)) : show_document(path);
+}
+
+int show_documents(const std::vector<std::string>& paths) {
+    int status = succeeded;
+    for (const std::string& path : paths) {
+        if (show_document(path) != succeeded) {
+            status = failed;
+        }
+    }
+    return status;
+}
+
+int run(const CommandLine& commandLine) {
+    register_defaults();
+    preferences_changed();
+    return commandLine.paths.empty() ? show_sample() : show_documents(commandLine.paths);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const CommandLine commandLine = parse_command_line(argc, argv);
+    switch (commandLine.action) {
+    case CommandLine::Action::open:
+        return run(commandLine);
+    case CommandLine::Action::showHelp:
+        std::fputs(help, stdout);
+        return succeeded;
+    case CommandLine::Action::showVersion:
+        return show_version();
+    case CommandLine::Action::complain:
+        std::fprintf(stderr, "Viewer: %s (try --help)\n", commandLine.complaint.c_str());
+        return misused;
+    }
+    return failed;
+}

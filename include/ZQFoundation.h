@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_ZQFOUNDATION_H
+#define ZQFOUNDATION_ZQFOUNDATION_H
+
+/// The one header that a host application includes:
+///
+///     #include <ZQFoundation/ZQFoundation.h>
+///     using namespace ZQFoundation;
+///
+///     class Store {
+///     public:
+///         void reload() {
+///             const NSDictionary state{{"items", 3}, {"names", NSArray{"a", "b"}}};
+///             const NSString text = state.condensedDescription();
+///             // "%@" takes any value, any text and any object that implements NSObjectProtocol.
+///             ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(
+///                 this, "reload", true, "TraceNetwork", "state %@", text);
+///         }
+///     };
+///
+///     int main() {
+///         Store().reload();
+///     }
+///
+/// Started with `-TraceNetwork YES` it writes to standard error, behind time and process,
+///
+///     TraceNetwork: -[(Store *)0x7ffd01 reload] state { items = 3; names = ( a, b ); }
+///
+/// and nothing when the key is not set. Everything stands in `namespace ZQFoundation`; no macro is defined
+/// that does not begin with ZQ. An operation is named as on the platform, each inner colon an underscore, the
+/// last one dropped. `std::string` is only declared here: include <string> where `utf8()` is called.
+
+// Values.
+#include "foundation/objects/Class.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSDictionary.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSObjectProtocol.h"
+#include "foundation/objects/NSSet.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/objects/NSURL.h"
+#include "foundation/objects/StringView.h"
+
+// Formats.
+#include "foundation/text/ArgumentList.h"
+#include "foundation/text/FormatString.h"
+
+// Property lists.
+#include "foundation/plist/NSPropertyListSerialization.h"
+
+// Dates as text.
+#include "foundation/time/NSDateFormatter.h"
+#include "foundation/time/NSTimeZone.h"
+
+// The process, its bundle and its settings.
+#include "foundation/process/NSBundle.h"
+#include "foundation/process/NSLog.h"
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/process/NSUserDefaults.h"
+
+// Logging.
+#include "log/ZQLog.h"
+
+#endif

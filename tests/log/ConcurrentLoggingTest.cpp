@@ -1,0 +1,297 @@
+// SPDX-License-Identifier: MIT
+// Many threads log at once, into everything that standard error may be, while others re-read the trace keys.
+#include <atomic>
+#include <thread>
+
+#include <sys/resource.h>
+#include <termios.h>
+
+#include "log/ZQLog.h"
+#include "tests/log/HostTesting.h"
+#include "tests/process/Scene.h"
+
+#if defined(ZQ_TEST_ADDRESS_SANITIZER) || defined(ZQ_TEST_THREAD_SANITIZER)
+// Standard error is a part of these tests, so reports go elsewhere.
+extern "C" const char* __asan_default_options() { return "log_path=stdout"; }
+extern "C" const char* __tsan_default_options() { return "log_path=stdout"; }
+#endif
+
+using namespace ZQFoundation;
+using namespace hosttest;
+
+namespace {
+
+constexpr int writerCount = 16;
+constexpr int linesPerWriter = scaled(20'000, 2'000, 400);
+
+/// Most lines are short, every hundredth up to 100 kB.
+std::size_t fillingLength(int writer, int sequence) {
+    const unsigned mixed = static_cast<unsigned>(writer * 7919 + sequence) * 2654435761U >> 8;
+    return sequence % 100 == 99 ? 200 + mixed % 99'500 : mixed % 100;
+}
+
+const std::vector<std::string>& labels() {
+    static const std::vector<std::string> known{"TraceSteady: ", "work() ", "TraceLevel>=2: "};
+    return known;
+}
+
+void writeNumberedLine(int writer, int sequence) {
+    const std::string text = numberedText(writer, sequence, fillingLength(writer, sequence));
+    switch (sequence % 4) {
+    case 0:
+        ZQLog::logAlways_log(true, text);
+        break;
+    case 1:
+        ZQLog::logAlways_logForTraceKey_usingFormat(true, "TraceSteady", "%@", text);
+        break;
+    case 2:
+        ZQLog::logFunctionName_logAlways_logWithFormat("work", true, "%s", text.c_str());
+        break;
+    default:
+        ZQLog::logAlways_logForTraceKey_threshold_usingFormat(true, "TraceLevel", 2, "%@", NSString(text));
+        break;
+    }
+}
+
+/// Settings in which two keys are always on and a third comes and goes, replaced as a whole as an editor does.
+class ChangingSettings {
+public:
+    ChangingSettings() { write(true); }
+
+    void write(bool withThird) const {
+        const std::string third = withThird ? "<key>TraceThird</key><true/>" : "";
+        const std::string fresh = folder_.write(
+            "fresh", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>TraceSteady</key><true/>" + third +
+                         "<key>TraceLevel</key><integer>3</integer></dict></plist>");
+        ::rename(fresh.c_str(), (folder_ / "NSGlobalDomain.plist").c_str());
+    }
+
+private:
+    scene::Folder folder_;
+    scene::Path path_{detail::overrides::defaultsFolder, folder_.path()};
+    scene::Arguments arguments_{detail::overrides::arguments, {"/bin/Writer"}};
+};
+
+/// Threads that re-read the trace keys and ask about them until they are told to stop.
+class Unrest {
+public:
+    explicit Unrest(const ChangingSettings& settings) {
+        ZQLog::initializeTraceDefaultsDict();
+        threads_.emplace_back([this, &settings] { reread(&settings); });
+        threads_.emplace_back([this] { reread(nullptr); });
+        threads_.emplace_back([this] { ask(); });
+        threads_.emplace_back([this] { ask(); });
+    }
+    Unrest(const Unrest&) = delete;
+    Unrest& operator=(const Unrest&) = delete;
+    ~Unrest() { stop(); }
+
+    void stop() {
+        stops_ = true;
+        for (std::thread& thread : threads_) {
+            thread.join();
+        }
+        threads_.clear();
+    }
+
+    long readings() const { return readings_; }
+    long questions() const { return questions_; }
+    long wrongAnswers() const { return wrongAnswers_; }
+
+private:
+    void reread(const ChangingSettings* settings) {
+        bool withThird = false;
+        while (!stops_) {
+            if (settings != nullptr) {
+                settings->write(withThird);
+                withThird = !withThird;
+            }
+            {
+                const ZQLog::Synchronized monitor;
+                ZQLog::initializeTraceDefaultsDict();
+            }
+            ++readings_;
+            ::usleep(500);
+        }
+    }
+
+    void ask() {
+        const NSArray both{"TraceThird", "TraceSteady"};
+        while (!stops_) {
+            const NSArray active = ZQLog::activatedTraceDefaultsKeys();
+            const bool holdsSteady = active.containsObject("TraceSteady") && active.count() <= 3;
+            const NSString any = ZQLog::logStringForAnyTraceKeyOf_usingFormat(both, "%d", 7);
+            const NSString all = ZQLog::logStringForAllTraceKeysOf_usingFormat(both, "%d", 7);
+            const bool isRight = any == NSString("TraceSteady: 7") || any == NSString("TraceThird/TraceSteady: 7");
+            const bool isWhole = !all || all == NSString("TraceThird+TraceSteady: 7");
+            if (!holdsSteady || !isRight || !isWhole || !ZQLog::traceKeyIsEnabled("TraceSteady") ||
+                ZQLog::traceKeyIsEnabled("TraceNever") || !ZQLog::aTraceDefaultValueHasBeenActivated()) {
+                ++wrongAnswers_;
+            }
+            ++questions_;
+            ::usleep(100);
+        }
+    }
+
+    std::atomic<bool> stops_ = false;
+    std::atomic<long> readings_ = 0;
+    std::atomic<long> questions_ = 0;
+    std::atomic<long> wrongAnswers_ = 0;
+    std::vector<std::thread> threads_;
+};
+
+void writeFromAllThreads(int lines) {
+    const ChangingSettings settings;
+    Unrest unrest(settings);
+    std::vector<std::thread> writers;
+    for (int writer = 0; writer < writerCount; ++writer) {
+        writers.emplace_back([writer, lines] {
+            for (int sequence = 0; sequence < lines; ++sequence) {
+                writeNumberedLine(writer, sequence);
+            }
+        });
+    }
+    for (std::thread& thread : writers) {
+        thread.join();
+    }
+    unrest.stop();
+    sayScale(std::to_string(writerCount) + " threads of " + std::to_string(lines) + " lines, " +
+             std::to_string(unrest.readings()) + " readings, " + std::to_string(unrest.questions()) + " questions");
+    EXPECT_EQ(unrest.wrongAnswers(), 0);
+    EXPECT_GT(unrest.readings(), 0);
+    EXPECT_GT(unrest.questions(), 0);
+}
+
+/// Writes into one end while another thread checks what comes out of the other.
+std::string verdictOfWriting(int writeEnd, int readEnd, int lines) {
+    LineChecker checker(labels());
+    std::thread reader([&checker, readEnd] { checker.takeAllOf(readEnd); });
+    {
+        Descriptor end(writeEnd);
+        const StandardErrorAs standardError(end.number());
+        writeFromAllThreads(lines);
+    }
+    reader.join();
+    return checker.verdict(writerCount, lines);
+}
+
+/// The two ends of a terminal that changes no byte; negative when there is none.
+std::pair<int, int> openTerminal() {
+    const int reading = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    char name[128];
+    if (reading < 0 || ::grantpt(reading) != 0 || ::unlockpt(reading) != 0 ||
+        ::ptsname_r(reading, name, sizeof name) != 0) {
+        return {reading, -1};
+    }
+    const int writing = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios settings{};
+    ::tcgetattr(writing, &settings);
+    ::cfmakeraw(&settings);
+    ::tcsetattr(writing, TCSANOW, &settings);
+    return {reading, writing};
+}
+
+TEST(ConcurrentLogging, keepsEveryLineInAFile) {
+    const scene::Folder folder;
+    {
+        const Descriptor file(openToAppend(folder / "log"));
+        const StandardErrorAs standardError(file.number());
+        writeFromAllThreads(linesPerWriter);
+    }
+    LineChecker checker(labels());
+    const Descriptor written(::open((folder / "log").c_str(), O_RDONLY | O_CLOEXEC));
+    checker.takeAllOf(written.number());
+    EXPECT_EQ(checker.verdict(writerCount, linesPerWriter), "");
+}
+
+TEST(ConcurrentLogging, keepsEveryLineInAPipe) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const Descriptor readEnd(ends[0]);
+    EXPECT_EQ(verdictOfWriting(ends[1], readEnd.number(), linesPerWriter), "");
+}
+
+TEST(ConcurrentLogging, keepsEveryLineInAPipeThatDoesNotBlock) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const Descriptor readEnd(ends[0]);
+    ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
+    EXPECT_EQ(verdictOfWriting(ends[1], readEnd.number(), linesPerWriter / 4), "");
+}
+
+TEST(ConcurrentLogging, keepsEveryLineOnATerminal) {
+    const auto [reading, writing] = openTerminal();
+    const Descriptor readEnd(reading);
+    ASSERT_GE(writing, 0) << "no terminal: " << std::strerror(errno);
+    EXPECT_EQ(verdictOfWriting(writing, readEnd.number(), linesPerWriter), "");
+}
+
+TEST(ConcurrentLogging, keepsEveryLineUnderAFileSizeLimit) {
+    // A limit, even one far away, is met with another way of writing.
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    rlimit limit = before;
+    limit.rlim_cur = rlim_t{1} << 34;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const Descriptor readEnd(ends[0]);
+    EXPECT_EQ(verdictOfWriting(ends[1], readEnd.number(), linesPerWriter / 4), "");
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+}
+
+TEST(ConcurrentLogging, keepsLinesOfSeveralProcessesWholeInAFile) {
+    constexpr int processes = 8;
+    constexpr int lines = scaled(5'000, 1'000, 300);
+    const scene::Folder folder;
+    const Descriptor file(openToAppend(folder / "log"));
+    std::vector<pid_t> children;
+    for (int process = 0; process < processes; ++process) {
+        children.push_back(::fork());
+        if (children.back() == 0) {
+            ::dup2(file.number(), STDERR_FILENO);
+            for (int sequence = 0; sequence < lines; ++sequence) {
+                ZQLog::logAlways_log(true, numberedText(process, sequence, fillingLength(process, sequence)));
+            }
+            ::_exit(0);
+        }
+    }
+    for (const pid_t child : children) {
+        EXPECT_EQ(endOf(child), "");
+    }
+    std::vector<int> next(processes, 0);
+    for (const std::string& text : textsIn(scene::contentsOf(folder / "log"))) {
+        const int process = std::atoi(text.c_str());
+        ASSERT_TRUE(process >= 0 && process < processes) << text.substr(0, 200);
+        int& sequence = next[static_cast<std::size_t>(process)];
+        ASSERT_EQ(text, numberedText(process, sequence, fillingLength(process, sequence)));
+        ++sequence;
+    }
+    EXPECT_EQ(next, std::vector<int>(processes, lines));
+    sayScale(std::to_string(processes) + " processes of " + std::to_string(lines) + " lines");
+}
+
+TEST(ConcurrentLogging, makesSharedThingsOnceWhenThreadsAskTogether) {
+    std::vector<std::thread> threads;
+    std::vector<const NSDateFormatter*> formatters(writerCount, nullptr);
+    std::atomic<int> ready = 0;
+    std::atomic<int> wrong = 0;
+    for (std::size_t i = 0; i < formatters.size(); ++i) {
+        threads.emplace_back([&, i] {
+            ++ready;
+            while (ready < writerCount) {
+            }
+            formatters[i] = &ZQLog::dateFormatterLong();
+            const NSString prefix = ZQLog::logPrefix();
+            const std::string end = "[" + std::to_string(::getpid()) + "]: ";
+            wrong += prefix.hasSuffix(end) && &ZQLog::dateFormatterLong() == formatters[i] ? 0 : 1;
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(std::count(formatters.begin(), formatters.end(), formatters.front()), writerCount);
+}
+
+} // namespace

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/time/NSTimeZone.h"
+
+#include <climits>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "tests/time/TimeTesting.h"
+
+namespace ZQFoundation {
+namespace {
+
+using testing::ScopedTimeZone;
+
+const NSDate winter = NSDate::dateWithTimeIntervalSince1970(1709643629);
+const NSDate summer = NSDate::dateWithTimeIntervalSince1970(1720000000);
+
+TEST(NSTimeZone, isNilByDefaultAndAnswersNothing) {
+    const NSTimeZone zone;
+    EXPECT_FALSE(zone);
+    EXPECT_FALSE(zone.name());
+    EXPECT_FALSE(zone.abbreviationForDate(winter));
+    EXPECT_EQ(zone.secondsFromGMTForDate(winter), 0);
+    EXPECT_FALSE(zone.isDaylightSavingTimeForDate(winter));
+    EXPECT_EQ(zone, NSTimeZone(nullptr));
+}
+
+TEST(NSTimeZone, followsTheVariable) {
+    const ScopedTimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
+    const NSTimeZone zone = NSTimeZone::systemTimeZone();
+    EXPECT_EQ(zone, NSTimeZone::defaultTimeZone());
+    EXPECT_EQ(zone.name(), "CET-1CEST,M3.5.0,M10.5.0/3");
+    EXPECT_EQ(zone.secondsFromGMTForDate(winter), 3600);
+    EXPECT_EQ(zone.secondsFromGMTForDate(summer), 7200);
+    EXPECT_EQ(zone.abbreviationForDate(winter), "CET");
+    EXPECT_EQ(zone.abbreviationForDate(summer), "CEST");
+    EXPECT_FALSE(zone.isDaylightSavingTimeForDate(winter));
+    EXPECT_TRUE(zone.isDaylightSavingTimeForDate(summer));
+
+    scope.change("EST5");
+    EXPECT_EQ(NSTimeZone::systemTimeZone().secondsFromGMTForDate(summer), -18000);
+    EXPECT_EQ(zone.secondsFromGMTForDate(summer), 7200) << "a zone that was handed out stays what it is";
+    scope.change("");
+    EXPECT_EQ(NSTimeZone::systemTimeZone().name(), "UTC");
+}
+
+TEST(NSTimeZone, rereadsAZoneFileWhenReset) {
+    testing::ScopedFolder folder;
+    testing::ZoneData data;
+    data.clocks = {{3600, false, 0}};
+    data.names = std::string("ONE", 4);
+    const std::string path = folder.write("zone", data.bytes());
+    const ScopedTimeZone scope(path.c_str());
+    EXPECT_EQ(NSTimeZone::systemTimeZone().secondsFromGMTForDate(winter), 3600);
+    data.clocks[0].offset = 7200;
+    folder.write("zone", data.bytes());
+    EXPECT_EQ(NSTimeZone::systemTimeZone().secondsFromGMTForDate(winter), 3600);
+    NSTimeZone::resetSystemTimeZone();
+    EXPECT_EQ(NSTimeZone::systemTimeZone().secondsFromGMTForDate(winter), 7200);
+}
+
+TEST(NSTimeZone, findsZonesByName) {
+    if (!testing::hasZoneFile("Europe/Berlin")) {
+        GTEST_SKIP() << "there are no zone files on this machine";
+    }
+    const NSTimeZone berlin = NSTimeZone::timeZoneWithName("Europe/Berlin");
+    ASSERT_TRUE(berlin);
+    EXPECT_EQ(berlin.name(), "Europe/Berlin");
+    EXPECT_EQ(berlin.secondsFromGMTForDate(winter), 3600);
+    EXPECT_EQ(berlin.abbreviationForDate(summer), "CEST");
+    EXPECT_EQ(berlin, NSTimeZone::timeZoneWithName(u"Europe/Berlin"));
+    EXPECT_EQ(berlin, NSTimeZone::timeZoneWithName(NSString("Europe/Berlin")));
+    EXPECT_FALSE(berlin == NSTimeZone::timeZoneWithName("America/New_York"));
+    EXPECT_FALSE(berlin == NSTimeZone());
+    const NSDate farAway = NSDate::dateWithTimeIntervalSince1970(2540000000); // June 2050
+    EXPECT_EQ(berlin.secondsFromGMTForDate(farAway), 7200);
+    const NSDate beforeRailways = NSDate::dateWithTimeIntervalSince1970(-6000000000);
+    EXPECT_EQ(berlin.secondsFromGMTForDate(beforeRailways), 3208);
+}
+
+TEST(NSTimeZone, isNilForNamesThatAreUnknown) {
+    const StringView rows[] = {
+        nullptr,           "",       "Nowhere/Land",        "/usr/share/zoneinfo/Europe/Berlin",
+        "../zoneinfo/UTC", "Europe", u"Europe/B\u00e9rlin", StringView("UTC\0", 4),
+        u"UT\u0143"};
+    for (const StringView row : rows) {
+        EXPECT_FALSE(NSTimeZone::timeZoneWithName(row)) << NSString(row).utf8();
+    }
+    EXPECT_FALSE(NSTimeZone::timeZoneWithName(std::string(1000, 'x')));
+}
+
+TEST(NSTimeZone, knowsUtcWhateverIsInstalled) {
+    const testing::ScopedEnvironment folder("TZDIR", "/nowhere/at/all");
+    const NSTimeZone zone = NSTimeZone::timeZoneWithName("UTC");
+    ASSERT_TRUE(zone);
+    EXPECT_EQ(zone.name(), "UTC");
+    EXPECT_EQ(zone.abbreviationForDate(winter), "UTC");
+}
+
+TEST(NSTimeZone, takesFixedOffsetsUpTo18Hours) {
+    const struct {
+        int seconds;
+        const char* name;
+        const char* abbreviation;
+    } rows[] = {{0, "GMT", "GMT"},
+                {3600, "GMT+0100", "GMT+1"},
+                {-12600, "GMT-0330", "GMT-3:30"},
+                {64800, "GMT+1800", "GMT+18"},
+                {-64800, "GMT-1800", "GMT-18"}};
+    for (const auto& row : rows) {
+        const NSTimeZone zone = NSTimeZone::timeZoneForSecondsFromGMT(row.seconds);
+        ASSERT_TRUE(zone);
+        EXPECT_EQ(zone.name(), row.name);
+        EXPECT_EQ(zone.abbreviationForDate(winter), row.abbreviation);
+        EXPECT_EQ(zone.secondsFromGMTForDate(winter), row.seconds);
+        EXPECT_FALSE(zone.isDaylightSavingTimeForDate(summer));
+        EXPECT_EQ(zone, NSTimeZone::timeZoneForSecondsFromGMT(row.seconds));
+    }
+    EXPECT_FALSE(NSTimeZone::timeZoneForSecondsFromGMT(64801));
+    EXPECT_FALSE(NSTimeZone::timeZoneForSecondsFromGMT(-64801));
+    EXPECT_FALSE(NSTimeZone::timeZoneForSecondsFromGMT(INT_MIN));
+}
+
+TEST(NSTimeZone, answersNothingForNilDatesAndSomethingForAllOthers) {
+    const ScopedTimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
+    const NSTimeZone zone = NSTimeZone::systemTimeZone();
+    EXPECT_EQ(zone.secondsFromGMTForDate(nullptr), 0);
+    EXPECT_FALSE(zone.abbreviationForDate(nullptr));
+    EXPECT_FALSE(zone.isDaylightSavingTimeForDate(nullptr));
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (const double seconds :
+         {1e300, -1e300, infinity, -infinity, std::numeric_limits<double>::quiet_NaN(), 9e18}) {
+        const int offset = zone.secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(seconds));
+        EXPECT_TRUE(offset == 3600 || offset == 7200) << seconds;
+    }
+}
+
+TEST(NSTimeZone, countsTheSecondOfAFractionBefore1970) {
+    const ScopedTimeZone scope("AAA0BBB,0/0,J182");
+    const NSTimeZone zone = NSTimeZone::systemTimeZone();
+    EXPECT_FALSE(zone.isDaylightSavingTimeForDate(NSDate::dateWithTimeIntervalSince1970(-0.25)));
+    EXPECT_TRUE(zone.isDaylightSavingTimeForDate(NSDate::dateWithTimeIntervalSince1970(0)));
+}
+
+} // namespace
+} // namespace ZQFoundation
