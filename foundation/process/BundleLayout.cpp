@@ -49,9 +49,7 @@ std::string folderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-std::string lastComponentOf(const std::string& path) {
-    return path.substr(path.find_last_of('/') + 1);
-}
+std::string lastComponentOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
 
 BundleLayout layoutOfFolder(const std::string& folder) {
     if (isFolder(folder + "/Contents")) {
@@ -104,7 +102,8 @@ std::vector<std::string> localizedFolders(const std::string& resources) {
     while (const dirent* entry = folder.next()) {
         const std::string name = entry->d_name;
         const std::size_t extension = sizeof localizedExtension - 1;
-        if (name.size() > extension && endsWith(name, localizedExtension) && isFolder(resources + "/" + name)) {
+        if (name.size() > extension && endsWith(name, localizedExtension) &&
+            isFolder(resources + "/" + name)) {
             names.push_back(name.substr(0, name.size() - extension));
         }
     }

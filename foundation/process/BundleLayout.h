@@ -23,9 +23,9 @@ struct BundleLayout {
 /// The layout that is found in an existing folder.
 BundleLayout layoutOfFolder(const std::string& folder);
 
-/// The bundle around a program: the X.app whose Contents/MacOS holds it; else its own folder when an Info.plist or
-/// Resources/Info.plist stands there; else, for a program in a "bin" folder, ../share/<process name> when that
-/// exists; else its own folder, with no Info dictionary.
+/// The bundle around a program: the X.app whose Contents/MacOS holds it; else its own folder when an
+/// Info.plist or Resources/Info.plist stands there; else, for a program in a "bin" folder, ../share/<process
+/// name> when that exists; else its own folder, with no Info dictionary.
 BundleLayout layoutOfProgram(const std::string& program, const std::string& processName);
 
 /// The bundle of a library: `Resources` beside it, else share/ZQFoundation of the same installation.

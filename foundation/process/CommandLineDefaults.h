@@ -14,10 +14,11 @@ namespace ZQFoundation::detail {
 ///
 ///     program -TraceLevel 3 -Names "(a, b)" -Flag <true/>
 ///
-/// From the first argument after the program on, while at least two are left: an argument that starts with "-" and
-/// is longer, followed by one that does not start with "-", is a key (without that "-") with its value; both are
-/// passed. Anything else is passed alone. Of repeated keys the last wins. The value loses white space and line
-/// breaks at both ends; if it then begins with one of { ( [ < " and is a property list, that is the value.
+/// From the first argument after the program on, while at least two are left: an argument that starts with
+/// "-" and is longer, followed by one that does not start with "-", is a key (without that "-") with its
+/// value; both are passed. Anything else is passed alone. Of repeated keys the last wins. The value loses
+/// white space and line breaks at both ends; if it then begins with one of { ( [ < " and is a property list,
+/// that is the value.
 NSDictionary defaultsFromArguments(const std::vector<std::string>& arguments);
 
 } // namespace ZQFoundation::detail

@@ -25,9 +25,7 @@ struct AccountHome {
 // The user database is asked once: it may be slow, and a forked child should not have to ask it at all.
 constinit Published<AccountHome> accountHome;
 
-bool isAbsolute(const char* path) noexcept {
-    return path != nullptr && *path == '/';
-}
+bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == '/'; }
 
 std::string homeFromDatabase(uid_t account) {
     std::vector<char> buffer(1024);
@@ -82,7 +80,8 @@ std::string fileOfDomain(const NSString& domain) {
 
 NSDictionary DomainFile::kept(const std::string& path, const FileStamp& stamp) const {
     return snapshot_.read([&](const Snapshot* snapshot) {
-        const bool same = snapshot != nullptr && snapshot->settled && snapshot->stamp == stamp && snapshot->path == path;
+        const bool same =
+            snapshot != nullptr && snapshot->settled && snapshot->stamp == stamp && snapshot->path == path;
         return same ? snapshot->values : NSDictionary();
     });
 }

@@ -11,9 +11,9 @@
 
 namespace ZQFoundation::detail {
 
-/// The folder that holds the defaults domains: `$XDG_CONFIG_HOME/ZQFoundation` when that variable is an absolute
-/// path, else `~/.config/ZQFoundation`, home being `$HOME` when that is an absolute path, else the user database's.
-/// Follows the environment at every call. Empty when nothing tells where the home folder is.
+/// The folder that holds the defaults domains: `$XDG_CONFIG_HOME/ZQFoundation` when that variable is an
+/// absolute path, else `~/.config/ZQFoundation`, home being `$HOME` when that is an absolute path, else the
+/// user database's. Follows the environment at every call. Empty when nothing tells where the home folder is.
 std::string defaultsFolder();
 
 /// The file of a domain, or empty when no file can bear its name.
@@ -24,8 +24,8 @@ class DomainFile {
 public:
     constexpr DomainFile() noexcept = default;
 
-    /// What the file holds now; nil when it cannot be read, empty when it holds no dictionary. One look at the
-    /// file's state when it is unchanged.
+    /// What the file holds now; nil when it cannot be read, empty when it holds no dictionary. One look at
+    /// the file's state when it is unchanged.
     NSDictionary values(const std::string& path);
 
 private:

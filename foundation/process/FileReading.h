@@ -8,12 +8,12 @@
 
 #include "foundation/objects/NSDictionary.h"
 
-/// Reading of the files that describe the process: Info dictionaries, string tables, defaults domains. Nothing here
-/// writes, blocks on a pipe or device, or follows endless links.
+/// Reading of the files that describe the process: Info dictionaries, string tables, defaults domains.
+/// Nothing here writes, blocks on a pipe or device, or follows endless links.
 namespace ZQFoundation::detail {
 
-/// What tells one state of a file from another. The change time catches what the modification time does not: new
-/// permissions, and a modification time that was set back.
+/// What tells one state of a file from another. The change time catches what the modification time does not:
+/// new permissions, and a modification time that was set back.
 struct FileStamp {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -52,7 +52,8 @@ NSDictionary dictionaryFromBytes(const std::string& bytes);
 /// The same for a string table, which may leave out the braces.
 NSDictionary stringTableFromBytes(const std::string& bytes);
 
-/// The bytes of the text as part of a path; false for nil and for texts that no file can bear, "/" among them.
+/// The bytes of the text as part of a path; false for nil and for texts that no file can bear, "/" among
+/// them.
 bool getFileName(const NSString& text, std::string& name);
 
 } // namespace ZQFoundation::detail

@@ -35,9 +35,7 @@ bool hasOnlyLetters(const std::string& text) noexcept {
     return std::all_of(text.begin(), text.end(), [](char c) { return lower(c) >= 'a' && lower(c) <= 'z'; });
 }
 
-bool isScript(const std::string& part) noexcept {
-    return part.size() == 4 && hasOnlyLetters(part);
-}
+bool isScript(const std::string& part) noexcept { return part.size() == 4 && hasOnlyLetters(part); }
 
 bool isRegion(const std::string& part) noexcept {
     return (part.size() == 2 && hasOnlyLetters(part)) || part.size() == 3;

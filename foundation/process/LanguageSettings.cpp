@@ -19,9 +19,7 @@ bool isTagCharacter(char character) noexcept {
     return isLetter(character) || (character >= '0' && character <= '9') || character == '-';
 }
 
-bool namesNoLanguage(const std::string& tag) noexcept {
-    return tag == "C" || tag == "POSIX";
-}
+bool namesNoLanguage(const std::string& tag) noexcept { return tag == "C" || tag == "POSIX"; }
 
 /// The script that a locale's modifier stands for, with the hyphen in front, or empty.
 std::string scriptOfModifier(const std::string& modifier) {

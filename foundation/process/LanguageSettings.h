@@ -10,13 +10,13 @@ namespace ZQFoundation::detail {
 
 /// The user's languages by the process's environment, most wanted first: "de-AT", "sr-Latn-RS".
 ///
-/// The first of LANGUAGE, LC_ALL, LC_MESSAGES and LANG that is set and not empty decides. LANGUAGE is a list with
-/// colons; the others name one locale. The locales C and POSIX name no language and end the list. Empty when the
-/// environment names none.
+/// The first of LANGUAGE, LC_ALL, LC_MESSAGES and LANG that is set and not empty decides. LANGUAGE is a list
+/// with colons; the others name one locale. The locales C and POSIX name no language and end the list. Empty
+/// when the environment names none.
 std::vector<std::string> languagesFromEnvironment();
 
-/// The language tag of a locale's name: "de_AT.UTF-8@euro" gives "de-AT", "sr_RS@latin" "sr-Latn-RS". Empty for C,
-/// POSIX and names that are none.
+/// The language tag of a locale's name: "de_AT.UTF-8@euro" gives "de-AT", "sr_RS@latin" "sr-Latn-RS". Empty
+/// for C, POSIX and names that are none.
 std::string languageOfLocale(const std::string& locale);
 
 } // namespace ZQFoundation::detail

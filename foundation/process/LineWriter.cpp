@@ -22,7 +22,8 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Lines of different threads must not tear on pipes, terminals and sockets, where long writes go out in pieces.
+/// Lines of different threads must not tear on pipes, terminals and sockets, where long writes go out in
+/// pieces.
 constinit Lock writerLock;
 
 /// Where a line broke off half-way, so that the next one there starts on a line of its own.
@@ -40,7 +41,8 @@ constexpr std::size_t inlineBytes = 2048;
 class LineBuffer {
 public:
     explicit LineBuffer(std::size_t capacity)
-        : start_(capacity > inlineBytes ? static_cast<char*>(::operator new(capacity)) : inline_), end_(start_) {}
+        : start_(capacity > inlineBytes ? static_cast<char*>(::operator new(capacity)) : inline_),
+          end_(start_) {}
     LineBuffer(const LineBuffer&) = delete;
     LineBuffer& operator=(const LineBuffer&) = delete;
     ~LineBuffer() {

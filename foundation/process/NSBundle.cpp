@@ -143,7 +143,8 @@ NSString regionOf(BundleRecord& record) {
 }
 
 std::vector<std::string> localizationsOf(BundleRecord& record) {
-    std::vector<std::string> names = namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
+    std::vector<std::string> names =
+        namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
     for (const std::string& folder : localizedFolders(record.layout.resources)) {
         addName(names, textOfPath(folder));
     }
@@ -300,15 +301,14 @@ std::string fileOfLibrary() {
 
 } // namespace detail
 
-NSBundle NSBundle::mainBundle() {
-    return NSBundle(detail::currentMainRecord());
-}
+NSBundle NSBundle::mainBundle() { return NSBundle(detail::currentMainRecord()); }
 
 NSBundle NSBundle::libraryBundle() {
     detail::BundleRecord* record = detail::libraryRecord.load(std::memory_order_acquire);
     if (record == nullptr) {
         const detail::ErrnoKeeper errnoKeeper;
-        record = detail::recordFor(detail::layoutOfLibrary(detail::fileOfLibrary()), detail::BundleRole::library, "");
+        record = detail::recordFor(detail::layoutOfLibrary(detail::fileOfLibrary()),
+                                   detail::BundleRole::library, "");
         detail::libraryRecord.store(record, std::memory_order_release);
     }
     return NSBundle(record);

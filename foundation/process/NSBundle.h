@@ -14,9 +14,9 @@ struct BundleRecord;
 ///
 ///     NSString version(NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleShortVersionString"));
 ///
-/// A nullable handle; the same folder always gives an equal one. What a bundle has read (Info dictionary, string
-/// tables, the choice of localizations) it keeps until the process ends; files changed later are not seen. A file
-/// that cannot be read, is empty, cut off or of the wrong type counts as empty.
+/// A nullable handle; the same folder always gives an equal one. What a bundle has read (Info dictionary,
+/// string tables, the choice of localizations) it keeps until the process ends; files changed later are not
+/// seen. A file that cannot be read, is empty, cut off or of the wrong type counts as empty.
 ///
 /// All operations may be called from any thread at any time, leave `errno` alone, and answer nil or an empty
 /// collection for a nil bundle.
@@ -27,16 +27,16 @@ public:
 
     /// The bundle of the running program, found from the program's own file: the `X.app` around
     /// `X.app/Contents/MacOS/<program>`; else the program's folder when it holds `Resources/Info.plist` or
-    /// `Info.plist`; else, for a program in a `bin` folder, `../share/<process name>`; else the program's folder,
-    /// with an empty Info dictionary. Never nil.
+    /// `Info.plist`; else, for a program in a `bin` folder, `../share/<process name>`; else the program's
+    /// folder, with an empty Info dictionary. Never nil.
     static NSBundle mainBundle();
 
-    /// The library's own bundle: `Resources` beside the library's file, else `../share/ZQFoundation`. Never nil; its
-    /// folder need not exist, then it has no tables.
+    /// The library's own bundle: `Resources` beside the library's file, else `../share/ZQFoundation`. Never
+    /// nil; its folder need not exist, then it has no tables.
     static NSBundle libraryBundle();
 
-    /// The bundle in an existing folder: `Contents/`, `Resources/Info.plist` or a flat one. Nil when there is no such
-    /// folder. A relative path is taken from the current folder.
+    /// The bundle in an existing folder: `Contents/`, `Resources/Info.plist` or a flat one. Nil when there is
+    /// no such folder. A relative path is taken from the current folder.
     static NSBundle bundleWithPath(StringView path);
 
     constexpr explicit operator bool() const noexcept { return record_ != nullptr; }
@@ -56,28 +56,30 @@ public:
     /// The folder of the resources; it need not exist.
     NSString resourcePath() const;
 
-    /// The program's file for the main bundle; for others the file that `CFBundleExecutable`, else the bundle's
-    /// own name, names; nil when there is none.
+    /// The program's file for the main bundle; for others the file that `CFBundleExecutable`, else the
+    /// bundle's own name, names; nil when there is none.
     NSString executablePath() const;
 
-    /// Names of localizations: `CFBundleLocalizations` of the Info dictionary, then the `*.lproj` folders of the
-    /// resources in ascending order; with a `Base.lproj`, or without any localization, also the development region.
+    /// Names of localizations: `CFBundleLocalizations` of the Info dictionary, then the `*.lproj` folders of
+    /// the resources in ascending order; with a `Base.lproj`, or without any localization, also the
+    /// development region.
     NSArray localizations() const;
 
     /// Those of the localizations that suit the user best, the most exact first. The user's languages are the
-    /// default `AppleLanguages`; a bundle other than the main one prefers the main bundle's. When none fits: the
-    /// development region, "en" or the first localization, whichever there is; "en" without any localization.
-    /// Decided at the first call.
+    /// default `AppleLanguages`; a bundle other than the main one prefers the main bundle's. When none fits:
+    /// the development region, "en" or the first localization, whichever there is; "en" without any
+    /// localization. Decided at the first call.
     NSArray preferredLocalizations() const;
 
     /// The Info dictionary's `CFBundleDevelopmentRegion`; nil without one.
     NSString developmentLocalization() const;
 
-    /// The text under the key in `<table>.strings`; nil or empty table: `Localizable`. The first place that has the
-    /// file is searched and no other: the resources themselves, the preferred localizations in order, `Base`, the
-    /// development region. When the key is missing: `value` when it is neither nil nor empty, else the key. A nil
-    /// key gives `value`, or the empty string.
-    NSString localizedStringForKey_value_table(const NSString& key, const NSString& value, StringView table) const;
+    /// The text under the key in `<table>.strings`; nil or empty table: `Localizable`. The first place that
+    /// has the file is searched and no other: the resources themselves, the preferred localizations in order,
+    /// `Base`, the development region. When the key is missing: `value` when it is neither nil nor empty,
+    /// else the key. A nil key gives `value`, or the empty string.
+    NSString localizedStringForKey_value_table(const NSString& key, const NSString& value,
+                                               StringView table) const;
 
 private:
     constexpr explicit NSBundle(detail::BundleRecord* record) noexcept : record_(record) {}

@@ -6,8 +6,8 @@
 
 namespace ZQFoundation {
 
-/// Formats without a locale and writes the text as one line to standard error, behind the date, the process name and
-/// the identifiers of process and thread. A nil format is ignored.
+/// Formats without a locale and writes the text as one line to standard error, behind the date, the process
+/// name and the identifiers of process and thread. A nil format is ignored.
 ZQFOUNDATION_EXPORT void NSLogv(StringView format, ArgumentList arguments);
 
 /// The same with variable arguments.

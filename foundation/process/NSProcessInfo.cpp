@@ -77,7 +77,8 @@ const IdentityRecord* recordFor(const NSString& name, NameSource source) {
     const std::uint32_t generation = system::forkGeneration();
     for (const IdentityRecord* record = allIdentities.load(std::memory_order_acquire); record != nullptr;
          record = record->previous) {
-        if (record->generation == generation && record->source == source && record->name.isEqualToString(name)) {
+        if (record->generation == generation && record->source == source &&
+            record->name.isEqualToString(name)) {
             return record;
         }
     }
@@ -107,9 +108,7 @@ const IdentityRecord& identityRecord() {
 
 } // namespace
 
-const ProcessIdentity& processIdentity() {
-    return identityRecord().identity;
-}
+const ProcessIdentity& processIdentity() { return identityRecord().identity; }
 
 const std::vector<std::string>& processArguments() {
     if (overrides::arguments != nullptr) {
@@ -130,20 +129,17 @@ NSProcessInfo& NSProcessInfo::processInfo() noexcept {
     return instance;
 }
 
-NSString NSProcessInfo::processName() const {
-    return detail::identityRecord().name;
-}
+NSString NSProcessInfo::processName() const { return detail::identityRecord().name; }
 
 void NSProcessInfo::setProcessName(const NSString& name) {
     if (name.length() == 0) {
         return;
     }
-    detail::currentIdentity.store(detail::recordFor(name, detail::NameSource::host), std::memory_order_release);
+    detail::currentIdentity.store(detail::recordFor(name, detail::NameSource::host),
+                                  std::memory_order_release);
 }
 
-int NSProcessInfo::processIdentifier() const {
-    return detail::processIdentity().pid;
-}
+int NSProcessInfo::processIdentifier() const { return detail::processIdentity().pid; }
 
 NSArray NSProcessInfo::arguments() const {
     const std::vector<std::string>& arguments = detail::processArguments();
@@ -165,7 +161,8 @@ NSDictionary NSProcessInfo::environment() const {
             NSString::stringWithFileSystemBytes(*entry, static_cast<std::size_t>(equals - *entry));
         // Of a name that stands twice the first one counts, as for `getenv`.
         if (!result.objectForKey(name)) {
-            result.setObject_forKey(NSString::stringWithFileSystemBytes(equals + 1, std::strlen(equals + 1)), name);
+            result.setObject_forKey(NSString::stringWithFileSystemBytes(equals + 1, std::strlen(equals + 1)),
+                                    name);
         }
     }
     return result.dictionary();

@@ -10,8 +10,8 @@ namespace ZQFoundation {
 ///
 ///     NSString name = NSProcessInfo::processInfo().processName(); // "Viewer"
 ///
-/// All operations may be called from any thread at any time: before `main`, in static destructors, in a forked
-/// child. They leave `errno` alone.
+/// All operations may be called from any thread at any time: before `main`, in static destructors, in a
+/// forked child. They leave `errno` alone.
 class ZQFOUNDATION_EXPORT NSProcessInfo {
 public:
     /// The one object, never destroyed.
@@ -20,12 +20,13 @@ public:
     NSProcessInfo(const NSProcessInfo&) = delete;
     NSProcessInfo& operator=(const NSProcessInfo&) = delete;
 
-    /// The last path component of argument 0; when that is empty, of the program's file. Never nil. A byte that is
-    /// not part of well-formed UTF-8 reads as the unit U+DC00 + byte.
+    /// The last path component of argument 0; when that is empty, of the program's file. Never nil. A byte
+    /// that is not part of well-formed UTF-8 reads as the unit U+DC00 + byte.
     NSString processName() const;
 
-    /// Renames the process for `processName` and the log prefix; the operating system is not told. A process always
-    /// has a name: nil and the empty text change nothing. Each new name is kept until the process ends.
+    /// Renames the process for `processName` and the log prefix; the operating system is not told. A process
+    /// always has a name: nil and the empty text change nothing. Each new name is kept until the process
+    /// ends.
     void setProcessName(const NSString& name);
 
     /// The process's number; a forked child sees its own.
@@ -34,8 +35,8 @@ public:
     /// The arguments the process was started with, the program's own name first, as an array of strings.
     NSArray arguments() const;
 
-    /// The environment as it is at this moment: a dictionary of strings. Like any look at the environment it must
-    /// not run while another thread changes it.
+    /// The environment as it is at this moment: a dictionary of strings. Like any look at the environment it
+    /// must not run while another thread changes it.
     NSDictionary environment() const;
 
 private:

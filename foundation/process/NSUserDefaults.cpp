@@ -25,8 +25,8 @@ constinit detail::DomainFile applicationFile;
 constinit detail::DomainFile globalFile;
 constinit std::atomic<const NSDictionary*> commandLine{nullptr};
 
-// What this process has set in the application's domain. The null object, which no property list holds, stands for
-// a removed key.
+// What this process has set in the application's domain. The null object, which no property list holds,
+// stands for a removed key.
 constinit detail::Published<NSDictionary> applicationChanges;
 constinit detail::Published<NSDictionary> registeredValues;
 constinit detail::Lock changeLock; // lets one change follow the other
@@ -61,9 +61,7 @@ NSDictionary applicationFileValues() {
     return applicationFile.values(detail::fileOfDomain(domain));
 }
 
-NSDictionary globalFileValues() {
-    return globalFile.values(detail::fileOfDomain(globalDomain));
-}
+NSDictionary globalFileValues() { return globalFile.values(detail::fileOfDomain(globalDomain)); }
 
 NSArray languages() {
     NSMutableArray result;
@@ -73,9 +71,7 @@ NSArray languages() {
     return result.array();
 }
 
-bool isRemoval(const NSObject& change) {
-    return static_cast<bool>(change.as<NSNull>());
-}
+bool isRemoval(const NSObject& change) { return static_cast<bool>(change.as<NSNull>()); }
 
 NSObject applicationValue(StringView key) {
     const NSObject changed = current(applicationChanges).objectForKey(key);
@@ -123,7 +119,8 @@ NSDictionary applicationDomain() {
 void demandPropertyListValue(const NSObject& value, const NSObject& key) {
     if (!detail::isPropertyListValue(value)) {
         NSException::raise_format(NSInvalidArgumentException,
-                                  "The value for the default %@ is not of a kind that a property list holds", key);
+                                  "The value for the default %@ is not of a kind that a property list holds",
+                                  key);
     }
 }
 
@@ -173,21 +170,15 @@ NSString NSUserDefaults::stringForKey(StringView key) const {
     return number ? number.stringValue() : NSString(value);
 }
 
-NSArray NSUserDefaults::arrayForKey(StringView key) const {
-    return NSArray(objectForKey(key));
-}
+NSArray NSUserDefaults::arrayForKey(StringView key) const { return NSArray(objectForKey(key)); }
 
 NSDictionary NSUserDefaults::dictionaryForKey(StringView key) const {
     return NSDictionary(objectForKey(key));
 }
 
-NSData NSUserDefaults::dataForKey(StringView key) const {
-    return NSData(objectForKey(key));
-}
+NSData NSUserDefaults::dataForKey(StringView key) const { return NSData(objectForKey(key)); }
 
-bool NSUserDefaults::boolForKey(StringView key) const {
-    return objectForKey(key).boolValue();
-}
+bool NSUserDefaults::boolForKey(StringView key) const { return objectForKey(key).boolValue(); }
 
 std::int64_t NSUserDefaults::integerForKey(StringView key) const {
     const NSObject value = objectForKey(key);
@@ -233,7 +224,8 @@ void NSUserDefaults::registerDefaults(const NSDictionary& values) {
     const detail::ErrnoKeeper errnoKeeper;
     for (const NSDictionaryEntry& entry : values) {
         if (!entry.key.as<NSString>()) {
-            NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is no string", entry.key);
+            NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is no string",
+                                      entry.key);
         }
         demandPropertyListValue(entry.value, entry.key);
     }

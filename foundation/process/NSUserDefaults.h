@@ -7,21 +7,25 @@
 
 namespace ZQFoundation {
 
-/// The settings of the user and the host, gathered from several domains. The first domain that has a key answers:
+/// The settings of the user and the host, gathered from several domains. The first domain that has a key
+/// answers:
 ///
 /// 1. the command line: `-TraceLevel 3`, `-Names "(a, b)"`;
-/// 2. the application's domain, named by the main bundle's identifier, else by the process: what this process has
+/// 2. the application's domain, named by the main bundle's identifier, else by the process: what this process
+/// has
 ///    set, else the file `<domain>.plist`;
 /// 3. the global domain, the file `NSGlobalDomain.plist`;
 /// 4. the language settings: `AppleLanguages` from LANGUAGE, LC_ALL, LC_MESSAGES or LANG;
 /// 5. the values that the host has registered.
 ///
-/// The files stand in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property lists in any
-/// form. **They are never written:** what a process sets holds for that process only. A changed file is seen by the
-/// next look; a file that is absent, unreadable, too large (256 MiB), cut off or of the wrong type is passed over.
+/// The files stand in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property
+/// lists in any form. **They are never written:** what a process sets holds for that process only. A changed
+/// file is seen by the next look; a file that is absent, unreadable, too large (256 MiB), cut off or of the
+/// wrong type is passed over.
 ///
-/// All operations may be called from any thread at any time: before `main`, in static destructors, and in a forked
-/// child whatever other threads were doing. They leave `errno` alone and follow the environment as it is at the call.
+/// All operations may be called from any thread at any time: before `main`, in static destructors, and in a
+/// forked child whatever other threads were doing. They leave `errno` alone and follow the environment as it
+/// is at the call.
 class ZQFOUNDATION_EXPORT NSUserDefaults {
 public:
     /// The one object, never destroyed.
@@ -30,12 +34,12 @@ public:
     NSUserDefaults(const NSUserDefaults&) = delete;
     NSUserDefaults& operator=(const NSUserDefaults&) = delete;
 
-    /// The value as it is stored: string, number, boolean, date, data, array or dictionary. Nil for an unknown or
-    /// nil key.
+    /// The value as it is stored: string, number, boolean, date, data, array or dictionary. Nil for an
+    /// unknown or nil key.
     NSObject objectForKey(StringView key) const;
 
-    /// All domains merged, key by key: of each key the value that `objectForKey` gives. The order is the same in
-    /// every run: domains in the order above, in each its keys in the order of its file.
+    /// All domains merged, key by key: of each key the value that `objectForKey` gives. The order is the same
+    /// in every run: domains in the order above, in each its keys in the order of its file.
     NSDictionary dictionaryRepresentation() const;
 
     /// A string, or a number's text; nil for any other value.
@@ -54,16 +58,17 @@ public:
     float floatForKey(StringView key) const;
     double doubleForKey(StringView key) const;
 
-    /// Sets the value in the application's domain, for the life of this process and its later children. Raises
-    /// NSInvalidArgumentException for a nil key and for a value that no property list can hold; nil removes the key.
+    /// Sets the value in the application's domain, for the life of this process and its later children.
+    /// Raises NSInvalidArgumentException for a nil key and for a value that no property list can hold; nil
+    /// removes the key.
     void setObject_forKey(const NSObject& value, const NSString& key);
 
-    /// The application's domain no longer has the key, for this process, whatever its file says. Other domains may
-    /// still answer.
+    /// The application's domain no longer has the key, for this process, whatever its file says. Other
+    /// domains may still answer.
     void removeObjectForKey(StringView key);
 
-    /// Adds values that answer when no other domain does; a later registration of a key replaces the earlier one.
-    /// Raises NSInvalidArgumentException for values that no property list can hold.
+    /// Adds values that answer when no other domain does; a later registration of a key replaces the earlier
+    /// one. Raises NSInvalidArgumentException for values that no property list can hold.
     void registerDefaults(const NSDictionary& values);
 
 private:

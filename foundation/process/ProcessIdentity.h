@@ -16,8 +16,8 @@ struct ProcessIdentity {
     int pid;
 };
 
-/// The identity as it is now. One atomic load and no allocation, except at first use, in a new child process and
-/// after a change of the name. Any thread, at any time.
+/// The identity as it is now. One atomic load and no allocation, except at first use, in a new child process
+/// and after a change of the name. Any thread, at any time.
 const ProcessIdentity& processIdentity();
 
 /// The process's arguments, the program's own name first; read once.

@@ -77,8 +77,9 @@ bool isPropertyListValue(const NSObject& value) {
     }
     NSObject collection;
     while (walk.next(collection)) {
-        const bool fits = Access::kind(collection) == Kind::array ? admitArray(walk, NSArray(collection))
-                                                                  : admitDictionary(walk, NSDictionary(collection));
+        const bool fits = Access::kind(collection) == Kind::array
+                              ? admitArray(walk, NSArray(collection))
+                              : admitDictionary(walk, NSDictionary(collection));
         if (!fits) {
             return false;
         }

@@ -9,9 +9,9 @@
 
 namespace ZQFoundation::detail {
 
-/// An immutable value that threads read while others replace it as a whole. The lock is held only for one look or
-/// one pointer store, so a forked child always finds either the old value or the new one. Constant-initialised and
-/// never destroyed.
+/// An immutable value that threads read while others replace it as a whole. The lock is held only for one
+/// look or one pointer store, so a forked child always finds either the old value or the new one.
+/// Constant-initialised and never destroyed.
 template <class Value>
 class Published {
 public:
@@ -43,8 +43,8 @@ private:
     std::atomic<const Value*> current_{nullptr};
 };
 
-/// Fills an empty slot with a value made with `new`, unless another thread was first; returns what the slot holds
-/// from then on. What is published this way is never destroyed.
+/// Fills an empty slot with a value made with `new`, unless another thread was first; returns what the slot
+/// holds from then on. What is published this way is never destroyed.
 template <class Value>
 const Value& publishOnce(std::atomic<const Value*>& slot, const Value* fresh) {
     const Value* present = nullptr;

@@ -260,8 +260,12 @@ TEST(NSDateFormatter, writesInstantsAtTheEndsOfTime) {
 
 TEST(NSDateFormatter, padsAsFarAsThePatternSays) {
     const ScopedTimeZone scope("UTC0");
-    EXPECT_EQ(formatted(std::string(5000, 'd'), 0), std::string(4999, '0') + "1");
-    EXPECT_EQ(formatted(std::string(5000, 'S'), 0.5), "5" + std::string(4999, '0'));
+    std::string firstDay(5000, '0');
+    firstDay.back() = '1';
+    EXPECT_EQ(formatted(std::string(5000, 'd'), 0), firstDay);
+    std::string half(5000, '0');
+    half.front() = '5';
+    EXPECT_EQ(formatted(std::string(5000, 'S'), 0.5), half);
 }
 
 TEST(NSDateFormatter, servesManyThreadsAtOnce) {

@@ -165,7 +165,9 @@ inline std::optional<std::string> readFile(const std::string& path) {
 inline constexpr const char* zoneFolder = "/usr/share/zoneinfo";
 
 inline bool hasZoneFile(const char* name) {
-    return access((std::string(zoneFolder) + "/" + name).c_str(), R_OK) == 0;
+    std::string path(zoneFolder);
+    path.append("/").append(name);
+    return access(path.c_str(), R_OK) == 0;
 }
 
 /// Zones whose clocks have done everything that clocks do.

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/plist/FileContents.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "FolderOnDisk.h"
+#include "PropertyListTesting.h"
+
+namespace {
+
+using namespace ZQFoundation;
+using namespace ZQFoundation::testing;
+
+std::string bytesOf(const NSData& data) {
+    return std::string(reinterpret_cast<const char*>(data.bytes()), data.length());
+}
+
+TEST(FileContents, givesTheWholeFile) {
+    const FolderOnDisk folder;
+    std::string bytes;
+    for (int index = 0; index < 300'000; ++index) {
+        bytes += static_cast<char>(index * 7);
+    }
+    EXPECT_EQ(bytesOf(NSData::dataWithContentsOfFile(folder.write("a", bytes))), bytes);
+}
+
+TEST(FileContents, anEmptyFileIsEmptyData) {
+    const FolderOnDisk folder;
+    const NSData data = NSData::dataWithContentsOfFile(folder.write("empty", ""));
+    ASSERT_TRUE(data);
+    EXPECT_EQ(data.length(), 0U);
+}
+
+TEST(FileContents, readsFilesThatTellNoSize) {
+    const NSData data = NSData::dataWithContentsOfFile("/proc/self/status");
+    if (::access("/proc/self/status", R_OK) != 0) {
+        GTEST_SKIP() << "there is no such file on this system";
+    }
+    ASSERT_TRUE(data);
+    EXPECT_TRUE(bytesOf(data).starts_with("Name:"));
+}
+
+TEST(FileContents, givesNilForWhatIsNoReadableFile) {
+    const FolderOnDisk folder;
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(nullptr));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(""));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("missing")));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("")));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile("/dev/zero"));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.write("file", "x") + "/below"));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(std::string("/tmp/a\0b", 8)));
+}
+
+TEST(FileContents, anUnreadableFileIsNil) {
+    const FolderOnDisk folder;
+    const std::string path = folder.write("secret", "x");
+    ASSERT_EQ(::chmod(path.c_str(), 0), 0);
+    if (::geteuid() == 0) {
+        EXPECT_TRUE(NSData::dataWithContentsOfFile(path)) << "nothing is unreadable for the superuser";
+    } else {
+        EXPECT_FALSE(NSData::dataWithContentsOfFile(path));
+    }
+}
+
+TEST(FileContents, neverWaitsForAFifo) {
+    const FolderOnDisk folder;
+    const std::string path = folder.path("fifo");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(path));
+    EXPECT_FALSE(NSDictionary::dictionaryWithContentsOfFile(path));
+}
+
+TEST(FileContents, aFileBeyondTheLimitIsNotRead) {
+    const FolderOnDisk folder;
+    const std::string path = folder.write("large", "");
+    ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(detail::maximumPropertyListBytes) + 1), 0);
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(path));
+}
+
+TEST(FileContents, namesAreBytes) {
+    const FolderOnDisk folder;
+    const std::string path = folder.write("na\xC3\xAF\xFF", "x");
+    const NSString asText = NSString::stringWithFileSystemBytes(path.data(), path.size());
+    EXPECT_EQ(bytesOf(NSData::dataWithContentsOfFile(asText)), "x");
+}
+
+TEST(FileContents, leavesErrnoAndNoDescriptor) {
+    const FolderOnDisk folder;
+    const std::string path = folder.write("file", "x");
+    const int next = ::dup(0);
+    ::close(next);
+    errno = E2BIG;
+    EXPECT_TRUE(NSData::dataWithContentsOfFile(path));
+    EXPECT_EQ(errno, E2BIG);
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("missing")));
+    EXPECT_EQ(errno, E2BIG);
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("")));
+    const int again = ::dup(0);
+    ::close(again);
+    EXPECT_EQ(again, next);
+}
+
+} // namespace

@@ -1,0 +1,490 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/NSBundle.h"
+
+#include <atomic>
+#include <cerrno>
+#include <thread>
+
+#include "foundation/process/BundleLayout.h"
+#include "foundation/process/NSUserDefaults.h"
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+NSArray names(std::initializer_list<const char*> texts) {
+    NSMutableArray array;
+    for (const char* text : texts) {
+        array.addObject(text);
+    }
+    return array.array();
+}
+
+/// A scratch folder in which to lay out bundles; no language settings, no defaults.
+class NSBundleTest : public testing::Test {
+protected:
+    const scene::Folder folder;
+    const scene::NoLanguages languages;
+    const scene::Path store{detail::overrides::defaultsFolder, folder / "store"};
+    const scene::Path program{detail::overrides::executablePath, folder / "elsewhere/program"};
+    const scene::Arguments arguments{detail::overrides::arguments, Words{"/x/viewer"}};
+
+    /// A bundle laid out as an application, with an Info dictionary in the old form and localizations.
+    NSBundle bundle(const std::string& name, const std::string& info,
+                    std::initializer_list<const char*> localizations = {}) const {
+        folder.write(name + "/Contents/Info.plist", info);
+        for (const char* localization : localizations) {
+            folder.makeFolder(name + "/Contents/Resources/" + localization + ".lproj");
+        }
+        return NSBundle::bundleWithPath(folder / name);
+    }
+
+    void writeTable(const std::string& path, const std::string& text) const {
+        folder.write("B.app/Contents/Resources/" + path, text);
+    }
+};
+
+std::string utf16(const std::string& ascii, bool bigEndian, bool mark) {
+    std::string bytes = !mark ? "" : bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char character : ascii) {
+        bytes += bigEndian ? std::string{'\0', character} : std::string{character, '\0'};
+    }
+    return bytes;
+}
+
+std::string text(const NSBundle& bundle, const char* key, StringView table = nullptr) {
+    return bundle.localizedStringForKey_value_table(key, "?", table).utf8();
+}
+
+} // namespace
+
+// Main bundle
+
+TEST_F(NSBundleTest, mainBundleOfAnApplicationIsTheFolderAroundContents) {
+    folder.write("V.app/Contents/Info.plist", "{ CFBundleIdentifier = com.example.v; CFBundleVersion = 7; }");
+    const scene::Path inside(detail::overrides::executablePath, folder / "V.app/Contents/MacOS/Viewer");
+    const NSBundle bundle = NSBundle::mainBundle();
+    EXPECT_EQ(bundle.bundlePath(), folder / "V.app");
+    EXPECT_EQ(bundle.resourcePath(), folder / "V.app/Contents/Resources");
+    EXPECT_EQ(bundle.executablePath(), folder / "V.app/Contents/MacOS/Viewer");
+    EXPECT_EQ(bundle.bundleIdentifier(), "com.example.v");
+    EXPECT_EQ(bundle.objectForInfoDictionaryKey("CFBundleVersion"), NSObject("7"));
+    EXPECT_EQ(bundle.infoDictionary().count(), 2u);
+}
+
+TEST_F(NSBundleTest, mainBundleOfAMovedApplicationIsFoundAgain) {
+    folder.write("a/V.app/Contents/Info.plist", "{ CFBundleIdentifier = moved; }");
+    folder.makeFolder("a/V.app/Contents/MacOS");
+    folder.makeFolder("b");
+    ASSERT_EQ(::rename((folder / "a/V.app").c_str(), (folder / "b/W.app").c_str()), 0);
+    const scene::Path inside(detail::overrides::executablePath, folder / "b/W.app/Contents/MacOS/Viewer");
+    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "moved");
+}
+
+TEST_F(NSBundleTest, mainBundleMayHaveItsResourcesBesideTheProgram) {
+    folder.write("p/Resources/Info.plist", "{ CFBundleIdentifier = resources; }");
+    folder.write("p/Info.plist", "{ CFBundleIdentifier = flat; }");
+    const scene::Path inside(detail::overrides::executablePath, folder / "p/viewer");
+    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "resources");
+    EXPECT_EQ(NSBundle::mainBundle().resourcePath(), folder / "p/Resources");
+    EXPECT_EQ(NSBundle::mainBundle().bundlePath(), folder / "p");
+}
+
+TEST_F(NSBundleTest, mainBundleMayBeFlat) {
+    folder.write("p/Info.plist", "{ CFBundleIdentifier = flat; }");
+    const scene::Path inside(detail::overrides::executablePath, folder / "p/viewer");
+    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "flat");
+    EXPECT_EQ(NSBundle::mainBundle().resourcePath(), folder / "p");
+}
+
+TEST_F(NSBundleTest, mainBundleOfAProgramInBinIsInShareUnderTheProcessName) {
+    folder.write("usr/share/viewer/Info.plist", "{ CFBundleIdentifier = shared; }");
+    const scene::Path inside(detail::overrides::executablePath, folder / "usr/bin/program");
+    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "shared");
+    EXPECT_EQ(NSBundle::mainBundle().resourcePath(), folder / "usr/share/viewer");
+    EXPECT_EQ(NSBundle::mainBundle().executablePath(), folder / "usr/bin/program");
+    const scene::Path outside(detail::overrides::executablePath, folder / "usr/sbin/program");
+    EXPECT_FALSE(NSBundle::mainBundle().bundleIdentifier());
+}
+
+TEST_F(NSBundleTest, mainBundleOfAnUnbundledProgramIsItsFolder) {
+    folder.makeFolder("p");
+    const scene::Path inside(detail::overrides::executablePath, folder / "p/viewer");
+    const NSBundle bundle = NSBundle::mainBundle();
+    EXPECT_EQ(bundle.bundlePath(), folder / "p");
+    EXPECT_EQ(bundle.infoDictionary().count(), 0u);
+    EXPECT_FALSE(bundle.bundleIdentifier());
+    EXPECT_FALSE(bundle.objectForInfoDictionaryKey("CFBundleVersion"));
+    EXPECT_FALSE(bundle.developmentLocalization());
+    EXPECT_EQ(bundle.localizations().count(), 0u);
+    EXPECT_EQ(bundle.preferredLocalizations(), names({"en"}));
+    EXPECT_EQ(text(bundle, "key"), "?");
+}
+
+TEST_F(NSBundleTest, mainBundleOfTheRunningProgramIsAroundItsFile) {
+    detail::overrides::executablePath = nullptr; // put back with the fixture
+    char link[4096] = {};
+    ASSERT_GT(::readlink("/proc/self/exe", link, sizeof link - 1), 0);
+    EXPECT_EQ(NSBundle::mainBundle().executablePath(), link);
+    EXPECT_TRUE(NSBundle::mainBundle() == NSBundle::mainBundle());
+}
+
+// Other bundles
+
+TEST_F(NSBundleTest, bundlesAreFoundByTheirFolder) {
+    folder.write("F.framework/Resources/Info.plist",
+                 "{ CFBundleIdentifier = framework; CFBundleExecutable = run; }");
+    folder.write("F.framework/run", "");
+    const NSBundle framework = NSBundle::bundleWithPath(folder / "F.framework");
+    EXPECT_EQ(framework.bundleIdentifier(), "framework");
+    EXPECT_EQ(framework.resourcePath(), folder / "F.framework/Resources");
+    EXPECT_EQ(framework.executablePath(), folder / "F.framework/run");
+    folder.write("flat/Info.plist", "{ CFBundleIdentifier = flat; }");
+    const NSBundle flat = NSBundle::bundleWithPath(folder / "flat");
+    EXPECT_EQ(flat.bundleIdentifier(), "flat");
+    EXPECT_FALSE(flat.executablePath());
+    folder.write("A.app/Contents/MacOS/A", "");
+    const NSBundle application = NSBundle::bundleWithPath(folder / "A.app");
+    EXPECT_EQ(application.executablePath(), folder / "A.app/Contents/MacOS/A");
+    EXPECT_FALSE(application.bundleIdentifier());
+}
+
+TEST_F(NSBundleTest, onlyAnExistingFolderIsABundle) {
+    folder.write("file", "x");
+    for (const std::string& path :
+         {folder / "absent", folder / "file", std::string(), std::string("/a\0b", 4)}) {
+        EXPECT_FALSE(NSBundle::bundleWithPath(path)) << path;
+    }
+    EXPECT_FALSE(NSBundle::bundleWithPath(nullptr));
+}
+
+TEST_F(NSBundleTest, theSameFolderGivesTheSameBundle) {
+    const NSBundle first = bundle("B.app", "{}");
+    EXPECT_TRUE(first == NSBundle::bundleWithPath(folder.path() + "//B.app/"));
+    EXPECT_EQ(NSBundle::bundleWithPath(folder.path() + "//B.app//").bundlePath(), folder / "B.app");
+    const scene::Path inside(detail::overrides::executablePath, folder / "B.app/Contents/MacOS/B");
+    EXPECT_TRUE(NSBundle::mainBundle() == NSBundle::bundleWithPath(folder / "B.app"));
+}
+
+TEST_F(NSBundleTest, aNilBundleAnswersNilAndEmpty) {
+    const NSBundle none;
+    EXPECT_FALSE(none);
+    EXPECT_FALSE(none.bundleIdentifier());
+    EXPECT_FALSE(none.infoDictionary());
+    EXPECT_FALSE(none.objectForInfoDictionaryKey("x"));
+    EXPECT_FALSE(none.bundlePath());
+    EXPECT_FALSE(none.resourcePath());
+    EXPECT_FALSE(none.executablePath());
+    EXPECT_EQ(none.localizations().count(), 0u);
+    EXPECT_EQ(none.preferredLocalizations().count(), 0u);
+    EXPECT_FALSE(none.developmentLocalization());
+    EXPECT_FALSE(none.localizedStringForKey_value_table("k", "v", nullptr));
+}
+
+TEST(BundleLayout, libraryBundleStandsBesideTheLibraryOrInShare) {
+    const scene::Folder folder;
+    folder.makeFolder("V.app/Contents/Frameworks/Resources");
+    EXPECT_EQ(detail::layoutOfLibrary(folder / "V.app/Contents/Frameworks/libZ.so").resources,
+              folder / "V.app/Contents/Frameworks/Resources");
+    folder.makeFolder("usr/share/ZQFoundation");
+    folder.makeFolder("usr/lib/x86");
+    EXPECT_EQ(detail::layoutOfLibrary(folder / "usr/lib/libZ.so").resources,
+              folder / "usr/lib/../share/ZQFoundation");
+    EXPECT_EQ(detail::layoutOfLibrary(folder / "usr/lib/x86/libZ.so").resources,
+              folder / "usr/lib/x86/../../share/ZQFoundation");
+    EXPECT_EQ(detail::layoutOfLibrary(folder / "opt/libZ.so").resources,
+              folder / "opt/../share/ZQFoundation");
+}
+
+TEST(BundleLayout, libraryBundleIsNeverNilAndItsTablesMayBeMissing) {
+    ASSERT_TRUE(NSBundle::libraryBundle());
+    EXPECT_TRUE(NSBundle::libraryBundle() == NSBundle::libraryBundle());
+    EXPECT_EQ(NSBundle::libraryBundle().localizedStringForKey_value_table("unheard of", "", nullptr),
+              "unheard of");
+}
+
+// Info dictionary
+
+TEST_F(NSBundleTest, localizedInfoComesBeforeTheInfoDictionary) {
+    const NSBundle b = bundle("B.app", "{ Name = plain; Other = plain; CFBundleIdentifier = id; }", {"en"});
+    writeTable("en.lproj/InfoPlist.strings", "Name = localized; CFBundleIdentifier = localized;");
+    EXPECT_EQ(b.objectForInfoDictionaryKey("Name"), NSObject("localized"));
+    EXPECT_EQ(b.objectForInfoDictionaryKey("Other"), NSObject("plain"));
+    EXPECT_FALSE(b.objectForInfoDictionaryKey("Missing"));
+    EXPECT_FALSE(b.objectForInfoDictionaryKey(nullptr));
+    EXPECT_EQ(b.bundleIdentifier(), "id");
+    EXPECT_EQ(b.infoDictionary().objectForKey("Name"), NSObject("plain"));
+}
+
+TEST_F(NSBundleTest, infoIsReadOnce) {
+    const NSBundle b = bundle("B.app", "{ CFBundleIdentifier = before; }");
+    EXPECT_EQ(b.bundleIdentifier(), "before");
+    folder.write("B.app/Contents/Info.plist", "{ CFBundleIdentifier = after; }");
+    EXPECT_EQ(b.bundleIdentifier(), "before");
+}
+
+TEST_F(NSBundleTest, infoFilesOfNoUseCountAsEmpty) {
+    const std::pair<const char*, std::string> files[] = {
+        {"empty", ""},
+        {"cut off", "<plist><dict><key>CFBundleId"},
+        {"array", "(CFBundleIdentifier)"},
+        {"noise", std::string("\xFF\0\x80", 3)},
+        {"identifier of another kind", "{ CFBundleIdentifier = (a); }"}};
+    for (const auto& [name, bytes] : files) {
+        const NSBundle b = bundle(name, bytes);
+        EXPECT_FALSE(b.bundleIdentifier()) << name;
+        EXPECT_TRUE(b.infoDictionary()) << name;
+    }
+    folder.makeFolder("folder.app/Contents/Info.plist");
+    EXPECT_EQ(NSBundle::bundleWithPath(folder / "folder.app").infoDictionary().count(), 0u);
+    folder.makeFolder("pipe.app/Contents");
+    ASSERT_EQ(::mkfifo((folder / "pipe.app/Contents/Info.plist").c_str(), 0644), 0);
+    EXPECT_EQ(NSBundle::bundleWithPath(folder / "pipe.app").infoDictionary().count(), 0u);
+}
+
+// Localizations
+
+TEST_F(NSBundleTest, localizationsAreTheDeclaredOnesThenTheFolders) {
+    const NSBundle b = bundle(
+        "B.app", "{ CFBundleLocalizations = (fr, de, (no), \"a/b\"); CFBundleDevelopmentRegion = it; }",
+        {"pt", "de", "en"});
+    folder.write("B.app/Contents/Resources/file.lproj", "no folder");
+    folder.makeFolder("B.app/Contents/Resources/.lproj");
+    EXPECT_EQ(b.localizations(), names({"fr", "de", "en", "pt"}));
+    EXPECT_EQ(b.developmentLocalization(), "it");
+}
+
+TEST_F(NSBundleTest, localizationsHaveTheDevelopmentRegionBesideBase) {
+    const NSBundle other = bundle("B.app", "{ CFBundleDevelopmentRegion = it; }", {"Base", "de"});
+    EXPECT_EQ(other.localizations(), names({"Base", "de", "it"}));
+    const NSBundle same = bundle("C.app", "{ CFBundleDevelopmentRegion = de; }", {"Base", "de"});
+    EXPECT_EQ(same.localizations(), names({"Base", "de"}));
+}
+
+TEST_F(NSBundleTest, localizationsAreTheDevelopmentRegionAloneWhenThereAreNone) {
+    EXPECT_EQ(bundle("B.app", "{ CFBundleDevelopmentRegion = it; }").localizations(), names({"it"}));
+    EXPECT_EQ(bundle("C.app", "{}").localizations().count(), 0u);
+}
+
+TEST_F(NSBundleTest, preferredLocalizationsFollowTheUsersLanguages) {
+    struct Row {
+        const char* what;
+        const char* language;
+        const char* info;
+        std::initializer_list<const char*> folders;
+        NSArray preferred;
+    };
+    const Row rows[] = {
+        {"match", "de", "{}", {"de", "en"}, names({"de"})},
+        {"match with relative", "de_AT", "{}", {"de", "de-AT", "en"}, names({"de-AT", "de"})},
+        {"second language", "fr:de", "{}", {"de", "en"}, names({"de"})},
+        {"no match: development region",
+         "fr",
+         "{ CFBundleDevelopmentRegion = it; }",
+         {"de", "en", "it"},
+         names({"it"})},
+        {"development region by its old name",
+         "fr",
+         "{ CFBundleDevelopmentRegion = German; }",
+         {"de", "en"},
+         names({"de"})},
+        {"no match: en", "fr", "{}", {"de", "en"}, names({"en"})},
+        {"no match: English", "fr", "{}", {"German", "English"}, names({"English"})},
+        {"no match: first", "fr", "{}", {"it", "de"}, names({"de"})},
+        {"region not there", "fr", "{ CFBundleDevelopmentRegion = ja; }", {"de", "it"}, names({"de"})},
+        {"no localization but the region", "fr", "{ CFBundleDevelopmentRegion = it; }", {}, names({"it"})},
+        {"no localization", "fr", "{}", {}, names({"en"})},
+        {"no language", "", "{}", {"de", "en"}, names({"en"})},
+    };
+    for (const Row& row : rows) {
+        const scene::Variable language("LANGUAGE", row.language);
+        EXPECT_EQ(bundle(row.what, row.info, row.folders).preferredLocalizations(), row.preferred)
+            << row.what;
+    }
+}
+
+TEST_F(NSBundleTest, preferredLocalizationsFollowTheDefaultBeforeTheEnvironment) {
+    const scene::Variable language("LANGUAGE", "de");
+    const scene::Arguments more(detail::overrides::arguments,
+                                Words{"viewer", "-AppleLanguages", "(fr, (x), it)"});
+    EXPECT_EQ(bundle("B.app", "{}", {"de", "it"}).preferredLocalizations(), names({"it"}));
+}
+
+TEST_F(NSBundleTest, otherBundlesPreferTheMainBundlesLanguage) {
+    bundle("M.app", "{}", {"it"});
+    const scene::Path inside(detail::overrides::executablePath, folder / "M.app/Contents/MacOS/M");
+    const scene::Variable language("LANGUAGE", "de:it");
+    EXPECT_EQ(bundle("B.app", "{}", {"de", "it"}).preferredLocalizations(), names({"it"}));
+    EXPECT_EQ(bundle("C.app", "{}", {"de", "fr"}).preferredLocalizations(), names({"de"}));
+}
+
+TEST_F(NSBundleTest, preferredLocalizationsAreDecidedOnce) {
+    const NSBundle b = bundle("B.app", "{}", {"de", "en"});
+    const scene::Variable language("LANGUAGE", "de");
+    EXPECT_EQ(b.preferredLocalizations(), names({"de"}));
+    const scene::Variable later("LANGUAGE", "en");
+    EXPECT_EQ(b.preferredLocalizations(), names({"de"}));
+}
+
+// String tables
+
+TEST_F(NSBundleTest, tablesComeFromTheFirstPlaceThatHasThem) {
+    const scene::Variable language("LANGUAGE", "de_AT");
+    const NSBundle b =
+        bundle("B.app", "{ CFBundleDevelopmentRegion = it; }", {"de", "de-AT", "it", "Base", "fr"});
+    const char* const places[] = {"", "de-AT.lproj/", "de.lproj/", "Base.lproj/", "it.lproj/"};
+    // The table named by its first place stands in all places from there on.
+    for (std::size_t first = 0; first < std::size(places); ++first) {
+        for (std::size_t place = first; place < std::size(places); ++place) {
+            writeTable(places[place] + std::string("T") + std::to_string(first) + ".strings",
+                       "key = \"" + std::string(places[place]) + "\";");
+        }
+    }
+    writeTable("fr.lproj/Only.strings", "key = french;");
+    for (std::size_t first = 0; first < std::size(places); ++first) {
+        EXPECT_EQ(text(b, "key", "T" + std::to_string(first)), places[first]);
+    }
+    EXPECT_EQ(text(b, "key", "Only"), "?");
+}
+
+TEST_F(NSBundleTest, aKeyMissingInTheTableIsNotLookedForInTheNextLanguage) {
+    const scene::Variable language("LANGUAGE", "de_AT");
+    const NSBundle b = bundle("B.app", "{}", {"de", "de-AT"});
+    writeTable("de-AT.lproj/Localizable.strings", "here = da;");
+    writeTable("de.lproj/Localizable.strings", "here = x; there = dort;");
+    EXPECT_EQ(text(b, "here"), "da");
+    EXPECT_EQ(text(b, "there"), "?");
+}
+
+TEST_F(NSBundleTest, lookUpFallsBackToTheValueAndThenToTheKey) {
+    const NSBundle b = bundle("B.app", "{}", {"en"});
+    writeTable("en.lproj/Localizable.strings", "key = text; blank = \"\";");
+    writeTable("en.lproj/Other.strings", "key = other;");
+    const auto look = [&](const NSString& key, const NSString& value, StringView table = nullptr) {
+        return b.localizedStringForKey_value_table(key, value, table);
+    };
+    EXPECT_EQ(look("key", "value"), "text");
+    EXPECT_EQ(look("key", "value", ""), "text");
+    EXPECT_EQ(look("key", "value", "Localizable"), "text");
+    EXPECT_EQ(look("key", "value", "Other"), "other");
+    EXPECT_EQ(look("blank", "value"), "");
+    EXPECT_EQ(look("missing", "value"), "value");
+    EXPECT_EQ(look("missing", ""), "missing");
+    EXPECT_EQ(look("missing", nullptr), "missing");
+    EXPECT_EQ(look("key", "value", "No such table"), "value");
+    EXPECT_EQ(look("key", "value", "../en.lproj/Other"), "value");
+    EXPECT_EQ(look("key", nullptr, StringView("a\0b", 3)), "key");
+    EXPECT_EQ(look(nullptr, "value"), "value");
+    EXPECT_EQ(look(nullptr, nullptr), "");
+    EXPECT_EQ(look("", nullptr), "");
+}
+
+TEST_F(NSBundleTest, tablesMayBeInAnyEncodingAndForm) {
+    const NSBundle b = bundle("B.app", "{}", {"en"});
+    const std::string table = "/* a comment */ \"key\" = \"text\";\n";
+    writeTable("en.lproj/Utf8.strings", table);
+    writeTable("en.lproj/Utf8Mark.strings", "\xEF\xBB\xBF" + table);
+    writeTable("en.lproj/Little.strings", utf16(table, false, true));
+    writeTable("en.lproj/Big.strings", utf16(table, true, true));
+    writeTable("en.lproj/LittleOld.strings", utf16(table, false, false));
+    writeTable("en.lproj/BigOld.strings", utf16(table, true, false));
+    writeTable("en.lproj/Braces.strings", "{ key = text; }");
+    writeTable("en.lproj/Xml.strings", "<plist><dict><key>key</key><string>text</string></dict></plist>");
+    for (const char* name : {"Utf8", "Utf8Mark", "Little", "Big", "LittleOld", "BigOld", "Braces", "Xml"}) {
+        EXPECT_EQ(text(b, "key", name), "text") << name;
+    }
+}
+
+TEST_F(NSBundleTest, tablesOfNoUseCountAsEmpty) {
+    const scene::Variable language("LANGUAGE", "de_AT");
+    const NSBundle b = bundle("B.app", "{}", {"de", "de-AT"});
+    const std::pair<const char*, std::string> files[] = {
+        {"Empty", ""},      {"CutOff", "key = \"te"},       {"Broken", "key = text"},
+        {"Array", "(key)"}, {"OtherKind", "key = (text);"}, {"Noise", "\xFF\xFF\x80"}};
+    for (const auto& [name, bytes] : files) {
+        writeTable("de-AT.lproj/" + std::string(name) + ".strings", bytes);
+        writeTable("de.lproj/" + std::string(name) + ".strings", "key = text;");
+        EXPECT_EQ(text(b, "key", name), "?") << name;
+    }
+    folder.makeFolder("B.app/Contents/Resources/de-AT.lproj/Folder.strings");
+    EXPECT_EQ(text(b, "key", "Folder"), "?");
+    ASSERT_EQ(::mkfifo((folder / "B.app/Contents/Resources/de-AT.lproj/Pipe.strings").c_str(), 0644), 0);
+    EXPECT_EQ(text(b, "key", "Pipe"), "?");
+}
+
+TEST_F(NSBundleTest, tablesAreReadOnce) {
+    const NSBundle b = bundle("B.app", "{}", {"en"});
+    writeTable("en.lproj/Localizable.strings", "key = before;");
+    EXPECT_EQ(text(b, "key"), "before");
+    EXPECT_EQ(text(b, "key", "Late"), "?");
+    writeTable("en.lproj/Localizable.strings", "key = after;");
+    writeTable("en.lproj/Late.strings", "key = late;");
+    EXPECT_EQ(text(b, "key"), "before");
+    EXPECT_EQ(text(b, "key", "Late"), "?");
+}
+
+TEST_F(NSBundleTest, operationsLeaveErrnoAlone) {
+    const NSBundle b = bundle("B.app", "", {});
+    errno = 4321;
+    NSBundle::mainBundle().infoDictionary();
+    NSBundle::libraryBundle().preferredLocalizations();
+    NSBundle::bundleWithPath("/no/such/folder");
+    b.objectForInfoDictionaryKey("x");
+    b.executablePath();
+    b.localizations();
+    b.localizedStringForKey_value_table("x", nullptr, "No table");
+    EXPECT_EQ(errno, 4321);
+}
+
+TEST_F(NSBundleTest, givesAllThreadsTheSameTexts) {
+    const NSBundle b = bundle("B.app", "{ CFBundleIdentifier = id; }", {"en"});
+    for (int number = 0; number < 20; ++number) {
+        writeTable("en.lproj/T" + std::to_string(number) + ".strings",
+                   "key = text" + std::to_string(number) + ";");
+    }
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&] {
+            for (int number = 0; number < 20; ++number) {
+                const std::string name = std::to_string(number);
+                wrong += text(b, "key", "T" + name) == "text" + name ? 0 : 1;
+                wrong += b.bundleIdentifier() == "id" && b.preferredLocalizations().count() == 1 ? 0 : 1;
+                wrong += NSBundle::bundleWithPath(folder / "B.app") == b ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(NSBundleTest, findsTextsInForkedChildrenWhileThreadsReadTables) {
+    const NSBundle b = bundle("B.app", "{}", {"en"});
+    for (int number = 0; number < 200; ++number) {
+        writeTable("en.lproj/T" + std::to_string(number) + ".strings", "key = text;");
+    }
+    scene::Turns turns;
+    std::thread reader([&] {
+        for (int number = 0; number < 200; ++number) {
+            turns.work([&] { return text(b, "key", "T" + std::to_string(number)); });
+        }
+    });
+    int failures = 0;
+    for (int count = 0; count < 200; ++count) {
+        const pid_t child = turns.fork();
+        if (child == 0) {
+            ::alarm(60);
+            scene::leave(text(b, "key", "T" + std::to_string(count)) == "text" ? 0 : 1);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        failures += status == 0 ? 0 : 1;
+    }
+    reader.join();
+    EXPECT_EQ(failures, 0);
+}
