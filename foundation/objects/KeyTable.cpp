@@ -152,7 +152,7 @@ TableBody* setEntry(TableBody* table, NSObject key, NSObject value) {
     }
     if (table->used == table->capacity) {
         // Many holes are closed in place of growing.
-        const bool grows = table->count * 4 > table->capacity * 3;
+        const bool grows = table->count * 4 >= table->capacity * 3;
         table = rebuilt(table, grows ? table->capacity * 2 + smallestCapacity : table->capacity);
     }
     new (table->entries() + table->used) NSDictionaryEntry{std::move(key), std::move(value)};

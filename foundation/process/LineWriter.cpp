@@ -10,8 +10,8 @@
 #include <new>
 
 #include "foundation/objects/NSString.h"
-#include "foundation/process/ErrnoKeeper.h"
 #include "foundation/process/ProcessIdentity.h"
+#include "foundation/system/CallerState.h"
 #include "foundation/system/Lock.h"
 #include "foundation/system/System.h"
 #include "foundation/text/NumberText.h"
@@ -164,7 +164,7 @@ bool isPlainBytes(StringView text) noexcept {
 } // namespace
 
 void writeLine(StringView text) {
-    const ErrnoKeeper errnoKeeper;
+    const CallerState callerState;
     if (!isPlainBytes(text)) {
         writeLine(NSString(text));
         return;

@@ -7,12 +7,12 @@
 #include <unistd.h>
 
 #include "foundation/process/BundleLayout.h"
-#include "foundation/process/ErrnoKeeper.h"
 #include "foundation/process/FileReading.h"
 #include "foundation/process/LanguageMatching.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "foundation/process/Published.h"
+#include "foundation/system/CallerState.h"
 #include "foundation/system/System.h"
 #include "foundation/system/TestOverrides.h"
 
@@ -81,7 +81,7 @@ BundleRecord* findMainRecord(const std::string& programOrFolder) {
 }
 
 BundleRecord* currentMainRecord() {
-    const ErrnoKeeper errnoKeeper;
+    const CallerState callerState;
     if (overrides::executablePath != nullptr) {
         return findMainRecord(*overrides::executablePath);
     }
@@ -306,7 +306,7 @@ NSBundle NSBundle::mainBundle() { return NSBundle(detail::currentMainRecord()); 
 NSBundle NSBundle::libraryBundle() {
     detail::BundleRecord* record = detail::libraryRecord.load(std::memory_order_acquire);
     if (record == nullptr) {
-        const detail::ErrnoKeeper errnoKeeper;
+        const detail::CallerState callerState;
         record = detail::recordFor(detail::layoutOfLibrary(detail::fileOfLibrary()),
                                    detail::BundleRole::library, "");
         detail::libraryRecord.store(record, std::memory_order_release);
@@ -315,7 +315,7 @@ NSBundle NSBundle::libraryBundle() {
 }
 
 NSBundle NSBundle::bundleWithPath(StringView path) {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     std::string bytes;
     if (!NSString(path).getFileSystemBytes(bytes) || bytes.empty() || !detail::isFolder(bytes)) {
         return nullptr;
@@ -332,7 +332,7 @@ NSBundle NSBundle::bundleWithPath(StringView path) {
 }
 
 NSDictionary NSBundle::infoDictionary() const {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     return record_ != nullptr ? detail::infoOf(*record_) : NSDictionary();
 }
 
@@ -344,7 +344,7 @@ NSObject NSBundle::objectForInfoDictionaryKey(StringView key) const {
     if (record_ == nullptr || !key) {
         return nullptr;
     }
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     if (NSString localized = detail::textInTable(*record_, key, "InfoPlist")) {
         return localized;
     }
@@ -363,23 +363,23 @@ NSString NSBundle::executablePath() const {
     if (record_ == nullptr) {
         return nullptr;
     }
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     const std::string program = record_->program.empty() ? detail::programOf(*record_) : record_->program;
     return program.empty() ? NSString() : detail::textOfPath(program);
 }
 
 NSArray NSBundle::localizations() const {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     return record_ != nullptr ? detail::textsOf(detail::localizationsOf(*record_)) : NSArray();
 }
 
 NSArray NSBundle::preferredLocalizations() const {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     return record_ != nullptr ? detail::textsOf(detail::preferredOf(*record_)) : NSArray();
 }
 
 NSString NSBundle::developmentLocalization() const {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     return record_ != nullptr ? detail::regionOf(*record_) : NSString();
 }
 
@@ -391,7 +391,7 @@ NSString NSBundle::localizedStringForKey_value_table(const NSString& key, const 
     if (!key) {
         return value ? value : NSString("");
     }
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     if (NSString text = detail::textInTable(*record_, key, table)) {
         return text;
     }

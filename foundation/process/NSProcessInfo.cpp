@@ -8,9 +8,9 @@
 
 #include <unistd.h>
 
-#include "foundation/process/ErrnoKeeper.h"
 #include "foundation/process/ProcessIdentity.h"
 #include "foundation/process/Published.h"
+#include "foundation/system/CallerState.h"
 #include "foundation/system/System.h"
 #include "foundation/system/TestOverrides.h"
 
@@ -86,7 +86,7 @@ const IdentityRecord* recordFor(const NSString& name, NameSource source) {
 }
 
 const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
-    const ErrnoKeeper errnoKeeper;
+    const CallerState callerState;
     for (;;) {
         const bool namedByHost = seen != nullptr && seen->source == NameSource::host;
         const IdentityRecord* fresh = namedByHost ? recordFor(seen->name, NameSource::host)
@@ -117,7 +117,7 @@ const std::vector<std::string>& processArguments() {
     if (const auto* cached = cachedArguments.load(std::memory_order_acquire)) {
         return *cached;
     }
-    const ErrnoKeeper errnoKeeper;
+    const CallerState callerState;
     return publishOnce<std::vector<std::string>>(cachedArguments,
                                                  new std::vector<std::string>(system::processArguments()));
 }

@@ -5,13 +5,13 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/process/CommandLineDefaults.h"
 #include "foundation/process/DefaultsFiles.h"
-#include "foundation/process/ErrnoKeeper.h"
 #include "foundation/process/LanguageSettings.h"
 #include "foundation/process/NSBundle.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/ProcessIdentity.h"
 #include "foundation/process/PropertyListValue.h"
 #include "foundation/process/Published.h"
+#include "foundation/system/CallerState.h"
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation {
@@ -135,7 +135,7 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
     if (!key) {
         return nullptr;
     }
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     if (NSObject value = commandLineDomain().objectForKey(key)) {
         return value;
     }
@@ -152,7 +152,7 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
 }
 
 NSDictionary NSUserDefaults::dictionaryRepresentation() const {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     NSMutableDictionary merged;
     addMissing(merged, commandLineDomain());
     addMissing(merged, applicationDomain());
@@ -206,7 +206,7 @@ void NSUserDefaults::setObject_forKey(const NSObject& value, const NSString& key
         removeObjectForKey(key);
         return;
     }
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     demandPropertyListValue(value, key);
     change(applicationChanges, [&](NSMutableDictionary& changes) { changes.setObject_forKey(value, key); });
 }
@@ -215,13 +215,13 @@ void NSUserDefaults::removeObjectForKey(StringView key) {
     if (!key) {
         return;
     }
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     change(applicationChanges,
            [&](NSMutableDictionary& changes) { changes.setObject_forKey(NSNull::null(), NSString(key)); });
 }
 
 void NSUserDefaults::registerDefaults(const NSDictionary& values) {
-    const detail::ErrnoKeeper errnoKeeper;
+    const detail::CallerState callerState;
     for (const NSDictionaryEntry& entry : values) {
         if (!entry.key.as<NSString>()) {
             NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is no string",

@@ -56,6 +56,19 @@ std::string libraryPath() {
     return info.dli_fname;
 }
 
+namespace {
+
+void discardIfRaised(int signal, const sigset_t& pendingBefore) noexcept {
+    sigset_t pending;
+    sigemptyset(&pending);
+    sigpending(&pending);
+    if (sigismember(&pending, signal) == 1 && sigismember(&pendingBefore, signal) == 0) {
+        discardPendingSignal(signal);
+    }
+}
+
+} // namespace
+
 std::ptrdiff_t maskedWrite(int descriptor, const char* bytes, std::size_t count) noexcept {
     sigset_t guarded;
     sigset_t before;
@@ -68,9 +81,10 @@ std::ptrdiff_t maskedWrite(int descriptor, const char* bytes, std::size_t count)
     sigpending(&pendingBefore);
     const std::ptrdiff_t written = write(descriptor, bytes, count);
     const int error = errno;
-    const int raised = written >= 0 ? 0 : error == EPIPE ? SIGPIPE : error == EFBIG ? SIGXFSZ : 0;
-    if (raised != 0 && sigismember(&pendingBefore, raised) == 0) {
-        discardPendingSignal(raised);
+    if (written != static_cast<std::ptrdiff_t>(count)) { // a short write may have raised one too
+        for (const int signal : {SIGPIPE, SIGXFSZ}) {
+            discardIfRaised(signal, pendingBefore);
+        }
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     errno = error;

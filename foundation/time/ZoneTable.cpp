@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -15,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/system/CallerState.h"
 #include "foundation/time/ZoneRules.h"
 
 namespace ZQFoundation::detail {
@@ -78,17 +78,6 @@ Node* addNode(std::atomic<Node*>& list, std::unique_ptr<Node> node, Predicate ma
                                          std::memory_order_acquire));
     return node.release();
 }
-
-class ErrnoKeeper {
-public:
-    ErrnoKeeper() noexcept : saved_(errno) {}
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
-    ~ErrnoKeeper() { errno = saved_; }
-
-private:
-    const int saved_;
-};
 
 class Descriptor {
 public:
@@ -245,7 +234,7 @@ const Zone* lookUpSetting(const char* value) {
 }
 
 [[gnu::noinline]] const Zone* lookUpSettingQuietly(const char* value) noexcept {
-    const ErrnoKeeper keeper;
+    const CallerState keeper;
     try {
         return lookUpSetting(value);
     } catch (...) {
@@ -275,7 +264,7 @@ constexpr std::int32_t offsetOfWord(std::uint64_t word) noexcept {
 } // namespace
 
 const Zone* namedZone(const char* name, std::size_t length) {
-    const ErrnoKeeper keeper;
+    const CallerState keeper;
     const std::string_view text(name, length);
     if (!isZoneName(text)) {
         return nullptr;

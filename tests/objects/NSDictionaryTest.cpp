@@ -333,3 +333,29 @@ TEST(NSMutableDictionary, keepsKeysOfOneHashApart) {
 }
 
 } // namespace
+
+TEST(NSMutableDictionary, growsFromACopyOfTheEmptyDictionary) {
+    NSMutableDictionary builder(NSDictionary::dictionary());
+    for (int i = 0; i < 100; ++i) {
+        builder.setObject_forKey(i, i);
+    }
+    const NSDictionary dictionary = builder.dictionary();
+    ASSERT_EQ(dictionary.count(), 100U);
+    EXPECT_EQ(dictionary.objectForKey(99), NSObject(99));
+}
+
+TEST(NSMutableDictionary, growsWhileEntriesComeAndGo) {
+    NSMutableDictionary builder;
+    for (int i = 0; i < 1000; ++i) {
+        builder.setObject_forKey(i, i);
+        if (i % 3 != 0) {
+            builder.removeObjectForKey(i - 1);
+        }
+    }
+    const NSDictionary dictionary = builder.dictionary();
+    for (const NSDictionaryEntry& entry : dictionary) {
+        EXPECT_EQ(dictionary.objectForKey(entry.key), entry.value);
+    }
+    EXPECT_EQ(dictionary.objectForKey(999), NSObject(999));
+    EXPECT_FALSE(dictionary.objectForKey(997));
+}

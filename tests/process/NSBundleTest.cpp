@@ -27,7 +27,7 @@ NSArray names(std::initializer_list<const char*> texts) {
 class NSBundleTest : public testing::Test {
 protected:
     const scene::Folder folder;
-    const scene::NoLanguages languages;
+    const scene::NoLanguages languages{};
     const scene::Path store{detail::overrides::defaultsFolder, folder / "store"};
     const scene::Path program{detail::overrides::executablePath, folder / "elsewhere/program"};
     const scene::Arguments arguments{detail::overrides::arguments, Words{"/x/viewer"}};

@@ -148,74 +148,76 @@ TEST(ZoneRules, survivesAnyByteBeingAnything) {
     EXPECT_GT(accepted, bytes.size()); // at least the unchanged ones
 }
 
+struct Contradiction {
+    const char* what;
+    void (*spoil)(ZoneData&);
+};
+
+const Contradiction contradictions[] = {
+    {"changes out of order",
+     [](ZoneData& data) {
+         data.changes = {2000, 1000};
+     }},
+    {"the same change twice",
+     [](ZoneData& data) {
+         data.changes = {1000, 1000};
+     }},
+    {"an index beyond the clocks",
+     [](ZoneData& data) {
+         data.indexes[1] = 3;
+     }},
+    {"a name beyond the names",
+     [](ZoneData& data) {
+         data.clocks[0].nameStart = 12;
+     }},
+    {"a last name without an end",
+     [](ZoneData& data) {
+         data.names.back() = 'X';
+     }},
+    {"a name that does not print",
+     [](ZoneData& data) {
+         data.names[0] = '\n';
+     }},
+    {"a name that is not ASCII",
+     [](ZoneData& data) {
+         data.names[0] = '\xe9';
+     }},
+    {"no names",
+     [](ZoneData& data) {
+         data.names.clear();
+     }},
+    {"no clocks",
+     [](ZoneData& data) {
+         data.clocks.clear(), data.changes.clear(), data.indexes.clear();
+     }},
+    {"an offset of 26 hours",
+     [](ZoneData& data) {
+         data.clocks[0].offset = 93600;
+     }},
+    {"an offset of -26 hours",
+     [](ZoneData& data) {
+         data.clocks[0].offset = -93600;
+     }},
+    {"the least offset there is",
+     [](ZoneData& data) {
+         data.clocks[0].offset = INT32_MIN;
+     }},
+    {"flags for some clocks only",
+     [](ZoneData& data) {
+         data.flags = 2;
+     }},
+    {"a footer that is no rule",
+     [](ZoneData& data) {
+         data.footer = "AAA";
+     }},
+    {"an unknown version",
+     [](ZoneData& data) {
+         data.version = '1';
+     }},
+};
+
 TEST(ZoneRules, refusesDataThatContradictThemselves) {
-    struct Row {
-        const char* what;
-        void (*spoil)(ZoneData&);
-    };
-    const Row rows[] = {
-        {"changes out of order",
-         [](ZoneData& data) {
-             data.changes = {2000, 1000};
-         }},
-        {"the same change twice",
-         [](ZoneData& data) {
-             data.changes = {1000, 1000};
-         }},
-        {"an index beyond the clocks",
-         [](ZoneData& data) {
-             data.indexes[1] = 3;
-         }},
-        {"a name beyond the names",
-         [](ZoneData& data) {
-             data.clocks[0].nameStart = 12;
-         }},
-        {"a last name without an end",
-         [](ZoneData& data) {
-             data.names.back() = 'X';
-         }},
-        {"a name that does not print",
-         [](ZoneData& data) {
-             data.names[0] = '\n';
-         }},
-        {"a name that is not ASCII",
-         [](ZoneData& data) {
-             data.names[0] = '\xe9';
-         }},
-        {"no names",
-         [](ZoneData& data) {
-             data.names.clear();
-         }},
-        {"no clocks",
-         [](ZoneData& data) {
-             data.clocks.clear(), data.changes.clear(), data.indexes.clear();
-         }},
-        {"an offset of 26 hours",
-         [](ZoneData& data) {
-             data.clocks[0].offset = 93600;
-         }},
-        {"an offset of -26 hours",
-         [](ZoneData& data) {
-             data.clocks[0].offset = -93600;
-         }},
-        {"the least offset there is",
-         [](ZoneData& data) {
-             data.clocks[0].offset = INT32_MIN;
-         }},
-        {"flags for some clocks only",
-         [](ZoneData& data) {
-             data.flags = 2;
-         }},
-        {"a footer that is no rule",
-         [](ZoneData& data) {
-             data.footer = "AAA";
-         }},
-        {"an unknown version",
-         [](ZoneData& data) {
-             data.version = '1';
-         }},
-    };
-    for (const Row& row : rows) {
+    for (const Contradiction& row : contradictions) {
         ZoneData data = simpleZone();
         ASSERT_TRUE(rulesOf(data));
         row.spoil(data);
