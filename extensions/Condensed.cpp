@@ -2,34 +2,15 @@
 // The one-line renderings of NSArray(ZQFoundation) and NSDictionary(ZQFoundation).
 #include "extensions/Condensed.h"
 
-#include <algorithm>
 #include <vector>
 
-#include "foundation/objects/KeyTable.h"
+#include "foundation/objects/EntryOrder.h"
 
 namespace ZQFoundation {
 
 namespace detail {
 
 namespace {
-
-using EntryPointer = const NSDictionaryEntry*;
-
-/// Keys are strings and go in case-insensitive order; a dictionary with other keys keeps its own.
-std::vector<EntryPointer> entriesInOrder(const NSObject& dictionary) {
-    std::vector<EntryPointer> entries;
-    bool allStrings = true;
-    for (const NSDictionaryEntry& entry : dictionary.as<NSDictionary>()) {
-        entries.push_back(&entry);
-        allStrings = allStrings && Access::kind(entry.key) == Kind::string;
-    }
-    if (allStrings) {
-        std::stable_sort(entries.begin(), entries.end(), [](EntryPointer left, EntryPointer right) {
-            return left->key.as<NSString>().caseInsensitiveCompare(right->key.as<NSString>()) < 0;
-        });
-    }
-    return entries;
-}
 
 /// Renders nested collections of any depth with an explicit stack.
 class CondensedWriter {
@@ -60,7 +41,10 @@ private:
             frames_.push_back({true, body.elements(), {}, 0, body.count});
         } else {
             out_.appendLiteral("{ ");
-            std::vector<EntryPointer> entries = entriesInOrder(collection);
+            std::vector<EntryPointer> entries =
+                entriesInOrder(collection, [](const NSString& left, const NSString& right) {
+                    return left.caseInsensitiveCompare(right) == NSOrderedAscending;
+                });
             const std::size_t memberCount = entries.size() * 2;
             frames_.push_back({false, nullptr, std::move(entries), 0, memberCount});
         }

@@ -10,8 +10,9 @@ namespace {
 
 /// The value where it stands: the lookups of the log calls need no reference of their own.
 const NSObject* valueUnder(const NSDictionary& dictionary, StringView key) {
-    const NSDictionaryEntry* const entry =
-        dictionary ? detail::findText(*detail::tableOf(dictionary), key) : nullptr;
+    const NSDictionaryEntry* const entry = detail::Access::kind(dictionary) == detail::Kind::dictionary
+                                               ? detail::findText(*detail::tableOf(dictionary), key)
+                                               : nullptr;
     return entry != nullptr ? &entry->value : nullptr;
 }
 

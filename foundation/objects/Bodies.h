@@ -43,6 +43,7 @@ struct UrlBody : Body {
 struct ArrayBody : Body {
     std::size_t count;
     std::size_t capacity;
+    std::uint64_t structuralHash; ///< 0: not yet computed
 
     NSObject* elements() noexcept { return reinterpret_cast<NSObject*>(this + 1); }
 };

@@ -3,16 +3,18 @@
 #include <cmath>
 #include <vector>
 
+#include "foundation/objects/CivilTime.h"
+#include "foundation/objects/EntryOrder.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation {
 
 using detail::Access;
+using detail::EntryPointer;
 using detail::Kind;
 using detail::NormalizedText;
 using detail::TextBuilder;
@@ -184,23 +186,6 @@ void appendMember(TextBuilder& out, const NSObject& object) {
     out.appendAscii('"');
 }
 
-std::vector<const NSDictionaryEntry*> entriesInOrder(detail::TableBody& table) {
-    std::vector<const NSDictionaryEntry*> entries(table.count);
-    bool allStrings = true;
-    for (std::size_t i = 0; i < table.count; ++i) {
-        entries[i] = table.entries() + i;
-        allStrings = allStrings && Access::kind(entries[i]->key) == Kind::string;
-    }
-    if (allStrings) {
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const NSDictionaryEntry* left, const NSDictionaryEntry* right) {
-                             return left->key.as<NSString>().compare(right->key.as<NSString>()) ==
-                                    NSOrderedAscending;
-                         });
-    }
-    return entries;
-}
-
 /// Writes nested collections of any depth with an explicit stack.
 class IndentedWriter {
 public:
@@ -220,7 +205,7 @@ private:
         std::size_t count;
         bool inValue; ///< of a dictionary: the key has been written
         const NSObject* elements;
-        std::vector<const NSDictionaryEntry*> entries;
+        std::vector<EntryPointer> entries;
     };
 
     void indent(std::size_t level) { out_.appendRepeated(' ', level * indentation); }
@@ -237,10 +222,14 @@ private:
         detail::TableBody& table = *detail::tableOf(collection);
         if (kind == Kind::dictionary) {
             out_.appendLiteral("{\n");
-            frames_.push_back({kind, 0, table.count, false, nullptr, entriesInOrder(table)});
+            frames_.push_back(
+                {kind, 0, table.count, false, nullptr,
+                 detail::entriesInOrder(collection, [](const NSString& left, const NSString& right) {
+                     return left.compare(right) == NSOrderedAscending;
+                 })});
         } else {
             out_.appendLiteral("{(\n");
-            std::vector<const NSDictionaryEntry*> members(table.count);
+            std::vector<EntryPointer> members(table.count);
             for (std::size_t i = 0; i < table.count; ++i) {
                 members[i] = table.entries() + i;
             }

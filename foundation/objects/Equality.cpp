@@ -75,6 +75,10 @@ bool equalLeaves(const NSObject& left, const NSObject& right) {
     }
 }
 
+bool isShared(const NSObject& collection) noexcept {
+    return __atomic_load_n(&Access::body(collection)->references, __ATOMIC_RELAXED) > 1;
+}
+
 /// Compares two trees of any depth with an explicit stack. A part that either tree shares in several places
 /// is compared once, so values that share heavily do not take exponential time.
 class TreeComparison {
@@ -142,7 +146,7 @@ private:
     /// Every pair entered must come out equal in the end, so one that was entered before needs no second
     /// look.
     bool wasEntered(const NSObject& left, const NSObject& right) {
-        const bool shared = Access::body(left)->references > 1 && Access::body(right)->references > 1;
+        const bool shared = isShared(left) && isShared(right);
         return shared && !entered_.insert({Access::body(left), Access::body(right)}).second;
     }
 
@@ -168,8 +172,9 @@ private:
         }
         bool several = false;
         match = detail::onlyCandidate(table, entry.key, several);
-        if (several) {
+        if (several) { // only where the hashes of host objects collide; found means equal
             match = detail::findKey(table, entry.key);
+            return match != nullptr && enter(entry.value, match->value);
         }
         return match != nullptr && enter(entry.key, match->key) && enter(entry.value, match->value);
     }
@@ -178,34 +183,82 @@ private:
     std::unordered_set<Pair, PairHash> entered_;
 };
 
-std::uint64_t shallowHash(const NSObject& member, std::uint64_t seed) {
-    if (Access::kind(member) == Kind::array) {
-        return detail::mixed(Access::array(member)->count ^ seed, 0xA24BAED4963EE407U);
-    }
-    if (isTable(Access::kind(member))) {
-        return detail::mixed(tableOf(member)->count ^ seed, 0x9FB21C651E98DF25U);
-    }
-    return detail::hashObject(member, seed);
+std::uint64_t& structuralHashSlot(const NSObject& collection) noexcept {
+    return Access::kind(collection) == Kind::array ? Access::array(collection)->structuralHash
+                                                   : tableOf(collection)->structuralHash;
 }
 
-std::uint64_t arrayHash(const NSObject& array, std::uint64_t seed) {
-    constexpr std::size_t mostMembers = 64;
-    detail::ArrayBody& body = *Access::array(array);
-    std::uint64_t hash = shallowHash(array, seed);
-    for (std::size_t i = 0; i < body.count && i < mostMembers; ++i) {
-        hash = detail::mixed(hash ^ shallowHash(body.elements()[i], seed), 0xD6E8FEB86659FD93U);
-    }
-    return hash;
+std::uint64_t storedHash(const NSObject& collection) noexcept {
+    return __atomic_load_n(&structuralHashSlot(collection), __ATOMIC_RELAXED);
 }
 
-/// The sum does not depend on the order of the entries.
-std::uint64_t tableHash(const NSObject& object, std::uint64_t seed) {
-    TableBody& table = *tableOf(object);
+/// Calls `visit` with each member: elements, or keys and values.
+template <class Visit>
+void visitMembers(const NSObject& collection, const Visit& visit) {
+    if (Access::kind(collection) == Kind::array) {
+        detail::ArrayBody& body = *Access::array(collection);
+        for (std::size_t i = 0; i < body.count; ++i) {
+            visit(body.elements()[i]);
+        }
+        return;
+    }
+    TableBody& table = *tableOf(collection);
+    for (std::size_t i = 0; i < table.used; ++i) {
+        visit(table.entries()[i].key);
+        visit(table.entries()[i].value);
+    }
+}
+
+/// Of a leaf, or of a collection whose hash is stored already.
+std::uint64_t memberHash(const NSObject& member) {
+    return isCollection(member) ? storedHash(member) : detail::hashObject(member, 0);
+}
+
+/// From the members' hashes. Those of a table are added up, so that the order of the entries does not count.
+std::uint64_t combinedHash(const NSObject& collection) {
+    constexpr std::uint64_t step = 0xD6E8FEB86659FD93U;
+    if (Access::kind(collection) == Kind::array) {
+        detail::ArrayBody& body = *Access::array(collection);
+        std::uint64_t hash = detail::mixed(body.count + 1, 0xA24BAED4963EE407U);
+        for (std::size_t i = 0; i < body.count; ++i) {
+            hash = detail::mixed(hash ^ memberHash(body.elements()[i]), step);
+        }
+        return hash;
+    }
+    TableBody& table = *tableOf(collection);
     std::uint64_t sum = 0;
     for (std::size_t i = 0; i < table.used; ++i) {
-        sum += shallowHash(table.entries()[i].key, seed);
+        const NSDictionaryEntry& entry = table.entries()[i];
+        sum += detail::mixed(memberHash(entry.key) ^ step, memberHash(entry.value) | 1);
     }
-    return detail::mixed(shallowHash(object, seed) ^ sum, 0xD6E8FEB86659FD93U);
+    return detail::mixed(sum ^ (table.count + 1), 0x9FB21C651E98DF25U);
+}
+
+/// The hash of a whole tree, computed once for each body in it and kept there: from the leaves up, with an
+/// explicit stack. Threads that compute it at the same time store the same number.
+std::uint64_t structuralHash(const NSObject& collection) {
+    std::vector<const NSObject*> open;
+    if (storedHash(collection) == 0) {
+        open.push_back(&collection);
+    }
+    while (!open.empty()) {
+        const NSObject& current = *open.back();
+        const std::size_t before = open.size();
+        if (storedHash(current) == 0) {
+            visitMembers(current, [&](const NSObject& member) {
+                if (isCollection(member) && storedHash(member) == 0) {
+                    open.push_back(&member);
+                }
+            });
+        }
+        if (open.size() == before) {
+            open.pop_back();
+            if (storedHash(current) == 0) {
+                __atomic_store_n(&structuralHashSlot(current), combinedHash(current) | 1, __ATOMIC_RELAXED);
+            }
+        }
+    }
+    return storedHash(collection);
 }
 
 } // namespace
@@ -235,10 +288,9 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
     case Kind::url:
         return mixed(hashObject(Access::url(object)->text, seed), 0x8EBC6AF09C88C6E3U);
     case Kind::array:
-        return arrayHash(object, seed);
     case Kind::dictionary:
     case Kind::set:
-        return tableHash(object, seed);
+        return mixed(structuralHash(object) ^ seed, 0x8EBC6AF09C88C6E3U);
     case Kind::hostObject:
         return mixed(object.hostObject()->hash() ^ seed, 0xA24BAED4963EE407U);
     default:

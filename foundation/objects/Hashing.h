@@ -74,8 +74,8 @@ inline std::uint64_t hashText(const NormalizedText& text, std::uint64_t seed) no
                           : hashBytes(text.units(), text.length() * sizeof(char16_t), ~seed);
 }
 
-/// Collections contribute their count and what their direct members are, never their depth, so hashing
-/// neither recurses nor walks a whole tree.
+/// Collections are hashed whole, without recursion, and remember it: as keys they are told apart at once, and
+/// a tree is walked only the first time.
 std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
 
 /// A number drawn once per process, so that hostile keys cannot be chosen to collide.

@@ -111,6 +111,7 @@ TableBody* makeTable(std::size_t capacity) {
     table->used = 0;
     table->capacity = capacity;
     table->slotMask = slotCount - 1;
+    table->structuralHash = 0;
     std::memset(static_cast<void*>(table->slots()), 0, slotCount * sizeof(TableBody::Slot));
     return table;
 }
@@ -140,10 +141,10 @@ NSDictionaryEntry* findText(TableBody& table, StringView key) {
 }
 
 TableBody* setEntry(TableBody* table, NSObject key, NSObject value) {
+    const std::uint64_t hash = hashObject(key, tableSeed()); // a host's own may throw
     if (table == nullptr) {
         table = makeTable(smallestCapacity);
     }
-    const std::uint64_t hash = hashObject(key, tableSeed());
     NSDictionaryEntry* const known =
         find(*table, hash, [&](const NSObject& stored) { return equalKeys(stored, key); });
     if (known != nullptr) {

@@ -21,6 +21,7 @@ struct TableBody : Body {
     std::size_t used;     ///< entries, holes included
     std::size_t capacity; ///< room for entries
     std::size_t slotMask;
+    std::uint64_t structuralHash; ///< 0: not yet computed
 
     NSDictionaryEntry* entries() noexcept { return reinterpret_cast<NSDictionaryEntry*>(this + 1); }
     Slot* slots() noexcept { return reinterpret_cast<Slot*>(entries() + capacity); }

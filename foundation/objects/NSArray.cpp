@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/objects/NSArray.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
+#include <vector>
 
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/MergeSort.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/TextBuilder.h"
 
@@ -27,6 +28,7 @@ ArrayBody* allocate(std::size_t capacity) {
     body->references = 1;
     body->count = 0;
     body->capacity = capacity;
+    body->structuralHash = 0;
     return body;
 }
 
@@ -83,13 +85,17 @@ NSArray NSArray::arrayWithObjects_count(const NSObject* objects, std::size_t cou
     return Access::adoptArray(copied(objects, count, count));
 }
 
-std::size_t NSArray::count() const noexcept { return *this ? Access::array(*this)->count : 0; }
+std::size_t NSArray::count() const noexcept {
+    return kind_ == detail::Kind::array ? Access::array(*this)->count : 0;
+}
 
-const NSObject* NSArray::begin() const noexcept { return *this ? Access::array(*this)->elements() : nullptr; }
+const NSObject* NSArray::begin() const noexcept {
+    return kind_ == detail::Kind::array ? Access::array(*this)->elements() : nullptr;
+}
 
 const NSObject& NSArray::objectAtIndex(std::size_t index) const {
     static constinit const NSObject absent;
-    if (!*this) {
+    if (kind_ != detail::Kind::array) {
         return absent;
     }
     if (index >= count()) {
@@ -137,12 +143,18 @@ NSArray NSArray::sorted(ErasedOrder order, const void* context) const {
     if (!*this) {
         return {};
     }
-    ArrayBody* const body = copied(begin(), count(), count());
-    const NSArray result = Access::adoptArray(body);
-    std::stable_sort(
-        body->elements(), body->elements() + body->count,
-        [&](const NSObject& left, const NSObject& right) { return order(context, left, right) < 0; });
-    return result;
+    std::vector<const NSObject*> inOrder(count());
+    for (std::size_t i = 0; i < inOrder.size(); ++i) {
+        inOrder[i] = begin() + i;
+    }
+    detail::mergeSort(inOrder, [&](const NSObject* left, const NSObject* right) {
+        return order(context, *left, *right) < 0;
+    });
+    NSMutableArray builder(inOrder.size());
+    for (const NSObject* object : inOrder) {
+        builder.addObject(*object);
+    }
+    return builder.array();
 }
 
 bool NSArray::isEqualToArray(const NSArray& other) const { return isEqual(other); }

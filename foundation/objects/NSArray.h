@@ -10,7 +10,7 @@ class NSMutableArray;
 
 /// An immutable, ordered collection of values, none of them nil.
 ///
-/// `NSArray{"a", 1}` holds two elements. Two traps: `NSArray{}` is nil (an empty array is
+/// `NSArray{"a", 1}` holds two elements. Traps: `NSArray{}` is nil (an empty array is
 /// `NSArray::array()`), and whether `NSArray{other}` with a single array nests or copies is left to the
 /// compiler: `arrayWithObject` nests.
 class ZQFOUNDATION_EXPORT NSArray : public NSObject {

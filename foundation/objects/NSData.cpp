@@ -26,12 +26,17 @@ NSData NSData::dataWithBytes_length(const void* bytes, std::size_t count) {
     return Access::adoptData(body);
 }
 
-const unsigned char* NSData::bytes() const noexcept { return *this ? Access::data(*this)->bytes() : nullptr; }
+const unsigned char* NSData::bytes() const noexcept {
+    return kind_ == detail::Kind::data ? Access::data(*this)->bytes() : nullptr;
+}
 
-std::size_t NSData::length() const noexcept { return *this ? Access::data(*this)->length : 0; }
+std::size_t NSData::length() const noexcept {
+    return kind_ == detail::Kind::data ? Access::data(*this)->length : 0;
+}
 
 bool NSData::isEqualToData(const NSData& other) const noexcept {
-    return *this && other && length() == other.length() && std::memcmp(bytes(), other.bytes(), length()) == 0;
+    return bytes() != nullptr && other.bytes() != nullptr && length() == other.length() &&
+           std::memcmp(bytes(), other.bytes(), length()) == 0;
 }
 
 } // namespace ZQFoundation

@@ -4,14 +4,16 @@
 namespace ZQFoundation {
 
 NSComparisonResult NSDate::compare(const NSDate& other) const noexcept {
-    if (!*this || !other || payload_.real == other.payload_.real) {
+    if (kind_ != detail::Kind::date || other.kind_ != detail::Kind::date ||
+        payload_.real == other.payload_.real) {
         return NSOrderedSame;
     }
     return payload_.real < other.payload_.real ? NSOrderedAscending : NSOrderedDescending;
 }
 
 bool NSDate::isEqualToDate(const NSDate& other) const noexcept {
-    return *this && other && payload_.real == other.payload_.real;
+    return kind_ == detail::Kind::date && other.kind_ == detail::Kind::date &&
+           payload_.real == other.payload_.real;
 }
 
 } // namespace ZQFoundation

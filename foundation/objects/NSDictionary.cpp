@@ -26,19 +26,23 @@ NSDictionary::NSDictionary(std::initializer_list<NSDictionaryEntry> entries) {
 
 NSDictionary NSDictionary::dictionary() { return Access::adoptDictionary(detail::makeTable(0)); }
 
-std::size_t NSDictionary::count() const noexcept { return *this ? tableOf(*this)->count : 0; }
+std::size_t NSDictionary::count() const noexcept {
+    return kind_ == detail::Kind::dictionary ? tableOf(*this)->count : 0;
+}
 
 const NSDictionaryEntry* NSDictionary::begin() const noexcept {
-    return *this ? tableOf(*this)->entries() : nullptr;
+    return kind_ == detail::Kind::dictionary ? tableOf(*this)->entries() : nullptr;
 }
 
 NSObject NSDictionary::objectForKey(const NSObject& key) const {
-    const NSDictionaryEntry* const entry = *this ? detail::findKey(*tableOf(*this), key) : nullptr;
+    const NSDictionaryEntry* const entry =
+        kind_ == detail::Kind::dictionary ? detail::findKey(*tableOf(*this), key) : nullptr;
     return entry != nullptr ? entry->value : NSObject();
 }
 
 NSObject NSDictionary::objectForText(StringView key) const {
-    const NSDictionaryEntry* const entry = *this ? detail::findText(*tableOf(*this), key) : nullptr;
+    const NSDictionaryEntry* const entry =
+        kind_ == detail::Kind::dictionary ? detail::findText(*tableOf(*this), key) : nullptr;
     return entry != nullptr ? entry->value : NSObject();
 }
 

@@ -132,7 +132,7 @@ std::int64_t NSNumber::integerValue() const noexcept {
     if (isReal()) {
         return truncated(payload_.real);
     }
-    return kind_ == Kind::absent ? 0 : payload_.integer;
+    return detail::isNumber(*this) ? payload_.integer : 0;
 }
 
 std::uint64_t NSNumber::unsignedLongLongValue() const noexcept {
@@ -155,14 +155,14 @@ double NSNumber::doubleValue() const noexcept {
     if (kind_ == Kind::unsignedInteger) {
         return static_cast<double>(static_cast<std::uint64_t>(payload_.integer));
     }
-    return kind_ == Kind::absent ? 0 : static_cast<double>(payload_.integer);
+    return detail::isNumber(*this) ? static_cast<double>(payload_.integer) : 0;
 }
 
 float NSNumber::floatValue() const noexcept {
     if (kind_ == Kind::unsignedInteger) { // one rounding, not two
         return static_cast<float>(static_cast<std::uint64_t>(payload_.integer));
     }
-    if (isReal() || kind_ == Kind::absent) {
+    if (isReal() || !detail::isNumber(*this)) {
         return static_cast<float>(doubleValue());
     }
     return static_cast<float>(payload_.integer);
@@ -172,11 +172,11 @@ bool NSNumber::boolValue() const noexcept {
     if (isReal()) {
         return payload_.real < 0 || payload_.real > 0 || std::isnan(payload_.real);
     }
-    return kind_ != Kind::absent && payload_.integer != 0;
+    return detail::isNumber(*this) && payload_.integer != 0;
 }
 
 NSString NSNumber::stringValue() const {
-    if (kind_ == Kind::absent) {
+    if (!detail::isNumber(*this)) {
         return {};
     }
     char text[detail::numberTextCapacity];
@@ -184,11 +184,13 @@ NSString NSNumber::stringValue() const {
 }
 
 NSComparisonResult NSNumber::compare(const NSNumber& other) const noexcept {
-    return *this && other ? detail::compareNumbers(*this, other) : NSOrderedSame;
+    return detail::isNumber(*this) && detail::isNumber(other) ? detail::compareNumbers(*this, other)
+                                                              : NSOrderedSame;
 }
 
 bool NSNumber::isEqualToNumber(const NSNumber& other) const noexcept {
-    return *this && other && detail::compareNumbers(*this, other) == NSOrderedSame;
+    return detail::isNumber(*this) && detail::isNumber(other) &&
+           detail::compareNumbers(*this, other) == NSOrderedSame;
 }
 
 } // namespace ZQFoundation

@@ -60,6 +60,17 @@ private:
     std::uintptr_t head_ = 0;
 };
 
+/// Where bodies go that a host object gives up while it is itself released: chains of host objects need no
+/// stack.
+constinit thread_local DeadBodies* releasingHost = nullptr;
+
+void deleteHost(NSObjectProtocol* object, DeadBodies& dead) noexcept {
+    DeadBodies* const outer = releasingHost;
+    releasingHost = &dead;
+    delete object;
+    releasingHost = outer;
+}
+
 void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
     switch (kind) {
     case Kind::array: {
@@ -83,7 +94,7 @@ void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
         dead.releaseMember(static_cast<UrlBody*>(body)->base);
         break;
     case Kind::hostObject:
-        delete static_cast<HostBody*>(body)->object;
+        deleteHost(static_cast<HostBody*>(body)->object, dead);
         break;
     default:
         break;
@@ -94,6 +105,11 @@ void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
 } // namespace
 
 void destroy(Kind kind, Body* body) noexcept {
+    const bool mayHoldOthers = kind > Kind::data;
+    if (mayHoldOthers && releasingHost != nullptr) {
+        releasingHost->push(kind, body);
+        return;
+    }
     DeadBodies dead;
     do {
         dismantle(kind, body, dead);
@@ -101,7 +117,12 @@ void destroy(Kind kind, Body* body) noexcept {
 }
 
 NSObject adoptHostObject(NSObjectProtocol* object) {
-    auto* const body = new (::operator new(sizeof(HostBody))) HostBody;
+    void* const storage = ::operator new(sizeof(HostBody), std::nothrow);
+    if (storage == nullptr) {
+        delete object;
+        throw std::bad_alloc();
+    }
+    auto* const body = new (storage) HostBody;
     body->references = 1;
     body->object = object;
     return Access::adopt(body, Kind::hostObject);

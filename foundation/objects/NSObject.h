@@ -77,7 +77,8 @@ template <class T>
 concept BooleanValue = std::is_same_v<T, bool>;
 
 template <class T>
-concept IntegerValue = std::is_integral_v<T> && !BooleanValue<T> && !isCharacter<T>;
+concept IntegerValue = std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t) && !BooleanValue<T> &&
+                       !isCharacter<T>;
 
 template <class T>
 concept RealValue = std::is_same_v<T, double> || std::is_same_v<T, float>;
@@ -168,7 +169,8 @@ public:
     /// nil.
     bool isEqual(const NSObject& other) const;
 
-    /// Equal values hash alike. The same in every process.
+    /// Equal values hash alike. The same in every process, host objects excepted, which answer for
+    /// themselves.
     std::size_t hash() const;
 
     /// The optional forms: empty when the value does not offer the form at all. Numbers offer all three,

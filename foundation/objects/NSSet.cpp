@@ -44,14 +44,15 @@ NSSet NSSet::setWithArray(const NSArray& array) {
     return Access::adoptSet(tableWith(array.begin(), array.count()));
 }
 
-std::size_t NSSet::count() const noexcept { return *this ? tableOf(*this)->count : 0; }
+std::size_t NSSet::count() const noexcept { return kind_ == detail::Kind::set ? tableOf(*this)->count : 0; }
 
 bool NSSet::containsObject(const NSObject& object) const {
-    return *this && detail::findKey(*tableOf(*this), object) != nullptr;
+    return kind_ == detail::Kind::set && detail::findKey(*tableOf(*this), object) != nullptr;
 }
 
 NSObject NSSet::member(const NSObject& object) const {
-    const NSDictionaryEntry* const entry = *this ? detail::findKey(*tableOf(*this), object) : nullptr;
+    const NSDictionaryEntry* const entry =
+        kind_ == detail::Kind::set ? detail::findKey(*tableOf(*this), object) : nullptr;
     return entry != nullptr ? entry->key : NSObject();
 }
 

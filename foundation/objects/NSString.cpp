@@ -64,8 +64,9 @@ NSString makeString(const char* utf8, std::size_t count) {
 
 namespace {
 
+/// Null for nil, and for a value of another type that was assigned through a plain NSObject reference.
 const StringBody* bodyOf(const NSObject& string) noexcept {
-    return string ? Access::string(string) : nullptr;
+    return Access::kind(string) == detail::Kind::string ? Access::string(string) : nullptr;
 }
 
 [[noreturn]] void raiseRange(const char* operation, std::size_t index, std::size_t length) {

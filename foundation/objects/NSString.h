@@ -66,7 +66,7 @@ public:
     std::u16string utf16() const;
 
     /// Exact comparison of units. False when either is nil.
-    bool isEqualToString(StringView other) const noexcept;
+    bool isEqualToString(StringView other) const;
 
     /// Canonically equivalent texts are the same; otherwise by units, a prefix first. Nil other: the same as
     /// empty.
@@ -76,8 +76,8 @@ public:
     NSComparisonResult caseInsensitiveCompare(StringView other) const;
 
     /// By units; false for an empty or nil argument.
-    bool hasPrefix(StringView prefix) const noexcept;
-    bool hasSuffix(StringView suffix) const noexcept;
+    bool hasPrefix(StringView prefix) const;
+    bool hasSuffix(StringView suffix) const;
 
     /// Full mapping, not bound to a locale: U+00DF becomes "SS".
     NSString uppercaseString() const;
@@ -108,11 +108,11 @@ public:
     /// As `propertyList` for the strings-table form; nil when that gives no dictionary, never raises.
     NSDictionary propertyListFromStringsFileFormat() const;
 
-    friend bool operator==(const NSString& left, const NSString& right) noexcept {
+    friend bool operator==(const NSString& left, const NSString& right) {
         return left && right ? left.isEqualToString(right) : !left && !right;
     }
     template <detail::PlainText T>
-    friend bool operator==(const NSString& left, const T& right) noexcept {
+    friend bool operator==(const NSString& left, const T& right) {
         const StringView text(right);
         return left && text ? left.isEqualToString(text) : !left && !text;
     }

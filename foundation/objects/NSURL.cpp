@@ -28,8 +28,10 @@ NSURL NSURL::URLWithString_relativeToURL(StringView text, const NSURL& base) {
     return Access::adoptURL(body);
 }
 
-NSString NSURL::relativeString() const { return *this ? Access::url(*this)->text : NSString(); }
+NSString NSURL::relativeString() const {
+    return kind_ == detail::Kind::url ? Access::url(*this)->text : NSString();
+}
 
-NSURL NSURL::baseURL() const { return *this ? Access::url(*this)->base : NSURL(); }
+NSURL NSURL::baseURL() const { return kind_ == detail::Kind::url ? Access::url(*this)->base : NSURL(); }
 
 } // namespace ZQFoundation

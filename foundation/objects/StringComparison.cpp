@@ -61,12 +61,14 @@ char32_t nextCodePoint(const NormalizedText& text, std::size_t& index) noexcept 
 /// syllables.
 bool extendsSequence(char32_t codePoint) noexcept {
     return detail::canonicalCombiningClass(codePoint) != 0 || (codePoint >= 0x1160 && codePoint <= 0x11FF) ||
-           codePoint == 0x09BE || codePoint == 0x09D7 || codePoint == 0x0B3E || codePoint == 0x0B56 ||
-           codePoint == 0x0B57 || codePoint == 0x0BBE || codePoint == 0x0BD7 || codePoint == 0x0CC2 ||
-           codePoint == 0x0CD5 || codePoint == 0x0CD6 || codePoint == 0x0D3E || codePoint == 0x0D57 ||
-           codePoint == 0x0DCF || codePoint == 0x0DDF || codePoint == 0x102E || codePoint == 0x1B35 ||
-           codePoint == 0x11127 || codePoint == 0x1133E || codePoint == 0x11357 || codePoint == 0x114B0 ||
-           codePoint == 0x114BA || codePoint == 0x114BD || codePoint == 0x115AF || codePoint == 0x11930;
+           codePoint == 0x0F73 || codePoint == 0x0F75 || codePoint == 0x0F81 || codePoint == 0x0FB5 ||
+           codePoint == 0x0FB7 || codePoint == 0x09BE || codePoint == 0x09D7 || codePoint == 0x0B3E ||
+           codePoint == 0x0B56 || codePoint == 0x0B57 || codePoint == 0x0BBE || codePoint == 0x0BD7 ||
+           codePoint == 0x0CC2 || codePoint == 0x0CD5 || codePoint == 0x0CD6 || codePoint == 0x0D3E ||
+           codePoint == 0x0D57 || codePoint == 0x0DCF || codePoint == 0x0DDF || codePoint == 0x102E ||
+           codePoint == 0x1B35 || codePoint == 0x11127 || codePoint == 0x1133E || codePoint == 0x11357 ||
+           codePoint == 0x114B0 || codePoint == 0x114BA || codePoint == 0x114BD || codePoint == 0x115AF ||
+           codePoint == 0x11930;
 }
 
 std::size_t sequenceStart(const NormalizedText& text, std::size_t index) noexcept {
@@ -228,7 +230,7 @@ NSString asciiMapped(const NormalizedText& text, char first, char last) {
 
 } // namespace
 
-bool NSString::isEqualToString(StringView other) const noexcept {
+bool NSString::isEqualToString(StringView other) const {
     if (!*this || !other) {
         return false;
     }
@@ -269,14 +271,14 @@ NSComparisonResult NSString::caseInsensitiveCompare(StringView other) const {
     }
 }
 
-bool NSString::hasPrefix(StringView prefix) const noexcept {
+bool NSString::hasPrefix(StringView prefix) const {
     const NormalizedText text(view());
     const NormalizedText start(prefix);
     return start.length() != 0 && start.length() <= text.length() &&
            sameUnits(text, 0, start, 0, start.length());
 }
 
-bool NSString::hasSuffix(StringView suffix) const noexcept {
+bool NSString::hasSuffix(StringView suffix) const {
     const NormalizedText text(view());
     const NormalizedText end(suffix);
     return end.length() != 0 && end.length() <= text.length() &&

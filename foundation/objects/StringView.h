@@ -76,11 +76,12 @@ public:
 
     StringView(const char8_t* utf8) noexcept : StringView(reinterpret_cast<const char*>(utf8)) {}
 
+    /// No bytes make the empty text, also behind a null pointer: only the one-argument forms make nil.
     constexpr StringView(const char* utf8, std::size_t byteCount) noexcept
-        : data_(utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
+        : data_(utf8 == nullptr ? "" : utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
 
     constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
-        : data_(units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
+        : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
 
     template <class Text>
         requires detail::TextRange<Text, char>

@@ -51,13 +51,28 @@ std::uint64_t bigEndian(const unsigned char* bytes, std::size_t count) noexcept 
     return value;
 }
 
+/// How much of a value there would be if it shared nothing: one part for each value and key, one more for
+/// each `bytesOfPart` bytes of text or data. Stays at its limit instead of wrapping around.
+using PartCount = std::uint64_t;
+
+constexpr std::size_t bytesOfPart = 256;
+
+// Values and keys are written once for each place where they stand, and their number can double with each
+// level. Documents whose writer shared equal objects stay far below these.
+constexpr PartCount alwaysAllowedParts = 1'000'000;
+constexpr PartCount timesTheParts = 64;
+
+PartCount sumOf(PartCount left, PartCount right) noexcept {
+    return left > UINT64_MAX - right ? UINT64_MAX : left + right;
+}
+
 class BinaryReader {
 public:
     BinaryReader(const unsigned char* bytes, std::size_t count) : bytes_(bytes), size_(count) {}
 
     NSObject read(PropertyListError& error) {
         NSObject result;
-        if (readTrailer() && checkOffsets() && readTree(result)) {
+        if (readTrailer() && checkOffsets() && readTree(result) && checkWrittenSize()) {
             return result;
         }
         error = {message_, 0, failedAt_};
@@ -65,12 +80,14 @@ public:
     }
 
 private:
-    /// What is known of an object: its value once it is read, and how many levels it is high.
+    /// What is known of an object: its value once it is read, how many levels it is high, and how much it is
+    /// when written out.
     struct Slot {
         enum State : unsigned char { unread, open, finished };
         NSObject value;
         State state = unread;
         std::uint16_t height = 0;
+        PartCount parts = 1;
     };
 
     /// A container that is being read.
@@ -81,6 +98,7 @@ private:
         std::size_t references; ///< offset of the first one
         std::size_t next;
         std::uint16_t height;
+        PartCount parts;
         NSMutableArray array;
         NSMutableDictionary dictionary;
     };
@@ -126,6 +144,15 @@ private:
             }
         }
         return true;
+    }
+
+    /// Whoever shows, writes or walks through the value meets each part of it; the reader did not.
+    bool checkWrittenSize() noexcept {
+        if (slots_[top_].parts <= alwaysAllowedParts || slots_[top_].parts / timesTheParts <= partsInFile_) {
+            return true;
+        }
+        return fail("Shared objects make the value many times larger than the file",
+                    static_cast<std::size_t>(offsetOf(top_)));
     }
 
     std::uint64_t offsetOf(std::size_t index) const noexcept {
@@ -174,6 +201,7 @@ private:
             level.isDictionary ? NSObject(level.dictionary.dictionary()) : NSObject(level.array.array());
         slot.state = Slot::finished;
         slot.height = level.height;
+        slot.parts = level.parts;
         open_.pop_back();
     }
 
@@ -200,11 +228,12 @@ private:
         if (slot.height >= level.height) {
             level.height = static_cast<std::uint16_t>(slot.height + 1);
         }
+        level.parts = sumOf(level.parts, slot.parts);
         if (!level.isDictionary) {
             level.array.addObject(slot.value);
         } else {
             NSString key;
-            if (!readKey(level.references + level.next * referenceSize_, key)) {
+            if (!readKey(level, key)) {
                 return false;
             }
             level.dictionary.setObject_forKey(slot.value, std::move(key));
@@ -213,7 +242,8 @@ private:
         return true;
     }
 
-    bool readKey(std::size_t offset, NSString& key) {
+    bool readKey(Level& level, NSString& key) {
+        const std::size_t offset = level.references + level.next * referenceSize_;
         std::size_t reference = 0;
         if (!readReferenceAt(offset, reference)) {
             return false;
@@ -229,6 +259,7 @@ private:
             }
         }
         key = NSString(slot.value);
+        level.parts = sumOf(level.parts, slot.parts);
         return key || fail("A dictionary's key is no string", offset);
     }
 
@@ -238,7 +269,7 @@ private:
         if (!findObject(index, place)) {
             return false;
         }
-        if (place.kind != arrayKind && place.kind != dictionaryKind) {
+        if (!isContainer(place)) {
             return readScalar(place, slots_[index]);
         }
         if (open_.size() == maximumPropertyListDepth) {
@@ -250,6 +281,7 @@ private:
                               place.count,
                               place.content,
                               0,
+                              1,
                               1,
                               isDictionary ? NSMutableArray() : NSMutableArray(place.count),
                               {}});
@@ -292,7 +324,12 @@ private:
             return fail("The objects lie over each other", place.start);
         }
         bytesToGive_ -= length;
+        partsInFile_ += 1 + length / (isContainer(place) ? referenceSize_ : bytesOfPart);
         return true;
+    }
+
+    static bool isContainer(const ObjectPlace& place) noexcept {
+        return place.kind == arrayKind || place.kind == dictionaryKind;
     }
 
     bool readCount(ObjectPlace& place) noexcept {
@@ -314,6 +351,7 @@ private:
 
     bool readScalar(const ObjectPlace& place, Slot& slot) {
         slot.state = Slot::finished;
+        slot.parts = 1 + place.count * (place.kind == unitsKind ? 2 : 1) / bytesOfPart;
         const unsigned char* content = bytes_ + place.content;
         switch (place.kind) {
         case simpleKind:
@@ -452,6 +490,7 @@ private:
     std::size_t table_ = 0; ///< offset of the table, which is the end of the objects
     std::size_t top_ = 0;
     std::size_t bytesToGive_ = 0;
+    PartCount partsInFile_ = 0; ///< of the objects that were read, each taken once
     std::vector<Slot> slots_;
     std::vector<Level> open_;
     const char* message_ = nullptr;

@@ -63,6 +63,9 @@ BundleLayout layoutOfFolder(const std::string& folder) {
 }
 
 BundleLayout layoutOfProgram(const std::string& program, const std::string& processName) {
+    if (program.empty()) {
+        return {};
+    }
     const std::string folder = folderOf(program);
     if (endsWith(folder, "/Contents/MacOS")) {
         return applicationLayout(folderOf(folderOf(folder)));
@@ -82,6 +85,9 @@ BundleLayout layoutOfProgram(const std::string& program, const std::string& proc
 }
 
 BundleLayout layoutOfLibrary(const std::string& library) {
+    if (library.empty()) {
+        return {};
+    }
     const std::string folder = folderOf(library);
     const std::string beside = folder + "/Resources";
     if (isFolder(beside)) {

@@ -8,7 +8,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Where a bundle keeps its parts; paths as bytes, no slash at the end.
+/// Where a bundle keeps its parts; paths as bytes, no slash at the end. All of them are empty when it is not
+/// known where the program or library stands: then nothing is looked up, least of all in the current folder.
 ///
 ///     X.app/Contents/{Info.plist,MacOS/,Resources/}      an application
 ///     X/Resources/Info.plist                             a framework, or a program beside its Resources
@@ -25,10 +26,11 @@ BundleLayout layoutOfFolder(const std::string& folder);
 
 /// The bundle around a program: the X.app whose Contents/MacOS holds it; else its own folder when an
 /// Info.plist or Resources/Info.plist stands there; else, for a program in a "bin" folder, ../share/<process
-/// name> when that exists; else its own folder, with no Info dictionary.
+/// name> when that exists; else its own folder, with no Info dictionary. An empty path gives an empty layout.
 BundleLayout layoutOfProgram(const std::string& program, const std::string& processName);
 
-/// The bundle of a library: `Resources` beside it, else share/ZQFoundation of the same installation.
+/// The bundle of a library: `Resources` beside it, else share/ZQFoundation of the same installation. An empty
+/// path gives an empty layout.
 BundleLayout layoutOfLibrary(const std::string& library);
 
 /// The names of the "*.lproj" folders in a folder, without the extension, in ascending order of their bytes.

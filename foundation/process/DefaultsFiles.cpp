@@ -98,12 +98,11 @@ NSDictionary DomainFile::values(const std::string& path) {
     if (NSDictionary known = kept(path, stamp)) {
         return known;
     }
-    std::string bytes;
-    if (readStampedFile(path, bytes, stamp) != FileResult::read) {
+    NSDictionary values;
+    if (readStampedFile(path, dictionaryFromBytes, values, stamp) != FileResult::read) {
         return nullptr; // not kept, so that it is tried again as soon as it can be read
     }
     const bool settled = !isFresh(stamp);
-    NSDictionary values = dictionaryFromBytes(bytes);
     snapshot_.replace(new Snapshot{path, stamp, settled, values});
     return values;
 }

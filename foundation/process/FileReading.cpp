@@ -100,6 +100,26 @@ bool getInformation(const std::string& path, struct stat& information) noexcept 
     return !path.empty() && ::stat(path.c_str(), &information) == 0;
 }
 
+FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& stamp) {
+    if (path.empty()) {
+        return FileResult::unreadable;
+    }
+    const Descriptor file(openForReading(path));
+    if (file.number() < 0) {
+        return resultOfError(errno);
+    }
+    struct stat information;
+    if (::fstat(file.number(), &information) != 0 || !S_ISREG(information.st_mode)) {
+        return FileResult::unreadable;
+    }
+    stamp = stampFrom(information);
+    if (stamp.size > largestFile) {
+        return FileResult::unreadable;
+    }
+    bytes.resize(static_cast<std::size_t>(stamp.size));
+    return readAll(file.number(), bytes) ? FileResult::read : FileResult::unreadable;
+}
+
 } // namespace
 
 bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept {
@@ -124,28 +144,20 @@ bool isFresh(const FileStamp& stamp) noexcept {
     return age < window;
 }
 
-FileResult readStampedFile(const std::string& path, std::string& bytes, FileStamp& stamp) {
-    if (path.empty()) {
-        return FileResult::unreadable;
-    }
-    const Descriptor file(openForReading(path));
-    if (file.number() < 0) {
-        return resultOfError(errno);
-    }
-    struct stat information;
-    if (::fstat(file.number(), &information) != 0 || !S_ISREG(information.st_mode)) {
-        return FileResult::unreadable;
-    }
-    stamp = stampFrom(information);
-    if (stamp.size >= largestFile) {
-        return FileResult::unreadable;
-    }
+FileResult readStampedFile(const std::string& path, FileParser parse, NSDictionary& values,
+                           FileStamp& stamp) {
+    values = nullptr;
     try {
-        bytes.resize(static_cast<std::size_t>(stamp.size));
+        std::string bytes;
+        const FileResult result = readBytes(path, bytes, stamp);
+        if (result == FileResult::read) {
+            values = parse(bytes);
+        }
+        return result;
     } catch (const std::bad_alloc&) {
+        // Asked for by a log call as a rule: the host must not learn of it through an exception.
         return FileResult::exhausted;
     }
-    return readAll(file.number(), bytes) ? FileResult::read : FileResult::unreadable;
 }
 
 bool fileExists(const std::string& path) noexcept {

@@ -26,8 +26,9 @@ struct FileStamp {
     friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
-/// Files from this size on are passed over.
-inline constexpr std::int64_t largestFile = std::int64_t{256} << 20;
+/// Larger files are passed over. Such files are written by hand or by settings panels and stay far below it,
+/// while the value that one holds can take some thirty times its size in memory, in the middle of a log call.
+inline constexpr std::int64_t largestFile = std::int64_t{16} << 20;
 
 enum class FileResult {
     read,       ///< all of it, as it was when its stamp was taken
@@ -41,7 +42,12 @@ bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept;
 /// Whether the file was changed so shortly before this call that another change might leave the same stamp.
 bool isFresh(const FileStamp& stamp) noexcept;
 
-FileResult readStampedFile(const std::string& path, std::string& bytes, FileStamp& stamp);
+/// What bytes spell; may throw std::bad_alloc.
+using FileParser = NSDictionary (*)(const std::string& bytes);
+
+/// Reads a file and parses it. Never throws: when the memory for it is lacking, the file counts as one that
+/// cannot be read at the moment. `values` is nil unless the result is `read`.
+FileResult readStampedFile(const std::string& path, FileParser parse, NSDictionary& values, FileStamp& stamp);
 
 bool fileExists(const std::string& path) noexcept;
 bool isFolder(const std::string& path) noexcept;

@@ -26,6 +26,24 @@ namespace {
 /// pieces.
 constinit Lock writerLock;
 
+/// Whether this thread is between asking for the lock and having given it back. A handler that interrupts it
+/// there must not ask again.
+constinit thread_local bool isWriting = false;
+
+class WritingScope {
+public:
+    WritingScope() noexcept {
+        isWriting = true;
+        __atomic_signal_fence(__ATOMIC_SEQ_CST);
+    }
+    WritingScope(const WritingScope&) = delete;
+    WritingScope& operator=(const WritingScope&) = delete;
+    ~WritingScope() {
+        __atomic_signal_fence(__ATOMIC_SEQ_CST);
+        isWriting = false;
+    }
+};
+
 /// Where a line broke off half-way, so that the next one there starts on a line of its own.
 struct TornLine {
     bool isTorn;
@@ -178,10 +196,11 @@ void writeLine(StringView text) {
         line.append('\n');
     }
     const auto count = static_cast<std::size_t>(line.end() - line.start());
-    if (writerLock.isHeldByThisThread()) { // a signal handler that interrupted this very write
+    if (isWriting) { // a signal handler that interrupted this very write
         writeAll(line.start(), count);
         return;
     }
+    const WritingScope scope;
     const Guard guard(writerLock);
     writeWhole(line.start(), count);
 }

@@ -95,13 +95,13 @@ BundleRecord* currentMainRecord() {
 
 // Info dictionary
 
-NSDictionary readDictionary(const std::string& path, NSDictionary (*parse)(const std::string&), bool& keep) {
-    std::string bytes;
+NSDictionary readDictionary(const std::string& path, FileParser parse, bool& keep) {
+    NSDictionary values;
     FileStamp stamp;
-    const FileResult result = readStampedFile(path, bytes, stamp);
-    // A process that is short of descriptors now may read the file later.
+    const FileResult result = readStampedFile(path, parse, values, stamp);
+    // A process that is short of descriptors or memory now may read the file later.
     keep = result != FileResult::exhausted;
-    return result == FileResult::read ? parse(bytes) : NSDictionary::dictionary();
+    return values ? values : NSDictionary::dictionary();
 }
 
 NSDictionary infoOf(BundleRecord& record) {
@@ -184,7 +184,10 @@ std::vector<std::string> choosePreferred(BundleRecord& record) {
             return {found};
         }
     }
-    return {available.empty() ? std::string("en") : available.front()};
+    // "Base" is what all languages share, and none itself.
+    const auto first = std::find_if(available.begin(), available.end(),
+                                    [](const std::string& name) { return name != "Base"; });
+    return {first == available.end() ? std::string("en") : *first};
 }
 
 const std::vector<std::string>& preferredOf(BundleRecord& record) {
@@ -199,6 +202,9 @@ const std::vector<std::string>& preferredOf(BundleRecord& record) {
 
 std::string pathOfTable(BundleRecord& record, const std::string& table) {
     const std::string& resources = record.layout.resources;
+    if (resources.empty()) {
+        return {};
+    }
     const std::string file = "/" + table + ".strings";
     if (fileExists(resources + file)) {
         return resources + file;
@@ -259,6 +265,9 @@ NSString textInTable(BundleRecord& record, StringView key, StringView table) {
 
 /// The program that an Info dictionary names; empty when there is no such file.
 std::string programOf(BundleRecord& record) {
+    if (record.layout.programs.empty()) {
+        return {};
+    }
     std::string name;
     if (!getFileName(infoOf(record).objectForKey("CFBundleExecutable").as<NSString>(), name)) {
         name = lastComponentOf(record.layout.folder);

@@ -16,7 +16,8 @@ struct BundleRecord;
 ///
 /// A nullable handle; the same folder always gives an equal one. What a bundle has read (Info dictionary,
 /// string tables, the choice of localizations) it keeps until the process ends; files changed later are not
-/// seen. A file that cannot be read, is empty, cut off or of the wrong type counts as empty.
+/// seen. A file that cannot be read, is larger than 16 MiB, empty, cut off or of the wrong type counts as
+/// empty.
 ///
 /// All operations may be called from any thread at any time, leave `errno` alone, and answer nil or an empty
 /// collection for a nil bundle.
@@ -28,7 +29,8 @@ public:
     /// The bundle of the running program, found from the program's own file: the `X.app` around
     /// `X.app/Contents/MacOS/<program>`; else the program's folder when it holds `Resources/Info.plist` or
     /// `Info.plist`; else, for a program in a `bin` folder, `../share/<process name>`; else the program's
-    /// folder, with an empty Info dictionary. Never nil.
+    /// folder, with an empty Info dictionary. Never nil; when the system does not tell the program's file, a
+    /// bundle without any files, whose paths are empty.
     static NSBundle mainBundle();
 
     /// The library's own bundle: `Resources` beside the library's file, else `../share/ZQFoundation`. Never
@@ -67,8 +69,8 @@ public:
 
     /// Those of the localizations that suit the user best, the most exact first. The user's languages are the
     /// default `AppleLanguages`; a bundle other than the main one prefers the main bundle's. When none fits:
-    /// the development region, "en" or the first localization, whichever there is; "en" without any
-    /// localization. Decided at the first call.
+    /// the development region, "en" or the first localization other than `Base`, whichever there is; "en"
+    /// without any localization. Decided at the first call.
     NSArray preferredLocalizations() const;
 
     /// The Info dictionary's `CFBundleDevelopmentRegion`; nil without one.
@@ -78,6 +80,9 @@ public:
     /// has the file is searched and no other: the resources themselves, the preferred localizations in order,
     /// `Base`, the development region. When the key is missing: `value` when it is neither nil nor empty,
     /// else the key. A nil key gives `value`, or the empty string.
+    ///
+    /// Plural tables (`<table>.stringsdict`) are not read yet: a key that has plural forms only there counts
+    /// as missing.
     NSString localizedStringForKey_value_table(const NSString& key, const NSString& value,
                                                StringView table) const;
 

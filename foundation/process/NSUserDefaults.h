@@ -20,8 +20,8 @@ namespace ZQFoundation {
 ///
 /// The files stand in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property
 /// lists in any form. **They are never written:** what a process sets holds for that process only. A changed
-/// file is seen by the next look; a file that is absent, unreadable, too large (256 MiB), cut off or of the
-/// wrong type is passed over.
+/// file is seen by the next look; a file that is absent, unreadable, too large (over 16 MiB), cut off or of
+/// the wrong type is passed over.
 ///
 /// All operations may be called from any thread at any time: before `main`, in static destructors, and in a
 /// forked child whatever other threads were doing. They leave `errno` alone and follow the environment as it

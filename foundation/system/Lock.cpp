@@ -45,7 +45,7 @@ bool Lock::lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept {
     int pause = 1;
     for (int rounds = 0;; ++rounds) {
         std::uint32_t seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-        const bool isFree = (seen & stateMask) == 0 || (seen & ~stateMask) != generation;
+        const bool isFree = (seen & stateMask) == 0 || !isHeldIn(seen, generation);
         if (isFree) {
             if (__atomic_compare_exchange_n(&word_, &seen, wanted, false, __ATOMIC_ACQUIRE,
                                             __ATOMIC_RELAXED)) {
@@ -54,7 +54,7 @@ bool Lock::lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept {
         } else if (rounds < roundsBeforeSleep) {
             pauseBriefly(pause);
             pause = pause < longestPause ? pause * 2 : longestPause;
-        } else if ((seen & stateMask) == heldWithWaiters ||
+        } else if (seen == (generation | heldWithWaiters) ||
                    __atomic_compare_exchange_n(&word_, &seen, generation | heldWithWaiters, false,
                                                __ATOMIC_RELAXED, __ATOMIC_RELAXED)) {
             system::waitWhileEqual(&word_, generation | heldWithWaiters);
@@ -63,9 +63,9 @@ bool Lock::lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept {
     }
 }
 
-bool Lock::isHeldByThisThread() const noexcept {
-    return (__atomic_load_n(&word_, __ATOMIC_RELAXED) & stateMask) != 0 &&
-           __atomic_load_n(&owner_, __ATOMIC_RELAXED) == currentThread();
+bool Lock::isHeldIn(std::uint32_t word, std::uint32_t generation) const noexcept {
+    return (word & ~stateMask) == generation ||
+           system::isForkingThread(__atomic_load_n(&owner_, __ATOMIC_RELAXED));
 }
 
 } // namespace ZQFoundation::detail

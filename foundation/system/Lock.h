@@ -46,15 +46,12 @@ public:
 
     /// Unlike any other living thread's number.
     static std::uint64_t currentThread() noexcept {
-#if defined(__has_builtin) && __has_builtin(__builtin_thread_pointer)
+#if defined(__linux__) && defined(__has_builtin) && __has_builtin(__builtin_thread_pointer)
         return reinterpret_cast<std::uint64_t>(__builtin_thread_pointer());
 #else
         return system::threadNumber();
 #endif
     }
-
-    /// For code that a signal handler may enter while the same thread is inside.
-    bool isHeldByThisThread() const noexcept;
 
 private:
     // The word holds the fork generation above these two bits. A word of an older generation was locked by a
@@ -65,6 +62,9 @@ private:
 
     /// True when this thread held the lock already and is now one level deeper.
     bool lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept;
+    /// Of a word whose state is not free: an older generation counts only when its holder is the thread that
+    /// forked.
+    bool isHeldIn(std::uint32_t word, std::uint32_t generation) const noexcept;
     bool relockByOwner(std::uint64_t self, std::uint32_t generation) noexcept;
 
     std::uint32_t word_ = 0;

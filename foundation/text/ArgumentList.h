@@ -30,7 +30,7 @@ class TextBuilder;
 class Argument {
 public:
     template <class T>
-        requires(std::is_integral_v<T> || std::is_enum_v<T>)
+        requires((std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t)) || std::is_enum_v<T>)
     constexpr Argument(const T& value) noexcept {
         if constexpr (std::is_enum_v<T>) {
             *this = Argument(static_cast<std::underlying_type_t<T>>(value));

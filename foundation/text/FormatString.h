@@ -295,12 +295,12 @@ template <class... Arguments>
 class FormatString {
 public:
     template <std::size_t size>
-    consteval FormatString(const char (&literal)[size]) : text_(viewOf(literal, size - 1)) {
-        checked(literal, size - 1);
+    consteval FormatString(const char (&literal)[size]) : text_(viewOf(literal, lengthOf(literal))) {
+        checked(literal, lengthOf(literal));
     }
     template <std::size_t size>
-    consteval FormatString(const char16_t (&literal)[size]) : text_(literal, size - 1) {
-        checked(literal, size - 1);
+    consteval FormatString(const char16_t (&literal)[size]) : text_(literal, lengthOf(literal)) {
+        checked(literal, lengthOf(literal));
     }
     constexpr FormatString(std::nullptr_t) noexcept {}
     template <class T>
@@ -314,6 +314,16 @@ public:
     constexpr StringView text() const noexcept { return text_; }
 
 private:
+    /// Up to the first NUL, as for any C string: an array may be longer than its text.
+    template <class Unit, std::size_t size>
+    static consteval std::size_t lengthOf(const Unit (&literal)[size]) {
+        std::size_t length = 0;
+        while (length < size && literal[length] != Unit{}) {
+            ++length;
+        }
+        return length;
+    }
+
     static consteval StringView viewOf(const char* literal, std::size_t size) {
         for (std::size_t i = 0; i < size; ++i) {
             if (static_cast<unsigned char>(literal[i]) > 0x7F) {

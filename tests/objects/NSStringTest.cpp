@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/objects/NSString.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/CaseMapping.h"
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -16,6 +17,7 @@
 #include "foundation/objects/NSSet.h"
 #include "tests/objects/CountingAllocator.h"
 #include "tests/objects/TestValues.h"
+#include "tests/text/DecimalCommaLocale.h"
 
 using namespace ZQFoundation;
 using namespace TestValues;
@@ -640,27 +642,9 @@ TEST(NSStringNumericViews, floatsAreDoublesRoundedToSingle) {
     EXPECT_EQ(NSString("abc").floatValue(), 0.0F);
 }
 
-/// Sets a locale with a decimal comma for the time of a test.
-class DecimalCommaLocale {
-public:
-    DecimalCommaLocale() : saved_(std::setlocale(LC_ALL, nullptr)) {
-        isSet_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-    }
-    DecimalCommaLocale(const DecimalCommaLocale&) = delete;
-    DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;
-    ~DecimalCommaLocale() { std::setlocale(LC_ALL, saved_.c_str()); }
-    bool isSet() const { return isSet_ && *std::localeconv()->decimal_point == ','; }
-
-private:
-    std::string saved_;
-    bool isSet_ = false;
-};
-
 TEST(NSStringNumericViews, doNotFollowTheLocale) {
     const DecimalCommaLocale locale;
-    if (!locale.isSet()) {
-        GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    }
+    ASSERT_TRUE(locale.isSet());
     EXPECT_EQ(NSString("2.5").doubleValue(), 2.5);
     EXPECT_EQ(NSString("2,5").doubleValue(), 2);
     EXPECT_EQ(shown(2.5), "2.5");
@@ -733,6 +717,26 @@ TEST(NSMutableString, aTextThatOnlyPassedThroughUnitsEqualsItsAsciiForm) {
     EXPECT_EQ(text, "abcd");
     EXPECT_EQ(text.hash(), NSString("abcd").hash());
     EXPECT_EQ((NSDictionary{{text, 1}}).objectForKey("abcd"), 1);
+}
+
+TEST(NSString, comparesEveryCodePointWithItsDecompositionAsTheSame) {
+    for (char32_t codePoint = 0x80; codePoint < 0x110000; ++codePoint) {
+        char32_t parts[4];
+        const unsigned count = detail::canonicalDecomposition(codePoint, parts);
+        if (count == 0) {
+            continue;
+        }
+        detail::TextBuilder whole;
+        whole.appendLiteral("x");
+        whole.appendCodePoint(codePoint);
+        detail::TextBuilder apart;
+        apart.appendLiteral("x");
+        for (unsigned i = 0; i < count; ++i) {
+            apart.appendCodePoint(parts[i]);
+        }
+        ASSERT_EQ(whole.string().compare(apart.string()), NSOrderedSame)
+            << std::hex << std::uint32_t{codePoint};
+    }
 }
 
 } // namespace
