@@ -131,7 +131,8 @@ private:
     StringView view() const noexcept;
 };
 
-inline StringView::StringView(const NSString& string) noexcept : StringView(string.view()) {}
+inline StringView::StringView(const NSString& string) noexcept
+    : StringView(string ? string.view() : StringView()) {}
 
 /// Builds a text piece by piece. Exclusive and movable; `string()` hands the text over without a copy of long
 /// texts and leaves the builder empty.

@@ -22,7 +22,7 @@ using namespace hosttest;
 namespace {
 
 constexpr int writerCount = 16;
-constexpr int linesPerWriter = scaled(20'000, 2'000, 400);
+constexpr int linesPerWriter = scaled(20'000, 5'000, 2'000);
 
 /// Most lines are short, every hundredth up to 100 kB.
 std::size_t fillingLength(int writer, int sequence) {
@@ -53,7 +53,8 @@ void writeNumberedLine(int writer, int sequence) {
     }
 }
 
-/// Settings in which two keys are always on and a third comes and goes, replaced as a whole as an editor does.
+/// Settings in which two keys are always on and a third comes and goes, replaced as a whole as an editor
+/// does.
 class ChangingSettings {
 public:
     ChangingSettings() { write(true); }
@@ -61,8 +62,8 @@ public:
     void write(bool withThird) const {
         const std::string third = withThird ? "<key>TraceThird</key><true/>" : "";
         const std::string fresh = folder_.write(
-            "fresh", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>TraceSteady</key><true/>" + third +
-                         "<key>TraceLevel</key><integer>3</integer></dict></plist>");
+            "fresh", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>TraceSteady</key><true/>" +
+                         third + "<key>TraceLevel</key><integer>3</integer></dict></plist>");
         ::rename(fresh.c_str(), (folder_ / "NSGlobalDomain.plist").c_str());
     }
 
@@ -122,7 +123,8 @@ private:
             const bool holdsSteady = active.containsObject("TraceSteady") && active.count() <= 3;
             const NSString any = ZQLog::logStringForAnyTraceKeyOf_usingFormat(both, "%d", 7);
             const NSString all = ZQLog::logStringForAllTraceKeysOf_usingFormat(both, "%d", 7);
-            const bool isRight = any == NSString("TraceSteady: 7") || any == NSString("TraceThird/TraceSteady: 7");
+            const bool isRight =
+                any == NSString("TraceSteady: 7") || any == NSString("TraceThird/TraceSteady: 7");
             const bool isWhole = !all || all == NSString("TraceThird+TraceSteady: 7");
             if (!holdsSteady || !isRight || !isWhole || !ZQLog::traceKeyIsEnabled("TraceSteady") ||
                 ZQLog::traceKeyIsEnabled("TraceNever") || !ZQLog::aTraceDefaultValueHasBeenActivated()) {
@@ -156,7 +158,8 @@ void writeFromAllThreads(int lines) {
     }
     unrest.stop();
     sayScale(std::to_string(writerCount) + " threads of " + std::to_string(lines) + " lines, " +
-             std::to_string(unrest.readings()) + " readings, " + std::to_string(unrest.questions()) + " questions");
+             std::to_string(unrest.readings()) + " readings, " + std::to_string(unrest.questions()) +
+             " questions");
     EXPECT_EQ(unrest.wrongAnswers(), 0);
     EXPECT_GT(unrest.readings(), 0);
     EXPECT_GT(unrest.questions(), 0);
@@ -280,6 +283,7 @@ TEST(ConcurrentLogging, makesSharedThingsOnceWhenThreadsAskTogether) {
         threads.emplace_back([&, i] {
             ++ready;
             while (ready < writerCount) {
+                std::this_thread::yield();
             }
             formatters[i] = &ZQLog::dateFormatterLong();
             const NSString prefix = ZQLog::logPrefix();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of the promises to a host share: something else in the place of standard error, lines that can be
-// checked byte by byte, children that are waited for only so long.
+// What the tests of the promises to a host share: something else in the place of standard error, lines that
+// can be checked byte by byte, children that are waited for only so long.
 #ifndef ZQFOUNDATION_TESTS_LOG_HOSTTESTING_H
 #define ZQFOUNDATION_TESTS_LOG_HOSTTESTING_H
 
@@ -45,7 +45,8 @@ inline constexpr const char* buildKind = "plain build";
 #endif
 
 /// How much of a work to do: all of it, or less where a sanitizer makes it slow.
-constexpr int scaled(int plain, [[maybe_unused]] int underAddressSanitizer, [[maybe_unused]] int underThreadSanitizer) {
+constexpr int scaled([[maybe_unused]] int plain, [[maybe_unused]] int underAddressSanitizer,
+                     [[maybe_unused]] int underThreadSanitizer) {
 #if defined(ZQ_TEST_ADDRESS_SANITIZER)
     return underAddressSanitizer;
 #elif defined(ZQ_TEST_THREAD_SANITIZER)
@@ -151,7 +152,8 @@ inline std::string_view filling(std::size_t start, std::size_t length) {
     return std::string_view(pattern).substr(start % 37, length);
 }
 
-/// The text of one line: who wrote it, the how manyth of that writer it is, and a filling of the length it names.
+/// The text of one line: who wrote it, the how manyth of that writer it is, and a filling of the length it
+/// names.
 inline std::string numberedText(int writer, int sequence, std::size_t length) {
     const std::size_t start = static_cast<std::size_t>(writer) * 7 + static_cast<std::size_t>(sequence);
     return std::to_string(writer) + ' ' + std::to_string(sequence) + ' ' + std::to_string(length) + ' ' +
@@ -233,7 +235,8 @@ private:
         int writer = 0;
         int sequence = 0;
         unsigned length = 0;
-        if (std::sscanf(std::string(text.substr(0, 40)).c_str(), "%d %d %u ", &writer, &sequence, &length) != 3 ||
+        if (std::sscanf(std::string(text.substr(0, 40)).c_str(), "%d %d %u ", &writer, &sequence, &length) !=
+                3 ||
             text != numberedText(writer, sequence, length) || next_[writer] != sequence) {
             return false;
         }

@@ -1,0 +1,337 @@
+// SPDX-License-Identifier: MIT
+// What belongs to the host is after every call as it was before.
+#include <cfenv>
+#include <clocale>
+#include <cmath>
+
+#include <dirent.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include "foundation/objects/NSException.h"
+#include "foundation/process/NSLog.h"
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/process/NSUserDefaults.h"
+#include "foundation/time/NSDateFormatter.h"
+#include "log/ZQLog.h"
+#include "tests/log/HostTesting.h"
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation;
+using namespace hosttest;
+
+namespace {
+
+extern "C" char** environ;
+
+std::vector<std::string> namesIn(const std::string& path) {
+    std::vector<std::string> names;
+    DIR* const folder = ::opendir(path.c_str());
+    const std::string own = folder != nullptr ? std::to_string(::dirfd(folder)) : "";
+    while (const dirent* entry = folder != nullptr ? ::readdir(folder) : nullptr) {
+        if (entry->d_name[0] != '.' && entry->d_name != own) {
+            names.emplace_back(entry->d_name);
+        }
+    }
+    if (folder != nullptr) {
+        ::closedir(folder);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string listed(const sigset_t& signals) {
+    std::string text;
+    for (int signal = 1; signal < SIGRTMAX; ++signal) {
+        text += ::sigismember(&signals, signal) == 1 ? std::to_string(signal) + ' ' : "";
+    }
+    return text;
+}
+
+std::string dispositions() {
+    std::string text;
+    char piece[64];
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+        struct sigaction action {};
+        if (::sigaction(signal, nullptr, &action) == 0) {
+            std::snprintf(piece, sizeof piece, "%d:%p:%x:", signal,
+                          reinterpret_cast<void*>(action.sa_handler), static_cast<unsigned>(action.sa_flags));
+            text += piece + listed(action.sa_mask) + "; ";
+        }
+    }
+    return text;
+}
+
+std::string openDescriptors() {
+    std::string text;
+    for (const std::string& number : namesIn("/proc/self/fd")) {
+        char target[512];
+        const ssize_t length = ::readlink(("/proc/self/fd/" + number).c_str(), target, sizeof target);
+        const int descriptor = std::atoi(number.c_str());
+        text += number + "->" + std::string(target, length > 0 ? static_cast<std::size_t>(length) : 0) + ' ' +
+                std::to_string(::fcntl(descriptor, F_GETFD)) + ' ' +
+                std::to_string(::fcntl(descriptor, F_GETFL)) + "; ";
+    }
+    return text;
+}
+
+std::string environmentText() {
+    std::string text;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        text += std::string(*entry) + '\n';
+    }
+    return text;
+}
+
+std::string workingFolder() {
+    char path[4096];
+    return ::getcwd(path, sizeof path) != nullptr ? path : "none";
+}
+
+std::string permissionMask() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return std::to_string(mask);
+}
+
+/// Everything by name, so that a difference can be told.
+std::map<std::string, std::string> hostState() {
+    std::map<std::string, std::string> state;
+    sigset_t signals;
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &signals);
+    state["signal mask"] = listed(signals);
+    ::sigpending(&signals);
+    state["pending signals"] = listed(signals);
+    state["dispositions"] = dispositions();
+    state["umask"] = permissionMask();
+    state["working folder"] = workingFolder();
+    state["descriptors"] = openDescriptors();
+    state["locale"] = std::setlocale(LC_ALL, nullptr);
+    state["environment"] = environmentText();
+    state["rounding"] = std::to_string(std::fegetround());
+    state["terminate handler"] = std::get_terminate() == nullptr ? "none" : "as it was";
+    std::string threads;
+    for (const std::string& task : namesIn("/proc/self/task")) {
+        threads += task + ' ';
+    }
+    state["threads"] = threads;
+    return state;
+}
+
+struct Plain : NSObjectProtocol {
+    NSString description() const override { return "plain"; }
+};
+
+const Plain plain;
+
+using Call = std::pair<const char*, void (*)()>;
+
+const Call calls[] = {
+    {"log",
+     [] {
+         ZQLog::log("a line");
+     }},
+    {"log, long",
+     [] {
+         ZQLog::log(std::string(100'000, 'x'));
+     }},
+    {"log, nil",
+     [] {
+         ZQLog::log(nullptr);
+     }},
+    {"log, ill-formed",
+     [] {
+         ZQLog::log("\xff\xfe");
+     }},
+    {"log, flag NO",
+     [] {
+         ZQLog::logAlways_log(false, "a line");
+     }},
+    {"NSLog",
+     [] {
+         NSLog("%@ %d", "text", 3);
+     }},
+    {"format",
+     [] {
+         ZQLog::logWithFormat("%@ %5.2f %s %llu %a", NSArray{1, "a", NSDate::date()}, 2.5, "c", 7ULL, 0.1);
+     }},
+    {"format, returned",
+     [] {
+         ZQLog::logStringWithFormat("%@ %g", NSDictionary{{"a", 1.5}}, 2.5);
+     }},
+    {"trace key",
+     [] {
+         ZQLog::logForTraceKey_usingFormat("TraceSteady", "%d", 3);
+     }},
+    {"trace key, off",
+     [] {
+         ZQLog::logForTraceKey_usingFormat("TraceNever", "%d", 3);
+     }},
+    {"level",
+     [] {
+         ZQLog::logForTraceKey_value_usingFormat("TraceNever", 0, "%d", 3);
+     }},
+    {"threshold",
+     [] {
+         ZQLog::logForTraceKey_threshold_usingFormat("TraceNever", 0, "%@", plain);
+     }},
+    {"any of",
+     [] {
+         ZQLog::logForAnyTraceKeyOf_usingFormat(NSArray{"TraceSteady", "TraceNever"}, "x");
+     }},
+    {"all of",
+     [] {
+         ZQLog::logForAllTraceKeysOf_usingFormat(NSArray{"TraceSteady"}, "x");
+     }},
+    {"any",
+     [] {
+         ZQLog::logForAnyTraceKeyUsingFormat("%@", plain);
+     }},
+    {"method caller",
+     [] {
+         ZQLog::logSelf_method_logAlways_logWithFormat(&plain, "run", true, "%@", NSObject(3));
+     }},
+    {"function caller",
+     [] {
+         ZQLog::logFunctionName_logAlways_log("run", true, "x");
+     }},
+    {"prefix",
+     [] {
+         ZQLog::logPrefix();
+     }},
+    {"formatters",
+     [] {
+         ZQLog::dateFormatterLong().stringFromDate(NSDate::date());
+         ZQLog::dateFormatterShort().stringFromDate(NSDate::date());
+     }},
+    {"re-reading",
+     [] {
+         ZQLog::initializeTraceDefaultsDict();
+     }},
+    {"questions",
+     [] {
+         const ZQLog::Synchronized monitor;
+         ZQLog::traceKeyIsEnabled("TraceSteady");
+         ZQLog::activatedTraceDefaultsKeys();
+         ZQLog::activatedTraceDefaultKeys();
+         ZQLog::aTraceDefaultValueHasBeenActivated();
+     }},
+    {"caller descriptions",
+     [] {
+         ZQLog::objectiveCMethodDescriptionStringForCaller_method(&plain, "run");
+         ZQLog::cFunctionDescriptionStringForFunctionName("a/b:c");
+     }},
+    {"defaults",
+     [] {
+         NSUserDefaults::standardUserDefaults().dictionaryRepresentation();
+     }},
+    {"process",
+     [] {
+         NSProcessInfo::processInfo().environment();
+     }},
+};
+
+/// Every call, each with a look at `errno` and all together at the rest.
+void expectAllStays(const Findings& findings) {
+    const auto before = hostState();
+    for (int round = 0; round < 2; ++round) { // the first calls make what the later ones use
+        for (const auto& [name, call] : calls) {
+            for (const int error : {EDOM, 0}) {
+                errno = error;
+                call();
+                findings.expect(errno == error,
+                                std::string(name) + " changed errno to " + std::to_string(errno));
+            }
+        }
+    }
+    for (const auto& [name, value] : hostState()) {
+        findings.expect(before.at(name) == value, name + " changed from " + before.at(name) + " to " + value);
+    }
+}
+
+/// A host with settings of its own, which a library may not replace by the usual ones.
+void beParticularHost(const std::string& folder) {
+    std::setlocale(LC_ALL, "de_DE.UTF-8");
+    ::umask(027);
+    [[maybe_unused]] const int moved = ::chdir(folder.c_str());
+    std::fesetround(FE_UPWARD);
+    sigset_t mask;
+    sigemptyset(&mask);
+    sigaddset(&mask, SIGUSR1);
+    sigaddset(&mask, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &mask, nullptr);
+    ::raise(SIGUSR1);
+    struct sigaction action {};
+    action.sa_handler = [](int) {
+    };
+    action.sa_flags = SA_RESTART;
+    sigaddset(&action.sa_mask, SIGUSR2);
+    ::sigaction(SIGXFSZ, &action, nullptr);
+}
+
+class HostState : public ::testing::TestWithParam<const char*> {
+protected:
+    /// The child's standard error, by the name that the parameter gives it.
+    void openStandardError() const {
+        const std::string name = GetParam();
+        int ends[2] = {-1, -1};
+        if (name == "file") {
+            ends[1] = openToAppend(folder_ / "log");
+        } else if (name == "full device") {
+            ends[1] = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+        } else if (name != "closed" && ::pipe2(ends, O_CLOEXEC) == 0) {
+            ::close(ends[0]); // nobody reads
+        }
+        if (ends[1] < 0) {
+            ::close(STDERR_FILENO);
+        } else {
+            ::dup2(ends[1], STDERR_FILENO);
+            ::close(ends[1]);
+        }
+    }
+
+    scene::Folder folder_;
+    std::string settings_ = folder_.write("NSGlobalDomain.plist", "{ TraceSteady = 1; }");
+    scene::Path path_{detail::overrides::defaultsFolder, folder_.path()};
+};
+
+TEST_P(HostState, staysAsItWas) {
+    EXPECT_EQ(inChild([this](const Findings& findings) {
+                  openStandardError();
+                  expectAllStays(findings);
+              }),
+              "");
+}
+
+TEST_P(HostState, staysAsAParticularHostHasMadeIt) {
+    EXPECT_EQ(inChild([this](const Findings& findings) {
+                  openStandardError();
+                  beParticularHost(folder_.path());
+                  expectAllStays(findings);
+              }),
+              "");
+}
+
+INSTANTIATE_TEST_SUITE_P(StandardError, HostState,
+                         ::testing::Values("file", "full device", "closed", "lost reader"),
+                         [](const auto& test) {
+                             std::string name = test.param;
+                             std::replace(name.begin(), name.end(), ' ', '_');
+                             return name;
+                         });
+
+#if !defined(ZQ_TEST_ADDRESS_SANITIZER) && !defined(ZQ_TEST_THREAD_SANITIZER)
+// The sanitizers stand before the same functions themselves.
+
+TEST(HostStateRegistrations, areNoneInAProgramThatLogs) {
+    for (const char* const program : {"counts-registrations", "counts-registrations-shared"}) {
+        const scene::Folder folder;
+        const Descriptor file(openToAppend(folder / "log"));
+        EXPECT_EQ(run({childProgram(program), "-TraceStage", "YES"}, file.number()), "") << program;
+        EXPECT_EQ(textsIn(scene::contentsOf(folder / "log")).size(), 5U) << program;
+    }
+}
+
+#endif
+
+} // namespace
