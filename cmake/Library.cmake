@@ -19,8 +19,10 @@ endif()
 
 find_package(Threads REQUIRED)
 
+# Unnamed namespaces of several sources hold the same names, so a host's wish for unity builds ends here.
 add_library(zq_objects OBJECT ${ZQ_SOURCES})
 set_target_properties(zq_objects PROPERTIES
+    UNITY_BUILD OFF
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)

@@ -2,7 +2,7 @@
 # Shared by the scripts of this folder; to be sourced. Leaves the working folder at the root of the repository.
 # shellcheck shell=bash
 
-cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
+cd "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/.." || exit
 
 script=$(basename "$0")
 
@@ -15,16 +15,20 @@ step() {
     printf '\n== %s\n' "$*"
 }
 
-# require_version <what> <found> <least>
+# require_version <what> <program> <found> <least>
 require_version() {
-    [[ $(printf '%s\n%s\n' "$3" "$2" | sort -V | head -n 1) == "$3" ]] ||
-        die "$1 $2 is too old; $3 or later is needed"
+    # A package may count as installed although its program is not on the path.
+    command -v "$2" >/dev/null || die "$2 is not on the path"
+    [[ -n $3 ]] || die "$2 does not tell its version"
+    [[ $(printf '%s\n%s\n' "$4" "$3" | sort -V | head -n 1) == "$4" ]] ||
+        die "$1 $3 is too old; $4 or later is needed"
 }
 
 check_tools() {
-    require_version CMake "$(cmake --version | awk 'NR == 1 { print $3 }')" 3.21
+    require_version CMake cmake "$(cmake --version 2>/dev/null | awk 'NR == 1 { print $3 }')" 3.21
+    command -v ninja >/dev/null || die "ninja is not on the path"
     if [[ -z ${CXX:-} ]]; then
-        require_version g++ "$(g++ -dumpfullversion -dumpversion)" 12
+        require_version g++ g++ "$(g++ -dumpfullversion -dumpversion 2>/dev/null)" 12
     fi
 }
 

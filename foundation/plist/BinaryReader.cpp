@@ -57,6 +57,10 @@ using PartCount = std::uint64_t;
 
 constexpr std::size_t bytesOfPart = 256;
 
+// Where values stand deep, most of a text is their indentation: each 16 levels of the whole document make its
+// parts count once more.
+constexpr std::size_t levelsOfPart = 16;
+
 // Values and keys are written once for each place where they stand, and their number can double with each
 // level. Documents whose writer shared equal objects stay far below these.
 constexpr PartCount alwaysAllowedParts = 1'000'000;
@@ -148,7 +152,11 @@ private:
 
     /// Whoever shows, writes or walks through the value meets each part of it; the reader did not.
     bool checkWrittenSize() noexcept {
-        if (slots_[top_].parts <= alwaysAllowedParts || slots_[top_].parts / timesTheParts <= partsInFile_) {
+        const Slot& top = slots_[top_];
+        const PartCount times = 1 + top.height / levelsOfPart;
+        const PartCount parts = top.parts > UINT64_MAX / times ? UINT64_MAX : top.parts * times;
+        // Without sharing, the factor for the levels alone never reaches that of the parts.
+        if (parts <= alwaysAllowedParts || parts / timesTheParts <= partsInFile_) {
             return true;
         }
         return fail("Shared objects make the value many times larger than the file",

@@ -5,12 +5,12 @@
 #include <limits>
 #include <memory>
 
+#include "foundation/objects/CivilTime.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
 

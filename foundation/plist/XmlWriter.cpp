@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "foundation/objects/CivilTime.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
@@ -12,7 +13,6 @@
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
 

@@ -63,6 +63,21 @@ inline std::string references(std::initializer_list<unsigned> numbers) {
     return bytes;
 }
 
+/// Arrays, each holding the next one as often as told; the last is empty.
+inline std::string chain(unsigned length, unsigned times) {
+    BinaryFile file;
+    file.referenceSize = 2;
+    for (unsigned index = 0; index + 1 < length; ++index) {
+        std::string content;
+        for (unsigned copy = 0; copy < times; ++copy) {
+            content += bigEndian(index + 1, 2);
+        }
+        file.objects.push_back(object(0xA0 + times, content));
+    }
+    file.objects.push_back(object(0xA0));
+    return file.bytes();
+}
+
 /// A list of all kinds of objects, some of them shared.
 inline std::string sampleBinary() {
     BinaryFile file;

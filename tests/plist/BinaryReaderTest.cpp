@@ -222,21 +222,6 @@ TEST(BinaryReader, refusesCycles) {
     EXPECT_EQ(read(file.bytes()), "A container holds itself");
 }
 
-/// Arrays, each holding the next one as often as told; the last is empty.
-std::string chain(unsigned length, unsigned times) {
-    BinaryFile file;
-    file.referenceSize = 2;
-    for (unsigned index = 0; index + 1 < length; ++index) {
-        std::string content;
-        for (unsigned copy = 0; copy < times; ++copy) {
-            content += bigEndian(index + 1, 2);
-        }
-        file.objects.push_back(object(0xA0 + times, content));
-    }
-    file.objects.push_back(object(0xA0));
-    return file.bytes();
-}
-
 TEST(BinaryReader, nestsTo512Levels) {
     detail::PropertyListError error;
     EXPECT_TRUE(readValue(chain(512, 1), error));
@@ -257,10 +242,101 @@ TEST(BinaryReader, sharedContainersCountWithTheirHeight) {
     EXPECT_EQ(read(file.bytes()), "Values are nested too deeply");
 }
 
-TEST(BinaryReader, sharingMakesNoCopies) {
-    // Written out, this array would have 2 to the power of 511 parts.
+constexpr const char tooMuchSharing[] = "Shared objects make the value many times larger than the file";
+
+/// An array of `count` references to one object.
+std::string manyTimes(unsigned count, const std::string& shared) {
+    BinaryFile file;
+    file.offsetSize = 4;
+    file.referenceSize = 1;
+    file.objects = {object(0xAF, object(0x12, bigEndian(count, 4)) + std::string(count, '\1')), shared};
+    return file.bytes();
+}
+
+TEST(BinaryReader, refusesShortFilesThatSharingMakesIntoHugeValues) {
+    struct Row {
+        unsigned length;
+        unsigned times;
+        bool isRead;
+    };
+    // Written out, the arrays are the sum of the powers of `times` up to that of `length - 1`.
+    for (const Row& row : {Row{18, 2, true}, Row{19, 2, false}, Row{57, 2, false}, Row{65, 2, false},
+                           Row{512, 2, false}, Row{6, 14, true}, Row{7, 14, false}, Row{512, 14, false}}) {
+        SCOPED_TRACE(std::to_string(row.length) + " levels, each " + std::to_string(row.times) + " times");
+        detail::PropertyListError error;
+        EXPECT_EQ(static_cast<bool>(readValue(chain(row.length, row.times), error)), row.isRead);
+        EXPECT_STREQ(error.message, row.isRead ? nullptr : tooMuchSharing);
+    }
+}
+
+TEST(BinaryReader, countsTheLevelsOfWhatIsShared) {
+    // Single arrays around doubling ones; each line of such a text is mostly indentation.
+    for (const unsigned doubling : {10U, 13U, 14U, 18U}) {
+        BinaryFile file;
+        file.referenceSize = 2;
+        for (unsigned index = 0; index + 1 < 512; ++index) {
+            const std::string next = bigEndian(index + 1, 2);
+            file.objects.push_back(index + 1 < 512 - doubling ? object(0xA1, next)
+                                                              : object(0xA2, next + next));
+        }
+        file.objects.push_back(object(0xA0));
+        detail::PropertyListError error;
+        EXPECT_EQ(static_cast<bool>(readValue(file.bytes(), error)), doubling < 14) << doubling;
+    }
+}
+
+TEST(BinaryReader, countsSharedTextAndDataByTheirSize) {
+    const std::string text = object(0x5F, object(0x12, bigEndian(1 << 20, 4)) + std::string(1 << 20, 'a'));
+    const std::string data = object(0x4F, object(0x12, bigEndian(1 << 20, 4)) + std::string(1 << 20, 'a'));
+    const std::string units = object(0x6F, object(0x12, bigEndian(1 << 19, 4)) + std::string(1 << 20, 'a'));
+    for (const std::string& shared : {text, data, units}) {
+        detail::PropertyListError error;
+        EXPECT_TRUE(readValue(manyTimes(200, shared), error));
+        EXPECT_FALSE(readValue(manyTimes(10'000, shared), error));
+        EXPECT_STREQ(error.message, tooMuchSharing);
+    }
+}
+
+TEST(BinaryReader, readsOrdinaryDocumentsThatShareAllTheyCan) {
+    // 20,000 records with the same keys, the same few values and one part in common: written out they have
+    // over a million members, some four times as many as the file.
+    constexpr unsigned records = 20'000;
+    constexpr unsigned entries = 10;
+    BinaryFile file;
+    file.offsetSize = 4;
+    file.referenceSize = 2;
+    std::string all;
+    std::string common;
+    std::string record;
+    for (unsigned index = 0; index < entries; ++index) {
+        common += bigEndian(2 + index, 2);
+    }
+    record = common + bigEndian(1, 2);
+    for (unsigned index = 1; index < entries; ++index) {
+        record += bigEndian(2 + index % 3, 2);
+    }
+    for (unsigned index = 0; index < records; ++index) {
+        all += bigEndian(2 + entries + index, 2);
+    }
+    file.objects = {object(0xAF, object(0x12, bigEndian(records, 4)) + all),
+                    object(0xAF, object(0x11, bigEndian(2 * entries, 2)) + common + common)};
+    for (unsigned index = 0; index < entries; ++index) {
+        file.objects.push_back(object(0x52, "k" + std::string(1, static_cast<char>('a' + index))));
+    }
+    for (unsigned index = 0; index < records; ++index) {
+        file.objects.push_back(object(0xD0 + entries, record));
+    }
     detail::PropertyListError error;
-    EXPECT_TRUE(readValue(chain(512, 2), error));
+    const NSArray value(readValue(file.bytes(), error));
+    EXPECT_STREQ(error.message, nullptr);
+    ASSERT_EQ(value.count(), records);
+    EXPECT_EQ(NSDictionary(value.objectAtIndex(records - 1)).count(), entries);
+}
+
+TEST(BinaryReader, readsAsManyReferencesAsTheFileHolds) {
+    detail::PropertyListError error;
+    const NSArray value(readValue(manyTimes(3'000'000, object(0x51, "x")), error));
+    EXPECT_EQ(value.count(), 3'000'000u);
 }
 
 TEST(BinaryReader, refusesObjectsThatLieOverEachOther) {

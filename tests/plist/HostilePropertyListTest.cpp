@@ -215,6 +215,19 @@ TEST(HostilePropertyList, nothingIsExpandedOrFetched) {
     EXPECT_EQ(show(parseBytes("<!DOCTYPE a SYSTEM \"file:///dev/tty\"><string>x</string>")), "'x'");
 }
 
+TEST(HostilePropertyList, whatIsReadCanBeShown) {
+    // Each array holds the next one twice: 278 bytes would take years to show.
+    const std::string doubling = chain(57, 2);
+    const NSData data = NSData::dataWithBytes_length(doubling.data(), doubling.size());
+    EXPECT_FALSE(NSPropertyListSerialization::propertyListWithData(data));
+    for (unsigned length = 1; length < 100; ++length) {
+        if (const NSObject value = parseBytes(chain(length, 2))) {
+            EXPECT_LT(length, 19U);
+            EXPECT_LT(NSString::stringWithFormat("%@", value).length(), std::size_t{1} << 26);
+        }
+    }
+}
+
 TEST(HostilePropertyList, invalidTextInsideValuesFails) {
     for (const std::string_view bytes :
          {"(\"\xFF\")"sv, "{\"\xC3\"=a;}"sv, "<string>\xED\xA0\x80</string>"sv, "/* \x80 */ (a)"sv,

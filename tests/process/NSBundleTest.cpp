@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "foundation/process/BundleLayout.h"
+#include "foundation/process/FileReading.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "tests/process/Scene.h"
 
@@ -184,6 +185,32 @@ TEST_F(NSBundleTest, aNilBundleAnswersNilAndEmpty) {
     EXPECT_FALSE(none.localizedStringForKey_value_table("k", "v", nullptr));
 }
 
+TEST_F(NSBundleTest, aProgramThatStandsNobodyKnowsWhereHasABundleWithoutFiles) {
+    for (const char* place : {"", "Contents/", "Resources/", "Contents/Resources/"}) {
+        folder.write(place + std::string("Info.plist"),
+                     "{ CFBundleIdentifier = stranger; Name = stranger; }");
+        folder.write(place + std::string("Localizable.strings"), "key = stranger;");
+        folder.makeFolder(place + std::string("fr.lproj"));
+    }
+    folder.write("viewer", "");
+    const scene::Path unknown(detail::overrides::executablePath, "");
+    // Only a child changes the current folder, in which nothing may be looked up.
+    EXPECT_EQ(scene::inUnprivilegedChild([&] {
+                  if (::chdir(folder.path().c_str()) != 0 || !detail::fileExists("Info.plist")) {
+                      return 1;
+                  }
+                  const NSBundle b = NSBundle::mainBundle();
+                  const bool isEmpty = b.infoDictionary() && b.infoDictionary().count() == 0 &&
+                                       !b.bundleIdentifier() && !b.objectForInfoDictionaryKey("Name");
+                  const bool hasNoPaths = b.bundlePath() == "" && b.resourcePath() == "" &&
+                                          !b.executablePath() && b.localizations().count() == 0;
+                  return b && isEmpty && hasNoPaths && text(b, "key") == "?" ? 0 : 2;
+              }),
+              0);
+    EXPECT_EQ(detail::layoutOfProgram("", "viewer").infoFile, "");
+    EXPECT_EQ(detail::layoutOfLibrary("").infoFile, "");
+}
+
 TEST(BundleLayout, libraryBundleStandsBesideTheLibraryOrInShare) {
     const scene::Folder folder;
     folder.makeFolder("V.app/Contents/Frameworks/Resources");
@@ -232,6 +259,7 @@ TEST_F(NSBundleTest, infoFilesOfNoUseCountAsEmpty) {
         {"cut off", "<plist><dict><key>CFBundleId"},
         {"array", "(CFBundleIdentifier)"},
         {"noise", std::string("\xFF\0\x80", 3)},
+        {"too large", "{ CFBundleIdentifier = a; }" + std::string(std::size_t{16} << 20, ' ')},
         {"identifier of another kind", "{ CFBundleIdentifier = (a); }"}};
     for (const auto& [name, bytes] : files) {
         const NSBundle b = bundle(name, bytes);
@@ -298,6 +326,13 @@ TEST_F(NSBundleTest, preferredLocalizationsFollowTheUsersLanguages) {
         {"no localization but the region", "fr", "{ CFBundleDevelopmentRegion = it; }", {}, names({"it"})},
         {"no localization", "fr", "{}", {}, names({"en"})},
         {"no language", "", "{}", {"de", "en"}, names({"en"})},
+        {"no match: first that is a language", "de", "{}", {"Base", "fr"}, names({"fr"})},
+        {"no match: Base alone", "de", "{}", {"Base"}, names({"en"})},
+        {"no match: region beside Base",
+         "de",
+         "{ CFBundleDevelopmentRegion = it; }",
+         {"Base", "fr"},
+         names({"it"})},
     };
     for (const Row& row : rows) {
         const scene::Variable language("LANGUAGE", row.language);
@@ -402,8 +437,13 @@ TEST_F(NSBundleTest, tablesOfNoUseCountAsEmpty) {
     const scene::Variable language("LANGUAGE", "de_AT");
     const NSBundle b = bundle("B.app", "{}", {"de", "de-AT"});
     const std::pair<const char*, std::string> files[] = {
-        {"Empty", ""},      {"CutOff", "key = \"te"},       {"Broken", "key = text"},
-        {"Array", "(key)"}, {"OtherKind", "key = (text);"}, {"Noise", "\xFF\xFF\x80"}};
+        {"Empty", ""},
+        {"CutOff", "key = \"te"},
+        {"Broken", "key = text"},
+        {"Array", "(key)"},
+        {"OtherKind", "key = (text);"},
+        {"Noise", "\xFF\xFF\x80"},
+        {"TooLarge", "key = \"text\";" + std::string(std::size_t{16} << 20, ' ')}};
     for (const auto& [name, bytes] : files) {
         writeTable("de-AT.lproj/" + std::string(name) + ".strings", bytes);
         writeTable("de.lproj/" + std::string(name) + ".strings", "key = text;");

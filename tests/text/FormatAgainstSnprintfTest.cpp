@@ -10,7 +10,6 @@
 
 #include <cfloat>
 #include <climits>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +21,7 @@
 
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Format.h"
+#include "tests/text/DecimalCommaLocale.h"
 
 using namespace ZQFoundation;
 
@@ -298,53 +298,9 @@ TEST(FormatAgainstSnprintf, listedDifferences) {
     EXPECT_EQ(std::string(builder.asciiData(), builder.length()), "nan NAN +nan 1.0e+02 1.00000E+06");
 }
 
-namespace {
-
-/// Switches the C library to a locale with a decimal comma, made in a folder of its own where none is
-/// installed, and back.
-class DecimalComma {
-public:
-    DecimalComma() {
-        if (!isOn()) {
-            make();
-        }
-    }
-    ~DecimalComma() {
-        std::setlocale(LC_ALL, "C");
-        if (!folder_.empty()) {
-            unsetenv("LOCPATH");
-            std::system(("rm -rf '" + folder_ + "'").c_str());
-        }
-    }
-
-    bool isOn() const {
-        return std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr && std::localeconv()->decimal_point[0] == ',';
-    }
-
-private:
-    void make() {
-        char path[] = "/tmp/zqlocaleXXXXXX";
-        if (mkdtemp(path) == nullptr) {
-            return;
-        }
-        folder_ = path;
-        const std::string command =
-            "localedef -i de_DE -f UTF-8 '" + folder_ + "/de_DE.UTF-8' >/dev/null 2>&1";
-        if (std::system(command.c_str()) == 0) {
-            setenv("LOCPATH", path, 1);
-        }
-    }
-
-    std::string folder_;
-};
-
-} // namespace
-
 TEST(FormatAgainstSnprintf, decimalCommaOfSetlocaleDoesNotShow) {
-    const DecimalComma locale;
-    if (!locale.isOn()) {
-        GTEST_SKIP() << "no locale with a decimal comma, and none could be made";
-    }
+    const DecimalCommaLocale locale;
+    ASSERT_TRUE(locale.isSet());
     Comparison comparison;
     comparison.expectComma();
     for (const std::string& start : starts({"", "9"}, {"", ".0", ".2", ".13", ".30"})) {
