@@ -11,8 +11,8 @@
 #include "tests/process/Scene.h"
 
 #if defined(ZQ_TEST_ADDRESS_SANITIZER) || defined(ZQ_TEST_THREAD_SANITIZER)
-// Standard error is a part of these tests, so reports go elsewhere. A signal stack of the sanitizer's own would be
-// taken down on the stack of a cancelled thread, which it believes to be out of bounds.
+// Standard error is a part of these tests, so reports go elsewhere. A signal stack of the sanitizer's own
+// would be taken down on the stack of a cancelled thread, which it believes to be out of bounds.
 extern "C" const char* __asan_default_options() { return "log_path=stdout:use_sigaltstack=0"; }
 extern "C" const char* __tsan_default_options() { return "log_path=stdout"; }
 #endif
