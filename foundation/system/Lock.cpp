@@ -23,10 +23,10 @@ void pauseBriefly(int times) noexcept {
 
 bool Lock::relockByOwner(std::uint64_t self, std::uint32_t generation) noexcept {
     const std::uint32_t seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-    if ((seen & stateMask) == 0 || __atomic_load_n(&owner_, __ATOMIC_RELAXED) != self) {
+    if ((seen & held) == 0 || __atomic_load_n(&owner_, __ATOMIC_RELAXED) != self) {
         return false;
     }
-    if ((seen & ~stateMask) != generation) {
+    if ((seen & ~held) != generation) {
         if (!system::isForkingThread(self)) {
             return false;
         }
@@ -41,31 +41,40 @@ bool Lock::lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept {
     if (relockByOwner(self, generation)) {
         return true;
     }
-    std::uint32_t wanted = generation | held;
+    bool hasSlept = false;
     int pause = 1;
     for (int rounds = 0;; ++rounds) {
         std::uint32_t seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-        const bool isFree = (seen & stateMask) == 0 || !isHeldIn(seen, generation);
-        if (isFree) {
-            if (__atomic_compare_exchange_n(&word_, &seen, wanted, false, __ATOMIC_ACQUIRE,
+        if ((seen & held) == 0 || !isHeldIn(seen, generation)) {
+            if (__atomic_compare_exchange_n(&word_, &seen, generation | held, false, __ATOMIC_ACQUIRE,
                                             __ATOMIC_RELAXED)) {
-                return false;
+                break;
             }
         } else if (rounds < roundsBeforeSleep) {
             pauseBriefly(pause);
             pause = pause < longestPause ? pause * 2 : longestPause;
-        } else if (seen == (generation | heldWithWaiters) ||
-                   __atomic_compare_exchange_n(&word_, &seen, generation | heldWithWaiters, false,
-                                               __ATOMIC_RELAXED, __ATOMIC_RELAXED)) {
-            system::waitWhileEqual(&word_, generation | heldWithWaiters);
-            wanted = generation | heldWithWaiters; // others may sleep too
+        } else {
+            __atomic_store_n(&someoneSleeps_, true, __ATOMIC_RELAXED);
+            system::waitBriefly(&word_, seen);
+            hasSlept = true;
         }
     }
+    if (hasSlept) { // perhaps not alone: the next unlock wakes another
+        __atomic_store_n(&someoneSleeps_, true, __ATOMIC_RELAXED);
+    }
+    return false;
 }
 
 bool Lock::isHeldIn(std::uint32_t word, std::uint32_t generation) const noexcept {
-    return (word & ~stateMask) == generation ||
+    return (word & ~held) == generation ||
            system::isForkingThread(__atomic_load_n(&owner_, __ATOMIC_RELAXED));
+}
+
+// An unlock that reads the flag a moment before a thread sets it wakes nobody. Sleeps are brief for that
+// reason, and unlocking needs no second locked instruction.
+void Lock::wakeSleeper() noexcept {
+    __atomic_store_n(&someoneSleeps_, false, __ATOMIC_RELAXED);
+    system::wakeOne(&word_);
 }
 
 } // namespace ZQFoundation::detail

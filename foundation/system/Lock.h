@@ -20,7 +20,7 @@ public:
 
     void lock() noexcept {
         const std::uint64_t self = currentThread();
-        const std::uint32_t generation = system::forkGeneration() << 2;
+        const std::uint32_t generation = system::forkGeneration() << 1;
         std::uint32_t expected = generation;
         if (!__atomic_compare_exchange_n(&word_, &expected, generation | held, false, __ATOMIC_ACQUIRE,
                                          __ATOMIC_RELAXED)) [[unlikely]] {
@@ -37,10 +37,9 @@ public:
             return;
         }
         __atomic_store_n(&owner_, 0, __ATOMIC_RELAXED);
-        const std::uint32_t generation = system::forkGeneration() << 2;
-        const std::uint32_t before = __atomic_exchange_n(&word_, generation, __ATOMIC_RELEASE);
-        if (before == (generation | heldWithWaiters)) [[unlikely]] {
-            system::wakeOne(&word_);
+        __atomic_store_n(&word_, system::forkGeneration() << 1, __ATOMIC_RELEASE);
+        if (__atomic_load_n(&someoneSleeps_, __ATOMIC_RELAXED)) [[unlikely]] {
+            wakeSleeper();
         }
     }
 
@@ -54,11 +53,9 @@ public:
     }
 
 private:
-    // The word holds the fork generation above these two bits. A word of an older generation was locked by a
-    // thread that the child does not have (or by the one that forked), so it counts as free.
-    static constexpr std::uint32_t stateMask = 3;
+    // The word holds the fork generation above this bit. A word of an older generation was locked by a thread
+    // that the child does not have (or by the one that forked), so it counts as free.
     static constexpr std::uint32_t held = 1;
-    static constexpr std::uint32_t heldWithWaiters = 2;
 
     /// True when this thread held the lock already and is now one level deeper.
     bool lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept;
@@ -67,7 +64,10 @@ private:
     bool isHeldIn(std::uint32_t word, std::uint32_t generation) const noexcept;
     bool relockByOwner(std::uint64_t self, std::uint32_t generation) noexcept;
 
+    void wakeSleeper() noexcept;
+
     std::uint32_t word_ = 0;
+    bool someoneSleeps_ = false;
     std::uint32_t depth_ = 0;
     std::uint64_t owner_ = 0;
 };

@@ -27,8 +27,9 @@ std::uint64_t threadIdentifier() noexcept;
 /// signal. Returns -1 with `errno` on failure.
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept;
 
-/// Sleeps while the word holds `expected`; may return early.
-void waitWhileEqual(const std::uint32_t* word, std::uint32_t expected) noexcept;
+/// Sleeps while the word holds `expected`, at most about a millisecond; may return early. Keeps `errno`, as
+/// `wakeOne` does.
+void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept;
 void wakeOne(const std::uint32_t* word) noexcept;
 
 /// How often this process image has been forked from another since the library was first asked: a child sees

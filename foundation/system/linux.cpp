@@ -68,12 +68,17 @@ void discardPendingSignal(int signal) noexcept {
     }
 }
 
-void waitWhileEqual(const std::uint32_t* word, std::uint32_t expected) noexcept {
-    syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, nullptr, nullptr, 0);
+void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
+    const int callersError = errno;
+    const timespec brief{0, 1000000};
+    syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, &brief, nullptr, 0);
+    errno = callersError;
 }
 
 void wakeOne(const std::uint32_t* word) noexcept {
+    const int callersError = errno;
     syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
+    errno = callersError;
 }
 
 std::uint64_t threadIdentifier() noexcept {

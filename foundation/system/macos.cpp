@@ -36,7 +36,7 @@ void discardPendingSignal(int signal) noexcept {
     }
 }
 
-void waitWhileEqual(const std::uint32_t* word, std::uint32_t expected) noexcept {
+void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
     pthread_mutex_lock(&sleepersMutex);
     if (__atomic_load_n(word, __ATOMIC_RELAXED) == expected) {
         // Bounded, so that a child forked while the mutex was taken elsewhere never sleeps for ever.

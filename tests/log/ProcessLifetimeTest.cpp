@@ -27,10 +27,10 @@ const char* const stages[] = {"constructor function", "early static constructor"
 
 Texts linesOfAllStages() {
     Texts texts;
-    for (const std::string stage : stages) {
-        texts.push_back(stage);
-        texts.push_back("TraceStage: " + stage);
-        texts.push_back("TraceNever>=0: described");
+    for (const char* stage : stages) {
+        texts.emplace_back(stage);
+        texts.emplace_back("TraceStage: ").append(stage);
+        texts.emplace_back("TraceNever>=0: described");
     }
     return texts;
 }
