@@ -7,6 +7,10 @@
 
 namespace ZQFoundation {
 
+// The writing operations call the returning ones as they stand, but are compiled into one piece with them: a
+// host passes most of its trace points with the condition off, and then the way through both layers is what
+// it pays.
+
 using detail::CallerReference;
 using detail::TraceLabel;
 
@@ -32,9 +36,8 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringWithFormatv_argu
                                    arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName,
-                                                                            bool logAlways, StringView format,
-                                                                            ArgumentList arguments) {
+[[gnu::flatten]] void ZQLogFunctionCalls::logFunctionName_logAlways_logWithFormatv_arguments(
+    const char* functionName, bool logAlways, StringView format, ArgumentList arguments) {
     if (logAlways && format) {
         ZQLog::logAlways_log(logAlways, logFunctionName_logAlways_logStringWithFormatv_arguments(
                                             functionName, logAlways, format, arguments));
@@ -50,7 +53,7 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_usin
                                    arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(
+[[gnu::flatten]] void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(
     const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments) {
     if (logAlways && format && key) {
         ZQLog::logAlways_log(logAlways, logFunctionName_logAlways_logStringForTraceKey_usingFormatv_arguments(
@@ -68,7 +71,8 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_valu
                                    format, arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
+[[gnu::flatten]] void
+ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
     const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && key) {
@@ -88,7 +92,8 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_thre
                                    TraceLabel::threshold(key, threshold), format, arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
+[[gnu::flatten]] void
+ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
     const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && key) {
@@ -112,7 +117,8 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyOf
                                    arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
+[[gnu::flatten]] void
+ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
     const char* functionName, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && keys) {
@@ -136,7 +142,8 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAllTraceKeysO
                                    arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
+[[gnu::flatten]] void
+ZQLogFunctionCalls::logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
     const char* functionName, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && keys) {
@@ -155,7 +162,7 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyUs
                                    arguments);
 }
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
+[[gnu::flatten]] void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
     const char* functionName, bool logAlways, StringView format, ArgumentList arguments) {
     if (logAlways && format) {
         ZQLog::logAlways_log(logAlways,

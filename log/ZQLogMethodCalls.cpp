@@ -7,6 +7,10 @@
 
 namespace ZQFoundation {
 
+// The writing operations call the returning ones as they stand, but are compiled into one piece with them: a
+// host passes most of its trace points with the condition off, and then the way through both layers is what
+// it pays.
+
 using detail::CallerReference;
 using detail::TraceLabel;
 
@@ -32,10 +36,8 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringWithFormatv_argumen
                                    arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logWithFormatv_arguments(const LogCaller& self,
-                                                                         StringView method, bool logAlways,
-                                                                         StringView format,
-                                                                         ArgumentList arguments) {
+[[gnu::flatten]] void ZQLogMethodCalls::logSelf_method_logAlways_logWithFormatv_arguments(
+    const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments) {
     if (logAlways && format) {
         ZQLog::logAlways_log(logAlways, logSelf_method_logAlways_logStringWithFormatv_arguments(
                                             self, method, logAlways, format, arguments));
@@ -52,7 +54,7 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_usingFo
                                    arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(
+[[gnu::flatten]] void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView key, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && key) {
@@ -71,7 +73,7 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_value_u
                                    format, arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
+[[gnu::flatten]] void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
     StringView format, ArgumentList arguments) {
     if (logAlways && format && key) {
@@ -91,7 +93,8 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_thresho
                                    TraceLabel::threshold(key, threshold), format, arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
+[[gnu::flatten]] void
+ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
     StringView format, ArgumentList arguments) {
     if (logAlways && format && key) {
@@ -115,7 +118,7 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyOf_us
                                    arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
+[[gnu::flatten]] void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && keys) {
@@ -139,7 +142,7 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAllTraceKeysOf_u
                                    arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
+[[gnu::flatten]] void ZQLogMethodCalls::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     if (logAlways && format && keys) {
@@ -158,7 +161,7 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyUsing
                                    arguments);
 }
 
-void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
+[[gnu::flatten]] void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments) {
     if (logAlways && format) {
         ZQLog::logAlways_log(logAlways,

@@ -7,6 +7,10 @@
 
 namespace ZQFoundation {
 
+// The writing operations call the returning ones as they stand, but are compiled into one piece with them: a
+// host passes most of its trace points with the condition off, and then the way through both layers is what
+// it pays.
+
 using detail::CallerReference;
 using detail::TraceLabel;
 
@@ -18,8 +22,8 @@ NSString ZQLogPlainCalls::logAlways_logStringWithFormatv_arguments(bool logAlway
     return detail::composedMessage(CallerReference::none(), TraceLabel::none(), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logWithFormatv_arguments(bool logAlways, StringView format,
-                                                         ArgumentList arguments) {
+[[gnu::flatten]] void ZQLogPlainCalls::logAlways_logWithFormatv_arguments(bool logAlways, StringView format,
+                                                                          ArgumentList arguments) {
     if (logAlways && format) {
         ZQLog::logAlways_log(logAlways,
                              logAlways_logStringWithFormatv_arguments(logAlways, format, arguments));
@@ -36,9 +40,9 @@ NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormatv_arguments(
     return detail::composedMessage(CallerReference::none(), TraceLabel::key(key), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
-                                                                      StringView format,
-                                                                      ArgumentList arguments) {
+[[gnu::flatten]] void
+ZQLogPlainCalls::logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
+                                                                 StringView format, ArgumentList arguments) {
     if (logAlways && format && key) {
         ZQLog::logAlways_log(logAlways, logAlways_logStringForTraceKey_usingFormatv_arguments(
                                             logAlways, key, format, arguments));
@@ -53,10 +57,8 @@ NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_value_usingFormatv_argu
     return detail::composedMessage(CallerReference::none(), TraceLabel::value(key, value), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormatv_arguments(bool logAlways, StringView key,
-                                                                            std::int64_t value,
-                                                                            StringView format,
-                                                                            ArgumentList arguments) {
+[[gnu::flatten]] void ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormatv_arguments(
+    bool logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments) {
     if (logAlways && format && key) {
         ZQLog::logAlways_log(logAlways, logAlways_logStringForTraceKey_value_usingFormatv_arguments(
                                             logAlways, key, value, format, arguments));
@@ -72,7 +74,7 @@ NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_threshold_usingFormatv_
                                    arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormatv_arguments(
+[[gnu::flatten]] void ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormatv_arguments(
     bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments) {
     if (logAlways && format && key) {
         ZQLog::logAlways_log(logAlways, logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
@@ -94,10 +96,8 @@ NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormatv_argum
     return detail::composedMessage(CallerReference::none(), TraceLabel::key(label), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
-                                                                           const NSArray& keys,
-                                                                           StringView format,
-                                                                           ArgumentList arguments) {
+[[gnu::flatten]] void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
+    bool logAlways, const NSArray& keys, StringView format, ArgumentList arguments) {
     if (logAlways && format && keys) {
         ZQLog::logAlways_log(logAlways, logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
                                             logAlways, keys, format, arguments));
@@ -116,10 +116,8 @@ NSString ZQLogPlainCalls::logAlways_logStringForAllTraceKeysOf_usingFormatv_argu
     return detail::composedMessage(CallerReference::none(), TraceLabel::key(label), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
-                                                                            const NSArray& keys,
-                                                                            StringView format,
-                                                                            ArgumentList arguments) {
+[[gnu::flatten]] void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
+    bool logAlways, const NSArray& keys, StringView format, ArgumentList arguments) {
     if (logAlways && format && keys) {
         ZQLog::logAlways_log(logAlways, logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
                                             logAlways, keys, format, arguments));
@@ -135,8 +133,9 @@ NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormatv_argument
     return detail::composedMessage(CallerReference::none(), TraceLabel::anyKey(), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
-                                                                        ArgumentList arguments) {
+[[gnu::flatten]] void
+ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
+                                                                   ArgumentList arguments) {
     if (logAlways && format) {
         ZQLog::logAlways_log(
             logAlways, logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(logAlways, format, arguments));
