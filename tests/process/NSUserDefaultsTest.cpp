@@ -692,7 +692,7 @@ TEST_F(NSUserDefaultsTest, answersInForkedChildrenWhileThreadsReadAndSet) {
     // Where forks take turns they are slow and meet no operation half-way: fewer tell as much.
     const int children = scene::forksTakeTurns ? 40 : 2000;
     if (scene::forksTakeTurns) {
-        std::printf("[  SCALE   ] %d forked children in place of 2000 (address sanitizer)\n", children);
+        std::printf("[  SCALE   ] %d forked children in place of 2000 (sanitizer)\n", children);
     }
     int failures = 0;
     for (int count = 0; count < children; ++count) {

@@ -223,17 +223,17 @@ inline std::string runAgain(const std::vector<std::pair<std::string, std::string
     return output;
 }
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool forksTakeTurns = true;
 #elif defined(__has_feature)
-inline constexpr bool forksTakeTurns = __has_feature(address_sanitizer);
+inline constexpr bool forksTakeTurns = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
 #else
 inline constexpr bool forksTakeTurns = false;
 #endif
 
-/// Threads at work and a thread that forks. They overlap freely, except under the address sanitizer: a child
-/// forked while another thread is inside the sanitizer's own allocator hangs there. In such a build forks
-/// fall between the others' operations.
+/// Threads at work and a thread that forks. They overlap freely, except under the address and the thread
+/// sanitizer: a child forked while another thread is inside the sanitizer's own allocator hangs there. In
+/// such a build forks fall between the others' operations.
 class Turns {
 public:
     /// Brackets one operation of a working thread.
