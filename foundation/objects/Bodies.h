@@ -85,9 +85,6 @@ struct Access {
     }
     static NSSet adoptSet(Body* body) noexcept { return NSSet(NSObject::Payload{.body = body}); }
 
-    /// Forgets the value without releasing it: its reference has gone elsewhere.
-    static void abandon(NSObject& object) noexcept { object.kind_ = Kind::absent; }
-
     static StringView view(const NSString& string) noexcept { return string.view(); }
 };
 

@@ -32,14 +32,12 @@ std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept;
 void wakeOne(const std::uint32_t* word) noexcept;
 
-/// How often this process image has been forked from another since the library was first asked: a child sees
-/// a greater number than its parent. Costs one load.
-inline std::uint32_t forkGeneration() noexcept;
-
 /// The count behind `forkGeneration`: 0 until somebody asks, so that a process which never does pays nothing.
 extern std::uint32_t forkGenerationCount;
 std::uint32_t firstForkGeneration() noexcept;
 
+/// How often this process image has been forked from another since the library was first asked: a child sees
+/// a greater number than its parent. Costs one load.
 inline std::uint32_t forkGeneration() noexcept {
     const std::uint32_t count = __atomic_load_n(&forkGenerationCount, __ATOMIC_RELAXED);
     return count != 0 ? count : firstForkGeneration();
