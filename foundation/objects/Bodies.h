@@ -13,6 +13,7 @@
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
+#include "foundation/text/NSCharacterSet.h"
 
 namespace ZQFoundation::detail {
 
@@ -48,6 +49,48 @@ struct ArrayBody : Body {
     NSObject* elements() noexcept { return reinterpret_cast<NSObject*>(this + 1); }
 };
 
+/// Which of 256 code points are members, one bit each.
+struct CharacterPage {
+    std::uint64_t words[4];
+
+    bool contains(char32_t codePoint) const noexcept {
+        return (words[codePoint >> 6 & 3] >> (codePoint & 63) & 1) != 0;
+    }
+};
+
+/// A page's number is 0 when it is empty, 1 when it is full; equal pages have the same one. The pages follow
+/// the header, in order of their words, then the page numbers of those planes above the first that are
+/// neither empty nor full. Equal sets so have equal bytes from `byteCount` on.
+struct CharacterSetBody : Body {
+    static constexpr std::size_t planeCount = 17;
+    static constexpr std::size_t pagesInPlane = 256;
+
+    std::size_t byteCount;               ///< all of the body
+    std::uint16_t numbers[pagesInPlane]; ///< of the first plane
+    std::uint32_t pageCount;
+    /// 0: empty, 1: full, else the place of its page numbers, 2 being those in the header. Three more than
+    /// there are, so that the header has no gaps, whose bytes would count too.
+    std::uint8_t planes[planeCount + 3];
+
+    const CharacterPage* pages() const noexcept { return reinterpret_cast<const CharacterPage*>(this + 1); }
+    CharacterPage* pages() noexcept { return reinterpret_cast<CharacterPage*>(this + 1); }
+
+    /// `place` is at least 3.
+    const std::uint16_t* numbersAt(std::size_t place) const noexcept {
+        return reinterpret_cast<const std::uint16_t*>(pages() + pageCount) + (place - 3) * pagesInPlane;
+    }
+
+    std::size_t pageNumber(std::size_t page) const noexcept {
+        if (page < pagesInPlane) {
+            return numbers[page];
+        }
+        const std::size_t place = planes[page / pagesInPlane];
+        return place < 2 ? place : numbersAt(place)[page % pagesInPlane];
+    }
+};
+
+static_assert(std::has_unique_object_representations_v<CharacterSetBody>);
+
 struct HostBody : Body {
     NSObjectProtocol* object;
 };
@@ -68,6 +111,9 @@ struct Access {
     static DataBody* data(const NSObject& object) noexcept { return static_cast<DataBody*>(body(object)); }
     static UrlBody* url(const NSObject& object) noexcept { return static_cast<UrlBody*>(body(object)); }
     static ArrayBody* array(const NSObject& object) noexcept { return static_cast<ArrayBody*>(body(object)); }
+    static CharacterSetBody* characterSet(const NSObject& object) noexcept {
+        return static_cast<CharacterSetBody*>(body(object));
+    }
     static HostBody* host(const NSObject& object) noexcept { return static_cast<HostBody*>(body(object)); }
 
     /// Take over one reference of the body.
@@ -84,6 +130,9 @@ struct Access {
         return NSDictionary(NSObject::Payload{.body = body});
     }
     static NSSet adoptSet(Body* body) noexcept { return NSSet(NSObject::Payload{.body = body}); }
+    static NSCharacterSet adoptCharacterSet(CharacterSetBody* body) noexcept {
+        return NSCharacterSet(NSObject::Payload{.body = body});
+    }
 
     static StringView view(const NSString& string) noexcept { return string.view(); }
 };

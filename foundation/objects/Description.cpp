@@ -9,6 +9,7 @@
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/text/CharacterSetPages.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation {
@@ -121,6 +122,9 @@ void appendLeaf(TextBuilder& out, const NSObject& object) {
         break;
     case Kind::url:
         appendUrl(out, object.as<NSURL>());
+        break;
+    case Kind::characterSet:
+        detail::appendCharacterSet(out, *Access::characterSet(object));
         break;
     case Kind::classObject:
         out.append(object.className());

@@ -6,6 +6,7 @@
 #include "foundation/objects/Hashing.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/Numbers.h"
+#include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
 
@@ -70,6 +71,8 @@ bool equalLeaves(const NSObject& left, const NSObject& right) {
         return left.as<NSData>().isEqualToData(right.as<NSData>());
     case Kind::url:
         return equalUrls(left.as<NSURL>(), right.as<NSURL>());
+    case Kind::characterSet:
+        return detail::equalCharacterSets(*Access::characterSet(left), *Access::characterSet(right));
     default:
         return false;
     }
@@ -291,6 +294,8 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
     case Kind::dictionary:
     case Kind::set:
         return mixed(structuralHash(object) ^ seed, 0x8EBC6AF09C88C6E3U);
+    case Kind::characterSet:
+        return hashCharacterSet(*Access::characterSet(object), seed + 3);
     case Kind::hostObject:
         return mixed(object.hostObject()->hash() ^ seed, 0xA24BAED4963EE407U);
     default:

@@ -70,6 +70,18 @@ public:
     /// "( 1, a, ( 2, 3 ) )": strings bare, nested collections condensed, "(  )" when empty; nil for nil.
     NSString condensedDescription() const;
 
+    /// Whether there is no element; false for nil.
+    bool isEmpty() const noexcept;
+
+    /// Nil for an empty array.
+    NSObject firstObject() const;
+
+    /// The first of each group of equal elements, in order.
+    NSMutableArray arrayByRemovingDuplicateObjects() const;
+
+    /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. Nil has none.
+    NSComparisonResult compareCount(const NSArray& other) const noexcept;
+
 private:
     friend struct detail::Access;
     explicit NSArray(Payload payload) noexcept : NSObject(payload, detail::Kind::array) {}

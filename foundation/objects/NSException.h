@@ -47,6 +47,7 @@ inline constexpr const char* NSInvalidArgumentException = "NSInvalidArgumentExce
 inline constexpr const char* NSRangeException = "NSRangeException";
 inline constexpr const char* NSParseErrorException = "NSParseErrorException";
 inline constexpr const char* NSGenericException = "NSGenericException";
+inline constexpr const char* NSMallocException = "NSMallocException";
 inline constexpr const char* NSInternalInconsistencyException = "NSInternalInconsistencyException";
 
 } // namespace ZQFoundation

@@ -158,6 +158,8 @@ NSString NSObject::className() const {
         return "NSDictionary";
     case Kind::set:
         return "NSSet";
+    case Kind::characterSet:
+        return "NSCharacterSet";
     case Kind::hostObject:
         return hostObject()->className();
     default:

@@ -24,6 +24,7 @@ class NSURL;
 class NSArray;
 class NSDictionary;
 class NSSet;
+class NSCharacterSet;
 
 /// The platform's three orderings.
 enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
@@ -47,6 +48,7 @@ enum class Kind : unsigned char {
     array,
     dictionary,
     set,
+    characterSet,
     hostObject,
 };
 

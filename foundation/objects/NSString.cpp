@@ -254,22 +254,6 @@ NSString NSString::stringByAppendingString(StringView other) const {
     return builder.string();
 }
 
-NSString NSString::lastPathComponent() const {
-    const NormalizedText text(view());
-    std::size_t end = text.length();
-    while (end > 1 && text[end - 1] == '/') {
-        --end;
-    }
-    if (end <= 1) {
-        return end == 0 ? *this : substringToIndex(end);
-    }
-    std::size_t start = end;
-    while (start > 0 && text[start - 1] != '/') {
-        --start;
-    }
-    return substringWithRange(start, end - start);
-}
-
 int NSString::intValue() const noexcept {
     const StringBody* const body = bodyOf(*this);
     if (body == nullptr) {

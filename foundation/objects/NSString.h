@@ -4,8 +4,25 @@
 
 #include "../text/FormatString.h"
 #include "NSObject.h"
+#include "NSRange.h"
 
 namespace ZQFoundation {
+
+/// How a text is searched; combined by `|`. The numbers are the platform's.
+enum NSStringCompareOptions : unsigned {
+    NSCaseInsensitiveSearch = 1,
+    NSLiteralSearch = 2,   ///< unit by unit: canonical equivalents differ
+    NSBackwardsSearch = 4, ///< the last occurrence
+    NSAnchoredSearch = 8,  ///< only at the start, or with `NSBackwardsSearch` at the end
+};
+
+/// Text encodings by the platform's numbers.
+enum NSStringEncoding : std::uint32_t {
+    NSASCIIStringEncoding = 1,
+    NSUTF8StringEncoding = 4,
+    NSISOLatin1StringEncoding = 5,
+    NSUTF16StringEncoding = 10,
+};
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
 /// surrogate and U+0000 are units like any other.
@@ -90,6 +107,29 @@ public:
 
     NSString stringByAppendingString(StringView other) const;
 
+    /// Where the text first occurs, in units; `{NSNotFound, 0}` when it does not, and for an empty or nil
+    /// text. Canonical equivalents match, and no match cuts a composed sequence, unless the search is
+    /// literal; so a match may be longer or shorter than the text. Raise NSRangeException for a range beyond
+    /// the end.
+    NSRange rangeOfString(StringView text) const;
+    NSRange rangeOfString_options(StringView text, unsigned options) const;
+    NSRange rangeOfString_options_range(StringView text, unsigned options, NSRange range) const;
+
+    /// The first unit that is a member, or with `NSBackwardsSearch` the last one.
+    NSRange rangeOfCharacterFromSet(const NSCharacterSet& set) const;
+    NSRange rangeOfCharacterFromSet_options(const NSCharacterSet& set, unsigned options) const;
+    NSRange rangeOfCharacterFromSet_options_range(const NSCharacterSet& set, unsigned options,
+                                                  NSRange range) const;
+
+    /// The pieces between the separators, empty ones among them; the whole for an empty separator.
+    NSArray componentsSeparatedByString(StringView separator) const;
+
+    /// Without members at either end, however many there are.
+    NSString stringByTrimmingCharactersInSet(const NSCharacterSet& set) const;
+
+    /// Bytes, without a byte-order mark; 0 when the text cannot be converted.
+    std::size_t lengthOfBytesUsingEncoding(NSStringEncoding encoding) const;
+
     /// The lenient decimal readings: white space, a sign, then ASCII digits up to the first other unit;
     /// saturating.
     int intValue() const noexcept;
@@ -98,8 +138,47 @@ public:
     double doubleValue() const noexcept;
     float floatValue() const noexcept;
 
+    // Paths. "Squeezed" means each run of "/" made one, and none left at the end of anything but "/".
+
     /// What follows the last "/", a trailing "/" dropped first; "/" for slashes alone.
     NSString lastPathComponent() const;
+
+    /// "/a/b" gives "/a", "/a" gives "/", "a" the empty string. Squeezed.
+    NSString stringByDeletingLastPathComponent() const;
+
+    /// One "/" between the two, squeezed: "a/" and "/x" give "a/x".
+    NSString stringByAppendingPathComponent(StringView component) const;
+
+    /// "/", "a", "b" for "/a//b"; a final slash is a component "/" of its own.
+    NSArray pathComponents() const;
+
+    /// The components joined as by `stringByAppendingPathComponent`; empty ones are passed over.
+    static NSString pathWithComponents(const NSArray& components);
+
+    /// What follows the last "." of the last component, unless that "." is its first character.
+    NSString pathExtension() const;
+
+    /// The path without that extension and its ".".
+    NSString stringByDeletingPathExtension() const;
+
+    /// Begins with "/" or "~".
+    bool isAbsolutePath() const;
+
+    /// A leading "~" becomes the user's home folder ($HOME when that is an absolute path, else the user
+    /// database's), "~name" that account's; unchanged when there is none. Loses a final "/".
+    NSString stringByExpandingTildeInPath() const;
+
+    /// Tilde expanded, squeezed, without "." components; in absolute paths ".." is resolved: through the
+    /// file system when everything on the path exists, else by its text.
+    NSString stringByStandardizingPath() const;
+
+    /// Tilde expanded, every link replaced by its target, then standardized. From the first item on that is
+    /// missing the rest is kept as text; a dangling link stays, and so does a whole path with a loop of
+    /// links.
+    ///
+    /// In a sticky folder that others may write to (/tmp) a link that belongs to neither the user nor the
+    /// folder's owner is not followed: it stays, as a dangling one does.
+    NSString stringByResolvingSymlinksInPath() const;
 
     /// The property list that the text spells, in the old-style or the XML form; raises
     /// NSParseErrorException.
@@ -121,6 +200,69 @@ public:
 
     /// True when the upper-cased text is "YES" or `intValue` is not zero. Replaces the platform's own rule.
     bool boolValue() const;
+
+    /// `other` unless it is nil, else this string: **the receiver is the default**.
+    NSString asDefaultOr(const NSString& other) const;
+
+    /// Whether there is no unit; false for nil.
+    bool isEmpty() const noexcept;
+
+    /// Whether the text occurs, unit by unit; false for an empty or nil one.
+    bool containsString(StringView other) const;
+    bool containsString_caseInsensitiveSearch(StringView other, bool caseInsensitive) const;
+
+    bool containsDecimalDigit() const;
+
+    /// Without members at the front, **but removes no more than about half of the string**: at most the
+    /// smallest count that is at least half its length. "   x" gives " x".
+    NSString trimLeftCharactersOfCharacterSet(const NSCharacterSet& set) const;
+
+    /// Without members at the end, however many there are.
+    NSString trimRightCharactersOfCharacterSet(const NSCharacterSet& set) const;
+
+    /// The left trim with its limit, then the right one.
+    NSString trimCharactersOfCharacterSet(const NSCharacterSet& set) const;
+
+    /// The same for `NSCharacterSet::whitespaceAndControlCharacterSet`.
+    NSString trim() const;
+
+    /// What follows the **first** occurrence of the marker; nil when there is none, and for an empty or nil
+    /// marker.
+    NSString substringFromEndOfString(StringView marker) const;
+
+    /// How many units equal this one.
+    std::size_t occurrenceCountOfCharacter(char16_t unit) const noexcept;
+
+    /// Each member is replaced by itself, runs are not made one. Unchanged when either argument is nil.
+    NSString stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(const NSCharacterSet& set,
+                                                                            StringView replacement) const;
+    NSString stringByRemovingEveryOccurrenceOfCharactersFromSet(const NSCharacterSet& set) const;
+
+    /// The lines; CR LF and LF CR are one break each. A break at the end is followed by an empty line; the
+    /// empty string has no lines.
+    NSArray componentsSeparatedByLineBreak() const;
+
+    /// The pieces between runs of members: a run is one separator. The empty string has no pieces. Replaces
+    /// the platform's own rule.
+    NSArray componentsSeparatedByCharacterSet(const NSCharacterSet& set) const;
+
+    /// The same for white space; newlines are none.
+    NSArray componentsSeparatedByWhitespace() const;
+    NSArray componentsSeparatedByWhitespaces() const;
+
+    /// The indent in front of every line, also of the empty one behind a break at the end; every break
+    /// becomes LF. A nil indent changes nothing.
+    NSString stringByIndentingLinesWithString(StringView indent) const;
+
+    /// Ends with a newline of any kind: LF is appended when there is none. The empty string stays empty.
+    NSString addMissingNewline() const;
+
+    /// **Longer strings come first:** NSOrderedAscending when this one has more units. Nil has none.
+    NSComparisonResult compareLength(StringView other) const noexcept;
+
+    /// The piece `count` times; nil for a nil piece and a negative count. Raises NSMallocException when
+    /// the result would not fit into memory.
+    static NSString stringByRepeating_count(StringView piece, std::int64_t count);
 
 private:
     friend struct detail::Access;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "foundation/objects/ComposedSequences.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
@@ -10,7 +11,10 @@
 
 namespace ZQFoundation {
 
+using detail::nextCodePoint;
 using detail::NormalizedText;
+using detail::sequenceEnd;
+using detail::sequenceStart;
 
 namespace {
 
@@ -45,97 +49,6 @@ std::size_t commonPrefix(const NormalizedText& left, std::size_t leftStart, cons
     return count;
 }
 
-bool isHighSurrogate(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
-bool isLowSurrogate(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
-
-/// The code point at `index`, an unpaired surrogate standing for itself; moves the index behind it.
-char32_t nextCodePoint(const NormalizedText& text, std::size_t& index) noexcept {
-    const char16_t unit = text[index++];
-    if (isHighSurrogate(unit) && index < text.length() && isLowSurrogate(text[index])) {
-        return 0x10000U + ((unit & 0x3FFU) << 10) + (text[index++] & 0x3FFU);
-    }
-    return unit;
-}
-
-/// Can follow a starter inside one composed sequence: combining marks and the later letters of Hangul
-/// syllables.
-bool extendsSequence(char32_t codePoint) noexcept {
-    return detail::canonicalCombiningClass(codePoint) != 0 || (codePoint >= 0x1160 && codePoint <= 0x11FF) ||
-           codePoint == 0x0F73 || codePoint == 0x0F75 || codePoint == 0x0F81 || codePoint == 0x0FB5 ||
-           codePoint == 0x0FB7 || codePoint == 0x09BE || codePoint == 0x09D7 || codePoint == 0x0B3E ||
-           codePoint == 0x0B56 || codePoint == 0x0B57 || codePoint == 0x0BBE || codePoint == 0x0BD7 ||
-           codePoint == 0x0CC2 || codePoint == 0x0CD5 || codePoint == 0x0CD6 || codePoint == 0x0D3E ||
-           codePoint == 0x0D57 || codePoint == 0x0DCF || codePoint == 0x0DDF || codePoint == 0x102E ||
-           codePoint == 0x1B35 || codePoint == 0x11127 || codePoint == 0x1133E || codePoint == 0x11357 ||
-           codePoint == 0x114B0 || codePoint == 0x114BA || codePoint == 0x114BD || codePoint == 0x115AF ||
-           codePoint == 0x11930;
-}
-
-std::size_t sequenceStart(const NormalizedText& text, std::size_t index) noexcept {
-    while (index > 0) {
-        std::size_t probe = index;
-        if (index < text.length() && isLowSurrogate(text[index]) && isHighSurrogate(text[index - 1])) {
-            --index;
-            continue;
-        }
-        if (probe >= text.length() || !extendsSequence(nextCodePoint(text, probe))) {
-            break;
-        }
-        --index;
-    }
-    return index;
-}
-
-std::size_t sequenceEnd(const NormalizedText& text, std::size_t index) noexcept {
-    if (index < text.length()) {
-        nextCodePoint(text, index);
-    }
-    while (index < text.length()) {
-        std::size_t next = index;
-        if (!extendsSequence(nextCodePoint(text, next))) {
-            break;
-        }
-        index = next;
-    }
-    return index;
-}
-
-struct ClassedCodePoint {
-    char32_t codePoint;
-    unsigned char combiningClass;
-
-    friend bool operator==(const ClassedCodePoint&, const ClassedCodePoint&) = default;
-};
-
-/// Brings each run of marks into the canonical order: by class, those of one class as they stood.
-void orderMarks(std::vector<ClassedCodePoint>& sequence) {
-    const auto isStarter = [](const ClassedCodePoint& entry) {
-        return entry.combiningClass == 0;
-    };
-    for (auto run = sequence.begin(); run != sequence.end();) {
-        run = std::find_if_not(run, sequence.end(), isStarter);
-        const auto runEnd = std::find_if(run, sequence.end(), isStarter);
-        std::stable_sort(run, runEnd, [](const ClassedCodePoint& left, const ClassedCodePoint& right) {
-            return left.combiningClass < right.combiningClass;
-        });
-        run = runEnd;
-    }
-}
-
-std::vector<ClassedCodePoint> decomposed(const NormalizedText& text, std::size_t start, std::size_t end) {
-    std::vector<ClassedCodePoint> sequence;
-    while (start < end) {
-        const char32_t codePoint = nextCodePoint(text, start);
-        char32_t parts[4] = {codePoint};
-        const unsigned count = std::max(detail::canonicalDecomposition(codePoint, parts), 1U);
-        for (unsigned i = 0; i < count; ++i) {
-            sequence.push_back({parts[i], detail::canonicalCombiningClass(parts[i])});
-        }
-    }
-    orderMarks(sequence);
-    return sequence;
-}
-
 NSComparisonResult compareUnits(const NormalizedText& left, const NormalizedText& right) noexcept {
     const std::size_t shorter = left.length() < right.length() ? left.length() : right.length();
     if (left.isAscii() && right.isAscii()) {
@@ -148,6 +61,8 @@ NSComparisonResult compareUnits(const NormalizedText& left, const NormalizedText
 }
 
 NSComparisonResult compareCanonically(const NormalizedText& left, const NormalizedText& right) {
+    std::vector<detail::ClassedCodePoint> leftSequence;
+    std::vector<detail::ClassedCodePoint> rightSequence;
     std::size_t i = 0;
     std::size_t j = 0;
     for (;;) {
@@ -163,8 +78,9 @@ NSComparisonResult compareCanonically(const NormalizedText& left, const Normaliz
         const std::size_t back = std::max(leftDifference - leftStart, rightDifference - rightStart);
         const std::size_t leftEnd = sequenceEnd(left, leftDifference - back);
         const std::size_t rightEnd = sequenceEnd(right, rightDifference - back);
-        if (decomposed(left, leftDifference - back, leftEnd) !=
-            decomposed(right, rightDifference - back, rightEnd)) {
+        decompose(left, leftDifference - back, leftEnd, leftSequence);
+        decompose(right, rightDifference - back, rightEnd, rightSequence);
+        if (leftSequence != rightSequence) {
             if (leftDifference == left.length() || rightDifference == right.length()) {
                 return leftDifference == left.length() ? NSOrderedAscending : NSOrderedDescending;
             }

@@ -1,59 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/process/DefaultsFiles.h"
 
-#include <atomic>
-#include <cerrno>
 #include <cstdlib>
-#include <vector>
 
-#include <pwd.h>
-#include <unistd.h>
-
+#include "foundation/files/HomeFolder.h"
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
 
-constexpr std::size_t largestAccountRecord = std::size_t{1} << 20;
-
-struct AccountHome {
-    uid_t account;
-    std::string folder;
-};
-
-// The user database is asked once: it may be slow, and a forked child should not have to ask it at all.
-constinit Published<AccountHome> accountHome;
-
 bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == '/'; }
-
-std::string homeFromDatabase(uid_t account) {
-    std::vector<char> buffer(1024);
-    passwd record{};
-    passwd* found = nullptr;
-    int error = 0;
-    while ((error = ::getpwuid_r(account, &record, buffer.data(), buffer.size(), &found)) == ERANGE &&
-           buffer.size() < largestAccountRecord) {
-        buffer.resize(buffer.size() * 2);
-    }
-    return error == 0 && found != nullptr && isAbsolute(found->pw_dir) ? found->pw_dir : std::string();
-}
-
-std::string homeFolder() {
-    const char* const home = std::getenv("HOME");
-    if (isAbsolute(home)) {
-        return home;
-    }
-    const uid_t account = ::geteuid();
-    std::string folder = accountHome.read([&](const AccountHome* known) {
-        return known != nullptr && known->account == account ? known->folder : std::string();
-    });
-    if (folder.empty()) {
-        folder = homeFromDatabase(account);
-        accountHome.replace(new AccountHome{account, folder});
-    }
-    return folder;
-}
 
 } // namespace
 

@@ -7,7 +7,7 @@
 
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/process/FileReading.h"
-#include "foundation/process/Published.h"
+#include "foundation/system/Published.h"
 
 namespace ZQFoundation::detail {
 

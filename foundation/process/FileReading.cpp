@@ -9,47 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/files/Descriptor.h"
+#include "foundation/files/FileTimes.h"
 #include "foundation/plist/PropertyList.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
-
-/// Closes a descriptor with its scope.
-class Descriptor {
-public:
-    explicit Descriptor(int number) noexcept : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number_ >= 0) {
-            ::close(number_);
-        }
-    }
-    int number() const noexcept { return number_; }
-
-private:
-    int number_;
-};
-
-// The two members are spelled in one of two ways, by the age of the system's headers.
-template <class Information>
-timespec modificationTime(const Information& information) noexcept {
-    if constexpr (requires { information.st_mtim; }) {
-        return information.st_mtim;
-    } else {
-        return information.st_mtimespec;
-    }
-}
-
-template <class Information>
-timespec changeTime(const Information& information) noexcept {
-    if constexpr (requires { information.st_ctim; }) {
-        return information.st_ctim;
-    } else {
-        return information.st_ctimespec;
-    }
-}
 
 FileStamp stampFrom(const struct stat& information) noexcept {
     FileStamp stamp;
@@ -64,12 +30,8 @@ FileStamp stampFrom(const struct stat& information) noexcept {
 }
 
 int openForReading(const std::string& path) noexcept {
-    int descriptor = -1;
-    do {
-        // Without O_NONBLOCK a pipe that took the file's place would hold the caller up.
-        descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
+    // Without O_NONBLOCK a pipe that took the file's place would hold the caller up.
+    return openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
 }
 
 bool readAll(int descriptor, std::string& bytes) noexcept {
@@ -105,7 +67,7 @@ FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& sta
         return FileResult::unreadable;
     }
     const Descriptor file(openForReading(path));
-    if (file.number() < 0) {
+    if (!file) {
         return resultOfError(errno);
     }
     struct stat information;

@@ -11,8 +11,8 @@
 #include "foundation/process/LanguageMatching.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
-#include "foundation/process/Published.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/Published.h"
 #include "foundation/system/System.h"
 #include "foundation/system/TestOverrides.h"
 

@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "foundation/process/ProcessIdentity.h"
-#include "foundation/process/Published.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/Published.h"
 #include "foundation/system/System.h"
 #include "foundation/system/TestOverrides.h"
 

@@ -10,8 +10,8 @@
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/ProcessIdentity.h"
 #include "foundation/process/PropertyListValue.h"
-#include "foundation/process/Published.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/Published.h"
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation {

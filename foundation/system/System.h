@@ -20,6 +20,21 @@ std::string libraryPath();
 /// The process's arguments, the program's own name first. Empty when they cannot be told.
 std::vector<std::string> processArguments();
 
+/// What is known of the computer; empty or 0 for what cannot be told.
+struct HardwareFacts {
+    std::string model;
+    std::int32_t processors = 0; ///< logical ones
+    std::uint64_t memoryBytes = 0;
+};
+HardwareFacts hardwareFacts();
+
+/// Where the system describes its release as `KEY=value` lines, the first file that exists counting. Empty
+/// for a system that has a system version file instead.
+std::vector<std::string> releaseFiles();
+
+/// The kernel's release, such as "6.1.0-28-amd64"; empty when it cannot be told.
+std::string kernelRelease();
+
 /// The number by which the system knows the calling thread.
 std::uint64_t threadIdentifier() noexcept;
 

@@ -7,5 +7,8 @@ constinit const double* clock = nullptr;
 constinit const std::vector<std::string>* arguments = nullptr;
 constinit const std::string* defaultsFolder = nullptr;
 constinit const std::string* executablePath = nullptr;
+constinit const std::string* systemVersionFile = nullptr;
+constinit const std::vector<std::string>* releaseFiles = nullptr;
+constinit const system::HardwareFacts* hardware = nullptr;
 
 } // namespace ZQFoundation::detail::overrides

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/system/System.h"
+
 namespace ZQFoundation::detail::overrides {
 
 /// When set, `NSDate::date()` and the log prefix answer this instant: seconds since 1970. Null: the real
@@ -20,6 +22,16 @@ extern const std::string* defaultsFolder;
 
 /// When set, the folder (or program file) from which the main bundle is found. Null: the real program.
 extern const std::string* executablePath;
+
+/// When set, the path of the system version file. Null: the real one.
+extern const std::string* systemVersionFile;
+
+/// When set, the paths at which the system's release description is looked for, in order. Null: the real
+/// ones.
+extern const std::vector<std::string>* releaseFiles;
+
+/// When set, what is told of the computer. Null: the real facts.
+extern const system::HardwareFacts* hardware;
 
 } // namespace ZQFoundation::detail::overrides
 

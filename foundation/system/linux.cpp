@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
 #include <linux/futex.h>
+#include <linux/magic.h>
 #include <sys/auxv.h>
+#include <sys/random.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 
+#include "foundation/system/FileSystem.h"
 #include "foundation/system/MaskedWrite.h"
 #include "foundation/system/System.h"
 
@@ -108,12 +113,16 @@ std::string executablePath() {
     }
 }
 
-std::vector<std::string> processArguments() {
-    const int file = open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        return {};
-    }
+namespace {
+
+/// Of the files that the kernel makes up while they are read, and that have no size. Empty when the file
+/// cannot be opened.
+std::string contentsOf(const char* path) {
     std::string text;
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return text;
+    }
     char buffer[4096];
     for (;;) {
         const ssize_t count = read(file, buffer, sizeof buffer);
@@ -126,6 +135,26 @@ std::vector<std::string> processArguments() {
         text.append(buffer, static_cast<std::size_t>(count));
     }
     close(file);
+    return text;
+}
+
+/// Without the white space and the NUL that such files put around a text.
+std::string trimmed(const std::string& text) {
+    constexpr std::string_view around(" \t\r\n\0", 5);
+    const std::size_t start = text.find_first_not_of(around);
+    return start == std::string::npos ? std::string()
+                                      : text.substr(start, text.find_last_not_of(around) + 1 - start);
+}
+
+std::string model() {
+    const std::string product = trimmed(contentsOf("/sys/class/dmi/id/product_name"));
+    return product.empty() ? trimmed(contentsOf("/proc/device-tree/model")) : product;
+}
+
+} // namespace
+
+std::vector<std::string> processArguments() {
+    const std::string text = contentsOf("/proc/self/cmdline");
     std::vector<std::string> arguments;
     for (std::size_t start = 0; start < text.size();) {
         const std::size_t end = text.find('\0', start);
@@ -135,6 +164,24 @@ std::vector<std::string> processArguments() {
     return arguments;
 }
 
+HardwareFacts hardwareFacts() {
+    HardwareFacts facts;
+    facts.model = model();
+    const long processors = sysconf(_SC_NPROCESSORS_ONLN);
+    if (processors > 0 && processors <= INT32_MAX) {
+        facts.processors = static_cast<std::int32_t>(processors);
+    }
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageBytes = sysconf(_SC_PAGESIZE);
+    std::uint64_t bytes = 0;
+    if (pages > 0 && pageBytes > 0 && !__builtin_mul_overflow(pages, pageBytes, &bytes)) {
+        facts.memoryBytes = bytes;
+    }
+    return facts;
+}
+
+std::vector<std::string> releaseFiles() { return {"/etc/os-release", "/usr/lib/os-release"}; }
+
 std::uint64_t randomNumber() noexcept {
     std::uint64_t number = 0x5851F42D4C957F2DU;
     if (const auto* const bytes = reinterpret_cast<const void*>(getauxval(AT_RANDOM))) {
@@ -142,6 +189,37 @@ std::uint64_t randomNumber() noexcept {
         std::memcpy(&number, static_cast<const char*>(bytes) + sizeof number, sizeof number);
     }
     return number;
+}
+
+const int openForSearch = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
+    struct statx information {};
+    if (statx(folder, name, AT_SYMLINK_NOFOLLOW, STATX_BTIME, &information) != 0 ||
+        (information.stx_mask & STATX_BTIME) == 0) {
+        return false;
+    }
+    time.tv_sec = static_cast<time_t>(information.stx_btime.tv_sec);
+    time.tv_nsec = static_cast<long>(information.stx_btime.tv_nsec);
+    return true;
+}
+
+bool holdsObjectLinks(int folder) noexcept {
+    struct statfs information {};
+    return fstatfs(folder, &information) == 0 && information.f_type == PROC_SUPER_MAGIC;
+}
+
+std::uint64_t freshRandomNumber() noexcept {
+    std::uint64_t number = 0;
+    if (getrandom(&number, sizeof number, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof number)) {
+        return number;
+    }
+    // Only while the machine starts, or where the call is forbidden.
+    static constinit std::uint64_t calls = 0;
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const std::uint64_t call = __atomic_add_fetch(&calls, 0x9E3779B97F4A7C15U, __ATOMIC_RELAXED);
+    return randomNumber() ^ call ^ static_cast<std::uint64_t>(now.tv_nsec) << 32;
 }
 
 } // namespace ZQFoundation::detail::system

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include <crt_externs.h>
+#include <fcntl.h>
 #include <mach-o/dyld.h>
 #include <pthread.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/sysctl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
+#include "foundation/system/FileSystem.h"
 #include "foundation/system/MaskedWrite.h"
 #include "foundation/system/System.h"
 
@@ -70,9 +75,52 @@ std::vector<std::string> processArguments() {
     return {arguments, arguments + *_NSGetArgc()};
 }
 
+HardwareFacts hardwareFacts() {
+    HardwareFacts facts;
+    char model[100] = {};
+    std::size_t size = sizeof model;
+    if (sysctlbyname("hw.model", model, &size, nullptr, 0) == 0) {
+        facts.model.assign(model, strnlen(model, sizeof model));
+    }
+    int processors = 0;
+    size = sizeof processors;
+    if (sysctlbyname("hw.ncpu", &processors, &size, nullptr, 0) == 0) {
+        facts.processors = processors;
+    }
+    std::uint64_t bytes = 0;
+    size = sizeof bytes;
+    if (sysctlbyname("hw.memsize", &bytes, &size, nullptr, 0) == 0) {
+        facts.memoryBytes = bytes;
+    }
+    return facts;
+}
+
+std::vector<std::string> releaseFiles() { return {}; }
+
 std::uint64_t randomNumber() noexcept {
     static const std::uint64_t number = static_cast<std::uint64_t>(arc4random()) << 32 | arc4random();
     return number;
+}
+
+#ifdef O_SEARCH
+const int openForSearch = O_SEARCH | O_DIRECTORY | O_CLOEXEC;
+#else
+const int openForSearch = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+#endif
+
+bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
+    struct stat information;
+    if (fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) != 0) {
+        return false;
+    }
+    time = information.st_birthtimespec;
+    return true;
+}
+
+bool holdsObjectLinks(int) noexcept { return false; }
+
+std::uint64_t freshRandomNumber() noexcept {
+    return static_cast<std::uint64_t>(arc4random()) << 32 | arc4random();
 }
 
 } // namespace ZQFoundation::detail::system

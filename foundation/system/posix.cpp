@@ -4,6 +4,7 @@
 #include <ctime>
 #include <dlfcn.h>
 #include <pthread.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -45,6 +46,11 @@ std::uint64_t threadNumber() noexcept {
 
 bool isForkingThread(std::uint64_t thread) noexcept {
     return __atomic_load_n(&forkingThread, __ATOMIC_RELAXED) == thread;
+}
+
+std::string kernelRelease() {
+    utsname names{};
+    return uname(&names) >= 0 ? names.release : std::string();
 }
 
 std::string libraryPath() {

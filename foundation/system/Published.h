@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
-#ifndef ZQFOUNDATION_PROCESS_PUBLISHED_H
-#define ZQFOUNDATION_PROCESS_PUBLISHED_H
+#ifndef ZQFOUNDATION_SYSTEM_PUBLISHED_H
+#define ZQFOUNDATION_SYSTEM_PUBLISHED_H
 
 #include <atomic>
 

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSDictionary.h"
+
+namespace ZQFoundation {
+
+bool NSArray::isEmpty() const noexcept { return *this && count() == 0; }
+
+NSObject NSArray::firstObject() const { return count() == 0 ? NSObject() : objectAtIndex(0); }
+
+NSMutableArray NSArray::arrayByRemovingDuplicateObjects() const {
+    NSMutableArray distinct;
+    NSMutableDictionary seen;
+    for (const NSObject& object : *this) {
+        if (!seen.objectForKey(object)) {
+            distinct.addObject(object);
+            seen.setObject_forKey(object, object);
+        }
+    }
+    return distinct;
+}
+
+NSComparisonResult NSArray::compareCount(const NSArray& other) const noexcept {
+    if (!*this || count() == other.count()) {
+        return NSOrderedSame;
+    }
+    return count() > other.count() ? NSOrderedAscending : NSOrderedDescending;
+}
+
+} // namespace ZQFoundation

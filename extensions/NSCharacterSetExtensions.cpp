@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// NSCharacterSet(ZQFoundation): the shared sets.
+#include "foundation/text/CharacterSetPages.h"
+
+namespace ZQFoundation {
+
+using detail::SharedCharacterSet;
+
+NSCharacterSet NSCharacterSet::emptyCharacterSet() {
+    static constinit SharedCharacterSet slot{nullptr};
+    return detail::sharedCharacterSet(slot, [] { return characterSetWithCharactersInString(""); });
+}
+
+NSCharacterSet NSCharacterSet::nullByteCharacterSet() {
+    static constinit SharedCharacterSet slot{nullptr};
+    return detail::sharedCharacterSet(slot, [] { return characterSetWithRange(NSMakeRange(0, 1)); });
+}
+
+NSCharacterSet NSCharacterSet::whitespaceAndControlCharacterSet() {
+    static constinit SharedCharacterSet slot{nullptr};
+    return detail::sharedCharacterSet(slot, [] {
+        NSMutableCharacterSet both(whitespaceCharacterSet());
+        both.formUnionWithCharacterSet(controlCharacterSet());
+        return both.characterSet();
+    });
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+// Strings made from others: characters replaced, lines indented, a newline added, pieces repeated.
+#include <cstring>
+#include <new>
+
+#include "extensions/LineWalk.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/StringBodies.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/CharacterSetPages.h"
+
+namespace ZQFoundation {
+
+using detail::CharacterMembership;
+using detail::NormalizedText;
+using detail::TextBuilder;
+
+namespace {
+
+void append(TextBuilder& out, const char* units, std::size_t count) { out.appendAscii(units, count); }
+void append(TextBuilder& out, const char16_t* units, std::size_t count) { out.appendUnits(units, count); }
+
+template <class Unit>
+std::size_t nextMember(const Unit* units, std::size_t at, std::size_t length,
+                       const CharacterMembership& members) noexcept {
+    while (at < length && !members.contains(units[at])) {
+        ++at;
+    }
+    return at;
+}
+
+/// Nil when there is nothing to replace.
+template <class Unit>
+NSString replaced(const Unit* units, std::size_t length, const CharacterMembership& members,
+                  StringView replacement) {
+    std::size_t found = nextMember(units, 0, length, members);
+    if (found == length) {
+        return nullptr;
+    }
+    TextBuilder out;
+    std::size_t start = 0;
+    for (; found < length; found = nextMember(units, start, length, members)) {
+        append(out, units + start, found - start);
+        out.append(replacement);
+        start = found + 1;
+    }
+    append(out, units + start, length - start);
+    return out.string();
+}
+
+template <class Unit>
+NSString indented(const Unit* units, std::size_t length, StringView indent) {
+    TextBuilder out;
+    out.append(indent);
+    bool isFirst = true;
+    detail::forEachLine(units, length, [&](std::size_t start, std::size_t end) {
+        if (!isFirst) {
+            out.appendAscii('\n');
+            out.append(indent);
+        }
+        isFirst = false;
+        append(out, units + start, end - start);
+    });
+    return out.string();
+}
+
+/// Doubles what is there until it is enough.
+template <class Unit>
+void fillRepeatedly(Unit* out, const Unit* piece, std::size_t length, std::size_t total) noexcept {
+    std::memcpy(out, piece, length * sizeof(Unit));
+    for (std::size_t filled = length; filled < total;) {
+        const std::size_t step = filled < total - filled ? filled : total - filled;
+        std::memcpy(out + filled, out, step * sizeof(Unit));
+        filled += step;
+    }
+}
+
+NSString repeated(const NormalizedText& piece, std::size_t total) {
+    detail::StringBody* const body = detail::allocateString(total, piece.isAscii());
+    if (piece.isAscii()) {
+        fillRepeatedly(body->ascii(), piece.ascii(), piece.length(), total);
+    } else {
+        fillRepeatedly(body->units(), piece.units(), piece.length(), total);
+    }
+    return detail::Access::adoptString(body);
+}
+
+} // namespace
+
+NSString
+NSString::stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(const NSCharacterSet& set,
+                                                                         StringView replacement) const {
+    if (!*this || !set || !replacement) {
+        return *this;
+    }
+    const detail::StringBody& body = *detail::Access::string(*this);
+    const CharacterMembership members(set);
+    const NSString result = body.isAscii ? replaced(body.ascii(), body.length, members, replacement)
+                                         : replaced(body.units(), body.length, members, replacement);
+    return result ? result : *this;
+}
+
+NSString NSString::stringByRemovingEveryOccurrenceOfCharactersFromSet(const NSCharacterSet& set) const {
+    return stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(set, "");
+}
+
+NSString NSString::stringByIndentingLinesWithString(StringView indent) const {
+    if (!*this || !indent) {
+        return *this;
+    }
+    const detail::StringBody& body = *detail::Access::string(*this);
+    return body.isAscii ? indented(body.ascii(), body.length, indent)
+                        : indented(body.units(), body.length, indent);
+}
+
+NSString NSString::addMissingNewline() const {
+    const std::size_t count = length();
+    if (count == 0 || detail::isNewline(characterAtIndex(count - 1))) {
+        return *this;
+    }
+    return stringByAppendingString("\n");
+}
+
+NSString NSString::stringByRepeating_count(StringView piece, std::int64_t count) {
+    if (!piece || count < 0) {
+        return nullptr;
+    }
+    const NormalizedText text(piece);
+    if (count == 0 || text.length() == 0) {
+        return string();
+    }
+    constexpr std::size_t mostUnits = static_cast<std::size_t>(PTRDIFF_MAX) / (2 * sizeof(char16_t));
+    const auto times = static_cast<std::size_t>(count);
+    try {
+        if (times <= mostUnits / text.length()) {
+            return repeated(text, times * text.length());
+        }
+    } catch (const std::bad_alloc&) {
+        // told below
+    }
+    NSException::raise_format(NSMallocException, "%ld times %lu characters do not fit into memory", count,
+                              text.length());
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "extensions/LineWalk.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/objects/StringBodies.h"
+#include "foundation/text/CharacterSetPages.h"
+
+namespace ZQFoundation {
+
+using detail::CharacterMembership;
+
+namespace {
+
+NSString piece(const char* units, std::size_t start, std::size_t end) {
+    return detail::makeAsciiString(units + start, end - start);
+}
+
+NSString piece(const char16_t* units, std::size_t start, std::size_t end) {
+    return detail::makeString(units + start, end - start);
+}
+
+/// Space and tab, the white space of ASCII.
+struct AsciiBlanks {
+    static constexpr auto test = [](auto unit) {
+        return (unit == ' ') | (unit == '\t');
+    };
+
+    static bool contains(char unit) noexcept { return test(static_cast<unsigned char>(unit)); }
+    static std::size_t next(const char* units, std::size_t at, std::size_t length) noexcept {
+        return detail::nextPlace(units, at, length, test);
+    }
+};
+
+struct SetMembers : CharacterMembership {
+    using CharacterMembership::CharacterMembership;
+
+    template <class Unit>
+    std::size_t next(const Unit* units, std::size_t at, std::size_t length) const noexcept {
+        while (at < length && !contains(units[at])) {
+            ++at;
+        }
+        return at;
+    }
+};
+
+/// Calls `component(start, end)` for each stretch between runs of members, the empty ones at either end too.
+template <class Unit, class Separators, class Component>
+void forEachComponent(const Unit* units, std::size_t length, const Separators& separators,
+                      const Component& component) {
+    std::size_t at = 0;
+    while (at < length) {
+        const std::size_t start = at;
+        at = separators.next(units, at, length);
+        component(start, at);
+        if (at == length) {
+            return;
+        }
+        while (at < length && separators.contains(units[at])) {
+            ++at;
+        }
+        if (at == length) {
+            component(at, at);
+        }
+    }
+}
+
+/// The pieces that `walk(take)` tells.
+template <class Unit, class Walk>
+NSArray pieces(const Unit* units, std::size_t most, const Walk& walk) {
+    NSMutableArray found(most);
+    walk([&](std::size_t start, std::size_t end) { found.addObject(piece(units, start, end)); });
+    return found.array();
+}
+
+template <class Unit>
+NSArray lines(const Unit* units, std::size_t length) {
+    const std::size_t most = detail::countPlaces(units, length, detail::newlineTest<Unit>) + 1;
+    return pieces(units, most, [&](const auto& take) { detail::forEachLine(units, length, take); });
+}
+
+template <class Unit, class Separators>
+NSArray components(const Unit* units, std::size_t length, const Separators& separators) {
+    return pieces(units, length / 6 + 1,
+                  [&](const auto& take) { forEachComponent(units, length, separators, take); });
+}
+
+} // namespace
+
+NSArray NSString::componentsSeparatedByLineBreak() const {
+    if (!*this) {
+        return nullptr;
+    }
+    const detail::StringBody& body = *detail::Access::string(*this);
+    return body.isAscii ? lines(body.ascii(), body.length) : lines(body.units(), body.length);
+}
+
+NSArray NSString::componentsSeparatedByCharacterSet(const NSCharacterSet& set) const {
+    if (!*this) {
+        return nullptr;
+    }
+    const detail::StringBody& body = *detail::Access::string(*this);
+    const SetMembers separators(set);
+    return body.isAscii ? components(body.ascii(), body.length, separators)
+                        : components(body.units(), body.length, separators);
+}
+
+NSArray NSString::componentsSeparatedByWhitespace() const {
+    if (*this && detail::Access::string(*this)->isAscii) {
+        const detail::StringBody& body = *detail::Access::string(*this);
+        return components(body.ascii(), body.length, AsciiBlanks());
+    }
+    return componentsSeparatedByCharacterSet(NSCharacterSet::whitespaceCharacterSet());
+}
+
+NSArray NSString::componentsSeparatedByWhitespaces() const { return componentsSeparatedByWhitespace(); }
+
+} // namespace ZQFoundation

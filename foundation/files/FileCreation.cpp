@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include <cstdio>
+
+#include "foundation/files/AppliedAttributes.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/files/PathHandle.h"
+#include "foundation/system/CallerState.h"
+#include "foundation/system/FileSystem.h"
+#include "foundation/system/System.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+constexpr int mostAttempts = 100;
+
+/// A new file under a name of its own beside the one that it shall replace; removed again unless it does.
+class ReplacementFile {
+public:
+    explicit ReplacementFile(int folder) noexcept : folder_(folder) {}
+    ReplacementFile(const ReplacementFile&) = delete;
+    ReplacementFile& operator=(const ReplacementFile&) = delete;
+    ~ReplacementFile() {
+        if (exists_) {
+            ::unlinkat(folder_, name_, 0);
+        }
+    }
+
+    bool open(mode_t mode) noexcept {
+        for (int attempt = 0; attempt < mostAttempts && !file_; ++attempt) {
+            chooseName();
+            file_ = detail::Descriptor(
+                detail::openAt(folder_, name_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
+            if (!file_ && errno != EEXIST) {
+                return false;
+            }
+        }
+        exists_ = static_cast<bool>(file_);
+        return exists_;
+    }
+
+    int descriptor() const noexcept { return file_.number(); }
+
+    bool write(const char* bytes, std::size_t count) noexcept {
+        while (count != 0) {
+            const std::ptrdiff_t written = detail::system::writeWithoutSignals(file_.number(), bytes, count);
+            if (written < 0 && errno == EINTR) {
+                continue;
+            }
+            if (written <= 0) {
+                return false;
+            }
+            bytes += written;
+            count -= static_cast<std::size_t>(written);
+        }
+        return true;
+    }
+
+    /// Closing tells of writes that failed late, as they may over a network.
+    bool close() noexcept { return ::close(file_.release()) == 0 || errno == EINTR; }
+
+    bool replace(const char* name) noexcept {
+        exists_ = ::renameat(folder_, name_, folder_, name) != 0;
+        return !exists_;
+    }
+
+private:
+    void chooseName() noexcept {
+        static constexpr char digits[] = "0123456789abcdef";
+        std::uint64_t number = detail::system::freshRandomNumber();
+        for (std::size_t index = 0; index < digitCount; ++index) {
+            name_[prefixLength + index] = digits[number & 15];
+            number >>= 4;
+        }
+    }
+
+    static constexpr std::size_t prefixLength = 5;
+    static constexpr std::size_t digitCount = 16;
+
+    int folder_;
+    char name_[prefixLength + digitCount + 1] = ".new-";
+    detail::Descriptor file_;
+    bool exists_ = false;
+};
+
+/// The folder that a path's last name stands in, opened once so that all steps happen in the same one.
+class TargetFolder {
+public:
+    /// False with `errno`, also for a path that can only name a folder.
+    bool open(const std::string& path) {
+        const std::size_t slash = path.rfind('/');
+        const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
+        name_ = path.substr(start);
+        if (name_.empty() || name_ == "." || name_ == "..") {
+            errno = EISDIR;
+            return false;
+        }
+        const std::string folder = start == 0 ? "." : path.substr(0, start);
+        detail::PathHandle handle;
+        if (!handle.reach(folder)) {
+            return false;
+        }
+        folder_ =
+            detail::Descriptor(detail::openAt(handle.folder(), handle.name(), detail::system::openForSearch));
+        return static_cast<bool>(folder_);
+    }
+
+    int descriptor() const noexcept { return folder_.number(); }
+    const char* name() const noexcept { return name_.c_str(); }
+
+private:
+    std::string name_;
+    detail::Descriptor folder_;
+};
+
+/// Gives the new file the permissions of the one that it replaces.
+bool takePermissions(int file, const struct stat& existing) noexcept {
+    struct stat made;
+    if (::fstat(file, &made) != 0) {
+        return false;
+    }
+    // To run as its owner, or as its group, is not passed on to a file that belongs to another.
+    mode_t permissions = existing.st_mode & 07777;
+    permissions &= made.st_uid == existing.st_uid ? ~mode_t{0} : ~mode_t{S_ISUID};
+    permissions &= made.st_gid == existing.st_gid ? ~mode_t{0} : ~mode_t{S_ISGID};
+    return ::fchmod(file, permissions) == 0;
+}
+
+bool createFile(const std::string& path, const NSData& contents, const NSDictionary& attributes) {
+    TargetFolder folder;
+    if (!folder.open(path)) {
+        return false;
+    }
+    struct stat existing;
+    const bool exists = ::fstatat(folder.descriptor(), folder.name(), &existing, AT_SYMLINK_NOFOLLOW) == 0;
+    if (exists && S_ISDIR(existing.st_mode)) {
+        return false;
+    }
+    const bool inherits = exists && S_ISREG(existing.st_mode);
+    mode_t permissions = 0;
+    const bool givesPermissions = detail::getPermissions(attributes, permissions);
+    ReplacementFile file(folder.descriptor());
+    // What is not to get the ordinary permissions is closed to others until it has its own.
+    if (!file.open(inherits || givesPermissions ? 0600 : 0666)) {
+        return false;
+    }
+    if (!file.write(reinterpret_cast<const char*>(contents.bytes()), contents.length())) {
+        return false;
+    }
+    if (inherits && !takePermissions(file.descriptor(), existing)) {
+        return false;
+    }
+    detail::applyAttributes(file.descriptor(), attributes);
+    return file.close() && file.replace(folder.name());
+}
+
+} // namespace
+
+bool NSFileManager::createFileAtPath_contents_attributes(StringView path, const NSData& contents,
+                                                         const NSDictionary& attributes) {
+    const detail::CallerState caller;
+    std::string bytes;
+    return detail::getPathBytes(path, bytes) && createFile(bytes, contents, attributes);
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include <vector>
+
+#include "foundation/files/AppliedAttributes.h"
+#include "foundation/files/FileError.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/files/PathHandle.h"
+#include "foundation/system/CallerState.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+/// Makes one folder, or it and the missing ones above it, and gives the attributes to each that it made.
+class FolderMaker {
+public:
+    FolderMaker(const std::string& path, const NSDictionary& attributes)
+        : path_(path), attributes_(attributes) {
+        // Never more open to others than it will be; the owner must be able to make the next one in it.
+        mode_t permissions = 0;
+        if (detail::getPermissions(attributes, permissions)) {
+            mode_ = (permissions & 0777) | 0700;
+        }
+    }
+
+    /// False with `errno` when anything stands there.
+    bool make() { return makePrefix(path_.size()); }
+
+    /// True when a folder, or a link to one, stands there already. False with `errno`.
+    bool makeWithIntermediates() {
+        if (make() || isFolder()) {
+            return true;
+        }
+        if (errno != ENOENT) {
+            return false;
+        }
+        for (std::size_t end = 0; end < path_.size();) {
+            end = path_.find_first_not_of('/', end);
+            if (end == std::string::npos) {
+                break;
+            }
+            const std::size_t slash = path_.find('/', end);
+            end = slash == std::string::npos ? path_.size() : slash;
+            if (!makePrefix(end) && !isFolder()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// The deepest first: permissions may take the way to it, and a new folder changes its parent's date.
+    void applyAttributes() {
+        if (attributes_.count() == 0) {
+            return;
+        }
+        constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+        for (std::size_t index = made_.size(); index > 0; --index) {
+            const std::string folder(path_, 0, made_[index - 1]);
+            detail::PathHandle handle;
+            if (!handle.reach(folder)) {
+                continue;
+            }
+            const detail::Descriptor open(detail::openAt(handle.folder(), handle.name(), flags));
+            if (open) {
+                detail::applyAttributes(open.number(), attributes_);
+            }
+        }
+    }
+
+private:
+    bool makePrefix(std::size_t length) {
+        prefix_.assign(path_, 0, length);
+        handle_.keepOnly(length);
+        if (!handle_.reach(prefix_) || ::mkdirat(handle_.folder(), handle_.name(), mode_) != 0) {
+            return false;
+        }
+        made_.push_back(length);
+        return true;
+    }
+
+    /// Whether a folder stands where the last one could not be made. Keeps `errno` when not.
+    bool isFolder() {
+        const int error = errno;
+        struct stat information;
+        const bool exists =
+            handle_.reach(prefix_) && ::fstatat(handle_.folder(), handle_.name(), &information, 0) == 0;
+        errno = error;
+        return exists && S_ISDIR(information.st_mode);
+    }
+
+    const std::string& path_;
+    const NSDictionary& attributes_;
+    mode_t mode_ = 0777;
+    std::string prefix_;
+    detail::PathHandle handle_;
+    std::vector<std::size_t> made_; ///< how much of the path each made folder takes
+};
+
+} // namespace
+
+bool NSFileManager::createDirectoryAtPath_withIntermediateDirectories_attributes_error(
+    StringView path, bool withIntermediateDirectories, const NSDictionary& attributes, NSString* errorText) {
+    const detail::CallerState caller;
+    std::string bytes;
+    if (!detail::getPathBytes(path, bytes)) {
+        detail::tellError(errorText, path, errno);
+        return false;
+    }
+    FolderMaker maker(bytes, attributes);
+    const bool done = withIntermediateDirectories ? maker.makeWithIntermediates() : maker.make();
+    const int error = errno;
+    maker.applyAttributes();
+    if (done) {
+        detail::tellSuccess(errorText);
+    } else {
+        detail::tellError(errorText, path, error);
+    }
+    return done;
+}
+
+} // namespace ZQFoundation

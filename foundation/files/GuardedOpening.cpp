@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/GuardedOpening.h"
+
+#include <new>
+
+#include "foundation/files/Descriptor.h"
+#include "foundation/files/LinkReading.h"
+#include "foundation/files/StickyFolder.h"
+#include "foundation/system/FileSystem.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// Others may change a name between two looks at it; somebody who keeps doing so does not keep us for ever.
+constexpr int mostAttempts = 64;
+
+// Without O_NONBLOCK the opening of some devices waits for the other side.
+constexpr int appendFlags = O_RDWR | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+/// What a name gives that is opened with O_NOFOLLOW (and O_DIRECTORY), and is a link.
+bool mayMeanLink(int error) noexcept { return error == ELOOP || error == ENOTDIR || error == EMLINK; }
+
+bool isSameLink(const struct stat& left, const struct stat& right) noexcept {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino && left.st_uid == right.st_uid &&
+           S_ISLNK(right.st_mode);
+}
+
+bool getInformation(int folder, const char* name, struct stat& information) noexcept {
+    return ::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+/// Walks a path from folder to folder, each opened below the one before without following a link, so that
+/// nothing on the way can be exchanged once it was judged. Links are followed by their texts.
+class GuardedWalk {
+public:
+    explicit GuardedWalk(const std::string& path) : rest_(path) {}
+
+    /// Stops in the folder of the path's last name. False with `errno`.
+    bool reachLast() {
+        if (!folder_ && !start()) {
+            return false;
+        }
+        while (takeName()) {
+            if (position_ == rest_.size()) {
+                return true;
+            }
+            if (!enter() && !(mayMeanLink(errno) && follow())) {
+                return false;
+            }
+        }
+        errno = EISDIR; // a slash at the end, or nothing else
+        return false;
+    }
+
+    /// Puts the text of the link that has the last name in front of what is left of the path. False with
+    /// `errno` when it must not be followed, or is none.
+    bool follow();
+
+    int folder() const noexcept { return folder_.number(); }
+    const char* name() const noexcept { return name_.c_str(); }
+
+private:
+    bool start() noexcept {
+        if (rest_.empty() || rest_.find('\0') != std::string::npos) {
+            errno = rest_.empty() ? ENOENT : EINVAL;
+            return false;
+        }
+        const char* const first = rest_[0] == '/' ? "/" : ".";
+        folder_ = Descriptor(openAt(AT_FDCWD, first, system::openForSearch));
+        return static_cast<bool>(folder_);
+    }
+
+    bool takeName() {
+        while (position_ < rest_.size() && rest_[position_] == '/') {
+            ++position_;
+        }
+        if (position_ == rest_.size()) {
+            return false;
+        }
+        const std::size_t slash = rest_.find('/', position_);
+        const std::size_t end = slash == std::string::npos ? rest_.size() : slash;
+        name_.assign(rest_, position_, end - position_);
+        position_ = end;
+        return true;
+    }
+
+    bool enter() noexcept {
+        Descriptor next(openAt(folder(), name(), system::openForSearch | O_NOFOLLOW));
+        if (!next) {
+            return false;
+        }
+        folder_ = static_cast<Descriptor&&>(next);
+        return true;
+    }
+
+    bool readJudgedLink(std::string& target);
+
+    std::string rest_;
+    std::size_t position_ = 0; ///< in `rest_`
+    std::string name_;
+    Descriptor folder_;
+    int links_ = 0;
+};
+
+/// Reads the link between two looks that find the same one, so that the text is that of the link judged.
+bool GuardedWalk::readJudgedLink(std::string& target) {
+    struct stat folderInformation;
+    if (::fstat(folder(), &folderInformation) != 0) {
+        return false;
+    }
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        struct stat before;
+        struct stat after;
+        if (!getInformation(folder(), name(), before)) {
+            return false;
+        }
+        if (!S_ISLNK(before.st_mode)) {
+            errno = ENOTDIR;
+            return false;
+        }
+        if (!mayFollowLink(before, folderInformation)) {
+            errno = EACCES;
+            return false;
+        }
+        const LinkResult result = readLink(folder(), name(), target);
+        if (result == LinkResult::link && getInformation(folder(), name(), after) &&
+            isSameLink(before, after)) {
+            return true;
+        }
+    }
+    errno = EAGAIN;
+    return false;
+}
+
+bool GuardedWalk::follow() {
+    std::string target;
+    if (!readJudgedLink(target)) {
+        return false;
+    }
+    if (++links_ > mostLinks) {
+        errno = ELOOP;
+        return false;
+    }
+    rest_ = target + rest_.substr(position_); // which is empty or begins with a slash
+    position_ = 0;
+    return target[0] != '/' || start();
+}
+
+/// Opens what has the walk's last name, or makes it. ELOOP for a link.
+int openLast(const GuardedWalk& walk) noexcept {
+    struct stat folder;
+    if (::fstat(walk.folder(), &folder) != 0) {
+        return -1;
+    }
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        struct stat item;
+        // The mere opening of some devices and pipes is felt at the other side.
+        if (isSharedFolder(folder) && getInformation(walk.folder(), walk.name(), item) &&
+            !S_ISLNK(item.st_mode) && !mayWriteItem(item, folder)) {
+            errno = EACCES;
+            return -1;
+        }
+        Descriptor file(openAt(walk.folder(), walk.name(), appendFlags | O_NOFOLLOW));
+        if (file) {
+            if (::fstat(file.number(), &item) != 0) {
+                return -1;
+            }
+            if (!mayWriteItem(item, folder)) {
+                errno = EACCES;
+                return -1;
+            }
+            return file.release();
+        }
+        if (errno != ENOENT) {
+            return -1;
+        }
+        const int made = openAt(walk.folder(), walk.name(), appendFlags | O_CREAT | O_EXCL, 0666);
+        if (made >= 0 || errno != EEXIST) {
+            return made;
+        }
+    }
+    errno = EAGAIN;
+    return -1;
+}
+
+int openAtEndOf(GuardedWalk& walk) {
+    for (;;) {
+        if (!walk.reachLast()) {
+            return -1;
+        }
+        const int file = openLast(walk);
+        if (file >= 0 || !mayMeanLink(errno)) {
+            return file;
+        }
+        if (system::holdsObjectLinks(walk.folder())) {
+            return openAt(walk.folder(), walk.name(), appendFlags);
+        }
+        if (!walk.follow()) {
+            return -1;
+        }
+    }
+}
+
+/// The descriptor is as a plain opening would have left it.
+void takeNonBlockingOff(int file) noexcept {
+    const int flags = ::fcntl(file, F_GETFL);
+    if (flags >= 0) {
+        ::fcntl(file, F_SETFL, flags & ~O_NONBLOCK);
+    }
+}
+
+bool mayAppendAtEndOf(GuardedWalk& walk) {
+    for (;;) {
+        struct stat folder;
+        struct stat item;
+        if (!walk.reachLast() || ::fstat(walk.folder(), &folder) != 0 ||
+            !getInformation(walk.folder(), walk.name(), item)) {
+            return false;
+        }
+        if (!S_ISLNK(item.st_mode)) {
+            return mayWriteItem(item, folder);
+        }
+        if (system::holdsObjectLinks(walk.folder())) {
+            return true;
+        }
+        if (!walk.follow()) {
+            return false;
+        }
+    }
+}
+
+} // namespace
+
+int openForAppendingGuarded(const std::string& path) noexcept {
+    try {
+        GuardedWalk walk(path);
+        const int file = openAtEndOf(walk);
+        if (file >= 0) {
+            takeNonBlockingOff(file);
+        }
+        return file;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return -1;
+    }
+}
+
+bool mayAppendGuarded(const std::string& path) noexcept {
+    try {
+        GuardedWalk walk(path);
+        return mayAppendAtEndOf(walk);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/HomeFolder.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <vector>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include "foundation/system/Published.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::size_t largestAccountRecord = std::size_t{1} << 20;
+
+struct AccountHome {
+    uid_t account;
+    std::string folder;
+};
+
+// The user database is asked once: it may be slow, and a forked child should not have to ask it at all.
+constinit Published<AccountHome> accountHome;
+
+bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == '/'; }
+
+/// `ask(record, buffer, size, found)` is one of the two look-ups of the user database.
+template <class Ask>
+std::string homeFromDatabase(const Ask& ask) {
+    std::vector<char> buffer(1024);
+    passwd record{};
+    passwd* found = nullptr;
+    int error = 0;
+    while ((error = ask(&record, buffer.data(), buffer.size(), &found)) == EINTR ||
+           (error == ERANGE && buffer.size() < largestAccountRecord)) {
+        if (error == ERANGE) {
+            buffer.resize(buffer.size() * 2);
+        }
+    }
+    return error == 0 && found != nullptr && isAbsolute(found->pw_dir) ? found->pw_dir : std::string();
+}
+
+} // namespace
+
+std::string homeFolder() {
+    const char* const home = std::getenv("HOME");
+    if (isAbsolute(home)) {
+        return home;
+    }
+    const uid_t account = ::geteuid();
+    std::string folder = accountHome.read([&](const AccountHome* known) {
+        return known != nullptr && known->account == account ? known->folder : std::string();
+    });
+    if (folder.empty()) {
+        folder = homeFromDatabase([=](passwd* record, char* buffer, std::size_t size, passwd** found) {
+            return ::getpwuid_r(account, record, buffer, size, found);
+        });
+        accountHome.replace(new AccountHome{account, folder});
+    }
+    return folder;
+}
+
+std::string homeFolderOfAccount(const std::string& name) {
+    return homeFromDatabase([&](passwd* record, char* buffer, std::size_t size, passwd** found) {
+        return ::getpwnam_r(name.c_str(), record, buffer, size, found);
+    });
+}
+
+} // namespace ZQFoundation::detail

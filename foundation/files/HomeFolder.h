@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_FILES_HOMEFOLDER_H
+#define ZQFOUNDATION_FILES_HOMEFOLDER_H
+
+#include <string>
+
+namespace ZQFoundation::detail {
+
+/// The user's home folder: `$HOME` when that is an absolute path, else what the user database says of the
+/// effective user. Follows the environment at every call. Empty when nothing tells.
+std::string homeFolder();
+
+/// The home folder of the account with this name; empty when there is no such account, or no folder.
+std::string homeFolderOfAccount(const std::string& name);
+
+} // namespace ZQFoundation::detail
+
+#endif

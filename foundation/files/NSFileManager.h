@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_FILES_NSFILEMANAGER_H
+#define ZQFOUNDATION_FILES_NSFILEMANAGER_H
+
+#include "../objects/NSData.h"
+#include "../objects/NSDictionary.h"
+#include "../objects/NSString.h"
+
+namespace ZQFoundation {
+
+/// The keys of attribute dictionaries.
+inline constexpr const char* NSFileType = "NSFileType";
+inline constexpr const char* NSFileSize = "NSFileSize"; ///< bytes
+inline constexpr const char* NSFileModificationDate =
+    "NSFileModificationDate"; ///< as far as a double holds it
+inline constexpr const char* NSFileCreationDate =
+    "NSFileCreationDate"; ///< absent where the system keeps none
+inline constexpr const char* NSFilePosixPermissions = "NSFilePosixPermissions"; ///< the low 12 mode bits
+inline constexpr const char* NSFileReferenceCount = "NSFileReferenceCount";
+inline constexpr const char* NSFileOwnerAccountID = "NSFileOwnerAccountID";
+inline constexpr const char* NSFileOwnerAccountName =
+    "NSFileOwnerAccountName"; ///< absent for an unknown account
+inline constexpr const char* NSFileGroupOwnerAccountID = "NSFileGroupOwnerAccountID";
+inline constexpr const char* NSFileGroupOwnerAccountName = "NSFileGroupOwnerAccountName";
+inline constexpr const char* NSFileSystemNumber = "NSFileSystemNumber";
+inline constexpr const char* NSFileSystemFileNumber = "NSFileSystemFileNumber";
+
+/// The values under `NSFileType`.
+inline constexpr const char* NSFileTypeRegular = "NSFileTypeRegular";
+inline constexpr const char* NSFileTypeDirectory = "NSFileTypeDirectory";
+inline constexpr const char* NSFileTypeSymbolicLink = "NSFileTypeSymbolicLink";
+inline constexpr const char* NSFileTypeSocket = "NSFileTypeSocket";
+inline constexpr const char* NSFileTypeCharacterSpecial = "NSFileTypeCharacterSpecial";
+inline constexpr const char* NSFileTypeBlockSpecial = "NSFileTypeBlockSpecial";
+inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown"; ///< pipes
+
+/// Files and folders by path.
+///
+///     NSFileManager& files = NSFileManager::defaultManager();
+///     NSString reason;
+///     if (!files.removeItemAtPath_error(path, &reason)) ...
+///
+/// A path is taken as it stands: no "~" is expanded, a relative one is relative to the current folder. Nil,
+/// the empty path, U+0000 and unpaired surrogates that stand for no byte of a file name make every operation
+/// fail. Failures are false or nil, never exceptions; `errorText`, where there is one and it is given, then
+/// says what went wrong ("/a/b: Permission denied") and becomes nil on success.
+///
+/// Paths may be of any length. Any thread may call anything at any time; `errno` is kept. Between two calls
+/// other processes may change what is there.
+class ZQFOUNDATION_EXPORT NSFileManager {
+public:
+    /// The one object, never destroyed.
+    static NSFileManager& defaultManager() noexcept;
+
+    NSFileManager(const NSFileManager&) = delete;
+    NSFileManager& operator=(const NSFileManager&) = delete;
+
+    /// Links are followed: a dangling link does not exist.
+    bool fileExistsAtPath(StringView path) const;
+
+    /// `*isDirectory`, when given, is written only when the result is true.
+    bool fileExistsAtPath_isDirectory(StringView path, bool* isDirectory) const;
+
+    /// By the real user and group; links are followed; folders count too.
+    bool isReadableFileAtPath(StringView path) const;
+    bool isWritableFileAtPath(StringView path) const;
+
+    /// What the item itself is, a link not being followed; nil when there is none.
+    NSDictionary attributesOfItemAtPath_error(StringView path, NSString* errorText = nullptr) const;
+
+    /// The names in a folder without "." and "..", dot files included, in the order of the file system. Nil
+    /// for what is no folder or cannot be read.
+    NSArray contentsOfDirectoryAtPath_error(StringView path, NSString* errorText = nullptr) const;
+
+    /// Without intermediates: false when anything stands at the path. With them: also makes the missing
+    /// folders above, and true when a folder, or a link to one, stands there already; folders made before a
+    /// failure stay. Mode 0777 less the umask, then the attributes, for each folder that was made; attributes
+    /// that are unknown or cannot be applied are ignored.
+    bool createDirectoryAtPath_withIntermediateDirectories_attributes_error(StringView path,
+                                                                            bool withIntermediateDirectories,
+                                                                            const NSDictionary& attributes,
+                                                                            NSString* errorText = nullptr);
+
+    /// Writes a new file beside the path and renames it over what stands there: others see the old file or
+    /// the whole new one. A link at the path is replaced, not followed. An existing file's mode is kept, a
+    /// new one gets 0666 less the umask, then the attributes (permissions, modification date, owner) are
+    /// applied, failures ignored. Nil contents make an empty file. False for a folder at the path.
+    bool createFileAtPath_contents_attributes(StringView path, const NSData& contents,
+                                              const NSDictionary& attributes);
+
+    /// Removes a file, a link itself or a whole tree, in which links are not followed. False when nothing is
+    /// there or something could not be removed; what was removed until then is gone.
+    bool removeItemAtPath_error(StringView path, NSString* errorText = nullptr);
+
+    // NSFileManager(ZQFoundation)
+
+    /// What the path leads to, through links: a dangling link leads to neither.
+    bool isRegularFileAtPath(StringView path) const;
+    bool isDirectoryAtPath(StringView path) const;
+
+    /// `createDirectoryAtPath_withIntermediateDirectories_attributes_error` with `deepCreate` as its switch.
+    bool createDirectoryAtPath_attributes_deepCreate(StringView path, const NSDictionary& attributes,
+                                                     bool deepCreate);
+
+    /// Creates the file and, when asked for, first the missing folders above it, each with the folder
+    /// attributes. False, and nothing made, when something other than a folder stands where the parent
+    /// should.
+    bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+        StringView path, const NSData& contents, const NSDictionary& fileAttributes,
+        const NSDictionary& directoryAttributes, bool deepCreate);
+
+    /// Makes every missing folder of the standardized path, one after the other **from the root folder on**:
+    /// a relative path "a/b" is made as "/a/b". True for an empty path. Stops at the first failure; folders
+    /// made before it stay.
+    bool recursivelyCreateDirectoriesInPath(StringView path);
+
+private:
+    constexpr NSFileManager() noexcept = default;
+};
+
+} // namespace ZQFoundation
+
+#endif

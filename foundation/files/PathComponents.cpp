@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+// Paths as texts: nothing here looks at a file system.
+#include <string>
+#include <string_view>
+
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/TextBuilder.h"
+
+namespace ZQFoundation {
+
+using detail::NormalizedText;
+using detail::TextBuilder;
+
+namespace {
+
+/// Where the last component of a path stands, slashes behind it passed over. Empty for slashes alone.
+struct LastComponent {
+    std::size_t start;
+    std::size_t end;
+};
+
+LastComponent lastComponentOf(const NormalizedText& path) noexcept {
+    std::size_t end = path.length();
+    while (end > 0 && path[end - 1] == '/') {
+        --end;
+    }
+    std::size_t start = end;
+    while (start > 0 && path[start - 1] != '/') {
+        --start;
+    }
+    return {start, end};
+}
+
+/// The "." in front of the extension, or the component's end when it has none. Dots that a name begins with
+/// start no extension: without them "..zip" would become the name of a folder.
+std::size_t extensionDot(const NormalizedText& path, const LastComponent& last) noexcept {
+    std::size_t first = last.start;
+    while (first < last.end && path[first] == '.') {
+        ++first;
+    }
+    for (std::size_t index = last.end; index > first; --index) {
+        if (path[index - 1] == '.') {
+            return index - 1;
+        }
+    }
+    return last.end;
+}
+
+/// Appends the piece to what stands in the builder, each run of slashes as one.
+template <class Unit>
+void appendSqueezed(const Unit* units, std::size_t count, bool& afterSlash, TextBuilder& out) {
+    std::size_t start = 0;
+    while (start < count) {
+        if (units[start] == '/') {
+            if (!afterSlash) {
+                out.appendAscii('/');
+            }
+            afterSlash = true;
+            ++start;
+            continue;
+        }
+        const std::basic_string_view<Unit> rest(units + start, count - start);
+        const std::size_t slash = rest.find(static_cast<Unit>('/'));
+        const std::size_t length = slash == rest.npos ? rest.size() : slash;
+        if constexpr (sizeof(Unit) == 1) {
+            out.appendAscii(units + start, length);
+        } else {
+            out.appendUnits(units + start, length);
+        }
+        afterSlash = false;
+        start += length;
+    }
+}
+
+/// Builds a squeezed path from pieces, any of which may hold slashes.
+class SqueezedPath {
+public:
+    void append(const NormalizedText& text, std::size_t count) {
+        if (text.isAscii()) {
+            appendSqueezed(text.ascii(), count, afterSlash_, builder_);
+        } else {
+            appendSqueezed(text.units(), count, afterSlash_, builder_);
+        }
+    }
+    void append(const NormalizedText& text) { append(text, text.length()); }
+
+    /// A component of its own, unless it is empty.
+    void appendComponent(const NormalizedText& component) {
+        if (component.length() == 0) {
+            return;
+        }
+        if (builder_.length() != 0 && !afterSlash_) {
+            builder_.appendAscii('/');
+            afterSlash_ = true;
+        }
+        append(component);
+    }
+
+    NSString string() {
+        if (afterSlash_ && builder_.length() > 1) {
+            builder_.truncate(builder_.length() - 1);
+        }
+        return builder_.string();
+    }
+
+private:
+    TextBuilder builder_;
+    bool afterSlash_ = false;
+};
+
+} // namespace
+
+NSString NSString::lastPathComponent() const {
+    const NormalizedText path(view());
+    if (path.length() == 0) {
+        return *this;
+    }
+    const LastComponent last = lastComponentOf(path);
+    return last.end == 0 ? substringToIndex(1) : substringWithRange(last.start, last.end - last.start);
+}
+
+NSString NSString::stringByDeletingLastPathComponent() const {
+    const NormalizedText path(view());
+    if (path.length() == 0) {
+        return *this;
+    }
+    const LastComponent last = lastComponentOf(path);
+    if (last.end == 0) {
+        return substringToIndex(1);
+    }
+    SqueezedPath front;
+    front.append(path, last.start);
+    return front.string();
+}
+
+NSString NSString::stringByAppendingPathComponent(StringView component) const {
+    if (!*this) {
+        return {};
+    }
+    SqueezedPath path;
+    path.appendComponent(NormalizedText(view()));
+    path.appendComponent(NormalizedText(component));
+    return path.string();
+}
+
+NSArray NSString::pathComponents() const {
+    if (!*this) {
+        return {};
+    }
+    const NormalizedText path(view());
+    const std::size_t length = path.length();
+    NSMutableArray components;
+    if (length != 0 && path[0] == '/') {
+        components.addObject("/");
+    }
+    for (std::size_t start = 0; start < length;) {
+        std::size_t end = start;
+        while (end < length && path[end] != '/') {
+            ++end;
+        }
+        if (end != start) {
+            components.addObject(substringWithRange(start, end - start));
+        }
+        start = end + 1;
+    }
+    if (length > 1 && path[length - 1] == '/') {
+        components.addObject("/");
+    }
+    return components.array();
+}
+
+NSString NSString::pathWithComponents(const NSArray& components) {
+    SqueezedPath path;
+    for (const NSObject& component : components) {
+        const NSString text(component); // nil, so passed over, for what is no string
+        path.appendComponent(NormalizedText(text));
+    }
+    return path.string();
+}
+
+NSString NSString::pathExtension() const {
+    if (!*this) {
+        return {};
+    }
+    const NormalizedText path(view());
+    const LastComponent last = lastComponentOf(path);
+    const std::size_t dot = extensionDot(path, last);
+    return dot == last.end ? string() : substringWithRange(dot + 1, last.end - dot - 1);
+}
+
+NSString NSString::stringByDeletingPathExtension() const {
+    const NormalizedText path(view());
+    if (path.length() == 0) {
+        return *this;
+    }
+    const LastComponent last = lastComponentOf(path);
+    return last.end == 0 ? substringToIndex(1) : substringToIndex(extensionDot(path, last));
+}
+
+bool NSString::isAbsolutePath() const {
+    const StringView path = view();
+    if (path.size() == 0) {
+        return false;
+    }
+    const char16_t first = characterAtIndex(0);
+    return first == '/' || first == '~';
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/PathHandle.h"
+
+#include <climits>
+#include <cstring>
+
+#include "foundation/system/FileSystem.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// The system's limit counts the NUL at the end.
+constexpr std::size_t longestName = PATH_MAX - 1;
+
+} // namespace
+
+bool getPathBytes(StringView path, std::string& bytes) {
+    if (path.size() == 0) {
+        errno = ENOENT;
+        return false;
+    }
+    if (path.form() == StringView::Form::ascii) {
+        bytes.assign(path.bytes(), path.size());
+        if (bytes.find('\0') == std::string::npos) {
+            return true;
+        }
+    } else if (NSString(path).getFileSystemBytes(bytes)) {
+        return true;
+    }
+    errno = EINVAL;
+    return false;
+}
+
+bool PathHandle::openNextFolder(const std::string& path) noexcept {
+    const std::size_t slash = path.rfind('/', offset_ + longestName - 1);
+    if (slash == std::string::npos || slash < offset_) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    const std::size_t length = slash + 1 - offset_; // with the slash: the root folder is nothing else
+    char name[PATH_MAX];
+    std::memcpy(name, path.data() + offset_, length);
+    name[length] = '\0';
+    Descriptor next(openAt(folder_ ? folder_.number() : AT_FDCWD, name, system::openForSearch));
+    if (!next) {
+        return false;
+    }
+    folder_ = static_cast<Descriptor&&>(next);
+    offset_ = slash + 1;
+    while (offset_ < path.size() && path[offset_] == '/') {
+        ++offset_;
+    }
+    return true;
+}
+
+bool PathHandle::reach(const std::string& path) noexcept {
+    isDirect_ = path.size() <= longestName;
+    if (isDirect_) {
+        name_ = path.c_str();
+        return true;
+    }
+    while (path.size() - offset_ > longestName) {
+        if (!openNextFolder(path)) {
+            return false;
+        }
+    }
+    name_ = offset_ < path.size() ? path.c_str() + offset_ : ".";
+    return true;
+}
+
+void PathHandle::keepOnly(std::size_t byteCount) noexcept {
+    if (offset_ > byteCount) {
+        offset_ = 0;
+        folder_.reset();
+    }
+}
+
+} // namespace ZQFoundation::detail

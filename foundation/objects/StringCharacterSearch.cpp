@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// Members of character sets searched for in strings.
+#include "foundation/objects/Bodies.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/text/CharacterSetPages.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::CharacterMembership;
+
+namespace {
+
+constexpr NSRange nowhere{NSNotFound, 0};
+
+template <class Unit>
+NSRange rangeOfMember(const Unit* units, NSRange range, const CharacterMembership& members,
+                      unsigned options) {
+    const std::size_t end = range.location + range.length;
+    if ((options & NSAnchoredSearch) != 0) {
+        const std::size_t at = (options & NSBackwardsSearch) != 0 ? end - 1 : range.location;
+        return range.length != 0 && members.contains(units[at]) ? NSMakeRange(at, 1) : nowhere;
+    }
+    if ((options & NSBackwardsSearch) != 0) {
+        std::size_t at = end;
+        while (at > range.location && !members.contains(units[at - 1])) {
+            --at;
+        }
+        return at > range.location ? NSMakeRange(at - 1, 1) : nowhere;
+    }
+    std::size_t at = range.location;
+    while (at < end && !members.contains(units[at])) {
+        ++at;
+    }
+    return at < end ? NSMakeRange(at, 1) : nowhere;
+}
+
+} // namespace
+
+NSRange NSString::rangeOfCharacterFromSet(const NSCharacterSet& set) const {
+    return rangeOfCharacterFromSet_options(set, 0);
+}
+
+NSRange NSString::rangeOfCharacterFromSet_options(const NSCharacterSet& set, unsigned options) const {
+    return rangeOfCharacterFromSet_options_range(set, options, NSMakeRange(0, length()));
+}
+
+NSRange NSString::rangeOfCharacterFromSet_options_range(const NSCharacterSet& set, unsigned options,
+                                                        NSRange range) const {
+    if (!*this) {
+        return nowhere;
+    }
+    const detail::StringBody& body = *Access::string(*this);
+    if (range.location > body.length || range.length > body.length - range.location) {
+        NSException::raise_format(NSRangeException, "a search from %lu over %lu units in a string of %lu",
+                                  range.location, range.length, std::size_t{body.length});
+    }
+    const CharacterMembership members(set);
+    return body.isAscii ? rangeOfMember(body.ascii(), range, members, options)
+                        : rangeOfMember(body.units(), range, members, options);
+}
+
+NSString NSString::stringByTrimmingCharactersInSet(const NSCharacterSet& set) const {
+    const NSCharacterSet others = set ? set.invertedSet() : NSCharacterSet();
+    if (!*this || !others) {
+        return *this;
+    }
+    const NSRange first = rangeOfCharacterFromSet(others);
+    if (first.location == NSNotFound) {
+        return string();
+    }
+    const NSRange last = rangeOfCharacterFromSet_options(others, NSBackwardsSearch);
+    return substringWithRange(first.location, last.location + 1 - first.location);
+}
+
+} // namespace ZQFoundation

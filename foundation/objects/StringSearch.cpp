@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+// Texts searched for in strings.
+#include <vector>
+
+#include "foundation/objects/ComposedSequences.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/objects/UnitSearch.h"
+#include "foundation/text/CaseMapping.h"
+#include "foundation/text/Utf.h"
+
+namespace ZQFoundation {
+
+using detail::NormalizedText;
+using detail::UnitView;
+
+namespace {
+
+constexpr NSRange nowhere{NSNotFound, 0};
+
+struct SearchOptions {
+    explicit SearchOptions(unsigned options) noexcept
+        : ignoresCase((options & NSCaseInsensitiveSearch) != 0), isLiteral((options & NSLiteralSearch) != 0),
+          isBackwards((options & NSBackwardsSearch) != 0), isAnchored((options & NSAnchoredSearch) != 0) {}
+
+    bool ignoresCase;
+    bool isLiteral;
+    bool isBackwards;
+    bool isAnchored;
+};
+
+void raiseUnlessWithin(const NSRange& range, std::size_t length) {
+    if (range.location > length || range.length > length - range.location) {
+        NSException::raise_format(NSRangeException, "a search from %lu over %lu units in a string of %lu",
+                                  range.location, range.length, length);
+    }
+}
+
+// Unit by unit
+
+template <class Unit>
+NSRange rangeOfUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
+                     const SearchOptions& options) {
+    if (count > length) {
+        return nowhere;
+    }
+    std::size_t found = detail::unitNotFound;
+    if (options.isAnchored) {
+        const std::size_t at = options.isBackwards ? length - count : 0;
+        found = std::equal(wanted, wanted + count, text + at) ? at : found;
+    } else if (options.isBackwards) {
+        found = detail::findLastUnits(text, length, wanted, count);
+    } else {
+        found = detail::findUnits(text, length, wanted, count);
+    }
+    return found == detail::unitNotFound ? nowhere : NSMakeRange(found, count);
+}
+
+NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const NormalizedText& wanted,
+                          const SearchOptions& options) {
+    const std::size_t length = text.length() - start;
+    if (text.isAscii()) {
+        return wanted.isAscii()
+                   ? rangeOfUnits(text.ascii() + start, length, wanted.ascii(), wanted.length(), options)
+                   : nowhere;
+    }
+    if (!wanted.isAscii()) {
+        return rangeOfUnits(text.units() + start, length, wanted.units(), wanted.length(), options);
+    }
+    std::u16string widened(wanted.length(), u'\0');
+    detail::widenAscii(wanted.ascii(), wanted.length(), widened.data());
+    return rangeOfUnits(text.units() + start, length, widened.data(), widened.size(), options);
+}
+
+// By what texts mean
+
+/// One code point of a text as it is compared, and the stretch of the text that it comes from. A match begins
+/// with the first and ends with the last one of a stretch, so that it never cuts one.
+struct FoldedPoint {
+    char32_t codePoint;
+    bool isFirst;
+    bool isLast;
+    std::size_t start;
+    std::size_t end;
+};
+
+/// Walks a text stretch by stretch: composed sequences, decomposed, or for a literal search code points; with
+/// the case folded when it is ignored.
+class FoldedWalk {
+public:
+    FoldedWalk(const UnitView& text, std::size_t start, const SearchOptions& options) noexcept
+        : text_(text), index_(start), options_(options) {}
+
+    /// False at the end.
+    bool next(FoldedPoint& point) {
+        if (position_ == points_.size() && !readStretch()) {
+            return false;
+        }
+        point = {points_[position_], position_ == 0, position_ + 1 == points_.size(), start_, index_};
+        ++position_;
+        return true;
+    }
+
+private:
+    bool readStretch() {
+        if (index_ == text_.length()) {
+            return false;
+        }
+        points_.clear();
+        position_ = 0;
+        start_ = index_;
+        if (options_.isLiteral) {
+            append(detail::nextCodePoint(text_, index_));
+            return true;
+        }
+        index_ = detail::sequenceEnd(text_, start_);
+        if (index_ == start_ + 1 && text_[start_] < 0x80) {
+            append(text_[start_]);
+            return true;
+        }
+        detail::decompose(text_, start_, index_, sequence_);
+        for (const detail::ClassedCodePoint& entry : sequence_) {
+            append(entry.codePoint);
+        }
+        return true;
+    }
+
+    void append(char32_t codePoint) {
+        if (!options_.ignoresCase) {
+            points_.push_back(codePoint);
+            return;
+        }
+        char32_t folded[3];
+        const unsigned count = detail::foldCase(codePoint, folded);
+        points_.insert(points_.end(), folded, folded + count);
+    }
+
+    UnitView text_;
+    std::size_t index_;
+    SearchOptions options_;
+    std::size_t start_ = 0;
+    std::vector<char32_t> points_;
+    std::size_t position_ = 0;
+    std::vector<detail::ClassedCodePoint> sequence_;
+};
+
+std::vector<char32_t> foldedPoints(const NormalizedText& text, const SearchOptions& options) {
+    std::vector<char32_t> points;
+    FoldedWalk walk(text, 0, options);
+    FoldedPoint point;
+    while (walk.next(point)) {
+        points.push_back(point.codePoint);
+    }
+    return points;
+}
+
+/// Finds occurrences one after the other, overlapping ones too, without looking at any place twice.
+class FoldedSearch {
+public:
+    FoldedSearch(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
+                 const SearchOptions& options)
+        : walk_(text, start, options), wanted_(wanted),
+          lengths_(detail::fallbacks(wanted.data(), wanted.size())), recent_(wanted.size()) {}
+
+    bool next(NSRange& found) {
+        FoldedPoint point;
+        while (walk_.next(point)) {
+            recent_[count_++ % recent_.size()] = {point.start, point.isFirst};
+            if (accepts(point.codePoint) && point.isLast) {
+                const Start& first = recent_[count_ % recent_.size()];
+                if (first.isFirst) {
+                    found = NSMakeRange(first.start, point.end - first.start);
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+private:
+    struct Start {
+        std::size_t start;
+        bool isFirst;
+    };
+
+    /// Whether the points so far end with all that is wanted.
+    bool accepts(char32_t codePoint) noexcept {
+        if (matched_ == wanted_.size()) {
+            matched_ = lengths_[matched_];
+        }
+        while (matched_ > 0 && codePoint != wanted_[matched_]) {
+            matched_ = lengths_[matched_];
+        }
+        if (codePoint == wanted_[matched_]) {
+            ++matched_;
+        }
+        return matched_ == wanted_.size();
+    }
+
+    FoldedWalk walk_;
+    const std::vector<char32_t>& wanted_;
+    std::vector<std::size_t> lengths_;
+    std::vector<Start> recent_; ///< of the last points, as many as are wanted, in a ring
+    std::size_t count_ = 0;
+    std::size_t matched_ = 0;
+};
+
+/// The range of what is wanted if it stands right at `start`.
+NSRange rangeOfFoldedAt(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
+                        const SearchOptions& options) {
+    FoldedWalk walk(text, start, options);
+    FoldedPoint point{};
+    for (const char32_t codePoint : wanted) {
+        if (!walk.next(point) || point.codePoint != codePoint) {
+            return nowhere;
+        }
+    }
+    return point.isLast ? NSMakeRange(start, point.end - start) : nowhere;
+}
+
+NSRange rangeOfFolded(const UnitView& text, std::size_t start, const NormalizedText& wantedText,
+                      const SearchOptions& options) {
+    const std::vector<char32_t> wanted = foldedPoints(wantedText, options);
+    if (options.isAnchored && !options.isBackwards) {
+        return rangeOfFoldedAt(text, start, wanted, options);
+    }
+    FoldedSearch search(text, start, wanted, options);
+    NSRange last = nowhere;
+    for (NSRange found{}; search.next(found);) {
+        if (!options.isBackwards) {
+            return found;
+        }
+        last = found;
+    }
+    const bool misses =
+        options.isAnchored && last.location != NSNotFound && last.location + last.length != text.length();
+    return misses ? nowhere : last;
+}
+
+/// Whether units decide: when they do by the options, and between bytes, which have no marks and no
+/// equivalents.
+bool isDecidedByUnits(const UnitView& text, const NormalizedText& wanted, const SearchOptions& options) {
+    return !options.ignoresCase && (options.isLiteral || (text.isAscii() && wanted.isAscii()));
+}
+
+} // namespace
+
+NSRange NSString::rangeOfString(StringView text) const { return rangeOfString_options(text, 0); }
+
+NSRange NSString::rangeOfString_options(StringView text, unsigned options) const {
+    return rangeOfString_options_range(text, options, NSMakeRange(0, length()));
+}
+
+NSRange NSString::rangeOfString_options_range(StringView text, unsigned options, NSRange range) const {
+    if (!*this) {
+        return nowhere;
+    }
+    const UnitView whole(*detail::Access::string(*this));
+    raiseUnlessWithin(range, whole.length());
+    const NormalizedText wanted(text);
+    if (wanted.length() == 0) {
+        return nowhere;
+    }
+    const UnitView searched = whole.upTo(range.location + range.length);
+    const SearchOptions chosen(options);
+    if (!isDecidedByUnits(searched, wanted, chosen)) {
+        return rangeOfFolded(searched, range.location, wanted, chosen);
+    }
+    const NSRange found = rangeOfExactUnits(searched, range.location, wanted, chosen);
+    return found.location == NSNotFound ? found : NSMakeRange(range.location + found.location, found.length);
+}
+
+NSArray NSString::componentsSeparatedByString(StringView separator) const {
+    if (!*this) {
+        return nullptr;
+    }
+    NSMutableArray pieces;
+    std::size_t start = 0;
+    for (;;) {
+        const NSRange found = rangeOfString_options_range(separator, 0, NSMakeRange(start, length() - start));
+        if (found.location == NSNotFound) {
+            break;
+        }
+        pieces.addObject(substringWithRange(start, found.location - start));
+        start = found.location + found.length;
+    }
+    pieces.addObject(substringFromIndex(start));
+    return pieces.array();
+}
+
+} // namespace ZQFoundation

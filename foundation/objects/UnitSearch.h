@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_OBJECTS_UNITSEARCH_H
+#define ZQFOUNDATION_OBJECTS_UNITSEARCH_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+/// Searching unit by unit, in time linear in both texts whatever they hold.
+namespace ZQFoundation::detail {
+
+inline constexpr std::size_t unitNotFound = static_cast<std::size_t>(-1);
+
+/// How far a partial match may fall back when the next item does not fit: for each length the longest shorter
+/// one that ends alike. One entry more than items.
+template <class Item>
+std::vector<std::size_t> fallbacks(const Item* items, std::size_t count) {
+    std::vector<std::size_t> lengths(count + 1, 0);
+    std::size_t length = 0;
+    for (std::size_t i = 1; i < count; ++i) {
+        while (length > 0 && !(items[i] == items[length])) {
+            length = lengths[length];
+        }
+        if (items[i] == items[length]) {
+            ++length;
+        }
+        lengths[i + 1] = length;
+    }
+    return lengths;
+}
+
+/// The first occurrence without looking at any unit twice; for texts that begin to match too often.
+template <class Unit>
+std::size_t findByFallbacks(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count) {
+    const std::vector<std::size_t> lengths = fallbacks(wanted, count);
+    std::size_t matched = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        while (matched > 0 && text[i] != wanted[matched]) {
+            matched = lengths[matched];
+        }
+        if (text[i] == wanted[matched] && ++matched == count) {
+            return i + 1 - count;
+        }
+    }
+    return unitNotFound;
+}
+
+/// The first occurrence, or `unitNotFound`; `count` is at least 1.
+template <class Unit>
+std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count) {
+    std::size_t at = 0;
+    // So many units looked at in vain, for each one passed, until the other way pays.
+    constexpr std::size_t patience = 4;
+    std::size_t wasted = 0;
+    while (count <= length - at) {
+        const Unit* const first = std::char_traits<Unit>::find(text + at, length - at - count + 1, wanted[0]);
+        if (first == nullptr) {
+            return unitNotFound;
+        }
+        at = static_cast<std::size_t>(first - text);
+        std::size_t matched = 1;
+        while (matched < count && text[at + matched] == wanted[matched]) {
+            ++matched;
+        }
+        if (matched == count) {
+            return at;
+        }
+        wasted += matched;
+        ++at;
+        if (wasted > patience * at + 256) {
+            const std::size_t found = findByFallbacks(text + at, length - at, wanted, count);
+            return found == unitNotFound ? found : at + found;
+        }
+    }
+    return unitNotFound;
+}
+
+/// The last occurrence, or `unitNotFound`. Looks from the end backwards.
+template <class Unit>
+std::size_t findLastUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count) {
+    const std::basic_string<Unit> reversedWanted(std::make_reverse_iterator(wanted + count),
+                                                 std::make_reverse_iterator(wanted));
+    const std::vector<std::size_t> lengths = fallbacks(reversedWanted.data(), count);
+    std::size_t matched = 0;
+    for (std::size_t i = length; i > 0; --i) {
+        while (matched > 0 && text[i - 1] != reversedWanted[matched]) {
+            matched = lengths[matched];
+        }
+        if (text[i - 1] == reversedWanted[matched] && ++matched == count) {
+            return i - 1;
+        }
+    }
+    return unitNotFound;
+}
+
+} // namespace ZQFoundation::detail
+
+#endif

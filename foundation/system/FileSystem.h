@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_SYSTEM_FILESYSTEM_H
+#define ZQFOUNDATION_SYSTEM_FILESYSTEM_H
+
+#include <cstdint>
+#include <ctime>
+
+/// What the library needs of a system's file calls beyond POSIX.
+namespace ZQFoundation::detail::system {
+
+/// The flags that open a folder only to start from it: the permission to search it is enough, where the
+/// system has such a mode. Close-on-exec.
+extern const int openForSearch;
+
+/// When the item itself, a link not being followed, was made. False where nobody knows.
+bool getCreationTime(int folder, const char* name, timespec& time) noexcept;
+
+/// Whether the links of this folder stand for open objects rather than for paths (a pipe, a file that has no
+/// name any more), so that their text need not lead anywhere.
+bool holdsObjectLinks(int folder) noexcept;
+
+/// Unpredictable for others, another number at every call.
+std::uint64_t freshRandomNumber() noexcept;
+
+} // namespace ZQFoundation::detail::system
+
+#endif

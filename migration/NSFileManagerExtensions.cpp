@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include <sys/stat.h>
+
+#include "foundation/files/FileInformation.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/system/CallerState.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+/// The kind of the item itself behind the path's links; 0 when there is none. A link that is left in the
+/// resolved path, dangling or not to be followed, is a link.
+mode_t kindOfItem(StringView path) {
+    const detail::CallerState caller;
+    struct stat information;
+    const NSString resolved = NSString(path).stringByResolvingSymlinksInPath();
+    return detail::getItemInformation(resolved, information) ? information.st_mode & S_IFMT : 0;
+}
+
+NSString parentOf(StringView path) {
+    NSMutableArray components(NSString(path).pathComponents());
+    if (components.count() != 0) {
+        components.removeLastObject();
+    }
+    return NSString::pathWithComponents(components.array());
+}
+
+/// Whether a folder stands at the path at the end.
+bool ensureFolder(NSFileManager& files, const NSString& path, const NSDictionary& attributes) {
+    bool isFolder = false;
+    if (files.fileExistsAtPath_isDirectory(path, &isFolder)) {
+        return isFolder;
+    }
+    return files.createDirectoryAtPath_withIntermediateDirectories_attributes_error(path, true, attributes);
+}
+
+} // namespace
+
+bool NSFileManager::isRegularFileAtPath(StringView path) const { return S_ISREG(kindOfItem(path)); }
+
+bool NSFileManager::isDirectoryAtPath(StringView path) const { return S_ISDIR(kindOfItem(path)); }
+
+bool NSFileManager::createDirectoryAtPath_attributes_deepCreate(StringView path,
+                                                                const NSDictionary& attributes,
+                                                                bool deepCreate) {
+    return createDirectoryAtPath_withIntermediateDirectories_attributes_error(path, deepCreate, attributes);
+}
+
+bool NSFileManager::createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+    StringView path, const NSData& contents, const NSDictionary& fileAttributes,
+    const NSDictionary& directoryAttributes, bool deepCreate) {
+    if (deepCreate && !ensureFolder(*this, parentOf(path), directoryAttributes)) {
+        return false;
+    }
+    return createFileAtPath_contents_attributes(path, contents, fileAttributes);
+}
+
+bool NSFileManager::recursivelyCreateDirectoriesInPath(StringView path) {
+    NSString running("/");
+    for (const NSObject& component : NSString(path).stringByStandardizingPath().pathComponents()) {
+        running = running.stringByAppendingPathComponent(component.as<NSString>());
+        if (!ensureFolder(*this, running, nullptr)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace ZQFoundation

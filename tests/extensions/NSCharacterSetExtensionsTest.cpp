@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/objects/Bodies.h"
+#include "foundation/text/NSCharacterSet.h"
+#include "tests/objects/CountingAllocator.h"
+
+namespace {
+
+using namespace ZQFoundation;
+
+TEST(NSCharacterSetExtensions, haveASetWithoutMembers) {
+    const NSCharacterSet set = NSCharacterSet::emptyCharacterSet();
+    ASSERT_TRUE(set);
+    for (char32_t codePoint = 0; codePoint < 0x110000; ++codePoint) {
+        ASSERT_FALSE(set.longCharacterIsMember(codePoint));
+    }
+    EXPECT_EQ(set, NSCharacterSet::characterSetWithCharactersInString(""));
+}
+
+TEST(NSCharacterSetExtensions, haveASetOfTheNullCharacterAlone) {
+    const NSCharacterSet set = NSCharacterSet::nullByteCharacterSet();
+    EXPECT_TRUE(set.characterIsMember(0));
+    for (char32_t codePoint = 1; codePoint < 0x110000; ++codePoint) {
+        ASSERT_FALSE(set.longCharacterIsMember(codePoint));
+    }
+}
+
+TEST(NSCharacterSetExtensions, uniteWhiteSpaceAndControlCharacters) {
+    const NSCharacterSet set = NSCharacterSet::whitespaceAndControlCharacterSet();
+    const NSCharacterSet whitespace = NSCharacterSet::whitespaceCharacterSet();
+    const NSCharacterSet controls = NSCharacterSet::controlCharacterSet();
+    for (char32_t codePoint = 0; codePoint < 0x110000; ++codePoint) {
+        const bool expected =
+            whitespace.longCharacterIsMember(codePoint) || controls.longCharacterIsMember(codePoint);
+        ASSERT_EQ(set.longCharacterIsMember(codePoint), expected) << std::hex << +codePoint;
+    }
+}
+
+TEST(NSCharacterSetExtensions, countZeroWidthSpaceAndNewlinesAsControlsAndNoBreakSpaceAsWhiteSpace) {
+    const NSCharacterSet set = NSCharacterSet::whitespaceAndControlCharacterSet();
+    for (const char16_t member : {u'\0', u'\t', u'\n', u'\r', u'\u001C', u' ', u'\u0085', u'\u00A0',
+                                  u'\u00AD', u'\u200B', u'\u2003', u'\u3000', u'\uFEFF'}) {
+        EXPECT_TRUE(set.characterIsMember(member)) << std::hex << +member;
+    }
+    // The line separators are neither white space within a line nor controls.
+    for (const char16_t other : {u'a', u'_', u'\u2028', u'\u2029', static_cast<char16_t>(0xD800)}) {
+        EXPECT_FALSE(set.characterIsMember(other)) << std::hex << +other;
+    }
+}
+
+TEST(NSCharacterSetExtensions, areMadeOnceForAllThreads) {
+    for (const auto set : {NSCharacterSet::emptyCharacterSet, NSCharacterSet::nullByteCharacterSet,
+                           NSCharacterSet::whitespaceAndControlCharacterSet}) {
+        const void* bodies[4] = {};
+        std::vector<std::thread> threads;
+        for (const void*& body : bodies) {
+            threads.emplace_back([&body, set] { body = detail::Access::body(set()); });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        const std::size_t before = AllocationCount::now();
+        const NSCharacterSet again = set();
+        EXPECT_EQ(AllocationCount::now(), before);
+        for (const void* body : bodies) {
+            EXPECT_EQ(body, detail::Access::body(again));
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: MIT
+#include <string>
+
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include "foundation/files/FileError.h"
+#include "foundation/files/FileInformation.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSNumber.h"
+#include "tests/files/FileScene.h"
+
+using namespace ZQFoundation;
+using scene::shownText;
+
+namespace {
+
+NSDictionary attributesOf(const std::string& path) {
+    return NSFileManager::defaultManager().attributesOfItemAtPath_error(scene::fromBytes(path));
+}
+
+std::string typeOf(const std::string& path) {
+    return shownText(NSString(attributesOf(path).objectForKey(NSFileType)));
+}
+
+std::int64_t numberOf(const std::string& path, const char* key) {
+    return NSNumber(attributesOf(path).objectForKey(key)).integerValue();
+}
+
+class FileAttributes : public testing::Test {
+protected:
+    std::string in(const std::string& name) const { return folder / name; }
+    scene::Folder folder;
+};
+
+TEST_F(FileAttributes, tellTheKindOfTheItemItself) {
+    folder.write("f", "");
+    folder.makeFolder("d");
+    ASSERT_EQ(::symlink("f", in("l").c_str()), 0);
+    ASSERT_EQ(::symlink("no such", in("dangling").c_str()), 0);
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(in("s").size(), sizeof address.sun_path);
+    in("s").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ::close(socket);
+    EXPECT_EQ(typeOf(in("f")), NSFileTypeRegular);
+    EXPECT_EQ(typeOf(in("d")), NSFileTypeDirectory);
+    EXPECT_EQ(typeOf(in("l")), NSFileTypeSymbolicLink);
+    EXPECT_EQ(typeOf(in("dangling")), NSFileTypeSymbolicLink);
+    EXPECT_EQ(typeOf(in("pipe")), NSFileTypeUnknown);
+    EXPECT_EQ(typeOf(in("s")), NSFileTypeSocket);
+    EXPECT_EQ(typeOf("/dev/null"), NSFileTypeCharacterSpecial);
+}
+
+TEST_F(FileAttributes, areTheSystemsOwnNumbers) {
+    folder.write("f", std::string(12345, 'x'));
+    ::chmod(in("f").c_str(), 06751);
+    ASSERT_EQ(::link(in("f").c_str(), in("second").c_str()), 0);
+    struct stat information;
+    ASSERT_EQ(::stat(in("f").c_str(), &information), 0);
+    const std::string path = in("f");
+    EXPECT_EQ(numberOf(path, NSFileSize), 12345);
+    EXPECT_EQ(numberOf(path, NSFilePosixPermissions), 06751);
+    EXPECT_EQ(numberOf(path, NSFileReferenceCount), 2);
+    EXPECT_EQ(numberOf(path, NSFileOwnerAccountID), static_cast<std::int64_t>(::geteuid()));
+    EXPECT_EQ(numberOf(path, NSFileGroupOwnerAccountID), static_cast<std::int64_t>(information.st_gid));
+    EXPECT_EQ(numberOf(path, NSFileSystemNumber), static_cast<std::int64_t>(information.st_dev));
+    EXPECT_EQ(numberOf(path, NSFileSystemFileNumber), static_cast<std::int64_t>(information.st_ino));
+}
+
+TEST_F(FileAttributes, nameTheAccounts) {
+    folder.write("f", "");
+    struct stat information;
+    ASSERT_EQ(::stat(in("f").c_str(), &information), 0);
+    const passwd* const user = ::getpwuid(information.st_uid);
+    const group* const groupRecord = ::getgrgid(information.st_gid);
+    const std::string userName = user != nullptr ? user->pw_name : "(nil)";
+    const std::string groupName = groupRecord != nullptr ? groupRecord->gr_name : "(nil)";
+    for (int time = 0; time < 2; ++time) {
+        const NSDictionary attributes = attributesOf(in("f"));
+        EXPECT_EQ(shownText(NSString(attributes.objectForKey(NSFileOwnerAccountName))), userName);
+        EXPECT_EQ(shownText(NSString(attributes.objectForKey(NSFileGroupOwnerAccountName))), groupName);
+    }
+}
+
+TEST_F(FileAttributes, anUnknownAccountHasNoName) {
+    if (!scene::isRoot()) {
+        GTEST_SKIP() << "only root can give files to another user";
+    }
+    folder.write("f", "");
+    ASSERT_EQ(::chown(in("f").c_str(), 54321, 54322), 0);
+    const NSDictionary attributes = attributesOf(in("f"));
+    EXPECT_FALSE(attributes.objectForKey(NSFileOwnerAccountName));
+    EXPECT_FALSE(attributes.objectForKey(NSFileGroupOwnerAccountName));
+    EXPECT_EQ(NSNumber(attributes.objectForKey(NSFileOwnerAccountID)).integerValue(), 54321);
+    EXPECT_EQ(shownText(NSString(attributesOf("/").objectForKey(NSFileOwnerAccountName))), "root");
+}
+
+TEST_F(FileAttributes, datesKeepWhatADoubleHolds) {
+    folder.write("f", "");
+    const struct {
+        timespec time;
+        double instant;
+    } rows[] = {
+        {{978307200, 0}, 0},
+        {{978307200, 250'000'000}, 0.25},
+        {{978307201, 1}, 1.000000001},
+        {{978307199, 999'999'999}, -1e-9},
+        {{0, 500'000'000}, -978307199.5},
+        {{1'709'647'629, 42'000'001}, 731340429.042000001},
+    };
+    for (const auto& row : rows) {
+        const timespec times[2] = {row.time, row.time};
+        ASSERT_EQ(::utimensat(AT_FDCWD, in("f").c_str(), times, 0), 0);
+        const NSDate date(attributesOf(in("f")).objectForKey(NSFileModificationDate));
+        ASSERT_TRUE(date);
+        EXPECT_NEAR(date.timeIntervalSinceReferenceDate(), row.instant,
+                    1e-15 + 1e-16 * std::abs(row.instant));
+    }
+}
+
+TEST_F(FileAttributes, tellWhenTheItemWasMade) {
+    const NSDate before = NSDate::date();
+    folder.write("f", "");
+    const timespec old[2] = {{1, 0}, {1, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, in("f").c_str(), old, 0), 0);
+    const NSDate made(attributesOf(in("f")).objectForKey(NSFileCreationDate));
+    ASSERT_TRUE(made) << "this file system keeps no such date";
+    EXPECT_NEAR(made.timeIntervalSinceDate(before), 0, 30);
+}
+
+TEST_F(FileAttributes, areNilWithAReasonWhenThereIsNothing) {
+    NSString reason("before");
+    folder.write("f", "");
+    NSFileManager& files = NSFileManager::defaultManager();
+    EXPECT_TRUE(files.attributesOfItemAtPath_error(in("f"), &reason));
+    EXPECT_FALSE(reason) << "nil on success";
+    EXPECT_FALSE(files.attributesOfItemAtPath_error(in("no such"), &reason));
+    EXPECT_EQ(shownText(reason), in("no such") + ": No such file or directory");
+    EXPECT_FALSE(files.attributesOfItemAtPath_error(in("f/"), &reason));
+    EXPECT_EQ(shownText(reason), in("f/") + ": Not a directory");
+    EXPECT_FALSE(files.attributesOfItemAtPath_error("", &reason));
+    EXPECT_EQ(shownText(reason), ": No such file or directory");
+    EXPECT_FALSE(files.attributesOfItemAtPath_error(nullptr, &reason));
+    EXPECT_TRUE(reason);
+    const std::u16string zero(u"/\0", 2);
+    EXPECT_FALSE(files.attributesOfItemAtPath_error(zero, &reason));
+    EXPECT_FALSE(files.attributesOfItemAtPath_error(in("no such")));
+}
+
+TEST_F(FileAttributes, pathsMayBeLongerThanTheSystemTakes) {
+    const std::string name(200, 'n');
+    const std::string deep = scene::makeChain(folder.path(), name, 50);
+    EXPECT_EQ(typeOf(deep), NSFileTypeDirectory);
+    EXPECT_TRUE(attributesOf(deep).objectForKey(NSFileModificationDate));
+    scene::removeChain(folder.path(), name, 50);
+}
+
+TEST_F(FileAttributes, theModificationDateIsThatOfTheInformation) {
+    folder.write("f", "");
+    struct stat information;
+    ASSERT_TRUE(detail::getItemInformation(in("f"), information));
+    const NSDate date(attributesOf(in("f")).objectForKey(NSFileModificationDate));
+    EXPECT_TRUE(date.isEqualToDate(detail::modificationDateOf(information)));
+}
+
+TEST(FileError, reasonsNeedNoLocale) {
+    NSString text;
+    detail::tellError(&text, "/a", EACCES);
+    EXPECT_EQ(shownText(text), "/a: Permission denied");
+    detail::tellErrorOfBytes(&text, "/\xFF", ENOTEMPTY);
+    EXPECT_EQ(scene::bytesOf(text), "/\xFF: Directory not empty");
+    detail::tellError(&text, "/a", 99999);
+    EXPECT_EQ(shownText(text), "/a: Error 99999");
+    detail::tellError(nullptr, "/a", EACCES);
+}
+
+} // namespace

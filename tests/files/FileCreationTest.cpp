@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+#include <atomic>
+#include <csignal>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "foundation/files/FileInformation.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSDate.h"
+#include "tests/files/FileScene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+NSData dataOf(const std::string& bytes) { return NSData::dataWithBytes_length(bytes.data(), bytes.size()); }
+
+bool create(const std::string& path, const NSData& contents, const NSDictionary& attributes = nullptr) {
+    return NSFileManager::defaultManager().createFileAtPath_contents_attributes(scene::fromBytes(path),
+                                                                                contents, attributes);
+}
+
+std::size_t namesIn(const std::string& path) {
+    return NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(path).count();
+}
+
+class FileCreation : public testing::Test {
+protected:
+    void link(const std::string& target, const std::string& name) {
+        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0);
+    }
+    std::string in(const std::string& name) const { return folder / name; }
+    scene::Folder folder;
+};
+
+TEST_F(FileCreation, writesTheContents) {
+    const std::string all = std::string("\0a\xFF", 3) + std::string(3'000'000, 'x');
+    EXPECT_TRUE(create(in("f"), dataOf(all)));
+    EXPECT_EQ(scene::contentsOf(in("f")), all);
+    EXPECT_TRUE(create(in("f"), dataOf("short")));
+    EXPECT_EQ(scene::contentsOf(in("f")), "short");
+    EXPECT_EQ(namesIn(folder.path()), 1u) << "nothing is left beside it";
+}
+
+TEST_F(FileCreation, nilContentsMakeAnEmptyFile) {
+    EXPECT_TRUE(create(in("nil"), nullptr));
+    EXPECT_TRUE(create(in("empty"), NSData::data()));
+    EXPECT_TRUE(scene::stands(in("nil")) && scene::stands(in("empty")));
+    EXPECT_EQ(scene::contentsOf(in("nil")) + scene::contentsOf(in("empty")), "");
+    folder.write("f", "old");
+    EXPECT_TRUE(create(in("f"), nullptr));
+    EXPECT_EQ(scene::contentsOf(in("f")), "");
+}
+
+TEST_F(FileCreation, aNewFileHasTheOrdinaryMode) {
+    const scene::Umask umask(026);
+    EXPECT_TRUE(create(in("f"), nullptr));
+    EXPECT_EQ(scene::modeOf(in("f")), 0640u);
+}
+
+TEST_F(FileCreation, anExistingFilesModeIsKept) {
+    const scene::Umask umask(022);
+    for (const mode_t mode : {0600u, 0666u, 0444u, 0u, 0751u, 04755u, 02710u, 01644u}) {
+        folder.write("f", "old");
+        ASSERT_EQ(::chmod(in("f").c_str(), mode), 0);
+        EXPECT_TRUE(create(in("f"), dataOf("new")));
+        EXPECT_EQ(scene::modeOf(in("f")), mode) << std::oct << mode;
+        EXPECT_EQ(::unlink(in("f").c_str()), 0);
+    }
+}
+
+TEST_F(FileCreation, theRightToRunAsAnOwnerIsNotPassedOnToAnother) {
+    if (!scene::isRoot()) {
+        GTEST_SKIP() << "only root can give files to another user";
+    }
+    folder.write("f", "");
+    ASSERT_EQ(::chown(in("f").c_str(), 54321, 54321), 0);
+    ASSERT_EQ(::chmod(in("f").c_str(), 06755), 0);
+    EXPECT_TRUE(create(in("f"), nullptr));
+    EXPECT_EQ(scene::modeOf(in("f")), 0755u);
+}
+
+TEST_F(FileCreation, anOpenDescriptorKeepsTheOldFile) {
+    folder.write("f", "old");
+    const int file = ::open(in("f").c_str(), O_RDONLY | O_CLOEXEC);
+    EXPECT_TRUE(create(in("f"), dataOf("new")));
+    char bytes[4] = "";
+    EXPECT_EQ(::read(file, bytes, 3), 3);
+    EXPECT_STREQ(bytes, "old");
+    ::close(file);
+}
+
+TEST_F(FileCreation, aLinkIsReplacedNotFollowed) {
+    folder.write("target", "kept");
+    ASSERT_EQ(::chmod(in("target").c_str(), 0600), 0);
+    link("target", "l");
+    link("no such", "dangling");
+    const scene::Umask umask(022);
+    EXPECT_TRUE(create(in("l"), dataOf("new")));
+    EXPECT_TRUE(create(in("dangling"), dataOf("new")));
+    EXPECT_EQ(scene::contentsOf(in("target")), "kept");
+    EXPECT_EQ(scene::contentsOf(in("l")), "new");
+    EXPECT_EQ(scene::modeOf(in("l")), 0644u);
+    EXPECT_FALSE(scene::stands(in("no such")));
+}
+
+TEST_F(FileCreation, aPipeIsReplaced) {
+    ASSERT_EQ(::mkfifo(in("p").c_str(), 0600), 0);
+    EXPECT_TRUE(create(in("p"), dataOf("new")));
+    EXPECT_EQ(scene::contentsOf(in("p")), "new");
+}
+
+TEST_F(FileCreation, foldersAndWhatHasNoPlaceFail) {
+    folder.makeFolder("d");
+    folder.write("f", "kept");
+    link("d", "to-d");
+    const std::string names[] = {"d", "d/", "d/.", "d/..", "no such/f", "f/", "f/x", std::string(300, 'n')};
+    for (const std::string& name : names) {
+        EXPECT_FALSE(create(in(name), dataOf("new"))) << name;
+    }
+    EXPECT_FALSE(create("", nullptr));
+    EXPECT_FALSE(create("/", nullptr));
+    EXPECT_FALSE(
+        NSFileManager::defaultManager().createFileAtPath_contents_attributes(nullptr, nullptr, nullptr));
+    EXPECT_EQ(namesIn(in("d")), 0u);
+    EXPECT_EQ(namesIn(folder.path()), 3u);
+    EXPECT_EQ(scene::contentsOf(in("f")), "kept");
+    EXPECT_TRUE(create(in("to-d/f"), nullptr)) << "a link on the way is followed";
+}
+
+TEST_F(FileCreation, attributesAreApplied) {
+    const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(-1234.25);
+    const NSDictionary attributes{{NSFilePosixPermissions, 0462},
+                                  {NSFileModificationDate, date},
+                                  {NSFileOwnerAccountID, 54321},
+                                  {NSFileGroupOwnerAccountID, 54322},
+                                  {NSFileSize, 7}};
+    folder.write("old", "");
+    for (const char* const name : {"new", "old"}) {
+        EXPECT_TRUE(create(in(name), dataOf("x"), attributes)) << "what is not permitted is passed over";
+        struct stat information;
+        ASSERT_TRUE(detail::getItemInformation(in(name), information));
+        EXPECT_EQ(information.st_mode & 07777, 0462u);
+        EXPECT_TRUE(detail::modificationDateOf(information).isEqualToDate(date));
+        EXPECT_EQ(information.st_uid, scene::isRoot() ? 54321u : ::geteuid());
+        EXPECT_EQ(information.st_gid == 54322u, scene::isRoot());
+        EXPECT_EQ(information.st_size, 1);
+    }
+}
+
+TEST_F(FileCreation, valuesOfAWrongKindAreIgnored) {
+    const scene::Umask umask(022);
+    const NSDictionary attributes{
+        {NSFilePosixPermissions, "x"}, {NSFileModificationDate, 5}, {NSFileOwnerAccountID, NSArray::array()}};
+    EXPECT_TRUE(create(in("f"), nullptr, attributes));
+    EXPECT_EQ(scene::modeOf(in("f")), 0644u);
+    for (const double odd : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(odd);
+        EXPECT_TRUE(create(in("f"), nullptr, NSDictionary{{NSFileModificationDate, date}}));
+    }
+}
+
+TEST_F(FileCreation, neverMoreReadableThanTheFileWillBe) {
+    folder.write("f", "");
+    ASSERT_EQ(::chmod(in("f").c_str(), 0600), 0);
+    std::atomic<bool> done = false;
+    std::thread watcher([&] {
+        while (!done) {
+            for (const NSObject& name :
+                 NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(folder.path())) {
+                struct stat information;
+                if (detail::getItemInformation(in(scene::bytesOf(name.as<NSString>())), information)) {
+                    EXPECT_EQ(information.st_mode & 0077, 0u);
+                }
+            }
+        }
+    });
+    const NSDictionary secret{{NSFilePosixPermissions, 0600}};
+    for (int round = 0; round < 500; ++round) {
+        EXPECT_TRUE(create(in("f"), dataOf("x")));
+        EXPECT_TRUE(create(in("g"), dataOf("x"), secret));
+        ::unlink(in("g").c_str());
+    }
+    done = true;
+    watcher.join();
+}
+
+TEST_F(FileCreation, othersSeeTheOldFileOrTheWholeNewOne) {
+    const std::string one(100'000, '1');
+    const std::string two(200'000, '2');
+    ASSERT_TRUE(create(in("f"), dataOf(one)));
+    std::atomic<bool> done = false;
+    std::thread reader([&] {
+        while (!done) {
+            const std::string seen = scene::contentsOf(in("f"));
+            EXPECT_TRUE(seen == one || seen == two) << seen.size();
+        }
+    });
+    for (int round = 0; round < 100; ++round) {
+        EXPECT_TRUE(create(in("f"), dataOf(round % 2 == 0 ? two : one)));
+    }
+    done = true;
+    reader.join();
+}
+
+TEST_F(FileCreation, aFailedWriteLeavesTheOldFileAndNothingBesideIt) {
+    folder.write("f", "old");
+    ::chmod(folder.path().c_str(), 0777);
+    ::chmod(in("f").c_str(), 0666);
+    const int answer = scene::inUnprivilegedChild([this] {
+        struct sigaction action {};
+        action.sa_handler = [](int) {
+            scene::leave(50);
+        };
+        ::sigaction(SIGXFSZ, &action, nullptr);
+        const rlimit limit{1000, 1000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        if (create(in("f"), dataOf(std::string(5000, 'x')))) {
+            return 1;
+        }
+        return scene::contentsOf(in("f")) == "old" && namesIn(folder.path()) == 1 ? 0 : 2;
+    });
+    EXPECT_EQ(answer, 0);
+}
+
+TEST_F(FileCreation, theFolderMustBeWritable) {
+    folder.makeFolder("d");
+    folder.write("d/f", "old");
+    ::chmod(in("d/f").c_str(), 0666);
+    ::chmod(in("d").c_str(), 0555);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] { return create(in("d/f"), nullptr) ? 1 : 0; }), 0);
+    EXPECT_EQ(scene::contentsOf(in("d/f")), "old");
+}
+
+TEST_F(FileCreation, aFolderThatMayNotBeReadIsNoHindrance) {
+    folder.makeFolder("d");
+    ::chmod(in("d").c_str(), 0333);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] { return create(in("d/f"), dataOf("x")) ? 0 : 1; }), 0);
+    EXPECT_TRUE(scene::stands(in("d/f")));
+}
+
+TEST_F(FileCreation, namesOfAnyBytesAndOfFullLengthAreMade) {
+    EXPECT_TRUE(create(in("\xFF\xC3\x28"), dataOf("x")));
+    EXPECT_EQ(scene::contentsOf(in("\xFF\xC3\x28")), "x");
+    EXPECT_TRUE(create(in(std::string(255, 'n')), dataOf("x")));
+    const scene::CurrentFolder current(folder.path());
+    EXPECT_TRUE(create("relative", dataOf("x")));
+    EXPECT_EQ(scene::contentsOf(in("relative")), "x");
+}
+
+TEST_F(FileCreation, pathsMayBeLongerThanTheSystemTakes) {
+    const std::string name(200, 'n');
+    const std::string deep = scene::makeChain(folder.path(), name, 50);
+    EXPECT_TRUE(create(deep + "/f", dataOf("x")));
+    EXPECT_TRUE(NSFileManager::defaultManager().fileExistsAtPath(deep + "/f"));
+    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in(name)));
+}
+
+TEST_F(FileCreation, keepsTheErrorNumberAndEveryDescriptor) {
+    const int before = scene::openDescriptors();
+    errno = 4711;
+    create(in("f"), dataOf("x"));
+    create(in("no such/f"), dataOf("x"));
+    EXPECT_EQ(errno, 4711);
+    EXPECT_EQ(scene::openDescriptors(), before);
+}
+
+} // namespace

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "foundation/files/FileInformation.h"
+#include "foundation/objects/NSDate.h"
+#include "tests/files/FileScene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+bool make(const std::string& path, bool withIntermediates, const NSDictionary& attributes = nullptr,
+          NSString* reason = nullptr) {
+    return NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
+        scene::fromBytes(path), withIntermediates, attributes, reason);
+}
+
+bool isFolder(const std::string& path) {
+    struct stat information;
+    return ::lstat(path.c_str(), &information) == 0 && S_ISDIR(information.st_mode);
+}
+
+class FolderCreation : public testing::Test {
+protected:
+    FolderCreation() { folder.write("f", "kept"); }
+    void link(const std::string& target, const std::string& name) {
+        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0);
+    }
+    std::string in(const std::string& name) const { return folder / name; }
+    scene::Folder folder;
+};
+
+TEST_F(FolderCreation, withoutIntermediatesMakesOneNewFolder) {
+    const scene::Umask umask(027);
+    EXPECT_TRUE(make(in("d"), false));
+    EXPECT_EQ(scene::modeOf(in("d")), 0750u);
+    EXPECT_TRUE(make(in("d/slash/"), false));
+    EXPECT_TRUE(isFolder(in("d/slash")));
+    NSString reason;
+    EXPECT_FALSE(make(in("d"), false, nullptr, &reason));
+    EXPECT_EQ(scene::shownText(reason), in("d") + ": File exists");
+    EXPECT_FALSE(make(in("f"), false));
+    EXPECT_FALSE(make(in("no such/d"), false, nullptr, &reason));
+    EXPECT_EQ(scene::shownText(reason), in("no such/d") + ": No such file or directory");
+    EXPECT_FALSE(scene::stands(in("no such")));
+    EXPECT_TRUE(make(in("other"), false, nullptr, &reason));
+    EXPECT_FALSE(reason);
+}
+
+TEST_F(FolderCreation, withIntermediatesMakesWhatIsMissing) {
+    const scene::Umask umask(027);
+    EXPECT_TRUE(make(in("a/b//c/"), true));
+    for (const char* const name : {"a", "a/b", "a/b/c"}) {
+        EXPECT_EQ(scene::modeOf(in(name)), 0750u) << name;
+    }
+    EXPECT_TRUE(make(in("a/b/c"), true)) << "it stands already";
+    EXPECT_TRUE(make(in("a/./x/../y"), true));
+    EXPECT_TRUE(isFolder(in("a/y")));
+    EXPECT_TRUE(make("/", true));
+}
+
+TEST_F(FolderCreation, aLinkToAFolderIsAsGoodAsOne) {
+    folder.makeFolder("d");
+    link("d", "l");
+    link("no such", "dangling");
+    EXPECT_TRUE(make(in("l"), true));
+    EXPECT_FALSE(make(in("l"), false));
+    EXPECT_TRUE(make(in("l/x/y"), true));
+    EXPECT_TRUE(isFolder(in("d/x/y")));
+    EXPECT_FALSE(make(in("dangling"), true));
+    EXPECT_FALSE(make(in("dangling/x"), true));
+    EXPECT_FALSE(scene::stands(in("no such")));
+}
+
+TEST_F(FolderCreation, aFileOnTheWayIsAFailureAndUntouched) {
+    link("f", "to-f");
+    for (const char* const name : {"f", "f/x", "f/x/y", "to-f", "to-f/x"}) {
+        EXPECT_FALSE(make(in(name), true)) << name;
+    }
+    EXPECT_EQ(scene::contentsOf(in("f")), "kept");
+}
+
+TEST_F(FolderCreation, whatWasMadeBeforeAFailureStays) {
+    EXPECT_FALSE(make(in("a/b/") + std::string(300, 'n') + "/c", true));
+    EXPECT_TRUE(isFolder(in("a/b")));
+}
+
+TEST_F(FolderCreation, pathsWithoutAFormFail) {
+    NSString reason;
+    EXPECT_FALSE(make("", true, nullptr, &reason));
+    EXPECT_TRUE(reason);
+    NSFileManager& files = NSFileManager::defaultManager();
+    EXPECT_FALSE(files.createDirectoryAtPath_attributes_deepCreate(nullptr, nullptr, true));
+    const std::u16string zero(u"/tmp/\0", 6);
+    EXPECT_FALSE(files.createDirectoryAtPath_attributes_deepCreate(zero, nullptr, true));
+}
+
+TEST_F(FolderCreation, attributesAreGivenToEachFolderThatWasMade) {
+    folder.makeFolder("old");
+    ::chmod(in("old").c_str(), 0755);
+    const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(1000.5);
+    const NSDictionary attributes{{NSFilePosixPermissions, 0501},
+                                  {NSFileModificationDate, date},
+                                  {"unknown", 1},
+                                  {NSFileOwnerAccountID, "no number"}};
+    EXPECT_TRUE(make(in("old/a/b"), true, attributes));
+    EXPECT_EQ(scene::modeOf(in("old")), 0755u);
+    for (const char* const name : {"old/a", "old/a/b"}) {
+        EXPECT_EQ(scene::modeOf(in(name)), 0501u) << name;
+        struct stat information;
+        ASSERT_TRUE(detail::getItemInformation(in(name), information));
+        EXPECT_TRUE(detail::modificationDateOf(information).isEqualToDate(date)) << name;
+    }
+    EXPECT_TRUE(make(in("old"), true, attributes));
+    EXPECT_EQ(scene::modeOf(in("old")), 0755u) << "it stood already";
+    EXPECT_TRUE(make(in("single"), false, NSDictionary{{NSFilePosixPermissions, 0}}));
+    EXPECT_EQ(scene::modeOf(in("single")), 0u);
+}
+
+TEST_F(FolderCreation, permissionsThatCloseTheFoldersDoNotHinderAUser) {
+    ::chmod(folder.path().c_str(), 0777);
+    const int answer = scene::inUnprivilegedChild([this] {
+        const bool made = make(in("a/b/c"), true, NSDictionary{{NSFilePosixPermissions, 0}});
+        const bool closed = scene::modeOf(in("a")) == 0;
+        ::chmod(in("a").c_str(), 0700);
+        ::chmod(in("a/b").c_str(), 0700);
+        return made && closed && scene::modeOf(in("a/b/c")) == 0 ? 0 : 1;
+    });
+    EXPECT_EQ(answer, 0);
+    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in("a")));
+}
+
+TEST_F(FolderCreation, aFolderThatMayNotBeWrittenIsAFailure) {
+    folder.makeFolder("d");
+    ::chmod(in("d").c_str(), 0555);
+    const int answer = scene::inUnprivilegedChild([this] {
+        NSString reason;
+        const bool refused = !make(in("d/x/y"), true, nullptr, &reason) && !make(in("d/x"), false);
+        return refused && reason.utf8() == in("d/x/y") + ": Permission denied" && make(in("d"), true) ? 0 : 1;
+    });
+    EXPECT_EQ(answer, 0);
+}
+
+TEST_F(FolderCreation, pathsMayBeLongerThanTheSystemTakes) {
+    std::string deep = folder.path();
+    for (int level = 0; level < 5000; ++level) {
+        deep += "/n";
+    }
+    EXPECT_TRUE(make(deep, true, NSDictionary{{NSFilePosixPermissions, 0711}}));
+    bool isThere = false;
+    EXPECT_TRUE(NSFileManager::defaultManager().fileExistsAtPath_isDirectory(deep, &isThere));
+    EXPECT_TRUE(isThere);
+    EXPECT_EQ(scene::modeOf(in("n/n/n")), 0711u);
+    EXPECT_TRUE(make(deep, true));
+    EXPECT_FALSE(make(deep, false));
+    EXPECT_TRUE(make(deep + "/one", false));
+    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in("n")));
+}
+
+TEST_F(FolderCreation, namesOfAnyBytesAreMade) {
+    EXPECT_TRUE(make(in("\xFF/\xC3\x28"), true));
+    EXPECT_TRUE(isFolder(in("\xFF/\xC3\x28")));
+}
+
+TEST_F(FolderCreation, keepsTheErrorNumberAndEveryDescriptor) {
+    const int before = scene::openDescriptors();
+    errno = 4711;
+    make(in("a/b"), true, NSDictionary{{NSFilePosixPermissions, 0700}});
+    make(in("f/b"), true);
+    EXPECT_EQ(errno, 4711);
+    EXPECT_EQ(scene::openDescriptors(), before);
+}
+
+} // namespace

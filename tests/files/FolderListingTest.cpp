@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSArray.h"
+#include "tests/files/FileScene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+std::vector<std::string> namesOf(const NSArray& listing) {
+    std::vector<std::string> names;
+    for (const NSObject& name : listing) {
+        names.push_back(scene::bytesOf(name.as<NSString>()));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+NSArray list(const std::string& path, NSString* reason = nullptr) {
+    return NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(scene::fromBytes(path), reason);
+}
+
+class FolderListing : public testing::Test {
+protected:
+    std::string in(const std::string& name) const { return folder / name; }
+    scene::Folder folder;
+};
+
+TEST_F(FolderListing, holdsEveryNameButDotAndDoubleDot) {
+    folder.makeFolder("d/inner");
+    for (const char* const name : {"d/f", "d/.hidden", "d/..x", "d/...", "d/\xFF\xC3\x28", "d/\u00E9"}) {
+        folder.write(name, "");
+    }
+    ASSERT_EQ(::symlink("no such", in("d/dangling").c_str()), 0);
+    const std::vector<std::string> expected{"...", "..x",   ".hidden", "dangling",
+                                            "f",   "inner", "\u00E9",  "\xFF\xC3\x28"};
+    EXPECT_EQ(namesOf(list(in("d"))), expected);
+    EXPECT_EQ(namesOf(list(in("d/"))), expected);
+}
+
+TEST_F(FolderListing, isEmptyNotNilForAnEmptyFolder) {
+    folder.makeFolder("d");
+    const NSArray listing = list(in("d"));
+    ASSERT_TRUE(listing);
+    EXPECT_EQ(listing.count(), 0u);
+}
+
+TEST_F(FolderListing, followsALinkToAFolder) {
+    folder.makeFolder("d");
+    folder.write("d/f", "");
+    ASSERT_EQ(::symlink("d", in("l").c_str()), 0);
+    EXPECT_EQ(namesOf(list(in("l"))), std::vector<std::string>{"f"});
+}
+
+TEST_F(FolderListing, isNilForWhatIsNoFolderOrMissing) {
+    folder.write("f", "");
+    folder.makeFolder("d");
+    NSString reason("before");
+    EXPECT_TRUE(list(in("d"), &reason));
+    EXPECT_FALSE(reason);
+    EXPECT_FALSE(list(in("f"), &reason));
+    EXPECT_EQ(scene::shownText(reason), in("f") + ": Not a directory");
+    EXPECT_FALSE(list(in("no such"), &reason));
+    EXPECT_EQ(scene::shownText(reason), in("no such") + ": No such file or directory");
+    EXPECT_FALSE(list("", &reason));
+    EXPECT_FALSE(NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(nullptr));
+}
+
+TEST_F(FolderListing, isNilForAnUnreadableFolder) {
+    folder.makeFolder("d");
+    ::chmod(in("d").c_str(), 0311);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] { return list(in("d")) ? 1 : 0; }), 0);
+    ::chmod(in("d").c_str(), 0755);
+}
+
+TEST_F(FolderListing, doesNotWaitForAPipe) {
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(list(in("pipe")));
+}
+
+TEST_F(FolderListing, holdsTwoHundredThousandNames) {
+    const std::string big = folder.makeFolder("big");
+    const int at = ::open(big.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    constexpr int count = 200'000;
+    ASSERT_EQ(::mknodat(at, "first", S_IFREG | 0600, 0), 0);
+    for (int number = 0; number < count; ++number) {
+        // Names of one file are made faster than files; a file takes 65,000 of them at most.
+        const std::string name = std::to_string(number);
+        if (number % 50'000 == 0) {
+            ASSERT_EQ(::mknodat(at, name.c_str(), S_IFREG | 0600, 0), 0);
+        } else {
+            const std::string first = std::to_string(number - number % 50'000);
+            ASSERT_EQ(::linkat(at, first.c_str(), at, name.c_str(), 0), 0) << std::strerror(errno);
+        }
+    }
+    ::close(at);
+    const NSArray listing = list(big);
+    ASSERT_EQ(listing.count(), static_cast<std::size_t>(count) + 1);
+    std::vector<bool> seen(count);
+    for (const NSObject& name : listing) {
+        if (!name.as<NSString>().isEqualToString("first")) {
+            seen.at(static_cast<std::size_t>(name.as<NSString>().intValue())) = true;
+        }
+    }
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), true), count);
+    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(big));
+    EXPECT_FALSE(scene::stands(big));
+}
+
+TEST_F(FolderListing, pathsMayBeLongerThanTheSystemTakes) {
+    const std::string name(200, 'n');
+    const std::string deep = scene::makeChain(folder.path(), name, 50);
+    EXPECT_EQ(namesOf(list(deep.substr(0, deep.rfind('/')))), std::vector<std::string>{name});
+    scene::removeChain(folder.path(), name, 50);
+}
+
+TEST_F(FolderListing, keepsTheErrorNumberAndEveryDescriptor) {
+    const int before = scene::openDescriptors();
+    errno = 4711;
+    list(folder.path());
+    list(in("no such"));
+    EXPECT_EQ(errno, 4711);
+    EXPECT_EQ(scene::openDescriptors(), before);
+}
+
+} // namespace

@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/GuardedOpening.h"
+
+#include <atomic>
+#include <thread>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include "tests/files/FileScene.h"
+
+using namespace ZQFoundation::detail;
+
+namespace {
+
+constexpr uid_t stranger = 54321;
+
+/// The error of an opening, 0 when it succeeds.
+int errorOf(const std::string& path) {
+    const int file = openForAppendingGuarded(path);
+    if (file < 0) {
+        return errno;
+    }
+    ::close(file);
+    return 0;
+}
+
+bool append(const std::string& path, const std::string& text) {
+    const int file = openForAppendingGuarded(path);
+    const bool done =
+        file >= 0 && ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    ::close(file);
+    return done;
+}
+
+class GuardedOpening : public testing::Test {
+protected:
+    GuardedOpening() {
+        folder.makeFolder("shared");
+        ::chmod(in("shared").c_str(), 01777);
+    }
+    void link(const std::string& target, const std::string& name) {
+        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
+    }
+    void giveAway(const std::string& name) {
+        ASSERT_EQ(::lchown(in(name).c_str(), stranger, stranger), 0) << std::strerror(errno);
+    }
+    std::string in(const std::string& name) const { return folder / name; }
+
+    scene::Folder folder;
+};
+
+TEST_F(GuardedOpening, appendsToAFileAndReadsIt) {
+    folder.write("log", "one\n");
+    const int file = openForAppendingGuarded(in("log"));
+    ASSERT_GE(file, 0);
+    char byte = 0;
+    EXPECT_EQ(::read(file, &byte, 1), 1);
+    EXPECT_EQ(byte, 'o');
+    EXPECT_EQ(::lseek(file, 0, SEEK_SET), 0);
+    EXPECT_EQ(::write(file, "two\n", 4), 4);
+    EXPECT_EQ(::fcntl(file, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+    EXPECT_EQ(::fcntl(file, F_GETFL) & (O_ACCMODE | O_APPEND | O_NONBLOCK), O_RDWR | O_APPEND);
+    ::close(file);
+    EXPECT_EQ(scene::contentsOf(in("log")), "one\ntwo\n");
+}
+
+TEST_F(GuardedOpening, makesAFileWithTheOrdinaryMode) {
+    const scene::Umask umask(027);
+    EXPECT_TRUE(append(in("log"), "x"));
+    EXPECT_EQ(scene::modeOf(in("log")), 0640u);
+    EXPECT_TRUE(append(in("shared/log"), "x"));
+    EXPECT_EQ(scene::contentsOf(in("shared/log")), "x");
+}
+
+TEST_F(GuardedOpening, followsOwnLinksAnywhere) {
+    folder.makeFolder("a/b");
+    link("a/b", "l");
+    link("../l/../log", "shared/l");
+    link(in("shared/l"), "absolute");
+    EXPECT_TRUE(append(in("l/../log"), "1"));
+    EXPECT_TRUE(append(in("shared/l"), "2"));
+    EXPECT_TRUE(append(in("absolute"), "3"));
+    EXPECT_EQ(scene::contentsOf(in("a/log")), "123");
+}
+
+TEST_F(GuardedOpening, aDanglingLinksTargetIsMade) {
+    link("made", "dangling");
+    EXPECT_TRUE(append(in("dangling"), "x"));
+    EXPECT_EQ(scene::contentsOf(in("made")), "x");
+    link("no such/made", "hopeless");
+    EXPECT_EQ(errorOf(in("hopeless")), ENOENT);
+}
+
+TEST_F(GuardedOpening, relativePathsStartInTheCurrentFolder) {
+    folder.makeFolder("a");
+    const scene::CurrentFolder current(in("a"));
+    EXPECT_TRUE(append("log", "1"));
+    EXPECT_TRUE(append("./log", "2"));
+    EXPECT_TRUE(append("../a//log", "3"));
+    EXPECT_EQ(scene::contentsOf(in("a/log")), "123");
+}
+
+TEST_F(GuardedOpening, tellsWhyItFails) {
+    folder.write("f", "");
+    link("two", "one");
+    link("one", "two");
+    EXPECT_EQ(errorOf(""), ENOENT);
+    EXPECT_EQ(errorOf(in("no such/log")), ENOENT);
+    EXPECT_EQ(errorOf(in("f/log")), ENOTDIR);
+    EXPECT_EQ(errorOf(in("one")), ELOOP);
+    EXPECT_EQ(errorOf(in("one/log")), ELOOP);
+    EXPECT_EQ(errorOf(in("shared")), EISDIR);
+    EXPECT_EQ(errorOf(in("shared/")), EISDIR);
+    EXPECT_EQ(errorOf(in("shared/.")), EISDIR);
+    EXPECT_EQ(errorOf("/"), EISDIR);
+    EXPECT_EQ(errorOf(in(std::string(5000, 'n'))), ENAMETOOLONG);
+    EXPECT_EQ(errorOf(std::string("a\0b", 3)), EINVAL);
+}
+
+TEST_F(GuardedOpening, followsThirtyTwoLinksAndNoMore) {
+    folder.write("0", "");
+    for (int number = 1; number <= 33; ++number) {
+        link(std::to_string(number - 1), std::to_string(number));
+    }
+    EXPECT_EQ(errorOf(in("32")), 0);
+    EXPECT_EQ(errorOf(in("33")), ELOOP);
+    EXPECT_TRUE(mayAppendGuarded(in("32")));
+    EXPECT_FALSE(mayAppendGuarded(in("33")));
+}
+
+TEST_F(GuardedOpening, searchPermissionOfTheFoldersIsEnough) {
+    folder.makeFolder("hidden/inner");
+    folder.write("hidden/inner/log", "");
+    ::chmod(in("hidden/inner/log").c_str(), 0666);
+    ::chmod(in("hidden/inner").c_str(), 0111);
+    ::chmod(in("hidden").c_str(), 0111);
+    const int answer = scene::inUnprivilegedChild([this] { return errorOf(in("hidden/inner/log")); });
+    ::chmod(in("hidden").c_str(), 0755);
+    EXPECT_EQ(answer, 0);
+}
+
+TEST_F(GuardedOpening, ordinaryPermissionsHold) {
+    folder.write("log", "");
+    ::chmod(in("log").c_str(), 0444);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] { return errorOf(in("log")); }), EACCES);
+}
+
+TEST_F(GuardedOpening, pathsMayBeLongerThanTheSystemTakes) {
+    const std::string name(100, 'n');
+    const std::string deep = scene::makeChain(folder.path(), name, 100);
+    EXPECT_TRUE(append(deep + "/log", "x"));
+    EXPECT_TRUE(append(deep + "/log", "y"));
+    EXPECT_TRUE(mayAppendGuarded(deep + "/log"));
+    EXPECT_TRUE(ZQFoundation::NSFileManager::defaultManager().removeItemAtPath_error(in(name)));
+}
+
+TEST_F(GuardedOpening, doesNotWaitForTheOtherEndOfAPipe) {
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    const int pipe = openForAppendingGuarded(in("pipe"));
+    ASSERT_GE(pipe, 0);
+    EXPECT_EQ(::fcntl(pipe, F_GETFL) & O_NONBLOCK, 0);
+    ::close(pipe);
+}
+
+TEST_F(GuardedOpening, opensDevicesAndTheProcessesOwnDescriptors) {
+    EXPECT_EQ(errorOf("/dev/null"), 0);
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    EXPECT_TRUE(append("/proc/self/fd/" + std::to_string(ends[1]), "x"));
+    EXPECT_TRUE(mayAppendGuarded("/proc/self/fd/" + std::to_string(ends[1])));
+    char byte = 0;
+    EXPECT_EQ(::read(ends[0], &byte, 1), 1);
+    EXPECT_EQ(byte, 'x');
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+TEST_F(GuardedOpening, leavesNoDescriptorBehind) {
+    folder.write("log", "");
+    link("log", "l");
+    const int before = scene::openDescriptors();
+    errorOf(in("l"));
+    errorOf(in("no such/x"));
+    errorOf(in("shared/"));
+    mayAppendGuarded(in("l"));
+    EXPECT_EQ(scene::openDescriptors(), before);
+}
+
+TEST_F(GuardedOpening, whatStandsThereMayBeAppendedToOrNot) {
+    folder.write("shared/own", "");
+    folder.write("log", "");
+    link("own", "shared/l");
+    EXPECT_TRUE(mayAppendGuarded(in("shared/own")));
+    EXPECT_TRUE(mayAppendGuarded(in("shared/l")));
+    EXPECT_TRUE(mayAppendGuarded(in("log")));
+    EXPECT_TRUE(mayAppendGuarded(in("shared")));
+    EXPECT_FALSE(mayAppendGuarded(in("no such")));
+    EXPECT_FALSE(mayAppendGuarded(""));
+}
+
+TEST_F(GuardedOpening, aSecondNameIsRefusedInAStickyFolder) {
+    folder.write("victim", "v");
+    ASSERT_EQ(::link(in("victim").c_str(), in("shared/log").c_str()), 0);
+    EXPECT_EQ(errorOf(in("shared/log")), EACCES);
+    EXPECT_FALSE(mayAppendGuarded(in("shared/log")));
+    EXPECT_EQ(errorOf(in("victim")), 0) << "elsewhere a file may have any number of names";
+    ::unlink(in("victim").c_str());
+    EXPECT_EQ(errorOf(in("shared/log")), 0);
+}
+
+/// What another user planted.
+class GuardedOpeningAmongOthers : public GuardedOpening {
+protected:
+    void SetUp() override {
+        if (!scene::isRoot()) {
+            GTEST_SKIP() << "only root can give files to another user";
+        }
+        folder.makeFolder("target");
+        folder.write("target/log", "t");
+        link("../target", "shared/folder");
+        link("../target/log", "shared/link");
+        folder.write("shared/file", "f");
+        ASSERT_EQ(::mkfifo(in("shared/pipe").c_str(), 0666), 0);
+        for (const char* const name : {"shared/folder", "shared/link", "shared/file", "shared/pipe"}) {
+            giveAway(name);
+        }
+        link("shared/link", "outside");
+    }
+};
+
+TEST_F(GuardedOpeningAmongOthers, theirLinksAndFilesAreRefused) {
+    for (const char* const name :
+         {"shared/folder/log", "shared/folder/new", "shared/link", "shared/file", "shared/pipe", "outside"}) {
+        EXPECT_EQ(errorOf(in(name)), EACCES) << name;
+        EXPECT_FALSE(mayAppendGuarded(in(name))) << name;
+    }
+    EXPECT_EQ(scene::contentsOf(in("target/log")), "t");
+    EXPECT_FALSE(scene::stands(in("target/new")));
+    EXPECT_EQ(scene::contentsOf(in("shared/file")), "f");
+}
+
+TEST_F(GuardedOpeningAmongOthers, theFoldersOwnerIsTrusted) {
+    ASSERT_EQ(::chown(in("shared").c_str(), stranger, stranger), 0);
+    for (const char* const name :
+         {"shared/folder/log", "shared/link", "shared/file", "shared/pipe", "outside"}) {
+        EXPECT_EQ(errorOf(in(name)), 0) << name;
+        EXPECT_TRUE(mayAppendGuarded(in(name))) << name;
+    }
+}
+
+TEST_F(GuardedOpeningAmongOthers, theRuleIsOnlyForStickyFoldersThatOthersMayWriteTo) {
+    for (const mode_t mode : {0777u, 01775u, 01755u, 0755u}) {
+        ASSERT_EQ(::chmod(in("shared").c_str(), mode), 0);
+        for (const char* const name : {"shared/folder/log", "shared/link", "shared/file", "shared/pipe"}) {
+            EXPECT_EQ(errorOf(in(name)), 0) << name << std::oct << mode;
+            EXPECT_TRUE(mayAppendGuarded(in(name))) << name << std::oct << mode;
+        }
+    }
+}
+
+TEST_F(GuardedOpeningAmongOthers, anOrdinaryUserIsGuardedTheSameWay) {
+    ::chmod(in("target").c_str(), 0777);
+    ::chmod(in("target/log").c_str(), 0666);
+    ::chmod(in("shared/file").c_str(), 0666);
+    for (const char* const name : {"shared/folder/log", "shared/link", "shared/file", "shared/pipe"}) {
+        EXPECT_EQ(scene::inUnprivilegedChild([&] { return errorOf(in(name)); }), EACCES) << name;
+    }
+    EXPECT_EQ(scene::inUnprivilegedChild([&] { return errorOf(in("shared/new")); }), 0);
+    EXPECT_EQ(errorOf(in("shared/new")), EACCES) << "root is not the other user's helper";
+}
+
+TEST_F(GuardedOpeningAmongOthers, whatIsExchangedMeanwhileIsNeverFollowed) {
+    folder.write("victim", "");
+    std::atomic<bool> done = false;
+    // The name is in turn absent, a stranger's link to the victim, and the stranger's own file.
+    std::thread attacker([&] {
+        for (int round = 0; !done; ++round) {
+            const std::string name = in("shared/other");
+            if (round % 2 == 0) {
+                EXPECT_EQ(::symlink(in("victim").c_str(), name.c_str()), 0);
+                EXPECT_EQ(::lchown(name.c_str(), stranger, stranger), 0);
+            } else {
+                const int file = ::open(name.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666);
+                EXPECT_EQ(::fchown(file, stranger, stranger), 0);
+                ::close(file);
+            }
+            ::rename(name.c_str(), in("shared/log").c_str());
+            ::unlink(in("shared/log").c_str());
+        }
+    });
+    for (int round = 0; round < 3000; ++round) {
+        append(in("shared/log"), "x");
+    }
+    done = true;
+    attacker.join();
+    EXPECT_EQ(scene::contentsOf(in("victim")), "");
+}
+
+TEST_F(GuardedOpening, newFilesOfThreadsAtOnceAreOneFile) {
+    for (int round = 0; round < 50; ++round) {
+        const std::string path = in("shared/log" + std::to_string(round));
+        std::thread other([&] { EXPECT_TRUE(append(path, "x")); });
+        EXPECT_TRUE(append(path, "x"));
+        other.join();
+        EXPECT_EQ(scene::contentsOf(path), "xx");
+    }
+}
+
+} // namespace

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/HomeFolder.h"
+
+#include <string>
+
+#include <pwd.h>
+
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation::detail;
+
+namespace {
+
+/// What the system says, asked in its simplest way.
+std::string folderOfUser(uid_t user) {
+    const passwd* const record = ::getpwuid(user);
+    return record != nullptr ? record->pw_dir : "";
+}
+
+TEST(HomeFolder, isTheVariableWhenThatIsAbsolute) {
+    const scene::Variable home("HOME", "/some/where");
+    EXPECT_EQ(homeFolder(), "/some/where");
+}
+
+TEST(HomeFolder, followsTheVariableAtEveryCall) {
+    {
+        const scene::Variable home("HOME", "/one");
+        EXPECT_EQ(homeFolder(), "/one");
+    }
+    const scene::Variable home("HOME", "/two");
+    EXPECT_EQ(homeFolder(), "/two");
+}
+
+TEST(HomeFolder, isTheUserDatabasesWithoutAnAbsoluteVariable) {
+    const std::string expected = folderOfUser(::geteuid());
+    for (const char* const value : {static_cast<const char*>(nullptr), "", "relative", "~"}) {
+        const scene::Variable home("HOME", value);
+        EXPECT_EQ(homeFolder(), expected) << (value != nullptr ? value : "(unset)");
+        EXPECT_EQ(homeFolder(), expected) << "the second time";
+    }
+}
+
+TEST(HomeFolder, belongsToTheEffectiveUser) {
+    const scene::Variable home("HOME", nullptr);
+    homeFolder();
+    const int answer =
+        scene::inUnprivilegedChild([] { return homeFolder() == folderOfUser(::geteuid()) ? 0 : 1; });
+    EXPECT_EQ(answer, 0);
+}
+
+TEST(HomeFolder, ofAnAccountIsTheUserDatabases) {
+    const scene::Variable home("HOME", "/elsewhere");
+    EXPECT_EQ(homeFolderOfAccount("root"), folderOfUser(0));
+}
+
+TEST(HomeFolder, ofAnUnknownAccountIsEmpty) {
+    for (const char* const name : {"no such account", "", "root\n", "\xFF"}) {
+        EXPECT_EQ(homeFolderOfAccount(name), "") << name;
+    }
+}
+
+} // namespace

@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: MIT
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "tests/files/FileScene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+bool removeItem(const std::string& path, NSString* reason = nullptr) {
+    return NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(path), reason);
+}
+
+class TreeRemoval : public testing::Test {
+protected:
+    void link(const std::string& target, const std::string& name) {
+        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
+    }
+    std::string in(const std::string& name) const { return folder / name; }
+    scene::Folder folder;
+};
+
+TEST_F(TreeRemoval, takesAFileALinkAndAPipe) {
+    folder.write("f", "");
+    folder.write("target", "kept");
+    folder.makeFolder("d");
+    folder.write("d/f", "kept");
+    link("target", "l");
+    link("d", "to-d");
+    link("no such", "dangling");
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    for (const char* const name : {"f", "l", "to-d", "dangling", "pipe"}) {
+        EXPECT_TRUE(removeItem(in(name))) << name;
+        EXPECT_FALSE(scene::stands(in(name))) << name;
+    }
+    EXPECT_EQ(scene::contentsOf(in("target")) + scene::contentsOf(in("d/f")), "keptkept");
+}
+
+TEST_F(TreeRemoval, takesAWholeTreeWithoutFollowingLinks) {
+    folder.write("outside/f", "kept");
+    folder.write("t/a/b/f", "");
+    folder.write("t/a/.hidden", "");
+    folder.write("t/\xFF\xC3\x28/\xA9", "");
+    folder.makeFolder("t/empty");
+    folder.makeFolder("t/..x");
+    link("../../outside", "t/a/l");
+    link("../outside/f", "t/l");
+    ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(removeItem(in("t")));
+    EXPECT_FALSE(scene::stands(in("t")));
+    EXPECT_EQ(scene::contentsOf(in("outside/f")), "kept");
+}
+
+TEST_F(TreeRemoval, aSlashAtTheEndNeedsAFolder) {
+    folder.write("f", "");
+    folder.write("t/f", "kept");
+    folder.makeFolder("d/inner");
+    link("t", "l");
+    EXPECT_TRUE(removeItem(in("d//")));
+    EXPECT_FALSE(scene::stands(in("d")));
+    EXPECT_FALSE(removeItem(in("f/")));
+    EXPECT_FALSE(removeItem(in("l/")));
+    EXPECT_TRUE(scene::stands(in("f")));
+    EXPECT_TRUE(scene::stands(in("l")));
+    EXPECT_EQ(scene::contentsOf(in("t/f")), "kept");
+}
+
+TEST_F(TreeRemoval, whatCannotBeNamedIsLeftWithAllThatIsInIt) {
+    folder.write("t/f", "kept");
+    const scene::CurrentFolder current(in("t"));
+    for (const std::string& path : {in("t/."), in("t/x/.."), in("t/./"), std::string("."), std::string("./"),
+                                    std::string(".."), std::string("/"), std::string("//")}) {
+        EXPECT_FALSE(removeItem(path)) << path;
+    }
+    EXPECT_EQ(scene::contentsOf(in("t/f")), "kept");
+}
+
+TEST_F(TreeRemoval, tellsWhatItCouldNotRemove) {
+    NSString reason("before");
+    folder.write("f", "");
+    EXPECT_TRUE(removeItem(in("f"), &reason));
+    EXPECT_FALSE(reason);
+    EXPECT_FALSE(removeItem(in("f"), &reason));
+    EXPECT_EQ(scene::shownText(reason), in("f") + ": No such file or directory");
+    EXPECT_FALSE(removeItem("", &reason));
+    EXPECT_FALSE(NSFileManager::defaultManager().removeItemAtPath_error(nullptr));
+    EXPECT_FALSE(removeItem("/", &reason));
+    EXPECT_EQ(scene::shownText(reason), "/: Invalid argument");
+}
+
+TEST_F(TreeRemoval, stopsAtAFolderThatMayNotBeWritten) {
+    folder.write("t/a/b/f", "kept");
+    for (const char* const name : {"t", "t/a", "t/a/b"}) {
+        ::chmod(in(name).c_str(), 0777);
+    }
+    ::chmod(folder.path().c_str(), 0777);
+    ::chmod(in("t/a/b").c_str(), 0555);
+    const int answer = scene::inUnprivilegedChild([this] {
+        NSString reason;
+        if (removeItem(in("t"), &reason)) {
+            return 1;
+        }
+        return reason.utf8() == in("t/a/b/f") + ": Permission denied" ? 0 : 2;
+    });
+    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(scene::contentsOf(in("t/a/b/f")), "kept");
+}
+
+TEST_F(TreeRemoval, needsNoPermissionOfWhatIsRemovedButOfItsFolder) {
+    folder.write("d/read-only", "");
+    folder.makeFolder("d/closed");
+    folder.makeFolder("d/t/closed");
+    ::chmod(in("d/read-only").c_str(), 0);
+    ::chmod(in("d").c_str(), 0777);
+    ::chmod(in("d/t").c_str(), 0777);
+    const int closed = ::chmod(in("d/closed").c_str(), 0) | ::chmod(in("d/t/closed").c_str(), 0);
+    ASSERT_EQ(closed, 0);
+    const int answer = scene::inUnprivilegedChild([this] {
+        return removeItem(in("d/read-only")) && removeItem(in("d/closed")) && removeItem(in("d/t")) ? 0 : 1;
+    });
+    EXPECT_EQ(answer, 0) << "an empty folder goes even when it may not be looked into";
+    ::chmod(in("d").c_str(), 0755);
+    folder.write("d/f", "");
+    ::chmod(in("d/f").c_str(), 0666);
+    ::chmod(in("d").c_str(), 0555);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] { return removeItem(in("d/f")) ? 1 : 0; }), 0);
+}
+
+TEST_F(TreeRemoval, depthIsNoLimit) {
+    const std::string deep = scene::makeChain(folder.path(), "n", 5000);
+    NSFileManager& files = NSFileManager::defaultManager();
+    for (const char* const name : {"/f", "/.g"}) {
+        ASSERT_TRUE(files.createFileAtPath_contents_attributes(deep + name, nullptr, nullptr));
+    }
+    EXPECT_TRUE(removeItem(in("n")));
+    EXPECT_FALSE(scene::stands(in("n")));
+}
+
+TEST_F(TreeRemoval, foldersOnTheWayBackAreEmptiedToo) {
+    // More levels than are open at once, and something to do in each on the way down and up.
+    std::string at = in("t");
+    folder.makeFolder("t");
+    for (int level = 0; level < 40; ++level) {
+        for (const char* const name : {"/a", "/m", "/z"}) {
+            ASSERT_EQ(::mkdir((at + name).c_str(), 0755), 0);
+            ASSERT_EQ(::mknod((at + name + "/f").c_str(), S_IFREG | 0600, 0), 0);
+        }
+        at += "/m";
+    }
+    EXPECT_TRUE(removeItem(in("t")));
+    EXPECT_FALSE(scene::stands(in("t")));
+}
+
+TEST_F(TreeRemoval, fewDescriptorsAreEnough) {
+    const std::string deep = scene::makeChain(folder.path(), "n", 100);
+    folder.write("n/n/f", "");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // The lowest free numbers are what the limit leaves.
+        const int lowest = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ::close(lowest);
+        const rlimit limit{static_cast<rlim_t>(lowest) + 3, static_cast<rlim_t>(lowest) + 3};
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        scene::leave(removeItem(in("n")) ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_FALSE(scene::stands(in("n")));
+}
+
+TEST_F(TreeRemoval, manyFoldersInOne) {
+    const std::string wide = folder.makeFolder("wide");
+    for (int number = 0; number < 1000; ++number) {
+        const std::string name = wide + "/" + std::to_string(number);
+        ASSERT_EQ(::mkdir(name.c_str(), 0755), 0);
+        ASSERT_EQ(::mkdir((name + "/inner").c_str(), 0755), 0);
+    }
+    EXPECT_TRUE(removeItem(wide));
+    EXPECT_FALSE(scene::stands(wide));
+}
+
+TEST_F(TreeRemoval, aLinkThatIsSwappedInIsNeverFollowed) {
+    folder.makeFolder("outside");
+    for (int number = 0; number < 50; ++number) {
+        folder.write("outside/" + std::to_string(number), "");
+    }
+    std::atomic<bool> done = false;
+    // A folder of the tree is now a folder and now a link to the one outside.
+    std::thread attacker([&] {
+        while (!done) {
+            const std::string real = in("real");
+            const std::string fake = in("fake");
+            ::mkdir(real.c_str(), 0755);
+            static_cast<void>(!::symlink(in("outside").c_str(), fake.c_str()));
+            ::rename(real.c_str(), in("t/x").c_str());
+            ::rename(in("t/x").c_str(), in("aside").c_str());
+            ::rename(fake.c_str(), in("t/x").c_str());
+            ::rename(in("t/x").c_str(), in("aside").c_str());
+            ::rmdir(in("aside").c_str());
+            ::unlink(in("aside").c_str());
+        }
+    });
+    for (int round = 0; round < 2000; ++round) {
+        ::mkdir(in("t").c_str(), 0755);
+        ::mkdir(in("t/y").c_str(), 0755);
+        removeItem(in("t"));
+    }
+    done = true;
+    attacker.join();
+    EXPECT_EQ(NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(in("outside")).count(), 50u);
+}
+
+TEST_F(TreeRemoval, aFolderMovedAwayTakesTheRemovalNowhere) {
+    // The tree is moved below another folder while it is emptied: what stands around its new place stays.
+    folder.makeFolder("elsewhere");
+    folder.write("elsewhere/kept", "");
+    for (int round = 0; round < 30; ++round) {
+        scene::makeChain(folder.path(), "n", 60);
+        std::thread mover([&] { ::rename(in("n/n/n/n/n").c_str(), in("elsewhere/n").c_str()); });
+        removeItem(in("n"));
+        mover.join();
+        EXPECT_TRUE(scene::stands(in("elsewhere/kept")));
+        removeItem(in("n"));
+        removeItem(in("elsewhere/n"));
+        EXPECT_FALSE(scene::stands(in("n")) || scene::stands(in("elsewhere/n")));
+    }
+}
+
+TEST_F(TreeRemoval, keepsTheErrorNumberAndEveryDescriptor) {
+    scene::makeChain(folder.path(), "n", 20);
+    const int before = scene::openDescriptors();
+    errno = 4711;
+    removeItem(in("n"));
+    removeItem(in("n"));
+    EXPECT_EQ(errno, 4711);
+    EXPECT_EQ(scene::openDescriptors(), before);
+}
+
+} // namespace
