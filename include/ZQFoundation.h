@@ -40,6 +40,7 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSObject.h"
 #include "foundation/objects/NSObjectProtocol.h"
+#include "foundation/objects/NSRange.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
@@ -48,6 +49,13 @@
 // Formats.
 #include "foundation/text/ArgumentList.h"
 #include "foundation/text/FormatString.h"
+
+// Character sets and scanners.
+#include "foundation/text/NSCharacterSet.h"
+#include "foundation/text/NSScanner.h"
+
+// Files.
+#include "foundation/files/NSFileManager.h"
 
 // Property lists.
 #include "foundation/plist/NSPropertyListSerialization.h"
@@ -62,7 +70,16 @@
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
 
+// Versions.
+#include "version/ZQVersionComparator.h"
+
 // Logging.
+#include "log/NSAssertionHandler.h"
+#include "log/NSDebugLog.h"
 #include "log/ZQLog.h"
+
+// The application, the system and the report of both.
+#include "info/ZQLogInfo.h"
+#include "info/ZQMacOSRuntimeEnvironment.h"
 
 #endif

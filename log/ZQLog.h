@@ -77,6 +77,46 @@ public:
     /// Whether any trace key's value is true.
     static bool aTraceDefaultValueHasBeenActivated();
 
+    // Log files. Nothing here happens by itself, takes a lock or is safe to do on two threads at once; lines
+    // of other threads go on meanwhile, each to one target as a whole.
+
+    /// The application's folder under ~/Library/Logs, which need not exist; "/tmp" when the home folder has
+    /// no `Library`.
+    static NSString standardLogFolder();
+
+    /// "Viewer.20240305-1407.1234.log": process name, local time, process identifier. A number is added only
+    /// for an **empty** folder string, and only when the file of that name vanishes meanwhile.
+    static NSString standardNewLogFileNameForLoggingToFolder(const NSString& folder);
+
+    /// The two joined: where the log of this run belongs.
+    static NSString standardLogFilePath();
+
+    /// Sends standard error, and with it every line, to the end of the file at the path, which is made when
+    /// there is none, together with its folders if `createFolder`. A path that is not absolute is taken from
+    /// `standardLogFolder`; "~" and links are resolved. False, with a line that says why (without one for a
+    /// nil or empty path and for a missing folder that is not to be made), when that cannot be done.
+    ///
+    /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used.
+    static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);
+
+    /// The same without a check, a message or a result. Descriptor 2 as it first was is kept aside. When the
+    /// file cannot be opened, lines are lost from then on: descriptor 2 is parked on the null device.
+    static void setOptionalLogFilePath(const NSString& path);
+
+    /// Brings standard error back to where it first led. Does nothing before the first redirection.
+    /// **Works once:** after that the descriptor kept aside is a closed number, and a later redirection keeps
+    /// none.
+    static void clearLogFilePath();
+
+    /// Removes the folder's log files of this process name that were last changed before the date, writing a
+    /// line for each. Their names hold only digits and "." between the process name and ".log", so **standard
+    /// names, which hold a "-", stay**.
+    static void removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder);
+
+    /// Removes all but the newest `count` of the folder's log files of this process name, writing a line for
+    /// each. Here "-" may stand in names. Of files with the same date one counts, and the others stay.
+    static void removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count);
+
     /// Holds the monitor of the class for a scope: the recursive lock under which the trace keys are asked.
     /// Whoever re-reads them while other threads log does it inside such a scope.
     class ZQFOUNDATION_EXPORT Synchronized {

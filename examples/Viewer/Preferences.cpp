@@ -8,12 +8,20 @@
 using namespace ZQFoundation;
 
 void register_defaults() {
-    NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"PageLength", 4}});
+    NSUserDefaults::standardUserDefaults().registerDefaults(
+        NSDictionary{{"PageLength", 4}, {"LogFile", true}});
 }
 
 std::size_t page_length() {
-    const std::int64_t length = NSUserDefaults::standardUserDefaults().integerForKey("PageLength");
-    return length > 0 ? static_cast<std::size_t>(length) : 1;
+    const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    // Switches whose names begin with Enable, Disable or Debug are listed by the start-up report.
+    const std::int64_t forced = defaults.integerForKey("DebugPageLength");
+    if (forced > 0) {
+        return static_cast<std::size_t>(forced);
+    }
+    const std::int64_t length = defaults.integerForKey("PageLength");
+    const std::size_t lines = length > 0 ? static_cast<std::size_t>(length) : 1;
+    return defaults.boolForKey("EnableLargePages") ? 2 * lines : lines;
 }
 
 void preferences_changed() {

@@ -7,7 +7,8 @@
 /// What holds while the user has set nothing else.
 void register_defaults();
 
-/// The default `PageLength`: lines on a page, at least 1.
+/// Lines on a page, at least 1: the default `PageLength`, twice as many with `EnableLargePages`, whatever
+/// `DebugPageLength` says when it is set.
 std::size_t page_length();
 
 /// To be called after the user's settings have changed, from any thread.

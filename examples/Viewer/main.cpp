@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Viewer, a host application in small. Read this file first, then Document.cpp.
 //
-// Every log call of Viewer stands under a trace key, so it writes nothing unless somebody asks. Try
+// At its start it leads its log into a file of this run under ~/Library/Logs/Example/Viewer (LogFile.cpp).
+// Every log call of Viewer stands under a trace key, so that file stays empty unless somebody asks. Try
 //
 //     Viewer -TraceDocuments YES
-//     Viewer -TraceNetwork YES -TraceLevel 3
+//     Viewer -TraceNetwork YES -TraceLevel 3 -LogFile NO
 //
-// TraceKeys.h lists the keys. Log lines go to standard error.
+// TraceKeys.h lists the keys. The second one writes to standard error instead.
 
 #include <cerrno>
 #include <cstdio>
@@ -17,6 +18,7 @@
 #include "CommandLine.h"
 #include "DocumentStore.h"
 #include "Files.h"
+#include "LogFile.h"
 #include "NetworkSession.h"
 #include "Preferences.h"
 #include "Renderer.h"
@@ -32,17 +34,21 @@ constexpr const char help[] =
     "\n"
     "Opens the documents, sends each through a pretended network session and lays it out\n"
     "on pages. Without a document it works on a sample, which it writes to a temporary\n"
-    "folder. It writes nothing but log lines, and those only for the trace keys that are\n"
-    "set:\n"
+    "folder. It logs into a new file in ~/Library/Logs/Example/Viewer, or in /tmp when the\n"
+    "home folder has no Library, and only for the trace keys that are set:\n"
     "\n"
     "  -TraceDocuments YES   what is opened\n"
     "  -TraceNetwork YES     each transfer\n"
     "  -TraceRendering YES   how a document becomes pages\n"
     "  -TraceFiles YES       each file that is read, written or removed\n"
     "  -TraceLevel <n>       1: pages, 2: pieces of transfers too, exactly 3: lines too\n"
-    "  -PageLength <n>       lines on a page, 4 if not set\n"
+    "  -LogFile NO           log to standard error\n"
+    "  -DisableLogRemoval YES  keep log files; otherwise the newest 5 stay\n"
+    "  -PageLength <n>       lines on a page, 4 if not set; -EnableLargePages YES: twice as many\n"
+    "  -DebugPageLength <n>  lines on a page, whatever else is set\n"
     "\n"
-    "Any default may also stand in ~/.config/ZQFoundation/com.example.Viewer.plist.\n"
+    "Any default may also be set for all runs:\n"
+    "  defaults write com.example.Viewer TraceNetwork YES\n"
     "\n"
     "  --help, --version     print a text and do nothing else\n"
     "\n"
@@ -69,8 +75,10 @@ int show_version() {
     return succeeded;
 }
 
+/// For the user, and for whoever reads the log.
 int show_failure(const std::string& what, const std::string& reason) {
-    std::fprintf(stderr, "Viewer: %s: %s\n", what.c_str(), reason.c_str());
+    ZQLog::logWithFormat("%@: %@", what, reason);
+    std::printf("Viewer: %s: %s\n", what.c_str(), reason.c_str());
     return failed;
 }
 
@@ -108,6 +116,7 @@ int show_documents(const std::vector<std::string>& paths) {
 
 int run(const CommandLine& commandLine) {
     register_defaults();
+    start_log();
     preferences_changed();
     return commandLine.paths.empty() ? show_sample() : show_documents(commandLine.paths);
 }

@@ -39,6 +39,24 @@ public:
     /// must not run while another thread changes it.
     NSDictionary environment() const;
 
+    // NSProcessInfo(ZQFoundation)
+    // Computed afresh at each call; no folder is made, looked for or touched.
+
+    /// The main bundle's `ZQCompanyName` as it stands; the text of a value that is no string; nil without
+    /// one.
+    static NSString shortCompanyName();
+
+    /// The main bundle's `NSHumanReadableShortName`, else the process's name, else "MyApplication".
+    static NSString shortApplicationName();
+
+    /// "Example/Viewer"; the application's name alone without a company.
+    static NSString appSpecificLibrarySubpath();
+
+    /// "/home/user/Library/Application Support/Example/Viewer" and "/home/user/Library/Logs/Example/Viewer",
+    /// links in the home folder's path resolved. Names with slashes or ".." are taken as they stand.
+    static NSString pathOfLibraryApplicationSupportSubfolder();
+    static NSString pathOfLibraryLogSubfolder();
+
 private:
     constexpr NSProcessInfo() noexcept = default;
 };

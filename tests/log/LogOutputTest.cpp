@@ -33,19 +33,6 @@ private:
     scene::Variable zone_;
 };
 
-class ProcessName {
-public:
-    explicit ProcessName(const NSString& name) : before_(NSProcessInfo::processInfo().processName()) {
-        NSProcessInfo::processInfo().setProcessName(name);
-    }
-    ProcessName(const ProcessName&) = delete;
-    ProcessName& operator=(const ProcessName&) = delete;
-    ~ProcessName() { NSProcessInfo::processInfo().setProcessName(before_); }
-
-private:
-    NSString before_;
-};
-
 std::string hexText(std::uint64_t number) {
     char text[24];
     std::snprintf(text, sizeof text, "%llx", static_cast<unsigned long long>(number));
@@ -271,7 +258,7 @@ TEST(LogOutput, namesProcessAndThreadInThePrefix) {
 
 TEST(LogOutput, writesTheNameThatTheProcessHasNow) {
     for (const char* name : {"MyApp", "My App", "Größe"}) {
-        const ProcessName processName(name);
+        const logtest::ProcessName processName(name);
         const CapturedOutput output;
         ZQLog::log("text");
         const std::optional<LinePrefix> prefix = readPrefix(output.bytes());
@@ -299,7 +286,7 @@ TEST(LogOutput, writesTheLocalTimeOfTheCall) {
 
 TEST(LogOutput, writesTheWholePrefix) {
     const FixedTime time(moment, "XXX-1");
-    const ProcessName name("MyApp");
+    const logtest::ProcessName name("MyApp");
     const CapturedOutput output;
     ZQLog::log("text");
     EXPECT_EQ(output.bytes(), "2024-03-05 15:07:09.042 MyApp[" + std::to_string(::getpid()) + ":" +
@@ -372,7 +359,7 @@ TEST(LogWithFormat, writesAndReturnsNothingForANilFormat) {
 
 TEST(LogPrefix, isDateNameAndNumberWithOneBlankAtTheEnd) {
     const FixedTime time(moment, "UTC0");
-    const ProcessName name("MyApp");
+    const logtest::ProcessName name("MyApp");
     EXPECT_EQ(utf8Of(ZQLog::logPrefix()),
               "2024-03-05 14:07:09.042 MyApp[" + std::to_string(::getpid()) + "]: ");
 }

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/process/NSProcessInfo.h"
 #include "log/ZQLog.h"
 #include "tests/process/Scene.h"
 
@@ -55,6 +56,21 @@ public:
 private:
     int file_ = -1;
     int before_ = -1;
+};
+
+/// Another name of the process for a scope.
+class ProcessName {
+public:
+    explicit ProcessName(const ZQFoundation::NSString& name)
+        : before_(ZQFoundation::NSProcessInfo::processInfo().processName()) {
+        ZQFoundation::NSProcessInfo::processInfo().setProcessName(name);
+    }
+    ProcessName(const ProcessName&) = delete;
+    ProcessName& operator=(const ProcessName&) = delete;
+    ~ProcessName() { ZQFoundation::NSProcessInfo::processInfo().setProcessName(before_); }
+
+private:
+    ZQFoundation::NSString before_;
 };
 
 /// One user default; the value as a piece of an XML property list, such as "<true/>".

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "LogFile.h"
+
+#include <ZQFoundation/ZQFoundation.h>
+
+using namespace ZQFoundation;
+
+namespace {
+
+constexpr std::size_t keptLogFiles = 5;
+
+/// Standard error is the log file from here on, for what Viewer prints there itself too.
+void open_log_file() {
+    const NSString path = ZQLog::standardLogFilePath();
+    if (!ZQLog::setLogFilePath_createFolder(path, true)) {
+        return; // a line on standard error says why, and the log stays there
+    }
+    if (!NSUserDefaults::standardUserDefaults().boolForKey("DisableLogRemoval")) {
+        ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(path.stringByDeletingLastPathComponent(),
+                                                            keptLogFiles);
+    }
+}
+
+} // namespace
+
+void start_log() {
+    if (NSUserDefaults::standardUserDefaults().boolForKey("LogFile")) {
+        open_log_file();
+    }
+    try {
+        ZQLogInfo::standardStartupLog();
+    } catch (const NSException& exception) {
+        // The system does not say what it is. That is no reason not to start.
+        ZQLog::logWithFormat("no start-up report: %@", exception.reason());
+    }
+}

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "info/DefaultsReport.h"
+
+#include "foundation/objects/NSArray.h"
+#include "foundation/process/NSUserDefaults.h"
+#include "info/ZQLogInfo.h"
+#include "log/ZQLog.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// The keys of the four sections.
+struct Switches {
+    NSArray tracing;
+    NSArray enabling;
+    NSArray disabling;
+    NSArray modifying;
+};
+
+NSArray sorted(const NSArray& keys) {
+    return keys.sortedArrayUsingComparator([](const NSObject& left, const NSObject& right) {
+        return NSString(left).caseInsensitiveCompare(NSString(right));
+    });
+}
+
+Switches readSwitches() {
+    const NSArray tracing = sorted(ZQLog::activatedTraceDefaultsKeys());
+    const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    NSMutableArray enabling;
+    NSMutableArray disabling;
+    NSMutableArray modifying;
+    for (const NSDictionaryEntry& entry : defaults.dictionaryRepresentation()) {
+        const NSString key(entry.key);
+        NSMutableArray* const list = key.hasPrefix("Enable")    ? &enabling
+                                     : key.hasPrefix("Disable") ? &disabling
+                                     : key.hasPrefix("Debug")   ? &modifying
+                                                                : nullptr;
+        if (list != nullptr && defaults.objectForKey(key).boolValue()) {
+            list->addObject(key);
+        }
+    }
+    return {tracing, sorted(enabling.array()), sorted(disabling.array()), sorted(modifying.array())};
+}
+
+/// 0 for a key with a character that Latin-1 does not have.
+std::size_t latin1Length(const NSString& key) {
+    return key.lengthOfBytesUsingEncoding(NSISOLatin1StringEncoding);
+}
+
+/// One for all sections, so that the commands stand in one column through the whole report.
+std::size_t columnWidth(const Switches& switches) {
+    std::size_t longest = 0;
+    for (const NSArray& keys :
+         {switches.tracing, switches.enabling, switches.disabling, switches.modifying}) {
+        for (const NSObject& key : keys) {
+            const std::size_t length = latin1Length(NSString(key));
+            longest = length > longest ? length : longest;
+        }
+    }
+    return longest + 1;
+}
+
+/// Writes the lines of single switches.
+class SwitchLines {
+public:
+    SwitchLines(NSString identifier, std::size_t width)
+        : identifier_(static_cast<NSString&&>(identifier)), width_(width) {}
+
+    void writeTraceKey(const NSString& key) const {
+        if (!identifier_) {
+            writeWithoutCommand(key);
+            return;
+        }
+        ZQLog::logAlways_logWithFormat(true, "%@ is active.%@ Deactivate using: defaults write %@ %@ NO", key,
+                                       spacer(key), identifier_, key);
+    }
+
+    void writeEnablingKey(const NSString& key) const {
+        if (!identifier_) {
+            writeWithoutCommand(key);
+            return;
+        }
+        ZQLog::logAlways_logWithFormat(true,
+                                       "%@ is active.%@ Disable the feature using: defaults remove %@ %@",
+                                       key, spacer(key), identifier_, key);
+    }
+
+    void writeDisablingKey(const NSString& key) const {
+        if (!identifier_) {
+            writeWithoutCommand(key);
+            return;
+        }
+        ZQLog::logAlways_logWithFormat(true,
+                                       "%@ is active.%@ Reenable the feature using: defaults remove %@ %@",
+                                       key, spacer(key), identifier_, key);
+    }
+
+    /// The value's length moves the command out of its column; that is accepted.
+    void writeModifyingKey(const NSString& key) const {
+        const NSObject value = NSUserDefaults::standardUserDefaults().objectForKey(key);
+        if (!identifier_) {
+            ZQLog::logAlways_logWithFormat(true, "%@ is set to %@.", key, value);
+            return;
+        }
+        ZQLog::logAlways_logWithFormat(
+            true, "%@ is set to %@.%@ Disable this debug setting using: defaults remove %@ %@", key, value,
+            spacer(key), identifier_, key);
+    }
+
+private:
+    static void writeWithoutCommand(const NSString& key) {
+        ZQLog::logAlways_logWithFormat(true, "%@ is active.", key);
+    }
+
+    NSString spacer(const NSString& key) const {
+        // The width is that of the longest key and one more, so at least one blank is left.
+        return NSString::stringByRepeating_count(" ", static_cast<std::int64_t>(width_ - latin1Length(key)));
+    }
+
+    NSString identifier_;
+    std::size_t width_;
+};
+
+using LineWriter = void (SwitchLines::*)(const NSString& key) const;
+
+void writeSection(StringView heading, const NSArray& keys, const SwitchLines& lines, LineWriter writeLine,
+                  StringView separator) {
+    if (keys.count() == 0) {
+        return;
+    }
+    ZQLog::logAlways_log(true, heading);
+    for (const NSObject& key : keys) {
+        (lines.*writeLine)(NSString(key));
+    }
+    ZQLog::logAlways_log(true, separator);
+}
+
+} // namespace
+
+void writeDefaultsReport(StringView separator) {
+    const Switches switches = readSwitches();
+    const std::size_t width = columnWidth(switches);
+    const SwitchLines lines(NSString(ZQLogInfo::getAppInformation().objectForKey("appIdentifier")), width);
+    writeSection("Debug logging:", switches.tracing, lines, &SwitchLines::writeTraceKey, separator);
+    writeSection("Feature enabling:", switches.enabling, lines, &SwitchLines::writeEnablingKey, separator);
+    writeSection("Feature disabling:", switches.disabling, lines, &SwitchLines::writeDisablingKey, separator);
+    writeSection("Feature modifying:", switches.modifying, lines, &SwitchLines::writeModifyingKey, separator);
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_INFO_DEFAULTSREPORT_H
+#define ZQFOUNDATION_INFO_DEFAULTSREPORT_H
+
+#include "foundation/objects/StringView.h"
+
+namespace ZQFoundation::detail {
+
+/// Writes the active trace keys and the switches among the user defaults to the log, a section for each kind
+/// that has any, the separator behind each section. Gathers the application's facts for its identifier, with
+/// their warnings.
+void writeDefaultsReport(StringView separator);
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/NSBundle.h"
+#include "foundation/process/NSProcessInfo.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+/// An Info dictionary may hold anything under any key; a value that is no string counts by its text.
+NSString textOfInfoKey(StringView key) {
+    const NSObject value = NSBundle::mainBundle().objectForInfoDictionaryKey(key);
+    const NSString text(value);
+    return text ? text : value.description();
+}
+
+NSString pathOfLibrarySubfolder(StringView middle) {
+    const NSString subpath = NSProcessInfo::appSpecificLibrarySubpath();
+    return NSString("~")
+        .stringByResolvingSymlinksInPath()
+        .stringByAppendingPathComponent("Library")
+        .stringByAppendingPathComponent(middle)
+        .stringByAppendingPathComponent(subpath)
+        .stringByStandardizingPath();
+}
+
+} // namespace
+
+NSString NSProcessInfo::shortCompanyName() { return textOfInfoKey("ZQCompanyName"); }
+
+NSString NSProcessInfo::shortApplicationName() {
+    if (NSString name = textOfInfoKey("NSHumanReadableShortName")) {
+        return name;
+    }
+    return NSString("MyApplication").asDefaultOr(processInfo().processName());
+}
+
+NSString NSProcessInfo::appSpecificLibrarySubpath() {
+    const NSString company = shortCompanyName();
+    const NSString application = shortApplicationName();
+    return company ? company.stringByAppendingPathComponent(application) : application;
+}
+
+NSString NSProcessInfo::pathOfLibraryApplicationSupportSubfolder() {
+    return pathOfLibrarySubfolder("Application Support");
+}
+
+NSString NSProcessInfo::pathOfLibraryLogSubfolder() { return pathOfLibrarySubfolder("Logs"); }
+
+} // namespace ZQFoundation

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_INFO_RELEASEFILE_H
+#define ZQFOUNDATION_INFO_RELEASEFILE_H
+
+#include <string>
+
+#include "foundation/objects/NSDictionary.h"
+
+namespace ZQFoundation::detail {
+
+/// The entries NAME, VERSION, VERSION_ID and BUILD_ID of a release description, as far as it has them: lines
+/// of `KEY=value`, the value quoted as for a shell. Of a key that stands twice the last value counts.
+///
+/// What a shell would refuse is read as it was meant: blanks in a value without quotes belong to it, those at
+/// its end do not; a quote that is not closed ends with its line. Ill-formed UTF-8 becomes U+FFFD.
+NSDictionary releaseEntriesFromBytes(const std::string& bytes);
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "info/SystemVersion.h"
+
+#include <string>
+#include <vector>
+
+#include "foundation/plist/PropertyList.h"
+#include "foundation/process/FileReading.h"
+#include "foundation/system/TestOverrides.h"
+#include "foundation/text/Utf.h"
+#include "info/ReleaseFile.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+std::string systemVersionFile() {
+    return overrides::systemVersionFile != nullptr ? *overrides::systemVersionFile
+                                                   : "/System/Library/CoreServices/SystemVersion.plist";
+}
+
+/// Nil when there is nothing to parse.
+NSDictionary parsed(const std::string& path, FileParser parse) {
+    NSDictionary values;
+    FileStamp stamp;
+    readStampedFile(path, parse, values, stamp);
+    return values;
+}
+
+NSDictionary dictionaryFromAnyForm(const std::string& bytes) {
+    const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
+    return NSDictionary(parsePropertyListBytes(start, bytes.size(), nullptr));
+}
+
+NSString textFromUtf8(const std::string& bytes) {
+    const std::size_t mark = bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+    return NSString::stringWithUTF8Bytes(bytes.data() + mark, bytes.size() - mark);
+}
+
+/// Lenient: a byte from 0x80 up becomes the unit of the same number.
+NSString textFromAscii(const std::string& bytes) {
+    std::u16string units(bytes.size(), u'\0');
+    widenAscii(bytes.data(), bytes.size(), units.data());
+    return NSString::stringWithCharacters_length(units.data(), units.size());
+}
+
+NSDictionary dictionaryFromText(const std::string& bytes) {
+    const NSString text = textFromUtf8(bytes);
+    return (text ? text : textFromAscii(bytes)).propertyListFromStringsFileFormat();
+}
+
+std::vector<std::string> releaseFiles() {
+    return overrides::releaseFiles != nullptr ? *overrides::releaseFiles : system::releaseFiles();
+}
+
+NSDictionary releaseEntries() {
+    for (const std::string& path : releaseFiles()) {
+        if (fileExists(path)) {
+            return parsed(path, releaseEntriesFromBytes);
+        }
+    }
+    return nullptr;
+}
+
+NSString kernelRelease() {
+    const std::string release = system::kernelRelease();
+    return release.empty() ? NSString("unknown") : NSString(release);
+}
+
+/// The first that is neither missing nor empty, else the last resort.
+NSString firstOf(const NSDictionary& entries, std::initializer_list<const char*> keys,
+                 const NSString& lastResort) {
+    for (const char* const key : keys) {
+        const NSString text(entries.objectForKey(key));
+        if (text.length() != 0) {
+            return text;
+        }
+    }
+    return lastResort;
+}
+
+} // namespace
+
+bool usesSystemVersionFile() {
+    if (fileExists(systemVersionFile())) {
+        return true;
+    }
+    return overrides::releaseFiles == nullptr && system::releaseFiles().empty();
+}
+
+NSDictionary systemVersionDictionary() {
+    return usesSystemVersionFile() ? parsed(systemVersionFile(), dictionaryFromAnyForm)
+                                   : releaseDescription();
+}
+
+NSDictionary systemVersionFileText() { return parsed(systemVersionFile(), dictionaryFromText); }
+
+NSDictionary releaseDescription() {
+    const NSDictionary entries = releaseEntries();
+    const NSString kernel = kernelRelease();
+    const NSString version = firstOf(entries, {"VERSION_ID", "BUILD_ID"}, kernel);
+    return NSDictionary{{"ProductName", firstOf(entries, {"NAME"}, "Linux")},
+                        {"ProductVersion", version},
+                        {"ProductUserVisibleVersion", firstOf(entries, {"VERSION"}, version)},
+                        {"ProductBuildVersion", kernel}};
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "info/ZQMacOSRuntimeEnvironment.h"
+
+#include <atomic>
+#include <cstdint>
+
+#if !defined(__aarch64__) && !defined(__x86_64__)
+#include <sys/utsname.h>
+#endif
+
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/process/NSBundle.h"
+#include "foundation/system/CallerState.h"
+#include "foundation/system/Published.h"
+#include "foundation/text/NumberText.h"
+#include "info/SystemVersion.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+struct Release {
+    NSDictionary dictionary;
+    std::uint64_t major_ = 0; // the bare names are macros in some systems' headers
+    std::uint64_t minor_ = 0;
+    std::uint64_t patch_ = 0;
+};
+
+constinit std::atomic<const Release*> knownRelease{nullptr};
+
+std::uint64_t numberOf(const detail::NormalizedText& text, std::size_t start, std::size_t end) {
+    const std::int64_t number = text.isAscii() ? detail::readInt64(text.ascii() + start, end - start)
+                                               : detail::readInt64(text.units() + start, end - start);
+    return number < 0 ? 0 : static_cast<std::uint64_t>(number);
+}
+
+/// The components between periods, as far as there are places for them.
+void readNumbers(const NSString& version, Release& release) {
+    const detail::NormalizedText text(version);
+    std::size_t start = 0;
+    for (std::uint64_t* const place : {&release.major_, &release.minor_, &release.patch_}) {
+        std::size_t end = start;
+        while (end < text.length() && text[end] != u'.') {
+            ++end;
+        }
+        *place = numberOf(text, start, end);
+        if (end == text.length()) {
+            break;
+        }
+        start = end + 1;
+    }
+}
+
+const Release& release() {
+    if (const Release* const known = knownRelease.load(std::memory_order_acquire)) {
+        return *known;
+    }
+    const detail::CallerState callerState;
+    auto* const fresh = new Release;
+    fresh->dictionary = detail::systemVersionDictionary();
+    readNumbers(NSString(fresh->dictionary.objectForKey("ProductVersion")), *fresh);
+    // Threads that come here at once read the same; what the first of them found stays.
+    return detail::publishOnce(knownRelease, fresh);
+}
+
+/// Whatever comes after version 10 is later than every 10.x.
+bool isAtLeast10Dot(std::uint64_t minorNumber) {
+    const Release& known = release();
+    return known.major_ > 10 || (known.major_ == 10 && known.minor_ >= minorNumber);
+}
+
+NSString localized(const NSString& text) {
+    return NSBundle::libraryBundle().localizedStringForKey_value_table(text, "", nullptr);
+}
+
+NSString userVisibleText(StringView key, const char* fallback) {
+    const detail::CallerState callerState;
+    const NSString text(detail::systemVersionDictionary().objectForKey(key));
+    return text.length() != 0 ? text : localized(fallback);
+}
+
+#if defined(__aarch64__)
+NSString processorArchitecture() { return "ARM"; }
+#elif defined(__x86_64__)
+NSString processorArchitecture() { return "Intel"; }
+#else
+/// Of no family that has a name here: what the kernel calls it.
+NSString processorArchitecture() {
+    utsname names{};
+    return uname(&names) >= 0 ? NSString(static_cast<const char*>(names.machine)) : NSString("unknown");
+}
+#endif
+
+} // namespace
+
+void ZQMacOSRuntimeEnvironment::initialize() { release(); }
+
+NSDictionary ZQMacOSRuntimeEnvironment::systemVersionPlist() { return release().dictionary; }
+
+std::uint64_t ZQMacOSRuntimeEnvironment::osVersionMajor() { return release().major_; }
+
+std::uint64_t ZQMacOSRuntimeEnvironment::osVersionMinor() { return release().minor_; }
+
+std::uint64_t ZQMacOSRuntimeEnvironment::osVersionPatch() { return release().patch_; }
+
+bool ZQMacOSRuntimeEnvironment::isSierraOrLater() { return isAtLeast10Dot(12); }
+
+bool ZQMacOSRuntimeEnvironment::isHighSierraOrLater() { return isAtLeast10Dot(13); }
+
+bool ZQMacOSRuntimeEnvironment::isMojaveOrLater() { return isAtLeast10Dot(14); }
+
+bool ZQMacOSRuntimeEnvironment::isCatalinaOrLater() { return isAtLeast10Dot(15); }
+
+bool ZQMacOSRuntimeEnvironment::isBigSurOrLater() { return isAtLeast10Dot(16); }
+
+bool ZQMacOSRuntimeEnvironment::isARM() {
+#ifdef __aarch64__
+    return true;
+#else
+    return false;
+#endif
+}
+
+bool ZQMacOSRuntimeEnvironment::isIntel() {
+#ifdef __x86_64__
+    return true;
+#else
+    return false;
+#endif
+}
+
+bool ZQMacOSRuntimeEnvironment::isPowerPC() { return false; }
+
+NSString ZQMacOSRuntimeEnvironment::localizedProcessorArchitecture() {
+    return localized(processorArchitecture());
+}
+
+NSString ZQMacOSRuntimeEnvironment::userVisibleMacOSVersion() {
+    return userVisibleText("ProductUserVisibleVersion", "unknown version");
+}
+
+NSString ZQMacOSRuntimeEnvironment::userVisibleMacOSName() {
+    return userVisibleText("ProductName", "unknown OS");
+}
+
+NSString ZQMacOSRuntimeEnvironment::userVisibleMacOSBuild() {
+    return userVisibleText("ProductBuildVersion", "unknown build");
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+// Where the log of a run belongs, and standard error led into it.
+#include "foundation/files/GuardedOpening.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/system/Published.h"
+#include "foundation/time/NSDateFormatter.h"
+#include "log/StandardErrorRedirection.h"
+#include "log/ZQLog.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+/// The path of the current log file. Nothing in the library reads it; it is there for a debugger.
+constinit detail::Published<NSString> optionalLogFilePath;
+
+constexpr int largestFileNumber = 999;
+
+void complain(FormatString<NSString> format, const NSString& path) {
+    ZQLog::logSelf_method_logAlways_logWithFormat(classOf<ZQLog>(), "setLogFilePath:createFolder:", true,
+                                                  format, path);
+}
+
+NSString absolutePath(const NSString& path) {
+    const NSString whole =
+        path.isAbsolutePath() ? path : ZQLog::standardLogFolder().stringByAppendingPathComponent(path);
+    return whole.stringByStandardizingPath().stringByResolvingSymlinksInPath();
+}
+
+/// Whether lines may be appended to what stands at the path.
+bool acceptExistingFile(const NSString& path) {
+    const NSFileManager& files = NSFileManager::defaultManager();
+    if (!files.isRegularFileAtPath(path)) {
+        complain("%@ is not a regular file", path);
+        return false;
+    }
+    std::string bytes;
+    // A file that somebody has planted under a guessed name counts as one that cannot be written.
+    const bool isPlanted = path.getFileSystemBytes(bytes) && !detail::mayAppendGuarded(bytes);
+    if (isPlanted || !files.isWritableFileAtPath(path)) {
+        complain("Cannot write log file at %@", path);
+        return false;
+    }
+    return true;
+}
+
+bool createFile(const NSString& path, bool createFolder) {
+    const bool created = NSFileManager::defaultManager()
+                             .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+                                 path, nullptr, nullptr, nullptr, createFolder);
+    if (!created) {
+        complain("Cannot create log file at %@", path);
+    }
+    return created;
+}
+
+/// Makes an empty file where nothing stands.
+bool acceptNewFile(const NSString& path, bool createFolder) {
+    const NSFileManager& files = NSFileManager::defaultManager();
+    const NSString parent = path.stringByDeletingLastPathComponent();
+    if (!files.fileExistsAtPath(parent)) {
+        return createFolder && createFile(path, true);
+    }
+    if (!files.isDirectoryAtPath(parent)) {
+        complain("%@ is not a folder", path); // names the file, not the parent
+        return false;
+    }
+    return createFile(path, false);
+}
+
+} // namespace
+
+NSString ZQLog::standardLogFolder() {
+    const NSString library = NSString("~/Library").stringByResolvingSymlinksInPath();
+    if (!NSFileManager::defaultManager().isDirectoryAtPath(library)) {
+        return "/tmp";
+    }
+    return NSProcessInfo::pathOfLibraryLogSubfolder();
+}
+
+NSString ZQLog::standardNewLogFileNameForLoggingToFolder(const NSString& folder) {
+    const NSProcessInfo& process = NSProcessInfo::processInfo();
+    const NSString stem = NSString::stringWithFormat("%@.%@.%d", process.processName(),
+                                                     dateFormatterShort().stringFromDate(NSDate::date()),
+                                                     process.processIdentifier());
+    const NSString name = NSString::stringWithFormat("%@.log", stem);
+    // A file of this name is this process's own, made in the same minute: it is continued, not avoided.
+    if (!folder || !folder.isEmpty()) {
+        return name;
+    }
+    const NSFileManager& files = NSFileManager::defaultManager();
+    const NSString path = folder.stringByAppendingPathComponent(name);
+    if (!files.fileExistsAtPath(path)) {
+        return name;
+    }
+    for (unsigned long number = 1; number <= largestFileNumber; ++number) {
+        // The unnumbered path decides: a number is given only when that file vanishes meanwhile.
+        if (!files.fileExistsAtPath(path)) {
+            return NSString::stringWithFormat("%@.%lu.log", stem, number);
+        }
+    }
+    return name;
+}
+
+NSString ZQLog::standardLogFilePath() {
+    const NSString folder = standardLogFolder();
+    return folder.stringByAppendingPathComponent(standardNewLogFileNameForLoggingToFolder(folder));
+}
+
+bool ZQLog::setLogFilePath_createFolder(const NSString& path, bool createFolder) {
+    if (!path || path.isEmpty()) {
+        return false;
+    }
+    const NSString file = absolutePath(path);
+    const bool isReady = NSFileManager::defaultManager().fileExistsAtPath(file)
+                             ? acceptExistingFile(file)
+                             : acceptNewFile(file, createFolder);
+    if (isReady) {
+        setOptionalLogFilePath(file);
+    }
+    return isReady;
+}
+
+void ZQLog::setOptionalLogFilePath(const NSString& path) {
+    optionalLogFilePath.replace(new NSString(path));
+    detail::saveStandardError();
+    std::string bytes;
+    if (!path) {
+        return; // leads nowhere else
+    }
+    if (!path.getFileSystemBytes(bytes)) {
+        bytes.clear(); // no file can bear this name: it fails as any other that cannot be opened
+    }
+    detail::redirectStandardError(bytes);
+}
+
+void ZQLog::clearLogFilePath() {
+    optionalLogFilePath.replace(new NSString());
+    detail::restoreStandardError();
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// Removal of old log files, by age and by count.
+#include <algorithm>
+#include <vector>
+
+#include "foundation/files/FileInformation.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/system/CallerState.h"
+#include "foundation/text/NSCharacterSet.h"
+#include "log/ZQLog.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+// The grammar of a log file's name: process name, middle, ".log". The middle may be empty.
+constexpr const char* suffix = ".log";
+constexpr std::size_t suffixLength = 4;
+
+// Standard names hold a "-" in their date, so removal by age leaves them alone.
+constexpr const char* middleForAge = "0123456789.";
+constexpr const char* middleForCount = "0123456789.-";
+
+/// Raises NSRangeException when process name and suffix overlap in the name, which leaves no middle to look
+/// at: "My.log" as a file of the process "My.log".
+bool isLogFileName(const NSString& name, const NSString& processName,
+                   const NSCharacterSet& othersThanMiddle) {
+    if (!name.hasPrefix(processName) || !name.hasSuffix(suffix)) {
+        return false;
+    }
+    const std::size_t start = processName.length();
+    const NSString middle = name.substringWithRange(start, name.length() - start - suffixLength);
+    return middle.rangeOfCharacterFromSet(othersThanMiddle).location == NSNotFound;
+}
+
+NSCharacterSet othersThan(const char* characters) {
+    return NSCharacterSet::characterSetWithCharactersInString(characters).invertedSet();
+}
+
+void removeLogFile(const NSString& path) {
+    if (!NSFileManager::defaultManager().removeItemAtPath_error(path)) {
+        ZQLog::logAlways_logWithFormat(true, "Cannot remove log file \"%@\"", path);
+    }
+}
+
+/// When the item that the path leads to was last changed; nil when there is none. Most are no links, and then
+/// one look at the item itself is enough.
+NSDate modificationDateBehindLinks(const NSString& path) {
+    const detail::CallerState callerState;
+    struct stat information;
+    // A leading tilde is expanded when links are resolved.
+    if (!path.hasPrefix("~") && detail::getItemInformation(path, information) &&
+        !S_ISLNK(information.st_mode)) {
+        return detail::modificationDateOf(information);
+    }
+    const NSDictionary attributes =
+        NSFileManager::defaultManager().attributesOfItemAtPath_error(path.stringByResolvingSymlinksInPath());
+    return NSDate(attributes.objectForKey(NSFileModificationDate));
+}
+
+/// Calls `visit(path, date)` for each log file of this process in the folder, in listing order, dated by what
+/// a link leads to. What cannot be dated is passed over. False when the folder cannot be listed.
+template <class Visit>
+bool forEachLogFile(const NSString& folder, const char* middle, const Visit& visit) {
+    const NSArray names = NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(folder);
+    if (!names) {
+        return false;
+    }
+    const NSString processName = NSProcessInfo::processInfo().processName();
+    const NSCharacterSet others = othersThan(middle);
+    for (const NSObject& entry : names) {
+        const NSString name(entry);
+        if (!isLogFileName(name, processName, others)) {
+            continue;
+        }
+        const NSString path = folder.stringByAppendingPathComponent(name);
+        if (const NSDate date = modificationDateBehindLinks(path)) {
+            visit(path, date);
+        }
+    }
+    return true;
+}
+
+struct DatedFile {
+    NSDate date;
+    NSString path;
+};
+
+/// Oldest first. Of files with the same date only the one that was listed last is left.
+void arrangeByDate(std::vector<DatedFile>& files) {
+    std::stable_sort(files.begin(), files.end(), [](const DatedFile& left, const DatedFile& right) {
+        return left.date.compare(right.date) == NSOrderedAscending;
+    });
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const bool isLastOfItsDate = i + 1 == files.size() || !files[i].date.isEqualToDate(files[i + 1].date);
+        if (isLastOfItsDate) {
+            std::swap(files[kept++], files[i]);
+        }
+    }
+    files.resize(kept);
+}
+
+} // namespace
+
+void ZQLog::removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder) {
+    forEachLogFile(folder, middleForAge, [&](const NSString& path, const NSDate& changed) {
+        if (date && changed.compare(date) == NSOrderedAscending) {
+            logAlways_logWithFormat(true, "Removing log file %@ due to log file age", path);
+            removeLogFile(path);
+        }
+    });
+}
+
+void ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count) {
+    std::vector<DatedFile> files;
+    forEachLogFile(folder, middleForCount, [&](const NSString& path, const NSDate& changed) {
+        files.push_back({changed, path});
+    });
+    arrangeByDate(files);
+    for (std::size_t i = 0; i + count < files.size(); ++i) {
+        logAlways_logWithFormat(true, "Removing log file %@ due to log file count", files[i].path);
+        removeLogFile(files[i].path);
+    }
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "log/NSAssertionHandler.h"
+
+#include "log/ZQLog.h"
+
+namespace ZQFoundation {
+
+extern "C" constexpr const char* const ZQMustOverrideMethodException = "ZQMustOverrideMethodException";
+
+namespace {
+
+/// The class that an object says it is of; nil for nothing and for an object of unknown class.
+NSString classNameOf(const LogCaller& object) {
+    switch (object.form()) {
+    case LogCaller::Form::absent:
+    case LogCaller::Form::unknown:
+        return nullptr;
+    case LogCaller::Form::instance:
+        return object.instanceClassName();
+    case LogCaller::Form::host:
+        return object.host().className();
+    case LogCaller::Form::value:
+        return object.value().className();
+    }
+    return nullptr;
+}
+
+/// Whether the object, asked for its class, answers itself: a class does, and nothing does.
+bool isItsOwnClass(const LogCaller& object) {
+    switch (object.form()) {
+    case LogCaller::Form::absent:
+        return true;
+    case LogCaller::Form::value:
+        return !object.value() || Class(object.value());
+    case LogCaller::Form::unknown:
+    case LogCaller::Form::instance:
+    case LogCaller::Form::host:
+        return false;
+    }
+    return false;
+}
+
+/// Writes first: the line must be there even when nobody catches the exception.
+[[noreturn]] void logAndRaise(const NSString& line, const NSString& exceptionName, StringView format,
+                              ArgumentList arguments) {
+    ZQLog::logAlways_log(true, line);
+    const NSString description = NSString::stringWithFormat_arguments(format, arguments);
+    NSException::raise_format(exceptionName, "%@", description);
+}
+
+} // namespace
+
+NSAssertionHandler& NSAssertionHandler::currentHandler() noexcept {
+    static constinit NSAssertionHandler handler;
+    return handler;
+}
+
+void NSAssertionHandler::handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
+    StringView function, StringView file, std::int64_t lineNumber, const NSString& exceptionName,
+    StringView format, ArgumentList arguments) const {
+    const NSString line = NSString::stringWithFormat("*** Assertion failure in %@(), %@:%ld", function,
+                                                     NSString(file).lastPathComponent(), lineNumber);
+    logAndRaise(line, exceptionName, format, arguments);
+}
+
+void NSAssertionHandler::handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
+    StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
+    const NSString& exceptionName, StringView format, ArgumentList arguments) const {
+    const NSString line = NSString::stringWithFormat("*** Assertion failure in %@[%@ %@], %@:%ld",
+                                                     isItsOwnClass(object) ? "+" : "-", classNameOf(object),
+                                                     method, NSString(file).lastPathComponent(), lineNumber);
+    logAndRaise(line, exceptionName, format, arguments);
+}
+
+} // namespace ZQFoundation

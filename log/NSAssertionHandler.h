@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_NSASSERTIONHANDLER_H
+#define ZQFOUNDATION_LOG_NSASSERTIONHANDLER_H
+
+#include "../foundation/objects/NSException.h"
+#include "LogCaller.h"
+
+namespace ZQFoundation {
+
+/// The name for the exception that a host raises where a subclass had to override an operation and did not:
+/// "ZQMustOverrideMethodException". The library never raises it.
+extern "C" ZQFOUNDATION_EXPORT const char* const ZQMustOverrideMethodException;
+
+/// Writes a failed assertion into the log and raises an exception.
+///
+///     ZQAssert(count < limit, NSRangeException, "%d of %d", count, limit);
+///     // *** Assertion failure in reload(), Store.cpp:42   and then an NSException "NSRangeException: 7 of
+///     5"
+///
+/// The line is written before the exception is raised, so it is in the log even when nobody catches that.
+/// Names may be nil; of the file only the last path component is written. Any thread.
+class ZQFOUNDATION_EXPORT NSAssertionHandler {
+public:
+    /// The one object, never destroyed.
+    static NSAssertionHandler& currentHandler() noexcept;
+
+    NSAssertionHandler(const NSAssertionHandler&) = delete;
+    NSAssertionHandler& operator=(const NSAssertionHandler&) = delete;
+
+    // The platform's own: they raise NSInternalInconsistencyException.
+
+    template <class... Arguments>
+    [[noreturn]] void handleFailureInFunction_file_lineNumber_description(
+        StringView function, StringView file, std::int64_t lineNumber,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) const {
+        handleFailureInFunction_file_lineNumber_exceptionName_description(
+            function, file, lineNumber, NSInternalInconsistencyException, format, arguments...);
+    }
+
+    template <class... Arguments>
+    [[noreturn]] void handleFailureInMethod_object_file_lineNumber_description(
+        StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) const {
+        handleFailureInMethod_object_file_lineNumber_exceptionName_description(
+            method, object, file, lineNumber, NSInternalInconsistencyException, format, arguments...);
+    }
+
+    // NSAssertionHandler(ZQFoundation)
+
+    /// Writes "*** Assertion failure in parse(), parse.c:42" and raises an exception of the given name, its
+    /// reason formatted as `NSString::stringWithFormat` does.
+    template <class... Arguments>
+    [[noreturn]] void handleFailureInFunction_file_lineNumber_exceptionName_description(
+        StringView function, StringView file, std::int64_t lineNumber, const NSString& exceptionName,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) const {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
+            function, file, lineNumber, exceptionName, format.text(), packed.list());
+    }
+    [[noreturn]] void handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
+        StringView function, StringView file, std::int64_t lineNumber, const NSString& exceptionName,
+        StringView format, ArgumentList arguments) const;
+
+    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10", with "+" when the object is a class,
+    /// and raises likewise.
+    template <class... Arguments>
+    [[noreturn]] void handleFailureInMethod_object_file_lineNumber_exceptionName_description(
+        StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
+        const NSString& exceptionName, FormatString<std::type_identity_t<Arguments>...> format,
+        const Arguments&... arguments) const {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
+            method, object, file, lineNumber, exceptionName, format.text(), packed.list());
+    }
+    [[noreturn]] void handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
+        StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
+        const NSString& exceptionName, StringView format, ArgumentList arguments) const;
+
+private:
+    constexpr NSAssertionHandler() noexcept = default;
+};
+
+} // namespace ZQFoundation
+
+/// Fails unless the condition holds: writes the line with the enclosing function, file and line and raises an
+/// exception of that name. The rest is a format and its arguments. Never compiled out; nothing but the
+/// condition is evaluated while it holds.
+///
+///     ZQAssert(parsed, "BadInput", "%d bad", count);
+#define ZQAssert(condition, exceptionName, ...)                                                              \
+    ((condition) ? static_cast<void>(0)                                                                      \
+                 : ::ZQFoundation::NSAssertionHandler::currentHandler()                                      \
+                       .handleFailureInFunction_file_lineNumber_exceptionName_description(                   \
+                           __func__, __FILE__, __LINE__, exceptionName, __VA_ARGS__))
+
+/// The same in a member function, for the object given (`this`) or the class (`classOf<Store>()`).
+#define ZQAssertInMethod(condition, object, exceptionName, ...)                                              \
+    ((condition) ? static_cast<void>(0)                                                                      \
+                 : ::ZQFoundation::NSAssertionHandler::currentHandler()                                      \
+                       .handleFailureInMethod_object_file_lineNumber_exceptionName_description(              \
+                           __func__, object, __FILE__, __LINE__, exceptionName, __VA_ARGS__))
+
+#endif

@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: MIT
+// Where a log file belongs and how it is called.
+#include <atomic>
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "foundation/process/NSProcessInfo.h"
+#include "foundation/system/TestOverrides.h"
+#include "log/ZQLog.h"
+#include "tests/log/LogTestSupport.h"
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+namespace overrides = ZQFoundation::detail::overrides;
+
+constexpr double instant = 1'709'647'620.75; // 2024-03-05 14:07:00.75 UTC
+
+std::string text(const NSString& value) { return value ? value.utf8() : std::string("(nil)"); }
+
+std::string realPath(const std::string& path) {
+    char buffer[PATH_MAX] = {};
+    EXPECT_NE(::realpath(path.c_str(), buffer), nullptr) << path;
+    return buffer;
+}
+
+std::string number() { return std::to_string(::getpid()); }
+
+/// A process "MyApp" without a bundle at 14:07 UTC, in a home folder of its own that holds a Library.
+struct LogScene {
+    explicit LogScene(const std::string& name = "MyApp")
+        : base(realPath(folder.path())), home(folder.makeFolder("home")),
+          homeVariable("HOME", (base + "/home").c_str()),
+          arguments(overrides::arguments, {"/somewhere/" + name}),
+          processName(NSString::stringWithFileSystemBytes(name.data(), name.size())),
+          program(overrides::executablePath, folder.makeFolder("program") + "/viewer") {
+        folder.makeFolder("home/Library");
+    }
+
+    std::string operator/(const std::string& name) const { return base + "/" + name; }
+
+    scene::Folder folder;
+    std::string base;
+    std::string home;
+    scene::Variable homeVariable;
+    scene::Arguments arguments;
+    logtest::ProcessName processName; // a name that an earlier test has set would win over the arguments
+    scene::Path program;
+    scene::Variable zone{"TZ", "UTC0"};
+    scene::Replaced<double> clock{overrides::clock, instant};
+};
+
+std::string newName(const NSString& folder) {
+    return text(ZQLog::standardNewLogFileNameForLoggingToFolder(folder));
+}
+
+std::string standardName() { return "MyApp.20240305-1407." + number() + ".log"; }
+
+/// For what changes the current folder: the body runs in a forked child, inside the folder.
+template <class Body>
+bool insideFolder(const std::string& folder, const Body& body) {
+    return logtest::inChild([&] { return ::chdir(folder.c_str()) == 0 && body(); });
+}
+
+bool exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
+
+} // namespace
+
+// The folder.
+
+TEST(LogFileNames, folderIsTheApplicationsFolderUnderTheLibrary) {
+    const LogScene scene;
+    EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
+    EXPECT_EQ(ZQLog::standardLogFolder(), NSProcessInfo::pathOfLibraryLogSubfolder());
+    EXPECT_FALSE(exists(scene / "home/Library/Logs")) << "nobody asked for it to be made";
+}
+
+TEST(LogFileNames, folderHasALevelForTheCompany) {
+    const LogScene scene;
+    scene.folder.write("program/Info.plist",
+                       "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+                       "<key>ZQCompanyName</key><string>Acme</string>"
+                       "<key>NSHumanReadableShortName</key><string>Viewer</string></dict></plist>");
+    EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/Acme/Viewer");
+    // The file keeps the name of the process.
+    EXPECT_EQ(text(ZQLog::standardLogFilePath()),
+              scene / ("home/Library/Logs/Acme/Viewer/" + standardName()));
+}
+
+TEST(LogFileNames, folderIsTheTemporaryOneWithoutALibrary) {
+    const LogScene scene;
+    const std::string library = scene / "home/Library";
+    const auto folder = [] {
+        return text(ZQLog::standardLogFolder());
+    };
+    ASSERT_EQ(::rmdir(library.c_str()), 0);
+    EXPECT_EQ(folder(), "/tmp") << "missing";
+    EXPECT_EQ(text(ZQLog::standardLogFilePath()), "/tmp/" + standardName());
+    EXPECT_FALSE(exists(library));
+    scene.folder.write("home/Library", "a file");
+    EXPECT_EQ(folder(), "/tmp") << "a file";
+    ASSERT_EQ(::unlink(library.c_str()), 0);
+    ASSERT_EQ(::symlink("nosuch", library.c_str()), 0);
+    EXPECT_EQ(folder(), "/tmp") << "a dangling link";
+    ASSERT_EQ(::unlink(library.c_str()), 0);
+    scene.folder.write("file", "");
+    ASSERT_EQ(::symlink("../file", library.c_str()), 0);
+    EXPECT_EQ(folder(), "/tmp") << "a link to a file";
+    ASSERT_EQ(::unlink(library.c_str()), 0);
+    scene.folder.makeFolder("elsewhere");
+    ASSERT_EQ(::symlink("../elsewhere", library.c_str()), 0);
+    EXPECT_EQ(folder(), scene / "home/Library/Logs/MyApp") << "a link to a folder, which stays in the path";
+}
+
+TEST(LogFileNames, folderIsTheTemporaryOneWithoutAHome) {
+    const LogScene scene;
+    const scene::Variable home("HOME", (scene / "nosuch").c_str());
+    EXPECT_EQ(text(ZQLog::standardLogFolder()), "/tmp");
+    EXPECT_FALSE(exists(scene / "nosuch"));
+}
+
+TEST(LogFileNames, folderHasTheLinksOfTheHomeResolved) {
+    const LogScene scene;
+    ASSERT_EQ(::symlink("home", (scene / "toHome").c_str()), 0);
+    const scene::Variable home("HOME", (scene / "toHome").c_str());
+    EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
+    EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
+}
+
+// The name.
+
+TEST(LogFileNames, nameHoldsProcessMinuteAndNumber) {
+    const LogScene scene;
+    EXPECT_EQ(newName("/somewhere"), standardName());
+    const struct {
+        const char* zone;
+        double seconds;
+        const char* minute;
+    } rows[] = {
+        {"UTC0", instant, "20240305-1407"},
+        {"<+0530>-5:30", instant, "20240305-1937"},
+        {"<-10>10", instant, "20240305-0407"},
+        {"<+14>-14", instant, "20240306-0407"},
+        {"UTC0", instant + 59, "20240305-1407"},
+        {"UTC0", instant + 60, "20240305-1408"},
+        {"UTC0", 0, "19700101-0000"},
+        {"UTC0", 946'684'799, "19991231-2359"},
+    };
+    for (const auto& row : rows) {
+        const scene::Variable zone("TZ", row.zone);
+        const scene::Replaced<double> clock(overrides::clock, row.seconds);
+        EXPECT_EQ(newName(nullptr), std::string("MyApp.") + row.minute + "." + number() + ".log") << row.zone;
+    }
+}
+
+TEST(LogFileNames, nameHoldsTheProcessNameAsItIs) {
+    for (const char* const name : {"a b", "My.App", "%@ %d%n", "caf\u00E9", "-x", "My.log"}) {
+        const LogScene scene(name);
+        EXPECT_EQ(newName("/x"), std::string(name) + ".20240305-1407." + number() + ".log");
+    }
+    logtest::inFreshProcess([] {
+        const LogScene scene;
+        NSProcessInfo::processInfo().setProcessName("Renamed");
+        EXPECT_EQ(newName("/x"), "Renamed.20240305-1407." + number() + ".log");
+        EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/Renamed");
+    });
+}
+
+TEST(LogFileNames, nameHoldsAForkedChildsOwnNumber) {
+    const LogScene scene;
+    const std::string parents = newName("/x");
+    EXPECT_TRUE(
+        logtest::inChild([&parents] { return newName("/x") == standardName() && newName("/x") != parents; }));
+}
+
+TEST(LogFileNames, pathIsTheFolderWithTheName) {
+    const LogScene scene;
+    EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
+}
+
+// Numbers: a folder that is named never leads to one.
+
+TEST(LogFileNames, nameIsNeverNumberedForAFolder) {
+    const LogScene scene;
+    scene.folder.write("logs/" + standardName(), "there");
+    scene.folder.write("home/Library/Logs/MyApp/" + standardName(), "there");
+    EXPECT_EQ(newName(NSString(scene / "logs")), standardName());
+    EXPECT_EQ(newName(NSString(scene / "logs/")), standardName());
+    EXPECT_EQ(newName("/nosuch"), standardName());
+    EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
+    const std::string inside = scene / "logs";
+    EXPECT_TRUE(insideFolder(inside, [&scene] {
+        scene.folder.write("logs/" + standardName(), "the child's");
+        return newName(".") == standardName() && newName(nullptr) == standardName();
+    }));
+}
+
+TEST(LogFileNames, nameIsNotNumberedInTheCurrentFolderWhileTheFileOfThatNameStays) {
+    // What is looked for is the file without a number, each of the 999 times.
+    const LogScene scene;
+    scene.folder.makeFolder("logs");
+    EXPECT_TRUE(insideFolder(scene / "logs", [&scene] {
+        const bool isPlainAtFirst = newName("") == standardName();
+        scene.folder.write("logs/" + standardName(), "there");
+        return isPlainAtFirst && newName("") == standardName();
+    }));
+    EXPECT_TRUE(insideFolder(scene / "logs", [&scene] {
+        scene.folder.makeFolder("logs/" + standardName());
+        return newName("") == standardName();
+    })) << "a folder of that name";
+}
+
+TEST(LogFileNames, nameIsPlainWhenOnlyADanglingLinkBearsIt) {
+    const LogScene scene;
+    scene.folder.makeFolder("logs");
+    EXPECT_TRUE(insideFolder(scene / "logs", [] {
+        return ::symlink("nosuch", standardName().c_str()) == 0 && newName("") == standardName();
+    }));
+}
+
+TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
+    logtest::inFreshProcess([] {
+        const LogScene scene;
+        scene.folder.makeFolder("logs");
+        ASSERT_EQ(::chdir((scene / "logs").c_str()), 0);
+        const std::string stem = "MyApp.20240305-1407." + number();
+        const std::string plain = stem + ".log";
+        // The numbered files are all there, which changes nothing: nobody looks for them.
+        for (int i = 1; i <= 999; ++i) {
+            scene.folder.write("logs/" + stem + "." + std::to_string(i) + ".log", "");
+        }
+        std::atomic<bool> stop = false;
+        std::thread toggling([&] {
+            while (!stop) {
+                const int file = ::open(plain.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+                ::unlink(plain.c_str()); // at once, so that it may vanish within any two looks
+                ::close(file);
+            }
+        });
+        constexpr int wanted = 200;
+        int numbered = 0;
+        const std::time_t deadline = std::time(nullptr) + 60;
+        const NSString named(scene / "logs");
+        while (numbered < wanted && std::time(nullptr) < deadline) {
+            // The same coming and going in a folder that is named, or with none, leads to no number.
+            EXPECT_EQ(newName(named), plain);
+            EXPECT_EQ(newName(nullptr), plain);
+            const std::string name = newName("");
+            if (name == plain) {
+                continue;
+            }
+            const std::size_t middleLength = name.size() - (stem.size() + 5);
+            const std::string middle = name.substr(stem.size() + 1, middleLength);
+            EXPECT_EQ(name, stem + "." + middle + ".log");
+            const int value = static_cast<int>(NSString(middle).integerValue());
+            EXPECT_EQ(std::to_string(value), middle);
+            EXPECT_TRUE(value >= 1 && value <= 999) << name;
+            ++numbered;
+        }
+        stop = true;
+        toggling.join();
+        EXPECT_EQ(numbered, wanted) << "the file never vanished in time";
+    });
+}
+
+TEST(LogFileNames, nothingIsWrittenAndErrnoIsKept) {
+    const LogScene scene;
+    const logtest::CapturedOutput output;
+    errno = EDOM;
+    ZQLog::standardLogFolder();
+    ZQLog::standardLogFilePath();
+    newName(nullptr);
+    newName("/nosuch");
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_EQ(output.bytes(), "");
+    EXPECT_FALSE(exists(scene / "home/Library/Logs"));
+}
