@@ -15,10 +15,12 @@ constexpr bool isNewline(char16_t unit) noexcept {
 /// The same for `nextPlace` and `countPlaces`, over bytes of ASCII or over units.
 template <class Unit>
 inline constexpr auto newlineTest = [](auto unit) {
+    // Units below U+000A become large numbers, in a block by themselves and here by the cast.
+    const auto isAsciiNewline = static_cast<decltype(unit)>(unit - 0x0A) <= 3;
     if constexpr (sizeof(Unit) == 1) {
-        return (unit >= 0x0A) & (unit <= 0x0D);
+        return isAsciiNewline;
     } else {
-        return ((unit >= 0x0A) & (unit <= 0x0D)) | (unit == 0x85) | ((unit | 1) == 0x2029);
+        return isAsciiNewline | (unit == 0x85) | ((unit | 1) == 0x2029);
     }
 };
 

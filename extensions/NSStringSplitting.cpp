@@ -64,23 +64,23 @@ void forEachComponent(const Unit* units, std::size_t length, const Separators& s
     }
 }
 
-/// The pieces that `walk(take)` tells.
+/// The pieces that `walk(take)` tells. There is room for pieces of the usual length; an array with much too
+/// much of it gives it back.
 template <class Unit, class Walk>
-NSArray pieces(const Unit* units, std::size_t most, const Walk& walk) {
-    NSMutableArray found(most);
+NSArray pieces(const Unit* units, std::size_t length, std::size_t usualLength, const Walk& walk) {
+    NSMutableArray found(length / usualLength + 2);
     walk([&](std::size_t start, std::size_t end) { found.addObject(piece(units, start, end)); });
     return found.array();
 }
 
 template <class Unit>
 NSArray lines(const Unit* units, std::size_t length) {
-    const std::size_t most = detail::countPlaces(units, length, detail::newlineTest<Unit>) + 1;
-    return pieces(units, most, [&](const auto& take) { detail::forEachLine(units, length, take); });
+    return pieces(units, length, 40, [&](const auto& take) { detail::forEachLine(units, length, take); });
 }
 
 template <class Unit, class Separators>
 NSArray components(const Unit* units, std::size_t length, const Separators& separators) {
-    return pieces(units, length / 6 + 1,
+    return pieces(units, length, 8,
                   [&](const auto& take) { forEachComponent(units, length, separators, take); });
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSString.h"
+#include "foundation/objects/StringBodies.h"
 #include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
@@ -9,10 +10,15 @@ using detail::CharacterMembership;
 
 namespace {
 
+/// What `whitespaceAndControlCharacterSet` has of ASCII.
+struct AsciiBlanksAndControls {
+    static bool contains(char unit) noexcept { return unit <= ' ' || unit == 0x7F; }
+};
+
 /// Where the string begins once the members at its front are gone. The walk ends where as many units are
 /// behind it as are left, so no more than about half of the string goes.
-template <class Unit>
-std::size_t leftEdge(const Unit* units, std::size_t length, const CharacterMembership& members) noexcept {
+template <class Unit, class Members>
+std::size_t leftEdge(const Unit* units, std::size_t length, const Members& members) noexcept {
     std::size_t start = 0;
     std::size_t rest = length;
     while (start < rest && members.contains(units[start])) {
@@ -23,45 +29,61 @@ std::size_t leftEdge(const Unit* units, std::size_t length, const CharacterMembe
 }
 
 /// Where it ends once all members at its end are gone.
-template <class Unit>
+template <class Unit, class Members>
 std::size_t rightEdge(const Unit* units, std::size_t start, std::size_t length,
-                      const CharacterMembership& members) noexcept {
+                      const Members& members) noexcept {
     while (length > start && members.contains(units[length - 1])) {
         --length;
     }
     return length;
 }
 
-NSString trimmed(const NSString& string, const NSCharacterSet& set, bool atLeft, bool atRight) {
+NSString made(const char* units, std::size_t count) { return detail::makeAsciiString(units, count); }
+NSString made(const char16_t* units, std::size_t count) { return detail::makeString(units, count); }
+
+struct Sides {
+    bool left;
+    bool right;
+};
+
+/// The string itself when nothing goes.
+template <class Unit, class Members>
+NSString trimmed(const NSString& string, const Unit* units, const Members& members, Sides sides) {
+    const std::size_t length = string.length();
+    const std::size_t start = sides.left ? leftEdge(units, length, members) : 0;
+    const std::size_t end = sides.right ? rightEdge(units, start, length, members) : length;
+    return end - start == length ? string : made(units + start, end - start);
+}
+
+NSString trimmed(const NSString& string, const NSCharacterSet& set, Sides sides) {
     if (!string) {
         return nullptr;
     }
     const detail::StringBody& body = *detail::Access::string(string);
     const CharacterMembership members(set);
-    const auto edges = [&](const auto* units) {
-        const std::size_t start = atLeft ? leftEdge(units, body.length, members) : 0;
-        const std::size_t end = atRight ? rightEdge(units, start, body.length, members) : body.length;
-        return NSMakeRange(start, end - start);
-    };
-    const NSRange rest = body.isAscii ? edges(body.ascii()) : edges(body.units());
-    return rest.length == body.length ? string : string.substringWithRange(rest.location, rest.length);
+    return body.isAscii ? trimmed(string, body.ascii(), members, sides)
+                        : trimmed(string, body.units(), members, sides);
 }
 
 } // namespace
 
 NSString NSString::trimLeftCharactersOfCharacterSet(const NSCharacterSet& set) const {
-    return trimmed(*this, set, true, false);
+    return trimmed(*this, set, {.left = true, .right = false});
 }
 
 NSString NSString::trimRightCharactersOfCharacterSet(const NSCharacterSet& set) const {
-    return trimmed(*this, set, false, true);
+    return trimmed(*this, set, {.left = false, .right = true});
 }
 
 NSString NSString::trimCharactersOfCharacterSet(const NSCharacterSet& set) const {
-    return trimmed(*this, set, true, true);
+    return trimmed(*this, set, {.left = true, .right = true});
 }
 
 NSString NSString::trim() const {
+    if (*this && detail::Access::string(*this)->isAscii) {
+        const detail::StringBody& body = *detail::Access::string(*this);
+        return trimmed(*this, body.ascii(), AsciiBlanksAndControls(), {.left = true, .right = true});
+    }
     return trimCharactersOfCharacterSet(NSCharacterSet::whitespaceAndControlCharacterSet());
 }
 

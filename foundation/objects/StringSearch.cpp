@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Texts searched for in strings.
+#include <algorithm>
 #include <vector>
 
 #include "foundation/objects/ComposedSequences.h"
@@ -219,29 +220,104 @@ NSRange rangeOfFoldedAt(const UnitView& text, std::size_t start, const std::vect
     return point.isLast ? NSMakeRange(start, point.end - start) : nowhere;
 }
 
+/// Goes `count` stretches back from `at`, but not behind `start`.
+std::size_t stretchesBefore(const UnitView& text, std::size_t start, std::size_t at, std::size_t count,
+                            const SearchOptions& options) noexcept {
+    for (; count > 0 && at > start; --count) {
+        --at;
+        if (!options.isLiteral) {
+            at = detail::sequenceStart(text, at);
+        } else if (at > start && detail::isLowSurrogate(text[at]) && detail::isHighSurrogate(text[at - 1])) {
+            --at;
+        }
+    }
+    return at > start ? at : start;
+}
+
+/// Looks at the end first, then at twice as much and so on, so that a caller who goes on before each place
+/// that was found need not wait for the whole text every time.
+NSRange lastRangeOfFolded(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
+                          const SearchOptions& options) {
+    NSRange last = nowhere;
+    std::size_t from = text.length();
+    std::size_t stretches = wanted.size(); // a match has no more
+    while (last.location == NSNotFound && from > start) {
+        from = stretchesBefore(text, start, from, stretches, options);
+        FoldedSearch search(text, from, wanted, options);
+        for (NSRange found{}; search.next(found);) {
+            last = found;
+        }
+        if (options.isAnchored) {
+            return last.location + last.length == text.length() ? last : nowhere;
+        }
+        stretches = 2 * stretches + 16;
+    }
+    return last;
+}
+
 NSRange rangeOfFolded(const UnitView& text, std::size_t start, const NormalizedText& wantedText,
                       const SearchOptions& options) {
     const std::vector<char32_t> wanted = foldedPoints(wantedText, options);
-    if (options.isAnchored && !options.isBackwards) {
+    if (options.isBackwards) {
+        return lastRangeOfFolded(text, start, wanted, options);
+    }
+    if (options.isAnchored) {
         return rangeOfFoldedAt(text, start, wanted, options);
     }
-    FoldedSearch search(text, start, wanted, options);
-    NSRange last = nowhere;
-    for (NSRange found{}; search.next(found);) {
-        if (!options.isBackwards) {
-            return found;
-        }
-        last = found;
-    }
-    const bool misses =
-        options.isAnchored && last.location != NSNotFound && last.location + last.length != text.length();
-    return misses ? nowhere : last;
+    NSRange found = nowhere;
+    return FoldedSearch(text, start, wanted, options).next(found) ? found : nowhere;
 }
 
 /// Whether units decide: when they do by the options, and between bytes, which have no marks and no
 /// equivalents.
 bool isDecidedByUnits(const UnitView& text, const NormalizedText& wanted, const SearchOptions& options) {
     return !options.ignoresCase && (options.isLiteral || (text.isAscii() && wanted.isAscii()));
+}
+
+/// ASCII that is equivalent to nothing but itself; some signs stand for one of three characters of it.
+bool isPlainAscii(const NormalizedText& wanted) noexcept {
+    const auto hasEquivalent = [](char unit) {
+        return unit == ';' || unit == 'K' || unit == '`';
+    };
+    return wanted.isAscii() && std::none_of(wanted.ascii(), wanted.ascii() + wanted.length(), hasEquivalent);
+}
+
+/// Plain ASCII stands where its units do, unless a mark follows its last one.
+NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const NormalizedText& wanted,
+                          const SearchOptions& options) {
+    UnitView searched = text;
+    for (;;) {
+        NSRange found = rangeOfExactUnits(searched, start, wanted, options);
+        if (found.location == NSNotFound) {
+            return nowhere;
+        }
+        found.location += start;
+        const std::size_t last = found.location + found.length - 1;
+        if (detail::sequenceEnd(text, last) == last + 1) {
+            return found;
+        }
+        if (options.isAnchored) {
+            return nowhere;
+        }
+        if (options.isBackwards) {
+            searched = text.upTo(last);
+        } else {
+            start = last + 1;
+        }
+    }
+}
+
+NSRange rangeOfText(const UnitView& text, std::size_t start, const NormalizedText& wanted,
+                    const SearchOptions& options) {
+    if (wanted.length() == 0) {
+        return nowhere;
+    }
+    if (isDecidedByUnits(text, wanted, options)) {
+        const NSRange found = rangeOfExactUnits(text, start, wanted, options);
+        return found.location == NSNotFound ? found : NSMakeRange(start + found.location, found.length);
+    }
+    return !options.ignoresCase && isPlainAscii(wanted) ? rangeOfPlainAscii(text, start, wanted, options)
+                                                        : rangeOfFolded(text, start, wanted, options);
 }
 
 } // namespace
@@ -258,30 +334,20 @@ NSRange NSString::rangeOfString_options_range(StringView text, unsigned options,
     }
     const UnitView whole(*detail::Access::string(*this));
     raiseUnlessWithin(range, whole.length());
-    const NormalizedText wanted(text);
-    if (wanted.length() == 0) {
-        return nowhere;
-    }
-    const UnitView searched = whole.upTo(range.location + range.length);
-    const SearchOptions chosen(options);
-    if (!isDecidedByUnits(searched, wanted, chosen)) {
-        return rangeOfFolded(searched, range.location, wanted, chosen);
-    }
-    const NSRange found = rangeOfExactUnits(searched, range.location, wanted, chosen);
-    return found.location == NSNotFound ? found : NSMakeRange(range.location + found.location, found.length);
+    return rangeOfText(whole.upTo(range.location + range.length), range.location, NormalizedText(text),
+                       SearchOptions(options));
 }
 
 NSArray NSString::componentsSeparatedByString(StringView separator) const {
     if (!*this) {
         return nullptr;
     }
+    const UnitView whole(*detail::Access::string(*this));
+    const NormalizedText wanted(separator);
+    const SearchOptions options(0);
     NSMutableArray pieces;
     std::size_t start = 0;
-    for (;;) {
-        const NSRange found = rangeOfString_options_range(separator, 0, NSMakeRange(start, length() - start));
-        if (found.location == NSNotFound) {
-            break;
-        }
+    for (NSRange found{}; (found = rangeOfText(whole, start, wanted, options)).location != NSNotFound;) {
         pieces.addObject(substringWithRange(start, found.location - start));
         start = found.location + found.length;
     }

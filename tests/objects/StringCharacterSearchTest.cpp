@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSString.h"
+#include "foundation/text/NSCharacterSet.h"
+#include "tests/objects/RandomTexts.h"
+
+using namespace ZQFoundation;
+using RandomTexts::shownUnits;
+using RandomTexts::stringOf;
+
+namespace {
+
+constexpr NSRange nowhere{NSNotFound, 0};
+
+NSRange modelFound(const std::u16string& text, std::u16string_view members, unsigned options, NSRange range) {
+    NSRange found = nowhere;
+    for (std::size_t at = range.location; at < range.location + range.length; ++at) {
+        const bool isBackwards = (options & NSBackwardsSearch) != 0;
+        const std::size_t anchor = isBackwards ? range.location + range.length - 1 : range.location;
+        if (members.find(text[at]) == members.npos || ((options & NSAnchoredSearch) != 0 && at != anchor)) {
+            continue;
+        }
+        found = {at, 1};
+        if (!isBackwards) {
+            break;
+        }
+    }
+    return found;
+}
+
+TEST(StringCharacterSearch, findsWhatASlowSearchFinds) {
+    RandomTexts::Numbers numbers(3);
+    const std::u16string members = u"xy\u20ac\xD83D";
+    const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString(members);
+    for (int round = 0; round < 20000; ++round) {
+        const bool isAscii = numbers.below(2) == 0;
+        const std::u16string text =
+            numbers.text(isAscii ? u"abcdx" : u"abc\u00e9x\u20ac\xD83D\xDE00", numbers.below(40));
+        const NSString string = stringOf(text);
+        const std::size_t start = numbers.below(text.size() + 1);
+        const NSRange range{start, numbers.below(text.size() - start + 1)};
+        for (unsigned options = 0; options < 16; ++options) {
+            ASSERT_EQ(string.rangeOfCharacterFromSet_options_range(set, options, range),
+                      modelFound(text, members, options, range))
+                << shownUnits(text) << " by " << options << " from " << range.location;
+        }
+        const NSRange whole{0, text.size()};
+        ASSERT_EQ(string.rangeOfCharacterFromSet(set), modelFound(text, members, 0, whole));
+    }
+}
+
+TEST(StringCharacterSearch, ofANilSetFindsNothing) {
+    EXPECT_EQ(NSString("abc").rangeOfCharacterFromSet(nullptr), nowhere);
+    EXPECT_EQ(NSString("abc").rangeOfCharacterFromSet_options(nullptr, NSBackwardsSearch), nowhere);
+    EXPECT_EQ(NSString("abc").stringByTrimmingCharactersInSet(nullptr), "abc");
+}
+
+TEST(StringCharacterSearch, trimsBothEndsWithoutABound) {
+    const NSCharacterSet blanks = NSCharacterSet::whitespaceCharacterSet();
+    const struct {
+        NSString text;
+        NSString trimmed;
+    } rows[] = {
+        {"", ""},           {" ", ""},        {"    ", ""},    {"x", "x"},
+        {"     x ", "x"},   {" x y ", "x y"}, {"\nx ", "\nx"}, {u"\u3000\u00e9\u00a0", u"\u00e9"},
+        {u"\u3000a ", "a"}, {u"\u3000 ", ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.text.stringByTrimmingCharactersInSet(blanks), row.trimmed)
+            << shownUnits(row.text.utf16());
+    }
+}
+
+} // namespace

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSString.h"
+#include "tests/objects/RandomTexts.h"
+
+using namespace ZQFoundation;
+using RandomTexts::shownUnits;
+using RandomTexts::stringOf;
+
+namespace {
+
+TEST(StringEncodingLength, countsTheBytesOfEachEncoding) {
+    const struct {
+        const char* name;
+        NSString text;
+        std::size_t ascii;
+        std::size_t latin1;
+        std::size_t utf8;
+        std::size_t utf16;
+    } rows[] = {
+        {"nil", nullptr, 0, 0, 0, 0},
+        {"empty", "", 0, 0, 0, 0},
+        {"ASCII", "abc", 3, 3, 3, 6},
+        {"U+0000", NSString(std::string_view("a\0b", 3)), 3, 3, 3, 6},
+        {"U+007F", "\x7F", 1, 1, 1, 2},
+        {"U+0080", u"\u0080", 0, 1, 2, 2},
+        {"U+00FF", u"a\u00ff", 0, 2, 3, 4},
+        {"U+0100", u"a\u0100", 0, 0, 3, 4},
+        {"U+07FF and U+0800", u"\u07ff\u0800", 0, 0, 5, 4},
+        {"the euro", u"\u20ac", 0, 0, 3, 2},
+        {"a pair", u"\U0001F600", 0, 0, 4, 4},
+        {"half a pair", u"a\xD83D", 0, 0, 0, 4},
+        {"the other half", u"\xDE00", 0, 0, 0, 2},
+        {"a byte-order mark is a character", u"\uFEFFa", 0, 0, 4, 4},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.text.lengthOfBytesUsingEncoding(NSASCIIStringEncoding), row.ascii) << row.name;
+        EXPECT_EQ(row.text.lengthOfBytesUsingEncoding(NSISOLatin1StringEncoding), row.latin1) << row.name;
+        EXPECT_EQ(row.text.lengthOfBytesUsingEncoding(NSUTF8StringEncoding), row.utf8) << row.name;
+        EXPECT_EQ(row.text.lengthOfBytesUsingEncoding(NSUTF16StringEncoding), row.utf16) << row.name;
+    }
+    EXPECT_EQ(NSString("abc").lengthOfBytesUsingEncoding(static_cast<NSStringEncoding>(0x7FFF)), 0U);
+}
+
+TEST(StringEncodingLength, isThatOfTheConvertedText) {
+    RandomTexts::Numbers numbers(17);
+    for (int round = 0; round < 5000; ++round) {
+        const NSString string = stringOf(numbers.text(u"ab\u00e9\u20ac\xD83D\xDE00", numbers.below(12)));
+        std::string converted;
+        const std::size_t expected = string.getUTF8(converted) ? converted.size() : 0;
+        ASSERT_EQ(string.lengthOfBytesUsingEncoding(NSUTF8StringEncoding), expected)
+            << shownUnits(string.utf16());
+        ASSERT_EQ(string.lengthOfBytesUsingEncoding(NSUTF16StringEncoding), 2 * string.length());
+    }
+}
+
+} // namespace

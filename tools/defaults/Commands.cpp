@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/Commands.h"
+
+#include <cstdio>
+
+#include "tools/defaults/DomainFile.h"
+#include "tools/defaults/Failure.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+void print(const NSString& text) {
+    const std::string bytes = text.utf8();
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+[[noreturn]] void failWithoutKey(const Domain& domain, const NSString& key) {
+    fail("the domain %@ has no key %@", domain.name, key);
+}
+
+NSDictionary existingDomain(const Domain& domain) {
+    NSDictionary values = readDomain(domain);
+    if (!values) {
+        fail("there is no domain %@", domain.name);
+    }
+    return values;
+}
+
+NSObject existingValue(const Domain& domain, const NSString& key) {
+    NSObject value = existingDomain(domain).objectForKey(key);
+    if (!value) {
+        failWithoutKey(domain, key);
+    }
+    return value;
+}
+
+NSDictionary withValue(const NSDictionary& values, const NSString& key, const NSObject& value) {
+    NSMutableDictionary changed(values);
+    changed.setObject_forKey(value, key);
+    return changed.dictionary();
+}
+
+// read
+
+void readAllDomains() {
+    NSMutableDictionary all;
+    for (const std::string& name : namesOfDomains()) {
+        all.setObject_forKey(existingDomain(domainFromWord(name)), NSString(name));
+    }
+    if (const NSDictionary global = readDomain(domainFromWord("-g"))) {
+        all.setObject_forKey(global, "NSGlobalDomain");
+    }
+    print(all.dictionary().description());
+}
+
+void read(const Words& words) {
+    if (words.size() == 1) {
+        readAllDomains();
+        return;
+    }
+    const Domain domain = domainFromWord(words[1]);
+    print(words.size() == 2 ? existingDomain(domain).description()
+                            : existingValue(domain, words[2]).description());
+}
+
+void readType(const Words& words) {
+    const NSObject value = existingValue(domainFromWord(words[1]), words[2]);
+    print(NSString::stringWithFormat("Type is %s", nameOfType(value)));
+}
+
+// write
+
+NSObject added(const NSObject& before, const WrittenValue& addition, const NSString& key) {
+    if (addition.manner == WrittenValue::Manner::addToArray) {
+        if (before && !NSArray(before)) {
+            fail("the value of %@ is no array, but of type %s", key, nameOfType(before));
+        }
+        NSMutableArray elements;
+        elements.addObjectsFromArray(NSArray(before));
+        elements.addObjectsFromArray(NSArray(addition.value));
+        return elements.array();
+    }
+    if (before && !NSDictionary(before)) {
+        fail("the value of %@ is no dictionary, but of type %s", key, nameOfType(before));
+    }
+    NSMutableDictionary entries{NSDictionary(before)};
+    for (const NSDictionaryEntry& entry : NSDictionary(addition.value)) {
+        entries.setObject_forKey(entry.value, entry.key);
+    }
+    return entries.dictionary();
+}
+
+void writeWholeDomain(const Domain& domain, const std::string& word) {
+    const NSDictionary values(valueFromWord(word));
+    if (!values) {
+        misuse("write needs a key and a value, or a dictionary \"{ key = value; }\"");
+    }
+    changeDomain(domain, [&](const NSDictionary&) { return values; });
+}
+
+void write(const Words& words) {
+    const Domain domain = domainFromWord(words[1]);
+    if (words.size() == 3) {
+        writeWholeDomain(domain, words[2]);
+        return;
+    }
+    const NSString key(words[2]);
+    const WrittenValue written = valueFromWords(words, 3);
+    changeDomain(domain, [&](const NSDictionary& values) {
+        const bool replaces = written.manner == WrittenValue::Manner::replace;
+        return withValue(values, key,
+                         replaces ? written.value : added(values.objectForKey(key), written, key));
+    });
+}
+
+// remove, rename
+
+void remove(const Words& words) {
+    const Domain domain = domainFromWord(words[1]);
+    if (words.size() == 2) {
+        removeDomain(domain);
+        return;
+    }
+    const NSString key(words[2]);
+    if (!readDomain(domain)) {
+        failWithoutKey(domain, key); // makes no file, and no folder for one
+    }
+    changeDomain(domain, [&](const NSDictionary& values) {
+        if (!values.objectForKey(key)) {
+            failWithoutKey(domain, key);
+        }
+        NSMutableDictionary rest(values);
+        rest.removeObjectForKey(key);
+        return rest.dictionary();
+    });
+}
+
+void rename(const Words& words) {
+    const Domain domain = domainFromWord(words[1]);
+    const NSString oldKey(words[2]);
+    const NSString newKey(words[3]);
+    existingValue(domain, oldKey);
+    changeDomain(domain, [&](const NSDictionary& values) {
+        const NSObject value = values.objectForKey(oldKey);
+        if (!value) {
+            failWithoutKey(domain, oldKey);
+        }
+        if (oldKey == newKey) {
+            return values;
+        }
+        if (values.objectForKey(newKey)) {
+            fail("the domain %@ has a key %@ already", domain.name, newKey);
+        }
+        NSMutableDictionary renamed(withValue(values, newKey, value));
+        renamed.removeObjectForKey(oldKey);
+        return renamed.dictionary();
+    });
+}
+
+// domains, find
+
+void listDomains(const Words&) {
+    NSMutableArray names;
+    for (const std::string& name : namesOfDomains()) {
+        names.addObject(NSString(name));
+    }
+    print(names.array().componentsJoinedByString(", "));
+}
+
+bool mentions(const NSString& text, const NSString& word) {
+    return text.containsString_caseInsensitiveSearch(word, true);
+}
+
+/// How many entries of the domain mention the word; those are printed.
+std::size_t findInDomain(const Domain& domain, const NSString& word) {
+    const NSDictionary values = readDomain(domain);
+    const bool isWhole = mentions(domain.name, word);
+    NSMutableDictionary found;
+    for (const NSDictionaryEntry& entry : values) {
+        if (isWhole || mentions(NSString(entry.key), word) || mentions(entry.value.description(), word)) {
+            found.setObject_forKey(entry.value, entry.key);
+        }
+    }
+    const std::size_t count = found.count();
+    if (count != 0) {
+        print(NSString::stringWithFormat("%lu key%s in the domain %@: %@", count, count == 1 ? "" : "s",
+                                         domain.name, found.dictionary()));
+    }
+    return count;
+}
+
+void find(const Words& words) {
+    std::size_t count = findInDomain(domainFromWord("-g"), words[1]);
+    for (const std::string& name : namesOfDomains()) {
+        count += findInDomain(domainFromWord(name), words[1]);
+    }
+    if (count == 0) {
+        fail("no domain, key or value holds \"%@\"", words[1]);
+    }
+}
+
+// import, export
+
+void importDomain(const Words& words) {
+    const Domain domain = domainFromWord(words[1]);
+    const NSDictionary values = readDictionary(words[2]);
+    changeDomain(domain, [&](const NSDictionary&) { return values; });
+}
+
+void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFromWord(words[1])), words[2]); }
+
+struct Command {
+    const char* name;
+    const char* arguments;
+    std::size_t leastWords; ///< with the command's own name
+    std::size_t mostWords;
+    void (*run)(const Words&);
+};
+
+constexpr std::size_t any = static_cast<std::size_t>(-1);
+
+constexpr Command commands[] = {
+    {"read", "[<domain> [<key>]]", 1, 3, read},
+    {"read-type", "<domain> <key>", 3, 3, readType},
+    {"write", "<domain> <key> [<type>] <value>", 3, any, write},
+    {"remove", "<domain> [<key>]", 2, 3, remove},
+    {"delete", "<domain> [<key>]", 2, 3, remove},
+    {"rename", "<domain> <old key> <new key>", 4, 4, rename},
+    {"domains", "", 1, 1, listDomains},
+    {"find", "<word>", 2, 2, find},
+    {"import", "<domain> <file>|-", 3, 3, importDomain},
+    {"export", "<domain> <file>|-", 3, 3, exportDomain},
+};
+
+} // namespace
+
+void runCommand(const Words& words) {
+    for (const Command& command : commands) {
+        if (words[0] != command.name) {
+            continue;
+        }
+        if (words.size() < command.leastWords || words.size() > command.mostWords) {
+            misuse("%s takes: %s %s", command.name, command.name, command.arguments);
+        }
+        command.run(words);
+        return;
+    }
+    misuse("there is no command %@", words[0]);
+}
+
+} // namespace ZQFoundation::defaults

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_DEFAULTS_COMMANDS_H
+#define ZQFOUNDATION_DEFAULTS_COMMANDS_H
+
+#include "tools/defaults/Values.h"
+
+namespace ZQFoundation::defaults {
+
+/// Carries out the command that the words spell: "write", "com.example.Viewer", "TraceLevel", "-int", "3".
+/// Throws Failure or Misuse.
+void runCommand(const Words& words);
+
+} // namespace ZQFoundation::defaults
+
+#endif

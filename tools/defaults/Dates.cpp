@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/Dates.h"
+
+#include "foundation/objects/CivilTime.h"
+#include "tools/defaults/Failure.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+/// Reads a text from front to back.
+class Cursor {
+public:
+    explicit Cursor(const std::string& text) noexcept : next_(text.c_str()) {}
+
+    bool take(char character) noexcept {
+        const bool found = *next_ == character;
+        next_ += found ? 1 : 0;
+        return found;
+    }
+
+    /// Exactly so many digits that make a number from `least` to `most`.
+    bool takeNumber(int digits, int least, int most, int& number) noexcept {
+        number = 0;
+        for (int i = 0; i < digits; ++i, ++next_) {
+            if (*next_ < '0' || *next_ > '9') {
+                return false;
+            }
+            number = number * 10 + (*next_ - '0');
+        }
+        return number >= least && number <= most;
+    }
+
+    bool isAtEnd() const noexcept { return *next_ == '\0'; }
+
+private:
+    const char* next_;
+};
+
+bool takeDays(Cursor& cursor, std::int64_t& days) noexcept {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    const bool isDate = cursor.takeNumber(4, 0, 9999, year) && cursor.take('-') &&
+                        cursor.takeNumber(2, 1, 12, month) && cursor.take('-') &&
+                        cursor.takeNumber(2, 1, 31, day);
+    // A day that the month does not have would carry into the next one.
+    return isDate && detail::daysFromCivil(year, month, day, days) &&
+           detail::civilFromDays(days) == detail::CivilDate{year, month, day};
+}
+
+bool takeTime(Cursor& cursor, int& seconds) noexcept {
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    if (!cursor.takeNumber(2, 0, 23, hour) || !cursor.take(':') || !cursor.takeNumber(2, 0, 59, minute)) {
+        return false;
+    }
+    if (cursor.take(':') && !cursor.takeNumber(2, 0, 59, second)) {
+        return false;
+    }
+    seconds = hour * 3600 + minute * 60 + second;
+    return true;
+}
+
+bool takeOffset(Cursor& cursor, int& seconds) noexcept {
+    cursor.take(' ');
+    if (cursor.take('Z')) {
+        return true;
+    }
+    const bool isBehind = cursor.take('-');
+    if (!isBehind && !cursor.take('+')) {
+        return false;
+    }
+    int hours = 0;
+    int minutes = 0;
+    if (!cursor.takeNumber(2, 0, 23, hours)) {
+        return false;
+    }
+    cursor.take(':');
+    if (!cursor.takeNumber(2, 0, 59, minutes)) {
+        return false;
+    }
+    seconds = (hours * 60 + minutes) * (isBehind ? -60 : 60);
+    return true;
+}
+
+} // namespace
+
+NSDate dateFromText(const std::string& text) {
+    Cursor cursor(text);
+    std::int64_t days = 0;
+    int time = 0;
+    int offset = 0;
+    bool isRight = takeDays(cursor, days);
+    if (isRight && !cursor.isAtEnd()) {
+        isRight = (cursor.take('T') || cursor.take(' ')) && takeTime(cursor, time) &&
+                  (cursor.isAtEnd() || takeOffset(cursor, offset));
+    }
+    if (!isRight || !cursor.isAtEnd()) {
+        fail("\"%@\" is not a date such as \"2024-03-05 14:07:09 +0100\"", text);
+    }
+    return NSDate::dateWithTimeIntervalSince1970(
+        static_cast<double>(days * detail::secondsPerDay + time - offset));
+}
+
+} // namespace ZQFoundation::defaults

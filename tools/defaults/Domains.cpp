@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/Domains.h"
+
+#include <algorithm>
+
+#include "foundation/files/NSFileManager.h"
+#include "foundation/objects/NSArray.h"
+#include "foundation/process/DefaultsFiles.h"
+#include "tools/defaults/Failure.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+constexpr const char* globalDomain = "NSGlobalDomain";
+constexpr const char* suffix = ".plist";
+
+Domain domainOfPath(const std::string& word) {
+    const std::string ending = suffix;
+    const bool hasEnding =
+        word.size() > ending.size() && word.compare(word.size() - ending.size(), ending.size(), ending) == 0;
+    return {word, hasEnding ? word : word + ending, false};
+}
+
+} // namespace
+
+Domain domainFromWord(const std::string& word) {
+    if (word.find('/') != std::string::npos) {
+        return domainOfPath(word);
+    }
+    const bool isGlobal = word == "-g" || word == "-globalDomain";
+    if (!isGlobal && !word.empty() && word[0] == '-') {
+        misuse("there is no option %@", word);
+    }
+    const std::string name = isGlobal ? globalDomain : word;
+    const std::string path = detail::fileOfDomain(name);
+    if (detail::defaultsFolder().empty()) {
+        fail("nothing tells where the home folder is; set HOME or XDG_CONFIG_HOME");
+    }
+    if (path.empty()) {
+        fail("\"%@\" cannot name a domain", word);
+    }
+    return {name, path, true};
+}
+
+std::vector<std::string> namesOfDomains() {
+    const NSArray files =
+        NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(detail::defaultsFolder());
+    std::vector<std::string> names;
+    for (const NSObject& file : files) {
+        const NSString name(file);
+        if (name.hasSuffix(suffix) && !name.hasPrefix(".") && name != "NSGlobalDomain.plist") {
+            names.push_back(name.stringByDeletingPathExtension().utf8());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace ZQFoundation::defaults

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_DEFAULTS_DOMAINS_H
+#define ZQFOUNDATION_DEFAULTS_DOMAINS_H
+
+#include <string>
+#include <vector>
+
+namespace ZQFoundation::defaults {
+
+/// A set of defaults and the file that holds it.
+struct Domain {
+    std::string name; ///< as the user has given it
+    std::string path;
+    bool isNamed; ///< found by its name in the folder of all domains, which is made when it is missing
+};
+
+/// The domain of a name, of "-g" or "-globalDomain" for the global one, or of a path to a file, with or
+/// without its ".plist". Fails with a message when no file can bear the name.
+Domain domainFromWord(const std::string& word);
+
+/// The names of all domains that have a file, in ascending order, the global one not among them.
+std::vector<std::string> namesOfDomains();
+
+} // namespace ZQFoundation::defaults
+
+#endif

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/Values.h"
+
+#include <charconv>
+
+#include "foundation/objects/Bodies.h"
+#include "foundation/plist/PropertyList.h"
+#include "foundation/plist/PropertyListError.h"
+#include "tools/defaults/Dates.h"
+#include "tools/defaults/Failure.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+enum class Type {
+    none,
+    string,
+    data,
+    integer,
+    real,
+    boolean,
+    date,
+    array,
+    addToArray,
+    dictionary,
+    addToDictionary,
+};
+
+struct TypeFlag {
+    const char* name;
+    Type type;
+};
+
+constexpr TypeFlag flags[] = {
+    {"-string", Type::string},        {"-data", Type::data},
+    {"-int", Type::integer},          {"-integer", Type::integer},
+    {"-float", Type::real},           {"-bool", Type::boolean},
+    {"-boolean", Type::boolean},      {"-date", Type::date},
+    {"-array", Type::array},          {"-dict", Type::dictionary},
+    {"-array-add", Type::addToArray}, {"-dict-add", Type::addToDictionary},
+};
+
+Type typeOfFlag(const std::string& word) noexcept {
+    for (const TypeFlag& flag : flags) {
+        if (word == flag.name) {
+            return flag.type;
+        }
+    }
+    return Type::none;
+}
+
+bool isCollection(Type type) noexcept { return type >= Type::array; }
+
+/// A number that takes the whole word.
+template <class Number>
+Number numberFromWord(const std::string& word, const char* what) {
+    const char* const start = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
+    const char* const end = word.c_str() + word.size();
+    Number number{};
+    const auto [stop, error] = std::from_chars(start, end, number);
+    if (error == std::errc::result_out_of_range) {
+        fail("\"%@\" is too large for %@", word, what);
+    }
+    if (error != std::errc() || stop != end) {
+        fail("\"%@\" is not %@", word, what);
+    }
+    return number;
+}
+
+bool booleanFromWord(const std::string& word) {
+    const NSString lowered = NSString(word).lowercaseString();
+    for (const char* const yes : {"yes", "true", "1"}) {
+        if (lowered == yes) {
+            return true;
+        }
+    }
+    for (const char* const no : {"no", "false", "0"}) {
+        if (lowered == no) {
+            return false;
+        }
+    }
+    fail("\"%@\" is not a boolean: YES, NO, true, false, 1 or 0", word);
+}
+
+int hexDigit(char character) noexcept {
+    if (character >= '0' && character <= '9') {
+        return character - '0';
+    }
+    const int letter = (character | 0x20) - 'a';
+    return letter >= 0 && letter < 6 ? 10 + letter : -1;
+}
+
+NSObject dataFromWord(const std::string& word) {
+    std::string bytes;
+    int half = -1;
+    for (const char character : word) {
+        const int digit = hexDigit(character);
+        if (character == ' ' && half < 0) {
+            continue;
+        }
+        if (digit < 0) {
+            fail("\"%@\" is not data: hexadecimal digits", word);
+        }
+        if (half >= 0) {
+            bytes += static_cast<char>(half << 4 | digit);
+        }
+        half = half >= 0 ? -1 : digit;
+    }
+    if (half >= 0) {
+        fail("\"%@\" is not data: a digit is missing", word);
+    }
+    return NSData::dataWithBytes_length(bytes.data(), bytes.size());
+}
+
+NSObject scalarFromWord(Type type, const std::string& word) {
+    switch (type) {
+    case Type::data:
+        return dataFromWord(word);
+    case Type::integer:
+        return numberFromWord<std::int64_t>(word, "an integer of 64 bits");
+    case Type::real:
+        return numberFromWord<double>(word, "a number");
+    case Type::boolean:
+        return booleanFromWord(word);
+    case Type::date:
+        return dateFromText(word);
+    default:
+        return NSString(word);
+    }
+}
+
+/// Takes one element, with its type flag if it has one, and moves the index behind it.
+NSObject elementFromWords(const Words& words, std::size_t& index) {
+    const Type type = typeOfFlag(words[index]);
+    if (type == Type::none) {
+        return valueFromWord(words[index++]);
+    }
+    if (isCollection(type)) {
+        misuse("%@ cannot stand inside a collection; write it as \"( a, b )\" or \"{ k = v; }\"",
+               words[index]);
+    }
+    if (index + 1 == words.size()) {
+        misuse("%@ needs a value", words[index]);
+    }
+    const std::string& word = words[index + 1];
+    index += 2;
+    return scalarFromWord(type, word);
+}
+
+NSArray arrayFromWords(const Words& words, std::size_t index) {
+    NSMutableArray elements;
+    while (index < words.size()) {
+        elements.addObject(elementFromWords(words, index));
+    }
+    return elements.array();
+}
+
+NSDictionary dictionaryFromWords(const Words& words, std::size_t index) {
+    NSMutableDictionary entries;
+    while (index < words.size()) {
+        const NSString key(words[index++]);
+        if (index == words.size()) {
+            misuse("the key %@ has no value", key);
+        }
+        entries.setObject_forKey(elementFromWords(words, index), key);
+    }
+    return entries.dictionary();
+}
+
+bool beginsLikePropertyList(const std::string& word) noexcept {
+    const std::size_t start = word.find_first_not_of(" \t\n\r");
+    return start != std::string::npos && std::string("{(<\"").find(word[start]) != std::string::npos;
+}
+
+} // namespace
+
+NSObject valueFromWord(const std::string& word) {
+    if (!beginsLikePropertyList(word)) {
+        return NSString(word);
+    }
+    detail::PropertyListError error;
+    NSObject value = detail::parsePropertyListText(word, &error);
+    if (!value) {
+        fail("\"%@\" begins like a property list and is none: %@ (use -string for text)", word,
+             detail::describePropertyListError(error));
+    }
+    return value;
+}
+
+WrittenValue valueFromWords(const Words& words, std::size_t first) {
+    using Manner = WrittenValue::Manner;
+    switch (typeOfFlag(words[first])) {
+    case Type::array:
+        return {Manner::replace, arrayFromWords(words, first + 1)};
+    case Type::addToArray:
+        return {Manner::addToArray, arrayFromWords(words, first + 1)};
+    case Type::dictionary:
+        return {Manner::replace, dictionaryFromWords(words, first + 1)};
+    case Type::addToDictionary:
+        return {Manner::addToDictionary, dictionaryFromWords(words, first + 1)};
+    default:
+        break;
+    }
+    std::size_t index = first;
+    NSObject value = elementFromWords(words, index);
+    if (index != words.size()) {
+        misuse("there is one value too many: %@", words[index]);
+    }
+    return {Manner::replace, value};
+}
+
+const char* nameOfType(const NSObject& value) {
+    switch (detail::Access::kind(value)) {
+    case detail::Kind::boolean:
+        return "boolean";
+    case detail::Kind::signedInteger:
+    case detail::Kind::unsignedInteger:
+        return "integer";
+    case detail::Kind::real:
+    case detail::Kind::singleReal:
+        return "float";
+    case detail::Kind::date:
+        return "date";
+    case detail::Kind::data:
+        return "data";
+    case detail::Kind::array:
+        return "array";
+    case detail::Kind::dictionary:
+        return "dictionary";
+    default:
+        return "string";
+    }
+}
+
+} // namespace ZQFoundation::defaults

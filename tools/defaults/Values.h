@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_DEFAULTS_VALUES_H
+#define ZQFOUNDATION_DEFAULTS_VALUES_H
+
+#include <string>
+#include <vector>
+
+#include "foundation/objects/NSDictionary.h"
+
+namespace ZQFoundation::defaults {
+
+using Words = std::vector<std::string>;
+
+/// What to do with the words behind a key: a value that takes the place of the old one, or elements or
+/// entries that are added to it.
+struct WrittenValue {
+    enum class Manner { replace, addToArray, addToDictionary };
+
+    Manner manner = Manner::replace;
+    NSObject value; ///< an array or a dictionary for the other two
+};
+
+/// The value that the words from `first` on spell: "-int 3", "-array a b", "( a, b )", "text". Fails with a
+/// message when they spell none, and when there are more of them than a value takes.
+WrittenValue valueFromWords(const Words& words, std::size_t first);
+
+/// A property list in the old-style or XML form for a word that begins like one, else the word itself.
+NSObject valueFromWord(const std::string& word);
+
+/// "boolean", "integer", "float", "string", "array", "dictionary", "date" or "data".
+const char* nameOfType(const NSObject& value);
+
+} // namespace ZQFoundation::defaults
+
+#endif
