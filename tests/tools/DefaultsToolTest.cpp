@@ -1,0 +1,498 @@
+// SPDX-License-Identifier: MIT
+// The tool `defaults` as its user meets it: the real program, with a folder of domains of the test's own.
+#include <csignal>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/process/NSUserDefaults.h"
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string errors;
+};
+
+/// Replaces this process, a child, by the tool.
+[[noreturn]] void become(const Words& words) {
+    Words arguments = words;
+    arguments.insert(arguments.begin(), "defaults");
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    ::execv(ZQ_DEFAULTS_TOOL, pointers.data());
+    ::_exit(126);
+}
+
+/// A config home with the tool at work in it.
+class Tool {
+public:
+    Tool() : configuration_("XDG_CONFIG_HOME", folder_.path().c_str()) {}
+
+    Outcome run(const Words& words, const std::string& input = {}, rlim_t fileSize = RLIM_INFINITY) const {
+        folder_.write("input", input);
+        std::fflush(nullptr);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            redirect("input", O_RDONLY, STDIN_FILENO);
+            redirect("output", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+            redirect("errors", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+            if (fileSize != RLIM_INFINITY) {
+                const rlimit limit{fileSize, fileSize};
+                ::setrlimit(RLIMIT_FSIZE, &limit);
+            }
+            become(words);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        Outcome outcome;
+        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        outcome.output = scene::contentsOf(folder_ / "output");
+        outcome.errors = scene::contentsOf(folder_ / "errors");
+        return outcome;
+    }
+
+    /// Expects success, and answers what was printed.
+    std::string done(const Words& words, const std::string& input = {}) const {
+        const Outcome outcome = run(words, input);
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        EXPECT_EQ(outcome.errors, "");
+        return outcome.output;
+    }
+
+    /// Expects failure with that status and one line, and answers it.
+    std::string refused(const Words& words, int status = 1) const {
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, status) << outcome.output << outcome.errors;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(outcome.errors.substr(0, 10), "defaults: ");
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << outcome.errors;
+        return outcome.errors;
+    }
+
+    std::string file(const std::string& domain) const {
+        std::string name = "ZQFoundation/";
+        return folder_ / name.append(domain).append(".plist");
+    }
+
+    std::string write(const std::string& domain, const std::string& bytes) const {
+        std::string name = "ZQFoundation/";
+        return folder_.write(name.append(domain).append(".plist"), bytes);
+    }
+
+    /// What the library finds, in the global domain.
+    NSObject global(const char* key) const {
+        return NSUserDefaults::standardUserDefaults().objectForKey(key);
+    }
+
+    const scene::Folder& folder() const { return folder_; }
+
+    std::size_t entriesInFolder() const {
+        std::size_t count = 0;
+        DIR* const listing = ::opendir((folder_ / "ZQFoundation").c_str());
+        while (const dirent* const entry = listing != nullptr ? ::readdir(listing) : nullptr) {
+            count += std::string(entry->d_name).find_first_not_of('.') != std::string::npos ? 1 : 0;
+        }
+        if (listing != nullptr) {
+            ::closedir(listing);
+        }
+        return count;
+    }
+
+private:
+    void redirect(const char* name, int flags, int target) const {
+        const int file = ::open((folder_ / name).c_str(), flags, 0600);
+        ::dup2(file, target);
+        ::close(file);
+    }
+
+    scene::Folder folder_;
+    scene::Variable configuration_;
+};
+
+mode_t modeOf(const std::string& path) {
+    struct stat information {};
+    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
+    return information.st_mode & 07777;
+}
+
+// Values
+
+struct ValueRow {
+    Words words;
+    const char* type;
+    const char* printed;
+};
+
+TEST(DefaultsTool, writesValuesOfEveryType) {
+    const ValueRow rows[] = {
+        {{"text"}, "string", "text\n"},
+        {{"NO"}, "string", "NO\n"},
+        {{""}, "string", "\n"},
+        {{"-3"}, "string", "-3\n"},
+        {{"caf\u00E9 \U0001F600"}, "string", "caf\u00E9 \U0001F600\n"},
+        {{"-string", "( a )"}, "string", "( a )\n"},
+        {{"-string", "-int"}, "string", "-int\n"},
+        {{"-int", "-3"}, "integer", "-3\n"},
+        {{"-int", "+7"}, "integer", "7\n"},
+        {{"-integer", "9223372036854775807"}, "integer", "9223372036854775807\n"},
+        {{"-int", "-9223372036854775808"}, "integer", "-9223372036854775808\n"},
+        {{"-float", "1.5"}, "float", "1.5\n"},
+        {{"-float", "-1e3"}, "float", "-1000\n"},
+        {{"-bool", "YES"}, "boolean", "1\n"},
+        {{"-bool", "false"}, "boolean", "0\n"},
+        {{"-boolean", "True"}, "boolean", "1\n"},
+        {{"-bool", "0"}, "boolean", "0\n"},
+        {{"-date", "2024-03-05"}, "date", "2024-03-05 00:00:00 +0000\n"},
+        {{"-date", "2024-03-05 14:07:09 +0100"}, "date", "2024-03-05 13:07:09 +0000\n"},
+        {{"-date", "2024-03-05T14:07:09Z"}, "date", "2024-03-05 14:07:09 +0000\n"},
+        {{"-date", "2024-02-29 23:59-00:30"}, "date", "2024-03-01 00:29:00 +0000\n"},
+        {{"-data", "00fF 10"}, "data", "{length = 3, bytes = 0x00ff10}\n"},
+        {{"-data", ""}, "data", "{length = 0, bytes = 0x}\n"},
+        {{"-array", "a", "-int", "2", "( b )"},
+         "array",
+         "(\n    a,\n    2,\n        (\n        b\n    )\n)\n"},
+        {{"-array"}, "array", "(\n)\n"},
+        {{"-dict", "k", "v", "n", "-bool", "yes"}, "dictionary", "{\n    k = v;\n    n = 1;\n}\n"},
+        {{"{ a = (x, y); }"}, "dictionary", "{\n    a =     (\n        x,\n        y\n    );\n}\n"},
+        {{"<0fbd>"}, "data", "{length = 2, bytes = 0x0fbd}\n"},
+        {{"<true/>"}, "boolean", "1\n"},
+        {{"\"a b\""}, "string", "a b\n"},
+    };
+    const Tool tool;
+    for (const ValueRow& row : rows) {
+        Words words{"write", "com.example.Test", "Key"};
+        words.insert(words.end(), row.words.begin(), row.words.end());
+        SCOPED_TRACE(::testing::PrintToString(words));
+        EXPECT_EQ(tool.done(words), "");
+        EXPECT_EQ(tool.done({"read", "com.example.Test", "Key"}), row.printed);
+        EXPECT_EQ(tool.done({"read-type", "com.example.Test", "Key"}),
+                  std::string("Type is ").append(row.type).append("\n"));
+    }
+}
+
+TEST(DefaultsTool, refusesValuesThatDoNotFitTheirType) {
+    const Tool tool;
+    const Words rows[] = {
+        {"-int", "x"},
+        {"-int", ""},
+        {"-int", "1.5"},
+        {"-int", "9223372036854775808"},
+        {"-int", "+-1"},
+        {"-float", "x"},
+        {"-float", "1,5"},
+        {"-bool", "maybe"},
+        {"-bool", ""},
+        {"-date", "yesterday"},
+        {"-date", "2024-02-30"},
+        {"-date", "2024-3-5"},
+        {"-date", "2024-03-05 25:00"},
+        {"-data", "0f1"},
+        {"-data", "xy"},
+        {"{ a = 1 }"},
+        {"( a"},
+        {"<0fb>"},
+    };
+    for (const Words& row : rows) {
+        Words words{"write", "com.example.Test", "Key"};
+        words.insert(words.end(), row.begin(), row.end());
+        tool.refused(words);
+    }
+    EXPECT_EQ(::access(tool.file("com.example.Test").c_str(), F_OK), -1) << "nothing was to be written";
+}
+
+TEST(DefaultsTool, tellsTheUserOfAWrongCommandLine) {
+    const Tool tool;
+    const Words rows[] = {
+        {},
+        {"frob"},
+        {"write"},
+        {"write", "d"},
+        {"write", "d", "k"},
+        {"write", "d", "k", "a", "b"},
+        {"write", "d", "k", "-int"},
+        {"write", "d", "k", "-dict", "a"},
+        {"write", "d", "k", "-array", "-dict", "a"},
+        {"read", "a", "b", "c"},
+        {"read-type", "d"},
+        {"remove"},
+        {"rename", "d", "k"},
+        {"domains", "x"},
+        {"find"},
+        {"import", "d"},
+        {"export", "d"},
+        {"read", "-x"},
+    };
+    for (const Words& row : rows) {
+        EXPECT_NE(tool.refused(row, 2).find("--help"), std::string::npos) << ::testing::PrintToString(row);
+    }
+    EXPECT_NE(tool.done({"--help"}).find("Usage: defaults"), std::string::npos);
+    EXPECT_EQ(tool.done({"help"}), tool.done({"--help"}));
+    EXPECT_EQ(tool.done({"--version"}).substr(0, 9), "defaults ");
+    EXPECT_NE(tool.refused({"write", "d", "k", "\xFF"}).find("UTF-8"), std::string::npos);
+}
+
+// Commands
+
+TEST(DefaultsTool, addsToCollections) {
+    const Tool tool;
+    tool.done({"write", "d", "A", "-array-add", "1"});
+    tool.done({"write", "d", "A", "-array-add", "2", "3"});
+    EXPECT_EQ(tool.done({"read", "d", "A"}), "(\n    1,\n    2,\n    3\n)\n");
+    tool.done({"write", "d", "D", "-dict-add", "a", "1"});
+    tool.done({"write", "d", "D", "-dict-add", "a", "2", "b", "3"});
+    EXPECT_EQ(tool.done({"read", "d", "D"}), "{\n    a = 2;\n    b = 3;\n}\n");
+    tool.done({"write", "d", "S", "text"});
+    tool.refused({"write", "d", "S", "-array-add", "1"});
+    tool.refused({"write", "d", "S", "-dict-add", "a", "1"});
+    EXPECT_EQ(tool.done({"read", "d", "S"}), "text\n");
+}
+
+TEST(DefaultsTool, removesKeysAndDomains) {
+    const Tool tool;
+    tool.done({"write", "d", "{ a = 1; b = 2; c = 3; }"});
+    EXPECT_EQ(tool.done({"remove", "d", "a"}), "");
+    EXPECT_EQ(tool.done({"delete", "d", "b"}), "");
+    EXPECT_EQ(tool.done({"read", "d"}), "{\n    c = 3;\n}\n");
+    tool.refused({"remove", "d", "a"});
+    tool.refused({"read", "d", "a"});
+    tool.done({"remove", "d"});
+    EXPECT_EQ(::access(tool.file("d").c_str(), F_OK), -1);
+    tool.refused({"delete", "d"});
+    tool.refused({"delete", "d", "c"});
+    tool.refused({"read", "d"});
+}
+
+TEST(DefaultsTool, renamesAKeyThatIsThereToOneThatIsFree) {
+    const Tool tool;
+    tool.done({"write", "d", "{ a = 1; b = 2; }"});
+    tool.done({"rename", "d", "a", "c"});
+    EXPECT_EQ(tool.done({"read", "d"}), "{\n    b = 2;\n    c = 1;\n}\n");
+    tool.refused({"rename", "d", "a", "x"});
+    tool.refused({"rename", "d", "b", "c"});
+    tool.done({"rename", "d", "b", "b"});
+    EXPECT_EQ(tool.done({"read", "d"}), "{\n    b = 2;\n    c = 1;\n}\n");
+}
+
+TEST(DefaultsTool, listsAndFindsDomains) {
+    const Tool tool;
+    EXPECT_EQ(tool.done({"domains"}), "\n");
+    tool.done({"write", "com.b", "Key", "Value"});
+    tool.done({"write", "com.a", "Other", "x"});
+    tool.done({"write", "-g", "Global", "Value"});
+    EXPECT_EQ(tool.done({"domains"}), "com.a, com.b\n");
+    EXPECT_EQ(tool.done({"find", "vAL"}), "1 key in the domain NSGlobalDomain: {\n    Global = Value;\n}\n"
+                                          "1 key in the domain com.b: {\n    Key = Value;\n}\n");
+    EXPECT_EQ(tool.done({"find", "com.A"}), "1 key in the domain com.a: {\n    Other = x;\n}\n");
+    tool.refused({"find", "nothing like it"});
+    const std::string all = tool.done({"read"});
+    EXPECT_NE(all.find("\"com.a\" ="), std::string::npos) << all;
+    EXPECT_NE(all.find("NSGlobalDomain ="), std::string::npos) << all;
+}
+
+TEST(DefaultsTool, importsAndExportsWholeDomains) {
+    const Tool tool;
+    const std::string file = tool.folder() / "exported.plist";
+    tool.done({"write", "d", "{ a = (1, 2); b = { c = d; }; }"});
+    tool.done({"export", "d", file});
+    const std::string xml = scene::contentsOf(file);
+    EXPECT_EQ(xml.substr(0, 5), "<?xml");
+    EXPECT_EQ(tool.done({"export", "d", "-"}), xml);
+    tool.done({"write", "e", "old", "gone"});
+    tool.done({"import", "e", file});
+    EXPECT_EQ(tool.done({"read", "e"}), tool.done({"read", "d"}));
+    EXPECT_EQ(tool.done({"import", "f", "-"}, "{ from = input; }"), "");
+    EXPECT_EQ(tool.done({"read", "f", "from"}), "input\n");
+    EXPECT_EQ(tool.run({"import", "f", "-"}, "( no, dictionary )").status, 1);
+    EXPECT_EQ(tool.run({"import", "f", "-"}, "").status, 1);
+    tool.refused({"import", "f", tool.folder() / "missing"});
+    tool.refused({"export", "missing", "-"});
+    EXPECT_EQ(tool.done({"read", "f", "from"}), "input\n");
+}
+
+TEST(DefaultsTool, takesPathsForDomains) {
+    const Tool tool;
+    const std::string path = tool.folder() / "own";
+    tool.done({"write", path, "k", "v"});
+    EXPECT_EQ(tool.done({"read", path + ".plist", "k"}), "v\n");
+    tool.refused({"write", tool.folder() / "missing/own", "k", "v"});
+    tool.refused({"write", "", "k", "v"});
+}
+
+TEST(DefaultsTool, isReadByTheLibrary) {
+    const Tool tool;
+    tool.done({"write", "-g", "Number", "-int", "-5"});
+    tool.done({"write", "NSGlobalDomain", "Flag", "-bool", "YES"});
+    tool.done({"write", "-globalDomain", "List", "-array", "a", "-float", "1.5"});
+    tool.done({"write", "-g", "Date", "-date", "2001-01-01 00:00:10"});
+    tool.done({"write", "-g", "\u30C8\u30EC\u30FC\u30B9", "-data", "ff"});
+    EXPECT_EQ(tool.global("Number"), NSObject(-5));
+    EXPECT_EQ(tool.global("Flag").description(), "1");
+    EXPECT_EQ(tool.global("List"), (NSArray{"a", 1.5}));
+    EXPECT_EQ(tool.global("Date"), NSDate::dateWithTimeIntervalSinceReferenceDate(10));
+    EXPECT_EQ(NSData(tool.global("\u30C8\u30EC\u30FC\u30B9")).length(), 1U);
+}
+
+// Files
+
+TEST(DefaultsTool, keepsPermissionsAndLinksAndMakesPrivateFiles) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    EXPECT_EQ(modeOf(tool.file("d")), 0600U);
+    EXPECT_EQ(modeOf(tool.folder() / "ZQFoundation"), 0700U);
+    ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
+    tool.done({"write", "d", "k", "w"});
+    EXPECT_EQ(modeOf(tool.file("d")), 0644U);
+    tool.folder().write("elsewhere/real.plist", "{ k = old; }");
+    ASSERT_EQ(::symlink((tool.folder() / "elsewhere/real.plist").c_str(), tool.file("linked").c_str()), 0);
+    tool.done({"write", "linked", "k", "new"});
+    struct stat information {};
+    ASSERT_EQ(::lstat(tool.file("linked").c_str(), &information), 0);
+    EXPECT_TRUE(S_ISLNK(information.st_mode));
+    EXPECT_NE(scene::contentsOf(tool.folder() / "elsewhere/real.plist").find("new"), std::string::npos);
+    ASSERT_EQ(::symlink("/nowhere/at/all.plist", tool.file("dangling").c_str()), 0);
+    tool.refused({"write", "dangling", "k", "v"});
+}
+
+TEST(DefaultsTool, neverReplacesWhatItCannotRead) {
+    const Tool tool;
+    const std::pair<const char*, const char*> files[] = {
+        {"broken", "{ a = 1;\n  b = (1, 2; }"},
+        {"list", "( a, b )"},
+        {"empty", ""},
+        {"xml", "<plist><dict><key>"},
+    };
+    for (const auto& [domain, bytes] : files) {
+        tool.write(domain, bytes);
+        for (const Words& words :
+             {Words{"write", domain, "k", "v"}, Words{"write", domain, "{ a = b; }"},
+              Words{"remove", domain, "a"}, Words{"remove", domain}, Words{"read", domain}}) {
+            EXPECT_NE(tool.refused(words).find(tool.file(domain)), std::string::npos);
+        }
+        EXPECT_EQ(scene::contentsOf(tool.file(domain)), bytes) << domain;
+    }
+    EXPECT_NE(tool.refused({"write", "broken", "k", "v"}).find("line 2, column"), std::string::npos);
+    ASSERT_EQ(::mkfifo(tool.file("pipe").c_str(), 0600), 0);
+    tool.refused({"write", "pipe", "k", "v"});
+    EXPECT_EQ(tool.entriesInFolder(), 5U) << "no temporary file is left";
+}
+
+TEST(DefaultsTool, readsEveryFormAndWritesXml) {
+    const Tool tool;
+    tool.write("old", "// a comment\n{ \"caf\\U00e9\" = (1, 2); }");
+    EXPECT_EQ(tool.done({"read", "old", "caf\u00E9"}), "(\n    1,\n    2\n)\n");
+    tool.done({"write", "old", "k", "v"});
+    EXPECT_EQ(scene::contentsOf(tool.file("old")).substr(0, 5), "<?xml");
+    EXPECT_EQ(tool.done({"read", "old", "caf\u00E9"}), "(\n    1,\n    2\n)\n");
+}
+
+TEST(DefaultsTool, leavesTheOldFileWhereTheNewOneDoesNotFit) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    const std::string before = scene::contentsOf(tool.file("d"));
+    const std::string large(100000, 'x');
+    const Outcome outcome = tool.run({"write", "d", "k", large}, {}, 4096);
+    EXPECT_EQ(outcome.status, 1) << "and no signal";
+    EXPECT_NE(outcome.errors.find("defaults: "), std::string::npos);
+    EXPECT_EQ(scene::contentsOf(tool.file("d")), before);
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "no temporary file is left";
+}
+
+TEST(DefaultsTool, failsWhereItMayNotWrite) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can be another user";
+    }
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::setgid(65534);
+        ::setuid(65534);
+        ::close(STDERR_FILENO);
+        become({"write", "d", "k", "w"});
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_NE(WEXITSTATUS(status), 0);
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
+}
+
+// Several writers
+
+TEST(DefaultsTool, losesNoKeyWhenSeveralWriteAtOnce) {
+    const Tool tool;
+    constexpr int writers = 8;
+    constexpr int keys = 25;
+    std::vector<pid_t> children;
+    for (int writer = 0; writer < writers; ++writer) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            for (int key = 0; key < keys; ++key) {
+                const pid_t one = ::fork();
+                if (one == 0) {
+                    std::string name = "Key";
+                    name.append(std::to_string(writer * keys + key));
+                    become({"write", "d", name, "-int", std::to_string(key)});
+                }
+                int status = 0;
+                if (::waitpid(one, &status, 0) != one || status != 0) {
+                    ::_exit(1);
+                }
+            }
+            ::_exit(0);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
+    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys));
+}
+
+TEST(DefaultsTool, leavesAWholeFileWheneverItIsKilled) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "-int", "0"});
+    for (int round = 1; round <= 100; ++round) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            become({"write", "d", "k", "-int", std::to_string(round)});
+        }
+        ::usleep(static_cast<useconds_t>(round * 37 % 3000));
+        ::kill(child, round % 2 == 0 ? SIGKILL : SIGTERM);
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
+        ASSERT_TRUE(values) << "round " << round;
+        const int value = NSNumber(values.objectForKey("k")).intValue();
+        ASSERT_TRUE(value >= 0 && value <= round) << value;
+    }
+    tool.done({"write", "d", "k", "v"});
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "what killed writers left is cleared away";
+}
+
+} // namespace
