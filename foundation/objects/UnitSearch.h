@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/objects/UnitBlocks.h"
+
 /// Searching unit by unit, in time linear in both texts whatever they hold.
 namespace ZQFoundation::detail {
 
@@ -48,6 +50,16 @@ std::size_t findByFallbacks(const Unit* text, std::size_t length, const Unit* wa
     return unitNotFound;
 }
 
+/// The first place from `at` on that holds the unit, or `end`.
+inline std::size_t placeOf(char unit, const char* text, std::size_t at, std::size_t end) noexcept {
+    const void* const found = std::memchr(text + at, unit, end - at);
+    return found == nullptr ? end : static_cast<std::size_t>(static_cast<const char*>(found) - text);
+}
+
+inline std::size_t placeOf(char16_t unit, const char16_t* text, std::size_t at, std::size_t end) noexcept {
+    return nextPlace(text, at, end, [lane = Lane<char16_t>{unit}](auto units) { return units == lane; });
+}
+
 /// The first occurrence, or `unitNotFound`; `count` is at least 1.
 template <class Unit>
 std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count) {
@@ -56,11 +68,11 @@ std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, 
     constexpr std::size_t patience = 4;
     std::size_t wasted = 0;
     while (count <= length - at) {
-        const Unit* const first = std::char_traits<Unit>::find(text + at, length - at - count + 1, wanted[0]);
-        if (first == nullptr) {
+        const std::size_t end = length - count + 1;
+        at = placeOf(wanted[0], text, at, end);
+        if (at == end) {
             return unitNotFound;
         }
-        at = static_cast<std::size_t>(first - text);
         std::size_t matched = 1;
         while (matched < count && text[at + matched] == wanted[matched]) {
             ++matched;

@@ -169,7 +169,7 @@ TEST(ScannerMoves, overANilStringFindNothing) {
 }
 
 TEST(ScannerMoves, overALongText) {
-    const std::string text = std::string(1000000, 'a') + ":" + std::string(1000000, 'b');
+    const std::string text = std::string(1000000, 'a').append(":").append(1000000, 'b');
     NSScanner scanner{NSString(text)};
     EXPECT_TRUE(scanner.scanUpToString(":"));
     EXPECT_EQ(scanner.scanLocation(), 1000000U);

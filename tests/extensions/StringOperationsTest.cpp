@@ -316,7 +316,7 @@ TEST(StringOperations, decimalDigitsOfAllScriptsCount) {
         {"first", "1ab", true},
         {"last", "ab9", true},
         {"zero", "0", true},
-        {"alone in a long text", std::string(5000, 'x') + "7", true},
+        {"alone in a long text", std::string(5000, 'x').append("7"), true},
         {"Arabic", "x\u0663", true},
         {"Devanagari", "\u0966", true},
         {"full width", "\uFF11", true},

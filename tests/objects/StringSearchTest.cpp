@@ -117,6 +117,25 @@ TEST(StringSearch, findsWhatASlowSearchFinds) {
     }
 }
 
+TEST(StringSearch, takesARangeForAWholeText) {
+    RandomTexts::Numbers numbers(31);
+    for (int round = 0; round < 1500; ++round) {
+        const std::u16string text = numbers.text(u"aeE\u0301\u0323\u00e9\xD83D\xDE00", 1 + numbers.below(40));
+        const NSString string = stringOf(text);
+        const std::size_t start = numbers.below(text.size());
+        const NSRange range{start, numbers.below(text.size() - start + 1)};
+        const std::u16string part = text.substr(range.location, range.length);
+        const std::u16string wanted = numbers.text(u"aeE\u0301\u00e9", 1 + numbers.below(2));
+        for (unsigned options = 0; options < 16; ++options) {
+            NSRange expected = modelFound(part, wanted, options);
+            expected.location += expected.length != 0 ? start : 0;
+            ASSERT_EQ(string.rangeOfString_options_range(stringOf(wanted), options, range), expected)
+                << shownUnits(wanted) << " in " << shownUnits(part) << " of " << shownUnits(text) << " by "
+                << options;
+        }
+    }
+}
+
 TEST(StringSearch, findsAsciiInWideTextsUnlessAMarkFollows) {
     const std::u16string mark = u"\u0301";
     for (std::size_t length = 0; length < 40; ++length) {
