@@ -6,16 +6,13 @@ set(patterns ${ZQ_HEADER_FOLDERS})
 list(TRANSFORM patterns APPEND "/*.cpp")
 list(TRANSFORM patterns PREPEND "${PROJECT_SOURCE_DIR}/")
 file(GLOB_RECURSE ZQ_SOURCES CONFIGURE_DEPENDS ${patterns})
-# One source per operating system stands in foundation/system; only the right one is compiled.
-list(FILTER ZQ_SOURCES EXCLUDE REGEX "/foundation/system/(linux|macos)\\.cpp$")
+# foundation/system holds the sources of each operating system side by side; only the right ones are compiled.
 if(APPLE)
-    set(ZQ_SYSTEM_SOURCE "${PROJECT_SOURCE_DIR}/foundation/system/macos.cpp")
+    set(other_systems linux)
 else()
-    set(ZQ_SYSTEM_SOURCE "${PROJECT_SOURCE_DIR}/foundation/system/linux.cpp")
+    set(other_systems macos)
 endif()
-if(EXISTS "${ZQ_SYSTEM_SOURCE}")
-    list(APPEND ZQ_SOURCES "${ZQ_SYSTEM_SOURCE}")
-endif()
+list(FILTER ZQ_SOURCES EXCLUDE REGEX "/foundation/system/(${other_systems})[a-z_]*\\.cpp$")
 
 find_package(Threads REQUIRED)
 

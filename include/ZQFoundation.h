@@ -32,6 +32,7 @@
 
 // Values.
 #include "foundation/objects/Class.h"
+#include "foundation/objects/ClassesByName.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
@@ -81,5 +82,8 @@
 // The application, the system and the report of both.
 #include "info/ZQLogInfo.h"
 #include "info/ZQMacOSRuntimeEnvironment.h"
+
+// Migration of files and folders.
+#include "migration/ZQFileMigrator.h"
 
 #endif

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "foundation/files/FileInformation.h"
+#include "foundation/files/FileSystemAnnouncement.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/CallerState.h"
@@ -42,6 +43,11 @@ void removeLogFile(const NSString& path) {
     if (!NSFileManager::defaultManager().removeItemAtPath_error(path)) {
         ZQLog::logAlways_logWithFormat(true, "Cannot remove log file \"%@\"", path);
     }
+}
+
+/// The desktop shows the folder anew, when there is one that asks for it.
+void announceChange(const NSString& folder) {
+    detail::announceFileSystemChange(NSClassFromString("NSWorkspace"), folder);
 }
 
 /// When the item that the path leads to was last changed; nil when there is none. Most are no links, and then
@@ -105,12 +111,16 @@ void arrangeByDate(std::vector<DatedFile>& files) {
 } // namespace
 
 void ZQLog::removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder) {
-    forEachLogFile(folder, middleForAge, [&](const NSString& path, const NSDate& changed) {
-        if (date && changed.compare(date) == NSOrderedAscending) {
-            logAlways_logWithFormat(true, "Removing log file %@ due to log file age", path);
-            removeLogFile(path);
-        }
-    });
+    const bool isListed =
+        forEachLogFile(folder, middleForAge, [&](const NSString& path, const NSDate& changed) {
+            if (date && changed.compare(date) == NSOrderedAscending) {
+                logAlways_logWithFormat(true, "Removing log file %@ due to log file age", path);
+                removeLogFile(path);
+            }
+        });
+    if (isListed) {
+        announceChange(folder);
+    }
 }
 
 void ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count) {
@@ -119,10 +129,14 @@ void ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder,
         files.push_back({changed, path});
     });
     arrangeByDate(files);
+    if (files.size() <= count) {
+        return;
+    }
     for (std::size_t i = 0; i + count < files.size(); ++i) {
         logAlways_logWithFormat(true, "Removing log file %@ due to log file count", files[i].path);
         removeLogFile(files[i].path);
     }
+    announceChange(folder);
 }
 
 } // namespace ZQFoundation

@@ -108,6 +108,8 @@ public:
     /// none.
     static void clearLogFilePath();
 
+    // A class that the host has registered as "NSWorkspace" (ClassesByName.h) is told of the folder's change.
+
     /// Removes the folder's log files of this process name that were last changed before the date, writing a
     /// line for each. Their names hold only digits and "." between the process name and ".log", so **standard
     /// names, which hold a "-", stay**.

@@ -19,6 +19,15 @@ timespec modificationTime(const Information& information) noexcept {
 }
 
 template <class Information>
+timespec accessTime(const Information& information) noexcept {
+    if constexpr (requires { information.st_atim; }) {
+        return information.st_atim;
+    } else {
+        return information.st_atimespec;
+    }
+}
+
+template <class Information>
 timespec changeTime(const Information& information) noexcept {
     if constexpr (requires { information.st_ctim; }) {
         return information.st_ctim;

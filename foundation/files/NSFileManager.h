@@ -8,6 +8,40 @@
 
 namespace ZQFoundation {
 
+namespace detail {
+class TreeWalk;
+} // namespace detail
+
+/// Walks a tree of files, a folder before what it holds.
+///
+///     NSDirectoryEnumerator items = NSFileManager::defaultManager().enumeratorAtPath(folder);
+///     while (const NSString path = items.nextObject()) ... // "sub", "sub/a.log"
+///
+/// Paths are relative to the start. Links are told and never entered, except that the start itself may be
+/// one. What cannot be read is told and passed over. Siblings come in any order. Items that were told may be
+/// removed meanwhile. Movable; belongs to one thread at a time.
+class ZQFOUNDATION_EXPORT NSDirectoryEnumerator {
+public:
+    NSDirectoryEnumerator() noexcept = default;
+    NSDirectoryEnumerator(NSDirectoryEnumerator&& other) noexcept : walk_(other.walk_) {
+        other.walk_ = nullptr;
+    }
+    NSDirectoryEnumerator& operator=(NSDirectoryEnumerator&& other) noexcept;
+    ~NSDirectoryEnumerator();
+
+    /// Nil at the end, and at once for a start that is no folder or cannot be read.
+    NSString nextObject();
+
+    /// Does not enter the folder that was told last. Nothing before the first item.
+    void skipDescendents();
+
+private:
+    friend class NSFileManager;
+    explicit NSDirectoryEnumerator(detail::TreeWalk* walk) noexcept : walk_(walk) {}
+
+    detail::TreeWalk* walk_ = nullptr;
+};
+
 /// The keys of attribute dictionaries.
 inline constexpr const char* NSFileType = "NSFileType";
 inline constexpr const char* NSFileSize = "NSFileSize"; ///< bytes
@@ -87,6 +121,22 @@ public:
     /// applied, failures ignored. Nil contents make an empty file. False for a folder at the path.
     bool createFileAtPath_contents_attributes(StringView path, const NSData& contents,
                                               const NSDictionary& attributes);
+
+    /// Everything below the folder.
+    NSDirectoryEnumerator enumeratorAtPath(StringView path) const;
+
+    /// Copies a file, a link as a link with the same text, or a whole tree. Nothing may stand at the
+    /// destination (a dangling link counts), and its parent must exist. Kept are contents (holes too),
+    /// permissions, modification and access times, extended attributes, access lists, and the owner where
+    /// that is allowed; hard links become separate files, pipes and sockets are made anew, devices where that
+    /// is allowed. Folders get their permissions and times when all that they hold is there. While it is
+    /// being made a copy is readable by nobody who may not read the source.
+    ///
+    /// The first failure, which may be one of the last write that shows only at the end, stops the copy with
+    /// false; what was copied stays. False, before anything is made, for a folder copied into itself or
+    /// below.
+    bool copyItemAtPath_toPath_error(StringView source, StringView destination,
+                                     NSString* errorText = nullptr);
 
     /// Removes a file, a link itself or a whole tree, in which links are not followed. False when nothing is
     /// there or something could not be removed; what was removed until then is gone.

@@ -71,6 +71,14 @@ public:
     /// The value's 32-bit `intValue`, widened; 0 when missing or without one.
     std::int64_t integerForKey(StringView key) const;
 
+    /// The key when the dictionary has no value for it, else nil, **whether or not a key with a counter is
+    /// free**.
+    NSString uniqueKeyForKey_usingIntermediateString(const NSString& key,
+                                                     StringView intermediateString) const;
+    NSString uniqueKeyForKey_usingIntermediateString_maxAttempts(const NSString& key,
+                                                                 StringView intermediateString,
+                                                                 std::uint64_t maxAttempts) const;
+
 private:
     friend struct detail::Access;
     explicit NSDictionary(Payload payload) noexcept : NSObject(payload, detail::Kind::dictionary) {}

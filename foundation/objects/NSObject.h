@@ -25,6 +25,7 @@ class NSArray;
 class NSDictionary;
 class NSSet;
 class NSCharacterSet;
+class Selector;
 
 /// The platform's three orderings.
 enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
@@ -180,6 +181,15 @@ public:
     std::optional<NSString> offeredStringValue() const;
     std::optional<int> offeredIntValue() const;
     std::optional<float> offeredFloatValue() const;
+
+    /// Whether the value offers the operation: a host object what it says, a class of `ClassesByName.h` what
+    /// the object registered for it says, any other value none.
+    bool respondsToSelector(const Selector& selector) const;
+
+    /// Performs the operation; nil for a nil receiver. Raises NSInvalidArgumentException when the value does
+    /// not offer it, and for a nil selector.
+    NSObject performSelector(const Selector& selector) const;
+    NSObject performSelector_withObject(const Selector& selector, const NSObject& argument) const;
 
     /// The host object that the handle holds, or null for any other value. Owned by the handle.
     const NSObjectProtocol* hostObject() const noexcept;

@@ -78,6 +78,10 @@ std::optional<float> NSObjectProtocol::floatValue() const { return std::nullopt;
 
 bool NSObjectProtocol::isEqual(const NSObject& other) const { return other.hostObject() == this; }
 
+bool NSObjectProtocol::respondsToSelector(const Selector&) const { return false; }
+
+NSObject NSObjectProtocol::performSelector_withObject(const Selector&, const NSObject&) { return nullptr; }
+
 std::size_t NSObjectProtocol::hash() const {
     const void* const address = this;
     return detail::hashBytes(&address, sizeof address, 0);

@@ -35,6 +35,11 @@ public:
     virtual bool isEqual(const NSObject& other) const;
     virtual std::size_t hash() const;
 
+    /// Operations by name, for whoever does not know the class: by default there are none. `argument` is nil
+    /// for an operation without one. Called only with selectors that the object responds to.
+    virtual bool respondsToSelector(const Selector& selector) const;
+    virtual NSObject performSelector_withObject(const Selector& selector, const NSObject& argument);
+
 protected:
     NSObjectProtocol() noexcept = default;
     NSObjectProtocol(const NSObjectProtocol&) noexcept = default;

@@ -30,6 +30,14 @@ public:
     NSArray allObjects() const;
     bool isEqualToSet(const NSSet& other) const;
 
+    // NSSet(ZQFoundation)
+
+    /// The string when it is no member, else the first of "<string><intermediate string><counter>" that is
+    /// none, the counter from 1 to `maxAttempts`; nil when all are.
+    NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
+                                                                       StringView intermediateString,
+                                                                       std::uint64_t maxAttempts) const;
+
 private:
     friend struct detail::Access;
     explicit NSSet(Payload payload) noexcept : NSObject(payload, detail::Kind::set) {}

@@ -16,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/objects/ClassesByName.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/process/NSProcessInfo.h"
@@ -189,6 +190,47 @@ constexpr NameRow nameRows[] = {
     {"1.log", false, false},
     {"log", false, false},
 };
+
+// The announcement.
+
+/// A class and its one object, which notes what it is told.
+class Workspace : public NSObjectProtocol {
+public:
+    NSString className() const override { return "NSWorkspace"; }
+    bool respondsToSelector(const Selector& selector) const override {
+        return selector == "sharedWorkspace" || selector == "noteFileSystemChanged:";
+    }
+    NSObject performSelector_withObject(const Selector& selector, const NSObject& argument) override {
+        if (selector == "noteFileSystemChanged:") {
+            told->push_back(NSString(argument).utf8());
+            return nullptr;
+        }
+        return makeObject<Workspace>();
+    }
+
+    static inline std::vector<std::string>* told = nullptr;
+};
+
+TEST(LogRetention, tellsTheWorkspaceOfTheFolderWhenItHasBeenListed) {
+    std::vector<std::string> told;
+    Workspace::told = &told;
+    const RetentionScene scene;
+    scene.file("MyApp.1.log", -1);
+    scene.file("MyApp.2.log", -2);
+    {
+        const ClassRegistration registration("NSWorkspace", makeObject<Workspace>());
+        removeOld(scene / "missing");
+        keepNewest(scene / "missing", 0);
+        keepNewest(scene.logs(), 2);
+        EXPECT_EQ(told, std::vector<std::string>{}) << "nothing listed, or nothing to remove";
+        keepNewest(scene.logs(), 1);
+        removeOld(scene.logs());
+        removeOld(scene.logs());
+        EXPECT_EQ(told, std::vector<std::string>(3, scene.logs())) << "by age also when nothing was old";
+    }
+    removeOld(scene.logs());
+    EXPECT_EQ(told.size(), 3U) << "the class is gone";
+}
 
 } // namespace
 

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/FileSystemAnnouncement.h"
+
+#include "foundation/objects/NSException.h"
+
+namespace ZQFoundation::detail {
+
+void announceFileSystemChange(const Class& workspaceClass, const NSString& folder) {
+    const Selector shared("sharedWorkspace");
+    const Selector note("noteFileSystemChanged:");
+    try {
+        if (!workspaceClass.respondsToSelector(shared)) {
+            return;
+        }
+        const NSObject workspace = workspaceClass.performSelector(shared);
+        if (workspace.respondsToSelector(note)) {
+            workspace.performSelector_withObject(note, folder);
+        }
+    } catch (const NSException&) {
+        // The registration has ended between the question and the call: nobody is left to be told.
+    }
+}
+
+} // namespace ZQFoundation::detail

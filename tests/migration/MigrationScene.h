@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: MIT
+// What the tests of migrations share: digests of trees, the operations with their flags as one value, and a
+// desktop that writes down what it is told.
+#ifndef ZQFOUNDATION_TESTS_MIGRATION_MIGRATIONSCENE_H
+#define ZQFOUNDATION_TESTS_MIGRATION_MIGRATIONSCENE_H
+
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <sys/xattr.h>
+
+#include "foundation/objects/ClassesByName.h"
+#include "migration/ZQFileMigrator.h"
+#include "tests/files/FileScene.h"
+
+namespace scene {
+
+/// Path relative to where the digest was taken ("" for the item itself) -> kind, permissions and contents.
+using Digest = std::map<std::string, std::string>;
+using Words = std::vector<std::string>;
+
+/// What a digest tells beside kinds, names, contents and the texts of links.
+enum class Detail {
+    contents,
+    permissions,
+    times, ///< permissions, and the modification time in nanoseconds
+};
+
+inline std::string octal(mode_t mode) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%04o", static_cast<unsigned>(mode & 07777U));
+    return text;
+}
+
+inline std::string linkText(const std::string& path) {
+    char text[4096];
+    const ssize_t length = ::readlink(path.c_str(), text, sizeof text);
+    return length < 0 ? "(none)" : std::string(text, static_cast<std::size_t>(length));
+}
+
+inline std::string describedItem(const std::string& path, const struct stat& information, Detail detail) {
+    std::string text;
+    switch (information.st_mode & S_IFMT) {
+    case S_IFREG:
+        text = "file [" + contentsOf(path) + "]";
+        break;
+    case S_IFDIR:
+        text = "folder";
+        break;
+    case S_IFLNK:
+        return "link [" + linkText(path) + "]";
+    case S_IFIFO:
+        text = "pipe";
+        break;
+    default:
+        text = "other";
+        break;
+    }
+    if (detail != Detail::contents) {
+        text += " " + octal(information.st_mode);
+    }
+    if (detail == Detail::times) {
+        text += " " + std::to_string(information.st_mtim.tv_sec) + "." +
+                std::to_string(information.st_mtim.tv_nsec);
+    }
+    return text;
+}
+
+/// What stands at the path and below it, links not followed; empty when nothing does.
+inline Digest digestOf(const std::string& start, Detail detail = Detail::permissions) {
+    Digest digest;
+    Words waiting{""};
+    while (!waiting.empty()) {
+        const std::string name = waiting.back();
+        waiting.pop_back();
+        const std::string path = name.empty() ? start : start + "/" + name;
+        struct stat information;
+        if (::lstat(path.c_str(), &information) != 0) {
+            continue;
+        }
+        digest[name] = describedItem(path, information, detail);
+        DIR* const folder = S_ISDIR(information.st_mode) ? ::opendir(path.c_str()) : nullptr;
+        while (const dirent* entry = folder != nullptr ? ::readdir(folder) : nullptr) {
+            const std::string below = entry->d_name;
+            if (below != "." && below != "..") {
+                waiting.push_back(name.empty() ? below : name + "/" + below);
+            }
+        }
+        if (folder != nullptr) {
+            ::closedir(folder);
+        }
+    }
+    return digest;
+}
+
+inline std::string shownDigest(const Digest& digest) {
+    std::string text;
+    for (const auto& [path, what] : digest) {
+        text += "    '" + path + "' " + what + "\n";
+    }
+    return text;
+}
+
+/// The four switches of a migration.
+struct Flags {
+    bool keepOriginal = false;
+    bool createParent = false;
+    bool overwrite = false;
+    bool rename = false;
+};
+
+inline constexpr Flags nothingAllowed{};
+inline constexpr Flags copying{true, false, false, false};
+inline constexpr Flags creating{false, true, false, false};
+inline constexpr Flags overwriting{false, false, true, false};
+inline constexpr Flags renaming{false, false, false, true};
+inline constexpr Flags overwritingAndRenaming{false, false, true, true};
+
+inline constexpr Flags flagsOf(unsigned bits) {
+    return {(bits & 1U) != 0, (bits & 2U) != 0, (bits & 4U) != 0, (bits & 8U) != 0};
+}
+
+inline std::string shownFlags(const Flags& flags) {
+    return std::string(flags.keepOriginal ? "keep " : "") + (flags.createParent ? "create " : "") +
+           (flags.overwrite ? "overwrite " : "") + (flags.rename ? "rename" : "");
+}
+
+inline unsigned migrateFile(const ZQFoundation::NSString& from, const ZQFoundation::NSString& to,
+                            const Flags& flags = {}) {
+    using ZQFoundation::ZQFileMigrator;
+    return ZQFileMigrator::
+        migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
+            from, to, flags.keepOriginal, flags.createParent, flags.overwrite, flags.rename);
+}
+
+inline unsigned migrateFolder(const ZQFoundation::NSString& from, const ZQFoundation::NSString& to,
+                              const Flags& flags = {}) {
+    using ZQFoundation::ZQFileMigrator;
+    return ZQFileMigrator::
+        migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
+            from, to, flags.keepOriginal, flags.createParent, flags.overwrite, flags.rename);
+}
+
+enum class DotFiles { passedOver, included };
+
+inline ZQFoundation::NSDictionary migrateFiles(const ZQFoundation::NSString& extension,
+                                               const ZQFoundation::NSString& from,
+                                               const ZQFoundation::NSString& to, DotFiles dotFiles,
+                                               const Flags& flags = {}) {
+    using ZQFoundation::ZQFileMigrator;
+    return ZQFileMigrator::
+        migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
+            extension, from, to, dotFiles == DotFiles::included, flags.keepOriginal, flags.createParent,
+            flags.overwrite, flags.rename);
+}
+
+/// The object that a host's desktop shares: notes the folders that it is told of.
+class RecordingWorkspace : public ZQFoundation::NSObjectProtocol {
+public:
+    explicit RecordingWorkspace(Words& told) : told_(told) {}
+    bool respondsToSelector(const ZQFoundation::Selector& selector) const override {
+        return selector == "noteFileSystemChanged:";
+    }
+    ZQFoundation::NSObject performSelector_withObject(const ZQFoundation::Selector&,
+                                                      const ZQFoundation::NSObject& folder) override {
+        told_.push_back(shownText(ZQFoundation::NSString(folder)));
+        return nullptr;
+    }
+
+private:
+    Words& told_;
+};
+
+/// The class of that object; answers "sharedWorkspace".
+class RecordingWorkspaceClass : public ZQFoundation::NSObjectProtocol {
+public:
+    explicit RecordingWorkspaceClass(Words& told)
+        : shared_(ZQFoundation::makeObject<RecordingWorkspace>(told)) {}
+    bool respondsToSelector(const ZQFoundation::Selector& selector) const override {
+        return selector == "sharedWorkspace";
+    }
+    ZQFoundation::NSObject performSelector_withObject(const ZQFoundation::Selector&,
+                                                      const ZQFoundation::NSObject&) override {
+        return shared_;
+    }
+
+private:
+    ZQFoundation::NSObject shared_;
+};
+
+/// A desktop registered under a name for a scope.
+class Desktop {
+public:
+    explicit Desktop(const char* name = "NSWorkspace")
+        : registration_(name, ZQFoundation::makeObject<RecordingWorkspaceClass>(told_)) {}
+    const Words& told() const { return told_; }
+    void forget() { told_.clear(); }
+
+private:
+    Words told_;
+    ZQFoundation::ClassRegistration registration_;
+};
+
+/// As `inUnprivilegedChild`, with GoogleTest's checks in the child: false when one of them failed.
+template <class Body>
+bool checkedWithoutPrivileges(const Body& body) {
+    const int answer = inUnprivilegedChild([&] {
+        body();
+        std::fflush(nullptr);
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+    return answer == 0;
+}
+
+/// Scratch folders in memory for a scope, where the machine has such a place: thousands of small scenes would
+/// keep a disk busy. For tests that start no threads.
+class ScenesInMemory {
+public:
+    ScenesInMemory() : variable_("TMPDIR", place()) {}
+
+private:
+    static const char* place() {
+        return ::access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR");
+    }
+    Variable variable_;
+};
+
+/// A scratch folder in which any user may work, with short ways to put things there.
+class MigrationFolder {
+public:
+    MigrationFolder() { ::chmod(base_.path().c_str(), 0777); }
+
+    const std::string& path() const { return base_.path(); }
+    std::string operator/(const std::string& name) const { return base_ / name; }
+    std::string file(const std::string& name, const std::string& bytes) const {
+        return base_.write(name, bytes);
+    }
+    std::string folder(const std::string& name) const { return base_.makeFolder(name); }
+    std::string link(const std::string& target, const std::string& name) const {
+        EXPECT_EQ(::symlink(target.c_str(), (base_ / name).c_str()), 0) << name;
+        return base_ / name;
+    }
+    std::string pipe(const std::string& name) const {
+        EXPECT_EQ(::mkfifo((base_ / name).c_str(), 0644), 0) << name;
+        return base_ / name;
+    }
+    Digest digest(const std::string& name = "", Detail detail = Detail::permissions) const {
+        return digestOf(name.empty() ? path() : base_ / name, detail);
+    }
+
+private:
+    Folder base_;
+};
+
+} // namespace scene
+
+#endif
