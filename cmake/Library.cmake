@@ -60,3 +60,8 @@ zq_finish_library(ZQFoundationStatic ZQFoundation)
 install(TARGETS ZQFoundation ZQFoundationStatic
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+
+# The library's own texts, one folder for each language: beside the library in the build tree and in a host's bundle,
+# in share/ once installed.
+file(CREATE_LINK "${PROJECT_SOURCE_DIR}/resources" "${PROJECT_BINARY_DIR}/Resources" SYMBOLIC)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ZQFoundation")
