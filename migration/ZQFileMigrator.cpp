@@ -119,7 +119,8 @@ private:
         if (detail::standsInside(destination_, source_)) {
             return kind_.writingFailed;
         }
-        if (destinationExists_ && !files_.removeItemAtPath_error(destination_)) {
+        // What has come to stand at a name that was free is not ours to remove; the copy will not replace it.
+        if (destinationExists_ && policy_.overwrite && !files_.removeItemAtPath_error(destination_)) {
             return kind_.overwritingFailed;
         }
         return kFileMigrationSuccess;

@@ -104,7 +104,8 @@ TEST(BatchMigration, takesTheExtensionWithoutItsPeriod) {
 
 TEST(BatchMigration, passesOverWhatBeginsWithAPeriodAtTheTop) {
     const MigrationFolder folder;
-    for (const char* name : {".profile", ".git/config", ".git/sub/x", "docs/.notes.log", "docs/.git/y", "a"}) {
+    for (const char* name :
+         {".profile", ".git/config", ".git/sub/x", "docs/.notes.log", "docs/.git/y", "a"}) {
         folder.file(std::string("from/") + name, name);
     }
     EXPECT_EQ(migrated(folder, nullptr, DotFiles::passedOver, moving),
@@ -127,7 +128,8 @@ TEST(BatchMigration, goesOnAfterAFailure) {
     folder.file("from/b.log", "new");
     folder.file("from/c.log", "new");
     folder.file("to/b.log", "old");
-    const NSDictionary results = migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
+    const NSDictionary results =
+        migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
     EXPECT_EQ(codesOf(results), (Codes{{"a.log", 0}, {"b.log", 30}, {"c.log", 0}}));
     EXPECT_EQ(scene::contentsOf(folder / "to/b.log"), "old");
     EXPECT_EQ(scene::contentsOf(folder / "from/b.log"), "new");
@@ -147,7 +149,8 @@ TEST(BatchMigration, passesTheSwitchesOnToEveryFile) {
         {{false, false, false, false}, 30, {{"", "folder"}, {"a.log", "file [old]"}}},
         {{false, false, true, false}, 0, {{"", "folder"}, {"a.log", "file [new]"}}},
         {{true, false, true, false}, 0, {{"", "folder"}, {"a.log", "file [new]"}}},
-        {{false, false, false, true}, 0,
+        {{false, false, false, true},
+         0,
          {{"", "folder"}, {"a 1.log", "file [new]"}, {"a.log", "file [old]"}}},
         {{true, false, true, true}, 0, {{"", "folder"}, {"a.log", "file [new]"}}},
     };
@@ -166,7 +169,8 @@ TEST(BatchMigration, needsTheFoldersAtTheDestination) {
     const MigrationFolder folder;
     folder.file("from/a.log", "x");
     folder.file("from/sub/b.log", "x");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, copying), (Codes{{"a.log", 20}, {"sub/b.log", 20}}));
+    EXPECT_EQ(migrated(folder, "log", DotFiles::included, copying),
+              (Codes{{"a.log", 20}, {"sub/b.log", 20}}));
     folder.folder("to");
     EXPECT_EQ(migrated(folder, "log", DotFiles::included, copying), (Codes{{"a.log", 0}, {"sub/b.log", 20}}));
     folder.file("to/sub", "a file");
@@ -215,8 +219,8 @@ TEST(BatchMigration, treatsAnItemThatIsNotThereAsTheOneBeforeIt) {
     folder.link("nosuch", "others/d2");
     folder.link("nosuch", "others/d3");
     // Among a file and dangling links alone nothing is a folder: each of them fails as a missing file.
-    const Codes codes = codesOf(migrateFiles(nullptr, folder / "others", folder / "to", DotFiles::included,
-                                             creatingCopies));
+    const Codes codes =
+        codesOf(migrateFiles(nullptr, folder / "others", folder / "to", DotFiles::included, creatingCopies));
     EXPECT_EQ(codes.at("file"), 0U);
     for (const auto& [name, code] : codes) {
         EXPECT_EQ(code, name == "file" ? 0U : 10U) << name;
@@ -315,7 +319,8 @@ TEST(BatchMigration, keepsNamesThatAreNoText) {
     const MigrationFolder folder;
     const std::string name = "caf\xe9.log";
     folder.file("from/" + name, "x");
-    const NSDictionary results = migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
+    const NSDictionary results =
+        migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
     EXPECT_EQ(codesOf(results), (Codes{{name, 0}}));
     EXPECT_EQ(scene::contentsOf(folder / ("to/" + name)), "x");
 }

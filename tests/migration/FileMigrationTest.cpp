@@ -27,8 +27,8 @@ constexpr Flags overwritingCopies{true, false, true, false};
 constexpr Flags everything{false, true, true, true};
 
 /// Expects the code and that nothing in the folder has changed.
-void expectRefusal(const MigrationFolder& folder, const NSString& from, const NSString& to, const Flags& flags,
-                   unsigned code) {
+void expectRefusal(const MigrationFolder& folder, const NSString& from, const NSString& to,
+                   const Flags& flags, unsigned code) {
     const Digest before = folder.digest("", Detail::times);
     EXPECT_EQ(migrateFile(from, to, flags), code);
     EXPECT_EQ(scene::shownDigest(folder.digest("", Detail::times)), scene::shownDigest(before));
@@ -66,7 +66,8 @@ TEST(FileMigration, findsNothingAtEmptyPaths) {
     folder.file("a", "x");
     EXPECT_EQ(migrateFile("", ""), kFileMigrationSourceDoesNotExist);
     EXPECT_EQ(migrateFile("", folder / "b", everything), kFileMigrationSourceDoesNotExist);
-    expectRefusal(folder, folder / "a", "", nothingAllowed, kFileMigrationDestinationParentFolderDoesNotExist);
+    expectRefusal(folder, folder / "a", "", nothingAllowed,
+                  kFileMigrationDestinationParentFolderDoesNotExist);
     expectRefusal(folder, folder / "a", "", everything, kFileMigrationDestinationParentFolderCreationFailed);
 }
 
@@ -76,7 +77,8 @@ TEST(FileMigration, testsTheSourceFirst) {
     folder.link("nosuch", "dangling");
     // The destination's parent is missing too, and may be created: it is not.
     for (const char* source : {"nosuch", "dangling"}) {
-        expectRefusal(folder, folder / source, folder / "new/b", everything, kFileMigrationSourceDoesNotExist);
+        expectRefusal(folder, folder / source, folder / "new/b", everything,
+                      kFileMigrationSourceDoesNotExist);
     }
     expectRefusal(folder, folder / "folder", folder / "new/b", everything, kFileMigrationSourceIsFolder);
     expectRefusal(folder, folder / "folder/", folder / "new/b", everything, kFileMigrationSourceIsFolder);
@@ -146,7 +148,8 @@ TEST(FileMigration, refusesAnExistingFileAndLeavesBoth) {
     expectRefusal(folder, folder / "a", folder / "b", nothingAllowed, kFileMigrationDestinationFileExists);
     folder.folder("folder");
     // Without renaming the code is that of a file, whatever stands there.
-    expectRefusal(folder, folder / "a", folder / "folder", nothingAllowed, kFileMigrationDestinationFileExists);
+    expectRefusal(folder, folder / "a", folder / "folder", nothingAllowed,
+                  kFileMigrationDestinationFileExists);
 }
 
 TEST(FileMigration, overwritesAFile) {

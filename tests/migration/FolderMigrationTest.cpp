@@ -38,8 +38,8 @@ void makeTree(const MigrationFolder& folder, const std::string& name) {
     ::chmod((folder / (name + "/sub")).c_str(), 0750);
 }
 
-void expectRefusal(const MigrationFolder& folder, const NSString& from, const NSString& to, const Flags& flags,
-                   unsigned code) {
+void expectRefusal(const MigrationFolder& folder, const NSString& from, const NSString& to,
+                   const Flags& flags, unsigned code) {
     const Digest before = folder.digest("", Detail::times);
     EXPECT_EQ(migrateFolder(from, to, flags), code) << scene::shownFlags(flags);
     EXPECT_EQ(scene::shownDigest(folder.digest("", Detail::times)), scene::shownDigest(before));
@@ -189,7 +189,8 @@ TEST(FolderMigration, overwritesRatherThanRenames) {
     const MigrationFolder folder;
     folder.file("A/new", "new");
     folder.file("B/old", "old");
-    EXPECT_EQ(migrateFolder(folder / "A", folder / "B", scene::overwritingAndRenaming), kFileMigrationSuccess);
+    EXPECT_EQ(migrateFolder(folder / "A", folder / "B", scene::overwritingAndRenaming),
+              kFileMigrationSuccess);
     EXPECT_EQ(folder.digest("", Detail::contents),
               (Digest{{"", "folder"}, {"B", "folder"}, {"B/new", "file [new]"}}));
 }
@@ -209,7 +210,8 @@ TEST(FolderMigration, failsToWriteOverADanglingLink) {
     makeTree(folder, "A");
     folder.link("nosuch", "B");
     for (const Flags& flags : {nothingAllowed, overwriting, renaming}) {
-        expectRefusal(folder, folder / "A", folder / "B", flags, kFileMigrationDestinationFolderWritingFailed);
+        expectRefusal(folder, folder / "A", folder / "B", flags,
+                      kFileMigrationDestinationFolderWritingFailed);
     }
 }
 
@@ -266,8 +268,9 @@ TEST(FolderMigration, copiesAndRemovesALinkItself) {
     folder.file("target/x", "x");
     folder.link("target", "link");
     EXPECT_EQ(migrateFolder(folder / "link", folder / "moved"), kFileMigrationSuccess);
-    EXPECT_EQ(folder.digest("", Detail::contents),
-              (Digest{{"", "folder"}, {"moved", "link [target]"}, {"target", "folder"}, {"target/x", "file [x]"}}));
+    EXPECT_EQ(
+        folder.digest("", Detail::contents),
+        (Digest{{"", "folder"}, {"moved", "link [target]"}, {"target", "folder"}, {"target/x", "file [x]"}}));
 }
 
 TEST(FolderMigration, tellsTheDesktopNothing) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Every source against every destination under every combination of the switches, as the rules say it: a small
-// model of a file system and of the steps tells what is to come out, the real one must come to the same.
+// Every source against every destination under every combination of the switches, as the rules say it: a
+// small model of a file system and of the steps tells what is to come out, the real one must come to the
+// same.
 #include <algorithm>
 #include <map>
 #include <string>
@@ -95,8 +96,8 @@ public:
             } else if (stands(made)) {
                 return false; // a dangling link
             } else {
-                items_[resolved(parentOf(made), true) + (parentOf(made).empty() ? "" : "/") + name] =
-                    {Item::folder, "", 0755};
+                items_[resolved(parentOf(made), true) + (parentOf(made).empty() ? "" : "/") + name] = {
+                    Item::folder, "", 0755};
             }
         }
         return true;
@@ -311,11 +312,13 @@ struct Source {
     const char* path; ///< "%" is the item's name
 };
 constexpr Source sources[] = {
-    {"missing", "from/%"},          {"file", "from/%"},          {"empty file", "from/%"},
-    {"folder", "from/%"},           {"empty folder", "from/%"},  {"link to file", "from/%"},
-    {"link to folder", "from/%"},   {"dangling link", "from/%"}, {"pipe", "from/%"},
-    {"unreadable file", "from/%"},  {"empty path", "?"},         {"missing folder", "nosuch/%"},
-    {"below a file", "plain/%"},    {"through a link", "fromLink/%"},
+    {"missing", "from/%"},        {"file", "from/%"},
+    {"empty file", "from/%"},     {"folder", "from/%"},
+    {"empty folder", "from/%"},   {"link to file", "from/%"},
+    {"link to folder", "from/%"}, {"dangling link", "from/%"},
+    {"pipe", "from/%"},           {"unreadable file", "from/%"},
+    {"empty path", "?"},          {"missing folder", "nosuch/%"},
+    {"below a file", "plain/%"},  {"through a link", "fromLink/%"},
 };
 
 struct Destination {
@@ -395,8 +398,8 @@ Model sceneFor(const std::string& source, const std::string& destination, const 
 }
 
 /// One row on the disk against the same row in the model.
-void compareRow(const Source& source, const Destination& destination, Operation operation,
-                const Flags& flags, const std::string& name) {
+void compareRow(const Source& source, const Destination& destination, Operation operation, const Flags& flags,
+                const std::string& name) {
     const std::string row = std::string(source.what) + " to " + destination.what + " as " + name +
                             (operation == Operation::file ? " (file) " : " (folder) ") +
                             scene::shownFlags(flags);
@@ -413,8 +416,8 @@ void compareRow(const Source& source, const Destination& destination, Operation 
     const std::string realFrom = from == "?" ? "" : folder / from;
     const std::string realTo = to == "?" ? "" : folder / to;
     const bool isFile = operation == Operation::file;
-    const unsigned code = isFile ? scene::migrateFile(realFrom, realTo, flags)
-                                 : scene::migrateFolder(realFrom, realTo, flags);
+    const unsigned code =
+        isFile ? scene::migrateFile(realFrom, realTo, flags) : scene::migrateFolder(realFrom, realTo, flags);
 
     Words told;
     for (const std::string& path : steps.told) {

@@ -82,7 +82,7 @@ template <class Body>
 int inOwnMounts(const Body& body) {
     const pid_t child = ::fork();
     if (child == 0) {
-        ::alarm(60);
+        ::alarm(15);
         if (::unshare(CLONE_NEWNS) != 0 ||
             ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
             scene::leave(77);
@@ -121,7 +121,8 @@ TEST(OnlyCopy, survivesAFolderMovedIntoItself) {
 TEST(OnlyCopy, survivesAFolderMovedFurtherDownIntoItself) {
     const Places places;
     const Digest before = places.digest();
-    for (const char* to : {"P/A/sub/new", "P/A/sub/deeper/new", "toSub/new", "P/A/inside/new", "toA/sub/./new"}) {
+    for (const char* to :
+         {"P/A/sub/new", "P/A/sub/deeper/new", "toSub/new", "P/A/inside/new", "toA/sub/./new"}) {
         for (unsigned bits = 0; bits < 16; ++bits) {
             expectUntouched(places, before, migrateFolder(places / "P/A", places / to, scene::flagsOf(bits)),
                             {37}, shown("P/A", to, bits));
@@ -144,7 +145,8 @@ TEST(OnlyCopy, survivesAFolderMovedIntoFoldersThatWouldBeMadeInside) {
 TEST(OnlyCopy, survivesAFolderMovedOverAFolderInsideItself) {
     const Places places;
     const Digest before = places.digest();
-    for (const char* to : {"P/A/sub", "P/A/sub/deeper", "toSub/deeper", "P/A/inside", "P/A/./sub/", "toA/sub"}) {
+    for (const char* to :
+         {"P/A/sub", "P/A/sub/deeper", "toSub/deeper", "P/A/inside", "P/A/./sub/", "toA/sub"}) {
         for (unsigned bits = 0; bits < 16; ++bits) {
             const Flags flags = scene::flagsOf(bits);
             const std::string what = shown("P/A", to, bits);
@@ -197,10 +199,11 @@ TEST(OnlyCopy, survivesAFolderMovedOntoItsOwnAncestor) {
     const Places places;
     const scene::CurrentFolder current(places.base());
     const Digest before = places.digest();
-    const Paths ancestors = {places / "P",       places / "./P",       places.base() + "//P/",
-                             places / "P/../P",  places / "P/A/..",    places / "toP/../P",
+    const Paths ancestors = {places / "P",           places / "./P",    places.base() + "//P/",
+                             places / "P/../P",      places / "P/A/..", places / "toP/../P",
                              places / "toSub/../..", places / "toA/..", places / "other/../P",
-                             "/proc/self/cwd/P", places.base(),        places / "P/..", "/proc/self/cwd"};
+                             "/proc/self/cwd/P",     places.base(),     places / "P/..",
+                             "/proc/self/cwd"};
     for (const std::string& from : spellingsOf(places, "A")) {
         for (const std::string& to : ancestors) {
             for (const unsigned bits : {4U, 5U, 6U, 15U}) {
@@ -367,11 +370,12 @@ TEST(OnlyCopy, survivesALinkMovedOntoItself) {
     places.folder.link("F.txt", "P/L.txt");
     const Digest before = places.digest();
     for (const char* to : {"P/L.txt", "toP/L.txt", "P/./L.txt", "other/back/L.txt"}) {
-        expectUntouched(places, before, migrateFile(places / "P/L.txt", places / to, scene::overwriting), {34},
-                        to);
+        expectUntouched(places, before, migrateFile(places / "P/L.txt", places / to, scene::overwriting),
+                        {34}, to);
     }
-    expectUntouched(places, before, migrateFolder(places / "toA", places / "other/../toA", scene::overwriting),
-                    {36}, "a link to a folder onto itself");
+    expectUntouched(places, before,
+                    migrateFolder(places / "toA", places / "other/../toA", scene::overwriting), {36},
+                    "a link to a folder onto itself");
 }
 
 TEST(OnlyCopy, survivesABatchOntoItselfInAnySpelling) {
@@ -419,7 +423,8 @@ TEST(OnlyCopy, survivesTheSameFolderMountedElsewhere) {
         unchanged("P/A", "mountedP/A/sub/new", {37});
         unchanged("mountedA", "P/A/sub/new", {37});
         for (const unsigned bits : {4U, 5U, 15U}) {
-            const unsigned code = migrateFile(places / "P/F.txt", places / "mountedP/F.txt", scene::flagsOf(bits));
+            const unsigned code =
+                migrateFile(places / "P/F.txt", places / "mountedP/F.txt", scene::flagsOf(bits));
             expectUntouched(places, before, code, {34}, "P/F.txt");
         }
     });
@@ -443,7 +448,8 @@ TEST(OnlyCopy, survivesAFolderMovedIntoAMountOfAFolderInsideIt) {
         const Digest before = places.folder.digest("P/A", Detail::contents);
         // No way upwards from the destination comes past the source; only on the way down does it show.
         for (const unsigned bits : {0U, 1U, 6U}) {
-            EXPECT_EQ(migrateFolder(places / "P/A", places / "other/mountedSub/new", scene::flagsOf(bits)), 37U);
+            EXPECT_EQ(migrateFolder(places / "P/A", places / "other/mountedSub/new", scene::flagsOf(bits)),
+                      37U);
             const Digest after = places.folder.digest("P/A", Detail::contents);
             for (const auto& [path, what] : before) {
                 EXPECT_EQ(after.count(path) == 1 ? after.at(path) : "lost", what) << path;

@@ -91,8 +91,8 @@ TEST(ResultCodes, areUnknownErrorsInEveryGapAndBeyond) {
 TEST(ResultCodes, giveAnEmptyTextWhenNothingFailed) {
     EXPECT_EQ(joined(NSDictionary::dictionary()), "");
     EXPECT_EQ(joined(NSDictionary{{"a", 0}, {"b", 0U}, {"", 0}}), "");
-    EXPECT_TRUE(static_cast<bool>(ZQFileMigrator::descriptionOfFileMigrationErrorsIn(NSDictionary{{"a", 0}})
-                                      .string()))
+    EXPECT_TRUE(static_cast<bool>(
+        ZQFileMigrator::descriptionOfFileMigrationErrorsIn(NSDictionary{{"a", 0}}).string()))
         << "empty, not nil";
     EXPECT_EQ(joined(nullptr), "");
 }
@@ -111,7 +111,8 @@ TEST(ResultCodes, doNotFollowTheOrderOfInsertion) {
     const NSDictionary forwards{{"a", 12}, {"B", 13}, {"c", 15}};
     const NSDictionary backwards{{"c", 15}, {"B", 13}, {"a", 12}};
     EXPECT_EQ(joined(forwards), joined(backwards));
-    EXPECT_EQ(joined(forwards), std::string("a: ") + nameOf(12) + ", B: " + nameOf(13) + ", c: " + nameOf(15));
+    EXPECT_EQ(joined(forwards),
+              std::string("a: ") + nameOf(12) + ", B: " + nameOf(13) + ", c: " + nameOf(15));
 }
 
 TEST(ResultCodes, ofAnEmptyKeyHaveNeitherKeyNorColon) {

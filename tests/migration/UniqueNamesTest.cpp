@@ -25,8 +25,7 @@ std::string uniquePath(const NSString& path, StringView between, std::uint64_t l
 }
 
 std::string uniqueMember(const NSSet& set, const NSString& name, StringView between, std::uint64_t limit) {
-    return shownText(
-        set.uniqueStringForString_usingIntermediateString_maxAttempts(name, between, limit));
+    return shownText(set.uniqueStringForString_usingIntermediateString_maxAttempts(name, between, limit));
 }
 
 std::string uniqueKey(const NSDictionary& entries, const NSString& key, StringView between) {
@@ -57,10 +56,14 @@ TEST(UniquePath, hasTheCounterInFrontOfTheExtension) {
         const char* expected;
     };
     const Row rows[] = {
-        {"report.pdf", nullptr, "report1.pdf"},     {"report.pdf", "-", "report-1.pdf"},
-        {"report.pdf", "", "report1.pdf"},          {"report.pdf", " ", "report 1.pdf"},
-        {"report.pdf", " copy ", "report copy 1.pdf"}, {"a.tar.gz", nullptr, "a.tar1.gz"},
-        {"a.tar.gz", " ", "a.tar 1.gz"},            {"scratch..tiff", nullptr, "scratch.1.tiff"},
+        {"report.pdf", nullptr, "report1.pdf"},
+        {"report.pdf", "-", "report-1.pdf"},
+        {"report.pdf", "", "report1.pdf"},
+        {"report.pdf", " ", "report 1.pdf"},
+        {"report.pdf", " copy ", "report copy 1.pdf"},
+        {"a.tar.gz", nullptr, "a.tar1.gz"},
+        {"a.tar.gz", " ", "a.tar 1.gz"},
+        {"scratch..tiff", nullptr, "scratch.1.tiff"},
         {".a.b", " ", ".a 1.b"},
     };
     for (const Row& row : rows) {
@@ -136,9 +139,7 @@ TEST(UniquePath, ofNothingIsNothing) {
     EXPECT_EQ(uniquePath(nullptr, " "), "(nil)");
 }
 
-TEST(UniquePath, ofTheRootIsAName) {
-    EXPECT_EQ(uniquePath("/", " "), "/ 1.");
-}
+TEST(UniquePath, ofTheRootIsAName) { EXPECT_EQ(uniquePath("/", " "), "/ 1."); }
 
 TEST(UniqueString, isTheStringItselfWhenItIsNoMember) {
     for (const std::uint64_t limit : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {

@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: MIT
+// Migrations while another process swaps folders and files for links to somebody's victim folder, over and
+// over. Reading through such a link may happen; nothing in the victim may be written, removed or changed.
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+
+#include "tests/migration/MigrationScene.h"
+
+using scene::Detail;
+using scene::Digest;
+using scene::DotFiles;
+using scene::Flags;
+
+namespace {
+
+constexpr long wantedSwaps = 20000;
+constexpr long wantedMigrations = 150;
+constexpr int longestSeconds = scene::forksTakeTurns ? 10 : 3;
+
+/// What both processes see.
+struct Shared {
+    std::atomic<bool> stops{false};
+    std::atomic<long> swaps{0};
+};
+
+/// Swaps two names at once, so that there is always something at either.
+bool exchange(const std::string& one, const std::string& other) {
+    return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
+                     2 /* RENAME_EXCHANGE */) == 0;
+}
+
+/// The scene: "work" with the folders that are migrated from and to, "victim" with the same names in it.
+class Swapped {
+public:
+    Swapped() {
+        shared_ =
+            new (::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
+                Shared;
+        for (const char* name : {"one", "sub/two", "sub/deeper/three", "item/one", "item/sub/two",
+                                 "item/sub/deeper/three", "a.log", "sub/b.log", "sub/deeper/c.log"}) {
+            folder_.file(std::string("victim/") + name, "the victim's");
+        }
+        folder_.folder("work/from");
+        folder_.folder("work/to");
+        folder_.folder("staging");
+        folder_.folder("trash");
+        ::chmod((folder_ / "victim/one").c_str(), 0600);
+        before_ = victim();
+    }
+    Swapped(const Swapped&) = delete;
+    Swapped& operator=(const Swapped&) = delete;
+    ~Swapped() { ::munmap(shared_, sizeof(Shared)); }
+
+    const scene::MigrationFolder& folder() const { return folder_; }
+    std::string operator/(const std::string& name) const { return folder_ / name; }
+
+    /// A fresh tree at "work/<place>", made elsewhere and put there at once; what stood there goes away.
+    void renew(const std::string& place, bool withTree) {
+        const std::string at = folder_ / ("work/" + place);
+        const std::string number = std::to_string(++made_);
+        if (::rename(at.c_str(), (folder_ / ("trash/" + number)).c_str()) == 0) {
+            // A link may have been taken along; removing a tree does not follow it.
+            scene::removeTree(folder_ / ("trash/" + number));
+        }
+        if (!withTree) {
+            return;
+        }
+        const std::string staged = "staging/" + number;
+        for (const char* name :
+             {"/one", "/sub/two", "/sub/deeper/three", "/a.log", "/sub/b.log", "/sub/deeper/c.log"}) {
+            folder_.file(staged + name, "mine");
+        }
+        if (scene::isRoot() && owner_ != 0) {
+            // Beside the tree that is made, the swapper needs to own the folders in which it swaps.
+            for (const char* name : {"", "/sub", "/sub/deeper"}) {
+                EXPECT_EQ(::chown((folder_ / (staged + name)).c_str(), owner_, owner_), 0);
+            }
+        }
+        ::rename((folder_ / staged).c_str(), at.c_str());
+    }
+
+    void giveTo(uid_t owner) { owner_ = owner; }
+
+    /// Runs `migrate` again and again while another process runs `swap` with the number of the turn.
+    template <class Swap, class Migrate>
+    void race(const Swap& swap, const Migrate& migrate) {
+        const pid_t swapper = ::fork();
+        if (swapper == 0) {
+            ::alarm(120);
+            if (owner_ != 0 && (::setgid(owner_) != 0 || ::setuid(owner_) != 0)) {
+                scene::leave(99);
+            }
+            for (long turn = 0; !shared_->stops; ++turn) {
+                if (swap(turn)) {
+                    ++shared_->swaps;
+                }
+            }
+            scene::leave(0);
+        }
+        const time_t end = ::time(nullptr) + longestSeconds;
+        long migrations = 0;
+        while ((shared_->swaps < wantedSwaps || migrations < wantedMigrations) && ::time(nullptr) < end) {
+            migrate(migrations);
+            ++migrations;
+        }
+        shared_->stops = true;
+        int status = 0;
+        ::waitpid(swapper, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        std::printf("%ld swaps, %ld migrations\n", shared_->swaps.load(), migrations);
+        EXPECT_GE(shared_->swaps, scene::forksTakeTurns ? wantedSwaps / 10 : wantedSwaps);
+        EXPECT_GT(migrations, wantedMigrations / 10);
+        EXPECT_EQ(scene::shownDigest(victim()), scene::shownDigest(before_));
+    }
+
+private:
+    /// With the numbers of the files and the times of folders: a name put in and taken out shows, too.
+    Digest victim() const {
+        Digest digest = folder_.digest("victim", Detail::times);
+        for (auto& [name, what] : digest) {
+            struct stat information {};
+            ::lstat((folder_ / ("victim/" + name)).c_str(), &information);
+            what += " " + std::to_string(information.st_ino) + " " + std::to_string(information.st_uid) +
+                    " " + std::to_string(information.st_ctim.tv_sec) + "." +
+                    std::to_string(information.st_ctim.tv_nsec);
+        }
+        return digest;
+    }
+
+    scene::ScenesInMemory memory_;
+    scene::MigrationFolder folder_;
+    Shared* shared_;
+    Digest before_;
+    long made_ = 0;
+    uid_t owner_ = 0;
+};
+
+/// An entry below "work", and what of the victim it is swapped for.
+struct Swap {
+    const char* entry;
+    const char* victim;
+};
+using Swaps = std::vector<Swap>;
+
+/// Swaps an entry for a link and back. The link waits in "swap", where only the swapper works.
+class Swapper {
+public:
+    Swapper(const Swapped& scene, const Swaps& swaps) {
+        scene.folder().folder("swap");
+        ::chmod((scene / "swap").c_str(), 0777);
+        for (const Swap& swap : swaps) {
+            const std::string link = "swap/" + std::to_string(pairs_.size());
+            scene.folder().link(scene / swap.victim, link);
+            pairs_.push_back({scene / (std::string("work/") + swap.entry), scene / link});
+        }
+    }
+
+    bool operator()(long turn) const {
+        const auto& [entry, link] = pairs_[static_cast<std::size_t>(turn / 2) % pairs_.size()];
+        return exchange(entry, link);
+    }
+
+private:
+    std::vector<std::pair<std::string, std::string>> pairs_;
+};
+
+void moveTrees(Swapped& scene, const Swaps& swaps, uid_t owner) {
+    scene.giveTo(owner);
+    if (owner != 0) {
+        for (const char* name : {"work", "work/from", "work/to", "trash", "staging"}) {
+            ::chmod((scene / name).c_str(), 0777);
+        }
+    }
+    scene.renew("from/item", true);
+    const Swapper swapper(scene, swaps);
+    scene.race(swapper, [&](long turn) {
+        scene.renew("from/item", true);
+        scene.renew("to/item", turn % 2 == 0);
+        scene::migrateFolder(scene / "work/from/item", scene / "work/to/item",
+                             {turn % 3 == 0, false, true, false});
+    });
+}
+
+// No swapped entry lies behind another one, or the swapper itself would reach into the victim through a link.
+const Swaps atTheTopOfTheSource{{"from/item/sub", "victim/sub"}, {"from/item/one", "victim/one"}};
+const Swaps deepInTheSource{{"from/item/sub/deeper", "victim/sub/deeper"},
+                            {"from/item/sub/two", "victim/sub/two"}};
+const Swaps atTheTopOfTheDestination{{"to/item/sub", "victim/sub"}, {"to/item/one", "victim/one"}};
+const Swaps deepInTheDestination{{"to/item/sub/deeper", "victim/sub/deeper"},
+                                 {"to/item/sub/two", "victim/sub/two"}};
+const Swaps theItems{{"from/item", "victim"}, {"to/item", "victim"}};
+
+/// Another user where there is one to be, else (0) this one.
+uid_t swappingUser() { return scene::isRoot() ? 65534 : 0; }
+
+} // namespace
+
+TEST(Swapping, insideTheSourceHarmsNoVictim) {
+    for (const Swaps& swaps : {atTheTopOfTheSource, deepInTheSource}) {
+        Swapped scene;
+        moveTrees(scene, swaps, swappingUser());
+    }
+}
+
+TEST(Swapping, insideTheDestinationHarmsNoVictim) {
+    for (const Swaps& swaps : {atTheTopOfTheDestination, deepInTheDestination}) {
+        Swapped scene;
+        moveTrees(scene, swaps, swappingUser());
+    }
+}
+
+TEST(Swapping, ofSourceAndDestinationThemselvesHarmsNoVictim) {
+    Swapped scene;
+    moveTrees(scene, theItems, swappingUser());
+}
+
+TEST(Swapping, onBothSidesByTheSameUserHarmsNoVictim) {
+    for (const auto& [first, second] : {std::pair(atTheTopOfTheSource, atTheTopOfTheDestination),
+                                        std::pair(deepInTheSource, deepInTheDestination)}) {
+        Swaps both = first;
+        both.insert(both.end(), second.begin(), second.end());
+        Swapped scene;
+        moveTrees(scene, both, 0);
+    }
+}
+
+TEST(Swapping, ofFilesHarmsNoVictim) {
+    Swapped scene;
+    scene.giveTo(swappingUser());
+    for (const char* name : {"work/from", "work/to"}) {
+        ::chmod((scene / name).c_str(), 0777);
+    }
+    const Swapper swapper(scene, {{"from/one", "victim/one"}, {"to/one", "victim/one"}});
+    scene.race(swapper, [&](long turn) {
+        for (const char* name : {"work/from/one", "work/to/one"}) {
+            // Written beside and put there, so that the scene does not write through a link itself.
+            const std::string staged = scene.folder().file("staging/one", "mine");
+            ::rename(staged.c_str(), (scene / name).c_str());
+        }
+        scene::migrateFile(scene / "work/from/one", scene / "work/to/one",
+                           scene::flagsOf(static_cast<unsigned>(turn) % 16));
+    });
+}
+
+TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
+    if (!scene::isRoot()) {
+        GTEST_SKIP() << "only root can have another user swap";
+    }
+    if (scene::contentsOf("/proc/sys/fs/protected_symlinks") != "1\n") {
+        GTEST_SKIP() << "this system follows foreign links in sticky folders";
+    }
+    // In a folder like /tmp, in which everybody may make links, a link of somebody else is not followed: the
+    // parents of source and destination belong to the swapper, who puts links in their places.
+    Swapped scene;
+    scene.giveTo(65534);
+    ::chmod((scene / "work").c_str(), 01777);
+    ASSERT_EQ(::rmdir((scene / "work/to").c_str()), 0);
+    ASSERT_EQ(::rmdir((scene / "work/from").c_str()), 0);
+    for (const char* parent : {"from", "to"}) {
+        scene.folder().folder(std::string("work/") + parent);
+        ASSERT_EQ(::chown((scene / (std::string("work/") + parent)).c_str(), 65534, 65534), 0);
+    }
+    scene.folder().folder("swap");
+    ASSERT_EQ(::chown((scene / "swap").c_str(), 65534, 65534), 0);
+    for (const char* name : {"swap/from", "swap/to"}) {
+        scene.folder().link(scene / "victim", name);
+        ASSERT_EQ(::lchown((scene / name).c_str(), 65534, 65534), 0);
+    }
+    const std::string pairs[2][2] = {{scene / "work/from", scene / "swap/from"},
+                                     {scene / "work/to", scene / "swap/to"}};
+    scene.race([&](long turn) { return exchange(pairs[turn / 2 % 2][0], pairs[turn / 2 % 2][1]); },
+               [&](long turn) {
+                   const Flags flags{turn % 2 == 0, turn % 5 == 0, true, false};
+                   scene::migrateFolder(scene / "work/from/item", scene / "work/to/item", flags);
+                   scene::migrateFile(scene / "work/from/one", scene / "work/to/one", flags);
+                   scene::migrateFile(scene / "work/from/one", scene / "work/to/new", flags);
+                   scene::migrateFiles("log", scene / "work/from", scene / "work/to", DotFiles::included,
+                                       flags);
+                   // From a place that nobody swaps to one that is.
+                   const std::string mine = scene.folder().file("staging/mine", "mine");
+                   scene::migrateFile(mine, scene / "work/to/one", flags);
+               });
+}
+
+TEST(Swapping, inABatchHarmsNoVictim) {
+    Swapped scene;
+    scene.giveTo(0);
+    scene.renew("from/item", true);
+    const Swapper swapper(scene, {{"from/item/a.log", "victim/a.log"},
+                                  {"to/item/a.log", "victim/a.log"},
+                                  {"from/item/sub/b.log", "victim/sub/b.log"},
+                                  {"to/item/sub/b.log", "victim/sub/b.log"}});
+    scene.race(swapper, [&](long turn) {
+        scene.renew("from/item", true);
+        scene.renew("to/item", turn % 2 == 0);
+        scene::migrateFiles("log", scene / "work/from/item", scene / "work/to/item", DotFiles::included,
+                            {turn % 3 == 0, true, turn % 4 != 0, turn % 4 == 0});
+    });
+}
