@@ -11,6 +11,9 @@ using Environment = ZQMacOSRuntimeEnvironment;
 
 namespace {
 
+// The library's language is chosen once in a process, and these tests compare its English texts.
+const scene::NoLanguages english;
+
 /// "major.minor.patch" and how many of the five release tests hold, from the oldest on.
 std::string seen() {
     const bool answers[] = {Environment::isSierraOrLater(), Environment::isHighSierraOrLater(),

@@ -123,6 +123,7 @@ TEST(BatchMigration, migratesAHiddenFileInsideWhenItsExtensionMatches) {
 }
 
 TEST(BatchMigration, goesOnAfterAFailure) {
+    const scene::NoLanguages english;
     const MigrationFolder folder;
     folder.file("from/a.log", "new");
     folder.file("from/b.log", "new");
