@@ -138,6 +138,11 @@ const NSCharacterSet& digits() {
     return set;
 }
 
+const NSCharacterSet& blanksAndNewlines() {
+    static const NSCharacterSet set = NSCharacterSet::whitespaceAndNewlineCharacterSet();
+    return set;
+}
+
 void addLibrary() {
     const auto lines = [](const Text& text) {
         return text.string.componentsSeparatedByLineBreak();
@@ -156,6 +161,10 @@ void addLibrary() {
     };
     add(
         "trim", "library", [](const Text& text) { return text.string.trim(); }, indentedText);
+    add(
+        "trim by a set", "library",
+        [](const Text& text) { return text.string.stringByTrimmingCharactersInSet(blanksAndNewlines()); },
+        indentedText);
     add("split white space", "library", words);
     add("split white space, wide", "library", words, wideText);
     add("split lines", "library", lines);
@@ -177,8 +186,10 @@ void addLibrary() {
 
 void addBase() {
     const std::u16string wideWord = NSString(absentWord).utf16();
-    add(
-        "trim", "base", [](const Text& text) { return trimmed(text.bytes); }, indentedText);
+    for (const char* row : {"trim", "trim by a set"}) {
+        add(
+            row, "base", [](const Text& text) { return trimmed(text.bytes); }, indentedText);
+    }
     for (const char* row : {"split white space", "split at a text"}) {
         add(row, "base", [](const Text& text) { return splitAt(text.bytes, ' '); });
         add(
@@ -222,8 +233,10 @@ void addQt() {
         copy.replace(digit, QStringLiteral("#"));
         return copy;
     };
-    add(
-        "trim", "qt", [](const Text& text) { return text.qt.trimmed(); }, indentedText);
+    for (const char* row : {"trim", "trim by a set"}) {
+        add(
+            row, "qt", [](const Text& text) { return text.qt.trimmed(); }, indentedText);
+    }
     add("split white space", "qt", words);
     add("split white space", "qt regex", [](const Text& text) {
         static const QRegularExpression blanks(QStringLiteral("[ \\t]+"));

@@ -75,6 +75,7 @@ NSString localized(const NSString& text) {
 
 NSString userVisibleText(StringView key, const char* fallback) {
     const detail::CallerState callerState;
+    release();
     const NSString text(detail::systemVersionDictionary().objectForKey(key));
     return text.length() != 0 ? text : localized(fallback);
 }
@@ -113,7 +114,10 @@ bool ZQMacOSRuntimeEnvironment::isCatalinaOrLater() { return isAtLeast10Dot(15);
 
 bool ZQMacOSRuntimeEnvironment::isBigSurOrLater() { return isAtLeast10Dot(16); }
 
+// Whichever operation comes first makes the class read the numbers, these too, which do not need them.
+
 bool ZQMacOSRuntimeEnvironment::isARM() {
+    initialize();
 #ifdef __aarch64__
     return true;
 #else
@@ -122,6 +126,7 @@ bool ZQMacOSRuntimeEnvironment::isARM() {
 }
 
 bool ZQMacOSRuntimeEnvironment::isIntel() {
+    initialize();
 #ifdef __x86_64__
     return true;
 #else
@@ -129,9 +134,13 @@ bool ZQMacOSRuntimeEnvironment::isIntel() {
 #endif
 }
 
-bool ZQMacOSRuntimeEnvironment::isPowerPC() { return false; }
+bool ZQMacOSRuntimeEnvironment::isPowerPC() {
+    initialize();
+    return false;
+}
 
 NSString ZQMacOSRuntimeEnvironment::localizedProcessorArchitecture() {
+    initialize();
     return localized(processorArchitecture());
 }
 

@@ -36,6 +36,21 @@ NSRange rangeOfMember(const Unit* units, NSRange range, const CharacterMembershi
     return at < end ? NSMakeRange(at, 1) : nowhere;
 }
 
+/// The string itself when nothing goes.
+template <class Unit>
+NSString trimmed(const NSString& string, const Unit* units, const CharacterMembership& members) {
+    const std::size_t length = string.length();
+    std::size_t start = 0;
+    while (start < length && members.contains(units[start])) {
+        ++start;
+    }
+    std::size_t end = length;
+    while (end > start && members.contains(units[end - 1])) {
+        --end;
+    }
+    return end - start == length ? string : string.substringWithRange(start, end - start);
+}
+
 } // namespace
 
 NSRange NSString::rangeOfCharacterFromSet(const NSCharacterSet& set) const {
@@ -62,16 +77,12 @@ NSRange NSString::rangeOfCharacterFromSet_options_range(const NSCharacterSet& se
 }
 
 NSString NSString::stringByTrimmingCharactersInSet(const NSCharacterSet& set) const {
-    const NSCharacterSet others = set ? set.invertedSet() : NSCharacterSet();
-    if (!*this || !others) {
-        return *this;
+    if (!*this) {
+        return nullptr;
     }
-    const NSRange first = rangeOfCharacterFromSet(others);
-    if (first.location == NSNotFound) {
-        return string();
-    }
-    const NSRange last = rangeOfCharacterFromSet_options(others, NSBackwardsSearch);
-    return substringWithRange(first.location, last.location + 1 - first.location);
+    const detail::StringBody& body = *Access::string(*this);
+    const CharacterMembership members(set);
+    return body.isAscii ? trimmed(*this, body.ascii(), members) : trimmed(*this, body.units(), members);
 }
 
 } // namespace ZQFoundation

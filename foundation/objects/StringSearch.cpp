@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Texts searched for in strings.
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "foundation/objects/ComposedSequences.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSString.h"
+#include "foundation/objects/StringBodies.h"
 #include "foundation/objects/UnitSearch.h"
 #include "foundation/text/CaseMapping.h"
 #include "foundation/text/Utf.h"
@@ -76,6 +78,12 @@ NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const Normali
 
 // By what texts mean
 
+/// Whether the ASCII unit at `index` is a sequence of its own. Nothing below U+0300 extends one.
+bool isSequence(const UnitView& text, std::size_t index) noexcept {
+    const std::size_t next = index + 1;
+    return next == text.length() || text[next] < 0x300 || detail::sequenceEnd(text, index) == next;
+}
+
 /// One code point of a text as it is compared, and the stretch of the text that it comes from. A match begins
 /// with the first and ends with the last one of a stretch, so that it never cuts one.
 struct FoldedPoint {
@@ -115,11 +123,11 @@ private:
             append(detail::nextCodePoint(text_, index_));
             return true;
         }
-        index_ = detail::sequenceEnd(text_, start_);
-        if (index_ == start_ + 1 && text_[start_] < 0x80) {
-            append(text_[start_]);
+        if (text_[start_] < 0x80 && isSequence(text_, start_)) {
+            append(text_[index_++]);
             return true;
         }
+        index_ = detail::sequenceEnd(text_, start_);
         detail::decompose(text_, start_, index_, sequence_);
         for (const detail::ClassedCodePoint& entry : sequence_) {
             append(entry.codePoint);
@@ -293,7 +301,7 @@ NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const Normali
         }
         found.location += start;
         const std::size_t last = found.location + found.length - 1;
-        if (detail::sequenceEnd(text, last) == last + 1) {
+        if (isSequence(text, last)) {
             return found;
         }
         if (options.isAnchored) {
@@ -307,6 +315,14 @@ NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const Normali
     }
 }
 
+NSRange rangeOfAsciiInAnyCase(const UnitView& text, std::size_t start, const NormalizedText& wanted) {
+    std::string lowered(wanted.ascii(), wanted.length());
+    std::transform(lowered.begin(), lowered.end(), lowered.begin(), detail::AsciiInAnyCase::form);
+    const std::size_t found = detail::findUnits(text.ascii() + start, text.length() - start, lowered.data(),
+                                                lowered.size(), detail::AsciiInAnyCase());
+    return found == detail::unitNotFound ? nowhere : NSMakeRange(start + found, lowered.size());
+}
+
 NSRange rangeOfText(const UnitView& text, std::size_t start, const NormalizedText& wanted,
                     const SearchOptions& options) {
     if (wanted.length() == 0) {
@@ -316,8 +332,52 @@ NSRange rangeOfText(const UnitView& text, std::size_t start, const NormalizedTex
         const NSRange found = rangeOfExactUnits(text, start, wanted, options);
         return found.location == NSNotFound ? found : NSMakeRange(start + found.location, found.length);
     }
-    return !options.ignoresCase && isPlainAscii(wanted) ? rangeOfPlainAscii(text, start, wanted, options)
-                                                        : rangeOfFolded(text, start, wanted, options);
+    if (!options.ignoresCase && isPlainAscii(wanted)) {
+        return rangeOfPlainAscii(text, start, wanted, options);
+    }
+    // Anchored searches look at one place anyway; backward ones are rare.
+    const bool isForwards = !options.isBackwards && !options.isAnchored;
+    return options.ignoresCase && isForwards && text.isAscii() && wanted.isAscii()
+               ? rangeOfAsciiInAnyCase(text, start, wanted)
+               : rangeOfFolded(text, start, wanted, options);
+}
+
+// Pieces
+
+NSString pieceOf(const char* units, std::size_t start, std::size_t end) {
+    return detail::makeAsciiString(units + start, end - start);
+}
+
+NSString pieceOf(const char16_t* units, std::size_t start, std::size_t end) {
+    return detail::makeString(units + start, end - start);
+}
+
+/// The pieces between plain ASCII or, in bytes, between any text of bytes.
+template <class Unit>
+NSArray piecesBetween(const UnitView& text, const Unit* units, const std::basic_string<Unit>& separator) {
+    const std::size_t length = text.length();
+    const bool isUnit = separator.size() == 1;
+    const auto only = static_cast<detail::Lane<Unit>>(separator[0]);
+    const auto isSeparator = [only](auto unit) {
+        return unit == only;
+    };
+    NSMutableArray pieces(isUnit ? 1 + detail::countPlaces(units, length, isSeparator) : 4);
+    std::size_t start = 0;
+    std::size_t at = 0;
+    for (;;) {
+        const std::size_t found =
+            detail::findUnits(units + at, length - at, separator.data(), separator.size());
+        if (found == detail::unitNotFound) {
+            pieces.addObject(pieceOf(units, start, length));
+            return pieces.array();
+        }
+        const std::size_t end = at + found;
+        at = end + separator.size();
+        if (isSequence(text, at - 1)) {
+            pieces.addObject(pieceOf(units, start, end));
+            start = at;
+        }
+    }
 }
 
 } // namespace
@@ -344,6 +404,13 @@ NSArray NSString::componentsSeparatedByString(StringView separator) const {
     }
     const UnitView whole(*detail::Access::string(*this));
     const NormalizedText wanted(separator);
+    if (wanted.length() != 0 && wanted.isAscii() && whole.isAscii()) {
+        return piecesBetween(whole, whole.ascii(), std::string(wanted.ascii(), wanted.length()));
+    }
+    if (wanted.length() != 0 && isPlainAscii(wanted)) {
+        return piecesBetween(whole, whole.units(),
+                             std::u16string(wanted.ascii(), wanted.ascii() + wanted.length()));
+    }
     const SearchOptions options(0);
     NSMutableArray pieces;
     std::size_t start = 0;

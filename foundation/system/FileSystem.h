@@ -20,9 +20,9 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept;
 /// name any more), so that their text need not lead anywhere.
 bool holdsObjectLinks(int folder) noexcept;
 
-/// Copies the data of one open file, from its start to its end, to another that is empty, by the fastest means
-/// that both offer; holes stay holes. False with `errno`, also when there is no room, and when a file-size limit
-/// is met, which raises no signal here. Both descriptors' positions may move.
+/// Copies the data of one open file, from its start to its end, to another that is empty, by the fastest
+/// means that both offer; holes stay holes. False with `errno`, also when there is no room, and when a
+/// file-size limit is met, which raises no signal here. Both descriptors' positions may move.
 bool copyFileData(int source, int destination) noexcept;
 
 /// What became of the attributes of an open file that its permissions do not tell.
@@ -32,8 +32,8 @@ enum class AttributesCopied {
     failed,            ///< `errno`
 };
 
-/// Gives an open file or folder the extended attributes and access lists of another. Passed over is what belongs
-/// to the system and may not be given, and what the other file system has no place for.
+/// Gives an open file or folder the extended attributes and access lists of another. Passed over is what
+/// belongs to the system and may not be given, and what the other file system has no place for.
 AttributesCopied copyExtendedAttributes(int source, int destination) noexcept;
 
 /// Unpredictable for others, another number at every call.

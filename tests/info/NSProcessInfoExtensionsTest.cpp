@@ -2,6 +2,7 @@
 #include "foundation/process/NSProcessInfo.h"
 
 #include "tests/info/InfoScene.h"
+#include "tests/log/LogTestSupport.h"
 
 using namespace ZQFoundation;
 using infotest::ApplicationScene;
@@ -70,6 +71,7 @@ TEST(NSProcessInfoExtensions, useTheTextOfACompanyThatIsNoString) {
 }
 
 TEST(NSProcessInfoExtensions, fallBackToTheProcessName) {
+    const logtest::ProcessName name("viewerd"); // an earlier test may have set another
     const ApplicationScene application("{ CFBundleIdentifier = com.example.v; }");
     const scene::Arguments arguments(detail::overrides::arguments, {"/usr/bin/viewerd"});
     const Home home;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/text/NSCharacterSet.h"
 #include "tests/objects/RandomTexts.h"
@@ -69,6 +70,25 @@ TEST(StringCharacterSearch, trimsBothEndsWithoutABound) {
     for (const auto& row : rows) {
         EXPECT_EQ(row.text.stringByTrimmingCharactersInSet(blanks), row.trimmed)
             << shownUnits(row.text.utf16());
+    }
+}
+
+TEST(StringCharacterSearch, trimsWhatASlowTrimDoes) {
+    RandomTexts::Numbers numbers(59);
+    const std::u16string members = u"xy\u20ac\xD83D";
+    const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString(members);
+    for (int round = 0; round < 20000; ++round) {
+        const bool isAscii = numbers.below(2) == 0;
+        const std::u16string text =
+            numbers.text(isAscii ? u"axy" : u"a\u00e9xy\u20ac\xD83D\xDE00", numbers.below(12));
+        const std::size_t first = text.find_first_not_of(members);
+        const std::u16string expected =
+            first == text.npos ? u"" : text.substr(first, text.find_last_not_of(members) + 1 - first);
+        const NSString string = stringOf(text);
+        const NSString trimmed = string.stringByTrimmingCharactersInSet(set);
+        ASSERT_TRUE(trimmed.isEqual(stringOf(expected))) << shownUnits(text);
+        const bool isItself = detail::Access::string(trimmed) == detail::Access::string(string);
+        ASSERT_TRUE(isItself || expected.size() < text.size()) << shownUnits(text);
     }
 }
 

@@ -197,6 +197,7 @@ TEST(StringSearch, stepsThroughALongTextInLinearTime) {
     for (std::size_t at = 0; at < text.size(); ++count) {
         const NSRange found = string.rangeOfString_options_range("AB,", NSCaseInsensitiveSearch,
                                                                  NSMakeRange(at, text.size() - at));
+        ASSERT_GT(found.location + found.length, at);
         at = found.location + found.length;
     }
     EXPECT_EQ(count, 100000U);
@@ -241,6 +242,35 @@ TEST(StringSearch, splitsAtTextsAsASlowSplitDoes) {
         ASSERT_EQ(textsOf(stringOf(text).componentsSeparatedByString(stringOf(separator))), expected)
             << shownUnits(text);
     }
+}
+
+TEST(StringSearch, splitsAtPlainTextsUnlessAMarkFollows) {
+    RandomTexts::Numbers numbers(53);
+    for (int round = 0; round < 20000; ++round) {
+        const std::u16string text = numbers.text(u"ab,\u0301\u20ac", numbers.below(40));
+        const std::u16string separator = numbers.text(u"a,", 1 + numbers.below(3));
+        std::vector<std::u16string> expected;
+        std::size_t start = 0;
+        for (std::size_t at = 0; (at = text.find(separator, at)) != text.npos;) {
+            const std::size_t end = at + separator.size();
+            if (end == text.size() || text[end] != u'\u0301') {
+                expected.push_back(text.substr(start, at - start));
+                start = end;
+            }
+            at = end;
+        }
+        expected.push_back(text.substr(start));
+        ASSERT_EQ(textsOf(stringOf(text).componentsSeparatedByString(stringOf(separator))), expected)
+            << shownUnits(separator) << " in " << shownUnits(text);
+    }
+}
+
+TEST(StringSearch, splitsAtSignsThatStandForAscii) {
+    const NSString text = u"a\u212Ab\u037Ec\u1FEFd\u20ac";
+    using Texts = std::vector<std::u16string>;
+    EXPECT_EQ(textsOf(text.componentsSeparatedByString("K")), (Texts{u"a", u"b\u037Ec\u1FEFd\u20ac"}));
+    EXPECT_EQ(textsOf(text.componentsSeparatedByString(";")), (Texts{u"a\u212Ab", u"c\u1FEFd\u20ac"}));
+    EXPECT_EQ(textsOf(text.componentsSeparatedByString("`")), (Texts{u"a\u212Ab\u037Ec", u"d\u20ac"}));
 }
 
 } // namespace

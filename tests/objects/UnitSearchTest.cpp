@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "foundation/objects/UnitSearch.h"
@@ -76,6 +77,43 @@ TEST(UnitSearch, findsWhatTheStandardStringsFind) {
     }
 }
 
+std::size_t firstInAnyCase(const std::string& text, const std::string& wanted) {
+    return findUnits(text.data(), text.size(), wanted.data(), wanted.size(), AsciiInAnyCase());
+}
+
+TEST(UnitSearch, findsAsciiInAnyCaseWhereItStandsInLowerCase) {
+    RandomTexts::Numbers numbers(47);
+    for (int round = 0; round < 20000; ++round) {
+        const std::u16string wide = numbers.text(u"aAbB@[`{", numbers.below(200));
+        const std::string text(wide.begin(), wide.end());
+        const std::u16string wideWanted = numbers.text(u"aab@`", 1 + numbers.below(6));
+        const std::string wanted(wideWanted.begin(), wideWanted.end());
+        std::string lowered = text;
+        std::replace(lowered.begin(), lowered.end(), 'A', 'a');
+        std::replace(lowered.begin(), lowered.end(), 'B', 'b');
+        ASSERT_EQ(firstInAnyCase(text, wanted), lowered.find(wanted)) << wanted << " in " << text;
+        ASSERT_EQ(findByFallbacks(text.data(), text.size(), wanted.data(), wanted.size(), AsciiInAnyCase()),
+                  lowered.find(wanted))
+            << wanted << " in " << text;
+    }
+}
+
+TEST(UnitSearch, takesOnlyLettersForTheSameInAnotherCase) {
+    for (char wanted = 0; wanted != 0x7F; ++wanted) {
+        if (wanted >= 'A' && wanted <= 'Z') {
+            continue; // it is wanted in lower case
+        }
+        for (char unit = 0; unit != 0x7F; ++unit) {
+            const bool isLetter = wanted >= 'a' && wanted <= 'z';
+            const bool isSame = unit == wanted || (isLetter && unit == wanted - 0x20);
+            const std::size_t expected = isSame ? 0 : unitNotFound;
+            ASSERT_EQ(firstInAnyCase(std::string(1, unit), std::string(1, wanted)), expected);
+            ASSERT_EQ(firstInAnyCase(std::string(40, unit), std::string(1, wanted)), expected);
+            ASSERT_EQ(firstInAnyCase({'x', unit}, {'x', wanted}), expected);
+        }
+    }
+}
+
 TEST(UnitSearch, findsWhatStandsBehindManyFalseStarts) {
     // Long enough for the search to change its way in the middle of the text.
     for (std::size_t length = 1000; length < 1100; ++length) {
@@ -84,6 +122,8 @@ TEST(UnitSearch, findsWhatStandsBehindManyFalseStarts) {
         wanted += 'b';
         ASSERT_EQ(first(text, wanted), length - 300);
         ASSERT_EQ(last(text, wanted), length - 300);
+        ASSERT_EQ(firstInAnyCase(std::string(length, 'A').append("B").append(length, 'a'), wanted),
+                  length - 300);
     }
 }
 
@@ -95,6 +135,7 @@ TEST(UnitSearch, takesLinearTimeWhateverTheTextsHold) {
     const std::string beginsOtherwise = std::string("b").append(half, 'a');
     EXPECT_EQ(first(text, endsOtherwise), unitNotFound);
     EXPECT_EQ(first(text, beginsOtherwise), unitNotFound);
+    EXPECT_EQ(firstInAnyCase(std::string(2 * half, 'A'), endsOtherwise), unitNotFound);
     EXPECT_EQ(last(text, endsOtherwise), unitNotFound);
     EXPECT_EQ(last(text, beginsOtherwise), unitNotFound);
     const std::string hidden = std::string(text).append("b");

@@ -1,133 +1,22 @@
 // SPDX-License-Identifier: MIT
 // The tool `defaults` as its user meets it: the real program, with a folder of domains of the test's own.
-#include <csignal>
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
-#include "foundation/objects/NSNumber.h"
-#include "foundation/process/NSUserDefaults.h"
-#include "tests/process/Scene.h"
+#include "tests/tools/ToolScene.h"
 
 using namespace ZQFoundation;
+using scene::Outcome;
+using scene::Tool;
+using scene::Words;
 
 namespace {
-
-using Words = std::vector<std::string>;
-
-struct Outcome {
-    int status = -1;
-    std::string output;
-    std::string errors;
-};
-
-/// Replaces this process, a child, by the tool.
-[[noreturn]] void become(const Words& words) {
-    Words arguments = words;
-    arguments.insert(arguments.begin(), "defaults");
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) {
-        pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
-    ::execv(ZQ_DEFAULTS_TOOL, pointers.data());
-    ::_exit(126);
-}
-
-/// A config home with the tool at work in it.
-class Tool {
-public:
-    Tool() : configuration_("XDG_CONFIG_HOME", folder_.path().c_str()) {}
-
-    Outcome run(const Words& words, const std::string& input = {}, rlim_t fileSize = RLIM_INFINITY) const {
-        folder_.write("input", input);
-        std::fflush(nullptr);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            redirect("input", O_RDONLY, STDIN_FILENO);
-            redirect("output", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
-            redirect("errors", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-            if (fileSize != RLIM_INFINITY) {
-                const rlimit limit{fileSize, fileSize};
-                ::setrlimit(RLIMIT_FSIZE, &limit);
-            }
-            become(words);
-        }
-        int status = 0;
-        EXPECT_EQ(::waitpid(child, &status, 0), child);
-        Outcome outcome;
-        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        outcome.output = scene::contentsOf(folder_ / "output");
-        outcome.errors = scene::contentsOf(folder_ / "errors");
-        return outcome;
-    }
-
-    /// Expects success, and answers what was printed.
-    std::string done(const Words& words, const std::string& input = {}) const {
-        const Outcome outcome = run(words, input);
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
-        EXPECT_EQ(outcome.errors, "");
-        return outcome.output;
-    }
-
-    /// Expects failure with that status and one line, and answers it.
-    std::string refused(const Words& words, int status = 1) const {
-        const Outcome outcome = run(words);
-        EXPECT_EQ(outcome.status, status) << outcome.output << outcome.errors;
-        EXPECT_EQ(outcome.output, "");
-        EXPECT_EQ(outcome.errors.substr(0, 10), "defaults: ");
-        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << outcome.errors;
-        return outcome.errors;
-    }
-
-    std::string file(const std::string& domain) const {
-        std::string name = "ZQFoundation/";
-        return folder_ / name.append(domain).append(".plist");
-    }
-
-    std::string write(const std::string& domain, const std::string& bytes) const {
-        std::string name = "ZQFoundation/";
-        return folder_.write(name.append(domain).append(".plist"), bytes);
-    }
-
-    /// What the library finds, in the global domain.
-    NSObject global(const char* key) const {
-        return NSUserDefaults::standardUserDefaults().objectForKey(key);
-    }
-
-    const scene::Folder& folder() const { return folder_; }
-
-    std::size_t entriesInFolder() const {
-        std::size_t count = 0;
-        DIR* const listing = ::opendir((folder_ / "ZQFoundation").c_str());
-        while (const dirent* const entry = listing != nullptr ? ::readdir(listing) : nullptr) {
-            count += std::string(entry->d_name).find_first_not_of('.') != std::string::npos ? 1 : 0;
-        }
-        if (listing != nullptr) {
-            ::closedir(listing);
-        }
-        return count;
-    }
-
-private:
-    void redirect(const char* name, int flags, int target) const {
-        const int file = ::open((folder_ / name).c_str(), flags, 0600);
-        ::dup2(file, target);
-        ::close(file);
-    }
-
-    scene::Folder folder_;
-    scene::Variable configuration_;
-};
 
 mode_t modeOf(const std::string& path) {
     struct stat information {};
@@ -220,6 +109,33 @@ TEST(DefaultsTool, refusesValuesThatDoNotFitTheirType) {
     EXPECT_EQ(::access(tool.file("com.example.Test").c_str(), F_OK), -1) << "nothing was to be written";
 }
 
+TEST(DefaultsTool, keepsValuesOfEveryTypeThroughExportAndImport) {
+    const Tool tool;
+    const Words rows[] = {
+        {"s", "-string", "a < b & c > \"d\"\n\u30C8"},
+        {"i", "-int", "-9223372036854775808"},
+        {"f", "-float", "0.1"},
+        {"b", "-bool", "NO"},
+        {"t", "-date", "1999-12-31T23:59:59Z"},
+        {"d", "-data", "00ff7f"},
+        {"a", "-array", "( x, { y = z; } )"},
+        {"n", "-dict", "k", "-bool", "YES"},
+    };
+    for (Words words : rows) {
+        words.insert(words.begin(), {"write", "-g"});
+        tool.done(words);
+    }
+    const NSDictionary written = NSDictionary::dictionaryWithContentsOfFile(tool.file("NSGlobalDomain"));
+    EXPECT_EQ(written.count(), std::size(rows));
+    const std::string exported = tool.done({"export", "-g", "-"});
+    tool.done({"import", "copy", "-"}, exported);
+    EXPECT_EQ(NSDictionary::dictionaryWithContentsOfFile(tool.file("copy")), written);
+    EXPECT_EQ(tool.done({"export", "copy", "-"}), exported);
+    EXPECT_EQ(tool.global("s"), NSObject("a < b & c > \"d\"\n\u30C8"));
+    EXPECT_EQ(tool.global("f"), NSObject(0.1));
+    EXPECT_EQ(tool.global("n"), (NSDictionary{{"k", true}}));
+}
+
 TEST(DefaultsTool, tellsTheUserOfAWrongCommandLine) {
     const Tool tool;
     const Words rows[] = {
@@ -249,6 +165,12 @@ TEST(DefaultsTool, tellsTheUserOfAWrongCommandLine) {
     EXPECT_EQ(tool.done({"help"}), tool.done({"--help"}));
     EXPECT_EQ(tool.done({"--version"}).substr(0, 9), "defaults ");
     EXPECT_NE(tool.refused({"write", "d", "k", "\xFF"}).find("UTF-8"), std::string::npos);
+}
+
+TEST(DefaultsTool, spellsControlCharactersOutInMessages) {
+    const Tool tool;
+    EXPECT_EQ(tool.refused({"read", "a\nb\x1B[31m\u009B\u00E9"}),
+              "defaults: there is no domain a\\nb\\x1b[31m\\x9b\u00E9\n");
 }
 
 // Commands
@@ -309,6 +231,32 @@ TEST(DefaultsTool, listsAndFindsDomains) {
     EXPECT_NE(all.find("NSGlobalDomain ="), std::string::npos) << all;
 }
 
+TEST(DefaultsTool, findsTextsInsideCollections) {
+    const Tool tool;
+    tool.done({"write", "d", "Deep", "-array", "{ inner = ( \"gr\u00FCn\" ); }"});
+    tool.done({"write", "d", "Other", "-array", "x"});
+    for (const char* const word : {"GR\u00DCN", "Inner"}) {
+        const std::string found = tool.done({"find", word});
+        EXPECT_EQ(found.find("1 key in the domain d: "), 0U) << word << ": " << found;
+        EXPECT_NE(found.find("Deep"), std::string::npos) << found;
+    }
+    tool.refused({"find", "( )"});
+}
+
+TEST(DefaultsTool, goesOverAllDomainsAlthoughOneCannotBeRead) {
+    const Tool tool;
+    tool.write("broken", "{ a");
+    tool.write("-odd", "{ a = needle; }");
+    tool.done({"write", "good", "k", "needle"});
+    for (const Words& words : {Words{"read"}, Words{"find", "needle"}}) {
+        const Outcome outcome = tool.run(words);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.errors.find(tool.file("broken")), std::string::npos) << outcome.errors;
+        EXPECT_NE(outcome.output.find("k = needle;"), std::string::npos) << outcome.output;
+        EXPECT_NE(outcome.output.find("a = needle;"), std::string::npos) << outcome.output;
+    }
+}
+
 TEST(DefaultsTool, importsAndExportsWholeDomains) {
     const Tool tool;
     const std::string file = tool.folder() / "exported.plist";
@@ -327,6 +275,36 @@ TEST(DefaultsTool, importsAndExportsWholeDomains) {
     tool.refused({"import", "f", tool.folder() / "missing"});
     tool.refused({"export", "missing", "-"});
     EXPECT_EQ(tool.done({"read", "f", "from"}), "input\n");
+}
+
+TEST(DefaultsTool, importsFromPipesAndExportsIntoThem) {
+    const Tool tool;
+    const std::string pipe = tool.folder() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        const int end = ::open(pipe.c_str(), O_WRONLY);
+        ::_exit(::write(end, "{ a = b; }", 10) == 10 ? 0 : 1);
+    }
+    tool.done({"import", "d", pipe});
+    int status = -1;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(tool.done({"read", "d", "a"}), "b\n");
+
+    const int end = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(end, 0);
+    tool.done({"export", "d", pipe});
+    struct stat information {};
+    ASSERT_EQ(::lstat(pipe.c_str(), &information), 0);
+    EXPECT_TRUE(S_ISFIFO(information.st_mode)) << "no file has taken its place";
+    std::string bytes(4096, '\0');
+    const ssize_t count = ::read(end, bytes.data(), bytes.size());
+    ::close(end);
+    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    EXPECT_EQ(bytes, tool.done({"export", "d", "-"}));
+    tool.refused({"export", "d", tool.folder().path()});
+    tool.refused({"import", "d", tool.folder().path()});
 }
 
 TEST(DefaultsTool, takesPathsForDomains) {
@@ -369,8 +347,36 @@ TEST(DefaultsTool, keepsPermissionsAndLinksAndMakesPrivateFiles) {
     ASSERT_EQ(::lstat(tool.file("linked").c_str(), &information), 0);
     EXPECT_TRUE(S_ISLNK(information.st_mode));
     EXPECT_NE(scene::contentsOf(tool.folder() / "elsewhere/real.plist").find("new"), std::string::npos);
-    ASSERT_EQ(::symlink("/nowhere/at/all.plist", tool.file("dangling").c_str()), 0);
-    tool.refused({"write", "dangling", "k", "v"});
+}
+
+TEST(DefaultsTool, writesThroughLinksToWhatIsNotThereYet) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    ASSERT_EQ(::symlink("../new.plist", tool.file("dangling").c_str()), 0);
+    tool.done({"write", "dangling", "k", "v"});
+    EXPECT_EQ(tool.done({"read", tool.folder() / "new", "k"}), "v\n");
+    tool.done({"remove", "dangling"});
+    tool.done({"write", "dangling", "k", "w"});
+    EXPECT_EQ(tool.done({"read", "dangling", "k"}), "w\n");
+
+    ASSERT_EQ(::symlink((tool.folder() / "missing/new.plist").c_str(), tool.file("lost").c_str()), 0);
+    tool.refused({"write", "lost", "k", "v"});
+    EXPECT_EQ(::access((tool.folder() / "missing").c_str(), F_OK), -1) << "no folder is made at a link's end";
+    ASSERT_EQ(::symlink("loop.plist", tool.file("loop").c_str()), 0);
+    tool.refused({"write", "loop", "k", "v"});
+}
+
+TEST(DefaultsTool, permitsNothingToAGroupThatTheFileDidNotHave) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can make a file of a group that the writer is no member of";
+    }
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(tool.file("d").c_str(), 0664), 0);
+    EXPECT_EQ(scene::inUnprivilegedChild([]() -> int { scene::become({"write", "d", "k", "w"}); }), 0);
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "w\n");
+    EXPECT_EQ(modeOf(tool.file("d")), 0604U);
 }
 
 TEST(DefaultsTool, neverReplacesWhatItCannotRead) {
@@ -417,82 +423,28 @@ TEST(DefaultsTool, leavesTheOldFileWhereTheNewOneDoesNotFit) {
     EXPECT_EQ(tool.entriesInFolder(), 1U) << "no temporary file is left";
 }
 
-TEST(DefaultsTool, failsWhereItMayNotWrite) {
-    if (::geteuid() != 0) {
-        GTEST_SKIP() << "only root can be another user";
-    }
+TEST(DefaultsTool, makesNoFileThatWouldBeTooLargeToRead) {
     const Tool tool;
     tool.done({"write", "d", "k", "v"});
-    ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0755), 0);
-    ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::setgid(65534);
-        ::setuid(65534);
-        ::close(STDERR_FILENO);
-        become({"write", "d", "k", "w"});
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_NE(WEXITSTATUS(status), 0);
+    std::string text = "{ k = \"";
+    text.append(6'000'000, '<').append("\"; }"); // four bytes each in XML
+    const Outcome outcome = tool.run({"import", "d", "-"}, text);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("larger"), std::string::npos) << outcome.errors;
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
 }
 
-// Several writers
-
-TEST(DefaultsTool, losesNoKeyWhenSeveralWriteAtOnce) {
+TEST(DefaultsTool, failsWhereItMayNotWrite) {
     const Tool tool;
-    constexpr int writers = 8;
-    constexpr int keys = 25;
-    std::vector<pid_t> children;
-    for (int writer = 0; writer < writers; ++writer) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            for (int key = 0; key < keys; ++key) {
-                const pid_t one = ::fork();
-                if (one == 0) {
-                    std::string name = "Key";
-                    name.append(std::to_string(writer * keys + key));
-                    become({"write", "d", name, "-int", std::to_string(key)});
-                }
-                int status = 0;
-                if (::waitpid(one, &status, 0) != one || status != 0) {
-                    ::_exit(1);
-                }
-            }
-            ::_exit(0);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = 0;
-        EXPECT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
-    const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
-    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys));
-}
-
-TEST(DefaultsTool, leavesAWholeFileWheneverItIsKilled) {
-    const Tool tool;
-    tool.done({"write", "d", "k", "-int", "0"});
-    for (int round = 1; round <= 100; ++round) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            become({"write", "d", "k", "-int", std::to_string(round)});
-        }
-        ::usleep(static_cast<useconds_t>(round * 37 % 3000));
-        ::kill(child, round % 2 == 0 ? SIGKILL : SIGTERM);
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
-        ASSERT_TRUE(values) << "round " << round;
-        const int value = NSNumber(values.objectForKey("k")).intValue();
-        ASSERT_TRUE(value >= 0 && value <= round) << value;
-    }
     tool.done({"write", "d", "k", "v"});
-    EXPECT_EQ(tool.entriesInFolder(), 1U) << "what killed writers left is cleared away";
+    ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
+    ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0555), 0);
+    EXPECT_EQ(scene::inUnprivilegedChild([]() -> int {
+                  ::close(STDERR_FILENO);
+                  scene::become({"write", "d", "k", "w"});
+              }),
+              1);
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "tools/defaults/Commands.h"
 
 #include <cstdio>
+#include <vector>
 
 #include "tools/defaults/DomainFile.h"
 #include "tools/defaults/Failure.h"
@@ -42,17 +43,55 @@ NSDictionary withValue(const NSDictionary& values, const NSString& key, const NS
     return changed.dictionary();
 }
 
+/// The global domain and all others, for commands that go over everything.
+std::vector<Domain> allDomains() {
+    std::vector<Domain> domains{domainFromWord("-g")};
+    for (const std::string& name : namesOfDomains()) {
+        domains.push_back(domainOfFile(name));
+    }
+    return domains;
+}
+
+/// Domains that cannot be read: they must not hide the others, yet the command has failed.
+class Unreadable {
+public:
+    /// Nil for such a domain, and for one that is gone.
+    NSDictionary read(const Domain& domain) {
+        try {
+            return readDomain(domain);
+        } catch (const Failure& failure) {
+            first_ = count_++ == 0 ? failure.message : first_;
+            return nullptr;
+        }
+    }
+
+    /// Fails with a message if there were any.
+    void tell() const {
+        if (count_ > 1) {
+            fail("%@ (and %lu more cannot be read)", first_, count_ - 1);
+        }
+        if (count_ == 1) {
+            throw Failure{first_};
+        }
+    }
+
+private:
+    std::size_t count_ = 0;
+    std::string first_;
+};
+
 // read
 
 void readAllDomains() {
+    Unreadable unreadable;
     NSMutableDictionary all;
-    for (const std::string& name : namesOfDomains()) {
-        all.setObject_forKey(existingDomain(domainFromWord(name)), NSString(name));
-    }
-    if (const NSDictionary global = readDomain(domainFromWord("-g"))) {
-        all.setObject_forKey(global, "NSGlobalDomain");
+    for (const Domain& domain : allDomains()) {
+        if (const NSDictionary values = unreadable.read(domain)) {
+            all.setObject_forKey(values, NSString(domain.name));
+        }
     }
     print(all.dictionary().description());
+    unreadable.tell();
 }
 
 void read(const Words& words) {
@@ -173,13 +212,33 @@ bool mentions(const NSString& text, const NSString& word) {
     return text.containsString_caseInsensitiveSearch(word, true);
 }
 
+/// Whether anything inside the value does. Descriptions of collections would not do: they spell characters
+/// out.
+bool mentionsInside(const NSObject& value, const NSString& word) {
+    std::vector<NSObject> waiting{value};
+    while (!waiting.empty()) {
+        const NSObject next = waiting.back();
+        waiting.pop_back();
+        if (const NSArray elements = next.as<NSArray>()) {
+            waiting.insert(waiting.end(), elements.begin(), elements.end());
+        } else if (const NSDictionary entries = next.as<NSDictionary>()) {
+            for (const NSDictionaryEntry& entry : entries) {
+                waiting.push_back(entry.key);
+                waiting.push_back(entry.value);
+            }
+        } else if (mentions(next.description(), word)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// How many entries of the domain mention the word; those are printed.
-std::size_t findInDomain(const Domain& domain, const NSString& word) {
-    const NSDictionary values = readDomain(domain);
+std::size_t findInDomain(const Domain& domain, const NSDictionary& values, const NSString& word) {
     const bool isWhole = mentions(domain.name, word);
     NSMutableDictionary found;
     for (const NSDictionaryEntry& entry : values) {
-        if (isWhole || mentions(NSString(entry.key), word) || mentions(entry.value.description(), word)) {
+        if (isWhole || mentions(NSString(entry.key), word) || mentionsInside(entry.value, word)) {
             found.setObject_forKey(entry.value, entry.key);
         }
     }
@@ -192,10 +251,12 @@ std::size_t findInDomain(const Domain& domain, const NSString& word) {
 }
 
 void find(const Words& words) {
-    std::size_t count = findInDomain(domainFromWord("-g"), words[1]);
-    for (const std::string& name : namesOfDomains()) {
-        count += findInDomain(domainFromWord(name), words[1]);
+    Unreadable unreadable;
+    std::size_t count = 0;
+    for (const Domain& domain : allDomains()) {
+        count += findInDomain(domain, unreadable.read(domain), words[1]);
     }
+    unreadable.tell();
     if (count == 0) {
         fail("no domain, key or value holds \"%@\"", words[1]);
     }

@@ -11,6 +11,7 @@
 
 #include "foundation/files/Descriptor.h"
 #include "foundation/files/FileError.h"
+#include "foundation/files/LinkReading.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
 #include "foundation/process/FileReading.h"
@@ -25,6 +26,9 @@ namespace {
 
 /// In front of a number; only a writer that was killed leaves such a file behind.
 constexpr const char* temporaryStart = ".defaults.new-";
+
+/// Stays where it is once made: whoever removed it might remove the one that another writer has just locked.
+constexpr const char* lockName = ".defaults.lock";
 
 [[noreturn]] void failWith(const std::string& path, int error) {
     NSString text;
@@ -122,21 +126,40 @@ private:
     sigset_t before_;
 };
 
-/// The file that a link leads to, else the path itself.
-std::string withoutLinks(const std::string& path) {
-    struct stat information;
-    if (::lstat(path.c_str(), &information) != 0 || !S_ISLNK(information.st_mode)) {
-        return path;
-    }
-    const NSString resolved =
-        NSString::stringWithFileSystemBytes(path.data(), path.size()).stringByResolvingSymlinksInPath();
-    std::string target;
-    if (!resolved.getFileSystemBytes(target) || ::lstat(target.c_str(), &information) != 0 ||
-        S_ISLNK(information.st_mode)) {
-        fail("%@ is a link that leads nowhere", path);
-    }
-    return target;
+std::size_t startOfName(const std::string& path) noexcept {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? 0 : slash + 1;
 }
+
+/// The file that a link leads to, there or not, else the path itself.
+std::string withoutLinks(const std::string& path) {
+    std::string current = path;
+    for (int links = 0; links < detail::mostLinks; ++links) {
+        std::string target;
+        if (detail::readLink(AT_FDCWD, current.c_str(), target) != detail::LinkResult::link) {
+            return current;
+        }
+        const bool isAbsolute = !target.empty() && target[0] == '/';
+        current = isAbsolute ? target : current.substr(0, startOfName(current)) + target;
+    }
+    failWith(path, ELOOP);
+}
+
+/// What writers do while another one has the lock.
+class Waiting {
+public:
+    void wait(const std::string& folder) {
+        if (attempt_++ == patience && ::isatty(STDERR_FILENO) == 1) {
+            std::fprintf(stderr, "defaults: waiting for another writer in %s\n", onOneLine(folder).c_str());
+        }
+        const timespec shortly{0, 20'000'000};
+        ::nanosleep(&shortly, nullptr);
+    }
+
+private:
+    static constexpr int patience = 150; // times 20 ms
+    int attempt_ = 0;
+};
 
 void makeFolder(const std::string& path) {
     NSString reason;
@@ -152,40 +175,51 @@ void makeFolder(const std::string& path) {
 namespace details {
 
 LockedFile::LockedFile(const Domain& domain) : path_(withoutLinks(domain.path)) {
-    const std::size_t slash = path_.rfind('/');
-    folderPath_ = slash == std::string::npos ? "." : path_.substr(0, slash == 0 ? 1 : slash);
-    name_ = slash == std::string::npos ? path_ : path_.substr(slash + 1);
-    openFolder(domain.isNamed);
+    const std::size_t start = startOfName(path_);
+    name_ = path_.substr(start);
+    folderPath_ = start == 0 ? "." : path_.substr(0, start == 1 ? 1 : start - 1);
+    openFolder(domain.isNamed && path_ == domain.path); // where a link leads, nothing is made
     lockFolder();
     removeLeftovers();
 }
 
-LockedFile::~LockedFile() { ::close(folder_); }
-
 void LockedFile::openFolder(bool isNamed) {
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-    folder_ = detail::openAt(AT_FDCWD, folderPath_.c_str(), flags);
-    if (folder_ < 0 && errno == ENOENT && isNamed) {
+    folder_ = Descriptor(detail::openAt(AT_FDCWD, folderPath_.c_str(), flags));
+    if (!folder_ && errno == ENOENT && isNamed) {
         makeFolder(folderPath_);
-        folder_ = detail::openAt(AT_FDCWD, folderPath_.c_str(), flags);
+        folder_ = Descriptor(detail::openAt(AT_FDCWD, folderPath_.c_str(), flags));
     }
-    if (folder_ < 0) {
+    if (!folder_) {
         failWith(folderPath_, errno);
     }
 }
 
-/// The folder is what stays when files are replaced, so it bears the lock.
-void LockedFile::lockFolder() const {
-    constexpr int patience = 150; // times 20 ms
-    for (int attempt = 0; ::flock(folder_, LOCK_EX | LOCK_NB) != 0; ++attempt) {
+/// The folder is what stays when files are replaced, so it bears the lock. Network file systems lock only
+/// what is open for writing, which no folder can be.
+void LockedFile::lockFolder() {
+    Waiting waiting;
+    while (::flock(folder_.number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR) {
-            failWith(folderPath_, errno);
+            lockFileInFolder();
+            return;
         }
-        if (attempt == patience && ::isatty(STDERR_FILENO) == 1) {
-            std::fprintf(stderr, "defaults: waiting for another writer in %s\n", folderPath_.c_str());
+        waiting.wait(folderPath_);
+    }
+}
+
+void LockedFile::lockFileInFolder() {
+    lockFile_ = Descriptor(detail::openAt(folder_.number(), lockName,
+                                          O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0600));
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    Waiting waiting;
+    while (!lockFile_ || ::fcntl(lockFile_.number(), F_SETLK, &whole) != 0) {
+        if (!lockFile_ || (errno != EAGAIN && errno != EACCES && errno != EINTR)) {
+            failWith(folderPath_ + "/" + lockName, errno);
         }
-        const timespec shortly{0, 20'000'000};
-        ::nanosleep(&shortly, nullptr);
+        waiting.wait(folderPath_);
     }
 }
 
@@ -197,31 +231,42 @@ void LockedFile::removeLeftovers() const {
     for (const NSObject& entry : entries) {
         std::string leftover;
         if (NSString(entry).hasPrefix(temporaryStart) && NSString(entry).getFileSystemBytes(leftover)) {
-            ::unlinkat(folder_, leftover.c_str(), 0);
+            ::unlinkat(folder_.number(), leftover.c_str(), 0);
         }
     }
 }
 
-NSDictionary LockedFile::read() const { return dictionaryInFile(folder_, name_, path_); }
+NSDictionary LockedFile::read() const { return dictionaryInFile(folder_.number(), name_, path_); }
+
+/// Those of the file that is to be replaced, as far as they may be given. Members of another group than
+/// before must not come by what the old group was permitted.
+void LockedFile::keepOwnerAndPermissions(int file, const std::string& path) const {
+    struct stat before;
+    if (::fstatat(folder_.number(), name_.c_str(), &before, AT_SYMLINK_NOFOLLOW) != 0) {
+        return;
+    }
+    if (!S_ISREG(before.st_mode)) {
+        fail("%@ is no regular file", path_);
+    }
+    // The owner first, for a change of it takes permissions away.
+    if (::fchown(file, before.st_uid, before.st_gid) != 0 &&
+        ::fchown(file, static_cast<uid_t>(-1), before.st_gid) != 0) {
+        before.st_mode &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    if (::fchmod(file, before.st_mode & 0777) != 0) {
+        failWith(path, errno);
+    }
+}
 
 void LockedFile::writeTemporary(const std::string& temporary, const std::string& bytes) const {
     const std::string path = folderPath_ + "/" + temporary;
-    Descriptor file(detail::openAt(folder_, temporary.c_str(),
+    Descriptor file(detail::openAt(folder_.number(), temporary.c_str(),
                                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file) {
         failWith(path, errno);
     }
     writeAll(file.number(), bytes, path);
-    struct stat old;
-    if (::fstatat(folder_, name_.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0) {
-        // The owner first, for a change of it takes permissions away. Not everybody may give files away.
-        if (::fchown(file.number(), old.st_uid, old.st_gid) != 0 && errno != EPERM) {
-            failWith(path, errno);
-        }
-        if (::fchmod(file.number(), old.st_mode & 0777) != 0) {
-            failWith(path, errno);
-        }
-    }
+    keepOwnerAndPermissions(file.number(), path);
     if (::fsync(file.number()) != 0 || ::close(file.release()) != 0) {
         failWith(path, errno);
     }
@@ -229,26 +274,29 @@ void LockedFile::writeTemporary(const std::string& temporary, const std::string&
 
 void LockedFile::replace(const NSDictionary& dictionary) const {
     const std::string bytes = xmlOf(dictionary);
+    if (bytes.size() > static_cast<std::size_t>(detail::largestFile)) {
+        fail("%@ would be larger than %ld bytes", path_, detail::largestFile);
+    }
     std::string temporary = temporaryStart;
     temporary.append(std::to_string(detail::system::freshRandomNumber()));
     const SignalsPutOff signals;
     try {
         writeTemporary(temporary, bytes);
-        if (::renameat(folder_, temporary.c_str(), folder_, name_.c_str()) != 0) {
+        if (::renameat(folder_.number(), temporary.c_str(), folder_.number(), name_.c_str()) != 0) {
             failWith(path_, errno);
         }
-    } catch (const Failure&) {
-        ::unlinkat(folder_, temporary.c_str(), 0);
+    } catch (...) {
+        ::unlinkat(folder_.number(), temporary.c_str(), 0);
         throw;
     }
-    ::fsync(folder_); // the file is in its place whatever this says
+    ::fsync(folder_.number()); // the file is in its place whatever this says
 }
 
 void LockedFile::remove() const {
-    if (::unlinkat(folder_, name_.c_str(), 0) != 0) {
+    if (::unlinkat(folder_.number(), name_.c_str(), 0) != 0) {
         failWith(path_, errno);
     }
-    ::fsync(folder_);
+    ::fsync(folder_.number());
 }
 
 } // namespace details
@@ -260,11 +308,11 @@ NSDictionary readDictionary(const std::string& path) {
         const Descriptor input(::dup(STDIN_FILENO));
         return dictionaryFromBytes(readBytes(input, "standard input"), "standard input");
     }
-    NSDictionary dictionary = dictionaryInFile(AT_FDCWD, path, path);
-    if (!dictionary) {
-        failWith(path, ENOENT);
+    const Descriptor file(detail::openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file) {
+        failWith(path, errno);
     }
-    return dictionary;
+    return dictionaryFromBytes(readBytes(file, path), path);
 }
 
 void removeDomain(const Domain& domain) {
@@ -276,15 +324,22 @@ void removeDomain(const Domain& domain) {
 }
 
 void writeDictionary(const NSDictionary& dictionary, const std::string& path) {
-    if (path != "-") {
+    if (path == "-") {
+        writeAll(STDOUT_FILENO, xmlOf(dictionary), "standard output");
+        return;
+    }
+    struct stat information;
+    if (::stat(path.c_str(), &information) != 0 || S_ISREG(information.st_mode)) {
         const details::LockedFile file({path, path, false});
         file.replace(dictionary);
         return;
     }
-    const std::string bytes = xmlOf(dictionary);
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) {
-        failWith("standard output", errno);
+    // A pipe or a device is not to be replaced by a file; a folder refuses by itself.
+    const Descriptor file(detail::openAt(AT_FDCWD, path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file) {
+        failWith(path, errno);
     }
+    writeAll(file.number(), xmlOf(dictionary), path);
 }
 
 } // namespace ZQFoundation::defaults

@@ -2,6 +2,7 @@
 #ifndef ZQFOUNDATION_DEFAULTS_DOMAINFILE_H
 #define ZQFOUNDATION_DEFAULTS_DOMAINFILE_H
 
+#include "foundation/files/Descriptor.h"
 #include "foundation/objects/NSDictionary.h"
 #include "tools/defaults/Domains.h"
 
@@ -11,7 +12,7 @@ namespace ZQFoundation::defaults {
 /// is no property list, or holds no dictionary.
 NSDictionary readDomain(const Domain& domain);
 
-/// The dictionary in any file, "-" for standard input. Fails with a message as `readDomain`.
+/// The dictionary in any file, a pipe too; "-" for standard input. Fails with a message as `readDomain`.
 NSDictionary readDictionary(const std::string& path);
 
 /// Reads the domain, has it changed, and puts the result in its place: others see the old file or the whole
@@ -26,7 +27,7 @@ void changeDomain(const Domain& domain, const Change& change);
 /// Removes the domain's file. Fails with a message when there is none.
 void removeDomain(const Domain& domain);
 
-/// Writes the dictionary as XML to a file, "-" for standard output.
+/// Writes the dictionary as XML to a file, which is replaced, to a pipe or a device; "-" for standard output.
 void writeDictionary(const NSDictionary& dictionary, const std::string& path);
 
 namespace details {
@@ -37,7 +38,6 @@ public:
     explicit LockedFile(const Domain& domain);
     LockedFile(const LockedFile&) = delete;
     LockedFile& operator=(const LockedFile&) = delete;
-    ~LockedFile();
 
     NSDictionary read() const;
     void replace(const NSDictionary& dictionary) const;
@@ -45,14 +45,17 @@ public:
 
 private:
     void openFolder(bool isNamed);
-    void lockFolder() const;
+    void lockFolder();
+    void lockFileInFolder();
     void removeLeftovers() const;
+    void keepOwnerAndPermissions(int file, const std::string& path) const;
     void writeTemporary(const std::string& temporary, const std::string& bytes) const;
 
     std::string path_; ///< links resolved
     std::string folderPath_;
     std::string name_;
-    int folder_ = -1;
+    detail::Descriptor folder_;
+    detail::Descriptor lockFile_; ///< where the folder cannot be locked
 };
 
 } // namespace details

@@ -43,6 +43,8 @@ Domain domainFromWord(const std::string& word) {
     return {name, path, true};
 }
 
+Domain domainOfFile(const std::string& name) { return {name, detail::fileOfDomain(name), true}; }
+
 std::vector<std::string> namesOfDomains() {
     const NSArray files =
         NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(detail::defaultsFolder());

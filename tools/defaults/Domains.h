@@ -18,6 +18,9 @@ struct Domain {
 /// without its ".plist". Fails with a message when no file can bear the name.
 Domain domainFromWord(const std::string& word);
 
+/// The domain of a name that its file bears, whatever it looks like.
+Domain domainOfFile(const std::string& name);
+
 /// The names of all domains that have a file, in ascending order, the global one not among them.
 std::vector<std::string> namesOfDomains();
 

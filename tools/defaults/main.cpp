@@ -53,7 +53,8 @@ constexpr const char help[] =
     "Exit status: 0 on success, 1 for a failure, 2 for a wrong command line.\n";
 
 int complain(const std::string& message, ExitStatus status) {
-    std::fprintf(stderr, "defaults: %s%s\n", message.c_str(), status == misused ? " (try --help)" : "");
+    std::fprintf(stderr, "defaults: %s%s\n", onOneLine(message).c_str(),
+                 status == misused ? " (try --help)" : "");
     return status;
 }
 

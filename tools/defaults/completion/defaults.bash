@@ -1,12 +1,33 @@
 # SPDX-License-Identifier: MIT
 # Completion of the command line of `defaults` in bash.
+#
+# Names of domains and keys come from files. `compgen -W` carries out the commands that its words hold, so such
+# names never go there.
+
+_defaults_domains() {
+    local domains
+    domains=$(defaults domains 2>/dev/null)
+    printf '%s\n' -g "${domains//, /$'\n'}"
+}
 
 _defaults_keys() {
-    defaults export "$1" - 2>/dev/null | sed -n 's|^\t<key>\(.*\)</key>$|\1|p'
+    defaults export "$1" - 2>/dev/null | sed -n $'s|^\t<key>\\(.*\\)</key>$|\\1|p' |
+        sed -e 's/&lt;/</g' -e 's/&gt;/>/g' -e 's/&amp;/\&/g'
+}
+
+# Offers the lines of the input that begin with the word.
+_defaults_offer() {
+    local line quoted
+    while IFS= read -r line; do
+        printf -v quoted %q "$line"
+        if [[ -n $line && ($line == "$1"* || $quoted == "$1"*) ]]; then
+            COMPREPLY+=("$quoted")
+        fi
+    done
 }
 
 _defaults() {
-    local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]:-}
+    local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]:-} domain=${COMP_WORDS[2]:-}
     COMPREPLY=()
     case $COMP_CWORD in
         1)
@@ -16,18 +37,17 @@ _defaults() {
         2)
             case $command in
                 read | read-type | write | remove | delete | rename | import | export)
-                    mapfile -t COMPREPLY < <(compgen -W "-g $(defaults domains 2>/dev/null | tr -d ',')" -- "$word")
+                    _defaults_offer "$word" < <(_defaults_domains)
                     ;;
             esac
             ;;
         3)
             case $command in
                 read | read-type | write | remove | delete | rename)
-                    local IFS=$'\n'
-                    mapfile -t COMPREPLY < <(compgen -W "$(_defaults_keys "${COMP_WORDS[2]}")" -- "$word")
+                    _defaults_offer "$word" < <(_defaults_keys "$domain")
                     ;;
                 import | export)
-                    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+                    _defaults_offer "$word" < <(compgen -f -- "$word")
                     ;;
             esac
             ;;

@@ -1,0 +1,422 @@
+// SPDX-License-Identifier: MIT
+#include <array>
+#include <thread>
+
+#include "info/ZQMacOSRuntimeEnvironment.h"
+#include "tests/info/FactsTesting.h"
+
+using namespace ZQFoundation;
+using Environment = ZQMacOSRuntimeEnvironment;
+using factstest::entry;
+using factstest::plistOf;
+using factstest::utf8Of;
+
+namespace {
+
+// The library's language is chosen once in a process, and these tests compare its untranslated texts.
+const scene::NoLanguages untranslated;
+
+/// Checks in a child, which is the first to use the class.
+template <class Checks>
+void inFirstUse(const Checks& checks, const std::string& about) {
+    EXPECT_TRUE(logtest::inChild([&] {
+        checks();
+        return !testing::Test::HasFailure();
+    })) << about;
+}
+
+std::string numbers() {
+    return std::to_string(Environment::osVersionMajor()) + " " +
+           std::to_string(Environment::osVersionMinor()) + " " +
+           std::to_string(Environment::osVersionPatch());
+}
+
+/// One letter for each release test, from the oldest on.
+std::string releaseTests() {
+    std::string letters;
+    for (const bool holds :
+         {Environment::isSierraOrLater(), Environment::isHighSierraOrLater(), Environment::isMojaveOrLater(),
+          Environment::isCatalinaOrLater(), Environment::isBigSurOrLater()}) {
+        letters += holds ? 'Y' : 'n';
+    }
+    return letters;
+}
+
+struct Row {
+    const char* value; ///< of ProductVersion, as a piece of XML
+    const char* numbers;
+    const char* tests;
+};
+
+void expectRows(const std::vector<Row>& rows) {
+    for (const Row& row : rows) {
+        const infotest::SystemScene system;
+        system.writeVersionFile(plistOf(entry("ProductName", "S") +
+                                        (row.value[0] != '\0' ? "<key>ProductVersion</key>" : std::string()) +
+                                        row.value));
+        inFirstUse(
+            [&] {
+                EXPECT_EQ(numbers(), row.numbers);
+                EXPECT_EQ(releaseTests(), row.tests);
+            },
+            row.value);
+    }
+}
+
+/// Runs a copy of this program that has a string table beside it; true when the test ran and passed there.
+bool runBesideTable(const std::string& table) {
+    const scene::Folder folder;
+    const std::string program = folder.write("program", scene::contentsOf("/proc/self/exe"));
+    folder.write("Resources/Localizable.strings", table);
+    ::chmod(program.c_str(), 0755);
+    const std::string marker = folder / "ran";
+    const scene::Variable told("ZQ_TEST_BESIDE_TABLE", marker.c_str());
+    const scene::Variable noOutput("GTEST_OUTPUT", nullptr);
+    const scene::Variable noShards("GTEST_TOTAL_SHARDS", nullptr);
+    const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string filter = std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name();
+    std::string name = program;
+    char* const arguments[] = {name.data(), filter.data(), nullptr};
+    const bool passed = logtest::inChild([&] {
+        ::execv(program.c_str(), arguments);
+        return false;
+    });
+    return passed && ::access(marker.c_str(), F_OK) == 0;
+}
+
+} // namespace
+
+TEST(RuntimeEnvironmentFromFacts, splitsTheVersionAtItsPeriods) {
+    logtest::inFreshProcess([] {
+        expectRows({
+            {"<string>10.15.7</string>", "10 15 7", "YYYYn"},
+            {"<string>11.2</string>", "11 2 0", "YYYYY"},
+            {"<string>14</string>", "14 0 0", "YYYYY"},
+            {"<string>12.1.0.3</string>", "12 1 0", "YYYYY"},
+            {"<string>1.2.3.4.5.6</string>", "1 2 3", "nnnnn"},
+            {"<string>10..2</string>", "10 0 2", "nnnnn"},
+            {"<string>..5</string>", "0 0 5", "nnnnn"},
+            {"<string>14.</string>", "14 0 0", "YYYYY"},
+            {"<string>.</string>", "0 0 0", "nnnnn"},
+            {"<string></string>", "0 0 0", "nnnnn"},
+            {"", "0 0 0", "nnnnn"},
+        });
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, readsComponentsLeniently) {
+    logtest::inFreshProcess([] {
+        expectRows({
+            {"<string>10.15b.3</string>", "10 15 3", "YYYYn"},
+            {"<string>-3.16.2</string>", "0 16 2", "nnnnn"},
+            {"<string>10.-16.-1</string>", "10 0 0", "nnnnn"},
+            {"<string> 10. +14.\t 5</string>", "10 14 5", "YYYnn"},
+            {"<string>beta.b2.x</string>", "0 0 0", "nnnnn"},
+            {"<string>0x10.1e3.010</string>", "0 1 10", "nnnnn"},
+            {"<string>10,16.5</string>", "10 5 0", "nnnnn"},
+            {"<string>\xD9\xA1\xD9\xA1.5</string>", "0 5 0", "nnnnn"},
+            {"<string>4294967297.2147483648.5000000000</string>", "4294967297 2147483648 5000000000",
+             "YYYYY"},
+            {"<string>99999999999999999999.-99999999999999999999</string>", "9223372036854775807 0 0",
+             "YYYYY"},
+        });
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, takesAnythingButAStringForAnEmptyVersion) {
+    logtest::inFreshProcess([] {
+        expectRows({
+            {"<integer>14</integer>", "0 0 0", "nnnnn"},
+            {"<real>10.16</real>", "0 0 0", "nnnnn"},
+            {"<true/>", "0 0 0", "nnnnn"},
+            {"<array><string>14</string></array>", "0 0 0", "nnnnn"},
+            {"<dict/>", "0 0 0", "nnnnn"},
+            {"<date>2024-03-05T14:07:09Z</date>", "0 0 0", "nnnnn"},
+        });
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, testsReleasesByMajorAndMinorAlone) {
+    logtest::inFreshProcess([] {
+        expectRows({
+            {"<string>10.11.6</string>", "10 11 6", "nnnnn"},
+            {"<string>10.11.99</string>", "10 11 99", "nnnnn"},
+            {"<string>10.12</string>", "10 12 0", "Ynnnn"},
+            {"<string>10.12.6</string>", "10 12 6", "Ynnnn"},
+            {"<string>10.13</string>", "10 13 0", "YYnnn"},
+            {"<string>10.14</string>", "10 14 0", "YYYnn"},
+            {"<string>10.15</string>", "10 15 0", "YYYYn"},
+            {"<string>10.16</string>", "10 16 0", "YYYYY"},
+            {"<string>10.17</string>", "10 17 0", "YYYYY"},
+            {"<string>10</string>", "10 0 0", "nnnnn"},
+            {"<string>9.99.99</string>", "9 99 99", "nnnnn"},
+            {"<string>11.0</string>", "11 0 0", "YYYYY"},
+            {"<string>11</string>", "11 0 0", "YYYYY"},
+            {"<string>100.1</string>", "100 1 0", "YYYYY"},
+        });
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, knowsNothingWithoutADictionaryInTheFile) {
+    logtest::inFreshProcess([] {
+        for (const std::string bytes : {"", "garbage @", "<plist><array/></plist>",
+                                        "<plist><dict><key>ProductVersion</key>", "(14, 2)", "justatext"}) {
+            const infotest::SystemScene system;
+            system.writeReleaseFile("NAME=Other\nVERSION_ID=12\n");
+            system.writeVersionFile(bytes);
+            inFirstUse(
+                [] {
+                    EXPECT_FALSE(Environment::systemVersionPlist());
+                    EXPECT_EQ(numbers(), "0 0 0");
+                    EXPECT_EQ(releaseTests(), "nnnnn");
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "unknown version");
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "unknown OS");
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), "unknown build");
+                },
+                bytes);
+        }
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, knowsNothingFromAFileThatMayNotBeRead) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeVersionFile(infotest::versionFileOf("14.2"));
+        ASSERT_EQ(::chmod((system.folder / "SystemVersion.plist").c_str(), 0), 0);
+        EXPECT_EQ(scene::inUnprivilegedChild([] {
+                      const bool unknown = !Environment::systemVersionPlist() && numbers() == "0 0 0" &&
+                                           releaseTests() == "nnnnn" &&
+                                           utf8Of(Environment::userVisibleMacOSName()) == "unknown OS";
+                      return unknown ? 0 : 1;
+                  }),
+                  0);
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, readsEveryFormOfPropertyList) {
+    logtest::inFreshProcess([] {
+        const std::string old = "{ ProductVersion = \"10.15.7\"; ProductName = Sampler; }";
+        for (const std::string& bytes :
+             {old, factstest::inUtf16(old), factstest::binaryVersionFile(),
+              std::string("ProductVersion = \"10.15.7\";\nProductName = Sampler;\n")}) {
+            const infotest::SystemScene system;
+            system.writeVersionFile(bytes);
+            inFirstUse(
+                [] {
+                    EXPECT_EQ(numbers(), "10 15 7");
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "Sampler");
+                },
+                bytes);
+        }
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, keepsTheWholeDictionary) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeVersionFile(plistOf(entry("ProductVersion", "14.2") + entry("ProductCopyright", "none") +
+                                        "<key>Number</key><integer>5</integer>"));
+        inFirstUse(
+            [] {
+                const NSDictionary plist = Environment::systemVersionPlist();
+                EXPECT_EQ(plist.count(), 3u);
+                EXPECT_EQ(factstest::valueOf(plist, "ProductVersion"), "14.2");
+                EXPECT_EQ(factstest::valueOf(plist, "ProductCopyright"), "none");
+                EXPECT_EQ(factstest::valueOf(plist, "Number"), "(no string)");
+            },
+            "whole");
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, keepsNumbersAndDictionaryButReadsTextsAfresh) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeVersionFile(infotest::versionFileOf("10.15.7"));
+        inFirstUse(
+            [&] {
+                Environment::initialize();
+                system.writeVersionFile(plistOf(
+                    entry("ProductVersion", "14.2") + entry("ProductName", "Later") +
+                    entry("ProductUserVisibleVersion", "14.2.1") + entry("ProductBuildVersion", "B2")));
+                Environment::initialize();
+                EXPECT_EQ(numbers(), "10 15 7");
+                EXPECT_EQ(releaseTests(), "YYYYn");
+                EXPECT_EQ(factstest::valueOf(Environment::systemVersionPlist(), "ProductName"), "Sampler OS");
+                EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "14.2.1");
+                EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "Later");
+                EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), "B2");
+                EXPECT_EQ(utf8Of(ZQLogInfo::osVersionString()), "14.2");
+                system.writeVersionFile("garbage @");
+                EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "unknown version");
+                EXPECT_EQ(numbers(), "10 15 7");
+            },
+            "changed file");
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, keepsKnowingNothing) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeVersionFile("garbage @");
+        inFirstUse(
+            [&] {
+                EXPECT_EQ(numbers(), "0 0 0");
+                system.writeVersionFile(infotest::versionFileOf("14.2"));
+                EXPECT_EQ(numbers(), "0 0 0");
+                EXPECT_FALSE(Environment::systemVersionPlist());
+                EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "14.2");
+            },
+            "mended file");
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, readsTheNumbersAtTheFirstUseOfAnyOperation) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeVersionFile(infotest::versionFileOf("10.15.7"));
+        inFirstUse(
+            [&] {
+                Environment::userVisibleMacOSName();
+                system.writeVersionFile(infotest::versionFileOf("14.2"));
+                EXPECT_EQ(numbers(), "10 15 7");
+            },
+            "first used by a text");
+        system.writeVersionFile(infotest::versionFileOf("10.15.7"));
+        inFirstUse(
+            [&] {
+                Environment::isPowerPC();
+                system.writeVersionFile(infotest::versionFileOf("14.2"));
+                EXPECT_EQ(numbers(), "10 15 7");
+            },
+            "first used by a constant");
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, givesTextsAsTheyStandAndFallbacksForMissingOnes) {
+    struct TextRow {
+        std::string entries;
+        const char* version;
+        const char* name;
+        const char* build;
+    };
+    const TextRow rows[] = {
+        {entry("ProductUserVisibleVersion", " 14.2 ") + entry("ProductName", "S\xC3\xA4mpler") +
+             entry("ProductBuildVersion", "%@ 23C64"),
+         " 14.2 ", "S\xC3\xA4mpler", "%@ 23C64"},
+        // The version proper does not stand in for the one that is to be shown.
+        {entry("ProductVersion", "14.2"), "unknown version", "unknown OS", "unknown build"},
+        {entry("ProductUserVisibleVersion", "") + entry("ProductName", "") + entry("ProductBuildVersion", ""),
+         "unknown version", "unknown OS", "unknown build"},
+        {entry("ProductUserVisibleVersion", " "), " ", "unknown OS", "unknown build"},
+        {"", "unknown version", "unknown OS", "unknown build"},
+    };
+    for (const TextRow& row : rows) {
+        const infotest::SystemScene system;
+        system.writeVersionFile(plistOf(row.entries));
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), row.version) << row.entries;
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), row.name) << row.entries;
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), row.build) << row.entries;
+    }
+}
+
+TEST(RuntimeEnvironmentFromFacts, translatesFallbacksByTheLibrarysOwnTable) {
+    if (const char* const marker = std::getenv("ZQ_TEST_BESIDE_TABLE")) {
+        const infotest::SystemScene system;
+        system.writeVersionFile("garbage @");
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "Version unbekannt");
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "System unbekannt");
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), "unknown build");
+#if defined(__x86_64__) || defined(__aarch64__)
+        EXPECT_EQ(utf8Of(Environment::localizedProcessorArchitecture()), "Prozessor");
+#endif
+        std::FILE* const ran = std::fopen(marker, "w");
+        ASSERT_NE(ran, nullptr);
+        std::fclose(ran);
+        return;
+    }
+    EXPECT_TRUE(runBesideTable("\"unknown version\" = \"Version unbekannt\";\n"
+                               "\"unknown OS\" = \"System unbekannt\";\n"
+                               "\"Intel\" = \"Prozessor\";\n\"ARM\" = \"Prozessor\";\n"));
+}
+
+TEST(RuntimeEnvironmentFromFacts, doesNotTranslateByTheTablesOfTheApplication) {
+    const infotest::SystemScene system;
+    system.writeVersionFile("garbage @");
+    const infotest::ApplicationScene application(factstest::viewerInfo());
+    application.writeTable("Localizable.strings", "\"unknown OS\" = \"mine\";\n");
+    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "unknown OS");
+}
+
+TEST(RuntimeEnvironmentFromFacts, answersTheProcessorOfTheBuild) {
+    EXPECT_FALSE(Environment::isPowerPC());
+#if defined(__x86_64__)
+    EXPECT_TRUE(Environment::isIntel());
+    EXPECT_FALSE(Environment::isARM());
+    EXPECT_EQ(utf8Of(Environment::localizedProcessorArchitecture()), "Intel");
+#elif defined(__aarch64__)
+    EXPECT_FALSE(Environment::isIntel());
+    EXPECT_TRUE(Environment::isARM());
+    EXPECT_EQ(utf8Of(Environment::localizedProcessorArchitecture()), "ARM");
+#else
+    EXPECT_FALSE(Environment::isIntel());
+    EXPECT_FALSE(Environment::isARM());
+#endif
+}
+
+TEST(RuntimeEnvironmentFromFacts, readsTheDescriptionsOfDistributions) {
+    logtest::inFreshProcess([] {
+        for (const factstest::Distribution& row : factstest::distributions) {
+            const infotest::SystemScene system;
+            if (row.file != nullptr) {
+                system.writeReleaseFile(row.file);
+            }
+            inFirstUse(
+                [&] {
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()),
+                              factstest::filledIn(row.userVisibleVersion));
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), row.name);
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), factstest::kernelRelease());
+                    EXPECT_EQ(factstest::valueOf(Environment::systemVersionPlist(), "ProductVersion"),
+                              factstest::filledIn(row.version));
+                    if (factstest::hasNumbers(row)) {
+                        EXPECT_EQ(Environment::osVersionMajor(), row.versionMajor);
+                        EXPECT_EQ(Environment::osVersionMinor(), row.versionMinor);
+                        EXPECT_EQ(releaseTests(), row.versionMajor > 10 ? "YYYYY" : "nnnnn");
+                    }
+                },
+                row.label);
+        }
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, prefersTheVersionFileToADescription) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeReleaseFile("NAME=Debian\nVERSION_ID=12\n");
+        system.writeVersionFile(infotest::versionFileOf("10.13"));
+        inFirstUse(
+            [] {
+                EXPECT_EQ(numbers(), "10 13 0");
+                EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "Sampler OS");
+            },
+            "both");
+    });
+}
+
+TEST(RuntimeEnvironmentFromFacts, initializesOnceForThreadsThatComeTogether) {
+    logtest::inFreshProcess([] {
+        const infotest::SystemScene system;
+        system.writeVersionFile(infotest::versionFileOf("10.15.7"));
+        std::array<std::string, 8> seen;
+        std::vector<std::thread> threads;
+        for (std::string& text : seen) {
+            threads.emplace_back([&text] { text = numbers() + " " + releaseTests(); });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        for (const std::string& text : seen) {
+            EXPECT_EQ(text, "10 15 7 YYYYn");
+        }
+    });
+}

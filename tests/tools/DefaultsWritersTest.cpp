@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+// The tool `defaults` when others write too, and when it is ended in the middle.
+#include <csignal>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#if __has_include(<linux/seccomp.h>)
+#include <cstddef>
+
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#endif
+
+#include "foundation/objects/NSNumber.h"
+#include "foundation/objects/NSString.h"
+#include "tests/tools/ToolScene.h"
+
+using namespace ZQFoundation;
+using scene::become;
+using scene::Tool;
+using scene::Words;
+
+namespace {
+
+bool succeeds(pid_t child) {
+    int status = -1;
+    return ::waitpid(child, &status, 0) == child && status == 0;
+}
+
+/// Several processes, each of which runs the tool for keys of its own, one after the other. `prepare` is
+/// called in each before.
+template <class Prepare>
+void writeSideBySide(int writers, int keys, const Prepare& prepare) {
+    std::vector<pid_t> children;
+    for (int writer = 0; writer < writers; ++writer) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            prepare();
+            for (int key = 0; key < keys; ++key) {
+                const pid_t one = ::fork();
+                if (one == 0) {
+                    std::string name = "Key";
+                    name.append(std::to_string(writer * keys + key));
+                    become({"write", "d", name, "-int", std::to_string(key)});
+                }
+                if (!succeeds(one)) {
+                    ::_exit(1);
+                }
+            }
+            ::_exit(0);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        EXPECT_TRUE(succeeds(child));
+    }
+}
+
+void expectAllKeys(const Tool& tool, int writers, int keys) {
+    const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
+    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys));
+    for (int key = 0; key < writers * keys; ++key) {
+        EXPECT_EQ(values.objectForKey(NSString::stringWithFormat("Key%d", key)), NSObject(key % keys));
+    }
+}
+
+TEST(DefaultsToolWriters, loseNoKeyOfOneAnother) {
+    const Tool tool;
+    writeSideBySide(8, 50, [] {});
+    expectAllKeys(tool, 8, 50);
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "nothing but the domain";
+}
+
+#if __has_include(<linux/seccomp.h>)
+/// From here on this process and its children cannot lock whole files and folders, as on a network file
+/// system.
+void refuseFolderLocks() {
+    sock_filter steps[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EBADF),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program{static_cast<unsigned short>(std::size(steps)), steps};
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+        ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0 || ::flock(0, LOCK_UN) == 0) {
+        ::_exit(99);
+    }
+}
+
+TEST(DefaultsToolWriters, lockAFileWhereTheFolderCannotBeLocked) {
+    const Tool tool;
+    writeSideBySide(4, 20, refuseFolderLocks);
+    expectAllKeys(tool, 4, 20);
+    EXPECT_EQ(tool.entriesInFolder(), 2U) << "the domain and the lock";
+    EXPECT_EQ(tool.done({"domains"}), "d\n");
+}
+#endif
+
+/// Runs the tool with its messages on a terminal, and answers that terminal's other end.
+int startOnTerminal(const Words& words, pid_t& child) {
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    EXPECT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+    const std::string name = ::ptsname(terminal);
+    child = ::fork();
+    if (child == 0) {
+        ::dup2(::open(name.c_str(), O_RDWR | O_NOCTTY), STDERR_FILENO);
+        become(words);
+    }
+    return terminal;
+}
+
+TEST(DefaultsToolWriters, saySoWhenTheyWait) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    const int folder = ::open((tool.folder() / "ZQFoundation").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(folder, LOCK_EX), 0);
+    pid_t child = -1;
+    const int terminal = startOnTerminal({"write", "d", "k", "w"}, child);
+    std::string said(200, '\0');
+    const ssize_t count = ::read(terminal, said.data(), said.size()); // until it says something
+    said.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    EXPECT_EQ(said.find("defaults: waiting for another writer"), 0U) << said;
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
+    ::close(folder);
+    EXPECT_TRUE(succeeds(child));
+    ::close(terminal);
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "w\n");
+}
+
+std::int64_t now() {
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+constexpr int rounds = 120;
+
+/// A domain of some size, which takes a while to write.
+std::string largeDomain(int value) {
+    std::string text = "{ k = ";
+    text.append(std::to_string(value)).append("; filling = \"").append(300'000, 'x').append("\"; }");
+    return text;
+}
+
+/// Has the tool write the domain again and again, and sends it a signal at moments that are spread over the
+/// time that it takes. Calls `check` after each. Answers how many the signal ended.
+template <class Check>
+int interruptAtManyMoments(const Tool& tool, int signal, const Check& check) {
+    tool.done({"import", "d", "-"}, largeDomain(0));
+    const std::int64_t start = now();
+    tool.done({"import", "d", "-"}, largeDomain(0));
+    const std::int64_t duration = now() - start;
+    int ended = 0;
+    for (int round = 1; round <= rounds; ++round) {
+        const std::string input = tool.folder().write("input", largeDomain(round));
+        const pid_t child = ::fork();
+        if (child == 0) {
+            become({"import", "d", input});
+        }
+        const std::int64_t moment = duration * (round * 37 % rounds) / rounds;
+        const timespec pause{moment / 1'000'000'000, moment % 1'000'000'000};
+        ::nanosleep(&pause, nullptr);
+        ::kill(child, signal);
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        ended += WIFSIGNALED(status) ? 1 : 0;
+        check(round);
+    }
+    return ended;
+}
+
+/// Whether the file is whole and no older than `least`; `least` becomes the value in it.
+bool isWhole(const Tool& tool, int& least, int most) {
+    const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
+    const int value = NSString(values.objectForKey("k")).intValue();
+    const bool whole =
+        NSString(values.objectForKey("filling")).length() == 300'000 && value >= least && value <= most;
+    least = value;
+    return whole;
+}
+
+TEST(DefaultsToolWriters, leaveAWholeFileWheneverTheyAreKilled) {
+    const Tool tool;
+    int value = 0;
+    const int ended = interruptAtManyMoments(
+        tool, SIGKILL, [&](int round) { EXPECT_TRUE(isWhole(tool, value, round)) << "round " << round; });
+    EXPECT_GT(ended, 0);
+    tool.done({"write", "d", "k", "v"});
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "what killed writers left is cleared away";
+}
+
+TEST(DefaultsToolWriters, leaveNoTemporaryFileWhenTheyAreInterrupted) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const Tool tool;
+        int value = 0;
+        const int ended = interruptAtManyMoments(tool, signal, [&](int round) {
+            EXPECT_TRUE(isWhole(tool, value, round)) << "round " << round;
+            EXPECT_EQ(tool.entriesInFolder(), 1U) << "round " << round;
+        });
+        EXPECT_GT(ended, 0);
+    }
+}
+
+} // namespace

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/Failure.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+bool isControl(unsigned char byte) noexcept { return byte < 0x20 || byte == 0x7F; }
+
+void appendHex(std::string& text, unsigned char byte) {
+    constexpr const char* digits = "0123456789abcdef";
+    text.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+}
+
+} // namespace
+
+std::string onOneLine(const std::string& text) {
+    std::string line;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const unsigned char byte = static_cast<unsigned char>(text[i]);
+        const unsigned char next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+        if (byte == '\n') {
+            line += "\\n";
+        } else if (isControl(byte)) {
+            appendHex(line, byte);
+        } else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {
+            appendHex(line, next); // terminals take U+0080 to U+009F for commands too
+            ++i;
+        } else {
+            line += text[i];
+        }
+    }
+    return line;
+}
+
+} // namespace ZQFoundation::defaults
