@@ -14,8 +14,8 @@ extern "C" ZQFOUNDATION_EXPORT const char* const ZQMustOverrideMethodException;
 /// Writes a failed assertion into the log and raises an exception.
 ///
 ///     ZQAssert(count < limit, NSRangeException, "%d of %d", count, limit);
-///     // *** Assertion failure in reload(), Store.cpp:42   and then an NSException "NSRangeException: 7 of
-///     5"
+///     // writes: *** Assertion failure in reload(), Store.cpp:42
+///     // raises: NSRangeException with the reason "7 of 5"
 ///
 /// The line is written before the exception is raised, so it is in the log even when nobody catches that.
 /// Names may be nil; of the file only the last path component is written. Any thread.

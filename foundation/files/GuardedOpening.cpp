@@ -5,6 +5,7 @@
 
 #include "foundation/files/Descriptor.h"
 #include "foundation/files/LinkReading.h"
+#include "foundation/files/PathHandle.h"
 #include "foundation/files/StickyFolder.h"
 #include "foundation/system/FileSystem.h"
 
@@ -41,7 +42,7 @@ public:
         if (!folder_ && !start()) {
             return false;
         }
-        while (takeName()) {
+        while (takeName(rest_, position_, name_)) {
             if (position_ == rest_.size()) {
                 return true;
             }
@@ -69,20 +70,6 @@ private:
         const char* const first = rest_[0] == '/' ? "/" : ".";
         folder_ = Descriptor(openAt(AT_FDCWD, first, system::openForSearch));
         return static_cast<bool>(folder_);
-    }
-
-    bool takeName() {
-        while (position_ < rest_.size() && rest_[position_] == '/') {
-            ++position_;
-        }
-        if (position_ == rest_.size()) {
-            return false;
-        }
-        const std::size_t slash = rest_.find('/', position_);
-        const std::size_t end = slash == std::string::npos ? rest_.size() : slash;
-        name_.assign(rest_, position_, end - position_);
-        position_ = end;
-        return true;
     }
 
     bool enter() noexcept {

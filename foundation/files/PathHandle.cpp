@@ -32,6 +32,20 @@ bool getPathBytes(StringView path, std::string& bytes) {
     return false;
 }
 
+bool takeName(const std::string& path, std::size_t& position, std::string& name) {
+    while (position < path.size() && path[position] == '/') {
+        ++position;
+    }
+    if (position == path.size()) {
+        return false;
+    }
+    const std::size_t slash = path.find('/', position);
+    const std::size_t end = slash == std::string::npos ? path.size() : slash;
+    name.assign(path, position, end - position);
+    position = end;
+    return true;
+}
+
 bool PathHandle::openNextFolder(const std::string& path) noexcept {
     const std::size_t slash = path.rfind('/', offset_ + longestName - 1);
     if (slash == std::string::npos || slash < offset_) {

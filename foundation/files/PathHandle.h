@@ -14,6 +14,10 @@ namespace ZQFoundation::detail {
 /// units that stand for no byte of a file name.
 bool getPathBytes(StringView path, std::string& bytes);
 
+/// Takes the next name of a path from `position` on, passing over slashes, and moves the position behind it.
+/// False at the end.
+bool takeName(const std::string& path, std::size_t& position, std::string& name);
+
 /// A path of any length for the system's `...at` calls: `folder()` and `name()` are what they take. The
 /// system itself takes a path of limited length, so of a longer one the front is opened folder by folder and
 /// the name is what is left. An ordinary path costs nothing.

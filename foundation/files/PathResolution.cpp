@@ -13,20 +13,6 @@ namespace ZQFoundation {
 
 namespace detail {
 
-bool LinkResolver::takeComponent() {
-    while (position_ < rest_.size() && rest_[position_] == '/') {
-        ++position_;
-    }
-    if (position_ == rest_.size()) {
-        return false;
-    }
-    const std::size_t slash = rest_.find('/', position_);
-    const std::size_t end = slash == std::string::npos ? rest_.size() : slash;
-    component_.assign(rest_, position_, end - position_);
-    position_ = end;
-    return true;
-}
-
 void LinkResolver::append(const std::string& component) {
     if (!path_.empty() && path_.back() != '/') {
         path_ += '/';
@@ -109,7 +95,7 @@ LinkResolver::End LinkResolver::resolve() {
     } else if (beginsWithDot) {
         path_ = ".";
     }
-    while (takeComponent()) {
+    while (takeName(rest_, position_, component_)) {
         if (component_ == ".") {
             continue;
         }
@@ -126,7 +112,7 @@ LinkResolver::End LinkResolver::resolve() {
             return End::tooLong;
         }
         if (step == Step::stays) {
-            while (takeComponent()) {
+            while (takeName(rest_, position_, component_)) {
                 append(component_);
             }
             return End::partial;

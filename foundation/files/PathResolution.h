@@ -30,7 +30,6 @@ public:
 
 private:
     enum class Step { on, stays, tooLong };
-    bool takeComponent();
     void append(const std::string& component);
     void removeLast();
     Step look();
