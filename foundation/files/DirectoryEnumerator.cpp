@@ -6,7 +6,9 @@
 
 #include <dirent.h>
 
+#include "foundation/files/FolderNames.h"
 #include "foundation/files/NSFileManager.h"
+#include "foundation/files/OpenFolders.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
 
@@ -14,126 +16,88 @@ namespace ZQFoundation {
 
 namespace detail {
 
-namespace {
-
-constexpr int startFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-constexpr int folderFlags = startFlags | O_NOFOLLOW;
-
-struct NameList {
-    std::vector<char> names; ///< each with NUL behind it
-    std::vector<bool> mayBeFolder;
-};
-
-/// What an open folder holds. Read as a whole, so that what is removed or made meanwhile neither hides nor
-/// repeats an entry. Empty when it cannot be read.
-NameList listOf(int folder) {
-    NameList list;
-    Descriptor own(openAt(folder, ".", folderFlags));
-    DIR* const stream = own ? ::fdopendir(own.number()) : nullptr;
-    if (stream == nullptr) {
-        return list;
-    }
-    own.release();
-    while (const dirent* const entry = ::readdir(stream)) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            list.names.insert(list.names.end(), entry->d_name,
-                              entry->d_name + std::strlen(entry->d_name) + 1);
-            list.mayBeFolder.push_back(entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN);
-        }
-    }
-    ::closedir(stream);
-    return list;
-}
-
-} // namespace
-
-/// The walk behind an enumerator. One folder is open at a time, at any depth; the way back goes through "..",
-/// which must lead to the folder that it came from, else the walk ends what it cannot find again.
+/// The walk behind an enumerator. However deep it is, a few folders are open; a folder is left for the one
+/// above that it was entered from, wherever either was moved meanwhile.
 class TreeWalk {
 public:
-    explicit TreeWalk(Descriptor start) : folder_(static_cast<Descriptor&&>(start)) { push(); }
+    explicit TreeWalk(Descriptor start) : start_(static_cast<Descriptor&&>(start)) {
+        enter(Descriptor(::fcntl(start_.number(), F_DUPFD_CLOEXEC, 0)));
+    }
 
-    /// False at the end.
-    bool next(NSString& path) {
+    /// Nil at the end.
+    NSString next() {
         enterToldFolder();
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.at == level.list.names.size()) {
-                leave();
-                continue;
-            }
-            const char* const name = level.list.names.data() + level.at;
-            path_.resize(level.pathLength);
-            path_.append(level.pathLength == 0 ? "" : "/").append(name);
-            told_ = level.list.mayBeFolder[level.index++] ? name : nullptr;
-            level.at += std::strlen(name) + 1;
-            path = NSString::stringWithFileSystemBytes(path_.data(), path_.size());
-            return true;
+        while (!levels_.empty() && levels_.back().names.isAtEnd()) {
+            leave();
         }
-        return false;
+        if (levels_.empty()) {
+            return nullptr;
+        }
+        Level& level = levels_.back();
+        const FolderNames::Entry entry = level.names.next();
+        path_.resize(level.pathLength);
+        path_.append(level.pathLength == 0 ? "" : "/").append(entry.name);
+        told_ = entry.kind == DT_DIR || entry.kind == DT_UNKNOWN ? entry.name : nullptr;
+        return NSString::stringWithFileSystemBytes(path_.data(), path_.size());
     }
 
     void skipDescendents() noexcept { told_ = nullptr; }
 
 private:
     struct Level {
-        NameList list;
-        std::size_t at = 0; ///< in the names
-        std::size_t index = 0;
-        std::size_t pathLength = 0; ///< of what leads to this folder
-        dev_t device = 0;
-        ino_t inode = 0;
+        FolderNames names;
+        std::size_t pathLength; ///< of what leads to this folder from the start
     };
 
-    void push() {
-        struct stat information;
-        if (::fstat(folder_.number(), &information) != 0) {
-            return;
+    /// False with `errno`.
+    bool enter(Descriptor folder) {
+        Level level{{}, path_.size()};
+        if (!folder || !level.names.read(folder.number()) ||
+            !folders_.push(static_cast<Descriptor&&>(folder))) {
+            return false;
         }
-        Level level;
-        level.list = listOf(folder_.number());
-        level.pathLength = path_.size();
-        level.device = information.st_dev;
-        level.inode = information.st_ino;
         levels_.push_back(std::move(level));
+        return true;
     }
 
-    /// Only now, so that the caller could look at it, remove it or have it skipped.
+    /// Only now, so that the caller could look at it, remove it or have it skipped. What cannot be opened or
+    /// read is passed over.
     void enterToldFolder() {
-        if (told_ == nullptr) {
-            return;
-        }
-        Descriptor below(openAt(folder_.number(), told_, folderFlags));
-        told_ = nullptr;
-        if (below) {
-            folder_ = static_cast<Descriptor&&>(below);
-            push();
+        if (const char* const name = std::exchange(told_, nullptr)) {
+            while (!enter(Descriptor(openAt(folders_.current(), name, folderFlags))) &&
+                   (errno == EMFILE || errno == ENFILE) && folders_.closeOne()) {
+            }
         }
     }
 
+    /// Up to the nearest folder that is still to be found.
     void leave() {
-        levels_.pop_back();
-        if (levels_.empty()) {
-            folder_.reset();
-            return;
-        }
-        Descriptor parent(openAt(folder_.number(), "..", folderFlags));
-        struct stat information;
-        const Level& expected = levels_.back();
-        if (parent && ::fstat(parent.number(), &information) == 0 && information.st_dev == expected.device &&
-            information.st_ino == expected.inode) {
-            folder_ = static_cast<Descriptor&&>(parent);
-            return;
-        }
-        levels_.clear(); // the folder was moved away, and nobody knows to where
-        folder_.reset();
+        bool isOpen = folders_.reopenParent();
+        do {
+            levels_.pop_back();
+            folders_.pop();
+            isOpen = isOpen || levels_.empty() || reopenFromStart();
+        } while (!isOpen);
     }
 
-    Descriptor folder_;
+    /// Goes down again to the last level by the names that led there, when the folder below it was moved
+    /// away.
+    bool reopenFromStart() {
+        Descriptor folder(::fcntl(start_.number(), F_DUPFD_CLOEXEC, 0));
+        for (std::size_t index = 1; folder && index < levels_.size(); ++index) {
+            const std::size_t above = levels_[index - 1].pathLength;
+            const std::size_t begin = above == 0 ? 0 : above + 1;
+            const std::string name(path_, begin, levels_[index].pathLength - begin);
+            folder = Descriptor(openAt(folder.number(), name.c_str(), folderFlags));
+        }
+        return folder && folders_.restore(levels_.size() - 1, static_cast<Descriptor&&>(folder));
+    }
+
+    Descriptor start_;
+    OpenFolders folders_;
     std::vector<Level> levels_;
     std::string path_;
-    const char* told_ =
-        nullptr; ///< the name told last, in its level's list, when it may be a folder to enter
+    const char* told_ = nullptr; ///< the name told last, in its level's list, when it may be a folder
 };
 
 } // namespace detail
@@ -150,8 +114,7 @@ NSDirectoryEnumerator::~NSDirectoryEnumerator() {
 
 NSString NSDirectoryEnumerator::nextObject() {
     const detail::CallerState caller;
-    NSString path;
-    return walk_ != nullptr && walk_->next(path) ? path : NSString();
+    return walk_ != nullptr ? walk_->next() : NSString();
 }
 
 void NSDirectoryEnumerator::skipDescendents() {
@@ -167,7 +130,9 @@ NSDirectoryEnumerator NSFileManager::enumeratorAtPath(StringView path) const {
     if (!detail::getPathBytes(path, bytes) || !handle.reach(bytes)) {
         return {};
     }
-    detail::Descriptor start(detail::openAt(handle.folder(), handle.name(), detail::startFlags));
+    // The start itself may be a link.
+    detail::Descriptor start(
+        detail::openAt(handle.folder(), handle.name(), detail::folderFlags & ~O_NOFOLLOW));
     return start ? NSDirectoryEnumerator(new detail::TreeWalk(static_cast<detail::Descriptor&&>(start)))
                  : NSDirectoryEnumerator();
 }

@@ -4,119 +4,181 @@
 #include <string>
 
 #include "foundation/files/FileTimes.h"
+#include "foundation/files/FolderNames.h"
 #include "foundation/files/LinkReading.h"
-#include "foundation/system/FileSystem.h"
+#include "foundation/files/OpenFolders.h"
+#include "foundation/system/HeldItem.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
 
-constexpr mode_t setIdBits = S_ISUID | S_ISGID;
+constexpr mode_t kindBits = S_IFMT;
 
-/// The permissions for the copy of an item whose owner could not be kept: nobody gets the right to run as the
-/// one who copies.
-mode_t permissionsOf(const struct stat& information, bool isOwnerKept) noexcept {
-    const mode_t permissions = information.st_mode & 07777;
-    return isOwnerKept ? permissions : permissions & ~setIdBits;
+bool isOwnerKept(const struct stat& source, const struct stat& made) noexcept {
+    return made.st_uid == source.st_uid && made.st_gid == source.st_gid;
 }
 
-bool closeWell(Descriptor& file) noexcept { return ::close(file.release()) == 0 || errno == EINTR; }
-
-bool setTimes(int folder, const char* name, const struct stat& information) noexcept {
-    const timespec times[2] = {accessTime(information), modificationTime(information)};
-    return ::utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW) == 0;
+/// What a copy of this owner may have of the source's permissions: nobody gets the right to run a program as
+/// the one who copies it.
+mode_t permissionsFor(const struct stat& made, const struct stat& source,
+                      system::AttributesCopied attributes) noexcept {
+    mode_t permissions = source.st_mode & 07777;
+    const bool isKept = isOwnerKept(source, made);
+    permissions &= isKept ? ~mode_t{0} : ~mode_t{S_ISUID};
+    // Of a folder this bit hands the group on.
+    const bool mayHandOn = S_ISDIR(source.st_mode) && made.st_gid == source.st_gid;
+    permissions &= isKept || mayHandOn ? ~mode_t{0} : ~mode_t{S_ISGID};
+    if (attributes == system::AttributesCopied::withoutAccessList) {
+        permissions &= ~mode_t{S_IRWXG}; // with a list these bits say what the list allows at most
+    }
+    return permissions;
 }
 
-bool copyLink(const CopyPlace& place) {
-    std::string target;
-    if (readLink(place.sourceFolder, place.sourceName, target) != LinkResult::link) {
-        errno = errno == 0 ? ESTALE : errno;
+/// For open and for held items, by `owner(user, group)` and `look(information)`: the owner and group where
+/// that is allowed, or the group alone. False when the item cannot be looked at.
+template <class SetOwner, class Look>
+bool takeOwner(const struct stat& source, struct stat& made, const SetOwner& setOwner, const Look& look) {
+    if (!look(made)) {
         return false;
     }
-    return ::symlinkat(target.c_str(), place.destinationFolder, place.destinationName) == 0;
+    if (isOwnerKept(source, made)) {
+        return true;
+    }
+    if (!setOwner(source.st_uid, source.st_gid)) {
+        setOwner(static_cast<uid_t>(-1), source.st_gid);
+    }
+    return look(made);
+}
+
+bool closeWell(Descriptor& file) noexcept {
+    // An interrupted call leaves open whether the last data got to its place.
+    return ::close(file.release()) == 0;
+}
+
+bool makeLink(const CopyPlace& place) {
+    std::string target;
+    const LinkResult result = readLink(place.sourceFolder, place.sourceName, target);
+    if (result == LinkResult::other) {
+        errno = ESTALE;
+    }
+    return result == LinkResult::link &&
+           ::symlinkat(target.c_str(), place.destinationFolder, place.destinationName) == 0;
 }
 
 bool makeSpecialItem(const struct stat& information, const CopyPlace& place) {
-    switch (information.st_mode & S_IFMT) {
+    switch (information.st_mode & kindBits) {
     case S_IFLNK:
-        return copyLink(place);
+        return makeLink(place);
     case S_IFIFO:
         return ::mkfifoat(place.destinationFolder, place.destinationName, 0600) == 0;
     case S_IFSOCK:
     case S_IFCHR:
     case S_IFBLK:
         return ::mknodat(place.destinationFolder, place.destinationName,
-                         static_cast<mode_t>((information.st_mode & S_IFMT) | 0600),
+                         static_cast<mode_t>((information.st_mode & kindBits) | 0600),
                          information.st_rdev) == 0;
     default:
-        errno = EOPNOTSUPP;
+        errno = ENOTSUP;
         return false;
     }
+}
+
+/// Whether what is held is what was just made, and nothing that somebody has put in its place.
+bool isOurs(const struct stat& made, const struct stat& source) noexcept {
+    return (made.st_mode & kindBits) == (source.st_mode & kindBits) && made.st_nlink == 1;
+}
+
+/// In a folder that others may write to, another folder may have taken the new one's place.
+bool isFolderOurs(int folder, int parent) {
+    struct stat made;
+    struct stat around;
+    FolderNames names;
+    if (::fstat(folder, &made) != 0 || ::fstat(parent, &around) != 0 || !names.read(folder)) {
+        return false;
+    }
+    // Some file systems give everything one owner.
+    const bool isTrusted = made.st_uid == ::geteuid() || (around.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+    if (!isTrusted || !names.isAtEnd()) {
+        errno = ESTALE;
+        return false;
+    }
+    return true;
+}
+
+/// Whether a descriptor more can be had, asked before something is made that then could not be opened.
+bool hasSpareDescriptor(int open) noexcept {
+    return static_cast<bool>(Descriptor(::fcntl(open, F_DUPFD_CLOEXEC, 0)));
 }
 
 } // namespace
 
 bool completeCopy(int source, int destination, const struct stat& information) {
+    struct stat made;
     // The owner first: a change of it takes permissions away.
-    const bool isOwnerKept = ::fchown(destination, information.st_uid, information.st_gid) == 0;
-    const bool isGroupKept =
-        isOwnerKept || ::fchown(destination, static_cast<uid_t>(-1), information.st_gid) == 0;
+    const auto setOwner = [&](uid_t owner, gid_t group) {
+        return ::fchown(destination, owner, group) == 0;
+    };
+    if (!takeOwner(information, made, setOwner,
+                   [&](struct stat& found) { return ::fstat(destination, &found) == 0; })) {
+        return false;
+    }
     // Access lists before permissions, which alone might allow more for a moment.
     const system::AttributesCopied attributes = system::copyExtendedAttributes(source, destination);
     if (attributes == system::AttributesCopied::failed) {
         return false;
     }
-    mode_t permissions = permissionsOf(information, isOwnerKept && isGroupKept);
-    if (attributes == system::AttributesCopied::withoutAccessList) {
-        permissions &=
-            ~static_cast<mode_t>(S_IRWXG); // with a list these bits say what the list allows at most
-    }
+    system::copyCreationTime(source, destination);
     const timespec times[2] = {accessTime(information), modificationTime(information)};
-    return ::fchmod(destination, permissions) == 0 && ::futimens(destination, times) == 0;
+    return ::fchmod(destination, permissionsFor(made, information, attributes)) == 0 &&
+           ::futimens(destination, times) == 0;
 }
 
 bool copyRegularFile(int source, const struct stat& information, const CopyPlace& place) {
     Descriptor file(openAt(place.destinationFolder, place.destinationName,
-                           O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0600));
-    return file && system::copyFileData(source, file.number()) &&
-           completeCopy(source, file.number(), information) && closeWell(file);
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0600));
+    return file && (!place.isForeign || system::removeInheritedAccessList(file.number())) &&
+           system::copyFileData(source, file.number()) && completeCopy(source, file.number(), information) &&
+           closeWell(file);
 }
 
 bool copySpecialItem(const struct stat& information, const CopyPlace& place) {
-    if (!makeSpecialItem(information, place)) {
+    system::HeldItem source;
+    system::HeldItem item;
+    struct stat made;
+    if (!source.hold(place.sourceFolder, place.sourceName) || !hasSpareDescriptor(place.destinationFolder) ||
+        !makeSpecialItem(information, place) || !item.hold(place.destinationFolder, place.destinationName) ||
+        !item.getInformation(made)) {
         return false;
     }
-    const int folder = place.destinationFolder;
-    const char* const name = place.destinationName;
-    const bool isOwnerKept =
-        ::fchownat(folder, name, information.st_uid, information.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
-    if (!S_ISLNK(information.st_mode)) {
-        // Nobody could have put a link in its place: its name is in a folder that only its maker may change,
-        // or it is the copy's own name, and then only the permissions of a pipe are at stake.
-        struct stat made;
-        if (::fstatat(folder, name, &made, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(made.st_mode) ||
-            ::fchmodat(folder, name, permissionsOf(information, isOwnerKept), 0) != 0) {
-            return false;
-        }
+    if (!isOurs(made, information)) {
+        errno = ESTALE;
+        return false;
     }
-    return setTimes(folder, name, information);
+    const auto setOwner = [&](uid_t owner, gid_t group) {
+        return item.setOwner(owner, group);
+    };
+    if (!takeOwner(information, made, setOwner,
+                   [&](struct stat& found) { return item.getInformation(found); }) ||
+        (place.isForeign && !item.removeInheritedAccessList())) {
+        return false;
+    }
+    const system::AttributesCopied attributes = item.takeExtendedAttributes(source);
+    if (attributes == system::AttributesCopied::failed ||
+        (!S_ISLNK(made.st_mode) && !item.setPermissions(permissionsFor(made, information, attributes)))) {
+        return false;
+    }
+    return item.setTimes({accessTime(information), modificationTime(information)});
 }
 
-bool makeCopyFolder(const CopyPlace& place, Descriptor& folder) noexcept {
-    if (::mkdirat(place.destinationFolder, place.destinationName, 0700) != 0) {
+bool makeCopyFolder(const CopyPlace& place, Descriptor& folder) {
+    if (!hasSpareDescriptor(place.destinationFolder) ||
+        ::mkdirat(place.destinationFolder, place.destinationName, 0700) != 0) {
         return false;
     }
-    folder = Descriptor(openAt(place.destinationFolder, place.destinationName,
-                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    struct stat made;
-    if (!folder || ::fstat(folder.number(), &made) != 0) {
-        return false;
-    }
-    if (made.st_uid != ::geteuid() || (made.st_mode & 0077) != 0) {
-        errno = ESTALE; // somebody has put another folder in its place
-        return false;
-    }
-    return true;
+    folder = Descriptor(openAt(place.destinationFolder, place.destinationName, folderFlags));
+    return folder && (!place.isForeign || (isFolderOurs(folder.number(), place.destinationFolder) &&
+                                           system::removeInheritedAccessList(folder.number())));
 }
 
 } // namespace ZQFoundation::detail

@@ -8,8 +8,8 @@
 #include "foundation/files/Descriptor.h"
 
 /// Copies of single items, made below open folders. A copy is made under a name at which nothing stands,
-/// never through a link, and can be read by its maker only until it is complete. All answer false with
-/// `errno`.
+/// never through a link, and is open to its maker only until it is complete. All answer false with `errno`;
+/// what was made until then stays.
 namespace ZQFoundation::detail {
 
 /// Where an item is to be copied from and to.
@@ -18,6 +18,10 @@ struct CopyPlace {
     const char* sourceName;
     int destinationFolder;
     const char* destinationName;
+
+    /// Whether the destination folder is one that the copy did not make: others may work in it, and its
+    /// access list may be handed down to new items.
+    bool isForeign;
 };
 
 /// A regular file, already open and looked at.
@@ -28,7 +32,7 @@ bool copyRegularFile(int source, const struct stat& information, const CopyPlace
 bool copySpecialItem(const struct stat& information, const CopyPlace& place);
 
 /// Makes the folder of a copy, closed to others, and opens it.
-bool makeCopyFolder(const CopyPlace& place, Descriptor& folder) noexcept;
+bool makeCopyFolder(const CopyPlace& place, Descriptor& folder);
 
 /// Gives a complete copy the owner where that is allowed, attributes, access lists, permissions and times of
 /// the source.

@@ -6,65 +6,64 @@
 #include <dirent.h>
 
 #include "foundation/files/FileError.h"
+#include "foundation/files/FolderNames.h"
 #include "foundation/files/ItemCopy.h"
-#include "foundation/files/ItemIdentity.h"
 #include "foundation/files/NSFileManager.h"
+#include "foundation/files/OpenFolders.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/FileSystem.h"
 
 namespace ZQFoundation {
 
 using detail::CopyPlace;
 using detail::Descriptor;
+using detail::folderFlags;
+using detail::FolderNames;
+using detail::OpenFolders;
 
 namespace {
-
-constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 /// Without O_NONBLOCK a pipe that has just taken the file's place would keep us waiting.
 constexpr int fileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-/// The names in an open folder, each with NUL behind it. Read as a whole, so that a folder which is being
-/// filled comes to an end. False with `errno`.
-bool readNames(int folder, std::vector<char>& names) {
-    Descriptor own(detail::openAt(folder, ".", folderFlags));
-    DIR* const stream = own ? ::fdopendir(own.number()) : nullptr;
-    if (stream == nullptr) {
-        return false;
+/// As deep as a tree may reasonably be; a file system that answers ".." in a circle does not keep us for
+/// ever.
+constexpr int mostLevelsUp = 1 << 20;
+
+/// What the listing said may be out of date, or the item was exchanged since it was looked at.
+bool isStill(mode_t kind, const struct stat& information) noexcept {
+    if ((information.st_mode & S_IFMT) == kind) {
+        return true;
     }
-    own.release();
-    errno = 0;
-    while (const dirent* const entry = ::readdir(stream)) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            names.insert(names.end(), entry->d_name, entry->d_name + std::strlen(entry->d_name) + 1);
-        }
-    }
-    const int error = errno;
-    ::closedir(stream);
-    errno = error;
-    return error == 0;
+    errno = ESTALE;
+    return false;
 }
 
-bool isSame(const struct stat& left, const struct stat& right) noexcept {
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+bool copyFile(const CopyPlace& place) {
+    const Descriptor file(detail::openAt(place.sourceFolder, place.sourceName, fileFlags));
+    struct stat information;
+    return file && ::fstat(file.number(), &information) == 0 && isStill(S_IFREG, information) &&
+           detail::copyRegularFile(file.number(), information, place);
 }
+
+bool isTooManyOpen(int error) noexcept { return error == EMFILE || error == ENFILE; }
 
 /// Copies a folder with all that is in it, below open folders, so that nothing that others exchange meanwhile
-/// leads it elsewhere. Two folders are open at once at any depth; the way back goes through "..", which must
-/// lead to the folder that it came from. Takes memory for the depth, not stack. Stops at the first failure.
+/// leads it elsewhere. Takes memory for the depth, not stack, and a bounded number of descriptors. Stops at
+/// the first failure.
 class TreeCopy {
 public:
+    /// `path` serves for the telling of errors.
     explicit TreeCopy(std::string path) : path_(std::move(path)) {}
 
     /// False with `errno`; `path()` is then what could not be copied.
     bool run(Descriptor source, const CopyPlace& place) {
-        if (!enter(static_cast<Descriptor&&>(source), place)) {
+        if (!enter(std::move(source), place)) {
             return false;
         }
         while (!levels_.empty()) {
-            Level& level = levels_.back();
-            const bool done = level.next == level.names.size() ? leave() : copyNext(level);
-            if (!done) {
+            if (!(levels_.back().names.isAtEnd() ? leave() : copyNext(levels_.back()))) {
                 return false;
             }
         }
@@ -75,153 +74,231 @@ public:
 
 private:
     struct Level {
-        struct stat source;
-        struct stat destination;
-        std::vector<char> names;
-        std::size_t next = 0;
-        std::size_t pathLength = 0; ///< of what leads to this folder
+        struct stat information; ///< of the source, as it was before it was read
+        FolderNames names;
+        std::size_t pathLength; ///< of what leads to this folder
     };
 
     bool enter(Descriptor source, const CopyPlace& place) {
-        Level level;
-        Descriptor destination;
-        level.pathLength = path_.size();
-        if (::fstat(source.number(), &level.source) != 0) {
+        Level level{{}, {}, path_.size()};
+        Descriptor made;
+        if (::fstat(source.number(), &level.information) != 0 || !isOutsideTheCopy(level.information) ||
+            !level.names.read(source.number()) || !detail::makeCopyFolder(place, made) ||
+            (levels_.empty() && ::fstat(made.number(), &firstMade_) != 0) ||
+            !sources_.push(std::move(source)) || !destinations_.push(std::move(made))) {
             return false;
         }
-        // A mount can put the copy inside its source where no way upwards shows it.
-        if (!levels_.empty() && isSame(level.source, levels_.front().destination)) {
-            errno = EINVAL;
-            return false;
-        }
-        if (!detail::makeCopyFolder(place, destination) ||
-            ::fstat(destination.number(), &level.destination) != 0 ||
-            !readNames(source.number(), level.names)) {
-            return false;
-        }
-        source_ = static_cast<Descriptor&&>(source);
-        destination_ = static_cast<Descriptor&&>(destination);
         levels_.push_back(std::move(level));
         return true;
     }
 
+    /// A mount can put the copy inside its source where no way upwards shows it.
+    bool isOutsideTheCopy(const struct stat& source) const noexcept {
+        if (!levels_.empty() && detail::isSameItem(source, firstMade_)) {
+            errno = EINVAL;
+            return false;
+        }
+        return true;
+    }
+
     bool copyNext(Level& level) {
-        const char* const name = level.names.data() + level.next;
-        level.next += std::strlen(name) + 1;
+        const FolderNames::Entry entry = level.names.next();
         path_.resize(level.pathLength);
-        path_.append("/").append(name);
-        const CopyPlace place{source_.number(), name, destination_.number(), name};
+        path_.append("/").append(entry.name);
+        bool isCopied = copyEntry(entry);
+        // Too many descriptors are noticed before anything is made.
+        while (!isCopied && isTooManyOpen(errno) && (sources_.closeOne() || destinations_.closeOne())) {
+            isCopied = copyEntry(entry);
+        }
+        return isCopied;
+    }
+
+    bool copyEntry(const FolderNames::Entry& entry) {
+        const CopyPlace place{sources_.current(), entry.name, destinations_.current(), entry.name, false};
+        switch (entry.kind) {
+        case DT_REG:
+            return copyFile(place);
+        case DT_DIR:
+            return copyFolder(place);
+        default:
+            return copyOther(place);
+        }
+    }
+
+    /// What is no file and no folder, or is not told to be one.
+    bool copyOther(const CopyPlace& place) {
         struct stat information;
-        if (::fstatat(place.sourceFolder, name, &information, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (::fstatat(place.sourceFolder, place.sourceName, &information, AT_SYMLINK_NOFOLLOW) != 0) {
             return false;
         }
         if (S_ISDIR(information.st_mode)) {
-            Descriptor folder(detail::openAt(place.sourceFolder, name, folderFlags));
-            return folder && enter(static_cast<Descriptor&&>(folder), place);
+            return copyFolder(place);
         }
         return S_ISREG(information.st_mode) ? copyFile(place) : detail::copySpecialItem(information, place);
     }
 
-    static bool copyFile(const CopyPlace& place) {
-        const Descriptor file(detail::openAt(place.sourceFolder, place.sourceName, fileFlags));
-        struct stat information;
-        if (!file || ::fstat(file.number(), &information) != 0) {
-            return false;
-        }
-        if (!S_ISREG(information.st_mode)) {
-            errno = ESTALE;
-            return false;
-        }
-        return detail::copyRegularFile(file.number(), information, place);
+    bool copyFolder(const CopyPlace& place) {
+        Descriptor folder(detail::openAt(place.sourceFolder, place.sourceName, folderFlags));
+        return folder && enter(std::move(folder), place);
     }
 
+    /// The way back must be open before the copy gets its permissions, which may not let it through.
     bool leave() {
         path_.resize(levels_.back().pathLength);
-        // As it was at the start: the reading has changed its times.
-        if (!detail::completeCopy(source_.number(), destination_.number(), levels_.back().source)) {
+        if (!sources_.reopenParent() || !destinations_.reopenParent() ||
+            !detail::completeCopy(sources_.current(), destinations_.current(), levels_.back().information)) {
             return false;
         }
         levels_.pop_back();
-        if (levels_.empty()) {
-            return true;
-        }
-        return goUp(source_, levels_.back().source) && goUp(destination_, levels_.back().destination);
-    }
-
-    static bool goUp(Descriptor& folder, const struct stat& expected) noexcept {
-        Descriptor parent(detail::openAt(folder.number(), "..", folderFlags));
-        struct stat information;
-        if (!parent || ::fstat(parent.number(), &information) != 0) {
-            return false;
-        }
-        if (!isSame(information, expected)) {
-            errno = ESTALE; // somebody has moved the folder away
-            return false;
-        }
-        folder = static_cast<Descriptor&&>(parent);
+        sources_.pop();
+        destinations_.pop();
         return true;
     }
 
     std::string path_;
-    Descriptor source_;
-    Descriptor destination_;
     std::vector<Level> levels_;
+    OpenFolders sources_;
+    OpenFolders destinations_;
+    struct stat firstMade_ {}; ///< the copy of the start
 };
 
-/// Without slashes at the end, which would make the system follow a link.
-std::string bareOf(const std::string& path) {
-    const std::size_t last = path.find_last_not_of('/');
-    return last == std::string::npos ? path.substr(0, 1) : path.substr(0, last + 1);
+/// Whether the folder is one of those that lead from the root to `place`, or that one itself.
+bool isAtOrAbove(const struct stat& folder, int place) {
+    Descriptor opened;
+    struct stat below {};
+    for (int level = 0; level < mostLevelsUp; ++level) {
+        struct stat information;
+        const int current = opened ? opened.number() : place;
+        if (::fstat(current, &information) != 0) {
+            return false;
+        }
+        if (detail::isSameItem(information, folder)) {
+            return true;
+        }
+        if (level > 0 && detail::isSameItem(information, below)) {
+            return false; // the root is its own parent
+        }
+        below = information;
+        opened = Descriptor(detail::openAt(current, "..", detail::system::openForSearch));
+        if (!opened) {
+            return false;
+        }
+    }
+    return false;
 }
 
-/// False with `errno`; `failed` is then what could not be copied.
-bool copyItem(const std::string& sourcePath, const std::string& destinationPath, std::string& failed) {
-    detail::PathHandle source;
-    detail::PathHandle destination;
-    struct stat information;
-    failed = sourcePath;
-    const std::string bareSource = bareOf(sourcePath);
-    if (!source.reach(bareSource) ||
-        ::fstatat(source.folder(), source.name(), &information, AT_SYMLINK_NOFOLLOW) != 0) {
-        return false;
+/// What an item is to become: a name in a folder that is opened once, so that all happens in the same one.
+class CopyTarget {
+public:
+    /// False with `errno`, also when something stands there.
+    bool open(const std::string& path) {
+        const std::string bare = withoutEndSlashes(path);
+        const std::size_t start = bare.rfind('/') + 1; // 0 without a slash
+        name_ = bare.substr(start);
+        if (name_.empty()) {
+            name_.push_back('.'); // of the root folder
+        }
+        const std::string parent = start == 0 ? "." : bare.substr(0, start);
+        detail::PathHandle handle;
+        if (!handle.reach(parent)) {
+            return false;
+        }
+        folder_ = Descriptor(detail::openAt(handle.folder(), handle.name(), detail::system::openForSearch));
+        struct stat present;
+        if (!folder_) {
+            return false;
+        }
+        if (::fstatat(folder(), name(), &present, AT_SYMLINK_NOFOLLOW) == 0) {
+            errno = EEXIST;
+            return false;
+        }
+        return errno == ENOENT;
     }
-    if (bareSource.size() != sourcePath.size() && S_ISREG(information.st_mode)) {
-        errno = ENOTDIR;
-        return false;
+
+    int folder() const noexcept { return folder_.number(); }
+    const char* name() const noexcept { return name_.c_str(); }
+
+    static std::string withoutEndSlashes(const std::string& path) {
+        return path.substr(0, path.find_last_not_of('/') + 1);
     }
-    failed = destinationPath;
-    if (!destination.reach(destinationPath)) {
-        return false;
+
+private:
+    Descriptor folder_;
+    std::string name_;
+};
+
+/// One call: a source and a target.
+class ItemCopy {
+public:
+    ItemCopy(const std::string& source, const std::string& destination)
+        : source_(source), destination_(destination) {}
+
+    /// False with `errno`; `failed()` is then what could not be copied or made.
+    bool run() {
+        struct stat information;
+        if (!look(information)) {
+            return false;
+        }
+        failed_ = destination_;
+        if (!target_.open(destination_)) {
+            return false;
+        }
+        const CopyPlace place{handle_.folder(), handle_.name(), target_.folder(), target_.name(), true};
+        failed_ = source_;
+        if (S_ISDIR(information.st_mode)) {
+            return copyTree(place);
+        }
+        if (!S_ISREG(information.st_mode)) {
+            return detail::copySpecialItem(information, place);
+        }
+        return copyFile(place);
     }
-    struct stat present;
-    if (::fstatat(destination.folder(), destination.name(), &present, AT_SYMLINK_NOFOLLOW) == 0) {
-        errno = EEXIST;
-        return false;
+
+    const std::string& failed() const noexcept { return failed_; }
+
+private:
+    bool look(struct stat& information) {
+        failed_ = source_;
+        // A slash at the end would make the system follow a link.
+        bareSource_ = CopyTarget::withoutEndSlashes(source_);
+        const bool mustBeFolder = bareSource_.size() != source_.size();
+        bareSource_ = bareSource_.empty() ? "/" : bareSource_;
+        if (!handle_.reach(bareSource_) ||
+            ::fstatat(handle_.folder(), handle_.name(), &information, AT_SYMLINK_NOFOLLOW) != 0) {
+            return false;
+        }
+        if (mustBeFolder && !S_ISDIR(information.st_mode)) {
+            errno = ENOTDIR;
+            return false;
+        }
+        return true;
     }
-    const CopyPlace place{source.folder(), source.name(), destination.folder(), destination.name()};
-    if (!S_ISDIR(information.st_mode) && !S_ISREG(information.st_mode)) {
-        return detail::copySpecialItem(information, place);
+
+    bool copyTree(const CopyPlace& place) {
+        Descriptor folder(detail::openAt(place.sourceFolder, place.sourceName, folderFlags));
+        struct stat information;
+        if (!folder || ::fstat(folder.number(), &information) != 0) {
+            return false;
+        }
+        if (isAtOrAbove(information, place.destinationFolder)) {
+            errno = EINVAL;
+            return false;
+        }
+        TreeCopy tree(bareSource_);
+        const bool isCopied = tree.run(std::move(folder), place);
+        const int error = errno;
+        failed_ = tree.path();
+        errno = error;
+        return isCopied;
     }
-    const int flags = S_ISDIR(information.st_mode) ? folderFlags : fileFlags;
-    Descriptor item(detail::openAt(source.folder(), source.name(), flags));
-    if (!item || ::fstat(item.number(), &information) != 0) {
-        failed = sourcePath;
-        return false;
-    }
-    if (S_ISREG(information.st_mode)) {
-        return detail::copyRegularFile(item.number(), information, place);
-    }
-    if (!S_ISDIR(information.st_mode)) {
-        errno = ESTALE;
-        return false;
-    }
-    TreeCopy tree(sourcePath);
-    const bool done = tree.run(static_cast<Descriptor&&>(item), place);
-    const int reason = errno;
-    failed = tree.path();
-    errno = reason;
-    return done;
-}
+
+    const std::string& source_;
+    const std::string& destination_;
+    std::string bareSource_;
+    detail::PathHandle handle_;
+    CopyTarget target_;
+    std::string failed_;
+};
 
 } // namespace
 
@@ -238,12 +315,10 @@ bool NSFileManager::copyItemAtPath_toPath_error(StringView source, StringView de
         detail::tellError(errorText, destination, errno);
         return false;
     }
-    std::string failed = destinationBytes;
-    errno = EINVAL;
-    // Inside itself a folder would be copied without end.
-    if (detail::standsInside(NSString(destination), NSString(source)) ||
-        !copyItem(sourceBytes, bareOf(destinationBytes), failed)) {
-        detail::tellErrorOfBytes(errorText, failed, errno);
+    ItemCopy copy(sourceBytes, destinationBytes);
+    if (!copy.run()) {
+        const int error = errno;
+        detail::tellErrorOfBytes(errorText, copy.failed(), error);
         return false;
     }
     detail::tellSuccess(errorText);

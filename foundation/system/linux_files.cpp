@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: MIT
-// The data and the attributes of files, by the means that this kernel offers.
+// The data of files, by the means that this kernel offers.
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <cstring>
+#include <cstdint>
 #include <memory>
-#include <string>
+#include <new>
 
 #include "foundation/system/FileSystem.h"
 
@@ -21,11 +19,11 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
-/// At once through our own memory, when nothing better is to be had.
-constexpr std::size_t bufferBytes = std::size_t{256} << 10;
+/// Up to here it takes longer to ask for something better than to copy through a buffer on the stack.
+constexpr std::size_t smallFile = std::size_t{32} << 10;
 
-/// Small files are not worth asking for anything better.
-constexpr off_t smallFile = 64 << 10;
+/// At once through our own memory, when nothing better is to be had.
+constexpr std::size_t bufferBytes = std::size_t{128} << 10;
 
 /// A file that grows while it is copied is followed so often, not for ever.
 constexpr int mostExtensions = 16;
@@ -33,12 +31,22 @@ constexpr int mostExtensions = 16;
 /// As much as one call is asked to move; the kernel stops a little below 2 GiB anyway.
 constexpr std::size_t mostAtOnce = std::size_t{1} << 30;
 
-enum class Means { copyFileRange, sendfile, buffer };
-
 /// What says that the kernel cannot do it this way, rather than that it cannot be done.
 bool isRefusal(int error) noexcept {
-    return error == EXDEV || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM ||
-           error == ETXTBSY || error == EBADF || error == EOVERFLOW;
+    switch (error) {
+    case EXDEV:
+    case EINVAL:
+    case ENOSYS:
+    case EOPNOTSUPP:
+    case EPERM:
+    case EACCES:
+    case ETXTBSY:
+    case EBADF:
+    case EOVERFLOW:
+        return true;
+    default:
+        return false;
+    }
 }
 
 /// Where a write would raise a signal; the calls that move data in the kernel do so too.
@@ -49,69 +57,99 @@ off_t fileSizeLimit() noexcept {
     return isLimited ? static_cast<off_t>(limit.rlim_cur) : INT64_MAX;
 }
 
+/// Whether the file takes less room than its size says.
+bool mayHaveHoles(const struct stat& information) noexcept {
+    return information.st_blocks < information.st_size / 512;
+}
+
 /// Copies stretches of one file to the same places of another.
 class DataCopy {
 public:
-    DataCopy(int source, int destination) noexcept
-        : source_(source), destination_(destination), limit_(fileSizeLimit()) {}
+    DataCopy(int source, int destination, DataMeans first) noexcept
+        : source_(source), destination_(destination), limit_(fileSizeLimit()), means_(first) {}
 
     bool run() {
         struct stat information;
         if (::fstat(source_, &information) != 0) {
             return false;
         }
-        if (information.st_size <= smallFile) {
-            means_ = Means::buffer;
-            return copyThroughBuffer(0, INT64_MAX);
+        const off_t size = information.st_size;
+        if (size <= static_cast<off_t>(smallFile) && !mayHaveHoles(information)) {
+            return copySmallFile(size);
         }
-        if (information.st_size <= limit_ && ::ioctl(destination_, FICLONE, source_) == 0) {
-            return true;
+        if (means_ == DataMeans::clone) {
+            // A clone is made whole or not at all, and a limit would raise the signal.
+            if (limit_ == INT64_MAX && ::ioctl(destination_, FICLONE, source_) == 0) {
+                return true;
+            }
+            means_ = DataMeans::rangeCopy;
         }
-        off_t done = 0;
-        for (int extension = 0; done < information.st_size && extension < mostExtensions; ++extension) {
+        return copySegments(0, size) && followGrowth(size);
+    }
+
+private:
+    bool copySmallFile(off_t size) {
+        char bytes[smallFile + 1];
+        const ssize_t count = readSome(bytes, sizeof bytes, 0);
+        if (count < 0 || !writeAll(bytes, count, 0)) {
+            return false;
+        }
+        if (count == 0 || (size > 0 && count < static_cast<ssize_t>(sizeof bytes))) {
+            return true; // less than was asked for: that is the end
+        }
+        struct stat information;
+        if (::fstat(source_, &information) != 0) {
+            return false;
+        }
+        // The kernel makes the contents of some files up while they are read, and says that their size is 0.
+        return information.st_size > 0 ? followGrowth(count) : copyThroughBuffer(count, INT64_MAX);
+    }
+
+    /// What was written behind `done` while the rest was copied.
+    bool followGrowth(off_t done) {
+        struct stat information;
+        for (int extension = 0; extension < mostExtensions; ++extension) {
+            if (::fstat(source_, &information) != 0) {
+                return false;
+            }
+            if (information.st_size <= done) {
+                return true;
+            }
             if (!copySegments(done, information.st_size)) {
                 return false;
             }
             done = information.st_size;
-            if (::fstat(source_, &information) != 0) {
-                return false;
-            }
         }
         return true;
     }
 
-private:
     /// Copies what is data from `start` to `end`; the holes between are only made as long.
     bool copySegments(off_t start, off_t end) {
         while (start < end) {
             off_t data = ::lseek(source_, start, SEEK_DATA);
             if (data < 0 && errno == ENXIO) {
-                break; // a hole up to the end
+                return endWithHole(end);
             }
             off_t hole = data < 0 ? end : ::lseek(source_, data, SEEK_HOLE);
             data = data < 0 ? start : data; // the file system does not tell
             hole = hole < 0 ? end : std::min(hole, end);
             if (data >= end) {
-                break;
+                return endWithHole(end);
             }
             if (!copyStretch(data, hole)) {
                 return false;
             }
             start = hole;
         }
-        return makeAsLong(end);
+        return true;
     }
 
-    bool makeAsLong(off_t end) noexcept {
-        struct stat written;
+    bool endWithHole(off_t end) noexcept {
         struct stat source;
-        if (::fstat(destination_, &written) != 0 || ::fstat(source_, &source) != 0) {
+        if (::fstat(source_, &source) != 0) {
             return false;
         }
         end = std::min(end, source.st_size); // it may have shrunk
-        if (written.st_size >= end) {
-            return true;
-        }
         if (end > limit_) {
             errno = EFBIG;
             return false;
@@ -120,18 +158,17 @@ private:
     }
 
     bool copyStretch(off_t start, off_t end) {
-        while (start < end && means_ != Means::buffer) {
+        while (start < end && means_ != DataMeans::buffer) {
             const ssize_t moved = moveInKernel(start, end);
             if (moved > 0) {
                 start += moved;
             } else if (moved == 0) {
-                return copyThroughBuffer(start,
-                                         end); // shorter than it was, or the kernel does not know how long
+                break; // shorter than it was, or the kernel does not know how long
             } else if (errno != EINTR) {
                 if (!isRefusal(errno)) {
                     return false;
                 }
-                means_ = means_ == Means::copyFileRange ? Means::sendfile : Means::buffer;
+                means_ = means_ == DataMeans::rangeCopy ? DataMeans::transfer : DataMeans::buffer;
             }
         }
         return start >= end || copyThroughBuffer(start, end);
@@ -145,12 +182,11 @@ private:
         }
         const auto wanted = static_cast<std::size_t>(std::min(end - start, room));
         const std::size_t count = std::min(wanted, mostAtOnce);
-        if (means_ == Means::copyFileRange) {
-            off_t from = start;
+        off_t from = start;
+        if (means_ == DataMeans::rangeCopy) {
             off_t to = start;
             return ::copy_file_range(source_, &from, destination_, &to, count, 0);
         }
-        off_t from = start;
         if (::lseek(destination_, start, SEEK_SET) < 0) {
             return -1;
         }
@@ -164,11 +200,8 @@ private:
         }
         while (start < end) {
             const auto wanted = static_cast<std::size_t>(std::min<off_t>(end - start, bufferBytes));
-            const ssize_t count = ::pread(source_, buffer_.get(), wanted, start);
-            if (count < 0 && errno == EINTR) {
-                continue;
-            }
-            if (count < 0 || (count > 0 && !writeAll(buffer_.get(), count, start))) {
+            const ssize_t count = readSome(buffer_.get(), wanted, start);
+            if (count < 0 || !writeAll(buffer_.get(), count, start)) {
                 return false;
             }
             if (count == 0) {
@@ -179,7 +212,15 @@ private:
         return true;
     }
 
-    bool writeAll(const char* bytes, ssize_t count, off_t at) noexcept {
+    ssize_t readSome(char* bytes, std::size_t wanted, off_t at) const noexcept {
+        ssize_t count = -1;
+        do {
+            count = ::pread(source_, bytes, wanted, at);
+        } while (count < 0 && errno == EINTR);
+        return count;
+    }
+
+    bool writeAll(const char* bytes, ssize_t count, off_t at) const noexcept {
         while (count > 0) {
             if (at >= limit_) {
                 errno = EFBIG;
@@ -204,98 +245,18 @@ private:
     int source_;
     int destination_;
     off_t limit_;
-    Means means_ = Means::copyFileRange;
+    DataMeans means_;
     std::unique_ptr<char[]> buffer_;
 };
 
-bool beginsWith(const char* text, const char* start) noexcept {
-    return std::strncmp(text, start, std::strlen(start)) == 0;
-}
-
-/// The list of names, each ended by NUL. False with `errno`.
-bool readNames(int source, std::string& names) {
-    for (;;) {
-        const ssize_t needed = ::flistxattr(source, nullptr, 0);
-        if (needed <= 0) {
-            names.clear();
-            return needed == 0 || errno == ENOTSUP || errno == ENOSYS;
-        }
-        names.resize(static_cast<std::size_t>(needed));
-        const ssize_t count = ::flistxattr(source, names.data(), names.size());
-        if (count >= 0) {
-            names.resize(static_cast<std::size_t>(count));
-            return true;
-        }
-        if (errno != ERANGE) {
-            return false;
-        }
-    }
-}
-
-/// False with `errno`.
-bool readValue(int source, const char* name, std::string& value) {
-    for (;;) {
-        const ssize_t needed = ::fgetxattr(source, name, nullptr, 0);
-        if (needed < 0) {
-            return false;
-        }
-        value.resize(static_cast<std::size_t>(needed) + 1); // a length of 0 would only ask again
-        const ssize_t count = ::fgetxattr(source, name, value.data(), value.size());
-        if (count >= 0) {
-            value.resize(static_cast<std::size_t>(count));
-            return true;
-        }
-        if (errno != ERANGE) {
-            return false;
-        }
-    }
-}
-
-bool isAccessList(const char* name) noexcept { return beginsWith(name, "system.posix_acl_"); }
-
-/// Whether an attribute that could not be given may be left out.
-bool mayBeLeftOut(const char* name, int error) noexcept {
-    if (error == ENOTSUP || error == ENODATA) {
-        return true; // no place for it there, or it has just been removed
-    }
-    return !beginsWith(name, "user.") && !isAccessList(name) &&
-           (error == EPERM || error == EACCES || error == EINVAL);
-}
-
 } // namespace
 
-bool copyFileData(int source, int destination) noexcept {
+bool copyFileData(int source, int destination, DataMeans first) noexcept {
     try {
-        return DataCopy(source, destination).run();
+        return DataCopy(source, destination, first).run();
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
         return false;
-    }
-}
-
-AttributesCopied copyExtendedAttributes(int source, int destination) noexcept {
-    try {
-        std::string names;
-        std::string value;
-        AttributesCopied result = AttributesCopied::all;
-        if (!readNames(source, names)) {
-            return AttributesCopied::failed;
-        }
-        for (std::size_t at = 0; at < names.size(); at += std::strlen(names.c_str() + at) + 1) {
-            const char* const name = names.c_str() + at;
-            if (readValue(source, name, value) &&
-                ::fsetxattr(destination, name, value.data(), value.size(), 0) == 0) {
-                continue;
-            }
-            if (!mayBeLeftOut(name, errno)) {
-                return AttributesCopied::failed;
-            }
-            result = isAccessList(name) ? AttributesCopied::withoutAccessList : result;
-        }
-        return result;
-    } catch (const std::bad_alloc&) {
-        errno = ENOMEM;
-        return AttributesCopied::failed;
     }
 }
 

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_SYSTEM_HELDITEM_H
+#define ZQFOUNDATION_SYSTEM_HELDITEM_H
+
+#include <sys/stat.h>
+
+#include "foundation/system/FileSystem.h"
+
+namespace ZQFoundation::detail::system {
+
+/// A link, pipe, socket or device itself, held so that its owner, permissions and times can be changed
+/// without opening it, and, where the system can, so that nothing which takes its name later is changed
+/// instead. No link is followed in any case. All answer false with `errno`.
+class HeldItem {
+public:
+    HeldItem() noexcept = default;
+    HeldItem(const HeldItem&) = delete;
+    HeldItem& operator=(const HeldItem&) = delete;
+    ~HeldItem();
+
+    /// Once for each object; folder and name must outlive it.
+    bool hold(int folder, const char* name) noexcept;
+
+    bool getInformation(struct stat& information) const noexcept;
+    bool setOwner(uid_t owner, gid_t group) const noexcept;
+    bool setPermissions(mode_t permissions) const noexcept;
+    bool setTimes(const timespec (&accessAndModification)[2]) const noexcept;
+
+    /// As for open files.
+    AttributesCopied takeExtendedAttributes(const HeldItem& source) const noexcept;
+    bool removeInheritedAccessList() const noexcept;
+
+private:
+    int folder_ = -1;
+    const char* name_ = nullptr;
+    int descriptor_ = -1;
+};
+
+} // namespace ZQFoundation::detail::system
+
+#endif

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+// Extended attributes and access lists, and items that are not opened.
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "foundation/system/HeldItem.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+constexpr char accessList[] = "system.posix_acl_access";
+constexpr char listForNewItems[] = "system.posix_acl_default";
+
+/// The attributes of an open file or folder.
+class OpenItem {
+public:
+    explicit OpenItem(int descriptor) noexcept : descriptor_(descriptor) {}
+    ssize_t list(char* names, std::size_t size) const noexcept {
+        return ::flistxattr(descriptor_, names, size);
+    }
+    ssize_t get(const char* name, char* value, std::size_t size) const noexcept {
+        return ::fgetxattr(descriptor_, name, value, size);
+    }
+    bool set(const char* name, const std::string& value) const noexcept {
+        return ::fsetxattr(descriptor_, name, value.data(), value.size(), 0) == 0;
+    }
+    bool remove(const char* name) const noexcept { return ::fremovexattr(descriptor_, name) == 0; }
+
+private:
+    int descriptor_;
+};
+
+/// The path of a descriptor that stands for an item without having opened it. The system goes from there to
+/// the very item, be it a link.
+class DescriptorPath {
+public:
+    explicit DescriptorPath(int descriptor) noexcept {
+        *std::to_chars(text_ + sizeof folder - 1, text_ + sizeof text_, descriptor).ptr = '\0';
+    }
+    const char* text() const noexcept { return text_; }
+
+private:
+    static constexpr char folder[] = "/proc/self/fd/";
+    char text_[32] = "/proc/self/fd/";
+};
+
+/// The attributes of an item that is only held.
+class UnopenedItem {
+public:
+    explicit UnopenedItem(int descriptor) noexcept : path_(descriptor) {}
+    ssize_t list(char* names, std::size_t size) const noexcept {
+        return ::listxattr(path_.text(), names, size);
+    }
+    ssize_t get(const char* name, char* value, std::size_t size) const noexcept {
+        return ::getxattr(path_.text(), name, value, size);
+    }
+    bool set(const char* name, const std::string& value) const noexcept {
+        return ::setxattr(path_.text(), name, value.data(), value.size(), 0) == 0;
+    }
+    bool remove(const char* name) const noexcept { return ::removexattr(path_.text(), name) == 0; }
+
+private:
+    DescriptorPath path_;
+};
+
+bool beginsWith(const char* text, const char* start) noexcept {
+    return std::strncmp(text, start, std::strlen(start)) == 0;
+}
+
+/// Repeats a call that fills a buffer until the buffer is large enough. False with `errno`.
+template <class Call>
+bool readWhole(std::string& bytes, const Call& call) {
+    for (std::size_t size = 256;; size *= 2) {
+        bytes.resize(size);
+        const ssize_t count = call(bytes.data(), size);
+        if (count >= 0) {
+            bytes.resize(static_cast<std::size_t>(count));
+            return true;
+        }
+        if (errno != ERANGE || size > (std::size_t{1} << 20)) {
+            return false;
+        }
+    }
+}
+
+/// The list of names, each ended by NUL. False with `errno`.
+template <class Item>
+bool readNames(const Item& source, std::string& names) {
+    if (readWhole(names, [&](char* bytes, std::size_t size) { return source.list(bytes, size); })) {
+        return true;
+    }
+    names.clear();
+    return errno == ENOTSUP || errno == ENOSYS;
+}
+
+bool isAccessList(const char* name) noexcept { return beginsWith(name, "system.posix_acl_"); }
+
+/// Whether an attribute that could not be given may be left out.
+bool mayBeLeftOut(const char* name, int error) noexcept {
+    if (error == ENOTSUP || error == ENODATA) {
+        return true; // no place for it there, or it has just been removed
+    }
+    return !beginsWith(name, "user.") && !isAccessList(name) &&
+           (error == EPERM || error == EACCES || error == EINVAL);
+}
+
+template <class Item>
+AttributesCopied copyAll(const Item& source, const Item& destination) noexcept {
+    try {
+        std::string names;
+        std::string value;
+        AttributesCopied result = AttributesCopied::all;
+        if (!readNames(source, names)) {
+            return AttributesCopied::failed;
+        }
+        for (std::size_t at = 0; at < names.size(); at += std::strlen(names.c_str() + at) + 1) {
+            const char* const name = names.c_str() + at;
+            const auto get = [&](char* bytes, std::size_t size) {
+                return source.get(name, bytes, size);
+            };
+            if (readWhole(value, get) && destination.set(name, value)) {
+                continue;
+            }
+            if (!mayBeLeftOut(name, errno)) {
+                return AttributesCopied::failed;
+            }
+            result = std::strcmp(name, accessList) == 0 ? AttributesCopied::withoutAccessList : result;
+        }
+        return result;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return AttributesCopied::failed;
+    }
+}
+
+template <class Item>
+bool removeLists(const Item& item) noexcept {
+    for (const char* const name : {accessList, listForNewItems}) {
+        // What is no folder has no list for new items, which is told in several ways.
+        if (!item.remove(name) && errno != ENODATA && errno != ENOTSUP && errno != ENOSYS &&
+            errno != EACCES && errno != EINVAL) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+AttributesCopied copyExtendedAttributes(int source, int destination) noexcept {
+    return copyAll(OpenItem(source), OpenItem(destination));
+}
+
+bool removeInheritedAccessList(int item) noexcept { return removeLists(OpenItem(item)); }
+
+void copyCreationTime(int, int) noexcept {} // this kernel lets nobody set it
+
+HeldItem::~HeldItem() {
+    if (descriptor_ >= 0) {
+        const int error = errno;
+        ::close(descriptor_);
+        errno = error;
+    }
+}
+
+bool HeldItem::hold(int folder, const char* name) noexcept {
+    folder_ = folder;
+    name_ = name;
+    do {
+        descriptor_ = ::openat(folder, name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
+    } while (descriptor_ < 0 && errno == EINTR);
+    return descriptor_ >= 0;
+}
+
+bool HeldItem::getInformation(struct stat& information) const noexcept {
+    return ::fstat(descriptor_, &information) == 0;
+}
+
+bool HeldItem::setOwner(uid_t owner, gid_t group) const noexcept {
+    return ::fchownat(descriptor_, "", owner, group, AT_EMPTY_PATH) == 0;
+}
+
+bool HeldItem::setPermissions(mode_t permissions) const noexcept {
+#ifdef SYS_fchmodat2
+    if (::syscall(SYS_fchmodat2, descriptor_, "", permissions, AT_EMPTY_PATH) == 0) {
+        return true;
+    }
+    if (errno != ENOSYS && errno != EINVAL && errno != EPERM) {
+        return false;
+    }
+#endif
+    return ::chmod(DescriptorPath(descriptor_).text(), permissions) == 0;
+}
+
+bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexcept {
+    if (::utimensat(descriptor_, "", accessAndModification, AT_EMPTY_PATH) == 0) {
+        return true;
+    }
+    // Kernels before 5.8 refuse the flag.
+    return errno == EINVAL &&
+           ::utimensat(AT_FDCWD, DescriptorPath(descriptor_).text(), accessAndModification, 0) == 0;
+}
+
+AttributesCopied HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
+    const AttributesCopied copied = copyAll(UnopenedItem(source.descriptor_), UnopenedItem(descriptor_));
+    // Without a process file system there is no way to them.
+    return copied == AttributesCopied::failed && errno == ENOENT ? AttributesCopied::all : copied;
+}
+
+bool HeldItem::removeInheritedAccessList() const noexcept {
+    return removeLists(UnopenedItem(descriptor_)) || errno == ENOENT;
+}
+
+} // namespace ZQFoundation::detail::system

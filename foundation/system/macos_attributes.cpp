@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// Extended attributes and access lists, and items that are not opened.
+#include <copyfile.h>
+#include <fcntl.h>
+#include <sys/acl.h>
+#include <sys/attr.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "foundation/system/HeldItem.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+bool meansNoPlace(int error) noexcept { return error == ENOTSUP || error == EOPNOTSUPP; }
+
+} // namespace
+
+AttributesCopied copyExtendedAttributes(int source, int destination) noexcept {
+    if (::fcopyfile(source, destination, nullptr, COPYFILE_XATTR) != 0 && !meansNoPlace(errno)) {
+        return AttributesCopied::failed;
+    }
+    // Permissions say all about an item without a list here, so that nothing needs to be taken away when the
+    // list has no place.
+    if (::fcopyfile(source, destination, nullptr, COPYFILE_ACL) != 0 && !meansNoPlace(errno)) {
+        return AttributesCopied::failed;
+    }
+    return AttributesCopied::all;
+}
+
+bool removeInheritedAccessList(int item) noexcept {
+    acl_t none = ::acl_init(0);
+    if (none == nullptr) {
+        return false;
+    }
+    const bool removed = ::acl_set_fd_np(item, none, ACL_TYPE_EXTENDED) == 0 || meansNoPlace(errno);
+    const int error = errno;
+    ::acl_free(none);
+    errno = error;
+    return removed;
+}
+
+void copyCreationTime(int source, int destination) noexcept {
+    struct stat information;
+    if (::fstat(source, &information) != 0) {
+        return;
+    }
+    attrlist attributes{};
+    attributes.bitmapcount = ATTR_BIT_MAP_COUNT;
+    attributes.commonattr = ATTR_CMN_CRTIME;
+    timespec time = information.st_birthtimespec;
+    ::fsetattrlist(destination, &attributes, &time, sizeof time, 0);
+}
+
+HeldItem::~HeldItem() {
+    if (descriptor_ >= 0) {
+        const int error = errno;
+        ::close(descriptor_);
+        errno = error;
+    }
+}
+
+bool HeldItem::hold(int folder, const char* name) noexcept {
+    folder_ = folder;
+    name_ = name;
+    struct stat information;
+    if (!getInformation(information)) {
+        return false;
+    }
+    // Links can be opened as such; pipes, sockets and devices are reached by their names.
+    if (S_ISLNK(information.st_mode)) {
+        descriptor_ = ::openat(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC);
+    }
+    return true;
+}
+
+bool HeldItem::getInformation(struct stat& information) const noexcept {
+    return ::fstatat(folder_, name_, &information, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool HeldItem::setOwner(uid_t owner, gid_t group) const noexcept {
+    return ::fchownat(folder_, name_, owner, group, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool HeldItem::setPermissions(mode_t permissions) const noexcept {
+    return ::fchmodat(folder_, name_, permissions, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexcept {
+    return ::utimensat(folder_, name_, accessAndModification, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+AttributesCopied HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
+    return descriptor_ >= 0 && source.descriptor_ >= 0
+               ? copyExtendedAttributes(source.descriptor_, descriptor_)
+               : AttributesCopied::all;
+}
+
+bool HeldItem::removeInheritedAccessList() const noexcept {
+    return descriptor_ < 0 || system::removeInheritedAccessList(descriptor_);
+}
+
+} // namespace ZQFoundation::detail::system

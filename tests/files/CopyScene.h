@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// What the tests of copies share.
+#ifndef ZQFOUNDATION_TESTS_FILES_COPYSCENE_H
+#define ZQFOUNDATION_TESTS_FILES_COPYSCENE_H
+
+#include <cstdlib>
+#include <string>
+
+#include <sys/xattr.h>
+
+#include "tests/files/FileScene.h"
+
+namespace scene {
+
+inline bool copyItem(const std::string& from, const std::string& to,
+                     ZQFoundation::NSString* reason = nullptr) {
+    return ZQFoundation::NSFileManager::defaultManager().copyItemAtPath_toPath_error(fromBytes(from),
+                                                                                     fromBytes(to), reason);
+}
+
+/// Why a copy failed, "(nil)" when it did not.
+inline std::string reasonOfCopy(const std::string& from, const std::string& to) {
+    ZQFoundation::NSString reason("before");
+    const bool isCopied = copyItem(from, to, &reason);
+    EXPECT_EQ(isCopied, !reason) << from << " " << to;
+    return shownText(reason);
+}
+
+inline struct stat lookAt(const std::string& path) {
+    struct stat information {};
+    EXPECT_EQ(::lstat(path.c_str(), &information), 0) << path << ": " << std::strerror(errno);
+    return information;
+}
+
+inline void setTimes(const std::string& path, time_t accessed, time_t modified, long nanoseconds) {
+    const timespec times[2] = {{accessed, nanoseconds}, {modified, nanoseconds}};
+    EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << path;
+}
+
+/// Permissions and modification time in one comparable text.
+inline std::string stamp(const std::string& path) {
+    const struct stat information = lookAt(path);
+    return std::to_string(information.st_mode) + " " + std::to_string(information.st_mtim.tv_sec) + "." +
+           std::to_string(information.st_mtim.tv_nsec);
+}
+
+inline std::string attribute(const std::string& path, const char* name) {
+    char value[512];
+    const ssize_t length = ::lgetxattr(path.c_str(), name, value, sizeof value);
+    return length < 0 ? "(none)" : std::string(value, static_cast<std::size_t>(length));
+}
+
+/// An access list that lets one more user read, in the kernel's form: version 2, then kind, bits and id.
+inline std::string listForUser(unsigned char mask) {
+    const unsigned char none = 255;
+    const unsigned char list[] = {2,    0,    0,    0,    1,  0, 6, 0, none, none, none, none, 2,  0, 4,    0,
+                                  0xD2, 4,    0,    0,    4,  0, 0, 0, none, none, none, none, 16, 0, mask, 0,
+                                  none, none, none, none, 32, 0, 0, 0, none, none, none, none};
+    return {reinterpret_cast<const char*>(list), sizeof list};
+}
+
+inline bool setAttribute(const std::string& path, const char* name, const std::string& value) {
+    return ::lsetxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
+}
+
+/// For a scope scratch folders are in memory, where the machine has such a place: thousands of items would
+/// keep a disk busy. No thread may be running when it begins or ends.
+class ScratchInMemory {
+private:
+    Variable place_{"TMPDIR", ::access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR")};
+};
+
+inline constexpr char accessList[] = "system.posix_acl_access";
+inline constexpr char listForNewItems[] = "system.posix_acl_default";
+
+} // namespace scene
+
+#endif

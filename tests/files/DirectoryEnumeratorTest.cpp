@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <atomic>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "tests/files/CopyScene.h"
+
+using namespace ZQFoundation;
+using Names = std::vector<std::string>;
+
+namespace {
+
+NSDirectoryEnumerator itemsOf(const std::string& path) {
+    return NSFileManager::defaultManager().enumeratorAtPath(scene::fromBytes(path));
+}
+
+/// In the order in which they are told.
+Names told(const std::string& path) {
+    Names names;
+    NSDirectoryEnumerator items = itemsOf(path);
+    while (const NSString name = items.nextObject()) {
+        names.push_back(scene::bytesOf(name));
+    }
+    EXPECT_FALSE(items.nextObject()) << "the end stays the end";
+    return names;
+}
+
+Names sorted(Names names) {
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class DirectoryEnumerator : public testing::Test {
+protected:
+    std::string in(const std::string& name) const { return folder / name; }
+
+private:
+    scene::ScratchInMemory inMemory_;
+
+protected:
+    scene::Folder folder;
+};
+
+TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
+    folder.write("t/a.log", "");
+    folder.write("t/.dot/.inner", "");
+    folder.write("t/sub/deep/b", "");
+    folder.write("t/\xFF/\xC3\x28", "");
+    folder.makeFolder("t/empty");
+    folder.write("outside/x", "");
+    ASSERT_EQ(::symlink("../outside", in("t/link").c_str()), 0);
+    ASSERT_EQ(::symlink("no such", in("t/dangling").c_str()), 0);
+    ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
+    const Names names = told(in("t"));
+    EXPECT_EQ(sorted(names), sorted({"a.log", ".dot", ".dot/.inner", "sub", "sub/deep", "sub/deep/b", "\xFF",
+                                     "\xFF/\xC3\x28", "empty", "link", "dangling", "pipe"}));
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const std::size_t slash = names[index].rfind('/');
+        if (slash != std::string::npos) {
+            const auto parent = std::find(names.begin(), names.end(), names[index].substr(0, slash));
+            EXPECT_LT(parent - names.begin(), static_cast<std::ptrdiff_t>(index)) << names[index];
+        }
+    }
+}
+
+TEST_F(DirectoryEnumerator, theStartMayBeALinkAndMustBeAFolder) {
+    folder.write("t/f", "");
+    ASSERT_EQ(::symlink("t", in("l").c_str()), 0);
+    for (const char* const name : {"l", "l/", "t//", "t/.", "l/../t"}) {
+        EXPECT_EQ(told(in(name)), Names{"f"}) << name;
+    }
+    for (const char* const name : {"t/f", "t/f/", "no", "l/no"}) {
+        EXPECT_EQ(told(in(name)), Names{}) << name;
+    }
+    EXPECT_FALSE(NSFileManager::defaultManager().enumeratorAtPath(nullptr).nextObject());
+    EXPECT_FALSE(NSFileManager::defaultManager().enumeratorAtPath("").nextObject());
+    NSDirectoryEnumerator none;
+    none.skipDescendents();
+    EXPECT_FALSE(none.nextObject());
+}
+
+TEST_F(DirectoryEnumerator, skipsOnlyTheFolderThatWasToldLast) {
+    folder.write("t/a/x/f", "");
+    folder.write("t/b/y/f", "");
+    folder.write("t/c", "");
+    NSDirectoryEnumerator items = itemsOf(in("t"));
+    items.skipDescendents(); // nothing was told yet
+    Names names;
+    while (const NSString name = items.nextObject()) {
+        names.push_back(scene::bytesOf(name));
+        if (names.back() == "a" || names.back() == "b/y" || names.back() == "c") {
+            items.skipDescendents();
+            items.skipDescendents();
+        }
+    }
+    EXPECT_EQ(sorted(names), (Names{"a", "b", "b/y", "c"}));
+}
+
+TEST_F(DirectoryEnumerator, tellsAndPassesOverWhatCannotBeRead) {
+    folder.write("t/closed/f", "");
+    folder.write("t/names-only/f", "");
+    folder.write("t/open/f", "");
+    ::chmod(in("t/closed").c_str(), 0);
+    ::chmod(in("t/names-only").c_str(), 0744); // the names can be read, the items cannot be reached
+    const int answer = scene::inUnprivilegedChild([this] {
+        return sorted(told(in("t"))) == Names{"closed", "names-only", "names-only/f", "open", "open/f"} &&
+                       told(in("t/closed")).empty()
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(answer, 0);
+}
+
+TEST_F(DirectoryEnumerator, whatWasToldMayBeRemoved) {
+    for (int number = 0; number < 300; ++number) {
+        folder.write("t/" + std::to_string(number % 7) + "/" + std::to_string(number), "");
+    }
+    NSDirectoryEnumerator items = itemsOf(in("t"));
+    int files = 0;
+    while (const NSString name = items.nextObject()) {
+        if (scene::bytesOf(name).find('/') != std::string::npos) {
+            EXPECT_EQ(::unlink((in("t/") + scene::bytesOf(name)).c_str()), 0);
+            ++files;
+        }
+    }
+    EXPECT_EQ(files, 300);
+}
+
+TEST_F(DirectoryEnumerator, aFolderRemovedUnderTheWalkDoesNotEndIt) {
+    for (const char* const name : {"a", "b", "c", "d"}) {
+        folder.write("t/" + std::string(name) + "/x/y/f", "");
+    }
+    NSDirectoryEnumerator items = itemsOf(in("t"));
+    Names tops;
+    while (const NSString name = items.nextObject()) {
+        const std::string bytes = scene::bytesOf(name);
+        if (bytes.find('/') == std::string::npos) {
+            tops.push_back(bytes);
+        } else if (bytes.size() == 5) { // in the middle of the folder's tree
+            scene::removeTree(in("t/") + bytes.substr(0, 1));
+        }
+    }
+    EXPECT_EQ(sorted(tops), (Names{"a", "b", "c", "d"}));
+}
+
+TEST_F(DirectoryEnumerator, aFolderMovedAwayLeadsNowhereElse) {
+    // Deeper than folders stay open, so that the way back must be found.
+    folder.makeFolder("elsewhere");
+    folder.write("elsewhere/other", "");
+    const std::string deep = scene::makeChain(folder.makeFolder("t"), "n", 30);
+    folder.write("t/n/n/after", "");
+    NSDirectoryEnumerator items = itemsOf(in("t"));
+    std::size_t longest = 0;
+    bool isAfterSeen = false;
+    while (const NSString name = items.nextObject()) {
+        const std::string bytes = scene::bytesOf(name);
+        EXPECT_EQ(bytes.find("other"), std::string::npos) << bytes;
+        isAfterSeen = isAfterSeen || bytes == "n/n/after";
+        longest = std::max(longest, bytes.size());
+        if (bytes.size() == 2 * 25 - 1) {
+            ASSERT_EQ(::rename(in("t/n/n/n/n/n").c_str(), in("elsewhere/n").c_str()), 0);
+        }
+    }
+    EXPECT_EQ(longest, 59U);
+    EXPECT_TRUE(isAfterSeen);
+}
+
+TEST_F(DirectoryEnumerator, aLinkThatIsSwappedInIsNeverEntered) {
+    folder.write("outside/secret", "");
+    folder.write("t/y/f", "");
+    std::atomic<bool> done = false;
+    std::thread attacker([&] {
+        while (!done) {
+            ::mkdir(in("t/x").c_str(), 0755);
+            ::rmdir(in("t/x").c_str());
+            static_cast<void>(!::symlink(in("outside").c_str(), in("t/x").c_str()));
+            ::unlink(in("t/x").c_str());
+        }
+    });
+    for (int round = 0; round < 5000; ++round) {
+        for (const std::string& name : told(in("t"))) {
+            EXPECT_EQ(name.find("secret"), std::string::npos);
+        }
+    }
+    done = true;
+    attacker.join();
+}
+
+TEST_F(DirectoryEnumerator, depthIsNoLimit) {
+    constexpr int depth = 5000;
+    scene::makeChain(folder.path(), "n", depth);
+    const int before = scene::openDescriptors();
+    NSDirectoryEnumerator items = itemsOf(folder.path());
+    std::size_t count = 0;
+    int most = 0;
+    while (const NSString name = items.nextObject()) {
+        ++count;
+        EXPECT_EQ(name.length(), 2 * count - 1);
+        most = count % 500 == 0 ? std::max(most, scene::openDescriptors()) : most;
+    }
+    EXPECT_EQ(count, static_cast<std::size_t>(depth));
+    EXPECT_LE(most, before + 12);
+    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in("n")));
+}
+
+TEST_F(DirectoryEnumerator, fewDescriptorsAreEnough) {
+    scene::makeChain(folder.makeFolder("t"), "n", 60);
+    folder.write("t/n/n/f", "");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const int lowest = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ::close(lowest);
+        const rlimit limit{static_cast<rlim_t>(lowest) + 4, static_cast<rlim_t>(lowest) + 4};
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        scene::leave(told(in("t")).size() == 61 ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(DirectoryEnumerator, twentyThousandItemsAreToldOnceEach) {
+    for (int number = 0; number < 200; ++number) {
+        const std::string name = folder.makeFolder("t/" + std::to_string(number));
+        for (int file = 0; file < 99; ++file) {
+            ASSERT_EQ(::mknod((name + "/" + std::to_string(file)).c_str(), S_IFREG | 0600, 0), 0);
+        }
+    }
+    Names names = sorted(told(in("t")));
+    EXPECT_EQ(names.size(), 20000U);
+    EXPECT_EQ(std::unique(names.begin(), names.end()), names.end());
+}
+
+TEST_F(DirectoryEnumerator, movesAndLetsGoOfItsDescriptors) {
+    folder.write("t/a/b/c/f", "");
+    const int before = scene::openDescriptors();
+    {
+        NSDirectoryEnumerator items = itemsOf(in("t"));
+        EXPECT_EQ(scene::bytesOf(items.nextObject()), "a");
+        NSDirectoryEnumerator moved = std::move(items);
+        EXPECT_EQ(scene::bytesOf(moved.nextObject()), "a/b");
+        NSDirectoryEnumerator assigned;
+        assigned = std::move(moved);
+        EXPECT_EQ(scene::bytesOf(assigned.nextObject()), "a/b/c");
+        errno = 4711;
+        EXPECT_EQ(scene::bytesOf(assigned.nextObject()), "a/b/c/f");
+        EXPECT_FALSE(assigned.nextObject());
+        EXPECT_EQ(errno, 4711);
+    }
+    EXPECT_EQ(scene::openDescriptors(), before);
+}
+
+} // namespace
