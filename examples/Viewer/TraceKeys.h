@@ -19,6 +19,9 @@ inline constexpr char rendering[] = "TraceRendering";
 /// Each file that is read, written or removed.
 inline constexpr char files[] = "TraceFiles";
 
+/// What moves from the places of earlier releases to today's.
+inline constexpr char migration[] = "TraceMigration";
+
 /// How much detail: 1 every page, 2 every piece of a transfer too. Exactly 3 adds every line of a page, which
 /// is so much that a higher level leaves it out again.
 inline constexpr char level[] = "TraceLevel";

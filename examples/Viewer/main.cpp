@@ -20,6 +20,7 @@
 #include "Files.h"
 #include "LogFile.h"
 #include "NetworkSession.h"
+#include "OldData.h"
 #include "Preferences.h"
 #include "Renderer.h"
 
@@ -41,6 +42,7 @@ constexpr const char help[] =
     "  -TraceNetwork YES     each transfer\n"
     "  -TraceRendering YES   how a document becomes pages\n"
     "  -TraceFiles YES       each file that is read, written or removed\n"
+    "  -TraceMigration YES   what moves from the places of earlier releases\n"
     "  -TraceLevel <n>       1: pages, 2: pieces of transfers too, exactly 3: lines too\n"
     "  -LogFile NO           log to standard error\n"
     "  -DisableLogRemoval YES  keep log files; otherwise the newest 5 stay\n"
@@ -118,6 +120,7 @@ int run(const CommandLine& commandLine) {
     register_defaults();
     start_log();
     preferences_changed();
+    migrate_old_data();
     return commandLine.paths.empty() ? show_sample() : show_documents(commandLine.paths);
 }
 

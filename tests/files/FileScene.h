@@ -29,6 +29,12 @@ inline mode_t modeOf(const std::string& path) {
     return information.st_mode & 07777;
 }
 
+/// The number of the file system that holds the item.
+inline dev_t deviceOf(const std::string& path) {
+    struct stat information;
+    return ::lstat(path.c_str(), &information) == 0 ? information.st_dev : 0;
+}
+
 /// Whether a name stands there, a dangling link too.
 inline bool stands(const std::string& path) {
     struct stat information;

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <sys/mount.h>
 
 #include "tests/migration/MigrationScene.h"
@@ -75,25 +74,6 @@ void expectUntouched(const Places& places, const Digest& before, unsigned code,
     EXPECT_NE(std::find(allowed.begin(), allowed.end(), code), allowed.end()) << what << " gave " << code;
     const Digest after = places.digest();
     ASSERT_EQ(scene::shownDigest(after), scene::shownDigest(before)) << what;
-}
-
-/// Mount points in a mount namespace of the child's own; the answer 77 means that the machine forbids it.
-template <class Body>
-int inOwnMounts(const Body& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(15);
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-            scene::leave(77);
-        }
-        body();
-        std::fflush(nullptr);
-        scene::leave(::testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 } // namespace
@@ -398,7 +378,7 @@ TEST(OnlyCopy, survivesTheSameFolderMountedElsewhere) {
     const Places places;
     places.folder.folder("mountedP");
     places.folder.folder("mountedA");
-    const int answer = inOwnMounts([&] {
+    const int answer = scene::inOwnMounts([&] {
         const auto mounted = [&](const char* what, const char* where) {
             return ::mount((places / what).c_str(), (places / where).c_str(), nullptr, MS_BIND, nullptr) == 0;
         };
@@ -440,7 +420,7 @@ TEST(OnlyCopy, survivesAFolderMovedIntoAMountOfAFolderInsideIt) {
     }
     const Places places;
     places.folder.folder("other/mountedSub");
-    const int answer = inOwnMounts([&] {
+    const int answer = scene::inOwnMounts([&] {
         if (::mount((places / "P/A/sub").c_str(), (places / "other/mountedSub").c_str(), nullptr, MS_BIND,
                     nullptr) != 0) {
             scene::leave(77);

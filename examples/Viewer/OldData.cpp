@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "OldData.h"
+
+#include <cstdio>
+#include <string>
+
+#include <ZQFoundation/ZQFoundation.h>
+
+#include "TraceKeys.h"
+#include "Workspace.h"
+
+using namespace ZQFoundation;
+
+namespace {
+
+NSString new_place(StringView name) {
+    return NSProcessInfo::pathOfLibraryApplicationSupportSubfolder().stringByAppendingPathComponent(name);
+}
+
+/// For the user, and for whoever reads the log.
+void show_what_stays(const NSString& source, const NSString& reason) {
+    ZQLog::logWithFormat("%@ stays: %@", source, reason);
+    std::printf("Viewer: %s stays: %s\n", source.utf8().c_str(), reason.utf8().c_str());
+}
+
+void report(ZQFileMigrationRetvalType code, const NSString& source, const NSString& destination) {
+    if (code == kFileMigrationSourceDoesNotExist) {
+        return; // moved long ago, or never there
+    }
+    if (code != kFileMigrationSuccess) {
+        show_what_stays(source, ZQFileMigrator::descriptionOfFileMigrationRetvalType(code));
+        return;
+    }
+    ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(__func__, true, TraceKeys::migration,
+                                                                "%@ is now %@", source, destination);
+}
+
+/// A file that exists at the new place is newer: the old one is put beside it as "Settings 1.conf".
+void migrate_settings() {
+    const NSString source = "~/.viewerrc";
+    const NSString destination = new_place("Settings.conf");
+    report(
+        ZQFileMigrator::
+            migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
+                source, destination, false, true, false, true),
+        source, destination);
+}
+
+/// Whole, with everything in it. Documents that exist at the new place are not touched.
+void migrate_documents() {
+    const NSString source = "~/.viewer";
+    const NSString destination = new_place("Documents");
+    report(
+        ZQFileMigrator::
+            migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
+                source, destination, false, true, false, false),
+        source, destination);
+}
+
+/// The folder belongs to the user, who may keep other files there too.
+void migrate_notes() {
+    const NSString source = "~/Viewer Notes";
+    const NSDictionary codes = ZQFileMigrator::
+        migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
+            "note", source, new_place("Notes"), false, false, true, false, false);
+    const NSString failures = ZQFileMigrator::descriptionOfFileMigrationErrorsIn(codes).string();
+    if (!failures.isEmpty()) {
+        show_what_stays(source, failures);
+    }
+    if (codes.count() > 0) {
+        ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(
+            __func__, true, TraceKeys::migration, "%lu notes found in %@", codes.count(), source);
+    }
+}
+
+} // namespace
+
+void migrate_old_data() {
+    // While it lives, the library tells it of each folder in which a file has come or gone.
+    const Workspace workspace;
+    migrate_settings();
+    migrate_documents();
+    migrate_notes();
+    for (const std::string& folder : workspace.changedFolders()) {
+        ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(__func__, true, TraceKeys::migration,
+                                                                    "to be shown anew: %@", folder);
+    }
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_VIEWER_WORKSPACE_H
+#define ZQFOUNDATION_VIEWER_WORKSPACE_H
+
+#include <set>
+#include <string>
+
+#include <ZQFoundation/ZQFoundation.h>
+
+/// How a host is told that files have come or gone: it registers a class under the name "NSWorkspace". The
+/// library does not know that class; it looks it up by its name, asks it for its "sharedWorkspace" and sends
+/// that object "noteFileSystemChanged:" with each folder. This one remembers the folders for as long as it
+/// lives.
+class Workspace {
+public:
+    Workspace();
+
+    const std::set<std::string>& changedFolders() const { return changedFolders_; }
+
+private:
+    std::set<std::string> changedFolders_;
+    ZQFoundation::ClassRegistration registration_;
+};
+
+#endif
