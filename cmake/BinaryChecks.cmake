@@ -5,3 +5,10 @@
 if(NOT APPLE AND CMAKE_BUILD_TYPE STREQUAL "Release")
     add_test(NAME binary.exports COMMAND "${PROJECT_SOURCE_DIR}/scripts/check-binary" "$<TARGET_FILE:ZQFoundation>")
 endif()
+# What a user of the installed library does, done.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT ZQFOUNDATION_SANITIZE)
+    add_test(NAME install.outsideProjects
+        COMMAND "${CMAKE_COMMAND}" -E env "CXX=${CMAKE_CXX_COMPILER}"
+            "${PROJECT_SOURCE_DIR}/scripts/check-install" "${PROJECT_BINARY_DIR}")
+    set_tests_properties(install.outsideProjects PROPERTIES TIMEOUT 900 PROCESSORS 2)
+endif()

@@ -57,11 +57,13 @@ endif()
 add_library(ZQFoundationStatic STATIC $<TARGET_OBJECTS:zq_objects>)
 zq_finish_library(ZQFoundationStatic ZQFoundation)
 
-install(TARGETS ZQFoundation ZQFoundationStatic
-    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+add_library(ZQFoundation::Static ALIAS ZQFoundationStatic)
+set_target_properties(ZQFoundationStatic PROPERTIES EXPORT_NAME Static)
 
 # The library's own texts, one folder for each language: beside the library in the build tree and in a host's bundle,
 # in share/ once installed.
-file(CREATE_LINK "${PROJECT_SOURCE_DIR}/resources" "${PROJECT_BINARY_DIR}/Resources" SYMBOLIC)
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ZQFoundation")
+set(ZQFoundation_RESOURCES "${PROJECT_SOURCE_DIR}/resources")
+file(CREATE_LINK "${ZQFoundation_RESOURCES}" "${PROJECT_BINARY_DIR}/Resources" SYMBOLIC)
+if(NOT PROJECT_IS_TOP_LEVEL)
+    set(ZQFoundation_RESOURCES "${ZQFoundation_RESOURCES}" PARENT_SCOPE) # for zq_add_bundle
+endif()

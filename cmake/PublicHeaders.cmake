@@ -59,9 +59,11 @@ endforeach()
 
 set(ZQ_INSTALL_INCLUDE "${CMAKE_INSTALL_INCLUDEDIR}/ZQFoundation-${PROJECT_VERSION_MAJOR}")
 if(EXISTS "${ZQ_UMBRELLA}")
-    install(FILES "${ZQ_UMBRELLA}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation")
+    install(FILES "${ZQ_UMBRELLA}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation"
+        COMPONENT development)
 endif()
 foreach(header IN LISTS ZQ_PUBLIC_HEADERS)
     cmake_path(GET header PARENT_PATH folder)
-    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation/${folder}")
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation/${folder}"
+        COMPONENT development)
 endforeach()

@@ -1,0 +1,68 @@
+# SPDX-License-Identifier: MIT
+# For hosts, in this tree and outside: an application laid out as a bundle.
+#
+# zq_add_bundle(<target> INFO_PLIST <file> [RESOURCES <folder>] [NAME <name>])
+#
+# Lays the program <target> out as <name>.app (the target's name unless NAME says otherwise) in the current build
+# folder:
+#
+#     Contents/Info.plist
+#     Contents/MacOS/<target>
+#     Contents/Resources/          what RESOURCES holds
+#     Contents/Frameworks/         the library and its texts
+#
+# The program finds its library relative to itself, so the whole folder can be moved. The bundle is complete once
+# the target <target>Bundle, which is part of an ordinary build, is built.
+
+# Copies <from> to <to>, relative to the bundle's contents, whenever it is newer; sets `pieces` of the caller.
+function(zq_bundle_piece contents from to)
+    add_custom_command(OUTPUT "${contents}/${to}"
+        COMMAND "${CMAKE_COMMAND}" -E copy "${from}" "${contents}/${to}"
+        DEPENDS "${from}" VERBATIM)
+    set(pieces ${pieces} "${contents}/${to}" PARENT_SCOPE)
+endfunction()
+
+function(zq_add_bundle target)
+    cmake_parse_arguments(PARSE_ARGV 1 bundle "" "INFO_PLIST;RESOURCES;NAME" "")
+    if(NOT bundle_INFO_PLIST OR bundle_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "zq_add_bundle(<target> INFO_PLIST <file> [RESOURCES <folder>] [NAME <name>])")
+    endif()
+    if(NOT bundle_NAME)
+        set(bundle_NAME ${target})
+    endif()
+    set(contents "${CMAKE_CURRENT_BINARY_DIR}/${bundle_NAME}.app/Contents")
+    set(origin "$ORIGIN")
+    if(APPLE)
+        set(origin "@executable_path")
+    endif()
+    set_target_properties(${target} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY "${contents}/MacOS"
+        BUILD_WITH_INSTALL_RPATH ON
+        INSTALL_RPATH "${origin}/../Frameworks")
+
+    set(pieces)
+    file(MAKE_DIRECTORY "${contents}/Resources" "${contents}/Frameworks")
+    cmake_path(ABSOLUTE_PATH bundle_INFO_PLIST BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
+    zq_bundle_piece("${contents}" "${bundle_INFO_PLIST}" Info.plist)
+    if(bundle_RESOURCES)
+        cmake_path(ABSOLUTE_PATH bundle_RESOURCES BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
+        file(GLOB_RECURSE files CONFIGURE_DEPENDS RELATIVE "${bundle_RESOURCES}" "${bundle_RESOURCES}/*")
+        foreach(file IN LISTS files)
+            zq_bundle_piece("${contents}" "${bundle_RESOURCES}/${file}" "Resources/${file}")
+        endforeach()
+    endif()
+    file(GLOB_RECURSE texts CONFIGURE_DEPENDS RELATIVE "${ZQFoundation_RESOURCES}" "${ZQFoundation_RESOURCES}/*.strings")
+    foreach(text IN LISTS texts)
+        zq_bundle_piece("${contents}" "${ZQFoundation_RESOURCES}/${text}" "Frameworks/Resources/${text}")
+    endforeach()
+
+    # A custom command's output cannot name the library's file, which is known when the build files are written.
+    set(copied "${CMAKE_CURRENT_BINARY_DIR}/${target}-library-copied")
+    add_custom_command(OUTPUT "${copied}"
+        COMMAND "${CMAKE_COMMAND}" -E copy "$<TARGET_FILE:ZQFoundation::ZQFoundation>"
+            "${contents}/Frameworks/$<TARGET_SONAME_FILE_NAME:ZQFoundation::ZQFoundation>"
+        COMMAND "${CMAKE_COMMAND}" -E touch "${copied}"
+        DEPENDS "$<TARGET_FILE:ZQFoundation::ZQFoundation>" VERBATIM)
+    add_custom_target(${target}Bundle ALL DEPENDS ${pieces} "${copied}")
+    add_dependencies(${target}Bundle ${target})
+endfunction()
