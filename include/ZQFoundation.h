@@ -55,13 +55,18 @@
 #include "foundation/text/NSCharacterSet.h"
 #include "foundation/text/NSScanner.h"
 
+// Locales.
+#include "foundation/text/NSLocale.h"
+
 // Files.
+#include "foundation/files/NSFileHandle.h"
 #include "foundation/files/NSFileManager.h"
 
 // Property lists.
 #include "foundation/plist/NSPropertyListSerialization.h"
 
-// Dates as text.
+// Dates as fields and as text.
+#include "foundation/time/NSCalendar.h"
 #include "foundation/time/NSDateFormatter.h"
 #include "foundation/time/NSTimeZone.h"
 
@@ -70,6 +75,12 @@
 #include "foundation/process/NSLog.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
+
+// Localized texts.
+#include "extensions/LocalizedStrings.h"
+
+// Encodings.
+#include "encoding/Base64.h"
 
 // Versions.
 #include "version/ZQVersionComparator.h"
@@ -82,6 +93,10 @@
 // The application, the system and the report of both.
 #include "info/ZQLogInfo.h"
 #include "info/ZQMacOSRuntimeEnvironment.h"
+
+// The network's routes.
+#include "info/NetworkInfo.h"
+#include "info/RoutingSocket.h"
 
 // Migration of files and folders.
 #include "migration/ZQFileMigrator.h"

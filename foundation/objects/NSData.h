@@ -29,6 +29,16 @@ public:
 
     bool isEqualToData(const NSData& other) const noexcept;
 
+    // NSData(Base64)
+
+    /// The bytes that a Base64 text spells, by the rules of `NewBase64Decode`. Empty for nil, for a text with
+    /// a character that is not ASCII, and for one without any character of the alphabet.
+    static NSData dataFromBase64String(const NSString& text);
+
+    /// The Base64 text; lines of 64 characters with CR LF between them, or all in one. Nil for nil.
+    NSString base64EncodedStringInSeparateLines() const;
+    NSString base64EncodedStringInSingleLine() const;
+
 private:
     friend struct detail::Access;
     explicit NSData(Payload payload) noexcept : NSObject(payload, detail::Kind::data) {}

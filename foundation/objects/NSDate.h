@@ -44,6 +44,63 @@ public:
     NSComparisonResult compare(const NSDate& other) const noexcept;
     bool isEqualToDate(const NSDate& other) const noexcept;
 
+    // NSDate(ZQFoundation)
+    // Calendars are taken afresh at each call, in the process's time zone of that moment unless one is given.
+
+    /// The instant of Gregorian fields; a nil zone is the process's. Fields out of range carry: day 0 is the
+    /// last day of the month before, and year 0 the year before 1. A wall time that the clocks skip uses the
+    /// offset from before the change, one that occurs twice is the first. `NSDateComponentUndefined` leaves a
+    /// field out: then it is 1 for year, month and day, else 0. Nil when there is no such instant within
+    /// 292,000,000,000 years of 1970.
+    static NSDate dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t year, std::int64_t month,
+                                                                     std::int64_t day, std::int64_t hour,
+                                                                     std::int64_t minute, std::int64_t second,
+                                                                     const NSTimeZone& timeZone) noexcept;
+
+    /// That time on the date's day, without a fraction and **without the era:** a date before the year 1
+    /// becomes one after it. Nil for a nil date.
+    static NSDate dateWithDate_andModifiedHour_minute_second(const NSDate& date, std::int64_t hour,
+                                                             std::int64_t minute,
+                                                             std::int64_t second) noexcept;
+
+    /// Strict. These comparisons are false when either date is nil.
+    bool isEarlierThan(const NSDate& other) const noexcept;
+    bool isLaterThan(const NSDate& other) const noexcept;
+
+    /// At most one second apart.
+    bool isWithinOneSecondFrom(const NSDate& other) const noexcept;
+
+    /// **Also true for equal dates and up to one second later:** false only from there on.
+    bool isAtLeastOneSecondEarlierThan(const NSDate& other) const noexcept;
+
+    /// At least one second later.
+    bool isAtLeastOneSecondLaterThan(const NSDate& other) const noexcept;
+
+    /// Calendar days from the first date's day to the second's; negative when that is earlier. A date that
+    /// the zone's calendar left out counts like any other. 0 when either is nil.
+    static std::int64_t calendarDaysBetween_and(const NSDate& first, const NSDate& second) noexcept;
+
+    /// The nearest whole second, half a second up; nil for nil.
+    NSDate roundedDate() const noexcept;
+
+    /// ISO 8601: weeks 1 to 53 begin on Monday; the year of a week may differ from the date's. The calendar
+    /// year is that of the era, the year of a week counts through 0. All are 0 for nil and for a date beyond
+    /// the calendar.
+    std::int64_t calendarWeek() const noexcept;
+    std::int64_t yearForCalendarWeek() const noexcept;
+    std::int64_t calendarMonth() const noexcept;
+    std::int64_t calendarQuarter() const noexcept;
+    std::int64_t calendarYear() const noexcept;
+
+    /// The same of the argument; 0 for a nil receiver too.
+    std::int64_t calendarWeekOf(const NSDate& date) const noexcept;
+    std::int64_t yearForCalendarWeekOf(const NSDate& date) const noexcept;
+    std::int64_t calendarMonthOf(const NSDate& date) const noexcept;
+    std::int64_t calendarYearOf(const NSDate& date) const noexcept;
+
+    /// **The quarter of the receiver;** the argument is not looked at.
+    std::int64_t calendarQuarterOf(const NSDate& date) const noexcept;
+
 private:
     constexpr explicit NSDate(Payload payload) noexcept : NSObject(payload, detail::Kind::date) {}
 };

@@ -46,6 +46,33 @@ public:
     /// By numeric value across all kinds. NaN is the same as NaN and below every number that is not negative.
     NSComparisonResult compare(const NSNumber& other) const noexcept;
     bool isEqualToNumber(const NSNumber& other) const noexcept;
+
+    // NSNumber(ZQFoundation)
+
+    /// By the lowest bit of `intValue`: 2.9 is even. Both are false for nil.
+    bool isEven() const noexcept;
+    bool isOdd() const noexcept;
+
+    /// By `compare`. False when either number is nil.
+    bool isLargerThan(const NSNumber& other) const noexcept;
+    bool isLargerOrEqualThan(const NSNumber& other) const noexcept;
+    bool isSmallerOrEqualThan(const NSNumber& other) const noexcept;
+    bool isSmallerThan(const NSNumber& other) const noexcept;
+
+    /// `intValue` and one, in 32 bits: from 2147483647 it goes on at -2147483648. Nil for nil.
+    NSNumber numberByIncrementing() const noexcept;
+    NSNumber numberByDecrementing() const noexcept;
+
+    /// A count of seconds as "1:02:05", "2:05" or "05", by the number of fields: 3 or more, 2, 1 or less.
+    /// Larger fields than those shown are **dropped, not carried**: 3725 in two fields is "2:05". With
+    /// `suppressZeroes` hours and minutes that are zero are left out in front. The empty string for negative
+    /// seconds; nil for nil.
+    NSString durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
+                                                              bool suppressZeroes) const;
+
+    /// At most two fields, or three, zeroes suppressed.
+    NSString durationDescriptionWithMinutes() const;
+    NSString durationDescriptionWithHours() const;
 };
 
 } // namespace ZQFoundation

@@ -25,6 +25,8 @@ class NSArray;
 class NSDictionary;
 class NSSet;
 class NSCharacterSet;
+class NSLocale;
+class NSTimeZone;
 class Selector;
 
 /// The platform's three orderings.

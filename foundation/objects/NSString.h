@@ -16,12 +16,33 @@ enum NSStringCompareOptions : unsigned {
     NSAnchoredSearch = 8,  ///< only at the start, or with `NSBackwardsSearch` at the end
 };
 
-/// Text encodings by the platform's numbers.
+/// Text encodings by the platform's numbers. Those of the other table of encodings that the platform knows
+/// are `0x80000000 + n`: 0x80000201 to 0x80000210 are ISO 8859-1 to -16, 0x80000A02 is KOI8-R, 0x80000400 and
+/// up are DOS pages.
 enum NSStringEncoding : std::uint32_t {
     NSASCIIStringEncoding = 1,
+    NSNEXTSTEPStringEncoding = 2,
+    NSJapaneseEUCStringEncoding = 3,
     NSUTF8StringEncoding = 4,
     NSISOLatin1StringEncoding = 5,
-    NSUTF16StringEncoding = 10,
+    NSSymbolStringEncoding = 6,
+    NSNonLossyASCIIStringEncoding = 7, ///< "\351" and "\u20ac" for what is not ASCII
+    NSShiftJISStringEncoding = 8,
+    NSISOLatin2StringEncoding = 9,
+    NSUTF16StringEncoding = 10, ///< behind a byte-order mark, in the machine's order
+    NSUnicodeStringEncoding = 10,
+    NSWindowsCP1251StringEncoding = 11,
+    NSWindowsCP1252StringEncoding = 12,
+    NSWindowsCP1253StringEncoding = 13,
+    NSWindowsCP1254StringEncoding = 14,
+    NSWindowsCP1250StringEncoding = 15,
+    NSISO2022JPStringEncoding = 21,
+    NSMacOSRomanStringEncoding = 30,
+    NSUTF16BigEndianStringEncoding = 0x90000100, ///< the four without a mark
+    NSUTF16LittleEndianStringEncoding = 0x94000100,
+    NSUTF32StringEncoding = 0x8C000100, ///< as UTF-16
+    NSUTF32BigEndianStringEncoding = 0x98000100,
+    NSUTF32LittleEndianStringEncoding = 0x9C000100,
 };
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
@@ -59,6 +80,32 @@ public:
 
     /// The same for a started argument list.
     static NSString stringWithFormat_arguments(StringView format, ArgumentList arguments);
+
+    /// As `stringWithFormat`, with the locale's decimal separator and grouping; a nil locale has neither.
+    template <class... Arguments>
+    static NSString initWithFormat_locale(FormatString<std::type_identity_t<Arguments>...> format,
+                                          const NSLocale& locale, const Arguments&... arguments) {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        return initWithFormat_locale_arguments(format.text(), locale, packed.list());
+    }
+
+    /// The same for a started argument list.
+    static NSString initWithFormat_locale_arguments(StringView format, const NSLocale& locale,
+                                                    ArgumentList arguments);
+
+    /// The same with the user's locale.
+    template <class... Arguments>
+    static NSString localizedStringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
+                                              const Arguments&... arguments) {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        return localizedStringWithFormat_arguments(format.text(), packed.list());
+    }
+    static NSString localizedStringWithFormat_arguments(StringView format, ArgumentList arguments);
+
+    /// The text that the bytes spell, without a byte-order mark in front. Nil for nil data, bytes that the
+    /// encoding does not know and an unknown encoding. ASCII is read leniently: bytes from 0x80 on are the
+    /// units of the same number.
+    static NSString initWithData_encoding(const NSData& data, NSStringEncoding encoding);
 
     /// Units.
     std::size_t length() const noexcept;
@@ -129,6 +176,14 @@ public:
 
     /// Bytes, without a byte-order mark; 0 when the text cannot be converted.
     std::size_t lengthOfBytesUsingEncoding(NSStringEncoding encoding) const;
+
+    /// The text in the encoding, nothing lost; nil when a character has no place in it, and for an unknown
+    /// encoding. UTF-16 and UTF-32 of no stated order have a byte-order mark in front, also of no text.
+    NSData dataUsingEncoding(NSStringEncoding encoding) const;
+
+    /// The text's UTF-8 bytes: those of members of the set as they are (only ASCII ones count), all others as
+    /// "%" and two upper-case hexadecimal digits. Nil when an unpaired surrogate has no UTF-8 form.
+    NSString stringByAddingPercentEncodingWithAllowedCharacters(const NSCharacterSet& allowed) const;
 
     /// The lenient decimal readings: white space, a sign, then ASCII digits up to the first other unit;
     /// saturating.
@@ -263,6 +318,69 @@ public:
     /// The piece `count` times; nil for a nil piece and a negative count. Raises NSMallocException when
     /// the result would not fit into memory.
     static NSString stringByRepeating_count(StringView piece, std::int64_t count);
+
+    /// Percent-encoded: letters, digits and those of "!$&'()*+,-./:=@_~" that are no `exceptions` stay. Nil,
+    /// as in the three that follow, when an unpaired surrogate has no UTF-8 form.
+    NSString urlEncodedStringWithExceptions(StringView exceptions) const;
+
+    /// For a component of a URL: letters, digits and "!'()*-._~" stay.
+    NSString urlEncodedString() const;
+
+    /// For a path: letters, digits and "!$&'()*+,-./:=@_~" stay.
+    NSString urlPathEncodedString() const;
+
+    /// For a query: as for a path, and ";" and "?" stay.
+    NSString urlQueryEncodedString() const;
+
+    /// Every "%" and two hexadecimal digits replaced by their byte; "+" stays. Nil when a "%" has no two
+    /// digits or the bytes are not well-formed UTF-8.
+    NSString urlDecodedString() const;
+
+    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. It
+    /// protects nothing: two texts with one digest are easily made.
+    NSString md5String() const;
+
+    /// A new random UUID (version 4): "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
+    static NSString stringWithNewUUID();
+
+    /// Appends the text to a file in one write, making the file when it is missing. False when it cannot be
+    /// opened, made or written, and when the text does not fit the encoding: then nothing is written.
+    bool appendToFile_encoding(StringView path, NSStringEncoding encoding) const;
+
+    // Localized texts: the key's text in the table `Localizable` of the main bundle; the key itself when it
+    // is missing there. The language is the user's.
+
+    static NSString initWithLocalizedString(const NSString& key);
+
+    /// The localized text as a format, checked when it runs, since only the table knows it.
+    template <class... Arguments>
+    static NSString initWithLocalizedFormat(const NSString& key, const Arguments&... arguments) {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        return initWithLocalizedFormat_arguments(key, packed.list());
+    }
+    static NSString initWithLocalizedFormat_arguments(const NSString& key, ArgumentList arguments);
+
+    /// The same with a locale's decimal separator and grouping; nil for none.
+    template <class... Arguments>
+    static NSString initWithLocalizedFormat_locale(const NSString& key, const NSLocale& locale,
+                                                   const Arguments&... arguments) {
+        const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+        return initWithLocalizedFormat_locale_arguments(key, locale, packed.list());
+    }
+    static NSString initWithLocalizedFormat_locale_arguments(const NSString& key, const NSLocale& locale,
+                                                             ArgumentList arguments);
+
+    /// The localized text **as it stands**: it is no format here, and further arguments are passed over.
+    template <class... Arguments>
+    static NSString stringWithLocalizedFormat(const NSString& key, const Arguments&...) {
+        return stringWithLocalizedFormat(key);
+    }
+    static NSString stringWithLocalizedFormat(const NSString& key);
+    template <class... Arguments>
+    static NSString localizedStringWithLocalizedFormat(const NSString& key, const Arguments&...) {
+        return localizedStringWithLocalizedFormat(key);
+    }
+    static NSString localizedStringWithLocalizedFormat(const NSString& key);
 
 private:
     friend struct detail::Access;

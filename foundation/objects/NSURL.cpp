@@ -2,19 +2,81 @@
 #include "foundation/objects/NSURL.h"
 
 #include <new>
+#include <string>
+#include <vector>
 
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/StringBodies.h"
 #include "foundation/text/UriReference.h"
+#include "foundation/text/UriResolution.h"
 
 namespace ZQFoundation {
 
 using detail::Access;
+using detail::UriPart;
+using detail::UriReference;
 using detail::UrlBody;
+
+namespace {
+
+/// The text of a URL is ASCII, so its string holds it as bytes.
+std::string_view bytesOf(const NSString& text) noexcept {
+    const StringView view(text);
+    return {view.bytes(), view.size()};
+}
+
+NSString stringOf(std::string_view bytes) { return detail::makeAsciiString(bytes.data(), bytes.size()); }
+
+/// The resolved text of a URL and its pieces; all are absent for nil.
+struct ResolvedUrl {
+    NSString text;
+    UriReference reference;
+
+    explicit ResolvedUrl(const NSURL& url) : text(url.absoluteString()) {
+        detail::readUriReference(text, reference);
+    }
+
+    std::string_view bytesIn(const UriPart& part) const noexcept {
+        return bytesOf(text).substr(part.start, part.end - part.start);
+    }
+
+    NSString operator[](const UriPart& part) const {
+        return part.isPresent ? stringOf(bytesIn(part)) : NSString();
+    }
+};
+
+UriPart userIn(const ResolvedUrl& url) noexcept {
+    UriPart part = url.reference.userInformation;
+    const std::size_t colon = url.bytesIn(part).find(':');
+    if (colon != std::string_view::npos) {
+        part.end = part.start + colon;
+    }
+    return part;
+}
+
+UriPart passwordIn(const ResolvedUrl& url) noexcept {
+    UriPart part = url.reference.userInformation;
+    const std::size_t colon = url.bytesIn(part).find(':');
+    part.isPresent = part.isPresent && colon != std::string_view::npos;
+    part.start = part.isPresent ? part.start + colon + 1 : part.end;
+    return part;
+}
+
+UriPart hostIn(const ResolvedUrl& url) noexcept {
+    UriPart part = url.reference.host;
+    if (part.start != part.end && url.bytesIn(part).front() == '[') {
+        ++part.start;
+        --part.end;
+    }
+    return part;
+}
+
+} // namespace
 
 NSURL NSURL::URLWithString(StringView text) { return URLWithString_relativeToURL(text, nullptr); }
 
 NSURL NSURL::URLWithString_relativeToURL(StringView text, const NSURL& base) {
-    detail::UriReference reference;
+    UriReference reference;
     if (!detail::readUriReference(text, reference)) {
         return {};
     }
@@ -33,5 +95,83 @@ NSString NSURL::relativeString() const {
 }
 
 NSURL NSURL::baseURL() const { return kind_ == detail::Kind::url ? Access::url(*this)->base : NSURL(); }
+
+NSString NSURL::absoluteString() const {
+    if (kind_ != detail::Kind::url) {
+        return {};
+    }
+    // A base may be relative to another one, and so on: however many there are, they are met one by one.
+    std::vector<const UrlBody*> relatives;
+    const UrlBody* body = Access::url(*this);
+    for (; body->base; body = Access::url(body->base)) {
+        relatives.push_back(body);
+    }
+    if (relatives.empty()) {
+        return body->text;
+    }
+    std::string text(bytesOf(body->text));
+    for (; !relatives.empty(); relatives.pop_back()) {
+        text = detail::resolvedUriReference(bytesOf(relatives.back()->text), text);
+    }
+    return stringOf(text);
+}
+
+NSURL NSURL::absoluteURL() const { return baseURL() ? URLWithString(absoluteString()) : *this; }
+
+NSString NSURL::scheme() const {
+    const ResolvedUrl url(*this);
+    return url[url.reference.scheme];
+}
+
+NSString NSURL::authority() const {
+    const ResolvedUrl url(*this);
+    return url[url.reference.authority()];
+}
+
+NSString NSURL::user() const {
+    const ResolvedUrl url(*this);
+    return url[userIn(url)];
+}
+
+NSString NSURL::password() const {
+    const ResolvedUrl url(*this);
+    return url[passwordIn(url)];
+}
+
+NSString NSURL::host() const {
+    const ResolvedUrl url(*this);
+    return url[hostIn(url)];
+}
+
+NSNumber NSURL::port() const {
+    const ResolvedUrl url(*this);
+    const UriPart& part = url.reference.port;
+    if (part.start == part.end) {
+        return {};
+    }
+    std::int64_t number = 0;
+    for (const char digit : url.bytesIn(part)) {
+        if (__builtin_mul_overflow(number, 10, &number) ||
+            __builtin_add_overflow(number, digit - '0', &number)) {
+            return {};
+        }
+    }
+    return number;
+}
+
+NSString NSURL::path() const {
+    const ResolvedUrl url(*this);
+    return url[url.reference.path];
+}
+
+NSString NSURL::query() const {
+    const ResolvedUrl url(*this);
+    return url[url.reference.query];
+}
+
+NSString NSURL::fragment() const {
+    const ResolvedUrl url(*this);
+    return url[url.reference.fragment];
+}
 
 } // namespace ZQFoundation

@@ -26,6 +26,74 @@ public:
 
     NSURL baseURL() const;
 
+    /// The text of the URL itself: without a base as given, else resolved against the base as RFC 3986 says,
+    /// dots in the path removed.
+    NSString absoluteString() const;
+    NSURL absoluteURL() const;
+
+    // The parts of the resolved URL, as they stand in its text, escapes and all; nil for one that is missing
+    // ("a:b" has no query, "a:b?" an empty one).
+
+    NSString scheme() const;
+
+    /// User information, host and port as they stand.
+    NSString authority() const;
+
+    /// What precedes the first ":" of the user information, and what follows it.
+    NSString user() const;
+    NSString password() const;
+
+    /// Without the brackets around an IPv6 address.
+    NSString host() const;
+
+    /// Nil for none, for an empty one, and for one beyond 64 bits.
+    NSNumber port() const;
+
+    /// Never nil for a URL; perhaps empty.
+    NSString path() const;
+    NSString query() const;
+    NSString fragment() const;
+
+    // NSURL(ZQFoundation)
+
+    /// The URL of these parts, of which all but the scheme may be nil or empty; a part that is empty is left
+    /// out together with its mark. Path and query are percent-encoded where it says so, the others written as
+    /// they are. Nil for a nil or empty scheme, for a path that does not begin with "/" behind an authority
+    /// or begins with "//" without one, for a text that cannot be encoded, and when the whole is no URI
+    /// reference.
+    static NSURL URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
+        StringView scheme, StringView authority, StringView path, bool encodePath, StringView query,
+        bool encodeQuery, StringView fragment);
+
+    // The same with path and query encoded, unless the name says otherwise.
+
+    static NSURL URLWithScheme_authority_path(StringView scheme, StringView authority, StringView path);
+    static NSURL URLWithScheme_authority_path_query(StringView scheme, StringView authority, StringView path,
+                                                    StringView query);
+    static NSURL URLWithScheme_authority_path_query_fragment(StringView scheme, StringView authority,
+                                                             StringView path, StringView query,
+                                                             StringView fragment);
+    static NSURL URLWithScheme_authority_path_queryNotToBeEncoded(StringView scheme, StringView authority,
+                                                                  StringView path, StringView query);
+    static NSURL URLWithScheme_authority_path_queryNotToBeEncoded_fragment(StringView scheme,
+                                                                           StringView authority,
+                                                                           StringView path, StringView query,
+                                                                           StringView fragment);
+    static NSURL URLWithScheme_authority_pathNotToBeEncoded(StringView scheme, StringView authority,
+                                                            StringView path);
+    static NSURL URLWithScheme_authority_pathNotToBeEncoded_query(StringView scheme, StringView authority,
+                                                                  StringView path, StringView query);
+    static NSURL URLWithScheme_authority_pathNotToBeEncoded_query_fragment(StringView scheme,
+                                                                           StringView authority,
+                                                                           StringView path, StringView query,
+                                                                           StringView fragment);
+    static NSURL URLWithScheme_authority_pathNotToBeEncoded_queryNotToBeEncoded(StringView scheme,
+                                                                                StringView authority,
+                                                                                StringView path,
+                                                                                StringView query);
+    static NSURL URLWithScheme_authority_pathNotToBeEncoded_queryNotToBeEncoded_fragment(
+        StringView scheme, StringView authority, StringView path, StringView query, StringView fragment);
+
 private:
     friend struct detail::Access;
     explicit NSURL(Payload payload) noexcept : NSObject(payload, detail::Kind::url) {}

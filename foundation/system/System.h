@@ -67,6 +67,9 @@ bool isForkingThread(std::uint64_t thread) noexcept;
 /// Unpredictable for others, the same all through the process.
 std::uint64_t randomNumber() noexcept;
 
+/// Bytes of the kernel's own randomness, other ones at every call, in a forked child too.
+void fillWithRandomBytes(void* out, std::size_t count) noexcept;
+
 } // namespace ZQFoundation::detail::system
 
 #endif

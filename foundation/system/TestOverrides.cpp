@@ -10,5 +10,6 @@ constinit const std::string* executablePath = nullptr;
 constinit const std::string* systemVersionFile = nullptr;
 constinit const std::vector<std::string>* releaseFiles = nullptr;
 constinit const system::HardwareFacts* hardware = nullptr;
+constinit system::RouteTransport* routeTransport = nullptr;
 
 } // namespace ZQFoundation::detail::overrides

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/system/RouteTransport.h"
 #include "foundation/system/System.h"
 
 namespace ZQFoundation::detail::overrides {
@@ -32,6 +33,9 @@ extern const std::vector<std::string>* releaseFiles;
 
 /// When set, what is told of the computer. Null: the real facts.
 extern const system::HardwareFacts* hardware;
+
+/// When set, what route lookups ask. Null: the kernel.
+extern system::RouteTransport* routeTransport;
 
 } // namespace ZQFoundation::detail::overrides
 

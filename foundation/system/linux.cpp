@@ -222,4 +222,52 @@ std::uint64_t freshRandomNumber() noexcept {
     return randomNumber() ^ call ^ static_cast<std::uint64_t>(now.tv_nsec) << 32;
 }
 
+namespace {
+
+/// Fills from the front, and returns how many bytes that were.
+std::size_t fillByCall(char* out, std::size_t count) noexcept {
+    std::size_t filled = 0;
+    while (filled < count) {
+        const ssize_t step = getrandom(out + filled, count - filled, GRND_NONBLOCK);
+        if (step > 0) {
+            filled += static_cast<std::size_t>(step);
+        } else if (step == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    return filled;
+}
+
+std::size_t fillFromDevice(char* out, std::size_t count) noexcept {
+    const int device = open("/dev/urandom", O_RDONLY | O_CLOEXEC);
+    std::size_t filled = 0;
+    while (device >= 0 && filled < count) {
+        const ssize_t step = read(device, out + filled, count - filled);
+        if (step > 0) {
+            filled += static_cast<std::size_t>(step);
+        } else if (step == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    if (device >= 0) {
+        close(device);
+    }
+    return filled;
+}
+
+} // namespace
+
+void fillWithRandomBytes(void* out, std::size_t count) noexcept {
+    char* const bytes = static_cast<char*>(out);
+    std::size_t filled = fillByCall(bytes, count);
+    if (filled < count) { // the machine is starting, or the call is forbidden
+        filled += fillFromDevice(bytes + filled, count - filled);
+    }
+    // Without either, in a sandbox, what the process has: its number keeps it apart from others.
+    for (; filled < count; ++filled) {
+        const std::uint64_t number = freshRandomNumber() + static_cast<std::uint64_t>(getpid());
+        bytes[filled] = static_cast<char>(number * 0x9E3779B97F4A7C15U >> 56);
+    }
+}
+
 } // namespace ZQFoundation::detail::system

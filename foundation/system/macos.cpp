@@ -119,6 +119,8 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
 
 bool holdsObjectLinks(int) noexcept { return false; }
 
+void fillWithRandomBytes(void* out, std::size_t count) noexcept { arc4random_buf(out, count); }
+
 std::uint64_t freshRandomNumber() noexcept {
     return static_cast<std::uint64_t>(arc4random()) << 32 | arc4random();
 }

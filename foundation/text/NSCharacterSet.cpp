@@ -2,6 +2,7 @@
 #include "foundation/text/NSCharacterSet.h"
 
 #include "foundation/objects/NSException.h"
+#include "foundation/text/AsciiSet.h"
 #include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
@@ -137,6 +138,18 @@ NSCharacterSet NSCharacterSet::alphanumericCharacterSet() {
 NSCharacterSet NSCharacterSet::punctuationCharacterSet() { return setOfCategories<punctuation>(); }
 
 NSCharacterSet NSCharacterSet::symbolCharacterSet() { return setOfCategories<symbols>(); }
+
+NSCharacterSet NSCharacterSet::URLPathAllowedCharacterSet() {
+    static constinit SharedCharacterSet slot{nullptr};
+    return detail::sharedCharacterSet(
+        slot, [] { return characterSetWithCharactersInString(detail::urlPathCharacters); });
+}
+
+NSCharacterSet NSCharacterSet::URLQueryAllowedCharacterSet() {
+    static constinit SharedCharacterSet slot{nullptr};
+    return detail::sharedCharacterSet(
+        slot, [] { return characterSetWithCharactersInString(detail::urlQueryCharacters); });
+}
 
 NSCharacterSet NSCharacterSet::characterSetWithCharactersInString(StringView characters) {
     if (!characters) {

@@ -56,6 +56,12 @@ public:
     static NSCharacterSet punctuationCharacterSet();
     static NSCharacterSet symbolCharacterSet();
 
+    /// ASCII letters, digits and "!$&'()*+,-./:=@_~": what stands in a URL's path as it is.
+    static NSCharacterSet URLPathAllowedCharacterSet();
+
+    /// The same and ";" and "?": what stands in its query.
+    static NSCharacterSet URLQueryAllowedCharacterSet();
+
     /// The characters of the text, of which a surrogate pair is one and an unpaired surrogate another. Empty
     /// for an empty text, nil for nil.
     static NSCharacterSet characterSetWithCharactersInString(StringView characters);

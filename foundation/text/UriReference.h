@@ -47,6 +47,12 @@ struct UriReference {
     UriPart path; ///< always present
     UriPart query;
     UriPart fragment;
+
+    /// User information, host and port with the marks between them.
+    UriPart authority() const noexcept {
+        return {userInformation.isPresent ? userInformation.start : host.start,
+                port.isPresent ? port.end : host.end, host.isPresent};
+    }
 };
 
 /// Reads the text from front to back, in time linear in its length. False, with `out` meaning nothing, for a

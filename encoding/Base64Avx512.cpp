@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "encoding/Base64Codec.h"
+
+#if defined(__x86_64__)
+
+#include <immintrin.h>
+
+#if !defined(__clang__)
+// The compiler's own header passes registers whose contents do not matter.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+
+#define ZQ_AVX512 __attribute__((target("avx512f,avx512bw,avx512vbmi")))
+
+namespace ZQFoundation::detail::base64 {
+
+namespace {
+
+/// A line's 48 bytes, and every block's.
+constexpr __mmask64 blockBytes = 0x0000FFFFFFFFFFFF;
+
+struct alignas(64) Table {
+    std::uint8_t bytes[64];
+};
+
+/// Each group of three bytes as the four bytes 1 0 2 1.
+constexpr Table groupsOfFour = [] {
+    Table table{};
+    for (unsigned i = 0; i < 64; ++i) {
+        constexpr unsigned order[4] = {1, 0, 2, 1};
+        table.bytes[i] = static_cast<std::uint8_t>(i / 4 * 3 + order[i % 4]);
+    }
+    return table;
+}();
+
+/// The three bytes of each group of four, first byte first.
+constexpr Table groupsOfThree = [] {
+    Table table{};
+    for (unsigned i = 0; i < 48; ++i) {
+        table.bytes[i] = static_cast<std::uint8_t>(i / 3 * 4 + 2 - i % 3);
+    }
+    return table;
+}();
+
+constexpr Table characters = [] {
+    Table table{};
+    for (unsigned i = 0; i < 64; ++i) {
+        table.bytes[i] = static_cast<std::uint8_t>(alphabet[i]);
+    }
+    return table;
+}();
+
+/// Half of the decoding table; the uppermost bit marks foreign bytes.
+constexpr Table valuesFrom(unsigned first) {
+    Table table{};
+    for (unsigned i = 0; i < 64; ++i) {
+        const std::uint8_t value = valueOfByte[first + i];
+        table.bytes[i] = value == foreign ? 0x80 : value;
+    }
+    return table;
+}
+constexpr Table lowerValues = valuesFrom(0);
+constexpr Table upperValues = valuesFrom(64);
+
+ZQ_AVX512 inline __m512i loaded(const Table& table) noexcept { return _mm512_load_si512(table.bytes); }
+
+/// Less than all 64.
+constexpr __mmask64 firstBytes(unsigned count) noexcept { return (std::uint64_t{1} << count) - 1; }
+
+/// Four bytes of six bits each, made one group of three.
+ZQ_AVX512 inline __m512i packed(__m512i values, __m512i order) noexcept {
+    const __m512i pairs = _mm512_maddubs_epi16(values, _mm512_set1_epi32(0x01400140));
+    const __m512i groups = _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
+    return _mm512_permutexvar_epi8(order, groups);
+}
+
+ZQ_AVX512 void encodeGroups(Encoding& state, const std::uint8_t* limit) noexcept {
+    const __m512i order = loaded(groupsOfFour);
+    const __m512i text = loaded(characters);
+    // From where in its 64 bits each byte of a result takes its six bits.
+    const __m512i shifts = _mm512_set1_epi64(0x3036242A1016040A);
+    Encoding now =
+        state; // bytes that are stored could be those of `state` itself, for all the compiler knows
+    for (; limit - now.input >= 48; now.input += 48, now.output += 64) {
+        const __m512i bytes = _mm512_maskz_loadu_epi8(blockBytes, now.input);
+        const __m512i groups = _mm512_permutexvar_epi8(order, bytes);
+        // The look-up takes the lower six bits of each byte and does not mind the upper two.
+        const __m512i values = _mm512_multishift_epi64_epi8(shifts, groups);
+        _mm512_storeu_si512(now.output, _mm512_permutexvar_epi8(values, text));
+    }
+    if (const auto groups = static_cast<unsigned>(limit - now.input) / 3; groups != 0) {
+        const __m512i bytes = _mm512_maskz_loadu_epi8(firstBytes(3 * groups), now.input);
+        const __m512i values = _mm512_multishift_epi64_epi8(shifts, _mm512_permutexvar_epi8(order, bytes));
+        _mm512_mask_storeu_epi8(now.output, firstBytes(4 * groups), _mm512_permutexvar_epi8(values, text));
+        now.input += 3 * groups;
+        now.output += 4 * groups;
+    }
+    state = now;
+}
+
+ZQ_AVX512 void decodeGroups(Decoding& state) noexcept {
+    const __m512i lower = loaded(lowerValues);
+    const __m512i upper = loaded(upperValues);
+    const __m512i order = loaded(groupsOfThree);
+    Decoding now = state;
+    while (now.inputEnd - now.input >= 64 && now.outputEnd - now.output >= 48) {
+        const __m512i text = _mm512_loadu_si512(now.input);
+        const __m512i values = _mm512_permutex2var_epi8(lower, text, upper);
+        const std::uint64_t foreignBytes = _mm512_movepi8_mask(_mm512_or_si512(values, text));
+        const Step step = stepOver<64>(foreignBytes);
+        if (step.characters == 0) {
+            break;
+        }
+        if (step.groups != 0) {
+            _mm512_mask_storeu_epi8(now.output, blockBytes, packed(values, order));
+        }
+        now.input += step.characters;
+        now.output += 3 * step.groups;
+    }
+    if (const auto count = static_cast<std::size_t>(now.inputEnd - now.input); count >= 4 && count < 64) {
+        const __mmask64 present = firstBytes(static_cast<unsigned>(count));
+        const __m512i text = _mm512_maskz_loadu_epi8(present, now.input);
+        const __m512i values = _mm512_permutex2var_epi8(lower, text, upper);
+        const std::uint64_t foreignBytes = _mm512_movepi8_mask(_mm512_or_si512(values, text)) | ~present;
+        const auto groups = static_cast<unsigned>(std::countr_zero(foreignBytes)) / 4;
+        _mm512_mask_storeu_epi8(now.output, firstBytes(3 * groups), packed(values, order));
+        now.input += 4 * groups;
+        now.output += 3 * groups;
+    }
+    state = now;
+}
+
+} // namespace
+
+constexpr Codec avx512Codec{"AVX-512", encodeGroups, decodeGroups};
+
+} // namespace ZQFoundation::detail::base64
+
+#endif

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include "encoding/Base64Codec.h"
+
+#include <algorithm>
+
+#if defined(__x86_64__)
+#include <cpuid.h>
+#endif
+
+namespace ZQFoundation::detail::base64 {
+
+namespace {
+
+/// Three bytes as four characters.
+inline void encodeGroup(const std::uint8_t* bytes, char* text) noexcept {
+    text[0] = alphabet[bytes[0] >> 2U];
+    text[1] = alphabet[(bytes[0] & 3U) << 4U | bytes[1] >> 4U];
+    text[2] = alphabet[(bytes[1] & 15U) << 2U | bytes[2] >> 6U];
+    text[3] = alphabet[bytes[2] & 63U];
+}
+
+void encodePlainGroups(Encoding& state, const std::uint8_t* limit) noexcept {
+    while (limit - state.input >= 3) {
+        encodeGroup(state.input, state.output);
+        state.input += 3;
+        state.output += 4;
+    }
+}
+
+/// The one or two bytes that no group of three takes.
+char* encodeRest(const std::uint8_t* bytes, std::size_t count, char* text) noexcept {
+    if (count == 0) {
+        return text;
+    }
+    const std::uint8_t group[3] = {bytes[0], count == 2 ? bytes[1] : std::uint8_t{0}, 0};
+    encodeGroup(group, text);
+    text[3] = '=';
+    if (count == 1) {
+        text[2] = '=';
+    }
+    return text + 4;
+}
+
+/// Four values as three bytes.
+inline void decodeGroup(const std::uint8_t* values, std::uint8_t* bytes) noexcept {
+    bytes[0] = static_cast<std::uint8_t>(values[0] << 2U | values[1] >> 4U);
+    bytes[1] = static_cast<std::uint8_t>(values[1] << 4U | values[2] >> 2U);
+    bytes[2] = static_cast<std::uint8_t>(values[2] << 6U | values[3]);
+}
+
+/// Groups without a foreign byte in them.
+void decodePlainGroups(Decoding& state) noexcept {
+    while (state.inputEnd - state.input >= 4) {
+        std::uint8_t values[4];
+        for (int i = 0; i < 4; ++i) {
+            values[i] = valueOfByte[state.input[i]];
+        }
+        if (((values[0] | values[1] | values[2] | values[3]) & 64U) != 0) {
+            return;
+        }
+        decodeGroup(values, state.output);
+        state.input += 4;
+        state.output += 3;
+    }
+}
+
+/// One pass: collects up to four values, over foreign bytes, and writes what they spell. The count collected.
+int decodePass(Decoding& state) noexcept {
+    std::uint8_t values[4] = {};
+    int count = 0;
+    while (count < 4 && state.input != state.inputEnd) {
+        const std::uint8_t value = valueOfByte[*state.input++];
+        if (value != foreign) {
+            values[count++] = value;
+        }
+    }
+    std::uint8_t bytes[3];
+    decodeGroup(values, bytes);
+    for (int i = 0; i + 1 < count; ++i) {
+        *state.output++ = bytes[i];
+    }
+    return count;
+}
+
+constexpr Codec plainCodec{"plain", encodePlainGroups, decodePlainGroups};
+
+#if defined(__x86_64__)
+
+/// What the operating system saves of the vector registers: bits of the register XCR0.
+unsigned savedRegisters() noexcept {
+    unsigned low = 0;
+    unsigned high = 0;
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return low;
+}
+
+// The compiler's own question for processor features would bring code that runs when the library is loaded.
+struct Features {
+    bool avx2 = false;
+    bool avx512 = false; ///< with permutations of bytes
+};
+
+Features processorFeatures() noexcept {
+    constexpr unsigned osSavesVectors = 1U << 27U;
+    constexpr unsigned halfRegisters = 0x06;
+    constexpr unsigned fullRegisters = 0xE6;
+    constexpr unsigned avx2 = 1U << 5U;
+    constexpr unsigned avx512Foundation = 1U << 16U;
+    constexpr unsigned avx512Bytes = 1U << 30U;
+    constexpr unsigned avx512Permutations = 1U << 1U;
+
+    Features found;
+    unsigned a = 0;
+    unsigned b = 0;
+    unsigned c = 0;
+    unsigned d = 0;
+    if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & osSavesVectors) == 0) {
+        return found;
+    }
+    const unsigned saved = savedRegisters();
+    if (__get_cpuid_count(7, 0, &a, &b, &c, &d) == 0) {
+        return found;
+    }
+    found.avx2 = (saved & halfRegisters) == halfRegisters && (b & avx2) != 0;
+    found.avx512 = found.avx2 && (saved & fullRegisters) == fullRegisters && (b & avx512Foundation) != 0 &&
+                   (b & avx512Bytes) != 0 && (c & avx512Permutations) != 0;
+    return found;
+}
+
+/// The plain codec, then better and better ones, then null.
+using Codecs = std::array<const Codec*, 4>;
+
+Codecs findCodecs() noexcept {
+    const Features features = processorFeatures();
+    Codecs codecs{&plainCodec};
+    if (features.avx2) {
+        codecs[1] = &avx2Codec;
+    }
+    if (features.avx512) {
+        codecs[2] = &avx512Codec;
+    }
+    return codecs;
+}
+
+#elif defined(__aarch64__)
+
+using Codecs = std::array<const Codec*, 3>;
+
+Codecs findCodecs() noexcept { return {&plainCodec, &neonCodec}; }
+
+#else
+
+using Codecs = std::array<const Codec*, 2>;
+
+Codecs findCodecs() noexcept { return {&plainCodec}; }
+
+#endif
+
+constinit const Codec* chosen = nullptr;
+
+} // namespace
+
+const Codec* const* availableCodecs() noexcept {
+    static const Codecs codecs = findCodecs();
+    return codecs.data();
+}
+
+const Codec& codec() noexcept {
+    // Threads that meet here at first find the same answer each.
+    const Codec* known = __atomic_load_n(&chosen, __ATOMIC_RELAXED);
+    if (known == nullptr) {
+        const Codecs codecs = findCodecs();
+        known =
+            *std::find_if(codecs.rbegin(), codecs.rend(), [](const Codec* one) { return one != nullptr; });
+        __atomic_store_n(&chosen, known, __ATOMIC_RELAXED);
+    }
+    return *known;
+}
+
+char* encode(const Codec& codec, const std::uint8_t* input, std::size_t count, bool separateLines,
+             char* output) noexcept {
+    Encoding state{input, input + count, output};
+    for (;;) {
+        const auto left = static_cast<std::size_t>(state.inputEnd - state.input);
+        const bool isLast = !separateLines || left <= bytesOfLine;
+        const std::uint8_t* const limit = state.input + (isLast ? left : bytesOfLine);
+        codec.encodeGroups(state, limit);
+        encodePlainGroups(state, limit);
+        if (isLast) {
+            break;
+        }
+        *state.output++ = '\r';
+        *state.output++ = '\n';
+    }
+    return encodeRest(state.input, static_cast<std::size_t>(state.inputEnd - state.input), state.output);
+}
+
+std::uint64_t decode(const Codec& codec, const std::uint8_t* input, std::size_t count,
+                     std::uint8_t* output) noexcept {
+    Decoding state{input, input + count, output, output + (count + 3) / 4 * 3};
+    std::uint64_t lost = 0;
+    while (state.input != state.inputEnd) {
+        codec.decodeGroups(state);
+        decodePlainGroups(state);
+        // A pass that finds nothing takes one byte off the length.
+        if (state.input != state.inputEnd && decodePass(state) == 0) {
+            lost = 1;
+        }
+    }
+    return static_cast<std::uint64_t>(state.output - output) - lost;
+}
+
+} // namespace ZQFoundation::detail::base64

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_EXTENSIONS_LOCALIZEDSTRINGS_H
+#define ZQFOUNDATION_EXTENSIONS_LOCALIZEDSTRINGS_H
+
+#include "../foundation/process/NSBundle.h"
+#include "../foundation/text/ArgumentList.h"
+
+/// Functions that look a text up in a table of localized texts and format it with **one single argument that
+/// stands for the whole argument list**: they never put a caller's value into the text. A text without
+/// conversions comes back as it is, "%%" as "%"; "%@" gives "(null)" and "%d" gives "0". To fill a localized
+/// format with values, use `NSString::initWithLocalizedFormat`.
+///
+/// Without a bundle in their name they search the main one; without a table, or with a nil or empty one,
+/// `Localizable`. A key that is missing there gives the default value where there is one that is not empty,
+/// else the key. `comment`, a note to translators, is never read. Callable from any thread.
+namespace ZQFoundation {
+
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage" // C linkage for the names' sake; callers are C++
+#endif
+
+extern "C" {
+
+/// The text of a key in the main bundle's `Localizable` table.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString& comment, ...);
+
+/// The same for a started argument list.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormatv(const NSString& key, const NSString& comment,
+                                                          ArgumentList arguments);
+
+/// The text of a key in a table of the main bundle.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
+                                                                  const NSString& comment, ...);
+
+/// The same for a started argument list.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormatv(const NSString& key, const NSString& table,
+                                                                   const NSString& comment,
+                                                                   ArgumentList arguments);
+
+/// The text of a key in a table of a bundle.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key,
+                                                                          const NSString& table,
+                                                                          const NSBundle& bundle,
+                                                                          const NSString& comment, ...);
+
+/// The same for a started argument list.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormatv(const NSString& key,
+                                                                           const NSString& table,
+                                                                           const NSBundle& bundle,
+                                                                           const NSString& comment,
+                                                                           ArgumentList arguments);
+
+/// The text of a key in a table of a bundle, else a default value.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key,
+                                                                         const NSString& table,
+                                                                         const NSBundle& bundle,
+                                                                         const NSString& defaultValue,
+                                                                         const NSString& comment, ...);
+
+/// The same for a started argument list.
+ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormatv(
+    const NSString& key, const NSString& table, const NSBundle& bundle, const NSString& defaultValue,
+    const NSString& comment, ArgumentList arguments);
+
+} // extern "C"
+
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
+
+// The same for arguments that `...` cannot take: values and texts of any kind.
+
+template <class Argument, class... Arguments>
+NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString& comment, const Argument&,
+                                     const Arguments&...) {
+    return ZQLocalizedStringWithFormatv(key, comment, {});
+}
+
+template <class Argument, class... Arguments>
+NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
+                                              const NSString& comment, const Argument&, const Arguments&...) {
+    return ZQLocalizedStringFromTableWithFormatv(key, table, comment, {});
+}
+
+template <class Argument, class... Arguments>
+NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key, const NSString& table,
+                                                      const NSBundle& bundle, const NSString& comment,
+                                                      const Argument&, const Arguments&...) {
+    return ZQLocalizedStringFromTableInBundleWithFormatv(key, table, bundle, comment, {});
+}
+
+template <class Argument, class... Arguments>
+NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key, const NSString& table,
+                                                     const NSBundle& bundle, const NSString& defaultValue,
+                                                     const NSString& comment, const Argument&,
+                                                     const Arguments&...) {
+    return ZQLocalizedStringWithDefaultValueWithFormatv(key, table, bundle, defaultValue, comment, {});
+}
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// NSDate(ZQFoundation): building, comparing and rounding dates, and their places in the calendar.
+#include <cmath>
+
+#include "foundation/objects/NSDate.h"
+#include "foundation/time/DatePattern.h"
+#include "foundation/time/NSCalendar.h"
+#include "foundation/time/WallTime.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+/// 0 where the date has no such field.
+std::int64_t isoField(NSCalendarUnit unit, const NSDate& receiver, const NSDate& date) noexcept {
+    if (!receiver) {
+        return 0;
+    }
+    const NSCalendar calendar = NSCalendar::calendarWithIdentifier(NSCalendar::NSCalendarIdentifierISO8601);
+    const NSInteger field = calendar.component_fromDate(unit, date);
+    return field != NSDateComponentUndefined ? field : 0;
+}
+
+} // namespace
+
+NSDate NSDate::dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t year, std::int64_t month,
+                                                                  std::int64_t day, std::int64_t hour,
+                                                                  std::int64_t minute, std::int64_t second,
+                                                                  const NSTimeZone& timeZone) noexcept {
+    NSDateComponents components;
+    components.year = year;
+    components.month = month;
+    components.day = day;
+    components.hour = hour;
+    components.minute = minute;
+    components.second = second;
+    components.timeZone = timeZone;
+    return NSCalendar::calendarWithIdentifier(NSCalendar::NSCalendarIdentifierGregorian)
+        .dateFromComponents(components);
+}
+
+NSDate NSDate::dateWithDate_andModifiedHour_minute_second(const NSDate& date, std::int64_t hour,
+                                                          std::int64_t minute, std::int64_t second) noexcept {
+    const NSCalendar calendar = NSCalendar::currentCalendar();
+    // Without the era a year before the first one becomes the year of that number after it.
+    NSDateComponents components =
+        calendar.components_fromDate(NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, date);
+    if (components.day == NSDateComponentUndefined) {
+        return nullptr;
+    }
+    components.hour = hour;
+    components.minute = minute;
+    components.second = second;
+    return calendar.dateFromComponents(components);
+}
+
+bool NSDate::isEarlierThan(const NSDate& other) const noexcept {
+    return compare(other) == NSOrderedAscending;
+}
+
+bool NSDate::isLaterThan(const NSDate& other) const noexcept { return compare(other) == NSOrderedDescending; }
+
+bool NSDate::isWithinOneSecondFrom(const NSDate& other) const noexcept {
+    return *this && other && std::fabs(timeIntervalSinceDate(other)) <= 1.0;
+}
+
+bool NSDate::isAtLeastOneSecondEarlierThan(const NSDate& other) const noexcept {
+    // Not -1.0: hosts rely on equal dates, and those up to a second later, passing.
+    return *this && other && timeIntervalSinceDate(other) <= 1.0;
+}
+
+bool NSDate::isAtLeastOneSecondLaterThan(const NSDate& other) const noexcept {
+    return *this && other && timeIntervalSinceDate(other) >= 1.0;
+}
+
+std::int64_t NSDate::calendarDaysBetween_and(const NSDate& first, const NSDate& second) noexcept {
+    detail::Instant from = {};
+    detail::Instant to = {};
+    if (!detail::instantOfDate(first, from) || !detail::instantOfDate(second, to)) {
+        return 0;
+    }
+    // From one start of a day to another as many days are counted as the calendar has dates from one to the
+    // other, so the starts themselves need not be looked for.
+    const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
+    return detail::LocalDate(to, zone).days - detail::LocalDate(from, zone).days;
+}
+
+NSDate NSDate::roundedDate() const noexcept {
+    if (!*this) {
+        return nullptr;
+    }
+    return dateWithTimeIntervalSinceReferenceDate(std::floor(timeIntervalSinceReferenceDate() + 0.5));
+}
+
+std::int64_t NSDate::calendarWeek() const noexcept { return calendarWeekOf(*this); }
+std::int64_t NSDate::yearForCalendarWeek() const noexcept { return yearForCalendarWeekOf(*this); }
+std::int64_t NSDate::calendarMonth() const noexcept { return calendarMonthOf(*this); }
+std::int64_t NSDate::calendarQuarter() const noexcept { return calendarQuarterOf(*this); }
+std::int64_t NSDate::calendarYear() const noexcept { return calendarYearOf(*this); }
+
+std::int64_t NSDate::calendarWeekOf(const NSDate& date) const noexcept {
+    return isoField(NSCalendarUnitWeekOfYear, *this, date);
+}
+
+std::int64_t NSDate::yearForCalendarWeekOf(const NSDate& date) const noexcept {
+    return isoField(NSCalendarUnitYearForWeekOfYear, *this, date);
+}
+
+std::int64_t NSDate::calendarMonthOf(const NSDate& date) const noexcept {
+    return isoField(NSCalendarUnitMonth, *this, date);
+}
+
+std::int64_t NSDate::calendarYearOf(const NSDate& date) const noexcept {
+    return isoField(NSCalendarUnitYear, *this, date);
+}
+
+std::int64_t NSDate::calendarQuarterOf(const NSDate&) const noexcept {
+    return (calendarMonthOf(*this) + 2) / 3;
+}
+
+} // namespace ZQFoundation

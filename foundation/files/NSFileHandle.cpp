@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/files/NSFileHandle.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include <sys/resource.h>
+
+#include "foundation/files/PromptOpening.h"
+#include "foundation/files/WholeWrite.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/system/CallerState.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+constexpr int notOpen = -1;
+
+/// A descriptor for the item at the path, or `notOpen`.
+int opened(StringView path, int flags) {
+    const detail::CallerState caller;
+    std::string bytes;
+    detail::PathHandle handle;
+    if (!detail::getPathBytes(path, bytes) || !handle.reach(bytes)) {
+        return notOpen;
+    }
+    return detail::openPromptly(handle, flags).release();
+}
+
+[[noreturn]] void raiseFailure(const char* operation) {
+    NSException::raise_format(NSFileHandleOperationException, "%s: the system reports error %d", operation,
+                              errno);
+}
+
+std::uint64_t moveTo(int descriptor, off_t offset, int origin, const char* operation) {
+    const off_t reached = ::lseek(descriptor, offset, origin);
+    if (reached < 0) {
+        raiseFailure(operation);
+    }
+    return static_cast<std::uint64_t>(reached);
+}
+
+/// An offset in the form of the system, which knows none above half the range.
+off_t systemOffset(std::uint64_t offset, const char* operation) {
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
+        errno = EINVAL;
+        raiseFailure(operation);
+    }
+    return static_cast<off_t>(offset);
+}
+
+/// At most so many bytes. Takes memory as the bytes come, since a caller may ask for more than there are.
+NSData readBytes(int descriptor, std::size_t length, const char* operation) {
+    constexpr std::size_t firstPiece = 16384;
+    std::string bytes;
+    std::size_t count = 0;
+    while (count < length) {
+        if (count == bytes.size()) {
+            bytes.resize(std::min(length, std::max(firstPiece, 2 * count)));
+        }
+        const ssize_t step = ::read(descriptor, bytes.data() + count, bytes.size() - count);
+        if (step == 0) {
+            break;
+        }
+        if (step > 0) {
+            count += static_cast<std::size_t>(step);
+        } else if (errno != EINTR) {
+            raiseFailure(operation);
+        }
+    }
+    return NSData::dataWithBytes_length(bytes.data(), count);
+}
+
+/// Whether the file would grow beyond the limit, which the system answers with a signal.
+bool exceedsLimit(int descriptor, off_t size) noexcept {
+    rlimit limit{};
+    struct stat information;
+    return ::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
+           static_cast<rlim_t>(size) > limit.rlim_cur && ::fstat(descriptor, &information) == 0 &&
+           size > information.st_size;
+}
+
+void resize(int descriptor, off_t size, const char* operation) {
+    if (exceedsLimit(descriptor, size)) {
+        errno = EFBIG;
+        raiseFailure(operation);
+    }
+    while (::ftruncate(descriptor, size) != 0) {
+        if (errno != EINTR) {
+            raiseFailure(operation);
+        }
+    }
+}
+
+} // namespace
+
+NSFileHandle::NSFileHandle(NSFileHandle&& other) noexcept
+    : descriptor_(other.descriptor_), state_(other.state_) {
+    other.descriptor_ = notOpen;
+    other.state_ = State::absent;
+}
+
+NSFileHandle& NSFileHandle::operator=(NSFileHandle&& other) noexcept {
+    const int descriptor = other.descriptor_;
+    const State state = other.state_;
+    other.descriptor_ = notOpen;
+    other.state_ = State::absent;
+    closeFile();
+    descriptor_ = descriptor;
+    state_ = state;
+    return *this;
+}
+
+NSFileHandle::~NSFileHandle() { closeFile(); }
+
+NSFileHandle NSFileHandle::fileHandleForWritingAtPath(StringView path) {
+    const int descriptor = opened(path, O_WRONLY);
+    return descriptor != notOpen ? NSFileHandle(descriptor) : NSFileHandle();
+}
+
+NSFileHandle NSFileHandle::fileHandleForReadingAtPath(StringView path) {
+    const int descriptor = opened(path, O_RDONLY);
+    return descriptor != notOpen ? NSFileHandle(descriptor) : NSFileHandle();
+}
+
+NSFileHandle NSFileHandle::fileHandleForUpdatingAtPath(StringView path) {
+    const int descriptor = opened(path, O_RDWR);
+    return descriptor != notOpen ? NSFileHandle(descriptor) : NSFileHandle();
+}
+
+/// -1 for nil, for which every operation does nothing.
+int NSFileHandle::openDescriptor(const char* operation) const {
+    if (state_ == State::closed) {
+        NSException::raise_format(NSFileHandleOperationException, "%s: the file is closed", operation);
+    }
+    return descriptor_;
+}
+
+int NSFileHandle::fileDescriptor() const { return openDescriptor("fileDescriptor"); }
+
+std::uint64_t NSFileHandle::seekToEndOfFile() {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("seekToEndOfFile");
+    return descriptor != notOpen ? moveTo(descriptor, 0, SEEK_END, "seekToEndOfFile") : 0;
+}
+
+void NSFileHandle::seekToFileOffset(std::uint64_t offset) {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("seekToFileOffset:");
+    if (descriptor != notOpen) {
+        moveTo(descriptor, systemOffset(offset, "seekToFileOffset:"), SEEK_SET, "seekToFileOffset:");
+    }
+}
+
+std::uint64_t NSFileHandle::offsetInFile() const {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("offsetInFile");
+    return descriptor != notOpen ? moveTo(descriptor, 0, SEEK_CUR, "offsetInFile") : 0;
+}
+
+void NSFileHandle::writeData(const NSData& data) {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("writeData:");
+    const auto* const bytes = reinterpret_cast<const char*>(data.bytes());
+    if (descriptor != notOpen && !detail::writeWhole(descriptor, bytes, data.length())) {
+        raiseFailure("writeData:");
+    }
+}
+
+NSData NSFileHandle::readDataOfLength(std::size_t length) {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("readDataOfLength:");
+    return descriptor != notOpen ? readBytes(descriptor, length, "readDataOfLength:") : NSData();
+}
+
+NSData NSFileHandle::readDataToEndOfFile() {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("readDataToEndOfFile");
+    return descriptor != notOpen ? readBytes(descriptor, SIZE_MAX, "readDataToEndOfFile") : NSData();
+}
+
+void NSFileHandle::truncateFileAtOffset(std::uint64_t offset) {
+    constexpr const char* operation = "truncateFileAtOffset:";
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor(operation);
+    if (descriptor == notOpen) {
+        return;
+    }
+    const off_t end = systemOffset(offset, operation);
+    resize(descriptor, end, operation);
+    moveTo(descriptor, end, SEEK_SET, operation);
+}
+
+void NSFileHandle::synchronizeFile() {
+    const detail::CallerState caller;
+    const int descriptor = openDescriptor("synchronizeFile");
+    if (descriptor == notOpen) {
+        return;
+    }
+    while (::fsync(descriptor) != 0) {
+        if (errno != EINTR) {
+            raiseFailure("synchronizeFile");
+        }
+    }
+}
+
+void NSFileHandle::closeFile() {
+    if (state_ == State::open) {
+        detail::Descriptor(descriptor_).reset();
+        descriptor_ = notOpen;
+        state_ = State::closed;
+    }
+}
+
+} // namespace ZQFoundation

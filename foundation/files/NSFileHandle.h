@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_FILES_NSFILEHANDLE_H
+#define ZQFOUNDATION_FILES_NSFILEHANDLE_H
+
+#include <cstdint>
+
+#include "../objects/NSData.h"
+
+namespace ZQFoundation {
+
+/// What a failed operation of a file handle raises.
+inline constexpr const char* NSFileHandleOperationException = "NSFileHandleOperationException";
+
+/// An open file. Exclusive and movable; closes its descriptor, which is close-on-exec, at the end of its
+/// life.
+///
+/// A default-made one is nil: it does nothing and answers nil and 0. What fails, and any use after
+/// `closeFile`, raises NSFileHandleOperationException. Offsets and lengths are bytes. One thread at a time.
+class ZQFOUNDATION_EXPORT NSFileHandle {
+public:
+    constexpr NSFileHandle() noexcept = default;
+    constexpr NSFileHandle(std::nullptr_t) noexcept {}
+    NSFileHandle(NSFileHandle&& other) noexcept;
+    NSFileHandle& operator=(NSFileHandle&& other) noexcept;
+    ~NSFileHandle();
+
+    /// An existing item opened at offset 0, neither made nor cut off. Nil when it is absent, a folder, or not
+    /// permitted. A pipe without a reader is refused, not waited for.
+    static NSFileHandle fileHandleForWritingAtPath(StringView path);
+    static NSFileHandle fileHandleForReadingAtPath(StringView path);
+    static NSFileHandle fileHandleForUpdatingAtPath(StringView path);
+
+    explicit operator bool() const noexcept { return state_ != State::absent; }
+
+    /// -1 for nil; raises after `closeFile`.
+    int fileDescriptor() const;
+
+    /// The offset that this leads to.
+    std::uint64_t seekToEndOfFile();
+    void seekToFileOffset(std::uint64_t offset);
+    std::uint64_t offsetInFile() const;
+
+    /// All bytes, or it raises; what was written before a failure stays. Nil and empty data write nothing.
+    /// Never raises a signal for a reader that is gone or a file-size limit.
+    void writeData(const NSData& data);
+
+    /// From here to the end, at most `length` bytes; empty at the end.
+    NSData readDataOfLength(std::size_t length);
+    NSData readDataToEndOfFile();
+
+    /// Cuts the file off or fills it up with zeros; the offset is at the new end. A file-size limit shows as
+    /// a failure and raises no signal.
+    void truncateFileAtOffset(std::uint64_t offset);
+
+    /// Waits until the file's contents are with the storage device.
+    void synchronizeFile();
+
+    /// Closing twice is no failure.
+    void closeFile();
+
+private:
+    enum class State : unsigned char { absent, open, closed };
+
+    explicit NSFileHandle(int descriptor) noexcept : descriptor_(descriptor), state_(State::open) {}
+    int openDescriptor(const char* operation) const;
+
+    int descriptor_ = -1;
+    State state_ = State::absent;
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// The system has no routing sockets. The question goes to the kernel over netlink, and its answer is written
+// down as a routing message.
+//
+// Nothing is remembered between `write` and `read`: the answer waits in the socket, which `write` only looks
+// into, and the number of the request travels with it.
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "foundation/system/RouteMessage.h"
+#include "foundation/system/RouteTransport.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+/// What goes to the kernel.
+struct RouteQuestion {
+    nlmsghdr header;
+    rtmsg route;
+    rtattr destinationHead;
+    std::uint32_t destination;
+};
+static_assert(sizeof(RouteQuestion) == NLMSG_LENGTH(sizeof(rtmsg)) + RTA_LENGTH(sizeof(std::uint32_t)));
+
+/// What came back: one datagram. An answer for one IPv4 route takes some 100 bytes.
+struct RouteAnswer {
+    alignas(nlmsghdr) char bytes[2048];
+    std::size_t count = 0;
+
+    const nlmsghdr& header() const noexcept { return *reinterpret_cast<const nlmsghdr*>(bytes); }
+
+    /// Whether a whole message is there, and a body of at least so many bytes in it.
+    bool holds(std::size_t bodyBytes) const noexcept {
+        return count >= NLMSG_HDRLEN + bodyBytes && header().nlmsg_len >= NLMSG_HDRLEN + bodyBytes &&
+               header().nlmsg_len <= count;
+    }
+
+    /// The value of an attribute of four bytes; false without it.
+    bool getAttribute(unsigned short type, std::uint32_t& value) const noexcept {
+        std::size_t at = NLMSG_SPACE(sizeof(rtmsg));
+        const std::size_t end = header().nlmsg_len;
+        while (at + sizeof(rtattr) <= end) {
+            rtattr attribute;
+            std::memcpy(&attribute, bytes + at, sizeof attribute);
+            if (attribute.rta_len < sizeof attribute || attribute.rta_len > end - at) {
+                return false;
+            }
+            if (attribute.rta_type == type && attribute.rta_len == RTA_LENGTH(sizeof value)) {
+                std::memcpy(&value, bytes + at + RTA_LENGTH(0), sizeof value);
+                return true;
+            }
+            at += RTA_ALIGN(attribute.rta_len);
+        }
+        return false;
+    }
+};
+
+/// The next datagram from the kernel; those of other processes are thrown away. Negative with `errno`, 0 at
+/// the end of input.
+std::ptrdiff_t receive(int socket, RouteAnswer& answer, int flags) noexcept {
+    for (;;) {
+        sockaddr_nl sender{};
+        socklen_t senderBytes = sizeof sender;
+        const ssize_t count = recvfrom(socket, answer.bytes, sizeof answer.bytes, flags,
+                                       reinterpret_cast<sockaddr*>(&sender), &senderBytes);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count > 0 && sender.nl_pid != 0) {
+            if ((flags & MSG_PEEK) != 0) {
+                recv(socket, answer.bytes, sizeof answer.bytes, MSG_DONTWAIT);
+            }
+            continue;
+        }
+        answer.count = count > 0 ? static_cast<std::size_t>(count) : 0;
+        return count;
+    }
+}
+
+/// The kernel's error; 0 for an answer that is none.
+int errorOf(const RouteAnswer& answer) noexcept {
+    if (!answer.holds(0) || answer.header().nlmsg_type != NLMSG_ERROR) {
+        return 0;
+    }
+    nlmsgerr body{};
+    if (!answer.holds(sizeof body)) {
+        return EPROTO;
+    }
+    std::memcpy(&body, answer.bytes + NLMSG_HDRLEN, sizeof body);
+    return body.error < 0 ? -body.error : 0;
+}
+
+bool send(int socket, const RouteQuestion& question) noexcept {
+    sockaddr_nl kernel{};
+    kernel.nl_family = AF_NETLINK;
+    ssize_t sent;
+    do {
+        sent = sendto(socket, &question, sizeof question, 0, reinterpret_cast<const sockaddr*>(&kernel),
+                      sizeof kernel);
+    } while (sent < 0 && errno == EINTR);
+    return sent >= 0;
+}
+
+RouteAddress routeAddress(std::uint32_t address) noexcept {
+    RouteAddress text{};
+    text.sin_len = sizeof text;
+    text.sin_family = routeAddressFamily;
+    text.sin_addr = address;
+    return text;
+}
+
+/// A routing message that is being put together; its parts leave no gaps, each being whole words long.
+struct RouteReply {
+    unsigned char bytes[sizeof(RouteMessageHeader) + 2 * sizeof(RouteAddress)];
+    std::size_t count = sizeof(RouteMessageHeader);
+
+    void append(std::uint32_t address) noexcept {
+        const RouteAddress whole = routeAddress(address);
+        std::memcpy(bytes + count, &whole, sizeof whole);
+        count += sizeof whole;
+    }
+};
+
+RouteReply replyOf(const RouteAnswer& answer) noexcept {
+    RouteReply reply;
+    RouteMessageHeader header{};
+    header.rtm_version = routeMessageVersion;
+    header.rtm_pid = getpid();
+    header.rtm_seq = static_cast<std::int32_t>(answer.header().nlmsg_seq);
+    if (answer.header().nlmsg_type == RTM_NEWROUTE && answer.holds(sizeof(rtmsg))) {
+        header.rtm_type = routeLookup;
+        header.rtm_flags = routeIsUp | routeIsDone;
+        std::uint32_t value = 0;
+        if (answer.getAttribute(RTA_OIF, value)) {
+            header.rtm_index = static_cast<std::uint16_t>(value);
+        }
+        if (answer.getAttribute(RTA_GATEWAY, value)) {
+            header.rtm_flags |= routeHasGateway;
+        }
+        if (answer.getAttribute(RTA_DST, value)) {
+            header.rtm_addrs |= 1 << routeDestination;
+            reply.append(value);
+        }
+        // The address that a packet to there would bear: absent where no interface has one to give.
+        if (answer.getAttribute(RTA_PREFSRC, value)) {
+            header.rtm_addrs |= 1 << routeInterfaceAddress;
+            reply.append(value);
+        }
+    }
+    header.rtm_msglen = static_cast<std::uint16_t>(reply.count);
+    std::memcpy(reply.bytes, &header, sizeof header);
+    return reply;
+}
+
+class NetlinkTransport final : public RouteTransport {
+public:
+    int open() noexcept override { return ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE); }
+
+    std::ptrdiff_t write(int socket, const void* message, std::size_t count) noexcept override {
+        RouteQuestion question{};
+        if (!translate(message, count, question)) {
+            errno = EINVAL;
+            return -1;
+        }
+        if (!send(socket, question)) {
+            return -1;
+        }
+        // A refusal comes back as a message too. Here it is taken; any other answer is left for `read`.
+        RouteAnswer answer;
+        if (receive(socket, answer, MSG_PEEK) < 0) {
+            return -1;
+        }
+        if (const int error = errorOf(answer)) {
+            receive(socket, answer, 0);
+            errno = error;
+            return -1;
+        }
+        return static_cast<std::ptrdiff_t>(count);
+    }
+
+    std::ptrdiff_t read(int socket, void* message, std::size_t capacity) noexcept override {
+        RouteAnswer answer;
+        do {
+            const std::ptrdiff_t count = receive(socket, answer, 0);
+            if (count <= 0) {
+                return count;
+            }
+        } while (!answer.holds(0));
+        const RouteReply reply = replyOf(answer);
+        const std::size_t count = reply.count < capacity ? reply.count : capacity;
+        std::memcpy(message, reply.bytes, count);
+        return static_cast<std::ptrdiff_t>(count);
+    }
+
+private:
+    /// False for a message that is no question for a route to an IPv4 address.
+    static bool translate(const void* message, std::size_t count, RouteQuestion& question) noexcept {
+        RouteMessageHeader header;
+        RouteAddress destination;
+        if (count < sizeof header + sizeof destination) {
+            return false;
+        }
+        std::memcpy(&header, message, sizeof header);
+        std::memcpy(&destination, static_cast<const char*>(message) + sizeof header, sizeof destination);
+        if (header.rtm_version != routeMessageVersion || header.rtm_type != routeLookup ||
+            header.rtm_msglen != count || (header.rtm_addrs & 1 << routeDestination) == 0 ||
+            destination.sin_family != routeAddressFamily) {
+            return false;
+        }
+        question.header.nlmsg_len = sizeof question;
+        question.header.nlmsg_type = RTM_GETROUTE;
+        question.header.nlmsg_flags = NLM_F_REQUEST;
+        question.header.nlmsg_seq = static_cast<std::uint32_t>(header.rtm_seq);
+        question.route.rtm_family = AF_INET;
+        question.route.rtm_dst_len = 32;
+        question.destinationHead.rta_len = RTA_LENGTH(sizeof question.destination);
+        question.destinationHead.rta_type = RTA_DST;
+        question.destination = destination.sin_addr;
+        return true;
+    }
+};
+
+constinit NetlinkTransport kernelTransport;
+
+} // namespace
+
+RouteTransport& routeTransport() noexcept { return kernelTransport; }
+
+} // namespace ZQFoundation::detail::system

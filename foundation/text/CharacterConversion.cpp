@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/text/CharacterConversion.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <iconv.h>
+
+#include "foundation/system/CallerState.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// The machine's order, named: without an order a byte-order mark would be read and written.
+constexpr const char* unitEncoding = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "UTF-16LE" : "UTF-16BE";
+
+class Conversion {
+public:
+    Conversion(const char* to, const char* from) : conversion_(::iconv_open(to, from)) {}
+    Conversion(const Conversion&) = delete;
+    Conversion& operator=(const Conversion&) = delete;
+    ~Conversion() {
+        if (isOpen()) {
+            ::iconv_close(conversion_);
+        }
+    }
+
+    bool isOpen() const noexcept {
+        return conversion_ != reinterpret_cast<iconv_t>(-1); // NOLINT: what the C library returns
+    }
+
+    /// False unless all of the input was converted without loss.
+    bool convert(const char* bytes, std::size_t count, std::string& out) {
+        out.resize(count + count / 2 + 16);
+        std::size_t written = 0;
+        char* input = const_cast<char*>(bytes); // is only read
+        return run(&input, &count, out, written) && run(nullptr, nullptr, out, written) &&
+               (out.resize(written), true);
+    }
+
+private:
+    /// Without input it ends the text: it writes what brings the encoding back to its initial state.
+    bool run(char** input, std::size_t* count, std::string& out, std::size_t& written) {
+        for (;;) {
+            char* output = out.data() + written;
+            std::size_t room = out.size() - written;
+            const std::size_t result = ::iconv(conversion_, input, count, &output, &room);
+            written = out.size() - room;
+            if (result != static_cast<std::size_t>(-1)) {
+                return result == 0; // else how many characters were replaced by similar ones
+            }
+            if (errno != E2BIG) {
+                return false;
+            }
+            out.resize(out.size() * 2);
+        }
+    }
+
+    iconv_t conversion_;
+};
+
+bool readUnits(const char* encoding, std::string_view bytes, std::u16string& out) {
+    Conversion conversion(unitEncoding, encoding);
+    std::string units;
+    if (!conversion.isOpen() || !conversion.convert(bytes.data(), bytes.size(), units)) {
+        return false;
+    }
+    out.resize(units.size() / sizeof(char16_t));
+    std::memcpy(out.data(), units.data(), out.size() * sizeof(char16_t));
+    return true;
+}
+
+} // namespace
+
+bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& out) {
+    const CallerState caller;
+    return readUnits(encoding, bytes, out);
+}
+
+bool unitsToBytes(const char* encoding, std::u16string_view units, std::string& out) {
+    const CallerState caller;
+    Conversion conversion(encoding, unitEncoding);
+    std::u16string readBack;
+    return conversion.isOpen() &&
+           conversion.convert(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t),
+                              out) &&
+           readUnits(encoding, out, readBack) && readBack == units;
+}
+
+bool hasConversion(const char* encoding) {
+    const CallerState caller;
+    return Conversion(unitEncoding, encoding).isOpen();
+}
+
+} // namespace ZQFoundation::detail

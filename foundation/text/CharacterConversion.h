@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_TEXT_CHARACTERCONVERSION_H
+#define ZQFOUNDATION_TEXT_CHARACTERCONVERSION_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Conversions that the C library makes. Each call keeps `errno`, and may be made from any thread.
+///
+/// Opening a conversion takes locks of the C library's own and may load a module from disk. A child forked
+/// while another thread was just there inherits the lock taken and would wait in its first conversion for
+/// ever, as in any other call of `iconv_open`. The forms that matter there (Unicode, ASCII, Latin-1,
+/// NEXTSTEP, Symbol) do not come here, and the other encodings of one byte for each character only once a
+/// process.
+namespace ZQFoundation::detail {
+
+/// The units that all the bytes spell. False, with `out` meaning nothing, for bytes that the encoding does
+/// not know, and when the C library has no such encoding.
+bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& out);
+
+/// The bytes of all the units, ending in the encoding's initial state. False, with `out` meaning nothing,
+/// when they would not read as the same units again: the C library has conversions that lead only one way
+/// (the yen sign to a backslash) and passes over characters that it takes for tags.
+bool unitsToBytes(const char* encoding, std::u16string_view units, std::string& out);
+
+/// Whether the C library has the encoding.
+bool hasConversion(const char* encoding);
+
+} // namespace ZQFoundation::detail
+
+#endif

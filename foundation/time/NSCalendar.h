@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TIME_NSCALENDAR_H
+#define ZQFOUNDATION_TIME_NSCALENDAR_H
+
+#include <cstdint>
+
+#include "../objects/NSDate.h"
+#include "../objects/NSRange.h"
+#include "NSTimeZone.h"
+
+namespace ZQFoundation {
+
+/// Signed, of the platform's word size: 64 bits.
+using NSInteger = std::int64_t;
+
+/// A field that is not set.
+inline constexpr NSInteger NSDateComponentUndefined = INT64_MAX;
+
+/// Names fields of dates; combined by `|`. The numbers are the platform's.
+enum NSCalendarUnit : unsigned {
+    NSCalendarUnitEra = 1U << 1,
+    NSCalendarUnitYear = 1U << 2,
+    NSCalendarUnitMonth = 1U << 3,
+    NSCalendarUnitDay = 1U << 4,
+    NSCalendarUnitHour = 1U << 5,
+    NSCalendarUnitMinute = 1U << 6,
+    NSCalendarUnitSecond = 1U << 7,
+    NSCalendarUnitWeekday = 1U << 9,
+    NSCalendarUnitQuarter = 1U << 11,
+    NSCalendarUnitWeekOfYear = 1U << 13,
+    NSCalendarUnitYearForWeekOfYear = 1U << 14,
+    NSCalendarUnitNanosecond = 1U << 15,
+};
+
+/// The fields of a date, each either set or `NSDateComponentUndefined`, and a time zone, which may be nil.
+struct NSDateComponents {
+    NSInteger era = NSDateComponentUndefined;  ///< 0 before the year 1, else 1
+    NSInteger year = NSDateComponentUndefined; ///< within its era: the year before 1 is year 1 of era 0
+    NSInteger month = NSDateComponentUndefined;
+    NSInteger day = NSDateComponentUndefined;
+    NSInteger hour = NSDateComponentUndefined;
+    NSInteger minute = NSDateComponentUndefined;
+    NSInteger second = NSDateComponentUndefined;
+    NSInteger nanosecond = NSDateComponentUndefined;
+    NSInteger weekday = NSDateComponentUndefined; ///< 1 Sunday to 7 Saturday
+    NSInteger quarter = NSDateComponentUndefined;
+    NSInteger weekOfYear = NSDateComponentUndefined;
+    NSInteger yearForWeekOfYear = NSDateComponentUndefined;
+    NSTimeZone timeZone;
+};
+
+/// Turns instants into fields and back, by the rules of the Gregorian calendar at all times, also before they
+/// were introduced, on the clocks of a time zone. A small value; copy it freely, use it from any thread. A
+/// default-made one is nil and answers nil, 0, false and unset fields.
+///
+/// A year comes back as the year of its era, so only with the era does it tell which year it was. Where a
+/// year is given without an era, 0 is the year before 1, and -1 the one before that. The years to which weeks
+/// belong have no eras and count through 0.
+///
+/// The calendar reaches 292,000,000,000 years of 365.2425 days to both sides of 1970. A date beyond, and one
+/// that is no number, has no fields.
+class ZQFOUNDATION_EXPORT NSCalendar {
+public:
+    constexpr NSCalendar() noexcept = default;
+    constexpr NSCalendar(std::nullptr_t) noexcept {}
+
+    static constexpr char NSCalendarIdentifierGregorian[] = "gregorian";
+    static constexpr char NSCalendarIdentifierISO8601[] = "iso8601";
+
+    /// The Gregorian calendar, whose weeks begin on Sunday and whose first week of a year holds 1 January, or
+    /// that of ISO 8601, whose weeks begin on Monday and whose first week holds at least four days of its
+    /// year; nil for another name. In the process's time zone at each use.
+    static NSCalendar calendarWithIdentifier(StringView identifier);
+
+    /// The user's: the Gregorian one.
+    static NSCalendar currentCalendar() noexcept;
+
+    constexpr explicit operator bool() const noexcept { return form_ != Form::absent; }
+
+    NSString calendarIdentifier() const;
+
+    /// Nil, as at first: the process's zone at the time of each call.
+    void setTimeZone(NSTimeZone zone) noexcept { timeZone_ = zone; }
+    /// The zone that applies now; nil only for a nil calendar.
+    NSTimeZone timeZone() const noexcept;
+
+    /// The instant that the fields era, year, month, day, hour, minute, second and nanosecond name, in their
+    /// own time zone or else the calendar's; the others are not looked at. A field that is not set is 1 for
+    /// era, year, month and day, else 0. Fields out of range carry, the month first, then days, hours,
+    /// minutes and seconds in local wall time: day 0 is the last day of the month before. A wall time that
+    /// the clocks skip uses the offset from before the change; one that occurs twice is its first occurrence.
+    /// Nil when the calendar does not reach there, and for an era that is neither 0 nor 1.
+    NSDate dateFromComponents(const NSDateComponents& components) const noexcept;
+
+    /// Those fields of the date that are asked for, the others not set; all not set for a nil date and one
+    /// that the calendar does not reach. Sets the time zone too.
+    NSDateComponents components_fromDate(unsigned units, const NSDate& date) const noexcept;
+
+    /// One field of the date; `NSDateComponentUndefined` where there is none, 0 for a nil calendar.
+    NSInteger component_fromDate(NSCalendarUnit unit, const NSDate& date) const noexcept;
+
+    /// The difference in whole units, toward zero, negative when `to` is earlier: years, months, weeks (of
+    /// the year) and days as calendar dates count them, hours, minutes, seconds and nanoseconds as they pass.
+    /// The greatest asked-for unit is filled first, the rest goes into the next smaller ones. A month is
+    /// added to a day that the next month lacks by taking its last day. From the first instant of a day,
+    /// whole units lead to first instants of days, so between two of them the days are those of the calendar,
+    /// even where one of them has no midnight. Other units are not set, nor is a count that has no room.
+    NSDateComponents components_fromDate_toDate(unsigned units, const NSDate& from,
+                                                const NSDate& to) const noexcept;
+
+    /// The first instant of the unit around the date and, in seconds, how long it lasts: 23 or 25 hours for a
+    /// day of changing clocks. Units year, quarter, month, week of year, day, hour, minute and second; an
+    /// hour or a minute in which the clocks are changed ends or begins with the change. False, with nothing
+    /// written, for others, for a nil date and one that the calendar does not reach. Either pointer may be
+    /// null.
+    bool rangeOfUnit_startDate_interval_forDate(NSCalendarUnit unit, NSDate* start, NSTimeInterval* interval,
+                                                const NSDate& date) const noexcept;
+
+    /// The first instant of the date's day: 01:00 where midnight is skipped, the first of two midnights. Nil
+    /// where there is none.
+    NSDate startOfDayForDate(const NSDate& date) const noexcept;
+
+private:
+    enum class Form : unsigned char { absent, gregorian, iso8601 };
+
+    constexpr explicit NSCalendar(Form form) noexcept : form_(form) {}
+
+    NSTimeZone timeZone_;
+    Form form_ = Form::absent;
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/time/WallTime.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "foundation/time/ZoneAccess.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::int64_t yearsPerCycle = 400;
+constexpr double nanosecondsPerSecond = 1e9;
+constexpr auto referenceSeconds = static_cast<std::int64_t>(NSDate::timeIntervalBetween1970AndReferenceDate);
+
+static_assert(greatestCalendarSeconds <= INT64_MAX - 2 * 366 * secondsPerDay - 2 * greatestZoneOffset);
+
+} // namespace
+
+WideInteger wallSecondsFromFields(const WallFields& fields) noexcept {
+    // Whole cycles of years are set aside, so the calendar itself is asked about small years only.
+    const std::int64_t years = floorDivide(fields.month, 12);
+    const std::int64_t cycles = floorDivide(fields.year, yearsPerCycle) + floorDivide(years, yearsPerCycle);
+    const std::int64_t yearOfCycles =
+        floorModulo(fields.year, yearsPerCycle) + floorModulo(years, yearsPerCycle);
+    std::int64_t dayOfCycles = 0;
+    static_cast<void>(daysFromCivil(yearOfCycles, floorModulo(fields.month, 12), 1, dayOfCycles));
+    const WideInteger days = static_cast<WideInteger>(cycles) * daysPerCycle + dayOfCycles + fields.day - 1;
+    return days * secondsPerDay + static_cast<WideInteger>(fields.hour) * 3600 +
+           static_cast<WideInteger>(fields.minute) * 60 + fields.second;
+}
+
+std::int64_t instantOfWallTime(std::int64_t wallSeconds, const NSTimeZone& zone) noexcept {
+    // No offset is greater, so the instant lies within these limits whatever the clocks do.
+    const std::int64_t earliest = wallSeconds - greatestZoneOffset;
+    const std::int64_t latest = wallSeconds + greatestZoneOffset;
+    ZonePeriod period = ZoneAccess::periodAt(zone, earliest);
+    std::int64_t from = earliest;
+    std::int64_t shown = wallSeconds - period.offset;
+    std::int64_t missed = shown;
+    bool isMissed = false;
+    while (shown < from || shown >= period.until) {
+        // Beyond the last change nothing comes later than `latest`, so it was missed before.
+        if (period.until > latest) {
+            return missed;
+        }
+        from = period.until;
+        period = ZoneAccess::periodAt(zone, from);
+        const std::int64_t unchanged = shown;
+        shown = wallSeconds - period.offset;
+        // Clocks that are put back again soon may still show what they have skipped.
+        if (shown < from && !isMissed) {
+            missed = unchanged;
+            isMissed = true;
+        }
+    }
+    return shown;
+}
+
+std::int64_t firstInstantFromWallTime(std::int64_t wallSeconds, const NSTimeZone& zone) noexcept {
+    ZonePeriod period = ZoneAccess::periodAt(zone, wallSeconds - greatestZoneOffset);
+    std::int64_t shown = wallSeconds - period.offset;
+    while (shown >= period.until) {
+        const std::int64_t change = period.until;
+        period = ZoneAccess::periodAt(zone, change);
+        shown = std::max(change, wallSeconds - period.offset);
+    }
+    return shown;
+}
+
+bool instantOfDate(const NSDate& date, Instant& instant) noexcept {
+    const double seconds = date.timeIntervalSinceReferenceDate();
+    // Not-a-number is within no limits. These are wide enough for dates counted from another year than 1970.
+    constexpr auto limit = static_cast<double>(greatestCalendarSeconds + referenceSeconds);
+    if (!date || !(seconds >= -limit && seconds <= limit)) {
+        return false;
+    }
+    const double whole = std::floor(seconds);
+    const std::int64_t since1970 = static_cast<std::int64_t>(whole) + referenceSeconds;
+    if (!isWithinCalendar(since1970)) {
+        return false;
+    }
+    // A fraction next to 1 may come out as 1.
+    const double nanoseconds = std::min((seconds - whole) * nanosecondsPerSecond, 999999999.0);
+    instant = {since1970, static_cast<std::int32_t>(nanoseconds)};
+    return true;
+}
+
+NSDate dateOfInstant(Instant instant) noexcept {
+    return NSDate::dateWithTimeIntervalSinceReferenceDate(
+        static_cast<double>(instant.seconds - referenceSeconds) +
+        static_cast<double>(instant.nanoseconds) / nanosecondsPerSecond);
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include "info/NetworkInfo.h"
+
+#include <cstring>
+#include <string>
+
+#include "info/RoutingSocket.h"
+
+namespace ZQFoundation {
+
+NSString NetworkInfo::getLocalIPAddressStringOfInterfaceOfRouteTo(const NSString& destination) {
+    const std::string text = destination.utf8();
+    const std::uint32_t address = getLocalIPAddressOfInterfaceOfRouteTo(destination ? text.c_str() : nullptr);
+    if (address == 0) {
+        return nullptr;
+    }
+    std::uint8_t bytes[sizeof address]; // in the network's order, so as they stand in memory
+    std::memcpy(bytes, &address, sizeof address);
+    return NSString::stringWithFormat("%u.%u.%u.%u", bytes[0], bytes[1], bytes[2], bytes[3]);
+}
+
+} // namespace ZQFoundation

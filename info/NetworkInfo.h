@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_INFO_NETWORKINFO_H
+#define ZQFOUNDATION_INFO_NETWORKINFO_H
+
+#include "../foundation/objects/NSString.h"
+
+namespace ZQFoundation {
+
+/// What the kernel's routes say about the local network.
+class ZQFOUNDATION_EXPORT NetworkInfo {
+public:
+    NetworkInfo() = delete;
+
+    /// The local IPv4 address of the interface that a route to the destination ("192.0.2.1") uses, as
+    /// "192.168.1.20"; nil on failure, with a line on standard error, and for the address 0.0.0.0.
+    ///
+    /// **Each call keeps one descriptor for the rest of the process.** Not for two threads at once.
+    static NSString getLocalIPAddressStringOfInterfaceOfRouteTo(const NSString& destination);
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_INFO_ROUTINGSOCKET_H
+#define ZQFOUNDATION_INFO_ROUTINGSOCKET_H
+
+#include <cstdint>
+
+#include "../foundation/objects/Export.h"
+
+namespace ZQFoundation {
+
+/// A socket address as routing messages carry it: its own length first, which counts these two bytes too.
+struct RoutingSocketAddress {
+    std::uint8_t sa_len;
+    std::uint8_t sa_family;
+    std::uint8_t sa_data[14];
+};
+
+/// What the kernel knows of a route's quality; 56 bytes of every routing message.
+struct RouteMetrics {
+    std::uint32_t rmx_locks;
+    std::uint32_t rmx_mtu;
+    std::uint32_t rmx_hopcount;
+    std::int32_t rmx_expire;
+    std::uint32_t rmx_recvpipe;
+    std::uint32_t rmx_sendpipe;
+    std::uint32_t rmx_ssthresh;
+    std::uint32_t rmx_rtt;
+    std::uint32_t rmx_rttvar;
+    std::uint32_t rmx_pksent;
+    std::uint32_t rmx_state;
+    std::uint32_t rmx_filler[3];
+};
+
+/// Room for a socket address of any family.
+union RoutingSocketAddressStorage {
+    RoutingSocketAddress address;
+    std::uint8_t bytes[128];
+};
+
+extern "C" {
+
+/// Copied into every request of a route lookup. All zero; the library never writes it.
+extern ZQFOUNDATION_EXPORT RouteMetrics rt_metrics;
+
+/// All zero, and used by no operation.
+extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_dst;
+extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_ifa;
+extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_ifp;
+
+/// The local IPv4 address, in network byte order, of the interface through which the kernel would send to the
+/// destination, given as dotted text ("192.0.2.1"). Any other text asks for the route to 0.0.0.0.
+///
+/// 0 on failure, with a line on standard error that names the step. **Each call keeps one descriptor and 604
+/// bytes for the rest of the process.** Not for two threads at once.
+ZQFOUNDATION_EXPORT std::uint32_t getLocalIPAddressOfInterfaceOfRouteTo(const char* destination);
+
+/// Splits the socket addresses of a routing message. For each bit of the mask from bit 0 to bit 7 that is
+/// set, the entry of the table points at the next address, else it is null. Each address is as long as its
+/// first byte says, rounded up to a multiple of 4, and 4 for 0; nothing is checked against the message's end.
+///
+/// The table has room for 8 entries, which point into the message.
+ZQFOUNDATION_EXPORT void get_rtaddrs(int mask, RoutingSocketAddress* first, RoutingSocketAddress** table);
+
+} // extern "C"
+
+} // namespace ZQFoundation
+
+#endif

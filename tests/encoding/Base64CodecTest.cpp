@@ -1,0 +1,295 @@
+// SPDX-License-Identifier: MIT
+// Every codec that this processor runs, beside a decoder and an encoder that go character by character.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "encoding/Base64Codec.h"
+
+namespace base64 = ZQFoundation::detail::base64;
+
+namespace {
+
+struct Decoded {
+    std::uint64_t length; ///< as reported
+    std::string bytes;    ///< all that were written
+
+    friend bool operator==(const Decoded&, const Decoded&) = default;
+};
+
+int valueOf(char character) {
+    const char* const found =
+        character != '\0' ? std::strchr(base64::alphabet, static_cast<unsigned char>(character)) : nullptr;
+    return found != nullptr ? static_cast<int>(found - base64::alphabet) : -1;
+}
+
+Decoded slowlyDecoded(const std::string& text) {
+    Decoded result{0, ""};
+    for (std::size_t at = 0; at < text.size();) {
+        unsigned group = 0;
+        int count = 0;
+        for (; count < 4 && at < text.size(); ++at) {
+            if (const int value = valueOf(text[at]); value >= 0) {
+                group |= static_cast<unsigned>(value) << (18 - 6 * count++);
+            }
+        }
+        for (int i = 0; i + 1 < count; ++i) {
+            result.bytes.push_back(static_cast<char>(group >> (16 - 8 * i)));
+        }
+        result.length += static_cast<std::uint64_t>(count) - 1;
+    }
+    return result;
+}
+
+std::string slowlyEncoded(const std::string& bytes, bool separateLines) {
+    std::string text;
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+        if (separateLines && at != 0 && at % base64::bytesOfLine == 0) {
+            text += "\r\n";
+        }
+        const std::size_t count = std::min<std::size_t>(3, bytes.size() - at);
+        unsigned group = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            group = group << 8U | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0U);
+        }
+        for (std::size_t i = 0; i < 4; ++i) {
+            text.push_back(i <= count ? base64::alphabet[group >> (18 - 6 * i) & 63U] : '=');
+        }
+    }
+    return text;
+}
+
+/// Memory of exactly so many bytes before a page that may not be touched.
+class Guarded {
+public:
+    explicit Guarded(std::size_t count) {
+        const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+        size_ = (count + page - 1) / page * page + page;
+        start_ = ::mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        EXPECT_NE(start_, MAP_FAILED);
+        char* const guard = static_cast<char*>(start_) + size_ - page;
+        EXPECT_EQ(::mprotect(guard, page, PROT_NONE), 0);
+        bytes_ = reinterpret_cast<std::uint8_t*>(guard) - count;
+    }
+    Guarded(const Guarded&) = delete;
+    Guarded& operator=(const Guarded&) = delete;
+    ~Guarded() { ::munmap(start_, size_); }
+
+    std::uint8_t* bytes() const { return bytes_; }
+
+private:
+    void* start_ = nullptr;
+    std::size_t size_ = 0;
+    std::uint8_t* bytes_ = nullptr;
+};
+
+/// Input and output each end at the end of what may be touched.
+class Workbench {
+public:
+    Decoded decoded(const base64::Codec& codec, const std::string& text) {
+        const std::size_t capacity = (text.size() + 3) / 4 * 3;
+        std::uint8_t* const input = endOf(input_, text.size());
+        std::uint8_t* const output = endOf(output_, capacity);
+        std::memcpy(input, text.data(), text.size());
+        Decoded result{base64::decode(codec, input, text.size(), output), ""};
+        // A length that is one too small leaves a byte that was written behind it.
+        const std::uint64_t written = std::min<std::uint64_t>(result.length + 1, capacity);
+        result.bytes.assign(reinterpret_cast<const char*>(output), written);
+        return result;
+    }
+
+    std::string encoded(const base64::Codec& codec, const std::string& bytes, bool separateLines) {
+        std::size_t capacity = (bytes.size() + 2) / 3 * 4;
+        capacity += capacity == 0 || !separateLines ? 0 : (capacity - 1) / base64::charactersOfLine * 2;
+        std::uint8_t* const input = endOf(input_, bytes.size());
+        std::uint8_t* const output = endOf(output_, capacity);
+        std::memcpy(input, bytes.data(), bytes.size());
+        char* const text = reinterpret_cast<char*>(output);
+        return {text, base64::encode(codec, input, bytes.size(), separateLines, text)};
+    }
+
+private:
+    static constexpr std::size_t room = 16384;
+    static std::uint8_t* endOf(const Guarded& memory, std::size_t count) {
+        return memory.bytes() + room - count;
+    }
+
+    Guarded input_{room};
+    Guarded output_{room};
+};
+
+void expectDecoded(Workbench& bench, const std::string& text) {
+    const Decoded expected = slowlyDecoded(text);
+    for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
+        Decoded found = bench.decoded(**codec, text);
+        ASSERT_EQ(found.length, expected.length) << (*codec)->name << " '" << text << "'";
+        ASSERT_GE(found.bytes.size() + 1, expected.bytes.size());
+        found.bytes.resize(expected.bytes.size());
+        ASSERT_EQ(found.bytes, expected.bytes) << (*codec)->name << " '" << text << "'";
+    }
+}
+
+void expectEncoded(Workbench& bench, const std::string& bytes) {
+    for (const bool separateLines : {false, true}) {
+        const std::string expected = slowlyEncoded(bytes, separateLines);
+        for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
+            ASSERT_EQ(bench.encoded(**codec, bytes, separateLines), expected)
+                << (*codec)->name << ", " << bytes.size() << " bytes";
+        }
+    }
+}
+
+std::string randomBytes(std::mt19937& random, std::size_t count) {
+    std::string bytes(count, '\0');
+    for (char& byte : bytes) {
+        byte = static_cast<char>(random());
+    }
+    return bytes;
+}
+
+/// Any byte outside the alphabet.
+char randomForeignByte(std::mt19937& random) {
+    for (;;) {
+        if (const char byte = static_cast<char>(random()); valueOf(byte) < 0) {
+            return byte;
+        }
+    }
+}
+
+} // namespace
+
+TEST(Base64Codec, thePlainOneIsThereAndTheChosenOneIsTheLast) {
+    const base64::Codec* const* codec = base64::availableCodecs();
+    ASSERT_NE(*codec, nullptr);
+    EXPECT_STREQ((*codec)->name, "plain");
+    while (codec[1] != nullptr) {
+        ++codec;
+    }
+    EXPECT_EQ(&base64::codec(), *codec);
+}
+
+TEST(Base64Codec, allEncodeAllLengthsAlike) {
+    Workbench bench;
+    std::mt19937 random(1);
+    for (std::size_t count = 0; count <= 1000; ++count) {
+        expectEncoded(bench, randomBytes(random, count));
+    }
+}
+
+TEST(Base64Codec, allDecodeAllLengthsAlike) {
+    Workbench bench;
+    std::mt19937 random(2);
+    for (std::size_t count = 0; count <= 1000; ++count) {
+        const std::string bytes = randomBytes(random, count);
+        for (const bool separateLines : {false, true}) {
+            const std::string text = slowlyEncoded(bytes, separateLines);
+            expectDecoded(bench, text);
+            // Cut off anywhere in its last groups, too.
+            for (std::size_t cut = 1; cut < 6 && cut <= text.size(); ++cut) {
+                expectDecoded(bench, text.substr(0, text.size() - cut));
+            }
+        }
+    }
+}
+
+TEST(Base64Codec, allReadAndWriteAtAnyAlignment) {
+    std::mt19937 random(3);
+    const std::string bytes = randomBytes(random, 300);
+    const std::string text = slowlyEncoded(bytes, true);
+    alignas(64) std::uint8_t input[1024];
+    alignas(64) std::uint8_t output[1024];
+    for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
+        for (std::size_t from = 0; from < 64; ++from) {
+            const std::size_t to = from * 7 % 64;
+            std::memcpy(input + from, text.data(), text.size());
+            ASSERT_EQ(base64::decode(**codec, input + from, text.size(), output + to), bytes.size());
+            ASSERT_EQ(std::memcmp(output + to, bytes.data(), bytes.size()), 0) << (*codec)->name << from;
+            std::memcpy(input + from, bytes.data(), bytes.size());
+            char* const start = reinterpret_cast<char*>(output + to);
+            char* const end = base64::encode(**codec, input + from, bytes.size(), true, start);
+            ASSERT_EQ(std::string(start, end), text) << (*codec)->name << from;
+        }
+    }
+}
+
+TEST(Base64Codec, allPassOverOneForeignByteAnywhere) {
+    Workbench bench;
+    std::mt19937 random(4);
+    const std::string text = slowlyEncoded(randomBytes(random, 195), false);
+    for (std::size_t place = 0; place <= text.size(); ++place) {
+        std::string inserted = text;
+        inserted.insert(place, 1, randomForeignByte(random));
+        expectDecoded(bench, inserted);
+        if (place < text.size()) {
+            std::string replaced = text;
+            replaced[place] = randomForeignByte(random);
+            expectDecoded(bench, replaced);
+        }
+    }
+}
+
+TEST(Base64Codec, allTakeEveryByteForWhatItIs) {
+    Workbench bench;
+    const std::string before(128, 'A');
+    for (int byte = 0; byte < 256; ++byte) {
+        for (const std::size_t place : {0U, 1U, 31U, 63U, 64U, 70U}) {
+            std::string text = before;
+            text[place] = static_cast<char>(byte);
+            expectDecoded(bench, text);
+        }
+        expectDecoded(bench, std::string(130, static_cast<char>(byte)));
+    }
+}
+
+TEST(Base64Codec, allDecodeRandomTextsAlike) {
+    Workbench bench;
+    std::mt19937 random(5);
+    for (int turn = 0; turn < 20000; ++turn) {
+        // One byte in so many is foreign; 0: none.
+        constexpr unsigned rarities[] = {0, 1, 2, 5, 20, 100, 500};
+        const unsigned rarity = rarities[random() % std::size(rarities)];
+        std::string text(random() % 500, 'A');
+        for (char& character : text) {
+            const bool isForeign = rarity != 0 && random() % rarity == 0;
+            character = isForeign ? randomForeignByte(random) : base64::alphabet[random() % 64];
+        }
+        expectDecoded(bench, text);
+    }
+}
+
+TEST(Base64Codec, allDecodeLinesOfAnyLengthAndBreak) {
+    Workbench bench;
+    std::mt19937 random(6);
+    const std::string whole = slowlyEncoded(randomBytes(random, 1200), false);
+    for (const char* const lineBreak : {"\n", "\r\n", "\r", "\r\n\t  ", "= = ="}) {
+        for (std::size_t width = 1; width <= 140; ++width) {
+            std::string text;
+            for (std::size_t at = 0; at < whole.size(); at += width) {
+                text += whole.substr(at, width) + lineBreak;
+            }
+            expectDecoded(bench, text);
+        }
+    }
+}
+
+TEST(Base64Codec, allLoseAByteToForeignBytesAtTheEnd) {
+    Workbench bench;
+    for (const std::size_t groups : {1U, 8U, 16U, 17U, 33U}) {
+        for (std::size_t count = 1; count <= 130; ++count) {
+            const std::string text = std::string(4 * groups, 'Q') + std::string(count, '=');
+            EXPECT_EQ(slowlyDecoded(text).length, 3 * groups - 1);
+            expectDecoded(bench, text);
+        }
+    }
+    for (std::size_t count = 1; count <= 130; ++count) {
+        EXPECT_EQ(slowlyDecoded(std::string(count, '\n')).length, UINT64_MAX);
+        expectDecoded(bench, std::string(count, '\n'));
+    }
+}

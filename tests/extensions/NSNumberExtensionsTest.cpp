@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#include <climits>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSNumber.h"
+#include "foundation/objects/NSString.h"
+
+namespace ZQFoundation {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+std::string duration(const NSNumber& number, std::int64_t fields, bool suppressZeroes) {
+    const NSString text = number.durationDescriptionWithFieldCount_suppressZeroes(fields, suppressZeroes);
+    return text ? text.utf8() : "nil";
+}
+
+TEST(NSNumberExtensions, tellEvenNumbersFromOddOnesByTheirIntegers) {
+    const struct {
+        NSNumber number;
+        bool isOdd;
+    } rows[] = {
+        {0, false},       {1, true},         {-1, true},          {-2, false},        {-3, true},
+        {-4, false},      {2.9, false},      {3.9, true},         {-2.9, false},      {-3.9, true},
+        {0.5, false},     {-0.5, false},     {true, true},        {false, false},     {INT_MAX, true},
+        {INT_MIN, false}, {INT64_MAX, true}, {UINT64_MAX, true},  {INT64_MIN, false}, {5000000001, true},
+        {1e300, true},    {-1e300, false},   {notANumber, false}, {2.5F, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.number.isOdd(), row.isOdd) << row.number.description().utf8();
+        EXPECT_EQ(row.number.isEven(), !row.isOdd) << row.number.description().utf8();
+    }
+    EXPECT_FALSE(NSNumber().isOdd());
+    EXPECT_FALSE(NSNumber().isEven());
+}
+
+TEST(NSNumberExtensions, compareByValueAcrossAllKinds) {
+    const struct {
+        NSNumber left;
+        NSNumber right;
+        int order;
+    } rows[] = {
+        {3, 3.0, 0},
+        {2.5, 3, -1},
+        {3, 2.5, 1},
+        {-1, UINT64_MAX, -1},
+        {UINT64_MAX, INT64_MAX, 1},
+        {true, 1, 0},
+        {false, 0.0, 0},
+        {INT64_MAX, 9223372036854775808.0, -1},
+        {-infinity, INT64_MIN, -1},
+        {infinity, infinity, 0},
+        {5000000000, 705032704, 1},
+        {notANumber, notANumber, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.left.description().utf8()) + " and " + row.right.description().utf8());
+        EXPECT_EQ(row.left.isLargerThan(row.right), row.order > 0);
+        EXPECT_EQ(row.left.isLargerOrEqualThan(row.right), row.order >= 0);
+        EXPECT_EQ(row.left.isSmallerOrEqualThan(row.right), row.order <= 0);
+        EXPECT_EQ(row.left.isSmallerThan(row.right), row.order < 0);
+    }
+}
+
+TEST(NSNumberExtensions, areFalseWhereOneOfTheNumbersIsNil) {
+    const NSNumber pairs[][2] = {{NSNumber(), 1}, {1, NSNumber()}, {NSNumber(), NSNumber()}};
+    for (const auto& [receiver, argument] : pairs) {
+        EXPECT_FALSE(receiver.isLargerThan(argument));
+        EXPECT_FALSE(receiver.isLargerOrEqualThan(argument));
+        EXPECT_FALSE(receiver.isSmallerOrEqualThan(argument));
+        EXPECT_FALSE(receiver.isSmallerThan(argument));
+    }
+}
+
+TEST(NSNumberExtensions, stepUpAndDownIn32Bits) {
+    const struct {
+        NSNumber number;
+        int up;
+        int down;
+    } rows[] = {
+        {0, 1, -1},
+        {2.7, 3, 1},
+        {-2.7, -1, -3},
+        {0.5, 1, -1},
+        {true, 2, 0},
+        {INT_MAX, INT_MIN, INT_MAX - 1},
+        {INT_MIN, INT_MIN + 1, INT_MAX},
+        {5000000000, 705032705, 705032703},
+        {UINT64_MAX, 0, -2},
+        {notANumber, 1, -1},
+    };
+    for (const auto& row : rows) {
+        const NSNumber up = row.number.numberByIncrementing();
+        const NSNumber down = row.number.numberByDecrementing();
+        EXPECT_TRUE(up.isEqualToNumber(row.up)) << row.number.description().utf8();
+        EXPECT_TRUE(down.isEqualToNumber(row.down)) << row.number.description().utf8();
+        EXPECT_FALSE(up.isReal() || up.isBoolean() || down.isReal() || down.isBoolean());
+        EXPECT_EQ(up.description(), std::to_string(row.up));
+    }
+    EXPECT_FALSE(NSNumber().numberByIncrementing());
+    EXPECT_FALSE(NSNumber().numberByDecrementing());
+}
+
+TEST(NSNumberExtensions, showSecondsAsAClockDoes) {
+    const struct {
+        NSNumber seconds;
+        const char* hours;
+        const char* minutes;
+        const char* three;
+        const char* two;
+        const char* one;
+    } rows[] = {
+        {0, "00", "00", "0:00:00", "0:00", "00"},
+        {5, "05", "05", "0:00:05", "0:05", "05"},
+        {59, "59", "59", "0:00:59", "0:59", "59"},
+        {60, "1:00", "1:00", "0:01:00", "1:00", "00"},
+        {125, "2:05", "2:05", "0:02:05", "2:05", "05"},
+        {600, "10:00", "10:00", "0:10:00", "10:00", "00"},
+        {3599, "59:59", "59:59", "0:59:59", "59:59", "59"},
+        {3600, "1:00:00", "00", "1:00:00", "0:00", "00"},
+        {3605, "1:00:05", "05", "1:00:05", "0:05", "05"},
+        {3725, "1:02:05", "2:05", "1:02:05", "2:05", "05"},
+        {90061, "25:01:01", "1:01", "25:01:01", "1:01", "01"},
+        {INT_MAX, "596523:14:07", "14:07", "596523:14:07", "14:07", "07"},
+        {59.9, "59", "59", "0:00:59", "0:59", "59"},
+        {-0.5, "00", "00", "0:00:00", "0:00", "00"},
+        {true, "01", "01", "0:00:01", "0:01", "01"},
+        {-1, "", "", "", "", ""},
+        {INT_MIN, "", "", "", "", ""},
+        {2147483648, "", "", "", "", ""},
+        {4294967296 + 65, "1:05", "1:05", "0:01:05", "1:05", "05"},
+        {-4294967296 + 65, "1:05", "1:05", "0:01:05", "1:05", "05"},
+        {notANumber, "00", "00", "0:00:00", "0:00", "00"},
+        {infinity, "", "", "", "", ""},
+        {NSNumber(), "nil", "nil", "nil", "nil", "nil"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.seconds ? row.seconds.description().utf8() : std::string("nil"));
+        EXPECT_EQ(duration(row.seconds, 3, true), row.hours);
+        EXPECT_EQ(duration(row.seconds, 2, true), row.minutes);
+        EXPECT_EQ(duration(row.seconds, 3, false), row.three);
+        EXPECT_EQ(duration(row.seconds, 2, false), row.two);
+        EXPECT_EQ(duration(row.seconds, 1, false), row.one);
+        EXPECT_EQ(duration(row.seconds, 1, true), row.one);
+        const NSString hours = row.seconds.durationDescriptionWithHours();
+        const NSString minutes = row.seconds.durationDescriptionWithMinutes();
+        EXPECT_EQ(hours ? hours.utf8() : "nil", row.hours);
+        EXPECT_EQ(minutes ? minutes.utf8() : "nil", row.minutes);
+    }
+}
+
+TEST(NSNumberExtensions, takeAnyNumberOfFields) {
+    for (const bool suppressZeroes : {false, true}) {
+        EXPECT_EQ(duration(3725, 4, suppressZeroes), "1:02:05");
+        EXPECT_EQ(duration(3725, 7, suppressZeroes), "1:02:05");
+        EXPECT_EQ(duration(3725, INT64_MAX, suppressZeroes), "1:02:05");
+        EXPECT_EQ(duration(3725, 0, suppressZeroes), "05");
+        EXPECT_EQ(duration(3725, -1, suppressZeroes), "05");
+        EXPECT_EQ(duration(3725, INT64_MIN, suppressZeroes), "05");
+    }
+}
+
+/// The rules as their table has them, word for word.
+std::string slowDuration(unsigned u, std::int64_t fields, bool suppressZeroes) {
+    const unsigned hours = u / 3600, rest = u % 3600, minutes = rest / 60, seconds = rest % 60;
+    int form = 1;
+    if (!suppressZeroes) {
+        form = fields >= 3 ? 3 : fields == 2 ? 2 : 1;
+    } else if (fields >= 3 && u >= 3600) {
+        form = 3;
+    } else if (fields >= 2 && rest >= 60) {
+        form = 2;
+    }
+    char text[40];
+    if (form == 3) {
+        std::snprintf(text, sizeof text, "%u:%02u:%02u", hours, minutes, seconds);
+    } else if (form == 2) {
+        std::snprintf(text, sizeof text, "%u:%02u", minutes, seconds);
+    } else {
+        std::snprintf(text, sizeof text, "%02u", seconds);
+    }
+    return text;
+}
+
+TEST(NSNumberExtensions, followTheTableForAllSecondsOfSomeHoursAndManyOthers) {
+    std::mt19937 random(12);
+    for (int i = 0; i < 40000; ++i) {
+        const int seconds = i < 8000 ? i : static_cast<int>(random() >> (1 + random() % 20));
+        for (std::int64_t fields = 0; fields <= 4; ++fields) {
+            for (const bool suppressZeroes : {false, true}) {
+                ASSERT_EQ(duration(seconds, fields, suppressZeroes),
+                          slowDuration(static_cast<unsigned>(seconds), fields, suppressZeroes))
+                    << seconds << " " << fields << " " << suppressZeroes;
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace ZQFoundation
