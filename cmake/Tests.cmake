@@ -3,7 +3,16 @@
 # wrong code does not compile) says so in a CMakeLists.txt of its own, which may use the functions below and
 # the folder's program, test_<folder>.
 
-if(ZQFOUNDATION_TESTS STREQUAL "AUTO")
+if(CMAKE_CROSSCOMPILING)
+    # There is no package of GoogleTest for another processor; the sources of the package for this one serve.
+    set(INSTALL_GTEST OFF)
+    add_subdirectory(/usr/src/googletest "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
+    foreach(library gtest gtest_main gmock)
+        if(NOT TARGET GTest::${library})
+            add_library(GTest::${library} ALIAS ${library})
+        endif()
+    endforeach()
+elseif(ZQFOUNDATION_TESTS STREQUAL "AUTO")
     find_package(GTest QUIET)
     if(NOT GTest_FOUND)
         message(STATUS "Tests are not built: GoogleTest is not installed (scripts/install-packages test)")
@@ -145,4 +154,5 @@ endforeach()
 if(NOT ZQFOUNDATION_SANITIZE)
     include(HeaderChecks)
     include(BinaryChecks)
+    include(DocumentChecks)
 endif()

@@ -2,6 +2,7 @@
 #include "encoding/Base64Codec.h"
 
 #include <algorithm>
+#include <utility>
 
 #if defined(__x86_64__)
 #include <cpuid.h>
@@ -67,7 +68,10 @@ void decodePlainGroups(Decoding& state) noexcept {
 /// One pass: collects up to four values, over foreign bytes, and writes what they spell. The count collected.
 int decodePass(Decoding& state) noexcept {
     std::uint8_t values[4] = {};
-    int count = 0;
+    int count = std::exchange(state.pendingCount, 0);
+    for (int i = 0; i < count; ++i) {
+        values[i] = state.pending[i];
+    }
     while (count < 4 && state.input != state.inputEnd) {
         const std::uint8_t value = valueOfByte[*state.input++];
         if (value != foreign) {
@@ -82,7 +86,9 @@ int decodePass(Decoding& state) noexcept {
     return count;
 }
 
-constexpr Codec plainCodec{"plain", encodePlainGroups, decodePlainGroups};
+void encodeNoLines(Encoding&) noexcept {}
+
+constexpr Codec plainCodec{"plain", encodePlainGroups, encodeNoLines, decodePlainGroups};
 
 #if defined(__x86_64__)
 
@@ -107,7 +113,7 @@ Features processorFeatures() noexcept {
     constexpr unsigned avx2 = 1U << 5U;
     constexpr unsigned avx512Foundation = 1U << 16U;
     constexpr unsigned avx512Bytes = 1U << 30U;
-    constexpr unsigned avx512Permutations = 1U << 1U;
+    constexpr unsigned avx512Permutations = 1U << 1U | 1U << 6U; // of bytes, and squeezing
 
     Features found;
     unsigned a = 0;
@@ -123,7 +129,7 @@ Features processorFeatures() noexcept {
     }
     found.avx2 = (saved & halfRegisters) == halfRegisters && (b & avx2) != 0;
     found.avx512 = found.avx2 && (saved & fullRegisters) == fullRegisters && (b & avx512Foundation) != 0 &&
-                   (b & avx512Bytes) != 0 && (c & avx512Permutations) != 0;
+                   (b & avx512Bytes) != 0 && (c & avx512Permutations) == avx512Permutations;
     return found;
 }
 
@@ -180,6 +186,9 @@ const Codec& codec() noexcept {
 char* encode(const Codec& codec, const std::uint8_t* input, std::size_t count, bool separateLines,
              char* output) noexcept {
     Encoding state{input, input + count, output};
+    if (separateLines) {
+        codec.encodeLines(state);
+    }
     for (;;) {
         const auto left = static_cast<std::size_t>(state.inputEnd - state.input);
         const bool isLast = !separateLines || left <= bytesOfLine;
@@ -201,7 +210,9 @@ std::uint64_t decode(const Codec& codec, const std::uint8_t* input, std::size_t 
     std::uint64_t lost = 0;
     while (state.input != state.inputEnd) {
         codec.decodeGroups(state);
-        decodePlainGroups(state);
+        if (state.pendingCount == 0) {
+            decodePlainGroups(state);
+        }
         // A pass that finds nothing takes one byte off the length.
         if (state.input != state.inputEnd && decodePass(state) == 0) {
             lost = 1;

@@ -40,7 +40,9 @@ struct Decoding {
     const std::uint8_t* input;
     const std::uint8_t* inputEnd;
     std::uint8_t* output;
-    std::uint8_t* outputEnd; ///< of the whole buffer, which has room for what the input can give
+    std::uint8_t* outputEnd;      ///< of the whole buffer, which has room for what the input can give
+    std::uint8_t pending[4] = {}; ///< values of a group that is not complete
+    int pendingCount = 0;
 };
 
 /// One way to do the long stretches.
@@ -51,9 +53,14 @@ struct Codec {
     /// in vectors; all of it for the plain codec, but for the last one or two bytes.
     void (*encodeGroups)(Encoding& state, const std::uint8_t* limit) noexcept;
 
+    /// Encodes whole lines, each with its break, as long as more input follows than a vector loop reads; none
+    /// for the plain codec.
+    void (*encodeLines)(Encoding& state) noexcept;
+
     /// Decodes whole groups of four characters, foreign bytes between groups passed over, as long as there is
     /// enough input and room to work in vectors. Stops wherever it likes between two groups, never behind
-    /// foreign bytes that follow the last group.
+    /// foreign bytes that follow a last whole group; or at the end of the input, all of it decoded. May leave
+    /// up to three values of a group begun in `pending`.
     void (*decodeGroups)(Decoding& state) noexcept;
 };
 

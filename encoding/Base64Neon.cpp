@@ -32,6 +32,14 @@ void encodeGroups(Encoding& state, const std::uint8_t* limit) noexcept {
     }
 }
 
+void encodeLines(Encoding& state) noexcept {
+    while (state.inputEnd - state.input > 48) {
+        encodeGroups(state, state.input + 48);
+        *state.output++ = '\r';
+        *state.output++ = '\n';
+    }
+}
+
 /// The values of sixteen characters, each at least 64 where the character is foreign.
 uint8x16_t valuesOf(uint8x16_t text, const uint8x16x4_t& lower, const uint8x16x4_t& upper) noexcept {
     // A look-up beyond its table gives 0, and the second one leaves what the first one gave.
@@ -78,7 +86,7 @@ void decodeGroups(Decoding& state) noexcept {
 
 } // namespace
 
-constexpr Codec neonCodec{"NEON", encodeGroups, decodeGroups};
+constexpr Codec neonCodec{"NEON", encodeGroups, encodeLines, decodeGroups};
 
 } // namespace ZQFoundation::detail::base64
 

@@ -1,44 +1,54 @@
 // SPDX-License-Identifier: MIT
-#include <cstdlib>
+#include <new>
 
-#include "encoding/Base64.h"
-#include "foundation/objects/Bodies.h"
-#include "foundation/objects/NSData.h"
-#include "foundation/objects/NSString.h"
+#include "encoding/Base64Codec.h"
+#include "foundation/objects/StringBodies.h"
 
 namespace ZQFoundation {
 
+using detail::Access;
+using detail::DataBody;
+namespace base64 = detail::base64;
+
 namespace {
 
-NSString encoded(const NSData& data, int separateLines) {
+/// Written into the body of the string itself.
+NSString encoded(const NSData& data, bool separateLines) {
     if (!data) {
         return nullptr;
     }
-    std::uint64_t length = 0;
-    char* const text = NewBase64Encode(data.bytes(), data.length(), separateLines, &length);
-    NSString result = text != nullptr ? NSString::stringWithUTF8Bytes(text, length) : NSString();
-    std::free(text);
-    return result;
+    const std::size_t count = data.length();
+    std::size_t length = (count + 2) / 3 * 4;
+    if (separateLines && count != 0) {
+        length += (count - 1) / base64::bytesOfLine * 2;
+    }
+    detail::StringBody* const body = detail::allocateString(length, true);
+    base64::encode(base64::codec(), data.bytes(), count, separateLines, body->ascii());
+    return Access::adoptString(body);
 }
 
 } // namespace
 
 NSData NSData::dataFromBase64String(const NSString& text) {
-    const detail::StringBody* const body = text ? detail::Access::string(text) : nullptr;
-    if (body == nullptr || !body->isAscii) {
-        return NSData::data();
+    const StringView characters(text);
+    if (characters.form() != StringView::Form::ascii || characters.size() == 0) {
+        return data();
     }
-    std::uint64_t length = 0;
-    void* const bytes = NewBase64Decode(body->ascii(), static_cast<std::int64_t>(body->length), &length);
-    // The length reported of nothing but foreign characters is more than there can be.
-    const bool isWhole = bytes != nullptr && length <= body->length;
-    NSData result = isWhole ? NSData::dataWithBytes_length(bytes, length) : NSData::data();
-    std::free(bytes);
-    return result;
+    const std::size_t capacity = (characters.size() + 3) / 4 * 3;
+    auto* const body = static_cast<DataBody*>(::operator new(sizeof(DataBody) + capacity));
+    body->references = 1;
+    const auto* const input = reinterpret_cast<const std::uint8_t*>(characters.bytes());
+    const std::uint64_t length = base64::decode(base64::codec(), input, characters.size(), body->bytes());
+    // Nothing but foreign characters is reported as more than can be.
+    body->length = length <= capacity ? length : 0;
+    NSData result = Access::adoptData(body);
+    // A text that was mostly foreign characters leaves no large body behind.
+    return body->length >= capacity - capacity / 8 ? result
+                                                   : dataWithBytes_length(body->bytes(), body->length);
 }
 
-NSString NSData::base64EncodedStringInSeparateLines() const { return encoded(*this, 1); }
+NSString NSData::base64EncodedStringInSeparateLines() const { return encoded(*this, true); }
 
-NSString NSData::base64EncodedStringInSingleLine() const { return encoded(*this, 0); }
+NSString NSData::base64EncodedStringInSingleLine() const { return encoded(*this, false); }
 
 } // namespace ZQFoundation

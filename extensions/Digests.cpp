@@ -3,23 +3,34 @@
 #include <string>
 
 #include "extensions/MD5.h"
-#include "foundation/objects/NSString.h"
+#include "foundation/objects/StringBodies.h"
 
 namespace ZQFoundation {
 
 NSString NSString::md5String() const {
-    std::string bytes;
-    if (!getUTF8(bytes)) {
+    StringView text(*this);
+    std::string converted;
+    if (text.form() == StringView::Form::utf16) {
+        if (!getUTF8(converted)) {
+            return nullptr;
+        }
+        text = converted;
+    }
+    if (!text) {
         return nullptr;
     }
-    const auto digest = detail::md5(bytes.data(), std::strlen(bytes.c_str()));
+    const void* const zero = std::memchr(text.bytes(), 0, text.size());
+    const std::size_t count = zero != nullptr
+                                  ? static_cast<std::size_t>(static_cast<const char*>(zero) - text.bytes())
+                                  : text.size();
+    const auto digest = detail::md5(text.bytes(), count);
     constexpr char digits[] = "0123456789abcdef";
-    char text[2 * digest.size()];
+    char hexadecimal[2 * digest.size()];
     for (std::size_t i = 0; i < digest.size(); ++i) {
-        text[2 * i] = digits[digest[i] >> 4U];
-        text[2 * i + 1] = digits[digest[i] & 15U];
+        hexadecimal[2 * i] = digits[digest[i] >> 4U];
+        hexadecimal[2 * i + 1] = digits[digest[i] & 15U];
     }
-    return stringWithUTF8Bytes(text, sizeof text);
+    return detail::makeAsciiString(hexadecimal, sizeof hexadecimal);
 }
 
 } // namespace ZQFoundation

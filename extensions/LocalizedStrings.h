@@ -71,18 +71,21 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormatv(
 
 // The same for arguments that `...` cannot take: values and texts of any kind.
 
+/// As the function of that name above, for arguments of any type: they are not put into the text either.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString& comment, const Argument&,
                                      const Arguments&...) {
     return ZQLocalizedStringWithFormatv(key, comment, {});
 }
 
+/// As the function of that name above, for arguments of any type: they are not put into the text either.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
                                               const NSString& comment, const Argument&, const Arguments&...) {
     return ZQLocalizedStringFromTableWithFormatv(key, table, comment, {});
 }
 
+/// As the function of that name above, for arguments of any type: they are not put into the text either.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key, const NSString& table,
                                                       const NSBundle& bundle, const NSString& comment,
@@ -90,6 +93,7 @@ NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key, const
     return ZQLocalizedStringFromTableInBundleWithFormatv(key, table, bundle, comment, {});
 }
 
+/// As the function of that name above, for arguments of any type: they are not put into the text either.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key, const NSString& table,
                                                      const NSBundle& bundle, const NSString& defaultValue,

@@ -16,7 +16,7 @@ std::int64_t isoField(NSCalendarUnit unit, const NSDate& receiver, const NSDate&
     if (!receiver) {
         return 0;
     }
-    const NSCalendar calendar = NSCalendar::calendarWithIdentifier(NSCalendar::NSCalendarIdentifierISO8601);
+    const NSCalendar calendar = NSCalendar::calendarWithIdentifier(NSCalendarIdentifierISO8601);
     const NSInteger field = calendar.component_fromDate(unit, date);
     return field != NSDateComponentUndefined ? field : 0;
 }
@@ -35,8 +35,7 @@ NSDate NSDate::dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t y
     components.minute = minute;
     components.second = second;
     components.timeZone = timeZone;
-    return NSCalendar::calendarWithIdentifier(NSCalendar::NSCalendarIdentifierGregorian)
-        .dateFromComponents(components);
+    return NSCalendar::calendarWithIdentifier(NSCalendarIdentifierGregorian).dateFromComponents(components);
 }
 
 NSDate NSDate::dateWithDate_andModifiedHour_minute_second(const NSDate& date, std::int64_t hour,

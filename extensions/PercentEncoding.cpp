@@ -6,35 +6,44 @@ namespace ZQFoundation {
 
 namespace {
 
-using detail::AsciiSet;
+using detail::EscapeTable;
 
-constexpr AsciiSet pathCharacters(detail::urlPathCharacters);
-constexpr AsciiSet queryCharacters(detail::urlQueryCharacters);
+constexpr EscapeTable pathEscapes(detail::urlPathCharacters);
+constexpr EscapeTable queryEscapes(detail::urlQueryCharacters);
 
-/// The units of the text that are ASCII; no others are members anyway.
-AsciiSet without(AsciiSet set, StringView characters) noexcept {
+constexpr EscapeTable without(EscapeTable table, const char* characters) noexcept {
+    for (; *characters != '\0'; ++characters) {
+        table.escape(static_cast<unsigned char>(*characters));
+    }
+    return table;
+}
+
+constexpr EscapeTable componentEscapes = without(pathEscapes, ":/?@$&+,;=# ");
+
+/// Only ASCII units matter: what else there is, is escaped anyway.
+EscapeTable without(EscapeTable table, StringView characters) noexcept {
     for (std::size_t i = 0; i < characters.size(); ++i) {
         const auto unit = characters.form() == StringView::Form::utf16
                               ? characters.units()[i]
                               : static_cast<char16_t>(static_cast<unsigned char>(characters.bytes()[i]));
         if (unit < 0x80) {
-            set.remove(static_cast<unsigned char>(unit));
+            table.escape(static_cast<unsigned char>(unit));
         }
     }
-    return set;
+    return table;
 }
 
 } // namespace
 
 NSString NSString::urlEncodedStringWithExceptions(StringView exceptions) const {
-    return detail::addPercentEscapes(*this, without(pathCharacters, exceptions));
+    return detail::addPercentEscapes(*this, without(pathEscapes, exceptions));
 }
 
-NSString NSString::urlEncodedString() const { return urlEncodedStringWithExceptions(":/?@$&+,;=# "); }
+NSString NSString::urlEncodedString() const { return detail::addPercentEscapes(*this, componentEscapes); }
 
-NSString NSString::urlPathEncodedString() const { return detail::addPercentEscapes(*this, pathCharacters); }
+NSString NSString::urlPathEncodedString() const { return detail::addPercentEscapes(*this, pathEscapes); }
 
-NSString NSString::urlQueryEncodedString() const { return detail::addPercentEscapes(*this, queryCharacters); }
+NSString NSString::urlQueryEncodedString() const { return detail::addPercentEscapes(*this, queryEscapes); }
 
 NSString NSString::urlDecodedString() const { return detail::removePercentEscapes(*this); }
 

@@ -44,10 +44,12 @@ inline constexpr InstanceQueries instanceQueries{
 /// whose class is unknown.
 class LogCaller {
 public:
+    /// What the caller is. A class is a value; `unknown` is an object behind a `void` pointer.
     enum class Form : unsigned char { absent, unknown, instance, host, value };
 
     constexpr LogCaller(std::nullptr_t) noexcept {}
 
+    /// The object, of whatever class; nothing for null.
     template <class T>
     constexpr LogCaller(const T* instance) noexcept {
         static_assert(!detail::isCharacter<T>,
@@ -71,11 +73,19 @@ public:
         }
     }
 
+    /// A value or a class, by reference.
     constexpr LogCaller(const NSObject& value) noexcept : address_(&value), form_(Form::value) {}
 
+    /// What the caller is.
     constexpr Form form() const noexcept { return form_; }
+
+    /// Where the object stands, or the handle of a value; null for nothing.
     constexpr const void* address() const noexcept { return address_; }
+
+    /// Only for `value`.
     const NSObject& value() const noexcept { return *static_cast<const NSObject*>(address_); }
+
+    /// Only for `host`.
     const NSObjectProtocol& host() const noexcept { return *static_cast<const NSObjectProtocol*>(address_); }
 
     /// Only for `instance`.

@@ -29,6 +29,7 @@ public:
 
     // The platform's own: they raise NSInternalInconsistencyException.
 
+    /// Writes "*** Assertion failure in parse(), parse.c:42" and raises with the formatted reason.
     template <class... Arguments>
     [[noreturn]] void handleFailureInFunction_file_lineNumber_description(
         StringView function, StringView file, std::int64_t lineNumber,
@@ -37,6 +38,7 @@ public:
             function, file, lineNumber, NSInternalInconsistencyException, format, arguments...);
     }
 
+    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10" and raises likewise.
     template <class... Arguments>
     [[noreturn]] void handleFailureInMethod_object_file_lineNumber_description(
         StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,

@@ -16,6 +16,7 @@ extern "C" ZQFOUNDATION_EXPORT void NSDebugLogv(StringView format, ArgumentList 
 template <class Format, class Argument, class... Arguments>
 void NSDebugLog(const Format&, const Argument&, const Arguments&...) {}
 
+/// Takes a format that is a value or a text of any kind, without arguments.
 template <class Format>
     requires(!detail::TextPointer<std::decay_t<Format>>)
 void NSDebugLog(const Format&) {}

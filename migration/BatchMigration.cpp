@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Migration of all files of one extension, file by file.
-#include "foundation/files/NSFileManager.h"
+#include "migration/BatchSelection.h"
+#include "migration/FilesOnDisk.h"
 #include "migration/ZQFileMigrator.h"
 
 namespace ZQFoundation {
@@ -9,12 +10,6 @@ namespace {
 
 NSDictionary failureOfTheWhole(ZQFileMigrationRetvalType code) {
     return NSDictionary{{"", static_cast<std::uint32_t>(code)}};
-}
-
-bool isWanted(const NSString& path, const NSString& extension, bool includeDotFiles) {
-    const bool matches =
-        !extension || extension.isEqualToString("") || path.pathExtension().isEqualToString(extension);
-    return matches && (includeDotFiles || !path.hasPrefix("."));
 }
 
 } // namespace
@@ -32,24 +27,13 @@ NSDictionary ZQFileMigrator::
     }
     const NSString sourceFolder = source.stringByExpandingTildeInPath();
     const NSString destinationFolder = destination.stringByExpandingTildeInPath();
-    const NSFileManager& files = NSFileManager::defaultManager();
-    NSDirectoryEnumerator items = files.enumeratorAtPath(sourceFolder);
-    items.skipDescendents(); // nothing was told yet, so nothing is skipped
+    const detail::FilesOnDisk files;
+    detail::BatchSelection selection(files, extension, sourceFolder, includeDotFiles);
     NSMutableDictionary results;
-    // Not reset between entries: one at which nothing is found counts as what the entry before it was.
-    bool isDirectory = false;
-    while (const NSString path = items.nextObject()) {
-        if (!isWanted(path, extension, includeDotFiles)) {
-            continue;
-        }
-        const NSString file = sourceFolder.stringByAppendingPathComponent(path);
-        files.fileExistsAtPath_isDirectory(file, &isDirectory);
-        if (isDirectory) {
-            continue;
-        }
+    while (const NSString path = selection.next()) {
         const ZQFileMigrationRetvalType code =
             migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-                file, destinationFolder.stringByAppendingPathComponent(path), keepOriginal,
+                selection.file(), destinationFolder.stringByAppendingPathComponent(path), keepOriginal,
                 createDestinationParentFolder, overwriteDestinationFile, renameIfDestinationFileExists);
         results.setObject_forKey(static_cast<std::uint32_t>(code), path);
     }

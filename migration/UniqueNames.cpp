@@ -2,13 +2,12 @@
 // One naming scheme for paths, dictionary keys and members of sets: name, intermediate string, counter.
 #include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSSet.h"
+#include "migration/FreePath.h"
 #include "migration/ZQFileMigrator.h"
 
 namespace ZQFoundation {
 
 namespace {
-
-constexpr std::uint64_t defaultAttempts = 100000;
 
 /// "Name 1", "Name1" without an intermediate string.
 NSString numberedName(StringView name, StringView intermediateString, std::int64_t counter) {
@@ -16,48 +15,26 @@ NSString numberedName(StringView name, StringView intermediateString, std::int64
                                       intermediateString ? intermediateString : StringView(""), counter);
 }
 
-/// The first numbered candidate that is free, from 1 to `maxAttempts`; nil when there is none.
-template <class Candidate, class IsFree>
-NSString firstFree(std::uint64_t maxAttempts, const Candidate& candidate, const IsFree& isFree) {
-    for (std::uint64_t counter = 1; counter <= maxAttempts; ++counter) {
-        NSString name = candidate(static_cast<std::int64_t>(counter));
-        if (isFree(name)) {
-            return name;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 NSString ZQFileMigrator::uniquePathForPath_usingIntermediateString(const NSString& path,
                                                                    StringView intermediateString) {
-    return uniquePathForPath_usingIntermediateString_maxAttempts(path, intermediateString, defaultAttempts);
+    return uniquePathForPath_usingIntermediateString_maxAttempts(path, intermediateString,
+                                                                 detail::defaultAttempts);
 }
 
 NSString ZQFileMigrator::uniquePathForPath_usingIntermediateString_maxAttempts(const NSString& path,
                                                                                StringView intermediateString,
                                                                                std::uint64_t maxAttempts) {
     const NSFileManager& files = NSFileManager::defaultManager();
-    const auto isFree = [&](const NSString& candidate) {
-        return !files.fileExistsAtPath(candidate);
-    };
-    if (isFree(path)) {
-        return path;
-    }
-    const NSString stem = path.stringByDeletingPathExtension();
-    const NSString extension = path.pathExtension();
-    const auto candidate = [&](std::int64_t counter) {
-        // The period stands there without an extension too.
-        return NSString::stringWithFormat(
-            "%@%@%ld.%@", stem, intermediateString ? intermediateString : StringView(""), counter, extension);
-    };
-    return firstFree(maxAttempts, candidate, isFree);
+    return detail::freePath(path, intermediateString, maxAttempts,
+                            [&](const NSString& candidate) { return !files.fileExistsAtPath(candidate); });
 }
 
 NSString NSDictionary::uniqueKeyForKey_usingIntermediateString(const NSString& key,
                                                                StringView intermediateString) const {
-    return uniqueKeyForKey_usingIntermediateString_maxAttempts(key, intermediateString, defaultAttempts);
+    return uniqueKeyForKey_usingIntermediateString_maxAttempts(key, intermediateString,
+                                                               detail::defaultAttempts);
 }
 
 NSString NSDictionary::uniqueKeyForKey_usingIntermediateString_maxAttempts(const NSString& key, StringView,
@@ -79,7 +56,7 @@ NSString NSSet::uniqueStringForString_usingIntermediateString_maxAttempts(const 
     const auto candidate = [&](std::int64_t counter) {
         return numberedName(string, intermediateString, counter);
     };
-    return firstFree(maxAttempts, candidate, isFree);
+    return detail::firstFree(maxAttempts, candidate, isFree);
 }
 
 } // namespace ZQFoundation

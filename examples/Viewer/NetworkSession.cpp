@@ -50,6 +50,14 @@ const NSArray& sessionKeys() {
     return keys;
 }
 
+/// Where a document would go: its title may hold anything, and its digest tells whether it has changed.
+NSURL address_of(const Document& document) {
+    const NSString text(std::string(document.text()));
+    return NSURL::URLWithScheme_authority_path_query(
+        "https", "viewer.example", NSString::stringWithFormat("/documents/%@", document.title()),
+        NSString::stringWithFormat("md5=%@", text.md5String()));
+}
+
 } // namespace
 
 NetworkSession::NetworkSession() {
@@ -61,6 +69,12 @@ NetworkSession::NetworkSession() {
     // "Any of": the label names those keys that are on, as in "TraceDocuments/TraceNetwork: ...".
     ZQLog::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(this, __func__, true, sessionKeys(),
                                                                     "connected by descriptor %d", nearEnd_);
+    // Each question for a route keeps a descriptor, so it is asked once, and only for who wants to know.
+    if (ZQLog::traceKeyIsEnabled(TraceKeys::network)) {
+        static const NSString address = NetworkInfo::getLocalIPAddressStringOfInterfaceOfRouteTo("127.0.0.1");
+        ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(this, __func__, true, TraceKeys::network,
+                                                                   "from the local address %@", address);
+    }
 }
 
 NetworkSession::~NetworkSession() {
@@ -70,8 +84,13 @@ NetworkSession::~NetworkSession() {
     }
 }
 
-bool NetworkSession::transfer(std::string_view bytes, std::string& received) {
+bool NetworkSession::transfer(const Document& document, std::string& received) {
+    const std::string_view bytes = document.text();
     received.clear();
+    if (ZQLog::traceKeyIsEnabled(TraceKeys::network)) {
+        ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(this, __func__, true, TraceKeys::network,
+                                                                   "goes to %@", address_of(document));
+    }
     bool isConnected = nearEnd_ >= 0;
     for (std::size_t at = 0; isConnected && at < bytes.size(); at += pieceSize) {
         isConnected = exchangePiece(bytes.substr(at, pieceSize), received);
@@ -85,12 +104,15 @@ bool NetworkSession::transfer(std::string_view bytes, std::string& received) {
 }
 
 bool NetworkSession::exchangePiece(std::string_view piece, std::string& received) {
-    char buffer[pieceSize];
-    if (!send_all(nearEnd_, piece) || !receive_all(farEnd_, buffer, piece.size()) ||
-        !send_all(farEnd_, {buffer, piece.size()}) || !receive_all(nearEnd_, buffer, piece.size())) {
+    const std::string text =
+        NSData::dataWithBytes_length(piece.data(), piece.size()).base64EncodedStringInSingleLine().utf8();
+    std::string answer(text.size(), '\0');
+    if (!send_all(nearEnd_, text) || !receive_all(farEnd_, answer.data(), answer.size()) ||
+        !send_all(farEnd_, answer) || !receive_all(nearEnd_, answer.data(), answer.size())) {
         return false;
     }
-    received.append(buffer, piece.size());
+    const NSData bytes = NSData::dataFromBase64String(answer);
+    received.append(reinterpret_cast<const char*>(bytes.bytes()), bytes.length());
     // A threshold: the line appears from level 2 on. Levels start at 1, because a key that is not set has
     // level 0 and a threshold of 0 would always hold.
     ZQLog::logSelf_method_logAlways_logForTraceKey_threshold_usingFormat(

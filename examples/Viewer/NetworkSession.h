@@ -6,7 +6,10 @@
 #include <string>
 #include <string_view>
 
-/// A pretended connection: a pair of sockets inside this process, whose far end sends everything back.
+#include "Document.h"
+
+/// A pretended connection: a pair of sockets inside this process, whose far end sends everything back. What
+/// goes over it is text, so each piece goes as Base64.
 class NetworkSession {
 public:
     NetworkSession();
@@ -14,8 +17,8 @@ public:
     NetworkSession& operator=(const NetworkSession&) = delete;
     ~NetworkSession();
 
-    /// Uploads the bytes and downloads them again. False when the connection fails.
-    bool transfer(std::string_view bytes, std::string& received);
+    /// Uploads the document's text and downloads it again. False when the connection fails.
+    bool transfer(const Document& document, std::string& received);
 
 private:
     bool exchangePiece(std::string_view piece, std::string& received);

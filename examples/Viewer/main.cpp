@@ -22,6 +22,7 @@
 #include "NetworkSession.h"
 #include "OldData.h"
 #include "Preferences.h"
+#include "ReadingReport.h"
 #include "Renderer.h"
 
 using namespace ZQFoundation;
@@ -85,7 +86,7 @@ int show_failure(const std::string& what, const std::string& reason) {
 }
 
 /// Opens, transfers and renders one document.
-int show_document(const std::string& path) {
+int show_document(const std::string& path, ReadingReport& report) {
     std::string reason;
     const Document* const document = DocumentStore::sharedStore().open(path, reason);
     if (document == nullptr) {
@@ -93,23 +94,24 @@ int show_document(const std::string& path) {
     }
     std::string received;
     NetworkSession session;
-    if (!session.transfer(document->text(), received) || received != document->text()) {
+    if (!session.transfer(*document, received) || received != document->text()) {
         return show_failure(path, "The transfer failed");
     }
-    Renderer(page_length()).render(*document);
+    report.add(*document, path, Renderer(page_length()).render(*document));
     return succeeded;
 }
 
-int show_sample() {
+int show_sample(ReadingReport& report) {
     TemporaryFolder folder;
     const std::string path = folder.writeFile("Trace keys.txt", sample);
-    return path.empty() ? show_failure("the temporary folder", std::strerror(errno)) : show_document(path);
+    return path.empty() ? show_failure("the temporary folder", std::strerror(errno))
+                        : show_document(path, report);
 }
 
-int show_documents(const std::vector<std::string>& paths) {
+int show_documents(const std::vector<std::string>& paths, ReadingReport& report) {
     int status = succeeded;
     for (const std::string& path : paths) {
-        if (show_document(path) != succeeded) {
+        if (show_document(path, report) != succeeded) {
             status = failed;
         }
     }
@@ -121,7 +123,11 @@ int run(const CommandLine& commandLine) {
     start_log();
     preferences_changed();
     migrate_old_data();
-    return commandLine.paths.empty() ? show_sample() : show_documents(commandLine.paths);
+    ReadingReport report;
+    const int status =
+        commandLine.paths.empty() ? show_sample(report) : show_documents(commandLine.paths, report);
+    report.show();
+    return status;
 }
 
 } // namespace

@@ -121,7 +121,7 @@ bool isAtOrAbove(const struct stat& folder, const NSString& path) {
 /// The deepest folder of the path that exists, the path itself included.
 NSString existingFront(NSString path) {
     struct stat information;
-    while (!path.isEqualToString("") && !path.isEqualToString("/")) {
+    while (path && !path.isEqualToString("") && !path.isEqualToString("/")) {
         if (getTargetInformation(path, information) && S_ISDIR(information.st_mode)) {
             return path;
         }

@@ -30,6 +30,7 @@ public:
     static NSFileHandle fileHandleForReadingAtPath(StringView path);
     static NSFileHandle fileHandleForUpdatingAtPath(StringView path);
 
+    /// True unless the handle is nil, also after `closeFile`.
     explicit operator bool() const noexcept { return state_ != State::absent; }
 
     /// -1 for nil; raises after `closeFile`.
@@ -55,7 +56,7 @@ public:
     /// Waits until the file's contents are with the storage device.
     void synchronizeFile();
 
-    /// Closing twice is no failure.
+    /// Closes the descriptor; closing twice is no failure.
     void closeFile();
 
 private:

@@ -29,7 +29,7 @@ public:
     NSDirectoryEnumerator& operator=(NSDirectoryEnumerator&& other) noexcept;
     ~NSDirectoryEnumerator();
 
-    /// Nil at the end, and at once for a start that is no folder or cannot be read.
+    /// The next item's path. Nil at the end, and at once for a start that is no folder or cannot be read.
     NSString nextObject();
 
     /// Does not enter the folder that was told last. Nothing before the first item.
@@ -89,13 +89,15 @@ public:
     NSFileManager(const NSFileManager&) = delete;
     NSFileManager& operator=(const NSFileManager&) = delete;
 
-    /// Links are followed: a dangling link does not exist.
+    /// Whether anything stands at the path. Links are followed: a dangling link does not exist.
     bool fileExistsAtPath(StringView path) const;
 
-    /// `*isDirectory`, when given, is written only when the result is true.
+    /// The same, and whether it is a folder: `*isDirectory`, when given, is written only when the result is
+    /// true.
     bool fileExistsAtPath_isDirectory(StringView path, bool* isDirectory) const;
 
-    /// By the real user and group; links are followed; folders count too.
+    /// Whether the process may read or write what is there, by its real user and group. Links are followed;
+    /// folders count too.
     bool isReadableFileAtPath(StringView path) const;
     bool isWritableFileAtPath(StringView path) const;
 
@@ -106,10 +108,10 @@ public:
     /// for what is no folder or cannot be read.
     NSArray contentsOfDirectoryAtPath_error(StringView path, NSString* errorText = nullptr) const;
 
-    /// Without intermediates: false when anything stands at the path. With them: also makes the missing
-    /// folders above, and true when a folder, or a link to one, stands there already; folders made before a
-    /// failure stay. Mode 0777 less the umask, then the attributes, for each folder that was made; attributes
-    /// that are unknown or cannot be applied are ignored.
+    /// Makes a folder. Without intermediates: false when anything stands at the path. With them: also makes
+    /// the missing folders above, and true when a folder, or a link to one, stands there already; folders
+    /// made before a failure stay. Mode 0777 less the umask, then the attributes, for each folder that was
+    /// made; attributes that are unknown or cannot be applied are ignored.
     bool createDirectoryAtPath_withIntermediateDirectories_attributes_error(StringView path,
                                                                             bool withIntermediateDirectories,
                                                                             const NSDictionary& attributes,

@@ -25,6 +25,8 @@ class ZQFOUNDATION_EXPORT Class : public NSObject {
 public:
     constexpr Class() noexcept = default;
     constexpr Class(std::nullptr_t) noexcept {}
+
+    /// The class that the record describes; `classOf` makes such.
     constexpr explicit Class(const detail::ClassRecord* record) noexcept
         : NSObject(Payload{.classRecord = record}, detail::Kind::classObject) {}
 

@@ -12,10 +12,17 @@ class ZQFOUNDATION_EXPORT Selector {
 public:
     Selector() noexcept = default;
     Selector(std::nullptr_t) noexcept {}
+
+    /// The operation of that name; nil for a nil name.
     explicit Selector(NSString name) noexcept : name_(static_cast<NSString&&>(name)) {}
 
+    /// The name, colons included; nil for nil.
     const NSString& name() const noexcept { return name_; }
+
+    /// True unless the selector is nil.
     explicit operator bool() const noexcept { return static_cast<bool>(name_); }
+
+    /// Whether the names are the same; two nil selectors are the same too.
     friend bool operator==(const Selector& left, const Selector& right) { return left.name_ == right.name_; }
     template <detail::PlainText T>
     friend bool operator==(const Selector& left, const T& right) {
@@ -28,10 +35,14 @@ private:
 
 /// The selector of that name, whether or not anything offers the operation; nil for nil.
 ZQFOUNDATION_EXPORT Selector NSSelectorFromString(const NSString& name);
+
+/// The selector's name; nil for nil.
 ZQFOUNDATION_EXPORT NSString NSStringFromSelector(const Selector& selector);
 
 /// The class that the host has registered under the name, case-sensitively; nil for any other name.
 ZQFOUNDATION_EXPORT Class NSClassFromString(StringView name);
+
+/// The class's name; nil for nil.
 ZQFOUNDATION_EXPORT NSString NSStringFromClass(const Class& type);
 
 /// Registers a class under a name for a scope, so that the library finds it at run time:

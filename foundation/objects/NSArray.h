@@ -18,33 +18,43 @@ public:
     constexpr NSArray() noexcept = default;
     constexpr NSArray(std::nullptr_t) noexcept {}
 
-    /// Raises NSInvalidArgumentException when an element is nil.
+    /// These elements in this order. Raises NSInvalidArgumentException when one is nil.
     NSArray(std::initializer_list<NSObject> elements);
 
     /// The value when it is an array, else nil.
     explicit NSArray(const NSObject& object) noexcept : NSObject(object, detail::Kind::array) {}
 
+    /// The empty array.
     static NSArray array();
+
+    /// One element, also when that is an array itself. Raises NSInvalidArgumentException for nil.
     static NSArray arrayWithObject(const NSObject& object);
+
+    /// Copies of the `count` handles. Raises NSInvalidArgumentException when one is nil.
     static NSArray arrayWithObjects_count(const NSObject* objects, std::size_t count);
 
+    /// The arguments as elements, texts and numbers too. Raises NSInvalidArgumentException when one is nil.
     template <class... Objects>
     static NSArray arrayWithObjects(const Objects&... objects) {
         return NSArray(std::initializer_list<NSObject>{NSObject(objects)...});
     }
 
+    /// The number of elements; 0 for nil.
     std::size_t count() const noexcept;
 
-    /// Raises NSRangeException from the count on.
+    /// The element at the index; raises NSRangeException from the count on.
     const NSObject& objectAtIndex(std::size_t index) const;
     const NSObject& operator[](std::size_t index) const { return objectAtIndex(index); }
 
+    /// Whether an element equals the object.
     bool containsObject(const NSObject& object) const;
 
     /// The index of the first equal element, or `notFound`.
     std::size_t indexOfObject(const NSObject& object) const;
     static constexpr std::size_t notFound = static_cast<std::size_t>(INT64_MAX);
 
+    /// A new array with one more element at the end; nil for a nil receiver. Raises
+    /// NSInvalidArgumentException for a nil object.
     NSArray arrayByAddingObject(const NSObject& object) const;
 
     /// The elements' descriptions with the separator between them.
@@ -60,8 +70,10 @@ public:
             &order);
     }
 
+    /// Whether the elements are equal, pair by pair. False when either is nil.
     bool isEqualToArray(const NSArray& other) const;
 
+    /// The elements, for `for` loops; valid as long as a handle holds the array.
     const NSObject* begin() const noexcept;
     const NSObject* end() const noexcept { return begin() + count(); }
 
@@ -94,25 +106,31 @@ private:
 class ZQFOUNDATION_EXPORT NSMutableArray {
 public:
     NSMutableArray() noexcept = default;
+
+    /// Empty, with room for that many elements.
     explicit NSMutableArray(std::size_t capacity);
+
+    /// A mutable copy; of nil the empty one.
     explicit NSMutableArray(const NSArray& array);
     NSMutableArray(NSMutableArray&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
     NSMutableArray& operator=(NSMutableArray&& other) noexcept;
     ~NSMutableArray();
 
-    /// Raises NSInvalidArgumentException for nil.
+    /// Appends an object, or those of an array in order. Raises NSInvalidArgumentException for a nil object.
     void addObject(NSObject object);
     void addObjectsFromArray(const NSArray& array);
 
-    /// Raise NSRangeException from the count on.
+    /// By index; raise NSRangeException from the count on, and the last one when there is none to remove.
     void removeObjectAtIndex(std::size_t index);
     void replaceObjectAtIndex_withObject(std::size_t index, NSObject object);
     void removeLastObject();
     const NSObject& objectAtIndex(std::size_t index) const;
     const NSObject& operator[](std::size_t index) const { return objectAtIndex(index); }
 
+    /// The number of elements so far.
     std::size_t count() const noexcept;
 
+    /// The elements, for `for` loops; valid until the array changes.
     const NSObject* begin() const noexcept;
     const NSObject* end() const noexcept { return begin() + count(); }
 

@@ -15,6 +15,7 @@ public:
     /// The value when it is data, else nil.
     explicit NSData(const NSObject& object) noexcept : NSObject(object, detail::Kind::data) {}
 
+    /// No bytes, which is not nil.
     static NSData data();
 
     /// A copy of `count` bytes.
@@ -23,10 +24,11 @@ public:
     /// The whole file, or nil when it cannot be read.
     static NSData dataWithContentsOfFile(StringView path);
 
-    /// Valid as long as a handle holds the data; null for nil.
+    /// Where the bytes stand, as long as a handle holds the data, and how many; null and 0 for nil.
     const unsigned char* bytes() const noexcept;
     std::size_t length() const noexcept;
 
+    /// The same bytes. False when either is nil.
     bool isEqualToData(const NSData& other) const noexcept;
 
     // NSData(Base64)

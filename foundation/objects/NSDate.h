@@ -18,19 +18,23 @@ public:
     /// The value when it is a date, else nil.
     explicit NSDate(const NSObject& object) noexcept : NSObject(object, detail::Kind::date) {}
 
-    /// Now.
+    /// The present instant.
     static NSDate date();
 
+    /// That many seconds after 2001-01-01 00:00:00 UTC, before it when negative.
     static constexpr NSDate dateWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds) noexcept {
         return NSDate(Payload{.real = seconds});
     }
+
+    /// That many seconds after 1970-01-01 00:00:00 UTC, before it when negative.
     static constexpr NSDate dateWithTimeIntervalSince1970(NSTimeInterval seconds) noexcept {
         return NSDate(Payload{.real = seconds - timeIntervalBetween1970AndReferenceDate});
     }
 
+    /// Seconds from 1970-01-01 to 2001-01-01, both at 00:00:00 UTC.
     static constexpr NSTimeInterval timeIntervalBetween1970AndReferenceDate = 978307200.0;
 
-    /// 0 for nil.
+    /// Seconds since the instant that the name says, negative before it; 0 for nil.
     NSTimeInterval timeIntervalSinceReferenceDate() const noexcept {
         return kind_ == detail::Kind::date ? payload_.real : 0;
     }
@@ -41,7 +45,10 @@ public:
         return timeIntervalSinceReferenceDate() - other.timeIntervalSinceReferenceDate();
     }
 
+    /// The earlier date first; the same when either is nil.
     NSComparisonResult compare(const NSDate& other) const noexcept;
+
+    /// The very same instant, fractions too. False when either is nil.
     bool isEqualToDate(const NSDate& other) const noexcept;
 
     // NSDate(ZQFoundation)

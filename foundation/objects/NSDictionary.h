@@ -28,11 +28,13 @@ public:
     /// The value when it is a dictionary, else nil.
     explicit NSDictionary(const NSObject& object) noexcept : NSObject(object, detail::Kind::dictionary) {}
 
+    /// The empty dictionary.
     static NSDictionary dictionary();
 
     /// The property list in the file when it is a dictionary (old-style text, XML or binary), else nil.
     static NSDictionary dictionaryWithContentsOfFile(StringView path);
 
+    /// The number of entries; 0 for nil.
     std::size_t count() const noexcept;
 
     /// The value under the key, or nil. A key given as text needs no conversion and no allocation.
@@ -44,11 +46,16 @@ public:
     NSObject objectForKey(const NSString& key) const { return objectForText(key); }
     NSObject objectForKey(std::nullptr_t) const { return {}; }
 
+    /// The keys, in the order of the entries; nil for nil.
     NSArray allKeys() const;
+
+    /// The values, in the order of the entries; nil for nil.
     NSArray allValues() const;
 
+    /// Whether the same keys have equal values, in whatever order. False when either is nil.
     bool isEqualToDictionary(const NSDictionary& other) const;
 
+    /// The entries, for `for` loops; valid as long as a handle holds the dictionary.
     const NSDictionaryEntry* begin() const noexcept;
     const NSDictionaryEntry* end() const noexcept { return begin() + count(); }
 
@@ -90,19 +97,24 @@ private:
 class ZQFOUNDATION_EXPORT NSMutableDictionary {
 public:
     NSMutableDictionary() noexcept = default;
+
+    /// A mutable copy; of nil the empty one.
     explicit NSMutableDictionary(const NSDictionary& dictionary);
     NSMutableDictionary(NSMutableDictionary&& other) noexcept : body_(other.body_) { other.body_ = nullptr; }
     NSMutableDictionary& operator=(NSMutableDictionary&& other) noexcept;
     ~NSMutableDictionary();
 
-    /// Raises NSInvalidArgumentException when either is nil. An equal key keeps its place and gets the new
-    /// value.
+    /// Enters the object under the key. Raises NSInvalidArgumentException when either is nil. An equal key
+    /// keeps its place and gets the new value.
     void setObject_forKey(NSObject object, NSObject key);
 
-    /// A key that is not there is ignored.
+    /// Removes the key with its value; one that is not there is ignored.
     void removeObjectForKey(const NSObject& key);
 
+    /// The value under the key, or nil.
     NSObject objectForKey(const NSObject& key) const;
+
+    /// The number of entries so far.
     std::size_t count() const noexcept;
 
     /// The entries as an immutable dictionary; the builder is empty afterwards.

@@ -12,13 +12,19 @@ namespace ZQFoundation {
 /// What the platform's operations raise: a name, a reason and an optional dictionary. Any of them may be nil.
 class ZQFOUNDATION_EXPORT NSException : public std::exception {
 public:
+    /// An exception of these parts, to be thrown by value.
     NSException(NSString name, NSString reason, NSDictionary userInfo = nullptr);
     NSException(const NSException&) noexcept = default;
     NSException& operator=(const NSException&) noexcept = default;
     ~NSException() override;
 
+    /// What kind of exception it is, for programs: "NSRangeException".
     const NSString& name() const noexcept { return name_; }
+
+    /// What went wrong, for people.
     const NSString& reason() const noexcept { return reason_; }
+
+    /// Further facts, by agreement between who raises and who catches.
     const NSDictionary& userInfo() const noexcept { return userInfo_; }
 
     /// "Name: reason" in UTF-8; valid as long as the exception or a copy of it.

@@ -12,6 +12,7 @@ public:
     constexpr NSNumber() noexcept = default;
     constexpr NSNumber(std::nullptr_t) noexcept {}
 
+    /// The number of that value and kind.
     template <detail::NumericValue T>
     constexpr NSNumber(T value) noexcept : NSObject(value) {}
 
@@ -34,6 +35,7 @@ public:
     std::int64_t longLongValue() const noexcept { return integerValue(); }
     std::uint64_t unsignedLongLongValue() const noexcept;
 
+    /// The nearest value of that type; 0 for nil.
     float floatValue() const noexcept;
     double doubleValue() const noexcept;
 

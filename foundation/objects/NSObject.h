@@ -110,13 +110,16 @@ public:
     constexpr NSObject() noexcept : payload_{.integer = 0}, kind_(detail::Kind::absent) {}
     constexpr NSObject(std::nullptr_t) noexcept : NSObject() {}
 
+    /// A boolean number.
     template <detail::BooleanValue T>
     constexpr NSObject(T value) noexcept : payload_{.integer = value ? 1 : 0}, kind_(detail::Kind::boolean) {}
 
+    /// An integer number, its sign kept.
     template <detail::IntegerValue T>
     constexpr NSObject(T value) noexcept
         : payload_{.integer = static_cast<std::int64_t>(value)}, kind_(integerKind(value)) {}
 
+    /// A floating-point number.
     template <detail::RealValue T>
     constexpr NSObject(T value) noexcept
         : payload_{.real = static_cast<double>(value)},
@@ -196,6 +199,7 @@ public:
     /// The host object that the handle holds, or null for any other value. Owned by the handle.
     const NSObjectProtocol* hostObject() const noexcept;
 
+    /// Exchanges two values without counting a reference.
     void swap(NSObject& other) noexcept {
         const Payload payload = payload_;
         const detail::Kind kind = kind_;
@@ -262,8 +266,11 @@ static_assert(sizeof(NSObject) == 2 * sizeof(void*));
 class ZQFOUNDATION_EXPORT NSNull : public NSObject {
 public:
     constexpr NSNull() noexcept = default;
+
+    /// The value when it is the null object, else nil.
     explicit NSNull(const NSObject& object) noexcept : NSObject(object, detail::Kind::null) {}
 
+    /// The null object.
     static constexpr NSNull null() noexcept {
         NSNull object;
         object.kind_ = detail::Kind::null;

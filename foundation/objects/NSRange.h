@@ -15,9 +15,11 @@ struct NSRange {
     std::size_t location;
     std::size_t length;
 
+    /// The same place and the same length.
     friend constexpr bool operator==(const NSRange&, const NSRange&) noexcept = default;
 };
 
+/// The range of `length` items from `location` on.
 constexpr NSRange NSMakeRange(std::size_t location, std::size_t length) noexcept {
     return {location, length};
 }

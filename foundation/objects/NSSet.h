@@ -12,22 +12,31 @@ public:
     constexpr NSSet() noexcept = default;
     constexpr NSSet(std::nullptr_t) noexcept {}
 
-    /// Raises NSInvalidArgumentException when a member is nil.
+    /// These members, of equal ones the first. Raises NSInvalidArgumentException when one is nil.
     NSSet(std::initializer_list<NSObject> members);
 
     /// The value when it is a set, else nil.
     explicit NSSet(const NSObject& object) noexcept : NSObject(object, detail::Kind::set) {}
 
+    /// The empty set.
     static NSSet set();
+
+    /// The array's elements, of equal ones the first; empty for nil.
     static NSSet setWithArray(const NSArray& array);
 
+    /// The number of members; 0 for nil.
     std::size_t count() const noexcept;
+
+    /// Whether a member equals the object.
     bool containsObject(const NSObject& object) const;
 
     /// The equal member, or nil.
     NSObject member(const NSObject& object) const;
 
+    /// The members in the order of entering; nil for nil.
     NSArray allObjects() const;
+
+    /// Whether both have the same members. False when either is nil.
     bool isEqualToSet(const NSSet& other) const;
 
     // NSSet(ZQFoundation)

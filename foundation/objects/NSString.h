@@ -59,6 +59,7 @@ public:
     /// The value when it is a string, else nil.
     explicit NSString(const NSObject& object) noexcept : NSObject(object, detail::Kind::string) {}
 
+    /// The empty string.
     static NSString string();
 
     /// Exact: nil when the bytes are not well-formed UTF-8.
@@ -107,7 +108,7 @@ public:
     /// units of the same number.
     static NSString initWithData_encoding(const NSData& data, NSStringEncoding encoding);
 
-    /// Units.
+    /// How many units there are.
     std::size_t length() const noexcept;
 
     /// The unit at `index`; raises NSRangeException from the length on.
@@ -139,7 +140,7 @@ public:
     /// Both folded to lower case, then by code point.
     NSComparisonResult caseInsensitiveCompare(StringView other) const;
 
-    /// By units; false for an empty or nil argument.
+    /// Whether the text begins, or ends, with the other one, by units; false for an empty or nil argument.
     bool hasPrefix(StringView prefix) const;
     bool hasSuffix(StringView suffix) const;
 
@@ -147,11 +148,13 @@ public:
     NSString uppercaseString() const;
     NSString lowercaseString() const;
 
-    /// Raise NSRangeException beyond the length.
+    /// The units in front of the index, from it on, or `count` of them from the location on. Raise
+    /// NSRangeException beyond the length.
     NSString substringToIndex(std::size_t index) const;
     NSString substringFromIndex(std::size_t index) const;
     NSString substringWithRange(std::size_t location, std::size_t count) const;
 
+    /// This text and the other one behind it; a nil one adds nothing. Nil for a nil receiver.
     NSString stringByAppendingString(StringView other) const;
 
     /// Where the text first occurs, in units; `{NSNotFound, 0}` when it does not, and for an empty or nil
@@ -242,9 +245,12 @@ public:
     /// As `propertyList` for the strings-table form; nil when that gives no dictionary, never raises.
     NSDictionary propertyListFromStringsFileFormat() const;
 
+    /// The same units; two nil strings are the same too.
     friend bool operator==(const NSString& left, const NSString& right) {
         return left && right ? left.isEqualToString(right) : !left && !right;
     }
+
+    /// The same units; a nil string is the same as a nil text.
     template <detail::PlainText T>
     friend bool operator==(const NSString& left, const T& right) {
         const StringView text(right);
@@ -266,6 +272,7 @@ public:
     bool containsString(StringView other) const;
     bool containsString_caseInsensitiveSearch(StringView other, bool caseInsensitive) const;
 
+    /// Whether a unit is a decimal digit of any script; false for nil.
     bool containsDecimalDigit() const;
 
     /// Without members at the front, **but removes no more than about half of the string**: at most the
@@ -350,6 +357,7 @@ public:
     // Localized texts: the key's text in the table `Localizable` of the main bundle; the key itself when it
     // is missing there. The language is the user's.
 
+    /// The localized text.
     static NSString initWithLocalizedString(const NSString& key);
 
     /// The localized text as a format, checked when it runs, since only the table knows it.
@@ -399,15 +407,18 @@ inline StringView::StringView(const NSString& string) noexcept
 class ZQFOUNDATION_EXPORT NSMutableString {
 public:
     NSMutableString();
+
+    /// Begins with the text; nil is as good as an empty one.
     explicit NSMutableString(StringView text);
     NSMutableString(NSMutableString&& other) noexcept;
     NSMutableString& operator=(NSMutableString&& other) noexcept;
     ~NSMutableString();
 
-    /// Nil appends nothing.
+    /// Appends a text, or one unit; nil appends nothing.
     void appendString(StringView text);
     void appendCharacter(char16_t unit);
 
+    /// Appends the formatted text, as `NSString::stringWithFormat` makes it.
     template <class... Arguments>
     void appendFormat(FormatString<std::type_identity_t<Arguments>...> format,
                       const Arguments&... arguments) {
@@ -416,6 +427,7 @@ public:
     }
     void appendFormat_arguments(StringView format, ArgumentList arguments);
 
+    /// Units so far.
     std::size_t length() const noexcept;
 
     /// The text built so far as an immutable string; the builder is empty afterwards.

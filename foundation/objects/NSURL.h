@@ -24,16 +24,18 @@ public:
     /// The text as given, without the base.
     NSString relativeString() const;
 
+    /// The base; nil for a URL that has none.
     NSURL baseURL() const;
 
     /// The text of the URL itself: without a base as given, else resolved against the base as RFC 3986 says,
-    /// dots in the path removed.
+    /// dots in the path removed. A text with a scheme of its own has no base.
     NSString absoluteString() const;
     NSURL absoluteURL() const;
 
     // The parts of the resolved URL, as they stand in its text, escapes and all; nil for one that is missing
     // ("a:b" has no query, "a:b?" an empty one).
 
+    /// What stands in front of the first ":".
     NSString scheme() const;
 
     /// User information, host and port as they stand.
@@ -46,7 +48,7 @@ public:
     /// Without the brackets around an IPv6 address.
     NSString host() const;
 
-    /// Nil for none, for an empty one, and for one beyond 64 bits.
+    /// Nil for none, for an empty one, and for one above 2^63 - 1.
     NSNumber port() const;
 
     /// Never nil for a URL; perhaps empty.
@@ -65,8 +67,7 @@ public:
         StringView scheme, StringView authority, StringView path, bool encodePath, StringView query,
         bool encodeQuery, StringView fragment);
 
-    // The same with path and query encoded, unless the name says otherwise.
-
+    /// The URL of these parts, as above; path and query are encoded unless the name says otherwise.
     static NSURL URLWithScheme_authority_path(StringView scheme, StringView authority, StringView path);
     static NSURL URLWithScheme_authority_path_query(StringView scheme, StringView authority, StringView path,
                                                     StringView query);

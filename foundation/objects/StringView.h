@@ -68,25 +68,31 @@ public:
     constexpr StringView() noexcept = default;
     constexpr StringView(std::nullptr_t) noexcept {}
 
+    /// UTF-8 up to the zero byte; nil for a null pointer.
     constexpr StringView(const char* utf8) noexcept
         : data_(utf8), sizeAndForm_(utf8 == nullptr ? 0 : packed(lengthOf(utf8), Form::utf8)) {}
 
+    /// UTF-16 up to the zero unit; nil for a null pointer.
     constexpr StringView(const char16_t* units) noexcept
         : data_(units), sizeAndForm_(units == nullptr ? 0 : packed(lengthOf(units), Form::utf16)) {}
 
+    /// UTF-8 up to the zero byte; nil for a null pointer.
     StringView(const char8_t* utf8) noexcept : StringView(reinterpret_cast<const char*>(utf8)) {}
 
     /// No bytes make the empty text, also behind a null pointer: only the one-argument forms make nil.
     constexpr StringView(const char* utf8, std::size_t byteCount) noexcept
         : data_(utf8 == nullptr ? "" : utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
 
+    /// No units make the empty text, also behind a null pointer.
     constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
         : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
 
+    /// A `std::string` or anything else that has `data` and `size`, as UTF-8.
     template <class Text>
         requires detail::TextRange<Text, char>
     constexpr StringView(const Text& text) noexcept : StringView(text.data(), text.size()) {}
 
+    /// A `std::u16string` or anything else that has `data` and `size`, as UTF-16.
     template <class Text>
         requires detail::TextRange<Text, char16_t>
     constexpr StringView(const Text& text) noexcept : StringView(text.data(), text.size()) {}
@@ -105,6 +111,7 @@ public:
     /// False for the nil text, true for the empty one.
     constexpr explicit operator bool() const noexcept { return sizeAndForm_ != 0; }
 
+    /// How the text is held.
     constexpr Form form() const noexcept { return static_cast<Form>(sizeAndForm_ & 3); }
 
     /// Bytes for `utf8` and `ascii`, UTF-16 units for `utf16`, 0 for nil.

@@ -41,7 +41,10 @@ public:
     /// no such folder. A relative path is taken from the current folder.
     static NSBundle bundleWithPath(StringView path);
 
+    /// True unless the bundle is nil.
     constexpr explicit operator bool() const noexcept { return record_ != nullptr; }
+
+    /// The same folder; two nil handles are the same too.
     friend constexpr bool operator==(NSBundle left, NSBundle right) noexcept = default;
 
     /// The Info dictionary's `CFBundleIdentifier`; nil when it has none or it is no string.
@@ -53,6 +56,7 @@ public:
     /// The text under the key in the localized table `InfoPlist`, else the Info dictionary's value, else nil.
     NSObject objectForInfoDictionaryKey(StringView key) const;
 
+    /// The bundle's folder.
     NSString bundlePath() const;
 
     /// The folder of the resources; it need not exist.

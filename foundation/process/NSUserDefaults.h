@@ -45,7 +45,7 @@ public:
     /// A string, or a number's text; nil for any other value.
     NSString stringForKey(StringView key) const;
 
-    /// Nil when the value is of another type.
+    /// The value when it is of that type, else nil.
     NSArray arrayForKey(StringView key) const;
     NSDictionary dictionaryForKey(StringView key) const;
     NSData dataForKey(StringView key) const;

@@ -29,6 +29,7 @@ class TextBuilder;
 /// One argument of a format call: its value or, for objects and texts, where it stands. Owns nothing.
 class Argument {
 public:
+    /// An integer, character, truth value or enumerator, widened to 64 bits by its own sign.
     template <class T>
         requires((std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t)) || std::is_enum_v<T>)
     constexpr Argument(const T& value) noexcept {
@@ -45,6 +46,7 @@ public:
         }
     }
 
+    /// A floating-point number.
     constexpr Argument(const double& value) noexcept : type_(detail::ArgumentType::real) {
         value_.real = value;
     }
@@ -56,6 +58,7 @@ public:
         value_.address = nullptr;
     }
 
+    /// A handle, by reference.
     template <class T>
         requires std::is_base_of_v<NSObject, T>
     constexpr Argument(const T& handle) noexcept : type_(detail::ArgumentType::object) {
@@ -82,6 +85,7 @@ public:
         }
     }
 
+    /// An object of a host's class, by reference.
     template <class T>
         requires(std::is_base_of_v<NSObjectProtocol, T> && !std::is_base_of_v<NSObject, T>)
     constexpr Argument(const T& object) noexcept : type_(detail::ArgumentType::host) {
@@ -104,6 +108,7 @@ public:
         }
     }
 
+    /// What the argument is; it decides which of the operations below may be called.
     constexpr detail::ArgumentType type() const noexcept { return type_; }
 
     /// The width of an integer argument before it was widened, in bytes.
@@ -196,10 +201,15 @@ private:
 class ArgumentList {
 public:
     constexpr ArgumentList() noexcept = default;
+
+    /// The `count` arguments from there on, which the caller keeps alive.
     constexpr ArgumentList(const Argument* arguments, std::size_t count) noexcept
         : arguments_(arguments), count_(count) {}
 
+    /// The number of arguments.
     constexpr std::size_t count() const noexcept { return count_; }
+
+    /// The argument at the index, which must be below the count.
     constexpr const Argument& operator[](std::size_t index) const noexcept { return arguments_[index]; }
 
 private:

@@ -47,6 +47,7 @@ struct FormatLocale {
     StringView groupingSeparator;    ///< nil or empty: no grouping
     unsigned groupSize = 3;          ///< digits next to the decimal point, 0: no grouping
     unsigned secondaryGroupSize = 0; ///< of all groups but that one; 0: the same
+    unsigned minimumDigits = 1;      ///< in front of the first group; a number that has fewer is not grouped
 };
 
 /// Appends the formatted text. A nil format appends nothing.

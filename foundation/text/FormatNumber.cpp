@@ -35,7 +35,7 @@ struct Groups {
 } // namespace
 
 std::size_t FormatNumberWriter::groupedLength(std::size_t digits) const noexcept {
-    if (!groups()) {
+    if (!groups(digits)) {
         return digits;
     }
     return digits + Groups(*locale_).separatorsIn(digits) * unitLength(locale_->groupingSeparator);
@@ -43,7 +43,8 @@ std::size_t FormatNumberWriter::groupedLength(std::size_t digits) const noexcept
 
 void FormatNumberWriter::appendGrouped(std::size_t zeros, const char* digits, std::size_t count,
                                        std::size_t moreZeros) {
-    if (!groups()) {
+    const std::size_t total = zeros + count + moreZeros;
+    if (!groups(total)) {
         if (zeros != 0) {
             out_.appendRepeated('0', zeros);
         }
@@ -54,7 +55,6 @@ void FormatNumberWriter::appendGrouped(std::size_t zeros, const char* digits, st
         return;
     }
     const Groups places(*locale_);
-    const std::size_t total = zeros + count + moreZeros;
     for (std::size_t i = 0; i < total; ++i) {
         if (i != 0 && places.separatesBefore(total - i)) {
             appendText(out_, locale_->groupingSeparator);

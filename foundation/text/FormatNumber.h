@@ -51,9 +51,10 @@ public:
     FormatNumberWriter(TextBuilder& out, const FormatSpec& spec, const FormatLocale* locale) noexcept
         : out_(out), spec_(spec), locale_(locale) {}
 
-    /// Whether the digits of the whole part come in groups.
-    bool groups() const noexcept {
-        return locale_ != nullptr && locale_->groupSize != 0 && locale_->groupingSeparator.size() != 0;
+    /// Whether a whole part of so many digits comes in groups.
+    bool groups(std::size_t digits) const noexcept {
+        return locale_ != nullptr && locale_->groupSize != 0 && locale_->groupingSeparator.size() != 0 &&
+               digits >= std::size_t{locale_->groupSize} + locale_->minimumDigits;
     }
 
     /// Units of `digits` digits with their separators.

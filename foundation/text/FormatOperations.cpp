@@ -3,11 +3,32 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Format.h"
+#include "foundation/text/NSLocale.h"
 
 namespace ZQFoundation {
 
 NSString NSString::stringWithFormat_arguments(StringView format, ArgumentList arguments) {
     return detail::formatted(format, arguments);
+}
+
+NSString NSString::initWithFormat_locale_arguments(StringView format, const NSLocale& locale,
+                                                   ArgumentList arguments) {
+    if (!locale) {
+        return detail::formatted(format, arguments);
+    }
+    const NSString decimalSeparator = locale.decimalSeparator();
+    const NSString groupingSeparator = locale.groupingSeparator();
+    detail::FormatLocale customs;
+    customs.decimalSeparator = decimalSeparator;
+    customs.groupingSeparator = groupingSeparator;
+    customs.groupSize = locale.groupSize();
+    customs.secondaryGroupSize = locale.secondaryGroupSize();
+    customs.minimumDigits = locale.minimumGroupingDigits();
+    return detail::formatted(format, arguments, &customs);
+}
+
+NSString NSString::localizedStringWithFormat_arguments(StringView format, ArgumentList arguments) {
+    return initWithFormat_locale_arguments(format, NSLocale::currentLocale(), arguments);
 }
 
 void NSMutableString::appendFormat_arguments(StringView format, ArgumentList arguments) {

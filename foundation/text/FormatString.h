@@ -294,6 +294,7 @@ private:
 template <class... Arguments>
 class FormatString {
 public:
+    /// A literal, checked against the arguments when the program is compiled.
     template <std::size_t size>
     consteval FormatString(const char (&literal)[size]) : text_(viewOf(literal, lengthOf(literal))) {
         checked(literal, lengthOf(literal));
@@ -303,6 +304,8 @@ public:
         checked(literal, lengthOf(literal));
     }
     constexpr FormatString(std::nullptr_t) noexcept {}
+
+    /// A format known only at run time, which nothing checks before it is used.
     template <class T>
         requires std::is_same_v<T, NSString> || std::is_same_v<T, StringView>
     constexpr FormatString(const T& text) noexcept : text_(text) {}
@@ -311,6 +314,7 @@ public:
     FormatString(const T& text)
     = delete; // a format known only at run time must be an NSString
 
+    /// The format itself; nil for a nil one.
     constexpr StringView text() const noexcept { return text_; }
 
 private:

@@ -2,8 +2,8 @@
 #include "foundation/text/NSCharacterSet.h"
 
 #include "foundation/objects/NSException.h"
-#include "foundation/text/AsciiSet.h"
 #include "foundation/text/CharacterSetPages.h"
+#include "foundation/text/PercentEscapes.h"
 
 namespace ZQFoundation {
 

@@ -34,6 +34,7 @@ public:
     /// U+000A to U+000D, U+0085, U+2028, U+2029.
     static NSCharacterSet newlineCharacterSet();
 
+    /// The members of both sets above.
     static NSCharacterSet whitespaceAndNewlineCharacterSet();
 
     /// Categories Cc and Cf.
@@ -72,6 +73,7 @@ public:
     /// All code points that are not members.
     NSCharacterSet invertedSet() const;
 
+    /// Whether the unit is a member; false for nil.
     bool characterIsMember(char16_t unit) const noexcept;
 
     /// For any code point; false above U+10FFFF.
@@ -108,18 +110,21 @@ public:
     NSMutableCharacterSet& operator=(NSMutableCharacterSet&& other) noexcept;
     ~NSMutableCharacterSet();
 
-    /// Nil changes nothing.
+    /// Adds the characters, removes them, adds or keeps the other set's members. Nil changes nothing.
     void addCharactersInString(StringView characters);
     void removeCharactersInString(StringView characters);
     void formUnionWithCharacterSet(const NSCharacterSet& other);
     void formIntersectionWithCharacterSet(const NSCharacterSet& other);
 
-    /// Raise NSInvalidArgumentException when a code point is above U+10FFFF.
+    /// Adds or removes code points from `range.location` on. Raise NSInvalidArgumentException when one is
+    /// above U+10FFFF.
     void addCharactersInRange(NSRange range);
     void removeCharactersInRange(NSRange range);
 
+    /// From now on exactly those code points are members that were none.
     void invert();
 
+    /// Whether the unit, or the code point, is a member now.
     bool characterIsMember(char16_t unit) const noexcept;
     bool longCharacterIsMember(char32_t codePoint) const noexcept;
 

@@ -19,21 +19,23 @@ public:
     /// A nil string reads as the empty one.
     explicit NSScanner(NSString string);
 
+    /// A scanner of the string, at its start.
     static NSScanner scannerWithString(NSString string);
 
+    /// The string that is read; empty when it was made of nil.
     const NSString& string() const noexcept { return string_; }
 
-    /// Units from the start.
+    /// Where the next scan begins, in units from the start.
     std::size_t scanLocation() const noexcept { return location_; }
 
-    /// Raises NSRangeException beyond the length.
+    /// Moves to that unit; raises NSRangeException beyond the length.
     void setScanLocation(std::size_t location);
 
     /// White space and newlines unless set otherwise; nil or an empty set: nothing is skipped.
     const NSCharacterSet& charactersToBeSkipped() const noexcept { return skipped_; }
     void setCharactersToBeSkipped(NSCharacterSet set);
 
-    /// False unless set otherwise.
+    /// Whether a text that is looked for must have the same case; false unless set otherwise.
     bool caseSensitive() const noexcept { return isCaseSensitive_; }
     void setCaseSensitive(bool isCaseSensitive) noexcept { isCaseSensitive_ = isCaseSensitive; }
 

@@ -7,6 +7,7 @@
 
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/objects/UnitBlocks.h"
 #include "foundation/text/CharacterSetPages.h"
 #include "foundation/text/Utf.h"
 
@@ -19,75 +20,99 @@ namespace {
 constexpr std::size_t escapeLength = 3;
 constexpr char hexDigits[] = "0123456789ABCDEF";
 
-std::size_t countOfOthers(const char* bytes, std::size_t count, const AsciiSet& kept) noexcept {
-    std::size_t others = 0;
+/// To start from: a copy is faster made than a new one.
+constexpr EscapeTable everyEscape;
+
+static_assert(sizeof(EscapeTable::Form) == escapeLength + 1);
+
+/// Writes a whole form, of which what comes next overwrites what is too much. No branch tells short ones from
+/// long ones: it would be guessed wrongly at every blank of a text.
+inline char* writeByte(std::size_t byte, const EscapeTable& table, char* out) noexcept {
+    std::memcpy(out, &table[byte], sizeof(EscapeTable::Form));
+    return out + table[byte].length;
+}
+
+inline const char* writeCharacter(const char* ascii, const EscapeTable& table, char*& out) noexcept {
+    out = writeByte(static_cast<unsigned char>(*ascii), table, out);
+    return ascii + 1;
+}
+
+/// Of well-formed units; writes at most as many escapes as a character has bytes.
+inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& table, char*& out) noexcept {
+    char32_t code = *units++;
+    if (code < 0x80) {
+        out = writeByte(code, table, out);
+        return units;
+    }
+    if (code < 0x800) {
+        out = writeByte(0xC0 | code >> 6, table, out);
+    } else {
+        if ((code & 0xFC00) == 0xD800) {
+            code = 0x10000 + ((code - 0xD800) << 10) + (*units++ - 0xDC00U);
+            out = writeByte(0xF0 | code >> 18, table, out);
+            out = writeByte(0x80 | (code >> 12 & 0x3F), table, out);
+        } else {
+            out = writeByte(0xE0 | code >> 12, table, out);
+        }
+        out = writeByte(0x80 | (code >> 6 & 0x3F), table, out);
+    }
+    out = writeByte(0x80 | (code & 0x3F), table, out);
+    return units;
+}
+
+/// Writes exactly what the text makes. The last few characters go by a place of their own, since the room for
+/// a piece may end with them.
+template <class Unit>
+void writeEscaped(const Unit* text, std::size_t count, const EscapeTable& table, char* out) noexcept {
+    constexpr std::size_t mostApart = sizeof(EscapeTable::Form) + 1; // one more where a pair is last
+    const Unit* const end = text + count;
+    while (static_cast<std::size_t>(end - text) > mostApart) {
+        text = writeCharacter(text, table, out);
+    }
+    char apart[mostApart * 3 * escapeLength + sizeof(EscapeTable::Form)];
+    char* apartEnd = apart;
+    while (text != end) {
+        text = writeCharacter(text, table, apartEnd);
+    }
+    std::memcpy(out, apart, static_cast<std::size_t>(apartEnd - apart));
+}
+
+std::size_t escapedLength(const char* ascii, std::size_t count, const EscapeTable& table) noexcept {
+    std::size_t length = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        others += kept.contains(static_cast<unsigned char>(bytes[i])) ? 0 : 1;
+        length += table[static_cast<unsigned char>(ascii[i])].length;
     }
-    return others;
+    return length;
 }
 
-/// Writes escapes and members alike as three bytes, of which the next ones overwrite what is too much: a
-/// branch for each byte would be guessed wrongly at every blank of a text. `end` is where the room ends.
-char* writeEscaped(const char* bytes, std::size_t count, const AsciiSet& kept, char* out,
-                   const char* end) noexcept {
-    std::size_t i = 0;
-    for (; i < count && static_cast<std::size_t>(end - out) >= escapeLength; ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[i]);
-        const bool stays = kept.contains(byte);
-        out[0] = stays ? bytes[i] : '%';
-        out[1] = hexDigits[byte >> 4];
-        out[2] = hexDigits[byte & 15];
-        out += stays ? 1 : escapeLength;
+/// Of well-formed units: each half of a pair makes two bytes.
+std::size_t escapedLength(const char16_t* units, std::size_t count, const EscapeTable& table) noexcept {
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const char16_t unit = units[i];
+        const bool makesThree = unit >= 0x800 && (unit & 0xF800) != 0xD800;
+        length += unit < 0x80 ? table[unit].length : escapeLength * (makesThree ? 3 : 2);
     }
-    for (; i < count; ++i) { // no room for an escape, so there is none any more
-        *out++ = bytes[i];
-    }
-    return out;
+    return length;
 }
 
-/// Hands the UTF-8 form of well-formed units over piece by piece.
-template <class Take>
-void forEachPiece(const char16_t* units, std::size_t count, const Take& take) {
-    constexpr std::size_t mostUnits = 1024;
-    char bytes[3 * mostUnits];
-    while (count != 0) {
-        std::size_t piece = std::min(count, mostUnits);
-        const bool cutsPair = piece < count && (units[piece - 1] & 0xFC00) == 0xD800;
-        piece -= cutsPair ? 1 : 0;
-        const char* const end = utf16ToUtf8(units, piece, bytes, IllFormed::replace);
-        take(bytes, static_cast<std::size_t>(end - bytes));
-        units += piece;
-        count -= piece;
-    }
-}
-
-NSString escapedAscii(const NSString& text, StringView view, const AsciiSet& kept) {
-    const std::size_t others = countOfOthers(view.bytes(), view.size(), kept);
-    if (others == 0) {
-        return text;
-    }
-    const std::size_t length = view.size() + (escapeLength - 1) * others;
+template <class Unit>
+NSString escaped(const Unit* text, std::size_t count, std::size_t length, const EscapeTable& table) {
     StringBody* const body = allocateString(length, true);
-    writeEscaped(view.bytes(), view.size(), kept, body->ascii(), body->ascii() + length);
+    writeEscaped(text, count, table, body->ascii());
     return Access::adoptString(body);
 }
 
-NSString escapedUnits(StringView view, const AsciiSet& kept) {
+NSString escapedAscii(const NSString& text, StringView view, const EscapeTable& table) {
+    const std::size_t length = escapedLength(view.bytes(), view.size(), table);
+    return length == view.size() ? text : escaped(view.bytes(), view.size(), length, table);
+}
+
+NSString escapedUnits(StringView view, const EscapeTable& table) {
     if (!isWellFormedUtf16(view.units(), view.size())) {
         return {};
     }
-    std::size_t length = 0;
-    forEachPiece(view.units(), view.size(), [&](const char* bytes, std::size_t count) {
-        length += count + (escapeLength - 1) * countOfOthers(bytes, count, kept);
-    });
-    StringBody* const body = allocateString(length, true);
-    char* out = body->ascii();
-    const char* const end = out + length;
-    forEachPiece(view.units(), view.size(), [&](const char* bytes, std::size_t count) {
-        out = writeEscaped(bytes, count, kept, out, end);
-    });
-    return Access::adoptString(body);
+    return escaped(view.units(), view.size(), escapedLength(view.units(), view.size(), table), table);
 }
 
 struct HexValues {
@@ -122,36 +147,37 @@ bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
     const unsigned high = hexValues.of(at[1]);
     const unsigned low = hexValues.of(at[2]);
     byte = static_cast<char>(high << 4 | low);
-    return (high | low) != HexValues::none && high != HexValues::none && low != HexValues::none;
+    return high != HexValues::none && low != HexValues::none;
 }
 
 NSString unescapedAscii(const NSString& text, StringView view) {
     const char* at = view.bytes();
     const char* const end = at + view.size();
-    const auto escapes = static_cast<std::size_t>(std::count(at, end, '%'));
-    if (escapes == 0) {
+    const std::size_t marks = countPlaces(at, view.size(), [](auto units) { return units == '%'; });
+    if (marks == 0) {
         return text;
     }
-    if (escapes > view.size() / escapeLength) {
+    if (marks > view.size() / escapeLength) {
         return {};
     }
-    const std::size_t size = view.size() - (escapeLength - 1) * escapes;
+    const std::size_t size = view.size() - (escapeLength - 1) * marks;
     StringBody* const body = allocateString(size, true);
     const NSString owner = Access::adoptString(body); // seen by nobody else until it is known to be ASCII
     char* out = body->ascii();
-    for (std::size_t escape = 0; escape < escapes; ++escape) {
-        const auto* const mark =
-            *at == '%' ? at
-                       : static_cast<const char*>(std::memchr(at, '%', static_cast<std::size_t>(end - at)));
-        std::memcpy(out, at, static_cast<std::size_t>(mark - at));
-        out += mark - at;
-        if (!readEscape(mark, end, *out)) {
+    const char* const outEnd = out + size;
+    while (at != end) {
+        if (out == outEnd) {
+            return {}; // more is left than there is room for: some "%" has no two digits
+        }
+        if (*at != '%') {
+            *out++ = *at++;
+        } else if (readEscape(at, end, *out)) {
+            ++out;
+            at += escapeLength;
+        } else {
             return {};
         }
-        ++out;
-        at = mark + escapeLength;
     }
-    std::memcpy(out, at, static_cast<std::size_t>(end - at));
     return asciiPrefixLength(body->ascii(), size) == size
                ? owner
                : NSString::stringWithUTF8Bytes(body->ascii(), size);
@@ -189,13 +215,13 @@ NSString unescapedUnits(const NSString& text, StringView view) {
 
 } // namespace
 
-NSString addPercentEscapes(const NSString& text, const AsciiSet& kept) {
+NSString addPercentEscapes(const NSString& text, const EscapeTable& table) {
     const StringView view(text);
     switch (view.form()) {
     case StringView::Form::ascii:
-        return escapedAscii(text, view, kept);
+        return escapedAscii(text, view, table);
     case StringView::Form::utf16:
-        return escapedUnits(view, kept);
+        return escapedUnits(view, table);
     default:
         return {};
     }
@@ -216,9 +242,14 @@ NSString removePercentEscapes(const NSString& text) {
 } // namespace detail
 
 NSString NSString::stringByAddingPercentEncodingWithAllowedCharacters(const NSCharacterSet& allowed) const {
-    const detail::CharacterSetBody& body = detail::bodyOrEmpty(allowed);
-    const std::uint64_t* const words = body.pages()[body.numbers[0]].words;
-    return detail::addPercentEscapes(*this, detail::AsciiSet(words[0], words[1]));
+    const detail::CharacterMembership members(allowed);
+    detail::EscapeTable table = detail::everyEscape;
+    for (unsigned char code = 0; code < 0x80; ++code) {
+        if (members.contains(static_cast<char>(code))) {
+            table.keep(code);
+        }
+    }
+    return detail::addPercentEscapes(*this, table);
 }
 
 } // namespace ZQFoundation

@@ -111,7 +111,6 @@ constexpr TextEncoding encodings[] = {
     sequences(0x80000632, "GB18030"),
     sequences(0x80000820, "ISO-2022-JP"),
     sequences(0x80000821, "ISO-2022-JP-2"),
-    sequences(0x80000830, "ISO-2022-CN"),
     sequences(0x80000840, "ISO-2022-KR"),
     sequences(0x80000920, "EUC-JP"),
     sequences(0x80000930, "EUC-CN"),

@@ -49,6 +49,10 @@ struct NSDateComponents {
     NSTimeZone timeZone;
 };
 
+/// The names for `NSCalendar::calendarWithIdentifier`.
+inline constexpr const char* NSCalendarIdentifierGregorian = "gregorian";
+inline constexpr const char* NSCalendarIdentifierISO8601 = "iso8601";
+
 /// Turns instants into fields and back, by the rules of the Gregorian calendar at all times, also before they
 /// were introduced, on the clocks of a time zone. A small value; copy it freely, use it from any thread. A
 /// default-made one is nil and answers nil, 0, false and unset fields.
@@ -64,9 +68,6 @@ public:
     constexpr NSCalendar() noexcept = default;
     constexpr NSCalendar(std::nullptr_t) noexcept {}
 
-    static constexpr char NSCalendarIdentifierGregorian[] = "gregorian";
-    static constexpr char NSCalendarIdentifierISO8601[] = "iso8601";
-
     /// The Gregorian calendar, whose weeks begin on Sunday and whose first week of a year holds 1 January, or
     /// that of ISO 8601, whose weeks begin on Monday and whose first week holds at least four days of its
     /// year; nil for another name. In the process's time zone at each use.
@@ -75,8 +76,10 @@ public:
     /// The user's: the Gregorian one.
     static NSCalendar currentCalendar() noexcept;
 
+    /// True unless the calendar is nil.
     constexpr explicit operator bool() const noexcept { return form_ != Form::absent; }
 
+    /// One of the two names above; nil for nil.
     NSString calendarIdentifier() const;
 
     /// Nil, as at first: the process's zone at the time of each call.

@@ -43,6 +43,7 @@ public:
     /// Always that far east of Greenwich. Nil beyond 18 hours.
     static NSTimeZone timeZoneForSecondsFromGMT(int seconds) noexcept;
 
+    /// True unless the zone is nil.
     constexpr explicit operator bool() const noexcept { return form_ != Form::absent; }
 
     /// "Europe/Berlin"; for a rule its text, for a zone file elsewhere its path, for a fixed offset
@@ -55,6 +56,7 @@ public:
     /// "CET", "CEST", "+0530"; for a fixed offset "GMT+1". Nil for a nil date.
     NSString abbreviationForDate(const NSDate& date) const;
 
+    /// Whether clocks are put forward for the summer then. False for nil, for a nil date and a fixed offset.
     bool isDaylightSavingTimeForDate(const NSDate& date) const noexcept;
 
     /// The same name and the same data; two nil handles are the same too.

@@ -20,8 +20,6 @@ namespace {
 struct Decoded {
     std::uint64_t length; ///< as reported
     std::string bytes;    ///< all that were written
-
-    friend bool operator==(const Decoded&, const Decoded&) = default;
 };
 
 int valueOf(char character) {
@@ -98,6 +96,7 @@ public:
         std::uint8_t* const input = endOf(input_, text.size());
         std::uint8_t* const output = endOf(output_, capacity);
         std::memcpy(input, text.data(), text.size());
+        std::memset(output, 0xEE, capacity);
         Decoded result{base64::decode(codec, input, text.size(), output), ""};
         // A length that is one too small leaves a byte that was written behind it.
         const std::uint64_t written = std::min<std::uint64_t>(result.length + 1, capacity);
@@ -111,6 +110,7 @@ public:
         std::uint8_t* const input = endOf(input_, bytes.size());
         std::uint8_t* const output = endOf(output_, capacity);
         std::memcpy(input, bytes.data(), bytes.size());
+        std::memset(output, 0xEE, capacity);
         char* const text = reinterpret_cast<char*>(output);
         return {text, base64::encode(codec, input, bytes.size(), separateLines, text)};
     }

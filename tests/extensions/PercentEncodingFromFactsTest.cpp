@@ -360,6 +360,16 @@ TEST(PercentEncodingFromFacts, isNilForAnEscapeWithoutTwoDigits) {
     EXPECT_FALSE(stringOf(u"%\x0132\x0130"s).urlDecodedString()) << "their low bytes are digits";
 }
 
+TEST(PercentEncodingFromFacts, isNilForSignsWithoutDigitsBehindALongText) {
+    for (const std::size_t length : {1u, 100u, 3000u, 300000u}) {
+        for (const std::size_t signs : {std::size_t{1}, length / 2, length, 3 * length}) {
+            const NSString before(std::string(length, 'b'));
+            EXPECT_EQ(decoded(std::string(length, 'a') + std::string(signs + 1, '%')), "(nil)");
+            EXPECT_TRUE(before == std::string(length, 'b'));
+        }
+    }
+}
+
 TEST(PercentEncodingFromFacts, isNilForBytesThatAreNotWellFormed) {
     for (const char* text : {"%80",          "%BF",          "%C0%80",
                              "%C1%BF",       "%C3",          "%C3%28",

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/objects/TestValues.h"
 
@@ -108,6 +109,46 @@ TEST(NSURL, releasesALongChainOfBasesWithoutRecursion) {
         url = NSURL::URLWithString_relativeToURL("x", url);
     }
     EXPECT_EQ(url.relativeString(), "x");
+}
+
+TEST(NSURL, resolvesALongChainOfBasesWithoutRecursion) {
+    NSURL url = NSURL::URLWithString("http://h/");
+    for (int i = 0; i < 100000; ++i) {
+        url = NSURL::URLWithString_relativeToURL(i % 2 == 0 ? "x/" : "../y", url);
+    }
+    EXPECT_EQ(url.absoluteString(), "http://h/y");
+    EXPECT_EQ(url.host(), "h");
+    EXPECT_EQ(url.absoluteURL(), NSURL::URLWithString("http://h/y"));
+}
+
+TEST(NSURL, withoutABaseIsAbsoluteAsItStands) {
+    for (const char* text : {"../a/./b", "http://h/../a", "", "#f", "x:a/../b"}) {
+        const NSURL url = NSURL::URLWithString(text);
+        EXPECT_EQ(url.absoluteString(), text);
+        EXPECT_EQ(url.absoluteURL(), url);
+    }
+    EXPECT_EQ(NSURL::URLWithString_relativeToURL("x:a/../b", NSURL::URLWithString("x:c")).absoluteString(),
+              "x:a/../b")
+        << "a text with a scheme of its own is relative to nothing";
+}
+
+TEST(NSURL, keepsTheBytesOfItsPartsApart) {
+    const NSURL url = NSURL::URLWithString("x://:p:q@[::1]:080/a//b?c?d#e?f");
+    EXPECT_EQ(shown(url.user()), "");
+    EXPECT_EQ(shown(url.password()), "p:q");
+    EXPECT_EQ(shown(url.authority()), ":p:q@[::1]:080");
+    EXPECT_EQ(shown(url.host()), "::1");
+    EXPECT_EQ(shown(url.port()), "80");
+    EXPECT_EQ(shown(url.path()), "/a//b");
+    EXPECT_EQ(shown(url.query()), "c?d");
+    EXPECT_EQ(shown(url.fragment()), "e?f");
+}
+
+TEST(NSURL, hasNoPortBeyondTheRangeOfNumbers) {
+    EXPECT_EQ(shown(NSURL::URLWithString("x://h:9223372036854775807").port()), "9223372036854775807");
+    EXPECT_FALSE(NSURL::URLWithString("x://h:9223372036854775808").port());
+    EXPECT_FALSE(NSURL::URLWithString("x://h:").port());
+    EXPECT_FALSE(NSURL::URLWithString("x:/h:1").port());
 }
 
 } // namespace

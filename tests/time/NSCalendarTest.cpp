@@ -22,7 +22,7 @@ constexpr unsigned plainUnits = NSCalendarUnitYear | NSCalendarUnitMonth | NSCal
                                 NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond;
 
 NSCalendar gregorian() { return NSCalendar::calendarWithIdentifier("gregorian"); }
-NSCalendar iso() { return NSCalendar::calendarWithIdentifier(NSCalendar::NSCalendarIdentifierISO8601); }
+NSCalendar iso() { return NSCalendar::calendarWithIdentifier(NSCalendarIdentifierISO8601); }
 
 NSDate since1970(double seconds) { return NSDate::dateWithTimeIntervalSince1970(seconds); }
 

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_VIEWER_READINGREPORT_H
+#define ZQFOUNDATION_VIEWER_READINGREPORT_H
+
+#include <cstddef>
+#include <string>
+
+#include "Document.h"
+
+/// Tells the user, in the user's language, what was shown in this run, and keeps a history of it.
+class ReadingReport {
+public:
+    /// A line about one document, and one in the history, which stands in the folder
+    /// ~/Library/Application Support/Example/Viewer where there is one.
+    void add(const Document& document, const std::string& path, std::size_t pages);
+
+    /// A line about all of them; none when nothing was shown.
+    void show() const;
+
+private:
+    int documents_ = 0;
+    int pages_ = 0;
+    int characters_ = 0;
+};
+
+#endif

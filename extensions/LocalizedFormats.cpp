@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/NSString.h"
+#include "foundation/process/NSBundle.h"
+#include "foundation/text/NSLocale.h"
+
+namespace ZQFoundation {
+
+NSString NSString::initWithLocalizedString(const NSString& key) {
+    return NSBundle::mainBundle().localizedStringForKey_value_table(key, "", nullptr);
+}
+
+NSString NSString::initWithLocalizedFormat_arguments(const NSString& key, ArgumentList arguments) {
+    return initWithLocalizedFormat_locale_arguments(key, nullptr, arguments);
+}
+
+NSString NSString::initWithLocalizedFormat_locale_arguments(const NSString& key, const NSLocale& locale,
+                                                            ArgumentList arguments) {
+    return initWithFormat_locale_arguments(initWithLocalizedString(key), locale, arguments);
+}
+
+NSString NSString::stringWithLocalizedFormat(const NSString& key) {
+    return stringWithFormat("%@", initWithLocalizedString(key));
+}
+
+NSString NSString::localizedStringWithLocalizedFormat(const NSString& key) {
+    // No locale touches a text that "%@" inserts, so the user's need not be looked up.
+    return stringWithLocalizedFormat(key);
+}
+
+} // namespace ZQFoundation

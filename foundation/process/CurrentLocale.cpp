@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include <cstdlib>
+#include <string_view>
+
+#include "foundation/process/NSUserDefaults.h"
+#include "foundation/text/NSLocale.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+constexpr const char* programsLocale = "en_US_POSIX";
+
+/// The locale that the environment names for numbers.
+std::string_view localeOfEnvironment() {
+    for (const char* name : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
+        const char* const value = std::getenv(name);
+        if (value != nullptr && *value != '\0') {
+            return value;
+        }
+    }
+    return programsLocale;
+}
+
+} // namespace
+
+NSLocale NSLocale::currentLocale() {
+    const NSString chosen = NSUserDefaults::standardUserDefaults().stringForKey("AppleLocale");
+    if (chosen.length() != 0) {
+        return localeWithLocaleIdentifier(chosen);
+    }
+    const std::string_view locale = localeOfEnvironment();
+    const std::string_view name = locale.substr(0, locale.find_first_of(".@"));
+    return localeWithLocaleIdentifier(name == "C" || name == "POSIX" ? programsLocale : locale);
+}
+
+} // namespace ZQFoundation

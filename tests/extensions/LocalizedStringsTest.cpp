@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "extensions/LocalizedStrings.h"
+
+#include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSNumber.h"
+#include "tests/extensions/LocalizedScene.h"
+
+using namespace ZQFoundation;
+using localizedscene::Application;
+
+namespace {
+
+/// All eight functions, asked for a key of the default table of the main bundle.
+std::vector<NSString> answersOfAll(const char* key, const char* defaultValue = "") {
+    const Argument arguments[] = {Argument(7)};
+    const ArgumentList list(arguments, 1);
+    const NSBundle bundle = NSBundle::mainBundle();
+    return {ZQLocalizedStringWithFormat(key, "comment", 7),
+            ZQLocalizedStringWithFormatv(key, "comment", list),
+            ZQLocalizedStringFromTableWithFormat(key, nullptr, "comment", 7),
+            ZQLocalizedStringFromTableWithFormatv(key, "", "comment", list),
+            ZQLocalizedStringFromTableInBundleWithFormat(key, "Localizable", bundle, "comment", 7),
+            ZQLocalizedStringFromTableInBundleWithFormatv(key, nullptr, bundle, "comment", list),
+            ZQLocalizedStringWithDefaultValueWithFormat(key, nullptr, bundle, defaultValue, "comment", 7),
+            ZQLocalizedStringWithDefaultValueWithFormatv(key, "", bundle, defaultValue, "comment", list)};
+}
+
+void expectAll(const char* key, const char* expected) {
+    for (const NSString& answer : answersOfAll(key)) {
+        EXPECT_EQ(answer, expected) << key;
+    }
+}
+
+} // namespace
+
+TEST(LocalizedStrings, textsWithoutConversionsComeBackWithTheirPercentSigns) {
+    struct Row {
+        const char* key;
+        const char* english;
+        const char* german;
+    };
+    const Row rows[] = {
+        {"greeting", "Hello", "Gr\u00FC\u00DFe"},
+        {"half", "50% done", "50% fertig"},
+        {"empty", "", ""},
+        {"100%", "100", "100"}, // a conversion that the end cuts off
+        {"Done", "Done", "Done"},
+        {"25%% done", "25% done", "25% done"},
+    };
+    for (const bool german : {false, true}) {
+        const Application application(german ? "de" : "en");
+        for (const Row& row : rows) {
+            expectAll(row.key, german ? row.german : row.english);
+        }
+    }
+}
+
+TEST(LocalizedStrings, noConversionIsFilledWithWhatTheCallerGives) {
+    const Application application("de");
+    expectAll("%d files", "0 Dateien");
+    expectAll("%@", "<(null)|0|(null)|0x0|    0|0.000000>");
+    expectAll("two", "(null) (null)");
+    expectAll("%d of %d, %@", "(null): 0 von 0");
+    expectAll("stored", "0");
+}
+
+TEST(LocalizedStrings, argumentsOfAnyKindMayFollowAndNoneIsRead) {
+    const Application application("de");
+    EXPECT_EQ(ZQLocalizedStringWithFormat("%d files", "", 3), "0 Dateien");
+    EXPECT_EQ(ZQLocalizedStringWithFormat("%d files", ""), "0 Dateien");
+    EXPECT_EQ(ZQLocalizedStringWithFormat("two", "", NSString("a"), "b"), "(null) (null)");
+    EXPECT_EQ(ZQLocalizedStringWithFormat("two", "", NSArray{1}, 2.5, nullptr), "(null) (null)");
+    EXPECT_EQ(ZQLocalizedStringFromTableWithFormat("Open %@", "Menu", "", NSString("a")),
+              "(null) \u00F6ffnen");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormat("Open %@", "Menu", NSBundle::mainBundle(), "",
+                                                           NSNumber(1)),
+              "(null) \u00F6ffnen");
+    EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat("missing", "Menu", NSBundle::mainBundle(), "%@!",
+                                                          "", std::string("x")),
+              "(null)!");
+}
+
+TEST(LocalizedStrings, aTableIsSearchedByItsName) {
+    const Application application("de");
+    const NSBundle bundle = NSBundle::mainBundle();
+    EXPECT_EQ(ZQLocalizedStringFromTableWithFormat("Close", "Menu", ""), "Schlie\u00DFen");
+    EXPECT_EQ(ZQLocalizedStringFromTableWithFormatv("Close", "Menu", "", {}), "Schlie\u00DFen");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormat("Close", "Menu", bundle, ""), "Schlie\u00DFen");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormatv("Close", "Menu", bundle, "", {}),
+              "Schlie\u00DFen");
+    EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat("Close", "Menu", bundle, "x", ""),
+              "Schlie\u00DFen");
+    EXPECT_EQ(ZQLocalizedStringWithFormat("Close", ""), "Close");
+    EXPECT_EQ(ZQLocalizedStringFromTableWithFormat("Close", "None", ""), "Close");
+    EXPECT_EQ(ZQLocalizedStringFromTableWithFormat("greeting", "Menu", ""), "greeting");
+}
+
+TEST(LocalizedStrings, aBundleOtherThanTheMainOneIsSearchedWhenItIsGiven) {
+    const Application application("de");
+    const scene::Folder folder;
+    folder.write("F.framework/Resources/Info.plist", "{ CFBundleDevelopmentRegion = en; }");
+    folder.write("F.framework/Resources/de.lproj/Localizable.strings", "\"greeting\" = \"Servus %%\";");
+    const NSBundle bundle = NSBundle::bundleWithPath(folder / "F.framework");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormat("greeting", nullptr, bundle, ""), "Servus %");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormatv("greeting", nullptr, bundle, "", {}), "Servus %");
+    EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat("greeting", "", bundle, "x", ""), "Servus %");
+    EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormatv("half", "", bundle, "x", "", {}), "x");
+}
+
+TEST(LocalizedStrings, aDefaultValueStandsInForAMissingKey) {
+    const Application application("en");
+    const NSBundle bundle = NSBundle::mainBundle();
+    struct Row {
+        const char* key;
+        NSString defaultValue;
+        const char* expected;
+    };
+    const Row rows[] = {
+        {"no such", "Fallback", "Fallback"}, {"no such", "%d%%", "0%"},         {"no such", "", "no such"},
+        {"no such", nullptr, "no such"},     {"greeting", "Fallback", "Hello"}, {"empty", "Fallback", ""},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat(row.key, nullptr, bundle, row.defaultValue, ""),
+                  row.expected);
+        EXPECT_EQ(
+            ZQLocalizedStringWithDefaultValueWithFormatv(row.key, nullptr, bundle, row.defaultValue, "", {}),
+            row.expected);
+    }
+    expectAll("no such", "no such");
+}
+
+TEST(LocalizedStrings, theCommentIsNeverRead) {
+    const Application application("en");
+    for (const NSString& comment : {NSString(), NSString(""), NSString("%@ %n %s")}) {
+        EXPECT_EQ(ZQLocalizedStringWithFormat("greeting", comment), "Hello");
+        EXPECT_EQ(ZQLocalizedStringWithFormatv("greeting", comment, {}), "Hello");
+    }
+}
+
+TEST(LocalizedStrings, aNilKeyGivesTheDefaultValueAndANilBundleRaises) {
+    const Application application("en");
+    EXPECT_EQ(ZQLocalizedStringWithFormat(nullptr, ""), "");
+    EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat(nullptr, nullptr, NSBundle::mainBundle(), "x", ""),
+              "x");
+    EXPECT_THROW(ZQLocalizedStringFromTableInBundleWithFormat("greeting", nullptr, nullptr, ""), NSException);
+}
+
+TEST(LocalizedStrings, theLanguageIsThatOfTheProcess) {
+    const auto texts = localizedscene::inProcessesOfTheirOwn({"de", "en"}, [] {
+        const std::string language = std::getenv("LANGUAGE");
+        const Application application(language.c_str());
+        return ZQLocalizedStringFromTableWithFormat("Close", "Menu", "").utf8() + " " +
+               ZQLocalizedStringWithFormat("half", "", 3).utf8();
+    });
+    if (!texts.empty()) {
+        EXPECT_EQ(texts, (std::vector<std::string>{"Schlie\u00DFen 50% fertig", "Close 50% done"}));
+    }
+}

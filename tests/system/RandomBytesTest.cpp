@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <set>
+#include <string>
+
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+
+#include "foundation/system/System.h"
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation::detail;
+
+namespace {
+
+std::string randomBytes(std::size_t count) {
+    std::string bytes(count, '\0');
+    system::fillWithRandomBytes(bytes.data(), count);
+    return bytes;
+}
+
+TEST(RandomBytes, fillAllOfThePlaceAndNoMore) {
+    for (const std::size_t count : {0U, 1U, 7U, 16U, 255U, 257U, 100000U}) {
+        std::string bytes(count + 2, 'x');
+        system::fillWithRandomBytes(bytes.data() + 1, count);
+        EXPECT_EQ(bytes.front(), 'x');
+        EXPECT_EQ(bytes.back(), 'x');
+        if (count > 200) {
+            const std::set<char> seen(bytes.begin() + 1, bytes.end() - 1);
+            EXPECT_GT(seen.size(), 80U) << count;
+            const std::set<char> last(bytes.end() - 33, bytes.end() - 1);
+            EXPECT_GT(last.size(), 8U) << "the end was not filled";
+        }
+    }
+}
+
+TEST(RandomBytes, areOthersAtEveryCall) {
+    std::set<std::string> seen;
+    for (int call = 0; call < 10000; ++call) {
+        EXPECT_TRUE(seen.insert(randomBytes(16)).second);
+    }
+}
+
+/// Makes the kernel refuse its call for random bytes from here on.
+bool forbidTheCall() {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_getrandom, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    sock_fprog filter{4, program};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+bool areDifferent(int calls) {
+    std::set<std::string> seen;
+    for (int call = 0; call < calls; ++call) {
+        seen.insert(randomBytes(16));
+    }
+    return seen.size() == static_cast<std::size_t>(calls);
+}
+
+TEST(RandomBytes, comeFromTheDeviceWhereTheCallIsForbidden) {
+    EXPECT_EQ(scene::inUnprivilegedChild([] {
+                  if (!forbidTheCall()) {
+                      return 2;
+                  }
+                  const int before = ::dup(0);
+                  ::close(before);
+                  const bool different = areDifferent(500);
+                  const int after = ::dup(0);
+                  return different && after == before ? 0 : 1;
+              }),
+              0);
+}
+
+TEST(RandomBytes, differEvenWithoutTheDevice) {
+    EXPECT_EQ(scene::inUnprivilegedChild([] {
+                  const rlimit none{0, 0};
+                  if (!forbidTheCall() || ::setrlimit(RLIMIT_NOFILE, &none) != 0) {
+                      return 2;
+                  }
+                  return areDifferent(500) ? 0 : 1;
+              }),
+              0);
+}
+
+} // namespace

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/text/UriResolution.h"
+
+#include <gtest/gtest.h>
+
+#include "foundation/text/UriReference.h"
+#include "tests/objects/RandomTexts.h"
+#include "tests/objects/ReferenceModel.h"
+
+using namespace ZQFoundation;
+using detail::resolvedUriReference;
+using detail::withoutDotSegments;
+
+namespace {
+
+constexpr const char* base = "http://a/b/c/d;p?q";
+
+TEST(UriResolution, ofNormalReferences) {
+    const char* const rows[][2] = {
+        {"g:h", "g:h"},
+        {"g", "http://a/b/c/g"},
+        {"./g", "http://a/b/c/g"},
+        {"g/", "http://a/b/c/g/"},
+        {"/g", "http://a/g"},
+        {"//g", "http://g"},
+        {"?y", "http://a/b/c/d;p?y"},
+        {"g?y", "http://a/b/c/g?y"},
+        {"#s", "http://a/b/c/d;p?q#s"},
+        {"g#s", "http://a/b/c/g#s"},
+        {"g?y#s", "http://a/b/c/g?y#s"},
+        {";x", "http://a/b/c/;x"},
+        {"g;x", "http://a/b/c/g;x"},
+        {"g;x?y#s", "http://a/b/c/g;x?y#s"},
+        {"", "http://a/b/c/d;p?q"},
+        {".", "http://a/b/c/"},
+        {"./", "http://a/b/c/"},
+        {"..", "http://a/b/"},
+        {"../", "http://a/b/"},
+        {"../g", "http://a/b/g"},
+        {"../..", "http://a/"},
+        {"../../", "http://a/"},
+        {"../../g", "http://a/g"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(resolvedUriReference(row[0], base), row[1]) << row[0];
+    }
+}
+
+TEST(UriResolution, ofAbnormalReferences) {
+    const char* const rows[][2] = {
+        {"../../../g", "http://a/g"},
+        {"../../../../g", "http://a/g"},
+        {"/./g", "http://a/g"},
+        {"/../g", "http://a/g"},
+        {"g.", "http://a/b/c/g."},
+        {".g", "http://a/b/c/.g"},
+        {"g..", "http://a/b/c/g.."},
+        {"..g", "http://a/b/c/..g"},
+        {"./../g", "http://a/b/g"},
+        {"./g/.", "http://a/b/c/g/"},
+        {"g/./h", "http://a/b/c/g/h"},
+        {"g/../h", "http://a/b/c/h"},
+        {"g;x=1/./y", "http://a/b/c/g;x=1/y"},
+        {"g;x=1/../y", "http://a/b/c/y"},
+        {"g?y/./x", "http://a/b/c/g?y/./x"},
+        {"g?y/../x", "http://a/b/c/g?y/../x"},
+        {"g#s/./x", "http://a/b/c/g#s/./x"},
+        {"g#s/../x", "http://a/b/c/g#s/../x"},
+        {"http:g", "http:g"}, // strict: the scheme of the base is a scheme like others
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(resolvedUriReference(row[0], base), row[1]) << row[0];
+    }
+}
+
+TEST(UriResolution, takesPartsOfOtherBases) {
+    const struct {
+        const char* reference;
+        const char* base;
+        const char* target;
+    } rows[] = {
+        {"g", "http://a", "http://a/g"},
+        {"?", "http://a/b?q#f", "http://a/b?"},
+        {"#", "http://a/b?q#f", "http://a/b?q#"},
+        {"g", "file:///a/b", "file:///a/g"},
+        {"g", "urn:a", "urn:g"},
+        {"g", "urn:", "urn:g"},
+        {"?y", "urn:a?q", "urn:a?y"},
+        {"g", "http://u:p@[::1]:80/x?q", "http://u:p@[::1]:80/g"},
+        {"//h:/%2e", "x:y", "x://h:/%2e"},
+        {"..", "http://a/b/../c/d", "http://a/"},
+        {"", "http://a/./b/../c#f", "http://a/./b/../c"}, // the base's own path is taken as it is
+        {"g", "a/b?q", "a/g"},
+        {"/g", "a/b", "/g"},
+        {"//h", "a/b", "//h"},
+        {"?y", "a#f", "a?y"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(resolvedUriReference(row.reference, row.base), row.target)
+            << row.reference << " against " << row.base;
+    }
+}
+
+TEST(UriResolution, keepsPathsFromBeingReadAsOtherParts) {
+    EXPECT_EQ(resolvedUriReference("..//b", "x:/a"), "x:/.//b");
+    EXPECT_EQ(resolvedUriReference(".///b", "x:a"), "x:/.//b");
+    EXPECT_EQ(resolvedUriReference("/.//b", "x:a"), "x:/.//b");
+    EXPECT_EQ(resolvedUriReference("/.//b", "a"), "/.//b");
+    EXPECT_EQ(resolvedUriReference("..//b", "x://h/a"), "x://h//b") << "behind an authority it is a path";
+    EXPECT_EQ(resolvedUriReference("./c:d", "b"), "./c:d") << "where c would be a scheme";
+    EXPECT_EQ(resolvedUriReference("./c:d", "a/b"), "a/c:d");
+    EXPECT_EQ(resolvedUriReference("./c:d", "x:b"), "x:c:d");
+}
+
+TEST(UriResolution, removesDotSegments) {
+    const char* const rows[][2] = {
+        {"/a/b/c/./../../g", "/a/g"},
+        {"mid/content=5/../6", "mid/6"},
+        {"", ""},
+        {".", ""},
+        {"..", ""},
+        {"./", ""},
+        {"../", ""},
+        {"../../a", "a"},
+        {"./../a", "a"},
+        {"/", "/"},
+        {"/.", "/"},
+        {"/..", "/"},
+        {"/...", "/..."},
+        {"/./", "/"},
+        {"/../", "/"},
+        {"/a/.", "/a/"},
+        {"/a/..", "/"},
+        {"/a/../..", "/"},
+        {"a/..", "/"},
+        {"a/../b", "/b"},
+        {"a//..", "a/"},
+        {"//..//", "//"},
+        {"/a//../b", "/a/b"},
+        {"/.a/..b/c.", "/.a/..b/c."},
+        {"/%2e%2e/a", "/%2e%2e/a"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(withoutDotSegments(row[0]), row[1]) << row[0];
+        EXPECT_EQ(referencemodel::withoutDots(row[0]), row[1]) << "the model: " << row[0];
+    }
+}
+
+TEST(UriResolution, removesDotSegmentsAsTheModelDoes) {
+    RandomTexts::Numbers numbers(31);
+    for (int round = 0; round < 50000; ++round) {
+        std::string path;
+        for (std::size_t count = numbers.below(14); count != 0; --count) {
+            path.push_back("../a/"[numbers.below(5)]);
+        }
+        ASSERT_EQ(withoutDotSegments(path), referencemodel::withoutDots(path)) << path;
+    }
+}
+
+/// The pieces of a text, an absent one as "-".
+std::string piecesOf(const std::string& text) {
+    detail::UriReference reference;
+    EXPECT_TRUE(detail::readUriReference(text, reference)) << text;
+    std::string pieces;
+    for (const detail::UriPart& part :
+         {reference.scheme, reference.authority(), reference.query, reference.fragment}) {
+        pieces += part.isPresent ? "|" + text.substr(part.start, part.end - part.start) : "-";
+    }
+    return pieces;
+}
+
+TEST(UriResolution, givesReferencesWithThePiecesThatWerePutTogether) {
+    RandomTexts::Numbers numbers(32);
+    int guarded = 0;
+    for (int round = 0; round < 100000; ++round) {
+        const auto randomText = [&] {
+            std::string text;
+            for (std::size_t count = numbers.below(9); count != 0; --count) {
+                text.push_back("a:/.?#/.:"[numbers.below(9)]);
+            }
+            return text;
+        };
+        const std::string reference = randomText();
+        const std::string from = randomText();
+        if (!referencemodel::isReference(reference) || !referencemodel::isReference(from)) {
+            continue;
+        }
+        SCOPED_TRACE(reference + " against " + from);
+        const referencemodel::Reference target =
+            referencemodel::resolved(referencemodel::apart(reference), referencemodel::apart(from));
+        const auto shown = [](const referencemodel::Piece& piece) {
+            return piece ? "|" + *piece : "-";
+        };
+        const std::string result = resolvedUriReference(reference, from);
+        ASSERT_EQ(piecesOf(result), shown(target.scheme) + shown(target.authority) + shown(target.query) +
+                                        shown(target.fragment));
+        guarded += result != referencemodel::together(target) ? 1 : 0;
+    }
+    EXPECT_GT(guarded, 100) << "the guards were never needed";
+}
+
+TEST(UriResolution, takesLinearTime) {
+    std::string up;
+    std::string down;
+    for (int i = 0; i < 500000; ++i) {
+        up += "../";
+        down += "a/";
+    }
+    EXPECT_EQ(resolvedUriReference(up + "g", "x:/" + down), "x:/g");
+    EXPECT_EQ(withoutDotSegments(down + up).size(), 1U);
+}
+
+} // namespace

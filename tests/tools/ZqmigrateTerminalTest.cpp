@@ -1,0 +1,428 @@
+// SPDX-License-Identifier: MIT
+// What a person at a terminal sees of `zqmigrate`: the bar, and what becomes of Ctrl-C.
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+
+#include "tests/tools/MigrateScene.h"
+
+using scene::holds;
+using scene::MigrateTool;
+using scene::Outcome;
+using scene::Words;
+
+namespace {
+
+/// A terminal whose screen the test is.
+class Terminal {
+public:
+    explicit Terminal(unsigned short columns) : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        EXPECT_EQ(::grantpt(master_), 0);
+        EXPECT_EQ(::unlockpt(master_), 0);
+        slave_ = ::open(::ptsname(master_), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        EXPECT_GE(slave_, 0);
+        resize(columns);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal() {
+        hangUp();
+        ::close(master_);
+    }
+
+    int end() const { return slave_; }
+
+    /// So that reading comes to an end when the tool does.
+    void hangUp() {
+        if (slave_ >= 0) {
+            ::close(slave_);
+        }
+        slave_ = -1;
+    }
+
+    void resize(unsigned short columns) const {
+        winsize size{};
+        size.ws_row = 24;
+        size.ws_col = columns;
+        EXPECT_EQ(::ioctl(master_, TIOCSWINSZ, &size), 0);
+    }
+
+    /// Reads until what was seen since the mark holds the piece.
+    void waitFor(const std::string& piece, std::size_t mark = 0) {
+        while (seen_.find(piece, mark) == std::string::npos && readMore()) {
+        }
+        EXPECT_NE(seen_.find(piece, mark), std::string::npos) << seen_;
+    }
+
+    const std::string& readToEnd() {
+        hangUp();
+        while (readMore()) {
+        }
+        return seen_;
+    }
+
+    const std::string& seen() const { return seen_; }
+
+private:
+    bool readMore() {
+        char buffer[4096];
+        const ssize_t count = ::read(master_, buffer, sizeof buffer);
+        seen_.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
+        return count > 0;
+    }
+
+    int master_;
+    int slave_ = -1;
+    std::string seen_;
+};
+
+/// The pieces between carriage returns that are bars or their removal, without the ends of lines.
+Words drawingsIn(const std::string& seen) {
+    Words drawings;
+    for (std::size_t start = seen.find('\r'); start != std::string::npos;) {
+        const std::size_t next = seen.find('\r', start + 1);
+        std::string piece = seen.substr(start + 1, next - start - 1);
+        const std::size_t erasure = piece.find("\x1B[K");
+        if (erasure != std::string::npos) {
+            drawings.push_back(piece.substr(0, erasure));
+        }
+        start = next;
+    }
+    return drawings;
+}
+
+/// What stays on the screen.
+std::string screenAfter(const std::string& seen) {
+    std::string screen;
+    std::string line;
+    std::size_t column = 0;
+    for (std::size_t position = 0; position < seen.size(); ++position) {
+        if (seen[position] == '\n') {
+            screen.append(line).append("\n");
+            line.clear();
+            column = 0;
+        } else if (seen[position] == '\r') {
+            column = 0;
+        } else if (seen.compare(position, 3, "\x1B[K") == 0) {
+            line.resize(column);
+            position += 2;
+        } else {
+            line.resize(std::max(line.size(), column + 1));
+            line[column++] = seen[position];
+        }
+    }
+    return screen.append(line);
+}
+
+/// A tool with a batch that stops half-way: each file has a line of its own for a pipe that holds one such
+/// line and no second one.
+class LongBatch {
+public:
+    static constexpr int count = 200;
+
+    LongBatch() : term_("TERM", "xterm") {
+        std::string deep;
+        for (int level = 0; level < 12; ++level) {
+            deep.append(200, static_cast<char>('a' + level)).append("/");
+        }
+        for (int number = 0; number < count; ++number) {
+            tool.file("a/" + deep + std::to_string(number));
+        }
+        EXPECT_EQ(::pipe2(pipe_, O_CLOEXEC), 0);
+        EXPECT_EQ(::fcntl(pipe_[1], F_SETPIPE_SZ, 4096), 4096);
+    }
+    LongBatch(const LongBatch&) = delete;
+    LongBatch& operator=(const LongBatch&) = delete;
+    ~LongBatch() { ::close(pipe_[0]); }
+
+    pid_t start(int errors, Words words = {"--create-parents", "batch", "a", "b"}) {
+        const pid_t child = tool.start(words, pipe_[1], errors);
+        ::close(pipe_[1]);
+        return child;
+    }
+
+    /// Until so many files are done, and the line of the last finds no room.
+    void waitUntilStuck(int done = 2) const {
+        while (left("a") > count - done) {
+            ::sched_yield();
+        }
+    }
+
+    std::string readToEnd() const {
+        std::string text;
+        char buffer[4096];
+        ssize_t got = 0;
+        while ((got = ::read(pipe_[0], buffer, sizeof buffer)) > 0) {
+            text.append(buffer, static_cast<std::size_t>(got));
+        }
+        return text;
+    }
+
+    int left(const char* folder) const {
+        const scene::Digest digest = tool.folder().digest(folder);
+        return static_cast<int>(std::count_if(digest.begin(), digest.end(), [](const auto& entry) {
+            return entry.second.rfind("file", 0) == 0;
+        }));
+    }
+
+    MigrateTool tool;
+
+private:
+    scene::Variable term_;
+    int pipe_[2] = {-1, -1};
+};
+
+int linesIn(const std::string& text) { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
+
+double seconds() {
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+// The bar
+
+TEST(ZqmigrateTerminal, showsABarAndTakesItAway) {
+    LongBatch batch;
+    Terminal terminal(80);
+    const pid_t child = batch.start(terminal.end());
+    batch.waitUntilStuck();
+    terminal.waitFor(" of 200, ");
+    EXPECT_EQ(linesIn(batch.readToEnd()), LongBatch::count);
+    const std::string seen = terminal.readToEnd();
+    EXPECT_EQ(scene::statusOf(child), 0);
+    EXPECT_EQ(screenAfter(seen), "zqmigrate: 200 files moved\n");
+    for (const std::string& drawing : drawingsIn(seen)) {
+        const bool isCounting = drawing.find("counting: ") == 0;
+        EXPECT_TRUE(drawing.empty() || isCounting || (drawing[0] == '[' && holds(drawing, "%  "))) << drawing;
+        EXPECT_LT(drawing.size(), 80U);
+    }
+}
+
+TEST(ZqmigrateTerminal, fitsTheBarToTheWidth) {
+    LongBatch batch;
+    Terminal terminal(80);
+    const pid_t child = batch.start(terminal.end());
+    batch.waitUntilStuck();
+    terminal.waitFor("] ");
+    std::size_t widest = 0;
+    for (const int columns : {30, 12, 3, 1, 200, 0}) {
+        terminal.resize(static_cast<unsigned short>(columns));
+        // The drawing that was under way may still have the width from before.
+        std::size_t mark = terminal.seen().size();
+        for (int drawing = 0; drawing < 2; ++drawing) {
+            terminal.waitFor("\x1B[K", mark);
+            mark = terminal.seen().find("\x1B[K", mark) + 3;
+        }
+        terminal.waitFor("\x1B[K", mark);
+        const std::string bar = drawingsIn(terminal.seen().substr(mark)).front();
+        EXPECT_LT(bar.size(), static_cast<std::size_t>(std::max(columns == 0 ? 80 : columns, 2)));
+        EXPECT_FALSE(bar.empty());
+        widest = std::max(widest, bar.size());
+    }
+    EXPECT_GT(widest, 40U);
+    batch.readToEnd();
+    terminal.readToEnd();
+    EXPECT_EQ(scene::statusOf(child), 0);
+}
+
+TEST(ZqmigrateTerminal, drawsTheBarTenTimesASecondAtMost) {
+    LongBatch batch;
+    Terminal terminal(80);
+    const double start = seconds();
+    const pid_t child = batch.start(terminal.end());
+    for (std::size_t mark = 0, drawing = 0; drawing < 5; ++drawing) {
+        terminal.waitFor("\x1B[K", mark);
+        mark = terminal.seen().find("\x1B[K", mark) + 3;
+    }
+    batch.readToEnd();
+    const std::string seen = terminal.readToEnd();
+    EXPECT_EQ(scene::statusOf(child), 0);
+    // The first one comes at once, and the last thing that is drawn is nothing.
+    EXPECT_LE(static_cast<double>(drawingsIn(seen).size()), (seconds() - start) * 10 + 2);
+}
+
+TEST(ZqmigrateTerminal, keepsLinesAndBarApart) {
+    const scene::Variable term("TERM", "xterm");
+    const MigrateTool tool;
+    for (int number = 0; number < 2000; ++number) {
+        tool.file("a/" + std::to_string(number));
+    }
+    tool.file("b/1", "mine");
+    Terminal terminal(60);
+    const pid_t child = tool.start({"batch", "a", "b"}, terminal.end(), terminal.end());
+    const std::string seen = terminal.readToEnd();
+    EXPECT_EQ(scene::statusOf(child), 1);
+    const std::string screen = screenAfter(seen);
+    EXPECT_EQ(linesIn(screen), 2000 + 3);
+    for (int number = 0; number < 2000; ++number) {
+        const std::string line = number == 1 ? "30  1: the destination file already exists\n"
+                                             : " 0  " + std::to_string(number) + ": success\n";
+        EXPECT_TRUE(screen.find(line) == 0 || holds(screen, "\n" + line)) << line;
+    }
+    EXPECT_TRUE(holds(screen, "zqmigrate: 1999 of 2000 files moved; left to do: 1\n"));
+    EXPECT_FALSE(drawingsIn(seen).empty());
+}
+
+TEST(ZqmigrateTerminal, showsNoBarToWhoWantsNone) {
+    struct {
+        const char* term;
+        Words words;
+    } const rows[] = {
+        {"xterm", {"--quiet", "batch", "a", "b"}},
+        {"dumb", {"batch", "b", "a"}},
+        {nullptr, {"batch", "a", "b"}},
+    };
+    const MigrateTool tool;
+    tool.file("a/f");
+    tool.folder().folder("b");
+    for (const auto& row : rows) {
+        const scene::Variable term("TERM", row.term);
+        Terminal terminal(80);
+        const pid_t child = tool.start(row.words, terminal.end(), terminal.end());
+        const std::string seen = terminal.readToEnd();
+        EXPECT_EQ(scene::statusOf(child), 0);
+        EXPECT_FALSE(holds(seen, "\x1B")) << seen;
+    }
+}
+
+TEST(ZqmigrateTerminal, listsTwentyFilesAtMost) {
+    const scene::Variable term("TERM", "dumb");
+    const MigrateTool tool;
+    for (int number = 0; number < 50; ++number) {
+        tool.file("a/" + std::to_string(number));
+    }
+    Terminal terminal(80);
+    const pid_t child = tool.start({"-q", "batch", "a", "b"}, terminal.end(), terminal.end());
+    const std::string seen = screenAfter(terminal.readToEnd());
+    EXPECT_EQ(scene::statusOf(child), 1);
+    EXPECT_EQ(linesIn(seen), 1 + 20 + 1 + 1);
+    EXPECT_TRUE(holds(seen, "\n  ... and 30 more\n")) << seen;
+}
+
+// Signals
+
+TEST(ZqmigrateInterruption, stopsAfterTheFileInHandAndTellsWhatIsLeft) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        LongBatch batch;
+        const int errors = batch.tool.opened("errors");
+        const pid_t child = batch.start(errors);
+        batch.waitUntilStuck();
+        EXPECT_EQ(::kill(child, number), 0);
+        const int done = linesIn(batch.readToEnd());
+        EXPECT_EQ(scene::statusOf(child), 128 + number);
+        ::close(errors);
+        EXPECT_GT(done, 0);
+        EXPECT_LT(done, LongBatch::count);
+        EXPECT_EQ(batch.left("b"), done);
+        EXPECT_EQ(batch.left("a"), LongBatch::count - done);
+        const std::string report = batch.tool.report("errors");
+        EXPECT_EQ(report.find("zqmigrate: stopped by a signal; " + std::to_string(done) +
+                              " of 200 files moved; left to do: " + std::to_string(LongBatch::count - done) +
+                              "\n"),
+                  0U)
+            << report.substr(0, 200);
+        EXPECT_EQ(linesIn(report), 1 + LongBatch::count - done);
+        for (const auto& [path, what] : batch.tool.folder().digest("a")) {
+            const bool isFile = what.rfind("file", 0) == 0;
+            EXPECT_TRUE(!isFile || holds(report, "  --  " + path + ": not reached\n")) << path;
+        }
+    }
+}
+
+TEST(ZqmigrateInterruption, isToldAtOnceByTheBar) {
+    LongBatch batch;
+    Terminal terminal(80);
+    const pid_t child = batch.start(terminal.end());
+    batch.waitUntilStuck();
+    EXPECT_EQ(::kill(child, SIGINT), 0);
+    terminal.waitFor(", stopping");
+    std::thread reader([&batch] { batch.readToEnd(); });
+    terminal.readToEnd(); // at the same time, as neither holds all that is left
+    reader.join();
+    EXPECT_EQ(scene::statusOf(child), 130);
+}
+
+TEST(ZqmigrateInterruption, leavesWholeJson) {
+    LongBatch batch;
+    const int errors = batch.tool.opened("errors");
+    const pid_t child = batch.start(errors, {"--json", "--create-parents", "batch", "a", "b"});
+    batch.waitUntilStuck(1);
+    EXPECT_EQ(::kill(child, SIGINT), 0);
+    const std::string report = batch.readToEnd();
+    EXPECT_EQ(scene::statusOf(child), 130);
+    ::close(errors);
+    const std::string left = "\"notReached\": " + std::to_string(batch.left("a")) + ",\n";
+    EXPECT_TRUE(holds(report, left)) << report.substr(report.size() - 500);
+    EXPECT_TRUE(holds(report, "\"interrupted\": true,\n\"success\": false\n}\n"));
+}
+
+/// The tool in a child for which signals are waiting when it starts.
+int statusAfterPending(const MigrateTool& tool, const std::vector<int>& signals, void (*disposition)(int),
+                       const Words& words) {
+    const int output = tool.opened("output");
+    const int errors = tool.opened("errors");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        struct sigaction action {};
+        action.sa_handler = disposition;
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int number : signals) {
+            ::sigaction(number, &action, nullptr);
+            sigaddset(&held, number);
+        }
+        ::sigprocmask(SIG_BLOCK, &held, nullptr);
+        for (const int number : signals) {
+            ::raise(number);
+        }
+        ::dup2(output, STDOUT_FILENO);
+        ::dup2(errors, STDERR_FILENO);
+        if (::chdir(tool.folder().path().c_str()) == 0) {
+            scene::becomeMigrate(words);
+        }
+        ::_exit(125);
+    }
+    ::close(output);
+    ::close(errors);
+    return scene::statusOf(child);
+}
+
+TEST(ZqmigrateInterruption, isNoneForSignalsThatWereIgnored) {
+    const MigrateTool tool;
+    tool.file("a/f");
+    EXPECT_EQ(statusAfterPending(tool, {SIGHUP}, SIG_IGN, {"file", "a/f", "b"}), 0);
+    EXPECT_EQ(tool.report("errors"), "zqmigrate: 1 file moved\n");
+}
+
+TEST(ZqmigrateInterruption, beforeTheFirstFileLeavesAllOfIt) {
+    const MigrateTool tool;
+    tool.file("a/f");
+    for (const Words& words :
+         {Words{"file", "a/f", "b"}, Words{"folder", "a", "b"}, Words{"batch", "a", "b"}}) {
+        EXPECT_EQ(statusAfterPending(tool, {SIGINT}, SIG_DFL, words), 130);
+        EXPECT_EQ(tool.report("output"), "");
+        EXPECT_TRUE(holds(tool.report("errors"), "left to do: 1\n  --  ")) << tool.report("errors");
+    }
+    EXPECT_EQ(tool.folder().digest("a").size(), 2U);
+}
+
+TEST(ZqmigrateInterruption, isTakenForImpatienceTheSecondTime) {
+    const MigrateTool tool;
+    for (const char* const name : {"a/1", "a/2", "a/3", "a/4"}) {
+        tool.file(name);
+    }
+    EXPECT_EQ(statusAfterPending(tool, {SIGINT, SIGTERM}, SIG_DFL, {"--json", "batch", "a", "b"}), 130);
+    EXPECT_TRUE(holds(tool.report("output"), "\"isLeftComplete\": false")) << tool.report("output");
+    EXPECT_TRUE(holds(tool.report("errors"), "0 of 2 files moved; left to do: 2 or more\n"))
+        << tool.report("errors");
+    EXPECT_EQ(tool.folder().digest("a").size(), 5U);
+}
+
+} // namespace

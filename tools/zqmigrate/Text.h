@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_ZQMIGRATE_TEXT_H
+#define ZQFOUNDATION_ZQMIGRATE_TEXT_H
+
+#include <string>
+
+#include "foundation/objects/NSString.h"
+
+/// Names of files are bytes; a terminal and a reader of JSON each need them in a form of their own.
+namespace ZQFoundation::zqmigrate {
+
+/// Exact for paths.
+std::string bytesOf(const NSString& text);
+NSString pathOf(const std::string& bytes);
+
+/// The bytes as part of a line: what would move the cursor, end the line, turn the direction of writing or is
+/// no text is spelled out ("\x1b", "\u202e").
+std::string shown(const std::string& bytes);
+
+/// The bytes as a text of JSON in its quotes. Each byte that is no text becomes U+FFFD.
+std::string quoted(const std::string& bytes);
+
+/// `"<name>": "<text>"`, and where the text is not exact `, "<name>Bytes": "<hexadecimal digits>"` too.
+std::string memberOfPath(const char* name, const std::string& bytes);
+
+} // namespace ZQFoundation::zqmigrate
+
+#endif
