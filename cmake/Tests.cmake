@@ -95,10 +95,10 @@ endforeach()
 ]] @ONLY)
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
     if(ZQFOUNDATION_SHUFFLED_TESTS)
-        # All of them in one process: what one leaves behind must not matter to another. The long ones about
-        # threads have processes of their own anyway.
+        # All of them in one process: what one leaves behind must not matter to another. The long ones, about
+        # threads or made of processes of their own, are left out.
         add_test(NAME ${folder}.shuffled
-            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-*Concurren*:*Thread*:*Fork*)
+            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-*Concurren*:*Thread*:*Fork*:FaultInjection*:Swapping*)
         set_tests_properties(${folder}.shuffled PROPERTIES TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
     endif()
 endfunction()

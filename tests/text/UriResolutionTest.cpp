@@ -13,63 +13,15 @@ using detail::withoutDotSegments;
 
 namespace {
 
-constexpr const char* base = "http://a/b/c/d;p?q";
-
 TEST(UriResolution, ofNormalReferences) {
-    const char* const rows[][2] = {
-        {"g:h", "g:h"},
-        {"g", "http://a/b/c/g"},
-        {"./g", "http://a/b/c/g"},
-        {"g/", "http://a/b/c/g/"},
-        {"/g", "http://a/g"},
-        {"//g", "http://g"},
-        {"?y", "http://a/b/c/d;p?y"},
-        {"g?y", "http://a/b/c/g?y"},
-        {"#s", "http://a/b/c/d;p?q#s"},
-        {"g#s", "http://a/b/c/g#s"},
-        {"g?y#s", "http://a/b/c/g?y#s"},
-        {";x", "http://a/b/c/;x"},
-        {"g;x", "http://a/b/c/g;x"},
-        {"g;x?y#s", "http://a/b/c/g;x?y#s"},
-        {"", "http://a/b/c/d;p?q"},
-        {".", "http://a/b/c/"},
-        {"./", "http://a/b/c/"},
-        {"..", "http://a/b/"},
-        {"../", "http://a/b/"},
-        {"../g", "http://a/b/g"},
-        {"../..", "http://a/"},
-        {"../../", "http://a/"},
-        {"../../g", "http://a/g"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(resolvedUriReference(row[0], base), row[1]) << row[0];
+    for (const auto& row : referencemodel::normalReferences) {
+        EXPECT_EQ(resolvedUriReference(row[0], referencemodel::exampleBase), row[1]) << row[0];
     }
 }
 
 TEST(UriResolution, ofAbnormalReferences) {
-    const char* const rows[][2] = {
-        {"../../../g", "http://a/g"},
-        {"../../../../g", "http://a/g"},
-        {"/./g", "http://a/g"},
-        {"/../g", "http://a/g"},
-        {"g.", "http://a/b/c/g."},
-        {".g", "http://a/b/c/.g"},
-        {"g..", "http://a/b/c/g.."},
-        {"..g", "http://a/b/c/..g"},
-        {"./../g", "http://a/b/g"},
-        {"./g/.", "http://a/b/c/g/"},
-        {"g/./h", "http://a/b/c/g/h"},
-        {"g/../h", "http://a/b/c/h"},
-        {"g;x=1/./y", "http://a/b/c/g;x=1/y"},
-        {"g;x=1/../y", "http://a/b/c/y"},
-        {"g?y/./x", "http://a/b/c/g?y/./x"},
-        {"g?y/../x", "http://a/b/c/g?y/../x"},
-        {"g#s/./x", "http://a/b/c/g#s/./x"},
-        {"g#s/../x", "http://a/b/c/g#s/../x"},
-        {"http:g", "http:g"}, // strict: the scheme of the base is a scheme like others
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(resolvedUriReference(row[0], base), row[1]) << row[0];
+    for (const auto& row : referencemodel::abnormalReferences) {
+        EXPECT_EQ(resolvedUriReference(row[0], referencemodel::exampleBase), row[1]) << row[0];
     }
 }
 
