@@ -72,6 +72,9 @@ bool isDanglingLink(const PathHandle& path) noexcept {
 /// who find the same link one does so, under the folder's lock, so that nobody's file with a text in it is
 /// replaced. True when no such link stands there any more.
 bool replaceDanglingLink(const std::string& bytes, const PathHandle& path) {
+    if (!isDanglingLink(path)) {
+        return true; // somebody else has made the file meanwhile
+    }
     FolderLock lock;
     if (!lock.take(bytes)) {
         return false;

@@ -30,8 +30,10 @@ public:
         return conversion_ != reinterpret_cast<iconv_t>(-1); // NOLINT: what the C library returns
     }
 
-    /// False unless all of the input was converted without loss.
+    /// False unless all of the input was converted without loss. Begins in the initial state, whatever was
+    /// before.
     bool convert(const char* bytes, std::size_t count, std::string& out) {
+        ::iconv(conversion_, nullptr, nullptr, nullptr, nullptr);
         out.resize(count + count / 2 + 16);
         std::size_t written = 0;
         char* input = const_cast<char*>(bytes); // is only read
@@ -78,6 +80,24 @@ bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& 
     return readUnits(encoding, bytes, out);
 }
 
+bool unitsOfAllBytes(const char* encoding, char16_t none, char16_t* units) {
+    const CallerState caller;
+    // Opened once: a byte must not seem unknown only because the system was short of something for a moment.
+    Conversion conversion(unitEncoding, encoding);
+    if (!conversion.isOpen()) {
+        return false;
+    }
+    std::string unit;
+    for (unsigned code = 0; code < 256; ++code) {
+        const char byte = static_cast<char>(code);
+        units[code] = none;
+        if (conversion.convert(&byte, 1, unit) && unit.size() == sizeof *units) {
+            std::memcpy(&units[code], unit.data(), sizeof *units);
+        }
+    }
+    return true;
+}
+
 bool unitsToBytes(const char* encoding, std::u16string_view units, std::string& out) {
     const CallerState caller;
     Conversion conversion(encoding, unitEncoding);
@@ -86,11 +106,6 @@ bool unitsToBytes(const char* encoding, std::u16string_view units, std::string& 
            conversion.convert(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t),
                               out) &&
            readUnits(encoding, out, readBack) && readBack == units;
-}
-
-bool hasConversion(const char* encoding) {
-    const CallerState caller;
-    return Conversion(unitEncoding, encoding).isOpen();
 }
 
 } // namespace ZQFoundation::detail

@@ -139,17 +139,9 @@ static_assert(std::is_sorted(std::begin(encodings), std::end(encodings), precede
 
 constinit std::atomic<const ByteTable*> tables[std::size(encodings)]{};
 
-/// By the C library, byte for byte: a byte that needs another one beside it, or that it knows nothing of, has
-/// no unit.
 bool getConvertedUnits(const TextEncoding& encoding, ByteTable::Units& units) {
-    if (!hasConversion(encoding.name)) {
+    if (!unitsOfAllBytes(encoding.name, ByteTable::none, units.data())) {
         return false;
-    }
-    std::u16string converted;
-    for (std::size_t code = 0; code < units.size(); ++code) {
-        const char byte = static_cast<char>(code);
-        const bool isKnown = bytesToUnits(encoding.name, {&byte, 1}, converted) && converted.size() == 1;
-        units[code] = isKnown ? converted[0] : ByteTable::none;
     }
     if (encoding.form == EncodingForm::macRoman) {
         // What the C library takes for a Greek letter and for a unit of private use.

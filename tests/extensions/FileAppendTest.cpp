@@ -98,6 +98,19 @@ TEST(FileAppend, losesNoTextWhenSeveralProcessesMakeTheFile) {
     }
 }
 
+TEST(FileAppend, needsNoLockWhereSeveralProcessesMakeTheFile) {
+    const scene::Folder folder;
+    const int lock = ::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    constexpr int writers = 6;
+    for (int round = 0; round < 40; ++round) {
+        const std::string path = folder / std::to_string(round);
+        ASSERT_EQ(failuresOf(writers, [&](int) { return append("x", path); }), 0) << round;
+        EXPECT_EQ(contentsOf(path), std::string(writers, 'x'));
+    }
+    ::close(lock);
+}
+
 TEST(FileAppend, losesNoTextWhenSeveralProcessesFindADanglingLink) {
     const scene::Folder folder;
     for (int round = 0; round < 40; ++round) {

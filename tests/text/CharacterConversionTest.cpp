@@ -63,8 +63,13 @@ TEST(CharacterConversion, readsNoBrokenBytes) {
 TEST(CharacterConversion, knowsWhatIsThere) {
     std::u16string units;
     std::string bytes;
-    EXPECT_TRUE(hasConversion("CP1252"));
-    EXPECT_FALSE(hasConversion("NO-SUCH-ENCODING"));
+    char16_t table[256];
+    EXPECT_TRUE(unitsOfAllBytes("CP1252", u'?', table));
+    EXPECT_EQ(table[0x80], u'\u20AC');
+    EXPECT_EQ(table['a'], u'a');
+    EXPECT_TRUE(unitsOfAllBytes("SHIFT-JIS", u'?', table));
+    EXPECT_EQ(table[0x81], u'?') << "begins a pair";
+    EXPECT_FALSE(unitsOfAllBytes("NO-SUCH-ENCODING", u'?', table));
     EXPECT_FALSE(bytesToUnits("NO-SUCH-ENCODING", "a", units));
     EXPECT_FALSE(unitsToBytes("NO-SUCH-ENCODING", u"a", bytes));
 }
@@ -73,7 +78,8 @@ TEST(CharacterConversion, leavesErrnoAlone) {
     std::u16string units;
     std::string bytes;
     errno = 4711;
-    hasConversion("NO-SUCH-ENCODING");
+    char16_t table[256];
+    unitsOfAllBytes("NO-SUCH-ENCODING", u'?', table);
     bytesToUnits("EUC-JP", "\xC6", units);
     unitsToBytes("EUC-JP", u"\u0E01", bytes);
     EXPECT_EQ(errno, 4711);
