@@ -66,7 +66,7 @@ TEST(CharacterConversion, knowsWhatIsThere) {
     char16_t table[256];
     EXPECT_TRUE(unitsOfAllBytes("CP1252", u'?', table));
     EXPECT_EQ(table[0x80], u'\u20AC');
-    EXPECT_EQ(table['a'], u'a');
+    EXPECT_EQ(table[0x61], u'a');
     EXPECT_TRUE(unitsOfAllBytes("SHIFT-JIS", u'?', table));
     EXPECT_EQ(table[0x81], u'?') << "begins a pair";
     EXPECT_FALSE(unitsOfAllBytes("NO-SUCH-ENCODING", u'?', table));
