@@ -12,6 +12,7 @@ namespace {
 struct Hint {
     std::uint32_t code;
     const char* text;
+    bool needsAttempt = false; ///< it tells what an attempt has left behind
 };
 
 /// What a person can do about it.
@@ -19,18 +20,18 @@ constexpr Hint hints[] = {
     {kFileMigrationSourceIsFolder, "the commands folder and batch are for folders"},
     {kFileMigrationSourceIsFile, "the command file is for files"},
     {kFileMigrationSourceFileCannotBeRemoved,
-     "the copy is complete; make sure of it, then remove the original by hand"},
+     "the copy is complete; make sure of it, then remove the original by hand", true},
     {kFileMigrationDestinationParentFolderDoesNotExist, "--create-parents makes missing folders"},
     {kFileMigrationDestinationFileExists,
      "--overwrite replaces what is there, --rename gives the copy another name"},
     {kFileMigrationDestinationFolderExists,
      "--overwrite replaces what is there, with all that it holds; --rename gives the copy another name"},
     {kFileMigrationDestinationFileWritingFailed,
-     "what stands at the destination now may be a part: look at it before the next attempt"},
+     "what stands at the destination now may be a part: look at it before the next attempt", true},
     {kFileMigrationDestinationFolderOverwritingFailed,
-     "the folder at the destination may have lost a part of what it held"},
+     "the folder at the destination may have lost a part of what it held", true},
     {kFileMigrationDestinationFolderWritingFailed,
-     "what stands at the destination now may be a part: look at it before the next attempt"},
+     "what stands at the destination now may be a part: look at it before the next attempt", true},
 };
 
 std::string descriptionOf(std::uint32_t code) {
@@ -159,9 +160,12 @@ std::string whatIsLeft(const Outcome& outcome, std::size_t mostItems) {
     return text;
 }
 
-std::string hintsFor(const Outcome& outcome) {
+std::string hintsFor(const Request& request, const Outcome& outcome) {
     std::string text;
     for (const Hint& hint : hints) {
+        if (hint.needsAttempt && request.isTrial) {
+            continue;
+        }
         for (const Item& item : outcome.failed) {
             if (item.code == hint.code) {
                 text.append(messageLine(std::to_string(hint.code).append(": ").append(hint.text)));
@@ -212,7 +216,7 @@ std::string summaryOf(const Request& request, const Outcome& outcome, std::size_
     if (!request.isQuiet || !outcome.isSuccess()) {
         text.append(howItWent(request, outcome));
         text.append(whatIsLeft(outcome, mostItems));
-        text.append(hintsFor(outcome));
+        text.append(hintsFor(request, outcome));
     }
     for (const std::string& note : outcome.notes) {
         text.append(messageLine(note));

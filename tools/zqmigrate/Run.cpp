@@ -2,6 +2,7 @@
 #include "tools/zqmigrate/Run.h"
 
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/ItemIdentity.h"
@@ -34,7 +35,8 @@ std::string complaintAbout(const NSString& folder, const std::string& name) {
     return fileManager().contentsOfDirectoryAtPath_error(folder, &reason) ? std::string() : bytesOf(reason);
 }
 
-/// Folders that the enumeration passes over in silence.
+/// Folders that the enumeration passes over in silence, and those whose items cannot be told from folders
+/// because the folder may not be searched.
 std::vector<std::string> unreadableFoldersIn(const NSString& folder, bool includeDotFiles,
                                              const Interruption& interruption) {
     std::vector<std::string> found;
@@ -43,7 +45,7 @@ std::vector<std::string> unreadableFoldersIn(const NSString& folder, bool includ
         const NSString whole = folder.stringByAppendingPathComponent(path);
         struct stat information;
         if ((includeDotFiles || !path.hasPrefix(".")) && detail::getItemInformation(whole, information) &&
-            S_ISDIR(information.st_mode) && !fileManager().isReadableFileAtPath(whole)) {
+            S_ISDIR(information.st_mode) && ::access(bytesOf(whole).c_str(), R_OK | X_OK) != 0) {
             found.push_back(bytesOf(path));
         }
     }
