@@ -24,7 +24,7 @@ set_target_properties(zq_objects PROPERTIES
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
 target_include_directories(zq_objects PRIVATE "${ZQ_STAGED_INCLUDE}")
-target_link_libraries(zq_objects PRIVATE zq_flags)
+target_link_libraries(zq_objects PRIVATE zq_flags zq_hardening)
 # Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined.
 target_compile_options(zq_objects PRIVATE -fno-semantic-interposition)
 
@@ -46,7 +46,7 @@ set_target_properties(ZQFoundation PROPERTIES
 if(NOT APPLE)
     set(ZQ_VERSION_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/ZQFoundation.map")
     target_link_options(ZQFoundation PRIVATE
-        "-Wl,--version-script=${ZQ_VERSION_SCRIPT}" -Wl,-Bsymbolic-functions -Wl,-z,relro,-z,now)
+        "-Wl,--version-script=${ZQ_VERSION_SCRIPT}" -Wl,-Bsymbolic-functions -Wl,-z,relro,-z,now,-z,noexecstack)
     set_property(TARGET ZQFoundation APPEND PROPERTY LINK_DEPENDS "${ZQ_VERSION_SCRIPT}")
     # Clang keeps the sanitizers' run time in the executable, where a shared library finds it at load time.
     if(NOT (ZQFOUNDATION_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES Clang))

@@ -1,0 +1,22 @@
+# SPDX-License-Identifier: MIT
+# Fuzzing harnesses: one program fuzz_<Name> for each fuzz/<Name>Fuzz.cpp, all behind the target `fuzzers`. The
+# preset `fuzz` compiles the library for them; scripts/fuzz runs them.
+
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "The fuzzing harnesses need clang++, whose libFuzzer drives them (scripts/install-packages clang)")
+endif()
+if(NOT ZQFOUNDATION_SANITIZE MATCHES "fuzzer-no-link")
+    message(FATAL_ERROR "ZQFOUNDATION_FUZZERS needs -DZQFOUNDATION_SANITIZE=fuzzer-no-link,address,undefined")
+endif()
+
+add_custom_target(fuzzers)
+file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/fuzz/*Fuzz.cpp")
+foreach(source IN LISTS sources)
+    cmake_path(GET source STEM name)
+    string(REGEX REPLACE "Fuzz$" "" name "${name}")
+    add_executable(fuzz_${name} EXCLUDE_FROM_ALL "${source}")
+    target_link_libraries(fuzz_${name} PRIVATE zq_flags ZQFoundation::Static)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    set_target_properties(fuzz_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/programs")
+    add_dependencies(fuzzers fuzz_${name})
+endforeach()

@@ -1,0 +1,21 @@
+# SPDX-License-Identifier: MIT
+# What the delivered library and tools are compiled with against defects that get past everything else: checked
+# copies, stack guards, stacks that cannot jump over their guard page, marked targets of indirect jumps. Only in
+# optimised builds (checked copies need the optimiser); the sanitizers bring checks of their own.
+
+include(CheckCXXCompilerFlag)
+
+add_library(zq_hardening INTERFACE)
+if(NOT ZQFOUNDATION_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "Release|RelWithDebInfo|MinSizeRel")
+    # Distributions set a level of their own, which may be the higher one.
+    if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")
+        target_compile_options(zq_hardening INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    endif()
+    foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
+        string(MAKE_C_IDENTIFIER "ZQ_HAS${flag}" known)
+        check_cxx_compiler_flag(${flag} ${known})
+        if(${known})
+            target_compile_options(zq_hardening INTERFACE ${flag})
+        endif()
+    endforeach()
+endif()
