@@ -6,6 +6,7 @@
 
 #include <ZQFoundation/ZQFoundation.h>
 
+#include "Text.h"
 #include "TraceKeys.h"
 #include "Workspace.h"
 
@@ -20,7 +21,7 @@ NSString new_place(StringView name) {
 /// For the user, and for whoever reads the log.
 void show_what_stays(const NSString& source, const NSString& reason) {
     ZQLog::logWithFormat("%@ stays: %@", source, reason);
-    std::printf("Viewer: %s stays: %s\n", source.utf8().c_str(), reason.utf8().c_str());
+    std::printf("Viewer: %s stays: %s\n", shown(source).c_str(), shown(reason).c_str());
 }
 
 void report(ZQFileMigrationRetvalType code, const NSString& source, const NSString& destination) {

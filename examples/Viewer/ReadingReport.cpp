@@ -5,6 +5,8 @@
 
 #include <ZQFoundation/ZQFoundation.h>
 
+#include "Text.h"
+
 using namespace ZQFoundation;
 
 namespace {
@@ -46,11 +48,11 @@ void remember(const Document& document, const std::string& path) {
 void ReadingReport::add(const Document& document, const std::string& path, std::size_t pages) {
     ++documents_;
     pages_ += static_cast<int>(pages);
-    characters_ += static_cast<int>(document.body().size());
+    characters_ += count_characters(document.body());
     const NSDate written = modification_date(path);
     // The key is the English text; where a table has another order of the values, it numbers them.
     print_line(NSString::initWithLocalizedFormat("%@: %d pages, written %d days ago (week %d of %d)",
-                                                 document.title(), static_cast<int>(pages),
+                                                 shown(document.title()), static_cast<int>(pages),
                                                  NSDate::calendarDaysBetween_and(written, NSDate::date()),
                                                  written.calendarWeek(), written.yearForCalendarWeek()));
     remember(document, path);

@@ -24,6 +24,7 @@
 #include "Preferences.h"
 #include "ReadingReport.h"
 #include "Renderer.h"
+#include "Text.h"
 
 using namespace ZQFoundation;
 
@@ -81,7 +82,7 @@ int show_version() {
 /// For the user, and for whoever reads the log.
 int show_failure(const std::string& what, const std::string& reason) {
     ZQLog::logWithFormat("%@: %@", what, reason);
-    std::printf("Viewer: %s: %s\n", what.c_str(), reason.c_str());
+    std::printf("Viewer: %s: %s\n", shown(what).c_str(), shown(reason).c_str());
     return failed;
 }
 
@@ -143,7 +144,7 @@ int main(int argc, char** argv) {
     case CommandLine::Action::showVersion:
         return show_version();
     case CommandLine::Action::complain:
-        std::fprintf(stderr, "Viewer: %s (try --help)\n", commandLine.complaint.c_str());
+        std::fprintf(stderr, "Viewer: %s (try --help)\n", shown(commandLine.complaint).c_str());
         return misused;
     }
     return failed;

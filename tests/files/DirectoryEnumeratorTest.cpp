@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "tests/files/CopyScene.h"
 
@@ -36,16 +35,7 @@ Names sorted(Names names) {
     return names;
 }
 
-class DirectoryEnumerator : public testing::Test {
-protected:
-    std::string in(const std::string& name) const { return folder / name; }
-
-private:
-    scene::ScratchInMemory inMemory_;
-
-protected:
-    scene::Folder folder;
-};
+class DirectoryEnumerator : public scene::TreeTest {};
 
 TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
     folder.write("t/a.log", "");
@@ -54,8 +44,8 @@ TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
     folder.write("t/\xFF/\xC3\x28", "");
     folder.makeFolder("t/empty");
     folder.write("outside/x", "");
-    ASSERT_EQ(::symlink("../outside", in("t/link").c_str()), 0);
-    ASSERT_EQ(::symlink("no such", in("t/dangling").c_str()), 0);
+    link("../outside", "t/link");
+    link("no such", "t/dangling");
     ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
     const Names names = told(in("t"));
     EXPECT_EQ(sorted(names), sorted({"a.log", ".dot", ".dot/.inner", "sub", "sub/deep", "sub/deep/b", "\xFF",
@@ -71,7 +61,7 @@ TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
 
 TEST_F(DirectoryEnumerator, theStartMayBeALinkAndMustBeAFolder) {
     folder.write("t/f", "");
-    ASSERT_EQ(::symlink("t", in("l").c_str()), 0);
+    link("t", "l");
     for (const char* const name : {"l", "l/", "t//", "t/.", "l/../t"}) {
         EXPECT_EQ(told(in(name)), Names{"f"}) << name;
     }
@@ -212,26 +202,11 @@ TEST_F(DirectoryEnumerator, depthIsNoLimit) {
 TEST_F(DirectoryEnumerator, fewDescriptorsAreEnough) {
     scene::makeChain(folder.makeFolder("t"), "n", 60);
     folder.write("t/n/n/f", "");
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const int lowest = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-        ::close(lowest);
-        const rlimit limit{static_cast<rlim_t>(lowest) + 4, static_cast<rlim_t>(lowest) + 4};
-        ::setrlimit(RLIMIT_NOFILE, &limit);
-        scene::leave(told(in("t")).size() == 61 ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(scene::isTrueWithDescriptors(4, [this] { return told(in("t")).size() == 61; }));
 }
 
 TEST_F(DirectoryEnumerator, twentyThousandItemsAreToldOnceEach) {
-    for (int number = 0; number < 200; ++number) {
-        const std::string name = folder.makeFolder("t/" + std::to_string(number));
-        for (int file = 0; file < 99; ++file) {
-            ASSERT_EQ(::mknod((name + "/" + std::to_string(file)).c_str(), S_IFREG | 0600, 0), 0);
-        }
-    }
+    makeWideTree("t", 99);
     Names names = sorted(told(in("t")));
     EXPECT_EQ(names.size(), 20000U);
     EXPECT_EQ(std::unique(names.begin(), names.end()), names.end());

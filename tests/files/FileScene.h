@@ -6,6 +6,9 @@
 #include <cstdio>
 #include <string>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+
 #include "foundation/files/NSFileManager.h"
 #include "tests/process/Scene.h"
 
@@ -83,6 +86,23 @@ inline int openDescriptors() {
         ::closedir(folder);
     }
     return count;
+}
+
+/// What the body answers in a child that may open so many files more.
+template <class Body>
+bool isTrueWithDescriptors(rlim_t count, const Body& body) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // The lowest free numbers are what the limit leaves.
+        const int lowest = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ::close(lowest);
+        const rlimit limit{static_cast<rlim_t>(lowest) + count, static_cast<rlim_t>(lowest) + count};
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        leave(body() ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 inline bool isRoot() { return ::geteuid() == 0; }

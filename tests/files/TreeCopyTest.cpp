@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "tests/files/CopyScene.h"
 
@@ -16,21 +15,11 @@ using scene::lookAt;
 
 namespace {
 
-class TreeCopy : public testing::Test {
+class TreeCopy : public scene::TreeTest {
 protected:
-    std::string in(const std::string& name) const { return folder / name; }
-    void link(const std::string& target, const std::string& name) const {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
-    }
     bool remove(const std::string& name) const {
         return NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(in(name)));
     }
-
-private:
-    scene::ScratchInMemory inMemory_;
-
-protected:
-    scene::Folder folder;
 };
 
 TEST_F(TreeCopy, takesEverythingAlong) {
@@ -124,12 +113,7 @@ TEST_F(TreeCopy, thingsOnTheWayBackAreCopiedToo) {
 }
 
 TEST_F(TreeCopy, twentyThousandFilesKeepTheirPlaces) {
-    for (int number = 0; number < 200; ++number) {
-        const std::string name = folder.makeFolder("t/" + std::to_string(number));
-        for (int file = 0; file < 100; ++file) {
-            ASSERT_EQ(::mknod((name + "/" + std::to_string(file)).c_str(), S_IFREG | 0604, 0), 0);
-        }
-    }
+    makeWideTree("t", 100);
     ASSERT_EQ(scene::reasonOfCopy(in("t"), in("u")), "(nil)");
     int present = 0;
     for (int number = 0; number < 200; ++number) {
@@ -347,18 +331,7 @@ TEST_F(TreeCopy, fewDescriptorsAreEnough) {
     scene::makeChain(folder.path(), "n", 100);
     folder.write("n/n/n/n/n/n/n/n/n/n/n/n/f", "x");
     link("f", "n/n/n/n/n/n/n/n/n/n/n/n/l");
-    const pid_t child = ::fork();
-    if (child == 0) {
-        // The lowest free numbers are what the limit leaves.
-        const int lowest = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-        ::close(lowest);
-        const rlimit limit{static_cast<rlim_t>(lowest) + 6, static_cast<rlim_t>(lowest) + 6};
-        ::setrlimit(RLIMIT_NOFILE, &limit);
-        scene::leave(copyItem(in("n"), in("m")) ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_TRUE(scene::isTrueWithDescriptors(6, [this] { return copyItem(in("n"), in("m")); }));
     EXPECT_EQ(scene::contentsOf(in("m/n/n/n/n/n/n/n/n/n/n/n/f")), "x");
     EXPECT_TRUE(remove("n") && remove("m"));
 }

@@ -91,6 +91,8 @@ Words hostileNames() {
                 "right\u202Eto\u202Cleft",
                 "\u2028",
                 "isolate\u2066\u2069",
+                "mark\u200F\u061C",
+                "unseen\u00AD\u200B\u2060\u2064\uFEFF",
                 "caf\u00E9 \U0001F600",
                 "\xEF\xBF\xBD",
                 "cut \xF0\x9F\x98",
@@ -149,9 +151,11 @@ TEST(ZqmigrateJson, andLinesHoldNothingThatATerminalObeys) {
         for (const std::string& text : {outcome.output, outcome.errors}) {
             const std::u16string units = ZQFoundation::NSString(text).utf16();
             for (const char16_t unit : units) {
-                const bool isHarmful = (unit < 0x20 && unit != '\n') || (unit >= 0x7F && unit < 0xA0) ||
-                                       (unit >= 0x2028 && unit <= 0x202E) ||
-                                       (unit >= 0x2066 && unit <= 0x2069);
+                const bool isHarmful =
+                    (unit < 0x20 && unit != '\n') || (unit >= 0x7F && unit < 0xA0) || unit == 0xAD ||
+                    unit == 0x061C || unit == 0xFEFF || (unit >= 0x200B && unit <= 0x200F) ||
+                    (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2060 && unit <= 0x2064) ||
+                    (unit >= 0x2066 && unit <= 0x2069);
                 ASSERT_FALSE(isHarmful) << static_cast<unsigned>(unit);
             }
             EXPECT_FALSE(units.empty()) << "all is text";
@@ -161,7 +165,10 @@ TEST(ZqmigrateJson, andLinesHoldNothingThatATerminalObeys) {
     EXPECT_EQ(static_cast<std::size_t>(std::count(plain.output.begin(), plain.output.end(), '\n')),
               names.size());
     const Outcome quoted = tool.run({"file", "no\n\x1B\xC2\x9B\xFF\u202E\u00E9", "x"});
-    EXPECT_EQ(quoted.output, "10  no\\n\\x1b\\x9b\\xff\\u202e\u00E9: the source path does not exist\n");
+    EXPECT_EQ(quoted.output, "10  no\\n\\x1b\\u009b\\xff\\u202e\u00E9: the source path does not exist\n");
+    const Outcome unseen = tool.run({"file", "\\n\\\u00AD\u200B\u2060\u2064\uFEFF\u2065", "x"});
+    EXPECT_EQ(unseen.output, "10  \\\\n\\\\\\u00ad\\u200b\\u2060\\u2064\\ufeff\u2065: "
+                             "the source path does not exist\n");
 }
 
 } // namespace

@@ -363,6 +363,41 @@ TEST(ZqmigrateInterruption, leavesWholeJson) {
     EXPECT_TRUE(holds(report, "\"interrupted\": true,\n\"success\": false\n}\n"));
 }
 
+TEST(ZqmigrateInterruption, doesNotWaitForAReaderThatHasStalled) {
+    for (const Words& words : {Words{"--create-parents", "batch", "a", "b"},
+                               Words{"--json", "--create-parents", "batch", "a", "b"}}) {
+        LongBatch batch;
+        const int errors = batch.tool.opened("errors");
+        const pid_t child = batch.start(errors, words);
+        batch.waitUntilStuck(1);
+        const double start = seconds();
+        EXPECT_EQ(::kill(child, SIGTERM), 0);
+        EXPECT_EQ(scene::statusOf(child), 143); // the pipe still has a reader, which reads nothing
+        EXPECT_LT(seconds() - start, 30);
+        ::close(errors);
+        const std::string report = batch.tool.report("errors");
+        const int left = batch.left("a");
+        EXPECT_GT(left, 0);
+        EXPECT_EQ(batch.left("b"), LongBatch::count - left);
+        EXPECT_TRUE(holds(report, "zqmigrate: stopped by a signal; ")) << report.substr(0, 200);
+        EXPECT_TRUE(holds(report, "; left to do: " + std::to_string(left) + "\n"));
+        EXPECT_TRUE(holds(report, "zqmigrate: standard output was not written to its end\n"));
+    }
+}
+
+TEST(ZqmigrateInterruption, doesNotWaitForAStalledReaderOfErrors) {
+    LongBatch batch;
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    ASSERT_EQ(::fcntl(ends[1], F_SETPIPE_SZ, 4096), 4096);
+    const pid_t child = batch.start(ends[1]); // as with 2>&1
+    ::close(ends[1]);
+    batch.waitUntilStuck();
+    EXPECT_EQ(::kill(child, SIGINT), 0);
+    EXPECT_EQ(scene::statusOf(child), 130);
+    ::close(ends[0]);
+}
+
 /// The tool in a child for which signals are waiting when it starts.
 int statusAfterPending(const MigrateTool& tool, const std::vector<int>& signals, void (*disposition)(int),
                        const Words& words) {
@@ -423,6 +458,58 @@ TEST(ZqmigrateInterruption, isTakenForImpatienceTheSecondTime) {
     EXPECT_TRUE(holds(tool.report("errors"), "0 of 2 files moved; left to do: 2 or more\n"))
         << tool.report("errors");
     EXPECT_EQ(tool.folder().digest("a").size(), 5U);
+}
+
+TEST(ZqmigrateInterruption, tellsThatTheSearchForUnreadableFoldersWasCut) {
+    const MigrateTool tool;
+    tool.file("a/f");
+    EXPECT_EQ(statusAfterPending(tool, {SIGINT}, SIG_DFL, {"--json", "batch", "a", "b"}), 130);
+    EXPECT_TRUE(holds(tool.report("output"), "\"areUnreadableFoldersComplete\": false"));
+    EXPECT_TRUE(holds(tool.report("errors"), "folders that cannot be read: there may be more\n"))
+        << tool.report("errors");
+    EXPECT_TRUE(holds(tool.done({"--json", "--create-parents", "batch", "a", "b"}),
+                      "\"areUnreadableFoldersComplete\": true"));
+    EXPECT_FALSE(holds(tool.report("errors"), "there may be more")) << tool.report("errors");
+}
+
+// Descriptors that are closed when the tool starts
+
+TEST(ZqmigrateTerminal, keepsItsLinesOutOfFilesWhateverIsClosed) {
+    constexpr int fileCount = 100;
+    const scene::Variable term("TERM", "xterm");
+    for (int closed = 0; closed < 8; ++closed) {
+        SCOPED_TRACE(closed);
+        const MigrateTool tool;
+        for (int number = 0; number < fileCount; ++number) {
+            tool.file("a/" + std::string(60, 'n') + std::to_string(number), std::to_string(number));
+        }
+        const scene::Digest before = tool.folder().digest("a");
+        tool.folder().folder("b");
+        Terminal terminal(80);
+        const int output = tool.opened("output");
+        std::fflush(nullptr);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(60);
+            ::dup2(output, STDOUT_FILENO);
+            ::dup2(terminal.end(), STDERR_FILENO);
+            for (int number = 0; number < 3; ++number) {
+                if ((closed & (1 << number)) != 0) {
+                    ::close(number);
+                }
+            }
+            if (::chdir(tool.folder().path().c_str()) == 0) {
+                scene::becomeMigrate({"batch", "a", "b"});
+            }
+            ::_exit(125);
+        }
+        ::close(output);
+        const std::string seen = terminal.readToEnd();
+        EXPECT_EQ(scene::statusOf(child), (closed & 2) != 0 ? 1 : 0);
+        EXPECT_EQ(tool.folder().digest("b"), before);
+        EXPECT_EQ(linesIn(tool.report("output")), (closed & 2) != 0 ? 0 : fileCount);
+        EXPECT_EQ(seen.empty(), (closed & 4) != 0);
+    }
 }
 
 } // namespace

@@ -47,6 +47,8 @@ TEST(ZqmigrateTool, tellsTheUserOfAWrongCommandLine) {
         {"batch", "a", "b", "--extension"},
         {"batch", "--extension", ".log", "a", "b"},
         {"batch", "--extension=a/b", "a", "b"},
+        {"batch", "--extension", "", "a", "b"},
+        {"batch", "--extension=", "a", "b"},
         {"batch", "--extension", "a", "--extension", "b", "a", "b"},
         {"--overwrite", "--rename", "file", "a", "b"},
         {"--quiet", "--verbose", "file", "a", "b"},
@@ -257,6 +259,45 @@ TEST(ZqmigrateTool, tellsOfFoldersThatCannotBeRead) {
         EXPECT_EQ(source.status, 1);
         EXPECT_EQ(source.errors, "zqmigrate: a/closed: Permission denied\n");
     }));
+}
+
+TEST(ZqmigrateTool, tellsOfFoldersThatMayNotBeSearched) {
+    scene::migrateProgram();
+    EXPECT_TRUE(scene::checkedWithoutPrivileges([] {
+        for (const mode_t mode : {0600U, 0444U, 0300U}) {
+            const MigrateTool tool;
+            tool.file("a/open/file");
+            tool.file("a/closed/file");
+            tool.file("a/closed/folder/file");
+            ::chmod((tool / "a/closed").c_str(), mode);
+            const Outcome outcome = tool.run({"--create-parents", "batch", "a", "b"});
+            EXPECT_EQ(outcome.status, 1);
+            EXPECT_EQ(outcome.output, " 0  open/file: success\n") << mode;
+            EXPECT_EQ(outcome.errors,
+                      "zqmigrate: closed: this folder cannot be read, what it holds was passed over\n"
+                      "zqmigrate: 1 file moved\n");
+            ::chmod((tool / "a/closed").c_str(), 0700);
+            EXPECT_EQ(tool.folder().digest("a").count("closed/folder/file"), 1U);
+        }
+    }));
+}
+
+// The library passes over such a link when what it looked at before was a folder, so each stands in a folder
+// of its own.
+TEST(ZqmigrateTool, tellsOfLinksThatLeadNowhere) {
+    const MigrateTool tool;
+    tool.folder().folder("a/1");
+    tool.folder().folder("a/2");
+    tool.folder().link("/nowhere", "a/1/l");
+    tool.folder().link("l", "a/2/l");
+    for (const char* const option : {"--keep-original", "--dry-run"}) {
+        const Outcome outcome = tool.run({option, "--create-parents", "batch", "a", "b"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(linesOf(outcome.output), (Words{"10  1/l: the source path does not exist",
+                                                  "10  2/l: the source path does not exist"}));
+        EXPECT_TRUE(holds(outcome.errors, "left to do: 2\n")) << outcome.errors;
+    }
+    EXPECT_EQ(tool.folder().digest("a").size(), 5U);
 }
 
 // Outputs that fail

@@ -160,6 +160,63 @@ const Row singleRows[] = {
      },
      {"file", "d/a", "b"},
      {10}},
+    {"a way out of a folder that cannot be searched",
+     [](const MigrateTool& t) {
+         makeFiles(t, {"a", "d/f"});
+         setMode(t, "d", 0666);
+     },
+     {"file", "d/../a", "b"},
+     {10}},
+    {"a way to a copy through a folder that cannot be searched",
+     [](const MigrateTool& t) {
+         makeFiles(t, {"a", "d/f"});
+         setMode(t, "d", 0666);
+     },
+     {"file", "a", "d/../b"},
+     {20}},
+    {"a folder that cannot be searched, by its own name in it",
+     [](const MigrateTool& t) {
+         t.folder().folder("d");
+         setMode(t, "d", 0666);
+     },
+     {"--keep-original", "folder", "d/.", "b"},
+     {10}},
+    {"an empty folder that cannot be searched, with a slash at its end",
+     [](const MigrateTool& t) {
+         t.folder().folder("d");
+         setMode(t, "d", 0400);
+     },
+     {"folder", "d/", "b"},
+     {0}},
+    {"an empty folder that can be read only, in another",
+     [](const MigrateTool& t) {
+         t.folder().folder("a/s");
+         setMode(t, "a/s", 0400);
+     },
+     {"folder", "a", "b"},
+     {0}},
+    {"a folder with a file that cannot be searched",
+     [](const MigrateTool& t) {
+         makeFiles(t, {"a/s/f"});
+         setMode(t, "a/s", 0600);
+     },
+     {"folder", "a", "b"},
+     {37}},
+    {"an empty folder that can be read only, to be replaced",
+     [](const MigrateTool& t) {
+         makeFiles(t, {"a/f"});
+         t.folder().folder("b/s");
+         setMode(t, "b/s", 0400);
+     },
+     {"--overwrite", "folder", "a", "b"},
+     {0}},
+    {"a folder with a file that cannot be searched, to be replaced",
+     [](const MigrateTool& t) {
+         makeFiles(t, {"a/f", "b/s/f"});
+         setMode(t, "b/s", 0600);
+     },
+     {"--overwrite", "folder", "a", "b"},
+     {36}},
     {"a name with a slash at its end", oneFile, {"file", "a", "b/"}, {0}},
     {"a folder", twoFolders, {"folder", "a", "c"}, {0}},
     {"a folder with parents", twoFolders, {"--create-parents", "folder", "a", "x/y/c"}, {0}},
@@ -447,6 +504,14 @@ TEST(ZqmigrateTrial, warnsOfTooLittleRoom) {
             << tool.report("errors");
         tool.done({"-n", "file", "small", "there/y"});
         EXPECT_FALSE(holds(tool.report("errors"), "room")) << tool.report("errors");
+        // Where only the current folder tells what is free.
+        ASSERT_EQ(::mount((tool / "there").c_str(), tool.folder().path().c_str(), nullptr, MS_BIND, nullptr),
+                  0);
+        const std::string large = tool.reports().write("large", std::string(200000, 'x'));
+        for (const char* const to : {"y", "./y", "x/y"}) {
+            tool.done({"-n", "--create-parents", "file", large, to});
+            EXPECT_TRUE(holds(tool.report("errors"), "too little room at the destination")) << to;
+        }
     });
     EXPECT_TRUE(answer == 0 || answer == 77) << answer;
     if (answer == 77) {

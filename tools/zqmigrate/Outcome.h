@@ -23,6 +23,7 @@ struct Outcome {
     std::vector<std::string> notReached;        ///< after an interruption
     bool isMoreNotReached = false;              ///< another interruption has cut that list short
     std::vector<std::string> unreadableFolders; ///< what they hold was not even seen
+    bool isMoreUnreadable = false;              ///< an interruption has cut the search for them short
     std::string error;                          ///< why there was nothing to go through; empty when there was
     std::vector<std::string> notes;             ///< of a trial
     int signal = 0;

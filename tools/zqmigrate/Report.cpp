@@ -111,7 +111,9 @@ std::string endOfJson(const Outcome& outcome) {
     text.append(std::to_string(outcome.notReached.size())).append(",\n");
     text.append(left.member("left")).append(",\n");
     text.append(memberOfFlag("isLeftComplete", !outcome.isMoreNotReached)).append(",\n");
-    text.append(unreadable.member("unreadableFolders")).append(",\n\"error\": ");
+    text.append(unreadable.member("unreadableFolders")).append(",\n");
+    text.append(memberOfFlag("areUnreadableFoldersComplete", !outcome.isMoreUnreadable))
+        .append(",\n\"error\": ");
     text.append(outcome.error.empty() ? "null" : quoted(outcome.error)).append(",\n");
     text.append(memberOfFlag("interrupted", outcome.signal != 0)).append(",\n");
     return text.append(memberOfFlag("success", outcome.isSuccess())).append("\n}\n");
@@ -212,6 +214,10 @@ std::string summaryOf(const Request& request, const Outcome& outcome, std::size_
     std::string text;
     for (const std::string& folder : outcome.unreadableFolders) {
         text.append(messageLine(folder + ": this folder cannot be read, what it holds was passed over"));
+    }
+    if (outcome.isMoreUnreadable) {
+        text.append(
+            messageLine("a signal cut the search for folders that cannot be read: there may be more"));
     }
     if (!request.isQuiet || !outcome.isSuccess()) {
         text.append(howItWent(request, outcome));

@@ -79,7 +79,8 @@ private:
         }
         request_.extension = hasValue ? word.substr(length + 1) : words_[next_];
         // Such a one would select nothing, which would pass for success.
-        if (request_.extension.find_first_of("./") != std::string::npos) {
+        // For the library the empty one is every file; here it is most likely a variable without a value.
+        if (request_.extension.empty() || request_.extension.find_first_of("./") != std::string::npos) {
             misuse("an extension is what follows the last period of a name, such as \"log\", not \"" +
                    request_.extension + "\"");
         }

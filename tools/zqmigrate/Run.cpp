@@ -36,32 +36,58 @@ std::string complaintAbout(const NSString& folder, const std::string& name) {
 }
 
 /// Folders that the enumeration passes over in silence, and those whose items cannot be told from folders
-/// because the folder may not be searched.
-std::vector<std::string> unreadableFoldersIn(const NSString& folder, bool includeDotFiles,
-                                             const Interruption& interruption) {
-    std::vector<std::string> found;
+/// because the folder may not be searched. An interruption ends the search.
+void findUnreadableFolders(const NSString& folder, bool includeDotFiles, const Interruption& interruption,
+                           Outcome& outcome) {
     NSDirectoryEnumerator items = fileManager().enumeratorAtPath(folder);
-    while (const NSString path = interruption.pending() == 0 ? items.nextObject() : NSString()) {
+    while (const NSString path = items.nextObject()) {
+        if (interruption.pending() != 0) {
+            outcome.isMoreUnreadable = true;
+            return;
+        }
         const NSString whole = folder.stringByAppendingPathComponent(path);
         struct stat information;
         if ((includeDotFiles || !path.hasPrefix(".")) && detail::getItemInformation(whole, information) &&
             S_ISDIR(information.st_mode) && ::access(bytesOf(whole).c_str(), R_OK | X_OK) != 0) {
-            found.push_back(bytesOf(path));
+            outcome.unreadableFolders.push_back(bytesOf(path));
         }
     }
-    return found;
 }
+
+/// The files as a batch sees them. To the library, what is nowhere counts as what was looked at before it, so
+/// that a link that leads nowhere would be passed over in silence when it comes after a folder. Here it
+/// counts as the file that it is.
+template <class Files>
+class BatchFiles {
+public:
+    explicit BatchFiles(const Files& files) : files_(files) {}
+
+    bool exists(const NSString& path, bool* isDirectory) const {
+        struct stat information;
+        const bool isFound = files_.exists(path, isDirectory);
+        if (!isFound && detail::getItemInformation(path, information) && S_ISLNK(information.st_mode)) {
+            *isDirectory = false;
+        }
+        return isFound;
+    }
+
+private:
+    const Files& files_;
+};
 
 /// What is free for the user on the file system where the path would stand; the greatest number when nobody
 /// tells.
 std::uint64_t freeBytesAt(NSString path) {
-    for (; path.length() > 1; path = path.stringByDeletingLastPathComponent()) {
-        struct statvfs system {};
-        if (::statvfs(bytesOf(path).c_str(), &system) == 0) {
-            return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
+    const NSString top = path.hasPrefix("/") ? "/" : ".";
+    struct statvfs system {};
+    while (::statvfs(bytesOf(path).c_str(), &system) != 0) {
+        if (path.isEqualToString(top)) {
+            return UINT64_MAX;
         }
+        const NSString above = path.stringByDeletingLastPathComponent();
+        path = above.isEmpty() ? top : above;
     }
-    return UINT64_MAX;
+    return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
 }
 
 /// For the library a mere name is in no folder; for who types it, it is in the current one.
@@ -99,9 +125,10 @@ private:
         if (!outcome_.error.empty()) {
             return;
         }
-        outcome_.unreadableFolders = unreadableFoldersIn(from_, request_.includeDotFiles, interruption_);
+        findUnreadableFolders(from_, request_.includeDotFiles, interruption_, outcome_);
         countItems();
-        detail::BatchSelection selection = selected(files_);
+        const BatchFiles files(files_);
+        detail::BatchSelection selection = selected(files);
         while (const NSString path = outcome_.isMoreNotReached ? NSString() : selection.next()) {
             migrate(detail::fileKind, bytesOf(path), selection.file(),
                     to_.stringByAppendingPathComponent(path));
@@ -115,7 +142,8 @@ private:
 
     /// So that the bar knows; what changes meanwhile makes it wrong, and nothing else.
     void countItems() {
-        const detail::FilesOnDisk files;
+        const detail::FilesOnDisk disk;
+        const BatchFiles files(disk);
         detail::BatchSelection selection = selected(files);
         std::uint64_t count = 0;
         while (interruption_.pending() == 0 && selection.next()) {

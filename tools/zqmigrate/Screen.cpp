@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/zqmigrate/Screen.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -17,6 +19,8 @@ namespace ZQFoundation::zqmigrate {
 namespace {
 
 constexpr int redrawMilliseconds = 100;
+constexpr int lookMilliseconds = 100;      ///< between looks for signals while a reader takes nothing
+constexpr int patienceMilliseconds = 2000; ///< with such a reader after a signal
 constexpr std::size_t narrowestBar = 5;
 constexpr std::size_t widestBar = 40;
 
@@ -50,16 +54,25 @@ std::string twoDigits(std::int64_t number) {
 
 } // namespace
 
-bool writeAll(int descriptor, const std::string& bytes) {
+bool writeAll(int descriptor, const std::string& bytes, const Interruption* interruption) {
     std::size_t written = 0;
+    int waited = 0;
     while (written < bytes.size()) {
-        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
+        pollfd room{descriptor, POLLOUT, 0};
+        if (::poll(&room, 1, interruption != nullptr ? lookMilliseconds : -1) == 0) {
+            waited = interruption->hasCome() ? waited + lookMilliseconds : 0;
+            if (waited > patienceMilliseconds) {
+                return false;
+            }
+            continue;
+        }
+        waited = 0;
+        // Of more than this, a pipe with some room may take a part and then wait, deaf to held back signals.
+        const std::size_t piece = std::min<std::size_t>(bytes.size() - written, PIPE_BUF);
+        const ssize_t count = ::write(descriptor, bytes.data() + written, piece);
         if (count >= 0) {
             written += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
-            pollfd room{descriptor, POLLOUT, 0};
-            ::poll(&room, 1, -1);
-        } else if (errno != EINTR) {
+        } else if (errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK) {
             return false;
         }
     }
@@ -130,14 +143,15 @@ void Screen::draw() {
         writeWaiting();
     }
     if (!isInBackground()) {
-        writeAll(STDERR_FILENO, std::string("\r").append(bar(columnCount())).append("\x1B[K"));
+        writeAll(STDERR_FILENO, std::string("\r").append(bar(columnCount())).append("\x1B[K"),
+                 &interruption_);
         isShown_ = true;
     }
 }
 
 void Screen::erase() {
     if (isShown_) {
-        writeAll(STDERR_FILENO, "\r\x1B[K");
+        writeAll(STDERR_FILENO, "\r\x1B[K", &interruption_);
         isShown_ = false;
     }
 }
@@ -149,7 +163,9 @@ void Screen::writeWaiting() {
     }
 }
 
-void Screen::writeLines(const std::string& text) { isBroken_ = isBroken_ || !writeAll(STDOUT_FILENO, text); }
+void Screen::writeLines(const std::string& text) {
+    isBroken_ = isBroken_ || !writeAll(STDOUT_FILENO, text, &interruption_);
+}
 
 /// "[####......]  45%  450 of 1000, 2 failed, 0:12", never as wide as the terminal: some would begin a new
 /// line.

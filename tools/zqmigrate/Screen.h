@@ -63,8 +63,9 @@ private:
     std::thread thread_;
 };
 
-/// Writes everything, whatever interrupts that; false for an error.
-bool writeAll(int descriptor, const std::string& bytes);
+/// Writes everything; false for an error. With signals held back, also false when one of them has come and
+/// nobody takes the bytes: a reader that has stalled does not keep the program from ending.
+bool writeAll(int descriptor, const std::string& bytes, const Interruption* interruption = nullptr);
 
 } // namespace ZQFoundation::zqmigrate
 

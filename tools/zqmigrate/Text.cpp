@@ -14,12 +14,13 @@ void appendHex(std::string& text, unsigned value, int digitCount) {
     }
 }
 
-/// What takes effect on a terminal instead of being shown there.
+/// What takes effect on a terminal instead of being shown there, or is not to be seen at all.
 constexpr struct {
     unsigned first;
     unsigned last;
 } effective[] = {
-    {0x00, 0x1F}, {0x7F, 0x9F}, {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069},
+    {0x00, 0x1F},     {0x7F, 0x9F},     {0xAD, 0xAD},     {0x061C, 0x061C}, {0x200B, 0x200F},
+    {0x2028, 0x202E}, {0x2060, 0x2064}, {0x2066, 0x2069}, {0xFEFF, 0xFEFF},
 };
 
 bool isEffective(unsigned character) noexcept {
@@ -84,11 +85,13 @@ std::string shown(const std::string& bytes) {
     goThrough(
         bytes,
         [&](unsigned character, const char* piece, std::size_t length) {
-            if (!isEffective(character)) {
+            if (character == '\\') {
+                line.append("\\\\");
+            } else if (!isEffective(character)) {
                 line.append(piece, length);
             } else if (character == '\n') {
                 line.append("\\n");
-            } else if (character < 0x100) {
+            } else if (character < 0x80) {
                 onBadByte(character);
             } else {
                 line.append("\\u");

@@ -13,8 +13,9 @@ namespace ZQFoundation::zqmigrate {
 std::string bytesOf(const NSString& text);
 NSString pathOf(const std::string& bytes);
 
-/// The bytes as part of a line: what would move the cursor, end the line, turn the direction of writing or is
-/// no text is spelled out ("\x1b", "\u202e").
+/// The bytes as part of a line: what would move the cursor, end the line, turn the direction of writing,
+/// cannot be seen or is no text is spelled out ("\x1b", "\u202e"), and so is a backslash, so that no two
+/// names look alike.
 std::string shown(const std::string& bytes);
 
 /// The bytes as a text of JSON in its quotes. Each byte that is no text becomes U+FFFD.

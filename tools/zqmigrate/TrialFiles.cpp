@@ -83,10 +83,9 @@ bool isFolder(const TrialItem& item) noexcept { return S_ISDIR(item.information.
 
 /// A folder that cannot be read may be empty, and could then be removed; that is not to be seen.
 bool mayBeEmptied(const TrialItem& folder) {
-    return mayUse(folder.path, R_OK | X_OK) &&
-           allBelow(folder, [](const TrialItem& item, const TrialItem& parent) {
+    return mayUse(folder.path, R_OK) && allBelow(folder, [](const TrialItem& item, const TrialItem& parent) {
                return mayUse(parent.path, W_OK | X_OK) && mayBeTaken(item, parent.information) &&
-                      (!isFolder(item) || mayUse(item.path, R_OK | X_OK));
+                      (!isFolder(item) || mayUse(item.path, R_OK));
            });
 }
 
@@ -215,8 +214,8 @@ bool TrialFiles::mayCopy(const TrialItem& item) {
     case S_IFREG:
         bytesToCopy_ += static_cast<std::uint64_t>(item.information.st_blocks) * 512;
         return mayUse(item.path, R_OK);
-    case S_IFDIR:
-        return mayUse(item.path, R_OK | X_OK);
+    case S_IFDIR: // one that may not be searched can be empty; what it holds is looked at by itself
+        return mayUse(item.path, R_OK);
     case S_IFCHR:
     case S_IFBLK:
         return ::geteuid() == 0;

@@ -57,7 +57,17 @@ std::string currentFolder() {
     return path.substr(0, path.find('\0'));
 }
 
-/// The names of a path, the first at the end. A slash at the end asks for a folder as "." does.
+/// Whether names may be looked up in the folder, its own "." and ".." among them.
+bool maySearch(const TrialItem& folder) {
+    if (folder.isImagined) {
+        return ::geteuid() == 0 || (folder.information.st_mode & S_IXUSR) != 0;
+    }
+    detail::PathHandle handle;
+    return handle.reach(folder.path) && ::faccessat(handle.folder(), handle.name(), X_OK, AT_EACCESS) == 0;
+}
+
+/// The names of a path, the first at the end. The slash at the end of a path is a name without a character:
+/// it asks for a folder, which need not be searched.
 void pushNames(const std::string& path, std::vector<std::string>& names) {
     std::vector<std::string> found;
     std::string name;
@@ -65,7 +75,7 @@ void pushNames(const std::string& path, std::vector<std::string>& names) {
         found.push_back(name);
     }
     if (!found.empty() && path.back() == '/') {
-        found.emplace_back(".");
+        found.emplace_back();
     }
     names.insert(names.end(), found.rbegin(), found.rend());
 }
@@ -118,7 +128,13 @@ TrialTree::Found TrialTree::step(Walk& walk, Links last, TrialPlace& place) cons
     const std::string name = walk.names.back();
     walk.names.pop_back();
     const bool isLast = walk.names.empty();
+    if (name.empty()) {
+        return Found::item;
+    }
     if (name == "." || name == "..") {
+        if (!maySearch(place.folders.back())) {
+            return Found::failed;
+        }
         if (name == ".." && place.folders.size() > 1) {
             place.folders.pop_back();
         }

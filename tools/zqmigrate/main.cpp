@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "tools/zqmigrate/Report.h"
@@ -65,6 +66,18 @@ void takeWriteSignalsAsErrors() {
     ::sigaction(SIGXFSZ, &ignore, nullptr);
 }
 
+/// The next files to be opened would take the numbers of what the starter has closed, and the program's own
+/// lines would go into them. Reading and writing stay errors.
+bool fillStandardDescriptors() {
+    for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
+        const int unusable = number == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (::fcntl(number, F_GETFD) < 0 && ::open("/dev/null", unusable) != number) {
+            return false;
+        }
+    }
+    return true;
+}
+
 int print(const char* text) {
     return writeAll(STDOUT_FILENO, text) ? succeeded : complain("standard output cannot be written", failed);
 }
@@ -76,10 +89,13 @@ int migrate(const Request& request) {
     screen.write(endOfReport(request, outcome));
     screen.finish();
     const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
-    writeAll(STDERR_FILENO, summaryOf(request, outcome, isTerminal ? mostItemsOnTerminal : SIZE_MAX));
+    std::string summary = summaryOf(request, outcome, isTerminal ? mostItemsOnTerminal : SIZE_MAX);
     if (screen.isBroken()) {
-        complain("standard output cannot be written; the work went on without it", failed);
+        summary.append(messageLine(outcome.signal != 0
+                                       ? "standard output was not written to its end"
+                                       : "standard output cannot be written; the work went on without it"));
     }
+    writeAll(STDERR_FILENO, summary, &interruption);
     if (outcome.signal != 0) {
         return firstOfSignals + outcome.signal;
     }
@@ -112,6 +128,9 @@ int run(const Words& words) {
 
 int main(int count, char** arguments) {
     using namespace ZQFoundation::zqmigrate;
+    if (!fillStandardDescriptors()) {
+        return failed;
+    }
     takeWriteSignalsAsErrors();
     try {
         return run(Words(arguments + (count > 0 ? 1 : 0), arguments + count));
