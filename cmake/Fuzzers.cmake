@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Fuzzing harnesses: one program fuzz_<Name> for each fuzz/<Name>Fuzz.cpp, all behind the target `fuzzers`. The
-# preset `fuzz` compiles the library for them; scripts/fuzz runs them.
+# preset `sanitized` compiles the library for them; scripts/fuzz runs them.
 
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     message(FATAL_ERROR "The fuzzing harnesses need clang++, whose libFuzzer drives them (scripts/install-packages clang)")

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// The files of localized texts: which encoding the bytes are in, then whichever form the text is in.
+#include "foundation/plist/TextDecoding.h"
+#include "fuzz/PlainOldStyleReader.h"
+#include "fuzz/PropertyLists.h"
+
+using namespace ZQFoundation;
+using namespace std::string_view_literals;
+
+namespace {
+
+using Text = std::optional<std::u16string>;
+
+/// The units that the bytes make, so many bytes each; nothing when they do not come out even or are
+/// ill-formed.
+Text widened(std::string_view bytes, unsigned size, bool isLittle) {
+    std::u16string units;
+    for (std::size_t at = 0; at < bytes.size(); at += size) {
+        if (bytes.size() - at < size) {
+            return std::nullopt;
+        }
+        char32_t number = 0;
+        for (unsigned index = 0; index < size; ++index) {
+            number |= static_cast<char32_t>(static_cast<unsigned char>(bytes[at + index]))
+                      << 8 * (isLittle ? index : size - 1 - index);
+        }
+        if (number > 0x10FFFF || (size == 4 && number >= 0xD800 && number <= 0xDFFF)) {
+            return std::nullopt;
+        }
+        fuzzing::appendPlainUtf16(units, number);
+    }
+    return fuzzing::plainUtf8(units) ? Text(std::move(units)) : std::nullopt;
+}
+
+/// An encoding that an XML declaration names is left to the library; the harness for XML looks after it.
+Text declared(std::string_view bytes) {
+    detail::DecodedText text;
+    detail::PropertyListError error;
+    if (!detail::decodeText(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), text,
+                            error)) {
+        return std::nullopt;
+    }
+    return text.utf8 != nullptr ? fuzzing::plainUtf16({text.utf8, text.count})
+                                : Text(std::u16string(text.units.get(), text.count));
+}
+
+Text decoded(std::string_view bytes) {
+    if (bytes.starts_with("\xFF\xFE\0\0"sv)) {
+        return widened(bytes.substr(4), 4, true);
+    }
+    if (bytes.starts_with("\0\0\xFE\xFF"sv)) {
+        return widened(bytes.substr(4), 4, false);
+    }
+    if (bytes.starts_with("\xEF\xBB\xBF"sv)) {
+        return fuzzing::plainUtf16(bytes.substr(3));
+    }
+    if (bytes.starts_with("\xFF\xFE"sv)) {
+        return widened(bytes.substr(2), 2, true);
+    }
+    if (bytes.starts_with("\xFE\xFF"sv)) {
+        return widened(bytes.substr(2), 2, false);
+    }
+    const bool isXml = bytes.starts_with("<?xml"sv);
+    const bool isEven = bytes.size() % 2 == 0 && !bytes.empty();
+    const bool isWide = bytes.find('\0') != bytes.npos || (!isXml && !fuzzing::plainUtf16(bytes));
+    if (isEven && isWide) {
+        return widened(bytes, 2, bytes[1] == '\0');
+    }
+    return isXml ? declared(bytes) : fuzzing::plainUtf16(bytes);
+}
+
+NSDictionary plainTable(std::string_view bytes) {
+    detail::PropertyListError error;
+    const auto* start = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (bytes.starts_with("bplist0")) {
+        if (const NSObject value = detail::readBinary(start, bytes.size(), error)) {
+            return NSDictionary(value);
+        }
+    }
+    const Text text = decoded(bytes);
+    if (!text) {
+        return nullptr;
+    }
+    const auto exact = fuzzing::exactCopy(std::u16string_view(*text));
+    if (const NSObject value = detail::readXml(exact.get(), text->size(), error)) {
+        return NSDictionary(value);
+    }
+    return NSDictionary(fuzzing::PlainOldStyleReader(*text).read());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    detail::PropertyListError error;
+    const NSDictionary table = detail::parseStringsFileBytes(data, size, &error);
+    fuzzing::requireSameShared(table, plainTable(bytes), "the table, read plainly, is the same");
+    fuzzing::require(static_cast<bool>(detail::describePropertyListError(error)) ==
+                         (error.message != nullptr),
+                     "a failure can be told");
+    fuzzing::require(table || error.message != nullptr, "failure has a reason");
+    return 0;
+}
