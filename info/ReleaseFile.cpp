@@ -27,6 +27,7 @@ public:
 
     std::string read() {
         const std::size_t start = text_.find_first_not_of(blanks);
+        isBehindBlank_ = start != 0;
         for (at_ = start; at_ < text_.size() && !atComment(); ++at_) {
             readOne(text_[at_]);
         }
@@ -35,7 +36,7 @@ public:
     }
 
 private:
-    bool atComment() const noexcept { return text_[at_] == '#' && at_ > 0 && isBlank(text_[at_ - 1]); }
+    bool atComment() const noexcept { return text_[at_] == '#' && isBehindBlank_; }
 
     void readOne(char c) {
         if (c == '\'') {
@@ -47,8 +48,10 @@ private:
         } else if (at_ + 1 < text_.size()) {
             value_ += text_[++at_];
         }
-        // Blanks count only when more follows, unless something protects them.
-        if (!isBlank(c)) {
+        // Blanks count only when more follows, unless something protects them; then no comment begins behind
+        // them either.
+        isBehindBlank_ = isBlank(c);
+        if (!isBehindBlank_) {
             meant_ = value_.size();
         }
     }
@@ -73,6 +76,7 @@ private:
     std::size_t at_ = 0;
     std::string value_;
     std::size_t meant_ = 0;
+    bool isBehindBlank_ = false; ///< one that nothing protects
 };
 
 bool isWanted(std::string_view key) noexcept {

@@ -3,9 +3,9 @@
 
 #include <time.h>
 
+#include "foundation/objects/CivilTime.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/system/TestOverrides.h"
-#include "foundation/objects/CivilTime.h"
 #include "foundation/time/Clock.h"
 
 namespace ZQFoundation {
@@ -63,12 +63,12 @@ Instant roundedToMilliseconds(Instant instant) noexcept {
 }
 
 Instant roundedToMilliseconds(double seconds) noexcept {
-    // From 2^51 seconds on the fractions are multiples of a half, and the product would outgrow 64 bits
-    // later.
-    if (!(std::fabs(seconds) < 0x1p51)) {
+    // From 2^42 seconds on the product would have no room for single milliseconds. The fractions are
+    // multiples of 2^-10 there, so nothing is lost on the way.
+    if (!(std::fabs(seconds) < 0x1p42)) {
         const double whole = std::floor(seconds);
-        const bool half = std::isfinite(seconds) && seconds > whole;
-        return {saturatingInteger(whole), half ? 500 * nanosecondsPerMillisecond : 0};
+        const double rest = std::isfinite(seconds) ? std::floor((seconds - whole) * 1000.0 + 0.5) : 0;
+        return {saturatingInteger(whole), static_cast<std::int32_t>(rest) * nanosecondsPerMillisecond};
     }
     // Rounding the product hides the error of a fraction such as .0425, which has no exact form: it counts as
     // .043.
