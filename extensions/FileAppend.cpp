@@ -61,11 +61,16 @@ private:
     bool isLocked_ = false;
 };
 
+/// A link that leads to itself leads to no file either.
+bool leadsNowhere(int error) noexcept {
+    return error == ENOENT || error == ELOOP;
+}
+
 bool isDanglingLink(const PathHandle& path) noexcept {
     struct stat information;
     return ::fstatat(path.folder(), path.name(), &information, AT_SYMLINK_NOFOLLOW) == 0 &&
            S_ISLNK(information.st_mode) && ::fstatat(path.folder(), path.name(), &information, 0) != 0 &&
-           errno == ENOENT;
+           leadsNowhere(errno);
 }
 
 /// Puts an empty file in the place of a link that leads nowhere; what it leads to is never made. Of several
@@ -93,7 +98,7 @@ Descriptor openForAppending(const std::string& bytes) {
     }
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         Descriptor file = detail::openPromptly(path, flags);
-        if (file || errno != ENOENT) {
+        if (file || !leadsNowhere(errno)) {
             return file;
         }
         // Whoever comes second finds the file of the first, and opens that one.
