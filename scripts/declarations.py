@@ -42,6 +42,29 @@ def read(root, name):
         raise Fault(f"{name}: {error.strerror}") from error
 
 
+def first_sentence(doc):
+    """The first sentence of a comment; two when the first one has no more than two words beside code."""
+    paragraph = " ".join(doc.split("\n\n")[0].split())
+    quote, depth, found = None, 0, 0
+    for at, letter in enumerate(paragraph):
+        if quote:
+            quote = None if letter == quote else quote
+        elif letter in "\"`":
+            quote = letter
+        elif letter in "([":
+            depth += 1
+        elif letter in ")]":
+            depth -= 1
+        elif letter in ".!?" and depth <= 0:
+            match = re.match(r"(\*\*)?(?:$| +(?=[^a-z]))", paragraph[at + 1:])
+            if match:
+                sentence = paragraph[:at + 1] + (match.group(1) or "")
+                found += 1
+                if len(re.sub(r"`[^`]*`", "", sentence).split()) > 2 or found == 2:
+                    return sentence
+    return re.sub(r":$", ".", paragraph)
+
+
 # Reading a header: tokens.
 
 TOKEN = re.compile(

@@ -3,27 +3,12 @@
 #define ZQFOUNDATION_TEXT_FORMATSTRING_H
 
 #include "ArgumentList.h"
+#include "FormatRefusal.h"
 #include "FormatSyntax.h"
 
 namespace ZQFoundation {
 
 namespace detail {
-
-// What is wrong with a literal format. None of these functions exists; a wrong format calls one while the
-// program is compiled, and the compiler names it, on the way through argument<n> and conversion<letter>.
-void format_ends_inside_a_conversion();
-void format_has_an_unknown_conversion();
-void format_conversion_n_is_not_supported();
-void format_mixes_numbered_and_unnumbered_arguments();
-void format_has_no_argument_for_the_conversion();
-void format_does_not_use_the_argument();
-void format_argument_for_the_star_is_not_an_integer();
-void format_argument_is_not_an_integer_as_the_conversion_requires();
-void format_argument_is_not_a_real_number_as_the_conversion_requires();
-void format_argument_is_not_a_text_of_char_as_the_conversion_requires();
-void format_argument_is_not_a_text_of_char16_t_as_the_conversion_requires();
-void format_argument_is_not_an_object_or_text_as_the_conversion_requires();
-void format_argument_is_not_a_pointer_as_the_conversion_requires();
 
 /// What the conversions ask for; an argument may serve several.
 using FormatNeeds = unsigned char;
@@ -33,10 +18,6 @@ inline constexpr FormatNeeds formatBytes = 4;
 inline constexpr FormatNeeds formatUnits = 8;
 inline constexpr FormatNeeds formatObject = 16;
 inline constexpr FormatNeeds formatPointer = 32;
-
-// Two faults beside an argument that does not serve.
-inline constexpr FormatNeeds formatStar = 64;
-inline constexpr FormatNeeds formatMissing = 128;
 
 /// What an argument of type T serves; nothing for a type that no conversion takes.
 template <class T>
@@ -68,137 +49,32 @@ constexpr FormatNeeds formatNeedsServedBy() noexcept {
     }
 }
 
-/// The way to the message: the compiler shows each call with its template argument.
-template <char letter>
-struct conversion {
-    static consteval void fails(FormatNeeds need) {
-        switch (need) {
-        case formatInteger:
-            return format_argument_is_not_an_integer_as_the_conversion_requires();
-        case formatReal:
-            return format_argument_is_not_a_real_number_as_the_conversion_requires();
-        case formatBytes:
-            return format_argument_is_not_a_text_of_char_as_the_conversion_requires();
-        case formatUnits:
-            return format_argument_is_not_a_text_of_char16_t_as_the_conversion_requires();
-        case formatObject:
-            return format_argument_is_not_an_object_or_text_as_the_conversion_requires();
-        case formatPointer:
-            return format_argument_is_not_a_pointer_as_the_conversion_requires();
-        case formatStar:
-            return format_argument_for_the_star_is_not_an_integer();
-        default:
-            return format_has_no_argument_for_the_conversion();
-        }
-    }
-};
-
-consteval void failConversion(char16_t letter, FormatNeeds need) {
-    switch (letter) {
-    case u'd':
-        return conversion<'d'>::fails(need);
-    case u'i':
-        return conversion<'i'>::fails(need);
-    case u'u':
-        return conversion<'u'>::fails(need);
-    case u'o':
-        return conversion<'o'>::fails(need);
-    case u'x':
-        return conversion<'x'>::fails(need);
-    case u'X':
-        return conversion<'X'>::fails(need);
-    case u'c':
-        return conversion<'c'>::fails(need);
-    case u'C':
-        return conversion<'C'>::fails(need);
-    case u'e':
-        return conversion<'e'>::fails(need);
-    case u'E':
-        return conversion<'E'>::fails(need);
-    case u'f':
-        return conversion<'f'>::fails(need);
-    case u'F':
-        return conversion<'F'>::fails(need);
-    case u'g':
-        return conversion<'g'>::fails(need);
-    case u'G':
-        return conversion<'G'>::fails(need);
-    case u'a':
-        return conversion<'a'>::fails(need);
-    case u'A':
-        return conversion<'A'>::fails(need);
-    case u's':
-        return conversion<'s'>::fails(need);
-    case u'S':
-        return conversion<'S'>::fails(need);
-    case u'@':
-        return conversion<'@'>::fails(need);
-    default:
-        return conversion<'p'>::fails(need);
-    }
-}
-
-template <std::size_t number>
-struct argument {
-    static consteval void fails(char16_t letter, FormatNeeds need) {
-        return letter == 0 ? format_does_not_use_the_argument() : failConversion(letter, need);
-    }
-};
-
-/// `number` counts from 1; the letter is 0 for an argument that no conversion uses.
-consteval void failArgument(std::size_t number, char16_t letter, FormatNeeds need) {
-    switch (number) {
-    case 1:
-        return argument<1>::fails(letter, need);
-    case 2:
-        return argument<2>::fails(letter, need);
-    case 3:
-        return argument<3>::fails(letter, need);
-    case 4:
-        return argument<4>::fails(letter, need);
-    case 5:
-        return argument<5>::fails(letter, need);
-    case 6:
-        return argument<6>::fails(letter, need);
-    case 7:
-        return argument<7>::fails(letter, need);
-    case 8:
-        return argument<8>::fails(letter, need);
-    case 9:
-        return argument<9>::fails(letter, need);
-    default:
-        return letter == 0 ? format_does_not_use_the_argument() : failConversion(letter, need);
-    }
-}
-
 /// The check of one literal format against what its arguments serve.
 class FormatCheck {
 public:
-    consteval FormatCheck(const FormatNeeds* served, bool* used, std::size_t count)
+    constexpr FormatCheck(const FormatNeeds* served, bool* used, std::size_t count)
         : served_(served), used_(used), count_(count) {}
 
+    /// The first thing that is wrong.
     template <class Unit>
-    consteval void run(const Unit* at, const Unit* end) {
-        while (at != end) {
-            if (*at++ != Unit{'%'}) {
-                continue;
-            }
-            FormatConversion conversion;
-            at = readFormatConversion(at, end, conversion);
-            if (conversion.isCutOff) {
-                format_ends_inside_a_conversion();
-            }
-            take(conversion);
-        }
-        for (std::size_t i = 0; i < count_; ++i) {
-            if (!used_[i]) {
-                failArgument(i + 1, 0, 0);
+    constexpr FormatFault run(const Unit* at, const Unit* end) {
+        while (at != end && fault_.kind == FormatFault::Kind::none) {
+            if (*at++ == Unit{'%'}) {
+                FormatConversion found;
+                at = readFormatConversion(at, end, found);
+                take(found);
             }
         }
+        if (fault_.kind == FormatFault::Kind::none) {
+            findUnused();
+        }
+        return fault_;
     }
 
 private:
-    static consteval FormatNeeds needOf(FormatClass wanted) {
+    using Kind = FormatFault::Kind;
+
+    static constexpr FormatNeeds needOf(FormatClass wanted) {
         switch (wanted) {
         case FormatClass::object:
             return formatObject;
@@ -219,49 +95,64 @@ private:
         }
     }
 
-    consteval void take(const FormatConversion& found) {
+    /// Keeps the first fault.
+    constexpr void note(Kind kind, std::size_t argument = 0) {
+        if (fault_.kind == Kind::none) {
+            fault_ = {kind, letter_, conversions_, argument};
+        }
+    }
+
+    constexpr void take(const FormatConversion& found) {
         const FormatClass wanted = formatClassOf(found.letter);
         if (wanted == FormatClass::percentSign) {
             return;
         }
-        if (wanted == FormatClass::nothing) {
-            format_conversion_n_is_not_supported();
-        }
-        if (wanted == FormatClass::unknown) {
-            format_has_an_unknown_conversion();
-        }
-        takeField(found.width, found.letter);
-        takeField(found.precision, found.letter);
-        const FormatNeeds need = needOf(wanted);
-        const std::size_t index = take(found.position, found.letter);
-        if ((served_[index] & need) == 0) {
-            failArgument(index + 1, found.letter, need);
-        }
-    }
-
-    consteval void takeField(const FormatField& field, char16_t letter) {
-        if (field.source == FormatField::Source::absent || field.source == FormatField::Source::digits) {
-            return;
-        }
-        const std::size_t index = take(field.value, letter);
-        if ((served_[index] & formatInteger) == 0) {
-            failArgument(index + 1, letter, formatStar);
+        ++conversions_;
+        letter_ = found.letter;
+        if (found.isCutOff) {
+            note(Kind::cutOff);
+        } else if (wanted == FormatClass::nothing) {
+            note(Kind::letterN);
+        } else if (wanted == FormatClass::unknown) {
+            note(Kind::unknownLetter);
+        } else {
+            takeField(found.width);
+            takeField(found.precision);
+            take(found.position, needOf(wanted), Kind::wrongArgument);
         }
     }
 
-    /// The index of the argument in `position`, or of the next one.
-    consteval std::size_t take(int position, char16_t letter) {
+    constexpr void takeField(const FormatField& field) {
+        if (field.source != FormatField::Source::absent && field.source != FormatField::Source::digits) {
+            take(field.value, formatInteger, Kind::wrongStar);
+        }
+    }
+
+    /// The argument in `position`, or the next one.
+    constexpr void take(int position, FormatNeeds need, Kind misfit) {
         const Numbering numbering = position == 0 ? Numbering::none : Numbering::all;
         if (numbering_ != Numbering::open && numbering_ != numbering) {
-            format_mixes_numbered_and_unnumbered_arguments();
+            note(Kind::mixedNumbering);
         }
         numbering_ = numbering;
         const std::size_t index = position == 0 ? next_++ : static_cast<std::size_t>(position) - 1;
         if (index >= count_) {
-            failArgument(index + 1, letter, formatMissing);
+            note(misfit == Kind::wrongStar ? Kind::missingStar : Kind::missingArgument);
+            return;
         }
         used_[index] = true;
-        return index;
+        if ((served_[index] & need) == 0) {
+            note(misfit, index + 1);
+        }
+    }
+
+    constexpr void findUnused() {
+        for (std::size_t i = 0; i < count_; ++i) {
+            if (!used_[i]) {
+                fault_ = {Kind::unusedArgument, 0, 0, i + 1};
+                return;
+            }
+        }
     }
 
     enum class Numbering : unsigned char { open, none, all };
@@ -270,7 +161,10 @@ private:
     bool* used_;
     std::size_t count_;
     std::size_t next_ = 0;
+    std::size_t conversions_ = 0;
+    char16_t letter_ = 0;
     Numbering numbering_ = Numbering::open;
+    FormatFault fault_;
 };
 
 } // namespace detail
@@ -338,12 +232,18 @@ private:
     }
 
     template <class Unit>
-    static consteval void checked(const Unit* literal, std::size_t size) {
-        // One more than there are arguments, because an array cannot be empty.
+    static constexpr void checked(const Unit* literal, std::size_t size) {
+        // Not consteval: clang 14 would evaluate calls between such functions too early. One more than there
+        // are arguments, because an array cannot be empty.
         const detail::FormatNeeds served[sizeof...(Arguments) + 1] = {
             detail::formatNeedsServedBy<Arguments>()...};
         bool used[sizeof...(Arguments) + 1] = {};
-        detail::FormatCheck(served, used, sizeof...(Arguments)).run(literal, literal + size);
+        const detail::FormatFault fault =
+            detail::FormatCheck(served, used, sizeof...(Arguments)).run(literal, literal + size);
+        if (fault.kind != detail::FormatFault::Kind::none) {
+            using Numbers = typename detail::FormatNumbersUpTo<sizeof...(Arguments)>::List;
+            detail::refuseFormat(fault.conversion, detail::formatRefusalOf<Arguments...>(fault, Numbers()));
+        }
     }
 
     StringView text_;

@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_FORMATREFUSAL_H
+#define ZQFOUNDATION_TEXT_FORMATREFUSAL_H
+
+#include <cstddef>
+
+/// How the compiler tells what is wrong with a literal format. A wrong one calls a function that is no
+/// constant expression, so the compiler shows the name of that function and what its template stands for: the
+/// conversion's letter and the argument's number and type. The call on the way there names the conversion's
+/// number. Both matter: with stars and positions the two numbers differ.
+namespace ZQFoundation::detail {
+
+/// The conversion with that letter.
+template <char letter>
+struct conversion;
+
+/// The argument with that number, counted from 1, and its type.
+template <std::size_t number, class Type>
+struct argument;
+
+// None of these functions exists, not even for a type of an unnamed namespace, which clang would warn of.
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wundefined-internal"
+#endif
+template <class Conversion, class Argument>
+void format_conversion_requires_an_integer();
+template <class Conversion, class Argument>
+void format_conversion_requires_a_real_number();
+template <class Conversion, class Argument>
+void format_conversion_requires_a_text_of_char();
+template <class Conversion, class Argument>
+void format_conversion_requires_a_text_of_char16_t();
+template <class Conversion, class Argument>
+void format_conversion_requires_an_object_or_text();
+template <class Conversion, class Argument>
+void format_conversion_requires_a_pointer();
+template <class Argument>
+void format_star_requires_an_integer();
+template <class Argument>
+void format_does_not_use_the_argument();
+template <class Conversion>
+void format_has_no_argument_for_the_conversion();
+void format_has_no_argument_for_the_star();
+void format_has_an_unknown_conversion();
+void format_conversion_n_is_not_supported();
+void format_ends_inside_a_conversion();
+void format_mixes_numbered_and_unnumbered_arguments();
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
+
+/// One of these.
+using FormatRefusal = void (*)();
+
+/// The first thing that is wrong with a format; the kinds from `wrongArgument` on concern an argument.
+struct FormatFault {
+    enum class Kind : unsigned char {
+        none,
+        cutOff,
+        unknownLetter,
+        letterN,
+        mixedNumbering,
+        missingArgument,
+        missingStar,
+        wrongArgument,
+        wrongStar,
+        unusedArgument,
+    };
+
+    Kind kind = Kind::none;
+    char16_t letter = 0;        ///< of the conversion
+    std::size_t conversion = 0; ///< which of the conversions, counted from 1
+    std::size_t argument = 0;   ///< which of the arguments, counted from 1
+};
+
+/// Why the letter does not take the argument.
+template <class Argument>
+constexpr FormatRefusal formatRefusalOfArgument(char16_t letter) {
+    switch (letter) {
+    case u'd':
+        return format_conversion_requires_an_integer<conversion<'d'>, Argument>;
+    case u'i':
+        return format_conversion_requires_an_integer<conversion<'i'>, Argument>;
+    case u'u':
+        return format_conversion_requires_an_integer<conversion<'u'>, Argument>;
+    case u'o':
+        return format_conversion_requires_an_integer<conversion<'o'>, Argument>;
+    case u'x':
+        return format_conversion_requires_an_integer<conversion<'x'>, Argument>;
+    case u'X':
+        return format_conversion_requires_an_integer<conversion<'X'>, Argument>;
+    case u'c':
+        return format_conversion_requires_an_integer<conversion<'c'>, Argument>;
+    case u'C':
+        return format_conversion_requires_an_integer<conversion<'C'>, Argument>;
+    case u'e':
+        return format_conversion_requires_a_real_number<conversion<'e'>, Argument>;
+    case u'E':
+        return format_conversion_requires_a_real_number<conversion<'E'>, Argument>;
+    case u'f':
+        return format_conversion_requires_a_real_number<conversion<'f'>, Argument>;
+    case u'F':
+        return format_conversion_requires_a_real_number<conversion<'F'>, Argument>;
+    case u'g':
+        return format_conversion_requires_a_real_number<conversion<'g'>, Argument>;
+    case u'G':
+        return format_conversion_requires_a_real_number<conversion<'G'>, Argument>;
+    case u'a':
+        return format_conversion_requires_a_real_number<conversion<'a'>, Argument>;
+    case u'A':
+        return format_conversion_requires_a_real_number<conversion<'A'>, Argument>;
+    case u's':
+        return format_conversion_requires_a_text_of_char<conversion<'s'>, Argument>;
+    case u'S':
+        return format_conversion_requires_a_text_of_char16_t<conversion<'S'>, Argument>;
+    case u'@':
+        return format_conversion_requires_an_object_or_text<conversion<'@'>, Argument>;
+    default:
+        return format_conversion_requires_a_pointer<conversion<'p'>, Argument>;
+    }
+}
+
+template <class Argument>
+constexpr FormatRefusal formatRefusalOfArgument(const FormatFault& fault) {
+    switch (fault.kind) {
+    case FormatFault::Kind::wrongStar:
+        return format_star_requires_an_integer<Argument>;
+    case FormatFault::Kind::unusedArgument:
+        return format_does_not_use_the_argument<Argument>;
+    default:
+        return formatRefusalOfArgument<Argument>(fault.letter);
+    }
+}
+
+/// There is no argument for the letter.
+constexpr FormatRefusal formatRefusalOfLetter(char16_t letter) {
+    switch (letter) {
+    case u'd':
+        return format_has_no_argument_for_the_conversion<conversion<'d'>>;
+    case u'i':
+        return format_has_no_argument_for_the_conversion<conversion<'i'>>;
+    case u'u':
+        return format_has_no_argument_for_the_conversion<conversion<'u'>>;
+    case u'o':
+        return format_has_no_argument_for_the_conversion<conversion<'o'>>;
+    case u'x':
+        return format_has_no_argument_for_the_conversion<conversion<'x'>>;
+    case u'X':
+        return format_has_no_argument_for_the_conversion<conversion<'X'>>;
+    case u'c':
+        return format_has_no_argument_for_the_conversion<conversion<'c'>>;
+    case u'C':
+        return format_has_no_argument_for_the_conversion<conversion<'C'>>;
+    case u'e':
+        return format_has_no_argument_for_the_conversion<conversion<'e'>>;
+    case u'E':
+        return format_has_no_argument_for_the_conversion<conversion<'E'>>;
+    case u'f':
+        return format_has_no_argument_for_the_conversion<conversion<'f'>>;
+    case u'F':
+        return format_has_no_argument_for_the_conversion<conversion<'F'>>;
+    case u'g':
+        return format_has_no_argument_for_the_conversion<conversion<'g'>>;
+    case u'G':
+        return format_has_no_argument_for_the_conversion<conversion<'G'>>;
+    case u'a':
+        return format_has_no_argument_for_the_conversion<conversion<'a'>>;
+    case u'A':
+        return format_has_no_argument_for_the_conversion<conversion<'A'>>;
+    case u's':
+        return format_has_no_argument_for_the_conversion<conversion<'s'>>;
+    case u'S':
+        return format_has_no_argument_for_the_conversion<conversion<'S'>>;
+    case u'@':
+        return format_has_no_argument_for_the_conversion<conversion<'@'>>;
+    default:
+        return format_has_no_argument_for_the_conversion<conversion<'p'>>;
+    }
+}
+
+/// What is wrong with the format itself, whatever the arguments are.
+constexpr FormatRefusal formatRefusalOfFormat(const FormatFault& fault) {
+    switch (fault.kind) {
+    case FormatFault::Kind::cutOff:
+        return format_ends_inside_a_conversion;
+    case FormatFault::Kind::letterN:
+        return format_conversion_n_is_not_supported;
+    case FormatFault::Kind::mixedNumbering:
+        return format_mixes_numbered_and_unnumbered_arguments;
+    case FormatFault::Kind::missingStar:
+        return format_has_no_argument_for_the_star;
+    case FormatFault::Kind::missingArgument:
+        return formatRefusalOfLetter(fault.letter);
+    default:
+        return format_has_an_unknown_conversion;
+    }
+}
+
+template <std::size_t... numbers>
+struct FormatNumbers {};
+
+/// The numbers from 1 to the count, without a further header of the standard library.
+template <std::size_t count, std::size_t... numbers>
+struct FormatNumbersUpTo : FormatNumbersUpTo<count - 1, count, numbers...> {};
+template <std::size_t... numbers>
+struct FormatNumbersUpTo<0, numbers...> {
+    using List = FormatNumbers<numbers...>;
+};
+
+template <class... Arguments, std::size_t... numbers>
+constexpr FormatRefusal formatRefusalOf(const FormatFault& fault, FormatNumbers<numbers...>) {
+    FormatRefusal refusal = nullptr;
+    if (fault.kind >= FormatFault::Kind::wrongArgument) {
+        (void)((numbers == fault.argument &&
+                (refusal = formatRefusalOfArgument<argument<numbers, Arguments>>(fault)) != nullptr) ||
+               ...);
+    }
+    return refusal == nullptr ? formatRefusalOfFormat(fault) : refusal;
+}
+
+/// The way to the message, which names the conversion's number.
+template <std::size_t number>
+struct conversion_number {
+    static constexpr void is_wrong(FormatRefusal refusal) { refusal(); }
+};
+
+/// 0: the fault is in no conversion.
+constexpr void refuseFormat(std::size_t conversion, FormatRefusal refusal) {
+    switch (conversion) {
+    case 1:
+        return conversion_number<1>::is_wrong(refusal);
+    case 2:
+        return conversion_number<2>::is_wrong(refusal);
+    case 3:
+        return conversion_number<3>::is_wrong(refusal);
+    case 4:
+        return conversion_number<4>::is_wrong(refusal);
+    case 5:
+        return conversion_number<5>::is_wrong(refusal);
+    case 6:
+        return conversion_number<6>::is_wrong(refusal);
+    case 7:
+        return conversion_number<7>::is_wrong(refusal);
+    case 8:
+        return conversion_number<8>::is_wrong(refusal);
+    case 9:
+        return conversion_number<9>::is_wrong(refusal);
+    default:
+        return refusal();
+    }
+}
+
+} // namespace ZQFoundation::detail
+
+#endif
