@@ -12,6 +12,10 @@ endif()
 # for the standard header <version>.
 target_compile_options(zq_flags INTERFACE "SHELL:-iquote \"${PROJECT_SOURCE_DIR}\"")
 
+# A product and a sum are rounded one after the other. Where processors have one instruction for both, compilers take
+# it otherwise, and the last digit differs from one system to the next.
+target_compile_options(zq_flags INTERFACE -ffp-contract=off)
+
 if(ZQFOUNDATION_SANITIZE)
     target_compile_options(zq_flags INTERFACE
         -fsanitize=${ZQFOUNDATION_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
