@@ -5,8 +5,8 @@
 if(NOT APPLE AND CMAKE_BUILD_TYPE STREQUAL "Release")
     add_test(NAME binary.exports COMMAND "${PROJECT_SOURCE_DIR}/scripts/check-binary" "$<TARGET_FILE:ZQFoundation>")
 endif()
-# What a user of the installed library does, done.
-if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT ZQFOUNDATION_SANITIZE)
+# What a user of the installed library does, done; with the tools of this machine, so for its processor.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT ZQFOUNDATION_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
     add_test(NAME install.outsideProjects
         COMMAND "${CMAKE_COMMAND}" -E env "CXX=${CMAKE_CXX_COMPILER}"
             "${PROJECT_SOURCE_DIR}/scripts/check-install" "${PROJECT_BINARY_DIR}")

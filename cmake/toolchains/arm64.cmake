@@ -3,6 +3,7 @@
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64)
 
@@ -13,9 +14,7 @@ foreach(kind LIBRARY INCLUDE PACKAGE)
     set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
 
-# Programs name their loader and the folder of their libraries themselves: they and the programs that they start
-# run as they stand, in whatever environment.
-foreach(kind EXE SHARED MODULE)
-    set(CMAKE_${kind}_LINKER_FLAGS_INIT "-Wl,-rpath,${root}/lib")
-endforeach()
-string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -Wl,--dynamic-linker,${root}/lib/ld-linux-aarch64.so.1")
+# Programs name their loader and the folder of the system's libraries themselves: they and the programs that they
+# start run as they stand, in whatever environment. By the older tag the folder holds for what libraries need, too.
+set(CMAKE_EXE_LINKER_FLAGS_INIT
+    "-Wl,--dynamic-linker,${root}/lib/ld-linux-aarch64.so.1 -Wl,--disable-new-dtags,-rpath,${root}/lib")

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every codec that this processor runs, beside a decoder and an encoder that go character by character.
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -173,6 +174,34 @@ TEST(Base64Codec, thePlainOneIsThereAndTheChosenOneIsTheLast) {
         ++codec;
     }
     EXPECT_EQ(&base64::codec(), *codec);
+}
+
+TEST(Base64Codec, theBestThatTheProcessorRunsIsChosenAndIsAmongThoseTested) {
+    std::string names;
+    for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
+        names += std::string(" ") + (*codec)->name;
+    }
+    std::printf("[  CODECS  ]%s\n", names.c_str());
+#if defined(__aarch64__)
+    EXPECT_EQ(names, " plain NEON");
+    EXPECT_STREQ(base64::codec().name, "NEON");
+    EXPECT_EQ(&base64::codec(), &base64::neonCodec);
+#elif defined(__x86_64__)
+    // The compiler's run-time library asks the processor in its own way.
+    std::string expected = " plain";
+    if (__builtin_cpu_supports("avx2")) {
+        expected += " AVX2";
+        if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+            __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2")) {
+            expected += " AVX-512";
+        }
+    }
+    EXPECT_EQ(names, expected);
+    EXPECT_EQ(base64::codec().name, expected.substr(expected.rfind(' ') + 1));
+#else
+    EXPECT_EQ(names, " plain");
+    EXPECT_STREQ(base64::codec().name, "plain");
+#endif
 }
 
 TEST(Base64Codec, allEncodeAllLengthsAlike) {

@@ -1,0 +1,51 @@
+# SPDX-License-Identifier: MIT
+# To be sourced after common.bash: lets programs for 64-bit Arm, and those that they start, run as they stand.
+# shellcheck shell=bash
+
+binary_formats=/proc/sys/fs/binfmt_misc
+arm64_format=zqfoundation-arm64-$$
+
+runs_arm64() {
+    /usr/aarch64-linux-gnu/lib/ld-linux-aarch64.so.1 --version >/dev/null 2>&1
+}
+
+as_root() {
+    if [[ $(id -u) -eq 0 ]]; then
+        "$@"
+    else
+        command -v sudo >/dev/null && sudo -n "$@"
+    fi
+}
+
+# Takes back what start_emulation did.
+end_emulation() {
+    if [[ -e $binary_formats/$arm64_format ]]; then
+        as_root tee "$binary_formats/$arm64_format" >/dev/null <<<-1
+    fi
+    # The last run takes away what the first one mounted, unless somebody else uses it meanwhile: two files are
+    # always there.
+    if grep -q "^${arm64_format%-*} $binary_formats " /proc/mounts &&
+        [[ $(find "$binary_formats" -mindepth 1 | wc -l) -eq 2 ]]; then
+        as_root umount "$binary_formats"
+    fi
+}
+
+# Tells the kernel of the emulator until the script ends; where it may not be told, it must know one already.
+start_emulation() {
+    [[ $(uname -m) != aarch64 ]] || return 0
+    trap end_emulation EXIT
+    {
+        if [[ ! -e $binary_formats/register ]]; then
+            as_root mount -t binfmt_misc "${arm64_format%-*}" "$binary_formats"
+        fi
+        # A 64-bit little-endian program or library (20 bytes and which of their bits count), opened for the emulator
+        # (O), with its name as it was typed (P); the emulator is open from now on (F). The newest entry counts.
+        as_root tee "$binary_formats/register" >/dev/null <<EOF
+:$arm64_format:M::\x7fELF\x02\x01\x01$(printf '\\x00%.0s' {1..9})\x02\x00\xb7\x00:$(printf '\\xff%.0s' {1..7})\x00$(
+            printf '\\xff%.0s' {1..8})\xfe\xff\xff\xff:$(command -v qemu-aarch64):OPF
+EOF
+    } 2>/dev/null || true
+    runs_arm64 || die "programs for 64-bit Arm do not start here: the kernel has to be told of their emulator" \
+        "(binfmt_misc), which root may, and only outside a container. On Debian 12 the package" \
+        "qemu-user-binfmt tells it, too."
+}
