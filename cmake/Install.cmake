@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down besides headers and tools: the libraries, their texts, and what makes both
-# found by find_package(ZQFoundation 27) and by pkg-config. The files name no absolute path, so the installed tree
+# What `cmake --install` lays down besides headers and tools: the libraries, their texts, what makes both
+# found by find_package(ZQFoundation 27) and by pkg-config, and what shows the values in gdb. The files name no absolute path, so the installed tree
 # can be moved as a whole.
 
 include(CMakePackageConfigHelpers)
@@ -10,6 +10,7 @@ set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/ZQFoundation-${PROJECT_VERSION
 
 install(TARGETS ZQFoundation ZQFoundationStatic EXPORT ZQFoundationTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
+    FRAMEWORK DESTINATION Library/Frameworks COMPONENT runtime
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/" DESTINATION "${ZQ_INSTALL_RESOURCES}" COMPONENT runtime)
 
@@ -24,7 +25,22 @@ install(FILES
     "${PROJECT_SOURCE_DIR}/cmake/ZQFoundationBundle.cmake"
     DESTINATION "${package_folder}" COMPONENT development)
 
+set(ZQ_PC_LIBS "-L\${libdir} -lZQFoundation")
+set(ZQ_PC_PRIVATE_LIBS "-lpthread -ldl")
+if(APPLE)
+    set(ZQ_PC_LIBS "-F\${prefix}/Library/Frameworks -framework ZQFoundation")
+    set(ZQ_PC_PRIVATE_LIBS "-liconv")
+endif()
 file(RELATIVE_PATH ZQ_PREFIX_FROM_PC "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /prefix)
 configure_file(cmake/ZQFoundation.pc.in package/ZQFoundation.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/package/ZQFoundation.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+# gdb takes the script when it loads the library: from beside it, or from below a folder of its own under the whole
+# path of the library, which is why the folder is named only when the prefix is known.
+if(NOT APPLE)
+    set(script "libZQFoundation.so.${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}-gdb.py")
+    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/tools/gdb/ZQFoundation-gdb.py" "${PROJECT_BINARY_DIR}/${script}" SYMBOLIC)
+    install(FILES tools/gdb/ZQFoundation-gdb.py RENAME "${script}" COMPONENT development
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
+endif()

@@ -25,8 +25,11 @@ set_target_properties(zq_objects PROPERTIES
     VISIBILITY_INLINES_HIDDEN ON)
 target_include_directories(zq_objects PRIVATE "${ZQ_STAGED_INCLUDE}")
 target_link_libraries(zq_objects PRIVATE zq_flags zq_hardening)
-# Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined.
-target_compile_options(zq_objects PRIVATE -fno-semantic-interposition)
+if(NOT APPLE)
+    # Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined. Elsewhere
+    # they are anyway.
+    target_compile_options(zq_objects PRIVATE -fno-semantic-interposition)
+endif()
 
 function(zq_finish_library target output)
     set_target_properties(${target} PROPERTIES OUTPUT_NAME ${output} LINKER_LANGUAGE CXX)
@@ -35,6 +38,9 @@ function(zq_finish_library target output)
         "$<BUILD_INTERFACE:${ZQ_STAGED_INCLUDE}>"
         "$<INSTALL_INTERFACE:${ZQ_INSTALL_INCLUDE}>")
     target_link_libraries(${target} PRIVATE "$<BUILD_INTERFACE:zq_flags>" Threads::Threads ${CMAKE_DL_LIBS})
+    if(APPLE)
+        target_link_libraries(${target} PRIVATE iconv) # elsewhere a part of the C library
+    endif()
 endfunction()
 
 add_library(ZQFoundation SHARED $<TARGET_OBJECTS:zq_objects>)
@@ -43,7 +49,32 @@ zq_finish_library(ZQFoundation ZQFoundation)
 set_target_properties(ZQFoundation PROPERTIES
     VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
     SOVERSION ${PROJECT_VERSION_MAJOR})
-if(NOT APPLE)
+if(APPLE)
+    # A framework, with its headers and texts inside. What its sources hide is all that is not exported.
+    set_target_properties(ZQFoundation PROPERTIES
+        FRAMEWORK ON
+        FRAMEWORK_VERSION ${PROJECT_VERSION_MAJOR}
+        MACOSX_RPATH ON
+        INSTALL_NAME_DIR "@rpath"
+        BUILD_WITH_INSTALL_NAME_DIR ON
+        MACHO_CURRENT_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        MACHO_COMPATIBILITY_VERSION ${PROJECT_VERSION_MAJOR}.0
+        MACOSX_FRAMEWORK_NAME ZQFoundation
+        MACOSX_FRAMEWORK_BUNDLE_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        MACOSX_FRAMEWORK_SHORT_VERSION_STRING ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+    file(GLOB_RECURSE texts CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/resources/*.strings")
+    foreach(file IN LISTS ZQ_PUBLIC_HEADERS texts)
+        cmake_path(GET file PARENT_PATH folder)
+        string(REGEX REPLACE "^resources" "Resources" place "${folder}")
+        if(place STREQUAL folder)
+            set(place "Headers/${folder}")
+        endif()
+        set_source_files_properties("${PROJECT_SOURCE_DIR}/${file}" PROPERTIES MACOSX_PACKAGE_LOCATION "${place}")
+        target_sources(ZQFoundation PRIVATE "${PROJECT_SOURCE_DIR}/${file}")
+    endforeach()
+    set_source_files_properties("${ZQ_UMBRELLA}" PROPERTIES MACOSX_PACKAGE_LOCATION Headers)
+    target_sources(ZQFoundation PRIVATE "${ZQ_UMBRELLA}")
+else()
     set(ZQ_VERSION_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/ZQFoundation.map")
     target_link_options(ZQFoundation PRIVATE
         "-Wl,--version-script=${ZQ_VERSION_SCRIPT}" -Wl,-Bsymbolic-functions -Wl,-z,relro,-z,now,-z,noexecstack)

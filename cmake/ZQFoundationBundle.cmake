@@ -51,16 +51,27 @@ function(zq_add_bundle target)
             zq_bundle_piece("${contents}" "${bundle_RESOURCES}/${file}" "Resources/${file}")
         endforeach()
     endif()
-    file(GLOB_RECURSE texts CONFIGURE_DEPENDS RELATIVE "${ZQFoundation_RESOURCES}" "${ZQFoundation_RESOURCES}/*.strings")
+    set(texts)
+    if(NOT APPLE) # there a framework holds the library and its texts
+        file(GLOB_RECURSE texts CONFIGURE_DEPENDS RELATIVE "${ZQFoundation_RESOURCES}"
+            "${ZQFoundation_RESOURCES}/*.strings")
+    endif()
     foreach(text IN LISTS texts)
         zq_bundle_piece("${contents}" "${ZQFoundation_RESOURCES}/${text}" "Frameworks/Resources/${text}")
     endforeach()
 
     # A custom command's output cannot name the library's file, which is known when the build files are written.
     set(copied "${CMAKE_CURRENT_BINARY_DIR}/${target}-library-copied")
+    set(copy_library "${CMAKE_COMMAND}" -E copy "$<TARGET_FILE:ZQFoundation::ZQFoundation>"
+        "${contents}/Frameworks/$<TARGET_SONAME_FILE_NAME:ZQFoundation::ZQFoundation>")
+    if(APPLE)
+        # The whole folder, its links as links; the library stands in its Versions/<number>.
+        set(copy_library "${CMAKE_COMMAND}" -E rm -rf "${contents}/Frameworks/ZQFoundation.framework"
+            COMMAND cp -R "$<TARGET_FILE_DIR:ZQFoundation::ZQFoundation>/../../../ZQFoundation.framework"
+                "${contents}/Frameworks/")
+    endif()
     add_custom_command(OUTPUT "${copied}"
-        COMMAND "${CMAKE_COMMAND}" -E copy "$<TARGET_FILE:ZQFoundation::ZQFoundation>"
-            "${contents}/Frameworks/$<TARGET_SONAME_FILE_NAME:ZQFoundation::ZQFoundation>"
+        COMMAND ${copy_library}
         COMMAND "${CMAKE_COMMAND}" -E touch "${copied}"
         DEPENDS "$<TARGET_FILE:ZQFoundation::ZQFoundation>" VERBATIM)
     add_custom_target(${target}Bundle ALL DEPENDS ${pieces} "${copied}")

@@ -71,13 +71,11 @@ bool makeSpecialItem(const struct stat& information, const CopyPlace& place) {
     case S_IFLNK:
         return makeLink(place);
     case S_IFIFO:
-        return ::mkfifoat(place.destinationFolder, place.destinationName, 0600) == 0;
     case S_IFSOCK:
     case S_IFCHR:
     case S_IFBLK:
-        return ::mknodat(place.destinationFolder, place.destinationName,
-                         static_cast<mode_t>((information.st_mode & kindBits) | 0600),
-                         information.st_rdev) == 0;
+        return system::makeSpecialFile(place.destinationFolder, place.destinationName,
+                                       information.st_mode & kindBits, information.st_rdev);
     default:
         errno = ENOTSUP;
         return false;

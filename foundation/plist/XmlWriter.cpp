@@ -13,6 +13,7 @@
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/NumberText.h"
+#include "foundation/text/RealText.h"
 
 namespace ZQFoundation::detail {
 
@@ -85,9 +86,9 @@ private:
         }
         if (number.isReal()) {
             out_ += "<real>";
-            const std::to_chars_result written =
-                std::to_chars(digits, digits + sizeof digits, canonical(number.doubleValue()));
-            out_.append(digits, static_cast<std::size_t>(written.ptr - digits));
+            const char* const end =
+                writeShortestRealText(digits, digits + sizeof digits, canonical(number.doubleValue()));
+            out_.append(digits, static_cast<std::size_t>(end - digits));
             out_ += "</real>\n";
             return;
         }

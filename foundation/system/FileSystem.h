@@ -3,6 +3,8 @@
 #ifndef ZQFOUNDATION_SYSTEM_FILESYSTEM_H
 #define ZQFOUNDATION_SYSTEM_FILESYSTEM_H
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <ctime>
 
@@ -19,6 +21,9 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept;
 /// Whether the links of this folder stand for open objects rather than for paths (a pipe, a file that has no
 /// name any more), so that their text need not lead anywhere.
 bool holdsObjectLinks(int folder) noexcept;
+
+/// Makes a pipe, a socket or a device that only its owner may use. False with `errno`.
+bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) noexcept;
 
 /// By what data can be moved, the fastest first. Where one is refused the next is tried.
 enum class DataMeans {

@@ -204,6 +204,10 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
     return true;
 }
 
+bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) noexcept {
+    return ::mknodat(folder, name, kind | 0600, S_ISFIFO(kind) ? 0 : device) == 0;
+}
+
 bool holdsObjectLinks(int folder) noexcept {
     struct statfs information {};
     return fstatfs(folder, &information) == 0 && information.f_type == PROC_SUPER_MAGIC;

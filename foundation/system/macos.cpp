@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <crt_externs.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <mach-o/dyld.h>
 #include <pthread.h>
 #include <signal.h>
@@ -23,6 +24,14 @@ namespace {
 /// Sleepers are few, so one mutex and condition serve them all.
 pthread_mutex_t sleepersMutex = PTHREAD_MUTEX_INITIALIZER;
 pthread_cond_t sleepersCondition = PTHREAD_COND_INITIALIZER;
+
+bool appendName(char (&path)[PATH_MAX], const char* name) noexcept {
+    if (::strlcat(path, name, sizeof path) < sizeof path) {
+        return true;
+    }
+    errno = ENAMETOOLONG;
+    return false;
+}
 
 } // namespace
 
@@ -114,6 +123,33 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
         return false;
     }
     time = information.st_birthtimespec;
+    return true;
+}
+
+// Only recent systems make such files by folder and name. So the folder's path is asked for, and what was
+// made is then looked for in the folder itself, which may have been moved meanwhile.
+bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) noexcept {
+    char path[PATH_MAX] = "";
+    if (S_ISSOCK(kind)) {
+        errno = ENOTSUP; // only whoever listens makes one
+        return false;
+    }
+    if (folder != AT_FDCWD && (::fcntl(folder, F_GETPATH, path) != 0 || !appendName(path, "/"))) {
+        return false;
+    }
+    if (!appendName(path, name)) {
+        return false;
+    }
+    if ((S_ISFIFO(kind) ? ::mkfifo(path, 0600) : ::mknod(path, kind | 0600, device)) != 0) {
+        return false;
+    }
+    struct stat information;
+    if (::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) != 0 ||
+        (information.st_mode & S_IFMT) != kind) {
+        ::unlink(path);
+        errno = ESTALE;
+        return false;
+    }
     return true;
 }
 

@@ -24,12 +24,17 @@ static_assert(offsetof(rt_msghdr, rtm_flags) == offsetof(RouteMessageHeader, rtm
 static_assert(offsetof(rt_msghdr, rtm_addrs) == offsetof(RouteMessageHeader, rtm_addrs));
 static_assert(offsetof(rt_msghdr, rtm_pid) == offsetof(RouteMessageHeader, rtm_pid));
 static_assert(offsetof(rt_msghdr, rtm_seq) == offsetof(RouteMessageHeader, rtm_seq));
+static_assert(offsetof(rt_msghdr, rtm_errno) == offsetof(RouteMessageHeader, rtm_errno));
+static_assert(offsetof(rt_msghdr, rtm_use) == offsetof(RouteMessageHeader, rtm_use));
+static_assert(offsetof(rt_msghdr, rtm_inits) == offsetof(RouteMessageHeader, rtm_inits));
 static_assert(offsetof(rt_msghdr, rtm_rmx) == offsetof(RouteMessageHeader, rtm_rmx));
 static_assert(sizeof(rt_metrics) == sizeof(RouteMessageHeader::rtm_rmx));
 static_assert(sizeof(sockaddr_in) == sizeof(RouteAddress));
 static_assert(offsetof(sockaddr_in, sin_len) == offsetof(RouteAddress, sin_len));
 static_assert(offsetof(sockaddr_in, sin_family) == offsetof(RouteAddress, sin_family));
+static_assert(offsetof(sockaddr_in, sin_port) == offsetof(RouteAddress, sin_port));
 static_assert(offsetof(sockaddr_in, sin_addr) == offsetof(RouteAddress, sin_addr));
+static_assert(offsetof(sockaddr_in, sin_zero) == offsetof(RouteAddress, sin_zero));
 static_assert(RTM_VERSION == routeMessageVersion && RTM_GET == routeLookup);
 static_assert(AF_INET == routeAddressFamily);
 static_assert(RTF_UP == routeIsUp && RTF_GATEWAY == routeHasGateway && RTF_HOST == routeToHost);

@@ -6,7 +6,8 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <system_error>
+
+#include "foundation/text/RealText.h"
 
 namespace ZQFoundation::detail {
 
@@ -157,14 +158,15 @@ RealParts splitReal(const Unit* text, std::size_t count) {
 constexpr std::size_t decisiveDigits = 768;
 constexpr std::size_t exponentRoom = 8; // for "e-10768", with one to spare
 constexpr std::size_t digitBuffer = decisiveDigits + 1 + exponentRoom;
+static_assert(digitBuffer <= longestRealText);
 
 // Far beyond the powers of ten that a double spans, 309 and -323.
 constexpr std::int64_t magnitudeLimit = 9999;
 
-// Texts up to this length go to std::from_chars as they stand.
+// Texts up to this length are read as they stand.
 constexpr std::size_t ordinaryLength = 64;
 
-/// A number as whole significant digits and a power of ten, in the form that std::from_chars takes.
+/// A number as whole significant digits and a power of ten, in the form that readRealText() takes.
 struct Digits {
     char text[digitBuffer];
     std::size_t length = 0;
@@ -208,8 +210,8 @@ double convertDigits(Digits& digits) {
         char* const end = digits.text + digits.length;
         *end = 'e';
         const auto written = std::to_chars(end + 1, digits.text + digitBuffer, digits.exponent);
-        // Out of range leaves the value as it is: the nearer end of the range.
-        std::from_chars(digits.text, written.ptr, value);
+        // Out of range leaves the value as it is, or gives the same: the nearer end of the range.
+        readRealText(digits.text, written.ptr, value);
     }
     return value;
 }
@@ -224,7 +226,7 @@ bool convertOrdinary(const Unit* text, std::size_t length, double& value) {
     for (std::size_t i = 0; i < length; ++i) {
         bytes[i] = static_cast<char>(text[i]);
     }
-    return std::from_chars(bytes, bytes + length, value).ec == std::errc{};
+    return readRealText(bytes, bytes + length, value);
 }
 
 template <class Unit>
@@ -305,7 +307,7 @@ char* writeReal(Real value, int precision, Real wholeLimit, char* out) {
             return writeInt64(whole, out);
         }
     }
-    return std::to_chars(out, out + numberTextCapacity, value, std::chars_format::general, precision).ptr;
+    return writeRealText(out, out + numberTextCapacity, value, precision);
 }
 
 // Sign, 16 digits, point and an exponent as in "e-308".

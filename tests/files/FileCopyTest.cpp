@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copies of single items.
 #include <atomic>
+#include <initializer_list>
 #include <string>
 #include <thread>
 
@@ -27,7 +28,7 @@ protected:
 
 TEST_F(FileCopy, keepsBytesPermissionsAndTimes) {
     const scene::Umask mask(077);
-    for (const mode_t mode : {0400U, 0644U, 0777U, 01755U}) {
+    for (const mode_t mode : std::initializer_list<mode_t>{0400U, 0644U, 0777U, 01755U}) {
         folder.write("a", std::string(70000, 'x') + "\0y");
         ::chmod(in("a").c_str(), mode);
         scene::setTimes(in("a"), 1000000000, 1234567890, 123456789);

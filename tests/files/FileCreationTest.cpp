@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <atomic>
 #include <csignal>
+#include <initializer_list>
 #include <string>
 #include <thread>
 
@@ -63,7 +64,8 @@ TEST_F(FileCreation, aNewFileHasTheOrdinaryMode) {
 
 TEST_F(FileCreation, anExistingFilesModeIsKept) {
     const scene::Umask umask(022);
-    for (const mode_t mode : {0600u, 0666u, 0444u, 0u, 0751u, 04755u, 02710u, 01644u}) {
+    for (const mode_t mode :
+         std::initializer_list<mode_t>{0600u, 0666u, 0444u, 0u, 0751u, 04755u, 02710u, 01644u}) {
         folder.write("f", "old");
         ASSERT_EQ(::chmod(in("f").c_str(), mode), 0);
         EXPECT_TRUE(create(in("f"), dataOf("new")));

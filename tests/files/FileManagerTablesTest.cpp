@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -540,7 +541,7 @@ TEST(FileManagerTables, keepTheModeOfAFileThatIsReplaced) {
     const Umask mask(027);
     EXPECT_TRUE(files().createFileAtPath_contents_attributes(items / "new", bytes("x"), {}));
     EXPECT_EQ(modeOf(items / "new"), 0640U);
-    for (const mode_t mode : {0600U, 0666U, 0755U, 0444U}) {
+    for (const mode_t mode : std::initializer_list<mode_t>{0600U, 0666U, 0755U, 0444U}) {
         ASSERT_EQ(::chmod((items / "file").c_str(), mode), 0);
         EXPECT_TRUE(files().createFileAtPath_contents_attributes(items / "file", bytes("x"), {}));
         EXPECT_EQ(modeOf(items / "file"), mode);

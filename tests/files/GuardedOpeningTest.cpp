@@ -2,6 +2,7 @@
 #include "foundation/files/GuardedOpening.h"
 
 #include <atomic>
+#include <initializer_list>
 #include <thread>
 
 #include <sys/socket.h>
@@ -250,7 +251,7 @@ TEST_F(GuardedOpeningAmongOthers, theFoldersOwnerIsTrusted) {
 }
 
 TEST_F(GuardedOpeningAmongOthers, theRuleIsOnlyForStickyFoldersThatOthersMayWriteTo) {
-    for (const mode_t mode : {0777u, 01775u, 01755u, 0755u}) {
+    for (const mode_t mode : std::initializer_list<mode_t>{0777u, 01775u, 01755u, 0755u}) {
         ASSERT_EQ(::chmod(in("shared").c_str(), mode), 0);
         for (const char* const name : {"shared/folder/log", "shared/link", "shared/file", "shared/pipe"}) {
             EXPECT_EQ(errorOf(in(name)), 0) << name << std::oct << mode;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/files/PathResolution.h"
 
+#include <initializer_list>
+
 #include <gtest/gtest.h>
 
 #include "foundation/files/HomeFolder.h"
@@ -319,7 +321,7 @@ TEST_F(PathResolutionOnDisk, aStrangersLinkInAStickyFolderStays) {
     ASSERT_EQ(::chown(in("shared").c_str(), stranger, stranger), 0);
     EXPECT_EQ(resolved(in("shared/foreign/x")), in("target/x")) << "the folder's owner may";
     ASSERT_EQ(::chown(in("shared").c_str(), 0, 0), 0);
-    for (const mode_t mode : {0777u, 01775u, 01755u}) {
+    for (const mode_t mode : std::initializer_list<mode_t>{0777u, 01775u, 01755u}) {
         ASSERT_EQ(::chmod(in("shared").c_str(), mode), 0);
         EXPECT_EQ(resolved(in("shared/foreign/x")), in("target/x")) << std::oct << mode;
     }

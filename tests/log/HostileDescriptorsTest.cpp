@@ -34,12 +34,12 @@ void setFileSizeLimit(rlim_t bytes) {
 
 bool isPending(int signal) {
     sigset_t pending;
-    return ::sigpending(&pending) == 0 && ::sigismember(&pending, signal) == 1;
+    return ::sigpending(&pending) == 0 && sigismember(&pending, signal) == 1;
 }
 
 bool isBlocked(int signal) {
     sigset_t mask;
-    return ::pthread_sigmask(SIG_BLOCK, nullptr, &mask) == 0 && ::sigismember(&mask, signal) == 1;
+    return ::pthread_sigmask(SIG_BLOCK, nullptr, &mask) == 0 && sigismember(&mask, signal) == 1;
 }
 
 void block(int signal) {
@@ -304,7 +304,7 @@ TEST(HostileDescriptors, surviveAFileSizeLimit) {
 
 // Signals.
 
-void setTimer(long microseconds) {
+void setTimer(suseconds_t microseconds) {
     itimerval interval{};
     interval.it_interval.tv_usec = microseconds;
     interval.it_value.tv_usec = microseconds;

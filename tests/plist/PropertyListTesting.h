@@ -3,7 +3,6 @@
 #define ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 
 #include <bit>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -20,6 +19,7 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/plist/PropertyList.h"
 #include "foundation/plist/PropertyListError.h"
+#include "foundation/text/RealText.h"
 
 namespace ZQFoundation::testing {
 
@@ -56,7 +56,8 @@ inline std::string showNumber(const NSNumber& number) {
         return number.boolValue() ? "true" : "false";
     }
     if (number.isReal()) {
-        return "r" + std::string(text, std::to_chars(text, text + sizeof text, number.doubleValue()).ptr);
+        return "r" + std::string(
+                         text, detail::writeShortestRealText(text, text + sizeof text, number.doubleValue()));
     }
     const bool isNegative = number.compare(NSNumber(0)) == NSOrderedAscending;
     return isNegative ? std::to_string(number.integerValue())

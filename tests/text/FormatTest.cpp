@@ -585,7 +585,8 @@ TEST(Format, raisesWithAFormattedReason) {
 
 TEST(Format, leavesErrnoAlone) {
     errno = 4711;
-    unchecked("%d %f %e %g %s %@ %a %.5000Lf", INT_MAX, 1e300, 1e-320, 5e-324, "\xff", "x", 1.0, 1e-4900L);
+    unchecked("%d %f %e %g %s %@ %a %.5000Lf", INT_MAX, 1e300, 1e-320, 5e-324, "\xff", "x", 1.0,
+              std::numeric_limits<long double>::min());
     EXPECT_EQ(errno, 4711);
 }
 

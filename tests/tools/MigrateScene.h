@@ -3,6 +3,8 @@
 #ifndef ZQFOUNDATION_TESTS_TOOLS_MIGRATESCENE_H
 #define ZQFOUNDATION_TESTS_TOOLS_MIGRATESCENE_H
 
+#include <csignal>
+
 #include "tests/migration/MigrationScene.h"
 #include "tests/tools/ToolScene.h"
 

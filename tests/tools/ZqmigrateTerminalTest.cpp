@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What a person at a terminal sees of `zqmigrate`: the bar, and what becomes of Ctrl-C.
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <string>
@@ -364,12 +365,13 @@ TEST(ZqmigrateInterruption, leavesWholeJson) {
 }
 
 TEST(ZqmigrateInterruption, doesNotWaitForAReaderThatHasStalled) {
-    for (const Words& words : {Words{"--create-parents", "batch", "a", "b"},
-                               Words{"--json", "--create-parents", "batch", "a", "b"}}) {
+    for (const bool isJson : {false, true}) {
+        const Words words = isJson ? Words{"--json", "--create-parents", "batch", "a", "b"}
+                                   : Words{"--create-parents", "batch", "a", "b"};
         LongBatch batch;
         const int errors = batch.tool.opened("errors");
         const pid_t child = batch.start(errors, words);
-        batch.waitUntilStuck(1);
+        batch.waitUntilStuck(isJson ? 1 : 2);
         const double start = seconds();
         EXPECT_EQ(::kill(child, SIGTERM), 0);
         EXPECT_EQ(scene::statusOf(child), 143); // the pipe still has a reader, which reads nothing
@@ -381,7 +383,10 @@ TEST(ZqmigrateInterruption, doesNotWaitForAReaderThatHasStalled) {
         EXPECT_EQ(batch.left("b"), LongBatch::count - left);
         EXPECT_TRUE(holds(report, "zqmigrate: stopped by a signal; ")) << report.substr(0, 200);
         EXPECT_TRUE(holds(report, "; left to do: " + std::to_string(left) + "\n"));
-        EXPECT_TRUE(holds(report, "zqmigrate: standard output was not written to its end\n"));
+        // The signal may come before the end of the JSON finds no room.
+        const std::string output = batch.readToEnd();
+        const bool isWhole = isJson && output.size() > 2 && output.compare(output.size() - 2, 2, "}\n") == 0;
+        EXPECT_NE(holds(report, "zqmigrate: standard output was not written to its end\n"), isWhole);
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tool `zqmigrate` as its user meets it: the real program, in a folder of the test's own.
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -264,7 +265,7 @@ TEST(ZqmigrateTool, tellsOfFoldersThatCannotBeRead) {
 TEST(ZqmigrateTool, tellsOfFoldersThatMayNotBeSearched) {
     scene::migrateProgram();
     EXPECT_TRUE(scene::checkedWithoutPrivileges([] {
-        for (const mode_t mode : {0600U, 0444U, 0300U}) {
+        for (const mode_t mode : std::initializer_list<mode_t>{0600U, 0444U, 0300U}) {
             const MigrateTool tool;
             tool.file("a/open/file");
             tool.file("a/closed/file");

@@ -2,10 +2,14 @@
 #include "tools/defaults/Values.h"
 
 #include <charconv>
+#include <cmath>
+#include <string>
+#include <string_view>
 
 #include "foundation/objects/Bodies.h"
 #include "foundation/plist/PropertyList.h"
 #include "foundation/plist/PropertyListError.h"
+#include "foundation/text/NumberText.h"
 #include "tools/defaults/Dates.h"
 #include "tools/defaults/Failure.h"
 
@@ -52,13 +56,46 @@ Type typeOfFlag(const std::string& word) noexcept {
 
 bool isCollection(Type type) noexcept { return type >= Type::array; }
 
+template <class Number>
+std::from_chars_result scanNumber(const char* first, const char* last, Number& number) {
+    return std::from_chars(first, last, number);
+}
+
+#ifndef __cpp_lib_to_chars // a C++ library that reads whole numbers only
+
+std::from_chars_result scanNumber(const char* first, const char* last, double& number) {
+    const NSString word = NSString(std::string(first, last)).lowercaseString();
+    for (const char* const other : {"inf", "infinity", "nan"}) {
+        if (word == other || word == std::string("-").append(other)) {
+            const double magnitude = *other == 'i' ? HUGE_VAL : NAN;
+            number = *first == '-' ? -magnitude : magnitude;
+            return {last, std::errc()};
+        }
+    }
+    const detail::DoubleReading reading = detail::scanDouble(first, static_cast<std::size_t>(last - first));
+    if (reading.length == 0 || *first == '+') {
+        return {first, std::errc::invalid_argument};
+    }
+    const char* const stop = first + reading.length;
+    const std::string_view text = std::string_view(first, reading.length);
+    const bool isTooSmall = reading.value == 0 &&
+                            text.substr(0, text.find_first_of("eE")).find_first_of("123456789") != text.npos;
+    if (std::isinf(reading.value) || isTooSmall) {
+        return {stop, std::errc::result_out_of_range};
+    }
+    number = reading.value;
+    return {stop, std::errc()};
+}
+
+#endif
+
 /// A number that takes the whole word.
 template <class Number>
 Number numberFromWord(const std::string& word, const char* what) {
     const char* const start = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
     const char* const end = word.c_str() + word.size();
     Number number{};
-    const auto [stop, error] = std::from_chars(start, end, number);
+    const auto [stop, error] = scanNumber(start, end, number);
     if (error == std::errc::result_out_of_range) {
         fail("\"%@\" is too large for %@", word, what);
     }
