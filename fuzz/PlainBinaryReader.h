@@ -13,6 +13,12 @@
 
 namespace ZQFoundation::fuzzing {
 
+/// Whether the library gave a file up by a limit that the reader below does not have.
+inline bool isLimitOnObjects(const char* message) {
+    return std::strcmp(message, "The objects lie over each other") == 0 ||
+           std::strcmp(message, "Shared objects make the value many times larger than the file") == 0;
+}
+
 /// The binary form read by its rules and by recursion, without the limits on objects that are shared or lie
 /// over each other. Nil for bytes that are none.
 class PlainBinaryReader {

@@ -53,7 +53,7 @@ inline void survey(const NSObject& value, Survey& seen) {
     }
 }
 
-/// Whether every strict XML reader takes the characters: XML has no place for some.
+/// Whether every strict XML reader takes the characters as they stand; references are not looked at.
 inline bool isFitForXml(std::string_view text) {
     const std::optional<std::u16string> units = plainUtf16(text);
     bool isFit = units.has_value();

@@ -204,7 +204,7 @@ void checkDatagram(std::string_view datagram) {
     std::copy_n(datagram.begin(), answer.count, answer.bytes);
     __asan_poison_memory_region(answer.bytes + answer.count, sizeof answer.bytes - answer.count);
     const bool isWhole = answer.holds(0);
-    require(errorOf(answer) >= 0, "a negative error");
+    require(errorOf(answer) >= 0 && errorOf(answer) <= 4095, "an error that the kernel does not have");
     if (isWhole) {
         requireReply(replyOf(answer), datagram);
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The files of localized texts: which encoding the bytes are in, then whichever form the text is in.
 #include "foundation/plist/TextDecoding.h"
+#include "fuzz/PlainBinaryReader.h"
 #include "fuzz/PlainOldStyleReader.h"
 #include "fuzz/PropertyLists.h"
 
@@ -73,8 +74,11 @@ NSDictionary plainTable(std::string_view bytes) {
     detail::PropertyListError error;
     const auto* start = reinterpret_cast<const unsigned char*>(bytes.data());
     if (bytes.starts_with("bplist0")) {
-        if (const NSObject value = detail::readBinary(start, bytes.size(), error)) {
-            return NSDictionary(value);
+        const bool isRead = static_cast<bool>(detail::readBinary(start, bytes.size(), error));
+        if (isRead || !fuzzing::isLimitOnObjects(error.message)) {
+            if (const NSObject value = fuzzing::PlainBinaryReader(bytes).read()) {
+                return NSDictionary(value);
+            }
         }
     }
     const Text text = decoded(bytes);

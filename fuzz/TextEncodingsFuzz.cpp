@@ -113,6 +113,11 @@ const std::vector<Subject>& subjects() {
              {0x88000100U, 0x8C000100U, 0x90000100U, 0x94000100U, 0x98000100U, 0x9C000100U}) {
             add(number, number);
         }
+        // Where the C library lacks its converters, both sides would agree on nothing.
+        const auto open = std::count_if(found.begin(), found.end(), [](const Subject& subject) {
+            return subject.conversion && subject.conversion->isOpen();
+        });
+        require(open >= 50, "the C library converts most encodings");
         return &found;
     }();
     return all;
@@ -297,8 +302,6 @@ void checkDecoding(const Subject& subject, std::string_view bytes) {
 }
 
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) { return subjects().size() < 60 ? 1 : 0; }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzzing::InputReader input(data, size);

@@ -93,6 +93,11 @@ int errorOf(const RouteAnswer& answer) noexcept {
         return EPROTO;
     }
     std::memcpy(&body, answer.bytes + NLMSG_HDRLEN, sizeof body);
+    // The kernel's errors are small; the negative of the least integer would be none.
+    constexpr int largestError = 4095;
+    if (body.error < -largestError) {
+        return EPROTO;
+    }
     return body.error < 0 ? -body.error : 0;
 }
 
