@@ -67,6 +67,12 @@ if(APPLE)
         "SHELL:-idirafter \"${PROJECT_SOURCE_DIR}/tests/system/macos/headers\""
         -D_LIBCPP_DISABLE_AVAILABILITY)
 endif()
+# Most of the time of a build goes into the tests, whose own code need not be fast. Those with slow models that run
+# over many inputs are optimised all the same; what is compiled before for the others does not fit them.
+target_compile_options(zq_test_settings INTERFACE ${ZQFOUNDATION_TEST_OPTIMIZATION})
+set(ZQ_OPTIMIZED_TESTS
+    encoding/Base64FromFactsTest.cpp encoding/URLConstructionFromFactsTest.cpp extensions/LineWalkTest.cpp
+    objects/StringSearchTest.cpp time/WallTimeTest.cpp)
 target_compile_definitions(zq_test_settings INTERFACE
     ZQ_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     ZQ_TEST_BINARY_DIR="${PROJECT_BINARY_DIR}"
@@ -161,6 +167,12 @@ function(zq_add_test_folder folder)
             endif()
         endforeach()
         set(sources ${chosen})
+    endif()
+    if(ZQFOUNDATION_TEST_OPTIMIZATION STREQUAL "-O0")
+        foreach(source IN LISTS ZQ_OPTIMIZED_TESTS)
+            set_source_files_properties("${PROJECT_SOURCE_DIR}/tests/${source}" PROPERTIES
+                COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
+        endforeach()
     endif()
     if(sources)
         zq_add_test_program(test_${folder} ${sources})

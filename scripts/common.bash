@@ -2,6 +2,7 @@
 # Shared by the scripts of this folder; to be sourced. Leaves the working folder at the root of the repository.
 # shellcheck shell=bash
 
+invoked_from=$PWD
 cd "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/.." || exit
 
 script=$(basename "$0")
@@ -9,6 +10,11 @@ script=$(basename "$0")
 die() {
     echo "$script: $*" >&2
     exit 1
+}
+
+# given_path <path>: a path that the user typed, from where the script was started.
+given_path() {
+    (cd "$invoked_from" && realpath -m -- "$1")
 }
 
 step() {

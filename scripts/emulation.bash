@@ -49,3 +49,28 @@ EOF
         "(binfmt_misc), which root may, and only outside a container. On Debian 12 the package" \
         "qemu-user-binfmt tells it, too."
 }
+
+# fetch_converters <folder>: the C library's converters between encodings (iconv) for 64-bit Arm into <folder>/gconv.
+# The cross compiler's C library comes without them; the same library's own package has them. It is only unpacked, and
+# the system's lists of packages stay as they are.
+fetch_converters() {
+    local folder=$1 work=$1/fetched options
+    [[ ! -e $folder/gconv/gconv-modules ]] || return 0
+    step "arm64: fetch the C library's converters"
+    rm -rf "$work"
+    mkdir -p "$work"/{state/lists/partial,cache/archives/partial,unpacked}
+    work=$(realpath "$work")
+    touch "$work/status"
+    options=(-q -o APT::Architecture=arm64 -o APT::Architectures=arm64 -o APT::Sandbox::User=root
+        -o "Dir::State=$work/state" -o "Dir::State::status=$work/status" -o "Dir::Cache=$work/cache")
+    if apt-get "${options[@]}" update >"$work/log" 2>&1 &&
+        (cd "$work" && apt-get "${options[@]}" download libc6) >>"$work/log" 2>&1 &&
+        dpkg-deb -x "$work"/libc6_*_arm64.deb "$work/unpacked"; then
+        rm -rf "$folder/gconv"
+        mv "$work"/unpacked/usr/lib/aarch64-linux-gnu/gconv "$folder/gconv"
+        rm -rf "$work"
+    else
+        cat "$work/log" >&2
+        die "the C library's package for 64-bit Arm could not be fetched"
+    fi
+}
