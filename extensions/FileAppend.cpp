@@ -62,9 +62,7 @@ private:
 };
 
 /// A link that leads to itself leads to no file either.
-bool leadsNowhere(int error) noexcept {
-    return error == ENOENT || error == ELOOP;
-}
+bool leadsNowhere(int error) noexcept { return error == ENOENT || error == ELOOP; }
 
 bool isDanglingLink(const PathHandle& path) noexcept {
     struct stat information;

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-CommandLine parse_command_line(int argc, char** argv) {
+CommandLine parseCommandLine(int argc, char** argv) {
     CommandLine result;
     for (int i = 1; i < argc; ++i) {
         const char* const argument = argv[i];

@@ -15,6 +15,6 @@ struct CommandLine {
     std::string complaint; ///< only for `complain`
 };
 
-CommandLine parse_command_line(int argc, char** argv);
+CommandLine parseCommandLine(int argc, char** argv);
 
 #endif

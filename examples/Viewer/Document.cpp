@@ -9,7 +9,7 @@
 
 using namespace ZQFoundation;
 
-DocumentHeader parse_header(std::string_view text) {
+DocumentHeader parseHeader(std::string_view text) {
     NSMutableDictionary fields;
     std::size_t at = 0;
     while (at < text.size() && text[at] != '\n') {
@@ -32,7 +32,7 @@ DocumentHeader parse_header(std::string_view text) {
 }
 
 bool Document::load(const std::string& path, std::string& reason) {
-    if (!read_file(path, text_)) {
+    if (!readFile(path, text_)) {
         reason = std::strerror(errno);
         return false;
     }
@@ -40,7 +40,7 @@ bool Document::load(const std::string& path, std::string& reason) {
         reason = "Not a text in UTF-8";
         return false;
     }
-    header_ = parse_header(text_);
+    header_ = parseHeader(text_);
     title_ = NSString(header_.fields.objectForKey("Title"));
     if (!title_) {
         title_ = NSString::stringWithFileSystemBytes(path.data(), path.size()).lastPathComponent();

@@ -14,7 +14,7 @@ struct DocumentHeader {
 };
 
 /// A text without a header gives no fields and a body that starts at 0.
-DocumentHeader parse_header(std::string_view text);
+DocumentHeader parseHeader(std::string_view text);
 
 /// One open document. By implementing NSObjectProtocol it can be given to "%@" and stand in collections.
 class Document : public ZQFoundation::NSObjectProtocol {

@@ -12,9 +12,9 @@
 
 using namespace ZQFoundation;
 
-// A plain function names itself by `__func__`: the line reads "TraceFiles: read_file() 139 bytes from
+// A plain function names itself by `__func__`: the line reads "TraceFiles: readFile() 139 bytes from
 // /tmp/...".
-bool read_file(const std::string& path, std::string& bytes) {
+bool readFile(const std::string& path, std::string& bytes) {
     std::FILE* const file = std::fopen(path.c_str(), "rb");
     if (file == nullptr) {
         return false;
@@ -35,7 +35,7 @@ bool read_file(const std::string& path, std::string& bytes) {
     return true;
 }
 
-bool write_file(const std::string& path, std::string_view bytes) {
+bool writeFile(const std::string& path, std::string_view bytes) {
     std::FILE* const file = std::fopen(path.c_str(), "wb");
     if (file == nullptr) {
         return false;
@@ -77,7 +77,7 @@ TemporaryFolder::~TemporaryFolder() {
 
 std::string TemporaryFolder::writeFile(const std::string& name, std::string_view bytes) {
     const std::string path = path_ + "/" + name;
-    if (path_.empty() || !write_file(path, bytes)) {
+    if (path_.empty() || !writeFile(path, bytes)) {
         return {};
     }
     file_ = path;

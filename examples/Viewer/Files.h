@@ -6,10 +6,10 @@
 #include <string_view>
 
 /// The whole file in `bytes`; false, with `errno` telling why, when it cannot be read.
-bool read_file(const std::string& path, std::string& bytes);
+bool readFile(const std::string& path, std::string& bytes);
 
 /// False, with `errno` telling why, when not all bytes could be written.
-bool write_file(const std::string& path, std::string_view bytes);
+bool writeFile(const std::string& path, std::string_view bytes);
 
 /// A new folder for one file; both are removed when the object goes.
 class TemporaryFolder {

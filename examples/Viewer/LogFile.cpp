@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t keptLogFiles = 5;
 
 /// Standard error is the log file from here on, for what Viewer prints there itself too.
-void open_log_file() {
+void openLogFile() {
     const NSString path = ZQLog::standardLogFilePath();
     if (!ZQLog::setLogFilePath_createFolder(path, true)) {
         return; // a line on standard error says why, and the log stays there
@@ -23,9 +23,9 @@ void open_log_file() {
 
 } // namespace
 
-void start_log() {
+void startLog() {
     if (NSUserDefaults::standardUserDefaults().boolForKey("LogFile")) {
-        open_log_file();
+        openLogFile();
     }
     try {
         ZQLogInfo::standardStartupLog();

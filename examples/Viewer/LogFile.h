@@ -5,6 +5,6 @@
 /// Leads the log of this run into a file of its own, unless the default `LogFile` is NO; puts the start-up
 /// report at its head, which is written only while a trace key is on; and clears old log files away, unless
 /// the default `DisableLogRemoval` is set. To be called once, before the first line.
-void start_log();
+void startLog();
 
 #endif

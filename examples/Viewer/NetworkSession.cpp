@@ -18,7 +18,7 @@ namespace {
 /// reader.
 constexpr std::size_t pieceSize = 64;
 
-bool send_all(int socket, std::string_view bytes) {
+bool sendAll(int socket, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t count = ::write(socket, bytes.data(), bytes.size());
         if (count < 0 && errno != EINTR) {
@@ -29,7 +29,7 @@ bool send_all(int socket, std::string_view bytes) {
     return true;
 }
 
-bool receive_all(int socket, char* bytes, std::size_t count) {
+bool receiveAll(int socket, char* bytes, std::size_t count) {
     while (count != 0) {
         const ssize_t received = ::read(socket, bytes, count);
         if (received == 0 || (received < 0 && errno != EINTR)) {
@@ -51,7 +51,7 @@ const NSArray& sessionKeys() {
 }
 
 /// Where a document would go: its title may hold anything, and its digest tells whether it has changed.
-NSURL address_of(const Document& document) {
+NSURL addressOf(const Document& document) {
     const NSString text(std::string(document.text()));
     return NSURL::URLWithScheme_authority_path_query(
         "https", "viewer.example", NSString::stringWithFormat("/documents/%@", document.title()),
@@ -89,7 +89,7 @@ bool NetworkSession::transfer(const Document& document, std::string& received) {
     received.clear();
     if (ZQLog::traceKeyIsEnabled(TraceKeys::network)) {
         ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(this, __func__, true, TraceKeys::network,
-                                                                   "goes to %@", address_of(document));
+                                                                   "goes to %@", addressOf(document));
     }
     bool isConnected = nearEnd_ >= 0;
     for (std::size_t at = 0; isConnected && at < bytes.size(); at += pieceSize) {
@@ -107,8 +107,8 @@ bool NetworkSession::exchangePiece(std::string_view piece, std::string& received
     const std::string text =
         NSData::dataWithBytes_length(piece.data(), piece.size()).base64EncodedStringInSingleLine().utf8();
     std::string answer(text.size(), '\0');
-    if (!send_all(nearEnd_, text) || !receive_all(farEnd_, answer.data(), answer.size()) ||
-        !send_all(farEnd_, answer) || !receive_all(nearEnd_, answer.data(), answer.size())) {
+    if (!sendAll(nearEnd_, text) || !receiveAll(farEnd_, answer.data(), answer.size()) ||
+        !sendAll(farEnd_, answer) || !receiveAll(nearEnd_, answer.data(), answer.size())) {
         return false;
     }
     const NSData bytes = NSData::dataFromBase64String(answer);

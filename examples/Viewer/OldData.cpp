@@ -14,12 +14,12 @@ using namespace ZQFoundation;
 
 namespace {
 
-NSString new_place(StringView name) {
+NSString newPlace(StringView name) {
     return NSProcessInfo::pathOfLibraryApplicationSupportSubfolder().stringByAppendingPathComponent(name);
 }
 
 /// For the user, and for whoever reads the log.
-void show_what_stays(const NSString& source, const NSString& reason) {
+void showWhatStays(const NSString& source, const NSString& reason) {
     ZQLog::logWithFormat("%@ stays: %@", source, reason);
     std::printf("Viewer: %s stays: %s\n", shown(source).c_str(), shown(reason).c_str());
 }
@@ -29,7 +29,7 @@ void report(ZQFileMigrationRetvalType code, const NSString& source, const NSStri
         return; // moved long ago, or never there
     }
     if (code != kFileMigrationSuccess) {
-        show_what_stays(source, ZQFileMigrator::descriptionOfFileMigrationRetvalType(code));
+        showWhatStays(source, ZQFileMigrator::descriptionOfFileMigrationRetvalType(code));
         return;
     }
     ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(__func__, true, TraceKeys::migration,
@@ -37,9 +37,9 @@ void report(ZQFileMigrationRetvalType code, const NSString& source, const NSStri
 }
 
 /// A file that exists at the new place is newer: the old one is put beside it as "Settings 1.conf".
-void migrate_settings() {
+void migrateSettings() {
     const NSString source = "~/.viewerrc";
-    const NSString destination = new_place("Settings.conf");
+    const NSString destination = newPlace("Settings.conf");
     report(
         ZQFileMigrator::
             migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
@@ -48,9 +48,9 @@ void migrate_settings() {
 }
 
 /// Whole, with everything in it. Documents that exist at the new place are not touched.
-void migrate_documents() {
+void migrateDocuments() {
     const NSString source = "~/.viewer";
-    const NSString destination = new_place("Documents");
+    const NSString destination = newPlace("Documents");
     report(
         ZQFileMigrator::
             migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
@@ -59,14 +59,14 @@ void migrate_documents() {
 }
 
 /// The folder belongs to the user, who may keep other files there too.
-void migrate_notes() {
+void migrateNotes() {
     const NSString source = "~/Viewer Notes";
     const NSDictionary codes = ZQFileMigrator::
         migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-            "note", source, new_place("Notes"), false, false, true, false, false);
+            "note", source, newPlace("Notes"), false, false, true, false, false);
     const NSString failures = ZQFileMigrator::descriptionOfFileMigrationErrorsIn(codes).string();
     if (!failures.isEmpty()) {
-        show_what_stays(source, failures);
+        showWhatStays(source, failures);
     }
     if (codes.count() > 0) {
         ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(
@@ -76,12 +76,12 @@ void migrate_notes() {
 
 } // namespace
 
-void migrate_old_data() {
+void migrateOldData() {
     // While it lives, the library tells it of each folder in which a file has come or gone.
     const Workspace workspace;
-    migrate_settings();
-    migrate_documents();
-    migrate_notes();
+    migrateSettings();
+    migrateDocuments();
+    migrateNotes();
     for (const std::string& folder : workspace.changedFolders()) {
         ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(__func__, true, TraceKeys::migration,
                                                                     "to be shown anew: %@", folder);

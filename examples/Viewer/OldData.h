@@ -10,6 +10,6 @@
 ///
 /// Does nothing where there is nothing old. What cannot be moved stays where it is: the log and the terminal
 /// say so, and the next start tries again.
-void migrate_old_data();
+void migrateOldData();
 
 #endif

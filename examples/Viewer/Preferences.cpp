@@ -7,12 +7,12 @@
 
 using namespace ZQFoundation;
 
-void register_defaults() {
+void registerDefaults() {
     NSUserDefaults::standardUserDefaults().registerDefaults(
         NSDictionary{{"PageLength", 4}, {"LogFile", true}});
 }
 
-std::size_t page_length() {
+std::size_t pageLength() {
     const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
     // Switches whose names begin with Enable, Disable or Debug are listed by the start-up report.
     const std::int64_t forced = defaults.integerForKey("DebugPageLength");
@@ -24,7 +24,7 @@ std::size_t page_length() {
     return defaults.boolForKey("EnableLargePages") ? 2 * lines : lines;
 }
 
-void preferences_changed() {
+void preferencesChanged() {
     {
         // The trace keys are read once, at the first question. Who reads them again does it inside the
         // monitor, so that no other thread asks meanwhile.

@@ -5,13 +5,13 @@
 #include <cstddef>
 
 /// What holds while the user has set nothing else.
-void register_defaults();
+void registerDefaults();
 
 /// Lines on a page, at least 1: the default `PageLength`, twice as many with `EnableLargePages`, whatever
 /// `DebugPageLength` says when it is set.
-std::size_t page_length();
+std::size_t pageLength();
 
 /// To be called after the user's settings have changed, from any thread.
-void preferences_changed();
+void preferencesChanged();
 
 #endif

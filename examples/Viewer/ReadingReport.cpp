@@ -13,15 +13,15 @@ namespace {
 
 constexpr int charactersReadInASecond = 20;
 
-void print_line(const NSString& line) { std::printf("%s\n", line.utf8().c_str()); }
+void printLine(const NSString& line) { std::printf("%s\n", line.utf8().c_str()); }
 
-NSDate modification_date(const std::string& path) {
+NSDate modificationDate(const std::string& path) {
     const NSDictionary attributes = NSFileManager::defaultManager().attributesOfItemAtPath_error(path);
     return NSDate(attributes.objectForKey(NSFileModificationDate));
 }
 
 /// "file:/home/user/A%20letter.txt": blanks and whatever else a path may hold are escaped.
-NSString address_of(const std::string& path) {
+NSString addressOf(const std::string& path) {
     const NSURL url = NSURL::URLWithScheme_authority_path("file", nullptr, path);
     return url ? url.absoluteString() : NSString(path);
 }
@@ -36,7 +36,7 @@ void remember(const Document& document, const std::string& path) {
     }
     const NSString line =
         NSString::stringWithFormat("%@ %@ %@ %@\n", NSDate::date().roundedDate(), run,
-                                   NSString(std::string(document.text())).md5String(), address_of(path));
+                                   NSString(std::string(document.text())).md5String(), addressOf(path));
     if (!line.appendToFile_encoding(folder.stringByAppendingPathComponent("History.txt"),
                                     NSUTF8StringEncoding)) {
         ZQLog::logWithFormat("no history of %@ is kept", path);
@@ -48,13 +48,13 @@ void remember(const Document& document, const std::string& path) {
 void ReadingReport::add(const Document& document, const std::string& path, std::size_t pages) {
     ++documents_;
     pages_ += static_cast<int>(pages);
-    characters_ += count_characters(document.body());
-    const NSDate written = modification_date(path);
+    characters_ += countCharacters(document.body());
+    const NSDate written = modificationDate(path);
     // The key is the English text; where a table has another order of the values, it numbers them.
-    print_line(NSString::initWithLocalizedFormat("%@: %d pages, written %d days ago (week %d of %d)",
-                                                 shown(document.title()), static_cast<int>(pages),
-                                                 NSDate::calendarDaysBetween_and(written, NSDate::date()),
-                                                 written.calendarWeek(), written.yearForCalendarWeek()));
+    printLine(NSString::initWithLocalizedFormat("%@: %d pages, written %d days ago (week %d of %d)",
+                                                shown(document.title()), static_cast<int>(pages),
+                                                NSDate::calendarDaysBetween_and(written, NSDate::date()),
+                                                written.calendarWeek(), written.yearForCalendarWeek()));
     remember(document, path);
 }
 
@@ -63,7 +63,7 @@ void ReadingReport::show() const {
         return;
     }
     const NSNumber seconds(characters_ / charactersReadInASecond);
-    print_line(NSString::initWithLocalizedFormat_locale(
+    printLine(NSString::initWithLocalizedFormat_locale(
         "%d documents, %d pages, %d characters: about %@ minutes to read", NSLocale::currentLocale(),
         documents_, pages_, characters_, seconds.durationDescriptionWithFieldCount_suppressZeroes(2, false)));
 }

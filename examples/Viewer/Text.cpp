@@ -7,7 +7,7 @@ namespace {
 
 /// Calls `onCharacter(code point, its units)` from the first character to the last.
 template <class OnCharacter>
-void go_through(const NSString& text, const OnCharacter& onCharacter) {
+void goThrough(const NSString& text, const OnCharacter& onCharacter) {
     const std::u16string units = text.utf16();
     for (std::size_t at = 0; at < units.size();) {
         const bool isPair =
@@ -20,7 +20,7 @@ void go_through(const NSString& text, const OnCharacter& onCharacter) {
     }
 }
 
-bool is_unseen(char32_t character) {
+bool isUnseen(char32_t character) {
     static const NSCharacterSet controls = NSCharacterSet::controlCharacterSet();
     static const NSCharacterSet lineEnds = NSCharacterSet::newlineCharacterSet();
     return controls.longCharacterIsMember(character) || lineEnds.longCharacterIsMember(character);
@@ -28,7 +28,7 @@ bool is_unseen(char32_t character) {
 
 /// Whether the character is a part of the one before it. The blocks that are made for such marks, and the
 /// signs that choose a form or a shade; marks that stand among the letters of a script are not known here.
-bool is_part(char32_t character) {
+bool isPart(char32_t character) {
     static const NSRange blocks[] = {{0x0300, 0x70}, {0x1AB0, 0x50}, {0x1DC0, 0x40}, {0x200D, 1},
                                      {0x20D0, 0x30}, {0xFE00, 0x10}, {0xFE20, 0x10}, {0x1F3FB, 5}};
     for (const NSRange& block : blocks) {
@@ -43,14 +43,14 @@ bool is_part(char32_t character) {
 
 std::string shown(const NSString& text) {
     NSMutableString line;
-    go_through(text, [&line](char32_t character, const NSString& itself) {
+    goThrough(text, [&line](char32_t character, const NSString& itself) {
         const auto number = static_cast<unsigned>(character);
         if (character == '\\') {
             line.appendString("\\\\");
         } else if ((character & ~0xFFU) ==
                    0xDC00) { // how the text of a file name holds a byte that is no text
             line.appendFormat("\\x%02x", number & 0xFFU);
-        } else if (is_unseen(character)) {
+        } else if (isUnseen(character)) {
             line.appendFormat("\\u%04x", number);
         } else {
             line.appendString(itself);
@@ -63,8 +63,8 @@ std::string shown(const std::string& bytes) {
     return shown(NSString::stringWithFileSystemBytes(bytes.data(), bytes.size()));
 }
 
-int count_characters(const NSString& text) {
+int countCharacters(const NSString& text) {
     int count = 0;
-    go_through(text, [&count](char32_t character, const NSString&) { count += is_part(character) ? 0 : 1; });
+    goThrough(text, [&count](char32_t character, const NSString&) { count += isPart(character) ? 0 : 1; });
     return count;
 }

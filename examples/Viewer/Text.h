@@ -14,6 +14,6 @@ std::string shown(const ZQFoundation::NSString& text);
 std::string shown(const std::string& bytes);
 
 /// How many characters a reader sees: a letter and the marks that are put on it are one.
-int count_characters(const ZQFoundation::NSString& text);
+int countCharacters(const ZQFoundation::NSString& text);
 
 #endif

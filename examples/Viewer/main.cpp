@@ -73,46 +73,46 @@ std::string info(StringView key) {
     return value ? value.utf8() : "?";
 }
 
-int show_version() {
+int showVersion() {
     std::printf("Viewer %s (%s)\n", info("CFBundleShortVersionString").c_str(),
                 info("CFBundleVersion").c_str());
     return succeeded;
 }
 
 /// For the user, and for whoever reads the log.
-int show_failure(const std::string& what, const std::string& reason) {
+int showFailure(const std::string& what, const std::string& reason) {
     ZQLog::logWithFormat("%@: %@", what, reason);
     std::printf("Viewer: %s: %s\n", shown(what).c_str(), shown(reason).c_str());
     return failed;
 }
 
 /// Opens, transfers and renders one document.
-int show_document(const std::string& path, ReadingReport& report) {
+int showDocument(const std::string& path, ReadingReport& report) {
     std::string reason;
     const Document* const document = DocumentStore::sharedStore().open(path, reason);
     if (document == nullptr) {
-        return show_failure(path, reason);
+        return showFailure(path, reason);
     }
     std::string received;
     NetworkSession session;
     if (!session.transfer(*document, received) || received != document->text()) {
-        return show_failure(path, "The transfer failed");
+        return showFailure(path, "The transfer failed");
     }
-    report.add(*document, path, Renderer(page_length()).render(*document));
+    report.add(*document, path, Renderer(pageLength()).render(*document));
     return succeeded;
 }
 
-int show_sample(ReadingReport& report) {
+int showSample(ReadingReport& report) {
     TemporaryFolder folder;
     const std::string path = folder.writeFile("Trace keys.txt", sample);
-    return path.empty() ? show_failure("the temporary folder", std::strerror(errno))
-                        : show_document(path, report);
+    return path.empty() ? showFailure("the temporary folder", std::strerror(errno))
+                        : showDocument(path, report);
 }
 
-int show_documents(const std::vector<std::string>& paths, ReadingReport& report) {
+int showDocuments(const std::vector<std::string>& paths, ReadingReport& report) {
     int status = succeeded;
     for (const std::string& path : paths) {
-        if (show_document(path, report) != succeeded) {
+        if (showDocument(path, report) != succeeded) {
             status = failed;
         }
     }
@@ -120,13 +120,13 @@ int show_documents(const std::vector<std::string>& paths, ReadingReport& report)
 }
 
 int run(const CommandLine& commandLine) {
-    register_defaults();
-    start_log();
-    preferences_changed();
-    migrate_old_data();
+    registerDefaults();
+    startLog();
+    preferencesChanged();
+    migrateOldData();
     ReadingReport report;
     const int status =
-        commandLine.paths.empty() ? show_sample(report) : show_documents(commandLine.paths, report);
+        commandLine.paths.empty() ? showSample(report) : showDocuments(commandLine.paths, report);
     report.show();
     return status;
 }
@@ -134,7 +134,7 @@ int run(const CommandLine& commandLine) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const CommandLine commandLine = parse_command_line(argc, argv);
+    const CommandLine commandLine = parseCommandLine(argc, argv);
     switch (commandLine.action) {
     case CommandLine::Action::open:
         return run(commandLine);
@@ -142,7 +142,7 @@ int main(int argc, char** argv) {
         std::fputs(help, stdout);
         return succeeded;
     case CommandLine::Action::showVersion:
-        return show_version();
+        return showVersion();
     case CommandLine::Action::complain:
         std::fprintf(stderr, "Viewer: %s (try --help)\n", shown(commandLine.complaint).c_str());
         return misused;

@@ -36,17 +36,20 @@ public:
     /// -1 for nil; raises after `closeFile`.
     int fileDescriptor() const;
 
-    /// The offset that this leads to.
+    /// Moves to the end; the offset in bytes that this leads to.
     std::uint64_t seekToEndOfFile();
+    /// Moves to an offset in bytes, which may lie beyond the end.
     void seekToFileOffset(std::uint64_t offset);
+    /// The offset in bytes at which the next operation begins.
     std::uint64_t offsetInFile() const;
 
     /// All bytes, or it raises; what was written before a failure stays. Nil and empty data write nothing.
     /// Never raises a signal for a reader that is gone or a file-size limit.
     void writeData(const NSData& data);
 
-    /// From here to the end, at most `length` bytes; empty at the end.
+    /// From here on at most `length` bytes, fewer only before the end; empty at the end.
     NSData readDataOfLength(std::size_t length);
+    /// From here to the end; empty there.
     NSData readDataToEndOfFile();
 
     /// Cuts the file off or fills it up with zeros; the offset is at the new end. A file-size limit shows as

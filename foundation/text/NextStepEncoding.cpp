@@ -31,8 +31,6 @@ static_assert(upperHalf[0x7E] == nextStepUndefined && upperHalf[0x7F] == nextSte
 
 } // namespace
 
-char16_t nextStepToUnit(unsigned char byte) noexcept {
-    return byte < 0x80 ? byte : upperHalf[byte - 0x80];
-}
+char16_t nextStepToUnit(unsigned char byte) noexcept { return byte < 0x80 ? byte : upperHalf[byte - 0x80]; }
 
 } // namespace ZQFoundation::detail

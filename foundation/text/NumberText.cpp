@@ -23,9 +23,7 @@ constexpr bool isSign(Unit unit) {
     return unit == '+' || unit == '-';
 }
 
-constexpr bool isWhiteSpace(char byte) {
-    return byte == ' ' || (byte >= 0x09 && byte <= 0x0D);
-}
+constexpr bool isWhiteSpace(char byte) { return byte == ' ' || (byte >= 0x09 && byte <= 0x0D); }
 
 constexpr bool isWhiteSpace(char16_t unit) {
     if (unit < 0x80) {
@@ -339,21 +337,13 @@ std::int64_t readInt64(const char16_t* text, std::size_t count) noexcept {
     return readInteger<std::int64_t>(text, count);
 }
 
-double readDouble(const char* text, std::size_t count) noexcept {
-    return readReal(text, count);
-}
+double readDouble(const char* text, std::size_t count) noexcept { return readReal(text, count); }
 
-double readDouble(const char16_t* text, std::size_t count) noexcept {
-    return readReal(text, count);
-}
+double readDouble(const char16_t* text, std::size_t count) noexcept { return readReal(text, count); }
 
-DoubleReading scanDouble(const char* text, std::size_t count) noexcept {
-    return scanReal(text, count);
-}
+DoubleReading scanDouble(const char* text, std::size_t count) noexcept { return scanReal(text, count); }
 
-DoubleReading scanDouble(const char16_t* text, std::size_t count) noexcept {
-    return scanReal(text, count);
-}
+DoubleReading scanDouble(const char16_t* text, std::size_t count) noexcept { return scanReal(text, count); }
 
 char* writeUInt64(std::uint64_t value, char* out) noexcept {
     char* const end = out + decimalLength(value);
@@ -380,12 +370,8 @@ char* writeInt64(std::int64_t value, char* out) noexcept {
     return writeUInt64(magnitude, out);
 }
 
-char* writeDouble16g(double value, char* out) noexcept {
-    return writeReal(value, 16, 1e16, out);
-}
+char* writeDouble16g(double value, char* out) noexcept { return writeReal(value, 16, 1e16, out); }
 
-char* writeSingle7g(float value, char* out) noexcept {
-    return writeReal(value, 7, 1e7F, out);
-}
+char* writeSingle7g(float value, char* out) noexcept { return writeReal(value, 7, 1e7F, out); }
 
 } // namespace ZQFoundation::detail

@@ -87,13 +87,9 @@ constexpr std::size_t largestPiece = 4096;
 
 // ---- UTF-8, one sequence at a time
 
-inline bool isContinuation(unsigned char byte) {
-    return (byte & 0xC0) == 0x80;
-}
+inline bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
-inline char32_t payload(unsigned char continuation) {
-    return continuation & 0x3Fu;
-}
+inline char32_t payload(unsigned char continuation) { return continuation & 0x3Fu; }
 
 /// Whether `second` can follow `lead` in a well-formed sequence of three or four bytes. The ranges exclude
 /// overlong forms, surrogates and what lies above U+10FFFF.
@@ -211,9 +207,7 @@ struct UnitWriter {
 
 // ---- UTF-16, one character at a time
 
-inline bool isSurrogate(char16_t unit) {
-    return (unit & 0xF800) == 0xD800;
-}
+inline bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
 
 inline bool hasSurrogate(const char16_t* block) {
     unsigned found = 0;
@@ -223,13 +217,9 @@ inline bool hasSurrogate(const char16_t* block) {
     return found != 0;
 }
 
-inline bool isHighSurrogate(char16_t unit) {
-    return (unit & 0xFC00) == 0xD800;
-}
+inline bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 
-inline bool isLowSurrogate(char16_t unit) {
-    return (unit & 0xFC00) == 0xDC00;
-}
+inline bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
 inline bool isSurrogatePair(const char16_t* at, std::size_t left) {
     return left >= 2 && isHighSurrogate(at[0]) && isLowSurrogate(at[1]);
@@ -239,9 +229,7 @@ inline char32_t codePointOfPair(const char16_t* pair) {
     return 0x10000 + ((pair[0] & 0x3FFu) << 10 | (pair[1] & 0x3FFu));
 }
 
-inline bool isEscapedByte(char16_t unit) {
-    return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF;
-}
+inline bool isEscapedByte(char16_t unit) { return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF; }
 
 /// Whether the unpaired surrogate at `at` may be written as the byte that it stands for. It may not where the
 /// bytes of it and its followers would read back as a character: only then would the text change silently.

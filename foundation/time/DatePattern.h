@@ -3,8 +3,8 @@
 #ifndef ZQFOUNDATION_TIME_DATEPATTERN_H
 #define ZQFOUNDATION_TIME_DATEPATTERN_H
 
-#include "foundation/objects/TextBuilder.h"
 #include "foundation/objects/CivilTime.h"
+#include "foundation/objects/TextBuilder.h"
 #include "foundation/time/Clock.h"
 #include "foundation/time/NSTimeZone.h"
 

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "foundation/text/NumberText.h"
 #include "foundation/objects/CivilTime.h"
+#include "foundation/text/NumberText.h"
 #include "foundation/time/ZoneTable.h"
 
 namespace ZQFoundation::detail {

@@ -20,11 +20,17 @@
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 using namespace ZQFoundation;
 
 namespace {
+
+using scene::insideFolder;
+using scene::isFolder;
+using scene::isLink;
+using scene::modeOf;
+using scene::stands;
 
 using Words = std::vector<std::string>;
 
@@ -38,23 +44,6 @@ struct stat informationOf(const std::string& path) {
     struct stat information {};
     EXPECT_EQ(::lstat(path.c_str(), &information), 0) << path;
     return information;
-}
-
-unsigned modeOf(const std::string& path) { return informationOf(path).st_mode & 07777U; }
-
-bool isNothing(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) != 0;
-}
-
-bool isFolder(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0 && S_ISDIR(information.st_mode);
-}
-
-bool isLink(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0 && S_ISLNK(information.st_mode);
 }
 
 /// The names in a folder in the order in which the system gives them.
@@ -94,18 +83,6 @@ public:
 private:
     mode_t before_;
 };
-
-template <class Body>
-bool insideFolder(const std::string& folder, const Body& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        scene::leave(::chdir(folder.c_str()) == 0 && body() ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 /// file (3 bytes), folder/, and links to them.
 struct Items {
@@ -201,8 +178,8 @@ TEST(FileManagerTables, takeRelativePathsFromTheCurrentFolderAndNeverExpandATild
                files().removeItemAtPath_error("file");
     }));
     EXPECT_TRUE(isFolder(folder / "current/~/a/b"));
-    EXPECT_FALSE(isNothing(folder / "current/~/made"));
-    EXPECT_TRUE(isNothing(folder / "current/file"));
+    EXPECT_TRUE(stands(folder / "current/~/made"));
+    EXPECT_FALSE(stands(folder / "current/file"));
     EXPECT_EQ(namesIn(home), Words{"file"});
 }
 
@@ -442,7 +419,7 @@ TEST(FileManagerTables, makeFolders) {
                 << row.name << " deep " << deep;
             EXPECT_EQ(!reason, expected) << row.name;
             EXPECT_FALSE(expected && !files().isDirectoryAtPath(items / row.name)) << row.name;
-            EXPECT_TRUE(isNothing(items / "nosuch"));
+            EXPECT_FALSE(stands(items / "nosuch"));
             EXPECT_EQ(scene::contentsOf(items / "file"), "abc");
         }
     }
@@ -518,7 +495,7 @@ TEST(FileManagerTables, writeFiles) {
         if (std::string(row.name) != "file") {
             EXPECT_EQ(scene::contentsOf(items / "file"), "abc") << row.name;
         }
-        EXPECT_TRUE(isNothing(items / "nosuch")) << row.name;
+        EXPECT_FALSE(stands(items / "nosuch")) << row.name;
         // Nothing is left of the way it was done.
         EXPECT_EQ(namesIn(items.folder.path()).size(), before + (std::string(row.name) == "new" ? 1 : 0));
         EXPECT_LE(namesIn(items / "folder").size(), 1U) << row.name;
@@ -611,9 +588,9 @@ TEST(FileManagerTables, removeItems) {
         NSString reason = "before";
         EXPECT_EQ(files().removeItemAtPath_error(items / row.name, &reason), row.works) << row.name;
         EXPECT_EQ(!reason, row.works) << row.name;
-        EXPECT_TRUE(isNothing(items / row.name)) << row.name;
+        EXPECT_FALSE(stands(items / row.name)) << row.name;
         // The targets of links are untouched, whether the link was named or met on the way.
-        EXPECT_EQ(isNothing(items / "file"), std::string(row.name) == "file") << row.name;
+        EXPECT_EQ(!stands(items / "file"), std::string(row.name) == "file") << row.name;
         EXPECT_EQ(isFolder(items / "folder"), std::string(row.name) != "folder") << row.name;
         EXPECT_EQ(scene::contentsOf(items / "other/kept"), "kept") << row.name;
         EXPECT_EQ(namesIn(items.folder.path()).size(), row.works ? 6U : 7U) << row.name;
@@ -637,9 +614,9 @@ TEST(FileManagerTables, removeAReadOnlyFileFromAWritableFolderOnly) {
                          (files().removeItemAtPath_error(folder / "tree") ? 4 : 0);
               }),
               0);
-    EXPECT_TRUE(isNothing(folder / "open/file"));
-    EXPECT_FALSE(isNothing(folder / "closed/file"));
-    EXPECT_FALSE(isNothing(folder / "tree/closed/file")) << "its folder may not be changed";
+    EXPECT_FALSE(stands(folder / "open/file"));
+    EXPECT_TRUE(stands(folder / "closed/file"));
+    EXPECT_TRUE(stands(folder / "tree/closed/file")) << "its folder may not be changed";
     ::chmod((folder / "closed").c_str(), 0755);
     ::chmod((folder / "tree/closed").c_str(), 0755);
 }

@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 
 #include "foundation/files/NSFileManager.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 namespace scene {
 
@@ -26,22 +26,10 @@ inline std::string bytesOf(const ZQFoundation::NSString& text) {
     return text.getFileSystemBytes(bytes) ? bytes : "(no bytes)";
 }
 
-inline mode_t modeOf(const std::string& path) {
-    struct stat information {};
-    EXPECT_EQ(::lstat(path.c_str(), &information), 0) << path;
-    return information.st_mode & 07777;
-}
-
 /// The number of the file system that holds the item.
 inline dev_t deviceOf(const std::string& path) {
     struct stat information;
     return ::lstat(path.c_str(), &information) == 0 ? information.st_dev : 0;
-}
-
-/// Whether a name stands there, a dangling link too.
-inline bool stands(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0;
 }
 
 /// Folders called `name`, one in the other, below `folder`; the path of the last one.

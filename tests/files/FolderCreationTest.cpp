@@ -11,15 +11,12 @@ using namespace ZQFoundation;
 
 namespace {
 
+using scene::isFolder;
+
 bool make(const std::string& path, bool withIntermediates, const NSDictionary& attributes = nullptr,
           NSString* reason = nullptr) {
     return NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
         scene::fromBytes(path), withIntermediates, attributes, reason);
-}
-
-bool isFolder(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0 && S_ISDIR(information.st_mode);
 }
 
 class FolderCreation : public testing::Test {

@@ -11,11 +11,14 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSString.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 using namespace ZQFoundation;
 
 namespace {
+
+using scene::insideFolder;
+using scene::realPath;
 
 using Words = std::vector<std::string>;
 
@@ -38,12 +41,6 @@ NSArray arrayOf(const Words& pieces) {
 }
 
 NSString path(const std::string& value) { return NSString(value); }
-
-std::string realPath(const std::string& value) {
-    char buffer[PATH_MAX] = {};
-    EXPECT_NE(::realpath(value.c_str(), buffer), nullptr) << value;
-    return buffer;
-}
 
 /// real/sub/file, other/, and links to them: everything that resolving and standardizing meet.
 struct Tree {
@@ -71,19 +68,6 @@ struct Tree {
 
 std::string resolved(const std::string& value) { return text(path(value).stringByResolvingSymlinksInPath()); }
 std::string standardized(const std::string& value) { return text(path(value).stringByStandardizingPath()); }
-
-/// Runs the body in a forked child whose current folder is another; whether it was content.
-template <class Body>
-bool insideFolder(const std::string& folder, const Body& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        scene::leave(::chdir(folder.c_str()) == 0 && body() ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 } // namespace
 

@@ -15,23 +15,21 @@
 #include "foundation/system/TestOverrides.h"
 #include "log/ZQLog.h"
 #include "tests/log/LogTestSupport.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 using namespace ZQFoundation;
 
 namespace {
+
+using scene::insideFolder;
+using scene::realPath;
+using scene::stands;
 
 namespace overrides = ZQFoundation::detail::overrides;
 
 constexpr double instant = 1'709'647'620.75; // 2024-03-05 14:07:00.75 UTC
 
 std::string text(const NSString& value) { return value ? value.utf8() : std::string("(nil)"); }
-
-std::string realPath(const std::string& path) {
-    char buffer[PATH_MAX] = {};
-    EXPECT_NE(::realpath(path.c_str(), buffer), nullptr) << path;
-    return buffer;
-}
 
 std::string number() { return std::to_string(::getpid()); }
 
@@ -65,14 +63,6 @@ std::string newName(const NSString& folder) {
 
 std::string standardName() { return "MyApp.20240305-1407." + number() + ".log"; }
 
-/// For what changes the current folder: the body runs in a forked child, inside the folder.
-template <class Body>
-bool insideFolder(const std::string& folder, const Body& body) {
-    return logtest::inChild([&] { return ::chdir(folder.c_str()) == 0 && body(); });
-}
-
-bool exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
-
 } // namespace
 
 // The folder.
@@ -81,7 +71,7 @@ TEST(LogFileNames, folderIsTheApplicationsFolderUnderTheLibrary) {
     const LogScene scene;
     EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
     EXPECT_EQ(ZQLog::standardLogFolder(), NSProcessInfo::pathOfLibraryLogSubfolder());
-    EXPECT_FALSE(exists(scene / "home/Library/Logs")) << "nobody asked for it to be made";
+    EXPECT_FALSE(stands(scene / "home/Library/Logs")) << "nobody asked for it to be made";
 }
 
 TEST(LogFileNames, folderHasALevelForTheCompany) {
@@ -105,7 +95,7 @@ TEST(LogFileNames, folderIsTheTemporaryOneWithoutALibrary) {
     ASSERT_EQ(::rmdir(library.c_str()), 0);
     EXPECT_EQ(folder(), "/tmp") << "missing";
     EXPECT_EQ(text(ZQLog::standardLogFilePath()), "/tmp/" + standardName());
-    EXPECT_FALSE(exists(library));
+    EXPECT_FALSE(stands(library));
     scene.folder.write("home/Library", "a file");
     EXPECT_EQ(folder(), "/tmp") << "a file";
     ASSERT_EQ(::unlink(library.c_str()), 0);
@@ -125,7 +115,7 @@ TEST(LogFileNames, folderIsTheTemporaryOneWithoutAHome) {
     const LogScene scene;
     const scene::Variable home("HOME", (scene / "nosuch").c_str());
     EXPECT_EQ(text(ZQLog::standardLogFolder()), "/tmp");
-    EXPECT_FALSE(exists(scene / "nosuch"));
+    EXPECT_FALSE(stands(scene / "nosuch"));
 }
 
 TEST(LogFileNames, folderHasTheLinksOfTheHomeResolved) {
@@ -282,5 +272,5 @@ TEST(LogFileNames, nothingIsWrittenAndErrnoIsKept) {
     newName("/nosuch");
     EXPECT_EQ(errno, EDOM);
     EXPECT_EQ(output.bytes(), "");
-    EXPECT_FALSE(exists(scene / "home/Library/Logs"));
+    EXPECT_FALSE(stands(scene / "home/Library/Logs"));
 }

@@ -17,22 +17,18 @@
 #include "log/ZQLog.h"
 #include "tests/log/HostTesting.h"
 #include "tests/log/LogTestSupport.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 using namespace ZQFoundation;
 
 namespace {
 
+using scene::realPath;
+
 namespace overrides = ZQFoundation::detail::overrides;
 
 using Texts = std::vector<std::string>;
 using Numbers = std::set<int>;
-
-std::string realPath(const std::string& path) {
-    char buffer[PATH_MAX] = {};
-    EXPECT_NE(::realpath(path.c_str(), buffer), nullptr) << path;
-    return buffer;
-}
 
 Texts textsOf(const std::string& path) { return hosttest::textsIn(scene::contentsOf(path)); }
 

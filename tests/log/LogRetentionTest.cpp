@@ -24,11 +24,14 @@
 #include "log/ZQLog.h"
 #include "tests/log/HostTesting.h"
 #include "tests/log/LogTestSupport.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 using namespace ZQFoundation;
 
 namespace {
+
+using scene::realPath;
+using scene::stands;
 
 namespace overrides = ZQFoundation::detail::overrides;
 
@@ -39,12 +42,6 @@ constexpr time_t noon = 1'709'640'000; // some instant; files are dated in secon
 
 NSDate at(double seconds) {
     return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(noon) + seconds);
-}
-
-std::string realPath(const std::string& path) {
-    char buffer[PATH_MAX] = {};
-    EXPECT_NE(::realpath(path.c_str(), buffer), nullptr) << path;
-    return buffer;
 }
 
 /// A folder "logs" of a process "MyApp".
@@ -120,11 +117,6 @@ Texts keepNewest(const std::string& folder, std::size_t count) {
     const logtest::CapturedOutput output;
     ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(folder), count);
     return output.texts();
-}
-
-bool exists(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0;
 }
 
 const char* const standardName = "MyApp.20240305-1407.1234.log";
@@ -241,7 +233,7 @@ TEST(LogRetention, byAgeTakesDigitsAndPeriodsBetweenNameAndEnding) {
         const RetentionScene scene;
         scene.file(row.name, -100);
         const Texts texts = removeOld(scene.logs());
-        EXPECT_EQ(exists(scene / row.name), !row.byAge) << row.name;
+        EXPECT_EQ(stands(scene / row.name), !row.byAge) << row.name;
         EXPECT_EQ(texts, row.byAge ? Texts{scene.ageMessage(row.name)} : Texts{}) << row.name;
     }
 }
@@ -251,7 +243,7 @@ TEST(LogRetention, byCountTakesHyphensToo) {
         const RetentionScene scene;
         scene.file(row.name, -100);
         const Texts texts = keepNewest(scene.logs(), 0);
-        EXPECT_EQ(exists(scene / row.name), !row.byCount) << row.name;
+        EXPECT_EQ(stands(scene / row.name), !row.byCount) << row.name;
         EXPECT_EQ(texts, row.byCount ? Texts{scene.countMessage(row.name)} : Texts{}) << row.name;
     }
 }
@@ -345,17 +337,17 @@ TEST(LogRetention, byAgeRemovesWhatIsStrictlyEarlier) {
         const RetentionScene scene;
         scene.file("MyApp.1.log", row.seconds, row.nanoseconds);
         EXPECT_EQ(removeOld(scene.logs()), row.isRemoved ? Texts{scene.ageMessage("MyApp.1.log")} : Texts{});
-        EXPECT_EQ(exists(scene / "MyApp.1.log"), !row.isRemoved) << row.seconds << " " << row.nanoseconds;
+        EXPECT_EQ(stands(scene / "MyApp.1.log"), !row.isRemoved) << row.seconds << " " << row.nanoseconds;
     }
     const RetentionScene scene;
     scene.file("MyApp.1.log", 0, 500'000'000);
     ZQLog::removeLogfilesOlderThan_fromFolder(at(0.5), NSString(scene.logs()));
-    EXPECT_TRUE(exists(scene / "MyApp.1.log"));
+    EXPECT_TRUE(stands(scene / "MyApp.1.log"));
     {
         const logtest::CapturedOutput output;
         ZQLog::removeLogfilesOlderThan_fromFolder(at(0.75), NSString(scene.logs()));
     }
-    EXPECT_FALSE(exists(scene / "MyApp.1.log"));
+    EXPECT_FALSE(stands(scene / "MyApp.1.log"));
 }
 
 TEST(LogRetention, byAgeGoesInTheOrderOfTheListing) {
@@ -492,9 +484,9 @@ TEST(LogRetention, datesALinkByWhatItLeadsToAndRemovesTheLinkOnly) {
                        expected.end());
     }
     EXPECT_EQ(texts, expected);
-    EXPECT_FALSE(exists(scene / "MyApp.1.log"));
-    EXPECT_TRUE(exists(scene / "MyApp.2.log"));
-    EXPECT_FALSE(exists(scene / "MyApp.3.log"));
+    EXPECT_FALSE(stands(scene / "MyApp.1.log"));
+    EXPECT_TRUE(stands(scene / "MyApp.2.log"));
+    EXPECT_FALSE(stands(scene / "MyApp.3.log"));
     EXPECT_EQ(scene::contentsOf(scene.base + "/old target"), "old");
     EXPECT_EQ(scene::contentsOf(scene.base + "/new target"), "new");
     EXPECT_EQ(scene::contentsOf(scene.base + "/old folder/inside"), "inside");
@@ -523,7 +515,7 @@ TEST(LogRetention, datesALinkThatLeadsNowhereByItself) {
             scene.link(target, "MyApp.1.log", isOld ? -100 : 100);
             EXPECT_EQ(removeOld(scene.logs()), isOld ? Texts{scene.ageMessage("MyApp.1.log")} : Texts{})
                 << target;
-            EXPECT_EQ(exists(scene / "MyApp.1.log"), !isOld) << target;
+            EXPECT_EQ(stands(scene / "MyApp.1.log"), !isOld) << target;
         }
         const RetentionScene scene;
         scene.link(target, "MyApp.1.log", -100);
@@ -554,7 +546,7 @@ TEST(LogRetention, looksIntoNoFolderBelow) {
     scene.file("sub/MyApp.1.log", -100);
     EXPECT_EQ(removeOld(scene.logs()), Texts{});
     EXPECT_EQ(keepNewest(scene.logs(), 0), Texts{});
-    EXPECT_TRUE(exists(scene / "sub/MyApp.1.log"));
+    EXPECT_TRUE(stands(scene / "sub/MyApp.1.log"));
 }
 
 // How the folder is named.
@@ -611,7 +603,7 @@ TEST(LogRetention, namesFilesWithPercentSignsAndForeignBytes) {
         NSString::stringWithFileSystemBytes(foreign.data(), foreign.size()), 0);
     EXPECT_EQ(output.texts(), Texts{"Removing log file " + scene.folder.path() +
                                     "/\uFFFD logs/MyApp.2.log due to log file count"});
-    EXPECT_FALSE(exists(foreign + "/MyApp.2.log"));
+    EXPECT_FALSE(stands(foreign + "/MyApp.2.log"));
 }
 
 // What goes wrong.
@@ -745,7 +737,7 @@ TEST(LogRetention, saysWhatItRemovesBeforeItDoes) {
         }
         ::close(ends[1]);
         ::usleep(100'000);
-        EXPECT_TRUE(exists(scene / "MyApp.1.log")) << "it went before its line";
+        EXPECT_TRUE(stands(scene / "MyApp.1.log")) << "it went before its line";
         std::string all;
         char buffer[4096];
         ssize_t count = 0;
@@ -754,7 +746,7 @@ TEST(LogRetention, saysWhatItRemovesBeforeItDoes) {
         }
         ::close(ends[0]);
         EXPECT_EQ(hosttest::endOf(child), "");
-        EXPECT_FALSE(exists(scene / "MyApp.1.log"));
+        EXPECT_FALSE(stands(scene / "MyApp.1.log"));
         EXPECT_EQ(hosttest::textsIn(all.substr(
                       all.find_last_of('x') == std::string::npos ? 0 : all.find_first_not_of('x'))),
                   Texts{byAge ? scene.ageMessage("MyApp.1.log") : scene.countMessage("MyApp.1.log")});
@@ -804,7 +796,7 @@ TEST(LogRetention, raisesARangeErrorWhereNameAndEndingOverlap) {
             scene.file(row.name, -100);
             EXPECT_EQ(raisedBy(scene.logs(), byAge), row.raises ? "NSRangeException" : "")
                 << row.process << " " << row.name;
-            EXPECT_FALSE(row.raises && !exists(scene / row.name)) << row.process << " " << row.name;
+            EXPECT_FALSE(row.raises && !stands(scene / row.name)) << row.process << " " << row.name;
         }
     }
 }

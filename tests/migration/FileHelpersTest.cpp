@@ -11,39 +11,20 @@
 #include <unistd.h>
 
 #include "foundation/files/NSFileManager.h"
-#include "tests/process/Scene.h"
+#include "tests/process/ItemFacts.h"
 
 using namespace ZQFoundation;
 
 namespace {
 
+using scene::insideFolder;
+using scene::isFile;
+using scene::isFolder;
+using scene::modeOf;
+using scene::realPath;
+using scene::stands;
+
 NSFileManager& files() { return NSFileManager::defaultManager(); }
-
-std::string realPath(const std::string& path) {
-    char buffer[PATH_MAX] = {};
-    EXPECT_NE(::realpath(path.c_str(), buffer), nullptr) << path;
-    return buffer;
-}
-
-bool isFolder(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0 && S_ISDIR(information.st_mode);
-}
-
-bool isFile(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0 && S_ISREG(information.st_mode);
-}
-
-bool isNothing(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) != 0;
-}
-
-unsigned modeOf(const std::string& path) {
-    struct stat information;
-    return ::lstat(path.c_str(), &information) == 0 ? information.st_mode & 07777U : 0;
-}
 
 NSData bytes(const std::string& text) { return NSData::dataWithBytes_length(text.data(), text.size()); }
 
@@ -72,19 +53,6 @@ struct Scene {
     scene::Folder folder;
     std::string base;
 };
-
-/// In a forked child with this current folder; whether the body was content.
-template <class Body>
-bool insideFolder(const std::string& folder, const Body& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        scene::leave(::chdir(folder.c_str()) == 0 && body() ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 void makeSocket(const std::string& folder, const std::string& name) {
     // By a relative name: the address holds only short ones.
@@ -183,7 +151,7 @@ TEST(FileHelpers, createOneFolderAndNothingOnTheWayWithoutTheSwitch) {
     EXPECT_FALSE(files().createDirectoryAtPath_attributes_deepCreate(scene / "new", {}, false));
     EXPECT_FALSE(files().createDirectoryAtPath_attributes_deepCreate(scene / "file", {}, false));
     EXPECT_FALSE(files().createDirectoryAtPath_attributes_deepCreate(scene / "a/b", {}, false));
-    EXPECT_TRUE(isNothing(scene / "a"));
+    EXPECT_FALSE(stands(scene / "a"));
 }
 
 TEST(FileHelpers, createFoldersOnTheWayWithTheSwitch) {
@@ -216,7 +184,7 @@ TEST(FileHelpers, createAFileWithoutTheSwitchOnlyInAFolderThatIsThere) {
     EXPECT_EQ(scene::contentsOf(scene / "file"), "text");
     EXPECT_EQ(modeOf(scene / "file"), 0640U);
     EXPECT_FALSE(createFlat(scene / "a/file", bytes("text")));
-    EXPECT_TRUE(isNothing(scene / "a"));
+    EXPECT_FALSE(stands(scene / "a"));
 }
 
 TEST(FileHelpers, createAFileWithTheFoldersAboveIt) {
@@ -263,7 +231,7 @@ TEST(FileHelpers, createNoFileBelowADanglingLink) {
     const Scene scene;
     scene.link("nosuch", "dangling");
     EXPECT_FALSE(createDeep(scene / "dangling/x"));
-    EXPECT_TRUE(isNothing(scene / "nosuch"));
+    EXPECT_FALSE(stands(scene / "nosuch"));
 }
 
 TEST(FileHelpers, leaveFoldersThatWereMadeBeforeTheFileFailed) {
@@ -278,7 +246,7 @@ TEST(FileHelpers, leaveFoldersThatWereMadeBeforeTheFileFailed) {
 TEST(FileHelpers, findNoParentInABareName) {
     // The parent is the empty path, which nobody can make; without the switch nobody asks for it.
     const Scene scene;
-    EXPECT_TRUE(insideFolder(scene.base, [] { return !createDeep("bare") && isNothing("bare"); }));
+    EXPECT_TRUE(insideFolder(scene.base, [] { return !createDeep("bare") && !stands("bare"); }));
     EXPECT_TRUE(insideFolder(scene.base, [] { return createFlat("bare") && isFile("bare"); }));
     EXPECT_TRUE(insideFolder(scene.base, [] { return createDeep("a/b") && isFile("a/b"); }));
     EXPECT_FALSE(createDeep(""));
@@ -329,7 +297,7 @@ TEST(FileHelpers, makeRelativeChainsBelowTheRoot) {
 TEST(FileHelpers, foldParentsOfAbsoluteChainsAndWalkThoseOfRelativeOnes) {
     const Scene scene;
     EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(scene / "a/../b"));
-    EXPECT_TRUE(isNothing(scene / "a"));
+    EXPECT_FALSE(stands(scene / "a"));
     EXPECT_TRUE(isFolder(scene / "b"));
     // A relative path keeps its "..", so what stands before it is made as well.
     EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath((scene / "c/../d").substr(1)));
@@ -358,7 +326,7 @@ TEST(FileHelpers, stopAChainAtWhatIsNoFolder) {
     }
     EXPECT_EQ(scene::contentsOf(scene / "file"), "as it was");
     EXPECT_EQ(scene::contentsOf(scene / "a/file"), "as it was");
-    EXPECT_TRUE(isNothing(scene / "nosuch"));
+    EXPECT_FALSE(stands(scene / "nosuch"));
 }
 
 TEST(FileHelpers, leaveTheFoldersOfAChainThatFailedLater) {

@@ -15,8 +15,7 @@ public:
         hasFolder_ = folder != nullptr;
         folder_ = hasFolder_ ? folder : "";
         ::setenv("LOCPATH", ZQ_TEST_LOCALES, 1);
-        isSet_ =
-            std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr && *std::localeconv()->decimal_point == ',';
+        isSet_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr && *std::localeconv()->decimal_point == ',';
     }
     DecimalCommaLocale(const DecimalCommaLocale&) = delete;
     DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;

@@ -127,13 +127,9 @@ void testReadings() {
     }
 }
 
-TEST(NumberText, readsBytesLeniently) {
-    testReadings<char>();
-}
+TEST(NumberText, readsBytesLeniently) { testReadings<char>(); }
 
-TEST(NumberText, readsUnitsLeniently) {
-    testReadings<char16_t>();
-}
+TEST(NumberText, readsUnitsLeniently) { testReadings<char16_t>(); }
 
 TEST(NumberText, takesNoDigitsBeyondAscii) {
     const std::u16string_view arabic = u"\x663";

@@ -35,17 +35,13 @@ std::string toBytes(std::u16string_view units, IllFormed policy) {
     return {bytes.begin(), bytes.end()};
 }
 
-bool isWellFormed(std::string_view bytes) {
-    return isWellFormedUtf8(bytes.data(), bytes.size());
-}
+bool isWellFormed(std::string_view bytes) { return isWellFormedUtf8(bytes.data(), bytes.size()); }
 
 std::size_t wellFormedPrefix(std::string_view bytes) {
     return wellFormedUtf8Prefix(bytes.data(), bytes.size());
 }
 
-bool isWellFormed(std::u16string_view units) {
-    return isWellFormedUtf16(units.data(), units.size());
-}
+bool isWellFormed(std::u16string_view units) { return isWellFormedUtf16(units.data(), units.size()); }
 
 bool hasFileNameForm(std::u16string_view units) {
     return ZQFoundation::detail::hasFileNameForm(units.data(), units.size());
