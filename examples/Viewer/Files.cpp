@@ -75,7 +75,7 @@ TemporaryFolder::~TemporaryFolder() {
                                                                "removed %@", path_);
 }
 
-std::string TemporaryFolder::writeFile(const std::string& name, std::string_view bytes) {
+std::string TemporaryFolder::addFile(const std::string& name, std::string_view bytes) {
     const std::string path = path_ + "/" + name;
     if (path_.empty() || !writeFile(path, bytes)) {
         return {};

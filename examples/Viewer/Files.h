@@ -23,7 +23,7 @@ public:
     const std::string& path() const { return path_; }
 
     /// Writes the file there and returns its path; empty when that fails.
-    std::string writeFile(const std::string& name, std::string_view bytes);
+    std::string addFile(const std::string& name, std::string_view bytes);
 
 private:
     std::string path_;

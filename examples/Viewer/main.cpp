@@ -104,7 +104,7 @@ int showDocument(const std::string& path, ReadingReport& report) {
 
 int showSample(ReadingReport& report) {
     TemporaryFolder folder;
-    const std::string path = folder.writeFile("Trace keys.txt", sample);
+    const std::string path = folder.addFile("Trace keys.txt", sample);
     return path.empty() ? showFailure("the temporary folder", std::strerror(errno))
                         : showDocument(path, report);
 }
