@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/system/StandardStreams.h"
+
 namespace ZQFoundation::detail {
 
 /// Owns an open descriptor, or none. Closing keeps `errno`.
@@ -50,12 +52,23 @@ private:
 };
 
 /// `openat` that an incoming signal does not end.
-inline int openAt(int folder, const char* name, int flags, mode_t mode = 0) noexcept {
+inline int openAtUninterrupted(int folder, const char* name, int flags, mode_t mode) noexcept {
     int descriptor = -1;
     do {
         descriptor = ::openat(folder, name, flags, mode);
     } while (descriptor < 0 && errno == EINTR);
     return descriptor;
+}
+
+/// The same, never with the number of a standard stream that the host has closed: log lines would go there.
+inline int openAt(int folder, const char* name, int flags, mode_t mode = 0) noexcept {
+    if ((flags & O_ACCMODE) != O_RDONLY && ::fcntl(STDERR_FILENO, F_GETFD) < 0) {
+        const int error = errno;
+        const system::StandardStreamsGuard guard;
+        errno = error;
+        return system::keepOffStandardStreams(openAtUninterrupted(folder, name, flags, mode));
+    }
+    return system::keepOffStandardStreams(openAtUninterrupted(folder, name, flags, mode));
 }
 
 } // namespace ZQFoundation::detail

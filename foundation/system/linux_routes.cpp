@@ -14,6 +14,7 @@
 
 #include "foundation/system/RouteMessage.h"
 #include "foundation/system/RouteTransport.h"
+#include "foundation/system/StandardStreams.h"
 
 namespace ZQFoundation::detail::system {
 
@@ -165,7 +166,9 @@ RouteReply replyOf(const RouteAnswer& answer) noexcept {
 
 class NetlinkTransport final : public RouteTransport {
 public:
-    int open() noexcept override { return ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE); }
+    int open() noexcept override {
+        return keepOffStandardStreams(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
+    }
 
     std::ptrdiff_t write(int socket, const void* message, std::size_t count) noexcept override {
         RouteQuestion question{};

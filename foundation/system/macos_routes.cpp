@@ -10,6 +10,7 @@
 
 #include "foundation/system/RouteMessage.h"
 #include "foundation/system/RouteTransport.h"
+#include "foundation/system/StandardStreams.h"
 
 namespace ZQFoundation::detail::system {
 
@@ -45,7 +46,7 @@ static_assert(RTAX_MAX == routeAddressCount);
 class RoutingSocketTransport final : public RouteTransport {
 public:
     int open() noexcept override {
-        const int descriptor = ::socket(PF_ROUTE, SOCK_RAW, 0);
+        const int descriptor = keepOffStandardStreams(::socket(PF_ROUTE, SOCK_RAW, 0));
         if (descriptor >= 0) {
             ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
         }
