@@ -51,24 +51,15 @@ private:
     int number_ = -1;
 };
 
-/// `openat` that an incoming signal does not end.
-inline int openAtUninterrupted(int folder, const char* name, int flags, mode_t mode) noexcept {
+/// `openat` that an incoming signal does not end, and that never gives the number of a standard stream which
+/// the host has closed: log lines would go there.
+inline int openAt(int folder, const char* name, int flags, mode_t mode = 0) noexcept {
+    const system::StandardStreamsGuard guard((flags & O_ACCMODE) != O_RDONLY);
     int descriptor = -1;
     do {
         descriptor = ::openat(folder, name, flags, mode);
     } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
-
-/// The same, never with the number of a standard stream that the host has closed: log lines would go there.
-inline int openAt(int folder, const char* name, int flags, mode_t mode = 0) noexcept {
-    if ((flags & O_ACCMODE) != O_RDONLY && ::fcntl(STDERR_FILENO, F_GETFD) < 0) {
-        const int error = errno;
-        const system::StandardStreamsGuard guard;
-        errno = error;
-        return system::keepOffStandardStreams(openAtUninterrupted(folder, name, flags, mode));
-    }
-    return system::keepOffStandardStreams(openAtUninterrupted(folder, name, flags, mode));
+    return system::keepOffStandardStreams(descriptor);
 }
 
 } // namespace ZQFoundation::detail

@@ -27,20 +27,17 @@ inline int keepOffStandardStreams(int descriptor) noexcept {
     return moved;
 }
 
-/// For a scope, the numbers of closed standard streams are taken by a device that cannot be written to
-/// through them: not even a line that another thread writes meanwhile reaches what is opened in the scope.
+/// While the host's standard error is closed, and if asked for, the numbers of closed standard streams are
+/// taken for a scope by a device that cannot be written to through them: not even a line that another thread
+/// writes meanwhile reaches what is opened in the scope. Keeps `errno`.
 class StandardStreamsGuard {
 public:
-    StandardStreamsGuard() noexcept {
-        int descriptor = -1;
-        while (count_ < firstFreeDescriptor &&
-               (descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0) {
-            if (descriptor >= firstFreeDescriptor) {
-                ::close(descriptor);
-                break;
-            }
-            held_[count_++] = descriptor;
+    explicit StandardStreamsGuard(bool isNeeded) noexcept {
+        const int error = errno;
+        if (isNeeded && ::fcntl(STDERR_FILENO, F_GETFD) < 0) {
+            takeClosedNumbers();
         }
+        errno = error;
     }
     StandardStreamsGuard(const StandardStreamsGuard&) = delete;
     StandardStreamsGuard& operator=(const StandardStreamsGuard&) = delete;
@@ -53,6 +50,18 @@ public:
     }
 
 private:
+    void takeClosedNumbers() noexcept {
+        int descriptor = -1;
+        while (count_ < firstFreeDescriptor &&
+               (descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0) {
+            if (descriptor >= firstFreeDescriptor) {
+                ::close(descriptor);
+                break;
+            }
+            held_[count_++] = descriptor;
+        }
+    }
+
     int held_[firstFreeDescriptor] = {};
     int count_ = 0;
 };
