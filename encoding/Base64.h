@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "../foundation/objects/Export.h"
+#include "../foundation/text/Export.h"
 
 namespace ZQFoundation {
 

@@ -7,10 +7,10 @@
 
 #include "foundation/files/NSFileManager.h"
 #include "foundation/files/PromptOpening.h"
-#include "foundation/files/WholeWrite.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/WholeWrite.h"
 
 namespace ZQFoundation {
 

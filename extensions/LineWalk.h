@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_EXTENSIONS_LINEWALK_H
 #define ZQFOUNDATION_EXTENSIONS_LINEWALK_H
 
-#include "foundation/objects/UnitBlocks.h"
+#include "foundation/text/UnitBlocks.h"
 
 namespace ZQFoundation::detail {
 

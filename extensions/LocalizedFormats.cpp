@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/process/NSBundle.h"
-#include "foundation/text/NSLocale.h"
 
 namespace ZQFoundation {
 

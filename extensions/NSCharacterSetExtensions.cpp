@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // NSCharacterSet(ZQFoundation): the shared sets.
-#include "foundation/text/CharacterSetPages.h"
+#include "foundation/objects/CharacterSetPages.h"
 
 namespace ZQFoundation {
 

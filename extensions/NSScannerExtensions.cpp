@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // NSScanner(ZQFoundation): moves that succeed or leave the scanner where it was.
-#include "foundation/text/NSScanner.h"
+#include "foundation/format/NSScanner.h"
 
 namespace ZQFoundation {
 

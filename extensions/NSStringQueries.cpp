@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What the library asks of strings: emptiness, containment, counts, lengths.
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/objects/UnitBlocks.h"
-#include "foundation/text/NSCharacterSet.h"
+#include "foundation/text/UnitBlocks.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation {

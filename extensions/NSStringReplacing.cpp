@@ -4,11 +4,11 @@
 #include <new>
 
 #include "extensions/LineWalk.h"
+#include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
 

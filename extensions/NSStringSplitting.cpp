@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "extensions/LineWalk.h"
+#include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/StringBodies.h"
-#include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/StringBodies.h"
-#include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
 

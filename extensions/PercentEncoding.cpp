@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/objects/NSString.h"
-#include "foundation/text/PercentEscapes.h"
+#include "foundation/objects/PercentEscapes.h"
 
 namespace ZQFoundation {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 #include "fuzz/PlainUtf.h"

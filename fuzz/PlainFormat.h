@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/format/Format.h"
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/Format.h"
 
 namespace ZQFoundation::fuzzing {
 

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "foundation/format/NSScanner.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSScanner.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 

@@ -9,9 +9,9 @@
 
 #include "foundation/objects/ComposedSequences.h"
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/text/CaseMapping.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 

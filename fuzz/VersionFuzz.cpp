@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/text/NSCharacterSet.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 #include "version/ZQVersionComparator.h"

@@ -41,22 +41,22 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSObject.h"
 #include "foundation/objects/NSObjectProtocol.h"
-#include "foundation/objects/NSRange.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
-#include "foundation/objects/StringView.h"
+#include "foundation/text/NSRange.h"
+#include "foundation/text/StringView.h"
 
 // Formats.
 #include "foundation/text/ArgumentList.h"
 #include "foundation/text/FormatString.h"
 
 // Character sets and scanners.
-#include "foundation/text/NSCharacterSet.h"
-#include "foundation/text/NSScanner.h"
+#include "foundation/format/NSScanner.h"
+#include "foundation/objects/NSCharacterSet.h"
 
 // Locales.
-#include "foundation/text/NSLocale.h"
+#include "foundation/format/NSLocale.h"
 
 // Files.
 #include "foundation/files/NSFileHandle.h"

@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_INFO_DEFAULTSREPORT_H
 #define ZQFOUNDATION_INFO_DEFAULTSREPORT_H
 
-#include "foundation/objects/StringView.h"
+#include "foundation/text/StringView.h"
 
 namespace ZQFoundation::detail {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "log/LogComposition.h"
 
+#include "foundation/format/Format.h"
 #include "foundation/objects/DynamicTypeName.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/Format.h"
 #include "foundation/text/NumberText.h"
 #include "log/ZQLog.h"
 

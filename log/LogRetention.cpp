@@ -6,9 +6,9 @@
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/FileSystemAnnouncement.h"
 #include "foundation/files/NSFileManager.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/CallerState.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "log/ZQLog.h"
 
 namespace ZQFoundation {

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/NSCharacterSet.h"
 
 namespace ZQFoundation {
 

@@ -6,11 +6,11 @@
 
 #include <dirent.h>
 
-#include "foundation/files/FolderNames.h"
 #include "foundation/files/NSFileManager.h"
-#include "foundation/files/OpenFolders.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/FolderNames.h"
+#include "foundation/system/OpenFolders.h"
 
 namespace ZQFoundation {
 

@@ -3,11 +3,11 @@
 
 #include <new>
 
-#include "foundation/files/Descriptor.h"
-#include "foundation/files/LinkReading.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/files/StickyFolder.h"
+#include "foundation/system/Descriptor.h"
 #include "foundation/system/FileSystem.h"
+#include "foundation/system/LinkReading.h"
 
 namespace ZQFoundation::detail {
 

@@ -4,10 +4,10 @@
 #include <string>
 
 #include "foundation/files/FileTimes.h"
-#include "foundation/files/FolderNames.h"
-#include "foundation/files/LinkReading.h"
-#include "foundation/files/OpenFolders.h"
+#include "foundation/system/FolderNames.h"
 #include "foundation/system/HeldItem.h"
+#include "foundation/system/LinkReading.h"
+#include "foundation/system/OpenFolders.h"
 
 namespace ZQFoundation::detail {
 

@@ -5,7 +5,7 @@
 
 #include <sys/stat.h>
 
-#include "foundation/files/Descriptor.h"
+#include "foundation/system/Descriptor.h"
 
 /// Copies of single items, made below open folders. A copy is made under a name at which nothing stands,
 /// never through a link, and is open to its maker only until it is complete. All answer false with `errno`;

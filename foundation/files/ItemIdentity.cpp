@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/files/ItemIdentity.h"
 
-#include "foundation/files/Descriptor.h"
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/Descriptor.h"
 #include "foundation/system/FileSystem.h"
 
 namespace ZQFoundation::detail {

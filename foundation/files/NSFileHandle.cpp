@@ -8,9 +8,9 @@
 #include <sys/resource.h>
 
 #include "foundation/files/PromptOpening.h"
-#include "foundation/files/WholeWrite.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/WholeWrite.h"
 
 namespace ZQFoundation {
 

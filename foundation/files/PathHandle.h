@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "foundation/files/Descriptor.h"
 #include "foundation/objects/NSString.h"
+#include "foundation/system/Descriptor.h"
 
 namespace ZQFoundation::detail {
 

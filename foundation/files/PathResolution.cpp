@@ -4,10 +4,10 @@
 #include <string_view>
 
 #include "foundation/files/HomeFolder.h"
-#include "foundation/files/LinkReading.h"
 #include "foundation/files/StickyFolder.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/LinkReading.h"
 
 namespace ZQFoundation {
 

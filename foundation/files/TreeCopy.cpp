@@ -6,13 +6,13 @@
 #include <dirent.h>
 
 #include "foundation/files/FileError.h"
-#include "foundation/files/FolderNames.h"
 #include "foundation/files/ItemCopy.h"
 #include "foundation/files/NSFileManager.h"
-#include "foundation/files/OpenFolders.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/FileSystem.h"
+#include "foundation/system/FolderNames.h"
+#include "foundation/system/OpenFolders.h"
 
 namespace ZQFoundation {
 

@@ -5,6 +5,7 @@
 
 #include "foundation/objects/Class.h"
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSDictionary.h"
@@ -13,7 +14,6 @@
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
-#include "foundation/text/NSCharacterSet.h"
 
 namespace ZQFoundation::detail {
 

@@ -3,13 +3,13 @@
 #include <cmath>
 #include <vector>
 
+#include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/CivilTime.h"
 #include "foundation/objects/EntryOrder.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/CharacterSetPages.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation {

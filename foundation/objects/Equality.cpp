@@ -3,10 +3,10 @@
 #include <unordered_set>
 #include <vector>
 
+#include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/Hashing.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/Numbers.h"
-#include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
 

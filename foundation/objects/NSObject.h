@@ -9,8 +9,8 @@
 #include <optional>
 #include <type_traits>
 
-#include "Export.h"
-#include "StringView.h"
+#include "../text/Export.h"
+#include "../text/StringView.h"
 
 namespace ZQFoundation {
 

@@ -3,8 +3,8 @@
 #define ZQFOUNDATION_OBJECTS_NSSTRING_H
 
 #include "../text/FormatString.h"
+#include "../text/NSRange.h"
 #include "NSObject.h"
-#include "NSRange.h"
 
 namespace ZQFoundation {
 

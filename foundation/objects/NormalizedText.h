@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_OBJECTS_NORMALIZEDTEXT_H
 #define ZQFOUNDATION_OBJECTS_NORMALIZEDTEXT_H
 
-#include "foundation/objects/StringView.h"
+#include "foundation/text/StringView.h"
 
 namespace ZQFoundation::detail {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Members of character sets searched for in strings.
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/CharacterSetPages.h"
 
 namespace ZQFoundation {
 

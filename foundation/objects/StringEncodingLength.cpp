@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/text/TextConversion.h"
+#include "foundation/objects/TextConversion.h"
 
 namespace ZQFoundation {
 

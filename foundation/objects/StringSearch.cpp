@@ -9,8 +9,8 @@
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/StringBodies.h"
-#include "foundation/objects/UnitSearch.h"
 #include "foundation/text/CaseMapping.h"
+#include "foundation/text/UnitSearch.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation {

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "foundation/objects/StringView.h"
+#include "foundation/text/StringView.h"
 
 namespace ZQFoundation::detail {
 

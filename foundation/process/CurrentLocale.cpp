@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "foundation/format/NSLocale.h"
 #include "foundation/process/NSUserDefaults.h"
-#include "foundation/text/NSLocale.h"
 
 namespace ZQFoundation {
 

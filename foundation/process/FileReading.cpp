@@ -9,9 +9,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "foundation/files/Descriptor.h"
 #include "foundation/files/FileTimes.h"
 #include "foundation/plist/PropertyList.h"
+#include "foundation/system/Descriptor.h"
 
 namespace ZQFoundation::detail {
 

@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_PROCESS_LINEWRITER_H
 #define ZQFOUNDATION_PROCESS_LINEWRITER_H
 
-#include "foundation/objects/StringView.h"
+#include "foundation/text/StringView.h"
 
 namespace ZQFoundation::detail {
 

@@ -2,7 +2,7 @@
 #ifndef ZQFOUNDATION_TEXT_ARGUMENTLIST_H
 #define ZQFOUNDATION_TEXT_ARGUMENTLIST_H
 
-#include "../objects/StringView.h"
+#include "StringView.h"
 
 namespace ZQFoundation {
 

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "foundation/objects/StringView.h"
+#include "foundation/text/StringView.h"
 
 /// URI references by the grammar of RFC 3986, read strictly: nothing is escaped, repaired or normalised.
 ///

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "../objects/NSDate.h"
-#include "../objects/NSRange.h"
+#include "../text/NSRange.h"
 #include "NSTimeZone.h"
 
 namespace ZQFoundation {

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 
 using namespace ZQFoundation;
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSLocale.h"
 #include "tests/extensions/LocalizedScene.h"
 
 using namespace ZQFoundation;

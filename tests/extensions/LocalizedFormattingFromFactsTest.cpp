@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "extensions/LocalizedStrings.h"
+#include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSNumber.h"
-#include "foundation/text/NSLocale.h"
 #include "tests/objects/TestValues.h"
 #include "tests/process/Scene.h"
 

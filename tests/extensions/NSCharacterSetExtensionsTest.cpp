@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/Bodies.h"
-#include "foundation/text/NSCharacterSet.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "tests/objects/CountingAllocator.h"
 
 namespace {

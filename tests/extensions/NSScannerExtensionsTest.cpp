@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include "foundation/text/NSScanner.h"
+#include "foundation/format/NSScanner.h"
 #include "tests/objects/TestValues.h"
 
 namespace {

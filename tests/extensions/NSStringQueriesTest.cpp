@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "tests/objects/RandomTexts.h"
 
 using namespace ZQFoundation;

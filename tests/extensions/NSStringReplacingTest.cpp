@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "tests/objects/RandomTexts.h"
 #include "tests/objects/TestValues.h"
 

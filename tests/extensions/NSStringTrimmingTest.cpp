@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "tests/objects/RandomTexts.h"
 
 using namespace ZQFoundation;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/text/NSCharacterSet.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "tests/objects/RandomTexts.h"
 #include "tests/objects/TestValues.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/text/NSCharacterSet.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "tests/objects/TestValues.h"
 
 using namespace ZQFoundation;

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/format/NSScanner.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
-#include "foundation/text/NSScanner.h"
 #include "tests/objects/TestValues.h"
 
 using namespace ZQFoundation;

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "tests/objects/TestValues.h"
 
 using namespace ZQFoundation;

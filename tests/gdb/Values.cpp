@@ -6,13 +6,13 @@
 #include <new>
 #include <string>
 
+#include "foundation/format/NSLocale.h"
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/ClassesByName.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/NSException.h"
-#include "foundation/objects/NSRange.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/NSLocale.h"
+#include "foundation/text/NSRange.h"
 #include "foundation/time/NSCalendar.h"
 #include "foundation/time/NSTimeZone.h"
 

@@ -15,9 +15,9 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
+#include "tests/format/DecimalCommaLocale.h"
 #include "tests/objects/CountingAllocator.h"
 #include "tests/objects/TestValues.h"
-#include "tests/text/DecimalCommaLocale.h"
 
 using namespace ZQFoundation;
 using namespace TestValues;

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
 #include "tests/objects/RandomTexts.h"
 
 using namespace ZQFoundation;

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "foundation/objects/NSArray.h"
-#include "foundation/objects/NSRange.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/text/NSCharacterSet.h"
+#include "foundation/text/NSRange.h"
 #include "tests/objects/TestValues.h"
 
 using namespace ZQFoundation;

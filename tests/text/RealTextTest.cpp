@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/text/DecimalCommaLocale.h"
+#include "tests/format/DecimalCommaLocale.h"
 
 using namespace ZQFoundation;
 

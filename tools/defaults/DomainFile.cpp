@@ -9,13 +9,13 @@
 
 #include <sys/file.h>
 
-#include "foundation/files/Descriptor.h"
 #include "foundation/files/FileError.h"
-#include "foundation/files/LinkReading.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
 #include "foundation/process/FileReading.h"
+#include "foundation/system/Descriptor.h"
 #include "foundation/system/FileSystem.h"
+#include "foundation/system/LinkReading.h"
 #include "tools/defaults/Failure.h"
 
 namespace ZQFoundation::defaults {

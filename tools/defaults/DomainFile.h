@@ -2,8 +2,8 @@
 #ifndef ZQFOUNDATION_DEFAULTS_DOMAINFILE_H
 #define ZQFOUNDATION_DEFAULTS_DOMAINFILE_H
 
-#include "foundation/files/Descriptor.h"
 #include "foundation/objects/NSDictionary.h"
+#include "foundation/system/Descriptor.h"
 #include "tools/defaults/Domains.h"
 
 namespace ZQFoundation::defaults {

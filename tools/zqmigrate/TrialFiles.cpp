@@ -7,8 +7,8 @@
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/ItemIdentity.h"
 #include "foundation/files/NSFileManager.h"
-#include "foundation/files/OpenFolders.h"
 #include "foundation/files/PathHandle.h"
+#include "foundation/system/OpenFolders.h"
 
 namespace ZQFoundation::zqmigrate {
 

@@ -3,8 +3,8 @@
 
 #include <cerrno>
 
-#include "foundation/files/LinkReading.h"
 #include "foundation/files/PathHandle.h"
+#include "foundation/system/LinkReading.h"
 
 namespace ZQFoundation::zqmigrate {
 

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/format/Format.h"
+
+#include <bit>
+#include <cstring>
+
+#include "foundation/format/FormatArgument.h"
+#include "foundation/format/FormatNumber.h"
+#include "foundation/format/FormatText.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/FormatSyntax.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// The conversions of one format, carried out one after the other.
+class Conversions {
+public:
+    Conversions(TextBuilder& out, ArgumentList arguments, const FormatLocale* locale) noexcept
+        : out_(out), arguments_(arguments), locale_(locale) {}
+
+    /// A conversion that is nothing but its letter, as most are. False, and nothing done, when it is more.
+    template <class Unit>
+    bool carryOutPlain(Unit letter) {
+        const FormatClass wanted = formatClassOf(static_cast<char16_t>(letter));
+        if (wanted == FormatClass::unknown || letter < Unit{'@'}) {
+            return false;
+        }
+        FormatSpec spec;
+        spec.letter = static_cast<char>(letter);
+        insert(wanted, spec, take(0));
+        return true;
+    }
+
+    /// False for an unknown conversion, whose letter stands for itself. It takes no argument but those of its
+    /// stars.
+    bool carryOut(const FormatConversion& found);
+
+private:
+    const Argument* take(int position) noexcept {
+        const std::size_t index = position == 0 ? next_++ : static_cast<std::size_t>(position) - 1;
+        return index < arguments_.count() ? &arguments_[index] : nullptr;
+    }
+
+    int fieldValue(const FormatField& field) noexcept {
+        return field.source == FormatField::Source::digits
+                   ? field.value
+                   : fieldOf(take(field.source == FormatField::Source::nextArgument ? 0 : field.value));
+    }
+
+    void setWidth(FormatSpec& spec, const FormatField& field) noexcept;
+    void setPrecision(FormatSpec& spec, const FormatField& field) noexcept;
+    void insert(FormatClass wanted, const FormatSpec& spec, const Argument* argument);
+
+    TextBuilder& out_;
+    ArgumentList arguments_;
+    const FormatLocale* locale_;
+    std::size_t next_ = 0;
+};
+
+void Conversions::setWidth(FormatSpec& spec, const FormatField& field) noexcept {
+    int width = fieldValue(field);
+    if (width < 0) {
+        spec.flags |= formatLeftJustified;
+        width = width < -largestFormatField ? largestFormatField : -width;
+    }
+    spec.width = width < largestFormatField ? width : largestFormatField;
+}
+
+void Conversions::setPrecision(FormatSpec& spec, const FormatField& field) noexcept {
+    const int precision = fieldValue(field);
+    spec.hasPrecision = precision >= 0;
+    spec.precision = precision >= 0 ? precision : 0;
+}
+
+bool Conversions::carryOut(const FormatConversion& found) {
+    FormatSpec spec;
+    spec.letter = static_cast<char>(found.letter);
+    spec.flags = found.flags;
+    spec.length = found.length;
+    if (found.width.source != FormatField::Source::absent) {
+        setWidth(spec, found.width);
+    }
+    if (found.precision.source != FormatField::Source::absent) {
+        setPrecision(spec, found.precision);
+    }
+    const FormatClass wanted = formatClassOf(found.letter);
+    if (wanted == FormatClass::percentSign) {
+        out_.appendAscii('%');
+    } else if (wanted != FormatClass::unknown) {
+        insert(wanted, spec, take(found.position));
+    }
+    return wanted != FormatClass::unknown;
+}
+
+void Conversions::insert(FormatClass wanted, const FormatSpec& spec, const Argument* argument) {
+    const bool isLong = spec.length == FormatLength::longDouble;
+    switch (wanted) {
+    case FormatClass::object:
+        return appendObject(out_, spec, argument, locale_);
+    case FormatClass::integer:
+        return appendInteger(out_, spec, integerOf(argument, spec.letter == 'd' || spec.letter == 'i'),
+                             locale_);
+    case FormatClass::character:
+        return appendCharacter(out_, spec, integerOf(argument, true));
+    case FormatClass::real:
+        return isLong ? appendReal(out_, spec, longRealOf(argument), locale_)
+                      : appendReal(out_, spec, realOf(argument), locale_);
+    case FormatClass::hexadecimalReal:
+        return isLong ? appendHexadecimalReal(out_, spec, longRealOf(argument))
+                      : appendHexadecimalReal(out_, spec, realOf(argument));
+    case FormatClass::bytes:
+        return appendBytes(out_, spec, argument);
+    case FormatClass::units:
+        return appendUnits(out_, spec, argument);
+    case FormatClass::address:
+        return appendAddress(out_, spec, addressOf(argument));
+    default:
+        return; // n, which stores nothing
+    }
+}
+
+void appendStretch(TextBuilder& out, const char* text, std::size_t count, bool isAscii) {
+    isAscii ? out.appendAscii(text, count) : out.appendUtf8(text, count);
+}
+
+void appendStretch(TextBuilder& out, const char16_t* text, std::size_t count, bool) {
+    out.appendUnits(text, count);
+}
+
+/// A stretch of text that stands for itself, up to a '%' or the end.
+template <class Unit>
+struct Stretch {
+    const Unit* end;
+    bool isAscii;
+};
+
+Stretch<char16_t> stretchFrom(const char16_t* at, const char16_t* end) noexcept {
+    while (at != end && *at != u'%') {
+        ++at;
+    }
+    return {at, false};
+}
+
+Stretch<char> stretchFrom(const char* at, const char* end) noexcept {
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    constexpr std::uint64_t highBits = ones * 0x80;
+    std::uint64_t seen = 0;
+    for (; end - at >= 8; at += 8) {
+        std::uint64_t bytes;
+        std::memcpy(&bytes, at, sizeof bytes);
+        const std::uint64_t zeros = bytes ^ ones * '%';
+        const std::uint64_t found = (zeros - ones) & ~zeros & highBits;
+        if (found != 0) {
+            if constexpr (std::endian::native == std::endian::little) {
+                const int before = std::countr_zero(found) & ~7; // bits of the bytes in front of the sign
+                seen |= bytes & ((std::uint64_t{1} << before) - 1);
+                return {at + before / 8, (seen & highBits) == 0};
+            }
+            break;
+        }
+        seen |= bytes;
+    }
+    for (; at != end && *at != '%'; ++at) {
+        seen |= static_cast<unsigned char>(*at);
+    }
+    return {at, (seen & highBits) == 0};
+}
+
+template <class Unit>
+void appendParsed(TextBuilder& out, const Unit* at, const Unit* end, ArgumentList arguments,
+                  const FormatLocale* locale) {
+    Conversions conversions(out, arguments, locale);
+    while (at != end) {
+        if (*at != Unit{'%'}) {
+            const Stretch<Unit> stretch = stretchFrom(at, end);
+            appendStretch(out, at, static_cast<std::size_t>(stretch.end - at), stretch.isAscii);
+            at = stretch.end;
+            continue;
+        }
+        if (end - at >= 2 && conversions.carryOutPlain(at[1])) {
+            at += 2;
+            continue;
+        }
+        FormatConversion conversion;
+        at = readFormatConversion(at + 1, end, conversion);
+        if (conversion.isCutOff) {
+            return;
+        }
+        if (!conversions.carryOut(conversion)) {
+            --at; // the letter stands for itself, and with it what follows
+        }
+    }
+}
+
+} // namespace
+
+void appendFormat(TextBuilder& out, StringView format, ArgumentList arguments, const FormatLocale* locale) {
+    switch (format.form()) {
+    case StringView::Form::absent:
+        return;
+    case StringView::Form::utf16:
+        return appendParsed(out, format.units(), format.units() + format.size(), arguments, locale);
+    case StringView::Form::utf8:
+    case StringView::Form::ascii:
+        return appendParsed(out, format.bytes(), format.bytes() + format.size(), arguments, locale);
+    }
+}
+
+NSString formatted(StringView format, ArgumentList arguments, const FormatLocale* locale) {
+    if (!format) {
+        throw NSException(NSInvalidArgumentException, "A format must not be nil");
+    }
+    TextBuilder out;
+    appendFormat(out, format, arguments, locale);
+    return out.string();
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/format/FormatDecimal.h"
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "foundation/text/NumberText.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+__extension__ typedef unsigned __int128 Wide;
+
+constexpr int largestPower = 19;
+
+/// 10^0 to 10^19, all that fit.
+struct PowersOfTen {
+    std::uint64_t at[largestPower + 1] = {1};
+    constexpr PowersOfTen() noexcept {
+        for (int i = 1; i <= largestPower; ++i) {
+            at[i] = at[i - 1] * 10;
+        }
+    }
+};
+
+constexpr PowersOfTen powersOfTen;
+
+int bitWidth(Wide value) noexcept {
+    const auto high = static_cast<std::uint64_t>(value >> 64);
+    return high != 0 ? 64 + static_cast<int>(std::bit_width(high))
+                     : static_cast<int>(std::bit_width(static_cast<std::uint64_t>(value)));
+}
+
+BinaryReal withOddMantissa(Wide mantissa, int exponent) noexcept {
+    if (mantissa == 0) {
+        return {};
+    }
+    const auto low = static_cast<std::uint64_t>(mantissa);
+    const int zeros =
+        low != 0 ? std::countr_zero(low) : 64 + std::countr_zero(static_cast<std::uint64_t>(mantissa >> 64));
+    mantissa >>= zeros;
+    return {static_cast<std::uint64_t>(mantissa >> 64), static_cast<std::uint64_t>(mantissa),
+            exponent + zeros};
+}
+
+/// The quotient, one more when the remainder says so; halves to even. The remainder is compared with what is
+/// missing to the divisor, which cannot overflow as twice the remainder could.
+std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
+    const Wide missing = divisor - remainder;
+    const bool up = remainder > missing || (remainder == missing && (quotient & 1) != 0);
+    return static_cast<std::uint64_t>(quotient) + (up ? 1 : 0);
+}
+
+/// mantissa * 2^exponent * 10^scale, rounded, when all steps fit into 128 bits and the result into 63.
+bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
+                   std::uint64_t& result) noexcept {
+    if (scale > largestPower || scale < -largestPower) {
+        return false;
+    }
+    Wide numerator = mantissa;
+    Wide divisor = 1;
+    if (scale >= 0) {
+        numerator *= powersOfTen.at[scale];
+    } else {
+        divisor = powersOfTen.at[-scale];
+    }
+    if (exponent >= 0) {
+        if (bitWidth(numerator) + exponent > 127) {
+            return false;
+        }
+        numerator <<= exponent;
+    } else {
+        if (bitWidth(divisor) - exponent > 127) {
+            return false;
+        }
+        divisor <<= -exponent;
+    }
+    // Mostly the divisor is a power of two, and a division of 128 bits is slow.
+    const Wide quotient = scale < 0 ? numerator / divisor : exponent < 0 ? numerator >> -exponent : numerator;
+    if (quotient >> 63 != 0) {
+        return false;
+    }
+    result = rounded(quotient, numerator - quotient * divisor, divisor);
+    return true;
+}
+
+/// A large whole number in limbs of nine decimal digits, the lowest first.
+class LargeNumber {
+public:
+    explicit LargeNumber(const BinaryReal& value) noexcept {
+        const std::uint64_t halves[] = {value.high, value.low};
+        for (const std::uint64_t half : halves) {
+            multiplyAndAdd(std::uint64_t{1} << 32, half >> 32);
+            multiplyAndAdd(std::uint64_t{1} << 32, half & 0xFFFFFFFF);
+        }
+    }
+
+    void multiplyByPowerOfTwo(int exponent) noexcept {
+        for (; exponent >= 32; exponent -= 32) {
+            multiplyAndAdd(std::uint64_t{1} << 32, 0);
+        }
+        multiplyAndAdd(std::uint64_t{1} << exponent, 0);
+    }
+
+    void multiplyByPowerOfFive(int exponent) noexcept {
+        constexpr std::uint64_t fiveToThe13th = 1220703125;
+        for (; exponent >= 13; exponent -= 13) {
+            multiplyAndAdd(fiveToThe13th, 0);
+        }
+        for (; exponent > 0; --exponent) {
+            multiplyAndAdd(5, 0);
+        }
+    }
+
+    /// Writes all digits, the first not a zero, and returns their number.
+    std::size_t write(char* out) const noexcept {
+        const char* const start = out;
+        for (std::size_t i = count_; i-- > 0;) {
+            if (i + 1 == count_) {
+                out = writeUInt64(limbs_[i], out);
+                continue;
+            }
+            std::uint32_t rest = limbs_[i];
+            for (int place = 8; place >= 0; --place) {
+                out[place] = static_cast<char>('0' + rest % 10);
+                rest /= 10;
+            }
+            out += 9;
+        }
+        return static_cast<std::size_t>(out - start);
+    }
+
+private:
+    /// The factor is at most 2^32 and a limb below 10^9, so limb * factor + carry stays below 2^63.
+    void multiplyAndAdd(std::uint64_t factor, std::uint64_t carry) noexcept {
+        for (std::size_t i = 0; i < count_; ++i) {
+            const std::uint64_t product = limbs_[i] * factor + carry;
+            limbs_[i] = static_cast<std::uint32_t>(product % base);
+            carry = product / base;
+        }
+        for (; carry != 0; carry /= base) {
+            limbs_[count_++] = static_cast<std::uint32_t>(carry % base);
+        }
+    }
+
+    static constexpr std::uint64_t base = 1000000000;
+    static constexpr std::size_t capacity =
+        static_cast<std::size_t>((LDBL_MANT_DIG * 302 + (LDBL_MANT_DIG - LDBL_MIN_EXP) * 700) / 9000 + 4);
+    static_assert(capacity * 9 >= LDBL_MAX_10_EXP + 1);
+
+    std::size_t count_ = 0;
+    std::uint32_t limbs_[capacity];
+};
+
+} // namespace
+
+BinaryReal binaryOf(double value) noexcept {
+    constexpr int fractionBits = DBL_MANT_DIG - 1;
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const std::uint64_t fraction = bits & ((std::uint64_t{1} << fractionBits) - 1);
+    const int biased = static_cast<int>(bits >> fractionBits & 0x7FF);
+    const int exponent = (biased == 0 ? 1 : biased) - 1075;
+    return withOddMantissa(biased == 0 ? fraction : fraction | std::uint64_t{1} << fractionBits, exponent);
+}
+
+BinaryReal binaryOf(long double value) noexcept {
+    int exponent = 0;
+    long double rest = std::frexp(std::fabs(value), &exponent);
+    Wide mantissa = 0;
+    while (rest != 0) {
+        rest *= 4294967296.0L;
+        const auto part = static_cast<std::uint32_t>(rest);
+        rest -= static_cast<long double>(part);
+        mantissa = mantissa << 32 | part;
+        exponent -= 32;
+    }
+    return withOddMantissa(mantissa, exponent);
+}
+
+void DecimalDigits::set(std::uint64_t number, std::ptrdiff_t scale) noexcept {
+    count_ = number == 0 ? 0 : static_cast<std::size_t>(writeUInt64(number, digits_) - digits_);
+    point_ = static_cast<std::ptrdiff_t>(count_) - scale;
+}
+
+void DecimalDigits::setExactly(const BinaryReal& value) noexcept {
+    LargeNumber number(value);
+    if (value.exponent >= 0) {
+        number.multiplyByPowerOfTwo(value.exponent);
+    } else {
+        number.multiplyByPowerOfFive(-value.exponent);
+    }
+    count_ = number.write(digits_);
+    point_ = static_cast<std::ptrdiff_t>(count_) + (value.exponent < 0 ? value.exponent : 0);
+}
+
+void DecimalDigits::roundAt(std::ptrdiff_t kept) noexcept {
+    if (kept >= static_cast<std::ptrdiff_t>(count_)) {
+        return;
+    }
+    if (kept < 0) {
+        count_ = 0;
+        return;
+    }
+    const auto length = static_cast<std::size_t>(kept);
+    bool up = digits_[length] > '5';
+    if (digits_[length] == '5') {
+        up = length != 0 && (digits_[length - 1] - '0') % 2 != 0;
+        for (std::size_t i = length + 1; i < count_ && !up; ++i) {
+            up = digits_[i] != '0';
+        }
+    }
+    count_ = length;
+    if (!up) {
+        return;
+    }
+    while (count_ != 0 && digits_[count_ - 1] == '9') {
+        --count_;
+    }
+    if (count_ != 0) {
+        ++digits_[count_ - 1];
+    } else {
+        digits_[count_++] = '1';
+        ++point_;
+    }
+}
+
+void DecimalDigits::roundToPlaces(const BinaryReal& value, std::size_t places) noexcept {
+    std::uint64_t number = 0;
+    const auto scale = static_cast<std::ptrdiff_t>(places);
+    if (value.high == 0 && scaledExactly(value.low, value.exponent, scale, number)) {
+        set(number, scale);
+        return;
+    }
+    if (places < 1000 && value.high == 0 &&
+        static_cast<int>(std::bit_width(value.low)) + value.exponent < -4 * static_cast<int>(places) - 1) {
+        count_ = 0; // surely less than half of the last place
+        return;
+    }
+    setExactly(value);
+    roundAt(point_ + scale);
+}
+
+void DecimalDigits::roundToDigits(const BinaryReal& value, std::size_t digits) noexcept {
+    if (value.low == 0 && value.high == 0) {
+        count_ = 0;
+        point_ = 1;
+        return;
+    }
+    if (value.high == 0 && digits <= 18 && value.exponent > -127 && value.exponent < 127) {
+        const int bits = static_cast<int>(std::bit_width(value.low)) + value.exponent - 1;
+        // The decimal exponent, or one less: log10(2) is a little more than 78912 / 2^18.
+        std::ptrdiff_t exponent = (bits * 78912) >> 18;
+        for (int attempt = 0; attempt < 2; ++attempt, ++exponent) {
+            const std::ptrdiff_t scale = static_cast<std::ptrdiff_t>(digits) - 1 - exponent;
+            std::uint64_t number = 0;
+            if (!scaledExactly(value.low, value.exponent, scale, number)) {
+                break;
+            }
+            if (number < powersOfTen.at[digits]) {
+                set(number, scale);
+                return;
+            }
+        }
+    }
+    setExactly(value);
+    roundAt(static_cast<std::ptrdiff_t>(digits));
+}
+
+void DecimalDigits::dropZeros() noexcept {
+    while (count_ != 0 && digits_[count_ - 1] == '0') {
+        --count_;
+    }
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_FORMAT_FORMATNUMBER_H
+#define ZQFOUNDATION_FORMAT_FORMATNUMBER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "foundation/format/Format.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/FormatSyntax.h"
+
+namespace ZQFoundation::detail {
+
+/// One conversion, its width and precision known, ready to be carried out.
+struct FormatSpec {
+    char letter = 0;
+    FormatFlags flags = 0;
+    bool hasPrecision = false;
+    FormatLength length = FormatLength::bits32;
+    int width = 0;     ///< 0 to `largestFormatField`
+    int precision = 0; ///< 0 to INT_MAX
+
+    bool has(FormatFlags flag) const noexcept { return (flags & flag) != 0; }
+    std::size_t numberPrecision() const noexcept {
+        return static_cast<std::size_t>(precision < largestFormatField ? precision : largestFormatField);
+    }
+    std::size_t paddingFor(std::size_t units) const noexcept {
+        return static_cast<std::size_t>(width) > units ? static_cast<std::size_t>(width) - units : 0;
+    }
+};
+
+/// d i u o x X. The value's low bits count, as many as the length says; d and i read them as signed.
+void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value, const FormatLocale* locale);
+
+/// e E f F g G.
+void appendReal(TextBuilder& out, const FormatSpec& spec, double value, const FormatLocale* locale);
+void appendReal(TextBuilder& out, const FormatSpec& spec, long double value, const FormatLocale* locale);
+
+/// a A.
+void appendHexadecimalReal(TextBuilder& out, const FormatSpec& spec, double value);
+void appendHexadecimalReal(TextBuilder& out, const FormatSpec& spec, long double value);
+
+/// A finished ASCII number such as "-1234.5e+06", written as the locale has it.
+void appendLocalized(TextBuilder& out, const char* number, std::size_t length, const FormatLocale& locale);
+
+/// The parts of a number between its padding.
+class FormatNumberWriter {
+public:
+    FormatNumberWriter(TextBuilder& out, const FormatSpec& spec, const FormatLocale* locale) noexcept
+        : out_(out), spec_(spec), locale_(locale) {}
+
+    /// Whether a whole part of so many digits comes in groups.
+    bool groups(std::size_t digits) const noexcept {
+        return locale_ != nullptr && locale_->groupSize != 0 && locale_->groupingSeparator.size() != 0 &&
+               digits >= std::size_t{locale_->groupSize} + locale_->minimumDigits;
+    }
+
+    /// Units of `digits` digits with their separators.
+    std::size_t groupedLength(std::size_t digits) const noexcept;
+
+    /// `zeros` zeros in front, `digits`, and `moreZeros` zeros behind, separated in groups.
+    void appendGrouped(std::size_t zeros, const char* digits, std::size_t count, std::size_t moreZeros);
+
+    std::size_t decimalPointLength() const noexcept;
+    void appendDecimalPoint();
+
+    /// What stands in front of `length` units of number: blanks, the sign or prefix, zeros; and behind:
+    /// blanks.
+    void begin(const char* prefix, std::size_t prefixLength, std::size_t length, bool zeroPads);
+    void end() {
+        if (padding_ != 0) {
+            out_.appendRepeated(' ', padding_);
+        }
+    }
+
+private:
+    TextBuilder& out_;
+    const FormatSpec& spec_;
+    const FormatLocale* locale_;
+    std::size_t padding_ = 0;
+};
+
+/// Pieces of a short ASCII number, put together before they are appended as one. A piece of up to
+/// `pieceSlack` bytes is copied with its slack, in two instructions, so each piece must lie in an array that
+/// goes on so far behind its start.
+class ShortNumber {
+public:
+    static constexpr std::size_t capacity = 128;
+    static constexpr std::size_t pieceSlack = 16;
+
+    void put(const char* bytes, std::size_t count) noexcept {
+        if (count <= pieceSlack) {
+            std::memcpy(end_, bytes, pieceSlack);
+        } else {
+            std::memcpy(end_, bytes, count);
+        }
+        end_ += count;
+    }
+    void put(char character) noexcept { *end_++ = character; }
+    void putRepeated(char character, std::size_t count) noexcept {
+        if (count != 0) {
+            std::memset(end_, character, count);
+            end_ += count;
+        }
+    }
+    void appendTo(TextBuilder& out) const { out.appendAscii(text_, static_cast<std::size_t>(end_ - text_)); }
+
+private:
+    char text_[capacity + pieceSlack];
+    char* end_ = text_;
+};
+
+/// Units of any text; nil has none.
+std::size_t unitLength(StringView text) noexcept;
+
+/// An empty text may come with a null pointer, which must not get as far as a copy of no bytes.
+inline void appendText(TextBuilder& out, StringView text) {
+    if (text.size() != 0) {
+        out.append(text);
+    }
+}
+
+/// Writes "-", "+", " " or nothing to `out`, as the flags say, and returns the number of bytes.
+inline std::size_t writeSign(const FormatSpec& spec, bool isNegative, char* out) noexcept {
+    if (!isNegative && !spec.has(formatPlus | formatBlank)) {
+        return 0;
+    }
+    *out = isNegative ? '-' : spec.has(formatPlus) ? '+' : ' ';
+    return 1;
+}
+
+} // namespace ZQFoundation::detail
+
+#endif

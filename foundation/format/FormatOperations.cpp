@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/format/Format.h"
+#include "foundation/format/NSLocale.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSString.h"
+#include "foundation/objects/TextBuilder.h"
+
+namespace ZQFoundation {
+
+NSString NSString::stringWithFormat_arguments(StringView format, ArgumentList arguments) {
+    return detail::formatted(format, arguments);
+}
+
+NSString NSString::initWithFormat_locale_arguments(StringView format, const NSLocale& locale,
+                                                   ArgumentList arguments) {
+    if (!locale) {
+        return detail::formatted(format, arguments);
+    }
+    const NSString decimalSeparator = locale.decimalSeparator();
+    const NSString groupingSeparator = locale.groupingSeparator();
+    detail::FormatLocale customs;
+    customs.decimalSeparator = decimalSeparator;
+    customs.groupingSeparator = groupingSeparator;
+    customs.groupSize = locale.groupSize();
+    customs.secondaryGroupSize = locale.secondaryGroupSize();
+    customs.minimumDigits = locale.minimumGroupingDigits();
+    return detail::formatted(format, arguments, &customs);
+}
+
+NSString NSString::localizedStringWithFormat_arguments(StringView format, ArgumentList arguments) {
+    return initWithFormat_locale_arguments(format, NSLocale::currentLocale(), arguments);
+}
+
+void NSMutableString::appendFormat_arguments(StringView format, ArgumentList arguments) {
+    // Formatted apart: an argument may look at a text that this builder holds, and an object's description
+    // may throw.
+    appendString(detail::formatted(format, arguments));
+}
+
+void NSException::raise_format_arguments(const NSString& name, StringView format, ArgumentList arguments) {
+    throw NSException(name, detail::formatted(format, arguments));
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_FORMAT_LOCALENUMBERS_H
+#define ZQFOUNDATION_FORMAT_LOCALENUMBERS_H
+
+#include <string>
+#include <string_view>
+
+namespace ZQFoundation::detail {
+
+/// How a language and region write numbers. The texts are UTF-8.
+struct LocaleNumbers {
+    std::string_view decimalSeparator;
+    std::string_view groupingSeparator; ///< empty: no grouping
+    unsigned minimumGroupingDigits;     ///< digits that must stand in front of the last group
+    unsigned groupSize;
+    unsigned secondaryGroupSize;
+};
+
+/// The parts of a locale's identifier that decide, in their usual case: "zh", "Hant", "TW".
+struct LocaleName {
+    std::string language;
+    std::string script;
+    std::string region;
+    bool isPosix = false; ///< the variant for programs: no grouping
+};
+
+/// "de-AT", "zh_hant_TW", "de_DE.UTF-8@euro". All parts are empty for a text that is no identifier.
+LocaleName localeName(std::string_view identifier);
+
+/// By the most exact of language, script and region that has customs of its own; those of the root locale for
+/// an unknown language.
+const LocaleNumbers& numbersOfLocale(const LocaleName& name);
+
+} // namespace ZQFoundation::detail
+
+#endif

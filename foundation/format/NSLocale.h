@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_FORMAT_NSLOCALE_H
+#define ZQFOUNDATION_FORMAT_NSLOCALE_H
+
+#include "../objects/NSDictionary.h"
+#include "../objects/NSString.h"
+
+namespace ZQFoundation {
+
+/// How numbers are written in a language and region. A nullable handle, copied in a nanosecond; nil means no
+/// locale: "." and no grouping.
+///
+/// The data are the library's own, so the same identifier gives the same texts on every system, whatever
+/// locales are installed there. All operations may be called from any thread.
+class ZQFOUNDATION_EXPORT NSLocale {
+public:
+    constexpr NSLocale() noexcept = default;
+    constexpr NSLocale(std::nullptr_t) noexcept {}
+
+    /// A dictionary may stand for a locale; only its `NSDecimalSeparator` is used ("." when it is missing,
+    /// empty or no string), and nothing is grouped. Nil gives nil.
+    NSLocale(const NSDictionary& separators);
+
+    /// The user's: the default `AppleLocale`, else what the environment says in LC_ALL, LC_NUMERIC or LANG,
+    /// the first that is set counting; "C", "POSIX" and none at all are "en_US_POSIX". Never nil; read anew
+    /// at each call.
+    static NSLocale currentLocale();
+
+    /// "de_DE", "de-AT", "zh-Hant_TW", "de_DE.UTF-8"; an unknown region has its language's customs, an
+    /// unknown language those of the root locale ("." and "," and groups of three). Nil for nil.
+    static NSLocale localeWithLocaleIdentifier(StringView identifier);
+
+    /// True unless the locale is nil.
+    explicit operator bool() const noexcept { return bool(identifier_); }
+
+    /// As given, with "_" in front of the region and what follows it, without an encoding or a modifier;
+    /// empty for a locale made of a dictionary.
+    NSString localeIdentifier() const noexcept { return identifier_; }
+
+    /// What stands between the whole part of a number and its fraction; nil for nil.
+    NSString decimalSeparator() const noexcept { return decimalSeparator_; }
+
+    /// Empty when numbers are not grouped.
+    NSString groupingSeparator() const noexcept { return groupingSeparator_; }
+
+    /// Digits next to the decimal separator, and of every further group.
+    unsigned groupSize() const noexcept { return groupSize_; }
+    unsigned secondaryGroupSize() const noexcept { return secondaryGroupSize_; }
+
+    /// Digits that must stand in front of the last group for a number to be grouped at all: 2 in Spanish,
+    /// which writes 1234 and 12.345.
+    unsigned minimumGroupingDigits() const noexcept { return minimumGroupingDigits_; }
+
+private:
+    NSString identifier_;
+    NSString decimalSeparator_;
+    NSString groupingSeparator_;
+    unsigned groupSize_ = 0;
+    unsigned secondaryGroupSize_ = 0;
+    unsigned minimumGroupingDigits_ = 1;
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/format/NSScanner.h"
+
+#include <limits>
+
+#include "foundation/objects/CharacterSetPages.h"
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NormalizedText.h"
+#include "foundation/text/NumberText.h"
+
+namespace ZQFoundation {
+
+using detail::Access;
+using detail::CharacterMembership;
+using detail::NormalizedText;
+
+namespace {
+
+/// Calls `action` with the units of a string that is not nil, in the form in which it holds them, and with
+/// their number.
+template <class Action>
+auto withUnits(const NSString& string, const Action& action) {
+    const detail::StringBody& body = *Access::string(string);
+    const std::size_t length = body.length;
+    return body.isAscii ? action(body.ascii(), length) : action(body.units(), length);
+}
+
+/// The first place from `location` on whose unit is, or is not, a member; the length without one.
+std::size_t placeOfUnit(const NSString& string, std::size_t location, const NSCharacterSet& set,
+                        bool isMember) {
+    const CharacterMembership membership(set);
+    return withUnits(string, [&](const auto* units, std::size_t length) {
+        std::size_t at = location;
+        while (at < length && membership.contains(units[at]) != isMember) {
+            ++at;
+        }
+        return at;
+    });
+}
+
+/// Sets the output, if there is one, to the units from `start` to `end`.
+void putOut(const NSString& string, std::size_t start, std::size_t end, NSString* output) {
+    if (output != nullptr) {
+        *output = string.substringWithRange(start, end - start);
+    }
+}
+
+template <class Unit>
+constexpr bool isDigit(Unit unit) noexcept {
+    return unit >= '0' && unit <= '9';
+}
+
+char16_t lowered(char16_t unit) noexcept {
+    return unit >= 'A' && unit <= 'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
+}
+
+enum class Answer { no, yes, open };
+
+/// Whether the text stands at a place, as far as ASCII decides it: open where another unit takes part, for
+/// that may be a mark on the last letter or one character equal to two.
+template <class Unit>
+Answer standsAt(const Unit* units, std::size_t length, const NormalizedText& text, bool isCaseSensitive) {
+    for (std::size_t i = 0; i < text.length(); ++i) {
+        if (i == length) {
+            return Answer::no;
+        }
+        const auto present = static_cast<char16_t>(units[i]);
+        const char16_t wanted = text[i];
+        if ((present | wanted) >= 0x80) {
+            return Answer::open;
+        }
+        if (present != wanted && (isCaseSensitive || lowered(present) != lowered(wanted))) {
+            return Answer::no;
+        }
+    }
+    const bool mayGoOn = text.length() < length && static_cast<char16_t>(units[text.length()]) >= 0x80;
+    return mayGoOn ? Answer::open : Answer::yes;
+}
+
+unsigned searchOptions(bool isCaseSensitive) noexcept {
+    return isCaseSensitive ? 0U : unsigned{NSCaseInsensitiveSearch};
+}
+
+/// Where the text ends if it stands at `location`, else NSNotFound.
+std::size_t endOfText(const NSString& string, std::size_t location, StringView text, bool isCaseSensitive) {
+    const NormalizedText wanted(text);
+    if (wanted.length() == 0) {
+        return NSNotFound;
+    }
+    const Answer answer = withUnits(string, [&](const auto* units, std::size_t length) {
+        return standsAt(units + location, length - location, wanted, isCaseSensitive);
+    });
+    if (answer != Answer::open) {
+        return answer == Answer::yes ? location + wanted.length() : NSNotFound;
+    }
+    const NSRange found =
+        string.rangeOfString_options_range(text, searchOptions(isCaseSensitive) | NSAnchoredSearch,
+                                           NSMakeRange(location, string.length() - location));
+    return found.location == location ? location + found.length : NSNotFound;
+}
+
+/// A stretch of digits, with what it is made of in front of it.
+struct DigitStretch {
+    std::size_t start; ///< of the sign
+    std::size_t digits;
+    std::size_t end;
+};
+
+DigitStretch decimalDigits(const NSString& string, std::size_t location) {
+    return withUnits(string, [&](const auto* units, std::size_t length) {
+        DigitStretch found{};
+        found.start = location + detail::whiteSpacePrefix(units + location, length - location);
+        found.digits = found.start;
+        if (found.digits < length && (units[found.digits] == '+' || units[found.digits] == '-')) {
+            ++found.digits;
+        }
+        found.end = found.digits;
+        while (found.end < length && isDigit(units[found.end])) {
+            ++found.end;
+        }
+        return found;
+    });
+}
+
+/// The digit's value, or 16.
+template <class Unit>
+unsigned hexDigit(Unit unit) noexcept {
+    if (isDigit(unit)) {
+        return static_cast<unsigned>(unit - '0');
+    }
+    const char16_t letter = lowered(static_cast<char16_t>(unit));
+    return letter >= 'a' && letter <= 'f' ? static_cast<unsigned>(letter - 'a' + 10) : 16;
+}
+
+struct HexReading {
+    std::uint64_t value;
+    std::size_t end; ///< NSNotFound: no digit
+};
+
+template <class Unit>
+HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
+    at += detail::whiteSpacePrefix(units + at, length - at);
+    // Without a digit behind it the prefix is the digit 0 and an x that stays.
+    if (length - at > 2 && units[at] == '0' && (units[at + 1] == 'x' || units[at + 1] == 'X') &&
+        hexDigit(units[at + 2]) < 16) {
+        at += 2;
+    }
+    const std::size_t digits = at;
+    std::uint64_t value = 0;
+    for (; at < length && hexDigit(units[at]) < 16; ++at) {
+        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | hexDigit(units[at]);
+    }
+    return {value, at == digits ? NSNotFound : at};
+}
+
+} // namespace
+
+NSScanner::NSScanner(NSString string)
+    : string_(string ? static_cast<NSString&&>(string) : NSString::string()),
+      skipped_(NSCharacterSet::whitespaceAndNewlineCharacterSet()) {}
+
+NSScanner NSScanner::scannerWithString(NSString string) { return NSScanner(static_cast<NSString&&>(string)); }
+
+void NSScanner::setScanLocation(std::size_t location) {
+    if (location > string_.length()) {
+        NSException::raise_format(NSRangeException, "setScanLocation: %lu beyond a string of %lu units",
+                                  location, string_.length());
+    }
+    location_ = location;
+}
+
+void NSScanner::setCharactersToBeSkipped(NSCharacterSet set) {
+    skipped_ = static_cast<NSCharacterSet&&>(set);
+}
+
+std::size_t NSScanner::locationAfterSkipping() const {
+    return placeOfUnit(string_, location_, skipped_, false);
+}
+
+bool NSScanner::isAtEnd() const { return locationAfterSkipping() == string_.length(); }
+
+bool NSScanner::scanString_intoString(StringView text, NSString* output) {
+    const std::size_t start = locationAfterSkipping();
+    const std::size_t end = endOfText(string_, start, text, isCaseSensitive_);
+    if (end == NSNotFound) {
+        return false;
+    }
+    putOut(string_, start, end, output);
+    location_ = end;
+    return true;
+}
+
+bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
+    const std::size_t start = locationAfterSkipping();
+    const std::size_t length = string_.length();
+    const NSRange found = string_.rangeOfString_options_range(text, searchOptions(isCaseSensitive_),
+                                                              NSMakeRange(start, length - start));
+    const std::size_t end = found.location != NSNotFound ? found.location : length;
+    if (end == start) {
+        return false;
+    }
+    putOut(string_, start, end, output);
+    location_ = end;
+    return true;
+}
+
+bool NSScanner::scanCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output) {
+    const std::size_t start = locationAfterSkipping();
+    const std::size_t end = placeOfUnit(string_, start, set, false);
+    if (end == start) {
+        return false;
+    }
+    putOut(string_, start, end, output);
+    location_ = end;
+    return true;
+}
+
+bool NSScanner::scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output) {
+    const std::size_t start = locationAfterSkipping();
+    const std::size_t end = placeOfUnit(string_, start, set, true);
+    if (end == start) {
+        return false;
+    }
+    putOut(string_, start, end, output);
+    location_ = end;
+    return true;
+}
+
+bool NSScanner::scanInteger(std::int64_t* value) {
+    const DigitStretch found = decimalDigits(string_, locationAfterSkipping());
+    if (found.end == found.digits) {
+        return false;
+    }
+    if (value != nullptr) {
+        *value = withUnits(string_, [&](const auto* units, std::size_t) {
+            return detail::readInt64(units + found.start, found.end - found.start);
+        });
+    }
+    location_ = found.end;
+    return true;
+}
+
+bool NSScanner::scanInt(int* value) {
+    std::int64_t wide = 0;
+    if (!scanInteger(&wide)) {
+        return false;
+    }
+    using Limits = std::numeric_limits<int>;
+    if (value != nullptr) {
+        *value = static_cast<int>(wide < Limits::min()   ? std::int64_t{Limits::min()}
+                                  : wide > Limits::max() ? std::int64_t{Limits::max()}
+                                                         : wide);
+    }
+    return true;
+}
+
+bool NSScanner::scanDouble(double* value) {
+    const std::size_t start = locationAfterSkipping();
+    std::size_t blanks = 0;
+    const detail::DoubleReading reading = withUnits(string_, [&](const auto* units, std::size_t length) {
+        blanks = detail::whiteSpacePrefix(units + start, length - start);
+        return detail::scanDouble(units + start + blanks, length - start - blanks);
+    });
+    if (reading.length == 0) {
+        return false;
+    }
+    if (value != nullptr) {
+        *value = reading.value;
+    }
+    location_ = start + blanks + reading.length;
+    return true;
+}
+
+bool NSScanner::scanFloat(float* value) {
+    double wide = 0;
+    if (!scanDouble(&wide)) {
+        return false;
+    }
+    if (value != nullptr) {
+        *value = static_cast<float>(wide);
+    }
+    return true;
+}
+
+bool NSScanner::scanHexLongLong(std::uint64_t* value) {
+    const std::size_t start = locationAfterSkipping();
+    const HexReading reading = withUnits(
+        string_, [&](const auto* units, std::size_t length) { return readHex(units, length, start); });
+    if (reading.end == NSNotFound) {
+        return false;
+    }
+    if (value != nullptr) {
+        *value = reading.value;
+    }
+    location_ = reading.end;
+    return true;
+}
+
+bool NSScanner::scanHexInt(unsigned* value) {
+    std::uint64_t wide = 0;
+    if (!scanHexLongLong(&wide)) {
+        return false;
+    }
+    using Limits = std::numeric_limits<unsigned>;
+    if (value != nullptr) {
+        *value = wide > Limits::max() ? Limits::max() : static_cast<unsigned>(wide);
+    }
+    return true;
+}
+
+} // namespace ZQFoundation

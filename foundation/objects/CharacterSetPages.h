@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_OBJECTS_CHARACTERSETPAGES_H
+#define ZQFOUNDATION_OBJECTS_CHARACTERSETPAGES_H
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "foundation/objects/Bodies.h"
+#include "foundation/text/CharacterCategories.h"
+
+namespace ZQFoundation::detail {
+
+class TextBuilder;
+
+inline constexpr char32_t codeSpace = 0x110000;
+inline constexpr std::size_t codePages = codeSpace >> 8;
+
+/// The set without members; stands for nil where a body is needed.
+const CharacterSetBody& emptyCharacterSetBody() noexcept;
+
+inline const CharacterSetBody& bodyOrEmpty(const NSCharacterSet& set) noexcept {
+    return Access::kind(set) == Kind::characterSet ? *Access::characterSet(set) : emptyCharacterSetBody();
+}
+
+inline bool containsCodePoint(const CharacterSetBody& body, char32_t codePoint) noexcept {
+    return codePoint < codeSpace && body.pages()[body.pageNumber(codePoint >> 8)].contains(codePoint);
+}
+
+/// The test of membership for loops: two loads for a unit. Looks at a set that somebody else keeps alive; a
+/// nil set has no members.
+class CharacterMembership {
+public:
+    explicit CharacterMembership(const CharacterSetBody& body) noexcept
+        : numbers_(body.numbers), pages_(body.pages()) {}
+    explicit CharacterMembership(const NSCharacterSet& set) noexcept
+        : CharacterMembership(bodyOrEmpty(set)) {}
+
+    bool contains(char16_t unit) const noexcept { return pages_[numbers_[unit >> 8]].contains(unit); }
+
+    /// For strings held as bytes, which are below U+0080.
+    bool contains(char ascii) const noexcept {
+        return pages_[numbers_[0]].contains(static_cast<unsigned char>(ascii));
+    }
+
+private:
+    const std::uint16_t* numbers_;
+    const CharacterPage* pages_;
+};
+
+bool equalCharacterSets(const CharacterSetBody& left, const CharacterSetBody& right) noexcept;
+std::uint64_t hashCharacterSet(const CharacterSetBody& body, std::uint64_t seed) noexcept;
+
+/// "<NSCharacterSet: 0009 000B-000D ...>"
+void appendCharacterSet(TextBuilder& out, const CharacterSetBody& body);
+
+/// A set that is being built. Its numbers mean what those of a body do, but no two places share a page beyond
+/// the empty and the full one, so each may be changed where it stands.
+struct CharacterSetPages {
+    CharacterSetPages();
+    explicit CharacterSetPages(const CharacterSetBody& body);
+
+    std::size_t pageNumber(std::size_t page) const noexcept;
+    bool contains(char32_t codePoint) const noexcept;
+
+    /// From `first` up to, not including, `end`, which is at most the code space's.
+    void setRange(char32_t first, char32_t end, bool isMember);
+    void setCharacters(StringView characters, bool isMember);
+    void setCategories(CategoryMask categories);
+    void unite(const CharacterSetBody& other) { combine(other, true); }
+    void intersect(const CharacterSetBody& other) { combine(other, false); }
+    void invert() noexcept;
+
+    NSCharacterSet characterSet() const;
+
+private:
+    using PlaneNumbers = std::array<std::uint16_t, CharacterSetBody::pagesInPlane>;
+
+    std::uint16_t& numberSlot(std::size_t page);
+    CharacterPage& ownPage(std::size_t page);
+    void fillPage(std::size_t page, bool isMember);
+    void combine(const CharacterSetBody& other, bool isUnion);
+
+    std::uint8_t planes_[CharacterSetBody::planeCount];
+    std::vector<PlaneNumbers> numbers_; ///< the first plane's in front
+    std::vector<CharacterPage> pages_;
+};
+
+using SharedCharacterSet = std::atomic<CharacterSetBody*>;
+
+/// What the slot holds; the first call makes it. When several threads come first, one result is kept. It is
+/// never released.
+NSCharacterSet sharedCharacterSet(SharedCharacterSet& slot, NSCharacterSet (*make)());
+
+} // namespace ZQFoundation::detail
+
+#endif

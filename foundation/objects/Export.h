@@ -1,8 +1,0 @@
-// SPDX-License-Identifier: MIT
-#ifndef ZQFOUNDATION_OBJECTS_EXPORT_H
-#define ZQFOUNDATION_OBJECTS_EXPORT_H
-
-/// Marks what the shared library exports; everything else stays hidden.
-#define ZQFOUNDATION_EXPORT __attribute__((visibility("default")))
-
-#endif

@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/objects/PercentEscapes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "foundation/objects/CharacterSetPages.h"
+#include "foundation/objects/StringBodies.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/UnitBlocks.h"
+#include "foundation/text/Utf.h"
+
+namespace ZQFoundation {
+
+namespace detail {
+
+namespace {
+
+constexpr std::size_t escapeLength = 3;
+constexpr char hexDigits[] = "0123456789ABCDEF";
+
+/// To start from: a copy is faster made than a new one.
+constexpr EscapeTable everyEscape;
+
+static_assert(sizeof(EscapeTable::Form) == escapeLength + 1);
+
+/// Writes a whole form, of which what comes next overwrites what is too much. No branch tells short ones from
+/// long ones: it would be guessed wrongly at every blank of a text.
+inline char* writeByte(std::size_t byte, const EscapeTable& table, char* out) noexcept {
+    std::memcpy(out, &table[byte], sizeof(EscapeTable::Form));
+    return out + table[byte].length;
+}
+
+inline const char* writeCharacter(const char* ascii, const EscapeTable& table, char*& out) noexcept {
+    out = writeByte(static_cast<unsigned char>(*ascii), table, out);
+    return ascii + 1;
+}
+
+/// Of well-formed units; writes at most as many escapes as a character has bytes.
+inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& table, char*& out) noexcept {
+    char32_t code = *units++;
+    if (code < 0x80) {
+        out = writeByte(code, table, out);
+        return units;
+    }
+    if (code < 0x800) {
+        out = writeByte(0xC0 | code >> 6, table, out);
+    } else {
+        if ((code & 0xFC00) == 0xD800) {
+            code = 0x10000 + ((code - 0xD800) << 10) + (*units++ - 0xDC00U);
+            out = writeByte(0xF0 | code >> 18, table, out);
+            out = writeByte(0x80 | (code >> 12 & 0x3F), table, out);
+        } else {
+            out = writeByte(0xE0 | code >> 12, table, out);
+        }
+        out = writeByte(0x80 | (code >> 6 & 0x3F), table, out);
+    }
+    out = writeByte(0x80 | (code & 0x3F), table, out);
+    return units;
+}
+
+/// Writes exactly what the text makes. The last few characters go by a place of their own, since the room for
+/// a piece may end with them.
+template <class Unit>
+void writeEscaped(const Unit* text, std::size_t count, const EscapeTable& table, char* out) noexcept {
+    constexpr std::size_t mostApart = sizeof(EscapeTable::Form) + 1; // one more where a pair is last
+    const Unit* const end = text + count;
+    while (static_cast<std::size_t>(end - text) > mostApart) {
+        text = writeCharacter(text, table, out);
+    }
+    char apart[mostApart * 3 * escapeLength + sizeof(EscapeTable::Form)];
+    char* apartEnd = apart;
+    while (text != end) {
+        text = writeCharacter(text, table, apartEnd);
+    }
+    std::memcpy(out, apart, static_cast<std::size_t>(apartEnd - apart));
+}
+
+std::size_t escapedLength(const char* ascii, std::size_t count, const EscapeTable& table) noexcept {
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        length += table[static_cast<unsigned char>(ascii[i])].length;
+    }
+    return length;
+}
+
+/// Of well-formed units: each half of a pair makes two bytes.
+std::size_t escapedLength(const char16_t* units, std::size_t count, const EscapeTable& table) noexcept {
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const char16_t unit = units[i];
+        const bool makesThree = unit >= 0x800 && (unit & 0xF800) != 0xD800;
+        length += unit < 0x80 ? table[unit].length : escapeLength * (makesThree ? 3 : 2);
+    }
+    return length;
+}
+
+template <class Unit>
+NSString escaped(const Unit* text, std::size_t count, std::size_t length, const EscapeTable& table) {
+    StringBody* const body = allocateString(length, true);
+    writeEscaped(text, count, table, body->ascii());
+    return Access::adoptString(body);
+}
+
+NSString escapedAscii(const NSString& text, StringView view, const EscapeTable& table) {
+    const std::size_t length = escapedLength(view.bytes(), view.size(), table);
+    return length == view.size() ? text : escaped(view.bytes(), view.size(), length, table);
+}
+
+NSString escapedUnits(StringView view, const EscapeTable& table) {
+    if (!isWellFormedUtf16(view.units(), view.size())) {
+        return {};
+    }
+    return escaped(view.units(), view.size(), escapedLength(view.units(), view.size(), table), table);
+}
+
+struct HexValues {
+    static constexpr unsigned char none = 0xFF;
+    unsigned char values[256];
+
+    constexpr HexValues() : values() {
+        for (unsigned char& value : values) {
+            value = none;
+        }
+        for (unsigned char value = 0; value < 16; ++value) {
+            values[static_cast<unsigned char>(hexDigits[value])] = value;
+            values[static_cast<unsigned char>("0123456789abcdef"[value])] = value;
+        }
+    }
+
+    template <class Unit>
+    constexpr unsigned of(Unit unit) const noexcept {
+        const auto code = static_cast<std::make_unsigned_t<Unit>>(unit);
+        return code < 256 ? values[code] : none;
+    }
+};
+
+constexpr HexValues hexValues;
+
+/// Reads the two digits behind a "%". False when they are none, or not both there.
+template <class Unit>
+bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
+    if (end - at < static_cast<std::ptrdiff_t>(escapeLength)) {
+        return false;
+    }
+    const unsigned high = hexValues.of(at[1]);
+    const unsigned low = hexValues.of(at[2]);
+    byte = static_cast<char>(high << 4 | low);
+    return high != HexValues::none && low != HexValues::none;
+}
+
+NSString unescapedAscii(const NSString& text, StringView view) {
+    const char* at = view.bytes();
+    const char* const end = at + view.size();
+    const std::size_t marks = countPlaces(at, view.size(), [](auto units) { return units == '%'; });
+    if (marks == 0) {
+        return text;
+    }
+    if (marks > view.size() / escapeLength) {
+        return {};
+    }
+    const std::size_t size = view.size() - (escapeLength - 1) * marks;
+    StringBody* const body = allocateString(size, true);
+    const NSString owner = Access::adoptString(body); // seen by nobody else until it is known to be ASCII
+    char* out = body->ascii();
+    const char* const outEnd = out + size;
+    while (at != end) {
+        if (out == outEnd) {
+            return {}; // more is left than there is room for: some "%" has no two digits
+        }
+        if (*at != '%') {
+            *out++ = *at++;
+        } else if (readEscape(at, end, *out)) {
+            ++out;
+            at += escapeLength;
+        } else {
+            return {};
+        }
+    }
+    return asciiPrefixLength(body->ascii(), size) == size
+               ? owner
+               : NSString::stringWithUTF8Bytes(body->ascii(), size);
+}
+
+/// What stands beside a run of escapes is whole characters, so the bytes of a run must be so too.
+NSString unescapedUnits(const NSString& text, StringView view) {
+    const char16_t* at = view.units();
+    const char16_t* const end = at + view.size();
+    const char16_t* mark = std::find(at, end, u'%');
+    if (mark == end) {
+        return text;
+    }
+    TextBuilder out;
+    std::string run;
+    while (mark != end) {
+        out.appendUnits(at, static_cast<std::size_t>(mark - at));
+        run.clear();
+        for (at = mark; at != end && *at == u'%'; at += escapeLength) {
+            char byte = 0;
+            if (!readEscape(at, end, byte)) {
+                return {};
+            }
+            run.push_back(byte);
+        }
+        if (!isWellFormedUtf8(run.data(), run.size())) {
+            return {};
+        }
+        out.appendUtf8(run.data(), run.size());
+        mark = std::find(at, end, u'%');
+    }
+    out.appendUnits(at, static_cast<std::size_t>(end - at));
+    return out.string();
+}
+
+} // namespace
+
+NSString addPercentEscapes(const NSString& text, const EscapeTable& table) {
+    const StringView view(text);
+    switch (view.form()) {
+    case StringView::Form::ascii:
+        return escapedAscii(text, view, table);
+    case StringView::Form::utf16:
+        return escapedUnits(view, table);
+    default:
+        return {};
+    }
+}
+
+NSString removePercentEscapes(const NSString& text) {
+    const StringView view(text);
+    switch (view.form()) {
+    case StringView::Form::ascii:
+        return unescapedAscii(text, view);
+    case StringView::Form::utf16:
+        return unescapedUnits(text, view);
+    default:
+        return {};
+    }
+}
+
+} // namespace detail
+
+NSString NSString::stringByAddingPercentEncodingWithAllowedCharacters(const NSCharacterSet& allowed) const {
+    const detail::CharacterMembership members(allowed);
+    detail::EscapeTable table = detail::everyEscape;
+    for (unsigned char code = 0; code < 0x80; ++code) {
+        if (members.contains(static_cast<char>(code))) {
+            table.keep(code);
+        }
+    }
+    return detail::addPercentEscapes(*this, table);
+}
+
+} // namespace ZQFoundation

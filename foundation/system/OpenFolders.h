@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_SYSTEM_OPENFOLDERS_H
+#define ZQFOUNDATION_SYSTEM_OPENFOLDERS_H
+
+#include <vector>
+
+#include "foundation/system/Descriptor.h"
+
+namespace ZQFoundation::detail {
+
+/// Opens a folder to read it. Neither follows a link nor waits for anything.
+inline constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+inline bool isSameItem(const struct stat& left, const struct stat& right) noexcept {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+/// The folders from the start of a walk down to the one that it is in. However deep that is, only the last
+/// few are open; those above are opened again by "..", which must lead to the very folder that was left,
+/// because others may have moved the one below meanwhile.
+class OpenFolders {
+public:
+    /// The folder becomes the current one. False with `errno`.
+    bool push(Descriptor folder);
+
+    std::size_t depth() const noexcept { return levels_.size(); }
+
+    /// The descriptor of the folder that the walk is in.
+    int current() const noexcept { return levels_.back().folder.number(); }
+
+    /// Makes sure that the folder above the current one is open, if there is one. False with `errno`, ESTALE
+    /// when it cannot be found again.
+    bool reopenParent() noexcept;
+
+    /// The folder above becomes the current one, open or not.
+    void pop() noexcept;
+
+    /// Closes the open folder nearest to the start; never the current one. False when there is none.
+    bool closeOne() noexcept;
+
+    /// Puts a descriptor of the level's own folder into its place. False with ESTALE for another folder's.
+    bool restore(std::size_t level, Descriptor folder) noexcept;
+
+private:
+    struct Level {
+        Descriptor folder; ///< none while closed
+        dev_t device;
+        ino_t inode;
+    };
+
+    std::vector<Level> levels_;
+    std::size_t firstOpen_ = 0; ///< levels before it are closed
+};
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_NSRANGE_H
+#define ZQFOUNDATION_TEXT_NSRANGE_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ZQFoundation {
+
+/// The index of what was not found.
+inline constexpr std::size_t NSNotFound = static_cast<std::size_t>(INT64_MAX);
+
+/// A stretch of a sequence: of a string in units, of data in bytes.
+struct NSRange {
+    std::size_t location;
+    std::size_t length;
+
+    /// The same place and the same length.
+    friend constexpr bool operator==(const NSRange&, const NSRange&) noexcept = default;
+};
+
+/// The range of `length` items from `location` on.
+constexpr NSRange NSMakeRange(std::size_t location, std::size_t length) noexcept {
+    return {location, length};
+}
+
+} // namespace ZQFoundation
+
+#endif

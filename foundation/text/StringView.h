@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_STRINGVIEW_H
+#define ZQFOUNDATION_TEXT_STRINGVIEW_H
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "Export.h"
+
+namespace ZQFoundation {
+
+class NSString;
+class StringView;
+
+namespace detail {
+
+template <class Text, class Unit>
+concept TextRange = requires(const Text& text) {
+    { text.data() } -> std::convertible_to<const Unit*>;
+    { text.size() } -> std::convertible_to<std::size_t>;
+};
+
+template <class Pointer>
+concept TextPointer = std::is_same_v<Pointer, const char*> || std::is_same_v<Pointer, char*> ||
+    std::is_same_v<Pointer, const char16_t*> || std::is_same_v<Pointer, char16_t*> ||
+    std::is_same_v<Pointer, const char8_t*> || std::is_same_v<Pointer, char8_t*>;
+
+/// Texts that are no handles themselves: literals, character pointers, `std::string` and its views.
+template <class T>
+concept PlainText = std::is_same_v<T, StringView> || TextPointer<std::decay_t<T>> || TextRange<T, char> ||
+    TextRange<T, char16_t>;
+
+} // namespace detail
+
+/// The text *argument*: a nullable, non-owning look at a text that somebody else keeps alive for the call.
+///
+/// Made implicitly from literals, `std::string`, `std::string_view`, `std::u16string_view`, `NSString` and
+/// `nullptr`, so a call with a literal allocates nothing. `const char*` and `std::string` are UTF-8;
+/// ill-formed bytes read as U+FFFD. A null pointer makes the nil text, which is not the empty text.
+/// Trivially copyable; pass it by value.
+class StringView {
+public:
+    /// How the text is held. `ascii` is UTF-8 known to hold nothing above U+007F.
+    enum class Form : unsigned char { absent, utf8, ascii, utf16 };
+
+private:
+    // Ahead of the constructors, which are constant expressions only when these are known.
+    template <class Unit>
+    static constexpr std::size_t lengthOf(const Unit* text) noexcept {
+        if constexpr (std::is_same_v<Unit, char>) {
+            return __builtin_strlen(text);
+        } else {
+            std::size_t length = 0;
+            while (text[length] != Unit{}) {
+                ++length;
+            }
+            return length;
+        }
+    }
+
+    static constexpr std::size_t packed(std::size_t size, Form form) noexcept {
+        return size << 2 | static_cast<std::size_t>(form);
+    }
+
+public:
+    constexpr StringView() noexcept = default;
+    constexpr StringView(std::nullptr_t) noexcept {}
+
+    /// UTF-8 up to the zero byte; nil for a null pointer.
+    constexpr StringView(const char* utf8) noexcept
+        : data_(utf8), sizeAndForm_(utf8 == nullptr ? 0 : packed(lengthOf(utf8), Form::utf8)) {}
+
+    /// UTF-16 up to the zero unit; nil for a null pointer.
+    constexpr StringView(const char16_t* units) noexcept
+        : data_(units), sizeAndForm_(units == nullptr ? 0 : packed(lengthOf(units), Form::utf16)) {}
+
+    /// UTF-8 up to the zero byte; nil for a null pointer.
+    StringView(const char8_t* utf8) noexcept : StringView(reinterpret_cast<const char*>(utf8)) {}
+
+    /// No bytes make the empty text, also behind a null pointer: only the one-argument forms make nil.
+    constexpr StringView(const char* utf8, std::size_t byteCount) noexcept
+        : data_(utf8 == nullptr ? "" : utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
+
+    /// No units make the empty text, also behind a null pointer.
+    constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
+        : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
+
+    /// A `std::string` or anything else that has `data` and `size`, as UTF-8.
+    template <class Text>
+        requires detail::TextRange<Text, char>
+    constexpr StringView(const Text& text) noexcept : StringView(text.data(), text.size()) {}
+
+    /// A `std::u16string` or anything else that has `data` and `size`, as UTF-16.
+    template <class Text>
+        requires detail::TextRange<Text, char16_t>
+    constexpr StringView(const Text& text) noexcept : StringView(text.data(), text.size()) {}
+
+    /// The text of a string; nil for a nil string.
+    inline StringView(const NSString& string) noexcept;
+
+    /// A view of bytes that the caller knows to be ASCII.
+    static constexpr StringView ascii(const char* bytes, std::size_t count) noexcept {
+        StringView view;
+        view.data_ = bytes;
+        view.sizeAndForm_ = packed(count, Form::ascii);
+        return view;
+    }
+
+    /// False for the nil text, true for the empty one.
+    constexpr explicit operator bool() const noexcept { return sizeAndForm_ != 0; }
+
+    /// How the text is held.
+    constexpr Form form() const noexcept { return static_cast<Form>(sizeAndForm_ & 3); }
+
+    /// Bytes for `utf8` and `ascii`, UTF-16 units for `utf16`, 0 for nil.
+    constexpr std::size_t size() const noexcept { return sizeAndForm_ >> 2; }
+
+    /// Only for `utf8` and `ascii`.
+    constexpr const char* bytes() const noexcept { return static_cast<const char*>(data_); }
+
+    /// Only for `utf16`.
+    constexpr const char16_t* units() const noexcept { return static_cast<const char16_t*>(data_); }
+
+private:
+    const void* data_ = nullptr;
+    std::size_t sizeAndForm_ = 0;
+};
+
+} // namespace ZQFoundation
+
+#endif

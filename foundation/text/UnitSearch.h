@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_TEXT_UNITSEARCH_H
+#define ZQFOUNDATION_TEXT_UNITSEARCH_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "foundation/text/UnitBlocks.h"
+
+/// Searching unit by unit, in time linear in both texts whatever they hold.
+namespace ZQFoundation::detail {
+
+inline constexpr std::size_t unitNotFound = static_cast<std::size_t>(-1);
+
+/// How far a partial match may fall back when the next item does not fit: for each length the longest shorter
+/// one that ends alike. One entry more than items.
+template <class Item>
+std::vector<std::size_t> fallbacks(const Item* items, std::size_t count) {
+    std::vector<std::size_t> lengths(count + 1, 0);
+    std::size_t length = 0;
+    for (std::size_t i = 1; i < count; ++i) {
+        while (length > 0 && !(items[i] == items[length])) {
+            length = lengths[length];
+        }
+        if (items[i] == items[length]) {
+            ++length;
+        }
+        lengths[i + 1] = length;
+    }
+    return lengths;
+}
+
+/// Units that are compared as they are.
+struct ExactUnits {
+    template <class Unit>
+    static Unit form(Unit unit) noexcept {
+        return unit;
+    }
+
+    /// The first place from `at` on that holds the unit, or `end`.
+    static std::size_t placeOf(char unit, const char* text, std::size_t at, std::size_t end) noexcept {
+        const void* const found = std::memchr(text + at, unit, end - at);
+        return found == nullptr ? end : static_cast<std::size_t>(static_cast<const char*>(found) - text);
+    }
+    static std::size_t placeOf(char16_t unit, const char16_t* text, std::size_t at,
+                               std::size_t end) noexcept {
+        return nextPlace(text, at, end, [lane = Lane<char16_t>{unit}](auto units) { return units == lane; });
+    }
+};
+
+/// ASCII whose letters are compared in lower case; what is wanted has only such.
+struct AsciiInAnyCase {
+    static char form(char unit) noexcept {
+        return unit >= 'A' && unit <= 'Z' ? static_cast<char>(unit | 0x20) : unit;
+    }
+
+    static std::size_t placeOf(char unit, const char* text, std::size_t at, std::size_t end) noexcept {
+        const bool isLetter = unit >= 'a' && unit <= 'z';
+        const auto lower = static_cast<Lane<char>>(unit);
+        const auto upper = static_cast<Lane<char>>(isLetter ? unit & ~0x20 : unit);
+        return nextPlace(text, at, end,
+                         [lower, upper](auto units) { return (units == lower) | (units == upper); });
+    }
+};
+
+/// The first occurrence without looking at any unit twice; for texts that begin to match too often.
+template <class Unit, class Forms = ExactUnits>
+std::size_t findByFallbacks(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
+                            Forms forms = {}) {
+    const std::vector<std::size_t> lengths = fallbacks(wanted, count);
+    std::size_t matched = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        const Unit unit = forms.form(text[i]);
+        while (matched > 0 && unit != wanted[matched]) {
+            matched = lengths[matched];
+        }
+        if (unit == wanted[matched] && ++matched == count) {
+            return i + 1 - count;
+        }
+    }
+    return unitNotFound;
+}
+
+/// The first occurrence, or `unitNotFound`; `count` is at least 1.
+template <class Unit, class Forms = ExactUnits>
+std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
+                      Forms forms = {}) {
+    std::size_t at = 0;
+    // So many units looked at in vain, for each one passed, until the other way pays.
+    constexpr std::size_t patience = 4;
+    std::size_t wasted = 0;
+    while (count <= length - at) {
+        const std::size_t end = length - count + 1;
+        at = forms.placeOf(wanted[0], text, at, end);
+        if (at == end) {
+            return unitNotFound;
+        }
+        std::size_t matched = 1;
+        while (matched < count && forms.form(text[at + matched]) == wanted[matched]) {
+            ++matched;
+        }
+        if (matched == count) {
+            return at;
+        }
+        wasted += matched;
+        ++at;
+        if (wasted > patience * at + 256) {
+            const std::size_t found = findByFallbacks(text + at, length - at, wanted, count, forms);
+            return found == unitNotFound ? found : at + found;
+        }
+    }
+    return unitNotFound;
+}
+
+/// The last occurrence, or `unitNotFound`. Looks from the end backwards.
+template <class Unit>
+std::size_t findLastUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count) {
+    const std::basic_string<Unit> reversedWanted(std::make_reverse_iterator(wanted + count),
+                                                 std::make_reverse_iterator(wanted));
+    const std::vector<std::size_t> lengths = fallbacks(reversedWanted.data(), count);
+    std::size_t matched = 0;
+    for (std::size_t i = length; i > 0; --i) {
+        while (matched > 0 && text[i - 1] != reversedWanted[matched]) {
+            matched = lengths[matched];
+        }
+        if (text[i - 1] == reversedWanted[matched] && ++matched == count) {
+            return i - 1;
+        }
+    }
+    return unitNotFound;
+}
+
+} // namespace ZQFoundation::detail
+
+#endif

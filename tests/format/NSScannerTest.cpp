@@ -1,0 +1,392 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/format/NSScanner.h"
+
+#include <cmath>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/objects/TestValues.h"
+
+namespace {
+
+using namespace ZQFoundation;
+using TestValues::raised;
+using TestValues::utf8Of;
+
+constexpr const char* untouched = "untouched";
+
+struct TextRow {
+    StringView string;
+    std::size_t location;
+    StringView text;
+    bool isCaseSensitive;
+    bool result;
+    StringView output; ///< "untouched": nothing was put out
+    std::size_t after;
+};
+
+using TextScan = bool (NSScanner::*)(StringView, NSString*);
+
+template <std::size_t size>
+void expectRows(TextScan scan, const TextRow (&rows)[size]) {
+    for (std::size_t i = 0; i < size; ++i) {
+        const TextRow& row = rows[i];
+        NSScanner scanner(row.string);
+        scanner.setScanLocation(row.location);
+        scanner.setCaseSensitive(row.isCaseSensitive);
+        NSString output = untouched;
+        EXPECT_EQ((scanner.*scan)(row.text, &output), row.result) << i;
+        EXPECT_EQ(utf8Of(output), utf8Of(row.output)) << i;
+        EXPECT_EQ(scanner.scanLocation(), row.after) << i;
+        scanner.setScanLocation(row.location);
+        EXPECT_EQ((scanner.*scan)(row.text, nullptr), row.result) << i;
+        EXPECT_EQ(scanner.scanLocation(), row.after) << i;
+    }
+}
+
+TEST(NSScanner, scansUpToAText) {
+    const TextRow rows[] = {
+        {"key: value", 0, ":", false, true, "key", 3}, {"key: value", 3, ":", false, false, untouched, 3},
+        {"  : x", 0, ":", false, false, untouched, 0}, {"abc", 0, "B", false, true, "a", 1},
+        {"abc", 0, "B", true, true, "abc", 3},         {"abc", 0, "b", true, true, "a", 1},
+        {"abc   ", 0, "z", false, true, "abc   ", 6},  {"a b", 0, " b", false, true, "a", 1},
+        {"   ", 0, "a", false, false, untouched, 0},   {"", 0, "a", false, false, untouched, 0},
+        {"abc", 3, "a", false, false, untouched, 3},   {" \t\r\nab:", 0, ":", false, true, "ab", 6},
+        {"ab:cd:", 3, ":", false, true, "cd", 5},      {"aab", 0, "ab", false, true, "a", 1},
+        {"größe: 3", 0, ":", false, true, "größe", 5}, {"日本。x", 0, "。", false, true, "日本", 2},
+        {"abc", 0, "", false, true, "abc", 3},         {" abc ", 0, "", false, true, "abc ", 5},
+        {"abc", 0, nullptr, false, true, "abc", 3},    {"  ", 0, "", false, false, untouched, 0},
+    };
+    expectRows(&NSScanner::scanUpToString_intoString, rows);
+}
+
+TEST(NSScanner, scansAText) {
+    const TextRow rows[] = {
+        {"  : x", 0, ":", false, true, ":", 3},
+        {"key: value", 0, "key", false, true, "key", 3},
+        {"Key: value", 0, "kEY", false, true, "Key", 3},
+        {"Key: value", 0, "key", true, false, untouched, 0},
+        {"Key: value", 0, "Key", true, true, "Key", 3},
+        {"  key", 0, "value", false, false, untouched, 0},
+        {"  x", 0, " x", false, false, untouched, 0},
+        {"ke", 0, "key", false, false, untouched, 0},
+        {"key", 0, "key", false, true, "key", 3},
+        {"abkey", 0, "key", false, false, untouched, 0},
+        {"abc", 0, "", false, false, untouched, 0},
+        {"abc", 0, nullptr, false, false, untouched, 0},
+        {"", 0, "a", false, false, untouched, 0},
+        {"[x]{x}", 0, "{X", false, false, untouched, 0}, // a fold of letters alone
+        {"@", 0, "`", false, false, untouched, 0},
+        {"é!", 0, "é", false, true, "é", 1},
+        {"É!", 0, "é", false, true, "É", 1},
+        {"É!", 0, "é", true, false, untouched, 0},
+        {"xyé", 0, "xy", false, true, "xy", 2},
+        {"xyé", 0, "xyz", false, false, untouched, 0},
+        {"e\u0301", 0, "e", false, false, untouched, 0}, // the mark belongs to the letter
+        {"e\u0301!", 0, "\u00E9", false, true, "e\u0301", 2},
+        {"straße", 0, "STRASSE", false, true, "straße", 6},
+        {"\u212Ax", 0, "kx", false, true, "\u212Ax", 2},
+    };
+    expectRows(&NSScanner::scanString_intoString, rows);
+}
+
+TEST(NSScanner, scansATextWhereTheScanUpToItFailed) {
+    NSScanner scanner("  : x");
+    EXPECT_FALSE(scanner.scanUpToString_intoString(":", nullptr));
+    EXPECT_TRUE(scanner.scanString_intoString(":", nullptr));
+    EXPECT_EQ(scanner.scanLocation(), 3U);
+}
+
+TEST(NSScanner, isAtEndWhenOnlyCharactersToBeSkippedRemain) {
+    struct Row {
+        StringView string;
+        std::size_t location;
+        bool isAtEnd;
+    };
+    const Row rows[] = {{"", 0, true},
+                        {"a", 0, false},
+                        {"a", 1, true},
+                        {"a \t\r\n", 1, true},
+                        {"a  b", 1, false},
+                        {"   ", 0, true},
+                        {"\u00A0\u2028", 0, true},
+                        {"\u200B", 0, false},
+                        {"a\u001C", 1, false},
+                        {nullptr, 0, true}};
+    for (const Row& row : rows) {
+        NSScanner scanner(row.string);
+        scanner.setScanLocation(row.location);
+        EXPECT_EQ(scanner.isAtEnd(), row.isAtEnd) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.location);
+    }
+}
+
+TEST(NSScanner, skipsWhatItIsToldTo) {
+    NSScanner scanner("--a -b");
+    scanner.setCharactersToBeSkipped(NSCharacterSet::characterSetWithCharactersInString("-"));
+    EXPECT_TRUE(scanner.scanString_intoString("a", nullptr));
+    EXPECT_FALSE(scanner.scanString_intoString("b", nullptr));
+    EXPECT_TRUE(scanner.scanString_intoString(" ", nullptr));
+    EXPECT_TRUE(scanner.scanString_intoString("b", nullptr));
+    EXPECT_TRUE(scanner.isAtEnd());
+}
+
+TEST(NSScanner, skipsNothingForANilOrEmptySet) {
+    for (const NSCharacterSet& none : {NSCharacterSet(), NSCharacterSet::emptyCharacterSet()}) {
+        NSScanner scanner(" a ");
+        scanner.setCharactersToBeSkipped(none);
+        EXPECT_EQ(scanner.charactersToBeSkipped(), none);
+        EXPECT_FALSE(scanner.scanString_intoString("a", nullptr));
+        EXPECT_TRUE(scanner.scanString_intoString(" a", nullptr));
+        EXPECT_FALSE(scanner.isAtEnd());
+        NSString rest;
+        EXPECT_TRUE(scanner.scanUpToString_intoString("z", &rest));
+        EXPECT_EQ(rest, " ");
+        EXPECT_TRUE(scanner.isAtEnd());
+    }
+}
+
+TEST(NSScanner, startsAtTheFrontIgnoringCaseAndSkippingWhiteSpace) {
+    const NSScanner scanner = NSScanner::scannerWithString("abc");
+    EXPECT_EQ(scanner.string(), "abc");
+    EXPECT_EQ(scanner.scanLocation(), 0U);
+    EXPECT_FALSE(scanner.caseSensitive());
+    EXPECT_EQ(scanner.charactersToBeSkipped(), NSCharacterSet::whitespaceAndNewlineCharacterSet());
+}
+
+TEST(NSScanner, readsANilStringAsTheEmptyOne) {
+    NSScanner scanner(nullptr);
+    EXPECT_EQ(scanner.string(), "");
+    EXPECT_TRUE(scanner.isAtEnd());
+    EXPECT_FALSE(scanner.scanUpToString_intoString("a", nullptr));
+    EXPECT_FALSE(scanner.scanInt(nullptr));
+    scanner.setScanLocation(0);
+}
+
+TEST(NSScanner, refusesALocationBeyondTheEnd) {
+    NSScanner scanner("abc");
+    scanner.setScanLocation(3);
+    EXPECT_EQ(raised([&] { scanner.setScanLocation(4); }), "NSRangeException");
+    EXPECT_EQ(raised([&] { scanner.setScanLocation(SIZE_MAX); }), "NSRangeException");
+    EXPECT_EQ(scanner.scanLocation(), 3U);
+}
+
+TEST(NSScanner, takesTheLongestStretchOfMembers) {
+    NSScanner scanner("  12ab 34");
+    const NSCharacterSet digits = NSCharacterSet::decimalDigitCharacterSet();
+    NSString taken = untouched;
+    EXPECT_TRUE(scanner.scanCharactersFromSet_intoString(digits, &taken));
+    EXPECT_EQ(taken, "12");
+    EXPECT_EQ(scanner.scanLocation(), 4U);
+    taken = untouched;
+    EXPECT_FALSE(scanner.scanCharactersFromSet_intoString(digits, &taken));
+    EXPECT_EQ(taken, untouched);
+    EXPECT_EQ(scanner.scanLocation(), 4U);
+    EXPECT_TRUE(scanner.scanUpToCharactersFromSet_intoString(digits, &taken));
+    EXPECT_EQ(taken, "ab ");
+    EXPECT_FALSE(scanner.scanUpToCharactersFromSet_intoString(digits, nullptr));
+    EXPECT_TRUE(scanner.scanCharactersFromSet_intoString(digits, nullptr));
+    EXPECT_FALSE(scanner.scanCharactersFromSet_intoString(digits, nullptr));
+    EXPECT_FALSE(scanner.scanUpToCharactersFromSet_intoString(digits, nullptr));
+}
+
+TEST(NSScanner, findsNoMembersOfANilSet) {
+    NSScanner scanner(" abc");
+    EXPECT_FALSE(scanner.scanCharactersFromSet_intoString(nullptr, nullptr));
+    NSString taken;
+    EXPECT_TRUE(scanner.scanUpToCharactersFromSet_intoString(nullptr, &taken));
+    EXPECT_EQ(taken, "abc");
+}
+
+TEST(NSScanner, doesNotSkipMembersThatAreToBeSkipped) {
+    NSScanner scanner("   ");
+    EXPECT_FALSE(scanner.scanCharactersFromSet_intoString(NSCharacterSet::whitespaceCharacterSet(), nullptr));
+    scanner.setCharactersToBeSkipped(nullptr);
+    EXPECT_TRUE(scanner.scanCharactersFromSet_intoString(NSCharacterSet::whitespaceCharacterSet(), nullptr));
+    EXPECT_EQ(scanner.scanLocation(), 3U);
+}
+
+struct IntegerRow {
+    StringView string;
+    bool result;
+    std::int64_t wide;
+    int narrow;
+    std::size_t after;
+};
+
+const IntegerRow integerRows[] = {
+    {"12", true, 12, 12, 2},
+    {"  12abc", true, 12, 12, 4},
+    {"\n-7 ", true, -7, -7, 3},
+    {"+012", true, 12, 12, 4},
+    {"12.9", true, 12, 12, 2},
+    {"1e3", true, 1, 1, 1},
+    {"0x10", true, 0, 0, 1},
+    {"1٣", true, 1, 1, 1},
+    {"７", false, 0, 0, 0},
+    {"", false, 0, 0, 0},
+    {"  ", false, 0, 0, 0},
+    {"abc", false, 0, 0, 0},
+    {"-", false, 0, 0, 0},
+    {"--5", false, 0, 0, 0},
+    {"- 5", false, 0, 0, 0},
+    {"2147483647", true, 2147483647, 2147483647, 10},
+    {"2147483648", true, 2147483648, 2147483647, 10},
+    {"-2147483649", true, -2147483649, INT32_MIN, 11},
+    {"9223372036854775808!", true, INT64_MAX, 2147483647, 19},
+    {"-99999999999999999999!", true, INT64_MIN, INT32_MIN, 21},
+};
+
+TEST(NSScanner, readsIntegers) {
+    for (const IntegerRow& row : integerRows) {
+        NSScanner scanner(row.string);
+        std::int64_t wide = 77;
+        EXPECT_EQ(scanner.scanInteger(&wide), row.result) << utf8Of(row.string);
+        EXPECT_EQ(wide, row.result ? row.wide : 77) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+        scanner.setScanLocation(0);
+        int narrow = 77;
+        EXPECT_EQ(scanner.scanInt(&narrow), row.result) << utf8Of(row.string);
+        EXPECT_EQ(narrow, row.result ? row.narrow : 77) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+        scanner.setScanLocation(0);
+        EXPECT_EQ(scanner.scanLongLong(nullptr), row.result) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+    }
+}
+
+struct RealRow {
+    StringView string;
+    bool result;
+    double value;
+    std::size_t after;
+};
+
+const RealRow realRows[] = {
+    {" 1.5x", true, 1.5, 4},
+    {"-.5", true, -0.5, 3},
+    {"5.", true, 5, 2},
+    {"1e3", true, 1000, 3},
+    {"1e", true, 1, 1},
+    {"1e+", true, 1, 1},
+    {"1,5", true, 1, 1},
+    {"1.2.3", true, 1.2, 3},
+    {".", false, 0, 0},
+    {"", false, 0, 0},
+    {" -", false, 0, 0},
+    {"inf", false, 0, 0},
+    {"nan", false, 0, 0},
+    {"0x1p3", true, 0, 1},
+    {"1e400 ", true, HUGE_VAL, 5},
+    {"-1e400", true, -HUGE_VAL, 6},
+    {"ä", false, 0, 0},
+    {"2.5ä", true, 2.5, 3},
+};
+
+TEST(NSScanner, readsReals) {
+    for (const RealRow& row : realRows) {
+        NSScanner scanner(row.string);
+        double value = 77;
+        EXPECT_EQ(scanner.scanDouble(&value), row.result) << utf8Of(row.string);
+        EXPECT_EQ(value, row.result ? row.value : 77) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+        scanner.setScanLocation(0);
+        float single = 77;
+        EXPECT_EQ(scanner.scanFloat(&single), row.result) << utf8Of(row.string);
+        EXPECT_EQ(single, row.result ? static_cast<float>(row.value) : 77) << utf8Of(row.string);
+        scanner.setScanLocation(0);
+        EXPECT_EQ(scanner.scanDouble(nullptr), row.result) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+    }
+}
+
+struct HexRow {
+    StringView string;
+    bool result;
+    std::uint64_t wide;
+    unsigned narrow;
+    std::size_t after;
+};
+
+const HexRow hexRows[] = {
+    {"ff", true, 0xFF, 0xFF, 2},
+    {"  0xFFg", true, 0xFF, 0xFF, 6},
+    {"0Xab", true, 0xAB, 0xAB, 4},
+    {"DeadBeef", true, 0xDEADBEEF, 0xDEADBEEF, 8},
+    {"0", true, 0, 0, 1},
+    {"0x", true, 0, 0, 1},
+    {"0xg", true, 0, 0, 1},
+    {"x1", false, 0, 0, 0},
+    {"", false, 0, 0, 0},
+    {"-1", false, 0, 0, 0},
+    {"１", false, 0, 0, 0},
+    {"100000000", true, 0x100000000, UINT32_MAX, 9},
+    {"ffffffffffffffff", true, UINT64_MAX, UINT32_MAX, 16},
+    {"0000000000000000001", true, 1, 1, 19},
+    {"10000000000000000!", true, UINT64_MAX, UINT32_MAX, 17},
+    {"0x1ä", true, 1, 1, 3},
+};
+
+TEST(NSScanner, readsHexadecimalNumbers) {
+    for (const HexRow& row : hexRows) {
+        NSScanner scanner(row.string);
+        std::uint64_t wide = 77;
+        EXPECT_EQ(scanner.scanHexLongLong(&wide), row.result) << utf8Of(row.string);
+        EXPECT_EQ(wide, row.result ? row.wide : 77) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+        scanner.setScanLocation(0);
+        unsigned narrow = 77;
+        EXPECT_EQ(scanner.scanHexInt(&narrow), row.result) << utf8Of(row.string);
+        EXPECT_EQ(narrow, row.result ? row.narrow : 77) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+    }
+}
+
+TEST(NSScanner, skipsItsOwnCharactersAndThenWhiteSpaceBeforeANumber) {
+    NSScanner scanner("##  12");
+    scanner.setCharactersToBeSkipped(NSCharacterSet::characterSetWithCharactersInString("#"));
+    int value = 0;
+    EXPECT_TRUE(scanner.scanInt(&value));
+    EXPECT_EQ(value, 12);
+    scanner.setScanLocation(0);
+    double real = 0;
+    EXPECT_TRUE(scanner.scanDouble(&real));
+    EXPECT_EQ(real, 12);
+}
+
+TEST(NSScanner, putsOutIntoTheTextThatItLooksFor) {
+    NSScanner scanner("KEY=x");
+    NSString text = "key";
+    EXPECT_TRUE(scanner.scanString_intoString(text, &text));
+    EXPECT_EQ(text, "KEY");
+    text = "x";
+    EXPECT_TRUE(scanner.scanUpToString_intoString(text, &text));
+    EXPECT_EQ(text, "=");
+}
+
+TEST(NSScanner, readsALongTextPieceByPiece) {
+    constexpr int lines = 20000;
+    std::string text;
+    for (int i = 0; i < lines; ++i) {
+        text += "key" + std::to_string(i) + " = " + std::to_string(i * 3) + ";\n";
+    }
+    for (const char* const tail : {"", "é"}) { // held as bytes, and as units
+        NSScanner scanner(text + tail);
+        for (int i = 0; i < lines; ++i) {
+            NSString key;
+            int value = -1;
+            ASSERT_TRUE(scanner.scanUpToString_intoString(" =", &key));
+            scanner.setCharactersToBeSkipped(nullptr);
+            ASSERT_TRUE(scanner.scanString_intoString(" = ", nullptr));
+            scanner.setCharactersToBeSkipped(NSCharacterSet::whitespaceAndNewlineCharacterSet());
+            ASSERT_TRUE(scanner.scanInt(&value));
+            ASSERT_TRUE(scanner.scanString_intoString(";", nullptr));
+            ASSERT_EQ(utf8Of(key), "key" + std::to_string(i));
+            ASSERT_EQ(value, i * 3);
+        }
+        EXPECT_EQ(scanner.isAtEnd(), *tail == '\0');
+    }
+}
+
+} // namespace

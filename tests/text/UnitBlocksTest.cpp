@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "foundation/text/UnitBlocks.h"
+#include "tests/objects/RandomTexts.h"
+
+using namespace ZQFoundation::detail;
+
+namespace {
+
+constexpr auto isComma = [](auto unit) {
+    return unit == ',';
+};
+
+template <class Text>
+void expectPlaces(const Text& text) {
+    using Unit = typename Text::value_type;
+    // From every alignment, with the text's end right behind what may be read.
+    for (std::size_t start = 0; start <= std::min<std::size_t>(text.size(), 33); ++start) {
+        const Text part(text, start);
+        const std::size_t found = part.find(Unit{','});
+        ASSERT_EQ(nextPlace(part.data(), 0, part.size(), isComma), std::min(found, part.size()));
+        ASSERT_EQ(nextPlace(text.data(), start, text.size(), isComma), start + std::min(found, part.size()));
+        ASSERT_EQ(countPlaces(text.data() + start, part.size(), isComma),
+                  static_cast<std::size_t>(std::count(part.begin(), part.end(), Unit{','})));
+    }
+}
+
+TEST(UnitBlocks, findAndCountAtEveryPlaceOfEveryLength) {
+    for (std::size_t length = 0; length <= 200; ++length) {
+        expectPlaces(std::string(length, 'a'));
+        expectPlaces(std::u16string(length, u'\u20ac'));
+        for (std::size_t at = 0; at < length; at += length / 17 + 1) {
+            std::string bytes(length, 'a');
+            bytes[at] = ',';
+            expectPlaces(bytes);
+            expectPlaces(std::u16string(bytes.begin(), bytes.end()));
+        }
+    }
+}
+
+TEST(UnitBlocks, countMoreThanALaneHolds) {
+    for (const std::size_t length : {4079U, 4080U, 4081U, 4096U, 8161U, 200000U}) {
+        EXPECT_EQ(countPlaces(std::string(length, ',').data(), length, isComma), length);
+        EXPECT_EQ(countPlaces(std::u16string(length, u',').data(), length, isComma), length);
+    }
+    const std::u16string many(3000000, u',');
+    EXPECT_EQ(countPlaces(many.data(), many.size(), isComma), many.size());
+}
+
+TEST(UnitBlocks, compareUnitsAsUnsignedNumbers) {
+    const auto isHigh = [](auto unit) {
+        return unit >= 0xD800;
+    };
+    std::u16string text(40, u'\u7FFF');
+    EXPECT_EQ(nextPlace(text.data(), 0, text.size(), isHigh), 40U);
+    text[21] = 0xFFFF;
+    EXPECT_EQ(nextPlace(text.data(), 0, text.size(), isHigh), 21U);
+    EXPECT_EQ(countPlaces(text.data(), text.size(), isHigh), 1U);
+}
+
+} // namespace
