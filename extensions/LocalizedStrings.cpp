@@ -9,13 +9,22 @@ namespace ZQFoundation {
 
 namespace {
 
+/// As of a bundle without any tables. Never nil, since that would be no format.
+NSString textOfNoBundle(const NSString& key, const NSString& defaultValue) {
+    if (defaultValue.length() > 0) {
+        return defaultValue;
+    }
+    return key ? key : NSString("");
+}
+
 /// The localized text as a format whose one argument stands for the caller's whole list. It is no value and
 /// nothing of the caller's, so that a text from a table decides nothing about what is read.
 NSString formattedText(const NSString& key, const NSString& table, const NSBundle& bundle,
                        const NSString& defaultValue) {
     const Argument argumentList(nullptr);
-    return NSString::stringWithFormat_arguments(
-        bundle.localizedStringForKey_value_table(key, defaultValue, table), {&argumentList, 1});
+    const NSString text = bundle ? bundle.localizedStringForKey_value_table(key, defaultValue, table)
+                                 : textOfNoBundle(key, defaultValue);
+    return NSString::stringWithFormat_arguments(text, {&argumentList, 1});
 }
 
 } // namespace

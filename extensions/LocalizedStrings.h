@@ -11,8 +11,9 @@
 /// format with values, use `NSString::initWithLocalizedFormat`.
 ///
 /// Without a bundle in their name they search the main one; without a table, or with a nil or empty one,
-/// `Localizable`. A key that is missing there gives the default value where there is one that is not empty,
-/// else the key. `comment`, a note to translators, is never read. Callable from any thread.
+/// `Localizable`. A key that is missing there, and any key of a nil bundle, gives the default value where
+/// there is one that is not empty, else the key; a nil key gives the default value, else an empty text.
+/// `comment`, a note to translators, is never read. Nothing raises. Callable from any thread.
 namespace ZQFoundation {
 
 #ifdef __clang__

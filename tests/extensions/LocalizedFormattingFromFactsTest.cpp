@@ -13,7 +13,6 @@
 #include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
-using TestValues::raised;
 using TestValues::utf8Of;
 
 namespace {
@@ -325,11 +324,6 @@ TEST_F(LocalizedFormattingFromFacts, functionsNeverPutInTheCallersValues) {
 TEST_F(LocalizedFormattingFromFacts, functionsRenderConversionsAsDocumented) {
     EXPECT_EQ(utf8Of(ZQLocalizedStringWithFormat("%d files", nullptr, 3)), "0 documents");
     EXPECT_EQ(utf8Of(ZQLocalizedStringWithFormat("a %@ b", nullptr, NSString("x"))), "a (null) b");
-}
-
-TEST_F(LocalizedFormattingFromFacts, functionsHaveNothingToFormatWithoutABundle) {
-    EXPECT_EQ(raised([] { ZQLocalizedStringFromTableInBundleWithFormat("Done", nullptr, nullptr, nullptr); }),
-              "NSInvalidArgumentException");
 }
 
 // Languages: chosen once in a process

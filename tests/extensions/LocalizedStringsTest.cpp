@@ -2,7 +2,6 @@
 #include "extensions/LocalizedStrings.h"
 
 #include "foundation/objects/NSArray.h"
-#include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
 #include "tests/extensions/LocalizedScene.h"
 
@@ -138,12 +137,34 @@ TEST(LocalizedStrings, theCommentIsNeverRead) {
     }
 }
 
-TEST(LocalizedStrings, aNilKeyGivesTheDefaultValueAndANilBundleRaises) {
+TEST(LocalizedStrings, aNilKeyGivesTheDefaultValueElseAnEmptyText) {
     const Application application("en");
     EXPECT_EQ(ZQLocalizedStringWithFormat(nullptr, ""), "");
     EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat(nullptr, nullptr, NSBundle::mainBundle(), "x", ""),
               "x");
-    EXPECT_THROW(ZQLocalizedStringFromTableInBundleWithFormat("greeting", nullptr, nullptr, ""), NSException);
+}
+
+TEST(LocalizedStrings, aNilBundleHasNoTexts) {
+    const Application application("en");
+    struct Row {
+        const char* key;
+        NSString defaultValue;
+        const char* expected;
+    };
+    const Row rows[] = {{"greeting", "Fallback", "Fallback"}, {"greeting", "50%%", "50%"},
+                        {"greeting", "", "greeting"},         {"25%% done", nullptr, "25% done"},
+                        {nullptr, "Fallback", "Fallback"},    {nullptr, nullptr, ""}};
+    const NSBundle none;
+    for (const Row& row : rows) {
+        EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormat(row.key, "Menu", none, row.defaultValue, ""),
+                  row.expected);
+        EXPECT_EQ(
+            ZQLocalizedStringWithDefaultValueWithFormatv(row.key, nullptr, none, row.defaultValue, "", {}),
+            row.expected);
+    }
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormat("greeting", nullptr, none, ""), "greeting");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormatv("%d files", "Menu", none, "", {}), "0 files");
+    EXPECT_EQ(ZQLocalizedStringFromTableInBundleWithFormat(nullptr, nullptr, none, ""), "");
 }
 
 TEST(LocalizedStrings, theLanguageIsThatOfTheProcess) {
