@@ -346,7 +346,8 @@ NSDictionary NSBundle::infoDictionary() const {
 }
 
 NSString NSBundle::bundleIdentifier() const {
-    return infoDictionary().objectForKey("CFBundleIdentifier").as<NSString>();
+    const NSString identifier = infoDictionary().objectForKey("CFBundleIdentifier").as<NSString>();
+    return identifier.length() > 0 ? identifier : NSString();
 }
 
 NSObject NSBundle::objectForInfoDictionaryKey(StringView key) const {

@@ -47,7 +47,7 @@ public:
     /// The same folder; two nil handles are the same too.
     friend constexpr bool operator==(NSBundle left, NSBundle right) noexcept = default;
 
-    /// The Info dictionary's `CFBundleIdentifier`; nil when it has none or it is no string.
+    /// The Info dictionary's `CFBundleIdentifier`; nil when it has none, or an empty one, or it is no string.
     NSString bundleIdentifier() const;
 
     /// The Info dictionary as it stands in its file; empty without one.

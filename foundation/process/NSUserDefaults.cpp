@@ -57,7 +57,7 @@ NSDictionary commandLineDomain() {
 
 NSDictionary applicationFileValues() {
     const NSString identifier = NSBundle::mainBundle().bundleIdentifier();
-    const NSString domain = identifier.length() > 0 ? identifier : NSProcessInfo::processInfo().processName();
+    const NSString domain = identifier ? identifier : NSProcessInfo::processInfo().processName();
     return applicationFile.values(detail::fileOfDomain(domain));
 }
 

@@ -481,7 +481,7 @@ TEST(DefaultsReportFromFacts, gathersTheIdentifierEvenForNoSection) {
     EXPECT_EQ(defaultsReport(), (Lines{warning("This application does not have an info dictionary")}));
 }
 
-TEST(DefaultsReportFromFacts, takesAnEmptyIdentifierForOne) {
+TEST(DefaultsReportFromFacts, namesNoCommandsForAnEmptyIdentifier) {
     const Facts facts([] {
         factstest::Given given =
             withInfo(plistOf(entry("CFBundleIdentifier", "") + entry("NSHumanReadableShortName", "Viewer") +
@@ -489,9 +489,8 @@ TEST(DefaultsReportFromFacts, takesAnEmptyIdentifierForOne) {
         given.settings = {traced};
         return given;
     }());
-    EXPECT_EQ(defaultsReport(),
-              (Lines{"Debug logging:", "TraceIO is active.  Deactivate using: defaults write  TraceIO NO",
-                     separator}));
+    EXPECT_EQ(defaultsReport(), (Lines{warning("This application does not have an appIdentifier!"),
+                                       "Debug logging:", "TraceIO is active.", separator}));
 }
 
 TEST(DefaultsReportFromFacts, keepsTheTraceKeysButReadsTheOthersAfresh) {

@@ -85,10 +85,12 @@ TEST(ApplicationReportFromFacts, warnsOfEveryMissingFactInOrder) {
          "Viewer",
          {noShortVersion, noVersion}},
         {name, "2|(nil)|Viewer|en|(nil)|(nil)", "Viewer", {noIdentifier, noShortVersion, noVersion}},
-        // Present is present, empty or not.
+        // Versions are present, empty or not; an empty identifier identifies nothing.
         {entry("CFBundleIdentifier", "") + name + entry("CFBundleShortVersionString", "") +
              entry("CFBundleVersion", ""),
-         "5||Viewer|en||", "Viewer  v", nothing},
+         "4|(nil)|Viewer|en||",
+         "Viewer  v",
+         {noIdentifier}},
     };
     for (const Row& row : rows) {
         const Facts facts(factstest::withInfo(plistOf(row.entries)));

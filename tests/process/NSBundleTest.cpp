@@ -260,7 +260,8 @@ TEST_F(NSBundleTest, infoFilesOfNoUseCountAsEmpty) {
         {"array", "(CFBundleIdentifier)"},
         {"noise", std::string("\xFF\0\x80", 3)},
         {"too large", "{ CFBundleIdentifier = a; }" + std::string(std::size_t{16} << 20, ' ')},
-        {"identifier of another kind", "{ CFBundleIdentifier = (a); }"}};
+        {"identifier of another kind", "{ CFBundleIdentifier = (a); }"},
+        {"empty identifier", "{ CFBundleIdentifier = \"\"; }"}};
     for (const auto& [name, bytes] : files) {
         const NSBundle b = bundle(name, bytes);
         EXPECT_FALSE(b.bundleIdentifier()) << name;
