@@ -25,7 +25,9 @@ public:
     /// "Viewer 2.1 v417": the name, the short version and the version, without what is missing. Never nil.
     static NSString appInfoString();
 
-    /// `osVersion`, `osBuild`, `osNameInternal` and `osName`, all of them.
+    /// `osVersion`, `osBuild`, `osNameInternal` and `osName`, all of them. `osName` is the name under which
+    /// the maker of the system version file sold that version; facts from elsewhere keep the name they come
+    /// with.
     ///
     /// Raises NSInvalidArgumentException when the system version file cannot be read or lacks its version,
     /// build or name. A system that is described by `/etc/os-release`, or by neither, always has all.

@@ -21,6 +21,7 @@ namespace {
 
 struct Release {
     NSDictionary dictionary;
+    bool isMakers = false;    // of the maker whose releases the release tests ask about
     std::uint64_t major_ = 0; // the bare names are macros in some systems' headers
     std::uint64_t minor_ = 0;
     std::uint64_t patch_ = 0;
@@ -57,16 +58,17 @@ const Release& release() {
     }
     const detail::CallerState callerState;
     auto* const fresh = new Release;
+    fresh->isMakers = detail::usesSystemVersionFile();
     fresh->dictionary = detail::systemVersionDictionary();
     readNumbers(NSString(fresh->dictionary.objectForKey("ProductVersion")), *fresh);
     // Threads that come here at once read the same; what the first of them found stays.
     return detail::publishOnce(knownRelease, fresh);
 }
 
-/// Whatever comes after version 10 is later than every 10.x.
+/// Whatever comes after version 10 is later than every 10.x. The version 12 of another system says nothing.
 bool isAtLeast10Dot(std::uint64_t minorNumber) {
     const Release& known = release();
-    return known.major_ > 10 || (known.major_ == 10 && known.minor_ >= minorNumber);
+    return known.isMakers && (known.major_ > 10 || (known.major_ == 10 && known.minor_ >= minorNumber));
 }
 
 NSString localized(const NSString& text) {

@@ -29,7 +29,8 @@ public:
     static std::uint64_t osVersionMinor();
     static std::uint64_t osVersionPatch();
 
-    /// A first component above 10, or 10 and a second one of at least 12, 13, 14, 15, 16.
+    /// Whether the system version file has a first component above 10, or 10 and a second one of at least 12,
+    /// 13, 14, 15, 16. False on a system without that file, whatever the numbers of its own release are.
     static bool isSierraOrLater();
     static bool isHighSierraOrLater();
     static bool isMojaveOrLater();

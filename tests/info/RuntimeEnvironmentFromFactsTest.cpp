@@ -381,8 +381,8 @@ TEST(RuntimeEnvironmentFromFacts, readsTheDescriptionsOfDistributions) {
                     if (factstest::hasNumbers(row)) {
                         EXPECT_EQ(Environment::osVersionMajor(), row.versionMajor);
                         EXPECT_EQ(Environment::osVersionMinor(), row.versionMinor);
-                        EXPECT_EQ(releaseTests(), row.versionMajor > 10 ? "YYYYY" : "nnnnn");
                     }
+                    EXPECT_EQ(releaseTests(), "nnnnn") << "they ask about another maker's releases";
                 },
                 row.label);
         }
