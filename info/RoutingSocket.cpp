@@ -172,11 +172,13 @@ std::uint32_t getLocalIPAddressOfInterfaceOfRouteTo(const char* destination) {
     Lookup& lookup = keptLookup(socket);
     const pid_t process = getpid();
     const std::size_t length = writeRequest(lookup, destination);
-    if (transport().write(socket, lookup.buffer, length) < 0) {
+    const std::ptrdiff_t written = transport().write(socket, lookup.buffer, length);
+    const bool receivingFailed = written == RouteTransport::receivingFailed;
+    if (written < 0 && !receivingFailed) {
         warn("error in writing to routing socket");
         return 0;
     }
-    if (!readReply(lookup, process)) {
+    if (receivingFailed || !readReply(lookup, process)) {
         warn("error in reading from routing socket");
         return 0;
     }

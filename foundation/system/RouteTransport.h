@@ -14,6 +14,10 @@ public:
     /// A socket for route lookups, close-on-exec; -1 with `errno` on failure.
     virtual int open() noexcept = 0;
 
+    /// What `write` returns when the request went out, but receiving failed before anything said whether the
+    /// kernel refuses it.
+    static constexpr std::ptrdiff_t receivingFailed = -2;
+
     /// Sends one request of `count` bytes. Negative with `errno` on failure, a refusal by the kernel
     /// included.
     virtual std::ptrdiff_t write(int socket, const void* message, std::size_t count) noexcept = 0;

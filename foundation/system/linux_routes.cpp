@@ -182,7 +182,7 @@ public:
         // A refusal comes back as a message too. Here it is taken; any other answer is left for `read`.
         RouteAnswer answer;
         if (receive(socket, answer, MSG_PEEK) < 0) {
-            return -1;
+            return receivingFailed; // now, since the error need not come a second time
         }
         if (const int error = errorOf(answer)) {
             receive(socket, answer, 0);

@@ -14,6 +14,7 @@
 #include "info/NetworkInfo.h"
 #include "tests/info/NetworkScene.h"
 #include "tests/log/LogTestSupport.h"
+#include "tests/process/RefusedCalls.h"
 
 using namespace ZQFoundation;
 using detail::system::RouteAddress;
@@ -526,6 +527,25 @@ TEST(RoutingSocketOfTheKernel, keepsOneSocketForEachCallThatNoChildInherits) {
     for (const auto& [descriptor, closesAtExec] : after) {
         EXPECT_TRUE(closesAtExec) << descriptor;
     }
+}
+
+TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
+    EXPECT_TRUE(logtest::inChild([] {
+        if (!scene::refuseCall(SYS_recvfrom, EIO)) {
+            return false;
+        }
+        const Outcome outcome = lookUp("127.0.0.1");
+        EXPECT_EQ(outcome.address, 0u);
+        EXPECT_EQ(outcome.written, failureLine("error in reading from routing socket", EIO));
+        return !testing::Test::HasFailure();
+    }));
+    EXPECT_TRUE(logtest::inChild([] {
+        if (!scene::refuseCall(SYS_sendto, EIO)) {
+            return false;
+        }
+        EXPECT_EQ(lookUp("127.0.0.1").written, failureLine("error in writing to routing socket", EIO));
+        return !testing::Test::HasFailure();
+    }));
 }
 
 TEST(RoutingSocketOfTheKernel, followsTheRoutes) {

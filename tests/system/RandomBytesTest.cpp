@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <cstddef>
+#include <cerrno>
 #include <cstring>
 #include <set>
 #include <string>
 
 #if __has_include(<linux/seccomp.h>)
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
+
+#include "tests/process/RefusedCalls.h"
 #endif
 
 #include "foundation/system/System.h"
@@ -51,18 +49,7 @@ TEST(RandomBytes, areOthersAtEveryCall) {
 
 #if __has_include(<linux/seccomp.h>) // elsewhere the call cannot fail
 
-/// Makes the kernel refuse its call for random bytes from here on.
-bool forbidTheCall() {
-    sock_filter program[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_getrandom, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    sock_fprog filter{4, program};
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
-}
+bool forbidTheCall() { return scene::refuseCall(SYS_getrandom, EPERM); }
 
 bool areDifferent(int calls) {
     std::set<std::string> seen;

@@ -11,18 +11,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#if __has_include(<linux/seccomp.h>)
-#include <cstddef>
-
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
-#endif
-
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
 #include "tests/tools/ToolScene.h"
+
+#if __has_include(<linux/seccomp.h>)
+#include "tests/process/RefusedCalls.h"
+#endif
 
 using namespace ZQFoundation;
 using scene::become;
@@ -84,15 +79,7 @@ TEST(DefaultsToolWriters, loseNoKeyOfOneAnother) {
 /// From here on this process and its children cannot lock whole files and folders, as on a network file
 /// system.
 void refuseFolderLocks() {
-    sock_filter steps[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EBADF),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    const sock_fprog program{static_cast<unsigned short>(std::size(steps)), steps};
-    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-        ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0 || ::flock(0, LOCK_UN) == 0) {
+    if (!scene::refuseCall(SYS_flock, EBADF) || ::flock(0, LOCK_UN) == 0) {
         ::_exit(99);
     }
 }
