@@ -87,8 +87,11 @@ BundleRecord* currentMainRecord() {
     }
     BundleRecord* record = mainRecord.load(std::memory_order_acquire);
     if (record == nullptr) {
-        record = findMainRecord(system::executablePath());
-        mainRecord.store(record, std::memory_order_release);
+        const std::string program = system::executablePath();
+        record = findMainRecord(program);
+        if (!program.empty()) {
+            mainRecord.store(record, std::memory_order_release);
+        }
     }
     return record;
 }

@@ -23,8 +23,9 @@ namespace detail {
 
 namespace {
 
-/// Where a name comes from decides whether it outlives the arguments that it was taken from.
-enum class NameSource { arguments, replacedArguments, host };
+/// Where a name comes from decides how long it counts: one that stands in for arguments that could not be
+/// read counts until they can.
+enum class NameSource { arguments, replacedArguments, programFile, host };
 
 struct IdentityRecord {
     ProcessIdentity identity;
@@ -39,10 +40,6 @@ constinit std::atomic<const IdentityRecord*> currentIdentity{nullptr};
 constinit std::atomic<const IdentityRecord*> allIdentities{nullptr};
 constinit std::atomic<const std::vector<std::string>*> cachedArguments{nullptr};
 
-NameSource sourceOfArguments() noexcept {
-    return overrides::arguments != nullptr ? NameSource::replacedArguments : NameSource::arguments;
-}
-
 std::string lastComponent(const std::string& path) {
     const std::size_t last = path.find_last_not_of('/');
     if (last == std::string::npos) {
@@ -53,8 +50,11 @@ std::string lastComponent(const std::string& path) {
     return path.substr(start, last + 1 - start);
 }
 
-NSString nameFromArguments() {
-    const std::vector<std::string>& arguments = processArguments();
+NSString nameFromArguments(NameSource& source) {
+    const std::vector<std::string> arguments = processArguments();
+    source = overrides::arguments != nullptr ? NameSource::replacedArguments
+             : arguments.empty()             ? NameSource::programFile
+                                             : NameSource::arguments;
     std::string name = arguments.empty() ? std::string() : lastComponent(arguments.front());
     if (name.empty()) {
         name = lastComponent(system::executablePath());
@@ -88,9 +88,10 @@ const IdentityRecord* recordFor(const NSString& name, NameSource source) {
 const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
     const CallerState callerState;
     for (;;) {
+        NameSource source = NameSource::host;
         const bool namedByHost = seen != nullptr && seen->source == NameSource::host;
-        const IdentityRecord* fresh = namedByHost ? recordFor(seen->name, NameSource::host)
-                                                  : recordFor(nameFromArguments(), sourceOfArguments());
+        const NSString name = namedByHost ? seen->name : nameFromArguments(source);
+        const IdentityRecord* fresh = recordFor(name, source);
         // Fails when another thread has just set a name, which then counts.
         if (currentIdentity.compare_exchange_strong(seen, fresh, std::memory_order_acq_rel,
                                                     std::memory_order_acquire)) {
@@ -102,7 +103,8 @@ const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
 const IdentityRecord& identityRecord() {
     const IdentityRecord* record = currentIdentity.load(std::memory_order_acquire);
     const bool current = record != nullptr && record->generation == system::forkGeneration() &&
-                         record->source != NameSource::replacedArguments && overrides::arguments == nullptr;
+                         (record->source == NameSource::arguments || record->source == NameSource::host) &&
+                         overrides::arguments == nullptr;
     return current ? *record : refreshedIdentity(record);
 }
 
@@ -110,7 +112,7 @@ const IdentityRecord& identityRecord() {
 
 const ProcessIdentity& processIdentity() { return identityRecord().identity; }
 
-const std::vector<std::string>& processArguments() {
+std::vector<std::string> processArguments() {
     if (overrides::arguments != nullptr) {
         return *overrides::arguments;
     }
@@ -118,8 +120,17 @@ const std::vector<std::string>& processArguments() {
         return *cached;
     }
     const CallerState callerState;
-    return publishOnce<std::vector<std::string>>(cachedArguments,
-                                                 new std::vector<std::string>(system::processArguments()));
+    std::vector<std::string> arguments;
+    if (!overrides::readsArguments) {
+        arguments = system::handedArguments();
+    }
+    if (arguments.empty()) {
+        arguments = system::readArguments();
+    }
+    if (!arguments.empty()) {
+        publishOnce<std::vector<std::string>>(cachedArguments, new std::vector<std::string>(arguments));
+    }
+    return arguments;
 }
 
 } // namespace detail
@@ -142,7 +153,7 @@ void NSProcessInfo::setProcessName(const NSString& name) {
 int NSProcessInfo::processIdentifier() const { return detail::processIdentity().pid; }
 
 NSArray NSProcessInfo::arguments() const {
-    const std::vector<std::string>& arguments = detail::processArguments();
+    const std::vector<std::string> arguments = detail::processArguments();
     NSMutableArray result(arguments.size());
     for (const std::string& argument : arguments) {
         result.addObject(NSString::stringWithFileSystemBytes(argument.data(), argument.size()));

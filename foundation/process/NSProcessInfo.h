@@ -32,7 +32,8 @@ public:
     /// The process's number; a forked child sees its own.
     int processIdentifier() const;
 
-    /// The arguments the process was started with, the program's own name first, as an array of strings.
+    /// The arguments the process was started with, the program's own name first, as an array of strings. Of a
+    /// command line of more than 4 KiB, what the host has written over the rest by the first call shows here.
     NSArray arguments() const;
 
     /// The environment as it is at this moment: a dictionary of strings. Like any look at the environment it

@@ -51,8 +51,9 @@ NSDictionary commandLineDomain() {
     if (const NSDictionary* known = commandLine.load(std::memory_order_acquire)) {
         return *known;
     }
-    return detail::publishOnce(commandLine,
-                               new NSDictionary(detail::defaultsFromArguments(detail::processArguments())));
+    const std::vector<std::string> arguments = detail::processArguments();
+    const NSDictionary values = detail::defaultsFromArguments(arguments);
+    return arguments.empty() ? values : detail::publishOnce(commandLine, new NSDictionary(values));
 }
 
 NSDictionary applicationFileValues() {

@@ -20,8 +20,9 @@ struct ProcessIdentity {
 /// and after a change of the name. Any thread, at any time.
 const ProcessIdentity& processIdentity();
 
-/// The process's arguments, the program's own name first; read once.
-const std::vector<std::string>& processArguments();
+/// The process's arguments, the program's own name first. Empty when they cannot be told at the moment; once
+/// told they stay.
+std::vector<std::string> processArguments();
 
 } // namespace ZQFoundation::detail
 

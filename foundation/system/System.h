@@ -17,8 +17,12 @@ std::string executablePath();
 /// The file that this library was loaded from: the shared library, or the program for the static one.
 std::string libraryPath();
 
-/// The process's arguments, the program's own name first. Empty when they cannot be told.
-std::vector<std::string> processArguments();
+/// The process's arguments, the program's own name first, as the C library handed them over. Empty where it
+/// hands none over.
+std::vector<std::string> handedArguments();
+
+/// The same as they can be read from the system now. Empty when they cannot be read at the moment.
+std::vector<std::string> readArguments();
 
 /// What is known of the computer; empty or 0 for what cannot be told.
 struct HardwareFacts {

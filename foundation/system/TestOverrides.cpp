@@ -5,6 +5,7 @@ namespace ZQFoundation::detail::overrides {
 
 constinit const double* clock = nullptr;
 constinit const std::vector<std::string>* arguments = nullptr;
+constinit bool readsArguments = false;
 constinit const std::string* defaultsFolder = nullptr;
 constinit const std::string* executablePath = nullptr;
 constinit const std::string* systemVersionFile = nullptr;

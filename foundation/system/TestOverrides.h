@@ -18,6 +18,9 @@ extern const double* clock;
 /// When set, the arguments that user defaults and process information see. Null: the real ones.
 extern const std::vector<std::string>* arguments;
 
+/// Whether the arguments must be read from the system, as where the C library hands none over.
+extern bool readsArguments;
+
 /// When set, the folder that holds the defaults domains. Null: the real one.
 extern const std::string* defaultsFolder;
 

@@ -15,7 +15,6 @@
 #include <csignal>
 #include <cstring>
 #include <ctime>
-#include <string_view>
 
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/MaskedWrite.h"
@@ -97,90 +96,6 @@ std::uint64_t threadIdentifier() noexcept {
     }
     return remembered;
 }
-
-std::string executablePath() {
-    std::string path(256, '\0');
-    for (;;) {
-        const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-        if (length < 0) {
-            return {};
-        }
-        if (static_cast<std::size_t>(length) < path.size()) {
-            path.resize(static_cast<std::size_t>(length));
-            return path;
-        }
-        path.resize(path.size() * 2);
-    }
-}
-
-namespace {
-
-/// Of the files that the kernel makes up while they are read, and that have no size. Empty when the file
-/// cannot be opened.
-std::string contentsOf(const char* path) {
-    std::string text;
-    const int file = open(path, O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        return text;
-    }
-    char buffer[4096];
-    for (;;) {
-        const ssize_t count = read(file, buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            break;
-        }
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-    close(file);
-    return text;
-}
-
-/// Without the white space and the NUL that such files put around a text.
-std::string trimmed(const std::string& text) {
-    constexpr std::string_view around(" \t\r\n\0", 5);
-    const std::size_t start = text.find_first_not_of(around);
-    return start == std::string::npos ? std::string()
-                                      : text.substr(start, text.find_last_not_of(around) + 1 - start);
-}
-
-std::string model() {
-    const std::string product = trimmed(contentsOf("/sys/class/dmi/id/product_name"));
-    return product.empty() ? trimmed(contentsOf("/proc/device-tree/model")) : product;
-}
-
-} // namespace
-
-std::vector<std::string> processArguments() {
-    const std::string text = contentsOf("/proc/self/cmdline");
-    std::vector<std::string> arguments;
-    for (std::size_t start = 0; start < text.size();) {
-        const std::size_t end = text.find('\0', start);
-        arguments.push_back(text.substr(start, end - start));
-        start = end == std::string::npos ? text.size() : end + 1;
-    }
-    return arguments;
-}
-
-HardwareFacts hardwareFacts() {
-    HardwareFacts facts;
-    facts.model = model();
-    const long processors = sysconf(_SC_NPROCESSORS_ONLN);
-    if (processors > 0 && processors <= INT32_MAX) {
-        facts.processors = static_cast<std::int32_t>(processors);
-    }
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageBytes = sysconf(_SC_PAGESIZE);
-    std::uint64_t bytes = 0;
-    if (pages > 0 && pageBytes > 0 && !__builtin_mul_overflow(pages, pageBytes, &bytes)) {
-        facts.memoryBytes = bytes;
-    }
-    return facts;
-}
-
-std::vector<std::string> releaseFiles() { return {"/etc/os-release", "/usr/lib/os-release"}; }
 
 std::uint64_t randomNumber() noexcept {
     std::uint64_t number = 0x5851F42D4C957F2DU;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <crt_externs.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <mach-o/dyld.h>
@@ -79,10 +80,19 @@ std::string executablePath() {
     return path;
 }
 
-std::vector<std::string> processArguments() {
+std::string libraryPath() {
+    static const char anchor = 0;
+    Dl_info information;
+    const bool isKnown = dladdr(&anchor, &information) != 0 && information.dli_fname != nullptr;
+    return isKnown ? information.dli_fname : std::string();
+}
+
+std::vector<std::string> handedArguments() {
     char** const arguments = *_NSGetArgv();
     return {arguments, arguments + *_NSGetArgc()};
 }
+
+std::vector<std::string> readArguments() { return {}; }
 
 HardwareFacts hardwareFacts() {
     HardwareFacts facts;

@@ -2,7 +2,6 @@
 // What every system of the family offers alike.
 #include <csignal>
 #include <ctime>
-#include <dlfcn.h>
 #include <pthread.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -51,15 +50,6 @@ bool isForkingThread(std::uint64_t thread) noexcept {
 std::string kernelRelease() {
     utsname names{};
     return uname(&names) >= 0 ? names.release : std::string();
-}
-
-std::string libraryPath() {
-    Dl_info info;
-    static const char anchor = 0;
-    if (dladdr(&anchor, &info) == 0 || info.dli_fname == nullptr) {
-        return {};
-    }
-    return info.dli_fname;
 }
 
 namespace {

@@ -5,6 +5,12 @@
 #include <cerrno>
 #include <thread>
 
+#include <dlfcn.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include "foundation/process/NSUserDefaults.h"
 #include "foundation/process/ProcessIdentity.h"
 #include "tests/process/Scene.h"
 
@@ -20,6 +26,12 @@ std::string prefixName() {
 }
 
 NSProcessInfo& info() { return NSProcessInfo::processInfo(); }
+
+std::string fileOfThisProgram() {
+    char link[4096] = {};
+    EXPECT_GT(::readlink("/proc/self/exe", link, sizeof link - 1), 0);
+    return std::string(link).substr(std::string(link).find_last_of('/') + 1);
+}
 
 /// A name that a host sets stays, so tests set one only in a child process. Returns 0 when the body was
 /// content.
@@ -52,12 +64,9 @@ TEST(NSProcessInfo, nameIsTheLastPathComponentOfArgument0) {
 }
 
 TEST(NSProcessInfo, nameComesFromTheProgramFileWithoutAnArgument0) {
-    char link[4096] = {};
-    ASSERT_GT(::readlink("/proc/self/exe", link, sizeof link - 1), 0);
-    const std::string file = std::string(link).substr(std::string(link).find_last_of('/') + 1);
     for (const Words& words : {Words{}, Words{""}, Words{"/"}, Words{"", "x"}}) {
         const scene::Arguments arguments(detail::overrides::arguments, words);
-        EXPECT_EQ(info().processName().utf8(), file);
+        EXPECT_EQ(info().processName().utf8(), fileOfThisProgram());
     }
 }
 
@@ -239,3 +248,114 @@ TEST(NSProcessInfo, answersInForkedChildrenWhileThreadsRename) {
               }),
               0);
 }
+
+// Facts that are first asked for in a bad moment, by a program of its own
+
+namespace {
+
+constexpr const char* programs[] = {"tells-who-it-is", "tells-who-it-is-shared"};
+
+std::string pathOfProgram(const char* name) {
+    return std::string(ZQ_TEST_BINARY_DIR "/tests/process/") + name;
+}
+
+/// What the program prints that has been asked once: its name, its arguments, one of them as a user default,
+/// where it stands, and the library's bundle.
+std::string factsOf(const std::string& path, const std::string& name, int times = 1) {
+    const std::string line = name + " <" + path + "> <-TraceArguments> <YES> <a b> <> YES\n";
+    const std::string library =
+        name == programs[0] ? ZQ_TEST_BINARY_DIR "/tests/process/../share/ZQFoundation" : ZQ_TEST_BINARY_DIR;
+    return (times == 2 ? line + line : line) + path + "\n" + library + "\n";
+}
+
+Words argumentsOf(const std::string& path) { return {path, "-TraceArguments", "YES", "a b", ""}; }
+
+} // namespace
+
+TEST(NSProcessInfo, argumentsThatCannotBeReadNowAreReadLater) {
+    constexpr const char* mark = "ZQ_TEST_READS_ARGUMENTS";
+    if (std::getenv(mark) == nullptr) {
+        const std::string output = scene::runAgain(
+            {{mark, "1"}},
+            {"/x/argument0", "--gtest_filter=NSProcessInfo.argumentsThatCannotBeReadNowAreReadLater", "-k",
+             "v"});
+        EXPECT_NE(output.find("[  PASSED  ] 1 test"), std::string::npos) << output;
+        return;
+    }
+    detail::overrides::readsArguments = true; // the C library has handed none over
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::string nameMeanwhile = prefixName();
+    const std::size_t countMeanwhile = info().arguments().count();
+    const NSObject defaultMeanwhile = NSUserDefaults::standardUserDefaults().objectForKey("k");
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(countMeanwhile, 0u);
+    EXPECT_FALSE(defaultMeanwhile);
+    EXPECT_EQ(nameMeanwhile, fileOfThisProgram()) << "stands in";
+    EXPECT_EQ(info().arguments().count(), 4u);
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("k"), "v");
+    EXPECT_EQ(prefixName(), "argument0");
+}
+
+TEST(NSProcessInfo, factsDoNotDependOnAFreeDescriptor) {
+    const scene::Variable moment("ZQ_TEST_MOMENT", "full table");
+    for (const char* const name : programs) {
+        const std::string path = pathOfProgram(name);
+        EXPECT_EQ(scene::outputOf(path, argumentsOf(path), [] {}), factsOf(path, name, 2));
+    }
+}
+
+TEST(NSProcessInfo, aTitleWrittenOverTheArgumentsChangesNothing) {
+    const scene::Variable moment("ZQ_TEST_MOMENT", "title");
+    for (const char* const name : programs) {
+        const std::string path = pathOfProgram(name);
+        EXPECT_EQ(scene::outputOf(path, argumentsOf(path), [] {}), factsOf(path, name));
+    }
+}
+
+TEST(NSProcessInfo, longCommandLinesAreKeptWhole) {
+    const std::string path = pathOfProgram(programs[0]);
+    Words arguments = argumentsOf(path);
+    std::string expected = factsOf(path, programs[0]);
+    for (const std::size_t length : {3000U, 3000U, 100000U, 1U}) {
+        arguments.emplace_back(length, 'x');
+        expected.insert(expected.find(" YES\n"), " <" + arguments.back() + ">");
+    }
+    EXPECT_TRUE(scene::outputOf(path, arguments, [] {}) == expected);
+}
+
+TEST(NSProcessInfo, isTheProgramsOwnWhenItIsStartedThroughTheLoader) {
+    Dl_info loader{};
+    ASSERT_NE(::dladdr(::dlsym(RTLD_DEFAULT, "__tls_get_addr"), &loader), 0);
+    for (const char* const name : programs) {
+        const std::string path = pathOfProgram(name);
+        Words words = argumentsOf(path);
+        words.insert(words.begin(), loader.dli_fname);
+        EXPECT_EQ(scene::outputOf(loader.dli_fname, words, [] {}), factsOf(path, name));
+    }
+}
+
+#ifndef ZQ_TEST_NEEDS_PROC
+TEST(NSProcessInfo, needsNoProcessFileSystem) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can hide the process file system";
+    }
+    for (const char* const name : programs) {
+        const std::string path = pathOfProgram(name);
+        const auto hideProc = [] {
+            if (::unshare(CLONE_NEWNS) != 0 ||
+                ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                ::mount("none", "/proc", "tmpfs", 0, "") != 0) {
+                ::setenv("ZQ_TEST_MOMENT", "/proc cannot be hidden", 1);
+            }
+        };
+        const std::string facts = scene::outputOf(path, argumentsOf(path), hideProc);
+        if (facts.starts_with("/proc cannot be hidden")) {
+            GTEST_SKIP() << "the process file system cannot be hidden here";
+        }
+        EXPECT_EQ(facts, factsOf(path, name));
+    }
+}
+#endif

@@ -185,9 +185,11 @@ int inUnprivilegedChild(const Body& body) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-/// Runs this test program again, with more variables and arguments, and returns what it writes.
-inline std::string runAgain(const std::vector<std::pair<std::string, std::string>>& variables,
-                            const std::vector<std::string>& arguments) {
+/// Runs a program in a child that `prepare` is called in before, and returns what it writes; fails the test
+/// unless it exits with 0.
+template <class Prepare>
+std::string outputOf(const std::string& program, const std::vector<std::string>& arguments,
+                     const Prepare& prepare) {
     int ends[2];
     if (::pipe(ends) != 0) {
         return "no pipe";
@@ -197,16 +199,14 @@ inline std::string runAgain(const std::vector<std::pair<std::string, std::string
         ::dup2(ends[1], 1);
         ::close(ends[0]);
         ::close(ends[1]);
-        for (const auto& [name, value] : variables) {
-            ::setenv(name.c_str(), value.c_str(), 1);
-        }
+        prepare();
         std::vector<std::string> words = arguments;
         std::vector<char*> pointers;
         for (std::string& word : words) {
             pointers.push_back(word.data());
         }
         pointers.push_back(nullptr);
-        ::execv("/proc/self/exe", pointers.data());
+        ::execv(program.c_str(), pointers.data());
         ::_exit(127);
     }
     ::close(ends[1]);
@@ -221,6 +221,16 @@ inline std::string runAgain(const std::vector<std::pair<std::string, std::string
     ::waitpid(child, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
     return output;
+}
+
+/// Runs this test program again, with more variables and arguments, and returns what it writes.
+inline std::string runAgain(const std::vector<std::pair<std::string, std::string>>& variables,
+                            const std::vector<std::string>& arguments) {
+    return outputOf("/proc/self/exe", arguments, [&] {
+        for (const auto& [name, value] : variables) {
+            ::setenv(name.c_str(), value.c_str(), 1);
+        }
+    });
 }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+// What the kernel and the C library say of the program that runs and of the computer that it runs on.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/auxv.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "foundation/system/System.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+/// Of the files that the kernel makes up while they are read, and that have no size. Empty when the file
+/// cannot be opened.
+std::string contentsOf(const char* path) {
+    std::string text;
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return text;
+    }
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = read(file, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+    close(file);
+    return text;
+}
+
+} // namespace
+
+// The program's file
+
+namespace {
+
+std::string targetOfProgramLink() {
+    std::string path(256, '\0');
+    for (;;) {
+        const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+        if (length < 0) {
+            return {};
+        }
+        if (static_cast<std::size_t>(length) < path.size()) {
+            path.resize(static_cast<std::size_t>(length));
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+/// The file that the memory at the address was mapped from.
+std::string fileMappedAt(std::uintptr_t address) {
+    const std::string maps = contentsOf("/proc/self/maps");
+    std::string_view rest = maps;
+    while (!rest.empty()) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+        std::uintptr_t start = 0;
+        std::uintptr_t end = 0;
+        const char* const dash = std::from_chars(line.begin(), line.end(), start, 16).ptr;
+        if (dash == line.end() || std::from_chars(dash + 1, line.end(), end, 16).ec != std::errc()) {
+            break;
+        }
+        const std::size_t path = line.find('/');
+        if (start <= address && address < end && path != std::string_view::npos) {
+            return std::string(line.substr(path));
+        }
+    }
+    return {};
+}
+
+/// Where the program was started from, when that is known from the root on.
+std::string startedFile() {
+    const auto* const path = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+    if (path == nullptr || *path != '/') {
+        return {};
+    }
+    char* const resolved = ::realpath(path, nullptr);
+    const std::string file = resolved != nullptr ? resolved : path;
+    std::free(resolved);
+    return file;
+}
+
+} // namespace
+
+std::string executablePath() {
+    // A program that was started through the dynamic loader (`ld.so program`) is, for the kernel, the loader.
+    // It shows by the kernel's having loaded no interpreter, as for a program without one.
+    const bool isAnothersProcess = getauxval(AT_BASE) == 0;
+    const std::string path = isAnothersProcess ? fileMappedAt(getauxval(AT_PHDR)) : targetOfProgramLink();
+    return path.empty() ? startedFile() : path;
+}
+
+// Arguments
+
+namespace {
+
+/// What the C library handed over when this library was loaded. Hosts write over their arguments later, to
+/// show what they are at in the list of processes, so a command line of ordinary length is copied at once:
+/// that takes half a microsecond, and no memory from the heap. Of a longer one the rest is read when it is
+/// asked for.
+struct HandedArguments {
+    int count;
+    char** strings;
+    int copied; ///< so many of them, one behind the other, each with its NUL
+    char copies[4096];
+};
+constinit HandedArguments handed{};
+
+[[maybe_unused]] void takeArguments(int count, char** strings, char**) noexcept {
+    handed.count = count;
+    handed.strings = strings;
+    std::size_t used = 0;
+    while (handed.copied < count && strings[handed.copied] != nullptr) {
+        const std::size_t length = std::strlen(strings[handed.copied]) + 1;
+        if (length > sizeof handed.copies - used) {
+            break;
+        }
+        std::memcpy(handed.copies + used, strings[handed.copied], length);
+        used += length;
+        ++handed.copied;
+    }
+}
+
+#ifdef __GLIBC__ // others hand nothing over
+/// The one function of the library that runs when it is loaded: in front of ordinary initialisers, so that
+/// those of a host which is linked with the library find the arguments too.
+[[gnu::section(".init_array.00101"), gnu::used]] void (*takeArgumentsAtLoad)(int, char**,
+                                                                             char**) noexcept = takeArguments;
+#endif
+
+} // namespace
+
+std::vector<std::string> handedArguments() {
+    std::vector<std::string> arguments;
+    const char* copy = handed.copies;
+    for (int i = 0; i < handed.copied; ++i) {
+        arguments.emplace_back(copy);
+        copy += arguments.back().size() + 1;
+    }
+    for (int i = handed.copied; i < handed.count && handed.strings[i] != nullptr; ++i) {
+        arguments.emplace_back(handed.strings[i]);
+    }
+    return arguments;
+}
+
+std::string libraryPath() {
+    static const char anchor = 0;
+    Dl_info information;
+    if (dladdr(&anchor, &information) == 0 || information.dli_fname == nullptr) {
+        return {};
+    }
+    // Of the program itself the loader knows no other name than argument 0, whatever stands there by now.
+    const bool isPartOfProgram = handed.count > 0 && information.dli_fname == handed.strings[0];
+    return isPartOfProgram ? executablePath() : information.dli_fname;
+}
+
+std::vector<std::string> readArguments() {
+    const std::string text = contentsOf("/proc/self/cmdline");
+    std::vector<std::string> arguments;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = text.find('\0', start);
+        arguments.push_back(text.substr(start, end - start));
+        start = end == std::string::npos ? text.size() : end + 1;
+    }
+    return arguments;
+}
+
+// The computer
+
+namespace {
+
+/// Without the white space and the NUL that such files put around a text.
+std::string trimmed(const std::string& text) {
+    constexpr std::string_view around(" \t\r\n\0", 5);
+    const std::size_t start = text.find_first_not_of(around);
+    return start == std::string::npos ? std::string()
+                                      : text.substr(start, text.find_last_not_of(around) + 1 - start);
+}
+
+std::string model() {
+    const std::string product = trimmed(contentsOf("/sys/class/dmi/id/product_name"));
+    return product.empty() ? trimmed(contentsOf("/proc/device-tree/model")) : product;
+}
+
+} // namespace
+
+HardwareFacts hardwareFacts() {
+    HardwareFacts facts;
+    facts.model = model();
+    const long processors = sysconf(_SC_NPROCESSORS_ONLN);
+    if (processors > 0 && processors <= INT32_MAX) {
+        facts.processors = static_cast<std::int32_t>(processors);
+    }
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageBytes = sysconf(_SC_PAGESIZE);
+    std::uint64_t bytes = 0;
+    if (pages > 0 && pageBytes > 0 && !__builtin_mul_overflow(pages, pageBytes, &bytes)) {
+        facts.memoryBytes = bytes;
+    }
+    return facts;
+}
+
+std::vector<std::string> releaseFiles() { return {"/etc/os-release", "/usr/lib/os-release"}; }
+
+} // namespace ZQFoundation::detail::system
