@@ -2,13 +2,13 @@
 #include "foundation/files/HomeFolder.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <vector>
 
 #include <pwd.h>
 #include <unistd.h>
 
 #include "foundation/system/Published.h"
+#include "foundation/system/System.h"
 
 namespace ZQFoundation::detail {
 
@@ -45,7 +45,7 @@ std::string homeFromDatabase(const Ask& ask) {
 } // namespace
 
 std::string homeFolder() {
-    const char* const home = std::getenv("HOME");
+    const char* const home = system::environmentVariable("HOME");
     if (isAbsolute(home)) {
         return home;
     }

@@ -8,7 +8,8 @@
 namespace ZQFoundation::detail {
 
 /// The user's home folder: `$HOME` when that is an absolute path, else what the user database says of the
-/// effective user. Follows the environment at every call. Empty when nothing tells.
+/// effective user, which alone counts in a set-user-ID process. Follows the environment at every call. Empty
+/// when nothing tells.
 std::string homeFolder();
 
 /// The home folder of the account with this name; empty when there is no such account, or no folder.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include <cstdlib>
 #include <string_view>
 
 #include "foundation/format/NSLocale.h"
 #include "foundation/process/NSUserDefaults.h"
+#include "foundation/system/System.h"
 
 namespace ZQFoundation {
 
@@ -14,7 +14,7 @@ constexpr const char* programsLocale = "en_US_POSIX";
 /// The locale that the environment names for numbers.
 std::string_view localeOfEnvironment() {
     for (const char* name : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
-        const char* const value = std::getenv(name);
+        const char* const value = detail::system::environmentVariable(name);
         if (value != nullptr && *value != '\0') {
             return value;
         }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/process/DefaultsFiles.h"
 
-#include <cstdlib>
-
 #include "foundation/files/HomeFolder.h"
+#include "foundation/system/System.h"
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation::detail {
@@ -18,7 +17,7 @@ std::string defaultsFolder() {
     if (overrides::defaultsFolder != nullptr) {
         return *overrides::defaultsFolder;
     }
-    const char* const configuration = std::getenv("XDG_CONFIG_HOME");
+    const char* const configuration = system::environmentVariable("XDG_CONFIG_HOME");
     if (isAbsolute(configuration)) {
         return std::string(configuration) + "/ZQFoundation";
     }

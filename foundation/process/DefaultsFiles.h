@@ -13,7 +13,8 @@ namespace ZQFoundation::detail {
 
 /// The folder that holds the defaults domains: `$XDG_CONFIG_HOME/ZQFoundation` when that variable is an
 /// absolute path, else `~/.config/ZQFoundation`, home being `$HOME` when that is an absolute path, else the
-/// user database's. Follows the environment at every call. Empty when nothing tells where the home folder is.
+/// user database's. Follows the environment at every call, in a set-user-ID process the user database alone.
+/// Empty when nothing tells where the home folder is.
 std::string defaultsFolder();
 
 /// The file of a domain, or empty when no file can bear its name.

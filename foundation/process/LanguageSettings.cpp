@@ -2,7 +2,8 @@
 #include "foundation/process/LanguageSettings.h"
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "foundation/system/System.h"
 
 namespace ZQFoundation::detail {
 
@@ -75,7 +76,7 @@ std::string languageOfLocale(const std::string& locale) {
 
 std::vector<std::string> languagesFromEnvironment() {
     for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* const value = std::getenv(name);
+        const char* const value = system::environmentVariable(name);
         if (value != nullptr && *value != '\0') {
             return languagesOfList(value);
         }

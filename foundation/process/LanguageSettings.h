@@ -12,7 +12,7 @@ namespace ZQFoundation::detail {
 ///
 /// The first of LANGUAGE, LC_ALL, LC_MESSAGES and LANG that is set and not empty decides. LANGUAGE is a list
 /// with colons; the others name one locale. The locales C and POSIX name no language and end the list. Empty
-/// when the environment names none.
+/// when the environment names none, and in a set-user-ID process.
 std::vector<std::string> languagesFromEnvironment();
 
 /// The language tag of a locale's name: "de_AT.UTF-8@euro" gives "de-AT", "sr_RS@latin" "sr-Latn-RS". Empty

@@ -25,7 +25,7 @@ namespace ZQFoundation {
 ///
 /// All operations may be called from any thread at any time: before `main`, in static destructors, and in a
 /// forked child whatever other threads were doing. They leave `errno` alone and follow the environment as it
-/// is at the call.
+/// is at the call, except in a set-user-ID process, where nothing of it counts.
 class ZQFOUNDATION_EXPORT NSUserDefaults {
 public:
     /// The one object, never destroyed.

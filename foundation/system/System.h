@@ -24,6 +24,11 @@ std::vector<std::string> handedArguments();
 /// The same as they can be read from the system now. Empty when they cannot be read at the moment.
 std::vector<std::string> readArguments();
 
+/// The variable of the environment, which no other thread may change meanwhile. Null when it is not set, and
+/// in a set-user-ID process: there the environment is that of a caller who is not to decide which files are
+/// read and written with somebody else's rights. Everything that the library asks of it goes through here.
+const char* environmentVariable(const char* name) noexcept;
+
 /// What is known of the computer; empty or 0 for what cannot be told.
 struct HardwareFacts {
     std::string model;

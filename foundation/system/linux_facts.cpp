@@ -169,6 +169,8 @@ std::string libraryPath() {
     return isPartOfProgram ? executablePath() : information.dli_fname;
 }
 
+const char* environmentVariable(const char* name) noexcept { return ::secure_getenv(name); }
+
 std::vector<std::string> readArguments() {
     const std::string text = contentsOf("/proc/self/cmdline");
     std::vector<std::string> arguments;

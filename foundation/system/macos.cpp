@@ -87,6 +87,10 @@ std::string libraryPath() {
     return isKnown ? information.dli_fname : std::string();
 }
 
+const char* environmentVariable(const char* name) noexcept {
+    return ::issetugid() == 0 ? ::getenv(name) : nullptr;
+}
+
 std::vector<std::string> handedArguments() {
     char** const arguments = *_NSGetArgv();
     return {arguments, arguments + *_NSGetArgc()};

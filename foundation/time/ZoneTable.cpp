@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -15,6 +14,7 @@
 #include <unistd.h>
 
 #include "foundation/system/CallerState.h"
+#include "foundation/system/System.h"
 #include "foundation/time/ZoneRules.h"
 
 namespace ZQFoundation::detail {
@@ -159,7 +159,7 @@ bool isZoneName(std::string_view name) noexcept {
 }
 
 std::string pathOfZone(std::string_view name) {
-    const char* const folder = std::getenv("TZDIR");
+    const char* const folder = system::environmentVariable("TZDIR");
     std::string path = folder != nullptr && *folder != '\0' ? folder : defaultFolder;
     return path.append("/").append(name);
 }
@@ -276,7 +276,7 @@ const Zone* namedZone(const char* name, std::size_t length) {
 }
 
 const Zone* processZone() noexcept {
-    const char* const value = std::getenv("TZ");
+    const char* const value = system::environmentVariable("TZ");
     const Setting* const setting = currentSetting.load(std::memory_order_acquire);
     if (setting != nullptr && setting->matches(value) &&
         setting->generation.load(std::memory_order_acquire) ==
