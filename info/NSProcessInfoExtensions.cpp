@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "foundation/files/HomeFolder.h"
 #include "foundation/process/NSBundle.h"
 #include "foundation/process/NSProcessInfo.h"
 
@@ -15,8 +16,7 @@ NSString textOfInfoKey(StringView key) {
 
 NSString pathOfLibrarySubfolder(StringView middle) {
     const NSString subpath = NSProcessInfo::appSpecificLibrarySubpath();
-    return NSString("~")
-        .stringByResolvingSymlinksInPath()
+    return detail::resolvedHomeFolder()
         .stringByAppendingPathComponent("Library")
         .stringByAppendingPathComponent(middle)
         .stringByAppendingPathComponent(subpath)

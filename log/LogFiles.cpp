@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where the log of a run belongs, and standard error led into it.
 #include "foundation/files/GuardedOpening.h"
+#include "foundation/files/HomeFolder.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/Published.h"
@@ -46,9 +47,11 @@ bool acceptExistingFile(const NSString& path) {
 }
 
 bool createFile(const NSString& path, bool createFolder) {
-    const bool created = NSFileManager::defaultManager()
-                             .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
-                                 path, nullptr, nullptr, nullptr, createFolder);
+    // What is still relative begins with a tilde that stands for nobody's home folder.
+    const bool created =
+        path.hasPrefix("/") && NSFileManager::defaultManager()
+                                   .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+                                       path, nullptr, nullptr, nullptr, createFolder);
     if (!created) {
         complain("Cannot create log file at %@", path);
     }
@@ -72,7 +75,9 @@ bool acceptNewFile(const NSString& path, bool createFolder) {
 } // namespace
 
 NSString ZQLog::standardLogFolder() {
-    const NSString library = NSString("~/Library").stringByResolvingSymlinksInPath();
+    const NSString library = detail::resolvedHomeFolder()
+                                 .stringByAppendingPathComponent("Library")
+                                 .stringByResolvingSymlinksInPath();
     if (!NSFileManager::defaultManager().isDirectoryAtPath(library)) {
         return "/tmp";
     }

@@ -93,8 +93,9 @@ public:
 
     /// Sends standard error, and with it every line, to the end of the file at the path, which is made when
     /// there is none, together with its folders if `createFolder`. A path that is not absolute is taken from
-    /// `standardLogFolder`; "~" and links are resolved. False, with a line that says why (without one for a
-    /// nil or empty path and for a missing folder that is not to be made), when that cannot be done.
+    /// `standardLogFolder`; "~" and links are resolved, and nothing is made below a "~" that stands for
+    /// nobody's home. False, with a line that says why (without one for a nil or empty path and for a missing
+    /// folder that is not to be made), when that cannot be done.
     ///
     /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used.
     static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);

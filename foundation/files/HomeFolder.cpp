@@ -62,6 +62,11 @@ std::string homeFolder() {
     return folder;
 }
 
+NSString resolvedHomeFolder() {
+    const NSString home = NSString("~").stringByResolvingSymlinksInPath();
+    return home.hasPrefix("/") ? home : NSString("/");
+}
+
 std::string homeFolderOfAccount(const std::string& name) {
     return homeFromDatabase([&](passwd* record, char* buffer, std::size_t size, passwd** found) {
         return ::getpwnam_r(name.c_str(), record, buffer, size, found);

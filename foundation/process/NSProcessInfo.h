@@ -54,7 +54,8 @@ public:
     static NSString appSpecificLibrarySubpath();
 
     /// "/home/user/Library/Application Support/Example/Viewer" and "/home/user/Library/Logs/Example/Viewer",
-    /// links in the home folder's path resolved. Names with slashes or ".." are taken as they stand.
+    /// links in the home folder's path resolved; below "/" for a user without a home. Names with slashes or
+    /// ".." are taken as they stand.
     static NSString pathOfLibraryApplicationSupportSubfolder();
     static NSString pathOfLibraryLogSubfolder();
 

@@ -17,6 +17,7 @@
 #include "foundation/objects/NSDate.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "log/ZQLog.h"
+#include "tests/log/LogTestSupport.h"
 #include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
@@ -89,6 +90,58 @@ TEST(HostileLogFiles, ofAHomeThatIsNotToldOrRelativeStandWhereTheUserDatabaseSay
         const scene::Variable variable("HOME", home);
         EXPECT_EQ(ZQLog::standardLogFolder(), expected) << home;
     }
+}
+
+/// For a child: a user without an entry in the user database, in an empty current folder, whose environment
+/// names no home folder.
+void becomeHomeless(const scene::Folder& folder) {
+    EXPECT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+    EXPECT_EQ(::chdir(folder.path().c_str()), 0);
+    ::unsetenv("HOME");
+    become(somebody);
+}
+
+TEST(HostileLogFiles, ofAUserWithoutAHomeStandInAbsoluteFolders) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can be another user";
+    }
+    const scene::Folder folder;
+    inChild([&] {
+        becomeHomeless(folder);
+        folder.makeFolder("~/Library"); // is not taken for the home folder's
+        EXPECT_EQ(NSProcessInfo::pathOfLibraryLogSubfolder(),
+                  NSString("/Library/Logs")
+                      .stringByAppendingPathComponent(NSProcessInfo::appSpecificLibrarySubpath()));
+        EXPECT_TRUE(NSProcessInfo::pathOfLibraryApplicationSupportSubfolder().hasPrefix(
+            "/Library/Application Support/"));
+        const bool hasLibrary = ::access("/Library", F_OK) == 0;
+        EXPECT_EQ(ZQLog::standardLogFolder(),
+                  hasLibrary ? NSProcessInfo::pathOfLibraryLogSubfolder() : NSString("/tmp"));
+    });
+}
+
+TEST(HostileLogFiles, belowAHomeThatNobodyHasAreNotMade) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can be another user";
+    }
+    const scene::Folder folder;
+    inChild([&] {
+        becomeHomeless(folder);
+        for (const char* const path : {"~/x.log", "~", "~nosuchuser/x.log", "~nosuchuser/a/b/x.log"}) {
+            const logtest::CapturedOutput output;
+            EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(path, false)) << path;
+            EXPECT_EQ(output.bytes(), "") << path;
+            EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(path, true)) << path;
+            EXPECT_EQ(output.texts(), std::vector<std::string>{
+                                          "+[ZQLog setLogFilePath:createFolder:] Cannot create log file at " +
+                                          std::string(path)});
+        }
+        folder.makeFolder("~nosuchuser");
+        EXPECT_FALSE(ZQLog::setLogFilePath_createFolder("~nosuchuser/x.log", false));
+        EXPECT_EQ(::rmdir((folder / "~nosuchuser").c_str()), 0) << "something was made in it";
+        EXPECT_EQ(::access("~", F_OK), -1);
+        EXPECT_EQ(::access("~nosuchuser", F_OK), -1);
+    });
 }
 
 TEST(HostileLogFiles, goThroughALibraryThatIsALink) {
