@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Where the log of a run belongs, and standard error led into it.
+#include "foundation/files/FileInformation.h"
 #include "foundation/files/GuardedOpening.h"
 #include "foundation/files/HomeFolder.h"
 #include "foundation/files/NSFileManager.h"
+#include "foundation/files/StickyFolder.h"
 #include "foundation/process/NSProcessInfo.h"
+#include "foundation/system/CallerState.h"
 #include "foundation/system/Published.h"
 #include "foundation/time/NSDateFormatter.h"
 #include "log/StandardErrorRedirection.h"
@@ -46,12 +49,22 @@ bool acceptExistingFile(const NSString& path) {
     return true;
 }
 
+/// Where everybody may look, the log is for the user alone.
+NSDictionary attributesOfFileIn(const NSString& folder) {
+    const detail::CallerState caller;
+    struct stat information;
+    const bool isShared =
+        detail::getTargetInformation(folder, information) && detail::isSharedFolder(information);
+    return isShared ? NSDictionary{{NSFilePosixPermissions, 0600}} : NSDictionary();
+}
+
 bool createFile(const NSString& path, bool createFolder) {
     // What is still relative begins with a tilde that stands for nobody's home folder.
-    const bool created =
-        path.hasPrefix("/") && NSFileManager::defaultManager()
-                                   .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
-                                       path, nullptr, nullptr, nullptr, createFolder);
+    const bool created = path.hasPrefix("/") &&
+                         NSFileManager::defaultManager()
+                             .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+                                 path, nullptr, attributesOfFileIn(path.stringByDeletingLastPathComponent()),
+                                 nullptr, createFolder);
     if (!created) {
         complain("Cannot create log file at %@", path);
     }

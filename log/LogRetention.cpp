@@ -6,6 +6,7 @@
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/FileSystemAnnouncement.h"
 #include "foundation/files/NSFileManager.h"
+#include "foundation/files/StickyFolder.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/CallerState.h"
@@ -65,8 +66,22 @@ NSDate modificationDateBehindLinks(const NSString& path) {
     return NSDate(attributes.objectForKey(NSFileModificationDate));
 }
 
+/// Whether everybody may put files into the folder, and nobody remove those of others.
+bool isShared(const NSString& folder) {
+    const detail::CallerState caller;
+    struct stat information;
+    return detail::getTargetInformation(folder, information) && detail::isSharedFolder(information);
+}
+
+bool belongsToUser(const NSString& path) {
+    const detail::CallerState caller;
+    struct stat information;
+    return detail::getItemInformation(path, information) && information.st_uid == ::geteuid();
+}
+
 /// Calls `visit(path, date)` for each log file of this process in the folder, in listing order, dated by what
-/// a link leads to. What cannot be dated is passed over. False when the folder cannot be listed.
+/// a link leads to. What cannot be dated is ignored, and so is what other users have put into a shared
+/// folder: it must not count against the user's own files. False when the folder cannot be listed.
 template <class Visit>
 bool forEachLogFile(const NSString& folder, const char* middle, const Visit& visit) {
     const NSArray names = NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(folder);
@@ -75,12 +90,16 @@ bool forEachLogFile(const NSString& folder, const char* middle, const Visit& vis
     }
     const NSString processName = NSProcessInfo::processInfo().processName();
     const NSCharacterSet others = othersThan(middle);
+    const bool holdsForeignFiles = isShared(folder);
     for (const NSObject& entry : names) {
         const NSString name(entry);
         if (!isLogFileName(name, processName, others)) {
             continue;
         }
         const NSString path = folder.stringByAppendingPathComponent(name);
+        if (holdsForeignFiles && !belongsToUser(path)) {
+            continue;
+        }
         if (const NSDate date = modificationDateBehindLinks(path)) {
             visit(path, date);
         }

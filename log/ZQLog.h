@@ -97,7 +97,8 @@ public:
     /// nobody's home. False, with a line that says why (without one for a nil or empty path and for a missing
     /// folder that is not to be made), when that cannot be done.
     ///
-    /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used.
+    /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used, and a
+    /// new file has the mode 0600.
     static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);
 
     /// The same without a check, a message or a result. Descriptor 2 as it first was is kept aside. When the
@@ -110,6 +111,7 @@ public:
     static void clearLogFilePath();
 
     // A class that the host has registered as "NSWorkspace" (ClassesByName.h) is told of the folder's change.
+    // In a sticky folder that others may write to (/tmp) only files of the effective user count.
 
     /// Removes the folder's log files of this process name that were last changed before the date, writing a
     /// line for each. Their names hold only digits and "." between the process name and ".log", so **standard

@@ -162,7 +162,8 @@ int openLast(const GuardedWalk& walk) noexcept {
         if (errno != ENOENT) {
             return -1;
         }
-        const int made = openAt(walk.folder(), walk.name(), appendFlags | O_CREAT | O_EXCL, 0666);
+        const mode_t mode = isSharedFolder(folder) ? 0600 : 0666;
+        const int made = openAt(walk.folder(), walk.name(), appendFlags | O_CREAT | O_EXCL, mode);
         if (made >= 0 || errno != EEXIST) {
             return made;
         }

@@ -7,9 +7,9 @@
 
 namespace ZQFoundation::detail {
 
-/// Opens a file for reading and appending, making it with 0666 less the umask when it is absent. Returns a
-/// close-on-exec descriptor, or -1 with `errno`. Never waits, not even for the other end of a pipe, and takes
-/// no terminal over.
+/// Opens a file for reading and appending, making it with 0666 less the umask when it is absent, and with
+/// 0600 in a folder as below. Returns a close-on-exec descriptor, or -1 with `errno`. Never waits, not even
+/// for the other end of a pipe, and takes no terminal over.
 ///
 /// In a sticky folder that others may write to (/tmp), on the way or at the end of it, EACCES meets a link
 /// that belongs to neither the effective user nor the folder's owner, and at the end any item of another

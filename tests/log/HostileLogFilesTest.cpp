@@ -378,6 +378,32 @@ TEST(HostileLogFiles, ofTheUserHimselfAreContinuedInAFolderLikeTmp) {
     EXPECT_NE(scene::contentsOf(own).find("a line"), std::string::npos);
 }
 
+mode_t modeOfNewFile(const std::string& path) {
+    struct stat information {};
+    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
+    return information.st_mode & 07777;
+}
+
+TEST(HostileLogFiles, areForTheUserAloneInAFolderLikeTmp) {
+    const scene::Folder folder;
+    folder.makeFolder("shared");
+    ASSERT_EQ(::chmod((folder / "shared").c_str(), 01777), 0);
+    folder.makeFolder("own");
+    for (const bool isShared : {true, false}) {
+        const std::string place = folder / (isShared ? "shared/" : "own/");
+        inChild([&] {
+            ::umask(022);
+            EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(place + "checked.log", false));
+            ZQLog::setOptionalLogFilePath(place + "unchecked.log");
+            EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(place + "new/below.log", true));
+        });
+        const mode_t expected = isShared ? 0600 : 0644;
+        EXPECT_EQ(modeOfNewFile(place + "checked.log"), expected) << place;
+        EXPECT_EQ(modeOfNewFile(place + "unchecked.log"), expected) << place;
+        EXPECT_EQ(modeOfNewFile(place + "new/below.log"), 0644U) << "in a folder of the user's own";
+    }
+}
+
 // Retention
 
 const NSDate farFuture = NSDate::dateWithTimeIntervalSinceReferenceDate(1e10);

@@ -769,6 +769,32 @@ std::string raisedBy(const std::string& folder, bool byAge) {
     return "";
 }
 
+TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can make files of other users";
+    }
+    constexpr uid_t nobody = 65534;
+    const RetentionScene scene;
+    for (const char* const name : {"MyApp.1.log", "MyApp.2.log", "MyApp.3.log", "MyApp.5.log"}) {
+        scene.file(name, -100 * (name[6] - '0'));
+    }
+    scene.link("MyApp.3.log", "MyApp.4.log", 0); // dated by a file of the user's own
+    for (const char* const name : {"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}) {
+        ASSERT_EQ(::lchown((scene / name).c_str(), nobody, nobody), 0);
+    }
+    ASSERT_EQ(::chmod(scene.logs().c_str(), 01777), 0);
+    EXPECT_EQ(keepNewest(scene.logs(), 2), Texts());
+    EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{scene.countMessage("MyApp.5.log")});
+    EXPECT_EQ(removeOld(scene.logs()), Texts{scene.ageMessage("MyApp.3.log")});
+    EXPECT_EQ(scene.names(), (Names{"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}));
+    for (const mode_t notShared : {01755, 0777}) {
+        ASSERT_EQ(::chmod(scene.logs().c_str(), notShared), 0);
+        EXPECT_EQ(removeOld(scene.logs()).size(), notShared == 01755 ? 2U : 1U);
+        scene.file("MyApp.1.log", -100);
+        ASSERT_EQ(::lchown((scene / "MyApp.1.log").c_str(), nobody, nobody), 0);
+    }
+}
+
 TEST(LogRetention, raisesARangeErrorWhereNameAndEndingOverlap) {
     const struct {
         const char* process;
