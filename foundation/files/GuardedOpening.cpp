@@ -59,6 +59,7 @@ public:
     bool follow();
 
     int folder() const noexcept { return folder_.number(); }
+    Descriptor releaseFolder() noexcept { return static_cast<Descriptor&&>(folder_); }
     const char* name() const noexcept { return name_.c_str(); }
 
 private:
@@ -198,18 +199,21 @@ void takeNonBlockingOff(int file) noexcept {
     }
 }
 
-bool mayAppendAtEndOf(GuardedWalk& walk) {
+bool reachEndOf(GuardedWalk& walk, GuardedPlace& place) {
     for (;;) {
-        struct stat folder;
         struct stat item;
-        if (!walk.reachLast() || ::fstat(walk.folder(), &folder) != 0 ||
-            !getInformation(walk.folder(), walk.name(), item)) {
+        if (!walk.reachLast()) {
             return false;
         }
-        if (!S_ISLNK(item.st_mode)) {
-            return mayWriteItem(item, folder);
+        const bool exists = getInformation(walk.folder(), walk.name(), item);
+        if (!exists && errno != ENOENT) {
+            return false;
         }
-        if (system::holdsObjectLinks(walk.folder())) {
+        const bool isLink = exists && S_ISLNK(item.st_mode);
+        place.isObjectLink = isLink && system::holdsObjectLinks(walk.folder());
+        if (!isLink || place.isObjectLink) {
+            place.name = walk.name();
+            place.folder = walk.releaseFolder();
             return true;
         }
         if (!walk.follow()) {
@@ -219,6 +223,11 @@ bool mayAppendAtEndOf(GuardedWalk& walk) {
 }
 
 } // namespace
+
+bool reachGuarded(const std::string& path, GuardedPlace& place) {
+    GuardedWalk walk(path);
+    return reachEndOf(walk, place);
+}
 
 int openForAppendingGuarded(const std::string& path) noexcept {
     try {
@@ -236,8 +245,12 @@ int openForAppendingGuarded(const std::string& path) noexcept {
 
 bool mayAppendGuarded(const std::string& path) noexcept {
     try {
-        GuardedWalk walk(path);
-        return mayAppendAtEndOf(walk);
+        GuardedPlace place;
+        struct stat folder;
+        struct stat item;
+        return reachGuarded(path, place) && ::fstat(place.folder.number(), &folder) == 0 &&
+               getInformation(place.folder.number(), place.name.c_str(), item) &&
+               (place.isObjectLink || mayWriteItem(item, folder));
     } catch (const std::bad_alloc&) {
         return false;
     }

@@ -13,12 +13,24 @@
 
 namespace scene {
 
-/// From here on a system call of this process and its children fails with the error, or with 0 succeeds
-/// without having done anything. False when the system does not let the process ask for that.
-inline bool refuseCall(unsigned number, unsigned error) {
+/// An argument of a call, counted from 0, and the value that it must have in its lower 32 bits.
+struct CallArgument {
+    unsigned index;
+    unsigned value;
+};
+
+/// From here on a system call of this process and its children, with that argument if one is given, fails
+/// with the error, or with 0 succeeds without having done anything. False when the system does not let the
+/// process ask for that.
+inline bool refuseCall(unsigned number, unsigned error, const CallArgument* argument = nullptr) {
+    const unsigned place =
+        static_cast<unsigned>(argument != nullptr ? offsetof(seccomp_data, args) + 8 * argument->index
+                                                  : offsetof(seccomp_data, nr));
     sock_filter steps[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, place),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, argument != nullptr ? argument->value : number, 0, 1),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     };

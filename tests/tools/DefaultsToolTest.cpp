@@ -11,6 +11,10 @@
 #include "foundation/objects/NSDate.h"
 #include "tests/tools/ToolScene.h"
 
+#if __has_include(<linux/seccomp.h>)
+#include "tests/process/RefusedCalls.h"
+#endif
+
 using namespace ZQFoundation;
 using scene::Outcome;
 using scene::Tool;
@@ -432,6 +436,70 @@ TEST(DefaultsTool, makesNoFileThatWouldBeTooLargeToRead) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.errors.find("larger"), std::string::npos) << outcome.errors;
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
+}
+
+TEST(DefaultsTool, refusesWhatXmlCannotHoldAndSaysWhereItIs) {
+    const Tool tool;
+    const std::pair<const char*, const char*> rows[] = {
+        {"{ k = \"a\\U001b[31m\"; }", "k holds the character U+001B"},
+        {"{ a = (x, { \"in ner\" = (y, \"\\U0001\"); }); }", "a[1].in ner[1] holds the character U+0001"},
+        {"{ a = { \"k\\U000c\" = v; }; }", "a.k\\x0c holds the character U+000C"},
+        {"{ b = \"\\Ufffe\"; }", "b holds the character U+FFFE"},
+        {"{ b = \"\\Ud800x\"; }", "b holds the character U+D800"},
+        {"{ b = \"x\\Udc00\"; }", "b holds the character U+DC00"},
+        {"{ a = \"\\t\\n\\r\\U007f\\U0085\\Ud83d\\Ude00\"; z = \"\\U0000\"; }",
+         "z holds the character U+0000"},
+    };
+    tool.done({"write", "d", "k", "v"});
+    const std::string before = scene::contentsOf(tool.file("d"));
+    for (const auto& [text, place] : rows) {
+        for (const Words& words : {Words{"write", "d", text}, Words{"write", "new", text}}) {
+            const std::string message = tool.refused(words);
+            EXPECT_NE(message.find(place), std::string::npos) << message;
+        }
+        tool.write("source", text);
+        tool.refused({"export", "source", "-"});
+        tool.refused({"export", "source", tool.folder() / "exported.plist"});
+        tool.refused({"write", "source", "other", "v"});
+        EXPECT_EQ(scene::contentsOf(tool.file("source")), text);
+        EXPECT_EQ(tool.run({"import", "d", "-"}, text).status, 1);
+    }
+    EXPECT_EQ(scene::contentsOf(tool.file("d")), before);
+    EXPECT_EQ(::access(tool.file("new").c_str(), F_OK), -1);
+    EXPECT_EQ(::access((tool.folder() / "exported.plist").c_str(), F_OK), -1);
+    tool.refused({"write", "d", "k", "-string", "\x1B[31m"});
+    tool.done({"remove", "source", "z"}); // and so the rest is to be had again
+    EXPECT_EQ(tool.done({"read-type", "source", "a"}), "Type is string\n");
+}
+
+#if __has_include(<linux/seccomp.h>)
+TEST(DefaultsTool, failsWhenItCannotLookAtTheFileBefore) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
+    const Outcome outcome = tool.runPrepared({"write", "d", "k", "w"}, [] {
+        const scene::CallArgument notFollowing{3, AT_SYMLINK_NOFOLLOW};
+        return scene::refuseCall(SYS_newfstatat, EIO, &notFollowing);
+    });
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errors.find("nput/output error"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(modeOf(tool.file("d")), 0644U);
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "no temporary file is left";
+}
+#endif
+
+TEST(DefaultsTool, exportsThroughNamesOfOpenFiles) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    const std::string xml = tool.done({"export", "d", "-"});
+    EXPECT_EQ(tool.done({"export", "d", "/dev/stdout"}), xml);
+    EXPECT_EQ(tool.done({"export", "d", "/dev/fd/1"}), xml);
+    EXPECT_EQ(tool.done({"import", "e", "/dev/stdin"}, xml), "");
+    EXPECT_EQ(tool.done({"read", "e", "k"}), "v\n");
+    const Outcome appended = tool.runPrepared({"export", "d", "/dev/stdout"},
+                                              [] { return ::write(STDOUT_FILENO, "before\n", 7) == 7; });
+    EXPECT_EQ(appended.output, "before\n" + xml);
 }
 
 TEST(DefaultsTool, failsWhereItMayNotWrite) {

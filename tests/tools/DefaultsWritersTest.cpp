@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The tool `defaults` when others write too, and when it is ended in the middle.
+#include <cerrno>
 #include <csignal>
 #include <ctime>
 #include <string>
@@ -93,26 +94,13 @@ TEST(DefaultsToolWriters, lockAFileWhereTheFolderCannotBeLocked) {
 }
 #endif
 
-/// Runs the tool with its messages on a terminal, and answers that terminal's other end.
-int startOnTerminal(const Words& words, pid_t& child) {
-    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
-    EXPECT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
-    const std::string name = ::ptsname(terminal);
-    child = ::fork();
-    if (child == 0) {
-        ::dup2(::open(name.c_str(), O_RDWR | O_NOCTTY), STDERR_FILENO);
-        become(words);
-    }
-    return terminal;
-}
-
 TEST(DefaultsToolWriters, saySoWhenTheyWait) {
     const Tool tool;
     tool.done({"write", "d", "k", "v"});
     const int folder = ::open((tool.folder() / "ZQFoundation").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(folder, LOCK_EX), 0);
     pid_t child = -1;
-    const int terminal = startOnTerminal({"write", "d", "k", "w"}, child);
+    const int terminal = scene::startOnTerminal({"write", "d", "k", "w"}, STDERR_FILENO, child);
     std::string said(200, '\0');
     const ssize_t count = ::read(terminal, said.data(), said.size()); // until it says something
     said.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
@@ -123,6 +111,34 @@ TEST(DefaultsToolWriters, saySoWhenTheyWait) {
     ::close(terminal);
     EXPECT_EQ(tool.done({"read", "d", "k"}), "w\n");
 }
+
+#if __has_include(<linux/seccomp.h>)
+/// Makes sleeping take no time.
+bool skipSleep() { return scene::refuseCall(SYS_clock_nanosleep, 0) && scene::refuseCall(SYS_nanosleep, 0); }
+
+TEST(DefaultsToolWriters, giveUpOnALockThatIsNotGivenBack) {
+    const Tool tool;
+    tool.done({"write", "d", "k", "v"});
+    const std::string place = tool.folder() / "ZQFoundation";
+    const int folder = ::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(folder, LOCK_EX), 0);
+    const int file = ::open((place + "/.defaults.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    ASSERT_EQ(::fcntl(file, F_SETLK, &whole), 0);
+    for (const bool locksFile : {false, true}) {
+        const scene::Outcome outcome = tool.runPrepared({"write", "d", "k", "w"}, [locksFile] {
+            return skipSleep() && (!locksFile || scene::refuseCall(SYS_flock, EBADF));
+        });
+        EXPECT_EQ(outcome.status, 1) << locksFile;
+        EXPECT_NE(outcome.errors.find(tool.file("d")), std::string::npos) << outcome.errors;
+        EXPECT_NE(outcome.errors.find("10 seconds"), std::string::npos) << outcome.errors;
+    }
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
+    ::close(file);
+    ::close(folder);
+}
+#endif
 
 std::int64_t now() {
     timespec time{};

@@ -38,22 +38,47 @@ struct Outcome {
     ::_exit(126);
 }
 
+/// Runs the tool with one of its standard streams on a terminal, and answers that terminal's other end.
+inline int startOnTerminal(const Words& words, int stream, pid_t& child) {
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    EXPECT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+    const std::string name = ::ptsname(terminal);
+    child = ::fork();
+    if (child == 0) {
+        ::dup2(::open(name.c_str(), O_RDWR | O_NOCTTY), stream);
+        become(words);
+    }
+    return terminal;
+}
+
 /// A config home with the tool at work in it.
 class Tool {
 public:
     Tool() : configuration_("XDG_CONFIG_HOME", folder_.path().c_str()) {}
 
     Outcome run(const Words& words, const std::string& input = {}, rlim_t fileSize = RLIM_INFINITY) const {
+        return runPrepared(
+            words,
+            [fileSize] {
+                const rlimit limit{fileSize, fileSize};
+                return fileSize == RLIM_INFINITY || ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+            },
+            input);
+    }
+
+    /// The same in a child in which `prepare` has succeeded; it is killed when it hangs.
+    template <class Prepare>
+    Outcome runPrepared(const Words& words, const Prepare& prepare, const std::string& input = {}) const {
         folder_.write("input", input);
         std::fflush(nullptr);
         const pid_t child = ::fork();
         if (child == 0) {
+            ::alarm(60);
             redirect("input", O_RDONLY, STDIN_FILENO);
             redirect("output", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
             redirect("errors", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-            if (fileSize != RLIM_INFINITY) {
-                const rlimit limit{fileSize, fileSize};
-                ::setrlimit(RLIMIT_FSIZE, &limit);
+            if (!prepare()) {
+                ::_exit(99);
             }
             become(words);
         }

@@ -18,9 +18,6 @@ struct Misuse {
     std::string message;
 };
 
-/// The text as one line that does no harm to a terminal: control characters are spelled out.
-std::string onOneLine(const std::string& text);
-
 /// Ends the command with a message formatted as `NSString::stringWithFormat` does.
 template <class... Arguments>
 [[noreturn]] void fail(FormatString<std::type_identity_t<Arguments>...> format,

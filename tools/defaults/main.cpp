@@ -9,6 +9,7 @@
 #include "foundation/text/Utf.h"
 #include "tools/defaults/Commands.h"
 #include "tools/defaults/Failure.h"
+#include "tools/defaults/Text.h"
 
 namespace ZQFoundation::defaults {
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tools/defaults/Failure.h"
+#include "tools/defaults/Text.h"
+
+#include <string_view>
 
 namespace ZQFoundation::defaults {
 
@@ -12,25 +14,32 @@ void appendHex(std::string& text, unsigned char byte) {
     text.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
 }
 
-} // namespace
-
-std::string onOneLine(const std::string& text) {
-    std::string line;
+/// Control characters but the kept ones spelled out.
+std::string spelledOut(const std::string& text, std::string_view kept) {
+    std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const unsigned char byte = static_cast<unsigned char>(text[i]);
         const unsigned char next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
-        if (byte == '\n') {
-            line += "\\n";
+        if (kept.find(text[i]) != std::string_view::npos) {
+            result += text[i];
+        } else if (byte == '\n') {
+            result += "\\n";
         } else if (isControl(byte)) {
-            appendHex(line, byte);
+            appendHex(result, byte);
         } else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {
-            appendHex(line, next); // terminals take U+0080 to U+009F for commands too
+            appendHex(result, next); // terminals take U+0080 to U+009F for commands too
             ++i;
         } else {
-            line += text[i];
+            result += text[i];
         }
     }
-    return line;
+    return result;
 }
+
+} // namespace
+
+std::string onOneLine(const std::string& text) { return spelledOut(text, {}); }
+
+std::string onTerminal(const std::string& text) { return spelledOut(text, "\n\t"); }
 
 } // namespace ZQFoundation::defaults
