@@ -177,6 +177,41 @@ TEST(DefaultsTool, spellsControlCharactersOutInMessages) {
               "defaults: there is no domain a\\nb\\x1b[31m\\x9b\u00E9\n");
 }
 
+/// What the tool shows on a terminal, with line feeds alone at the ends of lines.
+std::string shownOnTerminal(const Words& words) {
+    pid_t child = -1;
+    const int terminal = scene::startOnTerminal(words, STDOUT_FILENO, child);
+    std::string shown;
+    char buffer[4096];
+    for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
+        for (const char byte : std::string(buffer, static_cast<std::size_t>(count))) {
+            shown.append(byte == '\r' ? 0 : 1, byte);
+        }
+    }
+    ::close(terminal);
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    return shown;
+}
+
+TEST(DefaultsTool, spellsControlCharactersOutOnATerminal) {
+    const Tool tool;
+    tool.write("d", "{ k = \"a\\U001b[31m\\nb\\tc\\U0085\\U007f\\U00e9\"; }");
+    const std::string plain = "a\x1B[31m\nb\tc\u0085\x7F\u00E9\n";
+    EXPECT_EQ(shownOnTerminal({"read", "d", "k"}), "a\\x1b[31m\nb\tc\\x85\\x7f\u00E9\n");
+    EXPECT_EQ(tool.done({"read", "d", "k"}), plain);
+    for (const Words& words : {Words{"read", "d"}, Words{"read"}, Words{"find", "31m"}}) {
+        const std::string shown = shownOnTerminal(words);
+        EXPECT_EQ(shown.find('\x1B'), std::string::npos) << shown;
+        EXPECT_NE(shown.find("[31m"), std::string::npos) << shown;
+    }
+    tool.write("d", "{ k = \"\\U0085\"; }");
+    EXPECT_NE(shownOnTerminal({"export", "d", "-"}).find("<string>&#x85;<"), std::string::npos);
+    tool.write("o\x1B[0m", "{ k = v; }");
+    EXPECT_EQ(shownOnTerminal({"domains"}), "d, o\\x1b[0m\n");
+}
+
 // Commands
 
 TEST(DefaultsTool, addsToCollections) {
@@ -206,6 +241,44 @@ TEST(DefaultsTool, removesKeysAndDomains) {
     tool.refused({"delete", "d"});
     tool.refused({"delete", "d", "c"});
     tool.refused({"read", "d"});
+}
+
+TEST(DefaultsTool, saysWhereARemovedKeyIsStillSet) {
+    const Tool tool;
+    tool.done({"write", "-g", "TraceBoth", "YES"});
+    tool.done({"write", "-g", "TraceGlobal", "YES"});
+    tool.done({"write", "com.example.v", "{ TraceBoth = NO; TraceOwn = YES; }"});
+    EXPECT_EQ(tool.refused({"remove", "com.example.v", "TraceBoth"}),
+              "defaults: TraceBoth was removed from com.example.v, but stays in force: the global domain has "
+              "it too "
+              "(defaults remove -g TraceBoth)\n");
+    EXPECT_EQ(tool.done({"read", "com.example.v"}), "{\n    TraceOwn = YES;\n}\n");
+    tool.done({"remove", "com.example.v", "TraceOwn"});
+    EXPECT_EQ(tool.refused({"remove", "com.example.v", "TraceGlobal"}),
+              "defaults: the domain com.example.v has no key TraceGlobal, but the global domain has it "
+              "(defaults remove -g TraceGlobal)\n");
+    const std::string elsewhere =
+        " has no key TraceOther; an application that sees one has it from its command "
+        "line, or has registered it itself\n";
+    EXPECT_EQ(tool.refused({"remove", "com.example.v", "TraceOther"}),
+              "defaults: the domain com.example.v" + elsewhere);
+    EXPECT_EQ(tool.refused({"remove", "com.none", "TraceOther"}),
+              "defaults: the domain com.none" + elsewhere);
+    EXPECT_EQ(tool.refused({"remove", "-g", "TraceOther"}),
+              "defaults: the domain NSGlobalDomain" + elsewhere);
+    tool.done({"remove", "-g", "TraceBoth"});
+    tool.done({"remove", "NSGlobalDomain", "TraceGlobal"});
+    const std::string path = tool.folder() / "own";
+    tool.done({"write", path, "k", "v"});
+    tool.done({"write", "-g", "k", "v"});
+    tool.done({"remove", path, "k"}); // no application looks there
+}
+
+TEST(DefaultsTool, removesAlthoughTheGlobalDomainCannotBeRead) {
+    const Tool tool;
+    tool.write("NSGlobalDomain", "{ k"); // which no application reads either
+    tool.done({"write", "d", "k", "v"});
+    tool.done({"remove", "d", "k"});
 }
 
 TEST(DefaultsTool, renamesAKeyThatIsThereToOneThatIsFree) {

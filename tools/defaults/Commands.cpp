@@ -4,15 +4,19 @@
 #include <cstdio>
 #include <vector>
 
+#include <unistd.h>
+
 #include "tools/defaults/DomainFile.h"
 #include "tools/defaults/Failure.h"
+#include "tools/defaults/Text.h"
 
 namespace ZQFoundation::defaults {
 
 namespace {
 
 void print(const NSString& text) {
-    const std::string bytes = text.utf8();
+    const bool isShown = ::isatty(STDOUT_FILENO) == 1;
+    const std::string bytes = isShown ? onTerminal(text.utf8()) : text.utf8();
     std::fwrite(bytes.data(), 1, bytes.size(), stdout);
     std::fputc('\n', stdout);
 }
@@ -156,24 +160,55 @@ void write(const Words& words) {
 
 // remove, rename
 
-void remove(const Words& words) {
-    const Domain domain = domainFromWord(words[1]);
-    if (words.size() == 2) {
-        removeDomain(domain);
-        return;
+/// Whether applications find the key in the global domain when this one does not have it.
+bool isSetGlobally(const Domain& domain, const NSString& key) {
+    const Domain global = domainFromWord("-g");
+    if (!domain.isNamed || domain.name == global.name) {
+        return false;
     }
-    const NSString key(words[2]);
+    try {
+        return static_cast<bool>(readDomain(global).objectForKey(key));
+    } catch (const Failure&) {
+        return false; // what cannot be read holds nothing for applications either
+    }
+}
+
+[[noreturn]] void failToRemove(const Domain& domain, const NSString& key) {
+    if (isSetGlobally(domain, key)) {
+        fail("the domain %@ has no key %@, but the global domain has it (defaults remove -g %@)", domain.name,
+             key, key);
+    }
+    fail("the domain %@ has no key %@; an application that sees one has it from its command line, or has "
+         "registered it itself",
+         domain.name, key);
+}
+
+void removeKey(const Domain& domain, const NSString& key) {
     if (!readDomain(domain)) {
-        failWithoutKey(domain, key); // makes no file, and no folder for one
+        failToRemove(domain, key); // makes no file, and no folder for one
     }
     changeDomain(domain, [&](const NSDictionary& values) {
         if (!values.objectForKey(key)) {
-            failWithoutKey(domain, key);
+            failToRemove(domain, key);
         }
         NSMutableDictionary rest(values);
         rest.removeObjectForKey(key);
         return rest.dictionary();
     });
+    if (isSetGlobally(domain, key)) {
+        fail("%@ was removed from %@, but stays in force: the global domain has it too (defaults remove -g "
+             "%@)",
+             key, domain.name, key);
+    }
+}
+
+void remove(const Words& words) {
+    const Domain domain = domainFromWord(words[1]);
+    if (words.size() == 2) {
+        removeDomain(domain);
+    } else {
+        removeKey(domain, words[2]);
+    }
 }
 
 void rename(const Words& words) {
