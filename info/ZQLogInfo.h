@@ -56,8 +56,9 @@ public:
     static void logAppAndSystemInformation();
 
     /// Writes the active trace keys and the true defaults whose keys begin with "Enable", "Disable" and
-    /// "Debug", each with the command that turns it off. Keys stand in the commands as they are: quote them
-    /// for a shell when they hold anything but letters, digits, "_", "-" and ".".
+    /// "Debug", each with the command that turns it off in the application's domain, where no other domain
+    /// sets it. Keys stand in the commands as they are: quote them for a shell when they hold anything but
+    /// letters, digits, "_", "-" and ".".
     static void logTracelogAndFeatureRelatedUserDefaults();
 };
 
