@@ -2,6 +2,7 @@
 #include "foundation/process/BundleLayout.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include <dirent.h>
 
@@ -33,6 +34,7 @@ public:
             ::closedir(stream_);
         }
     }
+    explicit operator bool() const noexcept { return stream_ != nullptr; }
     const dirent* next() noexcept { return stream_ != nullptr ? ::readdir(stream_) : nullptr; }
 
 private:
@@ -102,9 +104,12 @@ BundleLayout layoutOfLibrary(const std::string& library) {
     return {shared, shared + "/Info.plist", shared, folder};
 }
 
-std::vector<std::string> localizedFolders(const std::string& resources) {
+std::vector<std::string> localizedFolders(const std::string& resources, bool& isKnown) {
     std::vector<std::string> names;
     OpenFolder folder(resources);
+    if (!folder && isPassing(errno)) {
+        isKnown = false;
+    }
     while (const dirent* entry = folder.next()) {
         const std::string name = entry->d_name;
         const std::size_t extension = sizeof localizedExtension - 1;

@@ -34,7 +34,8 @@ BundleLayout layoutOfProgram(const std::string& program, const std::string& proc
 BundleLayout layoutOfLibrary(const std::string& library);
 
 /// The names of the "*.lproj" folders in a folder, without the extension, in ascending order of their bytes.
-std::vector<std::string> localizedFolders(const std::string& resources);
+/// `isKnown` becomes false when the process lacks the descriptor or the memory for a look at the moment.
+std::vector<std::string> localizedFolders(const std::string& resources, bool& isKnown);
 
 std::string folderOf(const std::string& path);
 std::string lastComponentOf(const std::string& path);

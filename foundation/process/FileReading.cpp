@@ -53,11 +53,6 @@ bool readAll(int descriptor, std::string& bytes) noexcept {
     return true;
 }
 
-FileResult resultOfError(int error) noexcept {
-    const bool passing = error == EMFILE || error == ENFILE || error == ENOMEM || error == EAGAIN;
-    return passing ? FileResult::exhausted : FileResult::unreadable;
-}
-
 bool getInformation(const std::string& path, struct stat& information) noexcept {
     return !path.empty() && ::stat(path.c_str(), &information) == 0;
 }
@@ -68,7 +63,7 @@ FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& sta
     }
     const Descriptor file(openForReading(path));
     if (!file) {
-        return resultOfError(errno);
+        return isPassing(errno) ? FileResult::exhausted : FileResult::unreadable;
     }
     struct stat information;
     if (::fstat(file.number(), &information) != 0 || !S_ISREG(information.st_mode)) {
@@ -83,6 +78,10 @@ FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& sta
 }
 
 } // namespace
+
+bool isPassing(int error) noexcept {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EAGAIN;
+}
 
 bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept {
     struct stat information;

@@ -36,6 +36,9 @@ enum class FileResult {
     exhausted,  ///< the process lacks descriptors or memory at the moment
 };
 
+/// Whether a call failed for the lack of descriptors or memory, which may be there later.
+bool isPassing(int error) noexcept;
+
 /// False unless the path leads to a regular file.
 bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept;
 

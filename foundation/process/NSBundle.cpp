@@ -145,10 +145,13 @@ NSString regionOf(BundleRecord& record) {
     return infoOf(record).objectForKey("CFBundleDevelopmentRegion").as<NSString>();
 }
 
-std::vector<std::string> localizationsOf(BundleRecord& record) {
+// `isKnown` becomes false below when something could not be read at the moment; what follows from that must
+// not be kept.
+
+std::vector<std::string> localizationsOf(BundleRecord& record, bool& isKnown) {
     std::vector<std::string> names =
         namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
-    for (const std::string& folder : localizedFolders(record.layout.resources)) {
+    for (const std::string& folder : localizedFolders(record.layout.resources, isKnown)) {
         addName(names, textOfPath(folder));
     }
     const bool hasBase = std::find(names.begin(), names.end(), "Base") != names.end();
@@ -158,13 +161,13 @@ std::vector<std::string> localizationsOf(BundleRecord& record) {
     return names;
 }
 
-const std::vector<std::string>& preferredOf(BundleRecord& record);
+std::vector<std::string> preferredOf(BundleRecord& record, bool& isKnown);
 
-std::vector<std::string> languagesFor(const BundleRecord& record) {
+std::vector<std::string> languagesFor(const BundleRecord& record, bool& isKnown) {
     std::vector<std::string> languages;
     BundleRecord* const mainRecordNow = currentMainRecord();
-    if (&record != mainRecordNow && !localizationsOf(*mainRecordNow).empty()) {
-        languages = preferredOf(*mainRecordNow);
+    if (&record != mainRecordNow && !localizationsOf(*mainRecordNow, isKnown).empty()) {
+        languages = preferredOf(*mainRecordNow, isKnown);
     }
     for (const std::string& language :
          namesOf(NSUserDefaults::standardUserDefaults().arrayForKey("AppleLanguages"))) {
@@ -173,9 +176,9 @@ std::vector<std::string> languagesFor(const BundleRecord& record) {
     return languages;
 }
 
-std::vector<std::string> choosePreferred(BundleRecord& record) {
-    const std::vector<std::string> available = localizationsOf(record);
-    std::vector<std::string> chosen = matchingLocalizations(languagesFor(record), available);
+std::vector<std::string> choosePreferred(BundleRecord& record, bool& isKnown) {
+    const std::vector<std::string> available = localizationsOf(record, isKnown);
+    std::vector<std::string> chosen = matchingLocalizations(languagesFor(record, isKnown), available);
     if (!chosen.empty()) {
         return chosen;
     }
@@ -193,17 +196,22 @@ std::vector<std::string> choosePreferred(BundleRecord& record) {
     return {first == available.end() ? std::string("en") : *first};
 }
 
-const std::vector<std::string>& preferredOf(BundleRecord& record) {
+std::vector<std::string> preferredOf(BundleRecord& record, bool& isKnown) {
     if (const auto* preferred = record.preferred.load(std::memory_order_acquire)) {
         return *preferred;
     }
-    return publishOnce<std::vector<std::string>>(record.preferred,
-                                                 new std::vector<std::string>(choosePreferred(record)));
+    bool isChosenForGood = true;
+    std::vector<std::string> chosen = choosePreferred(record, isChosenForGood);
+    if (isChosenForGood) {
+        return publishOnce<std::vector<std::string>>(record.preferred, new std::vector<std::string>(chosen));
+    }
+    isKnown = false;
+    return chosen;
 }
 
 // String tables
 
-std::string pathOfTable(BundleRecord& record, const std::string& table) {
+std::string pathOfTable(BundleRecord& record, const std::string& table, bool& isKnown) {
     const std::string& resources = record.layout.resources;
     if (resources.empty()) {
         return {};
@@ -212,11 +220,11 @@ std::string pathOfTable(BundleRecord& record, const std::string& table) {
     if (fileExists(resources + file)) {
         return resources + file;
     }
-    std::vector<std::string> folders = preferredOf(record);
+    std::vector<std::string> folders = preferredOf(record, isKnown);
     folders.push_back("Base");
     std::string region;
     if (getFileName(regionOf(record), region)) {
-        folders.push_back(localizationOfLanguage(region, localizationsOf(record)));
+        folders.push_back(localizationOfLanguage(region, localizationsOf(record, isKnown)));
         folders.push_back(region);
     }
     for (const std::string& folder : folders) {
@@ -245,8 +253,10 @@ NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
         return table->texts;
     }
     bool keep = false;
-    NSDictionary texts = readDictionary(pathOfTable(record, name), stringTableFromBytes, keep);
-    if (keep) {
+    bool isKnown = true;
+    const std::string path = pathOfTable(record, name, isKnown);
+    NSDictionary texts = readDictionary(path, stringTableFromBytes, keep);
+    if (keep && isKnown) {
         record.tables.store(new StringTable{name, texts, record.tables.load(std::memory_order_relaxed)},
                             std::memory_order_release);
     }
@@ -383,12 +393,14 @@ NSString NSBundle::executablePath() const {
 
 NSArray NSBundle::localizations() const {
     const detail::CallerState callerState;
-    return record_ != nullptr ? detail::textsOf(detail::localizationsOf(*record_)) : NSArray();
+    bool isKnown = true;
+    return record_ != nullptr ? detail::textsOf(detail::localizationsOf(*record_, isKnown)) : NSArray();
 }
 
 NSArray NSBundle::preferredLocalizations() const {
     const detail::CallerState callerState;
-    return record_ != nullptr ? detail::textsOf(detail::preferredOf(*record_)) : NSArray();
+    bool isKnown = true;
+    return record_ != nullptr ? detail::textsOf(detail::preferredOf(*record_, isKnown)) : NSArray();
 }
 
 NSString NSBundle::developmentLocalization() const {

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <thread>
 
+#include <sys/resource.h>
+
 #include "foundation/process/BundleLayout.h"
 #include "foundation/process/FileReading.h"
 #include "foundation/process/NSUserDefaults.h"
@@ -272,6 +274,26 @@ TEST_F(NSBundleTest, infoFilesOfNoUseCountAsEmpty) {
     folder.makeFolder("pipe.app/Contents");
     ASSERT_EQ(::mkfifo((folder / "pipe.app/Contents/Info.plist").c_str(), 0644), 0);
     EXPECT_EQ(NSBundle::bundleWithPath(folder / "pipe.app").infoDictionary().count(), 0u);
+}
+
+TEST_F(NSBundleTest, whatCouldNotBeReadWithoutADescriptorIsReadLater) {
+    const NSBundle b = bundle("B.app", "{ CFBundleIdentifier = id; }", {"de", "fr"});
+    writeTable("fr.lproj/Localizable.strings", "k = texte;");
+    const scene::Variable language("LANGUAGE", "fr");
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const NSString identifier = b.bundleIdentifier();
+    const std::string meanwhile = text(b, "k");
+    const NSArray preferred = b.preferredLocalizations();
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_FALSE(identifier);
+    EXPECT_EQ(meanwhile, "?");
+    EXPECT_EQ(preferred, names({"en"}));
+    EXPECT_EQ(b.bundleIdentifier(), "id");
+    EXPECT_EQ(text(b, "k"), "texte");
+    EXPECT_EQ(b.preferredLocalizations(), names({"fr"}));
 }
 
 // Localizations
