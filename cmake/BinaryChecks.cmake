@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The built shared library: what it exports, what it needs, and that loading it runs no code of its own. The list
+# The built shared library: what it exports, what it needs, and that loading it only takes the arguments. The list
 # of exports holds for every compiler; without optimisation other inline functions might be kept.
 
 if(NOT APPLE AND CMAKE_BUILD_TYPE STREQUAL "Release")

@@ -98,10 +98,10 @@ std::string startedFile() {
 } // namespace
 
 std::string executablePath() {
-    // A program that was started through the dynamic loader (`ld.so program`) is, for the kernel, the loader.
-    // It shows by the kernel's having loaded no interpreter, as for a program without one.
-    const bool isAnothersProcess = getauxval(AT_BASE) == 0;
-    const std::string path = isAnothersProcess ? fileMappedAt(getauxval(AT_PHDR)) : targetOfProgramLink();
+    // When the dynamic loader was started with the program as its argument, the kernel takes the loader for
+    // the program. Then, as for a static program, the kernel itself has loaded no loader.
+    const bool mayBeLoader = getauxval(AT_BASE) == 0;
+    const std::string path = mayBeLoader ? fileMappedAt(getauxval(AT_PHDR)) : targetOfProgramLink();
     return path.empty() ? startedFile() : path;
 }
 
