@@ -71,7 +71,7 @@ endif()
 # over many inputs are optimised all the same; what is compiled before for the others does not fit them.
 target_compile_options(zq_test_settings INTERFACE ${ZQFOUNDATION_TEST_OPTIMIZATION})
 set(ZQ_OPTIMIZED_TESTS
-    encoding/Base64FromFactsTest.cpp encoding/URLConstructionFromFactsTest.cpp extensions/LineWalkTest.cpp
+    encoding/Base64Test.cpp encoding/URLConstructionTest.cpp extensions/LineWalkTest.cpp
     objects/StringSearchTest.cpp time/WallTimeTest.cpp)
 target_compile_definitions(zq_test_settings INTERFACE
     ZQ_TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
@@ -174,6 +174,14 @@ function(zq_add_test_folder folder)
                 COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
         endforeach()
     endif()
+    # A program that counts allocations replaces the allocator; no other one does.
+    foreach(source IN LISTS sources)
+        file(STRINGS "${source}" counting REGEX "^#include \"tests/kit/AllocationCount.h\"")
+        if(counting)
+            list(APPEND sources "${PROJECT_SOURCE_DIR}/tests/kit/AllocationCount.cpp")
+            break()
+        endif()
+    endforeach()
     if(sources)
         zq_add_test_program(test_${folder} ${sources})
     endif()

@@ -12,8 +12,8 @@ namespace {
 std::u16string unitsOf(std::string_view argument) {
     std::u16string units;
     for (std::size_t at = 0; at < argument.size();) {
-        if (const auto character = fuzzing::plainCharacterAt(argument, at)) {
-            fuzzing::appendPlainUtf16(units, character->number);
+        if (const auto character = models::characterAt(argument, at)) {
+            models::appendUtf16(units, character->number);
             at += character->length;
         } else {
             units += static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(argument[at]));

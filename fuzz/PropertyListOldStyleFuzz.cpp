@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzzing::BothForms text;
     text.utf8.assign(reinterpret_cast<const char*>(data), size);
     NSObject value;
-    if (std::optional<std::u16string> units = fuzzing::plainUtf16(text.utf8)) {
+    if (std::optional<std::u16string> units = models::wellFormedUtf16(text.utf8)) {
         text.units = std::move(*units);
         value = fuzzing::readBothForms(readForm, readForm, text);
     } else {

@@ -18,12 +18,12 @@ std::optional<fuzzing::BothForms> decoded(const uint8_t* data, size_t size) {
     fuzzing::BothForms forms;
     if (text.utf8 != nullptr) {
         forms.utf8.assign(text.utf8, text.count);
-        const std::optional<std::u16string> units = fuzzing::plainUtf16(forms.utf8);
+        const std::optional<std::u16string> units = models::wellFormedUtf16(forms.utf8);
         fuzzing::require(units.has_value(), "decoded bytes are well-formed");
         forms.units = *units;
     } else {
         forms.units.assign(text.units.get(), text.count);
-        const std::optional<std::string> utf8 = fuzzing::plainUtf8(forms.units);
+        const std::optional<std::string> utf8 = models::wellFormedUtf8(forms.units);
         fuzzing::require(utf8.has_value(), "decoded units are well-formed");
         forms.utf8 = *utf8;
     }

@@ -15,8 +15,8 @@
 #include "foundation/process/PropertyListValue.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/PlainBinaryWriter.h"
-#include "fuzz/PlainUtf.h"
 #include "fuzz/SameValue.h"
+#include "tests/models/Utf.h"
 
 namespace ZQFoundation::fuzzing {
 
@@ -55,7 +55,7 @@ inline void survey(const NSObject& value, Survey& seen) {
 
 /// Whether every strict XML reader takes the characters as they stand; references are not looked at.
 inline bool isFitForXml(std::string_view text) {
-    const std::optional<std::u16string> units = plainUtf16(text);
+    const std::optional<std::u16string> units = models::wellFormedUtf16(text);
     bool isFit = units.has_value();
     for (const char16_t unit : units.value_or(u"")) {
         isFit = isFit && (unit >= 0x20 || unit == u'\n' || unit == u'\t') && unit < 0xFFFE;

@@ -28,9 +28,9 @@ Text widened(std::string_view bytes, unsigned size, bool isLittle) {
         if (number > 0x10FFFF || (size == 4 && number >= 0xD800 && number <= 0xDFFF)) {
             return std::nullopt;
         }
-        fuzzing::appendPlainUtf16(units, number);
+        models::appendUtf16(units, number);
     }
-    return fuzzing::plainUtf8(units) ? Text(std::move(units)) : std::nullopt;
+    return models::wellFormedUtf8(units) ? Text(std::move(units)) : std::nullopt;
 }
 
 /// An encoding that an XML declaration names is left to the library; the harness for XML looks after it.
@@ -41,7 +41,7 @@ Text declared(std::string_view bytes) {
                             error)) {
         return std::nullopt;
     }
-    return text.utf8 != nullptr ? fuzzing::plainUtf16({text.utf8, text.count})
+    return text.utf8 != nullptr ? models::wellFormedUtf16({text.utf8, text.count})
                                 : Text(std::u16string(text.units.get(), text.count));
 }
 
@@ -53,7 +53,7 @@ Text decoded(std::string_view bytes) {
         return widened(bytes.substr(4), 4, false);
     }
     if (bytes.starts_with("\xEF\xBB\xBF"sv)) {
-        return fuzzing::plainUtf16(bytes.substr(3));
+        return models::wellFormedUtf16(bytes.substr(3));
     }
     if (bytes.starts_with("\xFF\xFE"sv)) {
         return widened(bytes.substr(2), 2, true);
@@ -63,11 +63,11 @@ Text decoded(std::string_view bytes) {
     }
     const bool isXml = bytes.starts_with("<?xml"sv);
     const bool isEven = bytes.size() % 2 == 0 && !bytes.empty();
-    const bool isWide = bytes.find('\0') != bytes.npos || (!isXml && !fuzzing::plainUtf16(bytes));
+    const bool isWide = bytes.find('\0') != bytes.npos || (!isXml && !models::wellFormedUtf16(bytes));
     if (isEven && isWide) {
         return widened(bytes, 2, bytes[1] == '\0');
     }
-    return isXml ? declared(bytes) : fuzzing::plainUtf16(bytes);
+    return isXml ? declared(bytes) : models::wellFormedUtf16(bytes);
 }
 
 NSDictionary plainTable(std::string_view bytes) {

@@ -16,7 +16,7 @@
 #include "foundation/text/TextEncodings.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
-#include "fuzz/PlainUtf.h"
+#include "tests/models/Utf.h"
 
 using namespace ZQFoundation;
 using detail::EncodingForm;
@@ -161,7 +161,7 @@ Units plainWide(std::string_view bytes, std::size_t width, EncodingOrder order) 
         if (width == 4 && (number > 0x10FFFF || (number >= 0xD800 && number < 0xE000))) {
             return std::nullopt;
         }
-        fuzzing::appendPlainUtf16(units, number);
+        models::appendUtf16(units, number);
     }
     return units;
 }
@@ -197,7 +197,7 @@ bool getPlainText(const Subject& subject, std::string_view bytes, Units& units) 
                        [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
         return true;
     case EncodingForm::utf8:
-        units = fuzzing::plainUtf16(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes);
+        units = models::wellFormedUtf16(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes);
         return true;
     case EncodingForm::utf16:
         units = plainWide(bytes, 2, subject.encoding->order);
@@ -235,7 +235,7 @@ std::optional<bool> isPlainlyEncodable(const Subject& subject, const std::u16str
         return allBelow(0x100);
     case EncodingForm::utf8:
     case EncodingForm::utf32:
-        return fuzzing::plainUtf8(units).has_value();
+        return models::wellFormedUtf8(units).has_value();
     case EncodingForm::utf16:
     case EncodingForm::escapedAscii:
         return true;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Every codec that this processor runs, beside a decoder and an encoder that go character by character.
+// Every codec that this processor runs, against the model.
+#include "encoding/Base64Codec.h"
+
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <random>
 #include <string>
 
@@ -12,60 +12,16 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "encoding/Base64Codec.h"
+#include "tests/models/Base64.h"
 
+using namespace ZQFoundation;
+using models::base64Decoded;
+using models::base64Encoded;
 namespace base64 = ZQFoundation::detail::base64;
 
 namespace {
 
-struct Decoded {
-    std::uint64_t length; ///< as reported
-    std::string bytes;    ///< all that were written
-};
-
-int valueOf(char character) {
-    const char* const found =
-        character != '\0' ? std::strchr(base64::alphabet, static_cast<unsigned char>(character)) : nullptr;
-    return found != nullptr ? static_cast<int>(found - base64::alphabet) : -1;
-}
-
-Decoded slowlyDecoded(const std::string& text) {
-    Decoded result{0, ""};
-    for (std::size_t at = 0; at < text.size();) {
-        unsigned group = 0;
-        int count = 0;
-        for (; count < 4 && at < text.size(); ++at) {
-            if (const int value = valueOf(text[at]); value >= 0) {
-                group |= static_cast<unsigned>(value) << (18 - 6 * count++);
-            }
-        }
-        for (int i = 0; i + 1 < count; ++i) {
-            result.bytes.push_back(static_cast<char>(group >> (16 - 8 * i)));
-        }
-        result.length += static_cast<std::uint64_t>(count) - 1;
-    }
-    return result;
-}
-
-std::string slowlyEncoded(const std::string& bytes, bool separateLines) {
-    std::string text;
-    for (std::size_t at = 0; at < bytes.size(); at += 3) {
-        if (separateLines && at != 0 && at % base64::bytesOfLine == 0) {
-            text += "\r\n";
-        }
-        const std::size_t count = std::min<std::size_t>(3, bytes.size() - at);
-        unsigned group = 0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            group = group << 8U | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0U);
-        }
-        for (std::size_t i = 0; i < 4; ++i) {
-            text.push_back(i <= count ? base64::alphabet[group >> (18 - 6 * i) & 63U] : '=');
-        }
-    }
-    return text;
-}
-
-/// Memory of exactly so many bytes before a page that may not be touched.
+/// Memory of exactly so many bytes that end at a page that may not be touched.
 class Guarded {
 public:
     explicit Guarded(std::size_t count) {
@@ -92,17 +48,16 @@ private:
 /// Input and output each end at the end of what may be touched.
 class Workbench {
 public:
-    Decoded decoded(const base64::Codec& codec, const std::string& text) {
+    models::Base64Decoding decoded(const base64::Codec& codec, const std::string& text) {
         const std::size_t capacity = (text.size() + 3) / 4 * 3;
         std::uint8_t* const input = endOf(input_, text.size());
         std::uint8_t* const output = endOf(output_, capacity);
         std::memcpy(input, text.data(), text.size());
         std::memset(output, 0xEE, capacity);
-        Decoded result{base64::decode(codec, input, text.size(), output), ""};
-        // A length that is one too small leaves a byte that was written behind it.
-        const std::uint64_t written = std::min<std::uint64_t>(result.length + 1, capacity);
-        result.bytes.assign(reinterpret_cast<const char*>(output), written);
-        return result;
+        const std::uint64_t reported = base64::decode(codec, input, text.size(), output);
+        // A length that is one too small leaves a byte that was written after it.
+        const std::uint64_t written = std::min<std::uint64_t>(reported + 1, capacity);
+        return {std::string(reinterpret_cast<const char*>(output), written), reported};
     }
 
     std::string encoded(const base64::Codec& codec, const std::string& bytes, bool separateLines) {
@@ -127,10 +82,10 @@ private:
 };
 
 void expectDecoded(Workbench& bench, const std::string& text) {
-    const Decoded expected = slowlyDecoded(text);
+    const models::Base64Decoding expected = base64Decoded(text);
     for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
-        Decoded found = bench.decoded(**codec, text);
-        ASSERT_EQ(found.length, expected.length) << (*codec)->name << " '" << text << "'";
+        models::Base64Decoding found = bench.decoded(**codec, text);
+        ASSERT_EQ(found.reported, expected.reported) << (*codec)->name << " '" << text << "'";
         ASSERT_GE(found.bytes.size() + 1, expected.bytes.size());
         found.bytes.resize(expected.bytes.size());
         ASSERT_EQ(found.bytes, expected.bytes) << (*codec)->name << " '" << text << "'";
@@ -139,7 +94,7 @@ void expectDecoded(Workbench& bench, const std::string& text) {
 
 void expectEncoded(Workbench& bench, const std::string& bytes) {
     for (const bool separateLines : {false, true}) {
-        const std::string expected = slowlyEncoded(bytes, separateLines);
+        const std::string expected = base64Encoded(bytes, separateLines);
         for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
             ASSERT_EQ(bench.encoded(**codec, bytes, separateLines), expected)
                 << (*codec)->name << ", " << bytes.size() << " bytes";
@@ -158,7 +113,8 @@ std::string randomBytes(std::mt19937& random, std::size_t count) {
 /// Any byte outside the alphabet.
 char randomForeignByte(std::mt19937& random) {
     for (;;) {
-        if (const char byte = static_cast<char>(random()); valueOf(byte) < 0) {
+        if (const char byte = static_cast<char>(random());
+            models::base64Alphabet.find(byte) == std::string_view::npos) {
             return byte;
         }
     }
@@ -218,7 +174,7 @@ TEST(Base64Codec, allDecodeAllLengthsAlike) {
     for (std::size_t count = 0; count <= 1000; ++count) {
         const std::string bytes = randomBytes(random, count);
         for (const bool separateLines : {false, true}) {
-            const std::string text = slowlyEncoded(bytes, separateLines);
+            const std::string text = base64Encoded(bytes, separateLines);
             expectDecoded(bench, text);
             // Cut off anywhere in its last groups, too.
             for (std::size_t cut = 1; cut < 6 && cut <= text.size(); ++cut) {
@@ -231,7 +187,7 @@ TEST(Base64Codec, allDecodeAllLengthsAlike) {
 TEST(Base64Codec, allReadAndWriteAtAnyAlignment) {
     std::mt19937 random(3);
     const std::string bytes = randomBytes(random, 300);
-    const std::string text = slowlyEncoded(bytes, true);
+    const std::string text = base64Encoded(bytes, true);
     alignas(64) std::uint8_t input[1024];
     alignas(64) std::uint8_t output[1024];
     for (const base64::Codec* const* codec = base64::availableCodecs(); *codec != nullptr; ++codec) {
@@ -251,7 +207,7 @@ TEST(Base64Codec, allReadAndWriteAtAnyAlignment) {
 TEST(Base64Codec, allPassOverOneForeignByteAnywhere) {
     Workbench bench;
     std::mt19937 random(4);
-    const std::string text = slowlyEncoded(randomBytes(random, 195), false);
+    const std::string text = base64Encoded(randomBytes(random, 195), false);
     for (std::size_t place = 0; place <= text.size(); ++place) {
         std::string inserted = text;
         inserted.insert(place, 1, randomForeignByte(random));
@@ -296,7 +252,7 @@ TEST(Base64Codec, allDecodeRandomTextsAlike) {
 TEST(Base64Codec, allDecodeLinesOfAnyLengthAndBreak) {
     Workbench bench;
     std::mt19937 random(6);
-    const std::string whole = slowlyEncoded(randomBytes(random, 1200), false);
+    const std::string whole = base64Encoded(randomBytes(random, 1200), false);
     for (const char* const lineBreak : {"\n", "\r\n", "\r", "\r\n\t  ", "= = ="}) {
         for (std::size_t width = 1; width <= 140; ++width) {
             std::string text;
@@ -313,12 +269,12 @@ TEST(Base64Codec, allLoseAByteToForeignBytesAtTheEnd) {
     for (const std::size_t groups : {1U, 8U, 16U, 17U, 33U}) {
         for (std::size_t count = 1; count <= 130; ++count) {
             const std::string text = std::string(4 * groups, 'Q') + std::string(count, '=');
-            EXPECT_EQ(slowlyDecoded(text).length, 3 * groups - 1);
+            EXPECT_EQ(base64Decoded(text).reported, 3 * groups - 1);
             expectDecoded(bench, text);
         }
     }
     for (std::size_t count = 1; count <= 130; ++count) {
-        EXPECT_EQ(slowlyDecoded(std::string(count, '\n')).length, UINT64_MAX);
+        EXPECT_EQ(base64Decoded(std::string(count, '\n')).reported, UINT64_MAX);
         expectDecoded(bench, std::string(count, '\n'));
     }
 }

@@ -12,10 +12,10 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSURL.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_view_literals;
 
 namespace {

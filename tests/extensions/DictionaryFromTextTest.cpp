@@ -9,10 +9,10 @@
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSNumber.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_view_literals;
 
 namespace {

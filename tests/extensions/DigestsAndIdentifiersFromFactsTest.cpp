@@ -7,14 +7,14 @@
 #include <thread>
 #include <vector>
 
-#include "tests/objects/RandomTexts.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 #include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
-using RandomTexts::stringOf;
-using TestValues::utf8Of;
+using kit::stringOf;
+using kit::utf8Of;
 
 namespace {
 

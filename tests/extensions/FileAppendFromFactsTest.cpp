@@ -7,13 +7,13 @@
 
 #include "foundation/files/NSFileHandle.h"
 #include "tests/files/FileScene.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
 using scene::contentsOf;
 using scene::stands;
-using TestValues::raised;
+using kit::raised;
 
 namespace {
 

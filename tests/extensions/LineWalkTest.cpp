@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
@@ -53,7 +54,7 @@ TEST(LineWalk, tellsEachLine) {
 }
 
 TEST(LineWalk, tellsTheLinesOfASlowWalk) {
-    RandomTexts::Numbers numbers(7);
+    kit::Numbers numbers(7);
     for (int round = 0; round < 20000; ++round) {
         const std::size_t length = numbers.below(200);
         const std::u16string ascii = numbers.text(u"abcdefgh\r\n\v\f\t\x0E\x7F", length);

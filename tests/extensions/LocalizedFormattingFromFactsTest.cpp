@@ -9,11 +9,11 @@
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSNumber.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 #include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 namespace {
 

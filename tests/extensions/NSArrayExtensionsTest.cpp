@@ -6,7 +6,7 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSString.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
 
@@ -34,13 +34,13 @@ TEST(NSArrayExtensions, putLargerArraysFirst) {
 }
 
 TEST(NSArrayExtensions, keepTheFirstOfEqualElements) {
-    RandomTexts::Numbers numbers(43);
+    kit::Numbers numbers(43);
     for (int round = 0; round < 500; ++round) {
         NSMutableArray elements;
         std::vector<std::u16string> expected;
         for (std::size_t i = numbers.below(60); i > 0; --i) {
             const std::u16string text = numbers.text(u"ab\u20ac", numbers.below(4));
-            elements.addObject(RandomTexts::stringOf(text));
+            elements.addObject(kit::stringOf(text));
             if (std::find(expected.begin(), expected.end(), text) == expected.end()) {
                 expected.push_back(text);
             }
@@ -48,7 +48,7 @@ TEST(NSArrayExtensions, keepTheFirstOfEqualElements) {
         NSMutableArray distinct = elements.array().arrayByRemovingDuplicateObjects();
         distinct.addObject("added");
         expected.push_back(u"added");
-        ASSERT_EQ(RandomTexts::textsOf(distinct.array()), expected);
+        ASSERT_EQ(kit::textsOf(distinct.array()), expected);
     }
     EXPECT_EQ(NSArray().arrayByRemovingDuplicateObjects().count(), 0U);
 }

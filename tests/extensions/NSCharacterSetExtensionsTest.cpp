@@ -6,7 +6,7 @@
 
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSCharacterSet.h"
-#include "tests/objects/CountingAllocator.h"
+#include "tests/kit/AllocationCount.h"
 
 namespace {
 
@@ -63,9 +63,9 @@ TEST(NSCharacterSetExtensions, areMadeOnceForAllThreads) {
         for (std::thread& thread : threads) {
             thread.join();
         }
-        const std::size_t before = AllocationCount::now();
+        const std::size_t before = kit::AllocationCount::now();
         const NSCharacterSet again = set();
-        EXPECT_EQ(AllocationCount::now(), before);
+        EXPECT_EQ(kit::AllocationCount::now(), before);
         for (const void* body : bodies) {
             EXPECT_EQ(body, detail::Access::body(again));
         }

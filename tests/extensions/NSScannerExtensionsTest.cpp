@@ -2,12 +2,12 @@
 #include <gtest/gtest.h>
 
 #include "foundation/format/NSScanner.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 namespace {
 
 using namespace ZQFoundation;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 struct MoveRow {
     StringView string;

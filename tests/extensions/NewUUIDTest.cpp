@@ -5,11 +5,11 @@
 #include <set>
 #include <string>
 
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 #include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 namespace {
 

@@ -12,11 +12,11 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 
 namespace {
 
@@ -168,14 +168,14 @@ TEST(TypedLookups, takeTheKeyAsAnyText) {
 TEST(TypedLookups, allocateNothing) {
     const NSDictionary dictionary{
         {"TraceNetwork", "YES"}, {"TraceLevel", 3}, {"TraceRate", "2.5"}, {"Half", 0.5}};
-    const std::size_t before = AllocationCount::now();
+    const std::size_t before = kit::AllocationCount::now();
     const bool network = dictionary.boolForKey("TraceNetwork");
     const bool missing = dictionary.boolForKey("TraceFiles");
     const std::int64_t level = dictionary.integerForKey("TraceLevel");
     const bool levelIsTrue = dictionary.boolForKey("TraceLevel");
     const bool halfIsTrue = dictionary.boolForKey("Half");
     const float rate = dictionary.floatForKey("TraceRate");
-    const std::size_t after = AllocationCount::now();
+    const std::size_t after = kit::AllocationCount::now();
     EXPECT_TRUE(network);
     EXPECT_FALSE(missing);
     EXPECT_EQ(level, 3);

@@ -6,13 +6,13 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 namespace {
 
 using namespace ZQFoundation;
-using TestValues::raised;
-using TestValues::utf8Of;
+using kit::raised;
+using kit::utf8Of;
 
 constexpr const char* untouched = "untouched";
 

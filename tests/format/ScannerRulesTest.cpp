@@ -12,10 +12,10 @@
 #include "foundation/format/NSScanner.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_view_literals;
 
 namespace {

@@ -7,8 +7,8 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 class ClassTestOutside {};
 
@@ -27,7 +27,7 @@ class Store {};
 } // namespace ClassTestNames
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 
 namespace {
 

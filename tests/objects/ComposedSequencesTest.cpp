@@ -4,18 +4,18 @@
 #include <gtest/gtest.h>
 
 #include "foundation/text/CaseMapping.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 using namespace std::string_literals;
-using RandomTexts::shownUnits;
+using kit::shownUnits;
 
 namespace {
 
 UnitView viewOf(const NSString& string) { return UnitView(*Access::string(string)); }
 
-NSString stringOf(std::u16string_view units) { return RandomTexts::stringOf(units); }
+NSString stringOf(std::u16string_view units) { return kit::stringOf(units); }
 
 void appendCodePoint(std::u16string& text, char32_t codePoint) {
     if (codePoint > 0xFFFF) {
@@ -62,7 +62,7 @@ TEST(ComposedSequences, joinMarksToTheirBase) {
 }
 
 TEST(ComposedSequences, beginWhereTheWalkFromTheFrontHasThem) {
-    RandomTexts::Numbers numbers(5);
+    kit::Numbers numbers(5);
     for (int round = 0; round < 3000; ++round) {
         const std::u16string text =
             numbers.text(u"ab\u00e9\u0301\u0323\u1100\u1161\xD83D\xDE00\xD834\xDD65", numbers.below(30));

@@ -10,14 +10,14 @@
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSSet.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 namespace {
 
 using namespace ZQFoundation;
-using TestValues::raised;
-using TestValues::shown;
+using kit::raised;
+using kit::shown;
 
 constexpr char32_t codeSpace = 0x110000;
 
@@ -105,9 +105,9 @@ TEST(NSCharacterSet, keepsSurrogatesOutOfTheNamedSets) {
 TEST(NSCharacterSet, doesNotAllocateForANamedSetAfterTheFirstCall) {
     for (const NamedRow& row : namedRows) {
         const NSCharacterSet first = row.set();
-        const std::size_t before = AllocationCount::now();
+        const std::size_t before = kit::AllocationCount::now();
         const NSCharacterSet second = row.set();
-        EXPECT_EQ(AllocationCount::now(), before) << row.name;
+        EXPECT_EQ(kit::AllocationCount::now(), before) << row.name;
         EXPECT_EQ(detail::Access::body(first), detail::Access::body(second)) << row.name;
     }
 }

@@ -10,10 +10,10 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "foundation/objects/NSDictionary.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 
 namespace {
 

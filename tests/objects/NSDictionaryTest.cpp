@@ -13,11 +13,11 @@
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
@@ -120,14 +120,14 @@ TEST(NSDictionary, findsALiteralTextWithoutAllocating) {
     const NSDictionary dictionary = numbered(1000);
     const NSDictionary other{{"caf\u00e9", 1}, {"TraceNetwork", true}};
     int found = 0;
-    const std::size_t before = AllocationCount::now();
+    const std::size_t before = kit::AllocationCount::now();
     found += dictionary.objectForKey("key999").isEqual(999) ? 1 : 0;
     found += dictionary.objectForKey(u"key998").isEqual(998) ? 1 : 0;
     found += dictionary.objectForKey("nokey") ? 0 : 1;
     found += other.objectForKey("caf\u00e9").isEqual(1) ? 1 : 0;
     found += other.objectForKey(u"caf\u00e9").isEqual(1) ? 1 : 0;
     found += other.objectForKey(StringView("TraceNetwork")).isEqual(true) ? 1 : 0;
-    const std::size_t after = AllocationCount::now();
+    const std::size_t after = kit::AllocationCount::now();
     EXPECT_EQ(found, 6);
     EXPECT_EQ(after, before);
 }
@@ -262,9 +262,9 @@ TEST(NSMutableDictionary, handsItsEntriesOverWithoutACopy) {
     for (int i = 0; i < 10000; ++i) {
         builder.setObject_forKey(i, i);
     }
-    const std::size_t before = AllocationCount::now();
+    const std::size_t before = kit::AllocationCount::now();
     const NSDictionary dictionary = builder.dictionary();
-    const std::size_t after = AllocationCount::now();
+    const std::size_t after = kit::AllocationCount::now();
     EXPECT_EQ(after, before);
     EXPECT_EQ(dictionary.count(), 10000U);
     EXPECT_EQ(dictionary.objectForKey(NSObject(9999)), 9999);

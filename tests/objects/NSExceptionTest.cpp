@@ -9,10 +9,10 @@
 #include <type_traits>
 
 #include "foundation/objects/NSNumber.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 
 namespace {
 

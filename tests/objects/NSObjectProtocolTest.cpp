@@ -9,10 +9,10 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 
 namespace HostNames {
 class Document : public ZQFoundation::NSObjectProtocol {};

@@ -19,11 +19,11 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSURL.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_literals;
 
 namespace {
@@ -384,24 +384,24 @@ TEST(NSObject, collectionsReleaseWhatTheyHold) {
 }
 
 TEST(NSObject, numbersDatesAndNilNeedNoMemory) {
-    const std::size_t before = AllocationCount::now();
+    const std::size_t before = kit::AllocationCount::now();
     const NSObject values[] = {
         1, true, 2.5, 1.5F, UINT64_MAX, referenceDate(), NSNull::null(), nullptr, classOf<Offering>()};
     const NSObject copies[] = {values[0], values[5], values[8]};
     const bool equal = copies[0].isEqual(1.0) && copies[1].isEqual(referenceDate()) && values[3].isEqual(1.5);
-    const std::size_t after = AllocationCount::now();
+    const std::size_t after = kit::AllocationCount::now();
     EXPECT_TRUE(equal);
     EXPECT_EQ(after, before);
 }
 
 // Without this the tests that expect no allocation could not fail.
 TEST(NSObject, theCountOfAllocationsSeesTheBodyOfAString) {
-    const std::size_t before = AllocationCount::now();
+    const std::size_t before = kit::AllocationCount::now();
     const NSString text(
         "a text that is longer than any handle could hold in itself, however cleverly it packs it");
-    const std::size_t made = AllocationCount::now();
+    const std::size_t made = kit::AllocationCount::now();
     const NSString copy = text;
-    const std::size_t copied = AllocationCount::now();
+    const std::size_t copied = kit::AllocationCount::now();
     EXPECT_EQ(made, before + 1) << "one allocation for a string, its units stored with its header";
     EXPECT_EQ(copied, made);
     EXPECT_EQ(copy.length(), text.length());

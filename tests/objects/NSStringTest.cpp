@@ -16,11 +16,11 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/format/DecimalCommaLocale.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
@@ -701,9 +701,9 @@ TEST(NSMutableString, handsALongTextOverWithoutACopy) {
         }
         builder.appendString(last);
         const std::size_t expected = builder.length();
-        const std::size_t before = AllocationCount::now();
+        const std::size_t before = kit::AllocationCount::now();
         const NSString text = builder.string();
-        const std::size_t after = AllocationCount::now();
+        const std::size_t after = kit::AllocationCount::now();
         EXPECT_EQ(after, before);
         EXPECT_EQ(text.length(), expected);
     }

@@ -4,11 +4,11 @@
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
-using RandomTexts::shownUnits;
-using RandomTexts::stringOf;
+using kit::shownUnits;
+using kit::stringOf;
 
 namespace {
 
@@ -31,7 +31,7 @@ NSRange modelFound(const std::u16string& text, std::u16string_view members, unsi
 }
 
 TEST(StringCharacterSearch, findsWhatASlowSearchFinds) {
-    RandomTexts::Numbers numbers(3);
+    kit::Numbers numbers(3);
     const std::u16string members = u"xy\u20ac\xD83D";
     const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString(members);
     for (int round = 0; round < 20000; ++round) {
@@ -74,7 +74,7 @@ TEST(StringCharacterSearch, trimsBothEndsWithoutABound) {
 }
 
 TEST(StringCharacterSearch, trimsWhatASlowTrimDoes) {
-    RandomTexts::Numbers numbers(59);
+    kit::Numbers numbers(59);
     const std::u16string members = u"xy\u20ac\xD83D";
     const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString(members);
     for (int round = 0; round < 20000; ++round) {

@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSString.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
-using RandomTexts::shownUnits;
-using RandomTexts::stringOf;
+using kit::shownUnits;
+using kit::stringOf;
 
 namespace {
 
@@ -44,7 +44,7 @@ TEST(StringEncodingLength, countsTheBytesOfEachEncoding) {
 }
 
 TEST(StringEncodingLength, isThatOfTheConvertedText) {
-    RandomTexts::Numbers numbers(17);
+    kit::Numbers numbers(17);
     for (int round = 0; round < 5000; ++round) {
         const NSString string = stringOf(numbers.text(u"ab\u00e9\u20ac\xD83D\xDE00", numbers.below(12)));
         std::string converted;

@@ -2,12 +2,12 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSData.h"
-#include "tests/objects/RandomTexts.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
-using RandomTexts::stringOf;
+using kit::stringOf;
 
 namespace {
 
@@ -31,7 +31,7 @@ TEST(StringEncodings, takeNoValueOfAnotherTypeForAText) {
 }
 
 TEST(StringEncodings, countWhatTheyWrite) {
-    RandomTexts::Numbers numbers(41);
+    kit::Numbers numbers(41);
     const std::uint32_t encodings[] = {
         1,  2,  3,  4,          5,          6,          7,          8,          9,         10,
         12, 21, 30, 0x8C000100, 0x90000100, 0x94000100, 0x98000100, 0x9C000100, 0x80000632};

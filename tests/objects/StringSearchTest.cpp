@@ -5,12 +5,12 @@
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/text/CaseMapping.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
-using RandomTexts::shownUnits;
-using RandomTexts::stringOf;
-using RandomTexts::textsOf;
+using kit::shownUnits;
+using kit::stringOf;
+using kit::textsOf;
 
 namespace {
 
@@ -104,7 +104,7 @@ TEST(StringSearch, findsWhatASlowSearchFinds) {
         u"\u1100\u1161\u11A8\uAC00\uAC01a",
         u"\u03B1\u0345\u03B9\u1FB3\u0391\u0301",
     };
-    RandomTexts::Numbers numbers(29);
+    kit::Numbers numbers(29);
     for (const std::u16string_view alphabet : alphabets) {
         for (int round = 0; round < 250; ++round) {
             const std::u16string text = numbers.text(alphabet, numbers.below(10));
@@ -118,7 +118,7 @@ TEST(StringSearch, findsWhatASlowSearchFinds) {
 }
 
 TEST(StringSearch, takesARangeForAWholeText) {
-    RandomTexts::Numbers numbers(31);
+    kit::Numbers numbers(31);
     for (int round = 0; round < 1500; ++round) {
         const std::u16string text = numbers.text(u"aeE\u0301\u0323\u00e9\xD83D\xDE00", 1 + numbers.below(40));
         const NSString string = stringOf(text);
@@ -227,7 +227,7 @@ TEST(StringSearch, stepsBackThroughALongTextInLinearTime) {
 // MARK: Separators
 
 TEST(StringSearch, splitsAtTextsAsASlowSplitDoes) {
-    RandomTexts::Numbers numbers(41);
+    kit::Numbers numbers(41);
     for (int round = 0; round < 5000; ++round) {
         const std::u16string text =
             numbers.text(numbers.below(2) == 0 ? u"ab," : u"a,\u20ac\u00e9", numbers.below(60));
@@ -245,7 +245,7 @@ TEST(StringSearch, splitsAtTextsAsASlowSplitDoes) {
 }
 
 TEST(StringSearch, splitsAtPlainTextsUnlessAMarkFollows) {
-    RandomTexts::Numbers numbers(53);
+    kit::Numbers numbers(53);
     for (int round = 0; round < 20000; ++round) {
         const std::u16string text = numbers.text(u"ab,\u0301\u20ac", numbers.below(40));
         const std::u16string separator = numbers.text(u"a,", 1 + numbers.below(3));

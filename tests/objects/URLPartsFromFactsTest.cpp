@@ -6,17 +6,17 @@
 
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSURL.h"
-#include "tests/objects/RandomTexts.h"
-#include "tests/objects/ReferenceModel.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Texts.h"
+#include "tests/models/UriReference.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 namespace {
 
-using referencemodel::Piece;
+using models::Piece;
 
 constexpr const char* missing = "(nil)";
 
@@ -181,14 +181,14 @@ TEST(URLPartsFromFacts, ofNilAreNil) {
 // Resolution
 
 TEST(URLPartsFromFacts, normalReferencesResolve) {
-    for (const auto& row : referencemodel::normalReferences) {
-        EXPECT_EQ(resolvedText(row[0], referencemodel::exampleBase), row[1]) << row[0];
+    for (const auto& row : models::normalReferences) {
+        EXPECT_EQ(resolvedText(row[0], models::exampleBase), row[1]) << row[0];
     }
 }
 
 TEST(URLPartsFromFacts, abnormalReferencesResolve) {
-    for (const auto& row : referencemodel::abnormalReferences) {
-        EXPECT_EQ(resolvedText(row[0], referencemodel::exampleBase), row[1]) << row[0];
+    for (const auto& row : models::abnormalReferences) {
+        EXPECT_EQ(resolvedText(row[0], models::exampleBase), row[1]) << row[0];
     }
 }
 
@@ -254,7 +254,7 @@ TEST(URLPartsFromFacts, basesMayHaveBasesThemselves) {
 // What is a reference
 
 TEST(URLPartsFromFacts, noTextWithAForeignCharacterIsAReference) {
-    const std::string allowed = referencemodel::unreserved + referencemodel::delimiters + ":@/?#";
+    const std::string allowed = models::unreserved + models::delimiters + ":@/?#";
     for (int code = 0; code < 128; ++code) {
         const char character = static_cast<char>(code);
         if (code != 0 && (allowed.find(character) != std::string::npos || character == '%')) {
@@ -431,7 +431,7 @@ constexpr const char* wrongTexts[] = {
 TEST(URLPartsFromFacts, wrongTextsAreNoReferences) {
     for (const char* row : wrongTexts) {
         EXPECT_FALSE(isTaken(row)) << testing::PrintToString(row);
-        EXPECT_FALSE(referencemodel::isReference(row)) << "the model: " << testing::PrintToString(row);
+        EXPECT_FALSE(models::isReference(row)) << "the model: " << testing::PrintToString(row);
     }
 }
 
@@ -514,7 +514,7 @@ constexpr const char* unusualTexts[] = {
 TEST(URLPartsFromFacts, unusualTextsAreReferences) {
     for (const char* row : unusualTexts) {
         EXPECT_TRUE(isTaken(row)) << row;
-        EXPECT_TRUE(referencemodel::isReference(row)) << "the model: " << row;
+        EXPECT_TRUE(models::isReference(row)) << "the model: " << row;
         EXPECT_EQ(utf8Of(NSURL::URLWithString(row).absoluteString()), row);
     }
 }
@@ -525,7 +525,7 @@ void expectPiece(const NSString& part, const Piece& piece) {
     EXPECT_EQ(utf8Of(part), piece.value_or(missing));
 }
 
-void expectPieces(const NSURL& url, const referencemodel::Reference& pieces) {
+void expectPieces(const NSURL& url, const models::Reference& pieces) {
     expectPiece(url.scheme(), pieces.scheme);
     expectPiece(url.authority(), pieces.authority);
     expectPiece(url.path(), pieces.path);
@@ -533,7 +533,7 @@ void expectPieces(const NSURL& url, const referencemodel::Reference& pieces) {
     expectPiece(url.fragment(), pieces.fragment);
 }
 
-std::string randomText(RandomTexts::Numbers& numbers) {
+std::string randomText(kit::Numbers& numbers) {
     static const std::vector<std::string> words = {
         "a",    "B",       "1", ":",  "/", "?",  "#",  "[",     "]",    "@",       "%41",   "%",  "..",
         ".",    "/",       ":", "//", "~", "!",  " ",  "[::1]", "x://", "v1.a",    "::",    "80", "/./",
@@ -547,17 +547,17 @@ std::string randomText(RandomTexts::Numbers& numbers) {
 }
 
 TEST(URLPartsFromFacts, agreeWithTheModelOnRandomTexts) {
-    RandomTexts::Numbers numbers(11);
+    kit::Numbers numbers(11);
     int taken = 0;
     int refused = 0;
     for (int round = 0; round < 100000; ++round) {
         const std::string text = randomText(numbers);
         SCOPED_TRACE(text);
         const NSURL url = NSURL::URLWithString(text);
-        ASSERT_EQ(bool(url), referencemodel::isReference(text));
+        ASSERT_EQ(bool(url), models::isReference(text));
         ++(url ? taken : refused);
         if (url) {
-            expectPieces(url, referencemodel::apart(text));
+            expectPieces(url, models::apart(text));
             ASSERT_EQ(utf8Of(url.absoluteString()), text);
         }
         ASSERT_FALSE(testing::Test::HasFailure());
@@ -571,7 +571,7 @@ TEST(URLPartsFromFacts, agreeWithTheModelOnAllShortTexts) {
     std::vector<std::string> texts{""};
     for (std::size_t index = 0; index < texts.size(); ++index) {
         const std::string text = texts[index];
-        ASSERT_EQ(isTaken(text), referencemodel::isReference(text)) << text;
+        ASSERT_EQ(isTaken(text), models::isReference(text)) << text;
         for (std::size_t next = 0; text.size() < 5 && next < alphabet.size(); ++next) {
             texts.push_back(text + alphabet[next]);
         }
@@ -580,23 +580,23 @@ TEST(URLPartsFromFacts, agreeWithTheModelOnAllShortTexts) {
 }
 
 TEST(URLPartsFromFacts, agreeWithTheModelOnResolution) {
-    RandomTexts::Numbers numbers(12);
+    kit::Numbers numbers(12);
     int compared = 0;
     for (int round = 0; round < 100000; ++round) {
         const std::string text = randomText(numbers);
         const std::string base = "x:" + randomText(numbers);
-        if (!referencemodel::isReference(text) || !referencemodel::isReference(base) ||
-            referencemodel::apart(text).scheme) {
+        if (!models::isReference(text) || !models::isReference(base) ||
+            models::apart(text).scheme) {
             continue;
         }
-        const referencemodel::Reference target =
-            referencemodel::resolved(referencemodel::apart(text), referencemodel::apart(base));
+        const models::Reference target =
+            models::resolved(models::apart(text), models::apart(base));
         if (!target.authority && target.path.rfind("//", 0) == 0) {
             continue; // has no text of its own: the path would be read as an authority
         }
         SCOPED_TRACE(text + " against " + base);
         const NSURL url = NSURL::URLWithString_relativeToURL(text, NSURL::URLWithString(base));
-        ASSERT_EQ(utf8Of(url.absoluteString()), referencemodel::together(target));
+        ASSERT_EQ(utf8Of(url.absoluteString()), models::together(target));
         expectPieces(url, target);
         ASSERT_FALSE(testing::Test::HasFailure());
         ++compared;

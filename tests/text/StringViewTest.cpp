@@ -8,11 +8,11 @@
 #include <type_traits>
 
 #include "foundation/objects/NSString.h"
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using namespace TestValues;
+using namespace kit;
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
@@ -78,12 +78,12 @@ TEST(StringView, looksAtTheTextWithoutACopy) {
     const std::string text = "some text";
     const NSString string = "some text that is long enough to have a body";
     EXPECT_EQ(StringView(text).bytes(), text.data());
-    const std::size_t before = AllocationCount::now();
+    const std::size_t before = kit::AllocationCount::now();
     const StringView views[] = {text, string, "literal", u"units", std::string_view(text).substr(5)};
     const bool equal = string.isEqualToString(views[1]) && !string.isEqualToString(views[2]) &&
                        string.hasPrefix(views[0]) && !string.hasSuffix(views[3]) &&
                        !string.hasPrefix("caf\u00e9");
-    const std::size_t after = AllocationCount::now();
+    const std::size_t after = kit::AllocationCount::now();
     EXPECT_TRUE(equal);
     EXPECT_EQ(after, before);
 }

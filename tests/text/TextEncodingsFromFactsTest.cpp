@@ -7,15 +7,15 @@
 #include <vector>
 
 #include "foundation/objects/NSData.h"
-#include "tests/objects/RandomTexts.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 #include "tests/text/EncodingTables.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
 using encodingtables::Table;
-using RandomTexts::shownUnits;
-using RandomTexts::stringOf;
+using kit::shownUnits;
+using kit::stringOf;
 
 namespace {
 

@@ -14,17 +14,17 @@
 
 #include "foundation/objects/NSData.h"
 #include "foundation/text/ByteTable.h"
-#include "tests/objects/RandomTexts.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 #include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
 using detail::EncodingForm;
 using detail::TextEncoding;
-using RandomTexts::shownUnits;
-using RandomTexts::stringOf;
-using TestValues::utf8Of;
+using kit::shownUnits;
+using kit::stringOf;
+using kit::utf8Of;
 
 namespace {
 

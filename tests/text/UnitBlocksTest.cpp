@@ -5,7 +5,7 @@
 #include <string>
 
 #include "foundation/text/UnitBlocks.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation::detail;
 

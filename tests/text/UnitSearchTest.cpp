@@ -5,8 +5,9 @@
 #include <string>
 
 #include "foundation/text/UnitSearch.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
 
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
@@ -63,7 +64,7 @@ TEST(UnitSearch, fallsBackToTheLongestShorterMatch) {
 }
 
 TEST(UnitSearch, findsWhatTheStandardStringsFind) {
-    RandomTexts::Numbers numbers(11);
+    kit::Numbers numbers(11);
     for (int round = 0; round < 20000; ++round) {
         const std::u16string wide = numbers.text(u"ab", numbers.below(200));
         const std::u16string wanted = numbers.text(u"ab", 1 + numbers.below(12));
@@ -82,7 +83,7 @@ std::size_t firstInAnyCase(const std::string& text, const std::string& wanted) {
 }
 
 TEST(UnitSearch, findsAsciiInAnyCaseWhereItStandsInLowerCase) {
-    RandomTexts::Numbers numbers(47);
+    kit::Numbers numbers(47);
     for (int round = 0; round < 20000; ++round) {
         const std::u16string wide = numbers.text(u"aAbB@[`{", numbers.below(200));
         const std::string text(wide.begin(), wide.end());

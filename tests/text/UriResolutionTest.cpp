@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/text/UriReference.h"
-#include "tests/objects/RandomTexts.h"
-#include "tests/objects/ReferenceModel.h"
+#include "tests/kit/Texts.h"
+#include "tests/models/UriReference.h"
 
 using namespace ZQFoundation;
 using detail::resolvedUriReference;
@@ -14,14 +14,14 @@ using detail::withoutDotSegments;
 namespace {
 
 TEST(UriResolution, ofNormalReferences) {
-    for (const auto& row : referencemodel::normalReferences) {
-        EXPECT_EQ(resolvedUriReference(row[0], referencemodel::exampleBase), row[1]) << row[0];
+    for (const auto& row : models::normalReferences) {
+        EXPECT_EQ(resolvedUriReference(row[0], models::exampleBase), row[1]) << row[0];
     }
 }
 
 TEST(UriResolution, ofAbnormalReferences) {
-    for (const auto& row : referencemodel::abnormalReferences) {
-        EXPECT_EQ(resolvedUriReference(row[0], referencemodel::exampleBase), row[1]) << row[0];
+    for (const auto& row : models::abnormalReferences) {
+        EXPECT_EQ(resolvedUriReference(row[0], models::exampleBase), row[1]) << row[0];
     }
 }
 
@@ -94,18 +94,18 @@ TEST(UriResolution, removesDotSegments) {
     };
     for (const auto& row : rows) {
         EXPECT_EQ(withoutDotSegments(row[0]), row[1]) << row[0];
-        EXPECT_EQ(referencemodel::withoutDots(row[0]), row[1]) << "the model: " << row[0];
+        EXPECT_EQ(models::withoutDots(row[0]), row[1]) << "the model: " << row[0];
     }
 }
 
 TEST(UriResolution, removesDotSegmentsAsTheModelDoes) {
-    RandomTexts::Numbers numbers(31);
+    kit::Numbers numbers(31);
     for (int round = 0; round < 50000; ++round) {
         std::string path;
         for (std::size_t count = numbers.below(14); count != 0; --count) {
             path.push_back("../a/"[numbers.below(5)]);
         }
-        ASSERT_EQ(withoutDotSegments(path), referencemodel::withoutDots(path)) << path;
+        ASSERT_EQ(withoutDotSegments(path), models::withoutDots(path)) << path;
     }
 }
 
@@ -122,7 +122,7 @@ std::string piecesOf(const std::string& text) {
 }
 
 TEST(UriResolution, givesReferencesWithThePiecesThatWerePutTogether) {
-    RandomTexts::Numbers numbers(32);
+    kit::Numbers numbers(32);
     int guarded = 0;
     for (int round = 0; round < 100000; ++round) {
         const auto randomText = [&] {
@@ -134,19 +134,19 @@ TEST(UriResolution, givesReferencesWithThePiecesThatWerePutTogether) {
         };
         const std::string reference = randomText();
         const std::string from = randomText();
-        if (!referencemodel::isReference(reference) || !referencemodel::isReference(from)) {
+        if (!models::isReference(reference) || !models::isReference(from)) {
             continue;
         }
         SCOPED_TRACE(reference + " against " + from);
-        const referencemodel::Reference target =
-            referencemodel::resolved(referencemodel::apart(reference), referencemodel::apart(from));
-        const auto shown = [](const referencemodel::Piece& piece) {
+        const models::Reference target =
+            models::resolved(models::apart(reference), models::apart(from));
+        const auto shown = [](const models::Piece& piece) {
             return piece ? "|" + *piece : "-";
         };
         const std::string result = resolvedUriReference(reference, from);
         ASSERT_EQ(piecesOf(result), shown(target.scheme) + shown(target.authority) + shown(target.query) +
                                         shown(target.fragment));
-        guarded += result != referencemodel::together(target) ? 1 : 0;
+        guarded += result != models::together(target) ? 1 : 0;
     }
     EXPECT_GT(guarded, 100) << "the guards were never needed";
 }

@@ -1,22 +1,34 @@
 // SPDX-License-Identifier: MIT
+// The tokens of versions and their three orders: rows, and all pairs of many versions against a model.
 #include "version/ZQVersionComparator.h"
 
-#include <cstdint>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "tests/objects/CountingAllocator.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
+#include "tests/models/Versions.h"
 
 using namespace ZQFoundation;
+using namespace kit;
+using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 namespace {
 
 using Comparator = ZQVersionComparator;
+using Tokens = models::VersionTokens;
 using Order = NSComparisonResult (*)(StringView, StringView);
+
+constexpr Order compared = Comparator::compareVersion_toVersion;
+constexpr Order comparedWithPlus = Comparator::compareVersionWithPlus_toVersionWithPlus;
+constexpr Order comparedMajor = Comparator::compareMajorVersion_toMajorVersion;
 
 struct Row {
     StringView left;
@@ -24,317 +36,367 @@ struct Row {
     int order;
 };
 
-/// Each row also the other way round.
-void expectOrders(Order order, std::initializer_list<Row> rows) {
+/// Each row also the other way round, and in every form in which a text may come.
+template <std::size_t count>
+void expectOrders(Order order, const Row (&rows)[count]) {
     for (const Row& row : rows) {
         const NSString left(row.left);
         const NSString right(row.right);
-        EXPECT_EQ(order(row.left, row.right), row.order) << left.utf8() << " with " << right.utf8();
-        EXPECT_EQ(order(row.right, row.left), -row.order) << right.utf8() << " with " << left.utf8();
-        // The form in which a text comes is of no importance.
-        const std::u16string leftUnits = left.utf16();
-        const std::u16string rightUnits = right.utf16();
+        SCOPED_TRACE(utf8Of(left) + " and " + utf8Of(right));
+        EXPECT_EQ(order(row.left, row.right), row.order);
+        EXPECT_EQ(order(row.right, row.left), -row.order);
         if (left && right) {
-            EXPECT_EQ(order(leftUnits, rightUnits), row.order) << left.utf8();
-            EXPECT_EQ(order(left, rightUnits), row.order) << left.utf8();
-            EXPECT_EQ(order(leftUnits, right), row.order) << left.utf8();
+            const std::u16string leftUnits = left.utf16();
+            const std::u16string rightUnits = right.utf16();
+            EXPECT_EQ(order(leftUnits, rightUnits), row.order);
+            EXPECT_EQ(order(left, rightUnits), row.order);
+            EXPECT_EQ(order(leftUnits, right.utf8()), order(left, NSString(right.utf8())));
         }
     }
 }
 
-std::vector<std::u16string> tokensOf(StringView version) {
-    std::vector<std::u16string> tokens;
-    for (const NSObject& token : Comparator::splitVersionString(version)) {
-        tokens.push_back(token.as<NSString>().utf16());
-    }
-    return tokens;
-}
+/// With bars between them.
+constexpr std::u16string_view versionsAsTheyOccur =
+    u"1.0|1.0.0|1.0.1|1.0b|1.0b1|1.0b2|1.0b10|1.0a|1.0A|1.0beta|1.0alpha|1.0rc1|1.0.b|1.0.|1.2|1.2.3|1..2|1.."
+    u".2|"
+    u"1.9|1.10|10.13|10.13.6|10.14|10.14.1|11|11.0|10.13.6.1|2.1b12|2.1b3|3.0+|3.0++|3.0.0|3.0.0+|3+.0|3.0+."
+    u"0|"
+    u"-1|-2|1-2| 1|1 |1. 0|v1.0|0|00|0.0|.0|.|..|...|2147483647|2147483648|4294967296|99999999999999999999|"
+    u"2147483646|1.2147483648|1.\u0663|\u0663|1\u0663|\u06631|\uFF11.\uFF12|1.\u00B2|1.\u20AC|1.\xD83D\xDE00|"
+    u"1.\uFF21|1.\xD835\xDFCE|1.\xD83D|1\0|1\0.2|1.0-rc.1|1.0-rc.2|1.0_1|1.0 (2)|1e5|0x10|1\u00E9|1e\u0301|"
+    u"1\u00E92|1e\u03011|1\u212A|1K|\u0301|1\uFFFD|1\u03B1"sv;
 
-std::string joined(StringView version) {
-    return Comparator::splitVersionString(version).array().componentsJoinedByString("|").utf8();
-}
-
-/// The order as the tokens define it, without any shortcut.
-int modelOrder(StringView leftVersion, StringView rightVersion) {
-    const NSArray left = Comparator::splitVersionString(leftVersion).array();
-    const NSArray right = Comparator::splitVersionString(rightVersion).array();
-    const auto classOf = [](const NSArray& tokens, std::size_t index) {
-        return Comparator::typeOfCharacter(tokens[index].as<NSString>());
-    };
-    const std::size_t shared = left.count() < right.count() ? left.count() : right.count();
-    for (std::size_t i = 0; i < shared; ++i) {
-        const int leftClass = classOf(left, i);
-        const int rightClass = classOf(right, i);
-        if (leftClass != rightClass) {
-            return rightClass == 1 ? 1 : leftClass == 1 ? -1 : leftClass == 2 ? -1 : 1;
-        }
-        const NSString leftToken(left[i]);
-        const NSString rightToken(right[i]);
-        const int order = leftClass == 1 ? leftToken.compare(rightToken)
-                          : leftToken.intValue() == rightToken.intValue()
-                              ? 0
-                              : (leftToken.intValue() < rightToken.intValue() ? -1 : 1);
-        if (order != 0) {
-            return order;
+/// All versions of up to three of these parts, and versions as they occur. The first one is empty.
+Tokens versions() {
+    const Tokens parts{u"1", u"10", u"01", u".", u"b", u"+"};
+    Tokens all{u""};
+    for (std::size_t i = 0; i < 1 + 6 + 36; ++i) {
+        for (const std::u16string& part : parts) {
+            all.push_back(all[i] + part);
         }
     }
-    if (left.count() == right.count()) {
-        return 0;
+    for (std::size_t start = 0, end = 0; end != std::u16string_view::npos; start = end + 1) {
+        end = versionsAsTheyOccur.find(u'|', start);
+        all.emplace_back(versionsAsTheyOccur.substr(start, end - start));
     }
-    return left.count() > right.count() ? (classOf(left, shared) == 1 ? -1 : 1)
-                                        : (classOf(right, shared) == 1 ? 1 : -1);
+    return all;
 }
 
-/// Small and the same everywhere.
-class Numbers {
-public:
-    explicit Numbers(std::uint64_t seed) : state_(seed) {}
-    std::size_t below(std::size_t limit) {
-        state_ = state_ * 6364136223846793005U + 1442695040888963407U;
-        return static_cast<std::size_t>(state_ >> 33) % limit;
-    }
+// MARK: Classes and tokens
 
-private:
-    std::uint64_t state_;
-};
-
-std::u16string randomVersion(Numbers& numbers, const std::vector<std::u16string>& pieces) {
-    std::u16string version;
-    for (std::size_t count = numbers.below(7); count > 0; --count) {
-        version += pieces[numbers.below(pieces.size())];
-    }
-    return version;
-}
-
-} // namespace
-
-TEST(ZQVersionComparator, tellsTheClassOfACharacter) {
-    struct ClassRow {
+TEST(ZQVersionComparator, tellsTheClassByTheFirstUnit) {
+    const struct {
         StringView text;
         int type;
+    } rows[] = {
+        {".", 2},          {"0", 0},          {"9", 0},      {"5x", 0},        {"5.", 0},
+        {"a", 1},          {"Z", 1},          {"+", 1},      {"-", 1},         {" ", 1},
+        {"..", 1},         {".5", 1},         {". ", 1},     {"x5", 1},        {"-5", 1},
+        {"\u0663", 0},     {"\u0966", 0},     {"\uFF11", 0}, {"\u00B2", 1},    {"\u00BD", 1},
+        {"\u2160", 1},     {"\u2460", 1},     {"\u00E9", 1}, {"\uFF0E", 1},    {"\u3002", 1},
+        {"\0"sv, 1},       {"\U0001F600", 1}, {"0\0"sv, 0},  {".\0"sv, 1},     {u".", 2},
+        {u"7", 0},         {u"\u0663", 0},    {u"/", 1},     {u"\xD83D"sv, 1}, {":", 1},
+        {"\U0001D7CE", 1}, // a digit, but of two units
+        {nullptr, 1},
     };
-    for (const ClassRow& row :
-         {ClassRow{"0", 0}, ClassRow{"9", 0}, ClassRow{".", 2}, ClassRow{"a", 1}, ClassRow{"+", 1},
-          ClassRow{"-", 1}, ClassRow{" ", 1}, ClassRow{"/", 1}, ClassRow{":", 1}, ClassRow{u"\u0663", 0},
-          ClassRow{u"\uFF15", 0}, ClassRow{u"\u00B2", 1}, ClassRow{u"\u2160", 1}, ClassRow{u"\u00E9", 1},
-          ClassRow{"1a", 0}, ClassRow{"a1", 1}}) {
-        EXPECT_EQ(Comparator::typeOfCharacter(row.text), row.type) << NSString(row.text).utf8();
+    for (const auto& row : rows) {
+        EXPECT_EQ(Comparator::typeOfCharacter(row.text), row.type) << utf8Of(NSString(row.text));
+    }
+    EXPECT_EQ(raised([] { Comparator::typeOfCharacter(""); }), "NSRangeException");
+}
+
+TEST(ZQVersionComparator, splitsIntoRunsOfOneClassAndSinglePeriods) {
+    const struct {
+        const char* name;
+        StringView version;
+        Tokens tokens;
+    } rows[] = {
+        {"nil", nullptr, {}},
+        {"empty", "", {}},
+        {"digits", "007", {u"007"}},
+        {"a release", "10.13.6", {u"10", u".", u"13", u".", u"6"}},
+        {"a beta", "2.1b12", {u"2", u".", u"1", u"b", u"12"}},
+        {"two periods", "1..2", {u"1", u".", u".", u"2"}},
+        {"periods alone", "...", {u".", u".", u"."}},
+        {"at both ends", ".1.", {u".", u"1", u"."}},
+        {"a plus", "3.0+", {u"3", u".", u"0", u"+"}},
+        {"other characters are one run", "1 -+beta2", {u"1", u" -+beta", u"2"}},
+        {"a sign is no digit", "-1", {u"-", u"1"}},
+        {"digits of all scripts", "1\u06632b", {u"1\u06632", u"b"}},
+        {"a composed character is cut by unit", "1e\u03012", {u"1", u"e\u0301", u"2"}},
+        {"a mark after a period", u".\u0301", {u".", u"\u0301"}},
+        {"a pair stays in its run", "1\U0001F6002", {u"1", u"\xD83D\xDE00", u"2"}},
+        {"half a pair",
+         u"1\xD800"
+         u"2",
+         {u"1", u"\xD800", u"2"}},
+        {"a digit of two units is other", "1.\U0001D7CE", {u"1", u".", u"\xD835\xDFCE"}},
+        {"U+0000 is other", "1\0.2"sv, {u"1", u"\0"s, u".", u"2"}},
+        {"only the full stop is a period", "1\uFF0E2", {u"1", u"\uFF0E", u"2"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(textsOf(Comparator::splitVersionString(row.version).array()), row.tokens) << row.name;
+    }
+    for (const std::u16string& version : versions()) {
+        EXPECT_EQ(textsOf(Comparator::splitVersionString(version).array()), models::versionTokens(version))
+            << shownUnits(version);
     }
 }
 
-TEST(ZQVersionComparator, takesOnlyTheLonePeriodForAPeriod) {
-    EXPECT_EQ(Comparator::typeOfCharacter("."), 2);
-    EXPECT_EQ(Comparator::typeOfCharacter(".."), 1);
-    EXPECT_EQ(Comparator::typeOfCharacter(".1"), 1);
+TEST(ZQVersionComparator, splitsIntoANewArrayThatCanGrow) {
+    for (const StringView version : {StringView("1.2"), StringView(nullptr)}) {
+        NSMutableArray tokens = Comparator::splitVersionString(version);
+        const std::size_t before = tokens.count();
+        tokens.addObject("x");
+        EXPECT_EQ(tokens.count(), before + 1);
+        EXPECT_EQ(Comparator::splitVersionString(version).count(), before);
+    }
 }
 
-TEST(ZQVersionComparator, looksAtUnitsSoThatDigitsBeyond16BitsAreNone) {
-    EXPECT_EQ(Comparator::typeOfCharacter(u"\U0001D7CF"), 1); // mathematical bold 1
-    EXPECT_EQ(tokensOf(u"1\U0001D7CF"), (std::vector<std::u16string>{u"1", u"\U0001D7CF"}));
-}
+// MARK: Comparing
 
-TEST(ZQVersionComparator, hasNoClassForTheEmptyString) {
-    EXPECT_EQ(TestValues::raised([] { Comparator::typeOfCharacter(""); }), NSRangeException);
-    EXPECT_EQ(Comparator::typeOfCharacter(nullptr), 1);
-}
+constexpr Row plainRows[] = {
+    {"1.2.3", "1.2.3", 0},
+    {"1.2", "1.2.3", -1},
+    {"1.0b1", "1.0", -1},
+    {"1.0a", "1.0b", -1},
+    {"1.0", "1.0.0", -1}, // a trailing ".0" counts
+    {"1", "1.0", -1},
+    {"1.9", "1.10", -1},
+    {"01", "1", 0},
+    {"1.00", "1.0", 0},
+    {"1..2", "1.2", -1},
+    {"1.0a", "1.0.1", -1},
+    {"1.0alpha", "1.0beta", -1},
+    {"1.0b", "1.0beta", -1},
+    {"1.0B", "1.0b", -1}, // case-sensitive
+    {"1.0b2", "1.0b10", -1},
+    {"1b2", "1beta1", -1},
+    {"1.0b", "1.0b1", -1}, // a number after the same letters is more
+    {"b", "1", -1},
+    {"b", ".", -1},
+    {".", "1", -1},
+    {"1.b", "1.", -1},
+    {"1.", "1.0", -1},
+    {"1b", "1.", -1},
+    {"1+", "1", -1},
+    {"2.0+", "2.0.0", -1}, // the sign has no meaning here
+    {"-1", "1", -1},
+    {"-1", "-2", -1},
+    {" 1", "1", -1},
+    {"10.13.6", "10.14", -1},
+    {"2147483646", "99999999999", -1},
+    {"2147483647", "2147483648", 0}, // both at the limit
+    {"18446744073709551617", "99999999999999999999", 0},
+    {"2147483648.1", "2147483647.2", -1},
+    {"1.4294967297", "1.1", 1}, // does not wrap
+    {"0000000000000000000000001", "1", 0},
+    {"\u0663", "1", -1}, // digits of other scripts count as no number
+    {"\u0663", "0", 0},
+    {"\u0663", "\u0669", 0},
+    {"1\u0663", "1", 0},
+    {".", "\u0663", -1},
+    {"\u00E9", "\u0663", -1},
+    {"1.\u0663", "1.", 1},
+    {"1.\u00B2", "1.1", -1},
+    {"1.\U0001D7CE", "1.0", -1},
+    {"1.\U0001F600", "1.\uFF21", -1}, // by units, not by code points
+    {"1\u03B1", "1\u03B2", -1},
+    {"1.x\0"sv, "1.x", 1},
+    {"1.\u00E9", "1.e\u0301", 0}, // canonically equivalent
+    {"1\u00E92", "1e\u03011", 1},
+    {"1e\u0301.1", "1f.0", -1},
+    {"1z", "1\u00E9", -1},
+    {"1\xFF", "1\uFFFD", 0}, // ill-formed bytes read as replacement characters
+    {"\xC3.1", "\uFFFD.1", 0},
+    {"1.\xC3", "1.", -1},
+    {"", "", 0},
+};
 
-TEST(ZQVersionComparator, splitsIntoTokensOfOneClass) {
-    EXPECT_EQ(joined("2.1b12"), "2|.|1|b|12");
-    EXPECT_EQ(joined("1..2"), "1|.|.|2");
-    EXPECT_EQ(joined("..."), ".|.|.");
-    EXPECT_EQ(joined("3.0+"), "3|.|0|+");
-    EXPECT_EQ(joined("1.0 beta-2"), "1|.|0| beta-|2");
-    EXPECT_EQ(joined("007"), "007");
-    EXPECT_EQ(joined("v1"), "v|1");
-    EXPECT_EQ(Comparator::splitVersionString("").count(), 0U);
-    EXPECT_EQ(Comparator::splitVersionString(nullptr).count(), 0U);
-}
-
-TEST(ZQVersionComparator, splitsDigitsOfAllScriptsAsOneRun) {
-    EXPECT_EQ(tokensOf(u"1\u0663.\u00E9x"), (std::vector<std::u16string>{u"1\u0663", u".", u"\u00E9x"}));
-}
-
-TEST(ZQVersionComparator, splitsBetweenUnitsAndKeepsThem) {
-    const char16_t pair[] = {u'1', 0xD800, u'2'};
-    EXPECT_EQ(tokensOf(StringView(pair, 3)),
-              (std::vector<std::u16string>{u"1", std::u16string(1, char16_t{0xD800}), u"2"}));
-    EXPECT_EQ(tokensOf(u".\u0301"), (std::vector<std::u16string>{u".", u"\u0301"}));
-}
-
-TEST(ZQVersionComparator, comparesNumbersByValue) {
-    expectOrders(Comparator::compareVersion_toVersion, {{"1.2.3", "1.2.3", 0},
-                                                        {"1.9", "1.10", -1},
-                                                        {"10.13.6", "10.14.1", -1},
-                                                        {"01", "1", 0},
-                                                        {"010", "10", 0},
-                                                        {"2147483647", "2147483648", 0},
-                                                        {"99999999999999999999999", "2147483647", 0},
-                                                        {"18446744073709551617", "2147483647", 0},
-                                                        {"2147483646", "99999999999", -1},
-                                                        {"0000000000000000000000001", "1", 0},
-                                                        {"1.4294967296", "1.0", 1}});
-}
-
-TEST(ZQVersionComparator, readsOnlyAsciiDigitsInFront) {
-    expectOrders(
-        Comparator::compareVersion_toVersion,
-        {{u"\u0663", "0", 0}, {u"\u0663", u"\u0669", 0}, {u"1\u0663", "1", 0}, {u"\u06635", "1", -1}});
-}
-
-TEST(ZQVersionComparator, ordersOthersBeforePeriodsBeforeNumbers) {
-    expectOrders(Comparator::compareVersion_toVersion, {{"a", ".", -1},
-                                                        {"a", "1", -1},
-                                                        {".", "1", -1},
-                                                        {"1..2", "1.2", -1},
-                                                        {"1.0a", "1.0.1", -1},
-                                                        {u"\u00E9", ".", -1},
-                                                        {u"\u00E9", u"\u0663", -1},
-                                                        {".", u"\u0663", -1}});
-}
-
-TEST(ZQVersionComparator, judgesASurplusByItsFirstToken) {
-    expectOrders(Comparator::compareVersion_toVersion, {{"1.2", "1.2.3", -1},
-                                                        {"1.0b1", "1.0", -1},
-                                                        {"1.0b", "1.0", -1},
-                                                        {"1.0", "1.0.0", -1},
-                                                        {"1", "1.0", -1},
-                                                        {"b", "b2", -1},
-                                                        {u"1\u00E9", "1", -1},
-                                                        {u"1.\u0663", "1.", 1}});
-}
-
-TEST(ZQVersionComparator, comparesOtherTokensByTheirUnits) {
-    expectOrders(Comparator::compareVersion_toVersion, {{"1.0a", "1.0b", -1},
-                                                        {"B", "b", -1},
-                                                        {"1.0alpha", "1.0beta", -1},
-                                                        {"1.0b", "1.0beta", -1},
-                                                        {"1b2", "1beta1", -1},
-                                                        {u"1\u03B1", u"1\u03B2", -1},
-                                                        {"1z", u"1\u00E9", -1}});
-}
-
-TEST(ZQVersionComparator, takesCanonicalEquivalentsForTheSame) {
-    expectOrders(Comparator::compareVersion_toVersion, {{u"1\u00E9", u"1e\u0301", 0},
-                                                        {u"1\u00E92", u"1e\u03011", 1},
-                                                        {"1e", u"1e\u0301", -1},
-                                                        {u"1e\u0301.1", "1f.0", -1}});
-}
-
-TEST(ZQVersionComparator, readsIllFormedBytesAsReplacementCharacters) {
-    expectOrders(Comparator::compareVersion_toVersion,
-                 {{"1\xFF", u"1\uFFFD", 0}, {"1.\xC3", "1.", -1}, {"\xC3.1", u"\uFFFD.1", 0}});
-}
+TEST(ZQVersionComparator, comparesTokenByToken) { expectOrders(compared, plainRows); }
 
 TEST(ZQVersionComparator, takesNilForAVersionWithoutTokens) {
-    expectOrders(Comparator::compareVersion_toVersion, {{nullptr, nullptr, 0},
-                                                        {nullptr, "", 0},
-                                                        {"", "", 0},
-                                                        {nullptr, "b1", 1},
-                                                        {nullptr, "1", -1},
-                                                        {nullptr, ".", -1},
-                                                        {"", u"\u00E9", 1}});
+    const struct {
+        StringView version;
+        int order;
+    } rows[] = {{nullptr, 0}, {"", 0},  {"1", -1}, {".", -1},      {".b", -1},    {"0", -1},
+                {"b1", 1},    {" ", 1}, {"-1", 1}, {"\u0663", -1}, {"\u00E9", 1}, {"\0"sv, 1}};
+    for (const auto& row : rows) {
+        for (const StringView none : {StringView(nullptr), StringView("")}) {
+            EXPECT_EQ(compared(none, row.version), row.order) << utf8Of(NSString(row.version));
+            EXPECT_EQ(compared(row.version, none), -row.order) << utf8Of(NSString(row.version));
+        }
+    }
 }
 
-TEST(ZQVersionComparator, agreesWithTheTokensOnRandomVersions) {
-    const std::vector<std::u16string> ascii{u"0",          u"1",    u"2", u"10", u"007", u"2147483647",
-                                            u"2147483648", u".",    u".", u".",  u"a",   u"b",
-                                            u"B",          u"beta", u"+", u"-",  u" "};
-    std::vector<std::u16string> all = ascii;
-    all.insert(all.end(), {u"\u0663", u"\u0669", u"\uFF11", u"\u00E9", u"e\u0301", u"e", u"\u0301", u"\u03B1",
-                           u"\U0001D7CF", std::u16string(1, char16_t{0xD800}), u"\uFFFD", u"\u212A", u"K"});
-    Numbers numbers(20240305);
-    for (int round = 0; round < 40000; ++round) {
-        const std::vector<std::u16string>& pieces = round % 2 == 0 ? ascii : all;
-        const std::u16string left = randomVersion(numbers, pieces);
-        const std::u16string right = randomVersion(numbers, pieces);
-        const int expected = modelOrder(left, right);
-        const std::string leftBytes = NSString(left).utf8();
-        const std::string rightBytes = NSString(right).utf8();
-        ASSERT_EQ(Comparator::compareVersion_toVersion(left, right), expected)
-            << leftBytes << " " << rightBytes;
-        ASSERT_EQ(Comparator::compareVersion_toVersion(leftBytes, rightBytes),
-                  modelOrder(leftBytes, rightBytes))
-            << leftBytes << " " << rightBytes;
+TEST(ZQVersionComparator, followsTheModelForAllPairs) {
+    const Tokens all = versions();
+    ASSERT_GT(all.size(), 300U);
+    for (const std::u16string& left : all) {
+        for (const std::u16string& right : all) {
+            const int order = models::orderOfVersions(left, right);
+            const int majorOrder = models::orderOfMajorVersions(left, right);
+            const auto pair = [&] {
+                return shownUnits(left) + " and " + shownUnits(right);
+            };
+            ASSERT_EQ(compared(left, right), order) << pair();
+            ASSERT_EQ(compared(right, left), -order) << pair();
+            ASSERT_EQ(comparedMajor(left, right), majorOrder) << pair();
+            ASSERT_EQ(comparedMajor(right, left), -majorOrder) << pair();
+            if (!left.empty() && !right.empty()) {
+                const int plusOrder = models::orderOfVersionsWithPlus(left, right);
+                ASSERT_EQ(comparedWithPlus(left, right), plusOrder) << pair();
+                ASSERT_EQ(comparedWithPlus(right, left), -plusOrder) << pair();
+            }
+        }
     }
+}
+
+/// Texts as bytes take ways of their own through ASCII.
+TEST(ZQVersionComparator, followsTheModelForBytes) {
+    Tokens all = versions();
+    for (const std::u16string& left : all) {
+        const std::string leftBytes = NSString(left).utf8();
+        const std::u16string leftUnits = NSString(leftBytes).utf16(); // without unpaired surrogates
+        for (const std::u16string& right : all) {
+            const std::string rightBytes = NSString(right).utf8();
+            ASSERT_EQ(compared(leftBytes, rightBytes),
+                      models::orderOfVersions(leftUnits, NSString(rightBytes).utf16()))
+                << leftBytes << " and " << rightBytes;
+        }
+    }
+}
+
+TEST(ZQVersionComparator, takesVeryLongVersions) {
+    std::string periods;
+    for (int i = 0; i < 500000; ++i) {
+        periods += "1.";
+    }
+    EXPECT_EQ(compared(periods + "1", periods + "1"), 0);
+    EXPECT_EQ(compared(periods + "1", periods + "2"), -1);
+    EXPECT_EQ(compared(periods, periods + "b"), 1);
+    EXPECT_EQ(comparedWithPlus(periods + "1+", periods + "1.0"), 0);
+    EXPECT_EQ(comparedMajor(periods, "1"), 0);
+    EXPECT_EQ(comparedMajor("2", periods), 1);
+    EXPECT_EQ(comparedMajor(periods, periods + "7"), 0);
+    EXPECT_EQ(comparedMajor(std::string(1000000, '.'), "1"), -1);
+    const std::string digits(1000000, '0');
+    EXPECT_EQ(compared(digits + "1", "1"), 0);
+    EXPECT_EQ(compared(digits + "2", "1"), 1);
+    EXPECT_EQ(compared("1" + digits, "2147483647"), 0);
+    const std::string letters(1000000, 'x');
+    EXPECT_EQ(compared(letters + "a", letters + "b"), -1);
+    EXPECT_EQ(compared(letters + "\u00E9", letters + "e\u0301"), 0);
+    EXPECT_EQ(Comparator::splitVersionString(periods).count(), 1000000U);
 }
 
 TEST(ZQVersionComparator, allocatesNothingForVersionsOfOrdinaryLength) {
     const NSString left("10.13.6b2");
     const NSString right("10.13.6b12");
     const std::u16string letters = u"1.\u03B1.\u0663";
-    std::size_t before = AllocationCount::now();
-    const int inAscii = Comparator::compareVersion_toVersion(left, right);
-    const int withPlus = Comparator::compareVersionWithPlus_toVersionWithPlus("10.13+", left);
-    const int ofMajor = Comparator::compareMajorVersion_toMajorVersion(left, "10.14");
-    const int ofUnits = Comparator::compareVersion_toVersion(u"10.13", right);
+    compared(letters, letters); // makes the set of digits
+    const std::size_t before = AllocationCount::now();
+    const int orders[] = {compared(left, right),
+                          comparedWithPlus("10.13+", left),
+                          comparedMajor(left, "10.14"),
+                          compared(u"10.13", right),
+                          compared(u"1.\u03B1.\u0669+", letters),
+                          compared("1.\xCE\xB1", "1.\xCE\xB1.")};
     EXPECT_EQ(AllocationCount::now(), before);
-    EXPECT_EQ((std::vector<int>{inAscii, withPlus, ofMajor, ofUnits}), (std::vector<int>{-1, -1, -1, -1}));
-    Comparator::compareVersion_toVersion(letters, letters); // makes the set of digits
-    before = AllocationCount::now();
-    const int ofLetters = Comparator::compareVersion_toVersion(letters, u"1.\u03B1.\u0669+");
-    const int ofBytes = Comparator::compareVersion_toVersion("1.\xCE\xB1", "1.\xCE\xB1");
-    EXPECT_EQ(AllocationCount::now(), before);
-    EXPECT_EQ((std::vector<int>{ofLetters, ofBytes}), (std::vector<int>{1, 0}));
+    EXPECT_EQ(std::vector<int>(std::begin(orders), std::end(orders)), std::vector<int>(6, -1));
 }
 
-TEST(ZQVersionComparator, takesLongVersionsInLinearTime) {
-    std::string many(200000, '1');
-    std::string periods(200000, '.');
-    EXPECT_EQ(Comparator::compareVersion_toVersion(many, many + "0"), 0);
-    EXPECT_EQ(Comparator::compareVersion_toVersion(periods, periods + "1"), -1);
-    EXPECT_EQ(Comparator::compareMajorVersion_toMajorVersion(periods + "2", "1"), -1);
-    EXPECT_EQ(Comparator::compareVersion_toVersion(many + "\xC3\xA9", many + "e\xCC\x81"), 0);
-}
+// MARK: With plus
 
-TEST(ZQVersionComparator, readsATrailingPlusAsPointZero) {
-    expectOrders(Comparator::compareVersionWithPlus_toVersionWithPlus, {{"2.0+", "2.0.0", 0},
-                                                                        {"2.0+", "2.0", 1},
-                                                                        {"2.0+", "2.0.1", -1},
-                                                                        {"3.0+", "3.0+", 0},
-                                                                        {"2+", "2.0", 0},
-                                                                        {"+", ".0", 0},
-                                                                        {u"1\u00E9+", u"1\u00E9.0", 0},
-                                                                        {u"\u0663+", "0.0", 0}});
-}
+constexpr Row plusRows[] = {
+    {"2.0+", "2.0.0", 0},
+    {"2.0+", "2.0", 1},
+    {"2.0+", "2.0.1", -1},
+    {"2+", "2.0", 0},
+    {"2.0+", "2.0+", 0},
+    {"2.0+", "2.1+", -1},
+    {"2.0+", "2+", 1},
+    {"2.0++", "2.0+.0", 0}, // only the last one
+    {"2.0++", "2.0", -1},
+    {"+2.0", "2.0", -1},
+    {"2+.0", "2.0", -1},
+    {"2+1", "2.0", -1},
+    {"2.+", "2..0", 0},
+    {"+", ".0", 0},
+    {"+", "0", -1},
+    {"+", "b", 1},
+    {"++", "+.0", 0},
+    {"2.0b+", "2.0b.0", 0},
+    {"2.0", "2.0.0", -1},
+    {"%@+", "%@.0", 0},
+    {"2\uFF0B", "2", -1}, // not the full-width sign
+    {"\u00E9+", "\u00E9.0", 0},
+    {"\u0663+", "0.0", 0},
+    {"2\0+"sv, "2\0.0"sv, 0},
+    {"2+\0"sv, "2", -1},
+    {nullptr, nullptr, 0},
+    {nullptr, "1+", -1},
+    {nullptr, "+", -1},
+    {nullptr, "b+", 1},
+};
 
-TEST(ZQVersionComparator, rewritesOnePlusAtTheEndOnly) {
-    expectOrders(Comparator::compareVersionWithPlus_toVersionWithPlus,
-                 {{"2++", "2+.0", 0}, {"2+1", "2.0", -1}, {"+2", "2", -1}});
-}
+TEST(ZQVersionComparator, readsOnePlusAtTheEndAsAnotherZero) { expectOrders(comparedWithPlus, plusRows); }
 
 TEST(ZQVersionComparator, raisesForAnEmptyVersionWithPlus) {
-    EXPECT_EQ(TestValues::raised([] { Comparator::compareVersionWithPlus_toVersionWithPlus("", "1"); }),
-              NSRangeException);
-    EXPECT_EQ(TestValues::raised([] { Comparator::compareVersionWithPlus_toVersionWithPlus("1", u""); }),
-              NSRangeException);
-    EXPECT_EQ(Comparator::compareVersionWithPlus_toVersionWithPlus(nullptr, "1"), -1);
-    EXPECT_EQ(Comparator::compareVersionWithPlus_toVersionWithPlus("1+", nullptr), 1);
-    EXPECT_EQ(Comparator::compareVersionWithPlus_toVersionWithPlus(nullptr, nullptr), 0);
+    for (const StringView other :
+         {StringView("1.0"), StringView("1+"), StringView(""), StringView(nullptr)}) {
+        EXPECT_EQ(raised([other] { comparedWithPlus("", other); }), "NSRangeException");
+        EXPECT_EQ(raised([other] { comparedWithPlus(other, ""); }), "NSRangeException");
+        EXPECT_EQ(raised([other] { comparedWithPlus(u"", other); }), "NSRangeException");
+    }
 }
 
-TEST(ZQVersionComparator, doesNotReadAPlusInAPlainComparison) {
-    EXPECT_EQ(Comparator::compareVersion_toVersion("2.0+", "2.0.0"), -1);
-    EXPECT_EQ(Comparator::compareVersion_toVersion("2.0+", "2.0"), -1);
+// MARK: Major versions
+
+constexpr Row majorRows[] = {
+    {"10.13.6", "10.14", -1}, // 10.13 and 10.14
+    {"10.13", "10.14", 0},    // 10 and 10
+    {"10", "11", -1},
+    {"5", "5.1", 0},
+    {"5", "6.1", -1},
+    {"5", "4.9", 1},
+    {"10.13.6", "10.13.7", 0},
+    {"10.13.6", "10.14.1", -1},
+    {"10.13.6", "11", -1},
+    {"10.13.6.1", "10.13", 0},
+    {"10.13.6.1", "10.14", -1},
+    {"1.3", "1.2.9", 1},
+    {"1.0b1", "1.0", 0},
+    {"1.0b1", "1.0.5", -1}, // 1.0b1 and 1.0
+    {"1b.0", "1.0", -1},
+    {"1..2", "1.2", -1},   // "1." and "1.2"
+    {"1..2", "1.2.3", -1}, // "1." and "1.2"
+    {".", ".", 0},
+    {".", "", 0},
+    {".", "1.", -1},
+    {".1", "1", -1}, // "" and "1"
+    {".1", "b", 1},
+    {"1.", "1.5", 0},
+    {"...", "1", -1},
+    {"", "b", 1},
+    {nullptr, nullptr, 0},
+    {nullptr, "", 0},
+    {nullptr, "1.2", -1},
+    {nullptr, "b.2", 1},
+    {nullptr, ".2", 0},
+    {"2.0+", "2.0", 0},
+    {"2+", "2", -1}, // the sign has no meaning here
+    {"010.1", "10.2", 0},
+    {"1\uFF0E5", "1", -1}, // only the full stop counts
+    {"\U0001F600.1", "\U0001F600.2", 0},
+    {"1\u00E9.2", "1e\u0301.3", 0},
+};
+
+TEST(ZQVersionComparator, cutsTheLastComponentOfMajorVersionsOnlyWhenThePeriodsAreAsMany) {
+    expectOrders(comparedMajor, majorRows);
 }
 
-TEST(ZQVersionComparator, leavesOutTheLastComponentOfVersionsOfOneLengthOnly) {
-    expectOrders(Comparator::compareMajorVersion_toMajorVersion, {{"10.13", "10.14", 0},
-                                                                  {"10.13.6", "10.14", -1},
-                                                                  {"10.13.6", "10.14.1", -1},
-                                                                  {"10.13.6", "10.13.7", 0},
-                                                                  {"5", "5.1", 0},
-                                                                  {"10", "11", -1},
-                                                                  {"10.1.2.3", "10", 0},
-                                                                  {"1.2.3.4", "1.3", -1},
-                                                                  {"1.", "1.5", 0},
-                                                                  {".", "1.", -1},
-                                                                  {u"1\u00E9.2", u"1e\u0301.3", 0}});
-}
-
-TEST(ZQVersionComparator, takesNilForAMajorVersionWithoutPeriods) {
-    expectOrders(Comparator::compareMajorVersion_toMajorVersion,
-                 {{nullptr, nullptr, 0}, {nullptr, "1.2", -1}, {nullptr, "b.2", 1}, {"", "", 0}});
-}
+// MARK: Threads
 
 TEST(ZQVersionComparator, answersAlikeOnConcurrentThreads) {
     std::vector<std::thread> threads;
@@ -342,8 +404,8 @@ TEST(ZQVersionComparator, answersAlikeOnConcurrentThreads) {
     for (int& count : wrong) {
         threads.emplace_back([&count] {
             for (int i = 0; i < 2000; ++i) {
-                count += Comparator::compareVersion_toVersion(u"1.\u0663b", "1.0c") == -1 ? 0 : 1;
-                count += Comparator::compareVersion_toVersion("1.9", "1.10") == -1 ? 0 : 1;
+                count += compared(u"1.\u0663b", "1.0c") == -1 ? 0 : 1;
+                count += compared("1.9", "1.10") == -1 ? 0 : 1;
             }
         });
     }
@@ -352,3 +414,5 @@ TEST(ZQVersionComparator, answersAlikeOnConcurrentThreads) {
     }
     EXPECT_EQ(wrong, std::vector<int>(4, 0));
 }
+
+} // namespace

@@ -1,28 +1,27 @@
 // SPDX-License-Identifier: MIT
-#ifndef ZQFOUNDATION_FUZZ_PLAINUTF_H
-#define ZQFOUNDATION_FUZZ_PLAINUTF_H
+// UTF-8 and UTF-16 one character at a time, by the tables of the standard.
+#ifndef ZQFOUNDATION_TESTS_MODELS_UTF_H
+#define ZQFOUNDATION_TESTS_MODELS_UTF_H
 
 #include <optional>
 #include <string>
 #include <string_view>
 
-/// UTF-8 and UTF-16 one character at a time, by the tables of the standard: what the library's faster
-/// conversions are held against.
-namespace ZQFoundation::fuzzing {
+namespace ZQFoundation::models {
 
-struct PlainCharacter {
+struct Character {
     char32_t number;
     std::size_t length; ///< bytes or units that spell it
 };
 
 /// The well-formed character at `at`, which is inside; nothing for ill-formed bytes.
-inline std::optional<PlainCharacter> plainCharacterAt(std::string_view text, std::size_t at) {
+inline std::optional<Character> characterAt(std::string_view text, std::size_t at) {
     const auto byte = [&](std::size_t index) {
         return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
     };
     const unsigned first = byte(at);
     if (first < 0x80) {
-        return PlainCharacter{first, 1};
+        return Character{first, 1};
     }
     const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
     char32_t number = first & (0x7FU >> length);
@@ -35,10 +34,10 @@ inline std::optional<PlainCharacter> plainCharacterAt(std::string_view text, std
     constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
     const bool isGood = first >= 0xC0 && first < 0xF8 && number >= least[length] && number <= 0x10FFFF &&
                         (number < 0xD800 || number > 0xDFFF);
-    return isGood ? std::optional<PlainCharacter>({number, length}) : std::nullopt;
+    return isGood ? std::optional<Character>({number, length}) : std::nullopt;
 }
 
-inline void appendPlainUtf16(std::u16string& units, char32_t number) {
+inline void appendUtf16(std::u16string& units, char32_t number) {
     if (number > 0xFFFF) {
         units += static_cast<char16_t>(0xD800 + ((number - 0x10000) >> 10));
         number = 0xDC00 + ((number - 0x10000) & 0x3FF);
@@ -47,22 +46,22 @@ inline void appendPlainUtf16(std::u16string& units, char32_t number) {
 }
 
 /// The units of well-formed UTF-8; nothing for any other bytes.
-inline std::optional<std::u16string> plainUtf16(std::string_view text) {
+inline std::optional<std::u16string> wellFormedUtf16(std::string_view text) {
     std::u16string units;
     units.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
-        const std::optional<PlainCharacter> character = plainCharacterAt(text, at);
+        const std::optional<Character> character = characterAt(text, at);
         if (!character) {
             return std::nullopt;
         }
-        appendPlainUtf16(units, character->number);
+        appendUtf16(units, character->number);
         at += character->length;
     }
     return units;
 }
 
 /// The bytes of well-formed UTF-16; nothing when a surrogate has no partner.
-inline std::optional<std::string> plainUtf8(std::u16string_view units) {
+inline std::optional<std::string> wellFormedUtf8(std::u16string_view units) {
     std::string text;
     text.reserve(units.size() * 3);
     for (std::size_t at = 0; at < units.size(); ++at) {
@@ -91,6 +90,6 @@ inline std::optional<std::string> plainUtf8(std::u16string_view units) {
     return text;
 }
 
-} // namespace ZQFoundation::fuzzing
+} // namespace ZQFoundation::models
 
 #endif

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
-// A plain model of URI references: taken apart, judged and resolved rule by rule, one character at a time.
-#ifndef ZQFOUNDATION_TESTS_OBJECTS_REFERENCEMODEL_H
-#define ZQFOUNDATION_TESTS_OBJECTS_REFERENCEMODEL_H
+// URI references taken apart, judged, resolved and put together from parts, rule by rule, one character at a
+// time.
+#ifndef ZQFOUNDATION_TESTS_MODELS_URIREFERENCE_H
+#define ZQFOUNDATION_TESTS_MODELS_URIREFERENCE_H
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace referencemodel {
+#include "tests/models/PercentEscapes.h"
+
+namespace ZQFoundation::models {
 
 using Piece = std::optional<std::string>;
 
@@ -17,6 +20,8 @@ struct Reference {
     std::string path;
     Piece query;
     Piece fragment;
+
+    friend bool operator==(const Reference&, const Reference&) = default;
 };
 
 inline bool isOneOf(char character, const std::string& characters) {
@@ -235,7 +240,7 @@ inline std::string merged(const Reference& base, const std::string& path) {
     return (slash == std::string::npos ? "" : base.path.substr(0, slash + 1)) + path;
 }
 
-/// The target of a reference against a base with a scheme.
+/// The target of a reference against a base with a scheme: RFC 3986, section 5.2.2.
 inline Reference resolved(const Reference& reference, const Reference& base) {
     Reference target = reference;
     target.path = withoutDots(reference.path);
@@ -254,6 +259,40 @@ inline Reference resolved(const Reference& reference, const Reference& base) {
         target.path = withoutDots(merged(base, reference.path));
     }
     return target;
+}
+
+/// The same as a text; a dot is put in front of a path that would be read as something else.
+inline std::string resolvedText(const std::string& reference, const std::string& base) {
+    Reference target = resolved(apart(reference), apart(base));
+    if (apart(together(target)) != target) {
+        target.path.insert(0, target.path.rfind('/', 0) == 0 ? "/." : "./");
+    }
+    return together(target);
+}
+
+/// The parts from which a URL is made; empty ones are left out.
+struct UrlParts {
+    std::string scheme;
+    std::string authority;
+    std::string path;
+    std::string query;
+    std::string fragment;
+};
+
+/// Nothing when the parts do not fit.
+inline Piece constructed(UrlParts parts, bool encodePath, bool encodeQuery) {
+    const bool fits = parts.authority.empty() ? parts.path.rfind("//", 0) != 0
+                                              : parts.path.empty() || parts.path.front() == '/';
+    if (parts.scheme.empty() || !fits) {
+        return {};
+    }
+    const std::string kept = letters + digits + "!$&'()*+,-./:=@_~";
+    const std::string path = encodePath ? percentEncoded(parts.path, kept) : parts.path;
+    const std::string query = encodeQuery ? percentEncoded(parts.query, kept + ";?") : parts.query;
+    const std::string text = parts.scheme + ":" + (parts.authority.empty() ? "" : "//" + parts.authority) +
+                             path + (query.empty() ? "" : "?" + query) +
+                             (parts.fragment.empty() ? "" : "#" + parts.fragment);
+    return isReference(text) ? Piece(text) : Piece();
 }
 
 /// The examples of RFC 3986, section 5.4: a reference, and what it is against this base.
@@ -305,6 +344,6 @@ inline constexpr const char* abnormalReferences[][2] = {
     {"http:g", "http:g"}, // strict: the scheme of the base is a scheme like others
 };
 
-} // namespace referencemodel
+} // namespace ZQFoundation::models
 
 #endif

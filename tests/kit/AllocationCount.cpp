@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// Stands before the allocator of the test program and counts.
+#include "tests/kit/AllocationCount.h"
+
+#include <cstdlib>
+#include <new>
+
+// A sanitizer has an allocator of its own and reports each allocation; elsewhere the allocator is replaced.
+// The C library's functions are replaced rather than `new`, which calls them: so memory that is taken with
+// `malloc` counts as well. Where the C library offers no second name for its own functions, only `new` is
+// counted.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ZQ_TEST_SANITIZER_HOOKS 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ZQ_TEST_SANITIZER_HOOKS 1
+#endif
+#endif
+
+namespace {
+
+// Not `thread_local` with an initialiser that runs: this is used before anything else in the program.
+constinit thread_local std::size_t allocations = 0;
+
+} // namespace
+
+#if defined(ZQ_TEST_SANITIZER_HOOKS)
+
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void*, std::size_t),
+                                                         void (*onFree)(const volatile void*));
+
+namespace {
+
+void countOne(const volatile void*, std::size_t) { ++allocations; }
+
+void ignoreOne(const volatile void*) {}
+
+const bool hooksAreInstalled = __sanitizer_install_malloc_and_free_hooks(countOne, ignoreOne) != 0;
+
+} // namespace
+
+#elif defined(__GLIBC__)
+
+extern "C" {
+
+void* __libc_malloc(std::size_t size) noexcept;
+void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
+void* __libc_realloc(void* block, std::size_t size) noexcept;
+void* __libc_memalign(std::size_t alignment, std::size_t size) noexcept;
+
+void* malloc(std::size_t size) noexcept {
+    ++allocations;
+    return __libc_malloc(size);
+}
+
+void* calloc(std::size_t count, std::size_t size) noexcept {
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+
+void* realloc(void* block, std::size_t size) noexcept {
+    ++allocations;
+    return __libc_realloc(block, size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    ++allocations;
+    return __libc_memalign(alignment, size);
+}
+
+} // extern "C"
+
+#else
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* block = std::malloc(size == 0 ? 1 : size)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept { std::free(block); }
+
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+#endif
+
+std::size_t ZQFoundation::kit::AllocationCount::now() {
+#if defined(ZQ_TEST_SANITIZER_HOOKS)
+    if (!hooksAreInstalled) {
+        std::abort();
+    }
+#endif
+    return allocations;
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// How many blocks of memory a piece of code allocates.
+#ifndef ZQFOUNDATION_TESTS_KIT_ALLOCATIONCOUNT_H
+#define ZQFOUNDATION_TESTS_KIT_ALLOCATIONCOUNT_H
+
+#include <cstddef>
+
+namespace ZQFoundation::kit {
+
+/// Counts what the calling thread allocates, by `new` or from the C library. A test program that uses it has
+/// AllocationCount.cpp among its sources (cmake/Tests.cmake sees to it).
+struct AllocationCount {
+    /// The number of allocations that this thread has made so far.
+    static std::size_t now();
+};
+
+} // namespace ZQFoundation::kit
+
+#endif

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// Environment variables, overrides of the system's facts and locales that are put back after a scope.
+#ifndef ZQFOUNDATION_TESTS_KIT_ENVIRONMENT_H
+#define ZQFOUNDATION_TESTS_KIT_ENVIRONMENT_H
+
+#include <clocale>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/system/TestOverrides.h"
+
+namespace ZQFoundation::kit {
+
+/// An environment variable set, or unset by a null pointer, for a scope.
+class Variable {
+public:
+    Variable(const char* name, const char* value) : name_(name) {
+        if (const char* const before = std::getenv(name)) {
+            before_ = before;
+        }
+        change(value);
+    }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+    ~Variable() { change(before_ ? before_->c_str() : nullptr); }
+
+    void change(const char* value) const {
+        if (value != nullptr) {
+            ::setenv(name_, value, 1);
+        } else {
+            ::unsetenv(name_);
+        }
+    }
+
+private:
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+struct TimeZone : Variable {
+    explicit TimeZone(const char* value) : Variable("TZ", value) {}
+};
+
+/// A pointer of the overrides pointed to a value of its own for a scope.
+template <class Value>
+class Replaced {
+public:
+    Replaced(const Value*& slot, Value value) : slot_(slot), before_(slot), value_(std::move(value)) {
+        slot_ = &value_;
+    }
+    Replaced(const Replaced&) = delete;
+    Replaced& operator=(const Replaced&) = delete;
+    ~Replaced() { slot_ = before_; }
+
+private:
+    const Value*& slot_;
+    const Value* before_;
+    Value value_;
+};
+
+using Arguments = Replaced<std::vector<std::string>>;
+using Path = Replaced<std::string>;
+
+/// No language settings but those that a test makes.
+struct NoLanguages {
+    Variable language{"LANGUAGE", nullptr};
+    Variable all{"LC_ALL", nullptr};
+    Variable messages{"LC_MESSAGES", nullptr};
+    Variable numeric{"LC_NUMERIC", nullptr};
+    Variable lang{"LANG", nullptr};
+};
+
+/// Sets the C library to a locale with a decimal comma, made by the build, for a scope. A test asserts
+/// isSet(), for with a decimal point it would show nothing.
+class DecimalCommaLocale {
+public:
+    DecimalCommaLocale()
+        : locale_(std::setlocale(LC_ALL, nullptr)), isSet_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr &&
+                                                           *std::localeconv()->decimal_point == ',') {}
+    DecimalCommaLocale(const DecimalCommaLocale&) = delete;
+    DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;
+    ~DecimalCommaLocale() { std::setlocale(LC_ALL, locale_.c_str()); }
+    bool isSet() const { return isSet_; }
+
+private:
+    Variable folder_{"LOCPATH", ZQ_TEST_LOCALES};
+    std::string locale_;
+    bool isSet_;
+};
+
+} // namespace ZQFoundation::kit
+
+#endif

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// Scratch folders, and the contents of files.
+#ifndef ZQFOUNDATION_TESTS_KIT_SCRATCHFOLDER_H
+#define ZQFOUNDATION_TESTS_KIT_SCRATCHFOLDER_H
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ZQFoundation::kit {
+
+inline void removeTree(const std::string& path) {
+    struct stat information;
+    if (::lstat(path.c_str(), &information) != 0) {
+        return;
+    }
+    if (!S_ISDIR(information.st_mode)) {
+        ::unlink(path.c_str());
+        return;
+    }
+    ::chmod(path.c_str(), 0755);
+    DIR* const folder = ::opendir(path.c_str());
+    while (const dirent* entry = folder != nullptr ? ::readdir(folder) : nullptr) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            removeTree(path + "/" + name);
+        }
+    }
+    if (folder != nullptr) {
+        ::closedir(folder);
+    }
+    ::rmdir(path.c_str());
+}
+
+/// A folder that anybody may look into, removed with its scope.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        const char* const base = std::getenv("TMPDIR");
+        path_ = std::string(base != nullptr && *base == '/' ? base : "/tmp") + "/zq-test-XXXXXX";
+        if (::mkdtemp(path_.data()) == nullptr) {
+            ADD_FAILURE() << "no scratch folder: " << std::strerror(errno);
+        }
+        ::chmod(path_.c_str(), 0755);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ~ScratchFolder() { removeTree(path_); }
+
+    const std::string& path() const { return path_; }
+    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+    /// Makes the folders on the way as well.
+    std::string makeFolder(const std::string& name) const {
+        for (std::size_t slash = name.find('/'); slash != std::string::npos;
+             slash = name.find('/', slash + 1)) {
+            ::mkdir((*this / name.substr(0, slash)).c_str(), 0755);
+        }
+        ::mkdir((*this / name).c_str(), 0755);
+        return *this / name;
+    }
+
+    /// Writes a file, makes the folders on the way, and returns its path.
+    std::string write(const std::string& name, std::string_view bytes) const {
+        const std::size_t slash = name.find_last_of('/');
+        if (slash != std::string::npos) {
+            makeFolder(name.substr(0, slash));
+        }
+        std::FILE* const file = std::fopen((*this / name).c_str(), "wb");
+        EXPECT_NE(file, nullptr) << name;
+        if (file != nullptr) {
+            EXPECT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
+            std::fclose(file);
+        }
+        return *this / name;
+    }
+
+private:
+    std::string path_;
+};
+
+/// Empty for a file that cannot be read.
+inline std::string contentsOf(const std::string& path) {
+    std::string bytes;
+    if (std::FILE* const file = std::fopen(path.c_str(), "rb")) {
+        char buffer[4096];
+        std::size_t count = 0;
+        while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+            bytes.append(buffer, count);
+        }
+        std::fclose(file);
+    }
+    return bytes;
+}
+
+} // namespace ZQFoundation::kit
+
+#endif

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Values as texts, raised exceptions by name, and host objects made to order.
+#ifndef ZQFOUNDATION_TESTS_KIT_VALUES_H
+#define ZQFOUNDATION_TESTS_KIT_VALUES_H
+
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "foundation/objects/NSException.h"
+#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSObjectProtocol.h"
+
+namespace ZQFoundation::kit {
+
+/// The text as UTF-8, or "(nil)".
+inline std::string utf8Of(const NSString& text) { return text ? text.utf8() : "(nil)"; }
+
+/// The value's description as UTF-8.
+inline std::string shown(const NSObject& value) { return utf8Of(value.description()); }
+
+/// The name of the exception that the action raises, or "nothing".
+template <class Action>
+std::string raised(const Action& action) {
+    try {
+        action();
+    } catch (const NSException& exception) {
+        return utf8Of(exception.name());
+    }
+    return "nothing";
+}
+
+/// A host's object that offers the forms it was made with and counts, if asked to, when it goes.
+class Offering : public NSObjectProtocol {
+public:
+    std::optional<NSString> offeredString;
+    std::optional<int> offeredInt;
+    std::optional<float> offeredFloat;
+    int* destroyed = nullptr;
+
+    Offering() = default;
+    explicit Offering(int* counter) : destroyed(counter) {}
+    Offering(std::optional<NSString> string, std::optional<int> integer, std::optional<float> real = {})
+        : offeredString(string), offeredInt(integer), offeredFloat(real) {}
+    ~Offering() override {
+        if (destroyed != nullptr) {
+            ++*destroyed;
+        }
+    }
+
+    std::optional<NSString> stringValue() const override { return offeredString; }
+    std::optional<int> intValue() const override { return offeredInt; }
+    std::optional<float> floatValue() const override { return offeredFloat; }
+};
+
+/// A host's object with the description it was made with.
+class Described : public NSObjectProtocol {
+public:
+    explicit Described(NSString text) : text_(text) {}
+    NSString description() const override { return text_; }
+
+private:
+    NSString text_;
+};
+
+} // namespace ZQFoundation::kit
+
+#endif
