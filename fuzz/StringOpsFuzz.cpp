@@ -14,6 +14,7 @@
 #include "foundation/text/CaseMapping.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/models/Strings.h"
 
 using namespace ZQFoundation;
 using fuzzing::require;
@@ -247,25 +248,6 @@ void checkSplitting(const Units& units, const Units& separator) {
     requirePieces(stringOf(units).componentsSeparatedByString(separator), pieces, "pieces between texts");
 }
 
-/// What a run of members, or a line break, begins at a place: where it ends, or the place itself.
-template <class EndOf>
-Pieces plainPieces(const Units& units, const EndOf& endOf) {
-    Pieces pieces;
-    if (!units.empty()) {
-        pieces.emplace_back();
-    }
-    for (std::size_t at = 0; at < units.size();) {
-        const std::size_t end = endOf(at);
-        if (end == at) {
-            pieces.back() += units[at++];
-        } else {
-            pieces.emplace_back();
-            at = end;
-        }
-    }
-    return pieces;
-}
-
 void checkSet(const Units& units, const Units& members, const Units& replacement) {
     const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString(members);
     const NSString text = stringOf(units);
@@ -277,40 +259,19 @@ void checkSet(const Units& units, const Units& members, const Units& replacement
     while (front < units.size() && isMember(units[front])) {
         ++front;
     }
-    std::size_t back = units.size();
-    while (back > 0 && isMember(units[back - 1])) {
-        --back;
-    }
-    std::size_t bounded = 0;
-    while (bounded < front && 2 * bounded < units.size()) {
-        ++bounded;
-    }
+    const Units left = models::leftTrimmed(units, set);
     require(text.stringByTrimmingCharactersInSet(set).utf16() ==
-                units.substr(front, back - std::min(front, back)),
+                models::rightTrimmed(units.substr(front), set),
             "trimmed");
-    require(text.trimLeftCharactersOfCharacterSet(set).utf16() == units.substr(bounded),
-            "trimmed at the front");
-    require(text.trimRightCharactersOfCharacterSet(set).utf16() == units.substr(0, back),
+    require(text.trimLeftCharactersOfCharacterSet(set).utf16() == left, "trimmed at the front");
+    require(text.trimRightCharactersOfCharacterSet(set).utf16() == models::rightTrimmed(units, set),
             "trimmed at the end");
-    require(text.trimCharactersOfCharacterSet(set).utf16() ==
-                units.substr(bounded, std::max(back, bounded) - bounded),
+    require(text.trimCharactersOfCharacterSet(set).utf16() == models::rightTrimmed(left, set),
             "trimmed at both ends");
-
-    Units replaced;
-    for (const char16_t unit : units) {
-        replaced += isMember(unit) ? replacement : Units(1, unit);
-    }
     require(text.stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(set, replacement).utf16() ==
-                replaced,
+                models::replaced(units, set, replacement),
             "members replaced");
-    requirePieces(text.componentsSeparatedByCharacterSet(set),
-                  plainPieces(units,
-                              [&](std::size_t at) {
-                                  while (at < units.size() && isMember(units[at])) {
-                                      ++at;
-                                  }
-                                  return at;
-                              }),
+    requirePieces(text.componentsSeparatedByCharacterSet(set), models::piecesBetweenMembers(units, set),
                   "pieces between members");
 
     const auto firstMember = std::find_if(units.begin(), units.end(), isMember);
@@ -327,20 +288,10 @@ void checkSet(const Units& units, const Units& members, const Units& replacement
 
 void checkLines(const Units& units, const Units& indent) {
     const NSString text = stringOf(units);
-    const auto isBreak = [](char16_t unit) {
-        return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
-    };
-    const Pieces lines = plainPieces(units, [&](std::size_t at) {
-        const std::u16string_view two = std::u16string_view(units).substr(at, 2);
-        return at + (two == u"\r\n" || two == u"\n\r" ? 2 : isBreak(two[0]) ? 1 : 0);
-    });
-    requirePieces(text.componentsSeparatedByLineBreak(), lines, "lines");
-    Units indented = indent;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        indented += (i == 0 ? Units() : u"\n" + indent) + lines[i];
-    }
-    require(text.stringByIndentingLinesWithString(indent).utf16() == indented, "indented lines");
-    const bool isMissing = !units.empty() && !isBreak(units.back());
+    requirePieces(text.componentsSeparatedByLineBreak(), models::lines(units), "lines");
+    require(text.stringByIndentingLinesWithString(indent).utf16() == models::indented(units, indent),
+            "indented lines");
+    const bool isMissing = !units.empty() && !models::isNewline(units.back());
     require(text.addMissingNewline().utf16() == units + (isMissing ? u"\n" : u""), "newline at the end");
 }
 

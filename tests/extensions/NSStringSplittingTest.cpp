@@ -1,74 +1,145 @@
 // SPDX-License-Identifier: MIT
+// Splitting of strings at line breaks and at runs of characters: rows, and texts against the model.
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSCharacterSet.h"
-#include "foundation/objects/NSString.h"
-#include "tests/objects/RandomTexts.h"
+#include "tests/kit/Texts.h"
+#include "tests/models/Strings.h"
 
 using namespace ZQFoundation;
-using RandomTexts::shownUnits;
-using RandomTexts::stringOf;
-using RandomTexts::textsOf;
+using namespace kit;
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+using models::Texts;
 
 namespace {
 
-using Texts = std::vector<std::u16string>;
+NSCharacterSet blanks() { return NSCharacterSet::whitespaceCharacterSet(); }
 
-Texts modelOf(const std::u16string& text, const NSCharacterSet& separators) {
-    Texts pieces;
-    if (text.empty()) {
-        return pieces;
-    }
-    pieces.emplace_back();
-    bool isInRun = false;
-    for (const char16_t unit : text) {
-        const bool isSeparator = separators.characterIsMember(unit);
-        if (isSeparator && !isInRun) {
-            pieces.emplace_back();
-        } else if (!isSeparator) {
-            pieces.back() += unit;
-        }
-        isInRun = isSeparator;
-    }
-    return pieces;
+NSCharacterSet setOf(StringView characters) {
+    return NSCharacterSet::characterSetWithCharactersInString(characters);
 }
 
 void expectSplit(const std::u16string& text, const NSCharacterSet& set) {
     const NSString string = stringOf(text);
-    ASSERT_EQ(textsOf(string.componentsSeparatedByCharacterSet(set)), modelOf(text, set)) << shownUnits(text);
-    const Texts words = modelOf(text, NSCharacterSet::whitespaceCharacterSet());
+    ASSERT_EQ(textsOf(string.componentsSeparatedByCharacterSet(set)), models::piecesBetweenMembers(text, set))
+        << shownUnits(text);
+    const Texts words = models::piecesBetweenMembers(text, blanks());
     ASSERT_EQ(textsOf(string.componentsSeparatedByWhitespace()), words) << shownUnits(text);
     ASSERT_EQ(textsOf(string.componentsSeparatedByWhitespaces()), words) << shownUnits(text);
 }
 
-TEST(NSStringSplitting, followsASlowModel) {
-    RandomTexts::Numbers numbers(19);
-    const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString(u",; \u20ac");
-    for (int round = 0; round < 3000; ++round) {
+void expectLines(const std::u16string& text) {
+    ASSERT_EQ(textsOf(stringOf(text).componentsSeparatedByLineBreak()), models::lines(text))
+        << shownUnits(text);
+}
+
+TEST(NSStringSplitting, splitsAtLineBreaks) {
+    const struct {
+        NSString text;
+        Texts expected;
+    } rows[] = {
+        {"", {}},
+        {"a\n", {u"a", u""}},
+        {"\n", {u"", u""}},
+        {"a\r\nb", {u"a", u"b"}},
+        {"a\n\rb", {u"a", u"b"}},
+        {"a\n\nb", {u"a", u"", u"b"}},
+        {"a\n\r\nb", {u"a", u"", u"b"}},
+        {"\r\n\r\n", {u"", u"", u""}},
+        {"a\u2028b\u2029c\u0085d", {u"a", u"b", u"c", u"d"}},
+        {"a\vb\fc", {u"a", u"b", u"c"}},
+        {"  a \t\n\t b  ", {u"  a \t", u"\t b  "}},
+        {"a\x1C\x1D\x1E\x1F", {u"a\x1C\x1D\x1E\x1F"}},
+        {"a\0b\nc"sv, {u"a\0b"s, u"c"}},
+        {"\u00E9\n\U0001F600", {u"\u00E9", u"\U0001F600"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(textsOf(row.text.componentsSeparatedByLineBreak()), row.expected)
+            << shownUnits(row.text.utf16());
+    }
+}
+
+TEST(NSStringSplitting, findsTheLinesOfTheModelInAllShortTexts) {
+    for (const std::u16string_view alphabet : {u"a\r\n\u2028"sv, u"a\r\n\v"sv}) {
+        for (const std::u16string& text : allTexts(alphabet, 6)) {
+            expectLines(text);
+        }
+    }
+    for (const std::u16string& text : allTexts(u"\r\n", 11)) {
+        expectLines(text);
+    }
+    for (unsigned value = 0; value <= 0xFFFF; ++value) {
+        expectLines(std::u16string{u'a', static_cast<char16_t>(value), u'b'});
+    }
+}
+
+TEST(NSStringSplitting, splitsAtRunsOfSeparators) {
+    const struct {
+        NSString text;
+        Texts expected;
+    } rows[] = {
+        {"", {}},
+        {"ab", {u"ab"}},
+        {"a   b", {u"a", u"b"}},
+        {"   ", {u"", u""}},
+        {" a b ", {u"", u"a", u"b", u""}},
+        {"a \t\u00A0\u3000b", {u"a", u"b"}},
+        {"a \n b", {u"a", u"\n", u"b"}},
+        {"a\u200Bb", {u"a\u200Bb"}},
+        {"a\0 b"sv, {u"a\0"s, u"b"}},
+        {"\u00E9 \U0001F600", {u"\u00E9", u"\U0001F600"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(textsOf(row.text.componentsSeparatedByWhitespace()), row.expected)
+            << shownUnits(row.text.utf16());
+        expectSplit(row.text.utf16(), setOf("a"));
+    }
+}
+
+TEST(NSStringSplitting, findsThePiecesOfTheModel) {
+    for (const std::u16string& text : allTexts(u"a \t", 8)) {
+        expectSplit(text, setOf("a"));
+    }
+    for (const std::u16string& text : allTexts(u"a,\u3001 ", 6)) {
+        expectSplit(text, setOf(u",\u3001"));
+    }
+    Numbers numbers(19);
+    const NSCharacterSet set = setOf(u",; \u20AC");
+    for (int round = 0; round < 1500; ++round) {
         const std::size_t length = numbers.below(200);
         expectSplit(numbers.text(u"abc,; \t\n", length), set);
         expectSplit(numbers.text(u"abcdefghijklmnop ", length), set);
-        expectSplit(numbers.text(u"abc,\u00e9 \u20ac\u3000\xD83D\xDE00", length), set);
+        expectSplit(numbers.text(u"abc,\u00E9 \u20AC\u3000\xD83D\xDE00", length), set);
         expectSplit(numbers.text(u" \t", length), set);
     }
 }
 
 TEST(NSStringSplitting, knowsTheSameWhiteSpaceInBothForms) {
-    const NSCharacterSet blanks = NSCharacterSet::whitespaceCharacterSet();
     for (unsigned value = 0; value <= 0xFFFF; ++value) {
         const auto unit = static_cast<char16_t>(value);
-        const std::size_t expected = blanks.characterIsMember(unit) ? 2 : 1;
-        const std::u16string text = std::u16string(u"a") + unit + u"b";
+        const std::size_t expected = blanks().characterIsMember(unit) ? 2 : 1;
+        const std::u16string text{u'a', unit, u'b'};
         ASSERT_EQ(stringOf(text).componentsSeparatedByWhitespace().count(), expected) << value;
-        ASSERT_EQ(stringOf(text + u"\u20ac").componentsSeparatedByWhitespace().count(), expected) << value;
+        ASSERT_EQ(stringOf(text + u"\u20AC").componentsSeparatedByWhitespace().count(), expected) << value;
     }
 }
 
+TEST(NSStringSplitting, looksAtUnits) {
+    const std::u16string text = u"a\U0001F600b";
+    expectSplit(text, setOf(u"\U0001F600"));
+    expectSplit(text, setOf(u"\xD83D"sv));
+    expectSplit(text, NSCharacterSet::emptyCharacterSet());
+    expectSplit(u"a\0\0b"s, NSCharacterSet::nullByteCharacterSet());
+    expectSplit(u"", NSCharacterSet::emptyCharacterSet());
+}
+
 TEST(NSStringSplitting, makesPiecesOfAsciiEqualToOthers) {
-    const NSArray pieces = NSString(u"ab \u20ac cd").componentsSeparatedByWhitespace();
-    EXPECT_TRUE(pieces.isEqual(NSArray{"ab", u"\u20ac", "cd"}));
-    EXPECT_TRUE(NSString(u"ab\n\u20ac").componentsSeparatedByLineBreak().isEqual(NSArray{"ab", u"\u20ac"}));
+    EXPECT_TRUE(NSString(u"ab \u20AC").componentsSeparatedByWhitespace().isEqual(NSArray{"ab", u"\u20AC"}));
+    EXPECT_TRUE(NSString(u"ab\n\u20AC").componentsSeparatedByLineBreak().isEqual(NSArray{"ab", u"\u20AC"}));
 }
 
 TEST(NSStringSplitting, splitsLongTexts) {
@@ -76,17 +147,26 @@ TEST(NSStringSplitting, splitsLongTexts) {
     const NSString newlines = stringOf(std::u16string(million, u'\n'));
     EXPECT_EQ(newlines.componentsSeparatedByLineBreak().count(), million + 1);
     EXPECT_EQ(newlines.componentsSeparatedByWhitespace().count(), 1U);
-    const NSString blanks = stringOf(std::u16string(million, u' '));
-    EXPECT_EQ(textsOf(blanks.componentsSeparatedByWhitespace()), (Texts{u"", u""}));
-    EXPECT_EQ(blanks.componentsSeparatedByLineBreak().count(), 1U);
+    EXPECT_EQ(stringOf(repeated(u"\r\n", million / 2)).componentsSeparatedByLineBreak().count(),
+              million / 2 + 1);
+    EXPECT_EQ(stringOf(repeated(u"\u20AC ", million / 2)).componentsSeparatedByWhitespace().count(),
+              million / 2 + 1);
+    const NSString run = stringOf(std::u16string(million, u' '));
+    EXPECT_EQ(textsOf(run.componentsSeparatedByWhitespace()), (Texts{u"", u""}));
+    EXPECT_EQ(run.componentsSeparatedByLineBreak().count(), 1U);
 }
 
-TEST(NSStringSplitting, withANilSetLeavesOnePiece) {
+TEST(NSStringSplitting, givesNilForNilAndAnEmptyArrayForTheEmptyString) {
+    EXPECT_TRUE(NSString("").componentsSeparatedByLineBreak());
+    EXPECT_TRUE(NSString("").componentsSeparatedByCharacterSet(blanks()));
+    EXPECT_TRUE(NSString("").componentsSeparatedByWhitespace());
+    EXPECT_TRUE(NSString("").componentsSeparatedByWhitespaces());
+    EXPECT_FALSE(NSString().componentsSeparatedByLineBreak());
+    EXPECT_FALSE(NSString().componentsSeparatedByCharacterSet(blanks()));
+    EXPECT_FALSE(NSString().componentsSeparatedByWhitespace());
+    EXPECT_FALSE(NSString().componentsSeparatedByWhitespaces());
     EXPECT_EQ(textsOf(NSString("a b").componentsSeparatedByCharacterSet(nullptr)), Texts{u"a b"});
     EXPECT_EQ(NSString("").componentsSeparatedByCharacterSet(nullptr).count(), 0U);
-    EXPECT_TRUE(NSString("").componentsSeparatedByLineBreak());
-    EXPECT_FALSE(NSString().componentsSeparatedByLineBreak());
-    EXPECT_FALSE(NSString().componentsSeparatedByWhitespace());
 }
 
 } // namespace
