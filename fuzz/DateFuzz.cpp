@@ -11,20 +11,27 @@
 #include "foundation/time/NSDateFormatter.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
-#include "fuzz/PlainCalendar.h"
+#include "tests/models/Calendar.h"
 
 using namespace ZQFoundation;
-using fuzzing::PlainDate;
 using fuzzing::require;
 using fuzzing::requireEqual;
-using fuzzing::roundedDown;
+using models::CivilDate;
 
 namespace {
+
+std::int64_t roundedDown(std::int64_t value, std::int64_t divisor) {
+    return static_cast<std::int64_t>(models::floorDivided(value, divisor));
+}
+
+std::int64_t plainDays(std::int64_t year, std::int64_t month, std::int64_t day) {
+    return static_cast<std::int64_t>(models::dayNumber(year, month, day));
+}
 
 /// An instant on the clocks of a fixed offset.
 struct PlainTime {
     std::int64_t days;
-    PlainDate date;
+    CivilDate date;
     int secondOfDay;
 
     PlainTime(std::int64_t seconds, int offset) : days(0), date{}, secondOfDay(0) {
@@ -34,11 +41,11 @@ struct PlainTime {
         }
         days = local / 86400 - (local % 86400 < 0 ? 1 : 0);
         secondOfDay = static_cast<int>(local % 86400 + (local % 86400 < 0 ? 86400 : 0));
-        date = fuzzing::plainDate(days);
+        date = models::civilDate(days);
     }
 
     /// By the Thursday of the week, which lies in the year to which the week belongs.
-    PlainDate thursday() const { return fuzzing::plainDate(days + 3 - (date.weekday + 6) % 7); }
+    CivilDate thursday() const { return models::civilDate(days + 3 - (date.weekday + 6) % 7); }
 };
 
 std::string digits(std::int64_t number, std::size_t count) {
@@ -231,8 +238,7 @@ void checkReadingBack(const NSDate& date, int offset) {
                         &fields[4], &fields[5], &fields[6]) == 7,
             "fields of a date");
     const bool isBeforeEras = PlainTime(rounded.seconds, offset).date.year < 1;
-    const std::int64_t days =
-        fuzzing::plainDays(isBeforeEras ? 1 - fields[0] : fields[0], fields[1], fields[2]);
+    const std::int64_t days = plainDays(isBeforeEras ? 1 - fields[0] : fields[0], fields[1], fields[2]);
     require(days * 86400 + fields[3] * 3600 + fields[4] * 60 + fields[5] - offset == rounded.seconds &&
                 fields[6] == rounded.rest,
             "a text of a date does not come back");
@@ -282,8 +288,7 @@ void checkFields(const NSDate& date, int offset, bool isIso) {
     require(found.weekday == time.date.weekday + 1, "weekday");
     require(found.quarter == (time.date.month - 1) / 3 + 1, "quarter");
     // The day that decides about a week is its Thursday or, where 1 January begins one, its Saturday.
-    const PlainDate decisive =
-        isIso ? time.thursday() : fuzzing::plainDate(time.days + 6 - time.date.weekday);
+    const CivilDate decisive = isIso ? time.thursday() : models::civilDate(time.days + 6 - time.date.weekday);
     require(found.weekOfYear == (decisive.dayOfYear - 1) / 7 + 1, "week");
     require(found.yearForWeekOfYear == decisive.year, "year of a week");
 }
@@ -301,8 +306,8 @@ void checkFromFields(fuzzing::InputReader& input, int offset, bool isIso) {
         }
     }
     const NSDate date = calendarOf(isIso, offset).dateFromComponents(fields);
-    const std::int64_t seconds = fuzzing::plainDays(values[0], values[1], values[2]) * 86400 +
-                                 values[3] * 3600 + values[4] * 60 + values[5] - offset;
+    const std::int64_t seconds = plainDays(values[0], values[1], values[2]) * 86400 + values[3] * 3600 +
+                                 values[4] * 60 + values[5] - offset;
     require(static_cast<bool>(date), "a date of fields");
     const double expected = static_cast<double>(seconds - 978307200);
     require(date.timeIntervalSinceReferenceDate() == expected, "instant of fields");
@@ -319,12 +324,12 @@ void checkRange(const NSDate& date, int offset, bool isIso, unsigned which) {
     const auto whole =
         static_cast<std::int64_t>(std::floor(date.timeIntervalSinceReferenceDate())) + 978307200;
     const PlainTime time(whole, offset);
-    const PlainDate& day = time.date;
+    const CivilDate& day = time.date;
     const int quarter = (day.month - 1) / 3;
     const std::int64_t weekday = isIso ? (day.weekday + 6) % 7 : day.weekday;
     const std::int64_t midnight = whole - time.secondOfDay;
     const auto first = [&](std::int64_t year, int month) {
-        return fuzzing::plainDays(year, month, 1) * 86400 - offset;
+        return plainDays(year, month, 1) * 86400 - offset;
     };
     const std::int64_t starts[] = {first(day.year, 1),
                                    first(day.year, quarter * 3 + 1),
@@ -354,8 +359,8 @@ void checkRange(const NSDate& date, int offset, bool isIso, unsigned which) {
 
 /// The day with a month added, the last one where the month is too short.
 std::int64_t plainMonthsLater(const PlainTime& time, std::int64_t months) {
-    const std::int64_t first = fuzzing::plainDays(time.date.year, time.date.month + months, 1);
-    const std::int64_t length = fuzzing::plainDays(time.date.year, time.date.month + months + 1, 1) - first;
+    const std::int64_t first = plainDays(time.date.year, time.date.month + months, 1);
+    const std::int64_t length = plainDays(time.date.year, time.date.month + months + 1, 1) - first;
     return (first + std::min<std::int64_t>(time.date.day, length) - 1) * 86400 + time.secondOfDay;
 }
 

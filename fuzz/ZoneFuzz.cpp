@@ -12,7 +12,7 @@
 #include "foundation/time/ZoneRules.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
-#include "fuzz/PlainCalendar.h"
+#include "tests/models/Calendar.h"
 
 using namespace ZQFoundation;
 using detail::ZonePeriod;
@@ -37,14 +37,14 @@ struct PlainChange {
 
     std::int64_t dayIn(std::int64_t year) const {
         if (form != 'M') {
-            const bool passesLeapDay = form == 'J' && fuzzing::isPlainLeapYear(year) && day > 59;
-            return fuzzing::plainNewYear(year) + day - (form == 'J' ? 1 : 0) + (passesLeapDay ? 1 : 0);
+            const bool passesLeapDay = form == 'J' && models::isLeapYear(year) && day > 59;
+            return static_cast<std::int64_t>(models::newYear(year)) + day - (form == 'J' ? 1 : 0) +
+                   (passesLeapDay ? 1 : 0);
         }
         // The last one of the weekday stands for the fifth.
-        const std::int64_t first = fuzzing::plainDays(year, month, 1);
-        std::int64_t found = first + (day - fuzzing::plainDate(first).weekday + 7) % 7;
-        for (int count = 1; count < week && found + 7 < first + fuzzing::plainMonthLength(year, month);
-             ++count) {
+        const std::int64_t first = static_cast<std::int64_t>(models::dayNumber(year, month, 1));
+        std::int64_t found = first + (day - models::civilDate(first).weekday + 7) % 7;
+        for (int count = 1; count < week && found + 7 < first + models::monthLength(year, month); ++count) {
             found += 7;
         }
         return found;
@@ -168,7 +168,7 @@ struct PlainRule {
         }
         constexpr std::int64_t cycle = 146097LL * 86400; // after which all years are as before
         seconds = (seconds % cycle + cycle) % cycle;
-        const std::int64_t year = fuzzing::plainDate(seconds / 86400).year;
+        const std::int64_t year = models::civilDate(seconds / 86400).year;
         for (std::int64_t y = year - 2; y <= year + 2; ++y) {
             const auto endIn = [this](std::int64_t which) {
                 return end.dayIn(which) * 86400 + end.time - daylight.offset;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Texts appended to files: by several processes at once, through links, at limits, in every encoding.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -9,20 +10,25 @@
 #include <sys/resource.h>
 
 #include "foundation/files/NSFileHandle.h"
-#include "tests/files/FileScene.h"
+#include "foundation/files/NSFileManager.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
-using scene::contentsOf;
-using scene::stands;
+using kit::contentsOf;
+using kit::stands;
 
 namespace {
 
-bool append(const std::string& text, const std::string& path) {
-    return NSString(text).appendToFile_encoding(path, NSUTF8StringEncoding);
+constexpr NSStringEncoding utf8 = NSUTF8StringEncoding;
+
+bool append(const NSString& text, const std::string& path, NSStringEncoding encoding = utf8) {
+    return text.appendToFile_encoding(path, encoding);
 }
 
-/// Runs the body in so many children at once and returns how many of them failed.
+/// Runs the body in this many children at once and returns how many of them failed.
 template <class Body>
 int failuresOf(int count, const Body& body) {
     std::vector<pid_t> children;
@@ -34,7 +40,7 @@ int failuresOf(int count, const Body& body) {
             char byte;
             ::alarm(120);
             ::close(gate[1]);
-            scene::leave(::read(gate[0], &byte, 1) == 0 && body(number) ? 0 : 1); // all wait for its end
+            kit::leave(::read(gate[0], &byte, 1) == 0 && body(number) ? 0 : 1); // all wait for its end
         }
         children.push_back(child);
     }
@@ -63,7 +69,7 @@ std::string numberedText(int writer, int number) {
 TEST(FileAppend, keepsTextsOfSeveralProcessesWhole) {
     constexpr int writers = 8;
     constexpr int texts = 500;
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder / "f";
     EXPECT_EQ(failuresOf(writers,
                          [&](int writer) {
@@ -90,7 +96,7 @@ TEST(FileAppend, keepsTextsOfSeveralProcessesWhole) {
 }
 
 TEST(FileAppend, losesNoTextWhenSeveralProcessesMakeTheFile) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     for (int round = 0; round < 40; ++round) {
         const std::string path = folder / std::to_string(round);
         EXPECT_EQ(failuresOf(6, [&](int writer) { return append(std::to_string(writer), path); }), 0);
@@ -99,7 +105,7 @@ TEST(FileAppend, losesNoTextWhenSeveralProcessesMakeTheFile) {
 }
 
 TEST(FileAppend, needsNoLockWhereSeveralProcessesMakeTheFile) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const int lock = ::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(lock, LOCK_EX), 0);
     constexpr int writers = 6;
@@ -112,7 +118,7 @@ TEST(FileAppend, needsNoLockWhereSeveralProcessesMakeTheFile) {
 }
 
 TEST(FileAppend, losesNoTextWhenSeveralProcessesFindADanglingLink) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     for (int round = 0; round < 40; ++round) {
         const std::string path = folder / std::to_string(round);
         ASSERT_EQ(::symlink("nowhere", path.c_str()), 0);
@@ -126,7 +132,7 @@ TEST(FileAppend, losesNoTextWhenSeveralProcessesFindADanglingLink) {
 }
 
 TEST(FileAppend, leavesADanglingLinkWhenTheFolderStaysLocked) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     ASSERT_EQ(::symlink("nowhere", (folder / "link").c_str()), 0);
     const int lock = ::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(lock, LOCK_EX), 0);
@@ -139,7 +145,7 @@ TEST(FileAppend, leavesADanglingLinkWhenTheFolderStaysLocked) {
 }
 
 TEST(FileAppend, followsALinkToALinkAndReplacesALoop) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     folder.write("file", "a");
     ASSERT_EQ(::symlink("second", (folder / "first").c_str()), 0);
     ASSERT_EQ(::symlink("file", (folder / "second").c_str()), 0);
@@ -153,7 +159,7 @@ TEST(FileAppend, followsALinkToALinkAndReplacesALoop) {
 }
 
 TEST(FileAppend, takesNoPipe) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder / "pipe";
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     EXPECT_FALSE(append("text", path)) << "nobody reads";
@@ -165,36 +171,130 @@ TEST(FileAppend, takesNoPipe) {
 }
 
 TEST(FileAppend, takesPathsOfAnyLength) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string name(200, 'n');
-    const std::string last = scene::makeChain(folder.path(), name, 30);
+    const std::string last = kit::makeChain(folder.path(), name, 30);
     const std::string path = last + "/f";
     EXPECT_TRUE(append("a", path));
     EXPECT_TRUE(append("b", path));
     NSFileHandle handle = NSFileHandle::fileHandleForReadingAtPath(path);
     EXPECT_TRUE(handle.readDataToEndOfFile().isEqualToData(NSData::dataWithBytes_length("ab", 2)));
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(path, nullptr));
-    scene::removeChain(folder.path(), name, 30);
+    kit::removeChain(folder.path(), name, 30);
 }
 
-TEST(FileAppend, makesNothingForATextThatDoesNotFit) {
-    const scene::Folder folder;
-    EXPECT_FALSE(NSString(u"\u20AC").appendToFile_encoding(folder / "f", NSISOLatin1StringEncoding));
-    EXPECT_FALSE(NSString("a").appendToFile_encoding(folder / "f", NSStringEncoding(4711)));
-    EXPECT_FALSE(stands(folder / "f"));
+TEST(FileAppend, keepsWhatStandsInTheFile) {
+    const kit::ScratchFolder folder;
+    const std::string before = "\xFF\0\n"s + std::string(3000000, 'x');
+    folder.write("f", before);
+    EXPECT_TRUE(append("first\n", folder / "f"));
+    EXPECT_TRUE(append(NSString::stringWithCharacters_length(u"a\0b", 3), folder / "f"));
+    EXPECT_TRUE(contentsOf(folder / "f") == before + "first\na\0b"s) << "no line end is added";
+    EXPECT_TRUE(append(std::string(3000000, 'z'), folder / "new"));
+    EXPECT_TRUE(contentsOf(folder / "new") == std::string(3000000, 'z'));
 }
 
-TEST(FileAppend, writesTheMarkOfAnEmptyText) {
-    const scene::Folder folder;
-    EXPECT_TRUE(NSString("").appendToFile_encoding(folder / "f", NSUTF16StringEncoding));
-    EXPECT_EQ(contentsOf(folder / "f").size(), 2U);
+TEST(FileAppend, makesAnEmptyFileForAnEmptyText) {
+    const kit::ScratchFolder folder;
+    EXPECT_TRUE(append("", folder / "f"));
+    EXPECT_TRUE(stands(folder / "f"));
+    EXPECT_EQ(contentsOf(folder / "f"), "");
+    EXPECT_TRUE(append("", folder.write("full", "x")));
+    EXPECT_EQ(contentsOf(folder / "full"), "x");
+}
+
+TEST(FileAppend, writesEachEncodingsBytes) {
+    const struct {
+        NSStringEncoding encoding;
+        std::string bytes;
+    } rows[] = {
+        {NSUTF8StringEncoding, "a\xC3\xA9\xE2\x82\xAC"},
+        {NSWindowsCP1252StringEncoding, "a\xE9\x80"},
+        {NSUTF16BigEndianStringEncoding, "\0a\0\xE9\x20\xAC"s},
+        {NSUTF32BigEndianStringEncoding, "\0\0\0a\0\0\0\xE9\0\0\x20\xAC"s},
+    };
+    const kit::ScratchFolder folder;
+    for (const auto& row : rows) {
+        const std::string path = folder / std::to_string(row.encoding);
+        EXPECT_TRUE(append(u"a\u00E9\u20AC", path, row.encoding)) << row.encoding;
+        EXPECT_TRUE(append(u"a\u00E9\u20AC", path, row.encoding)) << row.encoding;
+        EXPECT_EQ(contentsOf(path), row.bytes + row.bytes) << row.encoding;
+    }
+}
+
+TEST(FileAppend, writesAMarkWithEachPieceOfUtf16) {
+    const kit::ScratchFolder folder;
+    const std::string mark = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "\xFF\xFE" : "\xFE\xFF";
+    EXPECT_TRUE(append("", folder / "f", NSUTF16StringEncoding));
+    EXPECT_TRUE(append(u"\u2020", folder / "f", NSUTF16StringEncoding)); // whose bytes are alike
+    EXPECT_EQ(contentsOf(folder / "f"), mark + mark + "\x20\x20");
+}
+
+TEST(FileAppend, writesNothingOfATextThatDoesNotFitTheEncoding) {
+    const kit::ScratchFolder folder;
+    folder.write("f", "before");
+    for (const char* const name : {"f", "new"}) {
+        EXPECT_FALSE(append(u"good \u20AC", folder / name, NSISOLatin1StringEncoding));
+        EXPECT_FALSE(append(NSString::stringWithCharacters_length(u"a\xD800", 2), folder / name));
+        EXPECT_FALSE(append("a", folder / name, NSStringEncoding(4711)));
+        EXPECT_FALSE(append(nullptr, folder / name));
+    }
+    EXPECT_EQ(contentsOf(folder / "f"), "before");
+    EXPECT_FALSE(stands(folder / "new"));
+}
+
+TEST(FileAppend, isFalseForPathsThatNameNoFile) {
+    const kit::ScratchFolder folder;
+    folder.write("file", "x");
+    EXPECT_FALSE(append("text", folder / "missing/f"));
+    EXPECT_FALSE(stands(folder / "missing"));
+    EXPECT_FALSE(append("text", folder / "file/f"));
+    EXPECT_FALSE(NSString("text").appendToFile_encoding(nullptr, utf8));
+    EXPECT_FALSE(append("text", ""));
+    EXPECT_FALSE(append("text", folder.path()));
+    EXPECT_FALSE(append("text", folder.path() + "/"));
+    EXPECT_FALSE(append("text", (folder / "a") + "\0b"s));
+    EXPECT_FALSE(stands(folder / "a"));
+    const NSString surrogate = NSString::stringWithCharacters_length(u"/\xD800", 2);
+    EXPECT_FALSE(NSString("text").appendToFile_encoding(
+        NSString(folder.path()).stringByAppendingString(surrogate), utf8));
+}
+
+TEST(FileAppend, takesRelativePathsAndNamesOfAnyBytes) {
+    const kit::ScratchFolder folder;
+    const kit::CurrentFolder inside(folder.path());
+    EXPECT_TRUE(append("a", "f"));
+    EXPECT_TRUE(append("b", "./f"));
+    EXPECT_TRUE(append("c", "~"));
+    EXPECT_EQ(contentsOf(folder / "f"), "ab");
+    EXPECT_EQ(contentsOf(folder / "~"), "c") << "a tilde is a name";
+    const std::string path = folder / "\xFF\x80";
+    EXPECT_TRUE(NSString("a").appendToFile_encoding(kit::fromBytes(path), utf8));
+    EXPECT_EQ(contentsOf(path), "a");
+    ASSERT_EQ(::symlink("nowhere", "link"), 0);
+    EXPECT_TRUE(append("d", "link"));
+    EXPECT_EQ(contentsOf(folder / "link"), "d");
+    EXPECT_FALSE(stands(folder / "nowhere"));
+}
+
+TEST(FileAppend, givesANewFileTheDefaultModeAndKeepsThatOfAnOldOne) {
+    const kit::ScratchFolder folder;
+    const kit::Umask mask(027);
+    EXPECT_TRUE(append("text", folder / "new"));
+    EXPECT_EQ(kit::modeOf(folder / "new"), 0640U);
+    folder.write("f", "a");
+    ASSERT_EQ(::chmod((folder / "f").c_str(), 0600), 0);
+    ASSERT_EQ(::link((folder / "f").c_str(), (folder / "other").c_str()), 0);
+    EXPECT_TRUE(append("b", folder / "f"));
+    EXPECT_EQ(kit::modeOf(folder / "f"), 0600U);
+    EXPECT_EQ(contentsOf(folder / "other"), "ab") << "the same file";
 }
 
 TEST(FileAppend, isFalseForATextOfWhichOnlyAPartWasWritten) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
     const std::string path = folder / "f";
-    EXPECT_EQ(scene::inUnprivilegedChild([&] {
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
                   const rlimit limit{10, 10};
                   ::setrlimit(RLIMIT_FSIZE, &limit);
                   return append("0123456789ab", path) ? 1 : 0;
@@ -203,18 +303,43 @@ TEST(FileAppend, isFalseForATextOfWhichOnlyAPartWasWritten) {
     EXPECT_EQ(contentsOf(path), "0123456789");
 }
 
-TEST(FileAppend, replacesNoFileThatMayNotBeWritten) {
-    const scene::Folder folder;
+TEST(FileAppend, needsThePermissionToWriteAndNoOther) {
+    const kit::ScratchFolder folder;
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
+    folder.makeFolder("closed");
+    ASSERT_EQ(::chmod((folder / "closed").c_str(), 0555), 0);
     folder.write("f", "precious");
     ASSERT_EQ(::chmod((folder / "f").c_str(), 0444), 0);
-    struct stat before;
-    struct stat after;
-    ASSERT_EQ(::stat((folder / "f").c_str(), &before), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([&] { return append("text", folder / "f") ? 1 : 0; }), 0);
-    ASSERT_EQ(::stat((folder / "f").c_str(), &after), 0);
-    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                  folder.write("own", "a");
+                  ::chmod((folder / "own").c_str(), 0200);
+                  const bool appended = append("b", folder / "own");
+                  ::chmod((folder / "own").c_str(), 0644);
+                  return appended && !append("text", folder / "closed/f") && !append("text", folder / "f")
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(contentsOf(folder / "own"), "ab");
+    EXPECT_FALSE(stands(folder / "closed/f"));
     EXPECT_EQ(contentsOf(folder / "f"), "precious");
+}
+
+TEST(FileAppend, leavesNoDescriptorAndErrnoAlone) {
+    const kit::ScratchFolder folder;
+    const int before = kit::openDescriptors();
+    errno = 4711;
+    for (int round = 0; round < 20; ++round) {
+        EXPECT_TRUE(append("a", folder / "f"));
+        EXPECT_TRUE(append("a", folder / std::to_string(round)));
+        EXPECT_FALSE(append("a", folder / "missing/f"));
+        EXPECT_FALSE(append("a", "/dev/full"));
+        EXPECT_TRUE(append("a", "/dev/null"));
+        EXPECT_FALSE(append("a", folder.path()));
+        EXPECT_FALSE(append(u"\u00E9", folder / "f", NSASCIIStringEncoding));
+        EXPECT_EQ(errno, 4711);
+    }
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

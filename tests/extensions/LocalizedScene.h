@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/process/Scene.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/ScratchFolder.h"
 
 namespace localizedscene {
 
@@ -36,39 +37,15 @@ private:
         folder_.write("Viewer.app/Contents/Resources/" + name, text);
     }
 
-    const scene::Folder folder_;
-    const scene::NoLanguages none_{};
-    const scene::Variable language_;
-    const scene::Path store_{ZQFoundation::detail::overrides::defaultsFolder, folder_ / "store"};
-    const scene::Path program_{ZQFoundation::detail::overrides::executablePath,
-                               folder_ / "Viewer.app/Contents/MacOS/Viewer"};
-    const scene::Arguments arguments_{ZQFoundation::detail::overrides::arguments,
-                                      std::vector<std::string>{"/x/Viewer"}};
+    const ZQFoundation::kit::ScratchFolder folder_;
+    const ZQFoundation::kit::NoLanguages none_{};
+    const ZQFoundation::kit::Variable language_;
+    const ZQFoundation::kit::Path store_{ZQFoundation::detail::overrides::defaultsFolder, folder_ / "store"};
+    const ZQFoundation::kit::Path program_{ZQFoundation::detail::overrides::executablePath,
+                                           folder_ / "Viewer.app/Contents/MacOS/Viewer"};
+    const ZQFoundation::kit::Arguments arguments_{ZQFoundation::detail::overrides::arguments,
+                                                  std::vector<std::string>{"/x/Viewer"}};
 };
-
-/// The current test's body is run by processes of its own, one for each language: what each prints between
-/// "<<" and ">>".
-template <class Body>
-std::vector<std::string> inProcessesOfTheirOwn(const std::vector<std::string>& languages, const Body& body) {
-    constexpr const char* mark = "ZQ_TEST_LOCALIZED_PROCESS";
-    if (std::getenv(mark) != nullptr) {
-        std::printf("<<%s>>\n", body().c_str());
-        return {};
-    }
-    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-    const std::string filter = std::string("--gtest_filter=") + test.test_suite_name() + "." + test.name();
-    std::vector<std::string> texts;
-    for (const std::string& language : languages) {
-        const std::string output =
-            scene::runAgain({{mark, "1"}, {"LANGUAGE", language}}, {"test_extensions", filter});
-        const std::size_t start = output.find("<<");
-        const std::size_t end = output.find(">>", start == std::string::npos ? 0 : start);
-        texts.push_back(start == std::string::npos || end == std::string::npos
-                            ? "nothing printed: " + output
-                            : output.substr(start + 2, end - start - 2));
-    }
-    return texts;
-}
 
 } // namespace localizedscene
 

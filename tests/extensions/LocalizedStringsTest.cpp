@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+// The exported localized functions: which text they find, and that they fill in nothing.
 #include "extensions/LocalizedStrings.h"
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSNumber.h"
 #include "tests/extensions/LocalizedScene.h"
+#include "tests/kit/Child.h"
 
 using namespace ZQFoundation;
 using localizedscene::Application;
@@ -97,7 +99,7 @@ TEST(LocalizedStrings, aTableIsSearchedByItsName) {
 
 TEST(LocalizedStrings, aBundleOtherThanTheMainOneIsSearchedWhenItIsGiven) {
     const Application application("de");
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     folder.write("F.framework/Resources/Info.plist", "{ CFBundleDevelopmentRegion = en; }");
     folder.write("F.framework/Resources/de.lproj/Localizable.strings", "\"greeting\" = \"Servus %%\";");
     const NSBundle bundle = NSBundle::bundleWithPath(folder / "F.framework");
@@ -168,13 +170,43 @@ TEST(LocalizedStrings, aNilBundleHasNoTexts) {
 }
 
 TEST(LocalizedStrings, theLanguageIsThatOfTheProcess) {
-    const auto texts = localizedscene::inProcessesOfTheirOwn({"de", "en"}, [] {
-        const std::string language = std::getenv("LANGUAGE");
-        const Application application(language.c_str());
-        return ZQLocalizedStringFromTableWithFormat("Close", "Menu", "").utf8() + " " +
-               ZQLocalizedStringWithFormat("half", "", 3).utf8();
-    });
-    if (!texts.empty()) {
-        EXPECT_EQ(texts, (std::vector<std::string>{"Schlie\u00DFen 50% fertig", "Close 50% done"}));
+    for (const bool german : {true, false}) {
+        const std::string text = kit::inProcessOfItsOwn({{"LANGUAGE", german ? "de" : "en"}}, [] {
+            const Application application(std::string(std::getenv("LANGUAGE")).c_str());
+            return ZQLocalizedStringFromTableWithFormat("Close", "Menu", "").utf8() + " " +
+                   ZQLocalizedStringWithFormat("half", "", 3).utf8();
+        });
+        EXPECT_EQ(text, german ? "Schlie\u00DFen 50% fertig" : "Close 50% done");
+    }
+}
+
+TEST(LocalizedStrings, noValueOfTheCallerIsPutIn) {
+    const Application application("en");
+    const NSBundle bundle = NSBundle::mainBundle();
+    const int number = 471147;
+    for (const char* conversion :
+         {"%d",   "%i",   "%u",   "%x",        "%X",  "%o",   "%ld",   "%lld",       "%-5d", "%05d",
+          "%.3d", "%f",   "%g",   "%e",        "%@",  "%10@", "%s",    "%c",         "%C",   "%p",
+          "%1$d", "%1$@", "%2$@", "%2$@ %1$d", "%*d", "%.*d", "%d %@", "%@ %d %@ %d"}) {
+        const NSString key = NSString("<").stringByAppendingString(conversion).stringByAppendingString(">");
+        const Argument arguments[] = {Argument(number), Argument("secret"), Argument(number)};
+        const ArgumentList list(arguments, 3);
+        const NSString without = ZQLocalizedStringWithFormat(key, nullptr);
+        const NSString texts[] = {
+            ZQLocalizedStringWithFormat(key, nullptr, number, "secret", number),
+            ZQLocalizedStringWithFormatv(key, nullptr, list),
+            ZQLocalizedStringFromTableWithFormat(key, "Menu", nullptr, "secret", number),
+            ZQLocalizedStringFromTableWithFormatv(key, "Menu", nullptr, list),
+            ZQLocalizedStringFromTableInBundleWithFormat(key, nullptr, bundle, nullptr, number, "secret"),
+            ZQLocalizedStringFromTableInBundleWithFormatv(key, nullptr, bundle, nullptr, list),
+            ZQLocalizedStringWithDefaultValueWithFormat("K", nullptr, bundle, key, nullptr, "secret", number),
+            ZQLocalizedStringWithDefaultValueWithFormatv("K", nullptr, bundle, key, nullptr, list),
+        };
+        for (const NSString& text : texts) {
+            EXPECT_EQ(text, without) << conversion;
+        }
+        for (const char* given : {"471147", "7306b", "7306B", "1630153", "secret"}) {
+            EXPECT_FALSE(without.containsString(given)) << conversion;
+        }
     }
 }

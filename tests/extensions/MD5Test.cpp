@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The algorithm, against its description step by step.
 #include "extensions/MD5.h"
 
 #include <cmath>

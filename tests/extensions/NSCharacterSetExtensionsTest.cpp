@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The library's own sets of characters, and that all threads share them.
 #include <thread>
 #include <vector>
 
@@ -19,6 +20,7 @@ TEST(NSCharacterSetExtensions, haveASetWithoutMembers) {
         ASSERT_FALSE(set.longCharacterIsMember(codePoint));
     }
     EXPECT_EQ(set, NSCharacterSet::characterSetWithCharactersInString(""));
+    EXPECT_FALSE(set.isEqual(NSCharacterSet::nullByteCharacterSet()));
 }
 
 TEST(NSCharacterSetExtensions, haveASetOfTheNullCharacterAlone) {

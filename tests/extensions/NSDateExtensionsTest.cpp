@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Dates from fields, moved within their day, compared, rounded, and placed in the calendar.
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -11,6 +12,7 @@
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/time/NSCalendar.h"
+#include "tests/kit/Dates.h"
 #include "tests/time/ZoneChanges.h"
 
 namespace ZQFoundation {
@@ -37,13 +39,13 @@ NSDate moved(const NSDate& date, std::int64_t hour, std::int64_t minute, std::in
 std::string shown(const NSDate& date) { return date ? date.description().utf8() : "nil"; }
 
 TEST(NSDateExtensions, buildADateInTheGivenZoneOrTheProcesss) {
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     EXPECT_EQ(shown(dateOf(2024, 3, 5, 14, 7, 9, universal())), "2024-03-05 14:07:09 +0000");
     EXPECT_EQ(shown(dateOf(2024, 3, 5, 14, 7, 9, NSTimeZone::timeZoneForSecondsFromGMT(20700))),
               "2024-03-05 08:22:09 +0000");
     EXPECT_EQ(shown(dateOf(2024, 3, 5, 14, 7, 9)), "2024-03-05 19:07:09 +0000");
     EXPECT_EQ(shown(dateOf(2024, 7, 5, 14, 7, 9)), "2024-07-05 18:07:09 +0000");
-    const scene::Variable other("TZ", "AAA-1");
+    const kit::TimeZone other("AAA-1");
     EXPECT_EQ(shown(dateOf(2024, 7, 5, 14, 7, 9)), "2024-07-05 13:07:09 +0000") << "the zone of this moment";
 }
 
@@ -58,28 +60,53 @@ TEST(NSDateExtensions, carryFieldsOverWhenADateIsBuilt) {
 }
 
 TEST(NSDateExtensions, followTheClocksWhenADateIsBuilt) {
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     EXPECT_EQ(shown(dateOf(2024, 3, 10, 2, 30)), "2024-03-10 07:30:00 +0000") << "skipped";
     EXPECT_EQ(shown(dateOf(2024, 3, 9, 26, 30)), "2024-03-10 07:30:00 +0000") << "skipped after carrying";
     EXPECT_EQ(shown(dateOf(2024, 11, 3, 1, 30)), "2024-11-03 05:30:00 +0000") << "the first of two";
-    const scene::Variable brazil("TZ", "STD3DST,M11.1.0/0,M2.3.0/0");
+    const kit::TimeZone brazil("STD3DST,M11.1.0/0,M2.3.0/0");
     EXPECT_EQ(shown(dateOf(2018, 11, 4)), "2018-11-04 03:00:00 +0000") << "no midnight";
 }
 
-TEST(NSDateExtensions, buildNoDateBeyondTheCalendar) {
-    const scene::Variable variable("TZ", "UTC0");
-    constexpr std::int64_t greatest = INT64_MAX - 1;
-    EXPECT_FALSE(dateOf(greatest, 1, 1));
-    EXPECT_FALSE(dateOf(INT64_MIN, 1, 1));
-    EXPECT_FALSE(dateOf(2024, greatest, 1));
-    EXPECT_FALSE(dateOf(2024, INT64_MIN, 1));
-    EXPECT_FALSE(dateOf(2024, 1, greatest));
-    EXPECT_FALSE(dateOf(2024, 1, 1, INT64_MIN));
-    EXPECT_FALSE(dateOf(2024, 1, 1, 0, greatest));
-    EXPECT_FALSE(dateOf(2024, 1, 1, 0, 0, greatest));
-    EXPECT_FALSE(dateOf(greatest, greatest, greatest, greatest, greatest, greatest));
-    EXPECT_FALSE(dateOf(INT64_MIN, INT64_MIN, INT64_MIN, INT64_MIN, INT64_MIN, INT64_MIN));
-    EXPECT_EQ(dateOf(200000000000, 1, 1, 0, 0, 0, universal()).calendarYear(), 200000000000);
+/// What plain counting says of fields in UTC: the date is there exactly when the calendar reaches it, and
+/// right to the last bit as far as doubles count seconds.
+void expectAsCounted(const models::Fields& fields) {
+    const models::Wide wall = models::wallSeconds(fields);
+    const NSDate date =
+        dateOf(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second, universal());
+    const bool isReached = wall <= models::calendarReach && wall >= -models::calendarReach;
+    ASSERT_EQ(static_cast<bool>(date), isReached) << kit::shown(fields);
+    if (isReached) {
+        const double expected = static_cast<double>(wall - 978307200);
+        const double tolerance = std::fabs(expected) < 9e15 ? 0.0 : std::fabs(expected) * 4e-16;
+        EXPECT_NEAR(date.timeIntervalSinceReferenceDate(), expected, tolerance) << kit::shown(fields);
+    }
+}
+
+TEST(NSDateExtensions, areBuiltAsPlainCountingSays) {
+    std::mt19937_64 random(20240305);
+    const auto upTo = [&](std::int64_t limit) {
+        return std::uniform_int_distribution<std::int64_t>(-limit, limit)(random);
+    };
+    for (int i = 0; i < 10000; ++i) {
+        const int wide = i % 3;
+        expectAsCounted({upTo(wide == 0 ? 3000 : 200'000), upTo(wide == 1 ? 100'000 : 30), upTo(40'000),
+                         upTo(wide == 2 ? 1'000'000 : 50), upTo(10'000), upTo(1'000'000)});
+    }
+    for (const std::int64_t value : {INT64_MIN, INT64_MIN + 1, INT64_MAX - 1, INT64_MIN / 12, INT64_MAX / 12,
+                                     std::int64_t{292'000'000'000}, std::int64_t{-293'000'000'000}}) {
+        expectAsCounted({value, 1, 1, 0, 0, 0});
+        expectAsCounted({2024, value, 1, 0, 0, 0});
+        expectAsCounted({2024, 1, value, 0, 0, 0});
+        expectAsCounted({2024, 1, 1, value, 0, 0});
+        expectAsCounted({2024, 1, 1, 0, value, 0});
+        expectAsCounted({2024, 1, 1, 0, 0, value});
+        expectAsCounted({value, value, value, value, value, value});
+    }
+    // Huge fields whose sum is not
+    expectAsCounted({200'000'000'000, -2'400'000'000'000, 1, 0, 0, 0});
+    expectAsCounted({1970, 1, 100'000'000'000'000, -2'400'000'000'000'000, 0, 0});
+    expectAsCounted({1970, 1, 1, 2'500'000'000'000'000, 0, -9'000'000'000'000'000'000});
 }
 
 TEST(NSDateExtensions, leaveOutAFieldThatIsUndefined) {
@@ -91,7 +118,7 @@ TEST(NSDateExtensions, leaveOutAFieldThatIsUndefined) {
 }
 
 TEST(NSDateExtensions, moveADateToATimeOfItsDay) {
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     // 03:00 UTC is still the day before in New York.
     const NSDate date = NSDate::dateWithTimeIntervalSince1970(
         dateOf(2024, 7, 5, 3, 0, 0, universal()).timeIntervalSince1970() + 0.75);
@@ -106,7 +133,7 @@ TEST(NSDateExtensions, moveADateToATimeOfItsDay) {
 }
 
 TEST(NSDateExtensions, doNotCarryTheEraWhenADateIsMoved) {
-    const scene::Variable variable("TZ", "UTC0");
+    const kit::TimeZone zone("UTC0");
     EXPECT_EQ(shown(moved(dateOf(1, 6, 15), 1, 2, 3)), "0001-06-15 01:02:03 +0000");
     EXPECT_EQ(shown(moved(dateOf(0, 6, 15), 1, 2, 3)), "0001-06-15 01:02:03 +0000");
     EXPECT_EQ(shown(moved(dateOf(-43, 3, 15), 1, 2, 3)), "0044-03-15 01:02:03 +0000");
@@ -143,6 +170,10 @@ TEST(NSDateExtensions, compareWithAndWithoutTolerance) {
         {1e300, 0, false, true, false, false, true},
         {-infinity, infinity, true, false, false, true, false},
         {infinity, infinity, false, false, false, false, false}, // they are no time apart
+        {1 + 0x1p-52, 0, false, true, false, false, true},       // to the finest fraction
+        {1 - 0x1p-53, 0, false, true, true, true, false},
+        {-1 - 0x1p-52, 0, true, false, false, true, false},
+        {-0x1p-52, 0, true, false, true, true, false},
     };
     for (const auto& row : rows) {
         const NSDate receiver = at(row.receiver);
@@ -171,7 +202,7 @@ TEST(NSDateExtensions, areFalseWhereOneOfTheDatesIsNil) {
 }
 
 TEST(NSDateExtensions, countCalendarDaysInTheProcesssZone) {
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     const NSDate evening = dateOf(2024, 7, 4, 23, 59);
     const NSDate morning = dateOf(2024, 7, 5, 0, 1);
     EXPECT_EQ(NSDate::calendarDaysBetween_and(evening, morning), 1);
@@ -180,7 +211,7 @@ TEST(NSDateExtensions, countCalendarDaysInTheProcesssZone) {
     EXPECT_EQ(NSDate::calendarDaysBetween_and(dateOf(2024, 3, 9, 23), dateOf(2024, 3, 11)), 2);
     EXPECT_EQ(NSDate::calendarDaysBetween_and(dateOf(2024, 11, 3), dateOf(2024, 11, 4)), 1);
     EXPECT_EQ(NSDate::calendarDaysBetween_and(dateOf(2023, 7, 4), dateOf(2024, 7, 4)), 366);
-    const scene::Variable far("TZ", "AAA-14");
+    const kit::TimeZone far("AAA-14");
     EXPECT_EQ(NSDate::calendarDaysBetween_and(evening, morning), 0) << "the same two instants elsewhere";
     for (const NSDate& date : {NSDate(), at(1e300), at(infinity), at(notANumber)}) {
         EXPECT_EQ(NSDate::calendarDaysBetween_and(date, evening), 0);
@@ -192,34 +223,36 @@ TEST(NSDateExtensions, countADayThatTheCalendarLeftOut) {
     if (!testing::hasZoneFile("Pacific/Apia")) {
         GTEST_SKIP() << "there are no zone files on this machine";
     }
-    const scene::Variable variable("TZ", "Pacific/Apia");
+    const kit::TimeZone zone("Pacific/Apia");
     const NSDate before = dateOf(2011, 12, 29, 12);
     const NSDate after = dateOf(2011, 12, 31, 12);
     EXPECT_EQ(after.timeIntervalSinceDate(before), 86400);
     EXPECT_EQ(NSDate::calendarDaysBetween_and(before, after), 2);
     EXPECT_EQ(NSDate::calendarDaysBetween_and(after, before), -2);
-    const scene::Variable brazil("TZ", "America/Sao_Paulo");
+    const kit::TimeZone brazil("America/Sao_Paulo");
     EXPECT_EQ(NSDate::calendarDaysBetween_and(dateOf(2018, 11, 4, 12), dateOf(2018, 11, 5, 12)), 1);
     EXPECT_EQ(NSDate::calendarDaysBetween_and(dateOf(2018, 11, 3, 12), dateOf(2018, 11, 4, 12)), 1);
 }
 
-TEST(NSDateExtensions, countDaysAsTheCalendarDoesBetweenTheirStarts) {
+TEST(NSDateExtensions, areAsManyDaysApartAsTheClocksOfTheirPlaceSay) {
     std::mt19937_64 random(9);
-    std::uniform_int_distribution<std::int64_t> between(-4000000000, 4000000000);
+    std::uniform_int_distribution<std::int64_t> instants(kit::unixSeconds(1930, 1, 1),
+                                                         kit::unixSeconds(2037, 1, 1));
+    const auto localDay = [](std::int64_t unixTime) {
+        return models::floorDivided(unixTime + zones::offsetAt(unixTime), 86400);
+    };
     int compared = 0;
-    for (const char* zone : testing::remarkableZones) {
-        if (!testing::hasZoneFile(zone)) {
+    for (const char* name : testing::remarkableZones) {
+        if (!testing::hasZoneFile(name)) {
             continue;
         }
-        const scene::Variable variable("TZ", zone);
-        const NSCalendar calendar = NSCalendar::currentCalendar();
+        const zones::Current current(name);
         for (int i = 0; i < 300; ++i, ++compared) {
-            const NSDate first = at(static_cast<double>(between(random)));
-            const NSDate second = at(static_cast<double>(between(random)) / (i % 2 == 0 ? 1 : 1000));
-            const NSDateComponents counted = calendar.components_fromDate_toDate(
-                NSCalendarUnitDay, calendar.startOfDayForDate(first), calendar.startOfDayForDate(second));
-            ASSERT_EQ(NSDate::calendarDaysBetween_and(first, second), counted.day)
-                << zone << " " << shown(first) << " " << shown(second);
+            const std::int64_t first = instants(random);
+            const std::int64_t second = i % 2 == 0 ? instants(random) : first + (instants(random) % 200'000);
+            ASSERT_EQ(NSDate::calendarDaysBetween_and(kit::dateAt(first), kit::dateAt(second)),
+                      static_cast<std::int64_t>(localDay(second) - localDay(first)))
+                << name << " " << first << " " << second;
         }
     }
     if (compared == 0) {
@@ -260,7 +293,7 @@ TEST(NSDateExtensions, roundToTheNearestSecond) {
 }
 
 TEST(NSDateExtensions, placeADateInTheCalendar) {
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     const struct {
         std::int64_t year, month, day;
         std::int64_t week, weekYear, quarter;
@@ -289,23 +322,26 @@ TEST(NSDateExtensions, placeADateInTheCalendar) {
 }
 
 TEST(NSDateExtensions, tellTheQuarterOfTheReceiverAndNotOfTheArgument) {
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     const NSDate may = dateOf(2024, 5, 1);
     const NSDate november = dateOf(2024, 11, 1);
     EXPECT_EQ(may.calendarQuarterOf(november), 2);
     EXPECT_EQ(november.calendarQuarterOf(may), 4);
     EXPECT_EQ(may.calendarQuarterOf(nullptr), 2);
+    for (int month = 1; month <= 12; ++month) {
+        EXPECT_EQ(dateOf(2024, month, 17).calendarQuarter(), (month + 2) / 3) << month;
+    }
     EXPECT_EQ(NSDate().calendarQuarterOf(may), 0);
 }
 
 TEST(NSDateExtensions, placeADateInTheProcesssZone) {
     const NSDate newYear = dateOf(2024, 1, 1, 2, 0, 0, universal());
     {
-        const scene::Variable variable("TZ", "UTC0");
+        const kit::TimeZone zone("UTC0");
         EXPECT_EQ(newYear.calendarYear(), 2024);
         EXPECT_EQ(newYear.calendarWeek(), 1);
     }
-    const scene::Variable variable("TZ", newYork);
+    const kit::TimeZone zone(newYork);
     EXPECT_EQ(newYear.calendarYear(), 2023);
     EXPECT_EQ(newYear.calendarMonth(), 12);
     EXPECT_EQ(newYear.calendarWeek(), 52);
@@ -336,11 +372,24 @@ TEST(NSDateExtensions, agreeWithTheCLibraryAboutWeeks) {
 }
 
 TEST(NSDateExtensions, countYearsWithinTheirEraAndWeeksThroughZero) {
-    const scene::Variable variable("TZ", "UTC0");
+    const kit::TimeZone zone("UTC0");
     EXPECT_EQ(dateOf(0, 6, 1).calendarYear(), 1);
     EXPECT_EQ(dateOf(-43, 3, 15).calendarYear(), 44);
     EXPECT_EQ(dateOf(0, 6, 1).yearForCalendarWeek(), 0);
     EXPECT_EQ(dateOf(-43, 3, 15).yearForCalendarWeek(), -43);
+}
+
+TEST(NSDateExtensions, repeatTheirWeeksEvery400Years) {
+    const kit::TimeZone zone("UTC0");
+    constexpr double secondsOf400Years = 146097.0 * 86400;
+    for (const std::int64_t cycles : {-700'000'000, -30, -5, 20, 700'000'000}) {
+        const NSDate date = at(static_cast<double>(cycles) * secondsOf400Years); // 1 January, as in 2001
+        const std::int64_t year = 2001 + 400 * cycles;
+        EXPECT_EQ(date.calendarWeek(), 1) << cycles;
+        EXPECT_EQ(date.yearForCalendarWeek(), year) << cycles;
+        EXPECT_EQ(date.calendarMonth(), 1) << cycles;
+        EXPECT_EQ(date.calendarYear(), year > 0 ? year : 1 - year) << cycles;
+    }
 }
 
 TEST(NSDateExtensions, are0ForNilAndForADateBeyondTheCalendar) {
@@ -362,7 +411,7 @@ TEST(NSDateExtensions, are0ForNilAndForADateBeyondTheCalendar) {
 }
 
 TEST(NSDateExtensions, leaveErrnoAsItWas) {
-    const scene::Variable variable("TZ", "No/Such/Zone");
+    const kit::TimeZone zone("No/Such/Zone");
     errno = 4711;
     const std::int64_t week = at(0).calendarWeek();
     const NSDate date = dateOf(2024, 1, 1);

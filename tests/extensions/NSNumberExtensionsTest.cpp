@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Even and odd, comparisons, steps in 32 bits, and durations.
 #include <climits>
 #include <cstdio>
 #include <limits>
@@ -21,23 +22,60 @@ std::string duration(const NSNumber& number, std::int64_t fields, bool suppressZ
     return text ? text.utf8() : "nil";
 }
 
-TEST(NSNumberExtensions, tellEvenNumbersFromOddOnesByTheirIntegers) {
-    const struct {
-        NSNumber number;
-        bool isOdd;
-    } rows[] = {
-        {0, false},       {1, true},         {-1, true},          {-2, false},        {-3, true},
-        {-4, false},      {2.9, false},      {3.9, true},         {-2.9, false},      {-3.9, true},
-        {0.5, false},     {-0.5, false},     {true, true},        {false, false},     {INT_MAX, true},
-        {INT_MIN, false}, {INT64_MAX, true}, {UINT64_MAX, true},  {INT64_MIN, false}, {5000000001, true},
-        {1e300, true},    {-1e300, false},   {notANumber, false}, {2.5F, false},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.number.isOdd(), row.isOdd) << row.number.description().utf8();
-        EXPECT_EQ(row.number.isEven(), !row.isOdd) << row.number.description().utf8();
+/// Numbers of every kind, and what 32 bits show of them.
+const struct {
+    NSNumber number;
+    std::int32_t seen;
+} views[] = {
+    {0, 0},
+    {7, 7},
+    {-1, -1},
+    {-2, -2},
+    {-3, -3},
+    {INT_MAX, INT_MAX},
+    {INT_MIN, INT_MIN},
+    {2147483648LL, INT_MIN},
+    {-2147483649LL, INT_MAX},
+    {4294967295LL, -1},
+    {4294967296LL, 0},
+    {5000000001LL, 705032705},
+    {INT64_MAX, -1},
+    {INT64_MIN, 0},
+    {UINT64_MAX, -1},
+    {(std::uint64_t{1} << 63) + 1, 1},
+    {true, 1},
+    {false, 0},
+    {2.9, 2},
+    {-3.9, -3},
+    {0.5, 0},
+    {-0.5, 0},
+    {3.5F, 3},
+    {4294967297.5, 1},
+    {1e300, -1},
+    {-1e300, 0},
+    {infinity, -1},
+    {notANumber, 0},
+};
+
+TEST(NSNumberExtensions, areEvenOrOddByTheirLowestBit) {
+    for (const auto& [number, seen] : views) {
+        EXPECT_EQ(number.isOdd(), seen % 2 != 0) << number.description().utf8();
+        EXPECT_EQ(number.isEven(), seen % 2 == 0) << number.description().utf8();
     }
     EXPECT_FALSE(NSNumber().isOdd());
     EXPECT_FALSE(NSNumber().isEven());
+}
+
+TEST(NSNumberExtensions, stepUpAndDownIn32Bits) {
+    for (const auto& [number, seen] : views) {
+        const NSNumber up = number.numberByIncrementing();
+        const NSNumber down = number.numberByDecrementing();
+        EXPECT_EQ(up.description(), std::to_string(seen == INT_MAX ? INT_MIN : seen + 1));
+        EXPECT_EQ(down.description(), std::to_string(seen == INT_MIN ? INT_MAX : seen - 1));
+        EXPECT_FALSE(up.isReal() || up.isBoolean() || down.isReal() || down.isBoolean());
+    }
+    EXPECT_FALSE(NSNumber().numberByIncrementing());
+    EXPECT_FALSE(NSNumber().numberByDecrementing());
 }
 
 TEST(NSNumberExtensions, compareByValueAcrossAllKinds) {
@@ -76,35 +114,6 @@ TEST(NSNumberExtensions, areFalseWhereOneOfTheNumbersIsNil) {
         EXPECT_FALSE(receiver.isSmallerOrEqualThan(argument));
         EXPECT_FALSE(receiver.isSmallerThan(argument));
     }
-}
-
-TEST(NSNumberExtensions, stepUpAndDownIn32Bits) {
-    const struct {
-        NSNumber number;
-        int up;
-        int down;
-    } rows[] = {
-        {0, 1, -1},
-        {2.7, 3, 1},
-        {-2.7, -1, -3},
-        {0.5, 1, -1},
-        {true, 2, 0},
-        {INT_MAX, INT_MIN, INT_MAX - 1},
-        {INT_MIN, INT_MIN + 1, INT_MAX},
-        {5000000000, 705032705, 705032703},
-        {UINT64_MAX, 0, -2},
-        {notANumber, 1, -1},
-    };
-    for (const auto& row : rows) {
-        const NSNumber up = row.number.numberByIncrementing();
-        const NSNumber down = row.number.numberByDecrementing();
-        EXPECT_TRUE(up.isEqualToNumber(row.up)) << row.number.description().utf8();
-        EXPECT_TRUE(down.isEqualToNumber(row.down)) << row.number.description().utf8();
-        EXPECT_FALSE(up.isReal() || up.isBoolean() || down.isReal() || down.isBoolean());
-        EXPECT_EQ(up.description(), std::to_string(row.up));
-    }
-    EXPECT_FALSE(NSNumber().numberByIncrementing());
-    EXPECT_FALSE(NSNumber().numberByDecrementing());
 }
 
 TEST(NSNumberExtensions, showSecondsAsAClockDoes) {
@@ -156,13 +165,15 @@ TEST(NSNumberExtensions, showSecondsAsAClockDoes) {
 }
 
 TEST(NSNumberExtensions, takeAnyNumberOfFields) {
+    // Some are 1, 3, 0 and 2 in their low 32 bits.
     for (const bool suppressZeroes : {false, true}) {
-        EXPECT_EQ(duration(3725, 4, suppressZeroes), "1:02:05");
-        EXPECT_EQ(duration(3725, 7, suppressZeroes), "1:02:05");
-        EXPECT_EQ(duration(3725, INT64_MAX, suppressZeroes), "1:02:05");
-        EXPECT_EQ(duration(3725, 0, suppressZeroes), "05");
-        EXPECT_EQ(duration(3725, -1, suppressZeroes), "05");
-        EXPECT_EQ(duration(3725, INT64_MIN, suppressZeroes), "05");
+        for (const std::int64_t fields : {INT64_MIN, std::int64_t{-4294967295}, std::int64_t{-4294967293}}) {
+            EXPECT_EQ(duration(3725, fields, suppressZeroes), "05") << fields;
+        }
+        for (const std::int64_t fields :
+             {std::int64_t{7}, std::int64_t{4294967296}, std::int64_t{4294967298}, INT64_MAX}) {
+            EXPECT_EQ(duration(3725, fields, suppressZeroes), "1:02:05") << fields;
+        }
     }
 }
 

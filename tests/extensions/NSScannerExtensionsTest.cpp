@@ -1,16 +1,31 @@
 // SPDX-License-Identifier: MIT
+// Moves of a scanner up to and past a text: rows, and all short texts against a model.
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "foundation/format/NSScanner.h"
+#include "foundation/objects/NSCharacterSet.h"
+#include "tests/kit/Texts.h"
 #include "tests/kit/Values.h"
+
+using namespace ZQFoundation;
+using namespace kit;
+using namespace std::string_view_literals;
 
 namespace {
 
-using namespace ZQFoundation;
-using kit::utf8Of;
+NSScanner scannerAt(const NSString& text, std::size_t location) {
+    NSScanner scanner(text);
+    scanner.setScanLocation(location);
+    return scanner;
+}
 
-struct MoveRow {
-    StringView string;
+struct Row {
+    NSString text;
     std::size_t location;
     StringView target;
     bool isUpTo; ///< what `scanUpToString` answers
@@ -19,62 +34,198 @@ struct MoveRow {
     std::size_t past;
 };
 
-const MoveRow rows[] = {
+const Row rows[] = {
     {"key: value", 0, ":", true, 3, true, 4},
-    {"key: value", 0, "#", false, 0, false, 0},
-    {"key: value", 2, "key", false, 2, false, 2},
-    {"key: value", 0, "VALUE", true, 5, true, 10},
     {"key: value", 3, ":", true, 3, true, 4}, // stands there already
     {"  : x", 0, ":", true, 0, true, 3},      // likewise, before what is skipped
-    {"  ", 0, "x", false, 0, false, 0},
-    {"", 0, "x", false, 0, false, 0},
-    {"x", 1, "x", false, 1, false, 1},
+    {"  a: x", 0, ":", true, 3, true, 4},
+    {"key: value", 0, "#", false, 0, false, 0},
+    {"key: value", 4, ":", false, 4, false, 4}, // absent from the rest
+    {"a:b:c", 2, ":", true, 3, true, 4},
+    {"ab", 0, "ab", true, 0, true, 2},
+    {"ab", 0, "abc", false, 0, false, 0},
+    {"ab:", 0, ":", true, 2, true, 3},
+    {"", 0, "a", false, 0, false, 0},
+    {"abc", 3, "a", false, 3, false, 3},
+    {"   ", 1, "a", false, 1, false, 1},
+    {"abc   ", 0, "z", false, 0, false, 0},
     {"abc", 0, "", false, 0, false, 0},
     {"abc", 0, nullptr, false, 0, false, 0},
+    {"abc", 3, "", false, 3, false, 3},
+    {"key: VALUE!", 0, "value", true, 5, true, 10},
+    {"a b", 0, " ", true, 1, false, 0}, // up to the blank, which taking the target then skips
+    {"a b", 0, " b", true, 1, false, 0},
+    {" ab", 0, " ", false, 0, false, 0},
     {"ab  ", 0, "  ", false, 0, false, 0}, // nothing but blanks from the target on is the end
-    {"ab \n", 0, "\n", false, 0, false, 0},
-    {"ab c", 0, " c", true, 2, false, 0}, // up to the blank, which taking the target then skips
-    {"ab:", 0, ":", true, 2, true, 3},
-    {"größe=1", 0, "=", true, 5, true, 6},
-    {"größe=1", 0, "E=", true, 4, true, 6},
+    {"abc\n \t", 0, "\n", false, 0, false, 0},
+    {"abc\nd", 0, "\n", true, 3, false, 0},
+    {"a: b", 0, ": ", true, 1, true, 3},
+    {u"\u20AC\u00E9: x", 0, ":", true, 2, true, 3},
+    {"ab\u20AC", 0, "\u20AC", true, 2, true, 3},
+    {"gr\u00F6\u00DFe=1", 0, "E=", true, 4, true, 6},
+    {"\U0001F600: x", 0, ":", true, 2, true, 3}, // a pair counts as two
+    {"a\0b:"sv, 0, ":", true, 3, true, 4},
+    {"ab\0c"sv, 0, "\0"sv, true, 2, true, 3},
 };
 
-TEST(NSScannerExtensions, moveUpToATargetOrStay) {
-    for (const MoveRow& row : rows) {
-        NSScanner scanner(row.string);
+TEST(NSScannerExtensions, moveToATargetOrStay) {
+    for (const Row& row : rows) {
+        SCOPED_TRACE(utf8Of(row.text) + " to " + utf8Of(NSString(row.target)));
+        NSScanner scanner = scannerAt(row.text, row.location);
+        EXPECT_EQ(scanner.scanUpToString(row.target), row.isUpTo);
+        EXPECT_EQ(scanner.scanLocation(), row.upTo);
         scanner.setScanLocation(row.location);
-        EXPECT_EQ(scanner.scanUpToString(row.target), row.isUpTo) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.upTo) << utf8Of(row.string);
+        EXPECT_EQ(scanner.scanPastString(row.target), row.isPast);
+        EXPECT_EQ(scanner.scanLocation(), row.past);
     }
 }
 
-TEST(NSScannerExtensions, movePastATargetOrStay) {
-    for (const MoveRow& row : rows) {
-        NSScanner scanner(row.string);
-        scanner.setScanLocation(row.location);
-        EXPECT_EQ(scanner.scanPastString(row.target), row.isPast) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.past) << utf8Of(row.string);
-    }
+TEST(NSScannerExtensions, walkThroughAText) {
+    NSScanner scanner("key: value; other: 2");
+    EXPECT_TRUE(scanner.scanPastString(":"));
+    EXPECT_EQ(scanner.string().substringFromIndex(scanner.scanLocation()), " value; other: 2");
+    EXPECT_FALSE(scanner.scanPastString("#"));
+    EXPECT_EQ(scanner.scanLocation(), 4U);
+    EXPECT_TRUE(scanner.scanUpToString(";"));
+    EXPECT_TRUE(scanner.scanUpToString(";"));
+    EXPECT_EQ(scanner.scanLocation(), 10U);
+    EXPECT_TRUE(scanner.scanPastString(";"));
+    EXPECT_TRUE(scanner.scanPastString(":"));
+    EXPECT_FALSE(scanner.scanPastString(":"));
+    int value = 0;
+    EXPECT_TRUE(scanner.scanInt(&value));
+    EXPECT_EQ(value, 2);
+    EXPECT_TRUE(scanner.isAtEnd());
+    EXPECT_FALSE(scanner.scanUpToString("2"));
 }
 
-TEST(NSScannerExtensions, mindCaseWhenTheScannerDoes) {
+TEST(NSScannerExtensions, followTheCaseFlag) {
     NSScanner scanner("a B b");
     scanner.setCaseSensitive(true);
-    EXPECT_TRUE(scanner.scanPastString("b"));
-    EXPECT_EQ(scanner.scanLocation(), 5U);
-    scanner.setScanLocation(0);
+    EXPECT_FALSE(scanner.scanUpToString("A"));
     EXPECT_FALSE(scanner.scanPastString("A"));
     EXPECT_EQ(scanner.scanLocation(), 0U);
+    EXPECT_TRUE(scanner.scanPastString("b"));
+    EXPECT_EQ(scanner.scanLocation(), 5U);
 }
 
-TEST(NSScannerExtensions, findATargetOfBlanksWhenNothingIsSkipped) {
-    NSScanner scanner("ab c");
-    scanner.setCharactersToBeSkipped(nullptr);
-    EXPECT_TRUE(scanner.scanPastString(" c"));
-    EXPECT_EQ(scanner.scanLocation(), 4U);
-    scanner.setScanLocation(0);
-    EXPECT_TRUE(scanner.scanUpToString(" "));
+TEST(NSScannerExtensions, skipNothingWithTheEmptySet) {
+    NSScanner scanner("a b ");
+    scanner.setCharactersToBeSkipped(NSCharacterSet::emptyCharacterSet());
+    EXPECT_TRUE(scanner.scanPastString(" "));
     EXPECT_EQ(scanner.scanLocation(), 2U);
+    EXPECT_TRUE(scanner.scanPastString(" "));
+    EXPECT_EQ(scanner.scanLocation(), 4U);
+    EXPECT_FALSE(scanner.scanPastString(" "));
+    EXPECT_EQ(scanner.scanLocation(), 4U);
+}
+
+TEST(NSScannerExtensions, skipTheCharactersOfTheSet) {
+    NSScanner scanner("--a--b--");
+    scanner.setCharactersToBeSkipped(NSCharacterSet::characterSetWithCharactersInString("-"));
+    EXPECT_FALSE(scanner.scanPastString("-"));
+    EXPECT_TRUE(scanner.scanPastString("a"));
+    EXPECT_EQ(scanner.scanLocation(), 3U);
+    EXPECT_TRUE(scanner.scanUpToString("b"));
+    EXPECT_EQ(scanner.scanLocation(), 3U);
+    EXPECT_TRUE(scanner.scanPastString("b"));
+    EXPECT_EQ(scanner.scanLocation(), 6U);
+    EXPECT_FALSE(scanner.scanUpToString("-"));
+    EXPECT_TRUE(scanner.isAtEnd());
+}
+
+TEST(NSScannerExtensions, overANilStringFindNothing) {
+    NSScanner scanner{NSString()};
+    EXPECT_FALSE(scanner.scanUpToString("a"));
+    EXPECT_FALSE(scanner.scanPastString("a"));
+    EXPECT_EQ(scanner.scanLocation(), 0U);
+    NSScanner another("abc");
+    EXPECT_FALSE(another.scanPastString(nullptr));
+    EXPECT_EQ(another.scanLocation(), 0U);
+}
+
+TEST(NSScannerExtensions, overALongText) {
+    const std::string text = std::string(1000000, 'a').append(":").append(1000000, 'b');
+    NSScanner scanner{NSString(text)};
+    EXPECT_TRUE(scanner.scanUpToString(":"));
+    EXPECT_EQ(scanner.scanLocation(), 1000000U);
+    EXPECT_TRUE(scanner.scanPastString(":"));
+    EXPECT_FALSE(scanner.scanPastString(":"));
+    EXPECT_EQ(scanner.scanLocation(), 1000001U);
+    NSScanner steps{NSString(std::string(200000, ':'))};
+    std::size_t count = 0;
+    while (steps.scanPastString(":")) {
+        ++count;
+    }
+    EXPECT_EQ(count, 200000U);
+}
+
+/// The scanner's own two operations and the two moves over blanks to be skipped, step by step.
+struct Model {
+    std::u16string_view text;
+    std::size_t location;
+
+    std::size_t skipped() const { return std::min(text.find_first_not_of(u' ', location), text.size()); }
+
+    bool isAtEnd() const { return skipped() == text.size(); }
+
+    bool take(std::u16string_view target) {
+        const std::size_t start = skipped();
+        if (target.empty() || text.substr(start, target.size()) != target) {
+            return false;
+        }
+        location = start + target.size();
+        return true;
+    }
+
+    void scanUpTo(std::u16string_view target) {
+        const std::size_t start = skipped();
+        const std::size_t found = target.empty() ? std::u16string_view::npos : text.find(target, start);
+        const std::size_t end = std::min(found, text.size());
+        if (end > start) {
+            location = end;
+        }
+    }
+
+    bool moveUpTo(std::u16string_view target) {
+        const std::size_t remembered = location;
+        scanUpTo(target);
+        if (!isAtEnd()) {
+            return true;
+        }
+        location = remembered;
+        return false;
+    }
+
+    bool movePast(std::u16string_view target) {
+        const std::size_t remembered = location;
+        if (moveUpTo(target) && take(target)) {
+            return true;
+        }
+        location = remembered;
+        return false;
+    }
+};
+
+TEST(NSScannerExtensions, inAllShortTextsFollowTheSteps) {
+    const std::vector<std::u16string> targets = allTexts(u"ab ", 3);
+    for (const std::u16string& text : allTexts(u"ab ", 6)) {
+        const NSString string = stringOf(text);
+        for (const std::u16string& target : targets) {
+            for (std::size_t start = 0; start <= text.size(); ++start) {
+                SCOPED_TRACE(shownUnits(text) + " from " + std::to_string(start) + " to " +
+                             shownUnits(target));
+                Model model{text, start};
+                NSScanner scanner = scannerAt(string, start);
+                ASSERT_EQ(scanner.scanUpToString(target), model.moveUpTo(target));
+                ASSERT_EQ(scanner.scanLocation(), model.location);
+                model.location = start;
+                scanner.setScanLocation(start);
+                ASSERT_EQ(scanner.scanPastString(target), model.movePast(target));
+                ASSERT_EQ(scanner.scanLocation(), model.location);
+            }
+        }
+    }
 }
 
 } // namespace

@@ -157,7 +157,8 @@ TEST(NSStringQueries, findTheDecimalDigitsOfAllScripts) {
     const NSCharacterSet digits = NSCharacterSet::decimalDigitCharacterSet();
     for (unsigned value = 0; value <= 0xFFFF; ++value) {
         const auto unit = static_cast<char16_t>(value);
-        ASSERT_EQ(stringOf(std::u16string{u'x', unit}).containsDecimalDigit(), digits.characterIsMember(unit)) << value;
+        ASSERT_EQ(stringOf(std::u16string{u'x', unit}).containsDecimalDigit(), digits.characterIsMember(unit))
+            << value;
     }
     for (const NSString& text :
          {NSString("\u0663"), NSString("\0"s + "5"), NSString(std::string(5000, 'x') + '7')}) {

@@ -1,54 +1,96 @@
 // SPDX-License-Identifier: MIT
-#include <gtest/gtest.h>
-
+// New identifiers: their form, and that no two are the same, in threads and forked children either.
+#include <array>
 #include <cerrno>
 #include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSString.h"
+#include "tests/kit/Child.h"
 #include "tests/kit/Values.h"
-#include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
-using kit::utf8Of;
 
 namespace {
 
+constexpr std::size_t identifierLength = 36;
+
+std::string newIdentifier() { return kit::utf8Of(NSString::stringWithNewUUID()); }
+
 TEST(NewUUID, hasFormVersionAndVariant) {
-    for (int round = 0; round < 200; ++round) {
-        const std::string text = utf8Of(NSString::stringWithNewUUID());
-        ASSERT_EQ(text.size(), 36U);
+    std::set<char> variants;
+    for (int round = 0; round < 1000; ++round) {
+        const std::string text = newIdentifier();
         std::string form;
         for (const char character : text) {
             form += character == '-' ? '-' : std::string("0123456789ABCDEF").find(character) < 16 ? 'x' : '?';
         }
         ASSERT_EQ(form, "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx") << text;
         ASSERT_EQ(text[14], '4') << text;
-        ASSERT_LT(std::string("89AB").find(text[19]), 4U) << text;
+        variants.insert(text[19]);
+    }
+    EXPECT_EQ(variants, (std::set<char>{'8', '9', 'A', 'B'}));
+}
+
+TEST(NewUUID, isRandomInEveryOtherBit) {
+    std::array<int, identifierLength * 4> ones{};
+    constexpr int rounds = 4000;
+    for (int round = 0; round < rounds; ++round) {
+        const std::string text = newIdentifier();
+        for (std::size_t place = 0; place < text.size(); ++place) {
+            const std::size_t value = std::string("0123456789ABCDEF").find(text[place]);
+            for (std::size_t bit = 0; value != std::string::npos && bit < 4; ++bit) {
+                ones[place * 4 + bit] += static_cast<int>(value >> bit & 1);
+            }
+        }
+    }
+    const std::string fixed = "        -    -4   -v   -            ";
+    for (std::size_t place = 0; place < identifierLength; ++place) {
+        for (std::size_t bit = 0; bit < (fixed[place] == ' ' ? 4U : fixed[place] == 'v' ? 2U : 0U); ++bit) {
+            // Eight standard deviations: less than once in 10^14 runs.
+            EXPECT_NEAR(ones[place * 4 + bit], rounds / 2, 253) << place << " " << bit;
+        }
     }
 }
 
+TEST(NewUUID, isNeverTheSameInConcurrentThreads) {
+    std::vector<std::vector<std::string>> texts(4);
+    std::vector<std::thread> threads;
+    for (std::vector<std::string>& own : texts) {
+        threads.emplace_back([&own] {
+            for (int round = 0; round < 10000; ++round) {
+                own.push_back(newIdentifier());
+            }
+        });
+    }
+    std::set<std::string> seen;
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const std::vector<std::string>& own : texts) {
+        seen.insert(own.begin(), own.end());
+    }
+    EXPECT_EQ(seen.size(), 40000U);
+}
+
 TEST(NewUUID, isAnotherOneInEachForkedChild) {
-    std::set<std::string> seen{utf8Of(NSString::stringWithNewUUID())};
+    // What is kept from one call to the next is there before the forks.
+    std::set<std::string> seen{newIdentifier()};
     for (int child = 0; child < 20; ++child) {
-        int ends[2];
-        ASSERT_EQ(::pipe(ends), 0);
-        const pid_t process = ::fork();
-        if (process == 0) {
-            const std::string text = utf8Of(NSString::stringWithNewUUID());
-            scene::leave(::write(ends[1], text.data(), text.size()) == 36 ? 0 : 1);
-        }
-        char text[36] = {};
-        ::close(ends[1]);
-        EXPECT_EQ(::read(ends[0], text, sizeof text), 36);
-        ::close(ends[0]);
-        ::waitpid(process, nullptr, 0);
-        EXPECT_TRUE(seen.insert(std::string(text, sizeof text)).second);
+        const std::string texts = kit::textFromChild([] { return newIdentifier() + newIdentifier(); });
+        EXPECT_TRUE(seen.insert(texts.substr(0, identifierLength)).second);
+        EXPECT_TRUE(seen.insert(texts.substr(identifierLength)).second);
+        EXPECT_TRUE(seen.insert(newIdentifier()).second);
     }
 }
 
 TEST(NewUUID, leavesErrnoAlone) {
     errno = 4711;
-    EXPECT_EQ(NSString::stringWithNewUUID().length(), 36U);
+    EXPECT_EQ(NSString::stringWithNewUUID().length(), identifierLength);
     EXPECT_EQ(errno, 4711);
 }
 

@@ -301,4 +301,26 @@ TEST(NSFileHandle, keepsErrno) {
     EXPECT_EQ(errno, 4711);
 }
 
+TEST(NSFileHandle, writesNothingForNilAndEmptyData) {
+    const scene::Folder folder;
+    NSFileHandle handle = NSFileHandle::fileHandleForWritingAtPath(folder.write("f", "a"));
+    handle.writeData(nullptr);
+    handle.writeData(NSData::data());
+    EXPECT_EQ(handle.offsetInFile(), 0U);
+    EXPECT_EQ(scene::contentsOf(folder / "f"), "a");
+}
+
+TEST(NSFileHandle, raisesWhereWritingAndSeekingFail) {
+    NSFileHandle full = NSFileHandle::fileHandleForWritingAtPath("/dev/full");
+    ASSERT_TRUE(full);
+    EXPECT_EQ(raised([&] { full.writeData(dataOf("x")); }), NSFileHandleOperationException);
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    NSFileHandle pipe = NSFileHandle::fileHandleForWritingAtPath("/proc/self/fd/" + std::to_string(ends[1]));
+    ASSERT_TRUE(pipe);
+    EXPECT_EQ(raised([&] { pipe.seekToEndOfFile(); }), NSFileHandleOperationException);
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
 } // namespace

@@ -14,7 +14,7 @@
 #include <time.h>
 
 #include "foundation/time/ZoneAccess.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Environment.h"
 #include "tests/time/TimeTesting.h"
 
 namespace zones {
@@ -30,7 +30,7 @@ private:
     };
 
     TellOfTheOldOne last_;
-    scene::Variable variable_;
+    ZQFoundation::kit::Variable variable_;
 };
 
 inline struct tm localTime(std::int64_t seconds) {

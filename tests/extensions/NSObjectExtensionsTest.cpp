@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The truth of texts, numbers and objects with a string or an integer form.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -88,7 +89,7 @@ const struct {
     {"nan", false},
 };
 
-TEST(BoolValue, ofStringsIsYesInAnyCaseOrALeadingInteger) {
+TEST(NSObjectExtensions, truthOfStringsIsYesInAnyCaseOrALeadingInteger) {
     for (const auto& row : truths) {
         EXPECT_EQ(row.text.boolValue(), row.truth) << '"' << row.text.utf8() << '"';
         EXPECT_EQ(NSObject(row.text).boolValue(), row.truth)
@@ -96,7 +97,7 @@ TEST(BoolValue, ofStringsIsYesInAnyCaseOrALeadingInteger) {
     }
 }
 
-TEST(BoolValue, ofNumbersAskedDirectlyIsTheirOwn) {
+TEST(NSObjectExtensions, truthOfNumbersAskedDirectlyIsTheirOwn) {
     EXPECT_TRUE(NSObject(0.5).boolValue());
     EXPECT_TRUE(NSNumber(0.5).boolValue());
     EXPECT_TRUE(NSObject(-0.25F).boolValue());
@@ -108,7 +109,7 @@ TEST(BoolValue, ofNumbersAskedDirectlyIsTheirOwn) {
     EXPECT_FALSE(NSObject(-0.0).boolValue());
 }
 
-TEST(BoolValue, ofAnObjectWithAnIntegerFormKeepsItsLowEightBits) {
+TEST(NSObjectExtensions, truthOfAnObjectWithAnIntegerFormKeepsItsLowEightBits) {
     const struct {
         int integer;
         bool truth;
@@ -135,7 +136,7 @@ TEST(BoolValue, ofAnObjectWithAnIntegerFormKeepsItsLowEightBits) {
     }
 }
 
-TEST(BoolValue, ofAnObjectWithAStringFormIsTheTruthOfThatString) {
+TEST(NSObjectExtensions, truthOfAnObjectWithAStringFormIsTheTruthOfThatString) {
     const struct {
         const char* name;
         NSObject object;
@@ -158,7 +159,7 @@ TEST(BoolValue, ofAnObjectWithAStringFormIsTheTruthOfThatString) {
     }
 }
 
-TEST(BoolValue, ofValuesWithoutAnyFormIsFalse) {
+TEST(NSObjectExtensions, truthOfValuesWithoutAnyFormIsFalse) {
     const NSObject values[] = {NSDate::dateWithTimeIntervalSinceReferenceDate(1),
                                NSData::dataWithBytes_length("1", 1),
                                NSArray{1, "YES"},

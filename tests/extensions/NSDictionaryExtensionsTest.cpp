@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Typed lookups, and dictionaries out of text.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -45,7 +46,7 @@ void expectLookups(const Row& row) {
     EXPECT_EQ(dictionary.integerForKey("key"), row.integer) << row.name;
 }
 
-TEST(TypedLookups, ofStrings) {
+TEST(NSDictionaryExtensions, lookupsOfStrings) {
     const Row rows[] = {
         {"Yes", "Yes", true, 0, 0},
         {"YES", "YES", true, 0, 0},
@@ -74,7 +75,7 @@ TEST(TypedLookups, ofStrings) {
 }
 
 // Truth goes through the number's decimal text here, unlike the number's own truth; integers are narrowed.
-TEST(TypedLookups, ofNumbers) {
+TEST(NSDictionaryExtensions, lookupsOfNumbers) {
     const Row rows[] = {
         {"1", 1, true, 1, 1},
         {"0", 0, false, 0, 0},
@@ -109,7 +110,7 @@ TEST(TypedLookups, ofNumbers) {
               (NSDictionary{{"key", nan}}).floatForKey("key"));
 }
 
-TEST(TypedLookups, ofValuesWithoutTheForm) {
+TEST(NSDictionaryExtensions, lookupsOfValuesWithoutTheForm) {
     const Row rows[] = {
         {"date", NSDate::dateWithTimeIntervalSinceReferenceDate(1), false, 0, 0},
         {"data", NSData::dataWithBytes_length("1", 1), false, 0, 0},
@@ -124,7 +125,7 @@ TEST(TypedLookups, ofValuesWithoutTheForm) {
     }
 }
 
-TEST(TypedLookups, ofHostObjects) {
+TEST(NSDictionaryExtensions, lookupsOfHostObjects) {
     const Row rows[] = {
         {"integer only", makeObject<Offering>(std::nullopt, 7), true, 0, 7},
         {"low bits", makeObject<Offering>(std::nullopt, 256), false, 0, 256},
@@ -141,7 +142,7 @@ TEST(TypedLookups, ofHostObjects) {
     }
 }
 
-TEST(TypedLookups, ofAMissingKeyOrDictionaryAreNeutral) {
+TEST(NSDictionaryExtensions, lookupsOfAMissingKeyOrDictionaryAreNeutral) {
     const NSDictionary dictionary{{"key", 1}, {"", 2}};
     const NSDictionary none;
     const char* const noKey = nullptr;
@@ -156,7 +157,7 @@ TEST(TypedLookups, ofAMissingKeyOrDictionaryAreNeutral) {
     EXPECT_EQ(none.integerForKey("key"), 0);
 }
 
-TEST(TypedLookups, takeTheKeyAsAnyText) {
+TEST(NSDictionaryExtensions, lookupsTakeTheKeyAsAnyText) {
     const NSDictionary dictionary{{"caf\u00e9", 3}, {3, "by number"}};
     EXPECT_EQ(dictionary.integerForKey("caf\u00e9"), 3);
     EXPECT_EQ(dictionary.integerForKey(u"caf\u00e9"), 3);
@@ -165,7 +166,7 @@ TEST(TypedLookups, takeTheKeyAsAnyText) {
     EXPECT_EQ(dictionary.integerForKey("3"), 0) << "a number is another key";
 }
 
-TEST(TypedLookups, allocateNothing) {
+TEST(NSDictionaryExtensions, lookupsAllocateNothing) {
     const NSDictionary dictionary{
         {"TraceNetwork", "YES"}, {"TraceLevel", 3}, {"TraceRate", "2.5"}, {"Half", 0.5}};
     const std::size_t before = kit::AllocationCount::now();
@@ -183,6 +184,52 @@ TEST(TypedLookups, allocateNothing) {
     EXPECT_FALSE(halfIsTrue);
     EXPECT_EQ(rate, 2.5F);
     EXPECT_EQ(after, before);
+}
+
+NSDictionary read(StringView text) { return NSDictionary::dictionaryWithContentsOfString(text); }
+
+TEST(NSDictionaryExtensions, readsTextInEachForm) {
+    const struct {
+        StringView text;
+        NSDictionary expected;
+    } rows[] = {
+        {"{ a = 1; b = (x, y); }",
+         NSDictionary{{"a", "1"}, {"b", NSArray{"x", "y"}}}}, // every scalar is a string
+        {"a = b; c;", NSDictionary{{"a", "b"}, {"c", "c"}}},
+        {" // only a comment", NSDictionary::dictionary()},
+        {"<plist><dict><key>k</key><real>0.5</real></dict></plist>", NSDictionary{{"k", 0.5}}},
+        {"<dict><key>k</key><true/></dict>", NSDictionary{{"k", true}}},
+        {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><dict><key>k</key><string>\u20AC</string></dict>",
+         NSDictionary{{"k", "\u20AC"}}}, // the declared encoding of a string does not matter
+        {u"{ \"caf\u00E9\" = \"\u20AC\"; }", NSDictionary{{"caf\u00E9", "\u20AC"}}},
+        {u"{ a = \"\xD83D\"; }", NSDictionary{{"a", NSString("\U0001F600").substringToIndex(1)}}},
+        {"{ a = \"x\xFFy\"; }", NSDictionary{{"a", "x\uFFFDy"}}},
+    };
+    for (const auto& row : rows) {
+        const NSDictionary found = read(row.text);
+        EXPECT_TRUE(found.isEqualToDictionary(row.expected)) << utf8Of(found.condensedDescription());
+    }
+    EXPECT_TRUE(read("{ a = YES; }").boolForKey("a"));
+}
+
+TEST(NSDictionaryExtensions, givesNilForAnyOtherTextWithoutRaising) {
+    std::string brackets;
+    for (int i = 0; i < 1000000; ++i) {
+        brackets += "{a=";
+    }
+    const std::string xmlHead = "<plist version=\"1.0\">";
+    for (const std::string& text :
+         {std::string(""), std::string("( 1, 2 )"), std::string("{ a = 1"), std::string("abc"),
+          std::string("-5"), std::string("<0fbd77>"), std::string("{} {}"), std::string("\uFEFF{ a = 1; }"),
+          std::string(1, '\0'), xmlHead + "<array/></plist>", xmlHead + "<string>x</string></plist>",
+          xmlHead + "</plist>", xmlHead + "<dict><key>k</key></dict></plist>", xmlHead + "<dict><key>k</key>",
+          "<!DOCTYPE plist [<!ENTITY x \"y\">]>" + xmlHead + "<dict/></plist>", brackets}) {
+        NSDictionary found;
+        EXPECT_EQ(raised([&] { found = read(text); }), "nothing") << text.substr(0, 80);
+        EXPECT_FALSE(found) << text.substr(0, 80);
+    }
+    EXPECT_FALSE(read(nullptr));
+    EXPECT_FALSE(read(NSString()));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The condensed description of every kind of value.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -20,7 +21,7 @@ namespace {
 
 std::string condensed(const NSObject& value) { return utf8Of(value.condensedDescription()); }
 
-TEST(CondensedDescription, ofArraysStandsOnOneLine) {
+TEST(Condensed, ofArraysStandsOnOneLine) {
     const struct {
         const char* name;
         NSArray array;
@@ -49,7 +50,7 @@ TEST(CondensedDescription, ofArraysStandsOnOneLine) {
     }
 }
 
-TEST(CondensedDescription, ofDictionariesStandsOnOneLineAndEndsEachEntryWithASemicolon) {
+TEST(Condensed, ofDictionariesStandsOnOneLineAndEndsEachEntryWithASemicolon) {
     const struct {
         const char* name;
         NSDictionary dictionary;
@@ -73,12 +74,12 @@ TEST(CondensedDescription, ofDictionariesStandsOnOneLineAndEndsEachEntryWithASem
     }
 }
 
-TEST(CondensedDescription, keysEqualButForCaseStandInEitherOrder) {
+TEST(Condensed, keysEqualButForCaseStandInEitherOrder) {
     const std::string text = condensed(NSDictionary{{"b", 3}, {"a", 1}, {"A", 2}});
     EXPECT_TRUE(text == "{ a = 1; A = 2; b = 3; }" || text == "{ A = 2; a = 1; b = 3; }") << text;
 }
 
-TEST(CondensedDescription, ofADictionaryWithOtherKeysDoesNotFail) {
+TEST(Condensed, ofADictionaryWithOtherKeysDoesNotFail) {
     EXPECT_EQ(condensed(NSDictionary{{1, 2}}), "{ 1 = 2; }");
     EXPECT_EQ(condensed(NSDictionary{{NSArray{1, 2}, "v"}}), "{ ( 1, 2 ) = v; }")
         << "keys are condensed as well";
@@ -89,7 +90,7 @@ TEST(CondensedDescription, ofADictionaryWithOtherKeysDoesNotFail) {
     EXPECT_NE(text.find(" 1.5 = real; "), std::string::npos) << text;
 }
 
-TEST(CondensedDescription, ofAnyOtherValueIsItsDescription) {
+TEST(Condensed, ofAnyOtherValueIsItsDescription) {
     const NSObject values[] = {"a \"b\"\n",
                                "",
                                1,
@@ -110,7 +111,7 @@ TEST(CondensedDescription, ofAnyOtherValueIsItsDescription) {
 }
 
 // Only arrays and dictionaries have a rendering of their own; a set keeps its lines, wherever it stands.
-TEST(CondensedDescription, ofASetKeepsTheIndentedLines) {
+TEST(Condensed, ofASetKeepsTheIndentedLines) {
     EXPECT_EQ(condensed(NSSet{1}), "{(\n    1\n)}");
     EXPECT_EQ(condensed(NSArray{NSSet{1}, 2}), "( {(\n    1\n)}, 2 )");
     EXPECT_EQ(condensed(NSDictionary{{"k", NSSet{NSArray{"a b"}}}}),
@@ -123,7 +124,7 @@ public:
     NSString condensedDescription() const override { return "[condensed]"; }
 };
 
-TEST(CondensedDescription, usesTheOneOfAHostObjectForKeysAndValues) {
+TEST(Condensed, usesTheOneOfAHostObjectForKeysAndValues) {
     EXPECT_EQ(condensed(makeObject<Bracketed>()), "[condensed]");
     EXPECT_EQ(condensed(NSArray{makeObject<Bracketed>(), 1}), "( [condensed], 1 )");
     EXPECT_EQ(condensed(NSDictionary{{"k", makeObject<Bracketed>()}}), "{ k = [condensed]; }");
@@ -131,7 +132,7 @@ TEST(CondensedDescription, usesTheOneOfAHostObjectForKeysAndValues) {
     EXPECT_EQ(condensed(NSDictionary{{"k", makeObject<Described>("mine")}}), "{ k = mine; }");
 }
 
-TEST(CondensedDescription, keepsUnitsAsTheyAre) {
+TEST(Condensed, keepsUnitsAsTheyAre) {
     const NSString half = NSString("\U0001F600").substringToIndex(1);
     const NSString text = (NSArray{half, "\u00e9"}).condensedDescription();
     EXPECT_EQ(text.utf16(), u"( \xD83D, \u00e9 )");

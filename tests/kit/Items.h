@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+// What stands at a path, chains of folders, and the umask and the current folder for a scope.
+#ifndef ZQFOUNDATION_TESTS_KIT_ITEMS_H
+#define ZQFOUNDATION_TESTS_KIT_ITEMS_H
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "foundation/objects/NSString.h"
+
+namespace ZQFoundation::kit {
+
+/// The path as a file name of any bytes.
+inline NSString fromBytes(const std::string& bytes) {
+    return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
+}
+
+/// Whether a name stands there, a dangling link too.
+inline bool stands(const std::string& path) {
+    struct stat information;
+    return ::lstat(path.c_str(), &information) == 0;
+}
+
+/// The permissions of the item itself.
+inline mode_t modeOf(const std::string& path) {
+    struct stat information {};
+    EXPECT_EQ(::lstat(path.c_str(), &information), 0) << path;
+    return information.st_mode & 07777;
+}
+
+inline bool isRoot() { return ::geteuid() == 0; }
+
+/// Folders called `name`, one in the other, below `folder`; the path of the last one.
+inline std::string makeChain(const std::string& folder, const std::string& name, int depth) {
+    std::string path = folder;
+    int at = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int level = 0; level < depth; ++level) {
+        EXPECT_EQ(::mkdirat(at, name.c_str(), 0755), 0) << std::strerror(errno);
+        const int next = ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        ::close(at);
+        at = next;
+        path += "/" + name;
+    }
+    ::close(at);
+    return path;
+}
+
+/// Removes a chain that `makeChain` made, which is too deep for paths, from the last folder on.
+inline void removeChain(const std::string& folder, const std::string& name, int depth) {
+    int at = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const auto go = [&at](const char* to) {
+        const int next = ::openat(at, to, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        ::close(at);
+        at = next;
+    };
+    for (int level = 0; level < depth; ++level) {
+        go(name.c_str());
+    }
+    for (int level = 0; level < depth; ++level) {
+        go("..");
+        ::unlinkat(at, name.c_str(), AT_REMOVEDIR);
+    }
+    ::close(at);
+}
+
+inline int openDescriptors() {
+    int count = 0;
+    DIR* const folder = ::opendir("/proc/self/fd");
+    while (folder != nullptr && ::readdir(folder) != nullptr) {
+        ++count;
+    }
+    if (folder != nullptr) {
+        ::closedir(folder);
+    }
+    return count;
+}
+
+/// The umask for a scope. It belongs to the process: only for tests that start no threads.
+class Umask {
+public:
+    explicit Umask(mode_t mask) : before_(::umask(mask)) {}
+    Umask(const Umask&) = delete;
+    Umask& operator=(const Umask&) = delete;
+    ~Umask() { ::umask(before_); }
+
+private:
+    mode_t before_;
+};
+
+/// Another current folder for a scope.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::string& path)
+        : before_(::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        EXPECT_EQ(::chdir(path.c_str()), 0);
+    }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    ~CurrentFolder() {
+        EXPECT_EQ(::fchdir(before_), 0);
+        ::close(before_);
+    }
+
+private:
+    int before_;
+};
+
+} // namespace ZQFoundation::kit
+
+#endif
