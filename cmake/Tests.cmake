@@ -24,6 +24,9 @@ endif()
 include(GoogleTest)
 
 set(ZQ_THREAD_SUITES "Concurren|Thread|Fork")
+# Those and the ones made of processes of their own take too long to be run twice.
+string(JOIN ":" ZQ_LONG_SUITES
+    *Concurren* *Thread* *Fork* FaultInjection* Leftovers* MigrationsAtOnce* PowerCut* Swapping* WritersMeanwhile*)
 
 # A locale with a decimal comma that is there on every machine, made once for the tests. The C library looks in
 # the folder that the environment variable LOCPATH names. Without it some tests would compare nothing.
@@ -56,10 +59,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
     # It misjudges `std::string(count, character) + "literal"` as going beyond the end.
     target_compile_options(zq_test_settings INTERFACE -Wno-array-bounds -Wno-stringop-overflow)
 endif()
-# Tests of what only Linux has: network namespaces, tracing with filters for system calls.
+# Tests of what only Linux has: network namespaces, tracing with filters for system calls, disks in files, immutable
+# files.
 set(ZQ_TESTS_LEFT_OUT)
 if(APPLE)
-    set(ZQ_TESTS_LEFT_OUT info/RoutingSocketTest.cpp migration/FaultInjectionTest.cpp)
+    set(ZQ_TESTS_LEFT_OUT
+        info/RoutingSocketTest.cpp migration/FaultInjectionTest.cpp migration/KeptSourcesTest.cpp
+        migration/LeftoversTest.cpp migration/MigrationsAtOnceTest.cpp migration/PowerCutTest.cpp
+        migration/ServedFileSystemsTest.cpp migration/WritersMeanwhileTest.cpp)
     message(STATUS "Not built for this system: ${ZQ_TESTS_LEFT_OUT}")
     # Tests may use parts of the C++ library that the oldest system does not have yet, among them its file system.
     target_compile_options(zq_test_settings INTERFACE
@@ -128,10 +135,9 @@ endforeach()
 ]] @ONLY)
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
     if(ZQFOUNDATION_SHUFFLED_TESTS)
-        # All of them in one process: what one leaves behind must not matter to another. The long ones, about
-        # threads or made of processes of their own, are left out.
+        # All of them in one process: what one leaves behind must not matter to another.
         add_test(NAME ${folder}.shuffled
-            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-*Concurren*:*Thread*:*Fork*:FaultInjection*:Swapping*)
+            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES})
         set_tests_properties(${folder}.shuffled PROPERTIES TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
     endif()
 endfunction()

@@ -13,7 +13,7 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/time/NSCalendar.h"
 #include "tests/kit/Dates.h"
-#include "tests/time/ZoneChanges.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation {
 namespace {
@@ -220,7 +220,7 @@ TEST(NSDateExtensions, countCalendarDaysInTheProcesssZone) {
 }
 
 TEST(NSDateExtensions, countADayThatTheCalendarLeftOut) {
-    if (!testing::hasZoneFile("Pacific/Apia")) {
+    if (!kit::hasZoneFile("Pacific/Apia")) {
         GTEST_SKIP() << "there are no zone files on this machine";
     }
     const kit::TimeZone zone("Pacific/Apia");
@@ -239,14 +239,14 @@ TEST(NSDateExtensions, areAsManyDaysApartAsTheClocksOfTheirPlaceSay) {
     std::uniform_int_distribution<std::int64_t> instants(kit::unixSeconds(1930, 1, 1),
                                                          kit::unixSeconds(2037, 1, 1));
     const auto localDay = [](std::int64_t unixTime) {
-        return models::floorDivided(unixTime + zones::offsetAt(unixTime), 86400);
+        return models::floorDivided(unixTime + kit::offsetAt(unixTime), 86400);
     };
     int compared = 0;
-    for (const char* name : testing::remarkableZones) {
-        if (!testing::hasZoneFile(name)) {
+    for (const char* name : kit::remarkableZones) {
+        if (!kit::hasZoneFile(name)) {
             continue;
         }
-        const zones::Current current(name);
+        const kit::TimeZone current(name);
         for (int i = 0; i < 300; ++i, ++compared) {
             const std::int64_t first = instants(random);
             const std::int64_t second = i % 2 == 0 ? instants(random) : first + (instants(random) % 200'000);
@@ -351,7 +351,7 @@ TEST(NSDateExtensions, placeADateInTheProcesssZone) {
 TEST(NSDateExtensions, agreeWithTheCLibraryAboutWeeks) {
     std::mt19937_64 random(10);
     std::uniform_int_distribution<std::int64_t> between(-60000000000, 60000000000);
-    const zones::Current current(newYork);
+    const kit::TimeZone current(newYork);
     for (int i = 0; i < 50000; ++i) {
         const std::int64_t seconds = between(random);
         const NSDate date = NSDate::dateWithTimeIntervalSince1970(static_cast<double>(seconds));

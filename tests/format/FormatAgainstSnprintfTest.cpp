@@ -21,7 +21,7 @@
 
 #include "foundation/format/Format.h"
 #include "foundation/objects/TextBuilder.h"
-#include "tests/format/DecimalCommaLocale.h"
+#include "tests/kit/Environment.h"
 
 using namespace ZQFoundation;
 
@@ -299,7 +299,7 @@ TEST(FormatAgainstSnprintf, listedDifferences) {
 }
 
 TEST(FormatAgainstSnprintf, decimalCommaOfSetlocaleDoesNotShow) {
-    const DecimalCommaLocale locale;
+    const ZQFoundation::kit::DecimalCommaLocale locale;
     ASSERT_TRUE(locale.isSet());
     Comparison comparison;
     comparison.expectComma();

@@ -8,7 +8,8 @@
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 
@@ -35,12 +36,12 @@ std::string visible(std::string text) {
 
 /// No settings but those that a test makes.
 struct NoSettings {
-    const scene::Folder folder;
-    const scene::Path store{detail::overrides::defaultsFolder, folder / "store"};
-    const scene::Path program{detail::overrides::executablePath, folder / "program"};
-    const scene::Variable all{"LC_ALL", nullptr};
-    const scene::Variable numeric{"LC_NUMERIC", nullptr};
-    const scene::Variable lang{"LANG", nullptr};
+    const kit::ScratchFolder folder;
+    const kit::Path store{detail::overrides::defaultsFolder, folder / "store"};
+    const kit::Path program{detail::overrides::executablePath, folder / "program"};
+    const kit::Variable all{"LC_ALL", nullptr};
+    const kit::Variable numeric{"LC_NUMERIC", nullptr};
+    const kit::Variable lang{"LANG", nullptr};
 };
 
 using Words = std::vector<std::string>;
@@ -280,42 +281,42 @@ TEST(NSLocale, shortNumbersStayWholeWhereTheLanguageWantsIt) {
 
 TEST(NSLocale, currentIsTheUsers) {
     const NoSettings none;
-    const scene::Arguments arguments(detail::overrides::arguments, Words{"/x/program"});
+    const kit::Arguments arguments(detail::overrides::arguments, Words{"/x/program"});
     EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "en_US_POSIX");
     {
-        const scene::Variable lang("LANG", "de_DE.UTF-8");
+        const kit::Variable lang("LANG", "de_DE.UTF-8");
         EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "de_DE");
         EXPECT_EQ(NSString::localizedStringWithFormat("%d %.1f %@", 1234567, 0.5, NSNumber(1000)),
                   "1.234.567 0,5 1.000");
-        const scene::Variable messages("LC_MESSAGES", "fr_FR.UTF-8"); // for texts, not for numbers
+        const kit::Variable messages("LC_MESSAGES", "fr_FR.UTF-8"); // for texts, not for numbers
         EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "de_DE");
-        const scene::Variable numeric("LC_NUMERIC", "es_MX");
+        const kit::Variable numeric("LC_NUMERIC", "es_MX");
         EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "es_MX");
-        const scene::Variable all("LC_ALL", "en_GB.utf8");
+        const kit::Variable all("LC_ALL", "en_GB.utf8");
         EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "en_GB");
         EXPECT_EQ(NSString::localizedStringWithFormat("%d", 1000), "1,000");
     }
     for (const char* programs : {"C", "POSIX", "C.UTF-8"}) {
-        const scene::Variable lang("LANG", "de_DE");
-        const scene::Variable all("LC_ALL", programs);
+        const kit::Variable lang("LANG", "de_DE");
+        const kit::Variable all("LC_ALL", programs);
         EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "en_US_POSIX") << programs;
         EXPECT_EQ(NSString::localizedStringWithFormat("%d", 1234567), "1234567") << programs;
     }
-    const scene::Variable empty("LC_ALL", "");
-    const scene::Variable lang("LANG", "pl_PL");
+    const kit::Variable empty("LC_ALL", "");
+    const kit::Variable lang("LANG", "pl_PL");
     EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "pl_PL");
 }
 
 TEST(NSLocale, currentIsFirstOfAllWhatTheDefaultsSay) {
     const NoSettings none;
-    const scene::Variable lang("LANG", "de_DE.UTF-8");
+    const kit::Variable lang("LANG", "de_DE.UTF-8");
     {
-        const scene::Arguments arguments(detail::overrides::arguments,
-                                         Words{"/x/program", "-AppleLocale", "de_CH"});
+        const kit::Arguments arguments(detail::overrides::arguments,
+                                       Words{"/x/program", "-AppleLocale", "de_CH"});
         EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "de_CH");
         EXPECT_EQ(NSString::localizedStringWithFormat("%.1f", 1234.5), "1'234.5");
     }
-    const scene::Arguments arguments(detail::overrides::arguments, Words{"/x/program", "-AppleLocale", ""});
+    const kit::Arguments arguments(detail::overrides::arguments, Words{"/x/program", "-AppleLocale", ""});
     EXPECT_EQ(NSLocale::currentLocale().localeIdentifier(), "de_DE");
 }
 

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include <time.h>
+
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation::kit {
@@ -40,8 +42,25 @@ private:
     std::optional<std::string> before_;
 };
 
-struct TimeZone : Variable {
-    explicit TimeZone(const char* value) : Variable("TZ", value) {}
+/// TZ for a scope, for the C library as well, which does not look at it by itself.
+class TimeZone {
+public:
+    explicit TimeZone(const char* name) : variable_("TZ", name) { ::tzset(); }
+    TimeZone(const TimeZone&) = delete;
+    TimeZone& operator=(const TimeZone&) = delete;
+
+    void change(const char* name) const {
+        variable_.change(name);
+        ::tzset();
+    }
+
+private:
+    struct ReadAtTheEnd {
+        ~ReadAtTheEnd() { ::tzset(); }
+    };
+
+    ReadAtTheEnd last_;
+    Variable variable_;
 };
 
 /// A pointer of the overrides pointed to a value of its own for a scope.

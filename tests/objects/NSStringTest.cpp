@@ -15,8 +15,9 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
-#include "tests/format/DecimalCommaLocale.h"
+
 #include "tests/kit/AllocationCount.h"
+#include "tests/kit/Environment.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;

@@ -7,8 +7,8 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSURL.h"
 #include "tests/kit/Texts.h"
-#include "tests/models/UriReference.h"
 #include "tests/kit/Values.h"
+#include "tests/models/UriReference.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
@@ -585,12 +585,10 @@ TEST(URLPartsFromFacts, agreeWithTheModelOnResolution) {
     for (int round = 0; round < 100000; ++round) {
         const std::string text = randomText(numbers);
         const std::string base = "x:" + randomText(numbers);
-        if (!models::isReference(text) || !models::isReference(base) ||
-            models::apart(text).scheme) {
+        if (!models::isReference(text) || !models::isReference(base) || models::apart(text).scheme) {
             continue;
         }
-        const models::Reference target =
-            models::resolved(models::apart(text), models::apart(base));
+        const models::Reference target = models::resolved(models::apart(text), models::apart(base));
         if (!target.authority && target.path.rfind("//", 0) == 0) {
             continue; // has no text of its own: the path would be read as an authority
         }

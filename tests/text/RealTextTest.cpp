@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/format/DecimalCommaLocale.h"
+#include "tests/kit/Environment.h"
 
 using namespace ZQFoundation;
 
@@ -72,7 +72,7 @@ TEST(RealText, byTheCLibraryIsWrittenWithoutDigitsWhereThereAreNone) {
 }
 
 TEST(RealText, byTheCLibraryHasAPointInALocaleWithADecimalComma) {
-    const DecimalCommaLocale locale;
+    const ZQFoundation::kit::DecimalCommaLocale locale;
     ASSERT_TRUE(locale.isSet());
     EXPECT_EQ(general(-1234.5, 16), "-1234.5");
     EXPECT_EQ(shortest(0.1), "0.1");

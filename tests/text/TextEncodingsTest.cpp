@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
+// Which encodings there are, their whole repertoires both ways, and a system that has none of its own.
 #include "foundation/text/TextEncodings.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,9 +13,9 @@
 
 #include "foundation/objects/NSData.h"
 #include "foundation/text/ByteTable.h"
+#include "tests/kit/Child.h"
 #include "tests/kit/Texts.h"
 #include "tests/kit/Values.h"
-#include "tests/process/Scene.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
@@ -226,8 +225,6 @@ TEST(TextEncodingsConcurrency, makeTheirTablesOnceForAllThreads) {
     }
 }
 
-constexpr const char* withoutModules = "ZQ_TEST_WITHOUT_MODULES";
-
 /// What is left when the C library cannot load anything: it has no descriptor to open a file with.
 std::string heldWithoutModules() {
     rlimit before{};
@@ -252,14 +249,7 @@ std::string heldWithoutModules() {
 }
 
 TEST(TextEncodings, thatTheSystemLacksAreUnknown) {
-    if (std::getenv(withoutModules) != nullptr) {
-        std::printf("held:%s.\n", heldWithoutModules().c_str());
-        return;
-    }
-    const std::string output = scene::runAgain(
-        {{withoutModules, "1"}},
-        {"self", "--gtest_filter=TextEncodings.thatTheSystemLacksAreUnknown", "--gtest_brief=1"});
-    EXPECT_NE(output.find("held: 1 2 4 5 6 7 10."), std::string::npos) << output;
+    EXPECT_EQ(kit::inProcessOfItsOwn({}, heldWithoutModules), " 1 2 4 5 6 7 10");
 }
 
 } // namespace

@@ -138,8 +138,7 @@ TEST(UriResolution, givesReferencesWithThePiecesThatWerePutTogether) {
             continue;
         }
         SCOPED_TRACE(reference + " against " + from);
-        const models::Reference target =
-            models::resolved(models::apart(reference), models::apart(from));
+        const models::Reference target = models::resolved(models::apart(reference), models::apart(from));
         const auto shown = [](const models::Piece& piece) {
             return piece ? "|" + *piece : "-";
         };

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Names of months, weekdays, halves of the day and zones.
 #include "foundation/time/DateNames.h"
 
 #include <gtest/gtest.h>
@@ -7,12 +8,18 @@ namespace ZQFoundation::detail {
 namespace {
 
 TEST(DateNames, countsMonthsAndWeekdaysFromOne) {
-    EXPECT_EQ(monthName(1), "January");
-    EXPECT_EQ(monthName(12), "December");
-    EXPECT_EQ(shortMonthName(9), "Sep");
-    EXPECT_EQ(weekdayName(1), "Monday");
-    EXPECT_EQ(weekdayName(7), "Sunday");
-    EXPECT_EQ(shortWeekdayName(3), "Wed");
+    const char* const months[] = {"January", "February", "March",     "April",   "May",      "June",
+                                  "July",    "August",   "September", "October", "November", "December"};
+    for (int month = 1; month <= 12; ++month) {
+        EXPECT_EQ(monthName(month), months[month - 1]);
+        EXPECT_EQ(shortMonthName(month), std::string(months[month - 1]).substr(0, 3));
+    }
+    const char* const weekdays[] = {"Monday", "Tuesday",  "Wednesday", "Thursday",
+                                    "Friday", "Saturday", "Sunday"};
+    for (int weekday = 1; weekday <= 7; ++weekday) {
+        EXPECT_EQ(weekdayName(weekday), weekdays[weekday - 1]);
+        EXPECT_EQ(shortWeekdayName(weekday), std::string(weekdays[weekday - 1]).substr(0, 3));
+    }
 }
 
 TEST(DateNames, startsTheSecondHalfOfTheDayAtNoon) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Local time as text, to the millisecond.
 #include "foundation/time/LocalTimeText.h"
 
 #include <random>
@@ -8,12 +9,10 @@
 
 #include "foundation/objects/CivilTime.h"
 #include "foundation/time/NSDateFormatter.h"
-#include "tests/time/TimeTesting.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation::detail {
 namespace {
-
-using ZQFoundation::testing::ScopedTimeZone;
 
 std::string written(Instant instant) {
     char out[localTimeTextCapacity];
@@ -21,7 +20,7 @@ std::string written(Instant instant) {
 }
 
 TEST(LocalTimeText, showsLocalTimeToTheMillisecond) {
-    const ScopedTimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
+    const kit::TimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
     const struct {
         Instant instant;
         const char* expected;
@@ -51,7 +50,7 @@ TEST(LocalTimeText, showsLocalTimeToTheMillisecond) {
 }
 
 TEST(LocalTimeText, noticesAChangeOfZone) {
-    const ScopedTimeZone scope("UTC0");
+    const kit::TimeZone scope("UTC0");
     EXPECT_EQ(written({1709644029, 42000000}), "2024-03-05 13:07:09.042");
     scope.change("<-0330>3:30");
     EXPECT_EQ(written({1709644029, 42000000}), "2024-03-05 09:37:09.042");
@@ -60,7 +59,7 @@ TEST(LocalTimeText, noticesAChangeOfZone) {
 }
 
 TEST(LocalTimeText, equalsWhatADateFormatterWrites) {
-    const ScopedTimeZone scope("UTC0");
+    const kit::TimeZone scope("UTC0");
     NSDateFormatter formatter;
     formatter.setDateFormat("yyyy'-'MM'-'dd' 'HH':'mm':'ss'.'SSS");
     std::mt19937_64 random(4);
@@ -71,8 +70,8 @@ TEST(LocalTimeText, equalsWhatADateFormatterWrites) {
     std::uniform_int_distribution<int> remainders(-480, 480);
     std::vector<const char*> zones = {"UTC0", "CET-1CEST,M3.5.0,M10.5.0/3",
                                       "<-0330>3:30<-0230>,M3.2.0,M11.1.0"};
-    for (const char* name : testing::remarkableZones) {
-        if (testing::hasZoneFile(name)) {
+    for (const char* name : kit::remarkableZones) {
+        if (kit::hasZoneFile(name)) {
             zones.push_back(name);
         }
     }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The clock of the system, and that of a test.
 #include "foundation/time/Clock.h"
 
 #include <cmath>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Time zones by name, by offset and of the process.
 #include "foundation/time/NSTimeZone.h"
 
 #include <climits>
@@ -6,12 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/time/TimeTesting.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation {
 namespace {
-
-using testing::ScopedTimeZone;
 
 const NSDate winter = NSDate::dateWithTimeIntervalSince1970(1709643629);
 const NSDate summer = NSDate::dateWithTimeIntervalSince1970(1720000000);
@@ -27,7 +26,7 @@ TEST(NSTimeZone, isNilByDefaultAndAnswersNothing) {
 }
 
 TEST(NSTimeZone, followsTheVariable) {
-    const ScopedTimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
+    const kit::TimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
     const NSTimeZone zone = NSTimeZone::systemTimeZone();
     EXPECT_EQ(zone, NSTimeZone::defaultTimeZone());
     EXPECT_EQ(zone.name(), "CET-1CEST,M3.5.0,M10.5.0/3");
@@ -46,12 +45,12 @@ TEST(NSTimeZone, followsTheVariable) {
 }
 
 TEST(NSTimeZone, rereadsAZoneFileWhenReset) {
-    testing::ScopedFolder folder;
-    testing::ZoneData data;
+    kit::ScratchFolder folder;
+    kit::ZoneData data;
     data.clocks = {{3600, false, 0}};
     data.names = std::string("ONE", 4);
     const std::string path = folder.write("zone", data.bytes());
-    const ScopedTimeZone scope(path.c_str());
+    const kit::TimeZone scope(path.c_str());
     EXPECT_EQ(NSTimeZone::systemTimeZone().secondsFromGMTForDate(winter), 3600);
     data.clocks[0].offset = 7200;
     folder.write("zone", data.bytes());
@@ -61,7 +60,7 @@ TEST(NSTimeZone, rereadsAZoneFileWhenReset) {
 }
 
 TEST(NSTimeZone, findsZonesByName) {
-    if (!testing::hasZoneFile("Europe/Berlin")) {
+    if (!kit::hasZoneFile("Europe/Berlin")) {
         GTEST_SKIP() << "there are no zone files on this machine";
     }
     const NSTimeZone berlin = NSTimeZone::timeZoneWithName("Europe/Berlin");
@@ -91,7 +90,7 @@ TEST(NSTimeZone, isNilForNamesThatAreUnknown) {
 }
 
 TEST(NSTimeZone, knowsUtcWhateverIsInstalled) {
-    const testing::ScopedEnvironment folder("TZDIR", "/nowhere/at/all");
+    const kit::Variable folder("TZDIR", "/nowhere/at/all");
     const NSTimeZone zone = NSTimeZone::timeZoneWithName("UTC");
     ASSERT_TRUE(zone);
     EXPECT_EQ(zone.name(), "UTC");
@@ -123,7 +122,7 @@ TEST(NSTimeZone, takesFixedOffsetsUpTo18Hours) {
 }
 
 TEST(NSTimeZone, answersNothingForNilDatesAndSomethingForAllOthers) {
-    const ScopedTimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
+    const kit::TimeZone scope("CET-1CEST,M3.5.0,M10.5.0/3");
     const NSTimeZone zone = NSTimeZone::systemTimeZone();
     EXPECT_EQ(zone.secondsFromGMTForDate(nullptr), 0);
     EXPECT_FALSE(zone.abbreviationForDate(nullptr));
@@ -137,7 +136,7 @@ TEST(NSTimeZone, answersNothingForNilDatesAndSomethingForAllOthers) {
 }
 
 TEST(NSTimeZone, countsTheSecondOfAFractionBefore1970) {
-    const ScopedTimeZone scope("AAA0BBB,0/0,J182");
+    const kit::TimeZone scope("AAA0BBB,0/0,J182");
     const NSTimeZone zone = NSTimeZone::systemTimeZone();
     EXPECT_FALSE(zone.isDaylightSavingTimeForDate(NSDate::dateWithTimeIntervalSince1970(-0.25)));
     EXPECT_TRUE(zone.isDaylightSavingTimeForDate(NSDate::dateWithTimeIntervalSince1970(0)));

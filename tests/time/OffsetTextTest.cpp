@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Offsets as texts.
 #include "foundation/time/OffsetText.h"
 
 #include <string>

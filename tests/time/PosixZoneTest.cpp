@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Zones as a rule describes them, against the C library.
 #include "foundation/time/PosixZone.h"
 
 #include <cstring>
@@ -9,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/CivilTime.h"
-#include "tests/time/TimeTesting.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation::detail {
 namespace {
@@ -228,7 +229,7 @@ TEST(PosixZone, agreesWithTheCLibrary) {
     // The C library applies a rule only from 1971 on.
     std::uniform_int_distribution<std::int64_t> between(31536000, 4102444800);
     for (const char* notation : notations) {
-        const testing::ScopedTimeZone scope(notation);
+        const kit::TimeZone scope(notation);
         tzset();
         PosixZone zone;
         ASSERT_TRUE(reads(notation, zone));

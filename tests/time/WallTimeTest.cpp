@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Instants of wall times: around every change of the machine's clocks, and at the ends of the calendar.
 #include "foundation/time/WallTime.h"
 
 #include <cmath>
@@ -8,21 +9,11 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/time/ZoneChanges.h"
+#include "tests/kit/Dates.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation::detail {
 namespace {
-
-std::string decimal(WideInteger number) {
-    const bool isNegative = number < 0;
-    std::string digits;
-    do {
-        const int digit = static_cast<int>(number % 10);
-        digits.insert(digits.begin(), static_cast<char>('0' + (digit < 0 ? -digit : digit)));
-        number /= 10;
-    } while (number != 0);
-    return isNegative ? "-" + digits : digits;
-}
 
 std::int64_t wall(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour = 0,
                   std::int64_t minute = 0, std::int64_t second = 0) {
@@ -30,57 +21,15 @@ std::int64_t wall(std::int64_t year, std::int64_t month, std::int64_t day, std::
 }
 
 TEST(WallTime, addsUpFieldsThatAreOutOfTheirRange) {
-    const struct {
-        WallFields fields;
-        const char* seconds;
-    } rows[] = {
-        {{1970, 1, 1, 0, 0, 0}, "0"},
-        {{2024, 13, 1, 0, 0, 0}, "1735689600"},
-        {{2020, 0, 1, 0, 0, 0}, "1575158400"},
-        {{2020, -11, 1, 0, 0, 0}, "1546300800"},
-        {{2021, 2, 29, 26, -1, 0}, "1614650340"},
-        {{2024, 3, 0, 0, 0, 0}, "1709164800"},
-        {{0, 1, 1, 0, 0, 0}, "-62167219200"},
-        {{-1, 12, 31, 23, 59, 59}, "-62167219201"},
-        {{2024, 1, 1, 0, 0, -1}, "1704067199"},
-        {{292000000000, 1, 1, 0, 0, 0}, "9214629921832780800"},
-        {{-292000000000, 1, 1, 0, 0, 0}, "-9214630046167219200"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(decimal(wallSecondsFromFields(row.fields)), row.seconds);
-    }
-}
-
-TEST(WallTime, hasRoomForAllFieldsThatThereAre) {
-    const struct {
-        WallFields fields;
-        const char* seconds;
-    } rows[] = {
-        {{INT64_MAX, INT64_MAX, INT64_MAX, INT64_MAX, INT64_MAX, INT64_MAX}, "316147300474610206165595827"},
-        {{INT64_MIN, INT64_MIN, INT64_MIN, INT64_MIN, INT64_MIN, INT64_MIN}, "-316147300474610330539868288"},
-        {{INT64_MAX, INT64_MIN, 0, 0, 0, 0}, "266806382924737629680284800"},
-        {{INT64_MIN, INT64_MAX, 0, 0, 0, 0}, "-266806382924737754054467200"},
-        {{1970, INT64_MIN, 1, 0, 0, 0}, "-24255125720430699264739200"},
-        {{1970, INT64_MAX, 1, 0, 0, 0}, "24255125720430699256617600"},
-        {{1970, 1, INT64_MAX, 0, 0, 0}, "796899343984252629638400"},
-        {{1970, 1, INT64_MIN, 0, 0, 0}, "-796899343984252629897600"},
-        {{1970, 1, 1, INT64_MAX, INT64_MIN, 0}, "32650737010465906356720"},
-        {{1970, 1, 1, 0, 0, INT64_MIN}, "-9223372036854775808"},
-        {{1970, 1, 1, 0, 0, INT64_MAX}, "9223372036854775807"},
-        {{768614336404566620, INT64_MIN, 1, 0, 0, 0}, "-23760000"},
-        {{25252734927766554, 1, -9223372036854775800, 0, 0, 0}, "-62184585600"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(decimal(wallSecondsFromFields(row.fields)), row.seconds);
-    }
-}
-
-TEST(WallTime, agreesWithTheCLibraryAboutRandomFields) {
+    EXPECT_EQ(wall(2024, 13, 1), 1735689600);
+    EXPECT_EQ(wall(2021, 2, 29, 26, -1), 1614650340);
+    EXPECT_EQ(wall(0, 1, 1), -62167219200);
+    EXPECT_EQ(wall(292000000000, 1, 1), 9214629921832780800);
     std::mt19937_64 random(1);
     const auto between = [&random](int least, int greatest) {
         return std::uniform_int_distribution<int>(least, greatest)(random);
     };
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 50000; ++i) {
         struct tm fields = {};
         fields.tm_year = between(-3000, 3000);
         fields.tm_mon = between(-500, 500);
@@ -88,19 +37,34 @@ TEST(WallTime, agreesWithTheCLibraryAboutRandomFields) {
         fields.tm_hour = between(-1000000, 1000000);
         fields.tm_min = between(-1000000, 1000000);
         fields.tm_sec = between(-1000000, 1000000);
-        struct tm copy = fields;
-        const std::int64_t expected = timegm(&copy);
-        ASSERT_EQ(wall(fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
-                       fields.tm_min, fields.tm_sec),
-                  expected)
+        const models::Fields given{fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday,
+                                   fields.tm_hour,        fields.tm_min,     fields.tm_sec};
+        const std::int64_t expected = timegm(&fields); // which puts the fields into their ranges
+        ASSERT_EQ(wall(given.year, given.month, given.day, given.hour, given.minute, given.second), expected)
             << i;
+        ASSERT_TRUE(models::wallSeconds(given) == expected) << "the model";
+    }
+}
+
+TEST(WallTime, hasRoomForAllFieldsThatThereAre) {
+    std::mt19937_64 random(2);
+    for (int i = 0; i < 20000; ++i) {
+        std::int64_t values[6];
+        for (std::int64_t& value : values) {
+            const std::int64_t extremes[] = {INT64_MIN, INT64_MAX, 0, static_cast<std::int64_t>(random())};
+            value = extremes[random() % 4];
+        }
+        const auto [year, month, day, hour, minute, second] = values;
+        ASSERT_TRUE(wallSecondsFromFields({year, month, day, hour, minute, second}) ==
+                    models::wallSeconds({year, month, day, hour, minute, second}))
+            << kit::shown(models::Fields{year, month, day, hour, minute, second});
     }
 }
 
 /// One change of the clocks, far enough from the next ones.
 void compareAroundChange(const NSTimeZone& zone, std::int64_t change, const std::string& name) {
-    const std::int64_t before = zones::offsetAt(change - 1);
-    const std::int64_t after = zones::offsetAt(change);
+    const std::int64_t before = kit::offsetAt(change - 1);
+    const std::int64_t after = kit::offsetAt(change);
     const std::int64_t shownBefore = change + before;
     const std::int64_t shownAfter = change + after;
     for (const std::int64_t edge : {shownBefore, shownAfter, (shownBefore + shownAfter) / 2}) {
@@ -119,7 +83,7 @@ void compareAroundChange(const NSTimeZone& zone, std::int64_t change, const std:
 struct Seconds {
     explicit Seconds(std::int64_t middle) : from(middle - 130000), until(middle + 130000) {
         for (std::int64_t at = from; at < until; ++at) {
-            shown.push_back(at + zones::offsetAt(at));
+            shown.push_back(at + kit::offsetAt(at));
             first.emplace(shown.back(), at);
         }
     }
@@ -150,7 +114,7 @@ struct Seconds {
 /// For changes that come close after each other.
 void compareSecondBySecond(const NSTimeZone& zone, std::int64_t change, const std::string& name) {
     const Seconds model(change);
-    const std::int64_t shown = change + zones::offsetAt(change);
+    const std::int64_t shown = change + kit::offsetAt(change);
     for (std::int64_t step = -30000; step <= 30000; step += 599) {
         ASSERT_EQ(instantOfWallTime(shown + step, zone), model.instantOf(shown + step))
             << name << " " << change << " " << step;
@@ -160,17 +124,17 @@ void compareSecondBySecond(const NSTimeZone& zone, std::int64_t change, const st
 }
 
 TEST(WallTime, isRightAroundEveryChangeOfTheMachinesZones) {
-    const std::vector<std::string> names = zones::allNames();
+    const std::vector<std::string> names = kit::allZoneNames();
     if (names.empty()) {
         GTEST_SKIP() << "there are no zone files on this machine";
     }
     constexpr std::int64_t apart = 4 * secondsPerDay;
     int alone = 0;
     for (const std::string& name : names) {
-        const zones::Current current(name.c_str());
+        const kit::TimeZone current(name.c_str());
         const NSTimeZone zone = NSTimeZone::timeZoneWithName(name);
         ASSERT_TRUE(zone) << name;
-        const std::vector<std::int64_t> all = zones::changes(zone, wall(1900, 1, 1), wall(2060, 1, 1));
+        const std::vector<std::int64_t> all = kit::zoneChanges(zone, wall(1900, 1, 1), wall(2060, 1, 1));
         for (std::size_t i = 0; i < all.size(); ++i) {
             const bool isAlone = (i == 0 || all[i] - all[i - 1] > apart) &&
                                  (i + 1 == all.size() || all[i + 1] - all[i] > apart);
@@ -202,10 +166,10 @@ TEST(WallTime, isRightSecondBySecondAroundRemarkableChanges) {
     };
     int compared = 0;
     for (const auto& row : rows) {
-        if (!testing::hasZoneFile(row.zone)) {
+        if (!kit::hasZoneFile(row.zone)) {
             continue;
         }
-        const zones::Current current(row.zone);
+        const kit::TimeZone current(row.zone);
         compareSecondBySecond(NSTimeZone::systemTimeZone(), row.change, row.zone);
         ++compared;
     }
@@ -216,13 +180,13 @@ TEST(WallTime, isRightSecondBySecondAroundRemarkableChanges) {
 
 TEST(WallTime, showsAgainWhatItSkippedWhenClocksArePutBackSoonAfter) {
     // 00:00 to 01:00 at 10000, and back at 11800: 00:15 is skipped and then comes after all.
-    testing::ZoneData data;
+    kit::ZoneData data;
     data.changes = {10000, 11800};
     data.indexes = {1, 0};
     data.clocks = {{0, false, 0}, {3600, true, 0}};
     data.names = std::string("ODD", 4);
-    const scene::Folder folder;
-    const zones::Current current(folder.write("odd", data.bytes()).c_str());
+    const kit::ScratchFolder folder;
+    const kit::TimeZone current(folder.write("odd", data.bytes()).c_str());
     const NSTimeZone zone = NSTimeZone::systemTimeZone();
     ASSERT_EQ(zone.secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(11000)), 3600);
     EXPECT_EQ(instantOfWallTime(9999, zone), 9999);
@@ -238,33 +202,33 @@ TEST(WallTime, showsAgainWhatItSkippedWhenClocksArePutBackSoonAfter) {
 }
 
 TEST(WallTime, survivesZonesWhoseClocksJumpAsFarAsTheyMay) {
-    testing::ZoneData data;
+    kit::ZoneData data;
     for (int i = 0; i < 200; ++i) {
         data.changes.push_back(i * 700);
         data.indexes.push_back(static_cast<unsigned char>(i % 2));
     }
     data.clocks = {{-greatestZoneOffset, false, 0}, {greatestZoneOffset, true, 0}};
     data.names = std::string("ODD", 4);
-    const scene::Folder folder;
-    const zones::Current current(folder.write("wild", data.bytes()).c_str());
+    const kit::ScratchFolder folder;
+    const kit::TimeZone current(folder.write("wild", data.bytes()).c_str());
     const NSTimeZone zone = NSTimeZone::systemTimeZone();
     for (std::int64_t shown = -300000; shown < 300000; shown += 7) {
         const std::int64_t instant = instantOfWallTime(shown, zone);
         // Only clocks put forward skip a time, so the offset from before is the lower one.
         std::int64_t expected = shown + greatestZoneOffset;
         for (const std::int64_t offset : {-greatestZoneOffset, greatestZoneOffset}) {
-            expected = zones::offsetAt(shown - offset) == offset ? shown - offset : expected;
+            expected = kit::offsetAt(shown - offset) == offset ? shown - offset : expected;
         }
         ASSERT_EQ(instant, expected) << shown;
         const std::int64_t first = firstInstantFromWallTime(shown, zone);
-        ASSERT_GE(first + zones::offsetAt(first), shown);
-        ASSERT_LT(first - 1 + zones::offsetAt(first - 1), shown);
+        ASSERT_GE(first + kit::offsetAt(first), shown);
+        ASSERT_LT(first - 1 + kit::offsetAt(first - 1), shown);
     }
 }
 
 TEST(WallTime, isTheSameAtBothEndsOfTheCalendar) {
     for (const char* name : {"EST5EDT,M3.2.0,M11.1.0", "UTC0", "AAA-24:59:59BBB,0/0,J365/25"}) {
-        const scene::Variable variable("TZ", name);
+        const kit::TimeZone variable(name);
         const NSTimeZone zone = NSTimeZone::systemTimeZone();
         for (const std::int64_t shown : {-greatestCalendarSeconds, greatestCalendarSeconds}) {
             for (const std::int64_t step : {-86400 * 400, -1, 0, 1, 86400 * 400}) {

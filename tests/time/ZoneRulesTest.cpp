@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Zone files read: changes, footers, and data that lie.
 #include "foundation/time/ZoneRules.h"
 
 #include <cstring>
@@ -8,16 +9,10 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/CivilTime.h"
-#include "tests/time/TimeTesting.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation::detail {
 namespace {
-
-using ZQFoundation::testing::readFile;
-using ZQFoundation::testing::remarkableZones;
-using ZQFoundation::testing::ScopedTimeZone;
-using ZQFoundation::testing::simpleZone;
-using ZQFoundation::testing::ZoneData;
 
 /// From a copy of exactly the right size on the heap, so that a sanitizer sees every read beyond it.
 std::optional<ZoneRules> rulesOf(const std::string& bytes) {
@@ -25,7 +20,7 @@ std::optional<ZoneRules> rulesOf(const std::string& bytes) {
     std::memcpy(exact.get(), bytes.data(), bytes.size());
     return ZoneRules::fromZoneData(exact.get(), bytes.size());
 }
-std::optional<ZoneRules> rulesOf(const ZoneData& data) { return rulesOf(data.bytes()); }
+std::optional<ZoneRules> rulesOf(const kit::ZoneData& data) { return rulesOf(data.bytes()); }
 
 std::int64_t instant(std::int64_t year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
     std::int64_t days = 0;
@@ -42,7 +37,7 @@ std::string text(const ZonePeriod& period) {
 TEST(ZoneRules, readsRecordedChanges) {
     for (const char version : {'\0', '2', '3', '4'}) {
         SCOPED_TRACE(static_cast<int>(version));
-        ZoneData data = simpleZone();
+        kit::ZoneData data = kit::simpleZone();
         data.version = version;
         const std::optional<ZoneRules> rules = rulesOf(data);
         ASSERT_TRUE(rules);
@@ -65,9 +60,9 @@ TEST(ZoneRules, readsRecordedChanges) {
 }
 
 TEST(ZoneRules, prefersThe64BitTimes) {
-    ZoneData old = simpleZone();
+    kit::ZoneData old = kit::simpleZone();
     old.clocks[1].offset = 1;
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     data.changes = {-std::int64_t{1} << 40, std::int64_t{1} << 40};
     const std::string bytes =
         old.header('2', false) + old.block(4) + data.header('2', false) + data.block(8) + "\n\n";
@@ -78,7 +73,7 @@ TEST(ZoneRules, prefersThe64BitTimes) {
 }
 
 TEST(ZoneRules, followsTheFooterAfterTheLastChange) {
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     data.footer = "AAA-1BBB,M3.5.0,M10.5.0/3";
     const std::optional<ZoneRules> rules = rulesOf(data);
     ASSERT_TRUE(rules);
@@ -90,7 +85,7 @@ TEST(ZoneRules, followsTheFooterAfterTheLastChange) {
 }
 
 TEST(ZoneRules, appliesTheFooterToAllTimeWhenThereAreNoChanges) {
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     data.changes.clear();
     data.indexes.clear();
     EXPECT_EQ(text(rulesOf(data)->periodAt(0)), "OLD -100");
@@ -100,7 +95,7 @@ TEST(ZoneRules, appliesTheFooterToAllTimeWhenThereAreNoChanges) {
 }
 
 TEST(ZoneRules, passesOverLeapSeconds) {
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     data.footer = "AAA-1";
     const std::optional<ZoneRules> without = rulesOf(data);
     data.leapSeconds = 27;
@@ -110,7 +105,7 @@ TEST(ZoneRules, passesOverLeapSeconds) {
 
 TEST(ZoneRules, refusesDataCutShortAnywhere) {
     for (const char version : {'\0', '2'}) {
-        ZoneData data = simpleZone();
+        kit::ZoneData data = kit::simpleZone();
         data.version = version;
         data.flags = 3;
         data.leapSeconds = 2;
@@ -125,7 +120,7 @@ TEST(ZoneRules, refusesDataCutShortAnywhere) {
 }
 
 TEST(ZoneRules, survivesAnyByteBeingAnything) {
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     data.footer = "AAA-1BBB,M3.5.0,M10.5.0/3";
     const std::string bytes = data.bytes();
     std::size_t accepted = 0;
@@ -150,75 +145,75 @@ TEST(ZoneRules, survivesAnyByteBeingAnything) {
 
 struct Contradiction {
     const char* what;
-    void (*spoil)(ZoneData&);
+    void (*spoil)(kit::ZoneData&);
 };
 
 const Contradiction contradictions[] = {
     {"changes out of order",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.changes = {2000, 1000};
      }},
     {"the same change twice",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.changes = {1000, 1000};
      }},
     {"an index beyond the clocks",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.indexes[1] = 3;
      }},
     {"a name beyond the names",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.clocks[0].nameStart = 12;
      }},
     {"a last name without an end",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.names.back() = 'X';
      }},
     {"a name that does not print",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.names[0] = '\n';
      }},
     {"a name that is not ASCII",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.names[0] = '\xe9';
      }},
     {"no names",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.names.clear();
      }},
     {"no clocks",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.clocks.clear(), data.changes.clear(), data.indexes.clear();
      }},
     {"an offset of 26 hours",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.clocks[0].offset = 93600;
      }},
     {"an offset of -26 hours",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.clocks[0].offset = -93600;
      }},
     {"the least offset there is",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.clocks[0].offset = INT32_MIN;
      }},
     {"flags for some clocks only",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.flags = 2;
      }},
     {"a footer that is no rule",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.footer = "AAA";
      }},
     {"an unknown version",
-     [](ZoneData& data) {
+     [](kit::ZoneData& data) {
          data.version = '1';
      }},
 };
 
 TEST(ZoneRules, refusesDataThatContradictThemselves) {
     for (const Contradiction& row : contradictions) {
-        ZoneData data = simpleZone();
+        kit::ZoneData data = kit::simpleZone();
         ASSERT_TRUE(rulesOf(data));
         row.spoil(data);
         EXPECT_FALSE(rulesOf(data)) << row.what;
@@ -228,7 +223,7 @@ TEST(ZoneRules, refusesDataThatContradictThemselves) {
 TEST(ZoneRules, refusesCountsThatTheDataCannotHold) {
     // The six counts of the header, each with the greatest number there is; alone and all at once.
     for (const char version : {'\0', '2'}) {
-        ZoneData data = simpleZone();
+        kit::ZoneData data = kit::simpleZone();
         data.version = version;
         std::string all = data.bytes();
         for (std::size_t count = 0; count < 6; ++count) {
@@ -242,7 +237,7 @@ TEST(ZoneRules, refusesCountsThatTheDataCannotHold) {
 }
 
 TEST(ZoneRules, refusesDataBeyondItsLimit) {
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     std::string bytes = data.bytes();
     bytes.append(ZoneRules::greatestFileSize - bytes.size(), '\0');
     EXPECT_TRUE(rulesOf(bytes));
@@ -251,23 +246,18 @@ TEST(ZoneRules, refusesDataBeyondItsLimit) {
 }
 
 TEST(ZoneRules, tellsRulesApart) {
-    ZoneData data = simpleZone();
+    kit::ZoneData data = kit::simpleZone();
     EXPECT_EQ(*rulesOf(data), *rulesOf(data));
-    ZoneData other = data;
+    kit::ZoneData other = data;
     other.footer = "AAA-1";
     EXPECT_FALSE(*rulesOf(data) == *rulesOf(other));
 }
 
 /// Compares with the C library at `count` instants from 1900 to 2100, and around every change that is met.
 void compareWithTheCLibrary(const std::string& name, int count) {
-    const std::optional<std::string> bytes = readFile(testing::zoneFolder + ("/" + name));
-    if (!bytes) {
-        return;
-    }
-    const std::optional<ZoneRules> rules = rulesOf(*bytes);
+    const std::optional<ZoneRules> rules = rulesOf(kit::contentsOf(kit::zoneFolder + ("/" + name)));
     ASSERT_TRUE(rules) << name;
-    const ScopedTimeZone scope(name.c_str());
-    tzset();
+    const kit::TimeZone scope(name.c_str());
     std::mt19937_64 random(std::hash<std::string>()(name));
     std::uniform_int_distribution<std::int64_t> between(instant(1900, 1, 1), instant(2100, 1, 1));
     for (int i = 0; i < count; ++i) {
@@ -289,13 +279,12 @@ void compareWithTheCLibrary(const std::string& name, int count) {
 
 TEST(ZoneRules, agreesWithTheCLibraryForTheMachinesZones) {
     int compared = 0;
-    for (const char* name : remarkableZones) {
-        if (testing::hasZoneFile(name)) {
+    for (const char* name : kit::remarkableZones) {
+        if (kit::hasZoneFile(name)) {
             ++compared;
             compareWithTheCLibrary(name, 2000);
         }
     }
-    tzset();
     if (compared == 0) {
         GTEST_SKIP() << "there are no zone files on this machine";
     }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The zones of the process: what TZ may say, threads and forked children.
 #include "foundation/time/ZoneTable.h"
 
 #include <atomic>
@@ -14,16 +15,10 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/time/TimeTesting.h"
+#include "tests/kit/Zones.h"
 
 namespace ZQFoundation::detail {
 namespace {
-
-using ZQFoundation::testing::ScopedEnvironment;
-using ZQFoundation::testing::ScopedFolder;
-using ZQFoundation::testing::ScopedTimeZone;
-using ZQFoundation::testing::simpleZone;
-using ZQFoundation::testing::ZoneData;
 
 constexpr std::int64_t winter = 1709643629; // 2024-03-05 13:00:29 UTC
 constexpr std::int64_t summer = 1720000000;
@@ -34,18 +29,13 @@ const Zone* zoneNamed(std::string_view name) { return namedZone(name.data(), nam
 class ZoneTable : public ::testing::Test {
 protected:
     ZoneTable() : folder_("TZDIR", files_.path().c_str()) {
-        mkdir((files_.path() + "/Test").c_str(), 0700);
         write("Test/Zone", 3600);
         forgetProcessZone();
     }
-    ~ZoneTable() override {
-        unlink((files_.path() + "/Test/Zone").c_str());
-        rmdir((files_.path() + "/Test").c_str());
-        forgetProcessZone();
-    }
+    ~ZoneTable() override { forgetProcessZone(); }
 
     std::string write(const std::string& name, int offset) {
-        ZoneData data;
+        kit::ZoneData data;
         data.clocks = {{offset, false, 0}};
         data.names = std::string("TST", 4);
         return files_.write(name, data.bytes());
@@ -60,9 +50,10 @@ protected:
         return zoneName(*processZone());
     }
 
-    ScopedFolder files_;
-    ScopedEnvironment folder_;
-    ScopedTimeZone zone_{"UTC"};
+    kit::ScratchFolder files_;
+    kit::Variable folder_;
+    // Not for the C library, which would wait for a writer of the FIFO below.
+    kit::Variable zone_{"TZ", "UTC"};
 };
 
 TEST_F(ZoneTable, understandsEveryFormOfTheVariable) {
@@ -83,7 +74,7 @@ TEST_F(ZoneTable, takesNonsenseForUtc) {
     write("not-a-zone", 3600);
     files_.write("not-a-zone", "TZif2 and then nothing of use");
     files_.write("empty", "");
-    mkfifo(files_.claim("fifo").c_str(), 0600);
+    mkfifo((files_ / "fifo").c_str(), 0600);
     const std::string big = std::string(100000, 'x');
     const std::string rows[] = {"",
                                 ":",
@@ -203,7 +194,7 @@ TEST_F(ZoneTable, knowsUtcAndGmtWithoutFiles) {
 TEST_F(ZoneTable, namesALinkedFileAfterItsTarget) {
     ASSERT_EQ(mkdir((files_.path() + "/zoneinfo").c_str(), 0700), 0);
     write("zoneinfo/There", 3600);
-    const std::string link = files_.claim("link");
+    const std::string link = (files_ / "link");
     ASSERT_EQ(symlink("zoneinfo/There", link.c_str()), 0);
     // Only a marker with both slashes counts.
     EXPECT_EQ(nameFor(link.c_str()), link);
