@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Copies of one large file and of a tree of small ones, on the disk (TMPDIR or /tmp) and in memory
-// (/dev/shm). Making the source and removing the copy are not part of the time.
+// Copies of one large file and of a tree of small ones, and moves of such a tree, on the disk (TMPDIR or
+// /tmp) and in memory (/dev/shm). Making the source and removing the copy are not part of the time.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <spawn.h>
@@ -128,12 +128,34 @@ bool library(const std::string& source, const std::string& copy) {
     return ZQFoundation::NSFileManager::defaultManager().copyItemAtPath_toPath_error(source, copy);
 }
 
+/// The copy is on the disk before the source goes.
+bool moveBase(const std::string& source, const std::string& copy) {
+    return run({"cp", "-a", source, copy}) && run({"sync", "-f", copy}) && run({"rm", "-r", source});
+}
+
+bool moveByLibrary(const std::string& source, const std::string& copy) {
+    return ZQFoundation::ZQFileMigrator::migrateFolder(source, copy, {}).code ==
+           ZQFoundation::kFileMigrationSuccess;
+}
+
+bool moveAsBatch(const std::string& source, const std::string& copy) {
+    const auto result = ZQFoundation::ZQFileMigrator::migrateFiles(
+        nullptr, source, copy, {.createDestinationParentFolder = true, .includeDotFiles = true});
+    return result.codes.count() == std::size_t{folderCount} * filesPerFolder;
+}
+
+bool migrateACopy(const std::string& source, const std::string& copy) {
+    return ZQFoundation::ZQFileMigrator::migrateFolder(source, copy, {.keepOriginal = true}).code ==
+           ZQFoundation::kFileMigrationSuccess;
+}
+
 /// One kind of work in one place: the source, made at its first use, and a way to name copies.
 struct Work {
     const char* place;
     const char* name;
     Make make;
-    bool isKept; ///< whether copies stay until the end
+    bool isKept;      ///< whether copies stay until the end
+    bool takesSource; ///< a move: the source is made anew each time
     std::string source;
 };
 
@@ -147,11 +169,11 @@ Scratch& scratchIn(const char* place) {
 }
 
 void measure(benchmark::State& state, Work* work, Copy copy) {
-    if (work->source.empty()) {
-        work->source = scratchIn(work->place).newName();
-        work->make(work->source);
-    }
     for (auto _ : state) {
+        if (work->source.empty() || work->takesSource) {
+            work->source = scratchIn(work->place).newName();
+            work->make(work->source);
+        }
         const std::string copyPath = scratchIn(work->place).newName();
         ::sync(); // what was written before is not to be paid for by the copy
         const auto start = std::chrono::steady_clock::now();
@@ -164,6 +186,9 @@ void measure(benchmark::State& state, Work* work, Copy copy) {
         if (!work->isKept) {
             std::filesystem::remove_all(copyPath);
         }
+        if (work->takesSource) {
+            std::filesystem::remove_all(work->source); // a batch leaves the folders
+        }
     }
 }
 
@@ -171,30 +196,42 @@ bool isInstalled(const char* program) {
     return run({"sh", "-c", std::string("command -v ") + program + " >/dev/null"});
 }
 
+void addRows(Work& work, const std::vector<std::pair<const char*, Copy>>& contenders) {
+    for (const auto& [who, copy] : contenders) {
+        const bool isOfFolders = copy == migrateACopy && work.make == makeOneFile;
+        if (::access(work.place, W_OK) == 0 && !isOfFolders) {
+            const std::string name = std::string(work.name) + "/" + who;
+            benchmark::RegisterBenchmark(name.c_str(), measure, &work, copy)
+                ->Iterations(1)
+                ->UseManualTime()
+                ->Unit(benchmark::kMillisecond);
+        }
+    }
+}
+
 [[maybe_unused]] const bool areRegistered = [] {
     const char* const temporary = std::getenv("TMPDIR");
     const char* const disk = temporary != nullptr ? temporary : "/tmp";
     static Work works[] = {
-        {disk, "one file of 1 GiB on disk", makeOneFile, false, {}},
-        {disk, "20,000 files of 4 KiB in 200 folders on disk", makeTree, true, {}},
-        {"/dev/shm", "one file of 1 GiB in memory", makeOneFile, false, {}},
-        {"/dev/shm", "20,000 files of 4 KiB in 200 folders in memory", makeTree, false, {}},
+        {disk, "one file of 1 GiB on disk", makeOneFile, false, false, {}},
+        {disk, "20,000 files of 4 KiB in 200 folders on disk", makeTree, true, false, {}},
+        {"/dev/shm", "one file of 1 GiB in memory", makeOneFile, false, false, {}},
+        {"/dev/shm", "20,000 files of 4 KiB in 200 folders in memory", makeTree, false, false, {}},
     };
-    std::vector<std::pair<const char*, Copy>> contenders = {
-        {"base", base}, {"filesystem", filesystem}, {"library", library}};
+    static Work moves[] = {
+        {disk, "moving 20,000 files of 4 KiB on disk", makeTree, false, true, {}},
+        {"/dev/shm", "moving 20,000 files of 4 KiB in memory", makeTree, false, true, {}},
+    };
+    std::vector<std::pair<const char*, Copy>> copiers = {
+        {"base", base}, {"filesystem", filesystem}, {"library", library}, {"migration", migrateACopy}};
     if (isInstalled("rsync")) {
-        contenders.emplace_back("rsync", rsync);
+        copiers.emplace_back("rsync", rsync);
     }
     for (Work& work : works) {
-        for (const auto& [who, copy] : contenders) {
-            if (::access(work.place, W_OK) == 0) {
-                const std::string name = std::string(work.name) + "/" + who;
-                benchmark::RegisterBenchmark(name.c_str(), measure, &work, copy)
-                    ->Iterations(1)
-                    ->UseManualTime()
-                    ->Unit(benchmark::kMillisecond);
-            }
-        }
+        addRows(work, copiers);
+    }
+    for (Work& work : moves) {
+        addRows(work, {{"base", moveBase}, {"library", moveByLibrary}, {"batch", moveAsBatch}});
     }
     return true;
 }();

@@ -1,43 +1,197 @@
 // SPDX-License-Identifier: MIT
-// Migration of all files of one extension, file by file.
-#include "migration/BatchSelection.h"
-#include "migration/FilesOnDisk.h"
-#include "migration/ZQFileMigrator.h"
+// Migration of all files of one extension below a folder.
+#include "migration/BatchMigration.h"
 
-namespace ZQFoundation {
+#include <algorithm>
+
+#include "foundation/files/PathHandle.h"
+#include "foundation/system/OpenFolders.h"
+#include "migration/FlushedFolder.h"
+
+namespace ZQFoundation::detail {
 
 namespace {
 
-NSDictionary failureOfTheWhole(ZQFileMigrationRetvalType code) {
-    return NSDictionary{{"", static_cast<std::uint32_t>(code)}};
+// Flushing costs more than copying a small file, so it is done for many at once; but what is not flushed yet
+// is twice on the disk, and each folder of a window takes two descriptors.
+constexpr std::size_t maxWindowFiles = 512;
+constexpr std::size_t maxWindowFolders = 32;
+constexpr std::uint64_t maxWindowBytes = std::uint64_t{256} << 20;
+
+/// Destinations of the folders between the start and the current one that stay open.
+constexpr std::size_t maxOpenDestinations = 16;
+
+/// Whether the folder is that one, or one above it.
+bool leadsTo(const std::string& folder, const std::string& path) {
+    return folder.empty() || path == folder ||
+           (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+            path[folder.size()] == '/');
 }
 
 } // namespace
 
-NSDictionary ZQFileMigrator::
-    migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-        const NSString& extension, const NSString& source, const NSString& destination, bool includeDotFiles,
-        bool keepOriginal, bool createDestinationParentFolder, bool overwriteDestinationFile,
-        bool renameIfDestinationFileExists) {
-    if (!source) {
-        return failureOfTheWhole(kFileMigrationSourceNotSpecified);
+bool BatchMigration::openSource() {
+    std::string bytes;
+    PathHandle handle;
+    if (!getPathBytes(wishes_.source, bytes) || !handle.reach(bytes)) {
+        return false;
     }
-    if (!destination) {
-        return failureOfTheWhole(kFileMigrationDestinationNotSpecified);
+    // The start itself may be a link.
+    Descriptor start(openAt(handle.folder(), handle.name(), folderFlags & ~O_NOFOLLOW));
+    if (start) {
+        files_.emplace(std::move(start), wishes_.extension, wishes_.includeDotFiles, !changesNothing_);
     }
-    const NSString sourceFolder = source.stringByExpandingTildeInPath();
-    const NSString destinationFolder = destination.stringByExpandingTildeInPath();
-    const detail::FilesOnDisk files;
-    detail::BatchSelection selection(files, extension, sourceFolder, includeDotFiles);
-    NSMutableDictionary results;
-    while (const NSString path = selection.next()) {
-        const ZQFileMigrationRetvalType code =
-            migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-                selection.file(), destinationFolder.stringByAppendingPathComponent(path), keepOriginal,
-                createDestinationParentFolder, overwriteDestinationFile, renameIfDestinationFileExists);
-        results.setObject_forKey(static_cast<std::uint32_t>(code), path);
-    }
-    return results.dictionary();
+    return files_.has_value();
 }
 
-} // namespace ZQFoundation
+void BatchMigration::run() {
+    if (!openSource()) {
+        return;
+    }
+    while (files_->nextItem()) {
+        struct stat target;
+        if (files_->getLinkTarget(target) && isSourcePending(target)) {
+            finishWindow(); // the link is going to lead nowhere
+        }
+        if (!files_->isFile()) {
+            continue;
+        }
+        if (!observer_.willMigrate(files_->relativePath())) {
+            break;
+        }
+        migrateItem();
+    }
+    finishWindow();
+}
+
+void BatchMigration::plan() {
+    changesNothing_ = true;
+    if (!openSource()) {
+        return;
+    }
+    while (files_->nextItem()) {
+        if (!files_->isFile()) {
+            continue;
+        }
+        const NSString path = files_->relativePath();
+        if (!observer_.willMigrate(path)) {
+            return;
+        }
+        const MigrationPlan plan = migrationOfItem()->plan(destinationOfItem());
+        observer_.didMigrate(path, plan.code, plan.destination);
+    }
+}
+
+std::unique_ptr<ItemMigration> BatchMigration::migrationOfItem() {
+    const NSString path = files_->relativePath();
+    ItemPlace place;
+    files_->getPlace(place);
+    return std::make_unique<ItemMigration>(
+        fileKind, wishes_.policy, wishes_.source.stringByAppendingPathComponent(path), std::move(place),
+        wishes_.destination.stringByAppendingPathComponent(path));
+}
+
+/// Each folder is found once. Those that lead to the current one stay known.
+DestinationFolder& BatchMigration::destinationOfItem() {
+    const std::string folder = files_->folderPath();
+    while (!levels_.empty() && !leadsTo(levels_.back().folder, folder)) {
+        levels_.pop_back();
+    }
+    if (levels_.empty() || levels_.back().folder != folder) {
+        const NSString path = wishes_.destination.stringByAppendingPathComponent(files_->relativePath());
+        levels_.push_back({folder, std::make_unique<DestinationFolder>(
+                                       path.stringByDeletingLastPathComponent(), !changesNothing_)});
+        if (levels_.size() > maxOpenDestinations) {
+            levels_[levels_.size() - maxOpenDestinations - 1].destination->close();
+        }
+    }
+    return *levels_.back().destination;
+}
+
+void BatchMigration::migrateItem() {
+    const NSString path = files_->relativePath();
+    std::unique_ptr<ItemMigration> migration;
+    ZQFileMigrationRetvalType code = copyItem(migration);
+    if (code != kFileMigrationSuccess && !window_.empty() && (errno == EMFILE || errno == ENFILE)) {
+        finishWindow(); // which gives descriptors back
+        code = copyItem(migration);
+    }
+    if (code == kFileMigrationSuccess && !wishes_.policy.keepOriginal) {
+        migration->closeSource();
+        windowBytes_ += static_cast<std::uint64_t>(migration->copiedItem().st_size);
+        window_.push_back({path, std::move(migration)});
+        if (isWindowFull()) {
+            finishWindow();
+        }
+        return;
+    }
+    if (code == kFileMigrationSuccess) {
+        migration->announceCopy();
+    }
+    observer_.didMigrate(path, code, migration->destination());
+}
+
+ZQFileMigrationRetvalType BatchMigration::copyItem(std::unique_ptr<ItemMigration>& migration) {
+    errno = 0;
+    migration = migrationOfItem();
+    DestinationFolder& parent = destinationOfItem();
+    migration->plan(parent);
+    // What is in the way may be gone when the files before are.
+    if (std::any_of(window_.begin(), window_.end(), [&](const Pending& each) {
+            return migration->isInTheWay(each.migration->copiedItem());
+        })) {
+        finishWindow();
+        migration->plan(parent);
+    }
+    const ZQFileMigrationRetvalType code = migration->makeParent(parent);
+    return code != kFileMigrationSuccess
+               ? code
+               : migration->copy({false, wishes_.policy.overwrite ? &made_ : nullptr, &observer_});
+}
+
+bool BatchMigration::isSourcePending(const struct stat& item) const noexcept {
+    return std::any_of(window_.begin(), window_.end(),
+                       [&](const Pending& each) { return isSameItem(each.migration->copiedItem(), item); });
+}
+
+bool BatchMigration::isWindowFull() const noexcept {
+    std::size_t folders = 1;
+    for (std::size_t index = 1; index < window_.size(); ++index) {
+        folders += window_[index].migration->target().sharedFolder() !=
+                           window_[index - 1].migration->target().sharedFolder()
+                       ? 1
+                       : 0;
+    }
+    return window_.size() >= maxWindowFiles || windowBytes_ >= maxWindowBytes || folders > maxWindowFolders;
+}
+
+void BatchMigration::finishWindow() {
+    std::vector<std::pair<dev_t, bool>> flushed;
+    for (const Pending& each : window_) {
+        isFlushed(*each.migration, flushed);
+    }
+    for (const Pending& each : window_) {
+        each.migration->announceCopy();
+        const ZQFileMigrationRetvalType code = isFlushed(*each.migration, flushed)
+                                                   ? each.migration->removeSource()
+                                                   : kFileMigrationSourceFileCannotBeRemoved;
+        observer_.didMigrate(each.path, code, each.migration->destination());
+    }
+    window_.clear();
+    windowBytes_ = 0;
+}
+
+/// Flushes the file system of the copy, once for each of a window.
+bool BatchMigration::isFlushed(const ItemMigration& migration,
+                               std::vector<std::pair<dev_t, bool>>& flushed) const {
+    const dev_t device = migration.madeItem().st_dev;
+    for (const auto& [known, result] : flushed) {
+        if (known == device) {
+            return result;
+        }
+    }
+    flushed.emplace_back(device, flushFileSystemOf(migration.target()));
+    return flushed.back().second;
+}
+
+} // namespace ZQFoundation::detail

@@ -9,16 +9,24 @@ namespace ZQFoundation::detail {
 
 inline constexpr std::uint64_t defaultAttempts = 100000;
 
-/// The first numbered candidate that is free, from 1 to `maxAttempts`; nil when there is none.
+/// The first numbered candidate that is free, from 1 to `maxAttempts`; nil when there is none, and when a
+/// candidate is nil.
 template <class Candidate, class IsFree>
 NSString firstFree(std::uint64_t maxAttempts, const Candidate& candidate, const IsFree& isFree) {
     for (std::uint64_t counter = 1; counter <= maxAttempts; ++counter) {
         NSString name = candidate(static_cast<std::int64_t>(counter));
-        if (isFree(name)) {
+        if (!name || isFree(name)) {
             return name;
         }
     }
     return nullptr;
+}
+
+/// "<stem><intermediate string><counter>.<extension>". The period is there without an extension too.
+inline NSString numberedPath(const NSString& stem, StringView intermediateString, std::int64_t counter,
+                             const NSString& extension) {
+    return NSString::stringWithFormat(
+        "%@%@%ld.%@", stem, intermediateString ? intermediateString : StringView(""), counter, extension);
 }
 
 /// The path itself when it is free, else the first numbered one that is; nil when none is.
@@ -31,9 +39,7 @@ NSString freePath(const NSString& path, StringView intermediateString, std::uint
     const NSString stem = path.stringByDeletingPathExtension();
     const NSString extension = path.pathExtension();
     const auto candidate = [&](std::int64_t counter) {
-        // The period stands there without an extension too.
-        return NSString::stringWithFormat(
-            "%@%@%ld.%@", stem, intermediateString ? intermediateString : StringView(""), counter, extension);
+        return numberedPath(stem, intermediateString, counter, extension);
     };
     return firstFree(maxAttempts, candidate, isFree);
 }

@@ -3,8 +3,14 @@
 #ifndef ZQFOUNDATION_MIGRATION_ITEMMIGRATION_H
 #define ZQFOUNDATION_MIGRATION_ITEMMIGRATION_H
 
+#include <optional>
+
+#include "foundation/files/CopyRecord.h"
+#include "foundation/files/ItemCopy.h"
+#include "foundation/files/ItemPlace.h"
 #include "foundation/objects/ClassesByName.h"
-#include "migration/FreePath.h"
+#include "migration/DestinationFolder.h"
+#include "migration/MadeItems.h"
 #include "migration/ZQFileMigrator.h"
 
 namespace ZQFoundation::detail {
@@ -19,20 +25,8 @@ struct MigratedKind {
     ZQFileMigrationRetvalType writingFailed;
 };
 
-inline constexpr MigratedKind fileKind{false,
-                                       "NSWorkspace",
-                                       kFileMigrationDestinationFileExists,
-                                       kFileMigrationDestinationIsFolder,
-                                       kFileMigrationDestinationFileOverwritingFailed,
-                                       kFileMigrationDestinationFileWritingFailed};
-
-// The desktop is told of files only: no process is expected to have a class of this name.
-inline constexpr MigratedKind folderKind{true,
-                                         "SomeClass",
-                                         kFileMigrationDestinationFolderExists,
-                                         kFileMigrationDestinationIsFile,
-                                         kFileMigrationDestinationFolderOverwritingFailed,
-                                         kFileMigrationDestinationFolderWritingFailed};
+extern const MigratedKind fileKind;
+extern const MigratedKind folderKind;
 
 struct MigrationPolicy {
     bool keepOriginal = false;
@@ -41,130 +35,99 @@ struct MigrationPolicy {
     bool renameIfExists = false;
 };
 
-/// One migration; each step answers success to go on.
+/// What a migration would do, found by looking.
+struct MigrationPlan {
+    ZQFileMigrationRetvalType code = kFileMigrationSuccess; ///< success, or why nothing would be done
+    bool makesParent = false;
+    bool replaces = false; ///< what is at the destination is removed first
+    NSString destination;  ///< where the copy is to be; nil when no name is free
+};
+
+/// One file or folder on its way. The steps of a move are calls of their own, so that many files can be
+/// flushed to the disk together:
 ///
-/// All that touches the disk goes through `Files`, so that the same steps serve a real run (`FilesOnDisk`)
-/// and a trial that changes nothing. Kind, policy and files must outlive the migration.
-template <class Files>
+///     plan, copy, announceCopy, (what was copied is flushed), removeSource
+///
+/// The protocol by which nothing is lost is in docs/migration.md.
 class ItemMigration {
 public:
-    ItemMigration(Files& files, const MigratedKind& kind, const MigrationPolicy& policy,
-                  const NSString& source, const NSString& destination)
-        : files_(files), kind_(kind), policy_(policy), source_(source.stringByExpandingTildeInPath()),
-          sourceParent_(source_.stringByDeletingLastPathComponent()),
-          destination_(destination.stringByExpandingTildeInPath()),
-          destinationParent_(destination_.stringByDeletingLastPathComponent()),
-          workspace_(NSClassFromString(kind.workspaceClass)) {}
+    /// `source` and `destination` are whole paths, "~" expanded; `place` is where the source is. A place that
+    /// was not found stands for a source that does not exist. Kind must outlive the migration.
+    ItemMigration(const MigratedKind& kind, const MigrationPolicy& policy, const NSString& source,
+                  ItemPlace place, const NSString& destination);
 
-    ZQFileMigrationRetvalType run() {
-        using Step = ZQFileMigrationRetvalType (ItemMigration::*)();
-        for (const Step step :
-             {&ItemMigration::testSource, &ItemMigration::prepareParent, &ItemMigration::chooseDestination,
-              &ItemMigration::clearDestination, &ItemMigration::copy, &ItemMigration::removeSource}) {
-            if (const ZQFileMigrationRetvalType code = (this->*step)(); code != kFileMigrationSuccess) {
-                return code;
-            }
-        }
-        return kFileMigrationSuccess;
-    }
+    /// Changes nothing.
+    const MigrationPlan& plan(DestinationFolder& parent);
 
-    /// Where the copy is, or was to be; after `run` the name that was chosen.
-    const NSString& destination() const noexcept { return destination_; }
+    /// Makes the parent folder if that was planned, and plans again.
+    ZQFileMigrationRetvalType makeParent(DestinationFolder& parent);
+
+    /// What is wanted of a copy.
+    struct CopyWishes {
+        bool isFlushed = false;    ///< the copy is on the disk before it takes its name
+        MadeItems* made = nullptr; ///< what the same run has made: it is not replaced
+        CopyObserver* observer = nullptr;
+    };
+
+    /// By the plan: removes what is to be replaced, and copies. The copy takes its name when it is complete;
+    /// after a failure nothing is there.
+    ZQFileMigrationRetvalType copy(const CopyWishes& wishes);
+
+    void announceCopy() const;
+
+    /// Gives the source's descriptor back; a file is opened again for its removal.
+    void closeSource() noexcept { opened_.reset(); }
+
+    /// Removes what was copied and is unchanged, and nothing else.
+    ZQFileMigrationRetvalType removeSource();
+
+    /// Where the copy is, or was to be.
+    const NSString& destination() const noexcept { return plan_.destination; }
+    const ItemPlace& target() const noexcept { return target_; }
+
+    /// What exists at the destination, by the last plan: one of two items where that is a link.
+    bool isInTheWay(const struct stat& item) const noexcept;
+    const struct stat& copiedItem() const noexcept { return copied_; }
+    const struct stat& madeItem() const noexcept { return made_; }
 
 private:
-    ZQFileMigrationRetvalType testSource() {
-        bool isDirectory = false;
-        if (!files_.exists(source_, &isDirectory)) {
-            return kFileMigrationSourceDoesNotExist;
-        }
-        if (isDirectory != kind_.isFolder) {
-            return kind_.isFolder ? kFileMigrationSourceIsFile : kFileMigrationSourceIsFolder;
-        }
-        if (!kind_.isFolder && !files_.isReadable(source_)) {
-            return kFileMigrationSourceFileUnreadable;
-        }
-        return kFileMigrationSuccess;
-    }
+    ZQFileMigrationRetvalType testSource() const;
+    ZQFileMigrationRetvalType testParent(DestinationFolder& parent);
+    ZQFileMigrationRetvalType chooseDestination(const DestinationFolder& parent);
+    ZQFileMigrationRetvalType testHarm(bool exists) const;
+    bool look();
 
-    ZQFileMigrationRetvalType prepareParent() {
-        bool isDirectory = false;
-        if (files_.exists(destinationParent_, &isDirectory)) {
-            return isDirectory ? kFileMigrationSuccess : kFileMigrationDestinationParentFolderIsFile;
-        }
-        if (!policy_.createParent) {
-            return kFileMigrationDestinationParentFolderDoesNotExist;
-        }
-        // No folder is made inside the source for a copy that cannot be.
-        if (files_.standsInside(destination_, source_)) {
-            return kind_.writingFailed;
-        }
-        return files_.makeFolders(destinationParent_) ? kFileMigrationSuccess
-                                                      : kFileMigrationDestinationParentFolderCreationFailed;
-    }
+    bool removeExisting(const MadeItems* made);
+    bool removeExistingFolder(const struct stat& present);
+    bool removeExistingFile(const struct stat& present);
 
-    /// The directory flag is written only by a test that finds something. So a free name for a folder that is
-    /// in the way of a file does not help: the flag stays as the first test has set it.
-    ZQFileMigrationRetvalType chooseDestination() {
-        bool isDirectory = kind_.isFolder;
-        destinationExists_ = files_.exists(destination_, &isDirectory);
-        if (destinationExists_ && !policy_.overwrite) {
-            if (!policy_.renameIfExists) {
-                return kind_.exists;
-            }
-            destination_ = freePath(destination_, " ", defaultAttempts, [this](const NSString& candidate) {
-                return !files_.exists(candidate, nullptr);
-            });
-            destinationExists_ = files_.exists(destination_, &isDirectory);
-        }
-        return isDirectory == kind_.isFolder ? kFileMigrationSuccess : kind_.otherKindExists;
-    }
+    bool makeCopy(const CopyWishes& wishes);
+    bool copyFile(const CopyWishes& wishes);
+    enum class Naming { done, failed, impossible };
+    Naming copyUnnamed(int source, const CopyWishes& wishes);
+    bool copyHidden(int source, const CopyWishes& wishes);
+    bool copySpecial();
+    bool copyTree(const CopyWishes& wishes);
+    bool fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes);
 
-    ZQFileMigrationRetvalType clearDestination() {
-        if (!destination_) {
-            return kind_.writingFailed; // every numbered name is taken
-        }
-        if (destinationExists_ && files_.removalWouldHarm(destination_, source_)) {
-            return kind_.overwritingFailed;
-        }
-        // The copy would fail, and the source would not be whole any more without what is removed from it.
-        if (files_.standsInside(destination_, source_)) {
-            return kind_.writingFailed;
-        }
-        // What has come to stand at a name that was free is not ours to remove; the copy will not replace it.
-        if (destinationExists_ && policy_.overwrite && !files_.removeItem(destination_)) {
-            return kind_.overwritingFailed;
-        }
-        return kFileMigrationSuccess;
-    }
+    bool removeTree();
+    bool removeFile();
+    bool removeSpecial();
 
-    ZQFileMigrationRetvalType copy() {
-        if (!files_.copyItem(source_, destination_)) {
-            return kind_.writingFailed;
-        }
-        files_.announceChange(workspace_, destinationParent_);
-        return kFileMigrationSuccess;
-    }
-
-    ZQFileMigrationRetvalType removeSource() {
-        if (policy_.keepOriginal) {
-            return kFileMigrationSuccess;
-        }
-        if (!files_.removeItem(source_)) {
-            return kFileMigrationSourceFileCannotBeRemoved;
-        }
-        files_.announceChange(workspace_, sourceParent_);
-        return kFileMigrationSuccess;
-    }
-
-    Files& files_;
     const MigratedKind& kind_;
-    const MigrationPolicy& policy_;
+    MigrationPolicy policy_;
     NSString source_;
-    NSString sourceParent_;
-    NSString destination_;
-    NSString destinationParent_;
+    ItemPlace place_;
+    NSString wanted_; ///< the destination that was asked for
     Class workspace_;
-    bool destinationExists_ = false;
+    MigrationPlan plan_;
+    ItemPlace target_;
+    struct stat existing_ {};          ///< at the destination, links followed
+    struct stat existingItem_ {};      ///< the same, a link not being followed
+    struct stat copied_ {};            ///< the source as it was before it was read
+    struct stat made_ {};              ///< the copy
+    Descriptor opened_;                ///< the source, while it is open
+    std::optional<CopyRecord> record_; ///< of a tree that is to be moved
 };
 
 } // namespace ZQFoundation::detail

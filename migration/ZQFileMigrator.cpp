@@ -1,37 +1,172 @@
 // SPDX-License-Identifier: MIT
-// Migration of one file or one folder.
+// The operations that migrate one file, one folder, or all files of one extension.
 #include "migration/ZQFileMigrator.h"
 
-#include "migration/FilesOnDisk.h"
-#include "migration/ItemMigration.h"
+#include "foundation/files/PathHandle.h"
+#include "foundation/system/CallerState.h"
+#include "migration/BatchMigration.h"
+#include "migration/FlushedFolder.h"
+#include "migration/Recovery.h"
 
 namespace ZQFoundation {
 
 namespace {
 
-ZQFileMigrationRetvalType migrate(const detail::MigratedKind& kind, const detail::MigrationPolicy& policy,
-                                  const NSString& source, const NSString& destination) {
+using detail::DestinationFolder;
+using detail::ItemMigration;
+using detail::ItemPlace;
+using detail::MigratedKind;
+using detail::MigrationPolicy;
+
+/// Passes on what happens to the host's observer, if there is one, and gathers the codes of a batch.
+class Progress final : public detail::BatchMigration::Observer {
+public:
+    explicit Progress(ZQMigrationObserver* observer) noexcept : observer_(observer) {}
+
+    bool willMigrate(const NSString& path) override { return mayBegin(path); }
+
+    void didMigrate(const NSString& path, ZQFileMigrationRetvalType code,
+                    const NSString& destination) override {
+        codes_.setObject_forKey(static_cast<std::uint32_t>(code), path);
+        if (observer_ != nullptr) {
+            observer_->migrationDidFinish(path, code, destination);
+        }
+    }
+
+    bool mayCopy(const std::string& path) override {
+        return mayBegin(NSString::stringWithFileSystemBytes(path.data(), path.size()));
+    }
+
+    bool mayGoOn(std::uint64_t newBytes) override {
+        now_.bytes += newBytes;
+        return ask();
+    }
+
+    /// What watches a copy; null when nobody wants to know.
+    detail::CopyObserver* ofCopy() noexcept { return observer_ != nullptr ? this : nullptr; }
+
+    bool isStopped() const noexcept { return isStopped_; }
+    NSDictionary codes() { return codes_.dictionary(); }
+
+private:
+    bool mayBegin(const NSString& path) {
+        ++now_.items;
+        now_.path = path;
+        return ask();
+    }
+
+    bool ask() {
+        isStopped_ = isStopped_ || (observer_ != nullptr && !observer_->migrationMayContinue(now_));
+        return !isStopped_;
+    }
+
+    ZQMigrationObserver* observer_;
+    ZQMigrationProgress now_;
+    bool isStopped_ = false;
+    NSMutableDictionary codes_;
+};
+
+MigrationPolicy policyOf(const ZQMigrationOptions& options) noexcept {
+    return {options.keepOriginal, options.createDestinationParentFolder, options.overwriteDestination,
+            options.renameIfDestinationExists};
+}
+
+ZQFileMigrationRetvalType run(ItemMigration& migration, const MigrationPolicy& policy,
+                              DestinationFolder& parent, Progress& progress) {
+    migration.plan(parent);
+    ZQFileMigrationRetvalType code = migration.makeParent(parent);
+    if (code == kFileMigrationSuccess) {
+        code = migration.copy({!policy.keepOriginal, nullptr, progress.ofCopy()});
+    }
+    if (code != kFileMigrationSuccess) {
+        return code;
+    }
+    migration.announceCopy();
+    if (policy.keepOriginal) {
+        return kFileMigrationSuccess;
+    }
+    return detail::flushFolderOf(migration.target()) ? migration.removeSource()
+                                                     : kFileMigrationSourceFileCannotBeRemoved;
+}
+
+ZQMigrationResult migrate(const MigratedKind& kind, const NSString& source, const NSString& destination,
+                          const ZQMigrationOptions& options, ZQMigrationObserver* observer) {
     if (!source) {
-        return kFileMigrationSourceNotSpecified;
+        return {kFileMigrationSourceNotSpecified, false, destination};
     }
     if (!destination) {
-        return kFileMigrationDestinationNotSpecified;
+        return {kFileMigrationDestinationNotSpecified, false, destination};
     }
-    detail::FilesOnDisk files;
-    return detail::ItemMigration(files, kind, policy, source, destination).run();
+    const detail::CallerState caller;
+    const NSString from = source.stringByExpandingTildeInPath();
+    const NSString to = destination.stringByExpandingTildeInPath();
+    Progress progress(observer);
+    if (!progress.willMigrate(from)) {
+        return {kind.writingFailed, true, to};
+    }
+    std::string bytes;
+    ItemPlace place;
+    if (detail::getPathBytes(from, bytes) && place.open(bytes)) {
+        detail::recoverFolder(place.folder());
+    }
+    DestinationFolder parent(to.stringByDeletingLastPathComponent(), true);
+    parent.find();
+    ItemMigration migration(kind, policyOf(options), from, place, to);
+    const ZQFileMigrationRetvalType code = run(migration, policyOf(options), parent, progress);
+    if (code == kFileMigrationSuccess) {
+        detail::noteRecovered(place.folder());
+        detail::noteRecovered(parent.folder()->number());
+    }
+    progress.didMigrate(from, code, migration.destination());
+    return {code, progress.isStopped() && code != kFileMigrationSuccess, migration.destination()};
+}
+
+NSDictionary failureOfTheWhole(ZQFileMigrationRetvalType code) {
+    return NSDictionary{{"", static_cast<std::uint32_t>(code)}};
 }
 
 } // namespace
+
+ZQMigrationResult ZQFileMigrator::migrateFile(const NSString& source, const NSString& destination,
+                                              const ZQMigrationOptions& options,
+                                              ZQMigrationObserver* observer) {
+    return migrate(detail::fileKind, source, destination, options, observer);
+}
+
+ZQMigrationResult ZQFileMigrator::migrateFolder(const NSString& source, const NSString& destination,
+                                                const ZQMigrationOptions& options,
+                                                ZQMigrationObserver* observer) {
+    return migrate(detail::folderKind, source, destination, options, observer);
+}
+
+ZQBatchMigrationResult ZQFileMigrator::migrateFiles(const NSString& extension, const NSString& source,
+                                                    const NSString& destination,
+                                                    const ZQMigrationOptions& options,
+                                                    ZQMigrationObserver* observer) {
+    if (!source) {
+        return {failureOfTheWhole(kFileMigrationSourceNotSpecified), false};
+    }
+    if (!destination) {
+        return {failureOfTheWhole(kFileMigrationDestinationNotSpecified), false};
+    }
+    const detail::CallerState caller;
+    Progress progress(observer);
+    const detail::BatchMigration::Wishes wishes{extension, source.stringByExpandingTildeInPath(),
+                                                destination.stringByExpandingTildeInPath(),
+                                                options.includeDotFiles, policyOf(options)};
+    detail::BatchMigration(wishes, progress).run();
+    return {progress.codes(), progress.isStopped()};
+}
 
 ZQFileMigrationRetvalType ZQFileMigrator::
     migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
         const NSString& source, const NSString& destination, bool keepOriginal,
         bool createDestinationParentFolder, bool overwriteDestinationFile,
         bool renameIfDestinationFileExists) {
-    return migrate(detail::fileKind,
-                   {keepOriginal, createDestinationParentFolder, overwriteDestinationFile,
-                    renameIfDestinationFileExists},
-                   source, destination);
+    return migrateFile(source, destination,
+                       {keepOriginal, createDestinationParentFolder, overwriteDestinationFile,
+                        renameIfDestinationFileExists})
+        .code;
 }
 
 ZQFileMigrationRetvalType ZQFileMigrator::
@@ -39,10 +174,21 @@ ZQFileMigrationRetvalType ZQFileMigrator::
         const NSString& source, const NSString& destination, bool keepOriginal,
         bool createDestinationParentFolder, bool overwriteDestinationFolder,
         bool renameIfDestinationFolderExists) {
-    return migrate(detail::folderKind,
-                   {keepOriginal, createDestinationParentFolder, overwriteDestinationFolder,
-                    renameIfDestinationFolderExists},
-                   source, destination);
+    return migrateFolder(source, destination,
+                         {keepOriginal, createDestinationParentFolder, overwriteDestinationFolder,
+                          renameIfDestinationFolderExists})
+        .code;
+}
+
+NSDictionary ZQFileMigrator::
+    migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
+        const NSString& extension, const NSString& source, const NSString& destination, bool includeDotFiles,
+        bool keepOriginal, bool createDestinationParentFolder, bool overwriteDestinationFile,
+        bool renameIfDestinationFileExists) {
+    return migrateFiles(extension, source, destination,
+                        {keepOriginal, createDestinationParentFolder, overwriteDestinationFile,
+                         renameIfDestinationFileExists, includeDotFiles})
+        .codes;
 }
 
 } // namespace ZQFoundation

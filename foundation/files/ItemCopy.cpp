@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Copies of single files, links and special items, and what makes a copy complete.
 #include "foundation/files/ItemCopy.h"
 
 #include <string>
@@ -21,17 +22,13 @@ bool isOwnerKept(const struct stat& source, const struct stat& made) noexcept {
 
 /// What a copy of this owner may have of the source's permissions: nobody gets the right to run a program as
 /// the one who copies it.
-mode_t permissionsFor(const struct stat& made, const struct stat& source,
-                      system::AttributesCopied attributes) noexcept {
+mode_t permissionsFor(const struct stat& made, const struct stat& source) noexcept {
     mode_t permissions = source.st_mode & 07777;
     const bool isKept = isOwnerKept(source, made);
     permissions &= isKept ? ~mode_t{0} : ~mode_t{S_ISUID};
     // Of a folder this bit hands the group on.
     const bool mayHandOn = S_ISDIR(source.st_mode) && made.st_gid == source.st_gid;
     permissions &= isKept || mayHandOn ? ~mode_t{0} : ~mode_t{S_ISGID};
-    if (attributes == system::AttributesCopied::withoutAccessList) {
-        permissions &= ~mode_t{S_IRWXG}; // with a list these bits say what the list allows at most
-    }
     return permissions;
 }
 
@@ -51,9 +48,13 @@ bool takeOwner(const struct stat& source, struct stat& made, const SetOwner& set
     return look(made);
 }
 
-bool closeWell(Descriptor& file) noexcept {
-    // An interrupted call leaves open whether the last data got to its place.
-    return ::close(file.release()) == 0;
+/// What the listing said may be out of date, or the item was exchanged since it was looked at.
+bool isStillFile(const struct stat& information) noexcept {
+    if (S_ISREG(information.st_mode)) {
+        return true;
+    }
+    errno = ESTALE;
+    return false;
 }
 
 bool makeLink(const CopyPlace& place) {
@@ -122,28 +123,47 @@ bool completeCopy(int source, int destination, const struct stat& information) {
         return false;
     }
     // Access lists before permissions, which alone might allow more for a moment.
-    const system::AttributesCopied attributes = system::copyExtendedAttributes(source, destination);
-    if (attributes == system::AttributesCopied::failed) {
+    if (!system::copyExtendedAttributes(source, destination)) {
         return false;
     }
     system::copyCreationTime(source, destination);
     const timespec times[2] = {accessTime(information), modificationTime(information)};
-    return ::fchmod(destination, permissionsFor(made, information, attributes)) == 0 &&
+    return ::fchmod(destination, permissionsFor(made, information)) == 0 &&
            ::futimens(destination, times) == 0;
 }
 
-bool copyRegularFile(int source, const struct stat& information, const CopyPlace& place) {
-    Descriptor file(openAt(place.destinationFolder, place.destinationName,
-                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0600));
-    return file && (!place.isForeign || system::removeInheritedAccessList(file.number())) &&
-           system::copyFileData(source, file.number()) && completeCopy(source, file.number(), information) &&
-           closeWell(file);
+bool closeWell(Descriptor& file) noexcept {
+    // An interrupted call leaves open whether the last data got to its place.
+    return ::close(file.release()) == 0;
 }
 
-bool copySpecialItem(const struct stat& information, const CopyPlace& place) {
+bool openForCopy(int folder, const char* name, bool isEvidence, Descriptor& file, struct stat& information) {
+    // Without O_NONBLOCK a pipe that has just taken the file's place would keep us waiting.
+    file = Descriptor(openAt(folder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file || ::fstat(file.number(), &information) != 0 || !isStillFile(information)) {
+        return false;
+    }
+    return !isEvidence || !system::mightHideChange(changeTime(information)) ||
+           ::fstat(file.number(), &information) == 0;
+}
+
+bool fillCopy(int source, const struct stat& information, int made, bool isForeign,
+              system::CopyWatch* watch) {
+    return (!isForeign || system::removeInheritedAccessList(made)) &&
+           system::copyFileData(source, made, system::DataMeans::clone, watch) &&
+           completeCopy(source, made, information);
+}
+
+bool copyRegularFile(int source, const struct stat& information, const CopyPlace& place,
+                     system::CopyWatch* watch) {
+    Descriptor file(openAt(place.destinationFolder, place.destinationName,
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0600));
+    return file && fillCopy(source, information, file.number(), place.isForeign, watch) && closeWell(file);
+}
+
+bool copySpecialItem(const struct stat& information, const CopyPlace& place, struct stat& made) {
     system::HeldItem source;
     system::HeldItem item;
-    struct stat made;
     if (!source.hold(place.sourceFolder, place.sourceName) || !hasSpareDescriptor(place.destinationFolder) ||
         !makeSpecialItem(information, place) || !item.hold(place.destinationFolder, place.destinationName) ||
         !item.getInformation(made)) {
@@ -161,9 +181,8 @@ bool copySpecialItem(const struct stat& information, const CopyPlace& place) {
         (place.isForeign && !item.removeInheritedAccessList())) {
         return false;
     }
-    const system::AttributesCopied attributes = item.takeExtendedAttributes(source);
-    if (attributes == system::AttributesCopied::failed ||
-        (!S_ISLNK(made.st_mode) && !item.setPermissions(permissionsFor(made, information, attributes)))) {
+    if (!item.takeExtendedAttributes(source) ||
+        (!S_ISLNK(made.st_mode) && !item.setPermissions(permissionsFor(made, information)))) {
         return false;
     }
     return item.setTimes({accessTime(information), modificationTime(information)});

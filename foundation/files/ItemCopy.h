@@ -3,13 +3,17 @@
 #ifndef ZQFOUNDATION_FILES_ITEMCOPY_H
 #define ZQFOUNDATION_FILES_ITEMCOPY_H
 
+#include <string>
+
 #include <sys/stat.h>
 
+#include "foundation/files/CopyRecord.h"
 #include "foundation/system/Descriptor.h"
+#include "foundation/system/FileSystem.h"
 
-/// Copies of single items, made below open folders. A copy is made under a name at which nothing stands,
-/// never through a link, and is open to its maker only until it is complete. All answer false with `errno`;
-/// what was made until then stays.
+/// Copies of single items, made below open folders. A copy is made under a name that is free, never through
+/// a link, and is open to its maker only until it is complete. All answer false with `errno`; what was made
+/// until then stays.
 namespace ZQFoundation::detail {
 
 /// Where an item is to be copied from and to.
@@ -24,12 +28,36 @@ struct CopyPlace {
     bool isForeign;
 };
 
+/// Learns how far a copy is, and may end it: where it answers false, the copy fails with ECANCELED.
+class CopyObserver : public system::CopyWatch {
+public:
+    /// Before an item is copied. `path` begins as the path of the whole copy does.
+    virtual bool mayCopy(const std::string& path) = 0;
+
+protected:
+    ~CopyObserver() = default;
+};
+
+/// What is wanted beside the copy itself.
+struct CopyNotes {
+    CopyRecord* record = nullptr;
+    CopyObserver* observer = nullptr;
+};
+
+/// Opens a regular file that is to be copied, and looks at it. Where the copy is evidence for a removal, so
+/// that a later change is sure to show.
+bool openForCopy(int folder, const char* name, bool isEvidence, Descriptor& file, struct stat& information);
+
 /// A regular file, already open and looked at.
-bool copyRegularFile(int source, const struct stat& information, const CopyPlace& place);
+bool copyRegularFile(int source, const struct stat& information, const CopyPlace& place,
+                     system::CopyWatch* watch = nullptr);
+
+/// The same into a new file that is open for writing and not yet known to anybody else.
+bool fillCopy(int source, const struct stat& information, int made, bool isForeign, system::CopyWatch* watch);
 
 /// A link as a link, a pipe or socket made anew, a device where that is allowed; whatever is no file and no
-/// folder.
-bool copySpecialItem(const struct stat& information, const CopyPlace& place);
+/// folder. `made` is then the new item.
+bool copySpecialItem(const struct stat& information, const CopyPlace& place, struct stat& made);
 
 /// Makes the folder of a copy, closed to others, and opens it.
 bool makeCopyFolder(const CopyPlace& place, Descriptor& folder);
@@ -37,6 +65,9 @@ bool makeCopyFolder(const CopyPlace& place, Descriptor& folder);
 /// Gives a complete copy the owner where that is allowed, attributes, access lists, permissions and times of
 /// the source.
 bool completeCopy(int source, int destination, const struct stat& information);
+
+/// Closes a file that was written; false with `errno` when that shows that data were lost.
+bool closeWell(Descriptor& file) noexcept;
 
 } // namespace ZQFoundation::detail
 

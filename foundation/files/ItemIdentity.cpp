@@ -1,25 +1,18 @@
 // SPDX-License-Identifier: MIT
+// Whether two paths lead to the same place.
 #include "foundation/files/ItemIdentity.h"
 
 #include "foundation/files/FileInformation.h"
+#include "foundation/files/ItemPlace.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/Descriptor.h"
-#include "foundation/system/FileSystem.h"
+#include "foundation/system/LinkReading.h"
+#include "foundation/system/OpenFolders.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
-
-constexpr int mostLinks = 32;
-
-/// As deep as a tree may reasonably be; a file system that answers ".." in a circle does not keep us for
-/// ever.
-constexpr int mostLevels = 1 << 20;
-
-bool isSame(const struct stat& left, const struct stat& right) noexcept {
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
 
 bool getParentInformation(const NSString& path, struct stat& information) {
     const NSString parent = path.stringByDeletingLastPathComponent();
@@ -35,31 +28,22 @@ bool isSameEntry(const NSString& left, const NSString& right, const struct stat&
     struct stat leftParent;
     struct stat rightParent;
     return !getParentInformation(left, leftParent) || !getParentInformation(right, rightParent) ||
-           (isSame(leftParent, rightParent) &&
+           (isSameItem(leftParent, rightParent) &&
             left.lastPathComponent().caseInsensitiveCompare(right.lastPathComponent()) == NSOrderedSame);
 }
 
 NSString targetOfLink(const NSString& link) {
     std::string bytes;
+    std::string target;
     PathHandle handle;
-    std::string target(1024, '\0');
-    if (!getPathBytes(link, bytes) || !handle.reach(bytes)) {
+    if (!getPathBytes(link, bytes) || !handle.reach(bytes) ||
+        readLink(handle.folder(), handle.name(), target) != LinkResult::link || target.empty()) {
         return nullptr;
     }
-    for (;;) {
-        const ssize_t length = ::readlinkat(handle.folder(), handle.name(), target.data(), target.size());
-        if (length <= 0) {
-            return nullptr;
-        }
-        if (static_cast<std::size_t>(length) < target.size()) {
-            const NSString text =
-                NSString::stringWithFileSystemBytes(target.data(), static_cast<std::size_t>(length));
-            return text.hasPrefix("/")
-                       ? text
-                       : link.stringByDeletingLastPathComponent().stringByAppendingPathComponent(text);
-        }
-        target.resize(2 * target.size());
-    }
+    const NSString text = NSString::stringWithFileSystemBytes(target.data(), target.size());
+    return text.hasPrefix("/")
+               ? text
+               : link.stringByDeletingLastPathComponent().stringByAppendingPathComponent(text);
 }
 
 /// Whether the item is met on the way from the path along its links to what they lead to.
@@ -69,7 +53,7 @@ bool isMetAlongLinks(const struct stat& item, const NSString& itemPath, NSString
         if (!getItemInformation(path, step)) {
             return false;
         }
-        if (isSame(step, item) && isSameEntry(itemPath, path, item)) {
+        if (isSameItem(step, item) && isSameEntry(itemPath, path, item)) {
             return true;
         }
         if (!S_ISLNK(step.st_mode)) {
@@ -85,37 +69,18 @@ bool isSpelledWith(const struct stat& item, NSString path) {
     for (path = path.stringByDeletingLastPathComponent(); path.length() > 1;
          path = path.stringByDeletingLastPathComponent()) {
         struct stat step;
-        if (getItemInformation(path, step) && isSame(step, item)) {
+        if (getItemInformation(path, step) && isSameItem(step, item)) {
             return true;
         }
     }
     return false;
 }
 
-/// Whether the folder is the one at the path or stands above it, found by going up folder by folder.
-bool isAtOrAbove(const struct stat& folder, const NSString& path) {
+/// Whether the folder is the one at the path or above it.
+bool isAtOrAbovePath(const struct stat& folder, const NSString& path) {
     std::string bytes;
-    PathHandle handle;
-    if (!getPathBytes(path, bytes) || !handle.reach(bytes)) {
-        return false;
-    }
-    Descriptor current(openAt(handle.folder(), handle.name(), system::openForSearch));
-    struct stat information;
-    struct stat below {};
-    for (int level = 0; current && level < mostLevels; ++level) {
-        if (::fstat(current.number(), &information) != 0) {
-            return false;
-        }
-        if (isSame(information, folder)) {
-            return true;
-        }
-        if (level > 0 && isSame(information, below)) {
-            return false; // the root is its own parent
-        }
-        below = information;
-        current = Descriptor(openAt(current.number(), "..", system::openForSearch));
-    }
-    return false;
+    const SharedFolder place = getPathBytes(path, bytes) ? openSharedFolder(bytes) : nullptr;
+    return place && isAtOrAbove(folder, place->number());
 }
 
 /// The deepest folder of the path that exists, the path itself included.
@@ -141,14 +106,20 @@ bool removalWouldHarm(const NSString& destination, const NSString& source) {
     const NSString sourceFolder = source.stringByDeletingLastPathComponent();
     return isMetAlongLinks(item, destination, source) || isSpelledWith(item, source) ||
            (S_ISDIR(item.st_mode) &&
-            (isAtOrAbove(item, source) || isAtOrAbove(item, existingFront(sourceFolder))));
+            (isAtOrAbovePath(item, source) || isAtOrAbovePath(item, existingFront(sourceFolder))));
+}
+
+bool leadsThroughItself(const NSString& path) {
+    const CallerState callerState;
+    struct stat item;
+    return getItemInformation(path, item) && isSpelledWith(item, path);
 }
 
 bool standsInside(const NSString& destination, const NSString& source) {
     const CallerState callerState;
     struct stat folder;
     return getItemInformation(source, folder) && S_ISDIR(folder.st_mode) &&
-           isAtOrAbove(folder, existingFront(destination.stringByDeletingLastPathComponent()));
+           isAtOrAbovePath(folder, existingFront(destination.stringByDeletingLastPathComponent()));
 }
 
 } // namespace ZQFoundation::detail

@@ -13,6 +13,10 @@ namespace ZQFoundation::detail {
 /// `source`, what that one leads to, a link on the way there, or a folder that it stands in.
 bool removalWouldHarm(const NSString& destination, const NSString& source);
 
+/// Whether the item at the path is one of the folders, or links to folders, that the path itself is spelled
+/// with, as in "e/../e": it cannot be reached any more when it is removed.
+bool leadsThroughItself(const NSString& path);
+
 /// Whether something made at `destination` would stand inside the folder at `source`, whatever is missing on
 /// the way there.
 bool standsInside(const NSString& destination, const NSString& source);

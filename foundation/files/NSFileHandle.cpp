@@ -10,6 +10,7 @@
 #include "foundation/files/PromptOpening.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/WholeRead.h"
 #include "foundation/system/WholeWrite.h"
 
 namespace ZQFoundation {
@@ -51,24 +52,18 @@ off_t systemOffset(std::uint64_t offset, const char* operation) {
     return static_cast<off_t>(offset);
 }
 
-/// At most so many bytes. Takes memory as the bytes come, since a caller may ask for more than there are.
+/// At most `length` bytes. Takes memory as the bytes come, since a caller may ask for more than there are.
 NSData readBytes(int descriptor, std::size_t length, const char* operation) {
     constexpr std::size_t firstPiece = 16384;
     std::string bytes;
     std::size_t count = 0;
-    while (count < length) {
-        if (count == bytes.size()) {
-            bytes.resize(std::min(length, std::max(firstPiece, 2 * count)));
-        }
-        const ssize_t step = ::read(descriptor, bytes.data() + count, bytes.size() - count);
-        if (step == 0) {
-            break;
-        }
-        if (step > 0) {
-            count += static_cast<std::size_t>(step);
-        } else if (errno != EINTR) {
+    while (count < length && count == bytes.size()) {
+        bytes.resize(std::min(length, std::max(firstPiece, 2 * count)));
+        const std::ptrdiff_t step = detail::readWhole(descriptor, bytes.data() + count, bytes.size() - count);
+        if (step < 0) {
             raiseFailure(operation);
         }
+        count += static_cast<std::size_t>(step);
     }
     return NSData::dataWithBytes_length(bytes.data(), count);
 }

@@ -12,6 +12,7 @@
 #include "foundation/files/FileTimes.h"
 #include "foundation/plist/PropertyList.h"
 #include "foundation/system/Descriptor.h"
+#include "foundation/system/WholeRead.h"
 
 namespace ZQFoundation::detail {
 
@@ -34,23 +35,11 @@ int openForReading(const std::string& path) noexcept {
     return openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
 }
 
+/// A file that is shorter than it was a moment ago is read as far as it goes: its next stamp will differ.
 bool readAll(int descriptor, std::string& bytes) noexcept {
-    std::size_t filled = 0;
-    while (filled < bytes.size()) {
-        const ssize_t count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return false;
-        }
-        if (count == 0) {
-            break; // shorter than it was a moment ago; the next stamp will differ
-        }
-        filled += static_cast<std::size_t>(count);
-    }
-    bytes.resize(filled);
-    return true;
+    const std::ptrdiff_t count = readWhole(descriptor, bytes.data(), bytes.size());
+    bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+    return count >= 0;
 }
 
 bool getInformation(const std::string& path, struct stat& information) noexcept {

@@ -14,12 +14,13 @@ class FolderNames {
 public:
     struct Entry {
         const char* name;   ///< lives as long as the list, also when that is moved
-        unsigned char kind; ///< DT_DIR and so on; DT_UNKNOWN where the file system does not tell
+        unsigned char kind; ///< DT_DIR and so on; DT_UNKNOWN where the file system does not say
     };
 
-    /// Once for each list and descriptor. "." and ".." are left out. False with `errno`.
+    /// Once for each list. "." and ".." are left out. False with `errno`.
     bool read(int folder);
 
+    bool isAtStart() const noexcept { return position_ == 0; }
     bool isAtEnd() const noexcept { return position_ == bytes_.size(); }
     Entry next() noexcept;
 

@@ -28,7 +28,7 @@ public:
     bool setTimes(const timespec (&accessAndModification)[2]) const noexcept;
 
     /// As for open files.
-    AttributesCopied takeExtendedAttributes(const HeldItem& source) const noexcept;
+    bool takeExtendedAttributes(const HeldItem& source) const noexcept;
     bool removeInheritedAccessList() const noexcept;
 
 private:

@@ -1,20 +1,51 @@
 // SPDX-License-Identifier: MIT
+// The open folders of a walk.
 #include "foundation/system/OpenFolders.h"
+
+#include "foundation/system/FileSystem.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
 
-constexpr std::size_t mostOpenFolders = 8;
+constexpr std::size_t maxOpenFolders = 8;
+
+/// As deep as a tree may reasonably be: a file system that answers ".." in a circle does not keep us for
+/// ever.
+constexpr int maxLevelsUp = 1 << 20;
 
 } // namespace
+
+bool isAtOrAbove(const struct stat& folder, int place) noexcept {
+    Descriptor opened;
+    struct stat below {};
+    for (int level = 0; level < maxLevelsUp; ++level) {
+        struct stat information;
+        const int current = opened ? opened.number() : place;
+        if (::fstat(current, &information) != 0) {
+            return false;
+        }
+        if (isSameItem(information, folder)) {
+            return true;
+        }
+        if (level > 0 && isSameItem(information, below)) {
+            return false; // the root is its own parent
+        }
+        below = information;
+        opened = Descriptor(openAt(current, "..", system::openForSearch));
+        if (!opened) {
+            return false;
+        }
+    }
+    return false;
+}
 
 bool OpenFolders::push(Descriptor folder) {
     struct stat information;
     if (::fstat(folder.number(), &information) != 0) {
         return false;
     }
-    if (levels_.size() - firstOpen_ >= mostOpenFolders) {
+    if (levels_.size() - firstOpen_ >= maxOpenFolders) {
         closeOne();
     }
     levels_.push_back({static_cast<Descriptor&&>(folder), information.st_dev, information.st_ino});

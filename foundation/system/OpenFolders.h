@@ -16,6 +16,10 @@ inline bool isSameItem(const struct stat& left, const struct stat& right) noexce
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
+/// Whether the folder is one of those that lead from the root to the open folder `place`, or that one itself.
+/// False also when it cannot be found out.
+bool isAtOrAbove(const struct stat& folder, int place) noexcept;
+
 /// The folders from the start of a walk down to the one that it is in. However deep that is, only the last
 /// few are open; those above are opened again by "..", which must lead to the very folder that was left,
 /// because others may have moved the one below meanwhile.
@@ -28,6 +32,9 @@ public:
 
     /// The descriptor of the folder that the walk is in.
     int current() const noexcept { return levels_.back().folder.number(); }
+
+    /// The descriptor of the folder above the current one, which must be open (`reopenParent`).
+    int parent() const noexcept { return levels_[levels_.size() - 2].folder.number(); }
 
     /// Makes sure that the folder above the current one is open, if there is one. False with `errno`, ESTALE
     /// when it cannot be found again.

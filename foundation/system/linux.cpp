@@ -108,17 +108,6 @@ std::uint64_t randomNumber() noexcept {
 
 const int openForSearch = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
-    struct statx information {};
-    if (statx(folder, name, AT_SYMLINK_NOFOLLOW, STATX_BTIME, &information) != 0 ||
-        (information.stx_mask & STATX_BTIME) == 0) {
-        return false;
-    }
-    time.tv_sec = static_cast<time_t>(information.stx_btime.tv_sec);
-    time.tv_nsec = static_cast<long>(information.stx_btime.tv_nsec);
-    return true;
-}
-
 bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) noexcept {
     return ::mknodat(folder, name, kind | 0600, S_ISFIFO(kind) ? 0 : device) == 0;
 }

@@ -104,48 +104,44 @@ bool readNames(const Item& source, std::string& names) {
 
 bool isAccessList(const char* name) noexcept { return beginsWith(name, "system.posix_acl_"); }
 
-/// Whether an attribute that could not be given may be left out.
+/// Whether an attribute that could not be given may be left out: one that has just been removed, and one that
+/// belongs to the system. What belongs to the user, or says who may do what, must arrive.
 bool mayBeLeftOut(const char* name, int error) noexcept {
-    if (error == ENOTSUP || error == ENODATA) {
-        return true; // no place for it there, or it has just been removed
+    if (error == ENODATA) {
+        return true;
     }
     return !beginsWith(name, "user.") && !isAccessList(name) &&
-           (error == EPERM || error == EACCES || error == EINVAL);
+           (error == EPERM || error == EACCES || error == EINVAL || error == ENOTSUP);
 }
 
 template <class Item>
-AttributesCopied copyAll(const Item& source, const Item& destination) noexcept {
+bool copyAll(const Item& source, const Item& destination) noexcept {
     try {
         std::string names;
         std::string value;
-        AttributesCopied result = AttributesCopied::all;
         if (!readNames(source, names)) {
-            return AttributesCopied::failed;
+            return false;
         }
         for (std::size_t at = 0; at < names.size(); at += std::strlen(names.c_str() + at) + 1) {
             const char* const name = names.c_str() + at;
             const auto get = [&](char* bytes, std::size_t size) {
                 return source.get(name, bytes, size);
             };
-            if (readWhole(value, get) && destination.set(name, value)) {
-                continue;
+            if (!(readWhole(value, get) && destination.set(name, value)) && !mayBeLeftOut(name, errno)) {
+                return false;
             }
-            if (!mayBeLeftOut(name, errno)) {
-                return AttributesCopied::failed;
-            }
-            result = std::strcmp(name, accessList) == 0 ? AttributesCopied::withoutAccessList : result;
         }
-        return result;
+        return true;
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
-        return AttributesCopied::failed;
+        return false;
     }
 }
 
 template <class Item>
 bool removeLists(const Item& item) noexcept {
     for (const char* const name : {accessList, listForNewItems}) {
-        // What is no folder has no list for new items, which is told in several ways.
+        // What is no folder has no list for new items, which is reported with different errors.
         if (!item.remove(name) && errno != ENODATA && errno != ENOTSUP && errno != ENOSYS &&
             errno != EACCES && errno != EINVAL) {
             return false;
@@ -156,7 +152,7 @@ bool removeLists(const Item& item) noexcept {
 
 } // namespace
 
-AttributesCopied copyExtendedAttributes(int source, int destination) noexcept {
+bool copyExtendedAttributes(int source, int destination) noexcept {
     return copyAll(OpenItem(source), OpenItem(destination));
 }
 
@@ -210,10 +206,9 @@ bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexce
            ::utimensat(AT_FDCWD, DescriptorPath(descriptor_).text(), accessAndModification, 0) == 0;
 }
 
-AttributesCopied HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
-    const AttributesCopied copied = copyAll(UnopenedItem(source.descriptor_), UnopenedItem(descriptor_));
+bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
     // Without a process file system there is no way to them.
-    return copied == AttributesCopied::failed && errno == ENOENT ? AttributesCopied::all : copied;
+    return copyAll(UnopenedItem(source.descriptor_), UnopenedItem(descriptor_)) || errno == ENOENT;
 }
 
 bool HeldItem::removeInheritedAccessList() const noexcept {

@@ -25,11 +25,14 @@ constexpr std::size_t smallFile = std::size_t{32} << 10;
 /// At once through our own memory, when nothing better is to be had.
 constexpr std::size_t bufferBytes = std::size_t{128} << 10;
 
-/// A file that grows while it is copied is followed so often, not for ever.
-constexpr int mostExtensions = 16;
+/// A file that grows while it is copied is followed this often, not for ever.
+constexpr int maxExtensions = 16;
 
-/// As much as one call is asked to move; the kernel stops a little below 2 GiB anyway.
-constexpr std::size_t mostAtOnce = std::size_t{1} << 30;
+/// The most that one call is asked to move; the kernel stops a little below 2 GiB anyway.
+constexpr std::size_t maxAtOnce = std::size_t{1} << 30;
+
+/// The same while somebody watches.
+constexpr std::size_t maxBetweenReports = std::size_t{16} << 20;
 
 /// What says that the kernel cannot do it this way, rather than that it cannot be done.
 bool isRefusal(int error) noexcept {
@@ -65,8 +68,8 @@ bool mayHaveHoles(const struct stat& information) noexcept {
 /// Copies stretches of one file to the same places of another.
 class DataCopy {
 public:
-    DataCopy(int source, int destination, DataMeans first) noexcept
-        : source_(source), destination_(destination), limit_(fileSizeLimit()), means_(first) {}
+    DataCopy(int source, int destination, DataMeans first, CopyWatch* watch) noexcept
+        : source_(source), destination_(destination), limit_(fileSizeLimit()), means_(first), watch_(watch) {}
 
     bool run() {
         struct stat information;
@@ -80,7 +83,7 @@ public:
         if (means_ == DataMeans::clone) {
             // A clone is made whole or not at all, and a limit would raise the signal.
             if (limit_ == INT64_MAX && ::ioctl(destination_, FICLONE, source_) == 0) {
-                return true;
+                return report(size);
             }
             means_ = DataMeans::rangeCopy;
         }
@@ -88,27 +91,38 @@ public:
     }
 
 private:
+    /// A file system may answer a read in pieces of any size. So the end is where a read gives nothing, or
+    /// where as much was read as the file's size says; the kernel makes the contents of some files up while
+    /// they are read, and says that their size is 0.
     bool copySmallFile(off_t size) {
         char bytes[smallFile + 1];
-        const ssize_t count = readSome(bytes, sizeof bytes, 0);
-        if (count < 0 || !writeAll(bytes, count, 0)) {
-            return false;
+        std::size_t filled = 0;
+        bool isAtEnd = false;
+        while (!isAtEnd && filled < sizeof bytes) {
+            const ssize_t count = readSome(bytes + filled, sizeof bytes - filled, static_cast<off_t>(filled));
+            if (count < 0) {
+                return false;
+            }
+            filled += static_cast<std::size_t>(count);
+            isAtEnd = count == 0 || (size > 0 && static_cast<off_t>(filled) == size);
         }
-        if (count == 0 || (size > 0 && count < static_cast<ssize_t>(sizeof bytes))) {
-            return true; // less than was asked for: that is the end
-        }
-        struct stat information;
-        if (::fstat(source_, &information) != 0) {
-            return false;
-        }
-        // The kernel makes the contents of some files up while they are read, and says that their size is 0.
-        return information.st_size > 0 ? followGrowth(count) : copyThroughBuffer(count, INT64_MAX);
+        const auto done = static_cast<off_t>(filled);
+        return writeAll(bytes, static_cast<ssize_t>(filled), 0) && report(done) &&
+               (isAtEnd || (size > 0 ? followGrowth(done) : copyThroughBuffer(done, INT64_MAX)));
     }
 
-    /// What was written behind `done` while the rest was copied.
+    bool report(off_t newBytes) {
+        if (watch_ == nullptr || watch_->mayGoOn(static_cast<std::uint64_t>(newBytes))) {
+            return true;
+        }
+        errno = ECANCELED;
+        return false;
+    }
+
+    /// What was written after `done` while the rest was copied.
     bool followGrowth(off_t done) {
         struct stat information;
-        for (int extension = 0; extension < mostExtensions; ++extension) {
+        for (int extension = 0; extension < maxExtensions; ++extension) {
             if (::fstat(source_, &information) != 0) {
                 return false;
             }
@@ -162,6 +176,9 @@ private:
             const ssize_t moved = moveInKernel(start, end);
             if (moved > 0) {
                 start += moved;
+                if (!report(moved)) {
+                    return false;
+                }
             } else if (moved == 0) {
                 break; // shorter than it was, or the kernel does not know how long
             } else if (errno != EINTR) {
@@ -181,7 +198,7 @@ private:
             return -1;
         }
         const auto wanted = static_cast<std::size_t>(std::min(end - start, room));
-        const std::size_t count = std::min(wanted, mostAtOnce);
+        const std::size_t count = std::min(wanted, watch_ != nullptr ? maxBetweenReports : maxAtOnce);
         off_t from = start;
         if (means_ == DataMeans::rangeCopy) {
             off_t to = start;
@@ -201,7 +218,7 @@ private:
         while (start < end) {
             const auto wanted = static_cast<std::size_t>(std::min<off_t>(end - start, bufferBytes));
             const ssize_t count = readSome(buffer_.get(), wanted, start);
-            if (count < 0 || !writeAll(buffer_.get(), count, start)) {
+            if (count < 0 || !writeAll(buffer_.get(), count, start) || !report(count)) {
                 return false;
             }
             if (count == 0) {
@@ -246,14 +263,15 @@ private:
     int destination_;
     off_t limit_;
     DataMeans means_;
+    CopyWatch* watch_;
     std::unique_ptr<char[]> buffer_;
 };
 
 } // namespace
 
-bool copyFileData(int source, int destination, DataMeans first) noexcept {
+bool copyFileData(int source, int destination, DataMeans first, CopyWatch* watch) {
     try {
-        return DataCopy(source, destination, first).run();
+        return DataCopy(source, destination, first, watch).run();
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
         return false;

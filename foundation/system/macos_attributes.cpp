@@ -18,16 +18,8 @@ bool meansNoPlace(int error) noexcept { return error == ENOTSUP || error == EOPN
 
 } // namespace
 
-AttributesCopied copyExtendedAttributes(int source, int destination) noexcept {
-    if (::fcopyfile(source, destination, nullptr, COPYFILE_XATTR) != 0 && !meansNoPlace(errno)) {
-        return AttributesCopied::failed;
-    }
-    // Permissions say all about an item without a list here, so that nothing needs to be taken away when the
-    // list has no place.
-    if (::fcopyfile(source, destination, nullptr, COPYFILE_ACL) != 0 && !meansNoPlace(errno)) {
-        return AttributesCopied::failed;
-    }
-    return AttributesCopied::all;
+bool copyExtendedAttributes(int source, int destination) noexcept {
+    return ::fcopyfile(source, destination, nullptr, COPYFILE_XATTR | COPYFILE_ACL) == 0;
 }
 
 bool removeInheritedAccessList(int item) noexcept {
@@ -92,10 +84,9 @@ bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexce
     return ::utimensat(folder_, name_, accessAndModification, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-AttributesCopied HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
-    return descriptor_ >= 0 && source.descriptor_ >= 0
-               ? copyExtendedAttributes(source.descriptor_, descriptor_)
-               : AttributesCopied::all;
+bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
+    return descriptor_ < 0 || source.descriptor_ < 0 ||
+           copyExtendedAttributes(source.descriptor_, descriptor_);
 }
 
 bool HeldItem::removeInheritedAccessList() const noexcept {

@@ -5,12 +5,48 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "foundation/system/FileSystem.h"
 
 namespace ZQFoundation::detail::system {
 
-bool copyFileData(int source, int destination, DataMeans) noexcept {
+namespace {
+
+/// Called by the system while it copies.
+int continueOrQuit(int what, int stage, copyfile_state_t state, const char*, const char*, void* context) {
+    auto& watched = *static_cast<std::pair<CopyWatch*, off_t>*>(context);
+    off_t copied = 0;
+    if (what != COPYFILE_COPY_DATA || stage != COPYFILE_PROGRESS ||
+        ::copyfile_state_get(state, COPYFILE_STATE_COPIED, &copied) != 0) {
+        return COPYFILE_CONTINUE;
+    }
+    const auto newBytes = static_cast<std::uint64_t>(copied - watched.second);
+    watched.second = copied;
+    return watched.first->mayGoOn(newBytes) ? COPYFILE_CONTINUE : COPYFILE_QUIT;
+}
+
+bool copyBy(int source, int destination, copyfile_flags_t flags, CopyWatch* watch) {
+    if (watch == nullptr) {
+        return ::fcopyfile(source, destination, nullptr, flags) == 0;
+    }
+    std::pair<CopyWatch*, off_t> watched{watch, 0};
+    const copyfile_state_t state = ::copyfile_state_alloc();
+    if (state == nullptr) {
+        return false;
+    }
+    ::copyfile_state_set(state, COPYFILE_STATE_STATUS_CB, reinterpret_cast<const void*>(&continueOrQuit));
+    ::copyfile_state_set(state, COPYFILE_STATE_STATUS_CTX, &watched);
+    const bool isCopied = ::fcopyfile(source, destination, state, flags) == 0;
+    const int error = errno;
+    ::copyfile_state_free(state);
+    errno = error;
+    return isCopied;
+}
+
+} // namespace
+
+bool copyFileData(int source, int destination, DataMeans, CopyWatch* watch) {
     rlimit limit{};
     struct stat information;
     if (::fstat(source, &information) != 0) {
@@ -23,8 +59,8 @@ bool copyFileData(int source, int destination, DataMeans) noexcept {
     }
     // Clones go from name to name and take everything along at once, so they are of no use between two open
     // files of which one must stay closed to others until the end.
-    return ::fcopyfile(source, destination, nullptr, COPYFILE_DATA | COPYFILE_DATA_SPARSE) == 0 ||
-           (errno == ENOTSUP && ::fcopyfile(source, destination, nullptr, COPYFILE_DATA) == 0);
+    return copyBy(source, destination, COPYFILE_DATA | COPYFILE_DATA_SPARSE, watch) ||
+           (errno == ENOTSUP && copyBy(source, destination, COPYFILE_DATA, watch));
 }
 
 } // namespace ZQFoundation::detail::system

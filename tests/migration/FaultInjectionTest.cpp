@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Migrations of which any one system call fails, all from one on fail, or one is the last: see
-// docs/faults.md.
+// Migrations of which any one system call fails, all from one on fail, some transfer less than they were
+// asked to, or one is the last; and the same migration once more after that: see docs/faults.md.
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "tests/migration/faults/Cases.h"
+#include "tests/migration/faults/Verdict.h"
 
+using faults::Again;
 using faults::Case;
 using faults::Fault;
 using faults::Outcome;
@@ -15,121 +16,196 @@ using faults::Subject;
 
 namespace {
 
-/// How far it is from one tried call to the next. With a sanitizer a run takes ten times as long. Where all
-/// calls fail from one on, neighbours differ little in larger things; the errors start at different calls.
-long strideOf(Subject subject, bool lasting) {
-    return (scene::forksTakeTurns ? 9 : 1) * (lasting && subject != Subject::file ? 3 : 1);
+using Repetitions = std::vector<Again>;
+
+/// How far it is from one tried call to the next. Neighbours differ little in larger things, so that each
+/// error starts at another call there. With a sanitizer a run takes ten times as long.
+long strideOf(const Case& which, const Fault& fault) {
+    if (faults::isEveryCallTried()) {
+        return 1;
+    }
+    long stride = scene::forksTakeTurns ? 9 : 1;
+    if (fault.kind == Fault::failing && !which.isFile()) {
+        stride *= fault.lasting ? 8 : 4;
+    }
+    if (fault.kind == Fault::killing && !which.isFile() && which.keepOriginal) {
+        stride *= 4; // the calls of a move without the last ones
+    }
+    return stride;
 }
 
-/// A copy makes the calls of a move without the last ones: one error is enough for the larger ones.
-bool isWorthTrying(const Case& which, const Fault& fault) {
-    return which.subject == Subject::file || !which.keepOriginal || fault.kind == Fault::killing ||
-           fault.error == EIO;
+/// In which ways the call is made once more after the run with this number, each after a run of its own.
+/// Where nothing is removed, nothing can get lost by the second call that the first one has not lost.
+std::vector<Repetitions> repetitionsAfter(const Case& which, const Fault& fault, long number) {
+    const Repetitions all[] = {{Again::overwriting},
+                               {Again::refusing, Again::overwriting},
+                               {Again::renaming, Again::overwriting},
+                               {Again::overwriting, Again::renaming}};
+    if (faults::isEveryCallTried()) {
+        return {all[0], all[1], all[2]};
+    }
+    if (fault.kind == Fault::killing && !which.keepOriginal) {
+        return which.isFile() ? std::vector<Repetitions>{all[0], all[1], all[2]}
+                              : std::vector<Repetitions>{all[0], all[1 + number % 2]};
+    }
+    return {all[number % 3]};
+}
+
+std::string shown(const Case& which, const Fault& fault, const Repetitions& repetitions) {
+    static const char* const kinds[] = {"none", "", "kill", "one", "half"};
+    static const char* const agains[] = {"overwrite", "refuse", "rename"};
+    const std::string what =
+        fault.kind == Fault::failing ? ::strerrorname_np(fault.error) : kinds[static_cast<int>(fault.kind)];
+    std::string text = "fault-runner " + which.name() + " " + std::to_string(fault.call) + " " + what +
+                       (fault.lasting ? " lasting" : "");
+    for (const Again again : repetitions) {
+        text += std::string(" ") + agains[static_cast<int>(again)];
+    }
+    return text;
 }
 
 /// What is repeated with a case to find how many calls it makes.
 Outcome undisturbed(const Case& which) {
-    faults::Run run(which);
+    const faults::Run run(which);
     const Outcome outcome = run.under({});
-    for (const std::string& problem : run.judged(outcome)) {
-        ADD_FAILURE() << which.name() << " without a fault: " << problem;
+    if (outcome.traced) {
+        for (const std::string& problem : faults::Verdict(run).after({}, outcome)) {
+            ADD_FAILURE() << which.name() << " without a fault: " << problem;
+        }
     }
     return outcome;
-}
-
-std::string shown(const Case& which, const Fault& fault) {
-    const std::string what = fault.kind == Fault::killing ? "kill" : ::strerrorname_np(fault.error);
-    return "fault-runner " + which.name() + " " + std::to_string(fault.call) + " " + what +
-           (fault.lasting ? " lasting" : "");
 }
 
 /// One run after the other with the fault at every call; how many were made.
 class Runs {
 public:
-    explicit Runs(Subject subject) : cases_(faults::casesOf(subject)) {}
-
     /// False when this machine does not permit it.
-    bool each(Fault fault, long start) {
-        for (const Case& which : cases_) {
-            if (!isWorthTrying(which, fault)) {
-                continue;
-            }
-            const Outcome plain = undisturbed(which);
-            if (!plain.traced) {
-                return false;
-            }
-            EXPECT_GT(plain.calls, 10) << "hardly a call was seen";
-            // A fault can bring more calls, ways out that are not taken otherwise. The last one of them has
-            // been passed when a run ends without having met its fault.
-            const long stride = strideOf(which.subject, fault.lasting);
-            fault.call = 1 + start % stride;
-            while (once(which, fault)) {
-                fault.call += stride;
-            }
-            EXPECT_GE(fault.call, plain.calls - stride);
+    bool each(const Case& which, Fault fault, long start) {
+        const Outcome plain = undisturbed(which);
+        if (!plain.traced) {
+            return false;
         }
+        EXPECT_GT(plain.calls, 10) << "hardly a call was seen";
+        EXPECT_GT(plain.transfers, 0) << "nothing was read or written";
+        // A fault can bring more calls, ways out that are not taken otherwise. The last one of them has been
+        // passed when a run ends without having met its fault.
+        const long stride = strideOf(which, fault);
+        fault.call = 1 + start % stride;
+        failures_ = 0;
+        while (all(which, fault) && failures_ < enough) {
+            fault.call += stride;
+        }
+        EXPECT_TRUE(failures_ >= enough ||
+                    fault.call >= (fault.isShortening() ? plain.transfers : plain.calls) - stride)
+            << "not every call was tried";
         return true;
     }
 
     long count() const { return count_; }
 
 private:
-    bool once(const Case& which, const Fault& fault) {
-        ++count_;
-        faults::Run run(which);
-        const Outcome outcome = run.under(fault);
-        for (const std::string& problem : run.judged(outcome)) {
-            ADD_FAILURE() << shown(which, fault) << ": " << problem;
+    bool all(const Case& which, const Fault& fault) {
+        bool isMet = false;
+        for (const Repetitions& repetitions : repetitionsAfter(which, fault, fault.call)) {
+            isMet = once(which, fault, repetitions);
         }
-        return outcome.calls >= fault.call && !::testing::Test::HasFatalFailure();
+        return isMet;
     }
 
-    std::vector<Case> cases_;
+    bool once(const Case& which, const Fault& fault, const Repetitions& repetitions) {
+        ++count_;
+        const faults::Run run(which);
+        const Outcome outcome = run.under(fault);
+        report(shown(which, fault, {}), faults::Verdict(run).after(fault, outcome));
+        for (const Again again : repetitions) {
+            const Outcome second = run.again(again);
+            report(shown(which, fault, repetitions), faults::Verdict(run).afterAgain(again, second));
+        }
+        return outcome.met(fault);
+    }
+
+    void report(const std::string& what, const scene::Words& problems) {
+        for (const std::string& problem : problems) {
+            ++failures_;
+            ADD_FAILURE() << what << ": " << problem;
+        }
+    }
+
+    static constexpr long enough = 20; ///< of what is wrong with one case, to be read
+
     long count_ = 0;
+    long failures_ = 0;
 };
 
-void runAll(Subject subject, Fault::Kind kind, const std::vector<int>& errors, bool lasting) {
+void runAll(const std::vector<Subject>& subjects, const std::vector<Fault>& kinds) {
     const scene::ScenesInMemory memory;
     const faults::OneProcessor processor;
-    Runs runs(subject);
-    long start = 0;
-    for (const int error : errors) {
-        if (!runs.each({kind, error, 1, lasting}, start++)) {
-            GTEST_SKIP() << "this machine does not permit one process to trace another";
+    Runs runs;
+    for (const Subject subject : subjects) {
+        for (const Case& which : faults::casesOf(subject)) {
+            for (std::size_t start = 0; start < kinds.size(); ++start) {
+                if (!runs.each(which, kinds[start], static_cast<long>(start))) {
+                    GTEST_SKIP() << faults::notTraced;
+                }
+            }
         }
     }
     ::testing::Test::RecordProperty("runs", std::to_string(runs.count()));
     std::printf("%ld runs\n", runs.count());
 }
 
-const std::vector<int> allErrors{EIO, ENOSPC, EACCES, EINTR};
+std::vector<Fault> allErrors(bool lasting) {
+    std::vector<Fault> faults;
+    for (const int error : {EIO, ENOSPC, EACCES, EINTR}) {
+        faults.push_back({Fault::failing, error, 1, lasting});
+    }
+    return faults;
+}
+
+const std::vector<Fault> killing{{Fault::killing, 0, 1, false}};
+const std::vector<Fault> shorteningOne{{Fault::shorteningToOne, 0, 1, false},
+                                       {Fault::shorteningToHalf, 0, 1, false}};
+
+/// Every transfer from the first on: one run is enough, the others would only begin later.
+void runShortened(const std::vector<Subject>& subjects) {
+    const scene::ScenesInMemory memory;
+    const faults::OneProcessor processor;
+    for (const Subject subject : subjects) {
+        for (const Case& which : faults::casesOf(subject)) {
+            for (const Fault::Kind kind : {Fault::shorteningToOne, Fault::shorteningToHalf}) {
+                const faults::Run run(which);
+                const Fault fault{kind, 0, 1, true};
+                const Outcome outcome = run.under(fault);
+                if (!outcome.traced) {
+                    GTEST_SKIP() << faults::notTraced;
+                }
+                for (const std::string& problem : faults::Verdict(run).after(fault, outcome)) {
+                    ADD_FAILURE() << shown(which, fault, {}) << ": " << problem;
+                }
+            }
+        }
+    }
+}
 
 } // namespace
 
-TEST(FaultInjection, losesNoFileWhenACallFails) { runAll(Subject::file, Fault::failing, allErrors, false); }
+TEST(FaultInjection, losesNoFileWhenACallFails) { runAll({Subject::file}, allErrors(false)); }
+TEST(FaultInjection, losesNoFileWhenAllCallsFailFromOneOn) { runAll({Subject::file}, allErrors(true)); }
+TEST(FaultInjection, losesNoFileWhenItIsKilled) { runAll({Subject::file}, killing); }
 
-TEST(FaultInjection, losesNoFileWhenAllCallsFailFromOneOn) {
-    runAll(Subject::file, Fault::failing, allErrors, true);
-}
+TEST(FaultInjection, losesNoFolderWhenACallFails) { runAll({Subject::tree}, allErrors(false)); }
+TEST(FaultInjection, losesNoFolderWhenAllCallsFailFromOneOn) { runAll({Subject::tree}, allErrors(true)); }
+TEST(FaultInjection, losesNoFolderWhenItIsKilled) { runAll({Subject::tree}, killing); }
 
-TEST(FaultInjection, losesNoFileWhenItIsKilled) { runAll(Subject::file, Fault::killing, {0}, false); }
-
-TEST(FaultInjection, losesNoFolderWhenACallFails) { runAll(Subject::tree, Fault::failing, allErrors, false); }
-
-TEST(FaultInjection, losesNoFolderWhenAllCallsFailFromOneOn) {
-    runAll(Subject::tree, Fault::failing, allErrors, true);
-}
-
-TEST(FaultInjection, losesNoFolderWhenItIsKilled) { runAll(Subject::tree, Fault::killing, {0}, false); }
-
-TEST(FaultInjection, losesNothingOfABatchWhenACallFails) {
-    runAll(Subject::batch, Fault::failing, allErrors, false);
-}
-
+TEST(FaultInjection, losesNothingOfABatchWhenACallFails) { runAll({Subject::batch}, allErrors(false)); }
 TEST(FaultInjection, losesNothingOfABatchWhenAllCallsFailFromOneOn) {
-    runAll(Subject::batch, Fault::failing, allErrors, true);
+    runAll({Subject::batch}, allErrors(true));
 }
+TEST(FaultInjection, losesNothingOfABatchWhenItIsKilled) { runAll({Subject::batch}, killing); }
 
-TEST(FaultInjection, losesNothingOfABatchWhenItIsKilled) {
-    runAll(Subject::batch, Fault::killing, {0}, false);
+TEST(FaultInjection, takesNoShortTransferForTheEnd) {
+    runAll({Subject::file, Subject::largeFile, Subject::tree, Subject::batch}, shorteningOne);
+}
+TEST(FaultInjection, takesNoShortTransferForTheEndWhereAllAreShort) {
+    runShortened({Subject::file, Subject::largeFile, Subject::tree, Subject::batch});
 }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Migrations from one file system to another, onto a full one, and from and to one that may only be read.
+// Migrations from one file system to another, onto a full one, to one without attributes, and from and to one
+// that may only be read.
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "tests/files/CopyScene.h"
 #include "tests/migration/MigrationScene.h"
 
 using scene::copying;
@@ -60,6 +62,46 @@ bool skippedWithoutMounts(const TwoFileSystems& places, const char* options, con
     return answer == 77;
 }
 
+/// What a file or folder may have besides its contents.
+struct Attribute {
+    const char* name;
+    std::string value;
+
+    bool isGivenTo(const std::string& path) const { return scene::setAttribute(path, name, value); }
+};
+
+/// Runs the body where "there" holds neither extended attributes nor access lists. True when it was skipped.
+template <class Body>
+bool skippedWithoutAttributes(const TwoFileSystems& places, const Body& body) {
+    const int answer = scene::inOwnMounts([&] {
+        if (::mount("none", (places / "there").c_str(), "ramfs", 0, nullptr) != 0) {
+            scene::leave(77);
+        }
+        body();
+    });
+    EXPECT_TRUE(answer == 0 || answer == 77) << answer;
+    return answer == 77;
+}
+
+/// The file "here/one.log" and one in "here/tree" have the attribute; what has none is moved.
+void expectRefused(const TwoFileSystems& places, const Attribute& attribute) {
+    const Digest before = places.folder.digest("here", Detail::times);
+    for (const bool keeps : {false, true}) {
+        const scene::Flags flags{keeps, true, false, true};
+        EXPECT_EQ(migrateFile(places / "here/one.log", places / "there/one.log", flags), 35U)
+            << attribute.name;
+        EXPECT_EQ(migrateFolder(places / "here/tree", places / "there/tree", flags), 37U) << attribute.name;
+    }
+    EXPECT_EQ(places.folder.digest("there").size(), 1U) << "a failed copy has left something";
+    EXPECT_EQ(places.folder.digest("here", Detail::times), before);
+    const auto codes =
+        scene::migrateFiles("log", places / "here", places / "there", scene::DotFiles::included);
+    EXPECT_EQ(codes.condensedDescription(), "{ one.log = 35; two.log = 0; }");
+    EXPECT_EQ(scene::attribute(places / "here/one.log", attribute.name), attribute.value);
+    EXPECT_EQ(scene::contentsOf(places / "there/two.log"), "here/two.log");
+    EXPECT_EQ(places.folder.digest("there").size(), 2U);
+}
+
 constexpr const char noMounts[] = "this machine allows no mounts of one's own";
 
 } // namespace
@@ -106,16 +148,20 @@ TEST(OtherFileSystems, thatAreFullTakeNothingAway) {
     places.folder.file("here/large.bin", std::string(tooLarge, 'y'));
     const bool isSkipped = skippedWithoutMounts(places, "size=128k", [&] {
         const Digest before = places.folder.digest("here", Detail::times);
-        EXPECT_EQ(migrateFile(places / "here/large.bin", places / "there/large.bin"), 35U);
-        ::unlink((places / "there/large.bin").c_str());
-        EXPECT_EQ(migrateFolder(places / "here/tree", places / "there/tree"), 37U);
-        scene::removeTree(places / "there/tree");
-        EXPECT_EQ(places.folder.digest("here", Detail::times), before);
-
+        // Nothing is left of what has no room, under no name.
+        const Digest empty = places.folder.digest("there", Detail::contents);
+        for (const bool keeps : {false, true}) {
+            const scene::Flags flags{keeps, false, false, true};
+            EXPECT_EQ(migrateFile(places / "here/large.bin", places / "there/large.bin", flags), 35U);
+            EXPECT_EQ(places.folder.digest("there", Detail::contents), empty);
+            EXPECT_EQ(migrateFolder(places / "here/tree", places / "there/tree", flags), 37U);
+            EXPECT_EQ(places.folder.digest("there", Detail::contents), empty);
+            EXPECT_EQ(places.folder.digest("here", Detail::times), before);
+        }
         // What is overwritten goes before the copy shows that there is no room.
         places.folder.file("there/large.bin", "old");
         EXPECT_EQ(migrateFile(places / "here/large.bin", places / "there/large.bin", overwriting), 35U);
-        EXPECT_NE(scene::contentsOf(places / "there/large.bin"), "old");
+        EXPECT_EQ(places.folder.digest("there", Detail::contents), empty);
         EXPECT_EQ(places.folder.digest("here", Detail::times), before);
     });
     if (isSkipped) {
@@ -130,16 +176,59 @@ TEST(OtherFileSystems, thatAreFullTakeWhatHasRoomOfABatch) {
     const bool isSkipped = skippedWithoutMounts(places, "size=128k", [&] {
         const auto codes = scene::migrateFiles("log", places / "here/batch", places / "there/batch",
                                                scene::DotFiles::included, creating);
-        EXPECT_EQ(codes.count(), 2U);
-        EXPECT_EQ(codes.integerForKey("large.log"), 35);
+        EXPECT_EQ(codes.condensedDescription(), "{ large.log = 35; small.log = 0; }");
         EXPECT_EQ(scene::contentsOf(places / "here/batch/large.log"), std::string(tooLarge, 'x'));
-        // The large one may have taken the room before the small one came; then that stays too.
-        const bool isMoved = codes.integerForKey("small.log") == 0;
-        EXPECT_EQ(scene::contentsOf(places / (isMoved ? "there/batch/small.log" : "here/batch/small.log")),
-                  "small");
+        // The large one, whose turn may have come first, has given its room back.
+        EXPECT_EQ(scene::contentsOf(places / "there/batch/small.log"), "small");
+        EXPECT_EQ(places.folder.digest("there/batch").size(), 2U);
     });
     if (isSkipped) {
         GTEST_SKIP() << noMounts;
+    }
+}
+
+TEST(OtherFileSystems, withoutAttributesGetNothingThatHasThem) {
+    const std::string list = scene::listForUser(6);
+    const Attribute attributes[] = {{"user.note", "kept"}, {scene::accessList, list}};
+    for (const Attribute& attribute : attributes) {
+        const TwoFileSystems places;
+        for (const char* const name : {"here/one.log", "here/two.log", "here/tree/sub/deeper/three"}) {
+            places.folder.file(name, name);
+        }
+        // Another user's entry and the group's right to read; the mask shows in the mode as the group's.
+        ::chmod((places / "here/one.log").c_str(), 0640);
+        if (!attribute.isGivenTo(places / "here/one.log") ||
+            !attribute.isGivenTo(places / "here/tree/sub/deeper/three")) {
+            GTEST_SKIP() << "this file system holds no " << attribute.name;
+        }
+        const bool isSkipped = skippedWithoutAttributes(places, [&] { expectRefused(places, attribute); });
+        if (isSkipped) {
+            GTEST_SKIP() << noMounts;
+        }
+    }
+}
+
+TEST(OtherFileSystems, withoutAttributesGetNoFolderThatHasThem) {
+    const std::string list = scene::listForUser(6);
+    const Attribute attributes[] = {
+        {"user.note", "kept"}, {scene::accessList, list}, {scene::listForNewItems, list}};
+    for (const Attribute& attribute : attributes) {
+        for (const char* const folder : {"here/tree", "here/tree/sub"}) {
+            const TwoFileSystems places;
+            if (!attribute.isGivenTo(places / folder)) {
+                GTEST_SKIP() << "this file system holds no " << attribute.name;
+            }
+            const bool isSkipped = skippedWithoutAttributes(places, [&] {
+                const Digest before = places.folder.digest("here", Detail::times);
+                EXPECT_EQ(migrateFolder(places / "here/tree", places / "there/tree"), 37U) << folder;
+                EXPECT_EQ(places.folder.digest("there").size(), 1U);
+                EXPECT_EQ(places.folder.digest("here", Detail::times), before);
+                EXPECT_EQ(scene::attribute(places / folder, attribute.name), attribute.value);
+            });
+            if (isSkipped) {
+                GTEST_SKIP() << noMounts;
+            }
+        }
     }
 }
 

@@ -5,27 +5,43 @@
 #include <atomic>
 #include <csignal>
 
+/// SIGINT, SIGTERM and SIGHUP, counted from `awaitSignals` on: the first one stops the work, another one also
+/// what is done after that. Any thread.
 namespace ZQFoundation::zqmigrate {
 
-/// Signals that ask the program to end: held back, so that none cuts an item short, and looked for between
-/// items. Those that were ignored when the program was started stay ignored. Make one before any thread.
-class Interruption {
-public:
-    Interruption();
+inline std::atomic<int> firstSignal{0};
+inline std::atomic<int> signalCount{0};
 
-    /// The number of one that has come, or 0. Any thread.
-    int pending() const;
+extern "C" inline void countSignal(int number) {
+    int none = 0;
+    firstSignal.compare_exchange_strong(none, number);
+    ++signalCount;
+}
 
-    /// The same, and forgets the signal.
-    int take();
+/// Without a reader, or beyond a file-size limit, writing is to be an error like a full disk.
+inline void takeWriteSignalsAsErrors() {
+    struct sigaction action {};
+    action.sa_handler = SIG_IGN;
+    ::sigaction(SIGPIPE, &action, nullptr);
+    ::sigaction(SIGXFSZ, &action, nullptr);
+}
 
-    /// Whether one has come, taken or not. Any thread.
-    bool hasCome() const { return wasTaken_ || pending() != 0; }
-
-private:
-    sigset_t awaited_;
-    std::atomic<bool> wasTaken_{false};
-};
+/// Signals that were ignored when the program was started stay ignored.
+inline void awaitSignals() {
+    struct sigaction action {};
+    struct sigaction present {};
+    action.sa_handler = countSignal;
+    action.sa_flags = SA_RESTART;
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&action.sa_mask, number); // one after the other
+    }
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {
+            ::sigaction(number, &action, nullptr);
+        }
+    }
+    ::pthread_sigmask(SIG_UNBLOCK, &action.sa_mask, nullptr);
+}
 
 } // namespace ZQFoundation::zqmigrate
 

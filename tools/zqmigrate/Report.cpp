@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+// What is printed: a line or a JSON object for each item, and a summary.
 #include "tools/zqmigrate/Report.h"
 
-#include <csignal>
+#include <algorithm>
 
 #include "tools/zqmigrate/Text.h"
 
@@ -9,170 +10,128 @@ namespace ZQFoundation::zqmigrate {
 
 namespace {
 
-struct Hint {
+/// More would scroll the rest off a screen.
+constexpr std::size_t maxListed = 20;
+
+/// What a person can do about a code.
+constexpr struct {
     std::uint32_t code;
     const char* text;
-    bool needsAttempt = false; ///< it tells what an attempt has left behind
-};
-
-/// What a person can do about it.
-constexpr Hint hints[] = {
+    bool needsAttempt = false; ///< it says what an attempt has left
+} hints[] = {
     {kFileMigrationSourceIsFolder, "the commands folder and batch are for folders"},
     {kFileMigrationSourceIsFile, "the command file is for files"},
     {kFileMigrationSourceFileCannotBeRemoved,
-     "the copy is complete; make sure of it, then remove the original by hand", true},
+     "original and copy both exist; the original may have changed: compare them before you remove one", true},
     {kFileMigrationDestinationParentFolderDoesNotExist, "--create-parents makes missing folders"},
     {kFileMigrationDestinationFileExists,
      "--overwrite replaces what is there, --rename gives the copy another name"},
     {kFileMigrationDestinationFolderExists,
      "--overwrite replaces what is there, with all that it holds; --rename gives the copy another name"},
     {kFileMigrationDestinationFileWritingFailed,
-     "what stands at the destination now may be a part: look at it before the next attempt", true},
+     "no part of a copy is left; what --overwrite replaces may be gone", true},
     {kFileMigrationDestinationFolderOverwritingFailed,
      "the folder at the destination may have lost a part of what it held", true},
     {kFileMigrationDestinationFolderWritingFailed,
-     "what stands at the destination now may be a part: look at it before the next attempt", true},
+     "no part of a copy is left; what --overwrite replaces may be gone", true},
 };
 
-std::string descriptionOf(std::uint32_t code) {
-    return ZQFileMigrator::descriptionOfFileMigrationRetvalType(code).utf8();
+NSString descriptionOf(const Item& item) {
+    return ZQFileMigrator::descriptionOfFileMigrationRetvalType(item.code);
 }
 
-/// "30  sub/b.log: the destination file already exists".
-std::string lineOf(const Item& item) {
-    std::string line = std::to_string(item.code);
-    line.insert(0, line.size() < 2 ? 2 - line.size() : 0, ' ');
-    return line.append("  ").append(shown(item.path)).append(": ").append(shown(descriptionOf(item.code)));
+/// " -> sub/b 1.log" for a copy that was given another name, or for each; in a batch below the destination.
+std::string arrowOf(const Request& request, const Item& item) {
+    if (!item.destination || (!request.isVerbose && item.destination == request.destinationOf(item.path))) {
+        return {};
+    }
+    const bool isShort = request.isBatch() && !request.isVerbose;
+    return " -> " + shown(isShort
+                              ? item.path.stringByDeletingLastPathComponent().stringByAppendingPathComponent(
+                                    item.destination.lastPathComponent())
+                              : request.typedDestination(item.destination));
 }
 
-const char* word(bool value) noexcept { return value ? "true" : "false"; }
-
-std::string memberOfFlag(const char* name, bool value) {
-    return std::string("\"").append(name).append("\": ").append(word(value));
+/// "30  sub/b.log: the destination file already exists", with a line below it for a note.
+std::string linesOf(const Request& request, const Item& item) {
+    return (item.code < 10 ? " " : "") + std::to_string(item.code) + "  " +
+           shown(request.typedPath(item.path)) + ": " + shown(descriptionOf(item)) + arrowOf(request, item) +
+           (item.note ? "\n      note: " + shown(item.note) : "") + "\n";
 }
 
-std::string beginningOfJson(const Request& request) {
-    std::string text = "{\n\"operation\": ";
-    text.append(quoted(nameOf(request.operation))).append(",\n");
-    text.append(memberOfPath("from", request.from)).append(",\n");
-    text.append(memberOfPath("to", request.to)).append(",\n");
-    if (request.operation == Operation::batch) {
-        text.append(memberOfPath("extension", request.extension)).append(",\n");
-        text.append(memberOfFlag("dotFiles", request.includeDotFiles)).append(",\n");
-    }
-    text.append(memberOfFlag("keepOriginal", request.policy.keepOriginal)).append(",\n");
-    text.append(memberOfFlag("createParents", request.policy.createParent)).append(",\n");
-    text.append(memberOfFlag("overwrite", request.policy.overwrite)).append(",\n");
-    text.append(memberOfFlag("rename", request.policy.renameIfExists)).append(",\n");
-    text.append(memberOfFlag("dryRun", request.isTrial)).append(",\n");
-    return text.append("\"items\": [\n");
+std::string flag(const char* name, bool value) {
+    return std::string("\"").append(name).append(value ? "\": true" : "\": false");
 }
 
-std::string jsonOf(const Item& item) {
-    std::string text = "{";
-    text.append(memberOfPath("path", item.path));
-    if (!item.destination.empty()) {
-        text.append(", ").append(memberOfPath("destination", item.destination));
+std::string array(const char* name, const std::vector<std::string>& members) {
+    std::string text = std::string("\"").append(name).append("\": [");
+    for (const std::string& member : members) {
+        text.append(&member == &members.front() ? "\n" : ",\n").append(member);
     }
-    text.append(", \"code\": ").append(std::to_string(item.code));
-    text.append(", \"description\": ").append(quoted(descriptionOf(item.code)));
-    return text.append("}\n");
-}
-
-/// A list of objects that hold a path each.
-class PathList {
-public:
-    void add(const std::string& path) {
-        text_.append(text_.empty() ? "\n" : ",\n").append("{").append(memberOfPath("path", path)).append("}");
-    }
-    std::string member(const char* name) const {
-        return std::string("\"").append(name).append("\": [").append(text_).append("]");
-    }
-
-private:
-    std::string text_;
-};
-
-std::string endOfJson(const Outcome& outcome) {
-    PathList left;
-    PathList unreadable;
-    for (const Item& item : outcome.failed) {
-        left.add(item.path);
-    }
-    for (const std::string& path : outcome.notReached) {
-        left.add(path);
-    }
-    for (const std::string& path : outcome.unreadableFolders) {
-        unreadable.add(path);
-    }
-    std::string text = "],\n\"migrated\": ";
-    text.append(std::to_string(outcome.migrated)).append(",\n\"failed\": ");
-    text.append(std::to_string(outcome.failed.size())).append(",\n\"notReached\": ");
-    text.append(std::to_string(outcome.notReached.size())).append(",\n");
-    text.append(left.member("left")).append(",\n");
-    text.append(memberOfFlag("isLeftComplete", !outcome.isMoreNotReached)).append(",\n");
-    text.append(unreadable.member("unreadableFolders")).append(",\n");
-    text.append(memberOfFlag("areUnreadableFoldersComplete", !outcome.isMoreUnreadable))
-        .append(",\n\"error\": ");
-    text.append(outcome.error.empty() ? "null" : quoted(outcome.error)).append(",\n");
-    text.append(memberOfFlag("interrupted", outcome.signal != 0)).append(",\n");
-    return text.append(memberOfFlag("success", outcome.isSuccess())).append("\n}\n");
+    return text.append("]");
 }
 
 /// "3 files", "1 folder".
 std::string counted(std::uint64_t count, const Request& request) {
-    const char* const noun = request.operation == Operation::folder ? " folder" : " file";
-    return std::to_string(count).append(noun).append(count == 1 ? "" : "s");
+    return grouped(count) + (request.operation == Operation::folder ? " folder" : " file") +
+           (count == 1 ? "" : "s");
 }
 
 std::string howItWent(const Request& request, const Outcome& outcome) {
-    const char* const deed = request.policy.keepOriginal ? " copied" : " moved";
-    const char* const would = request.isTrial ? " would be" : "";
-    if (outcome.count() == 0 && outcome.signal == 0) {
-        const std::string kind = request.extension.empty() ? "no files" : "no files with that extension";
-        return messageLine("nothing to do: there are " + kind + " in " + request.from);
+    const std::uint64_t left = outcome.left();
+    const std::uint64_t count = outcome.migrated + left;
+    if (count == 0 && outcome.signal == 0) {
+        const char* const kind = request.extension ? "files with that extension" : "files";
+        return messageLine(
+            NSString::stringWithFormat("nothing to do: there are no %s in %@", kind, request.from));
     }
     std::string text = outcome.signal == 0 ? "" : "stopped by a signal; ";
-    const std::uint64_t left = outcome.failed.size() + outcome.notReached.size();
-    if (left == 0) {
-        text.append(counted(outcome.migrated, request)).append(would).append(deed);
-        return messageLine(text.append(outcome.signal == 0 ? "" : ", nothing is left to do"));
+    text.append(left == 0 ? "" : grouped(outcome.migrated) + " of ").append(counted(count, request));
+    text.append(request.isTrial ? " would be" : "").append(request.keepOriginal ? " copied" : " moved");
+    if (left != 0) {
+        text.append("; left to do: ")
+            .append(grouped(left))
+            .append(outcome.isMoreNotReached ? " or more" : "");
+    } else if (outcome.signal != 0) {
+        text.append(", nothing is left to do");
     }
-    text.append(std::to_string(outcome.migrated)).append(" of ");
-    text.append(counted(outcome.count(), request)).append(would).append(deed);
-    return messageLine(text.append("; left to do: ")
-                           .append(std::to_string(left))
-                           .append(outcome.isMoreNotReached ? " or more" : ""));
+    return messageLine(text);
 }
 
-std::string whatIsLeft(const Outcome& outcome, std::size_t mostItems) {
-    const std::size_t count = outcome.failed.size() + outcome.notReached.size();
+/// The first lines of a list, and how many more there are.
+template <class LineAt>
+std::string listed(const Request& request, std::size_t count, const LineAt& lineAt) {
     std::string text;
-    for (std::size_t index = 0; index < count && index < mostItems; ++index) {
-        const bool isReached = index < outcome.failed.size();
-        text.append("  ");
-        text.append(isReached ? lineOf(outcome.failed[index])
-                              : "--  " + shown(outcome.notReached[index - outcome.failed.size()]) +
-                                    ": not reached");
-        text.push_back('\n');
+    for (std::size_t index = 0; index < std::min(count, maxListed); ++index) {
+        text.append(lineAt(index));
     }
-    if (count > mostItems) {
-        text.append("  ... and ").append(std::to_string(count - mostItems)).append(" more\n");
-    }
-    return text;
+    const std::string more = "  ... and " + grouped(count - std::min(count, maxListed)) + " more";
+    return count <= maxListed ? text : text + more + (request.isJson ? "\n" : "; --json lists all\n");
+}
+
+std::string listedPaths(const Request& request, const std::vector<NSString>& paths, const char* complaint) {
+    return listed(request, paths.size(), [&](std::size_t index) {
+        return messageLine(NSString::stringWithFormat("%@: %s", paths[index], complaint));
+    });
+}
+
+std::string whatIsLeft(const Request& request, const Outcome& outcome) {
+    const std::size_t failed = outcome.failed.size();
+    return listed(request, outcome.left(), [&](std::size_t index) {
+        return "  " + (index < failed
+                           ? linesOf(request, outcome.failed[index])
+                           : "--  " + shown(request.typedPath(outcome.notReached[index - failed])) +
+                                 ": not reached\n");
+    });
 }
 
 std::string hintsFor(const Request& request, const Outcome& outcome) {
     std::string text;
-    for (const Hint& hint : hints) {
-        if (hint.needsAttempt && request.isTrial) {
-            continue;
-        }
-        for (const Item& item : outcome.failed) {
-            if (item.code == hint.code) {
-                text.append(messageLine(std::to_string(hint.code).append(": ").append(hint.text)));
-                break;
-            }
+    for (const auto& hint : hints) {
+        const bool isOfUse = std::any_of(outcome.failed.begin(), outcome.failed.end(),
+                                         [&](const Item& item) { return item.code == hint.code; });
+        if (isOfUse && !(hint.needsAttempt && request.isTrial)) {
+            text.append(messageLine(NSString::stringWithFormat("%u: %s", hint.code, hint.text)));
         }
     }
     return text;
@@ -180,57 +139,87 @@ std::string hintsFor(const Request& request, const Outcome& outcome) {
 
 } // namespace
 
-std::string messageLine(const std::string& message) {
-    return std::string("zqmigrate: ").append(shown(message)).append("\n");
-}
+std::string messageLine(const NSString& message) { return "zqmigrate: " + shown(message) + "\n"; }
 
 std::string beginningOfReport(const Request& request) {
-    return request.isJson ? beginningOfJson(request) : std::string();
+    if (!request.isJson) {
+        return {};
+    }
+    const char* const operation = operationNames[static_cast<int>(request.operation)];
+    const std::string batch = memberOfPath("extension", request.extension) + ",\n" +
+                              flag("dotFiles", request.includeDotFiles) + ",\n";
+    return std::string("{\n\"operation\": \"") + operation + "\",\n" + memberOfPath("from", request.from) +
+           ",\n" + memberOfPath("to", request.to) + ",\n" + (request.isBatch() ? batch : "") +
+           flag("keepOriginal", request.keepOriginal) + ",\n" +
+           flag("createParents", request.createDestinationParentFolder) + ",\n" +
+           flag("overwrite", request.overwriteDestination) + ",\n" +
+           flag("rename", request.renameIfDestinationExists) + ",\n" + flag("dryRun", request.isTrial) +
+           ",\n\"items\": [\n";
 }
 
 std::string reportOfItem(const Request& request, const Item& item, bool isFirst) {
-    if (request.isJson) {
-        return std::string(isFirst ? "" : ",").append(jsonOf(item));
+    if (!request.isJson) {
+        return request.isQuiet || item.code != kFileMigrationSuccess ? "" : linesOf(request, item);
     }
-    if (request.isQuiet) {
-        return {};
-    }
-    std::string line = lineOf(item);
-    const std::string& copy = request.isVerbose ? item.destination : item.newName;
-    if (!copy.empty()) {
-        line.append(" -> ").append(shown(copy));
-    }
-    return line.append("\n");
+    const NSString destination = request.typedDestination(item.destination);
+    return (isFirst ? "{" : ",{") + memberOfPath("path", request.typedPath(item.path)) +
+           (destination ? ", " + memberOfPath("destination", destination) : "") +
+           ", \"code\": " + std::to_string(item.code) + ", \"description\": " + quoted(descriptionOf(item)) +
+           (item.note ? ", \"note\": " + quoted(item.note) : "") + "}\n";
 }
 
 std::string endOfReport(const Request& request, const Outcome& outcome) {
-    return request.isJson ? endOfJson(outcome) : std::string();
+    if (!request.isJson) {
+        return {};
+    }
+    const auto objects = [](const char* name, const std::vector<NSString>& paths) {
+        std::vector<std::string> members;
+        for (const NSString& path : paths) {
+            members.push_back("{" + memberOfPath("path", path) + "}");
+        }
+        return array(name, members);
+    };
+    std::vector<NSString> left;
+    for (const Item& item : outcome.failed) {
+        left.push_back(request.typedPath(item.path));
+    }
+    for (const NSString& path : outcome.notReached) {
+        left.push_back(request.typedPath(path));
+    }
+    std::vector<std::string> notes;
+    for (const NSString& note : outcome.notes) {
+        notes.push_back(quoted(note));
+    }
+    return "],\n\"migrated\": " + std::to_string(outcome.migrated) +
+           ",\n\"failed\": " + std::to_string(outcome.failed.size()) +
+           ",\n\"notReached\": " + std::to_string(outcome.notReached.size()) + ",\n" + objects("left", left) +
+           ",\n" + flag("isLeftComplete", !outcome.isMoreNotReached) + ",\n" +
+           objects("unreadableFolders", outcome.unreadableFolders) + ",\n" +
+           flag("areUnreadableFoldersComplete", !outcome.isMoreUnreadable) + ",\n" +
+           objects("brokenLinks", outcome.brokenLinks) + ",\n" + array("notes", notes) +
+           ",\n\"error\": " + (outcome.error ? quoted(outcome.error) : "null") + ",\n" +
+           flag("interrupted", outcome.signal != 0) + ",\n" + flag("success", outcome.isSuccess()) + "\n}\n";
 }
 
-std::string summaryOf(const Request& request, const Outcome& outcome, std::size_t mostItems) {
-    if (!outcome.error.empty()) {
+std::string summaryOf(const Request& request, const Outcome& outcome) {
+    if (outcome.error) {
         return messageLine(outcome.error);
     }
-    std::string text;
-    for (const std::string& folder : outcome.unreadableFolders) {
-        text.append(messageLine(folder + ": this folder cannot be read, what it holds was passed over"));
-    }
+    std::string text = listedPaths(request, outcome.unreadableFolders,
+                                   "this folder cannot be read; what it holds was ignored");
     if (outcome.isMoreUnreadable) {
-        text.append(
-            messageLine("a signal cut the search for folders that cannot be read: there may be more"));
+        text += messageLine("a signal stopped the search for folders that cannot be read: there may be more");
     }
     if (!request.isQuiet || !outcome.isSuccess()) {
-        text.append(howItWent(request, outcome));
-        text.append(whatIsLeft(outcome, mostItems));
-        text.append(hintsFor(request, outcome));
+        text += howItWent(request, outcome) + whatIsLeft(request, outcome) + hintsFor(request, outcome);
     }
-    for (const std::string& note : outcome.notes) {
-        text.append(messageLine(note));
+    text += listedPaths(request, outcome.brokenLinks,
+                        "this link leads nowhere now; at its old place it led somewhere");
+    for (const NSString& note : outcome.notes) {
+        text += messageLine(note);
     }
-    if (request.isTrial && !request.isQuiet) {
-        text.append(messageLine("this was a trial: nothing was changed"));
-    }
-    return text;
+    const bool isSaid = request.isTrial && !request.isQuiet;
+    return isSaid ? text + messageLine("this was a trial: nothing was changed") : text;
 }
 
 } // namespace ZQFoundation::zqmigrate

@@ -2,23 +2,21 @@
 #ifndef ZQFOUNDATION_ZQMIGRATE_REPORT_H
 #define ZQFOUNDATION_ZQMIGRATE_REPORT_H
 
-#include "tools/zqmigrate/Outcome.h"
-#include "tools/zqmigrate/Request.h"
+#include "tools/zqmigrate/Run.h"
 
-/// What the user is told, as text that ends with whole lines.
+/// What the user reads, as text that ends with whole lines.
 namespace ZQFoundation::zqmigrate {
 
-/// What goes to standard output: a beginning, each item as it is done, an end.
+/// What goes to standard output: a beginning, each item as it is done (failures only in JSON), an end.
 std::string beginningOfReport(const Request& request);
 std::string reportOfItem(const Request& request, const Item& item, bool isFirst);
 std::string endOfReport(const Request& request, const Outcome& outcome);
 
-/// What goes to standard error in the end: how it went, what is left to do, and what may help. The list of
-/// what is left ends after so many items. May be empty.
-std::string summaryOf(const Request& request, const Outcome& outcome, std::size_t mostItems);
+/// What goes to standard error in the end: how it went, what is left to do, and what may help. May be empty.
+std::string summaryOf(const Request& request, const Outcome& outcome);
 
 /// A line of the program's own for standard error.
-std::string messageLine(const std::string& message);
+std::string messageLine(const NSString& message);
 
 } // namespace ZQFoundation::zqmigrate
 

@@ -1,148 +1,121 @@
 // SPDX-License-Identifier: MIT
+// The command line, read.
 #include "tools/zqmigrate/Request.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string_view>
+
+#include "tools/zqmigrate/Text.h"
 
 namespace ZQFoundation::zqmigrate {
 
 namespace {
 
-constexpr const char* operations[] = {"file", "folder", "batch"};
-
-[[noreturn]] void misuse(std::string message) { throw Misuse{std::move(message)}; }
-
 /// Options without a value, and what each switches on.
-struct Switch {
-    const char* name;
-    const char* shortName;
-    bool Request::*request;
-    bool detail::MigrationPolicy::*policy;
+constexpr struct Switch {
+    std::string_view name;
+    char letter;
+    bool Request::*flag;
+} switches[] = {
+    {"--keep-original", 0, &Request::keepOriginal},
+    {"--create-parents", 0, &Request::createDestinationParentFolder},
+    {"--overwrite", 0, &Request::overwriteDestination},
+    {"--rename", 0, &Request::renameIfDestinationExists},
+    {"--dot-files", 0, &Request::includeDotFiles},
+    {"--dry-run", 'n', &Request::isTrial},
+    {"--json", 0, &Request::isJson},
+    {"--quiet", 'q', &Request::isQuiet},
+    {"--verbose", 'v', &Request::isVerbose},
+    {"--help", 'h', &Request::wantsHelp},
+    {"--version", 0, &Request::wantsVersion},
 };
 
-constexpr Switch switches[] = {
-    {"--keep-original", nullptr, nullptr, &detail::MigrationPolicy::keepOriginal},
-    {"--create-parents", nullptr, nullptr, &detail::MigrationPolicy::createParent},
-    {"--overwrite", nullptr, nullptr, &detail::MigrationPolicy::overwrite},
-    {"--rename", nullptr, nullptr, &detail::MigrationPolicy::renameIfExists},
-    {"--dot-files", nullptr, &Request::includeDotFiles, nullptr},
-    {"--dry-run", "-n", &Request::isTrial, nullptr},
-    {"--json", nullptr, &Request::isJson, nullptr},
-    {"--quiet", "-q", &Request::isQuiet, nullptr},
-    {"--verbose", "-v", &Request::isVerbose, nullptr},
-};
-
-class Reader {
-public:
-    explicit Reader(const Words& words) : words_(words) {}
-
-    Request read() {
-        for (; next_ < words_.size(); ++next_) {
-            const std::string& word = words_[next_];
-            if (areOptionsOver_ || word.size() < 2 || word[0] != '-') {
-                operands_.push_back(word);
-            } else if (word == "--") {
-                areOptionsOver_ = true;
-            } else if (!takeSwitch(word) && !takeExtension(word)) {
-                misuse("there is no option " + word);
-            }
-        }
-        takeOperands();
-        refuseContradictions();
-        return request_;
+void refuseIf(bool isWrong, const std::string& message) {
+    if (isWrong) {
+        throw std::invalid_argument(message);
     }
+}
 
-private:
-    bool takeSwitch(const std::string& word) {
-        for (const Switch& each : switches) {
-            if (word == each.name || (each.shortName != nullptr && word == each.shortName)) {
-                if (each.request != nullptr) {
-                    request_.*each.request = true;
-                } else {
-                    request_.policy.*each.policy = true;
-                }
-                return true;
-            }
-        }
-        return false;
+/// "--quiet", or "-nq": one switch a letter. The word has two characters or more.
+void takeSwitches(const std::string& word, Request& request) {
+    const bool isName = word[1] == '-';
+    for (const char letter : isName ? std::string("-") : word.substr(1)) {
+        const auto found = std::find_if(std::begin(switches), std::end(switches), [&](const Switch& each) {
+            return isName ? word == each.name : letter == each.letter;
+        });
+        refuseIf(found == std::end(switches),
+                 "there is no option " + (isName ? word : std::string("-") + letter));
+        request.*found->flag = true;
     }
+}
 
-    bool takeExtension(const std::string& word) {
-        constexpr const char* name = "--extension";
-        const std::size_t length = std::char_traits<char>::length(name);
-        const bool hasValue = word.compare(0, length + 1, std::string(name).append("=")) == 0;
-        if (word != name && !hasValue) {
-            return false;
-        }
-        if (hasExtension_) {
-            misuse("there is more than one --extension");
-        }
-        if (!hasValue && ++next_ == words_.size()) {
-            misuse("--extension needs a value");
-        }
-        request_.extension = hasValue ? word.substr(length + 1) : words_[next_];
-        // Such a one would select nothing, which would pass for success.
-        // For the library the empty one is every file; here it is most likely a variable without a value.
-        if (request_.extension.empty() || request_.extension.find_first_of("./") != std::string::npos) {
-            misuse("an extension is what follows the last period of a name, such as \"log\", not \"" +
-                   request_.extension + "\"");
-        }
-        hasExtension_ = true;
-        return true;
-    }
+void takeExtension(const std::string& value, Request& request) {
+    refuseIf(request.extension != nullptr, "there is more than one --extension");
+    // Such a one would select nothing, which would pass for success. For the library the empty one is every
+    // file; here it is most likely a variable without a value.
+    refuseIf(value.empty() || value.find_first_of("./") != std::string::npos,
+             "an extension is what follows the last period of a name, such as \"log\", not \"" + value +
+                 "\"");
+    request.extension = pathOf(value);
+}
 
-    void takeOperands() {
-        if (operands_.empty()) {
-            misuse("there is no command");
-        }
-        for (std::size_t index = 0; index < std::size(operations); ++index) {
-            if (operands_[0] == operations[index]) {
-                request_.operation = static_cast<Operation>(index);
-                takePaths();
-                return;
-            }
-        }
-        misuse("there is no command " + operands_[0]);
-    }
+void takeOperands(const Words& operands, Request& request) {
+    refuseIf(operands.empty(), "there is no command");
+    const auto name = std::find(std::begin(operationNames), std::end(operationNames), operands[0]);
+    refuseIf(name == std::end(operationNames), "there is no command " + operands[0]);
+    refuseIf(operands.size() != 3, operands[0] + " takes two paths: from and to");
+    // Most likely a variable of a shell that has no value: an empty folder would be the current one.
+    refuseIf(operands[1].empty(), "the path to migrate from is empty");
+    refuseIf(operands[2].empty(), "the path to migrate to is empty");
+    request.operation = static_cast<Operation>(name - std::begin(operationNames));
+    request.from = pathOf(operands[1]);
+    request.to = pathOf(operands[2]);
+    request.source = request.from.stringByExpandingTildeInPath();
+    // For the library a mere name is in no folder; for the user it is in the current one.
+    const bool isName = !request.isBatch() && !request.to.isAbsolutePath();
+    request.destination = isName ? pathOf("./" + operands[2]) : request.to.stringByExpandingTildeInPath();
+}
 
-    void takePaths() {
-        if (operands_.size() != 3) {
-            misuse(operands_[0] + " takes two paths: from and to");
-        }
-        request_.from = operands_[1];
-        request_.to = operands_[2];
-        // Most likely a variable of a shell that has no value: an empty folder would be the current one.
-        if (request_.from.empty() || request_.to.empty()) {
-            misuse(bytesOfDescription(request_.from.empty() ? kFileMigrationSourceNotSpecified
-                                                            : kFileMigrationDestinationNotSpecified));
-        }
-    }
-
-    static std::string bytesOfDescription(ZQFileMigrationRetvalType code) {
-        return ZQFileMigrator::descriptionOfFileMigrationRetvalType(code).utf8();
-    }
-
-    void refuseContradictions() const {
-        if (request_.operation != Operation::batch && (hasExtension_ || request_.includeDotFiles)) {
-            misuse("--extension and --dot-files are for batch only");
-        }
-        if (request_.policy.overwrite && request_.policy.renameIfExists) {
-            misuse("--overwrite removes what --rename would leave alone: only one of them can be meant");
-        }
-        if (request_.isQuiet && request_.isVerbose) {
-            misuse("--quiet and --verbose contradict each other");
-        }
-    }
-
-    const Words& words_;
-    std::size_t next_ = 0;
-    bool areOptionsOver_ = false;
-    bool hasExtension_ = false;
-    Words operands_;
-    Request request_;
-};
+void refuseContradictions(const Request& request) {
+    refuseIf(!request.isBatch() && (request.extension != nullptr || request.includeDotFiles),
+             "--extension and --dot-files are for batch only");
+    refuseIf(request.overwriteDestination && request.renameIfDestinationExists,
+             "--overwrite removes what --rename would leave alone: only one of them can be meant");
+    refuseIf(request.isQuiet && request.isVerbose, "--quiet and --verbose contradict each other");
+}
 
 } // namespace
 
-const char* nameOf(Operation operation) noexcept { return operations[static_cast<int>(operation)]; }
-
-Request requestFromWords(const Words& words) { return Reader(words).read(); }
+Request requestFromWords(const Words& words) {
+    const std::string extension = "--extension";
+    Request request;
+    Words operands;
+    bool areOptionsOver = false;
+    for (std::size_t next = 0; next < words.size(); ++next) {
+        const std::string& word = words[next];
+        if (areOptionsOver || word.size() < 2 || word[0] != '-') {
+            operands.push_back(word);
+        } else if (word == "--") {
+            areOptionsOver = true;
+        } else if (word == extension) {
+            refuseIf(++next == words.size(), "--extension needs a value");
+            takeExtension(words[next], request);
+        } else if (word.rfind(extension + "=", 0) == 0) {
+            takeExtension(word.substr(extension.size() + 1), request);
+        } else {
+            takeSwitches(word, request);
+        }
+        if (request.wantsHelp || request.wantsVersion) {
+            return request;
+        }
+    }
+    request.wantsHelp = operands == Words{"help"};
+    if (!request.wantsHelp) {
+        takeOperands(operands, request);
+        refuseContradictions(request);
+    }
+    return request;
+}
 
 } // namespace ZQFoundation::zqmigrate

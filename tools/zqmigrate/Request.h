@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "migration/ItemMigration.h"
+#include "migration/ZQFileMigrator.h"
 
 namespace ZQFoundation::zqmigrate {
 
@@ -13,28 +13,38 @@ using Words = std::vector<std::string>;
 
 enum class Operation { file, folder, batch };
 
-/// What the command line asks for. Paths are the system's bytes.
-struct Request {
+/// What the command line asks for.
+struct Request : ZQMigrationOptions {
     Operation operation = Operation::file;
-    std::string from;
-    std::string to;
-    detail::MigrationPolicy policy;
-    std::string extension; ///< empty for every file
-    bool includeDotFiles = false;
+    NSString from; ///< as typed
+    NSString to;
+    NSString source; ///< "~" expanded; what the library is to get
+    NSString destination;
+    NSString extension; ///< nil for every file
     bool isTrial = false;
     bool isJson = false;
     bool isQuiet = false;
     bool isVerbose = false;
+    bool wantsHelp = false; ///< and nothing else, as the next one
+    bool wantsVersion = false;
+
+    bool isBatch() const noexcept { return operation == Operation::batch; }
+
+    /// Where an item is to go: in a batch by its path relative to the folders.
+    NSString destinationOf(const NSString& path) const {
+        return isBatch() ? destination.stringByAppendingPathComponent(path) : destination;
+    }
+
+    /// Paths of an item and of its copy as the user would write them.
+    NSString typedPath(const NSString& path) const { return isBatch() ? path : from; }
+    NSString typedDestination(const NSString& path) const {
+        return !isBatch() && path.hasPrefix("./") ? path.substringFromIndex(2) : path;
+    }
 };
 
-const char* nameOf(Operation operation) noexcept;
+inline constexpr const char* operationNames[] = {"file", "folder", "batch"};
 
-/// The command line makes no sense; the message is for the user.
-struct Misuse {
-    std::string message;
-};
-
-/// Throws Misuse.
+/// Throws std::invalid_argument, with a message for the user, for words that make no sense.
 Request requestFromWords(const Words& words);
 
 } // namespace ZQFoundation::zqmigrate

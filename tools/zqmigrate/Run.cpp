@@ -1,238 +1,271 @@
 // SPDX-License-Identifier: MIT
+// A run of the tool: what there is to do is looked at, done or planned, and looked at again.
 #include "tools/zqmigrate/Run.h"
 
-#include <sys/statvfs.h>
-#include <unistd.h>
+#include <algorithm>
+#include <cstring>
+#include <set>
 
-#include "foundation/files/FileInformation.h"
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
 #include "foundation/files/ItemIdentity.h"
-#include "migration/BatchSelection.h"
-#include "migration/FilesOnDisk.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/system/OpenFolders.h"
+#include "migration/MigratedFiles.h"
+#include "tools/zqmigrate/Interruption.h"
 #include "tools/zqmigrate/Report.h"
 #include "tools/zqmigrate/Text.h"
-#include "tools/zqmigrate/TrialFiles.h"
 
 namespace ZQFoundation::zqmigrate {
 
 namespace {
 
-const NSFileManager& fileManager() noexcept { return NSFileManager::defaultManager(); }
-
-/// Why a batch cannot go through the folder; empty when it can. For the library all of these are folders that
-/// hold nothing.
-std::string complaintAbout(const NSString& folder, const std::string& name) {
-    const auto because = [&name](ZQFileMigrationRetvalType code) {
-        return name + ": " + ZQFileMigrator::descriptionOfFileMigrationRetvalType(code).utf8();
-    };
-    bool isDirectory = false;
-    if (!fileManager().fileExistsAtPath_isDirectory(folder, &isDirectory)) {
-        return because(kFileMigrationSourceParentDoesNotExist);
-    }
-    if (!isDirectory) {
-        return because(kFileMigrationSourceIsFile);
-    }
-    NSString reason;
-    return fileManager().contentsOfDirectoryAtPath_error(folder, &reason) ? std::string() : bytesOf(reason);
-}
-
-/// Folders that the enumeration passes over in silence, and those whose items cannot be told from folders
-/// because the folder may not be searched. An interruption ends the search.
-void findUnreadableFolders(const NSString& folder, bool includeDotFiles, const Interruption& interruption,
-                           Outcome& outcome) {
-    NSDirectoryEnumerator items = fileManager().enumeratorAtPath(folder);
-    while (const NSString path = items.nextObject()) {
-        if (interruption.pending() != 0) {
-            outcome.isMoreUnreadable = true;
-            return;
-        }
-        const NSString whole = folder.stringByAppendingPathComponent(path);
-        struct stat information;
-        if ((includeDotFiles || !path.hasPrefix(".")) && detail::getItemInformation(whole, information) &&
-            S_ISDIR(information.st_mode) && ::access(bytesOf(whole).c_str(), R_OK | X_OK) != 0) {
-            outcome.unreadableFolders.push_back(bytesOf(path));
-        }
-    }
-}
-
-/// The files as a batch sees them. To the library, what is nowhere counts as what was looked at before it, so
-/// that a link that leads nowhere would be passed over in silence when it comes after a folder. Here it
-/// counts as the file that it is.
-template <class Files>
-class BatchFiles {
-public:
-    explicit BatchFiles(const Files& files) : files_(files) {}
-
-    bool exists(const NSString& path, bool* isDirectory) const {
-        struct stat information;
-        const bool isFound = files_.exists(path, isDirectory);
-        if (!isFound && detail::getItemInformation(path, information) && S_ISLNK(information.st_mode)) {
-            *isDirectory = false;
-        }
-        return isFound;
-    }
-
-private:
-    const Files& files_;
+/// An item that the request is about: in a batch a chosen file, or a folder that cannot be read.
+struct FoundItem {
+    NSString path; ///< relative to the source; empty for that itself
+    struct stat information {};
+    bool isUnreadableFolder = false;
+    bool leadsNowhere = false;   ///< a link
+    bool isRelativeLink = false; ///< that leads somewhere
 };
 
-/// What is free for the user on the file system where the path would stand; the greatest number when nobody
-/// tells.
-std::uint64_t freeBytesAt(NSString path) {
-    const NSString top = path.hasPrefix("/") ? "/" : ".";
+bool isUsable(const detail::ItemPlace& folder) {
+    return ::faccessat(folder.folder(), folder.name(), R_OK | X_OK, AT_EACCESS) == 0;
+}
+
+/// False for what the request is not about.
+bool look(const Request& request, const detail::ItemPlace& place, FoundItem& item) {
+    struct stat target {};
+    char first = '/';
+    if (!place.look(item.information)) {
+        return false;
+    }
+    const bool leadsSomewhere = ::fstatat(place.folder(), place.name(), &target, 0) == 0;
+    const bool isLink = S_ISLNK(item.information.st_mode);
+    item.leadsNowhere = isLink && !leadsSomewhere;
+    item.isRelativeLink = isLink && leadsSomewhere &&
+                          ::readlinkat(place.folder(), place.name(), &first, 1) == 1 && first != '/';
+    item.isUnreadableFolder = request.isBatch() && S_ISDIR(item.information.st_mode) && !isUsable(place);
+    const bool isChosen =
+        !S_ISDIR(target.st_mode) && (!request.extension || item.path.pathExtension() == request.extension);
+    return !request.isBatch() || item.isUnreadableFolder || isChosen;
+}
+
+/// Why a batch cannot go through its source folder; nil when it can. For the library all of these are folders
+/// that hold nothing.
+NSString complaintAbout(const detail::ItemPlace& source) {
+    bool isDirectory = false;
+    if (!source || !source.exists(isDirectory)) {
+        return ZQFileMigrator::descriptionOfFileMigrationRetvalType(kFileMigrationSourceParentDoesNotExist);
+    }
+    if (!isDirectory) {
+        return ZQFileMigrator::descriptionOfFileMigrationRetvalType(kFileMigrationSourceIsFile);
+    }
+    return isUsable(source) ? NSString() : NSString(std::strerror(errno));
+}
+
+/// What is free for the user where the path is to be; the greatest number when that is not known.
+std::uint64_t freeBytesAt(std::string path) {
     struct statvfs system {};
-    while (::statvfs(bytesOf(path).c_str(), &system) != 0) {
-        if (path.isEqualToString(top)) {
+    while (::statvfs(path.c_str(), &system) != 0) {
+        if (path == "/" || path == ".") {
             return UINT64_MAX;
         }
-        const NSString above = path.stringByDeletingLastPathComponent();
-        path = above.isEmpty() ? top : above;
+        const std::size_t slash = path.rfind('/');
+        path = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
     }
     return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
 }
 
-/// For the library a mere name is in no folder; for who types it, it is in the current one.
-constexpr const char* currentFolder = "./";
-
-bool isRelative(const std::string& path) { return path[0] != '/' && path[0] != '~'; }
-
-template <class Files>
-class Run {
+class Run final : public ZQMigrationObserver {
 public:
-    Run(Files& files, const Request& request, Screen& screen, Interruption& interruption)
-        : files_(files), request_(request), screen_(screen), interruption_(interruption),
-          from_(pathOf(request.from).stringByExpandingTildeInPath()),
-          to_(pathOf(request.to).stringByExpandingTildeInPath()) {}
+    Run(const Request& request, Screen& screen) : request_(request), screen_(screen) {
+        source_.open(bytesOf(request.source));
+    }
 
     Outcome run() {
         screen_.write(beginningOfReport(request_));
-        if (request_.operation == Operation::batch) {
-            migrateBatch();
+        const NSString complaint = request_.isBatch() ? complaintAbout(source_) : NSString();
+        if (complaint) {
+            outcome_.error = NSString::stringWithFormat("%@: %@", request_.from, complaint);
         } else {
-            const bool isFolder = request_.operation == Operation::folder;
-            screen_.setTotal(1, true);
-            const std::string to = (isRelative(request_.to) ? currentFolder : "") + request_.to;
-            migrate(isFolder ? detail::folderKind : detail::fileKind, request_.from, pathOf(request_.from),
-                    pathOf(to));
+            survey();
+            request_.isTrial ? plan() : migrate();
+            findRest();
+            checkLinks();
         }
-        // One that came during the last item.
-        outcome_.signal = outcome_.signal != 0 ? outcome_.signal : interruption_.take();
+        outcome_.signal = firstSignal;
         return outcome_;
     }
 
+    bool migrationMayContinue(const ZQMigrationProgress& now) override {
+        progress_.items = now.items;
+        progress_.bytes = now.bytes;
+        screen_.show(progress_);
+        if (!inHand_ && signalCount != 0) {
+            inHand_ = request_.isBatch() ? now.path : request_.source;
+        }
+        return !inHand_;
+    }
+
+    void migrationDidFinish(const NSString& path, ZQFileMigrationRetvalType code,
+                            const NSString& destination) override {
+        if (path != inHand_ || code == kFileMigrationSuccess) { // what was stopped half-way was not reached
+            finish({path, code, destination, nullptr});
+        }
+    }
+
 private:
-    void migrateBatch() {
-        outcome_.error = complaintAbout(from_, request_.from);
-        if (!outcome_.error.empty()) {
+    /// False when there was a signal more than `count`.
+    template <class Visit>
+    bool goThrough(int count, const Visit& visit) {
+        FoundItem item;
+        item.path = "";
+        if (!request_.isBatch() && source_ && look(request_, source_, item)) {
+            visit(item);
+        }
+        // The start of a batch may be a link; a link to a folder that is migrated is a link.
+        const int flags = request_.isBatch() ? detail::folderFlags & ~O_NOFOLLOW : detail::folderFlags;
+        detail::Descriptor start(source_ ? detail::openAt(source_.folder(), source_.name(), flags) : -1);
+        if (!start) {
+            return true;
+        }
+        const bool isAll = !request_.isBatch() || request_.includeDotFiles;
+        detail::MigratedFiles files(std::move(start), nullptr, isAll, false);
+        detail::ItemPlace place;
+        while (files.nextItem()) {
+            if (signalCount > count) {
+                return false;
+            }
+            item.path = files.relativePath();
+            if (files.getPlace(place) && look(request_, place, item)) {
+                visit(item);
+            }
+        }
+        return true;
+    }
+
+    void survey() {
+        const bool isWhole = goThrough(0, [this](const FoundItem& item) {
+            if (item.isUnreadableFolder) {
+                outcome_.unreadableFolders.push_back(item.path);
+                return;
+            }
+            if (item.isRelativeLink) {
+                links_.insert(bytesOf(item.path));
+            }
+            if (S_ISREG(item.information.st_mode)) { // holes are not copied
+                const auto blocks = static_cast<std::uint64_t>(item.information.st_blocks) * 512;
+                room_ += blocks;
+                progress_.totalBytes += // a trial copies none
+                    request_.isTrial ? 0
+                                     : std::min(blocks, static_cast<std::uint64_t>(item.information.st_size));
+            }
+            ++progress_.totalItems;
+            screen_.show(progress_);
+        });
+        outcome_.isMoreUnreadable = request_.isBatch() && !isWhole;
+        progress_.isTotalKnown = true;
+        screen_.show(progress_);
+    }
+
+    void migrate() {
+        if (request_.isBatch()) {
+            static_cast<void>(ZQFileMigrator::migrateFiles(request_.extension, request_.source,
+                                                           request_.destination, request_, this));
             return;
         }
-        findUnreadableFolders(from_, request_.includeDotFiles, interruption_, outcome_);
-        countItems();
-        const BatchFiles files(files_);
-        detail::BatchSelection selection = selected(files);
-        while (const NSString path = outcome_.isMoreNotReached ? NSString() : selection.next()) {
-            migrate(detail::fileKind, bytesOf(path), selection.file(),
-                    to_.stringByAppendingPathComponent(path));
+        const bool isFolder = request_.operation == Operation::folder;
+        const auto migrateOne = isFolder ? ZQFileMigrator::migrateFolder : ZQFileMigrator::migrateFile;
+        static_cast<void>(migrateOne(request_.source, request_.destination, request_, this));
+    }
+
+    void plan() {
+        std::uint64_t notes = 0;
+        for (const Item& item : plannedItems(request_, *this)) {
+            finish(item);
+            notes += item.note ? 1 : 0;
+        }
+        const auto note = [this](const std::string& text) {
+            outcome_.notes.push_back(text);
+        };
+        if (notes != 0) {
+            note("files with a note: " + grouped(notes) +
+                 "; the run itself changes what they meet, so they may end otherwise");
+        }
+        if (request_.isBatch() && detail::standsInside(request_.destinationOf("item"), request_.source)) {
+            note("the destination is in the source folder: a real run may also meet files that it made "
+                 "itself");
+        }
+        const std::uint64_t free = freeBytesAt(bytesOf(request_.destination));
+        if (outcome_.migrated != 0 && room_ > free) {
+            note("there may be too little room at the destination: the originals take " + grouped(room_) +
+                 " bytes, and " + grouped(free) + " are free");
         }
     }
 
-    template <class Looked>
-    detail::BatchSelection<Looked> selected(const Looked& files) const {
-        return {files, pathOf(request_.extension), from_, request_.includeDotFiles};
-    }
-
-    /// So that the bar knows; what changes meanwhile makes it wrong, and nothing else.
-    void countItems() {
-        const detail::FilesOnDisk disk;
-        const BatchFiles files(disk);
-        detail::BatchSelection selection = selected(files);
-        std::uint64_t count = 0;
-        while (interruption_.pending() == 0 && selection.next()) {
-            screen_.setTotal(++count, false);
-        }
-        screen_.setTotal(count, true);
-    }
-
-    void migrate(const detail::MigratedKind& kind, const std::string& path, const NSString& source,
-                 const NSString& destination) {
-        if (outcome_.signal != 0) {
-            outcome_.isMoreNotReached = interruption_.take() != 0;
-        } else {
-            outcome_.signal = interruption_.take();
-        }
-        if (outcome_.signal != 0) {
-            outcome_.notReached.push_back(path);
-            return;
-        }
-        detail::ItemMigration migration(files_, kind, request_.policy, source, destination);
-        Item item;
-        item.path = path;
-        item.code = migration.run();
-        if (const NSString copy = migration.destination()) {
-            item.destination = shownDestination(copy);
-            item.newName =
-                copy != destination.stringByExpandingTildeInPath() ? newNameOf(item) : std::string();
-        }
-        screen_.write(reportOfItem(request_, item, isFirst_));
-        screen_.advance(item.code != kFileMigrationSuccess);
-        isFirst_ = false;
-        if (item.code == kFileMigrationSuccess) {
-            ++outcome_.migrated;
-        } else {
+    void finish(const Item& item) {
+        screen_.write(reportOfItem(request_, item, reached_.empty()));
+        reached_.insert(bytesOf(item.path));
+        if (item.code != kFileMigrationSuccess) {
             outcome_.failed.push_back(item);
+            ++progress_.failed;
+            return;
+        }
+        ++outcome_.migrated;
+        if (request_.isBatch() && links_.count(bytesOf(item.path)) != 0) {
+            copiedLinks_.push_back(item.destination);
+        }
+        for (auto link = links_.begin(); !request_.isBatch() && link != links_.end(); ++link) {
+            copiedLinks_.push_back(link->empty()
+                                       ? item.destination
+                                       : item.destination.stringByAppendingPathComponent(pathOf(*link)));
         }
     }
 
-    std::string shownDestination(const NSString& destination) const {
-        const std::string path = bytesOf(destination);
-        const bool isShortened = request_.operation != Operation::batch && isRelative(request_.to);
-        return isShortened ? path.substr(std::char_traits<char>::length(currentFolder)) : path;
-    }
-
-    /// In a batch, below the destination folder.
-    std::string newNameOf(const Item& item) const {
-        if (request_.operation != Operation::batch) {
-            return item.destination;
+    /// What was not reached, and links that lead nowhere: of such a one the library thinks that it is what
+    /// the item before it was, and so ignores it after a folder.
+    void findRest() {
+        if (inHand_ && reached_.insert(bytesOf(inHand_)).second) {
+            outcome_.notReached.push_back(inHand_);
         }
-        const std::string name = item.destination.substr(item.destination.rfind('/') + 1);
-        return item.path.substr(0, item.path.rfind('/') + 1).append(name);
+        const auto visit = [this](const FoundItem& item) {
+            if (item.isUnreadableFolder || reached_.count(bytesOf(item.path)) != 0) {
+                return;
+            }
+            if (inHand_) {
+                outcome_.notReached.push_back(item.path);
+            } else if (item.leadsNowhere) {
+                finish({item.path, kFileMigrationSourceDoesNotExist, request_.destinationOf(item.path),
+                        nullptr});
+            }
+        };
+        outcome_.isMoreNotReached = request_.isBatch() && !goThrough(1, visit);
     }
 
-    Files& files_;
+    void checkLinks() {
+        for (const NSString& link : copiedLinks_) {
+            if (!request_.isTrial && !NSFileManager::defaultManager().fileExistsAtPath(link)) {
+                outcome_.brokenLinks.push_back(request_.typedDestination(link));
+            }
+        }
+    }
+
     const Request& request_;
     Screen& screen_;
-    Interruption& interruption_;
-    NSString from_;
-    NSString to_;
+    detail::ItemPlace source_;
     Outcome outcome_;
-    bool isFirst_ = true;
+    Progress progress_;
+    std::uint64_t room_ = 0;      ///< bytes that the originals take on the disk
+    std::set<std::string> links_; ///< relative ones that lead somewhere: bytes of paths below the source
+    std::vector<NSString> copiedLinks_; ///< where the copies of these are
+    std::set<std::string> reached_;     ///< bytes of paths
+    NSString inHand_;                   ///< the item at which a signal has stopped the work
 };
-
-Outcome tryOut(const Request& request, Screen& screen, Interruption& interruption) {
-    TrialFiles files;
-    Outcome outcome = Run(files, request, screen, interruption).run();
-    const NSString from = pathOf(request.from).stringByExpandingTildeInPath();
-    const NSString to = pathOf(request.to).stringByExpandingTildeInPath();
-    if (request.operation == Operation::batch && outcome.error.empty() &&
-        detail::standsInside(to.stringByAppendingPathComponent("item"), from)) {
-        outcome.notes.push_back(
-            "the destination is in the source folder: a real run may also meet files that it made itself");
-    }
-    if (files.bytesToCopy() > freeBytesAt(to)) {
-        outcome.notes.push_back("there may be too little room at the destination: the originals take " +
-                                std::to_string(files.bytesToCopy()) + " bytes, and " +
-                                std::to_string(freeBytesAt(to)) + " are free");
-    }
-    return outcome;
-}
 
 } // namespace
 
-Outcome carryOut(const Request& request, Screen& screen, Interruption& interruption) {
-    if (request.isTrial) {
-        return tryOut(request, screen, interruption);
-    }
-    detail::FilesOnDisk files;
-    return Run(files, request, screen, interruption).run();
-}
+Outcome carryOut(const Request& request, Screen& screen) { return Run(request, screen).run(); }
 
 } // namespace ZQFoundation::zqmigrate

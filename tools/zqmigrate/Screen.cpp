@@ -1,38 +1,41 @@
 // SPDX-License-Identifier: MIT
+// Lines on standard output, and the bar on a terminal.
 #include "tools/zqmigrate/Screen.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
+#include <string_view>
 #include <system_error>
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "tools/zqmigrate/Interruption.h"
+#include "tools/zqmigrate/Text.h"
 
 namespace ZQFoundation::zqmigrate {
 
 namespace {
 
-constexpr int redrawMilliseconds = 100;
-constexpr int lookMilliseconds = 100;      ///< between looks for signals while a reader takes nothing
-constexpr int patienceMilliseconds = 2000; ///< with such a reader after a signal
-constexpr std::size_t narrowestBar = 5;
-constexpr std::size_t widestBar = 40;
+constexpr int lookMilliseconds = 100;      ///< between drawings, and looks for signals while nobody reads
+constexpr int patienceMilliseconds = 2000; ///< with a reader that takes nothing, after a signal
+constexpr std::size_t minBar = 5;
+constexpr std::size_t maxBar = 40;
 
 std::int64_t seconds() {
     timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<std::int64_t>(now.tv_sec);
+    return now.tv_sec;
 }
 
 bool canDrawBars() {
     const char* const kind = std::getenv("TERM");
-    return ::isatty(STDERR_FILENO) == 1 && kind != nullptr && *kind != '\0' && std::strcmp(kind, "dumb") != 0;
+    return ::isatty(STDERR_FILENO) == 1 && kind != nullptr && *kind != '\0' &&
+           std::string_view(kind) != "dumb";
 }
 
 /// The terminal belongs to another program while this one works in the background.
@@ -47,27 +50,38 @@ std::size_t columnCount() {
     return isKnown ? size.ws_col : 80;
 }
 
-std::string twoDigits(std::int64_t number) {
-    const std::string digits = std::to_string(number);
-    return digits.size() < 2 ? std::string("0").append(digits) : digits;
+double partOf(std::uint64_t done, std::uint64_t total) {
+    return done >= total ? 1 : static_cast<double>(done) / static_cast<double>(total);
+}
+
+/// "1.2 of 3.4 GB", in the unit of the total.
+std::string amounts(std::uint64_t done, std::uint64_t total) {
+    double factor = 1000;
+    const char* units = "kMGT";
+    while (static_cast<double>(total) / factor >= 1000 && units[1] != '\0') {
+        factor *= 1000;
+        ++units;
+    }
+    return NSString::stringWithFormat("%.1f of %.1f %cB", static_cast<double>(done) / factor,
+                                      static_cast<double>(total) / factor, *units)
+        .utf8();
 }
 
 } // namespace
 
-bool writeAll(int descriptor, const std::string& bytes, const Interruption* interruption) {
-    std::size_t written = 0;
+bool writeAll(int descriptor, const std::string& bytes) {
     int waited = 0;
-    while (written < bytes.size()) {
+    for (std::size_t written = 0; written < bytes.size();) {
         pollfd room{descriptor, POLLOUT, 0};
-        if (::poll(&room, 1, interruption != nullptr ? lookMilliseconds : -1) == 0) {
-            waited = interruption->hasCome() ? waited + lookMilliseconds : 0;
+        if (::poll(&room, 1, lookMilliseconds) <= 0) {
+            waited = signalCount != 0 ? waited + lookMilliseconds : 0;
             if (waited > patienceMilliseconds) {
                 return false;
             }
             continue;
         }
         waited = 0;
-        // Of more than this, a pipe with some room may take a part and then wait, deaf to held back signals.
+        // Of more than this, a pipe with some room may take a part and then wait.
         const std::size_t piece = std::min<std::size_t>(bytes.size() - written, PIPE_BUF);
         const ssize_t count = ::write(descriptor, bytes.data() + written, piece);
         if (count >= 0) {
@@ -79,123 +93,83 @@ bool writeAll(int descriptor, const std::string& bytes, const Interruption* inte
     return true;
 }
 
-Screen::Screen(bool wantsBar, const Interruption& interruption)
-    : interruption_(interruption), start_(seconds()) {
-    if (!wantsBar || !canDrawBars() || ::pipe(stop_) != 0) {
-        return;
-    }
-    // No copy of an item has to do with it.
-    ::fcntl(stop_[0], F_SETFD, FD_CLOEXEC);
-    ::fcntl(stop_[1], F_SETFD, FD_CLOEXEC);
-    sharesTerminal_ = ::isatty(STDOUT_FILENO) == 1;
-    try {
-        thread_ = std::thread(&Screen::keepDrawing, this);
-    } catch (const std::system_error&) {
-        // The work matters more than the bar.
-        sharesTerminal_ = false;
+Screen::Screen(bool wantsBar) : start_(seconds()) {
+    if (wantsBar && canDrawBars()) {
+        try {
+            thread_ = std::thread(&Screen::keepDrawing, this);
+            sharesTerminal_ = ::isatty(STDOUT_FILENO) == 1;
+        } catch (const std::system_error&) {
+            // The work matters more than the bar.
+        }
     }
 }
 
 void Screen::write(const std::string& text) {
-    if (!sharesTerminal_) {
-        writeLines(text); // no lock: a slow reader does not hold the bar up
-        return;
+    std::unique_lock guard(mutex_, std::defer_lock); // a slow reader elsewhere does not hold the bar up
+    if (sharesTerminal_ && !text.empty()) {
+        guard.lock();
+        erase();
     }
-    const std::lock_guard guard(mutex_);
-    waiting_.append(text);
-}
-
-void Screen::setTotal(std::uint64_t total, bool isComplete) {
-    const std::lock_guard guard(mutex_);
-    progress_.total = total;
-    progress_.isTotalKnown = isComplete;
-}
-
-void Screen::advance(bool isFailure) {
-    const std::lock_guard guard(mutex_);
-    ++progress_.done;
-    progress_.failed += isFailure ? 1 : 0;
+    isBroken_ = isBroken_ || !writeAll(STDOUT_FILENO, text);
 }
 
 void Screen::finish() {
     if (thread_.joinable()) {
-        ::close(stop_[1]);
+        {
+            const std::lock_guard guard(mutex_);
+            isOver_ = true;
+        }
+        over_.notify_one();
         thread_.join();
-        ::close(stop_[0]);
     }
-    sharesTerminal_ = false;
 }
 
 void Screen::keepDrawing() {
-    pollfd stop{stop_[0], POLLIN, 0};
+    std::unique_lock guard(mutex_);
     do {
-        const std::lock_guard guard(mutex_);
         draw();
-    } while (::poll(&stop, 1, redrawMilliseconds) <= 0);
-    const std::lock_guard guard(mutex_);
+    } while (!over_.wait_for(guard, std::chrono::milliseconds(lookMilliseconds), [this] { return isOver_; }));
     erase();
-    writeWaiting();
 }
 
 void Screen::draw() {
-    if (!waiting_.empty()) {
-        erase();
-        writeWaiting();
-    }
     if (!isInBackground()) {
-        writeAll(STDERR_FILENO, std::string("\r").append(bar(columnCount())).append("\x1B[K"),
-                 &interruption_);
+        writeAll(STDERR_FILENO, "\r" + bar(columnCount()) + "\x1B[K");
         isShown_ = true;
     }
 }
 
 void Screen::erase() {
     if (isShown_) {
-        writeAll(STDERR_FILENO, "\r\x1B[K", &interruption_);
+        writeAll(STDERR_FILENO, "\r\x1B[K");
         isShown_ = false;
     }
 }
 
-void Screen::writeWaiting() {
-    if (!waiting_.empty()) {
-        writeLines(waiting_);
-        waiting_.clear();
-    }
-}
-
-void Screen::writeLines(const std::string& text) {
-    isBroken_ = isBroken_ || !writeAll(STDOUT_FILENO, text, &interruption_);
-}
-
-/// "[####......]  45%  450 of 1000, 2 failed, 0:12", never as wide as the terminal: some would begin a new
-/// line.
+/// "[####......]  45%  450 of 1,000, 1.2 of 3.4 GB, 2 failed, 0:12", never as wide as the terminal: some
+/// would begin a new line.
 std::string Screen::bar(std::size_t columns) const {
-    const std::uint64_t total = progress_.total > progress_.done ? progress_.total : progress_.done;
+    const Progress& now = progress_;
     const std::int64_t passed = seconds() - start_;
-    std::string text;
-    if (progress_.isTotalKnown) {
-        text.append(std::to_string(progress_.done)).append(" of ").append(std::to_string(total));
-    } else {
-        text.append("counting: ").append(std::to_string(total));
+    std::string text = now.isTotalKnown
+                           ? grouped(now.items) + " of " + grouped(std::max(now.totalItems, now.items))
+                           : "counting: " + grouped(now.totalItems);
+    if (now.isTotalKnown && now.totalBytes != 0) {
+        text += ", " + amounts(now.bytes, std::max(now.totalBytes, now.bytes));
     }
-    if (progress_.failed != 0) {
-        text.append(", ").append(std::to_string(progress_.failed)).append(" failed");
-    }
-    text.append(", ").append(std::to_string(passed / 60)).append(":").append(twoDigits(passed % 60));
-    if (interruption_.hasCome()) {
-        text.append(", stopping");
-    }
+    text += now.failed != 0 ? ", " + grouped(now.failed) + " failed" : "";
+    text += NSString::stringWithFormat(", %ld:%02ld", passed / 60, passed % 60).utf8();
+    text += signalCount != 0 ? ", stopping" : "";
     const std::size_t room = columns > 1 ? columns - 1 : 1;
-    const std::size_t others = text.size() + std::strlen("[]  99%  ");
-    if (progress_.isTotalKnown && room >= others + narrowestBar) {
-        const std::size_t width = room - others < widestBar ? room - others : widestBar;
-        const double part = total == 0 ? 0 : static_cast<double>(progress_.done) / static_cast<double>(total);
+    const std::size_t others = text.size() + std::string_view("[]  99%  ").size();
+    if (now.isTotalKnown && room >= others + minBar) {
+        // An item that has begun counts as done, so that of a single one the bytes decide.
+        const double part = std::min(partOf(now.items, now.totalItems), partOf(now.bytes, now.totalBytes));
+        const std::size_t width = std::min(room - others, maxBar);
         const auto filled = static_cast<std::size_t>(part * static_cast<double>(width));
-        std::string percent = std::to_string(static_cast<int>(part * 100));
-        percent.insert(0, percent.size() < 3 ? 3 - percent.size() : 0, ' ');
-        std::string front("[");
-        front.append(filled, '#').append(width - filled, '.').append("] ").append(percent).append("%  ");
-        text.insert(0, front);
+        const std::string drawn = std::string(filled, '#') + std::string(width - filled, '.');
+        text.insert(0,
+                    NSString::stringWithFormat("[%@] %3d%%  ", drawn, static_cast<int>(part * 100)).utf8());
     }
     return text.substr(0, room);
 }

@@ -1,134 +1,101 @@
 // SPDX-License-Identifier: MIT
+// Names and numbers as text for lines and for JSON.
 #include "tools/zqmigrate/Text.h"
-
-#include "foundation/text/Utf.h"
 
 namespace ZQFoundation::zqmigrate {
 
 namespace {
 
-void appendHex(std::string& text, unsigned value, int digitCount) {
-    constexpr const char* digits = "0123456789abcdef";
-    for (int shift = 4 * (digitCount - 1); shift >= 0; shift -= 4) {
-        text.push_back(digits[(value >> shift) & 15U]);
-    }
-}
-
-/// What takes effect on a terminal instead of being shown there, or is not to be seen at all.
+/// What takes effect on a terminal instead of being shown there, or cannot be seen.
 constexpr struct {
-    unsigned first;
-    unsigned last;
+    char16_t first;
+    char16_t last;
 } effective[] = {
     {0x00, 0x1F},     {0x7F, 0x9F},     {0xAD, 0xAD},     {0x061C, 0x061C}, {0x200B, 0x200F},
     {0x2028, 0x202E}, {0x2060, 0x2064}, {0x2066, 0x2069}, {0xFEFF, 0xFEFF},
 };
 
-bool isEffective(unsigned character) noexcept {
+bool isEffective(char16_t unit) noexcept {
     for (const auto& range : effective) {
-        if (character >= range.first && character <= range.last) {
+        if (unit >= range.first && unit <= range.last) {
             return true;
         }
     }
     return false;
 }
 
-/// The character that begins there in well-formed text; `length` is how many bytes it takes.
-unsigned characterAt(const char* bytes, std::size_t& length) noexcept {
-    const auto byte = [bytes](std::size_t index) {
-        return static_cast<unsigned>(static_cast<unsigned char>(bytes[index]));
-    };
-    const unsigned first = byte(0);
-    length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    unsigned character = length == 1 ? first : first & (0xFFU >> (length + 1));
-    for (std::size_t index = 1; index < length; ++index) {
-        character = (character << 6) | (byte(index) & 0x3FU);
+bool isSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDFFF; }
+
+void appendUnit(NSMutableString& line, char16_t unit, bool isJson) {
+    const unsigned value = unit;
+    if (isEffective(unit)) { // in JSON too: a terminal may be what reads it
+        if (unit == '\n' && !isJson) {
+            line.appendString("\\n");
+        } else if (unit < 0x80 && !isJson) {
+            line.appendFormat("\\x%02x", value);
+        } else {
+            line.appendFormat("\\u%04x", value);
+        }
+        return;
     }
-    return character;
+    line.appendString(unit == '\\' || (unit == '"' && isJson) ? "\\" : "");
+    line.appendCharacter(unit);
 }
 
-/// Calls `onCharacter(character, its bytes, their number)` and `onBadByte(byte)` from the first to the last.
-template <class OnCharacter, class OnBadByte>
-void goThrough(const std::string& bytes, const OnCharacter& onCharacter, const OnBadByte& onBadByte) {
-    std::size_t position = 0;
-    while (position < bytes.size()) {
-        const char* const rest = bytes.data() + position;
-        const char* const end = rest + detail::wellFormedUtf8Prefix(rest, bytes.size() - position);
-        std::size_t length = 0;
-        for (const char* each = rest; each < end; each += length) {
-            const unsigned character = characterAt(each, length);
-            onCharacter(character, each, length);
-        }
-        position += static_cast<std::size_t>(end - rest);
-        if (position < bytes.size()) {
-            onBadByte(static_cast<unsigned char>(bytes[position++]));
+/// A byte of a name that is no text is an unpaired surrogate, U+DC00 + byte.
+std::string spelled(const NSString& text, bool isJson) {
+    NSMutableString line;
+    const std::u16string units = text.utf16();
+    for (std::size_t index = 0; index < units.size(); ++index) {
+        const char16_t unit = units[index];
+        if (!isSurrogate(unit)) {
+            appendUnit(line, unit, isJson);
+        } else if (unit < 0xDC00 && index + 1 < units.size()) {
+            line.appendCharacter(unit);
+            line.appendCharacter(units[++index]);
+        } else if (isJson) {
+            line.appendCharacter(0xFFFD);
+        } else {
+            line.appendFormat("\\x%02x", static_cast<unsigned>(unit & 0xFF));
         }
     }
+    return line.string().utf8();
 }
 
 } // namespace
-
-std::string bytesOf(const NSString& text) {
-    std::string bytes;
-    return text.getFileSystemBytes(bytes) ? bytes : text.utf8();
-}
 
 NSString pathOf(const std::string& bytes) {
     return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
 }
 
-std::string shown(const std::string& bytes) {
-    std::string line;
-    const auto onBadByte = [&line](unsigned byte) {
-        line.append("\\x");
-        appendHex(line, byte, 2);
-    };
-    goThrough(
-        bytes,
-        [&](unsigned character, const char* piece, std::size_t length) {
-            if (character == '\\') {
-                line.append("\\\\");
-            } else if (!isEffective(character)) {
-                line.append(piece, length);
-            } else if (character == '\n') {
-                line.append("\\n");
-            } else if (character < 0x80) {
-                onBadByte(character);
-            } else {
-                line.append("\\u");
-                appendHex(line, character, 4);
-            }
-        },
-        onBadByte);
-    return line;
+std::string bytesOf(const NSString& path) {
+    std::string bytes;
+    return path.getFileSystemBytes(bytes) ? bytes : path.utf8();
 }
 
-std::string quoted(const std::string& bytes) {
-    std::string text(1, '"');
-    goThrough(
-        bytes,
-        [&text](unsigned character, const char* piece, std::size_t length) {
-            if (isEffective(character)) { // more than must be, as a terminal may be what reads this
-                text.append("\\u");
-                appendHex(text, character, 4);
-            } else {
-                text.append(character == '"' || character == '\\' ? "\\" : "").append(piece, length);
-            }
-        },
-        [&text](unsigned) { text.append("\xEF\xBF\xBD"); });
-    text.push_back('"');
-    return text;
-}
+std::string shown(const NSString& text) { return spelled(text, false); }
 
-std::string memberOfPath(const char* name, const std::string& bytes) {
-    std::string member = std::string("\"").append(name).append("\": ").append(quoted(bytes));
-    if (!detail::isWellFormedUtf8(bytes.data(), bytes.size())) {
-        member.append(", \"").append(name).append("Bytes\": \"");
-        for (const char byte : bytes) {
-            appendHex(member, static_cast<unsigned char>(byte), 2);
+std::string quoted(const NSString& text) { return "\"" + spelled(text, true) + "\""; }
+
+std::string memberOfPath(const char* name, const NSString& path) {
+    std::string member = std::string("\"").append(name).append("\": ").append(quoted(path));
+    std::string text;
+    if (path && !path.getUTF8(text)) {
+        NSMutableString digits;
+        for (const char byte : bytesOf(path)) {
+            digits.appendFormat("%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
         }
-        member.push_back('"');
+        member.append(", \"").append(name).append("Bytes\": \"").append(digits.string().utf8()).append("\"");
     }
     return member;
+}
+
+std::string grouped(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t place = digits.size(); place > 3;) {
+        digits.insert(place -= 3, 1, ',');
+    }
+    return digits;
 }
 
 } // namespace ZQFoundation::zqmigrate

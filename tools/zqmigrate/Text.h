@@ -10,19 +10,22 @@
 namespace ZQFoundation::zqmigrate {
 
 /// Exact for paths.
-std::string bytesOf(const NSString& text);
 NSString pathOf(const std::string& bytes);
+std::string bytesOf(const NSString& path);
 
-/// The bytes as part of a line: what would move the cursor, end the line, turn the direction of writing,
+/// The text as part of a line: what would move the cursor, end the line, turn the direction of writing,
 /// cannot be seen or is no text is spelled out ("\x1b", "\u202e"), and so is a backslash, so that no two
 /// names look alike.
-std::string shown(const std::string& bytes);
+std::string shown(const NSString& text);
 
-/// The bytes as a text of JSON in its quotes. Each byte that is no text becomes U+FFFD.
-std::string quoted(const std::string& bytes);
+/// The text as a JSON string in its quotes. Each byte that is no text becomes U+FFFD.
+std::string quoted(const NSString& text);
 
 /// `"<name>": "<text>"`, and where the text is not exact `, "<name>Bytes": "<hexadecimal digits>"` too.
-std::string memberOfPath(const char* name, const std::string& bytes);
+std::string memberOfPath(const char* name, const NSString& path);
+
+/// "1,723".
+std::string grouped(std::uint64_t number);
 
 } // namespace ZQFoundation::zqmigrate
 

@@ -1,23 +1,20 @@
 // SPDX-License-Identifier: MIT
 // Moves and copies files and folders as the library's migrations do, for the person who must do it by hand.
-#include <csignal>
-#include <cstdio>
 #include <exception>
+#include <stdexcept>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "tools/zqmigrate/Interruption.h"
 #include "tools/zqmigrate/Report.h"
-#include "tools/zqmigrate/Run.h"
+#include "tools/zqmigrate/Text.h"
 
 namespace ZQFoundation::zqmigrate {
 
 namespace {
 
 enum ExitStatus { succeeded = 0, failed = 1, misused = 2, firstOfSignals = 128 };
-
-/// More would scroll the rest off a screen.
-constexpr std::size_t mostItemsOnTerminal = 20;
 
 constexpr const char help[] =
     "Usage: zqmigrate [<option>]... file <from> <to>\n"
@@ -26,19 +23,19 @@ constexpr const char help[] =
     "\n"
     "Moves a file, a folder with all that it holds, or file by file what is below a folder.\n"
     "A move is a copy and then the removal of the original: whatever fails, the original or\n"
-    "a complete copy is there. One line a file tells the code of its result.\n"
+    "a complete copy is there.\n"
     "\n"
     "  --keep-original        copy, do not remove the originals\n"
     "  --create-parents       make the missing folders above a destination\n"
-    "  --overwrite            remove what stands at a destination before the copy\n"
+    "  --overwrite            remove what is at a destination before the copy\n"
     "  --rename               give a copy a free name when its destination is taken\n"
     "  --extension <ext>      batch: only files with that extension, such as \"log\"\n"
     "  --dot-files            batch: also what begins with \".\" in the source folder\n"
     "\n"
-    "  -n, --dry-run          change nothing, tell what would become of each file\n"
-    "      --json             tell it as JSON\n"
-    "  -q, --quiet            tell failures only, and show no progress\n"
-    "  -v, --verbose          tell where each file goes\n"
+    "  -n, --dry-run          change nothing, report what would become of each file\n"
+    "      --json             report as JSON\n"
+    "  -q, --quiet            report failures only, and show no progress\n"
+    "  -v, --verbose          report where each file goes\n"
     "  -h, --help             print this text and do nothing else\n"
     "      --version          print the version and do nothing else\n"
     "      --                 what follows is no option\n"
@@ -47,35 +44,26 @@ constexpr const char help[] =
     "  zqmigrate --dry-run batch --extension log ~/.viewer ~/logs\n"
     "  zqmigrate --create-parents folder ~/.viewer ~/.config/viewer/documents\n"
     "\n"
-    "Ctrl-C stops after the file in hand. A failure does not stop the others; what is left to do\n"
-    "is listed in the end.\n"
+    "Standard output has a line for each file that was migrated. A failure does not stop the\n"
+    "others; standard error lists in the end what is left to do, at most 20 files of it.\n"
+    "Ctrl-C stops the work: what was moved stays moved, what was not stays as it is.\n"
     "\n"
-    "Exit status: 0 when every file was moved, 1 when one was not, 2 for a wrong command line,\n"
-    "128 and the number of a signal that has stopped the work.\n";
+    "Exit status: 0 when every file was migrated, 1 when one was not, 2 for a wrong command\n"
+    "line, 128 and the number of the signal that stopped the work.\n";
 
 int complain(const std::string& message, ExitStatus status) {
-    writeAll(STDERR_FILENO, messageLine(message + (status == misused ? " (try --help)" : "")));
+    writeAll(STDERR_FILENO, messageLine(pathOf(message + (status == misused ? " (try --help)" : ""))));
     return status;
 }
 
-/// Without a reader, or past a file-size limit, writing is to be an error like a full disk.
-void takeWriteSignalsAsErrors() {
-    struct sigaction ignore {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(SIGPIPE, &ignore, nullptr);
-    ::sigaction(SIGXFSZ, &ignore, nullptr);
-}
-
 /// The next files to be opened would take the numbers of what the starter has closed, and the program's own
-/// lines would go into them. Reading and writing stay errors.
+/// lines would go into them. Writing stays an error.
 bool fillStandardDescriptors() {
-    for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
-        const int unusable = number == STDIN_FILENO ? O_WRONLY : O_RDONLY;
-        if (::fcntl(number, F_GETFD) < 0 && ::open("/dev/null", unusable) != number) {
-            return false;
-        }
-    }
-    return true;
+    int filler = 0;
+    do {
+        filler = ::open("/dev/null", O_RDONLY);
+    } while (filler >= 0 && filler <= STDERR_FILENO);
+    return ::close(filler) == 0;
 }
 
 int print(const char* text) {
@@ -83,43 +71,30 @@ int print(const char* text) {
 }
 
 int migrate(const Request& request) {
-    Interruption interruption;
-    Screen screen(!request.isQuiet, interruption);
-    const Outcome outcome = carryOut(request, screen, interruption);
+    awaitSignals();
+    Screen screen(!request.isQuiet);
+    const Outcome outcome = carryOut(request, screen);
     screen.write(endOfReport(request, outcome));
     screen.finish();
-    const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
-    std::string summary = summaryOf(request, outcome, isTerminal ? mostItemsOnTerminal : SIZE_MAX);
+    std::string summary = summaryOf(request, outcome);
     if (screen.isBroken()) {
         summary.append(messageLine(outcome.signal != 0
                                        ? "standard output was not written to its end"
                                        : "standard output cannot be written; the work went on without it"));
     }
-    writeAll(STDERR_FILENO, summary, &interruption);
+    writeAll(STDERR_FILENO, summary);
     if (outcome.signal != 0) {
         return firstOfSignals + outcome.signal;
     }
     return outcome.isSuccess() && !screen.isBroken() ? succeeded : failed;
 }
 
-/// Whether the option stands among the words, before "--".
-bool asksFor(const Words& words, const char* option) {
-    for (const std::string& word : words) {
-        if (word == option || word == "--") {
-            return word == option;
-        }
-    }
-    return false;
-}
-
 int run(const Words& words) {
-    if (asksFor(words, "--help") || asksFor(words, "-h") || (words.size() == 1 && words[0] == "help")) {
+    const Request request = requestFromWords(words);
+    if (request.wantsHelp) {
         return print(help);
     }
-    if (asksFor(words, "--version")) {
-        return print("zqmigrate " ZQ_VERSION "\n");
-    }
-    return migrate(requestFromWords(words));
+    return request.wantsVersion ? print("zqmigrate " ZQ_VERSION "\n") : migrate(request);
 }
 
 } // namespace
@@ -134,8 +109,8 @@ int main(int count, char** arguments) {
     takeWriteSignalsAsErrors();
     try {
         return run(Words(arguments + (count > 0 ? 1 : 0), arguments + count));
-    } catch (const Misuse& use) {
-        return complain(use.message, misused);
+    } catch (const std::invalid_argument& use) {
+        return complain(use.what(), misused);
     } catch (const std::exception& exception) {
         return complain(exception.what(), failed);
     }

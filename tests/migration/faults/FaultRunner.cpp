@@ -2,53 +2,84 @@
 // Repeats one run of the fault injection by hand and shows every call: see docs/faults.md.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <map>
 #include <string>
+#include <vector>
 
-#include "tests/migration/faults/Cases.h"
+#include "tests/migration/faults/Verdict.h"
 
 namespace {
 
 int usage() {
     std::puts(
-        "Usage: fault-runner CASE [CALL EIO|ENOSPC|EACCES|EINTR|kill [lasting]]\n"
-        "Migrates, with that call (from 1) failing or being the last, and shows the calls and what came "
-        "out.\nThe cases:");
-    for (const faults::Subject subject :
-         {faults::Subject::file, faults::Subject::tree, faults::Subject::batch}) {
-        for (const faults::Case& which : faults::casesOf(subject)) {
-            std::printf("  %s\n", which.name().c_str());
-        }
+        "Usage: fault-runner CASE [CALL EIO|ENOSPC|EACCES|EINTR|kill|one|half [lasting] "
+        "[overwrite|refuse|rename]...]\n"
+        "Migrates, with that call (from 1; of those that transfer bytes, with \"one\" or \"half\") failing,\n"
+        "being the last or transferring one byte or half of what it would, then migrates once more in each\n"
+        "way that is named, and shows the calls and what came out. The cases:");
+    for (const faults::Case& which : faults::allCases()) {
+        std::printf("  %s\n", which.name().c_str());
     }
     return 2;
 }
 
-bool readFault(int count, char** words, faults::Fault& fault) {
-    if (count < 4) {
-        return count == 2;
+struct Order {
+    faults::Fault fault;
+    std::vector<faults::Again> again;
+};
+
+bool readKind(const std::string& name, faults::Fault& fault) {
+    const std::map<std::string, faults::Fault> kinds{
+        {"kill", {faults::Fault::killing}},           {"one", {faults::Fault::shorteningToOne}},
+        {"half", {faults::Fault::shorteningToHalf}},  {"EIO", {faults::Fault::failing, EIO}},
+        {"ENOSPC", {faults::Fault::failing, ENOSPC}}, {"EACCES", {faults::Fault::failing, EACCES}},
+        {"EINTR", {faults::Fault::failing, EINTR}}};
+    const auto kind = kinds.find(name);
+    if (kind == kinds.end()) {
+        return false;
     }
-    fault.call = std::strtol(words[2], nullptr, 10);
-    fault.lasting = count > 4 && std::strcmp(words[4], "lasting") == 0;
-    fault.kind = faults::Fault::failing;
-    const std::string name = words[3];
-    if (name == "kill") {
-        fault.kind = faults::Fault::killing;
-    } else if (name == "EIO") {
-        fault.error = EIO;
-    } else if (name == "ENOSPC") {
-        fault.error = ENOSPC;
-    } else if (name == "EACCES") {
-        fault.error = EACCES;
-    } else if (name == "EINTR") {
-        fault.error = EINTR;
-    }
-    return fault.call > 0 && (fault.kind == faults::Fault::killing || fault.error != 0);
+    fault = kind->second;
+    return true;
 }
 
-int run(const faults::Case& which, const faults::Fault& fault) {
+bool readOrder(const std::vector<std::string>& words, Order& order) {
+    if (words.size() < 4) {
+        return words.size() == 2;
+    }
+    if (!readKind(words[3], order.fault)) {
+        return false;
+    }
+    order.fault.call = std::strtol(words[2].c_str(), nullptr, 10);
+    for (std::size_t index = 4; index < words.size(); ++index) {
+        if (words[index] == "lasting") {
+            order.fault.lasting = true;
+        } else if (words[index] == "overwrite") {
+            order.again.push_back(faults::Again::overwriting);
+        } else if (words[index] == "refuse") {
+            order.again.push_back(faults::Again::refusing);
+        } else if (words[index] == "rename") {
+            order.again.push_back(faults::Again::renaming);
+        } else {
+            return false;
+        }
+    }
+    return order.fault.call > 0;
+}
+
+/// What came out of one migration; 1 when something does not hold.
+int show(const faults::Run& run, const faults::Outcome& outcome, const scene::Words& problems) {
+    std::printf("%s\n%s\n", outcome.ended ? "ended, reporting:" : "did not end", outcome.report.c_str());
+    std::printf("what is there:\n%s", scene::shownDigest(scene::digestOf(run.base())).c_str());
+    for (const std::string& problem : problems) {
+        std::printf("WRONG: %s\n", problem.c_str());
+    }
+    return problems.empty() ? 0 : 1;
+}
+
+int run(const faults::Case& which, const Order& order) {
     const scene::ScenesInMemory memory;
-    faults::Run one(which);
-    const faults::Outcome outcome = one.under(fault, true);
+    const faults::Run run(which);
+    const faults::Outcome outcome = run.under(order.fault, {}, true);
     if (!outcome.traced) {
         std::puts("This machine does not permit one process to trace another.");
         return 1;
@@ -56,31 +87,29 @@ int run(const faults::Case& which, const faults::Fault& fault) {
     long number = 0;
     for (const std::string& name : outcome.names) {
         ++number;
-        std::printf("%4ld%s %s\n", number, number == fault.call ? " *" : "  ", name.c_str());
+        const bool isIt = number == order.fault.call && !order.fault.isShortening();
+        std::printf("%4ld%s %s\n", number, isIt ? " *" : "  ", name.c_str());
     }
-    std::printf("%s\n%s\n", outcome.ended ? "ended, reporting:" : "did not end", outcome.report.c_str());
-    std::printf("what stands there:\n%s", scene::shownDigest(scene::digestOf(one.base())).c_str());
-    int answer = 0;
-    for (const std::string& problem : one.judged(outcome)) {
-        std::printf("WRONG: %s\n", problem.c_str());
-        answer = 1;
+    int answer = show(run, outcome, faults::Verdict(run).after(order.fault, outcome));
+    for (const faults::Again again : order.again) {
+        std::puts("once more:");
+        const faults::Outcome second = run.again(again);
+        answer |= show(run, second, faults::Verdict(run).afterAgain(again, second));
     }
     return answer;
 }
 
 } // namespace
 
-int main(int count, char** words) {
-    faults::Fault fault;
-    if (count < 2 || !readFault(count, words, fault)) {
+int main(int count, char** arguments) {
+    const std::vector<std::string> words(arguments, arguments + count);
+    Order order;
+    if (count < 2 || !readOrder(words, order)) {
         return usage();
     }
-    for (const faults::Subject subject :
-         {faults::Subject::file, faults::Subject::tree, faults::Subject::batch}) {
-        for (const faults::Case& which : faults::casesOf(subject)) {
-            if (which.name() == words[1]) {
-                return run(which, fault);
-            }
+    for (const faults::Case& which : faults::allCases()) {
+        if (which.name() == words[1]) {
+            return run(which, order);
         }
     }
     return usage();

@@ -10,13 +10,22 @@
 
 namespace faults {
 
-/// What one argument of a call is. A `path` behind a `folder` is relative to it.
+/// What one argument of a call is. A `path` after a `folder` is relative to it.
 enum class Argument : unsigned char { other, descriptor, folder, path };
+
+/// How a call moves bytes: the argument that says how many, and the one with the descriptor they are read
+/// from.
+struct Transfer {
+    int count = -1;  ///< -1: it moves none
+    int source = -1; ///< -1: they come from memory
+    long plain = 0;  ///< of a call with a list of buffers, the number of the one with a single buffer
+};
 
 struct FileCall {
     long number;
     const char* name;
     Argument arguments[5];
+    Transfer transfer{};
 };
 
 namespace form {
@@ -28,29 +37,39 @@ inline constexpr Argument no = Argument::other;
 
 #define ZQ_FILE_CALL(name, ...)                                                                              \
     {                                                                                                        \
-        SYS_##name, #name, { __VA_ARGS__ }                                                                   \
+        SYS_##name, #name, {__VA_ARGS__}, {}                                                                 \
+    }
+#define ZQ_TRANSFER_CALL(name, count, source, plain, ...)                                                    \
+    {                                                                                                        \
+        SYS_##name, #name, {__VA_ARGS__}, { count, source, plain }                                           \
     }
 
 inline constexpr FileCall fileCalls[] = {
     ZQ_FILE_CALL(openat, form::at, form::path),
     ZQ_FILE_CALL(openat2, form::at, form::path),
     ZQ_FILE_CALL(close, form::fd),
-    ZQ_FILE_CALL(read, form::fd),
-    ZQ_FILE_CALL(pread64, form::fd),
-    ZQ_FILE_CALL(readv, form::fd),
-    ZQ_FILE_CALL(write, form::fd),
-    ZQ_FILE_CALL(pwrite64, form::fd),
-    ZQ_FILE_CALL(writev, form::fd),
+    ZQ_TRANSFER_CALL(read, 2, 0, 0, form::fd),
+    ZQ_TRANSFER_CALL(pread64, 2, 0, 0, form::fd),
+    ZQ_TRANSFER_CALL(readv, 2, 0, SYS_read, form::fd),
+    ZQ_TRANSFER_CALL(write, 2, -1, 0, form::fd),
+    ZQ_TRANSFER_CALL(pwrite64, 2, -1, 0, form::fd),
+    ZQ_TRANSFER_CALL(preadv, 2, 0, SYS_pread64, form::fd),
+    ZQ_TRANSFER_CALL(pwritev, 2, -1, SYS_pwrite64, form::fd),
+    ZQ_TRANSFER_CALL(writev, 2, -1, SYS_write, form::fd),
     ZQ_FILE_CALL(lseek, form::fd),
     ZQ_FILE_CALL(ftruncate, form::fd),
     ZQ_FILE_CALL(fallocate, form::fd),
     ZQ_FILE_CALL(fadvise64, form::fd),
     ZQ_FILE_CALL(fsync, form::fd),
     ZQ_FILE_CALL(fdatasync, form::fd),
+    ZQ_FILE_CALL(syncfs, form::fd),
+    ZQ_FILE_CALL(sync_file_range, form::fd),
+    ZQ_FILE_CALL(flock, form::fd),
+    ZQ_FILE_CALL(fcntl, form::fd),
     ZQ_FILE_CALL(ioctl, form::fd),
-    ZQ_FILE_CALL(copy_file_range, form::fd, form::no, form::fd),
-    ZQ_FILE_CALL(sendfile, form::fd, form::fd),
-    ZQ_FILE_CALL(splice, form::fd, form::no, form::fd),
+    ZQ_TRANSFER_CALL(copy_file_range, 4, 0, 0, form::fd, form::no, form::fd),
+    ZQ_TRANSFER_CALL(sendfile, 3, 1, 0, form::fd, form::fd),
+    ZQ_TRANSFER_CALL(splice, 4, 0, 0, form::fd, form::no, form::fd),
     ZQ_FILE_CALL(fstat, form::fd),
     ZQ_FILE_CALL(newfstatat, form::at, form::path),
     ZQ_FILE_CALL(statx, form::at, form::path),
@@ -81,6 +100,8 @@ inline constexpr FileCall fileCalls[] = {
     ZQ_FILE_CALL(lsetxattr, form::path),
     ZQ_FILE_CALL(listxattr, form::path),
     ZQ_FILE_CALL(llistxattr, form::path),
+    ZQ_FILE_CALL(removexattr, form::path),
+    ZQ_FILE_CALL(lremovexattr, form::path),
     ZQ_FILE_CALL(fchdir, form::fd),
     ZQ_FILE_CALL(chdir, form::path),
 #ifdef SYS_fchmodat2
@@ -110,6 +131,7 @@ inline constexpr FileCall fileCalls[] = {
 };
 
 #undef ZQ_FILE_CALL
+#undef ZQ_TRANSFER_CALL
 
 inline constexpr std::size_t fileCallCount = sizeof fileCalls / sizeof *fileCalls;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Runs an operation in a child of which every system call that touches files below a folder can be made to
-// fail, or be the child's last. The library calls the system without the C library's functions in between, so
-// the fault is made where the call enters the kernel: a filter in the child stops it there, the parent looks
-// at the call and lets it pass, replaces it by an error, or kills the child.
+// fail, to transfer less than it was asked to, or be the child's last, and lets others work in between. The
+// library calls the system without the C library's functions in between, so the fault is made where the call
+// enters the kernel: a filter in the child stops it there, and the parent decides what becomes of it.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_TRACING_H
 #define ZQFOUNDATION_TESTS_FAULTS_TRACING_H
 
@@ -10,45 +10,62 @@
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
-#include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include <elf.h>
 #include <fcntl.h>
-#include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <poll.h>
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
-#include <sys/uio.h>
-#include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/migration/faults/FileCalls.h"
+#include "tests/migration/faults/StoppedCall.h"
 #include "tests/process/Scene.h"
 
 namespace faults {
 
 struct Fault {
-    enum Kind { none, failing, killing } kind = none;
+    enum Kind { none, failing, killing, shorteningToOne, shorteningToHalf } kind = none;
     int error = 0;
-    long call = 0;        ///< which call, from 1
-    bool lasting = false; ///< every call from that one on fails
+    long call = 0;        ///< which call, from 1; of those that transfer bytes when they are shortened
+    bool lasting = false; ///< every call from that one on
+
+    bool isShortening() const { return kind == shorteningToOne || kind == shorteningToHalf; }
 };
 
-/// A lasting EINTR ends after so many calls: whoever tries again forever is right to do so.
+/// A lasting EINTR ends after this many calls: an operation that tries again forever is right to do so.
 inline constexpr long longestInterruption = 200;
+
+inline constexpr const char notTraced[] = "this machine does not permit one process to trace another";
+
+/// What somebody else does while the operation is stopped in front of its call with this number, from 1.
+using Deed = std::function<void(long call)>;
+
+/// How an operation is run: the folder whose files count, what goes wrong, and what happens meanwhile.
+struct Trial {
+    const std::string& base;
+    Fault fault{};
+    Deed deed{};
+    bool records = false;  ///< the names of the calls are kept
+    unsigned seconds = 60; ///< after which the operation counts as hung
+};
 
 struct Outcome {
     bool traced = false; ///< false: the machine does not permit it
     bool ended = false;  ///< the operation came to its end and reported
     bool hung = false;
     long calls = 0;
+    long transfers = 0; ///< of the calls, those that read or write bytes
     std::string report;
     std::vector<std::string> names; ///< of the calls, when they are recorded
+
+    /// Whether the call was reached at which the fault was to be.
+    bool met(const Fault& fault) const { return (fault.isShortening() ? transfers : calls) >= fault.call; }
 };
 
 /// The child's filter: the calls of the table stop for the parent, all others pass.
@@ -64,139 +81,6 @@ inline bool installFilter() {
     return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
            ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
-
-/// One stopped child and the call that it is about to make.
-class StoppedCall {
-public:
-    StoppedCall(pid_t child, const std::string& base) : child_(child), base_(base) {
-        // The system answers with as much as it knows, which must be the form of a filtered call.
-        known_ = ::ptrace(PTRACE_GET_SYSCALL_INFO, child, reinterpret_cast<void*>(sizeof information_),
-                          &information_) > 0 &&
-                 information_.op == PTRACE_SYSCALL_INFO_SECCOMP;
-        call_ = known_ ? fileCallNumbered(information_.seccomp.nr) : nullptr;
-    }
-
-    const char* name() const { return call_ != nullptr ? call_->name : "?"; }
-
-    /// Whether it names or uses a file below the folder, or a folder on the way there.
-    bool concernsBase() {
-        if (call_ == nullptr) {
-            return false;
-        }
-        std::string folder;
-        for (int index = 0; index < 5; ++index) {
-            const std::uint64_t value = information_.seccomp.args[index];
-            switch (call_->arguments[index]) {
-            case Argument::descriptor:
-                if (isNear(linkOf("fd/" + std::to_string(static_cast<int>(value))))) {
-                    return true;
-                }
-                break;
-            case Argument::folder:
-                folder = static_cast<int>(value) == AT_FDCWD
-                             ? ""
-                             : linkOf("fd/" + std::to_string(static_cast<int>(value)));
-                break;
-            case Argument::path:
-                if (isNear(placeOf(folder, textAt(value)))) { // without a folder the current one counts
-                    return true;
-                }
-                break;
-            case Argument::other:
-                break;
-            }
-        }
-        return false;
-    }
-
-    const std::string& where() const { return where_; }
-
-    /// The call is not made and its result is the error.
-    bool replaceBy(int error) const {
-#if defined(__x86_64__)
-        user_regs_struct registers;
-        if (::ptrace(PTRACE_GETREGS, child_, nullptr, &registers) != 0) {
-            return false;
-        }
-        registers.orig_rax = static_cast<unsigned long long>(-1);
-        registers.rax = static_cast<unsigned long long>(-static_cast<long long>(error));
-        return ::ptrace(PTRACE_SETREGS, child_, nullptr, &registers) == 0;
-#elif defined(__aarch64__)
-        user_regs_struct registers;
-        int number = -1;
-        iovec all{&registers, sizeof registers};
-        iovec one{&number, sizeof number};
-        if (::ptrace(PTRACE_GETREGSET, child_, reinterpret_cast<void*>(NT_PRSTATUS), &all) != 0) {
-            return false;
-        }
-        registers.regs[0] = static_cast<unsigned long long>(-static_cast<long long>(error));
-        return ::ptrace(PTRACE_SETREGSET, child_, reinterpret_cast<void*>(NT_PRSTATUS), &all) == 0 &&
-               ::ptrace(PTRACE_SETREGSET, child_, reinterpret_cast<void*>(NT_ARM_SYSTEM_CALL), &one) == 0;
-#else
-        static_cast<void>(error);
-        return false;
-#endif
-    }
-
-private:
-    std::string linkOf(const std::string& name) const {
-        char text[4096];
-        const std::string path = "/proc/" + std::to_string(child_) + "/" + name;
-        const ssize_t length = ::readlink(path.c_str(), text, sizeof text);
-        return length < 0 ? "" : std::string(text, static_cast<std::size_t>(length));
-    }
-
-    std::string textAt(std::uint64_t address) const {
-        std::string text;
-        char piece[256];
-        while (address != 0 && text.size() < 8192) {
-            // Up to the end of a page at most: the next one may not be there.
-            const std::size_t wanted = std::min<std::size_t>(sizeof piece, 4096 - address % 4096);
-            iovec local{piece, wanted};
-            iovec remote{reinterpret_cast<void*>(address), wanted};
-            const ssize_t got = ::process_vm_readv(child_, &local, 1, &remote, 1, 0);
-            if (got <= 0) {
-                break;
-            }
-            const std::size_t length = ::strnlen(piece, static_cast<std::size_t>(got));
-            text.append(piece, length);
-            if (length < static_cast<std::size_t>(got)) {
-                break;
-            }
-            address += static_cast<std::uint64_t>(got);
-        }
-        return text;
-    }
-
-    std::string placeOf(const std::string& folder, const std::string& path) const {
-        for (const char* const own : {"/proc/self/fd/", "/proc/thread-self/fd/"}) {
-            if (path.rfind(own, 0) == 0) {
-                return linkOf("fd/" + path.substr(std::strlen(own)));
-            }
-        }
-        if (!path.empty() && path[0] == '/') {
-            return path;
-        }
-        const std::string start = folder.empty() ? linkOf("cwd") : folder;
-        return path.empty() ? start : start + "/" + path;
-    }
-
-    bool isNear(const std::string& place) {
-        const bool near =
-            place.rfind(base_, 0) == 0 || (!place.empty() && place[0] == '/' && base_.rfind(place, 0) == 0);
-        if (near) {
-            where_ = place;
-        }
-        return near;
-    }
-
-    pid_t child_;
-    const std::string& base_;
-    __ptrace_syscall_info information_{};
-    bool known_ = false;
-    const FileCall* call_ = nullptr;
-    std::string where_;
-};
 
 /// Keeps this process and its children on one processor for a scope: parent and child take turns at every
 /// call, and waking each other up across processors takes several times as long.
@@ -225,8 +109,7 @@ private:
 /// The parent's side of one run.
 class Tracer {
 public:
-    Tracer(pid_t child, const std::string& base, const Fault& fault, bool records)
-        : child_(child), base_(base), fault_(fault), records_(records) {}
+    Tracer(pid_t child, const Trial& trial) : child_(child), trial_(trial) {}
 
     Outcome run() {
         int status = 0;
@@ -237,7 +120,6 @@ public:
             ::waitpid(child_, &status, 0);
             return outcome_;
         }
-        outcome_.traced = true;
         int signal = 0;
         for (;;) {
             ::ptrace(PTRACE_CONT, child_, nullptr, reinterpret_cast<void*>(static_cast<long>(signal)));
@@ -252,72 +134,146 @@ public:
             }
         }
         outcome_.ended = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-        outcome_.traced = !(WIFEXITED(status) && WEXITSTATUS(status) == 77);
+        outcome_.traced = !(WIFEXITED(status) && WEXITSTATUS(status) == notPermitted);
         outcome_.hung = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM;
         return outcome_;
     }
 
+    static constexpr int notPermitted = 77; ///< what the child answers when it cannot be traced
+
 private:
     void atCall() {
-        StoppedCall call(child_, base_);
+        StoppedCall call(child_, trial_.base);
         if (!call.concernsBase()) {
             return;
         }
         ++outcome_.calls;
-        if (records_) {
+        outcome_.transfers += call.isTransfer() ? 1 : 0;
+        if (trial_.records) {
             outcome_.names.push_back(std::string(call.name()) + " " + call.where());
         }
-        if (fault_.kind == Fault::killing && outcome_.calls == fault_.call) {
-            ::kill(child_, SIGKILL);
-        } else if (fault_.kind == Fault::failing && isToFail()) {
-            EXPECT_TRUE(call.replaceBy(fault_.error)) << "the call could not be replaced";
+        if (trial_.deed) {
+            trial_.deed(outcome_.calls);
+        }
+        disturb(call);
+    }
+
+    void disturb(const StoppedCall& call) {
+        const Fault& fault = trial_.fault;
+        switch (fault.kind) {
+        case Fault::none:
+            break;
+        case Fault::killing:
+            if (outcome_.calls == fault.call) {
+                ::kill(child_, SIGKILL);
+            }
+            break;
+        case Fault::failing:
+            if (isItsTurn(outcome_.calls, fault.error == EINTR)) {
+                EXPECT_TRUE(call.replaceBy(fault.error)) << "the call could not be replaced";
+            }
+            break;
+        case Fault::shorteningToOne:
+        case Fault::shorteningToHalf:
+            if (call.isTransfer() && isItsTurn(outcome_.transfers, false)) {
+                EXPECT_TRUE(call.shorten(fault.kind == Fault::shorteningToOne))
+                    << "the call could not be shortened";
+            }
+            break;
         }
     }
 
-    bool isToFail() const {
-        const long behind = outcome_.calls - fault_.call;
-        const bool interrupts = fault_.error == EINTR;
-        return behind == 0 || (fault_.lasting && behind > 0 && (!interrupts || behind < longestInterruption));
+    bool isItsTurn(long number, bool endsOnceMore) const {
+        const long after = number - trial_.fault.call;
+        return after == 0 ||
+               (trial_.fault.lasting && after > 0 && (!endsOnceMore || after < longestInterruption));
     }
 
     pid_t child_;
-    const std::string& base_;
-    Fault fault_;
-    bool records_;
+    const Trial& trial_;
     Outcome outcome_;
 };
 
-/// Runs `body`, which returns a text, in a child under the fault.
+/// A child that runs `body`, which returns a text, and sends that text back.
+class ReportingChild {
+public:
+    /// `prepare` is run first; when it returns false, the child ends with `Tracer::notPermitted`.
+    template <class Prepare, class Body>
+    ReportingChild(unsigned seconds, const Prepare& prepare, const Body& body) {
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC) != 0) {
+            return;
+        }
+        process_ = ::fork();
+        if (process_ == 0) {
+            ::alarm(seconds);
+            if (!prepare()) {
+                scene::leave(Tracer::notPermitted);
+            }
+            const std::string report = body();
+            const auto length = static_cast<ssize_t>(report.size());
+            scene::leave(::write(ends[1], report.data(), report.size()) == length ? 0 : 1);
+        }
+        ::close(ends[1]);
+        reports_ = ends[0];
+    }
+    ReportingChild(const ReportingChild&) = delete;
+    ReportingChild& operator=(const ReportingChild&) = delete;
+    ~ReportingChild() { ::close(reports_); }
+
+    pid_t process() const { return process_; }
+
+    /// Whether there is a report, or can be none any more.
+    bool hasEnded() const {
+        pollfd one{reports_, POLLIN, 0};
+        return ::poll(&one, 1, 0) != 0;
+    }
+
+    /// What the child has sent; complete when it has ended.
+    std::string report() const {
+        std::string text;
+        char piece[1024];
+        ssize_t count = 0;
+        while ((count = ::read(reports_, piece, sizeof piece)) > 0) {
+            text.append(piece, static_cast<std::size_t>(count));
+        }
+        return text;
+    }
+
+    /// Waits for the end of a child that is not traced.
+    Outcome outcome() const {
+        Outcome result;
+        result.report = report();
+        int status = 0;
+        ::waitpid(process_, &status, 0);
+        result.ended = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        result.hung = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM;
+        return result;
+    }
+
+private:
+    pid_t process_ = -1;
+    int reports_ = -1;
+};
+
+/// Runs `body`, which returns a text, in a traced child.
 template <class Body>
-Outcome runTraced(const std::string& base, const Fault& fault, bool records, const Body& body) {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        return {};
-    }
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(30);
-        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) {
-            scene::leave(77);
-        }
-        ::raise(SIGSTOP);
-        if (!installFilter()) {
-            scene::leave(77);
-        }
-        const std::string report = body();
-        const bool written =
-            ::write(ends[1], report.data(), report.size()) == static_cast<ssize_t>(report.size());
-        scene::leave(written ? 0 : 1);
-    }
-    ::close(ends[1]);
-    Outcome outcome = Tracer(child, base, fault, records).run();
-    char piece[1024];
-    ssize_t count = 0;
-    while ((count = ::read(ends[0], piece, sizeof piece)) > 0) {
-        outcome.report.append(piece, static_cast<std::size_t>(count));
-    }
-    ::close(ends[0]);
+Outcome runTraced(const Trial& trial, const Body& body) {
+    const auto offerToBeTraced = [] {
+        return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 && ::raise(SIGSTOP) == 0 && installFilter();
+    };
+    const ReportingChild child(trial.seconds, offerToBeTraced, body);
+    Outcome outcome = Tracer(child.process(), trial).run();
+    outcome.report = child.report();
     return outcome;
+}
+
+/// Runs `body`, which returns a text, in a child that nobody disturbs.
+template <class Body>
+Outcome runUndisturbed(const Body& body) {
+    return ReportingChild(
+               60, [] { return true; }, body)
+        .outcome();
 }
 
 } // namespace faults

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// Marks of the items that a copy has read.
+#include "foundation/files/CopyRecord.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "foundation/files/FileTimes.h"
+#include "foundation/objects/Hashing.h"
+#include "foundation/system/FileSystem.h"
+#include "foundation/system/OpenFolders.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+bool isSameTime(const timespec& left, const timespec& right) noexcept {
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+std::uint64_t added(std::uint64_t hash, std::uint64_t value) noexcept {
+    return mixed(hash ^ value, 0x9E3779B97F4A7C15U);
+}
+
+std::uint64_t added(std::uint64_t hash, const timespec& time) noexcept {
+    return added(added(hash, static_cast<std::uint64_t>(time.tv_sec)),
+                 static_cast<std::uint64_t>(time.tv_nsec));
+}
+
+constexpr std::uint64_t severalNames = 1;
+
+} // namespace
+
+bool isUnchanged(const struct stat& before, const struct stat& now, bool alsoChange) noexcept {
+    return isSameItem(before, now) && (before.st_mode & S_IFMT) == (now.st_mode & S_IFMT) &&
+           before.st_size == now.st_size && isSameTime(modificationTime(before), modificationTime(now)) &&
+           (!alsoChange || (before.st_mode == now.st_mode && before.st_uid == now.st_uid &&
+                            before.st_gid == now.st_gid && isSameTime(changeTime(before), changeTime(now))));
+}
+
+CopyRecord::CopyRecord() noexcept : key_(system::freshRandomNumber()) {}
+
+CopyRecord::Mark CopyRecord::markOf(const struct stat& folder, const char* name,
+                                    const struct stat& item) const noexcept {
+    std::uint64_t seen = 0;
+    std::uint64_t hash = hashBytes(name, std::strlen(name), key_, seen);
+    for (const std::uint64_t value :
+         {std::uint64_t{folder.st_dev}, std::uint64_t{folder.st_ino}, std::uint64_t{item.st_dev},
+          std::uint64_t{item.st_ino}, std::uint64_t{item.st_mode & S_IFMT},
+          static_cast<std::uint64_t>(item.st_size)}) {
+        hash = added(hash, value);
+    }
+    hash = added(hash, modificationTime(item));
+    std::uint64_t change = added(added(added(key_, item.st_mode), item.st_uid), item.st_gid);
+    change = added(change, changeTime(item));
+    // Removing one of several names changes the item under the others.
+    change = item.st_nlink > 1 && !S_ISDIR(item.st_mode) ? change | severalNames : change & ~severalNames;
+    return {hash, change};
+}
+
+void CopyRecord::add(const struct stat& folder, const char* name, const struct stat& item) {
+    marks_.push_back(markOf(folder, name, item));
+}
+
+void CopyRecord::complete() {
+    std::sort(marks_.begin(), marks_.end(),
+              [](const Mark& left, const Mark& right) { return left.identity < right.identity; });
+}
+
+bool CopyRecord::holds(const struct stat& folder, const char* name, const struct stat& item) const {
+    const Mark mark = markOf(folder, name, item);
+    const auto found =
+        std::lower_bound(marks_.begin(), marks_.end(), mark.identity,
+                         [](const Mark& each, std::uint64_t identity) { return each.identity < identity; });
+    if (found == marks_.end() || found->identity != mark.identity) {
+        return false;
+    }
+    return found->change == mark.change || (mayHaveLostNames_ && (found->change & severalNames) != 0);
+}
+
+} // namespace ZQFoundation::detail

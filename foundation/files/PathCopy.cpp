@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+// The file manager's copy of an item from path to path.
+#include <utility>
+
+#include "foundation/files/FileError.h"
+#include "foundation/files/ItemPlace.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/files/PathHandle.h"
+#include "foundation/files/TreeCopy.h"
+#include "foundation/system/CallerState.h"
+
+namespace ZQFoundation {
+
+namespace {
+
+using detail::CopyPlace;
+using detail::Descriptor;
+using detail::ItemPlace;
+
+/// One call: a source and a target.
+class PathCopy {
+public:
+    PathCopy(const std::string& source, const std::string& destination)
+        : source_(source), destination_(destination) {}
+
+    /// False with `errno`; `failed()` is then what could not be copied or made.
+    bool run() {
+        struct stat information;
+        failed_ = source_;
+        if (!from_.open(source_) || !from_.look(information)) {
+            return false;
+        }
+        failed_ = destination_;
+        if (!openTarget()) {
+            return false;
+        }
+        const CopyPlace place{from_.folder(), from_.name(), to_.folder(), to_.name(), true};
+        failed_ = source_;
+        if (S_ISDIR(information.st_mode)) {
+            return copyTree(place);
+        }
+        if (S_ISREG(information.st_mode)) {
+            return copyFile(place);
+        }
+        struct stat made;
+        return detail::copySpecialItem(information, place, made);
+    }
+
+    const std::string& failed() const noexcept { return failed_; }
+
+private:
+    /// False also when something is there, a dangling link too.
+    bool openTarget() {
+        struct stat present;
+        if (!to_.open(destination_)) {
+            return false;
+        }
+        if (::fstatat(to_.folder(), to_.name(), &present, AT_SYMLINK_NOFOLLOW) == 0) {
+            errno = EEXIST;
+            return false;
+        }
+        return errno == ENOENT;
+    }
+
+    bool copyFile(const CopyPlace& place) {
+        Descriptor file;
+        struct stat information;
+        return detail::openForCopy(place.sourceFolder, place.sourceName, false, file, information) &&
+               detail::copyRegularFile(file.number(), information, place);
+    }
+
+    bool copyTree(const CopyPlace& place) {
+        Descriptor folder(detail::openAt(place.sourceFolder, place.sourceName, detail::folderFlags));
+        struct stat information;
+        if (!folder || ::fstat(folder.number(), &information) != 0) {
+            return false;
+        }
+        if (detail::isAtOrAbove(information, place.destinationFolder)) {
+            errno = EINVAL;
+            return false;
+        }
+        const std::string bare = detail::withoutEndSlashes(source_);
+        detail::TreeCopy tree(bare.empty() ? "/" : bare);
+        const bool isCopied = tree.run(std::move(folder), place);
+        const int error = errno;
+        failed_ = tree.path();
+        errno = error;
+        return isCopied;
+    }
+
+    const std::string& source_;
+    const std::string& destination_;
+    ItemPlace from_;
+    ItemPlace to_;
+    std::string failed_;
+};
+
+} // namespace
+
+bool NSFileManager::copyItemAtPath_toPath_error(StringView source, StringView destination,
+                                                NSString* errorText) {
+    const detail::CallerState caller;
+    std::string sourceBytes;
+    std::string destinationBytes;
+    if (!detail::getPathBytes(source, sourceBytes)) {
+        detail::tellError(errorText, source, errno);
+        return false;
+    }
+    if (!detail::getPathBytes(destination, destinationBytes)) {
+        detail::tellError(errorText, destination, errno);
+        return false;
+    }
+    PathCopy copy(sourceBytes, destinationBytes);
+    if (!copy.run()) {
+        const int error = errno;
+        detail::tellErrorOfBytes(errorText, copy.failed(), error);
+        return false;
+    }
+    detail::tellSuccess(errorText);
+    return true;
+}
+
+} // namespace ZQFoundation

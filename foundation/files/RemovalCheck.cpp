@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// The last look at what is to be removed.
+#include "foundation/files/RemovalCheck.h"
+
+#include <utility>
+
+#include <dirent.h>
+
+#include "foundation/files/TreeWalk.h"
+#include "foundation/system/FileSystem.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+using system::ItemFacts;
+
+constexpr int fileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+bool fails(int error) noexcept {
+    errno = error;
+    return false;
+}
+
+/// Whether an item may be taken out of a folder, as far as the folder being sticky forbids it.
+bool mayBeTaken(const struct stat& folder, const struct stat& item) noexcept {
+    const uid_t user = ::geteuid();
+    return (folder.st_mode & S_ISVTX) == 0 || user == 0 || user == item.st_uid || user == folder.st_uid;
+}
+
+class TreeCheck : public TreeWalk {
+public:
+    TreeCheck(Descriptor start, const CopyRecord* record) : TreeWalk(std::move(start)), record_(record) {}
+
+    bool run() {
+        std::size_t count = 0;
+        while (next()) {
+            ++count;
+            if ((isFirstInFolder() && !mayBeEmptied()) || !isFine()) {
+                return false;
+            }
+        }
+        if (isIncomplete()) {
+            return fails(error_ != 0 ? error_ : EACCES);
+        }
+        return record_ == nullptr || count == record_->count() || fails(ESTALE);
+    }
+
+private:
+    bool willRead(int folder) override {
+        ItemFacts facts;
+        if (!system::getItemFacts(folder, "", facts)) {
+            error_ = errno;
+        } else if (facts.isMountPoint) {
+            error_ = EBUSY;
+        } else if (facts.isProtected) {
+            error_ = EPERM;
+        }
+        return error_ == 0;
+    }
+
+    bool mayBeEmptied() const noexcept { return ::faccessat(folder(), ".", W_OK | X_OK, AT_EACCESS) == 0; }
+
+    bool isFine() {
+        ItemFacts facts;
+        if (!getFacts(facts)) {
+            return false;
+        }
+        if (facts.isMountPoint) {
+            return fails(EBUSY);
+        }
+        if (facts.isProtected || !mayBeTaken(folderInformation(), facts.information)) {
+            return fails(EPERM);
+        }
+        return record_ == nullptr || record_->holds(folderInformation(), name(), facts.information) ||
+               fails(ESTALE);
+    }
+
+    /// Of a file, after it was found that nobody writes to it: a change before that shows in the facts.
+    bool getFacts(ItemFacts& facts) {
+        if (record_ == nullptr || kind() != DT_REG) {
+            return system::getItemFacts(folder(), name(), facts) &&
+                   (record_ == nullptr || !S_ISREG(facts.information.st_mode) || getFileFacts(facts));
+        }
+        return getFileFacts(facts);
+    }
+
+    bool getFileFacts(ItemFacts& facts) {
+        const Descriptor file(openAt(folder(), name(), fileFlags));
+        return file && (system::WritersHeldOff(file.number()).areThereNone() || fails(ETXTBSY)) &&
+               system::getItemFacts(file.number(), "", facts);
+    }
+
+    const CopyRecord* record_;
+    int error_ = 0;
+};
+
+} // namespace
+
+bool isTreeRemovable(const Descriptor& folder, const CopyRecord* record) {
+    Descriptor start(::fcntl(folder.number(), F_DUPFD_CLOEXEC, 0));
+    return start && TreeCheck(std::move(start), record).run();
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: MIT
+// Facts about items, names that replace nothing, files without a name, flushing, leases: what this kernel
+// offers so that items can be moved without a loss.
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include "foundation/system/FileSystem.h"
+
+namespace ZQFoundation::detail::system {
+
+namespace {
+
+// The kernel's interface by its numbers: not every C library declares it.
+
+struct KernelTime {
+    std::int64_t seconds;
+    std::uint32_t nanoseconds;
+    std::int32_t unused;
+};
+
+struct KernelFacts {
+    std::uint32_t mask;
+    std::uint32_t blockBytes;
+    std::uint64_t attributes;
+    std::uint32_t links;
+    std::uint32_t user;
+    std::uint32_t group;
+    std::uint16_t mode;
+    std::uint16_t unused;
+    std::uint64_t inode;
+    std::uint64_t bytes;
+    std::uint64_t blocks;
+    std::uint64_t knownAttributes;
+    KernelTime accessed;
+    KernelTime made;
+    KernelTime changed;
+    KernelTime modified;
+    std::uint32_t ownMajor;
+    std::uint32_t ownMinor;
+    std::uint32_t deviceMajor;
+    std::uint32_t deviceMinor;
+    std::uint64_t later[14];
+};
+static_assert(sizeof(KernelFacts) == 256);
+
+constexpr unsigned basicFacts = 0x7FF;
+constexpr unsigned creationFact = 0x800;
+constexpr std::uint64_t isImmutable = 0x10;
+constexpr std::uint64_t isAppendOnly = 0x20;
+constexpr std::uint64_t isRootOfMount = 0x2000;
+constexpr unsigned noReplacing = 1;
+
+bool askKernel(int folder, const char* name, unsigned wanted, KernelFacts& facts) noexcept {
+    const int flags = AT_SYMLINK_NOFOLLOW | (*name == '\0' ? AT_EMPTY_PATH : 0);
+    return ::syscall(SYS_statx, folder, name, flags, wanted, &facts) == 0;
+}
+
+timespec timeOf(const KernelTime& time) noexcept {
+    return {static_cast<time_t>(time.seconds), static_cast<long>(time.nanoseconds)};
+}
+
+void fill(struct stat& information, const KernelFacts& facts) noexcept {
+    information = {};
+    information.st_dev = ::makedev(facts.deviceMajor, facts.deviceMinor);
+    information.st_ino = facts.inode;
+    information.st_mode = facts.mode;
+    information.st_nlink = facts.links;
+    information.st_uid = facts.user;
+    information.st_gid = facts.group;
+    information.st_rdev = ::makedev(facts.ownMajor, facts.ownMinor);
+    information.st_size = static_cast<off_t>(facts.bytes);
+    information.st_blksize = static_cast<blksize_t>(facts.blockBytes);
+    information.st_blocks = static_cast<blkcnt_t>(facts.blocks);
+    information.st_atim = timeOf(facts.accessed);
+    information.st_mtim = timeOf(facts.modified);
+    information.st_ctim = timeOf(facts.changed);
+}
+
+/// The number of the mount that the item belongs to, on a kernel that does not say which items are the root
+/// of one; -1 where nobody says.
+int mountOf(int folder, const char* name) noexcept {
+    struct file_handle handle {};
+    int mount = -1;
+    const int flags = *name == '\0' ? AT_EMPTY_PATH : 0;
+    // No handle fits, and the number is given all the same.
+    if (::name_to_handle_at(folder, name, &handle, &mount, flags) != 0 && errno != EOVERFLOW) {
+        return -1;
+    }
+    return mount;
+}
+
+/// For a kernel of before 5.8: the item lies on another file system than its folder, or in another mount.
+bool isMountedOver(int folder, const char* name, const struct stat& item) noexcept {
+    struct stat around;
+    if (*name == '\0' || !S_ISDIR(item.st_mode) || ::fstat(folder, &around) != 0) {
+        return false;
+    }
+    return around.st_dev != item.st_dev || mountOf(folder, name) != mountOf(folder, "");
+}
+
+/// Where the file system cannot rename without replacing.
+bool renameFolderByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
+    // The name is taken by a folder of ours, and a folder replaces no other that holds something.
+    return ::mkdirat(toFolder, to, 0700) == 0 && ::renameat(fromFolder, from, toFolder, to) == 0;
+}
+
+bool renameFileByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
+    if (::linkat(fromFolder, from, toFolder, to, 0) == 0) {
+        return ::unlinkat(fromFolder, from, 0) == 0;
+    }
+    if (errno == EEXIST) {
+        return false;
+    }
+    // Without second names either: the name is taken by an empty file, which then is replaced.
+    const int taken = ::openat(toFolder, to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (taken < 0) {
+        return false;
+    }
+    ::close(taken);
+    if (::renameat(fromFolder, from, toFolder, to) == 0) {
+        return true;
+    }
+    const int error = errno;
+    ::unlinkat(toFolder, to, 0);
+    errno = error;
+    return false;
+}
+
+bool isLater(const timespec& left, const timespec& right) noexcept {
+    return left.tv_sec != right.tv_sec ? left.tv_sec > right.tv_sec : left.tv_nsec > right.tv_nsec;
+}
+
+} // namespace
+
+bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
+    KernelFacts facts;
+    if (!askKernel(folder, name, creationFact, facts) || (facts.mask & creationFact) == 0) {
+        return false;
+    }
+    time = timeOf(facts.made);
+    return true;
+}
+
+bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept {
+    KernelFacts found;
+    if (!askKernel(folder, name, basicFacts, found)) {
+        // A kernel of before 4.11, or a sandbox that forbids the call.
+        const int flags = AT_SYMLINK_NOFOLLOW | (*name == '\0' ? AT_EMPTY_PATH : 0);
+        if ((errno != ENOSYS && errno != EPERM) || ::fstatat(folder, name, &facts.information, flags) != 0) {
+            return false;
+        }
+        found.attributes = 0;
+        found.knownAttributes = 0;
+    } else {
+        fill(facts.information, found);
+    }
+    facts.isProtected = (found.attributes & (isImmutable | isAppendOnly)) != 0;
+    facts.isMountPoint = (found.knownAttributes & isRootOfMount) != 0
+                             ? (found.attributes & isRootOfMount) != 0
+                             : isMountedOver(folder, name, facts.information);
+    return true;
+}
+
+bool appendFolderEntries(int folder, std::vector<char>& entries) {
+    struct alignas(8) Entry { // as the kernel writes it, the name following
+        std::uint64_t inode;
+        std::int64_t offset;
+        std::uint16_t length;
+        unsigned char kind;
+    };
+    constexpr std::size_t nameOffset = 19;
+    alignas(Entry) char buffer[std::size_t{32} << 10];
+    if (::lseek(folder, 0, SEEK_SET) < 0) {
+        return false;
+    }
+    for (;;) {
+        // No stream of the C library: this takes no descriptor more.
+        const long filled = ::syscall(SYS_getdents64, folder, buffer, sizeof buffer);
+        if (filled < 0 && errno == EINTR) {
+            continue;
+        }
+        if (filled <= 0) {
+            return filled == 0;
+        }
+        for (const char* at = buffer; at < buffer + filled;) {
+            Entry entry;
+            std::memcpy(&entry, at, nameOffset);
+            const char* const name = at + nameOffset;
+            if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) {
+                entries.push_back(static_cast<char>(entry.kind));
+                entries.insert(entries.end(), name, name + std::strlen(name) + 1);
+            }
+            at += entry.length;
+        }
+    }
+}
+
+bool renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
+    long result = -1;
+    do {
+        result = ::syscall(SYS_renameat2, fromFolder, from, toFolder, to, noReplacing);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0) {
+        return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return false;
+    }
+    struct stat information;
+    if (::fstatat(fromFolder, from, &information, AT_SYMLINK_NOFOLLOW) != 0) {
+        return false;
+    }
+    return S_ISDIR(information.st_mode) ? renameFolderByNearestMeans(fromFolder, from, toFolder, to)
+                                        : renameFileByNearestMeans(fromFolder, from, toFolder, to);
+}
+
+int openUnnamedFile(int folder) noexcept {
+    return ::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+}
+
+bool nameFile(int file, int folder, const char* name) noexcept {
+    char path[32] = "/proc/self/fd/";
+    *std::to_chars(path + sizeof "/proc/self/fd/" - 1, path + sizeof path, file).ptr = '\0';
+    return ::linkat(AT_FDCWD, path, folder, name, AT_SYMLINK_FOLLOW) == 0;
+}
+
+bool flushItem(int item) noexcept {
+    // Pipes and the like have nothing to flush.
+    return ::fsync(item) == 0 || errno == EINVAL || errno == EROFS;
+}
+
+bool flushFileSystem(int item) noexcept { return ::syncfs(item) == 0 || errno == ENOSYS; }
+
+/// A lease for reading is given only while nobody has the file open for writing. For who wants to open it so
+/// while the lease is held, the kernel sends a signal: one that does nothing unless the host has a handler
+/// for it.
+WritersHeldOff::WritersHeldOff(int file) noexcept : file_(file), state_(State::unknown) {
+    if (::fcntl(file, F_SETSIG, SIGURG) != 0) {
+        return;
+    }
+    if (::fcntl(file, F_SETLEASE, F_RDLCK) == 0) {
+        state_ = State::held;
+    } else if (errno == EAGAIN) {
+        state_ = State::failed;
+    }
+}
+
+WritersHeldOff::~WritersHeldOff() {
+    if (state_ == State::held) {
+        const int error = errno;
+        ::fcntl(file_, F_SETLEASE, F_UNLCK);
+        errno = error;
+    }
+}
+
+bool WritersHeldOff::areThereNone() const noexcept {
+    return state_ == State::unknown || (state_ == State::held && ::fcntl(file_, F_GETLEASE) == F_RDLCK);
+}
+
+bool mightHideChange(const timespec& changed) noexcept {
+    constexpr timespec pause{0, 1'000'000};
+    constexpr long maxTickNanoseconds = 20'000'000;
+    for (int waits = 0; waits < 40; ++waits) {
+        timespec now{};
+        ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+        if (isLater(now, changed)) {
+            return false;
+        }
+        // Another machine's clock, or one that was set: nothing to wait for.
+        const timespec soon{now.tv_sec + (now.tv_nsec + maxTickNanoseconds) / 1'000'000'000,
+                            (now.tv_nsec + maxTickNanoseconds) % 1'000'000'000};
+        if (isLater(changed, soon)) {
+            return true;
+        }
+        ::nanosleep(&pause, nullptr);
+    }
+    return true;
+}
+
+} // namespace ZQFoundation::detail::system

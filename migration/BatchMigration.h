@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_MIGRATION_BATCHMIGRATION_H
+#define ZQFOUNDATION_MIGRATION_BATCHMIGRATION_H
+
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "migration/ItemMigration.h"
+#include "migration/MigratedFiles.h"
+
+namespace ZQFoundation::detail {
+
+/// All files of one extension below a folder, one after the other.
+///
+/// A move works in windows: the files of a window are copied, flushed to the disk together, and then removed
+/// at the source, in their order.
+class BatchMigration {
+public:
+    struct Wishes {
+        NSString extension; ///< nil and "" stand for every file
+        NSString source;    ///< folders, "~" expanded
+        NSString destination;
+        bool includeDotFiles = false;
+        MigrationPolicy policy;
+    };
+
+    /// Follows a batch.
+    class Observer : public CopyObserver {
+    public:
+        /// Before a file, by its path relative to the source folder; false ends the batch in front of it.
+        virtual bool willMigrate(const NSString& path) = 0;
+        /// When its result is known. `destination` is nil where no name was free.
+        virtual void didMigrate(const NSString& path, ZQFileMigrationRetvalType code,
+                                const NSString& destination) = 0;
+
+    protected:
+        ~Observer() = default;
+    };
+
+    BatchMigration(const Wishes& wishes, Observer& observer) : wishes_(wishes), observer_(observer) {}
+
+    void run();
+
+    /// Shows the observer what `run` would do with each file as things are now. Changes nothing.
+    void plan();
+
+private:
+    struct Pending {
+        NSString path;
+        std::unique_ptr<ItemMigration> migration;
+    };
+
+    /// The destination for the files of one folder.
+    struct Level {
+        std::string folder; ///< relative to the source
+        std::unique_ptr<DestinationFolder> destination;
+    };
+
+    bool openSource();
+    std::unique_ptr<ItemMigration> migrationOfItem();
+    DestinationFolder& destinationOfItem();
+    void migrateItem();
+    ZQFileMigrationRetvalType copyItem(std::unique_ptr<ItemMigration>& migration);
+    bool isSourcePending(const struct stat& item) const noexcept;
+    bool isWindowFull() const noexcept;
+    void finishWindow();
+    bool isFlushed(const ItemMigration& migration, std::vector<std::pair<dev_t, bool>>& flushed) const;
+
+    const Wishes& wishes_;
+    Observer& observer_;
+    bool changesNothing_ = false;
+    std::optional<MigratedFiles> files_;
+    std::vector<Level> levels_;
+    std::vector<Pending> window_;
+    std::uint64_t windowBytes_ = 0;
+    MadeItems made_;
+};
+
+} // namespace ZQFoundation::detail
+
+#endif

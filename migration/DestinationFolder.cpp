@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// The folder that migrated items are to be in.
+#include "migration/DestinationFolder.h"
+
+#include "foundation/files/NSFileManager.h"
+#include "foundation/files/PathHandle.h"
+#include "foundation/system/OpenFolders.h"
+#include "migration/Recovery.h"
+
+namespace ZQFoundation::detail {
+
+DestinationFolder::State DestinationFolder::find() {
+    if (folder_) {
+        return State::found;
+    }
+    bool isDirectory = false;
+    // A "~" that is still there could not be expanded.
+    if (path_.hasPrefix("~") ||
+        !NSFileManager::defaultManager().fileExistsAtPath_isDirectory(path_, &isDirectory)) {
+        return State::missing;
+    }
+    if (!isDirectory) {
+        return State::notFolder;
+    }
+    std::string bytes;
+    struct stat information;
+    SharedFolder folder = getPathBytes(path_, bytes) ? openSharedFolder(bytes) : nullptr;
+    if (!folder || ::fstat(folder->number(), &information) != 0 ||
+        (isKnown_ && !isSameItem(known_, information))) {
+        return State::failed;
+    }
+    if (recovers_ && !isKnown_) {
+        recoverFolder(folder->number());
+    }
+    isKnown_ = true;
+    known_ = information;
+    folder_ = std::move(folder);
+    return State::found;
+}
+
+bool DestinationFolder::make() {
+    return !path_.hasPrefix("~") &&
+           NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
+               path_, true, nullptr) &&
+           find() == State::found;
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// Internal: not installed.
+#ifndef ZQFOUNDATION_MIGRATION_FLUSHEDFOLDER_H
+#define ZQFOUNDATION_MIGRATION_FLUSHEDFOLDER_H
+
+#include <unistd.h>
+
+#include "foundation/files/ItemPlace.h"
+#include "foundation/system/FileSystem.h"
+#include "foundation/system/OpenFolders.h"
+
+namespace ZQFoundation::detail {
+
+/// Calls `flush(descriptor)` for the folder of a place. One that may not be read is flushed with all there
+/// is.
+template <class Flush>
+bool flushFolderBy(const ItemPlace& place, const Flush& flush) noexcept {
+    const Descriptor folder(openAt(place.folder(), ".", folderFlags));
+    if (folder) {
+        return flush(folder.number());
+    }
+    ::sync();
+    return true;
+}
+
+/// Returns when the names in the folder are on the disk. False with `errno`.
+inline bool flushFolderOf(const ItemPlace& place) noexcept { return flushFolderBy(place, system::flushItem); }
+
+/// Returns when all that is on its file system is. False with `errno`.
+inline bool flushFileSystemOf(const ItemPlace& place) noexcept {
+    return flushFolderBy(place, system::flushFileSystem);
+}
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Numbered names beside a taken one.
+#include "migration/FreeName.h"
+
+#include "foundation/objects/ComposedSequences.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// Of one name, on every file system in use; some take less.
+constexpr std::size_t maxNameBytes = 255;
+
+std::size_t bytesOf(const NSString& name) {
+    std::string bytes;
+    return name.getFileSystemBytes(bytes) ? bytes.size() : 0;
+}
+
+} // namespace
+
+NSString numberedName(const NSString& stem, std::int64_t counter, const NSString& extension) {
+    NSString front = stem;
+    NSString name = numberedPath(front, " ", counter, extension);
+    while (bytesOf(name) > maxNameBytes) {
+        if (front.length() == 0) {
+            return nullptr;
+        }
+        const NormalizedText units(front);
+        front = front.substringToIndex(sequenceStart(UnitView(units), front.length() - 1));
+        name = numberedPath(front, " ", counter, extension);
+    }
+    return front.length() == 0 && stem.length() != 0 ? NSString() : name;
+}
+
+} // namespace ZQFoundation::detail

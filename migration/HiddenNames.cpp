@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// Builder and parser of the names of what is not finished.
+#include "migration/HiddenNames.h"
+
+#include <cstdint>
+#include <string_view>
+
+#include "foundation/system/FileSystem.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::string_view digits = "0123456789abcdef";
+constexpr std::size_t idLength = 16;
+
+struct Mark {
+    HiddenKind kind;
+    std::string_view text;
+};
+
+constexpr Mark marks[] = {{HiddenKind::copy, ".zq-copy."},
+                          {HiddenKind::aside, ".zq-aside."},
+                          {HiddenKind::asideLong, ".zq-asides."},
+                          {HiddenKind::gone, ".zq-gone."}};
+
+std::string_view markOf(HiddenKind kind) noexcept {
+    for (const Mark& mark : marks) {
+        if (mark.kind == kind) {
+            return mark.text;
+        }
+    }
+    return {};
+}
+
+bool isId(std::string_view text) noexcept {
+    return text.size() == idLength && text.find_first_not_of(digits) == std::string_view::npos;
+}
+
+} // namespace
+
+HiddenName parsedHiddenName(const char* name) {
+    const std::string_view text(name);
+    for (const Mark& mark : marks) {
+        if (text.substr(0, mark.text.size()) != mark.text) {
+            continue;
+        }
+        const std::string_view rest = text.substr(mark.text.size());
+        if (mark.kind == HiddenKind::aside ? !rest.empty() : isId(rest)) {
+            return {mark.kind, mark.kind == HiddenKind::aside ? std::string(rest) : std::string()};
+        }
+    }
+    return {};
+}
+
+std::string newHiddenName(HiddenKind kind) {
+    std::string name(markOf(kind));
+    std::uint64_t number = system::freshRandomNumber();
+    for (std::size_t count = 0; count < idLength; ++count) {
+        name.push_back(digits[number & 15U]);
+        number >>= 4U;
+    }
+    return name;
+}
+
+std::string asideNameOf(const std::string& name) {
+    return std::string(markOf(HiddenKind::aside)).append(name);
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: MIT
+// The copy of one migration, and the removal of what it replaces.
+#include <sys/file.h>
+
+#include "foundation/files/RemovalCheck.h"
+#include "foundation/files/TreeCopy.h"
+#include "foundation/files/TreeRemoval.h"
+#include "foundation/system/StandardStreams.h"
+#include "migration/HiddenNames.h"
+#include "migration/ItemMigration.h"
+#include "migration/Recovery.h"
+#include "migration/SetAside.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// Others may remove a copy that is not locked yet; somebody who keeps doing so does not keep us for ever.
+constexpr int maxNames = 16;
+
+constexpr int oldFileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+constexpr int newFileFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
+
+Descriptor duplicateOf(const Descriptor& descriptor) noexcept {
+    return Descriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, 0));
+}
+
+Descriptor openUnnamed(int folder) noexcept {
+    const system::StandardStreamsGuard guard(true);
+    return Descriptor(system::keepOffStandardStreams(system::openUnnamedFile(folder)));
+}
+
+/// A hidden copy that is removed with the scope unless it takes its name.
+class HiddenCopy {
+public:
+    explicit HiddenCopy(const ItemPlace& target) : target_(target) {}
+    HiddenCopy(const HiddenCopy&) = delete;
+    HiddenCopy& operator=(const HiddenCopy&) = delete;
+    ~HiddenCopy() {
+        if (!name_.empty()) {
+            removeCopy(target_.folder(), name_.c_str());
+        }
+    }
+
+    /// Makes an item of our own by `make(name)`, which opens it, and locks it.
+    template <class Make>
+    Descriptor begin(const Make& make) {
+        for (int attempt = 0; attempt < maxNames; ++attempt) {
+            name_ = newHiddenName(HiddenKind::copy);
+            Descriptor made = make(name_.c_str());
+            struct stat information;
+            if (!made && errno != ENOENT) {
+                return made; // what may have been made goes with the scope
+            }
+            if (made && lockForWork(made.number()) && ::fstat(made.number(), &information) == 0 &&
+                ItemPlace(target_.sharedFolder(), name_).holds(information)) {
+                return made;
+            }
+        }
+        errno = EAGAIN;
+        return {};
+    }
+
+    bool takeName() {
+        if (!system::renameWithoutReplacing(target_.folder(), name_.c_str(), target_.folder(),
+                                            target_.name())) {
+            return false;
+        }
+        name_.clear();
+        return true;
+    }
+
+    const char* name() const noexcept { return name_.c_str(); }
+
+private:
+    const ItemPlace& target_;
+    std::string name_;
+};
+
+} // namespace
+
+ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
+    if (!place_.look(copied_)) {
+        return kind_.writingFailed;
+    }
+    if (plan_.replaces && !removeExisting(wishes.made)) {
+        return kind_.overwritingFailed;
+    }
+    if (!makeCopy(wishes)) {
+        return kind_.writingFailed;
+    }
+    if (wishes.made != nullptr) {
+        wishes.made->add(made_);
+    }
+    return kFileMigrationSuccess;
+}
+
+bool ItemMigration::removeExisting(const MadeItems* made) {
+    struct stat present;
+    if (!target_.look(present)) {
+        return false;
+    }
+    if (made != nullptr && made->holds(present)) {
+        errno = EEXIST; // two paths of this run lead to one place
+        return false;
+    }
+    if (S_ISDIR(present.st_mode) && !kind_.isFolder) {
+        errno = EISDIR;
+        return false;
+    }
+    return S_ISDIR(present.st_mode) ? removeExistingFolder(present) : removeExistingFile(present);
+}
+
+/// Of two migrations of one source to one destination, each takes one item away and then looks for the other
+/// one. So never is the copy of the first removed by the second while the first removes the source.
+bool ItemMigration::removeExistingFile(const struct stat& present) {
+    Descriptor file;
+    if (S_ISREG(present.st_mode)) {
+        file = Descriptor(openAt(target_.folder(), target_.name(), oldFileFlags));
+        if (file && !lockForWork(file.number())) {
+            return false;
+        }
+    }
+    SetAside aside(target_);
+    return aside.take(present) && place_.holds(copied_) && aside.removeFile();
+}
+
+bool ItemMigration::removeExistingFolder(const struct stat& present) {
+    const Descriptor folder(openAt(target_.folder(), target_.name(), folderFlags));
+    if (!folder || !lockForWork(folder.number()) || !isTreeRemovable(folder, nullptr)) {
+        return false;
+    }
+    SetAside aside(target_);
+    return aside.take(present) && place_.holds(copied_) && aside.giveUp() &&
+           TreeRemoval(aside.folder(), aside.name(), aside.name()).run();
+}
+
+bool ItemMigration::makeCopy(const CopyWishes& wishes) {
+    struct stat present;
+    if (target_.look(present)) {
+        errno = EEXIST; // a link that leads nowhere, or what has come there meanwhile
+        return false;
+    }
+    if (S_ISDIR(copied_.st_mode)) {
+        return copyTree(wishes);
+    }
+    return S_ISREG(copied_.st_mode) ? copyFile(wishes) : copySpecial();
+}
+
+bool ItemMigration::copyFile(const CopyWishes& wishes) {
+    struct stat opened;
+    if (!openForCopy(place_.folder(), place_.name(), !policy_.keepOriginal, opened_, opened)) {
+        return false;
+    }
+    if (!isSameItem(opened, copied_)) {
+        errno = ESTALE;
+        return false;
+    }
+    copied_ = opened;
+    const Naming naming = copyUnnamed(opened_.number(), wishes);
+    return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), wishes));
+}
+
+/// A file without a name vanishes with the process, so there is nothing to be left behind.
+ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& wishes) {
+    Descriptor made = openUnnamed(target_.folder());
+    if (!made) {
+        return errno == EMFILE || errno == ENFILE || errno == ENOSPC || errno == EDQUOT ? Naming::failed
+                                                                                        : Naming::impossible;
+    }
+    if (!fillCopy(source, copied_, made.number(), true, wishes.observer) ||
+        (wishes.isFlushed && !system::flushItem(made.number())) || ::fstat(made.number(), &made_) != 0) {
+        return Naming::failed;
+    }
+    if (!system::nameFile(made.number(), target_.folder(), target_.name())) {
+        return errno == EEXIST ? Naming::failed : Naming::impossible;
+    }
+    if (closeWell(made)) {
+        return Naming::done;
+    }
+    if (target_.holds(made_)) {
+        ::unlinkat(target_.folder(), target_.name(), 0);
+    }
+    return Naming::failed;
+}
+
+bool ItemMigration::copyHidden(int source, const CopyWishes& wishes) {
+    HiddenCopy hidden(target_);
+    Descriptor made = hidden.begin(
+        [&](const char* name) { return Descriptor(openAt(target_.folder(), name, newFileFlags, 0600)); });
+    const Descriptor lock = made ? duplicateOf(made) : Descriptor();
+    return made && fillCopy(source, copied_, made.number(), true, wishes.observer) &&
+           (!wishes.isFlushed || system::flushItem(made.number())) && ::fstat(made.number(), &made_) == 0 &&
+           closeWell(made) && hidden.takeName();
+}
+
+/// A link is complete when it is made, and so, but for its permissions, is a pipe: these get their names at
+/// once.
+bool ItemMigration::copySpecial() {
+    const CopyPlace place{place_.folder(), place_.name(), target_.folder(), target_.name(), true};
+    made_ = {};
+    if (copySpecialItem(copied_, place, made_)) {
+        return true;
+    }
+    const int error = errno;
+    if (made_.st_ino != 0 && target_.holds(made_)) {
+        ::unlinkat(target_.folder(), target_.name(), 0);
+    }
+    errno = error;
+    return false;
+}
+
+bool ItemMigration::copyTree(const CopyWishes& wishes) {
+    struct stat opened;
+    opened_ = Descriptor(openAt(place_.folder(), place_.name(), folderFlags));
+    if (!opened_ || ::fstat(opened_.number(), &opened) != 0) {
+        return false;
+    }
+    if (!isSameItem(opened, copied_) || isAtOrAbove(opened, target_.folder())) {
+        errno = EINVAL;
+        return false;
+    }
+    HiddenCopy hidden(target_);
+    const Descriptor made = hidden.begin([&](const char* name) {
+        Descriptor folder;
+        makeCopyFolder({place_.folder(), place_.name(), target_.folder(), name, true}, folder);
+        return folder;
+    });
+    // The lock lasts as long as one of both descriptors is open, and so does the way to flush the copy.
+    return made && fillTree(duplicateOf(opened_), duplicateOf(made), wishes) &&
+           (!wishes.isFlushed || system::flushFileSystem(made.number())) &&
+           ::fstat(made.number(), &made_) == 0 && hidden.takeName();
+}
+
+bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes) {
+    if (!folder || !made) {
+        return false;
+    }
+    std::string path;
+    source_.getFileSystemBytes(path);
+    if (policy_.keepOriginal) {
+        return TreeCopy(withoutEndSlashes(path), {nullptr, wishes.observer})
+            .fill(std::move(folder), std::move(made));
+    }
+    TreeCopy tree(withoutEndSlashes(path), {&record_.emplace(), wishes.observer});
+    const bool isCopied = tree.fill(std::move(folder), std::move(made));
+    record_->complete();
+    return isCopied;
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// The removal of what one migration has copied.
+#include "foundation/files/FileSystemAnnouncement.h"
+#include "foundation/files/RemovalCheck.h"
+#include "foundation/files/TreeRemoval.h"
+#include "foundation/system/FileSystem.h"
+#include "foundation/system/OpenFolders.h"
+#include "migration/ItemMigration.h"
+#include "migration/Recovery.h"
+#include "migration/SetAside.h"
+
+namespace ZQFoundation::detail {
+
+ZQFileMigrationRetvalType ItemMigration::removeSource() {
+    const bool isRemoved = S_ISDIR(copied_.st_mode)   ? removeTree()
+                           : S_ISREG(copied_.st_mode) ? removeFile()
+                                                      : removeSpecial();
+    if (!isRemoved) {
+        return kFileMigrationSourceFileCannotBeRemoved;
+    }
+    announceFileSystemChange(workspace_, source_.stringByDeletingLastPathComponent());
+    return kFileMigrationSuccess;
+}
+
+/// Once it is given up, nobody finds the tree by its name any more, and who still is in one of its folders
+/// loses nothing that was not copied: that is left, under a name that shows.
+bool ItemMigration::removeTree() {
+    struct stat now;
+    if (::fstat(opened_.number(), &now) != 0 || !isUnchanged(copied_, now, true) ||
+        !lockForWork(opened_.number())) {
+        return false;
+    }
+    SetAside aside(place_);
+    if (!aside.take(copied_) || !isTreeRemovable(opened_, &*record_) || !target_.holds(made_) ||
+        !aside.giveUp()) {
+        return false;
+    }
+    record_->beginRemoval();
+    TreeRemoval removal(aside.folder(), aside.name(), aside.name());
+    removal.setRecord(*record_);
+    if (removal.run() && removal.isSomethingLeft()) {
+        showItemBeside(aside.folder(), aside.name(), place_.folder(), place_.name());
+    }
+    return true;
+}
+
+/// Setting the file aside counts as a change of it. So whether it has changed is seen before, and from there
+/// on nobody may begin to write to it.
+bool ItemMigration::removeFile() {
+    struct stat now;
+    if (!opened_) { // in a batch: files do not stay open
+        opened_ = Descriptor(openAt(place_.folder(), place_.name(),
+                                    O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    }
+    if (!opened_) {
+        return false;
+    }
+    const system::WritersHeldOff writers(opened_.number());
+    if (!writers.areThereNone() || ::fstat(opened_.number(), &now) != 0 || !isUnchanged(copied_, now, true) ||
+        !lockForWork(opened_.number())) {
+        return false;
+    }
+    SetAside aside(place_);
+    return aside.take(copied_) && ::fstat(opened_.number(), &now) == 0 && isUnchanged(copied_, now, false) &&
+           writers.areThereNone() && target_.holds(made_) && aside.removeFile();
+}
+
+bool ItemMigration::removeSpecial() {
+    struct stat now;
+    if (!place_.look(now) || !isUnchanged(copied_, now, true)) {
+        return false;
+    }
+    SetAside aside(place_);
+    return aside.take(copied_) && target_.holds(made_) && aside.removeFile();
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+// What an ended process has left is put back or removed.
+#include "migration/Recovery.h"
+
+#include <atomic>
+#include <cstring>
+
+#include <sys/file.h>
+
+#include "foundation/files/FileTimes.h"
+#include "foundation/files/StickyFolder.h"
+#include "foundation/files/TreeRemoval.h"
+#include "foundation/objects/Hashing.h"
+#include "foundation/system/FolderNames.h"
+#include "migration/HiddenNames.h"
+#include "migration/SetAside.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr int itemFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+/// Large folders that were left with nothing to recover, by their state, so that a host which migrates their
+/// files one by one does not have them read each time. Another state means that somebody has changed them;
+/// what happens between two ticks of the clock for files may stay unnoticed until the next change.
+constinit std::atomic<std::uint64_t> recovered[8] = {};
+constinit std::atomic<unsigned> nextRecovered = 0;
+
+/// A folder whose list takes less than this is read in a moment.
+constexpr off_t smallFolderBytes = off_t{64} << 10;
+
+/// 0 for a folder that is not remembered.
+std::uint64_t stateOf(int folder) noexcept {
+    struct stat information;
+    if (::fstat(folder, &information) != 0 || information.st_size < smallFolderBytes) {
+        return 0;
+    }
+    const timespec modified = modificationTime(information);
+    const timespec changed = changeTime(information);
+    std::uint64_t state = 1;
+    for (const std::uint64_t value :
+         {std::uint64_t{information.st_dev}, std::uint64_t{information.st_ino},
+          static_cast<std::uint64_t>(modified.tv_sec), static_cast<std::uint64_t>(modified.tv_nsec),
+          static_cast<std::uint64_t>(changed.tv_sec), static_cast<std::uint64_t>(changed.tv_nsec)}) {
+        state = mixed(state ^ value, 0x9E3779B97F4A7C15U);
+    }
+    return state;
+}
+
+bool isKnownAsRecovered(int folder) noexcept {
+    const std::uint64_t state = stateOf(folder);
+    for (const std::atomic<std::uint64_t>& each : recovered) {
+        if (state != 0 && each.load(std::memory_order_relaxed) == state) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// A hidden item of a process that has ended, locked against others who might recover it too.
+class Leftover {
+public:
+    Leftover(int folder, const char* name) : folder_(folder), name_(name) {}
+
+    /// Whether it is still there and nobody works on it. What cannot be opened has no lock: only what is put
+    /// back, which harms nobody, may be such an item.
+    bool take(bool mayBeUnlocked) {
+        item_ = Descriptor(openAt(folder_, name_, itemFlags));
+        if (!item_ || ::flock(item_.number(), LOCK_EX | LOCK_NB) != 0) {
+            return mayBeUnlocked && !item_ && errno != ENOENT;
+        }
+        struct stat opened;
+        struct stat present;
+        return ::fstat(item_.number(), &opened) == 0 &&
+               ::fstatat(folder_, name_, &present, AT_SYMLINK_NOFOLLOW) == 0 && isSameItem(opened, present);
+    }
+
+    int number() const noexcept { return item_.number(); }
+
+private:
+    int folder_;
+    const char* name_;
+    Descriptor item_;
+};
+
+/// Puts back what such a folder holds.
+void emptyLongFolder(int folder, const char* name, int opened) {
+    FolderNames names;
+    if (!names.read(opened)) {
+        return;
+    }
+    while (!names.isAtEnd()) {
+        const char* const held = names.next().name;
+        showItem(opened, held, folder, held);
+    }
+    ::unlinkat(folder, name, AT_REMOVEDIR);
+}
+
+void removeTree(int folder, const char* name, bool makesWritable) {
+    if (::unlinkat(folder, name, 0) == 0 || (errno != EISDIR && errno != EPERM)) {
+        return;
+    }
+    TreeRemoval removal(folder, name, name);
+    if (makesWritable) {
+        removal.setMakesWritable();
+    }
+    removal.run();
+}
+
+void recoverItem(int folder, const char* name, const HiddenName& hidden) {
+    Leftover leftover(folder, name);
+    if (!leftover.take(hidden.kind == HiddenKind::aside)) {
+        return;
+    }
+    switch (hidden.kind) {
+    case HiddenKind::aside:
+        showItem(folder, name, folder, hidden.original);
+        break;
+    case HiddenKind::asideLong:
+        emptyLongFolder(folder, name, leftover.number());
+        break;
+    case HiddenKind::gone:
+        removeTree(folder, name, false);
+        break;
+    case HiddenKind::copy:
+        removeTree(folder, name, true);
+        break;
+    case HiddenKind::none:
+        break;
+    }
+}
+
+} // namespace
+
+void recoverFolder(int folder) {
+    struct stat information;
+    if (isKnownAsRecovered(folder)) {
+        return;
+    }
+    const Descriptor own(openAt(folder, ".", folderFlags));
+    FolderNames names;
+    if (!own || ::fstat(own.number(), &information) != 0 || !names.read(own.number())) {
+        return;
+    }
+    while (!names.isAtEnd()) {
+        const char* const name = names.next().name;
+        const HiddenName hidden = *name == '.' ? parsedHiddenName(name) : HiddenName{};
+        struct stat item;
+        if (hidden.kind != HiddenKind::none &&
+            ::fstatat(own.number(), name, &item, AT_SYMLINK_NOFOLLOW) == 0 &&
+            (!isSharedFolder(information) || item.st_uid == ::geteuid())) {
+            recoverItem(own.number(), name, hidden);
+        }
+    }
+}
+
+void noteRecovered(int folder) noexcept {
+    const unsigned slot = nextRecovered.fetch_add(1, std::memory_order_relaxed) % std::size(recovered);
+    recovered[slot].store(stateOf(folder), std::memory_order_relaxed);
+}
+
+bool lockForWork(int item) noexcept {
+    return ::flock(item, LOCK_SH | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+}
+
+void removeCopy(int folder, const char* name) noexcept {
+    const int error = errno;
+    try {
+        removeTree(folder, name, true);
+    } catch (...) {
+        // No memory: the next migration removes it.
+    }
+    errno = error;
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// Sources set aside before their removal.
+#include "migration/SetAside.h"
+
+#include <sys/file.h>
+
+#include "foundation/system/FileSystem.h"
+#include "foundation/system/OpenFolders.h"
+#include "migration/FreeName.h"
+#include "migration/HiddenNames.h"
+
+namespace ZQFoundation::detail {
+
+bool showItemBeside(int hiddenFolder, const char* hiddenName, int folder, const std::string& name) {
+    bool isShown = false;
+    freeName(
+        NSString::stringWithFileSystemBytes(name.data(), name.size()), [&](const std::string& candidate) {
+            isShown = system::renameWithoutReplacing(hiddenFolder, hiddenName, folder, candidate.c_str());
+            return isShown || (errno != EEXIST && errno != ENOTEMPTY);
+        });
+    return isShown;
+}
+
+bool showItem(int hiddenFolder, const char* hiddenName, int folder, const std::string& wanted) {
+    if (system::renameWithoutReplacing(hiddenFolder, hiddenName, folder, wanted.c_str())) {
+        return true;
+    }
+    // What has taken the name is newer, and both are to be kept.
+    return (errno == EEXIST || errno == ENOTEMPTY) &&
+           showItemBeside(hiddenFolder, hiddenName, folder, wanted);
+}
+
+SetAside::~SetAside() {
+    if (state_ == State::aside) {
+        putBack();
+    }
+}
+
+bool SetAside::take(const struct stat& item) {
+    if (!place_.isEntry()) {
+        errno = EINVAL;
+        return false;
+    }
+    if (!place_.holds(item)) {
+        errno = ESTALE;
+        return false;
+    }
+    if (!hide()) {
+        return false;
+    }
+    state_ = State::aside;
+    struct stat taken;
+    if (::fstatat(folder(), name(), &taken, AT_SYMLINK_NOFOLLOW) == 0 && isSameItem(taken, item)) {
+        return true;
+    }
+    // Somebody has put another one there in between.
+    putBack();
+    errno = ESTALE;
+    return false;
+}
+
+bool SetAside::hide() {
+    name_ = asideNameOf(place_.name());
+    return system::renameWithoutReplacing(place_.folder(), place_.name(), place_.folder(), name_.c_str()) ||
+           (errno == ENAMETOOLONG && hideLong());
+}
+
+bool SetAside::hideLong() {
+    longName_ = newHiddenName(HiddenKind::asideLong);
+    name_ = place_.name();
+    if (::mkdirat(place_.folder(), longName_.c_str(), 0700) != 0) {
+        return false;
+    }
+    long_ = Descriptor(openAt(place_.folder(), longName_.c_str(), folderFlags));
+    if (long_ && ::flock(long_.number(), LOCK_SH | LOCK_NB) == 0 &&
+        system::renameWithoutReplacing(place_.folder(), place_.name(), long_.number(), name())) {
+        return true;
+    }
+    removeLongFolder();
+    return false;
+}
+
+void SetAside::removeLongFolder() noexcept {
+    if (!longName_.empty()) {
+        const int error = errno;
+        ::unlinkat(place_.folder(), longName_.c_str(), AT_REMOVEDIR);
+        long_.reset();
+        errno = error;
+    }
+}
+
+bool SetAside::putBack() noexcept {
+    try {
+        if (!showItem(folder(), name(), place_.folder(), place_.name())) {
+            return false;
+        }
+    } catch (...) {
+        return false; // no memory for another name
+    }
+    state_ = State::inPlace;
+    removeLongFolder();
+    return true;
+}
+
+bool SetAside::giveUp() {
+    const std::string gone = newHiddenName(HiddenKind::gone);
+    if (!system::renameWithoutReplacing(folder(), name(), place_.folder(), gone.c_str())) {
+        return false;
+    }
+    state_ = State::givenUp;
+    name_ = gone;
+    removeLongFolder();
+    longName_.clear();
+    return true;
+}
+
+bool SetAside::removeFile() {
+    if (::unlinkat(folder(), name(), 0) != 0) {
+        return false;
+    }
+    state_ = State::givenUp;
+    removeLongFolder();
+    return true;
+}
+
+} // namespace ZQFoundation::detail

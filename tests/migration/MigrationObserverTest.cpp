@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+// Migrations by options, followed and stopped.
+#include <gtest/gtest.h>
+
+#include "tests/migration/MigrationScene.h"
+
+using namespace ZQFoundation;
+using scene::Detail;
+using scene::Digest;
+
+namespace {
+
+/// Writes down what it hears, and stops the migration before a wanted item or beyond a number of bytes.
+class Follower : public ZQMigrationObserver {
+public:
+    std::string stopsBefore;
+    std::uint64_t stopsBeyond = UINT64_MAX;
+    scene::Words items;
+    scene::Words results;
+    std::uint64_t bytes = 0;
+
+    bool migrationMayContinue(const ZQMigrationProgress& progress) override {
+        EXPECT_GE(progress.bytes, bytes);
+        bytes = progress.bytes;
+        if (progress.items > items.size()) {
+            items.push_back(lastNames(progress.path));
+        }
+        return (stopsBefore.empty() || items.back() != stopsBefore) && bytes <= stopsBeyond;
+    }
+    void migrationDidFinish(const NSString& path, ZQFileMigrationRetvalType code,
+                            const NSString& destination) override {
+        results.push_back(lastNames(path) + " " + std::to_string(code) + " " + lastNames(destination));
+    }
+
+private:
+    static std::string lastNames(const NSString& path) { return scene::shownText(path.lastPathComponent()); }
+};
+
+class MigrationObserver : public ::testing::Test {
+protected:
+    Digest contents(const char* name = "") const { return folder.digest(name, Detail::contents); }
+    scene::MigrationFolder folder;
+    Follower follower;
+};
+
+} // namespace
+
+TEST_F(MigrationObserver, isNotNeeded) {
+    folder.file("a", "x");
+    const ZQMigrationResult result =
+        ZQFileMigrator::migrateFile(folder / "a", folder / "new/b", {.createDestinationParentFolder = true});
+    EXPECT_EQ(result.code, kFileMigrationSuccess);
+    EXPECT_FALSE(result.isStopped);
+    EXPECT_EQ(result.destination, folder / "new/b");
+    EXPECT_FALSE(scene::stands(folder / "a"));
+    EXPECT_EQ(ZQFileMigrator::migrateFile(nullptr, "x", {}).code, kFileMigrationSourceNotSpecified);
+    EXPECT_EQ(ZQFileMigrator::migrateFolder("x", nullptr, {}).code, kFileMigrationDestinationNotSpecified);
+}
+
+TEST_F(MigrationObserver, hearsTheNameThatACopyGot) {
+    folder.file("a", "x");
+    folder.file("b.txt", "y");
+    const ZQMigrationResult result = ZQFileMigrator::migrateFile(
+        folder / "a", folder / "b.txt", {.keepOriginal = true, .renameIfDestinationExists = true}, &follower);
+    EXPECT_EQ(result.destination, folder / "b 1.txt");
+    EXPECT_EQ(follower.items, (scene::Words{"a"}));
+    EXPECT_EQ(follower.results, (scene::Words{"a 0 b 1.txt"}));
+}
+
+TEST_F(MigrationObserver, hearsOfItemsAndBytesInsideAFolder) {
+    folder.file("from/one", std::string(1000, 'x'));
+    folder.file("from/sub/two", std::string(3000000, 'y'));
+    EXPECT_EQ(ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &follower).code,
+              kFileMigrationSuccess);
+    EXPECT_EQ(follower.items.size(), 4U);
+    EXPECT_EQ(follower.items.front(), "from");
+    EXPECT_EQ(follower.bytes, 3001000U);
+    EXPECT_EQ(follower.results, (scene::Words{"from 0 to"}));
+}
+
+TEST_F(MigrationObserver, stopsAFolderAndLosesNothing) {
+    folder.file("from/one", "1");
+    folder.file("from/sub/two", "2");
+    const Digest before = contents();
+    follower.stopsBefore = "two";
+    const ZQMigrationResult result =
+        ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &follower);
+    EXPECT_EQ(result.code, kFileMigrationDestinationFolderWritingFailed);
+    EXPECT_TRUE(result.isStopped);
+    EXPECT_EQ(contents(), before);
+}
+
+TEST_F(MigrationObserver, stopsALargeFileInTheMiddle) {
+    folder.file("a", std::string(std::size_t{80} << 20, 'x'));
+    follower.stopsBeyond = std::uint64_t{20} << 20;
+    const ZQMigrationResult result = ZQFileMigrator::migrateFile(folder / "a", folder / "b", {}, &follower);
+    EXPECT_EQ(result.code, kFileMigrationDestinationFileWritingFailed);
+    EXPECT_TRUE(result.isStopped);
+    EXPECT_LT(follower.bytes, std::uint64_t{80} << 20);
+    EXPECT_EQ(contents().size(), 2U) << "nothing beside the source";
+}
+
+TEST_F(MigrationObserver, stopsBeforeAnythingHasHappened) {
+    folder.file("a", "x");
+    follower.stopsBefore = "a";
+    EXPECT_TRUE(ZQFileMigrator::migrateFile(folder / "a", folder / "new/b",
+                                            {.createDestinationParentFolder = true}, &follower)
+                    .isStopped);
+    EXPECT_EQ(contents().size(), 2U);
+}
+
+TEST_F(MigrationObserver, stopsABatchBetweenFiles) {
+    for (const char* name : {"a", "b", "c", "d"}) {
+        folder.file(std::string("from/") + name, name);
+    }
+    follower.stopsBefore = "c";
+    const ZQBatchMigrationResult result = ZQFileMigrator::migrateFiles(
+        nullptr, folder / "from", folder / "to", {.createDestinationParentFolder = true}, &follower);
+    EXPECT_TRUE(result.isStopped);
+    EXPECT_EQ(result.codes.count(), follower.results.size());
+    EXPECT_EQ(follower.items.size(), follower.results.size() + 1) << "the one in hand was not begun";
+    // What has a result was moved, the rest stays.
+    EXPECT_EQ(contents("from").size() - 1 + result.codes.count(), 4U);
+    EXPECT_EQ(contents("to").size(), result.codes.count() + 1);
+    EXPECT_TRUE(scene::stands(folder / "from/c"));
+}
+
+TEST_F(MigrationObserver, mayEndAMigrationByAnException) {
+    class Thrower : public ZQMigrationObserver {
+        bool migrationMayContinue(const ZQMigrationProgress& progress) override {
+            if (progress.items > 2) {
+                throw 7;
+            }
+            return true;
+        }
+    } thrower;
+    folder.file("from/sub/one", "1");
+    folder.file("from/sub/two", "2");
+    const Digest before = contents();
+    EXPECT_THROW(
+        static_cast<void>(ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &thrower)), int);
+    EXPECT_EQ(contents(), before);
+}

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// Migrations from and to file systems that a program serves, as network file systems are: reads that get less
+// than they asked for, no way to refuse replacing when renaming, no links, no locks, names without case.
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/migration/MigrationScene.h"
+#include "tests/migration/faults/Leftovers.h"
+#include "tests/migration/faults/ServedFolder.h"
+
+using faults::ServedTraits;
+using scene::creating;
+using scene::Detail;
+using scene::Digest;
+using scene::migrateFile;
+using scene::migrateFolder;
+using scene::overwriting;
+
+namespace {
+
+constexpr ServedTraits shortReads{true, false, false, false, false};
+constexpr ServedTraits poor{false, true, true, true, false};
+constexpr ServedTraits withoutCase{false, false, false, false, true};
+
+/// "there" is served from "backing", "here" is what the machine has.
+struct Places {
+    Places() {
+        for (const char* const name : {"here", "there", "backing"}) {
+            folder.folder(name);
+        }
+    }
+    std::string operator/(const std::string& name) const { return folder / name; }
+
+    /// A tree with files of many lengths, around those at which a copy changes its ways.
+    void makeTree(const std::string& place) const {
+        for (const std::size_t length :
+             {0, 1, 4095, 4096, 4097, 8192, 20000, 32767, 32768, 32769, 70000, 300001}) {
+            folder.file(place + "/sub/" + std::to_string(length), bytes(length));
+        }
+        folder.file(place + "/a.log", bytes(5000));
+        folder.file(place + "/sub/deeper/b.log", bytes(40000));
+        folder.link("sub/4096", place + "/link");
+    }
+    static std::string bytes(std::size_t length) {
+        std::string text(length, ' ');
+        for (std::size_t index = 0; index < length; ++index) {
+            text[index] = static_cast<char>('a' + index * 7 % 26);
+        }
+        return text;
+    }
+
+    scene::MigrationFolder folder;
+};
+
+/// The body where "there" is served; the test is skipped where that is not allowed.
+template <class Body>
+void withServed(const ServedTraits& traits, const Body& body) {
+    const Places places;
+    const int answer = scene::inOwnMounts([&] {
+        ::alarm(100);
+        const faults::ServedFolder served(places / "backing", places / "there", traits);
+        if (!served.isMounted()) {
+            scene::leave(77);
+        }
+        body(places);
+    });
+    if (answer == 77) {
+        GTEST_SKIP() << "this machine allows no file system served by a test";
+    }
+    EXPECT_EQ(answer, 0);
+}
+
+/// Moves one of each kind between the places, and compares contents.
+void moveAll(const Places& places, const std::string& from, const std::string& to) {
+    places.makeTree(from + "/tree");
+    const Digest tree = places.folder.digest(from + "/tree", Detail::contents);
+    EXPECT_EQ(migrateFolder(places / (from + "/tree"), places / (to + "/tree")), 0U);
+    EXPECT_FALSE(scene::stands(places / (from + "/tree")));
+    EXPECT_TRUE(places.folder.digest(to + "/tree", Detail::contents) == tree);
+
+    for (const std::size_t length : {0, 100, 5000, 32768, 100000}) {
+        const std::string file = "/file" + std::to_string(length);
+        places.folder.file(from + file, Places::bytes(length));
+        places.folder.file(to + file, "old");
+        EXPECT_EQ(migrateFile(places / (from + file), places / (to + file)), 30U);
+        EXPECT_EQ(migrateFile(places / (from + file), places / (to + file), overwriting), 0U) << length;
+        EXPECT_FALSE(scene::stands(places / (from + file)));
+        EXPECT_TRUE(scene::contentsOf(places / (to + file)) == Places::bytes(length)) << length;
+    }
+
+    places.makeTree(from + "/batch");
+    const auto codes = scene::migrateFiles("log", places / (from + "/batch"), places / (to + "/batch"),
+                                           scene::DotFiles::included, creating);
+    EXPECT_EQ(codes.condensedDescription(), "{ a.log = 0; sub/deeper/b.log = 0; }");
+    EXPECT_TRUE(scene::contentsOf(places / (to + "/batch/a.log")) == Places::bytes(5000));
+    EXPECT_TRUE(scene::contentsOf(places / (to + "/batch/sub/deeper/b.log")) == Places::bytes(40000));
+    EXPECT_FALSE(scene::stands(places / (from + "/batch/a.log")));
+    EXPECT_EQ(scene::Words{}, faults::leftoversBelow(places.folder.path()));
+}
+
+/// What is there already is neither replaced nor mixed with what comes.
+void expectRefusals(const Places& places) {
+    places.folder.file("here/file", "new");
+    places.folder.file("here/folder/inside", "new");
+    places.folder.file("there/taken/file", "old");
+    places.folder.file("there/taken/folder/inside", "old");
+    places.folder.folder("there/taken/empty");
+    EXPECT_EQ(migrateFile(places / "here/file", places / "there/taken/file"), 30U);
+    EXPECT_EQ(migrateFile(places / "here/file", places / "there/taken/empty", overwriting), 32U);
+    EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder"), 31U);
+    EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/empty"), 31U);
+    EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/file", overwriting), 33U);
+    EXPECT_EQ(scene::contentsOf(places / "there/taken/file"), "old");
+    EXPECT_EQ(scene::contentsOf(places / "there/taken/folder/inside"), "old");
+    EXPECT_EQ(scene::contentsOf(places / "here/file"), "new");
+    EXPECT_EQ(scene::contentsOf(places / "here/folder/inside"), "new");
+    EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder", scene::renaming), 0U);
+    EXPECT_EQ(scene::contentsOf(places / "there/taken/folder 1./inside"), "new");
+    EXPECT_EQ(scene::Words{}, faults::leftoversBelow(places.folder.path()));
+}
+
+} // namespace
+
+TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveWholeFiles) {
+    withServed(shortReads, [](const Places& places) { moveAll(places, "there", "here"); });
+}
+
+TEST(ServedFileSystems, thatAnswerReadsInPiecesGetWholeFiles) {
+    withServed(shortReads, [](const Places& places) { moveAll(places, "here", "there"); });
+}
+
+TEST(ServedFileSystems, thatAnswerReadsInPiecesMoveWholeFilesAmongThemselves) {
+    withServed(shortReads, [](const Places& places) {
+        places.folder.folder("there/from");
+        places.folder.folder("there/to");
+        moveAll(places, "there/from", "there/to");
+    });
+}
+
+TEST(ServedFileSystems, withoutRenameFlagsLinksAndLocksServeAllTheSame) {
+    withServed(poor, [](const Places& places) { moveAll(places, "there", "here"); });
+    withServed(poor, [](const Places& places) { moveAll(places, "here", "there"); });
+}
+
+TEST(ServedFileSystems, withoutRenameFlagsLinksAndLocksKeepWhatTheyHave) {
+    withServed(poor, [](const Places& places) { expectRefusals(places); });
+}
+
+TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
+    for (const bool keeps : {false, true}) {
+        withServed(withoutCase, [&](const Places& places) {
+            places.folder.file("here/batch/Notes.log", "from Notes.log");
+            places.folder.file("here/batch/NOTES.log", "from NOTES.log");
+            places.folder.file("here/batch/other.log", "other");
+            const auto codes = scene::migrateFiles("log", places / "here/batch", places / "there/batch",
+                                                   scene::DotFiles::included, {keeps, true, true, false});
+            const bool isFirst = codes.integerForKey("Notes.log") == 0;
+            const std::string arrived = isFirst ? "Notes.log" : "NOTES.log";
+            const std::string refused = isFirst ? "NOTES.log" : "Notes.log";
+            EXPECT_EQ(codes.integerForKey(arrived), 0);
+            EXPECT_EQ(codes.integerForKey(refused), 34);
+            EXPECT_EQ(codes.integerForKey("other.log"), 0);
+            EXPECT_EQ(scene::contentsOf(places / "there/batch/notes.log"), "from " + arrived);
+            EXPECT_EQ(scene::contentsOf(places / ("here/batch/" + refused)), "from " + refused);
+        });
+    }
+}

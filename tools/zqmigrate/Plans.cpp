@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// What a run would do as things are now, and where its files would be in each other's way.
+#include <map>
+
+#include <unistd.h>
+
+#include "migration/BatchMigration.h"
+#include "tools/zqmigrate/Run.h"
+#include "tools/zqmigrate/Text.h"
+
+namespace ZQFoundation::zqmigrate {
+
+namespace {
+
+using detail::BatchMigration;
+
+/// A name in a folder, whatever path leads there. Where folders are still to be made, the name begins with
+/// theirs.
+struct Place {
+    dev_t device;
+    ino_t inode;
+    std::string name;
+
+    auto operator<=>(const Place&) const = default;
+};
+
+Place placeOf(const std::string& path) {
+    for (std::size_t slash = path.rfind('/');; slash = path.rfind('/', slash - 1)) {
+        const bool isRelative = slash == std::string::npos;
+        struct stat folder {};
+        const std::string above = isRelative ? "." : path.substr(0, slash + 1);
+        if (::stat(above.c_str(), &folder) == 0 || isRelative || slash == 0) {
+            return {folder.st_dev, folder.st_ino, path.substr(isRelative ? 0 : slash + 1)};
+        }
+    }
+}
+
+/// Where a link leads; empty for what is none.
+std::string targetOfLink(const std::string& path) {
+    std::string text(4096, '\0');
+    const ssize_t length = ::readlink(path.c_str(), text.data(), text.size());
+    text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
+    return text.empty() || text[0] == '/' ? text : path.substr(0, path.rfind('/') + 1) + text;
+}
+
+/// Finds what one file of a batch does to the plans of others.
+class Conflicts {
+public:
+    explicit Conflicts(const Request& request) : request_(request) {}
+
+    void note(std::vector<Item>& items) {
+        for (const Item& item : items) {
+            originals_.emplace(placeOf(sourceOf(item)), &item);
+        }
+        const bool areOriginalsChanged = !request_.keepOriginal || request_.overwriteDestination;
+        for (Item& item : items) {
+            if (item.code == kFileMigrationSuccess && !take(placeOf(bytesOf(item.destination)))) {
+                item.note = "an earlier file of this run takes its destination";
+            } else if (areOriginalsChanged &&
+                       isOtherOriginal(bytesOf(request_.destinationOf(item.path)), item)) {
+                item.note = "its destination is an original of this run";
+            } else if (areOriginalsChanged && isOtherOriginal(targetOfLink(sourceOf(item)), item)) {
+                item.note = "it is a link to an original of this run";
+            }
+        }
+    }
+
+private:
+    std::string sourceOf(const Item& item) const {
+        return bytesOf(request_.source.stringByAppendingPathComponent(item.path));
+    }
+
+    bool isOtherOriginal(const std::string& path, const Item& item) const {
+        const auto found = path.empty() ? originals_.end() : originals_.find(placeOf(path));
+        return found != originals_.end() && found->second != &item;
+    }
+
+    /// False when the place, or that of a folder to be made above it, was taken before.
+    bool take(const Place& place) {
+        bool isFree = true;
+        for (std::size_t slash = place.name.find('/'); slash != std::string::npos;
+             slash = place.name.find('/', slash + 1)) {
+            const Place above{place.device, place.inode, place.name.substr(0, slash)};
+            isFree = isFree && taken_.emplace(above, true).first->second;
+        }
+        return taken_.emplace(place, false).second && isFree;
+    }
+
+    const Request& request_;
+    std::map<Place, const Item*> originals_;
+    std::map<Place, bool> taken_; ///< true for folders
+};
+
+/// Collects the plans of a batch.
+class Collector final : public BatchMigration::Observer {
+public:
+    explicit Collector(ZQMigrationObserver& observer) : observer_(observer) {}
+
+    bool willMigrate(const NSString& path) override {
+        return observer_.migrationMayContinue({path, ++count_, 0});
+    }
+    void didMigrate(const NSString& path, ZQFileMigrationRetvalType code,
+                    const NSString& destination) override {
+        items.push_back({path, code, destination, nullptr});
+    }
+    bool mayCopy(const std::string&) override { return true; }
+    bool mayGoOn(std::uint64_t) override { return true; }
+
+    std::vector<Item> items;
+
+private:
+    ZQMigrationObserver& observer_;
+    std::uint64_t count_ = 0;
+};
+
+} // namespace
+
+std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& observer) {
+    const detail::MigrationPolicy policy{request.keepOriginal, request.createDestinationParentFolder,
+                                         request.overwriteDestination, request.renameIfDestinationExists};
+    Collector collector(observer);
+    if (request.isBatch()) {
+        const BatchMigration::Wishes wishes{request.extension, request.source, request.destination,
+                                            request.includeDotFiles, policy};
+        BatchMigration(wishes, collector).plan();
+        Conflicts(request).note(collector.items);
+    } else if (collector.willMigrate(request.source)) {
+        detail::ItemPlace place;
+        place.open(bytesOf(request.source));
+        detail::DestinationFolder parent(request.destination.stringByDeletingLastPathComponent(), false);
+        const bool isFolder = request.operation == Operation::folder;
+        detail::ItemMigration migration(isFolder ? detail::folderKind : detail::fileKind, policy,
+                                        request.source, place, request.destination);
+        const detail::MigrationPlan& plan = migration.plan(parent);
+        collector.didMigrate(request.source, plan.code, plan.destination);
+    }
+    return collector.items;
+}
+
+} // namespace ZQFoundation::zqmigrate
