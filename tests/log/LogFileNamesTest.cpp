@@ -236,11 +236,9 @@ TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
                 ::close(file);
             }
         });
-        constexpr int wanted = 200;
-        int numbered = 0;
-        const std::time_t deadline = std::time(nullptr) + 60;
         const NSString named(scene / "logs");
-        while (numbered < wanted && std::time(nullptr) < deadline) {
+        // As often as the machine lets the file vanish between two looks: soon, or after some seconds.
+        for (int numbered = 0; numbered < 20;) {
             // The same coming and going in a folder that is named, or with none, leads to no number.
             EXPECT_EQ(newName(named), plain);
             EXPECT_EQ(newName(nullptr), plain);
@@ -258,7 +256,6 @@ TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
         }
         stop = true;
         toggling.join();
-        EXPECT_EQ(numbered, wanted) << "the file never vanished in time";
     });
 }
 
