@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/process/NSUserDefaults.h"
 
+#include "foundation/files/FileError.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/process/CommandLineDefaults.h"
+#include "foundation/process/DefaultsChanges.h"
 #include "foundation/process/DefaultsFiles.h"
+#include "foundation/process/DefaultsSaving.h"
 #include "foundation/process/LanguageSettings.h"
 #include "foundation/process/NSBundle.h"
 #include "foundation/process/NSProcessInfo.h"
@@ -25,23 +28,14 @@ constinit detail::DomainFile applicationFile;
 constinit detail::DomainFile globalFile;
 constinit std::atomic<const NSDictionary*> commandLine{nullptr};
 
-// What this process has set in the application's domain. The null object, which no property list holds,
-// stands for a removed key.
-constinit detail::Published<NSDictionary> applicationChanges;
+constinit detail::DefaultsChanges applicationChanges;
 constinit detail::Published<NSDictionary> registeredValues;
-constinit detail::Lock changeLock; // lets one change follow the other
+constinit detail::Lock registering; // lets one registration follow the other
+constinit detail::Lock saving;
 
-NSDictionary current(const detail::Published<NSDictionary>& values) {
-    return values.read([](const NSDictionary* known) { return known != nullptr ? *known : NSDictionary(); });
-}
-
-/// Replaces the published values by a changed copy of them.
-template <class Change>
-void change(detail::Published<NSDictionary>& values, const Change& apply) {
-    const detail::Guard<detail::Lock> guard(changeLock);
-    NSMutableDictionary changed(current(values));
-    apply(changed);
-    values.replace(new NSDictionary(changed.dictionary()));
+NSDictionary registered() {
+    return registeredValues.read(
+        [](const NSDictionary* known) { return known != nullptr ? *known : NSDictionary(); });
 }
 
 NSDictionary commandLineDomain() {
@@ -56,11 +50,12 @@ NSDictionary commandLineDomain() {
     return arguments.empty() ? values : detail::publishOnce(commandLine, new NSDictionary(values));
 }
 
-NSDictionary applicationFileValues() {
+std::string pathOfApplicationFile() {
     const NSString identifier = NSBundle::mainBundle().bundleIdentifier();
-    const NSString domain = identifier ? identifier : NSProcessInfo::processInfo().processName();
-    return applicationFile.values(detail::fileOfDomain(domain));
+    return detail::fileOfDomain(identifier ? identifier : NSProcessInfo::processInfo().processName());
 }
+
+NSDictionary applicationFileValues() { return applicationFile.values(pathOfApplicationFile()); }
 
 NSDictionary globalFileValues() { return globalFile.values(detail::fileOfDomain(globalDomain)); }
 
@@ -72,12 +67,9 @@ NSArray languages() {
     return result.array();
 }
 
-bool isRemoval(const NSObject& change) { return static_cast<bool>(change.as<NSNull>()); }
-
 NSObject applicationValue(StringView key) {
-    const NSObject changed = current(applicationChanges).objectForKey(key);
-    if (changed) {
-        return isRemoval(changed) ? NSObject() : changed;
+    if (const NSObject changed = applicationChanges.values().objectForKey(key)) {
+        return detail::isRemoval(changed) ? NSObject() : changed;
     }
     return applicationFileValues().objectForKey(key);
 }
@@ -97,24 +89,6 @@ void addMissing(NSMutableDictionary& merged, const NSDictionary& domain) {
             merged.setObject_forKey(entry.value, entry.key);
         }
     }
-}
-
-/// The application's file with this process's changes put in.
-NSDictionary applicationDomain() {
-    const NSDictionary changes = current(applicationChanges);
-    const NSDictionary file = applicationFileValues();
-    if (changes.count() == 0) {
-        return file;
-    }
-    NSMutableDictionary result(file ? file : NSDictionary::dictionary());
-    for (const NSDictionaryEntry& entry : changes) {
-        if (isRemoval(entry.value)) {
-            result.removeObjectForKey(entry.key);
-        } else {
-            result.setObject_forKey(entry.value, entry.key);
-        }
-    }
-    return result.dictionary();
 }
 
 void demandPropertyListValue(const NSObject& value, const NSObject& key) {
@@ -149,19 +123,19 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
     if (NSObject value = languageValue(key)) {
         return value;
     }
-    return current(registeredValues).objectForKey(key);
+    return registered().objectForKey(key);
 }
 
 NSDictionary NSUserDefaults::dictionaryRepresentation() const {
     const detail::CallerState callerState;
     NSMutableDictionary merged;
     addMissing(merged, commandLineDomain());
-    addMissing(merged, applicationDomain());
+    addMissing(merged, detail::withChanges(applicationFileValues(), applicationChanges.values()));
     addMissing(merged, globalFileValues());
     if (const NSArray known = languages(); known.count() > 0) {
         addMissing(merged, NSDictionary{{languagesKey, known}});
     }
-    addMissing(merged, current(registeredValues));
+    addMissing(merged, registered());
     return merged.dictionary();
 }
 
@@ -209,7 +183,7 @@ void NSUserDefaults::setObject_forKey(const NSObject& value, const NSString& key
     }
     const detail::CallerState callerState;
     demandPropertyListValue(value, key);
-    change(applicationChanges, [&](NSMutableDictionary& changes) { changes.setObject_forKey(value, key); });
+    applicationChanges.add(value, key);
 }
 
 void NSUserDefaults::removeObjectForKey(StringView key) {
@@ -217,8 +191,20 @@ void NSUserDefaults::removeObjectForKey(StringView key) {
         return;
     }
     const detail::CallerState callerState;
-    change(applicationChanges,
-           [&](NSMutableDictionary& changes) { changes.setObject_forKey(NSNull::null(), NSString(key)); });
+    applicationChanges.add(NSNull::null(), NSString(key));
+}
+
+bool NSUserDefaults::synchronize(NSString* error) {
+    const detail::CallerState callerState;
+    const detail::Guard<detail::Lock> guard(saving);
+    const detail::DefaultsChanges::Record changes = applicationChanges.own();
+    if (changes.values.count() != 0 &&
+        !detail::saveDefaults(pathOfApplicationFile(), changes.values, error)) {
+        return false;
+    }
+    applicationChanges.forget(changes);
+    detail::tellSuccess(error);
+    return true;
 }
 
 void NSUserDefaults::registerDefaults(const NSDictionary& values) {
@@ -230,11 +216,12 @@ void NSUserDefaults::registerDefaults(const NSDictionary& values) {
         }
         demandPropertyListValue(entry.value, entry.key);
     }
-    change(registeredValues, [&](NSMutableDictionary& registered) {
-        for (const NSDictionaryEntry& entry : values) {
-            registered.setObject_forKey(entry.value, entry.key);
-        }
-    });
+    const detail::Guard<detail::Lock> guard(registering);
+    NSMutableDictionary all(registered());
+    for (const NSDictionaryEntry& entry : values) {
+        all.setObject_forKey(entry.value, entry.key);
+    }
+    registeredValues.replace(new NSDictionary(all.dictionary()));
 }
 
 } // namespace ZQFoundation

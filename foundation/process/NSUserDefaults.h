@@ -12,16 +12,18 @@ namespace ZQFoundation {
 ///
 /// 1. the command line: `-TraceLevel 3`, `-Names "(a, b)"`;
 /// 2. the application's domain, named by the main bundle's identifier, else by the process: what this process
-/// has
-///    set, else the file `<domain>.plist`;
+///    has set, else the file `<domain>.plist`;
 /// 3. the global domain, the file `NSGlobalDomain.plist`;
 /// 4. the language settings: `AppleLanguages` from LANGUAGE, LC_ALL, LC_MESSAGES or LANG;
 /// 5. the values that the host has registered.
 ///
 /// The files stand in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property
-/// lists in any form. **They are never written:** what a process sets holds for that process only. A changed
-/// file is seen by the next look; a file that is absent, unreadable, too large (over 16 MiB), cut off or of
-/// the wrong type is passed over.
+/// lists in any form. A changed file is seen by the next look; a file that is absent, unreadable, too large
+/// (over 16 MiB), cut off or of the wrong type is ignored.
+///
+/// **Only `synchronize` writes.** What a process sets counts at once, for that process; nothing saves it when
+/// the process ends, and no thread does in between. A host that wants its settings to stay calls
+/// `synchronize` after a change, and before it ends.
 ///
 /// All operations may be called from any thread at any time: before `main`, in static destructors, and in a
 /// forked child whatever other threads were doing. They leave `errno` alone and follow the environment as it
@@ -58,14 +60,28 @@ public:
     float floatForKey(StringView key) const;
     double doubleForKey(StringView key) const;
 
-    /// Sets the value in the application's domain, for the life of this process and its later children.
-    /// Raises NSInvalidArgumentException for a nil key and for a value that no property list can hold; nil
-    /// removes the key.
+    /// Sets the value in the application's domain: in memory, for this process and its later children, until
+    /// `synchronize` saves it. Raises NSInvalidArgumentException for a nil key and for a value that no
+    /// property list can hold; nil removes the key.
     void setObject_forKey(const NSObject& value, const NSString& key);
 
-    /// The application's domain no longer has the key, for this process, whatever its file says. Other
-    /// domains may still answer.
+    /// The application's domain no longer has the key, for this process, whatever its file says, until
+    /// `synchronize` removes it there. Other domains may still answer.
     void removeObjectForKey(StringView key);
+
+    /// Saves what this process has set and removed in the application's domain since the last success: only
+    /// those keys change in the file, which is replaced in one step, and made with its folder when it is
+    /// missing. From then on the file answers for them. Other processes that do the same, and the tool
+    /// `defaults`, wait for one another by a lock on the folder, and none loses what another has written.
+    ///
+    /// False when it cannot be saved, with the reason in `*error`: the file is as it was, the changes are
+    /// still in memory, and a later call tries again. So it is when another program keeps the lock for half a
+    /// second, when a text holds a character that XML cannot hold (U+001B), when the file that is there
+    /// cannot be read as a dictionary, would be larger than 16 MiB, or the disk is full.
+    ///
+    /// Returns when the file is on the disk, so not for a moment at which nothing may wait. A forked child
+    /// saves only what it has changed itself; the rest is its parent's to save.
+    [[nodiscard]] bool synchronize(NSString* error = nullptr);
 
     /// Adds values that answer when no other domain does; a later registration of a key replaces the earlier
     /// one. Raises NSInvalidArgumentException for values that no property list can hold.

@@ -480,7 +480,7 @@ void useEverything() {
 
 } // namespace
 
-TEST_F(NSUserDefaultsTest, filesAreNeverWritten) {
+TEST_F(NSUserDefaultsTest, filesAreWrittenByNothingButSynchronize) {
     const std::string bytes = dictionaryFile(entry("Key", "x")) + "trailing rest\n";
     writeApplication(bytes);
     writeGlobal("{ broken");

@@ -76,6 +76,38 @@ TEST(DefaultsToolWriters, loseNoKeyOfOneAnother) {
     EXPECT_EQ(tool.entriesInFolder(), 1U) << "nothing but the domain";
 }
 
+TEST(DefaultsToolWriters, loseNoKeyOfProcessesThatSaveTheirOwn) {
+    const Tool tool;
+    constexpr int writers = 8;
+    constexpr int keys = 40;
+    std::vector<pid_t> children;
+    for (int writer = 0; writer < writers; ++writer) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::alarm(120);
+            const scene::Arguments name(detail::overrides::arguments, Words{"d"});
+            for (int key = 0; key < keys; ++key) {
+                NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+                defaults.setObject_forKey(key, NSString::stringWithFormat("Saved%d", writer * keys + key));
+                while (!defaults.synchronize()) { // a busy machine may keep others waiting for long
+                }
+            }
+            scene::leave(0);
+        }
+        children.push_back(child);
+    }
+    writeSideBySide(2, 30, [] {});
+    for (const pid_t child : children) {
+        EXPECT_TRUE(succeeds(child));
+    }
+    const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
+    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys + 60));
+    for (int key = 0; key < writers * keys; ++key) {
+        EXPECT_EQ(values.objectForKey(NSString::stringWithFormat("Saved%d", key)), NSObject(key % keys));
+    }
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "nothing but the domain";
+}
+
 #if __has_include(<linux/seccomp.h>)
 /// From here on this process and its children cannot lock whole files and folders, as on a network file
 /// system.

@@ -2,14 +2,16 @@
 #include "tools/defaults/DomainFile.h"
 
 #include <cerrno>
+#include <cstdio>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "foundation/files/StickyFolder.h"
+#include "foundation/plist/XmlText.h"
+#include "foundation/process/DictionaryFile.h"
 #include "tools/defaults/Failure.h"
-#include "tools/defaults/Files.h"
-#include "tools/defaults/XmlText.h"
+#include "tools/defaults/Text.h"
 
 namespace ZQFoundation::defaults {
 
@@ -17,6 +19,52 @@ using detail::Descriptor;
 using detail::GuardedPlace;
 
 namespace {
+
+/// Ends the command unless an operation succeeded.
+void demand(bool isDone, const NSString& error) {
+    if (!isDone) {
+        fail("%@", error);
+    }
+}
+
+[[noreturn]] void failWith(const std::string& path, int number) {
+    NSString error;
+    detail::refuseWith(&error, path, number);
+    fail("%@", error);
+}
+
+void sayThatItWaits(const std::string& path) {
+    if (::isatty(STDERR_FILENO) == 1) {
+        std::fprintf(stderr, "defaults: waiting for another writer of %s\n", onOneLine(path).c_str());
+    }
+}
+
+constexpr detail::LockWaiting waiting{10'000, sayThatItWaits};
+
+std::string xmlOf(const NSDictionary& dictionary) {
+    std::string bytes;
+    NSString error;
+    demand(detail::getXmlText(dictionary, bytes, &error), error);
+    return bytes;
+}
+
+NSDictionary dictionaryFrom(const Descriptor& file, const std::string& path) {
+    NSDictionary values;
+    NSString error;
+    demand(detail::readDictionary(file, path, values, &error), error);
+    return values;
+}
+
+/// A pipe whose reader is gone ends the program like any other.
+void writeAll(int file, const std::string& bytes, const std::string& path) {
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t count = ::write(file, bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno != EINTR) {
+            failWith(path, errno);
+        }
+        written += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+}
 
 bool getInformation(const GuardedPlace& place, struct stat& item, struct stat& folder) noexcept {
     return ::fstat(place.folder.number(), &folder) == 0 &&
@@ -35,7 +83,7 @@ Descriptor openForWriting(const GuardedPlace& place, const std::string& path) {
         failWith(path, EACCES);
     }
     // Of an open file the name stands for what is written next, which is at its end.
-    Descriptor file = openPlace(place, O_WRONLY | (place.isObjectLink ? O_APPEND : 0));
+    Descriptor file = detail::openPlace(place, O_WRONLY | (place.isObjectLink ? O_APPEND : 0));
     if (!file || ::fstat(file.number(), &item) != 0) {
         failWith(path, errno);
     }
@@ -55,7 +103,33 @@ NSDictionary readDomain(const Domain& domain) {
         }
         failWith(domain.path, errno);
     }
-    return dictionaryAt(place, domain.path);
+    NSDictionary values;
+    NSString error;
+    demand(detail::readDictionaryAt(place, domain.path, values, &error), error);
+    return values;
+}
+
+LockedDomain::LockedDomain(const Domain& domain) {
+    using Folder = detail::LockedFile::Folder;
+    NSString error;
+    demand(file_.open(domain.path, domain.isNamed ? Folder::make : Folder::demand, waiting, &error), error);
+}
+
+NSDictionary LockedDomain::read() const {
+    NSDictionary values;
+    NSString error;
+    demand(file_.read(values, &error), error);
+    return values;
+}
+
+void LockedDomain::replace(const NSDictionary& dictionary) const {
+    NSString error;
+    demand(file_.replace(dictionary, &error), error);
+}
+
+void LockedDomain::remove() const {
+    NSString error;
+    demand(file_.remove(&error), error);
 }
 
 NSDictionary readDictionary(const std::string& path) {
@@ -66,7 +140,7 @@ NSDictionary readDictionary(const std::string& path) {
     GuardedPlace place;
     Descriptor file;
     if (detail::reachGuarded(path, place)) {
-        file = openPlace(place, O_RDONLY);
+        file = detail::openPlace(place, O_RDONLY);
     }
     if (!file) {
         failWith(path, errno);
@@ -75,7 +149,7 @@ NSDictionary readDictionary(const std::string& path) {
 }
 
 void removeDomain(const Domain& domain) {
-    const LockedFile file(domain);
+    const LockedDomain file(domain);
     if (!file.read()) {
         fail("there is no domain %@", domain.name);
     }
@@ -98,7 +172,7 @@ void writeDictionary(const NSDictionary& dictionary, const std::string& path) {
         failWith(path, errno);
     }
     if (!exists || S_ISREG(item.st_mode)) {
-        const LockedFile file({path, path, false});
+        const LockedDomain file({path, path, false});
         file.replace(dictionary);
         return;
     }

@@ -3,7 +3,9 @@
 #ifndef ZQFOUNDATION_DEFAULTS_DOMAINFILE_H
 #define ZQFOUNDATION_DEFAULTS_DOMAINFILE_H
 
-#include "tools/defaults/LockedFile.h"
+#include "foundation/objects/NSDictionary.h"
+#include "foundation/process/LockedFile.h"
+#include "tools/defaults/Domains.h"
 
 namespace ZQFoundation::defaults {
 
@@ -31,9 +33,23 @@ void removeDomain(const Domain& domain);
 /// Writes the dictionary as XML to a file, which is replaced, to a pipe or a device; "-" for standard output.
 void writeDictionary(const NSDictionary& dictionary, const std::string& path);
 
+/// The file of a domain, locked against other writers as long as this lives. Everything fails with a message.
+class LockedDomain {
+public:
+    explicit LockedDomain(const Domain& domain);
+
+    /// Nil when there is no file.
+    NSDictionary read() const;
+    void replace(const NSDictionary& dictionary) const;
+    void remove() const;
+
+private:
+    detail::LockedFile file_;
+};
+
 template <class Change>
 void changeDomain(const Domain& domain, const Change& change) {
-    const LockedFile file(domain);
+    const LockedDomain file(domain);
     const NSDictionary before = file.read();
     file.replace(change(before ? before : NSDictionary::dictionary()));
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/defaults/XmlText.h"
+#include "foundation/plist/XmlText.h"
 
 #include <vector>
 
@@ -7,18 +7,17 @@
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
 #include "foundation/plist/ValueWalk.h"
-#include "tools/defaults/Failure.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::detail {
 
 namespace {
 
-using Event = detail::ValueWalk::Event;
+using Event = ValueWalk::Event;
 
 /// Where a walk is: the keys and indexes that lead there.
 class Place {
 public:
-    void follow(const detail::ValueWalk& walk) {
+    void follow(const ValueWalk& walk) {
         if (walk.event() == Event::close) {
             levels_.pop_back();
             return;
@@ -60,14 +59,14 @@ bool mayStandInXml(char16_t unit) noexcept {
     return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
 }
 
-bool isPairAt(const detail::NormalizedText& text, std::size_t index) noexcept {
+bool isPairAt(const NormalizedText& text, std::size_t index) noexcept {
     return index + 1 < text.length() && (text[index] & 0xFC00) == 0xD800 &&
            (text[index + 1] & 0xFC00) == 0xDC00;
 }
 
 /// The first unit of the text that XML cannot hold; false when it can hold all.
 bool findUnfit(const NSString& string, char16_t& unit) {
-    const detail::NormalizedText text(string);
+    const NormalizedText text(string);
     for (std::size_t i = 0; i < text.length(); ++i) {
         unit = text[i];
         if (isPairAt(text, i)) {
@@ -79,31 +78,42 @@ bool findUnfit(const NSString& string, char16_t& unit) {
     return false;
 }
 
-void demandFitTexts(const NSDictionary& dictionary) {
-    detail::ValueWalk walk(dictionary);
+bool areTextsFit(const NSDictionary& dictionary, NSString* error) {
+    ValueWalk walk(dictionary);
     Place place;
     char16_t unit = 0;
     while (walk.next()) {
         place.follow(walk);
         const bool isText = walk.event() == Event::scalar || walk.event() == Event::key;
         if (isText && findUnfit(NSString(walk.value()), unit)) {
-            fail("%@ holds the character U+%04X, which cannot be written to a property list", place.text(),
-                 static_cast<unsigned>(unit));
+            if (error != nullptr) {
+                *error = NSString::stringWithFormat(
+                    "%@ holds the character U+%04X, which cannot be written to a property list", place.text(),
+                    static_cast<unsigned>(unit));
+            }
+            return false;
         }
     }
+    return true;
 }
 
 } // namespace
 
-std::string xmlOf(const NSDictionary& dictionary) {
-    demandFitTexts(dictionary);
+bool getXmlText(const NSDictionary& dictionary, std::string& bytes, NSString* error) {
+    if (!areTextsFit(dictionary, error)) {
+        return false;
+    }
     NSString reason;
     const NSData data = NSPropertyListSerialization::dataWithPropertyList_format(
         dictionary, NSPropertyListXMLFormat_v1_0, &reason);
     if (!data) {
-        fail("this cannot be written: %@", reason);
+        if (error != nullptr) {
+            *error = NSString::stringWithFormat("this cannot be written: %@", reason);
+        }
+        return false;
     }
-    return std::string(reinterpret_cast<const char*>(data.bytes()), data.length());
+    bytes.assign(reinterpret_cast<const char*>(data.bytes()), data.length());
+    return true;
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::detail

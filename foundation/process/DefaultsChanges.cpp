@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/DefaultsChanges.h"
+
+#include "foundation/objects/NSNumber.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// The upper half says which process of a line of forked ones made the change.
+std::uint64_t numberOf(std::uint32_t count) noexcept {
+    return std::uint64_t{system::forkGeneration()} << 32 | count;
+}
+
+bool isOwn(const NSNumber& number) {
+    return number.unsignedLongLongValue() >> 32 == system::forkGeneration();
+}
+
+} // namespace
+
+bool isRemoval(const NSObject& change) { return static_cast<bool>(change.as<NSNull>()); }
+
+NSDictionary withChanges(const NSDictionary& file, const NSDictionary& changes) {
+    if (changes.count() == 0) {
+        return file;
+    }
+    NSMutableDictionary result(file ? file : NSDictionary::dictionary());
+    for (const NSDictionaryEntry& entry : changes) {
+        if (isRemoval(entry.value)) {
+            result.removeObjectForKey(entry.key);
+        } else {
+            result.setObject_forKey(entry.value, entry.key);
+        }
+    }
+    return result.dictionary();
+}
+
+DefaultsChanges::Record DefaultsChanges::all() const {
+    return published_.read([](const Record* known) { return known != nullptr ? *known : Record(); });
+}
+
+NSDictionary DefaultsChanges::values() const { return all().values; }
+
+void DefaultsChanges::add(const NSObject& value, const NSString& key) {
+    const Guard<Lock> guard(changing_);
+    const Record before = all();
+    NSMutableDictionary values(before.values);
+    NSMutableDictionary numbers(before.numbers);
+    values.setObject_forKey(value, key);
+    numbers.setObject_forKey(numberOf(++count_), key);
+    published_.replace(new Record{values.dictionary(), numbers.dictionary()});
+}
+
+DefaultsChanges::Record DefaultsChanges::own() const {
+    const Record changes = all();
+    NSMutableDictionary values;
+    NSMutableDictionary numbers;
+    for (const NSDictionaryEntry& entry : changes.numbers) {
+        if (isOwn(NSNumber(entry.value))) {
+            values.setObject_forKey(changes.values.objectForKey(entry.key), entry.key);
+            numbers.setObject_forKey(entry.value, entry.key);
+        }
+    }
+    return {values.dictionary(), numbers.dictionary()};
+}
+
+void DefaultsChanges::forget(const Record& saved) {
+    const Guard<Lock> guard(changing_);
+    const Record before = all();
+    NSMutableDictionary values(before.values);
+    NSMutableDictionary numbers(before.numbers);
+    for (const NSDictionaryEntry& entry : saved.numbers) {
+        if (numbers.objectForKey(entry.key) == entry.value) {
+            values.removeObjectForKey(entry.key);
+            numbers.removeObjectForKey(entry.key);
+        }
+    }
+    published_.replace(new Record{values.dictionary(), numbers.dictionary()});
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/DictionaryFile.h"
+
+#include <cerrno>
+
+#include <sys/stat.h>
+
+#include "foundation/files/FileError.h"
+#include "foundation/objects/NSData.h"
+#include "foundation/plist/NSPropertyListSerialization.h"
+#include "foundation/process/FileReading.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+bool readBytes(const Descriptor& file, const std::string& path, std::string& bytes, NSString* error) {
+    char buffer[1 << 14];
+    for (;;) {
+        const ssize_t count = ::read(file.number(), buffer, sizeof buffer);
+        if (count == 0) {
+            return true;
+        }
+        if (count < 0 && errno != EINTR) {
+            return refuseWith(error, path, errno);
+        }
+        bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
+        // What the library would not read is not to be written either.
+        if (bytes.size() > static_cast<std::size_t>(largestFile)) {
+            return refuse(error, "%@ is larger than %ld bytes", path, largestFile);
+        }
+    }
+}
+
+} // namespace
+
+bool refuseWith(NSString* error, const std::string& path, int number) {
+    tellErrorOfBytes(error, path, number);
+    return false;
+}
+
+bool readDictionary(const Descriptor& file, const std::string& path, NSDictionary& values, NSString* error) {
+    std::string bytes;
+    if (!readBytes(file, path, bytes, error)) {
+        return false;
+    }
+    NSString reason;
+    const NSObject value = NSPropertyListSerialization::propertyListWithData(
+        NSData::dataWithBytes_length(bytes.data(), bytes.size()), &reason);
+    if (!value) {
+        return refuse(error, "%@ is no property list: %@", path, reason);
+    }
+    values = NSDictionary(value);
+    return values ? true : refuse(error, "%@ holds no dictionary", path);
+}
+
+bool readDictionaryAt(const GuardedPlace& place, const std::string& path, NSDictionary& values,
+                      NSString* error) {
+    values = nullptr;
+    const Descriptor file = openPlace(place, O_RDONLY | O_NONBLOCK); // a pipe would keep us waiting
+    if (!file) {
+        return errno == ENOENT || refuseWith(error, path, errno);
+    }
+    struct stat information;
+    if (::fstat(file.number(), &information) != 0) {
+        return refuseWith(error, path, errno);
+    }
+    if (!S_ISREG(information.st_mode)) {
+        return refuse(error, "%@ is no regular file", path);
+    }
+    return readDictionary(file, path, values, error);
+}
+
+Descriptor openPlace(const GuardedPlace& place, int flags) noexcept {
+    const int always = O_CLOEXEC | O_NOCTTY | (place.isObjectLink ? 0 : O_NOFOLLOW);
+    return Descriptor(openAt(place.folder.number(), place.name.c_str(), flags | always));
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/LockedFile.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include "foundation/files/NSFileManager.h"
+#include "foundation/files/StickyFolder.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/plist/XmlText.h"
+#include "foundation/process/DictionaryFile.h"
+#include "foundation/process/FileReading.h"
+#include "foundation/system/FileSystem.h"
+#include "foundation/system/FolderNames.h"
+#include "foundation/system/WholeWrite.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// In front of a number; only a writer that was killed leaves such a file.
+constexpr const char* temporaryStart = ".defaults.new-";
+
+/// Stays where it is once made: whoever removed it might remove the one that another writer has just locked.
+constexpr const char* lockName = ".defaults.lock";
+
+/// Puts off all signals of this thread that can be, so that none ends a program between the making of a
+/// temporary file and its renaming or removal.
+class SignalsPutOff {
+public:
+    SignalsPutOff() noexcept {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    SignalsPutOff(const SignalsPutOff&) = delete;
+    SignalsPutOff& operator=(const SignalsPutOff&) = delete;
+    ~SignalsPutOff() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+private:
+    sigset_t before_;
+};
+
+class Waiting {
+public:
+    Waiting(const LockWaiting& waiting, const std::string& path) noexcept : waiting_(waiting), path_(path) {}
+
+    bool wait(NSString* error) {
+        if (waited_ == 3000 && waiting_.notice != nullptr) {
+            waiting_.notice(path_);
+        }
+        if (waited_ >= waiting_.milliseconds) {
+            return refuse(error,
+                          "%@ cannot be changed: another program has kept its folder locked for %g seconds",
+                          path_, waiting_.milliseconds / 1000.0);
+        }
+        waited_ += pauseInMilliseconds;
+        const timespec shortly{0, pauseInMilliseconds * 1'000'000};
+        ::nanosleep(&shortly, nullptr);
+        return true;
+    }
+
+private:
+    static constexpr int pauseInMilliseconds = 20;
+
+    const LockWaiting& waiting_;
+    const std::string& path_;
+    int waited_ = 0;
+};
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash == 0 ? 1 : slash);
+}
+
+bool makeFolder(const std::string& path, NSString* error) {
+    const NSDictionary privately{{NSFilePosixPermissions, 0700}};
+    return NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
+        NSString::stringWithFileSystemBytes(path.data(), path.size()), true, privately, error);
+}
+
+} // namespace
+
+/// A child that was forked meanwhile has the open folder too, and would keep the lock.
+LockedFile::~LockedFile() {
+    if (isFolderLocked_) {
+        ::flock(folder_.number(), LOCK_UN);
+    }
+}
+
+bool LockedFile::open(const std::string& path, Folder folder, const LockWaiting& waiting, NSString* error) {
+    path_ = path;
+    if (!openFolder(folder, error) || !lockFolder(waiting, error) || !look(error)) {
+        return false;
+    }
+    removeLeftovers();
+    return true;
+}
+
+bool LockedFile::openFolder(Folder folder, NSString* error) {
+    bool isReached = reachGuarded(path_, place_);
+    if (!isReached && errno == ENOENT && folder == Folder::make) {
+        if (!makeFolder(folderOf(path_), error)) { // this one; where a link leads nothing is made
+            return false;
+        }
+        isReached = reachGuarded(path_, place_);
+    }
+    if (isReached) {
+        folder_ = Descriptor(openAt(place_.folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    }
+    return folder_ ? true : refuseWith(error, path_, errno);
+}
+
+/// The folder is what stays when files are replaced, so it bears the lock. Network file systems lock only
+/// what is open for writing, which no folder can be.
+bool LockedFile::lockFolder(const LockWaiting& waiting, NSString* error) {
+    Waiting turn(waiting, path_);
+    while (::flock(folder_.number(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR) {
+            return lockFileInFolder(waiting, error);
+        }
+        if (!turn.wait(error)) {
+            return false;
+        }
+    }
+    isFolderLocked_ = true;
+    return true;
+}
+
+bool LockedFile::lockFileInFolder(const LockWaiting& waiting, NSString* error) {
+    lockFile_ = Descriptor(
+        openAt(folder_.number(), lockName, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0600));
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    Waiting turn(waiting, path_);
+    while (!lockFile_ || ::fcntl(lockFile_.number(), F_SETLK, &whole) != 0) {
+        if (!lockFile_ || (errno != EAGAIN && errno != EACCES && errno != EINTR)) {
+            return refuseWith(error, folderOf(path_) + "/" + lockName, errno);
+        }
+        if (!turn.wait(error)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Under the lock, so that what is seen is what will be replaced.
+bool LockedFile::look(NSString* error) {
+    struct stat folder;
+    exists_ = ::fstatat(folder_.number(), place_.name.c_str(), &before_, AT_SYMLINK_NOFOLLOW) == 0;
+    if ((!exists_ && errno != ENOENT) || ::fstat(folder_.number(), &folder) != 0) {
+        return refuseWith(error, path_, errno);
+    }
+    if (exists_ && !mayWriteItem(before_, folder)) {
+        return refuseWith(error, path_, EACCES);
+    }
+    return !exists_ || S_ISREG(before_.st_mode) || refuse(error, "%@ is no regular file", path_);
+}
+
+/// Under the lock nobody else is writing, so what looks like a temporary file was left by a writer that was
+/// killed.
+void LockedFile::removeLeftovers() const {
+    FolderNames names;
+    if (!names.read(folder_.number())) {
+        return;
+    }
+    while (!names.isAtEnd()) {
+        const char* const name = names.next().name;
+        if (std::strncmp(name, temporaryStart, std::strlen(temporaryStart)) == 0) {
+            ::unlinkat(folder_.number(), name, 0);
+        }
+    }
+}
+
+bool LockedFile::read(NSDictionary& values, NSString* error) const {
+    return readDictionaryAt(place_, path_, values, error);
+}
+
+/// Those of the file that is to be replaced, as far as they may be given. Members of another group than
+/// before must not come by what the old group was permitted. False with `errno`.
+bool LockedFile::keepOwnerAndPermissions(int file) const noexcept {
+    if (!exists_) {
+        return true;
+    }
+    mode_t mode = before_.st_mode & 0777;
+    // The owner first, for a change of it takes permissions away.
+    if (::fchown(file, before_.st_uid, before_.st_gid) != 0 &&
+        ::fchown(file, static_cast<uid_t>(-1), before_.st_gid) != 0) {
+        mode &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    return ::fchmod(file, mode) == 0;
+}
+
+/// False with `errno`.
+bool LockedFile::writeTemporary(const std::string& temporary, const std::string& bytes) const noexcept {
+    Descriptor file(openAt(folder_.number(), temporary.c_str(),
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    return file && writeWhole(file.number(), bytes.data(), bytes.size()) &&
+           keepOwnerAndPermissions(file.number()) && ::fsync(file.number()) == 0 &&
+           ::close(file.release()) == 0;
+}
+
+bool LockedFile::replace(const NSDictionary& dictionary, NSString* error) const {
+    std::string bytes;
+    if (!getXmlText(dictionary, bytes, error)) {
+        return false;
+    }
+    if (bytes.size() > static_cast<std::size_t>(largestFile)) {
+        return refuse(error, "%@ would be larger than %ld bytes", path_, largestFile);
+    }
+    std::string temporary = temporaryStart;
+    temporary.append(std::to_string(system::freshRandomNumber()));
+    const SignalsPutOff signals;
+    if (!writeTemporary(temporary, bytes) ||
+        ::renameat(folder_.number(), temporary.c_str(), folder_.number(), place_.name.c_str()) != 0) {
+        const int number = errno;
+        ::unlinkat(folder_.number(), temporary.c_str(), 0);
+        return refuseWith(error, path_, number);
+    }
+    ::fsync(folder_.number()); // the file is in its place whatever this says
+    return true;
+}
+
+bool LockedFile::remove(NSString* error) const {
+    if (::unlinkat(folder_.number(), place_.name.c_str(), 0) != 0) {
+        return refuseWith(error, path_, errno);
+    }
+    ::fsync(folder_.number());
+    return true;
+}
+
+} // namespace ZQFoundation::detail

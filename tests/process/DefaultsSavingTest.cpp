@@ -1,0 +1,314 @@
+// SPDX-License-Identifier: MIT
+// Settings that a process saves with `synchronize`.
+#include "foundation/process/DefaultsSaving.h"
+
+#include <csignal>
+
+#include <sys/file.h>
+#include <sys/resource.h>
+
+#include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDate.h"
+#include "foundation/objects/NSNumber.h"
+#include "foundation/process/NSUserDefaults.h"
+#include "tests/process/Scene.h"
+
+#if __has_include(<linux/seccomp.h>)
+#include "tests/process/RefusedCalls.h"
+#endif
+
+using namespace ZQFoundation;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+NSUserDefaults& defaults() { return NSUserDefaults::standardUserDefaults(); }
+
+/// A program "Viewer" whose defaults stand in a scratch folder, with nothing left to save from other tests.
+class DefaultsSaving : public testing::Test {
+protected:
+    void SetUp() override { saveElsewhere(); }
+    void TearDown() override {
+        for (const char* const key : {"Saved", "Unfit"}) {
+            defaults().removeObjectForKey(key);
+        }
+        saveElsewhere();
+    }
+
+    void saveElsewhere() const {
+        const scene::Path other(detail::overrides::defaultsFolder, folder / "other");
+        EXPECT_TRUE(defaults().synchronize());
+    }
+
+    /// Expects that saving fails for a reason that holds the text, and leaves the file as it was.
+    void expectRefusal(const std::string& reason) const {
+        const std::string before = scene::contentsOf(file());
+        NSString error;
+        errno = 4321;
+        EXPECT_FALSE(defaults().synchronize(&error));
+        EXPECT_EQ(errno, 4321);
+        EXPECT_NE(error.utf8().find(reason), std::string::npos) << error.utf8();
+        EXPECT_FALSE(defaults().synchronize()) << "nobody has to ask for the reason";
+        EXPECT_EQ(scene::contentsOf(file()), before);
+        EXPECT_EQ(entries(), 1U) << "nothing but the file";
+    }
+
+    NSDictionary saved() const { return NSDictionary::dictionaryWithContentsOfFile(file()); }
+    std::string file() const { return folder / "store/Viewer.plist"; }
+
+    std::size_t entries() const {
+        std::size_t count = 0;
+        DIR* const listing = ::opendir((folder / "store").c_str());
+        while (const dirent* const entry = listing != nullptr ? ::readdir(listing) : nullptr) {
+            count += std::string(entry->d_name).find_first_not_of('.') != std::string::npos ? 1 : 0;
+        }
+        if (listing != nullptr) {
+            ::closedir(listing);
+        }
+        return count;
+    }
+
+    const scene::Folder folder;
+    const scene::NoLanguages languages{};
+    const scene::Path store{detail::overrides::defaultsFolder, folder / "store"};
+    const scene::Path program{detail::overrides::executablePath, folder / "bin/Viewer"};
+    const scene::Arguments arguments{detail::overrides::arguments, Words{"/x/Viewer"}};
+};
+
+mode_t modeOf(const std::string& path) {
+    struct stat information {};
+    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
+    return information.st_mode & 07777;
+}
+
+} // namespace
+
+TEST_F(DefaultsSaving, keepsValuesOfEveryKindForTheNextProcess) {
+    const NSDictionary values{{"Text", "a < b & c\nd"},
+                              {"Number", std::int64_t{-9223372036854775807}},
+                              {"Real", 0.1},
+                              {"Flag", true},
+                              {"Date", NSDate::dateWithTimeIntervalSince1970(1e9)},
+                              {"Data", NSData::dataWithBytes_length("\0\xFF", 2)},
+                              {"List", NSArray{1, NSDictionary{{"k", "v"}}}}};
+    for (const NSDictionaryEntry& entry : values) {
+        defaults().setObject_forKey(entry.value, NSString(entry.key));
+    }
+    EXPECT_EQ(::access(file().c_str(), F_OK), -1) << "setting alone writes nothing";
+    NSString error = "old";
+    EXPECT_TRUE(defaults().synchronize(&error));
+    EXPECT_FALSE(error);
+    EXPECT_EQ(saved(), values);
+    EXPECT_TRUE(NSNumber(saved().objectForKey("Flag")).isBoolean());
+    EXPECT_EQ(modeOf(file()), 0600U);
+    EXPECT_EQ(modeOf(folder / "store"), 0700U);
+}
+
+TEST_F(DefaultsSaving, changesOnlyTheKeysThatThisProcessChanged) {
+    folder.write("store/Viewer.plist", "{ Saved = old; Removed = old; Kept = old; }");
+    defaults().setObject_forKey("new", "Saved");
+    defaults().removeObjectForKey("Removed");
+    folder.write("store/Viewer.plist", "{ Saved = old; Removed = old; Kept = newer; Added = x; }");
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(saved(), (NSDictionary{{"Saved", "new"}, {"Kept", "newer"}, {"Added", "x"}}));
+}
+
+TEST_F(DefaultsSaving, leavesTheAnswerToTheFileAfterwards) {
+    defaults().setObject_forKey("mine", "Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("mine"));
+    folder.write("store/Viewer.plist", "{ Saved = theirs; }");
+    EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("theirs"));
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(scene::contentsOf(file()), "{ Saved = theirs; }") << "nothing to save, nothing written";
+}
+
+TEST_F(DefaultsSaving, makesNoFileForRemovalsAndForNothing) {
+    EXPECT_TRUE(defaults().synchronize());
+    defaults().removeObjectForKey("Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(::access((folder / "store").c_str(), F_OK), -1);
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    defaults().removeObjectForKey("Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(scene::contentsOf(file()), "{ Kept = x; }");
+}
+
+TEST_F(DefaultsSaving, refusesWhatXmlCannotHoldAndKeepsItInMemory) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    defaults().setObject_forKey(NSArray{"fit", "un\x1B"}, "Unfit");
+    defaults().setObject_forKey("new", "Saved");
+    expectRefusal("Unfit[1] holds the character U+001B");
+    EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("new"));
+    defaults().setObject_forKey("fit", "Unfit");
+    EXPECT_TRUE(defaults().synchronize()) << "a later call tries again";
+    EXPECT_EQ(saved(), (NSDictionary{{"Kept", "x"}, {"Unfit", "fit"}, {"Saved", "new"}}));
+}
+
+TEST_F(DefaultsSaving, neverReplacesWhatItCannotRead) {
+    for (const char* const bytes : {"{ broken", "( array )", ""}) {
+        folder.write("store/Viewer.plist", bytes);
+        defaults().setObject_forKey("new", "Saved");
+        expectRefusal("Viewer.plist");
+    }
+}
+
+TEST_F(DefaultsSaving, makesNoFileThatWouldBeTooLargeToRead) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    defaults().setObject_forKey(std::string((16 << 20) + 1, 'x'), "Saved");
+    expectRefusal("would be larger");
+}
+
+TEST_F(DefaultsSaving, leavesTheOldFileAndRaisesNoSignalWhereTheNewOneDoesNotFit) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    defaults().setObject_forKey(std::string(100'000, 'x'), "Saved");
+    const rlimit lowered{4096, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &lowered), 0);
+    expectRefusal("Viewer.plist");
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    EXPECT_TRUE(defaults().synchronize());
+}
+
+TEST_F(DefaultsSaving, writesThroughALinkAndKeepsPermissions) {
+    const std::string target = folder.write("dotfiles/viewer", "{ Kept = x; }");
+    ASSERT_EQ(::chmod(target.c_str(), 0640), 0);
+    folder.makeFolder("store");
+    ASSERT_EQ(::symlink("../dotfiles/viewer", file().c_str()), 0);
+    defaults().setObject_forKey("new", "Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    struct stat link {};
+    ASSERT_EQ(::lstat(file().c_str(), &link), 0);
+    EXPECT_TRUE(S_ISLNK(link.st_mode));
+    EXPECT_EQ(NSDictionary::dictionaryWithContentsOfFile(target),
+              (NSDictionary{{"Kept", "x"}, {"Saved", "new"}}));
+    EXPECT_EQ(modeOf(target), 0640U);
+}
+
+TEST_F(DefaultsSaving, followsNoLinkThatAnotherUserPlantedInASharedFolder) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can act as two users";
+    }
+    const std::string precious = folder.write("precious.plist", "{ Precious = x; }");
+    ASSERT_EQ(::chmod(folder.makeFolder("store").c_str(), 01777), 0);
+    ASSERT_EQ(::symlink(precious.c_str(), file().c_str()), 0);
+    ASSERT_EQ(::lchown(file().c_str(), 65534, 65534), 0);
+    defaults().setObject_forKey("new", "Saved");
+    expectRefusal("ermission");
+    EXPECT_EQ(scene::contentsOf(precious), "{ Precious = x; }");
+}
+
+TEST_F(DefaultsSaving, failsWhereItMayNotWriteAndWithoutAFolder) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    ASSERT_EQ(::chmod((folder / "store").c_str(), 0555), 0);
+    EXPECT_EQ(scene::inUnprivilegedChild([] {
+                  defaults().setObject_forKey("new", "Saved");
+                  return defaults().synchronize() ? 1 : 0;
+              }),
+              0);
+    const scene::Path nowhere(detail::overrides::defaultsFolder, "");
+    NSString error;
+    defaults().setObject_forKey("new", "Saved");
+    EXPECT_FALSE(defaults().synchronize(&error));
+    EXPECT_TRUE(error);
+}
+
+#if __has_include(<linux/seccomp.h>)
+TEST_F(DefaultsSaving, givesUpOnALockThatIsNotGivenBack) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    const int held = ::open((folder / "store").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(60);
+        // Sleeping takes no time here.
+        const bool isReady = scene::refuseCall(SYS_clock_nanosleep, 0) && scene::refuseCall(SYS_nanosleep, 0);
+        NSString error;
+        defaults().setObject_forKey("new", "Saved");
+        const bool isSaved = defaults().synchronize(&error);
+        scene::leave(isReady && !isSaved && error.containsString("locked for 0.5 seconds") ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(scene::contentsOf(file()), "{ Kept = x; }");
+    ::close(held);
+}
+#endif
+
+TEST_F(DefaultsSaving, inAForkedChildIsForWhatTheChildHasChanged) {
+    defaults().setObject_forKey("parent's", "Saved");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(60);
+        const bool sees = defaults().objectForKey("Saved") == NSObject("parent's");
+        defaults().setObject_forKey("child's", "Child");
+        const bool isSaved = defaults().synchronize();
+        scene::leave(sees && isSaved && saved().count() == 1 ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    defaults().setObject_forKey("newer", "Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(saved(), (NSDictionary{{"Child", "child's"}, {"Saved", "newer"}}));
+}
+
+TEST_F(DefaultsSaving, isNotKeptFromTheLockByAChildForkedMeanwhile) {
+    // The child gets what the writer had open; its end, and nothing else, must not be what frees the folder.
+    std::atomic<bool> stop{false};
+    std::atomic<int> failures{0};
+    std::thread writer([&] {
+        for (int round = 0; !stop; ++round) {
+            defaults().setObject_forKey(round, "Saved");
+            failures += defaults().synchronize() ? 0 : 1;
+        }
+    });
+    std::vector<pid_t> children;
+    for (int count = 0; count < 50; ++count) {
+        const pid_t child = scene::forksTakeTurns ? -1 : ::fork();
+        if (child == 0) {
+            ::alarm(60);
+            ::pause();
+            scene::leave(0);
+        }
+        if (child > 0) {
+            children.push_back(child);
+        }
+    }
+    stop = true;
+    writer.join();
+    defaults().setObject_forKey("last", "Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    for (const pid_t child : children) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+    EXPECT_EQ(failures, 0);
+}
+
+TEST_F(DefaultsSaving, losesNoChangeOfConcurrentThreads) {
+    std::vector<std::thread> threads;
+    std::atomic<int> failures{0};
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([number, &failures] {
+            for (int key = 0; key < 25; ++key) {
+                defaults().setObject_forKey(key, "Set" + std::to_string(number) + "." + std::to_string(key));
+                failures += defaults().synchronize() ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(saved().count(), 100U);
+    for (int number = 0; number < 4; ++number) {
+        for (int key = 0; key < 25; ++key) {
+            const std::string name = "Set" + std::to_string(number) + "." + std::to_string(key);
+            EXPECT_EQ(saved().objectForKey(name), NSObject(key));
+        }
+    }
+}
