@@ -15,11 +15,10 @@ CommandLine parseCommandLine(int argc, char** argv) {
         } else if (std::strcmp(argument, "--version") == 0) {
             result.action = CommandLine::Action::showVersion;
             return result;
-        } else if (argument[1] != '-' && i + 1 < argc && argv[i + 1][0] != '-') {
-            ++i; // a default with its value
         } else {
+            const bool isDefault = argument[1] != '-' && argument[2] != '\0';
             result.action = CommandLine::Action::complain;
-            result.complaint = argument[1] == '-' ? "unknown option " : "no value follows the default ";
+            result.complaint = isDefault ? "no value follows the default " : "unknown option ";
             result.complaint += argument;
             return result;
         }

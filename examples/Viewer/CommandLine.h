@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What the user asked for. User defaults on the command line (`-TraceLevel 3`) are passed over here: the
-/// library reads them itself.
+/// What the user asked for. User defaults (`-TraceLevel 3`) are no longer among the arguments here.
 struct CommandLine {
     enum class Action { open, showHelp, showVersion, complain };
 

@@ -134,6 +134,7 @@ int run(const CommandLine& commandLine) {
 } // namespace
 
 int main(int argc, char** argv) {
+    NSProcessInfo::removeDefaultsFromArguments(argc, argv);
     const CommandLine commandLine = parseCommandLine(argc, argv);
     switch (commandLine.action) {
     case CommandLine::Action::open:

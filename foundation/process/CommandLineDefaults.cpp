@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/process/CommandLineDefaults.h"
 
+#include <algorithm>
+
 #include "foundation/objects/NSException.h"
 
 namespace ZQFoundation::detail {
@@ -70,23 +72,95 @@ bool startsWithHyphen(const std::string& argument) noexcept {
     return !argument.empty() && argument.front() == '-';
 }
 
+/// Whether the argument at that index is a key, and the next one its value.
+bool isPairAt(const std::vector<std::string>& arguments, std::size_t index) noexcept {
+    return index + 1 < arguments.size() && arguments[index].size() > 1 &&
+           startsWithHyphen(arguments[index]) && !startsWithHyphen(arguments[index + 1]);
+}
+
+bool isBlankByte(char byte) noexcept { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
+
+/// Takes the words of a text apart as shells do.
+class Words {
+public:
+    explicit Words(const std::string& text) noexcept : text_(text) {}
+
+    /// False at the end.
+    bool next(std::string& word) {
+        word.clear();
+        while (position_ < text_.size() && isBlankByte(text_[position_])) {
+            ++position_;
+        }
+        if (position_ == text_.size()) {
+            return false;
+        }
+        char quote = '\0';
+        for (; position_ < text_.size() && (quote != '\0' || !isBlankByte(text_[position_])); ++position_) {
+            take(word, quote);
+        }
+        return true;
+    }
+
+private:
+    void take(std::string& word, char& quote) {
+        const char character = text_[position_];
+        if (character == '\\' && quote != '\'' && position_ + 1 < text_.size()) {
+            word += text_[++position_];
+        } else if (character == quote) {
+            quote = '\0';
+        } else if (quote == '\0' && (character == '"' || character == '\'')) {
+            quote = character;
+        } else {
+            word += character;
+        }
+    }
+
+    const std::string& text_;
+    std::size_t position_ = 0;
+};
+
+/// Whether a word that has the form of a key is rather an option of the host's.
+bool isOption(const std::string& word, const std::vector<std::string>& options) {
+    return word.size() == 2 || word[1] == '-' ||
+           std::find(options.begin(), options.end(), word) != options.end();
+}
+
 } // namespace
 
 NSDictionary defaultsFromArguments(const std::vector<std::string>& arguments) {
     NSMutableDictionary result;
-    std::size_t index = 1;
-    while (index + 1 < arguments.size()) {
-        const std::string& key = arguments[index];
-        const std::string& value = arguments[index + 1];
-        if (startsWithHyphen(key) && key.size() > 1 && !startsWithHyphen(value)) {
-            result.setObject_forKey(valueOfArgument(value),
+    for (std::size_t index = 1; index < arguments.size(); ++index) {
+        if (isPairAt(arguments, index)) {
+            const std::string& key = arguments[index];
+            result.setObject_forKey(valueOfArgument(arguments[++index]),
                                     NSString::stringWithFileSystemBytes(key.data() + 1, key.size() - 1));
-            index += 2;
-        } else {
-            ++index;
         }
     }
     return result.dictionary();
+}
+
+NSDictionary defaultsFromText(const std::string& text) {
+    std::vector<std::string> arguments(1); // no program
+    std::string word;
+    for (Words words(text); words.next(word);) {
+        arguments.push_back(word);
+    }
+    return defaultsFromArguments(arguments);
+}
+
+std::vector<std::size_t> placesWithoutDefaults(const std::vector<std::string>& arguments,
+                                               const std::vector<std::string>& options) {
+    std::vector<std::size_t> places;
+    bool isEnded = false;
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        isEnded = isEnded || (index > 0 && arguments[index] == "--");
+        if (!isEnded && index > 0 && isPairAt(arguments, index) && !isOption(arguments[index], options)) {
+            ++index;
+        } else {
+            places.push_back(index);
+        }
+    }
+    return places;
 }
 
 } // namespace ZQFoundation::detail

@@ -21,6 +21,17 @@ namespace ZQFoundation::detail {
 /// that is the value.
 NSDictionary defaultsFromArguments(const std::vector<std::string>& arguments);
 
+/// The same for a text of such arguments, without the program: `-TraceLevel 3 -Names "(a, b)"`. White space
+/// separates them, except inside single or double quotes; a backslash outside of single quotes takes what
+/// makes the next character special. A quote that is not closed lasts to the end.
+NSDictionary defaultsFromText(const std::string& text);
+
+/// Where the arguments stand that are not such defaults, in ascending order; the program is one of them. Left
+/// to the host are, too: "--" and all that follows; words that begin with "--" or are a hyphen and one
+/// character, as these are options to every parser; the given options; and what follows them.
+std::vector<std::size_t> placesWithoutDefaults(const std::vector<std::string>& arguments,
+                                               const std::vector<std::string>& options);
+
 } // namespace ZQFoundation::detail
 
 #endif

@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include "foundation/process/CommandLineDefaults.h"
 #include "foundation/process/ProcessIdentity.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/Published.h"
@@ -159,6 +160,45 @@ NSArray NSProcessInfo::arguments() const {
         result.addObject(NSString::stringWithFileSystemBytes(argument.data(), argument.size()));
     }
     return result.array();
+}
+
+namespace {
+
+std::vector<std::string> wordsOf(const NSArray& options) {
+    std::vector<std::string> words;
+    for (const NSObject& option : options) {
+        std::string bytes;
+        if (NSString(option).getFileSystemBytes(bytes)) {
+            words.push_back(bytes);
+        }
+    }
+    return words;
+}
+
+} // namespace
+
+NSArray NSProcessInfo::argumentsWithoutDefaults(const NSArray& options) const {
+    const std::vector<std::string> arguments = detail::processArguments();
+    NSMutableArray result;
+    for (const std::size_t place : detail::placesWithoutDefaults(arguments, wordsOf(options))) {
+        result.addObject(
+            NSString::stringWithFileSystemBytes(arguments[place].data(), arguments[place].size()));
+    }
+    return result.array();
+}
+
+void NSProcessInfo::removeDefaultsFromArguments(int& count, char** arguments, const NSArray& options) {
+    if (count <= 0 || arguments == nullptr) {
+        return;
+    }
+    detail::processArguments(); // read before the array changes, in case they come from there
+    int left = 0;
+    for (const std::size_t place :
+         detail::placesWithoutDefaults({arguments, arguments + count}, wordsOf(options))) {
+        arguments[left++] = arguments[place];
+    }
+    arguments[left] = nullptr;
+    count = left;
 }
 
 NSDictionary NSProcessInfo::environment() const {

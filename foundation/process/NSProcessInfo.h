@@ -36,6 +36,17 @@ public:
     /// command line of more than 4 KiB, what the host has written over the rest by the first call shows here.
     NSArray arguments() const;
 
+    /// The arguments without the pairs that are user defaults (`-TraceNetwork YES`), for a host's own reading
+    /// of them. Left in are "--" and all that follows; what every parser takes for an option with what
+    /// follows it, words of two hyphens or of one character (`--output x`, `-o x`); and the host's other
+    /// options, which `options` names ("-style").
+    NSArray argumentsWithoutDefaults(const NSArray& options = nullptr) const;
+
+    /// Takes the same pairs out of the `argc` and `argv` of `main`, for an option parser that would refuse
+    /// them: what is left moves up, and a null pointer follows it. The defaults stay as they are, and so does
+    /// `arguments`. Before other threads read the array.
+    static void removeDefaultsFromArguments(int& count, char** arguments, const NSArray& options = nullptr);
+
     /// The environment as it is at this moment: a dictionary of strings. Like any look at the environment it
     /// must not run while another thread changes it.
     NSDictionary environment() const;

@@ -28,6 +28,13 @@ constinit detail::DomainFile applicationFile;
 constinit detail::DomainFile globalFile;
 constinit std::atomic<const NSDictionary*> commandLine{nullptr};
 
+/// The variable ZQ_DEFAULTS as it was read last.
+struct EnvironmentDefaults {
+    std::string text;
+    NSDictionary values;
+};
+constinit detail::Published<EnvironmentDefaults> environmentDefaults;
+
 constinit detail::DefaultsChanges applicationChanges;
 constinit detail::Published<NSDictionary> registeredValues;
 constinit detail::Lock registering; // lets one registration follow the other
@@ -48,6 +55,22 @@ NSDictionary commandLineDomain() {
     const std::vector<std::string> arguments = detail::processArguments();
     const NSDictionary values = detail::defaultsFromArguments(arguments);
     return arguments.empty() ? values : detail::publishOnce(commandLine, new NSDictionary(values));
+}
+
+NSDictionary environmentDomain() {
+    const char* const text = detail::system::environmentVariable("ZQ_DEFAULTS");
+    if (text == nullptr) {
+        return nullptr;
+    }
+    const NSDictionary known = environmentDefaults.read([text](const EnvironmentDefaults* read) {
+        return read != nullptr && read->text == text ? read->values : NSDictionary();
+    });
+    if (known) {
+        return known;
+    }
+    const NSDictionary values = detail::defaultsFromText(text);
+    environmentDefaults.replace(new EnvironmentDefaults{text, values});
+    return values;
 }
 
 std::string pathOfApplicationFile() {
@@ -114,6 +137,9 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
     if (NSObject value = commandLineDomain().objectForKey(key)) {
         return value;
     }
+    if (NSObject value = environmentDomain().objectForKey(key)) {
+        return value;
+    }
     if (NSObject value = applicationValue(key)) {
         return value;
     }
@@ -130,6 +156,7 @@ NSDictionary NSUserDefaults::dictionaryRepresentation() const {
     const detail::CallerState callerState;
     NSMutableDictionary merged;
     addMissing(merged, commandLineDomain());
+    addMissing(merged, environmentDomain());
     addMissing(merged, detail::withChanges(applicationFileValues(), applicationChanges.values()));
     addMissing(merged, globalFileValues());
     if (const NSArray known = languages(); known.count() > 0) {

@@ -10,7 +10,8 @@ namespace ZQFoundation {
 /// The settings of the user and the host, gathered from several domains. The first domain that has a key
 /// answers:
 ///
-/// 1. the command line: `-TraceLevel 3`, `-Names "(a, b)"`;
+/// 1. the command line: `-TraceLevel 3`, `-Names "(a, b)"`, and below it the same in the environment:
+///    `ZQ_DEFAULTS="-TraceLevel 3"`;
 /// 2. the application's domain, named by the main bundle's identifier, else by the process: what this process
 ///    has set, else the file `<domain>.plist`;
 /// 3. the global domain, the file `NSGlobalDomain.plist`;

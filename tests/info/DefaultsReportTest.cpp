@@ -54,6 +54,17 @@ TEST(DefaultsReport, writesASectionForEachKindInAFixedOrder) {
             separator}));
 }
 
+TEST(DefaultsReport, listsSwitchesOfTheEnvironment) {
+    const scene::Variable given("ZQ_DEFAULTS", "-TraceD YES -EnableC YES");
+    EXPECT_EQ(
+        reportOf({{"TraceD", "<false/>"}}),
+        (Lines{"Debug logging:",
+               "TraceD is active.   Deactivate using: defaults write com.example.viewer TraceD NO", separator,
+               "Feature enabling:",
+               "EnableC is active.  Disable the feature using: defaults remove com.example.viewer EnableC",
+               separator}));
+}
+
 TEST(DefaultsReport, keepsOneColumnThroughAllSections) {
     const Lines lines =
         reportOf({{"TraceIO", "<true/>"}, {"TraceNetwork", "<true/>"}, {"EnableBeta", "<true/>"}});

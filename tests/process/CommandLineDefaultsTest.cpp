@@ -87,3 +87,57 @@ TEST(CommandLineDefaults, takeForeignBytesAndDeepNesting) {
     const std::string deep(1000000, '(');
     EXPECT_EQ(parsed({"-A", deep}).objectForKey("A").as<NSString>().length(), deep.size());
 }
+
+TEST(CommandLineDefaults, readATextAsAShellWould) {
+    const struct {
+        const char* text;
+        NSDictionary values;
+    } rows[] = {
+        {"-TraceNetwork YES -TraceLevel 3", {{"TraceNetwork", "YES"}, {"TraceLevel", "3"}}},
+        {"  -A\t1\n-B  2 ", {{"A", "1"}, {"B", "2"}}},
+        {"-A \"(a, 'b c')\" -B 'x \"y\"'", {{"A", NSArray{"a", "b c"}}, {"B", "x \"y\""}}},
+        {"-A a\\ b -B \"a\\\"b\" -C 'a\\b'", {{"A", "a b"}, {"B", "a\"b"}, {"C", "a\\b"}}},
+        {"-A 'x'y\"z\"", {{"A", "xyz"}}},
+        {"-A ''", {{"A", ""}}},
+        {"-A 'not closed", {{"A", "not closed"}}},
+        {"-A x\\", {{"A", "x\\"}}},
+        {"words -A", NSDictionary::dictionary()},
+        {"", NSDictionary::dictionary()},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(detail::defaultsFromText(row.text), row.values) << row.text;
+    }
+}
+
+TEST(CommandLineDefaults, areTakenOutOfTheArguments) {
+    using Words = std::vector<std::string>;
+    const struct {
+        const char* what;
+        Words arguments;
+        Words left;
+    } rows[] = {
+        {"pairs", {"-TraceNetwork", "YES", "file", "-Level", "3"}, {"file"}},
+        {"a key without a value", {"-TraceNetwork"}, {"-TraceNetwork"}},
+        {"a key before another", {"-TraceNetwork", "-Level", "3"}, {"-TraceNetwork"}},
+        {"options of one character", {"-o", "out", "-v", "file"}, {"-o", "out", "-v", "file"}},
+        {"options of two hyphens", {"--output", "out", "-Level", "3"}, {"--output", "out"}},
+        {"what the host names", {"-style", "flat", "-Level", "3"}, {"-style", "flat"}},
+        {"all after two hyphens", {"-A1", "x", "--", "-Level", "3"}, {"--", "-Level", "3"}},
+        {"two hyphens are no value", {"-Level", "--", "3"}, {"-Level", "--", "3"}},
+        {"a lone hyphen", {"-", "x"}, {"-", "x"}},
+        {"nothing", {}, {}},
+    };
+    for (const auto& row : rows) {
+        Words arguments = row.arguments;
+        arguments.insert(arguments.begin(), "program");
+        Words left;
+        for (const std::size_t place : detail::placesWithoutDefaults(arguments, {"-style"})) {
+            left.push_back(arguments[place]);
+        }
+        Words expected = row.left;
+        expected.insert(expected.begin(), "program");
+        EXPECT_EQ(left, expected) << row.what;
+    }
+    EXPECT_TRUE(detail::placesWithoutDefaults({}, {}).empty());
+    EXPECT_EQ(detail::placesWithoutDefaults({"-Key", "value"}, {}).size(), 2U) << "the first is the program";
+}

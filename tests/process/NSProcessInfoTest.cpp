@@ -154,6 +154,40 @@ TEST(NSProcessInfo, argumentsMayBeEmptyOrForeign) {
     EXPECT_EQ(info().arguments()[2].as<NSString>().utf16(), std::u16string(u"\xDCFE"));
 }
 
+TEST(NSProcessInfo, givesTheArgumentsWithoutUserDefaults) {
+    const scene::Arguments arguments(detail::overrides::arguments,
+                                     Words{"p", "-TraceLevel", "3", "-style", "flat", "a file", "\xFE"});
+    EXPECT_EQ(info().argumentsWithoutDefaults({"-style"}),
+              (NSArray{"p", "-style", "flat", "a file", info().arguments()[6]}));
+    EXPECT_EQ(info().argumentsWithoutDefaults().count(), 3U);
+    EXPECT_EQ(info().arguments().count(), 7U);
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().integerForKey("TraceLevel"), 3);
+}
+
+TEST(NSProcessInfo, takesUserDefaultsOutOfArgcAndArgv) {
+    char program[] = "p";
+    char key[] = "-TraceLevel";
+    char value[] = "3";
+    char file[] = "file";
+    char* words[] = {program, key, value, file, nullptr};
+    const NSArray before = info().arguments();
+    int count = 4;
+    NSProcessInfo::removeDefaultsFromArguments(count, words);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(words[0], program);
+    EXPECT_EQ(words[1], file);
+    EXPECT_EQ(words[2], nullptr);
+    NSProcessInfo::removeDefaultsFromArguments(count, words);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(info().arguments(), before);
+
+    int none = 0;
+    NSProcessInfo::removeDefaultsFromArguments(none, nullptr);
+    char* empty[] = {nullptr};
+    NSProcessInfo::removeDefaultsFromArguments(none, empty);
+    EXPECT_EQ(none, 0);
+}
+
 TEST(NSProcessInfo, environmentShowsTheVariablesAsTheyAreNow) {
     const scene::Variable set("ZQ_TEST_VARIABLE", "a=b");
     const scene::Variable empty("ZQ_TEST_EMPTY", "");

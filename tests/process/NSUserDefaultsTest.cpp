@@ -78,6 +78,23 @@ TEST_F(NSUserDefaultsTest, firstDomainOfTheSearchOrderAnswers) {
     EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Search")), "command line");
 }
 
+TEST_F(NSUserDefaultsTest, environmentIsBelowTheCommandLineAndAboveTheFiles) {
+    writeApplication(dictionaryFile(entry("Given", "application")));
+    {
+        const scene::Variable given("ZQ_DEFAULTS", "-Given environment -Names '(a, b)'");
+        EXPECT_EQ(textFor("Given"), "environment");
+        EXPECT_EQ(defaults().arrayForKey("Names"), (NSArray{"a", "b"}));
+        EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Given")), "environment");
+        const scene::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Given", "command line"});
+        EXPECT_EQ(textFor("Given"), "command line");
+        EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Given")), "command line");
+    }
+    const scene::Variable other("ZQ_DEFAULTS", "-Given other");
+    EXPECT_EQ(textFor("Given"), "other") << "as it is now";
+    const scene::Variable none("ZQ_DEFAULTS", nullptr);
+    EXPECT_EQ(textFor("Given"), "application");
+}
+
 TEST_F(NSUserDefaultsTest, languageSettingsComeAfterTheGlobalDomainAndBeforeRegisteredValues) {
     defaults().registerDefaults({{"AppleLanguages", NSArray::arrayWithObject("xx")}});
     EXPECT_EQ(defaults().objectForKey("AppleLanguages"), NSArray::arrayWithObject("xx"));

@@ -29,6 +29,7 @@ protected:
     void setVariables() const {
         ::setenv("HOME", (folder / "home").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+        ::setenv("ZQ_DEFAULTS", "-ZQTestGiven given", 1);
         ::setenv("TZDIR", (folder / "zones").c_str(), 1);
         ::setenv("TZ", "Planted/Zone", 1);
         for (const char* const name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LC_NUMERIC", "LANG"}) {
@@ -71,7 +72,8 @@ TEST_F(SetUserId, otherProgramsFollowIt) {
     plant();
     const std::string places = scene::outputOf(programWithMode(0755), {"places"}, [this] { setVariables(); });
     const std::string home = folder / "home";
-    EXPECT_EQ(places, std::to_string(::geteuid()) + "\n" + home + "\n" + home +
-                          "/Library/Application Support/places\n" + home +
-                          "/Library/Logs/places\nYES\n( de-DE )\nde_DE\nPlanted/Zone\na planted zone\n");
+    EXPECT_EQ(places,
+              std::to_string(::geteuid()) + "\n" + home + "\n" + home +
+                  "/Library/Application Support/places\n" + home +
+                  "/Library/Logs/places\nYES\ngiven\n( de-DE )\nde_DE\nPlanted/Zone\na planted zone\n");
 }

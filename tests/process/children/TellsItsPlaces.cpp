@@ -17,6 +17,7 @@ int main() {
         NSProcessInfo::pathOfLibraryApplicationSupportSubfolder(),
         ZQLog::standardLogFolder(),
         defaults.objectForKey("ZQTestPlanted"),
+        defaults.objectForKey("ZQTestGiven"),
         defaults.objectForKey("AppleLanguages"),
         NSLocale::currentLocale().localeIdentifier(),
         NSTimeZone::systemTimeZone().name(),
