@@ -138,7 +138,8 @@ endforeach()
         # All of them in one process: what one leaves behind must not matter to another.
         add_test(NAME ${folder}.shuffled
             COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES})
-        set_tests_properties(${folder}.shuffled PROPERTIES TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
+        set_tests_properties(${folder}.shuffled PROPERTIES
+            LABELS shuffled TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
     endif()
 endfunction()
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Builds for macOS on Linux, with the cross compiler that scripts/check-macos fetches. Nothing built here can run here.
+# Builds for macOS on Linux, with the cross compiler that scripts/release/check-macos fetches. Nothing built here can run here.
 #
 #     ZQ_MACOS_TARGET   x86_64-macos.10.13 or aarch64-macos.11.0: the processor and the oldest system
 #     ZQ_MACOS_TOOLS    the folder of the programs macos-c++, macos-cc, macos-ar and macos-ranlib
@@ -10,7 +10,7 @@ if(NOT ZQ_MACOS_TOOLS)
     set(ZQ_MACOS_TOOLS "$ENV{ZQ_MACOS_TOOLS}" CACHE PATH "The folder of the cross compiler" FORCE)
 endif()
 if(NOT EXISTS "${ZQ_MACOS_TOOLS}/macos-c++")
-    message(FATAL_ERROR "ZQ_MACOS_TOOLS does not name the folder of the cross compiler; scripts/check-macos fetches it")
+    message(FATAL_ERROR "ZQ_MACOS_TOOLS does not name the folder of the cross compiler; scripts/release/check-macos fetches it")
 endif()
 # Each of CMake's trial builds reads this file anew.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZQ_MACOS_TARGET ZQ_MACOS_TOOLS)
