@@ -9,7 +9,8 @@
 namespace ZQFoundation {
 
 /// The Base64 text of `length` bytes in the standard alphabet of RFC 4648, padded with "=", ended by a zero
-/// byte. With `separateLines` not 0, CR LF stands between lines of 64 characters, and none after the last.
+/// byte. With `separateLines` not 0, lines of 64 characters are separated by CR LF, and none follows the
+/// last.
 ///
 /// The caller releases the text with `free`. Null, with `outputLength` unwritten, when there is no memory.
 /// Otherwise `outputLength`, unless it is null, receives the number of bytes before the zero. Callable from
@@ -18,9 +19,9 @@ extern "C" ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::ui
                                                      int separateLines, std::uint64_t* outputLength) noexcept;
 
 /// The bytes that a Base64 text of `length` bytes spells; -1: the text ends at its zero byte. Bytes outside
-/// the alphabet are passed over, "=" among them; two or three characters at the end give one or two bytes.
+/// the alphabet are skipped, "=" among them; two or three characters at the end give one or two bytes.
 ///
-/// **The length is one less than the bytes decoded when something is left to pass over behind the last whole
+/// **The length is one less than the bytes decoded when something to skip follows the last whole
 /// group of four characters**, a line break for instance; for a text of nothing but foreign bytes it is the
 /// largest number.
 ///

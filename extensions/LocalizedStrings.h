@@ -5,8 +5,9 @@
 #include "../foundation/process/NSBundle.h"
 #include "../foundation/text/ArgumentList.h"
 
+/// @file
 /// Functions that look a text up in a table of localized texts and format it with **one single argument that
-/// stands for the whole argument list**: they never put a caller's value into the text. A text without
+/// replaces the whole argument list**: they never put a caller's value into the text. A text without
 /// conversions comes back as it is, "%%" as "%"; "%@" gives "(null)" and "%d" gives "0". To fill a localized
 /// format with values, use `NSString::initWithLocalizedFormat`.
 ///
@@ -23,43 +24,44 @@ namespace ZQFoundation {
 
 extern "C" {
 
-/// The text of a key in the main bundle's `Localizable` table.
+/// The text of a key in the main bundle's `Localizable` table, formatted with no argument of the caller's.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString& comment, ...);
 
-/// The same for a started argument list.
+/// `ZQLocalizedStringWithFormat` for a started argument list, which is ignored.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormatv(const NSString& key, const NSString& comment,
                                                           ArgumentList arguments);
 
-/// The text of a key in a table of the main bundle.
+/// The text of a key in a table of the main bundle, formatted with no argument of the caller's.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
                                                                   const NSString& comment, ...);
 
-/// The same for a started argument list.
+/// `ZQLocalizedStringFromTableWithFormat` for a started argument list, which is ignored.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormatv(const NSString& key, const NSString& table,
                                                                    const NSString& comment,
                                                                    ArgumentList arguments);
 
-/// The text of a key in a table of a bundle.
+/// The text of a key in a table of a bundle, formatted with no argument of the caller's.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key,
                                                                           const NSString& table,
                                                                           const NSBundle& bundle,
                                                                           const NSString& comment, ...);
 
-/// The same for a started argument list.
+/// `ZQLocalizedStringFromTableInBundleWithFormat` for a started argument list, which is ignored.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormatv(const NSString& key,
                                                                            const NSString& table,
                                                                            const NSBundle& bundle,
                                                                            const NSString& comment,
                                                                            ArgumentList arguments);
 
-/// The text of a key in a table of a bundle, else a default value.
+/// The text of a key in a table of a bundle, else a default value, formatted with no argument of the
+/// caller's.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key,
                                                                          const NSString& table,
                                                                          const NSBundle& bundle,
                                                                          const NSString& defaultValue,
                                                                          const NSString& comment, ...);
 
-/// The same for a started argument list.
+/// `ZQLocalizedStringWithDefaultValueWithFormat` for a started argument list, which is ignored.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormatv(
     const NSString& key, const NSString& table, const NSBundle& bundle, const NSString& defaultValue,
     const NSString& comment, ArgumentList arguments);
@@ -70,23 +72,24 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormatv(
 #pragma clang diagnostic pop
 #endif
 
-// The same for arguments that `...` cannot take: values and texts of any kind.
-
-/// As the function of that name above, for arguments of any type: they are not put into the text either.
+/// `ZQLocalizedStringWithFormat` for arguments that `...` cannot take, values and texts of any kind; they are
+/// ignored.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString& comment, const Argument&,
                                      const Arguments&...) {
     return ZQLocalizedStringWithFormatv(key, comment, {});
 }
 
-/// As the function of that name above, for arguments of any type: they are not put into the text either.
+/// `ZQLocalizedStringFromTableWithFormat` for arguments that `...` cannot take, values and texts of any kind;
+/// they are ignored.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
                                               const NSString& comment, const Argument&, const Arguments&...) {
     return ZQLocalizedStringFromTableWithFormatv(key, table, comment, {});
 }
 
-/// As the function of that name above, for arguments of any type: they are not put into the text either.
+/// `ZQLocalizedStringFromTableInBundleWithFormat` for arguments that `...` cannot take, values and texts of
+/// any kind; they are ignored.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key, const NSString& table,
                                                       const NSBundle& bundle, const NSString& comment,
@@ -94,7 +97,8 @@ NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key, const
     return ZQLocalizedStringFromTableInBundleWithFormatv(key, table, bundle, comment, {});
 }
 
-/// As the function of that name above, for arguments of any type: they are not put into the text either.
+/// `ZQLocalizedStringWithDefaultValueWithFormat` for arguments that `...` cannot take, values and texts of
+/// any kind; they are ignored.
 template <class Argument, class... Arguments>
 NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key, const NSString& table,
                                                      const NSBundle& bundle, const NSString& defaultValue,

@@ -2,6 +2,7 @@
 #ifndef ZQFOUNDATION_ZQFOUNDATION_H
 #define ZQFOUNDATION_ZQFOUNDATION_H
 
+/// @file
 /// The one header that a host application includes:
 ///
 ///     #include <ZQFoundation/ZQFoundation.h>
@@ -22,13 +23,13 @@
 ///         Store().reload();
 ///     }
 ///
-/// Started with `-TraceNetwork YES` it writes to standard error, behind time and process,
+/// Started with `-TraceNetwork YES` it writes to standard error, after time and process,
 ///
 ///     TraceNetwork: -[(Store *)0x7ffd01 reload] state { items = 3; names = ( a, b ); }
 ///
-/// and nothing when the key is not set. Everything stands in `namespace ZQFoundation`; no macro is defined
+/// and nothing when the key is not set. Everything is in `namespace ZQFoundation`; no macro is defined
 /// that does not begin with ZQ. An operation is named as on the platform, each inner colon an underscore, the
-/// last one dropped. `std::string` is only declared here: include <string> where `utf8()` is called.
+/// last one dropped. `std::string` is only declared here: include `<string>` where `utf8()` is called.
 
 // Values.
 #include "foundation/objects/Class.h"

@@ -10,31 +10,31 @@ namespace ZQFoundation {
 
 /// A socket address as routing messages carry it: its own length first, which counts these two bytes too.
 struct RoutingSocketAddress {
-    std::uint8_t sa_len;
-    std::uint8_t sa_family;
-    std::uint8_t sa_data[14];
+    std::uint8_t sa_len;      ///< bytes of the whole address, these two among them
+    std::uint8_t sa_family;   ///< address family: `AF_INET` and the like
+    std::uint8_t sa_data[14]; ///< the address, as its family lays it out
 };
 
 /// What the kernel knows of a route's quality; 56 bytes of every routing message.
 struct RouteMetrics {
-    std::uint32_t rmx_locks;
-    std::uint32_t rmx_mtu;
-    std::uint32_t rmx_hopcount;
-    std::int32_t rmx_expire;
-    std::uint32_t rmx_recvpipe;
-    std::uint32_t rmx_sendpipe;
-    std::uint32_t rmx_ssthresh;
-    std::uint32_t rmx_rtt;
-    std::uint32_t rmx_rttvar;
-    std::uint32_t rmx_pksent;
-    std::uint32_t rmx_state;
-    std::uint32_t rmx_filler[3];
+    std::uint32_t rmx_locks;     ///< bits of the values that the kernel leaves alone
+    std::uint32_t rmx_mtu;       ///< largest packet, in bytes
+    std::uint32_t rmx_hopcount;  ///< hops to the destination
+    std::int32_t rmx_expire;     ///< when the route ends
+    std::uint32_t rmx_recvpipe;  ///< bandwidth times delay, inbound
+    std::uint32_t rmx_sendpipe;  ///< bandwidth times delay, outbound
+    std::uint32_t rmx_ssthresh;  ///< gateway buffer limit, outbound
+    std::uint32_t rmx_rtt;       ///< estimated round-trip time
+    std::uint32_t rmx_rttvar;    ///< estimated variance of that
+    std::uint32_t rmx_pksent;    ///< packets sent on the route
+    std::uint32_t rmx_state;     ///< state of the route
+    std::uint32_t rmx_filler[3]; ///< unused
 };
 
 /// Room for a socket address of any family.
 union RoutingSocketAddressStorage {
-    RoutingSocketAddress address;
-    std::uint8_t bytes[128];
+    RoutingSocketAddress address; ///< its length, family and first bytes
+    std::uint8_t bytes[128];      ///< the whole room
 };
 
 extern "C" {
@@ -42,9 +42,13 @@ extern "C" {
 /// Copied into every request of a route lookup. All zero; the library never writes it.
 extern ZQFOUNDATION_EXPORT RouteMetrics rt_metrics;
 
-/// All zero, and used by no operation.
+/// All zero, and used by no operation; kept for hosts that link to it.
 extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_dst;
+
+/// All zero, and used by no operation; kept for hosts that link to it.
 extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_ifa;
+
+/// All zero, and used by no operation; kept for hosts that link to it.
 extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_ifp;
 
 /// The local IPv4 address, in network byte order, of the interface through which the kernel would send to the

@@ -33,15 +33,16 @@ public:
     /// build or name. A system that is described by `/etc/os-release`, or by neither, always has all.
     static NSDictionary getSystemInformation();
 
-    /// "Debian GNU/Linux 12 (6.1.0-28-amd64)"; never nil. Raises as `getSystemInformation`, as the next two
-    /// do.
+    /// "Debian GNU/Linux 12 (6.1.0-28-amd64)"; never nil. Raises as `getSystemInformation` does.
     static NSString osInfoString();
 
-    /// "Debian GNU/Linux 12".
+    /// "Debian GNU/Linux 12": name and version. Raises as `getSystemInformation` does.
     static NSString osNameAndVersionString();
+
+    /// "12": the version alone. Raises as `getSystemInformation` does.
     static NSString osVersionString();
 
-    /// `model`, `nCores` and `ramMB` (whole MiB), all as text; what cannot be told is left out.
+    /// `model`, `nCores` and `ramMB` (whole MiB), all as text; what is unknown is left out.
     static NSDictionary getHardwareInformation();
 
     /// "[Mac14,2; 8 processor cores; 16384 MB RAM]" without what is missing; nil when all is.
@@ -57,7 +58,7 @@ public:
 
     /// Writes the active trace keys and the true defaults whose keys begin with "Enable", "Disable" and
     /// "Debug", each with the command that turns it off in the application's domain, where no other domain
-    /// sets it. Keys stand in the commands as they are: quote them for a shell when they hold anything but
+    /// sets it. Keys appear in the commands as they are: quote them for a shell when they hold anything but
     /// letters, digits, "_", "-" and ".".
     static void logTracelogAndFeatureRelatedUserDefaults();
 };

@@ -17,40 +17,64 @@ class ZQFOUNDATION_EXPORT ZQMacOSRuntimeEnvironment {
 public:
     ZQMacOSRuntimeEnvironment() = delete;
 
-    /// Reads the version numbers unless that was done before. Every other operation does it by itself.
+    /// Reads the version numbers unless they were read before. Every other operation calls it.
     static void initialize();
 
     /// What was read at first use: `ProductName`, `ProductVersion`, `ProductUserVisibleVersion`,
     /// `ProductBuildVersion` and whatever else the file holds. Nil when it could not be read.
     static NSDictionary systemVersionPlist();
 
-    /// The first three components of `ProductVersion`; 0 for one that is missing, negative or no number.
+    /// The first component of `ProductVersion`; 0 if it is missing, negative or no number.
     static std::uint64_t osVersionMajor();
+
+    /// The second component of `ProductVersion`; 0 if it is missing, negative or no number.
     static std::uint64_t osVersionMinor();
+
+    /// The third component of `ProductVersion`; 0 if it is missing, negative or no number.
     static std::uint64_t osVersionPatch();
 
-    /// Whether the system version file has a first component above 10, or 10 and a second one of at least 12,
-    /// 13, 14, 15, 16. False on a system without that file, whatever the numbers of its own release are.
+    /// Whether the system version file says 10.12 or later. False on a system without that file, whatever its
+    /// own release.
     static bool isSierraOrLater();
+
+    /// Whether the system version file says 10.13 or later. False on a system without that file, whatever its
+    /// own release.
     static bool isHighSierraOrLater();
+
+    /// Whether the system version file says 10.14 or later. False on a system without that file, whatever its
+    /// own release.
     static bool isMojaveOrLater();
+
+    /// Whether the system version file says 10.15 or later. False on a system without that file, whatever its
+    /// own release.
     static bool isCatalinaOrLater();
+
+    /// Whether the system version file says 10.16 or later. False on a system without that file, whatever its
+    /// own release.
     static bool isBigSurOrLater();
 
-    /// For which processor this library was compiled, not on which one it runs.
+    /// Whether this library was compiled for an ARM processor, whatever it runs on.
     static bool isARM();
+
+    /// Whether this library was compiled for an Intel processor, whatever it runs on.
     static bool isIntel();
 
-    /// Always false.
+    /// False: the library is not made for these processors.
     static bool isPowerPC();
 
     /// "Intel" or "ARM" in the user's language; of another processor what the kernel calls it. Never nil.
     static NSString localizedProcessorArchitecture();
 
-    /// For the user's eyes; "unknown version", "unknown OS" and "unknown build" in the user's language for
-    /// what is missing or empty. Never nil.
+    /// The version for the user's eyes; "unknown version" in the user's language if it is missing or empty.
+    /// Never nil.
     static NSString userVisibleMacOSVersion();
+
+    /// The system's name for the user's eyes; "unknown OS" in the user's language if it is missing or empty.
+    /// Never nil.
     static NSString userVisibleMacOSName();
+
+    /// The build for the user's eyes; "unknown build" in the user's language if it is missing or empty. Never
+    /// nil.
     static NSString userVisibleMacOSBuild();
 };
 

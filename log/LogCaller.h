@@ -44,8 +44,14 @@ inline constexpr InstanceQueries instanceQueries{
 /// whose class is unknown.
 class LogCaller {
 public:
-    /// What the caller is. A class is a value; `unknown` is an object behind a `void` pointer.
-    enum class Form : unsigned char { absent, unknown, instance, host, value };
+    /// What the caller is.
+    enum class Form : unsigned char {
+        absent,   ///< nobody
+        unknown,  ///< an object behind a `void` pointer
+        instance, ///< an object of any other C++ class
+        host,     ///< an object of a class that implements NSObjectProtocol
+        value,    ///< a value, or a class
+    };
 
     constexpr LogCaller(std::nullptr_t) noexcept {}
 
@@ -79,17 +85,19 @@ public:
     /// What the caller is.
     constexpr Form form() const noexcept { return form_; }
 
-    /// Where the object stands, or the handle of a value; null for nothing.
+    /// The object, or the handle of a value; null for nobody.
     constexpr const void* address() const noexcept { return address_; }
 
-    /// Only for `value`.
+    /// The value or class of a caller of the form `value`.
     const NSObject& value() const noexcept { return *static_cast<const NSObject*>(address_); }
 
-    /// Only for `host`.
+    /// The object of a caller of the form `host`.
     const NSObjectProtocol& host() const noexcept { return *static_cast<const NSObjectProtocol*>(address_); }
 
-    /// Only for `instance`.
+    /// The name of the most derived class of a caller of the form `instance`.
     NSString instanceClassName() const { return queries_->className(address_); }
+
+    /// Where the most derived object of a caller of the form `instance` begins.
     const void* wholeInstance() const { return queries_->wholeObject(address_); }
 
 private:

@@ -27,9 +27,11 @@ public:
     NSAssertionHandler(const NSAssertionHandler&) = delete;
     NSAssertionHandler& operator=(const NSAssertionHandler&) = delete;
 
-    // The platform's own: they raise NSInternalInconsistencyException.
+    /// @name The platform's own
+    /// @{
 
-    /// Writes "*** Assertion failure in parse(), parse.c:42" and raises with the formatted reason.
+    /// Writes "*** Assertion failure in parse(), parse.c:42" and raises NSInternalInconsistencyException, its
+    /// reason formatted as `NSString::stringWithFormat` does.
     template <class... Arguments>
     [[noreturn]] void handleFailureInFunction_file_lineNumber_description(
         StringView function, StringView file, std::int64_t lineNumber,
@@ -38,7 +40,8 @@ public:
             function, file, lineNumber, NSInternalInconsistencyException, format, arguments...);
     }
 
-    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10" and raises likewise.
+    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10", with "+" if the object is a class, and
+    /// raises NSInternalInconsistencyException, its reason formatted as `NSString::stringWithFormat` does.
     template <class... Arguments>
     [[noreturn]] void handleFailureInMethod_object_file_lineNumber_description(
         StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
@@ -47,7 +50,10 @@ public:
             method, object, file, lineNumber, NSInternalInconsistencyException, format, arguments...);
     }
 
-    // NSAssertionHandler(ZQFoundation)
+    /// @}
+
+    /// @name NSAssertionHandler(ZQFoundation)
+    /// @{
 
     /// Writes "*** Assertion failure in parse(), parse.c:42" and raises an exception of the given name, its
     /// reason formatted as `NSString::stringWithFormat` does.
@@ -59,12 +65,14 @@ public:
         handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
             function, file, lineNumber, exceptionName, format.text(), packed.list());
     }
+
+    /// `handleFailureInFunction_file_lineNumber_exceptionName_description` for a started argument list.
     [[noreturn]] void handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
         StringView function, StringView file, std::int64_t lineNumber, const NSString& exceptionName,
         StringView format, ArgumentList arguments) const;
 
-    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10", with "+" when the object is a class,
-    /// and raises likewise.
+    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10", with "+" if the object is a class,
+    /// and raises an exception of the given name, its reason formatted as `NSString::stringWithFormat` does.
     template <class... Arguments>
     [[noreturn]] void handleFailureInMethod_object_file_lineNumber_exceptionName_description(
         StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
@@ -74,9 +82,13 @@ public:
         handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
             method, object, file, lineNumber, exceptionName, format.text(), packed.list());
     }
+
+    /// `handleFailureInMethod_object_file_lineNumber_exceptionName_description` for a started argument list.
     [[noreturn]] void handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
         StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
         const NSString& exceptionName, StringView format, ArgumentList arguments) const;
+
+    /// @}
 
 private:
     constexpr NSAssertionHandler() noexcept = default;

@@ -9,14 +9,14 @@ namespace ZQFoundation {
 /// Does nothing: neither formats nor writes. It is there for hosts whose own builds replace it.
 extern "C" ZQFOUNDATION_EXPORT void NSDebugLog(const char* format, ...);
 
-/// The same for a started argument list.
+/// `NSDebugLog` for a started argument list: does nothing.
 extern "C" ZQFOUNDATION_EXPORT void NSDebugLogv(StringView format, ArgumentList arguments);
 
-/// Takes what `...` cannot: values and texts of any kind.
+/// `NSDebugLog` for values and texts of any kind, which `...` cannot take: does nothing.
 template <class Format, class Argument, class... Arguments>
 void NSDebugLog(const Format&, const Argument&, const Arguments&...) {}
 
-/// Takes a format that is a value or a text of any kind, without arguments.
+/// `NSDebugLog` for a format of any kind without arguments: does nothing.
 template <class Format>
     requires(!detail::TextPointer<std::decay_t<Format>>)
 void NSDebugLog(const Format&) {}

@@ -28,11 +28,13 @@ class ZQFOUNDATION_EXPORT ZQLog : public ZQLogPlainCalls,
 public:
     ZQLog() = delete;
 
-    /// Writes the text as one line, as it stands: a "%" in it is a "%". Nil or a flag of NO writes nothing.
+    /// Writes the text as one line, unchanged: a "%" in it is a "%". Nil or a flag of NO writes nothing.
     static void logAlways_log(bool logAlways, StringView text);
 
-    /// The very text passed in, or nil when the flag is NO.
+    /// The very text passed in; nil if the flag is NO.
     static NSString logAlways_logString(bool logAlways, const NSString& text);
+
+    /// A string of the text passed in; nil if the flag is NO.
     template <detail::PlainText T>
     static NSString logAlways_logString(bool logAlways, const T& text) {
         return logAlways ? NSString(text) : NSString();
@@ -58,8 +60,10 @@ public:
     /// function name>>()" for null and for an empty name.
     static NSString cFunctionDescriptionStringForFunctionName(const char* functionName);
 
-    // Trace keys: the user defaults whose names begin with "Trace". They are read once, at the first
-    // question, and again only when `initializeTraceDefaultsDict` is called.
+    /// @name Trace keys
+    /// The user defaults whose names begin with "Trace". They are read once, at the first question, and again
+    /// only when `initializeTraceDefaultsDict` is called.
+    /// @{
 
     /// (Re)reads the trace keys. Takes no lock: inside a `Synchronized` scope no other thread asks meanwhile.
     static void initializeTraceDefaultsDict();
@@ -71,14 +75,18 @@ public:
     /// nil.
     static NSArray activatedTraceDefaultsKeys();
 
-    /// A second name of the same operation.
+    /// Another name for `activatedTraceDefaultsKeys`.
     static NSArray activatedTraceDefaultKeys();
 
     /// Whether any trace key's value is true.
     static bool aTraceDefaultValueHasBeenActivated();
 
-    // Log files. Nothing here happens by itself, takes a lock or is safe to do on two threads at once; lines
-    // of other threads go on meanwhile, each to one target as a whole.
+    /// @}
+
+    /// @name Log files
+    /// Nothing here happens by itself, takes a lock or is safe to do on two threads at once; lines of other
+    /// threads go on meanwhile, each to one target as a whole.
+    /// @{
 
     /// The application's folder under ~/Library/Logs, which need not exist; "/tmp" when the home folder has
     /// no `Library`.
@@ -88,12 +96,13 @@ public:
     /// for an **empty** folder string, and only when the file of that name vanishes meanwhile.
     static NSString standardNewLogFileNameForLoggingToFolder(const NSString& folder);
 
-    /// The two joined: where the log of this run belongs.
+    /// `standardLogFolder` and `standardNewLogFileNameForLoggingToFolder` joined: where the log of this run
+    /// belongs.
     static NSString standardLogFilePath();
 
     /// Sends standard error, and with it every line, to the end of the file at the path, which is made when
     /// there is none, together with its folders if `createFolder`. A path that is not absolute is taken from
-    /// `standardLogFolder`; "~" and links are resolved, and nothing is made below a "~" that stands for
+    /// `standardLogFolder`; "~" and links are resolved, and nothing is made below a "~" that is
     /// nobody's home. False, with a line that says why (without one for a nil or empty path and for a missing
     /// folder that is not to be made), when that cannot be done.
     ///
@@ -101,8 +110,9 @@ public:
     /// new file has the mode 0600.
     static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);
 
-    /// The same without a check, a message or a result. Descriptor 2 as it first was is kept aside. When the
-    /// file cannot be opened, lines are lost from then on: descriptor 2 is parked on the null device.
+    /// As `setLogFilePath_createFolder`, without a check, a message or a result. Descriptor 2 as it first was
+    /// is kept aside. If the file cannot be opened, lines are lost from then on: descriptor 2 is parked on
+    /// the null device.
     static void setOptionalLogFilePath(const NSString& path);
 
     /// Brings standard error back to where it first led. Does nothing before the first redirection.
@@ -110,8 +120,12 @@ public:
     /// none.
     static void clearLogFilePath();
 
-    // A class that the host has registered as "NSWorkspace" (ClassesByName.h) is told of the folder's change.
-    // In a sticky folder that others may write to (/tmp) only files of the effective user count.
+    /// @}
+
+    /// @name Removal of log files
+    /// A class that the host has registered as "NSWorkspace" (ClassesByName.h) is notified when the folder
+    /// changes. In a sticky folder that others may write to (/tmp) only files of the effective user count.
+    /// @{
 
     /// Removes the folder's log files of this process name that were last changed before the date, writing a
     /// line for each. Their names hold only digits and "." between the process name and ".log", so **standard
@@ -119,8 +133,10 @@ public:
     static void removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder);
 
     /// Removes all but the newest `count` of the folder's log files of this process name, writing a line for
-    /// each. Here "-" may stand in names. Of files with the same date one counts, and the others stay.
+    /// each. Here names may hold "-". Of files with the same date one counts, and the others stay.
     static void removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count);
+
+    /// @}
 
     /// Holds the monitor of the class for a scope: the recursive lock under which the trace keys are asked.
     /// Whoever re-reads them while other threads log does it inside such a scope.

@@ -21,9 +21,7 @@ public:
     static NSString logFunctionName_logAlways_logString(const char* functionName, bool logAlways,
                                                         StringView text);
 
-    // Text: caller message.
-
-    /// Writes the line.
+    /// Writes the line "caller message".
     template <class... Arguments>
     static void
     logFunctionName_logAlways_logWithFormat(const char* functionName, bool logAlways,
@@ -35,11 +33,11 @@ public:
                                                                packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "caller message".
     static void logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName, bool logAlways,
                                                                    StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil.
+    /// Returns the line "caller message", else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logFunctionName_logAlways_logStringWithFormat(const char* functionName, bool logAlways,
@@ -52,15 +50,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "caller message", else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringWithFormatv_arguments(const char* functionName,
                                                                              bool logAlways,
                                                                              StringView format,
                                                                              ArgumentList arguments);
 
-    // Text: key: caller message.
-
-    /// Writes the line while the trace key is on.
+    /// Writes the line "key: caller message" while the trace key is on.
     template <class... Arguments>
     static void logFunctionName_logAlways_logForTraceKey_usingFormat(
         const char* functionName, bool logAlways, StringView key,
@@ -71,11 +67,11 @@ public:
                                                                             format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key: caller message" while the trace key is on.
     static void logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(
         const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while the trace key is on.
+    /// Returns the line "key: caller message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForTraceKey_usingFormat(
         const char* functionName, bool logAlways, StringView key,
@@ -87,13 +83,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key: caller message" while the trace key is on, else
+    /// nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForTraceKey_usingFormatv_arguments(
         const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments);
 
-    // Text: key=value: caller message.
-
-    /// Writes the line while the key's level equals the value (a missing key has level 0).
+    /// Writes the line "key=value: caller message" while the key's level equals the value (a missing key has
+    /// level 0).
     template <class... Arguments>
     static void logFunctionName_logAlways_logForTraceKey_value_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t value,
@@ -104,12 +100,14 @@ public:
                 functionName, logAlways, key, value, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key=value: caller message" while the key's level equals
+    /// the value (a missing key has level 0).
     static void logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
         const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
         ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level equals the value (a missing key has level 0).
+    /// Returns the line "key=value: caller message" while the key's level equals the value (a missing key has
+    /// level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForTraceKey_value_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t value,
@@ -121,14 +119,14 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key=value: caller message" while the key's level
+    /// equals the value (a missing key has level 0), else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
         const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
         ArgumentList arguments);
 
-    // Text: key>=threshold: caller message.
-
-    /// Writes the line while the key's level is at least the threshold (a missing key has level 0).
+    /// Writes the line "key>=threshold: caller message" while the key's level is at least the threshold (a
+    /// missing key has level 0).
     template <class... Arguments>
     static void logFunctionName_logAlways_logForTraceKey_threshold_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t threshold,
@@ -139,12 +137,14 @@ public:
                 functionName, logAlways, key, threshold, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key>=threshold: caller message" while the key's level
+    /// is at least the threshold (a missing key has level 0).
     static void logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
         const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
         ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level is at least the threshold (a missing key has level 0).
+    /// Returns the line "key>=threshold: caller message" while the key's level is at least the threshold (a
+    /// missing key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t threshold,
@@ -156,14 +156,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key>=threshold: caller message" while the key's level
+    /// is at least the threshold (a missing key has level 0), else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
         const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
         ArgumentList arguments);
 
-    // Text: the keys that are on, joined with "/": caller message.
-
-    /// Writes the line while one of the keys is on.
+    /// Writes the line "A/B: caller message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
@@ -174,14 +173,16 @@ public:
                 functionName, logAlways, keys, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A/B: caller message" while one of the keys is on (A and
+    /// B are those that are).
     static void logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(const char* functionName,
                                                                                      bool logAlways,
                                                                                      const NSArray& keys,
                                                                                      StringView format,
                                                                                      ArgumentList arguments);
 
-    /// Returns the text, or nil, while one of the keys is on.
+    /// Returns the line "A/B: caller message" while one of the keys is on (A and B are those that are), else
+    /// nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
@@ -193,14 +194,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A/B: caller message" while one of the keys is on (A
+    /// and B are those that are), else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
         const char* functionName, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    // Text: the keys joined with "+": caller message.
-
-    /// Writes the line while all of the keys are on, of which there must be one.
+    /// Writes the line "A+B: caller message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void logFunctionName_logAlways_logForAllTraceKeysOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
@@ -211,12 +211,14 @@ public:
                 functionName, logAlways, keys, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A+B: caller message" while all of the keys are on, of
+    /// which there must be one.
     static void logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
         const char* functionName, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    /// Returns the text, or nil, while all of the keys are on, of which there must be one.
+    /// Returns the line "A+B: caller message" while all of the keys are on, of which there must be one, else
+    /// nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
@@ -228,14 +230,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A+B: caller message" while all of the keys are on, of
+    /// which there must be one, else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
         const char* functionName, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    // Text: Trace: caller message.
-
-    /// Writes the line while any trace key at all is on.
+    /// Writes the line "Trace: caller message" while any trace key is on.
     template <class... Arguments>
     static void logFunctionName_logAlways_logForAnyTraceKeyUsingFormat(
         const char* functionName, bool logAlways, FormatString<std::type_identity_t<Arguments>...> format,
@@ -246,13 +247,13 @@ public:
                                                                               format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "Trace: caller message" while any trace key is on.
     static void logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(const char* functionName,
                                                                                   bool logAlways,
                                                                                   StringView format,
                                                                                   ArgumentList arguments);
 
-    /// Returns the text, or nil, while any trace key at all is on.
+    /// Returns the line "Trace: caller message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormat(
         const char* functionName, bool logAlways, FormatString<std::type_identity_t<Arguments>...> format,
@@ -264,7 +265,8 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "Trace: caller message" while any trace key is on, else
+    /// nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
         const char* functionName, bool logAlways, StringView format, ArgumentList arguments);
 };

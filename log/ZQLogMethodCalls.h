@@ -23,9 +23,7 @@ public:
     static NSString logSelf_method_logAlways_logString(const LogCaller& self, StringView method,
                                                        bool logAlways, StringView text);
 
-    // Text: caller message.
-
-    /// Writes the line.
+    /// Writes the line "caller message".
     template <class... Arguments>
     static void
     logSelf_method_logAlways_logWithFormat(const LogCaller& self, StringView method, bool logAlways,
@@ -37,12 +35,12 @@ public:
                                                               packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "caller message".
     static void logSelf_method_logAlways_logWithFormatv_arguments(const LogCaller& self, StringView method,
                                                                   bool logAlways, StringView format,
                                                                   ArgumentList arguments);
 
-    /// Returns the text, or nil.
+    /// Returns the line "caller message", else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logSelf_method_logAlways_logStringWithFormat(const LogCaller& self, StringView method, bool logAlways,
@@ -55,15 +53,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "caller message", else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringWithFormatv_arguments(const LogCaller& self,
                                                                             StringView method, bool logAlways,
                                                                             StringView format,
                                                                             ArgumentList arguments);
 
-    // Text: key: caller message.
-
-    /// Writes the line while the trace key is on.
+    /// Writes the line "key: caller message" while the trace key is on.
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key,
@@ -74,14 +70,14 @@ public:
                                                                            format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key: caller message" while the trace key is on.
     static void logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(const LogCaller& self,
                                                                                StringView method,
                                                                                bool logAlways, StringView key,
                                                                                StringView format,
                                                                                ArgumentList arguments);
 
-    /// Returns the text, or nil, while the trace key is on.
+    /// Returns the line "key: caller message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key,
@@ -93,14 +89,14 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key: caller message" while the trace key is on, else
+    /// nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForTraceKey_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView key, StringView format,
         ArgumentList arguments);
 
-    // Text: key=value: caller message.
-
-    /// Writes the line while the key's level equals the value (a missing key has level 0).
+    /// Writes the line "key=value: caller message" while the key's level equals the value (a missing key has
+    /// level 0).
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_value_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
@@ -111,12 +107,14 @@ public:
                 self, method, logAlways, key, value, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key=value: caller message" while the key's level equals
+    /// the value (a missing key has level 0).
     static void logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
         StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level equals the value (a missing key has level 0).
+    /// Returns the line "key=value: caller message" while the key's level equals the value (a missing key has
+    /// level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
@@ -128,14 +126,14 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key=value: caller message" while the key's level
+    /// equals the value (a missing key has level 0), else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
         StringView format, ArgumentList arguments);
 
-    // Text: key>=threshold: caller message.
-
-    /// Writes the line while the key's level is at least the threshold (a missing key has level 0).
+    /// Writes the line "key>=threshold: caller message" while the key's level is at least the threshold (a
+    /// missing key has level 0).
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_threshold_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
@@ -146,12 +144,14 @@ public:
                 self, method, logAlways, key, threshold, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key>=threshold: caller message" while the key's level
+    /// is at least the threshold (a missing key has level 0).
     static void logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
         StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level is at least the threshold (a missing key has level 0).
+    /// Returns the line "key>=threshold: caller message" while the key's level is at least the threshold (a
+    /// missing key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
@@ -163,14 +163,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key>=threshold: caller message" while the key's level
+    /// is at least the threshold (a missing key has level 0), else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
         StringView format, ArgumentList arguments);
 
-    // Text: the keys that are on, joined with "/": caller message.
-
-    /// Writes the line while one of the keys is on.
+    /// Writes the line "A/B: caller message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
@@ -181,12 +180,14 @@ public:
                                                                                 format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A/B: caller message" while one of the keys is on (A and
+    /// B are those that are).
     static void logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    /// Returns the text, or nil, while one of the keys is on.
+    /// Returns the line "A/B: caller message" while one of the keys is on (A and B are those that are), else
+    /// nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
@@ -198,14 +199,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A/B: caller message" while one of the keys is on (A
+    /// and B are those that are), else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    // Text: the keys joined with "+": caller message.
-
-    /// Writes the line while all of the keys are on, of which there must be one.
+    /// Writes the line "A+B: caller message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAllTraceKeysOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
@@ -216,12 +216,14 @@ public:
                 self, method, logAlways, keys, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A+B: caller message" while all of the keys are on, of
+    /// which there must be one.
     static void logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    /// Returns the text, or nil, while all of the keys are on, of which there must be one.
+    /// Returns the line "A+B: caller message" while all of the keys are on, of which there must be one, else
+    /// nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
@@ -233,14 +235,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A+B: caller message" while all of the keys are on, of
+    /// which there must be one, else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
-    // Text: Trace: caller message.
-
-    /// Writes the line while any trace key at all is on.
+    /// Writes the line "Trace: caller message" while any trace key is on.
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormat(
         const LogCaller& self, StringView method, bool logAlways,
@@ -251,11 +252,11 @@ public:
                                                                              format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "Trace: caller message" while any trace key is on.
     static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while any trace key at all is on.
+    /// Returns the line "Trace: caller message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(
         const LogCaller& self, StringView method, bool logAlways,
@@ -267,7 +268,8 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "Trace: caller message" while any trace key is on, else
+    /// nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
         const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments);
 };

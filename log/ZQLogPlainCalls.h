@@ -15,9 +15,7 @@ namespace ZQFoundation {
 /// nil and costs no allocation. Any thread may call them at any time.
 class ZQFOUNDATION_EXPORT ZQLogPlainCalls {
 public:
-    // Text: message.
-
-    /// Writes the line.
+    /// Writes the line "message".
     template <class... Arguments>
     static void logAlways_logWithFormat(bool logAlways,
                                         FormatString<std::type_identity_t<Arguments>...> format,
@@ -27,10 +25,10 @@ public:
             logAlways_logWithFormatv_arguments(logAlways, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "message".
     static void logAlways_logWithFormatv_arguments(bool logAlways, StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil.
+    /// Returns the line "message", else nil; writes nothing.
     template <class... Arguments>
     static NSString logAlways_logStringWithFormat(bool logAlways,
                                                   FormatString<std::type_identity_t<Arguments>...> format,
@@ -41,13 +39,11 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "message", else nil; writes nothing.
     static NSString logAlways_logStringWithFormatv_arguments(bool logAlways, StringView format,
                                                              ArgumentList arguments);
 
-    // Text: key: message.
-
-    /// Writes the line while the trace key is on.
+    /// Writes the line "key: message" while the trace key is on.
     template <class... Arguments>
     static void logAlways_logForTraceKey_usingFormat(bool logAlways, StringView key,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
@@ -57,11 +53,11 @@ public:
             logAlways_logForTraceKey_usingFormatv_arguments(logAlways, key, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key: message" while the trace key is on.
     static void logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
                                                                 StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while the trace key is on.
+    /// Returns the line "key: message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logAlways_logStringForTraceKey_usingFormat(bool logAlways, StringView key,
@@ -74,14 +70,14 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key: message" while the trace key is on, else nil;
+    /// writes nothing.
     static NSString logAlways_logStringForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
                                                                           StringView format,
                                                                           ArgumentList arguments);
 
-    // Text: key=value: message.
-
-    /// Writes the line while the key's level equals the value (a missing key has level 0).
+    /// Writes the line "key=value: message" while the key's level equals the value (a missing key has level
+    /// 0).
     template <class... Arguments>
     static void
     logAlways_logForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
@@ -93,12 +89,14 @@ public:
                                                                   packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key=value: message" while the key's level equals the
+    /// value (a missing key has level 0).
     static void logAlways_logForTraceKey_value_usingFormatv_arguments(bool logAlways, StringView key,
                                                                       std::int64_t value, StringView format,
                                                                       ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level equals the value (a missing key has level 0).
+    /// Returns the line "key=value: message" while the key's level equals the value (a missing key has level
+    /// 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logAlways_logStringForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
@@ -111,13 +109,13 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key=value: message" while the key's level equals the
+    /// value (a missing key has level 0), else nil; writes nothing.
     static NSString logAlways_logStringForTraceKey_value_usingFormatv_arguments(
         bool logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments);
 
-    // Text: key>=threshold: message.
-
-    /// Writes the line while the key's level is at least the threshold (a missing key has level 0).
+    /// Writes the line "key>=threshold: message" while the key's level is at least the threshold (a missing
+    /// key has level 0).
     template <class... Arguments>
     static void
     logAlways_logForTraceKey_threshold_usingFormat(bool logAlways, StringView key, std::int64_t threshold,
@@ -129,13 +127,15 @@ public:
                                                                       format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key>=threshold: message" while the key's level is at
+    /// least the threshold (a missing key has level 0).
     static void logAlways_logForTraceKey_threshold_usingFormatv_arguments(bool logAlways, StringView key,
                                                                           std::int64_t threshold,
                                                                           StringView format,
                                                                           ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level is at least the threshold (a missing key has level 0).
+    /// Returns the line "key>=threshold: message" while the key's level is at least the threshold (a missing
+    /// key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logAlways_logStringForTraceKey_threshold_usingFormat(
         bool logAlways, StringView key, std::int64_t threshold,
@@ -147,13 +147,12 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key>=threshold: message" while the key's level is at
+    /// least the threshold (a missing key has level 0), else nil; writes nothing.
     static NSString logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
         bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments);
 
-    // Text: the keys that are on, joined with "/": message.
-
-    /// Writes the line while one of the keys is on.
+    /// Writes the line "A/B: message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void
     logAlways_logForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
@@ -165,12 +164,14 @@ public:
                                                                  packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A/B: message" while one of the keys is on (A and B are
+    /// those that are).
     static void logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways, const NSArray& keys,
                                                                      StringView format,
                                                                      ArgumentList arguments);
 
-    /// Returns the text, or nil, while one of the keys is on.
+    /// Returns the line "A/B: message" while one of the keys is on (A and B are those that are), else nil;
+    /// writes nothing.
     template <class... Arguments>
     static NSString
     logAlways_logStringForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
@@ -183,15 +184,14 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A/B: message" while one of the keys is on (A and B are
+    /// those that are), else nil; writes nothing.
     static NSString logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
                                                                                const NSArray& keys,
                                                                                StringView format,
                                                                                ArgumentList arguments);
 
-    // Text: the keys joined with "+": message.
-
-    /// Writes the line while all of the keys are on, of which there must be one.
+    /// Writes the line "A+B: message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void
     logAlways_logForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
@@ -203,12 +203,14 @@ public:
                                                                   packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A+B: message" while all of the keys are on, of which
+    /// there must be one.
     static void logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways, const NSArray& keys,
                                                                       StringView format,
                                                                       ArgumentList arguments);
 
-    /// Returns the text, or nil, while all of the keys are on, of which there must be one.
+    /// Returns the line "A+B: message" while all of the keys are on, of which there must be one, else nil;
+    /// writes nothing.
     template <class... Arguments>
     static NSString
     logAlways_logStringForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
@@ -221,15 +223,14 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A+B: message" while all of the keys are on, of which
+    /// there must be one, else nil; writes nothing.
     static NSString logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
                                                                                 const NSArray& keys,
                                                                                 StringView format,
                                                                                 ArgumentList arguments);
 
-    // Text: Trace: message.
-
-    /// Writes the line while any trace key at all is on.
+    /// Writes the line "Trace: message" while any trace key is on.
     template <class... Arguments>
     static void
     logAlways_logForAnyTraceKeyUsingFormat(bool logAlways,
@@ -240,11 +241,11 @@ public:
             logAlways_logForAnyTraceKeyUsingFormatv_arguments(logAlways, format.text(), packed.list());
         }
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "Trace: message" while any trace key is on.
     static void logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
                                                                   ArgumentList arguments);
 
-    /// Returns the text, or nil, while any trace key at all is on.
+    /// Returns the line "Trace: message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logAlways_logStringForAnyTraceKeyUsingFormat(bool logAlways,
@@ -257,7 +258,8 @@ public:
         }
         return {};
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "Trace: message" while any trace key is on, else nil;
+    /// writes nothing.
     static NSString logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
                                                                             ArgumentList arguments);
 };

@@ -6,8 +6,8 @@
 
 namespace ZQFoundation {
 
-/// The short log operations of ZQLog, without caller and flag: each is the operation of the same name behind
-/// `logAlways_` with the flag YES. Call them as `ZQLog::...`.
+/// The short log operations of ZQLog, without caller and flag: each is the operation with `logAlways_` before
+/// its name and the flag YES. Call them as `ZQLog::...`.
 class ZQFOUNDATION_EXPORT ZQLogShortCalls {
 public:
     /// Writes the text as one line; nil writes nothing.
@@ -15,41 +15,43 @@ public:
 
     /// The very text passed in.
     static NSString logString(const NSString& text);
+
+    /// A string of the text passed in.
     template <detail::PlainText T>
     static NSString logString(const T& text) {
         return logString(NSString(text));
     }
 
-    /// Writes the line.
+    /// Writes the line "message".
     template <class... Arguments>
     static void logWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                               const Arguments&... arguments) {
         ZQLogPlainCalls::logAlways_logWithFormat<Arguments...>(true, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "message".
     static void logWithFormatv_arguments(StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil.
+    /// Returns the line "message", else nil; writes nothing.
     template <class... Arguments>
     static NSString logStringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                         const Arguments&... arguments) {
         return ZQLogPlainCalls::logAlways_logStringWithFormat<Arguments...>(true, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "message", else nil; writes nothing.
     static NSString logStringWithFormatv_arguments(StringView format, ArgumentList arguments);
 
-    /// Writes the line while the trace key is on.
+    /// Writes the line "key: message" while the trace key is on.
     template <class... Arguments>
     static void logForTraceKey_usingFormat(StringView key,
                                            FormatString<std::type_identity_t<Arguments>...> format,
                                            const Arguments&... arguments) {
         ZQLogPlainCalls::logAlways_logForTraceKey_usingFormat<Arguments...>(true, key, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key: message" while the trace key is on.
     static void logForTraceKey_usingFormatv_arguments(StringView key, StringView format,
                                                       ArgumentList arguments);
 
-    /// Returns the text, or nil, while the trace key is on.
+    /// Returns the line "key: message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logStringForTraceKey_usingFormat(StringView key,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
@@ -57,11 +59,13 @@ public:
         return ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormat<Arguments...>(true, key, format,
                                                                                          arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key: message" while the trace key is on, else nil;
+    /// writes nothing.
     static NSString logStringForTraceKey_usingFormatv_arguments(StringView key, StringView format,
                                                                 ArgumentList arguments);
 
-    /// Writes the line while the key's level equals the value (a missing key has level 0).
+    /// Writes the line "key=value: message" while the key's level equals the value (a missing key has level
+    /// 0).
     template <class... Arguments>
     static void logForTraceKey_value_usingFormat(StringView key, std::int64_t value,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
@@ -69,11 +73,13 @@ public:
         ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormat<Arguments...>(true, key, value, format,
                                                                                   arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key=value: message" while the key's level equals the
+    /// value (a missing key has level 0).
     static void logForTraceKey_value_usingFormatv_arguments(StringView key, std::int64_t value,
                                                             StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level equals the value (a missing key has level 0).
+    /// Returns the line "key=value: message" while the key's level equals the value (a missing key has level
+    /// 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logStringForTraceKey_value_usingFormat(StringView key, std::int64_t value,
@@ -82,12 +88,14 @@ public:
         return ZQLogPlainCalls::logAlways_logStringForTraceKey_value_usingFormat<Arguments...>(
             true, key, value, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key=value: message" while the key's level equals the
+    /// value (a missing key has level 0), else nil; writes nothing.
     static NSString logStringForTraceKey_value_usingFormatv_arguments(StringView key, std::int64_t value,
                                                                       StringView format,
                                                                       ArgumentList arguments);
 
-    /// Writes the line while the key's level is at least the threshold (a missing key has level 0).
+    /// Writes the line "key>=threshold: message" while the key's level is at least the threshold (a missing
+    /// key has level 0).
     template <class... Arguments>
     static void logForTraceKey_threshold_usingFormat(StringView key, std::int64_t threshold,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
@@ -95,11 +103,13 @@ public:
         ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormat<Arguments...>(true, key, threshold,
                                                                                       format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "key>=threshold: message" while the key's level is at
+    /// least the threshold (a missing key has level 0).
     static void logForTraceKey_threshold_usingFormatv_arguments(StringView key, std::int64_t threshold,
                                                                 StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while the key's level is at least the threshold (a missing key has level 0).
+    /// Returns the line "key>=threshold: message" while the key's level is at least the threshold (a missing
+    /// key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logStringForTraceKey_threshold_usingFormat(StringView key, std::int64_t threshold,
@@ -108,13 +118,14 @@ public:
         return ZQLogPlainCalls::logAlways_logStringForTraceKey_threshold_usingFormat<Arguments...>(
             true, key, threshold, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "key>=threshold: message" while the key's level is at
+    /// least the threshold (a missing key has level 0), else nil; writes nothing.
     static NSString logStringForTraceKey_threshold_usingFormatv_arguments(StringView key,
                                                                           std::int64_t threshold,
                                                                           StringView format,
                                                                           ArgumentList arguments);
 
-    /// Writes the line while one of the keys is on.
+    /// Writes the line "A/B: message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void logForAnyTraceKeyOf_usingFormat(const NSArray& keys,
                                                 FormatString<std::type_identity_t<Arguments>...> format,
@@ -122,11 +133,13 @@ public:
         ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormat<Arguments...>(true, keys, format,
                                                                                  arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A/B: message" while one of the keys is on (A and B are
+    /// those that are).
     static void logForAnyTraceKeyOf_usingFormatv_arguments(const NSArray& keys, StringView format,
                                                            ArgumentList arguments);
 
-    /// Returns the text, or nil, while one of the keys is on.
+    /// Returns the line "A/B: message" while one of the keys is on (A and B are those that are), else nil;
+    /// writes nothing.
     template <class... Arguments>
     static NSString
     logStringForAnyTraceKeyOf_usingFormat(const NSArray& keys,
@@ -135,11 +148,12 @@ public:
         return ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormat<Arguments...>(
             true, keys, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A/B: message" while one of the keys is on (A and B are
+    /// those that are), else nil; writes nothing.
     static NSString logStringForAnyTraceKeyOf_usingFormatv_arguments(const NSArray& keys, StringView format,
                                                                      ArgumentList arguments);
 
-    /// Writes the line while all of the keys are on, of which there must be one.
+    /// Writes the line "A+B: message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void logForAllTraceKeysOf_usingFormat(const NSArray& keys,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
@@ -147,11 +161,13 @@ public:
         ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormat<Arguments...>(true, keys, format,
                                                                                   arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "A+B: message" while all of the keys are on, of which
+    /// there must be one.
     static void logForAllTraceKeysOf_usingFormatv_arguments(const NSArray& keys, StringView format,
                                                             ArgumentList arguments);
 
-    /// Returns the text, or nil, while all of the keys are on, of which there must be one.
+    /// Returns the line "A+B: message" while all of the keys are on, of which there must be one, else nil;
+    /// writes nothing.
     template <class... Arguments>
     static NSString
     logStringForAllTraceKeysOf_usingFormat(const NSArray& keys,
@@ -160,20 +176,21 @@ public:
         return ZQLogPlainCalls::logAlways_logStringForAllTraceKeysOf_usingFormat<Arguments...>(
             true, keys, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "A+B: message" while all of the keys are on, of which
+    /// there must be one, else nil; writes nothing.
     static NSString logStringForAllTraceKeysOf_usingFormatv_arguments(const NSArray& keys, StringView format,
                                                                       ArgumentList arguments);
 
-    /// Writes the line while any trace key at all is on.
+    /// Writes the line "Trace: message" while any trace key is on.
     template <class... Arguments>
     static void logForAnyTraceKeyUsingFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                              const Arguments&... arguments) {
         ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormat<Arguments...>(true, format, arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: writes the line "Trace: message" while any trace key is on.
     static void logForAnyTraceKeyUsingFormatv_arguments(StringView format, ArgumentList arguments);
 
-    /// Returns the text, or nil, while any trace key at all is on.
+    /// Returns the line "Trace: message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString
     logStringForAnyTraceKeyUsingFormat(FormatString<std::type_identity_t<Arguments>...> format,
@@ -181,7 +198,8 @@ public:
         return ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormat<Arguments...>(true, format,
                                                                                            arguments...);
     }
-    /// The same for a started argument list.
+    /// With a started argument list: returns the line "Trace: message" while any trace key is on, else nil;
+    /// writes nothing.
     static NSString logStringForAnyTraceKeyUsingFormatv_arguments(StringView format, ArgumentList arguments);
 };
 

@@ -9,39 +9,39 @@ namespace ZQFoundation {
 
 /// How a migration ended. The numbers are fixed, gaps included.
 enum ZQFileMigrationRetvalType : std::uint32_t {
-    kFileMigrationSuccess = 0,
+    kFileMigrationSuccess = 0, ///< migrated
 
-    kFileMigrationSourceNotSpecified = 1,
-    kFileMigrationDestinationNotSpecified = 2,
+    kFileMigrationSourceNotSpecified = 1,      ///< the source is nil or empty
+    kFileMigrationDestinationNotSpecified = 2, ///< the destination is nil or empty
 
-    kFileMigrationSourceDoesNotExist = 10,
-    kFileMigrationSourceParentDoesNotExist = 11, ///< returned by no operation
-    kFileMigrationSourceIsFolder = 12,
-    kFileMigrationSourceIsFile = 13,
-    kFileMigrationSourceFileUnreadable = 14,
+    kFileMigrationSourceDoesNotExist = 10,        ///< nothing exists at the source
+    kFileMigrationSourceParentDoesNotExist = 11,  ///< returned by no operation
+    kFileMigrationSourceIsFolder = 12,            ///< a file was to be migrated
+    kFileMigrationSourceIsFile = 13,              ///< a folder was to be migrated
+    kFileMigrationSourceFileUnreadable = 14,      ///< the source cannot be read
     kFileMigrationSourceFileCannotBeRemoved = 15, ///< source and complete copy both exist
 
-    kFileMigrationDestinationParentFolderDoesNotExist = 20,
-    kFileMigrationDestinationParentFolderIsFile = 21,
-    kFileMigrationDestinationParentFolderCreationFailed = 22,
+    kFileMigrationDestinationParentFolderDoesNotExist = 20,   ///< and was not to be made
+    kFileMigrationDestinationParentFolderIsFile = 21,         ///< a file is where the folder should be
+    kFileMigrationDestinationParentFolderCreationFailed = 22, ///< the folder could not be made
 
-    kFileMigrationDestinationFileExists = 30,
-    kFileMigrationDestinationFolderExists = 31,
-    kFileMigrationDestinationIsFolder = 32,
-    kFileMigrationDestinationIsFile = 33,
-    kFileMigrationDestinationFileOverwritingFailed = 34,
-    kFileMigrationDestinationFileWritingFailed = 35,
-    kFileMigrationDestinationFolderOverwritingFailed = 36,
-    kFileMigrationDestinationFolderWritingFailed = 37,
+    kFileMigrationDestinationFileExists = 30,              ///< and was not to be overwritten
+    kFileMigrationDestinationFolderExists = 31,            ///< and was not to be overwritten
+    kFileMigrationDestinationIsFolder = 32,                ///< a file does not overwrite a folder
+    kFileMigrationDestinationIsFile = 33,                  ///< a folder does not overwrite a file
+    kFileMigrationDestinationFileOverwritingFailed = 34,   ///< the file there could not be removed
+    kFileMigrationDestinationFileWritingFailed = 35,       ///< the copy failed
+    kFileMigrationDestinationFolderOverwritingFailed = 36, ///< the folder there could not be removed
+    kFileMigrationDestinationFolderWritingFailed = 37,     ///< the copy failed
 };
 
 /// What a migration may do, by name. The flags mean what the arguments of the same names mean.
 struct ZQMigrationOptions {
-    bool keepOriginal = false;
-    bool createDestinationParentFolder = false;
-    bool overwriteDestination = false;
-    bool renameIfDestinationExists = false;
-    bool includeDotFiles = false; ///< looked at by `migrateFiles` only
+    bool keepOriginal = false;                  ///< copy: the source stays
+    bool createDestinationParentFolder = false; ///< make missing folders above the destination
+    bool overwriteDestination = false;          ///< remove what exists at the destination first
+    bool renameIfDestinationExists = false;     ///< else take a free name beside it
+    bool includeDotFiles = false;               ///< used by `migrateFiles` only
 };
 
 /// How far a migration is.
@@ -74,7 +74,7 @@ public:
 
 /// How the migration of one file or folder has ended.
 struct ZQMigrationResult {
-    ZQFileMigrationRetvalType code = kFileMigrationSuccess;
+    ZQFileMigrationRetvalType code = kFileMigrationSuccess; ///< how it ended
     bool isStopped = false; ///< by the observer; the code is then that of a copy that failed
     NSString destination;   ///< where the copy is or was to be, "~" expanded; nil where no name was free
 };
@@ -102,15 +102,19 @@ class ZQFOUNDATION_EXPORT ZQFileMigrator {
 public:
     ZQFileMigrator() = delete;
 
-    /// Migrates one file, one folder with all that it holds, or all files of one extension (every file for
-    /// nil or "") below a folder: the operations below with names in place of booleans, and somebody to
-    /// follow them. The observer may be null.
+    /// Migrates one file: `migrateFileFrom_to_...` with named options. The observer may be null.
     [[nodiscard]] static ZQMigrationResult migrateFile(const NSString& source, const NSString& destination,
                                                        const ZQMigrationOptions& options,
                                                        ZQMigrationObserver* observer = nullptr);
+
+    /// Migrates one folder with all that it holds: `migrateFolderFrom_to_...` with named options. The
+    /// observer may be null.
     [[nodiscard]] static ZQMigrationResult migrateFolder(const NSString& source, const NSString& destination,
                                                          const ZQMigrationOptions& options,
                                                          ZQMigrationObserver* observer = nullptr);
+
+    /// Migrates all files of one extension (every file for nil or "") below a folder:
+    /// `migrateFilesWithExtension_from_to_...` with named options. The observer may be null.
     [[nodiscard]] static ZQBatchMigrationResult
     migrateFiles(const NSString& extension, const NSString& source, const NSString& destination,
                  const ZQMigrationOptions& options, ZQMigrationObserver* observer = nullptr);
@@ -120,7 +124,7 @@ public:
     ///
     /// `keepOriginal`: copy, do not remove the source. `createDestinationParentFolder`: make the missing
     /// folders above the destination, which stay whatever fails later. `overwriteDestinationFile`: remove
-    /// what stands at the destination **before** the copy. `renameIfDestinationFileExists`, when not
+    /// what exists at the destination **before** the copy. `renameIfDestinationFileExists`, when not
     /// overwriting: "notes.txt" becomes "notes 1.txt".
     ///
     /// A host's class registered as "NSWorkspace" is notified of the folders that changed.
@@ -130,8 +134,9 @@ public:
         bool createDestinationParentFolder, bool overwriteDestinationFile,
         bool renameIfDestinationFileExists);
 
-    /// The same for one folder with all that it holds; trees are not merged. **Nobody is notified** unless a
-    /// class is registered as "SomeClass". A renamed copy of a folder "Data" is "Data 1.", with the period.
+    /// Migrates one folder with all that it holds, as `migrateFileFrom_to_...` does one file; trees are not
+    /// merged. **Nobody is notified** unless a class is registered as "SomeClass". A renamed copy of a folder
+    /// "Data" is "Data 1.", with the period.
     [[nodiscard]] static ZQFileMigrationRetvalType
     migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
         const NSString& source, const NSString& destination, bool keepOriginal,
@@ -140,7 +145,7 @@ public:
 
     /// Migrates every file of that extension (every file for nil or "") from the tree below one folder to the
     /// same relative place below another. Without `includeDotFiles`, what begins with "." at the top of the
-    /// tree is ignored with all that it holds. Folders are never entered through links. **A subfolder that
+    /// tree is ignored with all that it holds. Links to folders are not followed. **A subfolder that
     /// cannot be read is ignored without an entry**: do not remove the source folder because all codes are 0.
     ///
     /// Relative path -> code, successes included; an empty key for a failure of the whole call; empty when
@@ -158,12 +163,13 @@ public:
     /// key; empty when none failed.
     [[nodiscard]] static NSMutableString descriptionOfFileMigrationErrorsIn(const NSDictionary& results);
 
-    /// The path when nothing exists there, else the first free one of "<path without extension><intermediate
-    /// string><counter>.<extension>", the counter from 1 to `maxAttempts` (100000 without it); nil when all
-    /// are taken. **The "." is there without an extension too.** Nothing is created: another process may
-    /// take the path.
+    /// `uniquePathForPath_usingIntermediateString_maxAttempts` with at most 100000 attempts.
     [[nodiscard]] static NSString uniquePathForPath_usingIntermediateString(const NSString& path,
                                                                             StringView intermediateString);
+    /// The path if nothing exists there, else the first free one with a counter from 1 to `maxAttempts`; nil
+    /// if all are taken. It is made of the path without its extension, the intermediate string, the counter,
+    /// "." and the extension. **The "." is there without an extension too.** Nothing is created: another
+    /// process may take the path.
     [[nodiscard]] static NSString
     uniquePathForPath_usingIntermediateString_maxAttempts(const NSString& path, StringView intermediateString,
                                                           std::uint64_t maxAttempts);

@@ -24,39 +24,45 @@ public:
     NSFileHandle& operator=(NSFileHandle&& other) noexcept;
     ~NSFileHandle();
 
-    /// An existing item opened at offset 0, neither made nor cut off. Nil when it is absent, a folder, or not
-    /// permitted. A pipe without a reader is refused, not waited for.
+    /// An existing item opened for writing at offset 0, neither made nor truncated. Nil if it is absent, a
+    /// folder, or not permitted. A pipe without a reader is refused, not waited for.
     static NSFileHandle fileHandleForWritingAtPath(StringView path);
+
+    /// An existing item opened for reading at offset 0, neither made nor truncated. Nil if it is absent, a
+    /// folder, or not permitted. A pipe is opened without waiting for a writer.
     static NSFileHandle fileHandleForReadingAtPath(StringView path);
+
+    /// An existing item opened for reading and writing at offset 0, neither made nor truncated. Nil if it is
+    /// absent, a folder, or not permitted. A pipe without a reader is refused, not waited for.
     static NSFileHandle fileHandleForUpdatingAtPath(StringView path);
 
     /// True unless the handle is nil, also after `closeFile`.
     explicit operator bool() const noexcept { return state_ != State::absent; }
 
-    /// -1 for nil; raises after `closeFile`.
+    /// The descriptor, which the handle owns; -1 for nil. Raises after `closeFile`.
     int fileDescriptor() const;
 
-    /// Moves to the end; the offset in bytes that this leads to.
+    /// Moves to the end; returns that offset in bytes.
     std::uint64_t seekToEndOfFile();
-    /// Moves to an offset in bytes, which may lie beyond the end.
+    /// Moves to an offset in bytes, which may be beyond the end.
     void seekToFileOffset(std::uint64_t offset);
     /// The offset in bytes at which the next operation begins.
     std::uint64_t offsetInFile() const;
 
-    /// All bytes, or it raises; what was written before a failure stays. Nil and empty data write nothing.
-    /// Never raises a signal for a reader that is gone or a file-size limit.
+    /// Writes all bytes, or raises; what was written before a failure stays. Nil and empty data write
+    /// nothing. Never raises a signal for a reader that is gone or a file-size limit.
     void writeData(const NSData& data);
 
-    /// From here on at most `length` bytes, fewer only before the end; empty at the end.
+    /// Reads at most `length` bytes from here on, fewer only before the end; empty at the end.
     NSData readDataOfLength(std::size_t length);
-    /// From here to the end; empty there.
+    /// Reads from here to the end; empty at the end.
     NSData readDataToEndOfFile();
 
-    /// Cuts the file off or fills it up with zeros; the offset is at the new end. A file-size limit shows as
+    /// Truncates the file or extends it with zeros; the offset is at the new end. A file-size limit shows as
     /// a failure and raises no signal.
     void truncateFileAtOffset(std::uint64_t offset);
 
-    /// Waits until the file's contents are with the storage device.
+    /// Waits until the storage device has the file's contents.
     void synchronizeFile();
 
     /// Closes the descriptor; closing twice is no failure.

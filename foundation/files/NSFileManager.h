@@ -17,9 +17,9 @@ class TreeWalk;
 ///     NSDirectoryEnumerator items = NSFileManager::defaultManager().enumeratorAtPath(folder);
 ///     while (const NSString path = items.nextObject()) ... // "sub", "sub/a.log"
 ///
-/// Paths are relative to the start. Links are told and never entered, except that the start itself may be
-/// one. What cannot be read is told and passed over. Siblings come in any order. Items that were told may be
-/// removed meanwhile. Movable; belongs to one thread at a time.
+/// Paths are relative to the start. Links are reported but not followed, except that the start itself may be
+/// one. What cannot be read is reported and skipped. Siblings come in any order. Items that were reported may
+/// be removed meanwhile. Movable; belongs to one thread at a time.
 class ZQFOUNDATION_EXPORT NSDirectoryEnumerator {
 public:
     NSDirectoryEnumerator() noexcept = default;
@@ -29,10 +29,11 @@ public:
     NSDirectoryEnumerator& operator=(NSDirectoryEnumerator&& other) noexcept;
     ~NSDirectoryEnumerator();
 
-    /// The next item's path. Nil at the end, and at once for a start that is no folder or cannot be read.
+    /// The next item's path, relative to the start. Nil at the end, and at once for a start that is no folder
+    /// or cannot be read.
     NSString nextObject();
 
-    /// Does not enter the folder that was told last. Nothing before the first item.
+    /// Does not enter the folder last returned. Does nothing before the first item.
     void skipDescendents();
 
 private:
@@ -42,31 +43,62 @@ private:
     detail::TreeWalk* walk_ = nullptr;
 };
 
-/// The keys of attribute dictionaries.
+/// Attribute: one of the values `NSFileTypeRegular`, ...
 inline constexpr const char* NSFileType = "NSFileType";
-inline constexpr const char* NSFileSize = "NSFileSize"; ///< bytes
-inline constexpr const char* NSFileModificationDate =
-    "NSFileModificationDate"; ///< as far as a double holds it
-inline constexpr const char* NSFileCreationDate =
-    "NSFileCreationDate"; ///< absent where the system keeps none
-inline constexpr const char* NSFilePosixPermissions = "NSFilePosixPermissions"; ///< the low 12 mode bits
+
+/// Attribute: the size in bytes.
+inline constexpr const char* NSFileSize = "NSFileSize";
+
+/// Attribute: when the contents last changed, as exactly as a date holds it.
+inline constexpr const char* NSFileModificationDate = "NSFileModificationDate";
+
+/// Attribute: when the item was made; absent where the system keeps no such time.
+inline constexpr const char* NSFileCreationDate = "NSFileCreationDate";
+
+/// Attribute: the low 12 bits of the mode.
+inline constexpr const char* NSFilePosixPermissions = "NSFilePosixPermissions";
+
+/// Attribute: the number of hard links.
 inline constexpr const char* NSFileReferenceCount = "NSFileReferenceCount";
+
+/// Attribute: the number of the owner.
 inline constexpr const char* NSFileOwnerAccountID = "NSFileOwnerAccountID";
-inline constexpr const char* NSFileOwnerAccountName =
-    "NSFileOwnerAccountName"; ///< absent for an unknown account
+
+/// Attribute: the name of the owner; absent for an unknown account.
+inline constexpr const char* NSFileOwnerAccountName = "NSFileOwnerAccountName";
+
+/// Attribute: the number of the group.
 inline constexpr const char* NSFileGroupOwnerAccountID = "NSFileGroupOwnerAccountID";
+
+/// Attribute: the name of the group; absent for an unknown one.
 inline constexpr const char* NSFileGroupOwnerAccountName = "NSFileGroupOwnerAccountName";
+
+/// Attribute: the number of the device that holds the item.
 inline constexpr const char* NSFileSystemNumber = "NSFileSystemNumber";
+
+/// Attribute: the item's number on that device (inode).
 inline constexpr const char* NSFileSystemFileNumber = "NSFileSystemFileNumber";
 
-/// The values under `NSFileType`.
+/// `NSFileType` of an ordinary file.
 inline constexpr const char* NSFileTypeRegular = "NSFileTypeRegular";
+
+/// `NSFileType` of a folder.
 inline constexpr const char* NSFileTypeDirectory = "NSFileTypeDirectory";
+
+/// `NSFileType` of a symbolic link.
 inline constexpr const char* NSFileTypeSymbolicLink = "NSFileTypeSymbolicLink";
+
+/// `NSFileType` of a socket.
 inline constexpr const char* NSFileTypeSocket = "NSFileTypeSocket";
+
+/// `NSFileType` of a character device.
 inline constexpr const char* NSFileTypeCharacterSpecial = "NSFileTypeCharacterSpecial";
+
+/// `NSFileType` of a block device.
 inline constexpr const char* NSFileTypeBlockSpecial = "NSFileTypeBlockSpecial";
-inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown"; ///< pipes
+
+/// `NSFileType` of anything else, such as a pipe.
+inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown";
 
 /// Files and folders by path.
 ///
@@ -74,8 +106,8 @@ inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown"; ///< pipes
 ///     NSString reason;
 ///     if (!files.removeItemAtPath_error(path, &reason)) ...
 ///
-/// A path is taken as it stands: no "~" is expanded, a relative one is relative to the current folder. Nil,
-/// the empty path, U+0000 and unpaired surrogates that stand for no byte of a file name make every operation
+/// A path is taken as it is: no "~" is expanded, a relative one is relative to the current folder. Nil,
+/// the empty path, U+0000 and unpaired surrogates that represent no byte of a file name make every operation
 /// fail. Failures are false or nil, never exceptions; `errorText`, where there is one and it is given, then
 /// says what went wrong ("/a/b: Permission denied") and becomes nil on success.
 ///
@@ -89,27 +121,28 @@ public:
     NSFileManager(const NSFileManager&) = delete;
     NSFileManager& operator=(const NSFileManager&) = delete;
 
-    /// Whether anything stands at the path. Links are followed: a dangling link does not exist.
+    /// Whether anything exists at the path. Links are followed: a dangling link does not exist.
     bool fileExistsAtPath(StringView path) const;
 
-    /// The same, and whether it is a folder: `*isDirectory`, when given, is written only when the result is
-    /// true.
+    /// Whether anything exists at the path, and whether it is a folder: `*isDirectory`, unless null, is
+    /// written only if the result is true. Links are followed.
     bool fileExistsAtPath_isDirectory(StringView path, bool* isDirectory) const;
 
-    /// Whether the process may read or write what is there, by its real user and group. Links are followed;
-    /// folders count too.
+    /// Whether the process may read the file or folder, by its real user and group. Links are followed.
     bool isReadableFileAtPath(StringView path) const;
+
+    /// Whether the process may write the file or folder, by its real user and group. Links are followed.
     bool isWritableFileAtPath(StringView path) const;
 
-    /// What the item itself is, a link not being followed; nil when there is none.
+    /// The attributes of the item itself, by the keys above; a link is not followed. Nil if there is none.
     NSDictionary attributesOfItemAtPath_error(StringView path, NSString* errorText = nullptr) const;
 
     /// The names in a folder without "." and "..", dot files included, in the order of the file system. Nil
-    /// for what is no folder or cannot be read.
+    /// if it is no folder or cannot be read.
     NSArray contentsOfDirectoryAtPath_error(StringView path, NSString* errorText = nullptr) const;
 
-    /// Makes a folder. Without intermediates: false when anything stands at the path. With them: also makes
-    /// the missing folders above, and true when a folder, or a link to one, stands there already; folders
+    /// Makes a folder. Without intermediates: false if anything exists at the path. With them: also makes
+    /// the missing folders above, and true if a folder, or a link to one, exists there already; folders
     /// made before a failure stay. Mode 0777 less the umask, then the attributes, for each folder that was
     /// made; attributes that are unknown or cannot be applied are ignored.
     bool createDirectoryAtPath_withIntermediateDirectories_attributes_error(StringView path,
@@ -117,17 +150,17 @@ public:
                                                                             const NSDictionary& attributes,
                                                                             NSString* errorText = nullptr);
 
-    /// Writes a new file beside the path and renames it over what stands there: others see the old file or
+    /// Writes a new file beside the path and renames it over what exists there: others see the old file or
     /// the whole new one. A link at the path is replaced, not followed. An existing file's mode is kept, a
     /// new one gets 0666 less the umask, then the attributes (permissions, modification date, owner) are
     /// applied, failures ignored. Nil contents make an empty file. False for a folder at the path.
     bool createFileAtPath_contents_attributes(StringView path, const NSData& contents,
                                               const NSDictionary& attributes);
 
-    /// Everything below the folder.
+    /// Walks everything below the folder; empty if it cannot be read.
     NSDirectoryEnumerator enumeratorAtPath(StringView path) const;
 
-    /// Copies a file, a link as a link with the same text, or a whole tree. Nothing may stand at the
+    /// Copies a file, a link as a link with the same text, or a whole tree. Nothing may exist at the
     /// destination (a dangling link counts), and its parent must exist. Kept are contents (holes too),
     /// permissions, modification and access times, extended attributes, access lists, and the owner where
     /// that is allowed; hard links become separate files, pipes and sockets are made anew, devices where that
@@ -144,18 +177,21 @@ public:
     /// there or something could not be removed; what was removed until then is gone.
     bool removeItemAtPath_error(StringView path, NSString* errorText = nullptr);
 
-    // NSFileManager(ZQFoundation)
+    /// @name NSFileManager(ZQFoundation)
+    /// @{
 
-    /// What the path leads to, through links: a dangling link leads to neither.
+    /// Whether the path leads to an ordinary file, through links too.
     bool isRegularFileAtPath(StringView path) const;
+
+    /// Whether the path leads to a folder, through links too.
     bool isDirectoryAtPath(StringView path) const;
 
     /// `createDirectoryAtPath_withIntermediateDirectories_attributes_error` with `deepCreate` as its switch.
     bool createDirectoryAtPath_attributes_deepCreate(StringView path, const NSDictionary& attributes,
                                                      bool deepCreate);
 
-    /// Creates the file and, when asked for, first the missing folders above it, each with the folder
-    /// attributes. False, and nothing made, when something other than a folder stands where the parent
+    /// Creates the file and, if `deepCreate`, first the missing folders above it, each with the folder
+    /// attributes. False, and nothing made, if something other than a folder is where the parent
     /// should.
     bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
@@ -165,6 +201,8 @@ public:
     /// a relative path "a/b" is made as "/a/b". True for an empty path. Stops at the first failure; folders
     /// made before it stay.
     bool recursivelyCreateDirectoriesInPath(StringView path);
+
+    /// @}
 
 private:
     constexpr NSFileManager() noexcept = default;

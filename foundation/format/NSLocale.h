@@ -17,13 +17,13 @@ public:
     constexpr NSLocale() noexcept = default;
     constexpr NSLocale(std::nullptr_t) noexcept {}
 
-    /// A dictionary may stand for a locale; only its `NSDecimalSeparator` is used ("." when it is missing,
+    /// A locale made of a dictionary, of which only `NSDecimalSeparator` is used ("." when it is missing,
     /// empty or no string), and nothing is grouped. Nil gives nil.
     NSLocale(const NSDictionary& separators);
 
-    /// The user's: the default `AppleLocale`, else what the environment says in LC_ALL, LC_NUMERIC or LANG,
-    /// the first that is set counting; "C", "POSIX" and none at all are "en_US_POSIX". Never nil; read anew
-    /// at each call.
+    /// The user's locale: the default `AppleLocale`, else the first that is set of LC_ALL, LC_NUMERIC and
+    /// LANG in the environment; "C", "POSIX" and none at all are "en_US_POSIX". Never nil; read anew at each
+    /// call.
     static NSLocale currentLocale();
 
     /// "de_DE", "de-AT", "zh-Hant_TW", "de_DE.UTF-8"; an unknown region has its language's customs, an
@@ -37,18 +37,20 @@ public:
     /// empty for a locale made of a dictionary.
     NSString localeIdentifier() const noexcept { return identifier_; }
 
-    /// What stands between the whole part of a number and its fraction; nil for nil.
+    /// The text between the whole part of a number and its fraction; nil for nil.
     NSString decimalSeparator() const noexcept { return decimalSeparator_; }
 
-    /// Empty when numbers are not grouped.
+    /// The text between groups of digits; empty if numbers are not grouped.
     NSString groupingSeparator() const noexcept { return groupingSeparator_; }
 
-    /// Digits next to the decimal separator, and of every further group.
+    /// The number of digits in the group next to the decimal separator.
     unsigned groupSize() const noexcept { return groupSize_; }
+
+    /// The number of digits in every further group.
     unsigned secondaryGroupSize() const noexcept { return secondaryGroupSize_; }
 
-    /// Digits that must stand in front of the last group for a number to be grouped at all: 2 in Spanish,
-    /// which writes 1234 and 12.345.
+    /// The number of digits before the last group from which a number is grouped at all: 2 in Spanish, which
+    /// writes 1234 and 12.345.
     unsigned minimumGroupingDigits() const noexcept { return minimumGroupingDigits_; }
 
 private:

@@ -12,7 +12,7 @@ namespace ZQFoundation {
 ///     NSString key;
 ///     scanner.scanUpToString_intoString(":", &key); // true; key is "key"
 ///
-/// Every scan first passes over the characters to be skipped. One that fails leaves the location as it was,
+/// Every scan first skips the characters to be skipped. One that fails leaves the location as it was,
 /// before those, and its output untouched. Outputs may be null. A scanner belongs to one thread at a time.
 class ZQFOUNDATION_EXPORT NSScanner {
 public:
@@ -31,54 +31,77 @@ public:
     /// Moves to that unit; raises NSRangeException beyond the length.
     void setScanLocation(std::size_t location);
 
-    /// White space and newlines unless set otherwise; nil or an empty set: nothing is skipped.
+    /// The characters that every scan skips first: white space and newlines unless set otherwise.
     const NSCharacterSet& charactersToBeSkipped() const noexcept { return skipped_; }
+
+    /// Sets the characters that every scan skips first; nil or an empty set: none.
     void setCharactersToBeSkipped(NSCharacterSet set);
 
-    /// Whether a text that is looked for must have the same case; false unless set otherwise.
+    /// Whether a text that is searched for must have the same case; false unless set otherwise.
     bool caseSensitive() const noexcept { return isCaseSensitive_; }
+
+    /// Sets whether a text that is searched for must have the same case.
     void setCaseSensitive(bool isCaseSensitive) noexcept { isCaseSensitive_ = isCaseSensitive; }
 
     /// Whether only characters to be skipped remain.
     bool isAtEnd() const;
 
-    /// Takes the text when it stands right there; the output is the text as it stands in the string. An empty
-    /// or nil text is never there.
+    /// Takes the text if it follows right here; the output is the text as it is written in the string. An
+    /// empty or nil text never follows.
     bool scanString_intoString(StringView text, NSString* output);
 
-    /// Takes everything up to the text, or to the end when it does not follow. False when the text stands
-    /// right there or nothing is left. An empty or nil text never follows.
+    /// Takes everything up to the text, or to the end if it does not follow. False if the text follows right
+    /// here or nothing is left. An empty or nil text never follows.
     bool scanUpToString_intoString(StringView text, NSString* output);
 
-    /// Take the longest stretch of members; of non-members. False when it is empty.
+    /// Takes the longest run of members of the set. False if there is none.
     bool scanCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output);
+
+    /// Takes the longest run of characters that are not members of the set. False if there is none.
     bool scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output);
 
-    // Numbers are read as a string's own readings do, so white space in front is passed over also when it is
-    // not among the characters to be skipped.
+    /// @name Numbers
+    /// They are read as a string's own readings do, so leading white space is skipped even if it is not among
+    /// the characters to be skipped. Numbers beyond the range of their type saturate.
+    /// @{
 
-    /// A sign and ASCII digits, all of which are taken; saturating. False when there is no digit.
+    /// Takes a sign and ASCII digits, as a 32-bit number. False if there is no digit.
     bool scanInt(int* value);
+
+    /// Takes a sign and ASCII digits, as a 64-bit number. False if there is no digit.
     bool scanInteger(std::int64_t* value);
+
+    /// Another name for `scanInteger`.
     bool scanLongLong(std::int64_t* value) { return scanInteger(value); }
 
-    /// A decimal number with a point, as `NSString::doubleValue` reads it; false when there is no digit.
+    /// Takes a decimal number with a point, as `NSString::doubleValue` reads it. False if there is no digit.
     bool scanDouble(double* value);
+
+    /// Takes a decimal number with a point, rounded to a float. False if there is no digit.
     bool scanFloat(float* value);
 
-    /// Hexadecimal digits without a sign, "0x" in front of them or not; saturating. "0x" alone is digit 0.
+    /// Takes hexadecimal digits without a sign, after "0x" or not, as a 32-bit number. "0x" alone is digit 0.
+    /// False if there is no digit.
     bool scanHexInt(unsigned* value);
+
+    /// Takes hexadecimal digits without a sign, after "0x" or not, as a 64-bit number. "0x" alone is digit 0.
+    /// False if there is no digit.
     bool scanHexLongLong(std::uint64_t* value);
 
-    // NSScanner(ZQFoundation)
+    /// @}
 
-    /// Moves to the start of the target; true also when the scanner stands there already or before characters
-    /// to be skipped in front of it, and then it does not move. False, and the location as it was, when the
-    /// target does not follow, or when it consists of characters to be skipped and nothing else remains.
+    /// @name NSScanner(ZQFoundation)
+    /// @{
+
+    /// Moves to the start of the target; true also if the scanner is there already or before characters to be
+    /// skipped in front of it, and then it does not move. False, with the location as it was, if the target
+    /// does not follow, or if it consists of characters to be skipped and nothing else remains.
     bool scanUpToString(StringView target);
 
-    /// Moves behind the target. False, and the location as it was, when the target does not follow.
+    /// Moves to the end of the target. False, with the location as it was, if the target does not follow.
     bool scanPastString(StringView target);
+
+    /// @}
 
 private:
     std::size_t locationAfterSkipping() const;

@@ -30,7 +30,7 @@ public:
     constexpr explicit Class(const detail::ClassRecord* record) noexcept
         : NSObject(Payload{.classRecord = record}, detail::Kind::classObject) {}
 
-    /// The value when it is a class, else nil.
+    /// The value if it is a class, else nil.
     explicit Class(const NSObject& object) noexcept : NSObject(object, detail::Kind::classObject) {}
 };
 

@@ -24,6 +24,8 @@ public:
 
     /// Whether the names are the same; two nil selectors are the same too.
     friend bool operator==(const Selector& left, const Selector& right) { return left.name_ == right.name_; }
+
+    /// Whether the selector has that name; a nil selector equals a nil text.
     template <detail::PlainText T>
     friend bool operator==(const Selector& left, const T& right) {
         return left.name_ == StringView(right);

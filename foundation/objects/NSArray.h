@@ -18,10 +18,10 @@ public:
     constexpr NSArray() noexcept = default;
     constexpr NSArray(std::nullptr_t) noexcept {}
 
-    /// These elements in this order. Raises NSInvalidArgumentException when one is nil.
+    /// An array of these elements in this order. Raises NSInvalidArgumentException if one is nil.
     NSArray(std::initializer_list<NSObject> elements);
 
-    /// The value when it is an array, else nil.
+    /// The value if it is an array, else nil.
     explicit NSArray(const NSObject& object) noexcept : NSObject(object, detail::Kind::array) {}
 
     /// The empty array.
@@ -44,6 +44,8 @@ public:
 
     /// The element at the index; raises NSRangeException from the count on.
     const NSObject& objectAtIndex(std::size_t index) const;
+
+    /// The element at the index; raises NSRangeException from the count on.
     const NSObject& operator[](std::size_t index) const { return objectAtIndex(index); }
 
     /// Whether an element equals the object.
@@ -51,6 +53,8 @@ public:
 
     /// The index of the first equal element, or `notFound`.
     std::size_t indexOfObject(const NSObject& object) const;
+
+    /// What `indexOfObject` returns for an object that is no element.
     static constexpr std::size_t notFound = static_cast<std::size_t>(INT64_MAX);
 
     /// A new array with one more element at the end; nil for a nil receiver. Raises
@@ -73,11 +77,14 @@ public:
     /// Whether the elements are equal, pair by pair. False when either is nil.
     bool isEqualToArray(const NSArray& other) const;
 
-    /// The elements, for `for` loops; valid as long as a handle holds the array.
+    /// The first element, for `for` loops; valid as long as a handle holds the array.
     const NSObject* begin() const noexcept;
+
+    /// The end of the elements that start at `begin`.
     const NSObject* end() const noexcept { return begin() + count(); }
 
-    // NSArray(ZQFoundation)
+    /// @name NSArray(ZQFoundation)
+    /// @{
 
     /// "( 1, a, ( 2, 3 ) )": strings bare, nested collections condensed, "(  )" when empty; nil for nil.
     NSString condensedDescription() const;
@@ -85,14 +92,16 @@ public:
     /// Whether there is no element; false for nil.
     bool isEmpty() const noexcept;
 
-    /// Nil for an empty array.
+    /// The first element; nil if there is none.
     NSObject firstObject() const;
 
-    /// The first of each group of equal elements, in order.
+    /// A mutable copy with the first of each group of equal elements, in order.
     NSMutableArray arrayByRemovingDuplicateObjects() const;
 
     /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. Nil has none.
     NSComparisonResult compareCount(const NSArray& other) const noexcept;
+
+    /// @}
 
 private:
     friend struct detail::Access;
@@ -116,22 +125,35 @@ public:
     NSMutableArray& operator=(NSMutableArray&& other) noexcept;
     ~NSMutableArray();
 
-    /// Appends an object, or those of an array in order. Raises NSInvalidArgumentException for a nil object.
+    /// Appends an object. Raises NSInvalidArgumentException for nil.
     void addObject(NSObject object);
+
+    /// Appends the array's elements in order; nil appends nothing.
     void addObjectsFromArray(const NSArray& array);
 
-    /// By index; raise NSRangeException from the count on, and the last one when there is none to remove.
+    /// Removes the element at the index; raises NSRangeException from the count on.
     void removeObjectAtIndex(std::size_t index);
+
+    /// Puts another object in the place of the element at the index. Raises NSRangeException from the count
+    /// on, NSInvalidArgumentException for a nil object.
     void replaceObjectAtIndex_withObject(std::size_t index, NSObject object);
+
+    /// Removes the last element; raises NSRangeException if there is none.
     void removeLastObject();
+
+    /// The element at the index, valid until the array changes; raises NSRangeException from the count on.
     const NSObject& objectAtIndex(std::size_t index) const;
+
+    /// The element at the index, valid until the array changes; raises NSRangeException from the count on.
     const NSObject& operator[](std::size_t index) const { return objectAtIndex(index); }
 
     /// The number of elements so far.
     std::size_t count() const noexcept;
 
-    /// The elements, for `for` loops; valid until the array changes.
+    /// The first element, for `for` loops; valid until the array changes.
     const NSObject* begin() const noexcept;
+
+    /// The end of the elements that start at `begin`.
     const NSObject* end() const noexcept { return begin() + count(); }
 
     /// The elements as an immutable array; the builder is empty afterwards.

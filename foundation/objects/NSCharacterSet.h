@@ -25,7 +25,7 @@ public:
     constexpr NSCharacterSet() noexcept = default;
     constexpr NSCharacterSet(std::nullptr_t) noexcept {}
 
-    /// The value when it is a character set, else nil.
+    /// The value if it is a character set, else nil.
     explicit NSCharacterSet(const NSObject& object) noexcept : NSObject(object, detail::Kind::characterSet) {}
 
     /// U+0009 and category Zs.
@@ -34,7 +34,7 @@ public:
     /// U+000A to U+000D, U+0085, U+2028, U+2029.
     static NSCharacterSet newlineCharacterSet();
 
-    /// The members of both sets above.
+    /// The members of `whitespaceCharacterSet` and `newlineCharacterSet`.
     static NSCharacterSet whitespaceAndNewlineCharacterSet();
 
     /// Categories Cc and Cf.
@@ -46,28 +46,33 @@ public:
     /// Categories L* and M*.
     static NSCharacterSet letterCharacterSet();
 
-    /// Category Ll, categories Lu and Lt.
+    /// Category Ll.
     static NSCharacterSet lowercaseLetterCharacterSet();
+
+    /// Categories Lu and Lt.
     static NSCharacterSet uppercaseLetterCharacterSet();
 
     /// Categories L*, M* and N*.
     static NSCharacterSet alphanumericCharacterSet();
 
-    /// Categories P* and S*.
+    /// Categories P*.
     static NSCharacterSet punctuationCharacterSet();
+
+    /// Categories S*.
     static NSCharacterSet symbolCharacterSet();
 
-    /// ASCII letters, digits and "!$&'()*+,-./:=@_~": what stands in a URL's path as it is.
+    /// ASCII letters, digits and "!$&'()*+,-./:=@_~": what a URL's path holds unescaped.
     static NSCharacterSet URLPathAllowedCharacterSet();
 
-    /// The same and ";" and "?": what stands in its query.
+    /// The members of `URLPathAllowedCharacterSet`, ";" and "?": what a URL's query holds unescaped.
     static NSCharacterSet URLQueryAllowedCharacterSet();
 
     /// The characters of the text, of which a surrogate pair is one and an unpaired surrogate another. Empty
     /// for an empty text, nil for nil.
     static NSCharacterSet characterSetWithCharactersInString(StringView characters);
 
-    /// Code points from `range.location` on. Raises NSInvalidArgumentException when one is above U+10FFFF.
+    /// A set of the code points from `range.location` on. Raises NSInvalidArgumentException if one is above
+    /// U+10FFFF.
     static NSCharacterSet characterSetWithRange(NSRange range);
 
     /// All code points that are not members.
@@ -76,14 +81,16 @@ public:
     /// Whether the unit is a member; false for nil.
     bool characterIsMember(char16_t unit) const noexcept;
 
-    /// For any code point; false above U+10FFFF.
+    /// Whether the code point is a member; false above U+10FFFF and for nil.
     bool longCharacterIsMember(char32_t codePoint) const noexcept;
 
-    /// Whether all members of the other are members of this set too; true for nil, false of nil.
+    /// Whether all members of the other set are members of this one too; true for a nil argument, false for a
+    /// nil receiver.
     bool isSupersetOfSet(const NSCharacterSet& other) const noexcept;
 
-    // NSCharacterSet(ZQFoundation)
-    // Shared sets, made on first request and kept until the process ends.
+    /// @name NSCharacterSet(ZQFoundation)
+    /// Shared sets, made on first request and kept until the process ends.
+    /// @{
 
     /// No characters.
     static NSCharacterSet emptyCharacterSet();
@@ -93,6 +100,8 @@ public:
 
     /// `whitespaceCharacterSet` and `controlCharacterSet` together.
     static NSCharacterSet whitespaceAndControlCharacterSet();
+
+    /// @}
 
 private:
     friend struct detail::Access;
@@ -110,22 +119,33 @@ public:
     NSMutableCharacterSet& operator=(NSMutableCharacterSet&& other) noexcept;
     ~NSMutableCharacterSet();
 
-    /// Adds the characters, removes them, adds or keeps the other set's members. Nil changes nothing.
+    /// Adds the characters of the text; nil adds none.
     void addCharactersInString(StringView characters);
+
+    /// Removes the characters of the text; nil removes none.
     void removeCharactersInString(StringView characters);
+
+    /// Adds the other set's members; nil adds none.
     void formUnionWithCharacterSet(const NSCharacterSet& other);
+
+    /// Keeps only the members that the other set has too; nil changes nothing.
     void formIntersectionWithCharacterSet(const NSCharacterSet& other);
 
-    /// Adds or removes code points from `range.location` on. Raise NSInvalidArgumentException when one is
-    /// above U+10FFFF.
+    /// Adds the code points from `range.location` on. Raises NSInvalidArgumentException if one is above
+    /// U+10FFFF.
     void addCharactersInRange(NSRange range);
+
+    /// Removes the code points from `range.location` on. Raises NSInvalidArgumentException if one is above
+    /// U+10FFFF.
     void removeCharactersInRange(NSRange range);
 
-    /// From now on exactly those code points are members that were none.
+    /// Exchanges members and all other code points.
     void invert();
 
-    /// Whether the unit, or the code point, is a member now.
+    /// Whether the unit is a member now.
     bool characterIsMember(char16_t unit) const noexcept;
+
+    /// Whether the code point is a member now; false above U+10FFFF.
     bool longCharacterIsMember(char32_t codePoint) const noexcept;
 
     /// The members as an immutable set; the builder is empty afterwards.

@@ -12,10 +12,10 @@ public:
     constexpr NSData() noexcept = default;
     constexpr NSData(std::nullptr_t) noexcept {}
 
-    /// The value when it is data, else nil.
+    /// The value if it is data, else nil.
     explicit NSData(const NSObject& object) noexcept : NSObject(object, detail::Kind::data) {}
 
-    /// No bytes, which is not nil.
+    /// Data without bytes, which is not nil.
     static NSData data();
 
     /// A copy of `count` bytes.
@@ -24,22 +24,29 @@ public:
     /// The whole file, or nil when it cannot be read.
     static NSData dataWithContentsOfFile(StringView path);
 
-    /// Where the bytes stand, as long as a handle holds the data, and how many; null and 0 for nil.
+    /// The first byte; valid as long as a handle holds the data. Null for nil.
     const unsigned char* bytes() const noexcept;
+
+    /// The number of bytes; 0 for nil.
     std::size_t length() const noexcept;
 
-    /// The same bytes. False when either is nil.
+    /// Whether both hold the same bytes. False if either is nil.
     bool isEqualToData(const NSData& other) const noexcept;
 
-    // NSData(Base64)
+    /// @name NSData(Base64)
+    /// @{
 
     /// The bytes that a Base64 text spells, by the rules of `NewBase64Decode`. Empty for nil, for a text with
     /// a character that is not ASCII, and for one without any character of the alphabet.
     static NSData dataFromBase64String(const NSString& text);
 
-    /// The Base64 text; lines of 64 characters with CR LF between them, or all in one. Nil for nil.
+    /// The Base64 text in lines of 64 characters with CR LF between them. Nil for nil.
     NSString base64EncodedStringInSeparateLines() const;
+
+    /// The Base64 text in one line. Nil for nil.
     NSString base64EncodedStringInSingleLine() const;
+
+    /// @}
 
 private:
     friend struct detail::Access;

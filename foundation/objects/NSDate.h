@@ -15,7 +15,7 @@ public:
     constexpr NSDate() noexcept = default;
     constexpr NSDate(std::nullptr_t) noexcept {}
 
-    /// The value when it is a date, else nil.
+    /// The value if it is a date, else nil.
     explicit NSDate(const NSObject& object) noexcept : NSObject(object, detail::Kind::date) {}
 
     /// The present instant.
@@ -34,25 +34,31 @@ public:
     /// Seconds from 1970-01-01 to 2001-01-01, both at 00:00:00 UTC.
     static constexpr NSTimeInterval timeIntervalBetween1970AndReferenceDate = 978307200.0;
 
-    /// Seconds since the instant that the name says, negative before it; 0 for nil.
+    /// Seconds from 2001-01-01 00:00:00 UTC to this date, negative before it; 0 for nil.
     NSTimeInterval timeIntervalSinceReferenceDate() const noexcept {
         return kind_ == detail::Kind::date ? payload_.real : 0;
     }
+
+    /// Seconds from 1970-01-01 00:00:00 UTC to this date, negative before it; 0 for nil.
     NSTimeInterval timeIntervalSince1970() const noexcept {
         return kind_ == detail::Kind::date ? payload_.real + timeIntervalBetween1970AndReferenceDate : 0;
     }
+
+    /// Seconds from the other date to this one, negative if this one is earlier. A nil date counts as the
+    /// reference instant.
     NSTimeInterval timeIntervalSinceDate(const NSDate& other) const noexcept {
         return timeIntervalSinceReferenceDate() - other.timeIntervalSinceReferenceDate();
     }
 
-    /// The earlier date first; the same when either is nil.
+    /// The earlier date comes first; the same if either is nil.
     NSComparisonResult compare(const NSDate& other) const noexcept;
 
-    /// The very same instant, fractions too. False when either is nil.
+    /// Whether both are the very same instant, fractions included. False if either is nil.
     bool isEqualToDate(const NSDate& other) const noexcept;
 
-    // NSDate(ZQFoundation)
-    // Calendars are taken afresh at each call, in the process's time zone of that moment unless one is given.
+    /// @name NSDate(ZQFoundation)
+    /// Calendars are made afresh at each call, in the process's time zone of that moment unless one is given.
+    /// @{
 
     /// The instant of Gregorian fields; a nil zone is the process's. Fields out of range carry: day 0 is the
     /// last day of the month before, and year 0 the year before 1. A wall time that the clocks skip uses the
@@ -70,17 +76,20 @@ public:
                                                              std::int64_t minute,
                                                              std::int64_t second) noexcept;
 
-    /// Strict. These comparisons are false when either date is nil.
+    /// Whether this date comes before the other one. False if either is nil.
     bool isEarlierThan(const NSDate& other) const noexcept;
+
+    /// Whether this date comes after the other one. False if either is nil.
     bool isLaterThan(const NSDate& other) const noexcept;
 
-    /// At most one second apart.
+    /// Whether both dates are at most one second apart. False if either is nil.
     bool isWithinOneSecondFrom(const NSDate& other) const noexcept;
 
-    /// **Also true for equal dates and up to one second later:** false only from there on.
+    /// **Also true for equal dates and up to one second later:** false only from there on, and if either is
+    /// nil.
     bool isAtLeastOneSecondEarlierThan(const NSDate& other) const noexcept;
 
-    /// At least one second later.
+    /// Whether this date comes at least one second after the other one. False if either is nil.
     bool isAtLeastOneSecondLaterThan(const NSDate& other) const noexcept;
 
     /// Calendar days from the first date's day to the second's; negative when that is earlier. A date that
@@ -90,23 +99,38 @@ public:
     /// The nearest whole second, half a second up; nil for nil.
     NSDate roundedDate() const noexcept;
 
-    /// ISO 8601: weeks 1 to 53 begin on Monday; the year of a week may differ from the date's. The calendar
-    /// year is that of the era, the year of a week counts through 0. All are 0 for nil and for a date beyond
-    /// the calendar.
+    /// The week of ISO 8601, 1 to 53, which begins on Monday; 0 for nil and for a date beyond the calendar.
     std::int64_t calendarWeek() const noexcept;
+
+    /// The year to which that week belongs, which may differ from the date's own; it counts through 0. 0 for
+    /// nil and for a date beyond the calendar.
     std::int64_t yearForCalendarWeek() const noexcept;
+
+    /// The month, 1 to 12; 0 for nil and for a date beyond the calendar.
     std::int64_t calendarMonth() const noexcept;
+
+    /// The quarter of the year, 1 to 4; 0 for nil and for a date beyond the calendar.
     std::int64_t calendarQuarter() const noexcept;
+
+    /// The year of the era; 0 for nil and for a date beyond the calendar.
     std::int64_t calendarYear() const noexcept;
 
-    /// The same of the argument; 0 for a nil receiver too.
+    /// `calendarWeek` of the argument; 0 for a nil receiver too.
     std::int64_t calendarWeekOf(const NSDate& date) const noexcept;
+
+    /// `yearForCalendarWeek` of the argument; 0 for a nil receiver too.
     std::int64_t yearForCalendarWeekOf(const NSDate& date) const noexcept;
+
+    /// `calendarMonth` of the argument; 0 for a nil receiver too.
     std::int64_t calendarMonthOf(const NSDate& date) const noexcept;
+
+    /// `calendarYear` of the argument; 0 for a nil receiver too.
     std::int64_t calendarYearOf(const NSDate& date) const noexcept;
 
-    /// **The quarter of the receiver;** the argument is not looked at.
+    /// **The quarter of the receiver:** the argument is ignored.
     std::int64_t calendarQuarterOf(const NSDate& date) const noexcept;
+
+    /// @}
 
 private:
     constexpr explicit NSDate(Payload payload) noexcept : NSObject(payload, detail::Kind::date) {}

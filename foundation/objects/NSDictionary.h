@@ -10,12 +10,12 @@ class NSMutableDictionary;
 
 /// One key with its value.
 struct NSDictionaryEntry {
-    NSObject key;
-    NSObject value;
+    NSObject key;   ///< never nil inside a dictionary
+    NSObject value; ///< never nil inside a dictionary
 };
 
 /// An immutable collection of values under distinct keys, none of them nil. Walks list the entries in the
-/// order in which their keys were first entered, so the order is the same in every run.
+/// order in which their keys were first inserted, so the order is the same in every run.
 class ZQFOUNDATION_EXPORT NSDictionary : public NSObject {
 public:
     constexpr NSDictionary() noexcept = default;
@@ -25,7 +25,7 @@ public:
     /// NSInvalidArgumentException when a key or value is nil.
     NSDictionary(std::initializer_list<NSDictionaryEntry> entries);
 
-    /// The value when it is a dictionary, else nil.
+    /// The value if it is a dictionary, else nil.
     explicit NSDictionary(const NSObject& object) noexcept : NSObject(object, detail::Kind::dictionary) {}
 
     /// The empty dictionary.
@@ -37,13 +37,20 @@ public:
     /// The number of entries; 0 for nil.
     std::size_t count() const noexcept;
 
-    /// The value under the key, or nil. A key given as text needs no conversion and no allocation.
+    /// The value under the key; nil for a key that is missing or nil.
     NSObject objectForKey(const NSObject& key) const;
+
+    /// The value under a key given as text, which needs no conversion and no allocation; nil for a key that
+    /// is missing or nil.
     template <detail::PlainText T>
     NSObject objectForKey(const T& key) const {
         return objectForText(StringView(key));
     }
+
+    /// The value under the key; nil for a key that is missing or nil.
     NSObject objectForKey(const NSString& key) const { return objectForText(key); }
+
+    /// Nil: there is nothing under a nil key.
     NSObject objectForKey(std::nullptr_t) const { return {}; }
 
     /// The keys, in the order of the entries; nil for nil.
@@ -55,11 +62,14 @@ public:
     /// Whether the same keys have equal values, in whatever order. False when either is nil.
     bool isEqualToDictionary(const NSDictionary& other) const;
 
-    /// The entries, for `for` loops; valid as long as a handle holds the dictionary.
+    /// The first entry, for `for` loops; valid as long as a handle holds the dictionary.
     const NSDictionaryEntry* begin() const noexcept;
+
+    /// The end of the entries that start at `begin`.
     const NSDictionaryEntry* end() const noexcept { return begin() + count(); }
 
-    // NSDictionary(ZQFoundation)
+    /// @name NSDictionary(ZQFoundation)
+    /// @{
 
     /// The dictionary that a property-list text (old-style or XML) spells; nil for any other text. Never
     /// raises.
@@ -78,13 +88,18 @@ public:
     /// The value's 32-bit `intValue`, widened; 0 when missing or without one.
     std::int64_t integerForKey(StringView key) const;
 
-    /// The key when the dictionary has no value for it, else nil, **whether or not a key with a counter is
+    /// The key if the dictionary has no value for it, else nil, **whether or not a key with a counter is
     /// free**.
     NSString uniqueKeyForKey_usingIntermediateString(const NSString& key,
                                                      StringView intermediateString) const;
+
+    /// The key if the dictionary has no value for it, else nil: **no key with a counter is tried, whatever
+    /// `maxAttempts` says**.
     NSString uniqueKeyForKey_usingIntermediateString_maxAttempts(const NSString& key,
                                                                  StringView intermediateString,
                                                                  std::uint64_t maxAttempts) const;
+
+    /// @}
 
 private:
     friend struct detail::Access;
@@ -104,7 +119,7 @@ public:
     NSMutableDictionary& operator=(NSMutableDictionary&& other) noexcept;
     ~NSMutableDictionary();
 
-    /// Enters the object under the key. Raises NSInvalidArgumentException when either is nil. An equal key
+    /// Puts the object under the key. Raises NSInvalidArgumentException when either is nil. An equal key
     /// keeps its place and gets the new value.
     void setObject_forKey(NSObject object, NSObject key);
 

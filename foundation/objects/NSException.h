@@ -38,6 +38,8 @@ public:
         const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
         raise_format_arguments(name, format.text(), packed.list());
     }
+
+    /// Raises an exception whose reason is formatted from a started argument list.
     [[noreturn]] static void raise_format_arguments(const NSString& name, StringView format,
                                                     ArgumentList arguments);
 
@@ -48,12 +50,22 @@ private:
     NSData what_; // NUL-ended; counted, so that copying an exception cannot throw
 };
 
-/// Names of the exceptions that the platform raises.
+/// An argument that an operation does not take: nil in a collection, a nil format.
 inline constexpr const char* NSInvalidArgumentException = "NSInvalidArgumentException";
+
+/// An index or a range beyond the end.
 inline constexpr const char* NSRangeException = "NSRangeException";
+
+/// A text that is no property list.
 inline constexpr const char* NSParseErrorException = "NSParseErrorException";
+
+/// A failure without a name of its own; the library does not raise it.
 inline constexpr const char* NSGenericException = "NSGenericException";
+
+/// A result too large for the memory.
 inline constexpr const char* NSMallocException = "NSMallocException";
+
+/// A failed assertion.
 inline constexpr const char* NSInternalInconsistencyException = "NSInternalInconsistencyException";
 
 } // namespace ZQFoundation

@@ -16,65 +16,95 @@ public:
     template <detail::NumericValue T>
     constexpr NSNumber(T value) noexcept : NSObject(value) {}
 
-    /// The value when it is a number, else nil.
+    /// The value if it is a number, else nil.
     explicit NSNumber(const NSObject& object) noexcept;
 
-    /// Made from a truth value; prints as 1 or 0 all the same.
+    /// Whether the number was made from a truth value; it prints as 1 or 0 all the same.
     bool isBoolean() const noexcept { return kind_ == detail::Kind::boolean; }
 
-    /// Made from a float or double.
+    /// Whether the number was made from a float or a double.
     bool isReal() const noexcept { return kind_ == detail::Kind::real || kind_ == detail::Kind::singleReal; }
 
-    /// The low 32 bits of the integer value; reals are truncated toward zero to 64 bits first (NaN 0,
-    /// saturating).
+    /// The low 32 bits of `integerValue`; 0 for nil.
     int intValue() const noexcept;
+
+    /// The low 32 bits of `integerValue`, as an unsigned number; 0 for nil.
     unsigned unsignedIntValue() const noexcept;
 
-    /// 64 bits; reals truncated toward zero and saturating, NaN 0.
+    /// The number in 64 bits, 0 for nil. Reals are truncated toward zero and saturate; NaN is 0.
     std::int64_t integerValue() const noexcept;
+
+    /// Another name for `integerValue`.
     std::int64_t longLongValue() const noexcept { return integerValue(); }
+
+    /// The number in 64 unsigned bits, 0 for nil: negative numbers wrap around, reals are truncated toward
+    /// zero and saturate upward.
     std::uint64_t unsignedLongLongValue() const noexcept;
 
-    /// The nearest value of that type; 0 for nil.
+    /// The nearest `float`; 0 for nil.
     float floatValue() const noexcept;
+
+    /// The nearest `double`; 0 for nil.
     double doubleValue() const noexcept;
 
-    /// Not zero: true for 0.5.
+    /// Whether the number is not zero: true for 0.5, false for nil.
     bool boolValue() const noexcept;
 
     /// The decimal text, equal to the description.
     NSString stringValue() const;
 
-    /// By numeric value across all kinds. NaN is the same as NaN and below every number that is not negative.
+    /// Compares by numeric value across all kinds. NaN is the same as NaN and below every number that is not
+    /// negative.
     NSComparisonResult compare(const NSNumber& other) const noexcept;
+
+    /// Whether `compare` finds both the same. False if either is nil.
     bool isEqualToNumber(const NSNumber& other) const noexcept;
 
-    // NSNumber(ZQFoundation)
+    /// @name NSNumber(ZQFoundation)
+    /// @{
 
-    /// By the lowest bit of `intValue`: 2.9 is even. Both are false for nil.
+    /// Whether the lowest bit of `intValue` is 0: 2.9 is even. False for nil.
     bool isEven() const noexcept;
+
+    /// Whether the lowest bit of `intValue` is 1: 3.9 is odd. False for nil.
     bool isOdd() const noexcept;
 
-    /// By `compare`. False when either number is nil.
+    /// Whether this number comes after the other one in the order of `compare`. False if either is nil.
     bool isLargerThan(const NSNumber& other) const noexcept;
+
+    /// Whether this number does not come before the other one in the order of `compare`. False if either is
+    /// nil.
     bool isLargerOrEqualThan(const NSNumber& other) const noexcept;
+
+    /// Whether this number does not come after the other one in the order of `compare`. False if either is
+    /// nil.
     bool isSmallerOrEqualThan(const NSNumber& other) const noexcept;
+
+    /// Whether this number comes before the other one in the order of `compare`. False if either is nil.
     bool isSmallerThan(const NSNumber& other) const noexcept;
 
-    /// `intValue` and one, in 32 bits: from 2147483647 it goes on at -2147483648. Nil for nil.
+    /// `intValue` plus one, in 32 bits: 2147483647 wraps around to -2147483648. Nil for nil.
     NSNumber numberByIncrementing() const noexcept;
+
+    /// `intValue` minus one, in 32 bits: -2147483648 wraps around to 2147483647. Nil for nil.
     NSNumber numberByDecrementing() const noexcept;
 
     /// A count of seconds as "1:02:05", "2:05" or "05", by the number of fields: 3 or more, 2, 1 or less.
     /// Larger fields than those shown are **dropped, not carried**: 3725 in two fields is "2:05". With
-    /// `suppressZeroes` hours and minutes that are zero are left out in front. The empty string for negative
+    /// `suppressZeroes`, leading hours and minutes that are zero are left out. The empty string for negative
     /// seconds; nil for nil.
     NSString durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
                                                               bool suppressZeroes) const;
 
-    /// At most two fields, or three, zeroes suppressed.
+    /// A count of seconds in at most two fields, leading zeroes suppressed: "2:05". Hours are dropped;
+    /// otherwise as `durationDescriptionWithFieldCount_suppressZeroes`.
     NSString durationDescriptionWithMinutes() const;
+
+    /// A count of seconds in at most three fields, leading zeroes suppressed: "1:02:05". Otherwise as
+    /// `durationDescriptionWithFieldCount_suppressZeroes`.
     NSString durationDescriptionWithHours() const;
+
+    /// @}
 };
 
 } // namespace ZQFoundation

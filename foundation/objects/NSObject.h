@@ -30,7 +30,11 @@ class NSTimeZone;
 class Selector;
 
 /// The platform's three orderings.
-enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
+enum NSComparisonResult : int {
+    NSOrderedAscending = -1, ///< the left value is the smaller one
+    NSOrderedSame = 0,       ///< neither comes before the other
+    NSOrderedDescending = 1, ///< the left value is the larger one
+};
 
 namespace detail {
 
@@ -181,19 +185,28 @@ public:
     /// themselves.
     std::size_t hash() const;
 
-    /// The optional forms: empty when the value does not offer the form at all. Numbers offer all three,
-    /// strings `intValue` and `floatValue`, host objects what they implement.
+    /// The value's text, if it offers one: that of a number, a host object's `stringValue`; empty for any
+    /// other value.
     std::optional<NSString> offeredStringValue() const;
+
+    /// The value's 32-bit integer form, if it offers one: that of a number or a string, a host object's
+    /// `intValue`; empty for any other value.
     std::optional<int> offeredIntValue() const;
+
+    /// The value's floating-point form, if it offers one: that of a number or a string, a host object's
+    /// `floatValue`; empty for any other value.
     std::optional<float> offeredFloatValue() const;
 
     /// Whether the value offers the operation: a host object what it says, a class of `ClassesByName.h` what
     /// the object registered for it says, any other value none.
     bool respondsToSelector(const Selector& selector) const;
 
-    /// Performs the operation; nil for a nil receiver. Raises NSInvalidArgumentException when the value does
-    /// not offer it, and for a nil selector.
+    /// Performs an operation without an argument. Nil for a nil receiver; raises NSInvalidArgumentException
+    /// if the value does not offer the operation, and for a nil selector.
     NSObject performSelector(const Selector& selector) const;
+
+    /// Performs an operation with one argument, which may be nil. Nil for a nil receiver; raises as
+    /// `performSelector` does.
     NSObject performSelector_withObject(const Selector& selector, const NSObject& argument) const;
 
     /// The host object that the handle holds, or null for any other value. Owned by the handle.
@@ -209,12 +222,13 @@ public:
         other.kind_ = kind;
     }
 
-    /// Equal by content, as `isEqual`; two nil handles are the same too.
+    /// Equal by content, as `isEqual`; two nil handles are equal too.
     friend bool operator==(const NSObject& left, const NSObject& right) {
         return left && right ? left.isEqual(right) : !left && !right;
     }
 
-    // NSObject(ZQFoundation)
+    /// @name NSObject(ZQFoundation)
+    /// @{
 
     /// The value on one line: arrays "( 1, a )", dictionaries "{ A = 1; }", any other value its
     /// `description`; nil for nil.
@@ -224,6 +238,8 @@ public:
     /// non-zero integer. Any other value: its string form by the string rule, else the low 8 bits of its
     /// integer form, else false.
     bool boolValue() const;
+
+    /// @}
 
 protected:
     union Payload {
@@ -262,12 +278,12 @@ private:
 
 static_assert(sizeof(NSObject) == 2 * sizeof(void*));
 
-/// The null object, which stands for "no value" inside collections.
+/// The null object, which means "no value" inside collections.
 class ZQFOUNDATION_EXPORT NSNull : public NSObject {
 public:
     constexpr NSNull() noexcept = default;
 
-    /// The value when it is the null object, else nil.
+    /// The value if it is the null object, else nil.
     explicit NSNull(const NSObject& object) noexcept : NSObject(object, detail::Kind::null) {}
 
     /// The null object.

@@ -26,18 +26,29 @@ public:
     /// By default the description.
     virtual NSString condensedDescription() const;
 
-    /// The optional forms: empty when the class does not offer the form.
+    /// The object's text; empty, as by default, if the class does not offer this form.
     virtual std::optional<NSString> stringValue() const;
+
+    /// The object's integer form; empty, as by default, if the class does not offer it.
     virtual std::optional<int> intValue() const;
+
+    /// The object's floating-point form; empty, as by default, if the class does not offer it.
     virtual std::optional<float> floatValue() const;
 
-    /// By default an object equals only itself. Override both or neither.
+    /// Whether the object equals the other value; by default an object equals only itself. Override it
+    /// together with `hash`.
     virtual bool isEqual(const NSObject& other) const;
+
+    /// A number that is the same for equal objects; by default made of the address. Override it together with
+    /// `isEqual`.
     virtual std::size_t hash() const;
 
-    /// Operations by name, for whoever does not know the class: by default there are none. `argument` is nil
-    /// for an operation without one. Called only with selectors that the object responds to.
+    /// Whether the object offers the operation of that name, for callers that do not know the class; by
+    /// default none.
     virtual bool respondsToSelector(const Selector& selector) const;
+
+    /// Performs the operation of that name. `argument` is nil for an operation without one. Called only with
+    /// selectors that the object responds to.
     virtual NSObject performSelector_withObject(const Selector& selector, const NSObject& argument);
 
 protected:

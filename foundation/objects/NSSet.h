@@ -6,22 +6,22 @@
 
 namespace ZQFoundation {
 
-/// An immutable collection of distinct values, none of them nil; walked in the order of entering.
+/// An immutable collection of distinct values, none of them nil; walked in the order of insertion.
 class ZQFOUNDATION_EXPORT NSSet : public NSObject {
 public:
     constexpr NSSet() noexcept = default;
     constexpr NSSet(std::nullptr_t) noexcept {}
 
-    /// These members, of equal ones the first. Raises NSInvalidArgumentException when one is nil.
+    /// A set of these members, of equal ones the first. Raises NSInvalidArgumentException if one is nil.
     NSSet(std::initializer_list<NSObject> members);
 
-    /// The value when it is a set, else nil.
+    /// The value if it is a set, else nil.
     explicit NSSet(const NSObject& object) noexcept : NSObject(object, detail::Kind::set) {}
 
     /// The empty set.
     static NSSet set();
 
-    /// The array's elements, of equal ones the first; empty for nil.
+    /// A set of the array's elements, of equal ones the first; empty for nil.
     static NSSet setWithArray(const NSArray& array);
 
     /// The number of members; 0 for nil.
@@ -33,19 +33,22 @@ public:
     /// The equal member, or nil.
     NSObject member(const NSObject& object) const;
 
-    /// The members in the order of entering; nil for nil.
+    /// The members in the order of insertion; nil for nil.
     NSArray allObjects() const;
 
     /// Whether both have the same members. False when either is nil.
     bool isEqualToSet(const NSSet& other) const;
 
-    // NSSet(ZQFoundation)
+    /// @name NSSet(ZQFoundation)
+    /// @{
 
-    /// The string when it is no member, else the first of "<string><intermediate string><counter>" that is
-    /// none, the counter from 1 to `maxAttempts`; nil when all are.
+    /// The string if it is no member, else the first of string, intermediate string and counter that is none,
+    /// the counter from 1 to `maxAttempts`; nil if all are members.
     NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
                                                                        StringView intermediateString,
                                                                        std::uint64_t maxAttempts) const;
+
+    /// @}
 
 private:
     friend struct detail::Access;

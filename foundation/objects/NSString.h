@@ -10,39 +10,39 @@ namespace ZQFoundation {
 
 /// How a text is searched; combined by `|`. The numbers are the platform's.
 enum NSStringCompareOptions : unsigned {
-    NSCaseInsensitiveSearch = 1,
-    NSLiteralSearch = 2,   ///< unit by unit: canonical equivalents differ
-    NSBackwardsSearch = 4, ///< the last occurrence
-    NSAnchoredSearch = 8,  ///< only at the start, or with `NSBackwardsSearch` at the end
+    NSCaseInsensitiveSearch = 1, ///< regardless of case
+    NSLiteralSearch = 2,         ///< unit by unit: canonical equivalents differ
+    NSBackwardsSearch = 4,       ///< the last occurrence
+    NSAnchoredSearch = 8,        ///< only at the start, or with `NSBackwardsSearch` at the end
 };
 
 /// Text encodings by the platform's numbers. Those of the other table of encodings that the platform knows
 /// are `0x80000000 + n`: 0x80000201 to 0x80000210 are ISO 8859-1 to -16, 0x80000A02 is KOI8-R, 0x80000400 and
 /// up are DOS pages.
 enum NSStringEncoding : std::uint32_t {
-    NSASCIIStringEncoding = 1,
-    NSNEXTSTEPStringEncoding = 2,
-    NSJapaneseEUCStringEncoding = 3,
-    NSUTF8StringEncoding = 4,
-    NSISOLatin1StringEncoding = 5,
-    NSSymbolStringEncoding = 6,
-    NSNonLossyASCIIStringEncoding = 7, ///< "\351" and "\u20ac" for what is not ASCII
-    NSShiftJISStringEncoding = 8,
-    NSISOLatin2StringEncoding = 9,
-    NSUTF16StringEncoding = 10, ///< behind a byte-order mark, in the machine's order
-    NSUnicodeStringEncoding = 10,
-    NSWindowsCP1251StringEncoding = 11,
-    NSWindowsCP1252StringEncoding = 12,
-    NSWindowsCP1253StringEncoding = 13,
-    NSWindowsCP1254StringEncoding = 14,
-    NSWindowsCP1250StringEncoding = 15,
-    NSISO2022JPStringEncoding = 21,
-    NSMacOSRomanStringEncoding = 30,
-    NSUTF16BigEndianStringEncoding = 0x90000100, ///< the four without a mark
-    NSUTF16LittleEndianStringEncoding = 0x94000100,
-    NSUTF32StringEncoding = 0x8C000100, ///< as UTF-16
-    NSUTF32BigEndianStringEncoding = 0x98000100,
-    NSUTF32LittleEndianStringEncoding = 0x9C000100,
+    NSASCIIStringEncoding = 1,                      ///< US-ASCII
+    NSNEXTSTEPStringEncoding = 2,                   ///< NEXTSTEP, 8 bits
+    NSJapaneseEUCStringEncoding = 3,                ///< EUC-JP
+    NSUTF8StringEncoding = 4,                       ///< UTF-8
+    NSISOLatin1StringEncoding = 5,                  ///< ISO 8859-1
+    NSSymbolStringEncoding = 6,                     ///< Symbol: Greek and mathematics, 8 bits
+    NSNonLossyASCIIStringEncoding = 7,              ///< "\351" and "\u20ac" for what is not ASCII
+    NSShiftJISStringEncoding = 8,                   ///< Shift-JIS, with backslash and tilde at 5C and 7E
+    NSISOLatin2StringEncoding = 9,                  ///< ISO 8859-2
+    NSUTF16StringEncoding = 10,                     ///< after a byte-order mark, in the machine's order
+    NSUnicodeStringEncoding = 10,                   ///< another name of NSUTF16StringEncoding
+    NSWindowsCP1251StringEncoding = 11,             ///< Windows, Cyrillic
+    NSWindowsCP1252StringEncoding = 12,             ///< Windows, Western European
+    NSWindowsCP1253StringEncoding = 13,             ///< Windows, Greek
+    NSWindowsCP1254StringEncoding = 14,             ///< Windows, Turkish
+    NSWindowsCP1250StringEncoding = 15,             ///< Windows, Central European
+    NSISO2022JPStringEncoding = 21,                 ///< ISO-2022-JP
+    NSMacOSRomanStringEncoding = 30,                ///< Mac OS Roman
+    NSUTF16BigEndianStringEncoding = 0x90000100,    ///< UTF-16BE, without a byte-order mark
+    NSUTF16LittleEndianStringEncoding = 0x94000100, ///< UTF-16LE, without a byte-order mark
+    NSUTF32StringEncoding = 0x8C000100,             ///< after a byte-order mark, in the machine's order
+    NSUTF32BigEndianStringEncoding = 0x98000100,    ///< UTF-32BE, without a byte-order mark
+    NSUTF32LittleEndianStringEncoding = 0x9C000100, ///< UTF-32LE, without a byte-order mark
 };
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
@@ -56,13 +56,13 @@ public:
     template <detail::PlainText T>
     NSString(const T& text) : NSString(fromText(StringView(text))) {}
 
-    /// The value when it is a string, else nil.
+    /// The value if it is a string, else nil.
     explicit NSString(const NSObject& object) noexcept : NSObject(object, detail::Kind::string) {}
 
     /// The empty string.
     static NSString string();
 
-    /// Exact: nil when the bytes are not well-formed UTF-8.
+    /// A string of exactly these bytes; nil if they are not well-formed UTF-8.
     static NSString stringWithUTF8Bytes(const char* bytes, std::size_t byteCount);
 
     /// A copy of the units as they are; unpaired surrogates are kept.
@@ -71,7 +71,8 @@ public:
     /// The text of a file name: bytes that are not well-formed UTF-8 become the units U+DC00 + byte.
     static NSString stringWithFileSystemBytes(const char* bytes, std::size_t byteCount);
 
-    /// Formats without a locale. Nil format: raises NSInvalidArgumentException.
+    /// The format with its arguments put in, without a locale. Raises NSInvalidArgumentException for a nil
+    /// format.
     template <class... Arguments>
     static NSString stringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                      const Arguments&... arguments) {
@@ -79,7 +80,7 @@ public:
         return stringWithFormat_arguments(format.text(), packed.list());
     }
 
-    /// The same for a started argument list.
+    /// `stringWithFormat` for a started argument list.
     static NSString stringWithFormat_arguments(StringView format, ArgumentList arguments);
 
     /// As `stringWithFormat`, with the locale's decimal separator and grouping; a nil locale has neither.
@@ -90,159 +91,193 @@ public:
         return initWithFormat_locale_arguments(format.text(), locale, packed.list());
     }
 
-    /// The same for a started argument list.
+    /// `initWithFormat_locale` for a started argument list.
     static NSString initWithFormat_locale_arguments(StringView format, const NSLocale& locale,
                                                     ArgumentList arguments);
 
-    /// The same with the user's locale.
+    /// As `initWithFormat_locale` with the user's locale.
     template <class... Arguments>
     static NSString localizedStringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                               const Arguments&... arguments) {
         const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
         return localizedStringWithFormat_arguments(format.text(), packed.list());
     }
+
+    /// `localizedStringWithFormat` for a started argument list.
     static NSString localizedStringWithFormat_arguments(StringView format, ArgumentList arguments);
 
-    /// The text that the bytes spell, without a byte-order mark in front. Nil for nil data, bytes that the
-    /// encoding does not know and an unknown encoding. ASCII is read leniently: bytes from 0x80 on are the
-    /// units of the same number.
+    /// The text that the bytes encode, without a leading byte-order mark. Nil for nil data, for bytes that
+    /// the encoding does not know and for an unknown encoding. ASCII is read leniently: bytes from 0x80 on
+    /// are the units of the same number.
     static NSString initWithData_encoding(const NSData& data, NSStringEncoding encoding);
 
-    /// How many units there are.
+    /// The number of units; 0 for nil.
     std::size_t length() const noexcept;
 
     /// The unit at `index`; raises NSRangeException from the length on.
     char16_t characterAtIndex(std::size_t index) const;
 
-    /// Copies `count` units from `start` on to `out`; raises NSRangeException beyond the end.
+    /// Copies `count` units from `start` on to `out`, which has room for them; raises NSRangeException beyond
+    /// the end.
     void getCharacters(char16_t* out, std::size_t start, std::size_t count) const;
 
     /// The UTF-8 form; unpaired surrogates as U+FFFD; empty for nil.
     std::string utf8() const;
 
-    /// The exact UTF-8 form, or false (and `out` untouched) when an unpaired surrogate has none.
+    /// Writes the exact UTF-8 form to `out`. False, with `out` untouched, if an unpaired surrogate has none.
     bool getUTF8(std::string& out) const;
 
     /// The bytes of the text as a file name, the inverse of `stringWithFileSystemBytes`; false for nil,
-    /// U+0000 and surrogates that stand for no byte.
+    /// U+0000 and surrogates that represent no byte.
     bool getFileSystemBytes(std::string& out) const;
 
-    /// The units, for ordinary C++ code.
+    /// The units as a C++ string; empty for nil.
     std::u16string utf16() const;
 
-    /// Exact comparison of units. False when either is nil.
+    /// Whether both have exactly the same units. False if either is nil.
     bool isEqualToString(StringView other) const;
 
-    /// Canonically equivalent texts are the same; otherwise by units, a prefix first. Nil other: the same as
-    /// empty.
+    /// Orders by units, a prefix first; canonically equivalent texts are the same. A nil argument is the same
+    /// as an empty one.
     NSComparisonResult compare(StringView other) const;
 
-    /// Both folded to lower case, then by code point.
+    /// Orders by code points, both texts folded to lower case first.
     NSComparisonResult caseInsensitiveCompare(StringView other) const;
 
-    /// Whether the text begins, or ends, with the other one, by units; false for an empty or nil argument.
+    /// Whether the text begins with the other one, by units; false for an empty or nil argument.
     bool hasPrefix(StringView prefix) const;
+
+    /// Whether the text ends with the other one, by units; false for an empty or nil argument.
     bool hasSuffix(StringView suffix) const;
 
-    /// Full mapping, not bound to a locale: U+00DF becomes "SS".
+    /// The text in upper case, by Unicode's full mapping, independent of any locale: U+00DF becomes "SS".
     NSString uppercaseString() const;
+
+    /// The text in lower case, by Unicode's full mapping, independent of any locale.
     NSString lowercaseString() const;
 
-    /// The units in front of the index, from it on, or `count` of them from the location on. Raise
-    /// NSRangeException beyond the length.
+    /// The units before the index; raises NSRangeException beyond the length.
     NSString substringToIndex(std::size_t index) const;
+
+    /// The units from the index on; raises NSRangeException beyond the length.
     NSString substringFromIndex(std::size_t index) const;
+
+    /// `count` units from the location on; raises NSRangeException beyond the length.
     NSString substringWithRange(std::size_t location, std::size_t count) const;
 
-    /// This text and the other one behind it; a nil one adds nothing. Nil for a nil receiver.
+    /// This text followed by the other one; a nil argument adds nothing. Nil for a nil receiver.
     NSString stringByAppendingString(StringView other) const;
 
-    /// Where the text first occurs, in units; `{NSNotFound, 0}` when it does not, and for an empty or nil
-    /// text. Canonical equivalents match, and no match cuts a composed sequence, unless the search is
-    /// literal; so a match may be longer or shorter than the text. Raise NSRangeException for a range beyond
-    /// the end.
+    /// Where the text first occurs, in units; `{NSNotFound, 0}` if it does not, and for an empty or nil text.
+    /// Canonical equivalents match, and no match cuts a composed sequence; so a match may be longer or
+    /// shorter than the text.
     NSRange rangeOfString(StringView text) const;
+
+    /// As `rangeOfString`, with `NSStringCompareOptions` that say how to search. A literal search compares
+    /// unit by unit.
     NSRange rangeOfString_options(StringView text, unsigned options) const;
+
+    /// As `rangeOfString_options`, looking only inside the range. Raises NSRangeException for a range beyond
+    /// the end.
     NSRange rangeOfString_options_range(StringView text, unsigned options, NSRange range) const;
 
-    /// The first unit that is a member, or with `NSBackwardsSearch` the last one.
+    /// The first unit that is a member of the set; `{NSNotFound, 0}` if there is none.
     NSRange rangeOfCharacterFromSet(const NSCharacterSet& set) const;
+
+    /// The first unit that is a member of the set, or with `NSBackwardsSearch` the last one; `{NSNotFound,
+    /// 0}` if there is none.
     NSRange rangeOfCharacterFromSet_options(const NSCharacterSet& set, unsigned options) const;
+
+    /// As `rangeOfCharacterFromSet_options`, looking only inside the range. Raises NSRangeException for a
+    /// range beyond the end.
     NSRange rangeOfCharacterFromSet_options_range(const NSCharacterSet& set, unsigned options,
                                                   NSRange range) const;
 
     /// The pieces between the separators, empty ones among them; the whole for an empty separator.
     NSArray componentsSeparatedByString(StringView separator) const;
 
-    /// Without members at either end, however many there are.
+    /// The text without members of the set at either end, however many there are.
     NSString stringByTrimmingCharactersInSet(const NSCharacterSet& set) const;
 
-    /// Bytes, without a byte-order mark; 0 when the text cannot be converted.
+    /// The number of bytes in the encoding, without a byte-order mark; 0 if the text cannot be converted.
     std::size_t lengthOfBytesUsingEncoding(NSStringEncoding encoding) const;
 
-    /// The text in the encoding, nothing lost; nil when a character has no place in it, and for an unknown
-    /// encoding. UTF-16 and UTF-32 of no stated order have a byte-order mark in front, also of no text.
+    /// The text in the encoding, nothing lost; nil if the encoding lacks a character, and for an unknown
+    /// encoding. UTF-16 and UTF-32 of no stated order begin with a byte-order mark, even for no text.
     NSData dataUsingEncoding(NSStringEncoding encoding) const;
 
     /// The text's UTF-8 bytes: those of members of the set as they are (only ASCII ones count), all others as
     /// "%" and two upper-case hexadecimal digits. Nil when an unpaired surrogate has no UTF-8 form.
     NSString stringByAddingPercentEncodingWithAllowedCharacters(const NSCharacterSet& allowed) const;
 
-    /// The lenient decimal readings: white space, a sign, then ASCII digits up to the first other unit;
-    /// saturating.
+    /// The leading decimal number in 32 bits, saturating: white space, a sign, then ASCII digits up to the
+    /// first other unit. 0 without a digit, and for nil.
     int intValue() const noexcept;
+
+    /// The leading decimal number in 64 bits, saturating; read as by `intValue`.
     std::int64_t integerValue() const noexcept;
+
+    /// Another name for `integerValue`.
     std::int64_t longLongValue() const noexcept { return integerValue(); }
+
+    /// The leading decimal number with an optional "." and exponent, correctly rounded, whatever the locale;
+    /// infinite beyond the range. 0 without a digit, and for nil.
     double doubleValue() const noexcept;
+
+    /// `doubleValue`, rounded to a float.
     float floatValue() const noexcept;
 
-    // Paths. "Squeezed" means each run of "/" made one, and none left at the end of anything but "/".
+    /// @name Paths
+    /// "Squeezed" means that each run of "/" is made one, and that none is left at the end of anything but
+    /// "/".
+    /// @{
 
-    /// What follows the last "/", a trailing "/" dropped first; "/" for slashes alone.
+    /// The text after the last "/", a trailing "/" dropped first; "/" for slashes alone.
     NSString lastPathComponent() const;
 
-    /// "/a/b" gives "/a", "/a" gives "/", "a" the empty string. Squeezed.
+    /// The path without its last component, squeezed: "/a/b" gives "/a", "/a" gives "/", "a" the empty
+    /// string.
     NSString stringByDeletingLastPathComponent() const;
 
-    /// One "/" between the two, squeezed: "a/" and "/x" give "a/x".
+    /// Both with one "/" between them, squeezed: "a/" and "/x" give "a/x".
     NSString stringByAppendingPathComponent(StringView component) const;
 
-    /// "/", "a", "b" for "/a//b"; a final slash is a component "/" of its own.
+    /// The components: "/", "a", "b" for "/a//b"; a final slash is a component "/" of its own.
     NSArray pathComponents() const;
 
-    /// The components joined as by `stringByAppendingPathComponent`; empty ones are passed over.
+    /// The components joined as by `stringByAppendingPathComponent`; empty ones are ignored.
     static NSString pathWithComponents(const NSArray& components);
 
-    /// What follows the last "." of the last component, unless that "." is its first character.
+    /// The text after the last "." of the last component, unless that "." is its first character.
     NSString pathExtension() const;
 
-    /// The path without that extension and its ".".
+    /// The path without the extension that `pathExtension` gives, and without its ".".
     NSString stringByDeletingPathExtension() const;
 
-    /// Begins with "/" or "~".
+    /// Whether the path begins with "/" or "~".
     bool isAbsolutePath() const;
 
-    /// A leading "~" becomes the user's home folder ($HOME when that is an absolute path, else the user
-    /// database's), "~name" that account's; unchanged when there is none. Loses a final "/".
+    /// The path with a leading "~" replaced by the user's home folder ($HOME if that is an absolute path,
+    /// else the user database's), "~name" by that account's; unchanged if there is none. Loses a final "/".
     NSString stringByExpandingTildeInPath() const;
 
-    /// Tilde expanded, squeezed, without "." components; in absolute paths ".." is resolved: through the
-    /// file system when everything on the path exists, else by its text.
+    /// The path, tilde expanded, squeezed, without "." components; in absolute paths ".." is resolved:
+    /// through the file system if everything on the path exists, else by its text.
     NSString stringByStandardizingPath() const;
 
-    /// Tilde expanded, every link replaced by its target, then standardized. From the first item on that is
-    /// missing the rest is kept as text; a dangling link stays, and so does a whole path with a loop of
+    /// The path, tilde expanded, every link replaced by its target, then standardized. From the first missing
+    /// item on the rest is kept as text; a dangling link stays, and so does a whole path with a loop of
     /// links.
     ///
     /// In a sticky folder that others may write to (/tmp) a link that belongs to neither the user nor the
     /// folder's owner is not followed: it stays, as a dangling one does.
     NSString stringByResolvingSymlinksInPath() const;
 
-    /// The property list that the text spells, in the old-style or the XML form; raises
-    /// NSParseErrorException.
+    /// The property list in the text, in the old-style or the XML form; raises NSParseErrorException if there
+    /// is none.
     NSObject propertyList() const;
 
-    /// As `propertyList` for the strings-table form; nil when that gives no dictionary, never raises.
+    /// The dictionary in the text, also in the form of strings tables; nil if there is none. Never raises.
     NSDictionary propertyListFromStringsFileFormat() const;
 
     /// The same units; two nil strings are the same too.
@@ -257,9 +292,12 @@ public:
         return left && text ? left.isEqualToString(text) : !left && !text;
     }
 
-    // NSString(ZQFoundation)
+    /// @}
 
-    /// True when the upper-cased text is "YES" or `intValue` is not zero. Replaces the platform's own rule.
+    /// @name NSString(ZQFoundation)
+    /// @{
+
+    /// Whether the upper-cased text is "YES" or `intValue` is not zero. Replaces the platform's own rule.
     bool boolValue() const;
 
     /// `other` unless it is nil, else this string: **the receiver is the default**.
@@ -268,36 +306,42 @@ public:
     /// Whether there is no unit; false for nil.
     bool isEmpty() const noexcept;
 
-    /// Whether the text occurs, unit by unit; false for an empty or nil one.
+    /// Whether the text occurs, unit by unit; false for an empty or nil argument.
     bool containsString(StringView other) const;
+
+    /// Whether the text occurs, unit by unit, after both were folded to lower case if `caseInsensitive`;
+    /// false for an empty or nil argument.
     bool containsString_caseInsensitiveSearch(StringView other, bool caseInsensitive) const;
 
     /// Whether a unit is a decimal digit of any script; false for nil.
     bool containsDecimalDigit() const;
 
-    /// Without members at the front, **but removes no more than about half of the string**: at most the
-    /// smallest count that is at least half its length. "   x" gives " x".
+    /// The text without members at the front, **but removes no more than about half of the string**: at most
+    /// the smallest count that is at least half its length. " x" gives " x".
     NSString trimLeftCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
-    /// Without members at the end, however many there are.
+    /// The text without members at the end, however many there are.
     NSString trimRightCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
-    /// The left trim with its limit, then the right one.
+    /// Trimmed at the left with the limit of `trimLeftCharactersOfCharacterSet`, then at the right.
     NSString trimCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
-    /// The same for `NSCharacterSet::whitespaceAndControlCharacterSet`.
+    /// `trimCharactersOfCharacterSet` for `NSCharacterSet::whitespaceAndControlCharacterSet`.
     NSString trim() const;
 
-    /// What follows the **first** occurrence of the marker; nil when there is none, and for an empty or nil
+    /// The text after the **first** occurrence of the marker; nil if there is none, and for an empty or nil
     /// marker.
     NSString substringFromEndOfString(StringView marker) const;
 
     /// How many units equal this one.
     std::size_t occurrenceCountOfCharacter(char16_t unit) const noexcept;
 
-    /// Each member is replaced by itself, runs are not made one. Unchanged when either argument is nil.
+    /// The text with each member of the set replaced; a run of members is replaced one by one. Unchanged if
+    /// either argument is nil.
     NSString stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(const NSCharacterSet& set,
                                                                             StringView replacement) const;
+
+    /// The text without the members of the set. Unchanged for a nil set.
     NSString stringByRemovingEveryOccurrenceOfCharactersFromSet(const NSCharacterSet& set) const;
 
     /// The lines; CR LF and LF CR are one break each. A break at the end is followed by an empty line; the
@@ -308,15 +352,19 @@ public:
     /// the platform's own rule.
     NSArray componentsSeparatedByCharacterSet(const NSCharacterSet& set) const;
 
-    /// The same for white space; newlines are none.
+    /// The pieces between runs of white space, as by `componentsSeparatedByCharacterSet`; newlines are not
+    /// white space here.
     NSArray componentsSeparatedByWhitespace() const;
+
+    /// Another name for `componentsSeparatedByWhitespace`.
     NSArray componentsSeparatedByWhitespaces() const;
 
-    /// The indent in front of every line, also of the empty one behind a break at the end; every break
+    /// The text with the indent before every line, also before the empty one after a final break; every break
     /// becomes LF. A nil indent changes nothing.
     NSString stringByIndentingLinesWithString(StringView indent) const;
 
-    /// Ends with a newline of any kind: LF is appended when there is none. The empty string stays empty.
+    /// The text with a newline at its end: LF is appended unless it ends with a newline of any kind. The
+    /// empty string stays empty.
     NSString addMissingNewline() const;
 
     /// **Longer strings come first:** NSOrderedAscending when this one has more units. Nil has none.
@@ -326,21 +374,24 @@ public:
     /// the result would not fit into memory.
     static NSString stringByRepeating_count(StringView piece, std::int64_t count);
 
-    /// Percent-encoded: letters, digits and those of "!$&'()*+,-./:=@_~" that are no `exceptions` stay. Nil,
-    /// as in the three that follow, when an unpaired surrogate has no UTF-8 form.
+    /// Percent-encoded: letters, digits and those of "!$&'()*+,-./:=@_~" that are not among the `exceptions`
+    /// stay. Nil if an unpaired surrogate has no UTF-8 form.
     NSString urlEncodedStringWithExceptions(StringView exceptions) const;
 
-    /// For a component of a URL: letters, digits and "!'()*-._~" stay.
+    /// Percent-encoded for a component of a URL: letters, digits and "!'()*-._~" stay. Nil if an unpaired
+    /// surrogate has no UTF-8 form.
     NSString urlEncodedString() const;
 
-    /// For a path: letters, digits and "!$&'()*+,-./:=@_~" stay.
+    /// Percent-encoded for a path: letters, digits and "!$&'()*+,-./:=@_~" stay. Nil if an unpaired surrogate
+    /// has no UTF-8 form.
     NSString urlPathEncodedString() const;
 
-    /// For a query: as for a path, and ";" and "?" stay.
+    /// Percent-encoded for a query: letters, digits and "!$&'()*+,-./:;=?@_~" stay. Nil if an unpaired
+    /// surrogate has no UTF-8 form.
     NSString urlQueryEncodedString() const;
 
-    /// Every "%" and two hexadecimal digits replaced by their byte; "+" stays. Nil when a "%" has no two
-    /// digits or the bytes are not well-formed UTF-8.
+    /// The text with every "%" and two hexadecimal digits replaced by their byte; "+" stays. Nil if a "%" has
+    /// no two digits after it or the bytes are not well-formed UTF-8.
     NSString urlDecodedString() const;
 
     /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. It
@@ -350,45 +401,63 @@ public:
     /// A new random UUID (version 4): "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
     static NSString stringWithNewUUID();
 
-    /// Appends the text to a file in one write, making the file when it is missing. False when it cannot be
-    /// opened, made or written, and when the text does not fit the encoding: then nothing is written.
+    /// Appends the text to a file in one write, making the file if it is missing. False if it cannot be
+    /// opened, made or written, and if the text does not fit the encoding: then nothing is written.
     bool appendToFile_encoding(StringView path, NSStringEncoding encoding) const;
 
-    // Localized texts: the key's text in the table `Localizable` of the main bundle; the key itself when it
-    // is missing there. The language is the user's.
+    /// @}
+
+    /// @name Localized texts
+    /// The key's text in the table `Localizable` of the main bundle, in the user's language; the key itself
+    /// if it is missing there.
+    /// @{
 
     /// The localized text.
     static NSString initWithLocalizedString(const NSString& key);
 
-    /// The localized text as a format, checked when it runs, since only the table knows it.
+    /// The localized text as a format with its arguments put in; checked at run time, because only the table
+    /// knows it.
     template <class... Arguments>
     static NSString initWithLocalizedFormat(const NSString& key, const Arguments&... arguments) {
         const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
         return initWithLocalizedFormat_arguments(key, packed.list());
     }
+
+    /// `initWithLocalizedFormat` for a started argument list.
     static NSString initWithLocalizedFormat_arguments(const NSString& key, ArgumentList arguments);
 
-    /// The same with a locale's decimal separator and grouping; nil for none.
+    /// As `initWithLocalizedFormat`, with a locale's decimal separator and grouping; a nil locale has
+    /// neither.
     template <class... Arguments>
     static NSString initWithLocalizedFormat_locale(const NSString& key, const NSLocale& locale,
                                                    const Arguments&... arguments) {
         const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
         return initWithLocalizedFormat_locale_arguments(key, locale, packed.list());
     }
+
+    /// `initWithLocalizedFormat_locale` for a started argument list.
     static NSString initWithLocalizedFormat_locale_arguments(const NSString& key, const NSLocale& locale,
                                                              ArgumentList arguments);
 
-    /// The localized text **as it stands**: it is no format here, and further arguments are passed over.
+    /// The localized text **as it is**: not taken as a format, and further arguments are ignored.
     template <class... Arguments>
     static NSString stringWithLocalizedFormat(const NSString& key, const Arguments&...) {
         return stringWithLocalizedFormat(key);
     }
+
+    /// The localized text **as it is**: not taken as a format.
     static NSString stringWithLocalizedFormat(const NSString& key);
+
+    /// The localized text **as it is**: not taken as a format, and further arguments are ignored.
     template <class... Arguments>
     static NSString localizedStringWithLocalizedFormat(const NSString& key, const Arguments&...) {
         return localizedStringWithLocalizedFormat(key);
     }
+
+    /// The localized text **as it is**: not taken as a format.
     static NSString localizedStringWithLocalizedFormat(const NSString& key);
+
+    /// @}
 
 private:
     friend struct detail::Access;
@@ -408,14 +477,16 @@ class ZQFOUNDATION_EXPORT NSMutableString {
 public:
     NSMutableString();
 
-    /// Begins with the text; nil is as good as an empty one.
+    /// Begins with the text; nil is the same as an empty one.
     explicit NSMutableString(StringView text);
     NSMutableString(NSMutableString&& other) noexcept;
     NSMutableString& operator=(NSMutableString&& other) noexcept;
     ~NSMutableString();
 
-    /// Appends a text, or one unit; nil appends nothing.
+    /// Appends a text; nil appends nothing.
     void appendString(StringView text);
+
+    /// Appends one unit.
     void appendCharacter(char16_t unit);
 
     /// Appends the formatted text, as `NSString::stringWithFormat` makes it.
@@ -425,9 +496,11 @@ public:
         const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
         appendFormat_arguments(format.text(), packed.list());
     }
+
+    /// `appendFormat` for a started argument list.
     void appendFormat_arguments(StringView format, ArgumentList arguments);
 
-    /// Units so far.
+    /// The number of units so far.
     std::size_t length() const noexcept;
 
     /// The text built so far as an immutable string; the builder is empty afterwards.

@@ -12,13 +12,14 @@ public:
     constexpr NSURL() noexcept = default;
     constexpr NSURL(std::nullptr_t) noexcept {}
 
-    /// The value when it is a URL, else nil.
+    /// The value if it is a URL, else nil.
     explicit NSURL(const NSObject& object) noexcept : NSObject(object, detail::Kind::url) {}
 
-    /// Nil unless the text is a URI reference by the grammar of RFC 3986; nothing is escaped or repaired.
+    /// A URL of the text; nil unless it is a URI reference by the grammar of RFC 3986. Nothing is escaped or
+    /// repaired.
     static NSURL URLWithString(StringView text);
 
-    /// The same, relative to a base, which may be nil.
+    /// A URL of the text, relative to a base, which may be nil; nil unless the text is a URI reference.
     static NSURL URLWithString_relativeToURL(StringView text, const NSURL& base);
 
     /// The text as given, without the base.
@@ -30,70 +31,113 @@ public:
     /// The text of the URL itself: without a base as given, else resolved against the base as RFC 3986 says,
     /// dots in the path removed. A text with a scheme of its own has no base.
     NSString absoluteString() const;
+
+    /// The URL without a base whose text is `absoluteString`.
     NSURL absoluteURL() const;
 
-    // The parts of the resolved URL, as they stand in its text, escapes and all; nil for one that is missing
-    // ("a:b" has no query, "a:b?" an empty one).
+    /// @name Parts of the resolved URL
+    /// As written in its text, escapes included; nil for a part that is missing ("a:b" has no query, "a:b?"
+    /// an empty one).
+    /// @{
 
-    /// What stands in front of the first ":".
+    /// The text before the first ":".
     NSString scheme() const;
 
-    /// User information, host and port as they stand.
+    /// User information, host and port, as they are written.
     NSString authority() const;
 
-    /// What precedes the first ":" of the user information, and what follows it.
+    /// The user information up to its first ":".
     NSString user() const;
+
+    /// The user information after its first ":".
     NSString password() const;
 
-    /// Without the brackets around an IPv6 address.
+    /// The host, without the brackets around an IPv6 address.
     NSString host() const;
 
-    /// Nil for none, for an empty one, and for one above 2^63 - 1.
+    /// The port's number; nil for none, for an empty one, and for one above 2^63 - 1.
     NSNumber port() const;
 
-    /// Never nil for a URL; perhaps empty.
+    /// The path; never nil for a URL, but perhaps empty.
     NSString path() const;
+
+    /// The text between "?" and "#".
     NSString query() const;
+
+    /// The text after "#".
     NSString fragment() const;
 
-    // NSURL(ZQFoundation)
+    /// @}
 
-    /// The URL of these parts, of which all but the scheme may be nil or empty; a part that is empty is left
-    /// out together with its mark. Path and query are percent-encoded where it says so, the others written as
-    /// they are. Nil for a nil or empty scheme, for a path that does not begin with "/" behind an authority
-    /// or begins with "//" without one, for a text that cannot be encoded, and when the whole is no URI
+    /// @name NSURL(ZQFoundation)
+    /// @{
+
+    /// The URL of these parts, of which all but the scheme may be nil or empty; an empty part is left out
+    /// together with its mark. Path and query are percent-encoded where the flags say so, the others written
+    /// as they are. Nil for a nil or empty scheme, for a path that does not begin with "/" after an authority
+    /// or begins with "//" without one, for a text that cannot be encoded, and if the whole is no URI
     /// reference.
     static NSURL URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
         StringView scheme, StringView authority, StringView path, bool encodePath, StringView query,
         bool encodeQuery, StringView fragment);
 
-    /// The URL of these parts, as above; path and query are encoded unless the name says otherwise.
+    /// The URL of scheme, authority and path, the path percent-encoded; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_path(StringView scheme, StringView authority, StringView path);
+
+    /// The URL of scheme, authority, path and query, path and query percent-encoded; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_path_query(StringView scheme, StringView authority, StringView path,
                                                     StringView query);
+
+    /// The URL of scheme, authority, path, query and fragment, path and query percent-encoded; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_path_query_fragment(StringView scheme, StringView authority,
                                                              StringView path, StringView query,
                                                              StringView fragment);
+
+    /// The URL of scheme, authority, path and query, the path percent-encoded, the query as given; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_path_queryNotToBeEncoded(StringView scheme, StringView authority,
                                                                   StringView path, StringView query);
+
+    /// The URL of scheme, authority, path, query and fragment, the path percent-encoded, the query as given;
+    /// nil as for `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_path_queryNotToBeEncoded_fragment(StringView scheme,
                                                                            StringView authority,
                                                                            StringView path, StringView query,
                                                                            StringView fragment);
+
+    /// The URL of scheme, authority and path, the path as given; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_pathNotToBeEncoded(StringView scheme, StringView authority,
                                                             StringView path);
+
+    /// The URL of scheme, authority, path and query, the path as given, the query percent-encoded; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_pathNotToBeEncoded_query(StringView scheme, StringView authority,
                                                                   StringView path, StringView query);
+
+    /// The URL of scheme, authority, path, query and fragment, the path as given, the query percent-encoded;
+    /// nil as for `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_pathNotToBeEncoded_query_fragment(StringView scheme,
                                                                            StringView authority,
                                                                            StringView path, StringView query,
                                                                            StringView fragment);
+
+    /// The URL of scheme, authority, path and query, path and query as given; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_pathNotToBeEncoded_queryNotToBeEncoded(StringView scheme,
                                                                                 StringView authority,
                                                                                 StringView path,
                                                                                 StringView query);
+
+    /// The URL of scheme, authority, path, query and fragment, path and query as given; nil as for
+    /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     static NSURL URLWithScheme_authority_pathNotToBeEncoded_queryNotToBeEncoded_fragment(
         StringView scheme, StringView authority, StringView path, StringView query, StringView fragment);
+
+    /// @}
 
 private:
     friend struct detail::Access;

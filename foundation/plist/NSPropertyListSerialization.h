@@ -27,7 +27,7 @@ public:
     static NSObject propertyListWithData(const NSData& data, NSString* errorText = nullptr);
 
     /// The value in the XML or the old-style form. The XML form keeps everything but the fractions of a
-    /// date's second; the old-style form turns numbers, booleans and dates into strings. Keys stand in
+    /// date's second; the old-style form turns numbers, booleans and dates into strings. Keys are in
     /// ascending order.
     ///
     /// Nil for the binary form, and for values that a property list cannot hold: nil, the null object, a

@@ -29,7 +29,7 @@ public:
     /// The bundle of the running program, found from the program's own file: the `X.app` around
     /// `X.app/Contents/MacOS/<program>`; else the program's folder when it holds `Resources/Info.plist` or
     /// `Info.plist`; else, for a program in a `bin` folder, `../share/<process name>`; else the program's
-    /// folder, with an empty Info dictionary. Never nil; when the system does not tell the program's file, a
+    /// folder, with an empty Info dictionary. Never nil; if the program's file is unknown, a
     /// bundle without any files, whose paths are empty.
     static NSBundle mainBundle();
 
@@ -50,7 +50,7 @@ public:
     /// The Info dictionary's `CFBundleIdentifier`; nil when it has none, or an empty one, or it is no string.
     NSString bundleIdentifier() const;
 
-    /// The Info dictionary as it stands in its file; empty without one.
+    /// The Info dictionary as written in its file; empty without one.
     NSDictionary infoDictionary() const;
 
     /// The text under the key in the localized table `InfoPlist`, else the Info dictionary's value, else nil.

@@ -6,11 +6,11 @@
 
 namespace ZQFoundation {
 
-/// Formats without a locale and writes the text as one line to standard error, behind the date, the process
-/// name and the identifiers of process and thread. A nil format is ignored.
+/// Formats without a locale and writes the text as one line to standard error, after the date, the process
+/// name and the numbers of process and thread. A nil format is ignored.
 ZQFOUNDATION_EXPORT void NSLogv(StringView format, ArgumentList arguments);
 
-/// The same with variable arguments.
+/// `NSLogv` with the arguments themselves.
 template <class... Arguments>
 void NSLog(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
     const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);

@@ -24,7 +24,7 @@ public:
     /// that is not part of well-formed UTF-8 reads as the unit U+DC00 + byte.
     NSString processName() const;
 
-    /// Renames the process for `processName` and the log prefix; the operating system is not told. A process
+    /// Renames the process for `processName` and the log prefix; does not rename the OS process. A process
     /// always has a name: nil and the empty text change nothing. Each new name is kept until the process
     /// ends.
     void setProcessName(const NSString& name);
@@ -51,10 +51,11 @@ public:
     /// must not run while another thread changes it.
     NSDictionary environment() const;
 
-    // NSProcessInfo(ZQFoundation)
-    // Computed afresh at each call; no folder is made, looked for or touched.
+    /// @name NSProcessInfo(ZQFoundation)
+    /// Computed afresh at each call; no folder is made or touched.
+    /// @{
 
-    /// The main bundle's `ZQCompanyName` as it stands; the text of a value that is no string; nil without
+    /// The main bundle's `ZQCompanyName` as it is; the text of a value that is no string; nil without
     /// one.
     static NSString shortCompanyName();
 
@@ -64,11 +65,15 @@ public:
     /// "Example/Viewer"; the application's name alone without a company.
     static NSString appSpecificLibrarySubpath();
 
-    /// "/home/user/Library/Application Support/Example/Viewer" and "/home/user/Library/Logs/Example/Viewer",
-    /// links in the home folder's path resolved; below "/" for a user without a home. Names with slashes or
-    /// ".." are taken as they stand.
+    /// "/home/user/Library/Application Support/Example/Viewer", links in the home folder's path resolved;
+    /// below "/" for a user without a home. Names with slashes or ".." are taken as they are.
     static NSString pathOfLibraryApplicationSupportSubfolder();
+
+    /// "/home/user/Library/Logs/Example/Viewer", links in the home folder's path resolved; below "/" for a
+    /// user without a home. Names with slashes or ".." are taken as they are.
     static NSString pathOfLibraryLogSubfolder();
+
+    /// @}
 
 private:
     constexpr NSProcessInfo() noexcept = default;

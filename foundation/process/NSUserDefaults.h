@@ -18,7 +18,7 @@ namespace ZQFoundation {
 /// 4. the language settings: `AppleLanguages` from LANGUAGE, LC_ALL, LC_MESSAGES or LANG;
 /// 5. the values that the host has registered.
 ///
-/// The files stand in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property
+/// The files are in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property
 /// lists in any form. A changed file is seen by the next look; a file that is absent, unreadable, too large
 /// (over 16 MiB), cut off or of the wrong type is ignored.
 ///
@@ -48,17 +48,25 @@ public:
     /// A string, or a number's text; nil for any other value.
     NSString stringForKey(StringView key) const;
 
-    /// The value when it is of that type, else nil.
+    /// The value if it is an array, else nil.
     NSArray arrayForKey(StringView key) const;
+
+    /// The value if it is a dictionary, else nil.
     NSDictionary dictionaryForKey(StringView key) const;
+
+    /// The value if it is data, else nil.
     NSData dataForKey(StringView key) const;
 
     /// The value's `boolValue`; false without one.
     bool boolForKey(StringView key) const;
 
-    /// The value of a number or of a string's leading digits; 0 for any other value.
+    /// The value of a number, or of a string's leading digits, in 64 bits; 0 for any other value.
     std::int64_t integerForKey(StringView key) const;
+
+    /// The value of a number, or of a string's leading digits, as a float; 0 for any other value.
     float floatForKey(StringView key) const;
+
+    /// The value of a number, or of a string's leading digits, as a double; 0 for any other value.
     double doubleForKey(StringView key) const;
 
     /// Sets the value in the application's domain: in memory, for this process and its later children, until
@@ -82,7 +90,7 @@ public:
     ///
     /// Returns when the file is on the disk, so not for a moment at which nothing may wait. A forked child
     /// saves only what it has changed itself; the rest is its parent's to save.
-    [[nodiscard]] bool synchronize(NSString* error = nullptr);
+    bool synchronize(NSString* error = nullptr);
 
     /// Adds values that answer when no other domain does; a later registration of a key replaces the earlier
     /// one. Raises NSInvalidArgumentException for values that no property list can hold.

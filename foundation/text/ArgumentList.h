@@ -26,7 +26,7 @@ class TextBuilder;
 
 } // namespace detail
 
-/// One argument of a format call: its value or, for objects and texts, where it stands. Owns nothing.
+/// One argument of a format call: its value or, for objects and texts, its address. Owns nothing.
 class Argument {
 public:
     /// An integer, character, truth value or enumerator, widened to 64 bits by its own sign.
@@ -50,10 +50,16 @@ public:
     constexpr Argument(const double& value) noexcept : type_(detail::ArgumentType::real) {
         value_.real = value;
     }
+
+    /// A floating-point number, as a double.
     constexpr Argument(const float& value) noexcept : Argument(static_cast<double>(value)) {}
+
+    /// A floating-point number in full precision, by reference.
     constexpr Argument(const long double& value) noexcept : type_(detail::ArgumentType::longReal) {
         value_.longReal = &value;
     }
+
+    /// A null pointer.
     constexpr Argument(std::nullptr_t) noexcept : type_(detail::ArgumentType::pointer) {
         value_.address = nullptr;
     }
@@ -65,8 +71,8 @@ public:
         value_.object = &handle;
     }
 
-    /// The end of a C string is looked for when the text is asked for, so that "%.4s" takes a buffer without
-    /// NUL.
+    /// A text, by reference. The end of a C string is searched for when the text is asked for, so that "%.4s"
+    /// takes a buffer without NUL.
     template <class T>
         requires detail::PlainText<T>
     constexpr Argument(const T& text) noexcept : type_(detail::ArgumentType::text) {
@@ -92,7 +98,8 @@ public:
         value_.host = {&object, __builtin_addressof(object)};
     }
 
-    /// Pointers to classes that are only declared are plain pointers.
+    /// A pointer: to an object of a host's class, or any other. Pointers to classes that are only declared
+    /// are plain ones.
     template <class T>
         requires(!detail::PlainText<T*>)
     constexpr Argument(T* pointer) noexcept {
@@ -114,11 +121,19 @@ public:
     /// The width of an integer argument before it was widened, in bytes.
     constexpr std::size_t integerBytes() const noexcept { return bytes_; }
 
-    /// Only for the type that the name says; both integer forms hold the value widened by its own sign.
+    /// The value of an integer argument, widened by its own sign.
     constexpr std::int64_t integer() const noexcept { return value_.integer; }
+
+    /// The value of a `real` argument.
     constexpr double real() const noexcept { return value_.real; }
+
+    /// The value of a `longReal` argument.
     constexpr long double longReal() const noexcept { return *value_.longReal; }
+
+    /// The handle of an `object` argument.
     const NSObject& object() const noexcept { return *value_.object; }
+
+    /// The object of a `host` argument; may be null.
     const NSObjectProtocol* host() const noexcept { return value_.host.object; }
 
     /// The whole text; of a C string, all up to its NUL.
@@ -140,8 +155,8 @@ public:
                (ending_ == Ending::known && value_.text.form() == StringView::Form::utf16);
     }
 
-    /// The text as far as a conversion with a precision needs it: of a C string, no more than `limit` bytes
-    /// (units) are looked at.
+    /// The text as far as a conversion with a precision needs it: of a C string, at most `limit` bytes
+    /// (units) are read.
     StringView textUpTo(std::size_t limit) const noexcept {
         if (limit == SIZE_MAX) {
             return text();
@@ -197,7 +212,7 @@ private:
     Ending ending_ = Ending::known;
 };
 
-/// The started argument list: typed, non-owning, a look at arguments that stand on the caller's stack.
+/// The started argument list: typed, non-owning, a view of arguments on the caller's stack.
 class ArgumentList {
 public:
     constexpr ArgumentList() noexcept = default;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Internal: not installed.
 #ifndef ZQFOUNDATION_TEXT_CASEMAPPING_H
 #define ZQFOUNDATION_TEXT_CASEMAPPING_H
 

@@ -4,10 +4,10 @@
 
 #include <cstddef>
 
-/// How the compiler tells what is wrong with a literal format. A wrong one calls a function that is no
-/// constant expression, so the compiler shows the name of that function and what its template stands for: the
-/// conversion's letter and the argument's number and type. The call on the way there names the conversion's
-/// number. Both matter: with stars and positions the two numbers differ.
+// How the compiler reports what is wrong with a literal format. A wrong one calls a function that is no
+// constant expression, so the compiler shows the name of that function and its template arguments: the
+// conversion's letter and the argument's number and type. The call on the way there names the conversion's
+// number. Both matter: with stars and positions the two numbers differ.
 namespace ZQFoundation::detail {
 
 /// The conversion with that letter.
@@ -197,6 +197,7 @@ constexpr FormatRefusal formatRefusalOfFormat(const FormatFault& fault) {
     }
 }
 
+/// @cond It inherits from itself, which Doxygen cannot follow.
 template <std::size_t... numbers>
 struct FormatNumbers {};
 
@@ -207,6 +208,7 @@ template <std::size_t... numbers>
 struct FormatNumbersUpTo<0, numbers...> {
     using List = FormatNumbers<numbers...>;
 };
+/// @endcond
 
 template <class... Arguments, std::size_t... numbers>
 constexpr FormatRefusal formatRefusalOf(const FormatFault& fault, FormatNumbers<numbers...>) {

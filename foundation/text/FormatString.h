@@ -193,6 +193,8 @@ public:
     consteval FormatString(const char (&literal)[size]) : text_(viewOf(literal, lengthOf(literal))) {
         checked(literal, lengthOf(literal));
     }
+
+    /// A UTF-16 literal, checked against the arguments when the program is compiled.
     template <std::size_t size>
     consteval FormatString(const char16_t (&literal)[size]) : text_(literal, lengthOf(literal)) {
         checked(literal, lengthOf(literal));

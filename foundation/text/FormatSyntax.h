@@ -4,17 +4,17 @@
 
 #include <climits>
 
-/// How one conversion of a format is written:
-///
-///     % [n$] flags* [width] [.[precision]] [length] letter
-///
-///     flags       -  +  blank  0  #
-///     width       digits, * (the next argument) or *n$ (argument n)
-///     precision   the same; nothing after the '.' means 0
-///     length      hh  h  l  ll  q  z  t  j  L
-///
-/// One reader serves both sides: the check of a literal when the program is compiled and the formatting
-/// itself.
+// How one conversion of a format is written:
+//
+//     % [n$] flags* [width] [.[precision]] [length] letter
+//
+//     flags       -  +  blank  0  #
+//     width       digits, * (the next argument) or *n$ (argument n)
+//     precision   the same; nothing after the '.' means 0
+//     length      hh  h  l  ll  q  z  t  j  L
+//
+// One reader serves both sides: the check of a literal when the program is compiled and the formatting
+// itself.
 namespace ZQFoundation::detail {
 
 enum class FormatLength : unsigned char { bits32, bits8, bits16, bits64, longDouble };
@@ -189,7 +189,7 @@ constexpr FormatLength readFormatLength(const Unit*& at, const Unit* end) noexce
     }
 }
 
-/// Reads what stands between the '%' and the length, at least one unit.
+/// Reads what is between the '%' and the length, at least one unit.
 template <class Unit>
 constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConversion& conversion) noexcept {
     if (isFormatDigit(*at)) {
@@ -207,7 +207,7 @@ constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConve
     }
 }
 
-/// Reads a conversion whose '%' stands before `at`; returns the place behind its letter, or `end` when it is
+/// Reads a conversion whose '%' is before `at`; returns the place after its letter, or `end` when it is
 /// cut off. Any unit may come out as the letter.
 template <class Unit>
 constexpr const Unit* readFormatConversion(const Unit* at, const Unit* end,

@@ -12,10 +12,10 @@ inline constexpr std::size_t NSNotFound = static_cast<std::size_t>(INT64_MAX);
 
 /// A stretch of a sequence: of a string in units, of data in bytes.
 struct NSRange {
-    std::size_t location;
-    std::size_t length;
+    std::size_t location; ///< index of the first item
+    std::size_t length;   ///< number of items
 
-    /// The same place and the same length.
+    /// Whether location and length are the same.
     friend constexpr bool operator==(const NSRange&, const NSRange&) noexcept = default;
 };
 

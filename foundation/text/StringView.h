@@ -42,8 +42,13 @@ concept PlainText = std::is_same_v<T, StringView> || TextPointer<std::decay_t<T>
 /// Trivially copyable; pass it by value.
 class StringView {
 public:
-    /// How the text is held. `ascii` is UTF-8 known to hold nothing above U+007F.
-    enum class Form : unsigned char { absent, utf8, ascii, utf16 };
+    /// How the text is held.
+    enum class Form : unsigned char {
+        absent, ///< the nil text
+        utf8,   ///< bytes, perhaps ill-formed
+        ascii,  ///< UTF-8 known to hold nothing above U+007F
+        utf16,  ///< units
+    };
 
 private:
     // Ahead of the constructors, which are constant expressions only when these are known.
@@ -79,11 +84,12 @@ public:
     /// UTF-8 up to the zero byte; nil for a null pointer.
     StringView(const char8_t* utf8) noexcept : StringView(reinterpret_cast<const char*>(utf8)) {}
 
-    /// No bytes make the empty text, also behind a null pointer: only the one-argument forms make nil.
+    /// That many bytes of UTF-8. No bytes make the empty text, even with a null pointer: only the
+    /// one-argument forms make nil.
     constexpr StringView(const char* utf8, std::size_t byteCount) noexcept
         : data_(utf8 == nullptr ? "" : utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
 
-    /// No units make the empty text, also behind a null pointer.
+    /// That many UTF-16 units. No units make the empty text, even with a null pointer.
     constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
         : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
 
@@ -117,10 +123,10 @@ public:
     /// Bytes for `utf8` and `ascii`, UTF-16 units for `utf16`, 0 for nil.
     constexpr std::size_t size() const noexcept { return sizeAndForm_ >> 2; }
 
-    /// Only for `utf8` and `ascii`.
+    /// The bytes of a text in the form `utf8` or `ascii`, valid as long as their owner keeps them.
     constexpr const char* bytes() const noexcept { return static_cast<const char*>(data_); }
 
-    /// Only for `utf16`.
+    /// The units of a text in the form `utf16`, valid as long as their owner keeps them.
     constexpr const char16_t* units() const noexcept { return static_cast<const char16_t*>(data_); }
 
 private:

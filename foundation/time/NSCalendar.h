@@ -18,46 +18,48 @@ inline constexpr NSInteger NSDateComponentUndefined = INT64_MAX;
 
 /// Names fields of dates; combined by `|`. The numbers are the platform's.
 enum NSCalendarUnit : unsigned {
-    NSCalendarUnitEra = 1U << 1,
-    NSCalendarUnitYear = 1U << 2,
-    NSCalendarUnitMonth = 1U << 3,
-    NSCalendarUnitDay = 1U << 4,
-    NSCalendarUnitHour = 1U << 5,
-    NSCalendarUnitMinute = 1U << 6,
-    NSCalendarUnitSecond = 1U << 7,
-    NSCalendarUnitWeekday = 1U << 9,
-    NSCalendarUnitQuarter = 1U << 11,
-    NSCalendarUnitWeekOfYear = 1U << 13,
-    NSCalendarUnitYearForWeekOfYear = 1U << 14,
-    NSCalendarUnitNanosecond = 1U << 15,
+    NSCalendarUnitEra = 1U << 1,                ///< 0 before the year 1, else 1
+    NSCalendarUnitYear = 1U << 2,               ///< within its era
+    NSCalendarUnitMonth = 1U << 3,              ///< 1 to 12
+    NSCalendarUnitDay = 1U << 4,                ///< of the month, 1 to 31
+    NSCalendarUnitHour = 1U << 5,               ///< 0 to 23
+    NSCalendarUnitMinute = 1U << 6,             ///< 0 to 59
+    NSCalendarUnitSecond = 1U << 7,             ///< 0 to 59
+    NSCalendarUnitWeekday = 1U << 9,            ///< 1 Sunday to 7 Saturday
+    NSCalendarUnitQuarter = 1U << 11,           ///< 1 to 4
+    NSCalendarUnitWeekOfYear = 1U << 13,        ///< 1 to 53
+    NSCalendarUnitYearForWeekOfYear = 1U << 14, ///< to which the week belongs
+    NSCalendarUnitNanosecond = 1U << 15,        ///< 0 to 999,999,999
 };
 
 /// The fields of a date, each either set or `NSDateComponentUndefined`, and a time zone, which may be nil.
 struct NSDateComponents {
-    NSInteger era = NSDateComponentUndefined;  ///< 0 before the year 1, else 1
-    NSInteger year = NSDateComponentUndefined; ///< within its era: the year before 1 is year 1 of era 0
-    NSInteger month = NSDateComponentUndefined;
-    NSInteger day = NSDateComponentUndefined;
-    NSInteger hour = NSDateComponentUndefined;
-    NSInteger minute = NSDateComponentUndefined;
-    NSInteger second = NSDateComponentUndefined;
-    NSInteger nanosecond = NSDateComponentUndefined;
-    NSInteger weekday = NSDateComponentUndefined; ///< 1 Sunday to 7 Saturday
-    NSInteger quarter = NSDateComponentUndefined;
-    NSInteger weekOfYear = NSDateComponentUndefined;
-    NSInteger yearForWeekOfYear = NSDateComponentUndefined;
-    NSTimeZone timeZone;
+    NSInteger era = NSDateComponentUndefined;        ///< 0 before the year 1, else 1
+    NSInteger year = NSDateComponentUndefined;       ///< within its era: the year before 1 is year 1 of era 0
+    NSInteger month = NSDateComponentUndefined;      ///< 1 January to 12 December
+    NSInteger day = NSDateComponentUndefined;        ///< of the month, from 1
+    NSInteger hour = NSDateComponentUndefined;       ///< 0 to 23
+    NSInteger minute = NSDateComponentUndefined;     ///< 0 to 59
+    NSInteger second = NSDateComponentUndefined;     ///< 0 to 59
+    NSInteger nanosecond = NSDateComponentUndefined; ///< 0 to 999,999,999
+    NSInteger weekday = NSDateComponentUndefined;    ///< 1 Sunday to 7 Saturday
+    NSInteger quarter = NSDateComponentUndefined;    ///< 1 to 4
+    NSInteger weekOfYear = NSDateComponentUndefined; ///< 1 to 53
+    NSInteger yearForWeekOfYear = NSDateComponentUndefined; ///< the year to which the week belongs, through 0
+    NSTimeZone timeZone;                                    ///< of the fields; nil: the calendar's
 };
 
-/// The names for `NSCalendar::calendarWithIdentifier`.
+/// For `NSCalendar::calendarWithIdentifier`: weeks begin on Sunday.
 inline constexpr const char* NSCalendarIdentifierGregorian = "gregorian";
+
+/// For `NSCalendar::calendarWithIdentifier`: weeks begin on Monday.
 inline constexpr const char* NSCalendarIdentifierISO8601 = "iso8601";
 
 /// Turns instants into fields and back, by the rules of the Gregorian calendar at all times, also before they
 /// were introduced, on the clocks of a time zone. A small value; copy it freely, use it from any thread. A
 /// default-made one is nil and answers nil, 0, false and unset fields.
 ///
-/// A year comes back as the year of its era, so only with the era does it tell which year it was. Where a
+/// A year comes back as the year of its era, so only with the era is it clear which year it was. Where a
 /// year is given without an era, 0 is the year before 1, and -1 the one before that. The years to which weeks
 /// belong have no eras and count through 0.
 ///
@@ -73,22 +75,22 @@ public:
     /// year; nil for another name. In the process's time zone at each use.
     static NSCalendar calendarWithIdentifier(StringView identifier);
 
-    /// The user's: the Gregorian one.
+    /// The user's calendar: the Gregorian one.
     static NSCalendar currentCalendar() noexcept;
 
     /// True unless the calendar is nil.
     constexpr explicit operator bool() const noexcept { return form_ != Form::absent; }
 
-    /// One of the two names above; nil for nil.
+    /// The name by which the calendar was made; nil for nil.
     NSString calendarIdentifier() const;
 
-    /// Nil, as at first: the process's zone at the time of each call.
+    /// Sets the zone; nil, as at first, for the process's zone at the time of each call.
     void setTimeZone(NSTimeZone zone) noexcept { timeZone_ = zone; }
     /// The zone that applies now; nil only for a nil calendar.
     NSTimeZone timeZone() const noexcept;
 
     /// The instant that the fields era, year, month, day, hour, minute, second and nanosecond name, in their
-    /// own time zone or else the calendar's; the others are not looked at. A field that is not set is 1 for
+    /// own time zone or else the calendar's; the others are ignored. A field that is not set is 1 for
     /// era, year, month and day, else 0. Fields out of range carry, the month first, then days, hours,
     /// minutes and seconds in local wall time: day 0 is the last day of the month before. A wall time that
     /// the clocks skip uses the offset from before the change; one that occurs twice is its first occurrence.

@@ -25,9 +25,9 @@ namespace ZQFoundation {
 ///     Z ZZZZ ZZZZZ          offset                         +0100 GMT+01:00 +01:00 (in UTC +0000 GMT Z)
 ///     z zzzz                zone                           CET, Central European Standard Time
 ///
-/// Text between single quotes stands for itself, and so does everything that is no ASCII letter; two single
+/// Text between single quotes is copied, and so is everything that is no ASCII letter; two single
 /// quotes are one, inside quotes and outside. A quote that is not closed runs to the end. Other ASCII letters
-/// are reserved: today they are written as they stand.
+/// are reserved: today they are copied.
 ///
 /// The instant is rounded to the nearest millisecond first, half up. Weeks begin on Monday, and the first one
 /// of a year is that of its first Thursday. A zone without a name of its own is written as its offset:
@@ -38,16 +38,19 @@ class ZQFOUNDATION_EXPORT NSDateFormatter {
 public:
     NSDateFormatter() noexcept = default;
 
-    /// The pattern. Nil, as at first, gives empty texts.
+    /// Sets the pattern. Nil, as at first, gives empty texts.
     void setDateFormat(NSString format) noexcept { dateFormat_ = static_cast<NSString&&>(format); }
+
+    /// The pattern; nil before it is set.
     const NSString& dateFormat() const noexcept { return dateFormat_; }
 
-    /// Nil, as at first: the process's zone at the time of each call.
+    /// Sets the zone; nil, as at first, for the process's zone at the time of each call.
     void setTimeZone(NSTimeZone zone) noexcept { timeZone_ = zone; }
     /// The zone that applies now; never nil.
     NSTimeZone timeZone() const noexcept { return timeZone_ ? timeZone_ : NSTimeZone::systemTimeZone(); }
 
-    /// Nil for a nil date, and for one that is no number or has no room in 64 bits of seconds.
+    /// The date by the pattern. Nil for a nil date, and for one that is no number or does not fit into 64
+    /// bits of seconds.
     NSString stringFromDate(const NSDate& date) const;
 
 private:

@@ -22,7 +22,7 @@ public:
     constexpr NSTimeZone(std::nullptr_t) noexcept {}
 
     /// The process's zone: what the environment variable TZ says at the time of the call, else the system's
-    /// setting. TZ may hold a name ("Europe/Berlin"), the path of a zone file, either behind a colon, or a
+    /// setting. TZ may hold a name ("Europe/Berlin"), the path of a zone file, either after a colon, or a
     /// rule
     /// ("CET-1CEST,M3.5.0,M10.5.0/3"). Empty, unreadable or meaningless: UTC. Never nil. Takes no lock, so it
     /// is safe in a forked child; like every reader of the environment it must not run while another thread
@@ -40,7 +40,7 @@ public:
     /// paths and no "..".
     static NSTimeZone timeZoneWithName(StringView name);
 
-    /// Always that far east of Greenwich. Nil beyond 18 hours.
+    /// A zone that is always that many seconds east of Greenwich. Nil beyond 18 hours.
     static NSTimeZone timeZoneForSecondsFromGMT(int seconds) noexcept;
 
     /// True unless the zone is nil.
@@ -59,10 +59,12 @@ public:
     /// Whether clocks are put forward for the summer then. False for nil, for a nil date and a fixed offset.
     bool isDaylightSavingTimeForDate(const NSDate& date) const noexcept;
 
-    /// The same name and the same data; two nil handles are the same too.
+    /// Whether both have the same name and the same data; two nil handles are the same too.
     friend bool operator==(const NSTimeZone& left, const NSTimeZone& right) noexcept {
         return left.isEqualToTimeZone(right);
     }
+
+    /// Whether both have the same name and the same data; two nil handles are the same too.
     bool isEqualToTimeZone(const NSTimeZone& other) const noexcept;
 
 private:
