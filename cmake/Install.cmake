@@ -16,7 +16,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/" DESTINATION "${ZQ_INSTALL_R
 
 install(EXPORT ZQFoundationTargets NAMESPACE ZQFoundation:: DESTINATION "${package_folder}" COMPONENT development)
 configure_package_config_file(cmake/ZQFoundationConfig.cmake.in "${PROJECT_BINARY_DIR}/package/ZQFoundationConfig.cmake"
-    INSTALL_DESTINATION "${package_folder}" PATH_VARS ZQ_INSTALL_RESOURCES)
+    INSTALL_DESTINATION "${package_folder}" PATH_VARS ZQ_INSTALL_RESOURCES CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/ZQFoundationConfigVersion.cmake"
     COMPATIBILITY SameMajorVersion)
 install(FILES

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # For hosts, in this tree and outside: an application laid out as a bundle.
 #
-# zq_add_bundle(<target> INFO_PLIST <file> [RESOURCES <folder>] [NAME <name>])
+# zq_add_bundle(<target> INFO_PLIST <file> [RESOURCES <folder>] [NAME <name>] [UNCHECKED])
 #
 # Lays the program <target> out as <name>.app (the target's name unless NAME says otherwise) in the current build
 # folder:
@@ -12,7 +12,10 @@
 #     Contents/Frameworks/         the library and its texts
 #
 # The program finds its library relative to itself, so the whole folder can be moved. The bundle is complete once
-# the target <target>Bundle, which is part of an ordinary build, is built.
+# the target <target>Bundle, which is part of an ordinary build, is built. That build fails, unless UNCHECKED is
+# given, when `defaults lint` finds fault with the property lists and string tables: one that cannot be read, a key
+# that a language lacks, conversions that differ from language to language. Where there is no such tool, as where the
+# host has not installed it, nothing is checked.
 
 # Copies <from> to <to>, relative to the bundle's contents, whenever it is newer; sets `pieces` of the caller.
 function(zq_bundle_piece contents from to)
@@ -22,10 +25,30 @@ function(zq_bundle_piece contents from to)
     set(pieces ${pieces} "${contents}/${to}" PARENT_SCOPE)
 endfunction()
 
+# Checks the files that the library reads; sets `pieces` of the caller.
+function(zq_bundle_check target)
+    set(tool)
+    if(TARGET ZQFoundation::defaults AND NOT CMAKE_CROSSCOMPILING)
+        set(tool ZQFoundation::defaults) # of this tree
+    elseif(ZQFoundation_DEFAULTS_TOOL)
+        set(tool "${ZQFoundation_DEFAULTS_TOOL}")
+    else()
+        message(STATUS "The files of ${target}'s bundle are not checked, as there is no zqdefaults")
+        return()
+    endif()
+    set(checked "${CMAKE_CURRENT_BINARY_DIR}/${target}-files-checked")
+    add_custom_command(OUTPUT "${checked}"
+        COMMAND ${tool} lint ${ARGN}
+        COMMAND "${CMAKE_COMMAND}" -E touch "${checked}"
+        COMMENT "Checking the property lists and string tables of ${target}"
+        DEPENDS ${ARGN} ${tool} VERBATIM)
+    set(pieces ${pieces} "${checked}" PARENT_SCOPE)
+endfunction()
+
 function(zq_add_bundle target)
-    cmake_parse_arguments(PARSE_ARGV 1 bundle "" "INFO_PLIST;RESOURCES;NAME" "")
+    cmake_parse_arguments(PARSE_ARGV 1 bundle "UNCHECKED" "INFO_PLIST;RESOURCES;NAME" "")
     if(NOT bundle_INFO_PLIST OR bundle_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "zq_add_bundle(<target> INFO_PLIST <file> [RESOURCES <folder>] [NAME <name>])")
+        message(FATAL_ERROR "zq_add_bundle(<target> INFO_PLIST <file> [RESOURCES <folder>] [NAME <name>] [UNCHECKED])")
     endif()
     if(NOT bundle_NAME)
         set(bundle_NAME ${target})
@@ -44,12 +67,19 @@ function(zq_add_bundle target)
     file(MAKE_DIRECTORY "${contents}/Resources" "${contents}/Frameworks")
     cmake_path(ABSOLUTE_PATH bundle_INFO_PLIST BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
     zq_bundle_piece("${contents}" "${bundle_INFO_PLIST}" Info.plist)
+    set(lists "${bundle_INFO_PLIST}")
     if(bundle_RESOURCES)
         cmake_path(ABSOLUTE_PATH bundle_RESOURCES BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
         file(GLOB_RECURSE files CONFIGURE_DEPENDS RELATIVE "${bundle_RESOURCES}" "${bundle_RESOURCES}/*")
         foreach(file IN LISTS files)
             zq_bundle_piece("${contents}" "${bundle_RESOURCES}/${file}" "Resources/${file}")
+            if(file MATCHES "[.](plist|strings)$")
+                list(APPEND lists "${bundle_RESOURCES}/${file}")
+            endif()
         endforeach()
+    endif()
+    if(NOT bundle_UNCHECKED)
+        zq_bundle_check(${target} ${lists})
     endif()
     set(texts)
     if(NOT APPLE) # there a framework holds the library and its texts

@@ -12,7 +12,10 @@
 
 namespace ZQFoundation::detail {
 
-namespace {
+bool refuseWith(NSString* error, const std::string& path, int number) {
+    tellErrorOfBytes(error, path, number);
+    return false;
+}
 
 bool readBytes(const Descriptor& file, const std::string& path, std::string& bytes, NSString* error) {
     char buffer[1 << 14];
@@ -30,13 +33,6 @@ bool readBytes(const Descriptor& file, const std::string& path, std::string& byt
             return refuse(error, "%@ is larger than %ld bytes", path, largestFile);
         }
     }
-}
-
-} // namespace
-
-bool refuseWith(NSString* error, const std::string& path, int number) {
-    tellErrorOfBytes(error, path, number);
-    return false;
 }
 
 bool readDictionary(const Descriptor& file, const std::string& path, NSDictionary& values, NSString* error) {

@@ -25,6 +25,9 @@ bool refuse(NSString* error, FormatString<std::type_identity_t<Arguments>...> fo
 /// The same for a system error.
 bool refuseWith(NSString* error, const std::string& path, int number);
 
+/// All bytes of the open file from where it stands on. False for more of them than the library reads.
+bool readBytes(const Descriptor& file, const std::string& path, std::string& bytes, NSString* error);
+
 /// What the open file holds from where it stands on; a pipe is read to its end. False for what is no
 /// dictionary.
 bool readDictionary(const Descriptor& file, const std::string& path, NSDictionary& values, NSString* error);

@@ -48,11 +48,13 @@ TEST(DefaultsCompletion, offersCommandsDomainsKeysAndTypes) {
     tool.done({"write", "com.a", "{ TraceNetwork = 1; TraceDeep = { inner = 1; }; Other = 1; }"});
     tool.done({"write", "com.b", "k", "v"});
     EXPECT_EQ(offered(tool, {"read"}), "read\nread-type\n");
-    EXPECT_EQ(offered(tool, {"read", ""}), "-g\ncom.a\ncom.b\n");
+    EXPECT_EQ(offered(tool, {"read", ""}), "-g\ncom.a\ncom.b\n--json\n");
     EXPECT_EQ(offered(tool, {"write", "com.b"}), "com.b\n");
     EXPECT_EQ(offered(tool, {"remove", "com.a", "Tr"}), "TraceDeep\nTraceNetwork\n");
     EXPECT_EQ(offered(tool, {"write", "com.a", "k", "-array"}), "-array\n-array-add\n");
     EXPECT_EQ(offered(tool, {"find", ""}), "\n");
+    EXPECT_EQ(offered(tool, {"li"}), "lint\n");
+    EXPECT_EQ(offered(tool, {"lint", "a", "inp"}), "input\n");
 }
 
 TEST(DefaultsCompletion, quotesNamesAndCarriesOutNoneOfThem) {
@@ -60,7 +62,7 @@ TEST(DefaultsCompletion, quotesNamesAndCarriesOutNoneOfThem) {
     tool.done({"write", "$(touch done1)", "k", "v"});
     tool.done({"write", "com.a", "$(touch done2)`touch done3`", "v"});
     tool.done({"write", "com.a", "a & <b>", "v"});
-    EXPECT_EQ(offered(tool, {"read", ""}), "-g\n\\$\\(touch\\ done1\\)\ncom.a\n");
+    EXPECT_EQ(offered(tool, {"read", ""}), "-g\n\\$\\(touch\\ done1\\)\ncom.a\n--json\n");
     EXPECT_EQ(offered(tool, {"read", "com.a", ""}),
               "\\$\\(touch\\ done2\\)\\`touch\\ done3\\`\na\\ \\&\\ \\<b\\>\n");
     for (const char* const name : {"done1", "done2", "done3"}) {

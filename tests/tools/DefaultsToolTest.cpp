@@ -167,8 +167,36 @@ TEST(DefaultsTool, tellsTheUserOfAWrongCommandLine) {
     }
     EXPECT_NE(tool.done({"--help"}).find("Usage: defaults"), std::string::npos);
     EXPECT_EQ(tool.done({"help"}), tool.done({"--help"}));
+    EXPECT_EQ(tool.done({"-h"}), tool.done({"--help"}));
     EXPECT_EQ(tool.done({"--version"}).substr(0, 9), "defaults ");
     EXPECT_NE(tool.refused({"write", "d", "k", "\xFF"}).find("UTF-8"), std::string::npos);
+}
+
+TEST(DefaultsTool, saysWhatACommandTakes) {
+    const Tool tool;
+    const std::string whole = tool.done({"--help"});
+    for (const char* const command : {"read", "read-type", "write", "remove", "delete", "rename", "domains",
+                                      "find", "import", "export", "lint"}) {
+        const std::string help = tool.done({command, "--help"});
+        EXPECT_EQ(help.find("Usage: defaults <command>"), 0U);
+        const std::string line = std::string("\n  ").append(command).append(" ");
+        ASSERT_NE(help.find(line), std::string::npos) << command;
+        EXPECT_NE(whole.find(help.substr(help.find(line))), std::string::npos) << command;
+        EXPECT_EQ(tool.done({command, "-h"}), help);
+    }
+    tool.refused({"frob", "--help"}, 2);
+    tool.done({"write", "d", "k", "--help"});
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "--help\n") << "a value, not a wish";
+}
+
+TEST(DefaultsTool, answersUnderItsSecondName) {
+    const Tool tool;
+    const std::string link = tool.folder() / "zqdefaults";
+    ASSERT_EQ(::symlink(ZQ_DEFAULTS_TOOL, link.c_str()), 0);
+    const std::string output = scene::outputOf(link, {"zqdefaults", "--help"}, [] {});
+    EXPECT_EQ(output.find("Usage: zqdefaults <command>"), 0U) << output;
+    EXPECT_NE(output.find("\n  zqdefaults write com.example"), std::string::npos);
+    EXPECT_EQ(output.find("\n  defaults "), std::string::npos);
 }
 
 TEST(DefaultsTool, spellsControlCharactersOutInMessages) {
@@ -258,8 +286,8 @@ TEST(DefaultsTool, saysWhereARemovedKeyIsStillSet) {
               "defaults: the domain com.example.v has no key TraceGlobal, but the global domain has it "
               "(defaults remove -g TraceGlobal)\n");
     const std::string elsewhere =
-        " has no key TraceOther; an application that sees one has it from its command "
-        "line, or has registered it itself\n";
+        " has no key TraceOther; an application that sees one has it from its command line or from "
+        "ZQ_DEFAULTS, or has registered it itself\n";
     EXPECT_EQ(tool.refused({"remove", "com.example.v", "TraceOther"}),
               "defaults: the domain com.example.v" + elsewhere);
     EXPECT_EQ(tool.refused({"remove", "com.none", "TraceOther"}),

@@ -14,6 +14,7 @@
 
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
+#include "foundation/process/NSProcessInfo.h"
 #include "tests/tools/ToolScene.h"
 
 #if __has_include(<linux/seccomp.h>)
@@ -85,7 +86,7 @@ TEST(DefaultsToolWriters, loseNoKeyOfProcessesThatSaveTheirOwn) {
         const pid_t child = ::fork();
         if (child == 0) {
             ::alarm(120);
-            const scene::Arguments name(detail::overrides::arguments, Words{"d"});
+            NSProcessInfo::processInfo().setProcessName("d");
             for (int key = 0; key < keys; ++key) {
                 NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
                 defaults.setObject_forKey(key, NSString::stringWithFormat("Saved%d", writer * keys + key));

@@ -8,6 +8,8 @@
 
 #include "tools/defaults/DomainFile.h"
 #include "tools/defaults/Failure.h"
+#include "tools/defaults/Json.h"
+#include "tools/defaults/Lint.h"
 #include "tools/defaults/Text.h"
 
 namespace ZQFoundation::defaults {
@@ -86,7 +88,12 @@ private:
 
 // read
 
-void readAllDomains() {
+using Printer = NSString (*)(const NSObject& value);
+
+NSString asDescription(const NSObject& value) { return value.description(); }
+NSString asJson(const NSObject& value) { return jsonOf(value); }
+
+void readAllDomains(Printer printer) {
     Unreadable unreadable;
     NSMutableDictionary all;
     for (const Domain& domain : allDomains()) {
@@ -94,18 +101,30 @@ void readAllDomains() {
             all.setObject_forKey(values, NSString(domain.name));
         }
     }
-    print(all.dictionary().description());
+    print(printer(all.dictionary()));
     unreadable.tell();
 }
 
 void read(const Words& words) {
-    if (words.size() == 1) {
-        readAllDomains();
+    Words rest;
+    for (const std::string& word : words) {
+        if (word != "--json") {
+            rest.push_back(word);
+        }
+    }
+    const Printer printer = rest.size() < words.size() ? asJson : asDescription;
+    if (rest.size() == 1) {
+        readAllDomains(printer);
         return;
     }
-    const Domain domain = domainFromWord(words[1]);
-    print(words.size() == 2 ? existingDomain(domain).description()
-                            : existingValue(domain, words[2]).description());
+    const Domain domain = domainFromWord(rest[1]);
+    if (rest.size() == 2) {
+        print(printer(existingDomain(domain)));
+    } else if (rest.size() == 3) {
+        print(printer(existingValue(domain, rest[2])));
+    } else {
+        misuse("there is one argument too many: %@", rest[3]);
+    }
 }
 
 void readType(const Words& words) {
@@ -175,11 +194,11 @@ bool isSetGlobally(const Domain& domain, const NSString& key) {
 
 [[noreturn]] void failToRemove(const Domain& domain, const NSString& key) {
     if (isSetGlobally(domain, key)) {
-        fail("the domain %@ has no key %@, but the global domain has it (defaults remove -g %@)", domain.name,
-             key, key);
+        fail("the domain %@ has no key %@, but the global domain has it (%s remove -g %@)", domain.name, key,
+             programName, key);
     }
-    fail("the domain %@ has no key %@; an application that sees one has it from its command line, or has "
-         "registered it itself",
+    fail("the domain %@ has no key %@; an application that sees one has it from its command line or from "
+         "ZQ_DEFAULTS, or has registered it itself",
          domain.name, key);
 }
 
@@ -196,9 +215,8 @@ void removeKey(const Domain& domain, const NSString& key) {
         return rest.dictionary();
     });
     if (isSetGlobally(domain, key)) {
-        fail("%@ was removed from %@, but stays in force: the global domain has it too (defaults remove -g "
-             "%@)",
-             key, domain.name, key);
+        fail("%@ was removed from %@, but stays in force: the global domain has it too (%s remove -g %@)",
+             key, domain.name, programName, key);
     }
 }
 
@@ -307,9 +325,28 @@ void importDomain(const Words& words) {
 
 void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFromWord(words[1])), words[2]); }
 
+// lint
+
+constexpr std::size_t mostLines = 20;
+
+void lint(const Words& words) {
+    const std::vector<std::string> faults = faultsOf({words.begin() + 1, words.end()});
+    for (std::size_t index = 0; index < faults.size() && index < mostLines; ++index) {
+        std::fprintf(stderr, "%s\n", onOneLine(faults[index]).c_str());
+    }
+    if (faults.size() > mostLines) {
+        std::fprintf(stderr, "... and %zu more\n", faults.size() - mostLines);
+    }
+    if (!faults.empty()) {
+        fail("%lu fault%s found", faults.size(), faults.size() == 1 ? "" : "s");
+    }
+}
+
+/// A command, in one of the forms that it may have.
 struct Command {
     const char* name;
     const char* arguments;
+    const char* purpose;
     std::size_t leastWords; ///< with the command's own name
     std::size_t mostWords;
     void (*run)(const Words&);
@@ -318,32 +355,55 @@ struct Command {
 constexpr std::size_t any = static_cast<std::size_t>(-1);
 
 constexpr Command commands[] = {
-    {"read", "[<domain> [<key>]]", 1, 3, read},
-    {"read-type", "<domain> <key>", 3, 3, readType},
-    {"write", "<domain> <key> [<type>] <value>", 3, any, write},
-    {"remove", "<domain> [<key>]", 2, 3, remove},
-    {"delete", "<domain> [<key>]", 2, 3, remove},
-    {"rename", "<domain> <old key> <new key>", 4, 4, rename},
-    {"domains", "", 1, 1, listDomains},
-    {"find", "<word>", 2, 2, find},
-    {"import", "<domain> <file>|-", 3, 3, importDomain},
-    {"export", "<domain> <file>|-", 3, 3, exportDomain},
+    {"read", "[--json] [<domain> [<key>]]", "print everything, a domain, or a value", 1, 4, read},
+    {"read-type", "<domain> <key>", "print of which type a value is", 3, 3, readType},
+    {"write", "<domain> <key> [<type>] <value>", "set a value", 4, any, write},
+    {"write", "<domain> '{ <key> = <value>; }'", "set all values of a domain, and remove any other", 3, 3,
+     write},
+    {"remove", "<domain> [<key>]", "remove a value, or all of a domain", 2, 3, remove},
+    {"delete", "<domain> [<key>]", "the same", 2, 3, remove},
+    {"rename", "<domain> <key> <new key>", "give a value another key, which must be free", 4, 4, rename},
+    {"domains", "", "list the domains", 1, 1, listDomains},
+    {"find", "<word>", "print what mentions the word, in any case", 2, 2, find},
+    {"import", "<domain> <file>|-", "set all values of a domain to those in the file", 3, 3, importDomain},
+    {"export", "<domain> <file>|-", "write a domain's values to a file, as XML", 3, 3, exportDomain},
+    {"lint", "<file>...", "check property lists, and string tables of all languages", 2, any, lint},
 };
+
+std::string lineOf(const Command& command) {
+    constexpr std::size_t column = 37;
+    std::string line = std::string("  ").append(command.name).append(" ").append(command.arguments);
+    line.append(line.size() < column - 1 ? "" : "\n");
+    line.append(column - (line.back() == '\n' ? 0 : line.size()), ' ');
+    return line.append(command.purpose).append("\n");
+}
 
 } // namespace
 
+std::string listOfCommands(const std::string& name) {
+    std::string list;
+    for (const Command& command : commands) {
+        list.append(name.empty() || name == command.name ? lineOf(command) : std::string());
+    }
+    return list;
+}
+
 void runCommand(const Words& words) {
+    const Command* known = nullptr;
     for (const Command& command : commands) {
         if (words[0] != command.name) {
             continue;
         }
-        if (words.size() < command.leastWords || words.size() > command.mostWords) {
-            misuse("%s takes: %s %s", command.name, command.name, command.arguments);
+        if (words.size() >= command.leastWords && words.size() <= command.mostWords) {
+            command.run(words);
+            return;
         }
-        command.run(words);
-        return;
+        known = known != nullptr ? known : &command;
     }
-    misuse("there is no command %@", words[0]);
+    if (known == nullptr) {
+        misuse("there is no command %@", words[0]);
+    }
+    misuse("%s takes: %s %s", known->name, known->name, known->arguments);
 }
 
 } // namespace ZQFoundation::defaults

@@ -6,6 +6,9 @@
 
 namespace ZQFoundation::defaults {
 
+/// What there is, a line or two for each command, or for the one of that name; empty when there is none.
+std::string listOfCommands(const std::string& name);
+
 /// Carries out the command that the words spell: "write", "com.example.Viewer", "TraceLevel", "-int", "3".
 /// Throws Failure or Misuse.
 void runCommand(const Words& words);

@@ -35,7 +35,7 @@ void demand(bool isDone, const NSString& error) {
 
 void sayThatItWaits(const std::string& path) {
     if (::isatty(STDERR_FILENO) == 1) {
-        std::fprintf(stderr, "defaults: waiting for another writer of %s\n", onOneLine(path).c_str());
+        std::fprintf(stderr, "%s: waiting for another writer of %s\n", programName, onOneLine(path).c_str());
     }
 }
 

@@ -38,6 +38,15 @@ std::string spelledOut(const std::string& text, std::string_view kept) {
 
 } // namespace
 
+const char* programName = "defaults";
+
+void setProgramName(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (path.compare(slash == std::string::npos ? 0 : slash + 1, std::string::npos, "zqdefaults") == 0) {
+        programName = "zqdefaults";
+    }
+}
+
 std::string onOneLine(const std::string& text) { return spelledOut(text, {}); }
 
 std::string onTerminal(const std::string& text) { return spelledOut(text, "\n\t"); }

@@ -7,6 +7,11 @@
 
 namespace ZQFoundation::defaults {
 
+/// The name by which the user has called the program: "defaults", or "zqdefaults", under which it is always
+/// installed.
+extern const char* programName;
+void setProgramName(const std::string& path);
+
 /// The text as one line: control characters are spelled out ("\x1b"), line feeds too ("\n").
 std::string onOneLine(const std::string& text);
 

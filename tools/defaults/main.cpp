@@ -17,24 +17,12 @@ namespace {
 
 enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
 
-constexpr const char help[] =
-    "Usage: defaults <command> [<argument>]...\n"
-    "\n"
-    "Reads and changes the user defaults of applications.\n"
-    "\n"
-    "  read [<domain> [<key>]]            print everything, a domain, or a value\n"
-    "  read-type <domain> <key>           print of which type a value is\n"
-    "  write <domain> <key> [<type>] <value>\n"
-    "                                     set a value\n"
-    "  write <domain> '{ <key> = <value>; }'\n"
-    "                                     set all values of a domain, and remove any other\n"
-    "  remove <domain> [<key>]            remove a value, or all of a domain\n"
-    "  delete <domain> [<key>]            the same\n"
-    "  rename <domain> <key> <new key>    give a value another key, which must be free\n"
-    "  domains                            list the domains\n"
-    "  find <word>                        print what mentions the word, in any case\n"
-    "  import <domain> <file>|-           set all values of a domain to those in the file\n"
-    "  export <domain> <file>|-           write a domain's values to a file, as XML\n"
+constexpr const char helpStart[] = "Usage: %s <command> [<argument>]...\n"
+                                   "\n"
+                                   "Reads and changes the user defaults of applications.\n"
+                                   "\n";
+
+constexpr const char helpEnd[] =
     "\n"
     "A domain is an application's identifier (com.example.Viewer) or process name, -g for the\n"
     "one that all applications look into, or the path of a property list.\n"
@@ -45,16 +33,34 @@ constexpr const char help[] =
     "Elements and entries may have types of their own, collections apart.\n"
     "\n"
     "Examples:\n"
-    "  defaults write com.example.Viewer TraceNetwork -bool YES\n"
-    "  defaults write com.example.Viewer Names -array one -int 2 '( a, b )'\n"
-    "  defaults remove com.example.Viewer TraceNetwork\n"
+    "  %s write com.example.Viewer TraceNetwork -bool YES\n"
+    "  %s write com.example.Viewer Names -array one -int 2 '( a, b )'\n"
+    "  %s remove com.example.Viewer TraceNetwork\n"
     "\n"
-    "  --help, --version                  print a text and do nothing else\n"
+    "  -h, --help                         print this, or after a command what it takes\n"
+    "  --version                          print the version\n"
     "\n"
     "Exit status: 0 on success, 1 for a failure, 2 for a wrong command line.\n";
 
+void printHelp() {
+    std::printf(helpStart, programName);
+    std::fputs(listOfCommands({}).c_str(), stdout);
+    std::printf(helpEnd, programName, programName, programName);
+}
+
+bool asksForHelp(const std::string& word) { return word == "--help" || word == "-h"; }
+
+/// Whether the words are a command and the wish to know what it takes.
+bool printHelpOfCommand(const Words& words) {
+    const std::string list = words.size() == 2 && asksForHelp(words[1]) ? listOfCommands(words[0]) : "";
+    if (!list.empty()) {
+        std::printf("Usage: %s <command> [<argument>]...\n\n%s", programName, list.c_str());
+    }
+    return !list.empty();
+}
+
 int complain(const std::string& message, ExitStatus status) {
-    std::fprintf(stderr, "defaults: %s%s\n", onOneLine(message).c_str(),
+    std::fprintf(stderr, "%s: %s%s\n", programName, onOneLine(message).c_str(),
                  status == misused ? " (try --help)" : "");
     return status;
 }
@@ -75,11 +81,11 @@ int run(const Words& words) {
     if (words.empty()) {
         misuse("there is no command");
     }
-    if (words[0] == "--help" || words[0] == "-h" || words[0] == "help") {
-        std::fputs(help, stdout);
+    if (asksForHelp(words[0]) || words[0] == "help") {
+        printHelp();
     } else if (words[0] == "--version") {
-        std::puts("defaults " ZQ_VERSION);
-    } else {
+        std::printf("%s " ZQ_VERSION "\n", programName);
+    } else if (!printHelpOfCommand(words)) {
         runCommand(words);
     }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
@@ -95,6 +101,7 @@ int run(const Words& words) {
 int main(int count, char** arguments) {
     using namespace ZQFoundation::defaults;
     takeFileSizeLimitAsError();
+    setProgramName(count > 0 ? arguments[0] : "");
     try {
         return run(Words(arguments + (count > 0 ? 1 : 0), arguments + count));
     } catch (const Failure& failure) {

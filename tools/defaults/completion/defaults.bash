@@ -1,17 +1,17 @@
 # SPDX-License-Identifier: MIT
-# Completion of the command line of `defaults` in bash.
+# Completion of the command line of `zqdefaults`, also installed as `defaults`, in bash.
 #
 # Names of domains and keys come from files. `compgen -W` carries out the commands that its words hold, so such
 # names never go there.
 
 _defaults_domains() {
     local domains
-    domains=$(defaults domains 2>/dev/null)
+    domains=$("${COMP_WORDS[0]}" domains 2>/dev/null)
     printf '%s\n' -g "${domains//, /$'\n'}"
 }
 
 _defaults_keys() {
-    defaults export "$1" - 2>/dev/null | sed -n $'s|^\t<key>\\(.*\\)</key>$|\\1|p' |
+    "${COMP_WORDS[0]}" export "$1" - 2>/dev/null | sed -n $'s|^\t<key>\\(.*\\)</key>$|\\1|p' |
         sed -e 's/&lt;/</g' -e 's/&gt;/>/g' -e 's/&amp;/\&/g'
 }
 
@@ -29,15 +29,19 @@ _defaults_offer() {
 _defaults() {
     local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]:-} domain=${COMP_WORDS[2]:-}
     COMPREPLY=()
+    if [[ $command == lint && $COMP_CWORD -gt 1 ]]; then
+        _defaults_offer "$word" < <(compgen -f -- "$word")
+        return
+    fi
     case $COMP_CWORD in
         1)
             mapfile -t COMPREPLY < <(compgen -W \
-                "read read-type write remove delete rename domains find import export help --help --version" -- "$word")
+                "read read-type write remove delete rename domains find import export lint help --help --version" -- "$word")
             ;;
         2)
             case $command in
                 read | read-type | write | remove | delete | rename | import | export)
-                    _defaults_offer "$word" < <(_defaults_domains)
+                    _defaults_offer "$word" < <(_defaults_domains; [[ $command != read ]] || echo --json)
                     ;;
             esac
             ;;
@@ -60,4 +64,7 @@ _defaults() {
     esac
 }
 
-complete -F _defaults defaults
+complete -F _defaults zqdefaults
+if [[ $OSTYPE != darwin* ]]; then # where another program has the plain name
+    complete -F _defaults defaults
+fi

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/Conversions.h"
+
+#include <map>
+
+#include "foundation/text/FormatSyntax.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+using detail::FormatClass;
+using detail::FormatConversion;
+using detail::FormatField;
+using detail::FormatLength;
+
+std::string lengthText(FormatLength length) {
+    switch (length) {
+    case FormatLength::bits8:
+        return "hh";
+    case FormatLength::bits16:
+        return "h";
+    case FormatLength::bits64:
+        return "l";
+    case FormatLength::longDouble:
+        return "L";
+    default:
+        return "";
+    }
+}
+
+/// Empty for a conversion that takes no argument.
+std::string typeText(const FormatConversion& conversion) {
+    switch (detail::formatClassOf(conversion.letter)) {
+    case FormatClass::object:
+        return "%@";
+    case FormatClass::integer:
+        return "%" + lengthText(conversion.length) + "d";
+    case FormatClass::character:
+        return "%c";
+    case FormatClass::real:
+    case FormatClass::hexadecimalReal:
+        return conversion.length == FormatLength::longDouble ? "%Lf" : "%f";
+    case FormatClass::bytes:
+        return "%s";
+    case FormatClass::units:
+        return "%S";
+    case FormatClass::address:
+    case FormatClass::nothing:
+        return "%p";
+    default:
+        return "";
+    }
+}
+
+/// The types of the arguments that the conversions read so far.
+class Arguments {
+public:
+    void add(const FormatConversion& conversion) {
+        const std::string type = typeText(conversion);
+        if (type.empty()) {
+            return;
+        }
+        addField(conversion.width);
+        addField(conversion.precision);
+        types_[conversion.position > 0 ? conversion.position : ++last_] = type;
+    }
+
+    std::string text() const {
+        std::string text;
+        for (const auto& [position, type] : types_) {
+            text.append(text.empty() ? "" : " ").append(type);
+        }
+        return text;
+    }
+
+private:
+    void addField(const FormatField& field) {
+        if (field.source == FormatField::Source::nextArgument) {
+            types_[++last_] = "%d";
+        } else if (field.source == FormatField::Source::numberedArgument) {
+            types_[field.value] = "%d";
+        }
+    }
+
+    std::map<int, std::string> types_;
+    int last_ = 0;
+};
+
+} // namespace
+
+std::string conversionsOf(const NSString& format) {
+    const std::u16string units = format.utf16();
+    const char16_t* at = units.data();
+    const char16_t* const end = at + units.size();
+    Arguments arguments;
+    while (at != end) {
+        if (*at++ != u'%') {
+            continue;
+        }
+        FormatConversion conversion;
+        const char16_t* const next = detail::readFormatConversion(at, end, conversion);
+        if ((conversion.flags & detail::formatBlank) != 0) {
+            continue; // text; what follows is looked at
+        }
+        if (!conversion.isCutOff) {
+            arguments.add(conversion);
+        }
+        at = next;
+    }
+    return arguments.text();
+}
+
+} // namespace ZQFoundation::defaults
