@@ -28,6 +28,7 @@ if(NOT forward)
     return()
 endif()
 list(REMOVE_DUPLICATES standard)
+list(FILTER standard EXCLUDE REGEX "<ZQFoundation-needs-") # what ends a compilation that cannot succeed
 list(JOIN standard "\n" standard)
 
 set(umbrella "#include <ZQFoundation/ZQFoundation.h>\n")

@@ -29,7 +29,11 @@
 ///
 /// and nothing when the key is not set. Everything is in `namespace ZQFoundation`; no macro is defined
 /// that does not begin with ZQ. An operation is named as on the platform, each inner colon an underscore, the
-/// last one dropped. `std::string` is only declared here: include `<string>` where `utf8()` is called.
+/// last one dropped. Sources that only log include <ZQFoundation/log/ZQLog.h>, which compiles in half the
+/// time: `std::string` is only declared there.
+
+// Says first what the compiler must be able to do.
+#include "foundation/text/Export.h"
 
 // Values.
 #include "foundation/objects/Class.h"
@@ -46,6 +50,8 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
 #include "foundation/text/NSRange.h"
+#include "foundation/text/ObjectConversion.h"
+#include "foundation/text/StandardTexts.h"
 #include "foundation/text/StringView.h"
 
 // Formats.

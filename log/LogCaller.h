@@ -14,20 +14,27 @@ namespace detail {
 /// The own name of an instance's class: of the most derived one for a polymorphic class.
 ZQFOUNDATION_EXPORT NSString classNameOfType(const std::type_info& type);
 
+#ifdef __cpp_rtti
+inline constexpr bool hasDynamicTypes = true;
+#else
+inline constexpr bool hasDynamicTypes = false; // an object is of the class that its pointer says
+#endif
+
 /// What a line needs of an instance, asked only when the line is made.
 struct InstanceQueries {
     NSString (*className)(const void*);
     const void* (*wholeObject)(const void*); ///< where the most derived object starts
 };
 
-template <class T>
+template <class T, bool dynamic = hasDynamicTypes>
 inline constexpr InstanceQueries instanceQueries{
-    [](const void* instance) -> NSString {
+    []([[maybe_unused]] const void* instance) -> NSString {
+#ifdef __cpp_rtti
         if constexpr (std::is_polymorphic_v<T>) {
             return classNameOfType(typeid(*static_cast<const T*>(instance)));
-        } else {
-            return StringView(TypeName<T>::bytes, TypeName<T>::length);
         }
+#endif
+        return StringView(TypeName<T>::bytes, TypeName<T>::length);
     },
     [](const void* instance) -> const void* {
         if constexpr (std::is_polymorphic_v<T>) {

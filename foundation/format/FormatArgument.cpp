@@ -104,6 +104,8 @@ std::uint64_t integerOf(const Argument* argument, bool asSigned) noexcept {
         return truncated(argument->longReal(), asSigned);
     case ArgumentType::object:
         return integerOfObject(argument->object(), asSigned);
+    case ArgumentType::converted:
+        return static_cast<std::uint64_t>(argument->convertedInteger());
     default:
         return 0;
     }
@@ -138,6 +140,7 @@ std::uintptr_t addressOf(const Argument* argument) noexcept {
         return static_cast<std::uintptr_t>(argument->integer());
     case ArgumentType::pointer:
     case ArgumentType::host:
+    case ArgumentType::converted:
         return reinterpret_cast<std::uintptr_t>(argument->address());
     case ArgumentType::text:
         return addressOfText(argument->textUpTo(0));
@@ -162,6 +165,9 @@ TextOfArgument textOf(const Argument* argument, std::size_t limit) {
         result.text = argument->textUpTo(limit);
     } else if (argument->type() == ArgumentType::object) {
         result.owner = argument->object().description();
+        result.text = StringView(result.owner);
+    } else if (argument->type() == ArgumentType::converted) {
+        result.owner = argument->converted().description();
         result.text = StringView(result.owner);
     } else if (argument->type() == ArgumentType::host && argument->host() != nullptr) {
         result.owner = argument->host()->description();

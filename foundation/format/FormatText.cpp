@@ -142,6 +142,8 @@ void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argu
         return appendTextOrNull(out, argument->text());
     case ArgumentType::host:
         return appendHost(out, argument->host());
+    case ArgumentType::converted:
+        return appendHandle(out, argument->converted(), locale);
     case ArgumentType::signedInteger:
         return appendNumberText(out, number, writeInt64(argument->integer(), number), locale);
     case ArgumentType::unsignedInteger:

@@ -21,6 +21,10 @@ public:
     /// An array of these elements in this order. Raises NSInvalidArgumentException if one is nil.
     NSArray(std::initializer_list<NSObject> elements);
 
+    /// The array that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSArray> T>
+    NSArray(const T& object) : NSArray(detail::convertedObject(object)) {}
+
     /// The value if it is an array, else nil.
     explicit NSArray(const NSObject& object) noexcept : NSObject(object, detail::Kind::array) {}
 

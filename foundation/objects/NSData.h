@@ -12,6 +12,10 @@ public:
     constexpr NSData() noexcept = default;
     constexpr NSData(std::nullptr_t) noexcept {}
 
+    /// The data that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSData> T>
+    NSData(const T& object) : NSData(detail::convertedObject(object)) {}
+
     /// The value if it is data, else nil.
     explicit NSData(const NSObject& object) noexcept : NSObject(object, detail::Kind::data) {}
 

@@ -17,6 +17,10 @@ public:
 
     /// The value if it is a date, else nil.
     explicit NSDate(const NSObject& object) noexcept : NSObject(object, detail::Kind::date) {}
+    /// The date that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSDate> T>
+    NSDate(const T& object) : NSDate(detail::convertedObject(object)) {}
+
 
     /// The present instant.
     static NSDate date();

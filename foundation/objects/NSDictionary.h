@@ -25,6 +25,10 @@ public:
     /// NSInvalidArgumentException when a key or value is nil.
     NSDictionary(std::initializer_list<NSDictionaryEntry> entries);
 
+    /// The dictionary that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSDictionary> T>
+    NSDictionary(const T& object) : NSDictionary(detail::convertedObject(object)) {}
+
     /// The value if it is a dictionary, else nil.
     explicit NSDictionary(const NSObject& object) noexcept : NSObject(object, detail::Kind::dictionary) {}
 

@@ -18,6 +18,10 @@ public:
 
     /// The value if it is a number, else nil.
     explicit NSNumber(const NSObject& object) noexcept;
+    /// The number that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSNumber> T>
+    NSNumber(const T& object) : NSNumber(detail::convertedObject(object)) {}
+
 
     /// Whether the number was made from a truth value; it prints as 1 or 0 all the same.
     bool isBoolean() const noexcept { return kind_ == detail::Kind::boolean; }

@@ -133,6 +133,13 @@ public:
     template <detail::PlainText T>
     NSObject(const T& text) : NSObject(stringFrom(StringView(text))) {}
 
+    template <detail::OtherText T>
+    NSObject(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+
+    /// The value that the type's `ObjectConversion` makes.
+    template <detail::ConvertedObject T>
+    NSObject(const T& object) : NSObject(detail::convertedObject(object)) {}
+
     NSObject(const NSObject& other) noexcept : payload_(other.payload_), kind_(other.kind_) {
         if (isCounted()) {
             detail::retain(payload_.body);
@@ -164,10 +171,18 @@ public:
     /// True unless the handle is nil. (The null object is a value: true.)
     constexpr explicit operator bool() const noexcept { return kind_ != detail::Kind::absent; }
 
-    /// The value as `Handle`, or a nil handle when it is of another type: `object.as<NSString>()`.
-    template <class Handle>
-    Handle as() const noexcept {
-        return Handle(*this);
+    /// The value as another type: as a handle, nil when it is of another kind (`object.as<NSString>()`), or
+    /// what the type's `ObjectConversion` makes of it.
+    template <class T>
+    T as() const noexcept(!detail::ConvertedBack<T>) {
+        if constexpr (detail::ConvertedBack<T>) {
+            return ObjectConversion<T>::fromObject(*this);
+        } else {
+            static_assert(std::is_base_of_v<NSObject, T>,
+                          "a value is a handle, or a type whose specialisation of "
+                          "ZQFoundation::ObjectConversion has \"fromObject\"");
+            return T(*this);
+        }
     }
 
     /// The class's name ("NSString", "NSNumber", ...), a class object's own name, a host object's answer; nil
@@ -295,10 +310,15 @@ public:
 };
 
 namespace detail {
+template <class T>
+NSObject convertedArgument(const void* object) {
+    return convertedObject(*static_cast<const T*>(object));
+}
+
 ZQFOUNDATION_EXPORT void printCondensed(const NSObject& object, std::ostream& stream);
 } // namespace detail
 
-/// For test runners: writes the condensed description.
+/// Writes the value on one line: a string's text, `condensedDescription` of any other value, "(nil)" for nil.
 template <class Handle>
     requires std::is_base_of_v<NSObject, Handle>
 void PrintTo(const Handle& object, std::ostream* stream) { detail::printCondensed(object, *stream); }

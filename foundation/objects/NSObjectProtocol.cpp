@@ -60,9 +60,23 @@ NSString dynamicTypeName(const std::type_info& type) {
 
 } // namespace detail
 
+namespace {
+
+/// False for a class from a source that was compiled without run-time types: the place in front of its table
+/// of functions, where its type is kept, is null then.
+bool hasTypeInformation(const NSObjectProtocol* object) noexcept {
+    const void* const* table = nullptr;
+    std::memcpy(&table, static_cast<const void*>(object), sizeof table);
+    return table[-1] != nullptr;
+}
+
+} // namespace
+
 NSObjectProtocol::~NSObjectProtocol() = default;
 
-NSString NSObjectProtocol::className() const { return detail::dynamicTypeName(typeid(*this)); }
+NSString NSObjectProtocol::className() const {
+    return hasTypeInformation(this) ? detail::dynamicTypeName(typeid(*this)) : NSString();
+}
 
 NSString NSObjectProtocol::description() const {
     return NSString::stringWithFormat("<%@: %p>", className(), static_cast<const void*>(this));

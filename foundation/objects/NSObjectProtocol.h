@@ -17,7 +17,8 @@ class ZQFOUNDATION_EXPORT NSObjectProtocol {
 public:
     virtual ~NSObjectProtocol();
 
-    /// The class's name. By default the C++ class's own name without namespaces. Nil: the class is unknown.
+    /// The class's name. By default the C++ class's own name without namespaces, nil for a class compiled
+    /// without run-time types. Nil: the class is unknown.
     virtual NSString className() const;
 
     /// By default "<ClassName: 0x7f01>".

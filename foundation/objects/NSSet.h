@@ -46,6 +46,10 @@ public:
     /// the counter from 1 to `maxAttempts`; nil if all are members.
     NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
                                                                        StringView intermediateString,
+    /// The set that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSSet> T>
+    NSSet(const T& object) : NSSet(detail::convertedObject(object)) {}
+
                                                                        std::uint64_t maxAttempts) const;
 
     /// @}

@@ -68,6 +68,13 @@ public:
     /// A copy of the units as they are; unpaired surrogates are kept.
     static NSString stringWithCharacters_length(const char16_t* units, std::size_t unitCount);
 
+    template <detail::OtherText T>
+    NSString(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+
+    /// The string that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSString> T>
+    NSString(const T& object) : NSString(detail::convertedObject(object)) {}
+
     /// The text of a file name: bytes that are not well-formed UTF-8 become the units U+DC00 + byte.
     static NSString stringWithFileSystemBytes(const char* bytes, std::size_t byteCount);
 

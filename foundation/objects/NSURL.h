@@ -12,6 +12,10 @@ public:
     constexpr NSURL() noexcept = default;
     constexpr NSURL(std::nullptr_t) noexcept {}
 
+    /// The URL that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSURL> T>
+    NSURL(const T& object) : NSURL(detail::convertedObject(object)) {}
+
     /// The value if it is a URL, else nil.
     explicit NSURL(const NSObject& object) noexcept : NSObject(object, detail::Kind::url) {}
 

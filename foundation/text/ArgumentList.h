@@ -6,7 +6,6 @@
 
 namespace ZQFoundation {
 
-class NSObject;
 class NSObjectProtocol;
 
 namespace detail {
@@ -16,13 +15,41 @@ enum class ArgumentType : unsigned char {
     unsignedInteger,
     real,
     longReal,
-    text,   ///< any text, a C string among them
-    object, ///< a handle
-    host,   ///< an object of a host's class, null allowed
+    text,      ///< any text, a C string among them
+    object,    ///< a handle
+    host,      ///< an object of a host's class, null allowed
+    converted, ///< an object whose `ObjectConversion` makes a value of it
     pointer,
 };
 
 class TextBuilder;
+
+/// What an `ObjectConversion` makes of an object, asked only when the argument is used.
+struct ArgumentConversion {
+    NSObject (*object)(const void*);
+    std::int64_t (*integer)(const void*); ///< null unless it is an enumerator
+};
+
+/// Defined with the handles.
+template <class T>
+NSObject convertedArgument(const void* object);
+
+template <class T>
+constexpr std::int64_t convertedEnumerator(const void* object) {
+    return static_cast<std::int64_t>(*static_cast<const T*>(object));
+}
+
+template <class T>
+constexpr auto enumeratorReader() {
+    if constexpr (std::is_enum_v<T>) {
+        return convertedEnumerator<T>;
+    } else {
+        return nullptr;
+    }
+}
+
+template <class T>
+inline constexpr ArgumentConversion argumentConversion{convertedArgument<T>, enumeratorReader<T>()};
 
 } // namespace detail
 
@@ -31,7 +58,8 @@ class Argument {
 public:
     /// An integer, character, truth value or enumerator, widened to 64 bits by its own sign.
     template <class T>
-        requires((std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t)) || std::is_enum_v<T>)
+        requires((std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t)) ||
+                 (std::is_enum_v<T> && !detail::Converted<T>))
     constexpr Argument(const T& value) noexcept {
         if constexpr (std::is_enum_v<T>) {
             *this = Argument(static_cast<std::underlying_type_t<T>>(value));
@@ -93,9 +121,17 @@ public:
 
     /// An object of a host's class, by reference.
     template <class T>
-        requires(std::is_base_of_v<NSObjectProtocol, T> && !std::is_base_of_v<NSObject, T>)
+        requires(std::is_base_of_v<NSObjectProtocol, T> && !std::is_base_of_v<NSObject, T> &&
+                 !detail::Converted<T>)
     constexpr Argument(const T& object) noexcept : type_(detail::ArgumentType::host) {
         value_.host = {&object, __builtin_addressof(object)};
+    }
+
+    /// An object that its type's `ObjectConversion` makes a value of, by reference.
+    template <class T>
+        requires(detail::ConvertedObject<T> && !std::is_base_of_v<NSObject, T>)
+    constexpr Argument(const T& object) noexcept : type_(detail::ArgumentType::converted) {
+        value_.converted = {__builtin_addressof(object), &detail::argumentConversion<T>};
     }
 
     /// A pointer: to an object of a host's class, or any other. Pointers to classes that are only declared
@@ -136,6 +172,15 @@ public:
     /// The object of a `host` argument; may be null.
     const NSObjectProtocol* host() const noexcept { return value_.host.object; }
 
+    /// Only for `converted`: the value that the object's `ObjectConversion` makes, at every call anew.
+    NSObject converted() const; // defined with the handles
+
+    /// Only for `converted`: the number of an enumerator, 0 for any other object.
+    std::int64_t convertedInteger() const {
+        const detail::ArgumentConversion& conversion = *value_.converted.conversion;
+        return conversion.integer == nullptr ? 0 : conversion.integer(value_.converted.object);
+    }
+
     /// The whole text; of a C string, all up to its NUL.
     constexpr StringView text() const noexcept {
         switch (ending_) {
@@ -170,9 +215,11 @@ public:
         return text();
     }
 
-    /// For pointers, and for objects of host classes: the address as the caller gave it.
+    /// For pointers, objects of host classes and converted ones: the address as the caller gave it.
     constexpr const void* address() const noexcept {
-        return type_ == detail::ArgumentType::host ? value_.host.address : value_.address;
+        return type_ == detail::ArgumentType::host        ? value_.host.address
+               : type_ == detail::ArgumentType::converted ? value_.converted.object
+                                                          : value_.address;
     }
 
 private:
@@ -181,6 +228,11 @@ private:
     struct HostPlace {
         const NSObjectProtocol* object;
         const void* address;
+    };
+
+    struct ConvertedPlace {
+        const void* object;
+        const detail::ArgumentConversion* conversion;
     };
 
     union Value {
@@ -193,6 +245,7 @@ private:
         const char* bytes;
         const char16_t* units;
         HostPlace host;
+        ConvertedPlace converted;
         StringView text;
         constexpr Value() noexcept : integer(0) {}
     };
@@ -240,7 +293,11 @@ class PackedArguments {
 public:
     template <class... Arguments>
     constexpr explicit PackedArguments(const Arguments&... arguments) noexcept
-        : arguments_{Argument(arguments)...} {}
+        : arguments_{Argument(arguments)...} {
+        static_assert((std::is_constructible_v<Argument, const Arguments&> && ...),
+                      "an argument of a format is a number, a text, a value, an object or a pointer; for any "
+                      "other type specialise ZQFoundation::ObjectConversion");
+    }
     constexpr ArgumentList list() const noexcept { return {arguments_, count}; }
 
 private:

@@ -2,6 +2,19 @@
 #ifndef ZQFOUNDATION_TEXT_EXPORT_H
 #define ZQFOUNDATION_TEXT_EXPORT_H
 
+// Every public header comes by here before it declares anything. The header that is missing ends the
+// compilation: hundreds of errors would follow the one that counts.
+#if !defined(__cplusplus)
+#error "ZQFoundation is a C++ library: compile this source as C++20"
+#include <ZQFoundation-needs-C++20>
+#elif __cplusplus < 202002L || !defined(__cpp_concepts)
+#error "ZQFoundation needs C++20: compile with -std=c++20 or later (g++ 12 or clang 14)"
+#include <ZQFoundation-needs-C++20>
+#elif !defined(__LP64__)
+#error "ZQFoundation needs a system with pointers and longs of 64 bits"
+#include <ZQFoundation-needs-64-bits>
+#endif
+
 /// Marks what the shared library exports; everything else stays hidden.
 #define ZQFOUNDATION_EXPORT __attribute__((visibility("default")))
 

@@ -14,6 +14,10 @@ namespace ZQFoundation::detail {
 template <char letter>
 struct conversion;
 
+/// The conversion to write instead, without its "%".
+template <char... letters>
+struct write_instead;
+
 /// The argument with that number, counted from 1, and its type.
 template <std::size_t number, class Type>
 struct argument;
@@ -32,9 +36,11 @@ void format_conversion_requires_a_text_of_char();
 template <class Conversion, class Argument>
 void format_conversion_requires_a_text_of_char16_t();
 template <class Conversion, class Argument>
-void format_conversion_requires_an_object_or_text();
+void format_conversion_requires_an_object_or_text_or_a_specialised_ObjectConversion();
 template <class Conversion, class Argument>
 void format_conversion_requires_a_pointer();
+template <class Conversion, class Argument, class Write>
+void format_conversion_would_cut_the_argument();
 template <class Argument>
 void format_star_requires_an_integer();
 template <class Argument>
@@ -64,6 +70,7 @@ struct FormatFault {
         missingArgument,
         missingStar,
         wrongArgument,
+        cutArgument,
         wrongStar,
         unusedArgument,
     };
@@ -72,6 +79,7 @@ struct FormatFault {
     char16_t letter = 0;        ///< of the conversion
     std::size_t conversion = 0; ///< which of the conversions, counted from 1
     std::size_t argument = 0;   ///< which of the arguments, counted from 1
+    std::size_t bytes = 0;      ///< of the argument, when it is a number
 };
 
 /// Why the letter does not take the argument.
@@ -115,15 +123,48 @@ constexpr FormatRefusal formatRefusalOfArgument(char16_t letter) {
     case u'S':
         return format_conversion_requires_a_text_of_char16_t<conversion<'S'>, Argument>;
     case u'@':
-        return format_conversion_requires_an_object_or_text<conversion<'@'>, Argument>;
+        return format_conversion_requires_an_object_or_text_or_a_specialised_ObjectConversion<conversion<'@'>,
+                                                                                              Argument>;
     default:
         return format_conversion_requires_a_pointer<conversion<'p'>, Argument>;
     }
 }
 
+/// A number of that many bytes would be cut. Where no character holds it, its number can be written.
+template <class Argument, char letter>
+constexpr FormatRefusal formatRefusalOfCut(std::size_t bytes) {
+    using Found = conversion<letter>;
+    constexpr bool isCharacter = letter == 'c' || letter == 'C';
+    constexpr char asNumber = isCharacter ? 'd' : letter;
+    switch (bytes) {
+    case 2:
+        return isCharacter
+                   ? format_conversion_would_cut_the_argument<Found, Argument, write_instead<'C'>>
+                   : format_conversion_would_cut_the_argument<Found, Argument, write_instead<'h', letter>>;
+    case 4:
+        return format_conversion_would_cut_the_argument<Found, Argument, write_instead<asNumber>>;
+    case 8:
+        return format_conversion_would_cut_the_argument<Found, Argument, write_instead<'l', asNumber>>;
+    default:
+        return format_conversion_would_cut_the_argument<Found, Argument, write_instead<'L', letter>>;
+    }
+}
+
+template <class Argument, char... letters>
+constexpr FormatRefusal formatRefusalOfCut(const FormatFault& fault) {
+    FormatRefusal refusal = nullptr;
+    (void)((fault.letter == static_cast<char16_t>(letters) &&
+            (refusal = formatRefusalOfCut<Argument, letters>(fault.bytes)) != nullptr) ||
+           ...);
+    return refusal;
+}
+
 template <class Argument>
 constexpr FormatRefusal formatRefusalOfArgument(const FormatFault& fault) {
     switch (fault.kind) {
+    case FormatFault::Kind::cutArgument:
+        return formatRefusalOfCut<Argument, 'd', 'i', 'u', 'o', 'x', 'X', 'c', 'C', 'e', 'E', 'f', 'F', 'g',
+                                  'G', 'a', 'A'>(fault);
     case FormatFault::Kind::wrongStar:
         return format_star_requires_an_integer<Argument>;
     case FormatFault::Kind::unusedArgument:

@@ -23,7 +23,9 @@ inline constexpr FormatNeeds formatPointer = 32;
 template <class T>
 constexpr FormatNeeds formatNeedsServedBy() noexcept {
     using Decayed = std::decay_t<T>;
-    if constexpr (std::is_integral_v<T> || std::is_enum_v<T>) {
+    if constexpr (ConvertedText<T> || ConvertedObject<T>) {
+        return formatObject | (std::is_enum_v<T> ? formatInteger : 0);
+    } else if constexpr (std::is_integral_v<T> || std::is_enum_v<T>) {
         return formatInteger;
     } else if constexpr (std::is_floating_point_v<T>) {
         return formatReal;
@@ -40,19 +42,56 @@ constexpr FormatNeeds formatNeedsServedBy() noexcept {
         return formatPointer;
     } else if constexpr (std::is_base_of_v<NSObject, T> || std::is_base_of_v<NSObjectProtocol, T>) {
         return formatObject;
-    } else if constexpr (TextRange<T, char>) {
-        return formatBytes | formatObject;
-    } else if constexpr (TextRange<T, char16_t>) {
-        return formatUnits | formatObject;
+    } else if constexpr (TextObject<T>) {
+        return (TextRange<T, char16_t> ? formatUnits : formatBytes) | formatObject;
     } else {
         return 0;
+    }
+}
+
+/// What an argument serves, and how many bytes its number has.
+struct FormatService {
+    FormatNeeds needs = 0;
+    unsigned char bytes = 0;
+};
+
+template <class T>
+constexpr FormatService formatServiceOf() noexcept {
+    if constexpr (std::is_integral_v<T> || std::is_enum_v<T> || std::is_floating_point_v<T>) {
+        return {formatNeedsServedBy<T>(), sizeof(T)};
+    } else {
+        return {formatNeedsServedBy<T>(), 0};
+    }
+}
+
+/// The most bytes of a number that the conversion keeps.
+constexpr std::size_t formatBytesKeptBy(const FormatConversion& conversion, FormatClass wanted) noexcept {
+    switch (wanted) {
+    case FormatClass::character:
+        return conversion.letter == u'c' ? sizeof(char) : sizeof(char16_t);
+    case FormatClass::real:
+    case FormatClass::hexadecimalReal:
+        return conversion.length == FormatLength::longDouble ? sizeof(long double) : sizeof(double);
+    case FormatClass::integer:
+        switch (conversion.length) {
+        case FormatLength::bits8:
+            return 1;
+        case FormatLength::bits16:
+            return 2;
+        case FormatLength::bits32:
+            return 4;
+        default:
+            return 8;
+        }
+    default:
+        return SIZE_MAX;
     }
 }
 
 /// The check of one literal format against what its arguments serve.
 class FormatCheck {
 public:
-    constexpr FormatCheck(const FormatNeeds* served, bool* used, std::size_t count)
+    constexpr FormatCheck(const FormatService* served, bool* used, std::size_t count)
         : served_(served), used_(used), count_(count) {}
 
     /// The first thing that is wrong.
@@ -118,7 +157,7 @@ private:
         } else {
             takeField(found.width);
             takeField(found.precision);
-            take(found.position, needOf(wanted), Kind::wrongArgument);
+            take(found.position, needOf(wanted), Kind::wrongArgument, formatBytesKeptBy(found, wanted));
         }
     }
 
@@ -128,8 +167,8 @@ private:
         }
     }
 
-    /// The argument in `position`, or the next one.
-    constexpr void take(int position, FormatNeeds need, Kind misfit) {
+    /// The argument in `position`, or the next one, of which that many bytes count.
+    constexpr void take(int position, FormatNeeds need, Kind misfit, std::size_t bytesKept = SIZE_MAX) {
         const Numbering numbering = position == 0 ? Numbering::none : Numbering::all;
         if (numbering_ != Numbering::open && numbering_ != numbering) {
             note(Kind::mixedNumbering);
@@ -141,8 +180,10 @@ private:
             return;
         }
         used_[index] = true;
-        if ((served_[index] & need) == 0) {
+        if ((served_[index].needs & need) == 0) {
             note(misfit, index + 1);
+        } else if (served_[index].bytes > bytesKept) {
+            note(Kind::cutArgument, index + 1);
         }
     }
 
@@ -157,7 +198,7 @@ private:
 
     enum class Numbering : unsigned char { open, none, all };
 
-    const FormatNeeds* served_;
+    const FormatService* served_;
     bool* used_;
     std::size_t count_;
     std::size_t next_ = 0;
@@ -177,14 +218,19 @@ private:
 ///     NSString::stringWithFormat("%d of %@", name, 3);    // does not compile: argument 1 is not an integer
 ///     NSString::stringWithFormat("%d of %@", 3);          // does not compile: no argument for %@
 ///     NSString::stringWithFormat("100%");                 // does not compile: write "100%%"
+///     NSString::stringWithFormat("%d", name.length());    // does not compile: 64 bits, write "%lu"
 ///
-/// `d i u o x X c C` and `*` take any integer, character, `bool` or enumeration, whatever the length modifier
-/// says; `e f g a` any real; `s` a text of `char`, `S` one of `char16_t`, both an NSString; `@` any handle,
-/// any text and any object of a class that implements NSObjectProtocol; `p` any pointer. A null pointer
+/// `d i u o x X c C` and `*` take any integer, character, `bool` or enumeration; `e f g a` any real; `s` a
+/// text of `char`, `S` one of `char16_t`, both an NSString; `@` any handle, any text, any object of a class
+/// that implements NSObjectProtocol and any type with an `ObjectConversion`; `p` any pointer. A null pointer
 /// constant serves the last four.
 ///
+/// No conversion cuts its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` and `%c` 8, `%C`
+/// 16, and a `long double` is for `%Lf`.
+///
 /// A format that is known only at run time is an NSString (or a StringView); nothing is checked before it is
-/// used, and every misfit has a defined result. A nil format is nullptr or a nil string.
+/// used, and every misfit has a defined result: a conversion then takes of its argument what fits. A nil
+/// format is nullptr or a nil string.
 template <class... Arguments>
 class FormatString {
 public:
@@ -237,12 +283,13 @@ private:
     static constexpr void checked(const Unit* literal, std::size_t size) {
         // Not consteval: clang 14 would evaluate calls between such functions too early. One more than there
         // are arguments, because an array cannot be empty.
-        const detail::FormatNeeds served[sizeof...(Arguments) + 1] = {
-            detail::formatNeedsServedBy<Arguments>()...};
+        const detail::FormatService served[sizeof...(Arguments) + 1] = {
+            detail::formatServiceOf<Arguments>()...};
         bool used[sizeof...(Arguments) + 1] = {};
-        const detail::FormatFault fault =
+        detail::FormatFault fault =
             detail::FormatCheck(served, used, sizeof...(Arguments)).run(literal, literal + size);
         if (fault.kind != detail::FormatFault::Kind::none) {
+            fault.bytes = fault.argument == 0 ? 0 : served[fault.argument - 1].bytes;
             using Numbers = typename detail::FormatNumbersUpTo<sizeof...(Arguments)>::List;
             detail::refuseFormat(fault.conversion, detail::formatRefusalOf<Arguments...>(fault, Numbers()));
         }

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "Export.h"
+
 namespace ZQFoundation {
 
 /// The index of what was not found.

@@ -6,8 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "Export.h"
+#include "ObjectConversion.h"
 
 namespace ZQFoundation {
 
@@ -16,10 +18,18 @@ class StringView;
 
 namespace detail {
 
+/// Units in a row, as many as `size` says: standard strings and their views, and what is made like them. Of a
+/// type whose own characters are not the unit, `size` would count something else.
 template <class Text, class Unit>
-concept TextRange = requires(const Text& text) {
+concept TextRange = std::is_same_v<typename Text::value_type, Unit> && requires(const Text& text) {
     { text.data() } -> std::convertible_to<const Unit*>;
     { text.size() } -> std::convertible_to<std::size_t>;
+};
+
+/// Of a buffer of fixed size, nobody knows where its text ends.
+template <class Text>
+concept FixedBuffer = requires {
+    std::tuple_size<Text>::value;
 };
 
 template <class Pointer>
@@ -27,17 +37,32 @@ concept TextPointer = std::is_same_v<Pointer, const char*> || std::is_same_v<Poi
     std::is_same_v<Pointer, const char16_t*> || std::is_same_v<Pointer, char16_t*> ||
     std::is_same_v<Pointer, const char8_t*> || std::is_same_v<Pointer, char8_t*>;
 
+/// Objects that hold a text.
+template <class T>
+concept TextObject = ConvertedText<T> ||
+    ((TextRange<T, char> || TextRange<T, char16_t> || TextRange<T, char8_t>)&&!FixedBuffer<T>);
+
 /// Texts that are no handles themselves: literals, character pointers, `std::string` and its views.
 template <class T>
-concept PlainText = std::is_same_v<T, StringView> || TextPointer<std::decay_t<T>> || TextRange<T, char> ||
-    TextRange<T, char16_t>;
+concept PlainText = std::is_same_v<T, StringView> || TextPointer<std::decay_t<T>> || TextObject<T>;
+
+/// What looks like a text and is none: buffers of fixed size, strings of other characters or of characters
+/// that the library does not know.
+template <class T>
+concept OtherText = !PlainText<T> && !ConvertedObject<T> && requires(const T& text) {
+    text.data();
+    text.size();
+    typename T::value_type;
+};
 
 } // namespace detail
 
 /// The text *argument*: a nullable, non-owning look at a text that somebody else keeps alive for the call.
 ///
 /// Made implicitly from literals, `std::string`, `std::string_view`, `std::u16string_view`, `NSString` and
-/// `nullptr`, so a call with a literal allocates nothing. `const char*` and `std::string` are UTF-8;
+/// `nullptr`, so a call with a literal allocates nothing. A type that converts to a standard view is a text
+/// too, below the umbrella header; so is one whose `ObjectConversion` says so. A buffer of fixed size is
+/// none, for only its owner knows where the text in it ends. `const char*` and `std::string` are UTF-8;
 /// ill-formed bytes read as U+FFFD. A null pointer makes the nil text, which is not the empty text.
 /// Trivially copyable; pass it by value.
 class StringView {
@@ -93,15 +118,13 @@ public:
     constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
         : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
 
-    /// A `std::string` or anything else that has `data` and `size`, as UTF-8.
-    template <class Text>
-        requires detail::TextRange<Text, char>
-    constexpr StringView(const Text& text) noexcept : StringView(text.data(), text.size()) {}
+    /// A `std::string`, `std::u16string` or `std::u8string`, a view of them, any other type of units in a
+    /// row, or a type whose `ObjectConversion` says what its text is.
+    template <detail::TextObject Text>
+    constexpr StringView(const Text& text) noexcept : StringView(viewOf(text)) {}
 
-    /// A `std::u16string` or anything else that has `data` and `size`, as UTF-16.
-    template <class Text>
-        requires detail::TextRange<Text, char16_t>
-    constexpr StringView(const Text& text) noexcept : StringView(text.data(), text.size()) {}
+    template <detail::OtherText T>
+    StringView(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
 
     /// The text of a string; nil for a nil string.
     inline StringView(const NSString& string) noexcept;
@@ -130,6 +153,18 @@ public:
     constexpr const char16_t* units() const noexcept { return static_cast<const char16_t*>(data_); }
 
 private:
+    template <class Text>
+    static constexpr StringView viewOf(const Text& text) noexcept {
+        if constexpr (detail::ConvertedText<Text>) {
+            return ObjectConversion<Text>::text(text);
+        } else if constexpr (detail::TextRange<Text, char8_t>) {
+            const char8_t* const bytes = text.data();
+            return StringView(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(text.size()));
+        } else {
+            return StringView(text.data(), static_cast<std::size_t>(text.size()));
+        }
+    }
+
     const void* data_ = nullptr;
     std::size_t sizeAndForm_ = 0;
 };

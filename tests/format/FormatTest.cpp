@@ -25,6 +25,39 @@ using namespace ZQFoundation;
 
 namespace {
 
+struct Money {
+    long cents;
+};
+enum class Coin : short { penny = 1, dime = 10 };
+struct Missing {};
+
+int timesAsked = 0;
+
+} // namespace
+
+template <>
+struct ZQFoundation::ObjectConversion<Money> {
+    static NSDictionary object(const Money& money) {
+        ++timesAsked;
+        return {{"cents", money.cents}};
+    }
+    static Money fromObject(const NSObject& object) {
+        return {object.as<NSDictionary>().objectForKey("cents").as<NSNumber>().longLongValue()};
+    }
+};
+
+template <>
+struct ZQFoundation::ObjectConversion<Coin> {
+    static NSString object(const Coin& coin) { return coin == Coin::penny ? "penny" : "dime"; }
+};
+
+template <>
+struct ZQFoundation::ObjectConversion<Missing> {
+    static NSString object(const Missing&) { return nullptr; }
+};
+
+namespace {
+
 /// Formats with a format that the compiler does not check, so that misfits get through.
 template <class... Arguments>
 std::string unchecked(StringView format, const Arguments&... arguments) {
@@ -108,8 +141,8 @@ TEST(Format, widthAndSignOfIntegers) {
     });
 }
 
-TEST(Format, lengthModifiersCutTheArgument) {
-    EXPECT_EQ(text(NSString::stringWithFormat("%hhd %hd %d %ld", 300, 70000, 2147483648, 2147483648)),
+TEST(Format, lengthModifiersCutTheArgumentOfAFormatKnownOnlyAtRunTime) {
+    EXPECT_EQ(unchecked("%hhd %hd %d %ld", 300, 70000, 2147483648, 2147483648),
               "44 4464 -2147483648 2147483648");
     expectRows({
         ROW("%hhd", "-1", 255),
@@ -282,8 +315,8 @@ TEST(Format, charactersAreTheLow8BitsAndUnitsThe16) {
         ROW("%5C|", "\u00e9|", 0xe9),
         ROW("%C", "A", 0x10041),
     });
-    EXPECT_EQ(text(NSString::stringWithFormat("%C%C", 0xD83D, 0xDE00)), "\U0001F600");
-    EXPECT_EQ(NSString::stringWithFormat("%C", 0xD83D).characterAtIndex(0), 0xD83D);
+    EXPECT_EQ(text(NSString::stringWithFormat("%C%C", u'\xD83D', u'\xDE00')), "\U0001F600");
+    EXPECT_EQ(NSString::stringWithFormat("%C", u'\xD83D').characterAtIndex(0), 0xD83D);
     EXPECT_EQ(unchecked("%c", 0), std::string(1, '\0'));
 }
 
@@ -662,4 +695,22 @@ TEST(FormatWithLocale, missingSeparatorsMeanNone) {
 TEST(FormatWithLocale, zerosUpToTheWidthAreNotGrouped) {
     const detail::FormatLocale american{".", ",", 3, 0};
     EXPECT_EQ(withLocale(american, "%09d|%010.1f", -1234, 1234.5), "-0001,234|0001,234.5");
+}
+
+TEST(Format, typesWithAConversionAreArguments) {
+    const Money money{5};
+    EXPECT_EQ(text(NSString::stringWithFormat("%@|%@|%d|%hd|%@", money, Coin::dime, Coin::dime, Coin::penny,
+                                              Missing())),
+              "{\n    cents = 5;\n}|dime|10|1|(null)");
+    EXPECT_EQ(unchecked("%s|%S|%5s|%d|%f|%@", Coin::dime, Coin::dime, Missing(), money, money, Coin::penny),
+              "dime|dime|(null)|0|0.000000|penny");
+}
+
+TEST(Format, aConversionIsAskedOnlyWhenItsArgumentIsUsed) {
+    timesAsked = 0;
+    const Money money{5};
+    EXPECT_EQ(unchecked("%d", 1, money), "1");
+    EXPECT_EQ(timesAsked, 0);
+    EXPECT_EQ(unchecked("%1$@%1$@", money).size(), 2 * unchecked("%@", money).size());
+    EXPECT_EQ(timesAsked, 3);
 }

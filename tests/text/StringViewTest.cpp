@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "foundation/objects/NSString.h"
+#include "foundation/text/StandardTexts.h"
 #include "tests/kit/AllocationCount.h"
 #include "tests/kit/Values.h"
 
@@ -17,6 +20,45 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 namespace {
+
+/// A string as a toolkit's: its `size` counts characters.
+struct CountingCharacters {
+    using value_type = unsigned;
+    const char* data() const { return bytes.c_str(); }
+    std::size_t size() const { return 2; }
+    std::string bytes = "\u00e9\u00e9";
+};
+
+struct Viewed {
+    operator std::string_view() const { return text; }
+    std::string text = "vi\u00e9wed";
+};
+
+struct ViewedUnits {
+    operator std::u16string_view() const { return u"units"; }
+};
+
+struct Holder {
+    std::string text;
+};
+
+} // namespace
+
+template <>
+struct ZQFoundation::ObjectConversion<Holder> {
+    static StringView text(const Holder& holder) { return holder.text; }
+};
+
+namespace {
+
+static_assert(!std::is_convertible_v<CountingCharacters, StringView>);
+static_assert(!std::is_convertible_v<CountingCharacters, NSString>);
+static_assert(!std::is_convertible_v<CountingCharacters, NSObject>);
+static_assert(!std::is_convertible_v<std::array<char, 8>, StringView>);
+static_assert(!std::is_convertible_v<std::array<char16_t, 8>, NSString>);
+static_assert(!std::is_convertible_v<std::vector<unsigned char>, StringView>);
+static_assert(!std::is_convertible_v<std::wstring, StringView>);
+static_assert(!std::is_convertible_v<std::u32string, NSString>);
 
 static_assert(std::is_trivially_copyable_v<StringView>);
 static_assert(sizeof(StringView) <= 2 * sizeof(void*));
@@ -31,6 +73,9 @@ static_assert(std::is_convertible_v<std::u16string, StringView>);
 TEST(StringView, isMadeFromAnyText) {
     const std::string text = "caf\u00e9";
     const std::u16string units = u"caf\u00e9";
+    const std::u8string utf8 = u8"caf\u00e9";
+    const std::vector<char> bytes{'a', '\0', 'b'};
+    const Holder holder{text};
     const NSString ascii = "plain";
     const NSString other = "caf\u00e9";
     const struct {
@@ -51,6 +96,11 @@ TEST(StringView, isMadeFromAnyText) {
         {"ascii", StringView::ascii("abc", 2), 2, StringView::Form::ascii},
         {"ascii string", ascii, 5, StringView::Form::ascii},
         {"other string", other, 4, StringView::Form::utf16},
+        {"std::u8string", utf8, 5, StringView::Form::utf8},
+        {"std::vector", bytes, 3, StringView::Form::utf8},
+        {"converts to a view of bytes", Viewed(), 7, StringView::Form::utf8},
+        {"converts to a view of units", ViewedUnits(), 5, StringView::Form::utf16},
+        {"a type with a conversion", holder, 5, StringView::Form::utf8},
         {"nil", nullptr, 0, StringView::Form::absent},
         {"empty", "", 0, StringView::Form::utf8},
     };

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "foundation/objects/Class.h"
+#include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSObjectProtocol.h"
 #include "foundation/objects/NSString.h"
@@ -13,15 +14,29 @@ namespace {
 
 struct Declared;
 struct Other {};
+struct Converted {};
+struct Wrong {};
 class Host : public NSObjectProtocol {};
 enum class Colour { red };
 
 } // namespace
 
+template <>
+struct ZQFoundation::ObjectConversion<Converted> {
+    static NSNumber object(const Converted&) { return 5; }
+};
+template <>
+struct ZQFoundation::ObjectConversion<Wrong> {
+    static int description(const Wrong&);
+};
+
 void right(const char* variable, const std::string& text, const NSString& name, const NSObject& object,
            const Host& host, Declared* declared, char16_t* units, int number) {
-    NSString::stringWithFormat("%d %ld %hhu %c %C %x", number, number, 5L, 'c', u'x', Colour::red);
-    NSString::stringWithFormat("%f %Lg %a %e", 1.0f, 1.0, 1.0L, 0.5);
+    NSString::stringWithFormat("%d %ld %hhu %c %C %x", number, number, true, 'c', u'x', Colour::red);
+    NSString::stringWithFormat("%ld %zu %hd %hhx %C", 5L, sizeof number, short(5), 'x', 'x');
+    NSString::stringWithFormat("%f %Lg %La %e", 1.0f, 1.0, 1.0L, 0.5);
+    NSString::stringWithFormat(name, 5L);
+    NSString::stringWithFormat("%@ %@", Converted(), std::u8string(u8"text"));
     NSString::stringWithFormat("%@ %@ %@ %@ %@ %@", name, object, host, &host, text, variable);
     NSString::stringWithFormat("%@ %@ %@", nullptr, classOf<Host>(), NSNumber(5));
     NSString::stringWithFormat("%s %s %s %s", variable, text, name, nullptr);
@@ -35,6 +50,64 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     NSString::stringWithFormat(StringView(variable), number);
     NSString::stringWithFormat(NSString(text), number);
 
+#ifdef REFUSE_64_BITS_FOR_32
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'d'>
+    // expected: write_instead<'l', 'd'>
+    NSString::stringWithFormat("%d", sizeof number);
+#endif
+#ifdef REFUSE_64_BITS_FOR_HEXADECIMAL_32
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'x'>
+    // expected: write_instead<'l', 'x'>
+    NSString::stringWithFormat("%08x", 5L);
+#endif
+#ifdef REFUSE_32_BITS_FOR_16
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'u'>
+    // expected: write_instead<'u'>
+    NSString::stringWithFormat("%hu", number);
+#endif
+#ifdef REFUSE_32_BITS_FOR_8
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'d'>
+    // expected: write_instead<'d'>
+    NSString::stringWithFormat("%hhd", number);
+#endif
+#ifdef REFUSE_16_BITS_FOR_8
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'d'>
+    // expected: write_instead<'h', 'd'>
+    NSString::stringWithFormat("%hhd", short(5));
+#endif
+#ifdef REFUSE_A_UNIT_FOR_A_CHARACTER
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'c'>
+    // expected: write_instead<'C'>
+    NSString::stringWithFormat("%c", u'x');
+#endif
+#ifdef REFUSE_A_CODE_POINT_FOR_A_UNIT
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'C'>
+    // expected: write_instead<'d'>
+    NSString::stringWithFormat("%C", U'x');
+#endif
+#ifdef REFUSE_A_LONG_DOUBLE_FOR_A_DOUBLE
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion<'f'>
+    // expected: write_instead<'L', 'f'>
+    NSString::stringWithFormat("%.3f", 1.0L);
+#endif
+#ifdef REFUSE_A_NUMBERED_ARGUMENT_THAT_IS_CUT
+    // expected: format_conversion_would_cut_the_argument
+    // expected: conversion_number<2>
+    // expected: argument<1, long int> | argument<1, long>
+    NSString::stringWithFormat("%2$ld %1$d", 5L, 5L);
+#endif
+#ifdef REFUSE_A_CONVERSION_WITHOUT_MEMBERS
+    // expected: a specialisation of ZQFoundation::ObjectConversion has the static member
+    NSArray{Wrong()};
+#endif
 #ifdef REFUSE_TEXT_FOR_AN_INTEGER
     // expected: format_conversion_requires_an_integer
     // expected: conversion<'d'>

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_OBJECTCONVERSION_H
+#define ZQFOUNDATION_TEXT_OBJECTCONVERSION_H
+
+#include <concepts>
+#include <type_traits>
+
+#include "Export.h"
+
+/// How types that are none of the library's become values, and values become such types.
+namespace ZQFoundation {
+
+class NSObject;
+class StringView;
+
+/// Specialise it for a type of your own, and the type is an argument of `%@`, makes values, and comes back
+/// from them by `as`. No inheritance is needed, and the type itself stays as it is.
+///
+///     template <>
+///     struct ZQFoundation::ObjectConversion<Money> {
+///         static NSString object(const Money& money) { return NSString::stringWithFormat("%ld",
+///         money.cents); }
+///     };
+///
+///     ZQLog::logWithFormat("paid %@", money);    // asked for its value only when the line is written
+///     NSArray{money, "paid"};                    // any handle that `object` returns is made from it
+///
+/// A specialisation has one of the first two members, and the third where values are to come back:
+///
+/// - `static Handle object(const T&)` returns the value, of whatever handle.
+/// - `static StringView text(const T&)` returns a look at the text that the object itself holds; then the
+/// type
+///   is a text argument everywhere, and nothing is copied for it.
+/// - `static T fromObject(const NSObject&)` is what `value.as<T>()` answers; nil and values of another kind
+///   give what the type has for nothing.
+///
+/// Specialise it where the type is declared, so that every source of a program sees it.
+template <class T>
+struct ObjectConversion;
+
+namespace detail {
+
+/// Types for which somebody has specialised it.
+template <class T>
+concept Converted = requires {
+    sizeof(ObjectConversion<T>);
+};
+
+template <class T>
+concept ConvertedText = Converted<T> && requires(const T& object) {
+    { ObjectConversion<T>::text(object) } -> std::same_as<StringView>;
+};
+
+template <class T>
+concept ConvertedBack = Converted<T> && requires(const NSObject& object) {
+    { ObjectConversion<T>::fromObject(object) } -> std::same_as<T>;
+};
+
+/// Also true for a specialisation that has none of the members: it is refused where it is used.
+template <class T>
+concept ConvertedObject =
+    Converted<T> && !ConvertedText<T> &&
+    (requires(const T& object) { ObjectConversion<T>::object(object); } || !ConvertedBack<T>);
+
+/// What is converted to one handle and no other.
+template <class T, class Handle>
+concept ConvertedTo = ConvertedObject<T> && requires(const T& object) {
+    { ObjectConversion<T>::object(object) } -> std::same_as<Handle>;
+};
+
+template <ConvertedObject T>
+auto convertedObject(const T& object) {
+    constexpr bool isRight = requires {
+        { ObjectConversion<T>::object(object) } -> std::derived_from<NSObject>;
+    };
+    static_assert(isRight, "a specialisation of ZQFoundation::ObjectConversion has the static member "
+                           "\"object\", which takes the type by const reference and returns a value, or the "
+                           "static member \"text\", which returns a StringView");
+    return ObjectConversion<T>::object(object);
+}
+
+} // namespace detail
+
+} // namespace ZQFoundation
+
+#endif

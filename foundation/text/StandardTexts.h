@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_TEXT_STANDARDTEXTS_H
+#define ZQFOUNDATION_TEXT_STANDARDTEXTS_H
+
+#include <string>
+#include <string_view>
+
+#include "StringView.h"
+
+/// What takes the standard's own header of strings, which the umbrella header brings in for the results of
+/// its operations and the log's header does without.
+namespace ZQFoundation {
+
+namespace detail {
+
+/// Objects of classes that convert to a view of units and are no text by themselves.
+template <class T, class Unit>
+concept ViewedText = std::is_class_v<T> && !TextRange<T, Unit> &&
+                     std::is_convertible_v<const T&, std::basic_string_view<Unit>>;
+
+} // namespace detail
+
+/// A type that converts to `std::string_view` is a text of UTF-8, one that converts to `std::u16string_view`
+/// a text of UTF-16, which is taken when both are there.
+template <class T>
+    requires(detail::ViewedText<T, char> || detail::ViewedText<T, char16_t>)
+struct ObjectConversion<T> {
+    /// The view, which lives as long as what the object shows.
+    static StringView text(const T& object) {
+        if constexpr (detail::ViewedText<T, char16_t>) {
+            const std::u16string_view view = object;
+            return StringView(view.data(), view.size());
+        } else {
+            const std::string_view view = object;
+            return StringView(view.data(), view.size());
+        }
+    }
+};
+
+} // namespace ZQFoundation
+
+#endif
