@@ -53,6 +53,7 @@ Samples makeSamples(std::int64_t first, std::int64_t span) {
 void setZone() {
     setenv("TZ", zoneName, 1);
     tzset();
+    NSTimeZone::resetSystemTimeZone();
 }
 
 template <class Work>

@@ -12,7 +12,7 @@ namespace ZQFoundation {
 namespace detail {
 
 /// The own name of an instance's class: of the most derived one for a polymorphic class.
-ZQFOUNDATION_EXPORT NSString classNameOfType(const std::type_info& type);
+ZQFOUNDATION_EXPORT StringView classNameOfType(const std::type_info& type);
 
 #ifdef __cpp_rtti
 inline constexpr bool hasDynamicTypes = true;
@@ -22,13 +22,13 @@ inline constexpr bool hasDynamicTypes = false; // an object is of the class that
 
 /// What a line needs of an instance, asked only when the line is made.
 struct InstanceQueries {
-    NSString (*className)(const void*);
+    StringView (*className)(const void*);
     const void* (*wholeObject)(const void*); ///< where the most derived object starts
 };
 
 template <class T, bool dynamic = hasDynamicTypes>
 inline constexpr InstanceQueries instanceQueries{
-    []([[maybe_unused]] const void* instance) -> NSString {
+    []([[maybe_unused]] const void* instance) -> StringView {
 #ifdef __cpp_rtti
         if constexpr (std::is_polymorphic_v<T>) {
             return classNameOfType(typeid(*static_cast<const T*>(instance)));
@@ -102,7 +102,7 @@ public:
     const NSObjectProtocol& host() const noexcept { return *static_cast<const NSObjectProtocol*>(address_); }
 
     /// The name of the most derived class of a caller of the form `instance`.
-    NSString instanceClassName() const { return queries_->className(address_); }
+    StringView instanceClassName() const { return queries_->className(address_); }
 
     /// Where the most derived object of a caller of the form `instance` begins.
     const void* wholeInstance() const { return queries_->wholeObject(address_); }

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
+// Who calls, and what is said: the one composition of all log operations, for lines and for texts.
 #include "log/LogComposition.h"
+
+#include <string_view>
 
 #include "foundation/format/Format.h"
 #include "foundation/objects/DynamicTypeName.h"
-#include "foundation/objects/TextBuilder.h"
-#include "foundation/text/NumberText.h"
+#include "foundation/process/LineWriter.h"
+#include "log/LogGates.h"
 #include "log/ZQLog.h"
 
 namespace ZQFoundation {
@@ -32,7 +35,7 @@ void appendMethod(TextBuilder& out, StringView method) {
 }
 
 /// "-[(Store *)0x7f01 reload:]", or the "?" form when the class does not say its name.
-void appendInstance(TextBuilder& out, const NSString& className, const void* address, StringView method) {
+void appendInstance(TextBuilder& out, StringView className, const void* address, StringView method) {
     if (className) {
         out.appendLiteral("-[(");
         out.append(className);
@@ -44,28 +47,34 @@ void appendInstance(TextBuilder& out, const NSString& className, const void* add
     appendMethod(out, method);
 }
 
-void appendClass(TextBuilder& out, const NSString& className, StringView method) {
+void appendClass(TextBuilder& out, StringView className, StringView method) {
     out.appendLiteral("+[");
     out.append(className);
     appendMethod(out, method);
 }
 
-/// Where a value stands: its shared body or host object; for a value that lives in its handle, the handle.
+/// Where a value stands: its shared body; for one that lives in its handle, the handle.
 const void* addressOf(const NSObject& value) noexcept {
-    if (const NSObjectProtocol* const host = value.hostObject()) {
-        return dynamic_cast<const void*>(host);
-    }
     return Access::kind(value) >= Kind::string ? static_cast<const void*>(Access::body(value)) : &value;
 }
 
+/// A host object says itself of which class it is, perhaps of none.
+void appendHostCaller(TextBuilder& out, const NSObjectProtocol& host, StringView method) {
+    appendInstance(out, host.className(), dynamic_cast<const void*>(&host), method);
+}
+
 void appendValueCaller(TextBuilder& out, const NSObject& value, StringView method) {
+    const NameSpan name = ownClassName(value);
+    const StringView className(name.start, name.length);
     if (!value) {
         out.appendLiteral("[<<no instance>>");
         appendMethod(out, method);
+    } else if (value.hostObject() != nullptr) {
+        appendHostCaller(out, *value.hostObject(), method);
     } else if (Access::kind(value) == Kind::classObject) {
-        appendClass(out, value.className(), method);
+        appendClass(out, className, method);
     } else {
-        appendInstance(out, value.className(), addressOf(value), method);
+        appendInstance(out, className, addressOf(value), method);
     }
 }
 
@@ -81,7 +90,7 @@ void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView me
         appendInstance(out, caller.instanceClassName(), caller.wholeInstance(), method);
         break;
     case LogCaller::Form::host:
-        appendInstance(out, caller.host().className(), dynamic_cast<const void*>(&caller.host()), method);
+        appendHostCaller(out, caller.host(), method);
         break;
     case LogCaller::Form::value:
         appendValueCaller(out, caller.value(), method);
@@ -89,17 +98,23 @@ void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView me
     }
 }
 
+/// The last component of a name taken as a path.
+StringView lastPart(std::string_view name) noexcept {
+    name = name.substr(0, name.find_last_not_of('/') + 1);
+    name = name.substr(name.find_last_of('/') + 1);
+    return name;
+}
+
 void appendFunctionCaller(TextBuilder& out, const char* functionName) {
-    if (functionName == nullptr || *functionName == '\0') {
+    const std::string_view name(functionName != nullptr ? functionName : "");
+    if (name.empty()) {
         out.appendLiteral("<<no function name>>()");
-        return;
+    } else if (name.find(':') != name.npos) {
+        out.append(lastPart(name));
+    } else {
+        out.append(name);
+        out.appendLiteral("()");
     }
-    if (std::strchr(functionName, ':') != nullptr) {
-        out.append(NSString(functionName).lastPathComponent());
-        return;
-    }
-    out.append(functionName);
-    out.appendLiteral("()");
 }
 
 void appendCaller(TextBuilder& out, const CallerReference& caller) {
@@ -114,37 +129,61 @@ void appendCaller(TextBuilder& out, const CallerReference& caller) {
     out.appendAscii(' ');
 }
 
-void appendLabel(TextBuilder& out, const TraceLabel& label) {
-    if (!label.text) {
-        return;
+void appendMessage(TextBuilder& out, const LogMessage& message) {
+    if (message.condition.kind != TraceCondition::Kind::none) {
+        appendTraceLabel(out, message.condition, message.keysThatAreOn);
+        out.appendLiteral(": ");
     }
-    out.append(label.text);
-    if (label.relation) {
-        char digits[numberTextCapacity];
-        out.append(label.relation);
-        out.appendAscii(digits, static_cast<std::size_t>(writeInt64(label.number, digits) - digits));
-    }
-    out.appendLiteral(": ");
+    appendCaller(out, message.caller);
+    appendFormat(out, message.format, message.arguments);
 }
+
+/// A text to be returned, made in memory that a signal handler may use.
+class ReturnedText {
+public:
+    TextBuilder& text() noexcept { return text_; }
+    NSString string() const { return text_.signalSafeString(); }
+
+private:
+    char lent_[1024];
+    TextBuilder text_{lent_, sizeof lent_};
+};
 
 } // namespace
 
-NSString classNameOfType(const std::type_info& type) { return dynamicTypeName(type); }
-
-NSString composedText(const CallerReference& caller, StringView text) {
-    TextBuilder line;
-    appendCaller(line, caller);
-    line.append(text);
-    return line.string();
+StringView classNameOfType(const std::type_info& type) {
+    const NameSpan name = dynamicTypeName(type);
+    return {name.start, name.length};
 }
 
-NSString composedMessage(const CallerReference& caller, const TraceLabel& label, StringView format,
-                         ArgumentList arguments) {
-    TextBuilder line;
-    appendLabel(line, label);
-    appendCaller(line, caller);
-    appendFormat(line, format, arguments);
-    return line.string();
+NSString returnedText(StringView text) {
+    return text ? textOfText(CallerReference::none(), text) : NSString();
+}
+
+void writeMessage(const LogMessage& message) {
+    LogLine line;
+    appendMessage(line.text(), message);
+    line.write();
+}
+
+NSString textOfMessage(const LogMessage& message) {
+    ReturnedText returned;
+    appendMessage(returned.text(), message);
+    return returned.string();
+}
+
+void writeText(const CallerReference& caller, StringView text) {
+    LogLine line;
+    appendCaller(line.text(), caller);
+    line.text().append(text);
+    line.write();
+}
+
+NSString textOfText(const CallerReference& caller, StringView text) {
+    ReturnedText returned;
+    appendCaller(returned.text(), caller);
+    returned.text().append(text);
+    return returned.string();
 }
 
 } // namespace detail

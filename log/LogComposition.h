@@ -4,6 +4,7 @@
 #define ZQFOUNDATION_LOG_LOGCOMPOSITION_H
 
 #include "log/LogCaller.h"
+#include "log/TraceKeys.h"
 
 namespace ZQFoundation::detail {
 
@@ -25,28 +26,21 @@ struct CallerReference {
     const char* functionName = nullptr;
 };
 
-/// What a line says of the condition that let it through.
-struct TraceLabel {
-    static TraceLabel none() noexcept { return {}; }
-    static TraceLabel key(StringView key) noexcept { return {key, {}, 0}; }
-    static TraceLabel value(StringView key, std::int64_t value) noexcept { return {key, "=", value}; }
-    static TraceLabel threshold(StringView key, std::int64_t threshold) noexcept {
-        return {key, ">=", threshold};
-    }
-    static TraceLabel anyKey() noexcept { return {"Trace", {}, 0}; }
-
-    StringView text;     ///< nil: no label
-    StringView relation; ///< nil: no number behind it
-    std::int64_t number = 0;
+/// What a line says once its gates have passed.
+struct LogMessage {
+    const CallerReference& caller;
+    const TraceCondition& condition;
+    const TraceKeySet& keysThatAreOn; ///< of the condition `anyOf`
+    StringView format;                ///< not nil
+    ArgumentList arguments;
 };
 
-/// "caller text", or the text alone.
-NSString composedText(const CallerReference& caller, StringView text);
+// "label: caller message" without what there is none of; or "caller text".
 
-/// What every format operation produces once its gates have passed and its condition holds: "label: caller
-/// message" without what there is none of. The format must not be nil.
-NSString composedMessage(const CallerReference& caller, const TraceLabel& label, StringView format,
-                         ArgumentList arguments);
+void writeMessage(const LogMessage& message);
+NSString textOfMessage(const LogMessage& message);
+void writeText(const CallerReference& caller, StringView text);
+NSString textOfText(const CallerReference& caller, StringView text);
 
 } // namespace ZQFoundation::detail
 

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
+// Reading the trace keys, and asking about them without a lock.
 #include "log/TraceKeys.h"
 
+#include <algorithm>
+#include <iterator>
+#include <memory>
 #include <utility>
 
-#include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/TextBuilder.h"
+#include "foundation/objects/Bodies.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "foundation/system/Lock.h"
+#include "foundation/text/NumberText.h"
+#include "log/TraceTable.h"
 #include "log/ZQLog.h"
 
 namespace ZQFoundation {
@@ -15,31 +20,40 @@ namespace detail {
 
 namespace {
 
+/// What one reading of the user defaults gave.
+struct TraceReading {
+    NSDictionary traceDefaultsDict;
+    NSArray activatedTraceDefaultsKeys;
+};
+
 /// The monitor of the ZQLog class. It guards the trace keys and nothing else.
 constinit Lock monitor;
 
-/// What one reading of the user defaults gave. Replaced as a whole, by one store, so that a forked child
-/// never sees half of a reading.
-struct TraceSnapshot {
-    NSDictionary traceDefaultsDict;
-    NSArray activatedTraceDefaultsKeys;
-    bool aTraceDefaultValueHasBeenActivated;
+/// All that a reader without a lock goes by.
+struct alignas(64) {
+    /// Odd while somebody is in a `Synchronized` scope: then readers go the way through the monitor. Counts
+    /// up with every reading and every such scope, so that a reader who finds the same number before and
+    /// after a look knows that nobody came in between.
+    std::uint64_t gate;
+    const TraceTable* table; ///< null until the first reading
+} constinit shared = {0, nullptr};
+
+constexpr std::uint64_t closedBit = 1;
+
+/// Of the present reading and of the next one: a reader without a lock may be in either table.
+struct Place {
+    TraceTable* table;
+    const TraceReading* reading;
 };
+constinit Place places[2] = {};
 
-constinit TraceSnapshot* currentSnapshot = nullptr;
+/// Held for the exchange of readings, and to look at what has no form of whole words.
+constinit Lock exchange;
 
-/// Replaced snapshots outlive some more readings: a host that re-reads outside the monitor may still have a
-/// reader in the old one.
-constexpr std::uint32_t retiredCount = 16;
-constinit TraceSnapshot* retired[retiredCount] = {};
-constinit std::uint32_t nextRetired = 0;
+/// The fork generation in which a thread is at its first reading, under the monitor.
+constinit std::uint32_t readingIn = 0;
 
-void retire(TraceSnapshot* snapshot) {
-    const std::uint32_t slot = __atomic_fetch_add(&nextRetired, 1, __ATOMIC_RELAXED) % retiredCount;
-    delete __atomic_exchange_n(&retired[slot], snapshot, __ATOMIC_ACQ_REL);
-}
-
-TraceSnapshot* readSnapshot() {
+std::unique_ptr<const TraceReading> readTraceDefaults() {
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
     NSMutableDictionary values;
     NSMutableArray activeKeys;
@@ -57,108 +71,249 @@ TraceSnapshot* readSnapshot() {
             activeKeys.addObject(key);
         }
     }
-    const bool anyIsActive = activeKeys.count() != 0;
-    return new TraceSnapshot{values.dictionary(), activeKeys.array(), anyIsActive};
+    return std::make_unique<TraceReading>(TraceReading{values.dictionary(), activeKeys.array()});
 }
 
-/// The snapshot, read now if it was not yet. The caller holds the monitor.
-const TraceSnapshot& snapshotInMonitor() {
-    const TraceSnapshot* snapshot = __atomic_load_n(&currentSnapshot, __ATOMIC_ACQUIRE);
-    if (snapshot == nullptr) {
-        ZQLog::initializeTraceDefaultsDict();
-        snapshot = __atomic_load_n(&currentSnapshot, __ATOMIC_ACQUIRE);
+const TraceTable* presentTable() noexcept { return __atomic_load_n(&shared.table, __ATOMIC_ACQUIRE); }
+
+/// Null before the first one. The caller holds the lock of the exchange.
+const TraceReading* presentReading() noexcept {
+    const TraceTable* const table = presentTable();
+    return table == nullptr ? nullptr : places[table == places[0].table ? 0 : 1].reading;
+}
+
+/// A forked child finds the old reading or the new one, since one store makes it the present one. What it may
+/// find half-written is the place of the next one.
+void publish(std::unique_ptr<const TraceReading> fresh) {
+    const Guard guard(exchange);
+    Place& place = places[presentTable() != nullptr && presentTable() == places[0].table ? 1 : 0];
+    const std::size_t keys = fresh->traceDefaultsDict.count();
+    if (place.table == nullptr || !place.table->hasRoomFor(keys)) {
+        place.table = TraceTable::make(keys); // readers may be in the smaller one for ever
     }
-    return *snapshot;
+    const std::unique_ptr<const TraceReading> old(std::exchange(place.reading, nullptr));
+    place.table->fill(fresh->traceDefaultsDict, fresh->activatedTraceDefaultsKeys.count() != 0);
+    place.reading = fresh.release();
+    __atomic_store_n(&shared.table, place.table, __ATOMIC_RELEASE);
+    __atomic_add_fetch(&shared.gate, 2, __ATOMIC_ACQ_REL);
 }
 
-bool isOn(const TraceSnapshot& snapshot, const NSObject& key) {
-    const NSString name(key);
-    return name && snapshot.traceDefaultsDict.boolForKey(name);
+void leaveMonitor() noexcept {
+    // Whoever leaves last opens the gate, also for one whom a fork has left behind.
+    if (!monitor.isHeldAgain() && (__atomic_load_n(&shared.gate, __ATOMIC_RELAXED) & closedBit) != 0) {
+        __atomic_add_fetch(&shared.gate, 1, __ATOMIC_ACQ_REL);
+    }
+    monitor.unlock();
+}
+
+/// Holds the monitor for a look, while the gate stays as it is.
+class InMonitor {
+public:
+    InMonitor() noexcept { monitor.lock(); }
+    InMonitor(const InMonitor&) = delete;
+    InMonitor& operator=(const InMonitor&) = delete;
+    ~InMonitor() { leaveMonitor(); }
+};
+
+/// Makes the first reading if there is none yet; not for a signal handler that interrupts its thread in just
+/// that. The caller holds the monitor.
+void readInMonitor() {
+    const std::uint32_t generation = system::forkGeneration();
+    if (presentTable() != nullptr || readingIn == generation) {
+        return;
+    }
+    readingIn = generation;
+    struct AtTheEnd {
+        ~AtTheEnd() { readingIn = 0; }
+    } const atTheEnd;
+    ZQLog::initializeTraceDefaultsDict();
+}
+
+StringView textOf(const NSObject& string) noexcept {
+    const StringBody& body = *Access::string(string);
+    return body.isAscii ? StringView::ascii(body.ascii(), body.length)
+                        : StringView(body.units(), body.length);
+}
+
+/// What a question sees of the keys: a table, or all of a reading, or none.
+class TraceView {
+public:
+    explicit TraceView(const TraceTable& table) noexcept : table_(&table) {}
+    explicit TraceView(const TraceReading* reading) noexcept : reading_(reading) {}
+
+    TraceAnswer ask(StringView key) {
+        TraceAnswer answer;
+        if (table_ == nullptr) {
+            return reading_ == nullptr ? answer
+                                       : TraceAnswer{reading_->traceDefaultsDict.boolForKey(key),
+                                                     reading_->traceDefaultsDict.integerForKey(key)};
+        }
+        if (!table_->find(key, answer)) [[unlikely]] {
+            isSure_ = false;
+        }
+        return answer;
+    }
+    bool isOn(const NSObject& key) { return Access::kind(key) == Kind::string && ask(textOf(key)).isOn; }
+    bool anyKeyIsActive() const {
+        return table_ != nullptr ? table_->anyKeyIsActive()
+                                 : reading_ != nullptr && reading_->activatedTraceDefaultsKeys.count() != 0;
+    }
+
+    /// Whether the table could answer all that was asked.
+    bool isSure() const noexcept { return isSure_; }
+
+private:
+    const TraceTable* table_ = nullptr;
+    const TraceReading* reading_ = nullptr;
+    bool isSure_ = true;
+};
+
+template <class Question>
+[[gnu::noinline]] auto askInMonitor(const Question& question) {
+    const InMonitor scope;
+    readInMonitor();
+    const Guard guard(exchange);
+    TraceView view(presentReading());
+    return question(view);
+}
+
+/// The answer to the question at one moment at which no other thread was in a `Synchronized` scope. May put
+/// the question twice.
+template <class Question>
+[[gnu::always_inline]] inline auto askTraceKeys(const Question& question) {
+    const std::uint64_t before = __atomic_load_n(&shared.gate, __ATOMIC_ACQUIRE);
+    const TraceTable* const table = presentTable();
+    if ((before & closedBit) == 0 && table != nullptr) [[likely]] {
+        TraceView view(*table);
+        const auto answer = question(view);
+        if (view.isSure() && __atomic_load_n(&shared.gate, __ATOMIC_RELAXED) == before) [[likely]] {
+            return answer;
+        }
+    }
+    return askInMonitor(question);
+}
+
+void appendJoined(TextBuilder& out, const NSArray& keys, char separator, const TraceKeySet* on) {
+    bool isFirst = true;
+    std::size_t index = 0;
+    for (const NSObject& key : keys) {
+        if (on == nullptr || on->holds(index)) {
+            if (!isFirst) {
+                out.appendAscii(separator);
+            }
+            out.append(textOf(key));
+            isFirst = false;
+        }
+        ++index;
+    }
+}
+
+void appendLevel(TextBuilder& out, StringView relation, std::int64_t level) {
+    char digits[numberTextCapacity];
+    out.append(relation);
+    out.appendAscii(digits, static_cast<std::size_t>(writeInt64(level, digits) - digits));
 }
 
 } // namespace
 
+void TraceKeySet::reset(std::size_t count) {
+    const std::size_t words = (count + 63) / 64;
+    if (words > inlineWords) {
+        more_ = std::make_unique<std::uint64_t[]>(words);
+    } else {
+        std::fill(std::begin(inline_), std::end(inline_), 0);
+    }
+}
+
 bool traceKeyHolds(StringView key) {
-    const Guard guard(monitor);
-    return snapshotInMonitor().traceDefaultsDict.boolForKey(key);
+    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).isOn; });
 }
 
 bool traceLevelEquals(StringView key, std::int64_t value) {
-    const Guard guard(monitor);
-    return snapshotInMonitor().traceDefaultsDict.integerForKey(key) == value;
+    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).level; }) == value;
 }
 
 bool traceLevelReaches(StringView key, std::int64_t threshold) {
-    const Guard guard(monitor);
-    return snapshotInMonitor().traceDefaultsDict.integerForKey(key) >= threshold;
+    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).level; }) >= threshold;
 }
 
 bool anyTraceKeyHolds() {
-    const Guard guard(monitor);
-    return snapshotInMonitor().aTraceDefaultValueHasBeenActivated;
+    return askTraceKeys([](TraceView& keys) { return keys.anyKeyIsActive(); });
 }
 
-NSString labelOfAnyTraceKey(const NSArray& keys) {
-    const Guard guard(monitor);
-    const TraceSnapshot& snapshot = snapshotInMonitor();
-    TextBuilder label;
-    bool found = false;
-    for (const NSObject& key : keys) {
-        if (isOn(snapshot, key)) {
-            if (found) {
-                label.appendAscii('/');
+bool anyOfTraceKeysHolds(const NSArray& keys, TraceKeySet& on) {
+    return askTraceKeys([&keys, &on](TraceView& view) {
+        on.reset(keys.count());
+        bool isFound = false;
+        std::size_t index = 0;
+        for (const NSObject& key : keys) {
+            if (view.isOn(key)) {
+                on.add(index);
+                isFound = true;
             }
-            label.append(key.as<NSString>());
-            found = true;
+            ++index;
         }
-    }
-    return found ? label.string() : NSString();
+        return isFound;
+    });
 }
 
-NSString labelOfAllTraceKeys(const NSArray& keys) {
-    const Guard guard(monitor);
-    const TraceSnapshot& snapshot = snapshotInMonitor();
-    TextBuilder label;
-    bool isFirst = true;
-    for (const NSObject& key : keys) {
-        if (!isOn(snapshot, key)) {
-            return {};
+bool allOfTraceKeysHold(const NSArray& keys) {
+    return askTraceKeys([&keys](TraceView& view) {
+        for (const NSObject& key : keys) {
+            if (!view.isOn(key)) {
+                return false;
+            }
         }
-        if (!isFirst) {
-            label.appendAscii('+');
-        }
-        label.append(key.as<NSString>());
-        isFirst = false;
+        return keys.count() != 0;
+    });
+}
+
+void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const TraceKeySet& on) {
+    switch (condition.kind) {
+    case TraceCondition::Kind::none:
+        return;
+    case TraceCondition::Kind::key:
+        return out.append(condition.keyText);
+    case TraceCondition::Kind::value:
+        out.append(condition.keyText);
+        return appendLevel(out, "=", condition.level);
+    case TraceCondition::Kind::threshold:
+        out.append(condition.keyText);
+        return appendLevel(out, ">=", condition.level);
+    case TraceCondition::Kind::anyOf:
+        return appendJoined(out, *condition.keys, '/', &on);
+    case TraceCondition::Kind::allOf:
+        return appendJoined(out, *condition.keys, '+', nullptr);
+    case TraceCondition::Kind::anyKey:
+        return out.appendLiteral("Trace");
     }
-    return isFirst ? NSString() : label.string();
 }
 
 } // namespace detail
 
-using detail::Guard;
+using detail::InMonitor;
 
-void ZQLog::initializeTraceDefaultsDict() {
-    detail::TraceSnapshot* const snapshot = detail::readSnapshot();
-    detail::TraceSnapshot* const replaced =
-        __atomic_exchange_n(&detail::currentSnapshot, snapshot, __ATOMIC_ACQ_REL);
-    if (replaced != nullptr) {
-        detail::retire(replaced);
-    }
-}
+void ZQLog::initializeTraceDefaultsDict() { detail::publish(detail::readTraceDefaults()); }
 
-bool ZQLog::traceKeyIsEnabled(StringView key) { return detail::traceKeyHolds(key); }
+bool ZQLog::traceKeyIsEnabled(StringView key) { return key && detail::traceKeyHolds(key); }
 
 NSArray ZQLog::activatedTraceDefaultsKeys() {
-    const Guard guard(detail::monitor);
-    return detail::snapshotInMonitor().activatedTraceDefaultsKeys;
+    const InMonitor scope;
+    detail::readInMonitor();
+    const detail::Guard guard(detail::exchange);
+    const detail::TraceReading* const reading = detail::presentReading();
+    return reading != nullptr ? reading->activatedTraceDefaultsKeys : NSArray::array();
 }
 
 NSArray ZQLog::activatedTraceDefaultKeys() { return activatedTraceDefaultsKeys(); }
 
 bool ZQLog::aTraceDefaultValueHasBeenActivated() { return detail::anyTraceKeyHolds(); }
 
-ZQLog::Synchronized::Synchronized() noexcept { detail::monitor.lock(); }
+ZQLog::Synchronized::Synchronized() noexcept {
+    detail::monitor.lock();
+    __atomic_or_fetch(&detail::shared.gate, detail::closedBit, __ATOMIC_ACQ_REL);
+}
 
-ZQLog::Synchronized::~Synchronized() { detail::monitor.unlock(); }
+ZQLog::Synchronized::~Synchronized() { detail::leaveMonitor(); }
 
 } // namespace ZQFoundation

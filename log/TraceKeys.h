@@ -3,12 +3,54 @@
 #ifndef ZQFOUNDATION_LOG_TRACEKEYS_H
 #define ZQFOUNDATION_LOG_TRACEKEYS_H
 
+#include <memory>
+
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/TextBuilder.h"
 
 namespace ZQFoundation::detail {
 
-// The trace conditions. Each is judged under the monitor of ZQLog, which reads the trace keys first if need
-// be.
+/// Which keys of an array are on.
+class TraceKeySet {
+public:
+    void reset(std::size_t count);
+    void add(std::size_t index) noexcept { words()[index / 64] |= std::uint64_t{1} << index % 64; }
+    bool holds(std::size_t index) const noexcept { return (words()[index / 64] >> index % 64 & 1) != 0; }
+
+private:
+    static constexpr std::size_t inlineWords = 4;
+
+    std::uint64_t* words() noexcept { return more_ != nullptr ? more_.get() : inline_; }
+    const std::uint64_t* words() const noexcept { return more_ != nullptr ? more_.get() : inline_; }
+
+    std::uint64_t inline_[inlineWords] = {};
+    std::unique_ptr<std::uint64_t[]> more_;
+};
+
+/// The condition under which a line appears, as its caller gave it.
+struct TraceCondition {
+    enum class Kind : unsigned char { none, key, value, threshold, anyOf, allOf, anyKey };
+
+    static TraceCondition none() noexcept { return {Kind::none, {}, 0, nullptr}; }
+    static TraceCondition key(StringView key) noexcept { return {Kind::key, key, 0, nullptr}; }
+    static TraceCondition value(StringView key, std::int64_t value) noexcept {
+        return {Kind::value, key, value, nullptr};
+    }
+    static TraceCondition threshold(StringView key, std::int64_t threshold) noexcept {
+        return {Kind::threshold, key, threshold, nullptr};
+    }
+    static TraceCondition anyOf(const NSArray& keys) noexcept { return {Kind::anyOf, {}, 0, &keys}; }
+    static TraceCondition allOf(const NSArray& keys) noexcept { return {Kind::allOf, {}, 0, &keys}; }
+    static TraceCondition anyKey() noexcept { return {Kind::anyKey, {}, 0, nullptr}; }
+
+    Kind kind;
+    StringView keyText;  ///< key, value, threshold
+    std::int64_t level;  ///< value, threshold
+    const NSArray* keys; ///< anyOf, allOf
+};
+
+// The questions below take no lock while nobody holds the monitor of ZQLog; while another thread holds it
+// they wait. Whichever comes first reads the trace keys.
 
 /// Whether the key's truth is YES.
 bool traceKeyHolds(StringView key);
@@ -20,12 +62,15 @@ bool traceLevelReaches(StringView key, std::int64_t threshold);
 /// Whether any trace key at all is active.
 bool anyTraceKeyHolds();
 
-/// The keys that are on, joined with "/"; nil when none is. What is joined was true at one and the same
-/// moment.
-NSString labelOfAnyTraceKey(const NSArray& keys);
+/// Which of the keys are on, all at one and the same moment; false when none is.
+bool anyOfTraceKeysHolds(const NSArray& keys, TraceKeySet& on);
 
-/// All keys joined with "+"; nil when one is off, and deliberately for no keys at all.
-NSString labelOfAllTraceKeys(const NSArray& keys);
+/// Deliberately false for no keys at all.
+bool allOfTraceKeysHold(const NSArray& keys);
+
+/// What a line says of a condition that holds: "key", "key=3", "A/C", ...; nothing for none. The set is that
+/// of the keys of `anyOf` that are on.
+void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const TraceKeySet& on);
 
 } // namespace ZQFoundation::detail
 

@@ -31,7 +31,7 @@ constinit const NSDateFormatter* _dateFormatterShort = nullptr;
 } // namespace
 
 void ZQLog::logAlways_log(bool logAlways, StringView text) {
-    if (text && logAlways) {
+    if (detail::passesGates(logAlways, text)) {
         detail::writeLine(text);
     }
 }

@@ -37,7 +37,7 @@ public:
     /// A string of the text passed in; nil if the flag is NO.
     template <detail::PlainText T>
     static NSString logAlways_logString(bool logAlways, const T& text) {
-        return logAlways ? NSString(text) : NSString();
+        return logAlways ? detail::returnedText(text) : NSString();
     }
 
     /// "2024-03-05 14:07:09.042 MyApp[1234]: " with a blank at the end, for lines that the host writes by

@@ -3,6 +3,7 @@
 #define ZQFOUNDATION_LOG_ZQLOGFUNCTIONCALLS_H
 
 #include "LogCaller.h"
+#include "LogGates.h"
 
 #include "../foundation/objects/NSArray.h"
 
@@ -27,7 +28,7 @@ public:
     logFunctionName_logAlways_logWithFormat(const char* functionName, bool logAlways,
                                             FormatString<std::type_identity_t<Arguments>...> format,
                                             const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logWithFormatv_arguments(functionName, logAlways, format.text(),
                                                                packed.list());
@@ -43,7 +44,7 @@ public:
     logFunctionName_logAlways_logStringWithFormat(const char* functionName, bool logAlways,
                                                   FormatString<std::type_identity_t<Arguments>...> format,
                                                   const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringWithFormatv_arguments(functionName, logAlways,
                                                                             format.text(), packed.list());
@@ -61,7 +62,7 @@ public:
     static void logFunctionName_logAlways_logForTraceKey_usingFormat(
         const char* functionName, bool logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(functionName, logAlways, key,
                                                                             format.text(), packed.list());
@@ -76,7 +77,7 @@ public:
     static NSString logFunctionName_logAlways_logStringForTraceKey_usingFormat(
         const char* functionName, bool logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForTraceKey_usingFormatv_arguments(
                 functionName, logAlways, key, format.text(), packed.list());
@@ -94,7 +95,7 @@ public:
     static void logFunctionName_logAlways_logForTraceKey_value_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
                 functionName, logAlways, key, value, format.text(), packed.list());
@@ -112,7 +113,7 @@ public:
     static NSString logFunctionName_logAlways_logStringForTraceKey_value_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
                 functionName, logAlways, key, value, format.text(), packed.list());
@@ -131,7 +132,7 @@ public:
     static void logFunctionName_logAlways_logForTraceKey_threshold_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
                 functionName, logAlways, key, threshold, format.text(), packed.list());
@@ -149,7 +150,7 @@ public:
     static NSString logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormat(
         const char* functionName, bool logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
                 functionName, logAlways, key, threshold, format.text(), packed.list());
@@ -167,7 +168,7 @@ public:
     static void logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
                 functionName, logAlways, keys, format.text(), packed.list());
@@ -187,7 +188,7 @@ public:
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
                 functionName, logAlways, keys, format.text(), packed.list());
@@ -205,7 +206,7 @@ public:
     static void logFunctionName_logAlways_logForAllTraceKeysOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
                 functionName, logAlways, keys, format.text(), packed.list());
@@ -223,7 +224,7 @@ public:
     static NSString logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormat(
         const char* functionName, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
                 functionName, logAlways, keys, format.text(), packed.list());
@@ -241,7 +242,7 @@ public:
     static void logFunctionName_logAlways_logForAnyTraceKeyUsingFormat(
         const char* functionName, bool logAlways, FormatString<std::type_identity_t<Arguments>...> format,
         const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(functionName, logAlways,
                                                                               format.text(), packed.list());
@@ -258,7 +259,7 @@ public:
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormat(
         const char* functionName, bool logAlways, FormatString<std::type_identity_t<Arguments>...> format,
         const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
                 functionName, logAlways, format.text(), packed.list());

@@ -3,6 +3,7 @@
 #define ZQFOUNDATION_LOG_ZQLOGMETHODCALLS_H
 
 #include "LogCaller.h"
+#include "LogGates.h"
 
 #include "../foundation/objects/NSArray.h"
 
@@ -29,7 +30,7 @@ public:
     logSelf_method_logAlways_logWithFormat(const LogCaller& self, StringView method, bool logAlways,
                                            FormatString<std::type_identity_t<Arguments>...> format,
                                            const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logWithFormatv_arguments(self, method, logAlways, format.text(),
                                                               packed.list());
@@ -46,7 +47,7 @@ public:
     logSelf_method_logAlways_logStringWithFormat(const LogCaller& self, StringView method, bool logAlways,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
                                                  const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringWithFormatv_arguments(self, method, logAlways,
                                                                            format.text(), packed.list());
@@ -64,7 +65,7 @@ public:
     static void logSelf_method_logAlways_logForTraceKey_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(self, method, logAlways, key,
                                                                            format.text(), packed.list());
@@ -82,7 +83,7 @@ public:
     static NSString logSelf_method_logAlways_logStringForTraceKey_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForTraceKey_usingFormatv_arguments(
                 self, method, logAlways, key, format.text(), packed.list());
@@ -101,7 +102,7 @@ public:
     static void logSelf_method_logAlways_logForTraceKey_value_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
                 self, method, logAlways, key, value, format.text(), packed.list());
@@ -119,7 +120,7 @@ public:
     static NSString logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
                 self, method, logAlways, key, value, format.text(), packed.list());
@@ -138,7 +139,7 @@ public:
     static void logSelf_method_logAlways_logForTraceKey_threshold_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
                 self, method, logAlways, key, threshold, format.text(), packed.list());
@@ -156,7 +157,7 @@ public:
     static NSString logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
                 self, method, logAlways, key, threshold, format.text(), packed.list());
@@ -174,7 +175,7 @@ public:
     static void logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(self, method, logAlways, keys,
                                                                                 format.text(), packed.list());
@@ -192,7 +193,7 @@ public:
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
                 self, method, logAlways, keys, format.text(), packed.list());
@@ -210,7 +211,7 @@ public:
     static void logSelf_method_logAlways_logForAllTraceKeysOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
                 self, method, logAlways, keys, format.text(), packed.list());
@@ -228,7 +229,7 @@ public:
     static NSString logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
         const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
                 self, method, logAlways, keys, format.text(), packed.list());
@@ -246,7 +247,7 @@ public:
     static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormat(
         const LogCaller& self, StringView method, bool logAlways,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(self, method, logAlways,
                                                                              format.text(), packed.list());
@@ -261,7 +262,7 @@ public:
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(
         const LogCaller& self, StringView method, bool logAlways,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
                 self, method, logAlways, format.text(), packed.list());

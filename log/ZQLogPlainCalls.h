@@ -3,6 +3,7 @@
 #define ZQFOUNDATION_LOG_ZQLOGPLAINCALLS_H
 
 #include "LogCaller.h"
+#include "LogGates.h"
 
 #include "../foundation/objects/NSArray.h"
 
@@ -20,7 +21,7 @@ public:
     static void logAlways_logWithFormat(bool logAlways,
                                         FormatString<std::type_identity_t<Arguments>...> format,
                                         const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logWithFormatv_arguments(logAlways, format.text(), packed.list());
         }
@@ -33,7 +34,7 @@ public:
     static NSString logAlways_logStringWithFormat(bool logAlways,
                                                   FormatString<std::type_identity_t<Arguments>...> format,
                                                   const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringWithFormatv_arguments(logAlways, format.text(), packed.list());
         }
@@ -48,7 +49,7 @@ public:
     static void logAlways_logForTraceKey_usingFormat(bool logAlways, StringView key,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
                                                      const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForTraceKey_usingFormatv_arguments(logAlways, key, format.text(), packed.list());
         }
@@ -63,7 +64,7 @@ public:
     logAlways_logStringForTraceKey_usingFormat(bool logAlways, StringView key,
                                                FormatString<std::type_identity_t<Arguments>...> format,
                                                const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForTraceKey_usingFormatv_arguments(logAlways, key, format.text(),
                                                                          packed.list());
@@ -83,7 +84,7 @@ public:
     logAlways_logForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
                                                FormatString<std::type_identity_t<Arguments>...> format,
                                                const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForTraceKey_value_usingFormatv_arguments(logAlways, key, value, format.text(),
                                                                   packed.list());
@@ -102,7 +103,7 @@ public:
     logAlways_logStringForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
                                                      const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForTraceKey_value_usingFormatv_arguments(logAlways, key, value,
                                                                                format.text(), packed.list());
@@ -121,7 +122,7 @@ public:
     logAlways_logForTraceKey_threshold_usingFormat(bool logAlways, StringView key, std::int64_t threshold,
                                                    FormatString<std::type_identity_t<Arguments>...> format,
                                                    const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForTraceKey_threshold_usingFormatv_arguments(logAlways, key, threshold,
                                                                       format.text(), packed.list());
@@ -140,7 +141,7 @@ public:
     static NSString logAlways_logStringForTraceKey_threshold_usingFormat(
         bool logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
-        if (logAlways && format.text() && key) {
+        if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
                 logAlways, key, threshold, format.text(), packed.list());
@@ -158,7 +159,7 @@ public:
     logAlways_logForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
                                               FormatString<std::type_identity_t<Arguments>...> format,
                                               const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(logAlways, keys, format.text(),
                                                                  packed.list());
@@ -177,7 +178,7 @@ public:
     logAlways_logStringForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
                                                     FormatString<std::type_identity_t<Arguments>...> format,
                                                     const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(logAlways, keys, format.text(),
                                                                               packed.list());
@@ -197,7 +198,7 @@ public:
     logAlways_logForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
                                                FormatString<std::type_identity_t<Arguments>...> format,
                                                const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForAllTraceKeysOf_usingFormatv_arguments(logAlways, keys, format.text(),
                                                                   packed.list());
@@ -216,7 +217,7 @@ public:
     logAlways_logStringForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
                                                      const Arguments&... arguments) {
-        if (logAlways && format.text() && keys) {
+        if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(logAlways, keys, format.text(),
                                                                                packed.list());
@@ -236,7 +237,7 @@ public:
     logAlways_logForAnyTraceKeyUsingFormat(bool logAlways,
                                            FormatString<std::type_identity_t<Arguments>...> format,
                                            const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForAnyTraceKeyUsingFormatv_arguments(logAlways, format.text(), packed.list());
         }
@@ -251,7 +252,7 @@ public:
     logAlways_logStringForAnyTraceKeyUsingFormat(bool logAlways,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
                                                  const Arguments&... arguments) {
-        if (logAlways && format.text()) {
+        if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(logAlways, format.text(),
                                                                            packed.list());

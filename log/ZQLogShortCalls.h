@@ -19,7 +19,7 @@ public:
     /// A string of the text passed in.
     template <detail::PlainText T>
     static NSString logString(const T& text) {
-        return logString(NSString(text));
+        return detail::returnedText(text);
     }
 
     /// Writes the line "message".

@@ -2,6 +2,7 @@
 #include "foundation/format/FormatText.h"
 
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/Description.h"
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/Utf.h"
@@ -52,7 +53,7 @@ void appendHandle(TextBuilder& out, const NSObject& object, const FormatLocale* 
         end = writeSingle7g(static_cast<float>(Access::real(object)), number);
         break;
     default:
-        return appendTextOrNull(out, object.description());
+        return appendDescription(out, object);
     }
     appendNumberText(out, number, end, locale);
 }

@@ -20,8 +20,15 @@ namespace ZQFoundation::detail {
 /// A string's units follow its header. They are bytes when, and only when, every unit is below U+0080, so two
 /// equal strings always have the same form.
 struct StringBody : Body {
-    std::size_t length : 63; ///< units
+    std::size_t length : 62;      ///< units
+    std::size_t isSignalSafe : 1; ///< in memory of `takeSignalSafeMemory`
     std::size_t isAscii : 1;
+
+    void setForm(std::size_t units, bool ascii, bool signalSafe) noexcept {
+        length = units & (SIZE_MAX >> 2);
+        isSignalSafe = signalSafe;
+        isAscii = ascii;
+    }
 
     const char* ascii() const noexcept { return reinterpret_cast<const char*>(this + 1); }
     char* ascii() noexcept { return reinterpret_cast<char*>(this + 1); }

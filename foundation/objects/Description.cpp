@@ -5,6 +5,7 @@
 
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/CivilTime.h"
+#include "foundation/objects/Description.h"
 #include "foundation/objects/EntryOrder.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/NormalizedText.h"
@@ -307,6 +308,14 @@ private:
 
 } // namespace
 
+void detail::appendDescription(TextBuilder& out, const NSObject& object) {
+    if (isCollection(object)) {
+        IndentedWriter(out).write(object);
+    } else {
+        appendLeaf(out, object);
+    }
+}
+
 NSString NSObject::description() const {
     if (kind_ == Kind::absent) {
         return {};
@@ -318,11 +327,7 @@ NSString NSObject::description() const {
         return hostObject()->description();
     }
     TextBuilder out;
-    if (isCollection(*this)) {
-        IndentedWriter(out).write(*this);
-    } else {
-        appendLeaf(out, *this);
-    }
+    detail::appendDescription(out, *this);
     return out.string();
 }
 

@@ -4,11 +4,14 @@
 #include <new>
 #include <ostream>
 #include <string>
+#include <string_view>
 
+#include "foundation/objects/DynamicTypeName.h"
 #include "foundation/objects/Hashing.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/StringBodies.h"
+#include "foundation/system/SignalSafeMemory.h"
 
 namespace ZQFoundation {
 
@@ -73,6 +76,11 @@ void deleteHost(NSObjectProtocol* object, DeadBodies& dead) noexcept {
 
 void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
     switch (kind) {
+    case Kind::string:
+        if (static_cast<StringBody*>(body)->isSignalSafe) {
+            return giveBackSignalSafeMemory(body);
+        }
+        break;
     case Kind::array: {
         auto* const array = static_cast<ArrayBody*>(body);
         for (std::size_t i = 0; i < array->count; ++i) {
@@ -136,35 +144,48 @@ const NSObjectProtocol* NSObject::hostObject() const noexcept {
     return kind_ == Kind::hostObject ? Access::host(*this)->object : nullptr;
 }
 
-NSString NSObject::className() const {
-    switch (kind_) {
+detail::NameSpan detail::ownClassName(const NSObject& value) noexcept {
+    const auto named = [](std::string_view name) {
+        return NameSpan{name.data(), name.size()};
+    };
+    switch (Access::kind(value)) {
     case Kind::absent:
+    case Kind::hostObject:
         return {};
     case Kind::null:
-        return "NSNull";
+        return named("NSNull");
     case Kind::date:
-        return "NSDate";
+        return named("NSDate");
     case Kind::classObject:
-        return StringView(payload_.classRecord->name, payload_.classRecord->nameLength);
+        return {Access::classRecord(value)->name, Access::classRecord(value)->nameLength};
     case Kind::string:
-        return "NSString";
+        return named("NSString");
     case Kind::data:
-        return "NSData";
+        return named("NSData");
     case Kind::url:
-        return "NSURL";
+        return named("NSURL");
     case Kind::array:
-        return "NSArray";
+        return named("NSArray");
     case Kind::dictionary:
-        return "NSDictionary";
+        return named("NSDictionary");
     case Kind::set:
-        return "NSSet";
+        return named("NSSet");
     case Kind::characterSet:
-        return "NSCharacterSet";
-    case Kind::hostObject:
-        return hostObject()->className();
+        return named("NSCharacterSet");
     default:
-        return "NSNumber";
+        return named("NSNumber");
     }
+}
+
+NSString NSObject::className() const {
+    if (kind_ == Kind::absent) {
+        return {};
+    }
+    if (kind_ == Kind::hostObject) {
+        return hostObject()->className();
+    }
+    const detail::NameSpan name = detail::ownClassName(*this);
+    return StringView(name.start, name.length);
 }
 
 std::optional<NSString> NSObject::offeredStringValue() const {

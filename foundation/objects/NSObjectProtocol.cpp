@@ -5,6 +5,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <string>
 #include <typeinfo>
 
 #include "foundation/objects/Bodies.h"
@@ -38,24 +40,47 @@ bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
     return name.length != 0 && (nested ? std::strcmp(next, "E") == 0 : *next == '\0');
 }
 
+/// The own name of a class whose mangled name takes work to read.
+struct ReadName {
+    const ReadName* next;
+    std::string mangled;
+    std::string name;
+};
+
+/// In a list that only ever grows, at its head: no more than there are such classes.
+constinit const ReadName* readNames = nullptr;
+
+const ReadName& readName(const char* mangled) {
+    const ReadName* const first = __atomic_load_n(&readNames, __ATOMIC_ACQUIRE);
+    for (const ReadName* known = first; known != nullptr; known = known->next) {
+        if (known->mangled == mangled) {
+            return *known;
+        }
+    }
+    int status = 0;
+    const std::unique_ptr<char, void (*)(void*)> demangled(
+        abi::__cxa_demangle(mangled, nullptr, nullptr, &status), std::free);
+    const char* const whole = demangled != nullptr ? demangled.get() : mangled;
+    const NameSpan own =
+        demangled != nullptr ? ownName(whole, std::strlen(whole)) : NameSpan{whole, std::strlen(whole)};
+    auto* const fresh = new ReadName{first, mangled, std::string(own.start, own.length)};
+    while (!__atomic_compare_exchange_n(&readNames, &fresh->next, fresh, false, __ATOMIC_RELEASE,
+                                        __ATOMIC_RELAXED)) {
+    }
+    return *fresh;
+}
+
 } // namespace
 
-NSString dynamicTypeName(const std::type_info& type) {
+NameSpan dynamicTypeName(const std::type_info& type) {
     const char* const mangled = type.name()[0] == '*' ? type.name() + 1 : type.name();
     NameSpan name;
     // Unnamed namespaces start with "_GLOBAL__N_"; they too are only enclosing names.
     if (lastPlainName(mangled, name)) {
-        return StringView(name.start, name.length);
+        return name;
     }
-    int status = 0;
-    char* const demangled = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);
-    if (demangled == nullptr) {
-        return StringView(mangled);
-    }
-    name = ownName(demangled, std::strlen(demangled));
-    const NSString result = StringView(name.start, name.length);
-    std::free(demangled);
-    return result;
+    const ReadName& known = readName(mangled);
+    return {known.name.data(), known.name.size()};
 }
 
 } // namespace detail
@@ -75,7 +100,11 @@ bool hasTypeInformation(const NSObjectProtocol* object) noexcept {
 NSObjectProtocol::~NSObjectProtocol() = default;
 
 NSString NSObjectProtocol::className() const {
-    return hasTypeInformation(this) ? detail::dynamicTypeName(typeid(*this)) : NSString();
+    if (!hasTypeInformation(this)) {
+        return nullptr;
+    }
+    const detail::NameSpan name = detail::dynamicTypeName(typeid(*this));
+    return StringView(name.start, name.length);
 }
 
 NSString NSObjectProtocol::description() const {

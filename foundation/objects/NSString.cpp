@@ -9,6 +9,7 @@
 #include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/system/SignalSafeMemory.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/Utf.h"
 
@@ -20,16 +21,30 @@ using detail::StringBody;
 
 namespace detail {
 
-StringBody* allocateString(std::size_t length, bool isAscii) {
-    const std::size_t unitBytes = isAscii ? 1 : sizeof(char16_t);
+namespace {
+
+std::size_t bytesOfString(std::size_t length, bool isAscii) {
     if (length > (SIZE_MAX >> 3)) {
         throw std::bad_alloc();
     }
-    auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + length * unitBytes));
+    return sizeof(StringBody) + length * (isAscii ? 1 : sizeof(char16_t));
+}
+
+StringBody* stringIn(void* memory, std::size_t length, bool isAscii, bool isSignalSafe) noexcept {
+    auto* const body = static_cast<StringBody*>(memory);
     body->references = 1;
-    body->length = length & (SIZE_MAX >> 1);
-    body->isAscii = isAscii;
+    body->setForm(length, isAscii, isSignalSafe);
     return body;
+}
+
+} // namespace
+
+StringBody* allocateString(std::size_t length, bool isAscii) {
+    return stringIn(::operator new(bytesOfString(length, isAscii)), length, isAscii, false);
+}
+
+StringBody* allocateSignalSafeString(std::size_t length, bool isAscii) {
+    return stringIn(takeSignalSafeMemory(bytesOfString(length, isAscii)), length, isAscii, true);
 }
 
 NSString makeAsciiString(const char* bytes, std::size_t count) {

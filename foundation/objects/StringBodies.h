@@ -10,6 +10,9 @@ namespace ZQFoundation::detail {
 /// A string body with room for `length` units of the given form, to be filled in by the caller.
 StringBody* allocateString(std::size_t length, bool isAscii);
 
+/// The same in memory that a signal handler may take and give back.
+StringBody* allocateSignalSafeString(std::size_t length, bool isAscii);
+
 /// Bytes that the caller knows to be ASCII.
 NSString makeAsciiString(const char* bytes, std::size_t count);
 

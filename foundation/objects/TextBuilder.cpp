@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+// Growing, widening, and what becomes of text that is not ASCII.
 #include "foundation/objects/TextBuilder.h"
 
 #include <new>
 
 #include "foundation/objects/StringBodies.h"
+#include "foundation/system/SignalSafeMemory.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
@@ -19,22 +21,34 @@ void TextBuilder::reset() noexcept {
     data_ = inline_;
     length_ = 0;
     capacityBytes_ = inlineBytes;
-    body_ = nullptr;
-    ascii_ = true;
+    allocated_ = nullptr;
+    form_ = Form::ascii;
+}
+
+void TextBuilder::release(void* memory) const noexcept {
+    form_ == Form::utf8 ? giveBackSignalSafeMemory(memory) : ::operator delete(memory);
 }
 
 void TextBuilder::growTo(std::size_t bytes) {
-    const std::size_t held = ascii_ ? length_ : length_ * sizeof(char16_t);
-    auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + bytes));
-    std::memcpy(body->ascii(), data_, held);
-    ::operator delete(body_);
-    body_ = body;
-    data_ = body->ascii();
+    const std::size_t held = holdsBytes() ? length_ : length_ * sizeof(char16_t);
+    void* memory = nullptr;
+    void* text = nullptr;
+    if (form_ == Form::utf8) {
+        text = memory = takeSignalSafeMemory(bytes);
+    } else {
+        auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + bytes));
+        memory = body;
+        text = body->ascii();
+    }
+    std::memcpy(text, data_, held);
+    release(allocated_);
+    allocated_ = memory;
+    data_ = text;
     capacityBytes_ = bytes;
 }
 
 void TextBuilder::makeRoom(std::size_t moreUnits) {
-    const std::size_t unitBytes = ascii_ ? 1 : sizeof(char16_t);
+    const std::size_t unitBytes = holdsBytes() ? 1 : sizeof(char16_t);
     if (moreUnits > largestText || length_ + moreUnits > largestText) {
         throw std::bad_alloc();
     }
@@ -53,16 +67,16 @@ void TextBuilder::widen(std::size_t moreUnits) {
     const std::size_t capacity = needed + needed / 2;
     auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + capacity));
     widenAscii(asciiData(), length_, body->units());
-    ::operator delete(body_);
-    body_ = body;
+    ::operator delete(allocated_);
+    allocated_ = body;
     data_ = body->units();
     capacityBytes_ = capacity;
-    ascii_ = false;
+    form_ = Form::units;
 }
 
 void TextBuilder::appendAsciiSlowly(const char* bytes, std::size_t count) {
     makeRoom(count);
-    if (ascii_) {
+    if (holdsBytes()) {
         std::memcpy(static_cast<char*>(data_) + length_, bytes, count);
     } else {
         widenAscii(bytes, count, static_cast<char16_t*>(data_) + length_);
@@ -72,7 +86,7 @@ void TextBuilder::appendAsciiSlowly(const char* bytes, std::size_t count) {
 
 void TextBuilder::appendRepeated(char character, std::size_t count) {
     makeRoom(count);
-    if (ascii_) {
+    if (holdsBytes()) {
         std::memset(static_cast<char*>(data_) + length_, character, count);
     } else {
         char16_t* const units = static_cast<char16_t*>(data_) + length_;
@@ -84,12 +98,15 @@ void TextBuilder::appendRepeated(char character, std::size_t count) {
 }
 
 void TextBuilder::appendUnits(const char16_t* units, std::size_t count) {
-    if (ascii_) {
+    if (holdsBytes()) {
         if (asciiPrefixLength(units, count) == count) {
             makeRoom(count);
             narrowAscii(units, count, static_cast<char*>(data_) + length_);
             length_ += count;
             return;
+        }
+        if (form_ == Form::utf8) {
+            return appendUnitsAsUtf8(units, count);
         }
         widen(count);
     }
@@ -114,17 +131,23 @@ void TextBuilder::appendCodePoint(char32_t codePoint) {
 }
 
 void TextBuilder::appendUtf8(const char* bytes, std::size_t count) {
-    const std::size_t plain = asciiPrefixLength(bytes, count);
+    const std::size_t plain =
+        form_ == Form::utf8 ? wellFormedUtf8Prefix(bytes, count) : asciiPrefixLength(bytes, count);
     appendAscii(bytes, plain);
     if (plain == count) {
         return;
     }
-    const std::size_t units = utf16Length(bytes + plain, count - plain, IllFormed::replace);
-    if (ascii_) {
+    bytes += plain;
+    count -= plain;
+    if (form_ == Form::utf8) {
+        return appendIllFormed(bytes, count);
+    }
+    const std::size_t units = utf16Length(bytes, count, IllFormed::replace);
+    if (form_ == Form::ascii) {
         widen(units);
     }
     makeRoom(units);
-    utf8ToUtf16(bytes + plain, count - plain, static_cast<char16_t*>(data_) + length_, IllFormed::replace);
+    utf8ToUtf16(bytes, count, static_cast<char16_t*>(data_) + length_, IllFormed::replace);
     length_ += units;
 }
 
@@ -145,7 +168,7 @@ void TextBuilder::append(StringView text) {
 }
 
 char* TextBuilder::reserveAscii(std::size_t count) {
-    if (!ascii_) {
+    if (!holdsBytes()) {
         return nullptr;
     }
     makeRoom(count);
@@ -154,20 +177,20 @@ char* TextBuilder::reserveAscii(std::size_t count) {
 
 NSString TextBuilder::string() {
     NSString result;
-    const std::size_t held = ascii_ ? length_ : length_ * sizeof(char16_t);
-    const bool fits = body_ != nullptr && capacityBytes_ - held <= held / 2 + 64;
-    if (ascii_ && !fits) {
+    const std::size_t held = isAscii() ? length_ : length_ * sizeof(char16_t);
+    const bool fits = allocated_ != nullptr && capacityBytes_ - held <= held / 2 + 64;
+    if (isAscii() && !fits) {
         result = makeAsciiString(asciiData(), length_);
-    } else if (!ascii_ && (!fits || asciiPrefixLength(unitData(), length_) == length_)) {
+    } else if (!isAscii() && (!fits || asciiPrefixLength(unitData(), length_) == length_)) {
         result = makeString(unitData(), length_);
     } else {
-        body_->references = 1;
-        body_->length = length_ & (SIZE_MAX >> 1);
-        body_->isAscii = ascii_;
-        result = Access::adoptString(body_);
-        body_ = nullptr;
+        auto* const body = static_cast<StringBody*>(allocated_);
+        body->references = 1;
+        body->setForm(length_, isAscii(), false);
+        result = Access::adoptString(body);
+        allocated_ = nullptr;
     }
-    ::operator delete(body_);
+    ::operator delete(allocated_);
     reset();
     return result;
 }

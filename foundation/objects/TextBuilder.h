@@ -12,27 +12,32 @@ namespace ZQFoundation::detail {
 
 /// Builds a text piece by piece: short ones in the builder itself (so on the stack), long ones in the body
 /// that becomes the string. Bytes as long as all is ASCII, units from the first other unit on.
+///
+/// The other kind of builder makes the bytes of a log line: UTF-8, in memory that the caller lends and, when
+/// that is full, in memory that a signal handler may take. It makes no string but `signalSafeString`.
 class TextBuilder {
 public:
     TextBuilder() noexcept = default;
+    TextBuilder(char* lent, std::size_t capacity) noexcept
+        : data_(lent), capacityBytes_(capacity), form_(Form::utf8) {}
     TextBuilder(const TextBuilder&) = delete;
     TextBuilder& operator=(const TextBuilder&) = delete;
     ~TextBuilder() {
-        if (body_ != nullptr) {
-            ::operator delete(body_);
+        if (allocated_ != nullptr) {
+            release(allocated_);
         }
     }
 
-    /// Units.
+    /// Units; bytes for UTF-8.
     std::size_t length() const noexcept { return length_; }
-    bool isAscii() const noexcept { return ascii_; }
+    bool isAscii() const noexcept { return form_ == Form::ascii; }
     /// Only while `isAscii()`, and until the next append.
     const char* asciiData() const noexcept { return static_cast<const char*>(data_); }
-    /// Only while not `isAscii()`, and until the next append.
+    /// Only for units, and until the next append.
     const char16_t* unitData() const noexcept { return static_cast<const char16_t*>(data_); }
 
     void appendAscii(const char* bytes, std::size_t count) {
-        if (ascii_ && count <= capacityBytes_ - length_) [[likely]] {
+        if (holdsBytes() && count <= capacityBytes_ - length_) [[likely]] {
             std::memcpy(static_cast<char*>(data_) + length_, bytes, count);
             length_ += count;
         } else {
@@ -70,23 +75,45 @@ public:
     /// Drops everything from unit `length` on.
     void truncate(std::size_t length) noexcept { length_ = length; }
 
-    /// The text built so far; the builder is empty afterwards. A long text is not copied.
+    /// The text built so far; the builder is empty afterwards. A long text is not copied. Not for UTF-8.
     NSString string();
+
+    // Only for UTF-8.
+
+    /// Until the next append.
+    char* bytes() noexcept { return static_cast<char*>(data_); }
+
+    /// Unpaired surrogates, which two appends may bring together, become U+FFFD.
+    void replaceUnpairedSurrogates() noexcept;
+
+    /// The text from that byte on, with its unpaired surrogates, as a string that a signal handler may make
+    /// and take apart.
+    NSString signalSafeString(std::size_t start = 0) const;
 
     static constexpr std::size_t inlineBytes = 480;
 
 private:
+    enum class Form : unsigned char { ascii, units, utf8 };
+
+    bool holdsBytes() const noexcept { return form_ != Form::units; }
     void appendAsciiSlowly(const char* bytes, std::size_t count);
+    void appendUnitsAsUtf8(const char16_t* units, std::size_t count);
+    void appendWithSurrogates(const char16_t* units, std::size_t count);
+    void appendSurrogate(char16_t surrogate);
+    void appendIllFormed(const char* bytes, std::size_t count);
     void growTo(std::size_t bytes);
     void makeRoom(std::size_t moreUnits);
     void widen(std::size_t moreUnits);
+    void release(void* memory) const noexcept;
     void reset() noexcept;
 
     void* data_ = inline_;
     std::size_t length_ = 0;
     std::size_t capacityBytes_ = inlineBytes;
-    StringBody* body_ = nullptr; // null while the text stands inline
-    bool ascii_ = true;
+    void* allocated_ =
+        nullptr; // null while the text stands inline, or in lent memory; else a body, or plain bytes
+    Form form_ = Form::ascii;
+    bool hasUnpaired_ = false; // perhaps; in UTF-8 each stands as three bytes of its own
     alignas(char16_t) char inline_[inlineBytes];
 };
 

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: MIT
+// The head of a line, and its way into descriptor 2 whatever that is.
 #include "foundation/process/LineWriter.h"
+
+#include <cerrno>
+#include <cstring>
 
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
-#include <new>
-
-#include "foundation/objects/NSString.h"
 #include "foundation/process/ProcessIdentity.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/Lock.h"
 #include "foundation/system/System.h"
 #include "foundation/text/NumberText.h"
-#include "foundation/text/Utf.h"
 #include "foundation/time/LocalTimeText.h"
 
 namespace ZQFoundation::detail {
@@ -26,24 +24,6 @@ namespace {
 /// pieces.
 constinit Lock writerLock;
 
-/// Whether this thread is between asking for the lock and having given it back. A handler that interrupts it
-/// there must not ask again.
-constinit thread_local bool isWriting = false;
-
-class WritingScope {
-public:
-    WritingScope() noexcept {
-        isWriting = true;
-        __atomic_signal_fence(__ATOMIC_SEQ_CST);
-    }
-    WritingScope(const WritingScope&) = delete;
-    WritingScope& operator=(const WritingScope&) = delete;
-    ~WritingScope() {
-        __atomic_signal_fence(__ATOMIC_SEQ_CST);
-        isWriting = false;
-    }
-};
-
 /// Where a line broke off half-way, so that the next one there starts on a line of its own.
 struct TornLine {
     bool isTorn;
@@ -52,38 +32,6 @@ struct TornLine {
 };
 
 constinit TornLine tornLine{};
-
-constexpr std::size_t inlineBytes = 2048;
-
-/// The bytes of one line: on the stack when they fit.
-class LineBuffer {
-public:
-    explicit LineBuffer(std::size_t capacity)
-        : start_(capacity > inlineBytes ? static_cast<char*>(::operator new(capacity)) : inline_),
-          end_(start_) {}
-    LineBuffer(const LineBuffer&) = delete;
-    LineBuffer& operator=(const LineBuffer&) = delete;
-    ~LineBuffer() {
-        if (start_ != inline_) {
-            ::operator delete(start_);
-        }
-    }
-
-    char* start() noexcept { return start_; }
-    char* end() noexcept { return end_; }
-    void setEnd(char* end) noexcept { end_ = end; }
-
-    void append(const char* bytes, std::size_t count) noexcept {
-        std::memcpy(end_, bytes, count);
-        end_ += count;
-    }
-    void append(char character) noexcept { *end_++ = character; }
-
-private:
-    char* start_;
-    char* end_;
-    char inline_[inlineBytes];
-};
 
 char* writeHex(std::uint64_t number, char* out) noexcept {
     int shift = 60;
@@ -96,32 +44,27 @@ char* writeHex(std::uint64_t number, char* out) noexcept {
     return out;
 }
 
-/// The numbers of process and thread, the characters between, and the line feed.
-constexpr std::size_t prefixBytesWithoutName = localTimeTextCapacity + 2 * numberTextCapacity + 8;
+// In front of a line's own bytes stands room for its date, which ends where that room ends, and for the line
+// feed that completes a half line.
+constexpr std::size_t dateEnd = 1 + localTimeTextCapacity;
 
-void appendPrefix(LineBuffer& line, const ProcessIdentity& process) noexcept {
-    line.setEnd(writeLocalTime(currentInstant(), line.end()));
-    line.append(' ');
-    line.append(process.name, process.nameLength);
-    line.append('[');
-    line.setEnd(writeInt64(process.pid, line.end()));
-    line.append(':');
-    line.setEnd(writeHex(system::threadIdentifier(), line.end()));
-    line.append("] ", 2);
-}
+/// The numbers of process and thread, and the characters between.
+constexpr std::size_t headBytesWithoutName = dateEnd + 2 * numberTextCapacity + 5;
 
-/// UTF-8 of any text; what has no UTF-8 form becomes a replacement character.
-std::size_t utf8Size(StringView text) noexcept {
-    return text.form() == StringView::Form::utf16 ? utf8Length(text.units(), text.size(), IllFormed::replace)
-                                                  : text.size();
-}
-
-void appendText(LineBuffer& line, StringView text, std::size_t size) noexcept {
-    if (text.form() == StringView::Form::utf16) {
-        line.setEnd(utf16ToUtf8(text.units(), text.size(), line.end(), IllFormed::replace));
-    } else if (size != 0) {
-        line.append(text.bytes(), size);
-    }
+/// The head but for the date, which is that of the writing.
+char* writeHead(const ProcessIdentity& process, char* out) noexcept {
+    std::memset(out, ' ', dateEnd);
+    out += dateEnd;
+    *out++ = ' ';
+    std::memcpy(out, process.name, process.nameLength);
+    out += process.nameLength;
+    *out++ = '[';
+    out = writeInt64(system::processIdentifier(), out);
+    *out++ = ':';
+    out = writeHex(system::threadIdentifier(), out);
+    *out++ = ']';
+    *out++ = ' ';
+    return out;
 }
 
 /// False when the descriptor is beyond waiting for.
@@ -155,54 +98,65 @@ void rememberTear() noexcept {
     }
 }
 
-void mendTear() noexcept {
+/// Whether descriptor 2 leads where a line broke off, and that is still there. If not, the line is nobody's
+/// business any more.
+bool leadsToTornLine() noexcept {
     struct stat status {};
-    const bool isSamePlace = fstat(STDERR_FILENO, &status) == 0 && status.st_dev == tornLine.device &&
-                             status.st_ino == tornLine.inode;
-    if (!isSamePlace || writeAll("\n", 1) == 1) {
-        tornLine.isTorn = false;
-    }
+    tornLine.isTorn = fstat(STDERR_FILENO, &status) == 0 && status.st_dev == tornLine.device &&
+                      status.st_ino == tornLine.inode && (!S_ISREG(status.st_mode) || status.st_size != 0);
+    return tornLine.isTorn;
 }
 
-void writeWhole(const char* bytes, std::size_t count) noexcept {
-    if (tornLine.isTorn) {
-        mendTear();
+/// In front of the bytes is room for one more: the line feed that completes a half line goes out with the
+/// line that follows it, or not at all.
+void writeWhole(char* bytes, std::size_t count) noexcept {
+    const bool completes = tornLine.isTorn && leadsToTornLine();
+    if (completes) {
+        *--bytes = '\n';
+        ++count;
     }
     const std::size_t written = writeAll(bytes, count);
-    if (written != 0 && written != count) {
+    if (written == 0) {
+        return;
+    }
+    tornLine.isTorn = false;
+    if (written != count && !(completes && written == 1)) {
         rememberTear();
     }
 }
 
-/// Ill-formed UTF-8 in a text argument goes the way through units, which replaces it.
-bool isPlainBytes(StringView text) noexcept {
-    return text.form() != StringView::Form::utf8 || isWellFormedUtf8(text.bytes(), text.size());
-}
-
 } // namespace
 
-void writeLine(StringView text) {
-    const CallerState callerState;
-    if (!isPlainBytes(text)) {
-        writeLine(NSString(text));
-        return;
-    }
+LogLine::LogLine() {
     const ProcessIdentity& process = processIdentity();
-    const std::size_t size = utf8Size(text);
-    LineBuffer line(prefixBytesWithoutName + process.nameLength + size);
-    appendPrefix(line, process);
-    appendText(line, text, size);
-    if (line.end()[-1] != '\n' || size == 0) {
-        line.append('\n');
+    char* const out = text_.reserveAscii(headBytesWithoutName + process.nameLength);
+    messageStart_ = static_cast<std::size_t>(writeHead(process, out) - out);
+    text_.commitAscii(messageStart_);
+}
+
+void LogLine::write() {
+    const CallerState callerState;
+    text_.replaceUnpairedSurrogates();
+    if (text_.length() == messageStart_ || text_.bytes()[text_.length() - 1] != '\n') {
+        text_.appendAscii('\n');
     }
-    const auto count = static_cast<std::size_t>(line.end() - line.start());
-    if (isWriting) { // a signal handler that interrupted this very write
-        writeAll(line.start(), count);
+    char date[localTimeTextCapacity];
+    const auto dateLength = static_cast<std::size_t>(writeLocalTime(currentInstant(), date) - date);
+    char* const start = text_.bytes() + dateEnd - dateLength;
+    std::memcpy(start, date, dateLength);
+    const std::size_t count = text_.length() - (dateEnd - dateLength);
+    if (writerLock.isHeldByThisThread()) { // a signal handler that interrupted this very write
+        writeAll(start, count);
         return;
     }
-    const WritingScope scope;
     const Guard guard(writerLock);
-    writeWhole(line.start(), count);
+    writeWhole(start, count);
+}
+
+void writeLine(StringView text) {
+    LogLine line;
+    line.text().append(text);
+    line.write();
 }
 
 } // namespace ZQFoundation::detail

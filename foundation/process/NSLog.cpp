@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/process/NSLog.h"
 
+#include "foundation/format/Format.h"
 #include "foundation/process/LineWriter.h"
 
 namespace ZQFoundation {
 
 void NSLogv(StringView format, ArgumentList arguments) {
     if (format) {
-        detail::writeLine(NSString::stringWithFormat_arguments(format, arguments));
+        detail::LogLine line;
+        detail::appendFormat(line.text(), format, arguments);
+        line.write();
     }
 }
 

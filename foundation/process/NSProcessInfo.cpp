@@ -33,7 +33,6 @@ struct IdentityRecord {
     std::string bytes; // what identity.name points to
     NSString name;
     NameSource source;
-    std::uint32_t generation;
     const IdentityRecord* previous; // all records ever made stay, since a log line may be reading any of them
 };
 
@@ -63,9 +62,9 @@ NSString nameFromArguments(NameSource& source) {
     return NSString::stringWithFileSystemBytes(name.data(), name.size());
 }
 
-const IdentityRecord* makeRecord(const NSString& name, NameSource source, std::uint32_t generation) {
-    auto* record = new IdentityRecord{{}, name.utf8(), name, source, generation, nullptr};
-    record->identity = {record->bytes.data(), record->bytes.size(), static_cast<int>(::getpid())};
+const IdentityRecord* makeRecord(const NSString& name, NameSource source) {
+    auto* record = new IdentityRecord{{}, name.utf8(), name, source, nullptr};
+    record->identity = {record->bytes.data(), record->bytes.size()};
     record->previous = allIdentities.load(std::memory_order_relaxed);
     while (!allIdentities.compare_exchange_weak(record->previous, record, std::memory_order_release,
                                                 std::memory_order_relaxed)) {
@@ -75,15 +74,13 @@ const IdentityRecord* makeRecord(const NSString& name, NameSource source, std::u
 
 /// A host that switches between a few names is served with the records of the first time.
 const IdentityRecord* recordFor(const NSString& name, NameSource source) {
-    const std::uint32_t generation = system::forkGeneration();
     for (const IdentityRecord* record = allIdentities.load(std::memory_order_acquire); record != nullptr;
          record = record->previous) {
-        if (record->generation == generation && record->source == source &&
-            record->name.isEqualToString(name)) {
+        if (record->source == source && record->name.isEqualToString(name)) {
             return record;
         }
     }
-    return makeRecord(name, source, generation);
+    return makeRecord(name, source);
 }
 
 const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
@@ -103,7 +100,7 @@ const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
 
 const IdentityRecord& identityRecord() {
     const IdentityRecord* record = currentIdentity.load(std::memory_order_acquire);
-    const bool current = record != nullptr && record->generation == system::forkGeneration() &&
+    const bool current = record != nullptr &&
                          (record->source == NameSource::arguments || record->source == NameSource::host) &&
                          overrides::arguments == nullptr;
     return current ? *record : refreshedIdentity(record);
@@ -151,7 +148,7 @@ void NSProcessInfo::setProcessName(const NSString& name) {
                                   std::memory_order_release);
 }
 
-int NSProcessInfo::processIdentifier() const { return detail::processIdentity().pid; }
+int NSProcessInfo::processIdentifier() const { return detail::system::processIdentifier(); }
 
 NSArray NSProcessInfo::arguments() const {
     const std::vector<std::string> arguments = detail::processArguments();

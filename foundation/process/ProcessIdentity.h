@@ -9,15 +9,14 @@
 
 namespace ZQFoundation::detail {
 
-/// Who this process is, ready for the prefix of a log line. Immutable and never destroyed.
+/// What this process is called, ready for the prefix of a log line. Immutable and never destroyed.
 struct ProcessIdentity {
     const char* name; ///< well-formed UTF-8, not NUL-ended
     std::size_t nameLength;
-    int pid;
 };
 
-/// The identity as it is now. One atomic load and no allocation, except at first use, in a new child process
-/// and after a change of the name. Any thread, at any time.
+/// The identity as it is now. One atomic load and no allocation, except at first use and after a change of
+/// the name. Any thread, at any time.
 const ProcessIdentity& processIdentity();
 
 /// The process's arguments, the program's own name first. Empty when they cannot be told at the moment; once

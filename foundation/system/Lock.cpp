@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
+// Locking where somebody holds the lock already: this thread, another one, or one that a fork has left
+// behind.
 #include "foundation/system/Lock.h"
+
+#include <bit>
 
 namespace ZQFoundation::detail {
 
@@ -21,60 +25,78 @@ void pauseBriefly(int times) noexcept {
 
 } // namespace
 
-bool Lock::relockByOwner(std::uint64_t self, std::uint32_t generation) noexcept {
-    const std::uint32_t seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-    if ((seen & held) == 0 || __atomic_load_n(&owner_, __ATOMIC_RELAXED) != self) {
+/// Whether the word keeps a thread of this process out: one of an older generation only when its holder is
+/// the thread that forked.
+bool Lock::isHeldIn(std::uint64_t word, std::uint64_t mine) noexcept {
+    return (word & generationMask) == (mine & generationMask) ||
+           isSameThread(word, wordOf(system::forkingThread()));
+}
+
+bool Lock::isHeldByThisThread() const noexcept {
+    const std::uint64_t word = __atomic_load_n(&word_, __ATOMIC_RELAXED);
+    const std::uint64_t mine = wordOfThisThread();
+    return word != 0 && isSameThread(word, mine) && isHeldIn(word, mine);
+}
+
+/// Whether this thread held the lock already and is now one level deeper.
+bool Lock::relockByHolder(std::uint64_t mine) noexcept {
+    if (!isHeldByThisThread()) {
         return false;
     }
-    if ((seen & ~held) != generation) {
-        if (!system::isForkingThread(self)) {
-            return false;
-        }
-        // It held the lock while it forked, and still does.
-        __atomic_store_n(&word_, generation | held, __ATOMIC_RELAXED);
-    }
-    ++depth_;
+    __atomic_store_n(&word_, mine,
+                     __ATOMIC_RELAXED); // of the new generation, if it held the lock while it forked
+    ++furtherLevels_;
     return true;
 }
 
-bool Lock::lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept {
-    if (relockByOwner(self, generation)) {
-        return true;
+void Lock::lockSlowly(std::uint64_t mine) noexcept {
+    if (relockByHolder(mine)) {
+        return;
     }
     bool hasSlept = false;
-    int pause = 1;
-    for (int rounds = 0;; ++rounds) {
-        std::uint32_t seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-        if ((seen & held) == 0 || !isHeldIn(seen, generation)) {
-            if (__atomic_compare_exchange_n(&word_, &seen, generation | held, false, __ATOMIC_ACQUIRE,
-                                            __ATOMIC_RELAXED)) {
+    std::uint64_t seen = 0;
+    for (int rounds = 0, pause = 1;; ++rounds) {
+        seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
+        if (seen == 0 || !isHeldIn(seen, mine)) {
+            if (__atomic_compare_exchange_n(&word_, &seen, mine, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED)) {
                 break;
             }
         } else if (rounds < roundsBeforeSleep) {
             pauseBriefly(pause);
             pause = pause < longestPause ? pause * 2 : longestPause;
         } else {
-            __atomic_store_n(&someoneSleeps_, true, __ATOMIC_RELAXED);
-            system::waitBriefly(&word_, seen);
+            sleepWhile(seen);
             hasSlept = true;
         }
+    }
+    if (seen != 0) { // left held at a fork, perhaps on several levels
+        furtherLevels_ = 0;
     }
     if (hasSlept) { // perhaps not alone: the next unlock wakes another
         __atomic_store_n(&someoneSleeps_, true, __ATOMIC_RELAXED);
     }
-    return false;
 }
 
-bool Lock::isHeldIn(std::uint32_t word, std::uint32_t generation) const noexcept {
-    return (word & ~held) == generation ||
-           system::isForkingThread(__atomic_load_n(&owner_, __ATOMIC_RELAXED));
+namespace {
+
+/// The half of the word that holds the generation. It is 0 for a held lock once in very many forks, and then
+/// sleeps are over at once.
+const std::uint32_t* lowHalf(const std::uint64_t* word) noexcept {
+    return reinterpret_cast<const std::uint32_t*>(word) + (std::endian::native == std::endian::big ? 1 : 0);
+}
+
+} // namespace
+
+void Lock::sleepWhile(std::uint64_t seen) noexcept {
+    __atomic_store_n(&someoneSleeps_, true, __ATOMIC_RELAXED);
+    system::waitBriefly(lowHalf(&word_), static_cast<std::uint32_t>(seen));
 }
 
 // An unlock that reads the flag a moment before a thread sets it wakes nobody. Sleeps are brief for that
 // reason, and unlocking needs no second locked instruction.
 void Lock::wakeSleeper() noexcept {
     __atomic_store_n(&someoneSleeps_, false, __ATOMIC_RELAXED);
-    system::wakeOne(&word_);
+    system::wakeOne(lowHalf(&word_));
 }
 
 } // namespace ZQFoundation::detail

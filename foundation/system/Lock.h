@@ -10,8 +10,9 @@
 namespace ZQFoundation::detail {
 
 /// A lock that a forked child finds free, whoever held it in the parent. What it guards must therefore be
-/// replaced by one store, never changed piecemeal. Recursive; constant-initialised and never destroyed, so it
-/// works before `main` and after it. Usable with `Guard`.
+/// replaced by one store, never changed piecemeal. Recursive, also for a signal handler that interrupts the
+/// holder at any instruction; constant-initialised and never destroyed, so it works before `main` and after
+/// it. Usable with `Guard`.
 class Lock {
 public:
     constexpr Lock() noexcept = default;
@@ -19,29 +20,30 @@ public:
     Lock& operator=(const Lock&) = delete;
 
     void lock() noexcept {
-        const std::uint64_t self = currentThread();
-        const std::uint32_t generation = system::forkGeneration() << 1;
-        std::uint32_t expected = generation;
-        if (!__atomic_compare_exchange_n(&word_, &expected, generation | held, false, __ATOMIC_ACQUIRE,
-                                         __ATOMIC_RELAXED)) [[unlikely]] {
-            if (lockSlowly(self, generation)) {
-                return;
-            }
+        const std::uint64_t mine = wordOfThisThread();
+        std::uint64_t expected = 0;
+        if (!__atomic_compare_exchange_n(&word_, &expected, mine, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED))
+            [[unlikely]] {
+            lockSlowly(mine);
         }
-        __atomic_store_n(&owner_, self, __ATOMIC_RELAXED);
-        depth_ = 1;
     }
 
     void unlock() noexcept {
-        if (--depth_ != 0) {
+        if (furtherLevels_ != 0) [[unlikely]] {
+            --furtherLevels_;
             return;
         }
-        __atomic_store_n(&owner_, 0, __ATOMIC_RELAXED);
-        __atomic_store_n(&word_, system::forkGeneration() << 1, __ATOMIC_RELEASE);
+        __atomic_store_n(&word_, 0, __ATOMIC_RELEASE);
         if (__atomic_load_n(&someoneSleeps_, __ATOMIC_RELAXED)) [[unlikely]] {
             wakeSleeper();
         }
     }
+
+    /// Only for the thread's own information: for any other thread the answer may be old.
+    bool isHeldByThisThread() const noexcept;
+
+    /// Only for the holder: whether it has locked it more than once.
+    bool isHeldAgain() const noexcept { return furtherLevels_ != 0; }
 
     /// Unlike any other living thread's number.
     static std::uint64_t currentThread() noexcept {
@@ -53,23 +55,31 @@ public:
     }
 
 private:
-    // The word holds the fork generation above this bit. A word of an older generation was locked by a thread
-    // that the child does not have (or by the one that forked), so it counts as free.
-    static constexpr std::uint32_t held = 1;
+    // The word is 0, or says who holds the lock and in which process: one store takes the lock and names its
+    // holder. Threads are known by an address, of 48 bits and divisible by 8; below it stand the low bits of
+    // the fork generation. A word of another generation was left by a thread that this process does not have
+    // (or by the one that forked), so it counts as free.
+    static constexpr int generationBits = 64 - (48 - 3);
+    static constexpr std::uint64_t generationMask = (std::uint64_t{1} << generationBits) - 1;
 
-    /// True when this thread held the lock already and is now one level deeper.
-    bool lockSlowly(std::uint64_t self, std::uint32_t generation) noexcept;
-    /// Of a word whose state is not free: an older generation counts only when its holder is the thread that
-    /// forked.
-    bool isHeldIn(std::uint32_t word, std::uint32_t generation) const noexcept;
-    bool relockByOwner(std::uint64_t self, std::uint32_t generation) noexcept;
+    static std::uint64_t wordOf(std::uint64_t thread) noexcept { return thread >> 3 << generationBits; }
+    static std::uint64_t wordOfThisThread() noexcept {
+        return wordOf(currentThread()) | (system::forkGeneration() & generationMask);
+    }
+    static bool isSameThread(std::uint64_t word, std::uint64_t other) noexcept {
+        return (word ^ other) >> generationBits == 0;
+    }
+    static bool isHeldIn(std::uint64_t word, std::uint64_t mine) noexcept;
 
+    void lockSlowly(std::uint64_t mine) noexcept;
+    bool relockByHolder(std::uint64_t mine) noexcept;
+    void sleepWhile(std::uint64_t seen) noexcept;
     void wakeSleeper() noexcept;
 
-    std::uint32_t word_ = 0;
+    std::uint64_t word_ = 0;
+    /// How often the holder has locked it once more: 0 whenever it is free, and written by the holder alone.
+    std::uint32_t furtherLevels_ = 0;
     bool someoneSleeps_ = false;
-    std::uint32_t depth_ = 0;
-    std::uint64_t owner_ = 0;
 };
 
 /// Holds a lock for a scope, also when an exception leaves it.

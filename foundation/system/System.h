@@ -44,7 +44,7 @@ std::vector<std::string> releaseFiles();
 /// The kernel's release, such as "6.1.0-28-amd64"; empty when it cannot be told.
 std::string kernelRelease();
 
-/// The number by which the system knows the calling thread.
+/// The number by which the system knows the calling thread. Needs no memory, so a signal handler may ask.
 std::uint64_t threadIdentifier() noexcept;
 
 /// Writes like `write`, but a reader that is gone or a file-size limit shows as an error and raises no
@@ -56,22 +56,30 @@ std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept;
 void wakeOne(const std::uint32_t* word) noexcept;
 
-/// The count behind `forkGeneration`: 0 until somebody asks, so that a process which never does pays nothing.
-extern std::uint32_t forkGenerationCount;
-std::uint32_t firstForkGeneration() noexcept;
+/// Where the number of this process image stands: 0 in one that has not asked yet, a new child among them.
+extern std::uint32_t* forkGenerationWord;
+std::uint32_t beginForkGeneration() noexcept;
 
 /// How often this process image has been forked from another since the library was first asked: a child sees
-/// a greater number than its parent. Costs one load.
+/// a greater number than its parent. Costs two loads.
 inline std::uint32_t forkGeneration() noexcept {
-    const std::uint32_t count = __atomic_load_n(&forkGenerationCount, __ATOMIC_RELAXED);
-    return count != 0 ? count : firstForkGeneration();
+    const std::uint32_t* const word = __atomic_load_n(&forkGenerationWord, __ATOMIC_ACQUIRE);
+    const std::uint32_t generation = __atomic_load_n(word, __ATOMIC_ACQUIRE);
+    return generation != 0 ? generation : beginForkGeneration();
 }
+
+/// A word of 0 that is 0 again in each child process, by whatever call that is made, or null where the system
+/// has nothing of the kind.
+std::uint32_t* wordClearedByFork() noexcept;
+
+/// This process's number; a system call only where `forkGeneration` is new.
+int processIdentifier() noexcept;
 
 /// A number that no other living thread has; cheaper than `threadIdentifier`, and nothing to show.
 std::uint64_t threadNumber() noexcept;
 
-/// True for the thread that lives on from the last fork: it still holds what it held.
-bool isForkingThread(std::uint64_t thread) noexcept;
+/// The thread that lives on from the last fork, by `Lock`'s number: it still holds what it held.
+std::uint64_t forkingThread() noexcept;
 
 /// Unpredictable for others, the same all through the process.
 std::uint64_t randomNumber() noexcept;

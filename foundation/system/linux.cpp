@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
-#include <linux/futex.h>
 #include <linux/magic.h>
 #include <sys/auxv.h>
 #include <sys/random.h>
@@ -70,31 +69,6 @@ void discardPendingSignal(int signal) noexcept {
     const timespec now{};
     while (sigtimedwait(&wanted, nullptr, &now) == -1 && errno == EINTR) {
     }
-}
-
-void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
-    const int callersError = errno;
-    const timespec brief{0, 1000000};
-    syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, &brief, nullptr, 0);
-    errno = callersError;
-}
-
-void wakeOne(const std::uint32_t* word) noexcept {
-    const int callersError = errno;
-    syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
-    errno = callersError;
-}
-
-std::uint64_t threadIdentifier() noexcept {
-    // The number of the forking thread changes in the child, so it is remembered for one generation only.
-    static constinit thread_local std::uint64_t remembered = 0;
-    static constinit thread_local std::uint32_t rememberedIn = 0;
-    const std::uint32_t generation = forkGeneration();
-    if (rememberedIn != generation) {
-        remembered = static_cast<std::uint64_t>(syscall(SYS_gettid));
-        rememberedIn = generation;
-    }
-    return remembered;
 }
 
 std::uint64_t randomNumber() noexcept {

@@ -63,6 +63,8 @@ void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
 
 void wakeOne(const std::uint32_t*) noexcept { pthread_cond_broadcast(&sleepersCondition); }
 
+std::uint32_t* wordClearedByFork() noexcept { return nullptr; }
+
 std::uint64_t threadIdentifier() noexcept {
     std::uint64_t number = 0;
     pthread_threadid_np(nullptr, &number);

@@ -16,23 +16,66 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
-constinit std::uint64_t forkingThread = 0;
+constinit std::uint64_t threadThatForked = 0;
+constinit int ownIdentifier = 0;
+constinit std::uint32_t lastGeneration = 0;
 
+constinit std::uint32_t noGeneration = 0;      // stays 0
+constinit std::uint32_t wordThatForksCopy = 0; // where the system clears none
+
+/// Clears the word where the system has not done so. Another handler may have used the library before this
+/// one, which the word and the number then show.
 void noteForkInChild() {
-    __atomic_store_n(&forkingThread, Lock::currentThread(), __ATOMIC_RELAXED);
-    __atomic_add_fetch(&forkGenerationCount, 1, __ATOMIC_RELAXED);
+    std::uint32_t* const word = __atomic_load_n(&forkGenerationWord, __ATOMIC_RELAXED);
+    if (word == &noGeneration ||
+        (word != &wordThatForksCopy && __atomic_load_n(word, __ATOMIC_RELAXED) != 0 &&
+         ownIdentifier == ::getpid())) {
+        return;
+    }
+    __atomic_store_n(word, 0, __ATOMIC_RELAXED);
+    beginForkGeneration();
+}
+
+/// Two threads may both get here, and a fork may come in between: a handler that is registered twice finds
+/// its work done, and a word too many is a page.
+std::uint32_t* chooseWord() noexcept {
+    pthread_atfork(nullptr, nullptr, noteForkInChild);
+    std::uint32_t* fresh = wordClearedByFork();
+    if (fresh == nullptr) {
+        fresh = &wordThatForksCopy;
+    }
+    std::uint32_t* chosen = &noGeneration;
+    return __atomic_compare_exchange_n(&forkGenerationWord, &chosen, fresh, false, __ATOMIC_RELEASE,
+                                       __ATOMIC_ACQUIRE)
+               ? fresh
+               : chosen;
 }
 
 } // namespace
 
-constinit std::uint32_t forkGenerationCount = 0;
+constinit std::uint32_t* forkGenerationWord = &noGeneration;
 
-std::uint32_t firstForkGeneration() noexcept {
-    // Two threads may both get here; a handler registered twice only counts faster.
-    pthread_atfork(nullptr, nullptr, noteForkInChild);
-    std::uint32_t none = 0;
-    __atomic_compare_exchange_n(&forkGenerationCount, &none, 1, false, __ATOMIC_RELAXED, __ATOMIC_RELAXED);
-    return __atomic_load_n(&forkGenerationCount, __ATOMIC_RELAXED);
+// The thread that finds the word cleared is the one that has forked: a new child has no other.
+std::uint32_t beginForkGeneration() noexcept {
+    const int callersError = errno;
+    std::uint32_t* word = __atomic_load_n(&forkGenerationWord, __ATOMIC_ACQUIRE);
+    if (word == &noGeneration) {
+        word = chooseWord();
+    }
+    __atomic_store_n(&threadThatForked, Lock::currentThread(), __ATOMIC_RELAXED);
+    __atomic_store_n(&ownIdentifier, ::getpid(), __ATOMIC_RELAXED);
+    std::uint32_t generation = 0;
+    const std::uint32_t next = __atomic_add_fetch(&lastGeneration, 1, __ATOMIC_RELAXED);
+    if (__atomic_compare_exchange_n(word, &generation, next, false, __ATOMIC_RELEASE, __ATOMIC_ACQUIRE)) {
+        generation = next;
+    }
+    errno = callersError;
+    return generation;
+}
+
+int processIdentifier() noexcept {
+    forkGeneration();
+    return __atomic_load_n(&ownIdentifier, __ATOMIC_RELAXED);
 }
 
 std::uint64_t threadNumber() noexcept {
@@ -43,9 +86,7 @@ std::uint64_t threadNumber() noexcept {
     return number;
 }
 
-bool isForkingThread(std::uint64_t thread) noexcept {
-    return __atomic_load_n(&forkingThread, __ATOMIC_RELAXED) == thread;
-}
+std::uint64_t forkingThread() noexcept { return __atomic_load_n(&threadThatForked, __ATOMIC_RELAXED); }
 
 std::string kernelRelease() {
     utsname names{};

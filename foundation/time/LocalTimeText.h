@@ -16,9 +16,9 @@ inline constexpr std::size_t localTimeTextCapacity = 40;
 /// every year up to 9999. Nearest millisecond, half up; years before 1 count backwards from 1, as those of an
 /// era do.
 ///
-/// The same text as a date formatter's for "yyyy-MM-dd HH:mm:ss.SSS", only faster: no allocation, no lock (a
-/// call that meets a new TZ setting reads its zone file first). `out` has room for `localTimeTextCapacity`
-/// bytes; no NUL is written; returns the end.
+/// The same text as a date formatter's for "yyyy-MM-dd HH:mm:ss.SSS", only faster: no allocation, no lock
+/// (the first call reads the zone's file). `out` has room for `localTimeTextCapacity` bytes; no NUL is
+/// written; returns the end.
 char* writeLocalTime(Instant instant, char* out) noexcept;
 
 } // namespace ZQFoundation::detail

@@ -42,7 +42,7 @@ NSTimeZone NSTimeZone::systemTimeZone() noexcept {
     return zone != nullptr ? NSTimeZone(zone) : NSTimeZone(0, Form::fixed);
 }
 
-void NSTimeZone::resetSystemTimeZone() noexcept { detail::forgetProcessZone(); }
+void NSTimeZone::resetSystemTimeZone() noexcept { detail::rereadProcessZone(); }
 
 NSTimeZone NSTimeZone::timeZoneWithName(StringView name) {
     char bytes[256];

@@ -21,18 +21,17 @@ public:
     constexpr NSTimeZone() noexcept = default;
     constexpr NSTimeZone(std::nullptr_t) noexcept {}
 
-    /// The process's zone: what the environment variable TZ says at the time of the call, else the system's
-    /// setting. TZ may hold a name ("Europe/Berlin"), the path of a zone file, either after a colon, or a
-    /// rule
-    /// ("CET-1CEST,M3.5.0,M10.5.0/3"). Empty, unreadable or meaningless: UTC. Never nil. Takes no lock, so it
-    /// is safe in a forked child; like every reader of the environment it must not run while another thread
-    /// changes it.
+    /// The process's zone: what the environment variable TZ said at the first use of the zone, or at the last
+    /// `resetSystemTimeZone`, else the system's setting. TZ may hold a name ("Europe/Berlin"), the path of a
+    /// zone file, either after a colon, or a rule ("CET-1CEST,M3.5.0,M10.5.0/3"). Empty, unreadable or
+    /// meaningless: UTC. Never nil. Takes no lock, so it is safe in a forked child.
     static NSTimeZone systemTimeZone() noexcept;
 
     /// The same zone as `systemTimeZone`.
     static NSTimeZone defaultTimeZone() noexcept { return systemTimeZone(); }
 
-    /// Makes the next use of the process's zone read its file again.
+    /// Reads TZ and the zone's file again. Call it after a change of either; log lines and calendars follow
+    /// from then on. As every reader of the environment, it must not run while another thread changes that.
     static void resetSystemTimeZone() noexcept;
 
     /// The zone of that name ("Europe/Berlin", "UTC") among the system's zone files: those in the folder that

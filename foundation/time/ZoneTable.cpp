@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "foundation/system/CallerState.h"
+#include "foundation/system/Descriptor.h"
 #include "foundation/system/System.h"
 #include "foundation/time/ZoneRules.h"
 
@@ -36,78 +37,52 @@ constexpr std::size_t greatestNameLength = 255;
 constexpr char defaultFolder[] = "/usr/share/zoneinfo";
 constexpr char localZoneFile[] = "/etc/localtime";
 
-/// A value of the TZ variable and the zone it means.
-struct Setting {
-    Setting* next = nullptr;
-    bool isSet = false;
-    std::string value;
-    std::atomic<const Zone*> zone{nullptr};
-    std::atomic<std::uint32_t> generation{0}; ///< the one in which the zone was looked up
-
-    bool matches(const char* current) const noexcept {
-        return current == nullptr ? !isSet : isSet && std::strcmp(value.c_str(), current) == 0;
-    }
-};
-
-// Lists that only ever grow, at their heads.
+/// All zones, in a list that only ever grows, at its head.
 constinit std::atomic<Zone*> zones{nullptr};
-constinit std::atomic<Setting*> settings{nullptr};
-constinit std::atomic<const Setting*> currentSetting{nullptr};
-constinit std::atomic<std::uint32_t> currentGeneration{0};
 
-template <class Node, class Predicate>
-Node* findNode(const std::atomic<Node*>& list, Predicate matches) {
-    Node* node = list.load(std::memory_order_acquire);
-    while (node != nullptr && !matches(*node)) {
-        node = node->next;
+/// Null until somebody asks.
+constinit std::atomic<const Zone*> ownZone{nullptr};
+
+template <class Predicate>
+Zone* findZone(Predicate matches) {
+    Zone* zone = zones.load(std::memory_order_acquire);
+    while (zone != nullptr && !matches(*zone)) {
+        zone = zone->next;
     }
-    return node;
+    return zone;
 }
 
-/// Adds the node unless another thread has just added one like it; returns the one that is in the list.
-template <class Node, class Predicate>
-Node* addNode(std::atomic<Node*>& list, std::unique_ptr<Node> node, Predicate matches) {
-    node->next = list.load(std::memory_order_acquire);
+bool areAlike(const Zone& left, const Zone& right) {
+    return left.source == right.source && left.name == right.name && left.rules == right.rules;
+}
+
+/// Adds the zone unless there is one like it; returns the one that is in the list.
+const Zone* addZone(std::unique_ptr<Zone> zone) {
+    zone->next = zones.load(std::memory_order_acquire);
     do {
-        for (Node* other = node->next; other != nullptr; other = other->next) {
-            if (matches(*other)) {
+        for (const Zone* other = zone->next; other != nullptr; other = other->next) {
+            if (areAlike(*other, *zone)) {
                 return other;
             }
         }
-    } while (!list.compare_exchange_weak(node->next, node.get(), std::memory_order_acq_rel,
-                                         std::memory_order_acquire));
-    return node.release();
+    } while (!zones.compare_exchange_weak(zone->next, zone.get(), std::memory_order_acq_rel,
+                                          std::memory_order_acquire));
+    return zone.release();
 }
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) noexcept : descriptor_(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-    }
-    int get() const noexcept { return descriptor_; }
-
-private:
-    const int descriptor_;
-};
 
 /// The bytes of a regular file, or nothing when there are more than zone data can have.
 std::optional<std::string> readZoneFile(const std::string& path) {
     // Without O_NONBLOCK a FIFO would keep us waiting for a writer.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    const Descriptor file(openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status = {};
-    if (file.get() < 0 || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_size <= 0 || static_cast<std::uint64_t>(status.st_size) > ZoneRules::greatestFileSize) {
+    if (!file || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
+        static_cast<std::uint64_t>(status.st_size) > ZoneRules::greatestFileSize) {
         return std::nullopt;
     }
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t filled = 0;
     while (filled < bytes.size()) {
-        const ssize_t count = read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        const ssize_t count = read(file.number(), bytes.data() + filled, bytes.size() - filled);
         if (count > 0) {
             filled += static_cast<std::size_t>(count);
         } else if (count == 0 || errno != EINTR) {
@@ -117,28 +92,23 @@ std::optional<std::string> readZoneFile(const std::string& path) {
     return bytes;
 }
 
-const Zone* addZone(std::string source, std::string name, std::optional<ZoneRules> rules) {
-    if (!rules) {
-        return nullptr;
-    }
-    std::unique_ptr<Zone> zone(new Zone{nullptr, std::move(source), std::move(name), std::move(*rules)});
+const Zone* zoneFromRules(std::string source, std::string name, std::optional<ZoneRules> rules) {
     // The same file may have been read before; only when it says something else now is it another zone.
-    const Zone& made = *zone;
-    return addNode(zones, std::move(zone), [&made](const Zone& other) {
-        return other.source == made.source && other.name == made.name && other.rules == made.rules;
-    });
+    return rules ? addZone(std::unique_ptr<Zone>(
+                       new Zone{nullptr, std::move(source), std::move(name), std::move(*rules)}))
+                 : nullptr;
 }
 
 const Zone* zoneFromFile(const std::string& path, std::string name) {
     const std::optional<std::string> bytes = readZoneFile(path);
-    return bytes ? addZone("file:" + path, std::move(name),
-                           ZoneRules::fromZoneData(bytes->data(), bytes->size()))
+    return bytes ? zoneFromRules("file:" + path, std::move(name),
+                                 ZoneRules::fromZoneData(bytes->data(), bytes->size()))
                  : nullptr;
 }
 
 const Zone* zoneFromNotation(std::string_view text, std::string_view name) {
-    return addZone("rule:" + std::string(text), std::string(name),
-                   ZoneRules::fromNotation(text.data(), text.size()));
+    return zoneFromRules("rule:" + std::string(text), std::string(name),
+                         ZoneRules::fromNotation(text.data(), text.size()));
 }
 
 bool isZoneName(std::string_view name) noexcept {
@@ -205,41 +175,24 @@ const Zone* zoneFromSetting(const char* value) {
     return zone != nullptr ? zone : zoneFromNotation(text, text);
 }
 
-/// Finds or makes the record of a setting, brings it up to date, and makes it the current one.
-const Zone* lookUpSetting(const char* value) {
-    const auto matches = [value](const Setting& setting) {
-        return setting.matches(value);
-    };
-    const std::uint32_t generation = currentGeneration.load(std::memory_order_acquire);
-    Setting* setting = findNode(settings, matches);
-    if (setting == nullptr || setting->generation.load(std::memory_order_acquire) != generation) {
-        const Zone* zone = zoneFromSetting(value);
-        if (zone == nullptr) {
-            zone = readNamedZone("UTC");
-        }
-        if (setting == nullptr) {
-            std::unique_ptr<Setting> made(new Setting{});
-            made->isSet = value != nullptr;
-            made->value = value != nullptr ? value : "";
-            made->zone.store(zone, std::memory_order_relaxed);
-            made->generation.store(generation, std::memory_order_relaxed);
-            setting = addNode(settings, std::move(made), matches);
-        } else {
-            setting->zone.store(zone, std::memory_order_release);
-            setting->generation.store(generation, std::memory_order_release);
-        }
-    }
-    currentSetting.store(setting, std::memory_order_release);
-    return setting->zone.load(std::memory_order_acquire);
-}
-
-[[gnu::noinline]] const Zone* lookUpSettingQuietly(const char* value) noexcept {
+/// Null when there is no memory.
+const Zone* readProcessZone() noexcept {
     const CallerState keeper;
     try {
-        return lookUpSetting(value);
+        const Zone* const zone = zoneFromSetting(system::environmentVariable("TZ"));
+        return zone != nullptr ? zone : readNamedZone("UTC");
     } catch (...) {
         return nullptr;
     }
+}
+
+/// Two threads may both read it; the first one's answer counts for both.
+[[gnu::noinline]] const Zone* firstProcessZone() noexcept {
+    const Zone* const zone = readProcessZone();
+    const Zone* known = nullptr;
+    return ownZone.compare_exchange_strong(known, zone, std::memory_order_acq_rel, std::memory_order_acquire)
+               ? zone
+               : known;
 }
 
 // A block of 4096 seconds has its number in the upper 40 bits, and the offset, made positive, in the
@@ -270,23 +223,21 @@ const Zone* namedZone(const char* name, std::size_t length) {
         return nullptr;
     }
     const std::string source = "file:" + pathOfZone(text);
-    const Zone* const known = findNode(
-        zones, [&source, text](const Zone& zone) { return zone.source == source && zone.name == text; });
+    const Zone* const known =
+        findZone([&source, text](const Zone& zone) { return zone.source == source && zone.name == text; });
     return known != nullptr ? known : readNamedZone(text);
 }
 
 const Zone* processZone() noexcept {
-    const char* const value = system::environmentVariable("TZ");
-    const Setting* const setting = currentSetting.load(std::memory_order_acquire);
-    if (setting != nullptr && setting->matches(value) &&
-        setting->generation.load(std::memory_order_acquire) ==
-            currentGeneration.load(std::memory_order_relaxed)) [[likely]] {
-        return setting->zone.load(std::memory_order_relaxed);
-    }
-    return lookUpSettingQuietly(value);
+    const Zone* const zone = ownZone.load(std::memory_order_acquire);
+    return zone != nullptr ? zone : firstProcessZone();
 }
 
-void forgetProcessZone() noexcept { currentGeneration.fetch_add(1, std::memory_order_acq_rel); }
+void rereadProcessZone() noexcept {
+    if (const Zone* const zone = readProcessZone()) {
+        ownZone.store(zone, std::memory_order_release);
+    }
+}
 
 const std::string& zoneName(const Zone& zone) noexcept { return zone.name; }
 

@@ -14,8 +14,8 @@
 ///
 /// Nothing here takes a lock: what threads share is replaced by one store, so a child that is forked while
 /// other threads are at work finds everything whole. Nothing needs to be initialised, and `errno` is
-/// preserved. The memory grows with the number of different zones and TZ settings that the process has used,
-/// not with how often it goes from one to another.
+/// preserved. The memory grows with the number of different zones that the process has used, not with how
+/// often it goes from one to another.
 namespace ZQFoundation::detail {
 
 struct Zone;
@@ -25,7 +25,8 @@ struct Zone;
 /// file.
 const Zone* namedZone(const char* name, std::size_t length);
 
-/// The process's zone, from the TZ variable as it is now. Null stands for UTC, when there is no memory.
+/// The process's zone, from the TZ variable as it was at the first call or the last `rereadProcessZone`.
+/// Null stands for UTC, when there is no memory.
 ///
 ///     unset                        /etc/localtime
 ///     "Europe/Berlin", ":..."      the zone of that name
@@ -33,11 +34,11 @@ const Zone* namedZone(const char* name, std::size_t length);
 ///     "CET-1CEST,M3.5.0,M10.5.0/3" that rule
 ///     "", or none of these         UTC
 ///
-/// A value is looked up once and remembered; tens of nanoseconds after that.
+/// One load, and the environment is not asked: another thread of the host may be changing it.
 const Zone* processZone() noexcept;
 
-/// Makes `processZone` look its value and its file up again.
-void forgetProcessZone() noexcept;
+/// Reads the variable and the zone's file again; keeps the zone when there is no memory.
+void rereadProcessZone() noexcept;
 
 const std::string& zoneName(const Zone& zone) noexcept;
 bool sameZone(const Zone& left, const Zone& right) noexcept;

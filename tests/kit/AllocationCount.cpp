@@ -2,6 +2,7 @@
 // Stands before the allocator of the test program and counts.
 #include "tests/kit/AllocationCount.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -21,6 +22,10 @@ namespace {
 
 // Not `thread_local` with an initialiser that runs: this is used before anything else in the program.
 constinit thread_local std::size_t allocations = 0;
+constinit thread_local std::size_t greatestCount = SIZE_MAX;
+
+/// Counts one; false when it is to fail.
+[[maybe_unused]] bool mayAllocate() { return ++allocations <= greatestCount; }
 
 } // namespace
 
@@ -48,24 +53,18 @@ void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
 void* __libc_realloc(void* block, std::size_t size) noexcept;
 void* __libc_memalign(std::size_t alignment, std::size_t size) noexcept;
 
-void* malloc(std::size_t size) noexcept {
-    ++allocations;
-    return __libc_malloc(size);
-}
+void* malloc(std::size_t size) noexcept { return mayAllocate() ? __libc_malloc(size) : nullptr; }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
-    ++allocations;
-    return __libc_calloc(count, size);
+    return mayAllocate() ? __libc_calloc(count, size) : nullptr;
 }
 
 void* realloc(void* block, std::size_t size) noexcept {
-    ++allocations;
-    return __libc_realloc(block, size);
+    return mayAllocate() ? __libc_realloc(block, size) : nullptr;
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-    ++allocations;
-    return __libc_memalign(alignment, size);
+    return mayAllocate() ? __libc_memalign(alignment, size) : nullptr;
 }
 
 } // extern "C"
@@ -73,11 +72,11 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
 #else
 
 void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* block = std::malloc(size == 0 ? 1 : size)) {
-        return block;
+    void* const block = mayAllocate() ? std::malloc(size == 0 ? 1 : size) : nullptr;
+    if (block == nullptr) {
+        throw std::bad_alloc();
     }
-    throw std::bad_alloc();
+    return block;
 }
 
 void operator delete(void* block) noexcept { std::free(block); }
@@ -86,7 +85,9 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 #endif
 
-std::size_t ZQFoundation::kit::AllocationCount::now() {
+namespace ZQFoundation::kit {
+
+std::size_t AllocationCount::now() {
 #if defined(ZQ_TEST_SANITIZER_HOOKS)
     if (!hooksAreInstalled) {
         std::abort();
@@ -94,3 +95,11 @@ std::size_t ZQFoundation::kit::AllocationCount::now() {
 #endif
     return allocations;
 }
+
+AllocationLimit::AllocationLimit(std::size_t limit) { greatestCount = allocations + limit; }
+
+AllocationLimit::~AllocationLimit() { greatestCount = SIZE_MAX; }
+
+bool AllocationLimit::wasReached() const { return allocations > greatestCount; }
+
+} // namespace ZQFoundation::kit

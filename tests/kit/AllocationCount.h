@@ -14,6 +14,19 @@ struct AllocationCount {
     static std::size_t now();
 };
 
+/// For its lifetime at most `limit` further allocations of the calling thread succeed. Not where a sanitizer
+/// brings an allocator of its own.
+class AllocationLimit {
+public:
+    explicit AllocationLimit(std::size_t limit);
+    AllocationLimit(const AllocationLimit&) = delete;
+    AllocationLimit& operator=(const AllocationLimit&) = delete;
+    ~AllocationLimit();
+
+    /// Whether an allocation has failed since.
+    bool wasReached() const;
+};
+
 } // namespace ZQFoundation::kit
 
 #endif

@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,10 +14,11 @@
 #include <time.h>
 
 #include "foundation/system/TestOverrides.h"
+#include "foundation/time/NSTimeZone.h"
 
 namespace ZQFoundation::kit {
 
-/// An environment variable set, or unset by a null pointer, for a scope.
+/// An environment variable set, or unset by a null pointer, for a scope. The process's zone follows TZ.
 class Variable {
 public:
     Variable(const char* name, const char* value) : name_(name) {
@@ -34,6 +36,9 @@ public:
             ::setenv(name_, value, 1);
         } else {
             ::unsetenv(name_);
+        }
+        if (std::strcmp(name_, "TZ") == 0) {
+            NSTimeZone::resetSystemTimeZone();
         }
     }
 

@@ -161,7 +161,7 @@ TEST(ConcurrentRedirection, leavesTheDocumentsOfOtherThreadsAlone) {
     const std::string content(100, 'd');
     int documents = 0;
     std::thread host([&] {
-        for (; !stop; ++documents) {
+        for (; !stop || documents < 50; ++documents) {
             std::string path = folder / "document";
             path.append(std::to_string(documents % 50));
             const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
@@ -177,7 +177,6 @@ TEST(ConcurrentRedirection, leavesTheDocumentsOfOtherThreadsAlone) {
     stop = true;
     host.join();
     threads.finish();
-    EXPECT_GE(documents, 50);
     for (int number = 0; number < 50; ++number) {
         std::string path = folder / "document";
         path.append(std::to_string(number));

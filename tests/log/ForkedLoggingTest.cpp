@@ -311,4 +311,23 @@ TEST(ForkedLogging, worksWhenTheForkMeetsTheVeryFirstCalls) {
 
 #endif
 
+#ifdef ZQ_TEST_FORKS_IN_EVERY_WAY
+
+TEST(ForkedLogging, worksHoweverTheForkIsMadeAndInHandlersThatComeBeforeTheLibrarysOwn) {
+    const scene::Folder folder;
+    const Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    EXPECT_EQ(run({childProgram("forks-in-every-way"), folder / "log"}, nowhere.number(), 60), "");
+    std::vector<std::string> who;
+    const std::string bytes = scene::contentsOf(folder / "log");
+    for (std::string_view rest = bytes; !rest.empty(); rest.remove_prefix(rest.find('\n') + 1)) {
+        const Prefix prefix = prefixOf(rest);
+        const std::string_view text = rest.substr(prefix.length, rest.find('\n') - prefix.length);
+        EXPECT_EQ(text.substr(text.find(' ') + 1), prefix.pid);
+        who.emplace_back(text.substr(0, text.find(' ')));
+    }
+    EXPECT_EQ(who, (std::vector<std::string>{"handler", "fork", "_Fork", "clone"}));
+}
+
+#endif
+
 } // namespace

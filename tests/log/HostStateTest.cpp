@@ -320,8 +320,17 @@ INSTANTIATE_TEST_SUITE_P(StandardError, HostState,
                              return name;
                          });
 
-#ifdef ZQ_TEST_COUNTS_REGISTRATIONS
+#ifdef ZQ_TEST_COUNTS_CALLS
 // The sanitizers stand before the same functions themselves.
+
+TEST(HostStateEnvironment, isReadByTheFirstCallsAlone) {
+    for (const char* const program : {"counts-environment-reads", "counts-environment-reads-shared"}) {
+        const scene::Folder folder;
+        const Descriptor file(openToAppend(folder / "log"));
+        EXPECT_EQ(run({childProgram(program), "-TraceStage", "YES"}, file.number()), "") << program;
+        EXPECT_EQ(textsIn(scene::contentsOf(folder / "log")).size(), 15U) << program;
+    }
+}
 
 TEST(HostStateRegistrations, areNoneInAProgramThatLogs) {
     for (const char* const program : {"counts-registrations", "counts-registrations-shared"}) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Log files in surroundings that are broken or that somebody has prepared against the host. Redirection is
 // the process's, so each case runs in a child.
+#include <atomic>
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -205,6 +207,76 @@ TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
         ZQLog::setLogFilePath_createFolder("y.log", true);
         writeLine();
         ZQLog::clearLogFilePath();
+    });
+}
+
+/// Takes and gives back what room there is, all the time.
+class RoomThatComesAndGoes {
+public:
+    explicit RoomThatComesAndGoes(const std::string& path) : thread_([this, path] { run(path); }) {}
+    RoomThatComesAndGoes(const RoomThatComesAndGoes&) = delete;
+    RoomThatComesAndGoes& operator=(const RoomThatComesAndGoes&) = delete;
+    ~RoomThatComesAndGoes() {
+        ends_ = true;
+        thread_.join();
+    }
+
+private:
+    void run(const std::string& path) const {
+        const std::string page(4096, 'p');
+        while (!ends_) {
+            const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+            for (int pages = 0; pages < 64 && ::write(file, page.data(), page.size()) > 0; ++pages) {
+            }
+            [[maybe_unused]] const int result = ::ftruncate(file, 0);
+            ::close(file);
+        }
+    }
+
+    std::atomic<bool> ends_ = false;
+    std::thread thread_;
+};
+
+/// The first line that is more than the beginning of a line of that text, or empty; none when all are right.
+/// Counts those that a full disk has cut short.
+std::string firstGluedLine(const std::string& bytes, const std::string& text, int& halfLines) {
+    for (std::size_t start = 0, end = 0; (end = bytes.find('\n', start)) != bytes.npos; start = end + 1) {
+        const std::string line = bytes.substr(start, end - start);
+        const std::size_t head = line.find("] ");
+        const bool isBeginning = head == line.npos ? line.find('x') == line.npos && !line.empty()
+                                                   : text.starts_with(line.substr(head + 2));
+        if (!isBeginning) {
+            return "\"" + line + "\"";
+        }
+        halfLines += line.ends_with(text) ? 0 : 1;
+    }
+    return {};
+}
+
+TEST(HostileLogFiles, onADiskThatIsFullNowAndThenEndHalfLinesBeforeTheNextOne) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can mount a small file system";
+    }
+    const scene::Folder folder;
+    folder.makeFolder("disk");
+    inChild([&] {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", (folder / "disk").c_str(), "tmpfs", 0, "size=64k") != 0) {
+            return; // no mounts here, root or not
+        }
+        const std::string path = folder / "disk/log";
+        const std::string text(900, 'x');
+        ZQLog::setOptionalLogFilePath(path);
+        const RoomThatComesAndGoes room(folder / "disk/room");
+        int halfLines = 0;
+        for (int round = 0; round < 400; ++round) {
+            for (int line = 0; line < 30; ++line) {
+                ZQLog::logAlways_log(true, text);
+            }
+            ASSERT_EQ(firstGluedLine(scene::contentsOf(path), text, halfLines), "");
+            EXPECT_EQ(::ftruncate(STDERR_FILENO, 0), 0);
+        }
+        EXPECT_GT(halfLines, 0);
     });
 }
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
-#include "tests/objects/CountingAllocator.h"
 #include "tests/objects/TestValues.h"
 
 #include <algorithm>
 #include <set>
 
 using namespace ZQFoundation;
+using kit::AllocationCount;
 using logtest::addressText;
 using logtest::CapturedOutput;
 using logtest::Settings;

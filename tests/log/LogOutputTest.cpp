@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
-#include "tests/objects/CountingAllocator.h"
 #include "tests/objects/TestValues.h"
 
 #include <sys/socket.h>
@@ -10,6 +10,7 @@
 #include "foundation/time/NSDateFormatter.h"
 
 using namespace ZQFoundation;
+using kit::AllocationCount;
 using logtest::CapturedOutput;
 using logtest::LinePrefix;
 using logtest::readPrefix;

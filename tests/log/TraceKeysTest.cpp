@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
-#include "tests/objects/CountingAllocator.h"
 #include "tests/objects/TestValues.h"
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include "foundation/process/NSUserDefaults.h"
 
 using namespace ZQFoundation;
+using kit::AllocationCount;
 using logtest::DefaultsScene;
 using logtest::finishesWhileTheMonitorIsHeld;
 using logtest::inChild;

@@ -54,6 +54,14 @@ namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
+int openDescriptors() {
+    int count = 0;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) {
+        count += ::fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
+    }
+    return count;
+}
+
 struct Form {
     const char* what;
     detail::FileParser parse;
@@ -101,6 +109,7 @@ TEST(FileReading, readsFilesOfUpTo16MiB) {
 
 TEST(FileReading, withoutMemoryAFileCountsAsUnreadableForTheMoment) {
     const scene::Folder folder;
+    const int descriptors = openDescriptors();
     for (const Form& form : forms()) {
         SCOPED_TRACE(form.what);
         const std::string file = folder.write("f", form.bytes);
@@ -116,6 +125,7 @@ TEST(FileReading, withoutMemoryAFileCountsAsUnreadableForTheMoment) {
             failures += result == detail::FileResult::exhausted ? 1 : 0;
             ASSERT_NE(result, detail::FileResult::unreadable) << enough;
             ASSERT_EQ(static_cast<bool>(values), result == detail::FileResult::read) << enough;
+            ASSERT_EQ(openDescriptors(), descriptors) << enough;
         }
         EXPECT_EQ(result, detail::FileResult::read);
         EXPECT_TRUE(values.objectForKey("Key"));

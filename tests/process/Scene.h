@@ -22,6 +22,7 @@
 #include <unistd.h>
 
 #include "foundation/system/TestOverrides.h"
+#include "foundation/time/NSTimeZone.h"
 
 namespace scene {
 
@@ -108,7 +109,7 @@ inline std::string contentsOf(const std::string& path) {
     return bytes;
 }
 
-/// An environment variable set, or unset by a null pointer, for a scope.
+/// An environment variable set, or unset by a null pointer, for a scope. The process's zone follows TZ.
 class Variable {
 public:
     Variable(const char* name, const char* value) : name_(name) {
@@ -127,6 +128,9 @@ private:
             ::setenv(name_, value, 1);
         } else {
             ::unsetenv(name_);
+        }
+        if (std::strcmp(name_, "TZ") == 0) {
+            ZQFoundation::NSTimeZone::resetSystemTimeZone();
         }
     }
     const char* name_;

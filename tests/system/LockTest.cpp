@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <thread>
 #include <vector>
 
@@ -18,7 +19,7 @@ template <class Work>
 bool holdsInChild(const Work& work) {
     const pid_t child = fork();
     if (child == 0) {
-        alarm(20);
+        alarm(120);
         _exit(work() ? 0 : 1);
     }
     int status = 0;
@@ -89,6 +90,44 @@ TEST(Lock, isFreeInAForkedChildWhoseParentHadAnotherThreadInside) {
     }));
     __atomic_store_n(&state, 2, __ATOMIC_RELEASE);
     holder.join();
+}
+
+namespace {
+
+constinit Lock lockOfHandler;
+constinit long inside = 0;
+
+/// Whoever is interrupted between taking the lock and saying so would wait for itself here.
+void lockInHandler(int) {
+    const Guard guard(lockOfHandler);
+    __atomic_add_fetch(&inside, 1, __ATOMIC_RELAXED);
+}
+
+} // namespace
+
+TEST(Lock, isTakenAgainByAHandlerThatInterruptsItsThread) {
+    constexpr long interruptions = 2000;
+    EXPECT_TRUE(holdsInChild([] {
+        struct sigaction action {};
+        action.sa_handler = lockInHandler;
+        sigaction(SIGUSR1, &action, nullptr);
+        std::thread interrupted([] {
+            long rounds = 0;
+            while (__atomic_load_n(&inside, __ATOMIC_RELAXED) < interruptions) {
+                const Guard outer(lockOfHandler);
+                const Guard inner(lockOfHandler);
+                ++rounds;
+            }
+        });
+        for (long i = 0; i < interruptions; ++i) {
+            pthread_kill(interrupted.native_handle(), SIGUSR1);
+            while (__atomic_load_n(&inside, __ATOMIC_RELAXED) == i) {
+                std::this_thread::yield();
+            }
+        }
+        interrupted.join();
+        return !lockOfHandler.isHeldByThisThread();
+    }));
 }
 
 #ifndef __SANITIZE_THREAD__ // which allows no new threads in a child

@@ -36,7 +36,8 @@ SET_PAGES = 552
 HOST_OBJECT = 8
 ZONE_NAME = 40           # where the name of a zone keeps its address, and behind that its length
 BUILDER_LENGTH = 8
-BUILDER_IS_ASCII = 32
+BUILDER_FORM = 32
+FORM_UNITS = 1
 EXCEPTION_NAME = 8
 EXCEPTION_REASON = 24
 EXCEPTION_USER_INFO = 40
@@ -93,7 +94,7 @@ def text_at(address, length, unit):
 def place_of_text(body):
     """Address, units and the size of a unit."""
     packed = word(body + BODY_LENGTH)
-    length = packed & ((1 << 63) - 1)
+    length = packed & ((1 << 62) - 1)
     if length > GREATEST_LENGTH:
         raise Unreadable("garbage at 0x%x" % body)
     return body + STRING_TEXT, length, 1 if packed >> 63 else 2
@@ -511,8 +512,8 @@ def mutable_string(value):
     builder = int(value["builder_"])
     if builder == 0:
         return Plain("nil")
-    is_ascii = read(builder + BUILDER_IS_ASCII, 1)[0] != 0
-    return Text(word(builder), length_at(builder + BUILDER_LENGTH), 1 if is_ascii else 2)
+    unit = 2 if read(builder + BUILDER_FORM, 1)[0] == FORM_UNITS else 1
+    return Text(word(builder), length_at(builder + BUILDER_LENGTH), unit)
 
 
 def mutable_collection(value):

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+// What builders of UTF-8 do with text that is neither ASCII nor well-formed UTF-8 already.
+#include <cstring>
+
+#include "foundation/objects/StringBodies.h"
+#include "foundation/objects/TextBuilder.h"
+#include "foundation/text/Utf.h"
+
+// An unpaired surrogate stands in the text as the three bytes that it would have if it were a character: ED,
+// then A0 to AF for the first half of a pair, B0 to BF for the second one. Nothing else in UTF-8 looks so.
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+constexpr std::size_t surrogateBytes = 3;
+
+bool isFirstHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
+
+bool isSecondHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
+
+bool isSurrogateAt(const char* bytes) noexcept {
+    return bytes[0] == '\xED' && static_cast<unsigned char>(bytes[1]) >= 0xA0;
+}
+
+char16_t surrogateAt(const char* bytes) noexcept {
+    return static_cast<char16_t>(0xD000 | (bytes[1] & 0x3F) << 6 | (bytes[2] & 0x3F));
+}
+
+/// The first one, or `end`.
+const char* nextSurrogate(const char* at, const char* end) noexcept {
+    while (end - at >= static_cast<std::ptrdiff_t>(surrogateBytes)) {
+        at = static_cast<const char*>(std::memchr(at, 0xED, static_cast<std::size_t>(end - at)));
+        if (at == nullptr) {
+            return end;
+        }
+        if (isSurrogateAt(at)) {
+            return at;
+        }
+        ++at;
+    }
+    return end;
+}
+
+/// Units in front of the first unpaired surrogate.
+std::size_t pairedPrefix(const char16_t* units, std::size_t count) noexcept {
+    for (std::size_t i = 0; i < count; ++i) {
+        if ((units[i] & 0xF800) == 0xD800) {
+            if (!isFirstHalf(units[i]) || i + 1 == count || !isSecondHalf(units[i + 1])) {
+                return i;
+            }
+            ++i;
+        }
+    }
+    return count;
+}
+
+/// How many units the text has; writes them too, unless `out` is null.
+std::size_t decode(const char* at, const char* end, char16_t* out) noexcept {
+    std::size_t units = 0;
+    while (at != end) {
+        const char* const surrogate = nextSurrogate(at, end);
+        const auto plain = static_cast<std::size_t>(surrogate - at);
+        if (out != nullptr) {
+            utf8ToUtf16(at, plain, out + units, IllFormed::replace);
+        }
+        units += utf16Length(at, plain, IllFormed::replace);
+        at = surrogate;
+        if (at != end) {
+            if (out != nullptr) {
+                out[units] = surrogateAt(at);
+            }
+            ++units;
+            at += surrogateBytes;
+        }
+    }
+    return units;
+}
+
+} // namespace
+
+void TextBuilder::appendUnitsAsUtf8(const char16_t* units, std::size_t count) {
+    if (!isWellFormedUtf16(units, count)) {
+        return appendWithSurrogates(units, count);
+    }
+    const std::size_t more = utf8Length(units, count, IllFormed::replace);
+    makeRoom(more);
+    utf16ToUtf8(units, count, bytes() + length_, IllFormed::replace);
+    length_ += more;
+}
+
+void TextBuilder::appendWithSurrogates(const char16_t* units, std::size_t count) {
+    while (count != 0) {
+        const std::size_t paired = pairedPrefix(units, count);
+        appendUnits(units, paired);
+        if (paired == count) {
+            return;
+        }
+        appendSurrogate(units[paired]);
+        units += paired + 1;
+        count -= paired + 1;
+    }
+}
+
+void TextBuilder::appendSurrogate(char16_t surrogate) {
+    const char* const last = length_ >= surrogateBytes ? bytes() + length_ - surrogateBytes : nullptr;
+    if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isFirstHalf(surrogateAt(last)) &&
+        isSecondHalf(surrogate)) {
+        const char16_t pair[] = {surrogateAt(last), surrogate};
+        length_ -= surrogateBytes;
+        return appendUnitsAsUtf8(pair, 2);
+    }
+    const char encoded[surrogateBytes] = {'\xED', static_cast<char>(0x80 | (surrogate >> 6 & 0x3F)),
+                                          static_cast<char>(0x80 | (surrogate & 0x3F))};
+    appendAscii(encoded, surrogateBytes);
+    hasUnpaired_ = true;
+}
+
+/// Piece by piece through units, which replace what is ill-formed. No piece ends within a sequence: at most
+/// three bytes of one follow its first, and a byte that follows more of them stands for itself.
+void TextBuilder::appendIllFormed(const char* bytes, std::size_t count) {
+    constexpr std::size_t longestPiece = 128;
+    constexpr std::size_t longestSequence = 4;
+    char16_t units[longestPiece];
+    while (count != 0) {
+        std::size_t piece = count < longestPiece ? count : longestPiece;
+        for (std::size_t back = 1; piece < count && back < longestSequence && (bytes[piece] & 0xC0) == 0x80;
+             ++back) {
+            --piece;
+        }
+        const char16_t* const end = utf8ToUtf16(bytes, piece, units, IllFormed::replace);
+        appendUnits(units, static_cast<std::size_t>(end - units));
+        bytes += piece;
+        count -= piece;
+    }
+}
+
+void TextBuilder::replaceUnpairedSurrogates() noexcept {
+    if (!hasUnpaired_) {
+        return;
+    }
+    char* const end = bytes() + length_;
+    for (char* at = bytes();; at += surrogateBytes) {
+        at += nextSurrogate(at, end) - at;
+        if (at == end) {
+            return;
+        }
+        std::memcpy(at, "\xEF\xBF\xBD", surrogateBytes);
+    }
+}
+
+NSString TextBuilder::signalSafeString(std::size_t start) const {
+    const char* const text = static_cast<const char*>(data_) + start;
+    const std::size_t count = length_ - start;
+    const bool isAscii = asciiPrefixLength(text, count) == count;
+    const std::size_t length = isAscii ? count : decode(text, text + count, nullptr);
+    StringBody* const body = allocateSignalSafeString(length, isAscii);
+    if (isAscii) {
+        std::memcpy(body->ascii(), text, count);
+    } else {
+        decode(text, text + count, body->units());
+    }
+    return Access::adoptString(body);
+}
+
+} // namespace ZQFoundation::detail

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Threads and forks as Linux knows them.
+#include <cerrno>
+#include <ctime>
+
+#include <linux/futex.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "foundation/system/System.h"
+
+namespace ZQFoundation::detail::system {
+
+void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
+    const int callersError = errno;
+    const timespec brief{0, 1000000};
+    syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, &brief, nullptr, 0);
+    errno = callersError;
+}
+
+void wakeOne(const std::uint32_t* word) noexcept {
+    const int callersError = errno;
+    syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
+    errno = callersError;
+}
+
+// The number of a thread's clock holds the complement of the thread's own number, above three bits that say
+// what is measured: the kernel reads it so. The C library makes it of what it knows, without asking the
+// kernel. A variable of the thread's own would not do, since the loader may have to allocate it first.
+std::uint64_t threadIdentifier() noexcept {
+    clockid_t clock = 0;
+    if (pthread_getcpuclockid(pthread_self(), &clock) == 0 && clock < 0) [[likely]] {
+        return static_cast<std::uint64_t>(~(clock >> 3));
+    }
+    return static_cast<std::uint64_t>(syscall(SYS_gettid));
+}
+
+std::uint32_t* wordClearedByFork() noexcept {
+    const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    void* const page = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (page == MAP_FAILED) {
+        return nullptr;
+    }
+    if (madvise(page, size, MADV_WIPEONFORK) != 0) { // before Linux 4.14
+        munmap(page, size);
+        return nullptr;
+    }
+    return static_cast<std::uint32_t*>(page);
+}
+
+} // namespace ZQFoundation::detail::system

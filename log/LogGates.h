@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_LOGGATES_H
+#define ZQFOUNDATION_LOG_LOGGATES_H
+
+#include "../foundation/objects/NSString.h"
+
+namespace ZQFoundation::detail {
+
+/// The gates in front of the trace condition, in their order: the flag must be YES, the format not nil, and
+/// neither the key nor the array of keys.
+template <class... Keys>
+constexpr bool passesGates(bool logAlways, StringView format, const Keys&... keys) noexcept {
+    return logAlways && format && (static_cast<bool>(keys) && ...);
+}
+
+/// The text as a string that a signal handler may make and take apart; nil for nil.
+ZQFOUNDATION_EXPORT NSString returnedText(StringView text);
+
+} // namespace ZQFoundation::detail
+
+#endif

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Filling the table of a reading, and the lookup of keys that come as units.
+#include "log/TraceTable.h"
+
+#include <new>
+#include <string>
+
+#include "foundation/text/Utf.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+// At most half of the slots are taken.
+constexpr std::size_t fewestSlots = 16;
+constexpr std::size_t mostSlots = 8192;
+
+std::size_t slotsFor(std::size_t keys) noexcept {
+    return keys <= fewestSlots / 2 ? fewestSlots
+           : keys >= mostSlots / 2 ? mostSlots
+                                   : std::bit_ceil(2 * keys);
+}
+
+// A reader that sees a word of the new reading must see, too, that the one before it is over: that was said
+// before the first of these stores.
+void store(std::uint64_t& word, std::uint64_t value) noexcept {
+    __atomic_store_n(&word, value, __ATOMIC_RELEASE);
+}
+
+} // namespace
+
+TraceTable* TraceTable::make(std::size_t keys) {
+    static_assert(sizeof(TraceTable) == sizeof(Slot) && alignof(TraceTable) == alignof(Slot));
+    const std::size_t slots = slotsFor(keys);
+    const std::size_t bytes = sizeof(TraceTable) + slots * sizeof(Slot);
+    void* const memory = ::operator new(bytes, std::align_val_t(alignof(TraceTable)));
+    std::memset(memory, 0, bytes);
+    return new (memory) TraceTable(slots);
+}
+
+bool TraceTable::hasRoomFor(std::size_t keys) const noexcept { return slotsFor(keys) <= slotMask_ + 1; }
+
+/// False for a key that is not entered.
+bool TraceTable::enter(const NSString& key, const TraceAnswer& answer) {
+    const std::string bytes = key.utf8();
+    if (bytes.size() > longestKey || bytes.find("\uFFFD") != std::string::npos) {
+        return false;
+    }
+    std::uint64_t words[textWords];
+    readWords(bytes.data(), bytes.size(), words);
+    std::size_t place = hashOf(words, bytes.size());
+    while (slots()[place & slotMask_].lengthAndAnswer != 0) {
+        ++place;
+    }
+    Slot& slot = slots()[place & slotMask_];
+    for (std::size_t i = 0; i < wordsIn(bytes.size()); ++i) {
+        store(slot.text[i], words[i]);
+    }
+    const std::uint64_t level = static_cast<std::uint32_t>(answer.level);
+    store(slot.lengthAndAnswer, level << 32 | (answer.isOn ? onBit : 0) | bytes.size());
+    return true;
+}
+
+void TraceTable::fill(const NSDictionary& values, bool anyKeyIsActive) {
+    for (std::size_t i = 0; i <= slotMask_; ++i) {
+        store(slots()[i].lengthAndAnswer, 0);
+    }
+    std::uint64_t state = anyKeyIsActive ? anyIsActive : 0;
+    std::size_t left = (slotMask_ + 1) / 2;
+    for (const NSDictionaryEntry& entry : values) {
+        const NSString key(entry.key);
+        const bool isEntered = left != 0 && enter(key, {values.boolForKey(key), values.integerForKey(key)});
+        left -= isEntered ? 1 : 0;
+        state |= isEntered ? holdsKeys : holdsKeys | isIncomplete;
+    }
+    store(state_, state);
+}
+
+bool TraceTable::findUnits(const char16_t* units, std::size_t count, TraceAnswer& answer) const noexcept {
+    char bytes[longestKey];
+    if (count > longestKey || utf8Length(units, count, IllFormed::replace) > longestKey) {
+        return false;
+    }
+    const char* const end = utf16ToUtf8(units, count, bytes, IllFormed::replace);
+    return findBytes(bytes, static_cast<std::size_t>(end - bytes), answer);
+}
+
+} // namespace ZQFoundation::detail

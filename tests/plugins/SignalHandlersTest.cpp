@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// A signal handler may log, ask and have texts returned, whatever the interrupted thread was doing, and
+// however the library got into the process.
+#include "tests/log/HostTesting.h"
+#include "tests/process/Scene.h"
+
+using namespace hosttest;
+
+namespace {
+
+constexpr int threads = scaled(8, 4, 4);
+constexpr int interruptions = scaled(480, 200, 200);
+
+/// Each line whole and one of those that the storm writes; how many were the handler's.
+long handlerLinesIn(const std::string& bytes) {
+    long count = 0;
+    for (const std::string& text : textsIn(bytes)) {
+        const bool isPlain = text == "start" || text == "thread" || text.starts_with("TraceStorm: thread ");
+        const bool isHandlers = text.starts_with("handler") || text.starts_with("TraceStorm: handler ") ||
+                                text.starts_with("TraceStorm: -[(Caller *)0x");
+        EXPECT_TRUE(isPlain || isHandlers) << text.substr(0, 200);
+        count += isHandlers ? 1 : 0;
+    }
+    return count;
+}
+
+class SignalHandlers : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(SignalHandlers, mayCallWhateverTheyInterruptInAThread) {
+    const scene::Folder folder;
+    const scene::Variable settings("XDG_CONFIG_HOME", folder.path().c_str());
+    const std::string programs = std::string(ZQ_TEST_BINARY_DIR) + "/tests/plugins/";
+    const std::string kind = GetParam();
+    std::vector<std::string> words{programs + "storm-" + kind, std::to_string(threads),
+                                   std::to_string(interruptions)};
+    if (kind.starts_with("plugin")) {
+        words = {programs + "storm-loader", words[1], words[2], programs + "storm-" + kind + ".so"};
+    }
+    const Descriptor file(openToAppend(folder / "log"));
+    ASSERT_EQ(run(words, file.number(), 300), "");
+    // Of eight calls in a row the first four write.
+    EXPECT_EQ(handlerLinesIn(scene::contentsOf(folder / "log")), long{threads} * interruptions / 8 * 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfALibraryThatIs, SignalHandlers,
+                         ::testing::Values("static", "shared", "plugin-static", "plugin-shared"),
+                         [](const auto& test) {
+                             std::string name = test.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+} // namespace

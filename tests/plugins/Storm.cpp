@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "tests/plugins/Storm.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <thread>
+
+#include <ZQFoundation/ZQFoundation.h>
+
+using namespace ZQFoundation;
+
+namespace {
+
+class Caller {
+public:
+    virtual ~Caller() = default;
+};
+
+const Caller caller;
+std::atomic<long> calls = 0;
+std::atomic<long> lines = 0;
+std::atomic<bool> isWrong = false;
+
+void check(bool holds) {
+    if (!holds) {
+        isWrong = true;
+    }
+}
+
+/// One call of each kind, in turn. What the handler takes apart and keeps for a moment is the library's
+/// alone.
+void act(long number) {
+    switch (number % 8) {
+    case 0:
+        ZQLog::log("handler");
+        ++lines;
+        break;
+    case 1:
+        ZQLog::logForTraceKey_usingFormat("TraceStorm", "handler %ld of %s: %@, %.3f", number, "many",
+                                          NSObject(17), 2.5);
+        ++lines;
+        break;
+    case 2:
+        ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(&caller, "act:", true, "TraceStorm",
+                                                                   "handler %@", "Gr\u00fc\u00dfe");
+        ++lines;
+        break;
+    case 3:
+        ZQLog::logWithFormat("handler %5000d", 3);
+        ++lines;
+        break;
+    case 4:
+        check(ZQLog::logStringForTraceKey_usingFormat("TraceStorm", "%ld", number).hasPrefix("TraceStorm: "));
+        break;
+    case 5: {
+        const NSString text = ZQLog::logFunctionName_logAlways_logStringWithFormat("act", true, "%6000d", 5);
+        check(text.length() == 6006);
+        break;
+    }
+    case 6:
+        check(!ZQLog::logStringForTraceKey_usingFormat("TraceOther", "%ld", number));
+        check(!ZQLog::traceKeyIsEnabled("TraceOther"));
+        break;
+    default:
+        check(ZQLog::traceKeyIsEnabled("TraceStorm"));
+        check(ZQLog::aTraceDefaultValueHasBeenActivated());
+        break;
+    }
+}
+
+void handle(int) {
+    act(calls.load());
+    ++calls;
+}
+
+/// What a thread is interrupted in: the C library's allocator, and the calls that the handler makes.
+void beInterrupted(const std::atomic<bool>& ends) {
+    void* blocks[16] = {};
+    for (unsigned turn = 0; !ends; ++turn) {
+        void*& block = blocks[turn % 16];
+        std::free(block);
+        block = std::malloc(turn * 37 % 5000);
+        ZQLog::logAlways_log(turn % 16 == 0, "thread");
+        ZQLog::logAlways_logForTraceKey_usingFormat(turn % 16 == 8, "TraceStorm", "thread %u", turn);
+        check(ZQLog::traceKeyIsEnabled("TraceStorm") && !ZQLog::traceKeyIsEnabled("TraceOther"));
+        check(ZQLog::logStringWithFormat("%u", turn).length() != 0);
+    }
+    for (void* const block : blocks) {
+        std::free(block);
+    }
+}
+
+void interrupt(int interruptions) {
+    std::atomic<bool> ends = false;
+    std::thread thread([&ends] { beInterrupted(ends); });
+    for (int i = 0; i < interruptions; ++i) {
+        const long before = calls;
+        ::pthread_kill(thread.native_handle(), SIGUSR1);
+        while (calls == before) {
+            std::this_thread::yield();
+        }
+    }
+    ends = true;
+    thread.join();
+}
+
+} // namespace
+
+__attribute__((visibility("default"))) long storm(int threads, int interruptions) {
+    // What the first calls read, they read here; a handler has no memory to read it into.
+    NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceStorm", true}});
+    ZQLog::initializeTraceDefaultsDict();
+    ZQLog::log("start");
+    struct sigaction action {};
+    action.sa_handler = handle;
+    ::sigaction(SIGUSR1, &action, nullptr);
+    std::atomic<bool> ends = false;
+    std::thread reader([&ends] {
+        while (!ends) {
+            const ZQLog::Synchronized monitor;
+            ZQLog::initializeTraceDefaultsDict();
+        }
+    });
+    for (int i = 0; i < threads; ++i) {
+        interrupt(interruptions);
+    }
+    ends = true;
+    reader.join();
+    return isWrong ? -1 : lines.load();
+}
