@@ -47,7 +47,12 @@ struct Place {
 };
 constinit Place places[2] = {};
 
-/// Held for the exchange of readings, and to look at what has no form of whole words.
+/// Held while a reading is written into its place. Its holder allocates, so no question waits for it: the
+/// question may come from a signal handler that has interrupted the allocator.
+constinit Lock publishing;
+
+/// Held for the exchange of readings, and to look at what has no form of whole words. Nobody allocates or
+/// frees under it.
 constinit Lock exchange;
 
 /// The fork generation in which a thread is at its first reading, under the monitor.
@@ -85,14 +90,16 @@ const TraceReading* presentReading() noexcept {
 /// A forked child finds the old reading or the new one, since one store makes it the present one. What it may
 /// find half-written is the place of the next one.
 void publish(std::unique_ptr<const TraceReading> fresh) {
-    const Guard guard(exchange);
+    const Guard writing(publishing);
     Place& place = places[presentTable() != nullptr && presentTable() == places[0].table ? 1 : 0];
     const std::size_t keys = fresh->traceDefaultsDict.count();
     if (place.table == nullptr || !place.table->hasRoomFor(keys)) {
         place.table = TraceTable::make(keys); // readers may be in the smaller one for ever
     }
+    // Nobody looks at the reading of this place any more.
     const std::unique_ptr<const TraceReading> old(std::exchange(place.reading, nullptr));
     place.table->fill(fresh->traceDefaultsDict, fresh->activatedTraceDefaultsKeys.count() != 0);
+    const Guard guard(exchange);
     place.reading = fresh.release();
     __atomic_store_n(&shared.table, place.table, __ATOMIC_RELEASE);
     __atomic_add_fetch(&shared.gate, 2, __ATOMIC_ACQ_REL);

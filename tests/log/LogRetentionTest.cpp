@@ -787,7 +787,7 @@ TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
     EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{scene.countMessage("MyApp.5.log")});
     EXPECT_EQ(removeOld(scene.logs()), Texts{scene.ageMessage("MyApp.3.log")});
     EXPECT_EQ(scene.names(), (Names{"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}));
-    for (const mode_t notShared : {01755, 0777}) {
+    for (const mode_t notShared : {01755U, 0777U}) {
         ASSERT_EQ(::chmod(scene.logs().c_str(), notShared), 0);
         EXPECT_EQ(removeOld(scene.logs()).size(), notShared == 01755 ? 2U : 1U);
         scene.file("MyApp.1.log", -100);
