@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/process/DefaultsChanges.h"
+
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSNumber.h"
+#include "tests/process/Scene.h"
+
+using namespace ZQFoundation;
+using detail::DefaultsChanges;
+
+TEST(DefaultsChanges, areMadeToTheValuesOfAFile) {
+    const NSDictionary changes{{"Set", 2}, {"Removed", NSNull::null()}, {"Absent", NSNull::null()}};
+    EXPECT_EQ(detail::withChanges({{"Set", 1}, {"Removed", 1}, {"Kept", 1}}, changes),
+              (NSDictionary{{"Set", 2}, {"Kept", 1}}));
+    EXPECT_EQ(detail::withChanges(nullptr, changes), (NSDictionary{{"Set", 2}}));
+    EXPECT_FALSE(detail::withChanges(nullptr, NSDictionary::dictionary()))
+        << "a file that is not there stays so";
+}
+
+TEST(DefaultsChanges, areForgottenOnceSavedUnlessTheyWereMadeAgain) {
+    static constinit DefaultsChanges changes; // never destroyed
+    changes.add("a", "Saved");
+    changes.add("b", "Again");
+    changes.add("c", "Same");
+    const DefaultsChanges::Record saved = changes.own();
+    EXPECT_EQ(saved.values, (NSDictionary{{"Saved", "a"}, {"Again", "b"}, {"Same", "c"}}));
+    changes.add("later", "Again");
+    changes.add("c", "Same");
+    changes.add("new", "New");
+    changes.forget(saved);
+    EXPECT_EQ(changes.values(), (NSDictionary{{"Again", "later"}, {"Same", "c"}, {"New", "new"}}));
+    changes.forget(changes.own());
+    EXPECT_EQ(changes.own().values.count(), 0U);
+}
+
+TEST(DefaultsChanges, ofAParentAreSeenInAForkedChildAndNotItsOwn) {
+    static constinit DefaultsChanges changes; // never destroyed
+    changes.add("parent's", "Key");
+    changes.add("parent's", "Other");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(60);
+        const bool sees = changes.values().count() == 2 && changes.own().values.count() == 0;
+        changes.add("child's", "Key");
+        scene::leave(sees && changes.own().values == NSDictionary{{"Key", "child's"}} ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(changes.own().values.count(), 2U);
+}
