@@ -19,13 +19,20 @@ foreach(header IN LISTS ZQ_PUBLIC_HEADERS)
 endforeach()
 
 file(MAKE_DIRECTORY "${ZQ_STAGED_INCLUDE}/ZQFoundation")
-foreach(entry include/ZQFoundation.h ${ZQ_HEADER_FOLDERS})
+# Beside the umbrella are headers for hosts that use more than the library: of the standard library, of toolkits.
+file(GLOB ZQ_TOP_HEADERS CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/include/*.h")
+set(ZQ_EXTRA_HEADERS "${ZQ_TOP_HEADERS}")
+list(REMOVE_ITEM ZQ_EXTRA_HEADERS "${ZQ_UMBRELLA}")
+list(TRANSFORM ZQ_TOP_HEADERS REPLACE "^${PROJECT_SOURCE_DIR}/" "")
+
+foreach(entry ${ZQ_TOP_HEADERS} ${ZQ_HEADER_FOLDERS})
     cmake_path(GET entry FILENAME name)
     file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${entry}" "${ZQ_STAGED_INCLUDE}/ZQFoundation/${name}" SYMBOLIC)
 endforeach()
 
 set(ZQ_INSTALL_INCLUDE "${CMAKE_INSTALL_INCLUDEDIR}/ZQFoundation-${PROJECT_VERSION_MAJOR}")
-install(FILES "${ZQ_UMBRELLA}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation" COMPONENT development)
+install(FILES "${ZQ_UMBRELLA}" ${ZQ_EXTRA_HEADERS} DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation"
+    COMPONENT development)
 foreach(header IN LISTS ZQ_PUBLIC_HEADERS)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation/${folder}"

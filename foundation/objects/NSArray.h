@@ -43,8 +43,14 @@ public:
         return NSArray(std::initializer_list<NSObject>{NSObject(objects)...});
     }
 
+    /// What any range of values, texts, numbers or convertible types holds, in its order. Raises
+    /// NSInvalidArgumentException when one is nil.
+    template <class Range>
+    static NSArray arrayWithRange(const Range& range);
+
     /// The number of elements; 0 for nil.
     std::size_t count() const noexcept;
+    std::size_t size() const noexcept { return count(); }
 
     /// The element at the index; raises NSRangeException from the count on.
     const NSObject& objectAtIndex(std::size_t index) const;
@@ -153,6 +159,7 @@ public:
 
     /// The number of elements so far.
     std::size_t count() const noexcept;
+    std::size_t size() const noexcept { return count(); }
 
     /// The first element, for `for` loops; valid until the array changes.
     const NSObject* begin() const noexcept;
@@ -166,6 +173,15 @@ public:
 private:
     detail::Body* body_ = nullptr;
 };
+
+template <class Range>
+NSArray NSArray::arrayWithRange(const Range& range) {
+    NSMutableArray elements;
+    for (const auto& element : range) {
+        elements.addObject(element);
+    }
+    return elements.array();
+}
 
 } // namespace ZQFoundation
 

@@ -33,6 +33,11 @@ public:
 
     /// The number of bytes; 0 for nil.
     std::size_t length() const noexcept;
+    std::size_t size() const noexcept { return length(); }
+
+    /// The bytes, for `for` loops; valid as long as a handle holds the data.
+    const unsigned char* begin() const noexcept { return bytes(); }
+    const unsigned char* end() const noexcept { return bytes() + length(); }
 
     /// Whether both hold the same bytes. False if either is nil.
     bool isEqualToData(const NSData& other) const noexcept;

@@ -2,6 +2,8 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSDATE_H
 #define ZQFOUNDATION_OBJECTS_NSDATE_H
 
+#include <compare>
+
 #include "NSObject.h"
 
 namespace ZQFoundation {
@@ -15,12 +17,12 @@ public:
     constexpr NSDate() noexcept = default;
     constexpr NSDate(std::nullptr_t) noexcept {}
 
-    /// The value if it is a date, else nil.
-    explicit NSDate(const NSObject& object) noexcept : NSObject(object, detail::Kind::date) {}
     /// The date that the type's `ObjectConversion` makes.
     template <detail::ConvertedTo<NSDate> T>
     NSDate(const T& object) : NSDate(detail::convertedObject(object)) {}
 
+    /// The value when it is a date, else nil.
+    explicit NSDate(const NSObject& object) noexcept : NSObject(object, detail::Kind::date) {}
 
     /// The present instant.
     static NSDate date();
@@ -59,6 +61,12 @@ public:
 
     /// Whether both are the very same instant, fractions included. False if either is nil.
     bool isEqualToDate(const NSDate& other) const noexcept;
+
+    /// The earlier date first, nil before all; a date that is no number of seconds has no order.
+    friend std::partial_ordering operator<=>(const NSDate& left, const NSDate& right) noexcept {
+        return left && right ? left.payload_.real <=> right.payload_.real
+                             : static_cast<bool>(left) <=> static_cast<bool>(right);
+    }
 
     /// @name NSDate(ZQFoundation)
     /// Calendars are made afresh at each call, in the process's time zone of that moment unless one is given.

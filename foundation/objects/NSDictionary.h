@@ -38,8 +38,14 @@ public:
     /// The property list in the file when it is a dictionary (old-style text, XML or binary), else nil.
     static NSDictionary dictionaryWithContentsOfFile(StringView path);
 
+    /// What a range of pairs holds, a `std::map` for one. Raises NSInvalidArgumentException when a key or
+    /// value is nil.
+    template <class Range>
+    static NSDictionary dictionaryWithRange(const Range& range);
+
     /// The number of entries; 0 for nil.
     std::size_t count() const noexcept;
+    std::size_t size() const noexcept { return count(); }
 
     /// The value under the key; nil for a key that is missing or nil.
     NSObject objectForKey(const NSObject& key) const;
@@ -56,6 +62,16 @@ public:
 
     /// Nil: there is nothing under a nil key.
     NSObject objectForKey(std::nullptr_t) const { return {}; }
+
+    /// The same: `dictionary["key"]`. To look only; entries are made by `NSMutableDictionary`.
+    template <class Key>
+    const NSObject operator[](const Key& key) const {
+        if constexpr (detail::PlainText<Key> || std::is_base_of_v<NSObject, Key>) {
+            return objectForKey(key);
+        } else {
+            return objectForKey(NSObject(key));
+        }
+    }
 
     /// The keys, in the order of the entries; nil for nil.
     NSArray allKeys() const;
@@ -135,6 +151,7 @@ public:
 
     /// The number of entries so far.
     std::size_t count() const noexcept;
+    std::size_t size() const noexcept { return count(); }
 
     /// The entries as an immutable dictionary; the builder is empty afterwards.
     NSDictionary dictionary();
@@ -142,6 +159,15 @@ public:
 private:
     detail::Body* body_ = nullptr;
 };
+
+template <class Range>
+NSDictionary NSDictionary::dictionaryWithRange(const Range& range) {
+    NSMutableDictionary entries;
+    for (const auto& [key, value] : range) {
+        entries.setObject_forKey(value, key);
+    }
+    return entries.dictionary();
+}
 
 } // namespace ZQFoundation
 

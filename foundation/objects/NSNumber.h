@@ -2,6 +2,8 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSNUMBER_H
 #define ZQFOUNDATION_OBJECTS_NSNUMBER_H
 
+#include <compare>
+
 #include "NSObject.h"
 
 namespace ZQFoundation {
@@ -16,12 +18,12 @@ public:
     template <detail::NumericValue T>
     constexpr NSNumber(T value) noexcept : NSObject(value) {}
 
-    /// The value if it is a number, else nil.
-    explicit NSNumber(const NSObject& object) noexcept;
     /// The number that the type's `ObjectConversion` makes.
     template <detail::ConvertedTo<NSNumber> T>
     NSNumber(const T& object) : NSNumber(detail::convertedObject(object)) {}
 
+    /// The value when it is a number, else nil.
+    explicit NSNumber(const NSObject& object) noexcept;
 
     /// Whether the number was made from a truth value; it prints as 1 or 0 all the same.
     bool isBoolean() const noexcept { return kind_ == detail::Kind::boolean; }
@@ -63,6 +65,12 @@ public:
 
     /// Whether `compare` finds both the same. False if either is nil.
     bool isEqualToNumber(const NSNumber& other) const noexcept;
+
+    /// By `compare`, nil first: 1, 1.0 and true are equivalent.
+    friend std::weak_ordering operator<=>(const NSNumber& left, const NSNumber& right) noexcept {
+        return left && right ? std::weak_ordering(left.compare(right) <=> 0)
+                             : static_cast<bool>(left) <=> static_cast<bool>(right);
+    }
 
     /// @name NSNumber(ZQFoundation)
     /// @{

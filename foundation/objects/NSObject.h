@@ -320,11 +320,30 @@ ZQFOUNDATION_EXPORT void printCondensed(const NSObject& object, std::ostream& st
 
 /// Writes the value on one line: a string's text, `condensedDescription` of any other value, "(nil)" for nil.
 template <class Handle>
-    requires std::is_base_of_v<NSObject, Handle>
-void PrintTo(const Handle& object, std::ostream* stream) { detail::printCondensed(object, *stream); }
+requires std::is_base_of_v<NSObject, Handle> std::ostream& operator<<(std::ostream& stream,
+                                                                      const Handle& value) {
+    detail::printCondensed(value, stream);
+    return stream;
+}
 
 } // namespace ZQFoundation
 
+/// The hash of a value, with which `==` goes: values are keys of the standard's own tables.
+template <class Handle>
+    requires std::is_base_of_v<ZQFoundation::NSObject, Handle>
+struct std::hash<Handle> {
+    /// As `NSObject::hash`.
+    std::size_t operator()(const Handle& value) const { return value.hash(); }
+};
+
 #include "NSString.h"
+
+namespace ZQFoundation {
+
+inline NSObject Argument::converted() const {
+    return value_.converted.conversion->object(value_.converted.object);
+}
+
+} // namespace ZQFoundation
 
 #endif

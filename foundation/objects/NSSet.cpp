@@ -46,6 +46,14 @@ NSSet NSSet::setWithArray(const NSArray& array) {
 
 std::size_t NSSet::count() const noexcept { return kind_ == detail::Kind::set ? tableOf(*this)->count : 0; }
 
+detail::SetIterator NSSet::begin() const noexcept {
+    return detail::SetIterator(kind_ == detail::Kind::set ? tableOf(*this)->entries() : nullptr);
+}
+
+detail::SetIterator NSSet::end() const noexcept {
+    return detail::SetIterator(kind_ == detail::Kind::set ? tableOf(*this)->entries() + count() : nullptr);
+}
+
 bool NSSet::containsObject(const NSObject& object) const {
     return kind_ == detail::Kind::set && detail::findKey(*tableOf(*this), object) != nullptr;
 }

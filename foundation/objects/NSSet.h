@@ -3,8 +3,37 @@
 #define ZQFOUNDATION_OBJECTS_NSSET_H
 
 #include "NSArray.h"
+#include "NSDictionary.h"
 
 namespace ZQFoundation {
+
+namespace detail {
+
+/// Walks the members of a set, which are the keys of its entries.
+class SetIterator {
+public:
+    using value_type = NSObject;
+    using difference_type = std::ptrdiff_t;
+
+    /// No place in any set.
+    constexpr SetIterator() noexcept = default;
+    constexpr explicit SetIterator(const NSDictionaryEntry* entry) noexcept : entry_(entry) {}
+
+    /// The member; the next one; whether it is the same place.
+    const NSObject& operator*() const noexcept { return entry_->key; }
+    const NSObject* operator->() const noexcept { return &entry_->key; }
+    SetIterator& operator++() noexcept {
+        ++entry_;
+        return *this;
+    }
+    SetIterator operator++(int) noexcept { return SetIterator(entry_++); }
+    friend bool operator==(const SetIterator&, const SetIterator&) noexcept = default;
+
+private:
+    const NSDictionaryEntry* entry_ = nullptr;
+};
+
+} // namespace detail
 
 /// An immutable collection of distinct values, none of them nil; walked in the order of insertion.
 class ZQFOUNDATION_EXPORT NSSet : public NSObject {
@@ -14,6 +43,10 @@ public:
 
     /// A set of these members, of equal ones the first. Raises NSInvalidArgumentException if one is nil.
     NSSet(std::initializer_list<NSObject> members);
+
+    /// The set that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSSet> T>
+    NSSet(const T& object) : NSSet(detail::convertedObject(object)) {}
 
     /// The value if it is a set, else nil.
     explicit NSSet(const NSObject& object) noexcept : NSObject(object, detail::Kind::set) {}
@@ -26,6 +59,11 @@ public:
 
     /// The number of members; 0 for nil.
     std::size_t count() const noexcept;
+    std::size_t size() const noexcept { return count(); }
+
+    /// The members, for `for` loops; valid as long as a handle holds the set.
+    detail::SetIterator begin() const noexcept;
+    detail::SetIterator end() const noexcept;
 
     /// Whether a member equals the object.
     bool containsObject(const NSObject& object) const;
@@ -46,10 +84,6 @@ public:
     /// the counter from 1 to `maxAttempts`; nil if all are members.
     NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
                                                                        StringView intermediateString,
-    /// The set that the type's `ObjectConversion` makes.
-    template <detail::ConvertedTo<NSSet> T>
-    NSSet(const T& object) : NSSet(detail::convertedObject(object)) {}
-
                                                                        std::uint64_t maxAttempts) const;
 
     /// @}

@@ -2,6 +2,8 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSSTRING_H
 #define ZQFOUNDATION_OBJECTS_NSSTRING_H
 
+#include <compare>
+
 #include "../text/FormatString.h"
 #include "../text/NSRange.h"
 #include "NSObject.h"
@@ -45,6 +47,17 @@ enum NSStringEncoding : std::uint32_t {
     NSUTF32LittleEndianStringEncoding = 0x9C000100, ///< UTF-32LE, without a byte-order mark
 };
 
+namespace detail {
+
+/// Unit by unit, a prefix first, nil before the empty text.
+ZQFOUNDATION_EXPORT std::strong_ordering orderOfUnits(const NSString& left, const NSString& right) noexcept;
+
+/// What follows a "+".
+template <class T>
+concept TextOperand = PlainText<T> || std::is_same_v<T, NSString>;
+
+} // namespace detail
+
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
 /// surrogate and U+0000 are units like any other.
 class ZQFOUNDATION_EXPORT NSString : public NSObject {
@@ -55,6 +68,13 @@ public:
     /// A copy of the text; nil for a nil text. Ill-formed UTF-8 becomes U+FFFD.
     template <detail::PlainText T>
     NSString(const T& text) : NSString(fromText(StringView(text))) {}
+
+    template <detail::OtherText T>
+    NSString(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+
+    /// The string that the type's `ObjectConversion` makes.
+    template <detail::ConvertedTo<NSString> T>
+    NSString(const T& object) : NSString(detail::convertedObject(object)) {}
 
     /// The value if it is a string, else nil.
     explicit NSString(const NSObject& object) noexcept : NSObject(object, detail::Kind::string) {}
@@ -67,13 +87,6 @@ public:
 
     /// A copy of the units as they are; unpaired surrogates are kept.
     static NSString stringWithCharacters_length(const char16_t* units, std::size_t unitCount);
-
-    template <detail::OtherText T>
-    NSString(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
-
-    /// The string that the type's `ObjectConversion` makes.
-    template <detail::ConvertedTo<NSString> T>
-    NSString(const T& object) : NSString(detail::convertedObject(object)) {}
 
     /// The text of a file name: bytes that are not well-formed UTF-8 become the units U+DC00 + byte.
     static NSString stringWithFileSystemBytes(const char* bytes, std::size_t byteCount);
@@ -120,6 +133,7 @@ public:
 
     /// The number of units; 0 for nil.
     std::size_t length() const noexcept;
+    std::size_t size() const noexcept { return length(); }
 
     /// The unit at `index`; raises NSRangeException from the length on.
     char16_t characterAtIndex(std::size_t index) const;
@@ -140,6 +154,17 @@ public:
 
     /// The units as a C++ string; empty for nil.
     std::u16string utf16() const;
+
+    /// `std::string(text)` is `utf8`, `std::u16string(text)` is `utf16`.
+    template <class String>
+        requires(std::is_same_v<String, std::string> || std::is_same_v<String, std::u16string>)
+    explicit operator String() const {
+        if constexpr (std::is_same_v<String, std::string>) {
+            return utf8();
+        } else {
+            return utf16();
+        }
+    }
 
     /// Whether both have exactly the same units. False if either is nil.
     bool isEqualToString(StringView other) const;
@@ -298,6 +323,25 @@ public:
         const StringView text(right);
         return left && text ? left.isEqualToString(text) : !left && !text;
     }
+
+    /// The order that `==` goes with, for sorting and for maps: unit by unit, nil first. `compare` is the
+    /// platform's, which takes canonical equivalents for the same.
+    friend std::strong_ordering operator<=>(const NSString& left, const NSString& right) noexcept {
+        return detail::orderOfUnits(left, right);
+    }
+
+    /// The two texts in a row. A nil text adds nothing; two nil ones give nil.
+    template <detail::TextOperand T>
+    friend NSString operator+(const NSString& left, const T& right) {
+        return left ? left.stringByAppendingString(right) : NSString(right);
+    }
+    template <detail::PlainText T>
+    friend NSString operator+(const T& left, const NSString& right) {
+        return NSString(left) + right;
+    }
+
+    /// This text and the other one; to build a long text step by step `NSMutableString` is the faster way.
+    NSString& operator+=(StringView other) { return *this = *this + other; }
 
     /// @}
 
@@ -495,6 +539,12 @@ public:
 
     /// Appends one unit.
     void appendCharacter(char16_t unit);
+
+    /// Appends a text; nil appends nothing.
+    NSMutableString& operator+=(StringView text) {
+        appendString(text);
+        return *this;
+    }
 
     /// Appends the formatted text, as `NSString::stringWithFormat` makes it.
     template <class... Arguments>

@@ -156,6 +156,13 @@ bool NSString::isEqualToString(StringView other) const {
            sameUnits(left, 0, right, 0, left.length());
 }
 
+std::strong_ordering detail::orderOfUnits(const NSString& left, const NSString& right) noexcept {
+    if (!left || !right) {
+        return static_cast<bool>(left) <=> static_cast<bool>(right);
+    }
+    return compareUnits(NormalizedText(left), NormalizedText(right)) <=> 0;
+}
+
 NSComparisonResult NSString::compare(StringView other) const {
     if (!*this) {
         return NSOrderedSame;
