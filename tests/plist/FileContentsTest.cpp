@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include "FolderOnDisk.h"
 #include "PropertyListTesting.h"
+#include "tests/kit/ScratchFolder.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ std::string bytesOf(const NSData& data) {
 }
 
 TEST(FileContents, givesTheWholeFile) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     std::string bytes;
     for (int index = 0; index < 300'000; ++index) {
         bytes += static_cast<char>(index * 7);
@@ -32,7 +32,7 @@ TEST(FileContents, givesTheWholeFile) {
 }
 
 TEST(FileContents, anEmptyFileIsEmptyData) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const NSData data = NSData::dataWithContentsOfFile(folder.write("empty", ""));
     ASSERT_TRUE(data);
     EXPECT_EQ(data.length(), 0U);
@@ -48,18 +48,18 @@ TEST(FileContents, readsFilesThatTellNoSize) {
 }
 
 TEST(FileContents, givesNilForWhatIsNoReadableFile) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     EXPECT_FALSE(NSData::dataWithContentsOfFile(nullptr));
     EXPECT_FALSE(NSData::dataWithContentsOfFile(""));
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("missing")));
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("")));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder / "missing"));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder / ""));
     EXPECT_FALSE(NSData::dataWithContentsOfFile("/dev/zero"));
     EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.write("file", "x") + "/below"));
     EXPECT_FALSE(NSData::dataWithContentsOfFile(std::string("/tmp/a\0b", 8)));
 }
 
 TEST(FileContents, anUnreadableFileIsNil) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("secret", "x");
     ASSERT_EQ(::chmod(path.c_str(), 0), 0);
     if (::geteuid() == 0) {
@@ -70,38 +70,38 @@ TEST(FileContents, anUnreadableFileIsNil) {
 }
 
 TEST(FileContents, neverWaitsForAFifo) {
-    const FolderOnDisk folder;
-    const std::string path = folder.path("fifo");
+    const kit::ScratchFolder folder;
+    const std::string path = folder / "fifo";
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     EXPECT_FALSE(NSData::dataWithContentsOfFile(path));
     EXPECT_FALSE(NSDictionary::dictionaryWithContentsOfFile(path));
 }
 
 TEST(FileContents, aFileBeyondTheLimitIsNotRead) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("large", "");
     ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(detail::maximumPropertyListBytes) + 1), 0);
     EXPECT_FALSE(NSData::dataWithContentsOfFile(path));
 }
 
 TEST(FileContents, namesAreBytes) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("na\xC3\xAF\xFF", "x");
     const NSString asText = NSString::stringWithFileSystemBytes(path.data(), path.size());
     EXPECT_EQ(bytesOf(NSData::dataWithContentsOfFile(asText)), "x");
 }
 
 TEST(FileContents, leavesErrnoAndNoDescriptor) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("file", "x");
     const int next = ::dup(0);
     ::close(next);
     errno = E2BIG;
     EXPECT_TRUE(NSData::dataWithContentsOfFile(path));
     EXPECT_EQ(errno, E2BIG);
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("missing")));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder / "missing"));
     EXPECT_EQ(errno, E2BIG);
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder.path("")));
+    EXPECT_FALSE(NSData::dataWithContentsOfFile(folder / ""));
     const int again = ::dup(0);
     ::close(again);
     EXPECT_EQ(again, next);

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "BinaryBuilding.h"
-#include "FolderOnDisk.h"
 #include "PropertyListTesting.h"
 #include "foundation/objects/NSException.h"
+#include "tests/kit/ScratchFolder.h"
 
 namespace {
 
@@ -122,7 +122,7 @@ TEST(PropertyList, textArgumentsReadIllFormedBytesAsReplacements) {
 }
 
 TEST(PropertyList, dictionariesComeFromFilesInAllForms) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const auto read = [](const std::string& path) {
         return show(NSDictionary::dictionaryWithContentsOfFile(path));
     };
@@ -135,12 +135,12 @@ TEST(PropertyList, dictionariesComeFromFilesInAllForms) {
 }
 
 TEST(PropertyList, filesThatAreNoDictionaryGiveNil) {
-    const FolderOnDisk folder;
+    const kit::ScratchFolder folder;
     const auto read = [](const std::string& path) {
         return show(NSDictionary::dictionaryWithContentsOfFile(path));
     };
-    EXPECT_EQ(read(folder.path("missing")), "nil");
-    EXPECT_EQ(read(folder.path("")), "nil");
+    EXPECT_EQ(read(folder / "missing"), "nil");
+    EXPECT_EQ(read(folder / ""), "nil");
     EXPECT_EQ(read(folder.write("array", "(a)")), "nil");
     EXPECT_EQ(read(folder.write("string", "a")), "nil");
     EXPECT_EQ(read(folder.write("empty", "")), "nil");

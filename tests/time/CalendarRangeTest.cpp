@@ -49,6 +49,11 @@ TEST(CalendarRange, tellsWhereUnitsBeginAndHowLongTheyLast) {
               25 * 3600.0);
     const NSDate beforeMidnight = since1970(dateOf(in.calendar, 1950, 7, 2).timeIntervalSince1970() - 0.25);
     EXPECT_EQ(shown(in.calendar.startOfDayForDate(beforeMidnight)), "1950-07-01 04:00:00 +0000");
+    // Exactly, at the date from which seconds are counted.
+    const Universal utc;
+    EXPECT_EQ(utc.calendar.startOfDayForDate(NSDate::dateWithTimeIntervalSinceReferenceDate(1))
+                  .timeIntervalSinceReferenceDate(),
+              0);
 }
 
 TEST(CalendarRange, hasNoRangeForOtherUnitsAndWritesNothingThen) {

@@ -395,5 +395,10 @@ TEST(NSCalendar, numbersWeeksBeforeTheYear1ThroughZero) {
     EXPECT_EQ(iso().component_fromDate(NSCalendarUnitWeekOfYear, dateOf(in.calendar, 0, 1, 3)), 1);
 }
 
+TEST(NSCalendar, addsNothingToWholeSeconds) {
+    const Universal in;
+    EXPECT_EQ(dateOf(in.calendar, 2001, 1, 1).timeIntervalSinceReferenceDate(), 0);
+}
+
 } // namespace
 } // namespace ZQFoundation

@@ -53,6 +53,7 @@ TEST(NSDateFormatter, answersNilWhereThereIsNoDate) {
     EXPECT_EQ(formatted("y", std::numeric_limits<double>::infinity()), "nil");
     EXPECT_EQ(formatted("y", -std::numeric_limits<double>::infinity()), "nil");
     EXPECT_EQ(formatted("y", 0x1p63), "nil");
+    EXPECT_NE(formatted("y", -0x1p63), "nil");
 }
 
 TEST(NSDateFormatter, servesManyConcurrentThreads) {

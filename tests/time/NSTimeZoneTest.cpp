@@ -142,5 +142,22 @@ TEST(NSTimeZone, countsTheSecondOfAFractionBefore1970) {
     EXPECT_TRUE(zone.isDaylightSavingTimeForDate(NSDate::dateWithTimeIntervalSince1970(0)));
 }
 
+TEST(NSTimeZone, saysHowLongItsClocksStayAsTheyAre) {
+    const kit::TimeZone scope("AAA0BBB,0/0,J182/0"); // both parts of 1970 begin at 00:00 of the old clocks
+    const detail::ZonePeriod half = detail::ZoneAccess::periodAt(NSTimeZone::systemTimeZone(), 86400);
+    EXPECT_EQ(half.from, 0);
+    EXPECT_EQ(half.until, 181 * 86400 - 3600);
+    EXPECT_EQ(half.offset, 3600);
+    EXPECT_TRUE(half.isDaylightSaving);
+    EXPECT_STREQ(half.abbreviation, "BBB");
+    const detail::ZonePeriod fixed =
+        detail::ZoneAccess::periodAt(NSTimeZone::timeZoneForSecondsFromGMT(3600), 0);
+    EXPECT_EQ(fixed.from, INT64_MIN);
+    EXPECT_EQ(fixed.until, INT64_MAX);
+    EXPECT_EQ(fixed.offset, 3600);
+    EXPECT_EQ(fixed.abbreviation, nullptr);
+    EXPECT_STREQ(detail::ZoneAccess::periodAt(NSTimeZone(), 0).abbreviation, "UTC");
+}
+
 } // namespace
 } // namespace ZQFoundation

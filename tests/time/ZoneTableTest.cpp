@@ -185,6 +185,17 @@ TEST_F(ZoneTable, findsZonesByPlainNamesOnly) {
     EXPECT_EQ(zoneNamed(std::string(300, 'a')), nullptr);
 }
 
+TEST_F(ZoneTable, tellsZonesApart) {
+    write("Test/Other", 7200);
+    const Zone* const zone = zoneNamed("Test/Zone");
+    const Zone* const other = zoneNamed("Test/Other");
+    EXPECT_EQ(zoneOffsetAt(zone, winter), 3600);
+    EXPECT_EQ(zoneOffsetAt(other, winter), 7200);
+    EXPECT_EQ(zoneNamed("Test/Zone"), zone);
+    EXPECT_TRUE(sameZone(*zone, *zone));
+    EXPECT_FALSE(sameZone(*zone, *other));
+}
+
 TEST_F(ZoneTable, knowsUtcAndGmtWithoutFiles) {
     for (const char* name : {"UTC", "GMT"}) {
         ASSERT_NE(zoneNamed(name), nullptr);
