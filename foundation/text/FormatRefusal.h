@@ -138,9 +138,7 @@ constexpr FormatRefusal formatRefusalOfCut(std::size_t bytes) {
     constexpr char asNumber = isCharacter ? 'd' : letter;
     switch (bytes) {
     case 2:
-        return isCharacter
-                   ? format_conversion_would_cut_the_argument<Found, Argument, write_instead<'C'>>
-                   : format_conversion_would_cut_the_argument<Found, Argument, write_instead<'h', letter>>;
+        return format_conversion_would_cut_the_argument<Found, Argument, write_instead<'h', letter>>;
     case 4:
         return format_conversion_would_cut_the_argument<Found, Argument, write_instead<asNumber>>;
     case 8:

@@ -64,11 +64,12 @@ constexpr FormatService formatServiceOf() noexcept {
     }
 }
 
-/// The most bytes of a number that the conversion keeps.
+/// The most bytes of a number that the conversion keeps. Characters come as `int` in C: in an `int` they are
+/// never cut.
 constexpr std::size_t formatBytesKeptBy(const FormatConversion& conversion, FormatClass wanted) noexcept {
     switch (wanted) {
     case FormatClass::character:
-        return conversion.letter == u'c' ? sizeof(char) : sizeof(char16_t);
+        return sizeof(int);
     case FormatClass::real:
     case FormatClass::hexadecimalReal:
         return conversion.length == FormatLength::longDouble ? sizeof(long double) : sizeof(double);
@@ -225,8 +226,8 @@ private:
 /// that implements NSObjectProtocol and any type with an `ObjectConversion`; `p` any pointer. A null pointer
 /// constant serves the last four.
 ///
-/// No conversion cuts its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` and `%c` 8, `%C`
-/// 16, and a `long double` is for `%Lf`.
+/// No conversion cuts its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` 8, and a
+/// `long double` is for `%Lf`. `%c` and `%C` take characters and, as in C, an `int` that holds one.
 ///
 /// A format that is known only at run time is an NSString (or a StringView); nothing is checked before it is
 /// used, and every misfit has a defined result: a conversion then takes of its argument what fits. A nil

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/format/NSScanner.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Texts.h"
 #include "tests/kit/Values.h"
 
 namespace {
@@ -13,6 +16,7 @@ namespace {
 using namespace ZQFoundation;
 using kit::raised;
 using kit::utf8Of;
+using namespace std::string_view_literals;
 
 constexpr const char* untouched = "untouched";
 
@@ -57,6 +61,11 @@ TEST(NSScanner, scansUpToAText) {
         {"größe: 3", 0, ":", false, true, "größe", 5}, {"日本。x", 0, "。", false, true, "日本", 2},
         {"abc", 0, "", false, true, "abc", 3},         {" abc ", 0, "", false, true, "abc ", 5},
         {"abc", 0, nullptr, false, true, "abc", 3},    {"  ", 0, "", false, false, untouched, 0},
+        {"abc  ", 3, "a", false, false, untouched, 3}, {"abc ", 3, "", false, false, untouched, 3},
+        {"a:b", 2, ":", false, true, "b", 3},          {" ab", 0, " a", false, true, "ab", 3},
+        {"aBc:", 0, ":", false, true, "aBc", 3},       {"\r\n a\nb:c", 0, ":", false, true, "a\nb", 6},
+        {"😀:x", 0, ":", false, true, "😀", 2},          {"a\0b:"sv, 0, ":", false, true, "a\0b"sv, 3},
+        {"ab\0c"sv, 0, "\0"sv, false, true, "ab", 2},
     };
     expectRows(&NSScanner::scanUpToString_intoString, rows);
 }
@@ -87,6 +96,14 @@ TEST(NSScanner, scansAText) {
         {"e\u0301!", 0, "\u00E9", false, true, "e\u0301", 2},
         {"straße", 0, "STRASSE", false, true, "straße", 6},
         {"\u212Ax", 0, "kx", false, true, "\u212Ax", 2},
+        {"\r\n\u2028 : x", 0, ":", false, true, ":", 5},
+        {"abc", 3, "c", false, false, untouched, 3},
+        {"abc", 1, "bcd", false, false, untouched, 1},
+        {"  ", 0, " ", false, false, untouched, 0},
+        {"a b", 0, "a ", false, true, "a ", 2},
+        {"😀x", 0, "😀", false, true, "😀", 2},
+        {"\0a"sv, 0, "\0"sv, false, true, "\0"sv, 1},
+        {"\0a"sv, 0, "a", false, false, untouched, 0},
     };
     expectRows(&NSScanner::scanString_intoString, rows);
 }
@@ -113,6 +130,8 @@ TEST(NSScanner, isAtEndWhenOnlyCharactersToBeSkippedRemain) {
                         {"\u00A0\u2028", 0, true},
                         {"\u200B", 0, false},
                         {"a\u001C", 1, false},
+                        {"\0"sv, 0, false},
+                        {"😀", 1, false},
                         {nullptr, 0, true}};
     for (const Row& row : rows) {
         NSScanner scanner(row.string);
@@ -140,6 +159,7 @@ TEST(NSScanner, skipsNothingForANilOrEmptySet) {
         EXPECT_FALSE(scanner.scanString_intoString("a", nullptr));
         EXPECT_TRUE(scanner.scanString_intoString(" a", nullptr));
         EXPECT_FALSE(scanner.isAtEnd());
+        EXPECT_EQ(scanner.scanLocation(), 2U);
         NSString rest;
         EXPECT_TRUE(scanner.scanUpToString_intoString("z", &rest));
         EXPECT_EQ(rest, " ");
@@ -160,24 +180,35 @@ TEST(NSScanner, readsANilStringAsTheEmptyOne) {
     EXPECT_EQ(scanner.string(), "");
     EXPECT_TRUE(scanner.isAtEnd());
     EXPECT_FALSE(scanner.scanUpToString_intoString("a", nullptr));
+    EXPECT_FALSE(scanner.scanString_intoString("a", nullptr));
     EXPECT_FALSE(scanner.scanInt(nullptr));
     scanner.setScanLocation(0);
+    EXPECT_EQ(raised([&] { scanner.setScanLocation(1); }), "NSRangeException");
 }
 
 TEST(NSScanner, refusesALocationBeyondTheEnd) {
-    NSScanner scanner("abc");
+    NSScanner scanner("a😀"); // three units
     scanner.setScanLocation(3);
     EXPECT_EQ(raised([&] { scanner.setScanLocation(4); }), "NSRangeException");
     EXPECT_EQ(raised([&] { scanner.setScanLocation(SIZE_MAX); }), "NSRangeException");
     EXPECT_EQ(scanner.scanLocation(), 3U);
 }
 
+TEST(NSScanner, isLeftAloneByItsCopies) {
+    NSScanner scanner("a b c");
+    EXPECT_TRUE(scanner.scanString_intoString("a", nullptr));
+    NSScanner copy = scanner;
+    EXPECT_TRUE(copy.scanString_intoString("b", nullptr));
+    EXPECT_EQ(scanner.scanLocation(), 1U);
+    EXPECT_EQ(copy.scanLocation(), 3U);
+}
+
 TEST(NSScanner, takesTheLongestStretchOfMembers) {
-    NSScanner scanner("  12ab 34");
+    NSScanner scanner("  1٣ab 34");
     const NSCharacterSet digits = NSCharacterSet::decimalDigitCharacterSet();
     NSString taken = untouched;
     EXPECT_TRUE(scanner.scanCharactersFromSet_intoString(digits, &taken));
-    EXPECT_EQ(taken, "12");
+    EXPECT_EQ(taken, "1٣");
     EXPECT_EQ(scanner.scanLocation(), 4U);
     taken = untouched;
     EXPECT_FALSE(scanner.scanCharactersFromSet_intoString(digits, &taken));
@@ -187,6 +218,7 @@ TEST(NSScanner, takesTheLongestStretchOfMembers) {
     EXPECT_EQ(taken, "ab ");
     EXPECT_FALSE(scanner.scanUpToCharactersFromSet_intoString(digits, nullptr));
     EXPECT_TRUE(scanner.scanCharactersFromSet_intoString(digits, nullptr));
+    EXPECT_TRUE(scanner.isAtEnd());
     EXPECT_FALSE(scanner.scanCharactersFromSet_intoString(digits, nullptr));
     EXPECT_FALSE(scanner.scanUpToCharactersFromSet_intoString(digits, nullptr));
 }
@@ -231,6 +263,13 @@ const IntegerRow integerRows[] = {
     {"-", false, 0, 0, 0},
     {"--5", false, 0, 0, 0},
     {"- 5", false, 0, 0, 0},
+    {"+-5", false, 0, 0, 0},
+    {".5", false, 0, 0, 0},
+    {" +", false, 0, 0, 0},
+    {"1,234", true, 1, 1, 1},
+    {"1 2", true, 1, 1, 1},
+    {"-2147483648", true, INT32_MIN, INT32_MIN, 11},
+    {"9223372036854775807", true, INT64_MAX, 2147483647, 19},
     {"2147483647", true, 2147483647, 2147483647, 10},
     {"2147483648", true, 2147483648, 2147483647, 10},
     {"-2147483649", true, -2147483649, INT32_MIN, 11},
@@ -282,6 +321,14 @@ const RealRow realRows[] = {
     {"-1e400", true, -HUGE_VAL, 6},
     {"ä", false, 0, 0},
     {"2.5ä", true, 2.5, 3},
+    {"+2.25", true, 2.25, 5},
+    {"1E-3", true, 0.001, 4},
+    {"1e-400", true, 0, 6},
+    {"-.", false, 0, 0},
+    {".e5", false, 0, 0},
+    {"e5", false, 0, 0},
+    {"--5", false, 0, 0},
+    {"٣", false, 0, 0},
 };
 
 TEST(NSScanner, readsReals) {
@@ -321,6 +368,8 @@ const HexRow hexRows[] = {
     {"", false, 0, 0, 0},
     {"-1", false, 0, 0, 0},
     {"１", false, 0, 0, 0},
+    {"FFFFFFFF", true, UINT32_MAX, UINT32_MAX, 8},
+    {"0xFFFFFFFFFFFFFFFF", true, UINT64_MAX, UINT32_MAX, 18},
     {"100000000", true, 0x100000000, UINT32_MAX, 9},
     {"ffffffffffffffff", true, UINT64_MAX, UINT32_MAX, 16},
     {"0000000000000000001", true, 1, 1, 19},
@@ -355,6 +404,24 @@ TEST(NSScanner, skipsItsOwnCharactersAndThenWhiteSpaceBeforeANumber) {
     EXPECT_EQ(real, 12);
 }
 
+TEST(NSScanner, readsNumbersOneAfterTheOther) {
+    NSScanner scanner(" 1 -2.5\n0x1F end");
+    int first = 0;
+    double second = 0;
+    unsigned third = 0;
+    EXPECT_TRUE(scanner.scanInt(&first));
+    EXPECT_TRUE(scanner.scanDouble(&second));
+    EXPECT_TRUE(scanner.scanHexInt(&third));
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, -2.5);
+    EXPECT_EQ(third, 0x1FU);
+    EXPECT_TRUE(scanner.scanString_intoString("END", nullptr));
+    NSScanner zeros(std::string(1000000, '0') + "7 8");
+    EXPECT_TRUE(zeros.scanInt(&first));
+    EXPECT_EQ(first, 7);
+    EXPECT_EQ(zeros.scanLocation(), 1000001U);
+}
+
 TEST(NSScanner, putsOutIntoTheTextThatItLooksFor) {
     NSScanner scanner("KEY=x");
     NSString text = "key";
@@ -386,6 +453,45 @@ TEST(NSScanner, readsALongTextPieceByPiece) {
             ASSERT_EQ(value, i * 3);
         }
         EXPECT_EQ(scanner.isAtEnd(), *tail == '\0');
+    }
+}
+
+/// What a scan gives: its answer, the output and the location.
+struct Outcome {
+    bool isFound;
+    std::u16string output;
+    std::size_t location;
+
+    bool operator==(const Outcome&) const = default;
+};
+
+Outcome scanned(const NSString& text, std::size_t location, TextScan scan, const NSString& target) {
+    NSScanner scanner(text);
+    scanner.setScanLocation(location);
+    NSString output(u"-");
+    const bool isFound = (scanner.*scan)(target, &output);
+    return {isFound, output.utf16(), scanner.scanLocation()};
+}
+
+TEST(NSScanner, followsTheStepsInAllShortTexts) {
+    const std::vector<std::u16string> targets = kit::allTexts(u"ab ", 3);
+    for (const std::u16string& text : kit::allTexts(u"ab ", 6)) {
+        for (const std::u16string& target : targets) {
+            for (std::size_t location = 0; location <= text.size(); ++location) {
+                const std::size_t start = std::min(text.find_first_not_of(u' ', location), text.size());
+                const bool isHere = !target.empty() && text.compare(start, target.size(), target) == 0;
+                ASSERT_EQ(
+                    scanned(text, location, &NSScanner::scanString_intoString, target),
+                    (isHere ? Outcome{true, target, start + target.size()} : Outcome{false, u"-", location}))
+                    << kit::shownUnits(text) << " from " << location << ": " << kit::shownUnits(target);
+                const std::size_t end =
+                    target.empty() ? text.size() : std::min(text.find(target, start), text.size());
+                ASSERT_EQ(scanned(text, location, &NSScanner::scanUpToString_intoString, target),
+                          (end > start ? Outcome{true, text.substr(start, end - start), end}
+                                       : Outcome{false, u"-", location}))
+                    << kit::shownUnits(text) << " from " << location << " to " << kit::shownUnits(target);
+            }
+        }
     }
 }
 

@@ -33,7 +33,7 @@ struct ZQFoundation::ObjectConversion<Wrong> {
 void right(const char* variable, const std::string& text, const NSString& name, const NSObject& object,
            const Host& host, Declared* declared, char16_t* units, int number) {
     NSString::stringWithFormat("%d %ld %hhu %c %C %x", number, number, true, 'c', u'x', Colour::red);
-    NSString::stringWithFormat("%ld %zu %hd %hhx %C", 5L, sizeof number, short(5), 'x', 'x');
+    NSString::stringWithFormat("%ld %zu %hd %hhx %C %c %C", 5L, sizeof number, short(5), 'x', 'x', 65, 0x20AC);
     NSString::stringWithFormat("%f %Lg %La %e", 1.0f, 1.0, 1.0L, 0.5);
     NSString::stringWithFormat(name, 5L);
     NSString::stringWithFormat("%@ %@", Converted(), std::u8string(u8"text"));
@@ -80,17 +80,17 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     // expected: write_instead<'h', 'd'>
     NSString::stringWithFormat("%hhd", short(5));
 #endif
-#ifdef REFUSE_A_UNIT_FOR_A_CHARACTER
+#ifdef REFUSE_64_BITS_FOR_A_CHARACTER
     // expected: format_conversion_would_cut_the_argument
     // expected: conversion<'c'>
-    // expected: write_instead<'C'>
-    NSString::stringWithFormat("%c", u'x');
+    // expected: write_instead<'l', 'd'>
+    NSString::stringWithFormat("%c", 5L);
 #endif
-#ifdef REFUSE_A_CODE_POINT_FOR_A_UNIT
+#ifdef REFUSE_64_BITS_FOR_A_UNIT
     // expected: format_conversion_would_cut_the_argument
     // expected: conversion<'C'>
-    // expected: write_instead<'d'>
-    NSString::stringWithFormat("%C", U'x');
+    // expected: write_instead<'l', 'd'>
+    NSString::stringWithFormat("%C", 5L);
 #endif
 #ifdef REFUSE_A_LONG_DOUBLE_FOR_A_DOUBLE
     // expected: format_conversion_would_cut_the_argument
