@@ -50,6 +50,8 @@ public:
 
     /// The number of elements; 0 for nil.
     std::size_t count() const noexcept;
+
+    /// The same as `count`, for templates that know containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The element at the index; raises NSRangeException from the count on.
@@ -159,6 +161,8 @@ public:
 
     /// The number of elements so far.
     std::size_t count() const noexcept;
+
+    /// The same as `count`, for templates that know containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The first element, for `for` loops; valid until the array changes.

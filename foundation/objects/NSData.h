@@ -33,10 +33,14 @@ public:
 
     /// The number of bytes; 0 for nil.
     std::size_t length() const noexcept;
+
+    /// The same as `length`, for templates that know containers.
     std::size_t size() const noexcept { return length(); }
 
     /// The bytes, for `for` loops; valid as long as a handle holds the data.
     const unsigned char* begin() const noexcept { return bytes(); }
+
+    /// The end of the bytes, for `for` loops.
     const unsigned char* end() const noexcept { return bytes() + length(); }
 
     /// Whether both hold the same bytes. False if either is nil.

@@ -45,6 +45,8 @@ public:
 
     /// The number of entries; 0 for nil.
     std::size_t count() const noexcept;
+
+    /// The same as `count`, for templates that know containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The value under the key; nil for a key that is missing or nil.
@@ -151,6 +153,8 @@ public:
 
     /// The number of entries so far.
     std::size_t count() const noexcept;
+
+    /// The same as `count`, for templates that know containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The entries as an immutable dictionary; the builder is empty afterwards.

@@ -328,6 +328,7 @@ requires std::is_base_of_v<NSObject, Handle> std::ostream& operator<<(std::ostre
 
 } // namespace ZQFoundation
 
+/// @cond
 /// The hash of a value, with which `==` goes: values are keys of the standard's own tables.
 template <class Handle>
     requires std::is_base_of_v<ZQFoundation::NSObject, Handle>
@@ -335,6 +336,7 @@ struct std::hash<Handle> {
     /// As `NSObject::hash`.
     std::size_t operator()(const Handle& value) const { return value.hash(); }
 };
+/// @endcond
 
 #include "NSString.h"
 

@@ -59,10 +59,14 @@ public:
 
     /// The number of members; 0 for nil.
     std::size_t count() const noexcept;
+
+    /// The same as `count`, for templates that know containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The members, for `for` loops; valid as long as a handle holds the set.
     detail::SetIterator begin() const noexcept;
+
+    /// The end of the members, for `for` loops.
     detail::SetIterator end() const noexcept;
 
     /// Whether a member equals the object.

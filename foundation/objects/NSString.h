@@ -133,6 +133,8 @@ public:
 
     /// The number of units; 0 for nil.
     std::size_t length() const noexcept;
+
+    /// The same as `length`, for templates that know containers.
     std::size_t size() const noexcept { return length(); }
 
     /// The unit at `index`; raises NSRangeException from the length on.
@@ -335,6 +337,8 @@ public:
     friend NSString operator+(const NSString& left, const T& right) {
         return left ? left.stringByAppendingString(right) : NSString(right);
     }
+
+    /// The two texts in a row, for one in front that is not an NSString.
     template <detail::PlainText T>
     friend NSString operator+(const T& left, const NSString& right) {
         return NSString(left) + right;

@@ -269,14 +269,14 @@ TEST(HostileLogFiles, onADiskThatIsFullNowAndThenEndHalfLinesBeforeTheNextOne) {
         ZQLog::setOptionalLogFilePath(path);
         const RoomThatComesAndGoes room(folder / "disk/room");
         int halfLines = 0;
-        for (int round = 0; round < 400; ++round) {
+        // As long as it takes, however the threads are scheduled.
+        for (int round = 0; round < 400 || halfLines < 5; ++round) {
             for (int line = 0; line < 30; ++line) {
                 ZQLog::logAlways_log(true, text);
             }
             ASSERT_EQ(firstGluedLine(scene::contentsOf(path), text, halfLines), "");
             EXPECT_EQ(::ftruncate(STDERR_FILENO, 0), 0);
         }
-        EXPECT_GT(halfLines, 0);
     });
 }
 

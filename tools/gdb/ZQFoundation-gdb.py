@@ -478,6 +478,8 @@ def argument(value):
         address = int(held["host"]["object"])
         return Plain("nil") if address == 0 else host_object(address)
     if kind == 7:
+        return Plain("object of a converted type at 0x%x" % int(held["converted"]["object"]))
+    if kind == 8:
         return Plain("0x%x" % int(held["address"]))
     raise Unreadable("no argument, type %d" % kind)
 
