@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/files/HomeFolder.h"
+#include "foundation/files/NSFileManager.h"
+#include "foundation/process/FolderLayout.h"
 #include "foundation/process/NSBundle.h"
 #include "foundation/process/NSProcessInfo.h"
 
@@ -23,6 +25,19 @@ NSString pathOfLibrarySubfolder(StringView middle) {
         .stringByStandardizingPath();
 }
 
+/// The application's folder in one of the other layout, whose folders are often missing in a new account. One
+/// that cannot be made is named all the same.
+NSString pathOfXdgSubfolder(const NSString& base) {
+    const NSString path = base.stringByAppendingPathComponent(NSProcessInfo::appSpecificLibrarySubpath())
+                              .stringByStandardizingPath();
+    NSFileManager& files = NSFileManager::defaultManager();
+    if (!files.fileExistsAtPath(path)) {
+        const NSDictionary privately{{NSFilePosixPermissions, 0700}};
+        files.createDirectoryAtPath_withIntermediateDirectories_attributes_error(path, true, privately);
+    }
+    return path;
+}
+
 } // namespace
 
 NSString NSProcessInfo::shortCompanyName() { return textOfInfoKey("ZQCompanyName"); }
@@ -41,9 +56,13 @@ NSString NSProcessInfo::appSpecificLibrarySubpath() {
 }
 
 NSString NSProcessInfo::pathOfLibraryApplicationSupportSubfolder() {
-    return pathOfLibrarySubfolder("Application Support");
+    return detail::usesXdgFolders() ? pathOfXdgSubfolder(detail::xdgDataFolder())
+                                    : pathOfLibrarySubfolder("Application Support");
 }
 
-NSString NSProcessInfo::pathOfLibraryLogSubfolder() { return pathOfLibrarySubfolder("Logs"); }
+NSString NSProcessInfo::pathOfLibraryLogSubfolder() {
+    return detail::usesXdgFolders() ? pathOfXdgSubfolder(detail::xdgStateFolder())
+                                    : pathOfLibrarySubfolder("Logs");
+}
 
 } // namespace ZQFoundation

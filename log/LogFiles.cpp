@@ -5,6 +5,7 @@
 #include "foundation/files/HomeFolder.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/files/StickyFolder.h"
+#include "foundation/process/FolderLayout.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/Published.h"
@@ -88,6 +89,10 @@ bool acceptNewFile(const NSString& path, bool createFolder) {
 } // namespace
 
 NSString ZQLog::standardLogFolder() {
+    if (detail::usesXdgFolders()) {
+        const NSString folder = NSProcessInfo::pathOfLibraryLogSubfolder();
+        return NSFileManager::defaultManager().isDirectoryAtPath(folder) ? folder : NSString("/tmp");
+    }
     const NSString library = detail::resolvedHomeFolder()
                                  .stringByAppendingPathComponent("Library")
                                  .stringByResolvingSymlinksInPath();

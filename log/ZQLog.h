@@ -89,7 +89,8 @@ public:
     /// @{
 
     /// The application's folder under ~/Library/Logs, which need not exist; "/tmp" when the home folder has
-    /// no `Library`.
+    /// no `Library`. With `ZQFolderLayout` = "XDG" in the Info dictionary `pathOfLibraryLogSubfolder`, and
+    /// "/tmp" when that cannot be made.
     static NSString standardLogFolder();
 
     /// "Viewer.20240305-1407.1234.log": process name, local time, process identifier. A number is added only

@@ -56,6 +56,12 @@ ZQFOUNDATION_EXPORT std::strong_ordering orderOfUnits(const NSString& left, cons
 template <class T>
 concept TextOperand = PlainText<T> || std::is_same_v<T, NSString>;
 
+/// The second type, which a template does not look into before it is used.
+template <class, class T>
+struct DependentType {
+    using type = T;
+};
+
 } // namespace detail
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
@@ -161,10 +167,12 @@ public:
     template <class String>
         requires(std::is_same_v<String, std::string> || std::is_same_v<String, std::u16string>)
     explicit operator String() const {
+        // Looked up where the string's type is known: here it is only declared.
+        const typename detail::DependentType<String, NSString>::type& self = *this;
         if constexpr (std::is_same_v<String, std::string>) {
-            return utf8();
+            return self.utf8();
         } else {
-            return utf16();
+            return self.utf16();
         }
     }
 

@@ -52,7 +52,8 @@ public:
     NSDictionary environment() const;
 
     /// @name NSProcessInfo(ZQFoundation)
-    /// Computed afresh at each call; no folder is made or touched.
+    /// Computed afresh at each call; no folder is made, looked for or touched, unless the main bundle has the
+    /// value "XDG" under `ZQFolderLayout`.
     /// @{
 
     /// The main bundle's `ZQCompanyName` as it is; the text of a value that is no string; nil without
@@ -67,10 +68,16 @@ public:
 
     /// "/home/user/Library/Application Support/Example/Viewer", links in the home folder's path resolved;
     /// below "/" for a user without a home. Names with slashes or ".." are taken as they are.
+    ///
+    /// With `ZQFolderLayout` = "XDG": "/home/user/.local/share/Example/Viewer" (below `$XDG_DATA_HOME`),
+    /// which is made when it is missing, for the user alone.
     static NSString pathOfLibraryApplicationSupportSubfolder();
 
     /// "/home/user/Library/Logs/Example/Viewer", links in the home folder's path resolved; below "/" for a
     /// user without a home. Names with slashes or ".." are taken as they are.
+    ///
+    /// With `ZQFolderLayout` = "XDG": "/home/user/.local/state/Example/Viewer" (below `$XDG_STATE_HOME`),
+    /// which is made when it is missing, for the user alone.
     static NSString pathOfLibraryLogSubfolder();
 
     /// @}

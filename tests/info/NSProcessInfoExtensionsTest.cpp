@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/process/NSProcessInfo.h"
 
+#include "log/ZQLog.h"
 #include "tests/info/InfoScene.h"
 #include "tests/log/LogTestSupport.h"
 
@@ -115,4 +116,83 @@ TEST(NSProcessInfoExtensions, takeSlashesAndDoubleDotsInNamesAsTheyStand) {
         const ApplicationScene application("{ ZQCompanyName = \"..\"; NSHumanReadableShortName = Viewer; }");
         EXPECT_EQ(logs(), home.path() + "/Library/Viewer");
     }
+}
+
+// ZQFolderLayout
+
+namespace {
+
+constexpr const char* xdg =
+    "{ ZQCompanyName = Acme; NSHumanReadableShortName = Viewer; ZQFolderLayout = XDG; }";
+
+mode_t modeOf(const std::string& path) {
+    struct stat information {};
+    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
+    return information.st_mode & 07777;
+}
+
+/// Neither variable is set, until a test sets one.
+struct NoXdgFolders {
+    scene::Variable state{"XDG_STATE_HOME", nullptr};
+    scene::Variable data{"XDG_DATA_HOME", nullptr};
+};
+
+} // namespace
+
+TEST(NSProcessInfoExtensions, placeAndMakeFoldersAsOtherDesktopApplicationsDoWhenAsked) {
+    const ApplicationScene application(xdg);
+    const Home home;
+    const NoXdgFolders none{};
+    EXPECT_EQ(logs(), home.path() + "/.local/state/Acme/Viewer");
+    EXPECT_EQ(applicationSupport(), home.path() + "/.local/share/Acme/Viewer");
+    EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), logs());
+    for (const char* const folder :
+         {".local", ".local/state", ".local/state/Acme/Viewer", ".local/share/Acme"}) {
+        EXPECT_EQ(modeOf(home / folder), 0700U) << folder;
+    }
+    EXPECT_NE(::access((home / "Library").c_str(), F_OK), 0);
+}
+
+TEST(NSProcessInfoExtensions, followTheVariablesOfThatLayoutThatAreAbsolutePaths) {
+    const ApplicationScene application(xdg);
+    const Home home;
+    const NoXdgFolders none{};
+    {
+        const scene::Variable state("XDG_STATE_HOME", (home / "s").c_str());
+        const scene::Variable data("XDG_DATA_HOME", (home / "d").c_str());
+        EXPECT_EQ(logs(), home.path() + "/s/Acme/Viewer");
+        EXPECT_EQ(applicationSupport(), home.path() + "/d/Acme/Viewer");
+        EXPECT_EQ(::access((home / ".local").c_str(), F_OK), -1);
+    }
+    const scene::Variable relative("XDG_STATE_HOME", "s");
+    EXPECT_EQ(logs(), home.path() + "/.local/state/Acme/Viewer");
+}
+
+TEST(NSProcessInfoExtensions, nameFoldersOfThatLayoutThatCannotBeMade) {
+    const ApplicationScene application(xdg);
+    const Home home;
+    const NoXdgFolders none{};
+    const scene::Variable state("XDG_STATE_HOME", "/dev/null/state");
+    EXPECT_EQ(logs(), "/dev/null/state/Acme/Viewer");
+    EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), "/tmp");
+}
+
+TEST(NSProcessInfoExtensions, leaveFoldersOfThatLayoutAsTheyAreAndIgnoreOtherValues) {
+    const Home home;
+    const NoXdgFolders none{};
+    {
+        const ApplicationScene application(xdg);
+        logs();
+        ASSERT_EQ(::chmod((home / ".local/state/Acme/Viewer").c_str(), 0755), 0);
+        logs();
+        EXPECT_EQ(modeOf(home / ".local/state/Acme/Viewer"), 0755U);
+    }
+    for (const char* const value : {"xdg", "\"\"", "( XDG )", "Library"}) {
+        const ApplicationScene other(std::string("{ NSHumanReadableShortName = Viewer; ZQFolderLayout = ") +
+                                     value + "; }");
+        EXPECT_EQ(logs(), home.path() + "/Library/Logs/Viewer") << value;
+    }
+    const ApplicationScene translated("{ NSHumanReadableShortName = Viewer; }", {"en"});
+    translated.writeTable("en.lproj/InfoPlist.strings", "ZQFolderLayout = XDG;");
+    EXPECT_EQ(logs(), home.path() + "/Library/Logs/Viewer");
 }
