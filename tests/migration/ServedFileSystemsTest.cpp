@@ -36,7 +36,7 @@ struct Places {
     /// A tree with files of many lengths, around those at which a copy changes its ways.
     void makeTree(const std::string& place) const {
         for (const std::size_t length :
-             {0, 1, 4095, 4096, 4097, 8192, 20000, 32767, 32768, 32769, 70000, 300001}) {
+             {0U, 1U, 4095U, 4096U, 4097U, 8192U, 20000U, 32767U, 32768U, 32769U, 70000U, 300001U}) {
             folder.file(place + "/sub/" + std::to_string(length), bytes(length));
         }
         folder.file(place + "/a.log", bytes(5000));
@@ -80,7 +80,7 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
     EXPECT_FALSE(scene::stands(places / (from + "/tree")));
     EXPECT_TRUE(places.folder.digest(to + "/tree", Detail::contents) == tree);
 
-    for (const std::size_t length : {0, 100, 5000, 32768, 100000}) {
+    for (const std::size_t length : {0U, 100U, 5000U, 32768U, 100000U}) {
         const std::string file = "/file" + std::to_string(length);
         places.folder.file(from + file, Places::bytes(length));
         places.folder.file(to + file, "old");
