@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 #include <sched.h>
+#include <sys/auxv.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 
@@ -362,7 +363,7 @@ TEST(NSProcessInfo, longCommandLinesAreKeptWhole) {
 
 TEST(NSProcessInfo, isTheProgramsOwnWhenItIsStartedThroughTheLoader) {
     Dl_info loader{};
-    ASSERT_NE(::dladdr(::dlsym(RTLD_DEFAULT, "__tls_get_addr"), &loader), 0);
+    ASSERT_NE(::dladdr(reinterpret_cast<void*>(::getauxval(AT_BASE)), &loader), 0);
     for (const char* const name : programs) {
         const std::string path = pathOfProgram(name);
         Words words = argumentsOf(path);
