@@ -20,10 +20,6 @@ using models::CivilDate;
 
 namespace {
 
-std::int64_t roundedDown(std::int64_t value, std::int64_t divisor) {
-    return static_cast<std::int64_t>(models::floorDivided(value, divisor));
-}
-
 std::int64_t plainDays(std::int64_t year, std::int64_t month, std::int64_t day) {
     return static_cast<std::int64_t>(models::dayNumber(year, month, day));
 }
