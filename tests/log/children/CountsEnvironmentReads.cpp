@@ -56,7 +56,7 @@ int main() {
     useTheLibrary();
     useTheLibrary();
     const int later = reads - atFirst;
-    NSTimeZone::resetSystemTimeZone(); // whether the counting counts
+    NSTimeZone::resetSystemTimeZone();                // whether the counting counts
     const bool countsAtAll = reads > atFirst + later; // TZ, and where named zones are
     return atFirst > 0 && later == 0 && countsAtAll ? 0 : 1;
 }
