@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "foundation/files/GuardedOpening.h"
+#include "foundation/process/StandardErrorWrite.h"
 #include "foundation/system/CallerState.h"
 
 namespace ZQFoundation::detail {
@@ -32,6 +33,7 @@ void moveOntoStandardError(int descriptor) noexcept {
         // Busy: another thread is just opening a file at this number.
         moved = ::dup2(descriptor, STDERR_FILENO);
     } while (moved < 0 && (errno == EINTR || errno == EBUSY));
+    standardErrorHasChanged();
 }
 
 int openNullDevice() noexcept {
@@ -66,6 +68,7 @@ void redirectStandardError(const std::string& path) noexcept {
     }
     if (target == STDERR_FILENO) { // the host had closed it
         ::fcntl(target, F_SETFD, 0);
+        standardErrorHasChanged();
         return;
     }
     moveOntoStandardError(target);

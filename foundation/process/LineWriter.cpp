@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: MIT
-// The head of a line, and its way into descriptor 2 whatever that is.
+// The way of a line into descriptor 2, whatever that is.
 #include "foundation/process/LineWriter.h"
 
 #include <cerrno>
-#include <cstring>
 
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "foundation/process/ProcessIdentity.h"
+#include "foundation/process/LinePrefix.h"
+#include "foundation/process/StandardErrorWrite.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/Lock.h"
 #include "foundation/system/System.h"
-#include "foundation/text/NumberText.h"
-#include "foundation/time/LocalTimeText.h"
 
 namespace ZQFoundation::detail {
 
@@ -33,39 +31,8 @@ struct TornLine {
 
 constinit TornLine tornLine{};
 
-char* writeHex(std::uint64_t number, char* out) noexcept {
-    int shift = 60;
-    while (shift > 0 && (number >> shift) == 0) {
-        shift -= 4;
-    }
-    for (; shift >= 0; shift -= 4) {
-        *out++ = "0123456789abcdef"[number >> shift & 15];
-    }
-    return out;
-}
-
-// In front of a line's own bytes stands room for its date, which ends where that room ends, and for the line
-// feed that completes a half line.
-constexpr std::size_t dateEnd = 1 + localTimeTextCapacity;
-
-/// The numbers of process and thread, and the characters between.
-constexpr std::size_t headBytesWithoutName = dateEnd + 2 * numberTextCapacity + 5;
-
-/// The head but for the date, which is that of the writing.
-char* writeHead(const ProcessIdentity& process, char* out) noexcept {
-    std::memset(out, ' ', dateEnd);
-    out += dateEnd;
-    *out++ = ' ';
-    std::memcpy(out, process.name, process.nameLength);
-    out += process.nameLength;
-    *out++ = '[';
-    out = writeInt64(system::processIdentifier(), out);
-    *out++ = ':';
-    out = writeHex(system::threadIdentifier(), out);
-    *out++ = ']';
-    *out++ = ' ';
-    return out;
-}
+/// Guarded by the lock of the writer.
+constinit KeptLinePrefixes keptPrefixes;
 
 /// False when the descriptor is beyond waiting for.
 bool waitUntilWritable() noexcept {
@@ -75,16 +42,15 @@ bool waitUntilWritable() noexcept {
 }
 
 /// Writes all bytes, over interruptions, short writes and full pipes. Returns how many went out.
-std::size_t writeAll(const char* bytes, std::size_t count) noexcept {
+std::size_t writeAll(const char* bytes, std::size_t count, std::int64_t second) noexcept {
     std::size_t written = 0;
     while (written < count) {
-        const std::ptrdiff_t step =
-            system::writeWithoutSignals(STDERR_FILENO, bytes + written, count - written);
+        const std::ptrdiff_t step = writeToStandardError(bytes + written, count - written, second);
         if (step > 0) {
             written += static_cast<std::size_t>(step);
-        } else if (step == 0 || (errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK)) {
+        } else if (step == 0 || (step != -EINTR && step != -EAGAIN && step != -EWOULDBLOCK)) {
             break;
-        } else if (errno != EINTR && !waitUntilWritable()) {
+        } else if (step != -EINTR && !waitUntilWritable()) {
             break;
         }
     }
@@ -109,13 +75,14 @@ bool leadsToTornLine() noexcept {
 
 /// In front of the bytes is room for one more: the line feed that completes a half line goes out with the
 /// line that follows it, or not at all.
-void writeWhole(char* bytes, std::size_t count) noexcept {
+void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
+    const CallerState callerState;
     const bool completes = tornLine.isTorn && leadsToTornLine();
     if (completes) {
         *--bytes = '\n';
         ++count;
     }
-    const std::size_t written = writeAll(bytes, count);
+    const std::size_t written = writeAll(bytes, count, second);
     if (written == 0) {
         return;
     }
@@ -125,32 +92,53 @@ void writeWhole(char* bytes, std::size_t count) noexcept {
     }
 }
 
+/// After a first write that was not the whole line: the rest, or all of it once more.
+[[gnu::noinline]] void continueLine(char* bytes, std::size_t count, std::ptrdiff_t written,
+                                    std::int64_t second) noexcept {
+    if (written <= 0) {
+        return writeWhole(bytes, count, second);
+    }
+    const CallerState callerState;
+    const auto start = static_cast<std::size_t>(written);
+    if (writeAll(bytes + start, count - start, second) != count - start) {
+        rememberTear();
+    }
+}
+
 } // namespace
 
-LogLine::LogLine() {
-    const ProcessIdentity& process = processIdentity();
-    char* const out = text_.reserveAscii(headBytesWithoutName + process.nameLength);
-    messageStart_ = static_cast<std::size_t>(writeHead(process, out) - out);
+LogLine::LogLine() : process_(processIdentity()) {
+    // One more for the line feed that completes a half line.
+    messageStart_ = 1 + LinePrefix::roomFor(process_);
+    text_.reserveAscii(messageStart_);
     text_.commitAscii(messageStart_);
 }
 
 void LogLine::write() {
-    const CallerState callerState;
     text_.replaceUnpairedSurrogates();
     if (text_.length() == messageStart_ || text_.bytes()[text_.length() - 1] != '\n') {
         text_.appendAscii('\n');
     }
-    char date[localTimeTextCapacity];
-    const auto dateLength = static_cast<std::size_t>(writeLocalTime(currentInstant(), date) - date);
-    char* const start = text_.bytes() + dateEnd - dateLength;
-    std::memcpy(start, date, dateLength);
-    const std::size_t count = text_.length() - (dateEnd - dateLength);
-    if (writerLock.isHeldByThisThread()) { // a signal handler that interrupted this very write
-        writeAll(start, count);
+    const LinePrefix prefix{process_, roundedToMilliseconds(currentInstant())};
+    const std::int64_t second = prefix.time.seconds;
+    char* const message = text_.bytes() + messageStart_;
+    char* const end = text_.bytes() + text_.length();
+    const Guard guard(writerLock);
+    if (writerLock.isHeldAgain()) { // a signal handler that interrupted this very write
+        const CallerState callerState;
+        char* const start = prefix.writeBefore(message);
+        writeAll(start, static_cast<std::size_t>(end - start), second);
         return;
     }
-    const Guard guard(writerLock);
-    writeWhole(start, count);
+    char* const start = keptPrefixes.writeBefore(message, prefix);
+    const auto count = static_cast<std::size_t>(end - start);
+    if (tornLine.isTorn) [[unlikely]] {
+        return writeWhole(start, count, second);
+    }
+    const std::ptrdiff_t written = writeToStandardError(start, count, second);
+    if (written != static_cast<std::ptrdiff_t>(count)) [[unlikely]] {
+        continueLine(start, count, written, second);
+    }
 }
 
 void writeLine(StringView text) {

@@ -4,6 +4,7 @@
 #define ZQFOUNDATION_PROCESS_LINEWRITER_H
 
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/process/ProcessIdentity.h"
 
 namespace ZQFoundation::detail {
 
@@ -26,9 +27,10 @@ public:
 private:
     static constexpr std::size_t lentBytes = 2048;
 
+    const ProcessIdentity& process_;
+    std::size_t messageStart_;
     char lent_[lentBytes];
     TextBuilder text_{lent_, lentBytes};
-    std::size_t messageStart_;
 };
 
 /// Writes the text as one line.

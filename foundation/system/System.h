@@ -51,6 +51,13 @@ std::uint64_t threadIdentifier() noexcept;
 /// signal. Returns -1 with `errno` on failure.
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept;
 
+/// Writes like `write`, but is no cancellation point, and returns an error number below 0 in place of setting
+/// `errno`.
+std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) noexcept;
+
+/// Whether a regular file may become as large as its file system lets it.
+bool fileSizeIsUnlimited() noexcept;
+
 /// Sleeps while the word holds `expected`, at most about a millisecond; may return early. Keeps `errno`, as
 /// `wakeOne` does.
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept;

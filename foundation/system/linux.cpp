@@ -28,6 +28,16 @@ constexpr int writeWithoutPipeSignal = 0x100;
 
 constinit bool kernelRefusesFlag = false;
 
+/// A kernel that knows the flag takes it for pipes and regular files; some devices refuse every flag.
+void noteRefusal(int descriptor) noexcept {
+    struct stat status {};
+    if (fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode))) {
+        __atomic_store_n(&kernelRefusesFlag, true, __ATOMIC_RELAXED);
+    }
+}
+
+} // namespace
+
 bool fileSizeIsUnlimited() noexcept {
     rlimit limit{};
 #ifdef SYS_getrlimit // half the price of the call that the C library makes
@@ -38,15 +48,29 @@ bool fileSizeIsUnlimited() noexcept {
     return known && limit.rlim_cur == RLIM_INFINITY;
 }
 
-/// A kernel that knows the flag takes it for pipes and regular files; some devices refuse every flag.
-void noteRefusal(int descriptor) noexcept {
-    struct stat status {};
-    if (fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode))) {
-        __atomic_store_n(&kernelRefusesFlag, true, __ATOMIC_RELAXED);
-    }
+std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) noexcept {
+#if defined(__x86_64__)
+    std::ptrdiff_t result = SYS_write;
+    asm volatile("syscall"
+                 : "+a"(result)
+                 : "D"(static_cast<long>(descriptor)), "S"(bytes), "d"(count)
+                 : "rcx", "r11", "memory");
+    return result;
+#elif defined(__aarch64__)
+    register long result asm("x0") = descriptor;
+    register const char* const start asm("x1") = bytes;
+    register const std::size_t length asm("x2") = count;
+    register const long number asm("x8") = SYS_write;
+    asm volatile("svc 0" : "+r"(result) : "r"(start), "r"(length), "r"(number) : "memory");
+    return result;
+#else
+    const int callersError = errno;
+    const std::ptrdiff_t written = syscall(SYS_write, descriptor, bytes, count);
+    const std::ptrdiff_t result = written >= 0 ? written : -errno;
+    errno = callersError;
+    return result;
+#endif
 }
-
-} // namespace
 
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept {
     if (!__atomic_load_n(&kernelRefusesFlag, __ATOMIC_RELAXED) && fileSizeIsUnlimited()) {

@@ -7,6 +7,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/sysctl.h>
 #include <unistd.h>
@@ -14,6 +15,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "foundation/system/CallerState.h"
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/MaskedWrite.h"
 #include "foundation/system/System.h"
@@ -35,6 +37,17 @@ bool appendName(char (&path)[PATH_MAX], const char* name) noexcept {
 }
 
 } // namespace
+
+std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) noexcept {
+    const CallerState callerState;
+    const std::ptrdiff_t written = write(descriptor, bytes, count);
+    return written >= 0 ? written : -errno;
+}
+
+bool fileSizeIsUnlimited() noexcept {
+    rlimit limit{};
+    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
+}
 
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept {
     return maskedWrite(descriptor, bytes, count);

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+// The date, the process and the thread of a line, kept for the next lines.
+#include "foundation/process/LinePrefix.h"
+
+#include <cstring>
+
+#include "foundation/system/System.h"
+#include "foundation/text/NumberText.h"
+#include "foundation/time/LocalTimeText.h"
+
+namespace ZQFoundation::detail {
+
+namespace {
+
+/// Digits of 64 bits.
+constexpr std::size_t hexCapacity = 16;
+
+/// The characters between date, name and numbers.
+constexpr std::size_t charactersBetween = sizeof(" [:] ") - 1;
+
+char* writeHexBefore(std::uint64_t number, char* end) noexcept {
+    do {
+        *--end = "0123456789abcdef"[number & 15];
+        number >>= 4;
+    } while (number != 0);
+    return end;
+}
+
+char* copyBefore(char* end, const char* text, std::size_t length) noexcept {
+    return static_cast<char*>(std::memcpy(end - length, text, length));
+}
+
+char* writeNumberBefore(std::int64_t number, char* end) noexcept {
+    char digits[numberTextCapacity];
+    return copyBefore(end, digits, static_cast<std::size_t>(writeInt64(number, digits) - digits));
+}
+
+/// "MyApp[1234:5d7f] " with a blank in front.
+char* writeProcessBefore(char* end, const ProcessIdentity& process) noexcept {
+    end = copyBefore(end, "] ", 2);
+    end = writeHexBefore(system::threadIdentifier(), end);
+    *--end = ':';
+    end = writeNumberBefore(system::processIdentifier(), end);
+    *--end = '[';
+    end = copyBefore(end, process.name, process.nameLength);
+    *--end = ' ';
+    return end;
+}
+
+char* writeDateBefore(char* end, Instant time) noexcept {
+    char date[localTimeTextCapacity];
+    return copyBefore(end, date, static_cast<std::size_t>(writeLocalTime(time, date) - date));
+}
+
+constexpr std::size_t millisecondDigits = 3;
+
+void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
+    const int milliseconds = nanoseconds / 1000000;
+    out[0] = static_cast<char>('0' + milliseconds / 100);
+    out[1] = static_cast<char>('0' + milliseconds / 10 % 10);
+    out[2] = static_cast<char>('0' + milliseconds % 10);
+}
+
+} // namespace
+
+std::size_t LinePrefix::roomFor(const ProcessIdentity& process) noexcept {
+    const std::size_t most =
+        localTimeTextCapacity + charactersBetween + process.nameLength + numberTextCapacity + hexCapacity;
+    return most > KeptLinePrefixes::textCapacity ? most : KeptLinePrefixes::textCapacity;
+}
+
+char* LinePrefix::writeBefore(char* end) const noexcept {
+    return writeDateBefore(writeProcessBefore(end, process), time);
+}
+
+/// Whether the milliseconds are all that a line of this prefix would have to change.
+bool KeptLinePrefixes::Kept::serves(const Kept& wanted) const noexcept {
+    return __atomic_load_n(&thread, __ATOMIC_ACQUIRE) == wanted.thread && second == wanted.second &&
+           generation == wanted.generation && zone == wanted.zone && process == wanted.process;
+}
+
+char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcept {
+    const Kept wanted{system::threadIdentifier(), prefix.time.seconds, processZone(), &prefix.process,
+                      system::forkGeneration()};
+    Prefix& place = prefixes_[wanted.thread % places];
+    if (!place.kept.serves(wanted)) [[unlikely]] {
+        return writeAnewBefore(end, prefix, place, wanted);
+    }
+    std::memcpy(end - textCapacity, place.text, textCapacity);
+    writeMilliseconds(prefix.time.nanoseconds, end - place.behindDate - millisecondDigits);
+    return end - place.length;
+}
+
+char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
+                                        const Kept& wanted) noexcept {
+    char* const behindDate = writeProcessBefore(end, prefix.process);
+    char* const start = writeDateBefore(behindDate, prefix.time);
+    const auto length = static_cast<std::size_t>(end - start);
+    if (length <= textCapacity) {
+        __atomic_store_n(&place.kept.thread, 0, __ATOMIC_RELAXED);
+        __atomic_thread_fence(__ATOMIC_RELEASE);
+        std::memcpy(place.text + textCapacity - length, start, length);
+        place.length = length;
+        place.behindDate = static_cast<std::size_t>(end - behindDate);
+        place.kept.second = wanted.second;
+        place.kept.zone = wanted.zone;
+        place.kept.process = wanted.process;
+        place.kept.generation = wanted.generation;
+        __atomic_store_n(&place.kept.thread, wanted.thread, __ATOMIC_RELEASE);
+    }
+    return start;
+}
+
+} // namespace ZQFoundation::detail
