@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Paths taken apart and put together as texts.
 #include <string>
 #include <vector>
 
@@ -43,6 +44,12 @@ const SplitRow splitRows[] = {
     {"a//b", "b", "a", "[a][b]"},
     {"a//b//c", "c", "a/b", "[a][b][c]"},
     {"/a//b/", "b", "/a", "[/][a][b][/]"},
+    {"a/b/", "b", "a", "[a][b][/]"},
+    {"//a///b//", "b", "/a", "[/][a][b][/]"},
+    {".", ".", "", "[.]"},
+    {"./x", "x", ".", "[.][x]"},
+    {"~", "~", "", "[~]"},
+    {" / ", " ", " ", "[ ][ ]"},
     {"..", "..", "", "[..]"},
     {"x/..", "..", "x", "[x][..]"},
     {"~/x", "x", "~", "[~][x]"},
@@ -84,6 +91,10 @@ const ExtensionRow extensionRows[] = {
     {".a.b", "b", ".a"},
     {"a.b/c", "", "a.b/c"},
     {"\u00E9.\u00E9", "\u00E9", "\u00E9"},
+    {"a.b/c.d", "d", "a.b/c"},
+    {"a.b/.c", "", "a.b/.c"},
+    {"~/a.b", "b", "~/a"},
+    {"MyApp.20240305-1407.1234.log", "log", "MyApp.20240305-1407.1234"},
 };
 
 TEST(PathComponents, findsTheExtension) {
@@ -121,6 +132,13 @@ const AppendRow appendRows[] = {
     {"a", "/", "a"},
     {"a//", "//b//", "a/b"},
     {"\u00E9", "\u20AC", "\u00E9/\u20AC"},
+    {"a", "b//c", "a/b/c"},
+    {"/", "", "/"},
+    {"//", "", "/"},
+    {"/a", ".", "/a/."},
+    {"//a//b", "c", "/a/b/c"},
+    {"/", "~", "/~"},
+    {"a", " ", "a/ "},
 };
 
 TEST(PathComponents, appendsWithOneSlash) {
@@ -137,6 +155,12 @@ TEST(PathComponents, joinsComponents) {
     EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"", "a", "", "b"})), "a/b");
     EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"/", "/"})), "/");
     EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"a", "/b/"})), "a/b");
+    EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"a", "/", "b"})), "a/b");
+    EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"a", "/"})), "a");
+    EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"/", "", "b"})), "/b");
+    EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{""})), "");
+    EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"a/b", "c"})), "a/b/c");
+    EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"a", ".."})), "a/..");
     EXPECT_EQ(utf8Of(NSString::pathWithComponents(NSArray{"a", 1, "b"})), "a/b");
 }
 
@@ -150,10 +174,10 @@ TEST(PathComponents, splittingAndJoiningGivesTheSqueezedPath) {
 }
 
 TEST(PathComponents, absolutePathsBeginWithASlashOrATilde) {
-    for (const char* const path : {"/", "/a", "~", "~x", "~/a"}) {
+    for (const char* const path : {"/", "/a", "//", "~", "~x", "~/a", "~~"}) {
         EXPECT_TRUE(NSString(path).isAbsolutePath()) << path;
     }
-    for (const char* const path : {"", "a", "./a", " /", "\u00E9"}) {
+    for (const char* const path : {"", "a", "a/b", "./a", "../a", " /", " ~", "a/~", "file:///a", "\u00E9"}) {
         EXPECT_FALSE(NSString(path).isAbsolutePath()) << path;
     }
 }

@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include <gtest/gtest.h>
+#include <pwd.h>
 
 #include "foundation/files/HomeFolder.h"
 #include "tests/files/FileScene.h"
@@ -45,13 +46,33 @@ TEST(PathResolution, expandsTheTilde) {
         {"a", "a"},
         {"~no such account", "~no such account"},
         {"~no such account/x", "~no such account/x"},
+        {"~/~", "/h/u/~"},
+        {"~/..", "/h/u/.."},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(expanded(row.path), row.result) << row.path;
     }
     const std::string root = detail::homeFolderOfAccount("root");
+    EXPECT_EQ(root, ::getpwnam("root")->pw_dir);
     EXPECT_EQ(expanded("~root"), root);
+    EXPECT_EQ(expanded("~root/"), root);
     EXPECT_EQ(expanded("~root/x"), root + "/x");
+}
+
+TEST(PathResolution, asksTheUserDatabaseWithoutAHomeSetting) {
+    const scene::Variable home("HOME", nullptr);
+    const passwd* const user = ::getpwuid(::getuid());
+    // An account that the database does not know has no home: the path stays.
+    const std::string expected = user != nullptr ? user->pw_dir : "~";
+    EXPECT_EQ(expanded("~"), expected);
+    EXPECT_EQ(expanded("~/a"), expected + "/a");
+}
+
+TEST(PathResolution, answersNilToNil) {
+    const NSString none;
+    EXPECT_FALSE(none.stringByExpandingTildeInPath());
+    EXPECT_FALSE(none.stringByStandardizingPath());
+    EXPECT_FALSE(none.stringByResolvingSymlinksInPath());
 }
 
 TEST(PathResolution, aHomeFolderMayEndWithASlashOrBeTheRoot) {
@@ -95,6 +116,17 @@ TEST(PathResolution, standardizesByText) {
         {"/no such/..x", "/no such/..x"},
         {"/no such/x..", "/no such/x.."},
         {"~no such account/../x", "~no such account/../x"},
+        {"~", "/h/u"},
+        {"~//a/./b/", "/h/u/a/b"},
+        {"a/~", "a/~"},
+        {"..", ".."},
+        {"a/../b", "a/../b"},
+        {"a/./../b/", "a/../b"},
+        {"/no such/a/../../../../b", "/b"},
+        {"/no such/...", "/no such/..."},
+        {"/no such/.a", "/no such/.a"},
+        {"/private/no such", "/private/no such"},
+        {"/private/tmp/no such", "/private/tmp/no such"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(standardized(row.path), row.result) << row.path;
@@ -112,36 +144,95 @@ protected:
     scene::Folder folder;
 };
 
-TEST_F(PathResolutionOnDisk, standardizingKeepsLinksUnlessThereIsADoubleDot) {
-    folder.makeFolder("a/b");
-    folder.write("a/f", "");
-    link("a/b", "l");
-    EXPECT_EQ(standardized(in("l")), in("l"));
-    EXPECT_EQ(standardized(in("l/.")), in("l"));
-    EXPECT_EQ(standardized(in("l/../f")), in("a/f"));
-    EXPECT_EQ(standardized(in("l/..")), in("a"));
-    EXPECT_EQ(standardized(in("l/../no such")), in("no such")) << "by its text, as not everything is there";
+/// real/sub/file, other/, and links to them: everything that resolving and standardizing meet.
+class PathResolutionOfLinks : public PathResolutionOnDisk {
+protected:
+    PathResolutionOfLinks() {
+        folder.write("real/sub/file", "");
+        folder.makeFolder("other");
+        link("real/sub", "link");
+        link("link", "chained");
+        link(in("real"), "absolute");
+        link("../other", "real/up");
+        link("./sub/.", "real/dotted");
+        link("real/sub/file", "fileLink");
+        link("nosuch", "dangling");
+        link("dangling", "toDangling");
+        link("loopB", "loopA");
+        link("loopA", "loopB");
+        link("self", "self");
+        link(".", "here");
+    }
+};
+
+TEST_F(PathResolutionOfLinks, goesThroughTheFileSystemForParentsWhenAllOfThePathExists) {
+    const Row rows[] = {
+        // Without ".." links stay.
+        {"/link", "/link"},
+        {"/link/file", "/link/file"},
+        {"//link/./file/", "/link/file"},
+        {"/absolute/sub", "/absolute/sub"},
+        {"/dangling", "/dangling"},
+        // Everything exists: ".." is where the links lead, and all links are resolved.
+        {"/link/..", "/real"},
+        {"/link/../sub", "/real/sub"},
+        {"/link/../sub/file", "/real/sub/file"},
+        {"/other/../link/file", "/real/sub/file"},
+        {"/chained/../up", "/other"},
+        {"/other/..", ""},
+        // Something is missing: ".." is folded by its text, and links stay.
+        {"/link/../missing", "/missing"},
+        {"/link/missing/..", "/link"},
+        {"/missing/../link", "/link"},
+        {"/link/../other", "/other"},
+        {"/other/../dangling", "/dangling"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(standardized(folder.path() + row.path), folder.path() + row.result) << row.path;
+    }
 }
 
-TEST_F(PathResolutionOnDisk, replacesLinks) {
-    folder.makeFolder("a/b");
-    folder.write("a/f", "");
-    link("a", "relative");
-    link(in("a/b"), "absolute");
-    link("relative", "chain");
-    link("../f", "a/b/up");
-    link("./b/.", "a/dotted");
-    EXPECT_EQ(resolved(in("relative")), in("a"));
-    EXPECT_EQ(resolved(in("relative/f")), in("a/f"));
-    EXPECT_EQ(resolved(in("absolute/")), in("a/b"));
-    EXPECT_EQ(resolved(in("chain//b")), in("a/b"));
-    EXPECT_EQ(resolved(in("a/b/up")), in("a/f"));
-    EXPECT_EQ(resolved(in("a/dotted/up")), in("a/f"));
-    EXPECT_EQ(resolved(in("absolute/../f")), in("a/f")) << "above the target, not above the link";
-    EXPECT_EQ(resolved(in("a/./b")), in("a/b"));
+TEST_F(PathResolutionOfLinks, replacesLinks) {
+    const Row rows[] = {
+        {"/real", "/real"},
+        {"/real/", "/real"},
+        {"//real//sub/", "/real/sub"},
+        {"/link", "/real/sub"},
+        {"/link/", "/real/sub"},
+        {"/link/file", "/real/sub/file"},
+        {"/chained/file", "/real/sub/file"},
+        {"/absolute/sub/file", "/real/sub/file"},
+        {"/real/up", "/other"},
+        {"/absolute/up", "/other"},
+        {"/fileLink", "/real/sub/file"},
+        {"/here/here/link", "/real/sub"},
+        {"/link/..", "/real"},
+        {"/link/../up", "/other"},
+        {"/link/./file", "/real/sub/file"},
+        // A dangling link stays; what exists before a missing item is resolved, the rest is text.
+        {"/dangling", "/dangling"},
+        {"/dangling/x", "/dangling/x"},
+        {"/absolute/missing", "/real/missing"},
+        {"/link/missing/x", "/real/sub/missing/x"},
+        {"/missing/link", "/missing/link"},
+        {"/missing//x/./y/", "/missing/x/y"},
+        // A loop leaves the whole path.
+        {"/loopA", "/loopA"},
+        {"/loopA/x", "/loopA/x"},
+        {"/here/loopA", "/here/loopA"},
+        {"/here//loopA/./x/", "/here/loopA/x"},
+        {"/self/../x", "/x"},
+        {"/toDangling", "/toDangling"},
+        {"/real/dotted/file", "/real/sub/file"},
+        {"/real/sub/file/x", "/real/sub/file/x"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(resolved(folder.path() + row.path), folder.path() + row.result) << row.path;
+    }
     EXPECT_EQ(resolved("/"), "/");
     EXPECT_EQ(resolved("/.."), "/");
     EXPECT_EQ(resolved(""), "");
+    EXPECT_EQ(resolved("/no such/../no other/"), "/no other");
 }
 
 TEST_F(PathResolutionOnDisk, expandsTheTildeFirst) {
@@ -149,15 +240,8 @@ TEST_F(PathResolutionOnDisk, expandsTheTildeFirst) {
     link("a", "l");
     const scene::Variable home("HOME", in("l").c_str());
     EXPECT_EQ(resolved("~"), in("a"));
+    EXPECT_EQ(resolved("~/"), in("a"));
     EXPECT_EQ(resolved("~/x"), in("a/x"));
-}
-
-TEST_F(PathResolutionOnDisk, aDanglingLinkStays) {
-    link("no such", "dangling");
-    link("dangling", "to-dangling");
-    EXPECT_EQ(resolved(in("dangling")), in("dangling"));
-    EXPECT_EQ(resolved(in("dangling/x")), in("dangling/x"));
-    EXPECT_EQ(resolved(in("to-dangling")), in("to-dangling"));
 }
 
 TEST_F(PathResolutionOnDisk, aLinkWhoseTextDoesNotLeadToItsTargetStays) {
@@ -169,25 +253,6 @@ TEST_F(PathResolutionOnDisk, aLinkWhoseTextDoesNotLeadToItsTargetStays) {
     EXPECT_EQ(resolved(in("l")), folderOfLinks + std::to_string(ends[0]));
     ::close(ends[0]);
     ::close(ends[1]);
-}
-
-TEST_F(PathResolutionOnDisk, theRestBehindAMissingItemIsText) {
-    folder.makeFolder("a");
-    folder.write("f", "");
-    link("a", "l");
-    EXPECT_EQ(resolved(in("l/no such/x/./../y")), in("a/no such/y"));
-    EXPECT_EQ(resolved(in("f/x")), in("f/x"));
-}
-
-TEST_F(PathResolutionOnDisk, aLoopLeavesThePathStandardized) {
-    folder.makeFolder("a");
-    link("a", "l");
-    link("two", "a/one");
-    link("one", "a/two");
-    link("self", "self");
-    EXPECT_EQ(resolved(in("a/one")), in("a/one"));
-    EXPECT_EQ(resolved(in("l//one/./x/")), in("l/one/x"));
-    EXPECT_EQ(resolved(in("self/../x")), in("x"));
 }
 
 TEST_F(PathResolutionOnDisk, followsThirtyTwoLinksAndNoMore) {
@@ -216,6 +281,9 @@ TEST_F(PathResolutionOnDisk, relativePathsStayRelative) {
     EXPECT_EQ(resolved("here"), ".");
     EXPECT_EQ(resolved("here/f"), "f");
     EXPECT_EQ(resolved("no such/../f"), "no such/../f");
+    EXPECT_EQ(resolved("no such/x/"), "no such/x");
+    EXPECT_EQ(standardized("a/../here"), "a/../here");
+    EXPECT_EQ(standardized("absolute/.."), "absolute/..");
 }
 
 TEST_F(PathResolutionOnDisk, anyBytesRoundTrip) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Child processes: forked, as an ordinary user, and this test program run again.
+// Child processes: forked, as an ordinary user, programs, and this test program run again.
 #ifndef ZQFOUNDATION_TESTS_KIT_CHILD_H
 #define ZQFOUNDATION_TESTS_KIT_CHILD_H
 
@@ -113,6 +113,47 @@ std::string inProcessOfItsOwn(const std::vector<std::pair<std::string, std::stri
     ::close(ends[0]);
     EXPECT_EQ(endOf(child), 0) << test.name();
     return text;
+}
+
+/// Runs a program in a child that `prepare` is called in before, and returns what it writes; fails the test
+/// unless it exits with 0.
+template <class Prepare>
+std::string outputOf(const std::string& program, const std::vector<std::string>& arguments,
+                     const Prepare& prepare) {
+    int ends[2];
+    if (::pipe(ends) != 0) {
+        return "no pipe";
+    }
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(ends[1], 1);
+        ::close(ends[0]);
+        ::close(ends[1]);
+        prepare();
+        std::vector<std::string> words = arguments;
+        std::vector<char*> pointers;
+        for (std::string& word : words) {
+            pointers.push_back(word.data());
+        }
+        pointers.push_back(nullptr);
+        ::execv(program.c_str(), pointers.data());
+        ::_exit(127);
+    }
+    ::close(ends[1]);
+    const std::string output = readToEnd(ends[0]);
+    ::close(ends[0]);
+    EXPECT_EQ(endOf(child), 0) << program;
+    return output;
+}
+
+/// Runs this test program again, with more variables and arguments, and returns what it writes.
+inline std::string runAgain(const std::vector<std::pair<std::string, std::string>>& variables,
+                            const std::vector<std::string>& arguments) {
+    return outputOf("/proc/self/exe", arguments, [&] {
+        for (const auto& [name, value] : variables) {
+            ::setenv(name.c_str(), value.c_str(), 1);
+        }
+    });
 }
 
 } // namespace ZQFoundation::kit

@@ -1,19 +1,24 @@
 // SPDX-License-Identifier: MIT
-// What stands at a path, chains of folders, and the umask and the current folder for a scope.
+// What stands at a path, chains of folders, and the umask, the current folder and the number of descriptors
+// for a scope or a child.
 #ifndef ZQFOUNDATION_TESTS_KIT_ITEMS_H
 #define ZQFOUNDATION_TESTS_KIT_ITEMS_H
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "foundation/objects/NSString.h"
+#include "tests/kit/Child.h"
 
 namespace ZQFoundation::kit {
 
@@ -22,11 +27,38 @@ inline NSString fromBytes(const std::string& bytes) {
     return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
 }
 
+inline std::string bytesOf(const NSString& text) {
+    std::string bytes;
+    return text.getFileSystemBytes(bytes) ? bytes : "(no bytes)";
+}
+
+/// The number of the file system that holds the item.
+inline dev_t deviceOf(const std::string& path) {
+    struct stat information;
+    return ::lstat(path.c_str(), &information) == 0 ? information.st_dev : 0;
+}
+
+inline std::string realPath(const std::string& path) {
+    char buffer[PATH_MAX] = {};
+    EXPECT_NE(::realpath(path.c_str(), buffer), nullptr) << path;
+    return buffer;
+}
+
 /// Whether a name stands there, a dangling link too.
 inline bool stands(const std::string& path) {
     struct stat information;
     return ::lstat(path.c_str(), &information) == 0;
 }
+
+/// Whether an item of this type (`S_IFDIR`, ...) stands there; a link is none but a link.
+inline bool isOfType(const std::string& path, mode_t type) {
+    struct stat information;
+    return ::lstat(path.c_str(), &information) == 0 && (information.st_mode & S_IFMT) == type;
+}
+
+inline bool isFolder(const std::string& path) { return isOfType(path, S_IFDIR); }
+inline bool isFile(const std::string& path) { return isOfType(path, S_IFREG); }
+inline bool isLink(const std::string& path) { return isOfType(path, S_IFLNK); }
 
 /// The permissions of the item itself.
 inline mode_t modeOf(const std::string& path) {
@@ -80,6 +112,26 @@ inline int openDescriptors() {
         ::closedir(folder);
     }
     return count;
+}
+
+/// What the body answers in a child that may open so many files more.
+template <class Body>
+bool isTrueWithDescriptors(rlim_t count, const Body& body) {
+    return inChild([&] {
+               // The lowest free numbers are what the limit leaves.
+               const int lowest = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+               ::close(lowest);
+               const rlim_t most = static_cast<rlim_t>(lowest) + count;
+               const rlimit limit{most, most};
+               ::setrlimit(RLIMIT_NOFILE, &limit);
+               return body() ? 0 : 1;
+           }) == 0;
+}
+
+/// What the body answers in a forked child whose current folder is this one.
+template <class Body>
+bool insideFolder(const std::string& folder, const Body& body) {
+    return inChild([&] { return ::chdir(folder.c_str()) == 0 && body() ? 0 : 1; }) == 0;
 }
 
 /// The umask for a scope. It belongs to the process: only for tests that start no threads.

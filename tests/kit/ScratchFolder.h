@@ -11,33 +11,35 @@
 #include <string_view>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace ZQFoundation::kit {
 
-inline void removeTree(const std::string& path) {
-    struct stat information;
-    if (::lstat(path.c_str(), &information) != 0) {
+/// Removes the item at the path, which is relative to an open folder. Follows no link, even one that is put
+/// there meanwhile.
+inline void removeTree(const std::string& path, int above = AT_FDCWD) {
+    const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    int folder = ::openat(above, path.c_str(), flags);
+    if (folder < 0 && errno == EACCES && ::fchmodat(above, path.c_str(), 0700, 0) == 0) {
+        folder = ::openat(above, path.c_str(), flags);
+    }
+    if (folder < 0) {
+        ::unlinkat(above, path.c_str(), 0);
         return;
     }
-    if (!S_ISDIR(information.st_mode)) {
-        ::unlink(path.c_str());
-        return;
-    }
-    ::chmod(path.c_str(), 0755);
-    DIR* const folder = ::opendir(path.c_str());
-    while (const dirent* entry = folder != nullptr ? ::readdir(folder) : nullptr) {
+    ::fchmod(folder, 0700);
+    DIR* const names = ::fdopendir(folder);
+    while (const dirent* entry = names != nullptr ? ::readdir(names) : nullptr) {
         const std::string name = entry->d_name;
         if (name != "." && name != "..") {
-            removeTree(path + "/" + name);
+            removeTree(name, folder);
         }
     }
-    if (folder != nullptr) {
-        ::closedir(folder);
-    }
-    ::rmdir(path.c_str());
+    ::closedir(names);
+    ::unlinkat(above, path.c_str(), AT_REMOVEDIR);
 }
 
 /// A folder that anybody may look into, removed with its scope.

@@ -8,7 +8,9 @@
 #include <sys/resource.h>
 
 #include "foundation/system/FileSystem.h"
-#include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation::detail;
 using system::copyFileData;
@@ -67,7 +69,7 @@ std::string otherFileSystem() {
 class FileDataCopy : public testing::Test {
 protected:
     std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
+    ZQFoundation::kit::ScratchFolder folder;
 };
 
 TEST_F(FileDataCopy, everyMeansCopiesEverySize) {
@@ -76,7 +78,8 @@ TEST_F(FileDataCopy, everyMeansCopiesEverySize) {
         folder.write("a", bytes);
         for (const DataMeans means : allMeans) {
             EXPECT_TRUE(copyFile(in("a"), in("b"), means)) << size << " " << std::strerror(errno);
-            EXPECT_TRUE(scene::contentsOf(in("b")) == bytes) << size << " " << static_cast<int>(means);
+            EXPECT_TRUE(ZQFoundation::kit::contentsOf(in("b")) == bytes)
+                << size << " " << static_cast<int>(means);
             ::unlink(in("b").c_str());
         }
     }
@@ -87,11 +90,11 @@ TEST_F(FileDataCopy, everyMeansGetsToAnotherFileSystem) {
     folder.write("a", bytes);
     const std::string other = otherFileSystem();
     // Without another one the copy stays here, which says less and is still to be right.
-    const scene::Variable place("TMPDIR", other.empty() ? "/tmp" : other.c_str());
-    const scene::Folder away;
+    const ZQFoundation::kit::Variable place("TMPDIR", other.empty() ? "/tmp" : other.c_str());
+    const ZQFoundation::kit::ScratchFolder away;
     for (const DataMeans means : allMeans) {
         EXPECT_TRUE(copyFile(in("a"), away / "b", means));
-        EXPECT_TRUE(scene::contentsOf(away / "b") == bytes) << static_cast<int>(means);
+        EXPECT_TRUE(ZQFoundation::kit::contentsOf(away / "b") == bytes) << static_cast<int>(means);
         ::unlink((away / "b").c_str());
     }
 }
@@ -141,7 +144,7 @@ TEST_F(FileDataCopy, aDestinationThatAppendsRefusesTheKernelsMeansAndIsWrittenAl
             const OpenFile destination(in("b"), O_WRONLY | O_CREAT | O_APPEND);
             EXPECT_TRUE(copyFileData(source.number(), destination.number(), means));
         }
-        EXPECT_TRUE(scene::contentsOf(in("b")) == bytes);
+        EXPECT_TRUE(ZQFoundation::kit::contentsOf(in("b")) == bytes);
         ::unlink(in("b").c_str());
     }
 }
@@ -152,7 +155,7 @@ TEST_F(FileDataCopy, readsFilesThatTellNoSize) {
     }
     for (const DataMeans means : allMeans) {
         EXPECT_TRUE(copyFile("/proc/self/status", in("b"), means));
-        EXPECT_NE(scene::contentsOf(in("b")).find("VmRSS"), std::string::npos);
+        EXPECT_NE(ZQFoundation::kit::contentsOf(in("b")).find("VmRSS"), std::string::npos);
         ::unlink(in("b").c_str());
     }
 }
@@ -179,9 +182,9 @@ TEST_F(FileDataCopy, aFileSizeLimitIsAnErrorAndNoSignal) {
     folder.write("large", mixedBytes(300000));
     folder.write("sparse", "");
     ASSERT_EQ(::truncate(in("sparse").c_str(), 300000), 0);
-    const int answer = scene::inUnprivilegedChild([this] {
-        const scene::Variable place("TMPDIR", nullptr);
-        const scene::Folder own; // the one of the test belongs to somebody else
+    const int answer = ZQFoundation::kit::inUnprivilegedChild([this] {
+        const ZQFoundation::kit::Variable place("TMPDIR", nullptr);
+        const ZQFoundation::kit::ScratchFolder own; // the one of the test belongs to somebody else
         const rlimit limit{10000, 10000};
         ::setrlimit(RLIMIT_FSIZE, &limit); // from here on a write beyond it ends the process
         int wrong = 0;
@@ -213,9 +216,10 @@ TEST_F(FileDataCopy, aFileThatGrowsIsFollowedButNotForEver) {
         EXPECT_TRUE(copyFile(in("a"), in("b"), means)) << std::strerror(errno);
         done = true;
         writer.join();
-        const std::string copy = scene::contentsOf(in("b"));
+        const std::string copy = ZQFoundation::kit::contentsOf(in("b"));
         EXPECT_GE(copy.size(), 200000U);
-        EXPECT_EQ(scene::contentsOf(in("a")).compare(0, copy.size(), copy), 0) << static_cast<int>(means);
+        EXPECT_EQ(ZQFoundation::kit::contentsOf(in("a")).compare(0, copy.size(), copy), 0)
+            << static_cast<int>(means);
         ::unlink(in("b").c_str());
         ASSERT_EQ(::truncate(in("a").c_str(), 200000), 0);
     }

@@ -11,7 +11,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/system/Descriptor.h"
-#include "tests/files/FileScene.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation::detail;
 
@@ -33,7 +34,7 @@ std::set<std::string> namesIn(const Descriptor& folder) {
 } // namespace
 
 TEST(FolderNames, areAllEntriesButTheFolderAndItsParent) {
-    const scene::Folder folder;
+    const ZQFoundation::kit::ScratchFolder folder;
     const Descriptor opened(::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY));
     EXPECT_EQ(namesIn(opened), std::set<std::string>());
     std::set<std::string> expected{"..a", "...", "sub/", " "};
@@ -55,17 +56,17 @@ TEST(FolderNames, failWithTheReason) {
     FolderNames names;
     EXPECT_FALSE(names.read(-1));
     EXPECT_EQ(errno, EBADF);
-    const scene::Folder folder;
+    const ZQFoundation::kit::ScratchFolder folder;
     const Descriptor file(::open(folder.write("a", "").c_str(), O_RDONLY));
     EXPECT_FALSE(names.read(file.number()));
     EXPECT_EQ(errno, ENOTDIR);
 }
 
 TEST(FolderNames, takeNoDescriptorMore) {
-    const scene::Folder folder;
+    const ZQFoundation::kit::ScratchFolder folder;
     folder.write("a", "");
     const Descriptor opened(::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY));
-    EXPECT_TRUE(scene::isTrueWithDescriptors(0, [&opened] {
+    EXPECT_TRUE(ZQFoundation::kit::isTrueWithDescriptors(0, [&opened] {
         FolderNames names;
         return names.read(opened.number());
     }));

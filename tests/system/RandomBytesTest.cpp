@@ -13,7 +13,7 @@
 #endif
 
 #include "foundation/system/System.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
 
 using namespace ZQFoundation::detail;
 
@@ -60,7 +60,7 @@ bool areDifferent(int calls) {
 }
 
 TEST(RandomBytes, comeFromTheDeviceWhereTheCallIsForbidden) {
-    EXPECT_EQ(scene::inUnprivilegedChild([] {
+    EXPECT_EQ(ZQFoundation::kit::inUnprivilegedChild([] {
                   if (!forbidTheCall()) {
                       return 2;
                   }
@@ -74,7 +74,7 @@ TEST(RandomBytes, comeFromTheDeviceWhereTheCallIsForbidden) {
 }
 
 TEST(RandomBytes, differEvenWithoutTheDevice) {
-    EXPECT_EQ(scene::inUnprivilegedChild([] {
+    EXPECT_EQ(ZQFoundation::kit::inUnprivilegedChild([] {
                   const rlimit none{0, 0};
                   if (!forbidTheCall() || ::setrlimit(RLIMIT_NOFILE, &none) != 0) {
                       return 2;

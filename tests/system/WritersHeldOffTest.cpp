@@ -10,13 +10,13 @@
 
 #include "foundation/system/Descriptor.h"
 #include "foundation/system/FileSystem.h"
-#include "tests/files/FileScene.h"
+#include "tests/kit/ScratchFolder.h"
 
 using ZQFoundation::detail::Descriptor;
 using ZQFoundation::detail::system::WritersHeldOff;
 
 TEST(WritersHeldOff, seesWhoHasTheFileOpen) {
-    const scene::Folder folder;
+    const ZQFoundation::kit::ScratchFolder folder;
     const std::string path = folder.write("a", "x");
     const Descriptor file(::open(path.c_str(), O_RDONLY));
     const Descriptor reader(::open(path.c_str(), O_RDONLY));
@@ -35,7 +35,7 @@ TEST(WritersHeldOff, isUnknownWhereTheSystemDoesNotSay) {
 }
 
 TEST(WritersHeldOff, makesWritersWaitInThreadsOfTheirOwn) {
-    const scene::Folder folder;
+    const ZQFoundation::kit::ScratchFolder folder;
     const std::string path = folder.write("a", "x");
     const Descriptor file(::open(path.c_str(), O_RDONLY));
     std::atomic<bool> isOpen{false};
