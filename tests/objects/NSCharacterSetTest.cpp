@@ -279,23 +279,6 @@ TEST(NSCharacterSet, showsItsMembers) {
               "0075 ...>");
 }
 
-TEST(NSMutableCharacterSet, unitesAndIntersects) {
-    const NSCharacterSet letters = NSCharacterSet::letterCharacterSet();
-    const NSCharacterSet someRange = rangeSet(0x40, 0x20100);
-    NSMutableCharacterSet unionBuilder(letters);
-    unionBuilder.formUnionWithCharacterSet(someRange);
-    NSMutableCharacterSet sharedBuilder(letters);
-    sharedBuilder.formIntersectionWithCharacterSet(someRange);
-    const NSCharacterSet united = unionBuilder.characterSet();
-    const NSCharacterSet shared = sharedBuilder.characterSet();
-    for (char32_t codePoint = 0; codePoint < codeSpace; ++codePoint) {
-        const bool left = letters.longCharacterIsMember(codePoint);
-        const bool right = someRange.longCharacterIsMember(codePoint);
-        ASSERT_EQ(united.longCharacterIsMember(codePoint), left || right) << std::hex << +codePoint;
-        ASSERT_EQ(shared.longCharacterIsMember(codePoint), left && right) << std::hex << +codePoint;
-    }
-}
-
 TEST(NSMutableCharacterSet, leavesTheSetThatItWasMadeFromAlone) {
     const NSCharacterSet digits = rangeSet('0', 10);
     NSMutableCharacterSet copy(digits);
@@ -305,16 +288,6 @@ TEST(NSMutableCharacterSet, leavesTheSetThatItWasMadeFromAlone) {
     EXPECT_FALSE(copy.characterIsMember(u'0'));
     EXPECT_FALSE(digits.characterIsMember(u'b'));
     EXPECT_TRUE(digits.characterIsMember(u'0'));
-}
-
-TEST(NSMutableCharacterSet, keepsPagesApartThatTheOriginalShares) {
-    NSMutableCharacterSet first; // the same page in two planes
-    first.addCharactersInRange(NSMakeRange(0x41, 1));
-    first.addCharactersInRange(NSMakeRange(0x10041, 1));
-    NSMutableCharacterSet second(first.characterSet());
-    second.removeCharactersInString("A");
-    EXPECT_FALSE(second.longCharacterIsMember(0x41));
-    EXPECT_TRUE(second.longCharacterIsMember(0x10041));
 }
 
 TEST(NSMutableCharacterSet, changesNothingForNil) {
@@ -352,25 +325,6 @@ TEST(NSMutableCharacterSet, isUsableAfterItWasMovedFrom) {
     set = std::move(taken);
     EXPECT_EQ(set.characterSet(), rangeSet('a', 3));
     EXPECT_EQ(taken.characterSet(), NSCharacterSet::emptyCharacterSet());
-}
-
-TEST(NSMutableCharacterSet, holdsAsManyDifferentPagesAsThereAre) {
-    NSMutableCharacterSet set;
-    for (std::size_t page = 0; page < 0x1100; ++page) { // the page's number in bits, and a mark
-        for (std::size_t bit = 0; bit < 13; ++bit) {
-            if ((page >> bit & 1) != 0) {
-                set.addCharactersInRange(NSMakeRange(page << 8 | bit, 1));
-            }
-        }
-        set.addCharactersInRange(NSMakeRange(page << 8 | 0xFF, 1));
-    }
-    const NSCharacterSet built = set.characterSet();
-    for (char32_t codePoint = 0; codePoint < codeSpace; ++codePoint) {
-        const char32_t low = codePoint & 0xFF;
-        const bool expected = low == 0xFF || (low < 13 && (codePoint >> 8 >> low & 1) != 0);
-        ASSERT_EQ(built.longCharacterIsMember(codePoint), expected) << std::hex << +codePoint;
-    }
-    EXPECT_EQ(built.invertedSet().invertedSet(), built);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/objects/NSString.h"
-#include "foundation/objects/TextBuilder.h"
-#include "foundation/text/CaseMapping.h"
 
 #include <gtest/gtest.h>
 
@@ -286,79 +284,6 @@ TEST(NSString, equalityComparesUnitsExactly) {
     EXPECT_TRUE(NSString("").isEqualToString(""));
     EXPECT_EQ((NSDictionary{{"caf\u00e9", 1}, {"cafe\u0301", 2}}).count(), 2U);
     EXPECT_EQ((NSSet{"caf\u00e9", "cafe\u0301"}).count(), 2U);
-}
-
-int sign(NSComparisonResult result) { return static_cast<int>(result); }
-
-TEST(NSString, compareOrdersByUnitsAndTakesCanonicalEquivalentsAsTheSame) {
-    const struct {
-        const char* name;
-        NSString left;
-        NSString right;
-        int order;
-    } rows[] = {
-        {"same", "abc", "abc", 0},
-        {"both empty", "", "", 0},
-        {"empty first", "", "a", -1},
-        {"a prefix first", "ab", "abc", -1},
-        {"upper case first", "B", "a", -1},
-        {"digits by units", "a10", "a2", -1},
-        {"beyond ascii", "z", "\u00e9", -1},
-        {"ascii in both forms", "abc", NSString("abc\u00e9").substringToIndex(3), 0},
-        {"U+0000 counts", "a\0b"sv, "a\0c"sv, -1},
-        {"surrogate units below U+FF5E", "\U0001F600", "\uFF5E", -1},
-        {"composed and decomposed", "\u00e9", "e\u0301", 0},
-        {"inside a word", "caf\u00e9s", "cafe\u0301s", 0},
-        {"difference behind it", "caf\u00e9a", "cafe\u0301b", -1},
-        {"letter and sign of the same shape", "\u212B", "\u00C5", 0},
-        {"sign and sequence", "\u212B", "A\u030A", 0},
-        {"marks in either order", "a\u0323\u0307", "a\u0307\u0323", 0},
-        {"marks of one class keep their order", "a\u0301\u0300", "a\u0300\u0301", 1},
-        {"a Hangul syllable and its parts", "\uD55C", "\u1112\u1161\u11AB", 0},
-        {"two composed marks", "\u1E69", "s\u0323\u0307", 0},
-        {"compatible is not canonical", "\uFB01", "fi", 1},
-        {"another letter", "e", "\u00e9", -1},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(sign(row.left.compare(row.right)), row.order) << row.name;
-        EXPECT_EQ(sign(row.right.compare(row.left)), -row.order) << row.name;
-    }
-    EXPECT_EQ(NSString("a").compare(nullptr), NSOrderedDescending);
-    EXPECT_EQ(NSString("").compare(nullptr), NSOrderedSame);
-}
-
-TEST(NSString, caseInsensitiveCompareFoldsToLowerCaseAndOrdersByCodePoint) {
-    const struct {
-        const char* name;
-        NSString left;
-        NSString right;
-        int order;
-    } rows[] = {
-        {"equal but for case", "TraceLevel", "tRACElEVEL", 0},
-        {"both empty", "", "", 0},
-        {"empty first", "", "a", -1},
-        {"a prefix first", "AB", "abc", -1},
-        {"letters in any case", "a", "B", -1},
-        {"underscore before a small letter", "_", "a", -1},
-        {"underscore before a capital", "_", "A", -1},
-        {"bracket before a capital", "[", "A", -1},
-        {"digits by code point", "a2", "A10", 1},
-        {"sharp s", "stra\u00dfe", "STRASSE", 0},
-        {"capital sharp s", "\u1E9E", "ss", 0},
-        {"ligature", "\uFB01", "FI", 0},
-        {"final sigma", "\u03BF\u03B4\u03BF\u03C2", "\u039F\u0394\u039F\u03A3", 0},
-        {"Kelvin sign", "\u212A", "k", 0},
-        {"Cyrillic", "\u041F\u0420\u0418", "\u043F\u0440\u0438", 0},
-        {"beyond the first plane", "\U00010400", "\U00010428", 0},
-        {"dotted capital I is no i", "\u0130", "i", 1},
-        {"dotless i is no I", "I", "\u0131", -1},
-        {"code points, not units", "\uFF5E", "\U0001F600", -1},
-        {"mixed forms", "ABC\u00c9", "abc\u00e9", 0},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(sign(row.left.caseInsensitiveCompare(row.right)), row.order) << row.name;
-        EXPECT_EQ(sign(row.right.caseInsensitiveCompare(row.left)), -row.order) << row.name;
-    }
 }
 
 TEST(NSString, upperAndLowerCaseUseTheFullMapping) {
@@ -718,26 +643,6 @@ TEST(NSMutableString, aTextThatOnlyPassedThroughUnitsEqualsItsAsciiForm) {
     EXPECT_EQ(text, "abcd");
     EXPECT_EQ(text.hash(), NSString("abcd").hash());
     EXPECT_EQ((NSDictionary{{text, 1}}).objectForKey("abcd"), 1);
-}
-
-TEST(NSString, comparesEveryCodePointWithItsDecompositionAsTheSame) {
-    for (char32_t codePoint = 0x80; codePoint < 0x110000; ++codePoint) {
-        char32_t parts[4];
-        const unsigned count = detail::canonicalDecomposition(codePoint, parts);
-        if (count == 0) {
-            continue;
-        }
-        detail::TextBuilder whole;
-        whole.appendLiteral("x");
-        whole.appendCodePoint(codePoint);
-        detail::TextBuilder apart;
-        apart.appendLiteral("x");
-        for (unsigned i = 0; i < count; ++i) {
-            apart.appendCodePoint(parts[i]);
-        }
-        ASSERT_EQ(whole.string().compare(apart.string()), NSOrderedSame)
-            << std::hex << std::uint32_t{codePoint};
-    }
 }
 
 } // namespace

@@ -9,11 +9,41 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/kit/Values.h"
+#include "tests/models/UriReference.h"
 
 using namespace ZQFoundation;
 using namespace kit;
 
 namespace {
+
+constexpr const char* missing = "(nil)";
+
+struct Parts {
+    const char* text;
+    const char* scheme;
+    const char* authority;
+    const char* path;
+    const char* query;
+    const char* fragment;
+};
+
+void expectParts(const NSURL& url, const Parts& row) {
+    ASSERT_TRUE(url);
+    EXPECT_EQ(utf8Of(url.scheme()), row.scheme);
+    EXPECT_EQ(utf8Of(url.authority()), row.authority);
+    EXPECT_EQ(utf8Of(url.path()), row.path);
+    EXPECT_EQ(utf8Of(url.query()), row.query);
+    EXPECT_EQ(utf8Of(url.fragment()), row.fragment);
+}
+
+std::string shownPort(const NSURL& url) {
+    const NSNumber port = url.port();
+    return port ? utf8Of(port.description()) : missing;
+}
+
+std::string resolvedText(const std::string& text, const std::string& base) {
+    return utf8Of(NSURL::URLWithString_relativeToURL(text, NSURL::URLWithString(base)).absoluteString());
+}
 
 TEST(NSURL, keepsTheTextExactlyAsGiven) {
     const char* const rows[] = {
@@ -65,6 +95,17 @@ TEST(NSURL, ofNilHasNoPieces) {
     const NSURL url;
     EXPECT_FALSE(url.relativeString());
     EXPECT_FALSE(url.baseURL());
+    EXPECT_FALSE(url.scheme());
+    EXPECT_FALSE(url.authority());
+    EXPECT_FALSE(url.user());
+    EXPECT_FALSE(url.password());
+    EXPECT_FALSE(url.host());
+    EXPECT_FALSE(url.port());
+    EXPECT_FALSE(url.path());
+    EXPECT_FALSE(url.query());
+    EXPECT_FALSE(url.fragment());
+    EXPECT_FALSE(url.absoluteString());
+    EXPECT_FALSE(url.absoluteURL());
 }
 
 TEST(NSURL, takesTextsInEveryForm) {
@@ -132,23 +173,164 @@ TEST(NSURL, withoutABaseIsAbsoluteAsItStands) {
         << "a text with a scheme of its own is relative to nothing";
 }
 
-TEST(NSURL, keepsTheBytesOfItsPartsApart) {
-    const NSURL url = NSURL::URLWithString("x://:p:q@[::1]:080/a//b?c?d#e?f");
-    EXPECT_EQ(shown(url.user()), "");
-    EXPECT_EQ(shown(url.password()), "p:q");
-    EXPECT_EQ(shown(url.authority()), ":p:q@[::1]:080");
-    EXPECT_EQ(shown(url.host()), "::1");
-    EXPECT_EQ(shown(url.port()), "80");
-    EXPECT_EQ(shown(url.path()), "/a//b");
-    EXPECT_EQ(shown(url.query()), "c?d");
-    EXPECT_EQ(shown(url.fragment()), "e?f");
+TEST(NSURL, takesTheStandardsExamplesApart) {
+    const Parts rows[] = {
+        {"ftp://ftp.is.co.za/rfc/rfc1808.txt", "ftp", "ftp.is.co.za", "/rfc/rfc1808.txt", missing, missing},
+        {"http://www.ietf.org/rfc/rfc2396.txt", "http", "www.ietf.org", "/rfc/rfc2396.txt", missing, missing},
+        {"ldap://[2001:db8::7]/c=GB?objectClass?one", "ldap", "[2001:db8::7]", "/c=GB", "objectClass?one",
+         missing},
+        {"mailto:John.Doe@example.com", "mailto", missing, "John.Doe@example.com", missing, missing},
+        {"news:comp.infosystems.www.servers.unix", "news", missing, "comp.infosystems.www.servers.unix",
+         missing, missing},
+        {"tel:+1-816-555-1212", "tel", missing, "+1-816-555-1212", missing, missing},
+        {"telnet://192.0.2.16:80/", "telnet", "192.0.2.16:80", "/", missing, missing},
+        {"urn:oasis:names:specification:docbook:dtd:xml:4.1.2", "urn", missing,
+         "oasis:names:specification:docbook:dtd:xml:4.1.2", missing, missing},
+        {"foo://example.com:8042/over/there?name=ferret#nose", "foo", "example.com:8042", "/over/there",
+         "name=ferret", "nose"},
+        {"urn:example:animal:ferret:nose", "urn", missing, "example:animal:ferret:nose", missing, missing},
+    };
+    for (const Parts& row : rows) {
+        SCOPED_TRACE(row.text);
+        const NSURL url = NSURL::URLWithString(row.text);
+        expectParts(url, row);
+        EXPECT_EQ(utf8Of(url.absoluteString()), row.text);
+        EXPECT_EQ(utf8Of(url.relativeString()), row.text);
+    }
 }
 
-TEST(NSURL, hasNoPortBeyondTheRangeOfNumbers) {
-    EXPECT_EQ(shown(NSURL::URLWithString("x://h:9223372036854775807").port()), "9223372036854775807");
-    EXPECT_FALSE(NSURL::URLWithString("x://h:9223372036854775808").port());
-    EXPECT_FALSE(NSURL::URLWithString("x://h:").port());
-    EXPECT_FALSE(NSURL::URLWithString("x:/h:1").port());
+TEST(NSURL, tellsMissingPartsFromEmptyOnes) {
+    const Parts rows[] = {
+        {"", missing, missing, "", missing, missing},
+        {"a:b", "a", missing, "b", missing, missing},
+        {"a:b?", "a", missing, "b", "", missing},
+        {"a:b#", "a", missing, "b", missing, ""},
+        {"a:?#", "a", missing, "", "", ""},
+        {"a:", "a", missing, "", missing, missing},
+        {"a://", "a", "", "", missing, missing},
+        {"a:///", "a", "", "/", missing, missing},
+        {"//", missing, "", "", missing, missing},
+        {"//h", missing, "h", "", missing, missing},
+        {"/p", missing, missing, "/p", missing, missing},
+        {"p", missing, missing, "p", missing, missing},
+        {"?", missing, missing, "", "", missing},
+        {"#", missing, missing, "", missing, ""},
+        {"?q#f", missing, missing, "", "q", "f"},
+        {"a:////b", "a", "", "//b", missing, missing},
+    };
+    for (const Parts& row : rows) {
+        SCOPED_TRACE(row.text);
+        expectParts(NSURL::URLWithString(row.text), row);
+    }
+}
+
+TEST(NSURL, leavesItsPartsAsTheyAreWritten) {
+    const Parts rows[] = {
+        {"HTTP://Us%65r@EXAMPLE.com:0080/%7e/./a/../b?%41=b%20#%5f", "HTTP", "Us%65r@EXAMPLE.com:0080",
+         "/%7e/./a/../b", "%41=b%20", "%5f"},
+        {"a+b-c.1:x", "a+b-c.1", missing, "x", missing, missing},
+        {"x://:p:q@[::1]:080/a//b?c?d#e?f", "x", ":p:q@[::1]:080", "/a//b", "c?d", "e?f"},
+        {"//h?a/b?c#d/e?f", missing, "h", "", "a/b?c", "d/e?f"},
+        {"./a:b", missing, missing, "./a:b", missing, missing},
+        {"/a:b", missing, missing, "/a:b", missing, missing},
+    };
+    for (const Parts& row : rows) {
+        SCOPED_TRACE(row.text);
+        const NSURL url = NSURL::URLWithString(row.text);
+        expectParts(url, row);
+        EXPECT_EQ(utf8Of(url.absoluteString()), row.text);
+    }
+}
+
+TEST(NSURL, takesTheAuthorityApart) {
+    const struct {
+        const char* text;
+        const char* user;
+        const char* password;
+        const char* host;
+        const char* port;
+    } rows[] = {
+        {"x://h", missing, missing, "h", missing},
+        {"x://", missing, missing, "", missing},
+        {"x:/p", missing, missing, missing, missing},
+        {"x://h:80/p", missing, missing, "h", "80"},
+        {"x://h:/p", missing, missing, "h", missing},
+        {"x://:80", missing, missing, "", "80"},
+        {"x://h:0080", missing, missing, "h", "80"},
+        {"x://u@h", "u", missing, "h", missing},
+        {"x://u:p@h:1", "u", "p", "h", "1"},
+        {"x://u:@h", "u", "", "h", missing},
+        {"x://:p@h", "", "p", "h", missing},
+        {"x://@h", "", missing, "h", missing},
+        {"x://u:p:q@h", "u", "p:q", "h", missing},
+        {"x://u%3Ap:%40@h%2e", "u%3Ap", "%40", "h%2e", missing},
+        {"x://a!$&'()*+,;=@h", "a!$&'()*+,;=", missing, "h", missing},
+        {"x://my_host", missing, missing, "my_host", missing},
+        {"x://[::1]:80/", missing, missing, "::1", "80"},
+        {"x://u@[2001:DB8::7]/", "u", missing, "2001:DB8::7", missing},
+        {"x://[::ffff:192.0.2.1]", missing, missing, "::ffff:192.0.2.1", missing},
+        {"x://192.0.2.16:80/", missing, missing, "192.0.2.16", "80"},
+        {"x://h:65536", missing, missing, "h", "65536"},
+        {"x://h:9223372036854775807", missing, missing, "h", "9223372036854775807"},
+        {"x://h:99999999999999999999999", missing, missing, "h", missing},
+        {"x://h:00000000000000000000000000007", missing, missing, "h", "7"},
+        {"x://h:9223372036854775808", missing, missing, "h", missing},
+        {"x:/h:1", missing, missing, missing, missing},
+        {"x://:p:q@[::1]:080/a//b?c?d#e?f", "", "p:q", "::1", "80"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const NSURL url = NSURL::URLWithString(row.text);
+        ASSERT_TRUE(url);
+        EXPECT_EQ(utf8Of(url.user()), row.user);
+        EXPECT_EQ(utf8Of(url.password()), row.password);
+        EXPECT_EQ(utf8Of(url.host()), row.host);
+        EXPECT_EQ(shownPort(url), row.port);
+    }
+}
+
+TEST(NSURL, thatIsRelativeHasThePartsOfTheWhole) {
+    const NSURL base = NSURL::URLWithString("http://u:p@h:8/a/b?q#f");
+    const NSURL url = NSURL::URLWithString_relativeToURL("../x?y#z", base);
+    ASSERT_TRUE(url);
+    EXPECT_EQ(utf8Of(url.relativeString()), "../x?y#z");
+    EXPECT_EQ(utf8Of(url.baseURL().absoluteString()), "http://u:p@h:8/a/b?q#f");
+    expectParts(url, {"", "http", "u:p@h:8", "/x", "y", "z"});
+    EXPECT_EQ(utf8Of(url.user()), "u");
+    EXPECT_EQ(utf8Of(url.password()), "p");
+    EXPECT_EQ(utf8Of(url.host()), "h");
+    EXPECT_EQ(shownPort(url), "8");
+    EXPECT_EQ(utf8Of(url.absoluteURL().relativeString()), "http://u:p@h:8/x?y#z");
+    EXPECT_FALSE(url.absoluteURL().baseURL());
+    EXPECT_EQ(utf8Of(url.description()), "../x?y#z -- http://u:p@h:8/a/b?q#f");
+}
+
+TEST(NSURL, withoutABaseHasItsOwnParts) {
+    const NSURL url = NSURL::URLWithString_relativeToURL("../x/./y", nullptr);
+    EXPECT_EQ(utf8Of(url.absoluteString()), "../x/./y");
+    EXPECT_FALSE(url.scheme());
+    EXPECT_EQ(utf8Of(url.path()), "../x/./y");
+}
+
+TEST(NSURL, withASchemeOfItsOwnStaysAsItIsGiven) {
+    for (const char* const text : {"http://x/a/../b", "http:/a/./b", "x:a/../b", "x:../a", "x:.."}) {
+        EXPECT_EQ(resolvedText(text, "http://h/p/q"), text);
+        EXPECT_EQ(utf8Of(NSURL::URLWithString(text).absoluteString()), text) << "without a base";
+    }
+}
+
+TEST(NSURL, resolvesAgainstItsBase) {
+    for (const auto& row : models::normalReferences) {
+        EXPECT_EQ(resolvedText(row[0], models::exampleBase), row[1]) << row[0];
+    }
+}
+
+TEST(NSURL, mayHaveABaseWithABase) {
+    const NSURL first = NSURL::URLWithString("http://h/a/b/c");
+    const NSURL second = NSURL::URLWithString_relativeToURL("../d/e", first);
+    const NSURL third = NSURL::URLWithString_relativeToURL("f", second);
+    EXPECT_EQ(utf8Of(second.absoluteString()), "http://h/a/d/e");
+    EXPECT_EQ(utf8Of(third.absoluteString()), "http://h/a/d/f");
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 using namespace ZQFoundation;
 using kit::shownUnits;
 using kit::stringOf;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -49,6 +50,44 @@ TEST(StringCharacterSearch, findsWhatASlowSearchFinds) {
         const NSRange whole{0, text.size()};
         ASSERT_EQ(string.rangeOfCharacterFromSet(set), modelFound(text, members, 0, whole));
     }
+}
+
+TEST(StringCharacterSearch, findsTheFirstAndTheLastMember) {
+    const NSCharacterSet digits = NSCharacterSet::decimalDigitCharacterSet();
+    const struct {
+        const char* name;
+        NSString text;
+        NSRange first;
+        NSRange last;
+    } rows[] = {
+        {"one", "ab7cd", {2, 1}, {2, 1}},
+        {"two", "1ab2", {0, 1}, {3, 1}},
+        {"none", "abc", nowhere, nowhere},
+        {"empty", "", nowhere, nowhere},
+        {"a run is not one", "a123b", {1, 1}, {3, 1}},
+        {"wide", "\u20ac\u0663\u20ac", {1, 1}, {1, 1}},
+        {"two units are no member", "\U0001D7CE", nowhere, nowhere},
+        {"behind U+0000",
+         "\0"
+         "7"sv,
+         {1, 1},
+         {1, 1}},
+        {"with a mark behind", "1\u0301", {0, 1}, {0, 1}},
+    };
+    for (const auto& row : rows) {
+        const NSRange whole = NSMakeRange(0, row.text.length());
+        EXPECT_EQ((row.text.rangeOfCharacterFromSet(digits)), row.first) << row.name;
+        EXPECT_EQ((row.text.rangeOfCharacterFromSet_options(digits, 0)), row.first) << row.name;
+        EXPECT_EQ((row.text.rangeOfCharacterFromSet_options(digits, NSBackwardsSearch)), row.last)
+            << row.name;
+        EXPECT_EQ((row.text.rangeOfCharacterFromSet_options_range(digits, 0, whole)), row.first) << row.name;
+    }
+    const NSString text = "1a2b3";
+    EXPECT_EQ(text.rangeOfCharacterFromSet_options_range(digits, 0, {1, 4}), (NSRange{2, 1}));
+    EXPECT_EQ(text.rangeOfCharacterFromSet_options_range(digits, NSBackwardsSearch, {0, 4}), (NSRange{2, 1}));
+    EXPECT_EQ(text.rangeOfCharacterFromSet_options_range(digits, 0, {1, 1}), nowhere);
+    EXPECT_EQ(text.rangeOfCharacterFromSet_options_range(digits, 0, {5, 0}), nowhere);
+    EXPECT_EQ(text.rangeOfCharacterFromSet(NSCharacterSet::emptyCharacterSet()), nowhere);
 }
 
 TEST(StringCharacterSearch, ofANilSetFindsNothing) {

@@ -1,95 +1,278 @@
 // SPDX-License-Identifier: MIT
+// Where texts are found: rows, a slow model, and linear time.
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include <gtest/gtest.h>
 
-#include "foundation/objects/ComposedSequences.h"
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/text/CaseMapping.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
+#include "tests/models/StringSearch.h"
 
 using namespace ZQFoundation;
+using kit::raised;
 using kit::shownUnits;
 using kit::stringOf;
 using kit::textsOf;
+using namespace std::string_view_literals;
 
 namespace {
 
 constexpr NSRange nowhere{NSNotFound, 0};
 constexpr std::size_t million = 1000000;
+constexpr unsigned noOptions = 0;
+constexpr unsigned fold = NSCaseInsensitiveSearch;
+constexpr unsigned literal = NSLiteralSearch;
+constexpr unsigned backwards = NSBackwardsSearch;
+constexpr unsigned anchored = NSAnchoredSearch;
 
-// MARK: A slow model: every stretch between two boundaries is compared with what is wanted
+// MARK: Rows
 
-std::u32string folded(const std::u16string& text, unsigned options) {
-    const NSString string = stringOf(text);
-    const detail::UnitView view(*detail::Access::string(string));
-    std::vector<detail::ClassedCodePoint> points;
-    for (std::size_t at = 0; at < text.size();) {
-        std::vector<detail::ClassedCodePoint> sequence;
-        const std::size_t start = at;
-        if ((options & NSLiteralSearch) != 0) {
-            sequence.push_back({detail::nextCodePoint(view, at), 0});
-        } else {
-            at = detail::sequenceEnd(view, at);
-            detail::decompose(view, start, at, sequence);
+std::string shownRange(NSRange range) {
+    return range.location == NSNotFound
+               ? "nowhere, " + std::to_string(range.length)
+               : std::to_string(range.location) + ", " + std::to_string(range.length);
+}
+
+struct Row {
+    const char* name;
+    NSString text;
+    NSString needle;
+    unsigned options;
+    NSRange found;
+};
+
+void expectFound(const Row& row) {
+    EXPECT_EQ(shownRange(row.text.rangeOfString_options(row.needle, row.options)), shownRange(row.found))
+        << row.name;
+    const NSRange whole = NSMakeRange(0, row.text.length());
+    EXPECT_EQ(shownRange(row.text.rangeOfString_options_range(row.needle, row.options, whole)),
+              shownRange(row.found))
+        << row.name << ", in the whole";
+    if (row.options == noOptions) {
+        EXPECT_EQ(shownRange(row.text.rangeOfString(row.needle)), shownRange(row.found)) << row.name;
+    }
+}
+
+TEST(StringSearch, findsPlainTexts) {
+    const Row rows[] = {
+        {"at the start", "hello", "he", noOptions, {0, 2}},
+        {"in the middle", "hello", "ll", noOptions, {2, 2}},
+        {"at the end", "hello", "lo", noOptions, {3, 2}},
+        {"the whole", "hello", "hello", noOptions, {0, 5}},
+        {"the first of two", "abcabc", "bc", noOptions, {1, 2}},
+        {"absent", "hello", "x", noOptions, nowhere},
+        {"longer", "hell", "hello", noOptions, nowhere},
+        {"other case", "hello", "L", noOptions, nowhere},
+        {"empty", "hello", "", noOptions, nowhere},
+        {"empty in empty", "", "", noOptions, nowhere},
+        {"nil", "hello", nullptr, noOptions, nowhere},
+        {"in the empty string", "", "a", noOptions, nowhere},
+        {"a false start", "aaab", "aab", noOptions, {1, 3}},
+        {"U+0000", "a\0b\0"sv, "\0"sv, noOptions, {1, 1}},
+        {"behind U+0000", "a\0b"sv, "b", noOptions, {2, 1}},
+        {"Latin-1", "caf\u00e9", "\u00e9", noOptions, {3, 1}},
+        {"behind wide units", "\u20ac\u20acx", "x", noOptions, {2, 1}},
+        {"a wide text in an ASCII one", "abc", "\u20ac", noOptions, nowhere},
+        {"behind a pair", "\U0001F600x", "x", noOptions, {2, 1}},
+        {"a pair", "a\U0001F600x", "\U0001F600", noOptions, {1, 2}},
+        {"the second unit of CR LF", "a\r\nb", "\n", noOptions, {2, 1}},
+    };
+    for (const Row& row : rows) {
+        expectFound(row);
+        expectFound({row.name, row.text, row.needle, literal, row.found});
+    }
+}
+
+TEST(StringSearch, findsTheEmptyTextNowhere) {
+    for (unsigned options = 0; options < 16; ++options) {
+        for (const char* text : {"", "a", "\u00e9"}) {
+            EXPECT_EQ(NSString(text).rangeOfString_options("", options), nowhere) << options;
+            EXPECT_EQ(NSString(text).rangeOfString_options(nullptr, options), nowhere) << options;
+            EXPECT_EQ(NSString(text).rangeOfString_options_range("", options, {0, 0}), nowhere) << options;
         }
-        points.insert(points.end(), sequence.begin(), sequence.end());
+        EXPECT_EQ(NSString("").rangeOfString_options("a", options), nowhere) << options;
     }
-    std::u32string result;
-    for (const detail::ClassedCodePoint& point : points) {
-        char32_t forms[3] = {point.codePoint};
-        const bool folds = (options & NSCaseInsensitiveSearch) != 0;
-        result.append(forms, folds ? detail::foldCase(point.codePoint, forms) : 1);
-    }
-    return result;
 }
 
-std::vector<std::size_t> boundaries(const std::u16string& text, unsigned options) {
-    const NSString string = stringOf(text);
-    const detail::UnitView view(*detail::Access::string(string));
-    std::vector<std::size_t> found;
-    for (std::size_t at = 0; at < text.size();) {
-        found.push_back(at);
-        if ((options & NSLiteralSearch) == 0) {
-            at = detail::sequenceEnd(view, at);
-        } else if ((options & NSCaseInsensitiveSearch) != 0) {
-            detail::nextCodePoint(view, at);
-        } else {
-            ++at;
-        }
+TEST(StringSearch, cutsNoComposedSequenceUnlessLiteral) {
+    const Row rows[] = {
+        {"a base", "e\u0301", "e", noOptions, nowhere},
+        {"a base, literal", "e\u0301", "e", literal, {0, 1}},
+        {"a mark", "e\u0301", "\u0301", noOptions, nowhere},
+        {"a mark, literal", "e\u0301", "\u0301", literal, {1, 1}},
+        {"up to a base", "xe\u0301y", "xe", noOptions, nowhere},
+        {"up to a base, literal", "xe\u0301y", "xe", literal, {0, 2}},
+        {"in front of it", "xe\u0301y", "x", noOptions, {0, 1}},
+        {"behind it", "xe\u0301y", "y", noOptions, {3, 1}},
+        {"with the whole sequence", "xe\u0301y", "xe\u0301", noOptions, {0, 3}},
+        {"a later plain base", "e\u0301e", "e", noOptions, {2, 1}},
+        {"an earlier plain base, backwards", "ee\u0301", "e", backwards, {0, 1}},
+        {"an earlier plain base, backwards and literal", "ee\u0301", "e", backwards | literal, {1, 1}},
+        {"two marks, one wanted", "e\u0323\u0301", "e\u0323", noOptions, nowhere},
+        {"anchored before a mark", "e\u0301", "e", anchored, nowhere},
+        {"anchored before a mark, literal", "e\u0301", "e", anchored | literal, {0, 1}},
+        {"another case of the base", "E\u0301", "e", fold, nowhere},
+        {"another case of the base, literal", "E\u0301", "e", fold | literal, {0, 1}},
+    };
+    for (const Row& row : rows) {
+        expectFound(row);
     }
-    found.push_back(text.size());
-    return found;
 }
 
-bool isSame(const std::u16string& text, const std::u16string& wanted, unsigned options) {
-    const bool byUnits = (options & (NSLiteralSearch | NSCaseInsensitiveSearch)) == NSLiteralSearch;
-    return byUnits ? text == wanted : folded(text, options) == folded(wanted, options);
+TEST(StringSearch, findsCanonicalEquivalentsUnlessLiteral) {
+    const Row rows[] = {
+        {"composed in decomposed", "xe\u0301y", "\u00e9", noOptions, {1, 2}},
+        {"decomposed in composed", "x\u00e9y", "e\u0301", noOptions, {1, 1}},
+        {"composed in decomposed, literal", "xe\u0301y", "\u00e9", literal, nowhere},
+        {"decomposed in composed, literal", "x\u00e9y", "e\u0301", literal, nowhere},
+        {"among other text", "caf\u00e9 noir", "fe\u0301 n", noOptions, {2, 4}},
+        {"the other way", "cafe\u0301 noir", "f\u00e9 n", noOptions, {2, 5}},
+        {"the order of marks", "e\u0301\u0323", "e\u0323\u0301", noOptions, {0, 3}},
+        {"one sign for another", "\u212B", "\u00c5", noOptions, {0, 1}},
+        {"one sign for two", "\u212B", "A\u030A", noOptions, {0, 1}},
+        {"syllables", "\uAC00", "\u1100\u1161", noOptions, {0, 1}},
+        {"syllables in parts", "\u1100\u1161", "\uAC00", noOptions, {0, 2}},
+        {"the last one", "\u00e9e\u0301", "\u00e9", backwards, {1, 2}},
+        {"the first one", "\u00e9e\u0301", "e\u0301", noOptions, {0, 1}},
+        {"anchored", "e\u0301x", "\u00e9", anchored, {0, 2}},
+        {"anchored at the end", "xe\u0301", "\u00e9", anchored | backwards, {1, 2}},
+        {"no compatibility", "\uFB01", "fi", noOptions, nowhere},
+        {"in another case", "xE\u0301y", "\u00e9", fold, {1, 2}},
+        {"another case, the other way", "x\u00c9y", "e\u0301", fold, {1, 1}},
+    };
+    for (const Row& row : rows) {
+        expectFound(row);
+    }
 }
 
-NSRange modelFound(const std::u16string& text, const std::u16string& wanted, unsigned options) {
-    const std::vector<std::size_t> places = boundaries(text, options);
-    NSRange found = nowhere;
-    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
-        for (std::size_t j = i + 1; j < places.size() && !wanted.empty(); ++j) {
-            const bool isBackwards = (options & NSBackwardsSearch) != 0;
-            const bool isAtAnchor = isBackwards ? j + 1 == places.size() : i == 0;
-            const bool mayStand = isAtAnchor || (options & NSAnchoredSearch) == 0;
-            const NSRange range{places[i], places[j] - places[i]};
-            if (mayStand && isSame(text.substr(range.location, range.length), wanted, options)) {
-                found = range;
-                if (!isBackwards) {
-                    return found;
-                }
-            }
-        }
+TEST(StringSearch, findsTextsInAnotherCase) {
+    const Row rows[] = {
+        {"upper in lower", "hello", "ELL", fold, {1, 3}},
+        {"lower in upper", "HELLO", "ell", fold, {1, 3}},
+        {"the last", "aBAb", "ab", fold | backwards, {2, 2}},
+        {"anchored", "Hello", "hE", fold | anchored, {0, 2}},
+        {"not at the start", "xHello", "hE", fold | anchored, nowhere},
+        {"literal too", "xABC", "bc", fold | literal, {2, 2}},
+        {"longer than the match", "stra\u00dfe", "SS", fold, {4, 1}},
+        {"longer than the match, among others", "stra\u00dfe", "RASSE", fold, {2, 4}},
+        {"shorter than the match", "STRASSE", "\u00dfe", fold, {4, 3}},
+        {"Kelvin", "1\u212A", "k", fold, {1, 1}},
+        {"Greek", "\u0391\u03b2", "\u0392", fold, {1, 1}},
+        {"two units", "x\U00010400", "\U00010428", fold, {1, 2}},
+        {"dotless i", "\u0131", "I", fold, nowhere},
+        {"signs between the cases", "[", "{", fold, nowhere},
+        {"absent", "hello", "X", fold, nowhere},
+        {"without the option", "hello", "ELL", noOptions, nowhere},
+    };
+    for (const Row& row : rows) {
+        expectFound(row);
     }
-    return found;
 }
+
+TEST(StringSearch, comparesUnitsWhenLiteral) {
+    const NSString text = "a\U0001F600b";
+    EXPECT_EQ(text.rangeOfString_options(stringOf(u"\xD83D"), literal), (NSRange{1, 1}));
+    EXPECT_EQ(text.rangeOfString_options(stringOf(u"\xDE00"), literal), (NSRange{2, 1}));
+    EXPECT_EQ(text.rangeOfString_options(stringOf(u"\xDE00"
+                                                  u"b"),
+                                         literal),
+              (NSRange{2, 2}));
+    EXPECT_EQ(stringOf(u"\xDE00\xD83D").rangeOfString_options("\U0001F600", literal), nowhere);
+}
+
+TEST(StringSearch, staysInItsRange) {
+    const NSString text = "abcabcabc";
+    const struct {
+        const char* needle;
+        unsigned options;
+        NSRange range;
+        NSRange found;
+    } rows[] = {
+        {"abc", noOptions, {1, 8}, {3, 3}},
+        {"abc", noOptions, {3, 3}, {3, 3}},
+        {"abc", noOptions, {1, 4}, nowhere},
+        {"abc", backwards, {0, 8}, {3, 3}},
+        {"abc", backwards, {0, 9}, {6, 3}},
+        {"abc", anchored, {3, 6}, {3, 3}},
+        {"abc", anchored, {2, 7}, nowhere},
+        {"abc", anchored | backwards, {0, 6}, {3, 3}},
+        {"abc", anchored | backwards, {0, 5}, nowhere},
+        {"ABC", fold, {1, 8}, {3, 3}},
+        {"ABC", fold | literal | backwards, {0, 8}, {3, 3}},
+        {"a", noOptions, {9, 0}, nowhere},
+        {"a", noOptions, {0, 0}, nowhere},
+        {"c", noOptions, {8, 1}, {8, 1}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(shownRange(text.rangeOfString_options_range(row.needle, row.options, row.range)),
+                  shownRange(row.found))
+            << row.needle << " by " << row.options << " in " << shownRange(row.range);
+    }
+}
+
+TEST(StringSearch, refusesARangeBeyondTheEnd) {
+    const NSString text = "abc";
+    const NSRange ranges[] = {{0, 4},
+                              {3, 1},
+                              {4, 0},
+                              {NSNotFound, 0},
+                              {1, SIZE_MAX},
+                              {SIZE_MAX, 1},
+                              {SIZE_MAX, 2},
+                              {2, SIZE_MAX - 1},
+                              {SIZE_MAX / 2, SIZE_MAX / 2 + 4}};
+    const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString("b");
+    for (const NSRange& range : ranges) {
+        EXPECT_EQ(raised([&] { text.rangeOfString_options_range("b", noOptions, range); }),
+                  "NSRangeException")
+            << shownRange(range);
+        EXPECT_EQ(raised([&] { text.rangeOfCharacterFromSet_options_range(set, noOptions, range); }),
+                  "NSRangeException")
+            << shownRange(range);
+    }
+    EXPECT_EQ(raised([&] { text.rangeOfString_options_range("b", noOptions, {3, 0}); }), "nothing");
+    EXPECT_EQ(raised([&] { text.rangeOfCharacterFromSet_options_range(set, noOptions, {3, 0}); }), "nothing");
+}
+
+TEST(StringSearch, findsNothingInANilString) {
+    const NSString none;
+    const NSCharacterSet set = NSCharacterSet::whitespaceCharacterSet();
+    EXPECT_EQ(none.rangeOfString("a").length, 0U);
+    EXPECT_EQ(none.rangeOfString_options("a", backwards).length, 0U);
+    EXPECT_EQ(none.rangeOfString_options_range("a", noOptions, {5, 7}).length, 0U);
+    EXPECT_EQ(none.rangeOfCharacterFromSet(set).length, 0U);
+    EXPECT_EQ(none.rangeOfCharacterFromSet_options(set, backwards).length, 0U);
+    EXPECT_EQ(none.rangeOfCharacterFromSet_options_range(set, noOptions, {5, 7}).length, 0U);
+    EXPECT_EQ(none.componentsSeparatedByString(",").count(), 0U);
+    EXPECT_FALSE(none.stringByTrimmingCharactersInSet(set));
+}
+
+TEST(StringSearch, findsPlacesInLongTexts) {
+    const NSString text = stringOf(std::u16string(1000000, u'a') + u"b" + std::u16string(1000000, u'a'));
+    EXPECT_EQ(text.rangeOfString("b"), (NSRange{1000000, 1}));
+    EXPECT_EQ(text.rangeOfString("ab"), (NSRange{999999, 2}));
+    EXPECT_EQ(text.rangeOfString_options("ba", backwards), (NSRange{1000000, 2}));
+    EXPECT_EQ(text.rangeOfString("c"), nowhere);
+    EXPECT_EQ(text.rangeOfString_options("AB", fold), (NSRange{999999, 2}));
+    const NSString wide = stringOf(std::u16string(1000000, u'\u00e9') + u"e\u0301x");
+    EXPECT_EQ(wide.rangeOfString("e\u0301x"), (NSRange{1000000, 3}));
+    EXPECT_EQ(wide.rangeOfString_options("e", literal), (NSRange{1000000, 1}));
+}
+
+// MARK: Against a slow model
 
 void expectAsModel(const std::u16string& text, const std::u16string& wanted) {
     const NSString string = stringOf(text);
     for (unsigned options = 0; options < 16; ++options) {
-        ASSERT_EQ(string.rangeOfString_options(stringOf(wanted), options), modelFound(text, wanted, options))
+        ASSERT_EQ(string.rangeOfString_options(stringOf(wanted), options),
+                  models::placeOf(text, 0, wanted, options))
             << shownUnits(wanted) << " in " << shownUnits(text) << " by " << options;
     }
 }
@@ -120,17 +303,18 @@ TEST(StringSearch, findsWhatASlowSearchFinds) {
 TEST(StringSearch, takesARangeForAWholeText) {
     kit::Numbers numbers(31);
     for (int round = 0; round < 1500; ++round) {
-        const std::u16string text = numbers.text(u"aeE\u0301\u0323\u00e9\xD83D\xDE00", 1 + numbers.below(40));
+        const std::u16string_view alphabet = round % 2 == 0 ? u"ab" : u"aeE\u0301\u0323\u00e9\xD83D\xDE00";
+        const std::u16string text = numbers.text(alphabet, 1 + numbers.below(40));
         const NSString string = stringOf(text);
         const std::size_t start = numbers.below(text.size());
         const NSRange range{start, numbers.below(text.size() - start + 1)};
-        const std::u16string part = text.substr(range.location, range.length);
-        const std::u16string wanted = numbers.text(u"aeE\u0301\u00e9", 1 + numbers.below(2));
+        const std::u16string_view searched = std::u16string_view(text).substr(0, start + range.length);
+        const std::u16string wanted =
+            numbers.text(alphabet.substr(0, alphabet.size() - 2 * (round % 2)), 1 + numbers.below(3));
         for (unsigned options = 0; options < 16; ++options) {
-            NSRange expected = modelFound(part, wanted, options);
-            expected.location += expected.length != 0 ? start : 0;
+            const NSRange expected = models::placeOf(searched, start, wanted, options);
             ASSERT_EQ(string.rangeOfString_options_range(stringOf(wanted), options, range), expected)
-                << shownUnits(wanted) << " in " << shownUnits(part) << " of " << shownUnits(text) << " by "
+                << shownUnits(wanted) << " in " << shownUnits(searched) << " from " << start << " by "
                 << options;
         }
     }
@@ -225,6 +409,31 @@ TEST(StringSearch, stepsBackThroughALongTextInLinearTime) {
 }
 
 // MARK: Separators
+
+TEST(StringSearch, keepsEmptyPiecesBetweenSeparators) {
+    const struct {
+        NSString text;
+        NSString separator;
+        std::vector<std::string> expected;
+    } rows[] = {
+        {"a,b", ",", {"a", "b"}},
+        {"a,,b", ",", {"a", "", "b"}},
+        {",a,", ",", {"", "a", ""}},
+        {"", ",", {""}},
+        {"abc", ",", {"abc"}},
+        {",", ",", {"", ""}},
+        {"aXXb", "XX", {"a", "b"}},
+        {"aXXXb", "XX", {"a", "Xb"}},
+        {"\u20ac,\U0001F600", ",", {"\u20ac", "\U0001F600"}},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> found;
+        for (const NSObject& piece : row.text.componentsSeparatedByString(row.separator)) {
+            found.push_back(NSString(piece).utf8());
+        }
+        EXPECT_EQ(found, row.expected) << row.text.utf8();
+    }
+}
 
 TEST(StringSearch, splitsAtTextsAsASlowSplitDoes) {
     kit::Numbers numbers(41);

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// Text arguments in their four forms as bytes or units.
+#include "foundation/objects/NormalizedText.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "foundation/objects/NSString.h"
+
+using namespace ZQFoundation;
+using detail::NormalizedText;
+
+namespace {
+
+std::u16string unitsOf(const NormalizedText& text) {
+    std::u16string units;
+    for (std::size_t i = 0; i < text.length(); ++i) {
+        units += text[i];
+        EXPECT_EQ(text[i], text.isAscii() ? static_cast<char16_t>(text.ascii()[i]) : text.units()[i]);
+    }
+    return units;
+}
+
+TEST(NormalizedText, isAsciiExactlyWhenEveryUnitIs) {
+    for (const std::size_t length : {0, 1, 7, 127, 128, 129, 130, 5000}) { // some need a block of their own
+        const std::u16string plain(length, u'a');
+        const std::string bytes(length, 'a');
+        for (const StringView& view : {StringView(bytes), StringView(plain)}) {
+            const NormalizedText text(view);
+            EXPECT_FALSE(text.isNil());
+            EXPECT_TRUE(text.isAscii()) << length;
+            EXPECT_EQ(unitsOf(text), plain);
+        }
+        for (const std::u16string& wide : {plain + u"é", u"é" + plain, plain + u"\x7F\x80", plain + u"😀"}) {
+            const std::string utf8 = NSString(wide).utf8();
+            for (const StringView& view : {StringView(utf8), StringView(wide)}) {
+                const NormalizedText text(view);
+                EXPECT_FALSE(text.isAscii()) << length;
+                EXPECT_EQ(unitsOf(text), wide);
+            }
+        }
+    }
+}
+
+TEST(NormalizedText, readsIllFormedBytesAsReplacementsAndKeepsUnits) {
+    EXPECT_EQ(unitsOf(NormalizedText("a\xFF\xC3")), u"a\uFFFD\uFFFD");
+    EXPECT_EQ(unitsOf(NormalizedText(StringView(u"\xD800z", 2))), (std::u16string{0xD800, u'z'}));
+}
+
+TEST(NormalizedText, tellsNilFromTheEmptyText) {
+    EXPECT_TRUE(NormalizedText(nullptr).isNil());
+    EXPECT_EQ(NormalizedText(nullptr).length(), 0U);
+    EXPECT_FALSE(NormalizedText("").isNil());
+}
+
+} // namespace
