@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
-// Numbered names beside a taken one.
+// Numbered names beside a taken one, by themselves and in migrations.
 #include "migration/FreeName.h"
 
+#include <string>
+
 #include <gtest/gtest.h>
+
+#include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
 using detail::freeName;
 using detail::numberedName;
+using scene::MigrationFolder;
+using scene::renaming;
 
 namespace {
 
@@ -65,4 +71,59 @@ TEST(FreeName, isNilWhenNothingOfTheStemWouldBeLeft) {
     EXPECT_FALSE(
         freeName(NSString("x." + repeated("y", 253)), [&asked](const std::string&) { return ++asked > 0; }));
     EXPECT_EQ(asked, 0);
+}
+
+TEST(FreeName, isNotThatOfADanglingLink) {
+    const MigrationFolder folder;
+    folder.file("from/notes.txt", "new");
+    folder.file("from/data/inside", "new");
+    folder.file("from/sub/a.log", "new");
+    folder.file("to/notes.txt", "old");
+    folder.file("to/data/inside", "old");
+    folder.file("to/sub/a.log", "old");
+    for (const char* const link : {"to/notes 1.txt", "to/data 1.", "to/sub/a 1.log"}) {
+        folder.link("nowhere", link);
+    }
+    EXPECT_EQ(scene::migrateFile(folder / "from/notes.txt", folder / "to/notes.txt", renaming), 0U);
+    EXPECT_EQ(scene::migrateFolder(folder / "from/data", folder / "to/data", renaming), 0U);
+    const auto codes =
+        scene::migrateFiles("log", folder / "from", folder / "to", scene::DotFiles::included, renaming);
+    EXPECT_EQ(codes.condensedDescription(), "{ sub/a.log = 0; }");
+    EXPECT_EQ(folder.digest("", scene::Detail::contents), (scene::Digest{{"", "folder"},
+                                                                         {"from", "folder"},
+                                                                         {"from/sub", "folder"},
+                                                                         {"to", "folder"},
+                                                                         {"to/notes.txt", "file [old]"},
+                                                                         {"to/notes 1.txt", "link [nowhere]"},
+                                                                         {"to/notes 2.txt", "file [new]"},
+                                                                         {"to/data", "folder"},
+                                                                         {"to/data/inside", "file [old]"},
+                                                                         {"to/data 1.", "link [nowhere]"},
+                                                                         {"to/data 2.", "folder"},
+                                                                         {"to/data 2./inside", "file [new]"},
+                                                                         {"to/sub", "folder"},
+                                                                         {"to/sub/a.log", "file [old]"},
+                                                                         {"to/sub/a 1.log", "link [nowhere]"},
+                                                                         {"to/sub/a 2.log", "file [new]"}}));
+}
+
+TEST(FreeName, isCutInMigrationsToo) {
+    const MigrationFolder folder;
+    const std::string file = repeated("é", 125) + "x.txt"; // 255 bytes
+    const std::string tree = repeated("é", 127);
+    for (const char* const place : {"from/", "to/"}) {
+        folder.file(place + file, place);
+        folder.file(place + tree + "/inside", place);
+    }
+    EXPECT_EQ(scene::migrateFile(folder / ("from/" + file), folder / ("to/" + file), renaming), 0U);
+    for (int copy = 0; copy < 2; ++copy) {
+        EXPECT_EQ(scene::migrateFolder(folder / ("from/" + tree), folder / ("to/" + tree),
+                                       {true, false, false, true}),
+                  0U);
+    }
+    EXPECT_EQ(scene::contentsOf(folder / ("to/" + file)), "to/");
+    EXPECT_EQ(scene::contentsOf(folder / ("to/" + tree + "/inside")), "to/");
+    EXPECT_EQ(scene::contentsOf(folder / ("to/" + repeated("é", 124) + " 1.txt")), "from/");
+    EXPECT_EQ(scene::contentsOf(folder / ("to/" + repeated("é", 126) + " 1./inside")), "from/");
+    EXPECT_EQ(scene::contentsOf(folder / ("to/" + repeated("é", 126) + " 2./inside")), "from/");
 }

@@ -114,9 +114,14 @@ TEST_F(Recovery, leavesAloneWhatALivingProcessWorksOn) {
 }
 
 TEST_F(Recovery, leavesAloneWhatDoesNotBearTheMark) {
-    for (const char* name : {".zq-aside", ".zq-aside.", "zq-aside.a", ".zq-gone.", ".zq-gone.0123",
-                             ".zq-other.a", ".zq-copy.0123456789abcdeF", "a.zq-gone.0123456789abcdef"}) {
+    for (const std::string name :
+         {".zq-aside", ".zq-gone", ".zq-copy", ".zq-aside.", ".zq-asideX.1", "zq-aside.a", ".zq-gone.",
+          ".zq-gone.0123", ".zq-gone.1", "zq-gone.1", ".zq-Gone.1", ".ZQ-GONE.1", ".zq-other.1",
+          ".zq-copy.0123456789abcdeF", "a.zq-gone.0123456789abcdef", ". zq-gone.1", ".zq-gone-.1"}) {
         folder.file(name, "x");
+        if (name != ".zq-aside.") { // which would say what name to give back
+            folder.file(name + "-folder/inside", "x");
+        }
     }
     const Digest before = contents();
     recover();
