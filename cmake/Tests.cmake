@@ -49,7 +49,7 @@ if(NOT APPLE AND NOT EXISTS "${ZQ_TEST_LOCALES}/de_DE.UTF-8/LC_NUMERIC")
     endif()
 endif()
 
-# What all tests share: how they compile, and GoogleTest's header, read once.
+# What all tests share: how they compile, and the headers that most of them include, read once.
 add_library(zq_test_settings INTERFACE)
 target_link_libraries(zq_test_settings INTERFACE zq_flags ZQFoundationStatic GTest::gtest_main)
 if(TARGET GTest::gmock)
@@ -87,7 +87,8 @@ target_compile_definitions(zq_test_settings INTERFACE
 file(WRITE "${PROJECT_BINARY_DIR}/empty.cpp" "")
 add_library(zq_test_prefix OBJECT "${PROJECT_BINARY_DIR}/empty.cpp")
 target_link_libraries(zq_test_prefix PRIVATE zq_test_settings)
-target_precompile_headers(zq_test_prefix PRIVATE <gtest/gtest.h> <string>)
+target_precompile_headers(zq_test_prefix PRIVATE <gtest/gtest.h> <string> <vector>
+    "${PROJECT_SOURCE_DIR}/foundation/objects/NSDictionary.h")
 
 # Every test runs in a process of its own, with a home folder inside the build tree.
 set(ZQ_TEST_HOME "${PROJECT_BINARY_DIR}/test-home")

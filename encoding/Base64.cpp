@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
+// Base64 into and from allocated buffers.
 #include "encoding/Base64.h"
 
 #include <cstdlib>
 #include <cstring>
 
-#include "encoding/Base64Codec.h"
+#include "foundation/text/Base64Codec.h"
 
 namespace ZQFoundation {
 

@@ -15,8 +15,9 @@ namespace ZQFoundation {
 /// The caller releases the text with `free`. Null, with `outputLength` unwritten, when there is no memory.
 /// Otherwise `outputLength`, unless it is null, receives the number of bytes before the zero. Callable from
 /// any thread.
-extern "C" ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::uint64_t length,
-                                                     int separateLines, std::uint64_t* outputLength) noexcept;
+extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::uint64_t length,
+                                                                   int separateLines,
+                                                                   std::uint64_t* outputLength) noexcept;
 
 /// The bytes that a Base64 text of `length` bytes spells; -1: the text ends at its zero byte. Bytes outside
 /// the alphabet are skipped, "=" among them; two or three characters at the end give one or two bytes.
@@ -27,8 +28,8 @@ extern "C" ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::ui
 ///
 /// The caller releases the bytes, which no zero ends, with `free`. Null when there is no memory; then
 /// `outputLength` receives 0. Callable from any thread.
-extern "C" ZQFOUNDATION_EXPORT void* NewBase64Decode(const char* inputBuffer, std::int64_t length,
-                                                     std::uint64_t* outputLength) noexcept;
+extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT void*
+NewBase64Decode(const char* inputBuffer, std::int64_t length, std::uint64_t* outputLength) noexcept;
 
 } // namespace ZQFoundation
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
+// Data from and to Base64 strings.
 #include <new>
 
-#include "encoding/Base64Codec.h"
 #include "foundation/objects/StringBodies.h"
+#include "foundation/text/Base64Codec.h"
 
 namespace ZQFoundation {
 

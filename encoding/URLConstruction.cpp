@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// URLs made of their parts.
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
 #include "foundation/objects/TextBuilder.h"

@@ -6,9 +6,7 @@
 
 #include "foundation/objects/EntryOrder.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -106,7 +104,9 @@ bool isCondensable(const NSObject& object) noexcept {
 
 void appendCondensed(TextBuilder& out, const NSObject& collection) { CondensedWriter(out).write(collection); }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSString NSArray::condensedDescription() const { return NSObject::condensedDescription(); }
 

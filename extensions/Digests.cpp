@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Digests of strings as hexadecimal text.
 #include <cstring>
 #include <string>
 

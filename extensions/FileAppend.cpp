@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Texts appended to files in one write.
 #include <new>
 #include <string>
 
@@ -6,7 +7,7 @@
 #include <sys/file.h>
 
 #include "foundation/files/NSFileManager.h"
-#include "foundation/files/PromptOpening.h"
+#include "foundation/files/NonBlockingOpening.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/system/CallerState.h"
@@ -21,7 +22,7 @@ using detail::PathHandle;
 
 /// Others may make and remove the file between two looks at it; somebody who keeps doing so does not keep us
 /// for ever.
-constexpr int mostAttempts = 64;
+constexpr int maxAttempts = 64;
 
 /// The lock of a folder, held by one process and thread at a time; taken back with the object.
 class FolderLock {
@@ -37,7 +38,7 @@ public:
 
     /// Waits for about a second at most: the lock is anybody's who may read the folder.
     bool take(const std::string& path) {
-        constexpr int mostMilliseconds = 1000;
+        constexpr int maxMilliseconds = 1000;
         const std::size_t slash = path.rfind('/');
         const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
         PathHandle handle;
@@ -46,7 +47,7 @@ public:
         }
         folder_ =
             Descriptor(detail::openAt(handle.folder(), handle.name(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        for (int attempt = 0; folder_ && attempt < mostMilliseconds; ++attempt) {
+        for (int attempt = 0; folder_ && attempt < maxMilliseconds; ++attempt) {
             isLocked_ = ::flock(folder_.number(), LOCK_EX | LOCK_NB) == 0;
             if (isLocked_ || (errno != EWOULDBLOCK && errno != EINTR)) {
                 break;
@@ -62,13 +63,13 @@ private:
 };
 
 /// A link that leads to itself leads to no file either.
-bool leadsNowhere(int error) noexcept { return error == ENOENT || error == ELOOP; }
+bool meansDanglingLink(int error) noexcept { return error == ENOENT || error == ELOOP; }
 
 bool isDanglingLink(const PathHandle& path) noexcept {
     struct stat information;
     return ::fstatat(path.folder(), path.name(), &information, AT_SYMLINK_NOFOLLOW) == 0 &&
            S_ISLNK(information.st_mode) && ::fstatat(path.folder(), path.name(), &information, 0) != 0 &&
-           leadsNowhere(errno);
+           meansDanglingLink(errno);
 }
 
 /// Puts an empty file in the place of a link that leads nowhere; what it leads to is never made. Of several
@@ -94,13 +95,13 @@ Descriptor openForAppending(const std::string& bytes) {
     if (!path.reach(bytes)) {
         return Descriptor();
     }
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-        Descriptor file = detail::openPromptly(path, flags);
-        if (file || !leadsNowhere(errno)) {
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
+        Descriptor file = detail::openNonBlocking(path, flags);
+        if (file || !meansDanglingLink(errno)) {
             return file;
         }
         // Whoever comes second finds the file of the first, and opens that one.
-        file = detail::openPromptly(path, flags | O_CREAT | O_EXCL, 0666);
+        file = detail::openNonBlocking(path, flags | O_CREAT | O_EXCL, 0666);
         if (file || errno != EEXIST || !replaceDanglingLink(bytes, path)) {
             return file;
         }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Formats that come from the tables of localized texts.
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/process/NSBundle.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The functions for localized texts with C linkage.
 #include "extensions/LocalizedStrings.h"
 
 #ifdef __clang__

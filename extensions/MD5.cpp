@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The MD5 digest.
 #include "extensions/MD5.h"
 
 #include <bit>

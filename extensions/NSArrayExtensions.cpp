@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The library's own operations on arrays.
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
 

@@ -2,22 +2,20 @@
 // NSObject(ZQFoundation) and the boolValue of NSString(ZQFoundation).
 #include "extensions/Condensed.h"
 #include "extensions/Truth.h"
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSNumber.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/CaseMapping.h"
 #include "foundation/text/NumberText.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
 /// Whether the upper-cased text is "YES": not only the letters' two cases, a letter with "S" as its capital
 /// too.
-bool readsYes(const NormalizedText& text) noexcept {
+bool readsYes(const AsciiOrUtf16& text) noexcept {
     constexpr char32_t yes[] = {'Y', 'E', 'S'};
     std::size_t matched = 0;
     for (std::size_t i = 0; i < text.length(); ++i) {
@@ -36,7 +34,7 @@ bool readsYes(const NormalizedText& text) noexcept {
 } // namespace
 
 bool truthOfText(StringView view) {
-    const NormalizedText text(view);
+    const AsciiOrUtf16 text(view);
     // No letter's capitals are longer than three.
     if (text.length() <= 3 && readsYes(text)) {
         return true;
@@ -63,7 +61,9 @@ bool rootTruth(const NSObject& object) {
     return integerForm && (*integerForm & 0xFF) != 0;
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 bool NSObject::boolValue() const {
     return detail::isNumber(*this) ? as<NSNumber>().boolValue() : detail::rootTruth(*this);

@@ -4,16 +4,16 @@
 #include <new>
 
 #include "extensions/LineWalk.h"
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
 
 namespace ZQFoundation {
 
+using detail::AsciiOrUtf16;
 using detail::CharacterMembership;
-using detail::NormalizedText;
 using detail::TextBuilder;
 
 namespace {
@@ -76,7 +76,7 @@ void fillRepeatedly(Unit* out, const Unit* piece, std::size_t length, std::size_
     }
 }
 
-NSString repeated(const NormalizedText& piece, std::size_t total) {
+NSString repeated(const AsciiOrUtf16& piece, std::size_t total) {
     detail::StringBody* const body = detail::allocateString(total, piece.isAscii());
     if (piece.isAscii()) {
         fillRepeatedly(body->ascii(), piece.ascii(), piece.length(), total);
@@ -126,14 +126,14 @@ NSString NSString::stringByRepeating_count(StringView piece, std::int64_t count)
     if (!piece || count < 0) {
         return nullptr;
     }
-    const NormalizedText text(piece);
+    const AsciiOrUtf16 text(piece);
     if (count == 0 || text.length() == 0) {
         return string();
     }
-    constexpr std::size_t mostUnits = static_cast<std::size_t>(PTRDIFF_MAX) / (2 * sizeof(char16_t));
+    constexpr std::size_t maxUnits = static_cast<std::size_t>(PTRDIFF_MAX) / (2 * sizeof(char16_t));
     const auto times = static_cast<std::size_t>(count);
     try {
-        if (times <= mostUnits / text.length()) {
+        if (times <= maxUnits / text.length()) {
             return repeated(text, times * text.length());
         }
     } catch (const std::bad_alloc&) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Strings split into lines and pieces.
 #include "extensions/LineWalk.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSArray.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Members of a set removed at the ends of strings.
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSString.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Random UUIDs.
 #include "foundation/objects/StringBodies.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/System.h"

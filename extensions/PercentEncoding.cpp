@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The library's percent encodings for URLs and their parts.
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/PercentEscapes.h"
 

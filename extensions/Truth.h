@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_EXTENSIONS_TRUTH_H
 #define ZQFOUNDATION_EXTENSIONS_TRUTH_H
 
-#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSString.h"
 
 namespace ZQFoundation::detail {
 

@@ -10,9 +10,9 @@
 #include <string>
 
 #include "encoding/Base64.h"
-#include "encoding/Base64Codec.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSString.h"
+#include "foundation/text/Base64Codec.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 #include "tests/models/Base64.h"

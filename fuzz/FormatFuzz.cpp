@@ -16,7 +16,7 @@ using fuzzing::PlainArgument;
 
 namespace {
 
-constexpr std::size_t mostArguments = 8;
+constexpr std::size_t maxArguments = 8;
 
 const detail::FormatLocale* localeNumbered(unsigned number) {
     static const detail::FormatLocale locales[] = {
@@ -149,7 +149,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view text = input.piece('\0');
     const std::u16string units = form % 2 == 0 ? NSString(text).utf16() : fuzzing::unitsFromBytes(text);
     std::vector<PlainArgument> values;
-    while (!input.rest().empty() && values.size() < mostArguments) {
+    while (!input.rest().empty() && values.size() < maxArguments) {
         values.push_back(argumentFrom(input));
     }
     std::vector<Argument> arguments;

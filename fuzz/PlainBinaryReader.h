@@ -78,7 +78,7 @@ private:
             object.state = readObject(object, depth) ? Object::good : Object::bad;
         }
         return object.state == Object::good &&
-               object.height + depth <= ZQFoundation::detail::maximumPropertyListDepth;
+               object.height + depth <= ZQFoundation::detail::maxPropertyListDepth;
     }
 
     bool readObject(Object& object, std::size_t depth) {
@@ -193,7 +193,7 @@ private:
         NSMutableArray array;
         object.height = 1;
         for (std::size_t index = 0; index < count; ++index) {
-            const Object* element = depth > ZQFoundation::detail::maximumPropertyListDepth
+            const Object* element = depth > ZQFoundation::detail::maxPropertyListDepth
                                         ? nullptr
                                         : referred(content + index * referenceSize_, depth);
             if (element == nullptr) {
@@ -212,7 +212,7 @@ private:
         for (std::size_t index = 0; index < count; ++index) {
             const std::size_t place = content + index * referenceSize_;
             const std::uint64_t key = number(place, referenceSize_);
-            if (depth > ZQFoundation::detail::maximumPropertyListDepth || key >= objects_.size() ||
+            if (depth > ZQFoundation::detail::maxPropertyListDepth || key >= objects_.size() ||
                 byte(objects_[key].offset) >> 4 == 0xA || byte(objects_[key].offset) >> 4 == 0xD) {
                 return false;
             }

@@ -43,7 +43,7 @@ struct PlainArgument {
 /// the C library does differently or would take too long is given up.
 class PlainFormat {
 public:
-    static constexpr int largestField = 300;
+    static constexpr int maxField = 300;
 
     PlainFormat(const std::vector<PlainArgument>& arguments, const ZQFoundation::detail::FormatLocale* locale)
         : arguments_(arguments), locale_(locale) {}
@@ -141,7 +141,7 @@ private:
                 field.value = static_cast<int>(std::min<std::uint64_t>(value, INT_MAX));
             }
         }
-        hasGivenUp_ = hasGivenUp_ || field.value > largestField || field.value < -largestField;
+        hasGivenUp_ = hasGivenUp_ || field.value > maxField || field.value < -maxField;
         return field;
     }
 

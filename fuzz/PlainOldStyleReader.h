@@ -95,7 +95,7 @@ private:
             return readData();
         }
         const bool isArray = next() == u'(';
-        if (isAtEnd() || depth == ZQFoundation::detail::maximumPropertyListDepth ||
+        if (isAtEnd() || depth == ZQFoundation::detail::maxPropertyListDepth ||
             (!take(u'{') && !take(u'('))) {
             return nullptr;
         }

@@ -26,7 +26,9 @@ enum class Kept {
 /// Deep values are compared by recursion; the readers allow a few hundred levels.
 bool isSame(const NSObject& found, const NSObject& original, Kept kept);
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 using ZQFoundation::detail::Access;
 using ZQFoundation::detail::Kind;
@@ -88,7 +90,9 @@ inline bool isSameScalar(const NSObject& found, const NSObject& original, Kept k
     }
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 inline bool isSame(const NSObject& found, const NSObject& original, Kept kept) {
     using detail::Kind;

@@ -93,9 +93,9 @@ public:
         return value;
     }
 
-    long time(int greatestHour) {
+    long time(int maxHour) {
         const long sign = take('-') ? -1 : (take('+'), 1);
-        long seconds = number(0, greatestHour) * 3600L;
+        long seconds = number(0, maxHour) * 3600L;
         if (take(':')) {
             seconds += number(0, 59) * 60L;
             seconds += take(':') ? number(0, 59) : 0L;

@@ -30,9 +30,7 @@
 #include <format>
 #endif
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 /// What a value comes back as, beside the types with a conversion of their own.
 template <class T>
@@ -65,7 +63,9 @@ T numberAs(const NSNumber& number) {
     }
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// `as<std::string>()`, `as<std::u8string>()`, `as<std::u16string>()`: empty for what is no string.
 template <>

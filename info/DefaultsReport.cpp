@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The report of active switches, with the commands that turn them off.
 #include "info/DefaultsReport.h"
 
 #include "foundation/objects/NSArray.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The lines of the start-up report made of facts.
 #include "info/FactTexts.h"
 
 namespace ZQFoundation::detail {

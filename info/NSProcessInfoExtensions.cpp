@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The application's company, name and library folders.
 #include "foundation/files/HomeFolder.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/process/FolderLayout.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The local address of a route as text.
 #include "info/NetworkInfo.h"
 
 #include <cstring>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reads the system's release description.
 #include "info/ReleaseFile.h"
 
 #include <string_view>

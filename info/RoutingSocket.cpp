@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
+// Asks the kernel for a route by routing messages.
 #include "info/RoutingSocket.h"
-
-#include <arpa/inet.h>
-#include <err.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstddef>
 #include <cstring>
+
+#include <arpa/inet.h>
+#include <err.h>
+#include <unistd.h>
 
 #include "foundation/system/CallerState.h"
 #include "foundation/system/RouteMessage.h"

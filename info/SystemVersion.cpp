@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The system's version, from the system version file or the release description.
 #include "info/SystemVersion.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Facts about application, system and hardware, and the start-up report.
 #include "info/ZQLogInfo.h"
 
 #include "foundation/process/NSBundle.h"
@@ -20,7 +21,7 @@ constexpr const char* appInformationMethod = "getAppInformation";
 constexpr const char* separatorLine = "--------------------------------------------------------------------";
 
 /// With its terminating NUL a longer name does not fit where a system's kernel hands it out.
-constexpr std::size_t longestModelName = 99;
+constexpr std::size_t maxModelNameLength = 99;
 
 void warn(StringView text) {
     ZQLog::logSelf_method_logAlways_log(thisClass, appInformationMethod, true, text);
@@ -134,7 +135,7 @@ NSDictionary ZQLogInfo::getHardwareInformation() {
                                                     ? *detail::overrides::hardware
                                                     : detail::system::hardwareFacts();
     NSMutableDictionary information;
-    if (!facts.model.empty() && facts.model.size() <= longestModelName) {
+    if (!facts.model.empty() && facts.model.size() <= maxModelNameLength) {
         information.setObject_forKey(NSString::stringWithFormat("%s", facts.model.c_str()), "model");
     }
     if (facts.processors != 0) {

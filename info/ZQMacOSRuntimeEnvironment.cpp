@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The system's release and the library's processor.
 #include "info/ZQMacOSRuntimeEnvironment.h"
 
 #include <atomic>
@@ -8,7 +9,7 @@
 #include <sys/utsname.h>
 #endif
 
-#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/process/NSBundle.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/Published.h"
@@ -29,7 +30,7 @@ struct Release {
 
 constinit std::atomic<const Release*> knownRelease{nullptr};
 
-std::uint64_t numberOf(const detail::NormalizedText& text, std::size_t start, std::size_t end) {
+std::uint64_t numberOf(const detail::AsciiOrUtf16& text, std::size_t start, std::size_t end) {
     const std::int64_t number = text.isAscii() ? detail::readInt64(text.ascii() + start, end - start)
                                                : detail::readInt64(text.units() + start, end - start);
     return number < 0 ? 0 : static_cast<std::uint64_t>(number);
@@ -37,7 +38,7 @@ std::uint64_t numberOf(const detail::NormalizedText& text, std::size_t start, st
 
 /// The components between periods, as far as there are places for them.
 void readNumbers(const NSString& version, Release& release) {
-    const detail::NormalizedText text(version);
+    const detail::AsciiOrUtf16 text(version);
     std::size_t start = 0;
     for (std::uint64_t* const place : {&release.major_, &release.minor_, &release.patch_}) {
         std::size_t end = start;

@@ -7,9 +7,7 @@
 #include "../foundation/objects/Class.h"
 #include "../foundation/objects/NSObjectProtocol.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 /// The own name of an instance's class: of the most derived one for a polymorphic class.
 ZQFOUNDATION_EXPORT StringView classNameOfType(const std::type_info& type);
@@ -44,7 +42,9 @@ inline constexpr InstanceQueries instanceQueries{
         }
     }};
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// Who calls a log operation: `this` of any class, a value, a class (`classOf<Store>()`), or nothing
 /// (`nullptr`). Owns nothing and asks nothing until a line is really made. A `void` pointer is an object

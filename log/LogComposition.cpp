@@ -10,9 +10,7 @@
 #include "log/LogGates.h"
 #include "log/ZQLog.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -186,7 +184,9 @@ NSString textOfText(const CallerReference& caller, StringView text) {
     return returned.string();
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSString ZQLog::objectiveCMethodDescriptionStringForCaller_method(const LogCaller& caller,
                                                                   StringView method) {

@@ -20,7 +20,7 @@ namespace {
 /// The path of the current log file. Nothing in the library reads it; it is there for a debugger.
 constinit detail::Published<NSString> optionalLogFilePath;
 
-constexpr int largestFileNumber = 999;
+constexpr int maxFileNumber = 999;
 
 void complain(FormatString<NSString> format, const NSString& path) {
     ZQLog::logSelf_method_logAlways_logWithFormat(classOf<ZQLog>(), "setLogFilePath:createFolder:", true,
@@ -117,7 +117,7 @@ NSString ZQLog::standardNewLogFileNameForLoggingToFolder(const NSString& folder)
     if (!files.fileExistsAtPath(path)) {
         return name;
     }
-    for (unsigned long number = 1; number <= largestFileNumber; ++number) {
+    for (unsigned long number = 1; number <= maxFileNumber; ++number) {
         // The unnumbered path decides: a number is given only when that file vanishes meanwhile.
         if (!files.fileExistsAtPath(path)) {
             return NSString::stringWithFormat("%@.%lu.log", stem, number);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Failed assertions: the line, then the exception.
 #include "log/NSAssertionHandler.h"
 
 #include "log/ZQLog.h"

@@ -107,7 +107,9 @@ private:
                        .handleFailureInFunction_file_lineNumber_exceptionName_description(                   \
                            __func__, __FILE__, __LINE__, exceptionName, __VA_ARGS__))
 
-/// The same in a member function, for the object given (`this`) or the class (`classOf<Store>()`).
+/// Fails unless the condition holds, as `ZQAssert`, in a member function: for the object given (`this`) or
+/// the class
+/// (`classOf<Store>()`).
 #define ZQAssertInMethod(condition, object, exceptionName, ...)                                              \
     ((condition) ? static_cast<void>(0)                                                                      \
                  : ::ZQFoundation::NSAssertionHandler::currentHandler()                                      \

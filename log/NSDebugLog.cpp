@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The debug log that does nothing.
 #include "log/NSDebugLog.h"
 
 namespace ZQFoundation {

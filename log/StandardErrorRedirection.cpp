@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Standard error moved to a file and back.
 #include "log/StandardErrorRedirection.h"
 
 #include <atomic>

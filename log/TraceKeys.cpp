@@ -14,9 +14,7 @@
 #include "log/TraceTable.h"
 #include "log/ZQLog.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -296,7 +294,9 @@ void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const T
     }
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 using detail::InMonitor;
 

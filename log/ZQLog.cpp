@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
+// The log's plain text, prefix, formatters and descriptions of callers.
 #include "log/ZQLog.h"
+
+#include <atomic>
 
 #include "foundation/process/LineWriter.h"
 #include "foundation/process/NSProcessInfo.h"
+#include "foundation/system/Published.h"
 #include "foundation/time/NSDateFormatter.h"
 
 namespace ZQFoundation {
@@ -11,22 +15,18 @@ namespace {
 
 /// Makes the formatter at the first request and keeps it. Two threads that ask at the same moment for the
 /// first time may each make one; one of the two is kept.
-const NSDateFormatter& sharedFormatter(const NSDateFormatter*& shared, const char* dateFormat) {
-    const NSDateFormatter* known = __atomic_load_n(&shared, __ATOMIC_ACQUIRE);
-    if (known == nullptr) {
-        auto* const formatter = new NSDateFormatter;
-        formatter->setDateFormat(dateFormat);
-        if (__atomic_compare_exchange_n(&shared, &known, formatter, false, __ATOMIC_ACQ_REL,
-                                        __ATOMIC_ACQUIRE)) {
-            return *formatter;
-        }
-        delete formatter;
+const NSDateFormatter& sharedFormatter(std::atomic<const NSDateFormatter*>& shared, const char* dateFormat) {
+    const NSDateFormatter* const known = shared.load(std::memory_order_acquire);
+    if (known != nullptr) {
+        return *known;
     }
-    return *known;
+    auto* const formatter = new NSDateFormatter;
+    formatter->setDateFormat(dateFormat);
+    return detail::publishOnce<NSDateFormatter>(shared, formatter);
 }
 
-constinit const NSDateFormatter* _dateFormatterLong = nullptr;
-constinit const NSDateFormatter* _dateFormatterShort = nullptr;
+constinit std::atomic<const NSDateFormatter*> longFormatter{nullptr};
+constinit std::atomic<const NSDateFormatter*> shortFormatter{nullptr};
 
 } // namespace
 
@@ -48,11 +48,11 @@ NSString ZQLog::logPrefix() {
 }
 
 const NSDateFormatter& ZQLog::dateFormatterLong() {
-    return sharedFormatter(_dateFormatterLong, "yyyy'-'MM'-'dd' 'HH':'mm':'ss'.'SSS");
+    return sharedFormatter(longFormatter, "yyyy'-'MM'-'dd' 'HH':'mm':'ss'.'SSS");
 }
 
 const NSDateFormatter& ZQLog::dateFormatterShort() {
-    return sharedFormatter(_dateFormatterShort, "yyyyMMdd'-'HHmm");
+    return sharedFormatter(shortFormatter, "yyyyMMdd'-'HHmm");
 }
 
 } // namespace ZQFoundation

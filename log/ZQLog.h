@@ -109,7 +109,7 @@ public:
     ///
     /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used, and a
     /// new file has the mode 0600.
-    static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);
+    [[nodiscard]] static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);
 
     /// As `setLogFilePath_createFolder`, without a check, a message or a result. Descriptor 2 as it first was
     /// is kept aside. If the file cannot be opened, lines are lost from then on: descriptor 2 is parked on
@@ -143,7 +143,7 @@ public:
     /// Whoever re-reads them while other threads log does it inside such a scope.
     class ZQFOUNDATION_EXPORT Synchronized {
     public:
-        Synchronized() noexcept;
+        [[nodiscard]] Synchronized() noexcept;
         Synchronized(const Synchronized&) = delete;
         Synchronized& operator=(const Synchronized&) = delete;
         ~Synchronized();

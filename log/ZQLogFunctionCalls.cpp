@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The log operations that name a function, for started argument lists.
 #include "log/ZQLogFunctionCalls.h"
 
 #include "log/LogOperation.h"

@@ -18,7 +18,7 @@ public:
     /// Writes the line "caller text". A flag of NO or a nil text writes nothing.
     static void logFunctionName_logAlways_log(const char* functionName, bool logAlways, StringView text);
 
-    /// The text that the operation above would write, or nil.
+    /// Returns the line "caller text"; nil for a flag of NO and for a nil text. Writes nothing.
     static NSString logFunctionName_logAlways_logString(const char* functionName, bool logAlways,
                                                         StringView text);
 

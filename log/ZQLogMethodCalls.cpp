@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The log operations that name an object and its method, for started argument lists.
 #include "log/ZQLogMethodCalls.h"
 
 #include "log/LogOperation.h"

@@ -20,7 +20,7 @@ public:
     static void logSelf_method_logAlways_log(const LogCaller& self, StringView method, bool logAlways,
                                              StringView text);
 
-    /// The text that the operation above would write, or nil.
+    /// Returns the line "caller text"; nil for a flag of NO and for a nil text. Writes nothing.
     static NSString logSelf_method_logAlways_logString(const LogCaller& self, StringView method,
                                                        bool logAlways, StringView text);
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The log operations without a caller, for started argument lists.
 #include "log/ZQLogPlainCalls.h"
 
 #include "log/LogOperation.h"

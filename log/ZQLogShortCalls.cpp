@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The log operations without caller and flag, for started argument lists.
 #include "log/ZQLogShortCalls.h"
 
 #include "log/ZQLog.h"

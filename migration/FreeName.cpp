@@ -25,7 +25,7 @@ NSString numberedName(const NSString& stem, std::int64_t counter, const NSString
         if (front.length() == 0) {
             return nullptr;
         }
-        const NormalizedText units(front);
+        const AsciiOrUtf16 units(front);
         front = front.substringToIndex(sequenceStart(UnitView(units), front.length() - 1));
         name = numberedPath(front, " ", counter, extension);
     }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Files and folders made together with the folders above them.
 #include <sys/stat.h>
 
 #include "foundation/files/FileInformation.h"

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
+// The order of version strings, token by token.
 #include "version/ZQVersionComparator.h"
 
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSCharacterSet.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
 
 namespace ZQFoundation {
 
-using detail::NormalizedText;
+using detail::AsciiOrUtf16;
 
 namespace {
 
@@ -41,7 +42,7 @@ TokenClass classOfUnit(char16_t unit) {
                                                                               : TokenClass::other;
 }
 
-NSString substring(const NormalizedText& text, std::size_t start, std::size_t end) {
+NSString substring(const AsciiOrUtf16& text, std::size_t start, std::size_t end) {
     return text.isAscii() ? NSString(StringView::ascii(text.ascii() + start, end - start))
                           : NSString::stringWithCharacters_length(text.units() + start, end - start);
 }
@@ -109,7 +110,7 @@ private:
         return start == end;
     }
 
-    NormalizedText text_;
+    AsciiOrUtf16 text_;
 };
 
 /// The end of the token that starts at `start` and is of class `tokenClass`.
@@ -311,7 +312,7 @@ private:
 } // namespace
 
 int ZQVersionComparator::typeOfCharacter(StringView character) {
-    const NormalizedText text(character);
+    const AsciiOrUtf16 text(character);
     if (text.isNil()) {
         return static_cast<int>(TokenClass::other);
     }

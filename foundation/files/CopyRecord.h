@@ -3,11 +3,11 @@
 #ifndef ZQFOUNDATION_FILES_COPYRECORD_H
 #define ZQFOUNDATION_FILES_COPYRECORD_H
 
-#include <sys/stat.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+
+#include <sys/stat.h>
 
 namespace ZQFoundation::detail {
 

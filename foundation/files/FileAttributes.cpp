@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/files/AppliedAttributes.h"
-
+// The attribute dictionaries of files and folders, and what can be applied from one.
 #include <cerrno>
 #include <cmath>
 #include <vector>
@@ -10,6 +9,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include "foundation/files/AppliedAttributes.h"
 #include "foundation/files/FileError.h"
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/FileTimes.h"
@@ -21,14 +21,12 @@
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/Published.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
 constexpr std::int64_t referenceInstant = 978307200;
-constexpr std::size_t largestAccountRecord = std::size_t{1} << 20;
+constexpr std::size_t maxAccountRecordBytes = std::size_t{1} << 20;
 
 /// Long enough for the items of one folder, short enough for a renamed account.
 constexpr time_t secondsToKeepName = 5;
@@ -57,7 +55,7 @@ bool findRecord(Record& record, std::vector<char>& buffer, const Ask& ask) {
     Record* found = nullptr;
     int error = 0;
     while ((error = ask(&record, buffer.data(), buffer.size(), &found)) == EINTR ||
-           (error == ERANGE && buffer.size() < largestAccountRecord)) {
+           (error == ERANGE && buffer.size() < maxAccountRecordBytes)) {
         if (error == ERANGE) {
             buffer.resize(buffer.size() * 2);
         }
@@ -207,7 +205,9 @@ void applyAttributes(int descriptor, const NSDictionary& attributes) {
     }
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSDictionary NSFileManager::attributesOfItemAtPath_error(StringView path, NSString* errorText) const {
     const detail::CallerState caller;
@@ -216,7 +216,7 @@ NSDictionary NSFileManager::attributesOfItemAtPath_error(StringView path, NSStri
     struct stat information;
     if (!detail::getPathBytes(path, bytes) || !handle.reach(bytes) ||
         ::fstatat(handle.folder(), handle.name(), &information, AT_SYMLINK_NOFOLLOW) != 0) {
-        detail::tellError(errorText, path, errno);
+        detail::reportError(errorText, path, errno);
         return nullptr;
     }
     timespec created{};

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// New files, written beside their place and renamed into it.
 #include <cstdio>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -12,7 +13,7 @@ namespace ZQFoundation {
 
 namespace {
 
-constexpr int mostAttempts = 100;
+constexpr int maxAttempts = 100;
 
 /// A new file under a name of its own beside the one that it shall replace; removed again unless it does.
 class ReplacementFile {
@@ -27,7 +28,7 @@ public:
     }
 
     bool open(mode_t mode) noexcept {
-        for (int attempt = 0; attempt < mostAttempts && !file_; ++attempt) {
+        for (int attempt = 0; attempt < maxAttempts && !file_; ++attempt) {
             chooseName();
             file_ = detail::Descriptor(
                 detail::openAt(folder_, name_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));

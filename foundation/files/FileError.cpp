@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Texts for failed operations on files.
 #include "foundation/files/FileError.h"
 
 #include <cerrno>
@@ -64,7 +65,7 @@ NSString reasonOf(int error) {
 
 } // namespace
 
-void tellError(NSString* errorText, StringView path, int error) {
+void reportError(NSString* errorText, StringView path, int error) {
     if (errorText == nullptr) {
         return;
     }
@@ -75,9 +76,9 @@ void tellError(NSString* errorText, StringView path, int error) {
     *errorText = text.string();
 }
 
-void tellErrorOfBytes(NSString* errorText, const std::string& path, int error) {
+void reportErrorOfBytes(NSString* errorText, const std::string& path, int error) {
     if (errorText != nullptr) {
-        tellError(errorText, NSString::stringWithFileSystemBytes(path.data(), path.size()), error);
+        reportError(errorText, NSString::stringWithFileSystemBytes(path.data(), path.size()), error);
     }
 }
 

@@ -10,10 +10,10 @@
 namespace ZQFoundation::detail {
 
 /// Puts "<path>: <reason>" into `errorText` when it is given. The reason is English whatever the locale is.
-void tellError(NSString* errorText, StringView path, int error);
+void reportError(NSString* errorText, StringView path, int error);
 
-/// The same for a path in the system's bytes.
-void tellErrorOfBytes(NSString* errorText, const std::string& path, int error);
+/// As `reportError`, for a path in the system's bytes.
+void reportErrorOfBytes(NSString* errorText, const std::string& path, int error);
 
 /// The text becomes nil.
 inline void tellSuccess(NSString* errorText) noexcept {

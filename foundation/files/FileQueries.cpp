@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
+// What exists at a path, and what the process may do with it.
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -36,7 +35,9 @@ bool getTargetInformation(StringView path, struct stat& information) {
     return getInformation(path, information, 0);
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSFileManager& NSFileManager::defaultManager() noexcept {
     static constinit NSFileManager manager;

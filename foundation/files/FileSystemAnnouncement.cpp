@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Notifies the host's workspace class of a changed folder.
 #include "foundation/files/FileSystemAnnouncement.h"
 
 #include "foundation/objects/NSException.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// New folders, with those above them.
 #include <vector>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -103,7 +104,7 @@ bool NSFileManager::createDirectoryAtPath_withIntermediateDirectories_attributes
     const detail::CallerState caller;
     std::string bytes;
     if (!detail::getPathBytes(path, bytes)) {
-        detail::tellError(errorText, path, errno);
+        detail::reportError(errorText, path, errno);
         return false;
     }
     FolderMaker maker(bytes, attributes);
@@ -113,7 +114,7 @@ bool NSFileManager::createDirectoryAtPath_withIntermediateDirectories_attributes
     if (done) {
         detail::tellSuccess(errorText);
     } else {
-        detail::tellError(errorText, path, error);
+        detail::reportError(errorText, path, error);
     }
     return done;
 }

@@ -31,7 +31,7 @@ NSArray NSFileManager::contentsOfDirectoryAtPath_error(StringView path, NSString
     const detail::CallerState caller;
     detail::FolderNames found;
     if (!readFolder(path, found)) {
-        detail::tellError(errorText, path, errno);
+        detail::reportError(errorText, path, errno);
         return nullptr;
     }
     NSMutableArray names;

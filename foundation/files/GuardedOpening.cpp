@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Opens files in folders that others may write to, without following what strangers put there.
 #include "foundation/files/GuardedOpening.h"
 
 #include <new>
@@ -14,7 +15,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Others may change a name between two looks at it; somebody who keeps doing so does not keep us for ever.
-constexpr int mostAttempts = 64;
+constexpr int maxAttempts = 64;
 
 // Without O_NONBLOCK the opening of some devices waits for the other side.
 constexpr int appendFlags = O_RDWR | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
@@ -97,7 +98,7 @@ bool GuardedWalk::readJudgedLink(std::string& target) {
     if (::fstat(folder(), &folderInformation) != 0) {
         return false;
     }
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
         struct stat before;
         struct stat after;
         if (!getInformation(folder(), name(), before)) {
@@ -126,7 +127,7 @@ bool GuardedWalk::follow() {
     if (!readJudgedLink(target)) {
         return false;
     }
-    if (++links_ > mostLinks) {
+    if (++links_ > maxLinks) {
         errno = ELOOP;
         return false;
     }
@@ -141,7 +142,7 @@ int openLast(const GuardedWalk& walk) noexcept {
     if (::fstat(walk.folder(), &folder) != 0) {
         return -1;
     }
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
         struct stat item;
         // The mere opening of some devices and pipes is felt at the other side.
         if (isSharedFolder(folder) && getInformation(walk.folder(), walk.name(), item) &&
@@ -192,7 +193,7 @@ int openAtEndOf(GuardedWalk& walk) {
 }
 
 /// The descriptor is as a plain opening would have left it.
-void takeNonBlockingOff(int file) noexcept {
+void clearNonBlocking(int file) noexcept {
     const int flags = ::fcntl(file, F_GETFL);
     if (flags >= 0) {
         ::fcntl(file, F_SETFL, flags & ~O_NONBLOCK);
@@ -234,7 +235,7 @@ int openForAppendingGuarded(const std::string& path) noexcept {
         GuardedWalk walk(path);
         const int file = openAtEndOf(walk);
         if (file >= 0) {
-            takeNonBlockingOff(file);
+            clearNonBlocking(file);
         }
         return file;
     } catch (const std::bad_alloc&) {

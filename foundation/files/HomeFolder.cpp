@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Home folders, from the environment and the user database.
 #include "foundation/files/HomeFolder.h"
 
 #include <cerrno>
@@ -14,7 +15,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-constexpr std::size_t largestAccountRecord = std::size_t{1} << 20;
+constexpr std::size_t maxAccountRecordBytes = std::size_t{1} << 20;
 
 struct AccountHome {
     uid_t account;
@@ -34,7 +35,7 @@ std::string homeFromDatabase(const Ask& ask) {
     passwd* found = nullptr;
     int error = 0;
     while ((error = ask(&record, buffer.data(), buffer.size(), &found)) == EINTR ||
-           (error == ERANGE && buffer.size() < largestAccountRecord)) {
+           (error == ERANGE && buffer.size() < maxAccountRecordBytes)) {
         if (error == ERANGE) {
             buffer.resize(buffer.size() * 2);
         }

@@ -48,7 +48,7 @@ NSString targetOfLink(const NSString& link) {
 
 /// Whether the item is met on the way from the path along its links to what they lead to.
 bool isMetAlongLinks(const struct stat& item, const NSString& itemPath, NSString path) {
-    for (int links = 0; path && links <= mostLinks; ++links) {
+    for (int links = 0; path && links <= maxLinks; ++links) {
         struct stat step;
         if (!getItemInformation(path, step)) {
             return false;

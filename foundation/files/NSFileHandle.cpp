@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Open files as values that raise on failure.
 #include "foundation/files/NSFileHandle.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@
 
 #include <sys/resource.h>
 
-#include "foundation/files/PromptOpening.h"
+#include "foundation/files/NonBlockingOpening.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/WholeRead.h"
@@ -27,7 +28,7 @@ int opened(StringView path, int flags) {
     if (!detail::getPathBytes(path, bytes) || !handle.reach(bytes)) {
         return notOpen;
     }
-    return detail::openPromptly(handle, flags).release();
+    return detail::openNonBlocking(handle, flags).release();
 }
 
 [[noreturn]] void raiseFailure(const char* operation) {

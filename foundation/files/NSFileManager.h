@@ -6,11 +6,11 @@
 #include "../objects/NSDictionary.h"
 #include "../objects/NSString.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 class TreeWalk;
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// Walks a tree of files, a folder before what it holds.
 ///
@@ -154,8 +154,8 @@ public:
     /// the whole new one. A link at the path is replaced, not followed. An existing file's mode is kept, a
     /// new one gets 0666 less the umask, then the attributes (permissions, modification date, owner) are
     /// applied, failures ignored. Nil contents make an empty file. False for a folder at the path.
-    bool createFileAtPath_contents_attributes(StringView path, const NSData& contents,
-                                              const NSDictionary& attributes);
+    [[nodiscard]] bool createFileAtPath_contents_attributes(StringView path, const NSData& contents,
+                                                            const NSDictionary& attributes);
 
     /// Walks everything below the folder; empty if it cannot be read.
     NSDirectoryEnumerator enumeratorAtPath(StringView path) const;
@@ -170,8 +170,8 @@ public:
     /// The first failure, which may be one of the last write that shows only at the end, stops the copy with
     /// false; what was copied stays. False, before anything is made, for a folder copied into itself or
     /// below.
-    bool copyItemAtPath_toPath_error(StringView source, StringView destination,
-                                     NSString* errorText = nullptr);
+    [[nodiscard]] bool copyItemAtPath_toPath_error(StringView source, StringView destination,
+                                                   NSString* errorText = nullptr);
 
     /// Removes a file, a link itself or a whole tree, in which links are not followed. False when nothing is
     /// there or something could not be removed; what was removed until then is gone.
@@ -193,7 +193,7 @@ public:
     /// Creates the file and, if `deepCreate`, first the missing folders above it, each with the folder
     /// attributes. False, and nothing made, if something other than a folder is where the parent
     /// should.
-    bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+    [[nodiscard]] bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
         const NSDictionary& directoryAttributes, bool deepCreate);
 

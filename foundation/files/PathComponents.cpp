@@ -3,13 +3,13 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSArray.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
 
 namespace ZQFoundation {
 
-using detail::NormalizedText;
+using detail::AsciiOrUtf16;
 using detail::TextBuilder;
 
 namespace {
@@ -20,7 +20,7 @@ struct LastComponent {
     std::size_t end;
 };
 
-LastComponent lastComponentOf(const NormalizedText& path) noexcept {
+LastComponent lastComponentOf(const AsciiOrUtf16& path) noexcept {
     std::size_t end = path.length();
     while (end > 0 && path[end - 1] == '/') {
         --end;
@@ -34,7 +34,7 @@ LastComponent lastComponentOf(const NormalizedText& path) noexcept {
 
 /// The "." in front of the extension, or the component's end when it has none. Dots that a name begins with
 /// start no extension: without them "..zip" would become the name of a folder.
-std::size_t extensionDot(const NormalizedText& path, const LastComponent& last) noexcept {
+std::size_t extensionDot(const AsciiOrUtf16& path, const LastComponent& last) noexcept {
     std::size_t first = last.start;
     while (first < last.end && path[first] == '.') {
         ++first;
@@ -76,17 +76,17 @@ void appendSqueezed(const Unit* units, std::size_t count, bool& afterSlash, Text
 /// Builds a squeezed path from pieces, any of which may hold slashes.
 class SqueezedPath {
 public:
-    void append(const NormalizedText& text, std::size_t count) {
+    void append(const AsciiOrUtf16& text, std::size_t count) {
         if (text.isAscii()) {
             appendSqueezed(text.ascii(), count, afterSlash_, builder_);
         } else {
             appendSqueezed(text.units(), count, afterSlash_, builder_);
         }
     }
-    void append(const NormalizedText& text) { append(text, text.length()); }
+    void append(const AsciiOrUtf16& text) { append(text, text.length()); }
 
     /// A component of its own, unless it is empty.
-    void appendComponent(const NormalizedText& component) {
+    void appendComponent(const AsciiOrUtf16& component) {
         if (component.length() == 0) {
             return;
         }
@@ -112,7 +112,7 @@ private:
 } // namespace
 
 NSString NSString::lastPathComponent() const {
-    const NormalizedText path(view());
+    const AsciiOrUtf16 path(view());
     if (path.length() == 0) {
         return *this;
     }
@@ -121,7 +121,7 @@ NSString NSString::lastPathComponent() const {
 }
 
 NSString NSString::stringByDeletingLastPathComponent() const {
-    const NormalizedText path(view());
+    const AsciiOrUtf16 path(view());
     if (path.length() == 0) {
         return *this;
     }
@@ -139,8 +139,8 @@ NSString NSString::stringByAppendingPathComponent(StringView component) const {
         return {};
     }
     SqueezedPath path;
-    path.appendComponent(NormalizedText(view()));
-    path.appendComponent(NormalizedText(component));
+    path.appendComponent(AsciiOrUtf16(view()));
+    path.appendComponent(AsciiOrUtf16(component));
     return path.string();
 }
 
@@ -148,7 +148,7 @@ NSArray NSString::pathComponents() const {
     if (!*this) {
         return {};
     }
-    const NormalizedText path(view());
+    const AsciiOrUtf16 path(view());
     const std::size_t length = path.length();
     NSMutableArray components;
     if (length != 0 && path[0] == '/') {
@@ -174,7 +174,7 @@ NSString NSString::pathWithComponents(const NSArray& components) {
     SqueezedPath path;
     for (const NSObject& component : components) {
         const NSString text(component); // nil, so passed over, for what is no string
-        path.appendComponent(NormalizedText(text));
+        path.appendComponent(AsciiOrUtf16(text));
     }
     return path.string();
 }
@@ -183,14 +183,14 @@ NSString NSString::pathExtension() const {
     if (!*this) {
         return {};
     }
-    const NormalizedText path(view());
+    const AsciiOrUtf16 path(view());
     const LastComponent last = lastComponentOf(path);
     const std::size_t dot = extensionDot(path, last);
     return dot == last.end ? string() : substringWithRange(dot + 1, last.end - dot - 1);
 }
 
 NSString NSString::stringByDeletingPathExtension() const {
-    const NormalizedText path(view());
+    const AsciiOrUtf16 path(view());
     if (path.length() == 0) {
         return *this;
     }

@@ -103,17 +103,17 @@ bool NSFileManager::copyItemAtPath_toPath_error(StringView source, StringView de
     std::string sourceBytes;
     std::string destinationBytes;
     if (!detail::getPathBytes(source, sourceBytes)) {
-        detail::tellError(errorText, source, errno);
+        detail::reportError(errorText, source, errno);
         return false;
     }
     if (!detail::getPathBytes(destination, destinationBytes)) {
-        detail::tellError(errorText, destination, errno);
+        detail::reportError(errorText, destination, errno);
         return false;
     }
     PathCopy copy(sourceBytes, destinationBytes);
     if (!copy.run()) {
         const int error = errno;
-        detail::tellErrorOfBytes(errorText, copy.failed(), error);
+        detail::reportErrorOfBytes(errorText, copy.failed(), error);
         return false;
     }
     detail::tellSuccess(errorText);

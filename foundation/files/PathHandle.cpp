@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Paths of any length as an open folder and a name in it.
 #include "foundation/files/PathHandle.h"
 
 #include <climits>
@@ -11,7 +12,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// The system's limit counts the NUL at the end.
-constexpr std::size_t longestName = PATH_MAX - 1;
+constexpr std::size_t maxNameBytes = PATH_MAX - 1;
 
 } // namespace
 
@@ -47,7 +48,7 @@ bool takeName(const std::string& path, std::size_t& position, std::string& name)
 }
 
 bool PathHandle::openNextFolder(const std::string& path) noexcept {
-    const std::size_t slash = path.rfind('/', offset_ + longestName - 1);
+    const std::size_t slash = path.rfind('/', offset_ + maxNameBytes - 1);
     if (slash == std::string::npos || slash < offset_) {
         errno = ENAMETOOLONG;
         return false;
@@ -69,12 +70,12 @@ bool PathHandle::openNextFolder(const std::string& path) noexcept {
 }
 
 bool PathHandle::reach(const std::string& path) noexcept {
-    isDirect_ = path.size() <= longestName;
+    isDirect_ = path.size() <= maxNameBytes;
     if (isDirect_) {
         name_ = path.c_str();
         return true;
     }
-    while (path.size() - offset_ > longestName) {
+    while (path.size() - offset_ > maxNameBytes) {
         if (!openNextFolder(path)) {
             return false;
         }

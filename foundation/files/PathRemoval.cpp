@@ -41,12 +41,12 @@ bool NSFileManager::removeItemAtPath_error(StringView path, NSString* errorText)
     const detail::CallerState caller;
     std::string bytes;
     if (!detail::getPathBytes(path, bytes)) {
-        detail::tellError(errorText, path, errno);
+        detail::reportError(errorText, path, errno);
         return false;
     }
     std::string failed;
     if (!removeItem(bytes, failed)) {
-        detail::tellErrorOfBytes(errorText, failed, errno);
+        detail::reportErrorOfBytes(errorText, failed, errno);
         return false;
     }
     detail::tellSuccess(errorText);

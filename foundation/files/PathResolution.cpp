@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
+// Links, "~", "." and ".." in paths resolved.
 #include "foundation/files/PathResolution.h"
 
 #include <string_view>
 
 #include "foundation/files/HomeFolder.h"
 #include "foundation/files/StickyFolder.h"
-#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/LinkReading.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 void LinkResolver::append(const std::string& component) {
     if (!path_.empty() && path_.back() != '/') {
@@ -49,7 +48,7 @@ bool LinkResolver::leadsByItsText(const std::string& folderName, const std::stri
 }
 
 LinkResolver::Step LinkResolver::follow(const std::string& target, std::size_t lengthOfFolder) {
-    if (++links_ > mostLinks) {
+    if (++links_ > maxLinks) {
         return Step::tooLong;
     }
     std::string folderName(handle_.name());
@@ -155,7 +154,7 @@ std::basic_string<Unit> foldedText(std::basic_string_view<Unit> path) {
 }
 
 NSString foldedPath(const NSString& path) {
-    const NormalizedText text(path);
+    const AsciiOrUtf16 text(path);
     if (text.isAscii()) {
         return StringView(foldedText(std::string_view(text.ascii(), text.length())));
     }
@@ -211,7 +210,7 @@ NSString withoutFinalSlashes(const NSString& path) {
 }
 
 std::size_t indexOfSlash(const NSString& path) {
-    const NormalizedText text(path);
+    const AsciiOrUtf16 text(path);
     std::size_t index = 0;
     while (index < text.length() && text[index] != '/') {
         ++index;
@@ -221,7 +220,9 @@ std::size_t indexOfSlash(const NSString& path) {
 
 } // namespace
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSString NSString::stringByExpandingTildeInPath() const {
     if (!*this || length() == 0) {

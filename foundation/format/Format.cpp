@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Carries a format out: literal stretches and conversions in order.
 #include "foundation/format/Format.h"
 
 #include <bit>
@@ -64,9 +65,9 @@ void Conversions::setWidth(FormatSpec& spec, const FormatField& field) noexcept 
     int width = fieldValue(field);
     if (width < 0) {
         spec.flags |= formatLeftJustified;
-        width = width < -largestFormatField ? largestFormatField : -width;
+        width = width < -maxFormatField ? maxFormatField : -width;
     }
-    spec.width = width < largestFormatField ? width : largestFormatField;
+    spec.width = width < maxFormatField ? width : maxFormatField;
 }
 
 void Conversions::setPrecision(FormatSpec& spec, const FormatField& field) noexcept {

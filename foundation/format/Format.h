@@ -33,11 +33,11 @@
 ///     n, *                    any argument; one that is not an integer counts as 0 for *
 ///     an argument             one that is not there: nil, 0 or null
 ///
-/// A width, and a precision of a number, counts up to `largestFormatField`; more is taken as that. So the
+/// A width, and a precision of a number, counts up to `maxFormatField`; more is taken as that. So the
 /// result is never longer than the format's length times that limit, plus the texts inserted.
 namespace ZQFoundation::detail {
 
-inline constexpr int largestFormatField = 1000000;
+inline constexpr int maxFormatField = 1000000;
 
 /// How a locale shows in formatted numbers: e f g (and E F G) use its decimal separator, d i u f g its
 /// grouping, and numbers given to `%@` both. A null pointer in its place means no locale: '.' and no

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
+// Arguments of formats turned into what their conversion takes.
 #include "foundation/format/FormatArgument.h"
+
+#include <cmath>
 
 #include "foundation/objects/Bodies.h"
 
@@ -11,7 +14,7 @@ namespace {
 template <class Real>
 std::uint64_t truncated(Real value, bool asSigned) noexcept {
     constexpr Real twoTo63 = 9223372036854775808.0;
-    if (!(value < 0 || value >= 0)) {
+    if (std::isnan(value)) {
         return 0;
     }
     if (value <= -twoTo63) {

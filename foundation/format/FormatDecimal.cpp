@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Exact decimal digits of binary floating-point numbers.
 #include "foundation/format/FormatDecimal.h"
 
 #include <bit>
@@ -13,13 +14,13 @@ namespace {
 
 __extension__ typedef unsigned __int128 Wide;
 
-constexpr int largestPower = 19;
+constexpr int maxPower = 19;
 
 /// 10^0 to 10^19, all that fit.
 struct PowersOfTen {
-    std::uint64_t at[largestPower + 1] = {1};
+    std::uint64_t at[maxPower + 1] = {1};
     constexpr PowersOfTen() noexcept {
-        for (int i = 1; i <= largestPower; ++i) {
+        for (int i = 1; i <= maxPower; ++i) {
             at[i] = at[i - 1] * 10;
         }
     }
@@ -56,7 +57,7 @@ std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
 /// mantissa * 2^exponent * 10^scale, rounded, when all steps fit into 128 bits and the result into 63.
 bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
                    std::uint64_t& result) noexcept {
-    if (scale > largestPower || scale < -largestPower) {
+    if (scale > maxPower || scale < -maxPower) {
         return false;
     }
     Wide numerator = mantissa;

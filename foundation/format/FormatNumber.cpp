@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Integers in all bases, with sign, prefix, padding and grouping.
 #include "foundation/format/FormatNumber.h"
 
 #include "foundation/text/NumberText.h"

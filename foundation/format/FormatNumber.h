@@ -19,12 +19,12 @@ struct FormatSpec {
     FormatFlags flags = 0;
     bool hasPrecision = false;
     FormatLength length = FormatLength::bits32;
-    int width = 0;     ///< 0 to `largestFormatField`
+    int width = 0;     ///< 0 to `maxFormatField`
     int precision = 0; ///< 0 to INT_MAX
 
     bool has(FormatFlags flag) const noexcept { return (flags & flag) != 0; }
     std::size_t numberPrecision() const noexcept {
-        return static_cast<std::size_t>(precision < largestFormatField ? precision : largestFormatField);
+        return static_cast<std::size_t>(precision < maxFormatField ? precision : maxFormatField);
     }
     std::size_t paddingFor(std::size_t units) const noexcept {
         return static_cast<std::size_t>(width) > units ? static_cast<std::size_t>(width) - units : 0;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The operations on strings and exceptions that take a format.
 #include "foundation/format/Format.h"
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSException.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The layout of floating-point numbers: fixed, scientific, general, hexadecimal.
 #include <bit>
 #include <cmath>
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
+// Texts, characters, values and host objects as arguments of formats.
 #include "foundation/format/FormatText.h"
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/Description.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/Utf.h"
 
@@ -181,7 +182,7 @@ void appendUnits(TextBuilder& out, const FormatSpec& spec, const Argument* argum
     if (!found.text) {
         return out.appendLiteral("(null)");
     }
-    const NormalizedText text(found.text);
+    const AsciiOrUtf16 text(found.text);
     const std::size_t length = text.length() < limit ? text.length() : limit;
     appendPadded(out, spec, length, [&] {
         if (length == 0) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Separators and grouping of numbers by language and region.
 #include "foundation/format/LocaleNumbers.h"
 
 #include <algorithm>
@@ -57,12 +58,12 @@ struct Listed {
     std::size_t customs;
 };
 
-constexpr std::size_t longestName = sizeof(Listed::name);
+constexpr std::size_t maxNameLength = sizeof(Listed::name);
 
 /// 0 for names that are longer than any in the list.
 constexpr std::uint64_t packed(std::string_view name) noexcept {
     std::uint64_t number = 0;
-    for (const char character : name.substr(0, name.size() <= longestName ? name.size() : 0)) {
+    for (const char character : name.substr(0, name.size() <= maxNameLength ? name.size() : 0)) {
         number = number << 8 | static_cast<unsigned char>(character);
     }
     return number;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Locales made of identifiers and dictionaries.
 #include "foundation/format/NSLocale.h"
 
 #include <string>

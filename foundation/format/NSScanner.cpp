@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
+// Strings read from front to back.
 #include "foundation/format/NSScanner.h"
 
 #include <limits>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation {
 
 using detail::Access;
+using detail::AsciiOrUtf16;
 using detail::CharacterMembership;
-using detail::NormalizedText;
 
 namespace {
 
@@ -59,7 +60,7 @@ enum class Answer { no, yes, open };
 /// Whether the text stands at a place, as far as ASCII decides it: open where another unit takes part, for
 /// that may be a mark on the last letter or one character equal to two.
 template <class Unit>
-Answer standsAt(const Unit* units, std::size_t length, const NormalizedText& text, bool isCaseSensitive) {
+Answer standsAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text, bool isCaseSensitive) {
     for (std::size_t i = 0; i < text.length(); ++i) {
         if (i == length) {
             return Answer::no;
@@ -83,7 +84,7 @@ unsigned searchOptions(bool isCaseSensitive) noexcept {
 
 /// Where the text ends if it stands at `location`, else NSNotFound.
 std::size_t endOfText(const NSString& string, std::size_t location, StringView text, bool isCaseSensitive) {
-    const NormalizedText wanted(text);
+    const AsciiOrUtf16 wanted(text);
     if (wanted.length() == 0) {
         return NSNotFound;
     }

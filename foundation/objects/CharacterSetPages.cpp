@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Character sets as pages of bits that sets share.
 #include "foundation/objects/CharacterSetPages.h"
 
 #include <algorithm>
@@ -6,8 +7,8 @@
 #include <cstring>
 #include <new>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Hashing.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
 
 namespace ZQFoundation::detail {
@@ -115,10 +116,10 @@ std::uint64_t hashCharacterSet(const CharacterSetBody& body, std::uint64_t seed)
 }
 
 void appendCharacterSet(TextBuilder& out, const CharacterSetBody& body) {
-    constexpr int mostStretches = 16;
+    constexpr int maxStretches = 16;
     out.appendLiteral("<NSCharacterSet:");
     char32_t first = nextCodePoint(body, 0, true);
-    for (int i = 0; i < mostStretches && first < codeSpace; ++i) {
+    for (int i = 0; i < maxStretches && first < codeSpace; ++i) {
         const char32_t end = nextCodePoint(body, first, false);
         out.appendAscii(' ');
         appendCode(out, first);
@@ -210,7 +211,7 @@ void CharacterSetPages::setRange(char32_t first, char32_t end, bool isMember) {
 }
 
 void CharacterSetPages::setCharacters(StringView characters, bool isMember) {
-    const NormalizedText text(characters);
+    const AsciiOrUtf16 text(characters);
     for (std::size_t i = 0; i < text.length(); ++i) {
         char32_t codePoint = text[i];
         if ((codePoint & 0xFC00) == 0xD800 && i + 1 < text.length() && (text[i + 1] & 0xFC00) == 0xDC00) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Days, months, years and weeks of the Gregorian calendar, without time zones.
 #include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {

@@ -2,12 +2,10 @@
 #ifndef ZQFOUNDATION_OBJECTS_CLASS_H
 #define ZQFOUNDATION_OBJECTS_CLASS_H
 
-#include "NSObject.h"
+#include "NSString.h"
 #include "TypeName.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 /// What is known of a C++ class: its own name, without namespaces, as bytes.
 struct ClassRecord {
@@ -18,7 +16,9 @@ struct ClassRecord {
 template <class T>
 inline constexpr ClassRecord classRecord{TypeName<T>::bytes, TypeName<T>::length};
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// A class as a value: the caller of class operations.
 class ZQFOUNDATION_EXPORT Class : public NSObject {

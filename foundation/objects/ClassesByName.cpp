@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The host's classes that the library finds by name at run time.
 #include "foundation/objects/ClassesByName.h"
 
 #include <new>
@@ -7,9 +8,7 @@
 #include "foundation/objects/NSException.h"
 #include "foundation/system/Lock.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -54,7 +53,9 @@ NSObject performerOf(const NSObject& value) {
 
 } // namespace
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 Selector NSSelectorFromString(const NSString& name) { return Selector(name); }
 

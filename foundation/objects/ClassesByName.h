@@ -68,7 +68,7 @@ ZQFOUNDATION_EXPORT NSString NSStringFromClass(const Class& type);
 class ZQFOUNDATION_EXPORT ClassRegistration {
 public:
     /// `classObject` performs the operations of the class. Nil or an empty name registers nothing.
-    ClassRegistration(const NSString& name, const NSObject& classObject);
+    [[nodiscard]] ClassRegistration(const NSString& name, const NSObject& classObject);
     ClassRegistration(const ClassRegistration&) = delete;
     ClassRegistration& operator=(const ClassRegistration&) = delete;
     ~ClassRegistration();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Where a base character and its marks begin and end.
 #include "foundation/objects/ComposedSequences.h"
 
 #include <algorithm>

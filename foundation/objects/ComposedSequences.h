@@ -5,8 +5,8 @@
 
 #include <vector>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
-#include "foundation/objects/NormalizedText.h"
 
 /// What the Unicode standard treats as one: a base character with its marks, and the decompositions by which
 /// two such sequences are the same.
@@ -15,7 +15,7 @@ namespace ZQFoundation::detail {
 /// A look at the units of a text that somebody else keeps, held as ASCII bytes or as UTF-16.
 class UnitView {
 public:
-    UnitView(const NormalizedText& text) noexcept
+    UnitView(const AsciiOrUtf16& text) noexcept
         : ascii_(text.ascii()), units_(text.units()), length_(text.length()) {}
     explicit UnitView(const StringBody& body) noexcept
         : ascii_(body.isAscii ? body.ascii() : nullptr), units_(body.isAscii ? nullptr : body.units()),

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
+// The platform's texts for values, collections indented.
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/CivilTime.h"
 #include "foundation/objects/Description.h"
 #include "foundation/objects/EntryOrder.h"
 #include "foundation/objects/KeyTable.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/NumberText.h"
@@ -16,9 +17,9 @@
 namespace ZQFoundation {
 
 using detail::Access;
+using detail::AsciiOrUtf16;
 using detail::EntryPointer;
 using detail::Kind;
-using detail::NormalizedText;
 using detail::TextBuilder;
 
 namespace {
@@ -139,7 +140,7 @@ void appendLeaf(TextBuilder& out, const NSObject& object) {
     }
 }
 
-bool isBare(const NormalizedText& text) noexcept {
+bool isBare(const AsciiOrUtf16& text) noexcept {
     for (std::size_t i = 0; i < text.length(); ++i) {
         const char16_t unit = text[i];
         const bool isLetter = static_cast<char16_t>((unit | 0x20) - 'a') < 26 && unit < 0x80;
@@ -179,7 +180,7 @@ void appendMember(TextBuilder& out, const NSObject& object) {
     TextBuilder own;
     appendLeaf(own, object);
     const NSString description = own.string();
-    const NormalizedText text(description);
+    const AsciiOrUtf16 text(description);
     if (Access::kind(object) == Kind::data || isBare(text)) {
         out.append(description);
         return;

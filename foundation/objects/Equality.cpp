@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Equality and hashing of nested collections, without recursion.
 #include <cstring>
 #include <unordered_set>
 #include <vector>
@@ -266,7 +267,9 @@ std::uint64_t structuralHash(const NSObject& collection) {
 
 } // namespace
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
     switch (Access::kind(object)) {
@@ -303,7 +306,9 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
     }
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 bool NSObject::isEqual(const NSObject& other) const {
     if (!*this || !other) {

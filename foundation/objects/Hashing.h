@@ -3,11 +3,12 @@
 #ifndef ZQFOUNDATION_OBJECTS_HASHING_H
 #define ZQFOUNDATION_OBJECTS_HASHING_H
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 
-#include "foundation/objects/NSObject.h"
-#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/AsciiOrUtf16.h"
+#include "foundation/objects/NSString.h"
 
 namespace ZQFoundation::detail {
 
@@ -69,7 +70,7 @@ inline std::uint64_t hashBytes(const void* data, std::size_t count, std::uint64_
 inline constexpr std::uint64_t beyondAscii = 0x8080808080808080U;
 
 /// ASCII texts hash by their bytes, all others by their units: the two never equal each other.
-inline std::uint64_t hashText(const NormalizedText& text, std::uint64_t seed) noexcept {
+inline std::uint64_t hashText(const AsciiOrUtf16& text, std::uint64_t seed) noexcept {
     return text.isAscii() ? hashBytes(text.ascii(), text.length(), seed)
                           : hashBytes(text.units(), text.length() * sizeof(char16_t), ~seed);
 }
@@ -82,8 +83,8 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
 std::uint64_t drawTableSeed() noexcept;
 
 inline std::uint64_t tableSeed() noexcept {
-    extern std::uint64_t drawnTableSeed;
-    const std::uint64_t seed = __atomic_load_n(&drawnTableSeed, __ATOMIC_RELAXED);
+    extern std::atomic<std::uint64_t> drawnTableSeed;
+    const std::uint64_t seed = drawnTableSeed.load(std::memory_order_relaxed);
     return seed != 0 ? seed : drawTableSeed();
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The hash table of dictionaries and sets, in the order of insertion.
 #include "foundation/objects/KeyTable.h"
 
 #include <cstring>
@@ -13,7 +14,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 constexpr std::size_t smallestCapacity = 4;
-constexpr std::size_t largestCapacity = 0x7FFFFFFFU; // positions are 32 bits wide
+constexpr std::size_t maxCapacity = 0x7FFFFFFFU; // positions are 32 bits wide
 
 std::size_t slotCountFor(std::size_t capacity) noexcept {
     std::size_t count = 8;
@@ -84,7 +85,7 @@ bool equalsAscii(const NSObject& stored, StringView text) noexcept {
            std::memcmp(body.ascii(), text.bytes(), text.size()) == 0;
 }
 
-bool equalsText(const NSObject& stored, const NormalizedText& text) noexcept {
+bool equalsText(const NSObject& stored, const AsciiOrUtf16& text) noexcept {
     if (Access::kind(stored) != Kind::string) {
         return false;
     }
@@ -99,7 +100,7 @@ bool equalsText(const NSObject& stored, const NormalizedText& text) noexcept {
 } // namespace
 
 TableBody* makeTable(std::size_t capacity) {
-    if (capacity > largestCapacity) {
+    if (capacity > maxCapacity) {
         throw std::bad_alloc();
     }
     const std::size_t slotCount = slotCountFor(capacity);
@@ -135,7 +136,7 @@ NSDictionaryEntry* findText(TableBody& table, StringView key) {
             return find(table, hash, [&](const NSObject& stored) { return equalsAscii(stored, key); });
         }
     }
-    const NormalizedText text(key);
+    const AsciiOrUtf16 text(key);
     return find(table, hashText(text, tableSeed()),
                 [&](const NSObject& stored) { return equalsText(stored, text); });
 }

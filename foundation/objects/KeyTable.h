@@ -3,8 +3,8 @@
 #ifndef ZQFOUNDATION_OBJECTS_KEYTABLE_H
 #define ZQFOUNDATION_OBJECTS_KEYTABLE_H
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
-#include "foundation/objects/NormalizedText.h"
 
 namespace ZQFoundation::detail {
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Arrays and their builders.
 #include "foundation/objects/NSArray.h"
 
 #include <cstring>

@@ -2,7 +2,7 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSARRAY_H
 #define ZQFOUNDATION_OBJECTS_NSARRAY_H
 
-#include "NSObject.h"
+#include "NSString.h"
 
 namespace ZQFoundation {
 
@@ -172,7 +172,7 @@ public:
     const NSObject* end() const noexcept { return begin() + count(); }
 
     /// The elements as an immutable array; the builder is empty afterwards.
-    NSArray array();
+    [[nodiscard]] NSArray array();
 
 private:
     detail::Body* body_ = nullptr;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Character sets and their builders.
 #include "foundation/objects/NSCharacterSet.h"
 
 #include "foundation/objects/CharacterSetPages.h"
@@ -7,7 +8,6 @@
 
 namespace ZQFoundation {
 
-using detail::Access;
 using detail::CategoryMask;
 using detail::CharacterSetBody;
 using detail::CharacterSetPages;

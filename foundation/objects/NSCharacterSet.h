@@ -5,11 +5,11 @@
 #include "../text/NSRange.h"
 #include "NSString.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 struct CharacterSetPages;
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// An immutable set of characters. A test of membership takes constant time.
 ///
@@ -149,7 +149,7 @@ public:
     bool longCharacterIsMember(char32_t codePoint) const noexcept;
 
     /// The members as an immutable set; the builder is empty afterwards.
-    NSCharacterSet characterSet();
+    [[nodiscard]] NSCharacterSet characterSet();
 
 private:
     detail::CharacterSetPages* pages_;

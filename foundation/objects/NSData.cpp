@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Bytes as values.
 #include "foundation/objects/NSData.h"
 
 #include <cstring>

@@ -2,7 +2,7 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSDATA_H
 #define ZQFOUNDATION_OBJECTS_NSDATA_H
 
-#include "NSObject.h"
+#include "NSString.h"
 
 namespace ZQFoundation {
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The order and equality of dates.
 #include "foundation/objects/NSDate.h"
 
 namespace ZQFoundation {

@@ -4,7 +4,7 @@
 
 #include <compare>
 
-#include "NSObject.h"
+#include "NSString.h"
 
 namespace ZQFoundation {
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Dictionaries and their builders.
 #include "foundation/objects/NSDictionary.h"
 
 #include "foundation/objects/KeyTable.h"

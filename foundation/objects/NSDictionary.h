@@ -158,7 +158,7 @@ public:
     std::size_t size() const noexcept { return count(); }
 
     /// The entries as an immutable dictionary; the builder is empty afterwards.
-    NSDictionary dictionary();
+    [[nodiscard]] NSDictionary dictionary();
 
 private:
     detail::Body* body_ = nullptr;

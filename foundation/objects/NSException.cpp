@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Exceptions with a name, a reason and a dictionary.
 #include "foundation/objects/NSException.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Numbers: conversion, comparison, hashing and text.
 #include "foundation/objects/NSNumber.h"
 
 #include <cmath>
@@ -75,7 +76,9 @@ NSComparisonResult compareReals(double left, double right) noexcept {
 
 } // namespace
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 NSComparisonResult compareNumbers(const NSObject& left, const NSObject& right) noexcept {
     const bool leftReal = isRealNumber(left);
@@ -123,7 +126,9 @@ std::size_t writeNumber(const NSObject& number, char* out) noexcept {
     return static_cast<std::size_t>(end - out);
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSNumber::NSNumber(const NSObject& object) noexcept
     : NSObject(detail::isNumber(object) ? object : NSObject()) {}

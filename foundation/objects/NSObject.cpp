@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// What all values have in common: release, class names, optional forms.
 #include "foundation/objects/NSObject.h"
 
 #include <new>
@@ -18,7 +19,9 @@ namespace ZQFoundation {
 using detail::Access;
 using detail::Kind;
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -136,7 +139,9 @@ NSObject adoptHostObject(NSObjectProtocol* object) {
     return Access::adopt(body, Kind::hostObject);
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSObject NSObject::stringFrom(StringView text) { return NSString(text); }
 

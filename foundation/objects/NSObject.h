@@ -36,7 +36,9 @@ enum NSComparisonResult : int {
     NSOrderedDescending = 1, ///< the left value is the larger one
 };
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 /// What a handle holds. Everything from `string` on is a counted body; the rest lives in the handle itself.
 enum class Kind : unsigned char {
@@ -97,7 +99,9 @@ concept NumericValue = BooleanValue<T> || IntegerValue<T> || RealValue<T>;
 
 struct Access;
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// A nullable handle to any value: string, number, date, data, collection, class, host object or nil.
 ///
@@ -309,14 +313,18 @@ public:
     }
 };
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 template <class T>
 NSObject convertedArgument(const void* object) {
     return convertedObject(*static_cast<const T*>(object));
 }
 
 ZQFOUNDATION_EXPORT void printCondensed(const NSObject& object, std::ostream& stream);
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// Writes the value on one line: a string's text, `condensedDescription` of any other value, "(nil)" for nil.
 template <class Handle>
@@ -328,7 +336,7 @@ requires std::is_base_of_v<NSObject, Handle> std::ostream& operator<<(std::ostre
 
 } // namespace ZQFoundation
 
-/// @cond
+/// @cond Doxygen has no scope for what specialises a template of another namespace.
 /// The hash of a value, with which `==` goes: values are keys of the standard's own tables.
 template <class Handle>
     requires std::is_base_of_v<ZQFoundation::NSObject, Handle>
@@ -337,15 +345,5 @@ struct std::hash<Handle> {
     std::size_t operator()(const Handle& value) const { return value.hash(); }
 };
 /// @endcond
-
-#include "NSString.h"
-
-namespace ZQFoundation {
-
-inline NSObject Argument::converted() const {
-    return value_.converted.conversion->object(value_.converted.object);
-}
-
-} // namespace ZQFoundation
 
 #endif

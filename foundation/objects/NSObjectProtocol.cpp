@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
+// What a host's class does by default, its name found by its type.
 #include "foundation/objects/NSObjectProtocol.h"
-
-#include <cxxabi.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -9,13 +8,13 @@
 #include <string>
 #include <typeinfo>
 
+#include <cxxabi.h>
+
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/DynamicTypeName.h"
 #include "foundation/objects/Hashing.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -83,7 +82,9 @@ NameSpan dynamicTypeName(const std::type_info& type) {
     return {known.name.data(), known.name.size()};
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 namespace {
 

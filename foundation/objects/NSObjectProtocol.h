@@ -2,7 +2,7 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSOBJECTPROTOCOL_H
 #define ZQFOUNDATION_OBJECTS_NSOBJECTPROTOCOL_H
 
-#include "NSObject.h"
+#include "NSString.h"
 
 namespace ZQFoundation {
 
@@ -58,10 +58,14 @@ protected:
     NSObjectProtocol& operator=(const NSObjectProtocol&) noexcept = default;
 };
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 /// Takes ownership of an object made with `new`.
 ZQFOUNDATION_EXPORT NSObject adoptHostObject(NSObjectProtocol* object);
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// Makes a counted object of a host's class and returns the handle to it.
 template <class T, class... Arguments>

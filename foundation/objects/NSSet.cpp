@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Sets of values.
 #include "foundation/objects/NSSet.h"
 
 #include "foundation/objects/KeyTable.h"

@@ -5,9 +5,7 @@
 #include "NSArray.h"
 #include "NSDictionary.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 /// Walks the members of a set, which are the keys of its entries.
 class SetIterator {
@@ -33,7 +31,9 @@ private:
     const NSDictionaryEntry* entry_ = nullptr;
 };
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// An immutable collection of distinct values, none of them nil; walked in the order of insertion.
 class ZQFOUNDATION_EXPORT NSSet : public NSObject {

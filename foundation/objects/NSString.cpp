@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
+// Strings: making, units, substrings, conversions, builders.
 #include "foundation/objects/NSString.h"
 
 #include <cstring>
 #include <new>
 #include <string>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSException.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/system/SignalSafeMemory.h"
@@ -16,10 +17,11 @@
 namespace ZQFoundation {
 
 using detail::Access;
-using detail::NormalizedText;
 using detail::StringBody;
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -75,7 +77,9 @@ NSString makeString(const char* utf8, std::size_t count) {
     return Access::adoptString(body);
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 namespace {
 

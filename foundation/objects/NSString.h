@@ -47,7 +47,9 @@ enum NSStringEncoding : std::uint32_t {
     NSUTF32LittleEndianStringEncoding = 0x9C000100, ///< UTF-32LE, without a byte-order mark
 };
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 /// Unit by unit, a prefix first, nil before the empty text.
 ZQFOUNDATION_EXPORT std::strong_ordering orderOfUnits(const NSString& left, const NSString& right) noexcept;
@@ -62,7 +64,9 @@ struct DependentType {
     using type = T;
 };
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
 /// surrogate and U+0000 are units like any other.
@@ -466,7 +470,7 @@ public:
 
     /// Appends the text to a file in one write, making the file if it is missing. False if it cannot be
     /// opened, made or written, and if the text does not fit the encoding: then nothing is written.
-    bool appendToFile_encoding(StringView path, NSStringEncoding encoding) const;
+    [[nodiscard]] bool appendToFile_encoding(StringView path, NSStringEncoding encoding) const;
 
     /// @}
 
@@ -531,6 +535,10 @@ private:
     StringView view() const noexcept;
 };
 
+inline NSObject Argument::converted() const {
+    return value_.converted.conversion->object(value_.converted.object);
+}
+
 inline StringView::StringView(const NSString& string) noexcept
     : StringView(string ? string.view() : StringView()) {}
 
@@ -573,7 +581,7 @@ public:
     std::size_t length() const noexcept;
 
     /// The text built so far as an immutable string; the builder is empty afterwards.
-    NSString string();
+    [[nodiscard]] NSString string();
 
 private:
     detail::TextBuilder& builder();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// URLs: reading, parts, resolution against a base.
 #include "foundation/objects/NSURL.h"
 
 #include <new>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Percent escapes written and read.
 #include "foundation/objects/PercentEscapes.h"
 
 #include <algorithm>
@@ -11,9 +12,7 @@
 #include "foundation/text/UnitBlocks.h"
 #include "foundation/text/Utf.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -64,12 +63,12 @@ inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& 
 /// a piece may end with them.
 template <class Unit>
 void writeEscaped(const Unit* text, std::size_t count, const EscapeTable& table, char* out) noexcept {
-    constexpr std::size_t mostApart = sizeof(EscapeTable::Form) + 1; // one more where a pair is last
+    constexpr std::size_t maxDistance = sizeof(EscapeTable::Form) + 1; // one more where a pair is last
     const Unit* const end = text + count;
-    while (static_cast<std::size_t>(end - text) > mostApart) {
+    while (static_cast<std::size_t>(end - text) > maxDistance) {
         text = writeCharacter(text, table, out);
     }
-    char apart[mostApart * 3 * escapeLength + sizeof(EscapeTable::Form)];
+    char apart[maxDistance * 3 * escapeLength + sizeof(EscapeTable::Form)];
     char* apartEnd = apart;
     while (text != end) {
         text = writeCharacter(text, table, apartEnd);
@@ -239,7 +238,9 @@ NSString removePercentEscapes(const NSString& text) {
     }
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSString NSString::stringByAddingPercentEncodingWithAllowedCharacters(const NSCharacterSet& allowed) const {
     const detail::CharacterMembership members(allowed);

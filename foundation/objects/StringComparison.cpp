@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
+// The orders, prefixes and case mappings of strings.
 #include <algorithm>
 #include <cstring>
 #include <vector>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/ComposedSequences.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/CaseMapping.h"
 
 namespace ZQFoundation {
 
+using detail::AsciiOrUtf16;
 using detail::nextCodePoint;
-using detail::NormalizedText;
 using detail::sequenceEnd;
 using detail::sequenceStart;
 
@@ -22,7 +23,7 @@ NSComparisonResult ordered(std::size_t left, std::size_t right) noexcept {
     return left < right ? NSOrderedAscending : left > right ? NSOrderedDescending : NSOrderedSame;
 }
 
-bool sameUnits(const NormalizedText& left, std::size_t leftStart, const NormalizedText& right,
+bool sameUnits(const AsciiOrUtf16& left, std::size_t leftStart, const AsciiOrUtf16& right,
                std::size_t rightStart, std::size_t count) noexcept {
     if (left.isAscii() && right.isAscii()) {
         return std::memcmp(left.ascii() + leftStart, right.ascii() + rightStart, count) == 0;
@@ -39,7 +40,7 @@ bool sameUnits(const NormalizedText& left, std::size_t leftStart, const Normaliz
     return true;
 }
 
-std::size_t commonPrefix(const NormalizedText& left, std::size_t leftStart, const NormalizedText& right,
+std::size_t commonPrefix(const AsciiOrUtf16& left, std::size_t leftStart, const AsciiOrUtf16& right,
                          std::size_t rightStart) noexcept {
     std::size_t count = 0;
     while (leftStart + count < left.length() && rightStart + count < right.length() &&
@@ -49,7 +50,7 @@ std::size_t commonPrefix(const NormalizedText& left, std::size_t leftStart, cons
     return count;
 }
 
-NSComparisonResult compareUnits(const NormalizedText& left, const NormalizedText& right) noexcept {
+NSComparisonResult compareUnits(const AsciiOrUtf16& left, const AsciiOrUtf16& right) noexcept {
     const std::size_t shorter = left.length() < right.length() ? left.length() : right.length();
     if (left.isAscii() && right.isAscii()) {
         const int order = std::memcmp(left.ascii(), right.ascii(), shorter);
@@ -60,7 +61,7 @@ NSComparisonResult compareUnits(const NormalizedText& left, const NormalizedText
     return common < shorter ? ordered(left[common], right[common]) : ordered(left.length(), right.length());
 }
 
-NSComparisonResult compareCanonically(const NormalizedText& left, const NormalizedText& right) {
+NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf16& right) {
     std::vector<detail::ClassedCodePoint> leftSequence;
     std::vector<detail::ClassedCodePoint> rightSequence;
     std::size_t i = 0;
@@ -94,7 +95,7 @@ NSComparisonResult compareCanonically(const NormalizedText& left, const Normaliz
 /// Walks a text as its folded code points.
 class FoldedText {
 public:
-    explicit FoldedText(const NormalizedText& text) noexcept : text_(text) {}
+    explicit FoldedText(const AsciiOrUtf16& text) noexcept : text_(text) {}
 
     /// False at the end.
     bool next(char32_t& codePoint) noexcept {
@@ -110,7 +111,7 @@ public:
     }
 
 private:
-    const NormalizedText& text_;
+    const AsciiOrUtf16& text_;
     std::size_t index_ = 0;
     char32_t folded_[3] = {};
     unsigned count_ = 0;
@@ -119,7 +120,7 @@ private:
 
 using CaseMapper = unsigned (*)(char32_t, char32_t[3]) noexcept;
 
-NSString caseMapped(const NormalizedText& text, CaseMapper mapper) {
+NSString caseMapped(const AsciiOrUtf16& text, CaseMapper mapper) {
     detail::TextBuilder builder;
     for (std::size_t i = 0; i < text.length();) {
         char32_t mapped[3];
@@ -131,7 +132,7 @@ NSString caseMapped(const NormalizedText& text, CaseMapper mapper) {
     return builder.string();
 }
 
-NSString asciiMapped(const NormalizedText& text, char first, char last) {
+NSString asciiMapped(const AsciiOrUtf16& text, char first, char last) {
     detail::TextBuilder builder;
     char* const out = builder.reserveAscii(text.length());
     const auto range = static_cast<unsigned char>(last - first);
@@ -150,8 +151,8 @@ bool NSString::isEqualToString(StringView other) const {
     if (!*this || !other) {
         return false;
     }
-    const NormalizedText left(view());
-    const NormalizedText right(other);
+    const AsciiOrUtf16 left(view());
+    const AsciiOrUtf16 right(other);
     return left.length() == right.length() && left.isAscii() == right.isAscii() &&
            sameUnits(left, 0, right, 0, left.length());
 }
@@ -160,15 +161,15 @@ std::strong_ordering detail::orderOfUnits(const NSString& left, const NSString& 
     if (!left || !right) {
         return static_cast<bool>(left) <=> static_cast<bool>(right);
     }
-    return compareUnits(NormalizedText(left), NormalizedText(right)) <=> 0;
+    return compareUnits(AsciiOrUtf16(left), AsciiOrUtf16(right)) <=> 0;
 }
 
 NSComparisonResult NSString::compare(StringView other) const {
     if (!*this) {
         return NSOrderedSame;
     }
-    const NormalizedText left(view());
-    const NormalizedText right(other);
+    const AsciiOrUtf16 left(view());
+    const AsciiOrUtf16 right(other);
     return left.isAscii() && right.isAscii() ? compareUnits(left, right) : compareCanonically(left, right);
 }
 
@@ -176,8 +177,8 @@ NSComparisonResult NSString::caseInsensitiveCompare(StringView other) const {
     if (!*this) {
         return NSOrderedSame;
     }
-    const NormalizedText left(view());
-    const NormalizedText right(other);
+    const AsciiOrUtf16 left(view());
+    const AsciiOrUtf16 right(other);
     FoldedText leftFolded(left);
     FoldedText rightFolded(right);
     for (;;) {
@@ -195,15 +196,15 @@ NSComparisonResult NSString::caseInsensitiveCompare(StringView other) const {
 }
 
 bool NSString::hasPrefix(StringView prefix) const {
-    const NormalizedText text(view());
-    const NormalizedText start(prefix);
+    const AsciiOrUtf16 text(view());
+    const AsciiOrUtf16 start(prefix);
     return start.length() != 0 && start.length() <= text.length() &&
            sameUnits(text, 0, start, 0, start.length());
 }
 
 bool NSString::hasSuffix(StringView suffix) const {
-    const NormalizedText text(view());
-    const NormalizedText end(suffix);
+    const AsciiOrUtf16 text(view());
+    const AsciiOrUtf16 end(suffix);
     return end.length() != 0 && end.length() <= text.length() &&
            sameUnits(text, text.length() - end.length(), end, 0, end.length());
 }
@@ -212,7 +213,7 @@ NSString NSString::uppercaseString() const {
     if (!*this) {
         return {};
     }
-    const NormalizedText text(view());
+    const AsciiOrUtf16 text(view());
     return text.isAscii() ? asciiMapped(text, 'a', 'z') : caseMapped(text, detail::upperCase);
 }
 
@@ -220,7 +221,7 @@ NSString NSString::lowercaseString() const {
     if (!*this) {
         return {};
     }
-    const NormalizedText text(view());
+    const AsciiOrUtf16 text(view());
     return text.isAscii() ? asciiMapped(text, 'A', 'Z') : caseMapped(text, detail::lowerCase);
 }
 

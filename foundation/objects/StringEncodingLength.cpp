@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// How many bytes a string takes in an encoding.
 #include "foundation/objects/TextConversion.h"
 
 namespace ZQFoundation {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Strings from and to bytes in an encoding.
 #include "foundation/objects/TextConversion.h"
 
 namespace ZQFoundation {

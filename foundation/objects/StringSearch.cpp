@@ -15,7 +15,7 @@
 
 namespace ZQFoundation {
 
-using detail::NormalizedText;
+using detail::AsciiOrUtf16;
 using detail::UnitView;
 
 namespace {
@@ -60,7 +60,7 @@ NSRange rangeOfUnits(const Unit* text, std::size_t length, const Unit* wanted, s
     return found == detail::unitNotFound ? nowhere : NSMakeRange(found, count);
 }
 
-NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const NormalizedText& wanted,
+NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const AsciiOrUtf16& wanted,
                           const SearchOptions& options) {
     const std::size_t length = text.length() - start;
     if (text.isAscii()) {
@@ -154,7 +154,7 @@ private:
     std::vector<detail::ClassedCodePoint> sequence_;
 };
 
-std::vector<char32_t> foldedPoints(const NormalizedText& text, const SearchOptions& options) {
+std::vector<char32_t> foldedPoints(const AsciiOrUtf16& text, const SearchOptions& options) {
     std::vector<char32_t> points;
     FoldedWalk walk(text, 0, options);
     FoldedPoint point;
@@ -170,7 +170,7 @@ public:
     FoldedSearch(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
                  const SearchOptions& options)
         : walk_(text, start, options), wanted_(wanted),
-          lengths_(detail::fallbacks(wanted.data(), wanted.size())), recent_(wanted.size()) {}
+          lengths_(detail::failureTable(wanted.data(), wanted.size())), recent_(wanted.size()) {}
 
     bool next(NSRange& found) {
         FoldedPoint point;
@@ -263,7 +263,7 @@ NSRange lastRangeOfFolded(const UnitView& text, std::size_t start, const std::ve
     return last;
 }
 
-NSRange rangeOfFolded(const UnitView& text, std::size_t start, const NormalizedText& wantedText,
+NSRange rangeOfFolded(const UnitView& text, std::size_t start, const AsciiOrUtf16& wantedText,
                       const SearchOptions& options) {
     const std::vector<char32_t> wanted = foldedPoints(wantedText, options);
     if (options.isBackwards) {
@@ -278,12 +278,12 @@ NSRange rangeOfFolded(const UnitView& text, std::size_t start, const NormalizedT
 
 /// Whether units decide: when they do by the options, and between bytes, which have no marks and no
 /// equivalents.
-bool isDecidedByUnits(const UnitView& text, const NormalizedText& wanted, const SearchOptions& options) {
+bool isDecidedByUnits(const UnitView& text, const AsciiOrUtf16& wanted, const SearchOptions& options) {
     return !options.ignoresCase && (options.isLiteral || (text.isAscii() && wanted.isAscii()));
 }
 
 /// ASCII that is equivalent to nothing but itself; some signs stand for one of three characters of it.
-bool isPlainAscii(const NormalizedText& wanted) noexcept {
+bool isPlainAscii(const AsciiOrUtf16& wanted) noexcept {
     const auto hasEquivalent = [](char unit) {
         return unit == ';' || unit == 'K' || unit == '`';
     };
@@ -291,7 +291,7 @@ bool isPlainAscii(const NormalizedText& wanted) noexcept {
 }
 
 /// Plain ASCII stands where its units do, unless a mark follows its last one.
-NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const NormalizedText& wanted,
+NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const AsciiOrUtf16& wanted,
                           const SearchOptions& options) {
     UnitView searched = text;
     for (;;) {
@@ -315,7 +315,7 @@ NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const Normali
     }
 }
 
-NSRange rangeOfAsciiInAnyCase(const UnitView& text, std::size_t start, const NormalizedText& wanted) {
+NSRange rangeOfAsciiInAnyCase(const UnitView& text, std::size_t start, const AsciiOrUtf16& wanted) {
     std::string lowered(wanted.ascii(), wanted.length());
     std::transform(lowered.begin(), lowered.end(), lowered.begin(), detail::AsciiInAnyCase::form);
     const std::size_t found = detail::findUnits(text.ascii() + start, text.length() - start, lowered.data(),
@@ -323,7 +323,7 @@ NSRange rangeOfAsciiInAnyCase(const UnitView& text, std::size_t start, const Nor
     return found == detail::unitNotFound ? nowhere : NSMakeRange(start + found, lowered.size());
 }
 
-NSRange rangeOfText(const UnitView& text, std::size_t start, const NormalizedText& wanted,
+NSRange rangeOfText(const UnitView& text, std::size_t start, const AsciiOrUtf16& wanted,
                     const SearchOptions& options) {
     if (wanted.length() == 0) {
         return nowhere;
@@ -394,7 +394,7 @@ NSRange NSString::rangeOfString_options_range(StringView text, unsigned options,
     }
     const UnitView whole(*detail::Access::string(*this));
     raiseUnlessWithin(range, whole.length());
-    return rangeOfText(whole.upTo(range.location + range.length), range.location, NormalizedText(text),
+    return rangeOfText(whole.upTo(range.location + range.length), range.location, AsciiOrUtf16(text),
                        SearchOptions(options));
 }
 
@@ -403,7 +403,7 @@ NSArray NSString::componentsSeparatedByString(StringView separator) const {
         return nullptr;
     }
     const UnitView whole(*detail::Access::string(*this));
-    const NormalizedText wanted(separator);
+    const AsciiOrUtf16 wanted(separator);
     if (wanted.length() != 0 && wanted.isAscii() && whole.isAscii()) {
         return piecesBetween(whole, whole.ascii(), std::string(wanted.ascii(), wanted.length()));
     }

@@ -13,7 +13,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Keeps every byte count that follows from a capacity far from overflow.
-constexpr std::size_t largestText = static_cast<std::size_t>(1) << 61;
+constexpr std::size_t maxTextUnits = static_cast<std::size_t>(1) << 61;
 
 } // namespace
 
@@ -49,7 +49,7 @@ void TextBuilder::growTo(std::size_t bytes) {
 
 void TextBuilder::makeRoom(std::size_t moreUnits) {
     const std::size_t unitBytes = holdsBytes() ? 1 : sizeof(char16_t);
-    if (moreUnits > largestText || length_ + moreUnits > largestText) {
+    if (moreUnits > maxTextUnits || length_ + moreUnits > maxTextUnits) {
         throw std::bad_alloc();
     }
     const std::size_t needed = (length_ + moreUnits) * unitBytes;
@@ -60,7 +60,7 @@ void TextBuilder::makeRoom(std::size_t moreUnits) {
 }
 
 void TextBuilder::widen(std::size_t moreUnits) {
-    if (moreUnits > largestText) {
+    if (moreUnits > maxTextUnits) {
         throw std::bad_alloc();
     }
     const std::size_t needed = (length_ + moreUnits) * sizeof(char16_t);

@@ -120,11 +120,11 @@ void TextBuilder::appendSurrogate(char16_t surrogate) {
 /// three bytes of one follow its first, and a byte that follows more of them stands for itself.
 void TextBuilder::appendIllFormed(const char* bytes, std::size_t count) {
     constexpr std::size_t longestPiece = 128;
-    constexpr std::size_t longestSequence = 4;
+    constexpr std::size_t maxSequenceBytes = 4;
     char16_t units[longestPiece];
     while (count != 0) {
         std::size_t piece = count < longestPiece ? count : longestPiece;
-        for (std::size_t back = 1; piece < count && back < longestSequence && (bytes[piece] & 0xC0) == 0x80;
+        for (std::size_t back = 1; piece < count && back < maxSequenceBytes && (bytes[piece] & 0xC0) == 0x80;
              ++back) {
             --piece;
         }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Bytes of any encoding read as strings.
 #include <string>
 #include <string_view>
 

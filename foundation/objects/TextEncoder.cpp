@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Strings written as bytes of any encoding.
 #include <new>
 #include <string>
 

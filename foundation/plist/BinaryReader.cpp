@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reads binary property lists.
 #include "foundation/plist/BinaryReader.h"
 
 #include <bit>
@@ -230,7 +231,7 @@ private:
 
     bool storeInto(Level& level, const Slot& slot) {
         // Sharing may bring a finished value further down than where it was first met.
-        if (slot.height + open_.size() > maximumPropertyListDepth) {
+        if (slot.height + open_.size() > maxPropertyListDepth) {
             return fail("Values are nested too deeply", level.references);
         }
         if (slot.height >= level.height) {
@@ -280,7 +281,7 @@ private:
         if (!isContainer(place)) {
             return readScalar(place, slots_[index]);
         }
-        if (open_.size() == maximumPropertyListDepth) {
+        if (open_.size() == maxPropertyListDepth) {
             return fail("Values are nested too deeply", place.start);
         }
         const bool isDictionary = place.kind == dictionaryKind;

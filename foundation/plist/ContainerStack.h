@@ -60,7 +60,7 @@ private:
     };
 
     bool openLevel(bool isDictionary) {
-        if (open_.size() == maximumPropertyListDepth) {
+        if (open_.size() == maxPropertyListDepth) {
             return false;
         }
         open_.push_back(Level{isDictionary, {}, {}, {}});

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Whole files as data.
 #include "foundation/plist/FileContents.h"
 
 #include <cstring>
@@ -14,9 +15,7 @@
 #include "foundation/system/Descriptor.h"
 #include "foundation/system/WholeRead.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -24,7 +23,7 @@ namespace {
 bool getSize(const Descriptor& file, std::size_t& size) noexcept {
     struct stat status {};
     if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0 ||
-        static_cast<std::uintmax_t>(status.st_size) > maximumPropertyListBytes) {
+        static_cast<std::uintmax_t>(status.st_size) > maxPropertyListBytes) {
         return false;
     }
     size = static_cast<std::size_t>(status.st_size);
@@ -44,7 +43,7 @@ bool readToEnd(const Descriptor& file, std::size_t expected, FileContents& conte
             return false;
         }
         contents.count += static_cast<std::size_t>(taken);
-        if (contents.count > maximumPropertyListBytes) {
+        if (contents.count > maxPropertyListBytes) {
             return false;
         }
         if (contents.count < capacity) {
@@ -71,7 +70,9 @@ bool readFile(StringView path, FileContents& contents) {
     return file && getSize(file, size) && readToEnd(file, size, contents);
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSData NSData::dataWithContentsOfFile(StringView path) {
     detail::FileContents contents;

@@ -16,7 +16,7 @@ struct FileContents {
     std::size_t count = 0;
 };
 
-/// Reads a whole regular file of at most `maximumPropertyListBytes`. False for a nil path, a file that is
+/// Reads a whole regular file of at most `maxPropertyListBytes`. False for a nil path, a file that is
 /// missing or cannot be read, a larger one, and everything that is no regular file: a FIFO is never waited
 /// for. Leaves `errno` as it was.
 bool readFile(StringView path, FileContents& contents);

@@ -24,7 +24,7 @@ public:
         if constexpr (sizeof(Unit) > 1) {
             return makeString(text, count);
         } else {
-            if (count == 0 || count > longestKept) {
+            if (count == 0 || count > maxKeptLength) {
                 return makeString(text, count);
             }
             NSString& slot = slots_[slotIndex(text, count)];
@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t longestKept = 64;
+    static constexpr std::size_t maxKeptLength = 64;
     static constexpr unsigned slotBits = 8;
 
     StringView view(const Unit* text, std::size_t count) const noexcept {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Property lists from and to bytes.
 #include "foundation/plist/NSPropertyListSerialization.h"
 
 #include <string>

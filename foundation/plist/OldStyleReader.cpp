@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reads old-style property lists and strings tables.
 #include "foundation/plist/OldStyleReader.h"
 
 #include <array>

@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_PLIST_OLDSTYLEREADER_H
 #define ZQFOUNDATION_PLIST_OLDSTYLEREADER_H
 
-#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSString.h"
 #include "foundation/plist/PropertyListError.h"
 
 /// The old-style text form:
@@ -16,7 +16,7 @@
 ///
 /// A text that starts with a string and goes on is a strings table: a dictionary's entries without the
 /// braces, up to the first thing that is no string; what follows there is ignored. A text of blanks and
-/// comments alone is an empty dictionary. At most `maximumPropertyListDepth` levels; time and memory grow
+/// comments alone is an empty dictionary. At most `maxPropertyListDepth` levels; time and memory grow
 /// with the length of the text.
 namespace ZQFoundation::detail {
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writes old-style property lists.
 #include "foundation/plist/OldStyleWriter.h"
 
 #include <string_view>
@@ -23,7 +24,7 @@ public:
         ValueWalk walk(value);
         while (walk.next()) {
             writeEvent(walk);
-            if (out_.size() - start > maximumPropertyListBytes) {
+            if (out_.size() - start > maxPropertyListBytes) {
                 return "The value is too large for a property list";
             }
         }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
+// Recognizes the form of a property list and has it read.
 #include "foundation/plist/PropertyList.h"
 
 #include <cstring>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSException.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/plist/BinaryReader.h"
 #include "foundation/plist/FileContents.h"
@@ -13,9 +14,7 @@
 #include "foundation/plist/XmlReader.h"
 #include "foundation/text/NumberText.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -76,7 +75,7 @@ NSObject parsePropertyListText(StringView text, PropertyListError* error) {
         failure = {"There is no text", 1, 1};
         return nullptr;
     }
-    const NormalizedText normalized(text);
+    const AsciiOrUtf16 normalized(text);
     return normalized.isAscii() ? readText(normalized.ascii(), normalized.length(), failure)
                                 : readText(normalized.units(), normalized.length(), failure);
 }
@@ -114,7 +113,9 @@ NSString describePropertyListError(const PropertyListError& error) {
     return text.string();
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSObject NSString::propertyList() const {
     if (!*this) {

@@ -20,10 +20,10 @@ struct PropertyListError {
 };
 
 /// How many containers may stand inside each other in any of the three forms, read or written.
-inline constexpr std::size_t maximumPropertyListDepth = 512;
+inline constexpr std::size_t maxPropertyListDepth = 512;
 
 /// The largest file that is read and the largest text that is written, in bytes: 2 GiB.
-inline constexpr std::size_t maximumPropertyListBytes = std::size_t{1} << 31;
+inline constexpr std::size_t maxPropertyListBytes = std::size_t{1} << 31;
 
 } // namespace ZQFoundation::detail
 

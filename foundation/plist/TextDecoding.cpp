@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The encoding of a property list's text, by its byte-order mark, its declaration or its bytes.
 #include "foundation/plist/TextDecoding.h"
 
 #include <cstdint>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Walks a value that is to be written, without recursion, and refuses what no property list holds.
 #include "foundation/plist/ValueWalk.h"
 
 #include <algorithm>
@@ -53,7 +54,7 @@ bool ValueWalk::enter(const NSObject& value) {
 }
 
 bool ValueWalk::open(const NSObject& container) {
-    if (levels_.size() == maximumPropertyListDepth) {
+    if (levels_.size() == maxPropertyListDepth) {
         return refuse("The value is nested too deeply for a property list");
     }
     const NSArray array(container);

@@ -13,7 +13,7 @@ namespace ZQFoundation::detail {
 /// A value's parts in the order in which they are written: arrays by index, dictionaries by key, the keys
 /// ascending by `compare`. Without recursion, and only for values that a property list can hold: strings,
 /// numbers, dates, data, and arrays and dictionaries of them, the keys strings, at most
-/// `maximumPropertyListDepth` levels.
+/// `maxPropertyListDepth` levels.
 ///
 ///     ValueWalk walk(value);
 ///     while (walk.next()) { ... walk.event() ... walk.value() ... }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reads XML property lists.
 #include "foundation/plist/XmlReader.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_PLIST_XMLREADER_H
 #define ZQFOUNDATION_PLIST_XMLREADER_H
 
-#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSString.h"
 #include "foundation/plist/PropertyListError.h"
 
 /// The XML form: dict, array, key, string, integer, real, date, data, true, false, with or without the plist
@@ -12,7 +12,7 @@
 /// There is nothing to expand and nothing to fetch: a document type with definitions of its own is refused,
 /// one that names a file is passed over, and the only references are the five of XML itself and character
 /// numbers. Those may be any up to 10FFFF, U+0000 and surrogates among them, so that every string can be
-/// written and read back. At most `maximumPropertyListDepth` levels; time and memory grow with the length of
+/// written and read back. At most `maxPropertyListDepth` levels; time and memory grow with the length of
 /// the text.
 namespace ZQFoundation::detail {
 

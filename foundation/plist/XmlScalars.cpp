@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+// Numbers, dates and data in the text of XML elements.
 #include "foundation/plist/XmlScalars.h"
 
-#include <array>
 #include <limits>
 #include <memory>
 
@@ -10,6 +10,7 @@
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/plist/TextUnits.h"
+#include "foundation/text/Base64Codec.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation::detail {
@@ -162,23 +163,14 @@ bool readDate(const Unit* text, const Unit* end, NSObject& value) {
     return true;
 }
 
-constexpr signed char notBase64 = -1;
-constexpr signed char base64Filler = 64;
+constexpr int base64Filler = 64;
+static_assert(base64::foreign > base64Filler);
 
-constexpr auto base64Values = [] {
-    std::array<signed char, 128> values{};
-    values.fill(notBase64);
-    constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
-    for (unsigned index = 0; index <= base64Filler; ++index) {
-        values[static_cast<unsigned char>(alphabet[index])] = static_cast<signed char>(index);
-    }
-    return values;
-}();
-
+/// 0 to 63 for a character of the alphabet, `base64Filler` for "=", `base64::foreign` for any other.
 template <class Unit>
 int base64Value(Unit unit) noexcept {
     const unsigned number = unitNumber(unit);
-    return number < base64Values.size() ? base64Values[number] : notBase64;
+    return number == '=' ? base64Filler : number < 0x80 ? base64::valueOfByte[number] : base64::foreign;
 }
 
 /// Turns groups of four symbols into three bytes, fewer when fillers end the group.
@@ -205,7 +197,7 @@ public:
         const int second = base64Value(text[1]);
         const int third = base64Value(text[2]);
         const int fourth = base64Value(text[3]);
-        // Neither "no symbol" nor the filler passes: both have a bit above the low six.
+        // Neither a foreign character nor the filler passes: both have a bit above the low six.
         if (((first | second | third | fourth) & ~63) != 0) {
             return false;
         }
@@ -240,7 +232,7 @@ bool readData(const Unit* text, const Unit* end, NSObject& value) {
         if (unitNumber(*text) >= 0x80) {
             return false;
         }
-        if (const int symbol = base64Value(*text); symbol != notBase64) {
+        if (const int symbol = base64Value(*text); symbol != base64::foreign) {
             groups.add(symbol);
         }
         ++text;

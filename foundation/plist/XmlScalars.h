@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_PLIST_XMLSCALARS_H
 #define ZQFOUNDATION_PLIST_XMLSCALARS_H
 
-#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSString.h"
 
 /// The values that stand in the XML form as a short notation of their own: numbers, dates, data.
 ///

@@ -3,8 +3,8 @@
 
 #include <vector>
 
+#include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSData.h"
-#include "foundation/objects/NormalizedText.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
 #include "foundation/plist/ValueWalk.h"
 
@@ -59,14 +59,14 @@ bool mayStandInXml(char16_t unit) noexcept {
     return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
 }
 
-bool isPairAt(const NormalizedText& text, std::size_t index) noexcept {
+bool isPairAt(const AsciiOrUtf16& text, std::size_t index) noexcept {
     return index + 1 < text.length() && (text[index] & 0xFC00) == 0xD800 &&
            (text[index + 1] & 0xFC00) == 0xDC00;
 }
 
 /// The first unit of the text that XML cannot hold; false when it can hold all.
 bool findUnfit(const NSString& string, char16_t& unit) {
-    const NormalizedText text(string);
+    const AsciiOrUtf16 text(string);
     for (std::size_t i = 0; i < text.length(); ++i) {
         unit = text[i];
         if (isPairAt(text, i)) {

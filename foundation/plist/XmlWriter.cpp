@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writes XML property lists.
 #include "foundation/plist/XmlWriter.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include "foundation/plist/PropertyListError.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
+#include "foundation/text/Base64Codec.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/RealText.h"
 
@@ -31,7 +33,7 @@ public:
         ValueWalk walk(value);
         while (refusal_ == nullptr && walk.next()) {
             writeEvent(walk);
-            if (out_.size() - start > maximumPropertyListBytes) {
+            if (out_.size() - start > maxPropertyListBytes) {
                 refusal_ = "The value is too large for a property list";
             }
         }
@@ -133,27 +135,15 @@ private:
 
     void writeData(const NSData& data, std::size_t depth) {
         out_ += "<data>\n";
+        char line[dataBytesPerLine / 3 * 4];
         for (std::size_t start = 0; start < data.length(); start += dataBytesPerLine) {
             indent(depth);
-            writeBase64(data.bytes() + start, std::min(dataBytesPerLine, data.length() - start));
+            const std::size_t count = std::min(dataBytesPerLine, data.length() - start);
+            out_.append(line, base64::encode(base64::codec(), data.bytes() + start, count, false, line));
             out_ += '\n';
         }
         indent(depth);
         out_ += "</data>\n";
-    }
-
-    void writeBase64(const unsigned char* bytes, std::size_t count) {
-        static constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-        for (std::size_t start = 0; start < count; start += 3) {
-            const std::size_t taken = std::min<std::size_t>(3, count - start);
-            unsigned bits = 0;
-            for (std::size_t index = 0; index < 3; ++index) {
-                bits = bits << 8 | (index < taken ? bytes[start + index] : 0U);
-            }
-            for (std::size_t index = 0; index < 4; ++index) {
-                out_ += index <= taken ? alphabet[bits >> (18 - 6 * index) & 63] : '=';
-            }
-        }
     }
 
     void writeText(const char* before, const NSString& string, const char* after) {

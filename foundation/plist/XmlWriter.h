@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSString.h"
 
 namespace ZQFoundation::detail {
 
@@ -17,8 +17,8 @@ namespace ZQFoundation::detail {
 /// are written as numeric references; the library's own reader takes all of them, others may refuse those
 /// that XML has no place for.
 ///
-/// Refused: what no property list holds, more than `maximumPropertyListDepth` levels, dates outside the years
-/// -9999 to 9999, and a text longer than `maximumPropertyListBytes`, which shared values can add up to.
+/// Refused: what no property list holds, more than `maxPropertyListDepth` levels, dates outside the years
+/// -9999 to 9999, and a text longer than `maxPropertyListBytes`, which shared values can add up to.
 const char* writeXml(const NSObject& value, std::string& out);
 
 } // namespace ZQFoundation::detail

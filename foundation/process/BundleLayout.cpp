@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Where a bundle keeps its Info dictionary, resources and program.
 #include "foundation/process/BundleLayout.h"
 
 #include <algorithm>

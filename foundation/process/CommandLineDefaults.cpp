@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Settings given as arguments: `-Key value`.
 #include "foundation/process/CommandLineDefaults.h"
 
 #include <algorithm>

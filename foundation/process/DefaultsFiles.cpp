@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The files of the domains of settings.
 #include "foundation/process/DefaultsFiles.h"
 
 #include "foundation/files/HomeFolder.h"

@@ -13,7 +13,7 @@
 namespace ZQFoundation::detail {
 
 bool refuseWith(NSString* error, const std::string& path, int number) {
-    tellErrorOfBytes(error, path, number);
+    reportErrorOfBytes(error, path, number);
     return false;
 }
 
@@ -29,8 +29,8 @@ bool readBytes(const Descriptor& file, const std::string& path, std::string& byt
         }
         bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
         // What the library would not read is not to be written either.
-        if (bytes.size() > static_cast<std::size_t>(largestFile)) {
-            return refuse(error, "%@ is larger than %ld bytes", path, largestFile);
+        if (bytes.size() > static_cast<std::size_t>(maxFileBytes)) {
+            return refuse(error, "%@ is larger than %ld bytes", path, maxFileBytes);
         }
     }
 }

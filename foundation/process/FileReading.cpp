@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Files read again only if they changed.
 #include "foundation/process/FileReading.h"
 
 #include <cerrno>
@@ -59,7 +60,7 @@ FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& sta
         return FileResult::unreadable;
     }
     stamp = stampFrom(information);
-    if (stamp.size > largestFile) {
+    if (stamp.size > maxFileBytes) {
         return FileResult::unreadable;
     }
     bytes.resize(static_cast<std::size_t>(stamp.size));

@@ -28,7 +28,7 @@ struct FileStamp {
 
 /// Larger files are passed over. Such files are written by hand or by settings panels and stay far below it,
 /// while the value that one holds can take some thirty times its size in memory, in the middle of a log call.
-inline constexpr std::int64_t largestFile = std::int64_t{16} << 20;
+inline constexpr std::int64_t maxFileBytes = std::int64_t{16} << 20;
 
 enum class FileResult {
     read,       ///< all of it, as it was when its stamp was taken

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Which localizations of a bundle suit the user's languages.
 #include "foundation/process/LanguageMatching.h"
 
 #include <algorithm>

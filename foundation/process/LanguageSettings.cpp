@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The user's languages in the environment.
 #include "foundation/process/LanguageSettings.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 // Far more than anybody speaks; keeps a hostile environment from costing time at every look-up.
-constexpr std::size_t mostLanguages = 64;
+constexpr std::size_t maxLanguages = 64;
 
 bool isLetter(char character) noexcept {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
@@ -42,7 +43,7 @@ bool addLanguage(const std::string& locale, std::vector<std::string>& languages)
     if (!language.empty() && std::find(languages.begin(), languages.end(), language) == languages.end()) {
         languages.push_back(std::move(language));
     }
-    return languages.size() < mostLanguages;
+    return languages.size() < maxLanguages;
 }
 
 std::vector<std::string> languagesOfList(const std::string& list) {

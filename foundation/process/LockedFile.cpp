@@ -212,8 +212,8 @@ bool LockedFile::replace(const NSDictionary& dictionary, NSString* error) const 
     if (!getXmlText(dictionary, bytes, error)) {
         return false;
     }
-    if (bytes.size() > static_cast<std::size_t>(largestFile)) {
-        return refuse(error, "%@ would be larger than %ld bytes", path_, largestFile);
+    if (bytes.size() > static_cast<std::size_t>(maxFileBytes)) {
+        return refuse(error, "%@ would be larger than %ld bytes", path_, maxFileBytes);
     }
     std::string temporary = temporaryStart;
     temporary.append(std::to_string(system::freshRandomNumber()));

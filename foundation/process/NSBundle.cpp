@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Bundles: Info dictionaries, localizations, string tables, read once.
 #include "foundation/process/NSBundle.h"
 
 #include <algorithm>
@@ -16,9 +17,7 @@
 #include "foundation/system/System.h"
 #include "foundation/system/TestOverrides.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -299,7 +298,7 @@ std::string absolutePath(const std::string& path) {
         if (::getcwd(current.data(), current.size()) == nullptr) {
             return {};
         }
-        result = current.c_str();
+        result.assign(current, 0, current.find('\0'));
         result += '/';
     }
     for (const char character : path) {
@@ -321,7 +320,9 @@ std::string fileOfLibrary() {
 
 } // namespace
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSBundle NSBundle::mainBundle() { return NSBundle(detail::currentMainRecord()); }
 

@@ -4,11 +4,11 @@
 
 #include "../objects/NSDictionary.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 struct BundleRecord;
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// A folder that holds a program or library together with its Info dictionary and its resources.
 ///
@@ -44,7 +44,7 @@ public:
     /// True unless the bundle is nil.
     constexpr explicit operator bool() const noexcept { return record_ != nullptr; }
 
-    /// The same folder; two nil handles are the same too.
+    /// Whether both are the same folder; two nil handles are the same too.
     friend constexpr bool operator==(NSBundle left, NSBundle right) noexcept = default;
 
     /// The Info dictionary's `CFBundleIdentifier`; nil when it has none, or an empty one, or it is no string.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The platform's log call.
 #include "foundation/process/NSLog.h"
 
 #include "foundation/format/Format.h"

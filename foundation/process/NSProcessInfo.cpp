@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The process's name, number, arguments and environment.
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>
@@ -18,9 +19,7 @@
 // Declared here because not every system's headers do.
 extern char** environ; // NOLINT(readability-redundant-declaration)
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 namespace {
 
@@ -131,7 +130,9 @@ std::vector<std::string> processArguments() {
     return arguments;
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 NSProcessInfo& NSProcessInfo::processInfo() noexcept {
     static constinit NSProcessInfo instance;

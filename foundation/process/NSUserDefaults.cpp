@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Settings gathered from their domains.
 #include "foundation/process/NSUserDefaults.h"
 
 #include "foundation/files/FileError.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Whether a property list can hold a value.
 #include "foundation/process/PropertyListValue.h"
 
 #include <unordered_set>

@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_PROCESS_PROPERTYLISTVALUE_H
 #define ZQFOUNDATION_PROCESS_PROPERTYLISTVALUE_H
 
-#include "foundation/objects/NSObject.h"
+#include "foundation/objects/NSString.h"
 
 namespace ZQFoundation::detail {
 

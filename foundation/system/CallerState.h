@@ -3,9 +3,9 @@
 #ifndef ZQFOUNDATION_SYSTEM_CALLERSTATE_H
 #define ZQFOUNDATION_SYSTEM_CALLERSTATE_H
 
-#include <pthread.h>
-
 #include <cerrno>
+
+#include <pthread.h>
 
 namespace ZQFoundation::detail {
 

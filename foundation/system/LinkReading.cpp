@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The target of a symbolic link, however long.
 #include "foundation/system/LinkReading.h"
 
 #include <cerrno>

@@ -8,7 +8,7 @@
 namespace ZQFoundation::detail {
 
 /// So many links on one path are followed; more are taken for a loop.
-inline constexpr int mostLinks = 32;
+inline constexpr int maxLinks = 32;
 
 enum class LinkResult {
     link,

@@ -11,7 +11,7 @@ namespace {
 
 // A holder needs some tens of nanoseconds; sleeping and waking take microseconds.
 constexpr int roundsBeforeSleep = 60;
-constexpr int longestPause = 32;
+constexpr int maxPause = 32;
 
 void pauseBriefly(int times) noexcept {
     for (int i = 0; i < times; ++i) {
@@ -63,7 +63,7 @@ void Lock::lockSlowly(std::uint64_t mine) noexcept {
             }
         } else if (rounds < roundsBeforeSleep) {
             pauseBriefly(pause);
-            pause = pause < longestPause ? pause * 2 : longestPause;
+            pause = pause < maxPause ? pause * 2 : maxPause;
         } else {
             sleepWhile(seen);
             hasSlept = true;

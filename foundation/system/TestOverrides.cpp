@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The facts that tests may replace.
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation::detail::overrides {

@@ -1,4 +1,10 @@
 // SPDX-License-Identifier: MIT
+// Linux: writing without signals, waiting, threads, randomness.
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <sys/auxv.h>
@@ -9,11 +15,6 @@
 #include <sys/uio.h>
 #include <sys/vfs.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <csignal>
-#include <cstring>
-#include <ctime>
 
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/MaskedWrite.h"

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Extended attributes and access lists, and items that are not opened.
-#include <fcntl.h>
-#include <sys/syscall.h>
-#include <sys/xattr.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <new>
 #include <string>
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
 #include "foundation/system/HeldItem.h"
 

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 // What the kernel and the C library say of the program that runs and of the computer that it runs on.
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <sys/auxv.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/auxv.h>
+#include <unistd.h>
 
 #include "foundation/system/System.h"
 

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The data of files, by the means that this kernel offers.
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <memory>
+#include <new>
+
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <cstdint>
-#include <memory>
-#include <new>
 
 #include "foundation/system/FileSystem.h"
 

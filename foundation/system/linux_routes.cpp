@@ -4,13 +4,13 @@
 //
 // Nothing is remembered between `write` and `read`: the answer waits in the socket, which `write` only looks
 // into, and the number of the request travels with it.
+#include <cerrno>
+#include <cstring>
+
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 
 #include "foundation/system/RouteMessage.h"
 #include "foundation/system/RouteTransport.h"
@@ -95,8 +95,8 @@ int errorOf(const RouteAnswer& answer) noexcept {
     }
     std::memcpy(&body, answer.bytes + NLMSG_HDRLEN, sizeof body);
     // The kernel's errors are small; the negative of the least integer would be none.
-    constexpr int largestError = 4095;
-    if (body.error < -largestError) {
+    constexpr int maxError = 4095;
+    if (body.error < -maxError) {
         return EPROTO;
     }
     return body.error < 0 ? -body.error : 0;

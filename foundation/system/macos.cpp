@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: MIT
+// macOS: writing without signals, waiting, threads, the program's own file.
+#include <cerrno>
+#include <cstring>
+
 #include <crt_externs.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -11,9 +15,6 @@
 #include <sys/stat.h>
 #include <sys/sysctl.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 
 #include "foundation/system/CallerState.h"
 #include "foundation/system/FileSystem.h"

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Extended attributes and access lists, and items that are not opened.
+#include <cerrno>
+
 #include <copyfile.h>
 #include <fcntl.h>
 #include <sys/acl.h>
 #include <sys/attr.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 #include "foundation/system/HeldItem.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The data of files, by the means that this system offers.
+#include <cerrno>
+#include <utility>
+
 #include <copyfile.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-
-#include <cerrno>
-#include <utility>
 
 #include "foundation/system/FileSystem.h"
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The system has routing sockets; a message goes to the kernel and back as it is.
+#include <cerrno>
+
 #include <fcntl.h>
 #include <net/route.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 #include "foundation/system/RouteMessage.h"
 #include "foundation/system/RouteTransport.h"

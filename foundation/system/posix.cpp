@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // What every system of the family offers alike.
+#include <cerrno>
 #include <csignal>
 #include <ctime>
+
 #include <pthread.h>
 #include <sys/utsname.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 #include "foundation/system/Lock.h"
 #include "foundation/system/MaskedWrite.h"

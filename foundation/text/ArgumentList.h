@@ -8,7 +8,9 @@ namespace ZQFoundation {
 
 class NSObjectProtocol;
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 enum class ArgumentType : unsigned char {
     signedInteger,
@@ -51,7 +53,9 @@ constexpr auto enumeratorReader() {
 template <class T>
 inline constexpr ArgumentConversion argumentConversion{convertedArgument<T>, enumeratorReader<T>()};
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// One argument of a format call: its value or, for objects and texts, its address. Owns nothing.
 class Argument {
@@ -285,7 +289,9 @@ private:
     std::size_t count_ = 0;
 };
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 /// The arguments of one variable-argument call, started. Lives on the caller's stack.
 template <std::size_t count>
@@ -310,8 +316,6 @@ public:
     constexpr ArgumentList list() const noexcept { return {}; }
 };
 
-} // namespace detail
-
-} // namespace ZQFoundation
+} // namespace ZQFoundation::detail
 
 #endif

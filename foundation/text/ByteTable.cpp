@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Encodings of one byte per character, as tables.
 #include "foundation/text/ByteTable.h"
 
 #include <type_traits>

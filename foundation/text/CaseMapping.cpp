@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Upper, lower and folded case and canonical decomposition, by Unicode's tables.
 #include "foundation/text/CaseMapping.h"
 
 #include <cstddef>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Unicode's general categories.
 #include "foundation/text/CharacterCategories.h"
 
 #include <cstddef>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The C library's converters, for encodings of several bytes per character.
 #include "foundation/text/CharacterConversion.h"
 
 #include <cerrno>

@@ -6,9 +6,7 @@
 #include "FormatRefusal.h"
 #include "FormatSyntax.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 /// What the conversions ask for; an argument may serve several.
 using FormatNeeds = unsigned char;
@@ -209,7 +207,9 @@ private:
     FormatFault fault_;
 };
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// The format argument of every variable-argument operation.
 ///

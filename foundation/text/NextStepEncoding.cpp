@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The table of the NEXTSTEP encoding.
 #include "foundation/text/NextStepEncoding.h"
 
 namespace ZQFoundation::detail {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Numbers read from and written as text, whatever the locale.
 #include "foundation/text/NumberText.h"
 
 #include <bit>
@@ -156,7 +157,7 @@ RealParts splitReal(const Unit* text, std::size_t count) {
 constexpr std::size_t decisiveDigits = 768;
 constexpr std::size_t exponentRoom = 8; // for "e-10768", with one to spare
 constexpr std::size_t digitBuffer = decisiveDigits + 1 + exponentRoom;
-static_assert(digitBuffer <= longestRealText);
+static_assert(digitBuffer <= maxRealTextLength);
 
 // Far beyond the powers of ten that a double spans, 309 and -323.
 constexpr std::int64_t magnitudeLimit = 9999;

@@ -38,7 +38,9 @@ class StringView;
 template <class T>
 struct ObjectConversion;
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 /// Types for which somebody has specialised it.
 template <class T>
@@ -79,8 +81,6 @@ auto convertedObject(const T& object) {
     return ObjectConversion<T>::object(object);
 }
 
-} // namespace detail
-
-} // namespace ZQFoundation
+} // namespace ZQFoundation::detail
 
 #endif

@@ -18,15 +18,15 @@
 namespace ZQFoundation::detail {
 
 /// The longest number, with its exponent, that may be read.
-inline constexpr std::size_t longestRealText = 800;
+inline constexpr std::size_t maxRealTextLength = 800;
 
 namespace byCLibrary {
 
 /// Whole digits, 'e' and an exponent. Beyond the range, infinity or 0.
 inline bool readWholeDigits(const char* first, const char* last, double& value) noexcept {
-    char text[longestRealText + 1];
+    char text[maxRealTextLength + 1];
     const auto length = static_cast<std::size_t>(last - first);
-    if (length > longestRealText) {
+    if (length > maxRealTextLength) {
         return false;
     }
     std::memcpy(text, first, length);

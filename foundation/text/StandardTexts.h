@@ -9,16 +9,16 @@
 
 /// What takes the standard's own header of strings, which the umbrella header brings in for the results of
 /// its operations and the log's header does without.
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 
 /// Objects of classes that convert to a view of units and are no text by themselves.
 template <class T, class Unit>
 concept ViewedText = std::is_class_v<T> && !TextRange<T, Unit> &&
                      std::is_convertible_v<const T&, std::basic_string_view<Unit>>;
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// A type that converts to `std::string_view` is a text of UTF-8, one that converts to `std::u16string_view`
 /// a text of UTF-16, which is taken when both are there.

@@ -16,7 +16,9 @@ namespace ZQFoundation {
 class NSString;
 class StringView;
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 /// Units in a row, as many as `size` says: standard strings and their views, and what is made like them. Of a
 /// type whose own characters are not the unit, `size` would count something else.
@@ -55,7 +57,9 @@ concept OtherText = !PlainText<T> && !ConvertedObject<T> && requires(const T& te
     typename T::value_type;
 };
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// The text *argument*: a nullable, non-owning look at a text that somebody else keeps alive for the call.
 ///

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The table of the Symbol encoding.
 #include "foundation/text/SymbolEncoding.h"
 
 namespace ZQFoundation::detail {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The list of text encodings, by the platform's numbers.
 #include "foundation/text/TextEncodings.h"
 
 #include <algorithm>

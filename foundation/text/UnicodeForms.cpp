@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// UTF-16, UTF-32 and escaped ASCII from and to units.
 #include "foundation/text/UnicodeForms.h"
 
 #include <cstdint>

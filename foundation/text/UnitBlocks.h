@@ -79,13 +79,13 @@ std::size_t nextPlace(const Unit* units, std::size_t at, std::size_t length, con
 template <class Unit, class Test>
 std::size_t countPlaces(const Unit* units, std::size_t length, const Test& test) noexcept {
     // Lanes count matches downwards from 0, and are emptied before they can overflow.
-    constexpr std::size_t mostBlocks = 255;
+    constexpr std::size_t maxBlocks = 255;
     std::size_t found = 0;
     std::size_t at = 0;
     while (length - at >= blockUnits<Unit>) {
         const std::size_t left = (length - at) / blockUnits<Unit>;
         Block<Unit> matches{};
-        for (std::size_t i = left < mostBlocks ? left : mostBlocks; i > 0; --i, at += blockUnits<Unit>) {
+        for (std::size_t i = left < maxBlocks ? left : maxBlocks; i > 0; --i, at += blockUnits<Unit>) {
             matches -= reinterpret_cast<Block<Unit>>(test(loadBlock(units + at)));
         }
         for (std::size_t lane = 0; lane < blockUnits<Unit>; ++lane) {

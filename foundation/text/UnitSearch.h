@@ -19,7 +19,7 @@ inline constexpr std::size_t unitNotFound = static_cast<std::size_t>(-1);
 /// How far a partial match may fall back when the next item does not fit: for each length the longest shorter
 /// one that ends alike. One entry more than items.
 template <class Item>
-std::vector<std::size_t> fallbacks(const Item* items, std::size_t count) {
+std::vector<std::size_t> failureTable(const Item* items, std::size_t count) {
     std::vector<std::size_t> lengths(count + 1, 0);
     std::size_t length = 0;
     for (std::size_t i = 1; i < count; ++i) {
@@ -69,9 +69,9 @@ struct AsciiInAnyCase {
 
 /// The first occurrence without looking at any unit twice; for texts that begin to match too often.
 template <class Unit, class Forms = ExactUnits>
-std::size_t findByFallbacks(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
-                            Forms forms = {}) {
-    const std::vector<std::size_t> lengths = fallbacks(wanted, count);
+std::size_t findByFailureTable(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
+                               Forms forms = {}) {
+    const std::vector<std::size_t> lengths = failureTable(wanted, count);
     std::size_t matched = 0;
     for (std::size_t i = 0; i < length; ++i) {
         const Unit unit = forms.form(text[i]);
@@ -90,8 +90,8 @@ template <class Unit, class Forms = ExactUnits>
 std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
                       Forms forms = {}) {
     std::size_t at = 0;
-    // So many units looked at in vain, for each one passed, until the other way pays.
-    constexpr std::size_t patience = 4;
+    // Wasted comparisons per unit before switching to the failure table.
+    constexpr std::size_t maxWastedPerUnit = 4;
     std::size_t wasted = 0;
     while (count <= length - at) {
         const std::size_t end = length - count + 1;
@@ -108,8 +108,8 @@ std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, 
         }
         wasted += matched;
         ++at;
-        if (wasted > patience * at + 256) {
-            const std::size_t found = findByFallbacks(text + at, length - at, wanted, count, forms);
+        if (wasted > maxWastedPerUnit * at + 256) {
+            const std::size_t found = findByFailureTable(text + at, length - at, wanted, count, forms);
             return found == unitNotFound ? found : at + found;
         }
     }
@@ -121,7 +121,7 @@ template <class Unit>
 std::size_t findLastUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count) {
     const std::basic_string<Unit> reversedWanted(std::make_reverse_iterator(wanted + count),
                                                  std::make_reverse_iterator(wanted));
-    const std::vector<std::size_t> lengths = fallbacks(reversedWanted.data(), count);
+    const std::vector<std::size_t> lengths = failureTable(reversedWanted.data(), count);
     std::size_t matched = 0;
     for (std::size_t i = length; i > 0; --i) {
         while (matched > 0 && text[i - 1] != reversedWanted[matched]) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The parts of a URI reference, by the grammar of RFC 3986.
 #include "foundation/text/UriReference.h"
 
 namespace ZQFoundation::detail {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A URI reference resolved against a base, as RFC 3986 says.
 #include "foundation/text/UriResolution.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// UTF-8 and UTF-16 converted, in blocks where all is ASCII.
 #include "foundation/text/Utf.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ std::size_t asciiPrefix(const Unit* text, std::size_t count) {
 
 // Testing and copying in two loops keeps both simple enough for every compiler; the piece between them stays
 // in the nearest cache.
-constexpr std::size_t largestPiece = 4096;
+constexpr std::size_t maxPieceBytes = 4096;
 
 // ---- UTF-8, one sequence at a time
 
@@ -181,7 +182,7 @@ struct UnitWriter {
     char16_t* out;
 
     std::size_t ascii(const char* bytes, std::size_t count) {
-        const std::size_t length = asciiPrefix(bytes, std::min(count, largestPiece));
+        const std::size_t length = asciiPrefix(bytes, std::min(count, maxPieceBytes));
         widenAscii(bytes, length, out);
         out += length;
         return length;
@@ -236,10 +237,10 @@ inline bool isEscapedByte(char16_t unit) { return unit >= escapeBase + 0x80 && u
 /// Looking forward from every unit is enough, since the neighbours of a run of such units begin with a lead
 /// byte or ASCII and are complete, so nothing outside the run joins bytes of the run.
 bool standsForByte(const char16_t* at, std::size_t left) {
-    constexpr std::size_t longestSequence = 4;
-    unsigned char bytes[longestSequence];
+    constexpr std::size_t maxSequenceBytes = 4;
+    unsigned char bytes[maxSequenceBytes];
     std::size_t length = 0;
-    while (length < longestSequence && length < left && isEscapedByte(at[length])) {
+    while (length < maxSequenceBytes && length < left && isEscapedByte(at[length])) {
         bytes[length] = static_cast<unsigned char>(at[length] - escapeBase);
         ++length;
     }
@@ -286,7 +287,7 @@ struct ByteWriter {
     char* out;
 
     std::size_t ascii(const char16_t* units, std::size_t count) {
-        const std::size_t length = asciiPrefix(units, std::min(count, largestPiece));
+        const std::size_t length = asciiPrefix(units, std::min(count, maxPieceBytes));
         narrowAscii(units, length, out);
         out += length;
         return length;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// English names of months, weekdays and zones.
 #include "foundation/time/DateNames.h"
 
 namespace ZQFoundation::detail {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The fields of date patterns.
 #include "foundation/time/DatePattern.h"
 
 #include <cstring>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The local time of the log prefix, formatted without allocation.
 #include "foundation/time/LocalTimeText.h"
 
 #include <cstring>
@@ -12,8 +13,8 @@ namespace ZQFoundation::detail {
 namespace {
 
 constexpr std::size_t restOfText = sizeof("-MM-dd HH:mm:ss.SSS") - 1;
-constexpr std::size_t greatestYearDigits = 12; ///< 2^63 seconds are less than 10^12 years
-static_assert(greatestYearDigits + restOfText <= localTimeTextCapacity);
+constexpr std::size_t maxYearDigits = 12; ///< 2^63 seconds are less than 10^12 years
+static_assert(maxYearDigits + restOfText <= localTimeTextCapacity);
 
 constexpr char digitPairs[] =
     "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"

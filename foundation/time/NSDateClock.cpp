@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The present instant, and dates as whole numbers.
 #include <cmath>
 
 #include <time.h>
@@ -43,7 +44,9 @@ NSDate NSDate::date() {
                                                   static_cast<double>(now.tv_nsec) * 1e-9);
 }
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 Instant currentInstant() noexcept {
     if (overrides::clock != nullptr) {
@@ -81,6 +84,4 @@ std::int64_t wholeSeconds(const NSDate& date) noexcept {
     return saturatingInteger(std::floor(date.timeIntervalSince1970()));
 }
 
-} // namespace detail
-
-} // namespace ZQFoundation
+} // namespace ZQFoundation::detail

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Time zones as values.
 #include "foundation/time/NSTimeZone.h"
 
 #include <cstring>
@@ -12,7 +13,7 @@ namespace ZQFoundation {
 
 namespace {
 
-constexpr int greatestFixedOffset = 18 * 3600;
+constexpr int maxFixedOffset = 18 * 3600;
 
 NSString asciiString(const char* bytes, std::size_t count) {
     return NSString(StringView::ascii(bytes, count));
@@ -54,7 +55,7 @@ NSTimeZone NSTimeZone::timeZoneWithName(StringView name) {
 }
 
 NSTimeZone NSTimeZone::timeZoneForSecondsFromGMT(int seconds) noexcept {
-    const bool good = seconds >= -greatestFixedOffset && seconds <= greatestFixedOffset;
+    const bool good = seconds >= -maxFixedOffset && seconds <= maxFixedOffset;
     return good ? NSTimeZone(seconds, Form::fixed) : NSTimeZone();
 }
 
@@ -99,7 +100,9 @@ bool NSTimeZone::isEqualToTimeZone(const NSTimeZone& other) const noexcept {
     return form_ == Form::ruled ? detail::sameZone(*zone_, *other.zone_) : offset_ == other.offset_;
 }
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 std::int32_t ZoneAccess::offsetAt(const NSTimeZone& zone, std::int64_t seconds) noexcept {
     return zone.form_ == NSTimeZone::Form::ruled ? zoneOffsetAt(zone.zone_, seconds) : zone.offset_;
@@ -112,6 +115,4 @@ ZonePeriod ZoneAccess::periodAt(const NSTimeZone& zone, std::int64_t seconds) no
     return {INT64_MIN, INT64_MAX, zone.offset_, false, zone ? nullptr : "UTC"};
 }
 
-} // namespace detail
-
-} // namespace ZQFoundation
+} // namespace ZQFoundation::detail

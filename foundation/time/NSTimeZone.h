@@ -4,12 +4,12 @@
 
 #include "../objects/NSDate.h"
 
-namespace ZQFoundation {
-
-namespace detail {
+namespace ZQFoundation::detail {
 struct Zone;
 struct ZoneAccess;
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// A time zone: how far clocks are ahead of UTC at any instant, and what they are called then.
 ///

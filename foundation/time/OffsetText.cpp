@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Offsets from UTC as text.
 #include "foundation/time/OffsetText.h"
 
 #include <cstring>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Time zone rules in the notation of POSIX.
 #include "foundation/time/PosixZone.h"
 
 #include "foundation/objects/CivilTime.h"
@@ -44,13 +45,13 @@ struct Cursor {
         return at != start && value >= least && value <= greatest;
     }
 
-    bool takeTime(int greatestHour, std::int32_t& seconds) noexcept {
+    bool takeTime(int maxHour, std::int32_t& seconds) noexcept {
         const bool negative = take('-');
         if (!negative) {
             take('+');
         }
         int parts[3] = {};
-        if (!takeNumber(0, greatestHour, parts[0])) {
+        if (!takeNumber(0, maxHour, parts[0])) {
             return false;
         }
         for (int i = 1; i < 3 && take(':'); ++i) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Wall times turned into instants where clocks skip or repeat.
 #include "foundation/time/WallTime.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ constexpr std::int64_t yearsPerCycle = 400;
 constexpr double nanosecondsPerSecond = 1e9;
 constexpr auto referenceSeconds = static_cast<std::int64_t>(NSDate::timeIntervalBetween1970AndReferenceDate);
 
-static_assert(greatestCalendarSeconds <= INT64_MAX - 2 * 366 * secondsPerDay - 2 * greatestZoneOffset);
+static_assert(maxCalendarSeconds <= INT64_MAX - 2 * 366 * secondsPerDay - 2 * maxZoneOffset);
 
 } // namespace
 
@@ -33,8 +34,8 @@ WideInteger wallSecondsFromFields(const WallFields& fields) noexcept {
 
 std::int64_t instantOfWallTime(std::int64_t wallSeconds, const NSTimeZone& zone) noexcept {
     // No offset is greater, so the instant lies within these limits whatever the clocks do.
-    const std::int64_t earliest = wallSeconds - greatestZoneOffset;
-    const std::int64_t latest = wallSeconds + greatestZoneOffset;
+    const std::int64_t earliest = wallSeconds - maxZoneOffset;
+    const std::int64_t latest = wallSeconds + maxZoneOffset;
     ZonePeriod period = ZoneAccess::periodAt(zone, earliest);
     std::int64_t from = earliest;
     std::int64_t shown = wallSeconds - period.offset;
@@ -59,7 +60,7 @@ std::int64_t instantOfWallTime(std::int64_t wallSeconds, const NSTimeZone& zone)
 }
 
 std::int64_t firstInstantFromWallTime(std::int64_t wallSeconds, const NSTimeZone& zone) noexcept {
-    ZonePeriod period = ZoneAccess::periodAt(zone, wallSeconds - greatestZoneOffset);
+    ZonePeriod period = ZoneAccess::periodAt(zone, wallSeconds - maxZoneOffset);
     std::int64_t shown = wallSeconds - period.offset;
     while (shown >= period.until) {
         const std::int64_t change = period.until;
@@ -72,7 +73,7 @@ std::int64_t firstInstantFromWallTime(std::int64_t wallSeconds, const NSTimeZone
 bool instantOfDate(const NSDate& date, Instant& instant) noexcept {
     const double seconds = date.timeIntervalSinceReferenceDate();
     // Not-a-number is within no limits. These are wide enough for dates counted from another year than 1970.
-    constexpr auto limit = static_cast<double>(greatestCalendarSeconds + referenceSeconds);
+    constexpr auto limit = static_cast<double>(maxCalendarSeconds + referenceSeconds);
     if (!date || !(seconds >= -limit && seconds <= limit)) {
         return false;
     }

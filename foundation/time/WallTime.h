@@ -15,13 +15,13 @@ namespace ZQFoundation::detail {
 
 /// Calendars know the instants that are at most so many seconds from 1970, 292,000,000,000 years. What
 /// remains of 64 bits is enough to go on to the end of any year, and to any zone's offset.
-inline constexpr std::int64_t greatestCalendarSeconds = 292000000000 * 31556952;
+inline constexpr std::int64_t maxCalendarSeconds = 292000000000 * 31556952;
 
 /// Wide enough for every sum of seven 64-bit fields.
 __extension__ typedef __int128 WideInteger;
 
 constexpr bool isWithinCalendar(WideInteger seconds) noexcept {
-    return seconds >= -greatestCalendarSeconds && seconds <= greatestCalendarSeconds;
+    return seconds >= -maxCalendarSeconds && seconds <= maxCalendarSeconds;
 }
 
 /// Fields as they were given, out of their ranges or not. The year counts astronomically.
@@ -47,7 +47,7 @@ WideInteger wallSecondsFromFields(const WallFields& fields) noexcept;
 ///     New York, 2024-11-03 01:30    05:30 UTC, in daylight-saving time
 ///     New York, 2024-03-10 02:30    07:30 UTC, which is 03:30
 ///
-/// A wall time within `greatestCalendarSeconds`, or somewhat beyond.
+/// A wall time within `maxCalendarSeconds`, or somewhat beyond.
 std::int64_t instantOfWallTime(std::int64_t wallSeconds, const NSTimeZone& zone) noexcept;
 
 /// The first instant at which the zone's clocks show a wall time or, having skipped it, a later one.

@@ -12,13 +12,13 @@ namespace ZQFoundation::detail {
 struct ZonePeriod {
     std::int64_t from;   ///< INT64_MIN: since ever
     std::int64_t until;  ///< excluded; INT64_MAX: without end
-    std::int32_t offset; ///< seconds east of Greenwich, within +-`greatestZoneOffset`
+    std::int32_t offset; ///< seconds east of Greenwich, within +-`maxZoneOffset`
     bool isDaylightSaving;
     const char* abbreviation; ///< printable ASCII, ended by NUL; lives as long as the zone
 };
 
 /// What a zone's data may say at most: less than 26 hours.
-inline constexpr std::int32_t greatestZoneOffset = 93599;
+inline constexpr std::int32_t maxZoneOffset = 93599;
 
 } // namespace ZQFoundation::detail
 

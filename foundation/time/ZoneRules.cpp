@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Zone files read, and the period around an instant found.
 #include "foundation/time/ZoneRules.h"
 
 #include <algorithm>
@@ -133,7 +134,7 @@ private:
         for (std::size_t i = 0; i < header_.clocks; ++i) {
             const unsigned char* const clock = clocks + i * 6;
             const std::int32_t offset = readSigned32(clock);
-            if (offset < -greatestZoneOffset || offset > greatestZoneOffset || clock[4] > 1 ||
+            if (offset < -maxZoneOffset || offset > maxZoneOffset || clock[4] > 1 ||
                 clock[5] >= rules.names_.size()) {
                 return false;
             }
@@ -163,7 +164,7 @@ private:
 
 std::optional<ZoneRules> ZoneRules::fromZoneData(const char* bytes, std::size_t count) {
     std::optional<ZoneRules> rules(std::in_place, ZoneRules());
-    if (count > greatestFileSize || !ZoneDataReader(bytes, count).read(*rules)) {
+    if (count > maxFileBytes || !ZoneDataReader(bytes, count).read(*rules)) {
         rules.reset();
     }
     return rules;

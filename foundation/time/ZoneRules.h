@@ -21,7 +21,7 @@ public:
     /// Reads zone data as RFC 8536 describes it, versions 1 to 4, with 64-bit times where there are some.
     /// Nothing for data that are not entirely well-formed: cut short, counts beyond the data, changes out of
     /// order, indexes or offsets out of range, a footer that is no rule; nor for data of more than
-    /// `greatestFileSize` bytes. Leap seconds, which the system's clock does not count, are passed over: in
+    /// `maxFileBytes` bytes. Leap seconds, which the system's clock does not count, are passed over: in
     /// the rare files that have them (those below "right/") a change comes late by as many seconds as there
     /// were.
     static std::optional<ZoneRules> fromZoneData(const char* bytes, std::size_t count);
@@ -36,7 +36,7 @@ public:
     friend bool operator==(const ZoneRules&, const ZoneRules&) = default;
 
     /// About fifty times the size of the longest real one.
-    static constexpr std::size_t greatestFileSize = 256 * 1024;
+    static constexpr std::size_t maxFileBytes = 256 * 1024;
 
 private:
     friend class ZoneDataReader;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// All zones that the process has used, kept until it ends.
 #include "foundation/time/ZoneTable.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ struct Zone {
 
 namespace {
 
-constexpr std::size_t greatestNameLength = 255;
+constexpr std::size_t maxNameLength = 255;
 constexpr char defaultFolder[] = "/usr/share/zoneinfo";
 constexpr char localZoneFile[] = "/etc/localtime";
 
@@ -76,7 +77,7 @@ std::optional<std::string> readZoneFile(const std::string& path) {
     const Descriptor file(openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status = {};
     if (!file || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
-        static_cast<std::uint64_t>(status.st_size) > ZoneRules::greatestFileSize) {
+        static_cast<std::uint64_t>(status.st_size) > ZoneRules::maxFileBytes) {
         return std::nullopt;
     }
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
@@ -112,7 +113,7 @@ const Zone* zoneFromNotation(std::string_view text, std::string_view name) {
 }
 
 bool isZoneName(std::string_view name) noexcept {
-    if (name.size() > greatestNameLength) {
+    if (name.size() > maxNameLength) {
         return false;
     }
     std::size_t start = 0;
@@ -201,7 +202,7 @@ constexpr int blockBits = 12;
 constexpr std::int64_t blockSeconds = std::int64_t{1} << blockBits;
 constexpr int offsetBits = 24;
 constexpr std::int64_t offsetBias = std::int64_t{1} << (offsetBits - 1);
-static_assert(greatestZoneOffset < offsetBias);
+static_assert(maxZoneOffset < offsetBias);
 
 constexpr std::uint64_t blockWord(std::int64_t block, std::int32_t offset) noexcept {
     return static_cast<std::uint64_t>(block) << offsetBits | static_cast<std::uint64_t>(offset + offsetBias);

@@ -172,13 +172,13 @@ TEST_F(FileAttributes, theModificationDateIsThatOfTheInformation) {
 
 TEST(FileError, reasonsNeedNoLocale) {
     NSString text;
-    detail::tellError(&text, "/a", EACCES);
+    detail::reportError(&text, "/a", EACCES);
     EXPECT_EQ(shownText(text), "/a: Permission denied");
-    detail::tellErrorOfBytes(&text, "/\xFF", ENOTEMPTY);
+    detail::reportErrorOfBytes(&text, "/\xFF", ENOTEMPTY);
     EXPECT_EQ(scene::bytesOf(text), "/\xFF: Directory not empty");
-    detail::tellError(&text, "/a", 99999);
+    detail::reportError(&text, "/a", 99999);
     EXPECT_EQ(shownText(text), "/a: Error 99999");
-    detail::tellError(nullptr, "/a", EACCES);
+    detail::reportError(nullptr, "/a", EACCES);
 }
 
 } // namespace

@@ -367,9 +367,9 @@ TEST(LogRedirection, leavesErrnoAlone) {
         EXPECT_EQ(errno, EDOM);
         ZQLog::clearLogFilePath();
         EXPECT_EQ(errno, EDOM);
-        ZQLog::setLogFilePath_createFolder(NSString(scene / "missing/x"), false);
+        EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(NSString(scene / "missing/x"), false));
         EXPECT_EQ(errno, EDOM);
-        ZQLog::setLogFilePath_createFolder(NSString(scene / "missing/x"), true);
+        EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(scene / "missing/x"), true));
         EXPECT_EQ(errno, EDOM);
     });
 }

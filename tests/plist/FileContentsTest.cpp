@@ -80,7 +80,7 @@ TEST(FileContents, neverWaitsForAFifo) {
 TEST(FileContents, aFileBeyondTheLimitIsNotRead) {
     const kit::ScratchFolder folder;
     const std::string path = folder.write("large", "");
-    ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(detail::maximumPropertyListBytes) + 1), 0);
+    ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(detail::maxPropertyListBytes) + 1), 0);
     EXPECT_FALSE(NSData::dataWithContentsOfFile(path));
 }
 

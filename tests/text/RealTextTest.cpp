@@ -42,7 +42,7 @@ TEST(RealText, byTheCLibraryReadsWholeDigitsWithAnExponent) {
     EXPECT_EQ(wholeDigits("1e400"), std::numeric_limits<double>::infinity());
     EXPECT_EQ(wholeDigits("1e-400"), 0);
     EXPECT_EQ(errno, 7);
-    const std::string tooLong(detail::longestRealText + 1, '1');
+    const std::string tooLong(detail::maxRealTextLength + 1, '1');
     double value = 3;
     EXPECT_FALSE(detail::byCLibrary::readWholeDigits(tooLong.data(), tooLong.data() + tooLong.size(), value));
     EXPECT_EQ(value, 3);

@@ -19,7 +19,7 @@ std::size_t first(const Text& text, const Text& wanted) {
 
 template <class Text>
 std::size_t firstByFallbacks(const Text& text, const Text& wanted) {
-    return findByFallbacks(text.data(), text.size(), wanted.data(), wanted.size());
+    return findByFailureTable(text.data(), text.size(), wanted.data(), wanted.size());
 }
 
 template <class Text>
@@ -57,10 +57,10 @@ TEST(UnitSearch, findsTheFirstAndTheLastOccurrence) {
 
 TEST(UnitSearch, fallsBackToTheLongestShorterMatch) {
     using Lengths = std::vector<std::size_t>;
-    EXPECT_EQ(fallbacks("aaaa", 4), (Lengths{0, 0, 1, 2, 3}));
-    EXPECT_EQ(fallbacks("abab", 4), (Lengths{0, 0, 0, 1, 2}));
-    EXPECT_EQ(fallbacks("aabaaab", 7), (Lengths{0, 0, 1, 0, 1, 2, 2, 3}));
-    EXPECT_EQ(fallbacks("a", 1), (Lengths{0, 0}));
+    EXPECT_EQ(failureTable("aaaa", 4), (Lengths{0, 0, 1, 2, 3}));
+    EXPECT_EQ(failureTable("abab", 4), (Lengths{0, 0, 0, 1, 2}));
+    EXPECT_EQ(failureTable("aabaaab", 7), (Lengths{0, 0, 1, 0, 1, 2, 2, 3}));
+    EXPECT_EQ(failureTable("a", 1), (Lengths{0, 0}));
 }
 
 TEST(UnitSearch, findsWhatTheStandardStringsFind) {
@@ -93,8 +93,9 @@ TEST(UnitSearch, findsAsciiInAnyCaseWhereItStandsInLowerCase) {
         std::replace(lowered.begin(), lowered.end(), 'A', 'a');
         std::replace(lowered.begin(), lowered.end(), 'B', 'b');
         ASSERT_EQ(firstInAnyCase(text, wanted), lowered.find(wanted)) << wanted << " in " << text;
-        ASSERT_EQ(findByFallbacks(text.data(), text.size(), wanted.data(), wanted.size(), AsciiInAnyCase()),
-                  lowered.find(wanted))
+        ASSERT_EQ(
+            findByFailureTable(text.data(), text.size(), wanted.data(), wanted.size(), AsciiInAnyCase()),
+            lowered.find(wanted))
             << wanted << " in " << text;
     }
 }

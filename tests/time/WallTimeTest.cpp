@@ -207,7 +207,7 @@ TEST(WallTime, survivesZonesWhoseClocksJumpAsFarAsTheyMay) {
         data.changes.push_back(i * 700);
         data.indexes.push_back(static_cast<unsigned char>(i % 2));
     }
-    data.clocks = {{-greatestZoneOffset, false, 0}, {greatestZoneOffset, true, 0}};
+    data.clocks = {{-maxZoneOffset, false, 0}, {maxZoneOffset, true, 0}};
     data.names = std::string("ODD", 4);
     const kit::ScratchFolder folder;
     const kit::TimeZone current(folder.write("wild", data.bytes()).c_str());
@@ -215,8 +215,8 @@ TEST(WallTime, survivesZonesWhoseClocksJumpAsFarAsTheyMay) {
     for (std::int64_t shown = -300000; shown < 300000; shown += 7) {
         const std::int64_t instant = instantOfWallTime(shown, zone);
         // Only clocks put forward skip a time, so the offset from before is the lower one.
-        std::int64_t expected = shown + greatestZoneOffset;
-        for (const std::int64_t offset : {-greatestZoneOffset, greatestZoneOffset}) {
+        std::int64_t expected = shown + maxZoneOffset;
+        for (const std::int64_t offset : {-maxZoneOffset, maxZoneOffset}) {
             expected = kit::offsetAt(shown - offset) == offset ? shown - offset : expected;
         }
         ASSERT_EQ(instant, expected) << shown;
@@ -230,7 +230,7 @@ TEST(WallTime, isTheSameAtBothEndsOfTheCalendar) {
     for (const char* name : {"EST5EDT,M3.2.0,M11.1.0", "UTC0", "AAA-24:59:59BBB,0/0,J365/25"}) {
         const kit::TimeZone variable(name);
         const NSTimeZone zone = NSTimeZone::systemTimeZone();
-        for (const std::int64_t shown : {-greatestCalendarSeconds, greatestCalendarSeconds}) {
+        for (const std::int64_t shown : {-maxCalendarSeconds, maxCalendarSeconds}) {
             for (const std::int64_t step : {-86400 * 400, -1, 0, 1, 86400 * 400}) {
                 const std::int64_t instant = instantOfWallTime(shown + step, zone);
                 EXPECT_EQ(instant + ZoneAccess::offsetAt(zone, instant), shown + step) << name;
@@ -273,7 +273,7 @@ TEST(WallTime, takesADateApartAndPutsItTogetherAgain) {
 }
 
 TEST(WallTime, knowsNoInstantBeyondTheCalendar) {
-    constexpr double limit = static_cast<double>(greatestCalendarSeconds);
+    constexpr double limit = static_cast<double>(maxCalendarSeconds);
     constexpr double infinity = std::numeric_limits<double>::infinity();
     Instant instant{7, 7};
     for (const double seconds : {limit * 1.000001, -limit * 1.000001, 1e300, -1e300, infinity, -infinity,

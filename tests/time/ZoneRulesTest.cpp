@@ -135,7 +135,7 @@ TEST(ZoneRules, survivesAnyByteBeingAnything) {
             ++accepted;
             for (const std::int64_t seconds : {INT64_MIN, std::int64_t{0}, std::int64_t{1500}, INT64_MAX}) {
                 const ZonePeriod period = rules->periodAt(seconds);
-                ASSERT_LE(std::abs(period.offset), greatestZoneOffset);
+                ASSERT_LE(std::abs(period.offset), maxZoneOffset);
                 ASSERT_LT(std::strlen(period.abbreviation), bytes.size());
             }
         }
@@ -239,7 +239,7 @@ TEST(ZoneRules, refusesCountsThatTheDataCannotHold) {
 TEST(ZoneRules, refusesDataBeyondItsLimit) {
     kit::ZoneData data = kit::simpleZone();
     std::string bytes = data.bytes();
-    bytes.append(ZoneRules::greatestFileSize - bytes.size(), '\0');
+    bytes.append(ZoneRules::maxFileBytes - bytes.size(), '\0');
     EXPECT_TRUE(rulesOf(bytes));
     bytes.push_back('\0');
     EXPECT_FALSE(rulesOf(bytes));

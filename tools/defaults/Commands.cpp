@@ -348,7 +348,7 @@ struct Command {
     const char* arguments;
     const char* purpose;
     std::size_t leastWords; ///< with the command's own name
-    std::size_t mostWords;
+    std::size_t maxWords;
     void (*run)(const Words&);
 };
 
@@ -394,7 +394,7 @@ void runCommand(const Words& words) {
         if (words[0] != command.name) {
             continue;
         }
-        if (words.size() >= command.leastWords && words.size() <= command.mostWords) {
+        if (words.size() >= command.leastWords && words.size() <= command.maxWords) {
             command.run(words);
             return;
         }

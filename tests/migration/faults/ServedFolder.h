@@ -59,7 +59,7 @@ public:
 private:
     static constexpr std::size_t largestWrite = std::size_t{128} << 10;
     static constexpr std::size_t requestBytes = largestWrite + 4096;
-    static constexpr std::size_t largestPiece = 4096;
+    static constexpr std::size_t maxPieceBytes = 4096;
 
     using Names = std::vector<std::string>;
 
@@ -402,7 +402,7 @@ private:
 
     void read() const {
         const auto in = argument<fuse_read_in>();
-        std::string bytes(traits_.shortReads ? std::min<std::size_t>(in.size, largestPiece) : in.size, '\0');
+        std::string bytes(traits_.shortReads ? std::min<std::size_t>(in.size, maxPieceBytes) : in.size, '\0');
         const ssize_t count =
             ::pread(static_cast<int>(in.fh), bytes.data(), bytes.size(), static_cast<off_t>(in.offset));
         return count < 0 ? answer(errno) : answer(0, bytes.data(), static_cast<std::size_t>(count));

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
-#ifndef ZQFOUNDATION_FILES_PROMPTOPENING_H
-#define ZQFOUNDATION_FILES_PROMPTOPENING_H
+#ifndef ZQFOUNDATION_FILES_NONBLOCKINGOPENING_H
+#define ZQFOUNDATION_FILES_NONBLOCKINGOPENING_H
 
 #include "foundation/files/PathHandle.h"
 
 namespace ZQFoundation::detail {
 
-/// Opens what stands at the path without waiting for the other end of a pipe, and takes no terminal over; the
-/// descriptor is close-on-exec and waits in later calls as others do. None, with `errno`, for a folder too.
-inline Descriptor openPromptly(const PathHandle& path, int flags, mode_t mode = 0) noexcept {
+/// Opens the item at the path without waiting for the other end of a pipe and without making a terminal the
+/// controlling one; the descriptor is close-on-exec, and later calls on it may block. None, with `errno`, for
+/// a folder too.
+inline Descriptor openNonBlocking(const PathHandle& path, int flags, mode_t mode = 0) noexcept {
     constexpr int always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     Descriptor file(openAt(path.folder(), path.name(), flags | always, mode));
     struct stat information;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/objects/NormalizedText.h"
+// Text arguments converted to ASCII or UTF-16.
+#include "foundation/objects/AsciiOrUtf16.h"
 
 #include <new>
 
@@ -8,7 +9,7 @@
 
 namespace ZQFoundation::detail {
 
-NormalizedText::NormalizedText(StringView text) {
+AsciiOrUtf16::AsciiOrUtf16(StringView text) {
     switch (text.form()) {
     case StringView::Form::absent:
         isNil_ = true;
@@ -27,9 +28,9 @@ NormalizedText::NormalizedText(StringView text) {
     }
 }
 
-NormalizedText::~NormalizedText() { ::operator delete(allocated_); }
+AsciiOrUtf16::~AsciiOrUtf16() { ::operator delete(allocated_); }
 
-void NormalizedText::convert(const char* bytes, std::size_t count) {
+void AsciiOrUtf16::convert(const char* bytes, std::size_t count) {
     if (asciiPrefixLength(bytes, count) == count) {
         ascii_ = bytes;
         length_ = count;
@@ -46,7 +47,7 @@ void NormalizedText::convert(const char* bytes, std::size_t count) {
     units_ = units;
 }
 
-void NormalizedText::narrow(const char16_t* units, std::size_t count) {
+void AsciiOrUtf16::narrow(const char16_t* units, std::size_t count) {
     length_ = count;
     if (asciiPrefixLength(units, count) != count) {
         units_ = units;

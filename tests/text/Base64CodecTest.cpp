@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every codec that this processor runs, against the model.
-#include "encoding/Base64Codec.h"
+#include "foundation/text/Base64Codec.h"
 
 #include <algorithm>
 #include <cstdio>

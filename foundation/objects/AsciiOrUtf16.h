@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
-#ifndef ZQFOUNDATION_OBJECTS_NORMALIZEDTEXT_H
-#define ZQFOUNDATION_OBJECTS_NORMALIZEDTEXT_H
+#ifndef ZQFOUNDATION_OBJECTS_ASCIIORUTF16_H
+#define ZQFOUNDATION_OBJECTS_ASCIIORUTF16_H
 
 #include "foundation/text/StringView.h"
 
@@ -10,12 +10,12 @@ namespace ZQFoundation::detail {
 /// Any text argument as either ASCII bytes or UTF-16 units, so that operations need two forms, not four.
 /// Converts only UTF-8 that is not ASCII; short texts without allocation. `isAscii()` holds exactly when
 /// every unit is ASCII.
-class NormalizedText {
+class AsciiOrUtf16 {
 public:
-    explicit NormalizedText(StringView text);
-    NormalizedText(const NormalizedText&) = delete;
-    NormalizedText& operator=(const NormalizedText&) = delete;
-    ~NormalizedText();
+    explicit AsciiOrUtf16(StringView text);
+    AsciiOrUtf16(const AsciiOrUtf16&) = delete;
+    AsciiOrUtf16& operator=(const AsciiOrUtf16&) = delete;
+    ~AsciiOrUtf16();
 
     bool isNil() const noexcept { return isNil_; }
     bool isAscii() const noexcept { return ascii_ != nullptr; }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "encoding/Base64Codec.h"
+// Base64 in plain C++, and the choice of the best form for the processor.
+#include "foundation/text/Base64Codec.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #if defined(__x86_64__)
@@ -162,7 +164,7 @@ Codecs findCodecs() noexcept { return {&plainCodec}; }
 
 #endif
 
-constinit const Codec* chosen = nullptr;
+constinit std::atomic<const Codec*> chosen{nullptr};
 
 } // namespace
 
@@ -173,12 +175,12 @@ const Codec* const* availableCodecs() noexcept {
 
 const Codec& codec() noexcept {
     // Threads that meet here at first find the same answer each.
-    const Codec* known = __atomic_load_n(&chosen, __ATOMIC_RELAXED);
+    const Codec* known = chosen.load(std::memory_order_relaxed);
     if (known == nullptr) {
         const Codecs codecs = findCodecs();
         known =
             *std::find_if(codecs.rbegin(), codecs.rend(), [](const Codec* one) { return one != nullptr; });
-        __atomic_store_n(&chosen, known, __ATOMIC_RELAXED);
+        chosen.store(known, std::memory_order_relaxed);
     }
     return *known;
 }

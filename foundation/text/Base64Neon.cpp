@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "encoding/Base64Codec.h"
+// Base64 by NEON.
+#include "foundation/text/Base64Codec.h"
 
 #if defined(__aarch64__)
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
-#ifndef ZQFOUNDATION_ENCODING_BASE64CODEC_H
-#define ZQFOUNDATION_ENCODING_BASE64CODEC_H
+#ifndef ZQFOUNDATION_TEXT_BASE64CODEC_H
+#define ZQFOUNDATION_TEXT_BASE64CODEC_H
 
 #include <array>
 #include <bit>

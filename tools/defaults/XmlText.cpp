@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "tools/defaults/XmlText.h"
+
+#include <vector>
+
+#include "foundation/objects/AsciiOrUtf16.h"
+#include "foundation/objects/NSData.h"
+#include "foundation/plist/NSPropertyListSerialization.h"
+#include "foundation/plist/ValueWalk.h"
+#include "tools/defaults/Failure.h"
+
+namespace ZQFoundation::defaults {
+
+namespace {
+
+using Event = detail::ValueWalk::Event;
+
+/// Where a walk is: the keys and indexes that lead there.
+class Place {
+public:
+    void follow(const detail::ValueWalk& walk) {
+        if (walk.event() == Event::close) {
+            levels_.pop_back();
+            return;
+        }
+        if (walk.event() == Event::key) {
+            levels_.back().key = NSString(walk.value());
+            return;
+        }
+        if (!levels_.empty() && levels_.back().isArray) {
+            ++levels_.back().count;
+        }
+        if (walk.event() == Event::open) {
+            levels_.push_back({walk.isArray(), 0, NSString()});
+        }
+    }
+
+    std::string text() const {
+        std::string text;
+        for (const Level& level : levels_) {
+            if (level.isArray) {
+                text.append("[").append(std::to_string(level.count - 1)).append("]");
+            } else {
+                text.append(text.empty() ? "" : ".").append(level.key.utf8());
+            }
+        }
+        return text;
+    }
+
+private:
+    struct Level {
+        bool isArray;
+        std::size_t count; ///< elements so far
+        NSString key;
+    };
+    std::vector<Level> levels_;
+};
+
+bool mayStandInXml(char16_t unit) noexcept {
+    return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
+}
+
+bool isPairAt(const detail::AsciiOrUtf16& text, std::size_t index) noexcept {
+    return index + 1 < text.length() && (text[index] & 0xFC00) == 0xD800 &&
+           (text[index + 1] & 0xFC00) == 0xDC00;
+}
+
+/// The first unit of the text that XML cannot hold; false when it can hold all.
+bool findUnfit(const NSString& string, char16_t& unit) {
+    const detail::AsciiOrUtf16 text(string);
+    for (std::size_t i = 0; i < text.length(); ++i) {
+        unit = text[i];
+        if (isPairAt(text, i)) {
+            ++i;
+        } else if (!mayStandInXml(unit) || (unit & 0xF800) == 0xD800) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void demandFitTexts(const NSDictionary& dictionary) {
+    detail::ValueWalk walk(dictionary);
+    Place place;
+    char16_t unit = 0;
+    while (walk.next()) {
+        place.follow(walk);
+        const bool isText = walk.event() == Event::scalar || walk.event() == Event::key;
+        if (isText && findUnfit(NSString(walk.value()), unit)) {
+            fail("%@ holds the character U+%04X, which cannot be written to a property list", place.text(),
+                 static_cast<unsigned>(unit));
+        }
+    }
+}
+
+} // namespace
+
+std::string xmlOf(const NSDictionary& dictionary) {
+    demandFitTexts(dictionary);
+    NSString reason;
+    const NSData data = NSPropertyListSerialization::dataWithPropertyList_format(
+        dictionary, NSPropertyListXMLFormat_v1_0, &reason);
+    if (!data) {
+        fail("this cannot be written: %@", reason);
+    }
+    return std::string(reinterpret_cast<const char*>(data.bytes()), data.length());
+}
+
+} // namespace ZQFoundation::defaults
