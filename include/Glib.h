@@ -29,7 +29,9 @@ namespace ZQFoundation {
 /// ("ay") are data. Nil for null and for an empty maybe; inside collections that is the null object.
 inline NSObject objectOf(GVariant* variant);
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 inline NSObject elementOf(GVariant* container, gsize index) {
     GVariant* const element = g_variant_get_child_value(container, index);
@@ -70,7 +72,9 @@ inline NSObject membersOf(GVariant* container) {
     return elements.array();
 }
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 inline NSObject objectOf(GVariant* variant) {
     if (variant == nullptr) {

@@ -121,7 +121,9 @@ struct ObjectConversion<QList<T>> {
     }
 };
 
-namespace detail {
+} // namespace ZQFoundation
+
+namespace ZQFoundation::detail {
 
 template <class Map>
 struct QtMapConversion {
@@ -143,7 +145,9 @@ struct QtMapConversion {
     }
 };
 
-} // namespace detail
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
 
 /// As lists; keys that are no strings become null ones on the way back.
 template <class T>

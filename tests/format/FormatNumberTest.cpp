@@ -110,7 +110,7 @@ TEST(FormatNumber, alternateFormOfOctalAndHexadecimal) {
 }
 
 TEST(FormatNumber, widthAndPrecisionHaveALimit) {
-    const std::size_t limit = detail::largestFormatField;
+    const std::size_t limit = detail::maxFormatField;
     const auto length = [](StringView format, auto... arguments) {
         return unchecked(format, arguments...).size();
     };

@@ -123,10 +123,10 @@ TEST(FormatText, charactersAreTheLow8BitsAndUnitsThe16) {
 }
 
 TEST(FormatText, precisionOfATextHasNoLimit) {
-    const std::string longText(3 * detail::largestFormatField, 'x');
+    const std::string longText(3 * detail::maxFormatField, 'x');
     EXPECT_EQ(unchecked("%.2147483647s", longText.c_str()).size(), longText.size());
-    EXPECT_EQ(unchecked("%.*s", 2 * detail::largestFormatField, longText.c_str()).size(),
-              2U * detail::largestFormatField);
+    EXPECT_EQ(unchecked("%.*s", 2 * detail::maxFormatField, longText.c_str()).size(),
+              2U * detail::maxFormatField);
 }
 
 TEST(FormatText, atInsertsDescriptions) {

@@ -70,7 +70,7 @@ struct Stretch {
 inline std::vector<Stretch> stretches(std::u16string_view units, std::size_t start, unsigned options) {
     std::vector<Stretch> all;
     const bool isLiteral = (options & NSLiteralSearch) != 0;
-    const detail::NormalizedText text{StringView(units)};
+    const detail::AsciiOrUtf16 text{StringView(units)};
     const detail::UnitView view(text);
     while (start < units.size()) {
         std::size_t end = start;

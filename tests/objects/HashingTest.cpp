@@ -49,8 +49,8 @@ TEST(Hashing, takesEqualTextsForTheSameInEveryForm) {
     for (const std::u16string& units : {std::u16string(), std::u16string(u"abc"), std::u16string(100, u'a'),
                                         std::u16string(u"é"), std::u16string(u"日本語のテキスト😀")}) {
         const std::string bytes = NSString(units).utf8();
-        const NormalizedText text{StringView(units)};
-        EXPECT_EQ(hashText(NormalizedText{StringView(bytes)}, 7), hashText(text, 7)) << bytes;
+        const AsciiOrUtf16 text{StringView(units)};
+        EXPECT_EQ(hashText(AsciiOrUtf16{StringView(bytes)}, 7), hashText(text, 7)) << bytes;
         EXPECT_NE(hashText(text, 8), hashText(text, 7)) << bytes;
     }
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Text arguments in their four forms as bytes or units.
-#include "foundation/objects/NormalizedText.h"
+#include "foundation/objects/AsciiOrUtf16.h"
 
 #include <string>
 
@@ -9,11 +9,11 @@
 #include "foundation/objects/NSString.h"
 
 using namespace ZQFoundation;
-using detail::NormalizedText;
+using detail::AsciiOrUtf16;
 
 namespace {
 
-std::u16string unitsOf(const NormalizedText& text) {
+std::u16string unitsOf(const AsciiOrUtf16& text) {
     std::u16string units;
     for (std::size_t i = 0; i < text.length(); ++i) {
         units += text[i];
@@ -22,12 +22,12 @@ std::u16string unitsOf(const NormalizedText& text) {
     return units;
 }
 
-TEST(NormalizedText, isAsciiExactlyWhenEveryUnitIs) {
+TEST(AsciiOrUtf16, isAsciiExactlyWhenEveryUnitIs) {
     for (const std::size_t length : {0, 1, 7, 127, 128, 129, 130, 5000}) { // some need a block of their own
         const std::u16string plain(length, u'a');
         const std::string bytes(length, 'a');
         for (const StringView& view : {StringView(bytes), StringView(plain)}) {
-            const NormalizedText text(view);
+            const AsciiOrUtf16 text(view);
             EXPECT_FALSE(text.isNil());
             EXPECT_TRUE(text.isAscii()) << length;
             EXPECT_EQ(unitsOf(text), plain);
@@ -35,7 +35,7 @@ TEST(NormalizedText, isAsciiExactlyWhenEveryUnitIs) {
         for (const std::u16string& wide : {plain + u"é", u"é" + plain, plain + u"\x7F\x80", plain + u"😀"}) {
             const std::string utf8 = NSString(wide).utf8();
             for (const StringView& view : {StringView(utf8), StringView(wide)}) {
-                const NormalizedText text(view);
+                const AsciiOrUtf16 text(view);
                 EXPECT_FALSE(text.isAscii()) << length;
                 EXPECT_EQ(unitsOf(text), wide);
             }
@@ -43,15 +43,15 @@ TEST(NormalizedText, isAsciiExactlyWhenEveryUnitIs) {
     }
 }
 
-TEST(NormalizedText, readsIllFormedBytesAsReplacementsAndKeepsUnits) {
-    EXPECT_EQ(unitsOf(NormalizedText("a\xFF\xC3")), u"a\uFFFD\uFFFD");
-    EXPECT_EQ(unitsOf(NormalizedText(StringView(u"\xD800z", 2))), (std::u16string{0xD800, u'z'}));
+TEST(AsciiOrUtf16, readsIllFormedBytesAsReplacementsAndKeepsUnits) {
+    EXPECT_EQ(unitsOf(AsciiOrUtf16("a\xFF\xC3")), u"a\uFFFD\uFFFD");
+    EXPECT_EQ(unitsOf(AsciiOrUtf16(StringView(u"\xD800z", 2))), (std::u16string{0xD800, u'z'}));
 }
 
-TEST(NormalizedText, tellsNilFromTheEmptyText) {
-    EXPECT_TRUE(NormalizedText(nullptr).isNil());
-    EXPECT_EQ(NormalizedText(nullptr).length(), 0U);
-    EXPECT_FALSE(NormalizedText("").isNil());
+TEST(AsciiOrUtf16, tellsNilFromTheEmptyText) {
+    EXPECT_TRUE(AsciiOrUtf16(nullptr).isNil());
+    EXPECT_EQ(AsciiOrUtf16(nullptr).length(), 0U);
+    EXPECT_FALSE(AsciiOrUtf16("").isNil());
 }
 
 } // namespace
