@@ -11,6 +11,8 @@ if(NOT ZQFOUNDATION_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "Release|RelWithDebInf
     if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")
         target_compile_options(zq_hardening INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     endif()
+    # Some compilers only warn of a flag that the processor has no use for.
+    set(CMAKE_REQUIRED_FLAGS -Werror)
     foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
         string(MAKE_C_IDENTIFIER "ZQ_HAS${flag}" known)
         check_cxx_compiler_flag(${flag} ${known})
@@ -18,4 +20,5 @@ if(NOT ZQFOUNDATION_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "Release|RelWithDebInf
             target_compile_options(zq_hardening INTERFACE ${flag})
         endif()
     endforeach()
+    unset(CMAKE_REQUIRED_FLAGS)
 endif()

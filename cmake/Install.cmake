@@ -5,14 +5,17 @@
 
 include(CMakePackageConfigHelpers)
 
-set(ZQ_INSTALL_RESOURCES "${CMAKE_INSTALL_DATADIR}/ZQFoundation")
+set(ZQ_INSTALL_RESOURCES "${CMAKE_INSTALL_DATADIR}/ZQFoundation-${PROJECT_VERSION_MAJOR}")
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/ZQFoundation-${PROJECT_VERSION_MAJOR}")
 
-install(TARGETS ZQFoundation ZQFoundationStatic EXPORT ZQFoundationTargets
+install(TARGETS ${ZQ_FORMS} EXPORT ZQFoundationTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
     FRAMEWORK DESTINATION Library/Frameworks COMPONENT runtime
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/" DESTINATION "${ZQ_INSTALL_RESOURCES}" COMPONENT runtime)
+install(FILES LICENSE README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN doxygen EXCLUDE)
 
 install(EXPORT ZQFoundationTargets NAMESPACE ZQFoundation:: DESTINATION "${package_folder}" COMPONENT development)
 configure_package_config_file(cmake/ZQFoundationConfig.cmake.in "${PROJECT_BINARY_DIR}/package/ZQFoundationConfig.cmake"
@@ -30,6 +33,9 @@ set(ZQ_PC_PRIVATE_LIBS "-lpthread -ldl")
 if(APPLE)
     set(ZQ_PC_LIBS "-F\${prefix}/Library/Frameworks -framework ZQFoundation")
     set(ZQ_PC_PRIVATE_LIBS "-liconv")
+endif()
+if(NOT ZQFoundation IN_LIST ZQ_FORMS) # then a program needs what the library needs
+    set(ZQ_PC_LIBS "-L\${libdir} -lZQFoundation ${ZQ_PC_PRIVATE_LIBS}")
 endif()
 file(RELATIVE_PATH ZQ_PREFIX_FROM_PC "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /prefix)
 configure_file(cmake/ZQFoundation.pc.in package/ZQFoundation.pc @ONLY)

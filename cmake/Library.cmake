@@ -16,19 +16,32 @@ list(FILTER ZQ_SOURCES EXCLUDE REGEX "/foundation/system/(${other_systems})[a-z_
 
 find_package(Threads REQUIRED)
 
-# Unnamed namespaces of several sources hold the same names, so a host's wish for unity builds ends here.
+include(CarriedTexts)
+
 add_library(zq_objects OBJECT ${ZQ_SOURCES})
-set_target_properties(zq_objects PROPERTIES
-    UNITY_BUILD OFF
-    POSITION_INDEPENDENT_CODE ON
-    CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON)
-target_include_directories(zq_objects PRIVATE "${ZQ_STAGED_INCLUDE}")
-target_link_libraries(zq_objects PRIVATE zq_flags zq_hardening)
-if(NOT APPLE)
-    # Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined. Elsewhere
-    # they are anyway.
-    target_compile_options(zq_objects PRIVATE -fno-semantic-interposition)
+foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
+    # Unnamed namespaces of several sources hold the same names, so a host's wish for unity builds ends here.
+    set_target_properties(${objects} PROPERTIES
+        UNITY_BUILD OFF
+        POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+    target_include_directories(${objects} PRIVATE "${ZQ_STAGED_INCLUDE}")
+    target_link_libraries(${objects} PRIVATE zq_flags zq_hardening)
+    if(NOT APPLE)
+        # Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined.
+        # Elsewhere they are anyway.
+        target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
+    endif()
+endforeach()
+
+# BUILD_SHARED_LIBS asks for one of the two forms; a build that does not set it has both.
+set(ZQ_FORMS ZQFoundation ZQFoundationStatic)
+if(DEFINED BUILD_SHARED_LIBS)
+    set(ZQ_FORMS ZQFoundation)
+    if(NOT BUILD_SHARED_LIBS)
+        set(ZQ_FORMS ZQFoundationStatic)
+    endif()
 endif()
 
 function(zq_finish_library target output)
@@ -43,8 +56,7 @@ function(zq_finish_library target output)
     endif()
 endfunction()
 
-add_library(ZQFoundation SHARED $<TARGET_OBJECTS:zq_objects>)
-add_library(ZQFoundation::ZQFoundation ALIAS ZQFoundation)
+add_library(ZQFoundation SHARED $<TARGET_OBJECTS:zq_objects> $<TARGET_OBJECTS:zq_no_carried_texts>)
 zq_finish_library(ZQFoundation ZQFoundation)
 set_target_properties(ZQFoundation PROPERTIES
     VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
@@ -85,14 +97,22 @@ else()
     endif()
 endif()
 
-add_library(ZQFoundationStatic STATIC $<TARGET_OBJECTS:zq_objects>)
+add_library(ZQFoundationStatic STATIC $<TARGET_OBJECTS:zq_objects> $<TARGET_OBJECTS:zq_carried_texts>)
 zq_finish_library(ZQFoundationStatic ZQFoundation)
 
+# The other form is there for the tests and tools that want it, and no part of an ordinary build.
+foreach(form ZQFoundation ZQFoundationStatic)
+    if(NOT form IN_LIST ZQ_FORMS)
+        set_target_properties(${form} PROPERTIES EXCLUDE_FROM_ALL ON)
+    endif()
+endforeach()
+list(GET ZQ_FORMS 0 preferred)
+add_library(ZQFoundation::ZQFoundation ALIAS ${preferred})
 add_library(ZQFoundation::Static ALIAS ZQFoundationStatic)
 set_target_properties(ZQFoundationStatic PROPERTIES EXPORT_NAME Static)
 
-# The library's own texts, one folder for each language: beside the library in the build tree and in a host's bundle,
-# in share/ once installed.
+# The texts of the shared library, one folder for each language: beside it in the build tree and in a host's bundle, in
+# share/ once installed.
 set(ZQFoundation_RESOURCES "${PROJECT_SOURCE_DIR}/resources")
 file(CREATE_LINK "${ZQFoundation_RESOURCES}" "${PROJECT_BINARY_DIR}/Resources" SYMBOLIC)
 if(NOT PROJECT_IS_TOP_LEVEL)

@@ -6,11 +6,14 @@ add_library(zq_flags INTERFACE)
 target_compile_options(zq_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(ZQFOUNDATION_WERROR)
     target_compile_options(zq_flags INTERFACE -Werror)
+elseif(NOT PROJECT_IS_TOP_LEVEL)
+    # A host's wish for errors is for its own sources. Other compilers and stricter warnings than ours may find something.
+    target_compile_options(zq_flags INTERFACE -Wno-error)
 endif()
 
 # Sources name headers from the root of the repository. -iquote keeps the folder "version" out of the search
 # for the standard header <version>.
-target_compile_options(zq_flags INTERFACE "SHELL:-iquote \"${PROJECT_SOURCE_DIR}\"")
+target_compile_options(zq_flags INTERFACE "-iquote${PROJECT_SOURCE_DIR}")
 
 # A product and a sum are rounded one after the other. Where processors have one instruction for both, compilers take
 # it otherwise, and the last digit differs from one system to the next.

@@ -9,7 +9,8 @@
 #     Contents/Info.plist
 #     Contents/MacOS/<target>
 #     Contents/Resources/          what RESOURCES holds
-#     Contents/Frameworks/         the library and its texts
+#     Contents/Frameworks/         the library and its texts; empty when the target itself is linked with
+#                                  ZQFoundation::Static, which has its texts inside
 #
 # The program finds its library relative to itself, so the whole folder can be moved. The bundle is complete once
 # the target <target>Bundle, which is part of an ordinary build, is built. That build fails, unless UNCHECKED is
@@ -43,6 +44,39 @@ function(zq_bundle_check target)
         COMMENT "Checking the property lists and string tables of ${target}"
         DEPENDS ${ARGN} ${tool} VERBATIM)
     set(pieces ${pieces} "${checked}" PARENT_SCOPE)
+endfunction()
+
+# Lays the shared library and its texts into the bundle, or removes what an earlier build left of them when the target is
+# linked with the static one, which has its texts inside; sets `copied` of the caller.
+function(zq_bundle_library target contents)
+    set(copied "${CMAKE_CURRENT_BINARY_DIR}/${target}-library-copied")
+    set(copied "${copied}" PARENT_SCOPE)
+    # What a target is linked with may still be added, and where a library is built is known later.
+    set(linked "$<TARGET_PROPERTY:${target},LINK_LIBRARIES>")
+    set(is_static "$<OR:$<IN_LIST:ZQFoundation::Static,${linked}>,$<IN_LIST:ZQFoundationStatic,${linked}>,$<STREQUAL:$<TARGET_PROPERTY:ZQFoundation::ZQFoundation,TYPE>,STATIC_LIBRARY>>")
+    set(file "$<TARGET_FILE:ZQFoundation::ZQFoundation>")
+    set(name ZQFoundation.framework)
+    if(APPLE)
+        # The whole folder, its links as links and its texts inside; the library is in its Versions/<number>.
+        set(framework "$<TARGET_FILE_DIR:ZQFoundation::ZQFoundation>/../../../ZQFoundation.framework")
+        set(commands COMMAND "$<IF:${is_static},true,cp$<SEMICOLON>-R$<SEMICOLON>${framework}$<SEMICOLON>${contents}/Frameworks/>")
+    else()
+        get_target_property(type ZQFoundation::ZQFoundation TYPE)
+        set(name "$<TARGET_FILE_NAME:ZQFoundation::ZQFoundation>")
+        if(NOT type STREQUAL "STATIC_LIBRARY")
+            set(name "$<TARGET_SONAME_FILE_NAME:ZQFoundation::ZQFoundation>")
+        endif()
+        set(commands
+            COMMAND "${CMAKE_COMMAND}" -E "$<IF:${is_static},true,copy$<SEMICOLON>${file}$<SEMICOLON>${contents}/Frameworks/${name}>"
+            COMMAND "${CMAKE_COMMAND}" -E
+                "$<IF:${is_static},true,copy_directory$<SEMICOLON>${ZQFoundation_RESOURCES}$<SEMICOLON>${contents}/Frameworks/Resources>")
+    endif()
+    file(GLOB_RECURSE texts CONFIGURE_DEPENDS "${ZQFoundation_RESOURCES}/*.strings")
+    add_custom_command(OUTPUT "${copied}"
+        COMMAND "${CMAKE_COMMAND}" -E rm -rf "${contents}/Frameworks/${name}" "${contents}/Frameworks/Resources"
+        ${commands}
+        COMMAND "${CMAKE_COMMAND}" -E touch "${copied}"
+        DEPENDS "${file}" ${texts} VERBATIM COMMAND_EXPAND_LISTS)
 endfunction()
 
 function(zq_add_bundle target)
@@ -81,29 +115,7 @@ function(zq_add_bundle target)
     if(NOT bundle_UNCHECKED)
         zq_bundle_check(${target} ${lists})
     endif()
-    set(texts)
-    if(NOT APPLE) # there a framework holds the library and its texts
-        file(GLOB_RECURSE texts CONFIGURE_DEPENDS RELATIVE "${ZQFoundation_RESOURCES}"
-            "${ZQFoundation_RESOURCES}/*.strings")
-    endif()
-    foreach(text IN LISTS texts)
-        zq_bundle_piece("${contents}" "${ZQFoundation_RESOURCES}/${text}" "Frameworks/Resources/${text}")
-    endforeach()
-
-    # A custom command's output cannot name the library's file, which is known when the build files are written.
-    set(copied "${CMAKE_CURRENT_BINARY_DIR}/${target}-library-copied")
-    set(copy_library "${CMAKE_COMMAND}" -E copy "$<TARGET_FILE:ZQFoundation::ZQFoundation>"
-        "${contents}/Frameworks/$<TARGET_SONAME_FILE_NAME:ZQFoundation::ZQFoundation>")
-    if(APPLE)
-        # The whole folder, its links as links; the library stands in its Versions/<number>.
-        set(copy_library "${CMAKE_COMMAND}" -E rm -rf "${contents}/Frameworks/ZQFoundation.framework"
-            COMMAND cp -R "$<TARGET_FILE_DIR:ZQFoundation::ZQFoundation>/../../../ZQFoundation.framework"
-                "${contents}/Frameworks/")
-    endif()
-    add_custom_command(OUTPUT "${copied}"
-        COMMAND ${copy_library}
-        COMMAND "${CMAKE_COMMAND}" -E touch "${copied}"
-        DEPENDS "$<TARGET_FILE:ZQFoundation::ZQFoundation>" VERBATIM)
+    zq_bundle_library(${target} "${contents}")
     add_custom_target(${target}Bundle ALL DEPENDS ${pieces} "${copied}")
     add_dependencies(${target}Bundle ${target})
 endfunction()

@@ -96,9 +96,10 @@ BundleLayout layoutOfLibrary(const std::string& library) {
     if (isFolder(beside)) {
         return {folder, beside + "/Info.plist", beside, folder};
     }
-    // Libraries stand in lib or, by architecture, one folder deeper.
-    std::string shared = folder + "/../share/ZQFoundation";
-    const std::string deeper = folder + "/../../share/ZQFoundation";
+    // Libraries are in lib or, by architecture, one folder deeper. The folder bears the major version, so
+    // that two versions can be installed side by side.
+    std::string shared = folder + "/../share/ZQFoundation-27";
+    const std::string deeper = folder + "/../../share/ZQFoundation-27";
     if (!isFolder(shared) && isFolder(deeper)) {
         shared = deeper;
     }

@@ -29,8 +29,8 @@ BundleLayout layoutOfFolder(const std::string& folder);
 /// name> when that exists; else its own folder, with no Info dictionary. An empty path gives an empty layout.
 BundleLayout layoutOfProgram(const std::string& program, const std::string& processName);
 
-/// The bundle of a library: `Resources` beside it, else share/ZQFoundation of the same installation. An empty
-/// path gives an empty layout.
+/// The bundle of a library: `Resources` beside it, else share/ZQFoundation-27 of the same installation. An
+/// empty path gives an empty layout.
 BundleLayout layoutOfLibrary(const std::string& library);
 
 /// The names of the "*.lproj" folders in a folder, without the extension, in ascending order of their bytes.

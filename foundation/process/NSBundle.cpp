@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "foundation/process/BundleLayout.h"
+#include "foundation/process/CarriedTexts.h"
 #include "foundation/process/FileReading.h"
 #include "foundation/process/LanguageMatching.h"
 #include "foundation/process/NSProcessInfo.h"
@@ -147,9 +148,20 @@ NSString regionOf(BundleRecord& record) {
 // `isKnown` becomes false below when something could not be read at the moment; what follows from that must
 // not be kept.
 
+/// The texts that are inside the program, in place of the files of a library that has no place of its own.
+std::span<const CarriedTable> tablesInside(const BundleRecord& record) noexcept {
+    return record.role == BundleRole::library ? carriedTables() : std::span<const CarriedTable>();
+}
+
 std::vector<std::string> localizationsOf(BundleRecord& record, bool& isKnown) {
-    std::vector<std::string> names =
-        namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
+    std::vector<std::string> names;
+    for (const CarriedTable& table : tablesInside(record)) {
+        names.emplace_back(table.language);
+    }
+    if (!names.empty()) {
+        return names;
+    }
+    names = namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
     for (const std::string& folder : localizedFolders(record.layout.resources, isKnown)) {
         addName(names, textOfPath(folder));
     }
@@ -243,6 +255,33 @@ const StringTable* knownTable(const BundleRecord& record, const std::string& nam
     return table;
 }
 
+NSDictionary textsInside(BundleRecord& record, const std::string& name, bool& isKnown) {
+    if (name == "Localizable") {
+        for (const std::string& language : preferredOf(record, isKnown)) {
+            for (const CarriedTable& table : tablesInside(record)) {
+                if (table.language == language) {
+                    return stringTableFromBytes(std::string(table.bytes));
+                }
+            }
+        }
+    }
+    return NSDictionary::dictionary();
+}
+
+/// The texts of a table as they are now; `isLasting` becomes false when they may be others later.
+NSDictionary readTable(BundleRecord& record, const std::string& name, bool& isLasting) {
+    bool isKnown = true;
+    if (!tablesInside(record).empty()) {
+        const NSDictionary texts = textsInside(record, name, isKnown);
+        isLasting = isKnown;
+        return texts;
+    }
+    const std::string path = pathOfTable(record, name, isKnown);
+    const NSDictionary texts = readDictionary(path, stringTableFromBytes, isLasting);
+    isLasting = isLasting && isKnown;
+    return texts;
+}
+
 NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
     if (const StringTable* table = knownTable(record, name)) {
         return table->texts;
@@ -251,11 +290,9 @@ NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
     if (const StringTable* table = knownTable(record, name)) {
         return table->texts;
     }
-    bool keep = false;
-    bool isKnown = true;
-    const std::string path = pathOfTable(record, name, isKnown);
-    NSDictionary texts = readDictionary(path, stringTableFromBytes, keep);
-    if (keep && isKnown) {
+    bool isLasting = false;
+    NSDictionary texts = readTable(record, name, isLasting);
+    if (isLasting) {
         record.tables.store(new StringTable{name, texts, record.tables.load(std::memory_order_relaxed)},
                             std::memory_order_release);
     }

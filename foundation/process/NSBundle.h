@@ -33,8 +33,9 @@ public:
     /// bundle without any files, whose paths are empty.
     static NSBundle mainBundle();
 
-    /// The library's own bundle: `Resources` beside the library's file, else `../share/ZQFoundation`. Never
-    /// nil; its folder need not exist, then it has no tables.
+    /// The library's own bundle: `Resources` beside the library's file, else `../share/ZQFoundation-27`.
+    /// Never nil; its folder need not exist. Its texts come from that folder, or from the program itself when
+    /// the static library is part of it.
     static NSBundle libraryBundle();
 
     /// The bundle in an existing folder: `Contents/`, `Resources/Info.plist` or a flat one. Nil when there is

@@ -9,6 +9,7 @@
 
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/System.h"
+#include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
 
 using namespace ZQFoundation;
@@ -47,46 +48,55 @@ std::string hexOf(std::uint64_t number) {
     return text;
 }
 
-/// A name of the process for a scope.
-class Name {
-public:
-    explicit Name(const NSString& name) : before_(NSProcessInfo::processInfo().processName()) {
+/// Runs the body in a child, which a process name that a host has set lasts in for good: 0 when all is as
+/// expected.
+template <class Body>
+int inChildNamed(const std::string& name, const Body& body) {
+    return kit::inChild([&] {
         NSProcessInfo::processInfo().setProcessName(name);
-    }
-    Name(const Name&) = delete;
-    Name& operator=(const Name&) = delete;
-    ~Name() { NSProcessInfo::processInfo().setProcessName(before_); }
-
-private:
-    NSString before_;
-};
+        body();
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+}
 
 constexpr Instant moment{1709647629, 42000000};
 
 TEST(LinePrefix, isDateNameProcessAndThread) {
     const kit::TimeZone zone("UTC0");
-    const Name name("MyApp");
-    EXPECT_EQ(plain({processIdentity(), moment}), "2024-03-05 14:07:09.042 MyApp[" +
-                                                      std::to_string(detail::system::processIdentifier()) +
-                                                      ":" + hexOf(detail::system::threadIdentifier()) + "] ");
+    EXPECT_EQ(inChildNamed("MyApp",
+                           [] {
+                               EXPECT_EQ(plain({processIdentity(), moment}),
+                                         "2024-03-05 14:07:09.042 MyApp[" +
+                                             std::to_string(detail::system::processIdentifier()) + ":" +
+                                             hexOf(detail::system::threadIdentifier()) + "] ");
+                           }),
+              0);
 }
 
 TEST(KeptLinePrefixes, areThoseThatWouldBeMadeAnew) {
     KeptLinePrefixes prefixes;
     const std::vector<std::int64_t> seconds{moment.seconds,     moment.seconds, moment.seconds + 1,
                                             moment.seconds + 1, moment.seconds, -62135596801};
-    for (const std::string& nameText : {std::string("a"), std::string("MyApp"), std::string(300, 'n')}) {
-        const Name name(nameText);
+    const auto expectSame = [&] {
         for (const char* const zoneName : {"UTC0", "AAA-3"}) {
             const kit::TimeZone zone(zoneName);
             for (const std::int64_t second : seconds) {
                 for (const std::int32_t millisecond : {0, 7, 42, 999}) {
                     const LinePrefix prefix{processIdentity(), {second, millisecond * 1000000}};
-                    EXPECT_EQ(kept(prefixes, prefix), plain(prefix)) << nameText << ' ' << zoneName;
+                    EXPECT_EQ(kept(prefixes, prefix), plain(prefix)) << zoneName;
                 }
             }
         }
-    }
+    };
+    EXPECT_EQ(
+        kit::inChild([&] {
+            for (const std::string& name : {std::string("a"), std::string("MyApp"), std::string(300, 'n')}) {
+                NSProcessInfo::processInfo().setProcessName(name);
+                expectSame();
+            }
+            return ::testing::Test::HasFailure() ? 1 : 0;
+        }),
+        0);
 }
 
 TEST(KeptLinePrefixes, areOfTheirThread) {

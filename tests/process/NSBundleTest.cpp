@@ -218,14 +218,14 @@ TEST(BundleLayout, libraryBundleStandsBesideTheLibraryOrInShare) {
     folder.makeFolder("V.app/Contents/Frameworks/Resources");
     EXPECT_EQ(detail::layoutOfLibrary(folder / "V.app/Contents/Frameworks/libZ.so").resources,
               folder / "V.app/Contents/Frameworks/Resources");
-    folder.makeFolder("usr/share/ZQFoundation");
+    folder.makeFolder("usr/share/ZQFoundation-27");
     folder.makeFolder("usr/lib/x86");
     EXPECT_EQ(detail::layoutOfLibrary(folder / "usr/lib/libZ.so").resources,
-              folder / "usr/lib/../share/ZQFoundation");
+              folder / "usr/lib/../share/ZQFoundation-27");
     EXPECT_EQ(detail::layoutOfLibrary(folder / "usr/lib/x86/libZ.so").resources,
-              folder / "usr/lib/x86/../../share/ZQFoundation");
+              folder / "usr/lib/x86/../../share/ZQFoundation-27");
     EXPECT_EQ(detail::layoutOfLibrary(folder / "opt/libZ.so").resources,
-              folder / "opt/../share/ZQFoundation");
+              folder / "opt/../share/ZQFoundation-27");
 }
 
 TEST(BundleLayout, libraryBundleIsNeverNilAndItsTablesMayBeMissing) {

@@ -298,8 +298,9 @@ std::string pathOfProgram(const char* name) {
 /// where it stands, and the library's bundle.
 std::string factsOf(const std::string& path, const std::string& name, int times = 1) {
     const std::string line = name + " <" + path + "> <-TraceArguments> <YES> <a b> <> YES\n";
-    const std::string library =
-        name == programs[0] ? ZQ_TEST_BINARY_DIR "/tests/process/../share/ZQFoundation" : ZQ_TEST_BINARY_DIR;
+    const std::string library = name == programs[0] ? ZQ_TEST_BINARY_DIR
+                                    "/tests/process/../share/ZQFoundation-27"
+                                                    : ZQ_TEST_BINARY_DIR;
     return (times == 2 ? line + line : line) + path + "\n" + library + "\n";
 }
 
