@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down besides headers and tools: the libraries, their texts, what makes both
-# found by find_package(ZQFoundation 27) and by pkg-config, and what shows the values in gdb. The files name no absolute path, so the installed tree
-# can be moved as a whole.
+# What `cmake --install` lays down besides the tools: the libraries, their headers, texts and documents, what makes them
+# found by find_package(ZQFoundation 27) and by pkg-config, and what shows the values in gdb. The files name no absolute
+# path, so the installed tree can be moved as a whole.
 
 include(CMakePackageConfigHelpers)
 
@@ -27,6 +27,14 @@ install(FILES
     "${PROJECT_BINARY_DIR}/package/ZQFoundationConfigVersion.cmake"
     "${PROJECT_SOURCE_DIR}/cmake/ZQFoundationBundle.cmake"
     DESTINATION "${package_folder}" COMPONENT development)
+
+install(FILES "${ZQ_UMBRELLA}" ${ZQ_EXTRA_HEADERS} DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation"
+    COMPONENT development)
+foreach(header IN LISTS ZQ_PUBLIC_HEADERS)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation/${folder}"
+        COMPONENT development)
+endforeach()
 
 set(ZQ_PC_LIBS "-L\${libdir} -lZQFoundation")
 set(ZQ_PC_PRIVATE_LIBS "-lpthread -ldl")

@@ -20,9 +20,11 @@ include(CarriedTexts)
 
 add_library(zq_objects OBJECT ${ZQ_SOURCES})
 foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
-    # Unnamed namespaces of several sources hold the same names, so a host's wish for unity builds ends here.
+    # Unnamed namespaces of several sources hold the same names, so a host's wish for unity builds ends here,
+    # and its wish for errors too, which is for its own sources.
     set_target_properties(${objects} PROPERTIES
         UNITY_BUILD OFF
+        COMPILE_WARNING_AS_ERROR OFF
         POSITION_INDEPENDENT_CODE ON
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON)

@@ -31,10 +31,3 @@ foreach(entry ${ZQ_TOP_HEADERS} ${ZQ_HEADER_FOLDERS})
 endforeach()
 
 set(ZQ_INSTALL_INCLUDE "${CMAKE_INSTALL_INCLUDEDIR}/ZQFoundation-${PROJECT_VERSION_MAJOR}")
-install(FILES "${ZQ_UMBRELLA}" ${ZQ_EXTRA_HEADERS} DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation"
-    COMPONENT development)
-foreach(header IN LISTS ZQ_PUBLIC_HEADERS)
-    cmake_path(GET header PARENT_PATH folder)
-    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${ZQ_INSTALL_INCLUDE}/ZQFoundation/${folder}"
-        COMPONENT development)
-endforeach()

@@ -20,7 +20,7 @@ inline bool writeWhole(int descriptor, const char* bytes, std::size_t count) noe
         if (written > 0) {
             bytes += written;
             count -= static_cast<std::size_t>(written);
-        } else if (written < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+        } else if (written < 0 && errno == EAGAIN) {
             pollfd room{descriptor, POLLOUT, 0};
             if (::poll(&room, 1, -1) < 0 && errno != EINTR) {
                 return false;
