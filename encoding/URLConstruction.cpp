@@ -39,8 +39,8 @@ void appendPart(detail::TextBuilder& text, StringView mark, StringView part) {
 } // namespace
 
 NSURL NSURL::URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
-    StringView scheme, StringView authority, StringView path, bool encodePath, StringView query,
-    bool encodeQuery, StringView fragment) {
+    StringView scheme, StringView authority, StringView path, detail::Flag encodePath, StringView query,
+    detail::Flag encodeQuery, StringView fragment) {
     if (isEmpty(scheme) || !pathFits(path, !isEmpty(authority))) {
         return {};
     }

@@ -56,7 +56,7 @@ NSNumber NSNumber::numberByIncrementing() const noexcept { return stepped(*this,
 NSNumber NSNumber::numberByDecrementing() const noexcept { return stepped(*this, ~0U); }
 
 NSString NSNumber::durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
-                                                                    bool suppressZeroes) const {
+                                                                    detail::Flag suppressZeroes) const {
     if (!*this || intValue() < 0) {
         return *this ? NSString("") : NSString();
     }

@@ -39,7 +39,7 @@ bool NSString::containsString(StringView other) const {
     return rangeOfString_options(other, NSLiteralSearch).length != 0;
 }
 
-bool NSString::containsString_caseInsensitiveSearch(StringView other, bool caseInsensitive) const {
+bool NSString::containsString_caseInsensitiveSearch(StringView other, detail::Flag caseInsensitive) const {
     const unsigned options = caseInsensitive ? NSLiteralSearch | NSCaseInsensitiveSearch : NSLiteralSearch;
     return rangeOfString_options(other, options).length != 0;
 }

@@ -131,7 +131,7 @@ NSString ZQLog::standardLogFilePath() {
     return folder.stringByAppendingPathComponent(standardNewLogFileNameForLoggingToFolder(folder));
 }
 
-bool ZQLog::setLogFilePath_createFolder(const NSString& path, bool createFolder) {
+bool ZQLog::setLogFilePath_createFolder(const NSString& path, detail::Flag createFolder) {
     if (!path || path.isEmpty()) {
         return false;
     }

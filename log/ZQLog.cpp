@@ -30,13 +30,13 @@ constinit std::atomic<const NSDateFormatter*> shortFormatter{nullptr};
 
 } // namespace
 
-void ZQLog::logAlways_log(bool logAlways, StringView text) {
+void ZQLog::logAlways_log(detail::Flag logAlways, StringView text) {
     if (detail::passesGates(logAlways, text)) {
         detail::writeLine(text);
     }
 }
 
-NSString ZQLog::logAlways_logString(bool logAlways, const NSString& text) {
+NSString ZQLog::logAlways_logString(detail::Flag logAlways, const NSString& text) {
     return logAlways ? text : NSString();
 }
 

@@ -29,14 +29,14 @@ public:
     ZQLog() = delete;
 
     /// Writes the text as one line, unchanged: a "%" in it is a "%". Nil or a flag of NO writes nothing.
-    static void logAlways_log(bool logAlways, StringView text);
+    static void logAlways_log(detail::Flag logAlways, StringView text);
 
     /// The very text passed in; nil if the flag is NO.
-    static NSString logAlways_logString(bool logAlways, const NSString& text);
+    static NSString logAlways_logString(detail::Flag logAlways, const NSString& text);
 
     /// A string of the text passed in; nil if the flag is NO.
     template <detail::PlainText T>
-    static NSString logAlways_logString(bool logAlways, const T& text) {
+    static NSString logAlways_logString(detail::Flag logAlways, const T& text) {
         return logAlways ? detail::returnedText(text) : NSString();
     }
 
@@ -109,7 +109,7 @@ public:
     ///
     /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used, and a
     /// new file has the mode 0600.
-    [[nodiscard]] static bool setLogFilePath_createFolder(const NSString& path, bool createFolder);
+    [[nodiscard]] static bool setLogFilePath_createFolder(const NSString& path, detail::Flag createFolder);
 
     /// As `setLogFilePath_createFolder`, without a check, a message or a result. Descriptor 2 as it first was
     /// is kept aside. If the file cannot be opened, lines are lost from then on: descriptor 2 is parked on

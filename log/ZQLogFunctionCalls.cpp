@@ -9,105 +9,108 @@ namespace ZQFoundation {
 using detail::CallerReference;
 using detail::TraceCondition;
 
-void ZQLogFunctionCalls::logFunctionName_logAlways_log(const char* functionName, bool logAlways,
+void ZQLogFunctionCalls::logFunctionName_logAlways_log(const char* functionName, detail::Flag logAlways,
                                                        StringView text) {
     detail::logText(CallerReference::ofFunction(functionName), logAlways, text);
 }
 
-NSString ZQLogFunctionCalls::logFunctionName_logAlways_logString(const char* functionName, bool logAlways,
-                                                                 StringView text) {
+NSString ZQLogFunctionCalls::logFunctionName_logAlways_logString(const char* functionName,
+                                                                 detail::Flag logAlways, StringView text) {
     return detail::logTextString(CallerReference::ofFunction(functionName), logAlways, text);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringWithFormatv_arguments(
-    const char* functionName, bool logAlways, StringView format, ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::none(), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName,
-                                                                            bool logAlways, StringView format,
+                                                                            detail::Flag logAlways,
+                                                                            StringView format,
                                                                             ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::none(), format,
                        arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_usingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView key, StringView format,
+    ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::key(key), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView key, StringView format,
+    ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::key(key), format,
                        arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
+    const char* functionName, detail::Flag logAlways, StringView key, std::int64_t value, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::value(key, value), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
+    const char* functionName, detail::Flag logAlways, StringView key, std::int64_t value, StringView format,
     ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways,
                        TraceCondition::value(key, value), format, arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
-    ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView key, std::int64_t threshold,
+    StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::threshold(key, threshold), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
-    ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView key, std::int64_t threshold,
+    StringView format, ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways,
                        TraceCondition::threshold(key, threshold), format, arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
-    const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+    const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::anyOf(keys), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
-    const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+    const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::anyOf(keys),
                        format, arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
-    const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+    const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::allOf(keys), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
-    const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+    const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::allOf(keys),
                        format, arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView format, ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
                                     TraceCondition::anyKey(), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
-    const char* functionName, bool logAlways, StringView format, ArgumentList arguments) {
+    const char* functionName, detail::Flag logAlways, StringView format, ArgumentList arguments) {
     detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::anyKey(), format,
                        arguments);
 }

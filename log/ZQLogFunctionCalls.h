@@ -16,16 +16,17 @@ namespace ZQFoundation {
 class ZQFOUNDATION_EXPORT ZQLogFunctionCalls {
 public:
     /// Writes the line "caller text". A flag of NO or a nil text writes nothing.
-    static void logFunctionName_logAlways_log(const char* functionName, bool logAlways, StringView text);
+    static void logFunctionName_logAlways_log(const char* functionName, detail::Flag logAlways,
+                                              StringView text);
 
     /// Returns the line "caller text"; nil for a flag of NO and for a nil text. Writes nothing.
-    static NSString logFunctionName_logAlways_logString(const char* functionName, bool logAlways,
+    static NSString logFunctionName_logAlways_logString(const char* functionName, detail::Flag logAlways,
                                                         StringView text);
 
     /// Writes the line "caller message".
     template <class... Arguments>
     static void
-    logFunctionName_logAlways_logWithFormat(const char* functionName, bool logAlways,
+    logFunctionName_logAlways_logWithFormat(const char* functionName, detail::Flag logAlways,
                                             FormatString<std::type_identity_t<Arguments>...> format,
                                             const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -35,13 +36,14 @@ public:
         }
     }
     /// With a started argument list: writes the line "caller message".
-    static void logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName, bool logAlways,
-                                                                   StringView format, ArgumentList arguments);
+    static void logFunctionName_logAlways_logWithFormatv_arguments(const char* functionName,
+                                                                   detail::Flag logAlways, StringView format,
+                                                                   ArgumentList arguments);
 
     /// Returns the line "caller message", else nil; writes nothing.
     template <class... Arguments>
     static NSString
-    logFunctionName_logAlways_logStringWithFormat(const char* functionName, bool logAlways,
+    logFunctionName_logAlways_logStringWithFormat(const char* functionName, detail::Flag logAlways,
                                                   FormatString<std::type_identity_t<Arguments>...> format,
                                                   const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -53,14 +55,14 @@ public:
     }
     /// With a started argument list: returns the line "caller message", else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringWithFormatv_arguments(const char* functionName,
-                                                                             bool logAlways,
+                                                                             detail::Flag logAlways,
                                                                              StringView format,
                                                                              ArgumentList arguments);
 
     /// Writes the line "key: caller message" while the trace key is on.
     template <class... Arguments>
     static void logFunctionName_logAlways_logForTraceKey_usingFormat(
-        const char* functionName, bool logAlways, StringView key,
+        const char* functionName, detail::Flag logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -69,13 +71,16 @@ public:
         }
     }
     /// With a started argument list: writes the line "key: caller message" while the trace key is on.
-    static void logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments);
+    static void logFunctionName_logAlways_logForTraceKey_usingFormatv_arguments(const char* functionName,
+                                                                                detail::Flag logAlways,
+                                                                                StringView key,
+                                                                                StringView format,
+                                                                                ArgumentList arguments);
 
     /// Returns the line "key: caller message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForTraceKey_usingFormat(
-        const char* functionName, bool logAlways, StringView key,
+        const char* functionName, detail::Flag logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -87,13 +92,14 @@ public:
     /// With a started argument list: returns the line "key: caller message" while the trace key is on, else
     /// nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForTraceKey_usingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView key, StringView format, ArgumentList arguments);
+        const char* functionName, detail::Flag logAlways, StringView key, StringView format,
+        ArgumentList arguments);
 
     /// Writes the line "key=value: caller message" while the key's level equals the value (a missing key has
     /// level 0).
     template <class... Arguments>
     static void logFunctionName_logAlways_logForTraceKey_value_usingFormat(
-        const char* functionName, bool logAlways, StringView key, std::int64_t value,
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -104,14 +110,14 @@ public:
     /// With a started argument list: writes the line "key=value: caller message" while the key's level equals
     /// the value (a missing key has level 0).
     static void logFunctionName_logAlways_logForTraceKey_value_usingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
-        ArgumentList arguments);
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t value,
+        StringView format, ArgumentList arguments);
 
     /// Returns the line "key=value: caller message" while the key's level equals the value (a missing key has
     /// level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForTraceKey_value_usingFormat(
-        const char* functionName, bool logAlways, StringView key, std::int64_t value,
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -123,14 +129,14 @@ public:
     /// With a started argument list: returns the line "key=value: caller message" while the key's level
     /// equals the value (a missing key has level 0), else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView key, std::int64_t value, StringView format,
-        ArgumentList arguments);
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t value,
+        StringView format, ArgumentList arguments);
 
     /// Writes the line "key>=threshold: caller message" while the key's level is at least the threshold (a
     /// missing key has level 0).
     template <class... Arguments>
     static void logFunctionName_logAlways_logForTraceKey_threshold_usingFormat(
-        const char* functionName, bool logAlways, StringView key, std::int64_t threshold,
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -141,14 +147,14 @@ public:
     /// With a started argument list: writes the line "key>=threshold: caller message" while the key's level
     /// is at least the threshold (a missing key has level 0).
     static void logFunctionName_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
-        ArgumentList arguments);
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t threshold,
+        StringView format, ArgumentList arguments);
 
     /// Returns the line "key>=threshold: caller message" while the key's level is at least the threshold (a
     /// missing key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormat(
-        const char* functionName, bool logAlways, StringView key, std::int64_t threshold,
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -160,13 +166,13 @@ public:
     /// With a started argument list: returns the line "key>=threshold: caller message" while the key's level
     /// is at least the threshold (a missing key has level 0), else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView key, std::int64_t threshold, StringView format,
-        ArgumentList arguments);
+        const char* functionName, detail::Flag logAlways, StringView key, std::int64_t threshold,
+        StringView format, ArgumentList arguments);
 
     /// Writes the line "A/B: caller message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormat(
-        const char* functionName, bool logAlways, const NSArray& keys,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -177,7 +183,7 @@ public:
     /// With a started argument list: writes the line "A/B: caller message" while one of the keys is on (A and
     /// B are those that are).
     static void logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(const char* functionName,
-                                                                                     bool logAlways,
+                                                                                     detail::Flag logAlways,
                                                                                      const NSArray& keys,
                                                                                      StringView format,
                                                                                      ArgumentList arguments);
@@ -186,7 +192,7 @@ public:
     /// nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormat(
-        const char* functionName, bool logAlways, const NSArray& keys,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -198,13 +204,13 @@ public:
     /// With a started argument list: returns the line "A/B: caller message" while one of the keys is on (A
     /// and B are those that are), else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
-        const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
     /// Writes the line "A+B: caller message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void logFunctionName_logAlways_logForAllTraceKeysOf_usingFormat(
-        const char* functionName, bool logAlways, const NSArray& keys,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -215,14 +221,14 @@ public:
     /// With a started argument list: writes the line "A+B: caller message" while all of the keys are on, of
     /// which there must be one.
     static void logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
-        const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
     /// Returns the line "A+B: caller message" while all of the keys are on, of which there must be one, else
     /// nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormat(
-        const char* functionName, bool logAlways, const NSArray& keys,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -234,14 +240,14 @@ public:
     /// With a started argument list: returns the line "A+B: caller message" while all of the keys are on, of
     /// which there must be one, else nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
-        const char* functionName, bool logAlways, const NSArray& keys, StringView format,
+        const char* functionName, detail::Flag logAlways, const NSArray& keys, StringView format,
         ArgumentList arguments);
 
     /// Writes the line "Trace: caller message" while any trace key is on.
     template <class... Arguments>
     static void logFunctionName_logAlways_logForAnyTraceKeyUsingFormat(
-        const char* functionName, bool logAlways, FormatString<std::type_identity_t<Arguments>...> format,
-        const Arguments&... arguments) {
+        const char* functionName, detail::Flag logAlways,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(functionName, logAlways,
@@ -250,15 +256,15 @@ public:
     }
     /// With a started argument list: writes the line "Trace: caller message" while any trace key is on.
     static void logFunctionName_logAlways_logForAnyTraceKeyUsingFormatv_arguments(const char* functionName,
-                                                                                  bool logAlways,
+                                                                                  detail::Flag logAlways,
                                                                                   StringView format,
                                                                                   ArgumentList arguments);
 
     /// Returns the line "Trace: caller message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormat(
-        const char* functionName, bool logAlways, FormatString<std::type_identity_t<Arguments>...> format,
-        const Arguments&... arguments) {
+        const char* functionName, detail::Flag logAlways,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
@@ -269,7 +275,7 @@ public:
     /// With a started argument list: returns the line "Trace: caller message" while any trace key is on, else
     /// nil; writes nothing.
     static NSString logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
-        const char* functionName, bool logAlways, StringView format, ArgumentList arguments);
+        const char* functionName, detail::Flag logAlways, StringView format, ArgumentList arguments);
 };
 
 } // namespace ZQFoundation

@@ -9,24 +9,28 @@ namespace ZQFoundation {
 using detail::CallerReference;
 using detail::TraceCondition;
 
-void ZQLogMethodCalls::logSelf_method_logAlways_log(const LogCaller& self, StringView method, bool logAlways,
-                                                    StringView text) {
+void ZQLogMethodCalls::logSelf_method_logAlways_log(const LogCaller& self, StringView method,
+                                                    detail::Flag logAlways, StringView text) {
     detail::logText(CallerReference::ofMethod(self, method), logAlways, text);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logString(const LogCaller& self, StringView method,
-                                                              bool logAlways, StringView text) {
+                                                              detail::Flag logAlways, StringView text) {
     return detail::logTextString(CallerReference::ofMethod(self, method), logAlways, text);
 }
 
-NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringWithFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments) {
+NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringWithFormatv_arguments(const LogCaller& self,
+                                                                                   StringView method,
+                                                                                   detail::Flag logAlways,
+                                                                                   StringView format,
+                                                                                   ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::none(), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logWithFormatv_arguments(const LogCaller& self,
-                                                                         StringView method, bool logAlways,
+                                                                         StringView method,
+                                                                         detail::Flag logAlways,
                                                                          StringView format,
                                                                          ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::none(), format,
@@ -34,83 +38,85 @@ void ZQLogMethodCalls::logSelf_method_logAlways_logWithFormatv_arguments(const L
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView key, StringView format,
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::key(key), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView key, StringView format,
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, StringView format,
     ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::key(key), format,
                        arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
     StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::value(key, value), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
     StringView format, ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::value(key, value),
                        format, arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t threshold,
     StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::threshold(key, threshold), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t threshold,
     StringView format, ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways,
                        TraceCondition::threshold(key, threshold), format, arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
+    const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::anyOf(keys), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
+    const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::anyOf(keys),
                        format, arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
+    const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::allOf(keys), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
+    const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::allOf(keys),
                        format, arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments) {
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView format,
+    ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
                                     TraceCondition::anyKey(), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
-    const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments) {
+    const LogCaller& self, StringView method, detail::Flag logAlways, StringView format,
+    ArgumentList arguments) {
     detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::anyKey(), format,
                        arguments);
 }

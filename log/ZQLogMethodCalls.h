@@ -17,17 +17,17 @@ namespace ZQFoundation {
 class ZQFOUNDATION_EXPORT ZQLogMethodCalls {
 public:
     /// Writes the line "caller text". A flag of NO or a nil text writes nothing.
-    static void logSelf_method_logAlways_log(const LogCaller& self, StringView method, bool logAlways,
+    static void logSelf_method_logAlways_log(const LogCaller& self, StringView method, detail::Flag logAlways,
                                              StringView text);
 
     /// Returns the line "caller text"; nil for a flag of NO and for a nil text. Writes nothing.
     static NSString logSelf_method_logAlways_logString(const LogCaller& self, StringView method,
-                                                       bool logAlways, StringView text);
+                                                       detail::Flag logAlways, StringView text);
 
     /// Writes the line "caller message".
     template <class... Arguments>
     static void
-    logSelf_method_logAlways_logWithFormat(const LogCaller& self, StringView method, bool logAlways,
+    logSelf_method_logAlways_logWithFormat(const LogCaller& self, StringView method, detail::Flag logAlways,
                                            FormatString<std::type_identity_t<Arguments>...> format,
                                            const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -38,15 +38,14 @@ public:
     }
     /// With a started argument list: writes the line "caller message".
     static void logSelf_method_logAlways_logWithFormatv_arguments(const LogCaller& self, StringView method,
-                                                                  bool logAlways, StringView format,
+                                                                  detail::Flag logAlways, StringView format,
                                                                   ArgumentList arguments);
 
     /// Returns the line "caller message", else nil; writes nothing.
     template <class... Arguments>
-    static NSString
-    logSelf_method_logAlways_logStringWithFormat(const LogCaller& self, StringView method, bool logAlways,
-                                                 FormatString<std::type_identity_t<Arguments>...> format,
-                                                 const Arguments&... arguments) {
+    static NSString logSelf_method_logAlways_logStringWithFormat(
+        const LogCaller& self, StringView method, detail::Flag logAlways,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringWithFormatv_arguments(self, method, logAlways,
@@ -56,14 +55,15 @@ public:
     }
     /// With a started argument list: returns the line "caller message", else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringWithFormatv_arguments(const LogCaller& self,
-                                                                            StringView method, bool logAlways,
+                                                                            StringView method,
+                                                                            detail::Flag logAlways,
                                                                             StringView format,
                                                                             ArgumentList arguments);
 
     /// Writes the line "key: caller message" while the trace key is on.
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, StringView key,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -72,16 +72,15 @@ public:
         }
     }
     /// With a started argument list: writes the line "key: caller message" while the trace key is on.
-    static void logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(const LogCaller& self,
-                                                                               StringView method,
-                                                                               bool logAlways, StringView key,
-                                                                               StringView format,
-                                                                               ArgumentList arguments);
+    static void
+    logSelf_method_logAlways_logForTraceKey_usingFormatv_arguments(const LogCaller& self, StringView method,
+                                                                   detail::Flag logAlways, StringView key,
+                                                                   StringView format, ArgumentList arguments);
 
     /// Returns the line "key: caller message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, StringView key,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -93,14 +92,14 @@ public:
     /// With a started argument list: returns the line "key: caller message" while the trace key is on, else
     /// nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForTraceKey_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, StringView format,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, StringView format,
         ArgumentList arguments);
 
     /// Writes the line "key=value: caller message" while the key's level equals the value (a missing key has
     /// level 0).
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_value_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -111,14 +110,14 @@ public:
     /// With a started argument list: writes the line "key=value: caller message" while the key's level equals
     /// the value (a missing key has level 0).
     static void logSelf_method_logAlways_logForTraceKey_value_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
         StringView format, ArgumentList arguments);
 
     /// Returns the line "key=value: caller message" while the key's level equals the value (a missing key has
     /// level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -130,15 +129,16 @@ public:
     /// With a started argument list: returns the line "key=value: caller message" while the key's level
     /// equals the value (a missing key has level 0), else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForTraceKey_value_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t value,
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
         StringView format, ArgumentList arguments);
 
     /// Writes the line "key>=threshold: caller message" while the key's level is at least the threshold (a
     /// missing key has level 0).
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_threshold_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
-        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
+        std::int64_t threshold, FormatString<std::type_identity_t<Arguments>...> format,
+        const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
@@ -148,15 +148,16 @@ public:
     /// With a started argument list: writes the line "key>=threshold: caller message" while the key's level
     /// is at least the threshold (a missing key has level 0).
     static void logSelf_method_logAlways_logForTraceKey_threshold_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
-        StringView format, ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
+        std::int64_t threshold, StringView format, ArgumentList arguments);
 
     /// Returns the line "key>=threshold: caller message" while the key's level is at least the threshold (a
     /// missing key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
-        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
+        std::int64_t threshold, FormatString<std::type_identity_t<Arguments>...> format,
+        const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
@@ -167,13 +168,13 @@ public:
     /// With a started argument list: returns the line "key>=threshold: caller message" while the key's level
     /// is at least the threshold (a missing key has level 0), else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView key, std::int64_t threshold,
-        StringView format, ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
+        std::int64_t threshold, StringView format, ArgumentList arguments);
 
     /// Writes the line "A/B: caller message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -184,14 +185,14 @@ public:
     /// With a started argument list: writes the line "A/B: caller message" while one of the keys is on (A and
     /// B are those that are).
     static void logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
-        ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
+        StringView format, ArgumentList arguments);
 
     /// Returns the line "A/B: caller message" while one of the keys is on (A and B are those that are), else
     /// nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -203,13 +204,13 @@ public:
     /// With a started argument list: returns the line "A/B: caller message" while one of the keys is on (A
     /// and B are those that are), else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
-        ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
+        StringView format, ArgumentList arguments);
 
     /// Writes the line "A+B: caller message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAllTraceKeysOf_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -220,14 +221,14 @@ public:
     /// With a started argument list: writes the line "A+B: caller message" while all of the keys are on, of
     /// which there must be one.
     static void logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
-        ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
+        StringView format, ArgumentList arguments);
 
     /// Returns the line "A+B: caller message" while all of the keys are on, of which there must be one, else
     /// nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys,
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -239,13 +240,13 @@ public:
     /// With a started argument list: returns the line "A+B: caller message" while all of the keys are on, of
     /// which there must be one, else nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
-        ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
+        StringView format, ArgumentList arguments);
 
     /// Writes the line "Trace: caller message" while any trace key is on.
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormat(
-        const LogCaller& self, StringView method, bool logAlways,
+        const LogCaller& self, StringView method, detail::Flag logAlways,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -254,13 +255,16 @@ public:
         }
     }
     /// With a started argument list: writes the line "Trace: caller message" while any trace key is on.
-    static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments);
+    static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormatv_arguments(const LogCaller& self,
+                                                                                 StringView method,
+                                                                                 detail::Flag logAlways,
+                                                                                 StringView format,
+                                                                                 ArgumentList arguments);
 
     /// Returns the line "Trace: caller message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(
-        const LogCaller& self, StringView method, bool logAlways,
+        const LogCaller& self, StringView method, detail::Flag logAlways,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -272,7 +276,8 @@ public:
     /// With a started argument list: returns the line "Trace: caller message" while any trace key is on, else
     /// nil; writes nothing.
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(
-        const LogCaller& self, StringView method, bool logAlways, StringView format, ArgumentList arguments);
+        const LogCaller& self, StringView method, detail::Flag logAlways, StringView format,
+        ArgumentList arguments);
 };
 
 } // namespace ZQFoundation

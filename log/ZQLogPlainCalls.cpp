@@ -9,18 +9,18 @@ namespace ZQFoundation {
 using detail::CallerReference;
 using detail::TraceCondition;
 
-NSString ZQLogPlainCalls::logAlways_logStringWithFormatv_arguments(bool logAlways, StringView format,
+NSString ZQLogPlainCalls::logAlways_logStringWithFormatv_arguments(detail::Flag logAlways, StringView format,
                                                                    ArgumentList arguments) {
     return detail::logMessageString(CallerReference::none(), logAlways, TraceCondition::none(), format,
                                     arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logWithFormatv_arguments(bool logAlways, StringView format,
+void ZQLogPlainCalls::logAlways_logWithFormatv_arguments(detail::Flag logAlways, StringView format,
                                                          ArgumentList arguments) {
     detail::logMessage(CallerReference::none(), logAlways, TraceCondition::none(), format, arguments);
 }
 
-NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormatv_arguments(bool logAlways,
+NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormatv_arguments(detail::Flag logAlways,
                                                                                 StringView key,
                                                                                 StringView format,
                                                                                 ArgumentList arguments) {
@@ -28,39 +28,41 @@ NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_usingFormatv_arguments(
                                     arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
+void ZQLogPlainCalls::logAlways_logForTraceKey_usingFormatv_arguments(detail::Flag logAlways, StringView key,
                                                                       StringView format,
                                                                       ArgumentList arguments) {
     detail::logMessage(CallerReference::none(), logAlways, TraceCondition::key(key), format, arguments);
 }
 
 NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_value_usingFormatv_arguments(
-    bool logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments) {
+    detail::Flag logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::none(), logAlways, TraceCondition::value(key, value),
                                     format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormatv_arguments(bool logAlways, StringView key,
-                                                                            std::int64_t value,
-                                                                            StringView format,
-                                                                            ArgumentList arguments) {
+void ZQLogPlainCalls::logAlways_logForTraceKey_value_usingFormatv_arguments(
+    detail::Flag logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments) {
     detail::logMessage(CallerReference::none(), logAlways, TraceCondition::value(key, value), format,
                        arguments);
 }
 
 NSString ZQLogPlainCalls::logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
-    bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments) {
+    detail::Flag logAlways, StringView key, std::int64_t threshold, StringView format,
+    ArgumentList arguments) {
     return detail::logMessageString(CallerReference::none(), logAlways,
                                     TraceCondition::threshold(key, threshold), format, arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormatv_arguments(
-    bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments) {
+void ZQLogPlainCalls::logAlways_logForTraceKey_threshold_usingFormatv_arguments(detail::Flag logAlways,
+                                                                                StringView key,
+                                                                                std::int64_t threshold,
+                                                                                StringView format,
+                                                                                ArgumentList arguments) {
     detail::logMessage(CallerReference::none(), logAlways, TraceCondition::threshold(key, threshold), format,
                        arguments);
 }
 
-NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
+NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(detail::Flag logAlways,
                                                                                      const NSArray& keys,
                                                                                      StringView format,
                                                                                      ArgumentList arguments) {
@@ -68,7 +70,7 @@ NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormatv_argum
                                     arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
+void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(detail::Flag logAlways,
                                                                            const NSArray& keys,
                                                                            StringView format,
                                                                            ArgumentList arguments) {
@@ -76,26 +78,27 @@ void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool 
 }
 
 NSString ZQLogPlainCalls::logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
-    bool logAlways, const NSArray& keys, StringView format, ArgumentList arguments) {
+    detail::Flag logAlways, const NSArray& keys, StringView format, ArgumentList arguments) {
     return detail::logMessageString(CallerReference::none(), logAlways, TraceCondition::allOf(keys), format,
                                     arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
+void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(detail::Flag logAlways,
                                                                             const NSArray& keys,
                                                                             StringView format,
                                                                             ArgumentList arguments) {
     detail::logMessage(CallerReference::none(), logAlways, TraceCondition::allOf(keys), format, arguments);
 }
 
-NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(bool logAlways,
+NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(detail::Flag logAlways,
                                                                                   StringView format,
                                                                                   ArgumentList arguments) {
     return detail::logMessageString(CallerReference::none(), logAlways, TraceCondition::anyKey(), format,
                                     arguments);
 }
 
-void ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
+void ZQLogPlainCalls::logAlways_logForAnyTraceKeyUsingFormatv_arguments(detail::Flag logAlways,
+                                                                        StringView format,
                                                                         ArgumentList arguments) {
     detail::logMessage(CallerReference::none(), logAlways, TraceCondition::anyKey(), format, arguments);
 }

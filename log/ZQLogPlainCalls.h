@@ -18,7 +18,7 @@ class ZQFOUNDATION_EXPORT ZQLogPlainCalls {
 public:
     /// Writes the line "message".
     template <class... Arguments>
-    static void logAlways_logWithFormat(bool logAlways,
+    static void logAlways_logWithFormat(detail::Flag logAlways,
                                         FormatString<std::type_identity_t<Arguments>...> format,
                                         const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -27,11 +27,12 @@ public:
         }
     }
     /// With a started argument list: writes the line "message".
-    static void logAlways_logWithFormatv_arguments(bool logAlways, StringView format, ArgumentList arguments);
+    static void logAlways_logWithFormatv_arguments(detail::Flag logAlways, StringView format,
+                                                   ArgumentList arguments);
 
     /// Returns the line "message", else nil; writes nothing.
     template <class... Arguments>
-    static NSString logAlways_logStringWithFormat(bool logAlways,
+    static NSString logAlways_logStringWithFormat(detail::Flag logAlways,
                                                   FormatString<std::type_identity_t<Arguments>...> format,
                                                   const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -41,12 +42,12 @@ public:
         return {};
     }
     /// With a started argument list: returns the line "message", else nil; writes nothing.
-    static NSString logAlways_logStringWithFormatv_arguments(bool logAlways, StringView format,
+    static NSString logAlways_logStringWithFormatv_arguments(detail::Flag logAlways, StringView format,
                                                              ArgumentList arguments);
 
     /// Writes the line "key: message" while the trace key is on.
     template <class... Arguments>
-    static void logAlways_logForTraceKey_usingFormat(bool logAlways, StringView key,
+    static void logAlways_logForTraceKey_usingFormat(detail::Flag logAlways, StringView key,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
                                                      const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
@@ -55,13 +56,13 @@ public:
         }
     }
     /// With a started argument list: writes the line "key: message" while the trace key is on.
-    static void logAlways_logForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
+    static void logAlways_logForTraceKey_usingFormatv_arguments(detail::Flag logAlways, StringView key,
                                                                 StringView format, ArgumentList arguments);
 
     /// Returns the line "key: message" while the trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString
-    logAlways_logStringForTraceKey_usingFormat(bool logAlways, StringView key,
+    logAlways_logStringForTraceKey_usingFormat(detail::Flag logAlways, StringView key,
                                                FormatString<std::type_identity_t<Arguments>...> format,
                                                const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
@@ -73,15 +74,15 @@ public:
     }
     /// With a started argument list: returns the line "key: message" while the trace key is on, else nil;
     /// writes nothing.
-    static NSString logAlways_logStringForTraceKey_usingFormatv_arguments(bool logAlways, StringView key,
-                                                                          StringView format,
+    static NSString logAlways_logStringForTraceKey_usingFormatv_arguments(detail::Flag logAlways,
+                                                                          StringView key, StringView format,
                                                                           ArgumentList arguments);
 
     /// Writes the line "key=value: message" while the key's level equals the value (a missing key has level
     /// 0).
     template <class... Arguments>
     static void
-    logAlways_logForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
+    logAlways_logForTraceKey_value_usingFormat(detail::Flag logAlways, StringView key, std::int64_t value,
                                                FormatString<std::type_identity_t<Arguments>...> format,
                                                const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
@@ -92,17 +93,16 @@ public:
     }
     /// With a started argument list: writes the line "key=value: message" while the key's level equals the
     /// value (a missing key has level 0).
-    static void logAlways_logForTraceKey_value_usingFormatv_arguments(bool logAlways, StringView key,
+    static void logAlways_logForTraceKey_value_usingFormatv_arguments(detail::Flag logAlways, StringView key,
                                                                       std::int64_t value, StringView format,
                                                                       ArgumentList arguments);
 
     /// Returns the line "key=value: message" while the key's level equals the value (a missing key has level
     /// 0), else nil; writes nothing.
     template <class... Arguments>
-    static NSString
-    logAlways_logStringForTraceKey_value_usingFormat(bool logAlways, StringView key, std::int64_t value,
-                                                     FormatString<std::type_identity_t<Arguments>...> format,
-                                                     const Arguments&... arguments) {
+    static NSString logAlways_logStringForTraceKey_value_usingFormat(
+        detail::Flag logAlways, StringView key, std::int64_t value,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             return logAlways_logStringForTraceKey_value_usingFormatv_arguments(logAlways, key, value,
@@ -112,16 +112,18 @@ public:
     }
     /// With a started argument list: returns the line "key=value: message" while the key's level equals the
     /// value (a missing key has level 0), else nil; writes nothing.
-    static NSString logAlways_logStringForTraceKey_value_usingFormatv_arguments(
-        bool logAlways, StringView key, std::int64_t value, StringView format, ArgumentList arguments);
+    static NSString logAlways_logStringForTraceKey_value_usingFormatv_arguments(detail::Flag logAlways,
+                                                                                StringView key,
+                                                                                std::int64_t value,
+                                                                                StringView format,
+                                                                                ArgumentList arguments);
 
     /// Writes the line "key>=threshold: message" while the key's level is at least the threshold (a missing
     /// key has level 0).
     template <class... Arguments>
-    static void
-    logAlways_logForTraceKey_threshold_usingFormat(bool logAlways, StringView key, std::int64_t threshold,
-                                                   FormatString<std::type_identity_t<Arguments>...> format,
-                                                   const Arguments&... arguments) {
+    static void logAlways_logForTraceKey_threshold_usingFormat(
+        detail::Flag logAlways, StringView key, std::int64_t threshold,
+        FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
             logAlways_logForTraceKey_threshold_usingFormatv_arguments(logAlways, key, threshold,
@@ -130,7 +132,8 @@ public:
     }
     /// With a started argument list: writes the line "key>=threshold: message" while the key's level is at
     /// least the threshold (a missing key has level 0).
-    static void logAlways_logForTraceKey_threshold_usingFormatv_arguments(bool logAlways, StringView key,
+    static void logAlways_logForTraceKey_threshold_usingFormatv_arguments(detail::Flag logAlways,
+                                                                          StringView key,
                                                                           std::int64_t threshold,
                                                                           StringView format,
                                                                           ArgumentList arguments);
@@ -139,7 +142,7 @@ public:
     /// key has level 0), else nil; writes nothing.
     template <class... Arguments>
     static NSString logAlways_logStringForTraceKey_threshold_usingFormat(
-        bool logAlways, StringView key, std::int64_t threshold,
+        detail::Flag logAlways, StringView key, std::int64_t threshold,
         FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), key)) {
             const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -150,13 +153,16 @@ public:
     }
     /// With a started argument list: returns the line "key>=threshold: message" while the key's level is at
     /// least the threshold (a missing key has level 0), else nil; writes nothing.
-    static NSString logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(
-        bool logAlways, StringView key, std::int64_t threshold, StringView format, ArgumentList arguments);
+    static NSString logAlways_logStringForTraceKey_threshold_usingFormatv_arguments(detail::Flag logAlways,
+                                                                                    StringView key,
+                                                                                    std::int64_t threshold,
+                                                                                    StringView format,
+                                                                                    ArgumentList arguments);
 
     /// Writes the line "A/B: message" while one of the keys is on (A and B are those that are).
     template <class... Arguments>
     static void
-    logAlways_logForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
+    logAlways_logForAnyTraceKeyOf_usingFormat(detail::Flag logAlways, const NSArray& keys,
                                               FormatString<std::type_identity_t<Arguments>...> format,
                                               const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
@@ -167,15 +173,15 @@ public:
     }
     /// With a started argument list: writes the line "A/B: message" while one of the keys is on (A and B are
     /// those that are).
-    static void logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways, const NSArray& keys,
-                                                                     StringView format,
+    static void logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(detail::Flag logAlways,
+                                                                     const NSArray& keys, StringView format,
                                                                      ArgumentList arguments);
 
     /// Returns the line "A/B: message" while one of the keys is on (A and B are those that are), else nil;
     /// writes nothing.
     template <class... Arguments>
     static NSString
-    logAlways_logStringForAnyTraceKeyOf_usingFormat(bool logAlways, const NSArray& keys,
+    logAlways_logStringForAnyTraceKeyOf_usingFormat(detail::Flag logAlways, const NSArray& keys,
                                                     FormatString<std::type_identity_t<Arguments>...> format,
                                                     const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
@@ -187,7 +193,7 @@ public:
     }
     /// With a started argument list: returns the line "A/B: message" while one of the keys is on (A and B are
     /// those that are), else nil; writes nothing.
-    static NSString logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
+    static NSString logAlways_logStringForAnyTraceKeyOf_usingFormatv_arguments(detail::Flag logAlways,
                                                                                const NSArray& keys,
                                                                                StringView format,
                                                                                ArgumentList arguments);
@@ -195,7 +201,7 @@ public:
     /// Writes the line "A+B: message" while all of the keys are on, of which there must be one.
     template <class... Arguments>
     static void
-    logAlways_logForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
+    logAlways_logForAllTraceKeysOf_usingFormat(detail::Flag logAlways, const NSArray& keys,
                                                FormatString<std::type_identity_t<Arguments>...> format,
                                                const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
@@ -206,15 +212,15 @@ public:
     }
     /// With a started argument list: writes the line "A+B: message" while all of the keys are on, of which
     /// there must be one.
-    static void logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways, const NSArray& keys,
-                                                                      StringView format,
+    static void logAlways_logForAllTraceKeysOf_usingFormatv_arguments(detail::Flag logAlways,
+                                                                      const NSArray& keys, StringView format,
                                                                       ArgumentList arguments);
 
     /// Returns the line "A+B: message" while all of the keys are on, of which there must be one, else nil;
     /// writes nothing.
     template <class... Arguments>
     static NSString
-    logAlways_logStringForAllTraceKeysOf_usingFormat(bool logAlways, const NSArray& keys,
+    logAlways_logStringForAllTraceKeysOf_usingFormat(detail::Flag logAlways, const NSArray& keys,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
                                                      const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text(), keys)) {
@@ -226,7 +232,7 @@ public:
     }
     /// With a started argument list: returns the line "A+B: message" while all of the keys are on, of which
     /// there must be one, else nil; writes nothing.
-    static NSString logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
+    static NSString logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(detail::Flag logAlways,
                                                                                 const NSArray& keys,
                                                                                 StringView format,
                                                                                 ArgumentList arguments);
@@ -234,7 +240,7 @@ public:
     /// Writes the line "Trace: message" while any trace key is on.
     template <class... Arguments>
     static void
-    logAlways_logForAnyTraceKeyUsingFormat(bool logAlways,
+    logAlways_logForAnyTraceKeyUsingFormat(detail::Flag logAlways,
                                            FormatString<std::type_identity_t<Arguments>...> format,
                                            const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -243,13 +249,13 @@ public:
         }
     }
     /// With a started argument list: writes the line "Trace: message" while any trace key is on.
-    static void logAlways_logForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
+    static void logAlways_logForAnyTraceKeyUsingFormatv_arguments(detail::Flag logAlways, StringView format,
                                                                   ArgumentList arguments);
 
     /// Returns the line "Trace: message" while any trace key is on, else nil; writes nothing.
     template <class... Arguments>
     static NSString
-    logAlways_logStringForAnyTraceKeyUsingFormat(bool logAlways,
+    logAlways_logStringForAnyTraceKeyUsingFormat(detail::Flag logAlways,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
                                                  const Arguments&... arguments) {
         if (detail::passesGates(logAlways, format.text())) {
@@ -261,7 +267,8 @@ public:
     }
     /// With a started argument list: returns the line "Trace: message" while any trace key is on, else nil;
     /// writes nothing.
-    static NSString logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(bool logAlways, StringView format,
+    static NSString logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(detail::Flag logAlways,
+                                                                            StringView format,
                                                                             ArgumentList arguments);
 };
 

@@ -45,13 +45,13 @@ bool NSFileManager::isDirectoryAtPath(StringView path) const { return S_ISDIR(ki
 
 bool NSFileManager::createDirectoryAtPath_attributes_deepCreate(StringView path,
                                                                 const NSDictionary& attributes,
-                                                                bool deepCreate) {
+                                                                detail::Flag deepCreate) {
     return createDirectoryAtPath_withIntermediateDirectories_attributes_error(path, deepCreate, attributes);
 }
 
 bool NSFileManager::createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
     StringView path, const NSData& contents, const NSDictionary& fileAttributes,
-    const NSDictionary& directoryAttributes, bool deepCreate) {
+    const NSDictionary& directoryAttributes, detail::Flag deepCreate) {
     if (deepCreate && !ensureFolder(*this, parentOf(path), directoryAttributes)) {
         return false;
     }

@@ -160,9 +160,9 @@ ZQBatchMigrationResult ZQFileMigrator::migrateFiles(const NSString& extension, c
 
 ZQFileMigrationRetvalType ZQFileMigrator::
     migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-        const NSString& source, const NSString& destination, bool keepOriginal,
-        bool createDestinationParentFolder, bool overwriteDestinationFile,
-        bool renameIfDestinationFileExists) {
+        const NSString& source, const NSString& destination, detail::Flag keepOriginal,
+        detail::Flag createDestinationParentFolder, detail::Flag overwriteDestinationFile,
+        detail::Flag renameIfDestinationFileExists) {
     return migrateFile(source, destination,
                        {keepOriginal, createDestinationParentFolder, overwriteDestinationFile,
                         renameIfDestinationFileExists})
@@ -171,9 +171,9 @@ ZQFileMigrationRetvalType ZQFileMigrator::
 
 ZQFileMigrationRetvalType ZQFileMigrator::
     migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
-        const NSString& source, const NSString& destination, bool keepOriginal,
-        bool createDestinationParentFolder, bool overwriteDestinationFolder,
-        bool renameIfDestinationFolderExists) {
+        const NSString& source, const NSString& destination, detail::Flag keepOriginal,
+        detail::Flag createDestinationParentFolder, detail::Flag overwriteDestinationFolder,
+        detail::Flag renameIfDestinationFolderExists) {
     return migrateFolder(source, destination,
                          {keepOriginal, createDestinationParentFolder, overwriteDestinationFolder,
                           renameIfDestinationFolderExists})
@@ -182,9 +182,9 @@ ZQFileMigrationRetvalType ZQFileMigrator::
 
 NSDictionary ZQFileMigrator::
     migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-        const NSString& extension, const NSString& source, const NSString& destination, bool includeDotFiles,
-        bool keepOriginal, bool createDestinationParentFolder, bool overwriteDestinationFile,
-        bool renameIfDestinationFileExists) {
+        const NSString& extension, const NSString& source, const NSString& destination,
+        detail::Flag includeDotFiles, detail::Flag keepOriginal, detail::Flag createDestinationParentFolder,
+        detail::Flag overwriteDestinationFile, detail::Flag renameIfDestinationFileExists) {
     return migrateFiles(extension, source, destination,
                         {keepOriginal, createDestinationParentFolder, overwriteDestinationFile,
                          renameIfDestinationFileExists, includeDotFiles})

@@ -130,18 +130,18 @@ public:
     /// A host's class registered as "NSWorkspace" is notified of the folders that changed.
     [[nodiscard]] static ZQFileMigrationRetvalType
     migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-        const NSString& source, const NSString& destination, bool keepOriginal,
-        bool createDestinationParentFolder, bool overwriteDestinationFile,
-        bool renameIfDestinationFileExists);
+        const NSString& source, const NSString& destination, detail::Flag keepOriginal,
+        detail::Flag createDestinationParentFolder, detail::Flag overwriteDestinationFile,
+        detail::Flag renameIfDestinationFileExists);
 
     /// Migrates one folder with all that it holds, as `migrateFileFrom_to_...` does one file; trees are not
     /// merged. **Nobody is notified** unless a class is registered as "SomeClass". A renamed copy of a folder
     /// "Data" is "Data 1.", with the period.
     [[nodiscard]] static ZQFileMigrationRetvalType
     migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
-        const NSString& source, const NSString& destination, bool keepOriginal,
-        bool createDestinationParentFolder, bool overwriteDestinationFolder,
-        bool renameIfDestinationFolderExists);
+        const NSString& source, const NSString& destination, detail::Flag keepOriginal,
+        detail::Flag createDestinationParentFolder, detail::Flag overwriteDestinationFolder,
+        detail::Flag renameIfDestinationFolderExists);
 
     /// Migrates every file of that extension (every file for nil or "") from the tree below one folder to the
     /// same relative place below another. Without `includeDotFiles`, what begins with "." at the top of the
@@ -152,9 +152,9 @@ public:
     /// the source folder does not exist or holds nothing.
     [[nodiscard]] static NSDictionary
     migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
-        const NSString& extension, const NSString& source, const NSString& destination, bool includeDotFiles,
-        bool keepOriginal, bool createDestinationParentFolder, bool overwriteDestinationFile,
-        bool renameIfDestinationFileExists);
+        const NSString& extension, const NSString& source, const NSString& destination,
+        detail::Flag includeDotFiles, detail::Flag keepOriginal, detail::Flag createDestinationParentFolder,
+        detail::Flag overwriteDestinationFile, detail::Flag renameIfDestinationFileExists);
 
     /// The code's description in the user's language.
     [[nodiscard]] static NSString descriptionOfFileMigrationRetvalType(std::uint32_t code);

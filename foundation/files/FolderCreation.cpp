@@ -100,7 +100,8 @@ private:
 } // namespace
 
 bool NSFileManager::createDirectoryAtPath_withIntermediateDirectories_attributes_error(
-    StringView path, bool withIntermediateDirectories, const NSDictionary& attributes, NSString* errorText) {
+    StringView path, detail::Flag withIntermediateDirectories, const NSDictionary& attributes,
+    NSString* errorText) {
     const detail::CallerState caller;
     std::string bytes;
     if (!detail::getPathBytes(path, bytes)) {

@@ -145,10 +145,9 @@ public:
     /// the missing folders above, and true if a folder, or a link to one, exists there already; folders
     /// made before a failure stay. Mode 0777 less the umask, then the attributes, for each folder that was
     /// made; attributes that are unknown or cannot be applied are ignored.
-    bool createDirectoryAtPath_withIntermediateDirectories_attributes_error(StringView path,
-                                                                            bool withIntermediateDirectories,
-                                                                            const NSDictionary& attributes,
-                                                                            NSString* errorText = nullptr);
+    bool createDirectoryAtPath_withIntermediateDirectories_attributes_error(
+        StringView path, detail::Flag withIntermediateDirectories, const NSDictionary& attributes,
+        NSString* errorText = nullptr);
 
     /// Writes a new file beside the path and renames it over what exists there: others see the old file or
     /// the whole new one. A link at the path is replaced, not followed. An existing file's mode is kept, a
@@ -188,14 +187,14 @@ public:
 
     /// `createDirectoryAtPath_withIntermediateDirectories_attributes_error` with `deepCreate` as its switch.
     bool createDirectoryAtPath_attributes_deepCreate(StringView path, const NSDictionary& attributes,
-                                                     bool deepCreate);
+                                                     detail::Flag deepCreate);
 
     /// Creates the file and, if `deepCreate`, first the missing folders above it, each with the folder
     /// attributes. False, and nothing made, if something other than a folder is where the parent
     /// should.
     [[nodiscard]] bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
-        const NSDictionary& directoryAttributes, bool deepCreate);
+        const NSDictionary& directoryAttributes, detail::Flag deepCreate);
 
     /// Makes every missing folder of the standardized path, one after the other **from the root folder on**:
     /// a relative path "a/b" is made as "/a/b". True for an empty path. Stops at the first failure; folders

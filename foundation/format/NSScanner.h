@@ -41,7 +41,7 @@ public:
     bool caseSensitive() const noexcept { return isCaseSensitive_; }
 
     /// Sets whether a text that is searched for must have the same case.
-    void setCaseSensitive(bool isCaseSensitive) noexcept { isCaseSensitive_ = isCaseSensitive; }
+    void setCaseSensitive(detail::Flag isCaseSensitive) noexcept { isCaseSensitive_ = isCaseSensitive; }
 
     /// Whether only characters to be skipped remain.
     bool isAtEnd() const;

@@ -106,7 +106,7 @@ public:
     /// `suppressZeroes`, leading hours and minutes that are zero are left out. The empty string for negative
     /// seconds; nil for nil.
     NSString durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
-                                                              bool suppressZeroes) const;
+                                                              detail::Flag suppressZeroes) const;
 
     /// A count of seconds in at most two fields, leading zeroes suppressed: "2:05". Hours are dropped;
     /// otherwise as `durationDescriptionWithFieldCount_suppressZeroes`.

@@ -378,7 +378,7 @@ public:
 
     /// Whether the text occurs, unit by unit, after both were folded to lower case if `caseInsensitive`;
     /// false for an empty or nil argument.
-    bool containsString_caseInsensitiveSearch(StringView other, bool caseInsensitive) const;
+    bool containsString_caseInsensitiveSearch(StringView other, detail::Flag caseInsensitive) const;
 
     /// Whether a unit is a decimal digit of any script; false for nil.
     bool containsDecimalDigit() const;

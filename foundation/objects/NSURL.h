@@ -82,8 +82,8 @@ public:
     /// or begins with "//" without one, for a text that cannot be encoded, and if the whole is no URI
     /// reference.
     static NSURL URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
-        StringView scheme, StringView authority, StringView path, bool encodePath, StringView query,
-        bool encodeQuery, StringView fragment);
+        StringView scheme, StringView authority, StringView path, detail::Flag encodePath, StringView query,
+        detail::Flag encodeQuery, StringView fragment);
 
     /// The URL of scheme, authority and path, the path percent-encoded; nil as for
     /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.

@@ -2,6 +2,7 @@
 #ifndef ZQFOUNDATION_TEXT_ARGUMENTLIST_H
 #define ZQFOUNDATION_TEXT_ARGUMENTLIST_H
 
+#include "Flag.h"
 #include "StringView.h"
 
 namespace ZQFoundation {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // One-line uses that the compiler refuses on purpose, for each would lose something or mean two things.
-#include <ZQFoundation/Std.h>
-
 #include <string>
+#include <type_traits>
+#include <vector>
+
+#include <ZQFoundation/Std.h>
 
 using namespace ZQFoundation;
 
@@ -13,6 +15,27 @@ void right(const NSString& text, const NSDictionary& settings, const NSArray& na
     ZQLog::logWithFormat("%s %d %ld", text, number.intValue(), number.longLongValue());
     ZQLog::logWithFormat("%lu", names.count());
 
+    const std::vector<bool> flags{true};
+    ZQLog::logAlways_log(flags[0], text);
+    ZQLog::logAlways_log(1, text);
+    ZQLog::logAlways_log(std::true_type(), text);
+
+#ifdef REFUSE_A_TEXT_AS_A_FLAG
+    // expected: no matching function | could not convert | cannot convert
+    ZQLog::logAlways_log("text", text);
+#endif
+#ifdef REFUSE_AN_ADDRESS_AS_A_FLAG
+    // expected: no matching function | could not convert | cannot convert | no viable conversion
+    (void)ZQLog::setLogFilePath_createFolder(text, &text);
+#endif
+#ifdef REFUSE_NIL_AS_A_FLAG
+    // expected: no matching function | could not convert | cannot convert | no viable conversion
+    (void)text.containsString_caseInsensitiveSearch("x", nullptr);
+#endif
+#ifdef REFUSE_A_VALUE_AS_A_FLAG
+    // expected: no matching function | could not convert | cannot convert | no viable conversion
+    (void)text.containsString_caseInsensitiveSearch("x", number);
+#endif
 #ifdef REFUSE_A_STRING_THAT_BECOMES_BYTES_BY_ITSELF
     // expected: conversion
     const std::string refused = text;

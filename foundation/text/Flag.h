@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// What takes the place of a bool parameter.
+#ifndef ZQFOUNDATION_TEXT_FLAG_H
+#define ZQFOUNDATION_TEXT_FLAG_H
+
+#include <type_traits>
+
+namespace ZQFoundation::detail {
+
+/// Whether a type is taken for yes or no: what turns into a bool by itself, and is no pointer. A text or an
+/// address in the place of a flag is an argument too many or one too few, which C++ would take for yes.
+template <class T>
+inline constexpr bool isFlag = std::is_convertible_v<T, bool> && !std::is_pointer_v<std::decay_t<T>> &&
+                               !std::is_member_pointer_v<std::decay_t<T>>;
+
+/// Yes or no, as a parameter: a bool, or a number, of which 0 means no.
+class Flag {
+public:
+    /// The value of a bool, a number, or what converts to a bool by itself.
+    template <class T>
+        requires isFlag<T>
+    constexpr Flag(const T& value) noexcept(noexcept(static_cast<bool>(value)))
+        : value_(static_cast<bool>(value)) {}
+
+    /// What was handed over.
+    constexpr operator bool() const noexcept { return value_; }
+
+private:
+    bool value_;
+};
+
+} // namespace ZQFoundation::detail
+
+#endif
