@@ -82,6 +82,7 @@
 #include "foundation/process/NSLog.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
+#include "foundation/process/ZQLogLine.h"
 
 // Localized texts.
 #include "extensions/LocalizedStrings.h"
