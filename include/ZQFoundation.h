@@ -97,6 +97,7 @@
 #include "log/NSAssertionHandler.h"
 #include "log/NSDebugLog.h"
 #include "log/ZQLog.h"
+#include "log/ZQTraceKey.h"
 
 // The application, the system and the report of both.
 #include "info/ZQLogInfo.h"

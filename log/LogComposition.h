@@ -16,14 +16,15 @@ struct CallerReference {
     static CallerReference ofMethod(const LogCaller& self, StringView method) noexcept {
         return {Kind::method, &self, method, nullptr};
     }
-    static CallerReference ofFunction(const char* name) noexcept {
-        return {Kind::function, nullptr, {}, name};
+    static CallerReference ofFunction(const char* name, std::size_t length = SIZE_MAX) noexcept {
+        return {Kind::function, nullptr, {}, name, length};
     }
 
     Kind kind = Kind::none;
     const LogCaller* self = nullptr;
     StringView method;
     const char* functionName = nullptr;
+    std::size_t functionLength = SIZE_MAX; ///< that: up to the NUL
 };
 
 /// What a line says once its gates have passed.

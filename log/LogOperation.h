@@ -25,10 +25,10 @@ namespace ZQFoundation::detail {
     case TraceCondition::Kind::threshold:
         return passesGates(logAlways, format, key) && traceLevelReaches(key, condition.level);
     case TraceCondition::Kind::anyOf:
-        return passesGates(logAlways, format, *condition.keys) &&
-               anyOfTraceKeysHolds(*condition.keys, keysThatAreOn);
+        return passesGates(logAlways, format, condition.keys) &&
+               anyOfTraceKeysHolds(condition.keys, keysThatAreOn);
     case TraceCondition::Kind::allOf:
-        return passesGates(logAlways, format, *condition.keys) && allOfTraceKeysHold(*condition.keys);
+        return passesGates(logAlways, format, condition.keys) && allOfTraceKeysHold(condition.keys);
     case TraceCondition::Kind::anyKey:
         return passesGates(logAlways, format) && anyTraceKeyHolds();
     }
