@@ -173,6 +173,22 @@ NSString textOfMessage(const LogMessage& message) {
     return returned.string();
 }
 
+void writeUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                         ArgumentList arguments) {
+    TraceKeySet keysThatAreOn;
+    if (severalKeysHold(condition, keysThatAreOn)) {
+        writeMessage({caller, condition, keysThatAreOn, format, arguments});
+    }
+}
+
+NSString textUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                            ArgumentList arguments) {
+    TraceKeySet keysThatAreOn;
+    return severalKeysHold(condition, keysThatAreOn)
+               ? textOfMessage({caller, condition, keysThatAreOn, format, arguments})
+               : NSString();
+}
+
 void writeText(const CallerReference& caller, StringView text) {
     LogLine line;
     appendCaller(line.text(), caller);

@@ -20,6 +20,9 @@ struct CallerReference {
         return {Kind::function, nullptr, {}, name, length};
     }
 
+    /// A copy that keeps the compiler from laying the original out in memory.
+    CallerReference byFields() const noexcept { return {kind, self, method, functionName, functionLength}; }
+
     Kind kind = Kind::none;
     const LogCaller* self = nullptr;
     StringView method;
@@ -40,6 +43,14 @@ struct LogMessage {
 
 void writeMessage(const LogMessage& message);
 NSString textOfMessage(const LogMessage& message);
+
+/// The same, with a condition on several keys still to be put. By value, so that nothing is laid out in
+/// memory before the gates have passed.
+void writeUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                         ArgumentList arguments);
+NSString textUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                            ArgumentList arguments);
+
 void writeText(const CallerReference& caller, StringView text);
 NSString textOfText(const CallerReference& caller, StringView text);
 

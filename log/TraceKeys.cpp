@@ -137,19 +137,17 @@ public:
     explicit TraceView(const TraceTable& table) noexcept : table_(&table) {}
     explicit TraceView(const TraceReading* reading) noexcept : reading_(reading) {}
 
-    TraceAnswer ask(StringView key) {
-        TraceAnswer answer;
+    [[gnu::always_inline]] inline TraceAnswer ask(StringView key) {
         if (table_ == nullptr) {
-            return reading_ == nullptr ? answer
-                                       : TraceAnswer{reading_->traceDefaultsDict.boolForKey(key),
-                                                     reading_->traceDefaultsDict.integerForKey(key)};
+            return reading_ == nullptr ? TraceAnswer()
+                                       : TraceAnswer(reading_->traceDefaultsDict.boolForKey(key),
+                                                     reading_->traceDefaultsDict.integerForKey(key));
         }
-        if (!table_->find(key, answer)) [[unlikely]] {
-            isSure_ = false;
-        }
+        const TraceAnswer answer = table_->find(key);
+        isSure_ = isSure_ && answer.isSure();
         return answer;
     }
-    bool isOn(StringView key) { return key && ask(key).isOn; }
+    bool isOn(StringView key) { return key && ask(key).isOn(); }
     bool anyKeyIsActive() const {
         return table_ != nullptr ? table_->anyKeyIsActive()
                                  : reading_ != nullptr && reading_->activatedTraceDefaultsKeys.count() != 0;
@@ -165,7 +163,7 @@ private:
 };
 
 template <class Question>
-[[gnu::noinline]] auto askInMonitor(const Question& question) {
+[[gnu::noinline]] auto askInMonitor(Question question) {
     const InMonitor scope;
     readInMonitor();
     const Guard guard(exchange);
@@ -176,7 +174,7 @@ template <class Question>
 /// The answer to the question at one moment at which no other thread was in a `Synchronized` scope. May put
 /// the question twice.
 template <class Question>
-[[gnu::always_inline]] inline auto askTraceKeys(const Question& question) {
+[[gnu::always_inline]] inline auto askTraceKeys(Question question) {
     const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
     const TraceTable* const table = presentTable();
     if ((before & closedBit) == 0 && table != nullptr) [[likely]] {
@@ -229,23 +227,44 @@ void TraceKeySet::reset(std::size_t count) {
     }
 }
 
-bool traceKeyHolds(StringView key) {
-    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).isOn; });
+namespace {
+
+TraceAnswer answerFor(StringView key) {
+    return askTraceKeys([key](TraceView& keys) { return keys.ask(key); });
 }
 
+[[gnu::noinline]] bool isOn(StringView key) { return answerFor(key).isOn(); }
+
+[[gnu::noinline]] std::int64_t levelOf(StringView key) { return answerFor(key).level(); }
+
+/// Whether a first look says that the key is not set, as few are. Most silent calls end here, without a call
+/// and with nothing in memory.
+[[gnu::always_inline]] inline bool isSurelyMissing(StringView key) noexcept {
+    const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
+    const TraceTable* const table = presentTable();
+    return (before & closedBit) == 0 && table != nullptr && table->surelyLacks(key) &&
+           __atomic_load_n(&traceReadings.generation, __ATOMIC_RELAXED) == before;
+}
+
+} // namespace
+
+bool traceKeyHolds(StringView key) { return !isSurelyMissing(key) && isOn(key); }
+
 bool traceLevelEquals(StringView key, std::int64_t value) {
-    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).level; }) == value;
+    return (isSurelyMissing(key) ? 0 : levelOf(key)) == value;
 }
 
 bool traceLevelReaches(StringView key, std::int64_t threshold) {
-    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).level; }) >= threshold;
+    return (isSurelyMissing(key) ? 0 : levelOf(key)) >= threshold;
 }
 
 bool anyTraceKeyHolds() {
     return askTraceKeys([](TraceView& keys) { return keys.anyKeyIsActive(); });
 }
 
-bool anyOfTraceKeysHolds(const TraceKeyList& keys, TraceKeySet& on) {
+namespace {
+
+bool anyOfKeysHolds(const TraceKeyList& keys, TraceKeySet& on) {
     return askTraceKeys([&keys, &on](TraceView& view) {
         on.reset(keys.count());
         bool isFound = false;
@@ -259,7 +278,7 @@ bool anyOfTraceKeysHolds(const TraceKeyList& keys, TraceKeySet& on) {
     });
 }
 
-bool allOfTraceKeysHold(const TraceKeyList& keys) {
+bool allOfKeysHold(const TraceKeyList& keys) {
     return askTraceKeys([&keys](TraceView& view) {
         for (std::size_t i = 0; i < keys.count(); ++i) {
             if (!view.isOn(keys[i])) {
@@ -268,6 +287,19 @@ bool allOfTraceKeysHold(const TraceKeyList& keys) {
         }
         return keys.count() != 0;
     });
+}
+
+} // namespace
+
+bool severalKeysHold(const TraceCondition& condition, TraceKeySet& on) {
+    switch (condition.kind) {
+    case TraceCondition::Kind::anyOf:
+        return anyOfKeysHolds(condition.keys, on);
+    case TraceCondition::Kind::allOf:
+        return allOfKeysHold(condition.keys);
+    default:
+        return true;
+    }
 }
 
 void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const TraceKeySet& on) {

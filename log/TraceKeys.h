@@ -37,6 +37,8 @@ public:
     TraceKeyList(const StringView* keys, std::size_t count) noexcept
         : texts_(keys), count_(count), isThere_(true) {}
 
+    TraceKeyList byFields() const noexcept { return TraceKeyList(values_, texts_, count_, isThere_); }
+
     std::size_t count() const noexcept { return count_; }
 
     /// Nil for what is no string.
@@ -48,6 +50,9 @@ public:
     explicit operator bool() const noexcept { return isThere_; }
 
 private:
+    TraceKeyList(const NSObject* values, const StringView* texts, std::size_t count, bool isThere) noexcept
+        : values_(values), texts_(texts), count_(count), isThere_(isThere) {}
+
     static StringView textOf(const NSObject& value) noexcept;
 
     const NSObject* values_ = nullptr;
@@ -72,6 +77,9 @@ struct TraceCondition {
     static TraceCondition allOf(const TraceKeyList& keys) noexcept { return {Kind::allOf, {}, 0, keys}; }
     static TraceCondition anyKey() noexcept { return {Kind::anyKey, {}, 0, {}}; }
 
+    /// A copy that keeps the compiler from laying the original out in memory.
+    TraceCondition byFields() const noexcept { return {kind, keyText, level, keys.byFields()}; }
+
     Kind kind;
     StringView keyText; ///< key, value, threshold
     std::int64_t level; ///< value, threshold
@@ -91,11 +99,9 @@ bool traceLevelReaches(StringView key, std::int64_t threshold);
 /// Whether any trace key at all is active.
 bool anyTraceKeyHolds();
 
-/// Which of the keys are on, all at one and the same moment; false when none is.
-bool anyOfTraceKeysHolds(const TraceKeyList& keys, TraceKeySet& on);
-
-/// Deliberately false for no keys at all.
-bool allOfTraceKeysHold(const TraceKeyList& keys);
+/// For the conditions `anyOf` and `allOf`, whether they hold, and which keys of `anyOf` are on, all at one
+/// and the same moment; an empty list never holds, deliberately. True for any other condition.
+bool severalKeysHold(const TraceCondition& condition, TraceKeySet& on);
 
 /// What a line says of a condition that holds: "key", "key=3", "A/C", ...; nothing for none. The set is that
 /// of the keys of `anyOf` that are on.

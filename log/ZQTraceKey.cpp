@@ -23,7 +23,8 @@ struct ZQTraceCondition::Question {
     /// The answer, which is remembered unless the keys are read again meanwhile.
     bool ask(const ZQTraceCondition& asked) {
         const std::uint64_t before = __atomic_load_n(&detail::traceReadings.generation, __ATOMIC_ACQUIRE);
-        const bool answer = detail::passes(true, condition, StringView(""), keysThatAreOn);
+        const bool answer =
+            detail::passes(true, condition, "") && detail::severalKeysHold(condition, keysThatAreOn);
         if ((before & holds) == 0 && presentGeneration() == before) {
             __atomic_store_n(&asked.answer_, before | (answer ? holds : 0), __ATOMIC_RELAXED);
         }
