@@ -3,10 +3,16 @@
 // and beside other loggers. Lines go to a file that descriptor 2 is opened on in append mode; results to
 // standard output.
 #include <benchmark/benchmark.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -16,6 +22,7 @@
 
 #include "foundation/process/NSUserDefaults.h"
 #include "log/ZQLog.h"
+#include "log/ZQTraceKey.h"
 
 #ifdef ZQ_BENCH_HAS_SPDLOG
 #include <spdlog/sinks/basic_file_sink.h>
@@ -31,6 +38,34 @@
 using ZQFoundation::NSDictionary;
 using ZQFoundation::NSUserDefaults;
 using ZQFoundation::ZQLog;
+using ZQFoundation::ZQTraceKey;
+
+namespace {
+
+/// Whether the kernel takes the flag of writes that raise no signal: an older one does not.
+std::atomic<bool> refusesFlag = false;
+std::atomic<long> refusals = 0;
+
+} // namespace
+
+/// Stands before the C library's function of that name, which the library asks the kernel by.
+extern "C" __attribute__((visibility("default"))) long syscall(long number, ...) noexcept {
+    std::va_list list;
+    va_start(list, number);
+    long words[6];
+    for (long& word : words) {
+        word = va_arg(list, long);
+    }
+    va_end(list);
+    if (number == SYS_pwritev2 && refusesFlag.load(std::memory_order_relaxed)) {
+        ++refusals;
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    using Function = long(long, ...);
+    static auto* const next = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "syscall"));
+    return next(number, words[0], words[1], words[2], words[3], words[4], words[5]);
+}
 
 namespace {
 
@@ -156,6 +191,21 @@ void conditionFails(benchmark::State& state) {
 }
 BENCHMARK(conditionFails)->Name("condition_fails/library")->Threads(1)->Threads(2)->UseRealTime();
 
+constinit const ZQTraceKey traceNetwork("TraceNetwork");
+
+void emptyCallInLoop(benchmark::State& state) {
+    run(state, [] { benchmark::ClobberMemory(); });
+}
+BENCHMARK(emptyCallInLoop)->Name("key_is_off/base")->Threads(1)->Threads(2)->UseRealTime();
+
+void keyIsOff(benchmark::State& state) {
+    run(state, [] {
+        traceNetwork.log(&store, "%d items", store.count);
+        benchmark::ClobberMemory();
+    });
+}
+BENCHMARK(keyIsOff)->Name("key_is_off/library")->Threads(1)->Threads(2)->UseRealTime();
+
 void bareWrite(benchmark::State& state, void (*like)()) {
     static std::mutex once;
     std::string line;
@@ -181,6 +231,59 @@ BENCHMARK_CAPTURE(bareWrite, traced, writeTracedLine)
     ->UseRealTime();
 BENCHMARK_CAPTURE(written, traced, writeTracedLine)
     ->Name("traced_line/library")
+    ->Threads(1)
+    ->Threads(2)
+    ->UseRealTime();
+
+/// Once, and for good: no other row writes by the flag.
+void refuseFlag() {
+    static const bool isRefused = [] {
+        int ends[2];
+        const int before = dup(STDERR_FILENO);
+        if (before < 0 || pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0) {
+            std::abort();
+        }
+        refusesFlag = true;
+        const pid_t child = fork(); // which looks at its descriptor 2 at once
+        if (child == 0) {
+            writePlainLine();
+            _exit(refusals == 0 ? 1 : 0);
+        }
+        int status = 1;
+        waitpid(child, &status, 0);
+        dup2(before, STDERR_FILENO);
+        for (const int end : {ends[0], ends[1], before}) {
+            close(end);
+        }
+        return status == 0;
+    }();
+    if (!isRefused) {
+        std::abort();
+    }
+}
+
+void writtenWithoutFlag(benchmark::State& state, void (*writeLine)()) {
+    refuseFlag();
+    run(state, writeLine);
+}
+
+BENCHMARK_CAPTURE(bareWrite, plain_old, writePlainLine)
+    ->Name("line_without_flag/base")
+    ->Threads(1)
+    ->Threads(2)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(writtenWithoutFlag, plain_old, writePlainLine)
+    ->Name("line_without_flag/library")
+    ->Threads(1)
+    ->Threads(2)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(bareWrite, traced_old, writeTracedLine)
+    ->Name("traced_line_without_flag/base")
+    ->Threads(1)
+    ->Threads(2)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(writtenWithoutFlag, traced_old, writeTracedLine)
+    ->Name("traced_line_without_flag/library")
     ->Threads(1)
     ->Threads(2)
     ->UseRealTime();
