@@ -82,6 +82,7 @@
 #include "foundation/process/NSLog.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
+#include "foundation/process/ZQLogLine.h"
 
 // Localized texts.
 #include "extensions/LocalizedStrings.h"
@@ -96,6 +97,7 @@
 #include "log/NSAssertionHandler.h"
 #include "log/NSDebugLog.h"
 #include "log/ZQLog.h"
+#include "log/ZQTraceKey.h"
 
 // The application, the system and the report of both.
 #include "info/ZQLogInfo.h"

@@ -96,6 +96,8 @@ void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView me
     }
 }
 
+std::string_view nameOf(const char* function) noexcept { return function != nullptr ? function : ""; }
+
 /// The last component of a name taken as a path.
 StringView lastPart(std::string_view name) noexcept {
     name = name.substr(0, name.find_last_not_of('/') + 1);
@@ -103,8 +105,7 @@ StringView lastPart(std::string_view name) noexcept {
     return name;
 }
 
-void appendFunctionCaller(TextBuilder& out, const char* functionName) {
-    const std::string_view name(functionName != nullptr ? functionName : "");
+void appendFunctionCaller(TextBuilder& out, std::string_view name) {
     if (name.empty()) {
         out.appendLiteral("<<no function name>>()");
     } else if (name.find(':') != name.npos) {
@@ -122,7 +123,9 @@ void appendCaller(TextBuilder& out, const CallerReference& caller) {
     if (caller.kind == CallerReference::Kind::method) {
         appendMethodCaller(out, *caller.self, caller.method);
     } else {
-        appendFunctionCaller(out, caller.functionName);
+        appendFunctionCaller(out, caller.functionLength == SIZE_MAX
+                                      ? nameOf(caller.functionName)
+                                      : std::string_view(caller.functionName, caller.functionLength));
     }
     out.appendAscii(' ');
 }
@@ -170,6 +173,22 @@ NSString textOfMessage(const LogMessage& message) {
     return returned.string();
 }
 
+void writeUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                         ArgumentList arguments) {
+    TraceKeySet keysThatAreOn;
+    if (severalKeysHold(condition, keysThatAreOn)) {
+        writeMessage({caller, condition, keysThatAreOn, format, arguments});
+    }
+}
+
+NSString textUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                            ArgumentList arguments) {
+    TraceKeySet keysThatAreOn;
+    return severalKeysHold(condition, keysThatAreOn)
+               ? textOfMessage({caller, condition, keysThatAreOn, format, arguments})
+               : NSString();
+}
+
 void writeText(const CallerReference& caller, StringView text) {
     LogLine line;
     appendCaller(line.text(), caller);
@@ -197,7 +216,7 @@ NSString ZQLog::objectiveCMethodDescriptionStringForCaller_method(const LogCalle
 
 NSString ZQLog::cFunctionDescriptionStringForFunctionName(const char* functionName) {
     detail::TextBuilder description;
-    detail::appendFunctionCaller(description, functionName);
+    detail::appendFunctionCaller(description, detail::nameOf(functionName));
     return description.string();
 }
 

@@ -16,14 +16,18 @@ struct CallerReference {
     static CallerReference ofMethod(const LogCaller& self, StringView method) noexcept {
         return {Kind::method, &self, method, nullptr};
     }
-    static CallerReference ofFunction(const char* name) noexcept {
-        return {Kind::function, nullptr, {}, name};
+    static CallerReference ofFunction(const char* name, std::size_t length = SIZE_MAX) noexcept {
+        return {Kind::function, nullptr, {}, name, length};
     }
+
+    /// A copy that keeps the compiler from laying the original out in memory.
+    CallerReference byFields() const noexcept { return {kind, self, method, functionName, functionLength}; }
 
     Kind kind = Kind::none;
     const LogCaller* self = nullptr;
     StringView method;
     const char* functionName = nullptr;
+    std::size_t functionLength = SIZE_MAX; ///< that: up to the NUL
 };
 
 /// What a line says once its gates have passed.
@@ -39,6 +43,14 @@ struct LogMessage {
 
 void writeMessage(const LogMessage& message);
 NSString textOfMessage(const LogMessage& message);
+
+/// The same, with a condition on several keys still to be put. By value, so that nothing is laid out in
+/// memory before the gates have passed.
+void writeUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                         ArgumentList arguments);
+NSString textUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
+                            ArgumentList arguments);
+
 void writeText(const CallerReference& caller, StringView text);
 NSString textOfText(const CallerReference& caller, StringView text);
 

@@ -11,9 +11,11 @@
 /// known.
 namespace ZQFoundation::detail {
 
-/// All gates, the trace condition last.
-[[gnu::always_inline]] inline bool passes(bool logAlways, const TraceCondition& condition, StringView format,
-                                          TraceKeySet& keysThatAreOn) {
+/// All gates, the trace condition last; all but that where the condition is on several keys, which are looked
+/// at where those that are on are kept for the line. Nothing here needs memory of its own, so a call that is
+/// stopped costs a look at the key and little else.
+[[gnu::always_inline]] inline bool passes(bool logAlways, const TraceCondition& condition,
+                                          StringView format) {
     const StringView key = condition.keyText;
     switch (condition.kind) {
     case TraceCondition::Kind::none:
@@ -25,10 +27,8 @@ namespace ZQFoundation::detail {
     case TraceCondition::Kind::threshold:
         return passesGates(logAlways, format, key) && traceLevelReaches(key, condition.level);
     case TraceCondition::Kind::anyOf:
-        return passesGates(logAlways, format, *condition.keys) &&
-               anyOfTraceKeysHolds(*condition.keys, keysThatAreOn);
     case TraceCondition::Kind::allOf:
-        return passesGates(logAlways, format, *condition.keys) && allOfTraceKeysHold(*condition.keys);
+        return passesGates(logAlways, format, condition.keys);
     case TraceCondition::Kind::anyKey:
         return passesGates(logAlways, format) && anyTraceKeyHolds();
     }
@@ -39,9 +39,8 @@ namespace ZQFoundation::detail {
 [[gnu::always_inline]] inline void logMessage(const CallerReference& caller, bool logAlways,
                                               const TraceCondition& condition, StringView format,
                                               ArgumentList arguments) {
-    TraceKeySet keysThatAreOn;
-    if (passes(logAlways, condition, format, keysThatAreOn)) {
-        writeMessage({caller, condition, keysThatAreOn, format, arguments});
+    if (passes(logAlways, condition, format)) {
+        writeUnlessKeysFail(caller.byFields(), condition.byFields(), format, arguments);
     }
 }
 
@@ -49,9 +48,8 @@ namespace ZQFoundation::detail {
 [[gnu::always_inline]] inline NSString logMessageString(const CallerReference& caller, bool logAlways,
                                                         const TraceCondition& condition, StringView format,
                                                         ArgumentList arguments) {
-    TraceKeySet keysThatAreOn;
-    return passes(logAlways, condition, format, keysThatAreOn)
-               ? textOfMessage({caller, condition, keysThatAreOn, format, arguments})
+    return passes(logAlways, condition, format)
+               ? textUnlessKeysFail(caller.byFields(), condition.byFields(), format, arguments)
                : NSString();
 }
 

@@ -16,6 +16,8 @@
 
 namespace ZQFoundation::detail {
 
+constinit TraceReadings traceReadings = {0, nullptr};
+
 namespace {
 
 /// What one reading of the user defaults gave.
@@ -27,15 +29,7 @@ struct TraceReading {
 /// The monitor of the ZQLog class. It guards the trace keys and nothing else.
 constinit Lock monitor;
 
-/// All that a reader without a lock goes by.
-struct alignas(64) {
-    /// Odd while somebody is in a `Synchronized` scope: then readers go the way through the monitor. Counts
-    /// up with every reading and every such scope, so that a reader who finds the same number before and
-    /// after a look knows that nobody came in between.
-    std::uint64_t gate;
-    const TraceTable* table; ///< null until the first reading
-} constinit shared = {0, nullptr};
-
+/// Of the generation. While it is set, readers go the way through the monitor.
 constexpr std::uint64_t closedBit = 1;
 
 /// Of the present reading and of the next one: a reader without a lock may be in either table.
@@ -77,7 +71,9 @@ std::unique_ptr<const TraceReading> readTraceDefaults() {
     return std::make_unique<TraceReading>(TraceReading{values.dictionary(), activeKeys.array()});
 }
 
-const TraceTable* presentTable() noexcept { return __atomic_load_n(&shared.table, __ATOMIC_ACQUIRE); }
+const TraceTable* presentTable() noexcept {
+    return static_cast<const TraceTable*>(__atomic_load_n(&traceReadings.table, __ATOMIC_ACQUIRE));
+}
 
 /// Null before the first one. The caller holds the lock of the exchange.
 const TraceReading* presentReading() noexcept {
@@ -99,14 +95,15 @@ void publish(std::unique_ptr<const TraceReading> fresh) {
     place.table->fill(fresh->traceDefaultsDict, fresh->activatedTraceDefaultsKeys.count() != 0);
     const Guard guard(exchange);
     place.reading = fresh.release();
-    __atomic_store_n(&shared.table, place.table, __ATOMIC_RELEASE);
-    __atomic_add_fetch(&shared.gate, 2, __ATOMIC_ACQ_REL);
+    __atomic_store_n(&traceReadings.table, place.table, __ATOMIC_RELEASE);
+    __atomic_add_fetch(&traceReadings.generation, 2, __ATOMIC_ACQ_REL);
 }
 
 void leaveMonitor() noexcept {
     // Whoever leaves last opens the gate, also for one whom a fork has left behind.
-    if (!monitor.isHeldAgain() && (__atomic_load_n(&shared.gate, __ATOMIC_RELAXED) & closedBit) != 0) {
-        __atomic_add_fetch(&shared.gate, 1, __ATOMIC_ACQ_REL);
+    if (!monitor.isHeldAgain() &&
+        (__atomic_load_n(&traceReadings.generation, __ATOMIC_RELAXED) & closedBit) != 0) {
+        __atomic_add_fetch(&traceReadings.generation, 1, __ATOMIC_ACQ_REL);
     }
     monitor.unlock();
 }
@@ -134,31 +131,23 @@ void readInMonitor() {
     ZQLog::initializeTraceDefaultsDict();
 }
 
-StringView textOf(const NSObject& string) noexcept {
-    const StringBody& body = *Access::string(string);
-    return body.isAscii ? StringView::ascii(body.ascii(), body.length)
-                        : StringView(body.units(), body.length);
-}
-
 /// What a question sees of the keys: a table, or all of a reading, or none.
 class TraceView {
 public:
     explicit TraceView(const TraceTable& table) noexcept : table_(&table) {}
     explicit TraceView(const TraceReading* reading) noexcept : reading_(reading) {}
 
-    TraceAnswer ask(StringView key) {
-        TraceAnswer answer;
+    [[gnu::always_inline]] inline TraceAnswer ask(StringView key) {
         if (table_ == nullptr) {
-            return reading_ == nullptr ? answer
-                                       : TraceAnswer{reading_->traceDefaultsDict.boolForKey(key),
-                                                     reading_->traceDefaultsDict.integerForKey(key)};
+            return reading_ == nullptr ? TraceAnswer()
+                                       : TraceAnswer(reading_->traceDefaultsDict.boolForKey(key),
+                                                     reading_->traceDefaultsDict.integerForKey(key));
         }
-        if (!table_->find(key, answer)) [[unlikely]] {
-            isSure_ = false;
-        }
+        const TraceAnswer answer = table_->find(key);
+        isSure_ = isSure_ && answer.isSure();
         return answer;
     }
-    bool isOn(const NSObject& key) { return Access::kind(key) == Kind::string && ask(textOf(key)).isOn; }
+    bool isOn(StringView key) { return key && ask(key).isOn(); }
     bool anyKeyIsActive() const {
         return table_ != nullptr ? table_->anyKeyIsActive()
                                  : reading_ != nullptr && reading_->activatedTraceDefaultsKeys.count() != 0;
@@ -174,7 +163,7 @@ private:
 };
 
 template <class Question>
-[[gnu::noinline]] auto askInMonitor(const Question& question) {
+[[gnu::noinline]] auto askInMonitor(Question question) {
     const InMonitor scope;
     readInMonitor();
     const Guard guard(exchange);
@@ -185,31 +174,30 @@ template <class Question>
 /// The answer to the question at one moment at which no other thread was in a `Synchronized` scope. May put
 /// the question twice.
 template <class Question>
-[[gnu::always_inline]] inline auto askTraceKeys(const Question& question) {
-    const std::uint64_t before = __atomic_load_n(&shared.gate, __ATOMIC_ACQUIRE);
+[[gnu::always_inline]] inline auto askTraceKeys(Question question) {
+    const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
     const TraceTable* const table = presentTable();
     if ((before & closedBit) == 0 && table != nullptr) [[likely]] {
         TraceView view(*table);
         const auto answer = question(view);
-        if (view.isSure() && __atomic_load_n(&shared.gate, __ATOMIC_RELAXED) == before) [[likely]] {
+        if (view.isSure() && __atomic_load_n(&traceReadings.generation, __ATOMIC_RELAXED) == before)
+            [[likely]] {
             return answer;
         }
     }
     return askInMonitor(question);
 }
 
-void appendJoined(TextBuilder& out, const NSArray& keys, char separator, const TraceKeySet* on) {
+void appendJoined(TextBuilder& out, const TraceKeyList& keys, char separator, const TraceKeySet* on) {
     bool isFirst = true;
-    std::size_t index = 0;
-    for (const NSObject& key : keys) {
-        if (on == nullptr || on->holds(index)) {
+    for (std::size_t i = 0; i < keys.count(); ++i) {
+        if (on == nullptr || on->holds(i)) {
             if (!isFirst) {
                 out.appendAscii(separator);
             }
-            out.append(textOf(key));
+            out.append(keys[i]);
             isFirst = false;
         }
-        ++index;
     }
 }
 
@@ -221,6 +209,15 @@ void appendLevel(TextBuilder& out, StringView relation, std::int64_t level) {
 
 } // namespace
 
+StringView TraceKeyList::textOf(const NSObject& value) noexcept {
+    if (Access::kind(value) != Kind::string) {
+        return nullptr;
+    }
+    const StringBody& body = *Access::string(value);
+    return body.isAscii ? StringView::ascii(body.ascii(), body.length)
+                        : StringView(body.units(), body.length);
+}
+
 void TraceKeySet::reset(std::size_t count) {
     const std::size_t words = (count + 63) / 64;
     if (words > inlineWords) {
@@ -230,47 +227,79 @@ void TraceKeySet::reset(std::size_t count) {
     }
 }
 
-bool traceKeyHolds(StringView key) {
-    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).isOn; });
+namespace {
+
+TraceAnswer answerFor(StringView key) {
+    return askTraceKeys([key](TraceView& keys) { return keys.ask(key); });
 }
 
+[[gnu::noinline]] bool isOn(StringView key) { return answerFor(key).isOn(); }
+
+[[gnu::noinline]] std::int64_t levelOf(StringView key) { return answerFor(key).level(); }
+
+/// Whether a first look says that the key is not set, as few are. Most silent calls end here, without a call
+/// and with nothing in memory.
+[[gnu::always_inline]] inline bool isSurelyMissing(StringView key) noexcept {
+    const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
+    const TraceTable* const table = presentTable();
+    return (before & closedBit) == 0 && table != nullptr && table->surelyLacks(key) &&
+           __atomic_load_n(&traceReadings.generation, __ATOMIC_RELAXED) == before;
+}
+
+} // namespace
+
+bool traceKeyHolds(StringView key) { return !isSurelyMissing(key) && isOn(key); }
+
 bool traceLevelEquals(StringView key, std::int64_t value) {
-    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).level; }) == value;
+    return (isSurelyMissing(key) ? 0 : levelOf(key)) == value;
 }
 
 bool traceLevelReaches(StringView key, std::int64_t threshold) {
-    return askTraceKeys([key](TraceView& keys) { return keys.ask(key).level; }) >= threshold;
+    return (isSurelyMissing(key) ? 0 : levelOf(key)) >= threshold;
 }
 
 bool anyTraceKeyHolds() {
     return askTraceKeys([](TraceView& keys) { return keys.anyKeyIsActive(); });
 }
 
-bool anyOfTraceKeysHolds(const NSArray& keys, TraceKeySet& on) {
+namespace {
+
+bool anyOfKeysHolds(const TraceKeyList& keys, TraceKeySet& on) {
     return askTraceKeys([&keys, &on](TraceView& view) {
         on.reset(keys.count());
         bool isFound = false;
-        std::size_t index = 0;
-        for (const NSObject& key : keys) {
-            if (view.isOn(key)) {
-                on.add(index);
+        for (std::size_t i = 0; i < keys.count(); ++i) {
+            if (view.isOn(keys[i])) {
+                on.add(i);
                 isFound = true;
             }
-            ++index;
         }
         return isFound;
     });
 }
 
-bool allOfTraceKeysHold(const NSArray& keys) {
+bool allOfKeysHold(const TraceKeyList& keys) {
     return askTraceKeys([&keys](TraceView& view) {
-        for (const NSObject& key : keys) {
-            if (!view.isOn(key)) {
+        for (std::size_t i = 0; i < keys.count(); ++i) {
+            if (!view.isOn(keys[i])) {
                 return false;
             }
         }
         return keys.count() != 0;
     });
+}
+
+} // namespace
+
+bool severalKeysHold(const TraceCondition& condition, TraceKeySet& on) {
+    switch (condition.kind) {
+    case TraceCondition::Kind::anyOf:
+        return anyOfKeysHolds(condition.keys, on);
+    case TraceCondition::Kind::allOf:
+        return allOfKeysHold(condition.keys);
+    default:
+        return true;
+    }
 }
 
 void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const TraceKeySet& on) {
@@ -286,9 +315,9 @@ void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const T
         out.append(condition.keyText);
         return appendLevel(out, ">=", condition.level);
     case TraceCondition::Kind::anyOf:
-        return appendJoined(out, *condition.keys, '/', &on);
+        return appendJoined(out, condition.keys, '/', &on);
     case TraceCondition::Kind::allOf:
-        return appendJoined(out, *condition.keys, '+', nullptr);
+        return appendJoined(out, condition.keys, '+', nullptr);
     case TraceCondition::Kind::anyKey:
         return out.appendLiteral("Trace");
     }
@@ -318,7 +347,7 @@ bool ZQLog::aTraceDefaultValueHasBeenActivated() { return detail::anyTraceKeyHol
 
 ZQLog::Synchronized::Synchronized() noexcept {
     detail::monitor.lock();
-    __atomic_or_fetch(&detail::shared.gate, detail::closedBit, __ATOMIC_ACQ_REL);
+    __atomic_or_fetch(&detail::traceReadings.generation, detail::closedBit, __ATOMIC_ACQ_REL);
 }
 
 ZQLog::Synchronized::~Synchronized() { detail::leaveMonitor(); }

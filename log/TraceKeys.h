@@ -7,6 +7,7 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/TextBuilder.h"
+#include "log/ZQTraceKey.h"
 
 namespace ZQFoundation::detail {
 
@@ -27,26 +28,62 @@ private:
     std::unique_ptr<std::uint64_t[]> more_;
 };
 
+/// The keys of a condition on several: of an array, or texts in a row.
+class TraceKeyList {
+public:
+    TraceKeyList() noexcept = default;
+    explicit TraceKeyList(const NSArray& keys) noexcept
+        : values_(keys.begin()), count_(keys.count()), isThere_(static_cast<bool>(keys)) {}
+    TraceKeyList(const StringView* keys, std::size_t count) noexcept
+        : texts_(keys), count_(count), isThere_(true) {}
+
+    TraceKeyList byFields() const noexcept { return TraceKeyList(values_, texts_, count_, isThere_); }
+
+    std::size_t count() const noexcept { return count_; }
+
+    /// Nil for what is no string.
+    StringView operator[](std::size_t index) const noexcept {
+        return texts_ != nullptr ? texts_[index] : textOf(values_[index]);
+    }
+
+    /// False for a nil array.
+    explicit operator bool() const noexcept { return isThere_; }
+
+private:
+    TraceKeyList(const NSObject* values, const StringView* texts, std::size_t count, bool isThere) noexcept
+        : values_(values), texts_(texts), count_(count), isThere_(isThere) {}
+
+    static StringView textOf(const NSObject& value) noexcept;
+
+    const NSObject* values_ = nullptr;
+    const StringView* texts_ = nullptr;
+    std::size_t count_ = 0;
+    bool isThere_ = false;
+};
+
 /// The condition under which a line appears, as its caller gave it.
 struct TraceCondition {
-    enum class Kind : unsigned char { none, key, value, threshold, anyOf, allOf, anyKey };
+    using Kind = TraceConditionKind;
 
-    static TraceCondition none() noexcept { return {Kind::none, {}, 0, nullptr}; }
-    static TraceCondition key(StringView key) noexcept { return {Kind::key, key, 0, nullptr}; }
+    static TraceCondition none() noexcept { return {Kind::none, {}, 0, {}}; }
+    static TraceCondition key(StringView key) noexcept { return {Kind::key, key, 0, {}}; }
     static TraceCondition value(StringView key, std::int64_t value) noexcept {
-        return {Kind::value, key, value, nullptr};
+        return {Kind::value, key, value, {}};
     }
     static TraceCondition threshold(StringView key, std::int64_t threshold) noexcept {
-        return {Kind::threshold, key, threshold, nullptr};
+        return {Kind::threshold, key, threshold, {}};
     }
-    static TraceCondition anyOf(const NSArray& keys) noexcept { return {Kind::anyOf, {}, 0, &keys}; }
-    static TraceCondition allOf(const NSArray& keys) noexcept { return {Kind::allOf, {}, 0, &keys}; }
-    static TraceCondition anyKey() noexcept { return {Kind::anyKey, {}, 0, nullptr}; }
+    static TraceCondition anyOf(const TraceKeyList& keys) noexcept { return {Kind::anyOf, {}, 0, keys}; }
+    static TraceCondition allOf(const TraceKeyList& keys) noexcept { return {Kind::allOf, {}, 0, keys}; }
+    static TraceCondition anyKey() noexcept { return {Kind::anyKey, {}, 0, {}}; }
+
+    /// A copy that keeps the compiler from laying the original out in memory.
+    TraceCondition byFields() const noexcept { return {kind, keyText, level, keys.byFields()}; }
 
     Kind kind;
-    StringView keyText;  ///< key, value, threshold
-    std::int64_t level;  ///< value, threshold
-    const NSArray* keys; ///< anyOf, allOf
+    StringView keyText; ///< key, value, threshold
+    std::int64_t level; ///< value, threshold
+    TraceKeyList keys;  ///< anyOf, allOf
 };
 
 // The questions below take no lock while nobody holds the monitor of ZQLog; while another thread holds it
@@ -62,11 +99,9 @@ bool traceLevelReaches(StringView key, std::int64_t threshold);
 /// Whether any trace key at all is active.
 bool anyTraceKeyHolds();
 
-/// Which of the keys are on, all at one and the same moment; false when none is.
-bool anyOfTraceKeysHolds(const NSArray& keys, TraceKeySet& on);
-
-/// Deliberately false for no keys at all.
-bool allOfTraceKeysHold(const NSArray& keys);
+/// For the conditions `anyOf` and `allOf`, whether they hold, and which keys of `anyOf` are on, all at one
+/// and the same moment; an empty list never holds, deliberately. True for any other condition.
+bool severalKeysHold(const TraceCondition& condition, TraceKeySet& on);
 
 /// What a line says of a condition that holds: "key", "key=3", "A/C", ...; nothing for none. The set is that
 /// of the keys of `anyOf` that are on.

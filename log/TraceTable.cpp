@@ -41,48 +41,60 @@ TraceTable* TraceTable::make(std::size_t keys) {
 bool TraceTable::hasRoomFor(std::size_t keys) const noexcept { return slotsFor(keys) <= slotMask_ + 1; }
 
 /// False for a key that is not entered.
-bool TraceTable::enter(const NSString& key, const TraceAnswer& answer) {
+bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     const std::string bytes = key.utf8();
     if (bytes.size() > longestKey || bytes.find("\uFFFD") != std::string::npos) {
         return false;
     }
     std::uint64_t words[textWords];
     readWords(bytes.data(), bytes.size(), words);
-    std::size_t place = hashOf(words, bytes.size());
-    while (slots()[place & slotMask_].lengthAndAnswer != 0) {
+    const std::uint64_t hash = hashOf(bytes.data(), bytes.size());
+    std::size_t place = hash;
+    while (slots()[place & slotMask_].word != 0) {
         ++place;
     }
     Slot& slot = slots()[place & slotMask_];
     for (std::size_t i = 0; i < wordsIn(bytes.size()); ++i) {
         store(slot.text[i], words[i]);
     }
-    const std::uint64_t level = static_cast<std::uint32_t>(answer.level);
-    store(slot.lengthAndAnswer, level << 32 | (answer.isOn ? onBit : 0) | bytes.size());
+    store(slot.word, answer.word() | nameOf(hash, bytes.size()));
+    return true;
+}
+
+bool TraceTable::hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept {
+    std::uint64_t words[textWords];
+    readWords(bytes, length, words);
+    for (std::size_t i = 0; i < wordsIn(length); ++i) {
+        if (__atomic_load_n(&slot.text[i], __ATOMIC_ACQUIRE) != words[i]) {
+            return false;
+        }
+    }
     return true;
 }
 
 void TraceTable::fill(const NSDictionary& values, bool anyKeyIsActive) {
     for (std::size_t i = 0; i <= slotMask_; ++i) {
-        store(slots()[i].lengthAndAnswer, 0);
+        store(slots()[i].word, 0);
     }
     std::uint64_t state = anyKeyIsActive ? anyIsActive : 0;
     std::size_t left = (slotMask_ + 1) / 2;
     for (const NSDictionaryEntry& entry : values) {
         const NSString key(entry.key);
-        const bool isEntered = left != 0 && enter(key, {values.boolForKey(key), values.integerForKey(key)});
+        const bool isEntered =
+            left != 0 && enter(key, TraceAnswer(values.boolForKey(key), values.integerForKey(key)));
         left -= isEntered ? 1 : 0;
         state |= isEntered ? holdsKeys : holdsKeys | isIncomplete;
     }
     store(state_, state);
 }
 
-bool TraceTable::findUnits(const char16_t* units, std::size_t count, TraceAnswer& answer) const noexcept {
+TraceAnswer TraceTable::findUnits(const char16_t* units, std::size_t count) const noexcept {
     char bytes[longestKey];
     if (count > longestKey || utf8Length(units, count, IllFormed::replace) > longestKey) {
-        return false;
+        return TraceAnswer();
     }
     const char* const end = utf16ToUtf8(units, count, bytes, IllFormed::replace);
-    return findBytes(bytes, static_cast<std::size_t>(end - bytes), answer);
+    return findBytes(bytes, static_cast<std::size_t>(end - bytes));
 }
 
 } // namespace ZQFoundation::detail

@@ -12,10 +12,28 @@
 
 namespace ZQFoundation::detail {
 
-/// What one reading says of a trace key. A key that is missing is off and has level 0.
-struct TraceAnswer {
-    bool isOn = false;
-    std::int64_t level = 0;
+/// What a reading says of a trace key, in a word: a bit says whether the key is on, the upper half is its
+/// level. 0 for a key that is missing, which is off and has level 0.
+class TraceAnswer {
+public:
+    constexpr TraceAnswer() noexcept = default;
+    constexpr explicit TraceAnswer(std::uint64_t word) noexcept : word_(word) {}
+    constexpr TraceAnswer(bool isOn, std::int64_t level) noexcept
+        : word_(std::uint64_t{static_cast<std::uint32_t>(level)} << 32 | (isOn ? onBit : 0)) {}
+
+    /// Of a table that cannot tell.
+    static constexpr TraceAnswer unsure() noexcept { return TraceAnswer(unsureWord); }
+
+    constexpr bool isSure() const noexcept { return word_ != unsureWord; }
+    constexpr bool isOn() const noexcept { return (word_ & onBit) != 0; }
+    constexpr std::int64_t level() const noexcept { return static_cast<std::int32_t>(word_ >> 32); }
+    constexpr std::uint64_t word() const noexcept { return word_; }
+
+private:
+    static constexpr std::uint64_t onBit = 0x100;
+    static constexpr std::uint64_t unsureWord = 1; // the length of no key
+
+    std::uint64_t word_ = 0;
 };
 
 /// The trace keys of one reading, for readers without a lock. Such a reader may still be at work when the
@@ -38,16 +56,28 @@ public:
         return (__atomic_load_n(&state_, __ATOMIC_ACQUIRE) & anyIsActive) != 0;
     }
 
-    /// False when the table cannot tell.
-    [[nodiscard]] bool find(StringView key, TraceAnswer& answer) const noexcept {
+    TraceAnswer find(StringView key) const noexcept {
         const std::uint64_t state = __atomic_load_n(&state_, __ATOMIC_ACQUIRE);
         if ((state & holdsKeys) == 0) {
-            return true;
+            return TraceAnswer();
         }
-        const bool isFound = key.form() == StringView::Form::utf16
-                                 ? findUnits(key.units(), key.size(), answer)
-                                 : findBytes(key.bytes(), key.size(), answer);
-        return isFound || (state & isIncomplete) == 0;
+        const TraceAnswer found = key.form() == StringView::Form::utf16 ? findUnits(key.units(), key.size())
+                                                                        : findBytes(key.bytes(), key.size());
+        return found.word() != 0 || (state & isIncomplete) == 0 ? found : TraceAnswer::unsure();
+    }
+
+    /// Whether a first look says that the key is missing, as it says of most keys that are; else `find`
+    /// knows.
+    [[gnu::always_inline]] inline bool surelyLacks(StringView key) const noexcept {
+        const std::uint64_t state = __atomic_load_n(&state_, __ATOMIC_ACQUIRE);
+        if ((state & (holdsKeys | isIncomplete)) != holdsKeys) {
+            return state == 0;
+        }
+        if (key.form() == StringView::Form::utf16 || !isEntered(key.size())) {
+            return false;
+        }
+        const Slot& slot = slots()[hashOf(key.bytes(), key.size()) & slotMask_];
+        return __atomic_load_n(&slot.word, __ATOMIC_ACQUIRE) == 0;
     }
 
 private:
@@ -55,9 +85,10 @@ private:
     static constexpr std::size_t longestKey = textWords * 8;
     static constexpr std::size_t shortestKey = sizeof("Trace") - 1;
 
-    /// A cache line. The first word is 0 when the slot is free.
+    /// A cache line. The first word is 0 when the slot is free; else it is the answer, and in its lower half
+    /// a part of the hash and the length.
     struct alignas(64) Slot {
-        std::uint64_t lengthAndAnswer;
+        std::uint64_t word;
         std::uint64_t text[textWords]; ///< UTF-8, and zeros up to a whole word
     };
 
@@ -66,17 +97,21 @@ private:
     static constexpr std::uint64_t isIncomplete = 2;
     static constexpr std::uint64_t anyIsActive = 4;
 
-    // Of `lengthAndAnswer`: the length, a bit, and in the upper half the level.
+    // What of a slot's word names the key.
     static constexpr std::uint64_t lengthMask = 0xFF;
-    static constexpr std::uint64_t onBit = 0x100;
+    static constexpr std::uint64_t hashMask = 0xFFFFFE00;
+    static std::uint64_t nameOf(std::uint64_t hash, std::size_t length) noexcept {
+        return (hash >> 32 & hashMask) | length;
+    }
 
     explicit TraceTable(std::size_t slots) noexcept : slotMask_(slots - 1) {}
 
     Slot* slots() noexcept { return reinterpret_cast<Slot*>(this + 1); }
     const Slot* slots() const noexcept { return reinterpret_cast<const Slot*>(this + 1); }
 
-    bool findUnits(const char16_t* units, std::size_t count, TraceAnswer& answer) const noexcept;
-    bool enter(const NSString& key, const TraceAnswer& answer);
+    TraceAnswer findUnits(const char16_t* units, std::size_t count) const noexcept;
+    static bool hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept;
+    bool enter(const NSString& key, TraceAnswer answer);
 
     static std::size_t wordsIn(std::size_t length) noexcept { return (length + 7) / 8; }
 
@@ -104,43 +139,48 @@ private:
         }
     }
 
-    static std::uint64_t hashOf(const std::uint64_t* words, std::size_t length) noexcept {
-        std::uint64_t hash = length;
-        for (std::size_t i = 0; i < wordsIn(length); ++i) {
-            hash = (hash ^ words[i]) * 0x9E3779B97F4A7C15U;
-            hash ^= hash >> 32;
-        }
-        return hash;
-    }
-
-    static bool hasText(const Slot& slot, const std::uint64_t* words, std::size_t length) noexcept {
-        for (std::size_t i = 0; i < wordsIn(length); ++i) {
-            if (__atomic_load_n(&slot.text[i], __ATOMIC_ACQUIRE) != words[i]) {
-                return false;
+    /// Of at least `shortestKey` bytes. The two ends are mixed side by side; few keys are longer than both.
+    static std::uint64_t hashOf(const char* bytes, std::size_t length) noexcept {
+        constexpr std::uint64_t oddNumbers[] = {0x9E3779B97F4A7C15U, 0xC2B2AE3D27D4EB4FU};
+        std::uint64_t start;
+        std::uint64_t end;
+        if (length >= 8) [[likely]] {
+            start = load<std::uint64_t>(bytes);
+            end = load<std::uint64_t>(bytes + length - 8);
+            for (std::size_t i = 8; i + 8 < length; i += 8) {
+                start = (start ^ start >> 32) * oddNumbers[1] + load<std::uint64_t>(bytes + i);
             }
+        } else {
+            start = load<std::uint32_t>(bytes);
+            end = load<std::uint32_t>(bytes + length - 4);
         }
-        return true;
+        const std::uint64_t hash = (start + length) * oddNumbers[0] ^ std::rotl(end * oddNumbers[1], 29);
+        return hash ^ hash >> 32;
     }
 
-    bool findBytes(const char* bytes, std::size_t length, TraceAnswer& answer) const noexcept {
-        if (length < shortestKey || length > longestKey) {
-            return false;
+    static bool isEntered(std::size_t length) noexcept {
+        return length - shortestKey <= longestKey - shortestKey;
+    }
+
+    TraceAnswer findBytes(const char* bytes, std::size_t length) const noexcept {
+        if (!isEntered(length)) {
+            return TraceAnswer();
         }
-        std::uint64_t words[textWords];
-        readWords(bytes, length, words);
-        std::size_t place = hashOf(words, length);
-        for (std::size_t probes = 0; probes <= slotMask_; ++probes, ++place) {
+        const std::uint64_t hash = hashOf(bytes, length);
+        const std::uint64_t name = nameOf(hash, length);
+        for (std::size_t place = hash, last = hash + slotMask_;; ++place) {
             const Slot& slot = slots()[place & slotMask_];
-            const std::uint64_t found = __atomic_load_n(&slot.lengthAndAnswer, __ATOMIC_ACQUIRE);
-            if (found == 0) {
-                return false;
+            const std::uint64_t word = __atomic_load_n(&slot.word, __ATOMIC_ACQUIRE);
+            if (word == 0) [[likely]] {
+                return TraceAnswer();
             }
-            if ((found & lengthMask) == length && hasText(slot, words, length)) {
-                answer = {(found & onBit) != 0, static_cast<std::int32_t>(found >> 32)};
-                return true;
+            if ((word & (hashMask | lengthMask)) == name && hasText(slot, bytes, length)) {
+                return TraceAnswer(word);
+            }
+            if (place == last) [[unlikely]] { // never but while the table is being written
+                return TraceAnswer();
             }
         }
-        return false;
     }
 
     alignas(64) const std::size_t slotMask_;

@@ -4,6 +4,7 @@
 
 #include <atomic>
 
+#include "foundation/process/LineObserver.h"
 #include "foundation/process/LineWriter.h"
 #include "foundation/process/NSProcessInfo.h"
 #include "foundation/system/Published.h"
@@ -45,6 +46,10 @@ NSString ZQLog::logPrefix() {
     NSProcessInfo& process = NSProcessInfo::processInfo();
     return NSString::stringWithFormat("%@ %@[%d]: ", date, process.processName(),
                                       process.processIdentifier());
+}
+
+void ZQLog::setLineObserver(ZQLogLineObserver observer, void* context) noexcept {
+    detail::setLineObserver(observer, context);
 }
 
 const NSDateFormatter& ZQLog::dateFormatterLong() {

@@ -10,6 +10,8 @@
 namespace ZQFoundation {
 
 class NSDateFormatter;
+struct ZQLogLine; // foundation/process/ZQLogLine.h
+using ZQLogLineObserver = void (*)(const ZQLogLine& line, void* context);
 
 /// The library's single channel of log output. Class operations only.
 ///
@@ -59,6 +61,28 @@ public:
     /// "parse_header()"; for a name that holds a colon, what follows its last "/", without "()"; "<<no
     /// function name>>()" for null and for an empty name.
     static NSString cFunctionDescriptionStringForFunctionName(const char* functionName);
+
+    /// @name Lines elsewhere
+    /// @{
+
+    /// From now on the function is called after each line that is written, with the context, for whoever
+    /// shows or keeps lines elsewhere: a window, a crash reporter, the system's log. Null: none. There is one
+    /// observer; it gets every line of the channel, those of `NSLog` and of a process whose descriptor 2 is
+    /// closed too.
+    ///
+    /// It is called on the thread that logs, outside every lock of the library, by several threads at once.
+    /// So lines may arrive in another order than they were written in. A line that it logs itself is written
+    /// and not observed; so is one of a signal handler that interrupts it. Any other line of a signal handler
+    /// calls it inside the handler: where handlers log, it keeps to what a handler may do. A forked child has
+    /// the observer of its parent. `errno` is kept, and a cancellation of the thread waits. It must return:
+    /// an exception that leaves it ends the process (`std::terminate`).
+    ///
+    /// **When this returns, no other thread is in a call of an earlier observer**, and what its context
+    /// points to may go. So the caller holds nothing that the observer waits for. Called by the observer
+    /// itself it returns at once, and calls of other threads may go on. Any thread, but no signal handler.
+    static void setLineObserver(ZQLogLineObserver observer, void* context) noexcept;
+
+    /// @}
 
     /// @name Trace keys
     /// The user defaults whose names begin with "Trace". They are read once, at the first question, and again

@@ -8,6 +8,7 @@ namespace ZQFoundation {
 
 using detail::CallerReference;
 using detail::TraceCondition;
+using detail::TraceKeyList;
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_log(const char* functionName, bool logAlways,
                                                        StringView text) {
@@ -76,28 +77,28 @@ NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyOf
     const char* functionName, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
-                                    TraceCondition::anyOf(keys), format, arguments);
+                                    TraceCondition::anyOf(TraceKeyList(keys)), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
     const char* functionName, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
-    detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::anyOf(keys),
-                       format, arguments);
+    detail::logMessage(CallerReference::ofFunction(functionName), logAlways,
+                       TraceCondition::anyOf(TraceKeyList(keys)), format, arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
     const char* functionName, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofFunction(functionName), logAlways,
-                                    TraceCondition::allOf(keys), format, arguments);
+                                    TraceCondition::allOf(TraceKeyList(keys)), format, arguments);
 }
 
 void ZQLogFunctionCalls::logFunctionName_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
     const char* functionName, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
-    detail::logMessage(CallerReference::ofFunction(functionName), logAlways, TraceCondition::allOf(keys),
-                       format, arguments);
+    detail::logMessage(CallerReference::ofFunction(functionName), logAlways,
+                       TraceCondition::allOf(TraceKeyList(keys)), format, arguments);
 }
 
 NSString ZQLogFunctionCalls::logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(

@@ -8,6 +8,7 @@ namespace ZQFoundation {
 
 using detail::CallerReference;
 using detail::TraceCondition;
+using detail::TraceKeyList;
 
 void ZQLogMethodCalls::logSelf_method_logAlways_log(const LogCaller& self, StringView method, bool logAlways,
                                                     StringView text) {
@@ -79,28 +80,28 @@ NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyOf_us
     const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
-                                    TraceCondition::anyOf(keys), format, arguments);
+                                    TraceCondition::anyOf(TraceKeyList(keys)), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
-    detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::anyOf(keys),
-                       format, arguments);
+    detail::logMessage(CallerReference::ofMethod(self, method), logAlways,
+                       TraceCondition::anyOf(TraceKeyList(keys)), format, arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
     return detail::logMessageString(CallerReference::ofMethod(self, method), logAlways,
-                                    TraceCondition::allOf(keys), format, arguments);
+                                    TraceCondition::allOf(TraceKeyList(keys)), format, arguments);
 }
 
 void ZQLogMethodCalls::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormatv_arguments(
     const LogCaller& self, StringView method, bool logAlways, const NSArray& keys, StringView format,
     ArgumentList arguments) {
-    detail::logMessage(CallerReference::ofMethod(self, method), logAlways, TraceCondition::allOf(keys),
-                       format, arguments);
+    detail::logMessage(CallerReference::ofMethod(self, method), logAlways,
+                       TraceCondition::allOf(TraceKeyList(keys)), format, arguments);
 }
 
 NSString ZQLogMethodCalls::logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(

@@ -8,6 +8,7 @@ namespace ZQFoundation {
 
 using detail::CallerReference;
 using detail::TraceCondition;
+using detail::TraceKeyList;
 
 NSString ZQLogPlainCalls::logAlways_logStringWithFormatv_arguments(bool logAlways, StringView format,
                                                                    ArgumentList arguments) {
@@ -64,28 +65,30 @@ NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyOf_usingFormatv_argum
                                                                                      const NSArray& keys,
                                                                                      StringView format,
                                                                                      ArgumentList arguments) {
-    return detail::logMessageString(CallerReference::none(), logAlways, TraceCondition::anyOf(keys), format,
-                                    arguments);
+    return detail::logMessageString(CallerReference::none(), logAlways,
+                                    TraceCondition::anyOf(TraceKeyList(keys)), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForAnyTraceKeyOf_usingFormatv_arguments(bool logAlways,
                                                                            const NSArray& keys,
                                                                            StringView format,
                                                                            ArgumentList arguments) {
-    detail::logMessage(CallerReference::none(), logAlways, TraceCondition::anyOf(keys), format, arguments);
+    detail::logMessage(CallerReference::none(), logAlways, TraceCondition::anyOf(TraceKeyList(keys)), format,
+                       arguments);
 }
 
 NSString ZQLogPlainCalls::logAlways_logStringForAllTraceKeysOf_usingFormatv_arguments(
     bool logAlways, const NSArray& keys, StringView format, ArgumentList arguments) {
-    return detail::logMessageString(CallerReference::none(), logAlways, TraceCondition::allOf(keys), format,
-                                    arguments);
+    return detail::logMessageString(CallerReference::none(), logAlways,
+                                    TraceCondition::allOf(TraceKeyList(keys)), format, arguments);
 }
 
 void ZQLogPlainCalls::logAlways_logForAllTraceKeysOf_usingFormatv_arguments(bool logAlways,
                                                                             const NSArray& keys,
                                                                             StringView format,
                                                                             ArgumentList arguments) {
-    detail::logMessage(CallerReference::none(), logAlways, TraceCondition::allOf(keys), format, arguments);
+    detail::logMessage(CallerReference::none(), logAlways, TraceCondition::allOf(TraceKeyList(keys)), format,
+                       arguments);
 }
 
 NSString ZQLogPlainCalls::logAlways_logStringForAnyTraceKeyUsingFormatv_arguments(bool logAlways,

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/process/LineObserver.h"
 #include "foundation/process/LinePrefix.h"
 #include "foundation/process/StandardErrorWrite.h"
 #include "foundation/system/CallerState.h"
@@ -114,30 +115,41 @@ LogLine::LogLine() : process_(processIdentity()) {
     text_.commitAscii(messageStart_);
 }
 
-void LogLine::write() {
-    text_.replaceUnpairedSurrogates();
-    if (text_.length() == messageStart_ || text_.bytes()[text_.length() - 1] != '\n') {
-        text_.appendAscii('\n');
-    }
+/// Returns where the line begins, which ends at `end`.
+char* LogLine::writeBytes(char* message, const char* end) noexcept {
     const LinePrefix prefix{process_, roundedToMilliseconds(currentInstant())};
     const std::int64_t second = prefix.time.seconds;
-    char* const message = text_.bytes() + messageStart_;
-    char* const end = text_.bytes() + text_.length();
     const Guard guard(writerLock);
     if (writerLock.isHeldAgain()) { // a signal handler that interrupted this very write
         const CallerState callerState;
         char* const start = prefix.writeBefore(message);
         writeAll(start, static_cast<std::size_t>(end - start), second);
-        return;
+        return start;
     }
     char* const start = keptPrefixes.writeBefore(message, prefix);
     const auto count = static_cast<std::size_t>(end - start);
     if (tornLine.isTorn) [[unlikely]] {
-        return writeWhole(start, count, second);
+        writeWhole(start, count, second);
+        return start;
     }
     const std::ptrdiff_t written = writeToStandardError(start, count, second);
     if (written != static_cast<std::ptrdiff_t>(count)) [[unlikely]] {
         continueLine(start, count, written, second);
+    }
+    return start;
+}
+
+void LogLine::write() {
+    text_.replaceUnpairedSurrogates();
+    if (text_.length() == messageStart_ || text_.bytes()[text_.length() - 1] != '\n') {
+        text_.appendAscii('\n');
+    }
+    char* const message = text_.bytes() + messageStart_;
+    const char* const end = text_.bytes() + text_.length();
+    const char* const start = writeBytes(message, end);
+    if (isLineObserved()) [[unlikely]] {
+        observeLine({std::string_view(start, static_cast<std::size_t>(end - 1 - start)),
+                     std::string_view(message, static_cast<std::size_t>(end - 1 - message))});
     }
 }
 

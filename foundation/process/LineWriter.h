@@ -21,11 +21,14 @@ public:
 
     /// Writes the line, once, by one call of the system. It is with the kernel then; whatever goes wrong, it
     /// is silent and keeps `errno`, and no signal is raised. A text that ends with a line feed gets no second
-    /// one. Any thread, any time, signal handlers too.
+    /// one. Then hands it to the observer of lines, outside every lock. Any thread, any time, signal handlers
+    /// too.
     void write();
 
 private:
     static constexpr std::size_t lentBytes = 2048;
+
+    char* writeBytes(char* message, const char* end) noexcept;
 
     const ProcessIdentity& process_;
     std::size_t messageStart_;

@@ -25,17 +25,8 @@ void pauseBriefly(int times) noexcept {
 
 } // namespace
 
-/// Whether the word keeps a thread of this process out: one of an older generation only when its holder is
-/// the thread that forked.
-bool Lock::isHeldIn(std::uint64_t word, std::uint64_t mine) noexcept {
-    return (word & generationMask) == (mine & generationMask) ||
-           isSameThread(word, wordOf(system::forkingThread()));
-}
-
 bool Lock::isHeldByThisThread() const noexcept {
-    const std::uint64_t word = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-    const std::uint64_t mine = wordOfThisThread();
-    return word != 0 && isSameThread(word, mine) && isHeldIn(word, mine);
+    return Holder::isHeldBy(__atomic_load_n(&word_, __ATOMIC_RELAXED), Holder::wordOfThisThread());
 }
 
 /// Whether this thread held the lock already and is now one level deeper.
@@ -57,7 +48,7 @@ void Lock::lockSlowly(std::uint64_t mine) noexcept {
     std::uint64_t seen = 0;
     for (int rounds = 0, pause = 1;; ++rounds) {
         seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-        if (seen == 0 || !isHeldIn(seen, mine)) {
+        if (seen == 0 || !Holder::isHeldIn(seen, mine)) {
             if (__atomic_compare_exchange_n(&word_, &seen, mine, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED)) {
                 break;
             }

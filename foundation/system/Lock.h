@@ -9,6 +9,43 @@
 
 namespace ZQFoundation::detail {
 
+/// Words that say which thread of which process holds something: one store takes it and names its holder.
+///
+/// Threads are known by an address, of 48 bits and divisible by 8; below it are the low bits of the fork
+/// generation. A word of another generation was left by a thread that this process does not have, or by the
+/// one that forked.
+struct Holder {
+    static constexpr int generationBits = 64 - (48 - 3);
+    static constexpr std::uint64_t generationMask = (std::uint64_t{1} << generationBits) - 1;
+
+    /// Unlike any other living thread's number.
+    static std::uint64_t currentThread() noexcept {
+#if defined(__linux__) && defined(__has_builtin) && __has_builtin(__builtin_thread_pointer)
+        return reinterpret_cast<std::uint64_t>(__builtin_thread_pointer());
+#else
+        return system::threadNumber();
+#endif
+    }
+
+    static std::uint64_t wordOf(std::uint64_t thread) noexcept { return thread >> 3 << generationBits; }
+    static std::uint64_t wordOfThisThread() noexcept {
+        return wordOf(currentThread()) | (system::forkGeneration() & generationMask);
+    }
+    static bool isSameThread(std::uint64_t word, std::uint64_t other) noexcept {
+        return (word ^ other) >> generationBits == 0;
+    }
+
+    /// Whether the word is that of a thread of this process, of which `mine` is one; not for 0.
+    static bool isHeldIn(std::uint64_t word, std::uint64_t mine) noexcept {
+        return (word & generationMask) == (mine & generationMask) ||
+               isSameThread(word, wordOf(system::forkingThread()));
+    }
+    /// Whether the word is that of the thread whose word `mine` is; false for 0.
+    static bool isHeldBy(std::uint64_t word, std::uint64_t mine) noexcept {
+        return word != 0 && isSameThread(word, mine) && isHeldIn(word, mine);
+    }
+};
+
 /// A lock that a forked child finds free, whoever held it in the parent. What it guards must therefore be
 /// replaced by one store, never changed piecemeal. Recursive, also for a signal handler that interrupts the
 /// holder at any instruction; constant-initialised and never destroyed, so it works before `main` and after
@@ -20,7 +57,7 @@ public:
     Lock& operator=(const Lock&) = delete;
 
     void lock() noexcept {
-        const std::uint64_t mine = wordOfThisThread();
+        const std::uint64_t mine = Holder::wordOfThisThread();
         std::uint64_t expected = 0;
         if (!__atomic_compare_exchange_n(&word_, &expected, mine, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED))
             [[unlikely]] {
@@ -45,38 +82,13 @@ public:
     /// Only for the holder: whether it has locked it more than once.
     bool isHeldAgain() const noexcept { return furtherLevels_ != 0; }
 
-    /// Unlike any other living thread's number.
-    static std::uint64_t currentThread() noexcept {
-#if defined(__linux__) && defined(__has_builtin) && __has_builtin(__builtin_thread_pointer)
-        return reinterpret_cast<std::uint64_t>(__builtin_thread_pointer());
-#else
-        return system::threadNumber();
-#endif
-    }
-
 private:
-    // The word is 0, or says who holds the lock and in which process: one store takes the lock and names its
-    // holder. Threads are known by an address, of 48 bits and divisible by 8; below it stand the low bits of
-    // the fork generation. A word of another generation was left by a thread that this process does not have
-    // (or by the one that forked), so it counts as free.
-    static constexpr int generationBits = 64 - (48 - 3);
-    static constexpr std::uint64_t generationMask = (std::uint64_t{1} << generationBits) - 1;
-
-    static std::uint64_t wordOf(std::uint64_t thread) noexcept { return thread >> 3 << generationBits; }
-    static std::uint64_t wordOfThisThread() noexcept {
-        return wordOf(currentThread()) | (system::forkGeneration() & generationMask);
-    }
-    static bool isSameThread(std::uint64_t word, std::uint64_t other) noexcept {
-        return (word ^ other) >> generationBits == 0;
-    }
-    static bool isHeldIn(std::uint64_t word, std::uint64_t mine) noexcept;
-
     void lockSlowly(std::uint64_t mine) noexcept;
     bool relockByHolder(std::uint64_t mine) noexcept;
     void sleepWhile(std::uint64_t seen) noexcept;
     void wakeSleeper() noexcept;
 
-    std::uint64_t word_ = 0;
+    std::uint64_t word_ = 0; ///< of its holder, or 0
     /// How often the holder has locked it once more: 0 whenever it is free, and written by the holder alone.
     std::uint32_t furtherLevels_ = 0;
     bool someoneSleeps_ = false;

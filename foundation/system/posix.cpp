@@ -62,7 +62,7 @@ std::uint32_t beginForkGeneration() noexcept {
     if (word == &noGeneration) {
         word = chooseWord();
     }
-    __atomic_store_n(&threadThatForked, Lock::currentThread(), __ATOMIC_RELAXED);
+    __atomic_store_n(&threadThatForked, Holder::currentThread(), __ATOMIC_RELAXED);
     __atomic_store_n(&ownIdentifier, ::getpid(), __ATOMIC_RELAXED);
     std::uint32_t generation = 0;
     const std::uint32_t next = __atomic_add_fetch(&lastGeneration, 1, __ATOMIC_RELAXED);

@@ -63,8 +63,11 @@ bool isLoaded(const char* path) {
 
 void shareTraceKeys(const Plugin& first, const Plugin& second) {
     expect(!second.entry<KeyIsOn>("keyIsOn")("TraceShared"), "no key is on at first");
+    expect(!second.entry<OwnKeyIsOn>("ownKeyIsOn")(), "nor does the second plugin remember one");
     first.entry<SetKey>("setKey")("TraceShared", true);
     expect(second.entry<KeyIsOn>("keyIsOn")("TraceShared"), "the second plugin sees the first one's key");
+    expect(second.entry<OwnKeyIsOn>("ownKeyIsOn")(),
+           "what it remembers is over with the first one's re-reading");
     second.entry<LogForKey>("logForKey")("TraceShared", "second");
     second.entry<SetKey>("setKey")("TraceShared", false);
     expect(!first.entry<KeyIsOn>("keyIsOn")("TraceShared"), "the first plugin sees the key go");

@@ -10,6 +10,9 @@ using SetKey = void(const char* key, bool isOn);
 
 using KeyIsOn = bool(const char* key);
 
+/// The same of "TraceShared", by a key of the plugin's own that remembers.
+using OwnKeyIsOn = bool();
+
 /// Writes the text while the key is on.
 using LogForKey = void(const char* key, const char* text);
 

@@ -18,6 +18,8 @@ public:
 
 ZQFoundation::ZQLog::Synchronized* heldMonitor = nullptr;
 
+constinit const ZQFoundation::ZQTraceKey traceShared("TraceShared");
+
 } // namespace
 
 ZQ_PLUGIN_ENTRY void setKey(const char* key, bool isOn) {
@@ -27,6 +29,8 @@ ZQ_PLUGIN_ENTRY void setKey(const char* key, bool isOn) {
 }
 
 ZQ_PLUGIN_ENTRY bool keyIsOn(const char* key) { return ZQFoundation::ZQLog::traceKeyIsEnabled(key); }
+
+ZQ_PLUGIN_ENTRY bool ownKeyIsOn() { return traceShared.isEnabled(); }
 
 ZQ_PLUGIN_ENTRY void logForKey(const char* key, const char* text) {
     ZQFoundation::ZQLog::logForTraceKey_usingFormat(key, "%@", text);

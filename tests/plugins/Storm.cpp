@@ -18,6 +18,8 @@ public:
 };
 
 const Caller caller;
+constinit const ZQTraceKey traceStorm("TraceStorm");
+constinit const ZQTraceKey traceOther("TraceOther");
 std::atomic<long> calls = 0;
 std::atomic<long> lines = 0;
 std::atomic<bool> isWrong = false;
@@ -42,8 +44,12 @@ void act(long number) {
         ++lines;
         break;
     case 2:
-        ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(&caller, "act:", true, "TraceStorm",
-                                                                   "handler %@", "Gr\u00fc\u00dfe");
+        if (number % 16 < 8) {
+            ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(&caller, "act:", true, "TraceStorm",
+                                                                       "handler %@", "Gr\u00fc\u00dfe");
+        } else {
+            traceStorm.log(&caller, "handler %@", "Gr\u00fc\u00dfe");
+        }
         ++lines;
         break;
     case 3:
@@ -60,10 +66,11 @@ void act(long number) {
     }
     case 6:
         check(!ZQLog::logStringForTraceKey_usingFormat("TraceOther", "%ld", number));
-        check(!ZQLog::traceKeyIsEnabled("TraceOther"));
+        check(!ZQLog::traceKeyIsEnabled("TraceOther") && !traceOther.isEnabled());
+        traceOther.log("off");
         break;
     default:
-        check(ZQLog::traceKeyIsEnabled("TraceStorm"));
+        check(ZQLog::traceKeyIsEnabled("TraceStorm") && traceStorm.isEnabled());
         check(ZQLog::aTraceDefaultValueHasBeenActivated());
         break;
     }
@@ -84,6 +91,7 @@ void beInterrupted(const std::atomic<bool>& ends) {
         ZQLog::logAlways_log(turn % 16 == 0, "thread");
         ZQLog::logAlways_logForTraceKey_usingFormat(turn % 16 == 8, "TraceStorm", "thread %u", turn);
         check(ZQLog::traceKeyIsEnabled("TraceStorm") && !ZQLog::traceKeyIsEnabled("TraceOther"));
+        check(traceStorm.isEnabled() && !traceOther.isEnabled());
         check(ZQLog::logStringWithFormat("%u", turn).length() != 0);
     }
     for (void* const block : blocks) {

@@ -47,7 +47,7 @@ TEST(ForkGeneration, growsFromParentToChildAndStaysWithinAProcess) {
             return system::forkGeneration() == next + 1;
         };
         return next == own + 1 && system::processIdentifier() == ::getpid() &&
-               system::forkingThread() == Lock::currentThread() && inChild(::fork, isAfterThat) &&
+               system::forkingThread() == Holder::currentThread() && inChild(::fork, isAfterThat) &&
                system::forkGeneration() == next;
     };
     EXPECT_NE(own, 0U);

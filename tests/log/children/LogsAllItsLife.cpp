@@ -6,6 +6,7 @@
 #include <pthread.h>
 
 #include "log/ZQLog.h"
+#include "log/ZQTraceKey.h"
 
 using namespace ZQFoundation;
 
@@ -15,10 +16,17 @@ struct Described : NSObjectProtocol {
     NSString description() const override { return "described"; }
 };
 
+constinit const ZQTraceKey traceStage("TraceStage");
+constinit const ZQTraceKey traceNever("TraceNever");
+
 void logStage(const char* stage) {
     const Described object;
     ZQLog::logAlways_log(true, stage);
     ZQLog::logForTraceKey_usingFormat("TraceStage", "%s", stage);
+    if (traceStage.isEnabled() != ZQLog::traceKeyIsEnabled("TraceStage") || traceNever.isEnabled()) {
+        ZQLog::log("wrong answer of a key that remembers");
+    }
+    traceNever.log("%s", stage);
     ZQLog::logForTraceKey_threshold_usingFormat("TraceNever", 0, "%@", object);
     if (ZQLog::traceKeyIsEnabled("TraceNever") || !ZQLog::logPrefix().hasSuffix("]: ")) {
         ZQLog::log("wrong answer");

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// Trace conditions that remember their answer: what is done when they do not know it, or hold.
+#include "log/ZQTraceKey.h"
+
+#include "log/LogOperation.h"
+
+namespace ZQFoundation {
+
+using detail::CallerReference;
+using detail::TraceCondition;
+using detail::TraceKeyList;
+using detail::TraceKeySet;
+
+/// A condition put to the present reading, as the operations of ZQLog put theirs.
+struct ZQTraceCondition::Question {
+    TraceCondition condition;
+    TraceKeySet keysThatAreOn;
+
+    explicit Question(const ZQTraceCondition& asked)
+        : condition{asked.kind_, asked.count_ == 1 ? *asked.keys_ : StringView(), asked.level_,
+                    TraceKeyList(asked.keys_, asked.count_)} {}
+
+    /// The answer, which is remembered unless the keys are read again meanwhile.
+    bool ask(const ZQTraceCondition& asked) {
+        const std::uint64_t before = __atomic_load_n(&detail::traceReadings.generation, __ATOMIC_ACQUIRE);
+        const bool answer =
+            detail::passes(true, condition, "") && detail::severalKeysHold(condition, keysThatAreOn);
+        if ((before & holds) == 0 && presentGeneration() == before) {
+            __atomic_store_n(&asked.answer_, before | (answer ? holds : 0), __ATOMIC_RELAXED);
+        }
+        return answer;
+    }
+};
+
+namespace {
+
+CallerReference callerOf(const LogCaller* self, StringView function) noexcept {
+    return self != nullptr ? CallerReference::ofMethod(*self, function)
+                           : CallerReference::ofFunction(function.bytes(), function.size());
+}
+
+} // namespace
+
+bool ZQTraceCondition::ask() const { return Question(*this).ask(*this); }
+
+void ZQTraceCondition::write(const LogCaller* self, StringView function, StringView format,
+                             ArgumentList arguments) const {
+    Question question(*this);
+    if (format && question.ask(*this)) {
+        detail::writeMessage(
+            {callerOf(self, function), question.condition, question.keysThatAreOn, format, arguments});
+    }
+}
+
+NSString ZQTraceCondition::text(const LogCaller* self, StringView function, StringView format,
+                                ArgumentList arguments) const {
+    Question question(*this);
+    return format && question.ask(*this)
+               ? detail::textOfMessage({callerOf(self, function), question.condition, question.keysThatAreOn,
+                                        format, arguments})
+               : NSString();
+}
+
+} // namespace ZQFoundation

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+#ifndef ZQFOUNDATION_LOG_ZQTRACEKEY_H
+#define ZQFOUNDATION_LOG_ZQTRACEKEY_H
+
+#include "LogCaller.h"
+
+#include "../foundation/objects/NSString.h"
+
+namespace ZQFoundation::detail {
+
+/// What all questions about trace keys go by. A cache line of its own, which is written at re-readings alone,
+/// wherever the linker puts it.
+struct alignas(64) TraceReadings {
+    /// Counts up with every reading of the keys and with every `ZQLog::Synchronized` scope; odd while a
+    /// thread is in one. No answer changes as long as it stays the same.
+    std::uint64_t generation;
+    const void* table; ///< of the present reading; the library's own
+};
+extern ZQFOUNDATION_EXPORT TraceReadings traceReadings;
+
+enum class TraceConditionKind : unsigned char { none, key, value, threshold, anyOf, allOf, anyKey };
+
+/// How much of a function's name is the name alone: one compiler puts the arguments of a template behind it.
+constexpr std::size_t plainNameLength(const char* name) noexcept {
+    const std::size_t length = __builtin_strlen(name);
+    std::size_t plain = 0;
+    while (plain < length && name[plain] != '<') {
+        ++plain;
+    }
+    return length != 0 && name[length - 1] == '>' && __builtin_strncmp(name, "operator", 8) != 0 ? plain
+                                                                                                 : length;
+}
+
+/// A format with the function that holds the call, which the compiler names.
+template <class... Arguments>
+class LocatedFormat {
+public:
+    template <class Unit, std::size_t size>
+        requires(std::is_same_v<Unit, char> || std::is_same_v<Unit, char16_t>)
+    consteval LocatedFormat(const Unit (&literal)[size], const char* function = __builtin_FUNCTION())
+        : format_(literal), function_(function), functionLength_(plainNameLength(function)) {}
+
+    template <class T>
+        requires(std::is_same_v<T, NSString> || std::is_same_v<T, StringView>)
+    constexpr LocatedFormat(const T& text, const char* function = __builtin_FUNCTION()) noexcept
+        : format_(text), function_(function), functionLength_(plainNameLength(function)) {}
+
+    constexpr StringView text() const noexcept { return format_.text(); }
+    constexpr StringView function() const noexcept { return StringView(function_, functionLength_); }
+
+private:
+    FormatString<Arguments...> format_;
+    const char* function_;
+    std::size_t functionLength_;
+};
+
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
+
+/// What the trace conditions below have in common: each remembers its answer for the present reading of the
+/// trace keys, so that a call of one that does not hold costs a comparison, on any number of threads. A
+/// re-reading is seen at once, as by the operations of ZQLog.
+///
+///     constinit ZQTraceKey traceNetwork("TraceNetwork");
+///
+///     void Store::reload() {
+///         traceNetwork.log("%d items", count);       // TraceNetwork: reload() 3 items
+///         traceNetwork.log(this, "%d items", count); // TraceNetwork: -[(Store *)0x7f01 reload] 3 items
+///     }
+///
+/// The function that holds the call is named by the compiler; in a lambda that is "operator()". Lines and
+/// texts are those of ZQLog's operations for the same condition, `logFunctionName_...` and
+/// `logSelf_method_...`. Usable before `main`, in static destructors, in forked children and, like those, in
+/// signal handlers. Owns nothing: keys are literals.
+class ZQFOUNDATION_EXPORT ZQTraceCondition {
+public:
+    ZQTraceCondition(const ZQTraceCondition&) = delete;
+    ZQTraceCondition& operator=(const ZQTraceCondition&) = delete;
+
+    /// Whether the condition holds. For work that only a line needs.
+    bool isEnabled() const {
+        const std::uint64_t answer = __atomic_load_n(&answer_, __ATOMIC_RELAXED);
+        return (answer & ~holds) == presentGeneration() ? (answer & holds) != 0 : ask();
+    }
+
+    /// Writes the line "label: function() message" while the condition holds.
+    template <class... Arguments>
+    void log(detail::LocatedFormat<std::type_identity_t<Arguments>...> format,
+             const Arguments&... arguments) const {
+        if (mayHold()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            write(nullptr, format.function(), format.text(), packed.list());
+        }
+    }
+
+    /// Writes the line "label: caller message" while the condition holds, the method being the function that
+    /// holds the call.
+    template <class... Arguments>
+    void log(const LogCaller& self, detail::LocatedFormat<std::type_identity_t<Arguments>...> format,
+             const Arguments&... arguments) const {
+        if (mayHold()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            write(&self, format.function(), format.text(), packed.list());
+        }
+    }
+
+    /// Returns the line "label: function() message" while the condition holds, else nil; writes nothing.
+    template <class... Arguments>
+    NSString logString(detail::LocatedFormat<std::type_identity_t<Arguments>...> format,
+                       const Arguments&... arguments) const {
+        if (mayHold()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return text(nullptr, format.function(), format.text(), packed.list());
+        }
+        return {};
+    }
+
+    /// Returns the line "label: caller message" while the condition holds, else nil; writes nothing.
+    template <class... Arguments>
+    NSString logString(const LogCaller& self,
+                       detail::LocatedFormat<std::type_identity_t<Arguments>...> format,
+                       const Arguments&... arguments) const {
+        if (mayHold()) {
+            const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
+            return text(&self, format.function(), format.text(), packed.list());
+        }
+        return {};
+    }
+
+protected:
+    /// For the conditions below.
+    constexpr ZQTraceCondition(detail::TraceConditionKind kind, const StringView* keys, std::size_t count,
+                               std::int64_t level) noexcept
+        : keys_(keys), count_(count), level_(level), kind_(kind) {}
+    ~ZQTraceCondition() = default;
+
+private:
+    static constexpr std::uint64_t holds = 1;
+    static constexpr std::uint64_t unknown = UINT64_MAX;
+
+    static std::uint64_t presentGeneration() noexcept {
+        return __atomic_load_n(&detail::traceReadings.generation, __ATOMIC_RELAXED);
+    }
+    bool mayHold() const noexcept {
+        return __atomic_load_n(&answer_, __ATOMIC_RELAXED) != presentGeneration();
+    }
+
+    bool ask() const;
+    void write(const LogCaller* self, StringView function, StringView format, ArgumentList arguments) const;
+    NSString text(const LogCaller* self, StringView function, StringView format,
+                  ArgumentList arguments) const;
+
+    struct Question;
+
+    /// The generation for which the answer is known, which is even, and in its lowest bit whether the
+    /// condition holds.
+    mutable std::uint64_t answer_ = unknown;
+    const StringView* keys_;
+    std::size_t count_;
+    std::int64_t level_;
+    detail::TraceConditionKind kind_;
+};
+
+/// Holds while the trace key is on. Lines begin with "key: ".
+class ZQTraceKey : public ZQTraceCondition {
+public:
+    /// The key is a literal.
+    template <std::size_t size>
+    constexpr explicit ZQTraceKey(const char (&key)[size]) noexcept
+        : ZQTraceCondition(detail::TraceConditionKind::key, &key_, 1, 0), key_(key) {}
+
+private:
+    StringView key_;
+};
+
+/// Holds while the key's level equals the value (a missing key has level 0). Lines begin with "key=value: ".
+class ZQTraceKeyValue : public ZQTraceCondition {
+public:
+    /// The key is a literal.
+    template <std::size_t size>
+    constexpr ZQTraceKeyValue(const char (&key)[size], std::int64_t value) noexcept
+        : ZQTraceCondition(detail::TraceConditionKind::value, &key_, 1, value), key_(key) {}
+
+private:
+    StringView key_;
+};
+
+/// Holds while the key's level is at least the threshold (a missing key has level 0). Lines begin with
+/// "key>=threshold: ".
+class ZQTraceKeyThreshold : public ZQTraceCondition {
+public:
+    /// The key is a literal.
+    template <std::size_t size>
+    constexpr ZQTraceKeyThreshold(const char (&key)[size], std::int64_t threshold) noexcept
+        : ZQTraceCondition(detail::TraceConditionKind::threshold, &key_, 1, threshold), key_(key) {}
+
+private:
+    StringView key_;
+};
+
+/// Holds while one of the keys is on. Lines begin with "A/C: ", the keys that are.
+template <std::size_t count>
+class ZQAnyTraceKeyOf : public ZQTraceCondition {
+public:
+    /// The keys are literals: `constinit ZQAnyTraceKeyOf traceIO("TraceFiles", "TraceNetwork")`.
+    template <std::size_t... sizes>
+    constexpr explicit ZQAnyTraceKeyOf(const char (&... keys)[sizes]) noexcept
+        : ZQTraceCondition(detail::TraceConditionKind::anyOf, keys_, count, 0), keys_{StringView(keys)...} {}
+
+private:
+    StringView keys_[count];
+};
+/// As many keys as are named.
+template <std::size_t... sizes>
+ZQAnyTraceKeyOf(const char (&... keys)[sizes]) -> ZQAnyTraceKeyOf<sizeof...(sizes)>;
+
+/// Holds while all of the keys are on. Lines begin with "A+B: ".
+template <std::size_t count>
+class ZQAllTraceKeysOf : public ZQTraceCondition {
+public:
+    /// The keys are literals: `constinit ZQAllTraceKeysOf traceBoth("TraceFiles", "TraceNetwork")`.
+    template <std::size_t... sizes>
+    constexpr explicit ZQAllTraceKeysOf(const char (&... keys)[sizes]) noexcept
+        : ZQTraceCondition(detail::TraceConditionKind::allOf, keys_, count, 0), keys_{StringView(keys)...} {}
+
+private:
+    StringView keys_[count];
+};
+/// As many keys as are named.
+template <std::size_t... sizes>
+ZQAllTraceKeysOf(const char (&... keys)[sizes]) -> ZQAllTraceKeysOf<sizeof...(sizes)>;
+
+/// Holds while any trace key at all is on. Lines begin with "Trace: ".
+class ZQAnyTraceKey : public ZQTraceCondition {
+public:
+    /// There is nothing to name.
+    constexpr ZQAnyTraceKey() noexcept
+        : ZQTraceCondition(detail::TraceConditionKind::anyKey, nullptr, 0, 0) {}
+};
+
+} // namespace ZQFoundation
+
+#endif

@@ -1,0 +1,484 @@
+// SPDX-License-Identifier: MIT
+// Lines elsewhere: the observer gets each line of the channel after it is written, outside every lock, and
+// its context may go when it is replaced.
+#include "foundation/process/LineObserver.h"
+
+#include <csignal>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <pthread.h>
+
+#include "foundation/process/NSLog.h"
+#include "info/ZQLogInfo.h"
+#include "log/NSAssertionHandler.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/log/HostTesting.h"
+#include "tests/log/LogTestSupport.h"
+
+using namespace ZQFoundation;
+using hosttest::scaled;
+using logtest::CapturedOutput;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+/// The observer for a scope.
+class Observed {
+public:
+    Observed(ZQLogLineObserver observer, void* context) { ZQLog::setLineObserver(observer, context); }
+    Observed(const Observed&) = delete;
+    Observed& operator=(const Observed&) = delete;
+    ~Observed() { ZQLog::setLineObserver(nullptr, nullptr); }
+};
+
+/// Keeps lines, and asks about its own call what a test wants to know.
+struct Window {
+    std::mutex mutex;
+    Texts texts;
+    Texts messages;
+
+    static void observe(const ZQLogLine& line, void* context) {
+        Window& window = *static_cast<Window*>(context);
+        const std::lock_guard guard(window.mutex);
+        window.texts.emplace_back(line.text);
+        window.messages.emplace_back(line.message);
+    }
+};
+
+std::string joined(const Texts& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    return text;
+}
+
+struct Store {
+    void reload() const { ZQAssertInMethod(false, this, "BadCount", "%d of %d", 7, 5); }
+};
+
+void logInEveryWay() {
+    NSLog("%d by NSLog", 1);
+    ZQLog::log("50% done %d");
+    ZQLog::logWithFormat("%@", "Gr\u00fc\u00dfe");
+    ZQLog::logAlways_logWithFormat(false, "silent");
+    ZQLog::logFunctionName_logAlways_log(__func__, true, "ends with a line feed\n");
+    ZQLog::log("");
+    ZQLog::log("two\nlines\n\n");
+    ZQLog::logForTraceKey_usingFormat("TraceSeen", "%d", 2);
+    ZQLog::logForTraceKey_usingFormat("TraceUnseen", "%d", 2);
+    ZQLog::logWithFormat("%5000d", 3);
+    EXPECT_THROW(Store().reload(), NSException);
+}
+
+TEST(LineObserver, getsTheLinesOfEveryOperationAsTheyAreWritten) {
+    const logtest::TraceKeys keys{{"TraceSeen", "<true/>"}};
+    const CapturedOutput output;
+    Window window;
+    const Observed observed(Window::observe, &window);
+    logInEveryWay();
+    EXPECT_EQ(window.messages,
+              (Texts{"1 by NSLog", "50% done %d", "Gr\u00fc\u00dfe", "logInEveryWay() ends with a line feed",
+                     "", "two\nlines\n", "TraceSeen: 2", std::string(4999, ' ') + "3",
+                     "*** Assertion failure in -[Store reload], LineObserverTest.cpp:" +
+                         window.messages.back().substr(window.messages.back().rfind(':') + 1)}));
+    for (std::size_t i = 0; i < window.texts.size(); ++i) {
+        const std::optional<logtest::LinePrefix> prefix = logtest::readPrefix(window.texts[i]);
+        ASSERT_TRUE(prefix) << window.texts[i];
+        EXPECT_EQ(window.texts[i].substr(prefix->length), window.messages[i]);
+    }
+    EXPECT_EQ(joined(window.texts), output.bytes());
+}
+
+TEST(LineObserver, getsTheStartUpReport) {
+    const CapturedOutput output;
+    Window window;
+    const Observed observed(Window::observe, &window);
+    ZQLogInfo::logAppAndSystemInformation();
+    EXPECT_FALSE(window.texts.empty());
+    EXPECT_EQ(joined(window.texts), output.bytes());
+}
+
+TEST(LineObserver, isCalledAfterTheWrite) {
+    struct Look {
+        const CapturedOutput output;
+        std::string seen;
+    } look;
+    const Observed observed(
+        [](const ZQLogLine& line, void* context) {
+            Look& now = *static_cast<Look*>(context);
+            now.seen = now.output.bytes() == std::string(line.text) + "\n" ? "written" : now.output.bytes();
+        },
+        &look);
+    ZQLog::log("first");
+    EXPECT_EQ(look.seen, "written");
+}
+
+TEST(LineObserver, getsLinesThatCannotBeWritten) {
+    EXPECT_EQ(hosttest::inChild([](const hosttest::Findings& found) {
+                  Window window;
+                  ZQLog::setLineObserver(Window::observe, &window);
+                  ::close(STDERR_FILENO);
+                  ZQLog::log("closed");
+                  const int full = ::open("/dev/full", O_WRONLY);
+                  found.expect(full == STDERR_FILENO, "another number");
+                  ZQLog::log("full");
+                  found.expect(window.messages == Texts{"closed", "full"}, joined(window.messages));
+              }),
+              "");
+}
+
+TEST(LineObserver, isReplacedAndTakenAway) {
+    const CapturedOutput output;
+    Window first;
+    Window second;
+    const Observed observed(Window::observe, &first);
+    ZQLog::log("a");
+    ZQLog::setLineObserver(Window::observe, &second);
+    ZQLog::log("b");
+    ZQLog::setLineObserver(nullptr, &first);
+    ZQLog::log("c");
+    EXPECT_EQ(first.messages, Texts{"a"});
+    EXPECT_EQ(second.messages, Texts{"b"});
+    EXPECT_EQ(output.texts(), (Texts{"a", "b", "c"}));
+}
+
+TEST(LineObserver, isNotCalledForWhatItLogsItself) {
+    const CapturedOutput output;
+    Texts messages;
+    const Observed observed(
+        [](const ZQLogLine& line, void* context) {
+            static_cast<Texts*>(context)->emplace_back(line.message);
+            ZQLog::logWithFormat("on %s", std::string(line.message).c_str());
+        },
+        &messages);
+    ZQLog::log("a");
+    ZQLog::log("b");
+    EXPECT_EQ(messages, (Texts{"a", "b"}));
+    EXPECT_EQ(output.texts(), (Texts{"a", "on a", "b", "on b"}));
+}
+
+TEST(LineObserver, maySetAnotherOneWithoutWaitingForItself) {
+    const CapturedOutput output;
+    Window window;
+    const Observed observed(
+        [](const ZQLogLine&, void* context) {
+            ZQLog::setLineObserver(nullptr, nullptr);
+            ZQLog::setLineObserver(Window::observe, context);
+        },
+        &window);
+    ZQLog::log("a");
+    ZQLog::log("b");
+    EXPECT_EQ(window.messages, Texts{"b"});
+}
+
+TEST(LineObserver, findsTheHostsErrnoAndLeavesIt) {
+    const CapturedOutput output;
+    int seen = 0;
+    const Observed observed(
+        [](const ZQLogLine&, void* context) {
+            *static_cast<int*>(context) = errno;
+            errno = ENOTTY;
+        },
+        &seen);
+    errno = EDOM;
+    ZQLog::log("a");
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_EQ(seen, EDOM);
+}
+
+TEST(LineObserver, allocatesNothingBesidesWhatTheObserverDoes) {
+    const CapturedOutput output;
+    long count = 0;
+    const Observed observed([](const ZQLogLine&, void* context) { ++*static_cast<long*>(context); }, &count);
+    ZQLog::log("first");
+    const std::size_t before = kit::AllocationCount::now();
+    ZQLog::log("second");
+    EXPECT_EQ(kit::AllocationCount::now(), before);
+    EXPECT_EQ(count, 2);
+}
+
+TEST(LineObserver, endsTheProcessByAnExceptionThatLeavesIt) {
+    EXPECT_EQ(hosttest::inChild([](const hosttest::Findings&) {
+                  std::set_terminate([] { ::_exit(42); });
+                  ZQLog::setLineObserver([](const ZQLogLine&, void*) { throw 1; }, nullptr);
+                  try {
+                      ZQLog::log("a");
+                  } catch (...) {
+                      ::_exit(43);
+                  }
+              }),
+              "exit code 42");
+}
+
+/// A call of the observer that stays until it is let go.
+struct Gate {
+    std::atomic<int> inside = 0;
+    std::atomic<bool> opens = false;
+
+    static void observe(const ZQLogLine&, void* context) {
+        Gate& gate = *static_cast<Gate*>(context);
+        ++gate.inside;
+        while (!gate.opens) {
+            std::this_thread::yield();
+        }
+        --gate.inside;
+    }
+
+    bool holdsSoon(int threads) const {
+        for (int milliseconds = 0; milliseconds < 10'000 && inside != threads; ++milliseconds) {
+            ::usleep(1000);
+        }
+        return inside == threads;
+    }
+};
+
+// More threads than the calls that are there at first have room for.
+TEST(LineObserverConcurrency, callsOnManyThreadsAtOnceWithoutALock) {
+    constexpr int threads = 50;
+    const CapturedOutput output;
+    Gate gate;
+    const Observed observed(Gate::observe, &gate);
+    std::vector<std::unique_ptr<logtest::Background>> logging;
+    for (int i = 0; i < threads; ++i) {
+        logging.push_back(std::make_unique<logtest::Background>([] { ZQLog::log("a"); }));
+    }
+    EXPECT_TRUE(gate.holdsSoon(threads));
+    // The monitor and the writer are free meanwhile.
+    EXPECT_TRUE(logtest::anotherThreadCanTakeTheMonitor());
+    gate.opens = true;
+    logging.clear();
+    EXPECT_EQ(gate.inside, 0);
+    EXPECT_EQ(output.texts().size(), std::size_t{threads});
+}
+
+TEST(LineObserverConcurrency, isGoneWhenAnotherOneIsSet) {
+    const CapturedOutput output;
+    Gate gate;
+    const Observed observed(Gate::observe, &gate);
+    logtest::Background logging([] { ZQLog::log("a"); });
+    ASSERT_TRUE(gate.holdsSoon(1));
+    const std::uint64_t before = detail::lineObserverSetting;
+    std::atomic<int> insideAfterwards = -1;
+    logtest::Background setting([&] {
+        ZQLog::setLineObserver(nullptr, nullptr);
+        insideAfterwards = gate.inside.load();
+    });
+    while (__atomic_load_n(&detail::lineObserverSetting, __ATOMIC_RELAXED) == before) {
+        std::this_thread::yield();
+    }
+    ZQLog::log("no longer observed, while the last call goes on");
+    EXPECT_FALSE(setting.isDone());
+    gate.opens = true;
+    EXPECT_TRUE(setting.isDoneSoon());
+    EXPECT_EQ(insideAfterwards, 0);
+}
+
+/// What an observer may only touch until it is replaced.
+struct Context {
+    std::atomic<bool> isAlive = true;
+    std::atomic<long> lines = 0;
+    ~Context() { isAlive = false; }
+};
+
+std::atomic<long> linesOfTheDead = 0;
+
+void countLine(const ZQLogLine& line, void* context) {
+    Context& own = *static_cast<Context*>(context);
+    if (!own.isAlive || line.message != "storm") {
+        ++linesOfTheDead;
+    }
+    ++own.lines;
+}
+
+// The address and thread sanitizers see what is touched after its end.
+TEST(LineObserverConcurrency, mayBeReplacedAndItsContextFreedInAStormOfLines) {
+    constexpr int threads = 4;
+    constexpr int replacements = scaled(4000, 1000, 500);
+    const hosttest::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    const hosttest::StandardErrorAs output(nowhere.number());
+    std::atomic<bool> ends = false;
+    std::atomic<long> written = 0;
+    std::vector<std::unique_ptr<logtest::Background>> logging;
+    long observed = 0;
+    for (int i = 0; i < threads; ++i) {
+        logging.push_back(std::make_unique<logtest::Background>([&] {
+            while (!ends) {
+                ZQLog::log("storm");
+                ++written;
+            }
+        }));
+    }
+    std::unique_ptr<Context> present;
+    for (int i = 0; i < replacements; ++i) {
+        auto next = i % 7 == 0 ? nullptr : std::make_unique<Context>();
+        ZQLog::setLineObserver(next == nullptr ? nullptr : countLine, next.get());
+        observed += present == nullptr ? 0 : present->lines.load();
+        present = std::move(next);
+        while (i % 14 == 1 && present->lines == 0) { // these are surely called
+            std::this_thread::yield();
+        }
+    }
+    ZQLog::setLineObserver(nullptr, nullptr);
+    ends = true;
+    logging.clear();
+    EXPECT_EQ(linesOfTheDead, 0);
+    EXPECT_GT(observed, 0);
+    EXPECT_GE(written, observed);
+}
+
+TEST(LineObserverConcurrency, maySetAnotherOneOnTwoThreadsAtOnce) {
+    const CapturedOutput output;
+    struct Meeting {
+        std::atomic<int> arrived = 0;
+        static void observe(const ZQLogLine&, void* context) {
+            Meeting& meeting = *static_cast<Meeting*>(context);
+            ++meeting.arrived;
+            while (meeting.arrived < 2) { // both are inside now
+                std::this_thread::yield();
+            }
+            ZQLog::setLineObserver(nullptr, nullptr);
+        }
+    } meeting;
+    const Observed observed(Meeting::observe, &meeting);
+    {
+        logtest::Background first([] { ZQLog::log("a"); });
+        logtest::Background second([] { ZQLog::log("b"); });
+        EXPECT_TRUE(first.isDoneSoon());
+        EXPECT_TRUE(second.isDoneSoon());
+    }
+    EXPECT_EQ(meeting.arrived, 2);
+}
+
+TEST(LineObserverConcurrency, holdsACancellationOfTheThreadOff) {
+    const CapturedOutput output;
+    Gate gate;
+    std::atomic<bool> isWhole = false;
+    struct Held {
+        Gate& gate;
+        std::atomic<bool>& isWhole;
+    } held{gate, isWhole};
+    const Observed observed(
+        [](const ZQLogLine& line, void* context) {
+            Held& own = *static_cast<Held*>(context);
+            Gate::observe(line, &own.gate);
+            pthread_testcancel();
+            own.isWhole = true;
+        },
+        &held);
+    std::thread logging([] {
+        ZQLog::log("a");
+        for (;;) {
+            ::usleep(1000); // a cancellation point
+        }
+    });
+    ASSERT_TRUE(gate.holdsSoon(1));
+    pthread_cancel(logging.native_handle());
+    gate.opens = true;
+    logging.join();
+    EXPECT_TRUE(isWhole);
+}
+
+std::atomic<long> handlerLines = 0;
+std::atomic<long> observedHandlerLines = 0;
+
+TEST(LineObserverConcurrency, isCalledForTheLinesOfAHandlerButNotInsideItself) {
+    constexpr long interruptions = scaled(4000, 1000, 500);
+    const hosttest::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    const hosttest::StandardErrorAs output(nowhere.number());
+    ZQLog::log("first");
+    struct State {
+        std::atomic<int> depth = 0;
+        std::atomic<int> greatestDepth = 0;
+    } state;
+    const Observed observed(
+        [](const ZQLogLine& line, void* context) {
+            State& own = *static_cast<State*>(context);
+            const int depth = ++own.depth;
+            if (depth > own.greatestDepth) {
+                own.greatestDepth = depth;
+            }
+            if (line.message == "handler") {
+                ++observedHandlerLines;
+            }
+            --own.depth;
+        },
+        &state);
+    struct sigaction action {};
+    struct sigaction before {};
+    action.sa_handler = [](int) {
+        ZQLog::log("handler");
+        ++handlerLines;
+    };
+    ::sigaction(SIGUSR1, &action, &before);
+    std::atomic<bool> ends = false;
+    std::thread interrupted([&] {
+        while (!ends) {
+            ZQLog::log("plain");
+        }
+    });
+    for (long i = 0; i < interruptions; ++i) {
+        ::pthread_kill(interrupted.native_handle(), SIGUSR1);
+        while (handlerLines == i) {
+            std::this_thread::yield();
+        }
+    }
+    ends = true;
+    interrupted.join();
+    ::sigaction(SIGUSR1, &before, nullptr);
+    EXPECT_EQ(state.greatestDepth, 1);
+    EXPECT_GT(observedHandlerLines, interruptions / 10); // most of the time the thread is at its write
+    EXPECT_LE(observedHandlerLines, interruptions);
+}
+
+TEST(LineObserverFork, servesAChildWhoseParentHadOtherThreadsInside) {
+    const CapturedOutput output;
+    Gate gate;
+    const Observed observed(Gate::observe, &gate);
+    logtest::Background logging([] { ZQLog::log("a"); });
+    ASSERT_TRUE(gate.holdsSoon(1));
+    EXPECT_EQ(hosttest::inChild([](const hosttest::Findings& found) {
+                  Window window;
+                  ZQLog::setLineObserver(Window::observe, &window); // the other thread is not here
+                  ZQLog::log("in the child");
+                  found.expect(window.messages == Texts{"in the child"}, joined(window.messages));
+              }),
+              "");
+    gate.opens = true;
+}
+
+TEST(LineObserverFork, hasTheParentsObserverInAChildThatItHasForkedItself) {
+    const CapturedOutput output;
+    struct State {
+        Texts messages;
+        std::string child = "none";
+    } state;
+    const Observed observed(
+        [](const ZQLogLine& line, void* context) {
+            State& own = *static_cast<State*>(context);
+            own.messages.emplace_back(line.message);
+            if (own.messages.size() == 1) {
+                own.child = hosttest::inChild([&own](const hosttest::Findings& found) {
+                    ZQLog::log("inside, so not observed");
+                    ZQLog::setLineObserver(nullptr, nullptr); // waits for nobody
+                    found.expect(own.messages.size() == 1, "observed inside");
+                });
+            }
+        },
+        &state);
+    ZQLog::log("a");
+    EXPECT_EQ(state.child, "");
+    EXPECT_EQ(hosttest::inChild([&state](const hosttest::Findings& found) {
+                  ZQLog::log("b");
+                  found.expect(state.messages == Texts{"a", "b"}, joined(state.messages));
+              }),
+              "");
+}
+
+} // namespace

@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: MIT
+#include "log/ZQTraceKey.h"
+
+#include <functional>
+#include <thread>
+
+#include "tests/kit/AllocationCount.h"
+#include "tests/log/HostTesting.h"
+#include "tests/log/LogTestSupport.h"
+#include "tests/objects/TestValues.h"
+
+using namespace ZQFoundation;
+using logtest::CapturedOutput;
+using logtest::TraceKeys;
+using TestValues::utf8Of;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constinit const ZQTraceKey traceA("TraceA");
+constinit const ZQTraceKey traceB("TraceB");
+constinit const ZQTraceKeyValue valueOfA[] = {{"TraceA", -1},       {"TraceA", 0}, {"TraceA", 1},
+                                              {"TraceA", 2},        {"TraceA", 3}, {"TraceA", INT32_MAX},
+                                              {"TraceA", INT64_MIN}};
+constinit const ZQTraceKeyThreshold thresholdOfA[] = {{"TraceA", -1}, {"TraceA", 0}, {"TraceA", 1},
+                                                      {"TraceA", 2},  {"TraceA", 3}, {"TraceA", INT64_MAX}};
+constinit const ZQAnyTraceKeyOf anyOfThree("TraceA", "TraceB", "TraceC");
+constinit const ZQAnyTraceKeyOf anyOfOne("TraceA");
+constinit const ZQAllTraceKeysOf allOfTwo("TraceA", "TraceB");
+constinit const ZQAllTraceKeysOf allOfOne("TraceA");
+constinit const ZQAnyTraceKey anyKey;
+
+constexpr std::int64_t values[] = {-1, 0, 1, 2, 3, INT32_MAX, INT64_MIN};
+constexpr std::int64_t thresholds[] = {-1, 0, 1, 2, 3, INT64_MAX};
+
+struct Store {
+    virtual ~Store() = default;
+};
+const Store store;
+
+/// What the operation by name returns, for the method of the store or for a function, of that name.
+using Named = std::function<NSString(const char* method, const char* function)>;
+
+/// Compares all that the condition says with what the operations by name say, which write what they return.
+void expectSame(const ZQTraceCondition& condition, const Named& named) {
+    const NSString ofFunction = named(nullptr, __func__);
+    const NSString ofMethod = named(__func__, nullptr);
+    for (int round = 0; round < 3; ++round) { // the first asks, the others may remember
+        EXPECT_EQ(condition.isEnabled(), static_cast<bool>(ofFunction));
+        EXPECT_EQ(utf8Of(condition.logString("%d of %@", 3, "five")), utf8Of(ofFunction));
+        EXPECT_EQ(utf8Of(condition.logString(&store, "%d of %@", 3, "five")), utf8Of(ofMethod));
+        const CapturedOutput output;
+        condition.log("%d of %@", 3, "five");
+        condition.log(&store, "%d of %@", 3, "five");
+        EXPECT_EQ(output.texts(), ofFunction ? (Texts{utf8Of(ofFunction), utf8Of(ofMethod)}) : Texts());
+    }
+}
+
+NSString byKey(const char* method, const char* function) {
+    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForTraceKey_usingFormat(
+                                   &store, method, true, "TraceA", "%d of %@", 3, "five")
+                             : ZQLog::logFunctionName_logAlways_logStringForTraceKey_usingFormat(
+                                   function, true, "TraceA", "%d of %@", 3, "five");
+}
+
+NSString byValue(std::int64_t value, const char* method, const char* function) {
+    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
+                                   &store, method, true, "TraceA", value, "%d of %@", 3, "five")
+                             : ZQLog::logFunctionName_logAlways_logStringForTraceKey_value_usingFormat(
+                                   function, true, "TraceA", value, "%d of %@", 3, "five");
+}
+
+NSString byThreshold(std::int64_t threshold, const char* method, const char* function) {
+    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
+                                   &store, method, true, "TraceA", threshold, "%d of %@", 3, "five")
+                             : ZQLog::logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormat(
+                                   function, true, "TraceA", threshold, "%d of %@", 3, "five");
+}
+
+NSString byAnyOf(const NSArray& keys, const char* method, const char* function) {
+    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
+                                   &store, method, true, keys, "%d of %@", 3, "five")
+                             : ZQLog::logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormat(
+                                   function, true, keys, "%d of %@", 3, "five");
+}
+
+NSString byAllOf(const NSArray& keys, const char* method, const char* function) {
+    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
+                                   &store, method, true, keys, "%d of %@", 3, "five")
+                             : ZQLog::logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormat(
+                                   function, true, keys, "%d of %@", 3, "five");
+}
+
+NSString byAnyKey(const char* method, const char* function) {
+    return method != nullptr
+               ? ZQLog::logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(&store, method, true,
+                                                                                    "%d of %@", 3, "five")
+               : ZQLog::logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormat(function, true,
+                                                                                     "%d of %@", 3, "five");
+}
+
+void expectSameForAllConditions() {
+    using std::placeholders::_1;
+    using std::placeholders::_2;
+    expectSame(traceA, byKey);
+    for (std::size_t i = 0; i < std::size(values); ++i) {
+        expectSame(valueOfA[i], std::bind(byValue, values[i], _1, _2));
+    }
+    for (std::size_t i = 0; i < std::size(thresholds); ++i) {
+        expectSame(thresholdOfA[i], std::bind(byThreshold, thresholds[i], _1, _2));
+    }
+    expectSame(anyOfThree, std::bind(byAnyOf, NSArray{"TraceA", "TraceB", "TraceC"}, _1, _2));
+    expectSame(anyOfOne, std::bind(byAnyOf, NSArray{"TraceA"}, _1, _2));
+    expectSame(allOfTwo, std::bind(byAllOf, NSArray{"TraceA", "TraceB"}, _1, _2));
+    expectSame(allOfOne, std::bind(byAllOf, NSArray{"TraceA"}, _1, _2));
+    expectSame(anyKey, byAnyKey);
+}
+
+TEST(ZQTraceKey, saysWhatTheOperationsByNameSay) {
+    const char* const forms[] = {"<true/>",
+                                 "<false/>",
+                                 "<integer>0</integer>",
+                                 "<integer>2</integer>",
+                                 "<integer>3</integer>",
+                                 "<integer>-1</integer>",
+                                 "<integer>2147483647</integer>",
+                                 "<integer>5000000000</integer>",
+                                 "<real>0.5</real>",
+                                 "<string>yes</string>",
+                                 "<string>true</string>",
+                                 "<string>2</string>",
+                                 "<string>3 or so</string>",
+                                 "<string></string>",
+                                 "<array><true/></array>",
+                                 "<date>2001-01-01T00:00:00Z</date>"};
+    TraceKeys keys{};
+    expectSameForAllConditions();
+    for (const char* const a : forms) {
+        for (const char* const b : {"<true/>", "<false/>"}) {
+            keys.replace({{"TraceA", a}, {"TraceB", b}});
+            ZQLog::initializeTraceDefaultsDict();
+            SCOPED_TRACE(std::string(a) + " " + b);
+            expectSameForAllConditions();
+        }
+    }
+    keys.replace({{"TraceC", "<true/>"}});
+    ZQLog::initializeTraceDefaultsDict();
+    expectSameForAllConditions();
+}
+
+TEST(ZQTraceKey, labelsItsLinesByCondition) {
+    const TraceKeys keys{{"TraceA", "<integer>2</integer>"}, {"TraceB", "<true/>"}};
+    EXPECT_EQ(utf8Of(traceA.logString("%d items", 3)), "TraceA: TestBody() 3 items");
+    EXPECT_EQ(utf8Of(traceA.logString(nullptr, "x")), "TraceA: [<<no instance>> TestBody] x");
+    EXPECT_EQ(utf8Of(traceA.logString(classOf<NSString>(), "x")), "TraceA: +[NSString TestBody] x");
+    EXPECT_EQ(utf8Of(valueOfA[3].logString("x")), "TraceA=2: TestBody() x");
+    EXPECT_EQ(utf8Of(thresholdOfA[2].logString("x")), "TraceA>=1: TestBody() x");
+    EXPECT_EQ(utf8Of(anyOfThree.logString("x")), "TraceA/TraceB: TestBody() x");
+    EXPECT_EQ(utf8Of(allOfTwo.logString("x")), "TraceA+TraceB: TestBody() x");
+    EXPECT_EQ(utf8Of(anyKey.logString("x")), "Trace: TestBody() x");
+}
+
+template <class T>
+NSString textOfTemplate(T value) {
+    return traceA.logString("%@", value);
+}
+
+template <class T>
+struct Holding {
+    NSString text() const { return traceA.logString("x"); }
+    bool operator<(int) const { return traceA.logString("x").hasSuffix("operator<() x"); }
+};
+
+TEST(ZQTraceKey, namesTheFunctionThatHoldsTheCall) {
+    const TraceKeys keys{{"TraceA", "<true/>"}};
+    EXPECT_EQ(utf8Of(textOfTemplate(NSString("x"))), "TraceA: textOfTemplate() x");
+    EXPECT_EQ(utf8Of(textOfTemplate(std::string("x"))), "TraceA: textOfTemplate() x");
+    EXPECT_EQ(utf8Of(Holding<std::string>().text()), "TraceA: text() x");
+    EXPECT_TRUE(Holding<int>() < 1);
+    EXPECT_EQ(utf8Of([] {
+                  return traceA.logString("x");
+              }()),
+              "TraceA: operator()() x");
+    static const NSString outside = traceB.logString("x");
+    EXPECT_FALSE(outside);
+}
+
+static_assert(detail::plainNameLength("f") == 1);
+static_assert(detail::plainNameLength("") == 0);
+static_assert(detail::plainNameLength("f<std::pair<int, int> >") == 1);
+static_assert(detail::plainNameLength("operator<") == 9);
+static_assert(detail::plainNameLength("operator->") == 10);
+
+TEST(ZQTraceKey, takesFormatsOfEveryKind) {
+    const TraceKeys keys{{"TraceA", "<true/>"}};
+    EXPECT_EQ(utf8Of(traceA.logString(u"%d \u00fc", 3)), "TraceA: TestBody() 3 \u00fc");
+    EXPECT_EQ(utf8Of(traceA.logString(NSString("%d"), 3)), "TraceA: TestBody() 3");
+    EXPECT_EQ(utf8Of(traceA.logString(StringView("%s of %s"), "a", "b")), "TraceA: TestBody() a of b");
+    EXPECT_EQ(utf8Of(traceA.logString("%s of %s", "a", "b")), "TraceA: TestBody() a of b");
+}
+
+// It would look like a condition that does not hold.
+TEST(ZQTraceKey, remembersNothingOfANilFormat) {
+    const TraceKeys keys{{"TraceA", "<true/>"}};
+    const CapturedOutput output;
+    traceA.log(NSString());
+    EXPECT_FALSE(traceA.logString(NSString()));
+    traceA.log("x");
+    EXPECT_EQ(output.texts(), Texts{"TraceA: TestBody() x"});
+}
+
+TEST(ZQTraceKey, seesEachRereading) {
+    TraceKeys keys{};
+    for (int round = 0; round < 20; ++round) {
+        const bool isOn = round % 2 != 0;
+        keys.replace({{"TraceA", isOn ? "<true/>" : "<false/>"}});
+        EXPECT_EQ(traceA.isEnabled(), round != 0 && !isOn); // as of the reading before
+        ZQLog::initializeTraceDefaultsDict();
+        EXPECT_EQ(traceA.isEnabled(), isOn);
+        EXPECT_EQ(traceA.isEnabled(), isOn);
+    }
+}
+
+TEST(ZQTraceKey, makesTheFirstReading) {
+    logtest::inFreshProcess([] {
+        const logtest::DefaultsScene defaults{{"TraceA", "<true/>"}};
+        EXPECT_TRUE(traceA.isEnabled());
+    });
+}
+
+TEST(ZQTraceKey, allocatesNothingWhileItIsOffAndAsksOnce) {
+    const TraceKeys keys{{"TraceB", "<true/>"}};
+    const std::size_t before = kit::AllocationCount::now();
+    for (int i = 0; i < 3; ++i) {
+        traceA.log("%d", i);
+        traceA.log(&store, "%d", i);
+        EXPECT_FALSE(traceA.isEnabled() || thresholdOfA[3].isEnabled() || allOfTwo.isEnabled());
+    }
+    EXPECT_EQ(kit::AllocationCount::now(), before);
+}
+
+TEST(ZQTraceKey, worksInAForkedChildWhichRereadsForItself) {
+    TraceKeys keys{{"TraceA", "<true/>"}};
+    EXPECT_TRUE(traceA.isEnabled());
+    EXPECT_FALSE(traceB.isEnabled());
+    EXPECT_TRUE(logtest::inChild([&keys] {
+        const bool isAsBefore = traceA.isEnabled() && !traceB.isEnabled();
+        keys.replace({{"TraceB", "<true/>"}});
+        ZQLog::initializeTraceDefaultsDict();
+        return isAsBefore && !traceA.isEnabled() && traceB.isEnabled();
+    }));
+    EXPECT_TRUE(traceA.isEnabled());
+    EXPECT_FALSE(traceB.isEnabled());
+}
+
+TEST(ZQTraceKeyConcurrency, waitsLikeTheOperationsByNameWhileTheMonitorIsHeld) {
+    const TraceKeys keys{};
+    EXPECT_FALSE(traceA.isEnabled());
+    EXPECT_TRUE(logtest::waitsWhileTheMonitorIsHeld([] { traceA.isEnabled(); }));
+    EXPECT_TRUE(logtest::waitsWhileTheMonitorIsHeld([] { traceA.log("x"); }));
+    const ZQLog::Synchronized own; // its own thread goes on
+    EXPECT_FALSE(traceA.isEnabled());
+}
+
+// Each reader knows which readings were surely over before it asked, and which had surely not begun after.
+TEST(ZQTraceKeyConcurrency, neverAnswersFromAReadingThatIsOver) {
+    constexpr long rereadings = hosttest::scaled(500, 200, 100);
+    TraceKeys keys{};
+    std::atomic<long> begun = 0;
+    std::atomic<long> over = 0;
+    std::atomic<long> wrong = 0;
+    std::atomic<long> sure = 0;
+    std::atomic<bool> ends = false;
+    const auto read = [&] {
+        while (!ends) {
+            const long before = over;
+            const bool isOn = traceA.isEnabled();
+            const bool isOnInText = static_cast<bool>(traceA.logString("x"));
+            const long after = begun;
+            if (before == after) {
+                ++sure;
+                wrong += isOn == (before % 2 != 0) && isOnInText == isOn ? 0 : 1;
+            }
+        }
+    };
+    {
+        logtest::Background first(read);
+        logtest::Background second(read);
+        for (long i = 1; i <= rereadings; ++i) {
+            ++begun;
+            keys.replace({{"TraceA", i % 2 != 0 ? "<true/>" : "<false/>"}});
+            ZQLog::initializeTraceDefaultsDict();
+            over = i;
+            const long before = sure;
+            while (i % 50 == 0 && sure == before) {
+                std::this_thread::yield();
+            }
+        }
+        ends = true;
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_GT(sure, 0);
+}
+
+} // namespace
