@@ -348,6 +348,55 @@ void writeDisturbed(const Findings& findings, Channel channel) {
     findings.expect(verdict.empty(), verdict);
 }
 
+/// What comes of two lines in the same second with a change of the world in between, and of a third in the
+/// next second. Signals end the child; nothing waits for a clock.
+template <class Change>
+std::string endAfter(const Change& change, bool isInTheNextSecond) {
+    const scene::Folder folder;
+    return inChild([&](const Findings& found) {
+        setDisposition(SIGPIPE, SIG_DFL);
+        setDisposition(SIGXFSZ, SIG_DFL);
+        const Descriptor file(openToAppend(folder / "log"));
+        ::dup2(file.number(), STDERR_FILENO);
+        double now = 1709647629;
+        detail::overrides::clock = &now;
+        ZQLog::log("first");
+        change();
+        now += isInTheNextSecond ? 1 : 0.5;
+        errno = EDOM;
+        ZQLog::log("second");
+        found.expect(errno == EDOM && !isPending(SIGPIPE) && !isPending(SIGXFSZ), "the host was touched");
+        ::dup2(file.number(), STDERR_FILENO);
+        setFileSizeLimit(RLIM_INFINITY);
+        ZQLog::log("third");
+        found.expect(textsIn(scene::contentsOf(folder / "log")) == Texts{"first", "third"}, "other lines");
+    });
+}
+
+void putPipeWithoutReaderOnStandardError() {
+    int ends[2];
+    if (::pipe(ends) == 0) {
+        ::close(ends[0]);
+        ::dup2(ends[1], STDERR_FILENO);
+        ::close(ends[1]);
+    }
+}
+
+TEST(HostileDescriptors, areSeenInTheNextSecondWhenTheHostPutsAPipeInTheirPlace) {
+    EXPECT_EQ(endAfter(putPipeWithoutReaderOnStandardError, true), "");
+}
+
+TEST(HostileDescriptors, areSeenInTheNextSecondWhenTheHostLowersTheLimit) {
+    EXPECT_EQ(endAfter([] { setFileSizeLimit(10); }, true), "");
+}
+
+// The price of one system call a line, which the documentation names.
+TEST(HostileDescriptors, areTakenForWhatTheyWereWithinTheSecond) {
+    EXPECT_EQ(endAfter(putPipeWithoutReaderOnStandardError, false),
+              "killed by signal " + std::to_string(SIGPIPE));
+    EXPECT_EQ(endAfter([] { setFileSizeLimit(10); }, false), "killed by signal " + std::to_string(SIGXFSZ));
+}
+
 TEST(HostileDescriptors, keepLinesWholeWhenSignalsInterruptThem) {
     for (const Channel channel : {Channel::pipe, Channel::socket}) {
         EXPECT_EQ(inChild([&](const Findings& findings) { writeDisturbed(findings, channel); }), "");
