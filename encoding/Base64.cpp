@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Base64 into and from allocated buffers.
+// Encodes Base64 to allocated buffers and decodes it.
 #include "encoding/Base64.h"
 
 #include <cstdlib>
@@ -15,13 +15,13 @@ char* NewBase64Encode(const void* buffer, std::uint64_t length, int separateLine
                       std::uint64_t* outputLength) noexcept {
     constexpr std::uint64_t longest = UINT64_MAX / 8;
     if (length > longest) {
-        return nullptr; // there is no memory for four thirds of that
+        return nullptr; // four thirds of that do not fit into memory
     }
     std::uint64_t capacity = (length + 2) / 3 * 4;
     if (separateLines != 0) {
         capacity += capacity / 32;
     }
-    capacity |= 1U; // for the separators and the zero
+    capacity |= 1U; // room for the separators and the zero byte
     auto* const text = static_cast<char*>(std::malloc(capacity));
     if (text == nullptr) {
         return nullptr;
@@ -40,7 +40,7 @@ void* NewBase64Decode(const char* inputBuffer, std::int64_t length, std::uint64_
     if (inputBuffer != nullptr && length != 0) {
         count = length > 0 ? static_cast<std::size_t>(length) : length == -1 ? std::strlen(inputBuffer) : 0;
     }
-    // An empty allocation may be null, which would look like a failure.
+    // An allocation of 0 bytes may be null, which would look like a failure.
     const std::size_t capacity = (count + 3) / 4 * 3;
     auto* const bytes = static_cast<std::uint8_t*>(std::malloc(capacity != 0 ? capacity : 1));
     std::uint64_t decoded = 0;

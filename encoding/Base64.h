@@ -8,25 +8,25 @@
 
 namespace ZQFoundation {
 
-/// The Base64 text of `length` bytes in the standard alphabet of RFC 4648, padded with "=", ended by a zero
-/// byte. With `separateLines` not 0, lines of 64 characters are separated by CR LF, and none follows the
-/// last.
+/// The Base64 text of `length` bytes in the standard alphabet of RFC 4648, padded with "=" and followed by a
+/// zero byte. If `separateLines` is not 0, lines of 64 characters are separated by CR LF, and none follows
+/// the last.
 ///
-/// The caller releases the text with `free`. Null, with `outputLength` unwritten, when there is no memory.
+/// The caller releases the text with `free`. Null, without writing `outputLength`, if memory runs out.
 /// Otherwise `outputLength`, unless it is null, receives the number of bytes before the zero. Callable from
 /// any thread.
 extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::uint64_t length,
                                                                    int separateLines,
                                                                    std::uint64_t* outputLength) noexcept;
 
-/// The bytes that a Base64 text of `length` bytes spells; -1: the text ends at its zero byte. Bytes outside
-/// the alphabet are skipped, "=" among them; two or three characters at the end give one or two bytes.
+/// Decodes a Base64 text of `length` bytes; with -1, the text ends at its zero byte. Bytes outside the
+/// alphabet, including "=", are skipped; two or three characters at the end give one or two bytes.
 ///
-/// **The length is one less than the bytes decoded when something to skip follows the last whole
-/// group of four characters**, a line break for instance; for a text of nothing but foreign bytes it is the
+/// **The length is one less than the number of bytes decoded if something to skip follows the last complete
+/// group of four characters**, such as a line break; for a text of nothing but foreign bytes it is the
 /// largest number.
 ///
-/// The caller releases the bytes, which no zero ends, with `free`. Null when there is no memory; then
+/// The caller releases the bytes, which have no terminating zero, with `free`. Null if memory runs out; then
 /// `outputLength` receives 0. Callable from any thread.
 extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT void*
 NewBase64Decode(const char* inputBuffer, std::int64_t length, std::uint64_t* outputLength) noexcept;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Data from and to Base64 strings.
+// Converts data to Base64 strings and back.
 #include <new>
 
 #include "foundation/objects/StringBodies.h"
@@ -13,7 +13,7 @@ namespace base64 = detail::base64;
 
 namespace {
 
-/// Written into the body of the string itself.
+/// Encodes directly into the body of the string.
 NSString encoded(const NSData& data, bool separateLines) {
     if (!data) {
         return nullptr;
@@ -40,10 +40,10 @@ NSData NSData::dataFromBase64String(const NSString& text) {
     body->references = 1;
     const auto* const input = reinterpret_cast<const std::uint8_t*>(characters.bytes());
     const std::uint64_t length = base64::decode(base64::codec(), input, characters.size(), body->bytes());
-    // Nothing but foreign characters is reported as more than can be.
+    // For text of nothing but foreign characters the reported length is larger than the buffer.
     body->length = length <= capacity ? length : 0;
     NSData result = Access::adoptData(body);
-    // A text that was mostly foreign characters leaves no large body behind.
+    // Do not keep a large body for a text of mostly foreign characters.
     return body->length >= capacity - capacity / 8 ? result
                                                    : dataWithBytes_length(body->bytes(), body->length);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// URLs made of their parts.
+// Builds URLs from their parts.
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/NSURL.h"
 #include "foundation/objects/TextBuilder.h"
@@ -24,7 +24,7 @@ bool startsWith(StringView text, std::size_t slashes) noexcept {
     return true;
 }
 
-/// Behind an authority a path goes on from the root; without one, "//" would begin an authority.
+/// After an authority a path must be absolute; without one, "//" would begin an authority.
 bool pathFits(StringView path, bool hasAuthority) noexcept {
     return hasAuthority ? isEmpty(path) || startsWith(path, 1) : !startsWith(path, 2);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The one-line renderings of NSArray(ZQFoundation) and NSDictionary(ZQFoundation).
+// The one-line descriptions of arrays and dictionaries.
 #include "extensions/Condensed.h"
 
 #include <vector>
@@ -10,7 +10,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Renders nested collections of any depth with an explicit stack.
+/// Describes nested collections of any depth, with an explicit stack instead of recursion.
 class CondensedWriter {
 public:
     explicit CondensedWriter(TextBuilder& out) noexcept : out_(out) {}
@@ -23,7 +23,7 @@ public:
     }
 
 private:
-    /// The members still to write: elements, or keys and values by turns.
+    /// The members still to be written: elements, or keys and values alternately.
     struct Frame {
         bool isArray;
         const NSObject* elements;

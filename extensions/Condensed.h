@@ -7,10 +7,10 @@
 
 namespace ZQFoundation::detail {
 
-/// Arrays and dictionaries have a rendering of their own on one line.
+/// Whether the value has its own one-line description: arrays and dictionaries do.
 bool isCondensable(const NSObject& object) noexcept;
 
-/// Appends the rendering of an array or dictionary of any depth.
+/// Appends the one-line description of an array or dictionary of any depth.
 ///
 ///     ()            "(  )"                 (1, a, (2, 3))     "( 1, a, ( 2, 3 ) )"
 ///     {}            "{ }"                  {b = 2; A = (x)}   "{ A = ( x ); b = 2; }"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Texts appended to files in one write.
+// Appends texts to files in one write.
 #include <new>
 #include <string>
 
@@ -20,11 +20,10 @@ namespace {
 using detail::Descriptor;
 using detail::PathHandle;
 
-/// Others may make and remove the file between two looks at it; somebody who keeps doing so does not keep us
-/// for ever.
+/// Others may create and remove the file between two checks, so bound the retries.
 constexpr int maxAttempts = 64;
 
-/// The lock of a folder, held by one process and thread at a time; taken back with the object.
+/// The lock of a folder, held by one process and thread at a time and released with the object.
 class FolderLock {
 public:
     FolderLock() = default;
@@ -36,7 +35,7 @@ public:
         }
     }
 
-    /// Waits for about a second at most: the lock is anybody's who may read the folder.
+    /// Waits at most about a second, because anybody who can read the folder can take the lock.
     bool take(const std::string& path) {
         constexpr int maxMilliseconds = 1000;
         const std::size_t slash = path.rfind('/');
@@ -62,7 +61,7 @@ private:
     bool isLocked_ = false;
 };
 
-/// A link that leads to itself leads to no file either.
+/// Whether this error of following a link means that it is dangling; a link to itself counts as dangling too.
 bool meansDanglingLink(int error) noexcept { return error == ENOENT || error == ELOOP; }
 
 bool isDanglingLink(const PathHandle& path) noexcept {
@@ -72,12 +71,12 @@ bool isDanglingLink(const PathHandle& path) noexcept {
            meansDanglingLink(errno);
 }
 
-/// Puts an empty file in the place of a link that leads nowhere; what it leads to is never made. Of several
-/// who find the same link one does so, under the folder's lock, so that nobody's file with a text in it is
-/// replaced. True when no such link stands there any more.
+/// Replaces a dangling link by an empty file; its target is never created. If several processes find the same
+/// link, one replaces it, under the folder's lock, so that no file that already has text is replaced. True if
+/// there is no longer such a link.
 bool replaceDanglingLink(const std::string& bytes, const PathHandle& path) {
     if (!isDanglingLink(path)) {
-        return true; // somebody else has made the file meanwhile
+        return true; // somebody else has created the file meanwhile
     }
     FolderLock lock;
     if (!lock.take(bytes)) {
@@ -88,7 +87,7 @@ bool replaceDanglingLink(const std::string& bytes, const PathHandle& path) {
                NSString::stringWithFileSystemBytes(bytes.data(), bytes.size()), nullptr, nullptr);
 }
 
-/// The file at the path, made when it is missing; never cut off or replaced. None when that fails.
+/// The file at the path, created if missing; never truncated or replaced. No descriptor if that fails.
 Descriptor openForAppending(const std::string& bytes) {
     constexpr int flags = O_WRONLY | O_APPEND;
     PathHandle path;
@@ -100,7 +99,7 @@ Descriptor openForAppending(const std::string& bytes) {
         if (file || !meansDanglingLink(errno)) {
             return file;
         }
-        // Whoever comes second finds the file of the first, and opens that one.
+        // If another process has created it in between, the next attempt opens that file.
         file = detail::openNonBlocking(path, flags | O_CREAT | O_EXCL, 0666);
         if (file || errno != EEXIST || !replaceDanglingLink(bytes, path)) {
             return file;
@@ -109,9 +108,9 @@ Descriptor openForAppending(const std::string& bytes) {
     return Descriptor();
 }
 
-/// The system moves to the end and writes in one step, so that texts of several processes never tear each
-/// other. What has no end, such as a pipe, takes nothing. Closing tells of writes that failed late, as they
-/// may over a network.
+/// The system seeks to the end and writes in one step, so that texts of several processes are never
+/// interleaved. Files without an end, such as a pipe, are rejected. Closing reports writes that failed late,
+/// as on network file systems.
 bool append(const std::string& path, const NSData& data) {
     Descriptor file = openForAppending(path);
     return file && ::lseek(file.number(), 0, SEEK_END) >= 0 &&

@@ -15,7 +15,7 @@ constexpr bool isNewline(char16_t unit) noexcept {
 /// The same for `nextPlace` and `countPlaces`, over bytes of ASCII or over units.
 template <class Unit>
 inline constexpr auto newlineTest = [](auto unit) {
-    // Units below U+000A become large numbers, in a block by themselves and here by the cast.
+    // Units below U+000A wrap to large numbers: in a block by themselves, here by the cast.
     const auto isAsciiNewline = static_cast<decltype(unit)>(unit - 0x0A) <= 3;
     if constexpr (sizeof(Unit) == 1) {
         return isAsciiNewline;
@@ -25,7 +25,7 @@ inline constexpr auto newlineTest = [](auto unit) {
 };
 
 /// Calls `line(start, end)` for each line. CR LF and LF CR are one break each; a break at the end is followed
-/// by an empty line, and no units have no lines.
+/// by an empty line; an empty text has no lines.
 template <class Unit, class Line>
 void forEachLine(const Unit* units, std::size_t length, const Line& line) {
     std::size_t at = 0;

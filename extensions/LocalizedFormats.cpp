@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Formats that come from the tables of localized texts.
+// Fills formats from the tables of localized texts.
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/process/NSBundle.h"
@@ -24,7 +24,7 @@ NSString NSString::stringWithLocalizedFormat(const NSString& key) {
 }
 
 NSString NSString::localizedStringWithLocalizedFormat(const NSString& key) {
-    // No locale touches a text that "%@" inserts, so the user's need not be looked up.
+    // A locale does not affect text inserted by "%@", so the user's locale need not be looked up.
     return stringWithLocalizedFormat(key);
 }
 

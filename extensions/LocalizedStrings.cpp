@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The functions for localized texts with C linkage.
+// The functions with C linkage that look up localized texts.
 #include "extensions/LocalizedStrings.h"
 
 #ifdef __clang__
@@ -10,7 +10,8 @@ namespace ZQFoundation {
 
 namespace {
 
-/// As of a bundle without any tables. Never nil, since that would be no format.
+/// The text for a nil bundle: the same as for a bundle without tables. Never nil, because nil is not a
+/// format.
 NSString textOfNoBundle(const NSString& key, const NSString& defaultValue) {
     if (defaultValue.length() > 0) {
         return defaultValue;
@@ -18,8 +19,9 @@ NSString textOfNoBundle(const NSString& key, const NSString& defaultValue) {
     return key ? key : NSString("");
 }
 
-/// The localized text as a format whose one argument stands for the caller's whole list. It is no value and
-/// nothing of the caller's, so that a text from a table decides nothing about what is read.
+/// Uses the localized text as a format with one argument that stands for the caller's whole list. That
+/// argument is not a value and has nothing of the caller's, so a text from a table cannot decide what is
+/// read.
 NSString formattedText(const NSString& key, const NSString& table, const NSBundle& bundle,
                        const NSString& defaultValue) {
     const Argument argumentList(nullptr);

@@ -8,12 +8,12 @@
 /// @file
 /// Functions that look a text up in a table of localized texts and format it with **one single argument that
 /// replaces the whole argument list**: they never put a caller's value into the text. A text without
-/// conversions comes back as it is, "%%" as "%"; "%@" gives "(null)" and "%d" gives "0". To fill a localized
-/// format with values, use `NSString::initWithLocalizedFormat`.
+/// conversions is returned unchanged, "%%" as "%"; "%@" gives "(null)" and "%d" gives "0". To fill a
+/// localized format with values, use `NSString::initWithLocalizedFormat`.
 ///
 /// Without a bundle in their name they search the main one; without a table, or with a nil or empty one,
-/// `Localizable`. A key that is missing there, and any key of a nil bundle, gives the default value where
-/// there is one that is not empty, else the key; a nil key gives the default value, else an empty text.
+/// `Localizable`. A key that is missing there, and any key of a nil bundle, gives the default value if there
+/// is one and it is not empty, else the key; a nil key gives the default value, else an empty text.
 /// `comment`, a note to translators, is never read. Nothing raises. Callable from any thread.
 namespace ZQFoundation {
 

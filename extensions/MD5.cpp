@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The MD5 digest.
+// Computes MD5 digests.
 #include "extensions/MD5.h"
 
 #include <bit>
@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t blockSize = 64;
 
-/// The four words that every block changes.
+/// The state: four words that every block changes.
 struct State {
     std::uint32_t a = 0x67452301;
     std::uint32_t b = 0xEFCDAB89;
@@ -20,7 +20,7 @@ struct State {
     std::uint32_t d = 0x10325476;
 };
 
-/// The words of a block, the bytes of each in ascending order.
+/// The words of a block, little-endian.
 std::uint32_t wordAt(const std::uint8_t* block, unsigned index) noexcept {
     std::uint32_t word = 0;
     std::memcpy(&word, block + index * sizeof word, sizeof word);
@@ -30,7 +30,7 @@ std::uint32_t wordAt(const std::uint8_t* block, unsigned index) noexcept {
     return word;
 }
 
-/// Whole parts of 2^32 times the sine of 1 to 64.
+/// The integer parts of 2^32 times the absolute sine of 1 to 64.
 constexpr std::uint32_t sines[64] = {
     0xD76AA478, 0xE8C7B756, 0x242070DB, 0xC1BDCEEE, 0xF57C0FAF, 0x4787C62A, 0xA8304613, 0xFD469501,
     0x698098D8, 0x8B44F7AF, 0xFFFF5BB1, 0x895CD7BE, 0x6B901122, 0xFD987193, 0xA679438E, 0x49B40821,
@@ -41,9 +41,9 @@ constexpr std::uint32_t sines[64] = {
     0xF4292244, 0x432AFF97, 0xAB9423A7, 0xFC93A039, 0x655B59C3, 0x8F0CCC92, 0xFFEFF47D, 0x85845DD1,
     0x6FA87E4F, 0xFE2CE6E0, 0xA3014314, 0x4E0811A1, 0xF7537E82, 0xBD3AF235, 0x2AD7D2BB, 0xEB86D391};
 
-// Each step waits for the one before it, so what counts is how few operations lie between the newest word,
-// `x`, and the result. The second function adds its halves, which never share a bit: the half without `x`
-// joins the sum ahead of time.
+// Each step depends on the one before it, so speed depends on the number of operations between the newest
+// word, `x`, and the result. The second function adds its halves, which never share a bit, so that the half
+// without `x` can be added early.
 
 template <unsigned round>
 inline std::uint32_t mixed(std::uint32_t sum, std::uint32_t x, std::uint32_t y, std::uint32_t z) noexcept {
@@ -101,7 +101,7 @@ std::array<std::uint8_t, 16> md5(const void* bytes, std::size_t count) noexcept 
     for (; left >= blockSize; left -= blockSize, at += blockSize) {
         digestBlock(state, at);
     }
-    // The rest, a bit, zeroes, and the length in bits: one block more, or two.
+    // The padding: the rest, a bit, zeros, and the length in bits take one or two more blocks.
     std::uint8_t last[2 * blockSize] = {};
     if (left != 0) {
         std::memcpy(last, at, left);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The library's own operations on arrays.
+// NSArray(ZQFoundation): the operations that the library adds to arrays.
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// NSDate(ZQFoundation): building, comparing and rounding dates, and their places in the calendar.
+// NSDate(ZQFoundation): builds, compares and rounds dates, and gives their calendar fields.
 #include <cmath>
 
 #include "foundation/objects/NSDate.h"
@@ -11,7 +11,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// 0 where the date has no such field.
+/// The value of a calendar field; 0 if the date does not have it.
 std::int64_t isoField(NSCalendarUnit unit, const NSDate& receiver, const NSDate& date) noexcept {
     if (!receiver) {
         return 0;
@@ -41,7 +41,7 @@ NSDate NSDate::dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t y
 NSDate NSDate::dateWithDate_andModifiedHour_minute_second(const NSDate& date, std::int64_t hour,
                                                           std::int64_t minute, std::int64_t second) noexcept {
     const NSCalendar calendar = NSCalendar::currentCalendar();
-    // Without the era a year before the first one becomes the year of that number after it.
+    // The era is not carried over: a year BC becomes the year AD with the same number.
     NSDateComponents components =
         calendar.components_fromDate(NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, date);
     if (components.day == NSDateComponentUndefined) {
@@ -64,7 +64,7 @@ bool NSDate::isWithinOneSecondFrom(const NSDate& other) const noexcept {
 }
 
 bool NSDate::isAtLeastOneSecondEarlierThan(const NSDate& other) const noexcept {
-    // Not -1.0: hosts rely on equal dates, and those up to a second later, passing.
+    // Not -1.0: hosts rely on the result for equal dates, and for dates up to a second later.
     return *this && other && timeIntervalSinceDate(other) <= 1.0;
 }
 
@@ -78,8 +78,8 @@ std::int64_t NSDate::calendarDaysBetween_and(const NSDate& first, const NSDate& 
     if (!detail::instantOfDate(first, from) || !detail::instantOfDate(second, to)) {
         return 0;
     }
-    // From one start of a day to another as many days are counted as the calendar has dates from one to the
-    // other, so the starts themselves need not be looked for.
+    // Between two starts of days the number of days is the difference of the calendar dates, so the starts
+    // need not be computed.
     const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
     return detail::LocalDate(to, zone).days - detail::LocalDate(from, zone).days;
 }

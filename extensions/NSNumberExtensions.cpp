@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// NSNumber(ZQFoundation): parity, readable comparisons, steps, and seconds as a clock shows them.
+// NSNumber(ZQFoundation): parity, comparisons, steps, and durations as a clock shows them.
 #include "foundation/objects/NSNumber.h"
 
 #include "foundation/objects/NSString.h"
@@ -10,7 +10,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// The steps of the 32-bit view wrap, which only unsigned numbers may.
+/// Adds to the 32-bit value with wrap-around, which is defined only for unsigned numbers.
 NSNumber stepped(const NSNumber& number, unsigned step) noexcept {
     return number ? NSNumber(static_cast<int>(number.unsignedIntValue() + step)) : NSNumber();
 }
@@ -26,7 +26,7 @@ int shownFields(unsigned seconds, std::int64_t fieldCount, bool suppressZeroes) 
     if (fieldCount >= 3 && (!suppressZeroes || seconds >= 3600)) {
         return 3;
     }
-    // The minutes within the hour decide, not those of the whole: an hour and five seconds in at most two
+    // The minutes within the hour decide, not the total minutes: an hour and five seconds in at most two
     // fields are "05".
     return fieldCount >= 2 && (!suppressZeroes || seconds % 3600 >= 60) ? 2 : 1;
 }
@@ -77,7 +77,7 @@ NSString NSNumber::durationDescriptionWithFieldCount_suppressZeroes(std::int64_t
         break;
     }
     end = appendTwoDigits(seconds, end);
-    // Alone, the seconds have no colon in front.
+    // Seconds alone have no colon before them.
     const char* const start = *text == ':' ? text + 1 : text;
     return detail::makeAsciiString(start, static_cast<std::size_t>(end - start));
 }

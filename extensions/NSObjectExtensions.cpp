@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// NSObject(ZQFoundation) and the boolValue of NSString(ZQFoundation).
+// NSObject(ZQFoundation), and the truth value of strings.
 #include "extensions/Condensed.h"
 #include "extensions/Truth.h"
 #include "foundation/objects/AsciiOrUtf16.h"
@@ -13,8 +13,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Whether the upper-cased text is "YES": not only the letters' two cases, a letter with "S" as its capital
-/// too.
+/// Whether the text in upper case is "YES". This includes other letters whose upper case is "S".
 bool readsYes(const AsciiOrUtf16& text) noexcept {
     constexpr char32_t yes[] = {'Y', 'E', 'S'};
     std::size_t matched = 0;
@@ -35,7 +34,7 @@ bool readsYes(const AsciiOrUtf16& text) noexcept {
 
 bool truthOfText(StringView view) {
     const AsciiOrUtf16 text(view);
-    // No letter's capitals are longer than three.
+    // The upper case of a letter has at most three units.
     if (text.length() <= 3 && readsYes(text)) {
         return true;
     }

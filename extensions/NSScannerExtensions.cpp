@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// NSScanner(ZQFoundation): moves that succeed or leave the scanner where it was.
+// NSScanner(ZQFoundation): moves that succeed or do not move the scanner.
 #include "foundation/format/NSScanner.h"
 
 namespace ZQFoundation {
@@ -7,7 +7,8 @@ namespace ZQFoundation {
 bool NSScanner::scanUpToString(StringView target) {
     const std::size_t before = location_;
     scanUpToString_intoString(target, nullptr);
-    // A target made of characters to be skipped counts as the end when nothing else follows it.
+    // If the target consists of characters that the scanner skips, it counts as the end if nothing else
+    // follows it.
     if (!isAtEnd()) {
         return true;
     }

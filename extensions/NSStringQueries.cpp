@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the library asks of strings: emptiness, containment, counts, lengths.
+// NSString(ZQFoundation): queries for emptiness, containment, counts and lengths.
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
@@ -29,7 +29,7 @@ NSComparisonResult longerFirst(std::size_t length, std::size_t other) noexcept {
 } // namespace
 
 NSString NSString::asDefaultOr(const NSString& other) const {
-    // Also for a receiver that is nil: a message to nil answers nil.
+    // Also for a nil receiver: operations on nil return nil.
     return *this && other ? other : *this;
 }
 

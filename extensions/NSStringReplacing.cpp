@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strings made from others: characters replaced, lines indented, a newline added, pieces repeated.
+// NSString(ZQFoundation): replaces characters, indents lines, adds a newline, repeats strings.
 #include <cstring>
 #include <new>
 
@@ -30,7 +30,7 @@ std::size_t nextMember(const Unit* units, std::size_t at, std::size_t length,
     return at;
 }
 
-/// Nil when there is nothing to replace.
+/// The new text; nil if there is nothing to replace.
 template <class Unit>
 NSString replaced(const Unit* units, std::size_t length, const CharacterMembership& members,
                   StringView replacement) {
@@ -65,7 +65,7 @@ NSString indented(const Unit* units, std::size_t length, StringView indent) {
     return out.string();
 }
 
-/// Doubles what is there until it is enough.
+/// Fills the buffer by doubling what has been copied, which takes few calls.
 template <class Unit>
 void fillRepeatedly(Unit* out, const Unit* piece, std::size_t length, std::size_t total) noexcept {
     std::memcpy(out, piece, length * sizeof(Unit));
@@ -137,7 +137,7 @@ NSString NSString::stringByRepeating_count(StringView piece, std::int64_t count)
             return repeated(text, times * text.length());
         }
     } catch (const std::bad_alloc&) {
-        // told below
+        // reported below
     }
     NSException::raise_format(NSMallocException, "%ld times %lu characters do not fit into memory", count,
                               text.length());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strings split into lines and pieces.
+// NSString(ZQFoundation): splits strings into lines and pieces.
 #include "extensions/LineWalk.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSArray.h"
@@ -44,7 +44,7 @@ struct SetMembers : CharacterMembership {
     }
 };
 
-/// Calls `component(start, end)` for each stretch between runs of members, the empty ones at either end too.
+/// Calls `component(start, end)` for each part between runs of members, including empty parts at both ends.
 template <class Unit, class Separators, class Component>
 void forEachComponent(const Unit* units, std::size_t length, const Separators& separators,
                       const Component& component) {
@@ -65,8 +65,8 @@ void forEachComponent(const Unit* units, std::size_t length, const Separators& s
     }
 }
 
-/// The pieces that `walk(take)` tells. There is room for pieces of the usual length; an array with much too
-/// much of it gives it back.
+/// The pieces that `walk` passes to `take`. Reserves space for pieces of the usual length, and releases it if
+/// it is far too much.
 template <class Unit, class Walk>
 NSArray pieces(const Unit* units, std::size_t length, std::size_t usualLength, const Walk& walk) {
     NSMutableArray found(length / usualLength + 2);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Members of a set removed at the ends of strings.
+// NSString(ZQFoundation): removes members of a set at the ends of strings.
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSString.h"
@@ -11,13 +11,13 @@ using detail::CharacterMembership;
 
 namespace {
 
-/// What `whitespaceAndControlCharacterSet` has of ASCII.
+/// The ASCII members of `whitespaceAndControlCharacterSet`.
 struct AsciiBlanksAndControls {
     static bool contains(char unit) noexcept { return unit <= ' ' || unit == 0x7F; }
 };
 
-/// Where the string begins once the members at its front are gone. The walk ends where as many units are
-/// behind it as are left, so no more than about half of the string goes.
+/// The start of the string without the leading members. The search ends when it has passed as many units as
+/// remain, so at most about half of the string is removed. This is intended.
 template <class Unit, class Members>
 std::size_t leftEdge(const Unit* units, std::size_t length, const Members& members) noexcept {
     std::size_t start = 0;
@@ -29,7 +29,7 @@ std::size_t leftEdge(const Unit* units, std::size_t length, const Members& membe
     return start;
 }
 
-/// Where it ends once all members at its end are gone.
+/// The end of the string without the trailing members.
 template <class Unit, class Members>
 std::size_t rightEdge(const Unit* units, std::size_t start, std::size_t length,
                       const Members& members) noexcept {
@@ -47,7 +47,7 @@ struct Sides {
     bool right;
 };
 
-/// The string itself when nothing goes.
+/// The string from `start` to `end`; the string itself if nothing is removed.
 template <class Unit, class Members>
 NSString trimmed(const NSString& string, const Unit* units, const Members& members, Sides sides) {
     const std::size_t length = string.length();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Random UUIDs.
+// Makes random UUIDs.
 #include "foundation/objects/StringBodies.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/System.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The library's percent encodings for URLs and their parts.
+// Percent-encodes URLs and their parts.
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/PercentEscapes.h"
 
@@ -21,7 +21,7 @@ constexpr EscapeTable without(EscapeTable table, const char* characters) noexcep
 
 constexpr EscapeTable componentEscapes = without(pathEscapes, ":/?@$&+,;=# ");
 
-/// Only ASCII units matter: what else there is, is escaped anyway.
+/// Only ASCII units matter: all others are escaped anyway.
 EscapeTable without(EscapeTable table, StringView characters) noexcept {
     for (std::size_t i = 0; i < characters.size(); ++i) {
         const auto unit = characters.form() == StringView::Form::utf16

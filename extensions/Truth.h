@@ -12,9 +12,9 @@ namespace ZQFoundation::detail {
 bool truthOfText(StringView text);
 
 /// The truth that the root object defines, for values of every type: strings by the rule for texts, else the
-/// string form by that rule, else the low 8 bits of the integer form, else false. A number is judged by its
-/// decimal text here, so 0.5 is false, unlike the number's own truth. Allocates nothing for strings and
-/// numbers.
+/// string form by that rule, else the low 8 bits of the integer form, else false. A number is evaluated by
+/// its decimal text here, so 0.5 is false, unlike the number's own truth value. Allocates nothing for strings
+/// and numbers.
 bool rootTruth(const NSObject& object);
 
 } // namespace ZQFoundation::detail

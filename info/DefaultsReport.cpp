@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The report of active switches, with the commands that turn them off.
+// Reports the active switches, with the commands that turn them off.
 #include "info/DefaultsReport.h"
 
 #include "foundation/objects/NSArray.h"
@@ -44,12 +44,12 @@ Switches readSwitches() {
     return {tracing, sorted(enabling.array()), sorted(disabling.array()), sorted(modifying.array())};
 }
 
-/// 0 for a key with a character that Latin-1 does not have.
+/// The width of a key in the report; 0 for a key with a character that Latin-1 lacks.
 std::size_t latin1Length(const NSString& key) {
     return key.lengthOfBytesUsingEncoding(NSISOLatin1StringEncoding);
 }
 
-/// One for all sections, so that the commands stand in one column through the whole report.
+/// One width for all sections, so that the commands are in one column throughout the report.
 std::size_t columnWidth(const Switches& switches) {
     std::size_t longest = 0;
     for (const NSArray& keys :
@@ -97,7 +97,7 @@ public:
                                        key, spacer(key), identifier_, key);
     }
 
-    /// The value's length moves the command out of its column; that is accepted.
+    /// The value moves the command out of its column by its own length; this is intended.
     void writeModifyingKey(const NSString& key) const {
         const NSObject value = NSUserDefaults::standardUserDefaults().objectForKey(key);
         if (!identifier_) {
@@ -115,7 +115,7 @@ private:
     }
 
     NSString spacer(const NSString& key) const {
-        // The width is that of the longest key and one more, so at least one blank is left.
+        // The width is that of the longest key plus one, so there is at least one space.
         return NSString::stringByRepeating_count(" ", static_cast<std::int64_t>(width_ - latin1Length(key)));
     }
 

@@ -7,9 +7,9 @@
 
 namespace ZQFoundation::detail {
 
-/// Writes the active trace keys and the switches among the user defaults to the log, a section for each kind
-/// that has any, the separator behind each section. Gathers the application's facts for its identifier, with
-/// their warnings.
+/// Writes the active trace keys and the switches among the user defaults to the log: a section for each kind
+/// that has any, each followed by the separator. Gathers the application's facts for its identifier,
+/// including their warnings.
 void writeDefaultsReport(StringView separator);
 
 } // namespace ZQFoundation::detail

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The lines of the start-up report made of facts.
+// Formats facts as lines of the start-up report.
 #include "info/FactTexts.h"
 
 namespace ZQFoundation::detail {

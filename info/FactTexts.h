@@ -5,7 +5,7 @@
 
 #include "foundation/objects/NSDictionary.h"
 
-/// The one-line texts of gathered facts. Each makes do with whatever the dictionary lacks.
+/// The one-line texts of gathered facts. Each omits what the dictionary lacks.
 namespace ZQFoundation::detail {
 
 /// Of `shortApplicationName`, `shortVersionString` and `versionString`; never nil.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The application's company, name and library folders.
+// NSProcessInfo(ZQFoundation): the application's company, name and folders.
 #include "foundation/files/HomeFolder.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/process/FolderLayout.h"
@@ -10,7 +10,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// An Info dictionary may hold anything under any key; a value that is no string counts by its text.
+/// An Info dictionary may contain any type under any key; a value that is not a string is converted to text.
 NSString textOfInfoKey(StringView key) {
     const NSObject value = NSBundle::mainBundle().objectForInfoDictionaryKey(key);
     const NSString text(value);
@@ -26,8 +26,8 @@ NSString pathOfLibrarySubfolder(StringView middle) {
         .stringByStandardizingPath();
 }
 
-/// The application's folder in one of the other layout, whose folders are often missing in a new account. One
-/// that cannot be made is named all the same.
+/// The application's folder in the XDG layout. Its parent folders are often missing in a new account, so it
+/// is created; a folder that cannot be created is still named.
 NSString pathOfXdgSubfolder(const NSString& base) {
     const NSString path = base.stringByAppendingPathComponent(NSProcessInfo::appSpecificLibrarySubpath())
                               .stringByStandardizingPath();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The local address of a route as text.
+// Converts the local address of a route to text.
 #include "info/NetworkInfo.h"
 
 #include <cstring>
@@ -15,7 +15,7 @@ NSString NetworkInfo::getLocalIPAddressStringOfInterfaceOfRouteTo(const NSString
     if (address == 0) {
         return nullptr;
     }
-    std::uint8_t bytes[sizeof address]; // in the network's order, so as they stand in memory
+    std::uint8_t bytes[sizeof address]; // in network byte order, so in the order of memory
     std::memcpy(bytes, &address, sizeof address);
     return NSString::stringWithFormat("%u.%u.%u.%u", bytes[0], bytes[1], bytes[2], bytes[3]);
 }

@@ -18,7 +18,7 @@ std::string_view withoutLeadingBlanks(std::string_view text) noexcept {
     return start == std::string_view::npos ? std::string_view() : text.substr(start);
 }
 
-/// Within double quotes a backslash protects only what would mean something there.
+/// Inside double quotes a backslash escapes only characters with a special meaning there.
 bool isProtectedInQuotes(char c) noexcept { return c == '"' || c == '\\' || c == '$' || c == '`'; }
 
 /// Reads the value of one line.
@@ -49,8 +49,8 @@ private:
         } else if (at_ + 1 < text_.size()) {
             value_ += text_[++at_];
         }
-        // Blanks count only when more follows, unless something protects them; then no comment begins behind
-        // them either.
+        // Unescaped spaces belong to the value only if more follows. Escaped ones always do, and no comment
+        // begins after them.
         isBehindBlank_ = isBlank(c);
         if (!isBehindBlank_) {
             meant_ = value_.size();
@@ -77,7 +77,7 @@ private:
     std::size_t at_ = 0;
     std::string value_;
     std::size_t meant_ = 0;
-    bool isBehindBlank_ = false; ///< one that nothing protects
+    bool isBehindBlank_ = false; ///< an unescaped one
 };
 
 bool isWanted(std::string_view key) noexcept {
@@ -85,7 +85,7 @@ bool isWanted(std::string_view key) noexcept {
 }
 
 void readLine(std::string_view line, NSMutableDictionary& entries) {
-    line = withoutLeadingBlanks(line); // a comment has no wanted key, so nothing else is to be done about it
+    line = withoutLeadingBlanks(line); // a comment has no wanted key, so it needs no special treatment
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos || !isWanted(line.substr(0, equals))) {
         return;

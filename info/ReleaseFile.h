@@ -9,11 +9,11 @@
 
 namespace ZQFoundation::detail {
 
-/// The entries NAME, VERSION, VERSION_ID and BUILD_ID of a release description, as far as it has them: lines
-/// of `KEY=value`, the value quoted as for a shell. Of a key that stands twice the last value counts.
+/// The entries NAME, VERSION, VERSION_ID and BUILD_ID of a release description, if it has them: lines of
+/// `KEY=value`, the value quoted as for a shell. If a key occurs twice, the last value counts.
 ///
-/// What a shell would refuse is read as it was meant: blanks in a value without quotes belong to it, those at
-/// its end do not; a quote that is not closed ends with its line. Ill-formed UTF-8 becomes U+FFFD.
+/// What a shell would reject is read as intended: spaces in a value without quotes belong to it, those at its
+/// end do not; a quote that is not closed ends with its line. Ill-formed UTF-8 becomes U+FFFD.
 NSDictionary releaseEntriesFromBytes(const std::string& bytes);
 
 } // namespace ZQFoundation::detail

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Asks the kernel for a route by routing messages.
+// Asks the kernel for a route, with routing messages.
 #include "info/RoutingSocket.h"
 
 #include <atomic>
@@ -35,8 +35,8 @@ namespace {
 /// Socket addresses begin at multiples of this.
 constexpr std::size_t addressUnit = 4;
 
-/// What one call keeps for the rest of the process, on purpose: its socket and the buffer of its messages. A
-/// list of all of them shows whoever looks for lost memory that none of it is.
+/// What each call deliberately keeps for the rest of the process: its socket and its message buffer. A list
+/// of all of them keeps leak checkers quiet.
 struct Lookup {
     Lookup* next = nullptr;
     int socket = -1;
@@ -86,7 +86,7 @@ RouteAddress addressOf(const char* text) noexcept {
     address.sin_family = routeAddressFamily;
     in_addr converted{};
     if (inet_pton(AF_INET, text, &converted) == 1) {
-        address.sin_addr = converted.s_addr; // else the question is for 0.0.0.0
+        address.sin_addr = converted.s_addr; // otherwise the request is for 0.0.0.0
     }
     return address;
 }
@@ -102,7 +102,7 @@ std::size_t writeRequest(Lookup& lookup, const char* destination) noexcept {
     std::memcpy(header.rtm_rmx, &rt_metrics, sizeof rt_metrics);
     const RouteAddress address = addressOf(destination);
     std::memcpy(lookup.addresses(), &address, sizeof address);
-    // Behind it an empty address, all zero, asks for that of the interface.
+    // An empty address after it, all zero, asks for that of the interface.
     const std::size_t length = sizeof header + sizeof address + addressUnit;
     header.rtm_msglen = static_cast<std::uint16_t>(length);
     std::memcpy(lookup.buffer, &header, sizeof header);
@@ -113,7 +113,7 @@ bool answersLastRequest(const RouteMessageHeader& header, pid_t process) noexcep
     return header.rtm_type == routeLookup && header.rtm_seq == currentSequence() && header.rtm_pid == process;
 }
 
-/// Reads until the answer stands in the buffer, or the input ends. False when reading fails.
+/// Reads until the reply is in the buffer or the input ends. False if reading fails.
 bool readReply(Lookup& lookup, pid_t process) noexcept {
     for (;;) {
         const std::ptrdiff_t count = transport().read(lookup.socket, lookup.buffer, sizeof lookup.buffer);
@@ -126,8 +126,8 @@ bool readReply(Lookup& lookup, pid_t process) noexcept {
     }
 }
 
-/// Splits the addresses. With an `end`, those that begin at or behind it are left out: the lengths that lead
-/// there are the sender's word, and only what was set aside for the message may be looked at.
+/// Splits the addresses. With an `end`, ignores those that begin at or after it: the sender's lengths are not
+/// trusted, and only the message's own buffer may be read.
 void splitAddresses(int mask, std::uint8_t* at, const std::uint8_t* end,
                     RoutingSocketAddress** table) noexcept {
     bool isOver = false;
@@ -143,7 +143,7 @@ void splitAddresses(int mask, std::uint8_t* at, const std::uint8_t* end,
     }
 }
 
-/// The interface's address out of the message in the buffer; false without it.
+/// Gets the interface's address from the message in the buffer; false if there is none.
 bool getInterfaceAddress(Lookup& lookup, std::uint32_t& address) noexcept {
     RoutingSocketAddress* table[routeAddressCount];
     splitAddresses(lookup.header().rtm_addrs, lookup.addresses(), lookup.end(), table);
@@ -169,7 +169,7 @@ std::uint32_t getLocalIPAddressOfInterfaceOfRouteTo(const char* destination) {
         warn("cannot open routing socket");
         return 0;
     }
-    // From here on nothing is given back: neither the socket nor the buffer, whatever happens.
+    // From here on neither the socket nor the buffer is released, whatever happens.
     Lookup& lookup = keptLookup(socket);
     const pid_t process = getpid();
     const std::size_t length = writeRequest(lookup, destination);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The system's version, from the system version file or the release description.
+// Reads the system's version from the system version file or the release description.
 #include "info/SystemVersion.h"
 
 #include <string>
@@ -20,7 +20,7 @@ std::string systemVersionFile() {
                                                    : "/System/Library/CoreServices/SystemVersion.plist";
 }
 
-/// Nil when there is nothing to parse.
+/// The property list in a file, read by `parse`; nil if there is nothing to parse.
 NSDictionary parsed(const std::string& path, FileParser parse) {
     NSDictionary values;
     FileStamp stamp;
@@ -38,7 +38,7 @@ NSString textFromUtf8(const std::string& bytes) {
     return NSString::stringWithUTF8Bytes(bytes.data() + mark, bytes.size() - mark);
 }
 
-/// Lenient: a byte from 0x80 up becomes the unit of the same number.
+/// Reads ASCII leniently: a byte from 0x80 up becomes the unit with the same number.
 NSString textFromAscii(const std::string& bytes) {
     std::u16string units(bytes.size(), u'\0');
     widenAscii(bytes.data(), bytes.size(), units.data());
@@ -68,7 +68,7 @@ NSString kernelRelease() {
     return release.empty() ? NSString("unknown") : NSString(release);
 }
 
-/// The first that is neither missing nor empty, else the last resort.
+/// The first text that is neither missing nor empty, else the fallback.
 NSString firstOf(const NSDictionary& entries, std::initializer_list<const char*> keys,
                  const NSString& lastResort) {
     for (const char* const key : keys) {

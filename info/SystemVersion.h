@@ -6,11 +6,11 @@
 #include "foundation/objects/NSDictionary.h"
 
 /// What the system says about its release, under the keys of the system version file: `ProductName`,
-/// `ProductVersion`, `ProductUserVisibleVersion` and `ProductBuildVersion`. Every call reads afresh. Files
-/// are read up to 16 MiB, and never waited for.
+/// `ProductVersion`, `ProductUserVisibleVersion` and `ProductBuildVersion`. Every call reads the file again.
+/// At most 16 MiB of a file are read, without blocking.
 namespace ZQFoundation::detail {
 
-/// Whether the facts stand in the system version file: when there is one, readable or not, and always on a
+/// Whether the facts come from the system version file: if there is one, readable or not, and always on a
 /// system that describes its release nowhere else. Only then do version numbers have marketing names.
 bool usesSystemVersionFile();
 
@@ -18,12 +18,12 @@ bool usesSystemVersionFile();
 /// description on a system without such a file.
 NSDictionary systemVersionDictionary();
 
-/// What the *text* of the system version file spells, UTF-8 or else ASCII: so the binary form and UTF-16 give
-/// nil here.
+/// The property list in the *text* of the system version file, read as UTF-8 or else ASCII: so the binary
+/// form and UTF-16 give nil here.
 NSDictionary systemVersionFileText();
 
-/// The same keys from `/etc/os-release`, whole whatever that file says and whether or not it exists: a name
-/// "Linux" and the kernel's release stand in for what is missing or empty.
+/// The same keys from `/etc/os-release`, complete whatever that file says and even if it does not exist: the
+/// name "Linux" and the kernel's release replace what is missing or empty.
 NSDictionary releaseDescription();
 
 } // namespace ZQFoundation::detail

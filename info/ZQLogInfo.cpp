@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Facts about application, system and hardware, and the start-up report.
+// Gathers facts about application, system and hardware, and writes the start-up report.
 #include "info/ZQLogInfo.h"
 
 #include "foundation/process/NSBundle.h"
@@ -20,7 +20,7 @@ constexpr Class thisClass = classOf<ZQLogInfo>();
 constexpr const char* appInformationMethod = "getAppInformation";
 constexpr const char* separatorLine = "--------------------------------------------------------------------";
 
-/// With its terminating NUL a longer name does not fit where a system's kernel hands it out.
+/// A longer name and its terminating NUL do not fit into the kernel's buffer for it.
 constexpr std::size_t maxModelNameLength = 99;
 
 void warn(StringView text) {
@@ -33,13 +33,13 @@ void warnWithFormat(FormatString<std::type_identity_t<Arguments>...> format, con
                                                   arguments...);
 }
 
-/// All facts are texts, also where a property list holds a number; nil stays nil.
+/// All facts are texts, even if a property list has a number; nil stays nil.
 NSString textOf(const NSObject& value) {
     const NSString text(value);
     return text ? text : value.description();
 }
 
-/// Under which name the maker of the system version file sold that version.
+/// The marketing name of a version of the system that has a system version file.
 NSString marketingName(const NSString& version) {
     if (ZQVersionComparator::compareVersion_toVersion(version, "10.8") == NSOrderedAscending) {
         return "Mac OS X";
@@ -52,7 +52,7 @@ NSDictionary systemInformationFromFile() {
     const NSDictionary file = detail::systemVersionFileText();
     const NSString name = textOf(file.objectForKey("ProductName"));
     const NSString version = textOf(file.objectForKey("ProductVersion"));
-    // A missing value is not passed over: putting nil into the dictionary raises, and is meant to.
+    // A missing value is deliberately not skipped: putting nil into the dictionary raises.
     NSMutableDictionary information;
     information.setObject_forKey(version, "osVersion");
     const NSString derivedName = marketingName(version);
@@ -161,7 +161,7 @@ void ZQLogInfo::standardStartupLog() {
 
 void ZQLogInfo::logAppAndSystemInformation() {
     const NSString application = appInfoString();
-    // Gathered once more, so warnings about the application come twice.
+    // Gathers the facts again, so warnings about the application appear twice.
     const NSObject localization = getAppInformation().objectForKey("appLocalization");
     const NSString localizationText =
         localization ? NSString::stringWithFormat(" (%@)", localization) : NSString::string();

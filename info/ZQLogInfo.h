@@ -7,7 +7,7 @@
 
 namespace ZQFoundation {
 
-/// Who runs, on what, and with which switches: the facts and the report at the head of a log.
+/// What runs, on which system, and with which switches: the facts and the report at the beginning of a log.
 ///
 ///     ZQLogInfo::standardStartupLog(); // writes nothing unless a trace key is active
 ///
@@ -18,8 +18,8 @@ public:
     ZQLogInfo() = delete;
 
     /// `appIdentifier`, `shortApplicationName`, `appLocalization` ("en, de"), `shortVersionString` and
-    /// `versionString` of the main bundle. What is missing is left out, and a line says so at every call,
-    /// whatever the trace keys; without an Info dictionary the result is empty.
+    /// `versionString` of the main bundle. What is missing is omitted, and a line says so at every call,
+    /// regardless of the trace keys; without an Info dictionary the result is empty.
     static NSDictionary getAppInformation();
 
     /// "Viewer 2.1 v417": the name, the short version and the version, without what is missing. Never nil.
@@ -45,7 +45,7 @@ public:
     /// `model`, `nCores` and `ramMB` (whole MiB), all as text; what is unknown is left out.
     static NSDictionary getHardwareInformation();
 
-    /// "[Mac14,2; 8 processor cores; 16384 MB RAM]" without what is missing; nil when all is.
+    /// "[Mac14,2; 8 processor cores; 16384 MB RAM]" without what is missing; nil if everything is.
     static NSString hardwareInfoString();
 
     /// Writes the application, system and hardware lines and the report of all switches between separator
@@ -58,7 +58,7 @@ public:
 
     /// Writes the active trace keys and the true defaults whose keys begin with "Enable", "Disable" and
     /// "Debug", each with the command that turns it off in the application's domain, where no other domain
-    /// sets it. Keys appear in the commands as they are: quote them for a shell when they hold anything but
+    /// sets it. Keys appear unquoted in the commands: quote them for a shell if they contain anything but
     /// letters, digits, "_", "-" and ".".
     static void logTracelogAndFeatureRelatedUserDefaults();
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The system's release and the library's processor.
+// Answers questions about the system's release and the library's processor.
 #include "info/ZQMacOSRuntimeEnvironment.h"
 
 #include <atomic>
@@ -22,7 +22,7 @@ namespace {
 
 struct Release {
     NSDictionary dictionary;
-    bool isMakers = false;    // of the maker whose releases the release tests ask about
+    bool isMakers = false;    // from the vendor whose releases the release tests are about
     std::uint64_t major_ = 0; // the bare names are macros in some systems' headers
     std::uint64_t minor_ = 0;
     std::uint64_t patch_ = 0;
@@ -36,7 +36,7 @@ std::uint64_t numberOf(const detail::AsciiOrUtf16& text, std::size_t start, std:
     return number < 0 ? 0 : static_cast<std::uint64_t>(number);
 }
 
-/// The components between periods, as far as there are places for them.
+/// Reads the components between periods, as many as there is room for.
 void readNumbers(const NSString& version, Release& release) {
     const detail::AsciiOrUtf16 text(version);
     std::size_t start = 0;
@@ -62,11 +62,11 @@ const Release& release() {
     fresh->isMakers = detail::usesSystemVersionFile();
     fresh->dictionary = detail::systemVersionDictionary();
     readNumbers(NSString(fresh->dictionary.objectForKey("ProductVersion")), *fresh);
-    // Threads that come here at once read the same; what the first of them found stays.
+    // Threads that arrive at the same time read the same; the result of the first is kept.
     return detail::publishOnce(knownRelease, fresh);
 }
 
-/// Whatever comes after version 10 is later than every 10.x. The version 12 of another system says nothing.
+/// Any major version above 10 is later than every 10.x. Version 12 of another system does not count.
 bool isAtLeast10Dot(std::uint64_t minorNumber) {
     const Release& known = release();
     return known.isMakers && (known.major_ > 10 || (known.major_ == 10 && known.minor_ >= minorNumber));
@@ -88,7 +88,7 @@ NSString processorArchitecture() { return "ARM"; }
 #elif defined(__x86_64__)
 NSString processorArchitecture() { return "Intel"; }
 #else
-/// Of no family that has a name here: what the kernel calls it.
+/// The kernel's name for a processor of another family.
 NSString processorArchitecture() {
     utsname names{};
     return uname(&names) >= 0 ? NSString(static_cast<const char*>(names.machine)) : NSString("unknown");
@@ -117,7 +117,8 @@ bool ZQMacOSRuntimeEnvironment::isCatalinaOrLater() { return isAtLeast10Dot(15);
 
 bool ZQMacOSRuntimeEnvironment::isBigSurOrLater() { return isAtLeast10Dot(16); }
 
-// Whichever operation comes first makes the class read the numbers, these too, which do not need them.
+// Every operation, when it is the first, makes the class read the version numbers, even these, which do not
+// need them.
 
 bool ZQMacOSRuntimeEnvironment::isARM() {
     initialize();

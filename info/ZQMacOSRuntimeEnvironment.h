@@ -10,9 +10,9 @@ namespace ZQFoundation {
 /// Which release of the operating system the process runs on, and for which processor the library was built.
 /// Class operations only; any thread may call them at any time.
 ///
-/// The facts come from the system version file where the system has one, else from its release description
+/// The facts come from the system version file if the system has one, else from its release description
 /// (`/etc/os-release`), whose entries are given under the same keys. The version numbers are read once, at
-/// the first use of the class, and never change afterwards; the texts are read afresh at every call.
+/// the first use of the class, and never change afterwards; the texts are read again at every call.
 class ZQFOUNDATION_EXPORT ZQMacOSRuntimeEnvironment {
 public:
     ZQMacOSRuntimeEnvironment() = delete;
@@ -59,22 +59,21 @@ public:
     /// Whether this library was compiled for an Intel processor, whatever it runs on.
     static bool isIntel();
 
-    /// False: the library is not made for these processors.
+    /// Always false: the library does not support these processors.
     static bool isPowerPC();
 
     /// "Intel" or "ARM" in the user's language; of another processor what the kernel calls it. Never nil.
     static NSString localizedProcessorArchitecture();
 
-    /// The version for the user's eyes; "unknown version" in the user's language if it is missing or empty.
-    /// Never nil.
+    /// The user-visible version; "unknown version" in the user's language if it is missing or empty. Never
+    /// nil.
     static NSString userVisibleMacOSVersion();
 
-    /// The system's name for the user's eyes; "unknown OS" in the user's language if it is missing or empty.
+    /// The user-visible name of the system; "unknown OS" in the user's language if it is missing or empty.
     /// Never nil.
     static NSString userVisibleMacOSName();
 
-    /// The build for the user's eyes; "unknown build" in the user's language if it is missing or empty. Never
-    /// nil.
+    /// The user-visible build; "unknown build" in the user's language if it is missing or empty. Never nil.
     static NSString userVisibleMacOSBuild();
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Migration of all files of one extension below a folder.
+// Migrates all files with one extension below a folder.
 #include "migration/BatchMigration.h"
 
 #include <algorithm>
@@ -12,16 +12,17 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-// Flushing costs more than copying a small file, so it is done for many at once; but what is not flushed yet
-// is twice on the disk, and each folder of a window takes two descriptors.
+// Flushing costs more than copying a small file, so several files are flushed at once. The window is limited
+// because files that are not flushed yet exist twice on the disk, and each folder of a window takes two
+// descriptors.
 constexpr std::size_t maxWindowFiles = 512;
 constexpr std::size_t maxWindowFolders = 32;
 constexpr std::uint64_t maxWindowBytes = std::uint64_t{256} << 20;
 
-/// Destinations of the folders between the start and the current one that stay open.
+/// Max number of destinations that stay open, of the folders from the start to the current one.
 constexpr std::size_t maxOpenDestinations = 16;
 
-/// Whether the folder is that one, or one above it.
+/// Whether `folder` is `path` or one of its parents.
 bool leadsTo(const std::string& folder, const std::string& path) {
     return folder.empty() || path == folder ||
            (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
@@ -51,7 +52,7 @@ void BatchMigration::run() {
     while (files_->nextItem()) {
         struct stat target;
         if (files_->getLinkTarget(target) && isSourcePending(target)) {
-            finishWindow(); // the link is going to lead nowhere
+            finishWindow(); // its target is about to be removed, so the link counts as dangling
         }
         if (!files_->isFile()) {
             continue;
@@ -91,7 +92,7 @@ std::unique_ptr<ItemMigration> BatchMigration::migrationOfItem() {
         wishes_.destination.stringByAppendingPathComponent(path));
 }
 
-/// Each folder is found once. Those that lead to the current one stay known.
+/// Each folder is looked up once. Those on the way to the current one are kept.
 DestinationFolder& BatchMigration::destinationOfItem() {
     const std::string folder = files_->folderPath();
     while (!levels_.empty() && !leadsTo(levels_.back().folder, folder)) {
@@ -113,7 +114,7 @@ void BatchMigration::migrateItem() {
     std::unique_ptr<ItemMigration> migration;
     ZQFileMigrationRetvalType code = copyItem(migration);
     if (code != kFileMigrationSuccess && !window_.empty() && (errno == EMFILE || errno == ENFILE)) {
-        finishWindow(); // which gives descriptors back
+        finishWindow(); // which releases descriptors
         code = copyItem(migration);
     }
     if (code == kFileMigrationSuccess && !wishes_.policy.keepOriginal) {
@@ -136,7 +137,8 @@ ZQFileMigrationRetvalType BatchMigration::copyItem(std::unique_ptr<ItemMigration
     migration = migrationOfItem();
     DestinationFolder& parent = destinationOfItem();
     migration->plan(parent);
-    // What is in the way may be gone when the files before are.
+    // An existing item at the destination may be a source of this window, and gone once the window is
+    // finished.
     if (std::any_of(window_.begin(), window_.end(), [&](const Pending& each) {
             return migration->isInTheWay(each.migration->copiedItem());
         })) {
@@ -181,7 +183,7 @@ void BatchMigration::finishWindow() {
     windowBytes_ = 0;
 }
 
-/// Flushes the file system of the copy, once for each of a window.
+/// Flushes the file system of the copy, once for each file system of a window.
 bool BatchMigration::isFlushed(const ItemMigration& migration,
                                std::vector<std::pair<dev_t, bool>>& flushed) const {
     const dev_t device = migration.madeItem().st_dev;

@@ -13,26 +13,27 @@
 
 namespace ZQFoundation::detail {
 
-/// All files of one extension below a folder, one after the other.
+/// Migrates all files with one extension below a folder, one after the other.
 ///
 /// A move works in windows: the files of a window are copied, flushed to the disk together, and then removed
-/// at the source, in their order.
+/// at the source, in order.
 class BatchMigration {
 public:
     struct Wishes {
-        NSString extension; ///< nil and "" stand for every file
+        NSString extension; ///< nil and "" mean every file
         NSString source;    ///< folders, "~" expanded
         NSString destination;
         bool includeDotFiles = false;
         MigrationPolicy policy;
     };
 
-    /// Follows a batch.
+    /// Observes a batch.
     class Observer : public CopyObserver {
     public:
-        /// Before a file, by its path relative to the source folder; false ends the batch in front of it.
+        /// Called before each file, with its path relative to the source folder; false ends the batch before
+        /// it.
         virtual bool willMigrate(const NSString& path) = 0;
-        /// When its result is known. `destination` is nil where no name was free.
+        /// Called when the result of a file is known. `destination` is nil if no name was free.
         virtual void didMigrate(const NSString& path, ZQFileMigrationRetvalType code,
                                 const NSString& destination) = 0;
 
@@ -44,7 +45,7 @@ public:
 
     void run();
 
-    /// Shows the observer what `run` would do with each file as things are now. Changes nothing.
+    /// Reports to the observer what `run` would do with each file in the present state. Changes nothing.
     void plan();
 
 private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The folder that migrated items are to be in.
+// Finds, creates and keeps open the folder that items are migrated to.
 #include "migration/DestinationFolder.h"
 
 #include "foundation/files/NSFileManager.h"
@@ -14,7 +14,7 @@ DestinationFolder::State DestinationFolder::find() {
         return State::found;
     }
     bool isDirectory = false;
-    // A "~" that is still there could not be expanded.
+    // A "~" that remains could not be expanded.
     if (path_.hasPrefix("~") ||
         !NSFileManager::defaultManager().fileExistsAtPath_isDirectory(path_, &isDirectory)) {
         return State::missing;

@@ -10,30 +10,30 @@
 
 namespace ZQFoundation::detail {
 
-/// The folder that migrated items are to be in: found by its path once, from then on the same one, whatever
-/// takes its place.
+/// The folder that items are migrated to. It is looked up by its path once; from then on it is the same
+/// folder, even if another one takes its place.
 class DestinationFolder {
 public:
-    /// `recovers`: finishes what an ended process has left there, when the folder is found.
+    /// `recovers`: when the folder is found, recovers what a killed process has left in it.
     DestinationFolder(const NSString& path, bool recovers) : path_(path), recovers_(recovers) {}
 
     enum class State {
         missing,
         notFolder,
         found,
-        failed, ///< no descriptor for it, or another folder has taken its place
+        failed, ///< it cannot be opened, or another folder has taken its place
     };
     State find();
 
-    /// Makes it with all missing folders above it, and finds it.
+    /// Creates it with all missing parent folders, and finds it.
     bool make();
 
     const NSString& path() const noexcept { return path_; }
 
-    /// After it was found.
+    /// Only after it was found.
     const SharedFolder& folder() const noexcept { return folder_; }
 
-    /// Gives the descriptor back until the folder is asked for again.
+    /// Closes the descriptor until the folder is needed again.
     void close() noexcept { folder_.reset(); }
 
 private:

@@ -11,8 +11,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Calls `flush(descriptor)` for the folder of a place. One that may not be read is flushed with all there
-/// is.
+/// Calls `flush(descriptor)` for the folder of a place. If it cannot be opened for reading, flushes all file
+/// systems.
 template <class Flush>
 bool flushFolderBy(const ItemPlace& place, const Flush& flush) noexcept {
     const Descriptor folder(openAt(place.folder(), ".", folderFlags));
@@ -26,7 +26,7 @@ bool flushFolderBy(const ItemPlace& place, const Flush& flush) noexcept {
 /// Returns when the names in the folder are on the disk. False with `errno`.
 inline bool flushFolderOf(const ItemPlace& place) noexcept { return flushFolderBy(place, system::flushItem); }
 
-/// Returns when all that is on its file system is. False with `errno`.
+/// Returns when everything on its file system is on the disk. False with `errno`.
 inline bool flushFileSystemOf(const ItemPlace& place) noexcept {
     return flushFolderBy(place, system::flushFileSystem);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbered names beside a taken one.
+// Makes numbered names for items whose name is taken.
 #include "migration/FreeName.h"
 
 #include "foundation/objects/ComposedSequences.h"
@@ -8,7 +8,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Of one name, on every file system in use; some take less.
+/// The maximum on common file systems; some allow less.
 constexpr std::size_t maxNameBytes = 255;
 
 std::size_t bytesOf(const NSString& name) {

@@ -9,11 +9,11 @@
 
 namespace ZQFoundation::detail {
 
-/// "<stem> <counter>.<extension>" of the name of an item. Where that is too long for a name, the stem loses
-/// whole characters at its end; nil when it has not enough of them.
+/// "<stem> <counter>.<extension>" for the name of an item. If that is too long for a name, the stem loses
+/// whole characters at its end; nil if it does not have enough of them.
 NSString numberedName(const NSString& stem, std::int64_t counter, const NSString& extension);
 
-/// The first numbered variant of a name that `isFree(bytes)`; nil when none is.
+/// The first numbered variant of a name for which `isFree(bytes)` is true; nil if there is none.
 template <class IsFree>
 NSString freeName(const NSString& name, const IsFree& isFree) {
     const NSString stem = name.stringByDeletingPathExtension();

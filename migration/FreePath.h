@@ -9,8 +9,8 @@ namespace ZQFoundation::detail {
 
 inline constexpr std::uint64_t defaultAttempts = 100000;
 
-/// The first numbered candidate that is free, from 1 to `maxAttempts`; nil when there is none, and when a
-/// candidate is nil.
+/// The first numbered candidate that is free, from 1 to `maxAttempts`; nil if there is none or a candidate is
+/// nil.
 template <class Candidate, class IsFree>
 NSString firstFree(std::uint64_t maxAttempts, const Candidate& candidate, const IsFree& isFree) {
     for (std::uint64_t counter = 1; counter <= maxAttempts; ++counter) {
@@ -22,14 +22,14 @@ NSString firstFree(std::uint64_t maxAttempts, const Candidate& candidate, const 
     return nullptr;
 }
 
-/// "<stem><intermediate string><counter>.<extension>". The period is there without an extension too.
+/// "<stem><intermediate string><counter>.<extension>". The period is added even without an extension.
 inline NSString numberedPath(const NSString& stem, StringView intermediateString, std::int64_t counter,
                              const NSString& extension) {
     return NSString::stringWithFormat(
         "%@%@%ld.%@", stem, intermediateString ? intermediateString : StringView(""), counter, extension);
 }
 
-/// The path itself when it is free, else the first numbered one that is; nil when none is.
+/// The path itself if it is free, else the first numbered one that is; nil if none is.
 template <class IsFree>
 NSString freePath(const NSString& path, StringView intermediateString, std::uint64_t maxAttempts,
                   const IsFree& isFree) {

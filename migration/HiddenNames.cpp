@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Builder and parser of the names of what is not finished.
+// Builds and parses the names of unfinished items.
 #include "migration/HiddenNames.h"
 
 #include <cstdint>

@@ -5,33 +5,32 @@
 
 #include <string>
 
-/// The names that a migration gives to what is not finished, beside the item that it concerns:
+/// The names that a migration gives to unfinished items, beside the item that they belong to:
 ///
-///     copy      = ".zq-copy."   id       a copy that has not taken its name yet
-///     aside     = ".zq-aside."  name     a source that was set aside: it goes back to `name`
-///     asideLong = ".zq-asides." id       a folder that holds such a source under its own name, where that
-///     and
-///                                        the mark are too long for one name
-///     gone      = ".zq-gone."   id       given up: to be removed
+///     copy      = ".zq-copy."   id       a copy that does not have its name yet
+///     aside     = ".zq-aside."  name     a source that was set aside: it gets `name` back
+///     asideLong = ".zq-asides." id       a folder that contains such a source under its own name, if
+///                                        prefix and name are too long for one name
+///     gone      = ".zq-gone."   id       to be removed
 ///     id        = 16 hexadecimal digits, 0-9 a-f
 ///
-/// Nothing else bears the library's mark. Who works on such an item holds a lock on it (`flock`).
+/// No other names have these prefixes. A process that works on such an item holds a lock on it (`flock`).
 namespace ZQFoundation::detail {
 
 enum class HiddenKind { none, copy, aside, asideLong, gone };
 
 struct HiddenName {
     HiddenKind kind = HiddenKind::none;
-    std::string original; ///< of what was set aside: its own name
+    std::string original; ///< the own name of an item that was set aside
 };
 
-/// What a name says; kind `none` for every other one.
+/// The kind and the original name; kind `none` for any other name.
 HiddenName parsedHiddenName(const char* name);
 
-/// A new name, other than all others, of a kind that has an id.
+/// A new unique name, of a kind that has an id.
 std::string newHiddenName(HiddenKind kind);
 
-/// Where an item of this name is set aside.
+/// The name under which an item is set aside.
 std::string asideNameOf(const std::string& name);
 
 } // namespace ZQFoundation::detail

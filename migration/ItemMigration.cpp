@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The plan of one migration: what would be done, or why nothing would.
+// Plans one migration: what would be done, or why nothing would.
 #include "migration/ItemMigration.h"
 
 #include "foundation/files/FileSystemAnnouncement.h"
@@ -18,7 +18,7 @@ const MigratedKind fileKind{false,
                             kFileMigrationDestinationFileOverwritingFailed,
                             kFileMigrationDestinationFileWritingFailed};
 
-// The desktop is notified of files only: no process is expected to have a class of this name.
+// For folders: nobody is notified unless a class has this name, which is not expected.
 const MigratedKind folderKind{true,
                               "SomeClass",
                               kFileMigrationDestinationFolderExists,
@@ -47,7 +47,7 @@ const MigrationPlan& ItemMigration::plan(DestinationFolder& parent) {
 ZQFileMigrationRetvalType ItemMigration::testSource() const {
     bool isDirectory = false;
     if (!place_) {
-        // Without a descriptor for its folder it is there all the same.
+        // If its folder cannot be opened, the source still exists.
         return NSFileManager::defaultManager().fileExistsAtPath(source_) ? kind_.writingFailed
                                                                          : kFileMigrationSourceDoesNotExist;
     }
@@ -75,7 +75,7 @@ ZQFileMigrationRetvalType ItemMigration::testParent(DestinationFolder& parent) {
     if (!policy_.createParent) {
         return kFileMigrationDestinationParentFolderDoesNotExist;
     }
-    // No folder is made inside the source for a copy that cannot be.
+    // Do not create a folder inside the source for a copy that cannot be made.
     if (kind_.isFolder && standsInside(wanted_, source_)) {
         return kind_.writingFailed;
     }
@@ -93,15 +93,15 @@ ZQFileMigrationRetvalType ItemMigration::makeParent(DestinationFolder& parent) {
     return plan_.code;
 }
 
-/// Whether something exists at the destination, and what; only then the flag is written.
+/// Whether something exists at the destination, and what.
 bool ItemMigration::look() {
     existing_ = {};
     existingItem_ = {};
     return target_.look(existingItem_) && ::fstatat(target_.folder(), target_.name(), &existing_, 0) == 0;
 }
 
-/// The directory flag is written only by a test that finds something. So a free name for a folder that is in
-/// the way of a file does not help: the flag stays as the first test has set it.
+/// The directory flag is written only by a test that finds something. So if a folder has the name of a file,
+/// renaming does not help: the flag keeps the value of the first test.
 ZQFileMigrationRetvalType ItemMigration::chooseDestination(const DestinationFolder& parent) {
     std::string bytes;
     if (!getPathBytes(wanted_, bytes) || !target_.set(parent.folder(), bytes)) {
@@ -113,7 +113,7 @@ ZQFileMigrationRetvalType ItemMigration::chooseDestination(const DestinationFold
         if (!policy_.renameIfExists) {
             return kind_.exists;
         }
-        // A link that leads nowhere takes a name, too.
+        // A dangling link makes a name unavailable, too.
         const NSString name = freeName(wanted_.lastPathComponent(), [&](const std::string& candidate) {
             struct stat ignored;
             return ::fstatat(target_.folder(), candidate.c_str(), &ignored, AT_SYMLINK_NOFOLLOW) != 0;
@@ -132,7 +132,7 @@ ZQFileMigrationRetvalType ItemMigration::chooseDestination(const DestinationFold
     return testHarm(exists);
 }
 
-/// The only copy must not be lost however the paths are spelled.
+/// Rejects a migration that would lose the only copy, however the paths are spelled.
 ZQFileMigrationRetvalType ItemMigration::testHarm(bool exists) const {
     if (exists && (removalWouldHarm(plan_.destination, source_) || leadsThroughItself(plan_.destination))) {
         return kind_.overwritingFailed;

@@ -15,7 +15,7 @@
 
 namespace ZQFoundation::detail {
 
-/// How files and folders differ.
+/// The differences between files and folders.
 struct MigratedKind {
     bool isFolder;
     const char* workspaceClass;
@@ -35,57 +35,58 @@ struct MigrationPolicy {
     bool renameIfExists = false;
 };
 
-/// What a migration would do, found by looking.
+/// What a migration would do in the present state.
 struct MigrationPlan {
     ZQFileMigrationRetvalType code = kFileMigrationSuccess; ///< success, or why nothing would be done
     bool makesParent = false;
-    bool replaces = false; ///< what is at the destination is removed first
-    NSString destination;  ///< where the copy is to be; nil when no name is free
+    bool replaces = false; ///< the item at the destination is removed first
+    NSString destination;  ///< where the copy will be; nil if no name is free
 };
 
-/// One file or folder on its way. The steps of a move are calls of their own, so that many files can be
+/// The migration of one file or folder. The steps of a move are separate calls, so that many files can be
 /// flushed to the disk together:
 ///
 ///     plan, copy, announceCopy, (what was copied is flushed), removeSource
 ///
-/// The protocol by which nothing is lost is in docs/migration.md.
+/// docs/migration.md describes the protocol by which nothing is lost.
 class ItemMigration {
 public:
-    /// `source` and `destination` are whole paths, "~" expanded; `place` is where the source is. A place that
-    /// was not found stands for a source that does not exist. Kind must outlive the migration.
+    /// `source` and `destination` are full paths, "~" expanded; `place` is where the source is. A place that
+    /// was not found means a source that does not exist. `kind` must outlive the migration.
     ItemMigration(const MigratedKind& kind, const MigrationPolicy& policy, const NSString& source,
                   ItemPlace place, const NSString& destination);
 
     /// Changes nothing.
     const MigrationPlan& plan(DestinationFolder& parent);
 
-    /// Makes the parent folder if that was planned, and plans again.
+    /// Creates the parent folder if that was planned, and plans again.
     ZQFileMigrationRetvalType makeParent(DestinationFolder& parent);
 
-    /// What is wanted of a copy.
+    /// Requirements for a copy.
     struct CopyWishes {
         bool isFlushed = false;    ///< the copy is on the disk before it takes its name
-        MadeItems* made = nullptr; ///< what the same run has made: it is not replaced
+        MadeItems* made = nullptr; ///< what the same run has created, which is not replaced
         CopyObserver* observer = nullptr;
     };
 
-    /// By the plan: removes what is to be replaced, and copies. The copy takes its name when it is complete;
-    /// after a failure nothing is there.
+    /// Carries out the plan: removes what is to be replaced, and copies. The copy gets its name when it is
+    /// complete; after a failure nothing remains.
     ZQFileMigrationRetvalType copy(const CopyWishes& wishes);
 
     void announceCopy() const;
 
-    /// Gives the source's descriptor back; a file is opened again for its removal.
+    /// Closes the source's descriptor; a file is opened again for its removal.
     void closeSource() noexcept { opened_.reset(); }
 
-    /// Removes what was copied and is unchanged, and nothing else.
+    /// Removes the source if it is unchanged since it was copied, and nothing else.
     ZQFileMigrationRetvalType removeSource();
 
-    /// Where the copy is, or was to be.
+    /// Where the copy is, or would have been.
     const NSString& destination() const noexcept { return plan_.destination; }
     const ItemPlace& target() const noexcept { return target_; }
 
-    /// What exists at the destination, by the last plan: one of two items where that is a link.
+    /// Whether this item exists at the destination, according to the last plan: for a link, the link or its
+    /// target.
     bool isInTheWay(const struct stat& item) const noexcept;
     const struct stat& copiedItem() const noexcept { return copied_; }
     const struct stat& madeItem() const noexcept { return made_; }
@@ -118,16 +119,16 @@ private:
     MigrationPolicy policy_;
     NSString source_;
     ItemPlace place_;
-    NSString wanted_; ///< the destination that was asked for
+    NSString wanted_; ///< the requested destination
     Class workspace_;
     MigrationPlan plan_;
     ItemPlace target_;
-    struct stat existing_ {};          ///< at the destination, links followed
-    struct stat existingItem_ {};      ///< the same, a link not being followed
-    struct stat copied_ {};            ///< the source as it was before it was read
+    struct stat existing_ {};          ///< at the destination, following links
+    struct stat existingItem_ {};      ///< the same without following a link
+    struct stat copied_ {};            ///< the source before it was read
     struct stat made_ {};              ///< the copy
     Descriptor opened_;                ///< the source, while it is open
-    std::optional<CopyRecord> record_; ///< of a tree that is to be moved
+    std::optional<CopyRecord> record_; ///< for a tree that is to be moved
 };
 
 } // namespace ZQFoundation::detail

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The copy of one migration, and the removal of what it replaces.
+// Copies for one migration, and removes what the copy replaces.
 #include <sys/file.h>
 
 #include "foundation/files/RemovalCheck.h"
@@ -15,7 +15,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Others may remove a copy that is not locked yet; somebody who keeps doing so does not keep us for ever.
+/// Others may remove a copy that is not locked yet, so bound the retries.
 constexpr int maxNames = 16;
 
 constexpr int oldFileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -30,7 +30,7 @@ Descriptor openUnnamed(int folder) noexcept {
     return Descriptor(system::keepOffStandardStreams(system::openUnnamedFile(folder)));
 }
 
-/// A hidden copy that is removed with the scope unless it takes its name.
+/// A hidden copy that is removed at the end of the scope unless it has got its name.
 class HiddenCopy {
 public:
     explicit HiddenCopy(const ItemPlace& target) : target_(target) {}
@@ -42,7 +42,7 @@ public:
         }
     }
 
-    /// Makes an item of our own by `make(name)`, which opens it, and locks it.
+    /// Creates an item with `make(name)`, which opens it, and locks it.
     template <class Make>
     Descriptor begin(const Make& make) {
         for (int attempt = 0; attempt < maxNames; ++attempt) {
@@ -50,7 +50,7 @@ public:
             Descriptor made = make(name_.c_str());
             struct stat information;
             if (!made && errno != ENOENT) {
-                return made; // what may have been made goes with the scope
+                return made; // the destructor removes what may have been created
             }
             if (made && lockForWork(made.number()) && ::fstat(made.number(), &information) == 0 &&
                 ItemPlace(target_.sharedFolder(), name_).holds(information)) {
@@ -101,7 +101,7 @@ bool ItemMigration::removeExisting(const MadeItems* made) {
         return false;
     }
     if (made != nullptr && made->holds(present)) {
-        errno = EEXIST; // two paths of this run lead to one place
+        errno = EEXIST; // two paths of this run have the same destination
         return false;
     }
     if (S_ISDIR(present.st_mode) && !kind_.isFolder) {
@@ -111,8 +111,8 @@ bool ItemMigration::removeExisting(const MadeItems* made) {
     return S_ISDIR(present.st_mode) ? removeExistingFolder(present) : removeExistingFile(present);
 }
 
-/// Of two migrations of one source to one destination, each takes one item away and then looks for the other
-/// one. So never is the copy of the first removed by the second while the first removes the source.
+/// If two migrations have the same source and destination, each takes one item away and then looks for the
+/// other one. So the second never removes the copy of the first while the first removes the source.
 bool ItemMigration::removeExistingFile(const struct stat& present) {
     Descriptor file;
     if (S_ISREG(present.st_mode)) {
@@ -138,7 +138,7 @@ bool ItemMigration::removeExistingFolder(const struct stat& present) {
 bool ItemMigration::makeCopy(const CopyWishes& wishes) {
     struct stat present;
     if (target_.look(present)) {
-        errno = EEXIST; // a link that leads nowhere, or what has come there meanwhile
+        errno = EEXIST; // a dangling link, or an item created meanwhile
         return false;
     }
     if (S_ISDIR(copied_.st_mode)) {
@@ -161,7 +161,7 @@ bool ItemMigration::copyFile(const CopyWishes& wishes) {
     return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), wishes));
 }
 
-/// A file without a name vanishes with the process, so there is nothing to be left behind.
+/// A file without a name vanishes with the process, so a killed process leaves nothing.
 ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& wishes) {
     Descriptor made = openUnnamed(target_.folder());
     if (!made) {
@@ -194,8 +194,8 @@ bool ItemMigration::copyHidden(int source, const CopyWishes& wishes) {
            closeWell(made) && hidden.takeName();
 }
 
-/// A link is complete when it is made, and so, but for its permissions, is a pipe: these get their names at
-/// once.
+/// A link is complete as soon as it is created, and so is a pipe except for its permissions: these get their
+/// names at once.
 bool ItemMigration::copySpecial() {
     const CopyPlace place{place_.folder(), place_.name(), target_.folder(), target_.name(), true};
     made_ = {};
@@ -226,7 +226,7 @@ bool ItemMigration::copyTree(const CopyWishes& wishes) {
         makeCopyFolder({place_.folder(), place_.name(), target_.folder(), name, true}, folder);
         return folder;
     });
-    // The lock lasts as long as one of both descriptors is open, and so does the way to flush the copy.
+    // The duplicate keeps the lock, and the means to flush the copy, until both descriptors are closed.
     return made && fillTree(duplicateOf(opened_), duplicateOf(made), wishes) &&
            (!wishes.isFlushed || system::flushFileSystem(made.number())) &&
            ::fstat(made.number(), &made_) == 0 && hidden.takeName();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The removal of what one migration has copied.
+// Removes the source of one migration after the copy.
 #include "foundation/files/FileSystemAnnouncement.h"
 #include "foundation/files/RemovalCheck.h"
 #include "foundation/files/TreeRemoval.h"
@@ -22,8 +22,8 @@ ZQFileMigrationRetvalType ItemMigration::removeSource() {
     return kFileMigrationSuccess;
 }
 
-/// Once it is given up, nobody finds the tree by its name any more, and who still is in one of its folders
-/// loses nothing that was not copied: that is left, under a name that shows.
+/// After the rename to its hidden name nobody finds the tree by its old name. A process that still uses one
+/// of its folders loses nothing that was not copied: such items are kept, under a visible name.
 bool ItemMigration::removeTree() {
     struct stat now;
     if (::fstat(opened_.number(), &now) != 0 || !isUnchanged(copied_, now, true) ||
@@ -44,11 +44,11 @@ bool ItemMigration::removeTree() {
     return true;
 }
 
-/// Setting the file aside counts as a change of it. So whether it has changed is seen before, and from there
-/// on nobody may begin to write to it.
+/// Setting the file aside changes its times. So check for changes before, and from then on nobody may open it
+/// for writing.
 bool ItemMigration::removeFile() {
     struct stat now;
-    if (!opened_) { // in a batch: files do not stay open
+    if (!opened_) { // in a batch, where files do not stay open
         opened_ = Descriptor(openAt(place_.folder(), place_.name(),
                                     O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     }

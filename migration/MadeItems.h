@@ -10,7 +10,7 @@
 
 namespace ZQFoundation::detail {
 
-/// The items that one run has made, by device and inode.
+/// The items that one run has created, by device and inode.
 class MadeItems {
 public:
     void add(const struct stat& item) { items_.insert({item.st_dev, item.st_ino}); }

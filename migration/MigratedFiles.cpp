@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The choice of the files that a batch migrates.
+// Selects the files that a batch migrates.
 #include "migration/MigratedFiles.h"
 
 #include <dirent.h>
@@ -27,7 +27,7 @@ bool MigratedFiles::nextItem() {
 
 bool MigratedFiles::isWanted() {
     if (parsedHiddenName(name()).kind != HiddenKind::none) {
-        skipDescendents(); // somebody works on it
+        skipDescendents(); // another process works on it
         return false;
     }
     const NSString path = relativePath();

@@ -9,37 +9,37 @@
 
 namespace ZQFoundation::detail {
 
-/// The items of a tree that a batch is concerned with, one after the other:
+/// Enumerates the items of a tree for a batch:
 ///
 ///     while (files.nextItem()) {
 ///         if (files.isFile()) ... // files.relativePath(), files.place()
 ///     }
 ///
-/// What the last step gave may be removed before the next.
+/// The last item returned may be removed before the next step.
 class MigratedFiles : private TreeWalk {
 public:
-    /// Nil and "" as extension stand for every file. `recovers`: finishes in each folder what an ended
-    /// process has left there, before it is read.
+    /// Nil and "" as extension mean every file. `recovers`: recovers in each folder what a killed process has
+    /// left there, before it is read.
     MigratedFiles(Descriptor start, const NSString& extension, bool includeDotFiles, bool recovers)
         : TreeWalk(std::move(start)), extension_(extension), includeDotFiles_(includeDotFiles),
           recovers_(recovers) {}
 
     bool nextItem();
 
-    /// What a link leads to; false where the item is no link, or a dangling one.
+    /// The target of a link; false if the item is not a link, or a dangling one.
     bool getLinkTarget(struct stat& target) const noexcept;
 
-    /// Once for each item, as the answer may depend on the one before.
+    /// Call it once for each item, because the result may depend on the item before.
     bool isFile() noexcept;
 
     NSString relativePath() const {
         return NSString::stringWithFileSystemBytes(path().data(), path().size());
     }
 
-    /// Of the folder that holds the item, relative to the start; "" for that.
+    /// The path of the folder that contains the item, relative to the start; "" for the start itself.
     std::string folderPath() const { return path().substr(0, folderLength()); }
 
-    /// False with `errno` when there is no descriptor for its folder.
+    /// False with `errno` if its folder cannot be opened.
     bool getPlace(ItemPlace& place);
 
     using TreeWalk::isIncomplete;
@@ -51,7 +51,7 @@ private:
     NSString extension_;
     bool includeDotFiles_;
     bool recovers_;
-    // Not reset between items: one at which nothing is found counts as what the item before it was.
+    // Not reset between items: a dangling link is deliberately treated like the item before it.
     bool isDirectory_ = false;
     SharedFolder shared_; ///< the folder of the last item, for places that outlive the step
     struct stat sharedInformation_ {};

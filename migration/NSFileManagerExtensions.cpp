@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Files and folders made together with the folders above them.
+// NSFileManager(ZQFoundation): creates files and folders together with their parent folders.
 #include <sys/stat.h>
 
 #include "foundation/files/FileInformation.h"
@@ -11,8 +11,8 @@ namespace ZQFoundation {
 
 namespace {
 
-/// The kind of the item itself behind the path's links; 0 when there is none. A link that is left in the
-/// resolved path, dangling or not to be followed, is a link.
+/// The kind of the item after resolving the links of the path; 0 if there is none. A link that remains in the
+/// resolved path, because it is dangling or must not be followed, counts as a link.
 mode_t kindOfItem(StringView path) {
     const detail::CallerState caller;
     struct stat information;
@@ -28,7 +28,7 @@ NSString parentOf(StringView path) {
     return NSString::pathWithComponents(components.array());
 }
 
-/// Whether a folder stands at the path at the end.
+/// Creates the folder if it is missing. False if there is no folder at the path afterwards.
 bool ensureFolder(NSFileManager& files, const NSString& path, const NSDictionary& attributes) {
     bool isFolder = false;
     if (files.fileExistsAtPath_isDirectory(path, &isFolder)) {

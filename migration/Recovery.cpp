@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an ended process has left is put back or removed.
+// Restores or removes what a killed process has left.
 #include "migration/Recovery.h"
 
 #include <atomic>
@@ -21,16 +21,16 @@ namespace {
 
 constexpr int itemFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-/// Large folders that were left with nothing to recover, by their state, so that a host which migrates their
-/// files one by one does not have them read each time. Another state means that somebody has changed them;
-/// what happens between two ticks of the clock for files may stay unnoticed until the next change.
+/// States of large folders in which there was nothing to recover, so that a host that migrates their files
+/// one by one does not cause them to be read each time. A different state means that somebody has changed the
+/// folder; a change within the same tick of the file system's clock may go unnoticed until the next change.
 constinit std::atomic<std::uint64_t> recovered[8] = {};
 constinit std::atomic<unsigned> nextRecovered = 0;
 
-/// A folder whose list takes less than this is read in a moment.
+/// Smaller folders are read quickly, so they are not remembered.
 constexpr off_t smallFolderBytes = off_t{64} << 10;
 
-/// 0 for a folder that is not remembered.
+/// A hash of the folder's state; 0 for a folder that is not remembered.
 std::uint64_t stateOf(int folder) noexcept {
     struct stat information;
     if (::fstat(folder, &information) != 0 || information.st_size < smallFolderBytes) {
@@ -58,13 +58,13 @@ bool isKnownAsRecovered(int folder) noexcept {
     return false;
 }
 
-/// A hidden item of a process that has ended, locked against others who might recover it too.
+/// A hidden item of a killed process, locked so that no other process recovers it at the same time.
 class Leftover {
 public:
     Leftover(int folder, const char* name) : folder_(folder), name_(name) {}
 
-    /// Whether it is still there and nobody works on it. What cannot be opened has no lock: only what is put
-    /// back, which harms nobody, may be such an item.
+    /// Whether it still exists and nobody works on it. An item that cannot be opened cannot be locked; that
+    /// is acceptable only for items to be restored, because restoring is harmless.
     bool take(bool mayBeUnlocked) {
         item_ = Descriptor(openAt(folder_, name_, itemFlags));
         if (!item_ || ::flock(item_.number(), LOCK_EX | LOCK_NB) != 0) {
@@ -84,7 +84,7 @@ private:
     Descriptor item_;
 };
 
-/// Puts back what such a folder holds.
+/// Restores the items in a folder of kind `asideLong`, and removes the folder.
 void emptyLongFolder(int folder, const char* name, int opened) {
     FolderNames names;
     if (!names.read(opened)) {
@@ -169,7 +169,7 @@ void removeCopy(int folder, const char* name) noexcept {
     try {
         removeTree(folder, name, true);
     } catch (...) {
-        // No memory: the next migration removes it.
+        // Out of memory: the next migration removes it.
     }
     errno = error;
 }

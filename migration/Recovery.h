@@ -7,21 +7,21 @@
 
 namespace ZQFoundation::detail {
 
-/// Finishes what a migration has left in an open folder because its process was ended: what was only set
-/// aside goes back to its name, what was given up and copies that never took their name are removed. What a
-/// living process works on is left alone, and in a folder that everybody may write to what belongs to
-/// others. Failures leave things as they are.
+/// Recovers what a migration has left in an open folder because its process was killed: items that were only
+/// set aside get their names back; items to be removed, and copies that never got their name, are removed.
+/// Items that a running process works on are not touched, nor, in a folder that everybody may write to, items
+/// of others. Failures change nothing.
 void recoverFolder(int folder);
 
-/// Says that a folder was left with nothing to recover, so that it need not be read again before somebody has
-/// changed it.
+/// Remembers that there is nothing to recover in a folder, so that it is not read again until somebody
+/// changes it.
 void noteRecovered(int folder) noexcept;
 
-/// Takes the lock of an open item for who works on it, as long as the descriptor is open. False when another
-/// process works on it; true also where the file system has no locks.
+/// Locks an open item that the caller works on, until the descriptor is closed. False if another process
+/// works on it; true if the file system has no locks.
 bool lockForWork(int item) noexcept;
 
-/// Removes a copy that has not taken its name, whatever permissions it has got already.
+/// Removes a copy that has not got its name, whatever its permissions.
 void removeCopy(int folder, const char* name) noexcept;
 
 } // namespace ZQFoundation::detail

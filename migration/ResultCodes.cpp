@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the result codes of a migration mean, in words.
+// Describes the result codes of a migration.
 #include "foundation/objects/NSNumber.h"
 #include "foundation/process/NSBundle.h"
 #include "migration/ZQFileMigrator.h"

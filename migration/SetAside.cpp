@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sources set aside before their removal.
+// Sets sources aside before their removal.
 #include "migration/SetAside.h"
 
 #include <sys/file.h>
@@ -25,7 +25,7 @@ bool showItem(int hiddenFolder, const char* hiddenName, int folder, const std::s
     if (system::renameWithoutReplacing(hiddenFolder, hiddenName, folder, wanted.c_str())) {
         return true;
     }
-    // What has taken the name is newer, and both are to be kept.
+    // The item that has taken the name is newer; keep both.
     return (errno == EEXIST || errno == ENOTEMPTY) &&
            showItemBeside(hiddenFolder, hiddenName, folder, wanted);
 }
@@ -53,7 +53,7 @@ bool SetAside::take(const struct stat& item) {
     if (::fstatat(folder(), name(), &taken, AT_SYMLINK_NOFOLLOW) == 0 && isSameItem(taken, item)) {
         return true;
     }
-    // Somebody has put another one there in between.
+    // Somebody has replaced the item meanwhile.
     putBack();
     errno = ESTALE;
     return false;
@@ -95,7 +95,7 @@ bool SetAside::putBack() noexcept {
             return false;
         }
     } catch (...) {
-        return false; // no memory for another name
+        return false; // out of memory for another name
     }
     state_ = State::inPlace;
     removeLongFolder();

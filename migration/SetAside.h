@@ -9,29 +9,29 @@
 
 namespace ZQFoundation::detail {
 
-/// An item that was taken away from its name, in one step and beside it, to be looked at before it is
-/// removed. However the scope is left, it goes back unless it was given up.
+/// An item renamed in one step, in its folder, so that it can be checked before it is removed. At the end of
+/// the scope it gets its name back unless it was released for removal.
 class SetAside {
 public:
-    /// The place must outlive this.
+    /// The place must outlive this object.
     explicit SetAside(const ItemPlace& place) noexcept : place_(place) {}
     SetAside(const SetAside&) = delete;
     SetAside& operator=(const SetAside&) = delete;
     ~SetAside();
 
-    /// Takes the item away, if it is still this one: false with `errno` and everything as it was, ESTALE for
-    /// another item.
+    /// Renames the item if it is still this one. False with `errno` and nothing changed; ESTALE for another
+    /// item.
     bool take(const struct stat& item);
 
-    /// Gives it its name back; where that was taken meanwhile, a free one like it. False when it stays
-    /// hidden, until the next migration finds it.
+    /// Restores its name, or a numbered one if that was taken meanwhile. False if it stays hidden until the
+    /// next migration finds it.
     bool putBack() noexcept;
 
-    /// From here on it is to be removed: by another hidden name, which says so also after the process has
-    /// ended. False with `errno`; then it is still set aside.
+    /// Releases it for removal, by another hidden name that says so even after the process has ended. False
+    /// with `errno`; then it is still set aside.
     bool giveUp();
 
-    /// Removes the file that was taken away, in one step. False with `errno`; then it is still set aside.
+    /// Removes the file in one step. False with `errno`; then it is still set aside.
     bool removeFile();
 
     /// Where the item is now.
@@ -48,15 +48,15 @@ private:
     const ItemPlace& place_;
     State state_ = State::inPlace;
     std::string name_;
-    std::string longName_; ///< of the folder that holds an item whose name is long
+    std::string longName_; ///< the folder that contains an item with a long name
     Descriptor long_;
 };
 
-/// Gives a hidden item the name `wanted` in that folder, or a numbered one like it where that is taken. False
-/// with `errno`.
+/// Gives a hidden item the name `wanted` in that folder, or a numbered one if that is taken. False with
+/// `errno`.
 bool showItem(int hiddenFolder, const char* hiddenName, int folder, const std::string& wanted);
 
-/// The same with a numbered name in any case.
+/// The same, but always with a numbered name.
 bool showItemBeside(int hiddenFolder, const char* hiddenName, int folder, const std::string& name);
 
 } // namespace ZQFoundation::detail

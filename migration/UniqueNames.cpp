@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One naming scheme for paths, dictionary keys and members of sets: name, intermediate string, counter.
+// Makes unique paths, dictionary keys and members of sets: name, intermediate string, counter.
 #include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSSet.h"
 #include "migration/FreePath.h"
@@ -39,8 +39,8 @@ NSString NSDictionary::uniqueKeyForKey_usingIntermediateString(const NSString& k
 
 NSString NSDictionary::uniqueKeyForKey_usingIntermediateString_maxAttempts(const NSString& key, StringView,
                                                                            std::uint64_t) const {
-    // Every attempt asks for the wanted key itself, not for its candidate, so a taken key stays taken
-    // whatever is tried: no candidate has to be made.
+    // Every attempt checks the wanted key itself, not a candidate, so a key that is taken stays taken: no
+    // candidate has to be made.
     return objectForKey(key) ? NSString() : key;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The operations that migrate one file, one folder, or all files of one extension.
+// The operations that migrate one file, one folder, or all files with one extension.
 #include "migration/ZQFileMigrator.h"
 
 #include "foundation/files/PathHandle.h"
@@ -18,7 +18,7 @@ using detail::ItemPlace;
 using detail::MigratedKind;
 using detail::MigrationPolicy;
 
-/// Passes on what happens to the host's observer, if there is one, and gathers the codes of a batch.
+/// Forwards events to the host's observer, if there is one, and collects the codes of a batch.
 class Progress final : public detail::BatchMigration::Observer {
 public:
     explicit Progress(ZQMigrationObserver* observer) noexcept : observer_(observer) {}
@@ -42,7 +42,7 @@ public:
         return ask();
     }
 
-    /// What watches a copy; null when nobody wants to know.
+    /// The observer of a copy; null if there is no host observer.
     detail::CopyObserver* ofCopy() noexcept { return observer_ != nullptr ? this : nullptr; }
 
     bool isStopped() const noexcept { return isStopped_; }

@@ -15,8 +15,8 @@ using detail::AsciiOrUtf16;
 
 namespace {
 
-/// The numbers of the first three are what `typeOfCharacter` answers. A byte that is not ASCII says nothing
-/// by itself: the texts have to be walked unit by unit then.
+/// `typeOfCharacter` returns the numbers of the first three. A non-ASCII byte is undecided: then the texts
+/// have to be compared unit by unit.
 enum class TokenClass : unsigned char { digit = 0, other = 1, period = 2, undecided = 3 };
 
 NSComparisonResult ordered(std::size_t left, std::size_t right) noexcept {
@@ -24,7 +24,7 @@ NSComparisonResult ordered(std::size_t left, std::size_t right) noexcept {
 }
 
 TokenClass classOfByte(char byte) noexcept {
-    // Versions consist of little else than digits and periods, so these are asked for first.
+    // Versions consist mostly of digits and periods, so test for these first.
     if (static_cast<unsigned char>(byte - '0') <= 9) {
         return TokenClass::digit;
     }
@@ -54,7 +54,7 @@ NSComparisonResult compareBytes(const char* left, std::size_t leftCount, const c
                       : ordered(leftCount, rightCount);
 }
 
-/// Bytes that are taken for ASCII until one proves otherwise.
+/// A text in bytes, treated as ASCII until a non-ASCII byte is found.
 class ByteText {
 public:
     explicit ByteText(StringView text) noexcept : bytes_(text.bytes()), length_(text.size()) {}
@@ -73,7 +73,7 @@ private:
     std::size_t length_;
 };
 
-/// Any text, whatever its form.
+/// A text in any form, accessed unit by unit.
 class UnitText {
 public:
     explicit UnitText(StringView text) : text_(text) {}
@@ -91,7 +91,7 @@ public:
         if (hasSameUnits(start, end, right, rightStart, rightEnd)) {
             return NSOrderedSame;
         }
-        // Canonical equivalence is rarely at stake, so the two copies that it takes here do not matter.
+        // Canonical equivalence rarely matters, so the cost of the two copies that it needs is acceptable.
         return substring(text_, start, end).compare(substring(right.text_, rightStart, rightEnd));
     }
 
@@ -123,8 +123,8 @@ std::size_t tokenEnd(const Text& text, std::size_t start, TokenClass tokenClass)
     return end;
 }
 
-/// What the platform's `intValue` reads from a token of digits: the ASCII ones in front, up to the limit of
-/// 32 signed bits. Moves `position` behind them.
+/// What `NSString::intValue` reads from a token of digits: the leading ASCII digits, saturating at 32 signed
+/// bits. Moves `position` past them.
 template <class Text>
 std::uint32_t leadingNumber(const Text& text, std::size_t& position) noexcept {
     std::uint64_t number = 0;
@@ -139,7 +139,7 @@ std::uint32_t leadingNumber(const Text& text, std::size_t& position) noexcept {
     return static_cast<std::uint32_t>(number > INT32_MAX ? INT32_MAX : number);
 }
 
-/// A text with the place that the comparison has reached in it.
+/// A text and the position that the comparison has reached in it.
 template <class Text>
 struct Cursor {
     const Text& text;
@@ -147,7 +147,7 @@ struct Cursor {
 
     bool atEnd() const noexcept { return position == text.length(); }
 
-    /// Passes over a whole token of digits.
+    /// Consumes a whole token of digits, including non-ASCII ones, and returns its number.
     std::uint32_t takeNumber() {
         const std::uint32_t number = leadingNumber(text, position);
         while (!atEnd() && text.classAt(position) == TokenClass::digit) {
@@ -156,7 +156,8 @@ struct Cursor {
         return number;
     }
 
-    /// Whether the token that was just passed over may go on in what a byte alone does not tell.
+    /// Whether the token just consumed may continue with a non-ASCII character, whose class its first byte
+    /// does not show.
     bool isUndecided() const { return !atEnd() && text.classAt(position) == TokenClass::undecided; }
 };
 
@@ -176,7 +177,8 @@ NSComparisonResult compareOthers(Cursor<Text>& left, Cursor<Text>& right) {
     return left.text.compare(leftStart, left.position, right.text, rightStart, right.position);
 }
 
-/// Of the version with tokens left over; nothing is left over of equal ones.
+/// The order when one version has ended: the one with tokens left is greater, or less if they begin with
+/// letters.
 template <class Text>
 NSComparisonResult orderOfSurplus(const Cursor<Text>& left, const Cursor<Text>& right) {
     if (!left.atEnd()) {
@@ -190,8 +192,8 @@ NSComparisonResult orderOfSurplus(const Cursor<Text>& left, const Cursor<Text>& 
     return NSOrderedSame;
 }
 
-/// How far two texts agree, in whole tokens: every token that is left out is the same in both. Versions that
-/// are compared have much in common as a rule.
+/// The length of the common beginning, in whole components. Versions usually have much in common, so skipping
+/// it saves most of the work.
 template <class Text>
 std::size_t sharedTokens(const Text& left, const Text& right) {
     const std::size_t shorter = left.length() < right.length() ? left.length() : right.length();
@@ -199,14 +201,14 @@ std::size_t sharedTokens(const Text& left, const Text& right) {
     while (end < shorter && left[end] == right[end]) {
         ++end;
     }
-    // The last token may go on differently in the two.
+    // The last token may continue differently in the two.
     while (end > 0 && left[end - 1] != '.') {
         --end;
     }
     return end;
 }
 
-/// Compares token by token. False when a class is undecided: `result` says nothing then.
+/// Compares token by token. Returns false if a class is undecided; then `result` is meaningless.
 template <class Text>
 bool compareTokens(const Text& leftText, const Text& rightText, NSComparisonResult& result) {
     const std::size_t shared = sharedTokens(leftText, rightText);
@@ -247,7 +249,7 @@ bool compareTokens(const Text& leftText, const Text& rightText, NSComparisonResu
 
 bool holdsBytes(StringView text) noexcept { return text.form() != StringView::Form::utf16; }
 
-/// The first `count` bytes or units of a text, which is not cut within a character.
+/// The first `count` bytes or units of a text. `count` must not split a character.
 StringView prefix(StringView text, std::size_t count) noexcept {
     switch (text.form()) {
     case StringView::Form::ascii:
@@ -262,7 +264,8 @@ StringView prefix(StringView text, std::size_t count) noexcept {
     return nullptr;
 }
 
-/// Of an ASCII character, which is one byte and one unit and no part of any other.
+/// Whether there is an ASCII character at `index`. In UTF-8 its byte is never part of another character, so
+/// one test does for bytes and for units.
 bool hasAt(StringView text, std::size_t index, char character) noexcept {
     return holdsBytes(text) ? text.bytes()[index] == character
                             : text.units()[index] == static_cast<char16_t>(character);
@@ -276,7 +279,7 @@ std::size_t periodCount(StringView text) noexcept {
     return count;
 }
 
-/// What stands before the last of so many periods, of which the text has at least as many.
+/// The text before the `count`-th period from the end. The text has at least `count` periods.
 StringView withoutLastComponents(StringView text, std::size_t count) noexcept {
     std::size_t end = text.size();
     while (count > 0 && end > 0) {
@@ -286,12 +289,12 @@ StringView withoutLastComponents(StringView text, std::size_t count) noexcept {
     return prefix(text, end);
 }
 
-/// A version with a "+" at its end spelled out as the ".0" that it stands for.
+/// A version in which a "+" at the end is replaced by ".0".
 class PlusVersion {
 public:
     explicit PlusVersion(StringView version) : version_(version) {
         if (version && version.size() == 0) {
-            NSString(version).characterAtIndex(0); // raises: there is no last unit to look at
+            NSString(version).characterAtIndex(0); // raises: there is no last unit
         }
         if (!version || !hasAt(version, version.size() - 1, '+')) {
             return;
@@ -356,7 +359,7 @@ NSComparisonResult ZQVersionComparator::compareMajorVersion_toMajorVersion(Strin
                                                                            StringView other) {
     const std::size_t periods = periodCount(version);
     const std::size_t otherPeriods = periodCount(other);
-    // Only versions that are of one length from the start lose their last component.
+    // Only versions with the same number of periods lose their last component.
     const bool alike = periods == otherPeriods;
     const std::size_t surplus = alike                    ? (periods != 0 ? 1 : 0)
                                 : periods > otherPeriods ? periods - otherPeriods

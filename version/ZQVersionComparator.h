@@ -14,7 +14,7 @@ namespace ZQFoundation {
 ///     ZQVersionComparator::compareVersion_toVersion("1.0b", "1.0");  // NSOrderedAscending
 ///     ZQVersionComparator::compareVersion_toVersion("1.0", "1.0.0"); // NSOrderedAscending: not ignored
 ///
-/// A version is cut into tokens of one class: runs of digits, single periods, runs of anything else.
+/// A version is split into tokens of one class: runs of digits, single periods, runs of anything else.
 class ZQFOUNDATION_EXPORT ZQVersionComparator {
 public:
     ZQVersionComparator() = delete;
@@ -27,17 +27,18 @@ public:
     static NSMutableArray splitVersionString(StringView version);
 
     /// Token by token: anything else orders before a period, a period before a number; numbers by their
-    /// 32-bit value, other tokens by `compare`. When one version runs out, the longer one is less if its next
+    /// 32-bit value, other tokens by `compare`. If one version ends first, the longer one is less if its next
     /// token is neither a number nor a period, else greater. Nil has no tokens.
     static NSComparisonResult compareVersion_toVersion(StringView version, StringView other);
 
-    /// As `compareVersion_toVersion`, with one "+" at the end of either string read as ".0": "3.0+" is
+    /// Like `compareVersion_toVersion`, but one "+" at the end of either string is read as ".0": "3.0+" is
     /// "3.0.0". Raises NSRangeException for an empty string.
     static NSComparisonResult compareVersionWithPlus_toVersionWithPlus(StringView version, StringView other);
 
-    /// Compares leading components. Of two versions with as many periods the last component of each is left
-    /// out; of others the longer one is cut to as many periods as the shorter one, and nothing more.
-    /// **No ordering to sort by:** 10.13 and 10.14 are the same, 10.13.6 is less than 10.14.
+    /// Compares leading components. If both versions have the same number of periods, the last component of
+    /// each is ignored; otherwise the longer one is truncated to the number of periods of the shorter one,
+    /// and nothing more. **Not an ordering to sort by:** 10.13 and 10.14 are the same, 10.13.6 is less than
+    /// 10.14.
     static NSComparisonResult compareMajorVersion_toMajorVersion(StringView version, StringView other);
 };
 

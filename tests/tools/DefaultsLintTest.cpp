@@ -74,9 +74,9 @@ TEST_F(DefaultsLint, tellsWhatTheLibraryCannotUse) {
     write("T.strings", "a = ( b );");
     write("Array.strings", "( a )");
     write("Large.plist", "{ a = \"" + std::string(17 << 20, 'x') + "\"; }");
-    EXPECT_EQ(said({"Word.plist"}), "Word.plist: this is neither a dictionary nor an array, but one value\n"
+    EXPECT_EQ(said({"Word.plist"}), "Word.plist: this is a single value, not a dictionary or an array\n"
                                     "defaults: 1 fault found\n1");
-    EXPECT_EQ(said({"T.strings"}), "T.strings: the value of \"a\" is no text\ndefaults: 1 fault found\n1");
+    EXPECT_EQ(said({"T.strings"}), "T.strings: the value of \"a\" is not text\ndefaults: 1 fault found\n1");
     EXPECT_EQ(said({"Array.strings"}).find("Array.strings:1:1: "), 0U);
     EXPECT_NE(said({"Large.plist"}).find("is larger than 16777216 bytes"), std::string::npos);
     EXPECT_NE(said({"absent.plist"}).find("absent.plist: "), std::string::npos);

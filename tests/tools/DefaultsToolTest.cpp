@@ -276,10 +276,11 @@ TEST(DefaultsTool, saysWhereARemovedKeyIsStillSet) {
     tool.done({"write", "-g", "TraceBoth", "YES"});
     tool.done({"write", "-g", "TraceGlobal", "YES"});
     tool.done({"write", "com.example.v", "{ TraceBoth = NO; TraceOwn = YES; }"});
-    EXPECT_EQ(tool.refused({"remove", "com.example.v", "TraceBoth"}),
-              "defaults: TraceBoth was removed from com.example.v, but stays in force: the global domain has "
-              "it too "
-              "(defaults remove -g TraceBoth)\n");
+    EXPECT_EQ(
+        tool.refused({"remove", "com.example.v", "TraceBoth"}),
+        "defaults: TraceBoth was removed from com.example.v, but remains in effect: the global domain has "
+        "it too "
+        "(defaults remove -g TraceBoth)\n");
     EXPECT_EQ(tool.done({"read", "com.example.v"}), "{\n    TraceOwn = YES;\n}\n");
     tool.done({"remove", "com.example.v", "TraceOwn"});
     EXPECT_EQ(tool.refused({"remove", "com.example.v", "TraceGlobal"}),

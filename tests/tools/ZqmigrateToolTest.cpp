@@ -236,10 +236,10 @@ TEST(ZqmigrateTool, reportsRelativeLinksThatLeadNowhereAfterwards) {
     EXPECT_EQ(tool.done({"--keep-original", "--create-parents", "folder", "a", "x/b"}), " 0  a: success\n");
     EXPECT_EQ(tool.report("errors"),
               "zqmigrate: 1 folder copied\n"
-              "zqmigrate: x/b/broken: this link leads nowhere now; at its old place it led somewhere\n");
+              "zqmigrate: x/b/broken: this link is dangling now; at its old place it was valid\n");
     ::unlink((tool / "a/never").c_str());
     tool.done({"--create-parents", "batch", "a", "x/y"});
-    EXPECT_TRUE(holds(tool.report("errors"), "zqmigrate: x/y/broken: this link leads nowhere now"));
+    EXPECT_TRUE(holds(tool.report("errors"), "zqmigrate: x/y/broken: this link is dangling now"));
     EXPECT_FALSE(holds(tool.report("errors"), "x/y/absolute"));
 }
 
@@ -258,7 +258,7 @@ TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
             EXPECT_EQ(outcome.status, 1);
             EXPECT_EQ(outcome.output, " 0  open/file: success\n") << mode;
             EXPECT_EQ(outcome.errors,
-                      "zqmigrate: closed: this folder cannot be read; what it holds was ignored\n"
+                      "zqmigrate: closed: this folder cannot be read; its contents were ignored\n"
                       "zqmigrate: 1 file moved\n");
             const Outcome source = tool.run({"batch", "a/closed", "b"});
             EXPECT_EQ(source.status, 1);
@@ -384,7 +384,7 @@ TEST(ZqmigrateTool, warnsOfTooLittleRoom) {
             scene::leave(77);
         }
         tool.done({"-n", "--create-parents", "file", "large", "there/x/y"});
-        EXPECT_TRUE(holds(tool.report("errors"), "too little room at the destination"));
+        EXPECT_TRUE(holds(tool.report("errors"), "too little space at the destination"));
         tool.done({"-n", "file", "small", "there/y"});
         EXPECT_FALSE(holds(tool.report("errors"), "room"));
     });
@@ -447,7 +447,7 @@ TEST(ZqmigrateTool, goesOnWithoutAReader) {
     EXPECT_EQ(scene::statusOf(child), 1);
     EXPECT_EQ(tool.report("errors"),
               "zqmigrate: 1,000 files moved\n"
-              "zqmigrate: standard output cannot be written; the work went on without it\n");
+              "zqmigrate: standard output cannot be written; the work continued without it\n");
     EXPECT_EQ(tool.folder().digest("b").size(), 1U + 1000U);
     EXPECT_EQ(tool.folder().digest("a").size(), 1U);
 }

@@ -137,7 +137,7 @@ void readType(const Words& words) {
 NSObject added(const NSObject& before, const WrittenValue& addition, const NSString& key) {
     if (addition.manner == WrittenValue::Manner::addToArray) {
         if (before && !NSArray(before)) {
-            fail("the value of %@ is no array, but of type %s", key, nameOfType(before));
+            fail("the value of %@ is not an array but of type %s", key, nameOfType(before));
         }
         NSMutableArray elements;
         elements.addObjectsFromArray(NSArray(before));
@@ -145,7 +145,7 @@ NSObject added(const NSObject& before, const WrittenValue& addition, const NSStr
         return elements.array();
     }
     if (before && !NSDictionary(before)) {
-        fail("the value of %@ is no dictionary, but of type %s", key, nameOfType(before));
+        fail("the value of %@ is not a dictionary but of type %s", key, nameOfType(before));
     }
     NSMutableDictionary entries{NSDictionary(before)};
     for (const NSDictionaryEntry& entry : NSDictionary(addition.value)) {
@@ -215,7 +215,7 @@ void removeKey(const Domain& domain, const NSString& key) {
         return rest.dictionary();
     });
     if (isSetGlobally(domain, key)) {
-        fail("%@ was removed from %@, but stays in force: the global domain has it too (%s remove -g %@)",
+        fail("%@ was removed from %@, but remains in effect: the global domain has it too (%s remove -g %@)",
              key, domain.name, programName, key);
     }
 }
@@ -243,7 +243,7 @@ void rename(const Words& words) {
             return values;
         }
         if (values.objectForKey(newKey)) {
-            fail("the domain %@ has a key %@ already", domain.name, newKey);
+            fail("the domain %@ already has a key %@", domain.name, newKey);
         }
         NSMutableDictionary renamed(withValue(values, newKey, value));
         renamed.removeObjectForKey(oldKey);
@@ -311,7 +311,7 @@ void find(const Words& words) {
     }
     unreadable.tell();
     if (count == 0) {
-        fail("no domain, key or value holds \"%@\"", words[1]);
+        fail("no domain, key or value contains \"%@\"", words[1]);
     }
 }
 
@@ -356,16 +356,15 @@ constexpr std::size_t any = static_cast<std::size_t>(-1);
 
 constexpr Command commands[] = {
     {"read", "[--json] [<domain> [<key>]]", "print everything, a domain, or a value", 1, 4, read},
-    {"read-type", "<domain> <key>", "print of which type a value is", 3, 3, readType},
+    {"read-type", "<domain> <key>", "print the type of a value", 3, 3, readType},
     {"write", "<domain> <key> [<type>] <value>", "set a value", 4, any, write},
-    {"write", "<domain> '{ <key> = <value>; }'", "set all values of a domain, and remove any other", 3, 3,
-     write},
+    {"write", "<domain> '{ <key> = <value>; }'", "replace all values of a domain", 3, 3, write},
     {"remove", "<domain> [<key>]", "remove a value, or all of a domain", 2, 3, remove},
     {"delete", "<domain> [<key>]", "the same", 2, 3, remove},
-    {"rename", "<domain> <key> <new key>", "give a value another key, which must be free", 4, 4, rename},
+    {"rename", "<domain> <key> <new key>", "rename a key; the new name must be free", 4, 4, rename},
     {"domains", "", "list the domains", 1, 1, listDomains},
-    {"find", "<word>", "print what mentions the word, in any case", 2, 2, find},
-    {"import", "<domain> <file>|-", "set all values of a domain to those in the file", 3, 3, importDomain},
+    {"find", "<word>", "print what contains the word, ignoring case", 2, 2, find},
+    {"import", "<domain> <file>|-", "replace all values of a domain by those in a file", 3, 3, importDomain},
     {"export", "<domain> <file>|-", "write a domain's values to a file, as XML", 3, 3, exportDomain},
     {"lint", "<file>...", "check property lists, and string tables of all languages", 2, any, lint},
 };

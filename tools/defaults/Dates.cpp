@@ -19,7 +19,7 @@ public:
         return found;
     }
 
-    /// Exactly so many digits that make a number from `least` to `most`.
+    /// Exactly `digits` digits that make a number from `least` to `most`.
     bool takeNumber(int digits, int least, int most, int& number) noexcept {
         number = 0;
         for (int i = 0; i < digits; ++i, ++next_) {

@@ -18,12 +18,12 @@ NSDictionary readDomain(const Domain& domain);
 /// The dictionary in any file, a pipe too; "-" for standard input. Fails with a message as `readDomain`.
 NSDictionary readDictionary(const std::string& path);
 
-/// Reads the domain, has it changed, and puts the result in its place: others see the old file or the whole
-/// new one, which has the old one's permissions. Writers wait for one another, so none loses what another has
-/// written, but not for ever. A link is written through. Fails with a message, and the old file stays, when
-/// it cannot be read as above or the new one not be written.
+/// Reads the domain, calls `change`, and replaces the file with the result: others see the old file or the
+/// complete new one, which has the old one's permissions. Writers wait for each other, for a limited time, so
+/// none loses what another has written. If the file is a link, its target is written. Fails with a message,
+/// and keeps the old file, if it cannot be read as above or the new one cannot be written.
 ///
-/// `change` gets the dictionary, empty when there is no file, and answers the new one.
+/// `change` gets the dictionary, empty if there is no file, and returns the new one.
 template <class Change>
 void changeDomain(const Domain& domain, const Change& change);
 

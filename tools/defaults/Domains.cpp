@@ -35,7 +35,7 @@ Domain domainFromWord(const std::string& word) {
     const std::string name = isGlobal ? globalDomain : word;
     const std::string path = detail::fileOfDomain(name);
     if (detail::defaultsFolder().empty()) {
-        fail("nothing tells where the home folder is; set HOME or XDG_CONFIG_HOME");
+        fail("the home folder is unknown; set HOME or XDG_CONFIG_HOME");
     }
     if (path.empty()) {
         fail("\"%@\" cannot name a domain", word);

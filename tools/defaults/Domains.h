@@ -15,13 +15,13 @@ struct Domain {
 };
 
 /// The domain of a name, of "-g" or "-globalDomain" for the global one, or of a path to a file, with or
-/// without its ".plist". Fails with a message when no file can bear the name.
+/// without its ".plist". Fails with a message if the name is not a valid file name.
 Domain domainFromWord(const std::string& word);
 
-/// The domain of a name that its file bears, whatever it looks like.
+/// The domain whose file has this name, whatever the name looks like.
 Domain domainOfFile(const std::string& name);
 
-/// The names of all domains that have a file, in ascending order, the global one not among them.
+/// The names of all domains that have a file, in ascending order, without the global one.
 std::vector<std::string> namesOfDomains();
 
 } // namespace ZQFoundation::defaults

@@ -95,7 +95,7 @@ private:
         isFirst_ = false;
     }
 
-    /// What stands in front of an element or a key.
+    /// Writes what comes before an element or a key.
     void separate(std::size_t depth) {
         if (isAfterKey_ || depth == 0) {
             isAfterKey_ = false;

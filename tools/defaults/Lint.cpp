@@ -105,7 +105,7 @@ private:
         if (!value) {
             tellPlace(error);
         } else if (!value.as<NSDictionary>() && !value.as<NSArray>()) {
-            tell("this is neither a dictionary nor an array, but one value");
+            tell("this is a single value, not a dictionary or an array");
         }
     }
 
@@ -116,7 +116,7 @@ private:
         }
         for (const NSDictionaryEntry& entry : texts) {
             if (!entry.value.as<NSString>()) {
-                tell("the value of \"%@\" is no text", entry.key);
+                tell("the value of \"%@\" is not text", entry.key);
             }
         }
         const std::string name = familyName(path_);

@@ -155,7 +155,7 @@ NSObject scalarFromWord(Type type, const std::string& word) {
     case Type::data:
         return dataFromWord(word);
     case Type::integer:
-        return numberFromWord<std::int64_t>(word, "an integer of 64 bits");
+        return numberFromWord<std::int64_t>(word, "a 64-bit integer");
     case Type::real:
         return numberFromWord<double>(word, "a number");
     case Type::boolean:
@@ -167,14 +167,14 @@ NSObject scalarFromWord(Type type, const std::string& word) {
     }
 }
 
-/// Takes one element, with its type flag if it has one, and moves the index behind it.
+/// Takes one element, with its type flag if it has one, and moves the index past it.
 NSObject elementFromWords(const Words& words, std::size_t& index) {
     const Type type = typeOfFlag(words[index]);
     if (type == Type::none) {
         return valueFromWord(words[index++]);
     }
     if (isCollection(type)) {
-        misuse("%@ cannot stand inside a collection; write it as \"( a, b )\" or \"{ k = v; }\"",
+        misuse("%@ is not possible inside a collection; write it as \"( a, b )\" or \"{ k = v; }\"",
                words[index]);
     }
     if (index + 1 == words.size()) {
@@ -219,7 +219,7 @@ NSObject valueFromWord(const std::string& word) {
     detail::PropertyListError error;
     NSObject value = detail::parsePropertyListText(word, &error);
     if (!value) {
-        fail("\"%@\" begins like a property list and is none: %@ (use -string for text)", word,
+        fail("\"%@\" begins like a property list but is not one: %@ (use -string for text)", word,
              detail::describePropertyListError(error));
     }
     return value;

@@ -11,8 +11,8 @@ namespace ZQFoundation::defaults {
 
 using Words = std::vector<std::string>;
 
-/// What to do with the words behind a key: a value that takes the place of the old one, or elements or
-/// entries that are added to it.
+/// What to do with the words after a key: a value that replaces the old one, or elements or entries that are
+/// added to it.
 struct WrittenValue {
     enum class Manner { replace, addToArray, addToDictionary };
 

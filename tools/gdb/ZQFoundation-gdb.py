@@ -4,7 +4,7 @@
 Only memory is read and nothing is called, so this works on a core file and wherever the threads were stopped.
 What is read may be garbage: every length is limited, every address may be unreadable, and nothing raises.
 The types of the handles come from the debug information of the host; how the library lays out what the handles
-point to stands here, so the library itself needs none.
+point to is defined here, so the library itself needs none.
 """
 
 import datetime
@@ -34,7 +34,7 @@ SET_PAGE_COUNT = 528
 SET_PLANES = 532
 SET_PAGES = 552
 HOST_OBJECT = 8
-ZONE_NAME = 40           # where the name of a zone keeps its address, and behind that its length
+ZONE_NAME = 40           # where the name of a zone keeps its address, followed by its length
 BUILDER_LENGTH = 8
 BUILDER_FORM = 32
 FORM_UNITS = 1
@@ -49,7 +49,7 @@ NOT_FOUND = (1 << 63) - 1
 
 
 class Unreadable(Exception):
-    """What stands there is no value; the text tells what it is."""
+    """What is there is not a value; the text says what it is."""
 
 
 def limit():
@@ -130,7 +130,7 @@ def text_of_handle(handle):
 
 
 def parts_of(value):
-    """The payload and the kind of a handle, which may stand in registers."""
+    """The payload and the kind of a handle, which may be in registers."""
     return int(value["payload_"]["integer"]) & ((1 << 64) - 1), int(value["kind_"])
 
 
@@ -291,7 +291,7 @@ class Text:
 
 
 def handles_in(body, kind):
-    """Where the handles of a container stand."""
+    """The addresses of the handles in a container."""
     if KINDS[kind] == "array":
         return body + ARRAY_ELEMENTS, length_at(body + BODY_LENGTH)
     return body + TABLE_ENTRIES, 2 * length_at(body + TABLE_USED)

@@ -27,11 +27,11 @@ constexpr struct {
     {kFileMigrationDestinationFileExists,
      "--overwrite replaces what is there, --rename gives the copy another name"},
     {kFileMigrationDestinationFolderExists,
-     "--overwrite replaces what is there, with all that it holds; --rename gives the copy another name"},
+     "--overwrite replaces the folder with all its contents; --rename gives the copy another name"},
     {kFileMigrationDestinationFileWritingFailed,
      "no part of a copy is left; what --overwrite replaces may be gone", true},
     {kFileMigrationDestinationFolderOverwritingFailed,
-     "the folder at the destination may have lost a part of what it held", true},
+     "the folder at the destination may have lost part of its contents", true},
     {kFileMigrationDestinationFolderWritingFailed,
      "no part of a copy is left; what --overwrite replaces may be gone", true},
 };
@@ -206,15 +206,15 @@ std::string summaryOf(const Request& request, const Outcome& outcome) {
         return messageLine(outcome.error);
     }
     std::string text = listedPaths(request, outcome.unreadableFolders,
-                                   "this folder cannot be read; what it holds was ignored");
+                                   "this folder cannot be read; its contents were ignored");
     if (outcome.isMoreUnreadable) {
         text += messageLine("a signal stopped the search for folders that cannot be read: there may be more");
     }
     if (!request.isQuiet || !outcome.isSuccess()) {
         text += howItWent(request, outcome) + whatIsLeft(request, outcome) + hintsFor(request, outcome);
     }
-    text += listedPaths(request, outcome.brokenLinks,
-                        "this link leads nowhere now; at its old place it led somewhere");
+    text +=
+        listedPaths(request, outcome.brokenLinks, "this link is dangling now; at its old place it was valid");
     for (const NSString& note : outcome.notes) {
         text += messageLine(note);
     }

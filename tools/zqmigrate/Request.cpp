@@ -81,7 +81,7 @@ void refuseContradictions(const Request& request) {
     refuseIf(!request.isBatch() && (request.extension != nullptr || request.includeDotFiles),
              "--extension and --dot-files are for batch only");
     refuseIf(request.overwriteDestination && request.renameIfDestinationExists,
-             "--overwrite removes what --rename would leave alone: only one of them can be meant");
+             "--overwrite and --rename contradict each other");
     refuseIf(request.isQuiet && request.isVerbose, "--quiet and --verbose contradict each other");
 }
 

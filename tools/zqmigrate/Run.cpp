@@ -192,15 +192,15 @@ private:
         };
         if (notes != 0) {
             note("files with a note: " + grouped(notes) +
-                 "; the run itself changes what they meet, so they may end otherwise");
+                 "; the run itself changes what they find, so the results may differ");
         }
         if (request_.isBatch() && detail::standsInside(request_.destinationOf("item"), request_.source)) {
-            note("the destination is in the source folder: a real run may also meet files that it made "
+            note("the destination is in the source folder: a real run may also find files that it made "
                  "itself");
         }
         const std::uint64_t free = freeBytesAt(bytesOf(request_.destination));
         if (outcome_.migrated != 0 && room_ > free) {
-            note("there may be too little room at the destination: the originals take " + grouped(room_) +
+            note("there may be too little space at the destination: the originals take " + grouped(room_) +
                  " bytes, and " + grouped(free) + " are free");
         }
     }
@@ -224,8 +224,8 @@ private:
         }
     }
 
-    /// What was not reached, and links that lead nowhere: of such a one the library thinks that it is what
-    /// the item before it was, and so ignores it after a folder.
+    /// What was not reached, and dangling links: the library treats such a link like the item before it, and
+    /// so ignores it after a folder.
     void findRest() {
         if (inHand_ && reached_.insert(bytesOf(inHand_)).second) {
             outcome_.notReached.push_back(inHand_);

@@ -23,7 +23,7 @@ struct Outcome {
     bool isMoreNotReached = false;           ///< another signal has cut that list short
     std::vector<NSString> unreadableFolders; ///< what they hold was not even seen
     bool isMoreUnreadable = false;           ///< a signal has cut the search for them short
-    std::vector<NSString> brokenLinks;       ///< copies of relative links that led somewhere
+    std::vector<NSString> brokenLinks;       ///< copies of relative links that were valid
     NSString error;                          ///< why there was nothing to go through; nil when there was
     std::vector<NSString> notes;
     int signal = 0;

@@ -105,7 +105,7 @@ Screen::Screen(bool wantsBar) : start_(seconds()) {
 }
 
 void Screen::write(const std::string& text) {
-    std::unique_lock guard(mutex_, std::defer_lock); // a slow reader elsewhere does not hold the bar up
+    std::unique_lock guard(mutex_, std::defer_lock); // a slow reader elsewhere does not block the bar
     if (sharesTerminal_ && !text.empty()) {
         guard.lock();
         erase();

@@ -21,35 +21,35 @@ constexpr const char help[] =
     "       zqmigrate [<option>]... folder <from> <to>\n"
     "       zqmigrate [<option>]... batch <from> <to>\n"
     "\n"
-    "Moves a file, a folder with all that it holds, or file by file what is below a folder.\n"
+    "Moves a file, a folder with all its contents, or, file by file, what is below a folder.\n"
     "A move is a copy and then the removal of the original: whatever fails, the original or\n"
-    "a complete copy is there.\n"
+    "a complete copy exists.\n"
     "\n"
-    "  --keep-original        copy, do not remove the originals\n"
-    "  --create-parents       make the missing folders above a destination\n"
-    "  --overwrite            remove what is at a destination before the copy\n"
-    "  --rename               give a copy a free name when its destination is taken\n"
+    "  --keep-original        copy without removing the originals\n"
+    "  --create-parents       create the missing parent folders of a destination\n"
+    "  --overwrite            remove the item at a destination before the copy\n"
+    "  --rename               give a copy a free name if its destination exists\n"
     "  --extension <ext>      batch: only files with that extension, such as \"log\"\n"
-    "  --dot-files            batch: also what begins with \".\" in the source folder\n"
+    "  --dot-files            batch: also items in the source folder that begin with \".\"\n"
     "\n"
-    "  -n, --dry-run          change nothing, report what would become of each file\n"
+    "  -n, --dry-run          change nothing, report what would happen to each file\n"
     "      --json             report as JSON\n"
-    "  -q, --quiet            report failures only, and show no progress\n"
+    "  -q, --quiet            report only failures, and show no progress\n"
     "  -v, --verbose          report where each file goes\n"
     "  -h, --help             print this text and do nothing else\n"
     "      --version          print the version and do nothing else\n"
-    "      --                 what follows is no option\n"
+    "      --                 what follows is not an option\n"
     "\n"
     "Examples:\n"
     "  zqmigrate --dry-run batch --extension log ~/.viewer ~/logs\n"
     "  zqmigrate --create-parents folder ~/.viewer ~/.config/viewer/documents\n"
     "\n"
     "Standard output has a line for each file that was migrated. A failure does not stop the\n"
-    "others; standard error lists in the end what is left to do, at most 20 files of it.\n"
-    "Ctrl-C stops the work: what was moved stays moved, what was not stays as it is.\n"
+    "others; at the end standard error lists what is left to do, at most 20 files of it.\n"
+    "Ctrl-C stops the work: what was moved stays moved, the rest is not touched.\n"
     "\n"
-    "Exit status: 0 when every file was migrated, 1 when one was not, 2 for a wrong command\n"
-    "line, 128 and the number of the signal that stopped the work.\n";
+    "Exit status: 0 if every file was migrated, 1 if one was not, 2 for a wrong command\n"
+    "line, 128 plus the number of the signal that stopped the work.\n";
 
 int complain(const std::string& message, ExitStatus status) {
     writeAll(STDERR_FILENO, messageLine(pathOf(message + (status == misused ? " (try --help)" : ""))));
@@ -79,8 +79,8 @@ int migrate(const Request& request) {
     std::string summary = summaryOf(request, outcome);
     if (screen.isBroken()) {
         summary.append(messageLine(outcome.signal != 0
-                                       ? "standard output was not written to its end"
-                                       : "standard output cannot be written; the work went on without it"));
+                                       ? "standard output was not written completely"
+                                       : "standard output cannot be written; the work continued without it"));
     }
     writeAll(STDERR_FILENO, summary);
     if (outcome.signal != 0) {
