@@ -15,9 +15,10 @@ namespace notes {
 
 LogWindow::LogWindow(QWidget* parent) : QDialog(parent) {
     setWindowTitle(localized("Log"));
-    resize(900, 360);
+    resize(1100, 360);
     makeWidgets();
     showAllLines();
+    lines_->moveCursor(QTextCursor::StartOfLine); // long lines are shown from their beginning
     LogLines::shared().setListener([this] { linesCame(); });
 }
 

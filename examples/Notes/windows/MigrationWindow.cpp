@@ -32,7 +32,7 @@ private:
 MigrationWindow::MigrationWindow(zq::NSString from, zq::NSString to, QWidget* parent)
     : QDialog(parent), from_(std::move(from)), to_(std::move(to)) {
     setWindowTitle(localized("Notes of an earlier release"));
-    resize(520, 260);
+    resize(520, 120);
     makeWidgets();
 }
 
@@ -69,6 +69,7 @@ void MigrationWindow::makeWidgets() {
     column->addWidget(bar_);
     column->addWidget(stayed_);
     column->addLayout(buttons);
+    stayed_->hide();
     leaveButton_->hide();
     closeButton_->hide();
 
@@ -114,6 +115,8 @@ void MigrationWindow::finish(const Move& move) {
                                    move.moved, move.left)
                        : localized("%zu notes are moved. These stay in %@; the next start tries again.",
                                    move.moved, from_));
+    stayed_->setVisible(!move.stayed.empty());
+    resize(width(), move.stayed.empty() ? height() : 280);
     stopButton_->hide();
     closeButton_->show();
     leaveButton_->setVisible(!move.isStopped);
