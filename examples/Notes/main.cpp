@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// Notes, a host application with windows. Read this file first, then windows/MainWindow.cpp.
+//
+// What it keeps and shows is in model/, which knows no widgets; what the user sees is in windows/. Its log is
+// a file of this run in ~/.local/state/Example/Notes and the log window; model/TraceKeys.h lists the keys.
+// Try
+//
+//     Notes -TraceNotes YES -LogFile NO
+//     Notes -AppleLanguages "(de)" -style fusion
+
+#include <QtWidgets/QApplication>
+
+#include "model/LogFile.h"
+#include "model/LogLines.h"
+#include "model/NoteStore.h"
+#include "model/Settings.h"
+#include "windows/MainWindow.h"
+
+namespace zq = ZQFoundation;
+
+int main(int argc, char** argv) {
+    // Words of one hyphen that are Qt's; every other one with a value is a user default.
+    const zq::NSArray optionsOfQt{
+        "-display",       "-fontengine", "-geometry",        "-platform",    "-platformpluginpath",
+        "-platformtheme", "-plugin",     "-qwindowgeometry", "-qwindowicon", "-qwindowtitle",
+        "-session",       "-style",      "-stylesheet"};
+    zq::NSProcessInfo::removeDefaultsFromArguments(argc, argv, optionsOfQt);
+    notes::LogLines::shared().observe();
+    notes::settings::registerDefaults();
+    notes::startLog();
+    zq::logMessagesOfQt();
+
+    const QApplication application(argc, argv);
+    notes::NoteStore store(zq::NSProcessInfo::pathOfLibraryApplicationSupportSubfolder());
+    notes::MainWindow window(store);
+    window.show();
+    window.takeOverOldNotes();
+    return QApplication::exec();
+}

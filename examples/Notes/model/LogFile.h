@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// The log file of a run.
+#ifndef ZQFOUNDATION_MODEL_LOGFILE_H
+#define ZQFOUNDATION_MODEL_LOGFILE_H
+
+namespace notes {
+
+/// Leads standard error into a file of this run, keeps the newest ten, and writes the start-up report when a
+/// trace key is on. With the default `LogFile` = NO standard error stays what it is.
+void startLog();
+
+} // namespace notes
+
+#endif

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// The window that moves the notes of release 1.
+#ifndef ZQFOUNDATION_WINDOWS_MIGRATIONWINDOW_H
+#define ZQFOUNDATION_WINDOWS_MIGRATIONWINDOW_H
+
+#include <atomic>
+#include <thread>
+
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QPushButton>
+
+#include "../model/OldNotes.h"
+#include "Texts.h"
+
+namespace notes {
+
+/// Moves old notes on a thread of its own, shows how far it is, and at the end what stayed and why. It can be
+/// stopped; closing it stops it too. Accepted when all notes are moved or the user does without the others.
+class MigrationWindow : public QDialog {
+public:
+    /// Nothing is moved before `start`.
+    MigrationWindow(zq::NSString from, zq::NSString to, QWidget* parent);
+    ~MigrationWindow() override;
+
+    /// Begins to move.
+    void start();
+
+    /// Ends the move after the note in hand.
+    void stop() { isStopped_ = true; }
+
+    void reject() override;
+
+private:
+    void makeWidgets();
+    void showProgress(const QString& name, int count);
+    void finish(const Move& move);
+
+    zq::NSString from_;
+    zq::NSString to_;
+    std::thread mover_;
+    std::atomic<bool> isStopped_ = false;
+    bool isFinished_ = false;
+    QLabel* text_ = nullptr;
+    QProgressBar* bar_ = nullptr;
+    QListWidget* stayed_ = nullptr;
+    QPushButton* stopButton_ = nullptr;
+    QPushButton* leaveButton_ = nullptr;
+    QPushButton* closeButton_ = nullptr;
+};
+
+} // namespace notes
+
+#endif

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// The log window and its switches.
+#include "examples/Notes/windows/LogWindow.h"
+
+#include <thread>
+
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLabel>
+
+#include "examples/Notes/windows/TracePanel.h"
+#include "tests/notes/windows/Scene.h"
+
+using namespace scene;
+
+namespace {
+
+struct Parts {
+    QString text() const { return lines.toPlainText(); }
+    bool shows(const char* wanted) const {
+        return waitUntil([&] { return text().contains(wanted); });
+    }
+
+    notes::LogWindow window{nullptr};
+    QPlainTextEdit& lines = child<QPlainTextEdit>(window, "lines");
+    QLineEdit& filter = child<QLineEdit>(window, "filter");
+    QCheckBox& traceNotes = child<QCheckBox>(window, "TraceNotes");
+    QLabel& status = child<QLabel>(window, "status");
+};
+
+std::string savedSettings(const Home& home) {
+    return kit::contentsOf(home / ".config/ZQFoundation/com.example.Notes.plist");
+}
+
+} // namespace
+
+TEST(LogWindow, showsTheLinesOfAllThreads) {
+    const Home home;
+    zq::ZQLog::log("before the window");
+    const Parts parts;
+    EXPECT_TRUE(parts.text().contains("] before the window"));
+    zq::ZQLog::log("of this thread");
+    std::thread([] { zq::ZQLog::log("of another thread"); }).join();
+    EXPECT_TRUE(parts.shows("] of this thread"));
+    EXPECT_TRUE(parts.shows("] of another thread"));
+}
+
+TEST(LogWindow, filtersOldLinesAndNewOnes) {
+    const Home home;
+    const Parts parts;
+    zq::ZQLog::log("first: caf\u00e9");
+    zq::ZQLog::log("first: tea");
+    QTest::keyClicks(&parts.filter, "CAFE first");
+    zq::ZQLog::log("first: CAF\u00c9");
+    zq::ZQLog::log("first: milk");
+    EXPECT_TRUE(parts.shows("CAF\u00c9"));
+    EXPECT_TRUE(parts.text().contains("caf\u00e9"));
+    EXPECT_FALSE(parts.text().contains("tea"));
+    EXPECT_FALSE(parts.text().contains("milk"));
+    parts.filter.clear();
+    EXPECT_TRUE(parts.text().contains("first: tea"));
+    EXPECT_TRUE(parts.text().contains("first: milk"));
+}
+
+TEST(LogWindow, aSwitchActsAtOnceAndIsSaved) {
+    Home home;
+    home.start();
+    const Parts parts;
+    EXPECT_FALSE(parts.traceNotes.isChecked());
+    parts.traceNotes.click();
+    EXPECT_TRUE(zq::ZQLog::traceKeyIsEnabled("TraceNotes"));
+    EXPECT_NE(savedSettings(home).find("<key>TraceNotes</key>\n\t<true/>"), std::string::npos)
+        << savedSettings(home);
+    home.store->reload();
+    EXPECT_TRUE(parts.shows("TraceNotes: -[(NoteStore *)0x"));
+    EXPECT_TRUE(Parts().traceNotes.isChecked());
+
+    parts.traceNotes.click();
+    const QString before = parts.text();
+    home.store->reload();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(parts.text(), before);
+    EXPECT_NE(savedSettings(home).find("<key>TraceNotes</key>\n\t<false/>"), std::string::npos)
+        << savedSettings(home);
+}
+
+TEST(LogWindow, whereTheEnvironmentDecidesTheSwitchGoesBack) {
+    const Home home;
+    const kit::Variable defaults("ZQ_DEFAULTS", "-TraceNotes NO");
+    const Parts parts;
+    parts.traceNotes.click();
+    EXPECT_FALSE(parts.traceNotes.isChecked());
+    EXPECT_EQ(utf8(parts.status.text()), "The command line decides about TraceNotes in this run.");
+}
+
+TEST(LogWindow, aSwitchThatCannotBeSavedSaysWhy) {
+    const Home home;
+    home.write(".config/ZQFoundation", "a file is where the folder should be");
+    const Parts parts;
+    parts.traceNotes.click();
+    EXPECT_TRUE(parts.traceNotes.isChecked());
+    EXPECT_TRUE(parts.status.text().startsWith("Not saved: ")) << utf8(parts.status.text());
+    parts.traceNotes.click();
+}
+
+TEST(LogWindow, linesAfterTheWindowGoNowhere) {
+    const Home home;
+    { const Parts parts; }
+    zq::ZQLog::log("nobody sees this");
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(Parts().text().contains("nobody sees this"));
+}
