@@ -73,22 +73,37 @@ char* LinePrefix::writeBefore(char* end) const noexcept {
     return writeDateBefore(writeProcessBefore(end, process), time);
 }
 
-/// Whether the milliseconds are all that a line of this prefix would have to change.
-bool KeptLinePrefixes::Kept::serves(const Kept& wanted) const noexcept {
-    return __atomic_load_n(&thread, __ATOMIC_ACQUIRE) == wanted.thread && second == wanted.second &&
-           generation == wanted.generation && zone == wanted.zone && process == wanted.process;
+/// False when another thread is in there, or this one, interrupted by a signal handler. What a visitor has
+/// left half-made that a forked child does not have is made again.
+bool KeptLinePrefixes::enter(Prefix& place, std::uint32_t generation) noexcept {
+    std::uint32_t visitor = __atomic_load_n(&place.visitor, __ATOMIC_RELAXED);
+    if (visitor == generation || !__atomic_compare_exchange_n(&place.visitor, &visitor, generation, false,
+                                                              __ATOMIC_ACQUIRE, __ATOMIC_RELAXED)) {
+        return false;
+    }
+    if (visitor != 0) {
+        place.kept = {};
+    }
+    return true;
 }
 
 char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcept {
     const Kept wanted{system::threadIdentifier(), prefix.time.seconds, processZone(), &prefix.process,
                       system::forkGeneration()};
     Prefix& place = prefixes_[wanted.thread % places];
-    if (!place.kept.serves(wanted)) [[unlikely]] {
-        return writeAnewBefore(end, prefix, place, wanted);
+    if (!enter(place, wanted.generation)) [[unlikely]] {
+        return prefix.writeBefore(end);
     }
-    std::memcpy(end - textCapacity, place.text, textCapacity);
-    writeMilliseconds(prefix.time.nanoseconds, end - place.behindDate - millisecondDigits);
-    return end - place.length;
+    char* start;
+    if (place.kept == wanted) [[likely]] {
+        std::memcpy(end - textCapacity, place.text, textCapacity);
+        writeMilliseconds(prefix.time.nanoseconds, end - place.behindDate - millisecondDigits);
+        start = end - place.length;
+    } else {
+        start = writeAnewBefore(end, prefix, place, wanted);
+    }
+    __atomic_store_n(&place.visitor, 0, __ATOMIC_RELEASE);
+    return start;
 }
 
 char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
@@ -97,17 +112,10 @@ char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Pre
     char* const start = writeDateBefore(behindDate, prefix.time);
     const auto length = static_cast<std::size_t>(end - start);
     if (length <= textCapacity) {
-        // Before all that follows, for a child that is forked in between; a fence is unknown to the thread
-        // sanitizer.
-        __atomic_exchange_n(&place.kept.thread, 0, __ATOMIC_ACQ_REL);
         std::memcpy(place.text + textCapacity - length, start, length);
         place.length = length;
         place.behindDate = static_cast<std::size_t>(end - behindDate);
-        place.kept.second = wanted.second;
-        place.kept.zone = wanted.zone;
-        place.kept.process = wanted.process;
-        place.kept.generation = wanted.generation;
-        __atomic_store_n(&place.kept.thread, wanted.thread, __ATOMIC_RELEASE);
+        place.kept = wanted;
     }
     return start;
 }

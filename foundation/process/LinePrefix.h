@@ -25,8 +25,8 @@ struct LinePrefix {
 };
 
 /// Prefixes as the last lines had them: of the same thread, the same second and the same zone only the
-/// milliseconds differ. Its owner sees to it that nobody enters it twice; a forked child may find a prefix
-/// half-made, which then is made again.
+/// milliseconds differ. Any thread, signal handlers too; whoever finds a place taken makes a prefix of its
+/// own.
 class KeptLinePrefixes {
 public:
     /// The same as `prefix.writeBefore(end)`.
@@ -38,22 +38,24 @@ public:
 private:
     /// What a prefix was made of, but for the milliseconds.
     struct Kept {
-        std::uint64_t thread; ///< 0 while the prefix is not whole
+        std::uint64_t thread;
         std::int64_t second;
         const Zone* zone;
         const ProcessIdentity* process;
         std::uint32_t generation; ///< of forks
 
-        bool serves(const Kept& wanted) const noexcept;
+        bool operator==(const Kept&) const noexcept = default;
     };
 
-    struct Prefix {
+    struct alignas(64) Prefix {
+        std::uint32_t visitor; ///< the fork generation of whoever is in here; 0: nobody
         Kept kept;
         std::size_t length;
         std::size_t behindDate;  ///< how much of it that is
         char text[textCapacity]; ///< at its end
     };
 
+    static bool enter(Prefix& place, std::uint32_t generation) noexcept;
     static char* writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
                                  const Kept& wanted) noexcept;
 

@@ -20,7 +20,8 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Lines of different threads must not tear on pipes, terminals and sockets, where long writes go out in
-/// pieces.
+/// pieces. In a file in append mode the kernel keeps them whole, and threads need not wait for each other
+/// here.
 constinit Lock writerLock;
 
 /// Where a line broke off half-way, so that the next one there starts on a line of its own.
@@ -30,9 +31,11 @@ struct TornLine {
     ino_t inode;
 };
 
-constinit TornLine tornLine{};
+constinit TornLine tornLine{}; // guarded by the lock of the writer
 
-/// Guarded by the lock of the writer.
+bool isTorn() noexcept { return __atomic_load_n(&tornLine.isTorn, __ATOMIC_RELAXED); }
+void setTorn(bool isTorn) noexcept { __atomic_store_n(&tornLine.isTorn, isTorn, __ATOMIC_RELAXED); }
+
 constinit KeptLinePrefixes keptPrefixes;
 
 /// False when the descriptor is beyond waiting for.
@@ -61,7 +64,9 @@ std::size_t writeAll(const char* bytes, std::size_t count, std::int64_t second) 
 void rememberTear() noexcept {
     struct stat status {};
     if (fstat(STDERR_FILENO, &status) == 0) {
-        tornLine = {true, status.st_dev, status.st_ino};
+        tornLine.device = status.st_dev;
+        tornLine.inode = status.st_ino;
+        setTorn(true);
     }
 }
 
@@ -69,16 +74,17 @@ void rememberTear() noexcept {
 /// business any more.
 bool leadsToTornLine() noexcept {
     struct stat status {};
-    tornLine.isTorn = fstat(STDERR_FILENO, &status) == 0 && status.st_dev == tornLine.device &&
-                      status.st_ino == tornLine.inode && (!S_ISREG(status.st_mode) || status.st_size != 0);
-    return tornLine.isTorn;
+    const bool leads = fstat(STDERR_FILENO, &status) == 0 && status.st_dev == tornLine.device &&
+                       status.st_ino == tornLine.inode && (!S_ISREG(status.st_mode) || status.st_size != 0);
+    setTorn(leads);
+    return leads;
 }
 
 /// In front of the bytes is room for one more: the line feed that completes a half line goes out with the
 /// line that follows it, or not at all.
 void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
     const CallerState callerState;
-    const bool completes = tornLine.isTorn && leadsToTornLine();
+    const bool completes = isTorn() && leadsToTornLine();
     if (completes) {
         *--bytes = '\n';
         ++count;
@@ -87,7 +93,7 @@ void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
     if (written == 0) {
         return;
     }
-    tornLine.isTorn = false;
+    setTorn(false);
     if (written != count && !(completes && written == 1)) {
         rememberTear();
     }
@@ -106,6 +112,32 @@ void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
     }
 }
 
+/// While no other thread writes, where lines would tear otherwise.
+[[gnu::noinline]] void writeInTurn(char* bytes, std::size_t count, std::int64_t second) noexcept {
+    const Guard guard(writerLock);
+    if (writerLock.isHeldAgain()) { // a signal handler that interrupted this very write
+        const CallerState callerState;
+        writeAll(bytes, count, second);
+        return;
+    }
+    if (isTorn()) [[unlikely]] {
+        return writeWhole(bytes, count, second);
+    }
+    const std::ptrdiff_t written = writeToStandardError(bytes, count, second);
+    if (written != static_cast<std::ptrdiff_t>(count)) [[unlikely]] {
+        continueLine(bytes, count, written, second);
+    }
+}
+
+/// After a write that was not in turn, to a file that is full or gone.
+[[gnu::noinline]] void continueInTurn(char* bytes, std::size_t count, std::ptrdiff_t written,
+                                      std::int64_t second) noexcept {
+    const Guard guard(writerLock);
+    if (!writerLock.isHeldAgain()) { // else the line of a handler, which is lost with that file
+        continueLine(bytes, count, written, second);
+    }
+}
+
 } // namespace
 
 LogLine::LogLine() : process_(processIdentity()) {
@@ -119,22 +151,15 @@ LogLine::LogLine() : process_(processIdentity()) {
 char* LogLine::writeBytes(char* message, const char* end) noexcept {
     const LinePrefix prefix{process_, roundedToMilliseconds(currentInstant())};
     const std::int64_t second = prefix.time.seconds;
-    const Guard guard(writerLock);
-    if (writerLock.isHeldAgain()) { // a signal handler that interrupted this very write
-        const CallerState callerState;
-        char* const start = prefix.writeBefore(message);
-        writeAll(start, static_cast<std::size_t>(end - start), second);
-        return start;
-    }
     char* const start = keptPrefixes.writeBefore(message, prefix);
     const auto count = static_cast<std::size_t>(end - start);
-    if (tornLine.isTorn) [[unlikely]] {
-        writeWhole(start, count, second);
-        return start;
-    }
-    const std::ptrdiff_t written = writeToStandardError(start, count, second);
-    if (written != static_cast<std::ptrdiff_t>(count)) [[unlikely]] {
-        continueLine(start, count, written, second);
+    if (!isTorn() && standardErrorAppendsWhole(second)) [[likely]] {
+        const std::ptrdiff_t written = system::plainWrite(STDERR_FILENO, start, count);
+        if (written != static_cast<std::ptrdiff_t>(count)) [[unlikely]] {
+            continueInTurn(start, count, written, second);
+        }
+    } else {
+        writeInTurn(start, count, second);
     }
     return start;
 }

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,34 +15,47 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// When descriptor 2 was last looked at, and in the lowest bit whether a plain write may go there. One word,
-/// so that threads, handlers and children find all of a look or nothing.
+/// When descriptor 2 was last looked at, and in the lowest bits what was seen. One word, so that threads,
+/// handlers and children find all of a look or nothing.
 constinit std::uint64_t lastLook = 0;
 constexpr std::uint64_t takesPlainWrites = 1;
+constexpr std::uint64_t appendsWhole = 2;
+constexpr std::uint64_t whatWasSeen = takesPlainWrites | appendsWhole;
 
 /// How often the library has led descriptor 2 somewhere else.
 constinit std::uint32_t changes = 0;
 
 /// The second, the process and the number of changes by now, where `lastLook` has them.
 std::uint64_t presentMoment(std::int64_t second) noexcept {
-    constexpr std::uint64_t fifteenBits = 0x7FFF;
-    const std::uint64_t change = __atomic_load_n(&changes, __ATOMIC_ACQUIRE) & fifteenBits;
-    const std::uint64_t generation = system::forkGeneration() & fifteenBits;
-    return static_cast<std::uint64_t>(second) << 31 | generation << 16 | change << 1;
+    const std::uint64_t change = __atomic_load_n(&changes, __ATOMIC_ACQUIRE) & 0x3FFF;
+    const std::uint64_t generation = system::forkGeneration() & 0x7FFF;
+    return static_cast<std::uint64_t>(second) << 31 | generation << 16 | change << 2;
 }
 
 /// Neither a regular file nor a terminal can lose its reader, and only a regular file meets a limit.
-bool mayTakePlainWrites() noexcept {
+std::uint64_t whatIsThere() noexcept {
     struct stat status {};
-    return ::fstat(STDERR_FILENO, &status) == 0 &&
-           (S_ISCHR(status.st_mode) || (S_ISREG(status.st_mode) && system::fileSizeIsUnlimited()));
+    if (::fstat(STDERR_FILENO, &status) != 0) {
+        return 0;
+    }
+    if (S_ISREG(status.st_mode) && system::fileSizeIsUnlimited()) {
+        const int flags = ::fcntl(STDERR_FILENO, F_GETFL);
+        return flags >= 0 && (flags & O_APPEND) != 0 ? takesPlainWrites | appendsWhole : takesPlainWrites;
+    }
+    return S_ISCHR(status.st_mode) ? takesPlainWrites : 0;
 }
 
 [[gnu::noinline]] std::uint64_t look(std::uint64_t moment) noexcept {
     const CallerState callerState;
-    const std::uint64_t fresh = moment | (mayTakePlainWrites() ? takesPlainWrites : 0);
+    const std::uint64_t fresh = moment | whatIsThere();
     __atomic_store_n(&lastLook, fresh, __ATOMIC_RELAXED);
     return fresh;
+}
+
+std::uint64_t seenIn(std::int64_t second) noexcept {
+    const std::uint64_t moment = presentMoment(second);
+    const std::uint64_t known = __atomic_load_n(&lastLook, __ATOMIC_RELAXED);
+    return (known & ~whatWasSeen) == moment ? known : look(moment);
 }
 
 [[gnu::noinline]] std::ptrdiff_t writeGuarded(const char* bytes, std::size_t count) noexcept {
@@ -53,14 +67,11 @@ bool mayTakePlainWrites() noexcept {
 } // namespace
 
 std::ptrdiff_t writeToStandardError(const char* bytes, std::size_t count, std::int64_t second) noexcept {
-    const std::uint64_t moment = presentMoment(second);
-    std::uint64_t known = __atomic_load_n(&lastLook, __ATOMIC_RELAXED);
-    if ((known & ~takesPlainWrites) != moment) [[unlikely]] {
-        known = look(moment);
-    }
-    return (known & takesPlainWrites) != 0 ? system::plainWrite(STDERR_FILENO, bytes, count)
-                                           : writeGuarded(bytes, count);
+    return (seenIn(second) & takesPlainWrites) != 0 ? system::plainWrite(STDERR_FILENO, bytes, count)
+                                                    : writeGuarded(bytes, count);
 }
+
+bool standardErrorAppendsWhole(std::int64_t second) noexcept { return (seenIn(second) & appendsWhole) != 0; }
 
 void standardErrorHasChanged() noexcept { __atomic_add_fetch(&changes, 1, __ATOMIC_RELEASE); }
 

@@ -15,6 +15,11 @@ namespace ZQFoundation::detail {
 /// signal handlers too.
 std::ptrdiff_t writeToStandardError(const char* bytes, std::size_t count, std::int64_t second) noexcept;
 
+/// Whether one plain write puts a whole line at the end of what is there, whoever writes beside it: to a
+/// regular file in append mode, without a limit. Known as long as what `writeToStandardError` goes
+/// by.
+bool standardErrorAppendsWhole(std::int64_t second) noexcept;
+
 /// To be called by whoever has led descriptor 2 somewhere else: the next write looks where.
 void standardErrorHasChanged() noexcept;
 

@@ -20,6 +20,7 @@
 #endif
 
 namespace kit = ZQFoundation::kit;
+using ZQFoundation::detail::standardErrorAppendsWhole;
 using ZQFoundation::detail::standardErrorHasChanged;
 using ZQFoundation::detail::writeToStandardError;
 
@@ -112,6 +113,24 @@ TEST(StandardErrorWrite, looksAtOnceWhenTheLibraryHasLedItElsewhere) {
                   leadToPipeWithoutReader();
                   standardErrorHasChanged();
                   return writeIn(1) == -EPIPE;
+              }),
+              0);
+}
+
+TEST(StandardErrorWrite, appendsWholeLinesToAFileInAppendModeWithoutALimitAlone) {
+    const kit::ScratchFolder folder;
+    EXPECT_EQ(afterALine([&] {
+                  const bool inFile = standardErrorAppendsWhole(1) && standardErrorAppendsWhole(2);
+                  setLimit(1'000'000);
+                  const bool underLimit = standardErrorAppendsWhole(3);
+                  setLimit(RLIM_INFINITY);
+                  moveOntoStandardError(
+                      ::open((folder / "log").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+                  const bool withoutMode = standardErrorAppendsWhole(4);
+                  moveOntoStandardError(::open("/dev/null", O_WRONLY | O_APPEND | O_CLOEXEC));
+                  const bool toDevice = standardErrorAppendsWhole(5);
+                  leadToPipeWithoutReader();
+                  return inFile && !underLimit && !withoutMode && !toDevice && !standardErrorAppendsWhole(6);
               }),
               0);
 }
