@@ -88,7 +88,7 @@ void publish(std::unique_ptr<const TraceReading> fresh) {
     Place& place = places[presentTable() != nullptr && presentTable() == places[0].table ? 1 : 0];
     const std::size_t keys = fresh->traceDefaultsDict.count();
     if (place.table == nullptr || !place.table->hasRoomFor(keys)) {
-        place.table = TraceTable::make(keys); // readers may be in the smaller one for ever
+        place.table = TraceTable::make(keys, place.table);
     }
     // Nobody looks at the reading of this place any more.
     const std::unique_ptr<const TraceReading> old(std::exchange(place.reading, nullptr));

@@ -46,7 +46,8 @@ private:
 class TraceTable {
 public:
     /// With room for so many keys, or for the greatest number that there is.
-    static TraceTable* make(std::size_t keys);
+    /// The smaller table that it replaces, if any, stays with it: readers may be in there for ever.
+    static TraceTable* make(std::size_t keys, const TraceTable* replaced);
     bool hasRoomFor(std::size_t keys) const noexcept;
 
     /// Writes the keys of a reading over those of an earlier one.
@@ -104,7 +105,8 @@ private:
         return (hash >> 32 & hashMask) | length;
     }
 
-    explicit TraceTable(std::size_t slots) noexcept : slotMask_(slots - 1) {}
+    TraceTable(std::size_t slots, const TraceTable* replaced) noexcept
+        : slotMask_(slots - 1), replaced_(replaced) {}
 
     Slot* slots() noexcept { return reinterpret_cast<Slot*>(this + 1); }
     const Slot* slots() const noexcept { return reinterpret_cast<const Slot*>(this + 1); }
@@ -185,6 +187,7 @@ private:
 
     alignas(64) const std::size_t slotMask_;
     std::uint64_t state_ = 0;
+    [[maybe_unused]] const TraceTable* const replaced_;
 };
 
 } // namespace ZQFoundation::detail

@@ -51,7 +51,7 @@ bool areWhole() {
            !ZQLog::logStringForAllTraceKeysOf_usingFormat(NSArray{"TraceEven", "TraceOdd"}, "x");
 }
 
-TEST(TraceKeysConcurrency, areAskedBesideRereadingsWithoutEnd) {
+void askBesideRereadings() {
     constexpr long rereadings = scaled(5000, 2000, 1000);
     const logtest::TraceKeys scene{};
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
@@ -90,6 +90,11 @@ TEST(TraceKeysConcurrency, areAskedBesideRereadingsWithoutEnd) {
     defaults.registerDefaults(readings[1]);
     ZQLog::initializeTraceDefaultsDict();
     EXPECT_TRUE(traceOdd.isEnabled() && !traceEven.isEnabled() && !traceMuch.isEnabled());
+}
+
+// What is registered stays registered, so the process is one of its own.
+TEST(TraceKeysConcurrency, areAskedBesideRereadingsWithoutEnd) {
+    logtest::inFreshProcess(askBesideRereadings);
 }
 
 } // namespace
