@@ -190,7 +190,7 @@ TEST(MainWindow, aRemovedNoteIsKeptOutOfTheList) {
     EXPECT_EQ(kit::contentsOf(home / home.newPlace() + ".Removed/one.note"), "one");
 }
 
-TEST(MainWindow, theSettingsWindowActsAndIsRemembered) {
+TEST(MainWindow, newSettingsActAtOnce) {
     Home home;
     const Parts parts(home.start());
     inNextDialog([](QWidget& dialog) {
@@ -200,10 +200,10 @@ TEST(MainWindow, theSettingsWindowActsAndIsRemembered) {
     });
     parts.choose("Se&ttings...");
     EXPECT_EQ(parts.editor.font().pointSize(), 30);
+    EXPECT_EQ(parts.editor.lineWrapMode(), QPlainTextEdit::NoWrap);
     EXPECT_EQ(utf8(parts.status.text()), "");
     const Parts later(home.start());
     EXPECT_EQ(later.editor.font().pointSize(), 30);
-    EXPECT_EQ(later.editor.lineWrapMode(), QPlainTextEdit::NoWrap);
 }
 
 TEST(MainWindow, speaksGerman) {

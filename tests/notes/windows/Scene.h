@@ -50,6 +50,7 @@ inline std::string utf8(const QString& text) { return text.toStdString(); }
 class Home : public kit::ScratchFolder {
 public:
     explicit Home(const char* languageCode = "en") : language_("LANGUAGE", languageCode) {
+        ::chmod(makeFolder("runtime").c_str(), 0700); // the toolkit wants it so
         static int count = 3;
         static char name[] = "Notes";
         static char option[] = "-platform";
@@ -83,6 +84,7 @@ private:
     kit::Variable configuration_{"XDG_CONFIG_HOME", nullptr};
     kit::Variable data_{"XDG_DATA_HOME", nullptr};
     kit::Variable state_{"XDG_STATE_HOME", nullptr};
+    kit::Variable runtime_{"XDG_RUNTIME_DIR", (*this / "runtime").c_str()};
     kit::Variable defaults_{"ZQ_DEFAULTS", nullptr};
     kit::Variable language_;
     std::unique_ptr<notes::MainWindow> window_;
