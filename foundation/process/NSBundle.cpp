@@ -148,22 +148,19 @@ NSString regionOf(BundleRecord& record) {
 // `isKnown` becomes false below when something could not be read at the moment; what follows from that must
 // not be kept.
 
-/// The texts that are inside the program, in place of the files of a library that has no place of its own.
+/// The texts that are inside the program, for a library that may have no files of its own.
 std::span<const CarriedTable> tablesInside(const BundleRecord& record) noexcept {
     return record.role == BundleRole::library ? carriedTables() : std::span<const CarriedTable>();
 }
 
 std::vector<std::string> localizationsOf(BundleRecord& record, bool& isKnown) {
-    std::vector<std::string> names;
-    for (const CarriedTable& table : tablesInside(record)) {
-        names.emplace_back(table.language);
-    }
-    if (!names.empty()) {
-        return names;
-    }
-    names = namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
+    std::vector<std::string> names =
+        namesOf(infoOf(record).objectForKey("CFBundleLocalizations").as<NSArray>());
     for (const std::string& folder : localizedFolders(record.layout.resources, isKnown)) {
         addName(names, textOfPath(folder));
+    }
+    for (const CarriedTable& table : tablesInside(record)) {
+        addName(names, textOfPath(std::string(table.language)));
     }
     const bool hasBase = std::find(names.begin(), names.end(), "Base") != names.end();
     if (names.empty() || hasBase) {
@@ -268,18 +265,17 @@ NSDictionary textsInside(BundleRecord& record, const std::string& name, bool& is
     return NSDictionary::dictionary();
 }
 
-/// The texts of a table as they are now; `isLasting` becomes false when they may be others later.
+/// The texts of a table as they are now: those of the file, and those inside that the file lacks. `isLasting`
+/// becomes false when they may be others later.
 NSDictionary readTable(BundleRecord& record, const std::string& name, bool& isLasting) {
     bool isKnown = true;
-    if (!tablesInside(record).empty()) {
-        const NSDictionary texts = textsInside(record, name, isKnown);
-        isLasting = isKnown;
-        return texts;
-    }
     const std::string path = pathOfTable(record, name, isKnown);
-    const NSDictionary texts = readDictionary(path, stringTableFromBytes, isLasting);
+    NSMutableDictionary texts(textsInside(record, name, isKnown));
+    for (const auto& [key, text] : readDictionary(path, stringTableFromBytes, isLasting)) {
+        texts.setObject_forKey(text, key);
+    }
     isLasting = isLasting && isKnown;
-    return texts;
+    return texts.dictionary();
 }
 
 NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
