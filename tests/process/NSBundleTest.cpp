@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 
 #include "foundation/process/BundleLayout.h"
+#include "foundation/process/CarriedTexts.h"
 #include "foundation/process/FileReading.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "tests/process/Scene.h"
@@ -226,6 +227,16 @@ TEST(BundleLayout, libraryBundleStandsBesideTheLibraryOrInShare) {
               folder / "usr/lib/x86/../../share/ZQFoundation-27");
     EXPECT_EQ(detail::layoutOfLibrary(folder / "opt/libZ.so").resources,
               folder / "opt/../share/ZQFoundation-27");
+}
+
+TEST(CarriedTexts, areTheFilesOfTheLibraryInEachOfItsLanguages) {
+    ASSERT_EQ(detail::carriedTables().size(), 7U);
+    for (const detail::CarriedTable& table : detail::carriedTables()) {
+        const std::string path =
+            ZQ_TEST_SOURCE_DIR "/resources/" + std::string(table.language) + ".lproj/Localizable.strings";
+        EXPECT_EQ(table.bytes, scene::contentsOf(path)) << path;
+        EXPECT_TRUE(NSBundle::libraryBundle().localizations().containsObject(std::string(table.language)));
+    }
 }
 
 TEST(BundleLayout, libraryBundleIsNeverNilAndItsTablesMayBeMissing) {
