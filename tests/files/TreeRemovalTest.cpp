@@ -205,7 +205,7 @@ TEST_F(TreeRemoval, aLinkThatIsSwappedInIsNeverFollowed) {
 }
 
 TEST_F(TreeRemoval, aFolderMovedAwayTakesTheRemovalNowhere) {
-    // The tree is moved below another folder while it is emptied: what stands around its new place stays.
+    // The tree is moved below another folder while it is emptied: whatever is around its new place stays.
     folder.makeFolder("elsewhere");
     folder.write("elsewhere/kept", "");
     for (int round = 0; round < 30; ++round) {

@@ -79,7 +79,7 @@ Reading endOfInput() {
     return reading;
 }
 
-/// Stands in for the kernel: keeps what is written and gives what the test says.
+/// Replaces the kernel: keeps what is written and returns what the test says.
 class Script final : public detail::system::RouteTransport {
 public:
     explicit Script(std::vector<Reading> readings = {}) : readings_(std::move(readings)) {
@@ -320,7 +320,7 @@ TEST(RoutingSocket, shortMessageIsReadWithWhatStoodInTheBufferBehindIt) {
     const Script script({foreign, piece});
     EXPECT_EQ(lookUp("10.0.0.1").address, address("192.0.2.11"));
 
-    // The request itself stands behind the first one: it bears no process.
+    // The request itself is after the first one: it has no process.
     const Script alone({piece, answer("192.0.2.1")});
     EXPECT_EQ(lookUp("10.0.0.1").address, address("192.0.2.1"));
     EXPECT_EQ(alone.reads, 2u);
@@ -371,7 +371,7 @@ TEST(RoutingSocket, addressThatReallyIs0000LooksLikeAFailureWithoutALine) {
 }
 
 TEST(RoutingSocket, lengthsThatLeadOutOfTheBufferEndTheWalk) {
-    // 512 bytes are there for addresses; the interface's begins behind `before` of them.
+    // 512 bytes are there for addresses; the interface's begins after `before` of them.
     struct Row {
         std::size_t before;
         bool found;

@@ -168,7 +168,7 @@ TEST(SystemReportFromFacts, namesReleasesByTheOrderOfVersions) {
     };
     for (const Row& row :
          {Row{"10.7.5", "Mac OS X"}, Row{"10.7.99", "Mac OS X"}, Row{"9.2.2", "Mac OS X"},
-          Row{"10", "Mac OS X"}, Row{"10.8b1", "Mac OS X"}, // a letter behind orders
+          Row{"10", "Mac OS X"}, Row{"10.8b1", "Mac OS X"}, // a letter at the end counts
                                                             // before the plain release
           Row{"10.8", "OS X"}, Row{"10.8.0", "OS X"}, Row{"10.08", "OS X"}, Row{"10.11", "OS X"},
           Row{"10.11.6", "OS X"}, Row{"10.12b", "OS X"}, Row{"10.9", "OS X"}, Row{"10.12", "macOS"},

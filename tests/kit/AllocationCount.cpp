@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stands before the allocator of the test program and counts.
+// Replaces the allocator of the test program with one that counts.
 #include "tests/kit/AllocationCount.h"
 
 #include <cstdint>

@@ -57,7 +57,7 @@ private:
     NSString name_;
 };
 
-/// The object that a handle holds stands behind another base here.
+/// The object that a handle holds follows another base here.
 class Window : public Widget, public NSObjectProtocol {
 public:
     NSString className() const override { return "Window"; }

@@ -21,7 +21,7 @@ public:
     mutable int count = 0;
 };
 
-/// What a C caller would call: no template can stand in between.
+/// What a C caller would call: no template can be in between.
 void (*const exported)(const char*, ...) = NSDebugLog;
 
 } // namespace

@@ -94,7 +94,7 @@ std::string permissionMask() {
     return std::to_string(mask);
 }
 
-/// Everything by name, so that a difference can be told.
+/// Everything by name, so that a difference can be reported.
 std::map<std::string, std::string> hostState() {
     std::map<std::string, std::string> state;
     sigset_t signals;
@@ -321,7 +321,7 @@ INSTANTIATE_TEST_SUITE_P(StandardError, HostState,
                          });
 
 #ifdef ZQ_TEST_COUNTS_CALLS
-// The sanitizers stand before the same functions themselves.
+// The sanitizers intercept the same functions themselves.
 
 TEST(HostStateEnvironment, isReadByTheFirstCallsAlone) {
     for (const char* const program : {"counts-environment-reads", "counts-environment-reads-shared"}) {

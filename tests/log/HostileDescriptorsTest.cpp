@@ -293,7 +293,7 @@ TEST(HostileDescriptors, surviveAFileSizeLimit) {
         EXPECT_EQ(overTheLimit(folder / "log", linesBeforeTheLimit), "") << linesBeforeTheLimit;
         const Texts texts = textsIn(scene::contentsOf(folder / "log"));
         ASSERT_GE(texts.size(), 12U);
-        // The lines that had room are whole; one may be cut off; what follows stands on lines of its own.
+        // The lines that had room are whole; one may be cut off; what follows is on lines of its own.
         std::size_t line = linesBeforeTheLimit ? 10 : 0;
         EXPECT_EQ(std::count(texts.begin(), texts.end(), "before"), linesBeforeTheLimit ? 10 : 0);
         for (int i = 0; line + 3 < texts.size(); ++i, ++line) {
@@ -443,7 +443,7 @@ TEST(HostileDescriptors, letASignalHandlerLogInsideALogCall) {
     EXPECT_EQ(texts.size(), static_cast<std::size_t>(fromLoop + fromHandler + 2));
 }
 
-// A thread that is being cancelled.
+// A thread that is being canceled.
 
 void* logWhileCancelled(void*) {
     ::pthread_cancel(::pthread_self()); // pending from here on

@@ -210,7 +210,7 @@ TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
     });
 }
 
-/// Takes and gives back what room there is, all the time.
+/// Fills the file system and frees the room again, all the time.
 class RoomThatComesAndGoes {
 public:
     explicit RoomThatComesAndGoes(const std::string& path) : thread_([this, path] { run(path); }) {}
@@ -486,7 +486,7 @@ void setProcessName(const std::string& bytes) {
 }
 
 TEST(HostileLogFiles, areFoundAmong200000OtherEntries) {
-    // Making so many files takes long on a disk.
+    // Making this many files takes long on a disk.
     const bool hasMemoryFolder = ::access("/dev/shm", W_OK | X_OK) == 0;
     const scene::Variable variable("TMPDIR", hasMemoryFolder ? "/dev/shm" : std::getenv("TMPDIR"));
     const scene::Folder folder;

@@ -63,7 +63,7 @@ template <class Work>
     NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceOn", 3}});
     ZQLog::initializeTraceDefaultsDict();
     ZQLog::setLineObserver(observe, nullptr);
-    // The kernel's own clock is read again and again until nothing has moved it meanwhile: for ever, at this
+    // The kernel's own clock is read again and again until nothing has moved it meanwhile: forever, at this
     // pace.
     static constinit const double now = 1709647629;
     detail::overrides::clock = &now;

@@ -833,8 +833,8 @@ TEST(LogFamilies, readNoTraceKeysWhenStoppedBeforeTheCondition) {
 
 namespace {
 
-// Objects whose answers act themselves. The same action stands behind the description of an argument and the
-// class name of a caller.
+// Objects whose methods have effects of their own. The description of an argument and the class name of a
+// caller have the same effect.
 
 class Acting : public NSObjectProtocol {
 public:

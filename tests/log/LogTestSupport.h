@@ -122,7 +122,7 @@ private:
 /// Polls the flag until it is set, ten seconds at most; then what it says.
 bool isSetSoon(const std::atomic<bool>& flag);
 
-/// Whether another thread gets the monitor of ZQLog now. Leaves that thread behind when it does not.
+/// Whether another thread gets the monitor of ZQLog now. Abandons that thread when it does not.
 bool anotherThreadCanTakeTheMonitor();
 
 /// An action in a thread of its own, waited for at the end.

@@ -42,8 +42,8 @@ inline std::u16string replaced(std::u16string_view text, const NSCharacterSet& s
     return result;
 }
 
-/// What stands between breaks; `endOf` says where a break that begins at a place ends, or gives the place
-/// itself.
+/// The text between breaks; `endOf` returns where a break that begins at a place ends, or the place itself
+/// when none begins there.
 template <class EndOf>
 Texts piecesBetween(std::u16string_view text, const EndOf& endOf) {
     Texts pieces;

@@ -261,7 +261,7 @@ inline Reference resolved(const Reference& reference, const Reference& base) {
     return target;
 }
 
-/// The same as a text; a dot is put in front of a path that would be read as something else.
+/// The same as a text; a dot is put before a path that would be read as something else.
 inline std::string resolvedText(const std::string& reference, const std::string& base) {
     Reference target = resolved(apart(reference), apart(base));
     if (apart(together(target)) != target) {

@@ -211,7 +211,7 @@ TEST(HostilePropertyList, nothingIsExpandedOrFetched) {
           "<string>%b;&b;</string>"}) {
         EXPECT_FALSE(parseBytes(text)) << text;
     }
-    // A document type of somewhere else is passed over unread.
+    // A document type of somewhere else is ignored unread.
     EXPECT_EQ(show(parseBytes("<!DOCTYPE a SYSTEM \"file:///dev/tty\"><string>x</string>")), "'x'");
 }
 

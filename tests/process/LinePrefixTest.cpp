@@ -20,7 +20,7 @@ using detail::processIdentity;
 
 namespace {
 
-/// What is written in front of the end of a buffer, which nothing else of it shows.
+/// What is written before the end of a buffer, which nothing else of it shows.
 template <class Write>
 std::string writtenBefore(std::size_t room, const Write& write) {
     std::string buffer(room + 1, '#');

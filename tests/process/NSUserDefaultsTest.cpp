@@ -36,7 +36,7 @@ std::string textOf(const NSObject& value) { return value ? value.description().u
 
 std::string textFor(StringView key) { return textOf(defaults().objectForKey(key)); }
 
-/// A program "Viewer" without a bundle, whose defaults stand in a scratch folder.
+/// A program "Viewer" without a bundle, whose defaults are in a scratch folder.
 /// What a test sets, registers or removes stays so in this process: only the keys of `TearDown` are set by
 /// several tests, and none of those is expected to come from a file.
 class NSUserDefaultsTest : public testing::Test {
@@ -541,7 +541,7 @@ TEST_F(NSUserDefaultsTest, operationsLeaveErrnoAlone) {
     EXPECT_EQ(errno, 4321);
 }
 
-// Where the files stand
+// Where the files are
 
 namespace {
 

@@ -88,7 +88,7 @@ public:
         return folder_ / ((case_.old == Old::missing ? "to/new/" : "to/") + name);
     }
 
-    /// What there was before: the source, and what stood at the destination.
+    /// What there was before: the source, and the item at the destination.
     const Digest& source() const { return source_; }
     const Digest& old() const { return old_; }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an interrupted migration leaves under hidden names, and what stands under the names that a user sees.
+// What an interrupted migration leaves under hidden names, and what is under the names that a user sees.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_LEFTOVERS_H
 #define ZQFOUNDATION_TESTS_FAULTS_LEFTOVERS_H
 

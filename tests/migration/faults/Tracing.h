@@ -43,7 +43,7 @@ inline constexpr long longestInterruption = 200;
 
 inline constexpr const char notTraced[] = "this machine does not permit one process to trace another";
 
-/// What somebody else does while the operation is stopped in front of its call with this number, from 1.
+/// What somebody else does while the operation is stopped before its call with this number, from 1.
 using Deed = std::function<void(long call)>;
 
 /// How an operation is run: the folder whose files count, what goes wrong, and what happens meanwhile.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What must hold after a run under faults, and after the same call once more: no file is lost, what bears the
+// What must hold after a run under faults, and after the same call once more: no file is lost, what has the
 // final name is complete, and the code says what happened.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_VERDICT_H
 #define ZQFOUNDATION_TESTS_FAULTS_VERDICT_H
@@ -19,7 +19,7 @@ struct Item {
     std::string from;
     std::string to;
     Digest whole; ///< what is migrated
-    Digest old;   ///< what stood at the destination; empty when nothing did
+    Digest old;   ///< what was at the destination; empty when nothing was
 };
 
 /// The path with a number, as a copy gets it whose name is taken.
@@ -168,7 +168,7 @@ private:
         }
     }
 
-    /// Whether the whole source stands beside its name, waiting to be put back.
+    /// Whether the whole source is beside its name, waiting to be put back.
     static bool isAside(const Item& item) {
         for (const std::string& name : leftoversBelow(folderOf(item.from))) {
             if (begins(lastComponent(name), setAside) &&
