@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Enumerating the items below a folder: their order, skipping, links, unreadable folders and descriptors.
 #include <algorithm>
 #include <atomic>
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The home folder of the process and of accounts.
 #include "foundation/files/HomeFolder.h"
 
 #include <string>

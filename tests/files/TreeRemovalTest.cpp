@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Removing files and whole trees, also while others change them.
 #include <atomic>
 #include <string>
 #include <thread>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Scanning texts and numbers, step by step.
 #include "foundation/format/NSScanner.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The names and folders of the application, from given facts.
 #include <climits>
 
 #include <pwd.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The look-up of a route with a scripted kernel, and the data and addresses from its messages.
 #include <algorithm>
 #include <array>
 #include <cerrno>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The requests of a routing socket and the messages that it accepts as their answers.
 #include "info/RoutingSocket.h"
 
 #include <arpa/inet.h>

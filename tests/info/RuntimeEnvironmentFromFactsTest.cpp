@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The version of the system, from given files.
 #include <array>
 #include <thread>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The whole start-up report, from given facts.
 #include <ctime>
 
 #include "foundation/process/NSUserDefaults.h"

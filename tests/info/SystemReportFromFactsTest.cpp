@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The lines of the report about the system, and its warnings of missing facts.
 #include "tests/info/FactsTesting.h"
 
 using namespace ZQFoundation;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// How a log line describes the object or class that logs.
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Every log operation: its exact text, its condition, and objects that act while they are described.
 #include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The bytes that log operations write: prefix, text and line end.
 #include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"

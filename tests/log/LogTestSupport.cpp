@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Capturing and reading log lines, for the tests of the log.
 #include "tests/log/LogTestSupport.h"
 
 #include "foundation/system/System.h"

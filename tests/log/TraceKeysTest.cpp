@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Trace keys, their look-up and the monitor around them.
 #include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"

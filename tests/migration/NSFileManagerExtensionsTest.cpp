@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Tests for types of items, and creating folders on the way to a path.
 #include <string>
 
 #include <gtest/gtest.h>

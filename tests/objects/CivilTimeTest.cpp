@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Days, weeks and fields of the calendar, up to the limits of 64 bits.
 #include "foundation/objects/CivilTime.h"
 
 #include <cstdint>

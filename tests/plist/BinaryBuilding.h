@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Binary property lists built from their parts, also wrong ones.
 #ifndef ZQFOUNDATION_TESTS_PLIST_BINARYBUILDING_H
 #define ZQFOUNDATION_TESTS_PLIST_BINARYBUILDING_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing property lists in XML.
 #include "foundation/plist/XmlWriter.h"
 
 #include <cmath>

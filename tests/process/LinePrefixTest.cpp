@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The prefix of log lines: date, name, process and thread.
 #include "foundation/process/LinePrefix.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Bundles: the main bundle, resources and localized texts.
 #include "foundation/process/NSBundle.h"
 
 #include <atomic>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The name, the arguments and the environment of the process.
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>

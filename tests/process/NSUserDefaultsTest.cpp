@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// User defaults: the order of their domains, conversions, changes and files.
 #include "foundation/process/NSUserDefaults.h"
 
 #include <pwd.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing to standard error: limits of size, signals, and what is asked only once a second.
 #include "foundation/process/StandardErrorWrite.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Copying the data of a file by every means that a system has.
 #include <atomic>
 #include <cstring>
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The identifiers of threads, and the generations of forked processes.
 #include <thread>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Searching and comparing units block by block, at every alignment.
 #include <gtest/gtest.h>
 
 #include <algorithm>

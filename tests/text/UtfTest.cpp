@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// UTF-8 and UTF-16, also ill-formed, and file names of any bytes.
 #include "foundation/text/Utf.h"
 
 #include <algorithm>
