@@ -89,7 +89,7 @@ std::uint32_t networkOrder(const std::array<std::uint8_t, 4>& address) {
     return value;
 }
 
-/// A message as the kernel sends it. The head's fields that nobody looks at are not zero.
+/// A message as the kernel sends it. The head's fields that nobody reads are not zero.
 struct Message {
     int mask = interfaceAddressBit;
     std::vector<Bytes> addresses = {ipAddress({192, 168, 1, 20})};
@@ -528,7 +528,7 @@ TEST(RouteLookupFromFacts, isSilentAtTheEndOfInputBeforeAnyMessage) {
 }
 
 TEST(RouteLookupFromFacts, takesWhatTheBufferHoldsAtTheEndOfInput) {
-    // The last message was not for this call, and is looked into all the same.
+    // The last message was not for this call, and is read all the same.
     Script script({Message{.addresses = {ipAddress(other)}, .type = 1}});
     EXPECT_EQ(saidWhile(networkOrder(other)), "");
     Script without({Message{.mask = destinationBit, .type = 1}});

@@ -69,7 +69,7 @@ inline mode_t modeOf(const std::string& path) {
 
 inline bool isRoot() { return ::geteuid() == 0; }
 
-/// Folders called `name`, one in the other, below `folder`; the path of the last one.
+/// Nested folders called `name` below `folder`; returns the path of the last one.
 inline std::string makeChain(const std::string& folder, const std::string& name, int depth) {
     std::string path = folder;
     int at = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -128,7 +128,7 @@ bool isTrueWithDescriptors(rlim_t count, const Body& body) {
            }) == 0;
 }
 
-/// What the body answers in a forked child whose current folder is this one.
+/// What the body returns in a forked child whose current folder is this one.
 template <class Body>
 bool insideFolder(const std::string& folder, const Body& body) {
     return inChild([&] { return ::chdir(folder.c_str()) == 0 && body() ? 0 : 1; }) == 0;

@@ -166,7 +166,7 @@ void writeFromAllThreads(int lines) {
     EXPECT_GT(unrest.questions(), 0);
 }
 
-/// Writes into one end while another thread checks what comes out of the other.
+/// Writes into one end while another thread checks what arrives at the other.
 std::string verdictOfWriting(int writeEnd, int readEnd, int lines) {
     LineChecker checker(labels());
     std::thread reader([&checker, readEnd] { checker.takeAllOf(readEnd); });

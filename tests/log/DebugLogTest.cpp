@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// That the debug log is silent and looks at nothing it is given.
+// The debug log is silent and reads none of its arguments.
 #include <cerrno>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A forked child logs at once, whatever the threads that it lost were doing.
+// A forked child can log at once, whatever the threads that it lost were doing.
 #include <atomic>
 #include <deque>
 #include <thread>

@@ -231,7 +231,7 @@ const Call calls[] = {
      }},
 };
 
-/// Every call, each with a look at `errno` and all together at the rest.
+/// Every call; checks `errno` after each, and the rest of the state after all of them.
 void expectAllStays(const Findings& findings) {
     const auto before = hostState();
     for (int round = 0; round < 2; ++round) { // the first calls make what the later ones use

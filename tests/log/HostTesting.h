@@ -180,7 +180,7 @@ public:
         rest_.append(bytes);
     }
 
-    /// Reads until the end; a terminal tells its end by an error.
+    /// Reads until the end; a terminal reports its end as an error.
     void takeAllOf(int descriptor) {
         std::string buffer(std::size_t{1} << 16, '\0');
         for (;;) {

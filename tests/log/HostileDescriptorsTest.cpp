@@ -479,7 +479,7 @@ TEST(HostileDescriptors, letAThreadThatIsBeingCancelledFinishItsLine) {
 
 // A descriptor that would block.
 
-/// Writes to a full channel with a dawdling reader from four threads and looks at what the waiting costs.
+/// Writes to a full channel with a slow reader from four threads and measures what the waiting costs.
 void writeToFullChannel(const Findings& findings, Channel channel) {
     int ends[2];
     openChannel(channel, ends);

@@ -29,7 +29,7 @@ namespace {
 constexpr uid_t nobody = 65534;
 constexpr uid_t somebody = 12345;
 
-/// Runs the body in a child, whose standard error is the null device until it is led elsewhere. Expectations
+/// Runs the body in a child, whose standard error is the null device until it is redirected. Expectations
 /// that fail there are printed there and fail the test here.
 template <class Body>
 void inChild(const Body& body) {

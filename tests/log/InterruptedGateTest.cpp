@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A handler may ask and log at every single instruction of a gate, of a line and of a re-reading, and
-// whatever it has interrupted goes on as if nothing had been. The child is led from instruction to
-// instruction.
+// A handler may check trace keys and log at every single instruction of a gate, of a line and of a
+// re-reading, and whatever it has interrupted continues as if nothing had happened. The parent moves the
+// child from instruction to instruction.
 #include <csignal>
 
 #include <gtest/gtest.h>

@@ -217,7 +217,7 @@ TEST(LineObserver, endsTheProcessByAnExceptionThatLeavesIt) {
               "exit code 42");
 }
 
-/// A call of the observer that stays until it is let go.
+/// A call of the observer that does not return until it is released.
 struct Gate {
     std::atomic<int> inside = 0;
     std::atomic<bool> opens = false;

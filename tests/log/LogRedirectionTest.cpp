@@ -94,7 +94,7 @@ struct RedirectionScene {
 
 void redirect(const std::string& path) { ZQLog::setOptionalLogFilePath(NSString(path)); }
 
-/// Redirects to the path and tells the number under which the former descriptor 2 was kept.
+/// Redirects to the path and returns the number under which the former descriptor 2 was kept.
 int redirectAndFindKept(const std::string& path) {
     const Numbers before = openNumbers();
     redirect(path);

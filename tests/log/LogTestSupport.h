@@ -32,7 +32,7 @@ struct LinePrefix {
     std::size_t length = 0;    ///< with the blank at its end
 };
 
-/// Nothing when the line does not begin with a whole prefix.
+/// Nothing when the line does not begin with a complete prefix.
 std::optional<LinePrefix> readPrefix(std::string_view line);
 
 /// Catches what is written to descriptor 2 while it lives.

@@ -25,7 +25,7 @@ namespace scene {
 using Digest = std::map<std::string, std::string>;
 using Words = std::vector<std::string>;
 
-/// What a digest tells beside kinds, names, contents and the texts of links.
+/// What a digest contains besides kinds, names, contents and the texts of links.
 enum class Detail {
     contents,
     permissions,

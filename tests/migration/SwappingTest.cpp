@@ -26,7 +26,7 @@ struct Shared {
     std::atomic<long> swaps{0};
 };
 
-/// Swaps two names at once, so that there is always something at either.
+/// Swaps two names at once, so that there is always something at each of them.
 bool exchange(const std::string& one, const std::string& other) {
     return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
                      2 /* RENAME_EXCHANGE */) == 0;

@@ -707,7 +707,7 @@ TEST_F(NSUserDefaultsTest, answersInForkedChildrenWhileThreadsReadAndSet) {
             }
         });
     }
-    // Where forks take turns they are slow and meet no operation half-way: fewer tell as much.
+    // Where forks take turns they are slow and never interrupt an operation: fewer show as much.
     const int children = scene::forksTakeTurns ? 40 : 2000;
     if (scene::forksTakeTurns) {
         std::printf("[  SCALE   ] %d forked children in place of 2000 (sanitizer)\n", children);

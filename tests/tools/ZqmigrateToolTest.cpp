@@ -340,7 +340,7 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     tool.file("a/f 1");
     tool.file("b/f");
     EXPECT_EQ(notesOf(" 0  f 1: success", {"-n", "--rename", "batch", "a", "b"}), "none");
-    // Two folders of the source lead to one at the destination.
+    // Two folders of the source become one at the destination.
     tool.file("c/same");
     tool.file("c/sub/same");
     tool.folder().folder("d");
