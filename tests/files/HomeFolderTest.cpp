@@ -12,7 +12,7 @@ using namespace ZQFoundation::detail;
 
 namespace {
 
-/// What the system says, asked in its simplest way.
+/// What the system says when it is asked in the simplest way.
 std::string folderOfUser(uid_t user) {
     const passwd* const record = ::getpwuid(user);
     return record != nullptr ? record->pw_dir : "";

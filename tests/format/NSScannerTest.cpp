@@ -457,7 +457,7 @@ TEST(NSScanner, readsALongTextPieceByPiece) {
     }
 }
 
-/// What a scan gives: its answer, the output and the location.
+/// What a scan results in: its return value, the output and the location.
 struct Outcome {
     bool isFound;
     std::u16string output;

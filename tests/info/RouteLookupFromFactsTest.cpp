@@ -580,7 +580,7 @@ TEST(RouteLookupFromFacts, findsTheInterfaceAddressAmongAllEight) {
     addresses[5] = ipAddress({172, 16, 5, 9});
     Script script({Message{.mask = 0xFF, .addresses = addresses}});
     EXPECT_EQ(saidWhile(networkOrder({172, 16, 5, 9})), "");
-    // Bits beyond the eighth name nothing.
+    // Bits beyond the eighth have no meaning.
     Script beyond({Message{.mask = 0x7FFFFFFF, .addresses = addresses}});
     EXPECT_EQ(saidWhile(networkOrder({172, 16, 5, 9})), "");
     Script negative({Message{.mask = -1, .addresses = addresses}});

@@ -58,7 +58,7 @@ Bytes operator+(Bytes left, const Bytes& right) {
     return left;
 }
 
-/// What one read is to give. Its header answers the last request except where a field here says otherwise.
+/// What one read is to return. Its header answers the last request except where a field here says otherwise.
 struct Reading {
     Bytes addresses;
     int mask = 0x21;
@@ -142,7 +142,7 @@ private:
     std::vector<Reading> readings_;
 };
 
-/// What a lookup gives and what it writes to standard error.
+/// What a look-up returns and what it writes to standard error.
 struct Outcome {
     std::uint32_t address;
     std::string written;

@@ -221,7 +221,7 @@ TEST(SystemReportFromFacts, raisesForAFileWithoutADictionary) {
 }
 
 TEST(SystemReportFromFacts, readsByByteWhatIsNotUtf8) {
-    // ASCII is the second try, and its reading takes bytes beyond 7 bits for the units of their number.
+    // ASCII is the second attempt, and its reader turns bytes beyond 7 bits into the units of their number.
     const Facts facts(factstest::withVersionFile(plistOf(entry("ProductName", "S\xE4mpler") +
                                                          entry("ProductVersion", "14.2") +
                                                          entry("ProductBuildVersion", "23C64"))));

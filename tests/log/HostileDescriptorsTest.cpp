@@ -348,7 +348,7 @@ void writeDisturbed(const Findings& findings, Channel channel) {
     findings.expect(verdict.empty(), verdict);
 }
 
-/// What comes of two lines in the same second with a change of the world in between, and of a third in the
+/// What becomes of two lines in the same second with a change of the world in between, and of a third in the
 /// next second. Signals end the child; nothing waits for a clock.
 template <class Change>
 std::string endAfter(const Change& change, bool isInTheNextSecond) {

@@ -203,7 +203,7 @@ TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
         EXPECT_EQ(::fstat(STDERR_FILENO, &information), 0);
         EXPECT_GT(information.st_size, 0);
         EXPECT_LE(information.st_size, 64 * 1024);
-        // A new file still finds a place, or fails with a line that is lost; neither harms.
+        // A new file still finds a place, or fails with a line that is lost; neither does harm.
         static_cast<void>(ZQLog::setLogFilePath_createFolder("y.log", true));
         writeLine();
         ZQLog::clearLogFilePath();

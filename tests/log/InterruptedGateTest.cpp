@@ -125,7 +125,7 @@ int interrupt(pid_t child) {
     return stop;
 }
 
-/// Lets the child run to its end; whether it says that all was right.
+/// Lets the child run to its end; returns whether it says that all was right.
 bool endsWell(pid_t child) {
     int status = 0;
     do {

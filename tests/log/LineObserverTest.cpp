@@ -37,7 +37,7 @@ public:
     ~Observed() { ZQLog::setLineObserver(nullptr, nullptr); }
 };
 
-/// Keeps lines, and asks about its own call what a test wants to know.
+/// Keeps the texts and the messages of the lines.
 struct Window {
     std::mutex mutex;
     Texts texts;

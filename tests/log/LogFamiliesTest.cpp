@@ -502,7 +502,7 @@ void setCaller(Call& call, const CallerCase& caller) {
     call.function = caller.function;
 }
 
-/// Arguments with which the operation gives its line.
+/// Arguments with which the operation writes its line.
 Call passingCall(const Row& row, const NSObjectProtocol& item) {
     Call call(item);
     for (const ConditionCase& condition : holdingCases()) {
@@ -943,7 +943,7 @@ TEST(LogFamilies, letADescriptionReadTheTraceKeysAgain) {
         EXPECT_EQ(static_cast<bool>(returned), row.verb == Verb::logString);
     });
     EXPECT_TRUE(logtest::anotherThreadCanTakeTheMonitor());
-    // The condition has held when it was asked: what the description reads comes too late for its own line.
+    // The condition held when it was checked: what the description reads comes too late for its own line.
     keys.replace({});
     output.clear();
     ZQLog::logForTraceKey_usingFormat("TraceNet", "%@ %d", object, 1);

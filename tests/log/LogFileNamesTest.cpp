@@ -237,7 +237,7 @@ TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
             }
         });
         const NSString named(scene / "logs");
-        // As often as the machine lets the file vanish between two looks: soon, or after some seconds.
+        // As often as the machine lets the file vanish between two checks: soon, or after some seconds.
         for (int numbered = 0; numbered < 20;) {
             // The same coming and going in a given folder, or without a folder, adds no number.
             EXPECT_EQ(newName(named), plain);

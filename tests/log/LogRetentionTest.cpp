@@ -69,7 +69,7 @@ struct RetentionScene {
         date(name, seconds);
     }
 
-    /// The names in the folder in the order in which the system gives them.
+    /// The names in the folder in the order in which the system returns them.
     Texts listing() const {
         Texts names;
         DIR* const open = ::opendir(logs().c_str());
@@ -631,7 +631,7 @@ TEST(LogRetention, saysNothingWhereNothingIsToBeRemoved) {
     EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
 }
 
-/// Runs the body as an ordinary user and gives the lines that it wrote.
+/// Runs the body as an ordinary user and returns the lines that it wrote.
 template <class Body>
 Texts linesOfUnprivileged(const Body& body) {
     const logtest::CapturedOutput output;

@@ -119,7 +119,7 @@ private:
     DefaultsScene defaults_;
 };
 
-/// Polls the flag until it is set, ten seconds at most; then what it says.
+/// Polls the flag until it is set, ten seconds at most; returns its last value.
 bool isSetSoon(const std::atomic<bool>& flag);
 
 /// Whether another thread gets the monitor of ZQLog now. Abandons that thread when it does not.
@@ -184,7 +184,7 @@ bool isFreshProcess();
 /// Runs the current test, and no other, in a process of its own and says whether it ran there and passed.
 bool runThisTestAgain();
 
-/// For what only a process that has not asked for a trace key yet can show: the body runs in such a process.
+/// For what only a process that has not checked a trace key yet can show: the body runs in such a process.
 template <class Body>
 void inFreshProcess(const Body& body) {
     if (isFreshProcess()) {

@@ -124,7 +124,7 @@ const ValueRow valueRows[] = {
     {"<dict><key>YES</key><true/></dict>", false, false, 0},
 };
 
-/// Every operation that asks the trace keys.
+/// Every operation that checks the trace keys.
 struct Question {
     const char* name;
     bool (*isAnsweredWithYes)();

@@ -244,7 +244,7 @@ TEST(FileHelpers, leaveFoldersThatWereMadeBeforeTheFileFailed) {
 }
 
 TEST(FileHelpers, findNoParentInABareName) {
-    // The parent is the empty path, which nobody can make; without the switch nobody asks for it.
+    // The parent is the empty path, which nobody can make; without the switch it is not needed.
     const Scene scene;
     EXPECT_TRUE(insideFolder(scene.base, [] { return !createDeep("bare") && !stands("bare"); }));
     EXPECT_TRUE(insideFolder(scene.base, [] { return createFlat("bare") && isFile("bare"); }));

@@ -27,7 +27,7 @@ constexpr uid_t somebodyElse = 65533;
 
 constexpr const char* allMarks[] = {faults::setAside, faults::givenUp, faults::unfinished};
 
-/// A tree is moved over an older one: every kind of leftover can come of it.
+/// A tree is moved over an older one: every kind of leftover can result.
 constexpr Case moved{Subject::tree, Old::overwritten, false};
 
 /// A run that was killed so that something with the mark is left, and what that is.

@@ -49,7 +49,7 @@ std::string hexOf(std::uint64_t number) {
     return text;
 }
 
-/// Runs the body in a child, which a process name that a host has set lasts in for good: 0 when all is as
+/// Runs the body in a child, because a process name that a host has set cannot be unset: 0 when all is as
 /// expected.
 template <class Body>
 int inChildNamed(const std::string& name, const Body& body) {

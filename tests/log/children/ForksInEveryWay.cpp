@@ -66,7 +66,7 @@ int forkInEveryWay() {
     return failures + resultOf(child);
 }
 
-/// Until the pipe takes no more, and so whoever writes to it waits.
+/// Returns when the pipe is full, so that whoever writes to it waits.
 void waitUntilFull(int pipe) {
     int held = 0;
     while (::ioctl(pipe, FIONREAD, &held) == 0 && held < ::fcntl(pipe, F_GETPIPE_SZ)) {
