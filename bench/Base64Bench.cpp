@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Base64 both ways, in one line and in lines of 64 characters. The base copies the output, which no codec can
-// do without; the library's and GLib's times hold the allocation of the result.
+// avoid; the times of the library and of GLib include the allocation of the result.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>

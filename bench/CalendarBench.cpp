@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Dates from fields and fields of dates on the clocks of Berlin. `base` is what the C library offers for it.
-// The dates are spread over 1990 to 2036, so that no two questions fall into the same hour, except in the
+// The dates are spread over 1990 to 2036, so that no two calls fall into the same hour, except in the
 // rows "one day", where all are within a day, as when a host lists today's files.
 #include <benchmark/benchmark.h>
 
@@ -49,7 +49,7 @@ Samples makeSamples(std::int64_t first, std::int64_t span) {
     return samples;
 }
 
-/// All contenders take the zone from the environment, except those that are handed one.
+/// All contenders take the zone from the environment, except those that take one as an argument.
 void setZone() {
     setenv("TZ", zoneName, 1);
     tzset();
@@ -96,7 +96,7 @@ int withLocaltime(const Sample& sample, const Sample&) {
     return fields.tm_year + fields.tm_mon + fields.tm_mday + fields.tm_hour + fields.tm_min + fields.tm_sec;
 }
 
-/// The C library numbers ISO weeks in `strftime` alone.
+/// The C library has ISO week numbers only in `strftime`.
 char weekWithLocaltime(const Sample& sample, const Sample&) {
     struct tm fields = {};
     localtime_r(&sample.seconds, &fields);
@@ -219,7 +219,7 @@ BENCHMARK(run<qtDayStart>)->Name("start of a day/qt");
 #endif
 
 #ifdef ZQ_BENCH_HAS_ICU
-/// A calendar that is made once and asked often; making one takes microseconds.
+/// A calendar that is made once and used often; making one takes microseconds.
 class IcuCalendar {
 public:
     IcuCalendar() {

@@ -31,7 +31,7 @@ constexpr std::size_t largeFileBytes = std::size_t{1} << 30;
     std::abort();
 }
 
-/// Bytes that no file system can make smaller.
+/// Bytes that no file system can compress.
 std::vector<char> noise(std::size_t count) {
     std::vector<char> bytes(count);
     unsigned long long state = 88172645463325252U;
@@ -128,7 +128,7 @@ bool library(const std::string& source, const std::string& copy) {
     return ZQFoundation::NSFileManager::defaultManager().copyItemAtPath_toPath_error(source, copy);
 }
 
-/// The copy is on the disk before the source goes.
+/// The copy is on the disk before the source is removed.
 bool moveBase(const std::string& source, const std::string& copy) {
     return run({"cp", "-a", source, copy}) && run({"sync", "-f", copy}) && run({"rm", "-r", source});
 }
@@ -155,7 +155,7 @@ struct Work {
     const char* name;
     Make make;
     bool isKept;      ///< whether copies stay until the end
-    bool takesSource; ///< a move: the source is made anew each time
+    bool takesSource; ///< a move: the source is made again each time
     std::string source;
 };
 
@@ -175,7 +175,7 @@ void measure(benchmark::State& state, Work* work, Copy copy) {
             work->make(work->source);
         }
         const std::string copyPath = scratchIn(work->place).newName();
-        ::sync(); // what was written before is not to be paid for by the copy
+        ::sync(); // earlier writes must not count as time of the copy
         const auto start = std::chrono::steady_clock::now();
         const bool isCopied = copy(work->source, copyPath);
         const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;

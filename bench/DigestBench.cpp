@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// MD5 digests of texts, beside the libraries that programs take for them. The base is OpenSSL's.
+// MD5 digests of texts, compared with the libraries that programs use for them. The base is OpenSSL's.
 #include <benchmark/benchmark.h>
 
 #include <string>

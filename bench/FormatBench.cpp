@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Formatting into a string, beside snprintf into a buffer: the budget is 0.7 of its time. The name before the
-// slash is the row, the name behind it the contender; `base` is snprintf.
+// Formatting into a string, compared with snprintf into a buffer: the budget is 0.7 of its time. The name
+// before the slash is the row, the name after it the contender; `base` is snprintf.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -26,7 +26,7 @@ using ZQFoundation::NSString;
 
 namespace {
 
-// Arguments the compiler cannot know.
+// Arguments that the compiler cannot know.
 struct Values {
     int count = 42;
     long large = 1234567890123;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Log calls: silenced, stopped at their trace condition, and written, beside what they are measured against
-// and beside other loggers. Lines go to a file that descriptor 2 is opened on in append mode; results to
-// standard output.
+// Log calls: silenced, stopped at their trace condition, and written, compared with their bases and with
+// other loggers. Lines go to a file that descriptor 2 is opened on in append mode; results to standard
+// output.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -42,13 +42,13 @@ using ZQFoundation::ZQTraceKey;
 
 namespace {
 
-/// Whether the kernel takes the flag of writes that raise no signal: an older one does not.
+/// Whether the kernel refuses the flag of writes that raise no signal, as older ones do.
 std::atomic<bool> refusesFlag = false;
 std::atomic<long> refusals = 0;
 
 } // namespace
 
-/// Stands before the C library's function of that name, which the library asks the kernel by.
+/// Replaces the C library's function of that name, by which the library makes system calls.
 extern "C" __attribute__((visibility("default"))) long syscall(long number, ...) noexcept {
     std::va_list list;
     va_start(list, number);
@@ -69,7 +69,7 @@ extern "C" __attribute__((visibility("default"))) long syscall(long number, ...)
 
 namespace {
 
-/// The file behind descriptor 2; emptied before each benchmark so that none grows without end.
+/// The file that descriptor 2 refers to; emptied before each benchmark so that none grows without end.
 class LogFile {
 public:
     LogFile() {
@@ -80,7 +80,7 @@ public:
             std::abort();
         }
         close(file);
-        // Registered values come last in the search, and nobody sets this key elsewhere.
+        // Registered values come last in the look-up, and nobody sets this key elsewhere.
         NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceBenchmark", true}});
         ZQLog::initializeTraceDefaultsDict();
     }
@@ -150,7 +150,7 @@ void emptyCall(benchmark::State& state) {
 BENCHMARK(emptyCall)->Name("flag_NO/base");
 
 void flagNo(benchmark::State& state) {
-    volatile bool setting = false; // as a host's own setting would be: unknown when the program is compiled
+    volatile bool setting = false; // as a host's own setting would be: unknown at compile time
     const bool gate = setting;
     for (auto _ : state) {
         ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(&store, "reload:", gate, "TraceBenchmark",
@@ -235,7 +235,7 @@ BENCHMARK_CAPTURE(written, traced, writeTracedLine)
     ->Threads(2)
     ->UseRealTime();
 
-/// Once, and for good: no other row writes by the flag.
+/// Cannot be undone, which does no harm: no other row writes with the flag.
 void refuseFlag() {
     static const bool isRefused = [] {
         int ends[2];
@@ -244,7 +244,7 @@ void refuseFlag() {
             std::abort();
         }
         refusesFlag = true;
-        const pid_t child = fork(); // which looks at its descriptor 2 at once
+        const pid_t child = fork(); // which checks its descriptor 2 at once
         if (child == 0) {
             writePlainLine();
             _exit(refusals == 0 ? 1 : 0);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading property lists into finished values. Each row has the same list in another form: records as
-// applications keep them, mostly dictionaries of short strings, numbers and dates under keys that come again
-// and again.
+// applications keep them, mostly dictionaries of short strings, numbers and dates under keys that repeat
+// often.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -56,7 +56,7 @@ const NSData& listAs(NSPropertyListFormat format) {
     return format == NSPropertyListXMLFormat_v1_0 ? xml : oldStyle;
 }
 
-/// The library reads the binary form and does not write it: an array of the strings and numbers of so many
+/// The library reads the binary form and does not write it: an array of the strings and numbers of this many
 /// records, each object after the last, four bytes to a reference.
 class BinaryList {
 public:
@@ -164,7 +164,7 @@ BENCHMARK(binaryLibrary)->Name("binary_plist/library");
 BENCHMARK(binaryBase)->Name("binary_plist/base");
 
 #ifdef ZQ_BENCH_HAS_EXPAT
-/// Tokens only, no values: what any reader built on it has to pay first.
+/// Tokens only, no values: the least that any reader built on it costs.
 void xmlExpat(benchmark::State& state) {
     const NSData& data = listAs(NSPropertyListXMLFormat_v1_0);
     for (auto _ : state) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Removal of 100,000 log files, each with its line, beside a bare loop that lists, looks, writes and unlinks.
-// Lines go to a file behind descriptor 2; making the files anew is not part of the time.
+// Removal of 100,000 log files, each with its line, compared with a bare loop that lists, checks, writes and
+// unlinks. Lines go to a file on descriptor 2; making the files again is not part of the time.
 #include <benchmark/benchmark.h>
 #include <dirent.h>
 #include <fcntl.h>
@@ -19,7 +19,7 @@ namespace {
 
 constexpr int fileCount = 100000;
 
-/// What the library writes before the text of each line, in length.
+/// As long as what the library writes before the text of each line.
 constexpr char prefix[] = "2024-03-05 14:07:09.042 bench_RetentionBench[12345:3039] ";
 
 [[noreturn]] void fail(const char* what) {

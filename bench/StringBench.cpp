@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Trimming, splitting, counting, replacing and containment, on about 100 units and on about a million. `base`
-// is what a program would write by hand for standard strings. The library holds a
-// text that is all ASCII as bytes and others as UTF-16; QString always has UTF-16, so rows with texts of both
-// kinds stand side by side.
+// is what a program would write by hand for standard strings. The library holds an all-ASCII text as bytes
+// and others as UTF-16; QString always has UTF-16, so rows with texts of both kinds are side by side.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -31,7 +30,7 @@ using namespace ZQFoundation;
 constexpr std::size_t shortUnits = 100;
 constexpr std::size_t longUnits = 1000000;
 
-/// Words, numbers and lines as log files and settings have them; `isWide` puts in what is not ASCII.
+/// Words, numbers and lines as log files and settings have them; `isWide` adds characters outside ASCII.
 std::string prose(std::size_t units, bool isWide) {
     constexpr std::string_view line = "2024-11-05 the viewer opened sample 17 of 342\tin 12.5 seconds\n";
     std::string text;
@@ -89,7 +88,7 @@ std::string indentedText(std::size_t units) { return " \t" + prose(units, false)
 
 std::string wideText(std::size_t units) { return prose(units, true); }
 
-/// Without the word that is looked for, but full of its beginnings.
+/// Not in the text, which is full of its beginnings.
 constexpr const char* absentWord = "seconde";
 
 // What an application would write by hand, into the standard strings of the same unit.

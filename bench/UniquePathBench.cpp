@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Finding a free name beside ten thousand taken ones: the library, and the bare tests of existence that no
-// way around can avoid.
+// Finding a free name beside ten thousand taken ones: the library, and the bare tests of existence that
+// cannot be avoided.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Percent-encoding and decoding of a component, on a short text and on a mebibyte: words with blanks, of
+// Percent-encoding and decoding of a component, on a short text and on a mebibyte: words with spaces, of
 // which one byte in five is escaped, and Cyrillic, of which all are. `base` is a copy of the result, which
 // for decoding is made from UTF-8. Qt encodes from UTF-16 and decodes to it, as the library does for
 // Cyrillic; GLib stays with bytes.
@@ -39,7 +39,7 @@ std::string cyrillic(std::size_t bytes) {
     return repeated("\u043F\u0440\u0438\u0432\u0435\u0442 \u043C\u0438\u0440 ", bytes);
 }
 
-/// A text in the form of each contender, and what it is when it is encoded.
+/// A text in the form of each contender, and its encoded form.
 struct Texts {
     explicit Texts(const std::string& text)
         : plain(text), string(plain), encodedString(string.urlEncodedString()),

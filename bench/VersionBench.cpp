@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Comparing two versions that differ in the second number. `base` is a loop with one cursor in either text,
-// written for numbers and periods alone.
+// Comparing two versions that differ in the second number. `base` is a loop with one cursor in each text,
+// written for numbers and periods only.
 #include <benchmark/benchmark.h>
 
 #include <string>

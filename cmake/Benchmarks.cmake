@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Benchmarks: one program for each file of bench/, all behind the target `benchmarks`, which an ordinary build
+# Benchmarks: one program for each file of bench/, all built by the target `benchmarks`, which an ordinary build
 # leaves out. Peers are optional; a source asks for one by ZQ_BENCH_HAS_<PEER>.
 
 if(ZQFOUNDATION_BENCHMARKS STREQUAL "AUTO")

@@ -9,7 +9,7 @@ if(NOT result EQUAL 0)
     message(FATAL_ERROR "${SOURCE} does not compile even without a wrong case:\n${said}")
 endif()
 
-# Compilers word their own messages differently: the expected texts stand side by side with " | " between them.
+# Compilers word their own messages differently: the expected texts are side by side with " | " between them.
 function(zq_says said texts result)
     string(REPLACE " | " ";" texts "${texts}")
     set(${result} FALSE PARENT_SCOPE)

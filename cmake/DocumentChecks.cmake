@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The documents: the reference of operations is what the public headers give, every public declaration has a comment of
-# its own, and they declare what the library exports; links lead somewhere; examples compile, run, and print what
+# The documents: the reference of operations matches the public headers, every public declaration has a comment of
+# its own, and they declare what the library exports; links have targets; examples compile, run, and print what
 # their page shows.
 
 foreach(check generate-operations check-links)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Fuzzing harnesses: one program fuzz_<Name> for each fuzz/<Name>Fuzz.cpp, all behind the target `fuzzers`. The
+# Fuzzing harnesses: one program fuzz_<Name> for each fuzz/<Name>Fuzz.cpp, all built by the target `fuzzers`. The
 # preset `sanitized` compiles the library for them; scripts/fuzz runs them.
 
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # What the delivered library and tools are compiled with against defects that get past everything else: checked
 # copies, stack guards, stacks that cannot jump over their guard page, marked targets of indirect jumps. Only in
-# optimised builds (checked copies need the optimiser); the sanitizers bring checks of their own.
+# optimized builds (checked copies need the optimizer); the sanitizers bring checks of their own.
 
 include(CheckCXXCompilerFlag)
 

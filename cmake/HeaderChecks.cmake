@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: MIT
-# Public headers are compiled the hard ways, as ordinary includes under all warnings: each alone and twice, all
-# in backward order, all below `using namespace`, beside the headers of other libraries, and between macros
+# Public headers are compiled in the hardest ways, as ordinary includes with all warnings: each alone and twice, all
+# in reverse order, all below `using namespace`, beside the headers of other libraries, and between macros
 # that other headers are known to define.
 
 set(directory "${PROJECT_BINARY_DIR}/header-checks")
 set(sources)
 
-# Leaves an unchanged file alone, so that nothing is compiled again for nothing.
+# Leaves an unchanged file alone, so that nothing is recompiled needlessly.
 function(zq_write_check name text)
     file(CONFIGURE OUTPUT "${directory}/${name}.cpp" CONTENT "${text}" @ONLY)
     set(sources ${sources} "${directory}/${name}.cpp" PARENT_SCOPE)

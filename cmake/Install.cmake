@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down besides the tools: the libraries, their headers, texts and documents, what makes them
-# found by find_package(ZQFoundation 27) and by pkg-config, and what shows the values in gdb. The files name no absolute
-# path, so the installed tree can be moved as a whole.
+# What `cmake --install` installs besides the tools: the libraries, their headers, texts and documents, the files by
+# which find_package(ZQFoundation 27) and pkg-config find it, and the script that shows the values in gdb. The files
+# contain no absolute path, so the installed tree can be moved as a whole.
 
 include(CMakePackageConfigHelpers)
 
@@ -50,7 +50,7 @@ configure_file(cmake/ZQFoundation.pc.in package/ZQFoundation.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/package/ZQFoundation.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
-# gdb takes the script when it loads the library: from beside it, or from below a folder of its own under the whole
+# gdb loads the script when it loads the library: from beside it, or from below a folder of its own under the whole
 # path of the library, which is why the folder is named only when the prefix is known.
 if(NOT APPLE)
     set(script "libZQFoundation.so.${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}-gdb.py")

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # One object library with all sources; from it the shared library that hosts use and the static one that the
-# tests use, which reaches what the shared library hides.
+# tests use, which gives access to what the shared library hides.
 
 set(patterns ${ZQ_HEADER_FOLDERS})
 list(TRANSFORM patterns APPEND "/*.cpp")
@@ -20,8 +20,8 @@ include(CarriedTexts)
 
 add_library(zq_objects OBJECT ${ZQ_SOURCES})
 foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
-    # Unnamed namespaces of several sources hold the same names, so a host's wish for unity builds ends here,
-    # and its wish for errors too, which is for its own sources.
+    # Unnamed namespaces of several sources declare the same names, so a host's wish for unity builds ends here,
+    # and so does its wish for warnings as errors, which is meant for its own sources.
     set_target_properties(${objects} PROPERTIES
         UNITY_BUILD OFF
         COMPILE_WARNING_AS_ERROR OFF
@@ -32,7 +32,7 @@ foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
     target_link_libraries(${objects} PRIVATE zq_flags zq_hardening)
     if(NOT APPLE)
         # Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined.
-        # Elsewhere they are anyway.
+        # On other systems they are anyway.
         target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
     endif()
 endforeach()
@@ -102,7 +102,7 @@ endif()
 add_library(ZQFoundationStatic STATIC $<TARGET_OBJECTS:zq_objects> $<TARGET_OBJECTS:zq_carried_texts>)
 zq_finish_library(ZQFoundationStatic ZQFoundation)
 
-# The other form is there for the tests and tools that want it, and no part of an ordinary build.
+# The other form is built only for the tests and tools that need it, not in an ordinary build.
 foreach(form ZQFoundation ZQFoundationStatic)
     if(NOT form IN_LIST ZQ_FORMS)
         set_target_properties(${form} PROPERTIES EXCLUDE_FROM_ALL ON)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The shared library, whose texts are files.
+// For the shared library, whose texts are files: carries none.
 #include "foundation/process/CarriedTexts.h"
 
 namespace ZQFoundation::detail {

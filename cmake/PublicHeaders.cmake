@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # The public headers, as cmake/public-headers.txt lists them; scripts/check-style compares that list with what the
-# umbrella brings in.
+# umbrella includes.
 #
 # Result: ZQ_PUBLIC_HEADERS, paths relative to the root, the umbrella not among them; and a staged folder in
 # the build tree in which <ZQFoundation/ZQFoundation.h> is found exactly as it will be once installed.

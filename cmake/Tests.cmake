@@ -4,7 +4,7 @@
 # the folder's program, test_<folder>.
 
 if(CMAKE_CROSSCOMPILING)
-    # There is no package of GoogleTest for another processor; the sources of the package for this one serve.
+    # There is no package of GoogleTest for another processor, so the sources of this machine's package are built.
     set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
     foreach(library gtest gtest_main gmock)
@@ -24,11 +24,11 @@ endif()
 include(GoogleTest)
 
 set(ZQ_THREAD_SUITES "Concurren|Thread|Fork")
-# Those and the ones made of processes of their own take too long to be run twice.
+# Those and the suites that start many processes take too long to be run twice.
 string(JOIN ":" ZQ_LONG_SUITES
     *Concurren* *Thread* *Fork* FaultInjection* Leftovers* MigrationsAtOnce* PowerCut* Swapping* WritersMeanwhile*)
 
-# A locale with a decimal comma that is there on every machine, made once for the tests. The C library looks in
+# A locale with a decimal comma, made once for the tests so that every machine has it. The C library looks in
 # the folder that the environment variable LOCPATH names. Without it some tests would compare nothing.
 set(ZQ_TEST_LOCALES "${PROJECT_BINARY_DIR}/locales")
 find_program(ZQ_LOCALEDEF localedef)
@@ -56,10 +56,10 @@ if(TARGET GTest::gmock)
     target_link_libraries(zq_test_settings INTERFACE GTest::gmock)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # It misjudges `std::string(count, character) + "literal"` as going beyond the end.
+    # It takes `std::string(count, character) + "literal"` for an access beyond the end.
     target_compile_options(zq_test_settings INTERFACE -Wno-array-bounds -Wno-stringop-overflow)
 endif()
-# Tests of what only Linux has: network namespaces, tracing with filters for system calls, disks in files, immutable
+# Tests of what only Linux has: network namespaces, tracing with filters for system calls, disk images, immutable
 # files.
 set(ZQ_TESTS_LEFT_OUT)
 if(APPLE)
@@ -75,7 +75,7 @@ if(APPLE)
         -D_LIBCPP_DISABLE_AVAILABILITY)
 endif()
 # Most of the time of a build goes into the tests, whose own code need not be fast. Those with slow models that run
-# over many inputs are optimised all the same; what is compiled before for the others does not fit them.
+# over many inputs are optimized all the same; what is precompiled for the others does not fit them.
 target_compile_options(zq_test_settings INTERFACE ${ZQFOUNDATION_TEST_OPTIMIZATION})
 set(ZQ_OPTIMIZED_TESTS
     encoding/Base64Test.cpp encoding/URLConstructionTest.cpp extensions/LineWalkTest.cpp
@@ -96,7 +96,7 @@ file(MAKE_DIRECTORY "${ZQ_TEST_HOME}")
 set(ZQ_TEST_ENVIRONMENT
     "HOME=${ZQ_TEST_HOME}" "XDG_CONFIG_HOME=${ZQ_TEST_HOME}/.config" "LOCPATH=${ZQ_TEST_LOCALES}")
 
-# An emulator takes its time, and has limits of its own: what they do not let run is disabled by name.
+# An emulator is slow and has limits of its own: tests that they keep from running are disabled by name.
 set(ZQ_TEST_TIMEOUT 600)
 set(ZQ_NOT_EMULATED)
 if(CMAKE_CROSSCOMPILING_EMULATOR)
@@ -107,7 +107,7 @@ if(CMAKE_CROSSCOMPILING_EMULATOR)
     list(TRANSFORM ZQ_NOT_EMULATED REPLACE "[ \t].*" "")
 endif()
 
-# zq_add_test_program(<target> <sources>...): a GoogleTest program; each of its tests is one for ctest too.
+# zq_add_test_program(<target> <sources>...): a GoogleTest program; ctest knows each of its tests.
 function(zq_add_test_program target)
     add_executable(${target} ${ARGN})
     target_link_libraries(${target} PRIVATE zq_test_settings)
@@ -136,7 +136,7 @@ endforeach()
 ]] @ONLY)
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
     if(ZQFOUNDATION_SHUFFLED_TESTS)
-        # All of them in one process: what one leaves behind must not matter to another.
+        # All of them in one process: what one leaves over must not matter to another.
         add_test(NAME ${folder}.shuffled
             COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES})
         set_tests_properties(${folder}.shuffled PROPERTIES
@@ -144,7 +144,7 @@ endforeach()
     endif()
 endfunction()
 
-# zq_add_refusals(<name> <source>): the source compiles as it stands, and with any one of the cases that it
+# zq_add_refusals(<name> <source>): the source compiles as it is, and with any one of the cases that it
 # tests for by `#ifdef REFUSE_<CASE>` the compiler refuses it. Each line `// expected: <text>` below the #ifdef
 # is a piece of what the compiler must say, or several with " | " between them, one of which it must say.
 function(zq_add_refusals name source)

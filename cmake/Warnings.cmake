@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The flags that every target of this project, and no target of a host that embeds it, compiles with.
+# The flags for every target of this project, and for no target of a host that embeds it.
 
 add_library(zq_flags INTERFACE)
 
@@ -15,8 +15,8 @@ endif()
 # for the standard header <version>.
 target_compile_options(zq_flags INTERFACE "-iquote${PROJECT_SOURCE_DIR}")
 
-# A product and a sum are rounded one after the other. Where processors have one instruction for both, compilers take
-# it otherwise, and the last digit differs from one system to the next.
+# A product and a sum are rounded one after the other. Where processors have one instruction for both, compilers use
+# it by default, and the last digit differs from one system to the next.
 target_compile_options(zq_flags INTERFACE -ffp-contract=off)
 
 if(ZQFOUNDATION_SANITIZE)

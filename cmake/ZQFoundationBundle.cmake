@@ -14,9 +14,9 @@
 #
 # The program finds its library relative to itself, so the whole folder can be moved. The bundle is complete once
 # the target <target>Bundle, which is part of an ordinary build, is built. That build fails, unless UNCHECKED is
-# given, when `defaults lint` finds fault with the property lists and string tables: one that cannot be read, a key
-# that a language lacks, conversions that differ from language to language. Where there is no such tool, as where the
-# host has not installed it, nothing is checked.
+# given, when `defaults lint` finds a fault in the property lists and string tables: one that cannot be read, a key
+# that a language lacks, conversions that differ from language to language. Where that tool is missing, for example
+# because the host has not installed it, nothing is checked.
 
 # Copies <from> to <to>, relative to the bundle's contents, whenever it is newer; sets `pieces` of the caller.
 function(zq_bundle_piece contents from to)

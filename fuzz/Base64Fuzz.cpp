@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The codecs of every vector instruction set that the processor has, and the operations above them, against
-// the model.
+// Checks the codecs of every vector instruction set that the processor has, and the operations above them,
+// against the model.
 //
 // Input: a byte of switches (1 arbitrary text to decode, 2 separate lines, 4 the operations above the
-// codecs), then the bytes. Texts that are to be decoded are long or short, whole or full of foreign
+// codecs), then the bytes. Texts to decode are long or short, whole or full of foreign
 // characters.
 #include <cstdlib>
 #include <memory>
@@ -24,7 +24,7 @@ namespace base64 = ZQFoundation::detail::base64;
 
 namespace {
 
-/// Buffers have exactly the room that the codecs are promised, so that a byte beyond is noticed.
+/// Buffers have exactly the promised room, so that an access beyond it is noticed.
 std::string decodedBy(const base64::Codec& codec, std::string_view text, std::uint64_t& reported) {
     const std::size_t capacity = (text.size() + 3) / 4 * 3;
     const std::unique_ptr<std::uint8_t[]> room(new std::uint8_t[capacity]);

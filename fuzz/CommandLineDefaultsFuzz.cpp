@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// User defaults from a command line: the arguments stand in the input, each behind a zero byte.
+// User defaults from a command line: the input holds the arguments, each after a zero byte.
 #include "foundation/process/CommandLineDefaults.h"
 #include "fuzz/PlainOldStyleReader.h"
 #include "fuzz/PropertyLists.h"
@@ -8,7 +8,7 @@ using namespace ZQFoundation;
 
 namespace {
 
-/// Bytes that are no UTF-8 become the units U+DC00 and their number.
+/// Bytes that are not UTF-8 become units of U+DC00 plus the byte.
 std::u16string unitsOf(std::string_view argument) {
     std::u16string units;
     for (std::size_t at = 0; at < argument.size();) {

@@ -40,7 +40,7 @@ struct PlainTime {
         date = models::civilDate(days);
     }
 
-    /// By the Thursday of the week, which lies in the year to which the week belongs.
+    /// The Thursday of the week, which is in the year to which the week belongs.
     CivilDate thursday() const { return models::civilDate(days + 3 - (date.weekday + 6) % 7); }
 };
 
@@ -175,8 +175,8 @@ std::u16string plainText(std::u16string_view pattern, const PlainTime& time, int
     return text;
 }
 
-/// The nearest millisecond, half up. What lies as near to a half as the error of a double in which
-/// thousandths are counted goes up: .0425, which has no exact form, is .043.
+/// The nearest millisecond, half up. A value as near to a half as the error of a double that counts
+/// thousandths is rounded up: .0425, which has no exact form, is .043.
 struct Milliseconds {
     std::int64_t seconds;
     int rest;
@@ -193,7 +193,7 @@ struct Milliseconds {
         rest = rounded % 1000;
     }
 
-    bool isOpen; ///< either neighbour will do
+    bool isOpen; ///< either neighbor will do
 };
 
 void checkPattern(const NSDate& date, int offset, std::u16string_view pattern) {
@@ -215,10 +215,10 @@ void checkPattern(const NSDate& date, int offset, std::u16string_view pattern) {
             "text of a date");
 }
 
-/// What the patterns of log lines and file names write comes back as the same instant.
+/// What the patterns of log lines and file names write is read as the same instant.
 void checkReadingBack(const NSDate& date, int offset) {
     const double since1970 = date.timeIntervalSince1970();
-    if (!(std::abs(since1970) < 200000000000)) { // some 6000 years
+    if (!(std::abs(since1970) < 200000000000)) { // about 6000 years
         return;
     }
     const Milliseconds rounded(since1970);
@@ -394,7 +394,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzing::InputReader input(data, size);
     const unsigned switches = input.byte();
     const int offset = input.number<std::int16_t>() * ((switches & 16U) != 0 ? 1 : 15) % 64800;
-    // A day within some thousand years with milliseconds, or any number there is.
+    // A day within a few thousand years with milliseconds, or any number at all.
     const double seconds = (switches & 32U) != 0
                                ? input.number<double>()
                                : static_cast<double>(input.number<std::int64_t>() % 200000000000000) / 1000;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Formats whose arguments are known at run time only. An input is a byte for the locale, one for how format
-// (UTF-8 or units) and texts (ended by a zero or not) are given, the format up to a zero byte, and the
+// Formats whose arguments are known at run time only. Input: a byte for the locale, one for the form of the
+// format (UTF-8 or units) and of the texts (ended by a zero or not), the format up to a zero byte, and the
 // arguments: a byte for the kind, then the value.
 #include <algorithm>
 
@@ -56,7 +56,7 @@ NSObject objectFrom(fuzzing::InputReader& input) {
     }
 }
 
-/// A number whose bits are those of a proper one; seldom of the largest or smallest magnitudes, which take
+/// A number whose bits are those of a valid one; rarely of the largest or smallest magnitudes, which take
 /// long.
 long double longRealFrom(fuzzing::InputReader& input) {
     const auto digits = static_cast<long double>(input.number<std::int64_t>());
@@ -97,8 +97,8 @@ PlainArgument argumentFrom(fuzzing::InputReader& input) {
     return argument;
 }
 
-/// The argument as the library takes it; `isCString` as a pointer whose text ends at a zero. The value must
-/// stay.
+/// The argument as the library takes it; with `isCString` as a pointer whose text ends at a zero. The value
+/// must outlive it.
 Argument argumentOf(PlainArgument& value, bool isCString) {
     using Kind = PlainArgument::Kind;
     const char* bytes = value.bytes.c_str();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// How a harness reports a failed check.
 #ifndef ZQFOUNDATION_FUZZ_FUZZING_H
 #define ZQFOUNDATION_FUZZ_FUZZING_H
 
@@ -9,7 +10,7 @@
 /// What every harness of this folder uses.
 namespace ZQFoundation::fuzzing {
 
-/// Ends the program, which keeps the input, unless the library did what an independent check expects.
+/// Ends the program, so that the input is kept, unless the library did what an independent check expects.
 inline void require(bool holds, const char* what) {
     if (!holds) {
         std::fprintf(stderr, "fuzzing: %s\n", what);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Takes values and texts from the bytes of an input.
 #ifndef ZQFOUNDATION_FUZZ_INPUTREADER_H
 #define ZQFOUNDATION_FUZZ_INPUTREADER_H
 
@@ -11,7 +12,7 @@
 
 namespace ZQFoundation::fuzzing {
 
-/// Takes an input apart from front to back; behind its end there are zeros and empty texts.
+/// Takes an input apart from front to back; after its end there are zeros and empty texts.
 class InputReader {
 public:
     InputReader(const std::uint8_t* data, std::size_t size) noexcept
@@ -30,7 +31,7 @@ public:
         return value;
     }
 
-    /// What stands before the next mark, which is taken too; without one, all that is left.
+    /// The text before the next mark, which is taken too; without one, all that is left.
     std::string_view piece(char mark) noexcept {
         const std::size_t end = std::min(rest_.find(mark), rest_.size());
         const std::string_view taken = rest_.substr(0, end);
@@ -44,12 +45,12 @@ private:
     std::string_view rest_;
 };
 
-/// Units of which texts of an input consist beside the ASCII ones: what string operations treat in ways of
-/// its own. A few bytes make odd texts that way.
+/// The units outside ASCII that the texts of an input consist of: those that string operations treat in a
+/// special way. A few bytes make odd texts that way.
 inline constexpr char16_t oddUnits[] = {
-    // surrogates, more high ones than low ones so that both are left alone at times
+    // surrogates, more high ones than low ones so that both are unpaired at times
     0xD800, 0xD801, 0xD834, 0xD83D, 0xDBFF, 0xDC00, 0xDC37, 0xDD5E, 0xDE00, 0xDFFF,
-    // combining marks and what they make
+    // combining marks and what they compose
     0x0300, 0x0301, 0x0302, 0x0307, 0x0308, 0x030A, 0x0323, 0x0327, 0x0328, 0x0338, 0x0345, 0x05B0, 0x05BC,
     0x064B, 0x093C, 0x0F71, 0x0F72, 0x20D0, 0x302A, 0x3099, 0x309A, 0x00C5, 0x00E9, 0x00F1, 0x00FC, 0x1E0B,
     0x1E69, 0x1EA5, 0x212B, 0x2126, 0x2260, 0x226E, 0x0344, 0x1FC1, 0x304B, 0x304C, 0xFB1D, 0xFB2A, 0xF900,
@@ -62,12 +63,12 @@ inline constexpr char16_t oddUnits[] = {
     // white space, line breaks and what has no width
     0x0085, 0x00A0, 0x1680, 0x2000, 0x200A, 0x200B, 0x200C, 0x200D, 0x2028, 0x2029, 0x202F, 0x205F, 0x2060,
     0x3000, 0x180E, 0x00AD, 0xFEFF, 0xFFFD, 0xFFFE, 0xFFFF, 0xFE0F,
-    // digits, also such that are none
+    // digits, and characters that only look like them
     0x0660, 0x0663, 0x0966, 0xFF10, 0xFF11, 0xFF19, 0x00B2, 0x00BD, 0x2460, 0x1D7C, 0x3007,
     // the ends of the ranges of UTF-8
     0x0080, 0x07FF, 0x0800, 0xD7FF, 0xE000, 0xE01A};
 
-/// A byte below 0x80 is that unit, 0xFF stands in front of a unit of two bytes, the others are odd ones.
+/// A byte below 0x80 is that unit, 0xFF precedes a unit of two bytes, the others are odd ones.
 inline std::u16string unitsFromBytes(std::string_view bytes) {
     std::u16string units;
     units.reserve(bytes.size());

@@ -25,7 +25,7 @@ struct Piece {
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
-/// From behind the opening quote to behind the closing one, which may be missing.
+/// From after the opening quote to after the closing one, which may be missing.
 std::string takeQuoted(std::string_view line, std::size_t& at, char quote) {
     std::string text;
     for (; at < line.size() && line[at] != quote; ++at) {

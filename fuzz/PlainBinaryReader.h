@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A second reader of binary property lists, to compare the library's with.
 #ifndef ZQFOUNDATION_FUZZ_PLAINBINARYREADER_H
 #define ZQFOUNDATION_FUZZ_PLAINBINARYREADER_H
 
@@ -13,14 +14,14 @@
 
 namespace ZQFoundation::fuzzing {
 
-/// Whether the library gave a file up by a limit that the reader below does not have.
+/// Whether the library refused a file for a limit that the reader below does not have.
 inline bool isLimitOnObjects(const char* message) {
     return std::strcmp(message, "The objects lie over each other") == 0 ||
            std::strcmp(message, "Shared objects make the value many times larger than the file") == 0;
 }
 
-/// The binary form read by its rules and by recursion, without the limits on objects that are shared or lie
-/// over each other. Nil for bytes that are none.
+/// The binary form read by its rules and by recursion, without the limits on objects that are shared or
+/// overlap. Nil for bytes that are not in that form.
 class PlainBinaryReader {
 public:
     explicit PlainBinaryReader(std::string_view file) : file_(file) {}
@@ -70,7 +71,7 @@ private:
         return value;
     }
 
-    /// Reads the object unless that was done already; `depth` containers stand around it.
+    /// Reads the object unless that was done already; `depth` containers are around it.
     bool isGood(std::size_t index, std::size_t depth) {
         Object& object = objects_[index];
         if (object.state == Object::unread) {
@@ -131,7 +132,7 @@ private:
         return true;
     }
 
-    /// From 15 on the count is an integer object of its own; false when that does not fit.
+    /// From 15 on the count is an integer object of its own; false when that object does not fit.
     bool readCount(std::size_t& content, std::size_t& count) const {
         count = byte(content - 1) & 15;
         if (count < 15) {
@@ -183,7 +184,7 @@ private:
         return true;
     }
 
-    /// The object that the reference at a place names; null when it is none, or no good one.
+    /// The object that the reference at a place refers to; null when there is none, or no valid one.
     const Object* referred(std::size_t place, std::size_t depth) {
         const std::uint64_t index = number(place, referenceSize_);
         return index < objects_.size() && isGood(index, depth) ? &objects_[index] : nullptr;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A writer of binary property lists, for the reader of the library.
 #ifndef ZQFOUNDATION_FUZZ_PLAINBINARYWRITER_H
 #define ZQFOUNDATION_FUZZ_PLAINBINARYWRITER_H
 
@@ -11,11 +12,11 @@
 
 namespace ZQFoundation::fuzzing {
 
-/// Writes the binary form that the library only reads, plainly: nothing is shared, offsets take four bytes,
-/// references two or four.
+/// Writes the binary form, which the library only reads, in a plain way: nothing is shared, offsets take four
+/// bytes, references two or four.
 class PlainBinaryWriter {
 public:
-    /// `parts` is how many values and keys there are, each counted wherever it stands.
+    /// `parts` is how many values and keys there are, each counted wherever it occurs.
     std::string write(const NSObject& value, std::size_t parts) {
         referenceSize_ = parts < 0x10000 ? 2 : 4;
         objects_.reserve(parts);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A second implementation of formats, to compare the library's with.
 #ifndef ZQFOUNDATION_FUZZ_PLAINFORMAT_H
 #define ZQFOUNDATION_FUZZ_PLAINFORMAT_H
 
@@ -16,7 +17,7 @@
 
 namespace ZQFoundation::fuzzing {
 
-/// An argument of a format with all that it may stand for.
+/// An argument of a format with everything that it may be.
 struct PlainArgument {
     enum class Kind {
         signedInteger,
@@ -36,11 +37,11 @@ struct PlainArgument {
     std::string bytes;
     std::u16string units;
     NSObject object;
-    const void* pointer = nullptr; ///< for texts, where they stand
+    const void* pointer = nullptr; ///< for texts, where they are
 };
 
-/// Carries out formats by their documentation: numbers by the C library, padding and grouping by hand. What
-/// the C library does differently or would take too long is given up.
+/// Carries out formats by their documentation: numbers by the C library, padding and grouping by hand. Gives
+/// up where the C library differs or would take too long.
 class PlainFormat {
 public:
     static constexpr int maxField = 300;
@@ -111,7 +112,7 @@ private:
         return index < arguments_.size() ? &arguments_[index] : nullptr;
     }
 
-    /// The values of stars are taken only once the conversion is known to be whole.
+    /// The values of stars are taken only after the conversion is known to be complete.
     struct FieldText {
         bool isThere = false;
         bool isStar = false;
@@ -168,7 +169,7 @@ private:
         // "L" is no length of integers and leaves them at 64 bits.
     }
 
-    /// Behind a "%".
+    /// After a "%".
     std::u16string convert() {
         const int position = takePosition();
         takeFlags();
@@ -227,7 +228,7 @@ private:
         }
     }
 
-    /// `length`: what the text counts for.
+    /// `length`: the width that the text counts for.
     std::u16string padded(std::u16string text, std::size_t length) const {
         const std::size_t width = static_cast<std::size_t>(width_);
         const std::u16string blanks(width > length ? width - length : 0, u' ');
@@ -473,7 +474,7 @@ private:
 
     const std::vector<PlainArgument>& arguments_;
     const ZQFoundation::detail::FormatLocale* locale_;
-    std::u16string_view rest_; ///< of the format, behind what was taken
+    std::u16string_view rest_; ///< of the format, after what was taken
     std::size_t next_ = 0;
     bool hasGivenUp_ = false;
     bool isCutOff_ = false;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A second reader of old-style property lists, to compare the library's with.
 #ifndef ZQFOUNDATION_FUZZ_PLAINOLDSTYLEREADER_H
 #define ZQFOUNDATION_FUZZ_PLAINOLDSTYLEREADER_H
 
@@ -12,7 +13,7 @@
 
 namespace ZQFoundation::fuzzing {
 
-/// The old-style form read by its grammar, one unit at a time and by recursion. Nil for a text that is none.
+/// The old-style form read by its grammar, one unit at a time and by recursion. Nil for any other text.
 class PlainOldStyleReader {
 public:
     explicit PlainOldStyleReader(std::u16string_view text) : text_(text) {}
@@ -122,7 +123,7 @@ private:
         return array.array();
     }
 
-    /// Entries up to the first thing that is no string; `depth` counts the dictionary.
+    /// Entries up to the first token that is not a string; `depth` counts the dictionary.
     bool readEntries(NSMutableDictionary& dictionary, std::size_t depth) {
         for (skipBlanks(); isAtString(); skipBlanks()) {
             const std::optional<std::u16string> key = readString();
@@ -166,7 +167,7 @@ private:
         return std::nullopt;
     }
 
-    /// Behind a backslash.
+    /// After a backslash.
     bool readEscape(std::u16string& string) {
         constexpr std::u16string_view letters = u"abfnrtv";
         constexpr std::u16string_view controls = u"\a\b\f\n\r\t\v";
@@ -204,7 +205,7 @@ private:
         return value;
     }
 
-    /// Behind the "<".
+    /// After the "<".
     NSObject readData() {
         constexpr std::u16string_view blanksInData = u" \t\n\r\u2028\u2029";
         std::string bytes;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The reader of binary property lists. An input that begins like one is taken as it stands. Of any other a
-// file is put together, so that changes deep inside keep the table of offsets right: one byte that tells the
-// sizes of offsets and references, then objects, each behind a byte that tells its length.
+// The reader of binary property lists. An input that begins like one is taken as it is. Any other is put
+// together into a file, so that changes deep inside keep the table of offsets right: one byte for the
+// sizes of offsets and references, then objects, each after a byte with its length.
 #include <cstring>
 
 #include "fuzz/InputReader.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Checks that the harnesses of property lists share.
 #ifndef ZQFOUNDATION_FUZZ_PROPERTYLISTS_H
 #define ZQFOUNDATION_FUZZ_PROPERTYLISTS_H
 
@@ -22,11 +23,11 @@ namespace ZQFoundation::fuzzing {
 
 using ZQFoundation::detail::PropertyListError;
 
-/// What the checks need to know of a value.
+/// What the checks need to know about a value.
 struct Survey {
     std::size_t parts = 0;   ///< values and keys; counting stops above the limit
     bool hasNull = false;    ///< the null object, which only the binary form has
-    bool hasFarDate = false; ///< beyond the years -9999 to 9999, which the XML form has not
+    bool hasFarDate = false; ///< beyond the years -9999 to 9999, the limits of the XML form
     static constexpr std::size_t limit = 3000;
 };
 
@@ -53,7 +54,7 @@ inline void survey(const NSObject& value, Survey& seen) {
     }
 }
 
-/// Whether every strict XML reader takes the characters as they stand; references are not looked at.
+/// Whether every strict XML reader takes the characters as they are; references are not looked at.
 inline bool isFitForXml(std::string_view text) {
     const std::optional<std::u16string> units = models::wellFormedUtf16(text);
     bool isFit = units.has_value();
@@ -94,8 +95,8 @@ inline void checkBinary(const NSObject& value, std::size_t parts) {
     require(isSame(again, value, Kept::everything), "a plain binary file of the value reads back the same");
 }
 
-/// Writes a value that some reader gave in all three forms and reads each again. Values that grow beyond
-/// reason when they are written, because their parts are shared, are let off.
+/// Writes a value that a reader returned in all three forms and reads each again. Skips values that grow
+/// beyond reason when they are written, because their parts are shared.
 inline void checkWriters(const NSObject& value) {
     Survey seen;
     survey(value, seen);
@@ -109,8 +110,8 @@ inline void checkWriters(const NSObject& value) {
     checkBinary(value, seen.parts);
 }
 
-/// Whether both are the same, as far as that can be told in reasonable time: values whose parts are shared
-/// too often are only compared in how they begin.
+/// Whether both are the same, as far as that can be determined in reasonable time: values whose parts are
+/// shared too often are only compared in how they begin.
 inline void requireSameShared(const NSObject& found, const NSObject& expected, const char* what) {
     Survey seen;
     survey(found, seen);
@@ -134,8 +135,8 @@ struct BothForms {
     std::u16string units;
 };
 
-/// Reads the text with a reader's two forms, which must agree in value and failure. Null of a text that is
-/// none.
+/// Reads the text with a reader's two forms, which must agree in value and failure. Null for a text that is
+/// not valid.
 template <class ByteReader, class UnitReader>
 NSObject readBothForms(ByteReader readBytes, UnitReader readUnits, const BothForms& text) {
     const auto bytes = exactCopy(std::string_view(text.utf8));

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Replies of a routing socket and of the kernel's own one: lengths that lie, messages cut off, addresses that
-// are not there.
+// Replies of a routing socket and of the kernel's own one: wrong lengths, messages cut off, missing
+// addresses.
 //
-// Input: a byte of switches, then what comes back. Even: the routing socket of a lookup, whose messages each
-// have their length in front. Odd: one datagram of the kernel.
+// Input: a byte of switches, then the reply. Even: the routing socket of a lookup, whose messages each
+// begin with their length. Odd: one datagram of the kernel.
 //
 // The two sources are part of this one: what a lookup keeps for the rest of the process would come to some
-// gigabytes here and is given back, and a datagram needs no socket.
+// gigabytes here and is released, and a datagram needs no socket.
 #include <cstdio>
 #include <vector>
 
@@ -32,12 +32,12 @@ RouteMessageHeader headerIn(const std::uint8_t* bytes) {
     return header;
 }
 
-/// Answers reads with the input's messages and remembers what stands in the buffer then.
+/// Answers reads with the input's messages and remembers what is in the buffer then.
 class Replies final : public RouteTransport {
 public:
     explicit Replies(fuzzing::InputReader input) : input_(input) {}
 
-    int open() noexcept override { return 0; } // a descriptor that is no business of a lookup
+    int open() noexcept override { return 0; } // a descriptor that a lookup does not use itself
 
     std::ptrdiff_t write(int, const void* message, std::size_t count) noexcept override {
         std::memcpy(buffer, message, count);
@@ -45,7 +45,7 @@ public:
         return static_cast<std::ptrdiff_t>(count);
     }
 
-    /// A message that is meant as the answer has the right numbers put into it.
+    /// Puts the right numbers into a message that is meant as the answer.
     std::ptrdiff_t read(int, void* message, std::size_t capacity) noexcept override {
         require(capacity == bufferSize, "room for a message");
         if (input_.rest().empty() || hasFailed) {
@@ -69,7 +69,7 @@ public:
         return static_cast<std::ptrdiff_t>(bytes.size());
     }
 
-    /// As the lookup's own: a short message leaves the rest of the one before.
+    /// Like the lookup's own buffer: after a short message the rest of the one before is still there.
     std::uint8_t buffer[bufferSize] = {};
     RouteMessageHeader question{};
     bool hasFailed = false;
@@ -85,7 +85,7 @@ private:
     fuzzing::InputReader input_;
 };
 
-/// Where the sixth address begins, by the lengths of those in front of it; nothing beyond the buffer.
+/// Where the sixth address begins, by the lengths of those before it; nothing beyond the buffer.
 std::uint32_t plainInterfaceAddress(const std::uint8_t (&buffer)[bufferSize]) {
     const auto mask = static_cast<std::uint32_t>(headerIn(buffer).rtm_addrs);
     std::size_t at = sizeof(RouteMessageHeader);
@@ -118,7 +118,7 @@ void checkSplitting(std::uint8_t (&buffer)[bufferSize], int mask) {
     }
 }
 
-/// A lookup that fails says so, millions of times here.
+/// Discards the messages of failed lookups, which would be millions here.
 class Silence {
 public:
     Silence() : kept_(stderr) {
@@ -146,7 +146,7 @@ void checkLookup(fuzzing::InputReader input) {
     checkSplitting(replies.buffer, headerIn(replies.buffer).rtm_addrs);
 }
 
-/// What the kernel says of a route, read byte by byte.
+/// What the kernel says about a route, read byte by byte.
 struct PlainRoute {
     bool isRoute = false;
     std::uint32_t values[16] = {};
@@ -197,7 +197,7 @@ void requireReply(const RouteReply& reply, std::string_view datagram) {
     }
 }
 
-/// What lies behind the datagram in the room for it must not be looked at.
+/// What is after the datagram in the room for it must not be looked at.
 void checkDatagram(std::string_view datagram) {
     RouteAnswer answer;
     answer.count = std::min(datagram.size(), sizeof answer.bytes);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Comparison of values, as far as a form of property lists keeps them.
 #ifndef ZQFOUNDATION_FUZZ_SAMEVALUE_H
 #define ZQFOUNDATION_FUZZ_SAMEVALUE_H
 
@@ -18,7 +19,7 @@ namespace ZQFoundation::fuzzing {
 
 /// How much of a value a form of property lists keeps.
 enum class Kept {
-    everything, ///< kinds and bits; one not-a-number is as good as another
+    everything, ///< kinds and bits; all not-a-numbers are the same
     xml,        ///< dates lose fractions of a second, singles become doubles
     texts,      ///< numbers, booleans and dates become their descriptions
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Numbers in texts against the C library, and a scanner that follows a script against a plain place in a
-// text.
+// Checks numbers in texts against the C library, and a scanner that follows a script against a plain place in
+// a text.
 //
 // Input: the script, a byte for each step, up to a line feed; a target, up to another; then the text (see
 // InputReader for its units). An empty script: the text as a whole is read as a number.
@@ -25,14 +25,14 @@ bool isBlankForNumbers(char16_t unit) {
     return blanks.find(unit) != blanks.npos;
 }
 
-/// The text of a number for the C library, and the places between which it stands.
+/// The text of a number for the C library, and the places between which it is.
 struct NumberText {
     std::string ascii;
     std::size_t end = 0;
     bool isNumber = false;
 };
 
-/// Takes characters one by one while they go on with what is there already.
+/// Takes characters one by one while they continue a number.
 class NumberReader {
 public:
     NumberReader(std::u16string_view text, std::size_t at) : text_(text), at_(at) {
@@ -132,7 +132,7 @@ void checkReadings(const NSString& text, std::u16string_view units) {
     requireReal(static_cast<double>(text.floatValue()), static_cast<double>(static_cast<float>(real)));
 }
 
-/// A scanner beside a place in the same text. Each step is done by both.
+/// A scanner and a place in the same text. Each step is done by both.
 class Script {
 public:
     Script(const std::u16string& text, const std::u16string& target)
@@ -294,7 +294,7 @@ private:
         requireTaken(isTaken, end, output);
     }
 
-    /// Up to the target, or past it: the steps are those of the scans above, taken back when one fails.
+    /// Up to the target, or past it: the steps are those of the scans above, undone when one fails.
     void move(bool past) {
         const std::size_t start = location_;
         const NSRange found = place();
@@ -330,7 +330,7 @@ private:
     NSCharacterSet members_;
     unsigned skipping_ = 0;
     std::size_t location_ = 0;
-    std::size_t start_ = 0; ///< behind what is skipped from the location on
+    std::size_t start_ = 0; ///< after what is skipped from the location on
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Searching, comparing, case, splitting, trimming and replacing in texts of any units, against plain loops.
-// What a single character decomposes to, or folds to, comes from the library's tables.
+// Searching, comparing, case, splitting, trimming and replacing in texts of any units, checked against plain
+// loops. What a single character decomposes to, or folds to, comes from the library's tables.
 //
 // Input: a byte that chooses the check, one of options, two of a range; another text up to a line feed; the
 // text (see InputReader for their units).

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The files of localized texts: which encoding the bytes are in, then whichever form the text is in.
+// The files of localized texts: the encoding of the bytes, then any of the forms of the text.
 #include "foundation/plist/TextDecoding.h"
 #include "fuzz/PlainBinaryReader.h"
 #include "fuzz/PlainOldStyleReader.h"
@@ -12,7 +12,7 @@ namespace {
 
 using Text = std::optional<std::u16string>;
 
-/// The units that the bytes make, so many bytes each; nothing when they do not come out even or are
+/// The units that the bytes make, `size` bytes each; nothing when they do not divide evenly or are
 /// ill-formed.
 Text widened(std::string_view bytes, unsigned size, bool isLittle) {
     std::u16string units;
@@ -33,7 +33,7 @@ Text widened(std::string_view bytes, unsigned size, bool isLittle) {
     return models::wellFormedUtf8(units) ? Text(std::move(units)) : std::nullopt;
 }
 
-/// An encoding that an XML declaration names is left to the library; the harness for XML looks after it.
+/// An encoding that an XML declaration names is left to the library; the harness for XML checks it.
 Text declared(std::string_view bytes) {
     detail::DecodedText text;
     detail::PropertyListError error;

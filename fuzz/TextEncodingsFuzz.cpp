@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Bytes to text and text to bytes in every encoding there is, against the C library or, for the encodings
-// that the library does itself, plain loops.
+// that the library converts itself, plain loops.
 //
 // Input: a byte that chooses the encoding, one that chooses the direction, then the bytes or the text (see
 // InputReader for its units).
@@ -70,7 +70,7 @@ private:
 struct Subject {
     const TextEncoding* encoding;
     std::optional<Conversion> conversion; ///< the C library's
-    std::vector<Units> unitsOfBytes;      ///< of each byte alone, where all bytes stand alone
+    std::vector<Units> unitsOfBytes;      ///< of each byte alone, in single-byte encodings
 
     explicit Subject(const TextEncoding& one) : encoding(&one) {
         if (one.name != nullptr) {
@@ -97,7 +97,7 @@ struct Subject {
 };
 
 const std::vector<Subject>& subjects() {
-    // Kept until the process ends, where it must still be seen to be in use.
+    // Kept until the process ends, so that leak checkers still see it in use.
     static const std::vector<Subject>& all = *[] {
         auto& found = *new std::vector<Subject>;
         const auto add = [&](std::uint32_t first, std::uint32_t last) {
@@ -113,7 +113,7 @@ const std::vector<Subject>& subjects() {
              {0x88000100U, 0x8C000100U, 0x90000100U, 0x94000100U, 0x98000100U, 0x9C000100U}) {
             add(number, number);
         }
-        // Where the C library lacks its converters, both sides would agree on nothing.
+        // Where the C library lacks its converters, nothing would be compared.
         const auto open = std::count_if(found.begin(), found.end(), [](const Subject& subject) {
             return subject.conversion && subject.conversion->isOpen();
         });
@@ -123,7 +123,7 @@ const std::vector<Subject>& subjects() {
     return all;
 }
 
-/// Numbers of so many bytes, behind a mark or without one; nothing for a rest.
+/// Numbers of `width` bytes, after a mark or without one; nothing when bytes are left over.
 std::optional<std::vector<char32_t>> plainNumbers(std::string_view bytes, std::size_t width,
                                                   EncodingOrder order) {
     if (bytes.size() % width != 0) {
@@ -187,7 +187,7 @@ Units plainSequences(const Subject& subject, std::string_view bytes) {
     return units;
 }
 
-/// False when nothing is known beforehand.
+/// False when the result cannot be predicted.
 bool getPlainText(const Subject& subject, std::string_view bytes, Units& units) {
     switch (subject.encoding->form) {
     case EncodingForm::ascii:
@@ -223,7 +223,7 @@ bool startsWithMark(const Subject& subject, const std::u16string& units) {
            units.starts_with(u'\uFEFF');
 }
 
-/// Whether all units have a place; nothing when that is not known beforehand.
+/// Whether all units can be encoded; nothing when that cannot be predicted.
 std::optional<bool> isPlainlyEncodable(const Subject& subject, const std::u16string& units) {
     const auto allBelow = [&](char16_t limit) {
         return std::all_of(units.begin(), units.end(), [limit](char16_t unit) { return unit < limit; });

@@ -62,7 +62,7 @@ void requireParts(const NSURL& url, const models::Reference& pieces) {
     requirePort(url.port(), port);
 }
 
-/// A text as an input gives it and as the library is handed it.
+/// A text as it is in an input and as it is passed to the library.
 struct Text {
     std::string given;
     std::u16string units;
@@ -107,7 +107,7 @@ void checkConstruction(const Text (&parts)[5], bool encodePath, bool encodeQuery
         parts[0].view, parts[1].view, parts[2].view, encodePath, parts[3].view, encodeQuery, parts[4].view);
     require(!url || NSURL::URLWithString(url.absoluteString()), "a URL that was made is none");
     for (const Text& part : parts) {
-        std::string exact; // an unpaired surrogate, which is not to be encoded, has become another character
+        std::string exact; // an unpaired surrogate, which cannot be encoded, has become another character
         if (!NSString(part.view).getUTF8(exact)) {
             require(!url, "a URL out of a text that cannot be encoded");
             return;

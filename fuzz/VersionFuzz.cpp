@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The comparisons of versions against their model, which cuts both texts into tokens first.
 //
-// Input: a byte of switches (1 texts are handed over as UTF-8 and not as units, the next ones choose the
+// Input: a byte of switches (1 texts are passed as UTF-8 and not as units, the next ones choose the
 // comparison), then two versions with a line feed between them (see InputReader for their units).
 #include <string>
 
@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzzing::unitsFromBytes(input.piece('\n')), fuzzing::unitsFromBytes(input.rest()), {}, {}};
     std::string leftBytes;
     std::string rightBytes;
-    if ((switches & 1U) != 0) { // unpaired surrogates turn into others
+    if ((switches & 1U) != 0) { // unpaired surrogates become other characters
         leftBytes = stringOf(versions.leftUnits).utf8();
         rightBytes = stringOf(versions.rightUnits).utf8();
         versions.leftUnits = NSString(leftBytes).utf16();

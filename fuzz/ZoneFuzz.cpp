@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Zone data and rules out of hostile bytes against a second reading of the same bytes: what one accepts the
-// other accepts, and at every instant asked for both show the same clock.
+// Zone data and rules from hostile bytes, checked against a second reading of the same bytes: what one
+// accepts the other accepts, and at every instant tried both show the same clock.
 //
 // Input: a byte that chooses the form, then (0) the bytes of a zone file, (1) a rule, or (2) a recipe for a
 // zone file that is mostly good: the footer up to a line feed, then numbers. Instants come from the end.
@@ -41,7 +41,7 @@ struct PlainChange {
             return static_cast<std::int64_t>(models::newYear(year)) + day - (form == 'J' ? 1 : 0) +
                    (passesLeapDay ? 1 : 0);
         }
-        // The last one of the weekday stands for the fifth.
+        // The fifth means the last one of the weekday.
         const std::int64_t first = static_cast<std::int64_t>(models::dayNumber(year, month, 1));
         std::int64_t found = first + (day - models::civilDate(first).weekday + 7) % 7;
         for (int count = 1; count < week && found + 7 < first + models::monthLength(year, month); ++count) {
@@ -51,7 +51,7 @@ struct PlainChange {
     }
 };
 
-/// Reads pieces of a rule; a step that fails makes the whole one bad.
+/// Reads pieces of a rule; a step that fails makes the whole rule bad.
 class RuleText {
 public:
     explicit RuleText(std::string_view text) : text_(text) {}
@@ -86,7 +86,7 @@ public:
             digits += text_[0];
             text_.remove_prefix(1);
         }
-        // As many digits as the greatest number ever has, zeros in front among them.
+        // At most as many digits as the greatest number has, leading zeros included.
         need(!digits.empty() && digits.size() < 4);
         const int value = digits.empty() ? 0 : std::stoi(digits);
         need(value >= least && value <= greatest);
@@ -161,7 +161,7 @@ struct PlainRule {
         return text.isGood() ? std::optional(rule) : std::nullopt;
     }
 
-    /// Whether the instant lies between the start and the end of any year around it.
+    /// Whether the instant is between the start and the end of any year around it.
     const PlainClock& clockAt(std::int64_t seconds) const {
         if (!hasDaylight) {
             return standard;
@@ -256,7 +256,7 @@ private:
         return counts;
     }
 
-    /// Of a block that is passed over only the size matters.
+    /// Of a block that is skipped only the size matters.
     void block(const Counts& counts, unsigned timeSize, PlainZone* zone) {
         const std::uint64_t size =
             std::uint64_t{counts.changes} * (timeSize + 1) + std::uint64_t{counts.clocks} * 6 + counts.names +

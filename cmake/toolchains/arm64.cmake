@@ -15,6 +15,6 @@ foreach(kind LIBRARY INCLUDE PACKAGE)
 endforeach()
 
 # Programs name their loader and the folder of the system's libraries themselves: they and the programs that they
-# start run as they stand, in whatever environment. By the older tag the folder holds for what libraries need, too.
+# start run as they are, in any environment. With the older tag the folder also applies to what libraries need.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
     "-Wl,--dynamic-linker,${root}/lib/ld-linux-aarch64.so.1 -Wl,--disable-new-dtags,-rpath,${root}/lib")

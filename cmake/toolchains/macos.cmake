@@ -12,7 +12,7 @@ endif()
 if(NOT EXISTS "${ZQ_MACOS_TOOLS}/macos-c++")
     message(FATAL_ERROR "ZQ_MACOS_TOOLS does not name the folder of the cross compiler; scripts/release/check-macos fetches it")
 endif()
-# Each of CMake's trial builds reads this file anew.
+# Each of CMake's trial builds reads this file again.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZQ_MACOS_TARGET ZQ_MACOS_TOOLS)
 
 string(REGEX MATCH "^[a-z0-9_]+" CMAKE_SYSTEM_PROCESSOR "${ZQ_MACOS_TARGET}")
@@ -28,7 +28,7 @@ set(CMAKE_C_COMPILER_TARGET "${ZQ_MACOS_TARGET}")
 set(CMAKE_CXX_COMPILER_TARGET "${ZQ_MACOS_TARGET}")
 set(CMAKE_AR "${ZQ_MACOS_TOOLS}/macos-ar")
 set(CMAKE_RANLIB "${ZQ_MACOS_TOOLS}/macos-ranlib")
-# Names and search paths are right when they are linked; CMake only insists on there being a program to change them.
+# Names and search paths are right when they are linked; CMake only insists on a program that could change them.
 set(CMAKE_INSTALL_NAME_TOOL "${CMAKE_COMMAND}" CACHE FILEPATH "Not needed")
 
 set(CMAKE_FIND_ROOT_PATH "${CMAKE_CURRENT_LIST_DIR}/macos-stubs")
@@ -37,8 +37,8 @@ foreach(kind LIBRARY INCLUDE PACKAGE)
     set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
 
-# The compiler brings its own copy of the C++ library, and takes all of it for available. What the library of the
-# oldest system, and that system itself, do not have yet is an error here.
+# The compiler brings its own copy of the C++ library, and takes all of it to be available. Whatever the library
+# of the oldest system, or that system itself, does not have yet is an error here.
 foreach(language C CXX)
     set(CMAKE_${language}_FLAGS_INIT "-fno-sanitize=undefined -Werror=unguarded-availability")
 endforeach()

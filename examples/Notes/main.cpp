@@ -19,7 +19,7 @@
 namespace zq = ZQFoundation;
 
 int main(int argc, char** argv) {
-    // Words of one hyphen that are Qt's; every other one with a value is a user default.
+    // Options with one hyphen that belong to Qt; every other one with a value is a user default.
     const zq::NSArray optionsOfQt{
         "-display",       "-fontengine", "-geometry",        "-platform",    "-platformpluginpath",
         "-platformtheme", "-plugin",     "-qwindowgeometry", "-qwindowicon", "-qwindowtitle",

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading the command line.
 #include "CommandLine.h"
 
 #include <cstring>

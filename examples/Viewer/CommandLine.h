@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The command line of Viewer.
 #ifndef ZQFOUNDATION_VIEWER_COMMANDLINE_H
 #define ZQFOUNDATION_VIEWER_COMMANDLINE_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading documents and their headers.
 #include "Document.h"
 
 #include <cerrno>
@@ -23,7 +24,7 @@ DocumentHeader parseHeader(std::string_view text) {
         at = end + 1;
     }
     const DocumentHeader header{fields.dictionary(), at < text.size() ? at + 1 : at};
-    // Asked first, because the argument is made before the call would ask.
+    // Checked first, because the argument is made before the call would check.
     if (ZQLog::traceKeyIsEnabled(TraceKeys::documents)) {
         ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(
             __func__, true, TraceKeys::documents, "%@", header.fields.condensedDescription());

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A document that is open, and the header at its beginning.
 #ifndef ZQFOUNDATION_VIEWER_DOCUMENT_H
 #define ZQFOUNDATION_VIEWER_DOCUMENT_H
 
@@ -13,10 +14,10 @@ struct DocumentHeader {
     std::size_t bodyStart = 0;         ///< where the text after the empty line begins
 };
 
-/// A text without a header gives no fields and a body that starts at 0.
+/// A text without a header has no fields and a body that starts at 0.
 DocumentHeader parseHeader(std::string_view text);
 
-/// One open document. By implementing NSObjectProtocol it can be given to "%@" and stand in collections.
+/// One open document. As it implements NSObjectProtocol, it can be passed for "%@" and be in collections.
 class Document : public ZQFoundation::NSObjectProtocol {
 public:
     /// Reads the file. False, with the reason in words, when it cannot be read or is no UTF-8 text.

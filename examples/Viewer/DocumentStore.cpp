@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Opening documents.
 #include "DocumentStore.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The store of the open documents.
 #ifndef ZQFOUNDATION_VIEWER_DOCUMENTSTORE_H
 #define ZQFOUNDATION_VIEWER_DOCUMENTSTORE_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading and writing files, with a log line for each.
 #include "Files.h"
 
 #include <cstdio>

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
+// Reading and writing whole files, and temporary folders.
 #ifndef ZQFOUNDATION_VIEWER_FILES_H
 #define ZQFOUNDATION_VIEWER_FILES_H
 
 #include <string>
 #include <string_view>
 
-/// The whole file in `bytes`; false, with `errno` telling why, when it cannot be read.
+/// The whole file in `bytes`; false, with the reason in `errno`, when it cannot be read.
 bool readFile(const std::string& path, std::string& bytes);
 
-/// False, with `errno` telling why, when not all bytes could be written.
+/// False, with the reason in `errno`, when not all bytes could be written.
 bool writeFile(const std::string& path, std::string_view bytes);
 
 /// A new folder for one file; both are removed when the object goes.
@@ -19,7 +20,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder();
 
-    /// Empty when the folder could not be made; `errno` tells why.
+    /// Empty when the folder could not be made; the reason is in `errno`.
     const std::string& path() const { return path_; }
 
     /// Writes the file there and returns its path; empty when that fails.

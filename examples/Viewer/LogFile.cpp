@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Opening the log.
 #include "LogFile.h"
 
 #include <ZQFoundation/ZQFoundation.h>
@@ -30,7 +31,7 @@ void startLog() {
     try {
         ZQLogInfo::standardStartupLog();
     } catch (const NSException& exception) {
-        // The system does not say what it is. That is no reason not to start.
+        // The system does not describe itself. That is no reason not to start.
         ZQLog::logWithFormat("no start-up report: %@", exception.reason());
     }
 }

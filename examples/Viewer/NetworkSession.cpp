@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Sending documents over a pair of sockets.
 #include "NetworkSession.h"
 
 #include <cerrno>
@@ -50,7 +51,7 @@ const NSArray& sessionKeys() {
     return keys;
 }
 
-/// Where a document would go: its title may hold anything, and its digest tells whether it has changed.
+/// Where a document would go: its title may hold anything, and its digest shows whether it has changed.
 NSURL addressOf(const Document& document) {
     const NSString text(std::string(document.text()));
     return NSURL::URLWithScheme_authority_path_query(
@@ -66,10 +67,10 @@ NetworkSession::NetworkSession() {
         nearEnd_ = ends[0];
         farEnd_ = ends[1];
     }
-    // "Any of": the label names those keys that are on, as in "TraceDocuments/TraceNetwork: ...".
+    // "Any of": the label names the keys that are on, as in "TraceDocuments/TraceNetwork: ...".
     ZQLog::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(this, __func__, true, sessionKeys(),
                                                                     "connected by descriptor %d", nearEnd_);
-    // Each question for a route keeps a descriptor, so it is asked once, and only for who wants to know.
+    // Each look-up of a route keeps a descriptor, so there is only one, and only when its result is logged.
     if (ZQLog::traceKeyIsEnabled(TraceKeys::network)) {
         static const NSString address = NetworkInfo::getLocalIPAddressStringOfInterfaceOfRouteTo("127.0.0.1");
         ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(this, __func__, true, TraceKeys::network,

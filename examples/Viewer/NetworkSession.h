@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A simulated connection, which shows trace keys and levels in use.
 #ifndef ZQFOUNDATION_VIEWER_NETWORKSESSION_H
 #define ZQFOUNDATION_VIEWER_NETWORKSESSION_H
 
@@ -8,8 +9,8 @@
 
 #include "Document.h"
 
-/// A pretended connection: a pair of sockets inside this process, whose far end sends everything back. What
-/// goes over it is text, so each piece goes as Base64.
+/// A simulated connection: a pair of sockets inside this process, whose far end sends everything back. It is
+/// for text, so each piece is sent as Base64.
 class NetworkSession {
 public:
     NetworkSession();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Moving the files of earlier releases.
 #include "OldData.h"
 
 #include <cstdio>
@@ -77,7 +78,7 @@ void migrateNotes() {
 } // namespace
 
 void migrateOldData() {
-    // While it lives, the library tells it of each folder in which a file has come or gone.
+    // While it lives, the library notifies it of each folder in which a file has come or gone.
     const Workspace workspace;
     migrateSettings();
     migrateDocuments();

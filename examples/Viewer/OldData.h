@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The files of earlier releases of Viewer, and their move to today's places.
 #ifndef ZQFOUNDATION_VIEWER_OLDDATA_H
 #define ZQFOUNDATION_VIEWER_OLDDATA_H
 
@@ -8,7 +9,7 @@
 ///     ~/.viewer               ~/Library/Application Support/Example/Viewer/Documents
 ///     ~/Viewer Notes/*.note   ~/Library/Application Support/Example/Viewer/Notes, subfolders kept
 ///
-/// Does nothing where there is nothing old. What cannot be moved stays where it is: the log and the terminal
+/// Does nothing when there is nothing old. What cannot be moved stays where it is: the log and the terminal
 /// say so, and the next start tries again.
 void migrateOldData();
 

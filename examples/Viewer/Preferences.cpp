@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading the preferences.
 #include "Preferences.h"
 
 #include <ZQFoundation/ZQFoundation.h>
@@ -26,13 +27,13 @@ std::size_t pageLength() {
 
 void preferencesChanged() {
     {
-        // The trace keys are read once, at the first question. Who reads them again does it inside the
-        // monitor, so that no other thread asks meanwhile.
+        // The trace keys are read once, at the first check. Whoever reads them again does so inside the
+        // monitor, so that no other thread checks them meanwhile.
         const ZQLog::Synchronized monitor;
         ZQLog::initializeTraceDefaultsDict();
     }
-    // "Any trace key": the line appears as soon as one of them, whichever, is on. Its argument is made before
-    // the call can find out, so where making it is work, ask first.
+    // "Any trace key": the line appears as soon as any one of them is on. Its argument is made before the
+    // call can check that, so where making it takes time, check first.
     if (ZQLog::aTraceDefaultValueHasBeenActivated()) {
         ZQLog::logFunctionName_logAlways_logForAnyTraceKeyUsingFormat(
             __func__, true, "keys that are on: %@",

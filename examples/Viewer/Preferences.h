@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
+// The preferences of Viewer, kept in the user defaults.
 #ifndef ZQFOUNDATION_VIEWER_PREFERENCES_H
 #define ZQFOUNDATION_VIEWER_PREFERENCES_H
 
 #include <cstddef>
 
-/// What holds while the user has set nothing else.
+/// Registers what applies while the user has set nothing else.
 void registerDefaults();
 
 /// Lines on a page, at least 1: the default `PageLength`, twice as many with `EnableLargePages`, whatever

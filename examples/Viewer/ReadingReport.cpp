@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing the report and the history.
 #include "ReadingReport.h"
 
 #include <cstdio>
@@ -20,7 +21,7 @@ NSDate modificationDate(const std::string& path) {
     return NSDate(attributes.objectForKey(NSFileModificationDate));
 }
 
-/// "file:/home/user/A%20letter.txt": blanks and whatever else a path may hold are escaped.
+/// "file:/home/user/A%20letter.txt": spaces and whatever else a path may contain are escaped.
 NSString addressOf(const std::string& path) {
     const NSURL url = NSURL::URLWithScheme_authority_path("file", nullptr, path);
     return url ? url.absoluteString() : NSString(path);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The report of what was shown, in the user's language.
 #ifndef ZQFOUNDATION_VIEWER_READINGREPORT_H
 #define ZQFOUNDATION_VIEWER_READINGREPORT_H
 
@@ -10,7 +11,7 @@
 /// Tells the user, in the user's language, what was shown in this run, and keeps a history of it.
 class ReadingReport {
 public:
-    /// A line about one document, and one in the history, which stands in the folder
+    /// A line about one document, and one in the history, which is in the folder
     /// ~/Library/Application Support/Example/Viewer where there is one.
     void add(const Document& document, const std::string& path, std::size_t pages);
 

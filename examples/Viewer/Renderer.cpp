@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Dividing a document into pages.
 #include "Renderer.h"
 
 #include <ZQFoundation/ZQFoundation.h>

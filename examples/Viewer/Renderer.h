@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The layout of documents on pages.
 #ifndef ZQFOUNDATION_VIEWER_RENDERER_H
 #define ZQFOUNDATION_VIEWER_RENDERER_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Escaping and counting characters.
 #include "Text.h"
 
 using namespace ZQFoundation;
@@ -26,8 +27,8 @@ bool isUnseen(char32_t character) {
     return controls.longCharacterIsMember(character) || lineEnds.longCharacterIsMember(character);
 }
 
-/// Whether the character is a part of the one before it. The blocks that are made for such marks, and the
-/// signs that choose a form or a shade; marks that stand among the letters of a script are not known here.
+/// Whether the character is a part of the one before it. Knows the blocks that are made for such marks, and
+/// the signs that choose a form or a shade, but no marks among the letters of a script.
 bool isPart(char32_t character) {
     static const NSRange blocks[] = {{0x0300, 0x70}, {0x1AB0, 0x50}, {0x1DC0, 0x40}, {0x200D, 1},
                                      {0x20D0, 0x30}, {0xFE00, 0x10}, {0xFE20, 0x10}, {0x1F3FB, 5}};
@@ -48,7 +49,7 @@ std::string shown(const NSString& text) {
         if (character == '\\') {
             line.appendString("\\\\");
         } else if ((character & ~0xFFU) ==
-                   0xDC00) { // how the text of a file name holds a byte that is no text
+                   0xDC00) { // how the text of a file name represents a byte that is no text
             line.appendFormat("\\x%02x", number & 0xFFU);
         } else if (isUnseen(character)) {
             line.appendFormat("\\u%04x", number);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
+// The trace keys of Viewer, each of which switches on a kind of log lines.
 #ifndef ZQFOUNDATION_VIEWER_TRACEKEYS_H
 #define ZQFOUNDATION_VIEWER_TRACEKEYS_H
 
-/// All trace keys of Viewer in one place, so that a misspelt one does not compile. A trace key is any user
+/// All trace keys of Viewer in one place, so that a misspelled one does not compile. A trace key is any user
 /// default whose name begins with "Trace": set it for one run on the command line (`Viewer -TraceNetwork
 /// YES`), or for all runs in ~/.config/ZQFoundation/com.example.Viewer.plist.
 namespace TraceKeys {
@@ -23,7 +24,7 @@ inline constexpr char files[] = "TraceFiles";
 inline constexpr char migration[] = "TraceMigration";
 
 /// How much detail: 1 every page, 2 every piece of a transfer too. Exactly 3 adds every line of a page, which
-/// is so much that a higher level leaves it out again.
+/// is so much that a higher level omits it again.
 inline constexpr char level[] = "TraceLevel";
 
 } // namespace TraceKeys

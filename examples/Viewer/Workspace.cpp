@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Registering the class that the library looks up.
 #include "Workspace.h"
 
 #include <utility>
@@ -24,7 +25,7 @@ private:
     std::set<std::string>& changedFolders_;
 };
 
-/// What the name leads to: it has the operation of the class and not those of its one object.
+/// What the name refers to: it has the operation of the class and not those of its one object.
 class WorkspaceClass : public NSObjectProtocol {
 public:
     explicit WorkspaceClass(NSObject sharedWorkspace) : sharedWorkspace_(std::move(sharedWorkspace)) {}

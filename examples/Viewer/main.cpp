@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Viewer, a host application in small. Read this file first, then Document.cpp.
+// Viewer, a small host application. Read this file first, then Document.cpp.
 //
-// At its start it leads its log into a file of this run under ~/Library/Logs/Example/Viewer (LogFile.cpp).
-// Every log call of Viewer stands under a trace key, so that file stays empty unless somebody asks. Try
+// At its start it redirects its log to a file of this run in ~/Library/Logs/Example/Viewer (LogFile.cpp).
+// Every log call of Viewer has a trace key, so that file stays empty unless somebody asks. Try
 //
 //     Viewer -TraceDocuments YES
 //     Viewer -TraceNetwork YES -TraceLevel 3 -LogFile NO

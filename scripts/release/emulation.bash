@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# To be sourced after common.bash: lets programs for 64-bit Arm, and those that they start, run as they stand.
+# To be sourced after common.bash: lets programs for 64-bit Arm, and those that they start, run as they are.
 # shellcheck shell=bash
 
 binary_formats=/proc/sys/fs/binfmt_misc
@@ -17,12 +17,12 @@ as_root() {
     fi
 }
 
-# Takes back what start_emulation did.
+# Undoes what start_emulation did.
 end_emulation() {
     if [[ -e $binary_formats/$arm64_format ]]; then
         as_root tee "$binary_formats/$arm64_format" >/dev/null <<<-1
     fi
-    # The last run takes away what the first one mounted, unless somebody else uses it meanwhile: two files are
+    # The last run unmounts what the first one mounted, unless somebody else uses it meanwhile: two files are
     # always there.
     if grep -q "^${arm64_format%-*} $binary_formats " /proc/mounts &&
         [[ $(find "$binary_formats" -mindepth 1 | wc -l) -eq 2 ]]; then
@@ -30,7 +30,8 @@ end_emulation() {
     fi
 }
 
-# Tells the kernel of the emulator until the script ends; where it may not be told, it must know one already.
+# Registers the emulator with the kernel until the script ends; where that is not allowed, one must be registered
+# already.
 start_emulation() {
     [[ $(uname -m) != aarch64 ]] || return 0
     trap end_emulation EXIT
@@ -45,13 +46,13 @@ start_emulation() {
             printf '\\xff%.0s' {1..8})\xfe\xff\xff\xff:$(command -v qemu-aarch64):OPF
 EOF
     } 2>/dev/null || true
-    runs_arm64 || die "programs for 64-bit Arm do not start here: the kernel has to be told of their emulator" \
+    runs_arm64 || die "programs for 64-bit Arm do not start here: the kernel needs to know their emulator" \
         "(binfmt_misc), which root may, and only outside a container. On Debian 12 the package" \
         "qemu-user-binfmt tells it, too."
 }
 
-# fetch_converters <folder>: the C library's converters between encodings (iconv) for 64-bit Arm into <folder>/gconv.
 # The cross compiler's C library comes without them; the same library's own package has them. It is only unpacked, and
+# the system's lists of packages do not change.
 # the system's lists of packages stay as they are.
 fetch_converters() {
     local folder=$1 work=$1/fetched options

@@ -24,7 +24,7 @@ const std::string alphabet(models::base64Alphabet);
 constexpr std::uint64_t untouched = 0x5A5A5A5A5A5A5A5A;
 constexpr std::uint64_t largest = UINT64_MAX;
 
-/// What a call of the decoder gives: the length that it reports, and that many bytes unless it is the
+/// What a call of the decoder returns: the length that it reports, and that many bytes unless it is the
 /// largest.
 struct Decoded {
     std::uint64_t length = untouched;
@@ -47,7 +47,7 @@ Decoded decoded(const char* text, std::int64_t length) {
     return result;
 }
 
-/// From a copy that ends with its last byte, so that a look beyond it is found.
+/// From a copy that ends with its last byte, so that an access beyond it is found.
 Decoded decoded(const std::string& text) {
     const kit::Exact<char> exact{std::string_view(text)};
     return decoded(exact.data(), static_cast<std::int64_t>(exact.size()));

@@ -16,7 +16,7 @@ using kit::utf8Of;
 
 namespace {
 
-/// A part as a caller gives it: a null pointer is nil.
+/// A part as a caller passes it: a null pointer is nil.
 using Part = const char*;
 
 std::string textOf(const NSURL& url) { return utf8Of(url.absoluteString()); }

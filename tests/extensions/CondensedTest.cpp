@@ -110,7 +110,7 @@ TEST(Condensed, ofAnyOtherValueIsItsDescription) {
     EXPECT_FALSE(NSDictionary().condensedDescription());
 }
 
-// Only arrays and dictionaries have a rendering of their own; a set keeps its lines, wherever it stands.
+// Only arrays and dictionaries have a rendering of their own; a set keeps its lines, wherever it is.
 TEST(Condensed, ofASetKeepsTheIndentedLines) {
     EXPECT_EQ(condensed(NSSet{1}), "{(\n    1\n)}");
     EXPECT_EQ(condensed(NSArray{NSSet{1}, 2}), "( {(\n    1\n)}, 2 )");

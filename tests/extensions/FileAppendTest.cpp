@@ -55,7 +55,7 @@ int failuresOf(int count, const Body& body) {
     return failures;
 }
 
-/// A text that tells its writer, its number and its length; a few are longer than any pipe or buffer.
+/// A text with its writer, its number and its length; a few are longer than any pipe or buffer.
 std::string numberedText(int writer, int number) {
     const std::size_t lengths[] = {0, 1, 37, 511, 4080, 4096, 5000};
     std::size_t length = lengths[static_cast<std::size_t>(writer + number) % 7];

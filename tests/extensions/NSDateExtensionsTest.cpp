@@ -68,7 +68,7 @@ TEST(NSDateExtensions, followTheClocksWhenADateIsBuilt) {
     EXPECT_EQ(shown(dateOf(2018, 11, 4)), "2018-11-04 03:00:00 +0000") << "no midnight";
 }
 
-/// What plain counting says of fields in UTC: the date is there exactly when the calendar reaches it, and
+/// What plain counting says about fields in UTC: the date is there exactly when the calendar reaches it, and
 /// right to the last bit as far as doubles count seconds.
 void expectAsCounted(const models::Fields& fields) {
     const models::Wide wall = models::wallSeconds(fields);

@@ -36,7 +36,7 @@ struct Row {
 
 const Row rows[] = {
     {"key: value", 0, ":", true, 3, true, 4},
-    {"key: value", 3, ":", true, 3, true, 4}, // stands there already
+    {"key: value", 3, ":", true, 3, true, 4}, // already at the target
     {"  : x", 0, ":", true, 0, true, 3},      // likewise, before what is skipped
     {"  a: x", 0, ":", true, 3, true, 4},
     {"key: value", 0, "#", false, 0, false, 0},
@@ -56,7 +56,7 @@ const Row rows[] = {
     {"a b", 0, " ", true, 1, false, 0}, // up to the blank, which taking the target then skips
     {"a b", 0, " b", true, 1, false, 0},
     {" ab", 0, " ", false, 0, false, 0},
-    {"ab  ", 0, "  ", false, 0, false, 0}, // nothing but blanks from the target on is the end
+    {"ab  ", 0, "  ", false, 0, false, 0}, // only spaces from the target on count as the end
     {"abc\n \t", 0, "\n", false, 0, false, 0},
     {"abc\nd", 0, "\n", true, 3, false, 0},
     {"a: b", 0, ": ", true, 1, true, 3},
@@ -160,7 +160,7 @@ TEST(NSScannerExtensions, overALongText) {
     EXPECT_EQ(count, 200000U);
 }
 
-/// The scanner's own two operations and the two moves over blanks to be skipped, step by step.
+/// The scanner's own two operations and the two moves past skipped characters, step by step.
 struct Model {
     std::u16string_view text;
     std::size_t location;

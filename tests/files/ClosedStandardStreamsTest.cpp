@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A host may have closed its standard streams: no file that the library writes to may get their numbers, or
-// log lines would stand in it.
+// log lines would end up in it.
 #include <atomic>
 #include <string>
 #include <thread>

@@ -70,14 +70,14 @@ private:
     Variable place_{"TMPDIR", ::access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR")};
 };
 
-/// A test about trees, which stand below a folder in memory.
+/// A test about trees below a folder in memory.
 class TreeTest : public ::testing::Test {
 protected:
     std::string in(const std::string& name) const { return folder / name; }
     void link(const std::string& target, const std::string& name) const {
         ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
     }
-    /// 200 folders with so many empty files in each, named by their numbers.
+    /// 200 folders with `filesInEach` empty files in each, named by their numbers.
     void makeWideTree(const std::string& name, int filesInEach) const {
         for (int number = 0; number < 200; ++number) {
             const std::string path = folder.makeFolder(name + "/" + std::to_string(number));

@@ -188,7 +188,7 @@ TEST(CopyTables, copyAWholeTree) {
     ASSERT_TRUE(copied(folder / "A", folder / "B", &reason)) << scene::shownText(reason);
     Digest before = folder.digest("A", Detail::times);
     Digest after = folder.digest("B", Detail::times);
-    // A pipe is made anew, and when is not said.
+    // A pipe is recreated; its date is unspecified.
     EXPECT_EQ(before.at("pipe").substr(0, 9), after.at("pipe").substr(0, 9));
     before.erase("pipe");
     after.erase("pipe");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Enumerating the items below a folder: their order, skipping, links, unreadable folders and descriptors.
 #include <algorithm>
 #include <atomic>
 #include <string>
@@ -19,7 +20,7 @@ NSDirectoryEnumerator itemsOf(const std::string& path) {
     return NSFileManager::defaultManager().enumeratorAtPath(scene::fromBytes(path));
 }
 
-/// In the order in which they are told.
+/// In the order in which they are enumerated.
 Names told(const std::string& path) {
     Names names;
     NSDirectoryEnumerator items = itemsOf(path);
@@ -80,7 +81,7 @@ TEST_F(DirectoryEnumerator, skipsOnlyTheFolderThatWasToldLast) {
     folder.write("t/b/y/f", "");
     folder.write("t/c", "");
     NSDirectoryEnumerator items = itemsOf(in("t"));
-    items.skipDescendents(); // nothing was told yet
+    items.skipDescendents(); // nothing has been enumerated yet
     Names names;
     while (const NSString name = items.nextObject()) {
         names.push_back(scene::bytesOf(name));

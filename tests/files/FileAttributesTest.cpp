@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The attributes of items: numbers, accounts, dates, and the reasons of failures.
 #include <string>
 
 #include <grp.h>

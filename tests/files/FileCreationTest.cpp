@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Creating files with contents: modes, existing files, and what a failure leaves.
 #include <atomic>
 #include <csignal>
 #include <initializer_list>

@@ -46,7 +46,7 @@ struct stat informationOf(const std::string& path) {
     return information;
 }
 
-/// The names in a folder in the order in which the system gives them.
+/// The names in a folder in the order in which the system returns them.
 Words namesIn(const std::string& path) {
     Words names;
     DIR* const folder = ::opendir(path.c_str());

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Existence, permissions and information of items, for any path.
 #include <string>
 
 #include <gtest/gtest.h>

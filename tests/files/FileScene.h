@@ -26,7 +26,7 @@ using ZQFoundation::kit::openDescriptors;
 using ZQFoundation::kit::removeChain;
 using ZQFoundation::kit::Umask;
 
-/// The text of any value as UTF-8, told apart from the empty text when it is nil.
+/// The text of any value as UTF-8; nil is shown differently from the empty text.
 inline std::string shownText(const ZQFoundation::NSString& text) { return ZQFoundation::kit::utf8Of(text); }
 
 } // namespace scene

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Creating folders, with the missing ones on the way or without.
 #include <string>
 
 #include <gtest/gtest.h>

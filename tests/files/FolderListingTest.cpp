@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The names in a folder, and nil for what cannot be listed.
 #include <algorithm>
 #include <string>
 #include <vector>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Opening files to append to, and which links and files of others are refused.
 #include "foundation/files/GuardedOpening.h"
 
 #include <atomic>

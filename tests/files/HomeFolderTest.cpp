@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The home folder of the process and of accounts.
 #include "foundation/files/HomeFolder.h"
 
 #include <string>
@@ -11,7 +12,7 @@ using namespace ZQFoundation::detail;
 
 namespace {
 
-/// What the system says, asked in its simplest way.
+/// What the system says when it is asked in the simplest way.
 std::string folderOfUser(uid_t user) {
     const passwd* const record = ::getpwuid(user);
     return record != nullptr ? record->pw_dir : "";

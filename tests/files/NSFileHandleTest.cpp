@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading, writing and seeking with file handles, and who closes their descriptors.
 #include "foundation/files/NSFileHandle.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Expanding a tilde, standardizing paths and replacing their links.
 #include "foundation/files/PathResolution.h"
 
 #include <initializer_list>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The last look at what is to be removed.
+// The last check of what is to be removed.
 #include "foundation/files/RemovalCheck.h"
 
 #include <cstdlib>

@@ -234,7 +234,7 @@ TEST_F(TreeCopy, aLinkThatIsSwappedInIsNeverFollowed) {
     folder.write("outside/secret", "secret");
     folder.write("t/y/f", "x");
     std::atomic<bool> done = false;
-    // What stands at t/x is now a folder, now a file, now a link to the folder outside.
+    // t/x is now a folder, now a file, now a link to the folder outside.
     std::thread attacker([&] {
         while (!done) {
             ::mkdir(in("t/x").c_str(), 0755);

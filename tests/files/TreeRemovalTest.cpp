@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Removing files and whole trees, also while others change them.
 #include <atomic>
 #include <string>
 #include <thread>
@@ -205,7 +206,7 @@ TEST_F(TreeRemoval, aLinkThatIsSwappedInIsNeverFollowed) {
 }
 
 TEST_F(TreeRemoval, aFolderMovedAwayTakesTheRemovalNowhere) {
-    // The tree is moved below another folder while it is emptied: what stands around its new place stays.
+    // The tree is moved below another folder while it is emptied: whatever is around its new place stays.
     folder.makeFolder("elsewhere");
     folder.write("elsewhere/kept", "");
     for (int round = 0; round < 30; ++round) {

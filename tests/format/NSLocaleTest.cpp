@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The parts of a locale, and numbers that are formatted with it.
 #include "foundation/format/NSLocale.h"
 
 #include <cmath>

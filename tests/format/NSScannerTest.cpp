@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Scanning texts and numbers, step by step.
 #include "foundation/format/NSScanner.h"
 
 #include <algorithm>
@@ -456,7 +457,7 @@ TEST(NSScanner, readsALongTextPieceByPiece) {
     }
 }
 
-/// What a scan gives: its answer, the output and the location.
+/// What a scan results in: its return value, the output and the location.
 struct Outcome {
     bool isFound;
     std::u16string output;

@@ -37,7 +37,7 @@ public:
     NSString label = "north";
 };
 
-/// Memory of the size of a T in which no T stands.
+/// Memory of the size of a T that contains no T.
 template <class T>
 union Hollow {
     Hollow() noexcept { std::memset(static_cast<void*>(this), 0xA5, sizeof *this); }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The section of the start-up report about active switches.
 #include "info/DefaultsReport.h"
 
 #include "info/ZQLogInfo.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The texts about the application, the system and the hardware.
 #include "info/FactTexts.h"
 
 #include <gtest/gtest.h>

@@ -178,7 +178,7 @@ inline constexpr Distribution distributions[] = {
     {"no file", nullptr, "Linux", "*", "*", 0, 0},
 };
 
-/// Whether the numbers of the row are to be had from its file, not from the kernel.
+/// Whether the numbers of the row come from its file, not from the kernel.
 inline bool hasNumbers(const Distribution& row) { return std::string(row.version) != "*"; }
 
 } // namespace factstest

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The facts about the hardware and the kernel of this machine.
 #include <cstdlib>
 #include <fstream>
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The names and folders of the application.
 #include "foundation/process/NSProcessInfo.h"
 
 #include "log/ZQLog.h"

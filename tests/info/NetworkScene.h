@@ -180,8 +180,8 @@ inline bool enterNamespace() {
     return ::unshare(CLONE_NEWNET) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0;
 }
 
-/// What `body`, which gives a text, gives in a child process with a network of its own in which it may make
-/// pairs of interfaces; nothing where the system does not let it.
+/// What `body`, which returns a text, returns in a child process with a network of its own in which it may
+/// make pairs of interfaces; nothing where the system does not allow it.
 template <class Body>
 std::optional<std::string> inNetworkOfItsOwn(const Body& body) {
     constexpr char refused = 'r';

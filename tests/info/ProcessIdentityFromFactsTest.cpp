@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The names and folders of the application, from given facts.
 #include <climits>
 
 #include <pwd.h>
@@ -50,7 +51,7 @@ struct Row {
     const char* company;
     const char* name;
     const char* subpath;
-    const char* belowLogs; ///< of the log folder, behind the home folder
+    const char* belowLogs; ///< of the log folder, after the home folder
 };
 
 } // namespace
@@ -89,7 +90,7 @@ TEST(ProcessIdentityFromFacts, sanitisesNeitherSlashesNorDots) {
         {company("Acme") + shortName("V/"), "Acme", "V/", "Acme/V", "/Library/Logs/Acme/V"},
         {company("Acme/") + shortName("/V"), "Acme/", "/V", "Acme/V", "/Library/Logs/Acme/V"},
         {shortName("/V"), "(nil)", "/V", "/V", "/Library/Logs/V"},
-        // Alone the name is the subpath as it stands.
+        // Alone, the name is the subpath as it is.
         {shortName("a//b/"), "(nil)", "a//b/", "a//b/", "/Library/Logs/a/b"},
         {company("~") + shortName("V"), "~", "V", "~/V", "/Library/Logs/~/V"},
     };
@@ -171,7 +172,7 @@ TEST(ProcessIdentityFromFacts, resolvesLinksOfTheHomeFolder) {
 }
 
 TEST(ProcessIdentityFromFacts, keepsLinksBelowTheHomeFolder) {
-    // The links of the home folder's own path are resolved, those behind it are not.
+    // The links of the home folder's own path are resolved, those after it are not.
     const Identity identity(shortName("V"));
     identity.folder.makeFolder("elsewhere/Logs/V");
     ASSERT_EQ(::symlink("../elsewhere", (identity.folder / "home/Library").c_str()), 0);

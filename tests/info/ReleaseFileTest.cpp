@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading release descriptions, also hostile ones.
 #include "info/ReleaseFile.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The look-up of a route with a scripted kernel, and the data and addresses from its messages.
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -34,7 +35,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t headSize = 92;
 constexpr std::size_t roomSize = 604;
-constexpr std::size_t patience = 100; ///< so often an error comes, lest one that is retried hangs the test
+constexpr std::size_t patience = 100; ///< errors at most, so that a retried one cannot hang the test
 constexpr int destinationBit = 0x1;
 constexpr int gatewayBit = 0x2;
 constexpr int netmaskBit = 0x4;
@@ -66,7 +67,7 @@ std::string hex(const Bytes& bytes) {
     return text;
 }
 
-/// A socket address of so many bytes, of which the last are the padding; the first is its length.
+/// A socket address of `length` bytes, of which the last are the padding; the first is its length.
 Bytes socketAddress(std::uint8_t length, std::uint8_t family, const std::array<std::uint8_t, 4>& address,
                     std::size_t room) {
     Bytes bytes(room, 0xEE);
@@ -88,7 +89,7 @@ std::uint32_t networkOrder(const std::array<std::uint8_t, 4>& address) {
     return value;
 }
 
-/// A message as the kernel sends it. The head's fields that nobody looks at are not zero.
+/// A message as the kernel sends it. The head's fields that nobody reads are not zero.
 struct Message {
     int mask = interfaceAddressBit;
     std::vector<Bytes> addresses = {ipAddress({192, 168, 1, 20})};
@@ -114,7 +115,7 @@ struct Message {
     }
 };
 
-/// A kernel that writes down what it is asked and says what it was told to say.
+/// A kernel that records what it is asked and replies with what the script says.
 class Script final : public detail::system::RouteTransport {
 public:
     explicit Script(const std::vector<Message>& messages = {}) : messages_(messages.begin(), messages.end()) {
@@ -527,7 +528,7 @@ TEST(RouteLookupFromFacts, isSilentAtTheEndOfInputBeforeAnyMessage) {
 }
 
 TEST(RouteLookupFromFacts, takesWhatTheBufferHoldsAtTheEndOfInput) {
-    // The last message was not for this call, and is looked into all the same.
+    // The last message was not for this call, and is read all the same.
     Script script({Message{.addresses = {ipAddress(other)}, .type = 1}});
     EXPECT_EQ(saidWhile(networkOrder(other)), "");
     Script without({Message{.mask = destinationBit, .type = 1}});
@@ -535,7 +536,7 @@ TEST(RouteLookupFromFacts, takesWhatTheBufferHoldsAtTheEndOfInput) {
 }
 
 TEST(RouteLookupFromFacts, readsAShortMessageOverTheRequest) {
-    // Only the head's first 24 bytes arrive; behind them the request still stands.
+    // Only the head's first 24 bytes arrive; after them the request is still there.
     Script script({Message{.mask = interfaceAddressBit, .cutTo = 24}});
     EXPECT_EQ(saidWhile(networkOrder({203, 0, 113, 77}), "203.0.113.77"), "");
     Script whole({Message{.mask = destinationBit | interfaceAddressBit, .cutTo = 24}});
@@ -579,7 +580,7 @@ TEST(RouteLookupFromFacts, findsTheInterfaceAddressAmongAllEight) {
     addresses[5] = ipAddress({172, 16, 5, 9});
     Script script({Message{.mask = 0xFF, .addresses = addresses}});
     EXPECT_EQ(saidWhile(networkOrder({172, 16, 5, 9})), "");
-    // Bits beyond the eighth name nothing.
+    // Bits beyond the eighth have no meaning.
     Script beyond({Message{.mask = 0x7FFFFFFF, .addresses = addresses}});
     EXPECT_EQ(saidWhile(networkOrder({172, 16, 5, 9})), "");
     Script negative({Message{.mask = -1, .addresses = addresses}});
@@ -594,7 +595,7 @@ TEST(RouteLookupFromFacts, followsTheReplysMaskAndNotTheRequests) {
 }
 
 TEST(RouteLookupFromFacts, trustsLengthsBeyondTheMessage) {
-    // The message ends behind the gateway, whose length leads 240 bytes further, into the rest of a longer
+    // The message ends after the gateway, whose length reaches 240 bytes further, into the rest of a longer
     // message that was dropped before.
     Bytes filler(400, 0);
     const Bytes wanted = ipAddress({172, 16, 5, 9});

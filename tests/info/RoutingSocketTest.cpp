@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The requests of a routing socket and the messages that it accepts as their answers.
 #include "info/RoutingSocket.h"
 
 #include <arpa/inet.h>
@@ -57,7 +58,7 @@ Bytes operator+(Bytes left, const Bytes& right) {
     return left;
 }
 
-/// What one read is to give. Its header answers the last request except where a field here says otherwise.
+/// What one read is to return. Its header answers the last request except where a field here says otherwise.
 struct Reading {
     Bytes addresses;
     int mask = 0x21;
@@ -79,7 +80,7 @@ Reading endOfInput() {
     return reading;
 }
 
-/// Stands in for the kernel: keeps what is written and gives what the test says.
+/// Replaces the kernel: keeps what is written and returns what the test says.
 class Script final : public detail::system::RouteTransport {
 public:
     explicit Script(std::vector<Reading> readings = {}) : readings_(std::move(readings)) {
@@ -141,7 +142,7 @@ private:
     std::vector<Reading> readings_;
 };
 
-/// What a lookup gives and what it writes to standard error.
+/// What a look-up returns and what it writes to standard error.
 struct Outcome {
     std::uint32_t address;
     std::string written;
@@ -320,7 +321,7 @@ TEST(RoutingSocket, shortMessageIsReadWithWhatStoodInTheBufferBehindIt) {
     const Script script({foreign, piece});
     EXPECT_EQ(lookUp("10.0.0.1").address, address("192.0.2.11"));
 
-    // The request itself stands behind the first one: it bears no process.
+    // The request itself is after the first one: it has no process.
     const Script alone({piece, answer("192.0.2.1")});
     EXPECT_EQ(lookUp("10.0.0.1").address, address("192.0.2.1"));
     EXPECT_EQ(alone.reads, 2u);
@@ -371,7 +372,7 @@ TEST(RoutingSocket, addressThatReallyIs0000LooksLikeAFailureWithoutALine) {
 }
 
 TEST(RoutingSocket, lengthsThatLeadOutOfTheBufferEndTheWalk) {
-    // 512 bytes are there for addresses; the interface's begins behind `before` of them.
+    // 512 bytes are there for addresses; the interface's begins after `before` of them.
     struct Row {
         std::size_t before;
         bool found;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The version of the system, from given files.
 #include <array>
 #include <thread>
 
@@ -303,7 +304,7 @@ TEST(RuntimeEnvironmentFromFacts, givesTextsAsTheyStandAndFallbacksForMissingOne
         {entry("ProductUserVisibleVersion", " 14.2 ") + entry("ProductName", "S\xC3\xA4mpler") +
              entry("ProductBuildVersion", "%@ 23C64"),
          " 14.2 ", "S\xC3\xA4mpler", "%@ 23C64"},
-        // The version proper does not stand in for the one that is to be shown.
+        // The actual version does not replace the one that is to be shown.
         {entry("ProductVersion", "14.2"), "unknown version", "unknown OS", "unknown build"},
         {entry("ProductUserVisibleVersion", "") + entry("ProductName", "") + entry("ProductBuildVersion", ""),
          "unknown version", "unknown OS", "unknown build"},

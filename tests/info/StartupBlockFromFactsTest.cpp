@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The whole start-up report, from given facts.
 #include <ctime>
 
 #include "foundation/process/NSUserDefaults.h"
@@ -381,7 +382,7 @@ TEST(DefaultsReportFromFacts, letsTheFirstPrefixDecide) {
 }
 
 TEST(DefaultsReportFromFacts, sortsEverySectionByLowerCaseAndCodePoint) {
-    // "_" and "[" stand between the capital and the small letters; digits compare one by one.
+    // "_" and "[" come between the capital and the small letters; digits compare one by one.
     const std::vector<std::string> endings = {"B", "a",        "_x", "C",   "2",         "10", "b1",
                                               "[", "\xC3\xA4", "z",  "sst", "\xC3\x9Fs", "ssr"};
     const std::vector<std::string> sorted = {"10", "2",   "[",         "_x",  "a", "B",       "b1",

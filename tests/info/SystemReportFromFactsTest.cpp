@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The lines of the report about the system, and its warnings of missing facts.
 #include "tests/info/FactsTesting.h"
 
 using namespace ZQFoundation;
@@ -168,7 +169,7 @@ TEST(SystemReportFromFacts, namesReleasesByTheOrderOfVersions) {
     };
     for (const Row& row :
          {Row{"10.7.5", "Mac OS X"}, Row{"10.7.99", "Mac OS X"}, Row{"9.2.2", "Mac OS X"},
-          Row{"10", "Mac OS X"}, Row{"10.8b1", "Mac OS X"}, // a letter behind orders
+          Row{"10", "Mac OS X"}, Row{"10.8b1", "Mac OS X"}, // a letter at the end counts
                                                             // before the plain release
           Row{"10.8", "OS X"}, Row{"10.8.0", "OS X"}, Row{"10.08", "OS X"}, Row{"10.11", "OS X"},
           Row{"10.11.6", "OS X"}, Row{"10.12b", "OS X"}, Row{"10.9", "OS X"}, Row{"10.12", "macOS"},
@@ -220,7 +221,7 @@ TEST(SystemReportFromFacts, raisesForAFileWithoutADictionary) {
 }
 
 TEST(SystemReportFromFacts, readsByByteWhatIsNotUtf8) {
-    // ASCII is the second try, and its reading takes bytes beyond 7 bits for the units of their number.
+    // ASCII is the second attempt, and its reader turns bytes beyond 7 bits into the units of their number.
     const Facts facts(factstest::withVersionFile(plistOf(entry("ProductName", "S\xE4mpler") +
                                                          entry("ProductVersion", "14.2") +
                                                          entry("ProductBuildVersion", "23C64"))));

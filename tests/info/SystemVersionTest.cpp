@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The version of the system, from the files that describe it.
 #include "info/SystemVersion.h"
 
 #include "tests/info/InfoScene.h"

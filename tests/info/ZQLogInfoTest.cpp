@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The lines about the application, the system and the hardware in the log.
 #include "info/ZQLogInfo.h"
 
 #include "tests/info/InfoScene.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The runtime environment of this machine, read once, and its texts.
 #include "info/ZQMacOSRuntimeEnvironment.h"
 
 #include "tests/info/InfoScene.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stands before the allocator of the test program and counts.
+// Replaces the allocator of the test program with one that counts.
 #include "tests/kit/AllocationCount.h"
 
 #include <cstdint>
@@ -20,7 +20,7 @@
 
 namespace {
 
-// Not `thread_local` with an initialiser that runs: this is used before anything else in the program.
+// Not `thread_local` with an initializer that runs: this is used before anything else in the program.
 constinit thread_local std::size_t allocations = 0;
 constinit thread_local std::size_t greatestCount = SIZE_MAX;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How many blocks of memory a piece of code allocates.
+// Counts the blocks of memory that a piece of code allocates.
 #ifndef ZQFOUNDATION_TESTS_KIT_ALLOCATIONCOUNT_H
 #define ZQFOUNDATION_TESTS_KIT_ALLOCATIONCOUNT_H
 

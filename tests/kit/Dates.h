@@ -48,7 +48,7 @@ inline NSDate later(const NSDate& date, double seconds) {
     return NSDate::dateWithTimeIntervalSinceReferenceDate(date.timeIntervalSinceReferenceDate() + seconds);
 }
 
-/// "2024-03-10 07:30:00" in UTC by the C library, with a fraction behind it when there is one; "(nil)".
+/// "2024-03-10 07:30:00" in UTC by the C library, followed by a fraction when there is one; "(nil)" for nil.
 inline std::string shown(const NSDate& date) {
     if (!date) {
         return "(nil)";

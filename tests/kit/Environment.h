@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Environment variables, overrides of the system's facts and locales that are put back after a scope.
+// Environment variables, overrides of the system's facts and locales that are restored after a scope.
 #ifndef ZQFOUNDATION_TESTS_KIT_ENVIRONMENT_H
 #define ZQFOUNDATION_TESTS_KIT_ENVIRONMENT_H
 
@@ -68,7 +68,7 @@ private:
     Variable variable_;
 };
 
-/// A pointer of the overrides pointed to a value of its own for a scope.
+/// Points a pointer of the overrides to a value of its own for a scope.
 template <class Value>
 class Replaced {
 public:
@@ -88,7 +88,7 @@ private:
 using Arguments = Replaced<std::vector<std::string>>;
 using Path = Replaced<std::string>;
 
-/// No language settings but those that a test makes.
+/// Only the language settings that a test makes.
 struct NoLanguages {
     Variable language{"LANGUAGE", nullptr};
     Variable all{"LC_ALL", nullptr};
@@ -98,7 +98,7 @@ struct NoLanguages {
 };
 
 /// Sets the C library to a locale with a decimal comma, made by the build, for a scope. A test asserts
-/// isSet(), for with a decimal point it would show nothing.
+/// isSet(), since it would show nothing with a decimal point.
 class DecimalCommaLocale {
 public:
     DecimalCommaLocale()

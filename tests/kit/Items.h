@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What stands at a path, chains of folders, and the umask, the current folder and the number of descriptors
+// The item at a path, chains of folders, and the umask, the current folder and the number of descriptors
 // for a scope or a child.
 #ifndef ZQFOUNDATION_TESTS_KIT_ITEMS_H
 #define ZQFOUNDATION_TESTS_KIT_ITEMS_H
@@ -44,13 +44,13 @@ inline std::string realPath(const std::string& path) {
     return buffer;
 }
 
-/// Whether a name stands there, a dangling link too.
+/// Whether there is an item of this name; a dangling link counts.
 inline bool stands(const std::string& path) {
     struct stat information;
     return ::lstat(path.c_str(), &information) == 0;
 }
 
-/// Whether an item of this type (`S_IFDIR`, ...) stands there; a link is none but a link.
+/// Whether there is an item of this type (`S_IFDIR`, ...); links are not followed.
 inline bool isOfType(const std::string& path, mode_t type) {
     struct stat information;
     return ::lstat(path.c_str(), &information) == 0 && (information.st_mode & S_IFMT) == type;
@@ -69,7 +69,7 @@ inline mode_t modeOf(const std::string& path) {
 
 inline bool isRoot() { return ::geteuid() == 0; }
 
-/// Folders called `name`, one in the other, below `folder`; the path of the last one.
+/// Nested folders called `name` below `folder`; returns the path of the last one.
 inline std::string makeChain(const std::string& folder, const std::string& name, int depth) {
     std::string path = folder;
     int at = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -114,7 +114,7 @@ inline int openDescriptors() {
     return count;
 }
 
-/// What the body answers in a child that may open so many files more.
+/// What the body returns in a child that may open only this many more files.
 template <class Body>
 bool isTrueWithDescriptors(rlim_t count, const Body& body) {
     return inChild([&] {
@@ -128,7 +128,7 @@ bool isTrueWithDescriptors(rlim_t count, const Body& body) {
            }) == 0;
 }
 
-/// What the body answers in a forked child whose current folder is this one.
+/// What the body returns in a forked child whose current folder is this one.
 template <class Body>
 bool insideFolder(const std::string& folder, const Body& body) {
     return inChild([&] { return ::chdir(folder.c_str()) == 0 && body() ? 0 : 1; }) == 0;

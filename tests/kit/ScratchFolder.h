@@ -18,8 +18,8 @@
 
 namespace ZQFoundation::kit {
 
-/// Removes the item at the path, which is relative to an open folder. Follows no link, even one that is put
-/// there meanwhile.
+/// Removes the item at the path, which is relative to an open folder. Follows no link, not even one that is
+/// put there meanwhile.
 inline void removeTree(const std::string& path, int above = AT_FDCWD) {
     const int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
     int folder = ::openat(above, path.c_str(), flags);

@@ -30,7 +30,7 @@ std::string raised(const Action& action) {
     return "nothing";
 }
 
-/// A host's object that offers the forms it was made with and counts, if asked to, when it goes.
+/// A host's object that offers the forms it was made with and, if asked to, counts its destruction.
 class Offering : public NSObjectProtocol {
 public:
     std::optional<NSString> offeredString;

@@ -35,7 +35,7 @@ struct ZoneData {
     std::string names; ///< NULs included
     std::string footer;
     unsigned leapSeconds = 0;
-    unsigned flags = 0; ///< how many of each kind of flags
+    unsigned flags = 0; ///< number of each kind of flags
 
     std::string header(char version, bool empty) const;
     std::string block(int timeSize) const;
@@ -100,7 +100,7 @@ inline bool hasZoneFile(const char* name) {
     return access(path.c_str(), R_OK) == 0;
 }
 
-/// Zones whose clocks have done everything that clocks do.
+/// Zones whose clocks have changed in every way that clocks change.
 inline constexpr const char* remarkableZones[] = {"Europe/Berlin",
                                                   "Europe/Dublin",
                                                   "Europe/London",

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// How a log line describes the object or class that logs.
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"
 
@@ -57,7 +58,7 @@ private:
     NSString name_;
 };
 
-/// The object that a handle holds stands behind another base here.
+/// The object that a handle holds follows another base here.
 class Window : public Widget, public NSObjectProtocol {
 public:
     NSString className() const override { return "Window"; }

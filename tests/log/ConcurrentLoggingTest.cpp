@@ -12,7 +12,7 @@
 
 #if defined(ZQ_TEST_ADDRESS_SANITIZER) || defined(ZQ_TEST_THREAD_SANITIZER)
 // Standard error is a part of these tests, so reports go elsewhere. A signal stack of the sanitizer's own
-// would be taken down on the stack of a cancelled thread, which it believes to be out of bounds.
+// would be removed on the stack of a canceled thread, which it takes to be out of bounds.
 extern "C" const char* __asan_default_options() { return "log_path=stdout:use_sigaltstack=0"; }
 extern "C" const char* __tsan_default_options() { return "log_path=stdout"; }
 #endif
@@ -74,7 +74,7 @@ private:
     scene::Arguments arguments_{detail::overrides::arguments, {"/bin/Writer"}};
 };
 
-/// Threads that re-read the trace keys and ask about them until they are told to stop.
+/// Threads that re-read the trace keys and ask about them until they are asked to stop.
 class Unrest {
 public:
     explicit Unrest(const ChangingSettings& settings) {
@@ -166,7 +166,7 @@ void writeFromAllThreads(int lines) {
     EXPECT_GT(unrest.questions(), 0);
 }
 
-/// Writes into one end while another thread checks what comes out of the other.
+/// Writes into one end while another thread checks what arrives at the other.
 std::string verdictOfWriting(int writeEnd, int readEnd, int lines) {
     LineChecker checker(labels());
     std::thread reader([&checker, readEnd] { checker.takeAllOf(readEnd); });

@@ -20,7 +20,7 @@ using namespace ZQFoundation;
 
 namespace {
 
-/// Descriptor 2 led into a file of the test's own; brought back at the end, whatever was done with it.
+/// Descriptor 2 redirected to a file of the test's own; restored at the end, whatever was done with it.
 class StandardErrorScene {
 public:
     explicit StandardErrorScene(const std::string& path)
@@ -63,7 +63,7 @@ std::string lineText(int thread, int number) {
 
 constexpr int loggingThreads = 8;
 
-/// Threads that log until they are told to stop, and how many lines each has written.
+/// Threads that log until they are asked to stop, and how many lines each has written.
 class LoggingThreads {
 public:
     LoggingThreads() {

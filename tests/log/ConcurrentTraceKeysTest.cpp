@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every question is answered from one reading, whole, beside as many re-readings as there may ever be.
+// Every check of a trace key uses one whole reading, during as many re-readings as there may ever be.
 #include <atomic>
 
 #include "foundation/process/NSUserDefaults.h"

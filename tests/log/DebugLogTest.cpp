@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// That the debug log is silent and looks at nothing it is given.
+// The debug log is silent and reads none of its arguments.
 #include <cerrno>
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ public:
     mutable int count = 0;
 };
 
-/// What a C caller would call: no template can stand in between.
+/// What a C caller would call: no template can be in between.
 void (*const exported)(const char*, ...) = NSDebugLog;
 
 } // namespace

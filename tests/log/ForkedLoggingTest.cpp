@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A forked child logs at once, whatever the threads that it lost were doing.
+// A forked child can log at once, whatever the threads that it lost were doing.
 #include <atomic>
 #include <deque>
 #include <thread>
@@ -106,7 +106,7 @@ void logAsChild(int number) {
     }
 }
 
-/// Every child's line stands in the output once, whole, behind the child's own number.
+/// Every child's line is in the output once, whole, after the child's own number.
 void expectLinesOf(const std::vector<pid_t>& children, const std::string& bytes) {
     std::map<std::string, int> found;
     std::string_view rest = bytes;

@@ -94,7 +94,7 @@ std::string permissionMask() {
     return std::to_string(mask);
 }
 
-/// Everything by name, so that a difference can be told.
+/// Everything by name, so that a difference can be reported.
 std::map<std::string, std::string> hostState() {
     std::map<std::string, std::string> state;
     sigset_t signals;
@@ -231,7 +231,7 @@ const Call calls[] = {
      }},
 };
 
-/// Every call, each with a look at `errno` and all together at the rest.
+/// Every call; checks `errno` after each, and the rest of the state after all of them.
 void expectAllStays(const Findings& findings) {
     const auto before = hostState();
     for (int round = 0; round < 2; ++round) { // the first calls make what the later ones use
@@ -321,7 +321,7 @@ INSTANTIATE_TEST_SUITE_P(StandardError, HostState,
                          });
 
 #ifdef ZQ_TEST_COUNTS_CALLS
-// The sanitizers stand before the same functions themselves.
+// The sanitizers intercept the same functions themselves.
 
 TEST(HostStateEnvironment, isReadByTheFirstCallsAlone) {
     for (const char* const program : {"counts-environment-reads", "counts-environment-reads-shared"}) {

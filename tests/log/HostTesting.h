@@ -140,7 +140,7 @@ inline Prefix prefixOf(std::string_view line) {
     return {line.substr(shape.size(), open - shape.size()), pid, thread, close + 2};
 }
 
-/// A filling that tells at every byte whether it stands where it belongs.
+/// A filling in which every byte shows whether it is where it belongs.
 inline std::string_view filling(std::size_t start, std::size_t length) {
     static const std::string pattern = [] {
         std::string bytes;
@@ -152,16 +152,16 @@ inline std::string_view filling(std::size_t start, std::size_t length) {
     return std::string_view(pattern).substr(start % 37, length);
 }
 
-/// The text of one line: who wrote it, the how manyth of that writer it is, and a filling of the length it
-/// names.
+/// The text of one line: who wrote it, its number among that writer's lines, and a filling of the length that
+/// it states.
 inline std::string numberedText(int writer, int sequence, std::size_t length) {
     const std::size_t start = static_cast<std::size_t>(writer) * 7 + static_cast<std::size_t>(sequence);
     return std::to_string(writer) + ' ' + std::to_string(sequence) + ' ' + std::to_string(length) + ' ' +
            std::string(filling(start, length));
 }
 
-/// Takes output in pieces and checks each line of `numberedText`: whole, behind a prefix of this process, the
-/// writer's lines complete, once each and in their order. `labels` are what may stand before the text.
+/// Takes output in pieces and checks each line of `numberedText`: whole, after a prefix of this process, the
+/// writer's lines complete, once each and in their order. `labels` are what may precede the text.
 class LineChecker {
 public:
     explicit LineChecker(std::vector<std::string> labels = {}) : labels_(std::move(labels)) {}
@@ -180,7 +180,7 @@ public:
         rest_.append(bytes);
     }
 
-    /// Reads until the end; a terminal tells its end by an error.
+    /// Reads until the end; a terminal reports its end as an error.
     void takeAllOf(int descriptor) {
         std::string buffer(std::size_t{1} << 16, '\0');
         for (;;) {
@@ -253,7 +253,7 @@ private:
     long good_ = 0;
 };
 
-/// The text lines of a file without their prefixes; a line without one stands in angle brackets.
+/// The text lines of a file without their prefixes; a line without one is in angle brackets.
 inline std::vector<std::string> textsIn(std::string_view bytes) {
     std::vector<std::string> texts;
     while (!bytes.empty()) {
@@ -292,7 +292,7 @@ inline std::string endOf(pid_t child, double seconds = 120) {
     return WEXITSTATUS(status) == 0 ? std::string() : "exit code " + std::to_string(WEXITSTATUS(status));
 }
 
-/// What a child found wrong, told to its parent while it runs.
+/// What a child found wrong, reported to its parent while it runs.
 class Findings {
 public:
     explicit Findings(int descriptor) noexcept : descriptor_(descriptor) {}

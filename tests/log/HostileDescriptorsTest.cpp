@@ -293,7 +293,7 @@ TEST(HostileDescriptors, surviveAFileSizeLimit) {
         EXPECT_EQ(overTheLimit(folder / "log", linesBeforeTheLimit), "") << linesBeforeTheLimit;
         const Texts texts = textsIn(scene::contentsOf(folder / "log"));
         ASSERT_GE(texts.size(), 12U);
-        // The lines that had room are whole; one may be cut off; what follows stands on lines of its own.
+        // The lines that had room are whole; one may be cut off; what follows is on lines of its own.
         std::size_t line = linesBeforeTheLimit ? 10 : 0;
         EXPECT_EQ(std::count(texts.begin(), texts.end(), "before"), linesBeforeTheLimit ? 10 : 0);
         for (int i = 0; line + 3 < texts.size(); ++i, ++line) {
@@ -348,7 +348,7 @@ void writeDisturbed(const Findings& findings, Channel channel) {
     findings.expect(verdict.empty(), verdict);
 }
 
-/// What comes of two lines in the same second with a change of the world in between, and of a third in the
+/// What becomes of two lines in the same second with a change of the world in between, and of a third in the
 /// next second. Signals end the child; nothing waits for a clock.
 template <class Change>
 std::string endAfter(const Change& change, bool isInTheNextSecond) {
@@ -443,7 +443,7 @@ TEST(HostileDescriptors, letASignalHandlerLogInsideALogCall) {
     EXPECT_EQ(texts.size(), static_cast<std::size_t>(fromLoop + fromHandler + 2));
 }
 
-// A thread that is being cancelled.
+// A thread that is being canceled.
 
 void* logWhileCancelled(void*) {
     ::pthread_cancel(::pthread_self()); // pending from here on
@@ -479,7 +479,7 @@ TEST(HostileDescriptors, letAThreadThatIsBeingCancelledFinishItsLine) {
 
 // A descriptor that would block.
 
-/// Writes to a full channel with a dawdling reader from four threads and looks at what the waiting costs.
+/// Writes to a full channel with a slow reader from four threads and measures what the waiting costs.
 void writeToFullChannel(const Findings& findings, Channel channel) {
     int ends[2];
     openChannel(channel, ends);

@@ -29,7 +29,7 @@ namespace {
 constexpr uid_t nobody = 65534;
 constexpr uid_t somebody = 12345;
 
-/// Runs the body in a child, whose standard error is the null device until it is led elsewhere. Expectations
+/// Runs the body in a child, whose standard error is the null device until it is redirected. Expectations
 /// that fail there are printed there and fail the test here.
 template <class Body>
 void inChild(const Body& body) {
@@ -203,14 +203,14 @@ TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
         EXPECT_EQ(::fstat(STDERR_FILENO, &information), 0);
         EXPECT_GT(information.st_size, 0);
         EXPECT_LE(information.st_size, 64 * 1024);
-        // A new file still finds a place, or fails with a line that is lost; neither harms.
+        // A new file still finds a place, or fails with a line that is lost; neither does harm.
         static_cast<void>(ZQLog::setLogFilePath_createFolder("y.log", true));
         writeLine();
         ZQLog::clearLogFilePath();
     });
 }
 
-/// Takes and gives back what room there is, all the time.
+/// Fills the file system and frees the room again, all the time.
 class RoomThatComesAndGoes {
 public:
     explicit RoomThatComesAndGoes(const std::string& path) : thread_([this, path] { run(path); }) {}
@@ -486,7 +486,7 @@ void setProcessName(const std::string& bytes) {
 }
 
 TEST(HostileLogFiles, areFoundAmong200000OtherEntries) {
-    // Making so many files takes long on a disk.
+    // Making this many files takes long on a disk.
     const bool hasMemoryFolder = ::access("/dev/shm", W_OK | X_OK) == 0;
     const scene::Variable variable("TMPDIR", hasMemoryFolder ? "/dev/shm" : std::getenv("TMPDIR"));
     const scene::Folder folder;

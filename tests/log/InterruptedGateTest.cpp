@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A handler may ask and log at every single instruction of a gate, of a line and of a re-reading, and
-// whatever it has interrupted goes on as if nothing had been. The child is led from instruction to
-// instruction.
+// A handler may check trace keys and log at every single instruction of a gate, of a line and of a
+// re-reading, and whatever it has interrupted continues as if nothing had happened. The parent moves the
+// child from instruction to instruction.
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ template <class Work>
     NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceOn", 3}});
     ZQLog::initializeTraceDefaultsDict();
     ZQLog::setLineObserver(observe, nullptr);
-    // The kernel's own clock is read again and again until nothing has moved it meanwhile: for ever, at this
+    // The kernel's own clock is read again and again until nothing has moved it meanwhile: forever, at this
     // pace.
     static constinit const double now = 1709647629;
     detail::overrides::clock = &now;
@@ -125,7 +125,7 @@ int interrupt(pid_t child) {
     return stop;
 }
 
-/// Lets the child run to its end; whether it says that all was right.
+/// Lets the child run to its end; returns whether it says that all was right.
 bool endsWell(pid_t child) {
     int status = 0;
     do {

@@ -37,7 +37,7 @@ public:
     ~Observed() { ZQLog::setLineObserver(nullptr, nullptr); }
 };
 
-/// Keeps lines, and asks about its own call what a test wants to know.
+/// Keeps the texts and the messages of the lines.
 struct Window {
     std::mutex mutex;
     Texts texts;
@@ -217,7 +217,7 @@ TEST(LineObserver, endsTheProcessByAnExceptionThatLeavesIt) {
               "exit code 42");
 }
 
-/// A call of the observer that stays until it is let go.
+/// A call of the observer that does not return until it is released.
 struct Gate {
     std::atomic<int> inside = 0;
     std::atomic<bool> opens = false;

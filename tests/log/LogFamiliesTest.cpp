@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Every log operation: its exact text, its condition, and objects that act while they are described.
 #include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"
@@ -501,7 +502,7 @@ void setCaller(Call& call, const CallerCase& caller) {
     call.function = caller.function;
 }
 
-/// Arguments with which the operation gives its line.
+/// Arguments with which the operation writes its line.
 Call passingCall(const Row& row, const NSObjectProtocol& item) {
     Call call(item);
     for (const ConditionCase& condition : holdingCases()) {
@@ -833,8 +834,8 @@ TEST(LogFamilies, readNoTraceKeysWhenStoppedBeforeTheCondition) {
 
 namespace {
 
-// Objects whose answers act themselves. The same action stands behind the description of an argument and the
-// class name of a caller.
+// Objects whose methods have effects of their own. The description of an argument and the class name of a
+// caller have the same effect.
 
 class Acting : public NSObjectProtocol {
 public:
@@ -942,7 +943,7 @@ TEST(LogFamilies, letADescriptionReadTheTraceKeysAgain) {
         EXPECT_EQ(static_cast<bool>(returned), row.verb == Verb::logString);
     });
     EXPECT_TRUE(logtest::anotherThreadCanTakeTheMonitor());
-    // The condition has held when it was asked: what the description reads comes too late for its own line.
+    // The condition held when it was checked: what the description reads comes too late for its own line.
     keys.replace({});
     output.clear();
     ZQLog::logForTraceKey_usingFormat("TraceNet", "%@ %d", object, 1);

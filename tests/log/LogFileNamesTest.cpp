@@ -177,7 +177,7 @@ TEST(LogFileNames, pathIsTheFolderWithTheName) {
     EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
 }
 
-// Numbers: a folder that is named never leads to one.
+// Numbers: a name made for a given folder never gets one.
 
 TEST(LogFileNames, nameIsNeverNumberedForAFolder) {
     const LogScene scene;
@@ -237,9 +237,9 @@ TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
             }
         });
         const NSString named(scene / "logs");
-        // As often as the machine lets the file vanish between two looks: soon, or after some seconds.
+        // As often as the machine lets the file vanish between two checks: soon, or after some seconds.
         for (int numbered = 0; numbered < 20;) {
-            // The same coming and going in a folder that is named, or with none, leads to no number.
+            // The same coming and going in a given folder, or without a folder, adds no number.
             EXPECT_EQ(newName(named), plain);
             EXPECT_EQ(newName(nullptr), plain);
             const std::string name = newName("");

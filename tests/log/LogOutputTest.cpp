@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The bytes that log operations write: prefix, text and line end.
 #include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"
@@ -23,7 +24,7 @@ using Texts = std::vector<std::string>;
 // 2024-03-05 14:07:09.042 UTC.
 constexpr double moment = 1709647629.042;
 
-/// A clock that stands still, in a zone given as a rule.
+/// A clock that does not move, in a zone given as a rule.
 class FixedTime {
 public:
     FixedTime(double seconds, const char* zone)
@@ -40,7 +41,7 @@ std::string hexText(std::uint64_t number) {
     return text;
 }
 
-/// What stands behind the prefix of the only line, its end included.
+/// What follows the prefix of the only line, its end included.
 std::string bytesBehindThePrefix(const CapturedOutput& output) {
     const std::string bytes = output.bytes();
     const std::optional<LinePrefix> prefix = readPrefix(bytes);

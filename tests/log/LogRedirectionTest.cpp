@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Standard error led into a log file and back. The descriptor that is kept aside is the process's own, so
-// each test runs in a process of its own.
+// Standard error redirected to a log file and back. The descriptor that is kept aside belongs to the process,
+// so each test runs in a process of its own.
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -59,7 +59,7 @@ bool leadsTo(int descriptor, const std::string& path) {
            open.st_dev == named.st_dev && open.st_ino == named.st_ino && open.st_rdev == named.st_rdev;
 }
 
-/// Items to redirect to, a home with a Library, and descriptor 2 led into the file "first".
+/// Items to redirect to, a home with a Library, and descriptor 2 redirected to the file "first".
 struct RedirectionScene {
     RedirectionScene()
         : base(realPath(folder.path())), home("HOME", (base + "/home").c_str()),
@@ -94,7 +94,7 @@ struct RedirectionScene {
 
 void redirect(const std::string& path) { ZQLog::setOptionalLogFilePath(NSString(path)); }
 
-/// Redirects to the path and tells the number under which the former descriptor 2 was kept.
+/// Redirects to the path and returns the number under which the former descriptor 2 was kept.
 int redirectAndFindKept(const std::string& path) {
     const Numbers before = openNumbers();
     redirect(path);
@@ -430,7 +430,7 @@ TEST(LogRedirection, worksForFilesThatAreThereAndForNewOnes) {
             {"x.log", true, "home/Library/Logs/MyApp/x.log"},
             {"a/x.log", true, "home/Library/Logs/MyApp/a/x.log"},
             {"../x.log", true, "home/Library/Logs/x.log"},
-            // A link that leads nowhere stays as it is in the path, and the new file takes its place.
+            // A dangling link stays as it is in the path, and the new file takes its place.
             {"@/dangling", false, "dangling"},
             {"@/toUnmade", true, "toUnmade"},
         };
@@ -496,7 +496,7 @@ TEST(LogRedirection, givesNewFilesAndFoldersTheModesOfTheUmask) {
 struct Failure {
     std::string path; ///< "@" stands for the scene's folder
     bool createFolder;
-    std::string message; ///< behind the caller; "@" as above; empty for silence
+    std::string message; ///< after the caller; "@" as above; empty for silence
 };
 
 void expectFailure(const RedirectionScene& scene, const Failure& row) {

@@ -55,7 +55,7 @@ struct RetentionScene {
     std::string logs() const { return base + "/logs"; }
     std::string operator/(const std::string& name) const { return logs() + "/" + name; }
 
-    /// Dates an item, a link itself, so many seconds from noon.
+    /// Dates an item, a link itself, this many seconds from noon.
     void date(const std::string& name, time_t seconds, long nanoseconds = 0) const {
         const timespec times[2] = {{noon, 0}, {noon + seconds, nanoseconds}};
         EXPECT_EQ(::utimensat(AT_FDCWD, (*this / name).c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << name;
@@ -69,7 +69,7 @@ struct RetentionScene {
         date(name, seconds);
     }
 
-    /// The names in the folder in the order in which the system gives them.
+    /// The names in the folder in the order in which the system returns them.
     Texts listing() const {
         Texts names;
         DIR* const open = ::opendir(logs().c_str());
@@ -185,7 +185,7 @@ constexpr NameRow nameRows[] = {
 
 // The announcement.
 
-/// A class and its one object, which notes what it is told.
+/// A class and its one object, which records what it is notified of.
 class Workspace : public NSObjectProtocol {
 public:
     NSString className() const override { return "NSWorkspace"; }
@@ -456,7 +456,7 @@ TEST(LogRetention, byCountWithAllOfOneDateKeepsAllButOne) {
     EXPECT_EQ(scene.names().size(), 19U);
 }
 
-// Links, folders and what else bears such a name.
+// Links, folders and whatever else has such a name.
 
 TEST(LogRetention, datesALinkByWhatItLeadsToAndRemovesTheLinkOnly) {
     const RetentionScene scene;
@@ -476,7 +476,7 @@ TEST(LogRetention, datesALinkByWhatItLeadsToAndRemovesTheLinkOnly) {
             expected.push_back(scene.ageMessage(name));
         }
     }
-    // A link to a link may come after the other one has gone, and then leads nowhere: its own date counts.
+    // A link to a link may come after the other one has gone, and is then dangling: its own date counts.
     const Texts texts = removeOld(scene.logs());
     const Texts names = scene.listing();
     if (names.size() == 2) {
@@ -631,7 +631,7 @@ TEST(LogRetention, saysNothingWhereNothingIsToBeRemoved) {
     EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
 }
 
-/// Runs the body as an ordinary user and gives the lines that it wrote.
+/// Runs the body as an ordinary user and returns the lines that it wrote.
 template <class Body>
 Texts linesOfUnprivileged(const Body& body) {
     const logtest::CapturedOutput output;
@@ -692,7 +692,7 @@ TEST(LogRetention, goesOnBehindAFileThatCannotBeRemoved) {
 }
 
 TEST(LogRetention, leavesFilesWhoseDateCannotBeRead) {
-    // The names of the folder may be read, what stands behind them may not.
+    // The names in the folder may be read, the items that they name may not.
     const RetentionScene scene;
     scene.file("MyApp.1.log", -100);
     scene.file("MyApp.2.log", -200);

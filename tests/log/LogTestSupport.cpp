@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Capturing and reading log lines, for the tests of the log.
 #include "tests/log/LogTestSupport.h"
 
 #include "foundation/system/System.h"
@@ -27,7 +28,7 @@ bool matches(std::string_view text, std::string_view pattern) {
     return true;
 }
 
-/// The characters from `at` on that the test accepts; moves `at` behind them.
+/// The characters from `at` on that the test accepts; moves `at` past them.
 std::string taken(std::string_view line, std::size_t& at, bool (*accepts)(char)) {
     const std::size_t start = at;
     while (at < line.size() && accepts(line[at])) {

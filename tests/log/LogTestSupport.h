@@ -32,7 +32,7 @@ struct LinePrefix {
     std::size_t length = 0;    ///< with the blank at its end
 };
 
-/// Nothing when the line does not begin with a whole prefix.
+/// Nothing when the line does not begin with a complete prefix.
 std::optional<LinePrefix> readPrefix(std::string_view line);
 
 /// Catches what is written to descriptor 2 while it lives.
@@ -119,10 +119,10 @@ private:
     DefaultsScene defaults_;
 };
 
-/// Polls the flag until it is set, ten seconds at most; then what it says.
+/// Polls the flag until it is set, ten seconds at most; returns its last value.
 bool isSetSoon(const std::atomic<bool>& flag);
 
-/// Whether another thread gets the monitor of ZQLog now. Leaves that thread behind when it does not.
+/// Whether another thread gets the monitor of ZQLog now. Abandons that thread when it does not.
 bool anotherThreadCanTakeTheMonitor();
 
 /// An action in a thread of its own, waited for at the end.
@@ -184,7 +184,7 @@ bool isFreshProcess();
 /// Runs the current test, and no other, in a process of its own and says whether it ran there and passed.
 bool runThisTestAgain();
 
-/// For what only a process that has not asked for a trace key yet can show: the body runs in such a process.
+/// For what only a process that has not checked a trace key yet can show: the body runs in such a process.
 template <class Body>
 void inFreshProcess(const Body& body) {
     if (isFreshProcess()) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// What a failed assertion logs and raises.
 #include "log/NSAssertionHandler.h"
 
 #include <exception>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The debug log, which neither writes nor formats.
 #include "log/NSDebugLog.h"
 
 #include <gtest/gtest.h>

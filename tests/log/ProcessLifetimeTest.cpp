@@ -76,7 +76,7 @@ class ProcessLifetimeNested : public ::testing::Test {
 protected:
     ~ProcessLifetimeNested() override {
         std::atomic<bool> answered = false;
-        // Left behind when it hangs, which is reported and better than hanging here.
+        // Abandoned when it hangs, which is reported and better than hanging here.
         auto* const asking = new std::thread([&answered] {
             ZQLog::traceKeyIsEnabled("TraceSteady");
             answered = true;

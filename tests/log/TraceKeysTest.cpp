@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Trace keys, their look-up and the monitor around them.
 #include "tests/kit/AllocationCount.h"
 #include "tests/log/LogTestSupport.h"
 #include "tests/objects/TestValues.h"
@@ -123,7 +124,7 @@ const ValueRow valueRows[] = {
     {"<dict><key>YES</key><true/></dict>", false, false, 0},
 };
 
-/// Every operation that asks the trace keys.
+/// Every operation that checks the trace keys.
 struct Question {
     const char* name;
     bool (*isAnsweredWithYes)();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Trace keys as objects, compared with the operations by name.
 #include "log/ZQTraceKey.h"
 
 #include <functional>

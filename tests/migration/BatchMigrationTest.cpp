@@ -208,7 +208,7 @@ TEST(BatchMigration, startsAtALinkToAFolder) {
 }
 
 TEST(BatchMigration, treatsAnItemThatIsNotThereAsTheOneBeforeIt) {
-    // Whatever the order of siblings: a folder's own contents come right behind it.
+    // Whatever the order of siblings: a folder's own contents come right after it.
     const MigrationFolder folder;
     folder.folder("from/folder");
     folder.link("nosuch", "from/folder/dangling");
@@ -229,7 +229,7 @@ TEST(BatchMigration, treatsAnItemThatIsNotThereAsTheOneBeforeIt) {
 }
 
 TEST(BatchMigration, doesNotForgetAFolderForAllTheItemsThatAreNotThere) {
-    // One folder that is told, then only dangling links in it, told in whatever order: the switch stays on.
+    // One folder that is enumerated, then only dangling links in it, in any order: the switch stays on.
     const MigrationFolder folder;
     folder.folder("from/sub");
     for (const char* name : {"a", "b", "c", "d"}) {
@@ -239,13 +239,13 @@ TEST(BatchMigration, doesNotForgetAFolderForAllTheItemsThatAreNotThere) {
 }
 
 TEST(BatchMigration, testsOnlyWhatIsSelected) {
-    // An entry that is passed over for its name does not change what the next one is taken for.
+    // An entry that is ignored for its name does not change what the next one is taken for.
     const MigrationFolder folder;
     folder.folder("from/.sub");
     folder.link("nosuch", "from/.sub/a.log");
     folder.link("nosuch", "from/b.log");
     // ".sub" and what it holds begin with a period and are not looked at. So "b.log" comes first, for which
-    // there is no earlier answer: taken for a file or passed over.
+    // there is no earlier answer: taken for a file or ignored.
     const Codes codes = migrated(folder, "log", DotFiles::passedOver, moving);
     EXPECT_TRUE(codes == Codes{} || codes == (Codes{{"b.log", 10}}));
 }

@@ -18,7 +18,7 @@ namespace {
 
 using Repetitions = std::vector<Again>;
 
-/// How far it is from one tried call to the next. Neighbours differ little in larger things, so that each
+/// How far it is from one tried call to the next. Adjacent calls differ little in larger things, so that each
 /// error starts at another call there. With a sanitizer a run takes ten times as long.
 long strideOf(const Case& which, const Fault& fault) {
     if (faults::isEveryCallTried()) {

@@ -244,7 +244,7 @@ TEST(FileHelpers, leaveFoldersThatWereMadeBeforeTheFileFailed) {
 }
 
 TEST(FileHelpers, findNoParentInABareName) {
-    // The parent is the empty path, which nobody can make; without the switch nobody asks for it.
+    // The parent is the empty path, which nobody can make; without the switch it is not needed.
     const Scene scene;
     EXPECT_TRUE(insideFolder(scene.base, [] { return !createDeep("bare") && !stands("bare"); }));
     EXPECT_TRUE(insideFolder(scene.base, [] { return createFlat("bare") && isFile("bare"); }));
@@ -299,7 +299,7 @@ TEST(FileHelpers, foldParentsOfAbsoluteChainsAndWalkThoseOfRelativeOnes) {
     EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(scene / "a/../b"));
     EXPECT_FALSE(stands(scene / "a"));
     EXPECT_TRUE(isFolder(scene / "b"));
-    // A relative path keeps its "..", so what stands before it is made as well.
+    // A relative path keeps its "..", so what comes before it is made as well.
     EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath((scene / "c/../d").substr(1)));
     EXPECT_TRUE(isFolder(scene / "c"));
     EXPECT_TRUE(isFolder(scene / "d"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The migration of one file: each step with its code, what stays behind, who is told.
+// The migration of one file: each step with its code, what is left over, who is notified.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -112,7 +112,7 @@ TEST(FileMigration, needsTheParentOfTheDestination) {
                   kFileMigrationDestinationParentFolderIsFile);
     expectRefusal(folder, folder / "a", folder / "plain/b", everything,
                   kFileMigrationDestinationParentFolderIsFile);
-    // Behind a file there is nothing at all.
+    // Below a file there is nothing at all.
     expectRefusal(folder, folder / "a", folder / "plain/deep/b", nothingAllowed,
                   kFileMigrationDestinationParentFolderDoesNotExist);
     expectRefusal(folder, folder / "a", folder / "plain/deep/b", everything,
@@ -147,7 +147,7 @@ TEST(FileMigration, refusesAnExistingFileAndLeavesBoth) {
     folder.file("b", "old");
     expectRefusal(folder, folder / "a", folder / "b", nothingAllowed, kFileMigrationDestinationFileExists);
     folder.folder("folder");
-    // Without renaming the code is that of a file, whatever stands there.
+    // Without renaming the code is that of a file, whatever is there.
     expectRefusal(folder, folder / "a", folder / "folder", nothingAllowed,
                   kFileMigrationDestinationFileExists);
 }

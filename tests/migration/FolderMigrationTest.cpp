@@ -128,7 +128,7 @@ TEST(FolderMigration, refusesAnExistingDestination) {
     folder.folder("B");
     folder.file("file", "x");
     expectRefusal(folder, folder / "A", folder / "B", nothingAllowed, kFileMigrationDestinationFolderExists);
-    // Without renaming the code is that of a folder, whatever stands there.
+    // Without renaming the code is that of a folder, whatever is there.
     expectRefusal(folder, folder / "A", folder / "file", nothingAllowed,
                   kFileMigrationDestinationFolderExists);
 }

@@ -27,7 +27,7 @@ constexpr uid_t somebodyElse = 65533;
 
 constexpr const char* allMarks[] = {faults::setAside, faults::givenUp, faults::unfinished};
 
-/// A tree is moved over an older one: every kind of leftover can come of it.
+/// A tree is moved over an older one: every kind of leftover can result.
 constexpr Case moved{Subject::tree, Old::overwritten, false};
 
 /// A run that was killed so that something with the mark is left, and what that is.
@@ -115,7 +115,7 @@ private:
     int item_;
 };
 
-/// Migrations of a neighbour by which the folder of a leftover is one of those concerned.
+/// Migrations of a neighbor by which the folder of a leftover is one of those concerned.
 std::string copyNeighbourTo(const std::string& from, const std::string& to) {
     return std::to_string(scene::migrateFile(from, to, {true, true, true, false}));
 }
@@ -215,7 +215,7 @@ TEST(Leftovers, ofASourceWhoseNameIsTakenAreNotRemoved) {
         GTEST_SKIP() << faults::notTraced;
     }
     ASSERT_FALSE(killed.leftover.empty());
-    // Somebody has made the folder anew, and has taken the copy away: what was set aside is the only one.
+    // Somebody has made the folder again and has removed the copy: what was set aside is the only one.
     ASSERT_EQ(::mkdir(killed.run->from().c_str(), 0755), 0);
     ASSERT_EQ(::symlink("mine", (killed.run->from() + "/mine").c_str()), 0);
     scene::removeTree(killed.run->to());

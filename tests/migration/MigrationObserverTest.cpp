@@ -10,7 +10,7 @@ using scene::Digest;
 
 namespace {
 
-/// Writes down what it hears, and stops the migration before a wanted item or beyond a number of bytes.
+/// Records its notifications, and stops the migration before a given item or beyond a number of bytes.
 class Follower : public ZQMigrationObserver {
 public:
     std::string stopsBefore;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the tests of migrations share: digests of trees, the operations with their flags as one value, and a
-// desktop that writes down what it is told.
+// desktop that records its notifications.
 #ifndef ZQFOUNDATION_TESTS_MIGRATION_MIGRATIONSCENE_H
 #define ZQFOUNDATION_TESTS_MIGRATION_MIGRATIONSCENE_H
 
@@ -25,7 +25,7 @@ namespace scene {
 using Digest = std::map<std::string, std::string>;
 using Words = std::vector<std::string>;
 
-/// What a digest tells beside kinds, names, contents and the texts of links.
+/// What a digest contains besides kinds, names, contents and the texts of links.
 enum class Detail {
     contents,
     permissions,
@@ -72,7 +72,7 @@ inline std::string describedItem(const std::string& path, const struct stat& inf
     return text;
 }
 
-/// What stands at the path and below it, links not followed; empty when nothing does.
+/// The items at the path and below it, links not followed; empty when there is none.
 inline Digest digestOf(const std::string& start, Detail detail = Detail::permissions) {
     Digest digest;
     Words waiting{""};
@@ -160,7 +160,7 @@ inline ZQFoundation::NSDictionary migrateFiles(const ZQFoundation::NSString& ext
             flags.overwrite, flags.rename);
 }
 
-/// The object that a host's desktop shares: notes the folders that it is told of.
+/// The object that a host's desktop shares: records the folders that it is notified of.
 class RecordingWorkspace : public ZQFoundation::NSObjectProtocol {
 public:
     explicit RecordingWorkspace(Words& told) : told_(told) {}

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every source against every destination under every combination of the switches, as the rules say it: a
-// small model of a file system and of the steps tells what is to come out, the real one must come to the
-// same.
+// small model of a file system and of the steps predicts the result, and the real one must produce the same.
 #include <algorithm>
 #include <map>
 #include <string>
@@ -38,7 +37,7 @@ public:
 
     void put(const std::string& path, const Item& item) { items_[path] = item; }
 
-    /// Where the path leads: an existing item's own path, or "!" when it leads nowhere.
+    /// What the path refers to: an existing item's own path, or "!" when it is dangling.
     std::string resolved(const std::string& path, bool followLast) const {
         std::string at;
         Words waiting = split(path);

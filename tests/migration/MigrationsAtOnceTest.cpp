@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Two processes that migrate at the same time: the same source to the same destination, one in front of every
-// single call of the other or in a race, and neighbours in the same folders. Nothing that either reports as
+// Two processes that migrate at the same time: the same source to the same destination, one before every
+// single call of the other or in a race, and neighbors in the same folders. Nothing that either reports as
 // moved may be missing, and neither waits for the other.
 #include <string>
 #include <vector>
@@ -48,7 +48,7 @@ void report(const Case& which, const std::string& when, const Outcome& one, cons
     }
 }
 
-/// A whole second migration in front of this call of the first one.
+/// A whole second migration before this call of the first one.
 void withSecond(const Case& which, Again second, long call) {
     const Run run(which);
     const std::set<std::string> texts = faults::visibleContents(run.from());
@@ -97,7 +97,7 @@ void race(Subject subject) {
     }
 }
 
-/// The code of a move of a neighbour of the item, from and to the same folders.
+/// The code of a move of a neighbor of the item, from and to the same folders.
 std::string moveNeighbour(const Run& run, Subject subject) {
     const std::string from = run / "from/neighbour";
     const std::string to = faults::folderOf(run.to()) + "/neighbour";
@@ -106,7 +106,7 @@ std::string moveNeighbour(const Run& run, Subject subject) {
                                                    : scene::migrateFile(from, to, flags));
 }
 
-/// A neighbour is migrated in front of this call; both must succeed.
+/// A neighbor is migrated before this call; both must succeed.
 void withNeighbour(const Case& which, long call) {
     const Run run(which);
     if (which.subject == Subject::tree) {

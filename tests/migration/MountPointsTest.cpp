@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Mount points at or inside what is overwritten or removed: they are recognised before anything goes, and
+// Mount points at or inside what is overwritten or removed: they are recognized before anything goes, and
 // what is mounted there is never emptied.
 #include <string>
 #include <vector>

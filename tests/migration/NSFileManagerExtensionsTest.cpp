@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Tests for types of items, and creating folders on the way to a path.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -136,7 +137,7 @@ TEST_F(NSFileManagerExtensions, theChainExpandsTheTilde) {
 }
 
 TEST_F(NSFileManagerExtensions, aRelativeChainStartsAtTheRootFolder) {
-    // The current folder holds a file of the name under which a folder stands in the root folder.
+    // The current folder holds a file that has the name of a folder in the root folder.
     const std::string relative = folder.path().substr(1);
     const std::string first = relative.substr(0, relative.find('/'));
     folder.write(first, "");

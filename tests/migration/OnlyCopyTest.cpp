@@ -22,7 +22,7 @@ using Paths = std::vector<std::string>;
 
 namespace {
 
-/// base/P/A with a tree in it, a file F, and links by which one comes to the same places.
+/// base/P/A with a tree in it, a file F, and links to the same places.
 struct Places {
     Places() {
         folder.file("P/A/one", "the only copy");
@@ -132,7 +132,7 @@ TEST(OnlyCopy, survivesAFolderMovedOverAFolderInsideItself) {
             const std::string what = shown("P/A", to, bits);
             const unsigned code = migrateFolder(places / "P/A", places / to, flags);
             if (flags.overwrite) {
-                // Removing what stands there takes a piece of the source; copying would fail behind it.
+                // Removing what is there takes a piece of the source; copying would fail after it.
                 expectUntouched(places, before, code, {36, 37}, what);
             } else {
                 expectUntouched(places, before, code, {flags.rename ? 37U : 31U}, what);
@@ -236,7 +236,7 @@ TEST(OnlyCopy, survivesALinkToAFolderMovedOntoThatFolder) {
 TEST(OnlyCopy, survivesALinkMovedOntoAFolderAboveWhatItLeadsTo) {
     const Places places;
     const Digest before = places.digest();
-    // The link would lead nowhere, and what it led to would be gone.
+    // The link would be dangling, and what it referred to would be gone.
     const unsigned code = migrateFolder(places / "toSub", places / "P/A", scene::overwriting);
     EXPECT_TRUE(code == 36 || code == 0) << code;
     if (code != 0) {

@@ -22,7 +22,7 @@ ZQFoundation::NSDictionary batch(const MigrationFolder& folder, const Flags& fla
                                flags);
 }
 
-/// Two names of a batch that lead to one place: one of them gets there, the other stays where it is.
+/// Two names of a batch with one destination: one of them gets there, the other stays where it is.
 void expectOneOfTwo(const MigrationFolder& folder, const ZQFoundation::NSDictionary& codes,
                     const std::string& one, const std::string& other, const std::string& place,
                     bool keepsOriginals) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Moves while the power fails: whatever the disks hold in front of any call of the migration, and right after
+// Moves while the power fails: whatever the disks hold before any call of the migration, and right after
 // it, each file is whole at the source or at the destination, and the same call once more loses none.
 #include <algorithm>
 #include <memory>
@@ -154,7 +154,7 @@ private:
     long cuts_ = 0;
 };
 
-/// The power fails in front of every call, or of every few, and when the migration has ended, with the
+/// The power fails before every call, or of every few, and when the migration has ended, with the
 /// journals of these disks just written. 77 where that cannot be tried.
 int cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
     ::alarm(500);

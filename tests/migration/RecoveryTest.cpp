@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an ended process has left behind.
+// Recovery of what an ended process has left over.
 #include "migration/Recovery.h"
 
 #include <fcntl.h>
@@ -119,7 +119,7 @@ TEST_F(Recovery, leavesAloneWhatDoesNotBearTheMark) {
           ".zq-gone.0123", ".zq-gone.1", "zq-gone.1", ".zq-Gone.1", ".ZQ-GONE.1", ".zq-other.1",
           ".zq-copy.0123456789abcdeF", "a.zq-gone.0123456789abcdef", ". zq-gone.1", ".zq-gone-.1"}) {
         folder.file(name, "x");
-        if (name != ".zq-aside.") { // which would say what name to give back
+        if (name != ".zq-aside.") { // which would say what name to restore
             folder.file(name + "-folder/inside", "x");
         }
     }

@@ -26,7 +26,7 @@ struct Shared {
     std::atomic<long> swaps{0};
 };
 
-/// Swaps two names at once, so that there is always something at either.
+/// Swaps two names at once, so that there is always something at each of them.
 bool exchange(const std::string& one, const std::string& other) {
     return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
                      2 /* RENAME_EXCHANGE */) == 0;
@@ -57,7 +57,7 @@ public:
     const scene::MigrationFolder& folder() const { return folder_; }
     std::string operator/(const std::string& name) const { return folder_ / name; }
 
-    /// A fresh tree at "work/<place>", made elsewhere and put there at once; what stood there goes away.
+    /// A fresh tree at "work/<place>", made elsewhere and put there at once; what was there goes away.
     void renew(const std::string& place, bool withTree) {
         const std::string at = folder_ / ("work/" + place);
         const std::string number = std::to_string(++made_);
@@ -197,7 +197,7 @@ void moveTrees(Swapped& scene, const Swaps& swaps, uid_t owner) {
     });
 }
 
-// No swapped entry lies behind another one, or the swapper itself would reach into the victim through a link.
+// No swapped entry is below another one, or the swapper itself would reach into the victim through a link.
 const Swaps atTheTopOfTheSource{{"from/item/sub", "victim/sub"}, {"from/item/one", "victim/one"}};
 const Swaps deepInTheSource{{"from/item/sub/deeper", "victim/sub/deeper"},
                             {"from/item/sub/two", "victim/sub/two"}};

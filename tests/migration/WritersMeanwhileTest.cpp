@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Migrations of files with which somebody goes on working: adds, saves, rewrites, appends, moves and swaps,
-// in front of every single call of the migration, and in a race with it. What was there after each step of
+// before every single call of the migration, and in a race with it. What was there after each step of
 // the writer must be found afterwards, at the source, at the destination or beside either.
 #include <functional>
 #include <random>
@@ -162,7 +162,7 @@ scene::Words judged(const Run& run, const Writer& writer, const Outcome& outcome
     return problems;
 }
 
-/// One migration with the steps of the habit in front of its calls from this one on. What is left of them
+/// One migration with the steps of the habit before its calls from this one on. What is left of them
 /// comes after its end.
 Outcome withHabit(const Case& which, const Habit& habit, long call) {
     const Run run(which);
@@ -294,7 +294,7 @@ bool place(Placed what, const std::string& path) {
     return false;
 }
 
-/// Somebody puts something at the destination in front of this call, where its name is free.
+/// Somebody puts something at the destination before this call, where its name is free.
 void withPlaced(const Case& which, Placed what, long call) {
     const Run run(which);
     const std::string name = which.subject == Subject::batch ? "/sub/c.log" : "";

@@ -37,10 +37,10 @@ inline std::string base64Encoded(std::string_view bytes, bool separateLines) {
 }
 
 struct Base64Decoding {
-    std::string bytes;          ///< all that the groups spell
-    std::uint64_t reported = 0; ///< the length; a pass without a character takes one off
+    std::string bytes;          ///< all that the groups encode
+    std::uint64_t reported = 0; ///< the length; a pass without a character subtracts one
 
-    /// What a caller gets, who looks at the reported length; nothing when it is more than can be.
+    /// What a caller gets who checks the reported length; nothing when it is greater than possible.
     std::string kept() const { return bytes.substr(0, reported <= bytes.size() ? reported : 0); }
 };
 

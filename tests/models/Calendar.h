@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The Gregorian calendar at all times, by counting: years have 365 days and leap days come on top, months are
-// taken off one by one. Days count from 1970-01-01, years astronomically, weekdays from Sunday, which is 0.
+// The Gregorian calendar at all times, by counting: years have 365 days, leap days are added, months are
+// subtracted one by one. Days count from 1970-01-01, years astronomically, weekdays from Sunday, which is 0.
 #ifndef ZQFOUNDATION_TESTS_MODELS_CALENDAR_H
 #define ZQFOUNDATION_TESTS_MODELS_CALENDAR_H
 

@@ -32,7 +32,7 @@ inline std::optional<std::string> percentEncoded(std::u16string_view units, std:
 }
 
 /// Nothing when a "%" has no two digits or the bytes are not well-formed. Stretches without escapes stay as
-/// units, since an unpaired surrogate may stand in them.
+/// units, since they may contain an unpaired surrogate.
 inline std::optional<std::u16string> percentDecoded(std::u16string_view units) {
     const auto digitOf = [&](std::size_t place) {
         constexpr std::u16string_view digits = u"00112233445566778899aAbBcCdDeEfF";

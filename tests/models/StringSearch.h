@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where a text stands in another one: every stretch between two places that no match cuts is compared with
+// Where a text occurs in another one: every stretch between two places that no match cuts is compared with
 // it. What a single character decomposes to, or folds to, comes from the library's tables.
 #ifndef ZQFOUNDATION_TESTS_MODELS_STRINGSEARCH_H
 #define ZQFOUNDATION_TESTS_MODELS_STRINGSEARCH_H
@@ -29,7 +29,7 @@ inline std::vector<char32_t> characters(std::u16string_view units) {
     return all;
 }
 
-/// Decomposed, marks in their canonical order by exchanging neighbours until none are out of it.
+/// Decomposed, marks put in canonical order by swapping neighbors until none is out of order.
 inline std::vector<char32_t> decomposed(std::u16string_view units) {
     std::vector<char32_t> all;
     for (const char32_t character : characters(units)) {
@@ -102,7 +102,7 @@ inline std::vector<NSRange> placesOfUnits(std::u16string_view units, std::size_t
     return found;
 }
 
-/// All places where the text stands within the first units of a text, from a start on.
+/// All places where the text occurs within the first units of a text, from a start on.
 inline std::vector<NSRange> placesOf(std::u16string_view units, std::size_t start, std::u16string_view wanted,
                                      unsigned options) {
     if (wanted.empty()) {

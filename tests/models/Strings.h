@@ -17,7 +17,7 @@ inline bool isNewline(char16_t unit) {
     return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
 }
 
-/// At most half of the text goes, rounded up.
+/// At most half of the text is removed, rounded up.
 inline std::u16string leftTrimmed(std::u16string_view text, const NSCharacterSet& set) {
     std::size_t start = 0;
     while (2 * start < text.size() && set.characterIsMember(text[start])) {
@@ -42,8 +42,8 @@ inline std::u16string replaced(std::u16string_view text, const NSCharacterSet& s
     return result;
 }
 
-/// What stands between breaks; `endOf` says where a break that begins at a place ends, or gives the place
-/// itself.
+/// The text between breaks; `endOf` returns where a break that begins at a place ends, or the place itself
+/// when none begins there.
 template <class EndOf>
 Texts piecesBetween(std::u16string_view text, const EndOf& endOf) {
     Texts pieces;

@@ -105,7 +105,7 @@ inline bool isDottedAddress(const std::string& text) {
     return numbers.size() == 4;
 }
 
-/// How many 16-bit groups the text writes, or -1.
+/// The number of 16-bit groups in the text, or -1.
 inline int groupsIn(const std::string& text, bool isLast) {
     if (text.empty()) {
         return 0;
@@ -261,7 +261,7 @@ inline Reference resolved(const Reference& reference, const Reference& base) {
     return target;
 }
 
-/// The same as a text; a dot is put in front of a path that would be read as something else.
+/// The same as a text; a dot is put before a path that would be read as something else.
 inline std::string resolvedText(const std::string& reference, const std::string& base) {
     Reference target = resolved(apart(reference), apart(base));
     if (apart(together(target)) != target) {
@@ -295,7 +295,7 @@ inline Piece constructed(UrlParts parts, bool encodePath, bool encodeQuery) {
     return isReference(text) ? Piece(text) : Piece();
 }
 
-/// The examples of RFC 3986, section 5.4: a reference, and what it is against this base.
+/// The examples of RFC 3986, section 5.4: a reference, and its target with this base.
 inline constexpr const char* exampleBase = "http://a/b/c/d;p?q";
 inline constexpr const char* normalReferences[][2] = {
     {"g:h", "g:h"},
@@ -341,7 +341,7 @@ inline constexpr const char* abnormalReferences[][2] = {
     {"g?y/../x", "http://a/b/c/g?y/../x"},
     {"g#s/./x", "http://a/b/c/g#s/./x"},
     {"g#s/../x", "http://a/b/c/g#s/../x"},
-    {"http:g", "http:g"}, // strict: the scheme of the base is a scheme like others
+    {"http:g", "http:g"}, // strict: the scheme of the base is treated like any other
 };
 
 } // namespace ZQFoundation::models

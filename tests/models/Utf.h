@@ -11,7 +11,7 @@ namespace ZQFoundation::models {
 
 struct Character {
     char32_t number;
-    std::size_t length; ///< bytes or units that spell it
+    std::size_t length; ///< bytes or units that encode it
 };
 
 /// The well-formed character at `at`, which is inside; nothing for ill-formed bytes.

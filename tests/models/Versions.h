@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The comparisons of versions, made by cutting both texts into tokens first and then looking at them.
+// The comparisons of versions, which cut both texts into tokens before they compare them.
 #ifndef ZQFOUNDATION_TESTS_MODELS_VERSIONS_H
 #define ZQFOUNDATION_TESTS_MODELS_VERSIONS_H
 

@@ -14,7 +14,7 @@ namespace settings = notes::settings;
 
 namespace {
 
-/// Settings of its own, which each run, a child process, reads anew.
+/// Settings of its own, which each run, a child process, reads again.
 struct Home : kit::ScratchFolder {
     template <class Body>
     std::string run(const Body& body) const {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Days, weeks and fields of the calendar, up to the limits of 64 bits.
 #include "foundation/objects/CivilTime.h"
 
 #include <cstdint>
@@ -14,7 +15,7 @@ void PrintTo(const WeekOfYear& week, std::ostream* stream) { *stream << week.yea
 
 namespace {
 
-/// -1 for what does not fit; no test asks for that day.
+/// -1 for what does not fit; no test uses that day.
 std::int64_t dayNumber(std::int64_t year, std::int64_t month, std::int64_t day) {
     std::int64_t days = -1;
     return daysFromCivil(year, month, day, days) ? days : -1;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Classes as values, and what a value that is no class answers.
 #include "foundation/objects/Class.h"
 
 #include <gtest/gtest.h>

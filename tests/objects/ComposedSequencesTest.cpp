@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Where sequences of a base character and its marks begin and end, and their decompositions.
 #include "foundation/objects/ComposedSequences.h"
 
 #include <gtest/gtest.h>

@@ -48,7 +48,7 @@ std::size_t sized(const char* what, std::size_t normal, std::size_t underSanitiz
 constexpr std::size_t smallStackBytes = sanitized ? 512 * 1024 : 256 * 1024;
 constexpr std::size_t deep = 100000;
 
-/// Runs the action to its end on a stack that does not bear one frame for each level.
+/// Runs the action to its end on a stack that has no room for one frame for each level.
 template <class Action>
 void onSmallStack(const Action& action) {
     pthread_attr_t attributes;

@@ -21,7 +21,7 @@ NSDictionary numbered(int count) {
     return builder.dictionary();
 }
 
-/// A key whose hash says nothing, so that everything hangs on equality.
+/// A key whose hash is always the same, so that everything depends on equality.
 class Colliding : public NSObjectProtocol {
 public:
     explicit Colliding(int number) : number_(number) {}

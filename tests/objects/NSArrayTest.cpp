@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Creating, comparing and changing arrays.
 #include "foundation/objects/NSArray.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Sets of characters: the named ones, those of a text, and their operations.
 #include "foundation/objects/NSCharacterSet.h"
 
 #include <string>

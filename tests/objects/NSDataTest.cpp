@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Bytes as values: creating, reading, comparing and describing them.
 #include "foundation/objects/NSData.h"
 
 #include <gtest/gtest.h>

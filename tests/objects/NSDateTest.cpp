@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Instants: creating, comparing and describing them.
 #include "foundation/objects/NSDate.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Creating, comparing and changing dictionaries.
 #include "foundation/objects/NSDictionary.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Exceptions: what they carry and how they are raised and caught.
 #include "foundation/objects/NSException.h"
 
 #include <gtest/gtest.h>

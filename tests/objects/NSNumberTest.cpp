@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Numbers as values: conversions, comparison, hashes and descriptions.
 #include "foundation/objects/NSNumber.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Objects of a host's own classes as values.
 #include "foundation/objects/NSObjectProtocol.h"
 
 #include <gtest/gtest.h>

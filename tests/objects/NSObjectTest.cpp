@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Values of any type: conversions, copies, comparison and nil.
 #include "foundation/objects/NSObject.h"
 
 #include <gtest/gtest.h>

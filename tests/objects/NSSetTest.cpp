@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Creating and comparing sets.
 #include "foundation/objects/NSSet.h"
 
 #include <gtest/gtest.h>

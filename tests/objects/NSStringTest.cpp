@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Strings: creating, comparing and reading them, and nil.
 #include "foundation/objects/NSString.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// URLs: parsing, pieces and bases.
 #include "foundation/objects/NSURL.h"
 
 #include <gtest/gtest.h>

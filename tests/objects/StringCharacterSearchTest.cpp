@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Searching, splitting and trimming by sets of characters, compared with slow models.
 #include <gtest/gtest.h>
 
 #include "foundation/objects/Bodies.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The number of bytes of a text in each encoding.
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSString.h"

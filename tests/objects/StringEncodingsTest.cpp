@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Texts to bytes and back in each encoding.
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSData.h"

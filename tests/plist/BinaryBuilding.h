@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Binary property lists built from their parts, also wrong ones.
 #ifndef ZQFOUNDATION_TESTS_PLIST_BINARYBUILDING_H
 #define ZQFOUNDATION_TESTS_PLIST_BINARYBUILDING_H
 
@@ -10,7 +11,7 @@
 
 namespace ZQFoundation::testing {
 
-/// A big-endian number of so many bytes.
+/// A big-endian number of `size` bytes.
 inline std::string bigEndian(std::uint64_t value, unsigned size) {
     std::string bytes;
     for (unsigned index = size; index > 0; --index) {
@@ -19,7 +20,7 @@ inline std::string bigEndian(std::uint64_t value, unsigned size) {
     return bytes;
 }
 
-/// Puts a binary property list together from its objects' bytes, rightly unless told otherwise.
+/// Puts a binary property list together from its objects' bytes, correctly unless a field says otherwise.
 struct BinaryFile {
     std::vector<std::string> objects;
     unsigned offsetSize = 2;
@@ -63,7 +64,7 @@ inline std::string references(std::initializer_list<unsigned> numbers) {
     return bytes;
 }
 
-/// Arrays, each holding the next one as often as told; the last is empty.
+/// Arrays, each holding the next one `times` times; the last is empty.
 inline std::string chain(unsigned length, unsigned times) {
     BinaryFile file;
     file.referenceSize = 2;

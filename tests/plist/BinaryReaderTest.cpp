@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading binary property lists.
 #include "foundation/plist/BinaryReader.h"
 
 #include <string>

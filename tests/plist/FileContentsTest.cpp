@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading whole files, also those without a known size.
 #include "foundation/plist/FileContents.h"
 
 #include <fcntl.h>

@@ -41,7 +41,7 @@ std::vector<std::string> samples() {
     };
 }
 
-/// Reads the bytes as a property list and as a strings table, and what comes out must survive being written.
+/// Reads the bytes as a property list and as a strings table, and the result must survive being written.
 void expectSane(const std::string& bytes) {
     detail::PropertyListError error;
     const NSObject value = parseBytes(bytes, &error);
@@ -211,7 +211,7 @@ TEST(HostilePropertyList, nothingIsExpandedOrFetched) {
           "<string>%b;&b;</string>"}) {
         EXPECT_FALSE(parseBytes(text)) << text;
     }
-    // A document type of somewhere else is passed over unread.
+    // A document type of somewhere else is ignored unread.
     EXPECT_EQ(show(parseBytes("<!DOCTYPE a SYSTEM \"file:///dev/tty\"><string>x</string>")), "'x'");
 }
 

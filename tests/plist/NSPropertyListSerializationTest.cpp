@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Property lists from bytes and to bytes, with the reason of a failure.
 #include "foundation/plist/NSPropertyListSerialization.h"
 
 #include <string>

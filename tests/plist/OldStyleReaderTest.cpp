@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading old-style property lists.
 #include "foundation/plist/OldStyleReader.h"
 
 #include <string>

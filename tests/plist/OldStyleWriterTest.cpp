@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing old-style property lists.
 #include "foundation/plist/OldStyleWriter.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading property lists of any form, and which failure is reported.
 #include "foundation/plist/PropertyList.h"
 
 #include <string>

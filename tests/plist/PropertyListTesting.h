@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Values as texts, reading in both forms and random values, for the tests of property lists.
 #ifndef ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 #define ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 

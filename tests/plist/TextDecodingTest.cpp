@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Which encoding the bytes of a property list or string table are in.
 #include "foundation/plist/TextDecoding.h"
 
 #include <string>

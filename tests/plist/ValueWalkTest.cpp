@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Visiting all values of a property list in order.
 #include "foundation/plist/ValueWalk.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading property lists in XML.
 #include "foundation/plist/XmlReader.h"
 
 #include <cmath>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading the numbers, dates and data of property lists in XML.
 #include "foundation/plist/XmlScalars.h"
 
 #include <string>

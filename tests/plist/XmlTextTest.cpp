@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing texts as XML, and what XML cannot contain.
 #include "foundation/plist/XmlText.h"
 
 #include <string>

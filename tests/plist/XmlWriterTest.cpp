@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing property lists in XML.
 #include "foundation/plist/XmlWriter.h"
 
 #include <cmath>
@@ -16,7 +17,7 @@ namespace {
 using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
 
-/// What stands between the plist tags, or the reason why nothing does.
+/// The text between the plist tags, or the reason why there is none.
 std::string write(const NSObject& value) {
     std::string text;
     if (const char* refusal = detail::writeXml(value, text)) {

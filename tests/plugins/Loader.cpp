@@ -135,6 +135,6 @@ int main(int count, char** words) {
     for (int round = 0; round < 3; ++round) {
         loadAndUnload(words + 1);
     }
-    // What an unloaded library had made for good is lost by design, which a leak checker would tell at exit.
+    // What an unloaded library made permanently is lost by design; a leak checker would report it at exit.
     ::_exit(failures == 0 ? 0 : 1);
 }

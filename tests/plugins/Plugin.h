@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the loader asks of both plugins, found by name: neither side sees the other's types.
+// What the loader needs from both plugins, found by name: neither side sees the other's types.
 #ifndef ZQFOUNDATION_TESTS_PLUGINS_PLUGIN_H
 #define ZQFOUNDATION_TESTS_PLUGINS_PLUGIN_H
 

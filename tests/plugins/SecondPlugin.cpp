@@ -1,2 +1,3 @@
 // SPDX-License-Identifier: MIT
+// The second of two plugins in one process.
 #include "tests/plugins/PluginBody.h"

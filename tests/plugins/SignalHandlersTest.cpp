@@ -11,7 +11,7 @@ namespace {
 constexpr int threads = scaled(8, 4, 4);
 constexpr int interruptions = scaled(480, 200, 200);
 
-/// Each line whole and one of those that the storm writes; how many were the handler's.
+/// Checks that each line is whole and one that the storm writes; returns the number of the handler's lines.
 long handlerLinesIn(const std::string& bytes) {
     long count = 0;
     for (const std::string& text : textsIn(bytes)) {

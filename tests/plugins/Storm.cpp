@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Signal handlers that log while the threads that they interrupt do the same.
 #include "tests/plugins/Storm.h"
 
 #include <atomic>

@@ -5,8 +5,8 @@
 
 extern "C" {
 
-/// Interrupts so many threads so often each, one thread after the other. Returns the number of lines that the
-/// handler has written, or a negative number when a call in it gave a wrong answer.
+/// Interrupts `threads` threads, one after the other, `interruptions` times each. Returns the number of lines
+/// that the handler has written, or a negative number when a call in it returned a wrong result.
 long storm(int threads, int interruptions);
 }
 

@@ -39,6 +39,6 @@ int main(int count, char** words) {
 #endif
     std::printf("%ld\n", lines);
     std::fflush(stdout);
-    // What an unloaded library had made for good is lost by design, which a leak checker would tell at exit.
+    // What an unloaded library made permanently is lost by design; a leak checker would report it at exit.
     ::_exit(lines >= 0 ? 0 : 1);
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// User defaults from the arguments of a program.
 #include "foundation/process/CommandLineDefaults.h"
 
 #include <gtest/gtest.h>

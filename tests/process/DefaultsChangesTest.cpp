@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Changes of user defaults that are not saved yet, also in forked children.
 #include "foundation/process/DefaultsChanges.h"
 
 #include <gtest/gtest.h>

@@ -25,7 +25,7 @@ using Words = std::vector<std::string>;
 
 NSUserDefaults& defaults() { return NSUserDefaults::standardUserDefaults(); }
 
-/// A program "Viewer" whose defaults stand in a scratch folder, with nothing left to save from other tests.
+/// A program "Viewer" whose defaults are in a scratch folder, with nothing left to save from other tests.
 class DefaultsSaving : public testing::Test {
 protected:
     void SetUp() override { saveElsewhere(); }

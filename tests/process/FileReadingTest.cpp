@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading the files of user defaults and bundles, up to a limit of size.
 #include "foundation/process/FileReading.h"
 
 #include <cstdlib>

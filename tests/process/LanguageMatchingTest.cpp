@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Choosing localizations by preferred languages.
 #include "foundation/process/LanguageMatching.h"
 
 #include <gtest/gtest.h>

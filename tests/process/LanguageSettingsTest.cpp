@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The languages that the environment sets.
 #include "foundation/process/LanguageSettings.h"
 
 #include "tests/process/Scene.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The prefix of log lines: date, name, process and thread.
 #include "foundation/process/LinePrefix.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using detail::processIdentity;
 
 namespace {
 
-/// What is written in front of the end of a buffer, which nothing else of it shows.
+/// What is written before the end of a buffer, which nothing else of it shows.
 template <class Write>
 std::string writtenBefore(std::size_t room, const Write& write) {
     std::string buffer(room + 1, '#');
@@ -48,7 +49,7 @@ std::string hexOf(std::uint64_t number) {
     return text;
 }
 
-/// Runs the body in a child, which a process name that a host has set lasts in for good: 0 when all is as
+/// Runs the body in a child, because a process name that a host has set cannot be unset: 0 when all is as
 /// expected.
 template <class Body>
 int inChildNamed(const std::string& name, const Body& body) {

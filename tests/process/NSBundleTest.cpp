@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Bundles: the main bundle, resources and localized texts.
 #include "foundation/process/NSBundle.h"
 
 #include <atomic>
@@ -405,7 +406,7 @@ TEST_F(NSBundleTest, tablesComeFromTheFirstPlaceThatHasThem) {
     const NSBundle b =
         bundle("B.app", "{ CFBundleDevelopmentRegion = it; }", {"de", "de-AT", "it", "Base", "fr"});
     const char* const places[] = {"", "de-AT.lproj/", "de.lproj/", "Base.lproj/", "it.lproj/"};
-    // The table named by its first place stands in all places from there on.
+    // The table named after its first place is in all places from there on.
     for (std::size_t first = 0; first < std::size(places); ++first) {
         for (std::size_t place = first; place < std::size(places); ++place) {
             writeTable(places[place] + std::string("T") + std::to_string(first) + ".strings",

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The name, the arguments and the environment of the process.
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>
@@ -295,7 +296,7 @@ std::string pathOfProgram(const char* name) {
 }
 
 /// What the program prints that has been asked once: its name, its arguments, one of them as a user default,
-/// where it stands, and the library's bundle.
+/// where it is, and the library's bundle.
 std::string factsOf(const std::string& path, const std::string& name, int times = 1) {
     const std::string line = name + " <" + path + "> <-TraceArguments> <YES> <a b> <> YES\n";
     const std::string library = name == programs[0] ? ZQ_TEST_BINARY_DIR

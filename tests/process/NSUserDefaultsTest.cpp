@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// User defaults: the order of their domains, conversions, changes and files.
 #include "foundation/process/NSUserDefaults.h"
 
 #include <pwd.h>
@@ -36,7 +37,7 @@ std::string textOf(const NSObject& value) { return value ? value.description().u
 
 std::string textFor(StringView key) { return textOf(defaults().objectForKey(key)); }
 
-/// A program "Viewer" without a bundle, whose defaults stand in a scratch folder.
+/// A program "Viewer" without a bundle, whose defaults are in a scratch folder.
 /// What a test sets, registers or removes stays so in this process: only the keys of `TearDown` are set by
 /// several tests, and none of those is expected to come from a file.
 class NSUserDefaultsTest : public testing::Test {
@@ -541,7 +542,7 @@ TEST_F(NSUserDefaultsTest, operationsLeaveErrnoAlone) {
     EXPECT_EQ(errno, 4321);
 }
 
-// Where the files stand
+// Where the files are
 
 namespace {
 
@@ -706,7 +707,7 @@ TEST_F(NSUserDefaultsTest, answersInForkedChildrenWhileThreadsReadAndSet) {
             }
         });
     }
-    // Where forks take turns they are slow and meet no operation half-way: fewer tell as much.
+    // Where forks take turns they are slow and never interrupt an operation: fewer show as much.
     const int children = scene::forksTakeTurns ? 40 : 2000;
     if (scene::forksTakeTurns) {
         std::printf("[  SCALE   ] %d forked children in place of 2000 (sanitizer)\n", children);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Which values a property list can hold.
 #include "foundation/process/PropertyListValue.h"
 
 #include <gtest/gtest.h>

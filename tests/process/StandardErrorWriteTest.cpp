@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writing to standard error: limits of size, signals, and what is asked only once a second.
 #include "foundation/process/StandardErrorWrite.h"
 
 #include <gtest/gtest.h>
@@ -54,8 +55,8 @@ void setLimit(rlim_t bytes) {
     ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-/// In a child whose signals end it and whose descriptor 2 leads to a file that has a line: 0 when the body
-/// answers true, or the negative number of the signal that came.
+/// In a child whose signals end it and whose descriptor 2 refers to a file that has a line: 0 when the body
+/// returns true, or the negative number of the signal that came.
 template <class Body>
 int afterALine(const Body& body) {
     const kit::ScratchFolder folder;

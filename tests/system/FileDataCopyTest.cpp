@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Copying the data of a file by every means that a system has.
 #include <atomic>
 #include <cstring>
 #include <string>
@@ -89,7 +90,7 @@ TEST_F(FileDataCopy, everyMeansGetsToAnotherFileSystem) {
     const std::string bytes = mixedBytes(1000003);
     folder.write("a", bytes);
     const std::string other = otherFileSystem();
-    // Without another one the copy stays here, which says less and is still to be right.
+    // Without another one the copy stays here, which shows less and must still be right.
     const ZQFoundation::kit::Variable place("TMPDIR", other.empty() ? "/tmp" : other.c_str());
     const ZQFoundation::kit::ScratchFolder away;
     for (const DataMeans means : allMeans) {

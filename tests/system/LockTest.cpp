@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The recursive lock between threads, in signal handlers and in forked children.
 #include "foundation/system/Lock.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Random bytes, also where the system forbids its calls or has no device.
 #include <gtest/gtest.h>
 
 #include <cerrno>

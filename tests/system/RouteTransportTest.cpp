@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Asking the kernel for a route in the layout of a routing message.
 #include "foundation/system/RouteTransport.h"
 
 #include <arpa/inet.h>

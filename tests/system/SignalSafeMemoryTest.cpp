@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Memory that signal handlers can allocate.
 #include "foundation/system/SignalSafeMemory.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The identifiers of threads, and the generations of forked processes.
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -30,7 +31,7 @@ bool inChild(const Fork& fork, const Body& body) {
 
 TEST(ThreadIdentifier, isTheNumberByWhichTheSystemKnowsTheThread) {
     EXPECT_TRUE(isTheSystemsNumber());
-    for (int i = 0; i < 20; ++i) { // a new thread may stand where the last one stood
+    for (int i = 0; i < 20; ++i) { // a new thread may be where the last one was
         bool isRight = false;
         std::thread([&isRight] { isRight = isTheSystemsNumber(); }).join();
         EXPECT_TRUE(isRight);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads of which the system gives less at a time than was asked for.
+// Reads of which the system returns less at a time than was asked for.
 #include "foundation/system/WholeRead.h"
 
 #include <cerrno>

@@ -48,7 +48,7 @@ TEST(WritersHeldOff, makesWritersWaitInThreadsOfTheirOwn) {
             EXPECT_TRUE(opened);
             isOpen = true;
         });
-        while (writers.areThereNone()) { // until it waits, or for ever
+        while (writers.areThereNone()) { // until it waits, or forever
             std::this_thread::yield();
         }
         EXPECT_FALSE(isOpen);

@@ -21,7 +21,7 @@ namespace base64 = ZQFoundation::detail::base64;
 
 namespace {
 
-/// Memory of exactly so many bytes that end at a page that may not be touched.
+/// Memory of exactly `count` bytes, ending at a page that may not be touched.
 class Guarded {
 public:
     explicit Guarded(std::size_t count) {
@@ -237,7 +237,7 @@ TEST(Base64Codec, allDecodeRandomTextsAlike) {
     Workbench bench;
     std::mt19937 random(5);
     for (int turn = 0; turn < 20000; ++turn) {
-        // One byte in so many is foreign; 0: none.
+        // One byte in this many is foreign; 0: none.
         constexpr unsigned rarities[] = {0, 1, 2, 5, 20, 100, 500};
         const unsigned rarity = rarities[random() % std::size(rarities)];
         std::string text(random() % 500, 'A');

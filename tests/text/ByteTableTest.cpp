@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The tables of encodings with one byte for each character.
 #include "foundation/text/ByteTable.h"
 
 #include <gtest/gtest.h>

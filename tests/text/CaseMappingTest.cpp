@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Upper case, lower case, folding and decomposition of single characters, compared with the database.
 #include "foundation/text/CaseMapping.h"
 
 #include <string>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The general categories of characters, compared with the database.
 #include "foundation/text/CharacterCategories.h"
 
 #include <iterator>

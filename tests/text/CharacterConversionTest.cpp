@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Conversions between encodings by the C library.
 #include "foundation/text/CharacterConversion.h"
 
 #include <gtest/gtest.h>

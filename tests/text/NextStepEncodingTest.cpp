@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The encoding of octal escapes in old-style property lists.
 #include "foundation/text/NextStepEncoding.h"
 
 #include <set>

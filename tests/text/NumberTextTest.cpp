@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Numbers to text and text to numbers, independent of the locale.
 #include "foundation/text/NumberText.h"
 
 #include <bit>

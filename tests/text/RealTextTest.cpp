@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What stands in where the C++ library has no conversions of real numbers writes and reads what those do.
+// The replacement for a C++ library without conversions of real numbers writes and reads what those do.
 #include "foundation/text/RealText.h"
 
 #include <bit>
@@ -82,7 +82,7 @@ TEST(RealText, byTheCLibraryHasAPointInALocaleWithADecimalComma) {
 
 #ifdef __cpp_lib_to_chars
 
-/// Bit patterns of all kinds, powers of two and of ten with their neighbours, short decimal fractions.
+/// Bit patterns of all kinds, powers of two and of ten with their neighbors, short decimal fractions.
 std::vector<double> manyNumbers() {
     std::mt19937_64 random(27);
     std::vector<double> numbers;

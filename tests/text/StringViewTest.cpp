@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Views of texts in any form.
 #include "foundation/text/StringView.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The encoding of the Symbol font.
 #include "foundation/text/SymbolEncoding.h"
 
 #include <gtest/gtest.h>

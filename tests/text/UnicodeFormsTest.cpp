@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Texts in UTF-16 and UTF-32 with either byte order, and in ASCII.
 #include "foundation/text/UnicodeForms.h"
 
 #include <gtest/gtest.h>

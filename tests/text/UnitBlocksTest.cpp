@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Searching and comparing units block by block, at every alignment.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,7 +19,7 @@ constexpr auto isComma = [](auto unit) {
 template <class Text>
 void expectPlaces(const Text& text) {
     using Unit = typename Text::value_type;
-    // From every alignment, with the text's end right behind what may be read.
+    // From every alignment, with the text's end right after what may be read.
     for (std::size_t start = 0; start <= std::min<std::size_t>(text.size(), 33); ++start) {
         const Text part(text, start);
         const std::size_t found = part.find(Unit{','});

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Searching a text in another one, in linear time.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Parsing of URI references by the grammar of RFC 3986.
 #include "foundation/text/UriReference.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Resolving references against a base, by RFC 3986.
 #include "foundation/text/UriResolution.h"
 
 #include <gtest/gtest.h>

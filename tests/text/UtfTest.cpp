@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// UTF-8 and UTF-16, also ill-formed, and file names of any bytes.
 #include "foundation/text/Utf.h"
 
 #include <algorithm>
@@ -82,7 +83,7 @@ std::size_t matchedLength(const SequenceRow& row, std::string_view bytes) {
     return matched;
 }
 
-/// Length of the sequence or maximal subpart in front, and whether it is a whole sequence.
+/// Length of the sequence or maximal subpart at the front, and whether it is a complete sequence.
 std::pair<std::size_t, bool> referenceStep(std::string_view bytes) {
     std::size_t longest = 1;
     for (const SequenceRow& row : sequenceRows) {

@@ -101,7 +101,7 @@ TEST(CalendarDifference, countsHoursAsTheyPass) {
 }
 
 TEST(CalendarDifference, sumsUpWhatItCounts) {
-    // Taking the counted units from the first date leads to the second: days on the calendar, then hours.
+    // Taking the counted units from the first date results in the second: days on the calendar, then hours.
     std::mt19937_64 random(8);
     std::uniform_int_distribution<std::int64_t> instant(-4000000000, 4000000000);
     for (const char* zone : {"EST5EDT,M3.2.0,M11.1.0", "STD3DST,M10.3.0/0,M2.3.0/0", "UTC0"}) {

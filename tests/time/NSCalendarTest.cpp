@@ -192,7 +192,7 @@ TEST(NSCalendar, agreesWithTheCLibrary) {
             ASSERT_EQ(fields.second, local.tm_sec) << name << seconds;
             ASSERT_EQ(fields.weekday, local.tm_wday + 1) << name << seconds;
             const double back = calendar.dateFromComponents(fields).timeIntervalSince1970();
-            // The C library is told which of two it was; here it is the first.
+            // The C library is given which of two it was; here it is the first.
             const bool again = kit::offsetAt(static_cast<std::int64_t>(back)) != local.tm_gmtoff;
             ASSERT_TRUE(again ? back < static_cast<double>(seconds)
                               : back == static_cast<double>(mktime(&local)))

@@ -35,7 +35,7 @@ TEST(NSDateClock, readsTheSystemsClock) {
     const NSDate date = NSDate::date();
     const Instant instant = currentInstant();
     const double after = static_cast<double>(time(nullptr)) + 1;
-    // time() may lag behind the precise clock by a tick.
+    // time() may lag the precise clock by a tick.
     EXPECT_GE(date.timeIntervalSince1970(), before);
     EXPECT_LE(date.timeIntervalSince1970(), after + 0.1);
     EXPECT_GE(instant.seconds, static_cast<std::int64_t>(before));

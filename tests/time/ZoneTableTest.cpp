@@ -109,7 +109,7 @@ TEST_F(ZoneTable, readsTheVariableAgainOnlyWhenTold) {
         rereadProcessZone();
         EXPECT_EQ(zoneOffsetAt(processZone(), winter), 7200);
     }
-    // A value that is changed in place, where its address tells nothing.
+    // A value that is changed in place, where its address shows nothing.
     char inPlace[] = "TZ=BBB-3";
     putenv(inPlace);
     rereadProcessZone();

@@ -93,7 +93,7 @@ public:
         return outcome;
     }
 
-    /// Expects success, and answers what was printed.
+    /// Expects success, and returns what was printed.
     std::string done(const Words& words) const {
         const Outcome outcome = run(words);
         EXPECT_EQ(outcome.status, 0) << ::testing::PrintToString(words) << outcome.errors;

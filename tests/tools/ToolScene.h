@@ -91,7 +91,7 @@ public:
         return outcome;
     }
 
-    /// Expects success, and answers what was printed.
+    /// Expects success, and returns what was printed.
     std::string done(const Words& words, const std::string& input = {}) const {
         const Outcome outcome = run(words, input);
         EXPECT_EQ(outcome.status, 0) << outcome.errors;

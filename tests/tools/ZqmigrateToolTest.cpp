@@ -340,7 +340,7 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     tool.file("a/f 1");
     tool.file("b/f");
     EXPECT_EQ(notesOf(" 0  f 1: success", {"-n", "--rename", "batch", "a", "b"}), "none");
-    // Two folders of the source lead to one at the destination.
+    // Two folders of the source become one at the destination.
     tool.file("c/same");
     tool.file("c/sub/same");
     tool.folder().folder("d");
@@ -363,7 +363,7 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     const Outcome original = tool.run({"-n", "batch", "h", "i"});
     EXPECT_TRUE(holds(original.errors, "      note: its destination is an original of this run\n"));
     EXPECT_FALSE(holds(tool.run({"-n", "--keep-original", "batch", "h", "i"}).errors, "note: "));
-    // A link leads nowhere when what it leads to has moved before.
+    // A link is dangling when what it refers to has moved before.
     tool.file("j/f");
     tool.folder().link("f", "j/l");
     tool.folder().folder("k");

@@ -5,8 +5,8 @@
 
 namespace notes {
 
-/// Leads standard error into a file of this run, keeps the newest ten, and writes the start-up report when a
-/// trace key is on. With the default `LogFile` = NO standard error stays what it is.
+/// Redirects standard error to a file of this run, keeps the newest ten, and writes the start-up report when
+/// a trace key is on. With the default `LogFile` = NO standard error stays as it is.
 void startLog();
 
 } // namespace notes

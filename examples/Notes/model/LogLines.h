@@ -25,8 +25,8 @@ public:
     /// From now on each line of the log is kept.
     void observe();
 
-    /// Called after each line, in the thread that logged; an empty function for nobody. An earlier listener
-    /// is no longer being called when this returns, so a listener must not call it.
+    /// Called after each line, in the thread that logged; an empty function removes the listener. An earlier
+    /// listener is no longer being called when this returns, so a listener must not call it.
     void setListener(std::function<void()> listener);
 
     /// Appends the lines from number `next` on, counted from the first one ever, as far as they are still
@@ -44,7 +44,7 @@ private:
     std::function<void()> listener_;
 };
 
-/// Collects the messages, without what stands in front of them, that this thread logs while it lives. One at
+/// Collects the messages, without the prefixes of their lines, that this thread logs while it lives. One at
 /// a time in a thread.
 class LogCapture {
 public:

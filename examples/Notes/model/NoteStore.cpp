@@ -25,10 +25,10 @@ constexpr const char* removedFolder = ".Removed";
 
 NSFileManager& files() { return NSFileManager::defaultManager(); }
 
-/// What a user writes down concerns nobody else.
+/// What a user writes down is private.
 NSDictionary privately(int permissions) { return NSDictionary{{NSFilePosixPermissions, permissions}}; }
 
-/// Nil for what is no text that can be shown and written back.
+/// Nil for a file whose text cannot be shown and written back unchanged.
 NSString textOfFile(const NSString& path) {
     const NSDictionary attributes = files().attributesOfItemAtPath_error(path);
     if (!files().isRegularFileAtPath(path) || NSNumber(attributes[NSFileSize]).longLongValue() > maxSize) {
@@ -60,7 +60,8 @@ Note readNote(const NSString& path) {
     return note;
 }
 
-/// A file name made of the first line: no separator, no leading dot, no control character, no half character.
+/// A file name made of the first line: no separator, no leading dot, no control character, no partial
+/// character.
 NSString nameFor(const NSString& text) {
     const NSString untitled = NSString::initWithLocalizedString("Untitled");
     const NSString title = untitled.asDefaultOr(firstLine(text));
@@ -199,7 +200,7 @@ Outcome NoteStore::remove(const NSString& path) {
     return {result.destination, nullptr};
 }
 
-/// The note was changed last, so it is the first.
+/// The note was changed last, so it comes first.
 void NoteStore::keep(const NSString& path) {
     std::erase_if(notes_, [&](const Note& note) { return note.path == path; });
     notes_.insert(notes_.begin(), readNote(path));

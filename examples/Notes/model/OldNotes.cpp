@@ -23,7 +23,7 @@ void walk(const NSString& folder, const OnItem& onItem) {
     }
 }
 
-/// A move leaves them out without a word.
+/// A move skips them silently.
 void addUnreadableFolders(const NSString& folder, std::vector<Stayed>& stayed) {
     const NSFileManager& files = NSFileManager::defaultManager();
     walk(folder, [&](const NSString& item, const NSString& path) {

@@ -19,8 +19,8 @@ struct Stayed {
 
 /// How moving the old notes has ended.
 struct Move {
-    std::size_t moved = 0;      ///< how many are at the new place
-    std::size_t left = 0;       ///< how many are still at the old one
+    std::size_t moved = 0;      ///< number of notes at the new place
+    std::size_t left = 0;       ///< number of notes still at the old one
     std::vector<Stayed> stayed; ///< those that could not be moved
     bool isStopped = false;     ///< by the observer
 };

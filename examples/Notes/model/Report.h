@@ -10,8 +10,8 @@ namespace notes {
 namespace zq = ZQFoundation;
 
 /// The lines of the start-up report as the log has them: application, system and hardware, and each active
-/// switch with the command that undoes it. They are logged once more by this call, for whoever reads the log
-/// later. Needs `LogLines::observe`.
+/// switch with the command that undoes it. This call logs them once more, for whoever reads the log later.
+/// Needs `LogLines::observe`.
 zq::NSString startupReport();
 
 } // namespace notes

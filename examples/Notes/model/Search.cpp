@@ -11,7 +11,7 @@ namespace notes {
 
 namespace {
 
-/// The Latin letters with accents, each beside what it is without them.
+/// The Latin letters with accents, each with its letter without them.
 constexpr struct {
     char16_t base;
     const char16_t* letters;

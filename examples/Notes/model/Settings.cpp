@@ -58,7 +58,7 @@ NSString save(const Values& values) {
     defaults().setObject_forKey(values.fontSize, "FontSize");
     defaults().setObject_forKey(values.wrapsLines, "WrapLines");
     defaults().setObject_forKey(values.language, "Language");
-    // What the library chooses the texts by; without it the system's languages count.
+    // The library chooses the texts by this; without it the system's languages count.
     defaults().setObject_forKey(values.language ? NSObject(NSArray{values.language}) : NSObject(),
                                 "AppleLanguages");
     return synchronize();

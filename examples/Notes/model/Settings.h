@@ -20,23 +20,23 @@ struct Values {
     zq::NSString language;  ///< that the user has chosen for Notes, such as "de"; nil for the system's choice
 };
 
-/// Registers the values that count while the user has set nothing. Called once, at the start.
+/// Registers the values that apply while the user has set nothing. Called once, at the start.
 void registerDefaults();
 
 /// The settings as they are now.
 Values current();
 
-/// Sets and saves all settings. Nil when they are saved, else the reason why they count for this run only.
+/// Sets and saves all settings. Nil when they are saved, else the reason why they apply to this run only.
 zq::NSString save(const Values& values);
 
 /// Turns a trace key on or off at once, for all threads, and saves that. Nil, or the reason as from `save`. A
-/// key on the command line or in the environment outranks it: look at `ZQLog::traceKeyIsEnabled` afterwards.
+/// key on the command line or in the environment overrides it: check `ZQLog::traceKeyIsEnabled` afterwards.
 zq::NSString setTraceKey(const zq::NSString& key, bool isOn);
 
-/// Whether this release has still to move the notes of an older one.
+/// Whether this release still has to move the notes of an older one.
 bool needsMove();
 
-/// From now on this release has nothing to move any more. Nil, or the reason as from `save`.
+/// From now on this release has nothing more to move. Nil, or the reason as from `save`.
 zq::NSString rememberMove();
 
 } // namespace notes::settings

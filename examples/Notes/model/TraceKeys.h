@@ -13,7 +13,7 @@ inline constinit const ZQFoundation::ZQTraceKey traceNotes("TraceNotes");
 /// What is searched for, and how many notes are found.
 inline constinit const ZQFoundation::ZQTraceKey traceSearch("TraceSearch");
 
-/// What moves from the folder of the release before.
+/// What moves from the folder of the previous release.
 inline constinit const ZQFoundation::ZQTraceKey traceMigration("TraceMigration");
 
 /// Which settings change.

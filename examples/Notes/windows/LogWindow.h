@@ -30,7 +30,7 @@ private:
     QLineEdit* filter_ = nullptr;
     QPlainTextEdit* lines_ = nullptr;
     std::size_t next_ = 0;
-    std::atomic<bool> isWaiting_ = false; ///< for the window's thread to look at new lines
+    std::atomic<bool> isWaiting_ = false; ///< for the window's thread to show new lines
 };
 
 } // namespace notes

@@ -72,7 +72,7 @@ void MainWindow::makeWidgets() {
     statusBar()->addWidget(status_, 1);
 
     connect(search_, &QLineEdit::textChanged, this, [this] { showList(); });
-    // Later, when the list is done: selecting may save, and then the list is made anew.
+    // Later, when the list is done: selecting may save, and then the list is rebuilt.
     connect(
         list_, &QListWidget::currentItemChanged, this, [this] { select(); }, Qt::QueuedConnection);
     connect(editor_->document(), &QTextDocument::contentsChanged, saving_, qOverload<>(&QTimer::start));
@@ -109,7 +109,7 @@ void MainWindow::applySettings() {
     editor_->setLineWrapMode(values.wrapsLines ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
 }
 
-/// A release looks for notes of earlier ones until all have moved, or the user does without those that
+/// A release looks for notes of earlier ones until all have moved, or until the user gives up those that
 /// cannot.
 void MainWindow::takeOverOldNotes() {
     if (!settings::needsMove()) {
@@ -155,7 +155,7 @@ void MainWindow::showList() {
     status_->setText(localized("%zu of %zu notes", found.size(), store_.notes().size()));
 }
 
-/// What the editor would not write back as it was is shown and cannot be changed.
+/// A text that the editor would not write back unchanged is shown read-only.
 void MainWindow::open(const zq::NSString& path) {
     const Note* const note = store_.find(path);
     const QString text = note != nullptr ? note->text.as<QString>() : QString("");

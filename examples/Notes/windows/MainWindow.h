@@ -20,10 +20,10 @@ namespace notes {
 /// is opened or the window is closed; what cannot be saved stays in the editor.
 class MainWindow : public QMainWindow {
 public:
-    /// The store lives longer.
+    /// The store must outlive the window.
     explicit MainWindow(NoteStore& store);
 
-    /// Reads the notes of the disk again.
+    /// Reads the notes from the disk again.
     void reload();
 
     /// Moves the notes of an earlier release, in a window, unless that was done before.

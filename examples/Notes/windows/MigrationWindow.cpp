@@ -10,7 +10,7 @@ namespace notes {
 
 namespace {
 
-/// Hands the progress on to a function, and stops when the flag is set.
+/// Passes the progress on to a function, and stops when the flag is set.
 template <class OnItem>
 class Observer : public zq::ZQMigrationObserver {
 public:
@@ -122,7 +122,7 @@ void MigrationWindow::finish(const Move& move) {
     leaveButton_->setVisible(!move.isStopped);
 }
 
-/// While the move goes on, its end closes nothing: the user sees first what is left.
+/// The end of a running move does not close the window: the user first sees what is left.
 void MigrationWindow::reject() {
     if (isFinished_ || !mover_.joinable()) {
         QDialog::reject();

@@ -17,8 +17,8 @@
 
 namespace notes {
 
-/// Moves old notes on a thread of its own, shows how far it is, and at the end what stayed and why. It can be
-/// stopped; closing it stops it too. Accepted when all notes are moved or the user does without the others.
+/// Moves old notes on a thread of its own, shows the progress, and at the end what stayed and why. It can be
+/// stopped; closing it stops it too. Accepted when all notes are moved or the user gives up the others.
 class MigrationWindow : public QDialog {
 public:
     /// Nothing is moved before `start`.
@@ -28,7 +28,7 @@ public:
     /// Begins to move.
     void start();
 
-    /// Ends the move after the note in hand.
+    /// Ends the move after the current note.
     void stop() { isStopped_ = true; }
 
     void reject() override;

@@ -15,7 +15,7 @@ class SettingsWindow : public QDialog {
 public:
     explicit SettingsWindow(QWidget* parent);
 
-    /// Why the settings count for this run only; empty when they are saved.
+    /// Why the settings apply to this run only; empty when they are saved.
     const QString& failure() const { return failure_; }
 
     void accept() override;

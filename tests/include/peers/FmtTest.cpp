@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Formatters of values for {fmt}, whose header may stand above or below.
+// Formatters of values for {fmt}, whose header may come before or after ours.
 #include <ZQFoundation/Std.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>

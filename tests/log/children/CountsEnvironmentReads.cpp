@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stands before the functions that read the environment, which another thread of a host may be changing, and
+// Intercepts the functions that read the environment, which another thread of a host may be changing, and
 // counts who calls them. Exits with 0 when no log call and no trace question did after the first ones.
 #include <cstdlib>
 

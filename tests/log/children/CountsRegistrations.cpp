@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stands before the functions by which a program gets handlers and threads and counts who calls them while it
+// Intercepts the functions by which a program gets handlers and threads, and counts who calls them while it
 // uses the library. Exits with 0 when nobody did.
 #include <csignal>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Forks, in each way that there is, while one thread is inside a line and another one holds the monitor, in a
 // process whose own fork handler came before the library's and logs. The children's lines go to the file
-// named by the first argument; each says who it is and bears its process's number.
+// named by the first argument; each says who it is and has its process's number.
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -66,7 +66,7 @@ int forkInEveryWay() {
     return failures + resultOf(child);
 }
 
-/// Until the pipe takes no more, and so whoever writes to it waits.
+/// Returns when the pipe is full, so that whoever writes to it waits.
 void waitUntilFull(int pipe) {
     int held = 0;
     while (::ioctl(pipe, FIONREAD, &held) == 0 && held < ::fcntl(pipe, F_GETPIPE_SZ)) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is migrated under faults: a file, a tree or a batch, to a new place, over or beside something older.
+// What is migrated under faults: a file, a tree or a batch, to a new place, or over or beside an older item.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_CASES_H
 #define ZQFOUNDATION_TESTS_FAULTS_CASES_H
 
@@ -88,7 +88,7 @@ public:
         return folder_ / ((case_.old == Old::missing ? "to/new/" : "to/") + name);
     }
 
-    /// What there was before: the source, and what stood at the destination.
+    /// What there was before: the source, and the item at the destination.
     const Digest& source() const { return source_; }
     const Digest& old() const { return old_; }
 
@@ -181,7 +181,7 @@ private:
         }
     }
 
-    /// Permissions and a time of its own, so that a copy without them shows.
+    /// Permissions and a time of its own, so that a copy without them is noticed.
     void finish(const std::string& name, mode_t mode) const {
         ::chmod((folder_ / name).c_str(), mode);
         const timespec times[2] = {{1000000000, 1000}, {1234567890, 123456000}};
@@ -206,10 +206,10 @@ bool atCallsOf(const Case& which, long first, long stride, const Body& body) {
     return plain.traced;
 }
 
-/// Nothing is thinned out: for hours rather than seconds.
+/// Nothing is left out: takes hours rather than seconds.
 inline bool isEveryCallTried() { return std::getenv("ZQ_EVERY_CALL") != nullptr; }
 
-/// How many runs of a race are made.
+/// The number of runs of a race.
 inline long wantedRaces(long usual) {
     const char* const wanted = std::getenv("ZQ_RACES");
     return wanted != nullptr ? std::strtol(wanted, nullptr, 10) : scene::forksTakeTurns ? usual / 4 : usual;

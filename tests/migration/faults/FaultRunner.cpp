@@ -66,7 +66,7 @@ bool readOrder(const std::vector<std::string>& words, Order& order) {
     return order.fault.call > 0;
 }
 
-/// What came out of one migration; 1 when something does not hold.
+/// Prints the result of one migration; 1 when a promise is broken.
 int show(const faults::Run& run, const faults::Outcome& outcome, const scene::Words& problems) {
     std::printf("%s\n%s\n", outcome.ended ? "ended, reporting:" : "did not end", outcome.report.c_str());
     std::printf("what is there:\n%s", scene::shownDigest(scene::digestOf(run.base())).c_str());

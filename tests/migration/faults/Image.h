@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// File systems in image files, as disks that lose power: what a copy of the image holds is what the disk has
-// been sent until then. Only for root, and with mount points of one's own.
+// File systems in image files, as disks that lose power: a copy of the image holds what the disk has been
+// sent until then. Only for root, and with mount points of one's own.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_IMAGE_H
 #define ZQFOUNDATION_TESTS_FAULTS_IMAGE_H
 
@@ -49,7 +49,7 @@ public:
     bool isMounted() const { return isMounted_; }
 
 private:
-    /// The path of a device for the image, empty where there is none to be had.
+    /// The path of a device for the image, empty when none is available.
     std::string attach(const std::string& image) {
         const int control = ::open("/dev/loop-control", O_RDWR | O_CLOEXEC);
         const int file = ::open(image.c_str(), O_RDWR | O_CLOEXEC);
@@ -79,8 +79,8 @@ private:
     bool isMounted_ = false;
 };
 
-/// What the disk holds at one moment. It is read until two readings are the same, so that no write fell into
-/// the middle of it.
+/// What the disk holds at one moment. It is read until two readings are the same, so that no write happened
+/// in the middle of one.
 inline std::string snapshotOf(const std::string& image) {
     std::string bytes = scene::contentsOf(image);
     for (;;) {

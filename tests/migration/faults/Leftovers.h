@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an interrupted migration leaves under hidden names, and what stands under the names that a user sees.
+// What an interrupted migration leaves under hidden names, and what is under the names that a user sees.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_LEFTOVERS_H
 #define ZQFOUNDATION_TESTS_FAULTS_LEFTOVERS_H
 
@@ -10,8 +10,8 @@
 
 namespace faults {
 
-inline constexpr const char setAside[] = ".zq-aside.";  ///< a source that may still go back
-inline constexpr const char givenUp[] = ".zq-gone.";    ///< what is being taken apart
+inline constexpr const char setAside[] = ".zq-aside.";  ///< a source that may still be restored
+inline constexpr const char givenUp[] = ".zq-gone.";    ///< what is being removed
 inline constexpr const char unfinished[] = ".zq-copy."; ///< a copy that has not taken its name
 
 inline bool begins(const std::string& text, const char* start) { return text.rfind(start, 0) == 0; }
@@ -35,7 +35,7 @@ inline scene::Words leftoversBelow(const std::string& start) {
     return found;
 }
 
-/// Whether the item or a folder that it lies in has one of the marks; the path is relative to a visible
+/// Whether the item or a folder that contains it has one of the marks; the path is relative to a visible
 /// folder.
 inline bool isHidden(std::string path) {
     while (!path.empty()) {

@@ -82,7 +82,7 @@ private:
         out.unique = header_.unique;
         std::string reply(reinterpret_cast<const char*>(&out), sizeof out);
         reply.append(static_cast<const char*>(bytes), bytes == nullptr ? 0 : count);
-        // A request that was interrupted meanwhile takes no answer.
+        // A request that was interrupted meanwhile needs no answer.
         static_cast<void>(::write(device_, reply.data(), reply.size()));
     }
     template <class Reply>
@@ -127,7 +127,7 @@ private:
         return attributes;
     }
 
-    /// The node at the path, made when it is a new one. Nothing is kept by the kernel: all is asked again.
+    /// The node at the path, made when it is new. The kernel keeps nothing and asks for everything again.
     bool look(const std::string& path, fuse_entry_out& entry) {
         struct stat information {};
         if (::lstat(path.c_str(), &information) != 0) {
@@ -163,7 +163,7 @@ private:
         case FUSE_FORGET:
         case FUSE_BATCH_FORGET:
         case FUSE_INTERRUPT:
-            return; // take no answer
+            return; // need no answer
         case FUSE_LOOKUP:
             return answerEntry(below(header_.nodeid, after(0)));
         case FUSE_GETATTR:

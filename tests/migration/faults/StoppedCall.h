@@ -79,7 +79,7 @@ private:
 class StoppedCall {
 public:
     StoppedCall(pid_t child, const std::string& base) : child_(child), base_(base) {
-        // The system answers with as much as it knows, which must be the form of a filtered call.
+        // The system returns as much as it knows, which must be the form of a filtered call.
         known_ = ::ptrace(PTRACE_GET_SYSCALL_INFO, child, reinterpret_cast<void*>(sizeof information_),
                           &information_) > 0 &&
                  information_.op == PTRACE_SYSCALL_INFO_SECCOMP;
@@ -121,7 +121,7 @@ public:
 
     const std::string& where() const { return where_; }
 
-    /// The call is not made and its result is the error.
+    /// Does not make the call; its result is the error.
     bool replaceBy(int error) const {
         CallRegisters registers(child_);
         registers.setResult(-error);
@@ -130,7 +130,7 @@ public:
 
     bool isTransfer() const { return call_ != nullptr && call_->transfer.count >= 0; }
 
-    /// The call transfers one byte at most, or half of what it would.
+    /// Makes the call transfer one byte at most, or half of what it would.
     bool shorten(bool toOneByte) const {
         const Transfer& transfer = call_->transfer;
         CallRegisters registers(child_);

@@ -38,12 +38,12 @@ struct Fault {
     bool isShortening() const { return kind == shorteningToOne || kind == shorteningToHalf; }
 };
 
-/// A lasting EINTR ends after this many calls: an operation that tries again forever is right to do so.
+/// A lasting EINTR ends after this many calls: an operation may rightly retry forever.
 inline constexpr long longestInterruption = 200;
 
 inline constexpr const char notTraced[] = "this machine does not permit one process to trace another";
 
-/// What somebody else does while the operation is stopped in front of its call with this number, from 1.
+/// What somebody else does while the operation is stopped before its call with this number, from 1.
 using Deed = std::function<void(long call)>;
 
 /// How an operation is run: the folder whose files count, what goes wrong, and what happens meanwhile.
@@ -64,7 +64,7 @@ struct Outcome {
     std::string report;
     std::vector<std::string> names; ///< of the calls, when they are recorded
 
-    /// Whether the call was reached at which the fault was to be.
+    /// Whether the call was reached at which the fault was planned.
     bool met(const Fault& fault) const { return (fault.isShortening() ? transfers : calls) >= fault.call; }
 };
 
@@ -139,7 +139,7 @@ public:
         return outcome_;
     }
 
-    static constexpr int notPermitted = 77; ///< what the child answers when it cannot be traced
+    static constexpr int notPermitted = 77; ///< what the child returns when it cannot be traced
 
 private:
     void atCall() {
@@ -194,7 +194,7 @@ private:
     Outcome outcome_;
 };
 
-/// A child that runs `body`, which returns a text, and sends that text back.
+/// A child that runs `body`, which returns a text, and sends that text to the parent.
 class ReportingChild {
 public:
     /// `prepare` is run first; when it returns false, the child ends with `Tracer::notPermitted`.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What must hold after a run under faults, and after the same call once more: no file is lost, what bears the
+// What must hold after a run under faults, and after the same call once more: no file is lost, what has the
 // final name is complete, and the code says what happened.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_VERDICT_H
 #define ZQFOUNDATION_TESTS_FAULTS_VERDICT_H
@@ -19,7 +19,7 @@ struct Item {
     std::string from;
     std::string to;
     Digest whole; ///< what is migrated
-    Digest old;   ///< what stood at the destination; empty when nothing did
+    Digest old;   ///< what was at the destination; empty when nothing was
 };
 
 /// The path with a number, as a copy gets it whose name is taken.
@@ -40,7 +40,7 @@ public:
         for (const auto& [name, item] : items()) {
             const auto code = codes.find(name);
             if (outcome.ended && code == codes.end()) {
-                // The enumeration did not come to it: it was not touched.
+                // The enumeration did not reach it: it was not touched.
                 expect(now(item.from) == item.whole, "lost without a code: " + item.from);
             } else {
                 judge(item, fault, outcome.ended ? code->second : "");
@@ -64,7 +64,7 @@ public:
     }
 
 private:
-    /// Whether the second call had to do with the folder of this leftover: a batch that brings nothing to a
+    /// Whether the second call had to do with the folder of this leftover: a batch that moves nothing into a
     /// folder does not look into it.
     bool concernedFolder(const std::string& leftover, const std::map<std::string, std::string>& codes) const {
         const std::string folder = folderOf(leftover);
@@ -100,7 +100,7 @@ private:
         return files;
     }
 
-    /// The codes by name, after what holds for every report and for all that is not migrated.
+    /// The codes by name, after the checks of every report and of all that is not migrated.
     std::map<std::string, std::string> judgedCodes(const Outcome& outcome) {
         expect(!outcome.hung, "it hung");
         expect(scene::contentsOf(run_ / "from/beside") == "beside", "a file beside the source suffered");
@@ -144,7 +144,7 @@ private:
         } else if (code == "15") {
             expect(copyWhole, "no whole copy" + about);
             expect(!case_.keepOriginal, "a copy removes nothing" + about);
-            // Where every call fails, that which puts the source back does, too.
+            // When every call fails, so does the one that puts the source back.
             expect(sourceWhole || (fault.lasting && isAside(item)), "the source is not whole" + about);
         } else {
             judgeFailure(item, fault, code, about);
@@ -168,7 +168,7 @@ private:
         }
     }
 
-    /// Whether the whole source stands beside its name, waiting to be put back.
+    /// Whether the whole source is beside its name, waiting to be put back.
     static bool isAside(const Item& item) {
         for (const std::string& name : leftoversBelow(folderOf(item.from))) {
             if (begins(lastComponent(name), setAside) &&

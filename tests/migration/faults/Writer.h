@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Somebody who goes on working, by paths alone, with files that are being migrated, and knows what must be
+// Somebody who goes on working, by paths only, with files that are being migrated, and knows what must be
 // found somewhere afterwards: whatever was there after each step that succeeded.
 #ifndef ZQFOUNDATION_TESTS_FAULTS_WRITER_H
 #define ZQFOUNDATION_TESTS_FAULTS_WRITER_H
@@ -15,7 +15,7 @@
 
 namespace faults {
 
-/// Swaps two names in one step, so that there is always something at either.
+/// Swaps two names in one step, so that there is always something at each of them.
 inline bool exchange(const std::string& one, const std::string& other) {
     return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
                      2 /* RENAME_EXCHANGE */) == 0;
@@ -82,17 +82,17 @@ public:
     void savesOver(const std::string& name) {
         const std::string beside = path(name) + ".new";
         if (saved_.empty() || !faults::exchange(beside, path(name))) {
-            moves(name + ".new", name); // what it was to replace is not there
+            moves(name + ".new", name); // what it would have replaced is not there
             return;
         }
-        // What was replaced need not be found, if it is what goes now.
+        // What was replaced need not be found, if that is what is removed now.
         const std::string before = scene::contentsOf(beside);
         if (::unlink(beside.c_str()) == 0) {
             texts_.erase(before);
         }
     }
 
-    /// Writes over what is there, without making the file longer or shorter.
+    /// Overwrites the contents without making the file longer or shorter.
     void rewrites(const std::string& name) {
         const int file = ::open(path(name).c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
         if (file < 0) {
@@ -119,7 +119,7 @@ public:
         }
     }
 
-    /// Adds a line to a file that is opened for it, as the name stands for at that moment.
+    /// Adds a line to the file that has the name at that moment, opened for this.
     void appends(const std::string& name) {
         const int file = ::open(path(name).c_str(), O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC);
         appendTo(file, name);
@@ -154,7 +154,7 @@ public:
     /// Swaps a folder for a link to the victim's folder, or back.
     void swaps(const std::string& name) { faults::exchange(path(name), run_ / "swap/place"); }
 
-    /// What should be there and is not.
+    /// What should be there and is missing.
     scene::Words problems() const {
         scene::Words problems;
         const std::set<std::string> found = visibleContents(run_.base());

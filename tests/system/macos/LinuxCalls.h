@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// In front of every test source on macOS: the calls of Linux that tests make. What there is in another form
-// is put into that of Linux; what there is not fails with ENOSYS, and the tests that need it are skipped as
+// Included before every test source on macOS: the calls of Linux that tests make. What macOS has in another
+// form is put into that of Linux; what it lacks fails with ENOSYS, and the tests that need it are skipped as
 // where it is forbidden.
 #ifndef ZQFOUNDATION_TESTS_MACOS_LINUXCALLS_H
 #define ZQFOUNDATION_TESTS_MACOS_LINUXCALLS_H
