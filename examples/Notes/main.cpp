@@ -6,7 +6,9 @@
 // Try
 //
 //     Notes -TraceNotes YES -LogFile NO
-//     Notes -AppleLanguages "(de)" -style fusion
+//     Notes -AppleLanguages "(de)" -style fusion cafe
+//
+// What is left of the command line, after Qt's options and the user defaults, is searched for.
 
 #include <QtWidgets/QApplication>
 
@@ -33,6 +35,7 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     notes::NoteStore store(zq::NSProcessInfo::pathOfLibraryApplicationSupportSubfolder());
     notes::MainWindow window(store);
+    window.search(QApplication::arguments().mid(1).join(' '));
     window.show();
     window.takeOverOldNotes();
     return QApplication::exec();

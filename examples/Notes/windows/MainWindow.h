@@ -29,6 +29,9 @@ public:
     /// Moves the notes of an earlier release, in a window, unless that was done before.
     void takeOverOldNotes();
 
+    /// Shows the notes in which these words occur, as if the user had typed them.
+    void search(const QString& words) { search_->setText(words); }
+
     /// Saves the text of the editor. False, with the reason in the status bar, when that fails.
     bool save();
 

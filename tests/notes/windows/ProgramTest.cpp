@@ -141,6 +141,12 @@ TEST(Program, readsTraceKeysBesideTheOptionsOfQt) {
     EXPECT_NE(program.lineWith("notes in").find("1 notes in " + home.newPlace()), std::string::npos);
 }
 
+TEST(Program, searchesForWhatIsLeftOfItsCommandLine) {
+    const Home home;
+    Program program(home, {"-TraceSearch", "YES", "apple", "-style", "fusion", "pie", "-LogFile", "NO"});
+    EXPECT_NE(program.lineWith("0 notes hold \"apple pie\""), "");
+}
+
 TEST(Program, speaksGerman) {
     const Home home;
     Program program(home, {"-TraceNotes", "YES", "-LogFile", "NO"}, "de");
