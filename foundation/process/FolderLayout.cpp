@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Finds the folders of a process's files.
 #include "foundation/process/FolderLayout.h"
 
 #include <cstring>
