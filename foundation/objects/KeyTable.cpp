@@ -129,8 +129,8 @@ NSDictionaryEntry* findText(TableBody& table, StringView key) {
     if (!key || table.count == 0) {
         return nullptr;
     }
-    if (key.form() !=
-        StringView::Form::utf16) { // mostly a literal, and ASCII: hashed and checked in one pass
+    // Mostly a literal, and ASCII: hashed and checked in one pass.
+    if (key.form() != StringView::Form::utf16) {
         std::uint64_t seen = 0;
         const std::uint64_t hash = hashBytes(key.bytes(), key.size(), tableSeed(), seen);
         if ((seen & beyondAscii) == 0) {
