@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Rejects at compile time formats that do not match their arguments.
 #ifndef ZQFOUNDATION_TEXT_FORMATREFUSAL_H
 #define ZQFOUNDATION_TEXT_FORMATREFUSAL_H
 

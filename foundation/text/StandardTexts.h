@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Makes texts of the standard library's types.
 #ifndef ZQFOUNDATION_TEXT_STANDARDTEXTS_H
 #define ZQFOUNDATION_TEXT_STANDARDTEXTS_H
 
