@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Declares the switches that decide whether a log line is made.
+// Declares the gates of a log operation before its trace condition.
 #ifndef ZQFOUNDATION_LOG_LOGGATES_H
 #define ZQFOUNDATION_LOG_LOGGATES_H
 

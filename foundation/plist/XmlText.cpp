@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads characters and references of XML text.
+// Writes dictionaries as XML property lists that every reader accepts.
 #include "foundation/plist/XmlText.h"
 
 #include <vector>

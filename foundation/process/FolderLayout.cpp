@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Finds the folders of a process's files.
+// Finds the folders for logs and data that an application requests.
 #include "foundation/process/FolderLayout.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Declares the parts of a log line.
+// Declares a finished log line and the type of its observer.
 #ifndef ZQFOUNDATION_PROCESS_ZQLOGLINE_H
 #define ZQFOUNDATION_PROCESS_ZQLOGLINE_H
 

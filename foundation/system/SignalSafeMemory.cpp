@@ -95,8 +95,7 @@ Header* takePlaceOfSize(int bits) {
     if (__atomic_exchange_n(&slabs.mayHavePlaces, false, __ATOMIC_RELAXED)) {
         for (slab = __atomic_load_n(&slabs.first, __ATOMIC_ACQUIRE); slab != nullptr; slab = slab->next) {
             if (Header* const header = takePlace(*slab)) {
-                __atomic_store_n(&slabs.mayHavePlaces, true,
-                                 __ATOMIC_RELAXED); // perhaps in later slabs as well
+                __atomic_store_n(&slabs.mayHavePlaces, true, __ATOMIC_RELAXED); // perhaps in later slabs
                 __atomic_store_n(&slabs.likely, slab, __ATOMIC_RELEASE);
                 return header;
             }

@@ -108,8 +108,6 @@ WritersHeldOff::~WritersHeldOff() = default;
 
 bool WritersHeldOff::areThereNone() const noexcept { return true; }
 
-bool mightHideChange(const timespec&) noexcept {
-    return false;
-} // its clock for files has nanosecond resolution
+bool mightHideChange(const timespec&) noexcept { return false; } // its clock for files has nanoseconds
 
 } // namespace ZQFoundation::detail::system

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rejects at compile time formats that do not match their arguments.
+// Reports at compile time what is wrong with a literal format.
 #ifndef ZQFOUNDATION_TEXT_FORMATREFUSAL_H
 #define ZQFOUNDATION_TEXT_FORMATREFUSAL_H
 

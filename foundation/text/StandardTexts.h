@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Makes texts of the standard library's types.
+// Makes types that convert to views of the standard library text arguments.
 #ifndef ZQFOUNDATION_TEXT_STANDARDTEXTS_H
 #define ZQFOUNDATION_TEXT_STANDARDTEXTS_H
 
