@@ -150,7 +150,7 @@ void ZQLog::setOptionalLogFilePath(const NSString& path) {
     detail::saveStandardError();
     std::string bytes;
     if (!path) {
-        return; // is not redirected
+        return; // nil redirects nothing
     }
     if (!path.getFileSystemBytes(bytes)) {
         bytes.clear(); // no file can have this name: it fails like any other that cannot be opened
