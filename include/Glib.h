@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Converts between the types of GLib and values.
 #ifndef ZQFOUNDATION_GLIB_H
 #define ZQFOUNDATION_GLIB_H
 
@@ -199,7 +200,7 @@ struct ObjectConversion<Glib::DateTime> {
     }
 };
 
-/// `Glib::Variant<T>` too; back, a `Glib::VariantBase`, which `Glib::VariantBase::cast_dynamic` narrows.
+/// Also `Glib::Variant<T>`; back, a `Glib::VariantBase`, which `Glib::VariantBase::cast_dynamic` narrows.
 template <class Variant>
     requires std::is_base_of_v<Glib::VariantBase, Variant>
 struct ObjectConversion<Variant> {
@@ -211,10 +212,9 @@ struct ObjectConversion<Variant> {
 };
 #endif
 
-/// From now on what GLib, GTK and the host log by `g_message`, `g_warning` and the others are lines of the
-/// log: "Gtk: warning: ...", behind the log's own prefix. Debug and info messages are written for the domains
-/// that G_MESSAGES_DEBUG names, as GLib itself does. To be called once: GLib takes one writer in the life of
-/// a process.
+/// Makes all that GLib, GTK and the host log by `g_message`, `g_warning` and the others lines of the log:
+/// "Gtk: warning: ...", after the log's own prefix. Debug and info messages are written for the domains that
+/// G_MESSAGES_DEBUG names, as GLib itself does. Call it once: GLib accepts one writer per process.
 inline void logMessagesOfGLib() {
     g_log_set_writer_func(
         [](GLogLevelFlags level, const GLogField* fields, gsize count, gpointer) -> GLogWriterOutput {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Converts between the types of Qt and values.
 #ifndef ZQFOUNDATION_QT_H
 #define ZQFOUNDATION_QT_H
 
@@ -54,7 +55,7 @@ struct ObjectConversion<QStringView> {
     }
 };
 
-/// Not a look at its bytes: those are Latin-1, not UTF-8.
+/// Not a view of its bytes: those are Latin-1, not UTF-8.
 template <>
 struct ObjectConversion<QLatin1String> {
     static NSString object(const QLatin1String& string) { return QString(string); }
@@ -92,7 +93,7 @@ struct ObjectConversion<QDateTime> {
     }
 };
 
-/// Encoded; nil for what is no URI reference.
+/// Encoded; nil for anything but a URI reference.
 template <>
 struct ObjectConversion<QUrl> {
     static NSURL object(const QUrl& url) { return NSURL::URLWithString(url.toEncoded()); }
@@ -101,7 +102,7 @@ struct ObjectConversion<QUrl> {
     }
 };
 
-/// Element by element; those that are nil are the null object. Back, empty for what is no array.
+/// Element by element; those that are nil are the null object. Back, empty for anything but an array.
 template <class T>
 struct ObjectConversion<QList<T>> {
     static NSArray object(const QList<T>& list) {
@@ -211,9 +212,8 @@ struct ObjectConversion<QVariant> {
     }
 };
 
-/// From now on Qt's messages (`qDebug` to `qFatal`, those of categories too) are lines of the log:
-/// "qt.network: warning: ...", behind the log's own prefix. What ends the process after a fatal message is
-/// Qt.
+/// Makes Qt's messages (`qDebug` to `qFatal`, also those of categories) lines of the log: "qt.network:
+/// warning: ...", after the log's own prefix. Qt itself ends the process after a fatal message.
 inline void logMessagesOfQt() {
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
         const char* const kind = type == QtDebugMsg      ? "debug"

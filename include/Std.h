@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Converts between the types of the standard library and values.
 #ifndef ZQFOUNDATION_STD_H
 #define ZQFOUNDATION_STD_H
 
@@ -32,7 +33,7 @@
 
 namespace ZQFoundation::detail {
 
-/// What a value comes back as, beside the types with a conversion of their own.
+/// What a value converts back to, besides the types with their own conversion.
 template <class T>
 concept ReturnedNumber = std::is_arithmetic_v<T> && !isCharacter<T> && !std::is_same_v<T, long double>;
 
@@ -67,7 +68,7 @@ T numberAs(const NSNumber& number) {
 
 namespace ZQFoundation {
 
-/// `as<std::string>()`, `as<std::u8string>()`, `as<std::u16string>()`: empty for what is no string.
+/// `as<std::string>()`, `as<std::u8string>()`, `as<std::u16string>()`: empty for anything but a string.
 template <>
 struct ObjectConversion<std::string> {
     static std::string fromObject(const NSObject& object) { return object.as<NSString>().utf8(); }
@@ -84,8 +85,8 @@ struct ObjectConversion<std::u8string> {
     }
 };
 
-/// A path and its string are the same bytes, also where those are no UTF-8. Empty for what is no string and
-/// for a string that is no file name.
+/// A path and its string are the same bytes, even if they are not UTF-8. Empty for anything but a string and
+/// for a string that is not a file name.
 template <>
 struct ObjectConversion<std::filesystem::path> {
     static NSString object(const std::filesystem::path& path) {
@@ -98,8 +99,8 @@ struct ObjectConversion<std::filesystem::path> {
     }
 };
 
-/// A time of the system's clock is a date. On the way back what the clock does not count is dropped towards
-/// the past; 1970 for what is no date.
+/// A time of the system's clock is a date. On the way back what is finer than the clock is rounded toward the
+/// past; 1970 for anything but a date.
 template <class Duration>
 struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Duration>> {
     using Time = std::chrono::time_point<std::chrono::system_clock, Duration>;
@@ -174,7 +175,7 @@ struct ObjectConversion<std::optional<T>> {
     }
 };
 
-/// An array; back, each element by itself. Empty for what is no array.
+/// An array; back, each element by itself. Empty for anything but an array.
 template <class T>
     requires(!std::is_same_v<T, char> && !std::is_same_v<T, char8_t> && !std::is_same_v<T, char16_t>)
 struct ObjectConversion<std::vector<T>> {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Includes the whole public interface of the library.
 #ifndef ZQFOUNDATION_ZQFOUNDATION_H
 #define ZQFOUNDATION_ZQFOUNDATION_H
 
@@ -32,7 +33,7 @@
 /// last one dropped. Sources that only log include <ZQFoundation/log/ZQLog.h>, which compiles in half the
 /// time: `std::string` is only declared there.
 
-// Says first what the compiler must be able to do.
+// First, because it checks what the compiler must support.
 #include "foundation/text/Export.h"
 
 // Values.

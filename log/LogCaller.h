@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the caller of a log operation.
 #ifndef ZQFOUNDATION_LOG_LOGCALLER_H
 #define ZQFOUNDATION_LOG_LOGCALLER_H
 
@@ -9,16 +10,16 @@
 
 namespace ZQFoundation::detail {
 
-/// The own name of an instance's class: of the most derived one for a polymorphic class.
+/// The name of an instance's class: of the most derived one for a polymorphic class.
 ZQFOUNDATION_EXPORT StringView classNameOfType(const std::type_info& type);
 
 #ifdef __cpp_rtti
 inline constexpr bool hasDynamicTypes = true;
 #else
-inline constexpr bool hasDynamicTypes = false; // an object is of the class that its pointer says
+inline constexpr bool hasDynamicTypes = false; // an object has the class of its pointer
 #endif
 
-/// What a line needs of an instance, asked only when the line is made.
+/// What a line needs from an instance, queried only when the line is made.
 struct InstanceQueries {
     StringView (*className)(const void*);
     const void* (*wholeObject)(const void*); ///< where the most derived object starts
@@ -47,14 +48,14 @@ inline constexpr InstanceQueries instanceQueries{
 namespace ZQFoundation {
 
 /// Who calls a log operation: `this` of any class, a value, a class (`classOf<Store>()`), or nothing
-/// (`nullptr`). Owns nothing and asks nothing until a line is really made. A `void` pointer is an object
+/// (`nullptr`). Owns nothing and queries nothing until a line is actually made. A `void` pointer is an object
 /// whose class is unknown.
 class LogCaller {
 public:
     /// What the caller is.
     enum class Form : unsigned char {
         absent,   ///< nobody
-        unknown,  ///< an object behind a `void` pointer
+        unknown,  ///< an object given by a `void` pointer
         instance, ///< an object of any other C++ class
         host,     ///< an object of a class that implements NSObjectProtocol
         value,    ///< a value, or a class

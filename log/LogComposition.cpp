@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Who calls, and what is said: the one composition of all log operations, for lines and for texts.
+// Composes caller and message for all log operations, for lines and for texts.
 #include "log/LogComposition.h"
 
 #include <string_view>
@@ -32,7 +32,7 @@ void appendMethod(TextBuilder& out, StringView method) {
     out.appendAscii(']');
 }
 
-/// "-[(Store *)0x7f01 reload:]", or the "?" form when the class does not say its name.
+/// "-[(Store *)0x7f01 reload:]", or the "?" form when the class has no name.
 void appendInstance(TextBuilder& out, StringView className, const void* address, StringView method) {
     if (className) {
         out.appendLiteral("-[(");
@@ -51,12 +51,12 @@ void appendClass(TextBuilder& out, StringView className, StringView method) {
     appendMethod(out, method);
 }
 
-/// Where a value stands: its shared body; for one that lives in its handle, the handle.
+/// The address of a value: of its shared body or, if it is stored in its handle, of the handle.
 const void* addressOf(const NSObject& value) noexcept {
     return Access::kind(value) >= Kind::string ? static_cast<const void*>(Access::body(value)) : &value;
 }
 
-/// A host object says itself of which class it is, perhaps of none.
+/// A host object reports its class itself, perhaps none.
 void appendHostCaller(TextBuilder& out, const NSObjectProtocol& host, StringView method) {
     appendInstance(out, host.className(), dynamic_cast<const void*>(&host), method);
 }

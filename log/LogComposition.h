@@ -20,7 +20,7 @@ struct CallerReference {
         return {Kind::function, nullptr, {}, name, length};
     }
 
-    /// A copy that keeps the compiler from laying the original out in memory.
+    /// A copy that keeps the compiler from storing the original in memory.
     CallerReference byFields() const noexcept { return {kind, self, method, functionName, functionLength}; }
 
     Kind kind = Kind::none;
@@ -30,7 +30,7 @@ struct CallerReference {
     std::size_t functionLength = SIZE_MAX; ///< that: up to the NUL
 };
 
-/// What a line says once its gates have passed.
+/// What a line contains after its gates have passed.
 struct LogMessage {
     const CallerReference& caller;
     const TraceCondition& condition;
@@ -39,12 +39,12 @@ struct LogMessage {
     ArgumentList arguments;
 };
 
-// "label: caller message" without what there is none of; or "caller text".
+// "label: caller message" without the parts that are absent; or "caller text".
 
 void writeMessage(const LogMessage& message);
 NSString textOfMessage(const LogMessage& message);
 
-/// The same, with a condition on several keys still to be put. By value, so that nothing is laid out in
+/// The same, with a condition on several keys still to be evaluated. By value, so that nothing is stored in
 /// memory before the gates have passed.
 void writeUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
                          ArgumentList arguments);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where the log of a run belongs, and standard error led into it.
+// Chooses the log file of a run, and redirects standard error to it.
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/GuardedOpening.h"
 #include "foundation/files/HomeFolder.h"
@@ -17,7 +17,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// The path of the current log file. Nothing in the library reads it; it is there for a debugger.
+/// The path of the current log file. Nothing in the library reads it; it is for use in a debugger.
 constinit detail::Published<NSString> optionalLogFilePath;
 
 constexpr int maxFileNumber = 999;
@@ -33,7 +33,7 @@ NSString absolutePath(const NSString& path) {
     return whole.stringByStandardizingPath().stringByResolvingSymlinksInPath();
 }
 
-/// Whether lines may be appended to what stands at the path.
+/// Whether lines may be appended to the item at the path.
 bool acceptExistingFile(const NSString& path) {
     const NSFileManager& files = NSFileManager::defaultManager();
     if (!files.isRegularFileAtPath(path)) {
@@ -41,7 +41,7 @@ bool acceptExistingFile(const NSString& path) {
         return false;
     }
     std::string bytes;
-    // A file that somebody has planted under a guessed name counts as one that cannot be written.
+    // A file that somebody has planted under a guessed name is treated as one that cannot be written.
     const bool isPlanted = path.getFileSystemBytes(bytes) && !detail::mayAppendGuarded(bytes);
     if (isPlanted || !files.isWritableFileAtPath(path)) {
         complain("Cannot write log file at %@", path);
@@ -50,7 +50,7 @@ bool acceptExistingFile(const NSString& path) {
     return true;
 }
 
-/// Where everybody may look, the log is for the user alone.
+/// In a folder that everybody may read, the log is accessible to the user only.
 NSDictionary attributesOfFileIn(const NSString& folder) {
     const detail::CallerState caller;
     struct stat information;
@@ -60,7 +60,7 @@ NSDictionary attributesOfFileIn(const NSString& folder) {
 }
 
 bool createFile(const NSString& path, bool createFolder) {
-    // What is still relative begins with a tilde that stands for nobody's home folder.
+    // A path that is still relative begins with a tilde that is nobody's home folder.
     const bool created = path.hasPrefix("/") &&
                          NSFileManager::defaultManager()
                              .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
@@ -72,7 +72,7 @@ bool createFile(const NSString& path, bool createFolder) {
     return created;
 }
 
-/// Makes an empty file where nothing stands.
+/// Creates an empty file where nothing exists.
 bool acceptNewFile(const NSString& path, bool createFolder) {
     const NSFileManager& files = NSFileManager::defaultManager();
     const NSString parent = path.stringByDeletingLastPathComponent();
@@ -118,7 +118,7 @@ NSString ZQLog::standardNewLogFileNameForLoggingToFolder(const NSString& folder)
         return name;
     }
     for (unsigned long number = 1; number <= maxFileNumber; ++number) {
-        // The unnumbered path decides: a number is given only when that file vanishes meanwhile.
+        // The unnumbered path decides: a number is added only if that file vanishes meanwhile.
         if (!files.fileExistsAtPath(path)) {
             return NSString::stringWithFormat("%@.%lu.log", stem, number);
         }
@@ -150,10 +150,10 @@ void ZQLog::setOptionalLogFilePath(const NSString& path) {
     detail::saveStandardError();
     std::string bytes;
     if (!path) {
-        return; // leads nowhere else
+        return; // nil redirects nothing
     }
     if (!path.getFileSystemBytes(bytes)) {
-        bytes.clear(); // no file can bear this name: it fails as any other that cannot be opened
+        bytes.clear(); // no file can have this name: it fails like any other that cannot be opened
     }
     detail::redirectStandardError(bytes);
 }

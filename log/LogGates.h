@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the gates of a log operation before its trace condition.
 #ifndef ZQFOUNDATION_LOG_LOGGATES_H
 #define ZQFOUNDATION_LOG_LOGGATES_H
 
@@ -6,14 +7,14 @@
 
 namespace ZQFoundation::detail {
 
-/// The gates in front of the trace condition, in their order: the flag must be YES, the format not nil, and
-/// neither the key nor the array of keys.
+/// The gates before the trace condition, in order: the flag must be YES, the format not nil, and neither the
+/// key nor the array of keys.
 template <class... Keys>
 constexpr bool passesGates(bool logAlways, StringView format, const Keys&... keys) noexcept {
     return logAlways && format && (static_cast<bool>(keys) && ...);
 }
 
-/// The text as a string that a signal handler may make and take apart; nil for nil.
+/// The text as a string that a signal handler may make and release; nil for nil.
 ZQFOUNDATION_EXPORT NSString returnedText(StringView text);
 
 } // namespace ZQFoundation::detail

@@ -11,9 +11,9 @@
 /// known.
 namespace ZQFoundation::detail {
 
-/// All gates, the trace condition last; all but that where the condition is on several keys, which are looked
-/// at where those that are on are kept for the line. Nothing here needs memory of its own, so a call that is
-/// stopped costs a look at the key and little else.
+/// All gates, the trace condition last, except a condition on several keys, which is evaluated later, where
+/// the keys that are on are kept for the line. Nothing here needs memory, so a call that is stopped costs a
+/// look-up of the key and little else.
 [[gnu::always_inline]] inline bool passes(bool logAlways, const TraceCondition& condition,
                                           StringView format) {
     const StringView key = condition.keyText;
@@ -53,7 +53,7 @@ namespace ZQFoundation::detail {
                : NSString();
 }
 
-/// Writes a finished text behind its caller.
+/// Writes a finished text after its caller.
 inline void logText(const CallerReference& caller, bool logAlways, StringView text) {
     if (passesGates(logAlways, text)) {
         writeText(caller, text);

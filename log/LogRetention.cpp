@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Removal of old log files, by age and by count.
+// Removes old log files, by age and by count.
 #include <algorithm>
 #include <vector>
 
@@ -20,12 +20,12 @@ namespace {
 constexpr const char* suffix = ".log";
 constexpr std::size_t suffixLength = 4;
 
-// Standard names hold a "-" in their date, so removal by age leaves them alone.
+// Standard names contain a "-" in their date, so removal by age ignores them.
 constexpr const char* middleForAge = "0123456789.";
 constexpr const char* middleForCount = "0123456789.-";
 
-/// Raises NSRangeException when process name and suffix overlap in the name, which leaves no middle to look
-/// at: "My.log" as a file of the process "My.log".
+/// Raises NSRangeException when process name and suffix overlap in the name, which leaves no middle to check:
+/// "My.log" as a file of the process "My.log".
 bool isLogFileName(const NSString& name, const NSString& processName,
                    const NSCharacterSet& othersThanMiddle) {
     if (!name.hasPrefix(processName) || !name.hasSuffix(suffix)) {
@@ -46,13 +46,13 @@ void removeLogFile(const NSString& path) {
     }
 }
 
-/// The desktop shows the folder anew, when there is one that asks for it.
+/// Lets the desktop refresh the folder, if one has registered for that.
 void announceChange(const NSString& folder) {
     detail::announceFileSystemChange(NSClassFromString("NSWorkspace"), folder);
 }
 
-/// When the item that the path leads to was last changed; nil when there is none. Most are no links, and then
-/// one look at the item itself is enough.
+/// When the item that the path refers to was last changed; nil if there is none. Most items are not links,
+/// and then one query of the item itself is enough.
 NSDate modificationDateBehindLinks(const NSString& path) {
     const detail::CallerState callerState;
     struct stat information;
@@ -79,9 +79,9 @@ bool belongsToUser(const NSString& path) {
     return detail::getItemInformation(path, information) && information.st_uid == ::geteuid();
 }
 
-/// Calls `visit(path, date)` for each log file of this process in the folder, in listing order, dated by what
-/// a link leads to. What cannot be dated is ignored, and so is what other users have put into a shared
-/// folder: it must not count against the user's own files. False when the folder cannot be listed.
+/// Calls `visit(path, date)` for each log file of this process in the folder, in listing order, with a link
+/// dated by its target. Files without a date are ignored, and so are files that other users have put into a
+/// shared folder: they must not displace the user's own files. False when the folder cannot be listed.
 template <class Visit>
 bool forEachLogFile(const NSString& folder, const char* middle, const Visit& visit) {
     const NSArray names = NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(folder);
@@ -112,7 +112,7 @@ struct DatedFile {
     NSString path;
 };
 
-/// Oldest first. Of files with the same date only the one that was listed last is left.
+/// Oldest first. Of files with the same date only the one listed last is kept.
 void arrangeByDate(std::vector<DatedFile>& files) {
     std::stable_sort(files.begin(), files.end(), [](const DatedFile& left, const DatedFile& right) {
         return left.date.compare(right.date) == NSOrderedAscending;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Failed assertions: the line, then the exception.
+// Handles failed assertions: the line, then the exception.
 #include "log/NSAssertionHandler.h"
 
 #include "log/ZQLog.h"
@@ -10,7 +10,7 @@ extern "C" constexpr const char* const ZQMustOverrideMethodException = "ZQMustOv
 
 namespace {
 
-/// The class that an object says it is of; nil for nothing and for an object of unknown class.
+/// The class name that an object reports; nil for nothing and for an object of unknown class.
 NSString classNameOf(const LogCaller& object) {
     switch (object.form()) {
     case LogCaller::Form::absent:
@@ -26,7 +26,7 @@ NSString classNameOf(const LogCaller& object) {
     return nullptr;
 }
 
-/// Whether the object, asked for its class, answers itself: a class does, and nothing does.
+/// Whether the object is its own class: true for a class, and for nothing.
 bool isItsOwnClass(const LogCaller& object) {
     switch (object.form()) {
     case LogCaller::Form::absent:
@@ -41,7 +41,7 @@ bool isItsOwnClass(const LogCaller& object) {
     return false;
 }
 
-/// Writes first: the line must be there even when nobody catches the exception.
+/// Writes first: the line must be written even if nobody catches the exception.
 [[noreturn]] void logAndRaise(const NSString& line, const NSString& exceptionName, StringView format,
                               ArgumentList arguments) {
     ZQLog::logAlways_log(true, line);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the assertions and their handler.
 #ifndef ZQFOUNDATION_LOG_NSASSERTIONHANDLER_H
 #define ZQFOUNDATION_LOG_NSASSERTIONHANDLER_H
 
@@ -7,7 +8,7 @@
 
 namespace ZQFoundation {
 
-/// The name for the exception that a host raises where a subclass had to override an operation and did not:
+/// The name of the exception that a host raises when a subclass does not override an operation that it must:
 /// "ZQMustOverrideMethodException". The library never raises it.
 extern "C" ZQFOUNDATION_EXPORT const char* const ZQMustOverrideMethodException;
 
@@ -17,11 +18,11 @@ extern "C" ZQFOUNDATION_EXPORT const char* const ZQMustOverrideMethodException;
 ///     // writes: *** Assertion failure in reload(), Store.cpp:42
 ///     // raises: NSRangeException with the reason "7 of 5"
 ///
-/// The line is written before the exception is raised, so it is in the log even when nobody catches that.
-/// Names may be nil; of the file only the last path component is written. Any thread.
+/// The line is written before the exception is raised, so it is in the log even if nobody catches that. Names
+/// may be nil; of the file only the last path component is written. Any thread.
 class ZQFOUNDATION_EXPORT NSAssertionHandler {
 public:
-    /// The one object, never destroyed.
+    /// The shared object, never destroyed.
     static NSAssertionHandler& currentHandler() noexcept;
 
     NSAssertionHandler(const NSAssertionHandler&) = delete;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSDebugLog.
 #ifndef ZQFOUNDATION_LOG_NSDEBUGLOG_H
 #define ZQFOUNDATION_LOG_NSDEBUGLOG_H
 
@@ -6,7 +7,7 @@
 
 namespace ZQFoundation {
 
-/// Does nothing: neither formats nor writes. It is there for hosts whose own builds replace it.
+/// Does nothing: neither formats nor writes. It exists for hosts whose own builds replace it.
 extern "C" ZQFOUNDATION_EXPORT void NSDebugLog(const char* format, ...);
 
 /// `NSDebugLog` for a started argument list: does nothing.

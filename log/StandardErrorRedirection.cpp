@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Standard error moved to a file and back.
+// Redirects standard error to a file and back.
 #include "log/StandardErrorRedirection.h"
 
 #include <atomic>
@@ -19,19 +19,19 @@ namespace {
 
 constexpr int nothingSaved = -1;
 
-/// The duplicate of the descriptor 2 that the process began with. It keeps its number when it has been
-/// closed: a second redirection saves nothing, a second restoration acts on whatever bears that number then.
-/// Atomic only so that careless hosts, which redirect on two threads at once, meet no torn value.
+/// The duplicate of the descriptor 2 that the process began with. It keeps its number after it was closed: a
+/// second redirection saves nothing, a second restoration acts on whatever has that number then. Atomic only
+/// so that careless hosts that redirect on two threads at once read no torn value.
 constinit std::atomic<int> serr{nothingSaved};
 
-/// What the host's own `stderr` still holds belongs to the place where it led when that was printed. The
-/// stream itself is left alone: a reopened one would be buffered from then on.
+/// What the host's own `stderr` has buffered belongs to the target at the time when it was printed. The
+/// stream itself is not touched: a reopened one would be buffered from then on.
 void flushStream() noexcept { std::fflush(stderr); }
 
 void moveOntoStandardError(int descriptor) noexcept {
     int moved = 0;
     do {
-        // Busy: another thread is just opening a file at this number.
+        // Busy: another thread is currently opening a file with this number.
         moved = ::dup2(descriptor, STDERR_FILENO);
     } while (moved < 0 && (errno == EINTR || errno == EBUSY));
     standardErrorHasChanged();
@@ -52,7 +52,7 @@ void saveStandardError() noexcept {
     if (serr.load(std::memory_order_relaxed) != nothingSaved) {
         return;
     }
-    // Above the numbers of the standard streams, which a host may have closed to have them for itself.
+    // Above the numbers of the standard streams, which a host may have closed to use them itself.
     constexpr int lowest = STDERR_FILENO + 1;
     serr.store(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, lowest), std::memory_order_relaxed);
 }

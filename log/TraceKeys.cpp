@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading the trace keys, and asking about them without a lock.
+// Reads the trace keys, and looks them up without a lock.
 #include "log/TraceKeys.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ constinit TraceReadings traceReadings = {0, nullptr};
 
 namespace {
 
-/// What one reading of the user defaults gave.
+/// The result of one reading of the user defaults.
 struct TraceReading {
     NSDictionary traceDefaultsDict;
     NSArray activatedTraceDefaultsKeys;
@@ -29,25 +29,25 @@ struct TraceReading {
 /// The monitor of the ZQLog class. It guards the trace keys and nothing else.
 constinit Lock monitor;
 
-/// Of the generation. While it is set, readers go the way through the monitor.
+/// A bit of the generation. While it is set, readers use the monitor.
 constexpr std::uint64_t closedBit = 1;
 
-/// Of the present reading and of the next one: a reader without a lock may be in either table.
+/// For the current reading and the next one: a reader without a lock may be in either table.
 struct Place {
     TraceTable* table;
     const TraceReading* reading;
 };
 constinit Place places[2] = {};
 
-/// Held while a reading is written into its place. Its holder allocates, so no question waits for it: the
-/// question may come from a signal handler that has interrupted the allocator.
+/// Held while a reading is written into its place. Its holder allocates, so no query waits for it: the query
+/// may come from a signal handler that has interrupted the allocator.
 constinit Lock publishing;
 
-/// Held for the exchange of readings, and to look at what has no form of whole words. Nobody allocates or
-/// frees under it.
+/// Held to exchange readings, and to read data that is not made of whole words. Nobody allocates or frees
+/// while holding it.
 constinit Lock exchange;
 
-/// The fork generation in which a thread is at its first reading, under the monitor.
+/// The fork generation in which a thread is making the first reading, under the monitor.
 constinit std::uint32_t readingIn = 0;
 
 std::unique_ptr<const TraceReading> readTraceDefaults() {
@@ -60,7 +60,7 @@ std::unique_ptr<const TraceReading> readTraceDefaults() {
             continue;
         }
         const NSObject value = defaults.objectForKey(key);
-        if (!value) { // gone since the keys were listed
+        if (!value) { // removed since the keys were listed
             continue;
         }
         values.setObject_forKey(value, key);
@@ -81,16 +81,16 @@ const TraceReading* presentReading() noexcept {
     return table == nullptr ? nullptr : places[table == places[0].table ? 0 : 1].reading;
 }
 
-/// A forked child finds the old reading or the new one, since one store makes it the present one. What it may
-/// find half-written is the place of the next one.
+/// A forked child finds the old reading or the new one, since one store makes it the current one. Only the
+/// place of the next one may be half-written.
 void publish(std::unique_ptr<const TraceReading> fresh) {
     const Guard writing(publishing);
     Place& place = places[presentTable() != nullptr && presentTable() == places[0].table ? 1 : 0];
     const std::size_t keys = fresh->traceDefaultsDict.count();
     if (place.table == nullptr || !place.table->hasRoomFor(keys)) {
-        place.table = TraceTable::make(keys, place.table);
+        place.table = TraceTable::make(keys, place.table); // readers may be in the smaller one forever
     }
-    // Nobody looks at the reading of this place any more.
+    // Nobody uses the reading of this place any longer.
     const std::unique_ptr<const TraceReading> old(std::exchange(place.reading, nullptr));
     place.table->fill(fresh->traceDefaultsDict, fresh->activatedTraceDefaultsKeys.count() != 0);
     const Guard guard(exchange);
@@ -100,7 +100,7 @@ void publish(std::unique_ptr<const TraceReading> fresh) {
 }
 
 void leaveMonitor() noexcept {
-    // Whoever leaves last opens the gate, also for one whom a fork has left behind.
+    // The last to leave opens the gate, also for a thread that a fork left in the parent.
     if (!monitor.isHeldAgain() &&
         (__atomic_load_n(&traceReadings.generation, __ATOMIC_RELAXED) & closedBit) != 0) {
         __atomic_add_fetch(&traceReadings.generation, 1, __ATOMIC_ACQ_REL);
@@ -108,7 +108,7 @@ void leaveMonitor() noexcept {
     monitor.unlock();
 }
 
-/// Holds the monitor for a look, while the gate stays as it is.
+/// Holds the monitor for a query, without changing the gate.
 class InMonitor {
 public:
     InMonitor() noexcept { monitor.lock(); }
@@ -117,8 +117,8 @@ public:
     ~InMonitor() { leaveMonitor(); }
 };
 
-/// Makes the first reading if there is none yet; not for a signal handler that interrupts its thread in just
-/// that. The caller holds the monitor.
+/// Makes the first reading if there is none yet; not for a signal handler that interrupts its own thread in
+/// the first reading. The caller holds the monitor.
 void readInMonitor() {
     const std::uint32_t generation = system::forkGeneration();
     if (presentTable() != nullptr || readingIn == generation) {
@@ -131,7 +131,7 @@ void readInMonitor() {
     ZQLog::initializeTraceDefaultsDict();
 }
 
-/// What a question sees of the keys: a table, or all of a reading, or none.
+/// What a query sees of the keys: a table, or a whole reading, or nothing.
 class TraceView {
 public:
     explicit TraceView(const TraceTable& table) noexcept : table_(&table) {}
@@ -153,7 +153,7 @@ public:
                                  : reading_ != nullptr && reading_->activatedTraceDefaultsKeys.count() != 0;
     }
 
-    /// Whether the table could answer all that was asked.
+    /// Whether the table could answer all queries so far.
     bool isSure() const noexcept { return isSure_; }
 
 private:
@@ -171,8 +171,8 @@ template <class Question>
     return question(view);
 }
 
-/// The answer to the question at one moment at which no other thread was in a `Synchronized` scope. May put
-/// the question twice.
+/// The result of the query at one moment at which no other thread was in a `Synchronized` scope. May run the
+/// query twice.
 template <class Question>
 [[gnu::always_inline]] inline auto askTraceKeys(Question question) {
     const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
@@ -237,8 +237,8 @@ TraceAnswer answerFor(StringView key) {
 
 [[gnu::noinline]] std::int64_t levelOf(StringView key) { return answerFor(key).level(); }
 
-/// Whether a first look says that the key is not set, as few are. Most silent calls end here, without a call
-/// and with nothing in memory.
+/// Whether a first check shows that the key is not set, as most are not. Most silent calls end here, without
+/// a call and without storing anything in memory.
 [[gnu::always_inline]] inline bool isSurelyMissing(StringView key) noexcept {
     const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
     const TraceTable* const table = presentTable();

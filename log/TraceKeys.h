@@ -28,7 +28,7 @@ private:
     std::unique_ptr<std::uint64_t[]> more_;
 };
 
-/// The keys of a condition on several: of an array, or texts in a row.
+/// The keys of a condition on several: an array, or consecutive texts.
 class TraceKeyList {
 public:
     TraceKeyList() noexcept = default;
@@ -41,7 +41,7 @@ public:
 
     std::size_t count() const noexcept { return count_; }
 
-    /// Nil for what is no string.
+    /// Nil for anything but a string.
     StringView operator[](std::size_t index) const noexcept {
         return texts_ != nullptr ? texts_[index] : textOf(values_[index]);
     }
@@ -61,7 +61,7 @@ private:
     bool isThere_ = false;
 };
 
-/// The condition under which a line appears, as its caller gave it.
+/// The condition under which a line appears, as given by its caller.
 struct TraceCondition {
     using Kind = TraceConditionKind;
 
@@ -77,7 +77,7 @@ struct TraceCondition {
     static TraceCondition allOf(const TraceKeyList& keys) noexcept { return {Kind::allOf, {}, 0, keys}; }
     static TraceCondition anyKey() noexcept { return {Kind::anyKey, {}, 0, {}}; }
 
-    /// A copy that keeps the compiler from laying the original out in memory.
+    /// A copy that keeps the compiler from storing the original in memory.
     TraceCondition byFields() const noexcept { return {kind, keyText, level, keys.byFields()}; }
 
     Kind kind;
@@ -86,25 +86,25 @@ struct TraceCondition {
     TraceKeyList keys;  ///< anyOf, allOf
 };
 
-// The questions below take no lock while nobody holds the monitor of ZQLog; while another thread holds it
-// they wait. Whichever comes first reads the trace keys.
+// The queries below take no lock while nobody holds the monitor of ZQLog; while another thread holds it they
+// wait. The first query reads the trace keys.
 
-/// Whether the key's truth is YES.
+/// Whether the key is on.
 bool traceKeyHolds(StringView key);
 
-/// A missing key has level 0, which is a level like any other.
+/// Whether the key's level equals the value. A missing key has level 0, which is an ordinary level.
 bool traceLevelEquals(StringView key, std::int64_t value);
 bool traceLevelReaches(StringView key, std::int64_t threshold);
 
 /// Whether any trace key at all is active.
 bool anyTraceKeyHolds();
 
-/// For the conditions `anyOf` and `allOf`, whether they hold, and which keys of `anyOf` are on, all at one
-/// and the same moment; an empty list never holds, deliberately. True for any other condition.
+/// For the conditions `anyOf` and `allOf`, whether they hold, and which keys of `anyOf` are on, all at the
+/// same moment; an empty list never holds, deliberately. True for any other condition.
 bool severalKeysHold(const TraceCondition& condition, TraceKeySet& on);
 
-/// What a line says of a condition that holds: "key", "key=3", "A/C", ...; nothing for none. The set is that
-/// of the keys of `anyOf` that are on.
+/// Appends the label of a condition that holds: "key", "key=3", "A/C", ...; nothing for no condition. The set
+/// contains the keys of `anyOf` that are on.
 void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const TraceKeySet& on);
 
 } // namespace ZQFoundation::detail

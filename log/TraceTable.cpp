@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Filling the table of a reading, and the lookup of keys that come as units.
+// Fills the table of a reading, and looks up keys given as units.
 #include "log/TraceTable.h"
 
 #include <new>
@@ -21,7 +21,7 @@ std::size_t slotsFor(std::size_t keys) noexcept {
                                    : std::bit_ceil(2 * keys);
 }
 
-// A reader that sees a word of the new reading must see, too, that the one before it is over: that was said
+// A reader that sees a word of the new reading must also see that the previous one has ended: that was stored
 // before the first of these stores.
 void store(std::uint64_t& word, std::uint64_t value) noexcept {
     __atomic_store_n(&word, value, __ATOMIC_RELEASE);
@@ -40,7 +40,7 @@ TraceTable* TraceTable::make(std::size_t keys, const TraceTable* replaced) {
 
 bool TraceTable::hasRoomFor(std::size_t keys) const noexcept { return slotsFor(keys) <= slotMask_ + 1; }
 
-/// False for a key that is not entered.
+/// False for a key that cannot be entered.
 bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     const std::string bytes = key.utf8();
     if (bytes.size() > longestKey || bytes.find("\uFFFD") != std::string::npos) {

@@ -12,8 +12,8 @@
 
 namespace ZQFoundation::detail {
 
-/// What a reading says of a trace key, in a word: a bit says whether the key is on, the upper half is its
-/// level. 0 for a key that is missing, which is off and has level 0.
+/// The state of a trace key in a reading, in one word: a bit says whether the key is on, the upper half is
+/// its level. 0 for a key that is missing, which is off and has level 0.
 class TraceAnswer {
 public:
     constexpr TraceAnswer() noexcept = default;
@@ -21,7 +21,7 @@ public:
     constexpr TraceAnswer(bool isOn, std::int64_t level) noexcept
         : word_(std::uint64_t{static_cast<std::uint32_t>(level)} << 32 | (isOn ? onBit : 0)) {}
 
-    /// Of a table that cannot tell.
+    /// The answer of a table that does not know.
     static constexpr TraceAnswer unsure() noexcept { return TraceAnswer(unsureWord); }
 
     constexpr bool isSure() const noexcept { return word_ != unsureWord; }
@@ -31,22 +31,22 @@ public:
 
 private:
     static constexpr std::uint64_t onBit = 0x100;
-    static constexpr std::uint64_t unsureWord = 1; // the length of no key
+    static constexpr std::uint64_t unsureWord = 1; // not the length of any key
 
     std::uint64_t word_ = 0;
 };
 
-/// The trace keys of one reading, for readers without a lock. Such a reader may still be at work when the
-/// next reading but one is written over what it reads. It then gets some answer or other, which it throws
-/// away, and nothing worse: tables are never destroyed, all that a lookup goes by are words that are read and
-/// written whole, and every lookup ends.
+/// The trace keys of one reading, for readers without a lock. Such a reader may still be running when the
+/// next reading but one overwrites the table that it reads. It then gets an arbitrary answer, which it
+/// discards, and nothing worse happens: tables are never destroyed, a look-up uses only words that are read
+/// and written whole, and every look-up ends.
 ///
-/// Not every key is entered: a very long one is not, nor one that holds U+FFFD, as which ill-formed text
-/// reads. A table that lacks one is incomplete, and its misses say nothing.
+/// Not every key is entered: a very long one is not, nor one that contains U+FFFD, which ill-formed text
+/// becomes. A table that lacks one is incomplete, and its misses mean nothing.
 class TraceTable {
 public:
-    /// With room for so many keys, or for the greatest number that there is.
-    /// The smaller table that it replaces, if any, stays with it: readers may be in there for ever.
+    /// Makes a table with room for `keys` keys, or for the max number if that is lower. The smaller table
+    /// that it replaces, if any, stays with it: readers may be in that one forever.
     static TraceTable* make(std::size_t keys, const TraceTable* replaced);
     bool hasRoomFor(std::size_t keys) const noexcept;
 
@@ -67,8 +67,8 @@ public:
         return found.word() != 0 || (state & isIncomplete) == 0 ? found : TraceAnswer::unsure();
     }
 
-    /// Whether a first look says that the key is missing, as it says of most keys that are; else `find`
-    /// knows.
+    /// Whether a first check shows that the key is missing, as it does for most missing keys; otherwise use
+    /// `find`.
     [[gnu::always_inline]] inline bool surelyLacks(StringView key) const noexcept {
         const std::uint64_t state = __atomic_load_n(&state_, __ATOMIC_ACQUIRE);
         if ((state & (holdsKeys | isIncomplete)) != holdsKeys) {
@@ -86,8 +86,8 @@ private:
     static constexpr std::size_t longestKey = textWords * 8;
     static constexpr std::size_t shortestKey = sizeof("Trace") - 1;
 
-    /// A cache line. The first word is 0 when the slot is free; else it is the answer, and in its lower half
-    /// a part of the hash and the length.
+    /// A cache line. The first word is 0 when the slot is free; else it contains the answer and, in its lower
+    /// half, a part of the hash and the length.
     struct alignas(64) Slot {
         std::uint64_t word;
         std::uint64_t text[textWords]; ///< UTF-8, and zeros up to a whole word
@@ -98,7 +98,7 @@ private:
     static constexpr std::uint64_t isIncomplete = 2;
     static constexpr std::uint64_t anyIsActive = 4;
 
-    // What of a slot's word names the key.
+    // The part of a slot's word that identifies the key.
     static constexpr std::uint64_t lengthMask = 0xFF;
     static constexpr std::uint64_t hashMask = 0xFFFFFE00;
     static std::uint64_t nameOf(std::uint64_t hash, std::size_t length) noexcept {
@@ -124,7 +124,7 @@ private:
         return word;
     }
 
-    /// From `shortestKey` to `longestKey` bytes as words, without a look beyond them.
+    /// From `shortestKey` to `longestKey` bytes as words, without reading beyond them.
     static void readWords(const char* bytes, std::size_t count, std::uint64_t* words) noexcept {
         const std::size_t last = wordsIn(count) - 1;
         if constexpr (std::endian::native != std::endian::little) {
@@ -141,7 +141,7 @@ private:
         }
     }
 
-    /// Of at least `shortestKey` bytes. The two ends are mixed side by side; few keys are longer than both.
+    /// Of at least `shortestKey` bytes. The two ends are mixed in parallel; few keys are longer than both.
     static std::uint64_t hashOf(const char* bytes, std::size_t length) noexcept {
         constexpr std::uint64_t oddNumbers[] = {0x9E3779B97F4A7C15U, 0xC2B2AE3D27D4EB4FU};
         std::uint64_t start;
@@ -179,7 +179,7 @@ private:
             if ((word & (hashMask | lengthMask)) == name && hasText(slot, bytes, length)) {
                 return TraceAnswer(word);
             }
-            if (place == last) [[unlikely]] { // never but while the table is being written
+            if (place == last) [[unlikely]] { // only while the table is being written
                 return TraceAnswer();
             }
         }

@@ -14,8 +14,8 @@ namespace ZQFoundation {
 
 namespace {
 
-/// Makes the formatter at the first request and keeps it. Two threads that ask at the same moment for the
-/// first time may each make one; one of the two is kept.
+/// Makes the formatter on first use and keeps it. Two threads that first use it at the same time may each
+/// make one; one of the two is kept.
 const NSDateFormatter& sharedFormatter(std::atomic<const NSDateFormatter*>& shared, const char* dateFormat) {
     const NSDateFormatter* const known = shared.load(std::memory_order_acquire);
     if (known != nullptr) {

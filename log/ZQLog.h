@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the log operations.
 #ifndef ZQFOUNDATION_LOG_ZQLOG_H
 #define ZQFOUNDATION_LOG_ZQLOG_H
 
@@ -21,8 +22,8 @@ using ZQLogLineObserver = void (*)(const ZQLogLine& line, void* context);
 ///
 /// Operations named `log...` write a line to standard error (descriptor 2); those named `logString...` return
 /// exactly the same text and write nothing. The flag `logAlways` is a gate: NO silences the call, YES never
-/// bypasses a trace condition. Every line is with the kernel when the call returns. Any thread may log at any
-/// time, before `main`, in static destructors and in a forked child too; `errno` is kept.
+/// bypasses a trace condition. The kernel has every line when the call returns. Any thread may log at any
+/// time, also before `main`, in static destructors and in a forked child; `errno` is preserved.
 class ZQFOUNDATION_EXPORT ZQLog : public ZQLogPlainCalls,
                                   public ZQLogMethodCalls,
                                   public ZQLogFunctionCalls,
@@ -33,7 +34,7 @@ public:
     /// Writes the text as one line, unchanged: a "%" in it is a "%". Nil or a flag of NO writes nothing.
     static void logAlways_log(detail::Flag logAlways, StringView text);
 
-    /// The very text passed in; nil if the flag is NO.
+    /// The text passed in; nil if the flag is NO.
     static NSString logAlways_logString(detail::Flag logAlways, const NSString& text);
 
     /// A string of the text passed in; nil if the flag is NO.
@@ -42,7 +43,7 @@ public:
         return logAlways ? detail::returnedText(text) : NSString();
     }
 
-    /// "2024-03-05 14:07:09.042 MyApp[1234]: " with a blank at the end, for lines that the host writes by
+    /// "2024-03-05 14:07:09.042 MyApp[1234]: " with a space at the end, for lines that the host writes by
     /// other means.
     static NSString logPrefix();
 
@@ -58,38 +59,39 @@ public:
     static NSString objectiveCMethodDescriptionStringForCaller_method(const LogCaller& caller,
                                                                       StringView method);
 
-    /// "parse_header()"; for a name that holds a colon, what follows its last "/", without "()"; "<<no
-    /// function name>>()" for null and for an empty name.
+    /// "parse_header()"; for a name with a colon, what follows its last "/", without "()"; "<<no function
+    /// name>>()" for null and for an empty name.
     static NSString cFunctionDescriptionStringForFunctionName(const char* functionName);
 
     /// @name Lines elsewhere
     /// @{
 
-    /// From now on the function is called after each line that is written, with the context, for whoever
-    /// shows or keeps lines elsewhere: a window, a crash reporter, the system's log. Null: none. There is one
-    /// observer; it gets every line of the channel, those of `NSLog` and of a process whose descriptor 2 is
-    /// closed too.
+    /// Sets the function that is called, with the context, after each line that is written, to show or keep
+    /// lines elsewhere: in a window, a crash reporter, the system's log. Null: none. There is one observer;
+    /// it gets every line of the channel, also those of `NSLog` and of a process whose descriptor 2 is
+    /// closed.
     ///
-    /// It is called on the thread that logs, outside every lock of the library, by several threads at once.
-    /// So lines may arrive in another order than they were written in. A line that it logs itself is written
-    /// and not observed; so is one of a signal handler that interrupts it. Any other line of a signal handler
-    /// calls it inside the handler: where handlers log, it keeps to what a handler may do. A forked child has
-    /// the observer of its parent. `errno` is kept, and a cancellation of the thread waits. It must return:
-    /// an exception that leaves it ends the process (`std::terminate`).
+    /// It is called on the thread that logs, outside any lock of the library, by several threads at once. So
+    /// lines may arrive in a different order than they were written. A line that the observer logs itself is
+    /// written but not observed, and so is a line of a signal handler that interrupts it. For any other line
+    /// of a signal handler, it is called inside the handler: if handlers log, it must do only what a handler
+    /// may do. A forked child has the observer of its parent. `errno` is preserved, and cancellation of the
+    /// thread is deferred. It must return: an exception that leaves it ends the process (`std::terminate`).
     ///
     /// **When this returns, no other thread is in a call of an earlier observer**, and what its context
-    /// points to may go. So the caller holds nothing that the observer waits for. Called by the observer
-    /// itself it returns at once, and calls of other threads may go on. Any thread, but no signal handler.
+    /// points to may be destroyed. So the caller must hold nothing that the observer waits for. When called
+    /// by the observer itself it returns at once, and calls of other threads may continue. Any thread, but
+    /// not from signal handlers.
     static void setLineObserver(ZQLogLineObserver observer, void* context) noexcept;
 
     /// @}
 
-    /// @name Trace keys
-    /// The user defaults whose names begin with "Trace". They are read once, at the first question, and again
-    /// only when `initializeTraceDefaultsDict` is called.
+    /// @name Trace keys The user defaults whose names begin with "Trace". They are read once, at the first
+    /// query, and again only when `initializeTraceDefaultsDict` is called.
     /// @{
 
-    /// (Re)reads the trace keys. Takes no lock: inside a `Synchronized` scope no other thread asks meanwhile.
+    /// (Re)reads the trace keys. Takes no lock: inside a `Synchronized` scope no other thread queries them
+    /// meanwhile.
     static void initializeTraceDefaultsDict();
 
     /// Whether the key is on. False for nil.
@@ -107,42 +109,40 @@ public:
 
     /// @}
 
-    /// @name Log files
-    /// Nothing here happens by itself, takes a lock or is safe to do on two threads at once; lines of other
-    /// threads go on meanwhile, each to one target as a whole.
+    /// @name Log files Nothing here happens automatically, takes a lock or is safe on two threads at once;
+    /// other threads may log meanwhile, each line to one target as a whole.
     /// @{
 
     /// The application's folder under ~/Library/Logs, which need not exist; "/tmp" when the home folder has
     /// no `Library`. With `ZQFolderLayout` = "XDG" in the Info dictionary `pathOfLibraryLogSubfolder`, and
-    /// "/tmp" when that cannot be made.
+    /// "/tmp" when that cannot be created.
     static NSString standardLogFolder();
 
     /// "Viewer.20240305-1407.1234.log": process name, local time, process identifier. A number is added only
-    /// for an **empty** folder string, and only when the file of that name vanishes meanwhile.
+    /// for an **empty** folder string, and only if the file of that name vanishes meanwhile.
     static NSString standardNewLogFileNameForLoggingToFolder(const NSString& folder);
 
-    /// `standardLogFolder` and `standardNewLogFileNameForLoggingToFolder` joined: where the log of this run
-    /// belongs.
+    /// `standardLogFolder` and `standardNewLogFileNameForLoggingToFolder` joined: the path for the log of
+    /// this run.
     static NSString standardLogFilePath();
 
-    /// Sends standard error, and with it every line, to the end of the file at the path, which is made when
-    /// there is none, together with its folders if `createFolder`. A path that is not absolute is taken from
-    /// `standardLogFolder`; "~" and links are resolved, and nothing is made below a "~" that is
-    /// nobody's home. False, with a line that says why (without one for a nil or empty path and for a missing
-    /// folder that is not to be made), when that cannot be done.
+    /// Redirects standard error, and with it every line, to the end of the file at the path, which is created
+    /// if missing, with its folders if `createFolder`. A relative path is relative to `standardLogFolder`;
+    /// "~" and links are resolved, and nothing is created below a "~" that is nobody's home. False if that
+    /// fails, with a line that says why (without one for a nil or empty path and for a missing folder that is
+    /// not to be created).
     ///
-    /// In a sticky folder that others may write to (/tmp) a file or link of somebody else is not used, and a
+    /// In a sticky folder that others may write to (/tmp) a file or link of another user is not used, and a
     /// new file has the mode 0600.
     [[nodiscard]] static bool setLogFilePath_createFolder(const NSString& path, detail::Flag createFolder);
 
-    /// As `setLogFilePath_createFolder`, without a check, a message or a result. Descriptor 2 as it first was
-    /// is kept aside. If the file cannot be opened, lines are lost from then on: descriptor 2 is parked on
-    /// the null device.
+    /// As `setLogFilePath_createFolder`, without a check, a message or a result. The original descriptor 2 is
+    /// saved. If the file cannot be opened, lines are lost from then on: descriptor 2 is redirected to the
+    /// null device.
     static void setOptionalLogFilePath(const NSString& path);
 
-    /// Brings standard error back to where it first led. Does nothing before the first redirection.
-    /// **Works once:** after that the descriptor kept aside is a closed number, and a later redirection keeps
-    /// none.
+    /// Restores the original standard error. Does nothing before the first redirection. **Works once:** after
+    /// that the saved descriptor is a closed number, and a later redirection saves none.
     static void clearLogFilePath();
 
     /// @}
@@ -153,18 +153,18 @@ public:
     /// @{
 
     /// Removes the folder's log files of this process name that were last changed before the date, writing a
-    /// line for each. Their names hold only digits and "." between the process name and ".log", so **standard
-    /// names, which hold a "-", stay**.
+    /// line for each. Their names have only digits and "." between the process name and ".log", so **standard
+    /// names, which contain a "-", stay**.
     static void removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder);
 
     /// Removes all but the newest `count` of the folder's log files of this process name, writing a line for
-    /// each. Here names may hold "-". Of files with the same date one counts, and the others stay.
+    /// each. Here names may contain "-". Of files with the same date one counts, and the others stay.
     static void removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count);
 
     /// @}
 
-    /// Holds the monitor of the class for a scope: the recursive lock under which the trace keys are asked.
-    /// Whoever re-reads them while other threads log does it inside such a scope.
+    /// Holds the monitor of the class for a scope: the recursive lock under which the trace keys are queried.
+    /// Re-read them inside such a scope while other threads log.
     class ZQFOUNDATION_EXPORT Synchronized {
     public:
         [[nodiscard]] Synchronized() noexcept;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the log operations that are called from functions.
 #ifndef ZQFOUNDATION_LOG_ZQLOGFUNCTIONCALLS_H
 #define ZQFOUNDATION_LOG_ZQLOGFUNCTIONCALLS_H
 
@@ -11,8 +12,9 @@ namespace ZQFoundation {
 
 /// The log operations of ZQLog for functions: call them as `ZQLog::...`.
 ///
-/// The function's name is NUL-ended UTF-8, such as `__func__`, or null; it shows as `parse_header()`. Gates
-/// and order as for the operations without a caller; an absent name shows in the line and stops nothing.
+/// The function's name is NUL-ended UTF-8, such as `__func__`, or null; it appears as `parse_header()`. Gates
+/// and order are those of the operations without a caller; an absent name appears in the line and stops
+/// nothing.
 class ZQFOUNDATION_EXPORT ZQLogFunctionCalls {
 public:
     /// Writes the line "caller text". A flag of NO or a nil text writes nothing.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the log operations that are called from methods.
 #ifndef ZQFOUNDATION_LOG_ZQLOGMETHODCALLS_H
 #define ZQFOUNDATION_LOG_ZQLOGMETHODCALLS_H
 
@@ -12,8 +13,8 @@ namespace ZQFoundation {
 /// The log operations of ZQLog for methods: call them as `ZQLog::...`.
 ///
 /// The caller is `this`, a value, `classOf<Store>()` or `nullptr`; the method a text such as "reload:", or
-/// nil. They show as `-[(Store *)0x7f01 reload:]`. Gates and order as for the operations without a caller;
-/// what is absent of the caller shows in the line and stops nothing.
+/// nil. They appear as `-[(Store *)0x7f01 reload:]`. Gates and order are those of the operations without a
+/// caller; an absent part of the caller appears in the line and stops nothing.
 class ZQFOUNDATION_EXPORT ZQLogMethodCalls {
 public:
     /// Writes the line "caller text". A flag of NO or a nil text writes nothing.

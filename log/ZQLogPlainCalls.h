@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the log operations that take no caller.
 #ifndef ZQFOUNDATION_LOG_ZQLOGPLAINCALLS_H
 #define ZQFOUNDATION_LOG_ZQLOGPLAINCALLS_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the short forms of the log operations.
 #ifndef ZQFOUNDATION_LOG_ZQLOGSHORTCALLS_H
 #define ZQFOUNDATION_LOG_ZQLOGSHORTCALLS_H
 
@@ -13,7 +14,7 @@ public:
     /// Writes the text as one line; nil writes nothing.
     static void log(StringView text);
 
-    /// The very text passed in.
+    /// The text passed in.
     static NSString logString(const NSString& text);
 
     /// A string of the text passed in.

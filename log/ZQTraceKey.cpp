@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Trace conditions that remember their answer: what is done when they do not know it, or hold.
+// The slow paths of trace conditions that cache their answer: when it is unknown, or when they hold.
 #include "log/ZQTraceKey.h"
 
 #include "log/LogOperation.h"
@@ -11,7 +11,7 @@ using detail::TraceCondition;
 using detail::TraceKeyList;
 using detail::TraceKeySet;
 
-/// A condition put to the present reading, as the operations of ZQLog put theirs.
+/// A query of a condition in the current reading, like those of the operations of ZQLog.
 struct ZQTraceCondition::Question {
     TraceCondition condition;
     TraceKeySet keysThatAreOn;
@@ -20,7 +20,7 @@ struct ZQTraceCondition::Question {
         : condition{asked.kind_, asked.count_ == 1 ? *asked.keys_ : StringView(), asked.level_,
                     TraceKeyList(asked.keys_, asked.count_)} {}
 
-    /// The answer, which is remembered unless the keys are read again meanwhile.
+    /// The answer, which is cached unless the keys are read again meanwhile.
     bool ask(const ZQTraceCondition& asked) {
         const std::uint64_t before = __atomic_load_n(&detail::traceReadings.generation, __ATOMIC_ACQUIRE);
         const bool answer =

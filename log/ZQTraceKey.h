@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares trace keys, which switch log lines on and off by name.
 #ifndef ZQFOUNDATION_LOG_ZQTRACEKEY_H
 #define ZQFOUNDATION_LOG_ZQTRACEKEY_H
 
@@ -8,19 +9,19 @@
 
 namespace ZQFoundation::detail {
 
-/// What all questions about trace keys go by. A cache line of its own, which is written at re-readings alone,
-/// wherever the linker puts it.
+/// The state that all queries of trace keys use. It has its own cache line, which is written only by
+/// re-readings, wherever the linker places it.
 struct alignas(64) TraceReadings {
     /// Counts up with every reading of the keys and with every `ZQLog::Synchronized` scope; odd while a
-    /// thread is in one. No answer changes as long as it stays the same.
+    /// thread is in one. No answer changes while it stays the same.
     std::uint64_t generation;
-    const void* table; ///< of the present reading; the library's own
+    const void* table; ///< of the current reading; internal to the library
 };
 extern ZQFOUNDATION_EXPORT TraceReadings traceReadings;
 
 enum class TraceConditionKind : unsigned char { none, key, value, threshold, anyOf, allOf, anyKey };
 
-/// How much of a function's name is the name alone: one compiler puts the arguments of a template behind it.
+/// The length of a function's plain name: one compiler appends the template arguments.
 constexpr std::size_t plainNameLength(const char* name) noexcept {
     const std::size_t length = __builtin_strlen(name);
     std::size_t plain = 0;
@@ -31,7 +32,7 @@ constexpr std::size_t plainNameLength(const char* name) noexcept {
                                                                                                  : length;
 }
 
-/// A format with the function that holds the call, which the compiler names.
+/// A format with the function that contains the call, named by the compiler.
 template <class... Arguments>
 class LocatedFormat {
 public:
@@ -58,9 +59,9 @@ private:
 
 namespace ZQFoundation {
 
-/// What the trace conditions below have in common: each remembers its answer for the present reading of the
-/// trace keys, so that a call of one that does not hold costs a comparison, on any number of threads. A
-/// re-reading is seen at once, as by the operations of ZQLog.
+/// What the trace conditions below have in common: each caches its answer for the current reading of the
+/// trace keys, so that a call whose condition does not hold costs one comparison, on any number of threads. A
+/// re-reading takes effect at once, as for the operations of ZQLog.
 ///
 ///     constinit ZQTraceKey traceNetwork("TraceNetwork");
 ///
@@ -69,7 +70,7 @@ namespace ZQFoundation {
 ///         traceNetwork.log(this, "%d items", count); // TraceNetwork: -[(Store *)0x7f01 reload] 3 items
 ///     }
 ///
-/// The function that holds the call is named by the compiler; in a lambda that is "operator()". Lines and
+/// The function that contains the call is named by the compiler; in a lambda that is "operator()". Lines and
 /// texts are those of ZQLog's operations for the same condition, `logFunctionName_...` and
 /// `logSelf_method_...`. Usable before `main`, in static destructors, in forked children and, like those, in
 /// signal handlers. Owns nothing: keys are literals.
@@ -78,7 +79,7 @@ public:
     ZQTraceCondition(const ZQTraceCondition&) = delete;
     ZQTraceCondition& operator=(const ZQTraceCondition&) = delete;
 
-    /// Whether the condition holds. For work that only a line needs.
+    /// Whether the condition holds. Use it to skip work that only a line needs.
     bool isEnabled() const {
         const std::uint64_t answer = __atomic_load_n(&answer_, __ATOMIC_RELAXED);
         return (answer & ~holds) == presentGeneration() ? (answer & holds) != 0 : ask();
@@ -94,8 +95,8 @@ public:
         }
     }
 
-    /// Writes the line "label: caller message" while the condition holds, the method being the function that
-    /// holds the call.
+    /// Writes the line "label: caller message" while the condition holds, with the function that contains the
+    /// call as the method.
     template <class... Arguments>
     void log(const LogCaller& self, detail::LocatedFormat<std::type_identity_t<Arguments>...> format,
              const Arguments&... arguments) const {
@@ -199,7 +200,7 @@ private:
     StringView key_;
 };
 
-/// Holds while one of the keys is on. Lines begin with "A/C: ", the keys that are.
+/// Holds while one of the keys is on. Lines begin with "A/C: ", the keys that are on.
 template <std::size_t count>
 class ZQAnyTraceKeyOf : public ZQTraceCondition {
 public:
@@ -234,7 +235,7 @@ ZQAllTraceKeysOf(const char (&... keys)[sizes]) -> ZQAllTraceKeysOf<sizeof...(si
 /// Holds while any trace key at all is on. Lines begin with "Trace: ".
 class ZQAnyTraceKey : public ZQTraceCondition {
 public:
-    /// There is nothing to name.
+    /// Takes no key.
     constexpr ZQAnyTraceKey() noexcept
         : ZQTraceCondition(detail::TraceConditionKind::anyKey, nullptr, 0, 0) {}
 };

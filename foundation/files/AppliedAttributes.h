@@ -9,11 +9,12 @@
 
 namespace ZQFoundation::detail {
 
-/// The permissions among the attributes; false, and `permissions` untouched, when there are none.
+/// Reads the permissions among the attributes; returns false, and leaves `permissions` as it is, when there
+/// are none.
 bool getPermissions(const NSDictionary& attributes, mode_t& permissions);
 
-/// Gives an open file or folder the owner and group ids, permissions and modification date among the
-/// attributes. Other keys, values of a wrong kind and what the system refuses are passed over.
+/// Applies the owner and group ids, permissions and modification date among the attributes to an open file or
+/// folder. Other keys, values of the wrong type and changes that the system refuses are ignored.
 void applyAttributes(int descriptor, const NSDictionary& attributes);
 
 } // namespace ZQFoundation::detail

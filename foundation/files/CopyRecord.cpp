@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Marks of the items that a copy has read.
+// Records the items that a copy has read, so that a later removal can check
+// them.
 #include "foundation/files/CopyRecord.h"
 
 #include <algorithm>

@@ -38,7 +38,7 @@ struct KnownName {
     NSString name; ///< nil: there is none
 };
 
-// Items of one folder belong to the same user as a rule, and each look reads the whole user database.
+// Items of one folder usually belong to the same user, and each look-up reads the whole user database.
 constinit Published<KnownName> knownUser;
 constinit Published<KnownName> knownGroup;
 
@@ -165,7 +165,7 @@ void applyOwners(int descriptor, const NSDictionary& attributes) noexcept {
 void applyModificationDate(int descriptor, const NSDate& date) noexcept {
     const double instant = date.timeIntervalSinceReferenceDate();
     const double whole = std::floor(instant);
-    // About as many seconds as any file system keeps, and far from what would overflow.
+    // About as many seconds as any file system stores, and far from overflow.
     if (!(std::fabs(whole) < 1e15)) {
         return;
     }
@@ -197,7 +197,7 @@ bool getPermissions(const NSDictionary& attributes, mode_t& permissions) {
 void applyAttributes(int descriptor, const NSDictionary& attributes) {
     applyOwners(descriptor, attributes);
     mode_t permissions = 0;
-    if (getPermissions(attributes, permissions)) { // behind the owners: a change of those takes bits away
+    if (getPermissions(attributes, permissions)) { // after the owners, whose change clears bits
         ::fchmod(descriptor, permissions);
     }
     if (const NSDate date{attributes.objectForKey(NSFileModificationDate)}) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// New files, written beside their place and renamed into it.
+// New files, written next to their place and renamed into it.
 #include <cstdio>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int maxAttempts = 100;
 
-/// A new file under a name of its own beside the one that it shall replace; removed again unless it does.
+/// A new file under a temporary name next to the one that it is to replace; removed unless it replaces it.
 class ReplacementFile {
 public:
     explicit ReplacementFile(int folder) noexcept : folder_(folder) {}
@@ -57,7 +57,7 @@ public:
         return true;
     }
 
-    /// Closing tells of writes that failed late, as they may over a network.
+    /// Closing reports writes that failed late, as they may over a network.
     bool close() noexcept { return ::close(file_.release()) == 0 || errno == EINTR; }
 
     bool replace(const char* name) noexcept {
@@ -84,7 +84,7 @@ private:
     bool exists_ = false;
 };
 
-/// The folder that a path's last name stands in, opened once so that all steps happen in the same one.
+/// The folder that contains a path's last name, opened once so that all steps happen in the same folder.
 class TargetFolder {
 public:
     /// False with `errno`, also for a path that can only name a folder.
@@ -120,7 +120,7 @@ bool takePermissions(int file, const struct stat& existing) noexcept {
     if (::fstat(file, &made) != 0) {
         return false;
     }
-    // To run as its owner, or as its group, is not passed on to a file that belongs to another.
+    // The set-user-ID and set-group-ID bits are not passed on to a file with another owner or group.
     mode_t permissions = existing.st_mode & 07777;
     permissions &= made.st_uid == existing.st_uid ? ~mode_t{0} : ~mode_t{S_ISUID};
     permissions &= made.st_gid == existing.st_gid ? ~mode_t{0} : ~mode_t{S_ISGID};
@@ -141,7 +141,7 @@ bool createFile(const std::string& path, const NSData& contents, const NSDiction
     mode_t permissions = 0;
     const bool givesPermissions = detail::getPermissions(attributes, permissions);
     ReplacementFile file(folder.descriptor());
-    // What is not to get the ordinary permissions is closed to others until it has its own.
+    // A file that is not to have the default permissions is closed to others until it has its own.
     if (!file.open(inherits || givesPermissions ? 0600 : 0666)) {
         return false;
     }

@@ -9,13 +9,13 @@
 
 namespace ZQFoundation::detail {
 
-/// Puts "<path>: <reason>" into `errorText` when it is given. The reason is English whatever the locale is.
+/// Puts "<path>: <reason>" into `errorText` unless that is null. The reason is in English in every locale.
 void reportError(NSString* errorText, StringView path, int error);
 
 /// As `reportError`, for a path in the system's bytes.
 void reportErrorOfBytes(NSString* errorText, const std::string& path, int error);
 
-/// The text becomes nil.
+/// Sets the text to nil.
 inline void tellSuccess(NSString* errorText) noexcept {
     if (errorText != nullptr) {
         *errorText = NSString();

@@ -10,8 +10,8 @@
 
 namespace ZQFoundation::detail {
 
-/// What stands at a path; the item itself, a link not being followed, or what it leads to. False with
-/// `errno`.
+/// Reads what is at a path: the item itself, a link not being followed, or the item that it refers to. False
+/// with `errno`.
 bool getItemInformation(StringView path, struct stat& information);
 bool getTargetInformation(StringView path, struct stat& information);
 

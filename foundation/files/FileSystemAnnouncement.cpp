@@ -18,7 +18,7 @@ void announceFileSystemChange(const Class& workspaceClass, const NSString& folde
             workspace.performSelector_withObject(note, folder);
         }
     } catch (const NSException&) {
-        // The registration has ended between the question and the call: nobody is left to be told.
+        // The registration ended between the query and the call: nobody is left to notify.
     }
 }
 

@@ -7,8 +7,9 @@
 
 namespace ZQFoundation::detail {
 
-/// Tells the desktop that what a folder holds has changed: asks the workspace class for its "sharedWorkspace"
-/// and sends that "noteFileSystemChanged:". Nothing for a nil class and for one that offers no such thing.
+/// Notifies the desktop that the contents of a folder have changed: asks the workspace class for its
+/// "sharedWorkspace" and sends it "noteFileSystemChanged:". Does nothing for a nil class or one that has no
+/// such method.
 void announceFileSystemChange(const Class& workspaceClass, const NSString& folder);
 
 } // namespace ZQFoundation::detail

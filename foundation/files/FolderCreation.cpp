@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// New folders, with those above them.
+// Creates folders, with the missing ones above them.
 #include <vector>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -12,7 +12,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// Makes one folder, or it and the missing ones above it, and gives the attributes to each that it made.
+/// Makes one folder, or it and the missing ones above it, and applies the attributes to each that it made.
 class FolderMaker {
 public:
     FolderMaker(const std::string& path, const NSDictionary& attributes)
@@ -24,10 +24,10 @@ public:
         }
     }
 
-    /// False with `errno` when anything stands there.
+    /// False with `errno` when anything exists there.
     bool make() { return makePrefix(path_.size()); }
 
-    /// True when a folder, or a link to one, stands there already. False with `errno`.
+    /// True when a folder, or a link to one, exists there already. False with `errno`.
     bool makeWithIntermediates() {
         if (make() || isFolder()) {
             return true;
@@ -49,7 +49,7 @@ public:
         return true;
     }
 
-    /// The deepest first: permissions may take the way to it, and a new folder changes its parent's date.
+    /// The deepest first: permissions may block access to it, and a new folder changes its parent's date.
     void applyAttributes() {
         if (attributes_.count() == 0) {
             return;
@@ -79,7 +79,7 @@ private:
         return true;
     }
 
-    /// Whether a folder stands where the last one could not be made. Keeps `errno` when not.
+    /// Whether a folder exists where the last one could not be made. Keeps `errno` when not.
     bool isFolder() {
         const int error = errno;
         struct stat information;
@@ -94,7 +94,7 @@ private:
     mode_t mode_ = 0777;
     std::string prefix_;
     detail::PathHandle handle_;
-    std::vector<std::size_t> made_; ///< how much of the path each made folder takes
+    std::vector<std::size_t> made_; ///< the length of the path of each folder made
 };
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The names of what a folder holds.
+// The names of the items in a folder.
 #include <cstring>
 
 #include "foundation/files/FileError.h"

@@ -14,13 +14,13 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Others may change a name between two looks at it; somebody who keeps doing so does not keep us for ever.
+/// Others may change a name between two looks at it; somebody who keeps doing so must not keep us forever.
 constexpr int maxAttempts = 64;
 
 // Without O_NONBLOCK the opening of some devices waits for the other side.
 constexpr int appendFlags = O_RDWR | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 
-/// What a name gives that is opened with O_NOFOLLOW (and O_DIRECTORY), and is a link.
+/// The errors of opening a link with O_NOFOLLOW (and O_DIRECTORY).
 bool mayMeanLink(int error) noexcept { return error == ELOOP || error == ENOTDIR || error == EMLINK; }
 
 bool isSameLink(const struct stat& left, const struct stat& right) noexcept {
@@ -33,7 +33,7 @@ bool getInformation(int folder, const char* name, struct stat& information) noex
 }
 
 /// Walks a path from folder to folder, each opened below the one before without following a link, so that
-/// nothing on the way can be exchanged once it was judged. Links are followed by their texts.
+/// nothing on the way can be exchanged after it was checked. Links are followed by their text.
 class GuardedWalk {
 public:
     explicit GuardedWalk(const std::string& path) : rest_(path) {}
@@ -55,8 +55,8 @@ public:
         return false;
     }
 
-    /// Puts the text of the link that has the last name in front of what is left of the path. False with
-    /// `errno` when it must not be followed, or is none.
+    /// Puts the text of the link with the last name before what is left of the path. False with `errno` when
+    /// it must not be followed, or is no link.
     bool follow();
 
     int folder() const noexcept { return folder_.number(); }
@@ -92,7 +92,8 @@ private:
     int links_ = 0;
 };
 
-/// Reads the link between two looks that find the same one, so that the text is that of the link judged.
+/// Reads the link between two looks that find the same one, so that the text belongs to the link that was
+/// checked.
 bool GuardedWalk::readJudgedLink(std::string& target) {
     struct stat folderInformation;
     if (::fstat(folder(), &folderInformation) != 0) {
@@ -136,7 +137,7 @@ bool GuardedWalk::follow() {
     return target[0] != '/' || start();
 }
 
-/// Opens what has the walk's last name, or makes it. ELOOP for a link.
+/// Opens the item with the walk's last name, or makes it. ELOOP for a link.
 int openLast(const GuardedWalk& walk) noexcept {
     struct stat folder;
     if (::fstat(walk.folder(), &folder) != 0) {
@@ -144,7 +145,7 @@ int openLast(const GuardedWalk& walk) noexcept {
     }
     for (int attempt = 0; attempt < maxAttempts; ++attempt) {
         struct stat item;
-        // The mere opening of some devices and pipes is felt at the other side.
+        // Merely opening some devices and pipes has an effect at the other end.
         if (isSharedFolder(folder) && getInformation(walk.folder(), walk.name(), item) &&
             !S_ISLNK(item.st_mode) && !mayWriteItem(item, folder)) {
             errno = EACCES;

@@ -9,29 +9,29 @@
 
 namespace ZQFoundation::detail {
 
-/// Where a path leads.
+/// Where a path ends.
 struct GuardedPlace {
     Descriptor folder;         ///< open for search only
     std::string name;          ///< of the item in it, which need not exist
-    bool isObjectLink = false; ///< the item is a link that stands for an open object, as in /dev/fd
+    bool isObjectLink = false; ///< the item is a link that represents an open object, as in /dev/fd
 };
 
-/// Follows the path, links at its end too, to the folder in which its item stands. In a sticky folder that
-/// others may write to (/tmp), EACCES meets a link that belongs to neither the effective user nor the
-/// folder's owner. The item itself is not judged; `mayWriteItem` of StickyFolder.h does. False with `errno`;
-/// more than 32 links: ELOOP.
+/// Follows the path, links at its end too, to the folder that contains its item. In a sticky folder that
+/// others may write to (/tmp), a link that belongs to neither the effective user nor the folder's owner fails
+/// with EACCES. The item itself is not checked; `mayWriteItem` of StickyFolder.h does that. False with
+/// `errno`; ELOOP for more than 32 links.
 bool reachGuarded(const std::string& path, GuardedPlace& place);
 
-/// Opens a file for reading and appending, making it with 0666 less the umask when it is absent, and with
-/// 0600 in a folder as below. Returns a close-on-exec descriptor, or -1 with `errno`. Never waits, not even
-/// for the other end of a pipe, and takes no terminal over.
+/// Opens a file for reading and appending, creating it if absent, with mode 0666 less the umask, or 0600 in a
+/// sticky folder as above. Returns a close-on-exec descriptor, or -1 with `errno`. Never waits, not even for
+/// the other end of a pipe, and acquires no controlling terminal.
 ///
-/// Links are followed as by `reachGuarded`, and in such a folder EACCES meets any item of another owner or
-/// with a second name, too. What is judged is what is opened, whatever others do meanwhile.
+/// Links are followed as by `reachGuarded`; in such a folder, any item of another owner or with a second name
+/// fails with EACCES, too. The item checked is the item opened, whatever others do meanwhile.
 int openForAppendingGuarded(const std::string& path) noexcept;
 
-/// Whether something stands at the path, through links, that `openForAppendingGuarded` would not refuse by
-/// these rules. Opens nothing, and tests no other permission.
+/// Whether something exists at the path, through links, that `openForAppendingGuarded` would not refuse by
+/// these rules. Opens nothing, and checks no other permission.
 bool mayAppendGuarded(const std::string& path) noexcept;
 
 } // namespace ZQFoundation::detail

@@ -22,7 +22,7 @@ struct AccountHome {
     std::string folder;
 };
 
-// The user database is asked once: it may be slow, and a forked child should not have to ask it at all.
+// The user database is queried once: it may be slow, and a forked child should not have to query it at all.
 constinit Published<AccountHome> accountHome;
 
 bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == '/'; }

@@ -20,20 +20,20 @@ bool isOwnerKept(const struct stat& source, const struct stat& made) noexcept {
     return made.st_uid == source.st_uid && made.st_gid == source.st_gid;
 }
 
-/// What a copy of this owner may have of the source's permissions: nobody gets the right to run a program as
-/// the one who copies it.
+/// Which of the source's permissions a copy with this owner may have: nobody gets the right to run a program
+/// as the user who copies it.
 mode_t permissionsFor(const struct stat& made, const struct stat& source) noexcept {
     mode_t permissions = source.st_mode & 07777;
     const bool isKept = isOwnerKept(source, made);
     permissions &= isKept ? ~mode_t{0} : ~mode_t{S_ISUID};
-    // Of a folder this bit hands the group on.
+    // On a folder this bit passes the group on to new items.
     const bool mayHandOn = S_ISDIR(source.st_mode) && made.st_gid == source.st_gid;
     permissions &= isKept || mayHandOn ? ~mode_t{0} : ~mode_t{S_ISGID};
     return permissions;
 }
 
-/// For open and for held items, by `owner(user, group)` and `look(information)`: the owner and group where
-/// that is allowed, or the group alone. False when the item cannot be looked at.
+/// Sets the owner and group where that is allowed, or the group alone, of open and of held items, by
+/// `owner(user, group)` and `look(information)`. False when the item cannot be looked at.
 template <class SetOwner, class Look>
 bool takeOwner(const struct stat& source, struct stat& made, const SetOwner& setOwner, const Look& look) {
     if (!look(made)) {
@@ -83,7 +83,7 @@ bool makeSpecialItem(const struct stat& information, const CopyPlace& place) {
     }
 }
 
-/// Whether what is held is what was just made, and nothing that somebody has put in its place.
+/// Whether the held item is the one that was just made, not one that somebody has put in its place.
 bool isOurs(const struct stat& made, const struct stat& source) noexcept {
     return (made.st_mode & kindBits) == (source.st_mode & kindBits) && made.st_nlink == 1;
 }
@@ -96,7 +96,7 @@ bool isFolderOurs(int folder, int parent) {
     if (::fstat(folder, &made) != 0 || ::fstat(parent, &around) != 0 || !names.read(folder)) {
         return false;
     }
-    // Some file systems give everything one owner.
+    // On some file systems everything has one owner.
     const bool isTrusted = made.st_uid == ::geteuid() || (around.st_mode & (S_IWGRP | S_IWOTH)) == 0;
     if (!isTrusted || !names.isAtEnd()) {
         errno = ESTALE;
@@ -105,7 +105,7 @@ bool isFolderOurs(int folder, int parent) {
     return true;
 }
 
-/// Whether a descriptor more can be had, asked before something is made that then could not be opened.
+/// Whether one more descriptor is available; checked before making something that then could not be opened.
 bool hasSpareDescriptor(int open) noexcept {
     return static_cast<bool>(Descriptor(::fcntl(open, F_DUPFD_CLOEXEC, 0)));
 }
@@ -114,7 +114,7 @@ bool hasSpareDescriptor(int open) noexcept {
 
 bool completeCopy(int source, int destination, const struct stat& information) {
     struct stat made;
-    // The owner first: a change of it takes permissions away.
+    // The owner first: changing it clears permission bits.
     const auto setOwner = [&](uid_t owner, gid_t group) {
         return ::fchown(destination, owner, group) == 0;
     };
@@ -122,7 +122,7 @@ bool completeCopy(int source, int destination, const struct stat& information) {
                    [&](struct stat& found) { return ::fstat(destination, &found) == 0; })) {
         return false;
     }
-    // Access lists before permissions, which alone might allow more for a moment.
+    // Access lists before permissions, which alone might briefly allow more.
     if (!system::copyExtendedAttributes(source, destination)) {
         return false;
     }
@@ -133,12 +133,12 @@ bool completeCopy(int source, int destination, const struct stat& information) {
 }
 
 bool closeWell(Descriptor& file) noexcept {
-    // An interrupted call leaves open whether the last data got to its place.
+    // After an interrupted call it is unknown whether the last data were written.
     return ::close(file.release()) == 0;
 }
 
 bool openForCopy(int folder, const char* name, bool isEvidence, Descriptor& file, struct stat& information) {
-    // Without O_NONBLOCK a pipe that has just taken the file's place would keep us waiting.
+    // Without O_NONBLOCK a pipe that has just taken the file's place would make us wait.
     file = Descriptor(openAt(folder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file || ::fstat(file.number(), &information) != 0 || !isStillFile(information)) {
         return false;

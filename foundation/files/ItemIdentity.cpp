@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whether two paths lead to the same place.
+// Checks whether two paths refer to the same place.
 #include "foundation/files/ItemIdentity.h"
 
 #include "foundation/files/FileInformation.h"
@@ -19,8 +19,8 @@ bool getParentInformation(const NSString& path, struct stat& information) {
     return getTargetInformation(parent.isEqualToString("") ? NSString(".") : parent, information);
 }
 
-/// Whether two paths whose items are one and the same name that one item in the same way: a file with several
-/// names keeps the others when one is removed.
+/// Whether two paths to one and the same item also use the same name of it: a file with several names keeps
+/// the others when one is removed.
 bool isSameEntry(const NSString& left, const NSString& right, const struct stat& item) {
     if (S_ISDIR(item.st_mode) || item.st_nlink <= 1) {
         return true;
@@ -46,7 +46,7 @@ NSString targetOfLink(const NSString& link) {
                : link.stringByDeletingLastPathComponent().stringByAppendingPathComponent(text);
 }
 
-/// Whether the item is met on the way from the path along its links to what they lead to.
+/// Whether the item is on the way from the path along its links to their targets.
 bool isMetAlongLinks(const struct stat& item, const NSString& itemPath, NSString path) {
     for (int links = 0; path && links <= maxLinks; ++links) {
         struct stat step;
@@ -64,7 +64,7 @@ bool isMetAlongLinks(const struct stat& item, const NSString& itemPath, NSString
     return false;
 }
 
-/// Whether the item is one of the folders, or links to folders, that the path is spelled with.
+/// Whether the item is one of the folders, or links to folders, that the path names.
 bool isSpelledWith(const struct stat& item, NSString path) {
     for (path = path.stringByDeletingLastPathComponent(); path.length() > 1;
          path = path.stringByDeletingLastPathComponent()) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names in open folders.
+// Looks at items by their names in open folders.
 #include "foundation/files/ItemPlace.h"
 
 #include "foundation/files/PathHandle.h"

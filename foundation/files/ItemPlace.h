@@ -21,18 +21,18 @@ inline std::string withoutEndSlashes(const std::string& path) {
     return path.substr(0, path.find_last_not_of('/') + 1);
 }
 
-/// A name in a folder that was opened once, so that all that is asked and done about the item happens in the
-/// same folder, wherever that is moved and whatever takes its place.
+/// A name in a folder that was opened once, so that every query and change of the item happens in the same
+/// folder, even if that is moved or replaced.
 class ItemPlace {
 public:
     ItemPlace() = default;
     ItemPlace(SharedFolder folder, std::string name) : folder_(std::move(folder)), name_(std::move(name)) {}
 
-    /// From a path; links in front of its last name are followed, and a slash at its end asks for a folder.
-    /// False with `errno`.
+    /// Opens the folder of a path's last name; links before the last name are followed, and a slash at the
+    /// end requires a folder. False with `errno`.
     bool open(const std::string& path);
 
-    /// The last name of a path, in a folder that was found in another way. True.
+    /// Sets the last name of a path, in a folder that was opened by other means. Returns true.
     bool set(SharedFolder folder, const std::string& path);
 
     int folder() const noexcept { return folder_->number(); }
@@ -41,14 +41,14 @@ public:
 
     explicit operator bool() const noexcept { return folder_ != nullptr; }
 
-    /// False for the root folder, ".", "..": what has no name of its own cannot be removed.
+    /// False for the root folder, ".", "..": these have no name of their own and cannot be removed.
     bool isEntry() const noexcept { return name_ != "." && name_ != ".."; }
 
-    /// The item itself, a link not being followed. False with `errno`; ENOTDIR where the path asked for a
-    /// folder and this is none.
+    /// Reads the information of the item itself, a link not being followed. False with `errno`; ENOTDIR when
+    /// the path requires a folder and this is none.
     bool look(struct stat& information) const noexcept;
 
-    /// Whether something exists there, links followed; only then the flag is written.
+    /// Whether something exists there, links followed; the flag is written only then.
     bool exists(bool& isDirectory) const noexcept;
 
     /// Whether this very item is there now.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Open files as values that raise on failure.
+// Open files as objects that raise on failure.
 #include "foundation/files/NSFileHandle.h"
 
 #include <algorithm>
@@ -44,7 +44,7 @@ std::uint64_t moveTo(int descriptor, off_t offset, int origin, const char* opera
     return static_cast<std::uint64_t>(reached);
 }
 
-/// An offset in the form of the system, which knows none above half the range.
+/// An offset as the system's type, which has only half the range.
 off_t systemOffset(std::uint64_t offset, const char* operation) {
     if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) {
         errno = EINVAL;
@@ -53,7 +53,7 @@ off_t systemOffset(std::uint64_t offset, const char* operation) {
     return static_cast<off_t>(offset);
 }
 
-/// At most `length` bytes. Takes memory as the bytes come, since a caller may ask for more than there are.
+/// At most `length` bytes. Allocates memory as bytes arrive, since a caller may ask for more than there are.
 NSData readBytes(int descriptor, std::size_t length, const char* operation) {
     constexpr std::size_t firstPiece = 16384;
     std::string bytes;
@@ -69,7 +69,7 @@ NSData readBytes(int descriptor, std::size_t length, const char* operation) {
     return NSData::dataWithBytes_length(bytes.data(), count);
 }
 
-/// Whether the file would grow beyond the limit, which the system answers with a signal.
+/// Whether the file would grow beyond the limit, for which the system raises a signal.
 bool exceedsLimit(int descriptor, off_t size) noexcept {
     rlimit limit{};
     struct stat information;
@@ -126,7 +126,7 @@ NSFileHandle NSFileHandle::fileHandleForUpdatingAtPath(StringView path) {
     return descriptor != notOpen ? NSFileHandle(descriptor) : NSFileHandle();
 }
 
-/// -1 for nil, for which every operation does nothing.
+/// -1 for nil, on which every operation does nothing.
 int NSFileHandle::openDescriptor(const char* operation) const {
     if (state_ == State::closed) {
         NSException::raise_format(NSFileHandleOperationException, "%s: the file is closed", operation);

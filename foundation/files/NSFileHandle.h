@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSFileHandle, an open file.
 #ifndef ZQFOUNDATION_FILES_NSFILEHANDLE_H
 #define ZQFOUNDATION_FILES_NSFILEHANDLE_H
 
@@ -11,10 +12,9 @@ namespace ZQFoundation {
 /// What a failed operation of a file handle raises.
 inline constexpr const char* NSFileHandleOperationException = "NSFileHandleOperationException";
 
-/// An open file. Exclusive and movable; closes its descriptor, which is close-on-exec, at the end of its
-/// life.
+/// An open file. Not copyable, movable; its destructor closes the descriptor, which is close-on-exec.
 ///
-/// A default-made one is nil: it does nothing and answers nil and 0. What fails, and any use after
+/// A default-constructed one is nil: it does nothing and returns nil and 0. What fails, and any use after
 /// `closeFile`, raises NSFileHandleOperationException. Offsets and lengths are bytes. One thread at a time.
 class ZQFOUNDATION_EXPORT NSFileHandle {
 public:

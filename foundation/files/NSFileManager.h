@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSFileManager, the operations on files and folders by path, and NSDirectoryEnumerator.
 #ifndef ZQFOUNDATION_FILES_NSFILEMANAGER_H
 #define ZQFOUNDATION_FILES_NSFILEMANAGER_H
 
@@ -12,7 +13,7 @@ class TreeWalk;
 
 namespace ZQFoundation {
 
-/// Walks a tree of files, a folder before what it holds.
+/// Walks a tree of files, a folder before its contents.
 ///
 ///     NSDirectoryEnumerator items = NSFileManager::defaultManager().enumeratorAtPath(folder);
 ///     while (const NSString path = items.nextObject()) ... // "sub", "sub/a.log"
@@ -106,16 +107,16 @@ inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown";
 ///     NSString reason;
 ///     if (!files.removeItemAtPath_error(path, &reason)) ...
 ///
-/// A path is taken as it is: no "~" is expanded, a relative one is relative to the current folder. Nil,
-/// the empty path, U+0000 and unpaired surrogates that represent no byte of a file name make every operation
-/// fail. Failures are false or nil, never exceptions; `errorText`, where there is one and it is given, then
-/// says what went wrong ("/a/b: Permission denied") and becomes nil on success.
+/// A path is used as it is: "~" is not expanded, a relative one is relative to the current folder. Nil, the
+/// empty path, U+0000 and unpaired surrogates that represent no byte of a file name make every operation
+/// fail. Failures are false or nil, never exceptions; `errorText`, where there is one and it is not null,
+/// then says what went wrong ("/a/b: Permission denied") and becomes nil on success.
 ///
-/// Paths may be of any length. Any thread may call anything at any time; `errno` is kept. Between two calls
-/// other processes may change what is there.
+/// Paths may be of any length. Any thread may call any operation at any time; `errno` is preserved. Between
+/// two calls other processes may change what is there.
 class ZQFOUNDATION_EXPORT NSFileManager {
 public:
-    /// The one object, never destroyed.
+    /// The shared object, never destroyed.
     static NSFileManager& defaultManager() noexcept;
 
     NSFileManager(const NSFileManager&) = delete;
@@ -149,7 +150,7 @@ public:
         StringView path, detail::Flag withIntermediateDirectories, const NSDictionary& attributes,
         NSString* errorText = nullptr);
 
-    /// Writes a new file beside the path and renames it over what exists there: others see the old file or
+    /// Writes a new file next to the path and renames it over what exists there: others see the old file or
     /// the whole new one. A link at the path is replaced, not followed. An existing file's mode is kept, a
     /// new one gets 0666 less the umask, then the attributes (permissions, modification date, owner) are
     /// applied, failures ignored. Nil contents make an empty file. False for a folder at the path.
@@ -162,9 +163,9 @@ public:
     /// Copies a file, a link as a link with the same text, or a whole tree. Nothing may exist at the
     /// destination (a dangling link counts), and its parent must exist. Kept are contents (holes too),
     /// permissions, modification and access times, extended attributes, access lists, and the owner where
-    /// that is allowed; hard links become separate files, pipes and sockets are made anew, devices where that
-    /// is allowed. Folders get their permissions and times when all that they hold is there. While it is
-    /// being made a copy is readable by nobody who may not read the source.
+    /// that is allowed; hard links become separate files; new pipes and sockets are made, and devices where
+    /// that is allowed. Folders get their permissions and times when their contents are complete. While a
+    /// copy is being made, nobody can read it who may not read the source.
     ///
     /// The first failure, which may be one of the last write that shows only at the end, stops the copy with
     /// false; what was copied stays. False, before anything is made, for a folder copied into itself or
@@ -179,10 +180,10 @@ public:
     /// @name NSFileManager(ZQFoundation)
     /// @{
 
-    /// Whether the path leads to an ordinary file, through links too.
+    /// Whether the path refers to an ordinary file, through links too.
     bool isRegularFileAtPath(StringView path) const;
 
-    /// Whether the path leads to a folder, through links too.
+    /// Whether the path refers to a folder, through links too.
     bool isDirectoryAtPath(StringView path) const;
 
     /// `createDirectoryAtPath_withIntermediateDirectories_attributes_error` with `deepCreate` as its switch.
@@ -190,8 +191,7 @@ public:
                                                      detail::Flag deepCreate);
 
     /// Creates the file and, if `deepCreate`, first the missing folders above it, each with the folder
-    /// attributes. False, and nothing made, if something other than a folder is where the parent
-    /// should.
+    /// attributes. False, and nothing made, if something other than a folder is where the parent should be.
     [[nodiscard]] bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
         const NSDictionary& directoryAttributes, detail::Flag deepCreate);

@@ -7,9 +7,9 @@
 
 namespace ZQFoundation::detail {
 
-/// Opens the item at the path without waiting for the other end of a pipe and without making a terminal the
-/// controlling one; the descriptor is close-on-exec, and later calls on it may block. None, with `errno`, for
-/// a folder too.
+/// Opens the item at the path without waiting for the other end of a pipe and without acquiring a controlling
+/// terminal; the descriptor is close-on-exec, and later calls on it may block. Not open, with `errno`, on
+/// failure and for a folder.
 inline Descriptor openNonBlocking(const PathHandle& path, int flags, mode_t mode = 0) noexcept {
     constexpr int always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     Descriptor file(openAt(path.folder(), path.name(), flags | always, mode));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Paths as texts: nothing here looks at a file system.
+// Operations on paths as texts: nothing here accesses a file system.
 #include <string>
 #include <string_view>
 
@@ -14,7 +14,7 @@ using detail::TextBuilder;
 
 namespace {
 
-/// Where the last component of a path stands, slashes behind it passed over. Empty for slashes alone.
+/// Where the last component of a path is, ignoring slashes after it. Empty for slashes alone.
 struct LastComponent {
     std::size_t start;
     std::size_t end;
@@ -32,8 +32,8 @@ LastComponent lastComponentOf(const AsciiOrUtf16& path) noexcept {
     return {start, end};
 }
 
-/// The "." in front of the extension, or the component's end when it has none. Dots that a name begins with
-/// start no extension: without them "..zip" would become the name of a folder.
+/// The "." before the extension, or the component's end when it has none. Dots that a name begins with start
+/// no extension: without them "..zip" would become the name of a folder.
 std::size_t extensionDot(const AsciiOrUtf16& path, const LastComponent& last) noexcept {
     std::size_t first = last.start;
     while (first < last.end && path[first] == '.') {
@@ -47,7 +47,7 @@ std::size_t extensionDot(const AsciiOrUtf16& path, const LastComponent& last) no
     return last.end;
 }
 
-/// Appends the piece to what stands in the builder, each run of slashes as one.
+/// Appends the piece to the builder's text, each run of slashes as one.
 template <class Unit>
 void appendSqueezed(const Unit* units, std::size_t count, bool& afterSlash, TextBuilder& out) {
     std::size_t start = 0;
@@ -85,7 +85,7 @@ public:
     }
     void append(const AsciiOrUtf16& text) { append(text, text.length()); }
 
-    /// A component of its own, unless it is empty.
+    /// Appends a separate component, unless it is empty.
     void appendComponent(const AsciiOrUtf16& component) {
         if (component.length() == 0) {
             return;
@@ -173,7 +173,7 @@ NSArray NSString::pathComponents() const {
 NSString NSString::pathWithComponents(const NSArray& components) {
     SqueezedPath path;
     for (const NSObject& component : components) {
-        const NSString text(component); // nil, so passed over, for what is no string
+        const NSString text(component); // nil, and so skipped, for anything but a string
         path.appendComponent(AsciiOrUtf16(text));
     }
     return path.string();

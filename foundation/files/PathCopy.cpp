@@ -49,7 +49,7 @@ public:
     const std::string& failed() const noexcept { return failed_; }
 
 private:
-    /// False also when something is there, a dangling link too.
+    /// False also when something exists there, even a dangling link.
     bool openTarget() {
         struct stat present;
         if (!to_.open(destination_)) {

@@ -10,24 +10,24 @@
 
 namespace ZQFoundation::detail {
 
-/// The bytes by which the system knows a path. False with `errno` for the nil and the empty path, U+0000 and
-/// units that stand for no byte of a file name.
+/// Converts a path to the bytes that the system uses. False with `errno` for the nil and the empty path,
+/// U+0000 and units that represent no byte of a file name.
 bool getPathBytes(StringView path, std::string& bytes);
 
-/// Takes the next name of a path from `position` on, passing over slashes, and moves the position behind it.
-/// False at the end.
+/// Reads the next name of a path from `position` on, skipping slashes, and moves the position past it. False
+/// at the end.
 bool takeName(const std::string& path, std::size_t& position, std::string& name);
 
 /// A path of any length for the system's `...at` calls: `folder()` and `name()` are what they take. The
-/// system itself takes a path of limited length, so of a longer one the front is opened folder by folder and
+/// system itself takes a path of limited length, so the front of a longer one is opened folder by folder and
 /// the name is what is left. An ordinary path costs nothing.
 class PathHandle {
 public:
-    /// Makes `folder()` and `name()` stand for the path, which must outlive their use. False with `errno`
-    /// when the front of a long path cannot be opened.
+    /// Makes `folder()` and `name()` refer to the path, which must outlive their use. False with `errno` when
+    /// the front of a long path cannot be opened.
     ///
-    /// May be called again for other paths that begin alike: then the folder that is open serves again. The
-    /// caller says through `keepOnly` how many of the bytes before are still the same.
+    /// May be called again for other paths with the same beginning, which then use the folder that is open.
+    /// The caller states through `keepOnly` how many of the previous bytes are still the same.
     [[nodiscard]] bool reach(const std::string& path) noexcept;
 
     void keepOnly(std::size_t byteCount) noexcept;

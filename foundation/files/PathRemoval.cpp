@@ -19,7 +19,7 @@ bool removeItem(const std::string& path, std::string& failed) {
     if (!item.open(path) || !item.look(information)) {
         return false;
     }
-    // It cannot be removed, and should not lose what it holds in the attempt.
+    // It cannot be removed, and must not lose its contents in the attempt.
     if (!item.isEntry()) {
         errno = EINVAL;
         return false;

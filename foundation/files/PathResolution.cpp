@@ -19,7 +19,7 @@ void LinkResolver::append(const std::string& component) {
     path_ += component;
 }
 
-/// Only of an absolute path without links, where ".." is the folder above by its text too.
+/// Only for an absolute path without links, where ".." is the folder above textually, too.
 void LinkResolver::removeLast() {
     const std::size_t slash = path_.rfind('/');
     path_.resize(slash == 0 ? 1 : slash);
@@ -33,7 +33,7 @@ bool LinkResolver::mayFollow(const std::string& folderName) const noexcept {
            ::fstatat(handle_.folder(), folderName.c_str(), &folder, 0) == 0 && mayFollowLink(link, folder);
 }
 
-/// Links to open objects lead to them whatever their text says. Sets `errno` for a link that leads nowhere.
+/// Links to open objects refer to them whatever their text says. Sets `errno` for a dangling link.
 bool LinkResolver::leadsByItsText(const std::string& folderName, const std::string& target) const {
     struct stat byLink;
     struct stat byText;
@@ -125,7 +125,7 @@ LinkResolver::End LinkResolver::resolve() {
 
 namespace {
 
-/// The path squeezed, without "." behind a slash, and when it is absolute with its ".." folded by its text.
+/// The squeezed path, without "." after a slash, and, if absolute, with ".." resolved textually.
 template <class Unit>
 std::basic_string<Unit> foldedText(std::basic_string_view<Unit> path) {
     std::basic_string<Unit> folded;
@@ -180,7 +180,7 @@ bool exists(const std::string& path) noexcept {
     return handle.reach(path) && ::fstatat(handle.folder(), handle.name(), &information, 0) == 0;
 }
 
-/// Of a path whose tilde is expanded.
+/// Takes a path whose tilde is already expanded.
 NSString standardized(const NSString& path) {
     std::string bytes;
     if (path.hasPrefix("/") && path.getFileSystemBytes(bytes) && hasParentReference(bytes) && exists(bytes)) {

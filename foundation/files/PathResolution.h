@@ -9,19 +9,19 @@
 
 namespace ZQFoundation::detail {
 
-/// Replaces the links of a path by their targets, one component after the other. What it says holds for the
-/// moment of the look; who acts on it must not rely on it against others.
+/// Replaces the links of a path by their targets, one component after the other. The result is valid only for
+/// the moment of the look-up: callers must not rely on it for protection against other users.
 ///
 /// An absolute path comes out without "." and ".." up to where something is missing. A relative one keeps its
-/// ".." and is looked at from the current folder.
+/// ".." and is resolved from the current folder.
 class LinkResolver {
 public:
     explicit LinkResolver(const std::string& path) : rest_(path) {}
 
     enum class End {
         whole,   ///< everything on the path is there
-        partial, ///< something is missing, dangling or not to be followed: from there on the text as it was
-        tooLong, ///< a loop, or more links than are followed: `path()` is of no use
+        partial, ///< something is missing, dangling or not to be followed: the rest is unchanged
+        tooLong, ///< a loop, or more links than are followed: `path()` is meaningless
     };
     End resolve();
 
@@ -41,7 +41,7 @@ private:
     std::size_t position_ = 0; ///< in `rest_`
     std::string component_;
     std::string path_;
-    PathHandle handle_; ///< stands for `path_` or for one that it began with
+    PathHandle handle_; ///< refers to `path_` or to a path that it began with
     int links_ = 0;
 };
 

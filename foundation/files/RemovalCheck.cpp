@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The last look at what is to be removed.
+// The last check of a tree that is to be removed.
 #include "foundation/files/RemovalCheck.h"
 
 #include <utility>
@@ -22,7 +22,7 @@ bool fails(int error) noexcept {
     return false;
 }
 
-/// Whether an item may be taken out of a folder, as far as the folder being sticky forbids it.
+/// Whether the rule for sticky folders lets an item be removed from a folder.
 bool mayBeTaken(const struct stat& folder, const struct stat& item) noexcept {
     const uid_t user = ::geteuid();
     return (folder.st_mode & S_ISVTX) == 0 || user == 0 || user == item.st_uid || user == folder.st_uid;
@@ -76,7 +76,8 @@ private:
                fails(ESTALE);
     }
 
-    /// Of a file, after it was found that nobody writes to it: a change before that shows in the facts.
+    /// For a file, called after the check that nobody has it open for writing: an earlier change shows in the
+    /// facts.
     bool getFacts(ItemFacts& facts) {
         if (record_ == nullptr || kind() != DT_REG) {
             return system::getItemFacts(folder(), name(), facts) &&

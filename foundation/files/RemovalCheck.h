@@ -8,11 +8,11 @@
 
 namespace ZQFoundation::detail {
 
-/// Whether all that an open folder holds could be removed by this user: no folder without write permission,
-/// no sticky one with items of others, nothing immutable or append-only, no mount point.
+/// Whether this user could remove everything in an open folder: no folder without write permission, no sticky
+/// one with items of others, nothing immutable or append-only, no mount point.
 ///
-/// With a record also whether the tree is, as a whole and item by item, what was copied, and no file of it is
-/// open for writing. False with `errno`; nothing is changed.
+/// With a record, also whether the tree is, as a whole and item by item, what was copied, and none of its
+/// files is open for writing. False with `errno`; nothing is changed.
 bool isTreeRemovable(const Descriptor& folder, const CopyRecord* record);
 
 } // namespace ZQFoundation::detail

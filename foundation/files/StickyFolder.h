@@ -7,15 +7,15 @@
 #include <unistd.h>
 
 /// The rule for folders in which everybody may make items and nobody may remove those of others, such as
-/// /tmp: what stands there under an expected name may have been planted. Systems have such a rule of their
-/// own, but not all, and not always switched on.
+/// /tmp: an item there with an expected name may have been planted. Some systems enforce such a rule
+/// themselves, but not all do, and not always by default.
 namespace ZQFoundation::detail {
 
 inline bool isSharedFolder(const struct stat& folder) noexcept {
     return (folder.st_mode & S_ISVTX) != 0 && (folder.st_mode & S_IWOTH) != 0;
 }
 
-/// Whether the item belongs to the effective user or to the owner of the folder that it stands in.
+/// Whether the item belongs to the effective user or to the owner of the folder that contains it.
 inline bool isOwnedByTrusted(const struct stat& item, const struct stat& folder) noexcept {
     return item.st_uid == ::geteuid() || item.st_uid == folder.st_uid;
 }
@@ -25,7 +25,8 @@ inline bool mayFollowLink(const struct stat& link, const struct stat& folder) no
     return !isSharedFolder(folder) || isOwnedByTrusted(link, folder);
 }
 
-/// Whether an item in the folder may be written to. One with a second name could be anybody's file elsewhere.
+/// Whether an item in the folder may be written to. An item with a second name could be anybody's file
+/// elsewhere.
 inline bool mayWriteItem(const struct stat& item, const struct stat& folder) noexcept {
     return !isSharedFolder(folder) ||
            (isOwnedByTrusted(item, folder) && (S_ISDIR(item.st_mode) || item.st_nlink <= 1));

@@ -44,7 +44,7 @@ bool TreeCopy::enter(Descriptor source, const CopyPlace& place) {
     return push(std::move(level), std::move(source), std::move(made));
 }
 
-/// All that may need a descriptor more comes before the folder of the copy is made.
+/// Everything that may need one more descriptor happens before the folder of the copy is made.
 bool TreeCopy::read(const Descriptor& source, Level& level) const {
     level.pathLength = path_.size();
     return ::fstat(source.number(), &level.information) == 0 && level.names.read(source.number());
@@ -59,7 +59,7 @@ bool TreeCopy::push(Level level, Descriptor source, Descriptor made) {
     return true;
 }
 
-/// A mount can put the copy inside its source where no way upwards shows it.
+/// A mount can put the copy inside its source where no path upwards shows it.
 bool TreeCopy::isOutsideTheCopy(const struct stat& source) const noexcept {
     if (!levels_.empty() && isSameItem(source, firstMade_)) {
         errno = EINVAL;
@@ -103,7 +103,7 @@ bool TreeCopy::copyFile(const CopyPlace& place) {
            copyRegularFile(file.number(), information, place, notes_.observer) && record(place, information);
 }
 
-/// What is no file and no folder, or is not known to be one.
+/// Copies anything that is not known to be a file or folder.
 bool TreeCopy::copyOther(const CopyPlace& place) {
     struct stat information;
     struct stat made;
@@ -124,7 +124,7 @@ bool TreeCopy::copyFolder(const CopyPlace& place) {
     return folder && enter(std::move(folder), place);
 }
 
-/// True.
+/// Returns true.
 bool TreeCopy::record(const CopyPlace& place, const struct stat& information) {
     if (notes_.record != nullptr) {
         notes_.record->add(levels_.back().information, place.sourceName, information);
@@ -132,7 +132,7 @@ bool TreeCopy::record(const CopyPlace& place, const struct stat& information) {
     return true;
 }
 
-/// The way back must be open before the copy gets its permissions, which may not let it through.
+/// The folder above must be open before the copy gets its permissions, which may not allow access to it.
 bool TreeCopy::leave() {
     path_.resize(levels_.back().pathLength);
     if (!sources_.reopenParent() || !destinations_.reopenParent() ||

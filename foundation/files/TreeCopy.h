@@ -12,18 +12,18 @@
 
 namespace ZQFoundation::detail {
 
-/// Copies a folder with all that it holds, below open folders, so that nothing that others exchange meanwhile
-/// leads it elsewhere. Takes memory for the depth, not stack, and a bounded number of descriptors. Stops at
-/// the first failure, and leaves what it has made.
+/// Copies a folder with its contents, below open folders, so that nothing that others exchange meanwhile
+/// redirects it. Uses memory for the depth, not stack, and a bounded number of descriptors. Stops at the
+/// first failure, and leaves what it has made.
 class TreeCopy {
 public:
-    /// `path` is used in error messages. What was read is recorded, and progress is reported, if asked for.
+    /// `path` is used in error messages. If asked for, what was read is recorded, and progress is reported.
     explicit TreeCopy(std::string path, CopyNotes notes = {}) : path_(std::move(path)), notes_(notes) {}
 
-    /// Makes the folder of the copy, too. False with `errno`; `path()` is then what could not be copied.
+    /// Also makes the folder of the copy. False with `errno`; `path()` is then what could not be copied.
     bool run(Descriptor source, const CopyPlace& place);
 
-    /// The same into a folder that is there and empty.
+    /// Copies into an existing empty folder.
     bool fill(Descriptor source, Descriptor made);
 
     const std::string& path() const noexcept { return path_; }
@@ -32,7 +32,7 @@ private:
     struct Level {
         struct stat information {}; ///< of the source, as it was before it was read
         FolderNames names;
-        std::size_t pathLength = 0; ///< of what leads to this folder
+        std::size_t pathLength = 0; ///< of the path to this folder
     };
 
     bool enter(Descriptor source, const CopyPlace& place);

@@ -13,7 +13,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// How often a folder is read that others keep filling.
+/// How often a folder that others keep filling is read.
 constexpr int maxReadings = 16;
 
 bool isOtherThanFolder(int error) noexcept { return error == ENOTDIR || error == ELOOP || error == EMLINK; }
@@ -63,7 +63,7 @@ bool TreeRemoval::removeEntry(const FolderNames::Entry& entry) {
     return enterOrRemoveEmpty(folders_.current(), entry.name);
 }
 
-/// Enters the folder. What cannot be entered is removed if it is empty, or no folder any more.
+/// Enters the folder. One that cannot be entered is removed if it is empty, or no longer a folder.
 bool TreeRemoval::enterOrRemoveEmpty(int folder, const char* name) {
     if (Descriptor next = openFolder(folder, name)) {
         return push(std::move(next));
@@ -100,7 +100,7 @@ bool TreeRemoval::push(Descriptor opened) {
         return false;
     }
     if (facts.isMountPoint) {
-        errno = EBUSY; // it could not be removed in the end, and would only be emptied
+        errno = EBUSY; // it could not be removed in the end, only emptied
         return false;
     }
     if (makesWritable_ && (facts.information.st_mode & S_IRWXU) != S_IRWXU) {
@@ -114,7 +114,7 @@ bool TreeRemoval::push(Descriptor opened) {
     return true;
 }
 
-/// The folder is empty, but for what is to be left: removes it and goes on in the one above.
+/// The folder is empty, except for what is to be left: removes it and continues in the one above.
 bool TreeRemoval::leave() {
     path_.resize(levels_.back().pathLength);
     if (!folders_.reopenParent()) {
@@ -139,7 +139,7 @@ bool TreeRemoval::leave() {
     return true;
 }
 
-/// Others have put something into the folder, or the file system's list was incomplete.
+/// Reads a folder again: others have put something into it, or the file system's list was incomplete.
 bool TreeRemoval::readAgain() {
     Level& level = levels_.back();
     if (++level.readings > maxReadings) {

@@ -12,25 +12,25 @@
 
 namespace ZQFoundation::detail {
 
-/// Removes a folder with all that it holds, below open folders and without following a link or entering a
-/// mount point, so that it never gets outside whatever others exchange meanwhile. Takes memory for the depth,
-/// not stack, and a bounded number of descriptors. Stops at the first failure.
+/// Removes a folder with its contents, below open folders and without following a link or entering a mount
+/// point, so that it never gets outside, whatever others exchange meanwhile. Uses memory for the depth, not
+/// stack, and a bounded number of descriptors. Stops at the first failure.
 class TreeRemoval {
 public:
     /// `path` is used in error messages.
     TreeRemoval(int folder, const char* name, std::string path)
         : folder_(folder), name_(name), path_(std::move(path)) {}
 
-    /// Removes only items that the record holds, and the folders that are empty then.
+    /// Restricts the removal to items in the record, and to folders that are then empty.
     void setRecord(const CopyRecord& record) noexcept { record_ = &record; }
 
-    /// Gives folders that are in the way the permissions to be emptied: for copies that are given up.
+    /// Adds the permissions needed to empty folders that lack them: for abandoned copies.
     void setMakesWritable() noexcept { makesWritable_ = true; }
 
     /// False with `errno`; `path()` is then what could not be removed.
     bool run();
 
-    /// After success: whether something is left that the record does not hold.
+    /// After success: whether something is left that is not in the record.
     bool isSomethingLeft() const noexcept { return isSomethingLeft_; }
 
     const std::string& path() const noexcept { return path_; }
@@ -39,7 +39,7 @@ private:
     struct Level {
         struct stat information;
         FolderNames names;
-        std::size_t pathLength; ///< of what leads to this folder
+        std::size_t pathLength; ///< of the path to this folder
         int readings;
     };
 

@@ -53,7 +53,7 @@ bool TreeWalk::enter(Descriptor folder) {
     return true;
 }
 
-/// Only now, so that the caller could look at it, remove it or have it skipped.
+/// Entered only now, so that the caller could look at it, remove it or skip it.
 void TreeWalk::enterLast() {
     if (!std::exchange(mayEnter_, false)) {
         return;
@@ -66,7 +66,7 @@ void TreeWalk::enterLast() {
         isIncomplete_ || (!isEntered && (entry_.kind == DT_DIR || (errno != ENOTDIR && errno != ELOOP)));
 }
 
-/// Up to the nearest folder that is still to be found.
+/// Goes up to the nearest folder that can still be found.
 void TreeWalk::leave() {
     bool isOpen = folders_.reopenParent();
     do {
@@ -77,7 +77,7 @@ void TreeWalk::leave() {
     } while (!isOpen);
 }
 
-/// Goes down again to the last level by the names that led there, when the folder below it was moved away.
+/// Goes down again to the last level by the names on the way there, when the folder below it was moved away.
 bool TreeWalk::reopenFromStart() {
     Descriptor folder(::fcntl(start_.number(), F_DUPFD_CLOEXEC, 0));
     for (std::size_t index = 1; folder && index < levels_.size(); ++index) {

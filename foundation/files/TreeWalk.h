@@ -11,12 +11,13 @@
 
 namespace ZQFoundation::detail {
 
-/// Goes through all items below an open folder, a folder before its contents, links not followed:
+/// Visits all items below an open folder, a folder before its contents, links not followed:
 ///
 ///     while (walk.next()) ... // walk.path(), walk.folder(), walk.name()
 ///
-/// However deep the tree is, a few folders are open; a folder is left for the one above that it was entered
-/// from, wherever either was moved meanwhile. What `next` gave last may be removed before the next call.
+/// However deep the tree is, only a few folders are open; from a folder the walk returns to the one that it
+/// was entered from, wherever either was moved meanwhile. The last item may be removed before the next call
+/// of `next`.
 class TreeWalk {
 public:
     explicit TreeWalk(Descriptor start) : start_(static_cast<Descriptor&&>(start)) {}
@@ -24,18 +25,18 @@ public:
     TreeWalk& operator=(const TreeWalk&) = delete;
     virtual ~TreeWalk() = default;
 
-    /// False at the end.
+    /// Moves to the next item. False at the end.
     bool next();
 
-    /// The last item: relative to the start, by its name in an open folder, and what the folder's list says
-    /// of its kind (DT_DIR and so on).
+    /// The last item: its path relative to the start, its name in an open folder, and its kind according to
+    /// the folder's list (DT_DIR and so on).
     const std::string& path() const noexcept { return path_; }
     int folder() const noexcept { return folders_.current(); }
     const char* name() const noexcept { return entry_.name; }
     unsigned char kind() const noexcept { return entry_.kind; }
 
-    /// The folder of the last item, as it was before it was read; the length of what leads to it, 0 for the
-    /// start; and whether the item is the first that it holds.
+    /// The folder of the last item, as it was before it was read; the length of the path to it, 0 for the
+    /// start; and whether the item is the first in it.
     const struct stat& folderInformation() const noexcept { return levels_.back().information; }
     std::size_t folderLength() const noexcept { return levels_.back().pathLength; }
     bool isFirstInFolder() const noexcept { return isFirst_; }
@@ -43,11 +44,12 @@ public:
     /// Does not enter the last item.
     void skipDescendents() noexcept { mayEnter_ = false; }
 
-    /// Whether a folder could not be entered or was not to be found again.
+    /// Whether a folder could not be entered or could not be found again.
     bool isIncomplete() const noexcept { return isIncomplete_; }
 
 protected:
-    /// An open folder is about to be read. `path()` leads to it. False: it is not entered.
+    /// Called before an open folder, which `path()` names, is read. If it returns false, the folder is not
+    /// entered.
     virtual bool willRead(int folder);
 
     /// Closes a folder above when descriptors have run out; false when there is none.
@@ -57,7 +59,7 @@ private:
     struct Level {
         struct stat information;
         FolderNames names;
-        std::size_t pathLength; ///< of what leads to this folder from the start
+        std::size_t pathLength; ///< of the path from the start to this folder
     };
 
     bool enter(Descriptor folder);

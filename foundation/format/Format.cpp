@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Carries a format out: literal stretches and conversions in order.
+// Runs a format: literal text and conversions in order.
 #include "foundation/format/Format.h"
 
 #include <bit>
@@ -16,13 +16,14 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// The conversions of one format, carried out one after the other.
+/// The conversions of one format, run one after the other.
 class Conversions {
 public:
     Conversions(TextBuilder& out, ArgumentList arguments, const FormatLocale* locale) noexcept
         : out_(out), arguments_(arguments), locale_(locale) {}
 
-    /// A conversion that is nothing but its letter, as most are. False, and nothing done, when it is more.
+    /// Runs a conversion that is only its letter, as most are. Does nothing and returns false when it is
+    /// more.
     template <class Unit>
     bool carryOutPlain(Unit letter) {
         const FormatClass wanted = formatClassOf(static_cast<char16_t>(letter));
@@ -35,7 +36,7 @@ public:
         return true;
     }
 
-    /// False for an unknown conversion, whose letter stands for itself. It takes no argument but those of its
+    /// Returns false for an unknown conversion, whose letter is copied. It takes no argument but those of its
     /// stars.
     bool carryOut(const FormatConversion& found);
 
@@ -131,7 +132,7 @@ void appendStretch(TextBuilder& out, const char16_t* text, std::size_t count, bo
     out.appendUnits(text, count);
 }
 
-/// A stretch of text that stands for itself, up to a '%' or the end.
+/// Appends literal text, up to a '%' or the end.
 template <class Unit>
 struct Stretch {
     const Unit* end;
@@ -156,7 +157,7 @@ Stretch<char> stretchFrom(const char* at, const char* end) noexcept {
         const std::uint64_t found = (zeros - ones) & ~zeros & highBits;
         if (found != 0) {
             if constexpr (std::endian::native == std::endian::little) {
-                const int before = std::countr_zero(found) & ~7; // bits of the bytes in front of the sign
+                const int before = std::countr_zero(found) & ~7; // bits of the bytes before the sign
                 seen |= bytes & ((std::uint64_t{1} << before) - 1);
                 return {at + before / 8, (seen & highBits) == 0};
             }
@@ -191,7 +192,7 @@ void appendParsed(TextBuilder& out, const Unit* at, const Unit* end, ArgumentLis
             return;
         }
         if (!conversions.carryOut(conversion)) {
-            --at; // the letter stands for itself, and with it what follows
+            --at; // the letter is literal text, as is what follows
         }
     }
 }

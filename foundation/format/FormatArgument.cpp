@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Arguments of formats turned into what their conversion takes.
+// Converts arguments of formats to the type that their conversion takes.
 #include "foundation/format/FormatArgument.h"
 
 #include <cmath>
@@ -10,7 +10,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Toward zero, within the range, NaN 0. The limits are powers of two and so exact.
+/// Converts toward zero, clamped to the range; NaN is 0. The limits are powers of two and so exact.
 template <class Real>
 std::uint64_t truncated(Real value, bool asSigned) noexcept {
     constexpr Real twoTo63 = 9223372036854775808.0;

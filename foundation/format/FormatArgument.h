@@ -6,11 +6,11 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/text/ArgumentList.h"
 
-/// Reading an argument as what a conversion wants, whatever it is. Format.h has the rules. A null pointer is
-/// an argument that is not there.
+/// Reads an argument of any type as the type that a conversion takes. Format.h has the rules. A null pointer
+/// is a missing argument.
 namespace ZQFoundation::detail {
 
-/// For d and i `asSigned`: limits that of 64 signed bits, else of 64 unsigned ones.
+/// With `asSigned`, for d and i, the limits are those of 64 signed bits, else of 64 unsigned ones.
 std::uint64_t integerOf(const Argument* argument, bool asSigned) noexcept;
 
 double realOf(const Argument* argument) noexcept;
@@ -21,13 +21,13 @@ int fieldOf(const Argument* argument) noexcept;
 
 std::uintptr_t addressOf(const Argument* argument) noexcept;
 
-/// A text argument, and what holds it when it had to be made.
+/// A text argument, and its storage if it had to be made.
 struct TextOfArgument {
     NSString owner;
     StringView text; ///< nil: "(null)"
 };
 
-/// For s and S, of which no more than `limit` bytes (units) will be used.
+/// For s and S; at most `limit` bytes (units) of the text will be used.
 TextOfArgument textOf(const Argument* argument, std::size_t limit);
 
 } // namespace ZQFoundation::detail

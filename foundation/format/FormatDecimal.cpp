@@ -46,8 +46,8 @@ BinaryReal withOddMantissa(Wide mantissa, int exponent) noexcept {
             exponent + zeros};
 }
 
-/// The quotient, one more when the remainder says so; halves to even. The remainder is compared with what is
-/// missing to the divisor, which cannot overflow as twice the remainder could.
+/// The quotient, rounded by the remainder, halves to even. Compares the remainder with its difference from
+/// the divisor, which cannot overflow as twice the remainder could.
 std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
     const Wide missing = divisor - remainder;
     const bool up = remainder > missing || (remainder == missing && (quotient & 1) != 0);

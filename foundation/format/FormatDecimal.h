@@ -22,26 +22,26 @@ BinaryReal binaryOf(long double value) noexcept;
 /// Correctly rounded decimal digits: the exact binary value, halves to the even digit, as the C library
 /// prints them.
 ///
-/// Written here because neither library at hand does for it: the C library's follow the decimal point of
-/// setlocale, the C++ library's are missing from the older systems that we support or go through the C
-/// library for long double.
+/// Written here because neither standard library is suitable: the C library's functions use the decimal point
+/// of setlocale; the C++ library's are missing from the older systems that we support, or use the C library
+/// for long double.
 ///
-/// The value is 0.ddd * 10^point. There is neither a zero in front nor, where the number of digits was asked
-/// for, any promise about zeros at the end: digits beyond `count` are zeros. Zero has no digits.
+/// The value is 0.ddd * 10^point. There is no leading zero; trailing zeros may be present or not when the
+/// number of digits was asked for: digits beyond `count` are zeros. Zero has no digits.
 class DecimalDigits {
 public:
-    /// Rounds to `places` digits behind the decimal point.
+    /// Rounds to `places` digits after the decimal point.
     void roundToPlaces(const BinaryReal& value, std::size_t places) noexcept;
 
     /// Rounds to `digits` significant digits, at least one.
     void roundToDigits(const BinaryReal& value, std::size_t digits) noexcept;
 
-    /// Takes zeros off the end.
+    /// Removes trailing zeros.
     void dropZeros() noexcept;
 
     const char* digits() const noexcept { return digits_; }
     std::size_t count() const noexcept { return count_; }
-    /// Digits in front of the decimal point; 0 or less for values below 0.1.
+    /// Digits before the decimal point; 0 or less for values below 0.1.
     std::ptrdiff_t point() const noexcept { return point_; }
 
 private:

@@ -27,7 +27,7 @@ struct Groups {
         return digits <= first ? 0 : (digits - first - 1) / others + 1;
     }
 
-    /// Whether a separator stands in front of the last `digits` digits.
+    /// Whether a separator comes before the last `digits` digits.
     bool separatesBefore(std::size_t digits) const noexcept {
         return digits >= first && digits != 0 && (digits - first) % others == 0;
     }
@@ -111,7 +111,7 @@ std::uint64_t cut(std::uint64_t value, FormatLength length, bool isSigned) noexc
     }
 }
 
-/// Octal for 3 bits a digit, hexadecimal for 4. Writes backwards from `end`, nothing for 0.
+/// Octal for 3 bits per digit, hexadecimal for 4. Writes backwards from `end`, nothing for 0.
 char* writePowerOfTwoBase(std::uint64_t value, int bits, bool upperCase, char* end) noexcept {
     const char* const digits = upperCase ? "0123456789ABCDEF" : "0123456789abcdef";
     for (; value != 0; value >>= bits) {
@@ -147,7 +147,7 @@ void writeDecimal(const FormatSpec& spec, std::uint64_t value, IntegerText& text
     const char* const end = writeUInt64(isNegative ? 0 - value : value, text.buffer);
     text.count = static_cast<std::size_t>(end - text.buffer);
     if (value == 0 && spec.hasPrecision) {
-        text.count = 0; // the precision brings the zeros, if any
+        text.count = 0; // the precision adds the zeros, if any
     }
 }
 
@@ -170,7 +170,7 @@ void writeOctalOrHexadecimal(const FormatSpec& spec, std::uint64_t value, Intege
         text.prefixLength = 2;
     } else if (isOctal && (value != 0 || spec.hasPrecision) &&
                !(spec.hasPrecision && spec.numberPrecision() > text.count)) {
-        // The zero counts as a digit: a precision that brings one suffices.
+        // The zero counts as a digit: a precision that adds one suffices.
         *--start = '0';
         text.digits = start;
         ++text.count;

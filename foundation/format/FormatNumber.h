@@ -13,7 +13,7 @@
 
 namespace ZQFoundation::detail {
 
-/// One conversion, its width and precision known, ready to be carried out.
+/// One conversion, its width and precision known, ready to be run.
 struct FormatSpec {
     char letter = 0;
     FormatFlags flags = 0;
@@ -42,7 +42,7 @@ void appendReal(TextBuilder& out, const FormatSpec& spec, long double value, con
 void appendHexadecimalReal(TextBuilder& out, const FormatSpec& spec, double value);
 void appendHexadecimalReal(TextBuilder& out, const FormatSpec& spec, long double value);
 
-/// A finished ASCII number such as "-1234.5e+06", written as the locale has it.
+/// A finished ASCII number such as "-1234.5e+06", written as the locale requires.
 void appendLocalized(TextBuilder& out, const char* number, std::size_t length, const FormatLocale& locale);
 
 /// The parts of a number between its padding.
@@ -51,23 +51,23 @@ public:
     FormatNumberWriter(TextBuilder& out, const FormatSpec& spec, const FormatLocale* locale) noexcept
         : out_(out), spec_(spec), locale_(locale) {}
 
-    /// Whether a whole part of so many digits comes in groups.
+    /// Whether a whole part of `digits` digits is grouped.
     bool groups(std::size_t digits) const noexcept {
         return locale_ != nullptr && locale_->groupSize != 0 && locale_->groupingSeparator.size() != 0 &&
                digits >= std::size_t{locale_->groupSize} + locale_->minimumDigits;
     }
 
-    /// Units of `digits` digits with their separators.
+    /// The length in units of `digits` digits with their separators.
     std::size_t groupedLength(std::size_t digits) const noexcept;
 
-    /// `zeros` zeros in front, `digits`, and `moreZeros` zeros behind, separated in groups.
+    /// `zeros` leading zeros, `digits`, and `moreZeros` trailing zeros, separated in groups.
     void appendGrouped(std::size_t zeros, const char* digits, std::size_t count, std::size_t moreZeros);
 
     std::size_t decimalPointLength() const noexcept;
     void appendDecimalPoint();
 
-    /// What stands in front of `length` units of number: blanks, the sign or prefix, zeros; and behind:
-    /// blanks.
+    /// Appends what comes before `length` units of number (spaces, the sign or prefix, zeros), and after it
+    /// (spaces).
     void begin(const char* prefix, std::size_t prefixLength, std::size_t length, bool zeroPads);
     void end() {
         if (padding_ != 0) {
@@ -83,8 +83,8 @@ private:
 };
 
 /// Pieces of a short ASCII number, put together before they are appended as one. A piece of up to
-/// `pieceSlack` bytes is copied with its slack, in two instructions, so each piece must lie in an array that
-/// goes on so far behind its start.
+/// `pieceSlack` bytes is copied with its slack, in two instructions, so each piece must be in an array that
+/// extends at least that far past its start.
 class ShortNumber {
 public:
     static constexpr std::size_t capacity = 128;
@@ -112,10 +112,10 @@ private:
     char* end_ = text_;
 };
 
-/// Units of any text; nil has none.
+/// The length of any text in units; 0 for nil.
 std::size_t unitLength(StringView text) noexcept;
 
-/// An empty text may come with a null pointer, which must not get as far as a copy of no bytes.
+/// An empty text may come with a null pointer, which must not be passed to a copy, even of no bytes.
 inline void appendText(TextBuilder& out, StringView text) {
     if (text.size() != 0) {
         out.append(text);

@@ -33,8 +33,8 @@ NSString NSString::localizedStringWithFormat_arguments(StringView format, Argume
 }
 
 void NSMutableString::appendFormat_arguments(StringView format, ArgumentList arguments) {
-    // Formatted apart: an argument may look at a text that this builder holds, and an object's description
-    // may throw.
+    // Formatted separately: an argument may refer to a text that this builder holds, and an object's
+    // description may throw.
     appendString(detail::formatted(format, arguments));
 }
 

@@ -15,7 +15,7 @@ constexpr std::size_t defaultPrecision = 6;
 
 bool isUpperCase(char letter) noexcept { return letter < 'a'; }
 
-// As long as ShortNumber wants its pieces.
+// As long as ShortNumber requires of its pieces.
 constexpr char zeroDigit[ShortNumber::pieceSlack] = {'0'};
 
 /// A real between its padding: sign, whole part, decimal point, fraction, exponent. Zeros that were not
@@ -33,7 +33,7 @@ struct RealParts {
     std::size_t exponentCount = 0;
 };
 
-/// Digits as many as there are from index `from` on, then zeros, `length` in all.
+/// Sets the fraction to the digits from index `from` on, then zeros, `length` in all.
 void setFraction(RealParts& parts, const DecimalDigits& number, std::size_t from,
                  std::size_t length) noexcept {
     const std::size_t there = number.count() > from ? number.count() - from : 0;
@@ -94,7 +94,7 @@ void layOutGeneral(RealParts& parts, DecimalDigits& number, std::size_t precisio
     }
 }
 
-/// The usual short number without a width goes out in one piece.
+/// The usual short number without a width is appended in one piece.
 bool appendShort(TextBuilder& out, const char* sign, std::size_t signLength, const RealParts& parts) {
     const std::size_t length = signLength + parts.wholeCount + parts.wholeZeros + parts.fractionZerosBefore +
                                parts.fractionCount + parts.fractionZerosAfter + parts.exponentCount + 1;
@@ -126,7 +126,7 @@ void appendParts(TextBuilder& out, const FormatSpec& spec, bool isNegative, cons
         return;
     }
     FormatNumberWriter writer(out, spec, locale);
-    // The style with an exponent has one digit in front, which no grouping touches.
+    // The style with an exponent has one leading digit, which is never grouped.
     const std::size_t length = writer.groupedLength(parts.wholeCount + parts.wholeZeros) +
                                (parts.hasPoint ? writer.decimalPointLength() : 0) +
                                parts.fractionZerosBefore + parts.fractionCount + parts.fractionZerosAfter +
@@ -143,7 +143,7 @@ void appendParts(TextBuilder& out, const FormatSpec& spec, bool isNegative, cons
     writer.end();
 }
 
-/// The usual "%.2f" of the usual number, 0.1 or more: all its digits are there and need only the point
+/// The usual "%.2f" of the usual number, 0.1 or more: all its digits are known and need only the point
 /// between them.
 bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegative,
                          const DecimalDigits& number, std::size_t places) {
@@ -165,7 +165,7 @@ bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegati
     return true;
 }
 
-/// Infinities and NaN: never padded with zeros. NaN shows no minus.
+/// Infinities and NaN: never padded with zeros. NaN has no minus.
 template <class Real>
 bool appendNotFinite(TextBuilder& out, const FormatSpec& spec, Real value) {
     if (std::isfinite(value)) {
@@ -219,14 +219,14 @@ void appendDecimalReal(TextBuilder& out, const FormatSpec& spec, Real value, con
 __extension__ typedef unsigned __int128 Wide;
 
 /// A mantissa with its leading digit, one hexadecimal digit or, where the type's own bits start with one, a
-/// single bit, and behind it `fractionBits` bits.
+/// single bit, and then `fractionBits` bits.
 struct HexadecimalReal {
     Wide mantissa = 0;
     int exponent = 0;
     int fractionBits = 0;
 };
 
-/// The smallest numbers keep the type's lowest exponent and a leading 0, as the C library shows them.
+/// The smallest numbers keep the type's lowest exponent and a leading 0, as the C library prints them.
 HexadecimalReal hexadecimalOf(const BinaryReal& value, int mantissaBits, int lowestExponent) noexcept {
     HexadecimalReal result;
     result.fractionBits = (mantissaBits - 1) & ~3;
@@ -244,7 +244,7 @@ HexadecimalReal hexadecimalOf(const BinaryReal& value, int mantissaBits, int low
 }
 
 /// Cuts the fraction to `digits` hexadecimal digits, halves to even. A carry goes into the leading digit, and
-/// only out of an F into the exponent.
+/// from an F into the exponent.
 void roundFraction(HexadecimalReal& value, std::size_t digits) noexcept {
     if (digits >= static_cast<std::size_t>(value.fractionBits / 4)) {
         return;
@@ -263,7 +263,7 @@ void roundFraction(HexadecimalReal& value, std::size_t digits) noexcept {
     }
 }
 
-/// As many digits as the value needs.
+/// Leaves as many digits as the value needs.
 void dropZeros(HexadecimalReal& value) noexcept {
     while (value.fractionBits > 0 && (value.mantissa & 0xF) == 0) {
         value.mantissa >>= 4;

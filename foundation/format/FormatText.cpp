@@ -66,7 +66,7 @@ void appendHost(TextBuilder& out, const NSObjectProtocol* object) {
     appendTextOrNull(out, object->description());
 }
 
-/// Appends `text` between blanks, `length` of them being what it counts for.
+/// Appends `text` between padding spaces; `length` is the length that it counts for.
 template <class Append>
 void appendPadded(TextBuilder& out, const FormatSpec& spec, std::size_t length, Append append) {
     const std::size_t padding = spec.paddingFor(length);
@@ -79,7 +79,7 @@ void appendPadded(TextBuilder& out, const FormatSpec& spec, std::size_t length, 
     }
 }
 
-/// The units that fit into `limit` bytes of UTF-8, and the bytes that this leaves for a part of the next
+/// The units that fit into `limit` bytes of UTF-8, and the bytes that are left for a part of the next
 /// character.
 struct UnitCut {
     std::size_t units;

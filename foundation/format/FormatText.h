@@ -21,7 +21,7 @@ void appendUnits(TextBuilder& out, const FormatSpec& spec, const Argument* argum
 /// c: the low 8 bits as one character of that number. C: the low 16 bits as one unit, whatever the width.
 void appendCharacter(TextBuilder& out, const FormatSpec& spec, std::uint64_t value);
 
-/// p: "0x" and hexadecimal digits; blanks up to the width.
+/// p: "0x" and hexadecimal digits; spaces up to the width.
 void appendAddress(TextBuilder& out, const FormatSpec& spec, std::uintptr_t address);
 
 } // namespace ZQFoundation::detail

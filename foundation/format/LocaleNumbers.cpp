@@ -17,14 +17,14 @@ constexpr std::string_view narrowNoBreakSpace = "\u202F";
 constexpr LocaleNumbers rootNumbers = {".", ",", 1, 3, 3};
 constexpr LocaleNumbers posixNumbers = {".", "", 1, 0, 0};
 
-/// One way of writing numbers, and the locales that have it, each between blanks.
+/// One way to write numbers, and the locales that use it, each between spaces.
 struct Customs {
     LocaleNumbers numbers;
     std::string_view locales;
 };
 
-// Release 48 of the Unicode locale data, for ASCII digits. What is not listed has its language's customs, a
-// language that is not listed those of the root locale; regions are listed only where they differ.
+// Release 48 of the Unicode locale data, for ASCII digits. A locale that is not listed has its language's
+// customs, an unlisted language those of the root locale; regions are listed only if they differ.
 constexpr Customs customs[] = {
     {{",", ".", 1, 3, 3},
      " ar_DZ ar_LB ar_LY ar_MA ar_MR ar_TN ast az bs ca da de dsb el en_AT en_BE en_DE en_DK"
@@ -52,7 +52,7 @@ constexpr Customs customs[] = {
     {{".", "\u2E41", 1, 3, 3}, " ff_Adlm "},
 };
 
-/// A listed locale: its name's characters as one number, and the place of its customs.
+/// A listed locale: its name's characters as one number, and the index of its customs.
 struct Listed {
     std::uint64_t name;
     std::size_t customs;
@@ -137,7 +137,7 @@ std::string inLowerCase(std::string_view text) {
     return result;
 }
 
-/// Takes what stands up to the next "-" or "_" off the front.
+/// Removes the part up to the next "-" or "_" from the front.
 std::string_view takePart(std::string_view& rest) noexcept {
     const std::size_t end = rest.find_first_of("-_");
     const std::string_view part = rest.substr(0, end);

@@ -12,7 +12,7 @@ namespace ZQFoundation::detail {
 struct LocaleNumbers {
     std::string_view decimalSeparator;
     std::string_view groupingSeparator; ///< empty: no grouping
-    unsigned minimumGroupingDigits;     ///< digits that must stand in front of the last group
+    unsigned minimumGroupingDigits;     ///< least number of digits before the last group
     unsigned groupSize;
     unsigned secondaryGroupSize;
 };
@@ -28,8 +28,8 @@ struct LocaleName {
 /// "de-AT", "zh_hant_TW", "de_DE.UTF-8@euro". All parts are empty for a text that is no identifier.
 LocaleName localeName(std::string_view identifier);
 
-/// By the most exact of language, script and region that has customs of its own; those of the root locale for
-/// an unknown language.
+/// The customs of the most specific combination of language, script and region that has its own; those of the
+/// root locale for an unknown language.
 const LocaleNumbers& numbersOfLocale(const LocaleName& name);
 
 } // namespace ZQFoundation::detail

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Locales made of identifiers and dictionaries.
+// Makes locales from identifiers and dictionaries.
 #include "foundation/format/NSLocale.h"
 
 #include <string>
@@ -10,7 +10,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// With "_" in front of the region and whatever follows it, and without an encoding and a modifier.
+/// With "_" before the region and whatever follows it, and without an encoding and a modifier.
 std::string usualForm(std::string_view identifier, const detail::LocaleName& name) {
     std::string text(identifier.substr(0, identifier.find_first_of(".@")));
     std::size_t at = name.language.size() + (name.script.empty() ? 0 : 1 + name.script.size());

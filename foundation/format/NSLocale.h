@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSLocale, how numbers are written in a language and region.
 #ifndef ZQFOUNDATION_FORMAT_NSLOCALE_H
 #define ZQFOUNDATION_FORMAT_NSLOCALE_H
 
@@ -7,8 +8,8 @@
 
 namespace ZQFoundation {
 
-/// How numbers are written in a language and region. A nullable handle, copied in a nanosecond; nil means no
-/// locale: "." and no grouping.
+/// How numbers are written in a language and region. A nullable handle, cheap to copy; nil means no locale:
+/// "." and no grouping.
 ///
 /// The data are the library's own, so the same identifier gives the same texts on every system, whatever
 /// locales are installed there. All operations may be called from any thread.
@@ -17,12 +18,12 @@ public:
     constexpr NSLocale() noexcept = default;
     constexpr NSLocale(std::nullptr_t) noexcept {}
 
-    /// A locale made of a dictionary, of which only `NSDecimalSeparator` is used ("." when it is missing,
-    /// empty or no string), and nothing is grouped. Nil gives nil.
+    /// A locale made from a dictionary, of which only `NSDecimalSeparator` is used ("." when it is missing,
+    /// empty or no string), and nothing is grouped. Nil makes a nil locale.
     NSLocale(const NSDictionary& separators);
 
     /// The user's locale: the default `AppleLocale`, else the first that is set of LC_ALL, LC_NUMERIC and
-    /// LANG in the environment; "C", "POSIX" and none at all are "en_US_POSIX". Never nil; read anew at each
+    /// LANG in the environment; "C", "POSIX" and none at all are "en_US_POSIX". Never nil; read again at each
     /// call.
     static NSLocale currentLocale();
 
@@ -33,8 +34,8 @@ public:
     /// True unless the locale is nil.
     explicit operator bool() const noexcept { return bool(identifier_); }
 
-    /// As given, with "_" in front of the region and what follows it, without an encoding or a modifier;
-    /// empty for a locale made of a dictionary.
+    /// As given, with "_" before the region and what follows it, without an encoding or a modifier; empty for
+    /// a locale made from a dictionary.
     NSString localeIdentifier() const noexcept { return identifier_; }
 
     /// The text between the whole part of a number and its fraction; nil for nil.

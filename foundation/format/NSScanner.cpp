@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strings read from front to back.
+// Reads strings from front to back.
 #include "foundation/format/NSScanner.h"
 
 #include <limits>
@@ -17,8 +17,8 @@ using detail::CharacterMembership;
 
 namespace {
 
-/// Calls `action` with the units of a string that is not nil, in the form in which it holds them, and with
-/// their number.
+/// Calls `action` with the units of a string that is not nil, in the string's own form, and with their
+/// number.
 template <class Action>
 auto withUnits(const NSString& string, const Action& action) {
     const detail::StringBody& body = *Access::string(string);
@@ -26,7 +26,7 @@ auto withUnits(const NSString& string, const Action& action) {
     return body.isAscii ? action(body.ascii(), length) : action(body.units(), length);
 }
 
-/// The first place from `location` on whose unit is, or is not, a member; the length without one.
+/// The first index from `location` on whose unit is, or is not, a member; the length if there is none.
 std::size_t placeOfUnit(const NSString& string, std::size_t location, const NSCharacterSet& set,
                         bool isMember) {
     const CharacterMembership membership(set);
@@ -57,7 +57,7 @@ char16_t lowered(char16_t unit) noexcept {
 
 enum class Answer { no, yes, open };
 
-/// Whether the text stands at a place, as far as ASCII decides it: open where another unit takes part, for
+/// Whether the text is at a place, as far as ASCII decides that: undecided if another unit is involved, for
 /// that may be a mark on the last letter or one character equal to two.
 template <class Unit>
 Answer standsAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text, bool isCaseSensitive) {
@@ -82,7 +82,7 @@ unsigned searchOptions(bool isCaseSensitive) noexcept {
     return isCaseSensitive ? 0U : unsigned{NSCaseInsensitiveSearch};
 }
 
-/// Where the text ends if it stands at `location`, else NSNotFound.
+/// Where the text ends if it is at `location`, else NSNotFound.
 std::size_t endOfText(const NSString& string, std::size_t location, StringView text, bool isCaseSensitive) {
     const AsciiOrUtf16 wanted(text);
     if (wanted.length() == 0) {
@@ -100,7 +100,7 @@ std::size_t endOfText(const NSString& string, std::size_t location, StringView t
     return found.location == location ? location + found.length : NSNotFound;
 }
 
-/// A stretch of digits, with what it is made of in front of it.
+/// A run of digits, with its sign.
 struct DigitStretch {
     std::size_t start; ///< of the sign
     std::size_t digits;
@@ -141,7 +141,7 @@ struct HexReading {
 template <class Unit>
 HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
     at += detail::whiteSpacePrefix(units + at, length - at);
-    // Without a digit behind it the prefix is the digit 0 and an x that stays.
+    // Without a digit after it, the prefix is the digit 0 and an x that is left.
     if (length - at > 2 && units[at] == '0' && (units[at + 1] == 'x' || units[at + 1] == 'X') &&
         hexDigit(units[at + 2]) < 16) {
         at += 2;

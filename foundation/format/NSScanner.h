@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSScanner, which reads a string from front to back.
 #ifndef ZQFOUNDATION_FORMAT_NSSCANNER_H
 #define ZQFOUNDATION_FORMAT_NSSCANNER_H
 
@@ -12,8 +13,8 @@ namespace ZQFoundation {
 ///     NSString key;
 ///     scanner.scanUpToString_intoString(":", &key); // true; key is "key"
 ///
-/// Every scan first skips the characters to be skipped. One that fails leaves the location as it was,
-/// before those, and its output untouched. Outputs may be null. A scanner belongs to one thread at a time.
+/// Every scan first skips the characters to be skipped. One that fails leaves the location as it was, before
+/// those, and its output unchanged. Outputs may be null. A scanner belongs to one thread at a time.
 class ZQFOUNDATION_EXPORT NSScanner {
 public:
     /// A nil string reads as the empty one.
@@ -22,7 +23,7 @@ public:
     /// A scanner of the string, at its start.
     static NSScanner scannerWithString(NSString string);
 
-    /// The string that is read; empty when it was made of nil.
+    /// The string that is read; empty when made from nil.
     const NSString& string() const noexcept { return string_; }
 
     /// Where the next scan begins, in units from the start.
@@ -60,9 +61,8 @@ public:
     /// Takes the longest run of characters that are not members of the set. False if there is none.
     bool scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output);
 
-    /// @name Numbers
-    /// They are read as a string's own readings do, so leading white space is skipped even if it is not among
-    /// the characters to be skipped. Numbers beyond the range of their type saturate.
+    /// @name Numbers They are read as by a string's own value operations, so leading white space is skipped
+    /// even if it is not among the characters to be skipped. Numbers beyond the range of their type saturate.
     /// @{
 
     /// Takes a sign and ASCII digits, as a 32-bit number. False if there is no digit.
@@ -80,12 +80,12 @@ public:
     /// Takes a decimal number with a point, rounded to a float. False if there is no digit.
     bool scanFloat(float* value);
 
-    /// Takes hexadecimal digits without a sign, after "0x" or not, as a 32-bit number. "0x" alone is digit 0.
-    /// False if there is no digit.
+    /// Takes hexadecimal digits without a sign, with or without "0x", as a 32-bit number. "0x" alone is digit
+    /// 0. False if there is no digit.
     bool scanHexInt(unsigned* value);
 
-    /// Takes hexadecimal digits without a sign, after "0x" or not, as a 64-bit number. "0x" alone is digit 0.
-    /// False if there is no digit.
+    /// Takes hexadecimal digits without a sign, with or without "0x", as a 64-bit number. "0x" alone is digit
+    /// 0. False if there is no digit.
     bool scanHexLongLong(std::uint64_t* value);
 
     /// @}
@@ -94,8 +94,8 @@ public:
     /// @{
 
     /// Moves to the start of the target; true also if the scanner is there already or before characters to be
-    /// skipped in front of it, and then it does not move. False, with the location as it was, if the target
-    /// does not follow, or if it consists of characters to be skipped and nothing else remains.
+    /// skipped that precede it; it does not move then. False, with the location as it was, if the target does
+    /// not follow, or if it consists of characters to be skipped and nothing else remains.
     bool scanUpToString(StringView target);
 
     /// Moves to the end of the target. False, with the location as it was, if the target does not follow.

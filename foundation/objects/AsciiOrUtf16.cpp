@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Text arguments converted to ASCII or UTF-16.
+// Converts text arguments to ASCII or UTF-16.
 #include "foundation/objects/AsciiOrUtf16.h"
 
 #include <new>

@@ -7,7 +7,7 @@
 
 namespace ZQFoundation::detail {
 
-/// Any text argument as either ASCII bytes or UTF-16 units, so that operations need two forms, not four.
+/// Any text argument as either ASCII bytes or UTF-16 units, so that operations handle two forms, not four.
 /// Converts only UTF-8 that is not ASCII; short texts without allocation. `isAscii()` holds exactly when
 /// every unit is ASCII.
 class AsciiOrUtf16 {
@@ -19,7 +19,7 @@ public:
 
     bool isNil() const noexcept { return isNil_; }
     bool isAscii() const noexcept { return ascii_ != nullptr; }
-    /// Units.
+    /// In units.
     std::size_t length() const noexcept { return length_; }
     const char* ascii() const noexcept { return ascii_; }
     const char16_t* units() const noexcept { return units_; }

@@ -17,8 +17,8 @@
 
 namespace ZQFoundation::detail {
 
-/// A string's units follow its header. They are bytes when, and only when, every unit is below U+0080, so two
-/// equal strings always have the same form.
+/// A string's units follow its header. They are bytes if and only if every unit is below U+0080, so two equal
+/// strings always have the same form.
 struct StringBody : Body {
     std::size_t length : 62;      ///< units
     std::size_t isSignalSafe : 1; ///< in memory of `takeSignalSafeMemory`
@@ -47,7 +47,7 @@ struct UrlBody : Body {
     NSURL base;
 };
 
-/// The elements follow the header; a body still being built has room for more than it holds.
+/// The elements follow the header; a body still being built has more capacity than elements.
 struct ArrayBody : Body {
     std::size_t count;
     std::size_t capacity;
@@ -65,18 +65,18 @@ struct CharacterPage {
     }
 };
 
-/// A page's number is 0 when it is empty, 1 when it is full; equal pages have the same one. The pages follow
-/// the header, in order of their words, then the page numbers of those planes above the first that are
-/// neither empty nor full. Equal sets so have equal bytes from `byteCount` on.
+/// A page's number is 0 when it is empty, 1 when it is full; equal pages have the same number. The pages
+/// follow the header, in order of their words, then the page numbers of those planes above the first that are
+/// neither empty nor full. So equal sets have equal bytes from `byteCount` on.
 struct CharacterSetBody : Body {
     static constexpr std::size_t planeCount = 17;
     static constexpr std::size_t pagesInPlane = 256;
 
-    std::size_t byteCount;               ///< all of the body
+    std::size_t byteCount;               ///< of the whole body
     std::uint16_t numbers[pagesInPlane]; ///< of the first plane
     std::uint32_t pageCount;
-    /// 0: empty, 1: full, else the place of its page numbers, 2 being those in the header. Three more than
-    /// there are, so that the header has no gaps, whose bytes would count too.
+    /// 0: empty, 1: full, else the index of its page numbers, 2 for those in the header. Three more than
+    /// needed, so that the header has no padding, whose bytes would be compared too.
     std::uint8_t planes[planeCount + 3];
 
     const CharacterPage* pages() const noexcept { return reinterpret_cast<const CharacterPage*>(this + 1); }
@@ -102,7 +102,7 @@ struct HostBody : Body {
     NSObjectProtocol* object;
 };
 
-/// The library's own way into handles.
+/// The library's access to the contents of handles.
 struct Access {
     static Kind kind(const NSObject& object) noexcept { return object.kind_; }
     static Body* body(const NSObject& object) noexcept { return object.payload_.body; }
@@ -123,7 +123,7 @@ struct Access {
     }
     static HostBody* host(const NSObject& object) noexcept { return static_cast<HostBody*>(body(object)); }
 
-    /// Take over one reference of the body.
+    /// These take over one reference of the body.
     static NSObject adopt(Body* body, Kind kind) noexcept {
         return NSObject(NSObject::Payload{.body = body}, kind);
     }

@@ -42,7 +42,7 @@ bool earlierPage(const CharacterPage& left, const CharacterPage& right) noexcept
     return std::lexicographical_compare(left.words, left.words + 4, right.words, right.words + 4);
 }
 
-/// The empty page, the full one, and every other that occurs, in order.
+/// The empty page, the full one, and every other page in use, in order.
 std::vector<CharacterPage> distinctPages(std::vector<CharacterPage> pages) {
     std::erase_if(pages, [](const CharacterPage& page) {
         return samePage(page, constantPages[0]) || samePage(page, constantPages[1]);
@@ -69,7 +69,8 @@ bool isUniform(const Numbers& numbers) noexcept {
     return numbers.front() < 2 && std::equal(numbers.begin() + 1, numbers.end(), numbers.begin());
 }
 
-/// The first code point from `codePoint` on that is, or is not, a member; the code space's end without one.
+/// The first code point from `codePoint` on that is, or is not, a member; the code space's end if there is
+/// none.
 char32_t nextCodePoint(const CharacterSetBody& body, char32_t codePoint, bool isMember) noexcept {
     while (codePoint < codeSpace) {
         const std::size_t number = body.pageNumber(codePoint >> 8);
@@ -183,7 +184,8 @@ CharacterPage& CharacterSetPages::ownPage(std::size_t page) {
     return pages_[number];
 }
 
-/// A page once made its own stays in use, so that building for ever takes no more room than all pages do.
+/// A page that was made for one place stays in use, so that endless building takes no more memory than all
+/// pages.
 void CharacterSetPages::fillPage(std::size_t page, bool isMember) {
     const std::size_t number = pageNumber(page);
     if (number >= 2) {
@@ -242,7 +244,7 @@ void CharacterSetPages::setCategories(CategoryMask categories) {
 }
 
 void CharacterSetPages::combine(const CharacterSetBody& other, bool isUnion) {
-    const std::size_t deciding = isUnion ? 1 : 0; // such a page of either side is the result's
+    const std::size_t deciding = isUnion ? 1 : 0; // such a page on either side is the result
     const std::size_t neutral = 1 - deciding;
     for (std::size_t page = 0; page < codePages; ++page) {
         const std::size_t plane = page / CharacterSetBody::pagesInPlane;

@@ -18,7 +18,7 @@ class TextBuilder;
 inline constexpr char32_t codeSpace = 0x110000;
 inline constexpr std::size_t codePages = codeSpace >> 8;
 
-/// The set without members; stands for nil where a body is needed.
+/// The set without members; represents nil where a body is needed.
 const CharacterSetBody& emptyCharacterSetBody() noexcept;
 
 inline const CharacterSetBody& bodyOrEmpty(const NSCharacterSet& set) noexcept {
@@ -29,7 +29,7 @@ inline bool containsCodePoint(const CharacterSetBody& body, char32_t codePoint) 
     return codePoint < codeSpace && body.pages()[body.pageNumber(codePoint >> 8)].contains(codePoint);
 }
 
-/// The test of membership for loops: two loads for a unit. Looks at a set that somebody else keeps alive; a
+/// The test of membership for loops: two loads for a unit. Refers to a set that its owner must keep alive; a
 /// nil set has no members.
 class CharacterMembership {
 public:
@@ -56,8 +56,8 @@ std::uint64_t hashCharacterSet(const CharacterSetBody& body, std::uint64_t seed)
 /// "<NSCharacterSet: 0009 000B-000D ...>"
 void appendCharacterSet(TextBuilder& out, const CharacterSetBody& body);
 
-/// A set that is being built. Its numbers mean what those of a body do, but no two places share a page beyond
-/// the empty and the full one, so each may be changed where it stands.
+/// A set that is being built. Its numbers have the same meaning as those of a body, but no two places share a
+/// page other than the empty and the full one, so each may be changed in place.
 struct CharacterSetPages {
     CharacterSetPages();
     explicit CharacterSetPages(const CharacterSetBody& body);
@@ -65,7 +65,7 @@ struct CharacterSetPages {
     std::size_t pageNumber(std::size_t page) const noexcept;
     bool contains(char32_t codePoint) const noexcept;
 
-    /// From `first` up to, not including, `end`, which is at most the code space's.
+    /// From `first` up to, but not including, `end`, which is at most the end of the code space.
     void setRange(char32_t first, char32_t end, bool isMember);
     void setCharacters(StringView characters, bool isMember);
     void setCategories(CategoryMask categories);
@@ -84,14 +84,14 @@ private:
     void combine(const CharacterSetBody& other, bool isUnion);
 
     std::uint8_t planes_[CharacterSetBody::planeCount];
-    std::vector<PlaneNumbers> numbers_; ///< the first plane's in front
+    std::vector<PlaneNumbers> numbers_; ///< the first plane's first
     std::vector<CharacterPage> pages_;
 };
 
 using SharedCharacterSet = std::atomic<CharacterSetBody*>;
 
-/// What the slot holds; the first call makes it. When several threads come first, one result is kept. It is
-/// never released.
+/// The slot's set, which the first call makes. When several threads make it at once, one result is kept. It
+/// is never released.
 NSCharacterSet sharedCharacterSet(SharedCharacterSet& slot, NSCharacterSet (*make)());
 
 } // namespace ZQFoundation::detail

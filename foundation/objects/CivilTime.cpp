@@ -7,7 +7,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 // Years are counted from March here: then the leap day is a year's last, and the months' lengths follow a
-// pattern (153 days in five months) from which the days before a month come without a table.
+// pattern (153 days in five months) from which the days before a month are computed without a table.
 constexpr std::int64_t daysFromMarchOfYear0 = 719468; ///< to 1970-01-01
 constexpr std::int64_t cyclesBefore1970 = daysFromMarchOfYear0 / daysPerCycle;
 constexpr int daysIntoCycle1970 = static_cast<int>(daysFromMarchOfYear0 % daysPerCycle);
@@ -17,7 +17,7 @@ constexpr unsigned quartersPerYear = 1461;
 
 constexpr int daysBeforeMonthFromMarch(int month) noexcept { return (153 * month + 2) / 5; }
 
-/// Whether a year with this weekday on 1 January has 53 weeks: it must hold 53 Thursdays.
+/// Whether a year with this weekday on 1 January has 53 weeks: it must contain 53 Thursdays.
 constexpr bool hasLongWeekCount(int firstWeekday, bool leap) noexcept {
     return firstWeekday == 4 || (leap && firstWeekday == 3);
 }
@@ -25,7 +25,7 @@ constexpr bool hasLongWeekCount(int firstWeekday, bool leap) noexcept {
 } // namespace
 
 CivilDate civilFromDays(std::int64_t days) noexcept {
-    // The whole cycles come off before anything is added, so no day number is too great.
+    // Whole cycles are removed before anything is added, so no day number is too large.
     std::int64_t cycle = floorDivide(days, daysPerCycle) + cyclesBefore1970;
     int dayOfCycle = static_cast<int>(floorModulo(days, daysPerCycle)) + daysIntoCycle1970;
     if (dayOfCycle >= daysPerCycle) {

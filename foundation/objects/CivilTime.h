@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-/// Dates of the Gregorian calendar, continued without end in both directions, as day numbers: day 0 is
+/// Dates of the Gregorian calendar, extended without limit in both directions, as day numbers: day 0 is
 /// 1970-01-01. Years are counted astronomically (0 is the year before 1). Every function is defined for every
 /// argument, takes a few nanoseconds, and may be called from any thread.
 namespace ZQFoundation::detail {
@@ -21,7 +21,7 @@ struct CivilDate {
     friend bool operator==(const CivilDate&, const CivilDate&) = default;
 };
 
-/// A week that begins on Monday; the first one of a year holds the year's first Thursday.
+/// A week that begins on Monday; the first one of a year contains the year's first Thursday.
 struct WeekOfYear {
     std::int64_t year;
     int week; ///< 1 to 53
@@ -38,7 +38,7 @@ constexpr std::int64_t floorModulo(std::int64_t value, std::int64_t divisor) noe
     return rest < 0 ? rest + divisor : rest;
 }
 
-/// The sum, or the nearest limit when it has no room in 64 bits.
+/// The sum, or the nearest limit if it does not fit in 64 bits.
 constexpr std::int64_t saturatingAdd(std::int64_t left, std::int64_t right) noexcept {
     std::int64_t sum = 0;
     if (!__builtin_add_overflow(left, right, &sum)) {
@@ -50,8 +50,9 @@ constexpr std::int64_t saturatingAdd(std::int64_t left, std::int64_t right) noex
 CivilDate civilFromDays(std::int64_t days) noexcept;
 
 /// The day number of a date whose month and day may be out of their range and then carry over: month 13 is
-/// January of the next year, day 0 the last day of the month before. False, and `days` untouched, when a sum
-/// on the way has no room in 64 bits; every date within the years +-25,000,000,000,000,000 has.
+/// January of the next year, day 0 the last day of the month before. False, with `days` unchanged, if an
+/// intermediate sum does not fit in 64 bits; for every date within the years +-25,000,000,000,000,000 it
+/// does.
 ///
 ///     2024, 3, 5      19787
 ///     2021, 2, 29     18687    (2021-03-01)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares Class, a C++ class as a value.
 #ifndef ZQFOUNDATION_OBJECTS_CLASS_H
 #define ZQFOUNDATION_OBJECTS_CLASS_H
 
@@ -26,7 +27,7 @@ public:
     constexpr Class() noexcept = default;
     constexpr Class(std::nullptr_t) noexcept {}
 
-    /// The class that the record describes; `classOf` makes such.
+    /// The class that the record describes; made by `classOf`.
     constexpr explicit Class(const detail::ClassRecord* record) noexcept
         : NSObject(Payload{.classRecord = record}, detail::Kind::classObject) {}
 

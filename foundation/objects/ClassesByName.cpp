@@ -13,7 +13,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// One registration. Its record and name live until the process ends, since a class value may outlast it; the
-/// object that performs the operations goes with the registration.
+/// object that performs the operations is released with the registration.
 struct RegisteredClass {
     ClassRecord record;
     NSString name;
@@ -35,7 +35,7 @@ RegisteredClass* registeredUnder(StringView name) {
     return entry;
 }
 
-/// The object that performs the operations of a value: a host's object itself, or what is registered for a
+/// The object that performs the operations of a value: a host object itself, or the object registered for a
 /// class. Nil for any other.
 NSObject performerOf(const NSObject& value) {
     if (Access::kind(value) != Kind::classObject) {
@@ -89,7 +89,7 @@ ClassRegistration::~ClassRegistration() {
     if (entry == nullptr) {
         return;
     }
-    NSObject released; // let go outside the lock: the object may log
+    NSObject released; // released outside the lock: the object may log
     const detail::Guard<detail::Lock> guard(detail::registryLock);
     released.swap(entry->object);
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares selectors and the registration of host classes that the library finds by name.
 #ifndef ZQFOUNDATION_OBJECTS_CLASSESBYNAME_H
 #define ZQFOUNDATION_OBJECTS_CLASSESBYNAME_H
 
@@ -7,7 +8,8 @@
 
 namespace ZQFoundation {
 
-/// The name of an operation as a value, colons included: "noteFileSystemChanged:". Nil when default-made.
+/// The name of an operation as a value, colons included: "noteFileSystemChanged:". Nil when
+/// default-constructed.
 class ZQFOUNDATION_EXPORT Selector {
 public:
     Selector() noexcept = default;
@@ -59,12 +61,11 @@ ZQFOUNDATION_EXPORT NSString NSStringFromClass(const Class& type);
 ///             refresh(NSString(folder));
 ///             return nullptr;
 ///         }
-///     };
-///     // The class itself answers "sharedWorkspace" with the one object.
-///     const ClassRegistration registration("NSWorkspace", makeObject<WorkspaceClass>());
+///     }; // The class itself returns the shared object for "sharedWorkspace". const ClassRegistration
+///     registration("NSWorkspace", makeObject<WorkspaceClass>());
 ///
-/// Of two registrations of one name the later one counts until it ends. What a call in progress has found
-/// stays alive until that call is over. Any thread.
+/// Of two registrations of the same name the later one is used until it ends. An object that a call in
+/// progress uses stays alive until that call ends. Any thread.
 class ZQFOUNDATION_EXPORT ClassRegistration {
 public:
     /// `classObject` performs the operations of the class. Nil or an empty name registers nothing.

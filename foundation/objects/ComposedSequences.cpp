@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where a base character and its marks begin and end.
+// Finds where a base character and its marks begin and end.
 #include "foundation/objects/ComposedSequences.h"
 
 #include <algorithm>
@@ -10,8 +10,8 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Can follow a starter inside one composed sequence: combining marks and the later letters of Hangul
-/// syllables.
+/// Whether the code point can follow a starter inside one composed sequence: combining marks and the later
+/// letters of Hangul syllables.
 bool extendsSequence(char32_t codePoint) noexcept {
     return canonicalCombiningClass(codePoint) != 0 || (codePoint >= 0x1160 && codePoint <= 0x11FF) ||
            codePoint == 0x0F73 || codePoint == 0x0F75 || codePoint == 0x0F81 || codePoint == 0x0FB5 ||
@@ -24,7 +24,7 @@ bool extendsSequence(char32_t codePoint) noexcept {
            codePoint == 0x11930;
 }
 
-/// Brings each run of marks into the canonical order: by class, those of one class as they stood.
+/// Sorts each run of marks into canonical order: stably, by class.
 void orderMarks(std::vector<ClassedCodePoint>& sequence) {
     const auto isStarter = [](const ClassedCodePoint& entry) {
         return entry.combiningClass == 0;

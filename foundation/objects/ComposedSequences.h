@@ -8,11 +8,11 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
 
-/// What the Unicode standard treats as one: a base character with its marks, and the decompositions by which
-/// two such sequences are the same.
+/// What the Unicode standard treats as one character: a base character with its marks, and the decompositions
+/// that make two such sequences equivalent.
 namespace ZQFoundation::detail {
 
-/// A look at the units of a text that somebody else keeps, held as ASCII bytes or as UTF-16.
+/// A view of the units of a text, as ASCII bytes or as UTF-16, that does not own them.
 class UnitView {
 public:
     UnitView(const AsciiOrUtf16& text) noexcept
@@ -45,7 +45,7 @@ private:
 inline bool isHighSurrogate(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
 inline bool isLowSurrogate(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
 
-/// The code point at `index`, an unpaired surrogate standing for itself; moves the index behind it.
+/// The code point at `index`, an unpaired surrogate as itself; moves the index past it.
 inline char32_t nextCodePoint(const UnitView& text, std::size_t& index) noexcept {
     const char16_t unit = text[index++];
     if (isHighSurrogate(unit) && index < text.length() && isLowSurrogate(text[index])) {
@@ -54,10 +54,10 @@ inline char32_t nextCodePoint(const UnitView& text, std::size_t& index) noexcept
     return unit;
 }
 
-/// Where the sequence begins that the unit at `index` belongs to.
+/// Where the sequence that contains the unit at `index` begins.
 std::size_t sequenceStart(const UnitView& text, std::size_t index) noexcept;
 
-/// Where the sequence ends that begins at `index`.
+/// Where the sequence that begins at `index` ends.
 std::size_t sequenceEnd(const UnitView& text, std::size_t index) noexcept;
 
 struct ClassedCodePoint {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The platform's texts for values, collections indented.
+// Writes the platform's texts for values, collections indented.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -175,7 +175,7 @@ void appendQuotedUnit(TextBuilder& out, char16_t unit) {
     }
 }
 
-/// A leaf inside a collection: bare or in quotes; data stands as it is.
+/// A leaf inside a collection: bare or in quotes; data is unquoted.
 void appendMember(TextBuilder& out, const NSObject& object) {
     TextBuilder own;
     appendLeaf(own, object);

@@ -7,8 +7,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Appends what `description` answers, without making a string of it. Nil appends nothing; a host object that
-/// has no description, "(null)".
+/// Appends the value's `description`, without making a string of it. Nil appends nothing; a host object
+/// without a description appends "(null)".
 void appendDescription(TextBuilder& out, const NSObject& object);
 
 } // namespace ZQFoundation::detail

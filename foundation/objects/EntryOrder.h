@@ -10,7 +10,7 @@ namespace ZQFoundation::detail {
 
 using EntryPointer = const NSDictionaryEntry*;
 
-/// The entries of a dictionary, by their keys when all of those are strings, else as they were entered.
+/// The entries of a dictionary, by key if all keys are strings, else in order of insertion.
 template <class ComesBefore>
 std::vector<EntryPointer> entriesInOrder(const NSObject& dictionary, const ComesBefore& comesBefore) {
     std::vector<EntryPointer> entries;

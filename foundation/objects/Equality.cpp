@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Equality and hashing of nested collections, without recursion.
+// Compares and hashes nested collections, without recursion.
 #include <cstring>
 #include <unordered_set>
 #include <vector>
@@ -84,7 +84,7 @@ bool isShared(const NSObject& collection) noexcept {
 }
 
 /// Compares two trees of any depth with an explicit stack. A part that either tree shares in several places
-/// is compared once, so values that share heavily do not take exponential time.
+/// is compared once, so values with many shared parts do not take exponential time.
 class TreeComparison {
 public:
     bool equal(const NSObject& left, const NSObject& right) {
@@ -147,8 +147,8 @@ private:
         return true;
     }
 
-    /// Every pair entered must come out equal in the end, so one that was entered before needs no second
-    /// look.
+    /// Every pair entered must prove equal in the end, so one that was entered before needs no second
+    /// comparison.
     bool wasEntered(const NSObject& left, const NSObject& right) {
         const bool shared = isShared(left) && isShared(right);
         return shared && !entered_.insert({Access::body(left), Access::body(right)}).second;
@@ -213,12 +213,13 @@ void visitMembers(const NSObject& collection, const Visit& visit) {
     }
 }
 
-/// Of a leaf, or of a collection whose hash is stored already.
+/// The hash of a leaf, or of a collection whose hash is already stored.
 std::uint64_t memberHash(const NSObject& member) {
     return isCollection(member) ? storedHash(member) : detail::hashObject(member, 0);
 }
 
-/// From the members' hashes. Those of a table are added up, so that the order of the entries does not count.
+/// Combines the members' hashes. Those of a table are added, so that the order of the entries does not
+/// matter.
 std::uint64_t combinedHash(const NSObject& collection) {
     constexpr std::uint64_t step = 0xD6E8FEB86659FD93U;
     if (Access::kind(collection) == Kind::array) {
@@ -238,7 +239,7 @@ std::uint64_t combinedHash(const NSObject& collection) {
     return detail::mixed(sum ^ (table.count + 1), 0x9FB21C651E98DF25U);
 }
 
-/// The hash of a whole tree, computed once for each body in it and kept there: from the leaves up, with an
+/// The hash of a whole tree, computed once for each body in it and stored there: from the leaves up, with an
 /// explicit stack. Threads that compute it at the same time store the same number.
 std::uint64_t structuralHash(const NSObject& collection) {
     std::vector<const NSObject*> open;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The seed of hash tables, drawn once per process.
+// The seed of hash tables, chosen once per process.
 #include "foundation/objects/Hashing.h"
 
 #include "foundation/system/System.h"

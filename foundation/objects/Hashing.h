@@ -42,7 +42,7 @@ inline std::uint64_t shortWordAt(const char* bytes, std::size_t count) noexcept 
     return at(0) | at(count / 2) << 8 | at(count - 1) << 16;
 }
 
-/// `seen` gathers all bits of all bytes, for callers who must know whether the bytes are ASCII.
+/// `seen` collects all bits of all bytes, for callers who must know whether the bytes are ASCII.
 inline std::uint64_t hashBytes(const char* bytes, std::size_t count, std::uint64_t seed,
                                std::uint64_t& seen) noexcept {
     constexpr std::uint64_t stepFactor = 0x9E6C63D0876A9A47U;
@@ -75,11 +75,11 @@ inline std::uint64_t hashText(const AsciiOrUtf16& text, std::uint64_t seed) noex
                           : hashBytes(text.units(), text.length() * sizeof(char16_t), ~seed);
 }
 
-/// Collections are hashed whole, without recursion, and remember it: as keys they are told apart at once, and
-/// a tree is walked only the first time.
+/// Collections are hashed whole, without recursion, and store their hash: as keys they are distinguished at
+/// once, and a tree is walked only the first time.
 std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
 
-/// A number drawn once per process, so that hostile keys cannot be chosen to collide.
+/// A number chosen at random once per process, so that hostile keys cannot be chosen to collide.
 std::uint64_t drawTableSeed() noexcept;
 
 inline std::uint64_t tableSeed() noexcept {

@@ -52,7 +52,7 @@ void enterSlot(TableBody& table, std::uint32_t hash, std::size_t position) noexc
 }
 
 /// Moves the entries over without touching their reference counts, closing holes on the way. The stored
-/// hashes are carried along, so no key is hashed again.
+/// hashes are kept, so no key is hashed again.
 TableBody* rebuilt(TableBody* old, std::size_t capacity) {
     std::vector<std::uint32_t> hashes(old->used);
     TableBody* const table = makeTable(capacity);
@@ -129,7 +129,8 @@ NSDictionaryEntry* findText(TableBody& table, StringView key) {
     if (!key || table.count == 0) {
         return nullptr;
     }
-    if (key.form() != StringView::Form::utf16) { // mostly a literal, and ASCII: hashed and judged in one pass
+    // Mostly a literal, and ASCII: hashed and checked in one pass.
+    if (key.form() != StringView::Form::utf16) {
         std::uint64_t seen = 0;
         const std::uint64_t hash = hashBytes(key.bytes(), key.size(), tableSeed(), seen);
         if ((seen & beyondAscii) == 0) {
@@ -142,7 +143,7 @@ NSDictionaryEntry* findText(TableBody& table, StringView key) {
 }
 
 TableBody* setEntry(TableBody* table, NSObject key, NSObject value) {
-    const std::uint64_t hash = hashObject(key, tableSeed()); // a host's own may throw
+    const std::uint64_t hash = hashObject(key, tableSeed()); // a host object's may throw
     if (table == nullptr) {
         table = makeTable(smallestCapacity);
     }
@@ -153,7 +154,7 @@ TableBody* setEntry(TableBody* table, NSObject key, NSObject value) {
         return table;
     }
     if (table->used == table->capacity) {
-        // Many holes are closed in place of growing.
+        // If there are many holes, they are closed instead of growing.
         const bool grows = table->count * 4 >= table->capacity * 3;
         table = rebuilt(table, grows ? table->capacity * 2 + smallestCapacity : table->capacity);
     }

@@ -8,7 +8,7 @@
 
 namespace ZQFoundation::detail {
 
-/// The body of dictionaries and sets: entries in the order of entering, and behind them an open-addressed
+/// The body of dictionaries and sets: entries in the order of insertion, and after them an open-addressed
 /// index of their positions. A removed entry leaves a hole with a nil key until the table is next rebuilt; a
 /// sealed table has none.
 struct TableBody : Body {
@@ -36,26 +36,26 @@ inline TableBody* tableOf(const NSObject& object) noexcept {
 /// An empty table with room for `capacity` entries.
 TableBody* makeTable(std::size_t capacity);
 
-/// Where the key stands, or null.
+/// The entry of the key, or null.
 NSDictionaryEntry* findKey(TableBody& table, const NSObject& key);
 NSDictionaryEntry* findText(TableBody& table, StringView key);
 
-/// Enters or replaces; the table may move. Both values must not be nil.
+/// Inserts or replaces an entry; the table may move. Neither key nor value may be nil.
 TableBody* setEntry(TableBody* table, NSObject key, NSObject value);
 
-/// True when the key was there.
+/// True if the key was present.
 bool removeKey(TableBody& table, const NSObject& key);
 
 /// Closes holes; the table may move.
 TableBody* sealTable(TableBody* table);
 
-/// A copy with room for more.
+/// A copy with room for `capacity` entries.
 TableBody* copyTable(TableBody& table, std::size_t capacity);
 
 /// Releases the entries of a table that no handle shares, then the table.
 void freeTable(TableBody* table) noexcept;
 
-/// The only entry whose stored hash equals the key's, null when there is none; `several` tells that there are
+/// The only entry whose stored hash equals the key's, null if there is none; `several` is set if there are
 /// more.
 NSDictionaryEntry* onlyCandidate(TableBody& table, const NSObject& key, bool& several);
 

@@ -10,9 +10,10 @@
 
 namespace ZQFoundation::detail {
 
-/// Sorts stably by an order that hosts may have written: one that contradicts itself, or answers at random,
-/// gives some permutation of the items and never reads beyond them, as the standard library's sorts may. What
-/// the order raises leaves `items` a permutation too. `comesBefore(a, b)` is true when a must stand before b.
+/// Sorts stably by an order that hosts may have written: an order that contradicts itself, or returns random
+/// results, yields some permutation of the items and never reads beyond them, as the standard library's sorts
+/// may. If the order throws, `items` is still a permutation. `comesBefore(a, b)` is true if a must come
+/// before b.
 template <class Item, class ComesBefore>
 void mergeSort(std::vector<Item>& items, const ComesBefore& comesBefore) {
     std::vector<Item> merged(items.size());

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSArray and its builder, NSMutableArray.
 #ifndef ZQFOUNDATION_OBJECTS_NSARRAY_H
 #define ZQFOUNDATION_OBJECTS_NSARRAY_H
 
@@ -10,9 +11,9 @@ class NSMutableArray;
 
 /// An immutable, ordered collection of values, none of them nil.
 ///
-/// `NSArray{"a", 1}` holds two elements. Traps: `NSArray{}` is nil (an empty array is
-/// `NSArray::array()`), and whether `NSArray{other}` with a single array nests or copies is left to the
-/// compiler: `arrayWithObject` nests.
+/// `NSArray{"a", 1}` holds two elements. Traps: `NSArray{}` is nil (an empty array is `NSArray::array()`),
+/// and whether `NSArray{other}` with a single array nests or copies depends on the compiler:
+/// `arrayWithObject` nests.
 class ZQFOUNDATION_EXPORT NSArray : public NSObject {
 public:
     constexpr NSArray() noexcept = default;
@@ -43,7 +44,7 @@ public:
         return NSArray(std::initializer_list<NSObject>{NSObject(objects)...});
     }
 
-    /// What any range of values, texts, numbers or convertible types holds, in its order. Raises
+    /// The elements of any range of values, texts, numbers or convertible types, in its order. Raises
     /// NSInvalidArgumentException when one is nil.
     template <class Range>
     static NSArray arrayWithRange(const Range& range);
@@ -51,7 +52,7 @@ public:
     /// The number of elements; 0 for nil.
     std::size_t count() const noexcept;
 
-    /// The same as `count`, for templates that know containers.
+    /// The same as `count`, for templates that expect containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The element at the index; raises NSRangeException from the count on.
@@ -122,7 +123,7 @@ private:
     NSArray sorted(ErasedOrder order, const void* context) const;
 };
 
-/// Builds an array element by element. Exclusive and movable; `array()` hands the elements over without a
+/// Builds an array element by element. Movable, not copyable; `array()` transfers the elements without a
 /// copy.
 class ZQFOUNDATION_EXPORT NSMutableArray {
 public:
@@ -146,8 +147,8 @@ public:
     /// Removes the element at the index; raises NSRangeException from the count on.
     void removeObjectAtIndex(std::size_t index);
 
-    /// Puts another object in the place of the element at the index. Raises NSRangeException from the count
-    /// on, NSInvalidArgumentException for a nil object.
+    /// Replaces the element at the index with another object. Raises NSRangeException from the count on,
+    /// NSInvalidArgumentException for a nil object.
     void replaceObjectAtIndex_withObject(std::size_t index, NSObject object);
 
     /// Removes the last element; raises NSRangeException if there is none.
@@ -162,7 +163,7 @@ public:
     /// The number of elements so far.
     std::size_t count() const noexcept;
 
-    /// The same as `count`, for templates that know containers.
+    /// The same as `count`, for templates that expect containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The first element, for `for` loops; valid until the array changes.

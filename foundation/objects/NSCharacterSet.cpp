@@ -65,7 +65,7 @@ void setRange(CharacterSetPages& pages, const char* operation, NSRange range, bo
     }
 }
 
-/// A builder that was moved from is empty again.
+/// Returns a builder's pages; one that was moved from is empty again.
 CharacterSetPages& present(CharacterSetPages*& pages) {
     if (pages == nullptr) {
         pages = new CharacterSetPages;
@@ -73,7 +73,7 @@ CharacterSetPages& present(CharacterSetPages*& pages) {
     return *pages;
 }
 
-/// Whether the first page has all members of the second.
+/// Whether the first page contains all members of the second.
 bool includes(const detail::CharacterPage& page, const detail::CharacterPage& other) noexcept {
     std::uint64_t missing = 0;
     for (std::size_t word = 0; word < 4; ++word) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSCharacterSet and its builder, NSMutableCharacterSet.
 #ifndef ZQFOUNDATION_OBJECTS_NSCHARACTERSET_H
 #define ZQFOUNDATION_OBJECTS_NSCHARACTERSET_H
 
@@ -13,12 +14,12 @@ namespace ZQFoundation {
 
 /// An immutable set of characters. A test of membership takes constant time.
 ///
-///     const NSCharacterSet blanks = NSCharacterSet::whitespaceCharacterSet();
-///     blanks.characterIsMember(u' '); // true
+///     const NSCharacterSet whitespace = NSCharacterSet::whitespaceCharacterSet();
+///     whitespace.characterIsMember(u' '); // true
 ///
-/// String operations test unit by unit, and a surrogate belongs to no set unless it was put in as a unit of
-/// its own. The sets named after Unicode's categories follow the Unicode character database, version 15.0;
-/// each is made on first request and kept until the process ends. Two sets are equal when they have the same
+/// String operations test unit by unit, and a surrogate belongs to no set unless it was added as a separate
+/// unit. The sets named after Unicode's categories follow the Unicode character database, version 15.0; each
+/// is made on first request and kept until the process ends. Two sets are equal when they have the same
 /// members. A nil set has none. `description` lists the first members in hexadecimal.
 class ZQFOUNDATION_EXPORT NSCharacterSet : public NSObject {
 public:
@@ -61,10 +62,11 @@ public:
     /// Categories S*.
     static NSCharacterSet symbolCharacterSet();
 
-    /// ASCII letters, digits and "!$&'()*+,-./:=@_~": what a URL's path holds unescaped.
+    /// ASCII letters, digits and "!$&'()*+,-./:=@_~": the characters that a URL's path may contain unescaped.
     static NSCharacterSet URLPathAllowedCharacterSet();
 
-    /// The members of `URLPathAllowedCharacterSet`, ";" and "?": what a URL's query holds unescaped.
+    /// The members of `URLPathAllowedCharacterSet`, ";" and "?": the characters that a URL's query may
+    /// contain unescaped.
     static NSCharacterSet URLQueryAllowedCharacterSet();
 
     /// The characters of the text, of which a surrogate pair is one and an unpaired surrogate another. Empty
@@ -108,7 +110,7 @@ private:
     explicit NSCharacterSet(Payload payload) noexcept : NSObject(payload, detail::Kind::characterSet) {}
 };
 
-/// Builds a character set step by step. Exclusive and movable; `characterSet()` hands the members over.
+/// Builds a character set step by step. Movable, not copyable; `characterSet()` transfers the members.
 class ZQFOUNDATION_EXPORT NSMutableCharacterSet {
 public:
     NSMutableCharacterSet();
@@ -128,7 +130,7 @@ public:
     /// Adds the other set's members; nil adds none.
     void formUnionWithCharacterSet(const NSCharacterSet& other);
 
-    /// Keeps only the members that the other set has too; nil changes nothing.
+    /// Keeps only the members that are also in the other set; nil changes nothing.
     void formIntersectionWithCharacterSet(const NSCharacterSet& other);
 
     /// Adds the code points from `range.location` on. Raises NSInvalidArgumentException if one is above
@@ -139,7 +141,7 @@ public:
     /// U+10FFFF.
     void removeCharactersInRange(NSRange range);
 
-    /// Exchanges members and all other code points.
+    /// Replaces the members with all other code points.
     void invert();
 
     /// Whether the unit is a member now.

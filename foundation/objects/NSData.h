@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSData, immutable bytes.
 #ifndef ZQFOUNDATION_OBJECTS_NSDATA_H
 #define ZQFOUNDATION_OBJECTS_NSDATA_H
 
@@ -19,7 +20,7 @@ public:
     /// The value if it is data, else nil.
     explicit NSData(const NSObject& object) noexcept : NSObject(object, detail::Kind::data) {}
 
-    /// Data without bytes, which is not nil.
+    /// Data without bytes; not nil.
     static NSData data();
 
     /// A copy of `count` bytes.
@@ -34,7 +35,7 @@ public:
     /// The number of bytes; 0 for nil.
     std::size_t length() const noexcept;
 
-    /// The same as `length`, for templates that know containers.
+    /// The same as `length`, for templates that expect containers.
     std::size_t size() const noexcept { return length(); }
 
     /// The bytes, for `for` loops; valid as long as a handle holds the data.
@@ -49,8 +50,8 @@ public:
     /// @name NSData(Base64)
     /// @{
 
-    /// The bytes that a Base64 text spells, by the rules of `NewBase64Decode`. Empty for nil, for a text with
-    /// a character that is not ASCII, and for one without any character of the alphabet.
+    /// The bytes that a Base64 text encodes, by the rules of `NewBase64Decode`. Empty for nil, for a text
+    /// with a character that is not ASCII, and for one without any character of the alphabet.
     static NSData dataFromBase64String(const NSString& text);
 
     /// The Base64 text in lines of 64 characters with CR LF between them. Nil for nil.

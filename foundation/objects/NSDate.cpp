@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The order and equality of dates.
+// Orders and compares dates.
 #include "foundation/objects/NSDate.h"
 
 namespace ZQFoundation {

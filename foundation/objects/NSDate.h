@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSDate, an instant.
 #ifndef ZQFOUNDATION_OBJECTS_NSDATE_H
 #define ZQFOUNDATION_OBJECTS_NSDATE_H
 
@@ -59,23 +60,23 @@ public:
     /// The earlier date comes first; the same if either is nil.
     NSComparisonResult compare(const NSDate& other) const noexcept;
 
-    /// Whether both are the very same instant, fractions included. False if either is nil.
+    /// Whether both are exactly the same instant, fractions included. False if either is nil.
     bool isEqualToDate(const NSDate& other) const noexcept;
 
-    /// The earlier date first, nil before all; a date that is no number of seconds has no order.
+    /// The earlier date first, nil before all; a date that is NaN seconds has no order.
     friend std::partial_ordering operator<=>(const NSDate& left, const NSDate& right) noexcept {
         return left && right ? left.payload_.real <=> right.payload_.real
                              : static_cast<bool>(left) <=> static_cast<bool>(right);
     }
 
-    /// @name NSDate(ZQFoundation)
-    /// Calendars are made afresh at each call, in the process's time zone of that moment unless one is given.
+    /// @name NSDate(ZQFoundation) Calendars are created at each call, in the process's time zone of that
+    /// moment unless one is given.
     /// @{
 
-    /// The instant of Gregorian fields; a nil zone is the process's. Fields out of range carry: day 0 is the
-    /// last day of the month before, and year 0 the year before 1. A wall time that the clocks skip uses the
-    /// offset from before the change, one that occurs twice is the first. `NSDateComponentUndefined` leaves a
-    /// field out: then it is 1 for year, month and day, else 0. Nil when there is no such instant within
+    /// The instant of Gregorian fields; a nil zone is the process's. Fields out of range carry over: day 0 is
+    /// the last day of the month before, and year 0 the year before 1. A wall time that the clocks skip uses
+    /// the offset from before the change, one that occurs twice is the first. `NSDateComponentUndefined`
+    /// omits a field: it is then 1 for year, month and day, else 0. Nil if there is no such instant within
     /// 292,000,000,000 years of 1970.
     static NSDate dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t year, std::int64_t month,
                                                                      std::int64_t day, std::int64_t hour,
@@ -105,7 +106,7 @@ public:
     bool isAtLeastOneSecondLaterThan(const NSDate& other) const noexcept;
 
     /// Calendar days from the first date's day to the second's; negative when that is earlier. A date that
-    /// the zone's calendar left out counts like any other. 0 when either is nil.
+    /// the zone's calendar skipped counts like any other. 0 if either is nil.
     static std::int64_t calendarDaysBetween_and(const NSDate& first, const NSDate& second) noexcept;
 
     /// The nearest whole second, half a second up; nil for nil.

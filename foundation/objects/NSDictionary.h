@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSDictionary and its builder, NSMutableDictionary.
 #ifndef ZQFOUNDATION_OBJECTS_NSDICTIONARY_H
 #define ZQFOUNDATION_OBJECTS_NSDICTIONARY_H
 
@@ -14,14 +15,14 @@ struct NSDictionaryEntry {
     NSObject value; ///< never nil inside a dictionary
 };
 
-/// An immutable collection of values under distinct keys, none of them nil. Walks list the entries in the
-/// order in which their keys were first inserted, so the order is the same in every run.
+/// An immutable collection of values under distinct keys, none of them nil. Iteration follows the order in
+/// which the keys were first inserted, so it is the same in every run.
 class ZQFOUNDATION_EXPORT NSDictionary : public NSObject {
 public:
     constexpr NSDictionary() noexcept = default;
     constexpr NSDictionary(std::nullptr_t) noexcept {}
 
-    /// `NSDictionary{{"b", 2}, {"A", NSArray{"x"}}}`. Of equal keys the last value stays. Raises
+    /// `NSDictionary{{"b", 2}, {"A", NSArray{"x"}}}`. Of equal keys, the last value is kept. Raises
     /// NSInvalidArgumentException when a key or value is nil.
     NSDictionary(std::initializer_list<NSDictionaryEntry> entries);
 
@@ -38,7 +39,7 @@ public:
     /// The property list in the file when it is a dictionary (old-style text, XML or binary), else nil.
     static NSDictionary dictionaryWithContentsOfFile(StringView path);
 
-    /// What a range of pairs holds, a `std::map` for one. Raises NSInvalidArgumentException when a key or
+    /// The entries of a range of pairs, such as a `std::map`. Raises NSInvalidArgumentException when a key or
     /// value is nil.
     template <class Range>
     static NSDictionary dictionaryWithRange(const Range& range);
@@ -46,7 +47,7 @@ public:
     /// The number of entries; 0 for nil.
     std::size_t count() const noexcept;
 
-    /// The same as `count`, for templates that know containers.
+    /// The same as `count`, for templates that expect containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The value under the key; nil for a key that is missing or nil.
@@ -65,7 +66,7 @@ public:
     /// Nil: there is nothing under a nil key.
     NSObject objectForKey(std::nullptr_t) const { return {}; }
 
-    /// The same: `dictionary["key"]`. To look only; entries are made by `NSMutableDictionary`.
+    /// As `objectForKey`: `dictionary["key"]`. Read-only; entries are added by `NSMutableDictionary`.
     template <class Key>
     const NSObject operator[](const Key& key) const {
         if constexpr (detail::PlainText<Key> || std::is_base_of_v<NSObject, Key>) {
@@ -93,8 +94,7 @@ public:
     /// @name NSDictionary(ZQFoundation)
     /// @{
 
-    /// The dictionary that a property-list text (old-style or XML) spells; nil for any other text. Never
-    /// raises.
+    /// The dictionary in a property-list text (old-style or XML); nil for any other text. Never raises.
     static NSDictionary dictionaryWithContentsOfString(StringView text);
 
     /// "{ A = ( x ); b = 2; }", keys in case-insensitive order; "{ }" when empty; nil for nil.
@@ -129,7 +129,7 @@ private:
     NSObject objectForText(StringView key) const;
 };
 
-/// Builds a dictionary entry by entry. Exclusive and movable; `dictionary()` hands the entries over without a
+/// Builds a dictionary entry by entry. Movable, not copyable; `dictionary()` transfers the entries without a
 /// copy.
 class ZQFOUNDATION_EXPORT NSMutableDictionary {
 public:
@@ -141,11 +141,11 @@ public:
     NSMutableDictionary& operator=(NSMutableDictionary&& other) noexcept;
     ~NSMutableDictionary();
 
-    /// Puts the object under the key. Raises NSInvalidArgumentException when either is nil. An equal key
+    /// Stores the object under the key. Raises NSInvalidArgumentException when either is nil. An equal key
     /// keeps its place and gets the new value.
     void setObject_forKey(NSObject object, NSObject key);
 
-    /// Removes the key with its value; one that is not there is ignored.
+    /// Removes the key with its value; a missing key is ignored.
     void removeObjectForKey(const NSObject& key);
 
     /// The value under the key, or nil.
@@ -154,7 +154,7 @@ public:
     /// The number of entries so far.
     std::size_t count() const noexcept;
 
-    /// The same as `count`, for templates that know containers.
+    /// The same as `count`, for templates that expect containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The entries as an immutable dictionary; the builder is empty afterwards.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSException and the names of exceptions.
 #ifndef ZQFOUNDATION_OBJECTS_NSEXCEPTION_H
 #define ZQFOUNDATION_OBJECTS_NSEXCEPTION_H
 
@@ -24,7 +25,7 @@ public:
     /// What went wrong, for people.
     const NSString& reason() const noexcept { return reason_; }
 
-    /// Further facts, by agreement between who raises and who catches.
+    /// Further facts, as agreed between the code that raises and the code that catches.
     const NSDictionary& userInfo() const noexcept { return userInfo_; }
 
     /// "Name: reason" in UTF-8; valid as long as the exception or a copy of it.
@@ -50,19 +51,19 @@ private:
     NSData what_; // NUL-ended; counted, so that copying an exception cannot throw
 };
 
-/// An argument that an operation does not take: nil in a collection, a nil format.
+/// An argument that an operation does not accept: nil in a collection, a nil format.
 inline constexpr const char* NSInvalidArgumentException = "NSInvalidArgumentException";
 
 /// An index or a range beyond the end.
 inline constexpr const char* NSRangeException = "NSRangeException";
 
-/// A text that is no property list.
+/// A text that is not a property list.
 inline constexpr const char* NSParseErrorException = "NSParseErrorException";
 
 /// A failure without a name of its own; the library does not raise it.
 inline constexpr const char* NSGenericException = "NSGenericException";
 
-/// A result too large for the memory.
+/// A result that does not fit into memory.
 inline constexpr const char* NSMallocException = "NSMallocException";
 
 /// A failed assertion.

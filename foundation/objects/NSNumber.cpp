@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbers: conversion, comparison, hashing and text.
+// Converts, compares, hashes and prints numbers.
 #include "foundation/objects/NSNumber.h"
 
 #include <cmath>
@@ -46,7 +46,7 @@ NSComparisonResult compareIntegers(const NSObject& left, const NSObject& right) 
                    static_cast<std::uint64_t>(Access::integer(right)));
 }
 
-/// Exact: the integer is never rounded to a double first.
+/// Compares exactly: the integer is never rounded to a double first.
 NSComparisonResult compareIntegerWithReal(const NSObject& integer, double real) noexcept {
     if (std::isnan(real)) {
         return isNegative(integer) ? NSOrderedAscending : NSOrderedDescending;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSNumber, a boxed number.
 #ifndef ZQFOUNDATION_OBJECTS_NSNUMBER_H
 #define ZQFOUNDATION_OBJECTS_NSNUMBER_H
 
@@ -25,7 +26,7 @@ public:
     /// The value when it is a number, else nil.
     explicit NSNumber(const NSObject& object) noexcept;
 
-    /// Whether the number was made from a truth value; it prints as 1 or 0 all the same.
+    /// Whether the number was made from a truth value; it still prints as 1 or 0.
     bool isBoolean() const noexcept { return kind_ == detail::Kind::boolean; }
 
     /// Whether the number was made from a float or a double.
@@ -59,8 +60,8 @@ public:
     /// The decimal text, equal to the description.
     NSString stringValue() const;
 
-    /// Compares by numeric value across all kinds. NaN is the same as NaN and below every number that is not
-    /// negative.
+    /// Compares by numeric value across all kinds. NaN is the same as NaN and less than every number that is
+    /// not negative.
     NSComparisonResult compare(const NSNumber& other) const noexcept;
 
     /// Whether `compare` finds both the same. False if either is nil.
@@ -103,7 +104,7 @@ public:
 
     /// A count of seconds as "1:02:05", "2:05" or "05", by the number of fields: 3 or more, 2, 1 or less.
     /// Larger fields than those shown are **dropped, not carried**: 3725 in two fields is "2:05". With
-    /// `suppressZeroes`, leading hours and minutes that are zero are left out. The empty string for negative
+    /// `suppressZeroes`, leading hours and minutes that are zero are omitted. The empty string for negative
     /// seconds; nil for nil.
     NSString durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
                                                               detail::Flag suppressZeroes) const;

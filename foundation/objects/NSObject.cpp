@@ -25,8 +25,8 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Bodies whose last reference is gone, chained through their reference counts with the kind in the low bits,
-/// so that releasing a tree of any depth needs neither stack nor memory.
+/// Bodies whose last reference was released, chained through their reference counts with the kind in the low
+/// bits, so that releasing a tree of any depth needs neither stack nor memory.
 class DeadBodies {
 public:
     void push(Kind kind, Body* body) noexcept {
@@ -44,7 +44,7 @@ public:
         return true;
     }
 
-    /// Gives up one reference; the handle is not destroyed, its storage just goes.
+    /// Releases one reference; the handle is not destroyed, its storage is simply freed.
     void releaseMember(const NSObject& member) noexcept {
         const Kind kind = Access::kind(member);
         if (kind >= Kind::string &&
@@ -66,8 +66,8 @@ private:
     std::uintptr_t head_ = 0;
 };
 
-/// Where bodies go that a host object gives up while it is itself released: chains of host objects need no
-/// stack.
+/// Collects the bodies that a host object releases while it is itself released, so that chains of host
+/// objects need no stack.
 constinit thread_local DeadBodies* releasingHost = nullptr;
 
 void deleteHost(NSObjectProtocol* object, DeadBodies& dead) noexcept {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSObject, the handle to any value, and NSNull.
 #ifndef ZQFOUNDATION_OBJECTS_NSOBJECT_H
 #define ZQFOUNDATION_OBJECTS_NSOBJECT_H
 
@@ -40,7 +41,8 @@ enum NSComparisonResult : int {
 
 namespace ZQFoundation::detail {
 
-/// What a handle holds. Everything from `string` on is a counted body; the rest lives in the handle itself.
+/// What a handle refers to. Everything from `string` on is a counted body; the rest is stored in the handle
+/// itself.
 enum class Kind : unsigned char {
     absent,
     null,
@@ -68,7 +70,7 @@ struct Body {
 
 struct ClassRecord;
 
-/// Releases the last reference's body and, without recursion, all that only it held.
+/// Destroys a body after its last reference and, without recursion, everything that only it referred to.
 ZQFOUNDATION_EXPORT void destroy(Kind kind, Body* body) noexcept;
 
 inline void retain(Body* body) noexcept { __atomic_add_fetch(&body->references, 1, __ATOMIC_RELAXED); }
@@ -109,10 +111,10 @@ namespace ZQFoundation {
 /// reference-counted body that all copies share, so handles are cheap to copy and values may be read from any
 /// thread. (Two threads must not change the *same handle* at once, as with any object.)
 ///
-/// A default-made handle is nil. A message to nil answers nil, 0, false or an empty result.
+/// A default-constructed handle is nil. An operation on nil returns nil, 0, false or an empty result.
 ///
-/// Beware of the literals: a `bool` is a boolean number, a `const char*` is text and never a truth value, a
-/// character is not taken at all, and `NSArray{}` is a nil handle, not an empty array.
+/// Note for literals: a `bool` is a boolean number, a `const char*` is text and never a truth value, a
+/// character does not compile, and `NSArray{}` is a nil handle, not an empty array.
 class ZQFOUNDATION_EXPORT NSObject {
 public:
     constexpr NSObject() noexcept : payload_{.integer = 0}, kind_(detail::Kind::absent) {}
@@ -138,7 +140,7 @@ public:
     NSObject(const T& text) : NSObject(stringFrom(StringView(text))) {}
 
     template <detail::OtherText T>
-    NSObject(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+    NSObject(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
 
     /// The value that the type's `ObjectConversion` makes.
     template <detail::ConvertedObject T>
@@ -175,7 +177,7 @@ public:
     /// True unless the handle is nil. (The null object is a value: true.)
     constexpr explicit operator bool() const noexcept { return kind_ != detail::Kind::absent; }
 
-    /// The value as another type: as a handle, nil when it is of another kind (`object.as<NSString>()`), or
+    /// The value as another type: as a handle, nil if it is of another kind (`object.as<NSString>()`), or as
     /// what the type's `ObjectConversion` makes of it.
     template <class T>
     T as() const noexcept(!detail::ConvertedBack<T>) {
@@ -189,8 +191,8 @@ public:
         }
     }
 
-    /// The class's name ("NSString", "NSNumber", ...), a class object's own name, a host object's answer; nil
-    /// for nil.
+    /// The class's name ("NSString", "NSNumber", ...), a class object's own name, what a host object returns;
+    /// nil for nil.
     NSString className() const;
 
     /// The platform's text for the value (collections indented over several lines); nil for nil.
@@ -200,8 +202,8 @@ public:
     /// nil.
     bool isEqual(const NSObject& other) const;
 
-    /// Equal values hash alike. The same in every process, host objects excepted, which answer for
-    /// themselves.
+    /// Equal values have equal hashes. The same in every process, except for host objects, which define their
+    /// own.
     std::size_t hash() const;
 
     /// The value's text, if it offers one: that of a number, a host object's `stringValue`; empty for any
@@ -216,8 +218,8 @@ public:
     /// `floatValue`; empty for any other value.
     std::optional<float> offeredFloatValue() const;
 
-    /// Whether the value offers the operation: a host object what it says, a class of `ClassesByName.h` what
-    /// the object registered for it says, any other value none.
+    /// Whether the value offers the operation: a host object decides itself, for a class of `ClassesByName.h`
+    /// the object registered for it decides, any other value offers none.
     bool respondsToSelector(const Selector& selector) const;
 
     /// Performs an operation without an argument. Nil for a nil receiver; raises NSInvalidArgumentException
@@ -231,7 +233,7 @@ public:
     /// The host object that the handle holds, or null for any other value. Owned by the handle.
     const NSObjectProtocol* hostObject() const noexcept;
 
-    /// Exchanges two values without counting a reference.
+    /// Swaps two values without changing reference counts.
     void swap(NSObject& other) noexcept {
         const Payload payload = payload_;
         const detail::Kind kind = kind_;
@@ -253,7 +255,7 @@ public:
     /// `description`; nil for nil.
     NSString condensedDescription() const;
 
-    /// The forgiving truth of any value. A number: not zero. A string: "YES" in any case, or a leading
+    /// The truth of any value, leniently read. A number: not zero. A string: "YES" in any case, or a leading
     /// non-zero integer. Any other value: its string form by the string rule, else the low 8 bits of its
     /// integer form, else false.
     bool boolValue() const;
@@ -336,8 +338,8 @@ requires std::is_base_of_v<NSObject, Handle> std::ostream& operator<<(std::ostre
 
 } // namespace ZQFoundation
 
-/// @cond Doxygen has no scope for what specialises a template of another namespace.
-/// The hash of a value, with which `==` goes: values are keys of the standard's own tables.
+/// @cond Doxygen has no scope for specializations of a template of another namespace. The hash of a value,
+/// consistent with `==`, so that values can be keys of the standard library's hash tables.
 template <class Handle>
     requires std::is_base_of_v<ZQFoundation::NSObject, Handle>
 struct std::hash<Handle> {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a host's class does by default, its name found by its type.
+// The defaults of host classes, among them the class name, found by the type.
 #include "foundation/objects/NSObjectProtocol.h"
 
 #include <cstdlib>
@@ -20,7 +20,7 @@ namespace {
 
 bool isDigit(char character) noexcept { return character >= '0' && character <= '9'; }
 
-/// Reads the last name of a mangled "5Store" or "N6Viewer5StoreE"; false for anything that is not just names.
+/// Reads the last name of a mangled "5Store" or "N6Viewer5StoreE"; false for anything but plain names.
 bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
     const bool nested = *mangled == 'N';
     const char* next = mangled + (nested ? 1 : 0);
@@ -39,14 +39,14 @@ bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
     return name.length != 0 && (nested ? std::strcmp(next, "E") == 0 : *next == '\0');
 }
 
-/// The own name of a class whose mangled name takes work to read.
+/// The name of a class whose mangled name must be demangled.
 struct ReadName {
     const ReadName* next;
     std::string mangled;
     std::string name;
 };
 
-/// In a list that only ever grows, at its head: no more than there are such classes.
+/// The head of a list that only grows, by one entry for each such class.
 constinit const ReadName* readNames = nullptr;
 
 const ReadName& readName(const char* mangled) {
@@ -88,8 +88,8 @@ namespace ZQFoundation {
 
 namespace {
 
-/// False for a class from a source that was compiled without run-time types: the place in front of its table
-/// of functions, where its type is kept, is null then.
+/// False for a class from a source that was compiled without run-time types: the entry before its virtual
+/// table, which refers to its type, is then null.
 bool hasTypeInformation(const NSObjectProtocol* object) noexcept {
     const void* const* table = nullptr;
     std::memcpy(&table, static_cast<const void*>(object), sizeof table);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSObjectProtocol, the base of host classes whose objects are values.
 #ifndef ZQFOUNDATION_OBJECTS_NSOBJECTPROTOCOL_H
 #define ZQFOUNDATION_OBJECTS_NSOBJECTPROTOCOL_H
 
@@ -6,13 +7,13 @@
 
 namespace ZQFoundation {
 
-/// What a host's own class implements to be a value: it can then be logged with `%@`, name itself as a caller
-/// and go into collections.
+/// What a host's own class implements so that its objects are values: they can be logged with `%@`, name
+/// themselves as callers and be stored in collections.
 ///
-/// Made with `makeObject<T>(...)` an object is counted and lives as long as a handle holds it. An object that
-/// lives anywhere else (on the stack, as a member) may be passed to `%@` and as a caller by reference, never
-/// stored. The library calls these operations on whatever thread uses the value, never while it holds a lock
-/// of its own.
+/// An object made with `makeObject<T>(...)` is reference-counted and lives as long as a handle holds it. An
+/// object anywhere else (on the stack, as a member) may be passed to `%@` and as a caller by reference, never
+/// stored. The library calls these operations on whatever thread uses the value, never while it holds one of
+/// its own locks.
 class ZQFOUNDATION_EXPORT NSObjectProtocol {
 public:
     virtual ~NSObjectProtocol();
@@ -40,8 +41,8 @@ public:
     /// together with `hash`.
     virtual bool isEqual(const NSObject& other) const;
 
-    /// A number that is the same for equal objects; by default made of the address. Override it together with
-    /// `isEqual`.
+    /// A number that is the same for equal objects; by default derived from the address. Override it together
+    /// with `isEqual`.
     virtual std::size_t hash() const;
 
     /// Whether the object offers the operation of that name, for callers that do not know the class; by

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSSet, a collection of distinct values.
 #ifndef ZQFOUNDATION_OBJECTS_NSSET_H
 #define ZQFOUNDATION_OBJECTS_NSSET_H
 
@@ -13,11 +14,11 @@ public:
     using value_type = NSObject;
     using difference_type = std::ptrdiff_t;
 
-    /// No place in any set.
+    /// A position in no set.
     constexpr SetIterator() noexcept = default;
     constexpr explicit SetIterator(const NSDictionaryEntry* entry) noexcept : entry_(entry) {}
 
-    /// The member; the next one; whether it is the same place.
+    /// The member; the next one; whether it is the same position.
     const NSObject& operator*() const noexcept { return entry_->key; }
     const NSObject* operator->() const noexcept { return &entry_->key; }
     SetIterator& operator++() noexcept {
@@ -35,13 +36,14 @@ private:
 
 namespace ZQFoundation {
 
-/// An immutable collection of distinct values, none of them nil; walked in the order of insertion.
+/// An immutable collection of distinct values, none of them nil; iterated in the order of insertion.
 class ZQFOUNDATION_EXPORT NSSet : public NSObject {
 public:
     constexpr NSSet() noexcept = default;
     constexpr NSSet(std::nullptr_t) noexcept {}
 
-    /// A set of these members, of equal ones the first. Raises NSInvalidArgumentException if one is nil.
+    /// A set of these members; of equal ones the first is kept. Raises NSInvalidArgumentException if one is
+    /// nil.
     NSSet(std::initializer_list<NSObject> members);
 
     /// The set that the type's `ObjectConversion` makes.
@@ -54,13 +56,13 @@ public:
     /// The empty set.
     static NSSet set();
 
-    /// A set of the array's elements, of equal ones the first; empty for nil.
+    /// A set of the array's elements, the first of equal ones; empty for nil.
     static NSSet setWithArray(const NSArray& array);
 
     /// The number of members; 0 for nil.
     std::size_t count() const noexcept;
 
-    /// The same as `count`, for templates that know containers.
+    /// The same as `count`, for templates that expect containers.
     std::size_t size() const noexcept { return count(); }
 
     /// The members, for `for` loops; valid as long as a handle holds the set.
@@ -84,8 +86,8 @@ public:
     /// @name NSSet(ZQFoundation)
     /// @{
 
-    /// The string if it is no member, else the first of string, intermediate string and counter that is none,
-    /// the counter from 1 to `maxAttempts`; nil if all are members.
+    /// The string if it is not a member, else the first concatenation of string, intermediate string and
+    /// counter that is not one, the counter from 1 to `maxAttempts`; nil if all are members.
     NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
                                                                        StringView intermediateString,
                                                                        std::uint64_t maxAttempts) const;

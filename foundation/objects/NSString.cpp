@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strings: making, units, substrings, conversions, builders.
+// Makes strings, their substrings and conversions, and implements their builder.
 #include "foundation/objects/NSString.h"
 
 #include <cstring>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSString and its builder, NSMutableString.
 #ifndef ZQFOUNDATION_OBJECTS_NSSTRING_H
 #define ZQFOUNDATION_OBJECTS_NSSTRING_H
 
@@ -18,9 +19,9 @@ enum NSStringCompareOptions : unsigned {
     NSAnchoredSearch = 8,        ///< only at the start, or with `NSBackwardsSearch` at the end
 };
 
-/// Text encodings by the platform's numbers. Those of the other table of encodings that the platform knows
-/// are `0x80000000 + n`: 0x80000201 to 0x80000210 are ISO 8859-1 to -16, 0x80000A02 is KOI8-R, 0x80000400 and
-/// up are DOS pages.
+/// Text encodings by the platform's numbers. Those of the platform's second table of encodings are
+/// `0x80000000 + n`: 0x80000201 to 0x80000210 are ISO 8859-1 to -16, 0x80000A02 is KOI8-R, 0x80000400 and up
+/// are DOS pages.
 enum NSStringEncoding : std::uint32_t {
     NSASCIIStringEncoding = 1,                      ///< US-ASCII
     NSNEXTSTEPStringEncoding = 2,                   ///< NEXTSTEP, 8 bits
@@ -58,7 +59,7 @@ ZQFOUNDATION_EXPORT std::strong_ordering orderOfUnits(const NSString& left, cons
 template <class T>
 concept TextOperand = PlainText<T> || std::is_same_v<T, NSString>;
 
-/// The second type, which a template does not look into before it is used.
+/// The second type, which a template does not look up before it is instantiated.
 template <class, class T>
 struct DependentType {
     using type = T;
@@ -69,7 +70,7 @@ struct DependentType {
 namespace ZQFoundation {
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
-/// surrogate and U+0000 are units like any other.
+/// surrogate and U+0000 are ordinary units.
 class ZQFOUNDATION_EXPORT NSString : public NSObject {
 public:
     constexpr NSString() noexcept = default;
@@ -80,7 +81,7 @@ public:
     NSString(const T& text) : NSString(fromText(StringView(text))) {}
 
     template <detail::OtherText T>
-    NSString(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+    NSString(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
 
     /// The string that the type's `ObjectConversion` makes.
     template <detail::ConvertedTo<NSString> T>
@@ -95,13 +96,13 @@ public:
     /// A string of exactly these bytes; nil if they are not well-formed UTF-8.
     static NSString stringWithUTF8Bytes(const char* bytes, std::size_t byteCount);
 
-    /// A copy of the units as they are; unpaired surrogates are kept.
+    /// A copy of the units; unpaired surrogates are kept.
     static NSString stringWithCharacters_length(const char16_t* units, std::size_t unitCount);
 
     /// The text of a file name: bytes that are not well-formed UTF-8 become the units U+DC00 + byte.
     static NSString stringWithFileSystemBytes(const char* bytes, std::size_t byteCount);
 
-    /// The format with its arguments put in, without a locale. Raises NSInvalidArgumentException for a nil
+    /// The format with its arguments inserted, without a locale. Raises NSInvalidArgumentException for a nil
     /// format.
     template <class... Arguments>
     static NSString stringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
@@ -137,14 +138,14 @@ public:
     static NSString localizedStringWithFormat_arguments(StringView format, ArgumentList arguments);
 
     /// The text that the bytes encode, without a leading byte-order mark. Nil for nil data, for bytes that
-    /// the encoding does not know and for an unknown encoding. ASCII is read leniently: bytes from 0x80 on
+    /// are invalid in the encoding and for an unknown encoding. ASCII is read leniently: bytes from 0x80 on
     /// are the units of the same number.
     static NSString initWithData_encoding(const NSData& data, NSStringEncoding encoding);
 
     /// The number of units; 0 for nil.
     std::size_t length() const noexcept;
 
-    /// The same as `length`, for templates that know containers.
+    /// The same as `length`, for templates that expect containers.
     std::size_t size() const noexcept { return length(); }
 
     /// The unit at `index`; raises NSRangeException from the length on.
@@ -157,7 +158,8 @@ public:
     /// The UTF-8 form; unpaired surrogates as U+FFFD; empty for nil.
     std::string utf8() const;
 
-    /// Writes the exact UTF-8 form to `out`. False, with `out` untouched, if an unpaired surrogate has none.
+    /// Writes the exact UTF-8 form to `out`. False, with `out` unchanged, if there is an unpaired surrogate,
+    /// which has none.
     bool getUTF8(std::string& out) const;
 
     /// The bytes of the text as a file name, the inverse of `stringWithFileSystemBytes`; false for nil,
@@ -171,7 +173,7 @@ public:
     template <class String>
         requires(std::is_same_v<String, std::string> || std::is_same_v<String, std::u16string>)
     explicit operator String() const {
-        // Looked up where the string's type is known: here it is only declared.
+        // Looked up where the string's type is complete: here it is only declared.
         const typename detail::DependentType<String, NSString>::type& self = *this;
         if constexpr (std::is_same_v<String, std::string>) {
             return self.utf8();
@@ -219,12 +221,11 @@ public:
     /// shorter than the text.
     NSRange rangeOfString(StringView text) const;
 
-    /// As `rangeOfString`, with `NSStringCompareOptions` that say how to search. A literal search compares
-    /// unit by unit.
+    /// As `rangeOfString`, with `NSStringCompareOptions`. A literal search compares unit by unit.
     NSRange rangeOfString_options(StringView text, unsigned options) const;
 
-    /// As `rangeOfString_options`, looking only inside the range. Raises NSRangeException for a range beyond
-    /// the end.
+    /// As `rangeOfString_options`, searching only inside the range. Raises NSRangeException for a range
+    /// beyond the end.
     NSRange rangeOfString_options_range(StringView text, unsigned options, NSRange range) const;
 
     /// The first unit that is a member of the set; `{NSNotFound, 0}` if there is none.
@@ -234,12 +235,12 @@ public:
     /// 0}` if there is none.
     NSRange rangeOfCharacterFromSet_options(const NSCharacterSet& set, unsigned options) const;
 
-    /// As `rangeOfCharacterFromSet_options`, looking only inside the range. Raises NSRangeException for a
+    /// As `rangeOfCharacterFromSet_options`, searching only inside the range. Raises NSRangeException for a
     /// range beyond the end.
     NSRange rangeOfCharacterFromSet_options_range(const NSCharacterSet& set, unsigned options,
                                                   NSRange range) const;
 
-    /// The pieces between the separators, empty ones among them; the whole for an empty separator.
+    /// The pieces between the separators, including empty ones; the whole text for an empty separator.
     NSArray componentsSeparatedByString(StringView separator) const;
 
     /// The text without members of the set at either end, however many there are.
@@ -248,8 +249,9 @@ public:
     /// The number of bytes in the encoding, without a byte-order mark; 0 if the text cannot be converted.
     std::size_t lengthOfBytesUsingEncoding(NSStringEncoding encoding) const;
 
-    /// The text in the encoding, nothing lost; nil if the encoding lacks a character, and for an unknown
-    /// encoding. UTF-16 and UTF-32 of no stated order begin with a byte-order mark, even for no text.
+    /// The text in the encoding, without loss; nil if the encoding lacks a character, and for an unknown
+    /// encoding. UTF-16 and UTF-32 without a stated byte order begin with a byte-order mark, even for no
+    /// text.
     NSData dataUsingEncoding(NSStringEncoding encoding) const;
 
     /// The text's UTF-8 bytes: those of members of the set as they are (only ASCII ones count), all others as
@@ -273,22 +275,21 @@ public:
     /// `doubleValue`, rounded to a float.
     float floatValue() const noexcept;
 
-    /// @name Paths
-    /// "Squeezed" means that each run of "/" is made one, and that none is left at the end of anything but
-    /// "/".
+    /// @name Paths "Squeezed" means that each run of "/" becomes one, and that a trailing "/" is removed
+    /// except from "/" itself.
     /// @{
 
     /// The text after the last "/", a trailing "/" dropped first; "/" for slashes alone.
     NSString lastPathComponent() const;
 
-    /// The path without its last component, squeezed: "/a/b" gives "/a", "/a" gives "/", "a" the empty
+    /// The path without its last component, squeezed: "/a/b" becomes "/a", "/a" becomes "/", "a" the empty
     /// string.
     NSString stringByDeletingLastPathComponent() const;
 
-    /// Both with one "/" between them, squeezed: "a/" and "/x" give "a/x".
+    /// Both with one "/" between them, squeezed: "a/" and "/x" become "a/x".
     NSString stringByAppendingPathComponent(StringView component) const;
 
-    /// The components: "/", "a", "b" for "/a//b"; a final slash is a component "/" of its own.
+    /// The components: "/", "a", "b" for "/a//b"; a final slash is a separate component "/".
     NSArray pathComponents() const;
 
     /// The components joined as by `stringByAppendingPathComponent`; empty ones are ignored.
@@ -297,7 +298,7 @@ public:
     /// The text after the last "." of the last component, unless that "." is its first character.
     NSString pathExtension() const;
 
-    /// The path without the extension that `pathExtension` gives, and without its ".".
+    /// The path without the extension that `pathExtension` returns, and without its ".".
     NSString stringByDeletingPathExtension() const;
 
     /// Whether the path begins with "/" or "~".
@@ -308,7 +309,7 @@ public:
     NSString stringByExpandingTildeInPath() const;
 
     /// The path, tilde expanded, squeezed, without "." components; in absolute paths ".." is resolved:
-    /// through the file system if everything on the path exists, else by its text.
+    /// through the file system if everything on the path exists, else textually.
     NSString stringByStandardizingPath() const;
 
     /// The path, tilde expanded, every link replaced by its target, then standardized. From the first missing
@@ -338,25 +339,25 @@ public:
         return left && text ? left.isEqualToString(text) : !left && !text;
     }
 
-    /// The order that `==` goes with, for sorting and for maps: unit by unit, nil first. `compare` is the
-    /// platform's, which takes canonical equivalents for the same.
+    /// The order consistent with `==`, for sorting and for maps: unit by unit, nil first. `compare` is the
+    /// platform's order, which treats canonical equivalents as the same.
     friend std::strong_ordering operator<=>(const NSString& left, const NSString& right) noexcept {
         return detail::orderOfUnits(left, right);
     }
 
-    /// The two texts in a row. A nil text adds nothing; two nil ones give nil.
+    /// The two texts concatenated. A nil text adds nothing; two nil ones make nil.
     template <detail::TextOperand T>
     friend NSString operator+(const NSString& left, const T& right) {
         return left ? left.stringByAppendingString(right) : NSString(right);
     }
 
-    /// The two texts in a row, for one in front that is not an NSString.
+    /// The two texts concatenated, for a left operand that is not an NSString.
     template <detail::PlainText T>
     friend NSString operator+(const T& left, const NSString& right) {
         return NSString(left) + right;
     }
 
-    /// This text and the other one; to build a long text step by step `NSMutableString` is the faster way.
+    /// Appends the other text; to build a long text step by step, `NSMutableString` is faster.
     NSString& operator+=(StringView other) { return *this = *this + other; }
 
     /// @}
@@ -383,14 +384,14 @@ public:
     /// Whether a unit is a decimal digit of any script; false for nil.
     bool containsDecimalDigit() const;
 
-    /// The text without members at the front, **but removes no more than about half of the string**: at most
-    /// the smallest count that is at least half its length. " x" gives " x".
+    /// The text without members at the start, **but removes no more than about half of the string**: at most
+    /// the smallest count that is at least half its length. " x" stays " x".
     NSString trimLeftCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
     /// The text without members at the end, however many there are.
     NSString trimRightCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
-    /// Trimmed at the left with the limit of `trimLeftCharactersOfCharacterSet`, then at the right.
+    /// Trimmed at the start with the limit of `trimLeftCharactersOfCharacterSet`, then at the end.
     NSString trimCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
     /// `trimCharactersOfCharacterSet` for `NSCharacterSet::whitespaceAndControlCharacterSet`.
@@ -400,7 +401,7 @@ public:
     /// marker.
     NSString substringFromEndOfString(StringView marker) const;
 
-    /// How many units equal this one.
+    /// The number of units equal to this one.
     std::size_t occurrenceCountOfCharacter(char16_t unit) const noexcept;
 
     /// The text with each member of the set replaced; a run of members is replaced one by one. Unchanged if
@@ -430,8 +431,8 @@ public:
     /// becomes LF. A nil indent changes nothing.
     NSString stringByIndentingLinesWithString(StringView indent) const;
 
-    /// The text with a newline at its end: LF is appended unless it ends with a newline of any kind. The
-    /// empty string stays empty.
+    /// The text with a newline at its end: LF is appended unless the text ends with a newline of any kind.
+    /// The empty string stays empty.
     NSString addMissingNewline() const;
 
     /// **Longer strings come first:** NSOrderedAscending when this one has more units. Nil has none.
@@ -461,15 +462,15 @@ public:
     /// no two digits after it or the bytes are not well-formed UTF-8.
     NSString urlDecodedString() const;
 
-    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. It
-    /// protects nothing: two texts with one digest are easily made.
+    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. It is
+    /// not secure: two texts with the same digest are easily made.
     NSString md5String() const;
 
     /// A new random UUID (version 4): "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
     static NSString stringWithNewUUID();
 
-    /// Appends the text to a file in one write, making the file if it is missing. False if it cannot be
-    /// opened, made or written, and if the text does not fit the encoding: then nothing is written.
+    /// Appends the text to a file in one write, creating the file if it is missing. False if it cannot be
+    /// opened, created or written, and if the text does not fit the encoding: then nothing is written.
     [[nodiscard]] bool appendToFile_encoding(StringView path, NSStringEncoding encoding) const;
 
     /// @}
@@ -482,8 +483,8 @@ public:
     /// The localized text.
     static NSString initWithLocalizedString(const NSString& key);
 
-    /// The localized text as a format with its arguments put in; checked at run time, because only the table
-    /// knows it.
+    /// The localized text as a format with its arguments inserted; checked at run time, because only the
+    /// table knows it.
     template <class... Arguments>
     static NSString initWithLocalizedFormat(const NSString& key, const Arguments&... arguments) {
         const detail::PackedArguments<sizeof...(Arguments)> packed(arguments...);
@@ -506,22 +507,22 @@ public:
     static NSString initWithLocalizedFormat_locale_arguments(const NSString& key, const NSLocale& locale,
                                                              ArgumentList arguments);
 
-    /// The localized text **as it is**: not taken as a format, and further arguments are ignored.
+    /// The localized text **as it is**: not used as a format, and further arguments are ignored.
     template <class... Arguments>
     static NSString stringWithLocalizedFormat(const NSString& key, const Arguments&...) {
         return stringWithLocalizedFormat(key);
     }
 
-    /// The localized text **as it is**: not taken as a format.
+    /// The localized text **as it is**: not used as a format.
     static NSString stringWithLocalizedFormat(const NSString& key);
 
-    /// The localized text **as it is**: not taken as a format, and further arguments are ignored.
+    /// The localized text **as it is**: not used as a format, and further arguments are ignored.
     template <class... Arguments>
     static NSString localizedStringWithLocalizedFormat(const NSString& key, const Arguments&...) {
         return localizedStringWithLocalizedFormat(key);
     }
 
-    /// The localized text **as it is**: not taken as a format.
+    /// The localized text **as it is**: not used as a format.
     static NSString localizedStringWithLocalizedFormat(const NSString& key);
 
     /// @}
@@ -542,13 +543,13 @@ inline NSObject Argument::converted() const {
 inline StringView::StringView(const NSString& string) noexcept
     : StringView(string ? string.view() : StringView()) {}
 
-/// Builds a text piece by piece. Exclusive and movable; `string()` hands the text over without a copy of long
-/// texts and leaves the builder empty.
+/// Builds a text piece by piece. Movable, not copyable; `string()` transfers the text, without copying long
+/// texts, and leaves the builder empty.
 class ZQFOUNDATION_EXPORT NSMutableString {
 public:
     NSMutableString();
 
-    /// Begins with the text; nil is the same as an empty one.
+    /// Begins with the text; nil is the same as an empty text.
     explicit NSMutableString(StringView text);
     NSMutableString(NSMutableString&& other) noexcept;
     NSMutableString& operator=(NSMutableString&& other) noexcept;

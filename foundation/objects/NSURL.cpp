@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// URLs: reading, parts, resolution against a base.
+// Reads URLs, their parts, and resolves them against a base.
 #include "foundation/objects/NSURL.h"
 
 #include <new>
@@ -85,7 +85,7 @@ NSURL NSURL::URLWithString_relativeToURL(StringView text, const NSURL& base) {
     auto* const body = new (::operator new(sizeof(UrlBody))) UrlBody;
     body->references = 1;
     body->text.swap(kept);
-    if (!reference.scheme.isPresent) { // a text with a scheme of its own is relative to nothing
+    if (!reference.scheme.isPresent) { // a text with its own scheme is absolute
         body->base = base;
     }
     return Access::adoptURL(body);
@@ -101,7 +101,7 @@ NSString NSURL::absoluteString() const {
     if (kind_ != detail::Kind::url) {
         return {};
     }
-    // A base may be relative to another one, and so on: however many there are, they are met one by one.
+    // A base may be relative to another one, and so on: they are visited one by one, without recursion.
     std::vector<const UrlBody*> relatives;
     const UrlBody* body = Access::url(*this);
     for (; body->base; body = Access::url(body->base)) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSURL, a URI reference.
 #ifndef ZQFOUNDATION_OBJECTS_NSURL_H
 #define ZQFOUNDATION_OBJECTS_NSURL_H
 
@@ -32,8 +33,8 @@ public:
     /// The base; nil for a URL that has none.
     NSURL baseURL() const;
 
-    /// The text of the URL itself: without a base as given, else resolved against the base as RFC 3986 says,
-    /// dots in the path removed. A text with a scheme of its own has no base.
+    /// The text of the URL itself: without a base as given, else resolved against the base by the rules of
+    /// RFC 3986, dot segments in the path removed. A text with its own scheme has no base.
     NSString absoluteString() const;
 
     /// The URL without a base whose text is `absoluteString`.
@@ -47,7 +48,7 @@ public:
     /// The text before the first ":".
     NSString scheme() const;
 
-    /// User information, host and port, as they are written.
+    /// User information, host and port, as written.
     NSString authority() const;
 
     /// The user information up to its first ":".
@@ -59,7 +60,7 @@ public:
     /// The host, without the brackets around an IPv6 address.
     NSString host() const;
 
-    /// The port's number; nil for none, for an empty one, and for one above 2^63 - 1.
+    /// The port number; nil for no port, an empty one, and one above 2^63 - 1.
     NSNumber port() const;
 
     /// The path; never nil for a URL, but perhaps empty.
@@ -76,11 +77,11 @@ public:
     /// @name NSURL(ZQFoundation)
     /// @{
 
-    /// The URL of these parts, of which all but the scheme may be nil or empty; an empty part is left out
-    /// together with its mark. Path and query are percent-encoded where the flags say so, the others written
-    /// as they are. Nil for a nil or empty scheme, for a path that does not begin with "/" after an authority
-    /// or begins with "//" without one, for a text that cannot be encoded, and if the whole is no URI
-    /// reference.
+    /// The URL of these parts, of which all but the scheme may be nil or empty; an empty part is omitted
+    /// together with its delimiter. Path and query are percent-encoded if the flags are set, the others are
+    /// written as given. Nil for a nil or empty scheme, for a path that does not begin with "/" after an
+    /// authority or begins with "//" without one, for a text that cannot be encoded, and if the whole is not
+    /// a URI reference.
     static NSURL URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
         StringView scheme, StringView authority, StringView path, detail::Flag encodePath, StringView query,
         detail::Flag encodeQuery, StringView fragment);

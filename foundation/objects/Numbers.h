@@ -19,13 +19,13 @@ inline bool isRealNumber(const NSObject& object) noexcept {
     return kind == Kind::real || kind == Kind::singleReal;
 }
 
-/// By value across all kinds of numbers, integers exactly.
+/// Compares by value across all kinds of numbers, integers exactly.
 NSComparisonResult compareNumbers(const NSObject& left, const NSObject& right) noexcept;
 
 /// Equal for equal numbers of any kind.
 std::uint64_t numberHashInput(const NSObject& number) noexcept;
 
-/// Writes the number's description, at most `numberTextCapacity` bytes, and returns how many.
+/// Writes the number's description, at most `numberTextCapacity` bytes, and returns their number.
 std::size_t writeNumber(const NSObject& number, char* out) noexcept;
 
 } // namespace ZQFoundation::detail

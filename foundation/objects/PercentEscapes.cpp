@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Percent escapes written and read.
+// Writes and reads percent escapes.
 #include "foundation/objects/PercentEscapes.h"
 
 #include <algorithm>
@@ -19,13 +19,13 @@ namespace {
 constexpr std::size_t escapeLength = 3;
 constexpr char hexDigits[] = "0123456789ABCDEF";
 
-/// To start from: a copy is faster made than a new one.
+/// The initial table: a copy is made faster than a new one.
 constexpr EscapeTable everyEscape;
 
 static_assert(sizeof(EscapeTable::Form) == escapeLength + 1);
 
-/// Writes a whole form, of which what comes next overwrites what is too much. No branch tells short ones from
-/// long ones: it would be guessed wrongly at every blank of a text.
+/// Writes a whole form; the next one overwrites any excess. There is no branch on the length: it would be
+/// mispredicted at every space of a text.
 inline char* writeByte(std::size_t byte, const EscapeTable& table, char* out) noexcept {
     std::memcpy(out, &table[byte], sizeof(EscapeTable::Form));
     return out + table[byte].length;
@@ -36,7 +36,7 @@ inline const char* writeCharacter(const char* ascii, const EscapeTable& table, c
     return ascii + 1;
 }
 
-/// Of well-formed units; writes at most as many escapes as a character has bytes.
+/// The units are well-formed; writes at most as many escapes as a character has bytes.
 inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& table, char*& out) noexcept {
     char32_t code = *units++;
     if (code < 0x80) {
@@ -59,11 +59,11 @@ inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& 
     return units;
 }
 
-/// Writes exactly what the text makes. The last few characters go by a place of their own, since the room for
+/// Writes exactly the escaped text. The last few characters go through a separate buffer, since the room for
 /// a piece may end with them.
 template <class Unit>
 void writeEscaped(const Unit* text, std::size_t count, const EscapeTable& table, char* out) noexcept {
-    constexpr std::size_t maxDistance = sizeof(EscapeTable::Form) + 1; // one more where a pair is last
+    constexpr std::size_t maxDistance = sizeof(EscapeTable::Form) + 1; // one more if a pair is last
     const Unit* const end = text + count;
     while (static_cast<std::size_t>(end - text) > maxDistance) {
         text = writeCharacter(text, table, out);
@@ -84,7 +84,7 @@ std::size_t escapedLength(const char* ascii, std::size_t count, const EscapeTabl
     return length;
 }
 
-/// Of well-formed units: each half of a pair makes two bytes.
+/// The units are well-formed: each half of a pair makes two bytes.
 std::size_t escapedLength(const char16_t* units, std::size_t count, const EscapeTable& table) noexcept {
     std::size_t length = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -137,7 +137,7 @@ struct HexValues {
 
 constexpr HexValues hexValues;
 
-/// Reads the two digits behind a "%". False when they are none, or not both there.
+/// Reads the two digits after a "%". False if they are not digits, or are not both present.
 template <class Unit>
 bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
     if (end - at < static_cast<std::ptrdiff_t>(escapeLength)) {
@@ -161,12 +161,12 @@ NSString unescapedAscii(const NSString& text, StringView view) {
     }
     const std::size_t size = view.size() - (escapeLength - 1) * marks;
     StringBody* const body = allocateString(size, true);
-    const NSString owner = Access::adoptString(body); // seen by nobody else until it is known to be ASCII
+    const NSString owner = Access::adoptString(body); // not shared until it is known to be ASCII
     char* out = body->ascii();
     const char* const outEnd = out + size;
     while (at != end) {
         if (out == outEnd) {
-            return {}; // more is left than there is room for: some "%" has no two digits
+            return {}; // more is left than there is room for: some "%" lacks two digits
         }
         if (*at != '%') {
             *out++ = *at++;
@@ -182,7 +182,7 @@ NSString unescapedAscii(const NSString& text, StringView view) {
                : NSString::stringWithUTF8Bytes(body->ascii(), size);
 }
 
-/// What stands beside a run of escapes is whole characters, so the bytes of a run must be so too.
+/// The text around a run of escapes consists of whole characters, so the bytes of a run must, too.
 NSString unescapedUnits(const NSString& text, StringView view) {
     const char16_t* at = view.units();
     const char16_t* const end = at + view.size();

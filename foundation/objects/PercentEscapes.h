@@ -7,13 +7,13 @@
 
 namespace ZQFoundation::detail {
 
-/// The characters that stand in a URL's path, and in its query, as they are.
+/// The characters that need no escape in a URL's path, and in its query.
 inline constexpr const char* urlPathCharacters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!$&'()*+,-./:=@_~";
 inline constexpr const char* urlQueryCharacters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!$&'()*+,-./:;=?@_~";
 
-/// How each byte is written: as it is or escaped. Bytes from 0x80 on are always escaped.
+/// How each byte is written: unchanged or escaped. Bytes from 0x80 on are always escaped.
 class EscapeTable {
 public:
     /// What is written for a byte: the first `length` of the characters.
@@ -48,13 +48,13 @@ private:
     Form forms_[256] = {};
 };
 
-/// The text's UTF-8 bytes as the table says, escapes with two upper-case hexadecimal digits. Nil for nil and
-/// for an unpaired surrogate. A text that stays as it is shares its body.
+/// The text's UTF-8 bytes written by the table, escapes with two upper-case hexadecimal digits. Nil for nil
+/// and for an unpaired surrogate. The result shares the body of a text that needs no escape.
 NSString addPercentEscapes(const NSString& text, const EscapeTable& table);
 
 /// Every "%" and two hexadecimal digits of either case replaced by their byte, once. Nil for nil, when a "%"
-/// has no two digits, and when the bytes are not well-formed UTF-8. What is not escaped stays, an unpaired
-/// surrogate too.
+/// lacks two digits, and when the bytes are not well-formed UTF-8. Everything else is kept, even an unpaired
+/// surrogate.
 NSString removePercentEscapes(const NSString& text);
 
 } // namespace ZQFoundation::detail

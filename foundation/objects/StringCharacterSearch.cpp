@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Members of character sets searched for in strings.
+// Searches strings for members of character sets.
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
@@ -36,7 +36,7 @@ NSRange rangeOfMember(const Unit* units, NSRange range, const CharacterMembershi
     return at < end ? NSMakeRange(at, 1) : nowhere;
 }
 
-/// The string itself when nothing goes.
+/// Returns the string itself if nothing is removed.
 template <class Unit>
 NSString trimmed(const NSString& string, const Unit* units, const CharacterMembership& members) {
     const std::size_t length = string.length();

@@ -75,7 +75,7 @@ NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf
         }
         const std::size_t leftStart = std::max(i, sequenceStart(left, leftDifference));
         const std::size_t rightStart = std::max(j, sequenceStart(right, rightDifference));
-        // Both sequences start where the texts still agree, at the earlier of the two starts.
+        // Both sequences start where the texts are still equal, at the earlier of the two starts.
         const std::size_t back = std::max(leftDifference - leftStart, rightDifference - rightStart);
         const std::size_t leftEnd = sequenceEnd(left, leftDifference - back);
         const std::size_t rightEnd = sequenceEnd(right, rightDifference - back);
@@ -92,7 +92,7 @@ NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf
     }
 }
 
-/// Walks a text as its folded code points.
+/// Iterates over the folded code points of a text.
 class FoldedText {
 public:
     explicit FoldedText(const AsciiOrUtf16& text) noexcept : text_(text) {}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How many bytes a string takes in an encoding.
+// Computes the number of bytes of a string in an encoding.
 #include "foundation/objects/TextConversion.h"
 
 namespace ZQFoundation {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strings from and to bytes in an encoding.
+// Converts strings from and to bytes in an encoding.
 #include "foundation/objects/TextConversion.h"
 
 namespace ZQFoundation {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Texts searched for in strings.
+// Searches strings for texts.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -76,16 +76,17 @@ NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const AsciiOr
     return rangeOfUnits(text.units() + start, length, widened.data(), widened.size(), options);
 }
 
-// By what texts mean
+// By canonical equivalence and case
 
-/// Whether the ASCII unit at `index` is a sequence of its own. Nothing below U+0300 extends one.
+/// Whether the ASCII unit at `index` is a sequence by itself. Nothing below U+0300 extends one.
 bool isSequence(const UnitView& text, std::size_t index) noexcept {
     const std::size_t next = index + 1;
     return next == text.length() || text[next] < 0x300 || detail::sequenceEnd(text, index) == next;
 }
 
 /// One code point of a text as it is compared, and the stretch of the text that it comes from. A match begins
-/// with the first and ends with the last one of a stretch, so that it never cuts one.
+/// with the first code point of a stretch and ends with the last one of a stretch, so it never cuts a
+/// stretch.
 struct FoldedPoint {
     char32_t codePoint;
     bool isFirst;
@@ -94,8 +95,8 @@ struct FoldedPoint {
     std::size_t end;
 };
 
-/// Walks a text stretch by stretch: composed sequences, decomposed, or for a literal search code points; with
-/// the case folded when it is ignored.
+/// Iterates over a text stretch by stretch: composed sequences, decomposed, or for a literal search code
+/// points; with the case folded when it is ignored.
 class FoldedWalk {
 public:
     FoldedWalk(const UnitView& text, std::size_t start, const SearchOptions& options) noexcept
@@ -164,7 +165,7 @@ std::vector<char32_t> foldedPoints(const AsciiOrUtf16& text, const SearchOptions
     return points;
 }
 
-/// Finds occurrences one after the other, overlapping ones too, without looking at any place twice.
+/// Finds occurrences one after the other, overlapping ones too, without examining any place twice.
 class FoldedSearch {
 public:
     FoldedSearch(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
@@ -193,7 +194,7 @@ private:
         bool isFirst;
     };
 
-    /// Whether the points so far end with all that is wanted.
+    /// Whether the points so far end with the whole wanted text.
     bool accepts(char32_t codePoint) noexcept {
         if (matched_ == wanted_.size()) {
             matched_ = lengths_[matched_];
@@ -210,12 +211,12 @@ private:
     FoldedWalk walk_;
     const std::vector<char32_t>& wanted_;
     std::vector<std::size_t> lengths_;
-    std::vector<Start> recent_; ///< of the last points, as many as are wanted, in a ring
+    std::vector<Start> recent_; ///< of the last points, as many as the wanted text has, in a ring
     std::size_t count_ = 0;
     std::size_t matched_ = 0;
 };
 
-/// The range of what is wanted if it stands right at `start`.
+/// The range of the wanted text if it is exactly at `start`.
 NSRange rangeOfFoldedAt(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
                         const SearchOptions& options) {
     FoldedWalk walk(text, start, options);
@@ -228,7 +229,7 @@ NSRange rangeOfFoldedAt(const UnitView& text, std::size_t start, const std::vect
     return point.isLast ? NSMakeRange(start, point.end - start) : nowhere;
 }
 
-/// Goes `count` stretches back from `at`, but not behind `start`.
+/// Goes `count` stretches back from `at`, but not before `start`.
 std::size_t stretchesBefore(const UnitView& text, std::size_t start, std::size_t at, std::size_t count,
                             const SearchOptions& options) noexcept {
     for (; count > 0 && at > start; --count) {
@@ -242,8 +243,8 @@ std::size_t stretchesBefore(const UnitView& text, std::size_t start, std::size_t
     return at > start ? at : start;
 }
 
-/// Looks at the end first, then at twice as much and so on, so that a caller who goes on before each place
-/// that was found need not wait for the whole text every time.
+/// Searches the end first, then twice as much and so on, so that a caller who continues before each match
+/// does not search the whole text every time.
 NSRange lastRangeOfFolded(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
                           const SearchOptions& options) {
     NSRange last = nowhere;
@@ -276,13 +277,12 @@ NSRange rangeOfFolded(const UnitView& text, std::size_t start, const AsciiOrUtf1
     return FoldedSearch(text, start, wanted, options).next(found) ? found : nowhere;
 }
 
-/// Whether units decide: when they do by the options, and between bytes, which have no marks and no
-/// equivalents.
+/// Whether units decide: if the options say so, and between bytes, which have no marks and no equivalents.
 bool isDecidedByUnits(const UnitView& text, const AsciiOrUtf16& wanted, const SearchOptions& options) {
     return !options.ignoresCase && (options.isLiteral || (text.isAscii() && wanted.isAscii()));
 }
 
-/// ASCII that is equivalent to nothing but itself; some signs stand for one of three characters of it.
+/// ASCII that is equivalent to nothing but itself; some signs decompose to one of three ASCII characters.
 bool isPlainAscii(const AsciiOrUtf16& wanted) noexcept {
     const auto hasEquivalent = [](char unit) {
         return unit == ';' || unit == 'K' || unit == '`';
@@ -290,7 +290,7 @@ bool isPlainAscii(const AsciiOrUtf16& wanted) noexcept {
     return wanted.isAscii() && std::none_of(wanted.ascii(), wanted.ascii() + wanted.length(), hasEquivalent);
 }
 
-/// Plain ASCII stands where its units do, unless a mark follows its last one.
+/// Plain ASCII occurs where its units do, unless a mark follows the last one.
 NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const AsciiOrUtf16& wanted,
                           const SearchOptions& options) {
     UnitView searched = text;
@@ -335,7 +335,7 @@ NSRange rangeOfText(const UnitView& text, std::size_t start, const AsciiOrUtf16&
     if (!options.ignoresCase && isPlainAscii(wanted)) {
         return rangeOfPlainAscii(text, start, wanted, options);
     }
-    // Anchored searches look at one place anyway; backward ones are rare.
+    // Anchored searches examine only one place anyway; backward ones are rare.
     const bool isForwards = !options.isBackwards && !options.isAnchored;
     return options.ignoresCase && isForwards && text.isAscii() && wanted.isAscii()
                ? rangeOfAsciiInAnyCase(text, start, wanted)
@@ -352,7 +352,7 @@ NSString pieceOf(const char16_t* units, std::size_t start, std::size_t end) {
     return detail::makeString(units + start, end - start);
 }
 
-/// The pieces between plain ASCII or, in bytes, between any text of bytes.
+/// The pieces between separators of plain ASCII or, in bytes, between any separators of bytes.
 template <class Unit>
 NSArray piecesBetween(const UnitView& text, const Unit* units, const std::basic_string<Unit>& separator) {
     const std::size_t length = text.length();

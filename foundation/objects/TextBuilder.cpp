@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Growing, widening, and what becomes of text that is not ASCII.
+// Growing and widening of text builders, and appending text that is not ASCII.
 #include "foundation/objects/TextBuilder.h"
 
 #include <new>

@@ -11,10 +11,11 @@
 namespace ZQFoundation::detail {
 
 /// Builds a text piece by piece: short ones in the builder itself (so on the stack), long ones in the body
-/// that becomes the string. Bytes as long as all is ASCII, units from the first other unit on.
+/// that becomes the string. The text is kept as bytes while all of it is ASCII, as units from the first other
+/// unit on.
 ///
 /// The other kind of builder makes the bytes of a log line: UTF-8, in memory that the caller lends and, when
-/// that is full, in memory that a signal handler may take. It makes no string but `signalSafeString`.
+/// that is full, in memory that a signal handler may allocate. Its only string is `signalSafeString`.
 class TextBuilder {
 public:
     TextBuilder() noexcept = default;
@@ -28,12 +29,12 @@ public:
         }
     }
 
-    /// Units; bytes for UTF-8.
+    /// In units; in bytes for UTF-8.
     std::size_t length() const noexcept { return length_; }
     bool isAscii() const noexcept { return form_ == Form::ascii; }
-    /// Only while `isAscii()`, and until the next append.
+    /// Valid only while `isAscii()`, and until the next append.
     const char* asciiData() const noexcept { return static_cast<const char*>(data_); }
-    /// Only for units, and until the next append.
+    /// Valid only for units, and until the next append.
     const char16_t* unitData() const noexcept { return static_cast<const char16_t*>(data_); }
 
     void appendAscii(const char* bytes, std::size_t count) {
@@ -53,26 +54,26 @@ public:
     void appendAscii(char character) { appendAscii(&character, 1); }
     void appendRepeated(char character, std::size_t count);
 
-    /// Any units, unpaired surrogates among them.
+    /// Appends any units, including unpaired surrogates.
     void appendUnits(const char16_t* units, std::size_t count);
     void appendUnit(char16_t unit);
     void appendCodePoint(char32_t codePoint);
 
-    /// Ill-formed bytes as U+FFFD.
+    /// Appends UTF-8; ill-formed bytes become U+FFFD.
     void appendUtf8(const char* bytes, std::size_t count);
 
-    /// Any text; nil appends nothing.
+    /// Appends any text; nil appends nothing.
     void append(StringView text);
 
     /// As `%@` does: nil appends "(null)".
     void appendObjectText(StringView text) { append(text ? text : StringView("(null)")); }
 
     /// Room for `count` ASCII bytes to be written in place, or null once the text is no longer ASCII: then
-    /// use `appendAscii`. `commitAscii` takes what was written.
+    /// use `appendAscii`. `commitAscii` appends what was written.
     char* reserveAscii(std::size_t count);
     void commitAscii(std::size_t count) noexcept { length_ += count; }
 
-    /// Drops everything from unit `length` on.
+    /// Removes everything from unit `length` on.
     void truncate(std::size_t length) noexcept { length_ = length; }
 
     /// The text built so far; the builder is empty afterwards. A long text is not copied. Not for UTF-8.
@@ -80,14 +81,14 @@ public:
 
     // Only for UTF-8.
 
-    /// Until the next append.
+    /// Valid until the next append.
     char* bytes() noexcept { return static_cast<char*>(data_); }
 
     /// Unpaired surrogates, which two appends may bring together, become U+FFFD.
     void replaceUnpairedSurrogates() noexcept;
 
     /// The text from that byte on, with its unpaired surrogates, as a string that a signal handler may make
-    /// and take apart.
+    /// and release.
     NSString signalSafeString(std::size_t start = 0) const;
 
     static constexpr std::size_t inlineBytes = 480;
@@ -111,9 +112,9 @@ private:
     std::size_t length_ = 0;
     std::size_t capacityBytes_ = inlineBytes;
     void* allocated_ =
-        nullptr; // null while the text stands inline, or in lent memory; else a body, or plain bytes
+        nullptr; // null while the text is inline, or in lent memory; else a body, or plain bytes
     Form form_ = Form::ascii;
-    bool hasUnpaired_ = false; // perhaps; in UTF-8 each stands as three bytes of its own
+    bool hasUnpaired_ = false; // possibly; in UTF-8 each is three bytes of a special form
     alignas(char16_t) char inline_[inlineBytes];
 };
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// What builders of UTF-8 do with text that is neither ASCII nor well-formed UTF-8 already.
+// Appends text that is neither ASCII nor well-formed UTF-8 to builders of UTF-8.
 #include <cstring>
 
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Utf.h"
 
-// An unpaired surrogate stands in the text as the three bytes that it would have if it were a character: ED,
-// then A0 to AF for the first half of a pair, B0 to BF for the second one. Nothing else in UTF-8 looks so.
+// An unpaired surrogate is kept in the text as the three bytes that it would have if it were a character: ED,
+// then A0 to AF for the first half of a pair, B0 to BF for the second one. No other UTF-8 has this form.
 
 namespace ZQFoundation::detail {
 
@@ -27,7 +27,7 @@ char16_t surrogateAt(const char* bytes) noexcept {
     return static_cast<char16_t>(0xD000 | (bytes[1] & 0x3F) << 6 | (bytes[2] & 0x3F));
 }
 
-/// The first one, or `end`.
+/// The first unpaired surrogate, or `end`.
 const char* nextSurrogate(const char* at, const char* end) noexcept {
     while (end - at >= static_cast<std::ptrdiff_t>(surrogateBytes)) {
         at = static_cast<const char*>(std::memchr(at, 0xED, static_cast<std::size_t>(end - at)));
@@ -42,7 +42,7 @@ const char* nextSurrogate(const char* at, const char* end) noexcept {
     return end;
 }
 
-/// Units in front of the first unpaired surrogate.
+/// The number of units before the first unpaired surrogate.
 std::size_t pairedPrefix(const char16_t* units, std::size_t count) noexcept {
     for (std::size_t i = 0; i < count; ++i) {
         if ((units[i] & 0xF800) == 0xD800) {
@@ -55,7 +55,7 @@ std::size_t pairedPrefix(const char16_t* units, std::size_t count) noexcept {
     return count;
 }
 
-/// How many units the text has; writes them too, unless `out` is null.
+/// The number of units in the text; also writes them, unless `out` is null.
 std::size_t decode(const char* at, const char* end, char16_t* out) noexcept {
     std::size_t units = 0;
     while (at != end) {
@@ -116,8 +116,8 @@ void TextBuilder::appendSurrogate(char16_t surrogate) {
     hasUnpaired_ = true;
 }
 
-/// Piece by piece through units, which replace what is ill-formed. No piece ends within a sequence: at most
-/// three bytes of one follow its first, and a byte that follows more of them stands for itself.
+/// Converts piece by piece through units, which replaces what is ill-formed. No piece ends within a sequence:
+/// at most three bytes of one follow its first, and a byte after more of them is one by itself.
 void TextBuilder::appendIllFormed(const char* bytes, std::size_t count) {
     constexpr std::size_t longestPiece = 128;
     constexpr std::size_t maxSequenceBytes = 4;

@@ -11,14 +11,14 @@
 
 namespace ZQFoundation::detail {
 
-/// Bytes of the text without a byte-order mark. False when a character has no place in the encoding, and for
-/// one that the C library lacks.
+/// The number of bytes of the text without a byte-order mark. False if the encoding lacks a character, and
+/// for an encoding that the C library lacks.
 bool getEncodedSize(const TextEncoding& encoding, const NSString& text, std::size_t& size);
 
 /// The text with its byte-order mark, if the encoding has one; nil where `getEncodedSize` is false.
 NSData encodedText(const TextEncoding& encoding, const NSString& text);
 
-/// The text that the bytes spell; nil for bytes that the encoding does not know.
+/// The text that the bytes encode; nil for bytes that are invalid in the encoding.
 NSString decodedText(const TextEncoding& encoding, const NSData& data);
 
 } // namespace ZQFoundation::detail

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bytes of any encoding read as strings.
+// Reads bytes of any encoding as strings.
 #include <string>
 #include <string_view>
 
@@ -26,7 +26,8 @@ bool dropMark(std::string_view& bytes, std::string_view mark) noexcept {
     return true;
 }
 
-/// Drops the mark. Where no order is stated it tells the order; without one the high bytes come first.
+/// Removes the byte-order mark. It determines the order if none is stated; without a mark the high bytes come
+/// first.
 ByteOrder takeOrder(const TextEncoding& encoding, std::string_view& bytes, std::string_view bigMark,
                     std::string_view littleMark) noexcept {
     if (encoding.order != EncodingOrder::big && dropMark(bytes, littleMark)) {
@@ -56,7 +57,7 @@ NSString fromUtf32(const TextEncoding& encoding, std::string_view bytes) {
     return readUtf32(bytes, order, units) ? stringOf(units) : NSString();
 }
 
-/// Each byte the unit of the same number.
+/// Converts each byte to the unit of the same number.
 NSString fromLatin1(std::string_view bytes) {
     if (asciiPrefixLength(bytes.data(), bytes.size()) == bytes.size()) {
         return makeAsciiString(bytes.data(), bytes.size());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strings written as bytes of any encoding.
+// Writes strings as bytes of any encoding.
 #include <new>
 #include <string>
 
@@ -14,7 +14,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// In what the C library calls Shift-JIS these two stand in the places of backslash and tilde.
+/// In the C library's Shift-JIS these two take the places of backslash and tilde.
 constexpr char16_t yenSign = 0x00A5;
 constexpr char16_t overline = 0x203E;
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Finds the names of C++ types at compile time.
 #ifndef ZQFOUNDATION_OBJECTS_TYPENAME_H
 #define ZQFOUNDATION_OBJECTS_TYPENAME_H
 
@@ -11,7 +12,7 @@ struct NameSpan {
     std::size_t length;
 };
 
-/// Cuts the enclosing namespaces and classes off a qualified name; template arguments stay.
+/// Removes the enclosing namespaces and classes from a qualified name; template arguments are kept.
 constexpr NameSpan ownName(const char* name, std::size_t length) noexcept {
     std::size_t start = 0;
     int depth = 0;
@@ -27,7 +28,7 @@ constexpr NameSpan ownName(const char* name, std::size_t length) noexcept {
     return {name + start, length - start};
 }
 
-/// The compiler's own spelling of this function holds "T = " and the type's name.
+/// The compiler's name of this function contains "T = " and the type's name.
 template <class T>
 constexpr NameSpan spelledTypeName() noexcept {
     const char* const text = __PRETTY_FUNCTION__;

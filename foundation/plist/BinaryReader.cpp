@@ -35,7 +35,7 @@ enum Kind : unsigned {
     dictionaryKind = 0xD,
 };
 
-/// Where one object stands: its marker, and the bytes behind marker and count.
+/// The place of one object: its marker, and the bytes after marker and count.
 struct ObjectPlace {
     std::size_t start = 0;
     unsigned kind = 0;
@@ -58,11 +58,11 @@ using PartCount = std::uint64_t;
 
 constexpr std::size_t bytesOfPart = 256;
 
-// Where values stand deep, most of a text is their indentation: each 16 levels of the whole document make its
-// parts count once more.
+// Where values are deeply nested, most of a text is their indentation: each 16 levels of the whole document
+// make its parts count once more.
 constexpr std::size_t levelsOfPart = 16;
 
-// Values and keys are written once for each place where they stand, and their number can double with each
+// Values and keys are written once for each place where they occur, and their number can double with each
 // level. Documents whose writer shared equal objects stay far below these.
 constexpr PartCount alwaysAllowedParts = 1'000'000;
 constexpr PartCount timesTheParts = 64;
@@ -85,8 +85,8 @@ public:
     }
 
 private:
-    /// What is known of an object: its value once it is read, how many levels it is high, and how much it is
-    /// when written out.
+    /// What is known of an object: its value once it is read, how many levels it is high, and its size when
+    /// written out.
     struct Slot {
         enum State : unsigned char { unread, open, finished };
         NSObject value;
@@ -151,7 +151,7 @@ private:
         return true;
     }
 
-    /// Whoever shows, writes or walks through the value meets each part of it; the reader did not.
+    /// Code that prints, writes or walks the value visits each part of it; the reader did not.
     bool checkWrittenSize() noexcept {
         const Slot& top = slots_[top_];
         const PartCount times = 1 + top.height / levelsOfPart;
@@ -214,7 +214,7 @@ private:
         open_.pop_back();
     }
 
-    /// The reference to the next value; a dictionary's stand behind those to its keys.
+    /// The reference to the next value; a dictionary's come after those to its keys.
     bool readReference(const Level& level, std::size_t& reference) {
         const std::size_t position = level.next + (level.isDictionary ? level.count : 0);
         return readReferenceAt(level.references + position * referenceSize_, reference);
@@ -298,7 +298,7 @@ private:
         return true;
     }
 
-    /// Reads marker and count, and makes sure that the content lies in front of the table.
+    /// Reads marker and count, and checks that the content is before the table.
     bool findObject(std::size_t index, ObjectPlace& place) {
         place.start = static_cast<std::size_t>(offsetOf(index));
         place.kind = bytes_[place.start] >> 4;
@@ -401,7 +401,7 @@ private:
         }
     }
 
-    /// Whether so many bytes of content lie in front of the table.
+    /// Whether `length` bytes of content fit before the table.
     bool hasContent(const ObjectPlace& place, std::size_t length) noexcept {
         return length <= table_ - place.content || fail("An object is longer than the file", place.start);
     }
@@ -488,8 +488,7 @@ private:
         return NSString::stringWithCharacters_length(units.get(), count);
     }
 
-    /// Objects of an honest file do not lie over each other; some slack is left to writers that name one
-    /// twice.
+    /// Objects of a well-formed file do not overlap; some slack is left for writers that list one twice.
     static constexpr std::size_t timesTheObjects = 4;
 
     const unsigned char* bytes_;

@@ -10,11 +10,11 @@
 /// numbers big-endian.
 ///
 /// Objects that several others refer to are read once and shared. Every offset, reference, count and size is
-/// held against the size of the file before anything is allocated for it. Objects that lie over each other,
-/// which could make a short file into a large value, are refused once they add up to several times the file.
-/// So are objects that share others so often that the value, written out without sharing, has more than a
-/// million parts and more than 64 times as many as the file: values, keys, each 256 bytes of text or data,
-/// all of them once more for each 16 levels. At most `maxPropertyListDepth` levels.
+/// checked against the size of the file before anything is allocated for it. Objects that overlap, which
+/// could make a short file into a large value, are refused once they add up to several times the file. So are
+/// objects that share others so often that the value, written out without sharing, has more than a million
+/// parts and more than 64 times as many as the file: values, keys, each 256 bytes of text or data, all of
+/// them once more for each 16 levels. At most `maxPropertyListDepth` levels.
 namespace ZQFoundation::detail {
 
 /// Whether the bytes claim to be in the binary form.

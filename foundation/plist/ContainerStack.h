@@ -13,22 +13,22 @@
 
 namespace ZQFoundation::detail {
 
-/// The arrays and dictionaries that a reader is inside of. It stands on the heap and is bounded, so no text
-/// can exhaust the thread's stack.
+/// The arrays and dictionaries that a reader is inside of. It is on the heap and is bounded, so no text can
+/// exhaust the thread's stack.
 class ContainerStack {
 public:
     bool isEmpty() const noexcept { return open_.empty(); }
     std::size_t depth() const noexcept { return open_.size(); }
     bool isInDictionary() const noexcept { return open_.back().isDictionary; }
 
-    /// Opens one level more; false when there are as many as there may be.
+    /// Opens one more level; false at the max depth.
     [[nodiscard]] bool openArray() { return openLevel(false); }
     [[nodiscard]] bool openDictionary() { return openLevel(true); }
 
     /// The key of the next value. Only in a dictionary.
     void setKey(NSString key) noexcept { open_.back().key = std::move(key); }
 
-    /// Into the innermost container; of equal keys the last one's value stays.
+    /// Adds to the innermost container; of equal keys, the last value is kept.
     void add(NSObject value) {
         Level& level = open_.back();
         if (level.isDictionary) {
@@ -38,7 +38,7 @@ public:
         }
     }
 
-    /// Takes the innermost container off, finished.
+    /// Removes the innermost container and returns it, finished.
     NSObject close() {
         Level& level = open_.back();
         NSObject finished;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whole files as data.
+// Reads whole files as data.
 #include "foundation/plist/FileContents.h"
 
 #include <cstring>

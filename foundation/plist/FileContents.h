@@ -16,9 +16,9 @@ struct FileContents {
     std::size_t count = 0;
 };
 
-/// Reads a whole regular file of at most `maxPropertyListBytes`. False for a nil path, a file that is
-/// missing or cannot be read, a larger one, and everything that is no regular file: a FIFO is never waited
-/// for. Leaves `errno` as it was.
+/// Reads a whole regular file of at most `maxPropertyListBytes`. False for a nil path, a file that is missing
+/// or cannot be read, a larger one, and anything but a regular file: a FIFO is never waited for. Preserves
+/// `errno`.
 bool readFile(StringView path, FileContents& contents);
 
 } // namespace ZQFoundation::detail

@@ -10,8 +10,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Strings of a text, made from its units. Keys tend to come again and again: the cache lets those that were
-/// seen lately share one string. A key that is pushed out is merely made anew.
+/// Strings of a text, made from its units. Keys tend to repeat: the cache lets recent ones share one string.
+/// A key that was evicted is simply made again.
 template <class Unit>
 class KeyCache {
 public:
@@ -51,7 +51,7 @@ private:
         return StringView(text, count);
     }
 
-    /// Both ends and the length tell most keys apart.
+    /// Both ends and the length distinguish most keys.
     static std::size_t slotIndex(const char* text, std::size_t count) noexcept {
         std::uint64_t head = 0;
         std::uint64_t tail = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Property lists from and to bytes.
+// Converts property lists from and to bytes.
 #include "foundation/plist/NSPropertyListSerialization.h"
 
 #include <string>

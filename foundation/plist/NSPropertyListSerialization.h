@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSPropertyListSerialization, which reads and writes property lists.
 #ifndef ZQFOUNDATION_PLIST_NSPROPERTYLISTSERIALIZATION_H
 #define ZQFOUNDATION_PLIST_NSPROPERTYLISTSERIALIZATION_H
 
@@ -21,9 +22,9 @@ class ZQFOUNDATION_EXPORT NSPropertyListSerialization {
 public:
     NSPropertyListSerialization() = delete;
 
-    /// The value that the bytes hold in any of the three forms, at most 512 levels deep. Nil when they hold
-    /// none; then `*errorText`, when given, says why and where: "An array is not closed (line 3, column 5)".
-    /// On success it becomes nil.
+    /// The value that the bytes hold in any of the three forms, at most 512 levels deep. Nil when there is
+    /// none; then `*errorText`, unless null, gets the reason and place: "An array is not closed (line 3,
+    /// column 5)". On success it becomes nil.
     static NSObject propertyListWithData(const NSData& data, NSString* errorText = nullptr);
 
     /// The value in the XML or the old-style form. The XML form keeps everything but the fractions of a
@@ -31,7 +32,7 @@ public:
     /// ascending order.
     ///
     /// Nil for the binary form, and for values that a property list cannot hold: nil, the null object, a
-    /// host's own object, a set, a URL, a key that is no string, more than 512 levels, more than 2 GiB of
+    /// host's own object, a set, a URL, a key that is not a string, more than 512 levels, more than 2 GiB of
     /// text. Then
     /// `*errorText`, when given, says which; on success it becomes nil.
     static NSData dataWithPropertyList_format(const NSObject& propertyList, NSPropertyListFormat format,

@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    /// What stands next. `finished` and `failed` end the reading.
+    /// What comes next. `finished` and `failed` end the reading.
     enum class Step { value, entry, element, store, finished, failed };
 
     static bool isAllAscii(const Unit* text, std::size_t count) noexcept {
@@ -215,7 +215,7 @@ private:
         return cursor_ != end_ && *cursor_ == static_cast<Unit>(character);
     }
 
-    /// Only after blanks were skipped: a "/" that is still there starts no comment.
+    /// Called after white space was skipped: a "/" that is still there starts no comment.
     bool isAtString() const noexcept {
         return cursor_ != end_ && (isBare(*cursor_) || isAt('"') || isAt('\''));
     }
@@ -250,7 +250,7 @@ private:
         for (const Unit* star = from;; ++star) {
             star = findUnit(star, end_, '*');
             if (star == end_) {
-                cursor_ = end_; // an unclosed comment is as good as a closed one
+                cursor_ = end_; // an unclosed comment is treated like a closed one
                 return true;
             }
             if (star + 1 != end_ && star[1] == '/') {
@@ -349,7 +349,7 @@ private:
             ++cursor_;
             text.appendAscii(static_cast<char>(number));
         }
-        return true; // any other character is left to stand for itself
+        return true; // any other character represents itself
     }
 
     bool readOctal(TextBuilder& text, const Unit* backslash) {

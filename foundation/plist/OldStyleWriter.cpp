@@ -46,7 +46,7 @@ private:
             out_ += " = ";
             break;
         case ValueWalk::Event::open:
-            // The walk is inside already: what matters is whether a key stands in front.
+            // The walk is already inside: what matters is whether a key precedes.
             startValue(walk.depth() - 1, isAfterKey_);
             out_ += walk.isArray() ? "(\n" : "{\n";
             break;

@@ -16,7 +16,7 @@ namespace ZQFoundation::detail {
 /// dates become strings, their descriptions: "1.5", "1", "2001-01-01 00:00:00 +0000". Strings are quoted
 /// where they must be; every unit beyond ASCII is written as \U and four digits, unpaired surrogates too.
 ///
-/// Refused: what no property list holds, more than `maxPropertyListDepth` levels, and a text longer than
+/// Refused: what no property list can hold, more than `maxPropertyListDepth` levels, and a text longer than
 /// `maxPropertyListBytes`.
 const char* writeOldStyle(const NSObject& value, std::string& out);
 

@@ -24,7 +24,7 @@ bool isFurther(const PropertyListError& left, const PropertyListError& right) no
     return left.line != right.line ? left.line > right.line : left.column > right.column;
 }
 
-/// XML first, then old-style: "<0fbd77>" is data. Of two failures the one that came further tells what was
+/// XML first, then old-style: "<0fbd77>" is data. Of two failures, the one further in the text shows what was
 /// meant.
 template <class Unit>
 NSObject readText(const Unit* text, std::size_t count, PropertyListError& error) {

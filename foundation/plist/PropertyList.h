@@ -6,14 +6,14 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/plist/PropertyListError.h"
 
-/// Property lists in whatever form they come. Nothing here raises. `error` may be null; on failure the result
-/// is nil and `*error` says why and where.
+/// Reads property lists of any form. Nothing here raises. `error` may be null; on failure the result is nil
+/// and `*error` has the reason and the place.
 ///
 /// Time and memory grow with the length of the input, hostile or not.
 namespace ZQFoundation::detail {
 
 /// The XML form, and where that fails the old-style form. A text may hold unpaired surrogates; in a `const
-/// char*` ill-formed bytes read as U+FFFD. An encoding that the text declares is not looked at.
+/// char*` ill-formed bytes read as U+FFFD. An encoding that the text declares is ignored.
 NSObject parsePropertyListText(StringView text, PropertyListError* error);
 
 /// The binary form when the bytes claim it, and where that fails the text that they are.

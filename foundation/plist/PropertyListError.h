@@ -7,7 +7,7 @@
 
 namespace ZQFoundation::detail {
 
-/// Why bytes or a text are no property list, and where.
+/// Why bytes or a text are not a property list, and where.
 struct PropertyListError {
     /// A whole English sentence without its full stop; static storage. Null: no failure.
     const char* message = nullptr;
@@ -19,7 +19,7 @@ struct PropertyListError {
     std::size_t column = 0;
 };
 
-/// How many containers may stand inside each other in any of the three forms, read or written.
+/// The max nesting of containers in any of the three forms, read or written.
 inline constexpr std::size_t maxPropertyListDepth = 512;
 
 /// The largest file that is read and the largest text that is written, in bytes: 2 GiB.

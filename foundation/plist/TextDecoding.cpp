@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The encoding of a property list's text, by its byte-order mark, its declaration or its bytes.
+// Decodes a property list's text by its byte-order mark, its declaration or its bytes.
 #include "foundation/plist/TextDecoding.h"
 
 #include <cstdint>
@@ -45,7 +45,7 @@ constexpr ByteOrderMark byteOrderMarks[] = {
     {"\xFE\xFF"sv, Encoding::utf16Big},
 };
 
-/// Bytes 80 to 9F; those that the encoding leaves open stand for the control of the same number.
+/// Bytes 80 to 9F; those that the encoding leaves undefined are the control of the same number.
 constexpr char16_t windows1252High[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

@@ -10,8 +10,8 @@
 
 namespace ZQFoundation::detail {
 
-/// A text in one of the two forms that the readers take. Bytes that are UTF-8 already are used where they
-/// lie, so they must outlive this.
+/// A text in one of the two forms that the readers take. Bytes that are UTF-8 already are used in place, so
+/// they must outlive this.
 struct DecodedText {
     const char* utf8 = nullptr; ///< null: see `units`
     std::unique_ptr<char16_t[]> units;
@@ -19,8 +19,8 @@ struct DecodedText {
 };
 
 /// Reads the bytes of a property list's text. A byte-order mark of UTF-8, UTF-16 or UTF-32 decides, and is
-/// left out; else the encoding that an XML declaration at the very start names: UTF-8, UTF-16, UTF-32 (with
-/// LE or BE or big-endian), ISO-8859-1, US-ASCII (read leniently, as ISO-8859-1) or windows-1252; else UTF-8.
+/// removed; else the encoding that an XML declaration at the very start names: UTF-8, UTF-16, UTF-32 (with LE
+/// or BE or big-endian), ISO-8859-1, US-ASCII (read leniently, as ISO-8859-1) or windows-1252; else UTF-8.
 ///
 /// False for another declared encoding and for bytes that are ill-formed in theirs, unpaired surrogates
 /// included.

@@ -10,8 +10,8 @@
 #include "foundation/plist/PropertyListError.h"
 #include "foundation/text/Utf.h"
 
-/// What the text readers need of their two kinds of text: well-formed UTF-8 bytes, and UTF-16 units, which
-/// may hold unpaired surrogates. Working on bytes spares a file the way through units; working on units keeps
+/// What the text readers need for their two kinds of text: well-formed UTF-8 bytes, and UTF-16 units, which
+/// may hold unpaired surrogates. Working on bytes avoids converting a file to units; working on units keeps
 /// every string.
 namespace ZQFoundation::detail {
 

@@ -180,7 +180,7 @@ private:
         return true;
     }
 
-    /// Blanks, comments and instructions.
+    /// Skips white space, comments and instructions.
     bool skipBetweenElements() noexcept {
         for (;;) {
             while (cursor_ != end_ && isBlank(unitNumber(*cursor_))) {
@@ -203,7 +203,7 @@ private:
         }
     }
 
-    /// Moves behind the next `>` with `before` in front of it; the opening takes `openingLength` units.
+    /// Moves past the next `>` that follows `before`; the opening takes `openingLength` units.
     template <std::size_t size>
     bool skipPast(std::size_t openingLength, const char (&before)[size], const char* message) noexcept {
         const Unit* content = cursor_ + openingLength;
@@ -256,7 +256,7 @@ private:
 
     bool isAtUnexpectedClose(const Unit* name) const noexcept { return name != end_ && *name == '/'; }
 
-    /// The usual spelling, without blanks, in one comparison.
+    /// Skips the usual spelling, without white space, by one comparison.
     bool skipCloseTag(Element element) noexcept {
         const std::string_view tag = closeTags[static_cast<std::size_t>(element)];
         if (static_cast<std::size_t>(end_ - cursor_) < tag.size() ||
@@ -330,7 +330,7 @@ private:
         return isOpen || fail("Values are nested too deeply", tag.start);
     }
 
-    /// Closes every container whose close tag stands next; the outermost one becomes the result.
+    /// Closes every container whose close tag comes next; the outermost one becomes the result.
     bool closeFinished(NSObject& result) {
         while (skipBetweenElements()) {
             if (!isAtCloseTag()) {
@@ -528,7 +528,7 @@ private:
         }
         ++cursor_;
         if (number < 0x10000) {
-            text.appendUnit(static_cast<char16_t>(number)); // a lone surrogate stays one
+            text.appendUnit(static_cast<char16_t>(number)); // a lone surrogate is kept
         } else {
             text.appendCodePoint(number);
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbers, dates and data in the text of XML elements.
+// Reads numbers, dates and data in the text of XML elements.
 #include "foundation/plist/XmlScalars.h"
 
 #include <limits>
@@ -117,7 +117,7 @@ bool readReal(const Unit* text, const Unit* end, NSObject& value) {
     return false;
 }
 
-/// Exactly `digits` decimal digits and then `separator`; moves `text` behind both.
+/// Exactly `digits` decimal digits and then `separator`; moves `text` past both.
 template <class Unit>
 bool readField(const Unit*& text, const Unit* end, unsigned digits, char separator,
                unsigned& field) noexcept {

@@ -5,14 +5,14 @@
 
 #include "foundation/objects/NSString.h"
 
-/// The values that stand in the XML form as a short notation of their own: numbers, dates, data.
+/// The values that have a short notation of their own in the XML form: numbers, dates, data.
 ///
-///     <integer>  blanks, sign, blanks, then decimal digits or 0x and hexadecimal ones; -2^63 to 2^64-1
-///     <real>     blanks, then a decimal number, or nan, inf, infinity in any case, with or without a sign
+///     <integer>  spaces, sign, spaces, then decimal digits or 0x and hexadecimal ones; -2^63 to 2^64-1
+///     <real>     spaces, then a decimal number, or nan, inf, infinity in any case, with or without a sign
 ///     <date>     YYYY-MM-DDThh:mm:ssZ, a "-" may lead; a day and a time that exist
 ///     <data>     Base64; other ASCII characters are skipped, an incomplete last group is dropped
 ///
-/// Each function takes the whole text between the tags and leaves `value` alone when it returns false.
+/// Each function takes the whole text between the tags and does not change `value` when it returns false.
 namespace ZQFoundation::detail {
 
 enum class IntegerReading { good, malformed, outOfRange };

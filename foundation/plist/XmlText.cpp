@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Writes dictionaries as XML property lists that every reader accepts.
 #include "foundation/plist/XmlText.h"
 
 #include <vector>
@@ -14,7 +15,7 @@ namespace {
 
 using Event = ValueWalk::Event;
 
-/// Where a walk is: the keys and indexes that lead there.
+/// The place of a walk: the keys and indexes on the way there.
 class Place {
 public:
     void follow(const ValueWalk& walk) {
@@ -64,7 +65,7 @@ bool isPairAt(const AsciiOrUtf16& text, std::size_t index) noexcept {
            (text[index + 1] & 0xFC00) == 0xDC00;
 }
 
-/// The first unit of the text that XML cannot hold; false when it can hold all.
+/// The first unit of the text that XML cannot contain; false if there is none.
 bool findUnfit(const NSString& string, char16_t& unit) {
     const AsciiOrUtf16 text(string);
     for (std::size_t i = 0; i < text.length(); ++i) {

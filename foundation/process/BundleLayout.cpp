@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where a bundle keeps its Info dictionary, resources and program.
+// Finds a bundle's Info dictionary, resources and program.
 #include "foundation/process/BundleLayout.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ bool endsWith(const std::string& text, const std::string& end) noexcept {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// Closes a folder with its scope.
+/// Closes a folder at the end of its scope.
 class OpenFolder {
 public:
     explicit OpenFolder(const std::string& path) noexcept : stream_(::opendir(path.c_str())) {}
@@ -96,8 +96,8 @@ BundleLayout layoutOfLibrary(const std::string& library) {
     if (isFolder(beside)) {
         return {folder, beside + "/Info.plist", beside, folder};
     }
-    // Libraries are in lib or, by architecture, one folder deeper. The folder bears the major version, so
-    // that two versions can be installed side by side.
+    // Libraries are in lib or, by architecture, one folder deeper. The folder's name contains the major
+    // version, so that two versions can be installed side by side.
     std::string shared = folder + "/../share/ZQFoundation-27";
     const std::string deeper = folder + "/../../share/ZQFoundation-27";
     if (!isFolder(shared) && isFolder(deeper)) {

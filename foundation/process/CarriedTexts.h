@@ -14,8 +14,8 @@ struct CarriedTable {
     std::string_view bytes; ///< the table's file
 };
 
-/// A table for each language in the static library, which cannot know where its files are. None in the shared
-/// one, whose texts are files that a packager or a host may change.
+/// A table for each language in the static library, which cannot know where its files are. Empty in the
+/// shared library, whose texts are files that a packager or a host may change.
 std::span<const CarriedTable> carriedTables() noexcept;
 
 } // namespace ZQFoundation::detail

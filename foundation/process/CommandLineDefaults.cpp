@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Settings given as arguments: `-Key value`.
+// Reads settings given as arguments: `-Key value`.
 #include "foundation/process/CommandLineDefaults.h"
 
 #include <algorithm>
@@ -63,7 +63,7 @@ NSObject valueOfArgument(const std::string& argument) {
                 return parsed;
             }
         } catch (const NSException&) {
-            return text; // a text that only looks like a property list is meant as it stands
+            return text; // a text that only looks like a property list is taken literally
         }
     }
     return text;
@@ -81,7 +81,7 @@ bool isPairAt(const std::vector<std::string>& arguments, std::size_t index) noex
 
 bool isBlankByte(char byte) noexcept { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
 
-/// Takes the words of a text apart as shells do.
+/// Splits a text into words as shells do.
 class Words {
 public:
     explicit Words(const std::string& text) noexcept : text_(text) {}
@@ -120,7 +120,7 @@ private:
     std::size_t position_ = 0;
 };
 
-/// Whether a word that has the form of a key is rather an option of the host's.
+/// Whether a word that has the form of a key is instead an option of the host.
 bool isOption(const std::string& word, const std::vector<std::string>& options) {
     return word.size() == 2 || word[1] == '-' ||
            std::find(options.begin(), options.end(), word) != options.end();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The user's locale, from the settings and the environment.
+// Finds the user's locale, from the settings and the environment.
 #include <string_view>
 
 #include "foundation/format/NSLocale.h"

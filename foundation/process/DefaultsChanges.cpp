@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Keeps the changes of user defaults that are not yet saved.
 #include "foundation/process/DefaultsChanges.h"
 
 #include "foundation/objects/NSNumber.h"
@@ -7,7 +8,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// The upper half says which process of a line of forked ones made the change.
+/// The upper half identifies which process in a chain of forks made the change.
 std::uint64_t numberOf(std::uint32_t count) noexcept {
     return std::uint64_t{system::forkGeneration()} << 32 | count;
 }

@@ -8,13 +8,13 @@
 
 namespace ZQFoundation::detail {
 
-/// Whether a change removes its key: the null object, which no property list holds, stands for that.
+/// Whether a change removes its key: represented by the null object, which no property list can hold.
 bool isRemoval(const NSObject& change);
 
 /// The values of a file, which may be nil, with changes made to them.
 NSDictionary withChanges(const NSDictionary& file, const NSDictionary& changes);
 
-/// What a process has changed in a domain and not yet saved. Constant-initialised, never destroyed, and
+/// What a process has changed in a domain and not yet saved. Constant-initialized, never destroyed, and
 /// usable from any thread and in a forked child.
 class DefaultsChanges {
 public:
@@ -26,22 +26,22 @@ public:
 
     constexpr DefaultsChanges() noexcept = default;
 
-    /// All that counts here, what a forked child has from its parent too.
+    /// All changes in effect here, including those that a forked child inherited from its parent.
     NSDictionary values() const;
 
     void add(const NSObject& value, const NSString& key);
 
-    /// Those made by this process itself.
+    /// The changes made by this process itself.
     Record own() const;
 
-    /// Drops changes that were saved, except keys that were changed again meanwhile.
+    /// Discards changes that were saved, except keys that were changed again meanwhile.
     void forget(const Record& saved);
 
 private:
     Record all() const;
 
     Published<Record> published_;
-    Lock changing_; // lets one change follow the other
+    Lock changing_; // serializes changes
     std::uint32_t count_ = 0;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The files of the domains of settings.
+// Reads the files of the domains of settings.
 #include "foundation/process/DefaultsFiles.h"
 
 #include "foundation/files/HomeFolder.h"
@@ -57,7 +57,7 @@ NSDictionary DomainFile::values(const std::string& path) {
     }
     NSDictionary values;
     if (readStampedFile(path, dictionaryFromBytes, values, stamp) != FileResult::read) {
-        return nullptr; // not kept, so that it is tried again as soon as it can be read
+        return nullptr; // not kept, so that it is read as soon as it is readable
     }
     const bool settled = !isFresh(stamp);
     snapshot_.replace(new Snapshot{path, stamp, settled, values});

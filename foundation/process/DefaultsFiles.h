@@ -12,12 +12,12 @@
 namespace ZQFoundation::detail {
 
 /// The folder that holds the defaults domains: `$XDG_CONFIG_HOME/ZQFoundation` when that variable is an
-/// absolute path, else `~/.config/ZQFoundation`, home being `$HOME` when that is an absolute path, else the
-/// user database's. Follows the environment at every call, in a set-user-ID process the user database alone.
-/// Empty when nothing tells where the home folder is.
+/// absolute path, else `~/.config/ZQFoundation`, where home is `$HOME` when that is an absolute path, else
+/// the user database's. Reads the environment at each call; in a set-user-ID process only the user database
+/// counts. Empty when the home folder is unknown.
 std::string defaultsFolder();
 
-/// The file of a domain, or empty when no file can bear its name.
+/// The file of a domain, or empty when no file can have its name.
 std::string fileOfDomain(const NSString& domain);
 
 /// One defaults domain on disk, kept in memory and read again when the file has changed. Never writes.
@@ -25,22 +25,22 @@ class DomainFile {
 public:
     constexpr DomainFile() noexcept = default;
 
-    /// What the file holds now; nil when it cannot be read, empty when it holds no dictionary. One look at
-    /// the file's state when it is unchanged.
+    /// The file's current values; nil when it cannot be read, empty when it contains no dictionary. For an
+    /// unchanged file, the cost is one query of its state.
     NSDictionary values(const std::string& path);
 
 private:
     struct Snapshot {
         std::string path;
         FileStamp stamp;
-        bool settled; ///< old enough when it was read that every later change shows in its stamp
+        bool settled; ///< old enough when read that every later change alters its stamp
         NSDictionary values;
     };
 
     NSDictionary kept(const std::string& path, const FileStamp& stamp) const;
 
     Published<Snapshot> snapshot_;
-    Lock reading_; // keeps threads from reading the same file side by side
+    Lock reading_; // keeps threads from reading the same file at once
 };
 
 } // namespace ZQFoundation::detail

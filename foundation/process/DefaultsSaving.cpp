@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Saves the changes of user defaults.
 #include "foundation/process/DefaultsSaving.h"
 
 #include <cerrno>
@@ -11,7 +12,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// A host may be asking on the thread that serves its windows.
+/// A host may be calling from the thread that serves its windows.
 constexpr LockWaiting waiting{500};
 
 bool isAbsent(const std::string& path) noexcept {
@@ -19,8 +20,8 @@ bool isAbsent(const std::string& path) noexcept {
     return ::stat(path.c_str(), &information) != 0 && errno == ENOENT;
 }
 
-/// Whether the changes leave the values as they are. A key set to the value that it has counts as a change:
-/// values of different types may be equal.
+/// Whether the changes have no effect. Setting a key to its current value counts as a change: values of
+/// different types may be equal.
 bool changesNothing(const NSDictionary& values, const NSDictionary& changes) {
     for (const NSDictionaryEntry& entry : changes) {
         if (!isRemoval(entry.value) || values.objectForKey(entry.key)) {
@@ -37,7 +38,7 @@ bool saveDefaults(const std::string& path, const NSDictionary& changes, NSString
         return refuse(error, "there is no home folder, or the application's name cannot name a file");
     }
     if (isAbsent(path) && changesNothing(nullptr, changes)) {
-        return true; // makes no file, and no folder for one
+        return true; // creates neither a file nor a folder for it
     }
     LockedFile file;
     NSDictionary values;

@@ -9,8 +9,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Makes the changes (`withChanges`) to the file of a domain and leaves its other keys as they are. False
-/// with the reason, and the file is as it was; `error` may be null. Threads take turns.
+/// Applies the changes (`withChanges`) to the file of a domain and keeps its other keys. On failure, returns
+/// false with the reason, and the file is unchanged; `error` may be null. Threads take turns.
 bool saveDefaults(const std::string& path, const NSDictionary& changes, NSString* error);
 
 } // namespace ZQFoundation::detail

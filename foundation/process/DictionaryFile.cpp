@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reads and writes files that hold a dictionary.
 #include "foundation/process/DictionaryFile.h"
 
 #include <cerrno>
@@ -28,7 +29,7 @@ bool readBytes(const Descriptor& file, const std::string& path, std::string& byt
             return refuseWith(error, path, errno);
         }
         bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
-        // What the library would not read is not to be written either.
+        // A file that the library would refuse to read must not be written.
         if (bytes.size() > static_cast<std::size_t>(maxFileBytes)) {
             return refuse(error, "%@ is larger than %ld bytes", path, maxFileBytes);
         }
@@ -53,7 +54,7 @@ bool readDictionary(const Descriptor& file, const std::string& path, NSDictionar
 bool readDictionaryAt(const GuardedPlace& place, const std::string& path, NSDictionary& values,
                       NSString* error) {
     values = nullptr;
-    const Descriptor file = openPlace(place, O_RDONLY | O_NONBLOCK); // a pipe would keep us waiting
+    const Descriptor file = openPlace(place, O_RDONLY | O_NONBLOCK); // a pipe would make us wait
     if (!file) {
         return errno == ENOENT || refuseWith(error, path, errno);
     }

@@ -8,11 +8,11 @@
 #include "foundation/files/GuardedOpening.h"
 #include "foundation/objects/NSDictionary.h"
 
-/// Reading of dictionaries for somebody who is to learn why it fails, where FileReading.h is for those who
-/// go on without. `path` names the file in the reason; `error` may be null.
+/// Reads dictionaries for callers who need the reason of a failure; FileReading.h is for callers who continue
+/// without the file. `path` names the file in the reason; `error` may be null.
 namespace ZQFoundation::detail {
 
-/// Makes the reason, formatted as `NSString::stringWithFormat` does, when it is asked for. Answers false.
+/// Sets the reason, formatted as `NSString::stringWithFormat` does, unless `error` is null. Returns false.
 template <class... Arguments>
 bool refuse(NSString* error, FormatString<std::type_identity_t<Arguments>...> format,
             const Arguments&... arguments) {
@@ -25,18 +25,19 @@ bool refuse(NSString* error, FormatString<std::type_identity_t<Arguments>...> fo
 /// The same for a system error.
 bool refuseWith(NSString* error, const std::string& path, int number);
 
-/// All bytes of the open file from where it stands on. False for more of them than the library reads.
+/// Reads all bytes of the open file from its current position on. False for more than the library reads.
 bool readBytes(const Descriptor& file, const std::string& path, std::string& bytes, NSString* error);
 
-/// What the open file holds from where it stands on; a pipe is read to its end. False for what is no
-/// dictionary.
+/// Reads the dictionary in the open file from its current position on; a pipe is read to its end. False for
+/// anything else.
 bool readDictionary(const Descriptor& file, const std::string& path, NSDictionary& values, NSString* error);
 
-/// What the regular file at the place holds. True with nil when there is none.
+/// Reads the dictionary in the regular file at the place. True with nil when there is none.
 bool readDictionaryAt(const GuardedPlace& place, const std::string& path, NSDictionary& values,
                       NSString* error);
 
-/// Opens the place, without following a link that has been put there meanwhile. `errno` if it fails.
+/// Opens the place, without following a link that was put there meanwhile. Not open, with `errno`, on
+/// failure.
 Descriptor openPlace(const GuardedPlace& place, int flags) noexcept;
 
 } // namespace ZQFoundation::detail

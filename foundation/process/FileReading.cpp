@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Files read again only if they changed.
+// Reads files again only if they changed.
 #include "foundation/process/FileReading.h"
 
 #include <cerrno>
@@ -32,11 +32,11 @@ FileStamp stampFrom(const struct stat& information) noexcept {
 }
 
 int openForReading(const std::string& path) noexcept {
-    // Without O_NONBLOCK a pipe that took the file's place would hold the caller up.
+    // Without O_NONBLOCK a pipe that took the file's place would block the caller.
     return openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
 }
 
-/// A file that is shorter than it was a moment ago is read as far as it goes: its next stamp will differ.
+/// A file that has just become shorter is read to its end: its next stamp will differ.
 bool readAll(int descriptor, std::string& bytes) noexcept {
     const std::ptrdiff_t count = readWhole(descriptor, bytes.data(), bytes.size());
     bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
@@ -85,7 +85,7 @@ bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept {
 bool isFresh(const FileStamp& stamp) noexcept {
     timespec now{};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    // File times move in steps: some milliseconds as a rule, two seconds where no fractions are kept.
+    // File times advance in steps: usually some milliseconds, two seconds where no fractions are stored.
     const std::int64_t window = stamp.changedNanoseconds == 0 ? 2'100'000'000 : 100'000'000;
     const std::int64_t seconds = static_cast<std::int64_t>(now.tv_sec) - stamp.changedSeconds;
     if (seconds < -3 || seconds > 3) {
@@ -106,7 +106,7 @@ FileResult readStampedFile(const std::string& path, FileParser parse, NSDictiona
         }
         return result;
     } catch (const std::bad_alloc&) {
-        // Asked for by a log call as a rule: the host must not learn of it through an exception.
+        // Usually called by a log call: the host must not get an exception.
         return FileResult::exhausted;
     }
 }

@@ -8,11 +8,11 @@
 
 #include "foundation/objects/NSDictionary.h"
 
-/// Reading of the files that describe the process: Info dictionaries, string tables, defaults domains.
-/// Nothing here writes, blocks on a pipe or device, or follows endless links.
+/// Reads the files that describe the process: Info dictionaries, string tables, defaults domains. Nothing
+/// here writes, blocks on a pipe or device, or follows links endlessly.
 namespace ZQFoundation::detail {
 
-/// What tells one state of a file from another. The change time catches what the modification time does not:
+/// Distinguishes one state of a file from another. The change time shows what the modification time does not:
 /// new permissions, and a modification time that was set back.
 struct FileStamp {
     std::uint64_t device = 0;
@@ -26,43 +26,43 @@ struct FileStamp {
     friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
-/// Larger files are passed over. Such files are written by hand or by settings panels and stay far below it,
-/// while the value that one holds can take some thirty times its size in memory, in the middle of a log call.
+/// Larger files are ignored. Such files are written by hand or by settings panels and stay far below this
+/// size, while a file's value can take some thirty times its size in memory, in the middle of a log call.
 inline constexpr std::int64_t maxFileBytes = std::int64_t{16} << 20;
 
 enum class FileResult {
     read,       ///< all of it, as it was when its stamp was taken
     unreadable, ///< absent, not a regular file, too large, not permitted
-    exhausted,  ///< the process lacks descriptors or memory at the moment
+    exhausted,  ///< the process currently lacks descriptors or memory
 };
 
-/// Whether a call failed for the lack of descriptors or memory, which may be there later.
+/// Whether a call failed for lack of descriptors or memory, which may be available later.
 bool isPassing(int error) noexcept;
 
-/// False unless the path leads to a regular file.
+/// Reads the stamp of the file at the path. False unless the path refers to a regular file.
 bool stampOfFile(const std::string& path, FileStamp& stamp) noexcept;
 
-/// Whether the file was changed so shortly before this call that another change might leave the same stamp.
+/// Whether the file was changed so recently that another change might leave the same stamp.
 bool isFresh(const FileStamp& stamp) noexcept;
 
-/// What bytes spell; may throw std::bad_alloc.
+/// Parses bytes; may throw std::bad_alloc.
 using FileParser = NSDictionary (*)(const std::string& bytes);
 
-/// Reads a file and parses it. Never throws: when the memory for it is lacking, the file counts as one that
-/// cannot be read at the moment. `values` is nil unless the result is `read`.
+/// Reads a file and parses it. Never throws: without enough memory the result is `exhausted`. `values` is nil
+/// unless the result is `read`.
 FileResult readStampedFile(const std::string& path, FileParser parse, NSDictionary& values, FileStamp& stamp);
 
 bool fileExists(const std::string& path) noexcept;
 bool isFolder(const std::string& path) noexcept;
 
-/// The dictionary that a property list in any form spells; an empty one for anything else.
+/// The dictionary in a property list of any form; empty for anything else.
 NSDictionary dictionaryFromBytes(const std::string& bytes);
 
-/// The same for a string table, which may leave out the braces.
+/// The same for a string table, which may omit the braces.
 NSDictionary stringTableFromBytes(const std::string& bytes);
 
-/// The bytes of the text as part of a path; false for nil and for texts that no file can bear, "/" among
-/// them.
+/// The bytes of the text as part of a path; false for nil and for texts that cannot be a file name, such as
+/// those with "/".
 bool getFileName(const NSString& text, std::string& name);
 
 } // namespace ZQFoundation::detail

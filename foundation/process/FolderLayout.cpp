@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Finds the folders for logs and data that an application requests.
 #include "foundation/process/FolderLayout.h"
 
 #include <cstring>

@@ -5,16 +5,16 @@
 
 #include "foundation/objects/NSString.h"
 
-/// Where an application asks for its folders to be, by `ZQFolderLayout` in its Info dictionary.
+/// The location of its folders that an application requests by `ZQFolderLayout` in its Info dictionary.
 namespace ZQFoundation::detail {
 
-/// Whether the value is "XDG": logs and documents are then where other applications of a Linux desktop have
+/// Whether the value is "XDG": logs and documents are then where other applications on a Linux desktop keep
 /// theirs. A translation of the value does not count, as the folders would move with the language.
 bool usesXdgFolders();
 
 /// The folder below which all applications keep their logs, and the one for their data: `$XDG_STATE_HOME` and
 /// `$XDG_DATA_HOME` where these are absolute paths, else `~/.local/state` and `~/.local/share`. Links on the
-/// way are resolved. In a set-user-ID process the variables do not count.
+/// way are resolved. In a set-user-ID process the variables are ignored.
 NSString xdgStateFolder();
 NSString xdgDataFolder();
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which localizations of a bundle suit the user's languages.
+// Selects the localizations of a bundle that match the user's languages.
 #include "foundation/process/LanguageMatching.h"
 
 #include <algorithm>
@@ -13,13 +13,13 @@ struct Alias {
     const char* code;
 };
 
-// Names that folders of localizations bore before codes came into use.
+// Names of localization folders from before codes came into use.
 constexpr Alias englishNames[] = {
     {"English", "en"}, {"German", "de"},  {"French", "fr"}, {"Japanese", "ja"},
     {"Italian", "it"}, {"Spanish", "es"}, {"Dutch", "nl"},
 };
 
-// Codes that were withdrawn, or stand for a language that has a narrower one.
+// Codes that were withdrawn, or denote a language that has a more specific one.
 constexpr Alias formerCodes[] = {
     {"iw", "he"}, {"in", "id"}, {"ji", "yi"}, {"jw", "jv"}, {"mo", "ro"}, {"no", "nb"}, {"tl", "fil"},
 };
@@ -92,7 +92,7 @@ void setCase(std::vector<std::string>& parts) {
     }
 }
 
-/// Two scripts that their readers do not exchange: a region implies one of them.
+/// Adds the script, which a region implies: readers of one do not accept the other.
 void addChineseScript(std::vector<std::string>& parts) {
     if (parts.size() > 1 && isScript(parts[1])) {
         return;
@@ -101,12 +101,12 @@ void addChineseScript(std::vector<std::string>& parts) {
     const bool traditional = region == "TW" || region == "HK" || region == "MO";
     parts.insert(parts.begin() + 1, traditional ? "Hant" : "Hans");
     if (region == "TW" || region == "CN") {
-        // These regions were the usual names of the scripts themselves.
+        // These regions were the usual names for the scripts themselves.
         parts.erase(parts.begin() + 2);
     }
 }
 
-/// Without the last part; empty when nothing shorter stands for the language.
+/// Removes the last part; empty when nothing shorter denotes the language.
 std::string shorterForm(const std::string& canonical) {
     if (canonical == "zh-Hant" || canonical == "zh-Hans") {
         return {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The user's languages in the environment.
+// Reads the user's languages from the environment.
 #include "foundation/process/LanguageSettings.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ bool isTagCharacter(char character) noexcept {
 
 bool namesNoLanguage(const std::string& tag) noexcept { return tag == "C" || tag == "POSIX"; }
 
-/// The script that a locale's modifier stands for, with the hyphen in front, or empty.
+/// The script that a locale's modifier denotes, after a hyphen, or empty.
 std::string scriptOfModifier(const std::string& modifier) {
     if (modifier == "latin") {
         return "-Latn";
@@ -34,7 +34,7 @@ std::string scriptOfModifier(const std::string& modifier) {
     return modifier == "devanagari" ? "-Deva" : "";
 }
 
-/// False when the name ends the list.
+/// Adds a locale's language. False if the name ends the list.
 bool addLanguage(const std::string& locale, std::vector<std::string>& languages) {
     if (namesNoLanguage(locale.substr(0, locale.find_first_of(".@")))) {
         return false;

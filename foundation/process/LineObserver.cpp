@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Calls of the observer of lines, and the wait for the last call of a replaced one.
+// Calls the observer of lines, and waits for the last call of a replaced one.
 #include "foundation/process/LineObserver.h"
 
 #include <new>
@@ -15,8 +15,8 @@ constinit std::uint64_t lineObserverSetting = 0;
 
 namespace {
 
-/// The present observer and the next one. The bits of the setting above the lowest two count the changes, so
-/// that a reader who finds the same setting before and after has read one observer whole.
+/// The current observer and the next one. The bits of the setting above the lowest two count the changes, so
+/// that a reader who finds the same setting before and after has read one consistent observer.
 struct Observer {
     ZQLogLineObserver function;
     void* context;
@@ -26,17 +26,17 @@ constexpr std::uint64_t isSet = 1;
 constexpr std::uint64_t isSecond = 2;
 constexpr std::uint64_t oneChange = 4;
 
-/// Held while the next observer is written; nothing is waited for meanwhile.
+/// Held while the next observer is written; never while waiting.
 constinit Lock setting;
 
-/// A call in progress. A thread-local variable would say as much, but the loader may have to allocate it, in
-/// a signal handler too.
+/// A call in progress. A thread-local variable would do, but the loader may have to allocate it, in a signal
+/// handler too.
 struct Call {
     std::uint64_t holder;     ///< a word of `Holder`, or 0
-    std::uint32_t departures; ///< how many calls have ended here
+    std::uint32_t departures; ///< the number of calls that have ended here
 };
 
-/// Blocks are added when more threads than ever are in a call, and never removed.
+/// Blocks are added when more threads than before are in a call, and never removed.
 struct CallBlock {
     Call calls[15];
     CallBlock* next;
@@ -57,12 +57,12 @@ bool isInCall(std::uint64_t mine) noexcept {
     return false;
 }
 
-/// Null when all are taken.
+/// Takes a free call of the block. Null when all are taken.
 Call* takeCallIn(CallBlock& block, std::uint64_t mine) noexcept {
     for (Call& call : block.calls) {
         std::uint64_t seen = __atomic_load_n(&call.holder, __ATOMIC_RELAXED);
-        // Before the look at the setting in the one order of all: who changes the setting and then finds no
-        // call here knows that a later one finds the new observer.
+        // Sequentially consistent, before the setting is read: a thread that changes the setting and then
+        // finds no call here knows that any later call finds the new observer.
         if ((seen == 0 || !Holder::isHeldIn(seen, mine)) &&
             __atomic_compare_exchange_n(&call.holder, &seen, mine, false, __ATOMIC_SEQ_CST,
                                         __ATOMIC_RELAXED)) {
@@ -105,7 +105,7 @@ void leaveCall(Call& call) noexcept {
     __atomic_store_n(&call.holder, 0, __ATOMIC_RELEASE);
 }
 
-/// No function when nobody observes.
+/// Without a function when there is no observer.
 Observer presentObserver() noexcept {
     std::uint64_t present = __atomic_load_n(&lineObserverSetting, __ATOMIC_SEQ_CST);
     for (;;) {
@@ -123,7 +123,7 @@ Observer presentObserver() noexcept {
     }
 }
 
-/// A forked child finds the old observer or the new one: one store makes it the present one.
+/// A forked child finds the old observer or the new one: one store makes it the current one.
 void publish(const Observer& fresh) noexcept {
     const Guard guard(setting);
     const std::uint64_t before = __atomic_load_n(&lineObserverSetting, __ATOMIC_RELAXED);
@@ -135,7 +135,7 @@ void publish(const Observer& fresh) noexcept {
                      __ATOMIC_SEQ_CST);
 }
 
-/// Waits for the end of the call that is there now, not for that of the next one.
+/// Waits for the end of the call in progress now, not for that of the next one.
 void waitForCallIn(const Call& call, std::uint64_t mine) noexcept {
     const std::uint32_t departures = __atomic_load_n(&call.departures, __ATOMIC_ACQUIRE);
     const std::uint64_t holder = __atomic_load_n(&call.holder, __ATOMIC_SEQ_CST);
@@ -170,7 +170,7 @@ void observeLine(const ZQLogLine& line) noexcept {
 void setLineObserver(ZQLogLineObserver observer, void* context) noexcept {
     publish({observer, context});
     const std::uint64_t mine = Holder::wordOfThisThread();
-    if (isInCall(mine)) { // two observers that wait for each other would wait for ever
+    if (isInCall(mine)) { // two observers that wait for each other would wait forever
         return;
     }
     for (const CallBlock* block = &firstCalls; block != nullptr; block = nextOf(*block)) {

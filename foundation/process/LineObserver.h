@@ -9,21 +9,21 @@
 
 namespace ZQFoundation::detail {
 
-/// The lowest bit says whether there is an observer; `setLineObserver` changes the word.
+/// The lowest bit is set if there is an observer; `setLineObserver` changes the word.
 extern std::uint64_t lineObserverSetting;
 
-/// Whether finished lines are to be handed to `observeLine`.
+/// Whether finished lines are to be passed to `observeLine`.
 inline bool isLineObserved() noexcept {
     return (__atomic_load_n(&lineObserverSetting, __ATOMIC_RELAXED) & 1) != 0;
 }
 
-/// Calls the observer, on this thread, unless this thread is in a call of it already. Takes no lock; keeps
-/// `errno`, and holds a cancellation of the thread off meanwhile. Signal handlers too.
+/// Calls the observer, on this thread, unless this thread is already in a call of it. Takes no lock,
+/// preserves `errno`, and defers cancellation of the thread meanwhile. May be called from signal handlers.
 void observeLine(const ZQLogLine& line) noexcept;
 
-/// From now on the function is called with the context; null: nothing is. Returns when no other thread is in
-/// a call of an earlier observer any more, and at once when the observer itself calls it. Any thread, but no
-/// signal handler.
+/// Sets the function that is called from now on, with the context; null for none. Returns when no other
+/// thread is still in a call of an earlier observer, and at once when the observer itself calls it. Any
+/// thread, but not from signal handlers.
 void setLineObserver(ZQLogLineObserver observer, void* context) noexcept;
 
 } // namespace ZQFoundation::detail

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The date, the process and the thread of a line, kept for the next lines.
+// Writes the date, the process and the thread of a line, and keeps them for the next lines.
 #include "foundation/process/LinePrefix.h"
 
 #include <cstring>
@@ -12,7 +12,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Digits of 64 bits.
+/// Hexadecimal digits of 64 bits.
 constexpr std::size_t hexCapacity = 16;
 
 /// The characters between date, name and numbers.
@@ -35,7 +35,7 @@ char* writeNumberBefore(std::int64_t number, char* end) noexcept {
     return copyBefore(end, digits, static_cast<std::size_t>(writeInt64(number, digits) - digits));
 }
 
-/// "MyApp[1234:5d7f] " with a blank in front.
+/// Writes "MyApp[1234:5d7f] " after a space.
 char* writeProcessBefore(char* end, const ProcessIdentity& process) noexcept {
     end = copyBefore(end, "] ", 2);
     end = writeHexBefore(system::threadIdentifier(), end);
@@ -73,7 +73,7 @@ char* LinePrefix::writeBefore(char* end) const noexcept {
     return writeDateBefore(writeProcessBefore(end, process), time);
 }
 
-/// Whether the milliseconds are all that a line of this prefix would have to change.
+/// Whether a line could use this prefix with only the milliseconds changed.
 bool KeptLinePrefixes::Kept::serves(const Kept& wanted) const noexcept {
     return __atomic_load_n(&thread, __ATOMIC_ACQUIRE) == wanted.thread && second == wanted.second &&
            generation == wanted.generation && zone == wanted.zone && process == wanted.process;
@@ -97,8 +97,8 @@ char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Pre
     char* const start = writeDateBefore(behindDate, prefix.time);
     const auto length = static_cast<std::size_t>(end - start);
     if (length <= textCapacity) {
-        // Before all that follows, for a child that is forked in between; a fence is unknown to the thread
-        // sanitizer.
+        // Ordered before everything that follows, for a child that is forked in between; the thread sanitizer
+        // does not support fences.
         __atomic_exchange_n(&place.kept.thread, 0, __ATOMIC_ACQ_REL);
         std::memcpy(place.text + textCapacity - length, start, length);
         place.length = length;

@@ -12,33 +12,33 @@
 
 namespace ZQFoundation::detail {
 
-/// "2024-03-05 14:07:09.042 MyApp[1234:5d7f] ": what stands in front of each line.
+/// "2024-03-05 14:07:09.042 MyApp[1234:5d7f] ": the start of each line.
 struct LinePrefix {
     const ProcessIdentity& process;
     Instant time; ///< rounded to milliseconds
 
-    /// Room that the writing functions may use in front of `end`.
+    /// The number of bytes that the writing functions may use before `end`.
     static std::size_t roomFor(const ProcessIdentity& process) noexcept;
 
     /// Writes the prefix of a line of this thread so that it ends at `end`. Returns where it begins.
     char* writeBefore(char* end) const noexcept;
 };
 
-/// Prefixes as the last lines had them: of the same thread, the same second and the same zone only the
-/// milliseconds differ. Its owner sees to it that nobody enters it twice; a forked child may find a prefix
-/// half-made, which then is made again.
+/// The prefixes of the last lines: for the same thread, second and time zone only the milliseconds differ.
+/// Its owner ensures that it is not entered twice at once; a forked child may find an incomplete prefix,
+/// which is then made again.
 class KeptLinePrefixes {
 public:
     /// The same as `prefix.writeBefore(end)`.
     char* writeBefore(char* end, const LinePrefix& prefix) noexcept;
 
-    /// Written in front of `end` whatever the length of the prefix.
+    /// The number of bytes written before `end`, whatever the length of the prefix.
     static constexpr std::size_t textCapacity = 96;
 
 private:
-    /// What a prefix was made of, but for the milliseconds.
+    /// What a prefix was made from, except for the milliseconds.
     struct Kept {
-        std::uint64_t thread; ///< 0 while the prefix is not whole
+        std::uint64_t thread; ///< 0 while the prefix is incomplete
         std::int64_t second;
         const Zone* zone;
         const ProcessIdentity* process;
@@ -50,7 +50,7 @@ private:
     struct Prefix {
         Kept kept;
         std::size_t length;
-        std::size_t behindDate;  ///< how much of it that is
+        std::size_t behindDate;  ///< the length of the part after the date
         char text[textCapacity]; ///< at its end
     };
 

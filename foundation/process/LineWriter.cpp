@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The way of a line into descriptor 2, whatever that is.
+// Writes a line to descriptor 2, whatever that is.
 #include "foundation/process/LineWriter.h"
 
 #include <cerrno>
@@ -19,11 +19,10 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Lines of different threads must not tear on pipes, terminals and sockets, where long writes go out in
-/// pieces.
+/// Lines of different threads must not tear on pipes, terminals and sockets, where long writes are split.
 constinit Lock writerLock;
 
-/// Where a line broke off half-way, so that the next one there starts on a line of its own.
+/// Where a line was left incomplete, so that the next one there starts on a line of its own.
 struct TornLine {
     bool isTorn;
     dev_t device;
@@ -35,14 +34,14 @@ constinit TornLine tornLine{};
 /// Guarded by the lock of the writer.
 constinit KeptLinePrefixes keptPrefixes;
 
-/// False when the descriptor is beyond waiting for.
+/// False if waiting for the descriptor is useless.
 bool waitUntilWritable() noexcept {
     pollfd descriptor{STDERR_FILENO, POLLOUT, 0};
     const int ready = poll(&descriptor, 1, -1);
     return ready >= 0 ? (descriptor.revents & POLLNVAL) == 0 : errno == EINTR;
 }
 
-/// Writes all bytes, over interruptions, short writes and full pipes. Returns how many went out.
+/// Writes all bytes, despite interruptions, short writes and full pipes. Returns the number written.
 std::size_t writeAll(const char* bytes, std::size_t count, std::int64_t second) noexcept {
     std::size_t written = 0;
     while (written < count) {
@@ -65,8 +64,8 @@ void rememberTear() noexcept {
     }
 }
 
-/// Whether descriptor 2 leads where a line broke off, and that is still there. If not, the line is nobody's
-/// business any more.
+/// Whether descriptor 2 refers to the place where a line was left incomplete, and that still exists. If not,
+/// the line no longer matters.
 bool leadsToTornLine() noexcept {
     struct stat status {};
     tornLine.isTorn = fstat(STDERR_FILENO, &status) == 0 && status.st_dev == tornLine.device &&
@@ -74,8 +73,8 @@ bool leadsToTornLine() noexcept {
     return tornLine.isTorn;
 }
 
-/// In front of the bytes is room for one more: the line feed that completes a half line goes out with the
-/// line that follows it, or not at all.
+/// Before the bytes there is room for one more: the line feed that completes an incomplete line is written
+/// together with the next line, or not at all.
 void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
     const CallerState callerState;
     const bool completes = tornLine.isTorn && leadsToTornLine();
@@ -93,7 +92,7 @@ void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
     }
 }
 
-/// After a first write that was not the whole line: the rest, or all of it once more.
+/// After a first write that did not write the whole line: writes the rest, or all of it again.
 [[gnu::noinline]] void continueLine(char* bytes, std::size_t count, std::ptrdiff_t written,
                                     std::int64_t second) noexcept {
     if (written <= 0) {
@@ -109,18 +108,18 @@ void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
 } // namespace
 
 LogLine::LogLine() : process_(processIdentity()) {
-    // One more for the line feed that completes a half line.
+    // One more for the line feed that completes an incomplete line.
     messageStart_ = 1 + LinePrefix::roomFor(process_);
     text_.reserveAscii(messageStart_);
     text_.commitAscii(messageStart_);
 }
 
-/// Returns where the line begins, which ends at `end`.
+/// Returns the start of the line, which ends at `end`.
 char* LogLine::writeBytes(char* message, const char* end) noexcept {
     const LinePrefix prefix{process_, roundedToMilliseconds(currentInstant())};
     const std::int64_t second = prefix.time.seconds;
     const Guard guard(writerLock);
-    if (writerLock.isHeldAgain()) { // a signal handler that interrupted this very write
+    if (writerLock.isHeldAgain()) { // in a signal handler that interrupted this write
         const CallerState callerState;
         char* const start = prefix.writeBefore(message);
         writeAll(start, static_cast<std::size_t>(end - start), second);

@@ -8,9 +8,9 @@
 
 namespace ZQFoundation::detail {
 
-/// A line on its way to descriptor 2, composed in the memory that is written: first what stands in front,
-/// "2024-03-05 14:07:09.042 MyApp[1234:5d7f] ", then what is appended to `text`. Up to about 2 KiB nothing is
-/// allocated; longer ones take memory that a signal handler may take.
+/// A line on its way to descriptor 2, composed in the buffer that is written: first the prefix, "2024-03-05
+/// 14:07:09.042 MyApp[1234:5d7f] ", then what is appended to `text`. Lines of up to about 2 KiB allocate
+/// nothing; longer ones use memory that a signal handler may allocate.
 class LogLine {
 public:
     LogLine();
@@ -19,10 +19,9 @@ public:
 
     TextBuilder& text() noexcept { return text_; }
 
-    /// Writes the line, once, by one call of the system. It is with the kernel then; whatever goes wrong, it
-    /// is silent and keeps `errno`, and no signal is raised. A text that ends with a line feed gets no second
-    /// one. Then hands it to the observer of lines, outside every lock. Any thread, any time, signal handlers
-    /// too.
+    /// Writes the line, once, by one system call; the kernel has it on return. Failures are silent, keep
+    /// `errno` and raise no signal. A text that ends with a line feed gets no second one. Then passes the
+    /// line to the observer of lines, outside any lock. Any thread, at any time, also in signal handlers.
     void write();
 
 private:

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Opens, locks and replaces files that several processes share.
 #include "foundation/process/LockedFile.h"
 
 #include <cerrno>
@@ -24,14 +25,14 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// In front of a number; only a writer that was killed leaves such a file.
+/// Followed by a number; only a writer that was killed leaves such a file.
 constexpr const char* temporaryStart = ".defaults.new-";
 
-/// Stays where it is once made: whoever removed it might remove the one that another writer has just locked.
+/// Never removed once made: removing it might remove the one that another writer has just locked.
 constexpr const char* lockName = ".defaults.lock";
 
-/// Puts off all signals of this thread that can be, so that none ends a program between the making of a
-/// temporary file and its renaming or removal.
+/// Blocks all signals of this thread that can be blocked, so that none ends a program between the creation of
+/// a temporary file and its renaming or removal.
 class SignalsPutOff {
 public:
     SignalsPutOff() noexcept {
@@ -87,7 +88,7 @@ bool makeFolder(const std::string& path, NSString* error) {
 
 } // namespace
 
-/// A child that was forked meanwhile has the open folder too, and would keep the lock.
+/// A child that was forked meanwhile also has the open folder, and would keep the lock.
 LockedFile::~LockedFile() {
     if (isFolderLocked_) {
         ::flock(folder_.number(), LOCK_UN);
@@ -106,7 +107,7 @@ bool LockedFile::open(const std::string& path, Folder folder, const LockWaiting&
 bool LockedFile::openFolder(Folder folder, NSString* error) {
     bool isReached = reachGuarded(path_, place_);
     if (!isReached && errno == ENOENT && folder == Folder::make) {
-        if (!makeFolder(folderOf(path_), error)) { // this one; where a link leads nothing is made
+        if (!makeFolder(folderOf(path_), error)) { // this one; nothing is made at the target of a link
             return false;
         }
         isReached = reachGuarded(path_, place_);
@@ -117,7 +118,7 @@ bool LockedFile::openFolder(Folder folder, NSString* error) {
     return folder_ ? true : refuseWith(error, path_, errno);
 }
 
-/// The folder is what stays when files are replaced, so it bears the lock. Network file systems lock only
+/// The folder persists when files are replaced, so the lock is on the folder. Network file systems lock only
 /// what is open for writing, which no folder can be.
 bool LockedFile::lockFolder(const LockWaiting& waiting, NSString* error) {
     Waiting turn(waiting, path_);
@@ -151,7 +152,7 @@ bool LockedFile::lockFileInFolder(const LockWaiting& waiting, NSString* error) {
     return true;
 }
 
-/// Under the lock, so that what is seen is what will be replaced.
+/// Called under the lock, so that the file examined is the one that will be replaced.
 bool LockedFile::look(NSString* error) {
     struct stat folder;
     exists_ = ::fstatat(folder_.number(), place_.name.c_str(), &before_, AT_SYMLINK_NOFOLLOW) == 0;
@@ -183,14 +184,14 @@ bool LockedFile::read(NSDictionary& values, NSString* error) const {
     return readDictionaryAt(place_, path_, values, error);
 }
 
-/// Those of the file that is to be replaced, as far as they may be given. Members of another group than
-/// before must not come by what the old group was permitted. False with `errno`.
+/// Applies those of the file that is to be replaced, as far as permitted. Members of another group than
+/// before must not gain the old group's permissions. False with `errno`.
 bool LockedFile::keepOwnerAndPermissions(int file) const noexcept {
     if (!exists_) {
         return true;
     }
     mode_t mode = before_.st_mode & 0777;
-    // The owner first, for a change of it takes permissions away.
+    // The owner first, since changing it clears permission bits.
     if (::fchown(file, before_.st_uid, before_.st_gid) != 0 &&
         ::fchown(file, static_cast<uid_t>(-1), before_.st_gid) != 0) {
         mode &= ~static_cast<mode_t>(S_IRWXG);
@@ -224,7 +225,7 @@ bool LockedFile::replace(const NSDictionary& dictionary, NSString* error) const 
         ::unlinkat(folder_.number(), temporary.c_str(), 0);
         return refuseWith(error, path_, number);
     }
-    ::fsync(folder_.number()); // the file is in its place whatever this says
+    ::fsync(folder_.number()); // the file is in place whatever this returns
     return true;
 }
 

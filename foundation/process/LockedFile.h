@@ -12,35 +12,35 @@
 
 namespace ZQFoundation::detail {
 
-/// What a writer does while another one has the lock. A writer is done in milliseconds, so whoever keeps the
-/// lock for long does not mean to give it back.
+/// What a writer does while another one has the lock. A writer needs milliseconds, so a process that keeps
+/// the lock for long will not release it.
 struct LockWaiting {
-    int milliseconds;                                  ///< then it gives up
+    int milliseconds;                                  ///< after this time it gives up
     void (*notice)(const std::string& path) = nullptr; ///< called once, after three seconds
 };
 
 /// A file of defaults that is to be changed, its folder locked against other writers from `open` on for as
-/// long as this lives. A link at the path is followed, by the rule of `reachGuarded`.
+/// long as this lives. A link at the path is followed, by the rules of `reachGuarded`.
 ///
-/// The operations answer false with a reason that names the file; `error` may be null. Threads of one process
-/// must not have the same folder open at once, as some locks belong to the process.
+/// On failure, the operations return false with a reason that names the file; `error` may be null. Threads of
+/// one process must not have the same folder open at once, as some locks belong to the process.
 class LockedFile {
 public:
-    enum class Folder { make, demand }; ///< what to do about a folder that is missing
+    enum class Folder { make, demand }; ///< what to do if the folder is missing
 
     LockedFile() noexcept = default;
     LockedFile(const LockedFile&) = delete;
     LockedFile& operator=(const LockedFile&) = delete;
     ~LockedFile();
 
-    /// Once, before all else.
+    /// Called once, before all other operations.
     bool open(const std::string& path, Folder folder, const LockWaiting& waiting, NSString* error);
 
-    /// Nil when there is no file.
+    /// `values` is nil when there is no file.
     bool read(NSDictionary& values, NSString* error) const;
 
-    /// Puts a new file in its place in one step, with the owner and the permissions of the old one, and for
-    /// the owner alone when there was none. The old one stays when this fails.
+    /// Replaces the file in one step by a new one with the owner and permissions of the old one, or, if there
+    /// was none, accessible to the owner only. The old one stays if this fails.
     bool replace(const NSDictionary& dictionary, NSString* error) const;
 
     bool remove(NSString* error) const;
@@ -54,10 +54,10 @@ private:
     bool keepOwnerAndPermissions(int file) const noexcept;
     bool writeTemporary(const std::string& temporary, const std::string& bytes) const noexcept;
 
-    std::string path_; ///< as the user knows it
+    std::string path_; ///< as given by the user
     GuardedPlace place_;
     Descriptor folder_;
-    Descriptor lockFile_; ///< where the folder cannot be locked
+    Descriptor lockFile_; ///< used if the folder cannot be locked
     bool isFolderLocked_ = false;
     bool exists_ = false;
     struct stat before_ {}; ///< of the file that exists

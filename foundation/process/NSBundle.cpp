@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bundles: Info dictionaries, localizations, string tables, read once.
+// Finds bundles and reads their Info dictionaries, localizations and string tables, once.
 #include "foundation/process/NSBundle.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ namespace {
 
 enum class BundleRole { program, library, other };
 
-/// A string table that was looked for, also when there was none.
+/// A string table that was looked for, even if there was none.
 struct StringTable {
     std::string name;
     NSDictionary texts;
@@ -33,7 +33,7 @@ struct StringTable {
 
 } // namespace
 
-/// What is known of one bundle. Everything behind an atomic pointer is found out once and then stays.
+/// What is known of one bundle. Everything that an atomic pointer refers to is determined once and then kept.
 struct BundleRecord {
     BundleLayout layout;
     BundleRole role;
@@ -102,7 +102,7 @@ NSDictionary readDictionary(const std::string& path, FileParser parse, bool& kee
     NSDictionary values;
     FileStamp stamp;
     const FileResult result = readStampedFile(path, parse, values, stamp);
-    // A process that is short of descriptors or memory now may read the file later.
+    // A process that currently lacks descriptors or memory may read the file later.
     keep = result != FileResult::exhausted;
     return values ? values : NSDictionary::dictionary();
 }
@@ -145,8 +145,8 @@ NSString regionOf(BundleRecord& record) {
     return infoOf(record).objectForKey("CFBundleDevelopmentRegion").as<NSString>();
 }
 
-// `isKnown` becomes false below when something could not be read at the moment; what follows from that must
-// not be kept.
+// `isKnown` becomes false below when something could currently not be read; results based on that must not be
+// kept.
 
 /// The texts that are inside the program, for a library that may have no files of its own.
 std::span<const CarriedTable> tablesInside(const BundleRecord& record) noexcept {
@@ -198,7 +198,7 @@ std::vector<std::string> choosePreferred(BundleRecord& record, bool& isKnown) {
             return {found};
         }
     }
-    // "Base" is what all languages share, and none itself.
+    // "Base" is shared by all languages, and is not a language itself.
     const auto first = std::find_if(available.begin(), available.end(),
                                     [](const std::string& name) { return name != "Base"; });
     return {first == available.end() ? std::string("en") : *first};
@@ -265,8 +265,8 @@ NSDictionary textsInside(BundleRecord& record, const std::string& name, bool& is
     return NSDictionary::dictionary();
 }
 
-/// The texts of a table as they are now: those of the file, and those inside that the file lacks. `isLasting`
-/// becomes false when they may be others later.
+/// The current texts of a table: those of the file, and those inside that the file lacks. `isLasting` becomes
+/// false if they may change later.
 NSDictionary readTable(BundleRecord& record, const std::string& name, bool& isLasting) {
     bool isKnown = true;
     const std::string path = pathOfTable(record, name, isKnown);
@@ -323,7 +323,7 @@ std::string programOf(BundleRecord& record) {
     return fileExists(path) && !isFolder(path) ? path : std::string();
 }
 
-/// Without doubled and final slashes, from the root on; empty when there is no current folder.
+/// The path from the root on, without doubled or trailing slashes; empty when there is no current folder.
 std::string absolutePath(const std::string& path) {
     std::string result;
     if (path.front() != '/') {
@@ -347,7 +347,7 @@ std::string absolutePath(const std::string& path) {
 
 std::string fileOfLibrary() {
     const std::string path = system::libraryPath();
-    // Linked into a program that was started by its bare name, the library knows no path of its own.
+    // When linked into a program that was started by its bare name, the library has no path of its own.
     return path.find('/') == std::string::npos ? system::executablePath() : absolutePath(path);
 }
 

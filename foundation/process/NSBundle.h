@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSBundle, a folder with an application's or library's resources.
 #ifndef ZQFOUNDATION_PROCESS_NSBUNDLE_H
 #define ZQFOUNDATION_PROCESS_NSBUNDLE_H
 
@@ -10,16 +11,16 @@ struct BundleRecord;
 
 namespace ZQFoundation {
 
-/// A folder that holds a program or library together with its Info dictionary and its resources.
+/// A folder that contains a program or library with its Info dictionary and its resources.
 ///
 ///     NSString version(NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleShortVersionString"));
 ///
-/// A nullable handle; the same folder always gives an equal one. What a bundle has read (Info dictionary,
-/// string tables, the choice of localizations) it keeps until the process ends; files changed later are not
-/// seen. A file that cannot be read, is larger than 16 MiB, empty, cut off or of the wrong type counts as
+/// A nullable handle; handles of the same folder are equal. What a bundle has read (Info dictionary, string
+/// tables, the choice of localizations) is kept until the process ends; later changes of the files have no
+/// effect. A file that cannot be read, is larger than 16 MiB, empty, cut off or of the wrong type counts as
 /// empty.
 ///
-/// All operations may be called from any thread at any time, leave `errno` alone, and answer nil or an empty
+/// All operations may be called from any thread at any time, preserve `errno`, and return nil or an empty
 /// collection for a nil bundle.
 class ZQFOUNDATION_EXPORT NSBundle {
 public:
@@ -27,19 +28,19 @@ public:
     constexpr NSBundle(std::nullptr_t) noexcept {}
 
     /// The bundle of the running program, found from the program's own file: the `X.app` around
-    /// `X.app/Contents/MacOS/<program>`; else the program's folder when it holds `Resources/Info.plist` or
+    /// `X.app/Contents/MacOS/<program>`; else the program's folder when it contains `Resources/Info.plist` or
     /// `Info.plist`; else, for a program in a `bin` folder, `../share/<process name>`; else the program's
-    /// folder, with an empty Info dictionary. Never nil; if the program's file is unknown, a
-    /// bundle without any files, whose paths are empty.
+    /// folder, with an empty Info dictionary. Never nil; if the program's file is unknown, a bundle without
+    /// any files, whose paths are empty.
     static NSBundle mainBundle();
 
-    /// The library's own bundle: `Resources` beside the library's file, else `../share/ZQFoundation-27`.
+    /// The library's own bundle: `Resources` next to the library's file, else `../share/ZQFoundation-27`.
     /// Never nil; its folder need not exist. Its texts come from that folder, or from the program itself when
     /// the static library is part of it.
     static NSBundle libraryBundle();
 
     /// The bundle in an existing folder: `Contents/`, `Resources/Info.plist` or a flat one. Nil when there is
-    /// no such folder. A relative path is taken from the current folder.
+    /// no such folder. A relative path is relative to the current folder.
     static NSBundle bundleWithPath(StringView path);
 
     /// True unless the bundle is nil.
@@ -63,8 +64,8 @@ public:
     /// The folder of the resources; it need not exist.
     NSString resourcePath() const;
 
-    /// The program's file for the main bundle; for others the file that `CFBundleExecutable`, else the
-    /// bundle's own name, names; nil when there is none.
+    /// The program's file for the main bundle; for others the file named by `CFBundleExecutable`, else by the
+    /// bundle's own name; nil if there is none.
     NSString executablePath() const;
 
     /// Names of localizations: `CFBundleLocalizations` of the Info dictionary, then the `*.lproj` folders of
@@ -72,19 +73,19 @@ public:
     /// development region.
     NSArray localizations() const;
 
-    /// Those of the localizations that suit the user best, the most exact first. The user's languages are the
-    /// default `AppleLanguages`; a bundle other than the main one prefers the main bundle's. When none fits:
-    /// the development region, "en" or the first localization other than `Base`, whichever there is; "en"
-    /// without any localization. Decided at the first call.
+    /// The localizations that match the user's languages best, the most specific first. The user's languages
+    /// are the default `AppleLanguages`; a bundle other than the main one prefers the main bundle's. If none
+    /// matches: the development region, "en" or the first localization other than `Base`, whichever there is;
+    /// "en" without any localization. Decided at the first call.
     NSArray preferredLocalizations() const;
 
     /// The Info dictionary's `CFBundleDevelopmentRegion`; nil without one.
     NSString developmentLocalization() const;
 
-    /// The text under the key in `<table>.strings`; nil or empty table: `Localizable`. The first place that
-    /// has the file is searched and no other: the resources themselves, the preferred localizations in order,
-    /// `Base`, the development region. When the key is missing: `value` when it is neither nil nor empty,
-    /// else the key. A nil key gives `value`, or the empty string.
+    /// The text under the key in `<table>.strings`; nil or empty table: `Localizable`. Only the first place
+    /// that has the file is searched: the resources themselves, the preferred localizations in order, `Base`,
+    /// the development region. When the key is missing: `value` when it is neither nil nor empty, else the
+    /// key. For a nil key, `value` or the empty string.
     ///
     /// Plural tables (`<table>.stringsdict`) are not read yet: a key that has plural forms only there counts
     /// as missing.

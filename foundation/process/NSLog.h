@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSLog, which writes a line to standard error.
 #ifndef ZQFOUNDATION_PROCESS_NSLOG_H
 #define ZQFOUNDATION_PROCESS_NSLOG_H
 

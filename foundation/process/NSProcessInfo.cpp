@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The process's name, number, arguments and environment.
+// Provides the process's name, number, arguments and environment.
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>
@@ -23,8 +23,8 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Where a name comes from decides how long it counts: one that stands in for arguments that could not be
-/// read counts until they can.
+/// The source of a name decides how long it is valid: one that replaces arguments that could not be read is
+/// valid until they can be.
 enum class NameSource { arguments, replacedArguments, programFile, host };
 
 struct IdentityRecord {
@@ -71,7 +71,7 @@ const IdentityRecord* makeRecord(const NSString& name, NameSource source) {
     return record;
 }
 
-/// A host that switches between a few names is served with the records of the first time.
+/// A host that switches between a few names reuses the records of the first time.
 const IdentityRecord* recordFor(const NSString& name, NameSource source) {
     for (const IdentityRecord* record = allIdentities.load(std::memory_order_acquire); record != nullptr;
          record = record->previous) {
@@ -89,7 +89,7 @@ const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
         const bool namedByHost = seen != nullptr && seen->source == NameSource::host;
         const NSString name = namedByHost ? seen->name : nameFromArguments(source);
         const IdentityRecord* fresh = recordFor(name, source);
-        // Fails when another thread has just set a name, which then counts.
+        // Fails when another thread has just set a name, which is then used.
         if (currentIdentity.compare_exchange_strong(seen, fresh, std::memory_order_acq_rel,
                                                     std::memory_order_acquire)) {
             return *fresh;
@@ -208,7 +208,7 @@ NSDictionary NSProcessInfo::environment() const {
         }
         const NSString name =
             NSString::stringWithFileSystemBytes(*entry, static_cast<std::size_t>(equals - *entry));
-        // Of a name that stands twice the first one counts, as for `getenv`.
+        // Of a name that occurs twice the first one counts, as for `getenv`.
         if (!result.objectForKey(name)) {
             result.setObject_forKey(NSString::stringWithFileSystemBytes(equals + 1, std::strlen(equals + 1)),
                                     name);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSProcessInfo, facts about the process and its system.
 #ifndef ZQFOUNDATION_PROCESS_NSPROCESSINFO_H
 #define ZQFOUNDATION_PROCESS_NSPROCESSINFO_H
 
@@ -6,15 +7,15 @@
 
 namespace ZQFoundation {
 
-/// What the running process knows about itself.
+/// Information about the running process.
 ///
 ///     NSString name = NSProcessInfo::processInfo().processName(); // "Viewer"
 ///
 /// All operations may be called from any thread at any time: before `main`, in static destructors, in a
-/// forked child. They leave `errno` alone.
+/// forked child. They preserve `errno`.
 class ZQFOUNDATION_EXPORT NSProcessInfo {
 public:
-    /// The one object, never destroyed.
+    /// The shared object, never destroyed.
     static NSProcessInfo& processInfo() noexcept;
 
     NSProcessInfo(const NSProcessInfo&) = delete;
@@ -32,32 +33,31 @@ public:
     /// The process's number; a forked child sees its own.
     int processIdentifier() const;
 
-    /// The arguments the process was started with, the program's own name first, as an array of strings. Of a
-    /// command line of more than 4 KiB, what the host has written over the rest by the first call shows here.
+    /// The arguments the process was started with, the program's own name first, as an array of strings. If a
+    /// command line is longer than 4 KiB, whatever the host has overwritten of the rest before the first call
+    /// shows here.
     NSArray arguments() const;
 
-    /// The arguments without the pairs that are user defaults (`-TraceNetwork YES`), for a host's own reading
-    /// of them. Left in are "--" and all that follows; what every parser takes for an option with what
-    /// follows it, words of two hyphens or of one character (`--output x`, `-o x`); and the host's other
-    /// options, which `options` names ("-style").
+    /// The arguments without the pairs that are user defaults (`-TraceNetwork YES`), for a host that parses
+    /// them itself. Kept are "--" and everything after it; words that every parser treats as options, with
+    /// what follows them: those with two hyphens or one character (`--output x`, `-o x`); and the host's
+    /// other options, which `options` names ("-style").
     NSArray argumentsWithoutDefaults(const NSArray& options = nullptr) const;
 
-    /// Takes the same pairs out of the `argc` and `argv` of `main`, for an option parser that would refuse
-    /// them: what is left moves up, and a null pointer follows it. The defaults stay as they are, and so does
-    /// `arguments`. Before other threads read the array.
+    /// Removes the same pairs from the `argc` and `argv` of `main`, for an option parser that would reject
+    /// them: the rest moves up, followed by a null pointer. The defaults and `arguments` are unchanged. Must
+    /// be called before other threads read the array.
     static void removeDefaultsFromArguments(int& count, char** arguments, const NSArray& options = nullptr);
 
-    /// The environment as it is at this moment: a dictionary of strings. Like any look at the environment it
-    /// must not run while another thread changes it.
+    /// The current environment: a dictionary of strings. Like any access to the environment, it must not run
+    /// while another thread changes it.
     NSDictionary environment() const;
 
-    /// @name NSProcessInfo(ZQFoundation)
-    /// Computed afresh at each call; no folder is made, looked for or touched, unless the main bundle has the
-    /// value "XDG" under `ZQFolderLayout`.
+    /// @name NSProcessInfo(ZQFoundation) Computed at each call; no folder is made, looked for or touched,
+    /// unless the main bundle has the value "XDG" under `ZQFolderLayout`.
     /// @{
 
-    /// The main bundle's `ZQCompanyName` as it is; the text of a value that is no string; nil without
-    /// one.
+    /// The main bundle's `ZQCompanyName`; the text of a value that is not a string; nil without one.
     static NSString shortCompanyName();
 
     /// The main bundle's `NSHumanReadableShortName`, else the process's name, else "MyApplication".
@@ -67,17 +67,17 @@ public:
     static NSString appSpecificLibrarySubpath();
 
     /// "/home/user/Library/Application Support/Example/Viewer", links in the home folder's path resolved;
-    /// below "/" for a user without a home. Names with slashes or ".." are taken as they are.
+    /// below "/" for a user without a home. Names with slashes or ".." are used unchanged.
     ///
     /// With `ZQFolderLayout` = "XDG": "/home/user/.local/share/Example/Viewer" (below `$XDG_DATA_HOME`),
-    /// which is made when it is missing, for the user alone.
+    /// which is created if missing, accessible to the user only.
     static NSString pathOfLibraryApplicationSupportSubfolder();
 
     /// "/home/user/Library/Logs/Example/Viewer", links in the home folder's path resolved; below "/" for a
-    /// user without a home. Names with slashes or ".." are taken as they are.
+    /// user without a home. Names with slashes or ".." are used unchanged.
     ///
     /// With `ZQFolderLayout` = "XDG": "/home/user/.local/state/Example/Viewer" (below `$XDG_STATE_HOME`),
-    /// which is made when it is missing, for the user alone.
+    /// which is created if missing, accessible to the user only.
     static NSString pathOfLibraryLogSubfolder();
 
     /// @}

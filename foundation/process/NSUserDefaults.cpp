@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Settings gathered from their domains.
+// Looks up settings in their domains.
 #include "foundation/process/NSUserDefaults.h"
 
 #include "foundation/files/FileError.h"
@@ -29,7 +29,7 @@ constinit detail::DomainFile applicationFile;
 constinit detail::DomainFile globalFile;
 constinit std::atomic<const NSDictionary*> commandLine{nullptr};
 
-/// The variable ZQ_DEFAULTS as it was read last.
+/// The last value read of the variable ZQ_DEFAULTS.
 struct EnvironmentDefaults {
     std::string text;
     NSDictionary values;
@@ -38,7 +38,7 @@ constinit detail::Published<EnvironmentDefaults> environmentDefaults;
 
 constinit detail::DefaultsChanges applicationChanges;
 constinit detail::Published<NSDictionary> registeredValues;
-constinit detail::Lock registering; // lets one registration follow the other
+constinit detail::Lock registering; // serializes registrations
 constinit detail::Lock saving;
 
 NSDictionary registered() {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSUserDefaults, the settings of a user.
 #ifndef ZQFOUNDATION_PROCESS_NSUSERDEFAULTS_H
 #define ZQFOUNDATION_PROCESS_NSUSERDEFAULTS_H
 
@@ -7,8 +8,8 @@
 
 namespace ZQFoundation {
 
-/// The settings of the user and the host, gathered from several domains. The first domain that has a key
-/// answers:
+/// The settings of the user and the host, combined from several domains. The value comes from the first
+/// domain that has the key:
 ///
 /// 1. the command line: `-TraceLevel 3`, `-Names "(a, b)"`, and below it the same in the environment:
 ///    `ZQ_DEFAULTS="-TraceLevel 3"`;
@@ -18,20 +19,20 @@ namespace ZQFoundation {
 /// 4. the language settings: `AppleLanguages` from LANGUAGE, LC_ALL, LC_MESSAGES or LANG;
 /// 5. the values that the host has registered.
 ///
-/// The files are in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property
-/// lists in any form. A changed file is seen by the next look; a file that is absent, unreadable, too large
+/// The files are in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property lists
+/// in any form. A changed file takes effect at the next look-up; a file that is absent, unreadable, too large
 /// (over 16 MiB), cut off or of the wrong type is ignored.
 ///
-/// **Only `synchronize` writes.** What a process sets counts at once, for that process; nothing saves it when
-/// the process ends, and no thread does in between. A host that wants its settings to stay calls
+/// **Only `synchronize` writes.** What a process sets takes effect at once, for that process; nothing is
+/// saved when the process ends or by a thread in between. A host that wants to keep its settings calls
 /// `synchronize` after a change, and before it ends.
 ///
 /// All operations may be called from any thread at any time: before `main`, in static destructors, and in a
-/// forked child whatever other threads were doing. They leave `errno` alone and follow the environment as it
-/// is at the call, except in a set-user-ID process, where nothing of it counts.
+/// forked child whatever other threads were doing. They preserve `errno` and read the environment at each
+/// call, except in a set-user-ID process, where it is ignored.
 class ZQFOUNDATION_EXPORT NSUserDefaults {
 public:
-    /// The one object, never destroyed.
+    /// The shared object, never destroyed.
     static NSUserDefaults& standardUserDefaults() noexcept;
 
     NSUserDefaults(const NSUserDefaults&) = delete;
@@ -41,8 +42,8 @@ public:
     /// unknown or nil key.
     NSObject objectForKey(StringView key) const;
 
-    /// All domains merged, key by key: of each key the value that `objectForKey` gives. The order is the same
-    /// in every run: domains in the order above, in each its keys in the order of its file.
+    /// All domains merged, key by key: for each key the value that `objectForKey` returns. The order is the
+    /// same in every run: domains in the order above, in each its keys in the order of its file.
     NSDictionary dictionaryRepresentation() const;
 
     /// A string, or a number's text; nil for any other value.
@@ -74,26 +75,26 @@ public:
     /// property list can hold; nil removes the key.
     void setObject_forKey(const NSObject& value, const NSString& key);
 
-    /// The application's domain no longer has the key, for this process, whatever its file says, until
-    /// `synchronize` removes it there. Other domains may still answer.
+    /// Removes the key from the application's domain, for this process, whatever its file contains, until
+    /// `synchronize` removes it there. Other domains may still have a value.
     void removeObjectForKey(StringView key);
 
     /// Saves what this process has set and removed in the application's domain since the last success: only
-    /// those keys change in the file, which is replaced in one step, and made with its folder when it is
-    /// missing. From then on the file answers for them. Other processes that do the same, and the tool
+    /// those keys change in the file, which is replaced in one step, and created with its folder if missing.
+    /// From then on their values come from the file. Other processes that do the same, and the tool
     /// `defaults`, wait for one another by a lock on the folder, and none loses what another has written.
     ///
-    /// False when it cannot be saved, with the reason in `*error`: the file is as it was, the changes are
-    /// still in memory, and a later call tries again. So it is when another program keeps the lock for half a
-    /// second, when a text holds a character that XML cannot hold (U+001B), when the file that is there
-    /// cannot be read as a dictionary, would be larger than 16 MiB, or the disk is full.
+    /// False when it cannot be saved, with the reason in `*error`: the file is unchanged, the changes are
+    /// still in memory, and a later call tries again. This happens if another program keeps the lock for half
+    /// a second, a text has a character that XML cannot contain (U+001B), the existing file cannot be read as
+    /// a dictionary, the new one would be larger than 16 MiB, or the disk is full.
     ///
-    /// Returns when the file is on the disk, so not for a moment at which nothing may wait. A forked child
-    /// saves only what it has changed itself; the rest is its parent's to save.
+    /// Returns when the file is on disk, so do not call it where nothing may block. A forked child saves only
+    /// its own changes; its parent saves the rest.
     bool synchronize(NSString* error = nullptr);
 
-    /// Adds values that answer when no other domain does; a later registration of a key replaces the earlier
-    /// one. Raises NSInvalidArgumentException for values that no property list can hold.
+    /// Adds values that are used when no other domain has one; a later registration of a key replaces the
+    /// earlier one. Raises NSInvalidArgumentException for values that no property list can hold.
     void registerDefaults(const NSDictionary& values);
 
 private:

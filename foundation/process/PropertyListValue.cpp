@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whether a property list can hold a value.
+// Checks whether a property list can hold a value.
 #include "foundation/process/PropertyListValue.h"
 
 #include <unordered_set>
@@ -11,10 +11,10 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Collects the collections still to be looked into, each once.
+/// Collects the collections still to be examined, each once.
 class Walk {
 public:
-    /// False when the value is of a kind that no property list holds.
+    /// False if no property list can hold a value of this kind.
     bool admit(const NSObject& value) {
         switch (Access::kind(value)) {
         case Kind::boolean:

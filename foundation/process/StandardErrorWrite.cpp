@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which kind of write descriptor 2 needs, remembered for a second.
+// Chooses the kind of write that descriptor 2 needs, and caches it for a second.
 #include "foundation/process/StandardErrorWrite.h"
 
 #include <cerrno>
@@ -14,15 +14,15 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// When descriptor 2 was last looked at, and in the lowest bit whether a plain write may go there. One word,
-/// so that threads, handlers and children find all of a look or nothing.
+/// When descriptor 2 was last checked, and in the lowest bit whether plain writes are allowed. One word, so
+/// that threads, handlers and children see a complete result or none.
 constinit std::uint64_t lastLook = 0;
 constexpr std::uint64_t takesPlainWrites = 1;
 
-/// How often the library has led descriptor 2 somewhere else.
+/// How often the library has redirected descriptor 2.
 constinit std::uint32_t changes = 0;
 
-/// The second, the process and the number of changes by now, where `lastLook` has them.
+/// The second, the process and the current number of changes, in the format of `lastLook`.
 std::uint64_t presentMoment(std::int64_t second) noexcept {
     constexpr std::uint64_t fifteenBits = 0x7FFF;
     const std::uint64_t change = __atomic_load_n(&changes, __ATOMIC_ACQUIRE) & fifteenBits;
@@ -30,7 +30,7 @@ std::uint64_t presentMoment(std::int64_t second) noexcept {
     return static_cast<std::uint64_t>(second) << 31 | generation << 16 | change << 1;
 }
 
-/// Neither a regular file nor a terminal can lose its reader, and only a regular file meets a limit.
+/// Neither a regular file nor a terminal can lose its reader, and only a regular file has a size limit.
 bool mayTakePlainWrites() noexcept {
     struct stat status {};
     return ::fstat(STDERR_FILENO, &status) == 0 &&

@@ -8,14 +8,14 @@
 
 namespace ZQFoundation::detail {
 
-/// Writes to descriptor 2. Returns how many bytes went out, or an error number below 0; keeps `errno` and is
-/// no cancellation point. A reader that is gone and a file-size limit show as errors and raise no signal:
-/// whether they can be met is looked at when `second` is another one than at the last look, in each child and
-/// after each `standardErrorHasChanged`. While they cannot, the write is one plain system call. Any thread,
-/// signal handlers too.
+/// Writes to descriptor 2. Returns the number of bytes written, or an error number below 0; preserves `errno`
+/// and is no cancellation point. A lost reader and a file-size limit are reported as errors and raise no
+/// signal: whether they are possible is checked when `second` differs from that of the last check, in each
+/// child and after each `standardErrorHasChanged`. While they are not, the write is one plain system call.
+/// Any thread, also in signal handlers.
 std::ptrdiff_t writeToStandardError(const char* bytes, std::size_t count, std::int64_t second) noexcept;
 
-/// To be called by whoever has led descriptor 2 somewhere else: the next write looks where.
+/// Must be called after descriptor 2 was redirected: the next write checks it again.
 void standardErrorHasChanged() noexcept;
 
 } // namespace ZQFoundation::detail

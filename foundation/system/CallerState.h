@@ -9,9 +9,9 @@
 
 namespace ZQFoundation::detail {
 
-/// Stands around whatever calls the system on a host's thread: the host finds its `errno` as it was, however
-/// the scope is left, and a cancellation of the thread waits until then, so that no line and no lock is left
-/// half-way.
+/// Encloses code that makes system calls on a host's thread: `errno` is preserved, however the scope is left,
+/// and cancellation of the thread is deferred until then, so that no line is left incomplete and no lock
+/// held.
 class [[nodiscard]] CallerState {
 public:
     CallerState() noexcept : errno_(errno) { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelState_); }

@@ -51,8 +51,8 @@ private:
     int number_ = -1;
 };
 
-/// `openat` that an incoming signal does not end, and that never gives the number of a standard stream which
-/// the host has closed: log lines would go there.
+/// `openat` that restarts after a signal, and that never returns the number of a standard stream that the
+/// host has closed: log lines would go there.
 inline int openAt(int folder, const char* name, int flags, mode_t mode = 0) noexcept {
     const system::StandardStreamsGuard guard((flags & O_ACCMODE) != O_RDONLY);
     int descriptor = -1;

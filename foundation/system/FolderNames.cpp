@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The names in a folder, read as a whole.
+// Reads the names in a folder, all at once.
 #include "foundation/system/FolderNames.h"
 
 #include <cerrno>

@@ -8,16 +8,16 @@
 
 namespace ZQFoundation::detail {
 
-/// What an open folder held at one moment. Read as a whole, so that what is made or removed meanwhile neither
-/// hides nor repeats an entry, and a folder that is being filled comes to an end.
+/// The entries of an open folder at one moment. Read all at once, so that items made or removed meanwhile
+/// neither hide nor repeat an entry, and the list of a folder that is being filled ends.
 class FolderNames {
 public:
     struct Entry {
-        const char* name;   ///< lives as long as the list, also when that is moved
-        unsigned char kind; ///< DT_DIR and so on; DT_UNKNOWN where the file system does not say
+        const char* name;   ///< valid as long as the list, also after that is moved
+        unsigned char kind; ///< DT_DIR and so on; DT_UNKNOWN if the file system does not report it
     };
 
-    /// Once for each list. "." and ".." are left out. False with `errno`.
+    /// Reads the folder; once for each list. "." and ".." are omitted. False with `errno`.
     bool read(int folder);
 
     bool isAtStart() const noexcept { return position_ == 0; }

@@ -10,8 +10,8 @@
 namespace ZQFoundation::detail::system {
 
 /// A link, pipe, socket or device itself, held so that its owner, permissions and times can be changed
-/// without opening it, and, where the system can, so that nothing which takes its name later is changed
-/// instead. No link is followed in any case. All answer false with `errno`.
+/// without opening it, and, if the system can, so that no item that takes its name later is changed instead.
+/// Links are never followed. All operations return false with `errno` on failure.
 class HeldItem {
 public:
     HeldItem() noexcept = default;
@@ -19,7 +19,7 @@ public:
     HeldItem& operator=(const HeldItem&) = delete;
     ~HeldItem();
 
-    /// Once for each object; folder and name must outlive it.
+    /// Called once for each object; folder and name must outlive it.
     bool hold(int folder, const char* name) noexcept;
 
     bool getInformation(struct stat& information) const noexcept;

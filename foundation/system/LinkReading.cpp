@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The target of a symbolic link, however long.
+// Reads the target of a symbolic link of any length.
 #include "foundation/system/LinkReading.h"
 
 #include <cerrno>
@@ -15,7 +15,7 @@ LinkResult readLink(int folder, const char* name, std::string& target) {
         target.assign(ordinary, static_cast<std::size_t>(length));
         return LinkResult::link;
     }
-    // A text that fills the buffer may have been cut.
+    // A text that fills the buffer may have been truncated.
     std::string text;
     for (std::size_t size = 4 * sizeof ordinary; length >= 0; size *= 2) {
         text.resize(size);

@@ -7,16 +7,16 @@
 
 namespace ZQFoundation::detail {
 
-/// So many links on one path are followed; more are taken for a loop.
+/// The max number of links that are followed on one path; more are treated as a loop.
 inline constexpr int maxLinks = 32;
 
 enum class LinkResult {
     link,
-    other,  ///< something that is no link
-    failed, ///< nothing there, or not to be seen: `errno`
+    other,  ///< something that is not a link
+    failed, ///< nothing there, or not accessible: `errno`
 };
 
-/// The text of a link, of any length. `target` is written for a link only.
+/// Reads the text of a link, of any length. `target` is written only for a link.
 LinkResult readLink(int folder, const char* name, std::string& target);
 
 } // namespace ZQFoundation::detail

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Locking where somebody holds the lock already: this thread, another one, or one that a fork has left
-// behind.
+// Locking when the lock is already held: by this thread, by another one, or by one that a fork left in the
+// parent.
 #include "foundation/system/Lock.h"
 
 #include <bit>
@@ -60,18 +60,18 @@ void Lock::lockSlowly(std::uint64_t mine) noexcept {
             hasSlept = true;
         }
     }
-    if (seen != 0) { // left held at a fork, perhaps on several levels
+    if (seen != 0) { // held at a fork, perhaps on several levels
         furtherLevels_ = 0;
     }
-    if (hasSlept) { // perhaps not alone: the next unlock wakes another
+    if (hasSlept) { // there may be other sleepers: the next unlock wakes another
         __atomic_store_n(&someoneSleeps_, true, __ATOMIC_RELAXED);
     }
 }
 
 namespace {
 
-/// The half of the word that holds the generation. It is 0 for a held lock once in very many forks, and then
-/// sleeps are over at once.
+/// The half of the word that contains the generation. For a held lock it is 0 only once in very many forks,
+/// and then sleeps end at once.
 const std::uint32_t* lowHalf(const std::uint64_t* word) noexcept {
     return reinterpret_cast<const std::uint32_t*>(word) + (std::endian::native == std::endian::big ? 1 : 0);
 }
@@ -83,8 +83,8 @@ void Lock::sleepWhile(std::uint64_t seen) noexcept {
     system::waitBriefly(lowHalf(&word_), static_cast<std::uint32_t>(seen));
 }
 
-// An unlock that reads the flag a moment before a thread sets it wakes nobody. Sleeps are brief for that
-// reason, and unlocking needs no second locked instruction.
+// An unlock that reads the flag just before a thread sets it wakes nobody. That is why sleeps are brief, and
+// unlocking needs no second locked instruction.
 void Lock::wakeSleeper() noexcept {
     __atomic_store_n(&someoneSleeps_, false, __ATOMIC_RELAXED);
     system::wakeOne(lowHalf(&word_));

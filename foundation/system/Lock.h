@@ -9,16 +9,17 @@
 
 namespace ZQFoundation::detail {
 
-/// Words that say which thread of which process holds something: one store takes it and names its holder.
+/// Words that identify which thread of which process holds something: one store takes it and names its
+/// holder.
 ///
-/// Threads are known by an address, of 48 bits and divisible by 8; below it are the low bits of the fork
-/// generation. A word of another generation was left by a thread that this process does not have, or by the
-/// one that forked.
+/// Threads are identified by an address, of 48 bits and divisible by 8; below it are the low bits of the fork
+/// generation. A word of another generation was written by a thread that this process does not have, or by
+/// the one that forked.
 struct Holder {
     static constexpr int generationBits = 64 - (48 - 3);
     static constexpr std::uint64_t generationMask = (std::uint64_t{1} << generationBits) - 1;
 
-    /// Unlike any other living thread's number.
+    /// The thread's number, which no other live thread has.
     static std::uint64_t currentThread() noexcept {
 #if defined(__linux__) && defined(__has_builtin) && __has_builtin(__builtin_thread_pointer)
         return reinterpret_cast<std::uint64_t>(__builtin_thread_pointer());
@@ -35,12 +36,12 @@ struct Holder {
         return (word ^ other) >> generationBits == 0;
     }
 
-    /// Whether the word is that of a thread of this process, of which `mine` is one; not for 0.
+    /// Whether the word belongs to a thread of this process, of which `mine` is one; not for 0.
     static bool isHeldIn(std::uint64_t word, std::uint64_t mine) noexcept {
         return (word & generationMask) == (mine & generationMask) ||
                isSameThread(word, wordOf(system::forkingThread()));
     }
-    /// Whether the word is that of the thread whose word `mine` is; false for 0.
+    /// Whether the word belongs to the thread whose word is `mine`; false for 0.
     static bool isHeldBy(std::uint64_t word, std::uint64_t mine) noexcept {
         return word != 0 && isSameThread(word, mine) && isHeldIn(word, mine);
     }
@@ -48,7 +49,7 @@ struct Holder {
 
 /// A lock that a forked child finds free, whoever held it in the parent. What it guards must therefore be
 /// replaced by one store, never changed piecemeal. Recursive, also for a signal handler that interrupts the
-/// holder at any instruction; constant-initialised and never destroyed, so it works before `main` and after
+/// holder at any instruction; constant-initialized and never destroyed, so it works before `main` and after
 /// it. Usable with `Guard`.
 class Lock {
 public:
@@ -76,7 +77,7 @@ public:
         }
     }
 
-    /// Only for the thread's own information: for any other thread the answer may be old.
+    /// Only for the thread's own information: about any other thread the result may be out of date.
     bool isHeldByThisThread() const noexcept;
 
     /// Only for the holder: whether it has locked it more than once.
@@ -89,12 +90,12 @@ private:
     void wakeSleeper() noexcept;
 
     std::uint64_t word_ = 0; ///< of its holder, or 0
-    /// How often the holder has locked it once more: 0 whenever it is free, and written by the holder alone.
+    /// How many more times the holder has locked it: 0 whenever it is free, and written only by the holder.
     std::uint32_t furtherLevels_ = 0;
     bool someoneSleeps_ = false;
 };
 
-/// Holds a lock for a scope, also when an exception leaves it.
+/// Holds a lock for a scope, also when it is left by an exception.
 template <class LockType>
 class [[nodiscard]] Guard {
 public:

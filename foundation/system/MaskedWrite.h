@@ -7,11 +7,11 @@
 
 namespace ZQFoundation::detail::system {
 
-/// Writes with the signals of a lost reader and of the file-size limit blocked, and takes back the one that
-/// the write itself raised. Works everywhere, for the price of two more system calls.
+/// Writes with the signals of a lost reader and of the file-size limit blocked, and discards a signal that
+/// the write itself raised. Works everywhere, at the cost of two more system calls.
 std::ptrdiff_t maskedWrite(int descriptor, const char* bytes, std::size_t count) noexcept;
 
-/// Takes back a blocked signal that is pending for this thread.
+/// Discards a blocked signal that is pending for this thread.
 void discardPendingSignal(int signal) noexcept;
 
 } // namespace ZQFoundation::detail::system

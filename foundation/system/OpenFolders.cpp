@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The open folders of a walk.
+// Keeps the open folders of a walk.
 #include "foundation/system/OpenFolders.h"
 
 #include "foundation/system/FileSystem.h"
@@ -10,8 +10,7 @@ namespace {
 
 constexpr std::size_t maxOpenFolders = 8;
 
-/// As deep as a tree may reasonably be: a file system that answers ".." in a circle does not keep us for
-/// ever.
+/// As deep as a tree may reasonably be: a file system whose ".." form a circle must not keep us forever.
 constexpr int maxLevelsUp = 1 << 20;
 
 } // namespace

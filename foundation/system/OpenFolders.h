@@ -9,23 +9,23 @@
 
 namespace ZQFoundation::detail {
 
-/// Opens a folder to read it. Neither follows a link nor waits for anything.
+/// Opens a folder to read it. These flags neither follow a link nor wait.
 inline constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 inline bool isSameItem(const struct stat& left, const struct stat& right) noexcept {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
-/// Whether the folder is one of those that lead from the root to the open folder `place`, or that one itself.
-/// False also when it cannot be found out.
+/// Whether the folder is the open folder `place` or one of those above it. False also if that cannot be
+/// determined.
 bool isAtOrAbove(const struct stat& folder, int place) noexcept;
 
-/// The folders from the start of a walk down to the one that it is in. However deep that is, only the last
-/// few are open; those above are opened again by "..", which must lead to the very folder that was left,
-/// because others may have moved the one below meanwhile.
+/// The folders from the start of a walk down to the current one. However deep that is, only the last few are
+/// open; those above are reopened by "..", which must be the same folder as before, because others may have
+/// moved the one below meanwhile.
 class OpenFolders {
 public:
-    /// The folder becomes the current one. False with `errno`.
+    /// Makes the folder the current one. False with `errno`.
     bool push(Descriptor folder);
 
     std::size_t depth() const noexcept { return levels_.size(); }
@@ -40,13 +40,13 @@ public:
     /// when it cannot be found again.
     bool reopenParent() noexcept;
 
-    /// The folder above becomes the current one, open or not.
+    /// Makes the folder above the current one, open or not.
     void pop() noexcept;
 
     /// Closes the open folder nearest to the start; never the current one. False when there is none.
     bool closeOne() noexcept;
 
-    /// Puts a descriptor of the level's own folder into its place. False with ESTALE for another folder's.
+    /// Sets the descriptor of a level's folder. False with ESTALE for another folder's descriptor.
     bool restore(std::size_t level, Descriptor folder) noexcept;
 
 private:

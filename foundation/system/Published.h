@@ -11,7 +11,7 @@ namespace ZQFoundation::detail {
 
 /// An immutable value that threads read while others replace it as a whole. The lock is held only for one
 /// look or one pointer store, so a forked child always finds either the old value or the new one.
-/// Constant-initialised and never destroyed.
+/// Constant-initialized and never destroyed.
 template <class Value>
 class Published {
 public:
@@ -19,8 +19,8 @@ public:
     Published(const Published&) = delete;
     Published& operator=(const Published&) = delete;
 
-    /// What `look` answers about the current value, which is null before the first one. `look` copies what it
-    /// needs: the value may be gone once it returns.
+    /// The result of `look` for the current value, which is null before the first one. `look` copies what it
+    /// needs: the value may be destroyed once it returns.
     template <class Look>
     auto read(const Look& look) const {
         const Guard<Lock> guard(lock_);
@@ -34,7 +34,7 @@ public:
             const Guard<Lock> guard(lock_);
             old = current_.exchange(fresh, std::memory_order_relaxed);
         }
-        // Readers look only under the lock, so nobody sees the old value any more.
+        // Readers look only under the lock, so nobody sees the old value any longer.
         delete old;
     }
 
@@ -43,8 +43,8 @@ private:
     std::atomic<const Value*> current_{nullptr};
 };
 
-/// Fills an empty slot with a value made with `new`, unless another thread was first; returns what the slot
-/// holds from then on. What is published this way is never destroyed.
+/// Fills an empty slot with a value made with `new`, unless another thread was first; returns the slot's
+/// value from then on. Values published this way are never destroyed.
 template <class Value>
 const Value& publishOnce(std::atomic<const Value*>& slot, const Value* fresh) {
     const Value* present = nullptr;

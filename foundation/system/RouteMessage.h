@@ -28,7 +28,7 @@ struct RouteMessageHeader {
     std::uint8_t rtm_rmx[56];
 };
 
-/// An IPv4 address as such a message carries it.
+/// An IPv4 address in such a message.
 struct RouteAddress {
     std::uint8_t sin_len;
     std::uint8_t sin_family;
@@ -37,7 +37,7 @@ struct RouteAddress {
     std::uint8_t sin_zero[8];
 };
 
-// Other programs and kernels fix these places.
+// Other programs and kernels rely on these offsets.
 static_assert(sizeof(RouteMessageHeader) == 92 && std::is_trivially_copyable_v<RouteMessageHeader>);
 static_assert(offsetof(RouteMessageHeader, rtm_msglen) == 0);
 static_assert(offsetof(RouteMessageHeader, rtm_version) == 2);
@@ -58,16 +58,16 @@ static_assert(offsetof(RouteAddress, sin_addr) == 4);
 static_assert(offsetof(RouteAddress, sin_zero) == 8);
 
 inline constexpr std::uint8_t routeMessageVersion = 5;
-inline constexpr std::uint8_t routeLookup = 4; ///< a question for one route, and its answer
+inline constexpr std::uint8_t routeLookup = 4; ///< a request for one route, and its reply
 inline constexpr std::uint8_t routeAddressFamily = 2;
 
 inline constexpr std::int32_t routeIsUp = 0x1;
 inline constexpr std::int32_t routeHasGateway = 0x2;
 inline constexpr std::int32_t routeToHost = 0x4;
-inline constexpr std::int32_t routeIsDone = 0x40; ///< the kernel has taken the request
+inline constexpr std::int32_t routeIsDone = 0x40; ///< the kernel has accepted the request
 inline constexpr std::int32_t routeIsStatic = 0x800;
 
-/// Numbers of the socket addresses: bit n of `rtm_addrs` stands for address n.
+/// Numbers of the socket addresses: bit n of `rtm_addrs` means address n.
 inline constexpr int routeDestination = 0;
 inline constexpr int routeInterfaceAddress = 5;
 inline constexpr int routeAddressCount = 8;

@@ -5,8 +5,9 @@
 
 #include <cstddef>
 
-/// How routing messages get to the kernel and back. They have the layout of a BSD routing socket; on systems
-/// that have none, the transport puts the question in the kernel's own way and answers in that layout.
+/// Sends routing messages to the kernel and receives its replies. They have the layout of a BSD routing
+/// socket; on systems without one, the transport uses the kernel's own interface and converts to and from
+/// that layout.
 namespace ZQFoundation::detail::system {
 
 class RouteTransport {
@@ -14,12 +15,12 @@ public:
     /// A socket for route lookups, close-on-exec; -1 with `errno` on failure.
     virtual int open() noexcept = 0;
 
-    /// What `write` returns when the request went out, but receiving failed before anything said whether the
-    /// kernel refuses it.
+    /// What `write` returns when the request was sent, but receiving failed before it was known whether the
+    /// kernel refused it.
     static constexpr std::ptrdiff_t receivingFailed = -2;
 
-    /// Sends one request of `count` bytes. Negative with `errno` on failure, a refusal by the kernel
-    /// included.
+    /// Sends one request of `count` bytes. Negative with `errno` on failure, including a refusal by the
+    /// kernel.
     virtual std::ptrdiff_t write(int socket, const void* message, std::size_t count) noexcept = 0;
 
     /// The next message, cut to `capacity` bytes. 0 at the end of input, negative with `errno` on failure.
@@ -29,7 +30,7 @@ protected:
     ~RouteTransport() = default;
 };
 
-/// The kernel's.
+/// The transport to the kernel.
 RouteTransport& routeTransport() noexcept;
 
 } // namespace ZQFoundation::detail::system

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Blocks of a few sizes, in slabs whose free places are the bits of one word.
+// Allocates blocks of a few sizes, in slabs whose free places are the bits of one word.
 #include "foundation/system/SignalSafeMemory.h"
 
 #include <bit>
@@ -13,30 +13,30 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-// Sizes of blocks, their headers included, are powers of two. A block beyond the greatest is a mapping of its
-// own.
+// Block sizes, including headers, are powers of two. A larger block than the largest size is a separate
+// mapping.
 constexpr int smallestBits = 6;
 constexpr int greatestBits = 16;
 constexpr std::size_t placesInSlab = 64;
 
-/// Stands at its first place, which is never free. Slabs are made and never given back, so whoever looks at
-/// one finds it.
+/// Occupies its own first place, which is never free. Slabs are never freed, so a pointer to one is always
+/// valid.
 struct Slab {
     std::uint64_t takenPlaces; ///< one bit each
     Slab* next;
     int bits; ///< of the size of its blocks
 };
 
-/// Stands in front of the bytes of each block.
+/// Precedes the bytes of each block.
 struct alignas(16) Header {
-    Slab* slab;        ///< null: a mapping of its own
+    Slab* slab;        ///< null: a separate mapping
     std::size_t place; ///< in the slab; else the size of the mapping
 };
 
 struct Slabs {
     Slab* first;
-    Slab* likely;       ///< where a place was taken or given back last
-    bool mayHavePlaces; ///< whether one was given back since all slabs were searched
+    Slab* likely;       ///< where a place was last taken or freed
+    bool mayHavePlaces; ///< whether one was freed since all slabs were searched
 };
 constinit Slabs slabsOfSize[greatestBits + 1] = {};
 
@@ -56,8 +56,8 @@ Header* headerAt(Slab& slab, std::size_t place) noexcept {
     return header;
 }
 
-/// Whether a bit is clear says all that matters about its place, so that it does not matter what has happened
-/// between the look and the exchange. Null when all places are taken.
+/// A clear bit is all that matters about its place, so that it is irrelevant what happened between the load
+/// and the exchange. Null when all places are taken.
 Header* takePlace(Slab& slab) noexcept {
     std::uint64_t taken = __atomic_load_n(&slab.takenPlaces, __ATOMIC_RELAXED);
     while (taken != UINT64_MAX) {
@@ -70,7 +70,7 @@ Header* takePlace(Slab& slab) noexcept {
     return nullptr;
 }
 
-/// With its first free place taken.
+/// Makes a slab and takes its first free place.
 Header* takePlaceInNewSlab(Slabs& slabs, int bits) {
     auto* const slab = static_cast<Slab*>(mapPages(placesInSlab << bits));
     slab->takenPlaces = 3;
@@ -95,7 +95,7 @@ Header* takePlaceOfSize(int bits) {
     if (__atomic_exchange_n(&slabs.mayHavePlaces, false, __ATOMIC_RELAXED)) {
         for (slab = __atomic_load_n(&slabs.first, __ATOMIC_ACQUIRE); slab != nullptr; slab = slab->next) {
             if (Header* const header = takePlace(*slab)) {
-                __atomic_store_n(&slabs.mayHavePlaces, true, __ATOMIC_RELAXED); // perhaps behind it as well
+                __atomic_store_n(&slabs.mayHavePlaces, true, __ATOMIC_RELAXED); // perhaps in later slabs
                 __atomic_store_n(&slabs.likely, slab, __ATOMIC_RELEASE);
                 return header;
             }

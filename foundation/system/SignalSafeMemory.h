@@ -5,18 +5,17 @@
 
 #include <cstddef>
 
-/// Memory that a signal handler may take and give back, whatever it has interrupted: the C library's
-/// allocator may be in the middle of its work then. For the log alone: what was once taken stays with the
-/// process, to be taken again.
+/// Memory that a signal handler may allocate and free, whatever it has interrupted, even the C library's
+/// allocator. Only for the log: freed memory stays with the process, for reuse here.
 ///
-/// Nothing here takes a lock, so neither a handler nor a forked child meets one that somebody holds. Any
-/// thread may give back what another one has taken.
+/// Nothing here takes a lock, so neither a handler nor a forked child finds one held. Any thread may free
+/// what another one has allocated.
 namespace ZQFoundation::detail {
 
-/// At least so many bytes, at a multiple of 16. Throws `std::bad_alloc`.
+/// Returns at least `bytes` bytes, at a multiple of 16. Throws `std::bad_alloc`.
 [[nodiscard]] void* takeSignalSafeMemory(std::size_t bytes);
 
-/// Null is ignored. Keeps `errno`.
+/// Frees the block; null is ignored. Preserves `errno`.
 void giveBackSignalSafeMemory(void* block) noexcept;
 
 } // namespace ZQFoundation::detail

@@ -10,11 +10,11 @@
 
 namespace ZQFoundation::detail::system {
 
-/// A host may have closed its standard streams. What is opened then gets one of their numbers, and whatever
-/// is written to the stream, each log line among it, would go there.
+/// A host may have closed its standard streams. A file opened then gets one of their numbers, and everything
+/// written to the stream, such as each log line, would go there.
 constexpr int firstFreeDescriptor = STDERR_FILENO + 1;
 
-/// Gives an open descriptor a number behind those of the standard streams. -1 with `errno` when there is none
+/// Moves an open descriptor to a number above those of the standard streams. -1 with `errno` if there is none
 /// left.
 inline int keepOffStandardStreams(int descriptor) noexcept {
     if (descriptor < 0 || descriptor >= firstFreeDescriptor) {
@@ -28,8 +28,8 @@ inline int keepOffStandardStreams(int descriptor) noexcept {
 }
 
 /// While the host's standard error is closed, and if asked for, the numbers of closed standard streams are
-/// taken for a scope by a device that cannot be written to through them: not even a line that another thread
-/// writes meanwhile reaches what is opened in the scope. Keeps `errno`.
+/// occupied for a scope by a device that cannot be written to through them: not even a line that another
+/// thread writes meanwhile reaches a file opened in the scope. Preserves `errno`.
 class StandardStreamsGuard {
 public:
     explicit StandardStreamsGuard(bool isNeeded) noexcept {

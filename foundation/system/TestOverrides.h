@@ -11,14 +11,14 @@
 
 namespace ZQFoundation::detail::overrides {
 
-/// When set, `NSDate::date()` and the log prefix answer this instant: seconds since 1970. Null: the real
+/// When set, `NSDate::date()` and the log prefix return this instant: seconds since 1970. Null: the real
 /// clock.
 extern const double* clock;
 
 /// When set, the arguments that user defaults and process information see. Null: the real ones.
 extern const std::vector<std::string>* arguments;
 
-/// Whether the arguments must be read from the system, as where the C library hands none over.
+/// Whether the arguments must be read from the system, as when the C library passes none.
 extern bool readsArguments;
 
 /// When set, the folder that holds the defaults domains. Null: the real one.
@@ -34,10 +34,10 @@ extern const std::string* systemVersionFile;
 /// ones.
 extern const std::vector<std::string>* releaseFiles;
 
-/// When set, what is told of the computer. Null: the real facts.
+/// When set, the facts reported about the computer. Null: the real facts.
 extern const system::HardwareFacts* hardware;
 
-/// When set, what route lookups ask. Null: the kernel.
+/// When set, the transport that route look-ups use. Null: the kernel.
 extern system::RouteTransport* routeTransport;
 
 } // namespace ZQFoundation::detail::overrides

@@ -10,9 +10,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Reads until `count` bytes are there or the file ends, however short the single reads are, and starts again
-/// after signals. Returns the number of bytes, or -1 with `errno`. Less than `count` is the end, and nothing
-/// else.
+/// Reads until `count` bytes are read or the file ends, however short the individual reads are, and restarts
+/// after signals. Returns the number of bytes, or -1 with `errno`. Less than `count` always means the end.
 inline std::ptrdiff_t readWhole(int descriptor, void* bytes, std::size_t count) noexcept {
     std::size_t filled = 0;
     while (filled < count) {

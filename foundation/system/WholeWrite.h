@@ -12,8 +12,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Hands all bytes to the system in one call, and goes on where a signal, a full pipe or a full disk cut it
-/// short. Raises no signal. False with `errno` when bytes are left.
+/// Writes all bytes in one call, and continues where a signal, a full pipe or a full disk cut it short.
+/// Raises no signal. False with `errno` if bytes are left.
 inline bool writeWhole(int descriptor, const char* bytes, std::size_t count) noexcept {
     while (count != 0) {
         const std::ptrdiff_t written = system::writeWithoutSignals(descriptor, bytes, count);

@@ -41,7 +41,7 @@ void noteRefusal(int descriptor) noexcept {
 
 bool fileSizeIsUnlimited() noexcept {
     rlimit limit{};
-#ifdef SYS_getrlimit // half the price of the call that the C library makes
+#ifdef SYS_getrlimit // half the cost of the call that the C library makes
     const bool known = syscall(SYS_getrlimit, RLIMIT_FSIZE, &limit) == 0;
 #else
     const bool known = getrlimit(RLIMIT_FSIZE, &limit) == 0;
@@ -99,7 +99,7 @@ void discardPendingSignal(int signal) noexcept {
 std::uint64_t randomNumber() noexcept {
     std::uint64_t number = 0x5851F42D4C957F2DU;
     if (const auto* const bytes = reinterpret_cast<const void*>(getauxval(AT_RANDOM))) {
-        // The first half of these bytes guards stacks; nothing is to be learned about it from here.
+        // The first half of these bytes guards stacks; nothing about it must be revealed here.
         std::memcpy(&number, static_cast<const char*>(bytes) + sizeof number, sizeof number);
     }
     return number;
@@ -121,7 +121,7 @@ std::uint64_t freshRandomNumber() noexcept {
     if (getrandom(&number, sizeof number, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof number)) {
         return number;
     }
-    // Only while the machine starts, or where the call is forbidden.
+    // Reached only while the machine starts, or where the call is forbidden.
     static constinit std::uint64_t calls = 0;
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
@@ -131,7 +131,7 @@ std::uint64_t freshRandomNumber() noexcept {
 
 namespace {
 
-/// Fills from the front, and returns how many bytes that were.
+/// Fills from the front, and returns the number of bytes.
 std::size_t fillByCall(char* out, std::size_t count) noexcept {
     std::size_t filled = 0;
     while (filled < count) {
@@ -170,7 +170,7 @@ void fillWithRandomBytes(void* out, std::size_t count) noexcept {
     if (filled < count) { // the machine is starting, or the call is forbidden
         filled += fillFromDevice(bytes + filled, count - filled);
     }
-    // Without either, in a sandbox, what the process has: its number keeps it apart from others.
+    // Without either, in a sandbox, uses what the process has: its number distinguishes it from others.
     for (; filled < count; ++filled) {
         const std::uint64_t number = freshRandomNumber() + static_cast<std::uint64_t>(getpid());
         bytes[filled] = static_cast<char>(number * 0x9E3779B97F4A7C15U >> 56);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Extended attributes and access lists, and items that are not opened.
+// Copies extended attributes and access lists, and changes items that are not opened.
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -39,8 +39,8 @@ private:
     int descriptor_;
 };
 
-/// The path of a descriptor that stands for an item without having opened it. The system goes from there to
-/// the very item, be it a link.
+/// The path of a descriptor that refers to an item without having opened it. The system resolves it to that
+/// item, even if it is a link.
 class DescriptorPath {
 public:
     explicit DescriptorPath(int descriptor) noexcept {
@@ -92,7 +92,7 @@ bool readWhole(std::string& bytes, const Call& call) {
     }
 }
 
-/// The list of names, each ended by NUL. False with `errno`.
+/// The list of names, each NUL-terminated. False with `errno`.
 template <class Item>
 bool readNames(const Item& source, std::string& names) {
     if (readWhole(names, [&](char* bytes, std::size_t size) { return source.list(bytes, size); })) {
@@ -104,8 +104,8 @@ bool readNames(const Item& source, std::string& names) {
 
 bool isAccessList(const char* name) noexcept { return beginsWith(name, "system.posix_acl_"); }
 
-/// Whether an attribute that could not be given may be left out: one that has just been removed, and one that
-/// belongs to the system. What belongs to the user, or says who may do what, must arrive.
+/// Whether an attribute that could not be set may be omitted: one that has just been removed, or one that
+/// belongs to the system. Attributes that belong to the user, or define permissions, must be copied.
 bool mayBeLeftOut(const char* name, int error) noexcept {
     if (error == ENODATA) {
         return true;
@@ -141,7 +141,7 @@ bool copyAll(const Item& source, const Item& destination) noexcept {
 template <class Item>
 bool removeLists(const Item& item) noexcept {
     for (const char* const name : {accessList, listForNewItems}) {
-        // What is no folder has no list for new items, which is reported with different errors.
+        // Only folders have a list for new items; for other items, different errors are reported.
         if (!item.remove(name) && errno != ENODATA && errno != ENOTSUP && errno != ENOSYS &&
             errno != EACCES && errno != EINVAL) {
             return false;
@@ -158,7 +158,7 @@ bool copyExtendedAttributes(int source, int destination) noexcept {
 
 bool removeInheritedAccessList(int item) noexcept { return removeLists(OpenItem(item)); }
 
-void copyCreationTime(int, int) noexcept {} // this kernel lets nobody set it
+void copyCreationTime(int, int) noexcept {} // this kernel does not let it be set
 
 HeldItem::~HeldItem() {
     if (descriptor_ >= 0) {
@@ -207,7 +207,7 @@ bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexce
 }
 
 bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
-    // Without a process file system there is no way to them.
+    // Without a process file system they are not accessible.
     return copyAll(UnopenedItem(source.descriptor_), UnopenedItem(descriptor_)) || errno == ENOENT;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the kernel and the C library say of the program that runs and of the computer that it runs on.
+// Facts about the running program and its computer, from the kernel and the C library.
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -18,7 +18,7 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
-/// Of the files that the kernel makes up while they are read, and that have no size. Empty when the file
+/// The contents of a file that the kernel generates while it is read, and that has no size. Empty if the file
 /// cannot be opened.
 std::string contentsOf(const char* path) {
     std::string text;
@@ -83,7 +83,7 @@ std::string fileMappedAt(std::uintptr_t address) {
     return {};
 }
 
-/// Where the program was started from, when that is known from the root on.
+/// Where the program was started from, if the absolute path is known.
 std::string startedFile() {
     const auto* const path = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
     if (path == nullptr || *path != '/') {
@@ -98,7 +98,7 @@ std::string startedFile() {
 } // namespace
 
 std::string executablePath() {
-    // When the dynamic loader was started with the program as its argument, the kernel takes the loader for
+    // When the dynamic loader was started with the program as its argument, the kernel regards the loader as
     // the program. Then, as for a static program, the kernel itself has loaded no loader.
     const bool mayBeLoader = getauxval(AT_BASE) == 0;
     const std::string path = mayBeLoader ? fileMappedAt(getauxval(AT_PHDR)) : targetOfProgramLink();
@@ -109,14 +109,13 @@ std::string executablePath() {
 
 namespace {
 
-/// What the C library handed over when this library was loaded. Hosts write over their arguments later, to
-/// show what they are at in the list of processes, so a command line of ordinary length is copied at once:
-/// that takes half a microsecond, and no memory from the heap. Of a longer one the rest is read when it is
-/// asked for.
+/// What the C library passed when this library was loaded. Hosts overwrite their arguments later, to show
+/// their state in the list of processes, so a command line of ordinary length is copied at once: that takes
+/// half a microsecond, and no heap memory. The rest of a longer one is read when it is requested.
 struct HandedArguments {
     int count;
     char** strings;
-    int copied; ///< so many of them, one behind the other, each with its NUL
+    int copied; ///< the number of them, one after the other, each with its NUL
     char copies[4096];
 };
 constinit HandedArguments handed{};
@@ -136,9 +135,9 @@ constinit HandedArguments handed{};
     }
 }
 
-#ifdef __GLIBC__ // others hand nothing over
-/// The one function of the library that runs when it is loaded: in front of ordinary initialisers, so that
-/// those of a host which is linked with the library find the arguments too.
+#ifdef __GLIBC__ // others pass nothing
+/// The only function of the library that runs when it is loaded: before ordinary initializers, so that those
+/// of a host that is linked with the library also find the arguments.
 [[gnu::section(".init_array.00101"), gnu::used]] void (*takeArgumentsAtLoad)(int, char**,
                                                                              char**) noexcept = takeArguments;
 #endif
@@ -164,7 +163,7 @@ std::string libraryPath() {
     if (dladdr(&anchor, &information) == 0 || information.dli_fname == nullptr) {
         return {};
     }
-    // Of the program itself the loader knows no other name than argument 0, whatever stands there by now.
+    // For the program itself, the loader's only name is argument 0, whatever that contains by now.
     const bool isPartOfProgram = handed.count > 0 && information.dli_fname == handed.strings[0];
     return isPartOfProgram ? executablePath() : information.dli_fname;
 }
@@ -186,7 +185,7 @@ std::vector<std::string> readArguments() {
 
 namespace {
 
-/// Without the white space and the NUL that such files put around a text.
+/// Removes the white space and the NUL that such files put around a text.
 std::string trimmed(const std::string& text) {
     constexpr std::string_view around(" \t\r\n\0", 5);
     const std::size_t start = text.find_first_not_of(around);

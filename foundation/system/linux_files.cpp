@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The data of files, by the means that this kernel offers.
+// Copies the data of files, by the means that this kernel offers.
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -19,13 +19,13 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
-/// Up to here it takes longer to ask for something better than to copy through a buffer on the stack.
+/// Up to this size, trying something better takes longer than copying through a buffer on the stack.
 constexpr std::size_t smallFile = std::size_t{32} << 10;
 
-/// At once through our own memory, when nothing better is to be had.
+/// The size of one copy through our own memory, if nothing better is available.
 constexpr std::size_t bufferBytes = std::size_t{128} << 10;
 
-/// A file that grows while it is copied is followed this often, not for ever.
+/// A file that grows while it is copied is followed this many times, not forever.
 constexpr int maxExtensions = 16;
 
 /// The most that one call is asked to move; the kernel stops a little below 2 GiB anyway.
@@ -34,7 +34,7 @@ constexpr std::size_t maxAtOnce = std::size_t{1} << 30;
 /// The same while somebody watches.
 constexpr std::size_t maxBetweenReports = std::size_t{16} << 20;
 
-/// What says that the kernel cannot do it this way, rather than that it cannot be done.
+/// The errors that mean that the kernel cannot do it this way, rather than that it cannot be done.
 bool isRefusal(int error) noexcept {
     switch (error) {
     case EXDEV:
@@ -60,12 +60,12 @@ off_t fileSizeLimit() noexcept {
     return isLimited ? static_cast<off_t>(limit.rlim_cur) : INT64_MAX;
 }
 
-/// Whether the file takes less room than its size says.
+/// Whether the file occupies less space than its size.
 bool mayHaveHoles(const struct stat& information) noexcept {
     return information.st_blocks < information.st_size / 512;
 }
 
-/// Copies stretches of one file to the same places of another.
+/// Copies ranges of one file to the same offsets of another.
 class DataCopy {
 public:
     DataCopy(int source, int destination, DataMeans first, CopyWatch* watch) noexcept
@@ -81,7 +81,7 @@ public:
             return copySmallFile(size);
         }
         if (means_ == DataMeans::clone) {
-            // A clone is made whole or not at all, and a limit would raise the signal.
+            // A clone is made completely or not at all, and a limit would raise the signal.
             if (limit_ == INT64_MAX && ::ioctl(destination_, FICLONE, source_) == 0) {
                 return report(size);
             }
@@ -91,9 +91,9 @@ public:
     }
 
 private:
-    /// A file system may answer a read in pieces of any size. So the end is where a read gives nothing, or
-    /// where as much was read as the file's size says; the kernel makes the contents of some files up while
-    /// they are read, and says that their size is 0.
+    /// A read may return a piece of any size. So the end is where a read returns nothing, or where the file's
+    /// size was read; the kernel generates the contents of some files while they are read, and reports their
+    /// size as 0.
     bool copySmallFile(off_t size) {
         char bytes[smallFile + 1];
         std::size_t filled = 0;
@@ -119,7 +119,7 @@ private:
         return false;
     }
 
-    /// What was written after `done` while the rest was copied.
+    /// Copies what was written after `done` while the rest was copied.
     bool followGrowth(off_t done) {
         struct stat information;
         for (int extension = 0; extension < maxExtensions; ++extension) {
@@ -137,7 +137,7 @@ private:
         return true;
     }
 
-    /// Copies what is data from `start` to `end`; the holes between are only made as long.
+    /// Copies the data from `start` to `end`; the holes between are recreated with the same length.
     bool copySegments(off_t start, off_t end) {
         while (start < end) {
             off_t data = ::lseek(source_, start, SEEK_DATA);
@@ -145,7 +145,7 @@ private:
                 return endWithHole(end);
             }
             off_t hole = data < 0 ? end : ::lseek(source_, data, SEEK_HOLE);
-            data = data < 0 ? start : data; // the file system does not tell
+            data = data < 0 ? start : data; // the file system does not report it
             hole = hole < 0 ? end : std::min(hole, end);
             if (data >= end) {
                 return endWithHole(end);
@@ -180,7 +180,7 @@ private:
                     return false;
                 }
             } else if (moved == 0) {
-                break; // shorter than it was, or the kernel does not know how long
+                break; // shorter than it was, or the kernel does not know its length
             } else if (errno != EINTR) {
                 if (!isRefusal(errno)) {
                     return false;
@@ -210,7 +210,7 @@ private:
         return ::sendfile(destination_, source_, &from, count);
     }
 
-    /// Up to `end` or the end of the file, whichever comes first.
+    /// Copies up to `end` or the end of the file, whichever comes first.
     bool copyThroughBuffer(off_t start, off_t end) {
         if (!buffer_) {
             buffer_.reset(new char[bufferBytes]);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Facts about items, names that replace nothing, files without a name, flushing, leases: what this kernel
-// offers so that items can be moved without a loss.
+// Facts about items, renaming without replacing, files without a name, flushing and leases: what this kernel
+// offers to move items without loss.
 #include <cerrno>
 #include <charconv>
 #include <csignal>
@@ -87,20 +87,20 @@ void fill(struct stat& information, const KernelFacts& facts) noexcept {
     information.st_ctim = timeOf(facts.changed);
 }
 
-/// The number of the mount that the item belongs to, on a kernel that does not say which items are the root
-/// of one; -1 where nobody says.
+/// The number of the mount that the item belongs to, on a kernel that does not report which items are the
+/// root of one; -1 if unknown.
 int mountOf(int folder, const char* name) noexcept {
     struct file_handle handle {};
     int mount = -1;
     const int flags = *name == '\0' ? AT_EMPTY_PATH : 0;
-    // No handle fits, and the number is given all the same.
+    // No handle fits, but the number is still returned.
     if (::name_to_handle_at(folder, name, &handle, &mount, flags) != 0 && errno != EOVERFLOW) {
         return -1;
     }
     return mount;
 }
 
-/// For a kernel of before 5.8: the item lies on another file system than its folder, or in another mount.
+/// For kernels before 5.8: whether the item is on another file system than its folder, or in another mount.
 bool isMountedOver(int folder, const char* name, const struct stat& item) noexcept {
     struct stat around;
     if (*name == '\0' || !S_ISDIR(item.st_mode) || ::fstat(folder, &around) != 0) {
@@ -109,9 +109,9 @@ bool isMountedOver(int folder, const char* name, const struct stat& item) noexce
     return around.st_dev != item.st_dev || mountOf(folder, name) != mountOf(folder, "");
 }
 
-/// Where the file system cannot rename without replacing.
+/// Used if the file system cannot rename without replacing.
 bool renameFolderByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
-    // The name is taken by a folder of ours, and a folder replaces no other that holds something.
+    // The name is taken by a folder of ours, and a folder does not replace one that is not empty.
     return ::mkdirat(toFolder, to, 0700) == 0 && ::renameat(fromFolder, from, toFolder, to) == 0;
 }
 
@@ -122,7 +122,7 @@ bool renameFileByNearestMeans(int fromFolder, const char* from, int toFolder, co
     if (errno == EEXIST) {
         return false;
     }
-    // Without second names either: the name is taken by an empty file, which then is replaced.
+    // Hard links are not available either: the name is taken by an empty file, which is then replaced.
     const int taken = ::openat(toFolder, to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (taken < 0) {
         return false;
@@ -155,7 +155,7 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
 bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept {
     KernelFacts found;
     if (!askKernel(folder, name, basicFacts, found)) {
-        // A kernel of before 4.11, or a sandbox that forbids the call.
+        // A kernel before 4.11, or a sandbox that forbids the call.
         const int flags = AT_SYMLINK_NOFOLLOW | (*name == '\0' ? AT_EMPTY_PATH : 0);
         if ((errno != ENOSYS && errno != EPERM) || ::fstatat(folder, name, &facts.information, flags) != 0) {
             return false;
@@ -185,7 +185,7 @@ bool appendFolderEntries(int folder, std::vector<char>& entries) {
         return false;
     }
     for (;;) {
-        // No stream of the C library: this takes no descriptor more.
+        // No stream of the C library: this needs no further descriptor.
         const long filled = ::syscall(SYS_getdents64, folder, buffer, sizeof buffer);
         if (filled < 0 && errno == EINTR) {
             continue;
@@ -242,9 +242,9 @@ bool flushItem(int item) noexcept {
 
 bool flushFileSystem(int item) noexcept { return ::syncfs(item) == 0 || errno == ENOSYS; }
 
-/// A lease for reading is given only while nobody has the file open for writing. For who wants to open it so
-/// while the lease is held, the kernel sends a signal: one that does nothing unless the host has a handler
-/// for it.
+/// A read lease is granted only while nobody has the file open for writing. When somebody wants to open it
+/// for writing while the lease is held, the kernel sends a signal: one that does nothing unless the host has
+/// a handler for it.
 WritersHeldOff::WritersHeldOff(int file) noexcept : file_(file), state_(State::unknown) {
     if (::fcntl(file, F_SETSIG, SIGURG) != 0) {
         return;
@@ -277,7 +277,7 @@ bool mightHideChange(const timespec& changed) noexcept {
         if (isLater(now, changed)) {
             return false;
         }
-        // Another machine's clock, or one that was set: nothing to wait for.
+        // Another machine's clock, or one that was reset: nothing to wait for.
         const timespec soon{now.tv_sec + (now.tv_nsec + maxTickNanoseconds) / 1'000'000'000,
                             (now.tv_nsec + maxTickNanoseconds) % 1'000'000'000};
         if (isLater(changed, soon)) {

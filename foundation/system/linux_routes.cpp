@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The system has no routing sockets. The question goes to the kernel over netlink, and its answer is written
-// down as a routing message.
+// The transport of routing messages. The system has no routing sockets: requests go to the kernel over
+// netlink, and its replies are converted to routing messages.
 //
-// Nothing is remembered between `write` and `read`: the answer waits in the socket, which `write` only looks
-// into, and the number of the request travels with it.
+// No state is kept between `write` and `read`: the reply waits in the socket, where `write` only peeks at it,
+// and it contains the number of the request.
 #include <cerrno>
 #include <cstring>
 
@@ -20,7 +20,7 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
-/// What goes to the kernel.
+/// The request to the kernel.
 struct RouteQuestion {
     nlmsghdr header;
     rtmsg route;
@@ -29,14 +29,14 @@ struct RouteQuestion {
 };
 static_assert(sizeof(RouteQuestion) == NLMSG_LENGTH(sizeof(rtmsg)) + RTA_LENGTH(sizeof(std::uint32_t)));
 
-/// What came back: one datagram. An answer for one IPv4 route takes some 100 bytes.
+/// The kernel's reply: one datagram. A reply for one IPv4 route takes some 100 bytes.
 struct RouteAnswer {
     alignas(nlmsghdr) char bytes[2048];
     std::size_t count = 0;
 
     const nlmsghdr& header() const noexcept { return *reinterpret_cast<const nlmsghdr*>(bytes); }
 
-    /// Whether a whole message is there, and a body of at least so many bytes in it.
+    /// Whether it contains a whole message with a body of at least `bodyBytes` bytes.
     bool holds(std::size_t bodyBytes) const noexcept {
         return count >= NLMSG_HDRLEN + bodyBytes && header().nlmsg_len >= NLMSG_HDRLEN + bodyBytes &&
                header().nlmsg_len <= count;
@@ -62,8 +62,8 @@ struct RouteAnswer {
     }
 };
 
-/// The next datagram from the kernel; those of other processes are thrown away. Negative with `errno`, 0 at
-/// the end of input.
+/// The next datagram from the kernel; those of other processes are discarded. Negative with `errno`, 0 at the
+/// end of input.
 std::ptrdiff_t receive(int socket, RouteAnswer& answer, int flags) noexcept {
     for (;;) {
         sockaddr_nl sender{};
@@ -84,7 +84,7 @@ std::ptrdiff_t receive(int socket, RouteAnswer& answer, int flags) noexcept {
     }
 }
 
-/// The kernel's error; 0 for an answer that is none.
+/// The kernel's error; 0 for a reply that is not an error.
 int errorOf(const RouteAnswer& answer) noexcept {
     if (!answer.holds(0) || answer.header().nlmsg_type != NLMSG_ERROR) {
         return 0;
@@ -94,7 +94,7 @@ int errorOf(const RouteAnswer& answer) noexcept {
         return EPROTO;
     }
     std::memcpy(&body, answer.bytes + NLMSG_HDRLEN, sizeof body);
-    // The kernel's errors are small; the negative of the least integer would be none.
+    // The kernel's errors are small; the negative of the least integer would not be valid.
     constexpr int maxError = 4095;
     if (body.error < -maxError) {
         return EPROTO;
@@ -121,7 +121,7 @@ RouteAddress routeAddress(std::uint32_t address) noexcept {
     return text;
 }
 
-/// A routing message that is being put together; its parts leave no gaps, each being whole words long.
+/// A routing message that is being built; its parts have no gaps, as each is a whole number of words.
 struct RouteReply {
     unsigned char bytes[sizeof(RouteMessageHeader) + 2 * sizeof(RouteAddress)];
     std::size_t count = sizeof(RouteMessageHeader);
@@ -153,7 +153,7 @@ RouteReply replyOf(const RouteAnswer& answer) noexcept {
             header.rtm_addrs |= 1 << routeDestination;
             reply.append(value);
         }
-        // The address that a packet to there would bear: absent where no interface has one to give.
+        // The source address of a packet to there: absent if no interface has one.
         if (answer.getAttribute(RTA_PREFSRC, value)) {
             header.rtm_addrs |= 1 << routeInterfaceAddress;
             reply.append(value);
@@ -179,10 +179,10 @@ public:
         if (!send(socket, question)) {
             return -1;
         }
-        // A refusal comes back as a message too. Here it is taken; any other answer is left for `read`.
+        // A refusal is a message, too. It is received here; any other reply is left for `read`.
         RouteAnswer answer;
         if (receive(socket, answer, MSG_PEEK) < 0) {
-            return receivingFailed; // now, since the error need not come a second time
+            return receivingFailed; // now, since the error may not be reported again
         }
         if (const int error = errorOf(answer)) {
             receive(socket, answer, 0);
@@ -207,7 +207,7 @@ public:
     }
 
 private:
-    /// False for a message that is no question for a route to an IPv4 address.
+    /// False for a message that is not a request for a route to an IPv4 address.
     static bool translate(const void* message, std::size_t count, RouteQuestion& question) noexcept {
         RouteMessageHeader header;
         RouteAddress destination;

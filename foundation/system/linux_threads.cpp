@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Threads and forks as Linux knows them.
+// Identifies threads and forks on Linux.
 #include <cerrno>
 #include <ctime>
 
@@ -26,9 +26,9 @@ void wakeOne(const std::uint32_t* word) noexcept {
     errno = callersError;
 }
 
-// The number of a thread's clock holds the complement of the thread's own number, above three bits that say
-// what is measured: the kernel reads it so. The C library makes it of what it knows, without asking the
-// kernel. A variable of the thread's own would not do, since the loader may have to allocate it first.
+// The number of a thread's clock holds the complement of the thread's own number, above three bits that state
+// what is measured, as the kernel defines it. The C library computes it without a system call. A thread-local
+// variable would not do, since the loader may have to allocate it first.
 std::uint64_t threadIdentifier() noexcept {
     clockid_t clock = 0;
     if (pthread_getcpuclockid(pthread_self(), &clock) == 0 && clock < 0) [[likely]] {

@@ -68,7 +68,7 @@ void discardPendingSignal(int signal) noexcept {
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
     pthread_mutex_lock(&sleepersMutex);
     if (__atomic_load_n(word, __ATOMIC_RELAXED) == expected) {
-        // Bounded, so that a child forked while the mutex was taken elsewhere never sleeps for ever.
+        // Bounded, so that a child forked while the mutex was taken elsewhere never sleeps forever.
         const timespec brief{0, 1000000};
         pthread_cond_timedwait_relative_np(&sleepersCondition, &sleepersMutex, &brief);
     }
@@ -156,12 +156,12 @@ bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
     return true;
 }
 
-// Only recent systems make such files by folder and name. So the folder's path is asked for, and what was
-// made is then looked for in the folder itself, which may have been moved meanwhile.
+// Only recent systems make such files by folder and name. So the folder's path is queried, and the new item
+// is then looked up in the folder itself, which may have been moved meanwhile.
 bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) noexcept {
     char path[PATH_MAX] = "";
     if (S_ISSOCK(kind)) {
-        errno = ENOTSUP; // only whoever listens makes one
+        errno = ENOTSUP; // only a listener creates one
         return false;
     }
     if (folder != AT_FDCWD && (::fcntl(folder, F_GETPATH, path) != 0 || !appendName(path, "/"))) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Extended attributes and access lists, and items that are not opened.
+// Copies extended attributes and access lists, and changes items that are not opened.
 #include <cerrno>
 
 #include <copyfile.h>
@@ -61,7 +61,7 @@ bool HeldItem::hold(int folder, const char* name) noexcept {
     if (!getInformation(information)) {
         return false;
     }
-    // Links can be opened as such; pipes, sockets and devices are reached by their names.
+    // Links can be opened as such; pipes, sockets and devices are accessed by name.
     if (S_ISLNK(information.st_mode)) {
         descriptor_ = ::openat(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC);
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The data of files, by the means that this system offers.
+// Copies the data of files, by the means that this system offers.
 #include <cerrno>
 #include <utility>
 
@@ -57,7 +57,7 @@ bool copyFileData(int source, int destination, DataMeans, CopyWatch* watch) {
         errno = EFBIG; // a write would raise a signal
         return false;
     }
-    // Clones go from name to name and take everything along at once, so they are of no use between two open
+    // Clones are made from name to name with all attributes at once, so they cannot be used between two open
     // files of which one must stay closed to others until the end.
     return copyBy(source, destination, COPYFILE_DATA | COPYFILE_DATA_SPARSE, watch) ||
            (errno == ENOTSUP && copyBy(source, destination, COPYFILE_DATA, watch));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Facts about items, names that replace nothing, flushing: what this system offers so that items can be moved
-// without a loss.
+// Facts about items, renaming without replacing and flushing: what this system offers to move items without
+// loss.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The system has routing sockets; a message goes to the kernel and back as it is.
+// The transport of routing messages. The system has routing sockets; messages are passed to and from the
+// kernel unchanged.
 #include <cerrno>
 
 #include <fcntl.h>

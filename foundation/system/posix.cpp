@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What every system of the family offers alike.
+// What all POSIX systems offer in the same way.
 #include <cerrno>
 #include <csignal>
 #include <ctime>
@@ -21,10 +21,10 @@ constinit int ownIdentifier = 0;
 constinit std::uint32_t lastGeneration = 0;
 
 constinit std::uint32_t noGeneration = 0;      // stays 0
-constinit std::uint32_t wordThatForksCopy = 0; // where the system clears none
+constinit std::uint32_t wordThatForksCopy = 0; // used if the system clears none
 
-/// Clears the word where the system has not done so. Another handler may have used the library before this
-/// one, which the word and the number then show.
+/// Clears the word if the system has not done so. Another handler may have used the library before this one;
+/// the word and the number then show that.
 void noteForkInChild() {
     std::uint32_t* const word = __atomic_load_n(&forkGenerationWord, __ATOMIC_RELAXED);
     if (word == &noGeneration ||
@@ -37,7 +37,7 @@ void noteForkInChild() {
 }
 
 /// Two threads may both get here, and a fork may come in between: a handler that is registered twice finds
-/// its work done, and a word too many is a page.
+/// its work done, and a surplus word costs one page.
 std::uint32_t* chooseWord() noexcept {
     pthread_atfork(nullptr, nullptr, noteForkInChild);
     std::uint32_t* fresh = wordClearedByFork();
@@ -118,7 +118,7 @@ std::ptrdiff_t maskedWrite(int descriptor, const char* bytes, std::size_t count)
     sigpending(&pendingBefore);
     const std::ptrdiff_t written = write(descriptor, bytes, count);
     const int error = errno;
-    if (written != static_cast<std::ptrdiff_t>(count)) { // a short write may have raised one too
+    if (written != static_cast<std::ptrdiff_t>(count)) { // a short write may also have raised one
         for (const int signal : {SIGPIPE, SIGXFSZ}) {
             discardIfRaised(signal, pendingBefore);
         }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the typed arguments of a format.
 #ifndef ZQFOUNDATION_TEXT_ARGUMENTLIST_H
 #define ZQFOUNDATION_TEXT_ARGUMENTLIST_H
 
@@ -177,7 +178,7 @@ public:
     /// The object of a `host` argument; may be null.
     const NSObjectProtocol* host() const noexcept { return value_.host.object; }
 
-    /// Only for `converted`: the value that the object's `ObjectConversion` makes, at every call anew.
+    /// Only for `converted`: the value that the object's `ObjectConversion` makes, again at each call.
     NSObject converted() const; // defined with the handles
 
     /// Only for `converted`: the number of an enumerator, 0 for any other object.

@@ -8,13 +8,13 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The two loops of Base64, once in plain C++ and once for each vector instruction set. The vector forms do
-/// the long stretches and leave the rest to the plain one, so all of them give the same bytes.
+/// The two loops of Base64, once in plain C++ and once for each vector instruction set. The vector forms
+/// process the long stretches and leave the rest to the plain one, so all of them produce the same bytes.
 namespace ZQFoundation::detail::base64 {
 
 inline constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// What the decoding table holds for every byte outside the alphabet.
+/// The decoding table's value for every byte outside the alphabet.
 inline constexpr std::uint8_t foreign = 65;
 
 inline constexpr std::array<std::uint8_t, 256> valueOfByte = [] {
@@ -29,7 +29,7 @@ inline constexpr std::array<std::uint8_t, 256> valueOfByte = [] {
 inline constexpr std::size_t bytesOfLine = 48;
 inline constexpr std::size_t charactersOfLine = 64;
 
-/// Where a loop stands: what it has not read yet and where it writes next.
+/// The state of a loop: what it has not read yet and where it writes next.
 struct Encoding {
     const std::uint8_t* input;
     const std::uint8_t* inputEnd;
@@ -57,10 +57,10 @@ struct Codec {
     /// for the plain codec.
     void (*encodeLines)(Encoding& state) noexcept;
 
-    /// Decodes whole groups of four characters, foreign bytes between groups passed over, as long as there is
-    /// enough input and room to work in vectors. Stops wherever it likes between two groups, never behind
-    /// foreign bytes that follow a last whole group; or at the end of the input, all of it decoded. May leave
-    /// up to three values of a group begun in `pending`.
+    /// Decodes whole groups of four characters, foreign bytes between groups ignored, as long as there is
+    /// enough input and room to work in vectors. Stops anywhere between two groups, never after foreign bytes
+    /// that follow a last whole group; or at the end of the input, all of it decoded. May leave up to three
+    /// values of a group begun in `pending`.
     void (*decodeGroups)(Decoding& state) noexcept;
 };
 
@@ -78,8 +78,8 @@ char* encode(const Codec& codec, const std::uint8_t* input, std::size_t count, b
 std::uint64_t decode(const Codec& codec, const std::uint8_t* input, std::size_t count,
                      std::uint8_t* output) noexcept;
 
-/// How far a vector loop goes on from a block: over groups whose bytes it has written, or over foreign bytes
-/// in front. What is written behind the groups means nothing and is written over later.
+/// How far a vector loop goes on from a block: over groups whose bytes it has written, or over leading
+/// foreign bytes. Bytes written after the groups are meaningless and overwritten later.
 struct Step {
     int characters;
     int groups;

@@ -49,8 +49,8 @@ uint8x16_t valuesOf(uint8x16_t text, const uint8x16x4_t& lower, const uint8x16x4
     return vorrq_u8(values, vandq_u8(text, vdupq_n_u8(128)));
 }
 
-/// Passes over foreign bytes in front, of which at least one byte of the block is none. False when the first
-/// byte is none already.
+/// Skips leading foreign bytes of a block that has at least one other byte. False if the first byte is not
+/// foreign.
 bool skipForeignBytes(Decoding& state) noexcept {
     int skipped = 0;
     while (skipped < 63 && valueOfByte[state.input[skipped]] == foreign) {

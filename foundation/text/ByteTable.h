@@ -14,7 +14,7 @@ namespace ZQFoundation::detail {
 /// so every text that can be written reads as the same text again. Immutable once made.
 class ByteTable {
 public:
-    /// Unit of the bytes that stand for nothing; no character has this number.
+    /// Unit of the bytes without a character; no character has this number.
     static constexpr char16_t none = 0xFFFF;
     using Units = std::array<char16_t, 256>;
 

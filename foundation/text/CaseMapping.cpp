@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Upper, lower and folded case and canonical decomposition, by Unicode's tables.
+// Maps case and decomposes canonically, by Unicode's tables.
 #include "foundation/text/CaseMapping.h"
 
 #include <cstddef>

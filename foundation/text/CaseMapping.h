@@ -5,7 +5,7 @@
 
 /// Case mappings and canonical decompositions of single code points, from the Unicode character database.
 ///
-/// None of them depends on a language or on neighbouring characters. Each takes constant time, allocates
+/// None of them depends on a language or on neighboring characters. Each takes constant time, allocates
 /// nothing and may be called from any thread. Any value may be given: surrogates, unassigned code points and
 /// values above U+10FFFF map to themselves.
 namespace ZQFoundation::detail {
@@ -25,10 +25,9 @@ unsigned lowerCase(char32_t codePoint, char32_t out[3]) noexcept;
 /// folds to upper.
 unsigned foldCase(char32_t codePoint, char32_t out[3]) noexcept;
 
-/// Writes the complete canonical decomposition (as normalisation form D has it) and returns its length, 1
-/// to 4. Returns 0 and writes nothing for a code point that decomposes to itself. Marks within one result are
-/// in canonical order; those of neighbouring results are for the caller to order, by
-/// canonicalCombiningClass().
+/// Writes the complete canonical decomposition (as normalization form D has it) and returns its length, 1 to
+/// 4. Returns 0 and writes nothing for a code point that decomposes to itself. Marks within one result are in
+/// canonical order; those of neighboring results are for the caller to order, by canonicalCombiningClass().
 unsigned canonicalDecomposition(char32_t codePoint, char32_t out[4]) noexcept;
 
 /// The canonical combining class, 0 for everything that is not a reordering mark.

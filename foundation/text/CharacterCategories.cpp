@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Unicode's general categories.
+// Looks up Unicode's general categories.
 #include "foundation/text/CharacterCategories.h"
 
 #include <cstddef>
@@ -38,7 +38,7 @@ GeneralCategory generalCategory(char32_t codePoint) noexcept {
 void markCategories(CategoryMask categories, std::array<std::uint64_t, 4>* bits) noexcept {
     static_assert(categoryShift <= 6, "a block lies within one word");
     constexpr unsigned blockLength = 1U << categoryShift;
-    // Blocks stand in the table several times; each is looked through once.
+    // Blocks occur in the table several times; each is scanned once.
     std::uint64_t blockBits[std::size(categoryValues) / blockLength] = {};
     for (std::size_t i = 0; i < std::size(categoryValues); ++i) {
         const std::uint64_t isMember = categories >> categoryValues[i] & 1;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The C library's converters, for encodings of several bytes per character.
+// Uses the C library's converters, for encodings of several bytes per character.
 #include "foundation/text/CharacterConversion.h"
 
 #include <cerrno>
@@ -83,7 +83,7 @@ bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& 
 
 bool unitsOfAllBytes(const char* encoding, char16_t none, char16_t* units) {
     const CallerState caller;
-    // Opened once: a byte must not seem unknown only because the system was short of something for a moment.
+    // Opened once: a byte must not seem unknown only because the system briefly lacked a resource.
     Conversion conversion(unitEncoding, encoding);
     if (!conversion.isOpen()) {
         return false;

@@ -7,17 +7,16 @@
 #include <string>
 #include <string_view>
 
-/// Conversions that the C library makes. Each call keeps `errno`, and may be made from any thread.
+/// Conversions that the C library makes. Each call preserves `errno`, and may be made from any thread.
 ///
 /// Opening a conversion takes locks of the C library's own and may load a module from disk. A child forked
-/// while another thread was just there inherits the lock taken and would wait in its first conversion for
-/// ever, as in any other call of `iconv_open`. The forms that matter there (Unicode, ASCII, Latin-1,
-/// NEXTSTEP, Symbol) do not come here, and the other encodings of one byte for each character only once a
-/// process.
+/// while another thread holds them inherits the locks held and would wait in its first conversion forever, as
+/// in any other call of `iconv_open`. The forms that matter there (Unicode, ASCII, Latin-1, NEXTSTEP, Symbol)
+/// do not come here, and the other encodings of one byte for each character only once a process.
 namespace ZQFoundation::detail {
 
-/// The units that all the bytes spell. False, with `out` meaning nothing, for bytes that the encoding does
-/// not know, and when the C library has no such encoding.
+/// Converts all the bytes to units. False, with `out` unspecified, for bytes that are invalid in the
+/// encoding, and if the C library lacks the encoding.
 bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& out);
 
 /// The unit that each of the 256 bytes spells alone; `none` for a byte that needs another one beside it, or
@@ -26,8 +25,8 @@ bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& 
 bool unitsOfAllBytes(const char* encoding, char16_t none, char16_t* units);
 
 /// The bytes of all the units, ending in the encoding's initial state. False, with `out` meaning nothing,
-/// when they would not read as the same units again: the C library has conversions that lead only one way
-/// (the yen sign to a backslash) and passes over characters that it takes for tags.
+/// when they would not read as the same units again: the C library has conversions that work only one way
+/// (the yen sign to a backslash) and ignores characters that it treats as tags.
 bool unitsToBytes(const char* encoding, std::u16string_view units, std::string& out);
 
 } // namespace ZQFoundation::detail

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Marks the symbols that the library exports.
 #ifndef ZQFOUNDATION_TEXT_EXPORT_H
 #define ZQFOUNDATION_TEXT_EXPORT_H
 

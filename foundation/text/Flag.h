@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What takes the place of a bool parameter.
+// Declares Flag, which replaces bool parameters.
 #ifndef ZQFOUNDATION_TEXT_FLAG_H
 #define ZQFOUNDATION_TEXT_FLAG_H
 
@@ -22,7 +22,7 @@ public:
     constexpr Flag(const T& value) noexcept(noexcept(static_cast<bool>(value)))
         : value_(static_cast<bool>(value)) {}
 
-    /// What was handed over.
+    /// The value passed.
     constexpr operator bool() const noexcept { return value_; }
 
 private:

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reports at compile time what is wrong with a literal format.
 #ifndef ZQFOUNDATION_TEXT_FORMATREFUSAL_H
 #define ZQFOUNDATION_TEXT_FORMATREFUSAL_H
 

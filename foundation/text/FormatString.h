@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the format parameters that are checked at compile time.
 #ifndef ZQFOUNDATION_TEXT_FORMATSTRING_H
 #define ZQFOUNDATION_TEXT_FORMATSTRING_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Parses formats, at compile time and at run time.
 #ifndef ZQFOUNDATION_TEXT_FORMATSYNTAX_H
 #define ZQFOUNDATION_TEXT_FORMATSYNTAX_H
 

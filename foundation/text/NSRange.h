@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSRange, a range of units or indexes.
 #ifndef ZQFOUNDATION_TEXT_NSRANGE_H
 #define ZQFOUNDATION_TEXT_NSRANGE_H
 

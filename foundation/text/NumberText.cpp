@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbers read from and written as text, whatever the locale.
+// Reads and writes numbers as text, whatever the locale.
 #include "foundation/text/NumberText.h"
 
 #include <bit>
@@ -62,7 +62,7 @@ Int readInteger(const Unit* text, std::size_t count) {
     if (at < count && isSign(text[at])) {
         ++at;
     }
-    // The limit below zero lies one further; reaching it and passing it come to the same.
+    // The negative limit is one further; reaching it and exceeding it are equivalent.
     constexpr auto limit = static_cast<std::uint64_t>(Limits::max());
     std::uint64_t magnitude = 0;
     for (; at < count && isDigit(text[at]); ++at) {
@@ -77,7 +77,7 @@ Int readInteger(const Unit* text, std::size_t count) {
 
 // ---- Reals
 
-/// Where the parts of a real number stand in a text. The digits begin at `digits` and end at `digitsEnd`; a
+/// Where the parts of a real number are in a text. The digits begin at `digits` and end at `digitsEnd`; a
 /// point among them or at their end is at `point`, else `point` is `digitsEnd`. A length of 0 means no
 /// number.
 struct RealParts {
@@ -151,9 +151,9 @@ RealParts splitReal(const Unit* text, std::size_t count) {
     return parts;
 }
 
-// The value of a real number and every half-way point between two neighbours have at most 768 significant
-// digits. So of a longer text that many decide, with one more digit that is not zero if any of the rest is
-// not.
+// The value of a real number and every half-way point between two neighbors have at most 768 significant
+// digits. So that many digits of a longer text decide, with one more nonzero digit if any of the rest is not
+// zero.
 constexpr std::size_t decisiveDigits = 768;
 constexpr std::size_t exponentRoom = 8; // for "e-10768", with one to spare
 constexpr std::size_t digitBuffer = decisiveDigits + 1 + exponentRoom;
@@ -162,7 +162,7 @@ static_assert(digitBuffer <= maxRealTextLength);
 // Far beyond the powers of ten that a double spans, 309 and -323.
 constexpr std::int64_t magnitudeLimit = 9999;
 
-// Texts up to this length are read as they stand.
+// Texts up to this length are read unchanged.
 constexpr std::size_t ordinaryLength = 64;
 
 /// A number as whole significant digits and a power of ten, in the form that readRealText() takes.

@@ -23,7 +23,7 @@
 ///     "- 5"                    0              0
 namespace ZQFoundation::detail {
 
-/// Length of the white space in front: blank, U+0009 to U+000D, and among units also U+0085, U+00A0, U+1680,
+/// Length of the leading white space: space, U+0009 to U+000D, and among units also U+0085, U+00A0, U+1680,
 /// U+2000 to U+200A, U+202F, U+205F and U+3000.
 std::size_t whiteSpacePrefix(const char* text, std::size_t count) noexcept;
 std::size_t whiteSpacePrefix(const char16_t* text, std::size_t count) noexcept;
@@ -47,7 +47,7 @@ struct DoubleReading {
     std::size_t length;
 };
 
-/// As readDouble(), but the number, with its sign, must stand right at the start.
+/// As readDouble(), but the number, with its sign, must be right at the start.
 DoubleReading scanDouble(const char* text, std::size_t count) noexcept;
 DoubleReading scanDouble(const char16_t* text, std::size_t count) noexcept;
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares ObjectConversion, through which types of the host convert to and from values.
 #ifndef ZQFOUNDATION_TEXT_OBJECTCONVERSION_H
 #define ZQFOUNDATION_TEXT_OBJECTCONVERSION_H
 
@@ -7,14 +8,14 @@
 
 #include "Export.h"
 
-/// How types that are none of the library's become values, and values become such types.
+/// Converts types outside the library to values, and values to such types.
 namespace ZQFoundation {
 
 class NSObject;
 class StringView;
 
-/// Specialise it for a type of your own, and the type is an argument of `%@`, makes values, and comes back
-/// from them by `as`. No inheritance is needed, and the type itself stays as it is.
+/// Specialize it for a type of your own, and the type is an argument of `%@`, converts to values, and back
+/// from them by `as`. No inheritance is needed, and the type itself is unchanged.
 ///
 ///     template <>
 ///     struct ZQFoundation::ObjectConversion<Money> {
@@ -25,16 +26,16 @@ class StringView;
 ///     ZQLog::logWithFormat("paid %@", money);    // asked for its value only when the line is written
 ///     NSArray{money, "paid"};                    // any handle that `object` returns is made from it
 ///
-/// A specialisation has one of the first two members, and the third where values are to come back:
+/// A specialization has one of the first two members, and the third if values are to be converted back:
 ///
 /// - `static Handle object(const T&)` returns the value, of whatever handle.
 /// - `static StringView text(const T&)` returns a look at the text that the object itself holds; then the
 /// type
 ///   is a text argument everywhere, and nothing is copied for it.
-/// - `static T fromObject(const NSObject&)` is what `value.as<T>()` answers; nil and values of another kind
+/// - - `static T fromObject(const NSObject&)` is what `value.as<T>()` returns; nil and values of another kind
 ///   give what the type has for nothing.
 ///
-/// Specialise it where the type is declared, so that every source of a program sees it.
+/// Specialize it where the type is declared, so that every source of a program sees it.
 template <class T>
 struct ObjectConversion;
 
@@ -42,7 +43,7 @@ struct ObjectConversion;
 
 namespace ZQFoundation::detail {
 
-/// Types for which somebody has specialised it.
+/// Types for which it is specialized.
 template <class T>
 concept Converted = requires {
     sizeof(ObjectConversion<T>);
@@ -58,7 +59,7 @@ concept ConvertedBack = Converted<T> && requires(const NSObject& object) {
     { ObjectConversion<T>::fromObject(object) } -> std::same_as<T>;
 };
 
-/// Also true for a specialisation that has none of the members: it is refused where it is used.
+/// Also true for a specialization that has none of the members: it is refused where it is used.
 template <class T>
 concept ConvertedObject =
     Converted<T> && !ConvertedText<T> &&

@@ -94,7 +94,7 @@ struct RealDigits {
     }
 
     char* putFixed(char* out) const noexcept {
-        const int whole = exponent + 1; // digits in front of the point
+        const int whole = exponent + 1; // digits before the point
         if (whole > 0) {
             out = put(out, 0, whole);
         } else {
@@ -190,8 +190,8 @@ inline char* writeShortest(char* out, double value) noexcept {
 
 #ifdef __cpp_lib_to_chars
 
-/// What the number in front, which is to be all of the text, is worth; false beyond the range of a double,
-/// and then the value stays as it was.
+/// Reads the number, which must be the whole text; false, with the value unchanged, beyond the range of a
+/// double.
 inline bool readRealText(const char* first, const char* last, double& value) noexcept {
     return std::from_chars(first, last, value).ec == std::errc{};
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Makes types that convert to views of the standard library text arguments.
 #ifndef ZQFOUNDATION_TEXT_STANDARDTEXTS_H
 #define ZQFOUNDATION_TEXT_STANDARDTEXTS_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares StringView, a text parameter of any form.
 #ifndef ZQFOUNDATION_TEXT_STRINGVIEW_H
 #define ZQFOUNDATION_TEXT_STRINGVIEW_H
 
@@ -48,7 +49,7 @@ concept TextObject = ConvertedText<T> ||
 template <class T>
 concept PlainText = std::is_same_v<T, StringView> || TextPointer<std::decay_t<T>> || TextObject<T>;
 
-/// What looks like a text and is none: buffers of fixed size, strings of other characters or of characters
+/// What looks like a text but is not: buffers of fixed size, strings of other characters or of characters
 /// that the library does not know.
 template <class T>
 concept OtherText = !PlainText<T> && !ConvertedObject<T> && requires(const T& text) {
@@ -61,7 +62,7 @@ concept OtherText = !PlainText<T> && !ConvertedObject<T> && requires(const T& te
 
 namespace ZQFoundation {
 
-/// The text *argument*: a nullable, non-owning look at a text that somebody else keeps alive for the call.
+/// The text *argument*: a nullable, non-owning view of a text that its owner keeps alive for the call.
 ///
 /// Made implicitly from literals, `std::string`, `std::string_view`, `std::u16string_view`, `NSString` and
 /// `nullptr`, so a call with a literal allocates nothing. A type that converts to a standard view is a text
@@ -128,7 +129,7 @@ public:
     constexpr StringView(const Text& text) noexcept : StringView(viewOf(text)) {}
 
     template <detail::OtherText T>
-    StringView(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+    StringView(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
 
     /// The text of a string; nil for a nil string.
     inline StringView(const NSString& string) noexcept;

@@ -21,14 +21,14 @@ enum class EncodingForm : unsigned char {
     nextStep,     ///< one byte for each character, by a table of the library
     symbol,
     bytes,     ///< one byte for each character, by a table made with the C library
-    macRoman,  ///< the same, put right in two places
+    macRoman,  ///< the same, corrected in two places
     sequences, ///< several bytes for a character, by the C library
     shiftJis,  ///< the same with ASCII in its lower half
 };
 
 /// Of the Unicode forms.
 enum class EncodingOrder : unsigned char {
-    marked, ///< the machine's order behind a byte-order mark
+    marked, ///< the machine's order after a byte-order mark
     big,
     little,
 };
@@ -40,8 +40,8 @@ struct TextEncoding {
     const char* name; ///< the C library's; null where it is not asked
 };
 
-/// Null for a number without an encoding. An encoding that the system's C library lacks is found all the
-/// same, but nothing converts.
+/// Null for a number without an encoding. An encoding that the system's C library lacks is still found, but
+/// nothing converts.
 const TextEncoding* findTextEncoding(std::uint32_t number) noexcept;
 
 /// The table of an encoding that has one byte for each character, made on first use and kept; null for other

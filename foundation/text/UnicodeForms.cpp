@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// UTF-16, UTF-32 and escaped ASCII from and to units.
+// Converts UTF-16, UTF-32 and escaped ASCII from and to units.
 #include "foundation/text/UnicodeForms.h"
 
 #include <cstdint>
@@ -61,7 +61,7 @@ char* writeDigits(std::uint32_t code, int digits, int bitsEach, char* out) noexc
     return out;
 }
 
-/// The value of digits of so many bits each, or -1.
+/// The value of digits of a given number of bits each, or -1.
 std::int32_t readDigits(std::string_view digits, std::size_t count, int bitsEach) noexcept {
     std::int32_t value = 0;
     if (digits.size() < count) {

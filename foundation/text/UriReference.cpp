@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The parts of a URI reference, by the grammar of RFC 3986.
+// Reads the parts of a URI reference, by the grammar of RFC 3986.
 #include "foundation/text/UriReference.h"
 
 namespace ZQFoundation::detail {
@@ -42,8 +42,7 @@ constexpr bool is(Unit unit, unsigned char classes) noexcept {
     return code < 128 && (table.classes[code] & classes) != 0;
 }
 
-/// Reads one reference. Each step takes its piece at `at_` and leaves it behind; a failed step ends the
-/// reading.
+/// Reads one reference. Each step takes its piece at `at_` and moves past it; a failed step ends the reading.
 template <class Unit>
 class UriReader {
 public:
@@ -67,8 +66,8 @@ private:
 
     UriPart partFrom(std::size_t start) const noexcept { return {start, at_, true}; }
 
-    /// Before the first of : / ? # stands the scheme if that is a colon. So no relative path has a colon in
-    /// its first piece.
+    /// The text before the first of : / ? # is the scheme if that is a colon. So no relative path has a colon
+    /// in its first piece.
     bool readScheme(UriReference& out) noexcept {
         std::size_t end = 0;
         while (end < count_ && is(text_[end], letter | digit | schemeMark)) {
@@ -100,7 +99,7 @@ private:
             return true;
         }
         at_ += 2;
-        // What stands in front of an "@" is user information; only the "@" tells it from a host and its port.
+        // The text before an "@" is user information; only the "@" distinguishes it from a host and its port.
         const std::size_t start = at_;
         if (takeNames(":") && take('@')) {
             out.userInformation = {start, at_ - 1, true};
@@ -184,7 +183,7 @@ private:
         return false;
     }
 
-    /// What stands between brackets: an IPv6 address or, for addresses yet to come, "v1.text".
+    /// Takes the text between brackets: an IPv6 address or, for addresses yet to come, "v1.text".
     bool takeAddress() noexcept {
         if (!take('v') && !take('V')) {
             return takeIPv6Address();

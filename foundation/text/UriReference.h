@@ -7,7 +7,7 @@
 
 #include "foundation/text/StringView.h"
 
-/// URI references by the grammar of RFC 3986, read strictly: nothing is escaped, repaired or normalised.
+/// URI references by the grammar of RFC 3986, read strictly: nothing is escaped, repaired or normalized.
 ///
 ///     reference  = [scheme ":"] ["//" authority] path ["?" query] ["#" fragment]
 ///     scheme     = a letter, then letters, digits, "+" "-" "."
@@ -55,8 +55,8 @@ struct UriReference {
     }
 };
 
-/// Reads the text from front to back, in time linear in its length. False, with `out` meaning nothing, for a
-/// nil text and for one that is no URI reference. Positions count what the view counts; the text of a
+/// Reads the text from front to back, in time linear in its length. False, with `out` unspecified, for a nil
+/// text and for one that is not a URI reference. Positions count what the view counts; the text of a
 /// reference is ASCII.
 bool readUriReference(StringView text, UriReference& out) noexcept;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A URI reference resolved against a base, as RFC 3986 says.
+// Resolves a URI reference against a base, by RFC 3986.
 #include "foundation/text/UriResolution.h"
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-/// What a relative reference means where its base stands, by RFC 3986, section 5.2.
+/// Resolves a relative reference against its base, by RFC 3986, section 5.2.
 namespace ZQFoundation::detail {
 
 /// The target of the reference against the base, both of them texts that readUriReference() accepts; the

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// UTF-8 and UTF-16 converted, in blocks where all is ASCII.
+// Converts UTF-8 and UTF-16, in blocks where all is ASCII.
 #include "foundation/text/Utf.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ constexpr char16_t replacementUnit = 0xFFFD;
 constexpr char32_t escapeBase = 0xDC00;
 
 // ASCII goes by blocks that are tested with a few word operations and then copied by a loop of fixed length,
-// which compilers turn into vector instructions at every level of optimisation.
+// which compilers turn into vector instructions at every level of optimization.
 constexpr std::size_t blockLength = 32;
 constexpr std::uint64_t nonAsciiBytes = 0x8080808080808080;
 constexpr std::uint64_t nonAsciiUnits = 0xFF80FF80FF80FF80;
@@ -232,9 +232,9 @@ inline char32_t codePointOfPair(const char16_t* pair) {
 
 inline bool isEscapedByte(char16_t unit) { return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF; }
 
-/// Whether the unpaired surrogate at `at` may be written as the byte that it stands for. It may not where the
+/// Whether the unpaired surrogate at `at` may be written as the byte that it represents. It may not where the
 /// bytes of it and its followers would read back as a character: only then would the text change silently.
-/// Looking forward from every unit is enough, since the neighbours of a run of such units begin with a lead
+/// Looking forward from every unit is enough, since the neighbors of a run of such units begin with a lead
 /// byte or ASCII and are complete, so nothing outside the run joins bytes of the run.
 bool standsForByte(const char16_t* at, std::size_t left) {
     constexpr std::size_t maxSequenceBytes = 4;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// NSCalendar: how many units lie between two dates.
+// NSCalendar: the number of units between two dates.
 #include <algorithm>
 
 #include "foundation/time/CalendarFields.h"

@@ -6,7 +6,7 @@
 #include "foundation/objects/CivilTime.h"
 
 /// Small questions about fields of dates. Days are day numbers, 0 being 1970-01-01, and years astronomical
-/// ones, unless said otherwise; no year is so far away that its days have no room in 64 bits.
+/// ones, unless said otherwise; no year is so far away that its days do not fit in 64 bits.
 namespace ZQFoundation::detail {
 
 /// Years of an era are counted from 1 away from its beginning: year 0 is year 1 of the era before.
@@ -21,8 +21,8 @@ inline std::int64_t firstDayOfMonth(std::int64_t year, int month) noexcept {
     return days;
 }
 
-/// How the weeks of a year are told: by ISO 8601, from Monday, a week belonging to the year of its Thursday;
-/// or plainly, from Sunday, week 1 being the one that holds 1 January.
+/// How the weeks of a year are numbered: by ISO 8601, from Monday, a week belonging to the year of its
+/// Thursday; or plainly, from Sunday, week 1 being the one that contains 1 January.
 enum class WeekRule : unsigned char { iso8601, plain };
 
 inline std::int64_t firstDayOfWeek(std::int64_t days, WeekRule rule) noexcept {

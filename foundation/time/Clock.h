@@ -9,7 +9,7 @@
 
 namespace ZQFoundation::detail {
 
-/// An instant as the system's clock gives it: whole seconds since 1970, rounded down, and what is left.
+/// An instant of the system's clock: whole seconds since 1970, rounded down, and the rest.
 struct Instant {
     std::int64_t seconds;
     std::int32_t nanoseconds; ///< 0 to 999,999,999

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Instants as calendar fields and back, differences and units of time.
+// Converts instants to calendar fields and back; differences and units of time.
 #include "foundation/time/NSCalendar.h"
 
 #include <string_view>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSCalendar and NSDateComponents, the fields of dates.
 #ifndef ZQFOUNDATION_TIME_NSCALENDAR_H
 #define ZQFOUNDATION_TIME_NSCALENDAR_H
 
@@ -57,14 +58,14 @@ inline constexpr const char* NSCalendarIdentifierISO8601 = "iso8601";
 
 /// Turns instants into fields and back, by the rules of the Gregorian calendar at all times, also before they
 /// were introduced, on the clocks of a time zone. A small value; copy it freely, use it from any thread. A
-/// default-made one is nil and answers nil, 0, false and unset fields.
+/// default-constructed one is nil and returns nil, 0, false and unset fields.
 ///
 /// A year comes back as the year of its era, so only with the era is it clear which year it was. Where a
 /// year is given without an era, 0 is the year before 1, and -1 the one before that. The years to which weeks
 /// belong have no eras and count through 0.
 ///
 /// The calendar reaches 292,000,000,000 years of 365.2425 days to both sides of 1970. A date beyond, and one
-/// that is no number, has no fields.
+/// that is NaN, has no fields.
 class ZQFOUNDATION_EXPORT NSCalendar {
 public:
     constexpr NSCalendar() noexcept = default;
@@ -113,11 +114,10 @@ public:
     NSDateComponents components_fromDate_toDate(unsigned units, const NSDate& from,
                                                 const NSDate& to) const noexcept;
 
-    /// The first instant of the unit around the date and, in seconds, how long it lasts: 23 or 25 hours for a
-    /// day of changing clocks. Units year, quarter, month, week of year, day, hour, minute and second; an
-    /// hour or a minute in which the clocks are changed ends or begins with the change. False, with nothing
-    /// written, for others, for a nil date and one that the calendar does not reach. Either pointer may be
-    /// null.
+    /// The first instant of the unit around the date and its length in seconds: 23 or 25 hours for a day of
+    /// changing clocks. Units year, quarter, month, week of year, day, hour, minute and second; an hour or a
+    /// minute in which the clocks are changed ends or begins with the change. False, with nothing written,
+    /// for others, for a nil date and one that the calendar does not reach. Either pointer may be null.
     bool rangeOfUnit_startDate_interval_forDate(NSCalendarUnit unit, NSDate* start, NSTimeInterval* interval,
                                                 const NSDate& date) const noexcept;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The present instant, and dates as whole numbers.
+// The current instant, and dates as whole numbers.
 #include <cmath>
 
 #include <time.h>

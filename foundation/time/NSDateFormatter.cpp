@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dates written by a pattern.
+// Writes dates by a pattern.
 #include "foundation/time/NSDateFormatter.h"
 
 #include "foundation/time/DatePattern.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSDateFormatter, which writes dates as text.
 #ifndef ZQFOUNDATION_TIME_NSDATEFORMATTER_H
 #define ZQFOUNDATION_TIME_NSDATEFORMATTER_H
 
@@ -25,9 +26,9 @@ namespace ZQFoundation {
 ///     Z ZZZZ ZZZZZ          offset                         +0100 GMT+01:00 +01:00 (in UTC +0000 GMT Z)
 ///     z zzzz                zone                           CET, Central European Standard Time
 ///
-/// Text between single quotes is copied, and so is everything that is no ASCII letter; two single
-/// quotes are one, inside quotes and outside. A quote that is not closed runs to the end. Other ASCII letters
-/// are reserved: today they are copied.
+/// Text between single quotes is copied, and so is everything that is not an ASCII letter; two single quotes
+/// are one, inside quotes and outside. An unclosed quote extends to the end. Other ASCII letters are
+/// reserved: today they are copied.
 ///
 /// The instant is rounded to the nearest millisecond first, half up. Weeks begin on Monday, and the first one
 /// of a year is that of its first Thursday. A zone without a name of its own is written as its offset:
@@ -38,7 +39,7 @@ class ZQFOUNDATION_EXPORT NSDateFormatter {
 public:
     NSDateFormatter() noexcept = default;
 
-    /// Sets the pattern. Nil, as at first, gives empty texts.
+    /// Sets the pattern. With nil, the initial value, texts are empty.
     void setDateFormat(NSString format) noexcept { dateFormat_ = static_cast<NSString&&>(format); }
 
     /// The pattern; nil before it is set.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares NSTimeZone, the offsets of a region from UTC.
 #ifndef ZQFOUNDATION_TIME_NSTIMEZONE_H
 #define ZQFOUNDATION_TIME_NSTIMEZONE_H
 
@@ -14,16 +15,16 @@ namespace ZQFoundation {
 /// A time zone: how far clocks are ahead of UTC at any instant, and what they are called then.
 ///
 /// A small handle to data that all copies share and that stay for the life of the process; copy it freely,
-/// use it from any thread. A default-made one is nil and answers 0, false and nil. Before a zone's first
-/// recorded change its first offset holds, and after the last one its rule continues without end.
+/// use it from any thread. A default-constructed one is nil and returns 0, false and nil. Before a zone's
+/// first recorded change its first offset applies, and after the last one its rule continues without end.
 class ZQFOUNDATION_EXPORT NSTimeZone {
 public:
     constexpr NSTimeZone() noexcept = default;
     constexpr NSTimeZone(std::nullptr_t) noexcept {}
 
-    /// The process's zone: what the environment variable TZ said at the first use of the zone, or at the last
-    /// `resetSystemTimeZone`, else the system's setting. TZ may hold a name ("Europe/Berlin"), the path of a
-    /// zone file, either after a colon, or a rule ("CET-1CEST,M3.5.0,M10.5.0/3"). Empty, unreadable or
+    /// The process's zone: the value of the environment variable TZ at the first use of the zone, or at the
+    /// last `resetSystemTimeZone`, else the system's setting. TZ may hold a name ("Europe/Berlin"), the path
+    /// of a zone file, either after a colon, or a rule ("CET-1CEST,M3.5.0,M10.5.0/3"). Empty, unreadable or
     /// meaningless: UTC. Never nil. Takes no lock, so it is safe in a forked child.
     static NSTimeZone systemTimeZone() noexcept;
 

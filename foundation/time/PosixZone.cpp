@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Time zone rules in the notation of POSIX.
+// Reads and applies time zone rules in the notation of POSIX.
 #include "foundation/time/PosixZone.h"
 
 #include "foundation/objects/CivilTime.h"
@@ -17,7 +17,7 @@ constexpr bool isNameCharacter(char c, bool quoted) noexcept {
     return isLetter(c) || (quoted && (isDigit(c) || c == '+' || c == '-'));
 }
 
-/// Takes pieces off the front of a text. A piece that is not there leaves the cursor somewhere in front of
+/// Takes pieces from the front of a text. A missing piece leaves the cursor at an unspecified place before
 /// it.
 struct Cursor {
     const char* at;

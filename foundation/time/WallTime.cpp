@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Wall times turned into instants where clocks skip or repeat.
+// Converts wall times to instants, also where clocks skip or repeat.
 #include "foundation/time/WallTime.h"
 
 #include <algorithm>

@@ -13,7 +13,7 @@
 /// seconds, each day having 86400, from the midnight with which 1970 began on the same wall.
 namespace ZQFoundation::detail {
 
-/// Calendars know the instants that are at most so many seconds from 1970, 292,000,000,000 years. What
+/// Calendars know the instants that are at most this many seconds from 1970, 292,000,000,000 years. What
 /// remains of 64 bits is enough to go on to the end of any year, and to any zone's offset.
 inline constexpr std::int64_t maxCalendarSeconds = 292000000000 * 31556952;
 
@@ -62,7 +62,7 @@ inline std::int64_t startOfDay(std::int64_t days, const NSTimeZone& zone) noexce
 /// nil, not-a-number, and what is beyond the calendar.
 [[nodiscard]] bool instantOfDate(const NSDate& date, Instant& instant) noexcept;
 
-/// The nearest date that there is.
+/// The nearest date.
 NSDate dateOfInstant(Instant instant) noexcept;
 
 } // namespace ZQFoundation::detail

@@ -8,7 +8,7 @@
 
 namespace ZQFoundation::detail {
 
-/// The library's own way into time zones, by seconds since 1970. Nil counts as UTC.
+/// The library's internal access to time zones, by seconds since 1970. Nil counts as UTC.
 struct ZoneAccess {
     static std::int32_t offsetAt(const NSTimeZone& zone, std::int64_t seconds) noexcept;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Zone files read, and the period around an instant found.
+// Reads zone files, and finds the period around an instant.
 #include "foundation/time/ZoneRules.h"
 
 #include <algorithm>
@@ -44,7 +44,7 @@ struct Header {
 
 } // namespace
 
-/// Reads zone data front to back; every step answers whether the data are good so far.
+/// Reads zone data front to back; every step returns whether the data are good so far.
 class ZoneDataReader {
 public:
     ZoneDataReader(const char* bytes, std::size_t count) noexcept

@@ -41,7 +41,7 @@ constexpr char localZoneFile[] = "/etc/localtime";
 /// All zones, in a list that only ever grows, at its head.
 constinit std::atomic<Zone*> zones{nullptr};
 
-/// Null until somebody asks.
+/// Null until first used.
 constinit std::atomic<const Zone*> ownZone{nullptr};
 
 template <class Predicate>
@@ -73,7 +73,7 @@ const Zone* addZone(std::unique_ptr<Zone> zone) {
 
 /// The bytes of a regular file, or nothing when there are more than zone data can have.
 std::optional<std::string> readZoneFile(const std::string& path) {
-    // Without O_NONBLOCK a FIFO would keep us waiting for a writer.
+    // Without O_NONBLOCK a FIFO would wait for a writer.
     const Descriptor file(openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status = {};
     if (!file || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
@@ -94,7 +94,7 @@ std::optional<std::string> readZoneFile(const std::string& path) {
 }
 
 const Zone* zoneFromRules(std::string source, std::string name, std::optional<ZoneRules> rules) {
-    // The same file may have been read before; only when it says something else now is it another zone.
+    // The same file may have been read before; it is another zone only if its contents differ now.
     return rules ? addZone(std::unique_ptr<Zone>(
                        new Zone{nullptr, std::move(source), std::move(name), std::move(*rules)}))
                  : nullptr;
@@ -144,8 +144,8 @@ const Zone* readNamedZone(std::string_view name) {
     return zone;
 }
 
-/// Zone files bear their zone's name in their path: "/usr/share/zoneinfo/Europe/Berlin". A link tells more
-/// than its own name. Other paths are names themselves.
+/// Zone files have their zone's name in their path: "/usr/share/zoneinfo/Europe/Berlin". A link's target is
+/// better than its own name. Other paths are names themselves.
 std::string nameOfZoneFile(const std::string& path) {
     std::string target(1024, '\0');
     const ssize_t length = readlink(path.c_str(), target.data(), target.size());

@@ -9,11 +9,11 @@
 
 #include "foundation/time/ZonePeriod.h"
 
-/// The zones of the process. A zone is made once and never destroyed, so a pointer to one stays good for
-/// ever.
+/// The zones of the process. A zone is made once and never destroyed, so a pointer to one stays valid
+/// forever.
 ///
 /// Nothing here takes a lock: what threads share is replaced by one store, so a child that is forked while
-/// other threads are at work finds everything whole. Nothing needs to be initialised, and `errno` is
+/// other threads are at work finds everything consistent. Nothing needs to be initialized, and `errno` is
 /// preserved. The memory grows with the number of different zones that the process has used, not with how
 /// often it goes from one to another.
 namespace ZQFoundation::detail {
@@ -25,8 +25,8 @@ struct Zone;
 /// file.
 const Zone* namedZone(const char* name, std::size_t length);
 
-/// The process's zone, from the TZ variable as it was at the first call or the last `rereadProcessZone`.
-/// Null stands for UTC, when there is no memory.
+/// The process's zone, from the TZ variable as it was at the first call or the last `rereadProcessZone`. Null
+/// means UTC, if there is no memory.
 ///
 ///     unset                        /etc/localtime
 ///     "Europe/Berlin", ":..."      the zone of that name
@@ -34,7 +34,7 @@ const Zone* namedZone(const char* name, std::size_t length);
 ///     "CET-1CEST,M3.5.0,M10.5.0/3" that rule
 ///     "", or none of these         UTC
 ///
-/// One load, and the environment is not asked: another thread of the host may be changing it.
+/// Costs one load, and does not read the environment: another thread of the host may be changing it.
 const Zone* processZone() noexcept;
 
 /// Reads the variable and the zone's file again; keeps the zone when there is no memory.
