@@ -85,6 +85,6 @@ void migrateOldData() {
     migrateNotes();
     for (const std::string& folder : workspace.changedFolders()) {
         ZQLog::logFunctionName_logAlways_logForTraceKey_usingFormat(__func__, true, TraceKeys::migration,
-                                                                    "to be shown anew: %@", folder);
+                                                                    "to be shown again: %@", folder);
     }
 }

@@ -185,7 +185,7 @@ public:
             return ObjectConversion<T>::fromObject(*this);
         } else {
             static_assert(std::is_base_of_v<NSObject, T>,
-                          "a value is a handle, or a type whose specialisation of "
+                          "a value is a handle, or a type whose specialization of "
                           "ZQFoundation::ObjectConversion has \"fromObject\"");
             return T(*this);
         }

@@ -224,7 +224,7 @@ private:
             return fail("The text ends where an element is expected", cursor_);
         }
         if (*cursor_ != '<') {
-            return fail("Text stands where an element is expected", cursor_);
+            return fail("Text where an element is expected", cursor_);
         }
         tag.start = cursor_;
         const Unit* name = ++cursor_;
@@ -233,7 +233,7 @@ private:
         }
         tag.element = elementNamed(name, static_cast<std::size_t>(cursor_ - name));
         if (tag.element == Element::unknown) {
-            return fail(isAtUnexpectedClose(name) ? "A close tag stands where an element is expected"
+            return fail(isAtUnexpectedClose(name) ? "A close tag where an element is expected"
                                                   : "The element is not known",
                         tag.start);
         }
@@ -392,7 +392,7 @@ private:
             value = NSDictionary::dictionary();
             return true;
         case Element::plist:
-            return fail("A property list cannot stand inside another", tag.start);
+            return fail("A property list cannot be inside another", tag.start);
         default:
             return readNotation(tag, value);
         }
@@ -460,7 +460,7 @@ private:
                 return readCloseTag(tag.element);
             }
             if (!startsWith(cursor_, end_, "<![CDATA[")) {
-                return fail("Only text may stand here", cursor_);
+                return fail("Only text is allowed here", cursor_);
             }
             if (!appendLiteralSection(text)) {
                 return false;

@@ -304,7 +304,7 @@ public:
         : arguments_{Argument(arguments)...} {
         static_assert((std::is_constructible_v<Argument, const Arguments&> && ...),
                       "an argument of a format is a number, a text, a value, an object or a pointer; for any "
-                      "other type specialise ZQFoundation::ObjectConversion");
+                      "other type specialize ZQFoundation::ObjectConversion");
     }
     constexpr ArgumentList list() const noexcept { return {arguments_, count}; }
 

@@ -37,7 +37,7 @@ void format_conversion_requires_a_text_of_char();
 template <class Conversion, class Argument>
 void format_conversion_requires_a_text_of_char16_t();
 template <class Conversion, class Argument>
-void format_conversion_requires_an_object_or_text_or_a_specialised_ObjectConversion();
+void format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion();
 template <class Conversion, class Argument>
 void format_conversion_requires_a_pointer();
 template <class Conversion, class Argument, class Write>
@@ -124,7 +124,7 @@ constexpr FormatRefusal formatRefusalOfArgument(char16_t letter) {
     case u'S':
         return format_conversion_requires_a_text_of_char16_t<conversion<'S'>, Argument>;
     case u'@':
-        return format_conversion_requires_an_object_or_text_or_a_specialised_ObjectConversion<conversion<'@'>,
+        return format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion<conversion<'@'>,
                                                                                               Argument>;
     default:
         return format_conversion_requires_a_pointer<conversion<'p'>, Argument>;

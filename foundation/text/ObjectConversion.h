@@ -76,7 +76,7 @@ auto convertedObject(const T& object) {
     constexpr bool isRight = requires {
         { ObjectConversion<T>::object(object) } -> std::derived_from<NSObject>;
     };
-    static_assert(isRight, "a specialisation of ZQFoundation::ObjectConversion has the static member "
+    static_assert(isRight, "a specialization of ZQFoundation::ObjectConversion has the static member "
                            "\"object\", which takes the type by const reference and returns a value, or the "
                            "static member \"text\", which returns a StringView");
     return ObjectConversion<T>::object(object);

@@ -435,7 +435,7 @@ TEST(XmlReader, namesLineAndColumn) {
     };
     for (const ErrorRow& row : std::initializer_list<ErrorRow>{
              {"", "The text ends where an element is expected (line 1, column 1)"},
-             {"x", "Text stands where an element is expected (line 1, column 1)"},
+             {"x", "Text where an element is expected (line 1, column 1)"},
              {"<plist>\n<foo/></plist>", "The element is not known (line 2, column 1)"},
              {"<plist/>", "The property list holds no value (line 1, column 1)"},
              {"<array>\r\n\t</dict>", "The close tag does not match the open tag (line 2, column 2)"},
@@ -444,7 +444,7 @@ TEST(XmlReader, namesLineAndColumn) {
              {"<string>\u00E9\U0001F600&x;</string>", "The reference is not known (line 1, column 12)"},
              {"<string>&#x110000;</string>", "The reference is beyond the last character (line 1, column 9)"},
              {"<string>&#x;</string>", "The numeric reference is malformed (line 1, column 9)"},
-             {"<string>a<b/></string>", "Only text may stand here (line 1, column 10)"},
+             {"<string>a<b/></string>", "Only text is allowed here (line 1, column 10)"},
              {"<integer>1 </integer>", "The integer is malformed (line 1, column 10)"},
              {"<integer>18446744073709551616</integer>", "The integer is out of range (line 1, column 10)"},
              {"<real>x</real>", "The real number is malformed (line 1, column 7)"},
@@ -458,7 +458,7 @@ TEST(XmlReader, namesLineAndColumn) {
              {"<array a='", "A quoted value in a tag is not closed (line 1, column 10)"},
              {"<string>a", "An element is not closed (line 1, column 1)"},
              {"<true>x</true>", "The close tag is missing (line 1, column 7)"},
-             {"<array>x", "Text stands where an element is expected (line 1, column 8)"},
+             {"<array>x", "Text where an element is expected (line 1, column 8)"},
          }) {
         std::string errorText;
         EXPECT_EQ(read(row.text, &errorText), "nil") << row.text;

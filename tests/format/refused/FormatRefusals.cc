@@ -105,7 +105,7 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     NSString::stringWithFormat("%2$ld %1$d", 5L, 5L);
 #endif
 #ifdef REFUSE_A_CONVERSION_WITHOUT_MEMBERS
-    // expected: a specialisation of ZQFoundation::ObjectConversion has the static member
+    // expected: a specialization of ZQFoundation::ObjectConversion has the static member
     NSArray{Wrong()};
 #endif
 #ifdef REFUSE_TEXT_FOR_AN_INTEGER

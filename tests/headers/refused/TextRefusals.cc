@@ -16,11 +16,11 @@ void right(const std::array<char, 8>& buffer, const std::vector<char>& bytes, co
     const NSArray all{bytes, text, ofAllOfIt};
 
 #ifdef REFUSE_A_BUFFER_AS_A_STRING
-    // expected: pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+    // expected: pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
     const NSString refused = buffer;
 #endif
 #ifdef REFUSE_A_BUFFER_AS_A_VALUE
-    // expected: pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+    // expected: pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
     const NSArray refused{buffer};
 #endif
 #ifdef REFUSE_A_BUFFER_AS_A_TEXT
@@ -28,11 +28,11 @@ void right(const std::array<char, 8>& buffer, const std::vector<char>& bytes, co
     ZQLog::log(buffer);
 #endif
 #ifdef REFUSE_A_BUFFER_AS_AN_ARGUMENT
-    // expected: format_conversion_requires_an_object_or_text_or_a_specialised_ObjectConversion
+    // expected: format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion
     ZQLog::logWithFormat("%@", buffer);
 #endif
 #ifdef REFUSE_A_BUFFER_AS_AN_ARGUMENT_OF_ANY_FORMAT
-    // expected: for any other type specialise ZQFoundation::ObjectConversion
+    // expected: for any other type specialize ZQFoundation::ObjectConversion
     ZQLog::logWithFormat(ofTheBuffer, buffer);
 #endif
 #ifdef REFUSE_WIDE_CHARACTERS
@@ -40,7 +40,7 @@ void right(const std::array<char, 8>& buffer, const std::vector<char>& bytes, co
     ZQLog::log(std::wstring(L"wide"));
 #endif
 #ifdef REFUSE_BYTES_WITHOUT_AN_ENCODING
-    // expected: pass StringView(data, bytes) or c_str(), or specialise ObjectConversion
+    // expected: pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
     const NSString refused = std::vector<unsigned char>{1, 2};
 #endif
 }

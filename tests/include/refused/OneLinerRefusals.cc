@@ -73,7 +73,7 @@ void right(const NSString& text, const NSDictionary& settings, const NSArray& na
     ZQLog::logWithFormat("%d", names.count());
 #endif
 #ifdef REFUSE_AS_OF_ANY_OTHER_TYPE
-    // expected: whose specialisation of ZQFoundation::ObjectConversion has
+    // expected: whose specialization of ZQFoundation::ObjectConversion has
     (void)number.as<int>();
 #endif
 }
