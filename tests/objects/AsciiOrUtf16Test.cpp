@@ -23,7 +23,8 @@ std::u16string unitsOf(const AsciiOrUtf16& text) {
 }
 
 TEST(AsciiOrUtf16, isAsciiExactlyWhenEveryUnitIs) {
-    for (const std::size_t length : {0, 1, 7, 127, 128, 129, 130, 5000}) { // some need a block of their own
+    for (const std::size_t length :
+         {0U, 1U, 7U, 127U, 128U, 129U, 130U, 5000U}) { // some need a block of their own
         const std::u16string plain(length, u'a');
         const std::string bytes(length, 'a');
         for (const StringView& view : {StringView(bytes), StringView(plain)}) {

@@ -309,8 +309,8 @@ TEST(StringSearch, takesARangeForAWholeText) {
         const std::size_t start = numbers.below(text.size());
         const NSRange range{start, numbers.below(text.size() - start + 1)};
         const std::u16string_view searched = std::u16string_view(text).substr(0, start + range.length);
-        const std::u16string wanted =
-            numbers.text(alphabet.substr(0, alphabet.size() - 2 * (round % 2)), 1 + numbers.below(3));
+        const std::u16string wanted = numbers.text(
+            alphabet.substr(0, alphabet.size() - (round % 2 == 0 ? 0U : 2U)), 1 + numbers.below(3));
         for (unsigned options = 0; options < 16; ++options) {
             const NSRange expected = models::placeOf(searched, start, wanted, options);
             ASSERT_EQ(string.rangeOfString_options_range(stringOf(wanted), options, range), expected)

@@ -19,7 +19,7 @@ namespace {
 
 TEST(LinkReading, readsTextsOfEveryLength) {
     const kit::ScratchFolder folder;
-    for (const std::size_t length : {1, 10, 510, 511, 512, 513, 2047, 2048, 2049, 4095}) {
+    for (const std::size_t length : {1U, 10U, 510U, 511U, 512U, 513U, 2047U, 2048U, 2049U, 4095U}) {
         const std::string text(length, 'x');
         const std::string link = folder / std::to_string(length);
         ASSERT_EQ(::symlink(text.c_str(), link.c_str()), 0);
