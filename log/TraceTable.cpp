@@ -30,7 +30,8 @@ void store(std::uint64_t& word, std::uint64_t value) noexcept {
 } // namespace
 
 TraceTable* TraceTable::make(std::size_t keys, const TraceTable* replaced) {
-    static_assert(sizeof(TraceTable) == sizeof(Slot) && alignof(TraceTable) == alignof(Slot));
+    static_assert(sizeof(TraceTable) == sizeof(Slot));
+    static_assert(alignof(TraceTable) == alignof(Slot));
     const std::size_t slots = slotsFor(keys);
     const std::size_t bytes = sizeof(TraceTable) + slots * sizeof(Slot);
     void* const memory = ::operator new(bytes, std::align_val_t(alignof(TraceTable)));
