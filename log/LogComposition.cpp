@@ -15,15 +15,16 @@ namespace ZQFoundation::detail {
 namespace {
 
 void appendAddress(TextBuilder& out, const void* address) {
-    char digits[2 * sizeof address];
-    std::size_t first = sizeof digits;
+    char text[2 + 2 * sizeof address];
+    std::size_t first = sizeof text;
     auto rest = reinterpret_cast<std::uintptr_t>(address);
     do {
-        digits[--first] = "0123456789abcdef"[rest & 15];
+        text[--first] = "0123456789abcdef"[rest & 15];
         rest >>= 4;
     } while (rest != 0);
-    out.appendLiteral("0x");
-    out.appendAscii(digits + first, sizeof digits - first);
+    text[--first] = 'x';
+    text[--first] = '0';
+    out.appendAscii(text + first, sizeof text - first);
 }
 
 void appendMethod(TextBuilder& out, StringView method) {

@@ -47,8 +47,6 @@ bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     if (bytes.size() > longestKey || bytes.find("\uFFFD") != std::string::npos) {
         return false;
     }
-    std::uint64_t words[textWords];
-    readWords(bytes.data(), bytes.size(), words);
     const std::uint64_t hash = hashOf(bytes.data(), bytes.size());
     std::size_t place = hash;
     while (slots()[place & slotMask_].word != 0) {
@@ -56,20 +54,9 @@ bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     }
     Slot& slot = slots()[place & slotMask_];
     for (std::size_t i = 0; i < wordsIn(bytes.size()); ++i) {
-        store(slot.text[i], words[i]);
+        store(slot.text[i], wordOf(bytes.data(), bytes.size(), i));
     }
     store(slot.word, answer.word() | nameOf(hash, bytes.size()));
-    return true;
-}
-
-bool TraceTable::hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept {
-    std::uint64_t words[textWords];
-    readWords(bytes, length, words);
-    for (std::size_t i = 0; i < wordsIn(length); ++i) {
-        if (__atomic_load_n(&slot.text[i], __ATOMIC_ACQUIRE) != words[i]) {
-            return false;
-        }
-    }
     return true;
 }
 

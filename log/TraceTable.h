@@ -112,7 +112,6 @@ private:
     const Slot* slots() const noexcept { return reinterpret_cast<const Slot*>(this + 1); }
 
     TraceAnswer findUnits(const char16_t* units, std::size_t count) const noexcept;
-    static bool hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept;
     bool enter(const NSString& key, TraceAnswer answer);
 
     static std::size_t wordsIn(std::size_t length) noexcept { return (length + 7) / 8; }
@@ -124,21 +123,30 @@ private:
         return word;
     }
 
-    /// From `shortestKey` to `longestKey` bytes as words, without reading beyond them.
-    static void readWords(const char* bytes, std::size_t count, std::uint64_t* words) noexcept {
-        const std::size_t last = wordsIn(count) - 1;
-        if constexpr (std::endian::native != std::endian::little) {
-            words[last] = 0;
-            std::memcpy(words, bytes, count);
-        } else if (count < 8) {
-            words[0] = load<std::uint32_t>(bytes) | std::uint64_t{load<std::uint32_t>(bytes + count - 4)}
-                                                        << 8 * (count - 4);
-        } else {
-            for (std::size_t i = 0; i < last; ++i) {
-                words[i] = load<std::uint64_t>(bytes + 8 * i);
-            }
-            words[last] = load<std::uint64_t>(bytes + count - 8) >> 8 * (8 * (last + 1) - count);
+    /// The word of that index of a text of `shortestKey` to `longestKey` bytes, without reading beyond it.
+    static std::uint64_t wordOf(const char* bytes, std::size_t count, std::size_t index) noexcept {
+        if (count >= 8 * index + 8) {
+            return load<std::uint64_t>(bytes + 8 * index);
         }
+        if constexpr (std::endian::native != std::endian::little) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, bytes + 8 * index, count - 8 * index);
+            return word;
+        } else if (count < 8) {
+            return load<std::uint32_t>(bytes) | std::uint64_t{load<std::uint32_t>(bytes + count - 4)}
+                                                    << 8 * (count - 4);
+        } else {
+            return load<std::uint64_t>(bytes + count - 8) >> 8 * (8 * index + 8 - count);
+        }
+    }
+
+    static bool hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept {
+        std::size_t i = 0;
+        while (i < wordsIn(length) &&
+               __atomic_load_n(&slot.text[i], __ATOMIC_ACQUIRE) == wordOf(bytes, length, i)) {
+            ++i;
+        }
+        return i == wordsIn(length);
     }
 
     /// Of at least `shortestKey` bytes. The two ends are mixed in parallel; few keys are longer than both.

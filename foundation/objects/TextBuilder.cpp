@@ -2,6 +2,7 @@
 // Growing and widening of text builders, and appending text that is not ASCII.
 #include "foundation/objects/TextBuilder.h"
 
+#include <cstdint>
 #include <new>
 
 #include "foundation/objects/StringBodies.h"
@@ -14,6 +15,40 @@ namespace {
 
 /// Keeps every byte count that follows from a capacity far from overflow.
 constexpr std::size_t maxTextUnits = static_cast<std::size_t>(1) << 61;
+
+/// Up to this many bytes, one pass that copies while it looks beats a look and a copy.
+constexpr std::size_t maxShortText = 128;
+
+template <class Word>
+Word copyWord(const char* from, char* to) noexcept {
+    Word word;
+    std::memcpy(&word, from, sizeof word);
+    std::memcpy(to, &word, sizeof word);
+    return word;
+}
+
+/// Copies at least one word: word by word, the last one over the end of the one before it.
+template <class Word>
+bool copyWordsIfAscii(const char* from, std::size_t count, char* to) noexcept {
+    const std::size_t last = count - sizeof(Word);
+    Word seen = copyWord<Word>(from + last, to + last);
+    for (std::size_t i = 0; i < last; i += sizeof(Word)) {
+        seen |= copyWord<Word>(from + i, to + i);
+    }
+    constexpr Word highBits = static_cast<Word>(0x8080808080808080);
+    return (seen & highBits) == 0;
+}
+
+/// False if a byte is not ASCII; what was copied then means nothing.
+bool copyIfAscii(const char* from, std::size_t count, char* to) noexcept {
+    if (count >= sizeof(std::uint64_t)) {
+        return copyWordsIfAscii<std::uint64_t>(from, count, to);
+    }
+    if (count >= sizeof(std::uint32_t)) {
+        return copyWordsIfAscii<std::uint32_t>(from, count, to);
+    }
+    return count == 0 || copyWordsIfAscii<unsigned char>(from, count, to);
+}
 
 } // namespace
 
@@ -131,6 +166,15 @@ void TextBuilder::appendCodePoint(char32_t codePoint) {
 }
 
 void TextBuilder::appendUtf8(const char* bytes, std::size_t count) {
+    if (holdsBytes() && count <= maxShortText && count <= capacityBytes_ - length_ &&
+        copyIfAscii(bytes, count, static_cast<char*>(data_) + length_)) [[likely]] {
+        length_ += count;
+    } else {
+        appendLongUtf8(bytes, count);
+    }
+}
+
+void TextBuilder::appendLongUtf8(const char* bytes, std::size_t count) {
     const std::size_t plain =
         form_ == Form::utf8 ? wellFormedUtf8Prefix(bytes, count) : asciiPrefixLength(bytes, count);
     appendAscii(bytes, plain);

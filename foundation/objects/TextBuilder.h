@@ -98,6 +98,7 @@ private:
 
     bool holdsBytes() const noexcept { return form_ != Form::units; }
     void appendAsciiSlowly(const char* bytes, std::size_t count);
+    void appendLongUtf8(const char* bytes, std::size_t count);
     void appendUnitsAsUtf8(const char16_t* units, std::size_t count);
     void appendWithSurrogates(const char16_t* units, std::size_t count);
     void appendSurrogate(char16_t surrogate);
