@@ -24,9 +24,9 @@ endif()
 include(GoogleTest)
 
 set(ZQ_THREAD_SUITES "Concurren|Thread|Fork")
-# Those and the suites that start many processes take too long to be run twice.
-string(JOIN ":" ZQ_LONG_SUITES
-    *Concurren* *Thread* *Fork* FaultInjection* Leftovers* MigrationsAtOnce* PowerCut* Swapping* WritersMeanwhile*)
+# Those and the suites that start many processes always run in processes of their own.
+set(ZQ_LONG_SUITES "${ZQ_THREAD_SUITES}|FaultInjection|Leftovers|MigrationsAtOnce|PowerCut|Swapping|WritersMeanwhile")
+string(REGEX REPLACE "([A-Za-z]+)[|]?" "*\\1*:" ZQ_LONG_SUITES_FILTER "${ZQ_LONG_SUITES}")
 
 # A locale with a decimal comma, made once for the tests so that every machine has it. The C library looks in
 # the folder that the environment variable LOCPATH names. Without it some tests would compare nothing.
@@ -132,13 +132,18 @@ foreach(test IN LISTS @target@_TESTS)
     if(NOT place EQUAL -1)
         set_tests_properties("${test}" PROPERTIES DISABLED TRUE)
     endif()
+    if(NOT test MATCHES "^[a-z]+[.][^.]*(@ZQ_LONG_SUITES@)")
+        set_tests_properties("${test}" PROPERTIES LABELS single)
+    endif()
 endforeach()
 ]] @ONLY)
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
     if(ZQFOUNDATION_SHUFFLED_TESTS)
-        # All of them in one process: what one leaves over must not matter to another.
+        # All of them in one process: what one leaves over must not matter to another. The report says which
+        # tests were skipped.
         add_test(NAME ${folder}.shuffled
-            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES})
+            COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES_FILTER}
+                --gtest_output=json:${PROJECT_BINARY_DIR}/shuffled/${folder}.json)
         set_tests_properties(${folder}.shuffled PROPERTIES
             LABELS shuffled TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
     endif()
