@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The names of the items in a folder.
+// All names are read before any is returned, so that changes meanwhile do no harm.
 #include <cstring>
 
 #include "foundation/files/FileError.h"
@@ -21,6 +22,7 @@ bool readFolder(StringView path, detail::FolderNames& names) {
         return false;
     }
     const detail::Descriptor folder(
+        // The folder itself may be given as a link.
         detail::openAt(handle.folder(), handle.name(), detail::folderFlags & ~O_NOFOLLOW));
     return folder && names.read(folder.number());
 }
