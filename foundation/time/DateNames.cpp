@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // English names of months, weekdays and zones.
+// The rows of zones follow the abbreviations of the zone files. An abbreviation may occur several times with
+// other offsets; both together are the key.
 #include "foundation/time/DateNames.h"
 
 namespace ZQFoundation::detail {
@@ -81,6 +83,7 @@ constexpr ZoneNameRow zoneNames[] = {
 
 } // namespace
 
+// The caller knows that the number is in range.
 std::string_view monthName(int month) noexcept { return months[month - 1]; }
 std::string_view shortMonthName(int month) noexcept { return months[month - 1].substr(0, 3); }
 
@@ -93,6 +96,7 @@ std::string_view longZoneName(const ZonePeriod& period) noexcept {
     if (period.abbreviation == nullptr) {
         return {};
     }
+    // A linear search: the long name of a zone is asked for rarely.
     for (const ZoneNameRow& row : zoneNames) {
         if (row.minutes * 60 == period.offset && row.abbreviation == period.abbreviation) {
             return row.name;
