@@ -148,7 +148,6 @@ NSDictionary attributesOf(const struct stat& information, const timespec* create
     if (created != nullptr) {
         attributes.setObject_forKey(dateOf(*created), NSFileCreationDate);
     }
-    // Without the bits of the kind.
     attributes.setObject_forKey(information.st_mode & 07777, NSFilePosixPermissions);
     attributes.setObject_forKey(information.st_nlink, NSFileReferenceCount);
     attributes.setObject_forKey(information.st_uid, NSFileOwnerAccountID);
@@ -183,7 +182,6 @@ void applyModificationDate(int descriptor, const NSDate& date) noexcept {
         return;
     }
     timespec times[2] = {};
-    // The access time stays.
     times[0].tv_nsec = UTIME_OMIT;
     times[1].tv_sec = static_cast<time_t>(static_cast<std::int64_t>(whole) + referenceInstant);
     times[1].tv_nsec = std::lround((instant - whole) * 1e9);

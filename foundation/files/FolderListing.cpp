@@ -22,7 +22,6 @@ bool readFolder(StringView path, detail::FolderNames& names) {
         return false;
     }
     const detail::Descriptor folder(
-        // The folder itself may be given as a link.
         detail::openAt(handle.folder(), handle.name(), detail::folderFlags & ~O_NOFOLLOW));
     return folder && names.read(folder.number());
 }

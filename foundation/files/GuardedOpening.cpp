@@ -32,7 +32,6 @@ bool isSameLink(const struct stat& left, const struct stat& right) noexcept {
            S_ISLNK(right.st_mode);
 }
 
-// An item itself, links not followed.
 bool getInformation(int folder, const char* name, struct stat& information) noexcept {
     return ::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) == 0;
 }

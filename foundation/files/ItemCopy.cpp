@@ -116,7 +116,6 @@ bool isFolderOurs(int folder, int parent) {
 
 /// Whether one more descriptor is available; checked before making something that then could not be opened.
 bool hasSpareDescriptor(int open) noexcept {
-    // Any descriptor serves to try.
     return static_cast<bool>(Descriptor(::fcntl(open, F_DUPFD_CLOEXEC, 0)));
 }
 

@@ -73,7 +73,6 @@ bool isMetAlongLinks(const struct stat& item, const NSString& itemPath, NSString
 
 /// Whether the item is one of the folders, or links to folders, that the path names.
 bool isSpelledWith(const struct stat& item, NSString path) {
-    // Each front of the path, down to its first name.
     for (path = path.stringByDeletingLastPathComponent(); path.length() > 1;
          path = path.stringByDeletingLastPathComponent()) {
         struct stat step;

@@ -22,7 +22,6 @@ bool ItemPlace::set(SharedFolder folder, const std::string& path) {
     const std::string bare = withoutEndSlashes(path);
     folder_ = std::move(folder);
     name_ = bare.empty() ? "." : bare.substr(bare.rfind('/') + 1); // the root folder has no name
-    // "a/" means a folder, as for the system.
     mustBeFolder_ = bare.size() != path.size();
     return true;
 }

@@ -88,7 +88,6 @@ private:
         }
         const std::string bare = detail::withoutEndSlashes(source_);
         detail::TreeCopy tree(bare.empty() ? "/" : bare);
-        // The path that failed may be deep inside.
         const bool isCopied = tree.run(std::move(folder), place);
         const int error = errno;
         failed_ = tree.path();

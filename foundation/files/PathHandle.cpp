@@ -18,7 +18,6 @@ constexpr std::size_t maxNameBytes = PATH_MAX - 1;
 } // namespace
 
 bool getPathBytes(StringView path, std::string& bytes) {
-    // As the system reports an empty path.
     if (path.size() == 0) {
         errno = ENOENT;
         return false;
@@ -53,7 +52,7 @@ bool takeName(const std::string& path, std::size_t& position, std::string& name)
 // Cuts at the last slash that fits, so that as few folders as possible are opened.
 bool PathHandle::openNextFolder(const std::string& path) noexcept {
     const std::size_t slash = path.rfind('/', offset_ + maxNameBytes - 1);
-    // A single name is longer than any name may be.
+    // Without a slash within the limit, a single name is longer than any may be.
     if (slash == std::string::npos || slash < offset_) {
         errno = ENAMETOOLONG;
         return false;
@@ -67,7 +66,6 @@ bool PathHandle::openNextFolder(const std::string& path) noexcept {
         return false;
     }
     folder_ = static_cast<Descriptor&&>(next);
-    // More slashes in a row belong to the same step.
     offset_ = slash + 1;
     while (offset_ < path.size() && path[offset_] == '/') {
         ++offset_;

@@ -21,7 +21,6 @@ bool removeItem(const std::string& path, std::string& failed) {
         return false;
     }
     // It cannot be removed, and must not lose its contents in the attempt.
-    // The root folder, "." and "..".
     if (!item.isEntry()) {
         errno = EINVAL;
         return false;

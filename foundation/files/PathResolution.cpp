@@ -145,7 +145,6 @@ std::basic_string<Unit> foldedText(std::basic_string_view<Unit> path) {
     if (isAbsolute) {
         folded += static_cast<Unit>('/');
     }
-    // Empty components are the extra slashes.
     for (std::size_t start = 0; start < path.size();) {
         const std::size_t slash = path.find(static_cast<Unit>('/'), start);
         const std::size_t end = slash == path.npos ? path.size() : slash;

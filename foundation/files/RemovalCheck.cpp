@@ -73,7 +73,6 @@ private:
         if (!getFacts(facts)) {
             return false;
         }
-        // A mount point cannot be removed, only emptied.
         if (facts.isMountPoint) {
             return fails(EBUSY);
         }

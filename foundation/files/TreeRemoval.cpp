@@ -57,7 +57,6 @@ bool TreeRemoval::isRecorded(const char* name) const {
 bool TreeRemoval::removeEntry(const FolderNames::Entry& entry) {
     if (entry.kind != DT_DIR) {
         if (::unlinkat(folders_.current(), entry.name, 0) == 0 || errno == ENOENT) {
-            // Somebody else has removed it.
             return true;
         }
         // The kind is not always known, and may be out of date.

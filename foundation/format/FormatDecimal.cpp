@@ -213,7 +213,6 @@ void DecimalDigits::setExactly(const BinaryReal& value) noexcept {
 }
 
 void DecimalDigits::roundAt(std::ptrdiff_t kept) noexcept {
-    // The digits that exist are all of them.
     if (kept >= static_cast<std::ptrdiff_t>(count_)) {
         return;
     }

@@ -188,7 +188,6 @@ void writeOctalOrHexadecimal(const FormatSpec& spec, std::uint64_t value, Intege
 /// Without groups, and neither width nor precision beyond a few digits.
 void appendShortInteger(TextBuilder& out, const FormatSpec& spec, const IntegerText& text,
                         std::size_t zeros) {
-    // The longest text that gets here fits.
     static_assert(2 * 32 + sizeof text.prefix + sizeof text.buffer <= ShortNumber::capacity);
     const std::size_t padding = spec.paddingFor(text.prefixLength + zeros + text.count);
     const bool padsRight = spec.has(formatLeftJustified);

@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::size_t defaultPrecision = 6;
 
-// Capital letters come first in ASCII.
 bool isUpperCase(char letter) noexcept { return letter < 'a'; }
 
 // As long as ShortNumber requires of its pieces.
@@ -56,7 +55,6 @@ void layOutFixed(RealParts& parts, const DecimalDigits& number, std::size_t plac
         parts.wholeZeros = length - parts.wholeCount;
         setFraction(parts, number, length, places);
     } else {
-        // Between the point and the first digit.
         const auto before = static_cast<std::size_t>(-point);
         parts.fractionZerosBefore = before < places ? before : places;
         setFraction(parts, number, 0, places - parts.fractionZerosBefore);
@@ -76,7 +74,6 @@ void layOutScientific(RealParts& parts, const DecimalDigits& number, std::size_t
     parts.exponent[1] = exponent < 0 ? '-' : '+';
     const auto magnitude = static_cast<std::uint64_t>(exponent < 0 ? -exponent : exponent);
     char* end = parts.exponent + 2;
-    // At least two digits, as in C.
     if (magnitude < 10) {
         *end++ = '0';
     }

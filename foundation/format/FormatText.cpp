@@ -117,7 +117,6 @@ void appendUnitsAsBytes(TextBuilder& out, const FormatSpec& spec, StringView tex
     const UnitCut cut = cutUnits(text.units(), text.size(), limit);
     appendPadded(out, spec, limit, [&] {
         out.appendUnits(text.units(), cut.units);
-        // A part of a character is no character.
         if (cut.bytesOver != 0) {
             out.appendUnit(u'\uFFFD');
         }

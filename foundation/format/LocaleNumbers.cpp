@@ -128,7 +128,6 @@ bool areAll(bool (*is)(char) noexcept, std::string_view text) noexcept {
 
 std::string inUpperCase(std::string_view text) {
     std::string result(text);
-    // ASCII letters differ by one bit.
     for (char& character : result) {
         character = isLetter(character) ? static_cast<char>(character & ~0x20) : character;
     }

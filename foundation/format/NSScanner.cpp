@@ -101,7 +101,6 @@ std::size_t endOfText(const NSString& string, std::size_t location, StringView t
         return answer == Answer::yes ? location + wanted.length() : NSNotFound;
     }
     const NSRange found =
-        // Anchored: it must begin right here.
         string.rangeOfString_options_range(text, searchOptions(isCaseSensitive) | NSAnchoredSearch,
                                            NSMakeRange(location, string.length() - location));
     return found.location == location ? location + found.length : NSNotFound;
@@ -208,7 +207,6 @@ bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
     const NSRange found = string_.rangeOfString_options_range(text, searchOptions(isCaseSensitive_),
                                                               NSMakeRange(start, length - start));
     const std::size_t end = found.location != NSNotFound ? found.location : length;
-    // Found at once, or nothing left.
     if (end == start) {
         return false;
     }
@@ -241,7 +239,6 @@ bool NSScanner::scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, 
 
 bool NSScanner::scanInteger(std::int64_t* value) {
     const DigitStretch found = decimalDigits(string_, locationAfterSkipping());
-    // A sign alone is no number.
     if (found.end == found.digits) {
         return false;
     }

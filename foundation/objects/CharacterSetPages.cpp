@@ -184,7 +184,6 @@ bool CharacterSetPages::contains(char32_t codePoint) const noexcept {
 std::uint16_t& CharacterSetPages::numberSlot(std::size_t page) {
     std::uint8_t& place = planes_[page / CharacterSetBody::pagesInPlane];
     if (place < 2) {
-        // All pages of the plane are as the plane was.
         numbers_.emplace_back().fill(place);
         place = static_cast<std::uint8_t>(numbers_.size() + 1);
     }

@@ -49,7 +49,6 @@ void orderMarks(std::vector<ClassedCodePoint>& sequence) {
 std::size_t sequenceStart(const UnitView& text, std::size_t index) noexcept {
     while (index > 0) {
         std::size_t probe = index;
-        // In the middle of a pair.
         if (index < text.length() && isLowSurrogate(text[index]) && isHighSurrogate(text[index - 1])) {
             --index;
             continue;

@@ -137,7 +137,6 @@ void appendLeaf(TextBuilder& out, const NSObject& object) {
         out.append(object.className());
         break;
     case Kind::hostObject:
-        // A host may return nil.
         out.appendObjectText(object.hostObject()->description());
         break;
     default:

@@ -64,7 +64,6 @@ ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capaci
 }
 
 void freeBuilder(ArrayBody* body) noexcept {
-    // A builder that was moved from has no body.
     if (body == nullptr) {
         return;
     }

@@ -116,7 +116,6 @@ NSString NSURL::absoluteString() const {
         return body->text;
     }
     std::string text(bytesOf(body->text));
-    // From the outermost base inward.
     for (; !relatives.empty(); relatives.pop_back()) {
         text = detail::resolvedUriReference(bytesOf(relatives.back()->text), text);
     }
@@ -161,7 +160,6 @@ NSNumber NSURL::port() const {
     for (const char digit : url.bytesIn(part)) {
         if (__builtin_mul_overflow(number, 10, &number) ||
             __builtin_add_overflow(number, digit - '0', &number)) {
-            // A number too large for 64 bits is no port.
             return {};
         }
     }

@@ -120,7 +120,6 @@ NSString escapedUnits(StringView view, const EscapeTable& table) {
     return escaped(view.units(), view.size(), escapedLength(view.units(), view.size(), table), table);
 }
 
-// Units above 255 are no digits either.
 struct HexValues {
     static constexpr unsigned char none = 0xFF;
     unsigned char values[256];
@@ -147,7 +146,6 @@ constexpr HexValues hexValues;
 /// Reads the two digits after a "%". False if they are not digits, or are not both present.
 template <class Unit>
 bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
-    // Checked once for both digits.
     if (end - at < static_cast<std::ptrdiff_t>(escapeLength)) {
         return false;
     }
@@ -206,7 +204,6 @@ NSString unescapedUnits(const NSString& text, StringView view) {
     while (mark != end) {
         out.appendUnits(at, static_cast<std::size_t>(mark - at));
         run.clear();
-        // A run is as long as escapes follow each other.
         for (at = mark; at != end && *at == u'%'; at += escapeLength) {
             char byte = 0;
             if (!readEscape(at, end, byte)) {

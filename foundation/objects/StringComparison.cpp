@@ -122,7 +122,6 @@ public:
 
 private:
     const AsciiOrUtf16& text_;
-    /// A code point folds to at most three.
     std::size_t index_ = 0;
     char32_t folded_[3] = {};
     unsigned count_ = 0;

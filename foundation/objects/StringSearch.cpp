@@ -130,7 +130,6 @@ private:
             append(detail::nextCodePoint(text_, index_));
             return true;
         }
-        // The common case, without a table.
         if (text_[start_] < 0x80 && isSequence(text_, start_)) {
             append(text_[index_++]);
             return true;

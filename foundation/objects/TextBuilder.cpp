@@ -196,7 +196,6 @@ NSString TextBuilder::string() {
         // Units may have become ASCII again by truncation: a string of them must be narrow.
         result = makeString(unitData(), length_);
     } else {
-        // From here on the string owns it.
         auto* const body = static_cast<StringBody*>(allocated_);
         body->references = 1;
         body->setForm(length_, isAscii(), false);

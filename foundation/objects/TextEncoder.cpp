@@ -186,7 +186,6 @@ NSData encodedText(const TextEncoding& encoding, const NSString& text) {
     DataBody* const data = allocateData(mark + size);
     char* const out = reinterpret_cast<char*>(data->bytes());
     constexpr char16_t byteOrderMark = 0xFEFF;
-    // Without a mark this writes no units.
     write(encoding, &byteOrderMark, mark != 0 ? 1 : 0, out);
     if (body.isAscii) {
         write(encoding, body.ascii(), body.length, out + mark);

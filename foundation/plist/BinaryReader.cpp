@@ -120,7 +120,6 @@ private:
     }
 
     bool readTrailer() {
-        // At least one object's marker.
         if (size_ < headerSize + 1 + trailerSize) {
             return fail("The binary property list is cut short", size_);
         }
@@ -221,7 +220,6 @@ private:
     void finishLevel() {
         Level& level = open_.back();
         Slot& slot = slots_[level.index];
-        // The builder hands its memory over.
         slot.value =
             level.isDictionary ? NSObject(level.dictionary.dictionary()) : NSObject(level.array.array());
         slot.state = Slot::finished;
@@ -238,7 +236,6 @@ private:
 
     bool readReferenceAt(std::size_t offset, std::size_t& reference) noexcept {
         const std::uint64_t value = bigEndian(bytes_ + offset, referenceSize_);
-        // Only indexes of the table are valid.
         if (value >= slots_.size()) {
             return fail("A reference leads to no object", offset);
         }

@@ -119,7 +119,6 @@ private:
                 step = readEntry();
                 break;
             case Step::element:
-                // After a comma, the array may also end.
                 step = isAt(')') ? closeContainer() : Step::value;
                 break;
             default:
@@ -352,7 +351,6 @@ private:
     bool readEscape(TextBuilder& text) {
         const Unit* backslash = cursor_++;
         const unsigned number = unitNumber(*cursor_);
-        // Unsigned: '0' to '7'.
         if (number - '0' < 8) {
             return readOctal(text, backslash);
         }

@@ -30,7 +30,6 @@ public:
                 return "The value is too large for a property list";
             }
         }
-        // Text files end with a line feed.
         out_ += '\n';
         return walk.refusal();
     }
@@ -139,7 +138,6 @@ private:
             } else if (unit >= 0x20 && unit < 0x7F) {
                 out_ += static_cast<char>(unit);
             } else {
-                // Controls, DEL and everything above ASCII.
                 writeEscape(unit);
             }
         }

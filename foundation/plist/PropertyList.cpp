@@ -108,7 +108,6 @@ NSString describePropertyListError(const PropertyListError& error) {
     }
     TextBuilder text;
     text.appendAscii(error.message, std::strlen(error.message));
-    // Only texts have lines.
     if (error.line > 0) {
         text.appendLiteral(" (line ");
         appendNumber(text, error.line);

@@ -83,7 +83,6 @@ Encoding declaredEncoding(std::string_view bytes) noexcept {
     if (attribute == declaration.npos) {
         return Encoding::utf8;
     }
-    // White space is allowed around the equals sign.
     const std::size_t equals = declaration.find_first_not_of(blanks, attribute + 8);
     if (equals == declaration.npos || declaration[equals] != '=') {
         return Encoding::utf8;

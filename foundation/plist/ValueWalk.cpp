@@ -18,7 +18,6 @@ bool ValueWalk::next() {
         isStarted_ = true;
         return enter(*value_);
     }
-    // After a key comes its value.
     if (event_ == Event::key) {
         return enter(*pending_);
     }

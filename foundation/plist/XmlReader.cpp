@@ -296,7 +296,6 @@ private:
         while (cursor_ != end_ && *cursor_ != '>' && !isBlank(unitNumber(*cursor_))) {
             ++cursor_;
         }
-        // An unknown name matches no element.
         const Element closed = elementNamed(name, static_cast<std::size_t>(cursor_ - name));
         while (cursor_ != end_ && isBlank(unitNumber(*cursor_))) {
             ++cursor_;
@@ -335,7 +334,6 @@ private:
             if (stack_.isEmpty()) {
                 return true;
             }
-            // In a dictionary, each value follows a key.
             if (stack_.isInDictionary() && !readKey()) {
                 return false;
             }
@@ -356,7 +354,6 @@ private:
             if (!isAtCloseTag()) {
                 return true;
             }
-            // Only the innermost container can be closed.
             if (!readCloseTag(stack_.isInDictionary() ? Element::dictionary : Element::array)) {
                 return false;
             }
@@ -376,7 +373,6 @@ private:
         if (!readOpenTag(tag)) {
             return false;
         }
-        // Elements alternate between keys and values.
         if (tag.element != Element::key) {
             return fail("A dictionary's value must follow a key", tag.start);
         }
@@ -416,7 +412,6 @@ private:
             value = NSDictionary::dictionary();
             return true;
         case Element::plist:
-            // Would otherwise be an unknown notation.
             return fail("A property list cannot be inside another", tag.start);
         default:
             return readNotation(tag, value);

@@ -105,7 +105,6 @@ bool readReal(const Unit* text, const Unit* end, NSObject& value) {
     }
     const auto count = static_cast<std::size_t>(end - text);
     const DoubleReading reading = scanDouble(text, count);
-    // The whole text, or it is no number.
     if (reading.length == count && count > 0) {
         value = NSNumber(reading.value);
         return true;

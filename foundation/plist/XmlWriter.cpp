@@ -191,7 +191,6 @@ private:
         while (text != end) {
             const char16_t* start = text;
             while (text != end && (isPlain(*text) || isPlainBeyondAscii(*text))) {
-                // Stretches are converted at once.
                 ++text;
             }
             writeUtf8(start, text);

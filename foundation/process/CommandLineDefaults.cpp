@@ -12,7 +12,6 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-// White space and line breaks of Unicode.
 bool isBlank(char16_t unit) noexcept {
     switch (unit) {
     case 0x0020:

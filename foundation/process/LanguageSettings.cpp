@@ -75,7 +75,6 @@ std::string languageOfLocale(const std::string& locale) {
     }
     const std::size_t at = locale.find('@');
     if (at != std::string::npos) {
-        // After the language, before the region.
         tag.insert(std::min(tag.find('-'), tag.size()), scriptOfModifier(locale.substr(at + 1)));
     }
     return tag;

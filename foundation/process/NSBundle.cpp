@@ -50,7 +50,6 @@ struct BundleRecord {
 
 namespace {
 
-/// A list, since a process knows few bundles.
 constinit std::atomic<BundleRecord*> allRecords{nullptr};
 constinit Lock recordLock;
 constinit std::atomic<BundleRecord*> mainRecord{nullptr};

@@ -37,7 +37,6 @@ struct IdentityRecord {
     const IdentityRecord* previous; // all records ever made stay, since a log line may be reading any of them
 };
 
-/// The one in use, and the list of all.
 constinit std::atomic<const IdentityRecord*> currentIdentity{nullptr};
 constinit std::atomic<const IdentityRecord*> allIdentities{nullptr};
 constinit std::atomic<const std::vector<std::string>*> cachedArguments{nullptr};

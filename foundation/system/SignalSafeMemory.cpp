@@ -81,7 +81,6 @@ Header* takePlace(Slab& slab) noexcept {
 /// Makes a slab and takes its first free place.
 Header* takePlaceInNewSlab(Slabs& slabs, int bits) {
     auto* const slab = static_cast<Slab*>(mapPages(placesInSlab << bits));
-    // Its own place, and the one that is returned.
     slab->takenPlaces = 3;
     slab->bits = bits;
     slab->next = __atomic_load_n(&slabs.first, __ATOMIC_RELAXED);

@@ -67,7 +67,6 @@ constexpr std::uint64_t isRootOfMount = 0x2000;
 /// RENAME_NOREPLACE, which older C libraries do not declare.
 constexpr unsigned noReplacing = 1;
 
-/// An empty name asks about the open item itself.
 bool askKernel(int folder, const char* name, unsigned wanted, KernelFacts& facts) noexcept {
     const int flags = AT_SYMLINK_NOFOLLOW | (*name == '\0' ? AT_EMPTY_PATH : 0);
     return ::syscall(SYS_statx, folder, name, flags, wanted, &facts) == 0;

@@ -193,7 +193,6 @@ public:
             return -1;
         }
         if (!send(socket, question)) {
-            // Nothing was sent, so nothing is waiting.
             return -1;
         }
         // A refusal is a message, too. It is received here; any other reply is left for `read`.

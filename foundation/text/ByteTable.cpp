@@ -29,7 +29,6 @@ bool writeBytes(const ByteTable& table, const Unit* units, std::size_t count, ch
 }
 
 template <class Unit>
-// As `writeBytes`, without writing.
 bool holdsAll(const ByteTable& table, const Unit* units, std::size_t count) noexcept {
     int all = 0;
     for (std::size_t i = 0; i < count; ++i) {

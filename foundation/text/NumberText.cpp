@@ -150,7 +150,6 @@ RealParts splitReal(const Unit* text, std::size_t count) {
         digitCount += end - (at + 1);
         at = end;
     }
-    // A point alone is no number.
     if (digitCount == 0) {
         return RealParts{};
     }
@@ -313,7 +312,6 @@ unsigned decimalLength(std::uint64_t value) {
 
 template <class Real>
 char* writeReal(Real value, int precision, Real wholeLimit, char* out) {
-    // Without a sign, whichever the number has.
     if (std::isnan(value)) {
         std::memcpy(out, "nan", 3);
         return out + 3;

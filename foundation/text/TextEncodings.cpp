@@ -183,7 +183,6 @@ bool getUnits(const TextEncoding& encoding, ByteTable::Units& units) {
 } // namespace
 
 const TextEncoding* findTextEncoding(std::uint32_t number) noexcept {
-    // Only the number is compared.
     const TextEncoding sought = plain(number, EncodingForm::ascii);
     const auto* const found = std::lower_bound(std::begin(encodings), std::end(encodings), sought, precedes);
     return found != std::end(encodings) && found->number == number ? found : nullptr;

@@ -161,7 +161,6 @@ std::size_t escapedAsciiLength(const Unit* units, std::size_t count) noexcept {
     std::size_t length = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint32_t code = codeOf(units[i]);
-        // "\\", the character itself, "\351", "\u20ac".
         length += code == '\\' ? 2U : code < 0x80 ? 1U : code < 0x100 ? 4U : 6U;
     }
     return length;

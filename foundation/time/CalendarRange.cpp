@@ -50,7 +50,6 @@ bool daysOfUnit(NSCalendarUnit unit, const LocalDate& local, detail::WeekRule we
     case NSCalendarUnitDay:
         days = {local.days, local.days + 1};
         return true;
-    // Eras and units that are no stretch of time.
     default:
         return false;
     }

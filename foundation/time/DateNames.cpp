@@ -83,7 +83,6 @@ constexpr ZoneNameRow zoneNames[] = {
 
 } // namespace
 
-// The caller knows that the number is in range.
 std::string_view monthName(int month) noexcept { return months[month - 1]; }
 std::string_view shortMonthName(int month) noexcept { return months[month - 1].substr(0, 3); }
 

@@ -183,7 +183,6 @@ public:
             if (*at_ == '\'') {
                 quote();
             } else if (!inQuotes_ && isLetter(*at_)) {
-                // Within quotes letters are literal.
                 field();
             } else {
                 literal();

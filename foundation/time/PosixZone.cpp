@@ -58,7 +58,6 @@ struct Cursor {
         if (!takeNumber(0, maxHour, parts[0])) {
             return false;
         }
-        // Minutes and seconds may be missing.
         for (int i = 1; i < 3 && take(':'); ++i) {
             if (!takeNumber(0, 59, parts[i])) {
                 return false;

@@ -209,7 +209,6 @@ ZonePeriod ZoneRules::periodAt(std::int64_t seconds) const noexcept {
         return period;
     }
     const std::int64_t until = next == changes_.end() ? INT64_MAX : *next;
-    // Before the first change, the first clock.
     if (next == changes_.begin()) {
         return recordedPeriod(0, INT64_MIN, until);
     }

@@ -171,7 +171,6 @@ std::string nameOfZoneFile(const std::string& path) {
 }
 
 const Zone* zoneFromSetting(const char* value) {
-    // The system's own setting.
     if (value == nullptr) {
         return zoneFromFile(localZoneFile, nameOfZoneFile(localZoneFile));
     }
