@@ -56,8 +56,8 @@ void Lock::lockSlowly(std::uint64_t mine) noexcept {
     std::uint64_t seen = 0;
     for (int rounds = 0, pause = 1;; ++rounds) {
         seen = __atomic_load_n(&word_, __ATOMIC_RELAXED);
-        // A word of another process generation is as free as 0. The exchange still expects that very word,
-        // so that of two threads of a child only one takes over.
+        // A word of a thread that this process does not have is as free as 0. The exchange still expects
+        // that very word, so that of two threads of a child only one takes over.
         if (seen == 0 || !Holder::isHeldIn(seen, mine)) {
             if (__atomic_compare_exchange_n(&word_, &seen, mine, false, __ATOMIC_ACQUIRE, __ATOMIC_RELAXED)) {
                 break;

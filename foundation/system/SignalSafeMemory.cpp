@@ -58,7 +58,7 @@ void* mapPages(std::size_t bytes) {
 
 Header* headerAt(Slab& slab, std::size_t place) noexcept {
     auto* const header = reinterpret_cast<Header*>(reinterpret_cast<char*>(&slab) + (place << slab.bits));
-    /// Slabs come zeroed, with no headers in them: each is written when its place is taken.
+    // Slabs come zeroed, with no headers in them: each is written when its place is taken.
     *header = {&slab, place};
     return header;
 }

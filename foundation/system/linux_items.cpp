@@ -120,8 +120,8 @@ bool isMountedOver(int folder, const char* name, const struct stat& item) noexce
 }
 
 /// Used if the file system cannot rename without replacing.
-/// Both nearest means take the name first, by a step that fails if it exists. Another process may only get
-/// in between to remove what took the name, and then nothing is replaced either.
+/// Both nearest means take the name first, by a step that fails if it exists. What another process puts there
+/// in between cannot be protected: such file systems have no better step.
 bool renameFolderByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
     // The name is taken by a folder of ours, and a folder does not replace one that is not empty.
     return ::mkdirat(toFolder, to, 0700) == 0 && ::renameat(fromFolder, from, toFolder, to) == 0;

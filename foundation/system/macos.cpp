@@ -123,8 +123,8 @@ std::vector<std::string> handedArguments() {
 std::vector<std::string> readArguments() { return {}; }
 
 HardwareFacts hardwareFacts() {
-    // Longer than any model's name; a longer one would be reported as an error and leave the model unknown.
     HardwareFacts facts;
+    // Longer than any model's name; a longer one would be reported as an error and leave the model unknown.
     char model[100] = {};
     std::size_t size = sizeof model;
     if (sysctlbyname("hw.model", model, &size, nullptr, 0) == 0) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What all POSIX systems offer in the same way.
-// Counts forks, identifies threads, and writes with signals masked. All of it may run in a signal handler.
+// Counts forks, identifies threads, and writes with signals masked. All of that may run in a signal handler.
 #include <cerrno>
 #include <csignal>
 #include <ctime>

@@ -29,22 +29,20 @@ ZQ_AVX2 inline __m256i encoded(const std::uint8_t* bytes) noexcept {
     const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 12));
     const __m256i both = _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
     // Each group of three bytes becomes the four bytes 1 0 2 1, in which two multiplications bring the four
-    // pieces of six bits into their places.
+    // pieces of six bits into their places. A multiplication by a power of two is a shift by a distance of
+    // its own for each piece, which no shift instruction of this set offers.
     const __m256i groups =
         _mm256_shuffle_epi8(both, twice(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10));
     const __m256i firstAndThird = _mm256_mulhi_epu16(_mm256_and_si256(groups, _mm256_set1_epi32(0x0FC0FC00)),
                                                      _mm256_set1_epi32(0x04000040));
     const __m256i secondAndFourth = _mm256_mullo_epi16(
-        // A multiplication by a power of two is a shift by a different distance for each piece, which no
-        // shift instruction of this set offers.
         _mm256_and_si256(groups, _mm256_set1_epi32(0x003F03F0)), _mm256_set1_epi32(0x01000010));
     const __m256i values = _mm256_or_si256(firstAndThird, secondAndFourth);
     // What is to be added to a value depends on its range only: 0 for a-z, 1 to 10 for the digits, 11 and
     // 12 for '+' and '/', 13 for A-Z.
     const __m256i isCapital = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
+    // The saturating subtraction gives 0 for a-z and A-Z alike; the comparison tells those two apart.
     const __m256i range = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
-                                          // The saturating subtraction gives 0 for a-z and A-Z alike; the
-                                          // comparison tells those two apart.
                                           _mm256_and_si256(isCapital, _mm256_set1_epi8(13)));
     constexpr char toDigit = '0' - 52;
     const __m256i distances = twice('a' - 26, toDigit, toDigit, toDigit, toDigit, toDigit, toDigit, toDigit,

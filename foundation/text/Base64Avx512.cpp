@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Base64 by AVX-512.
 // These instructions look up 64 entries at once, so the alphabet is a table here, and masks let loads and
-// stores end anywhere, so that even the last group needs no plain code.
+// stores end anywhere, so that not even the last groups need plain code.
 #include "foundation/text/Base64Codec.h"
 
 #if defined(__x86_64__)

@@ -16,8 +16,8 @@ char16_t widened(Unit unit) noexcept {
     return static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
 }
 
-template <class Unit>
 // The result is checked once at the end: -1 has all bits set, and a loop without a branch is vectorized.
+template <class Unit>
 bool writeBytes(const ByteTable& table, const Unit* units, std::size_t count, char* out) noexcept {
     int all = 0;
     for (std::size_t i = 0; i < count; ++i) {

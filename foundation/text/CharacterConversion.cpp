@@ -84,7 +84,7 @@ bool readUnits(const char* encoding, std::string_view bytes, std::u16string& out
 } // namespace
 
 bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& out) {
-    /// Preserves `errno`, and no cancellation leaves a converter open.
+    // Preserves `errno`, and no cancellation leaves a converter open.
     const CallerState caller;
     return readUnits(encoding, bytes, out);
 }

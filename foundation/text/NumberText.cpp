@@ -383,8 +383,8 @@ char* writeUInt64(std::uint64_t value, char* out) noexcept {
 char* writeInt64(std::int64_t value, char* out) noexcept {
     auto magnitude = static_cast<std::uint64_t>(value);
     if (value < 0) {
-        // 0 - magnitude is right for the lowest value, too, in unsigned arithmetic.
         *out++ = '-';
+        // In unsigned arithmetic this is right for the lowest value, too.
         magnitude = 0 - magnitude;
     }
     return writeUInt64(magnitude, out);

@@ -73,8 +73,8 @@ void copyAscii(const From* from, std::size_t count, To* to) {
     }
 }
 
-template <class Unit>
 // Blocks, then words, then units: texts are often short, so the steps in between matter.
+template <class Unit>
 std::size_t asciiPrefix(const Unit* text, std::size_t count) {
     constexpr std::size_t perWord = sizeof(std::uint64_t) / sizeof(Unit);
     std::size_t at = 0;
@@ -418,7 +418,7 @@ bool hasFileNameForm(const char16_t* units, std::size_t count) noexcept {
 }
 
 void widenAscii(const char* ascii, std::size_t count, char16_t* out) noexcept {
-    /// As unsigned bytes, so that those from 0x80 up become the units of the same number.
+    // As unsigned bytes, so that those from 0x80 up become the units of the same number.
     copyAscii(reinterpret_cast<const unsigned char*>(ascii), count, out);
 }
 
