@@ -35,9 +35,9 @@ public:
     bool open(mode_t mode) noexcept {
         for (int attempt = 0; attempt < maxAttempts && !file_; ++attempt) {
             chooseName();
+            // O_EXCL and O_NOFOLLOW: whatever others put there under that name is neither opened nor
+            // followed.
             file_ = detail::Descriptor(
-                // O_EXCL and O_NOFOLLOW: whatever others put there under that name is neither opened nor
-                // followed.
                 detail::openAt(folder_, name_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
             if (!file_ && errno != EEXIST) {
                 return false;
@@ -112,8 +112,8 @@ public:
         if (!handle.reach(folder)) {
             return false;
         }
+        // Renaming needs the folder only for search and write; reading it may not be allowed.
         folder_ =
-            // Renaming needs the folder only for search and write; reading it may not be allowed.
             detail::Descriptor(detail::openAt(handle.folder(), handle.name(), detail::system::openForSearch));
         return static_cast<bool>(folder_);
     }

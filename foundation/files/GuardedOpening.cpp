@@ -272,9 +272,9 @@ bool mayAppendGuarded(const std::string& path) noexcept {
         GuardedPlace place;
         struct stat folder;
         struct stat item;
+        // The guarded opening would still fail for missing permissions; that is for the attempt itself to
+        // show.
         return reachGuarded(path, place) && ::fstat(place.folder.number(), &folder) == 0 &&
-               // The guarded opening would still fail for missing permissions; that is for the attempt
-               // itself to show.
                getInformation(place.folder.number(), place.name.c_str(), item) &&
                (place.isObjectLink || mayWriteItem(item, folder));
     } catch (const std::bad_alloc&) {

@@ -66,8 +66,8 @@ void TreeWalk::enterLast() {
     do {
         isEntered = enter(Descriptor(openAt(folders_.current(), entry_.name, folderFlags)));
     } while (!isEntered && (errno == EMFILE || errno == ENFILE) && folders_.closeOne());
+    // Something else than a folder is no reason to call the walk incomplete.
     isIncomplete_ =
-        // Something else than a folder is no reason to call the walk incomplete.
         isIncomplete_ || (!isEntered && (entry_.kind == DT_DIR || (errno != ENOTDIR && errno != ELOOP)));
 }
 

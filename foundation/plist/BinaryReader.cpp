@@ -304,6 +304,7 @@ private:
             return fail("Values are nested too deeply", place.start);
         }
         const bool isDictionary = place.kind == dictionaryKind;
+        // The count is known to fit into the file, so that the room is bounded, too.
         open_.push_back(Level{index,
                               isDictionary,
                               place.count,
@@ -311,7 +312,6 @@ private:
                               0,
                               1,
                               1,
-                              // The count is known to fit into the file, so that the room is bounded, too.
                               isDictionary ? NSMutableArray() : NSMutableArray(place.count),
                               {}});
         slots_[index].state = Slot::open;

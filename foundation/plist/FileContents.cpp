@@ -23,8 +23,8 @@ namespace {
 /// False unless it is a regular file of a size that is read.
 bool getSize(const Descriptor& file, std::size_t& size) noexcept {
     struct stat status {};
+    // Compared as a wide unsigned number: a size is signed, and the limit may not fit it.
     if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0 ||
-        // Compared as a wide unsigned number: a size is signed, and the limit may not fit it.
         static_cast<std::uintmax_t>(status.st_size) > maxPropertyListBytes) {
         return false;
     }

@@ -184,9 +184,9 @@ bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) no
         return false;
     }
     struct stat information;
+    // Something else has this name in the folder that was meant, or the folder has moved: what was made by
+    // path is removed.
     if (::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) != 0 ||
-        // Something else has this name in the folder that was meant, or the folder has moved: what was made
-        // by path is removed.
         (information.st_mode & S_IFMT) != kind) {
         ::unlink(path);
         errno = ESTALE;

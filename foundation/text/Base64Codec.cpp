@@ -226,7 +226,7 @@ std::uint64_t decode(const Codec& codec, const std::uint8_t* input, std::size_t 
                      std::uint8_t* output) noexcept {
     Decoding state{input, input + count, output, output + (count + 3) / 4 * 3};
     std::uint64_t lost = 0;
-    // Fast and slow alternate: a fast loop ends at a broken group or near the end, and one pass gets past that.
+    // Fast and slow alternate: a fast loop ends at a broken group or near the end, where one pass goes on.
     while (state.input != state.inputEnd) {
         codec.decodeGroups(state);
         if (state.pendingCount == 0) {

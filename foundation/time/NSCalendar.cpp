@@ -148,14 +148,14 @@ NSDate NSCalendar::dateFromComponents(const NSDateComponents& components) const 
     }
     constexpr NSInteger nanosecondsPerSecond = 1000000000;
     const NSInteger nanoseconds = valueOr(components.nanosecond, 0);
+    // Nanoseconds carry into the seconds in either direction.
     const detail::WideInteger wall =
-        // Nanoseconds carry into the seconds in either direction.
         detail::wallSecondsFromFields(fields) + detail::floorDivide(nanoseconds, nanosecondsPerSecond);
     if (!detail::isWithinCalendar(wall)) {
         return nullptr;
     }
+    // A zone in the components applies to these components only.
     const std::int64_t instant = detail::instantOfWallTime(
-        // A zone in the components applies to these components only.
         static_cast<std::int64_t>(wall), components.timeZone ? components.timeZone : timeZone());
     if (!detail::isWithinCalendar(instant)) {
         return nullptr;

@@ -97,8 +97,8 @@ bool instantOfDate(const NSDate& date, Instant& instant) noexcept {
 }
 
 NSDate dateOfInstant(Instant instant) noexcept {
+    // Subtracted as integers, so that the sum is rounded once.
     return NSDate::dateWithTimeIntervalSinceReferenceDate(
-        // Subtracted as integers, so that the sum is rounded once.
         static_cast<double>(instant.seconds - referenceSeconds) +
         static_cast<double>(instant.nanoseconds) / nanosecondsPerSecond);
 }

@@ -95,8 +95,8 @@ private:
     bool readBlock(ZoneRules& rules, std::size_t timeSize) {
         const unsigned char* const times = at_;
         // More clocks cannot be addressed by an index of one byte.
+        // The flags are not used, but their number must be right for what follows them.
         if (header_.clocks == 0 || header_.clocks > 256 || header_.nameBytes == 0 ||
-            // The flags are not used, but their number must be right for what follows them.
             !flagCountIsGood(header_.universalFlags) || !flagCountIsGood(header_.standardFlags) ||
             !skip(header_.blockSize(timeSize))) {
             return false;
