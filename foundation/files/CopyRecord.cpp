@@ -31,7 +31,7 @@ std::uint64_t added(std::uint64_t hash, const timespec& time) noexcept {
                  static_cast<std::uint64_t>(time.tv_nsec));
 }
 
-/// The lowest bit of `change`, which is no part of the hash.
+/// The lowest bit of `change`, which is not part of the hash.
 constexpr std::uint64_t severalNames = 1;
 
 } // namespace

@@ -23,7 +23,7 @@ NSDirectoryEnumerator::~NSDirectoryEnumerator() {
 
 NSString NSDirectoryEnumerator::nextObject() {
     const detail::CallerState caller;
-    // After the end, and for a path that cannot be listed, there is no walk or no next item.
+    // After the end, and for a path that cannot be listed, there is no walk, or it has no next item.
     if (walk_ == nullptr || !walk_->next()) {
         return nullptr;
     }

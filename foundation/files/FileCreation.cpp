@@ -106,7 +106,7 @@ public:
             errno = EISDIR;
             return false;
         }
-        // With the slash: the root folder is nothing else.
+        // The slash stays at the end, because the root folder has no other name.
         const std::string folder = start == 0 ? "." : path.substr(0, start);
         detail::PathHandle handle;
         if (!handle.reach(folder)) {

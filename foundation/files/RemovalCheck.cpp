@@ -95,8 +95,8 @@ private:
 
     bool getFileFacts(ItemFacts& facts) {
         const Descriptor file(openAt(folder(), name(), fileFlags));
-        // Opened without following links and without waiting; whoever writes to it now would lose what is
-        // written.
+        // Opened without following links and without waiting; a process that writes to it now would lose
+        // what it writes.
         return file && (system::WritersHeldOff(file.number()).areThereNone() || fails(ETXTBSY)) &&
                system::getItemFacts(file.number(), "", facts);
     }

@@ -66,7 +66,7 @@ void TreeWalk::enterLast() {
     do {
         isEntered = enter(Descriptor(openAt(folders_.current(), entry_.name, folderFlags)));
     } while (!isEntered && (errno == EMFILE || errno == ENFILE) && folders_.closeOne());
-    // Something else than a folder is no reason to call the walk incomplete.
+    // Anything other than a folder does not make the walk incomplete.
     isIncomplete_ =
         isIncomplete_ || (!isEntered && (entry_.kind == DT_DIR || (errno != ENOTDIR && errno != ELOOP)));
 }

@@ -157,7 +157,7 @@ LocaleName localeName(std::string_view identifier) {
     // Encoding and modifier follow the first of these two marks.
     std::string_view rest = identifier.substr(0, identifier.find_first_of(".@"));
     const std::string_view language = takePart(rest);
-    // A text that is no identifier gets the customs of the root locale.
+    // A text that is not an identifier gets the customs of the root locale.
     if (language.size() < 2 || language.size() > 8 || !areAll(isLetter, language)) {
         return name;
     }

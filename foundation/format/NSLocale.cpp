@@ -14,7 +14,7 @@ namespace {
 /// With "_" before the region and whatever follows it, and without an encoding and a modifier.
 std::string usualForm(std::string_view identifier, const detail::LocaleName& name) {
     std::string text(identifier.substr(0, identifier.find_first_of(".@")));
-    // The hyphen between language and script stays; the one before the region becomes an underline.
+    // The hyphen between language and script stays; the one before the region becomes an underscore.
     std::size_t at = name.language.size() + (name.script.empty() ? 0 : 1 + name.script.size());
     while (!name.language.empty() && (at = text.find('-', at)) != std::string::npos) {
         text[at] = '_';

@@ -28,7 +28,7 @@ bool extendsSequence(char32_t codePoint) noexcept {
 }
 
 /// Sorts each run of marks into canonical order: stably, by class.
-/// Marks of different classes do not interact, so their order is no difference; marks of one class do, and
+/// Marks of different classes do not interact, so their order makes no difference; marks of one class do, and
 /// theirs is kept.
 void orderMarks(std::vector<ClassedCodePoint>& sequence) {
     const auto isStarter = [](const ClassedCodePoint& entry) {

@@ -226,8 +226,8 @@ private:
 
     void open(const NSObject& collection) {
         const Kind kind = Access::kind(collection);
-        // A nested collection indents itself, after the indentation of its element: hence two of them before
-        // an inner bracket.
+        // A nested collection indents itself, after the indentation of its element, so an inner bracket is
+        // indented twice.
         indent(frames_.size());
         if (kind == Kind::array) {
             out_.appendLiteral("(\n");

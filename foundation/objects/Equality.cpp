@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Compares and hashes nested collections, without recursion.
-// Neither depth nor sharing may do harm: the stack is spared by explicit stacks, exponential time by storing
-// what is known about shared parts.
+// Neither depth nor sharing may do harm: explicit stacks avoid recursion, and results that are stored for
+// shared parts avoid exponential time.
 #include <cstring>
 #include <unordered_set>
 #include <vector>

@@ -50,7 +50,7 @@ void addNewlines(CharacterSetPages& pages) {
 }
 
 /// Raises unless all of the range is in the code space.
-/// A range without length is no range at all, wherever it begins.
+/// An empty range is accepted wherever it begins.
 char32_t endOfRange(const char* operation, NSRange range) {
     if (range.length == 0) {
         return 0;

@@ -33,7 +33,7 @@ bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
         while (isDigit(*next) && length < 10000) {
             length = length * 10 + static_cast<std::size_t>(*next++ - '0');
         }
-        // A length that reaches beyond the text is no plain name.
+        // A length that reaches beyond the text means that this is not a plain name.
         if (length > std::strlen(next)) {
             return false;
         }

@@ -73,7 +73,7 @@ NSString makeString(const char16_t* units, std::size_t count) {
     return Access::adoptString(body);
 }
 
-// Without ill-formed bytes every character is kept; each ill-formed piece becomes U+FFFD.
+// Never fails: each ill-formed piece becomes U+FFFD.
 NSString makeString(const char* utf8, std::size_t count) {
     if (asciiPrefixLength(utf8, count) == count) {
         return makeAsciiString(utf8, count);

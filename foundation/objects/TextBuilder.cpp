@@ -58,7 +58,7 @@ void TextBuilder::makeRoom(std::size_t moreUnits) {
     }
     const std::size_t needed = (length_ + moreUnits) * unitBytes;
     if (needed > capacityBytes_) {
-        // By half, so that appending n units costs about 2n moves, with less waste than doubling.
+        // By half, so that appending n units moves at most about 3n, with less waste than doubling.
         const std::size_t larger = capacityBytes_ + capacityBytes_ / 2;
         growTo(needed > larger ? needed : larger);
     }
@@ -140,7 +140,7 @@ void TextBuilder::appendCodePoint(char32_t codePoint) {
 }
 
 void TextBuilder::appendUtf8(const char* bytes, std::size_t count) {
-    // Of UTF-8, all that is well-formed can be copied; of others only the ASCII prefix.
+    // A builder in UTF-8 copies all that is well-formed; the other forms only share ASCII with the bytes.
     const std::size_t plain =
         form_ == Form::utf8 ? wellFormedUtf8Prefix(bytes, count) : asciiPrefixLength(bytes, count);
     appendAscii(bytes, plain);

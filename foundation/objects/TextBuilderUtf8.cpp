@@ -106,7 +106,7 @@ void TextBuilder::appendWithSurrogates(const char16_t* units, std::size_t count)
 
 // Two appends may bring the halves of a pair together: then they become the character they mean.
 void TextBuilder::appendSurrogate(char16_t surrogate) {
-    // The last three bytes, if they are a surrogate at all; the flag spares most texts the look.
+    // The last three bytes, if they are a surrogate at all; thanks to the flag, most texts skip this look.
     const char* const last = length_ >= surrogateBytes ? bytes() + length_ - surrogateBytes : nullptr;
     if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isFirstHalf(surrogateAt(last)) &&
         isSecondHalf(surrogate)) {

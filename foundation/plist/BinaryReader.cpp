@@ -251,7 +251,7 @@ private:
         if (slot.height >= level.height) {
             level.height = static_cast<std::uint16_t>(slot.height + 1);
         }
-        // Shared parts count each time, since whoever walks over the value meets them each time.
+        // Shared parts count each time, since a walk over the value meets them each time.
         level.parts = sumOf(level.parts, slot.parts);
         if (!level.isDictionary) {
             level.array.addObject(slot.value);
@@ -371,7 +371,7 @@ private:
             return true;
         }
         const std::size_t marker = place.content;
-        // The exponent may be up to 15, hence the check of the length below.
+        // The exponent may be up to 15, so the length is checked below.
         const std::size_t length = marker < table_ ? std::size_t{1} << (bytes_[marker] & 0xF) : 0;
         if (marker >= table_ || bytes_[marker] >> 4 != integerKind || length > 8 ||
             length > table_ - marker - 1) {

@@ -234,7 +234,7 @@ private:
     }
 
     void skipBlanks() noexcept {
-        // U+00A0 and a byte-order mark are no white space here.
+        // U+00A0 and a byte-order mark are not white space here.
         while (cursor_ != end_) {
             const unsigned number = unitNumber(*cursor_);
             // Unsigned: 9 to 13 are the five control characters that count.

@@ -390,7 +390,7 @@ private:
     /// Any value but a container with something inside.
     bool readScalar(const Tag& tag, NSObject& value) {
         switch (tag.element) {
-        // A key where a value is expected is a string, as in readers of this format before.
+        // A key where a value is expected is read as a string: other readers of this format accept it, too.
         case Element::key:
         case Element::string: {
             NSString string;
@@ -444,7 +444,7 @@ private:
         case Element::date:
             return readXmlDate(text, count, value) || fail("The date is malformed", text);
         default:
-            // Data skip what is no Base64, so this is the only way in which they fail.
+            // Data skip what is not Base64, so this is the only way in which they fail.
             return readXmlData(text, count, value) || fail("The data hold a character beyond ASCII", text);
         }
     }

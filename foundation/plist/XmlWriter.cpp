@@ -46,7 +46,7 @@ public:
 
 private:
     void writeEvent(const ValueWalk& walk) {
-        // Tabs for indentation, as in files of this format before.
+        // Indented by tabs, as is usual in files of this format.
         switch (walk.event()) {
         case ValueWalk::Event::scalar:
             indent(walk.depth());
@@ -167,8 +167,8 @@ private:
     }
 
     /// Characters that stand for themselves, the others by a reference.
-    /// A carriage return would be read as a line feed by readers that follow XML, so it is no plain
-    /// character.
+    /// A carriage return would be read as a line feed by readers that follow XML, so it is written as a
+    /// reference.
     static bool isPlain(unsigned unit) noexcept {
         return (unit >= 0x20 && unit < 0x7F && unit != '<' && unit != '>' && unit != '&') || unit == '\n' ||
                unit == '\t';
@@ -209,7 +209,7 @@ private:
     }
 
     static bool isPlainBeyondAscii(char16_t unit) noexcept {
-        // Controls from U+0080 to U+009F would be invisible; U+FFFE and U+FFFF are no characters.
+        // Controls from U+0080 to U+009F would be invisible; U+FFFE and U+FFFF are not characters.
         return unit >= 0xA0 && (unit & 0xF800) != 0xD800 && unit < 0xFFFE;
     }
 

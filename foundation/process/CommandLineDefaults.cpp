@@ -111,7 +111,7 @@ public:
 private:
     void take(std::string& word, char& quote) {
         const char character = text_[position_];
-        // A backslash at the very end stands for itself.
+        // A backslash at the very end is an ordinary character.
         if (character == '\\' && quote != '\'' && position_ + 1 < text_.size()) {
             word += text_[++position_];
         } else if (character == quote) {

@@ -26,7 +26,7 @@ bool isAbsent(const std::string& path) noexcept {
 
 /// Whether the changes have no effect. Setting a key to its current value counts as a change: values of
 /// different types may be equal.
-/// Removing an absent key is no change.
+/// Removing an absent key is not a change.
 bool changesNothing(const NSDictionary& values, const NSDictionary& changes) {
     for (const NSDictionaryEntry& entry : changes) {
         if (!isRemoval(entry.value) || values.objectForKey(entry.key)) {

@@ -59,7 +59,7 @@ bool readDictionaryAt(const GuardedPlace& place, const std::string& path, NSDict
     values = nullptr;
     const Descriptor file = openPlace(place, O_RDONLY | O_NONBLOCK); // a pipe would make us wait
     if (!file) {
-        // A missing file is no failure: the values stay nil.
+        // A missing file is not a failure: the values stay nil.
         return errno == ENOENT || refuseWith(error, path, errno);
     }
     struct stat information;

@@ -150,7 +150,7 @@ void publish(const Observer& fresh) noexcept {
 void waitForCallIn(const Call& call, std::uint64_t mine) noexcept {
     const std::uint32_t departures = __atomic_load_n(&call.departures, __ATOMIC_ACQUIRE);
     const std::uint64_t holder = __atomic_load_n(&call.holder, __ATOMIC_SEQ_CST);
-    // Nobody is in it, or somebody whom this process does not have.
+    // Nobody is in it, or only a thread that a fork left in the parent.
     if (holder == 0 || !Holder::isHeldIn(holder, mine)) {
         return;
     }

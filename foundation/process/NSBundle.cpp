@@ -343,7 +343,7 @@ std::string programOf(BundleRecord& record) {
         const std::size_t dot = name.find_last_of('.');
         name = dot == 0 ? name : name.substr(0, dot);
     }
-    // A folder of that name is no program.
+    // A folder of that name is not a program.
     const std::string path = record.layout.programs + "/" + name;
     return fileExists(path) && !isFolder(path) ? path : std::string();
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Allocates blocks of a few sizes, in slabs whose free places are the bits of one word.
-// The log needs a few buffers for each line at most, and returns them at once. Speed matters, and so does
-// that a handler may run between any two instructions here; fragmentation does not matter, because sizes are
-// few.
+// The log needs a few buffers for each line at most, and returns them at once. What matters is speed, and
+// that a handler may run between any two instructions here; fragmentation does not, because there are few
+// sizes.
 #include "foundation/system/SignalSafeMemory.h"
 
 #include <bit>
@@ -93,7 +93,7 @@ Header* takePlaceInNewSlab(Slabs& slabs, int bits) {
     return headerAt(*slab, 1);
 }
 
-/// The likely slab first: there a place was taken or freed last, by this thread as a rule. All slabs are
+/// The likely slab first: a place in it was taken or freed last, usually by this thread. All slabs are
 /// searched only if a place was freed since they were found full; otherwise a full search for each block
 /// would make a process with many blocks slower and slower.
 Header* takePlaceOfSize(int bits) {

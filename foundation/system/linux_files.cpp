@@ -156,7 +156,7 @@ private:
     /// A sparse file of a terabyte with a megabyte of data takes a megabyte again.
     bool copySegments(off_t start, off_t end) {
         while (start < end) {
-            // ENXIO: no data after `start`, so that the rest is a hole.
+            // ENXIO: no data after `start`, so the rest is a hole.
             off_t data = ::lseek(source_, start, SEEK_DATA);
             if (data < 0 && errno == ENXIO) {
                 return endWithHole(end);
@@ -189,7 +189,7 @@ private:
         return ::ftruncate(destination_, end) == 0;
     }
 
-    /// A transfer of 0 bytes is no proof of the end: some generated files do not support it and say nothing.
+    /// A transfer of 0 bytes does not prove the end: some generated files do not support it and say nothing.
     /// The buffer then decides by reading.
     bool copyStretch(off_t start, off_t end) {
         while (start < end && means_ != DataMeans::buffer) {

@@ -189,8 +189,8 @@ bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept {
     return true;
 }
 
-// Names of any bytes; a folder's position is shared by all copies of its descriptor, hence the seek to the
-// start.
+// Names may be any bytes. All copies of a folder's descriptor share one position, so it is set to the start
+// first.
 bool appendFolderEntries(int folder, std::vector<char>& entries) {
     struct alignas(8) Entry { // as the kernel writes it, the name following
         std::uint64_t inode;

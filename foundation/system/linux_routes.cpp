@@ -108,7 +108,7 @@ int errorOf(const RouteAnswer& answer) noexcept {
     if (body.error < -maxError) {
         return EPROTO;
     }
-    // An acknowledgment is an error of 0, which is no error.
+    // An acknowledgment is an error message with the number 0.
     return body.error < 0 ? -body.error : 0;
 }
 
@@ -212,7 +212,7 @@ public:
     std::ptrdiff_t read(int socket, void* message, std::size_t capacity) noexcept override {
         RouteAnswer answer;
         do {
-            // Datagrams that are no whole message are skipped; the kernel sends none.
+            // Datagrams that are not a whole message are skipped; the kernel sends none.
             const std::ptrdiff_t count = receive(socket, answer, 0);
             if (count <= 0) {
                 return count;

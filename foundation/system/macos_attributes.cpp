@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copies extended attributes and access lists, and changes items that are not opened.
 // Pipes, sockets and devices cannot be opened without effect here, so they are changed by folder and name.
-// Whoever copies them checks that the new item is the one that was made.
+// Copying code checks that the new item is the one that was made.
 #include <cerrno>
 
 #include <copyfile.h>

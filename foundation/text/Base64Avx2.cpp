@@ -108,8 +108,8 @@ ZQ_AVX2 inline __m256i packed(__m256i values) noexcept {
 
 ZQ_AVX2 void decodeGroups(Decoding& state) noexcept {
     Decoding now = state;
-    // A whole register is stored for 24 bytes, hence the room. What it writes too much is overwritten by the
-    // next step.
+    // A whole register of 32 bytes is stored for 24, so that much room is needed. The next step overwrites
+    // the excess.
     while (now.inputEnd - now.input >= 32 && now.outputEnd - now.output >= 32) {
         const __m256i text = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(now.input));
         std::uint32_t foreignBytes = 0;

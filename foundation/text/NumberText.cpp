@@ -110,7 +110,7 @@ std::size_t skipDigits(const Unit* text, std::size_t at, std::size_t count) {
 /// Reads 'e', a sign and digits at the end of what is there already; without digits nothing is taken.
 template <class Unit>
 void splitExponent(const Unit* text, std::size_t count, RealParts& parts) {
-    // An incomplete exponent, as in "1e" or "1e+", is no error: the number ends before it.
+    // An incomplete exponent, as in "1e" or "1e+", is not an error: the number ends before it.
     std::size_t at = parts.length;
     if (at == count || (text[at] != 'e' && text[at] != 'E')) {
         return;

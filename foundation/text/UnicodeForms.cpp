@@ -147,7 +147,7 @@ bool readUtf32(std::string_view bytes, ByteOrder order, std::u16string& out) {
     out.reserve(bytes.size() / 4);
     for (; !bytes.empty(); bytes.remove_prefix(4)) {
         const std::uint32_t code = readNumber<4>(bytes.data(), order);
-        // Such a number is no character, so the bytes are in another encoding or order.
+        // Such a number is not a character, so the bytes are in another encoding or order.
         if (code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) {
             return false;
         }

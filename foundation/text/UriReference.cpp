@@ -212,7 +212,7 @@ private:
     }
 
     /// Eight groups, the last two perhaps as an IPv4 address, or fewer with one "::" for those left out.
-    /// Groups are counted; the gap counts for one group or more, hence at most 7 with it.
+    /// Groups are counted; the gap counts for one group or more, so at most 7 are allowed with it.
     bool takeIPv6Address() noexcept {
         int groups = 0;
         bool isShortened = takeGap();

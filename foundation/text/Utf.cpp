@@ -13,7 +13,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 constexpr char16_t replacementUnit = 0xFFFD;
-/// Low surrogates from U+DC80 up represent the bytes of a file name that are no UTF-8.
+/// Low surrogates from U+DC80 up represent the bytes of a file name that are not UTF-8.
 constexpr char32_t escapeBase = 0xDC00;
 
 // ASCII goes by blocks that are tested with a few word operations and then copied by a loop of fixed length,
@@ -56,8 +56,8 @@ inline void copyPiece(const From* __restrict from, To* __restrict to) {
     }
 }
 
-// Pieces of fixed lengths are unrolled and vectorized; a loop to `count` would be so only at the highest
-// level of optimization.
+// Compilers unroll and vectorize pieces of fixed lengths; a loop to `count` they vectorize only at the
+// highest level of optimization.
 template <class From, class To>
 void copyAscii(const From* from, std::size_t count, To* to) {
     constexpr std::size_t perWord = 8;

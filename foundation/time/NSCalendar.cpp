@@ -96,7 +96,7 @@ constexpr NSInteger valueOr(NSInteger field, NSInteger otherwise) noexcept {
         return false;
     }
     NSInteger year = valueOr(components.year, 1);
-    // A year without room is beyond the calendar with or without its last unit.
+    // Only a year far beyond the calendar overflows here; it is refused when the seconds are checked.
     if (era == 0 && __builtin_sub_overflow(1, year, &year)) {
         year = INT64_MAX;
     }

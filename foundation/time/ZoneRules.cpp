@@ -126,7 +126,7 @@ private:
     }
 
     bool takeIndexes(ZoneRules& rules, const unsigned char* indexes) {
-        // Each must name one of the clocks, for no later look checks it.
+        // Each must be the index of a clock: nothing checks it later.
         rules.clockAfter_.assign(indexes, indexes + header_.changes);
         return std::all_of(rules.clockAfter_.begin(), rules.clockAfter_.end(),
                            [this](std::uint8_t index) { return index < header_.clocks; });
