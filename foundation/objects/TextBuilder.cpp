@@ -140,7 +140,6 @@ void TextBuilder::appendCodePoint(char32_t codePoint) {
 }
 
 void TextBuilder::appendUtf8(const char* bytes, std::size_t count) {
-    // A builder in UTF-8 copies all that is well-formed; the other forms only share ASCII with the bytes.
     const std::size_t plain =
         form_ == Form::utf8 ? wellFormedUtf8Prefix(bytes, count) : asciiPrefixLength(bytes, count);
     appendAscii(bytes, plain);
@@ -149,6 +148,7 @@ void TextBuilder::appendUtf8(const char* bytes, std::size_t count) {
     }
     bytes += plain;
     count -= plain;
+    // In UTF-8 only what is ill-formed is left; the other forms share no more than ASCII with the bytes.
     if (form_ == Form::utf8) {
         return appendIllFormed(bytes, count);
     }
