@@ -121,10 +121,27 @@ bool isMountedOver(int folder, const char* name, const struct stat& item) noexce
 
 /// Used if the file system cannot rename without replacing.
 /// Both nearest means take the name first, by a step that fails if it exists. What another process puts there
-/// in between cannot be protected: such file systems have no better step.
+/// between the last look and the renaming cannot be protected: such file systems have no better step.
 bool renameFolderByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
     // The name is taken by a folder of ours, and a folder does not replace one that is not empty.
-    return ::mkdirat(toFolder, to, 0700) == 0 && ::renameat(fromFolder, from, toFolder, to) == 0;
+    if (::mkdirat(toFolder, to, 0700) != 0) {
+        return false;
+    }
+    if (::renameat(fromFolder, from, toFolder, to) == 0) {
+        return true;
+    }
+    const int error = errno;
+    ::unlinkat(toFolder, to, AT_REMOVEDIR); // unless somebody has put an item into it
+    errno = error;
+    return false;
+}
+
+/// Whether the name still refers to an empty file. Its number is not compared: file systems that are served
+/// by a process may give it another one.
+bool isEmptyFile(int folder, const char* name) noexcept {
+    struct stat information;
+    return ::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(information.st_mode) &&
+           information.st_size == 0;
 }
 
 /// A hard link is a second name, made in one step that fails if the name is taken.
@@ -137,17 +154,21 @@ bool renameFileByNearestMeans(int fromFolder, const char* from, int toFolder, co
         return false;
     }
     // Hard links are not available either: the name is taken by an empty file, which is then replaced.
+    // Another process may have written to it before that.
     const int taken = ::openat(toFolder, to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (taken < 0) {
         return false;
     }
     ::close(taken);
-    if (::renameat(fromFolder, from, toFolder, to) == 0) {
+    errno = EEXIST;
+    if (isEmptyFile(toFolder, to) && ::renameat(fromFolder, from, toFolder, to) == 0) {
         return true;
     }
     // The empty file was ours; it must not stay where the item should have been.
     const int error = errno;
-    ::unlinkat(toFolder, to, 0);
+    if (isEmptyFile(toFolder, to)) {
+        ::unlinkat(toFolder, to, 0);
+    }
     errno = error;
     return false;
 }

@@ -69,6 +69,7 @@ bool HeldItem::hold(int folder, const char* name) noexcept {
     // Links can be opened as such; pipes, sockets and devices are accessed by name.
     if (S_ISLNK(information.st_mode)) {
         descriptor_ = ::openat(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC);
+        return descriptor_ >= 0;
     }
     return true;
 }
