@@ -61,8 +61,9 @@ public:
     /// Takes the longest run of characters that are not members of the set. False if there is none.
     bool scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output);
 
-    /// @name Numbers They are read as by a string's own value operations, so leading white space is skipped
-    /// even if it is not among the characters to be skipped. Numbers beyond the range of their type saturate.
+    /// @name Numbers
+    /// They are read as by a string's own value operations, so leading white space is skipped even if it is
+    /// not among the characters to be skipped. Numbers beyond the range of their type saturate.
     /// @{
 
     /// Takes a sign and ASCII digits, as a 32-bit number. False if there is no digit.

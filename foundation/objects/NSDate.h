@@ -69,8 +69,8 @@ public:
                              : static_cast<bool>(left) <=> static_cast<bool>(right);
     }
 
-    /// @name NSDate(ZQFoundation) Calendars are created at each call, in the process's time zone of that
-    /// moment unless one is given.
+    /// @name NSDate(ZQFoundation)
+    /// Calendars are created at each call, in the process's time zone of that moment unless one is given.
     /// @{
 
     /// The instant of Gregorian fields; a nil zone is the process's. Fields out of range carry over: day 0 is

@@ -275,8 +275,9 @@ public:
     /// `doubleValue`, rounded to a float.
     float floatValue() const noexcept;
 
-    /// @name Paths "Squeezed" means that each run of "/" becomes one, and that a trailing "/" is removed
-    /// except from "/" itself.
+    /// @name Paths
+    /// "Squeezed" means that each run of "/" becomes one, and that a trailing "/" is removed except from "/"
+    /// itself.
     /// @{
 
     /// The text after the last "/", a trailing "/" dropped first; "/" for slashes alone.
@@ -368,10 +369,13 @@ public:
     /// Whether the upper-cased text is "YES" or `intValue` is not zero. Replaces the platform's own rule.
     bool boolValue() const;
 
-    /// `other` unless it is nil, else this string: **the receiver is the default**.
+    /// `other` unless it is nil, else this string: **the receiver is the default**. Nil for a nil receiver,
+    /// whatever the argument is.
+    ///
+    ///     NSString("unknown").asDefaultOr(settings["name"].as<NSString>());
     NSString asDefaultOr(const NSString& other) const;
 
-    /// Whether there is no unit; false for nil.
+    /// Whether there is no unit; false for nil, which is no text at all.
     bool isEmpty() const noexcept;
 
     /// Whether the text occurs, unit by unit; false for an empty or nil argument.
@@ -462,8 +466,11 @@ public:
     /// no two digits after it or the bytes are not well-formed UTF-8.
     NSString urlDecodedString() const;
 
-    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. It is
-    /// not secure: two texts with the same digest are easily made.
+    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. Nil for
+    /// nil, and if an unpaired surrogate has no UTF-8 form. It is not secure: two texts with the same digest
+    /// are easily made.
+    ///
+    ///     NSString("").md5String();  // "d41d8cd98f00b204e9800998ecf8427e"
     NSString md5String() const;
 
     /// A new random UUID (version 4): "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
