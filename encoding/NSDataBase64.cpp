@@ -30,6 +30,8 @@ NSString encoded(const NSData& data, bool separateLines) {
 
 } // namespace
 
+// Decodes directly into the body of the data. Its size is known only afterwards, so room for the longest
+// result is allocated first.
 NSData NSData::dataFromBase64String(const NSString& text) {
     const StringView characters(text);
     if (characters.form() != StringView::Form::ascii || characters.size() == 0) {
