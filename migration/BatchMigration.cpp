@@ -45,6 +45,7 @@ bool BatchMigration::openSource() {
     return files_.has_value();
 }
 
+// The window is finished at the end however the loop ends: what was copied is not left in two places.
 void BatchMigration::run() {
     if (!openSource()) {
         return;
@@ -109,6 +110,8 @@ DestinationFolder& BatchMigration::destinationOfItem() {
     return *levels_.back().destination;
 }
 
+// A failed copy is tried once more if descriptors ran out while a window was open: the window holds most of
+// them.
 void BatchMigration::migrateItem() {
     const NSString path = files_->relativePath();
     std::unique_ptr<ItemMigration> migration;
@@ -156,6 +159,7 @@ bool BatchMigration::isSourcePending(const struct stat& item) const noexcept {
                        [&](const Pending& each) { return isSameItem(each.migration->copiedItem(), item); });
 }
 
+// Files come folder by folder, so it is enough to count the changes of folder.
 bool BatchMigration::isWindowFull() const noexcept {
     std::size_t folders = 1;
     for (std::size_t index = 1; index < window_.size(); ++index) {
@@ -167,6 +171,8 @@ bool BatchMigration::isWindowFull() const noexcept {
     return window_.size() >= maxWindowFiles || windowBytes_ >= maxWindowBytes || folders > maxWindowFolders;
 }
 
+// First all file systems are flushed, then the first source is removed. In the other order a loss of power
+// could take both: the source, already removed, and the copy, not yet on the disk.
 void BatchMigration::finishWindow() {
     std::vector<std::pair<dev_t, bool>> flushed;
     for (const Pending& each : window_) {

@@ -9,6 +9,8 @@
 
 namespace ZQFoundation::detail {
 
+// A folder that was closed must be the same when it is opened again. Another one in its place is a failure:
+// the plan was made for the first.
 DestinationFolder::State DestinationFolder::find() {
     if (folder_) {
         return State::found;

@@ -39,6 +39,8 @@ bool isId(std::string_view text) noexcept {
 
 } // namespace
 
+// A name that only begins like one of these is a user's: recovery must not touch it, so ids are checked to
+// the last digit. An item that was set aside has any name after the mark, which is never empty.
 HiddenName parsedHiddenName(const char* name) {
     const std::string_view text(name);
     for (const Mark& mark : marks) {
@@ -53,6 +55,7 @@ HiddenName parsedHiddenName(const char* name) {
     return {};
 }
 
+// The number cannot be predicted, so nobody else in a shared folder can take the name first.
 std::string newHiddenName(HiddenKind kind) {
     std::string name(markOf(kind));
     std::uint64_t number = system::freshRandomNumber();

@@ -31,6 +31,8 @@ ItemMigration::ItemMigration(const MigratedKind& kind, const MigrationPolicy& po
     : kind_(kind), policy_(policy), source_(source), place_(std::move(place)), wanted_(destination),
       workspace_(NSClassFromString(kind.workspaceClass)) {}
 
+// The first reason in this order is the result: source, parent folder, destination. Without a parent there is
+// nothing to choose yet; `makeParent` plans again.
 const MigrationPlan& ItemMigration::plan(DestinationFolder& parent) {
     plan_ = MigrationPlan{};
     plan_.destination = wanted_;
@@ -93,7 +95,8 @@ ZQFileMigrationRetvalType ItemMigration::makeParent(DestinationFolder& parent) {
     return plan_.code;
 }
 
-/// Whether something exists at the destination, and what.
+// Whether something exists at the destination, and what: the link itself and what it refers to, because
+// either may be a source of the same run.
 bool ItemMigration::look() {
     existing_ = {};
     existingItem_ = {};

@@ -79,6 +79,8 @@ private:
 
 } // namespace
 
+// The source is looked at before anything is removed: its state at this moment is what `removeSource`
+// compares with.
 ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
     if (!place_.look(copied_)) {
         return kind_.writingFailed;
@@ -95,6 +97,8 @@ ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
     return kFileMigrationSuccess;
 }
 
+// What was planned may have changed since, so the kind is checked once more: a folder with its contents is
+// never removed for a file.
 bool ItemMigration::removeExisting(const MadeItems* made) {
     struct stat present;
     if (!target_.look(present)) {
@@ -125,6 +129,7 @@ bool ItemMigration::removeExistingFile(const struct stat& present) {
     return aside.take(present) && place_.holds(copied_) && aside.removeFile();
 }
 
+// Checked as a whole before it is set aside: if one item in it cannot be removed, nothing is.
 bool ItemMigration::removeExistingFolder(const struct stat& present) {
     const Descriptor folder(openAt(target_.folder(), target_.name(), folderFlags));
     if (!folder || !lockForWork(folder.number()) || !isTreeRemovable(folder, nullptr)) {
@@ -161,7 +166,9 @@ bool ItemMigration::copyFile(const CopyWishes& wishes) {
     return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), wishes));
 }
 
-/// A file without a name vanishes with the process, so a killed process leaves nothing.
+/// A file without a name vanishes with the process, so a killed process leaves nothing. `impossible` means
+/// that the file system or the system cannot do this, and a hidden name is used instead; a full disk or table
+/// is a failure either way.
 ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& wishes) {
     Descriptor made = openUnnamed(target_.folder());
     if (!made) {
@@ -184,6 +191,8 @@ ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& w
     return Naming::failed;
 }
 
+// The name is taken after the descriptor was closed, because some file systems report only then that a write
+// failed. The duplicate keeps the lock until the copy has its name.
 bool ItemMigration::copyHidden(int source, const CopyWishes& wishes) {
     HiddenCopy hidden(target_);
     Descriptor made = hidden.begin(

@@ -65,6 +65,7 @@ bool ItemMigration::removeFile() {
            writers.areThereNone() && target_.holds(made_) && aside.removeFile();
 }
 
+// Pipes, devices and links: no descriptor keeps them, so they are compared by their state alone.
 bool ItemMigration::removeSpecial() {
     struct stat now;
     if (!place_.look(now) || !isUnchanged(copied_, now, true)) {

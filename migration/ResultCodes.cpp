@@ -8,6 +8,8 @@ namespace ZQFoundation {
 
 namespace {
 
+/// A code with its name, which is part of its key in the tables of localized texts, and its text without a
+/// table.
 struct CodeDescription {
     std::uint32_t code;
     const char* name;
@@ -75,6 +77,7 @@ NSString ZQFileMigrator::descriptionOfFileMigrationRetvalType(std::uint32_t code
     return NSBundle::libraryBundle().localizedStringForKey_value_table(key, description.english, nullptr);
 }
 
+// The empty key is the failure of a whole call, which has no path. It is sorted to the front.
 NSMutableString ZQFileMigrator::descriptionOfFileMigrationErrorsIn(const NSDictionary& results) {
     const NSArray keys =
         results.allKeys().sortedArrayUsingComparator([](const NSObject& left, const NSObject& right) {

@@ -9,7 +9,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// "Name 1", "Name1" without an intermediate string.
+/// "Name 1", "Name1" without an intermediate string. No extension: keys and texts have none.
 NSString numberedName(StringView name, StringView intermediateString, std::int64_t counter) {
     return NSString::stringWithFormat("%@%@%ld", name,
                                       intermediateString ? intermediateString : StringView(""), counter);

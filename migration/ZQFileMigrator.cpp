@@ -18,7 +18,8 @@ using detail::ItemPlace;
 using detail::MigratedKind;
 using detail::MigrationPolicy;
 
-/// Forwards events to the host's observer, if there is one, and collects the codes of a batch.
+/// Forwards events to the host's observer, if there is one, and collects the codes of a batch. Once the
+/// observer has said stop, it is not asked again.
 class Progress final : public detail::BatchMigration::Observer {
 public:
     explicit Progress(ZQMigrationObserver* observer) noexcept : observer_(observer) {}
@@ -71,6 +72,8 @@ MigrationPolicy policyOf(const ZQMigrationOptions& options) noexcept {
             options.renameIfDestinationExists};
 }
 
+/// The order of a move: plan, copy, notify, flush, remove. The copy's data are on the disk before it gets its
+/// name; the flush is for the name, and only after it may the source go.
 ZQFileMigrationRetvalType run(ItemMigration& migration, const MigrationPolicy& policy,
                               DestinationFolder& parent, Progress& progress) {
     migration.plan(parent);
@@ -89,6 +92,8 @@ ZQFileMigrationRetvalType run(ItemMigration& migration, const MigrationPolicy& p
                                                      : kFileMigrationSourceFileCannotBeRemoved;
 }
 
+/// Leftovers of killed processes are recovered first, at the source and at the destination, because one of
+/// them may be the source itself. After a success both folders are known to have none.
 ZQMigrationResult migrate(const MigratedKind& kind, const NSString& source, const NSString& destination,
                           const ZQMigrationOptions& options, ZQMigrationObserver* observer) {
     if (!source) {
@@ -121,6 +126,7 @@ ZQMigrationResult migrate(const MigratedKind& kind, const NSString& source, cons
     return {code, progress.isStopped() && code != kFileMigrationSuccess, migration.destination()};
 }
 
+/// The result of a batch that did not begin.
 NSDictionary failureOfTheWhole(ZQFileMigrationRetvalType code) {
     return NSDictionary{{"", static_cast<std::uint32_t>(code)}};
 }
@@ -139,6 +145,8 @@ ZQMigrationResult ZQFileMigrator::migrateFolder(const NSString& source, const NS
     return migrate(detail::folderKind, source, destination, options, observer);
 }
 
+// A source folder that does not exist has no files, so that the result is empty: not an error for hosts that
+// migrate what may be there.
 ZQBatchMigrationResult ZQFileMigrator::migrateFiles(const NSString& extension, const NSString& source,
                                                     const NSString& destination,
                                                     const ZQMigrationOptions& options,
