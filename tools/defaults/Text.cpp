@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Spells out control characters. Bytes of UTF-8 pass as they are, except the control characters from U+0080
+// on.
 #include "tools/defaults/Text.h"
 
 #include <string_view>
@@ -40,6 +42,7 @@ std::string spelledOut(const std::string& text, std::string_view kept) {
 
 const char* programName = "defaults";
 
+// Any other name, such as that of a link, counts as "defaults", which messages and the manual use.
 void setProgramName(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     if (path.compare(slash == std::string::npos ? 0 : slash + 1, std::string::npos, "zqdefaults") == 0) {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Reads values from words of the command line: with a flag strictly as its type, without one as text or a
+// property list.
 #include "tools/defaults/Values.h"
 
 #include <charconv>
@@ -17,6 +19,7 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
+/// What a flag asks for; those from `array` on take all words that follow.
 enum class Type {
     none,
     string,
@@ -31,6 +34,7 @@ enum class Type {
     addToDictionary,
 };
 
+/// Some types have two flags; both mean the same.
 struct TypeFlag {
     const char* name;
     Type type;
@@ -45,6 +49,7 @@ constexpr TypeFlag flags[] = {
     {"-array-add", Type::addToArray}, {"-dict-add", Type::addToDictionary},
 };
 
+/// `none` for any other word, even one with a hyphen: it may be a value, such as -5.
 Type typeOfFlag(const std::string& word) noexcept {
     for (const TypeFlag& flag : flags) {
         if (word == flag.name) {
@@ -63,6 +68,8 @@ std::from_chars_result scanNumber(const char* first, const char* last, Number& n
 
 #ifndef __cpp_lib_to_chars // a C++ library that reads whole numbers only
 
+/// A double, where the standard function is missing. Like that function, it takes no "+", knows infinity and
+/// NaN, and reports numbers that are too large or too small.
 std::from_chars_result scanNumber(const char* first, const char* last, double& number) {
     const NSString word = NSString(std::string(first, last)).lowercaseString();
     for (const char* const other : {"inf", "infinity", "nan"}) {
@@ -89,7 +96,8 @@ std::from_chars_result scanNumber(const char* first, const char* last, double& n
 
 #endif
 
-/// A number that takes the whole word.
+/// A number that takes the whole word. A leading "+" is allowed, which the scanner does not know; "+-5" is
+/// not.
 template <class Number>
 Number numberFromWord(const std::string& word, const char* what) {
     const char* const start = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
@@ -105,6 +113,7 @@ Number numberFromWord(const std::string& word, const char* what) {
     return number;
 }
 
+/// A closed list: any other word is more likely a mistake than a NO.
 bool booleanFromWord(const std::string& word) {
     const NSString lowered = NSString(word).lowercaseString();
     for (const char* const yes : {"yes", "true", "1"}) {
@@ -128,6 +137,7 @@ int hexDigit(char character) noexcept {
     return letter >= 0 && letter < 6 ? 10 + letter : -1;
 }
 
+/// Pairs of hexadecimal digits, with spaces between pairs, as data are printed; never inside a pair.
 NSObject dataFromWord(const std::string& word) {
     std::string bytes;
     int half = -1;
@@ -150,6 +160,7 @@ NSObject dataFromWord(const std::string& word) {
     return NSData::dataWithBytes_length(bytes.data(), bytes.size());
 }
 
+/// A word as a type that was asked for; without one it is text, whatever it looks like.
 NSObject scalarFromWord(Type type, const std::string& word) {
     switch (type) {
     case Type::data:
@@ -193,6 +204,7 @@ NSArray arrayFromWords(const Words& words, std::size_t index) {
     return elements.array();
 }
 
+/// Keys and values alternate. Of a key that is given twice the last value counts.
 NSDictionary dictionaryFromWords(const Words& words, std::size_t index) {
     NSMutableDictionary entries;
     while (index < words.size()) {
@@ -205,6 +217,7 @@ NSDictionary dictionaryFromWords(const Words& words, std::size_t index) {
     return entries.dictionary();
 }
 
+/// Only the first character decides, so that a mistake inside a list is reported and not stored as text.
 bool beginsLikePropertyList(const std::string& word) noexcept {
     const std::size_t start = word.find_first_not_of(" \t\n\r");
     return start != std::string::npos && std::string("{(<\"").find(word[start]) != std::string::npos;
@@ -225,6 +238,7 @@ NSObject valueFromWord(const std::string& word) {
     return value;
 }
 
+// The four flags of collections take all words that are left; any other value must be the only one.
 WrittenValue valueFromWords(const Words& words, std::size_t first) {
     using Manner = WrittenValue::Manner;
     switch (typeOfFlag(words[first])) {
@@ -247,6 +261,7 @@ WrittenValue valueFromWords(const Words& words, std::size_t first) {
     return {Manner::replace, value};
 }
 
+// Numbers are named by what they hold, not by their common class.
 const char* nameOfType(const NSObject& value) {
     switch (detail::Access::kind(value)) {
     case detail::Kind::boolean:

@@ -15,6 +15,7 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
+/// As the manual says; scripts distinguish a failure from a mistake in the command line.
 enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
 
 constexpr const char helpStart[] = "Usage: %s <command> [<argument>]...\n"
@@ -42,6 +43,7 @@ constexpr const char helpEnd[] =
     "\n"
     "Exit status: 0 on success, 1 for a failure, 2 for a wrong command line.\n";
 
+/// Shows the name by which the user has called the program.
 void printHelp() {
     std::printf(helpStart, programName);
     std::fputs(listOfCommands({}).c_str(), stdout);
@@ -50,7 +52,8 @@ void printHelp() {
 
 bool asksForHelp(const std::string& word) { return word == "--help" || word == "-h"; }
 
-/// Whether the words are a command and the wish to know what it takes.
+/// Whether the words are a command and the wish to know what it takes. For a command that does not exist
+/// nothing is printed: `runCommand` says so.
 bool printHelpOfCommand(const Words& words) {
     const std::string list = words.size() == 2 && asksForHelp(words[1]) ? listOfCommands(words[0]) : "";
     if (!list.empty()) {
@@ -59,6 +62,7 @@ bool printHelpOfCommand(const Words& words) {
     return !list.empty();
 }
 
+/// On one line, because a word of the user's or a file's name may contain line feeds.
 int complain(const std::string& message, ExitStatus status) {
     std::fprintf(stderr, "%s: %s%s\n", programName, onOneLine(message).c_str(),
                  status == misused ? " (try --help)" : "");
@@ -72,6 +76,8 @@ void takeFileSizeLimitAsError() {
     ::sigaction(SIGXFSZ, &ignore, nullptr);
 }
 
+/// Arguments must be UTF-8: a key that was silently repaired would be another key. What was printed is
+/// checked at the end, because a full disk shows only when the stream is flushed.
 int run(const Words& words) {
     for (const std::string& word : words) {
         if (!detail::isWellFormedUtf8(word.data(), word.size())) {

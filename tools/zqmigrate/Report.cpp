@@ -36,6 +36,7 @@ constexpr struct {
      "no part of a copy is left; what --overwrite replaces may be gone", true},
 };
 
+/// In the user's language, like the library's own texts; the hints below are English only.
 NSString descriptionOf(const Item& item) {
     return ZQFileMigrator::descriptionOfFileMigrationRetvalType(item.code);
 }
@@ -59,10 +60,12 @@ std::string linesOf(const Request& request, const Item& item) {
            (item.note ? "\n      note: " + shown(item.note) : "") + "\n";
 }
 
+/// `"<name>": true`, a member of a JSON object.
 std::string flag(const char* name, bool value) {
     return std::string("\"").append(name).append(value ? "\": true" : "\": false");
 }
 
+/// `"<name>": [...]`, one element a line. The elements are JSON already.
 std::string array(const char* name, const std::vector<std::string>& members) {
     std::string text = std::string("\"").append(name).append("\": [");
     for (const std::string& member : members) {
@@ -77,6 +80,8 @@ std::string counted(std::uint64_t count, const Request& request) {
            (count == 1 ? "" : "s");
 }
 
+/// One sentence: how many of how many, whether in earnest or in a trial, and what is left. A run without
+/// files is not a failure, but is said.
 std::string howItWent(const Request& request, const Outcome& outcome) {
     const std::uint64_t left = outcome.left();
     const std::uint64_t count = outcome.migrated + left;
@@ -115,6 +120,7 @@ std::string listedPaths(const Request& request, const std::vector<NSString>& pat
     });
 }
 
+/// Failed items with their reasons, then those that a signal has kept from being reached.
 std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     const std::size_t failed = outcome.failed.size();
     return listed(request, outcome.left(), [&](std::size_t index) {
@@ -125,6 +131,7 @@ std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     });
 }
 
+/// Each hint once, however many items have its code; none about an attempt that a trial did not make.
 std::string hintsFor(const Request& request, const Outcome& outcome) {
     std::string text;
     for (const auto& hint : hints) {
@@ -157,6 +164,8 @@ std::string beginningOfReport(const Request& request) {
            ",\n\"items\": [\n";
 }
 
+// For a person, standard output has what was done, and failures go to standard error with the summary. A
+// program gets all items in one list.
 std::string reportOfItem(const Request& request, const Item& item, bool isFirst) {
     if (!request.isJson) {
         return request.isQuiet || item.code != kFileMigrationSuccess ? "" : linesOf(request, item);
@@ -168,6 +177,8 @@ std::string reportOfItem(const Request& request, const Item& item, bool isFirst)
            (item.note ? ", \"note\": " + quoted(item.note) : "") + "}\n";
 }
 
+// Every member is always there, so that a program need not look for it. `left` is what a second run would
+// have to do.
 std::string endOfReport(const Request& request, const Outcome& outcome) {
     if (!request.isJson) {
         return {};
@@ -201,6 +212,7 @@ std::string endOfReport(const Request& request, const Outcome& outcome) {
            flag("interrupted", outcome.signal != 0) + ",\n" + flag("success", outcome.isSuccess()) + "\n}\n";
 }
 
+// A quiet run that went well reports only what is unusual: folders, links and notes.
 std::string summaryOf(const Request& request, const Outcome& outcome) {
     if (outcome.error) {
         return messageLine(outcome.error);
