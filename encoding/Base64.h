@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares Base64 for C buffers; for data and strings see NSData.
 #ifndef ZQFOUNDATION_ENCODING_BASE64_H
 #define ZQFOUNDATION_ENCODING_BASE64_H
 

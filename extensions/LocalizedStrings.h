@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the C functions that look up localized texts.
 #ifndef ZQFOUNDATION_EXTENSIONS_LOCALIZEDSTRINGS_H
 #define ZQFOUNDATION_EXTENSIONS_LOCALIZEDSTRINGS_H
 

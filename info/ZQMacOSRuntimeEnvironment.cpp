@@ -55,7 +55,7 @@ void readNumbers(const NSString& version, Release& release) {
     }
 }
 
-/// The release, read at the first call. Without a lock, which a forked child could find locked for good.
+/// The release, read at the first call. Without a lock, which a forked child could find locked forever.
 const Release& release() {
     if (const Release* const known = knownRelease.load(std::memory_order_acquire)) {
         return *known;

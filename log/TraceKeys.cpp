@@ -365,7 +365,7 @@ NSArray ZQLog::activatedTraceDefaultKeys() { return activatedTraceDefaultsKeys()
 
 bool ZQLog::aTraceDefaultValueHasBeenActivated() { return detail::anyTraceKeyHolds(); }
 
-// Closes the gate after the monitor is held: queries that begin from now on wait for the monitor, and those
+// Closes the gate once the monitor is held: queries that begin from now on wait for the monitor, and those
 // that have begun see another generation and ask again.
 ZQLog::Synchronized::Synchronized() noexcept {
     detail::monitor.lock();

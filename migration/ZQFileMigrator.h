@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the migration of files and folders, its options, results and observer.
 #ifndef ZQFOUNDATION_MIGRATION_ZQFILEMIGRATOR_H
 #define ZQFOUNDATION_MIGRATION_ZQFILEMIGRATOR_H
 

@@ -15,7 +15,7 @@ struct ClassRecord {
     std::size_t nameLength; ///< in bytes
 };
 
-/// The record of a class.
+/// The record of a class. Compare records by their names: two plugins may have one each for the same class.
 template <class T>
 inline constexpr ClassRecord classRecord{TypeName<T>::bytes, TypeName<T>::length};
 

@@ -80,8 +80,8 @@ std::string counted(std::uint64_t count, const Request& request) {
            (count == 1 ? "" : "s");
 }
 
-/// One sentence: how many of how many, whether in earnest or in a trial, and what is left. A run without
-/// files is not a failure, but is said.
+/// One sentence: how many of how many items were migrated, or would be in a trial, and what is left to do. A
+/// run without files is not a failure, but it is reported.
 std::string howItWent(const Request& request, const Outcome& outcome) {
     const std::uint64_t left = outcome.left();
     const std::uint64_t count = outcome.migrated + left;

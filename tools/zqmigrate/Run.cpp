@@ -30,7 +30,7 @@ struct FoundItem {
     bool isRelativeLink = false; ///< that leads somewhere
 };
 
-/// By the effective user, as the migration itself: a folder needs both permissions to be walked.
+/// Whether the folder can be walked, which takes both permissions: for the effective user, as in a migration.
 bool isUsable(const detail::ItemPlace& folder) {
     return ::faccessat(folder.folder(), folder.name(), R_OK | X_OK, AT_EACCESS) == 0;
 }
