@@ -13,7 +13,8 @@ namespace base64 = detail::base64;
 
 namespace {
 
-/// Encodes directly into the body of the string.
+/// Encodes directly into the body of the string, whose length is known exactly: separators are between lines
+/// only.
 NSString encoded(const NSData& data, bool separateLines) {
     if (!data) {
         return nullptr;

@@ -15,6 +15,7 @@ class CondensedWriter {
 public:
     explicit CondensedWriter(TextBuilder& out) noexcept : out_(out) {}
 
+    /// Ends when the outermost collection is closed: each step writes a piece of the innermost one.
     void write(const NSObject& collection) {
         open(collection);
         while (!frames_.empty()) {

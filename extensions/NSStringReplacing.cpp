@@ -106,6 +106,7 @@ NSString::stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(const N
     return result ? result : *this;
 }
 
+// Removing is replacing by nothing.
 NSString NSString::stringByRemovingEveryOccurrenceOfCharactersFromSet(const NSCharacterSet& set) const {
     return stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(set, "");
 }

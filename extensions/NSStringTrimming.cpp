@@ -42,6 +42,7 @@ std::size_t rightEdge(const Unit* units, std::size_t start, std::size_t length,
 NSString made(const char* units, std::size_t count) { return detail::makeAsciiString(units, count); }
 NSString made(const char16_t* units, std::size_t count) { return detail::makeString(units, count); }
 
+/// At which ends members are removed.
 struct Sides {
     bool left;
     bool right;

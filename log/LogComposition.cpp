@@ -48,6 +48,7 @@ void appendInstance(TextBuilder& out, StringView className, const void* address,
     appendMethod(out, method);
 }
 
+/// "+[Store sharedStore]": a class has no address, because it is no object here.
 void appendClass(TextBuilder& out, StringView className, StringView method) {
     out.appendLiteral("+[");
     out.append(className);
@@ -82,6 +83,7 @@ void appendValueCaller(TextBuilder& out, const NSObject& value, StringView metho
     }
 }
 
+/// Objects are queried only here, when the line is certain to be made; a name of theirs may be costly.
 void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView method) {
     switch (caller.form()) {
     case LogCaller::Form::absent:
@@ -163,6 +165,7 @@ private:
 
 } // namespace
 
+// Called from code that is compiled into the host, which only has the type.
 StringView classNameOfType(const std::type_info& type) {
     const NameSpan name = dynamicTypeName(type);
     return {name.start, name.length};

@@ -38,7 +38,8 @@ NSString absolutePath(const NSString& path) {
     return whole.stringByStandardizingPath().stringByResolvingSymlinksInPath();
 }
 
-/// Whether lines may be appended to the item at the path.
+/// Whether lines may be appended to the item at the path. A folder or a pipe is not a place for a log, and is
+/// named as such.
 bool acceptExistingFile(const NSString& path) {
     const NSFileManager& files = NSFileManager::defaultManager();
     if (!files.isRegularFileAtPath(path)) {

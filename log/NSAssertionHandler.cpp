@@ -53,6 +53,7 @@ bool isItsOwnClass(const LogCaller& object) {
 
 } // namespace
 
+// A constant without a destructor: assertions may fail before `main` and in static destructors.
 NSAssertionHandler& NSAssertionHandler::currentHandler() noexcept {
     static constinit NSAssertionHandler handler;
     return handler;

@@ -39,6 +39,7 @@ void ZQLog::logAlways_log(detail::Flag logAlways, StringView text) {
     }
 }
 
+// Nil for nil, so the result is the text that `logAlways_log` would have written, if any.
 NSString ZQLog::logAlways_logString(detail::Flag logAlways, const NSString& text) {
     return logAlways ? text : NSString();
 }

@@ -40,6 +40,7 @@ DestinationFolder::State DestinationFolder::find() {
     return State::found;
 }
 
+// A path that still begins with "~" names nobody's home, and no folder of that name is made.
 bool DestinationFolder::make() {
     return !path_.hasPrefix("~") &&
            NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(

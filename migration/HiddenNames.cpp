@@ -14,6 +14,7 @@ namespace {
 constexpr std::string_view digits = "0123456789abcdef";
 constexpr std::size_t idLength = 16;
 
+/// How the names of a kind begin: with a period, so that file managers do not show unfinished items.
 struct Mark {
     HiddenKind kind;
     std::string_view text;
@@ -33,6 +34,7 @@ std::string_view markOf(HiddenKind kind) noexcept {
     return {};
 }
 
+/// Lower-case digits only, as `newHiddenName` makes them.
 bool isId(std::string_view text) noexcept {
     return text.size() == idLength && text.find_first_not_of(digits) == std::string_view::npos;
 }

@@ -46,6 +46,8 @@ const MigrationPlan& ItemMigration::plan(DestinationFolder& parent) {
     return plan_;
 }
 
+// A folder is not asked whether it is readable: what in it cannot be read fails the copy, with nothing left
+// of it.
 ZQFileMigrationRetvalType ItemMigration::testSource() const {
     bool isDirectory = false;
     if (!place_) {
@@ -144,10 +146,12 @@ ZQFileMigrationRetvalType ItemMigration::testHarm(bool exists) const {
                                                                       : kFileMigrationSuccess;
 }
 
+// No item has the inode 0: it means that nothing was found at the destination.
 bool ItemMigration::isInTheWay(const struct stat& item) const noexcept {
     return existing_.st_ino != 0 && (isSameItem(existing_, item) || isSameItem(existingItem_, item));
 }
 
+// The folder of the wanted destination, which is also that of a copy with another name.
 void ItemMigration::announceCopy() const {
     announceFileSystemChange(workspace_, wanted_.stringByDeletingLastPathComponent());
 }

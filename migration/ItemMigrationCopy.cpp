@@ -18,6 +18,8 @@ namespace {
 /// Others may remove a copy that is not locked yet, so bound the retries.
 constexpr int maxNames = 16;
 
+// By the time of the opening, a pipe or a terminal may have the name: do not wait for the one, nor be
+// controlled by the other. What is created must be new: nobody else's item is ever opened for writing.
 constexpr int oldFileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr int newFileFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
 
@@ -25,6 +27,8 @@ Descriptor duplicateOf(const Descriptor& descriptor) noexcept {
     return Descriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, 0));
 }
 
+/// If the host has closed its standard streams, a new file would get the number of one, and what the host
+/// prints would go into the copy.
 Descriptor openUnnamed(int folder) noexcept {
     const system::StandardStreamsGuard guard(true);
     return Descriptor(system::keepOffStandardStreams(system::openUnnamedFile(folder)));
@@ -42,7 +46,9 @@ public:
         }
     }
 
-    /// Creates an item with `make(name)`, which opens it, and locks it.
+    /// Creates an item with `make(name)`, which opens it, and locks it. Between the two, recovery in another
+    /// process may take it for a leftover and remove it; then the name is no longer that of the item, and
+    /// another one is tried.
     template <class Make>
     Descriptor begin(const Make& make) {
         for (int attempt = 0; attempt < maxNames; ++attempt) {
@@ -61,6 +67,8 @@ public:
         return {};
     }
 
+    /// Never replaces: an item that somebody has created at the destination meanwhile stays, and the copy
+    /// fails.
     bool takeName() {
         if (!system::renameWithoutReplacing(target_.folder(), name_.c_str(), target_.folder(),
                                             target_.name())) {
@@ -152,6 +160,8 @@ bool ItemMigration::makeCopy(const CopyWishes& wishes) {
     return S_ISREG(copied_.st_mode) ? copyFile(wishes) : copySpecial();
 }
 
+// The file that was opened must be the one that was looked at, not another that has taken its name. For a
+// move it is opened so that any later change shows.
 bool ItemMigration::copyFile(const CopyWishes& wishes) {
     struct stat opened;
     if (!openForCopy(place_.folder(), place_.name(), !policy_.keepOriginal, opened_, opened)) {
@@ -219,6 +229,7 @@ bool ItemMigration::copySpecial() {
     return false;
 }
 
+// A tree is never copied into itself, however the paths are spelled: the copy would find itself and not end.
 bool ItemMigration::copyTree(const CopyWishes& wishes) {
     struct stat opened;
     opened_ = Descriptor(openAt(place_.folder(), place_.name(), folderFlags));
@@ -241,6 +252,8 @@ bool ItemMigration::copyTree(const CopyWishes& wishes) {
            ::fstat(made.number(), &made_) == 0 && hidden.takeName();
 }
 
+// A move records what it copies, item by item and with its state: only what is in the record is removed
+// afterwards.
 bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes) {
     if (!folder || !made) {
         return false;

@@ -11,6 +11,7 @@
 
 namespace ZQFoundation::detail {
 
+// Whatever prevents the removal, the result is the same: source and copy both exist.
 ZQFileMigrationRetvalType ItemMigration::removeSource() {
     const bool isRemoved = S_ISDIR(copied_.st_mode)   ? removeTree()
                            : S_ISREG(copied_.st_mode) ? removeFile()

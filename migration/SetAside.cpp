@@ -11,6 +11,8 @@
 
 namespace ZQFoundation::detail {
 
+// The attempt to rename is the test for a free name, so nobody can take it in between. Any other error than a
+// taken name ends the search: further numbers would fail too.
 bool showItemBeside(int hiddenFolder, const char* hiddenName, int folder, const std::string& name) {
     bool isShown = false;
     freeName(
@@ -87,6 +89,7 @@ bool SetAside::hideLong() {
     return false;
 }
 
+// `errno` is the caller's, which reports the error that came first.
 void SetAside::removeLongFolder() noexcept {
     if (!longName_.empty()) {
         const int error = errno;

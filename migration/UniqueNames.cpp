@@ -23,6 +23,7 @@ NSString ZQFileMigrator::uniquePathForPath_usingIntermediateString(const NSStrin
                                                                  detail::defaultAttempts);
 }
 
+// Links are followed, so a dangling link counts as a free path here, unlike in a migration.
 NSString ZQFileMigrator::uniquePathForPath_usingIntermediateString_maxAttempts(const NSString& path,
                                                                                StringView intermediateString,
                                                                                std::uint64_t maxAttempts) {

@@ -50,12 +50,14 @@ public:
     NSDictionary codes() { return codes_.dictionary(); }
 
 private:
+    /// The count includes the item that is about to begin.
     bool mayBegin(const NSString& path) {
         ++now_.items;
         now_.path = path;
         return ask();
     }
 
+    /// Without an observer nothing ever stops.
     bool ask() {
         isStopped_ = isStopped_ || (observer_ != nullptr && !observer_->migrationMayContinue(now_));
         return !isStopped_;
@@ -67,6 +69,7 @@ private:
     NSMutableDictionary codes_;
 };
 
+/// The flags without `includeDotFiles`, which only the selection of a batch needs.
 MigrationPolicy policyOf(const ZQMigrationOptions& options) noexcept {
     return {options.keepOriginal, options.createDestinationParentFolder, options.overwriteDestination,
             options.renameIfDestinationExists};
@@ -93,7 +96,8 @@ ZQFileMigrationRetvalType run(ItemMigration& migration, const MigrationPolicy& p
 }
 
 /// Leftovers of killed processes are recovered first, at the source and at the destination, because one of
-/// them may be the source itself. After a success both folders are known to have none.
+/// them may be the source itself. After a success both folders are known to have none. A nil path is a code
+/// and nothing more: there is no item of which an observer could be notified.
 ZQMigrationResult migrate(const MigratedKind& kind, const NSString& source, const NSString& destination,
                           const ZQMigrationOptions& options, ZQMigrationObserver* observer) {
     if (!source) {
@@ -133,6 +137,7 @@ NSDictionary failureOfTheWhole(ZQFileMigrationRetvalType code) {
 
 } // namespace
 
+// The operations with named options do the work, and those with flags call them: the two always behave alike.
 ZQMigrationResult ZQFileMigrator::migrateFile(const NSString& source, const NSString& destination,
                                               const ZQMigrationOptions& options,
                                               ZQMigrationObserver* observer) {

@@ -40,6 +40,7 @@ NSDictionary existingDomain(const Domain& domain) {
     return values;
 }
 
+/// A missing domain and a missing key have messages of their own: the name of either may be misspelled.
 NSObject existingValue(const Domain& domain, const NSString& key) {
     NSObject value = existingDomain(domain).objectForKey(key);
     if (!value) {
@@ -166,6 +167,8 @@ NSObject added(const NSObject& before, const WrittenValue& addition, const NSStr
     return entries.dictionary();
 }
 
+/// One word after the domain is a dictionary of all values, or a key whose value is missing: text is never
+/// taken for a domain.
 void writeWholeDomain(const Domain& domain, const std::string& word) {
     const NSDictionary values(valueFromWord(word));
     if (!values) {
@@ -281,6 +284,7 @@ void listDomains(const Words&) {
     print(names.array().componentsJoinedByString(", "));
 }
 
+/// By units and ignoring case, wherever the word is in the text.
 bool mentions(const NSString& text, const NSString& word) {
     return text.containsString_caseInsensitiveSearch(word, true);
 }
@@ -346,6 +350,7 @@ void importDomain(const Words& words) {
     changeDomain(domain, [&](const NSDictionary&) { return values; });
 }
 
+/// A domain without a file fails before the file to write is touched.
 void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFromWord(words[1])), words[2]); }
 
 // lint

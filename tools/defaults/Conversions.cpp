@@ -71,6 +71,7 @@ public:
         types_[conversion.position > 0 ? conversion.position : ++last_] = type;
     }
 
+    /// By position, so that the order in which a translation uses them does not matter.
     std::string text() const {
         std::string text;
         for (const auto& [position, type] : types_) {
@@ -95,6 +96,8 @@ private:
 
 } // namespace
 
+// What is cut off at the end is no conversion. After "% ", which is text here, reading goes on with the
+// space, not with what follows the supposed conversion.
 std::string conversionsOf(const NSString& format) {
     const std::u16string units = format.utf16();
     const char16_t* at = units.data();

@@ -10,7 +10,7 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
-/// Reads a text from front to back.
+/// Reads a text from front to back. The terminating zero is no digit and no mark, so nothing reads beyond it.
 class Cursor {
 public:
     explicit Cursor(const std::string& text) noexcept : next_(text.c_str()) {}
@@ -92,6 +92,7 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
 
 } // namespace
 
+// Everything must be used up: text after a date is a mistake, too.
 NSDate dateFromText(const std::string& text) {
     Cursor cursor(text);
     std::int64_t days = 0;

@@ -45,6 +45,7 @@ void sayThatItWaits(const std::string& path) {
 // Ten seconds: no writer keeps the lock that long unless it hangs.
 constexpr detail::LockWaiting waiting{10'000, sayThatItWaits};
 
+/// A value that XML cannot hold ends the command here, before the first byte is written.
 std::string xmlOf(const NSDictionary& dictionary) {
     std::string bytes;
     NSString error;
@@ -52,6 +53,7 @@ std::string xmlOf(const NSDictionary& dictionary) {
     return bytes;
 }
 
+/// The path is only for messages.
 NSDictionary dictionaryFrom(const Descriptor& file, const std::string& path) {
     NSDictionary values;
     NSString error;
@@ -166,6 +168,8 @@ void removeDomain(const Domain& domain) {
     file.remove();
 }
 
+// A regular file is replaced under its lock, as a domain is; the path need not be that of a domain. Anything
+// else is written to as it is.
 void writeDictionary(const NSDictionary& dictionary, const std::string& path) {
     if (path == "-") {
         writeAll(STDOUT_FILENO, xmlOf(dictionary), "standard output");

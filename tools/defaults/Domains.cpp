@@ -47,6 +47,7 @@ Domain domainFromWord(const std::string& word) {
     return {name, path, true};
 }
 
+// For names that come from the folder itself: one may begin with a hyphen, which a word may not.
 Domain domainOfFile(const std::string& name) { return {name, detail::fileOfDomain(name), true}; }
 
 // Hidden files are no domains. A folder that does not exist holds none either.

@@ -20,6 +20,7 @@ namespace {
 
 using Event = detail::ValueWalk::Event;
 
+/// By the function that the other tool uses, so that both escape alike.
 std::string quoted(const NSString& text) { return zqmigrate::quoted(text.utf8()); }
 
 /// In full precision and the shortest form that is read as the same number. JSON has no infinite numbers and
@@ -116,7 +117,9 @@ private:
     void startLine(std::size_t depth) { text_.append("\n").append(2 * depth, ' '); }
 
     std::string text_;
+    // Of the innermost collection: whether nothing is before the next element, so no comma.
     bool isFirst_ = true;
+    // The next value belongs to a key on the same line.
     bool isAfterKey_ = false;
 };
 

@@ -51,6 +51,7 @@ std::string familyName(const std::string& path) {
 /// known.
 class Linter {
 public:
+    /// The name decides how the file is read, as the library reads tables of this name.
     void look(const std::string& path) {
         path_ = path;
         std::string bytes;
@@ -66,6 +67,7 @@ public:
         }
     }
 
+    /// Each table is compared with all others of its family, so a key that one lacks is reported there.
     void compareLanguages() {
         for (const auto& [name, family] : families_) {
             for (const Table& table : family) {
@@ -163,6 +165,7 @@ private:
         }
     }
 
+    /// For a message: "takes no arguments".
     static std::string shown(const std::string& conversions) {
         return conversions.empty() ? "no arguments" : conversions;
     }
@@ -174,6 +177,7 @@ private:
 
 } // namespace
 
+// A file without a family is only read; comparing needs at least two.
 std::vector<std::string> faultsOf(const std::vector<std::string>& paths) {
     Linter linter;
     for (const std::string& path : paths) {

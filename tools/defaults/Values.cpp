@@ -59,8 +59,10 @@ Type typeOfFlag(const std::string& word) noexcept {
     return Type::none;
 }
 
+/// Whether the flag takes all words that are left; the order of the enumerators says so.
 bool isCollection(Type type) noexcept { return type >= Type::array; }
 
+/// The standard function: it depends on no locale, and reports how far it has read.
 template <class Number>
 std::from_chars_result scanNumber(const char* first, const char* last, Number& number) {
     return std::from_chars(first, last, number);
@@ -129,6 +131,7 @@ bool booleanFromWord(const std::string& word) {
     fail("\"%@\" is not a boolean: YES, NO, true, false, 1 or 0", word);
 }
 
+/// -1 for any other character. Setting the bit makes a lower-case letter of an upper-case one.
 int hexDigit(char character) noexcept {
     if (character >= '0' && character <= '9') {
         return character - '0';
@@ -196,6 +199,7 @@ NSObject elementFromWords(const Words& words, std::size_t& index) {
     return scalarFromWord(type, word);
 }
 
+/// Every word is an element, or two words if the first is a flag.
 NSArray arrayFromWords(const Words& words, std::size_t index) {
     NSMutableArray elements;
     while (index < words.size()) {
@@ -225,6 +229,8 @@ bool beginsLikePropertyList(const std::string& word) noexcept {
 
 } // namespace
 
+// A mistake is reported, not stored as text: a list with a missing parenthesis would be a string for the
+// application. The message names the flag for those who mean text.
 NSObject valueFromWord(const std::string& word) {
     if (!beginsLikePropertyList(word)) {
         return NSString(word);

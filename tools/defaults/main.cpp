@@ -18,6 +18,7 @@ namespace {
 /// As the manual says; scripts distinguish a failure from a mistake in the command line.
 enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
 
+/// The help is in two pieces: the list of commands, which is made from their table, is between them.
 constexpr const char helpStart[] = "Usage: %s <command> [<argument>]...\n"
                                    "\n"
                                    "Reads and changes the user defaults of applications.\n"
@@ -69,7 +70,8 @@ int complain(const std::string& message, ExitStatus status) {
     return status;
 }
 
-/// A file-size limit is to be an error like a full disk.
+/// A file-size limit is to be an error like a full disk. The signal would end the program in the middle of a
+/// write, without a message.
 void takeFileSizeLimitAsError() {
     struct sigaction ignore {};
     ignore.sa_handler = SIG_IGN;

@@ -74,7 +74,7 @@ std::string array(const char* name, const std::vector<std::string>& members) {
     return text.append("]");
 }
 
-/// "3 files", "1 folder".
+/// In a run for a folder the one item is a folder, else items are files, also links and devices.
 std::string counted(std::uint64_t count, const Request& request) {
     return grouped(count) + (request.operation == Operation::folder ? " folder" : " file") +
            (count == 1 ? "" : "s");
@@ -114,6 +114,7 @@ std::string listed(const Request& request, std::size_t count, const LineAt& line
     return count <= maxListed ? text : text + more + (request.isJson ? "\n" : "; --json lists all\n");
 }
 
+/// Each path in a line of its own, as a message of the program.
 std::string listedPaths(const Request& request, const std::vector<NSString>& paths, const char* complaint) {
     return listed(request, paths.size(), [&](std::size_t index) {
         return messageLine(NSString::stringWithFormat("%@: %s", paths[index], complaint));
@@ -146,8 +147,10 @@ std::string hintsFor(const Request& request, const Outcome& outcome) {
 
 } // namespace
 
+// Control characters of a path in it are spelled out, so it is one line.
 std::string messageLine(const NSString& message) { return "zqmigrate: " + shown(message) + "\n"; }
 
+// The request as it was understood, so that a report that is found later explains itself.
 std::string beginningOfReport(const Request& request) {
     if (!request.isJson) {
         return {};

@@ -51,6 +51,7 @@ void takeSwitches(const std::string& word, Request& request) {
     }
 }
 
+/// Without its period, as the library takes it.
 void takeExtension(const std::string& value, Request& request) {
     refuseIf(request.extension != nullptr, "there is more than one --extension");
     // Such a one would select nothing, which would pass for success. For the library the empty one is every

@@ -25,6 +25,7 @@ bool isEffective(char16_t unit) noexcept {
     return false;
 }
 
+/// A unit of a character beyond U+FFFF or, if it is unpaired, a byte that is no text.
 bool isSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDFFF; }
 
 /// JSON has its own escapes, of four digits; a person reads "\\n" and "\\x1b".
@@ -95,6 +96,7 @@ std::string memberOfPath(const char* name, const NSString& path) {
     return member;
 }
 
+// Commas in any locale: the program's own texts are English.
 std::string grouped(std::uint64_t number) {
     std::string digits = std::to_string(number);
     for (std::size_t place = digits.size(); place > 3;) {

@@ -59,7 +59,7 @@ int complain(const std::string& message, ExitStatus status) {
 }
 
 /// The next files to be opened would take the numbers of what the starter has closed, and the program's own
-/// lines would go into them. Writing stays an error.
+/// lines would go into them. Writing stays an error. The last descriptor, beyond the three, is closed again.
 bool fillStandardDescriptors() {
     int filler = 0;
     do {
