@@ -19,7 +19,7 @@ char* NewBase64Encode(const void* buffer, std::uint64_t length, int separateLine
     }
     std::uint64_t capacity = (length + 2) / 3 * 4;
     if (separateLines != 0) {
-        capacity += capacity / 32;
+        capacity += capacity / 32; // two bytes after each 64
     }
     capacity |= 1U; // room for the separators and the zero byte
     auto* const text = static_cast<char*>(std::malloc(capacity));

@@ -67,6 +67,7 @@ NSURL NSURL::URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
         }
         query = encodedQuery;
     }
+    // An empty path needs no mark: "a://b?c" has one.
     detail::TextBuilder text;
     text.append(scheme);
     text.appendAscii(':');
