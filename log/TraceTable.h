@@ -142,7 +142,8 @@ private:
         }
     }
 
-    /// Word by word, as `enter` stores them: the table may be overwritten meanwhile, and then no word is torn.
+    /// Word by word, as `enter` stores them: the table may be overwritten meanwhile, and then no word is
+    /// torn.
     static bool hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept {
         std::size_t i = 0;
         while (i < wordsIn(length) &&

@@ -83,11 +83,9 @@ public:
         } else if constexpr (std::is_signed_v<T>) {
             value_.integer = value;
             type_ = detail::ArgumentType::signedInteger;
-            bytes_ = sizeof(T);
         } else {
             value_.unsignedInteger = value;
             type_ = detail::ArgumentType::unsignedInteger;
-            bytes_ = sizeof(T);
         }
     }
 
@@ -172,9 +170,6 @@ public:
 
     /// What the argument is; it decides which of the operations below may be called.
     constexpr detail::ArgumentType type() const noexcept { return type_; }
-
-    /// The width of an integer argument before it was widened, in bytes.
-    constexpr std::size_t integerBytes() const noexcept { return bytes_; }
 
     /// The value of an integer argument, widened by its own sign. For one of the type `unsignedInteger` the
     /// same bits are an unsigned number.
@@ -290,7 +285,6 @@ private:
 
     Value value_;
     detail::ArgumentType type_{};
-    unsigned char bytes_ = 0;
     Ending ending_ = Ending::known;
 };
 
