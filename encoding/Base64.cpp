@@ -19,7 +19,7 @@ char* NewBase64Encode(const void* buffer, std::uint64_t length, int separateLine
     }
     std::uint64_t capacity = (length + 2) / 3 * 4;
     if (separateLines != 0) {
-        capacity += capacity / 32;
+        capacity += capacity / 32; // two bytes after each 64
     }
     capacity |= 1U; // room for the separators and the zero byte
     auto* const text = static_cast<char*>(std::malloc(capacity));
@@ -35,6 +35,8 @@ char* NewBase64Encode(const void* buffer, std::uint64_t length, int separateLine
     return text;
 }
 
+// Any length below -1 is a text of no bytes, as is a null pointer. One decoder serves this function and
+// `NSData`; what it reports as the length is described in the header and kept as it is.
 void* NewBase64Decode(const char* inputBuffer, std::int64_t length, std::uint64_t* outputLength) noexcept {
     std::size_t count = 0;
     if (inputBuffer != nullptr && length != 0) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares Base64 for C buffers; for data and strings see NSData.
 #ifndef ZQFOUNDATION_ENCODING_BASE64_H
 #define ZQFOUNDATION_ENCODING_BASE64_H
 
@@ -15,6 +16,9 @@ namespace ZQFoundation {
 /// The caller releases the text with `free`. Null, without writing `outputLength`, if memory runs out.
 /// Otherwise `outputLength`, unless it is null, receives the number of bytes before the zero. Callable from
 /// any thread.
+///
+/// std::uint64_t length = 0; char* text = NewBase64Encode("hello", 5, 0, &length);  // "aGVsbG8=", length is
+/// 8 std::free(text);
 extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::uint64_t length,
                                                                    int separateLines,
                                                                    std::uint64_t* outputLength) noexcept;

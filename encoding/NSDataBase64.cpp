@@ -13,7 +13,8 @@ namespace base64 = detail::base64;
 
 namespace {
 
-/// Encodes directly into the body of the string.
+/// Encodes directly into the body of the string, whose length is known exactly: separators are between lines
+/// only.
 NSString encoded(const NSData& data, bool separateLines) {
     if (!data) {
         return nullptr;
@@ -30,6 +31,8 @@ NSString encoded(const NSData& data, bool separateLines) {
 
 } // namespace
 
+// Decodes directly into the body of the data. Its size is known only afterwards, so room for the longest
+// result is allocated first.
 NSData NSData::dataFromBase64String(const NSString& text) {
     const StringView characters(text);
     if (characters.form() != StringView::Form::ascii || characters.size() == 0) {

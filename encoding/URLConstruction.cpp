@@ -8,8 +8,11 @@ namespace ZQFoundation {
 
 namespace {
 
+/// Nil and empty parts mean the same: the part is omitted.
 bool isEmpty(StringView text) noexcept { return text.size() == 0; }
 
+/// Whether the text begins with this number of slashes. Bytes will do for UTF-8: the byte of a slash is never
+/// part of another character.
 bool startsWith(StringView text, std::size_t slashes) noexcept {
     if (text.size() < slashes) {
         return false;
@@ -29,6 +32,7 @@ bool pathFits(StringView path, bool hasAuthority) noexcept {
     return hasAuthority ? isEmpty(path) || startsWith(path, 1) : !startsWith(path, 2);
 }
 
+/// Without its part the mark is omitted too: a "?" alone would be an empty query, which is another URL.
 void appendPart(detail::TextBuilder& text, StringView mark, StringView part) {
     if (!isEmpty(part)) {
         text.append(mark);
@@ -38,6 +42,9 @@ void appendPart(detail::TextBuilder& text, StringView mark, StringView part) {
 
 } // namespace
 
+// Encoding fails only for a text without a UTF-8 form. The two strings hold the encoded texts that `path` and
+// `query` refer to from then on, so they live as long as the views. `URLWithString` has the last word on the
+// whole.
 NSURL NSURL::URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
     StringView scheme, StringView authority, StringView path, detail::Flag encodePath, StringView query,
     detail::Flag encodeQuery, StringView fragment) {
@@ -60,6 +67,7 @@ NSURL NSURL::URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
         }
         query = encodedQuery;
     }
+    // An empty path needs no mark: "a://b?c" has one.
     detail::TextBuilder text;
     text.append(scheme);
     text.appendAscii(':');
@@ -70,6 +78,7 @@ NSURL NSURL::URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
     return URLWithString(text.string());
 }
 
+// The shorter forms: each fixes the flags by its name, and omits the parts that its name does not have.
 NSURL NSURL::URLWithScheme_authority_path(StringView scheme, StringView authority, StringView path) {
     return URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(scheme, authority, path, true,
                                                                               nullptr, true, nullptr);

@@ -15,6 +15,7 @@ class CondensedWriter {
 public:
     explicit CondensedWriter(TextBuilder& out) noexcept : out_(out) {}
 
+    /// Ends when the outermost collection is closed: each step writes a piece of the innermost one.
     void write(const NSObject& collection) {
         open(collection);
         while (!frames_.empty()) {
@@ -32,6 +33,8 @@ private:
         std::size_t count;
     };
 
+    /// Begins a collection. The keys of a dictionary are put in order here, once; the frame refers to its
+    /// entries, which the outermost collection keeps alive.
     void open(const NSObject& collection) {
         if (Access::kind(collection) == Kind::array) {
             out_.appendLiteral("( ");
@@ -48,6 +51,7 @@ private:
         }
     }
 
+    /// Anything but a collection ends the nesting: a host object describes itself, on one line if it can.
     void member(const NSObject& object) {
         if (isCondensable(object)) {
             open(object);
@@ -65,6 +69,7 @@ private:
         }
     }
 
+    /// The frame is moved on before the member is written: opening that may move all frames in memory.
     void stepElement(Frame& frame, std::size_t index) {
         if (index == frame.count) {
             out_.appendLiteral(" )");
@@ -78,6 +83,8 @@ private:
         member(frame.elements[index]);
     }
 
+    /// Keys have even numbers, values odd ones. A semicolon follows every value, the last one too, unlike the
+    /// comma of an array: "{ a = 1; }" and "( 1, 2 )".
     void stepEntry(Frame& frame, std::size_t index) {
         if (index != 0) {
             index % 2 == 0 ? out_.appendLiteral("; ") : out_.appendLiteral(" = ");
@@ -108,6 +115,7 @@ void appendCondensed(TextBuilder& out, const NSObject& collection) { CondensedWr
 
 namespace ZQFoundation {
 
+// Declared for each type, so that a reader of its header finds it; the rule is the same for all values.
 NSString NSArray::condensedDescription() const { return NSObject::condensedDescription(); }
 
 NSString NSDictionary::condensedDescription() const { return NSObject::condensedDescription(); }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the one-line descriptions of collections.
 #ifndef ZQFOUNDATION_EXTENSIONS_CONDENSED_H
 #define ZQFOUNDATION_EXTENSIONS_CONDENSED_H
 

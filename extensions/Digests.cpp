@@ -8,6 +8,8 @@
 
 namespace ZQFoundation {
 
+// The text as a C string: a U+0000 ends it. ASCII, which is its own UTF-8 form, is digested where it is; any
+// other text is converted first, exactly or not at all.
 NSString NSString::md5String() const {
     StringView text(*this);
     std::string converted;

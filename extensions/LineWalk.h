@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Finds the lines of a text, for all operations that split or indent them.
 #ifndef ZQFOUNDATION_EXTENSIONS_LINEWALK_H
 #define ZQFOUNDATION_EXTENSIONS_LINEWALK_H
 

@@ -32,6 +32,8 @@ NSString formattedText(const NSString& key, const NSString& table, const NSBundl
 
 } // namespace
 
+// All eight functions differ only in what they fix. A list of arguments is ignored like the arguments
+// themselves.
 extern "C" {
 
 NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString&, ...) {

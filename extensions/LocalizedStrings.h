@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the C functions that look up localized texts.
 #ifndef ZQFOUNDATION_EXTENSIONS_LOCALIZEDSTRINGS_H
 #define ZQFOUNDATION_EXTENSIONS_LOCALIZEDSTRINGS_H
 
@@ -25,13 +26,17 @@ namespace ZQFoundation {
 extern "C" {
 
 /// The text of a key in the main bundle's `Localizable` table, formatted with no argument of the caller's.
+///
+///     ZQLocalizedStringWithFormat("Open", "a menu", 3);   // "Ouvrir" in French
+///     ZQLocalizedStringWithFormat("%d of %@", nullptr);   // "0 of (null)" without such a key
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormat(const NSString& key, const NSString& comment, ...);
 
 /// `ZQLocalizedStringWithFormat` for a started argument list, which is ignored.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormatv(const NSString& key, const NSString& comment,
                                                           ArgumentList arguments);
 
-/// The text of a key in a table of the main bundle, formatted with no argument of the caller's.
+/// The text of a key in a table of the main bundle, formatted with no argument of the caller's. The table is
+/// the name of a file without ".strings".
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
                                                                   const NSString& comment, ...);
 
@@ -40,7 +45,8 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormatv(const NSStrin
                                                                    const NSString& comment,
                                                                    ArgumentList arguments);
 
-/// The text of a key in a table of a bundle, formatted with no argument of the caller's.
+/// The text of a key in a table of a bundle, formatted with no argument of the caller's. For a nil bundle it
+/// is the key, formatted in the same way.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key,
                                                                           const NSString& table,
                                                                           const NSBundle& bundle,
@@ -54,7 +60,7 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormatv(const
                                                                            ArgumentList arguments);
 
 /// The text of a key in a table of a bundle, else a default value, formatted with no argument of the
-/// caller's.
+/// caller's. The default value is formatted too; a nil or empty one counts as none.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key,
                                                                          const NSString& table,
                                                                          const NSBundle& bundle,

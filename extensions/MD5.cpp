@@ -58,6 +58,8 @@ inline std::uint32_t mixed(std::uint32_t sum, std::uint32_t x, std::uint32_t y, 
     }
 }
 
+/// One of the 64 steps. Factors and offsets say which word of the block it adds, turns by how many bits it
+/// rotates; they are the algorithm's. That the words change places costs nothing once all steps are inlined.
 template <unsigned step>
 inline void change(State& state, const std::uint8_t* block) noexcept {
     constexpr unsigned round = step / 16;
@@ -71,6 +73,7 @@ inline void change(State& state, const std::uint8_t* block) noexcept {
     state = {state.d, state.b + turned, state.b, state.c};
 }
 
+/// All steps, unrolled: the number of each is then a constant.
 template <unsigned... steps>
 inline void changeAll(State& state, const std::uint8_t* block,
                       std::integer_sequence<unsigned, steps...>) noexcept {
@@ -86,6 +89,7 @@ void digestBlock(State& state, const std::uint8_t* block) noexcept {
     state.d += next.d;
 }
 
+/// The least significant byte first, on any machine.
 void storeAscending(std::uint64_t value, std::size_t byteCount, std::uint8_t* bytes) noexcept {
     for (std::size_t i = 0; i < byteCount; ++i) {
         bytes[i] = static_cast<std::uint8_t>(value >> 8U * i);

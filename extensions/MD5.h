@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the MD5 digest. It is not secure: two texts with the same digest are easily made.
 #ifndef ZQFOUNDATION_EXTENSIONS_MD5_H
 #define ZQFOUNDATION_EXTENSIONS_MD5_H
 

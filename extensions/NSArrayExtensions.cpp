@@ -9,6 +9,8 @@ bool NSArray::isEmpty() const noexcept { return *this && count() == 0; }
 
 NSObject NSArray::firstObject() const { return count() == 0 ? NSObject() : objectAtIndex(0); }
 
+// Looks each element up in a table of those before it, so the time is linear. The first of equal elements
+// stays.
 NSMutableArray NSArray::arrayByRemovingDuplicateObjects() const {
     NSMutableArray distinct;
     NSMutableDictionary seen;

@@ -6,6 +6,8 @@ namespace ZQFoundation {
 
 using detail::SharedCharacterSet;
 
+// Made without a lock on first use. Two threads that come first at once may each make a set; they are equal,
+// and one of them is kept.
 NSCharacterSet NSCharacterSet::emptyCharacterSet() {
     static constinit SharedCharacterSet slot{nullptr};
     return detail::sharedCharacterSet(slot, [] { return characterSetWithCharactersInString(""); });

@@ -11,7 +11,9 @@ namespace ZQFoundation {
 
 namespace {
 
-/// The value of a calendar field; 0 if the date does not have it.
+/// The value of a calendar field; 0 if the date does not have it. The receiver matters only by being there:
+/// an operation on nil returns 0, even if its argument is a date. The calendar is made at each call, in the
+/// process's present time zone.
 std::int64_t isoField(NSCalendarUnit unit, const NSDate& receiver, const NSDate& date) noexcept {
     if (!receiver) {
         return 0;
@@ -84,6 +86,8 @@ std::int64_t NSDate::calendarDaysBetween_and(const NSDate& first, const NSDate& 
     return detail::LocalDate(to, zone).days - detail::LocalDate(from, zone).days;
 }
 
+// Half a second goes up at all times: `std::round` would take it down before the reference instant, where the
+// number is negative.
 NSDate NSDate::roundedDate() const noexcept {
     if (!*this) {
         return nullptr;
@@ -113,6 +117,7 @@ std::int64_t NSDate::calendarYearOf(const NSDate& date) const noexcept {
     return isoField(NSCalendarUnitYear, *this, date);
 }
 
+// The argument is deliberately ignored. Month 0, of a date without fields, gives quarter 0.
 std::int64_t NSDate::calendarQuarterOf(const NSDate&) const noexcept {
     return (calendarMonthOf(*this) + 2) / 3;
 }

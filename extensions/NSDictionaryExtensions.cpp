@@ -18,6 +18,8 @@ const NSObject* valueUnder(const NSDictionary& dictionary, StringView key) {
 
 } // namespace
 
+// The parser reports errors by a nil value, so nothing is raised here. Another kind of value becomes nil in
+// the handle.
 NSDictionary NSDictionary::dictionaryWithContentsOfString(StringView text) {
     return NSDictionary(detail::parsePropertyListText(text, nullptr));
 }

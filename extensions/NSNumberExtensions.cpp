@@ -15,6 +15,7 @@ NSNumber stepped(const NSNumber& number, unsigned step) noexcept {
     return number ? NSNumber(static_cast<int>(number.unsignedIntValue() + step)) : NSNumber();
 }
 
+/// ":05". The value is below 60.
 char* appendTwoDigits(unsigned value, char* out) noexcept {
     *out++ = ':';
     *out++ = static_cast<char>('0' + value / 10);
@@ -33,6 +34,7 @@ int shownFields(unsigned seconds, std::int64_t fieldCount, bool suppressZeroes) 
 
 } // namespace
 
+// Of the integer form: the fraction is cut first, so 2.9 is even.
 bool NSNumber::isEven() const noexcept { return *this && (unsignedIntValue() & 1) == 0; }
 bool NSNumber::isOdd() const noexcept { return *this && (unsignedIntValue() & 1) != 0; }
 

@@ -32,6 +32,7 @@ bool readsYes(const AsciiOrUtf16& text) noexcept {
 
 } // namespace
 
+// Trace keys are judged by this at each reading, so ASCII is read where it is, without an upper-case copy.
 bool truthOfText(StringView view) {
     const AsciiOrUtf16 text(view);
     // The upper case of a letter has at most three units.
@@ -43,6 +44,8 @@ bool truthOfText(StringView view) {
     return number != 0;
 }
 
+// A number is written to the stack and read as a text, which gives the result of its string form without a
+// string.
 bool rootTruth(const NSObject& object) {
     if (isNumber(object)) {
         char text[numberTextCapacity];
@@ -64,6 +67,7 @@ bool rootTruth(const NSObject& object) {
 
 namespace ZQFoundation {
 
+// Numbers have a truth of their own, and keep it here; 0.5 is true.
 bool NSObject::boolValue() const {
     return detail::isNumber(*this) ? as<NSNumber>().boolValue() : detail::rootTruth(*this);
 }

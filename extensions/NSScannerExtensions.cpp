@@ -4,6 +4,8 @@
 
 namespace ZQFoundation {
 
+// The scan's own result does not matter: it is also false if the scanner is at the target already, which is
+// success here.
 bool NSScanner::scanUpToString(StringView target) {
     const std::size_t before = location_;
     scanUpToString_intoString(target, nullptr);

@@ -18,9 +18,11 @@ using detail::TextBuilder;
 
 namespace {
 
+/// One name for both forms, for the templates below.
 void append(TextBuilder& out, const char* units, std::size_t count) { out.appendAscii(units, count); }
 void append(TextBuilder& out, const char16_t* units, std::size_t count) { out.appendUnits(units, count); }
 
+/// The place of the first member from `at` on, or the length.
 template <class Unit>
 std::size_t nextMember(const Unit* units, std::size_t at, std::size_t length,
                        const CharacterMembership& members) noexcept {
@@ -49,6 +51,8 @@ NSString replaced(const Unit* units, std::size_t length, const CharacterMembersh
     return out.string();
 }
 
+/// The text with the indent before each line, and LF for each break. The empty text has no lines, but gets
+/// the indent.
 template <class Unit>
 NSString indented(const Unit* units, std::size_t length, StringView indent) {
     TextBuilder out;
@@ -65,7 +69,7 @@ NSString indented(const Unit* units, std::size_t length, StringView indent) {
     return out.string();
 }
 
-/// Fills the buffer by doubling what has been copied, which takes few calls.
+/// Fills the buffer by doubling what has been copied, which takes few calls: 20 for a million copies.
 template <class Unit>
 void fillRepeatedly(Unit* out, const Unit* piece, std::size_t length, std::size_t total) noexcept {
     std::memcpy(out, piece, length * sizeof(Unit));
@@ -76,6 +80,7 @@ void fillRepeatedly(Unit* out, const Unit* piece, std::size_t length, std::size_
     }
 }
 
+/// Directly into the body of the result, whose length is known.
 NSString repeated(const AsciiOrUtf16& piece, std::size_t total) {
     detail::StringBody* const body = detail::allocateString(total, piece.isAscii());
     if (piece.isAscii()) {
@@ -101,6 +106,7 @@ NSString::stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(const N
     return result ? result : *this;
 }
 
+// Removing is replacing by nothing.
 NSString NSString::stringByRemovingEveryOccurrenceOfCharactersFromSet(const NSCharacterSet& set) const {
     return stringByReplacingEveryOccurrenceOfCharactersFromSet_withString(set, "");
 }
@@ -114,6 +120,7 @@ NSString NSString::stringByIndentingLinesWithString(StringView indent) const {
                         : indented(body.units(), body.length, indent);
 }
 
+// Any newline at the end will do, and stays as it is; what is added is always LF.
 NSString NSString::addMissingNewline() const {
     const std::size_t count = length();
     if (count == 0 || detail::isNewline(characterAtIndex(count - 1))) {
@@ -122,6 +129,8 @@ NSString NSString::addMissingNewline() const {
     return stringByAppendingString("\n");
 }
 
+// Hosts pass counts from outside. One that is too large raises before anything is allocated, or when the
+// allocation fails; the limit keeps the number of bytes, with the header of the body, from overflowing.
 NSString NSString::stringByRepeating_count(StringView piece, std::int64_t count) {
     if (!piece || count < 0) {
         return nullptr;

@@ -12,6 +12,7 @@ using detail::CharacterMembership;
 
 namespace {
 
+/// A part of an ASCII text is ASCII, so it is not checked again.
 NSString piece(const char* units, std::size_t start, std::size_t end) {
     return detail::makeAsciiString(units + start, end - start);
 }
@@ -32,6 +33,7 @@ struct AsciiBlanks {
     }
 };
 
+/// Any set of separators, tested unit by unit.
 struct SetMembers : CharacterMembership {
     using CharacterMembership::CharacterMembership;
 
@@ -74,11 +76,13 @@ NSArray pieces(const Unit* units, std::size_t length, std::size_t usualLength, c
     return found.array();
 }
 
+/// 40 characters are a usual line of a text.
 template <class Unit>
 NSArray lines(const Unit* units, std::size_t length) {
     return pieces(units, length, 40, [&](const auto& take) { detail::forEachLine(units, length, take); });
 }
 
+/// 8 characters are a usual word with its separator.
 template <class Unit, class Separators>
 NSArray components(const Unit* units, std::size_t length, const Separators& separators) {
     return pieces(units, length, 8,
@@ -105,6 +109,8 @@ NSArray NSString::componentsSeparatedByCharacterSet(const NSCharacterSet& set) c
                         : components(body.units(), body.length, separators);
 }
 
+// The common case of ASCII text is searched block by block, which a set of all Unicode white space does not
+// allow.
 NSArray NSString::componentsSeparatedByWhitespace() const {
     if (*this && detail::Access::string(*this)->isAscii) {
         const detail::StringBody& body = *detail::Access::string(*this);

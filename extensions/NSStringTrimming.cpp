@@ -29,7 +29,7 @@ std::size_t leftEdge(const Unit* units, std::size_t length, const Members& membe
     return start;
 }
 
-/// The end of the string without the trailing members.
+/// The end of the string without the trailing members. Unlike at the start, there is no limit.
 template <class Unit, class Members>
 std::size_t rightEdge(const Unit* units, std::size_t start, std::size_t length,
                       const Members& members) noexcept {
@@ -42,6 +42,7 @@ std::size_t rightEdge(const Unit* units, std::size_t start, std::size_t length,
 NSString made(const char* units, std::size_t count) { return detail::makeAsciiString(units, count); }
 NSString made(const char16_t* units, std::size_t count) { return detail::makeString(units, count); }
 
+/// At which ends members are removed.
 struct Sides {
     bool left;
     bool right;
@@ -56,6 +57,7 @@ NSString trimmed(const NSString& string, const Unit* units, const Members& membe
     return end - start == length ? string : made(units + start, end - start);
 }
 
+/// A nil set has no members, so nothing is removed.
 NSString trimmed(const NSString& string, const NSCharacterSet& set, Sides sides) {
     if (!string) {
         return nullptr;

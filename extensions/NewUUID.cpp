@@ -6,6 +6,8 @@
 
 namespace ZQFoundation {
 
+// 122 random bits: two identifiers from any two processes practically never coincide. The random bytes come
+// from the system; getting them may change `errno`, which is the caller's.
 NSString NSString::stringWithNewUUID() {
     constexpr std::size_t byteCount = 16;
     constexpr std::size_t length = 36;

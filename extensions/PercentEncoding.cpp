@@ -19,6 +19,8 @@ constexpr EscapeTable without(EscapeTable table, const char* characters) noexcep
     return table;
 }
 
+/// The characters that separate parts of a URL are escaped, so the text can be put into any part. The table
+/// is made when the library is compiled.
 constexpr EscapeTable componentEscapes = without(pathEscapes, ":/?@$&+,;=# ");
 
 /// Only ASCII units matter: all others are escaped anyway.

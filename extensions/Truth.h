@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the truth of texts and of values in general.
 #ifndef ZQFOUNDATION_EXTENSIONS_TRUTH_H
 #define ZQFOUNDATION_EXTENSIONS_TRUTH_H
 

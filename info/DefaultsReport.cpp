@@ -19,12 +19,16 @@ struct Switches {
     NSArray modifying;
 };
 
+/// Ignoring case, so that a key is found where a reader of the log looks for it.
 NSArray sorted(const NSArray& keys) {
     return keys.sortedArrayUsingComparator([](const NSObject& left, const NSObject& right) {
         return NSString(left).caseInsensitiveCompare(NSString(right));
     });
 }
 
+/// The trace keys are those of the snapshot that log calls use, so what is reported as active is what is in
+/// effect, even if the defaults have changed since. The other switches belong to the host: their present
+/// values count.
 Switches readSwitches() {
     const NSArray tracing = sorted(ZQLog::activatedTraceDefaultsKeys());
     const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
@@ -44,7 +48,8 @@ Switches readSwitches() {
     return {tracing, sorted(enabling.array()), sorted(disabling.array()), sorted(modifying.array())};
 }
 
-/// The width of a key in the report; 0 for a key with a character that Latin-1 lacks.
+/// The width of a key in the report; 0 for a key with a character that Latin-1 lacks, whose command is then
+/// out of its column.
 std::size_t latin1Length(const NSString& key) {
     return key.lengthOfBytesUsingEncoding(NSISOLatin1StringEncoding);
 }
@@ -68,6 +73,8 @@ public:
     SwitchLines(NSString identifier, std::size_t width)
         : identifier_(static_cast<NSString&&>(identifier)), width_(width) {}
 
+    /// The command writes NO, it does not remove the key: NO in the application's domain also hides a value
+    /// of the global domain.
     void writeTraceKey(const NSString& key) const {
         if (!identifier_) {
             writeWithoutCommand(key);
@@ -110,6 +117,7 @@ public:
     }
 
 private:
+    /// Without an identifier there is no domain that a command could name.
     static void writeWithoutCommand(const NSString& key) {
         ZQLog::logAlways_logWithFormat(true, "%@ is active.", key);
     }
@@ -123,8 +131,10 @@ private:
     std::size_t width_;
 };
 
+/// The form of a section's lines.
 using LineWriter = void (SwitchLines::*)(const NSString& key) const;
 
+/// A section without keys writes nothing, not even its heading and separator.
 void writeSection(StringView heading, const NSArray& keys, const SwitchLines& lines, LineWriter writeLine,
                   StringView separator) {
     if (keys.count() == 0) {
@@ -139,6 +149,7 @@ void writeSection(StringView heading, const NSArray& keys, const SwitchLines& li
 
 } // namespace
 
+// All keys are read before the first line: the width of the column depends on every section.
 void writeDefaultsReport(StringView separator) {
     const Switches switches = readSwitches();
     const std::size_t width = columnWidth(switches);

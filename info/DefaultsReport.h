@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the report of the active switches.
 #ifndef ZQFOUNDATION_INFO_DEFAULTSREPORT_H
 #define ZQFOUNDATION_INFO_DEFAULTSREPORT_H
 

@@ -6,10 +6,12 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// Nil for a fact that is missing; facts are texts.
 NSString textFor(const NSDictionary& facts, StringView key) { return NSString(facts.objectForKey(key)); }
 
 } // namespace
 
+// Only the name has a placeholder: a version that is missing leaves no trace, and so does its "v".
 NSString applicationText(const NSDictionary& application) {
     const NSString name =
         NSString("(unknown app name)").asDefaultOr(textFor(application, "shortApplicationName"));
@@ -24,6 +26,8 @@ NSString applicationText(const NSDictionary& application) {
     return longVersion ? NSString::stringWithFormat("%@ v%@", name, longVersion) : name;
 }
 
+// A missing version is mentioned only if there is no build either: with the build the system is known well
+// enough.
 NSString systemText(const NSDictionary& system) {
     const NSString name = NSString("(unknown OS)").asDefaultOr(textFor(system, "osName"));
     const NSString version = textFor(system, "osVersion");
@@ -38,6 +42,7 @@ NSString systemText(const NSDictionary& system) {
                  : NSString::stringWithFormat("%@ (unknown OS version)", name);
 }
 
+// Unlike `systemText`, says which of the two is missing, and has nothing to say without either.
 NSString systemNameAndVersionText(const NSDictionary& system) {
     const NSString name = textFor(system, "osName");
     const NSString version = textFor(system, "osVersion");
@@ -50,6 +55,8 @@ NSString systemNameAndVersionText(const NSDictionary& system) {
     return version ? NSString::stringWithFormat("(unknown OS name) %@", version) : nullptr;
 }
 
+// All parts are optional. The separator after the model belongs to the processors; without them the memory
+// writes it.
 NSString hardwareText(const NSDictionary& hardware) {
     const NSString model = textFor(hardware, "model");
     const NSString processors = textFor(hardware, "nCores");

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the texts of the start-up report.
 #ifndef ZQFOUNDATION_INFO_FACTTEXTS_H
 #define ZQFOUNDATION_INFO_FACTTEXTS_H
 

@@ -17,6 +17,8 @@ NSString textOfInfoKey(StringView key) {
     return text ? text : value.description();
 }
 
+/// The application's folder in the home folder, which is only named here, not made: hosts make it with the
+/// permissions that they need.
 NSString pathOfLibrarySubfolder(StringView middle) {
     const NSString subpath = NSProcessInfo::appSpecificLibrarySubpath();
     return detail::resolvedHomeFolder()

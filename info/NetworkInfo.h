@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the local address of a route as text.
 #ifndef ZQFOUNDATION_INFO_NETWORKINFO_H
 #define ZQFOUNDATION_INFO_NETWORKINFO_H
 

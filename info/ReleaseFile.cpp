@@ -8,6 +8,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// A carriage return counts as a space: at the end of a line it is left by an editor of another system.
 constexpr std::string_view blanks = " \t\r";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
@@ -21,11 +22,12 @@ std::string_view withoutLeadingBlanks(std::string_view text) noexcept {
 /// Inside double quotes a backslash escapes only characters with a special meaning there.
 bool isProtectedInQuotes(char c) noexcept { return c == '"' || c == '\\' || c == '$' || c == '`'; }
 
-/// Reads the value of one line.
+/// Reads the value of one line, whatever is in it, and never looks beyond its end.
 class ValueReader {
 public:
     explicit ValueReader(std::string_view text) noexcept : text_(text) {}
 
+    /// The quoted and unquoted pieces up to the end or a comment, put together: `a"b c"d` is "ab cd".
     std::string read() {
         const std::size_t start = text_.find_first_not_of(blanks);
         isBehindBlank_ = start != 0;
@@ -37,6 +39,7 @@ public:
     }
 
 private:
+    /// A comment begins with a "#" after a space; inside a word it is an ordinary character.
     bool atComment() const noexcept { return text_[at_] == '#' && isBehindBlank_; }
 
     void readOne(char c) {
@@ -57,6 +60,7 @@ private:
         }
     }
 
+    /// Nothing is escaped between single quotes. Without a second one, the rest of the line is quoted.
     void readSingleQuoted() {
         const std::size_t start = at_ + 1;
         const std::size_t end = text_.find('\'', start);
@@ -64,6 +68,7 @@ private:
         value_.append(text_.substr(start, at_ - start));
     }
 
+    /// Without a second quote, the rest of the line is quoted.
     void readDoubleQuoted() {
         while (++at_ < text_.size() && text_[at_] != '"') {
             if (text_[at_] == '\\' && at_ + 1 < text_.size() && isProtectedInQuotes(text_[at_ + 1])) {
@@ -76,10 +81,11 @@ private:
     std::string_view text_;
     std::size_t at_ = 0;
     std::string value_;
-    std::size_t meant_ = 0;
+    std::size_t meant_ = 0;      ///< length of the value without spaces at its end
     bool isBehindBlank_ = false; ///< an unescaped one
 };
 
+/// Other entries are not kept: however many the file has, the result is small.
 bool isWanted(std::string_view key) noexcept {
     return key == "NAME" || key == "VERSION" || key == "VERSION_ID" || key == "BUILD_ID";
 }

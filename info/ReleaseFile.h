@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the parser of release descriptions such as `/etc/os-release`.
 #ifndef ZQFOUNDATION_INFO_RELEASEFILE_H
 #define ZQFOUNDATION_INFO_RELEASEFILE_H
 

@@ -19,6 +19,7 @@ namespace ZQFoundation {
 
 using namespace detail::system;
 
+// The layouts are the kernel's: a request is written, and a reply read, as bytes.
 static_assert(sizeof(RouteMetrics) == sizeof(RouteMessageHeader::rtm_rmx));
 static_assert(sizeof(RoutingSocketAddress) == sizeof(RouteAddress));
 static_assert(sizeof(RoutingSocketAddressStorage) == 128);
@@ -57,15 +58,19 @@ constinit std::atomic<Lookup*> lookups{nullptr};
 /// The number of the last request. Unsigned, so that it wraps; in the message its bits are read as signed.
 constinit std::atomic<std::uint32_t> sequence{0};
 
+/// The newest number, even if another thread has taken it meanwhile. A lookup that is overtaken ignores its
+/// own reply: one more reason why two must not run at once.
 std::int32_t currentSequence() noexcept {
     return static_cast<std::int32_t>(sequence.load(std::memory_order_relaxed));
 }
 
+/// The system's, or what a test has put in its place.
 RouteTransport& transport() noexcept {
     return detail::overrides::routeTransport != nullptr ? *detail::overrides::routeTransport
                                                         : routeTransport();
 }
 
+/// Pushes a new lookup onto the list of all of them. The list is never read; it only keeps them reachable.
 Lookup& keptLookup(int socket) {
     auto* const lookup = new Lookup;
     lookup->socket = socket;
@@ -76,6 +81,7 @@ Lookup& keptLookup(int socket) {
     return *lookup;
 }
 
+/// An address of length 0 takes a unit too: it is empty, but not absent.
 std::size_t roundedLength(std::uint8_t length) noexcept {
     return length == 0 ? addressUnit : (length + addressUnit - 1) / addressUnit * addressUnit;
 }
@@ -109,11 +115,13 @@ std::size_t writeRequest(Lookup& lookup, const char* destination) noexcept {
     return length;
 }
 
+/// Replies to other processes may arrive on the same socket, and changes of the routes too.
 bool answersLastRequest(const RouteMessageHeader& header, pid_t process) noexcept {
     return header.rtm_type == routeLookup && header.rtm_seq == currentSequence() && header.rtm_pid == process;
 }
 
-/// Reads until the reply is in the buffer or the input ends. False if reading fails.
+/// Reads until the reply is in the buffer or the input ends. False if reading fails. At the end of the input
+/// the buffer has what came last: if nothing came, the request, in which the interface's address is 0.
 bool readReply(Lookup& lookup, pid_t process) noexcept {
     for (;;) {
         const std::ptrdiff_t count = transport().read(lookup.socket, lookup.buffer, sizeof lookup.buffer);
@@ -143,7 +151,8 @@ void splitAddresses(int mask, std::uint8_t* at, const std::uint8_t* end,
     }
 }
 
-/// Gets the interface's address from the message in the buffer; false if there is none.
+/// Gets the interface's address from the message in the buffer; false if there is none. It is copied as
+/// bytes, because addresses in a message are aligned to 4 bytes only.
 bool getInterfaceAddress(Lookup& lookup, std::uint32_t& address) noexcept {
     RoutingSocketAddress* table[routeAddressCount];
     splitAddresses(lookup.header().rtm_addrs, lookup.addresses(), lookup.end(), table);
@@ -158,6 +167,8 @@ bool getInterfaceAddress(Lookup& lookup, std::uint32_t& address) noexcept {
 
 } // namespace
 
+// The failures are reported by `warn`, and not as log lines: the line names the program and the reason in
+// `errno`.
 std::uint32_t getLocalIPAddressOfInterfaceOfRouteTo(const char* destination) {
     const detail::CallerState state;
     if (destination == nullptr) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the lookup of a route by routing messages, and the layout of these.
 #ifndef ZQFOUNDATION_INFO_ROUTINGSOCKET_H
 #define ZQFOUNDATION_INFO_ROUTINGSOCKET_H
 

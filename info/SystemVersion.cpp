@@ -20,7 +20,8 @@ std::string systemVersionFile() {
                                                    : "/System/Library/CoreServices/SystemVersion.plist";
 }
 
-/// The property list in a file, read by `parse`; nil if there is nothing to parse.
+/// The property list in a file, read by `parse`; nil if there is nothing to parse. The stamp, by which others
+/// know that a file is unchanged, is not kept: every call reads the file again.
 NSDictionary parsed(const std::string& path, FileParser parse) {
     NSDictionary values;
     FileStamp stamp;
@@ -33,6 +34,7 @@ NSDictionary dictionaryFromAnyForm(const std::string& bytes) {
     return NSDictionary(parsePropertyListBytes(start, bytes.size(), nullptr));
 }
 
+/// Nil for bytes that are not UTF-8. A byte-order mark is not part of the text.
 NSString textFromUtf8(const std::string& bytes) {
     const std::size_t mark = bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0;
     return NSString::stringWithUTF8Bytes(bytes.data() + mark, bytes.size() - mark);
@@ -45,6 +47,8 @@ NSString textFromAscii(const std::string& bytes) {
     return NSString::stringWithCharacters_length(units.data(), units.size());
 }
 
+/// The two ways to read the file differ on purpose: the start-up report reads it as a text, the environment's
+/// queries as a property list of any form.
 NSDictionary dictionaryFromText(const std::string& bytes) {
     const NSString text = textFromUtf8(bytes);
     return (text ? text : textFromAscii(bytes)).propertyListFromStringsFileFormat();
@@ -54,6 +58,8 @@ std::vector<std::string> releaseFiles() {
     return overrides::releaseFiles != nullptr ? *overrides::releaseFiles : system::releaseFiles();
 }
 
+/// The first file that exists counts, even if it cannot be read: the next one is there for systems without
+/// the first.
 NSDictionary releaseEntries() {
     for (const std::string& path : releaseFiles()) {
         if (fileExists(path)) {
@@ -63,6 +69,7 @@ NSDictionary releaseEntries() {
     return nullptr;
 }
 
+/// Never empty, because the report's dictionary must be complete.
 NSString kernelRelease() {
     const std::string release = system::kernelRelease();
     return release.empty() ? NSString("unknown") : NSString(release);
@@ -82,6 +89,8 @@ NSString firstOf(const NSDictionary& entries, std::initializer_list<const char*>
 
 } // namespace
 
+// Without the file: whether the system has no other description of its release, so that the missing file is
+// an error.
 bool usesSystemVersionFile() {
     if (fileExists(systemVersionFile())) {
         return true;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the sources of the system's version.
 #ifndef ZQFOUNDATION_INFO_SYSTEMVERSION_H
 #define ZQFOUNDATION_INFO_SYSTEMVERSION_H
 

@@ -23,6 +23,8 @@ constexpr const char* separatorLine = "-----------------------------------------
 /// A longer name and its terminating NUL do not fit into the kernel's buffer for it.
 constexpr std::size_t maxModelNameLength = 99;
 
+/// Warnings name the operation that gathers the facts, whichever operation needs them, and no trace key
+/// silences them: a bundle without its facts is a mistake in how the application was built.
 void warn(StringView text) {
     ZQLog::logSelf_method_logAlways_log(thisClass, appInformationMethod, true, text);
 }
@@ -39,7 +41,8 @@ NSString textOf(const NSObject& value) {
     return text ? text : value.description();
 }
 
-/// The marketing name of a version of the system that has a system version file.
+/// The marketing name of a version of the system that has a system version file. It was changed with 10.8 and
+/// with 10.12.
 NSString marketingName(const NSString& version) {
     if (ZQVersionComparator::compareVersion_toVersion(version, "10.8") == NSOrderedAscending) {
         return "Mac OS X";
@@ -48,6 +51,8 @@ NSString marketingName(const NSString& version) {
                                                                                                  : "macOS";
 }
 
+/// A missing version, build or name raises, in the order in which they are stored; the caller's contract says
+/// so.
 NSDictionary systemInformationFromFile() {
     const NSDictionary file = detail::systemVersionFileText();
     const NSString name = textOf(file.objectForKey("ProductName"));
@@ -62,6 +67,7 @@ NSDictionary systemInformationFromFile() {
     return information.dictionary();
 }
 
+/// Complete by construction, so nothing raises. The name of the system is the name it is sold under.
 NSDictionary systemInformationFromReleaseDescription() {
     const NSDictionary release = detail::releaseDescription();
     const NSObject name = release.objectForKey("ProductName");
@@ -75,6 +81,8 @@ NSDictionary systemInformationFromReleaseDescription() {
 
 } // namespace
 
+// Versions come from the dictionary itself, not from the localized table: they are the same in every
+// language. The texts of the warnings name what is known so far, "(null)" for what is not.
 NSDictionary ZQLogInfo::getAppInformation() {
     const NSBundle bundle = NSBundle::mainBundle();
     const NSDictionary info = bundle.infoDictionary();
@@ -129,6 +137,7 @@ NSString ZQLogInfo::osNameAndVersionString() {
 
 NSString ZQLogInfo::osVersionString() { return NSString(getSystemInformation().objectForKey("osVersion")); }
 
+// 0 and the empty text mean that the system does not say; such a fact is left out.
 NSDictionary ZQLogInfo::getHardwareInformation() {
     const detail::CallerState callerState;
     const detail::system::HardwareFacts facts = detail::overrides::hardware != nullptr
@@ -142,6 +151,7 @@ NSDictionary ZQLogInfo::getHardwareInformation() {
         information.setObject_forKey(NSString::stringWithFormat("%d", facts.processors), "nCores");
     }
     if (facts.memoryBytes != 0) {
+        // Whole MiB, although the key and the report say MB.
         information.setObject_forKey(NSString::stringWithFormat("%lld", facts.memoryBytes >> 20), "ramMB");
     }
     return information.dictionary();
@@ -149,6 +159,7 @@ NSDictionary ZQLogInfo::getHardwareInformation() {
 
 NSString ZQLogInfo::hardwareInfoString() { return detail::hardwareText(getHardwareInformation()); }
 
+// Runs without an active trace key start without a report: a log that nobody asked for stays short.
 void ZQLogInfo::standardStartupLog() {
     if (!ZQLog::aTraceDefaultValueHasBeenActivated()) {
         return;
@@ -159,6 +170,8 @@ void ZQLogInfo::standardStartupLog() {
     logTracelogAndFeatureRelatedUserDefaults();
 }
 
+// All texts are made before the first line. If the system's facts raise, nothing but warnings has been
+// written.
 void ZQLogInfo::logAppAndSystemInformation() {
     const NSString application = appInfoString();
     // Gathers the facts again, so warnings about the application appear twice.

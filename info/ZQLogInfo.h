@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the facts about application, system and hardware, and the start-up report.
 #ifndef ZQFOUNDATION_INFO_ZQLOGINFO_H
 #define ZQFOUNDATION_INFO_ZQLOGINFO_H
 

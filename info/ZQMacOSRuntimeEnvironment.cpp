@@ -20,6 +20,7 @@ namespace ZQFoundation {
 
 namespace {
 
+/// What is read at the first use. Made once and never freed, so that static destructors may ask too.
 struct Release {
     NSDictionary dictionary;
     bool isMakers = false;    // from the vendor whose releases the release tests are about
@@ -30,6 +31,7 @@ struct Release {
 
 constinit std::atomic<const Release*> knownRelease{nullptr};
 
+/// 0 for a component without digits and for a negative one.
 std::uint64_t numberOf(const detail::AsciiOrUtf16& text, std::size_t start, std::size_t end) {
     const std::int64_t number = text.isAscii() ? detail::readInt64(text.ascii() + start, end - start)
                                                : detail::readInt64(text.units() + start, end - start);
@@ -53,6 +55,7 @@ void readNumbers(const NSString& version, Release& release) {
     }
 }
 
+/// The release, read at the first call. Without a lock, which a forked child could find locked forever.
 const Release& release() {
     if (const Release* const known = knownRelease.load(std::memory_order_acquire)) {
         return *known;
@@ -72,10 +75,13 @@ bool isAtLeast10Dot(std::uint64_t minorNumber) {
     return known.isMakers && (known.major_ > 10 || (known.major_ == 10 && known.minor_ >= minorNumber));
 }
 
+/// The English text is the key; without a table for the user's language it is the result.
 NSString localized(const NSString& text) {
     return NSBundle::libraryBundle().localizedStringForKey_value_table(text, "", nullptr);
 }
 
+/// Read again at each call, unlike the numbers. Those are read at the first use of the class, so this
+/// operation reads them too when it is the first.
 NSString userVisibleText(StringView key, const char* fallback) {
     const detail::CallerState callerState;
     release();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares what a host can learn about the system's release and the library's processor.
 #ifndef ZQFOUNDATION_INFO_ZQMACOSRUNTIMEENVIRONMENT_H
 #define ZQFOUNDATION_INFO_ZQMACOSRUNTIMEENVIRONMENT_H
 

@@ -10,7 +10,8 @@
 
 namespace ZQFoundation::detail {
 
-/// The name of an instance's class: of the most derived one for a polymorphic class.
+/// The name of an instance's class, without namespaces: of the most derived one for a polymorphic class.
+/// Valid for the life of the process.
 ZQFOUNDATION_EXPORT StringView classNameOfType(const std::type_info& type);
 
 #ifdef __cpp_rtti
@@ -19,12 +20,15 @@ inline constexpr bool hasDynamicTypes = true;
 inline constexpr bool hasDynamicTypes = false; // an object has the class of its pointer
 #endif
 
-/// What a line needs from an instance, queried only when the line is made.
+/// What a line needs from an instance, queried only when the line is made. A table for each class, compiled
+/// into the host: the library itself cannot know the types of the host's pointers.
 struct InstanceQueries {
     StringView (*className)(const void*);
     const void* (*wholeObject)(const void*); ///< where the most derived object starts
 };
 
+/// The queries for a `T`. The second parameter keeps two definitions apart where a program links sources with
+/// and without run-time types.
 template <class T, bool dynamic = hasDynamicTypes>
 inline constexpr InstanceQueries instanceQueries{
     []([[maybe_unused]] const void* instance) -> StringView {
@@ -48,8 +52,13 @@ inline constexpr InstanceQueries instanceQueries{
 namespace ZQFoundation {
 
 /// Who calls a log operation: `this` of any class, a value, a class (`classOf<Store>()`), or nothing
-/// (`nullptr`). Owns nothing and queries nothing until a line is actually made. A `void` pointer is an object
-/// whose class is unknown.
+/// (`nullptr`). Made implicitly from each of them:
+///
+///     ZQLog::logSelf_method_logAlways_log(this, "reload:", true, "done");
+///     // -[(Store *)0x7f01 reload:] done
+///
+/// Owns nothing and queries nothing until a line is actually made, so what it refers to must live until the
+/// call returns. A `void` pointer is an object whose class is unknown.
 class LogCaller {
 public:
     /// What the caller is.
@@ -61,9 +70,11 @@ public:
         value,    ///< a value, or a class
     };
 
+    /// Nobody: the line says `<<no instance>>`.
     constexpr LogCaller(std::nullptr_t) noexcept {}
 
-    /// The object, of whatever class; nothing for null.
+    /// The object, of whatever class; nothing for null. Does not compile for a pointer to characters, which
+    /// is a text in the wrong place.
     template <class T>
     constexpr LogCaller(const T* instance) noexcept {
         static_assert(!detail::isCharacter<T>,
@@ -87,13 +98,14 @@ public:
         }
     }
 
-    /// A value or a class, by reference.
+    /// A value or a class, by reference; a nil one appears as nobody.
     constexpr LogCaller(const NSObject& value) noexcept : address_(&value), form_(Form::value) {}
 
-    /// What the caller is.
+    /// What the caller is; it decides which of the operations below may be called.
     constexpr Form form() const noexcept { return form_; }
 
-    /// The object, or the handle of a value; null for nobody.
+    /// The object, or the handle of a value; null for nobody. Where the pointer's class is a base of the
+    /// object's, `wholeInstance` may be another address.
     constexpr const void* address() const noexcept { return address_; }
 
     /// The value or class of a caller of the form `value`.

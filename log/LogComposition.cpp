@@ -14,6 +14,8 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// As the platform prints a pointer: "0x" and lower-case hexadecimal digits without leading zeros. Written by
+/// hand, because a format would have to be parsed for each line with a caller.
 void appendAddress(TextBuilder& out, const void* address) {
     char text[2 + 2 * sizeof address];
     std::size_t first = sizeof text;
@@ -27,6 +29,7 @@ void appendAddress(TextBuilder& out, const void* address) {
     out.appendAscii(text + first, sizeof text - first);
 }
 
+/// The method is what the caller says it is; an empty one appears as nothing, a nil one as missing.
 void appendMethod(TextBuilder& out, StringView method) {
     out.appendAscii(' ');
     out.append(method ? method : StringView("<<no method>>"));
@@ -46,6 +49,7 @@ void appendInstance(TextBuilder& out, StringView className, const void* address,
     appendMethod(out, method);
 }
 
+/// "+[Store sharedStore]": a class has no address, because it is no object here.
 void appendClass(TextBuilder& out, StringView className, StringView method) {
     out.appendLiteral("+[");
     out.append(className);
@@ -57,11 +61,14 @@ const void* addressOf(const NSObject& value) noexcept {
     return Access::kind(value) >= Kind::string ? static_cast<const void*>(Access::body(value)) : &value;
 }
 
-/// A host object reports its class itself, perhaps none.
+/// A host object reports its class itself, perhaps none. The address is that of the whole object: a class
+/// with several bases has its protocol somewhere inside.
 void appendHostCaller(TextBuilder& out, const NSObjectProtocol& host, StringView method) {
     appendInstance(out, host.className(), dynamic_cast<const void*>(&host), method);
 }
 
+/// Callers that are nobody come here too, as a nil value. A host object in a handle is described like one
+/// that is passed by its address, so the same object always looks the same in the log.
 void appendValueCaller(TextBuilder& out, const NSObject& value, StringView method) {
     const NameSpan name = ownClassName(value);
     const StringView className(name.start, name.length);
@@ -77,6 +84,7 @@ void appendValueCaller(TextBuilder& out, const NSObject& value, StringView metho
     }
 }
 
+/// Objects are queried only here, when the line is certain to be made; a name of theirs may be costly.
 void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView method) {
     switch (caller.form()) {
     case LogCaller::Form::absent:
@@ -97,15 +105,18 @@ void appendMethodCaller(TextBuilder& out, const LogCaller& caller, StringView me
     }
 }
 
+/// Null is the same as an empty name.
 std::string_view nameOf(const char* function) noexcept { return function != nullptr ? function : ""; }
 
-/// The last component of a name taken as a path.
+/// The last component of a name taken as a path: "a/b" gives "b", and so does "a/b/".
 StringView lastPart(std::string_view name) noexcept {
     name = name.substr(0, name.find_last_not_of('/') + 1);
     name = name.substr(name.find_last_of('/') + 1);
     return name;
 }
 
+/// A name with a colon is complete already, a method's or a place in a source, so it gets no "()". Without
+/// its folders it is as long as the others.
 void appendFunctionCaller(TextBuilder& out, std::string_view name) {
     if (name.empty()) {
         out.appendLiteral("<<no function name>>()");
@@ -131,6 +142,8 @@ void appendCaller(TextBuilder& out, const CallerReference& caller) {
     out.appendAscii(' ');
 }
 
+/// Composes straight into the buffer that is written or returned: a line needs no string of its own. The
+/// order of the parts is that of every log call, so logs can be searched by the beginnings of lines.
 void appendMessage(TextBuilder& out, const LogMessage& message) {
     if (message.condition.kind != TraceCondition::Kind::none) {
         appendTraceLabel(out, message.condition, message.keysThatAreOn);
@@ -153,6 +166,7 @@ private:
 
 } // namespace
 
+// Called from code that is compiled into the host, which only has the type.
 StringView classNameOfType(const std::type_info& type) {
     const NameSpan name = dynamicTypeName(type);
     return {name.start, name.length};
@@ -174,6 +188,8 @@ NSString textOfMessage(const LogMessage& message) {
     return returned.string();
 }
 
+/// The last gate: conditions on several keys. It is checked here, after the cheap ones, because the keys that
+/// are on belong to the label, and must be those of the moment when the condition held.
 void writeUnlessKeysFail(CallerReference caller, TraceCondition condition, StringView format,
                          ArgumentList arguments) {
     TraceKeySet keysThatAreOn;
@@ -190,6 +206,7 @@ NSString textUnlessKeysFail(CallerReference caller, TraceCondition condition, St
                : NSString();
 }
 
+/// The text is appended, not formatted: a "%" in it is a "%".
 void writeText(const CallerReference& caller, StringView text) {
     LogLine line;
     appendCaller(line.text(), caller);
@@ -208,6 +225,7 @@ NSString textOfText(const CallerReference& caller, StringView text) {
 
 namespace ZQFoundation {
 
+// Descriptions for hosts, by the functions that compose lines, so the two cannot differ.
 NSString ZQLog::objectiveCMethodDescriptionStringForCaller_method(const LogCaller& caller,
                                                                   StringView method) {
     detail::TextBuilder description;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares what composes a line or a text: its label, its caller and its message.
 #ifndef ZQFOUNDATION_LOG_LOGCOMPOSITION_H
 #define ZQFOUNDATION_LOG_LOGCOMPOSITION_H
 
@@ -16,6 +17,7 @@ struct CallerReference {
     static CallerReference ofMethod(const LogCaller& self, StringView method) noexcept {
         return {Kind::method, &self, method, nullptr};
     }
+    /// A length excludes what a compiler appends to the name; without one, the name is NUL-ended.
     static CallerReference ofFunction(const char* name, std::size_t length = SIZE_MAX) noexcept {
         return {Kind::function, nullptr, {}, name, length};
     }

@@ -20,20 +20,26 @@ namespace {
 /// The path of the current log file. Nothing in the library reads it; it is for use in a debugger.
 constinit detail::Published<NSString> optionalLogFilePath;
 
+/// Looks at the unnumbered file before its name is returned after all.
 constexpr int maxFileNumber = 999;
 
+/// Names the operation that the host has called, not the function that found the fault. The path is the
+/// resolved one, so that a link that was followed shows.
 void complain(FormatString<NSString> format, const NSString& path) {
     ZQLog::logSelf_method_logAlways_logWithFormat(classOf<ZQLog>(), "setLogFilePath:createFolder:", true,
                                                   format, path);
 }
 
+/// Links are resolved here, once, so that the checks, their messages and the redirection are about the same
+/// file.
 NSString absolutePath(const NSString& path) {
     const NSString whole =
         path.isAbsolutePath() ? path : ZQLog::standardLogFolder().stringByAppendingPathComponent(path);
     return whole.stringByStandardizingPath().stringByResolvingSymlinksInPath();
 }
 
-/// Whether lines may be appended to the item at the path.
+/// Whether lines may be appended to the item at the path. A folder or a pipe is not a place for a log, and is
+/// named as such.
 bool acceptExistingFile(const NSString& path) {
     const NSFileManager& files = NSFileManager::defaultManager();
     if (!files.isRegularFileAtPath(path)) {
@@ -59,6 +65,8 @@ NSDictionary attributesOfFileIn(const NSString& folder) {
     return isShared ? NSDictionary{{NSFilePosixPermissions, 0600}} : NSDictionary();
 }
 
+/// Creates the empty file before the redirection, which reports nothing: here a failure has a message and a
+/// result.
 bool createFile(const NSString& path, bool createFolder) {
     // A path that is still relative begins with a tilde that is nobody's home folder.
     const bool created = path.hasPrefix("/") &&
@@ -145,6 +153,8 @@ bool ZQLog::setLogFilePath_createFolder(const NSString& path, detail::Flag creat
     return isReady;
 }
 
+// The original descriptor is saved before anything is redirected: afterwards nothing refers to its target any
+// more.
 void ZQLog::setOptionalLogFilePath(const NSString& path) {
     optionalLogFilePath.replace(new NSString(path));
     detail::saveStandardError();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Defines the gates and the verbs that all named log operations share.
 #ifndef ZQFOUNDATION_LOG_LOGOPERATION_H
 #define ZQFOUNDATION_LOG_LOGOPERATION_H
 

@@ -40,6 +40,7 @@ NSCharacterSet othersThan(const char* characters) {
     return NSCharacterSet::characterSetWithCharactersInString(characters).invertedSet();
 }
 
+/// Removes the name in the folder: of a link, the link. Its age was that of its target, which stays.
 void removeLogFile(const NSString& path) {
     if (!NSFileManager::defaultManager().removeItemAtPath_error(path)) {
         ZQLog::logAlways_logWithFormat(true, "Cannot remove log file \"%@\"", path);
@@ -129,6 +130,8 @@ void arrangeByDate(std::vector<DatedFile>& files) {
 
 } // namespace
 
+// Each file is removed as it is found: nothing is collected for folders with very many files. A nil date
+// removes nothing; the folder is announced all the same.
 void ZQLog::removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder) {
     const bool isListed =
         forEachLogFile(folder, middleForAge, [&](const NSString& path, const NSDate& changed) {
@@ -142,6 +145,7 @@ void ZQLog::removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSStrin
     }
 }
 
+// All files must be known before the oldest ones are. A folder that cannot be listed has none.
 void ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count) {
     std::vector<DatedFile> files;
     forEachLogFile(folder, middleForCount, [&](const NSString& path, const NSDate& changed) {

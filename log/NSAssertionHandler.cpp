@@ -26,7 +26,8 @@ NSString classNameOf(const LogCaller& object) {
     return nullptr;
 }
 
-/// Whether the object is its own class: true for a class, and for nothing.
+/// Whether the object is its own class: true for a class, and for nothing. The sign of log lines answers
+/// another question, whether the caller is an instance: an object of unknown class is "-" here and "?" there.
 bool isItsOwnClass(const LogCaller& object) {
     switch (object.form()) {
     case LogCaller::Form::absent:
@@ -41,7 +42,8 @@ bool isItsOwnClass(const LogCaller& object) {
     return false;
 }
 
-/// Writes first: the line must be written even if nobody catches the exception.
+/// Writes first: the line must be written even if nobody catches the exception. The reason is formatted once
+/// and then passed through "%@", so that a "%" in it is not taken for a conversion.
 [[noreturn]] void logAndRaise(const NSString& line, const NSString& exceptionName, StringView format,
                               ArgumentList arguments) {
     ZQLog::logAlways_log(true, line);
@@ -51,6 +53,7 @@ bool isItsOwnClass(const LogCaller& object) {
 
 } // namespace
 
+// A constant without a destructor: assertions may fail before `main` and in static destructors.
 NSAssertionHandler& NSAssertionHandler::currentHandler() noexcept {
     static constinit NSAssertionHandler handler;
     return handler;

@@ -10,6 +10,8 @@ namespace ZQFoundation {
 
 /// The name of the exception that a host raises when a subclass does not override an operation that it must:
 /// "ZQMustOverrideMethodException". The library never raises it.
+///
+///     NSException::raise_format(ZQMustOverrideMethodException, "%s", __func__);
 extern "C" ZQFOUNDATION_EXPORT const char* const ZQMustOverrideMethodException;
 
 /// Writes a failed assertion into the log and raises an exception.
@@ -22,7 +24,7 @@ extern "C" ZQFOUNDATION_EXPORT const char* const ZQMustOverrideMethodException;
 /// may be nil; of the file only the last path component is written. Any thread.
 class ZQFOUNDATION_EXPORT NSAssertionHandler {
 public:
-    /// The shared object, never destroyed.
+    /// The shared object, the same on all threads, never destroyed; it has no state.
     static NSAssertionHandler& currentHandler() noexcept;
 
     NSAssertionHandler(const NSAssertionHandler&) = delete;
@@ -33,6 +35,9 @@ public:
 
     /// Writes "*** Assertion failure in parse(), parse.c:42" and raises NSInternalInconsistencyException, its
     /// reason formatted as `NSString::stringWithFormat` does.
+    ///
+    ///     handler.handleFailureInFunction_file_lineNumber_description("parse", "parse.c", 42, "%d bad", 7);
+    ///     // raises: NSInternalInconsistencyException with the reason "7 bad"
     template <class... Arguments>
     [[noreturn]] void handleFailureInFunction_file_lineNumber_description(
         StringView function, StringView file, std::int64_t lineNumber,
@@ -56,8 +61,9 @@ public:
     /// @name NSAssertionHandler(ZQFoundation)
     /// @{
 
-    /// Writes "*** Assertion failure in parse(), parse.c:42" and raises an exception of the given name, its
-    /// reason formatted as `NSString::stringWithFormat` does.
+    /// Writes "*** Assertion failure in parse(), parse.c:42" and raises an exception of the given name, which
+    /// may be nil, its reason formatted as `NSString::stringWithFormat` does. The arguments are formatted
+    /// after the line is written; a nil format raises NSInvalidArgumentException then, instead.
     template <class... Arguments>
     [[noreturn]] void handleFailureInFunction_file_lineNumber_exceptionName_description(
         StringView function, StringView file, std::int64_t lineNumber, const NSString& exceptionName,
@@ -67,13 +73,16 @@ public:
             function, file, lineNumber, exceptionName, format.text(), packed.list());
     }
 
-    /// `handleFailureInFunction_file_lineNumber_exceptionName_description` for a started argument list.
+    /// `handleFailureInFunction_file_lineNumber_exceptionName_description` for a started argument list, for
+    /// the wrappers of a host.
     [[noreturn]] void handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
         StringView function, StringView file, std::int64_t lineNumber, const NSString& exceptionName,
         StringView format, ArgumentList arguments) const;
 
-    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10", with "+" if the object is a class,
-    /// and raises an exception of the given name, its reason formatted as `NSString::stringWithFormat` does.
+    /// Writes "*** Assertion failure in -[Store reload:], Store.m:10", with "+" if the object is a class or
+    /// nothing, and raises an exception of the given name, which may be nil, its reason formatted as
+    /// `NSString::stringWithFormat` does. Unlike the lines of log calls, this one has no address of the
+    /// instance.
     template <class... Arguments>
     [[noreturn]] void handleFailureInMethod_object_file_lineNumber_exceptionName_description(
         StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
@@ -84,7 +93,8 @@ public:
             method, object, file, lineNumber, exceptionName, format.text(), packed.list());
     }
 
-    /// `handleFailureInMethod_object_file_lineNumber_exceptionName_description` for a started argument list.
+    /// `handleFailureInMethod_object_file_lineNumber_exceptionName_description` for a started argument list,
+    /// for the wrappers of a host.
     [[noreturn]] void handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
         StringView method, const LogCaller& object, StringView file, std::int64_t lineNumber,
         const NSString& exceptionName, StringView format, ArgumentList arguments) const;
@@ -109,8 +119,10 @@ private:
                            __func__, __FILE__, __LINE__, exceptionName, __VA_ARGS__))
 
 /// Fails unless the condition holds, as `ZQAssert`, in a member function: for the object given (`this`) or
-/// the class
-/// (`classOf<Store>()`).
+/// the class (`classOf<Store>()`).
+///
+///     ZQAssertInMethod(count >= 0, this, NSRangeException, "%d", count);
+///     // writes: *** Assertion failure in -[Store reload], Store.cpp:42
 #define ZQAssertInMethod(condition, object, exceptionName, ...)                                              \
     ((condition) ? static_cast<void>(0)                                                                      \
                  : ::ZQFoundation::NSAssertionHandler::currentHandler()                                      \

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The debug log that does nothing.
+// The debug log that does nothing: hosts link to it, and their own builds replace it.
 #include "log/NSDebugLog.h"
 
 namespace ZQFoundation {

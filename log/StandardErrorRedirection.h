@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the redirection of descriptor 2 to a file and back.
 #ifndef ZQFOUNDATION_LOG_STANDARDERRORREDIRECTION_H
 #define ZQFOUNDATION_LOG_STANDARDERRORREDIRECTION_H
 

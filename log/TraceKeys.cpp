@@ -50,6 +50,8 @@ constinit Lock exchange;
 /// The fork generation in which a thread is making the first reading, under the monitor.
 constinit std::uint32_t readingIn = 0;
 
+/// Reads all trace keys at once. It reads files and allocates, so the caller must not hold `exchange`. Each
+/// value is looked up by its key, because that is how a host sees it.
 std::unique_ptr<const TraceReading> readTraceDefaults() {
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
     NSMutableDictionary values;
@@ -71,6 +73,7 @@ std::unique_ptr<const TraceReading> readTraceDefaults() {
     return std::make_unique<TraceReading>(TraceReading{values.dictionary(), activeKeys.array()});
 }
 
+/// Acquire: a reader that sees the table sees what was written into it before.
 const TraceTable* presentTable() noexcept {
     return static_cast<const TraceTable*>(__atomic_load_n(&traceReadings.table, __ATOMIC_ACQUIRE));
 }
@@ -99,6 +102,8 @@ void publish(std::unique_ptr<const TraceReading> fresh) {
     __atomic_add_fetch(&traceReadings.generation, 2, __ATOMIC_ACQ_REL);
 }
 
+/// Leaves the monitor and, after the outermost scope, makes the generation even again: readers without a lock
+/// may go on, with a generation that differs from the one before the scope.
 void leaveMonitor() noexcept {
     // The last to leave opens the gate, also for a thread that a fork left in the parent.
     if (!monitor.isHeldAgain() &&
@@ -162,6 +167,8 @@ private:
     bool isSure_ = true;
 };
 
+/// The slow way: before the first reading, while a thread is in a `Synchronized` scope, and for keys that the
+/// table does not have. Out of line, so that the fast way stays short in each of its callers.
 template <class Question>
 [[gnu::noinline]] auto askInMonitor(Question question) {
     const InMonitor scope;
@@ -173,6 +180,10 @@ template <class Question>
 
 /// The result of the query at one moment at which no other thread was in a `Synchronized` scope. May run the
 /// query twice.
+///
+/// Works like a sequence lock whose readers never wait for a reading: if the generation is even and still the
+/// same after the query, no other reading has become the current one meanwhile. An answer from a table that
+/// was being overwritten is thrown away in this way too.
 template <class Question>
 [[gnu::always_inline]] inline auto askTraceKeys(Question question) {
     const std::uint64_t before = __atomic_load_n(&traceReadings.generation, __ATOMIC_ACQUIRE);
@@ -188,6 +199,7 @@ template <class Question>
     return askInMonitor(question);
 }
 
+/// The keys that are in the set, or all of them without one.
 void appendJoined(TextBuilder& out, const TraceKeyList& keys, char separator, const TraceKeySet* on) {
     bool isFirst = true;
     for (std::size_t i = 0; i < keys.count(); ++i) {
@@ -209,6 +221,8 @@ void appendLevel(TextBuilder& out, StringView relation, std::int64_t level) {
 
 } // namespace
 
+// A view of the string's body. It makes no handle, so the reference count, which other threads use too, is
+// not touched.
 StringView TraceKeyList::textOf(const NSObject& value) noexcept {
     if (Access::kind(value) != Kind::string) {
         return nullptr;
@@ -218,6 +232,7 @@ StringView TraceKeyList::textOf(const NSObject& value) noexcept {
                         : StringView(body.units(), body.length);
 }
 
+// A query may run twice, so the set may hold the answers of the first run.
 void TraceKeySet::reset(std::size_t count) {
     const std::size_t words = (count + 63) / 64;
     if (words > inlineWords) {
@@ -278,6 +293,8 @@ bool anyOfKeysHolds(const TraceKeyList& keys, TraceKeySet& on) {
     });
 }
 
+/// An empty array does not hold, unlike in logic: a call without keys is more likely a mistake than a wish
+/// for every line.
 bool allOfKeysHold(const TraceKeyList& keys) {
     return askTraceKeys([&keys](TraceView& view) {
         for (std::size_t i = 0; i < keys.count(); ++i) {
@@ -302,6 +319,7 @@ bool severalKeysHold(const TraceCondition& condition, TraceKeySet& on) {
     }
 }
 
+// A value or threshold appears as the call has it: of a threshold, the level that is set may be larger.
 void appendTraceLabel(TextBuilder& out, const TraceCondition& condition, const TraceKeySet& on) {
     switch (condition.kind) {
     case TraceCondition::Kind::none:
@@ -333,6 +351,8 @@ void ZQLog::initializeTraceDefaultsDict() { detail::publish(detail::readTraceDef
 
 bool ZQLog::traceKeyIsEnabled(StringView key) { return key && detail::traceKeyHolds(key); }
 
+// The array is copied, and its reference counted, under the lock of the exchange: without it a re-reading
+// could free the array in between.
 NSArray ZQLog::activatedTraceDefaultsKeys() {
     const InMonitor scope;
     detail::readInMonitor();
@@ -345,6 +365,8 @@ NSArray ZQLog::activatedTraceDefaultKeys() { return activatedTraceDefaultsKeys()
 
 bool ZQLog::aTraceDefaultValueHasBeenActivated() { return detail::anyTraceKeyHolds(); }
 
+// Closes the gate once the monitor is held: queries that begin from now on wait for the monitor, and those
+// that have begun see another generation and ask again.
 ZQLog::Synchronized::Synchronized() noexcept {
     detail::monitor.lock();
     __atomic_or_fetch(&detail::traceReadings.generation, detail::closedBit, __ATOMIC_ACQ_REL);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares trace conditions: what they ask of the trace keys, and their labels.
 #ifndef ZQFOUNDATION_LOG_TRACEKEYS_H
 #define ZQFOUNDATION_LOG_TRACEKEYS_H
 
@@ -94,6 +95,7 @@ bool traceKeyHolds(StringView key);
 
 /// Whether the key's level equals the value. A missing key has level 0, which is an ordinary level.
 bool traceLevelEquals(StringView key, std::int64_t value);
+/// Whether the key's level is at least the threshold, by the same rule.
 bool traceLevelReaches(StringView key, std::int64_t threshold);
 
 /// Whether any trace key at all is active.

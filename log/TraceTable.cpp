@@ -11,10 +11,13 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-// At most half of the slots are taken.
+// At most half of the slots are taken, so that a search for a missing key ends after a few of them. The
+// smallest table has 1 KiB; the largest, 512 KiB, has room for 4096 keys, and those beyond are found in the
+// reading instead, with the lock.
 constexpr std::size_t fewestSlots = 16;
 constexpr std::size_t mostSlots = 8192;
 
+/// A power of two: a mask then makes a slot of a hash.
 std::size_t slotsFor(std::size_t keys) noexcept {
     return keys <= fewestSlots / 2 ? fewestSlots
            : keys >= mostSlots / 2 ? mostSlots
@@ -29,6 +32,8 @@ void store(std::uint64_t& word, std::uint64_t value) noexcept {
 
 } // namespace
 
+// The slots follow the object in one allocation, aligned to cache lines. It is never freed: readers without a
+// lock cannot say that they have left it.
 TraceTable* TraceTable::make(std::size_t keys, const TraceTable* replaced) {
     static_assert(sizeof(TraceTable) == sizeof(Slot));
     static_assert(alignof(TraceTable) == alignof(Slot));
@@ -41,7 +46,8 @@ TraceTable* TraceTable::make(std::size_t keys, const TraceTable* replaced) {
 
 bool TraceTable::hasRoomFor(std::size_t keys) const noexcept { return slotsFor(keys) <= slotMask_ + 1; }
 
-/// False for a key that cannot be entered.
+/// False for a key that cannot be entered. The word of a slot is stored last, and only it makes the slot a
+/// used one: a reader that sees it sees the whole text.
 bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     const std::string bytes = key.utf8();
     if (bytes.size() > longestKey || bytes.find("\uFFFD") != std::string::npos) {
@@ -60,6 +66,8 @@ bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     return true;
 }
 
+// Empties all slots first. A reader that is still here from two readings ago then finds free slots, and ends.
+// The state comes last, because it says what the slots mean.
 void TraceTable::fill(const NSDictionary& values, bool anyKeyIsActive) {
     for (std::size_t i = 0; i <= slotMask_; ++i) {
         store(slots()[i].word, 0);
@@ -76,6 +84,8 @@ void TraceTable::fill(const NSDictionary& values, bool anyKeyIsActive) {
     store(state_, state);
 }
 
+// A key given as UTF-16 units, such as a string with characters beyond ASCII: converted on the stack, since a
+// query allocates nothing. One that is too long is in no table.
 TraceAnswer TraceTable::findUnits(const char16_t* units, std::size_t count) const noexcept {
     char bytes[longestKey];
     if (count > longestKey || utf8Length(units, count, IllFormed::replace) > longestKey) {

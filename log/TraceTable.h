@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the table of the trace keys of one reading, which is searched without a lock.
 #ifndef ZQFOUNDATION_LOG_TRACETABLE_H
 #define ZQFOUNDATION_LOG_TRACETABLE_H
 
@@ -48,6 +49,7 @@ public:
     /// Makes a table with room for `keys` keys, or for the max number if that is lower. The smaller table
     /// that it replaces, if any, stays with it: readers may be in that one forever.
     static TraceTable* make(std::size_t keys, const TraceTable* replaced);
+    /// Whether the keys fit without a new table: at most half of the slots are taken.
     bool hasRoomFor(std::size_t keys) const noexcept;
 
     /// Writes the keys of a reading over those of an earlier one.
@@ -140,6 +142,8 @@ private:
         }
     }
 
+    /// Word by word, as `enter` stores them: the table may be overwritten meanwhile, and then no word is
+    /// torn.
     static bool hasText(const Slot& slot, const char* bytes, std::size_t length) noexcept {
         std::size_t i = 0;
         while (i < wordsIn(length) &&

@@ -31,16 +31,20 @@ constinit std::atomic<const NSDateFormatter*> shortFormatter{nullptr};
 
 } // namespace
 
+// Every line of the library comes through here or through the composition of calls; both end in the same line
+// writer.
 void ZQLog::logAlways_log(detail::Flag logAlways, StringView text) {
     if (detail::passesGates(logAlways, text)) {
         detail::writeLine(text);
     }
 }
 
+// Nil for nil, so the result is the text that `logAlways_log` would have written, if any.
 NSString ZQLog::logAlways_logString(detail::Flag logAlways, const NSString& text) {
     return logAlways ? text : NSString();
 }
 
+// Local time to the millisecond, as in the lines that the writer prefixes, but without a thread.
 NSString ZQLog::logPrefix() {
     const NSString date = dateFormatterLong().stringFromDate(NSDate::date());
     NSProcessInfo& process = NSProcessInfo::processInfo();

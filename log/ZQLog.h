@@ -34,10 +34,11 @@ public:
     /// Writes the text as one line, unchanged: a "%" in it is a "%". Nil or a flag of NO writes nothing.
     static void logAlways_log(detail::Flag logAlways, StringView text);
 
-    /// The text passed in; nil if the flag is NO.
+    /// Returns the text passed in, without a copy; nil if the flag is NO. Writes nothing.
     static NSString logAlways_logString(detail::Flag logAlways, const NSString& text);
 
-    /// A string of the text passed in; nil if the flag is NO.
+    /// Returns a new string of the text passed in; nil if the flag is NO and for a null pointer. Writes
+    /// nothing.
     template <detail::PlainText T>
     static NSString logAlways_logString(detail::Flag logAlways, const T& text) {
         return logAlways ? detail::returnedText(text) : NSString();
@@ -86,19 +87,26 @@ public:
 
     /// @}
 
-    /// @name Trace keys The user defaults whose names begin with "Trace". They are read once, at the first
-    /// query, and again only when `initializeTraceDefaultsDict` is called.
+    /// @name Trace keys
+    /// The user defaults whose names begin with "Trace". They are read once, at the first query, and again
+    /// only when `initializeTraceDefaultsDict` is called: a default that changes meanwhile has no effect.
     /// @{
 
     /// (Re)reads the trace keys. Takes no lock: inside a `Synchronized` scope no other thread queries them
     /// meanwhile.
+    ///
+    ///     NSUserDefaults::standardUserDefaults().setObject_forKey(true, "TraceNetwork");
+    ///     const ZQLog::Synchronized scope;
+    ///     ZQLog::initializeTraceDefaultsDict();  // from here on "TraceNetwork" is on
     static void initializeTraceDefaultsDict();
 
-    /// Whether the key is on. False for nil.
+    /// Whether the key is on, by the rule of `NSDictionary::boolForKey`: "yes" and 2 are on, "true" and 0.5
+    /// are off. False for nil, and for a key that does not begin with "Trace".
     static bool traceKeyIsEnabled(StringView key);
 
     /// The trace keys whose values are true, in the order in which the user defaults list them; empty, never
-    /// nil.
+    /// nil. Here the values' own `boolValue` decides, so a key with the number 0.5 is listed, although it is
+    /// not on for `traceKeyIsEnabled`.
     static NSArray activatedTraceDefaultsKeys();
 
     /// Another name for `activatedTraceDefaultsKeys`.
@@ -109,8 +117,9 @@ public:
 
     /// @}
 
-    /// @name Log files Nothing here happens automatically, takes a lock or is safe on two threads at once;
-    /// other threads may log meanwhile, each line to one target as a whole.
+    /// @name Log files
+    /// Nothing here happens automatically, takes a lock or is safe on two threads at once; other threads may
+    /// log meanwhile, each line to one target as a whole.
     /// @{
 
     /// The application's folder under ~/Library/Logs, which need not exist; "/tmp" when the home folder has
@@ -123,7 +132,9 @@ public:
     static NSString standardNewLogFileNameForLoggingToFolder(const NSString& folder);
 
     /// `standardLogFolder` and `standardNewLogFileNameForLoggingToFolder` joined: the path for the log of
-    /// this run.
+    /// this run. Creates no file.
+    ///
+    ///     if (!ZQLog::setLogFilePath_createFolder(ZQLog::standardLogFilePath(), true)) ...
     static NSString standardLogFilePath();
 
     /// Redirects standard error, and with it every line, to the end of the file at the path, which is created

@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The log operations that name a function, for started argument lists.
+// Each names its caller and its condition and calls one of two verbs, which are inlined from LogOperation.h:
+// so all gates of all operations are written once, and a call that a gate stops runs through one function.
+// The two verbs of each condition follow each other, in the order of the header. Exported functions and not
+// templates: the code of a call that is not stopped is in the library, once, and not in each host.
 #include "log/ZQLogFunctionCalls.h"
 
 #include "log/LogOperation.h"

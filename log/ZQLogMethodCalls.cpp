@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The log operations that name an object and its method, for started argument lists.
+// Each names its caller and its condition and calls one of two verbs, which are inlined from LogOperation.h.
+// The caller is passed by reference and described only after the last gate. The two verbs of each condition
+// follow each other, in the order of the header.
 #include "log/ZQLogMethodCalls.h"
 
 #include "log/LogOperation.h"

@@ -13,11 +13,24 @@ namespace ZQFoundation {
 /// The log operations of ZQLog for methods: call them as `ZQLog::...`.
 ///
 /// The caller is `this`, a value, `classOf<Store>()` or `nullptr`; the method a text such as "reload:", or
-/// nil. They appear as `-[(Store *)0x7f01 reload:]`. Gates and order are those of the operations without a
-/// caller; an absent part of the caller appears in the line and stops nothing.
+/// nil. Gates, their order, labels, threads and lists of arguments are those of the operations without a
+/// caller (ZQLogPlainCalls); an absent part of the caller appears in the line and stops nothing:
+///
+///     this, "reload:"              -[(Store *)0x7f01 reload:]   class and address of the whole object
+///     classOf<Store>(), "reload:"  +[Store reload:]
+///     a void pointer, "reload:"    ?[0x7f01 reload:]            as an object without a class name
+///     nullptr, "reload:"           [<<no instance>> reload:]
+///     this, nullptr                -[(Store *)0x7f01 <<no method>>]
+///
+/// The caller is asked for its class name only when a line or text is made, on the calling thread and with no
+/// lock held. It must live until the call returns.
 class ZQFOUNDATION_EXPORT ZQLogMethodCalls {
 public:
-    /// Writes the line "caller text". A flag of NO or a nil text writes nothing.
+    /// Writes the line "caller text", the text unchanged and not used as a format. A flag of NO or a nil text
+    /// writes nothing.
+    ///
+    ///     ZQLog::logSelf_method_logAlways_log(classOf<Store>(), "reload:", true, "50% done");
+    ///     // +[Store reload:] 50% done
     static void logSelf_method_logAlways_log(const LogCaller& self, StringView method, detail::Flag logAlways,
                                              StringView text);
 
@@ -26,6 +39,9 @@ public:
                                                        detail::Flag logAlways, StringView text);
 
     /// Writes the line "caller message".
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logWithFormat(this, "reload:", true, "%d items", count);
+    ///     // -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void
     logSelf_method_logAlways_logWithFormat(const LogCaller& self, StringView method, detail::Flag logAlways,
@@ -43,6 +59,10 @@ public:
                                                                   ArgumentList arguments);
 
     /// Returns the line "caller message", else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringWithFormat(
+    ///         this, "reload:", true, "%d items", count);
+    ///     // "-[(Store *)0x7f01 reload:] 3 items", or nil if the flag is NO
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringWithFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways,
@@ -62,6 +82,10 @@ public:
                                                                             ArgumentList arguments);
 
     /// Writes the line "key: caller message" while the trace key is on.
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(
+    ///         this, "reload:", true, "TraceNetwork", "%d items", count);
+    ///     // TraceNetwork: -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
@@ -79,6 +103,10 @@ public:
                                                                    StringView format, ArgumentList arguments);
 
     /// Returns the line "key: caller message" while the trace key is on, else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringForTraceKey_usingFormat(
+    ///         this, "reload:", true, "TraceNetwork", "%d items", count);
+    ///     // "TraceNetwork: -[(Store *)0x7f01 reload:] 3 items", or nil while the key is off
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
@@ -98,6 +126,10 @@ public:
 
     /// Writes the line "key=value: caller message" while the key's level equals the value (a missing key has
     /// level 0).
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logForTraceKey_value_usingFormat(
+    ///         this, "reload:", true, "TraceLevel", 3, "%d items", count);
+    ///     // TraceLevel=3: -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_value_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
@@ -116,6 +148,10 @@ public:
 
     /// Returns the line "key=value: caller message" while the key's level equals the value (a missing key has
     /// level 0), else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
+    ///         this, "reload:", true, "TraceLevel", 3, "%d items", count);
+    ///     // "TraceLevel=3: -[(Store *)0x7f01 reload:] 3 items", or nil at any other level
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, StringView key, std::int64_t value,
@@ -135,6 +171,10 @@ public:
 
     /// Writes the line "key>=threshold: caller message" while the key's level is at least the threshold (a
     /// missing key has level 0).
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logForTraceKey_threshold_usingFormat(
+    ///         this, "reload:", true, "TraceLevel", 2, "%d items", count);
+    ///     // TraceLevel>=2: -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void logSelf_method_logAlways_logForTraceKey_threshold_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
@@ -154,6 +194,10 @@ public:
 
     /// Returns the line "key>=threshold: caller message" while the key's level is at least the threshold (a
     /// missing key has level 0), else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
+    ///         this, "reload:", true, "TraceLevel", 2, "%d items", count);
+    ///     // "TraceLevel>=2: -[(Store *)0x7f01 reload:] 3 items", or nil at a lower level
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, StringView key,
@@ -173,6 +217,10 @@ public:
         std::int64_t threshold, StringView format, ArgumentList arguments);
 
     /// Writes the line "A/B: caller message" while one of the keys is on (A and B are those that are).
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(
+    ///         this, "reload:", true, NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // TraceNetwork: -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
@@ -191,6 +239,10 @@ public:
 
     /// Returns the line "A/B: caller message" while one of the keys is on (A and B are those that are), else
     /// nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
+    ///         this, "reload:", true, NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // "TraceNetwork: -[(Store *)0x7f01 reload:] 3 items", or nil while both keys are off
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
@@ -209,6 +261,10 @@ public:
         StringView format, ArgumentList arguments);
 
     /// Writes the line "A+B: caller message" while all of the keys are on, of which there must be one.
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logForAllTraceKeysOf_usingFormat(
+    ///         this, "reload:", true, NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // TraceFiles+TraceNetwork: -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAllTraceKeysOf_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
@@ -227,6 +283,10 @@ public:
 
     /// Returns the line "A+B: caller message" while all of the keys are on, of which there must be one, else
     /// nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
+    ///         this, "reload:", true, NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // "TraceFiles+TraceNetwork: -[(Store *)0x7f01 reload:] 3 items"
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways, const NSArray& keys,
@@ -245,6 +305,10 @@ public:
         StringView format, ArgumentList arguments);
 
     /// Writes the line "Trace: caller message" while any trace key is on.
+    ///
+    ///     ZQLog::logSelf_method_logAlways_logForAnyTraceKeyUsingFormat(
+    ///         this, "reload:", true, "%d items", count);
+    ///     // Trace: -[(Store *)0x7f01 reload:] 3 items
     template <class... Arguments>
     static void logSelf_method_logAlways_logForAnyTraceKeyUsingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways,
@@ -263,6 +327,10 @@ public:
                                                                                  ArgumentList arguments);
 
     /// Returns the line "Trace: caller message" while any trace key is on, else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(
+    ///         this, "reload:", true, "%d items", count);
+    ///     // "Trace: -[(Store *)0x7f01 reload:] 3 items", or nil while no trace key is on
     template <class... Arguments>
     static NSString logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(
         const LogCaller& self, StringView method, detail::Flag logAlways,

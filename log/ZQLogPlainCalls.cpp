@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The log operations without a caller, for started argument lists.
+// Each names its condition and calls one of two verbs, which are inlined from LogOperation.h. The two verbs
+// of each condition follow each other, in the order of the header.
 #include "log/ZQLogPlainCalls.h"
 
 #include "log/LogOperation.h"

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The log operations without caller and flag, for started argument lists.
+// Each calls the operation with the flag, so that the two forms of a call cannot differ. The cost is one more
+// call, after the gates that the header has checked.
 #include "log/ZQLogShortCalls.h"
 
 #include "log/ZQLog.h"

@@ -8,22 +8,25 @@
 namespace ZQFoundation {
 
 /// The short log operations of ZQLog, without caller and flag: each is the operation with `logAlways_` before
-/// its name and the flag YES. Call them as `ZQLog::...`.
+/// its name and the flag YES. Call them as `ZQLog::...`. Conditions, labels, threads and lists of arguments
+/// are described at ZQLogPlainCalls.
 class ZQFOUNDATION_EXPORT ZQLogShortCalls {
 public:
-    /// Writes the text as one line; nil writes nothing.
+    /// Writes the text as one line, not used as a format: "50%" stays "50%". Nil writes nothing.
     static void log(StringView text);
 
-    /// The text passed in.
+    /// Returns the text passed in, without a copy; nil for nil. Writes nothing.
     static NSString logString(const NSString& text);
 
-    /// A string of the text passed in.
+    /// Returns a new string of the text passed in; nil for a null pointer. Writes nothing.
     template <detail::PlainText T>
     static NSString logString(const T& text) {
         return detail::returnedText(text);
     }
 
     /// Writes the line "message".
+    ///
+    ///     ZQLog::logWithFormat("%d items", count);  // 3 items
     template <class... Arguments>
     static void logWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                               const Arguments&... arguments) {
@@ -33,6 +36,9 @@ public:
     static void logWithFormatv_arguments(StringView format, ArgumentList arguments);
 
     /// Returns the line "message", else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringWithFormat("%d items", count);
+    ///     // "3 items"
     template <class... Arguments>
     static NSString logStringWithFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                         const Arguments&... arguments) {
@@ -42,6 +48,9 @@ public:
     static NSString logStringWithFormatv_arguments(StringView format, ArgumentList arguments);
 
     /// Writes the line "key: message" while the trace key is on.
+    ///
+    ///     ZQLog::logForTraceKey_usingFormat("TraceNetwork", "%d items", count);
+    ///     // TraceNetwork: 3 items
     template <class... Arguments>
     static void logForTraceKey_usingFormat(StringView key,
                                            FormatString<std::type_identity_t<Arguments>...> format,
@@ -53,6 +62,9 @@ public:
                                                       ArgumentList arguments);
 
     /// Returns the line "key: message" while the trace key is on, else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringForTraceKey_usingFormat("TraceNetwork", "%d items", count);
+    ///     // "TraceNetwork: 3 items", or nil while the key is off
     template <class... Arguments>
     static NSString logStringForTraceKey_usingFormat(StringView key,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
@@ -67,6 +79,9 @@ public:
 
     /// Writes the line "key=value: message" while the key's level equals the value (a missing key has level
     /// 0).
+    ///
+    ///     ZQLog::logForTraceKey_value_usingFormat("TraceLevel", 3, "%d items", count);
+    ///     // TraceLevel=3: 3 items
     template <class... Arguments>
     static void logForTraceKey_value_usingFormat(StringView key, std::int64_t value,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
@@ -81,6 +96,9 @@ public:
 
     /// Returns the line "key=value: message" while the key's level equals the value (a missing key has level
     /// 0), else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringForTraceKey_value_usingFormat("TraceLevel", 3, "%d items", count);
+    ///     // "TraceLevel=3: 3 items", or nil at any other level
     template <class... Arguments>
     static NSString
     logStringForTraceKey_value_usingFormat(StringView key, std::int64_t value,
@@ -97,6 +115,9 @@ public:
 
     /// Writes the line "key>=threshold: message" while the key's level is at least the threshold (a missing
     /// key has level 0).
+    ///
+    ///     ZQLog::logForTraceKey_threshold_usingFormat("TraceLevel", 2, "%d items", count);
+    ///     // TraceLevel>=2: 3 items
     template <class... Arguments>
     static void logForTraceKey_threshold_usingFormat(StringView key, std::int64_t threshold,
                                                      FormatString<std::type_identity_t<Arguments>...> format,
@@ -111,6 +132,10 @@ public:
 
     /// Returns the line "key>=threshold: message" while the key's level is at least the threshold (a missing
     /// key has level 0), else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringForTraceKey_threshold_usingFormat(
+    ///         "TraceLevel", 2, "%d items", count);
+    ///     // "TraceLevel>=2: 3 items", or nil at a lower level
     template <class... Arguments>
     static NSString
     logStringForTraceKey_threshold_usingFormat(StringView key, std::int64_t threshold,
@@ -127,6 +152,9 @@ public:
                                                                           ArgumentList arguments);
 
     /// Writes the line "A/B: message" while one of the keys is on (A and B are those that are).
+    ///
+    ///     ZQLog::logForAnyTraceKeyOf_usingFormat(NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // TraceNetwork: 3 items
     template <class... Arguments>
     static void logForAnyTraceKeyOf_usingFormat(const NSArray& keys,
                                                 FormatString<std::type_identity_t<Arguments>...> format,
@@ -141,6 +169,10 @@ public:
 
     /// Returns the line "A/B: message" while one of the keys is on (A and B are those that are), else nil;
     /// writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringForAnyTraceKeyOf_usingFormat(
+    ///         NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // "TraceNetwork: 3 items", or nil while both keys are off
     template <class... Arguments>
     static NSString
     logStringForAnyTraceKeyOf_usingFormat(const NSArray& keys,
@@ -155,6 +187,9 @@ public:
                                                                      ArgumentList arguments);
 
     /// Writes the line "A+B: message" while all of the keys are on, of which there must be one.
+    ///
+    ///     ZQLog::logForAllTraceKeysOf_usingFormat(NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // TraceFiles+TraceNetwork: 3 items
     template <class... Arguments>
     static void logForAllTraceKeysOf_usingFormat(const NSArray& keys,
                                                  FormatString<std::type_identity_t<Arguments>...> format,
@@ -169,6 +204,10 @@ public:
 
     /// Returns the line "A+B: message" while all of the keys are on, of which there must be one, else nil;
     /// writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringForAllTraceKeysOf_usingFormat(
+    ///         NSArray{"TraceFiles", "TraceNetwork"}, "%d items", count);
+    ///     // "TraceFiles+TraceNetwork: 3 items", or nil while one of the keys is off
     template <class... Arguments>
     static NSString
     logStringForAllTraceKeysOf_usingFormat(const NSArray& keys,
@@ -183,6 +222,8 @@ public:
                                                                       ArgumentList arguments);
 
     /// Writes the line "Trace: message" while any trace key is on.
+    ///
+    ///     ZQLog::logForAnyTraceKeyUsingFormat("%d items", count);  // Trace: 3 items
     template <class... Arguments>
     static void logForAnyTraceKeyUsingFormat(FormatString<std::type_identity_t<Arguments>...> format,
                                              const Arguments&... arguments) {
@@ -192,6 +233,9 @@ public:
     static void logForAnyTraceKeyUsingFormatv_arguments(StringView format, ArgumentList arguments);
 
     /// Returns the line "Trace: message" while any trace key is on, else nil; writes nothing.
+    ///
+    ///     NSString text = ZQLog::logStringForAnyTraceKeyUsingFormat("%d items", count);
+    ///     // "Trace: 3 items", or nil while no trace key is on
     template <class... Arguments>
     static NSString
     logStringForAnyTraceKeyUsingFormat(FormatString<std::type_identity_t<Arguments>...> format,

@@ -16,11 +16,14 @@ struct ZQTraceCondition::Question {
     TraceCondition condition;
     TraceKeySet keysThatAreOn;
 
+    /// Conditions on one key read the text, those on several the list; both are set, so one constructor
+    /// serves all kinds.
     explicit Question(const ZQTraceCondition& asked)
         : condition{asked.kind_, asked.count_ == 1 ? *asked.keys_ : StringView(), asked.level_,
                     TraceKeyList(asked.keys_, asked.count_)} {}
 
-    /// The answer, which is cached unless the keys are read again meanwhile.
+    /// The answer, which is cached unless the keys are read again meanwhile. It is also not cached for an odd
+    /// generation: a thread is in a `Synchronized` scope then, perhaps this one, and may read the keys next.
     bool ask(const ZQTraceCondition& asked) {
         const std::uint64_t before = __atomic_load_n(&detail::traceReadings.generation, __ATOMIC_ACQUIRE);
         const bool answer =
@@ -43,6 +46,8 @@ CallerReference callerOf(const LogCaller* self, StringView function) noexcept {
 
 bool ZQTraceCondition::ask() const { return Question(*this).ask(*this); }
 
+// The header calls this when the condition is not known to fail, so it is asked here whether it holds. The
+// keys that are on come from the same query, not from the cache, which has no room for them.
 void ZQTraceCondition::write(const LogCaller* self, StringView function, StringView format,
                              ArgumentList arguments) const {
     Question question(*this);

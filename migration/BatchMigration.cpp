@@ -22,7 +22,7 @@ constexpr std::uint64_t maxWindowBytes = std::uint64_t{256} << 20;
 /// Max number of destinations that stay open, of the folders from the start to the current one.
 constexpr std::size_t maxOpenDestinations = 16;
 
-/// Whether `folder` is `path` or one of its parents.
+/// Whether `folder` is `path` or one of its parents, by whole components: "sub" is no parent of "subway".
 bool leadsTo(const std::string& folder, const std::string& path) {
     return folder.empty() || path == folder ||
            (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
@@ -31,6 +31,8 @@ bool leadsTo(const std::string& folder, const std::string& path) {
 
 } // namespace
 
+// The source is opened once and then walked by descriptors: a folder that takes its path meanwhile is not
+// migrated.
 bool BatchMigration::openSource() {
     std::string bytes;
     PathHandle handle;
@@ -45,6 +47,7 @@ bool BatchMigration::openSource() {
     return files_.has_value();
 }
 
+// The window is finished at the end however the loop ends: what was copied is not left in two places.
 void BatchMigration::run() {
     if (!openSource()) {
         return;
@@ -65,6 +68,8 @@ void BatchMigration::run() {
     finishWindow();
 }
 
+// Each file is planned as if it were alone. What one file of a run does to another, which may take its name,
+// does not show here.
 void BatchMigration::plan() {
     changesNothing_ = true;
     if (!openSource()) {
@@ -109,6 +114,8 @@ DestinationFolder& BatchMigration::destinationOfItem() {
     return *levels_.back().destination;
 }
 
+// A failed copy is tried once more if descriptors ran out while a window was open: the window holds most of
+// them.
 void BatchMigration::migrateItem() {
     const NSString path = files_->relativePath();
     std::unique_ptr<ItemMigration> migration;
@@ -132,6 +139,8 @@ void BatchMigration::migrateItem() {
     observer_.didMigrate(path, code, migration->destination());
 }
 
+// The copy is not flushed here: the window flushes all of its files at once. `errno` is cleared, so that the
+// caller sees only an error of this copy.
 ZQFileMigrationRetvalType BatchMigration::copyItem(std::unique_ptr<ItemMigration>& migration) {
     errno = 0;
     migration = migrationOfItem();
@@ -151,11 +160,13 @@ ZQFileMigrationRetvalType BatchMigration::copyItem(std::unique_ptr<ItemMigration
                : migration->copy({false, wishes_.policy.overwrite ? &made_ : nullptr, &observer_});
 }
 
+// Whether the item is the source of a file in the window: copied already, and about to be removed.
 bool BatchMigration::isSourcePending(const struct stat& item) const noexcept {
     return std::any_of(window_.begin(), window_.end(),
                        [&](const Pending& each) { return isSameItem(each.migration->copiedItem(), item); });
 }
 
+// Files come folder by folder, so it is enough to count the changes of folder.
 bool BatchMigration::isWindowFull() const noexcept {
     std::size_t folders = 1;
     for (std::size_t index = 1; index < window_.size(); ++index) {
@@ -167,6 +178,8 @@ bool BatchMigration::isWindowFull() const noexcept {
     return window_.size() >= maxWindowFiles || windowBytes_ >= maxWindowBytes || folders > maxWindowFolders;
 }
 
+// First all file systems are flushed, then the first source is removed. In the other order a loss of power
+// could take both: the source, already removed, and the copy, not yet on the disk.
 void BatchMigration::finishWindow() {
     std::vector<std::pair<dev_t, bool>> flushed;
     for (const Pending& each : window_) {

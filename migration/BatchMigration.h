@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the migration of all files of a kind below a folder.
 #ifndef ZQFOUNDATION_MIGRATION_BATCHMIGRATION_H
 #define ZQFOUNDATION_MIGRATION_BATCHMIGRATION_H
 
@@ -43,12 +44,14 @@ public:
 
     BatchMigration(const Wishes& wishes, Observer& observer) : wishes_(wishes), observer_(observer) {}
 
+    /// Migrates the files one after the other; the observer learns of each. Call it once.
     void run();
 
     /// Reports to the observer what `run` would do with each file in the present state. Changes nothing.
     void plan();
 
 private:
+    /// A file of the current window: copied, but not yet removed at the source.
     struct Pending {
         NSString path;
         std::unique_ptr<ItemMigration> migration;

@@ -9,6 +9,8 @@
 
 namespace ZQFoundation::detail {
 
+// A folder that was closed must be the same when it is opened again. Another one in its place is a failure:
+// the plan was made for the first.
 DestinationFolder::State DestinationFolder::find() {
     if (folder_) {
         return State::found;
@@ -38,6 +40,7 @@ DestinationFolder::State DestinationFolder::find() {
     return State::found;
 }
 
+// A path that still begins with "~" names nobody's home, and no folder of that name is made.
 bool DestinationFolder::make() {
     return !path_.hasPrefix("~") &&
            NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(

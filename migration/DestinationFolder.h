@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the folder that items are migrated to.
 #ifndef ZQFOUNDATION_MIGRATION_DESTINATIONFOLDER_H
 #define ZQFOUNDATION_MIGRATION_DESTINATIONFOLDER_H
 
@@ -23,6 +24,7 @@ public:
         found,
         failed, ///< it cannot be opened, or another folder has taken its place
     };
+    /// Finds the folder, or says why it cannot be used. Found once, it is only checked again after `close`.
     State find();
 
     /// Creates it with all missing parent folders, and finds it.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Waits until what a migration has written is on the disk.
 #ifndef ZQFOUNDATION_MIGRATION_FLUSHEDFOLDER_H
 #define ZQFOUNDATION_MIGRATION_FLUSHEDFOLDER_H
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Finds free names for items in a folder.
 #ifndef ZQFOUNDATION_MIGRATION_FREENAME_H
 #define ZQFOUNDATION_MIGRATION_FREENAME_H
 

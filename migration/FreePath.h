@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Tries numbered names until one is free.
 #ifndef ZQFOUNDATION_MIGRATION_FREEPATH_H
 #define ZQFOUNDATION_MIGRATION_FREEPATH_H
 

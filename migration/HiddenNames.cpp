@@ -14,6 +14,7 @@ namespace {
 constexpr std::string_view digits = "0123456789abcdef";
 constexpr std::size_t idLength = 16;
 
+/// How the names of a kind begin: with a period, so that file managers do not show unfinished items.
 struct Mark {
     HiddenKind kind;
     std::string_view text;
@@ -33,12 +34,15 @@ std::string_view markOf(HiddenKind kind) noexcept {
     return {};
 }
 
+/// Lower-case digits only, as `newHiddenName` makes them.
 bool isId(std::string_view text) noexcept {
     return text.size() == idLength && text.find_first_not_of(digits) == std::string_view::npos;
 }
 
 } // namespace
 
+// A name that only begins like one of these is a user's: recovery must not touch it, so ids are checked to
+// the last digit. An item that was set aside has any name after the mark, which is never empty.
 HiddenName parsedHiddenName(const char* name) {
     const std::string_view text(name);
     for (const Mark& mark : marks) {
@@ -53,6 +57,7 @@ HiddenName parsedHiddenName(const char* name) {
     return {};
 }
 
+// The number cannot be predicted, so nobody else in a shared folder can take the name first.
 std::string newHiddenName(HiddenKind kind) {
     std::string name(markOf(kind));
     std::uint64_t number = system::freshRandomNumber();

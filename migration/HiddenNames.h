@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the names of unfinished items.
 #ifndef ZQFOUNDATION_MIGRATION_HIDDENNAMES_H
 #define ZQFOUNDATION_MIGRATION_HIDDENNAMES_H
 

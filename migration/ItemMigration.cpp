@@ -31,6 +31,8 @@ ItemMigration::ItemMigration(const MigratedKind& kind, const MigrationPolicy& po
     : kind_(kind), policy_(policy), source_(source), place_(std::move(place)), wanted_(destination),
       workspace_(NSClassFromString(kind.workspaceClass)) {}
 
+// The first reason in this order is the result: source, parent folder, destination. Without a parent there is
+// nothing to choose yet; `makeParent` plans again.
 const MigrationPlan& ItemMigration::plan(DestinationFolder& parent) {
     plan_ = MigrationPlan{};
     plan_.destination = wanted_;
@@ -44,6 +46,8 @@ const MigrationPlan& ItemMigration::plan(DestinationFolder& parent) {
     return plan_;
 }
 
+// A folder is not asked whether it is readable: what in it cannot be read fails the copy, with nothing left
+// of it.
 ZQFileMigrationRetvalType ItemMigration::testSource() const {
     bool isDirectory = false;
     if (!place_) {
@@ -93,7 +97,8 @@ ZQFileMigrationRetvalType ItemMigration::makeParent(DestinationFolder& parent) {
     return plan_.code;
 }
 
-/// Whether something exists at the destination, and what.
+// Whether something exists at the destination, and what: the link itself and what it refers to, because
+// either may be a source of the same run.
 bool ItemMigration::look() {
     existing_ = {};
     existingItem_ = {};
@@ -141,10 +146,12 @@ ZQFileMigrationRetvalType ItemMigration::testHarm(bool exists) const {
                                                                       : kFileMigrationSuccess;
 }
 
+// No item has the inode 0: it means that nothing was found at the destination.
 bool ItemMigration::isInTheWay(const struct stat& item) const noexcept {
     return existing_.st_ino != 0 && (isSameItem(existing_, item) || isSameItem(existingItem_, item));
 }
 
+// The folder of the wanted destination, which is also that of a copy with another name.
 void ItemMigration::announceCopy() const {
     announceFileSystemChange(workspace_, wanted_.stringByDeletingLastPathComponent());
 }

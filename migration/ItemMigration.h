@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the migration of one file or folder, step by step.
 #ifndef ZQFOUNDATION_MIGRATION_ITEMMIGRATION_H
 #define ZQFOUNDATION_MIGRATION_ITEMMIGRATION_H
 
@@ -18,8 +19,8 @@ namespace ZQFoundation::detail {
 /// The differences between files and folders.
 struct MigratedKind {
     bool isFolder;
-    const char* workspaceClass;
-    ZQFileMigrationRetvalType exists;
+    const char* workspaceClass;       ///< whose registered object is notified of changed folders
+    ZQFileMigrationRetvalType exists; ///< the codes that depend on the kind
     ZQFileMigrationRetvalType otherKindExists;
     ZQFileMigrationRetvalType overwritingFailed;
     ZQFileMigrationRetvalType writingFailed;
@@ -73,6 +74,7 @@ public:
     /// complete; after a failure nothing remains.
     ZQFileMigrationRetvalType copy(const CopyWishes& wishes);
 
+    /// Notifies the host's workspace object, if there is one, of the changed destination folder.
     void announceCopy() const;
 
     /// Closes the source's descriptor; a file is opened again for its removal.

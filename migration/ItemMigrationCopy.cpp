@@ -18,6 +18,8 @@ namespace {
 /// Others may remove a copy that is not locked yet, so bound the retries.
 constexpr int maxNames = 16;
 
+// By the time of the opening, a pipe or a terminal may have the name: do not wait for the one, nor be
+// controlled by the other. What is created must be new: nobody else's item is ever opened for writing.
 constexpr int oldFileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr int newFileFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
 
@@ -25,6 +27,8 @@ Descriptor duplicateOf(const Descriptor& descriptor) noexcept {
     return Descriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, 0));
 }
 
+/// If the host has closed its standard streams, a new file would get the number of one, and what the host
+/// prints would go into the copy.
 Descriptor openUnnamed(int folder) noexcept {
     const system::StandardStreamsGuard guard(true);
     return Descriptor(system::keepOffStandardStreams(system::openUnnamedFile(folder)));
@@ -42,7 +46,9 @@ public:
         }
     }
 
-    /// Creates an item with `make(name)`, which opens it, and locks it.
+    /// Creates an item with `make(name)`, which opens it, and locks it. Between the two, recovery in another
+    /// process may take it for a leftover and remove it; then the name is no longer that of the item, and
+    /// another one is tried.
     template <class Make>
     Descriptor begin(const Make& make) {
         for (int attempt = 0; attempt < maxNames; ++attempt) {
@@ -61,6 +67,8 @@ public:
         return {};
     }
 
+    /// Never replaces: an item that somebody has created at the destination meanwhile stays, and the copy
+    /// fails.
     bool takeName() {
         if (!system::renameWithoutReplacing(target_.folder(), name_.c_str(), target_.folder(),
                                             target_.name())) {
@@ -79,6 +87,8 @@ private:
 
 } // namespace
 
+// The source is looked at before anything is removed: its state at this moment is what `removeSource`
+// compares with.
 ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
     if (!place_.look(copied_)) {
         return kind_.writingFailed;
@@ -95,6 +105,8 @@ ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
     return kFileMigrationSuccess;
 }
 
+// What was planned may have changed since, so the kind is checked once more: a folder with its contents is
+// never removed for a file.
 bool ItemMigration::removeExisting(const MadeItems* made) {
     struct stat present;
     if (!target_.look(present)) {
@@ -125,6 +137,7 @@ bool ItemMigration::removeExistingFile(const struct stat& present) {
     return aside.take(present) && place_.holds(copied_) && aside.removeFile();
 }
 
+// Checked as a whole before it is set aside: if one item in it cannot be removed, nothing is.
 bool ItemMigration::removeExistingFolder(const struct stat& present) {
     const Descriptor folder(openAt(target_.folder(), target_.name(), folderFlags));
     if (!folder || !lockForWork(folder.number()) || !isTreeRemovable(folder, nullptr)) {
@@ -147,6 +160,8 @@ bool ItemMigration::makeCopy(const CopyWishes& wishes) {
     return S_ISREG(copied_.st_mode) ? copyFile(wishes) : copySpecial();
 }
 
+// The file that was opened must be the one that was looked at, not another that has taken its name. For a
+// move it is opened so that any later change shows.
 bool ItemMigration::copyFile(const CopyWishes& wishes) {
     struct stat opened;
     if (!openForCopy(place_.folder(), place_.name(), !policy_.keepOriginal, opened_, opened)) {
@@ -161,7 +176,9 @@ bool ItemMigration::copyFile(const CopyWishes& wishes) {
     return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), wishes));
 }
 
-/// A file without a name vanishes with the process, so a killed process leaves nothing.
+/// A file without a name vanishes with the process, so a killed process leaves nothing. `impossible` means
+/// that the file system or the system cannot do this, and a hidden name is used instead; a full disk or table
+/// is a failure either way.
 ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& wishes) {
     Descriptor made = openUnnamed(target_.folder());
     if (!made) {
@@ -184,6 +201,8 @@ ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& w
     return Naming::failed;
 }
 
+// The name is taken after the descriptor was closed, because some file systems report only then that a write
+// failed. The duplicate keeps the lock until the copy has its name.
 bool ItemMigration::copyHidden(int source, const CopyWishes& wishes) {
     HiddenCopy hidden(target_);
     Descriptor made = hidden.begin(
@@ -210,6 +229,7 @@ bool ItemMigration::copySpecial() {
     return false;
 }
 
+// A tree is never copied into itself, however the paths are spelled: the copy would find itself and not end.
 bool ItemMigration::copyTree(const CopyWishes& wishes) {
     struct stat opened;
     opened_ = Descriptor(openAt(place_.folder(), place_.name(), folderFlags));
@@ -232,6 +252,8 @@ bool ItemMigration::copyTree(const CopyWishes& wishes) {
            ::fstat(made.number(), &made_) == 0 && hidden.takeName();
 }
 
+// A move records what it copies, item by item and with its state: only what is in the record is removed
+// afterwards.
 bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes) {
     if (!folder || !made) {
         return false;

@@ -11,6 +11,7 @@
 
 namespace ZQFoundation::detail {
 
+// Whatever prevents the removal, the result is the same: source and copy both exist.
 ZQFileMigrationRetvalType ItemMigration::removeSource() {
     const bool isRemoved = S_ISDIR(copied_.st_mode)   ? removeTree()
                            : S_ISREG(copied_.st_mode) ? removeFile()
@@ -65,6 +66,7 @@ bool ItemMigration::removeFile() {
            writers.areThereNone() && target_.holds(made_) && aside.removeFile();
 }
 
+// Pipes, devices and links: no descriptor keeps them, so they are compared by their state alone.
 bool ItemMigration::removeSpecial() {
     struct stat now;
     if (!place_.look(now) || !isUnchanged(copied_, now, true)) {

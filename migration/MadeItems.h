@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Remembers which items a run has created.
 #ifndef ZQFOUNDATION_MIGRATION_MADEITEMS_H
 #define ZQFOUNDATION_MIGRATION_MADEITEMS_H
 
@@ -10,7 +11,8 @@
 
 namespace ZQFoundation::detail {
 
-/// The items that one run has created, by device and inode.
+/// The items that one run has created, by device and inode. A batch that overwrites must not replace its own
+/// copies: two sources may have one destination.
 class MadeItems {
 public:
     void add(const struct stat& item) { items_.insert({item.st_dev, item.st_ino}); }

@@ -9,6 +9,7 @@
 
 namespace ZQFoundation::detail {
 
+// Recovery comes before the folder is read, so that files that get their names back are migrated too.
 bool MigratedFiles::willRead(int folder) {
     if (recovers_) {
         recoverFolder(folder);
@@ -25,6 +26,7 @@ bool MigratedFiles::nextItem() {
     return false;
 }
 
+// Only the first component of the path decides about a dot, as the path begins with it: "sub/.x" is wanted.
 bool MigratedFiles::isWanted() {
     if (parsedHiddenName(name()).kind != HiddenKind::none) {
         skipDescendents(); // another process works on it
@@ -40,6 +42,7 @@ bool MigratedFiles::getLinkTarget(struct stat& target) const noexcept {
     return (kind() == DT_LNK || kind() == DT_UNKNOWN) && ::fstatat(folder(), name(), &target, 0) == 0;
 }
 
+// A dangling link has no kind of its own; it keeps that of the item before it, which is deliberate.
 bool MigratedFiles::isFile() noexcept {
     struct stat target;
     if (::fstatat(folder(), name(), &target, 0) == 0) {
@@ -48,6 +51,7 @@ bool MigratedFiles::isFile() noexcept {
     return !isDirectory_;
 }
 
+// All files of one folder share a descriptor of it: a window would need too many otherwise.
 bool MigratedFiles::getPlace(ItemPlace& place) {
     if (!shared_ || !isSameItem(sharedInformation_, folderInformation())) {
         Descriptor own(::fcntl(folder(), F_DUPFD_CLOEXEC, 0));

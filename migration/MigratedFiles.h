@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the selection of a batch's files from a tree.
 #ifndef ZQFOUNDATION_MIGRATION_MIGRATEDFILES_H
 #define ZQFOUNDATION_MIGRATION_MIGRATEDFILES_H
 

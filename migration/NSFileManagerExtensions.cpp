@@ -20,6 +20,7 @@ mode_t kindOfItem(StringView path) {
     return detail::getItemInformation(resolved, information) ? information.st_mode & S_IFMT : 0;
 }
 
+/// By components: a slash at the end is a component of its own, so the parent of "/a/b/" is "/a/b".
 NSString parentOf(StringView path) {
     NSMutableArray components(NSString(path).pathComponents());
     if (components.count() != 0) {
@@ -58,6 +59,7 @@ bool NSFileManager::createFileAtPath_contents_fileAttributes_directoryAttributes
     return createFileAtPath_contents_attributes(path, contents, fileAttributes);
 }
 
+// Deliberately from the root folder on: a relative path is made below "/".
 bool NSFileManager::recursivelyCreateDirectoriesInPath(StringView path) {
     NSString running("/");
     for (const NSObject& component : NSString(path).stringByStandardizingPath().pathComponents()) {

@@ -48,6 +48,7 @@ std::uint64_t stateOf(int folder) noexcept {
     return state;
 }
 
+/// By the present state of the folder, which is 0 for a small one: that is always read.
 bool isKnownAsRecovered(int folder) noexcept {
     const std::uint64_t state = stateOf(folder);
     for (const std::atomic<std::uint64_t>& each : recovered) {
@@ -97,6 +98,8 @@ void emptyLongFolder(int folder, const char* name, int opened) {
     ::unlinkat(folder, name, AT_REMOVEDIR);
 }
 
+/// Files first, by one call. An error that says "a folder" leads to the removal of a tree. `makesWritable` is
+/// for copies: they may have the permissions of a source that could not be written.
 void removeTree(int folder, const char* name, bool makesWritable) {
     if (::unlinkat(folder, name, 0) == 0 || (errno != EISDIR && errno != EPERM)) {
         return;
@@ -108,6 +111,8 @@ void removeTree(int folder, const char* name, bool makesWritable) {
     removal.run();
 }
 
+/// What was set aside may be the only copy, so it is restored, never removed. What was given up is no longer
+/// wanted, and of a copy without its name the source still exists.
 void recoverItem(int folder, const char* name, const HiddenName& hidden) {
     Leftover leftover(folder, name);
     if (!leftover.take(hidden.kind == HiddenKind::aside)) {
@@ -133,6 +138,8 @@ void recoverItem(int folder, const char* name, const HiddenName& hidden) {
 
 } // namespace
 
+// In a folder that others may write to, only the user's own items are recovered: the names are known, and
+// somebody could plant one to have a file renamed or removed.
 void recoverFolder(int folder) {
     struct stat information;
     if (isKnownAsRecovered(folder)) {
@@ -160,6 +167,8 @@ void noteRecovered(int folder) noexcept {
     recovered[slot].store(stateOf(folder), std::memory_order_relaxed);
 }
 
+// A shared lock: only recovery takes the lock for itself alone, and so never touches an item that is worked
+// on. Without locks in the file system, the work goes on unprotected.
 bool lockForWork(int item) noexcept {
     return ::flock(item, LOCK_SH | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
 }

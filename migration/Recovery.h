@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the recovery of what killed processes have left.
 #ifndef ZQFOUNDATION_MIGRATION_RECOVERY_H
 #define ZQFOUNDATION_MIGRATION_RECOVERY_H
 

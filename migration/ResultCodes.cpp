@@ -8,12 +8,16 @@ namespace ZQFoundation {
 
 namespace {
 
+/// A code with its name, which is part of its key in the tables of localized texts, and its text without a
+/// table.
 struct CodeDescription {
     std::uint32_t code;
     const char* name;
     const char* english;
 };
 
+/// In the order of the numbers. Names are parts of keys that the tables of all languages have, and the
+/// English texts are what hosts show without a table: a change of either shows to users.
 constexpr CodeDescription descriptions[] = {
     {kFileMigrationSuccess, "kFileMigrationSuccess", "success"},
     {kFileMigrationSourceNotSpecified, "kFileMigrationSourceNotSpecified",
@@ -56,6 +60,7 @@ constexpr CodeDescription descriptions[] = {
      "writing the destination folder failed"},
 };
 
+/// For numbers that are no code, which a host may have stored. It has a key of its own in the tables.
 constexpr CodeDescription unknownCode{0, "default", "unknown error"};
 
 const CodeDescription& descriptionOf(std::uint32_t code) noexcept {
@@ -69,12 +74,14 @@ const CodeDescription& descriptionOf(std::uint32_t code) noexcept {
 
 } // namespace
 
+// From the library's own tables, not the application's: an application need not know the codes.
 NSString ZQFileMigrator::descriptionOfFileMigrationRetvalType(std::uint32_t code) {
     const CodeDescription& description = descriptionOf(code);
     const NSString key = NSString::stringWithFormat("Data migration errors %s", description.name);
     return NSBundle::libraryBundle().localizedStringForKey_value_table(key, description.english, nullptr);
 }
 
+// The empty key is the failure of a whole call, which has no path. It is sorted to the front.
 NSMutableString ZQFileMigrator::descriptionOfFileMigrationErrorsIn(const NSDictionary& results) {
     const NSArray keys =
         results.allKeys().sortedArrayUsingComparator([](const NSObject& left, const NSObject& right) {

@@ -11,6 +11,8 @@
 
 namespace ZQFoundation::detail {
 
+// The attempt to rename is the test for a free name, so nobody can take it in between. Any other error than a
+// taken name ends the search: further numbers would fail too.
 bool showItemBeside(int hiddenFolder, const char* hiddenName, int folder, const std::string& name) {
     bool isShown = false;
     freeName(
@@ -30,12 +32,15 @@ bool showItem(int hiddenFolder, const char* hiddenName, int folder, const std::s
            showItemBeside(hiddenFolder, hiddenName, folder, wanted);
 }
 
+// Whatever failed in between, the item gets its name back.
 SetAside::~SetAside() {
     if (state_ == State::aside) {
         putBack();
     }
 }
 
+// The rename takes whatever has the name at that moment, so the item is compared before it and once more
+// after it.
 bool SetAside::take(const struct stat& item) {
     if (!place_.isEntry()) {
         errno = EINVAL;
@@ -59,12 +64,16 @@ bool SetAside::take(const struct stat& item) {
     return false;
 }
 
+// The hidden name contains the item's own, so that another process can restore it. A long name has no room
+// for the mark.
 bool SetAside::hide() {
     name_ = asideNameOf(place_.name());
     return system::renameWithoutReplacing(place_.folder(), place_.name(), place_.folder(), name_.c_str()) ||
            (errno == ENAMETOOLONG && hideLong());
 }
 
+// The folder is locked before the item is moved into it: an unlocked one would be recovered by another
+// process at once.
 bool SetAside::hideLong() {
     longName_ = newHiddenName(HiddenKind::asideLong);
     name_ = place_.name();
@@ -80,6 +89,7 @@ bool SetAside::hideLong() {
     return false;
 }
 
+// `errno` is the caller's, which reports the error that came first.
 void SetAside::removeLongFolder() noexcept {
     if (!longName_.empty()) {
         const int error = errno;
@@ -102,6 +112,8 @@ bool SetAside::putBack() noexcept {
     return true;
 }
 
+// From this rename on the item is removed by the next recovery if this process is killed: until then it is
+// restored.
 bool SetAside::giveUp() {
     const std::string gone = newHiddenName(HiddenKind::gone);
     if (!system::renameWithoutReplacing(folder(), name(), place_.folder(), gone.c_str())) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Internal: not installed.
+// Declares the step between a complete copy and the removal of its source.
 #ifndef ZQFOUNDATION_MIGRATION_SETASIDE_H
 #define ZQFOUNDATION_MIGRATION_SETASIDE_H
 

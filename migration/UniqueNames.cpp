@@ -9,7 +9,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// "Name 1", "Name1" without an intermediate string.
+/// "Name 1", "Name1" without an intermediate string. No extension: keys and texts have none.
 NSString numberedName(StringView name, StringView intermediateString, std::int64_t counter) {
     return NSString::stringWithFormat("%@%@%ld", name,
                                       intermediateString ? intermediateString : StringView(""), counter);
@@ -23,6 +23,7 @@ NSString ZQFileMigrator::uniquePathForPath_usingIntermediateString(const NSStrin
                                                                  detail::defaultAttempts);
 }
 
+// Links are followed, so a dangling link counts as a free path here, unlike in a migration.
 NSString ZQFileMigrator::uniquePathForPath_usingIntermediateString_maxAttempts(const NSString& path,
                                                                                StringView intermediateString,
                                                                                std::uint64_t maxAttempts) {

@@ -18,7 +18,8 @@ using detail::ItemPlace;
 using detail::MigratedKind;
 using detail::MigrationPolicy;
 
-/// Forwards events to the host's observer, if there is one, and collects the codes of a batch.
+/// Forwards events to the host's observer, if there is one, and collects the codes of a batch. Once the
+/// observer has said stop, it is not asked again.
 class Progress final : public detail::BatchMigration::Observer {
 public:
     explicit Progress(ZQMigrationObserver* observer) noexcept : observer_(observer) {}
@@ -49,12 +50,14 @@ public:
     NSDictionary codes() { return codes_.dictionary(); }
 
 private:
+    /// The count includes the item that is about to begin.
     bool mayBegin(const NSString& path) {
         ++now_.items;
         now_.path = path;
         return ask();
     }
 
+    /// Without an observer nothing ever stops.
     bool ask() {
         isStopped_ = isStopped_ || (observer_ != nullptr && !observer_->migrationMayContinue(now_));
         return !isStopped_;
@@ -66,11 +69,14 @@ private:
     NSMutableDictionary codes_;
 };
 
+/// The flags without `includeDotFiles`, which only the selection of a batch needs.
 MigrationPolicy policyOf(const ZQMigrationOptions& options) noexcept {
     return {options.keepOriginal, options.createDestinationParentFolder, options.overwriteDestination,
             options.renameIfDestinationExists};
 }
 
+/// The order of a move: plan, copy, notify, flush, remove. The copy's data are on the disk before it gets its
+/// name; the flush is for the name, and only after it may the source go.
 ZQFileMigrationRetvalType run(ItemMigration& migration, const MigrationPolicy& policy,
                               DestinationFolder& parent, Progress& progress) {
     migration.plan(parent);
@@ -89,6 +95,9 @@ ZQFileMigrationRetvalType run(ItemMigration& migration, const MigrationPolicy& p
                                                      : kFileMigrationSourceFileCannotBeRemoved;
 }
 
+/// Leftovers of killed processes are recovered first, at the source and at the destination, because one of
+/// them may be the source itself. After a success both folders are known to have none. A nil path is a code
+/// and nothing more: there is no item of which an observer could be notified.
 ZQMigrationResult migrate(const MigratedKind& kind, const NSString& source, const NSString& destination,
                           const ZQMigrationOptions& options, ZQMigrationObserver* observer) {
     if (!source) {
@@ -121,12 +130,14 @@ ZQMigrationResult migrate(const MigratedKind& kind, const NSString& source, cons
     return {code, progress.isStopped() && code != kFileMigrationSuccess, migration.destination()};
 }
 
+/// The result of a batch that did not begin.
 NSDictionary failureOfTheWhole(ZQFileMigrationRetvalType code) {
     return NSDictionary{{"", static_cast<std::uint32_t>(code)}};
 }
 
 } // namespace
 
+// The operations with named options do the work, and those with flags call them: the two always behave alike.
 ZQMigrationResult ZQFileMigrator::migrateFile(const NSString& source, const NSString& destination,
                                               const ZQMigrationOptions& options,
                                               ZQMigrationObserver* observer) {
@@ -139,6 +150,8 @@ ZQMigrationResult ZQFileMigrator::migrateFolder(const NSString& source, const NS
     return migrate(detail::folderKind, source, destination, options, observer);
 }
 
+// A source folder that does not exist has no files, so that the result is empty: not an error for hosts that
+// migrate what may be there.
 ZQBatchMigrationResult ZQFileMigrator::migrateFiles(const NSString& extension, const NSString& source,
                                                     const NSString& destination,
                                                     const ZQMigrationOptions& options,

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the migration of files and folders, its options, results and observer.
 #ifndef ZQFOUNDATION_MIGRATION_ZQFILEMIGRATOR_H
 #define ZQFOUNDATION_MIGRATION_ZQFILEMIGRATOR_H
 
@@ -64,7 +65,8 @@ public:
 
     /// The result of one file, or of one folder as a whole. In a batch that moves, results arrive up to a few
     /// hundred files later, when the copies are on the disk. `destination` is where the copy is or would have
-    /// been, nil if no name was free.
+    /// been, nil if no name was free. Not called for an item before which the migration was stopped, nor for
+    /// a nil source or destination.
     virtual void migrationDidFinish(const NSString& path, ZQFileMigrationRetvalType code,
                                     const NSString& destination) {
         static_cast<void>(path);
@@ -90,8 +92,11 @@ struct ZQBatchMigrationResult {
 /// raise nothing: the code is the only report.
 ///
 ///     const ZQMigrationOptions options{.createDestinationParentFolder = true};
-///     const auto result = ZQFileMigrator::migrateFile("~/.viewer.conf", "~/.config/viewer/settings.conf",
-///     options);
+///     const auto result =
+///         ZQFileMigrator::migrateFile("~/.viewer.conf", "~/.config/viewer/settings.conf", options);
+///     if (result.code != kFileMigrationSuccess) {
+///         ZQLog::log(ZQFileMigrator::descriptionOfFileMigrationRetvalType(result.code));
+///     }
 ///
 /// A move is a copy and then the removal of the source, never a rename. Whatever happens, failures, other
 /// programs, the end of the process or of the computer's power, each file is at its source or complete at its
@@ -158,7 +163,8 @@ public:
         detail::Flag includeDotFiles, detail::Flag keepOriginal, detail::Flag createDestinationParentFolder,
         detail::Flag overwriteDestinationFile, detail::Flag renameIfDestinationFileExists);
 
-    /// The code's description in the user's language.
+    /// The code's description in the user's language, without a period: "the source file cannot be read".
+    /// "unknown error" for a number that is no code. Never nil.
     [[nodiscard]] static NSString descriptionOfFileMigrationRetvalType(std::uint32_t code);
 
     /// "/A/z.log: the source file cannot be read, /b/x.log: ...": every failed item of a result, sorted by

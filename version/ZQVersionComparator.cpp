@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The order of version strings, token by token.
+// The order of version strings, token by token. The comparison is written once, as templates over two views
+// of a text: bytes, for the versions that nearly all are, and units for the rest.
 #include "version/ZQVersionComparator.h"
 
 #include <cstdint>
@@ -34,6 +35,7 @@ TokenClass classOfByte(char byte) noexcept {
     return static_cast<signed char>(byte) >= 0 ? TokenClass::other : TokenClass::undecided;
 }
 
+/// Digits of other scripts are digits here, but `leadingNumber` reads no value from them.
 TokenClass classOfUnit(char16_t unit) {
     if (unit < 0x80) {
         return classOfByte(static_cast<char>(unit));
@@ -47,6 +49,7 @@ NSString substring(const AsciiOrUtf16& text, std::size_t start, std::size_t end)
                           : NSString::stringWithCharacters_length(text.units() + start, end - start);
 }
 
+/// Of ASCII, the order of bytes is that of units. A prefix comes first.
 NSComparisonResult compareBytes(const char* left, std::size_t leftCount, const char* right,
                                 std::size_t rightCount) noexcept {
     const int order = std::memcmp(left, right, leftCount < rightCount ? leftCount : rightCount);
@@ -113,7 +116,8 @@ private:
     AsciiOrUtf16 text_;
 };
 
-/// The end of the token that starts at `start` and is of class `tokenClass`.
+/// The end of the token that starts at `start` and is of class `tokenClass`. Periods do not form runs: each
+/// is a token of its own, so "1..2" has an empty component.
 template <class Text>
 std::size_t tokenEnd(const Text& text, std::size_t start, TokenClass tokenClass) {
     std::size_t end = start + 1;
@@ -124,7 +128,8 @@ std::size_t tokenEnd(const Text& text, std::size_t start, TokenClass tokenClass)
 }
 
 /// What `NSString::intValue` reads from a token of digits: the leading ASCII digits, saturating at 32 signed
-/// bits. Moves `position` past them.
+/// bits. Moves `position` past them. Once it is too large, the number no longer grows: no count of digits
+/// overflows it.
 template <class Text>
 std::uint32_t leadingNumber(const Text& text, std::size_t& position) noexcept {
     std::uint64_t number = 0;
@@ -161,6 +166,8 @@ struct Cursor {
     bool isUndecided() const { return !atEnd() && text.classAt(position) == TokenClass::undecided; }
 };
 
+/// The order of two tokens of different classes: other text, then a period, then a number. So "1.0b" is
+/// before "1.0.1", and "1.b" before "1.1".
 NSComparisonResult orderOfClasses(TokenClass left, TokenClass right) noexcept {
     if (left == TokenClass::other || right == TokenClass::other) {
         return left == TokenClass::other ? NSOrderedAscending : NSOrderedDescending;
@@ -168,6 +175,7 @@ NSComparisonResult orderOfClasses(TokenClass left, TokenClass right) noexcept {
     return left == TokenClass::period ? NSOrderedAscending : NSOrderedDescending;
 }
 
+/// Compares two tokens that are neither numbers nor periods, and moves past both.
 template <class Text>
 NSComparisonResult compareOthers(Cursor<Text>& left, Cursor<Text>& right) {
     const std::size_t leftStart = left.position;
@@ -208,7 +216,8 @@ std::size_t sharedTokens(const Text& left, const Text& right) {
     return end;
 }
 
-/// Compares token by token. Returns false if a class is undecided; then `result` is meaningless.
+/// Compares token by token. Returns false if a class is undecided; then `result` is meaningless, and the
+/// caller compares again by units.
 template <class Text>
 bool compareTokens(const Text& leftText, const Text& rightText, NSComparisonResult& result) {
     const std::size_t shared = sharedTokens(leftText, rightText);
@@ -271,6 +280,7 @@ bool hasAt(StringView text, std::size_t index, char character) noexcept {
                             : text.units()[index] == static_cast<char16_t>(character);
 }
 
+/// In any form of text: a period is one byte in UTF-8 and one unit in UTF-16.
 std::size_t periodCount(StringView text) noexcept {
     std::size_t count = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -289,7 +299,8 @@ StringView withoutLastComponents(StringView text, std::size_t count) noexcept {
     return prefix(text, end);
 }
 
-/// A version in which a "+" at the end is replaced by ".0".
+/// A version in which a "+" at the end is replaced by ".0": "3.0+" is "3.0.0", which is after "3.0". Keeps
+/// the text that the view refers to.
 class PlusVersion {
 public:
     explicit PlusVersion(StringView version) : version_(version) {
@@ -327,6 +338,7 @@ int ZQVersionComparator::typeOfCharacter(StringView character) {
                                                                                      : classOfFirst);
 }
 
+// By the functions that compare, so that tokens and order agree.
 NSMutableArray ZQVersionComparator::splitVersionString(StringView version) {
     const UnitText text(version);
     NSMutableArray tokens;
@@ -338,6 +350,8 @@ NSMutableArray ZQVersionComparator::splitVersionString(StringView version) {
     return tokens;
 }
 
+// First as bytes, without an allocation. Only a character beyond ASCII whose class matters makes the second
+// pass necessary, which knows all characters.
 NSComparisonResult ZQVersionComparator::compareVersion_toVersion(StringView version, StringView other) {
     NSComparisonResult result = NSOrderedSame;
     if (holdsBytes(version) && holdsBytes(other) &&

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the order of version strings.
 #ifndef ZQFOUNDATION_VERSION_ZQVERSIONCOMPARATOR_H
 #define ZQFOUNDATION_VERSION_ZQVERSIONCOMPARATOR_H
 

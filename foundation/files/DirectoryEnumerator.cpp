@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The enumerator of all items below a path.
+// Everything is delegated to a walk over open folders; the enumerator adds the conversion of names.
 #include <utility>
 
 #include "foundation/files/NSFileManager.h"
@@ -10,6 +11,7 @@
 namespace ZQFoundation {
 
 NSDirectoryEnumerator& NSDirectoryEnumerator::operator=(NSDirectoryEnumerator&& other) noexcept {
+    // The old walk is destroyed with the other enumerator.
     std::swap(walk_, other.walk_);
     return *this;
 }
@@ -21,6 +23,7 @@ NSDirectoryEnumerator::~NSDirectoryEnumerator() {
 
 NSString NSDirectoryEnumerator::nextObject() {
     const detail::CallerState caller;
+    // After the end, and for a path that cannot be listed, there is no walk, or it has no next item.
     if (walk_ == nullptr || !walk_->next()) {
         return nullptr;
     }
@@ -41,6 +44,7 @@ NSDirectoryEnumerator NSFileManager::enumeratorAtPath(StringView path) const {
         return {};
     }
     // The start itself may be a link.
+    // Links below it are never followed.
     detail::Descriptor start(
         detail::openAt(handle.folder(), handle.name(), detail::folderFlags & ~O_NOFOLLOW));
     return start ? NSDirectoryEnumerator(new detail::TreeWalk(static_cast<detail::Descriptor&&>(start)))

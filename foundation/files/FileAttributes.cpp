@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The attribute dictionaries of files and folders, and what can be applied from one.
+// Applying is best effort: a new file exists whether or not the system allows all that was asked for.
 #include <cerrno>
 #include <cmath>
 #include <vector>
@@ -25,7 +26,9 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// Seconds from 1970 to 2001.
 constexpr std::int64_t referenceInstant = 978307200;
+/// A record longer than that is not one that the system's own tools could use.
 constexpr std::size_t maxAccountRecordBytes = std::size_t{1} << 20;
 
 /// Long enough for the items of one folder, short enough for a renamed account.
@@ -39,6 +42,7 @@ struct KnownName {
 };
 
 // Items of one folder usually belong to the same user, and each look-up reads the whole user database.
+// A race only costs one more look-up.
 constinit Published<KnownName> knownUser;
 constinit Published<KnownName> knownGroup;
 
@@ -54,6 +58,7 @@ bool findRecord(Record& record, std::vector<char>& buffer, const Ask& ask) {
     buffer.resize(1024);
     Record* found = nullptr;
     int error = 0;
+    // The size that the system suggests is only a hint, so the buffer grows until the record fits.
     while ((error = ask(&record, buffer.data(), buffer.size(), &found)) == EINTR ||
            (error == ERANGE && buffer.size() < maxAccountRecordBytes)) {
         if (error == ERANGE) {
@@ -63,6 +68,7 @@ bool findRecord(Record& record, std::vector<char>& buffer, const Ask& ask) {
     return error == 0 && found != nullptr;
 }
 
+// Account names may be any bytes, like file names.
 NSString nameFromBytes(const char* name) {
     return NSString::stringWithFileSystemBytes(name, std::char_traits<char>::length(name));
 }
@@ -89,6 +95,7 @@ NSString groupName(gid_t number) {
 
 template <class Number>
 NSString keptName(Published<KnownName>& known, Number number, NSString (*ask)(Number)) {
+    // A clock that is never set back, so that a name cannot be kept for years by accident.
     timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
     NSString name;
@@ -98,6 +105,7 @@ NSString keptName(Published<KnownName>& known, Number number, NSString (*ask)(Nu
         name = same ? last->name : NSString();
         return same;
     });
+    // Outside the lock: a look-up may take long.
     if (!isKnown) {
         name = ask(number);
         known.replace(new KnownName{number, now.tv_sec, name});
@@ -105,6 +113,7 @@ NSString keptName(Published<KnownName>& known, Number number, NSString (*ask)(Nu
     return name;
 }
 
+// Pipes have no type of their own among the platform's names.
 const char* typeOf(mode_t mode) noexcept {
     switch (mode & S_IFMT) {
     case S_IFREG:
@@ -124,6 +133,7 @@ const char* typeOf(mode_t mode) noexcept {
     }
 }
 
+// A dictionary cannot hold nil: an account without a name has no entry.
 void putUnlessNil(NSMutableDictionary& attributes, const char* key, const NSString& value) {
     if (value) {
         attributes.setObject_forKey(value, key);
@@ -153,6 +163,7 @@ NSDictionary attributesOf(const struct stat& information, const timespec* create
 void applyOwners(int descriptor, const NSDictionary& attributes) noexcept {
     // One at a time: a user may give a file to another group, but not away.
     if (const NSNumber group{attributes.objectForKey(NSFileGroupOwnerAccountID)}) {
+        // The result is ignored on purpose; the negation only satisfies a compiler that insists on its use.
         static_cast<void>(
             !::fchown(descriptor, static_cast<uid_t>(-1), static_cast<gid_t>(group.unsignedIntValue())));
     }
@@ -166,6 +177,7 @@ void applyModificationDate(int descriptor, const NSDate& date) noexcept {
     const double instant = date.timeIntervalSinceReferenceDate();
     const double whole = std::floor(instant);
     // About as many seconds as any file system stores, and far from overflow.
+    // Also false for NaN.
     if (!(std::fabs(whole) < 1e15)) {
         return;
     }
@@ -173,6 +185,7 @@ void applyModificationDate(int descriptor, const NSDate& date) noexcept {
     times[0].tv_nsec = UTIME_OMIT;
     times[1].tv_sec = static_cast<time_t>(static_cast<std::int64_t>(whole) + referenceInstant);
     times[1].tv_nsec = std::lround((instant - whole) * 1e9);
+    // Rounding may give a whole second.
     if (times[1].tv_nsec == 1'000'000'000) {
         times[1].tv_nsec = 0;
         ++times[1].tv_sec;
@@ -189,6 +202,7 @@ NSDate modificationDateOf(const struct stat& information) noexcept {
 bool getPermissions(const NSDictionary& attributes, mode_t& permissions) {
     const NSNumber number(attributes.objectForKey(NSFilePosixPermissions));
     if (number) {
+        // Bits of the kind would be refused or misread by some systems.
         permissions = static_cast<mode_t>(number.unsignedIntValue() & 07777);
     }
     return static_cast<bool>(number);
@@ -219,6 +233,7 @@ NSDictionary NSFileManager::attributesOfItemAtPath_error(StringView path, NSStri
         detail::reportError(errorText, path, errno);
         return nullptr;
     }
+    // Not all file systems store it; without it, the key is missing.
     timespec created{};
     const bool isKnown = detail::system::getCreationTime(handle.folder(), handle.name(), created);
     const NSDictionary attributes = detail::attributesOf(information, isKnown ? &created : nullptr);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // New files, written next to their place and renamed into it.
+// A reader of the path sees the old file or the new one, never a part of one. The folder must be writable,
+// the old file need not be.
 #include <cstdio>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -13,6 +15,8 @@ namespace ZQFoundation {
 
 namespace {
 
+/// A collision of random names is next to impossible, so failing this often means that something else is
+/// wrong.
 constexpr int maxAttempts = 100;
 
 /// A new file under a temporary name next to the one that it is to replace; removed unless it replaces it.
@@ -21,6 +25,7 @@ public:
     explicit ReplacementFile(int folder) noexcept : folder_(folder) {}
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
+    // Nothing remains of a file that was not finished.
     ~ReplacementFile() {
         if (exists_) {
             ::unlinkat(folder_, name_, 0);
@@ -30,6 +35,8 @@ public:
     bool open(mode_t mode) noexcept {
         for (int attempt = 0; attempt < maxAttempts && !file_; ++attempt) {
             chooseName();
+            // O_EXCL and O_NOFOLLOW: whatever others put there under that name is neither opened nor
+            // followed.
             file_ = detail::Descriptor(
                 detail::openAt(folder_, name_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
             if (!file_ && errno != EEXIST) {
@@ -61,6 +68,7 @@ public:
     bool close() noexcept { return ::close(file_.release()) == 0 || errno == EINTR; }
 
     bool replace(const char* name) noexcept {
+        // From here on the name belongs to somebody else.
         exists_ = ::renameat(folder_, name_, folder_, name) != 0;
         return !exists_;
     }
@@ -79,6 +87,7 @@ private:
     static constexpr std::size_t digitCount = 16;
 
     int folder_;
+    // The dot hides the file while it exists; the name tells where it came from if the process is killed.
     char name_[prefixLength + digitCount + 1] = ".new-";
     detail::Descriptor file_;
     bool exists_ = false;
@@ -92,15 +101,18 @@ public:
         const std::size_t slash = path.rfind('/');
         const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
         name_ = path.substr(start);
+        // A path with a slash at its end names a folder, which cannot be replaced by a file.
         if (name_.empty() || name_ == "." || name_ == "..") {
             errno = EISDIR;
             return false;
         }
+        // The slash stays at the end, because the root folder has no other name.
         const std::string folder = start == 0 ? "." : path.substr(0, start);
         detail::PathHandle handle;
         if (!handle.reach(folder)) {
             return false;
         }
+        // Renaming needs the folder only for search and write; reading it may not be allowed.
         folder_ =
             detail::Descriptor(detail::openAt(handle.folder(), handle.name(), detail::system::openForSearch));
         return static_cast<bool>(folder_);
@@ -121,6 +133,7 @@ bool takePermissions(int file, const struct stat& existing) noexcept {
         return false;
     }
     // The set-user-ID and set-group-ID bits are not passed on to a file with another owner or group.
+    // They would give the old owner's rights to contents that somebody else wrote.
     mode_t permissions = existing.st_mode & 07777;
     permissions &= made.st_uid == existing.st_uid ? ~mode_t{0} : ~mode_t{S_ISUID};
     permissions &= made.st_gid == existing.st_gid ? ~mode_t{0} : ~mode_t{S_ISGID};
@@ -133,21 +146,25 @@ bool createFile(const std::string& path, const NSData& contents, const NSDiction
         return false;
     }
     struct stat existing;
+    // A link at the path is replaced, not followed.
     const bool exists = ::fstatat(folder.descriptor(), folder.name(), &existing, AT_SYMLINK_NOFOLLOW) == 0;
     if (exists && S_ISDIR(existing.st_mode)) {
         return false;
     }
+    // A pipe, a link or a device gives its permissions to nobody.
     const bool inherits = exists && S_ISREG(existing.st_mode);
     mode_t permissions = 0;
     const bool givesPermissions = detail::getPermissions(attributes, permissions);
     ReplacementFile file(folder.descriptor());
     // A file that is not to have the default permissions is closed to others until it has its own.
+    // With 0666 the system applies the umask, which it cannot do later.
     if (!file.open(inherits || givesPermissions ? 0600 : 0666)) {
         return false;
     }
     if (!file.write(reinterpret_cast<const char*>(contents.bytes()), contents.length())) {
         return false;
     }
+    // A copy of the old permissions must succeed; attributes that were asked for need not.
     if (inherits && !takePermissions(file.descriptor(), existing)) {
         return false;
     }

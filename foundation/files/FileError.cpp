@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Texts for failed operations on files.
+// Texts are English in every locale, so that logs and reports can be compared and searched.
 #include "foundation/files/FileError.h"
 
 #include <cerrno>
@@ -16,6 +17,7 @@ struct Reason {
 };
 
 // The C library's own texts follow the host's locale.
+// Those that file operations return; any other error is shown by its number.
 constexpr Reason reasons[] = {
     {EPERM, "Operation not permitted"},
     {ENOENT, "No such file or directory"},

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What exists at a path, and what the process may do with it.
+// Queries are answered for one moment: what they say may be out of date when it is used. Operations that
+// depend on it must check again by what they open.
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/files/PathHandle.h"
@@ -9,6 +11,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+// Any path that cannot be converted does not exist.
 bool getInformation(StringView path, struct stat& information, int flags) {
     std::string bytes;
     PathHandle handle;
@@ -40,6 +43,7 @@ bool getTargetInformation(StringView path, struct stat& information) {
 namespace ZQFoundation {
 
 NSFileManager& NSFileManager::defaultManager() noexcept {
+    // Has no state, so one serves all threads.
     static constinit NSFileManager manager;
     return manager;
 }
@@ -54,6 +58,7 @@ bool NSFileManager::fileExistsAtPath_isDirectory(StringView path, bool* isDirect
     if (!detail::getTargetInformation(path, information)) {
         return false;
     }
+    // Only on success, since callers rely on a flag that is left as it was otherwise.
     if (isDirectory != nullptr) {
         *isDirectory = S_ISDIR(information.st_mode);
     }

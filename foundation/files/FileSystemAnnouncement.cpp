@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Notifies the host's workspace class of a changed folder.
+// The host decides whether there is a desktop: without a registered workspace class nothing happens.
 #include "foundation/files/FileSystemAnnouncement.h"
 
 #include "foundation/objects/NSException.h"
@@ -10,6 +11,7 @@ void announceFileSystemChange(const Class& workspaceClass, const NSString& folde
     const Selector shared("sharedWorkspace");
     const Selector note("noteFileSystemChanged:");
     try {
+        // Asked first, because sending an unknown message raises an exception.
         if (!workspaceClass.respondsToSelector(shared)) {
             return;
         }

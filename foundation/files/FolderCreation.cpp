@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Creates folders, with the missing ones above them.
+// Made from the top, one name at a time; what was made before a failure stays.
 #include <vector>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -20,6 +21,7 @@ public:
         // Never more open to others than it will be; the owner must be able to make the next one in it.
         mode_t permissions = 0;
         if (detail::getPermissions(attributes, permissions)) {
+            // The umask still applies to what is made; the final permissions are set at the end.
             mode_ = (permissions & 0777) | 0700;
         }
     }
@@ -29,9 +31,11 @@ public:
 
     /// True when a folder, or a link to one, exists there already. False with `errno`.
     bool makeWithIntermediates() {
+        // Most folders have an existing parent, so the whole path is tried first.
         if (make() || isFolder()) {
             return true;
         }
+        // Only a missing folder above can be helped.
         if (errno != ENOENT) {
             return false;
         }
@@ -42,6 +46,7 @@ public:
             }
             const std::size_t slash = path_.find('/', end);
             end = slash == std::string::npos ? path_.size() : slash;
+            // Somebody else may have made it meanwhile, which is as good.
             if (!makePrefix(end) && !isFolder()) {
                 return false;
             }
@@ -51,6 +56,7 @@ public:
 
     /// The deepest first: permissions may block access to it, and a new folder changes its parent's date.
     void applyAttributes() {
+        // Without attributes the folders need not be opened.
         if (attributes_.count() == 0) {
             return;
         }
@@ -59,6 +65,7 @@ public:
             const std::string folder(path_, 0, made_[index - 1]);
             detail::PathHandle handle;
             if (!handle.reach(folder)) {
+                // Best effort, like every application of attributes.
                 continue;
             }
             const detail::Descriptor open(detail::openAt(handle.folder(), handle.name(), flags));
@@ -69,6 +76,7 @@ public:
     }
 
 private:
+    /// Paths grow, so that the handle of a long path can continue from the folder that it has open.
     bool makePrefix(std::size_t length) {
         prefix_.assign(path_, 0, length);
         handle_.keepOnly(length);
@@ -81,6 +89,7 @@ private:
 
     /// Whether a folder exists where the last one could not be made. Keeps `errno` when not.
     bool isFolder() {
+        // The caller reports why the folder could not be made, not why this look failed.
         const int error = errno;
         struct stat information;
         const bool exists =
@@ -110,6 +119,7 @@ bool NSFileManager::createDirectoryAtPath_withIntermediateDirectories_attributes
     }
     FolderMaker maker(bytes, attributes);
     const bool done = withIntermediateDirectories ? maker.makeWithIntermediates() : maker.make();
+    // Applying attributes changes it.
     const int error = errno;
     maker.applyAttributes();
     if (done) {

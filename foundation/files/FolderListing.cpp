@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The names of the items in a folder.
+// All names are read before any is returned, so that changes meanwhile do no harm.
 #include <cstring>
 
 #include "foundation/files/FileError.h"

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Opens files in folders that others may write to, without following what strangers put there.
+// A path into /tmp is resolved step by step with open folders, because between any check by path and its use
+// others may exchange what the path refers to.
 #include "foundation/files/GuardedOpening.h"
 
 #include <new>
@@ -21,8 +23,10 @@ constexpr int maxAttempts = 64;
 constexpr int appendFlags = O_RDWR | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 
 /// The errors of opening a link with O_NOFOLLOW (and O_DIRECTORY).
+/// Systems differ in which of them they report.
 bool mayMeanLink(int error) noexcept { return error == ELOOP || error == ENOTDIR || error == EMLINK; }
 
+// The owner is compared, too: inodes are reused quickly.
 bool isSameLink(const struct stat& left, const struct stat& right) noexcept {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino && left.st_uid == right.st_uid &&
            S_ISLNK(right.st_mode);
@@ -44,9 +48,12 @@ public:
             return false;
         }
         while (takeName(rest_, position_, name_)) {
+            // The last name is left to the caller, who treats it according to what is there.
             if (position_ == rest_.size()) {
                 return true;
             }
+            // A failure may mean that the name is a link; whether it may be followed is then decided by its
+            // owner.
             if (!enter() && !(mayMeanLink(errno) && follow())) {
                 return false;
             }
@@ -65,16 +72,19 @@ public:
 
 private:
     bool start() noexcept {
+        // A NUL would end the path early for the system.
         if (rest_.empty() || rest_.find('\0') != std::string::npos) {
             errno = rest_.empty() ? ENOENT : EINVAL;
             return false;
         }
+        // The walk continues from here with relative names only.
         const char* const first = rest_[0] == '/' ? "/" : ".";
         folder_ = Descriptor(openAt(AT_FDCWD, first, system::openForSearch));
         return static_cast<bool>(folder_);
     }
 
     bool enter() noexcept {
+        // A link in this place fails, rather than being followed by the system.
         Descriptor next(openAt(folder(), name(), system::openForSearch | O_NOFOLLOW));
         if (!next) {
             return false;
@@ -95,6 +105,7 @@ private:
 /// Reads the link between two looks that find the same one, so that the text belongs to the link that was
 /// checked.
 bool GuardedWalk::readJudgedLink(std::string& target) {
+    // Needed for the rule: whether the folder is shared, and who owns it.
     struct stat folderInformation;
     if (::fstat(folder(), &folderInformation) != 0) {
         return false;
@@ -106,6 +117,7 @@ bool GuardedWalk::readJudgedLink(std::string& target) {
             return false;
         }
         if (!S_ISLNK(before.st_mode)) {
+            // The item changed since it was found to be a link, or never was one.
             errno = ENOTDIR;
             return false;
         }
@@ -114,6 +126,7 @@ bool GuardedWalk::readJudgedLink(std::string& target) {
             return false;
         }
         const LinkResult result = readLink(folder(), name(), target);
+        // Otherwise it was replaced between the looks; the new one is checked from the beginning.
         if (result == LinkResult::link && getInformation(folder(), name(), after) &&
             isSameLink(before, after)) {
             return true;
@@ -128,12 +141,14 @@ bool GuardedWalk::follow() {
     if (!readJudgedLink(target)) {
         return false;
     }
+    // Counted over the whole path, so that loops end.
     if (++links_ > maxLinks) {
         errno = ELOOP;
         return false;
     }
     rest_ = target + rest_.substr(position_); // which is empty or begins with a slash
     position_ = 0;
+    // An absolute target starts again from the root.
     return target[0] != '/' || start();
 }
 
@@ -151,6 +166,7 @@ int openLast(const GuardedWalk& walk) noexcept {
             errno = EACCES;
             return -1;
         }
+        // Opened before it is checked, and checked by its descriptor: the item checked is the item opened.
         Descriptor file(openAt(walk.folder(), walk.name(), appendFlags | O_NOFOLLOW));
         if (file) {
             if (::fstat(file.number(), &item) != 0) {
@@ -162,9 +178,11 @@ int openLast(const GuardedWalk& walk) noexcept {
             }
             return file.release();
         }
+        // Missing: it is made, unless somebody else makes it first, and then that one is opened and checked.
         if (errno != ENOENT) {
             return -1;
         }
+        // In a shared folder nobody else needs to read it.
         const mode_t mode = isSharedFolder(folder) ? 0600 : 0666;
         const int made = openAt(walk.folder(), walk.name(), appendFlags | O_CREAT | O_EXCL, mode);
         if (made >= 0 || errno != EEXIST) {
@@ -181,9 +199,11 @@ int openAtEndOf(GuardedWalk& walk) {
             return -1;
         }
         const int file = openLast(walk);
+        // A link is not opened by these flags; any other failure is final.
         if (file >= 0 || !mayMeanLink(errno)) {
             return file;
         }
+        // Such a link refers to an open object, and its text names no file. The kernel opens that object.
         if (system::holdsObjectLinks(walk.folder())) {
             return openAt(walk.folder(), walk.name(), appendFlags);
         }
@@ -195,6 +215,7 @@ int openAtEndOf(GuardedWalk& walk) {
 
 /// The descriptor is as a plain opening would have left it.
 void clearNonBlocking(int file) noexcept {
+    // Flags are read first, because setting them replaces all of them.
     const int flags = ::fcntl(file, F_GETFL);
     if (flags >= 0) {
         ::fcntl(file, F_SETFL, flags & ~O_NONBLOCK);
@@ -232,6 +253,7 @@ bool reachGuarded(const std::string& path, GuardedPlace& place) {
 }
 
 int openForAppendingGuarded(const std::string& path) noexcept {
+    // Called by the log, whose functions do not throw.
     try {
         GuardedWalk walk(path);
         const int file = openAtEndOf(walk);
@@ -250,6 +272,8 @@ bool mayAppendGuarded(const std::string& path) noexcept {
         GuardedPlace place;
         struct stat folder;
         struct stat item;
+        // The guarded opening would still fail for missing permissions; that is for the attempt itself to
+        // show.
         return reachGuarded(path, place) && ::fstat(place.folder.number(), &folder) == 0 &&
                getInformation(place.folder.number(), place.name.c_str(), item) &&
                (place.isObjectLink || mayWriteItem(item, folder));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Home folders, from the environment and the user database.
+// The environment comes first, as everywhere on this system; a set-user-ID program cannot trust it.
 #include "foundation/files/HomeFolder.h"
 
 #include <cerrno>
@@ -25,6 +26,7 @@ struct AccountHome {
 // The user database is queried once: it may be slow, and a forked child should not have to query it at all.
 constinit Published<AccountHome> accountHome;
 
+// A relative home would depend on the current folder.
 bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == '/'; }
 
 /// `ask(record, buffer, size, found)` is one of the two look-ups of the user database.
@@ -46,14 +48,17 @@ std::string homeFromDatabase(const Ask& ask) {
 } // namespace
 
 std::string homeFolder() {
+    // Read each time, because hosts and tests change it.
     const char* const home = system::environmentVariable("HOME");
     if (isAbsolute(home)) {
         return home;
     }
+    // The effective user, whose files the process makes.
     const uid_t account = ::geteuid();
     std::string folder = accountHome.read([&](const AccountHome* known) {
         return known != nullptr && known->account == account ? known->folder : std::string();
     });
+    // Outside the lock, since the look-up may take long. An empty result is asked for again.
     if (folder.empty()) {
         folder = homeFromDatabase([=](passwd* record, char* buffer, std::size_t size, passwd** found) {
             return ::getpwuid_r(account, record, buffer, size, found);

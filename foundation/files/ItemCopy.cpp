@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copies of single files, links and special items, and what makes a copy complete.
+// The order of steps keeps a copy closed until it is complete, and never lets it be more open than its
+// source.
 #include "foundation/files/ItemCopy.h"
 
 #include <string>
@@ -16,6 +18,7 @@ namespace {
 
 constexpr mode_t kindBits = S_IFMT;
 
+// Permissions only mean the same with the same owner and group.
 bool isOwnerKept(const struct stat& source, const struct stat& made) noexcept {
     return made.st_uid == source.st_uid && made.st_gid == source.st_gid;
 }
@@ -34,6 +37,7 @@ mode_t permissionsFor(const struct stat& made, const struct stat& source) noexce
 
 /// Sets the owner and group where that is allowed, or the group alone, of open and of held items, by
 /// `owner(user, group)` and `look(information)`. False when the item cannot be looked at.
+/// Asked for again afterwards, because what the system allowed is what counts for permissions.
 template <class SetOwner, class Look>
 bool takeOwner(const struct stat& source, struct stat& made, const SetOwner& setOwner, const Look& look) {
     if (!look(made)) {
@@ -42,6 +46,7 @@ bool takeOwner(const struct stat& source, struct stat& made, const SetOwner& set
     if (isOwnerKept(source, made)) {
         return true;
     }
+    // An ordinary user cannot give files away but may choose among own groups.
     if (!setOwner(source.st_uid, source.st_gid)) {
         setOwner(static_cast<uid_t>(-1), source.st_gid);
     }
@@ -60,6 +65,7 @@ bool isStillFile(const struct stat& information) noexcept {
 bool makeLink(const CopyPlace& place) {
     std::string target;
     const LinkResult result = readLink(place.sourceFolder, place.sourceName, target);
+    // The item was a link when it was looked at, so it was exchanged.
     if (result == LinkResult::other) {
         errno = ESTALE;
     }
@@ -75,6 +81,7 @@ bool makeSpecialItem(const struct stat& information, const CopyPlace& place) {
     case S_IFSOCK:
     case S_IFCHR:
     case S_IFBLK:
+        // A new item of the same kind: what is inside a pipe or device is not copied.
         return system::makeSpecialFile(place.destinationFolder, place.destinationName,
                                        information.st_mode & kindBits, information.st_rdev);
     default:
@@ -84,11 +91,13 @@ bool makeSpecialItem(const struct stat& information, const CopyPlace& place) {
 }
 
 /// Whether the held item is the one that was just made, not one that somebody has put in its place.
+/// A link count of 1 excludes a second name that somebody gave to an item of their own.
 bool isOurs(const struct stat& made, const struct stat& source) noexcept {
     return (made.st_mode & kindBits) == (source.st_mode & kindBits) && made.st_nlink == 1;
 }
 
 /// In a folder that others may write to, another folder may have taken the new one's place.
+/// Anything in it means that it is not the folder just made, which is empty.
 bool isFolderOurs(int folder, int parent) {
     struct stat made;
     struct stat around;
@@ -123,10 +132,12 @@ bool completeCopy(int source, int destination, const struct stat& information) {
         return false;
     }
     // Access lists before permissions, which alone might briefly allow more.
+    // Only when all contents are made: a folder's list for new items would act on them.
     if (!system::copyExtendedAttributes(source, destination)) {
         return false;
     }
     system::copyCreationTime(source, destination);
+    // Last of the contents, since every write and attribute changes the times.
     const timespec times[2] = {accessTime(information), modificationTime(information)};
     return ::fchmod(destination, permissionsFor(made, information)) == 0 &&
            ::futimens(destination, times) == 0;
@@ -137,18 +148,22 @@ bool closeWell(Descriptor& file) noexcept {
     return ::close(file.release()) == 0;
 }
 
+// The information is read from what was opened, so it belongs to the data that follow.
 bool openForCopy(int folder, const char* name, bool isEvidence, Descriptor& file, struct stat& information) {
     // Without O_NONBLOCK a pipe that has just taken the file's place would make us wait.
     file = Descriptor(openAt(folder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file || ::fstat(file.number(), &information) != 0 || !isStillFile(information)) {
         return false;
     }
+    // A change within the same tick of the clock would not show later; after the wait, the facts are read
+    // once more.
     return !isEvidence || !system::mightHideChange(changeTime(information)) ||
            ::fstat(file.number(), &information) == 0;
 }
 
 bool fillCopy(int source, const struct stat& information, int made, bool isForeign,
               system::CopyWatch* watch) {
+    // Inherited lists may allow others more than the permissions do.
     return (!isForeign || system::removeInheritedAccessList(made)) &&
            system::copyFileData(source, made, system::DataMeans::clone, watch) &&
            completeCopy(source, made, information);
@@ -156,6 +171,7 @@ bool fillCopy(int source, const struct stat& information, int made, bool isForei
 
 bool copyRegularFile(int source, const struct stat& information, const CopyPlace& place,
                      system::CopyWatch* watch) {
+    // O_EXCL: neither an existing file nor a link is written to. 0600 until the end.
     Descriptor file(openAt(place.destinationFolder, place.destinationName,
                            O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, 0600));
     return file && fillCopy(source, information, file.number(), place.isForeign, watch) && closeWell(file);
@@ -164,6 +180,7 @@ bool copyRegularFile(int source, const struct stat& information, const CopyPlace
 bool copySpecialItem(const struct stat& information, const CopyPlace& place, struct stat& made) {
     system::HeldItem source;
     system::HeldItem item;
+    // The source is held first, so that it cannot be exchanged between reading and copying its attributes.
     if (!source.hold(place.sourceFolder, place.sourceName) || !hasSpareDescriptor(place.destinationFolder) ||
         !makeSpecialItem(information, place) || !item.hold(place.destinationFolder, place.destinationName) ||
         !item.getInformation(made)) {
@@ -182,6 +199,7 @@ bool copySpecialItem(const struct stat& information, const CopyPlace& place, str
         return false;
     }
     if (!item.takeExtendedAttributes(source) ||
+        // A link's own permissions mean nothing on this kind of system.
         (!S_ISLNK(made.st_mode) && !item.setPermissions(permissionsFor(made, information)))) {
         return false;
     }
@@ -193,6 +211,7 @@ bool makeCopyFolder(const CopyPlace& place, Descriptor& folder) {
         ::mkdirat(place.destinationFolder, place.destinationName, 0700) != 0) {
         return false;
     }
+    // Not following links: somebody may have replaced the folder in between.
     folder = Descriptor(openAt(place.destinationFolder, place.destinationName, folderFlags));
     return folder && (!place.isForeign || (isFolderOurs(folder.number(), place.destinationFolder) &&
                                            system::removeInheritedAccessList(folder.number())));

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Checks whether two paths refer to the same place.
+// Names prove nothing: one place may be reached by many paths. Device and inode decide, and for files with
+// several names the name, too.
 #include "foundation/files/ItemIdentity.h"
 
 #include "foundation/files/FileInformation.h"
@@ -16,6 +18,7 @@ namespace {
 
 bool getParentInformation(const NSString& path, struct stat& information) {
     const NSString parent = path.stringByDeletingLastPathComponent();
+    // A path of one name is in the current folder.
     return getTargetInformation(parent.isEqualToString("") ? NSString(".") : parent, information);
 }
 
@@ -27,8 +30,10 @@ bool isSameEntry(const NSString& left, const NSString& right, const struct stat&
     }
     struct stat leftParent;
     struct stat rightParent;
+    // If the parents cannot be looked at, assume the worse.
     return !getParentInformation(left, leftParent) || !getParentInformation(right, rightParent) ||
            (isSameItem(leftParent, rightParent) &&
+            // Some file systems ignore case in names.
             left.lastPathComponent().caseInsensitiveCompare(right.lastPathComponent()) == NSOrderedSame);
 }
 
@@ -41,6 +46,7 @@ NSString targetOfLink(const NSString& link) {
         return nullptr;
     }
     const NSString text = NSString::stringWithFileSystemBytes(target.data(), target.size());
+    // A relative target starts in the link's folder.
     return text.hasPrefix("/")
                ? text
                : link.stringByDeletingLastPathComponent().stringByAppendingPathComponent(text);
@@ -48,6 +54,7 @@ NSString targetOfLink(const NSString& link) {
 
 /// Whether the item is on the way from the path along its links to their targets.
 bool isMetAlongLinks(const struct stat& item, const NSString& itemPath, NSString path) {
+    // Bounded, since links may form a loop.
     for (int links = 0; path && links <= maxLinks; ++links) {
         struct stat step;
         if (!getItemInformation(path, step)) {
@@ -78,6 +85,7 @@ bool isSpelledWith(const struct stat& item, NSString path) {
 
 /// Whether the folder is the one at the path or above it.
 bool isAtOrAbovePath(const struct stat& folder, const NSString& path) {
+    // By open folders, going up: independent of names.
     std::string bytes;
     const SharedFolder place = getPathBytes(path, bytes) ? openSharedFolder(bytes) : nullptr;
     return place && isAtOrAbove(folder, place->number());
@@ -86,6 +94,7 @@ bool isAtOrAbovePath(const struct stat& folder, const NSString& path) {
 /// The deepest folder of the path that exists, the path itself included.
 NSString existingFront(NSString path) {
     struct stat information;
+    // Missing folders at the end would be made below it.
     while (path && !path.isEqualToString("") && !path.isEqualToString("/")) {
         if (getTargetInformation(path, information) && S_ISDIR(information.st_mode)) {
             return path;
@@ -104,6 +113,8 @@ bool removalWouldHarm(const NSString& destination, const NSString& source) {
         return false;
     }
     const NSString sourceFolder = source.stringByDeletingLastPathComponent();
+    // The source would be lost if it is the same item or found through it, if its path passes through it, or
+    // if it or its folder is inside it.
     return isMetAlongLinks(item, destination, source) || isSpelledWith(item, source) ||
            (S_ISDIR(item.st_mode) &&
             (isAtOrAbovePath(item, source) || isAtOrAbovePath(item, existingFront(sourceFolder))));

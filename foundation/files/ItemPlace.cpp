@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Looks at items by their names in open folders.
+// The name stays a name: the item it refers to may change at any time, the folder cannot.
 #include "foundation/files/ItemPlace.h"
 
 #include "foundation/files/PathHandle.h"
@@ -36,6 +37,7 @@ bool ItemPlace::look(struct stat& information) const noexcept {
     if (::fstatat(folder(), name(), &information, AT_SYMLINK_NOFOLLOW) != 0) {
         return false;
     }
+    // ENOTDIR is what the system would report for such a path.
     if (mustBeFolder_ && !S_ISDIR(information.st_mode)) {
         errno = ENOTDIR;
         return false;
@@ -45,6 +47,7 @@ bool ItemPlace::look(struct stat& information) const noexcept {
 
 bool ItemPlace::exists(bool& isDirectory) const noexcept {
     struct stat information;
+    // Links followed, unlike `look`.
     if (::fstatat(folder(), name(), &information, 0) != 0 ||
         (mustBeFolder_ && !S_ISDIR(information.st_mode))) {
         return false;
@@ -54,6 +57,7 @@ bool ItemPlace::exists(bool& isDirectory) const noexcept {
 }
 
 bool ItemPlace::holds(const struct stat& item) const noexcept {
+    // Another item may have been given the name.
     struct stat present;
     return ::fstatat(folder(), name(), &present, AT_SYMLINK_NOFOLLOW) == 0 && isSameItem(present, item);
 }

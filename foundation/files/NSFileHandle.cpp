@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Open files as objects that raise on failure.
+// Descriptors are close-on-exec, and opening never waits.
 #include "foundation/files/NSFileHandle.h"
 
 #include <algorithm>
@@ -28,6 +29,7 @@ int opened(StringView path, int flags) {
     if (!detail::getPathBytes(path, bytes) || !handle.reach(bytes)) {
         return notOpen;
     }
+    // The descriptor belongs to the handle from here on.
     return detail::openNonBlocking(handle, flags).release();
 }
 
@@ -36,6 +38,7 @@ int opened(StringView path, int flags) {
                               errno);
 }
 
+// A pipe has no position, which raises like any other failure.
 std::uint64_t moveTo(int descriptor, off_t offset, int origin, const char* operation) {
     const off_t reached = ::lseek(descriptor, offset, origin);
     if (reached < 0) {
@@ -55,9 +58,11 @@ off_t systemOffset(std::uint64_t offset, const char* operation) {
 
 /// At most `length` bytes. Allocates memory as bytes arrive, since a caller may ask for more than there are.
 NSData readBytes(int descriptor, std::size_t length, const char* operation) {
+    // Grows by doubling from there, so a huge length allocates nothing by itself.
     constexpr std::size_t firstPiece = 16384;
     std::string bytes;
     std::size_t count = 0;
+    // A short step means the end.
     while (count < length && count == bytes.size()) {
         bytes.resize(std::min(length, std::max(firstPiece, 2 * count)));
         const std::ptrdiff_t step = detail::readWhole(descriptor, bytes.data() + count, bytes.size() - count);
@@ -74,6 +79,7 @@ bool exceedsLimit(int descriptor, off_t size) noexcept {
     rlimit limit{};
     struct stat information;
     return ::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
+           // Only growth raises the signal; shrinking a file that is too large does not.
            static_cast<rlim_t>(size) > limit.rlim_cur && ::fstat(descriptor, &information) == 0 &&
            size > information.st_size;
 }
@@ -103,6 +109,7 @@ NSFileHandle& NSFileHandle::operator=(NSFileHandle&& other) noexcept {
     const State state = other.state_;
     other.descriptor_ = notOpen;
     other.state_ = State::absent;
+    // A handle assigned to itself is absent here, so its file stays open.
     closeFile();
     descriptor_ = descriptor;
     state_ = state;
@@ -128,6 +135,7 @@ NSFileHandle NSFileHandle::fileHandleForUpdatingAtPath(StringView path) {
 
 /// -1 for nil, on which every operation does nothing.
 int NSFileHandle::openDescriptor(const char* operation) const {
+    // A closed handle raises, while a nil one does nothing.
     if (state_ == State::closed) {
         NSException::raise_format(NSFileHandleOperationException, "%s: the file is closed", operation);
     }
@@ -185,6 +193,7 @@ void NSFileHandle::truncateFileAtOffset(std::uint64_t offset) {
         return;
     }
     const off_t end = systemOffset(offset, operation);
+    // In this order: the position must not move when the size could not be changed.
     resize(descriptor, end, operation);
     moveTo(descriptor, end, SEEK_SET, operation);
 }
@@ -204,6 +213,7 @@ void NSFileHandle::synchronizeFile() {
 
 void NSFileHandle::closeFile() {
     if (state_ == State::open) {
+        // Errors of closing are not reported here: `synchronizeFile` is the way to learn them.
         detail::Descriptor(descriptor_).reset();
         descriptor_ = notOpen;
         state_ = State::closed;

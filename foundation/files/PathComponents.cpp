@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Operations on paths as texts: nothing here accesses a file system.
+// Paths are sequences of any units; only "/" and "." have a meaning, so nothing is decoded.
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,7 @@ LastComponent lastComponentOf(const AsciiOrUtf16& path) noexcept {
 /// no extension: without them "..zip" would become the name of a folder.
 std::size_t extensionDot(const AsciiOrUtf16& path, const LastComponent& last) noexcept {
     std::size_t first = last.start;
+    // A leading dot hides a file; it is not the dot of an extension.
     while (first < last.end && path[first] == '.') {
         ++first;
     }
@@ -48,6 +50,7 @@ std::size_t extensionDot(const AsciiOrUtf16& path, const LastComponent& last) no
 }
 
 /// Appends the piece to the builder's text, each run of slashes as one.
+/// `afterSlash` connects pieces: a slash that ends one and a slash that begins the next are one.
 template <class Unit>
 void appendSqueezed(const Unit* units, std::size_t count, bool& afterSlash, TextBuilder& out) {
     std::size_t start = 0;
@@ -86,6 +89,7 @@ public:
     void append(const AsciiOrUtf16& text) { append(text, text.length()); }
 
     /// Appends a separate component, unless it is empty.
+    /// Joined by exactly one slash, whatever the pieces begin or end with.
     void appendComponent(const AsciiOrUtf16& component) {
         if (component.length() == 0) {
             return;
@@ -98,6 +102,7 @@ public:
     }
 
     NSString string() {
+        // The root folder keeps its slash.
         if (afterSlash_ && builder_.length() > 1) {
             builder_.truncate(builder_.length() - 1);
         }
@@ -117,6 +122,7 @@ NSString NSString::lastPathComponent() const {
         return *this;
     }
     const LastComponent last = lastComponentOf(path);
+    // Slashes alone name the root folder.
     return last.end == 0 ? substringToIndex(1) : substringWithRange(last.start, last.end - last.start);
 }
 
@@ -130,6 +136,7 @@ NSString NSString::stringByDeletingLastPathComponent() const {
         return substringToIndex(1);
     }
     SqueezedPath front;
+    // The front ends in a slash, which is dropped at the end.
     front.append(path, last.start);
     return front.string();
 }
@@ -151,6 +158,7 @@ NSArray NSString::pathComponents() const {
     const AsciiOrUtf16 path(view());
     const std::size_t length = path.length();
     NSMutableArray components;
+    // The first slash is a component of its own, and so is the last one.
     if (length != 0 && path[0] == '/') {
         components.addObject("/");
     }
@@ -195,6 +203,7 @@ NSString NSString::stringByDeletingPathExtension() const {
         return *this;
     }
     const LastComponent last = lastComponentOf(path);
+    // Before the dot, so the final slashes go as well.
     return last.end == 0 ? substringToIndex(1) : substringToIndex(extensionDot(path, last));
 }
 
@@ -203,6 +212,7 @@ bool NSString::isAbsolutePath() const {
     if (path.size() == 0) {
         return false;
     }
+    // A tilde counts as absolute because it will be expanded to one.
     const char16_t first = characterAtIndex(0);
     return first == '/' || first == '~';
 }

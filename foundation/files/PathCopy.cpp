@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The file manager's copy of an item from path to path.
+// The source is what is at the path, a link included; nothing at the destination is replaced.
 #include <utility>
 
 #include "foundation/files/FileError.h"
@@ -27,6 +28,7 @@ public:
     bool run() {
         struct stat information;
         failed_ = source_;
+        // What could not be copied is reported by its path: the source's or the destination's.
         if (!from_.open(source_) || !from_.look(information)) {
             return false;
         }
@@ -34,6 +36,8 @@ public:
         if (!openTarget()) {
             return false;
         }
+        // The destination folder belongs to somebody else, so its access list and its other users are taken
+        // into account.
         const CopyPlace place{from_.folder(), from_.name(), to_.folder(), to_.name(), true};
         failed_ = source_;
         if (S_ISDIR(information.st_mode)) {
@@ -59,12 +63,14 @@ private:
             errno = EEXIST;
             return false;
         }
+        // Any other error means that it is unknown what is there.
         return errno == ENOENT;
     }
 
     bool copyFile(const CopyPlace& place) {
         Descriptor file;
         struct stat information;
+        // Opened and examined again: the kind was only looked up by name.
         return detail::openForCopy(place.sourceFolder, place.sourceName, false, file, information) &&
                detail::copyRegularFile(file.number(), information, place);
     }
@@ -75,6 +81,7 @@ private:
         if (!folder || ::fstat(folder.number(), &information) != 0) {
             return false;
         }
+        // A folder inside itself would be copied forever.
         if (detail::isAtOrAbove(information, place.destinationFolder)) {
             errno = EINVAL;
             return false;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Paths of any length as an open folder and a name in it.
+// The system's limit for a path is not a limit for a tree: deep items have longer paths.
 #include "foundation/files/PathHandle.h"
 
 #include <climits>
@@ -23,6 +24,7 @@ bool getPathBytes(StringView path, std::string& bytes) {
     }
     if (path.form() == StringView::Form::ascii) {
         bytes.assign(path.bytes(), path.size());
+        // A NUL would cut the path short.
         if (bytes.find('\0') == std::string::npos) {
             return true;
         }
@@ -47,8 +49,10 @@ bool takeName(const std::string& path, std::size_t& position, std::string& name)
     return true;
 }
 
+// Cuts at the last slash that fits, so that as few folders as possible are opened.
 bool PathHandle::openNextFolder(const std::string& path) noexcept {
     const std::size_t slash = path.rfind('/', offset_ + maxNameBytes - 1);
+    // Without a slash within the limit, a single name is longer than any may be.
     if (slash == std::string::npos || slash < offset_) {
         errno = ENAMETOOLONG;
         return false;
@@ -80,11 +84,13 @@ bool PathHandle::reach(const std::string& path) noexcept {
             return false;
         }
     }
+    // A path that ended in slashes names the folder that is open.
     name_ = offset_ < path.size() ? path.c_str() + offset_ : ".";
     return true;
 }
 
 void PathHandle::keepOnly(std::size_t byteCount) noexcept {
+    // The open folder is below the part that is still valid.
     if (offset_ > byteCount) {
         offset_ = 0;
         folder_.reset();

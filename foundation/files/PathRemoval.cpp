@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The file manager's removal of the item at a path.
+// A link is removed, never what it refers to.
 #include "foundation/files/FileError.h"
 #include "foundation/files/ItemPlace.h"
 #include "foundation/files/NSFileManager.h"
@@ -28,6 +29,7 @@ bool removeItem(const std::string& path, std::string& failed) {
         return ::unlinkat(item.folder(), item.name(), 0) == 0;
     }
     detail::TreeRemoval removal(item.folder(), item.name(), detail::withoutEndSlashes(path));
+    // `run` leaves the reason in `errno`, and reading the path must not change it.
     const bool done = removal.run();
     const int reason = errno;
     failed = removal.path();

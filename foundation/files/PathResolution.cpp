@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Links, "~", "." and ".." in paths resolved.
+// Only names that exist are resolved; what is missing stays as it is written, since it may be made later.
 #include "foundation/files/PathResolution.h"
 
 #include <string_view>
@@ -21,6 +22,7 @@ void LinkResolver::append(const std::string& component) {
 
 /// Only for an absolute path without links, where ".." is the folder above textually, too.
 void LinkResolver::removeLast() {
+    // The root folder is its own parent.
     const std::size_t slash = path_.rfind('/');
     path_.resize(slash == 0 ? 1 : slash);
     handle_.keepOnly(path_.size());
@@ -29,6 +31,7 @@ void LinkResolver::removeLast() {
 bool LinkResolver::mayFollow(const std::string& folderName) const noexcept {
     struct stat link;
     struct stat folder;
+    // The rule for shared folders applies here, too: a link that somebody planted is not followed.
     return ::fstatat(handle_.folder(), handle_.name(), &link, AT_SYMLINK_NOFOLLOW) == 0 &&
            ::fstatat(handle_.folder(), folderName.c_str(), &folder, 0) == 0 && mayFollowLink(link, folder);
 }
@@ -42,6 +45,7 @@ bool LinkResolver::leadsByItsText(const std::string& folderName, const std::stri
     }
     const std::string name = target[0] == '/' ? target : folderName + target;
     if (::fstatat(handle_.folder(), name.c_str(), &byText, 0) != 0) {
+        // Too long to be looked up by its text: then the link's own result counts.
         return errno == ENAMETOOLONG;
     }
     return byLink.st_dev == byText.st_dev && byLink.st_ino == byText.st_ino;
@@ -52,14 +56,17 @@ LinkResolver::Step LinkResolver::follow(const std::string& target, std::size_t l
         return Step::tooLong;
     }
     std::string folderName(handle_.name());
+    // The link's folder, as the handle names it: a relative target starts there.
     folderName.resize(folderName.size() - component_.size());
     if (folderName.empty()) {
         folderName = "./";
     }
     errno = 0;
     if (!leadsByItsText(folderName, target) || !mayFollow(folderName)) {
+        // Dangling links and those of others are kept as they are.
         return errno == ELOOP ? Step::tooLong : Step::stays;
     }
+    // The target takes the link's place, and is itself resolved from there on.
     rest_ = target + rest_.substr(position_); // which is empty or begins with a slash
     position_ = 0;
     path_.resize(lengthOfFolder);
@@ -74,6 +81,7 @@ LinkResolver::Step LinkResolver::look() {
     const std::size_t lengthOfFolder = path_.size();
     append(component_);
     std::string target;
+    // A folder that cannot be opened: the rest is kept.
     if (!handle_.reach(path_)) {
         return Step::stays;
     }
@@ -88,6 +96,7 @@ LinkResolver::Step LinkResolver::look() {
 }
 
 LinkResolver::End LinkResolver::resolve() {
+    // A path that begins with a dot stays relative to it.
     const bool beginsWithDot = rest_ == "." || rest_.starts_with("./");
     if (rest_.starts_with('/')) {
         path_ = "/";
@@ -99,9 +108,11 @@ LinkResolver::End LinkResolver::resolve() {
             continue;
         }
         if (component_ == "..") {
+            // All links before it are resolved, so going up by text is going up in the file system.
             if (path_.starts_with('/')) {
                 removeLast();
             } else {
+                // A relative path may begin above where anything is known.
                 append(component_);
             }
             continue;
@@ -111,6 +122,7 @@ LinkResolver::End LinkResolver::resolve() {
             return End::tooLong;
         }
         if (step == Step::stays) {
+            // Nothing below something missing can be looked up.
             while (takeName(rest_, position_, component_)) {
                 append(component_);
             }
@@ -143,6 +155,7 @@ std::basic_string<Unit> foldedText(std::basic_string_view<Unit> path) {
             const std::size_t last = folded.rfind(static_cast<Unit>('/'));
             folded.resize(last == 0 ? 1 : last);
         } else if (!component.empty() && (!isDot || start == 0)) {
+            // A leading "." is kept, because it may be all of the path.
             if (!folded.empty() && folded.back() != '/') {
                 folded += static_cast<Unit>('/');
             }
@@ -166,6 +179,7 @@ NSString pathFromBytes(const std::string& bytes) {
 }
 
 bool hasParentReference(const std::string& path) noexcept {
+    // ".." must be a whole component.
     for (std::size_t at = path.find("/.."); at != std::string::npos; at = path.find("/..", at + 3)) {
         if (at + 3 == path.size() || path[at + 3] == '/') {
             return true;
@@ -183,6 +197,7 @@ bool exists(const std::string& path) noexcept {
 /// Takes a path whose tilde is already expanded.
 NSString standardized(const NSString& path) {
     std::string bytes;
+    // Without ".." links stay, and nothing has to be looked up.
     if (path.hasPrefix("/") && path.getFileSystemBytes(bytes) && hasParentReference(bytes) && exists(bytes)) {
         LinkResolver resolver(bytes);
         if (resolver.resolve() == LinkResolver::End::whole) {
@@ -193,6 +208,7 @@ NSString standardized(const NSString& path) {
 }
 
 /// Empty when there is no such account or it has no home folder.
+/// A tilde alone means the user of this process.
 std::string homeNamedBy(const NSString& account) {
     std::string name;
     if (account.isEqualToString("")) {
@@ -235,12 +251,14 @@ NSString NSString::stringByExpandingTildeInPath() const {
     const std::size_t slash = detail::indexOfSlash(*this);
     std::string home = detail::homeNamedBy(substringWithRange(1, slash - 1));
     if (home.empty()) {
+        // An unknown account leaves the path unchanged, tilde included.
         return *this;
     }
     while (!home.empty() && home.back() == '/') {
         home.pop_back();
     }
     const NSString path = detail::pathFromBytes(home).stringByAppendingString(substringFromIndex(slash));
+    // A home of "/" gives an empty text, which is the root folder.
     return path.length() == 0 ? NSString("/") : detail::withoutFinalSlashes(path);
 }
 
@@ -260,6 +278,7 @@ NSString NSString::stringByResolvingSymlinksInPath() const {
     const NSString expanded = stringByExpandingTildeInPath();
     std::string bytes;
     if (!expanded.getFileSystemBytes(bytes)) {
+        // A path that the system cannot have is still tidied as a text.
         return detail::foldedPath(expanded);
     }
     detail::LinkResolver resolver(bytes);
@@ -267,8 +286,10 @@ NSString NSString::stringByResolvingSymlinksInPath() const {
     case detail::LinkResolver::End::whole:
         return detail::pathFromBytes(resolver.path());
     case detail::LinkResolver::End::partial:
+        // What could be resolved is combined with the rest, in which ".." is folded as text.
         return detail::foldedPath(detail::pathFromBytes(resolver.path()));
     default:
+        // A loop: the path as given, only standardized.
         return detail::standardized(expanded);
     }
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The last check of a tree that is to be removed.
+// Every reason for which a removal would stop halfway is looked for first, since halfway is the worst place
+// to stop.
 #include "foundation/files/RemovalCheck.h"
 
 #include <utility>
@@ -17,6 +19,7 @@ using system::ItemFacts;
 
 constexpr int fileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
+// So that a reason can be the last operand of a condition.
 bool fails(int error) noexcept {
     errno = error;
     return false;
@@ -36,13 +39,16 @@ public:
         std::size_t count = 0;
         while (next()) {
             ++count;
+            // Asked once for each folder, when its first item is visited.
             if ((isFirstInFolder() && !mayBeEmptied()) || !isFine()) {
                 return false;
             }
         }
+        // What could not be read could not have been copied either.
         if (isIncomplete()) {
             return fails(error_ != 0 ? error_ : EACCES);
         }
+        // Fewer items than recorded means that some are gone.
         return record_ == nullptr || count == record_->count() || fails(ESTALE);
     }
 
@@ -59,6 +65,7 @@ private:
         return error_ == 0;
     }
 
+    /// By the effective user, who would do the removing.
     bool mayBeEmptied() const noexcept { return ::faccessat(folder(), ".", W_OK | X_OK, AT_EACCESS) == 0; }
 
     bool isFine() {
@@ -88,6 +95,8 @@ private:
 
     bool getFileFacts(ItemFacts& facts) {
         const Descriptor file(openAt(folder(), name(), fileFlags));
+        // Opened without following links and without waiting; a process that writes to it now would lose
+        // what it writes.
         return file && (system::WritersHeldOff(file.number()).areThereNone() || fails(ETXTBSY)) &&
                system::getItemFacts(file.number(), "", facts);
     }
@@ -99,6 +108,7 @@ private:
 } // namespace
 
 bool isTreeRemovable(const Descriptor& folder, const CopyRecord* record) {
+    // A second descriptor, because the walk closes its own.
     Descriptor start(::fcntl(folder.number(), F_DUPFD_CLOEXEC, 0));
     return start && TreeCheck(std::move(start), record).run();
 }

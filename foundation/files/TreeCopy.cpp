@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copies of whole trees.
+// Each folder is read completely before it is copied, so that items made meanwhile, such as the copies
+// themselves, are not seen.
 #include "foundation/files/TreeCopy.h"
 
 #include <utility>
@@ -25,6 +27,7 @@ bool TreeCopy::fill(Descriptor source, Descriptor made) {
 
 bool TreeCopy::copyAll() {
     while (!levels_.empty()) {
+        // A folder whose list is at its end is completed and left.
         if (!(levels_.back().names.isAtEnd() ? leave() : copyNext(levels_.back()))) {
             return false;
         }
@@ -35,9 +38,11 @@ bool TreeCopy::copyAll() {
 bool TreeCopy::enter(Descriptor source, const CopyPlace& place) {
     Level level;
     Descriptor made;
+    // In this order: nothing is made unless the source could be read and is not the copy itself.
     if (!read(source, level) || !isOutsideTheCopy(level.information) || !makeCopyFolder(place, made)) {
         return false;
     }
+    // The start itself is not an item of the record.
     if (!levels_.empty()) {
         record(place, level.information);
     }
@@ -51,6 +56,7 @@ bool TreeCopy::read(const Descriptor& source, Level& level) const {
 }
 
 bool TreeCopy::push(Level level, Descriptor source, Descriptor made) {
+    // The first folder made is remembered, to recognize it inside the source.
     if ((levels_.empty() && ::fstat(made.number(), &firstMade_) != 0) || !sources_.push(std::move(source)) ||
         !destinations_.push(std::move(made))) {
         return false;
@@ -78,6 +84,7 @@ bool TreeCopy::copyNext(Level& level) {
     }
     bool isCopied = copyEntry(entry);
     // Too many descriptors are noticed before anything is made.
+    // A folder closed here is opened again on the way back.
     while (!isCopied && isTooManyOpen(errno) && (sources_.closeOne() || destinations_.closeOne())) {
         isCopied = copyEntry(entry);
     }
@@ -85,6 +92,7 @@ bool TreeCopy::copyNext(Level& level) {
 }
 
 bool TreeCopy::copyEntry(const FolderNames::Entry& entry) {
+    // Folders within the copy were made by it: nobody else is expected there.
     const CopyPlace place{sources_.current(), entry.name, destinations_.current(), entry.name, false};
     switch (entry.kind) {
     case DT_REG:
@@ -99,6 +107,7 @@ bool TreeCopy::copyEntry(const FolderNames::Entry& entry) {
 bool TreeCopy::copyFile(const CopyPlace& place) {
     Descriptor file;
     struct stat information;
+    // `openForCopy` reads the information that the record needs.
     return openForCopy(place.sourceFolder, place.sourceName, notes_.record != nullptr, file, information) &&
            copyRegularFile(file.number(), information, place, notes_.observer) && record(place, information);
 }
@@ -135,6 +144,7 @@ bool TreeCopy::record(const CopyPlace& place, const struct stat& information) {
 /// The folder above must be open before the copy gets its permissions, which may not allow access to it.
 bool TreeCopy::leave() {
     path_.resize(levels_.back().pathLength);
+    // Completed last, since every item made in it changed its times.
     if (!sources_.reopenParent() || !destinations_.reopenParent() ||
         !completeCopy(sources_.current(), destinations_.current(), levels_.back().information)) {
         return false;

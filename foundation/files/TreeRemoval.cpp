@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Removal of whole trees.
+// Only items seen in open folders are removed, by name in that folder: an exchanged link or folder cannot
+// lead it elsewhere.
 #include "foundation/files/TreeRemoval.h"
 
 #include <utility>
@@ -14,6 +16,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// How often a folder that others keep filling is read.
+/// After that many, removing is a race that somebody else wins.
 constexpr int maxReadings = 16;
 
 bool isOtherThanFolder(int error) noexcept { return error == ENOTDIR || error == ELOOP || error == EMLINK; }
@@ -36,6 +39,7 @@ bool TreeRemoval::removeNext() {
     const FolderNames::Entry entry = levels_.back().names.next();
     path_.resize(levels_.back().pathLength);
     path_.append("/").append(entry.name);
+    // What is not in the record was never copied, so it stays.
     if (record_ != nullptr && !isRecorded(entry.name)) {
         isSomethingLeft_ = true;
         return true;
@@ -56,6 +60,7 @@ bool TreeRemoval::removeEntry(const FolderNames::Entry& entry) {
             return true;
         }
         // The kind is not always known, and may be out of date.
+        // Systems report EISDIR or EPERM for removing a folder this way.
         if (errno != EISDIR && errno != EPERM) {
             return false;
         }
@@ -73,16 +78,19 @@ bool TreeRemoval::enterOrRemoveEmpty(int folder, const char* name) {
     if (::unlinkat(folder, name, isOther ? 0 : AT_REMOVEDIR) == 0) {
         return true;
     }
+    // Neither entered nor empty: the error of opening is the reason to report.
     errno = isOther ? errno : error;
     return !levels_.empty() && errno == ENOENT;
 }
 
 Descriptor TreeRemoval::openFolder(int folder, const char* name) {
     Descriptor opened(openAt(folder, name, folderFlags));
+    // Folders above are reopened when they are needed.
     while (!opened && (errno == EMFILE || errno == ENFILE) && folders_.closeOne()) {
         opened = Descriptor(openAt(folder, name, folderFlags));
     }
     if (!opened && errno == EACCES && makesWritable_) {
+        // Held while its permissions change, so that no other item that takes the name is changed.
         system::HeldItem held;
         struct stat information;
         if (held.hold(folder, name) && held.getInformation(information) && S_ISDIR(information.st_mode) &&
@@ -94,6 +102,7 @@ Descriptor TreeRemoval::openFolder(int folder, const char* name) {
     return opened;
 }
 
+// Facts are read from the open folder, so they belong to what will be emptied.
 bool TreeRemoval::push(Descriptor opened) {
     system::ItemFacts facts;
     if (!system::getItemFacts(opened.number(), "", facts)) {
@@ -106,6 +115,7 @@ bool TreeRemoval::push(Descriptor opened) {
     if (makesWritable_ && (facts.information.st_mode & S_IRWXU) != S_IRWXU) {
         ::fchmod(opened.number(), S_IRWXU);
     }
+    // With the information from before the removal, which the record contains.
     Level level{facts.information, {}, path_.size(), 1};
     if (!level.names.read(opened.number()) || !folders_.push(std::move(opened))) {
         return false;
@@ -120,12 +130,14 @@ bool TreeRemoval::leave() {
     if (!folders_.reopenParent()) {
         return false;
     }
+    // The top folder is removed by the name it was given.
     const bool isTop = levels_.size() == 1;
     const std::size_t above = isTop ? 0 : levels_[levels_.size() - 2].pathLength + 1;
     const std::string name = isTop ? std::string(name_) : path_.substr(above);
     const int folder = isTop ? folder_ : folders_.parent();
     if (::unlinkat(folder, name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT) {
         const bool holdsSomething = errno == ENOTEMPTY || errno == EEXIST;
+        // Without a record everything is to go, so a folder that is not empty is read again.
         if (!holdsSomething || (record_ == nullptr && !readAgain())) {
             return false;
         }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The walk through a tree, folder by folder.
+// A folder is entered only when the next item is requested, and left when its list is at its end.
 #include "foundation/files/TreeWalk.h"
 
 #include <utility>
@@ -26,12 +27,14 @@ bool TreeWalk::next() {
     entry_ = level.names.next();
     path_.resize(level.pathLength);
     path_.append(level.pathLength == 0 ? "" : "/").append(entry_.name);
+    // Of an unknown kind it is tried: opening fails for anything but a folder.
     mayEnter_ = entry_.kind == DT_DIR || entry_.kind == DT_UNKNOWN;
     return true;
 }
 
 void TreeWalk::enterStart() {
     isStarted_ = true;
+    // The walk needs its own position in the start, and may need it again.
     isIncomplete_ = !enter(Descriptor(::fcntl(start_.number(), F_DUPFD_CLOEXEC, 0)));
 }
 
@@ -45,6 +48,7 @@ bool TreeWalk::enter(Descriptor folder) {
         return false;
     }
     Level level{{}, {}, path_.size()};
+    // Read at once: then the descriptor may be closed while the walk is below.
     if (::fstat(folder.number(), &level.information) != 0 || !level.names.read(folder.number()) ||
         !folders_.push(static_cast<Descriptor&&>(folder))) {
         return false;
@@ -62,12 +66,14 @@ void TreeWalk::enterLast() {
     do {
         isEntered = enter(Descriptor(openAt(folders_.current(), entry_.name, folderFlags)));
     } while (!isEntered && (errno == EMFILE || errno == ENFILE) && folders_.closeOne());
+    // Anything other than a folder does not make the walk incomplete.
     isIncomplete_ =
         isIncomplete_ || (!isEntered && (entry_.kind == DT_DIR || (errno != ENOTDIR && errno != ELOOP)));
 }
 
 /// Goes up to the nearest folder that can still be found.
 void TreeWalk::leave() {
+    // By ".." first, which works even if the folder was renamed.
     bool isOpen = folders_.reopenParent();
     do {
         levels_.pop_back();
@@ -86,6 +92,7 @@ bool TreeWalk::reopenFromStart() {
         const std::string name(path_, begin, levels_[index].pathLength - begin);
         folder = Descriptor(openAt(folder.number(), name.c_str(), folderFlags));
     }
+    // Accepted only if it is the same folder as before.
     return folder && folders_.restore(levels_.size() - 1, static_cast<Descriptor&&>(folder));
 }
 

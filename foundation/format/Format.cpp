@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Runs a format: literal text and conversions in order.
+// The format is read once, and nothing is remembered of it: the result grows while the format is read, and
+// each conversion takes its argument when it is met.
 #include "foundation/format/Format.h"
 
 #include <bit>
@@ -24,9 +26,11 @@ public:
 
     /// Runs a conversion that is only its letter, as most are. Does nothing and returns false when it is
     /// more.
+    /// A template in the class, so that the common conversions need neither a call nor a parsed description.
     template <class Unit>
     bool carryOutPlain(Unit letter) {
         const FormatClass wanted = formatClassOf(static_cast<char16_t>(letter));
+        // Letters come after all flags, digits and the percent sign, which need the parser.
         if (wanted == FormatClass::unknown || letter < Unit{'@'}) {
             return false;
         }
@@ -41,6 +45,8 @@ public:
     bool carryOut(const FormatConversion& found);
 
 private:
+    /// Positions count from 1; 0 means the next argument. A missing argument is null, and each conversion
+    /// knows what that means.
     const Argument* take(int position) noexcept {
         const std::size_t index = position == 0 ? next_++ : static_cast<std::size_t>(position) - 1;
         return index < arguments_.count() ? &arguments_[index] : nullptr;
@@ -63,15 +69,18 @@ private:
 };
 
 void Conversions::setWidth(FormatSpec& spec, const FormatField& field) noexcept {
+    // A negative width from an argument means left-justified, as in C.
     int width = fieldValue(field);
     if (width < 0) {
         spec.flags |= formatLeftJustified;
+        // The lowest integer has no positive counterpart, hence the comparison first.
         width = width < -maxFormatField ? maxFormatField : -width;
     }
     spec.width = width < maxFormatField ? width : maxFormatField;
 }
 
 void Conversions::setPrecision(FormatSpec& spec, const FormatField& field) noexcept {
+    // A negative precision from an argument counts as none.
     const int precision = fieldValue(field);
     spec.hasPrecision = precision >= 0;
     spec.precision = precision >= 0 ? precision : 0;
@@ -97,7 +106,9 @@ bool Conversions::carryOut(const FormatConversion& found) {
     return wanted != FormatClass::unknown;
 }
 
+// Only the classes that a locale affects get it.
 void Conversions::insert(FormatClass wanted, const FormatSpec& spec, const Argument* argument) {
+    // Length modifiers of integers are applied where they are written, since the cut depends on the sign.
     const bool isLong = spec.length == FormatLength::longDouble;
     switch (wanted) {
     case FormatClass::object:
@@ -132,13 +143,14 @@ void appendStretch(TextBuilder& out, const char16_t* text, std::size_t count, bo
     out.appendUnits(text, count);
 }
 
-/// Appends literal text, up to a '%' or the end.
+/// Literal text up to a '%' or the end, and whether all of it is known to be ASCII.
 template <class Unit>
 struct Stretch {
     const Unit* end;
     bool isAscii;
 };
 
+// Formats are rarely held as units, so this loop is kept simple.
 Stretch<char16_t> stretchFrom(const char16_t* at, const char16_t* end) noexcept {
     while (at != end && *at != u'%') {
         ++at;
@@ -146,6 +158,8 @@ Stretch<char16_t> stretchFrom(const char16_t* at, const char16_t* end) noexcept 
     return {at, false};
 }
 
+// Eight bytes at a time: a byte equal to the sign becomes 0, and the subtraction finds the lowest such byte.
+// Whether all is ASCII falls out on the way, and saves the check when the text is appended.
 Stretch<char> stretchFrom(const char* at, const char* end) noexcept {
     constexpr std::uint64_t ones = 0x0101010101010101;
     constexpr std::uint64_t highBits = ones * 0x80;
@@ -154,6 +168,7 @@ Stretch<char> stretchFrom(const char* at, const char* end) noexcept {
         std::uint64_t bytes;
         std::memcpy(&bytes, at, sizeof bytes);
         const std::uint64_t zeros = bytes ^ ones * '%';
+        // Bytes above the lowest match may be wrong by the borrow, which is why only the lowest is used.
         const std::uint64_t found = (zeros - ones) & ~zeros & highBits;
         if (found != 0) {
             if constexpr (std::endian::native == std::endian::little) {
@@ -161,6 +176,7 @@ Stretch<char> stretchFrom(const char* at, const char* end) noexcept {
                 seen |= bytes & ((std::uint64_t{1} << before) - 1);
                 return {at + before / 8, (seen & highBits) == 0};
             }
+            // On other machines the last bytes are looked at one by one.
             break;
         }
         seen |= bytes;
@@ -182,12 +198,14 @@ void appendParsed(TextBuilder& out, const Unit* at, const Unit* end, ArgumentLis
             at = stretch.end;
             continue;
         }
+        // Two units are enough for a plain conversion, which most are.
         if (end - at >= 2 && conversions.carryOutPlain(at[1])) {
             at += 2;
             continue;
         }
         FormatConversion conversion;
         at = readFormatConversion(at + 1, end, conversion);
+        // Nothing is written for a conversion that the text cuts off.
         if (conversion.isCutOff) {
             return;
         }
@@ -212,6 +230,7 @@ void appendFormat(TextBuilder& out, StringView format, ArgumentList arguments, c
 }
 
 NSString formatted(StringView format, ArgumentList arguments, const FormatLocale* locale) {
+    // Only this form raises; appending a nil format does nothing.
     if (!format) {
         throw NSException(NSInvalidArgumentException, "A format must not be nil");
     }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Converts arguments of formats to the type that their conversion takes.
+// No conversion can read memory that is not there: whatever does not fit the conversion becomes 0, null or
+// "(null)".
 #include "foundation/format/FormatArgument.h"
 
 #include <cmath>
@@ -11,6 +13,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Converts toward zero, clamped to the range; NaN is 0. The limits are powers of two and so exact.
+/// Real numbers beyond the signed range still have a meaning for unsigned conversions.
 template <class Real>
 std::uint64_t truncated(Real value, bool asSigned) noexcept {
     constexpr Real twoTo63 = 9223372036854775808.0;
@@ -26,9 +29,11 @@ std::uint64_t truncated(Real value, bool asSigned) noexcept {
     if (asSigned) {
         return static_cast<std::uint64_t>(INT64_MAX);
     }
+    // 2^64 itself is out of the range.
     return value < 2 * twoTo63 ? static_cast<std::uint64_t>(value) : UINT64_MAX;
 }
 
+// Handles that hold no number are 0, as other arguments are.
 std::uint64_t integerOfObject(const NSObject& object, bool asSigned) noexcept {
     switch (Access::kind(object)) {
     case Kind::boolean:
@@ -80,6 +85,7 @@ Real anyRealOf(const Argument* argument) noexcept {
     }
 }
 
+// The address of the text itself, so that equal pointers print alike.
 std::uintptr_t addressOfText(StringView text) noexcept {
     switch (text.form()) {
     case StringView::Form::absent:
@@ -118,6 +124,7 @@ double realOf(const Argument* argument) noexcept { return anyRealOf<double>(argu
 
 long double longRealOf(const Argument* argument) noexcept { return anyRealOf<long double>(argument); }
 
+// For a width or precision: saturated, so that a huge number does not turn into a small or negative one.
 int fieldOf(const Argument* argument) noexcept {
     if (argument == nullptr) {
         return 0;
@@ -146,12 +153,14 @@ std::uintptr_t addressOf(const Argument* argument) noexcept {
     case ArgumentType::converted:
         return reinterpret_cast<std::uintptr_t>(argument->address());
     case ArgumentType::text:
+        // No byte of the text is looked at.
         return addressOfText(argument->textUpTo(0));
     case ArgumentType::object: {
         const Kind kind = Access::kind(argument->object());
         if (kind == Kind::hostObject) {
             return reinterpret_cast<std::uintptr_t>(argument->object().hostObject());
         }
+        // Values that live in their handle have no address.
         return kind >= Kind::string ? reinterpret_cast<std::uintptr_t>(Access::body(argument->object())) : 0;
     }
     default:
@@ -167,6 +176,7 @@ TextOfArgument textOf(const Argument* argument, std::size_t limit) {
     if (argument->type() == ArgumentType::text) {
         result.text = argument->textUpTo(limit);
     } else if (argument->type() == ArgumentType::object) {
+        // The description is kept alive by the result, which the text refers to.
         result.owner = argument->object().description();
         result.text = StringView(result.owner);
     } else if (argument->type() == ArgumentType::converted) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Exact decimal digits of binary floating-point numbers.
+// Digits come from integers only: of 128 bits in nearly all cases, of any length where these do not suffice.
+// Nothing is ever rounded twice.
 #include "foundation/format/FormatDecimal.h"
 
 #include <bit>
@@ -28,12 +30,14 @@ struct PowersOfTen {
 
 constexpr PowersOfTen powersOfTen;
 
+// The language's own function is not defined for this type everywhere.
 int bitWidth(Wide value) noexcept {
     const auto high = static_cast<std::uint64_t>(value >> 64);
     return high != 0 ? 64 + static_cast<int>(std::bit_width(high))
                      : static_cast<int>(std::bit_width(static_cast<std::uint64_t>(value)));
 }
 
+// An odd mantissa keeps the numbers small that the exact way has to multiply.
 BinaryReal withOddMantissa(Wide mantissa, int exponent) noexcept {
     if (mantissa == 0) {
         return {};
@@ -48,6 +52,7 @@ BinaryReal withOddMantissa(Wide mantissa, int exponent) noexcept {
 
 /// The quotient, rounded by the remainder, halves to even. Compares the remainder with its difference from
 /// the divisor, which cannot overflow as twice the remainder could.
+/// The result is below 2^63, so adding 1 cannot overflow.
 std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
     const Wide missing = divisor - remainder;
     const bool up = remainder > missing || (remainder == missing && (quotient & 1) != 0);
@@ -57,6 +62,7 @@ std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
 /// mantissa * 2^exponent * 10^scale, rounded, when all steps fit into 128 bits and the result into 63.
 bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
                    std::uint64_t& result) noexcept {
+    // Larger powers do not fit into 64 bits.
     if (scale > maxPower || scale < -maxPower) {
         return false;
     }
@@ -68,6 +74,7 @@ bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
         divisor = powersOfTen.at[-scale];
     }
     if (exponent >= 0) {
+        // One bit is left free, so that sums and comparisons cannot overflow.
         if (bitWidth(numerator) + exponent > 127) {
             return false;
         }
@@ -88,9 +95,11 @@ bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
 }
 
 /// A large whole number in limbs of nine decimal digits, the lowest first.
+/// Base 10^9, because its digits come out without another conversion.
 class LargeNumber {
 public:
     explicit LargeNumber(const BinaryReal& value) noexcept {
+        // In four pieces of 32 bits, the largest factor that a step takes.
         const std::uint64_t halves[] = {value.high, value.low};
         for (const std::uint64_t half : halves) {
             multiplyAndAdd(std::uint64_t{1} << 32, half >> 32);
@@ -106,6 +115,7 @@ public:
     }
 
     void multiplyByPowerOfFive(int exponent) noexcept {
+        // The largest power of five below 2^32.
         constexpr std::uint64_t fiveToThe13th = 1220703125;
         for (; exponent >= 13; exponent -= 13) {
             multiplyAndAdd(fiveToThe13th, 0);
@@ -119,6 +129,7 @@ public:
     std::size_t write(char* out) const noexcept {
         const char* const start = out;
         for (std::size_t i = count_; i-- > 0;) {
+            // Only the first limb has no leading zeros.
             if (i + 1 == count_) {
                 out = writeUInt64(limbs_[i], out);
                 continue;
@@ -147,6 +158,7 @@ private:
     }
 
     static constexpr std::uint64_t base = 1000000000;
+    // Room for the mantissa's digits and for the longest power that is multiplied in.
     static constexpr std::size_t capacity =
         static_cast<std::size_t>((LDBL_MANT_DIG * 302 + (LDBL_MANT_DIG - LDBL_MIN_EXP) * 700) / 9000 + 4);
     static_assert(capacity * 9 >= LDBL_MAX_10_EXP + 1);
@@ -162,6 +174,8 @@ BinaryReal binaryOf(double value) noexcept {
     const auto bits = std::bit_cast<std::uint64_t>(value);
     const std::uint64_t fraction = bits & ((std::uint64_t{1} << fractionBits) - 1);
     const int biased = static_cast<int>(bits >> fractionBits & 0x7FF);
+    // 1023 for the bias and 52 for the fraction; subnormal numbers have the exponent of the smallest normal
+    // one.
     const int exponent = (biased == 0 ? 1 : biased) - 1075;
     return withOddMantissa(biased == 0 ? fraction : fraction | std::uint64_t{1} << fractionBits, exponent);
 }
@@ -171,6 +185,7 @@ BinaryReal binaryOf(long double value) noexcept {
     long double rest = std::frexp(std::fabs(value), &exponent);
     Wide mantissa = 0;
     while (rest != 0) {
+        // 32 bits at a time: exact for any mantissa, whatever the type's layout.
         rest *= 4294967296.0L;
         const auto part = static_cast<std::uint32_t>(rest);
         rest -= static_cast<long double>(part);
@@ -190,6 +205,7 @@ void DecimalDigits::setExactly(const BinaryReal& value) noexcept {
     if (value.exponent >= 0) {
         number.multiplyByPowerOfTwo(value.exponent);
     } else {
+        // The value times 10^-exponent is a whole number: 2^exponent turns into 5^-exponent.
         number.multiplyByPowerOfFive(-value.exponent);
     }
     count_ = number.write(digits_);
@@ -200,6 +216,7 @@ void DecimalDigits::roundAt(std::ptrdiff_t kept) noexcept {
     if (kept >= static_cast<std::ptrdiff_t>(count_)) {
         return;
     }
+    // Everything is below half of the last place.
     if (kept < 0) {
         count_ = 0;
         return;
@@ -207,6 +224,7 @@ void DecimalDigits::roundAt(std::ptrdiff_t kept) noexcept {
     const auto length = static_cast<std::size_t>(kept);
     bool up = digits_[length] > '5';
     if (digits_[length] == '5') {
+        // Exactly half is only known when all digits after it are zeros; until then it rounds to even.
         up = length != 0 && (digits_[length - 1] - '0') % 2 != 0;
         for (std::size_t i = length + 1; i < count_ && !up; ++i) {
             up = digits_[i] != '0';
@@ -222,6 +240,7 @@ void DecimalDigits::roundAt(std::ptrdiff_t kept) noexcept {
     if (count_ != 0) {
         ++digits_[count_ - 1];
     } else {
+        // All nines: the number becomes a one with a higher point.
         digits_[count_++] = '1';
         ++point_;
     }
@@ -234,6 +253,7 @@ void DecimalDigits::roundToPlaces(const BinaryReal& value, std::size_t places) n
         set(number, scale);
         return;
     }
+    // Values far below the last place, which would take long to expand for nothing.
     if (places < 1000 && value.high == 0 &&
         static_cast<int>(std::bit_width(value.low)) + value.exponent < -4 * static_cast<int>(places) - 1) {
         count_ = 0; // surely less than half of the last place
@@ -249,10 +269,13 @@ void DecimalDigits::roundToDigits(const BinaryReal& value, std::size_t digits) n
         point_ = 1;
         return;
     }
+    // Beyond these exponents a step of 128 bits would overflow.
     if (value.high == 0 && digits <= 18 && value.exponent > -127 && value.exponent < 127) {
         const int bits = static_cast<int>(std::bit_width(value.low)) + value.exponent - 1;
         // The decimal exponent, or one less: log10(2) is a little more than 78912 / 2^18.
         std::ptrdiff_t exponent = (bits * 78912) >> 18;
+        // The estimate may be one too low: then the number has a digit too many, and the next exponent is
+        // right.
         for (int attempt = 0; attempt < 2; ++attempt, ++exponent) {
             const std::ptrdiff_t scale = static_cast<std::ptrdiff_t>(digits) - 1 - exponent;
             std::uint64_t number = 0;

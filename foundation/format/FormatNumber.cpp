@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Integers in all bases, with sign, prefix, padding and grouping.
+// Lengths are counted before anything is written, because padding comes first.
 #include "foundation/format/FormatNumber.h"
 
 #include "foundation/text/NumberText.h"
@@ -23,6 +24,7 @@ struct Groups {
         : first(locale.groupSize),
           others(locale.secondaryGroupSize != 0 ? locale.secondaryGroupSize : locale.groupSize) {}
 
+    // A separator after each full group to the left of the first.
     std::size_t separatorsIn(std::size_t digits) const noexcept {
         return digits <= first ? 0 : (digits - first - 1) / others + 1;
     }
@@ -60,6 +62,7 @@ void FormatNumberWriter::appendGrouped(std::size_t zeros, const char* digits, st
         if (i != 0 && places.separatesBefore(total - i)) {
             appendText(out_, locale_->groupingSeparator);
         }
+        // Zeros that were not computed are written here, so that they are grouped, too.
         out_.appendAscii(i < zeros || i >= zeros + count ? '0' : digits[i - zeros]);
     }
 }
@@ -68,6 +71,7 @@ std::size_t FormatNumberWriter::decimalPointLength() const noexcept {
     return locale_ != nullptr && locale_->decimalSeparator ? unitLength(locale_->decimalSeparator) : 1;
 }
 
+// A locale may have a separator of several units.
 void FormatNumberWriter::appendDecimalPoint() {
     if (locale_ != nullptr && locale_->decimalSeparator) {
         appendText(out_, locale_->decimalSeparator);
@@ -76,6 +80,7 @@ void FormatNumberWriter::appendDecimalPoint() {
     }
 }
 
+// Padding zeros come after the sign or prefix, padding spaces before it.
 void FormatNumberWriter::begin(const char* prefix, std::size_t prefixLength, std::size_t length,
                                bool zeroPads) {
     const std::size_t padding = spec_.paddingFor(prefixLength + length);
@@ -98,6 +103,7 @@ void FormatNumberWriter::begin(const char* prefix, std::size_t prefixLength, std
 
 namespace {
 
+// As C does when it converts: the low bits, with their sign extended if the conversion is signed.
 std::uint64_t cut(std::uint64_t value, FormatLength length, bool isSigned) noexcept {
     switch (length) {
     case FormatLength::bits8:
@@ -138,12 +144,14 @@ struct IntegerText {
 
 void writeDecimal(const FormatSpec& spec, std::uint64_t value, IntegerText& text) noexcept {
     const bool isSigned = spec.letter != 'u';
+    // Cut first: the sign is that of the cut number.
     value = cut(value, spec.length, isSigned);
     const bool isNegative = isSigned && static_cast<std::int64_t>(value) < 0;
     if (isSigned) {
         text.prefixLength = writeSign(spec, isNegative, text.prefix);
     }
     text.digits = text.buffer;
+    // In unsigned arithmetic, so that the lowest number is right.
     const char* const end = writeUInt64(isNegative ? 0 - value : value, text.buffer);
     text.count = static_cast<std::size_t>(end - text.buffer);
     if (value == 0 && spec.hasPrecision) {
@@ -200,6 +208,7 @@ void appendShortInteger(TextBuilder& out, const FormatSpec& spec, const IntegerT
 void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value,
                    const FormatLocale* locale) {
     const bool isDecimal = spec.letter == 'd' || spec.letter == 'i' || spec.letter == 'u';
+    // Most integers have no modifier, and need neither a specification nor lengths.
     if (isDecimal && locale == nullptr && spec.flags == 0 && spec.width == 0 && !spec.hasPrecision) {
         return appendPlainDecimal(out, cut(value, spec.length, spec.letter != 'u'), spec.letter != 'u');
     }
@@ -211,6 +220,7 @@ void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value
     }
     const std::size_t wanted = spec.hasPrecision ? spec.numberPrecision() : 0;
     const std::size_t zeros = wanted > text.count ? wanted - text.count : 0;
+    // Room for any padding of a short number is in the buffer.
     if ((!isDecimal || locale == nullptr) && spec.width <= 32 && wanted <= 32) {
         return appendShortInteger(out, spec, text, zeros);
     }
@@ -221,6 +231,7 @@ void appendInteger(TextBuilder& out, const FormatSpec& spec, std::uint64_t value
     writer.end();
 }
 
+// For numbers that were written without a locale: only the separators are exchanged.
 void appendLocalized(TextBuilder& out, const char* number, std::size_t length, const FormatLocale& locale) {
     const FormatSpec plain;
     FormatNumberWriter writer(out, plain, &locale);

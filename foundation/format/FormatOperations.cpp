@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The operations on strings and exceptions that take a format.
+// The formats themselves are in Format.cpp; these operations differ in where the locale and the result come
+// from.
 #include "foundation/format/Format.h"
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSException.h"
@@ -17,6 +19,7 @@ NSString NSString::initWithFormat_locale_arguments(StringView format, const NSLo
     if (!locale) {
         return detail::formatted(format, arguments);
     }
+    // The texts are kept here, since the customs only refer to them.
     const NSString decimalSeparator = locale.decimalSeparator();
     const NSString groupingSeparator = locale.groupingSeparator();
     detail::FormatLocale customs;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The layout of floating-point numbers: fixed, scientific, general, hexadecimal.
+// Digits are computed first, then laid out in parts, and only then padded and written.
 #include <bit>
 #include <cmath>
 
@@ -37,6 +38,7 @@ struct RealParts {
 void setFraction(RealParts& parts, const DecimalDigits& number, std::size_t from,
                  std::size_t length) noexcept {
     const std::size_t there = number.count() > from ? number.count() - from : 0;
+    // Digits may end before the point or after it; what is missing is counted as zeros.
     parts.fraction = number.digits() + from;
     parts.fractionCount = there < length ? there : length;
     parts.fractionZerosAfter = length - parts.fractionCount;
@@ -46,6 +48,7 @@ void layOutFixed(RealParts& parts, const DecimalDigits& number, std::size_t plac
     const bool isZero = number.count() == 0;
     const std::ptrdiff_t point = isZero ? 0 : number.point();
     if (point > 0) {
+        // Some whole digits may be missing, as in 1e20.
         const auto length = static_cast<std::size_t>(point);
         parts.whole = number.digits();
         parts.wholeCount = length < number.count() ? length : number.count();
@@ -62,6 +65,7 @@ void layOutScientific(RealParts& parts, const DecimalDigits& number, std::size_t
                       bool upperCase) noexcept {
     const bool isZero = number.count() == 0;
     if (!isZero) {
+        // Zero keeps its preset digit.
         parts.whole = number.digits();
     }
     setFraction(parts, number, 1, places);
@@ -85,6 +89,7 @@ void layOutGeneral(RealParts& parts, DecimalDigits& number, std::size_t precisio
         number.dropZeros();
     }
     const auto digits = static_cast<std::ptrdiff_t>(spec.has(formatAlternate) ? precision : number.count());
+    // The rule of C: fixed if the exponent is from -4 to below the precision.
     if (exponent >= -4 && exponent < static_cast<std::ptrdiff_t>(precision)) {
         const std::ptrdiff_t places = digits - 1 - exponent;
         layOutFixed(parts, number, places > 0 ? static_cast<std::size_t>(places) : 0);
@@ -127,6 +132,7 @@ void appendParts(TextBuilder& out, const FormatSpec& spec, bool isNegative, cons
     }
     FormatNumberWriter writer(out, spec, locale);
     // The style with an exponent has one leading digit, which is never grouped.
+    // The widths of all parts decide about the padding, separators included.
     const std::size_t length = writer.groupedLength(parts.wholeCount + parts.wholeZeros) +
                                (parts.hasPoint ? writer.decimalPointLength() : 0) +
                                parts.fractionZerosBefore + parts.fractionCount + parts.fractionZerosAfter +
@@ -176,6 +182,7 @@ bool appendNotFinite(TextBuilder& out, const FormatSpec& spec, Real value) {
     const std::size_t signLength = writeSign(spec, !isNaN && std::signbit(value), sign);
     const char* const text = isUpperCase(spec.letter) ? (isNaN ? "NAN" : "INF") : (isNaN ? "nan" : "inf");
     FormatNumberWriter writer(out, spec, nullptr);
+    // Words are padded with spaces, even where zeros were asked for.
     writer.begin(sign, signLength, 3, false);
     out.appendAscii(text, 3);
     writer.end();
@@ -202,15 +209,18 @@ void appendDecimalReal(TextBuilder& out, const FormatSpec& spec, Real value, con
         break;
     case 'e':
     case 'E':
+        // One digit before the point and the precision after it.
         number.roundToDigits(binary, precision + 1);
         layOutScientific(parts, number, precision, isUpperCase(spec.letter));
         break;
     default:
+        // A precision of 0 counts as 1 in this style.
         const std::size_t digits = precision != 0 ? precision : 1;
         number.roundToDigits(binary, digits);
         layOutGeneral(parts, number, digits, spec);
         break;
     }
+    // A point with nothing after it is written only on request.
     parts.hasPoint = spec.has(formatAlternate) ||
                      parts.fractionZerosBefore + parts.fractionCount + parts.fractionZerosAfter != 0;
     appendParts(out, spec, std::signbit(value), parts, locale);
@@ -229,6 +239,7 @@ struct HexadecimalReal {
 /// The smallest numbers keep the type's lowest exponent and a leading 0, as the C library prints them.
 HexadecimalReal hexadecimalOf(const BinaryReal& value, int mantissaBits, int lowestExponent) noexcept {
     HexadecimalReal result;
+    // Whole hexadecimal digits, so that the leading one takes the bits that are left.
     result.fractionBits = (mantissaBits - 1) & ~3;
     const Wide mantissa = static_cast<Wide>(value.high) << 64 | value.low;
     if (mantissa == 0) {
@@ -237,6 +248,7 @@ HexadecimalReal hexadecimalOf(const BinaryReal& value, int mantissaBits, int low
     const int width = value.high != 0 ? 64 + static_cast<int>(std::bit_width(value.high))
                                       : static_cast<int>(std::bit_width(value.low));
     const int highest = value.exponent + width - 1;
+    // Subnormal numbers are not normalized.
     const int unit = (highest > lowestExponent ? highest : lowestExponent) - (mantissaBits - 1);
     result.mantissa = mantissa << (value.exponent - unit);
     result.exponent = unit + result.fractionBits;
@@ -250,6 +262,7 @@ void roundFraction(HexadecimalReal& value, std::size_t digits) noexcept {
         return;
     }
     const int dropped = value.fractionBits - static_cast<int>(digits) * 4;
+    // The bits that are cut off decide, as with decimal digits.
     const Wide rest = value.mantissa & ((static_cast<Wide>(1) << dropped) - 1);
     const Wide half = static_cast<Wide>(1) << (dropped - 1);
     value.mantissa >>= dropped;
@@ -285,6 +298,7 @@ void appendHexadecimal(TextBuilder& out, const FormatSpec& spec, Real value, int
         return;
     }
     const bool upperCase = isUpperCase(spec.letter);
+    // The digits of this style are exact without a precision.
     HexadecimalReal number = hexadecimalOf(binaryOf(value), mantissaBits, lowestExponent);
     if (spec.hasPrecision) {
         roundFraction(number, spec.numberPrecision());
@@ -292,6 +306,7 @@ void appendHexadecimal(TextBuilder& out, const FormatSpec& spec, Real value, int
         dropZeros(number);
     }
     const char* const digits = upperCase ? "0123456789ABCDEF" : "0123456789abcdef";
+    // All hexadecimal digits of the widest mantissa.
     char text[sizeof(Wide) * 2 + 2];
     std::size_t count = 0;
     for (int shift = number.fractionBits; shift >= 0; shift -= 4) {
@@ -309,6 +324,7 @@ void appendHexadecimal(TextBuilder& out, const FormatSpec& spec, Real value, int
     prefix[prefixCount++] = '0';
     prefix[prefixCount++] = upperCase ? 'X' : 'x';
 
+    // No locale: this style is for programs.
     FormatNumberWriter writer(out, spec, nullptr);
     writer.begin(prefix, prefixCount, count + zeros + (hasPoint ? 1 : 0) + exponentCount, true);
     out.appendAscii(text, 1);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Texts, characters, values and host objects as arguments of formats.
+// Objects are inserted whole; only C texts and characters know widths.
 #include "foundation/format/FormatText.h"
 
 #include "foundation/objects/AsciiOrUtf16.h"
@@ -29,6 +30,7 @@ void appendNumberText(TextBuilder& out, const char* start, const char* end, cons
     }
 }
 
+// Strings and numbers are written directly: they are what nearly every format inserts.
 void appendHandle(TextBuilder& out, const NSObject& object, const FormatLocale* locale) {
     char number[numberTextCapacity];
     char* end = number;
@@ -54,6 +56,7 @@ void appendHandle(TextBuilder& out, const NSObject& object, const FormatLocale* 
         end = writeSingle7g(static_cast<float>(Access::real(object)), number);
         break;
     default:
+        // Everything else describes itself, without a string being made of it.
         return appendDescription(out, object);
     }
     appendNumberText(out, number, end, locale);
@@ -67,6 +70,7 @@ void appendHost(TextBuilder& out, const NSObjectProtocol* object) {
 }
 
 /// Appends `text` between padding spaces; `length` is the length that it counts for.
+/// The length is given, because it may count something else than the units that are appended.
 template <class Append>
 void appendPadded(TextBuilder& out, const FormatSpec& spec, std::size_t length, Append append) {
     const std::size_t padding = spec.paddingFor(length);
@@ -86,6 +90,7 @@ struct UnitCut {
     std::size_t bytesOver;
 };
 
+// A pair that does not fit is left out as a whole.
 UnitCut cutUnits(const char16_t* units, std::size_t count, std::size_t limit) noexcept {
     std::size_t i = 0;
     while (i < count) {
@@ -126,6 +131,7 @@ void appendBytesOf(TextBuilder& out, const FormatSpec& spec, StringView text, st
         return appendUnitsAsBytes(out, spec, text);
     }
     const std::size_t length = text.size() < limit ? text.size() : limit;
+    // Cut in the middle of a character, the bytes are ill-formed there and become U+FFFD.
     appendPadded(out, spec, length, [&] { appendText(out, StringView(text.bytes(), length)); });
 }
 
@@ -144,6 +150,7 @@ void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argu
         return appendTextOrNull(out, argument->text());
     case ArgumentType::host:
         return appendHost(out, argument->host());
+    // What a host type converts to is treated like any value.
     case ArgumentType::converted:
         return appendHandle(out, argument->converted(), locale);
     case ArgumentType::signedInteger:
@@ -153,6 +160,7 @@ void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argu
                                 writeUInt64(static_cast<std::uint64_t>(argument->integer()), number), locale);
     case ArgumentType::real:
     case ArgumentType::longReal:
+        // As a number object of the same value would be described.
         return appendNumberText(out, number, writeDouble16g(realOf(argument), number), locale);
     case ArgumentType::pointer:
         break;
@@ -160,12 +168,14 @@ void appendObject(TextBuilder& out, const FormatSpec& spec, const Argument* argu
     if (argument->address() == nullptr) {
         return out.appendLiteral("(null)");
     }
+    // Width does not count for objects, so it must not for their addresses.
     FormatSpec plain = spec;
     plain.width = 0;
     appendAddress(out, plain, addressOf(argument));
 }
 
 void appendBytes(TextBuilder& out, const FormatSpec& spec, const Argument* argument) {
+    // No more bytes may be read: a text need not have a NUL within the precision.
     const std::size_t limit = spec.hasPrecision ? static_cast<std::size_t>(spec.precision) : SIZE_MAX;
     if (argument != nullptr && argument->type() == ArgumentType::text) {
         return appendBytesOf(out, spec, argument->textUpTo(limit), limit);
@@ -183,6 +193,7 @@ void appendUnits(TextBuilder& out, const FormatSpec& spec, const Argument* argum
         return out.appendLiteral("(null)");
     }
     const AsciiOrUtf16 text(found.text);
+    // Counted in units, so bytes are converted first.
     const std::size_t length = text.length() < limit ? text.length() : limit;
     appendPadded(out, spec, length, [&] {
         if (length == 0) {
@@ -193,6 +204,7 @@ void appendUnits(TextBuilder& out, const FormatSpec& spec, const Argument* argum
 }
 
 void appendCharacter(TextBuilder& out, const FormatSpec& spec, std::uint64_t value) {
+    // The width does not count here: two in a row may form a pair.
     if (spec.letter == 'C') {
         out.appendUnit(static_cast<char16_t>(value & 0xFFFF));
         return;
@@ -201,6 +213,7 @@ void appendCharacter(TextBuilder& out, const FormatSpec& spec, std::uint64_t val
 }
 
 void appendAddress(TextBuilder& out, const FormatSpec& spec, std::uintptr_t address) {
+    // Backwards, without leading zeros; null is "0x0" on every system.
     char text[2 + 2 * sizeof address];
     char* start = text + sizeof text;
     do {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Separators and grouping of numbers by language and region.
+// The customs of all locales are data of a few rows: most languages share one of some ten ways to write
+// numbers.
 #include "foundation/format/LocaleNumbers.h"
 
 #include <algorithm>
@@ -53,6 +55,7 @@ constexpr Customs customs[] = {
 };
 
 /// A listed locale: its name's characters as one number, and the index of its customs.
+/// Compared as numbers when a locale is looked up; made when the library is compiled.
 struct Listed {
     std::uint64_t name;
     std::size_t customs;
@@ -63,6 +66,7 @@ constexpr std::size_t maxNameLength = sizeof(Listed::name);
 /// 0 for names that are longer than any in the list.
 constexpr std::uint64_t packed(std::string_view name) noexcept {
     std::uint64_t number = 0;
+    // A name is at most eight characters, one for each byte.
     for (const char character : name.substr(0, name.size() <= maxNameLength ? name.size() : 0)) {
         number = number << 8 | static_cast<unsigned char>(character);
     }
@@ -88,6 +92,7 @@ consteval std::array<Listed, listedCount()> sortedNames() {
         for (; !rest.empty(); rest.remove_prefix(rest.find(' ') + 1)) {
             names[count] = {packed(rest.substr(0, rest.find(' '))), row};
             if (names[count++].name == 0) {
+                // Not a real exception: the compiler stops here.
                 throw "a name is too long";
             }
         }
@@ -149,14 +154,17 @@ std::string_view takePart(std::string_view& rest) noexcept {
 
 LocaleName localeName(std::string_view identifier) {
     LocaleName name;
+    // Encoding and modifier follow the first of these two marks.
     std::string_view rest = identifier.substr(0, identifier.find_first_of(".@"));
     const std::string_view language = takePart(rest);
+    // A text that is not an identifier gets the customs of the root locale.
     if (language.size() < 2 || language.size() > 8 || !areAll(isLetter, language)) {
         return name;
     }
     name.language = inLowerCase(language);
     while (!rest.empty()) {
         const std::string_view part = takePart(rest);
+        // The order is language, script, region; what comes later in another place is a variant.
         if (part.size() == 4 && areAll(isLetter, part) && name.script.empty() && name.region.empty()) {
             name.script = inUpperCase(part.substr(0, 1)) + inLowerCase(part.substr(1));
         } else if (name.region.empty() && ((part.size() == 2 && areAll(isLetter, part)) ||
@@ -175,6 +183,7 @@ const LocaleNumbers& numbersOfLocale(const LocaleName& name) {
     if (name.isPosix) {
         return posixNumbers;
     }
+    // From the most specific name to the least; a script may have its own customs, whatever the region.
     const std::string script = name.script.empty() ? "" : "_" + name.script;
     const std::string region = name.region.empty() ? "" : "_" + name.region;
     for (const std::string& tried :

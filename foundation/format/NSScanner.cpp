@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads strings from front to back.
+// Each operation skips first, and leaves the location alone when it finds nothing.
 #include "foundation/format/NSScanner.h"
 
 #include <limits>
@@ -19,6 +20,7 @@ namespace {
 
 /// Calls `action` with the units of a string that is not nil, in the string's own form, and with their
 /// number.
+/// A template for both forms, so that the common case is compiled without a test for each unit.
 template <class Action>
 auto withUnits(const NSString& string, const Action& action) {
     const detail::StringBody& body = *Access::string(string);
@@ -29,6 +31,7 @@ auto withUnits(const NSString& string, const Action& action) {
 /// The first index from `location` on whose unit is, or is not, a member; the length if there is none.
 std::size_t placeOfUnit(const NSString& string, std::size_t location, const NSCharacterSet& set,
                         bool isMember) {
+    // Members above U+FFFF are not found: scanning goes by units.
     const CharacterMembership membership(set);
     return withUnits(string, [&](const auto* units, std::size_t length) {
         std::size_t at = location;
@@ -67,6 +70,7 @@ Answer standsAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text,
         }
         const auto present = static_cast<char16_t>(units[i]);
         const char16_t wanted = text[i];
+        // One unit beyond ASCII is enough to leave the decision to the search.
         if ((present | wanted) >= 0x80) {
             return Answer::open;
         }
@@ -74,6 +78,7 @@ Answer standsAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text,
             return Answer::no;
         }
     }
+    // A mark may follow the last letter and change it.
     const bool mayGoOn = text.length() < length && static_cast<char16_t>(units[text.length()]) >= 0x80;
     return mayGoOn ? Answer::open : Answer::yes;
 }
@@ -88,6 +93,7 @@ std::size_t endOfText(const NSString& string, std::size_t location, StringView t
     if (wanted.length() == 0) {
         return NSNotFound;
     }
+    // Two ASCII texts are the usual case, and decided without the search.
     const Answer answer = withUnits(string, [&](const auto* units, std::size_t length) {
         return standsAt(units + location, length - location, wanted, isCaseSensitive);
     });
@@ -108,6 +114,7 @@ struct DigitStretch {
 };
 
 DigitStretch decimalDigits(const NSString& string, std::size_t location) {
+    // White space before a number is skipped even if the scanner skips nothing.
     return withUnits(string, [&](const auto* units, std::size_t length) {
         DigitStretch found{};
         found.start = location + detail::whiteSpacePrefix(units + location, length - location);
@@ -149,6 +156,7 @@ HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
     const std::size_t digits = at;
     std::uint64_t value = 0;
     for (; at < length && hexDigit(units[at]) < 16; ++at) {
+        // Too large a number saturates but takes all its digits.
         value = value >> 60 != 0 ? UINT64_MAX : value << 4 | hexDigit(units[at]);
     }
     return {value, at == digits ? NSNotFound : at};
@@ -158,6 +166,7 @@ HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
 
 NSScanner::NSScanner(NSString string)
     : string_(string ? static_cast<NSString&&>(string) : NSString::string()),
+      // The default set; a set of nil skips nothing.
       skipped_(NSCharacterSet::whitespaceAndNewlineCharacterSet()) {}
 
 NSScanner NSScanner::scannerWithString(NSString string) { return NSScanner(static_cast<NSString&&>(string)); }
@@ -194,6 +203,7 @@ bool NSScanner::scanString_intoString(StringView text, NSString* output) {
 bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t length = string_.length();
+    // The search is over what follows the skipped characters, so what is found begins after them.
     const NSRange found = string_.rangeOfString_options_range(text, searchOptions(isCaseSensitive_),
                                                               NSMakeRange(start, length - start));
     const std::size_t end = found.location != NSNotFound ? found.location : length;
@@ -248,6 +258,7 @@ bool NSScanner::scanInt(int* value) {
     }
     using Limits = std::numeric_limits<int>;
     if (value != nullptr) {
+        // The nearest limit, as a string's own number is cut.
         *value = static_cast<int>(wide < Limits::min()   ? std::int64_t{Limits::min()}
                                   : wide > Limits::max() ? std::int64_t{Limits::max()}
                                                          : wide);

@@ -61,11 +61,15 @@ public:
     /// Takes the longest run of characters that are not members of the set. False if there is none.
     bool scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output);
 
-    /// @name Numbers They are read as by a string's own value operations, so leading white space is skipped
-    /// even if it is not among the characters to be skipped. Numbers beyond the range of their type saturate.
+    /// @name Numbers
+    /// They are read as by a string's own value operations, so leading white space is skipped even if it is
+    /// not among the characters to be skipped. Numbers beyond the range of their type saturate.
     /// @{
 
-    /// Takes a sign and ASCII digits, as a 32-bit number. False if there is no digit.
+    /// Takes a sign and ASCII digits, as a 32-bit number; false if there is no digit.
+    ///
+    /// NSScanner scanner("12 apples"); int count = 0; scanner.scanInt(&count);  // true; count is 12, and
+    /// scanLocation() is 2
     bool scanInt(int* value);
 
     /// Takes a sign and ASCII digits, as a 64-bit number. False if there is no digit.
@@ -98,7 +102,9 @@ public:
     /// not follow, or if it consists of characters to be skipped and nothing else remains.
     bool scanUpToString(StringView target);
 
-    /// Moves to the end of the target. False, with the location as it was, if the target does not follow.
+    /// Moves to the end of the target; false, with the location as it was, if the target does not follow.
+    ///
+    /// NSScanner scanner("key: value"); scanner.scanPastString(":");  // true; scanLocation() is 4
     bool scanPastString(StringView target);
 
     /// @}

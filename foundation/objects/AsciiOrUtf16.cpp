@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Converts text arguments to ASCII or UTF-16.
+// Most arguments are literals or strings of the library, whose form is known, and cost nothing here.
 #include "foundation/objects/AsciiOrUtf16.h"
 
 #include <new>
@@ -13,6 +14,8 @@ AsciiOrUtf16::AsciiOrUtf16(StringView text) {
     switch (text.form()) {
     case StringView::Form::absent:
         isNil_ = true;
+        // A pointer that may be passed on, so that operations need no test for nil before they compare
+        // lengths.
         ascii_ = "";
         break;
     case StringView::Form::ascii:
@@ -20,6 +23,7 @@ AsciiOrUtf16::AsciiOrUtf16(StringView text) {
         length_ = text.size();
         break;
     case StringView::Form::utf8:
+        // An ASCII text that came as UTF-8 is recognized once, here.
         convert(text.size() != 0 ? text.bytes() : "", text.size());
         break;
     case StringView::Form::utf16:
@@ -37,6 +41,8 @@ void AsciiOrUtf16::convert(const char* bytes, std::size_t count) {
         return;
     }
     // A byte of UTF-8 never yields more than one unit.
+    // The inline buffer fits every text of up to its length, so the exact length is only computed for longer
+    // ones.
     char16_t* units = inline_;
     if (count > inlineUnits) {
         allocated_ = static_cast<char16_t*>(
@@ -47,6 +53,8 @@ void AsciiOrUtf16::convert(const char* bytes, std::size_t count) {
     units_ = units;
 }
 
+// Units that are all ASCII are narrowed, since equality and hashing rely on equal texts having the same
+// form.
 void AsciiOrUtf16::narrow(const char16_t* units, std::size_t count) {
     length_ = count;
     if (asciiPrefixLength(units, count) != count) {
@@ -55,6 +63,7 @@ void AsciiOrUtf16::narrow(const char16_t* units, std::size_t count) {
     }
     char* bytes = reinterpret_cast<char*>(inline_);
     if (count > sizeof inline_) {
+        // Allocated as bytes, and released as such; the pointer's type does not matter.
         allocated_ = static_cast<char16_t*>(::operator new(count));
         bytes = reinterpret_cast<char*>(allocated_);
     }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Character sets as pages of bits that sets share.
+// Two sets are compared by their bytes, so a finished body is canonical: pages are sorted and unique,
+// numbers follow from them, and planes that are uniform have no numbers.
 #include "foundation/objects/CharacterSetPages.h"
 
 #include <algorithm>
@@ -15,9 +17,11 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// Pages 0 and 1 of every set, so that a page's number alone says whether it is empty or full.
 constexpr CharacterPage constantPages[2] = {{{0, 0, 0, 0}},
                                             {{UINT64_MAX, UINT64_MAX, UINT64_MAX, UINT64_MAX}}};
 
+// A constant, because nil must have a body before anything could make one.
 struct EmptyBody {
     CharacterSetBody head;
     CharacterPage pages[2];
@@ -38,6 +42,7 @@ bool samePage(const CharacterPage& left, const CharacterPage& right) noexcept {
     return std::equal(left.words, left.words + 4, right.words);
 }
 
+// The order of pages only has to be the same in every set.
 bool earlierPage(const CharacterPage& left, const CharacterPage& right) noexcept {
     return std::lexicographical_compare(left.words, left.words + 4, right.words, right.words + 4);
 }
@@ -53,6 +58,7 @@ std::vector<CharacterPage> distinctPages(std::vector<CharacterPage> pages) {
     return pages;
 }
 
+// Equal pages get equal numbers in this set; numbers mean nothing in another one.
 std::uint16_t numberOf(const CharacterPage& page, const std::vector<CharacterPage>& distinct) noexcept {
     for (std::uint16_t number = 0; number < 2; ++number) {
         if (samePage(page, constantPages[number])) {
@@ -71,6 +77,8 @@ bool isUniform(const Numbers& numbers) noexcept {
 
 /// The first code point from `codePoint` on that is, or is not, a member; the code space's end if there is
 /// none.
+/// Skips a page, or the rest of a word, at a time, so that walking over a set takes time by its pages rather
+/// than its members.
 char32_t nextCodePoint(const CharacterSetBody& body, char32_t codePoint, bool isMember) noexcept {
     while (codePoint < codeSpace) {
         const std::size_t number = body.pageNumber(codePoint >> 8);
@@ -88,6 +96,7 @@ char32_t nextCodePoint(const CharacterSetBody& body, char32_t codePoint, bool is
     return codeSpace;
 }
 
+// As Unicode writes code points: at least four digits.
 void appendCode(TextBuilder& out, char32_t codePoint) {
     const unsigned digits = codePoint > 0xFFFFF ? 6 : codePoint > 0xFFFF ? 5 : 4;
     for (unsigned shift = digits * 4; shift > 0; shift -= 4) {
@@ -95,6 +104,7 @@ void appendCode(TextBuilder& out, char32_t codePoint) {
     }
 }
 
+// The reference count before it differs between equal sets. Every byte after it is part of the value.
 const void* comparedBytes(const CharacterSetBody& body) noexcept { return &body.byteCount; }
 
 std::size_t comparedCount(const CharacterSetBody& body) noexcept {
@@ -117,6 +127,7 @@ std::uint64_t hashCharacterSet(const CharacterSetBody& body, std::uint64_t seed)
 }
 
 void appendCharacterSet(TextBuilder& out, const CharacterSetBody& body) {
+    // A description goes into log lines, so a set of thousands of stretches is cut.
     constexpr int maxStretches = 16;
     out.appendLiteral("<NSCharacterSet:");
     char32_t first = nextCodePoint(body, 0, true);
@@ -136,6 +147,8 @@ void appendCharacterSet(TextBuilder& out, const CharacterSetBody& body) {
     out.appendAscii('>');
 }
 
+// The first plane always has page numbers, because membership tests of units use them without looking at the
+// plane.
 CharacterSetPages::CharacterSetPages() : planes_{2}, numbers_(1), pages_(constantPages, constantPages + 2) {}
 
 CharacterSetPages::CharacterSetPages(const CharacterSetBody& body)
@@ -148,6 +161,8 @@ CharacterSetPages::CharacterSetPages(const CharacterSetBody& body)
         PlaneNumbers& numbers = numbers_.emplace_back();
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             std::size_t number = body.pageNumber(plane * numbers.size() + i);
+            // Copied even if pages are equal: a builder changes each place by itself. Empty and full ones
+            // are shared, as they are replaced and not changed.
             if (number >= 2) {
                 pages_.push_back(body.pages()[number]);
                 number = pages_.size() - 1;
@@ -195,6 +210,7 @@ void CharacterSetPages::fillPage(std::size_t page, bool isMember) {
     }
 }
 
+// Whole pages are replaced, so that a range of any length costs at most a step for each page.
 void CharacterSetPages::setRange(char32_t first, char32_t end, bool isMember) {
     while (first < end) {
         const char32_t pageEnd = (first | 0xFF) + 1;
@@ -216,6 +232,7 @@ void CharacterSetPages::setCharacters(StringView characters, bool isMember) {
     const AsciiOrUtf16 text(characters);
     for (std::size_t i = 0; i < text.length(); ++i) {
         char32_t codePoint = text[i];
+        // A pair is one code point; an unpaired surrogate is a member by itself.
         if ((codePoint & 0xFC00) == 0xD800 && i + 1 < text.length() && (text[i + 1] & 0xFC00) == 0xDC00) {
             codePoint = 0x10000 + ((codePoint & 0x3FF) << 10 | (text[++i] & 0x3FFU));
         }
@@ -244,6 +261,8 @@ void CharacterSetPages::setCategories(CategoryMask categories) {
 }
 
 void CharacterSetPages::combine(const CharacterSetBody& other, bool isUnion) {
+    // For a union a full page decides and an empty one changes nothing; for an intersection it is the other
+    // way round.
     const std::size_t deciding = isUnion ? 1 : 0; // such a page on either side is the result
     const std::size_t neutral = 1 - deciding;
     for (std::size_t page = 0; page < codePages; ++page) {
@@ -265,6 +284,7 @@ void CharacterSetPages::combine(const CharacterSetBody& other, bool isUnion) {
     }
 }
 
+// Numbers 0 and 1 exchange their meaning, and every other page its bits: nothing is allocated.
 void CharacterSetPages::invert() noexcept {
     for (std::uint8_t& place : planes_) {
         place = place < 2 ? place ^ 1 : place;
@@ -282,6 +302,7 @@ void CharacterSetPages::invert() noexcept {
 }
 
 NSCharacterSet CharacterSetPages::characterSet() const {
+    // From here on the body becomes canonical.
     const std::vector<CharacterPage> distinct = distinctPages(pages_);
     std::vector<std::uint16_t> renumbered(pages_.size());
     std::transform(pages_.begin(), pages_.end(), renumbered.begin(),
@@ -297,6 +318,7 @@ NSCharacterSet CharacterSetPages::characterSet() const {
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             numbers[i] = renumbered[numbers_[planes_[plane] - 2U][i]];
         }
+        // The first plane's numbers are in the header, even if they are uniform.
         if (plane == 0) {
             std::copy(numbers.begin(), numbers.end(), head.numbers);
         } else if (isUniform(numbers)) {
@@ -319,6 +341,8 @@ NSCharacterSet CharacterSetPages::characterSet() const {
     return Access::adoptCharacterSet(body);
 }
 
+// No lock: a set may be made twice by threads that race, and the second one is dropped. `make` itself may
+// use other shared sets.
 NSCharacterSet sharedCharacterSet(SharedCharacterSet& slot, NSCharacterSet (*make)()) {
     CharacterSetBody* present = slot.load(std::memory_order_acquire);
     if (present == nullptr) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Days, months, years and weeks of the Gregorian calendar, without time zones.
+// The arithmetic is exact for every 64-bit day number; where a sum could overflow, it is checked or arranged
+// differently.
 #include "foundation/objects/CivilTime.h"
 
 namespace ZQFoundation::detail {
@@ -15,6 +17,7 @@ constexpr int daysIntoCycle1970 = static_cast<int>(daysFromMarchOfYear0 % daysPe
 constexpr unsigned quartersPerCentury = 146097;
 constexpr unsigned quartersPerYear = 1461;
 
+// 0, 31, 61, 92, 122, 153, ...: months of 31 and 30 days alternate, starting again after five.
 constexpr int daysBeforeMonthFromMarch(int month) noexcept { return (153 * month + 2) / 5; }
 
 /// Whether a year with this weekday on 1 January has 53 weeks: it must contain 53 Thursdays.
@@ -38,6 +41,7 @@ CivilDate civilFromDays(std::int64_t days) noexcept {
     const unsigned quarterOfCentury = (quarterOfCycle % quartersPerCentury) | 3;
     const int yearOfCycle = static_cast<int>(100 * century + quarterOfCentury / quartersPerYear);
     const int dayFromMarch = static_cast<int>((quarterOfCentury % quartersPerYear) / 4);
+    // The inverse of `daysBeforeMonthFromMarch`.
     const int monthFromMarch = (5 * dayFromMarch + 2) / 153;
     const int month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
     return {cycle * 400 + yearOfCycle + (month <= 2 ? 1 : 0), month,
@@ -84,10 +88,13 @@ WeekOfYear weekFromDays(std::int64_t days) noexcept {
     const CivilDate date = civilFromDays(days);
     const int ordinal = dayOfYear(date);
     const int weekday = weekdayFromDays(days);
+    // The weekday of 1 January, which decides about the year's weeks.
     const int firstWeekday = static_cast<int>(floorModulo(weekday - ordinal, 7)) + 1;
+    // The number of the week's Thursday within the year, in weeks.
     const int week = (ordinal - weekday + 10) / 7;
     if (week < 1) {
         const bool leap = isLeapYear(date.year - 1);
+        // A common year moves the weekday by one, a leap year by two.
         const int firstWeekdayBefore =
             static_cast<int>(floorModulo(firstWeekday - 1 - (leap ? 2 : 1), 7)) + 1;
         return {date.year - 1, hasLongWeekCount(firstWeekdayBefore, leap) ? 53 : 52};

@@ -8,12 +8,14 @@
 
 namespace ZQFoundation::detail {
 
-/// What is known of a C++ class: its own name, without namespaces, as bytes.
+/// What is known of a C++ class: its own name, without namespaces, as bytes. A constant compiled into the
+/// host, so a class as a value needs no registration and no memory.
 struct ClassRecord {
-    const char* name;
-    std::size_t nameLength;
+    const char* name;       ///< UTF-8, not NUL-ended
+    std::size_t nameLength; ///< in bytes
 };
 
+/// The record of a class. Compare records by their names: two plugins may have one each for the same class.
 template <class T>
 inline constexpr ClassRecord classRecord{TypeName<T>::bytes, TypeName<T>::length};
 
@@ -21,7 +23,12 @@ inline constexpr ClassRecord classRecord{TypeName<T>::bytes, TypeName<T>::length
 
 namespace ZQFoundation {
 
-/// A class as a value: the caller of class operations.
+/// A class as a value: the caller of class operations, and the receiver of operations by name.
+///
+///     ZQLog::logSelf_method_logAlways_log(classOf<Store>(), "sharedStore", true, "made");
+///     // +[Store sharedStore] made
+///
+/// It knows its name and nothing else of the class. Nil when default-constructed.
 class ZQFOUNDATION_EXPORT Class : public NSObject {
 public:
     constexpr Class() noexcept = default;
@@ -35,7 +42,7 @@ public:
     explicit Class(const NSObject& object) noexcept : NSObject(object, detail::Kind::classObject) {}
 };
 
-/// The class object of any C++ class: `classOf<Store>()`.
+/// The class object of any C++ class: `classOf<Store>()`. Its name is the class's own, without namespaces.
 template <class T>
 constexpr Class classOf() noexcept {
     return Class(&detail::classRecord<T>);

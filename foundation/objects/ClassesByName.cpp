@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The host's classes that the library finds by name at run time.
+// A registration is permanent for those who hold its class: a class value is a pointer to the record. Only
+// the object goes.
 #include "foundation/objects/ClassesByName.h"
 
 #include <new>
@@ -25,10 +27,12 @@ struct RegisteredClass {
 constinit RegisteredClass* registered = nullptr;
 constinit Lock registryLock;
 
+// Never freed: class values refer to its bytes.
 std::string* keptText(const NSString& name) { return new std::string(name.utf8()); }
 
 RegisteredClass* registeredUnder(StringView name) {
     RegisteredClass* entry = registered;
+    // Entries whose object was released are skipped, so that a name may be registered again.
     while (entry != nullptr && !(entry->object && entry->name.isEqualToString(name))) {
         entry = entry->previous;
     }
@@ -42,6 +46,8 @@ NSObject performerOf(const NSObject& value) {
         return value.hostObject() != nullptr ? value : NSObject();
     }
     const ClassRecord* const record = Access::classRecord(value);
+    // Copied under the lock, so the object stays alive while it performs, even if its registration ends
+    // meanwhile.
     const Guard<Lock> guard(registryLock);
     for (const RegisteredClass* entry = registered; entry != nullptr; entry = entry->previous) {
         if (&entry->record == record) {
@@ -76,6 +82,7 @@ ClassRegistration::ClassRegistration(const NSString& name, const NSObject& class
     if (!name || name.isEqualToString("") || !classObject) {
         return;
     }
+    // Everything that allocates or may fail comes before the lock.
     const std::string* const text = detail::keptText(name);
     auto* const entry = new detail::RegisteredClass{{text->data(), text->size()}, name, classObject, nullptr};
     const detail::Guard<detail::Lock> guard(detail::registryLock);
@@ -94,6 +101,7 @@ ClassRegistration::~ClassRegistration() {
     released.swap(entry->object);
 }
 
+// Only host objects perform selectors; the library's own values respond to none.
 bool NSObject::respondsToSelector(const Selector& selector) const {
     const NSObject performer = detail::performerOf(*this);
     return selector && performer && performer.hostObject() != nullptr &&

@@ -61,8 +61,9 @@ ZQFOUNDATION_EXPORT NSString NSStringFromClass(const Class& type);
 ///             refresh(NSString(folder));
 ///             return nullptr;
 ///         }
-///     }; // The class itself returns the shared object for "sharedWorkspace". const ClassRegistration
-///     registration("NSWorkspace", makeObject<WorkspaceClass>());
+///     };
+///     // An object of WorkspaceClass returns the shared Workspace for "sharedWorkspace".
+///     const ClassRegistration registration("NSWorkspace", makeObject<WorkspaceClass>());
 ///
 /// Of two registrations of the same name the later one is used until it ends. An object that a call in
 /// progress uses stays alive until that call ends. Any thread.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Finds where a base character and its marks begin and end.
+// The rules are those of canonical equivalence; no language is considered.
 #include "foundation/objects/ComposedSequences.h"
 
 #include <algorithm>
@@ -12,6 +13,8 @@ namespace {
 
 /// Whether the code point can follow a starter inside one composed sequence: combining marks and the later
 /// letters of Hangul syllables.
+/// Some of them have combining class 0 and still compose with the starter before them; those are listed.
+/// They are fixed in the standard, which never changes the composition of assigned characters.
 bool extendsSequence(char32_t codePoint) noexcept {
     return canonicalCombiningClass(codePoint) != 0 || (codePoint >= 0x1160 && codePoint <= 0x11FF) ||
            codePoint == 0x0F73 || codePoint == 0x0F75 || codePoint == 0x0F81 || codePoint == 0x0FB5 ||
@@ -25,6 +28,8 @@ bool extendsSequence(char32_t codePoint) noexcept {
 }
 
 /// Sorts each run of marks into canonical order: stably, by class.
+/// Marks of different classes do not interact, so their order makes no difference; marks of one class do, and
+/// theirs is kept.
 void orderMarks(std::vector<ClassedCodePoint>& sequence) {
     const auto isStarter = [](const ClassedCodePoint& entry) {
         return entry.combiningClass == 0;
@@ -51,6 +56,7 @@ std::size_t sequenceStart(const UnitView& text, std::size_t index) noexcept {
         if (probe >= text.length() || !extendsSequence(nextCodePoint(text, probe))) {
             break;
         }
+        // Continues with the code point before it, which may be a mark, too.
         --index;
     }
     return index;
@@ -58,6 +64,7 @@ std::size_t sequenceStart(const UnitView& text, std::size_t index) noexcept {
 
 std::size_t sequenceEnd(const UnitView& text, std::size_t index) noexcept {
     if (index < text.length()) {
+        // The first code point belongs to the sequence, whatever it is.
         nextCodePoint(text, index);
     }
     while (index < text.length()) {
@@ -76,6 +83,7 @@ void decompose(const UnitView& text, std::size_t start, std::size_t end,
     while (start < end) {
         const char32_t codePoint = nextCodePoint(text, start);
         char32_t parts[4] = {codePoint};
+        // 0 means that the code point is its own decomposition.
         const unsigned count = std::max(canonicalDecomposition(codePoint, parts), 1U);
         for (unsigned i = 0; i < count; ++i) {
             sequence.push_back({parts[i], canonicalCombiningClass(parts[i])});

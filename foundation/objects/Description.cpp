@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writes the platform's texts for values, collections indented.
+// Hosts and their users read and compare these texts, so each form is exact.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -44,6 +45,7 @@ void appendData(TextBuilder& out, const NSData& data) {
     out.appendLiteral("{length = ");
     out.appendAscii(number, static_cast<std::size_t>(detail::writeUInt64(count, number) - number));
     out.appendLiteral(", bytes = 0x");
+    // Longer data show their first 16 and last 8 bytes.
     constexpr std::size_t longest = 24;
     for (std::size_t i = 0; i < (count <= longest ? count : 16); ++i) {
         appendHex(out, bytes[i], 2);
@@ -63,6 +65,7 @@ void appendData(TextBuilder& out, const NSData& data) {
     out.appendAscii('}');
 }
 
+// The magnitude is taken in unsigned arithmetic, because the lowest value has no positive counterpart.
 void appendPadded(TextBuilder& out, std::int64_t value, std::size_t digits) {
     char number[detail::numberTextCapacity];
     const std::uint64_t magnitude =
@@ -98,6 +101,7 @@ void appendDate(TextBuilder& out, const NSDate& date) {
 
 void appendUrl(TextBuilder& out, NSURL url) {
     out.append(url.relativeString());
+    // Bases are visited one by one: chains may be long.
     for (url = url.baseURL(); url; url = url.baseURL()) {
         out.appendLiteral(" -- ");
         out.append(url.relativeString());
@@ -108,6 +112,7 @@ void appendUrl(TextBuilder& out, NSURL url) {
 void appendLeaf(TextBuilder& out, const NSObject& object) {
     char number[detail::numberTextCapacity];
     switch (Access::kind(object)) {
+    // Inside a collection nil does not occur; outside, it has no description.
     case Kind::absent:
         break;
     case Kind::null:
@@ -140,6 +145,7 @@ void appendLeaf(TextBuilder& out, const NSObject& object) {
     }
 }
 
+// Letters and digits of ASCII only; the empty text is not bare, since nothing would be visible.
 bool isBare(const AsciiOrUtf16& text) noexcept {
     for (std::size_t i = 0; i < text.length(); ++i) {
         const char16_t unit = text[i];
@@ -165,6 +171,7 @@ void appendQuotedUnit(TextBuilder& out, char16_t unit) {
     case '\t':
         out.appendLiteral("\\t");
         break;
+    // Other control characters are written as they are.
     default:
         if (unit < 0x80) {
             out.appendAscii(static_cast<char>(unit));
@@ -176,6 +183,7 @@ void appendQuotedUnit(TextBuilder& out, char16_t unit) {
 }
 
 /// A leaf inside a collection: bare or in quotes; data is unquoted.
+/// Built separately, because only the whole text tells whether it needs quotes.
 void appendMember(TextBuilder& out, const NSObject& object) {
     TextBuilder own;
     appendLeaf(own, object);
@@ -218,6 +226,8 @@ private:
 
     void open(const NSObject& collection) {
         const Kind kind = Access::kind(collection);
+        // A nested collection indents itself, after the indentation of its element, so an inner bracket is
+        // indented twice.
         indent(frames_.size());
         if (kind == Kind::array) {
             out_.appendLiteral("(\n");
@@ -228,6 +238,8 @@ private:
         detail::TableBody& table = *detail::tableOf(collection);
         if (kind == Kind::dictionary) {
             out_.appendLiteral("{\n");
+            // By the strings' own order, so that the text of a dictionary does not depend on how it was
+            // built.
             frames_.push_back(
                 {kind, 0, table.count, false, nullptr,
                  detail::entriesInOrder(collection, [](const NSString& left, const NSString& right) {
@@ -245,6 +257,8 @@ private:
 
     void close() {
         const Frame& frame = frames_.back();
+        // After the last element there is no separator; a dictionary has written its line end with the last
+        // entry.
         if (frame.count != 0 && frame.kind != Kind::dictionary) {
             out_.appendAscii('\n');
         }
@@ -279,6 +293,7 @@ private:
                 out_.appendLiteral(",\n");
             }
             indent(frames_.size());
+            // Before `member`, which may add a frame and so move this one.
             const std::size_t index = frame.next++;
             member(frame.elements != nullptr ? frame.elements[index] : frame.entries[index]->key);
         }
@@ -300,6 +315,7 @@ private:
         }
         indent(frames_.size());
         frame.inValue = true;
+        // The position advances only when the value is written.
         member(frame.entries[frame.next]->key);
     }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Compares and hashes nested collections, without recursion.
+// Neither depth nor sharing may do harm: explicit stacks avoid recursion, and results that are stored for
+// shared parts avoid exponential time.
 #include <cstring>
 #include <unordered_set>
 #include <vector>
@@ -24,6 +26,7 @@ bool isCollection(const NSObject& object) noexcept {
     return Access::kind(object) == Kind::array || isTable(Access::kind(object));
 }
 
+// A URL equals another one only with an equal chain of bases, whatever the resolved texts are.
 bool equalUrls(NSURL left, NSURL right) {
     while (left && right) {
         if (Access::body(left) == Access::body(right)) {
@@ -38,6 +41,7 @@ bool equalUrls(NSURL left, NSURL right) {
     return !left && !right;
 }
 
+// By name and not by record: the same class may be registered twice.
 bool equalClasses(const NSObject& left, const NSObject& right) noexcept {
     const detail::ClassRecord& first = *Access::classRecord(left);
     const detail::ClassRecord& second = *Access::classRecord(right);
@@ -48,9 +52,11 @@ bool equalClasses(const NSObject& left, const NSObject& right) noexcept {
 /// For everything but collections.
 bool equalLeaves(const NSObject& left, const NSObject& right) {
     if (detail::isNumber(left) && detail::isNumber(right)) {
+        // Across kinds: 1, 1.0 and true are equal.
         return detail::compareNumbers(left, right) == NSOrderedSame;
     }
     if (Access::kind(left) == Kind::hostObject) {
+        // The host object decides, on whichever side it is.
         return left.hostObject()->isEqual(right);
     }
     if (Access::kind(right) == Kind::hostObject) {
@@ -79,6 +85,7 @@ bool equalLeaves(const NSObject& left, const NSObject& right) {
     }
 }
 
+// A part with one reference occurs in one place only, and is not worth remembering.
 bool isShared(const NSObject& collection) noexcept {
     return __atomic_load_n(&Access::body(collection)->references, __ATOMIC_RELAXED) > 1;
 }
@@ -171,6 +178,7 @@ private:
     bool enterEntry(const NSDictionaryEntry& entry, TableBody& table) {
         const NSDictionaryEntry* match = nullptr;
         if (!isCollection(entry.key)) {
+            // A leaf is found by its hash, and its key needs no further comparison.
             match = detail::findKey(table, entry.key);
             return match != nullptr && enter(entry.value, match->value);
         }
@@ -192,6 +200,7 @@ std::uint64_t& structuralHashSlot(const NSObject& collection) noexcept {
                                                    : tableOf(collection)->structuralHash;
 }
 
+// Relaxed: the number depends on the contents alone, and those are visible to all that can reach the body.
 std::uint64_t storedHash(const NSObject& collection) noexcept {
     return __atomic_load_n(&structuralHashSlot(collection), __ATOMIC_RELAXED);
 }
@@ -221,9 +230,12 @@ std::uint64_t memberHash(const NSObject& member) {
 /// Combines the members' hashes. Those of a table are added, so that the order of the entries does not
 /// matter.
 std::uint64_t combinedHash(const NSObject& collection) {
+    // Odd constants with their bits spread; equal collections get equal hashes in every process, since no
+    // random seed is involved.
     constexpr std::uint64_t step = 0xD6E8FEB86659FD93U;
     if (Access::kind(collection) == Kind::array) {
         detail::ArrayBody& body = *Access::array(collection);
+        // The length is included, so that nested empty arrays differ from one.
         std::uint64_t hash = detail::mixed(body.count + 1, 0xA24BAED4963EE407U);
         for (std::size_t i = 0; i < body.count; ++i) {
             hash = detail::mixed(hash ^ memberHash(body.elements()[i]), step);
@@ -250,6 +262,8 @@ std::uint64_t structuralHash(const NSObject& collection) {
         const NSObject& current = *open.back();
         const std::size_t before = open.size();
         if (storedHash(current) == 0) {
+            // Members without a hash come first. A member that is pushed twice is found finished the second
+            // time.
             visitMembers(current, [&](const NSObject& member) {
                 if (isCollection(member) && storedHash(member) == 0) {
                     open.push_back(&member);
@@ -259,6 +273,7 @@ std::uint64_t structuralHash(const NSObject& collection) {
         if (open.size() == before) {
             open.pop_back();
             if (storedHash(current) == 0) {
+                // Never 0, which means "not yet computed".
                 __atomic_store_n(&structuralHashSlot(current), combinedHash(current) | 1, __ATOMIC_RELAXED);
             }
         }
@@ -272,6 +287,8 @@ std::uint64_t structuralHash(const NSObject& collection) {
 
 namespace ZQFoundation::detail {
 
+// The seed differs from process to process for tables, and is 0 for hashes that hosts see. Each kind changes
+// it differently, so that values of different kinds with equal bytes are spread.
 std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
     switch (Access::kind(object)) {
     case Kind::absent:
@@ -312,6 +329,7 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed) {
 namespace ZQFoundation {
 
 bool NSObject::isEqual(const NSObject& other) const {
+    // As for any message to nil: nil equals nothing, not even nil.
     if (!*this || !other) {
         return false;
     }

@@ -12,12 +12,14 @@
 
 namespace ZQFoundation::detail {
 
+/// Both halves of the product, so that each bit of either factor reaches bits all over the result.
 inline std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept {
     __extension__ using Wide = unsigned __int128;
     const Wide product = static_cast<Wide>(left) * right;
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+/// By a copy, because the bytes may have any address.
 inline std::uint64_t wordAt(const char* bytes) noexcept {
     std::uint64_t word;
     std::memcpy(&word, bytes, sizeof word);
@@ -42,7 +44,9 @@ inline std::uint64_t shortWordAt(const char* bytes, std::size_t count) noexcept 
     return at(0) | at(count / 2) << 8 | at(count - 1) << 16;
 }
 
-/// `seen` collects all bits of all bytes, for callers who must know whether the bytes are ASCII.
+/// `seen` collects all bits of all bytes, for callers who must know whether the bytes are ASCII. The last
+/// word ends where the bytes end and may overlap the one before it, which saves a loop over single bytes. The
+/// length is hashed, too, because it decides what overlaps.
 inline std::uint64_t hashBytes(const char* bytes, std::size_t count, std::uint64_t seed,
                                std::uint64_t& seen) noexcept {
     constexpr std::uint64_t stepFactor = 0x9E6C63D0876A9A47U;
@@ -67,6 +71,7 @@ inline std::uint64_t hashBytes(const void* data, std::size_t count, std::uint64_
     return hashBytes(static_cast<const char*>(data), count, seed, seen);
 }
 
+/// The bits of `seen` that no ASCII byte has.
 inline constexpr std::uint64_t beyondAscii = 0x8080808080808080U;
 
 /// ASCII texts hash by their bytes, all others by their units: the two never equal each other.
@@ -82,6 +87,7 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
 /// A number chosen at random once per process, so that hostile keys cannot be chosen to collide.
 std::uint64_t drawTableSeed() noexcept;
 
+/// Inline, since each look-up in a table starts here; 0 means that no number was drawn yet.
 inline std::uint64_t tableSeed() noexcept {
     extern std::atomic<std::uint64_t> drawnTableSeed;
     const std::uint64_t seed = drawnTableSeed.load(std::memory_order_relaxed);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The hash table of dictionaries and sets, in the order of insertion.
+// Entries keep the order of insertion in one array, and a separate index of small slots finds them:
+// iterating needs no index, and growing hashes no key again.
 #include "foundation/objects/KeyTable.h"
 
 #include <cstring>
@@ -16,6 +18,8 @@ namespace {
 constexpr std::size_t smallestCapacity = 4;
 constexpr std::size_t maxCapacity = 0x7FFFFFFFU; // positions are 32 bits wide
 
+// At most three quarters full, so that probing stays short, and there is always a free slot, at which it
+// ends.
 std::size_t slotCountFor(std::size_t capacity) noexcept {
     std::size_t count = 8;
     while (count * 3 < capacity * 4) {
@@ -26,6 +30,8 @@ std::size_t slotCountFor(std::size_t capacity) noexcept {
 
 template <class Matches>
 NSDictionaryEntry* find(TableBody& table, std::uint64_t hash, const Matches& matches) {
+    // The low half selects the slot and is stored in it, so that most different keys are distinguished
+    // without looking at them.
     const auto fragment = static_cast<std::uint32_t>(hash);
     TableBody::Slot* const slots = table.slots();
     for (std::size_t i = fragment & table.slotMask;; i = (i + 1) & table.slotMask) {
@@ -35,6 +41,7 @@ NSDictionaryEntry* find(TableBody& table, std::uint64_t hash, const Matches& mat
         }
         if (slot.hash == fragment) {
             NSDictionaryEntry& entry = table.entries()[slot.position - 1];
+            // A removed entry keeps its slot, with a nil key: the probing of others leads over it.
             if (entry.key && matches(entry.key)) {
                 return &entry;
             }
@@ -42,6 +49,7 @@ NSDictionaryEntry* find(TableBody& table, std::uint64_t hash, const Matches& mat
     }
 }
 
+// The caller has checked that the key is absent and that there is room.
 void enterSlot(TableBody& table, std::uint32_t hash, std::size_t position) noexcept {
     TableBody::Slot* const slots = table.slots();
     std::size_t i = hash & table.slotMask;
@@ -56,6 +64,8 @@ void enterSlot(TableBody& table, std::uint32_t hash, std::size_t position) noexc
 TableBody* rebuilt(TableBody* old, std::size_t capacity) {
     std::vector<std::uint32_t> hashes(old->used);
     TableBody* const table = makeTable(capacity);
+    // Slots know their entries' positions, entries not their slots: the hashes are collected by position
+    // first.
     for (std::size_t i = 0; i <= old->slotMask; ++i) {
         if (old->slots()[i].position != 0) {
             hashes[old->slots()[i].position - 1] = old->slots()[i].hash;
@@ -70,12 +80,14 @@ TableBody* rebuilt(TableBody* old, std::size_t capacity) {
         }
     }
     table->count = table->used;
+    // Without destructors: the entries now belong to the new table.
     ::operator delete(old);
     return table;
 }
 
 bool equalKeys(const NSObject& stored, const NSObject& key) { return stored.isEqual(key); }
 
+// ASCII and other strings never equal each other, so the form decides first.
 bool equalsAscii(const NSObject& stored, StringView text) noexcept {
     if (Access::kind(stored) != Kind::string) {
         return false;
@@ -109,6 +121,7 @@ TableBody* makeTable(std::size_t capacity) {
     auto* const table = static_cast<TableBody*>(::operator new(bytes));
     table->references = 1;
     table->count = 0;
+    // Entries and slots are raw memory until they are used; only the slots must be cleared.
     table->used = 0;
     table->capacity = capacity;
     table->slotMask = slotCount - 1;
@@ -130,6 +143,7 @@ NSDictionaryEntry* findText(TableBody& table, StringView key) {
         return nullptr;
     }
     // Mostly a literal, and ASCII: hashed and checked in one pass.
+    // Bytes above ASCII hash by their units, so then the hash is useless, and the text is converted.
     if (key.form() != StringView::Form::utf16) {
         std::uint64_t seen = 0;
         const std::uint64_t hash = hashBytes(key.bytes(), key.size(), tableSeed(), seen);
@@ -150,11 +164,13 @@ TableBody* setEntry(TableBody* table, NSObject key, NSObject value) {
     NSDictionaryEntry* const known =
         find(*table, hash, [&](const NSObject& stored) { return equalKeys(stored, key); });
     if (known != nullptr) {
+        // The key that is present stays, and with it the entry's place in the order.
         known->value = std::move(value);
         return table;
     }
     if (table->used == table->capacity) {
         // If there are many holes, they are closed instead of growing.
+        // A table that is filled and emptied repeatedly would otherwise grow forever.
         const bool grows = table->count * 4 >= table->capacity * 3;
         table = rebuilt(table, grows ? table->capacity * 2 + smallestCapacity : table->capacity);
     }
@@ -179,11 +195,13 @@ TableBody* sealTable(TableBody* table) {
     if (table == nullptr) {
         return makeTable(0);
     }
+    // A large builder that lost most of its entries should not keep their room in a value that lives long.
     const bool wasteful = table->capacity > 64 && table->count * 2 < table->capacity;
     return table->count != table->used || wasteful ? rebuilt(table, table->count) : table;
 }
 
 TableBody* copyTable(TableBody& table, std::size_t capacity) {
+    // Holes are copied, too, so that positions and hashes stay valid.
     TableBody* const copy = makeTable(capacity < table.used ? table.used : capacity);
     for (std::size_t i = 0; i < table.used; ++i) {
         new (copy->entries() + i) NSDictionaryEntry(table.entries()[i]);
@@ -211,11 +229,13 @@ void freeTable(TableBody* table) noexcept {
 NSDictionaryEntry* onlyCandidate(TableBody& table, const NSObject& key, bool& several) {
     several = false;
     NSDictionaryEntry* first = nullptr;
+    // Only the stored hash is compared; the callback is used to count.
     find(table, hashObject(key, tableSeed()), [&](const NSObject& stored) {
         if (first != nullptr) {
             several = true;
             return true;
         }
+        // The key is the entry's first member.
         first = reinterpret_cast<NSDictionaryEntry*>(const_cast<NSObject*>(&stored));
         return false;
     });

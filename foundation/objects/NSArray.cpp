@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Arrays and their builders.
+// A builder and an array have the same body: finishing a builder hands the body over.
 #include "foundation/objects/NSArray.h"
 
 #include <cstring>
@@ -21,6 +22,7 @@ namespace {
 ArrayBody* arrayBody(detail::Body* body) noexcept { return static_cast<ArrayBody*>(body); }
 
 ArrayBody* allocate(std::size_t capacity) {
+    // Far below the size at which the multiplication overflows.
     if (capacity > (SIZE_MAX >> 6)) {
         throw std::bad_alloc();
     }
@@ -34,6 +36,7 @@ ArrayBody* allocate(std::size_t capacity) {
 }
 
 /// Moves the elements over without touching their reference counts.
+/// Handles may be moved as bytes: they do not refer to themselves.
 ArrayBody* resized(ArrayBody* old, std::size_t capacity) {
     ArrayBody* const body = allocate(capacity);
     if (old != nullptr) {
@@ -45,6 +48,7 @@ ArrayBody* resized(ArrayBody* old, std::size_t capacity) {
 }
 
 ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capacity) {
+    // Checked before anything is allocated, so that an exception leaks nothing.
     for (std::size_t i = 0; i < count; ++i) {
         if (!objects[i]) {
             NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil (at index %lu)",
@@ -95,6 +99,7 @@ const NSObject* NSArray::begin() const noexcept {
 }
 
 const NSObject& NSArray::objectAtIndex(std::size_t index) const {
+    // A reference is returned, so nil needs an object that lives forever.
     static constinit const NSObject absent;
     if (kind_ != detail::Kind::array) {
         return absent;
@@ -144,6 +149,7 @@ NSArray NSArray::sorted(ErasedOrder order, const void* context) const {
     if (!*this) {
         return {};
     }
+    // Pointers are sorted, not handles: no reference counts change.
     std::vector<const NSObject*> inOrder(count());
     for (std::size_t i = 0; i < inOrder.size(); ++i) {
         inOrder[i] = begin() + i;
@@ -167,6 +173,7 @@ NSMutableArray::NSMutableArray(const NSArray& array)
 
 NSMutableArray& NSMutableArray::operator=(NSMutableArray&& other) noexcept {
     detail::Body* const taken = other.body_;
+    // First emptied, so that assigning a builder to itself keeps its elements.
     other.body_ = nullptr;
     freeBuilder(arrayBody(body_));
     body_ = taken;
@@ -187,6 +194,7 @@ void NSMutableArray::addObject(NSObject object) {
     }
     ArrayBody* body = arrayBody(body_);
     if (body == nullptr || body->count == body->capacity) {
+        // Doubling, so that n appended elements cost about n moves.
         body = resized(body, body != nullptr ? body->capacity * 2 + 4 : 4);
         body_ = body;
     }
@@ -205,6 +213,7 @@ void NSMutableArray::removeObjectAtIndex(std::size_t index) {
         raiseRange(index, count());
     }
     ArrayBody* const body = arrayBody(body_);
+    // Released after the array is consistent again, since releasing may run a host's code.
     const NSObject removed = static_cast<NSObject&&>(body->elements()[index]);
     std::memmove(static_cast<void*>(body->elements() + index), body->elements() + index + 1,
                  (body->count - index - 1) * sizeof(NSObject));
@@ -218,6 +227,7 @@ void NSMutableArray::replaceObjectAtIndex_withObject(std::size_t index, NSObject
     if (!object) {
         NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil");
     }
+    // The old element is released when the argument goes out of scope, after the exchange.
     arrayBody(body_)->elements()[index].swap(object);
 }
 
@@ -238,6 +248,7 @@ const NSObject& NSMutableArray::objectAtIndex(std::size_t index) const {
 NSArray NSMutableArray::array() {
     ArrayBody* body = arrayBody(body_);
     body_ = nullptr;
+    // Room that a large array will never use is released.
     if (body == nullptr || (body->capacity > 64 && body->count * 2 < body->capacity)) {
         body = resized(body, body != nullptr ? body->count : 0);
     }

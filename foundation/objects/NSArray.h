@@ -75,6 +75,8 @@ public:
     NSArray arrayByAddingObject(const NSObject& object) const;
 
     /// The elements' descriptions with the separator between them.
+    ///
+    /// NSArray{"b", 2}.componentsJoinedByString(", ");  // "b, 2"
     NSString componentsJoinedByString(StringView separator) const;
 
     /// Sorted ascending by the given order, stably. The order is called with two elements.
@@ -109,6 +111,8 @@ public:
     NSObject firstObject() const;
 
     /// A mutable copy with the first of each group of equal elements, in order.
+    ///
+    /// NSArray{3, 1, 3}.arrayByRemovingDuplicateObjects().array();  // 3, 1
     NSMutableArray arrayByRemovingDuplicateObjects() const;
 
     /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. Nil has none.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Character sets and their builders.
+// Sets of the standard's categories are made on first use, from the tables, and kept.
 #include "foundation/objects/NSCharacterSet.h"
 
 #include "foundation/objects/CharacterSetPages.h"
@@ -17,6 +18,7 @@ using detail::SharedCharacterSet;
 
 namespace {
 
+// Marks count as letters here, like on the platform, so that words with separate accents stay words.
 constexpr CategoryMask lettersAndMarks =
     maskOf(GeneralCategory::uppercaseLetter, GeneralCategory::enclosingMark);
 constexpr CategoryMask numbers = maskOf(GeneralCategory::decimalNumber, GeneralCategory::otherNumber);
@@ -37,6 +39,7 @@ NSCharacterSet setOfCategories() {
 
 void addWhitespace(CharacterSetPages& pages) {
     pages.setCategories(maskOf(GeneralCategory::spaceSeparator));
+    // The tab is a control character by category.
     pages.setRange(0x0009, 0x000A, true);
 }
 
@@ -47,10 +50,12 @@ void addNewlines(CharacterSetPages& pages) {
 }
 
 /// Raises unless all of the range is in the code space.
+/// An empty range is accepted wherever it begins.
 char32_t endOfRange(const char* operation, NSRange range) {
     if (range.length == 0) {
         return 0;
     }
+    // In this order, so that neither sum nor difference wraps.
     if (range.location >= detail::codeSpace || range.length > detail::codeSpace - range.location) {
         NSException::raise_format(NSInvalidArgumentException, "%s: {%lu, %lu} goes beyond U+10FFFF",
                                   operation, range.location, range.length);
@@ -191,6 +196,7 @@ bool NSCharacterSet::isSupersetOfSet(const NSCharacterSet& other) const noexcept
             return false;
         }
     }
+    // Nil is a superset of nothing, not even of the empty set.
     return static_cast<bool>(*this);
 }
 
@@ -252,6 +258,7 @@ bool NSMutableCharacterSet::longCharacterIsMember(char32_t codePoint) const noex
 }
 
 NSCharacterSet NSMutableCharacterSet::characterSet() {
+    // The builder is empty afterwards, like all builders.
     const NSCharacterSet set = present(pages_).characterSet();
     *pages_ = CharacterSetPages();
     return set;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Bytes as values.
+// The bytes follow the header in one allocation. Data are never changed once made.
 #include "foundation/objects/NSData.h"
 
 #include <cstring>

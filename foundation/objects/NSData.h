@@ -52,6 +52,8 @@ public:
 
     /// The bytes that a Base64 text encodes, by the rules of `NewBase64Decode`. Empty for nil, for a text
     /// with a character that is not ASCII, and for one without any character of the alphabet.
+    ///
+    /// NSData::dataFromBase64String("aGVsbG8=");  // the bytes of "hello"
     static NSData dataFromBase64String(const NSString& text);
 
     /// The Base64 text in lines of 64 characters with CR LF between them. Nil for nil.

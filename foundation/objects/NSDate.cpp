@@ -5,6 +5,7 @@
 namespace ZQFoundation {
 
 NSComparisonResult NSDate::compare(const NSDate& other) const noexcept {
+    // Nil compares as the same, as for any message to nil.
     if (kind_ != detail::Kind::date || other.kind_ != detail::Kind::date ||
         payload_.real == other.payload_.real) {
         return NSOrderedSame;

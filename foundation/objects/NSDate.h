@@ -69,8 +69,8 @@ public:
                              : static_cast<bool>(left) <=> static_cast<bool>(right);
     }
 
-    /// @name NSDate(ZQFoundation) Calendars are created at each call, in the process's time zone of that
-    /// moment unless one is given.
+    /// @name NSDate(ZQFoundation)
+    /// Calendars are created at each call, in the process's time zone of that moment unless one is given.
     /// @{
 
     /// The instant of Gregorian fields; a nil zone is the process's. Fields out of range carry over: day 0 is
@@ -78,6 +78,9 @@ public:
     /// the offset from before the change, one that occurs twice is the first. `NSDateComponentUndefined`
     /// omits a field: it is then 1 for year, month and day, else 0. Nil if there is no such instant within
     /// 292,000,000,000 years of 1970.
+    ///
+    /// // 2024-03-01 12:00 UTC: February 2024 has 29 days
+    /// NSDate::dateWithYear_month_day_hour_minute_second_timeZone(2024, 2, 30, 12, 0, 0, utc);
     static NSDate dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t year, std::int64_t month,
                                                                      std::int64_t day, std::int64_t hour,
                                                                      std::int64_t minute, std::int64_t second,
@@ -116,7 +119,7 @@ public:
     std::int64_t calendarWeek() const noexcept;
 
     /// The year to which that week belongs, which may differ from the date's own; it counts through 0. 0 for
-    /// nil and for a date beyond the calendar.
+    /// nil and for a date beyond the calendar. For 2 January 2027 it is 2026: that day is in week 53 of 2026.
     std::int64_t yearForCalendarWeek() const noexcept;
 
     /// The month, 1 to 12; 0 for nil and for a date beyond the calendar.

@@ -95,6 +95,9 @@ public:
     /// @{
 
     /// The dictionary in a property-list text (old-style or XML); nil for any other text. Never raises.
+    ///
+    /// NSDictionary::dictionaryWithContentsOfString("{ a = 1; b = (x, y); }");  // two entries
+    /// NSDictionary::dictionaryWithContentsOfString("( 1, 2 )");                // nil: an array
     static NSDictionary dictionaryWithContentsOfString(StringView text);
 
     /// "{ A = ( x ); b = 2; }", keys in case-insensitive order; "{ }" when empty; nil for nil.
@@ -102,12 +105,18 @@ public:
 
     /// The truth of the value: its string form by the string rule (so 0.5 is false here), else the low 8 bits
     /// of its integer form; false when missing.
+    ///
+    /// const NSDictionary values{{"a", 0.5}, {"b", "Yes"}}; values.boolForKey("a");  // false
+    /// values.boolForKey("b");  // true
     bool boolForKey(StringView key) const;
 
     /// The value's `floatValue`; 0 when missing or without one.
     float floatForKey(StringView key) const;
 
     /// The value's 32-bit `intValue`, widened; 0 when missing or without one.
+    ///
+    /// NSDictionary{{"n", "12abc"}}.integerForKey("n");     // 12 NSDictionary{{"n",
+    /// 5000000000}}.integerForKey("n");  // 705032704: the low 32 bits
     std::int64_t integerForKey(StringView key) const;
 
     /// The key if the dictionary has no value for it, else nil, **whether or not a key with a counter is

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Exceptions with a name, a reason and a dictionary.
+// The text for `what` is made at once, because that function may neither allocate nor fail.
 #include "foundation/objects/NSException.h"
 
 #include <string>
@@ -14,6 +15,7 @@ NSException::NSException(NSString name, NSString reason, NSDictionary userInfo)
         text += ": ";
     }
     text += reason_.utf8();
+    // With its NUL. Data, because copies of an exception share it.
     what_ = NSData::dataWithBytes_length(text.c_str(), text.size() + 1);
 }
 

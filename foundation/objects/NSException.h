@@ -11,9 +11,19 @@
 namespace ZQFoundation {
 
 /// What the platform's operations raise: a name, a reason and an optional dictionary. Any of them may be nil.
+/// It is thrown by value and caught by reference, also as a `std::exception`:
+///
+///     try {
+///         array.objectAtIndex(5);
+///     } catch (const NSException& exception) {
+///         if (exception.name() == NSRangeException) ...
+///     }
+///
+/// Copies share their parts, so copying never fails, and a copy may be kept.
 class ZQFOUNDATION_EXPORT NSException : public std::exception {
 public:
-    /// An exception of these parts, to be thrown by value.
+    /// An exception of these parts, to be thrown by value. Raises nothing itself; `raise_format` does both in
+    /// one call.
     NSException(NSString name, NSString reason, NSDictionary userInfo = nullptr);
     NSException(const NSException&) noexcept = default;
     NSException& operator=(const NSException&) noexcept = default;
@@ -28,10 +38,13 @@ public:
     /// Further facts, as agreed between the code that raises and the code that catches.
     const NSDictionary& userInfo() const noexcept { return userInfo_; }
 
-    /// "Name: reason" in UTF-8; valid as long as the exception or a copy of it.
+    /// "Name: reason" in UTF-8; valid as long as the exception or a copy of it. Never null, and made in the
+    /// constructor, so it needs no memory when it is asked for.
     const char* what() const noexcept override;
 
     /// Raises an exception whose reason is formatted as `NSString::stringWithFormat` does.
+    ///
+    ///     NSException::raise_format(NSRangeException, "%d of %d", 7, 5);  // "NSRangeException: 7 of 5"
     template <class... Arguments>
     [[noreturn]] static void raise_format(const NSString& name,
                                           FormatString<std::type_identity_t<Arguments>...> format,

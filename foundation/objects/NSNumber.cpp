@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Converts, compares, hashes and prints numbers.
+// Integers are compared as integers and reals as reals; across both, the comparison is exact as well.
 #include "foundation/objects/NSNumber.h"
 
 #include <cmath>
@@ -19,6 +20,7 @@ namespace {
 constexpr double twoTo63 = 9223372036854775808.0;
 constexpr double twoTo64 = 18446744073709551616.0;
 
+// A plain conversion beyond the range is undefined; this saturates, and NaN gives 0.
 std::int64_t truncated(double value) noexcept {
     if (std::isnan(value)) {
         return 0;
@@ -34,6 +36,7 @@ NSComparisonResult ordered(T left, T right) noexcept {
     return left < right ? NSOrderedAscending : right < left ? NSOrderedDescending : NSOrderedSame;
 }
 
+// Only signed integers can be negative; a large unsigned one has the same bits.
 bool isNegative(const NSObject& number) noexcept {
     return Access::kind(number) != Kind::unsignedInteger && Access::integer(number) < 0;
 }
@@ -42,12 +45,14 @@ NSComparisonResult compareIntegers(const NSObject& left, const NSObject& right) 
     if (isNegative(left) != isNegative(right)) {
         return isNegative(left) ? NSOrderedAscending : NSOrderedDescending;
     }
+    // With equal signs, two's complement orders like unsigned numbers.
     return ordered(static_cast<std::uint64_t>(Access::integer(left)),
                    static_cast<std::uint64_t>(Access::integer(right)));
 }
 
 /// Compares exactly: the integer is never rounded to a double first.
 NSComparisonResult compareIntegerWithReal(const NSObject& integer, double real) noexcept {
+    // NaN is below every number that is not negative, and above those that are.
     if (std::isnan(real)) {
         return isNegative(integer) ? NSOrderedAscending : NSOrderedDescending;
     }
@@ -57,6 +62,7 @@ NSComparisonResult compareIntegerWithReal(const NSObject& integer, double real) 
     if (real < -twoTo63) {
         return NSOrderedDescending;
     }
+    // The integral part decides, except when it is equal; then a fraction makes the real larger.
     const double whole = std::floor(real);
     const NSObject wholeNumber =
         whole < 0 ? NSObject(static_cast<std::int64_t>(whole)) : NSObject(static_cast<std::uint64_t>(whole));
@@ -92,6 +98,7 @@ NSComparisonResult compareNumbers(const NSObject& left, const NSObject& right) n
     return rightReal ? compareIntegerWithReal(left, Access::real(right)) : compareIntegers(left, right);
 }
 
+// Numbers that are equal must hash alike, so a real with an integral value hashes as that integer.
 std::uint64_t numberHashInput(const NSObject& number) noexcept {
     if (!isRealNumber(number)) {
         return static_cast<std::uint64_t>(Access::integer(number));
@@ -101,6 +108,7 @@ std::uint64_t numberHashInput(const NSObject& number) noexcept {
         return real < 0 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(real))
                         : static_cast<std::uint64_t>(real);
     }
+    // All NaNs are equal, whatever their bits. Two zeros are caught above, as the integer 0.
     const double canonical = std::isnan(real) ? std::nan("") : real;
     std::uint64_t bits;
     std::memcpy(&bits, &canonical, sizeof bits);
@@ -133,6 +141,7 @@ namespace ZQFoundation {
 NSNumber::NSNumber(const NSObject& object) noexcept
     : NSObject(detail::isNumber(object) ? object : NSObject()) {}
 
+// Reals are cut toward zero; values outside the range give the nearest limit.
 std::int64_t NSNumber::integerValue() const noexcept {
     if (isReal()) {
         return truncated(payload_.real);
@@ -141,6 +150,7 @@ std::int64_t NSNumber::integerValue() const noexcept {
 }
 
 std::uint64_t NSNumber::unsignedLongLongValue() const noexcept {
+    // Above the signed range the conversion has to be made unsigned.
     if (isReal() && payload_.real >= twoTo63) {
         return payload_.real >= twoTo64 ? UINT64_MAX : static_cast<std::uint64_t>(payload_.real);
     }
@@ -149,6 +159,7 @@ std::uint64_t NSNumber::unsignedLongLongValue() const noexcept {
 
 int NSNumber::intValue() const noexcept { return static_cast<int>(unsignedIntValue()); }
 
+// The low 32 bits of the integer value: 5000000000 gives 705032704.
 unsigned NSNumber::unsignedIntValue() const noexcept {
     return static_cast<unsigned>(integerValue() & 0xFFFFFFFF);
 }

@@ -106,6 +106,9 @@ public:
     /// Larger fields than those shown are **dropped, not carried**: 3725 in two fields is "2:05". With
     /// `suppressZeroes`, leading hours and minutes that are zero are omitted. The empty string for negative
     /// seconds; nil for nil.
+    ///
+    /// NSNumber(65).durationDescriptionWithFieldCount_suppressZeroes(3, false);  // "0:01:05"
+    /// NSNumber(65).durationDescriptionWithFieldCount_suppressZeroes(3, true);   // "1:05"
     NSString durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
                                                               detail::Flag suppressZeroes) const;
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What all values have in common: release, class names, optional forms.
+// The hardest promise here is that releasing a value of any depth neither overflows the stack nor allocates.
 #include "foundation/objects/NSObject.h"
 
 #include <new>
@@ -47,6 +48,8 @@ public:
     /// Releases one reference; the handle is not destroyed, its storage is simply freed.
     void releaseMember(const NSObject& member) noexcept {
         const Kind kind = Access::kind(member);
+        // Kinds before strings have no body. Acquire and release: what other threads did with the value
+        // happens before it is destroyed.
         if (kind >= Kind::string &&
             __atomic_sub_fetch(&Access::body(member)->references, 1, __ATOMIC_ACQ_REL) == 0) {
             push(kind, Access::body(member));
@@ -77,9 +80,11 @@ void deleteHost(NSObjectProtocol* object, DeadBodies& dead) noexcept {
     releasingHost = outer;
 }
 
+// Only bodies are visited. Members are released by their counts, and end up in `dead` when theirs reaches 0.
 void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
     switch (kind) {
     case Kind::string:
+        // That memory is not the allocator's.
         if (static_cast<StringBody*>(body)->isSignalSafe) {
             return giveBackSignalSafeMemory(body);
         }
@@ -107,6 +112,7 @@ void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
     case Kind::hostObject:
         deleteHost(static_cast<HostBody*>(body)->object, dead);
         break;
+    // Data and character sets own nothing else.
     default:
         break;
     }
@@ -116,6 +122,7 @@ void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
 } // namespace
 
 void destroy(Kind kind, Body* body) noexcept {
+    // Strings and data release nothing, so they need no detour.
     const bool mayHoldOthers = kind > Kind::data;
     if (mayHoldOthers && releasingHost != nullptr) {
         releasingHost->push(kind, body);
@@ -128,6 +135,8 @@ void destroy(Kind kind, Body* body) noexcept {
 }
 
 NSObject adoptHostObject(NSObjectProtocol* object) {
+    // The host's object must not leak when there is no memory for its body, so nothing may throw before it
+    // is owned.
     void* const storage = ::operator new(sizeof(HostBody), std::nothrow);
     if (storage == nullptr) {
         delete object;
@@ -193,6 +202,7 @@ NSString NSObject::className() const {
     return StringView(name.start, name.length);
 }
 
+// These three answer whether a value has such a form at all, which is different from a form of 0.
 std::optional<NSString> NSObject::offeredStringValue() const {
     if (detail::isNumber(*this)) {
         return as<NSNumber>().stringValue();
@@ -221,6 +231,7 @@ std::optional<float> NSObject::offeredFloatValue() const {
 }
 
 void detail::printCondensed(const NSObject& object, std::ostream& stream) {
+    // For debuggers and test output: nil must be visible.
     stream << (object ? object.condensedDescription().utf8() : "(nil)");
 }
 

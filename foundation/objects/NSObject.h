@@ -44,15 +44,15 @@ namespace ZQFoundation::detail {
 /// What a handle refers to. Everything from `string` on is a counted body; the rest is stored in the handle
 /// itself.
 enum class Kind : unsigned char {
-    absent,
-    null,
-    boolean,
-    signedInteger,
+    absent,          ///< nil
+    null,            ///< the null object, which is not nil
+    boolean,         ///< made from a `bool`; equals 1 or 0
+    signedInteger,   ///< everything that fits
     unsignedInteger, ///< only values beyond the signed range
-    real,
-    singleReal,
-    date,
-    classObject,
+    real,            ///< a `double`
+    singleReal,      ///< from a `float`, which is described with fewer digits
+    date,            ///< seconds, as a `double`
+    classObject,     ///< a pointer to a constant
     string,
     data,
     url,
@@ -60,12 +60,13 @@ enum class Kind : unsigned char {
     dictionary,
     set,
     characterSet,
-    hostObject,
+    hostObject, ///< an object of a class of the host
 };
 
-/// The head of every immutable, counted body.
+/// The head of every immutable, counted body: the rest is known only inside the library. Part of the binary
+/// interface, because copies of handles are compiled into hosts.
 struct Body {
-    std::size_t references;
+    std::size_t references; ///< accessed by atomic operations alone once two handles share the body
 };
 
 struct ClassRecord;
@@ -73,29 +74,38 @@ struct ClassRecord;
 /// Destroys a body after its last reference and, without recursion, everything that only it referred to.
 ZQFOUNDATION_EXPORT void destroy(Kind kind, Body* body) noexcept;
 
+/// Another handle refers to the body. Relaxed: the caller has a reference, so it stays alive meanwhile.
 inline void retain(Body* body) noexcept { __atomic_add_fetch(&body->references, 1, __ATOMIC_RELAXED); }
 
+/// A handle no longer refers to the body, which the last one destroys. The order makes what other threads did
+/// with it happen before its destruction.
 inline void release(Kind kind, Body* body) noexcept {
     if (__atomic_sub_fetch(&body->references, 1, __ATOMIC_ACQ_REL) == 0) {
         destroy(kind, body);
     }
 }
 
+/// Character types, which are neither texts nor numbers: in a collection one could mean either, so it does
+/// not compile.
 template <class T>
 inline constexpr bool isCharacter =
     std::is_same_v<T, char> || std::is_same_v<T, wchar_t> || std::is_same_v<T, char8_t> ||
     std::is_same_v<T, char16_t> || std::is_same_v<T, char32_t>;
 
+/// Only `bool` itself: a pointer, which converts to it, is not a truth value.
 template <class T>
 concept BooleanValue = std::is_same_v<T, bool>;
 
+/// Integers of at most 64 bits, without `bool` and characters.
 template <class T>
 concept IntegerValue = std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t) && !BooleanValue<T> &&
                        !isCharacter<T>;
 
+/// `long double` is excluded: a value has 64 bits.
 template <class T>
 concept RealValue = std::is_same_v<T, double> || std::is_same_v<T, float>;
 
+/// What becomes a number when it is made a value.
 template <class T>
 concept NumericValue = BooleanValue<T> || IntegerValue<T> || RealValue<T>;
 
@@ -107,6 +117,11 @@ namespace ZQFoundation {
 
 /// A nullable handle to any value: string, number, date, data, collection, class, host object or nil.
 ///
+///     NSObject value = "text";                        // a string
+///     value = 5;                                      // a number
+///     value = NSDictionary{{"key", value}};           // {"key": 5}
+///     NSString text = value.as<NSString>();           // nil: it is a dictionary
+///
 /// As large as two pointers. Numbers, dates and nil live in the handle; everything else is an immutable,
 /// reference-counted body that all copies share, so handles are cheap to copy and values may be read from any
 /// thread. (Two threads must not change the *same handle* at once, as with any object.)
@@ -117,7 +132,9 @@ namespace ZQFoundation {
 /// character does not compile, and `NSArray{}` is a nil handle, not an empty array.
 class ZQFOUNDATION_EXPORT NSObject {
 public:
+    /// Nil.
     constexpr NSObject() noexcept : payload_{.integer = 0}, kind_(detail::Kind::absent) {}
+    /// Nil.
     constexpr NSObject(std::nullptr_t) noexcept : NSObject() {}
 
     /// A boolean number.
@@ -146,12 +163,14 @@ public:
     template <detail::ConvertedObject T>
     NSObject(const T& object) : NSObject(detail::convertedObject(object)) {}
 
+    /// Another handle to the same value; copies no contents.
     NSObject(const NSObject& other) noexcept : payload_(other.payload_), kind_(other.kind_) {
         if (isCounted()) {
             detail::retain(payload_.body);
         }
     }
 
+    /// Takes the value; the other handle becomes nil.
     constexpr NSObject(NSObject&& other) noexcept : payload_(other.payload_), kind_(other.kind_) {
         other.kind_ = detail::Kind::absent;
     }
@@ -178,7 +197,7 @@ public:
     constexpr explicit operator bool() const noexcept { return kind_ != detail::Kind::absent; }
 
     /// The value as another type: as a handle, nil if it is of another kind (`object.as<NSString>()`), or as
-    /// what the type's `ObjectConversion` makes of it.
+    /// what the type's `ObjectConversion` makes of it. Converts no contents: a number is not a string.
     template <class T>
     T as() const noexcept(!detail::ConvertedBack<T>) {
         if constexpr (detail::ConvertedBack<T>) {
@@ -193,9 +212,13 @@ public:
 
     /// The class's name ("NSString", "NSNumber", ...), a class object's own name, what a host object returns;
     /// nil for nil.
+    ///
+    ///     NSObject(5).className();       // "NSNumber"
+    ///     NSObject("5").className();     // "NSString"
     NSString className() const;
 
-    /// The platform's text for the value (collections indented over several lines); nil for nil.
+    /// The platform's text for the value (collections indented over several lines); nil for nil. A string is
+    /// its own description. `condensedDescription` is the form for one line.
     NSString description() const;
 
     /// Equal by content within one kind; numbers by numeric value across theirs. Nil equals nothing, not even
@@ -210,12 +233,12 @@ public:
     /// other value.
     std::optional<NSString> offeredStringValue() const;
 
-    /// The value's 32-bit integer form, if it offers one: that of a number or a string, a host object's
-    /// `intValue`; empty for any other value.
+    /// The value's 32-bit integer form, if it offers one: that of a number or a string (0 for a string
+    /// without digits), a host object's `intValue`; empty for any other value.
     std::optional<int> offeredIntValue() const;
 
-    /// The value's floating-point form, if it offers one: that of a number or a string, a host object's
-    /// `floatValue`; empty for any other value.
+    /// The value's floating-point form, if it offers one: that of a number or a string (0 for a string
+    /// without digits), a host object's `floatValue`; empty for any other value.
     std::optional<float> offeredFloatValue() const;
 
     /// Whether the value offers the operation: a host object decides itself, for a class of `ClassesByName.h`
@@ -263,6 +286,7 @@ public:
     /// @}
 
 protected:
+    /// What `kind_` says: the number, the date, the class or the address of the body.
     union Payload {
         detail::Body* body;
         std::int64_t integer;
@@ -270,12 +294,14 @@ protected:
         const detail::ClassRecord* classRecord;
     };
 
+    /// For the typed handles, which know the kind of what they make.
     constexpr NSObject(Payload payload, detail::Kind kind) noexcept : payload_(payload), kind_(kind) {}
 
     /// For the checked conversions of the typed handles.
     NSObject(const NSObject& other, detail::Kind wanted) noexcept
         : NSObject(other.kind_ == wanted ? other : NSObject()) {}
 
+    /// Whether the payload is a body with a reference count.
     constexpr bool isCounted() const noexcept { return kind_ >= detail::Kind::string; }
 
     Payload payload_;
@@ -284,6 +310,8 @@ protected:
 private:
     friend struct detail::Access;
 
+    /// One kind for each value, so that equal numbers have equal kinds: unsigned only beyond the signed
+    /// range.
     template <class T>
     static constexpr detail::Kind integerKind(T value) noexcept {
         if constexpr (std::is_unsigned_v<T> && sizeof(T) == sizeof(std::int64_t)) {
@@ -299,7 +327,10 @@ private:
 
 static_assert(sizeof(NSObject) == 2 * sizeof(void*));
 
-/// The null object, which means "no value" inside collections.
+/// The null object, which means "no value" inside collections, where nil is not allowed. It equals itself and
+/// is true.
+///
+///     NSArray{"a", NSNull::null()}.count();  // 2
 class ZQFOUNDATION_EXPORT NSNull : public NSObject {
 public:
     constexpr NSNull() noexcept = default;
@@ -318,11 +349,13 @@ public:
 } // namespace ZQFoundation
 
 namespace ZQFoundation::detail {
+/// Declared with the arguments, defined where handles are complete.
 template <class T>
 NSObject convertedArgument(const void* object) {
     return convertedObject(*static_cast<const T*>(object));
 }
 
+/// For the stream operator, so that this header only declares streams.
 ZQFOUNDATION_EXPORT void printCondensed(const NSObject& object, std::ostream& stream);
 } // namespace ZQFoundation::detail
 

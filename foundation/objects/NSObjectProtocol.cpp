@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The defaults of host classes, among them the class name, found by the type.
+// A class name costs no allocation for nearly all classes: it is a part of the name that the compiler
+// stored.
 #include "foundation/objects/NSObjectProtocol.h"
 
 #include <cstdlib>
@@ -27,9 +29,11 @@ bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
     name = {};
     while (isDigit(*next)) {
         std::size_t length = 0;
+        // The bound keeps a malformed name from overflowing the number.
         while (isDigit(*next) && length < 10000) {
             length = length * 10 + static_cast<std::size_t>(*next++ - '0');
         }
+        // A length that reaches beyond the text means that this is not a plain name.
         if (length > std::strlen(next)) {
             return false;
         }
@@ -51,6 +55,7 @@ constinit const ReadName* readNames = nullptr;
 
 const ReadName& readName(const char* mangled) {
     const ReadName* const first = __atomic_load_n(&readNames, __ATOMIC_ACQUIRE);
+    // Few classes get here, so a list is enough.
     for (const ReadName* known = first; known != nullptr; known = known->next) {
         if (known->mangled == mangled) {
             return *known;
@@ -62,6 +67,7 @@ const ReadName& readName(const char* mangled) {
     const char* const whole = demangled != nullptr ? demangled.get() : mangled;
     const NameSpan own =
         demangled != nullptr ? ownName(whole, std::strlen(whole)) : NameSpan{whole, std::strlen(whole)};
+    // If two threads add the same name, both entries stay, and either is right.
     auto* const fresh = new ReadName{first, mangled, std::string(own.start, own.length)};
     while (!__atomic_compare_exchange_n(&readNames, &fresh->next, fresh, false, __ATOMIC_RELEASE,
                                         __ATOMIC_RELAXED)) {
@@ -72,6 +78,7 @@ const ReadName& readName(const char* mangled) {
 } // namespace
 
 NameSpan dynamicTypeName(const std::type_info& type) {
+    // Compilers mark names that are unique to one object file by a star.
     const char* const mangled = type.name()[0] == '*' ? type.name() + 1 : type.name();
     NameSpan name;
     // Unnamed namespaces start with "_GLOBAL__N_"; they too are only enclosing names.
@@ -108,6 +115,7 @@ NSString NSObjectProtocol::className() const {
     return StringView(name.start, name.length);
 }
 
+// The address tells objects of one class apart.
 NSString NSObjectProtocol::description() const {
     return NSString::stringWithFormat("<%@: %p>", className(), static_cast<const void*>(this));
 }
@@ -126,6 +134,7 @@ bool NSObjectProtocol::respondsToSelector(const Selector&) const { return false;
 
 NSObject NSObjectProtocol::performSelector_withObject(const Selector&, const NSObject&) { return nullptr; }
 
+// By identity, in agreement with `isEqual`; a class that overrides one must override both.
 std::size_t NSObjectProtocol::hash() const {
     const void* const address = this;
     return detail::hashBytes(&address, sizeof address, 0);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Sets of values.
+// A set is a table whose values are all the same.
 #include "foundation/objects/NSSet.h"
 
 #include "foundation/objects/KeyTable.h"
@@ -25,6 +26,7 @@ TableBody* tableWith(const NSObject* members, std::size_t count) {
         if (!members[i]) {
             NSException::raise_format(NSInvalidArgumentException, "a set cannot hold nil");
         }
+        // The first of equal members stays.
         if (owner.table == nullptr || detail::findKey(*owner.table, members[i]) == nullptr) {
             owner.table = detail::setEntry(owner.table, members[i], NSNull::null());
         }
@@ -68,6 +70,7 @@ NSObject NSSet::member(const NSObject& object) const {
 NSArray NSSet::allObjects() const {
     NSMutableArray members(count());
     for (std::size_t i = 0; i < count(); ++i) {
+        // A finished table has no holes, so its entries are the members.
         members.addObject(tableOf(*this)->entries()[i].key);
     }
     return *this ? members.array() : NSArray();

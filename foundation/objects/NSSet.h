@@ -8,7 +8,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Walks the members of a set, which are the keys of its entries.
+/// Walks the members of a set, which are the keys of its entries: a set has the layout of a dictionary. A
+/// forward iterator; valid as long as a handle holds the set.
 class SetIterator {
 public:
     using value_type = NSObject;
@@ -37,6 +38,12 @@ private:
 namespace ZQFoundation {
 
 /// An immutable collection of distinct values, none of them nil; iterated in the order of insertion.
+///
+///     const NSSet names{"a", "b", "a"};
+///     names.count();               // 2
+///     names.containsObject("b");   // true, by content, in constant time
+///
+/// Values are distinct by `isEqual`: 1 and 1.0 are the same member, the first one given.
 class ZQFOUNDATION_EXPORT NSSet : public NSObject {
 public:
     constexpr NSSet() noexcept = default;
@@ -71,10 +78,10 @@ public:
     /// The end of the members, for `for` loops.
     detail::SetIterator end() const noexcept;
 
-    /// Whether a member equals the object.
+    /// Whether a member equals the object; false for nil, and for a nil set.
     bool containsObject(const NSObject& object) const;
 
-    /// The equal member, or nil.
+    /// The equal member, or nil. It may differ from the object: for 1.0 it may be 1.
     NSObject member(const NSObject& object) const;
 
     /// The members in the order of insertion; nil for nil.
@@ -88,6 +95,8 @@ public:
 
     /// The string if it is not a member, else the first concatenation of string, intermediate string and
     /// counter that is not one, the counter from 1 to `maxAttempts`; nil if all are members.
+    ///
+    /// NSSet{"a", "a 1"}.uniqueStringForString_usingIntermediateString_maxAttempts("a", " ", 10);  // "a 2"
     NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
                                                                        StringView intermediateString,
                                                                        std::uint64_t maxAttempts) const;

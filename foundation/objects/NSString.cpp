@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Makes strings, their substrings and conversions, and implements their builder.
+// A body has its form for life, bytes or units, chosen by its contents: every function here has a branch for
+// each.
 #include "foundation/objects/NSString.h"
 
 #include <cstring>
@@ -25,6 +27,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+// The length is limited so that its bytes, doubled and with the header, stay far from overflow.
 std::size_t bytesOfString(std::size_t length, bool isAscii) {
     if (length > (SIZE_MAX >> 3)) {
         throw std::bad_alloc();
@@ -32,6 +35,7 @@ std::size_t bytesOfString(std::size_t length, bool isAscii) {
     return sizeof(StringBody) + length * (isAscii ? 1 : sizeof(char16_t));
 }
 
+// In any memory: the flag says where to return it.
 StringBody* stringIn(void* memory, std::size_t length, bool isAscii, bool isSignalSafe) noexcept {
     auto* const body = static_cast<StringBody*>(memory);
     body->references = 1;
@@ -59,6 +63,7 @@ NSString makeAsciiString(const char* bytes, std::size_t count) {
 
 NSString makeString(const char16_t* units, std::size_t count) {
     const bool isAscii = asciiPrefixLength(units, count) == count;
+    // Narrow if possible: a string has the same form wherever it comes from.
     StringBody* const body = allocateString(count, isAscii);
     if (isAscii) {
         narrowAscii(units, count, body->ascii());
@@ -68,6 +73,7 @@ NSString makeString(const char16_t* units, std::size_t count) {
     return Access::adoptString(body);
 }
 
+// Never fails: each ill-formed piece becomes U+FFFD.
 NSString makeString(const char* utf8, std::size_t count) {
     if (asciiPrefixLength(utf8, count) == count) {
         return makeAsciiString(utf8, count);
@@ -102,6 +108,7 @@ void copyUnits(const StringBody& body, std::size_t start, std::size_t count, cha
     }
 }
 
+// A piece of units may be ASCII by itself, and is then narrowed.
 NSString part(const StringBody& body, std::size_t start, std::size_t count) {
     return body.isAscii ? detail::makeAsciiString(body.ascii() + start, count)
                         : detail::makeString(body.units() + start, count);
@@ -134,6 +141,7 @@ StringView NSString::view() const noexcept {
 NSString NSString::string() { return detail::makeAsciiString("", 0); }
 
 NSString NSString::stringWithUTF8Bytes(const char* bytes, std::size_t byteCount) {
+    // Asked for by name, ill-formed bytes give nil instead of a replacement.
     return detail::isWellFormedUtf8(bytes, byteCount) ? detail::makeString(bytes, byteCount) : NSString();
 }
 
@@ -145,6 +153,7 @@ NSString NSString::stringWithFileSystemBytes(const char* bytes, std::size_t byte
     if (detail::asciiPrefixLength(bytes, byteCount) == byteCount) {
         return detail::makeAsciiString(bytes, byteCount);
     }
+    // Foreign bytes become unpaired surrogates that `getFileSystemBytes` turns into the same bytes again.
     constexpr auto policy = detail::IllFormed::fileName;
     StringBody* const body = detail::allocateString(detail::utf16Length(bytes, byteCount, policy), false);
     detail::utf8ToUtf16(bytes, byteCount, body->units(), policy);
@@ -213,6 +222,7 @@ bool NSString::getFileSystemBytes(std::string& out) const {
     if (body == nullptr) {
         return false;
     }
+    // A NUL would end the path early, in another file's name.
     const bool hasForm = body->isAscii ? std::memchr(body->ascii(), 0, body->length) == nullptr
                                        : detail::hasFileNameForm(body->units(), body->length);
     if (hasForm) {
@@ -249,6 +259,7 @@ NSString NSString::substringToIndex(std::size_t index) const {
     if (index > body->length) {
         raiseRange("substringToIndex:", index, body->length);
     }
+    // The whole string is shared, not copied.
     return index == body->length ? *this : part(*body, 0, index);
 }
 
@@ -300,6 +311,8 @@ double NSString::doubleValue() const noexcept {
                          : detail::readDouble(body->units(), body->length);
 }
 
+// Rounded from double: a decimal number may then differ in the last place from a direct conversion, as on
+// the platform.
 float NSString::floatValue() const noexcept { return static_cast<float>(doubleValue()); }
 
 NSMutableString::NSMutableString() : builder_(new detail::TextBuilder) {}

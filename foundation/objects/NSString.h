@@ -115,6 +115,9 @@ public:
     static NSString stringWithFormat_arguments(StringView format, ArgumentList arguments);
 
     /// As `stringWithFormat`, with the locale's decimal separator and grouping; a nil locale has neither.
+    ///
+    /// NSString::initWithFormat_locale("%.2f", NSLocale::localeWithLocaleIdentifier("de_DE"), 1234.5); //
+    /// "1.234,50"
     template <class... Arguments>
     static NSString initWithFormat_locale(FormatString<std::type_identity_t<Arguments>...> format,
                                           const NSLocale& locale, const Arguments&... arguments) {
@@ -241,6 +244,8 @@ public:
                                                   NSRange range) const;
 
     /// The pieces between the separators, including empty ones; the whole text for an empty separator.
+    ///
+    /// NSString("a,b,,c").componentsSeparatedByString(",");  // "a", "b", "", "c"
     NSArray componentsSeparatedByString(StringView separator) const;
 
     /// The text without members of the set at either end, however many there are.
@@ -260,6 +265,8 @@ public:
 
     /// The leading decimal number in 32 bits, saturating: white space, a sign, then ASCII digits up to the
     /// first other unit. 0 without a digit, and for nil.
+    ///
+    /// NSString("12 items").intValue();  // 12
     int intValue() const noexcept;
 
     /// The leading decimal number in 64 bits, saturating; read as by `intValue`.
@@ -275,8 +282,9 @@ public:
     /// `doubleValue`, rounded to a float.
     float floatValue() const noexcept;
 
-    /// @name Paths "Squeezed" means that each run of "/" becomes one, and that a trailing "/" is removed
-    /// except from "/" itself.
+    /// @name Paths
+    /// "Squeezed" means that each run of "/" becomes one, and that a trailing "/" is removed except from "/"
+    /// itself.
     /// @{
 
     /// The text after the last "/", a trailing "/" dropped first; "/" for slashes alone.
@@ -296,6 +304,8 @@ public:
     static NSString pathWithComponents(const NSArray& components);
 
     /// The text after the last "." of the last component, unless that "." is its first character.
+    ///
+    /// NSString("/a/b.tar.gz").pathExtension();  // "gz" NSString("/a/.profile").pathExtension();  // ""
     NSString pathExtension() const;
 
     /// The path without the extension that `pathExtension` returns, and without its ".".
@@ -366,12 +376,18 @@ public:
     /// @{
 
     /// Whether the upper-cased text is "YES" or `intValue` is not zero. Replaces the platform's own rule.
+    ///
+    /// NSString("yes").boolValue();   // true NSString("true").boolValue();  // false NSString("
+    /// 2x").boolValue();   // true
     bool boolValue() const;
 
-    /// `other` unless it is nil, else this string: **the receiver is the default**.
+    /// `other` unless it is nil, else this string: **the receiver is the default**. Nil for a nil receiver,
+    /// whatever the argument is.
+    ///
+    ///     NSString("unknown").asDefaultOr(settings["name"].as<NSString>());
     NSString asDefaultOr(const NSString& other) const;
 
-    /// Whether there is no unit; false for nil.
+    /// Whether there is no unit; false for nil, which is no text at all.
     bool isEmpty() const noexcept;
 
     /// Whether the text occurs, unit by unit; false for an empty or nil argument.
@@ -385,7 +401,10 @@ public:
     bool containsDecimalDigit() const;
 
     /// The text without members at the start, **but removes no more than about half of the string**: at most
-    /// the smallest count that is at least half its length. " x" stays " x".
+    /// the smallest count that is at least half its length.
+    ///
+    ///     NSString("  x").trimLeftCharactersOfCharacterSet(whitespace);    // "x"
+    ///     NSString("    x").trimLeftCharactersOfCharacterSet(whitespace);  // " x": three of the four spaces
     NSString trimLeftCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
     /// The text without members at the end, however many there are.
@@ -395,10 +414,14 @@ public:
     NSString trimCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
     /// `trimCharactersOfCharacterSet` for `NSCharacterSet::whitespaceAndControlCharacterSet`.
+    ///
+    /// NSString("  a b \n").trim();  // "a b"
     NSString trim() const;
 
     /// The text after the **first** occurrence of the marker; nil if there is none, and for an empty or nil
     /// marker.
+    ///
+    /// NSString("key=value=x").substringFromEndOfString("=");  // "value=x"
     NSString substringFromEndOfString(StringView marker) const;
 
     /// The number of units equal to this one.
@@ -414,6 +437,8 @@ public:
 
     /// The lines; CR LF and LF CR are one break each. A break at the end is followed by an empty line; the
     /// empty string has no lines.
+    ///
+    /// NSString("a\r\nb\n").componentsSeparatedByLineBreak();  // "a", "b", ""
     NSArray componentsSeparatedByLineBreak() const;
 
     /// The pieces between runs of members: a run is one separator. The empty string has no pieces. Replaces
@@ -422,6 +447,8 @@ public:
 
     /// The pieces between runs of white space, as by `componentsSeparatedByCharacterSet`; newlines are not
     /// white space here.
+    ///
+    /// NSString(" a ").componentsSeparatedByWhitespace();  // "", "a", ""
     NSArray componentsSeparatedByWhitespace() const;
 
     /// Another name for `componentsSeparatedByWhitespace`.
@@ -429,6 +456,8 @@ public:
 
     /// The text with the indent before every line, also before the empty one after a final break; every break
     /// becomes LF. A nil indent changes nothing.
+    ///
+    /// NSString("a\nb").stringByIndentingLinesWithString("  ");  // "  a\n  b"
     NSString stringByIndentingLinesWithString(StringView indent) const;
 
     /// The text with a newline at its end: LF is appended unless the text ends with a newline of any kind.
@@ -444,26 +473,39 @@ public:
 
     /// Percent-encoded: letters, digits and those of "!$&'()*+,-./:=@_~" that are not among the `exceptions`
     /// stay. Nil if an unpaired surrogate has no UTF-8 form.
+    ///
+    /// NSString("a b/c").urlEncodedStringWithExceptions("/");  // "a%20b%2Fc"
     NSString urlEncodedStringWithExceptions(StringView exceptions) const;
 
     /// Percent-encoded for a component of a URL: letters, digits and "!'()*-._~" stay. Nil if an unpaired
     /// surrogate has no UTF-8 form.
+    ///
+    /// NSString("a b/c").urlEncodedString();  // "a%20b%2Fc"
     NSString urlEncodedString() const;
 
     /// Percent-encoded for a path: letters, digits and "!$&'()*+,-./:=@_~" stay. Nil if an unpaired surrogate
     /// has no UTF-8 form.
+    ///
+    /// NSString("a b/c").urlPathEncodedString();  // "a%20b/c"
     NSString urlPathEncodedString() const;
 
     /// Percent-encoded for a query: letters, digits and "!$&'()*+,-./:;=?@_~" stay. Nil if an unpaired
     /// surrogate has no UTF-8 form.
+    ///
+    /// NSString("a b?c=d").urlQueryEncodedString();  // "a%20b?c=d"
     NSString urlQueryEncodedString() const;
 
     /// The text with every "%" and two hexadecimal digits replaced by their byte; "+" stays. Nil if a "%" has
     /// no two digits after it or the bytes are not well-formed UTF-8.
+    ///
+    /// NSString("a%20b+c").urlDecodedString();  // "a b+c"
     NSString urlDecodedString() const;
 
-    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. It is
-    /// not secure: two texts with the same digest are easily made.
+    /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. Nil for
+    /// nil, and if an unpaired surrogate has no UTF-8 form. It is not secure: two texts with the same digest
+    /// are easily made.
+    ///
+    ///     NSString("").md5String();  // "d41d8cd98f00b204e9800998ecf8427e"
     NSString md5String() const;
 
     /// A new random UUID (version 4): "3F2504E0-4F89-41D3-9A0C-0305E82C3301".

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads URLs, their parts, and resolves them against a base.
+// A URL keeps its text exactly as given. Parts are read from the resolved text each time they are requested.
 #include "foundation/objects/NSURL.h"
 
 #include <new>
@@ -46,6 +47,7 @@ struct ResolvedUrl {
     }
 };
 
+// Without a colon, all of the user information is the name.
 UriPart userIn(const ResolvedUrl& url) noexcept {
     UriPart part = url.reference.userInformation;
     const std::size_t colon = url.bytesIn(part).find(':');
@@ -58,6 +60,7 @@ UriPart userIn(const ResolvedUrl& url) noexcept {
 UriPart passwordIn(const ResolvedUrl& url) noexcept {
     UriPart part = url.reference.userInformation;
     const std::size_t colon = url.bytesIn(part).find(':');
+    // Present only after a colon; "user:@host" has an empty one.
     part.isPresent = part.isPresent && colon != std::string_view::npos;
     part.start = part.isPresent ? part.start + colon + 1 : part.end;
     return part;
@@ -65,6 +68,7 @@ UriPart passwordIn(const ResolvedUrl& url) noexcept {
 
 UriPart hostIn(const ResolvedUrl& url) noexcept {
     UriPart part = url.reference.host;
+    // Brackets are the URL's notation for an address, not part of it.
     if (part.start != part.end && url.bytesIn(part).front() == '[') {
         ++part.start;
         --part.end;
@@ -81,6 +85,7 @@ NSURL NSURL::URLWithString_relativeToURL(StringView text, const NSURL& base) {
     if (!detail::readUriReference(text, reference)) {
         return {};
     }
+    // Before the body is made, since it may throw.
     NSString kept(text);
     auto* const body = new (::operator new(sizeof(UrlBody))) UrlBody;
     body->references = 1;
@@ -147,6 +152,7 @@ NSString NSURL::host() const {
 NSNumber NSURL::port() const {
     const ResolvedUrl url(*this);
     const UriPart& part = url.reference.port;
+    // An empty port, as in "http://h:", is none.
     if (part.start == part.end) {
         return {};
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writes and reads percent escapes.
+// Escaping computes the exact length first and then writes without checks; unescaping checks everything.
 #include "foundation/objects/PercentEscapes.h"
 
 #include <algorithm>
@@ -63,12 +64,15 @@ inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& 
 /// a piece may end with them.
 template <class Unit>
 void writeEscaped(const Unit* text, std::size_t count, const EscapeTable& table, char* out) noexcept {
+    // A form writes four bytes, of which up to three are excess, so the last characters must not be written
+    // in place.
     constexpr std::size_t maxDistance = sizeof(EscapeTable::Form) + 1; // one more if a pair is last
     const Unit* const end = text + count;
     while (static_cast<std::size_t>(end - text) > maxDistance) {
         text = writeCharacter(text, table, out);
     }
     char apart[maxDistance * 3 * escapeLength + sizeof(EscapeTable::Form)];
+    // The same function writes them here, where excess does no harm.
     char* apartEnd = apart;
     while (text != end) {
         text = writeCharacter(text, table, apartEnd);
@@ -102,12 +106,14 @@ NSString escaped(const Unit* text, std::size_t count, std::size_t length, const 
     return Access::adoptString(body);
 }
 
+// A text without escapes to make is shared.
 NSString escapedAscii(const NSString& text, StringView view, const EscapeTable& table) {
     const std::size_t length = escapedLength(view.bytes(), view.size(), table);
     return length == view.size() ? text : escaped(view.bytes(), view.size(), length, table);
 }
 
 NSString escapedUnits(StringView view, const EscapeTable& table) {
+    // An unpaired surrogate has no UTF-8.
     if (!isWellFormedUtf16(view.units(), view.size())) {
         return {};
     }
@@ -156,9 +162,11 @@ NSString unescapedAscii(const NSString& text, StringView view) {
     if (marks == 0) {
         return text;
     }
+    // More marks than could all have two digits: malformed, and the size below would be negative.
     if (marks > view.size() / escapeLength) {
         return {};
     }
+    // Each escape shrinks by two bytes, if all are well-formed; the loop checks that they are.
     const std::size_t size = view.size() - (escapeLength - 1) * marks;
     StringBody* const body = allocateString(size, true);
     const NSString owner = Access::adoptString(body); // not shared until it is known to be ASCII
@@ -177,6 +185,7 @@ NSString unescapedAscii(const NSString& text, StringView view) {
             return {};
         }
     }
+    // Escapes of UTF-8 make a string of units; only then is the text converted.
     return asciiPrefixLength(body->ascii(), size) == size
                ? owner
                : NSString::stringWithUTF8Bytes(body->ascii(), size);
@@ -244,6 +253,7 @@ namespace ZQFoundation {
 
 NSString NSString::stringByAddingPercentEncodingWithAllowedCharacters(const NSCharacterSet& allowed) const {
     const detail::CharacterMembership members(allowed);
+    // Starts from the table in which everything is escaped; only ASCII members are kept.
     detail::EscapeTable table = detail::everyEscape;
     for (unsigned char code = 0; code < 0x80; ++code) {
         if (members.contains(static_cast<char>(code))) {

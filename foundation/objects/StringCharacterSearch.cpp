@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Searches strings for members of character sets.
+// One unit at a time: members above U+FFFF cannot be found this way, as on the platform.
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
@@ -18,6 +19,7 @@ template <class Unit>
 NSRange rangeOfMember(const Unit* units, NSRange range, const CharacterMembership& members,
                       unsigned options) {
     const std::size_t end = range.location + range.length;
+    // Anchored means that only the first or last unit is looked at.
     if ((options & NSAnchoredSearch) != 0) {
         const std::size_t at = (options & NSBackwardsSearch) != 0 ? end - 1 : range.location;
         return range.length != 0 && members.contains(units[at]) ? NSMakeRange(at, 1) : nowhere;
@@ -76,6 +78,7 @@ NSRange NSString::rangeOfCharacterFromSet_options_range(const NSCharacterSet& se
                         : rangeOfMember(body.units(), range, members, options);
 }
 
+// A set that is nil has no members, so nothing is trimmed.
 NSString NSString::stringByTrimmingCharactersInSet(const NSCharacterSet& set) const {
     if (!*this) {
         return nullptr;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The orders, prefixes and case mappings of strings.
+// Three orders exist: by units for equality and containers, canonical for `compare`, folded for comparison
+// without case.
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -32,6 +34,7 @@ bool sameUnits(const AsciiOrUtf16& left, std::size_t leftStart, const AsciiOrUtf
         return std::memcmp(left.units() + leftStart, right.units() + rightStart, count * sizeof(char16_t)) ==
                0;
     }
+    // Only for one text of each form, which are never equal but may have equal parts.
     for (std::size_t i = 0; i < count; ++i) {
         if (left[leftStart + i] != right[rightStart + i]) {
             return false;
@@ -50,6 +53,7 @@ std::size_t commonPrefix(const AsciiOrUtf16& left, std::size_t leftStart, const 
     return count;
 }
 
+// Units, not code points: surrogates sort below U+E000 to U+FFFF, as on the platform.
 NSComparisonResult compareUnits(const AsciiOrUtf16& left, const AsciiOrUtf16& right) noexcept {
     const std::size_t shorter = left.length() < right.length() ? left.length() : right.length();
     if (left.isAscii() && right.isAscii()) {
@@ -61,6 +65,8 @@ NSComparisonResult compareUnits(const AsciiOrUtf16& left, const AsciiOrUtf16& ri
     return common < shorter ? ordered(left[common], right[common]) : ordered(left.length(), right.length());
 }
 
+// Walks over equal units quickly, and looks at sequences only around a difference: there, different units
+// may still be equivalent.
 NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf16& right) {
     std::vector<detail::ClassedCodePoint> leftSequence;
     std::vector<detail::ClassedCodePoint> rightSequence;
@@ -73,6 +79,7 @@ NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf
         if (leftDifference == left.length() && rightDifference == right.length()) {
             return NSOrderedSame;
         }
+        // Not before the place up to which the texts are known to be equivalent.
         const std::size_t leftStart = std::max(i, sequenceStart(left, leftDifference));
         const std::size_t rightStart = std::max(j, sequenceStart(right, rightDifference));
         // Both sequences start where the texts are still equal, at the earlier of the two starts.
@@ -81,6 +88,7 @@ NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf
         const std::size_t rightEnd = sequenceEnd(right, rightDifference - back);
         decompose(left, leftDifference - back, leftEnd, leftSequence);
         decompose(right, rightDifference - back, rightEnd, rightSequence);
+        // The sequences differ: the first different units decide, and the end of a text comes first.
         if (leftSequence != rightSequence) {
             if (leftDifference == left.length() || rightDifference == right.length()) {
                 return leftDifference == left.length() ? NSOrderedAscending : NSOrderedDescending;
@@ -93,6 +101,8 @@ NSComparisonResult compareCanonically(const AsciiOrUtf16& left, const AsciiOrUtf
 }
 
 /// Iterates over the folded code points of a text.
+/// Both texts are folded while they are compared, so that nothing is allocated, and a difference at the
+/// start costs nothing beyond.
 class FoldedText {
 public:
     explicit FoldedText(const AsciiOrUtf16& text) noexcept : text_(text) {}
@@ -132,9 +142,11 @@ NSString caseMapped(const AsciiOrUtf16& text, CaseMapper mapper) {
     return builder.string();
 }
 
+// The distance of the two cases of an ASCII letter is one bit. The result has the length of the text.
 NSString asciiMapped(const AsciiOrUtf16& text, char first, char last) {
     detail::TextBuilder builder;
     char* const out = builder.reserveAscii(text.length());
+    // Unsigned: units before the first letter wrap to large numbers.
     const auto range = static_cast<unsigned char>(last - first);
     for (std::size_t i = 0; i < text.length(); ++i) {
         const char unit = text.ascii()[i];
@@ -157,6 +169,7 @@ bool NSString::isEqualToString(StringView other) const {
            sameUnits(left, 0, right, 0, left.length());
 }
 
+// A strict order for containers, unlike `compare`, for which different texts may be the same.
 std::strong_ordering detail::orderOfUnits(const NSString& left, const NSString& right) noexcept {
     if (!left || !right) {
         return static_cast<bool>(left) <=> static_cast<bool>(right);
@@ -170,6 +183,7 @@ NSComparisonResult NSString::compare(StringView other) const {
     }
     const AsciiOrUtf16 left(view());
     const AsciiOrUtf16 right(other);
+    // Between two ASCII texts there are no equivalents.
     return left.isAscii() && right.isAscii() ? compareUnits(left, right) : compareCanonically(left, right);
 }
 
@@ -186,6 +200,7 @@ NSComparisonResult NSString::caseInsensitiveCompare(StringView other) const {
         char32_t rightPoint = 0;
         const bool leftGoesOn = leftFolded.next(leftPoint);
         const bool rightGoesOn = rightFolded.next(rightPoint);
+        // The shorter text comes first when one is the start of the other.
         if (!leftGoesOn || !rightGoesOn) {
             return ordered(leftGoesOn, rightGoesOn);
         }
@@ -198,6 +213,7 @@ NSComparisonResult NSString::caseInsensitiveCompare(StringView other) const {
 bool NSString::hasPrefix(StringView prefix) const {
     const AsciiOrUtf16 text(view());
     const AsciiOrUtf16 start(prefix);
+    // An empty prefix does not count, as on the platform.
     return start.length() != 0 && start.length() <= text.length() &&
            sameUnits(text, 0, start, 0, start.length());
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Searches strings for texts.
+// Three ways, the fastest that gives the same result: by units, by units with a look at the marks around,
+// and by folded code points.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -42,6 +44,7 @@ void raiseUnlessWithin(const NSRange& range, std::size_t length) {
 
 // Unit by unit
 
+// Literal: nothing around a match matters.
 template <class Unit>
 NSRange rangeOfUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
                      const SearchOptions& options) {
@@ -64,6 +67,7 @@ NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const AsciiOr
                           const SearchOptions& options) {
     const std::size_t length = text.length() - start;
     if (text.isAscii()) {
+        // Bytes hold ASCII only, so a wanted text with other units cannot occur in them.
         return wanted.isAscii()
                    ? rangeOfUnits(text.ascii() + start, length, wanted.ascii(), wanted.length(), options)
                    : nowhere;
@@ -79,6 +83,7 @@ NSRange rangeOfExactUnits(const UnitView& text, std::size_t start, const AsciiOr
 // By canonical equivalence and case
 
 /// Whether the ASCII unit at `index` is a sequence by itself. Nothing below U+0300 extends one.
+/// A mark after the unit makes it part of a sequence, and then it must not match by itself.
 bool isSequence(const UnitView& text, std::size_t index) noexcept {
     const std::size_t next = index + 1;
     return next == text.length() || text[next] < 0x300 || detail::sequenceEnd(text, index) == next;
@@ -119,6 +124,7 @@ private:
         }
         points_.clear();
         position_ = 0;
+        // Where a match that includes this stretch may begin.
         start_ = index_;
         if (options_.isLiteral) {
             append(detail::nextCodePoint(text_, index_));
@@ -155,6 +161,7 @@ private:
     std::vector<detail::ClassedCodePoint> sequence_;
 };
 
+// The wanted text is walked the same way as the searched one, so both compare alike.
 std::vector<char32_t> foldedPoints(const AsciiOrUtf16& text, const SearchOptions& options) {
     std::vector<char32_t> points;
     FoldedWalk walk(text, 0, options);
@@ -176,9 +183,12 @@ public:
     bool next(NSRange& found) {
         FoldedPoint point;
         while (walk_.next(point)) {
+            // Only the last n starts can be that of a match of n points, so a ring of n is enough.
             recent_[count_++ % recent_.size()] = {point.start, point.isFirst};
             if (accepts(point.codePoint) && point.isLast) {
+                // The oldest in the ring: the start of the match.
                 const Start& first = recent_[count_ % recent_.size()];
+                // Otherwise the match would begin inside a stretch.
                 if (first.isFirst) {
                     found = NSMakeRange(first.start, point.end - first.start);
                     return true;
@@ -197,6 +207,7 @@ private:
     /// Whether the points so far end with the whole wanted text.
     bool accepts(char32_t codePoint) noexcept {
         if (matched_ == wanted_.size()) {
+            // After a match, the search continues with the longest part that may begin another one.
             matched_ = lengths_[matched_];
         }
         while (matched_ > 0 && codePoint != wanted_[matched_]) {
@@ -234,6 +245,7 @@ std::size_t stretchesBefore(const UnitView& text, std::size_t start, std::size_t
                             const SearchOptions& options) noexcept {
     for (; count > 0 && at > start; --count) {
         --at;
+        // A step back may end within a sequence, so its start is looked for.
         if (!options.isLiteral) {
             at = detail::sequenceStart(text, at);
         } else if (at > start && detail::isLowSurrogate(text[at]) && detail::isHighSurrogate(text[at - 1])) {
@@ -249,6 +261,7 @@ NSRange lastRangeOfFolded(const UnitView& text, std::size_t start, const std::ve
                           const SearchOptions& options) {
     NSRange last = nowhere;
     std::size_t from = text.length();
+    // Folding may make several points of one stretch, never the other way round.
     std::size_t stretches = wanted.size(); // a match has no more
     while (last.location == NSNotFound && from > start) {
         from = stretchesBefore(text, start, from, stretches, options);
@@ -256,6 +269,7 @@ NSRange lastRangeOfFolded(const UnitView& text, std::size_t start, const std::ve
         for (NSRange found{}; search.next(found);) {
             last = found;
         }
+        // An anchored match ends with the text, and all of those begin within the first part.
         if (options.isAnchored) {
             return last.location + last.length == text.length() ? last : nowhere;
         }
@@ -283,6 +297,7 @@ bool isDecidedByUnits(const UnitView& text, const AsciiOrUtf16& wanted, const Se
 }
 
 /// ASCII that is equivalent to nothing but itself; some signs decompose to one of three ASCII characters.
+/// U+037E is equivalent to the semicolon, U+212A to K, U+1FEF to the grave accent.
 bool isPlainAscii(const AsciiOrUtf16& wanted) noexcept {
     const auto hasEquivalent = [](char unit) {
         return unit == ';' || unit == 'K' || unit == '`';
@@ -293,6 +308,7 @@ bool isPlainAscii(const AsciiOrUtf16& wanted) noexcept {
 /// Plain ASCII occurs where its units do, unless a mark follows the last one.
 NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const AsciiOrUtf16& wanted,
                           const SearchOptions& options) {
+    // Each occurrence that does not count shortens what is searched, so none is seen twice.
     UnitView searched = text;
     for (;;) {
         NSRange found = rangeOfExactUnits(searched, start, wanted, options);
@@ -301,6 +317,7 @@ NSRange rangeOfPlainAscii(const UnitView& text, std::size_t start, const AsciiOr
         }
         found.location += start;
         const std::size_t last = found.location + found.length - 1;
+        // A mark belongs to the last unit: this occurrence does not count.
         if (isSequence(text, last)) {
             return found;
         }
@@ -336,6 +353,7 @@ NSRange rangeOfText(const UnitView& text, std::size_t start, const AsciiOrUtf16&
         return rangeOfPlainAscii(text, start, wanted, options);
     }
     // Anchored searches examine only one place anyway; backward ones are rare.
+    // Folding finds more than the other case (U+017F for "s"), so the quick way is for two ASCII texts only.
     const bool isForwards = !options.isBackwards && !options.isAnchored;
     return options.ignoresCase && isForwards && text.isAscii() && wanted.isAscii()
                ? rangeOfAsciiInAnyCase(text, start, wanted)
@@ -356,6 +374,7 @@ NSString pieceOf(const char16_t* units, std::size_t start, std::size_t end) {
 template <class Unit>
 NSArray piecesBetween(const UnitView& text, const Unit* units, const std::basic_string<Unit>& separator) {
     const std::size_t length = text.length();
+    // A separator of one unit can be counted quickly, so the array is made with its final size.
     const bool isUnit = separator.size() == 1;
     const auto only = static_cast<detail::Lane<Unit>>(separator[0]);
     const auto isSeparator = [only](auto unit) {
@@ -373,6 +392,7 @@ NSArray piecesBetween(const UnitView& text, const Unit* units, const std::basic_
         }
         const std::size_t end = at + found;
         at = end + separator.size();
+        // Otherwise a mark follows, and what looks like a separator is part of a sequence.
         if (isSequence(text, at - 1)) {
             pieces.addObject(pieceOf(units, start, end));
             start = at;
@@ -392,6 +412,7 @@ NSRange NSString::rangeOfString_options_range(StringView text, unsigned options,
     if (!*this) {
         return nowhere;
     }
+    // The view ends with the range, so that no sequence reaches beyond it.
     const UnitView whole(*detail::Access::string(*this));
     raiseUnlessWithin(range, whole.length());
     return rangeOfText(whole.upTo(range.location + range.length), range.location, AsciiOrUtf16(text),
@@ -411,6 +432,7 @@ NSArray NSString::componentsSeparatedByString(StringView separator) const {
         return piecesBetween(whole, whole.units(),
                              std::u16string(wanted.ascii(), wanted.ascii() + wanted.length()));
     }
+    // The general case: canonical equivalents count as separators, too.
     const SearchOptions options(0);
     NSMutableArray pieces;
     std::size_t start = 0;
@@ -418,6 +440,7 @@ NSArray NSString::componentsSeparatedByString(StringView separator) const {
         pieces.addObject(substringWithRange(start, found.location - start));
         start = found.location + found.length;
     }
+    // What remains, possibly empty: the platform keeps empty pieces.
     pieces.addObject(substringFromIndex(start));
     return pieces.array();
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Growing and widening of text builders, and appending text that is not ASCII.
+// What stays in the header is the path of short ASCII pieces; everything here is reached once in a while.
 #include "foundation/objects/TextBuilder.h"
 
 #include <cstdint>
@@ -60,6 +61,7 @@ void TextBuilder::reset() noexcept {
     form_ = Form::ascii;
 }
 
+// Memory of a builder for UTF-8 may belong to a signal handler's line, so it comes from elsewhere.
 void TextBuilder::release(void* memory) const noexcept {
     form_ == Form::utf8 ? giveBackSignalSafeMemory(memory) : ::operator delete(memory);
 }
@@ -71,6 +73,7 @@ void TextBuilder::growTo(std::size_t bytes) {
     if (form_ == Form::utf8) {
         text = memory = takeSignalSafeMemory(bytes);
     } else {
+        // Room for the header of a string is kept in front, so that the memory can become the string itself.
         auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + bytes));
         memory = body;
         text = body->ascii();
@@ -84,11 +87,13 @@ void TextBuilder::growTo(std::size_t bytes) {
 
 void TextBuilder::makeRoom(std::size_t moreUnits) {
     const std::size_t unitBytes = holdsBytes() ? 1 : sizeof(char16_t);
+    // Each checked by itself, so that the sum does not wrap.
     if (moreUnits > maxTextUnits || length_ + moreUnits > maxTextUnits) {
         throw std::bad_alloc();
     }
     const std::size_t needed = (length_ + moreUnits) * unitBytes;
     if (needed > capacityBytes_) {
+        // By half, so that appending n units moves at most about 3n, with less waste than doubling.
         const std::size_t larger = capacityBytes_ + capacityBytes_ / 2;
         growTo(needed > larger ? needed : larger);
     }
@@ -98,10 +103,12 @@ void TextBuilder::widen(std::size_t moreUnits) {
     if (moreUnits > maxTextUnits) {
         throw std::bad_alloc();
     }
+    // More than needed: a text that is not ASCII will continue to be appended to.
     const std::size_t needed = (length_ + moreUnits) * sizeof(char16_t);
     const std::size_t capacity = needed + needed / 2;
     auto* const body = static_cast<StringBody*>(::operator new(sizeof(StringBody) + capacity));
     widenAscii(asciiData(), length_, body->units());
+    // Only memory of a plain builder, never of one for UTF-8, gets here.
     ::operator delete(allocated_);
     allocated_ = body;
     data_ = body->units();
@@ -119,6 +126,7 @@ void TextBuilder::appendAsciiSlowly(const char* bytes, std::size_t count) {
     length_ += count;
 }
 
+// A loop for units: a repeated character is padding, and short.
 void TextBuilder::appendRepeated(char character, std::size_t count) {
     makeRoom(count);
     if (holdsBytes()) {
@@ -132,6 +140,7 @@ void TextBuilder::appendRepeated(char character, std::size_t count) {
     length_ += count;
 }
 
+// The first unit that is not ASCII turns all of the text into units, once.
 void TextBuilder::appendUnits(const char16_t* units, std::size_t count) {
     if (holdsBytes()) {
         if (asciiPrefixLength(units, count) == count) {
@@ -183,6 +192,7 @@ void TextBuilder::appendLongUtf8(const char* bytes, std::size_t count) {
     }
     bytes += plain;
     count -= plain;
+    // In UTF-8 only what is ill-formed is left; the other forms share no more than ASCII with the bytes.
     if (form_ == Form::utf8) {
         return appendIllFormed(bytes, count);
     }
@@ -222,10 +232,12 @@ char* TextBuilder::reserveAscii(std::size_t count) {
 NSString TextBuilder::string() {
     NSString result;
     const std::size_t held = isAscii() ? length_ : length_ * sizeof(char16_t);
+    // The memory becomes the string if at most about a third of it is unused; otherwise a copy is smaller.
     const bool fits = allocated_ != nullptr && capacityBytes_ - held <= held / 2 + 64;
     if (isAscii() && !fits) {
         result = makeAsciiString(asciiData(), length_);
     } else if (!isAscii() && (!fits || asciiPrefixLength(unitData(), length_) == length_)) {
+        // Units may have become ASCII again by truncation: a string of them must be narrow.
         result = makeString(unitData(), length_);
     } else {
         auto* const body = static_cast<StringBody*>(allocated_);

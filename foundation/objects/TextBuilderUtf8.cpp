@@ -19,6 +19,7 @@ bool isFirstHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
 
 bool isSecondHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
 
+// In UTF-8, ED is followed by 80 to 9F only.
 bool isSurrogateAt(const char* bytes) noexcept {
     return bytes[0] == '\xED' && static_cast<unsigned char>(bytes[1]) >= 0xA0;
 }
@@ -56,6 +57,7 @@ std::size_t pairedPrefix(const char16_t* units, std::size_t count) noexcept {
 }
 
 /// The number of units in the text; also writes them, unless `out` is null.
+/// Called twice, for the length and then for the units.
 std::size_t decode(const char* at, const char* end, char16_t* out) noexcept {
     std::size_t units = 0;
     while (at != end) {
@@ -102,7 +104,9 @@ void TextBuilder::appendWithSurrogates(const char16_t* units, std::size_t count)
     }
 }
 
+// Two appends may bring the halves of a pair together: then they become the character they mean.
 void TextBuilder::appendSurrogate(char16_t surrogate) {
+    // The last three bytes, if they are a surrogate at all; thanks to the flag, most texts skip this look.
     const char* const last = length_ >= surrogateBytes ? bytes() + length_ - surrogateBytes : nullptr;
     if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isFirstHalf(surrogateAt(last)) &&
         isSecondHalf(surrogate)) {
@@ -135,6 +139,7 @@ void TextBuilder::appendIllFormed(const char* bytes, std::size_t count) {
     }
 }
 
+// Both forms have three bytes, so this needs no memory and moves nothing.
 void TextBuilder::replaceUnpairedSurrogates() noexcept {
     if (!hasUnpaired_) {
         return;

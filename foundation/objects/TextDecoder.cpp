@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads bytes of any encoding as strings.
+// Each function takes bytes that may be anything, and returns nil for what its encoding does not know.
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,7 @@ using namespace std::string_view_literals;
 
 NSString stringOf(const std::u16string& units) { return makeString(units.data(), units.size()); }
 
+// Marks are views with a length, because they may contain NUL.
 bool dropMark(std::string_view& bytes, std::string_view mark) noexcept {
     if (bytes.substr(0, mark.size()) != mark) {
         return false;
@@ -30,6 +32,7 @@ bool dropMark(std::string_view& bytes, std::string_view mark) noexcept {
 /// first.
 ByteOrder takeOrder(const TextEncoding& encoding, std::string_view& bytes, std::string_view bigMark,
                     std::string_view littleMark) noexcept {
+    // The mark of the stated order is dropped; one of the other order would be U+FFFE, and stays.
     if (encoding.order != EncodingOrder::big && dropMark(bytes, littleMark)) {
         return ByteOrder::little;
     }
@@ -41,6 +44,7 @@ ByteOrder takeOrder(const TextEncoding& encoding, std::string_view& bytes, std::
 }
 
 NSString fromUtf8(std::string_view bytes) {
+    // A mark in UTF-8 says nothing about order.
     dropMark(bytes, "\xEF\xBB\xBF"sv);
     return NSString::stringWithUTF8Bytes(bytes.data(), bytes.size());
 }
@@ -89,6 +93,7 @@ NSString fromSequences(const TextEncoding& encoding, std::string_view bytes) {
     if (!bytesToUnits(encoding.name, bytes, units)) {
         return {};
     }
+    // The C library reads these two bytes as yen sign and overline.
     if (encoding.form == EncodingForm::shiftJis) {
         for (char16_t& unit : units) {
             unit = unit == u'\u00A5' ? u'\\' : unit == u'\u203E' ? u'~' : unit;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writes strings as bytes of any encoding.
+// Sizes are computed before anything is written, so that the data are allocated once.
 #include <new>
 #include <string>
 
@@ -15,6 +16,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// In the C library's Shift-JIS these two take the places of backslash and tilde.
+/// Therefore exchanged before and after conversion; as themselves they have no bytes in this form.
 constexpr char16_t yenSign = 0x00A5;
 constexpr char16_t overline = 0x203E;
 
@@ -28,6 +30,7 @@ DataBody* allocateData(std::size_t size) {
     return body;
 }
 
+// One test at the end: any high bit shows in the union.
 bool isLatin1(const StringBody& body) noexcept {
     char16_t all = 0;
     for (std::size_t i = 0; i < body.length; ++i) {
@@ -36,6 +39,7 @@ bool isLatin1(const StringBody& body) noexcept {
     return all <= 0xFF;
 }
 
+// Encodings with a stated order have no mark.
 std::size_t markSize(const TextEncoding& encoding) noexcept {
     if (encoding.order != EncodingOrder::marked) {
         return 0;
@@ -75,6 +79,7 @@ bool getPlainSize(const TextEncoding& encoding, const StringBody& body, std::siz
         size = body.isAscii ? size : utf8Length(body.units(), body.length, IllFormed::replace);
         return isWellFormed(body);
     case EncodingForm::utf16:
+        // Unpaired surrogates pass, so every text has this form.
         size *= 2;
         return true;
     case EncodingForm::utf32:
@@ -139,6 +144,7 @@ bool isBySequences(const TextEncoding& encoding) noexcept {
     return encoding.form == EncodingForm::sequences || encoding.form == EncodingForm::shiftJis;
 }
 
+// The size of sequences is only known once they are written.
 bool writeSequences(const TextEncoding& encoding, const NSString& text, std::string& bytes) {
     std::u16string units = text.utf16();
     if (encoding.form == EncodingForm::shiftJis) {

@@ -7,12 +7,18 @@
 
 namespace ZQFoundation::detail {
 
+/// A part of a name. Not NUL-ended; the name lives as long as the program.
 struct NameSpan {
     const char* start;
     std::size_t length;
 };
 
-/// Removes the enclosing namespaces and classes from a qualified name; template arguments are kept.
+/// Removes the enclosing namespaces and classes from a qualified name; template arguments are kept:
+///
+///     ownName("shop::Store<a::B>")  // "Store<a::B>"
+///
+/// Colons inside brackets of any kind do not count: they belong to an argument, to a function or to a lambda
+/// that encloses the type.
 constexpr NameSpan ownName(const char* name, std::size_t length) noexcept {
     std::size_t start = 0;
     int depth = 0;
@@ -28,7 +34,11 @@ constexpr NameSpan ownName(const char* name, std::size_t length) noexcept {
     return {name + start, length - start};
 }
 
-/// The compiler's name of this function contains "T = " and the type's name.
+/// The compiler's name of this function contains "T = " and the type's name. Unlike `typeid`, it needs no
+/// run-time type information, and the result is known when the program is compiled:
+///
+///     g++:    constexpr ... spelledTypeName() [with T = shop::Store]
+///     clang:  NameSpan ... spelledTypeName() [T = shop::Store]
 template <class T>
 constexpr NameSpan spelledTypeName() noexcept {
     const char* const text = __PRETTY_FUNCTION__;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads binary property lists.
+// The file is trusted in nothing: every number in it is checked before it is used, and two budgets bound
+// what a short file can turn into, one for objects that overlap and one for objects that are shared.
 #include "foundation/plist/BinaryReader.h"
 
 #include <bit>
@@ -23,6 +25,7 @@ constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
 /// The high half of a marker byte.
+/// Kinds that are not listed, an archive's identifiers among them, are refused.
 enum Kind : unsigned {
     simpleKind = 0x0,
     integerKind = 0x1,
@@ -87,6 +90,7 @@ public:
 private:
     /// What is known of an object: its value once it is read, how many levels it is high, and its size when
     /// written out.
+    /// One for each entry of the table, so that an object that several others refer to is read once.
     struct Slot {
         enum State : unsigned char { unread, open, finished };
         NSObject value;
@@ -96,6 +100,7 @@ private:
     };
 
     /// A container that is being read.
+    /// On the heap and limited in number, so that nesting needs no stack.
     struct Level {
         std::size_t index;
         bool isDictionary;
@@ -125,9 +130,11 @@ private:
         const std::uint64_t count = bigEndian(trailer + 8, 8);
         const std::uint64_t top = bigEndian(trailer + 16, 8);
         const std::uint64_t table = bigEndian(trailer + 24, 8);
+        // Larger numbers could not be right in a file that fits into memory.
         if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) {
             return fail("The trailer names an impossible size of numbers", start + 6);
         }
+        // Divided rather than multiplied, which could overflow.
         if (table < headerSize || table > start || count > (start - table) / offsetSize_) {
             return fail("The table of offsets does not lie inside the file", start + 8);
         }
@@ -137,10 +144,12 @@ private:
         table_ = static_cast<std::size_t>(table);
         top_ = static_cast<std::size_t>(top);
         bytesToGive_ = (table_ - headerSize) * timesTheObjects;
+        // The count is bounded by the file's size, so this allocation is, too.
         slots_.resize(static_cast<std::size_t>(count));
         return true;
     }
 
+    /// Once for all, so that no later look at an object needs a check of its offset.
     bool checkOffsets() noexcept {
         for (std::size_t index = 0; index < slots_.size(); ++index) {
             const std::uint64_t offset = offsetOf(index);
@@ -153,6 +162,7 @@ private:
 
     /// Code that prints, writes or walks the value visits each part of it; the reader did not.
     bool checkWrittenSize() noexcept {
+        // Measured on the result: only then is it known how often each object is used.
         const Slot& top = slots_[top_];
         const PartCount times = 1 + top.height / levelsOfPart;
         const PartCount parts = top.parts > UINT64_MAX / times ? UINT64_MAX : top.parts * times;
@@ -174,6 +184,7 @@ private:
             return false;
         }
         while (!open_.empty()) {
+            // The reference is used before the vector may grow.
             Level& level = open_.back();
             if (level.next == level.count) {
                 finishLevel();
@@ -184,6 +195,8 @@ private:
                 return false;
             }
             Slot& slot = slots_[reference];
+            // Open levels are those on the way from the outermost object: a reference to one of them is a
+            // cycle.
             if (slot.state == Slot::open) {
                 return fail("A container holds itself", level.references);
             }
@@ -193,6 +206,7 @@ private:
                 if (!readObject(reference)) {
                     return false;
                 }
+                // The reference is looked at again when the new level is finished.
                 continue;
             }
             if (!storeInto(level, slot)) {
@@ -237,6 +251,7 @@ private:
         if (slot.height >= level.height) {
             level.height = static_cast<std::uint16_t>(slot.height + 1);
         }
+        // Shared parts count each time, since a walk over the value meets them each time.
         level.parts = sumOf(level.parts, slot.parts);
         if (!level.isDictionary) {
             level.array.addObject(slot.value);
@@ -245,6 +260,7 @@ private:
             if (!readKey(level, key)) {
                 return false;
             }
+            // The last of equal keys wins.
             level.dictionary.setObject_forKey(slot.value, std::move(key));
         }
         ++level.next;
@@ -258,11 +274,13 @@ private:
             return false;
         }
         Slot& slot = slots_[reference];
+        // Keys are read in place: they are scalars, and need no level.
         if (slot.state == Slot::unread) {
             ObjectPlace place;
             if (!findObject(reference, place)) {
                 return false;
             }
+            // Any other kind stays unread and fails below.
             if ((place.kind == asciiKind || place.kind == unitsKind) && !readScalar(place, slot)) {
                 return false;
             }
@@ -281,10 +299,12 @@ private:
         if (!isContainer(place)) {
             return readScalar(place, slots_[index]);
         }
+        // The limit keeps the number of open levels small; it is the same for all forms.
         if (open_.size() == maxPropertyListDepth) {
             return fail("Values are nested too deeply", place.start);
         }
         const bool isDictionary = place.kind == dictionaryKind;
+        // The count is known to fit into the file, so that the room is bounded, too.
         open_.push_back(Level{index,
                               isDictionary,
                               place.count,
@@ -319,16 +339,19 @@ private:
         case dictionaryKind:
             unitSize = 2 * referenceSize_;
             break;
+        // The other kinds have no count; their sizes are checked when they are read.
         default:
             return true;
         }
         if (!readCount(place)) {
             return false;
         }
+        // Before the table: objects that reach into it or beyond are refused.
         if (place.count > (table_ - place.content) / unitSize) {
             return fail("An object is longer than the file", place.start);
         }
         const std::size_t length = place.count * unitSize;
+        // Each byte may be claimed a few times; then the objects overlap on purpose.
         if (length > bytesToGive_) {
             return fail("The objects lie over each other", place.start);
         }
@@ -343,10 +366,12 @@ private:
 
     bool readCount(ObjectPlace& place) noexcept {
         place.count = place.low;
+        // Otherwise the count is an integer object right after the marker.
         if (place.low != 0xF) {
             return true;
         }
         const std::size_t marker = place.content;
+        // The exponent may be up to 15, so the length is checked below.
         const std::size_t length = marker < table_ ? std::size_t{1} << (bytes_[marker] & 0xF) : 0;
         if (marker >= table_ || bytes_[marker] >> 4 != integerKind || length > 8 ||
             length > table_ - marker - 1) {
@@ -387,6 +412,7 @@ private:
 
     bool readSimple(const ObjectPlace& place, NSObject& value) noexcept {
         switch (place.low) {
+        // Null cannot come from other forms, but files contain it.
         case 0x0:
             value = NSNull::null();
             return true;
@@ -415,6 +441,7 @@ private:
             return false;
         }
         const unsigned char* content = bytes_ + place.content;
+        // Short integers are unsigned; only eight bytes have a sign.
         if (length < 8) {
             value = NSNumber(bigEndian(content, length));
         } else if (length == 8) {
@@ -425,6 +452,7 @@ private:
         return true;
     }
 
+    /// Written for numbers from 2^63 up, which eight bytes with a sign cannot hold.
     bool readWideInteger(const ObjectPlace& place, NSObject& value) noexcept {
         const std::uint64_t high = bigEndian(bytes_ + place.content, 8);
         const std::uint64_t low = bigEndian(bytes_ + place.content + 8, 8);
@@ -470,6 +498,7 @@ private:
     }
 
     /// Bytes above 7F become the units of the same number, as wherever bytes are read as ASCII.
+    /// Not an error: such files exist.
     static NSString asciiString(const unsigned char* bytes, std::size_t count) {
         const char* text = reinterpret_cast<const char*>(bytes);
         if (asciiPrefixLength(text, count) == count) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads whole files as data.
+// Property lists are read whole: their forms are recognized by how they begin and may end with a table.
 #include "foundation/plist/FileContents.h"
 
 #include <cstring>
@@ -22,6 +23,7 @@ namespace {
 /// False unless it is a regular file of a size that is read.
 bool getSize(const Descriptor& file, std::size_t& size) noexcept {
     struct stat status {};
+    // Compared as a wide unsigned number: a size is signed, and the limit may not fit it.
     if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0 ||
         static_cast<std::uintmax_t>(status.st_size) > maxPropertyListBytes) {
         return false;
@@ -43,12 +45,14 @@ bool readToEnd(const Descriptor& file, std::size_t expected, FileContents& conte
             return false;
         }
         contents.count += static_cast<std::size_t>(taken);
+        // The file may have grown beyond the limit while it was read.
         if (contents.count > maxPropertyListBytes) {
             return false;
         }
         if (contents.count < capacity) {
             return true;
         }
+        // Doubled, so that a file of unknown size is copied a few times only.
         capacity = capacity * 2 + 4096;
         std::unique_ptr<unsigned char[]> larger(new unsigned char[capacity]);
         std::memcpy(larger.get(), contents.bytes.get(), contents.count);
@@ -60,6 +64,7 @@ bool readToEnd(const Descriptor& file, std::size_t expected, FileContents& conte
 
 bool readFile(StringView path, FileContents& contents) {
     std::string bytes;
+    // A path with a NUL or an unpaired surrogate cannot be a file's.
     if (!path || !NSString(path).getFileSystemBytes(bytes)) {
         return false;
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Converts property lists from and to bytes.
+// The forms are in their own readers and writers; this chooses among them and passes reasons on.
 #include "foundation/plist/NSPropertyListSerialization.h"
 
 #include <string>
@@ -18,6 +19,7 @@ const char* write(const NSObject& propertyList, NSPropertyListFormat format, std
         return detail::writeOldStyle(propertyList, text);
     case NSPropertyListXMLFormat_v1_0:
         return detail::writeXml(propertyList, text);
+    // The binary form is read only.
     case NSPropertyListBinaryFormat_v1_0:
         break;
     }
@@ -35,6 +37,7 @@ NSObject NSPropertyListSerialization::propertyListWithData(const NSData& data, N
         error.message = "There are no data";
     }
     if (errorText != nullptr) {
+        // The reason is always set, so that a caller never sees an old one.
         *errorText = value ? NSString() : detail::describePropertyListError(error);
     }
     return value;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads old-style property lists and strings tables.
+// A state machine with an explicit stack: each step reads one piece and says which comes next, so nesting
+// costs neither stack nor time.
 #include "foundation/plist/OldStyleReader.h"
 
 #include <array>
@@ -16,6 +18,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// The characters of an unquoted string.
+/// As a table, because every unit of a bare string is looked up.
 constexpr auto bareCharacters = [] {
     std::array<bool, 256> bare{};
     for (const char character : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
@@ -46,6 +49,7 @@ public:
 
 private:
     /// What comes next. `finished` and `failed` end the reading.
+    /// In this order: everything before `finished` is a step to be taken.
     enum class Step { value, entry, element, store, finished, failed };
 
     static bool isAllAscii(const Unit* text, std::size_t count) noexcept {
@@ -64,6 +68,7 @@ private:
     }
 
     bool readWhole(NSObject& result) {
+        // Only white space would be an empty dictionary; no text at all is a mistake.
         if (begin_ == end_) {
             return fail("The text is empty", begin_);
         }
@@ -75,6 +80,8 @@ private:
         if (!isAtString()) {
             return readTree(Step::value) && readNothingMore(result);
         }
+        // A string first: the text is that string, or a strings table whose first key it is. The key is
+        // cached in either case.
         NSString first;
         if (!readString(first, true)) {
             return false;
@@ -84,6 +91,7 @@ private:
             result = std::move(first);
             return true;
         }
+        // The outermost dictionary has no braces, and ends where no key follows.
         isStringsTable_ = stack_.openDictionary();
         const Step next = stepAfterKey(std::move(first));
         return next != Step::failed && readTree(next) && takeResult(result);
@@ -131,6 +139,7 @@ private:
             return stepAfterValue();
         }
         if (cursor_ == end_) {
+            // A container that is not closed ends here as well.
             return failed("The text ends where a value is expected", cursor_);
         }
         switch (unitNumber(*cursor_)) {
@@ -171,6 +180,8 @@ private:
             skipBlanks();
             return stepAfterKey(std::move(key));
         }
+        // What cannot be a key ends the table, whatever it is: the rest of such files has always been
+        // ignored.
         if (isStringsTable_ && stack_.depth() == 1) {
             value_ = stack_.close();
             return Step::finished;
@@ -187,6 +198,7 @@ private:
             stack_.setKey(std::move(key));
             return Step::value;
         }
+        // A key alone is its own value.
         if (isAt(';')) {
             ++cursor_;
             stack_.setKey(key);
@@ -200,6 +212,7 @@ private:
     Step storeValue() {
         const bool isInDictionary = stack_.isInDictionary();
         stack_.add(std::move(value_));
+        // The comma after an array's last element is optional, the semicolon after an entry is not.
         if (isAt(isInDictionary ? ';' : ',')) {
             ++cursor_;
             return isInDictionary ? Step::entry : Step::element;
@@ -221,8 +234,10 @@ private:
     }
 
     void skipBlanks() noexcept {
+        // U+00A0 and a byte-order mark are not white space here.
         while (cursor_ != end_) {
             const unsigned number = unitNumber(*cursor_);
+            // Unsigned: 9 to 13 are the five control characters that count.
             if (number == ' ' || number - 0x09 < 5) {
                 ++cursor_;
             } else if (number == '/') {
@@ -246,6 +261,7 @@ private:
         if (!startsWith(cursor_, end_, "/*")) {
             return false;
         }
+        // After the asterisk of the opening, which does not close the comment.
         const Unit* from = cursor_ + 2;
         for (const Unit* star = from;; ++star) {
             star = findUnit(star, end_, '*');
@@ -261,6 +277,7 @@ private:
     }
 
     void skipLine() noexcept {
+        // LF, CR and the separators end a comment; the line end itself is skipped as white space.
         while (cursor_ != end_ && *cursor_ != '\n' && *cursor_ != '\r' &&
                separatorLength(cursor_, end_) == 0) {
             ++cursor_;
@@ -288,10 +305,12 @@ private:
         const Unit* opening = cursor_;
         const char quote = static_cast<char>(*opening);
         const Unit* start = opening + 1;
+        // The first quote ends the string unless it is escaped, which the slow way finds out.
         const Unit* closing = findUnit(start, end_, quote);
         if (closing == end_) {
             return fail("A quoted string is not closed", opening);
         }
+        // Nearly no string has an escape: then it is made from the text as it is.
         if (findUnit(start, closing, '\\') != closing) {
             return readEscaped(string);
         }
@@ -308,6 +327,7 @@ private:
         const Unit* closing = findUnit(cursor_, end_, quote);
         while (closing != end_) {
             const Unit* backslash = findUnit(cursor_, closing, '\\');
+            // Stretches between escapes are appended as a whole.
             text.append(StringView(cursor_, static_cast<std::size_t>(backslash - cursor_)));
             cursor_ = backslash;
             if (backslash == closing) {
@@ -339,6 +359,7 @@ private:
             text.appendUnit(readHexUnit());
             return true;
         }
+        // Letter and control character have the same index.
         static constexpr std::string_view letters = "abfnrtv";
         static constexpr std::string_view controls = "\a\b\f\n\r\t\v";
         const std::size_t index = number < 0x80 ? letters.find(static_cast<char>(number)) : letters.npos;
@@ -354,6 +375,7 @@ private:
 
     bool readOctal(TextBuilder& text, const Unit* backslash) {
         unsigned value = 0;
+        // Up to three digits make one byte, cut to eight bits.
         for (int digits = 0; digits < 3 && cursor_ != end_ && unitNumber(*cursor_) - '0' < 8; ++digits) {
             value = value * 8 + (unitNumber(*cursor_++) - '0');
         }
@@ -365,6 +387,7 @@ private:
         return true;
     }
 
+    /// Without a digit the unit is U+0000.
     char16_t readHexUnit() noexcept {
         unsigned value = 0;
         for (int digits = 0; digits < 4 && cursor_ != end_; ++digits) {
@@ -385,6 +408,7 @@ private:
             const unsigned number = unitNumber(*cursor_);
             const int high = hexDigitValue(*cursor_);
             if (high >= 0) {
+                // Both digits of a byte must be adjacent.
                 const int low = cursor_ + 1 != end_ ? hexDigitValue(cursor_[1]) : -1;
                 if (low < 0) {
                     return fail("Data needs its hexadecimal digits in pairs", cursor_);

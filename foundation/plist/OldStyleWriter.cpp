@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writes old-style property lists.
+// Only what must be quoted is quoted, and the result is ASCII, so that any reader takes it.
 #include "foundation/plist/OldStyleWriter.h"
 
 #include <string_view>
@@ -24,6 +25,7 @@ public:
         ValueWalk walk(value);
         while (walk.next()) {
             writeEvent(walk);
+            // Checked while writing, because shared parts can make a small value enormous.
             if (out_.size() - start > maxPropertyListBytes) {
                 return "The value is too large for a property list";
             }
@@ -59,6 +61,7 @@ private:
             endValue(walk);
             break;
         }
+        // An opening bracket after a key stays on its line.
         isAfterKey_ = walk.event() == ValueWalk::Event::key;
     }
 
@@ -87,6 +90,7 @@ private:
         if (const NSData data(value); data) {
             writeData(data);
         } else {
+            // Numbers, booleans and dates have no notation in this form.
             writeString(value.description());
         }
     }
@@ -94,6 +98,7 @@ private:
     void writeData(const NSData& data) {
         out_ += '<';
         for (std::size_t index = 0; index < data.length(); ++index) {
+            // In groups of four bytes, as descriptions of data show them.
             if (index > 0 && index % 4 == 0) {
                 out_ += ' ';
             }
@@ -116,6 +121,7 @@ private:
 
     static bool needsQuotes(std::string_view text) noexcept {
         // "//" at the start would be a comment.
+        // A single slash is an ordinary character.
         return text.empty() || text.starts_with("//") ||
                text.find_first_not_of(
                    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_$/:.-") != text.npos;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Recognizes the form of a property list and has it read.
+// No form is announced in a text, so all that can be tried is tried, and the reason reported is the one of
+// the form that was probably meant.
 #include "foundation/plist/PropertyList.h"
 
 #include <cstring>
@@ -20,6 +22,7 @@ namespace {
 
 using TextDecoder = bool (*)(const unsigned char*, std::size_t, DecodedText&, PropertyListError&);
 
+// An error without lines has line 0 and is never further.
 bool isFurther(const PropertyListError& left, const PropertyListError& right) noexcept {
     return left.line != right.line ? left.line > right.line : left.column > right.column;
 }
@@ -44,6 +47,7 @@ NSObject readText(const Unit* text, std::size_t count, PropertyListError& error)
 NSObject readBytes(const unsigned char* bytes, std::size_t count, TextDecoder decoder,
                    PropertyListError& error) {
     PropertyListError binaryError;
+    // Bytes that only look binary may still be a text.
     if (isBinaryPropertyList(bytes, count)) {
         if (NSObject value = readBinary(bytes, count, binaryError)) {
             return value;
@@ -55,6 +59,7 @@ NSObject readBytes(const unsigned char* bytes, std::size_t count, TextDecoder de
         value = text.utf8 != nullptr ? readText(text.utf8, text.count, error)
                                      : readText(text.units.get(), text.count, error);
     }
+    // A file that begins like the binary form was meant as one.
     if (!value && binaryError.message != nullptr) {
         error = binaryError;
     }
@@ -75,6 +80,7 @@ NSObject parsePropertyListText(StringView text, PropertyListError* error) {
         failure = {"There is no text", 1, 1};
         return nullptr;
     }
+    // Both readers take ASCII and units; other UTF-8 is converted once, here.
     const AsciiOrUtf16 normalized(text);
     return normalized.isAscii() ? readText(normalized.ascii(), normalized.length(), failure)
                                 : readText(normalized.units(), normalized.length(), failure);
@@ -88,6 +94,7 @@ NSObject parsePropertyListBytes(const unsigned char* bytes, std::size_t count, P
 NSDictionary parseStringsFileBytes(const unsigned char* bytes, std::size_t count, PropertyListError* error) {
     PropertyListError unused;
     PropertyListError& failure = error != nullptr ? *error : unused;
+    // The reason for a wrong kind of value is added below.
     const NSObject value = readBytes(bytes, count, decodeStringsText, failure);
     if (value && !NSDictionary(value)) {
         failure = {"A strings table must be a dictionary", 1, 1};
@@ -123,6 +130,7 @@ NSObject NSString::propertyList() const {
     }
     detail::PropertyListError error;
     NSObject value = detail::parsePropertyListText(*this, &error);
+    // A malformed list raises here, because the operation has no other way to report the reason.
     if (!value) {
         throw NSException(NSParseErrorException, detail::describePropertyListError(error));
     }
@@ -130,6 +138,7 @@ NSObject NSString::propertyList() const {
 }
 
 NSDictionary NSString::propertyListFromStringsFileFormat() const {
+    // Unlike the operation above, this one returns nil.
     return NSDictionary(detail::parsePropertyListText(*this, nullptr));
 }
 

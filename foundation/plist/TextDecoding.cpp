@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Decodes a property list's text by its byte-order mark, its declaration or its bytes.
+// Nothing is converted when the bytes are UTF-8, as nearly all are; the readers work on them in place.
 #include "foundation/plist/TextDecoding.h"
 
 #include <cstdint>
@@ -20,6 +21,7 @@ struct NamedEncoding {
     Encoding encoding;
 };
 
+// Names without an order mean big-endian when there is no mark.
 constexpr NamedEncoding namedEncodings[] = {
     {"utf-8", Encoding::utf8},           {"utf8", Encoding::utf8},
     {"utf-16", Encoding::utf16Big},      {"utf-16be", Encoding::utf16Big},
@@ -72,6 +74,7 @@ Encoding encodingNamed(std::string_view name) noexcept {
 /// The encoding that the XML declaration at the start of the bytes names; UTF-8 when there is none.
 Encoding declaredEncoding(std::string_view bytes) noexcept {
     constexpr std::string_view blanks = " \t\r\n";
+    // Only at the very start, where the declaration must be.
     if (!bytes.starts_with("<?xml")) {
         return Encoding::utf8;
     }
@@ -101,6 +104,7 @@ bool fail(PropertyListError& error, const char* message, std::size_t byte) noexc
 }
 
 bool useUtf8(std::string_view bytes, DecodedText& text, PropertyListError& error) {
+    // The offset of the first bad byte becomes the place of the error.
     const std::size_t good = wellFormedUtf8Prefix(bytes.data(), bytes.size());
     if (good != bytes.size()) {
         error.message = "The text is not well-formed UTF-8";
@@ -131,6 +135,7 @@ bool decodeUtf16(std::string_view bytes, bool isLittle, DecodedText& text, Prope
     }
     text.count = bytes.size() / 2;
     text.units.reset(new char16_t[text.count]);
+    // The index of the high byte; the low one is the other.
     const unsigned high = isLittle ? 1 : 0;
     for (std::size_t index = 0; index < text.count; ++index) {
         const unsigned first = unitNumber(bytes[2 * index + high]);
@@ -150,6 +155,7 @@ bool decodeUtf32(std::string_view bytes, bool isLittle, DecodedText& text, Prope
     if (bytes.size() % 4 != 0) {
         return fail(error, "The text has a part of a UTF-32 unit at its end", bytes.size());
     }
+    // UTF-32 is converted completely, since the readers have no form for it.
     text.units.reset(new char16_t[bytes.size() / 2]); // at most two for each four bytes
     for (std::size_t start = 0; start < bytes.size(); start += 4) {
         std::uint32_t character = 0;
@@ -160,6 +166,7 @@ bool decodeUtf32(std::string_view bytes, bool isLittle, DecodedText& text, Prope
             return fail(error, "The text is not well-formed UTF-32", start);
         }
         if (character >= 0x10000) {
+            // 0xD7C0 is 0xD800 less 0x10000 >> 10.
             text.units[text.count++] = static_cast<char16_t>(0xD7C0 + (character >> 10));
             character = 0xDC00 | (character & 0x3FF);
         }
@@ -169,6 +176,7 @@ bool decodeUtf32(std::string_view bytes, bool isLittle, DecodedText& text, Prope
 }
 
 bool decodeSingleBytes(std::string_view bytes, bool isWindows, DecodedText& text) {
+    // ASCII is UTF-8 already, so nothing is copied.
     if (asciiPrefixLength(bytes.data(), bytes.size()) == bytes.size()) {
         text.utf8 = bytes.data();
         text.count = bytes.size();
@@ -228,6 +236,7 @@ std::string_view viewOf(const unsigned char* bytes, std::size_t count) noexcept 
 bool decodeText(const unsigned char* bytes, std::size_t count, DecodedText& text, PropertyListError& error) {
     std::string_view rest = viewOf(bytes, count);
     const Encoding marked = takeByteOrderMark(rest);
+    // A mark is evidence, a declaration only a claim.
     return decode(rest, marked != Encoding::unknown ? marked : declaredEncoding(rest), text, error);
 }
 
@@ -236,11 +245,13 @@ bool decodeStringsText(const unsigned char* bytes, std::size_t count, DecodedTex
     const std::string_view whole = viewOf(bytes, count);
     std::string_view rest = whole;
     const bool isMarked = takeByteOrderMark(rest) != Encoding::unknown;
+    // Text in UTF-8 has no zeros; a file without any, or with a declaration, is taken as text in bytes.
     const bool isPlain = whole.find('\0') == whole.npos &&
                          (whole.starts_with("<?xml") || isWellFormedUtf8(whole.data(), whole.size()));
     if (isMarked || isPlain || whole.size() % 2 != 0 || whole.empty()) {
         return decodeText(bytes, count, text, error);
     }
+    // Most characters of such tables are ASCII, so the place of the zero shows the order.
     return decodeUtf16(whole, whole[1] == '\0', text, error);
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Walks a value that is to be written, without recursion, and refuses what no property list holds.
+// The walk checks what it walks over, so that writers see only values that they can write.
 #include "foundation/plist/ValueWalk.h"
 
 #include <algorithm>
@@ -27,6 +28,7 @@ bool ValueWalk::next() {
     if (level.next == level.count) {
         return leave();
     }
+    // Counted before entering, which may add a level and move this one.
     const std::size_t index = level.next++;
     if (!level.isDictionary) {
         return enter(*(NSArray(*level.container).begin() + index));
@@ -39,6 +41,7 @@ bool ValueWalk::next() {
 }
 
 bool ValueWalk::enter(const NSObject& value) {
+    // The checked conversions are nil for any other type.
     if (NSArray(value) || NSDictionary(value)) {
         return open(value);
     }
@@ -81,6 +84,7 @@ bool ValueWalk::openDictionary(const NSObject& container) {
         entries.push_back(&entry);
     }
     // Stable, because different keys may compare the same.
+    // Sorted once for each dictionary, so that equal values are written alike.
     std::stable_sort(entries.begin(), entries.end(),
                      [](const NSDictionaryEntry* left, const NSDictionaryEntry* right) {
                          return NSString(left->key).compare(NSString(right->key)) == NSOrderedAscending;

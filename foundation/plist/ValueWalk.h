@@ -68,7 +68,7 @@ private:
     bool isStarted_ = false;
     bool isArray_ = false;
     bool isEmpty_ = false;
-    const NSObject* pending_ = nullptr; ///< a container just announced, or the value of the key just given
+    const NSObject* pending_ = nullptr; ///< the value of the key just given
     const char* refusal_ = nullptr;
     std::vector<Level> levels_;
 };

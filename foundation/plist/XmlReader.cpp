@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads XML property lists.
+// A reader for property lists, not for XML: exactly the elements of the format, in exactly their order. What
+// a general reader would do besides (expand, fetch, validate) is what makes such readers dangerous.
 #include "foundation/plist/XmlReader.h"
 
 #include <algorithm>
@@ -37,6 +39,7 @@ constexpr std::string_view closeTags[] = {
     "</integer>", "</key>",   "</plist>", "</real>", "</string>", "</true>",
 };
 
+/// XML's own four kinds; other white space is text.
 constexpr bool isBlank(unsigned number) noexcept {
     return number == ' ' || number == '\t' || number == '\n' || number == '\r';
 }
@@ -118,6 +121,7 @@ private:
         if (!skipProlog() || !readOpenTag(tag)) {
             return false;
         }
+        // The element around the value may be missing.
         if (tag.element != Element::plist) {
             return readTree(tag, result);
         }
@@ -127,13 +131,16 @@ private:
         if (!skipBetweenElements()) {
             return false;
         }
+        // Reported as what it is, rather than as an unknown element.
         if (isAtCloseTag()) {
             return fail("The property list holds no value", cursor_);
         }
+        // What follows the close tag is not read.
         return readOpenTag(tag) && readTree(tag, result) && skipBetweenElements() &&
                readCloseTag(Element::plist);
     }
 
+    /// The document type may come between comments and instructions.
     bool skipProlog() noexcept {
         for (;;) {
             if (!skipBetweenElements()) {
@@ -151,6 +158,7 @@ private:
     /// Definitions inside the document type are refused: nothing that a text defines itself is ever expanded.
     bool skipDocumentType() noexcept {
         const Unit* start = cursor_;
+        // Past the name of the declaration, which takes nine units.
         for (cursor_ += 9; cursor_ != end_ && *cursor_ != '>'; ++cursor_) {
             if (*cursor_ == '[') {
                 return fail("Definitions inside the document type are not allowed", cursor_);
@@ -186,10 +194,12 @@ private:
             while (cursor_ != end_ && isBlank(unitNumber(*cursor_))) {
                 ++cursor_;
             }
+            // Anything else is an element or text, for the caller.
             if (end_ - cursor_ < 2 || *cursor_ != '<' || (cursor_[1] != '!' && cursor_[1] != '?')) {
                 return true;
             }
             if (startsWith(cursor_, end_, "<!--")) {
+                // A comment ends at the first "-->"; the hyphens of its opening do not count.
                 if (!skipPast(4, "--", "A comment is not closed")) {
                     return false;
                 }
@@ -207,6 +217,7 @@ private:
     template <std::size_t size>
     bool skipPast(std::size_t openingLength, const char (&before)[size], const char* message) noexcept {
         const Unit* content = cursor_ + openingLength;
+        // Each ">" is looked at once, so that even a text of openings without an end takes linear time.
         for (const Unit* close = content; (close = findUnit(close, end_, '>')) != end_; ++close) {
             if (close - content >= static_cast<std::ptrdiff_t>(size - 1) &&
                 startsWith(close - (size - 1), close, before)) {
@@ -228,6 +239,7 @@ private:
         }
         tag.start = cursor_;
         const Unit* name = ++cursor_;
+        // A name ends at white space, a slash or the end of the tag.
         while (cursor_ != end_ && *cursor_ != '>' && *cursor_ != '/' && !isBlank(unitNumber(*cursor_))) {
             ++cursor_;
         }
@@ -238,9 +250,11 @@ private:
                         tag.start);
         }
         while (cursor_ != end_ && *cursor_ != '>') {
+            // Without this check, one missing ">" would be reported at the end of the text.
             if (*cursor_ == '<') {
                 return fail("A tag is not closed", tag.start);
             }
+            // A quoted value may contain ">" and "<".
             if (!skipQuoted()) {
                 return false;
             }
@@ -249,6 +263,7 @@ private:
         if (cursor_ == end_) {
             return fail("A tag is not closed", tag.start);
         }
+        // Attributes are ignored, so only the last character matters.
         tag.isEmpty = cursor_[-1] == '/';
         ++cursor_;
         return true;
@@ -292,9 +307,11 @@ private:
     }
 
     /// The value whose open tag was just read, with all that is inside.
+    /// A loop, with the containers on a stack: one round for each open tag.
     bool readTree(Tag tag, NSObject& result) {
         NSObject value;
         for (;;) {
+            // A container that closes itself is a value like others.
             const bool isContainer = tag.element == Element::dictionary || tag.element == Element::array;
             if (isContainer && !tag.isEmpty) {
                 if (!open(tag)) {
@@ -310,6 +327,7 @@ private:
                 }
                 stack_.add(std::move(value));
             }
+            // Several containers may end here, before the next tag is read.
             if (!closeFinished(result)) {
                 return false;
             }
@@ -372,6 +390,7 @@ private:
     /// Any value but a container with something inside.
     bool readScalar(const Tag& tag, NSObject& value) {
         switch (tag.element) {
+        // A key where a value is expected is read as a string: other readers of this format accept it, too.
         case Element::key:
         case Element::string: {
             NSString string;
@@ -384,6 +403,7 @@ private:
         case Element::trueValue:
         case Element::falseValue:
             value = NSNumber(tag.element == Element::trueValue);
+            // Both spellings of an empty element are allowed.
             return tag.isEmpty || readCloseTag(tag.element);
         case Element::array:
             value = NSArray::array();
@@ -404,6 +424,7 @@ private:
             return fail("The element must not be empty", tag.start);
         }
         const Unit* start = cursor_;
+        // Up to the next tag, whatever it is; the close tag is checked after the text.
         cursor_ = findUnit(cursor_, end_, '<');
         return decodeNotation(tag.element, start, static_cast<std::size_t>(cursor_ - start), value) &&
                readCloseTag(tag.element);
@@ -423,6 +444,7 @@ private:
         case Element::date:
             return readXmlDate(text, count, value) || fail("The date is malformed", text);
         default:
+            // Data skip what is not Base64, so this is the only way in which they fail.
             return readXmlData(text, count, value) || fail("The data hold a character beyond ASCII", text);
         }
     }
@@ -434,6 +456,7 @@ private:
         }
         const Unit* start = cursor_;
         const Unit* stop = findUnit(start, end_, '<');
+        // Neither a reference nor a literal section: the text is used as it is.
         const bool isPlain = startsWith(stop, end_, "</") && findUnit(start, stop, '&') == stop;
         if (!isPlain) {
             return readMixedString(tag, string);
@@ -449,6 +472,7 @@ private:
         TextBuilder text;
         for (;;) {
             const Unit* stop = findUnit(cursor_, end_, '<');
+            // The references before the stop; the text between them is appended as it is.
             if (!appendReferences(text, stop)) {
                 return false;
             }
@@ -459,6 +483,7 @@ private:
                 string = text.string();
                 return readCloseTag(tag.element);
             }
+            // A comment inside a text is refused: elements have text only.
             if (!startsWith(cursor_, end_, "<![CDATA[")) {
                 return fail("Only text is allowed here", cursor_);
             }
@@ -487,6 +512,7 @@ private:
     }
 
     bool appendReference(TextBuilder& text, const Unit* stop) {
+        // No other references exist: a text cannot define any.
         if (startsWith(cursor_, stop, "&#")) {
             return appendNumbered(text, stop);
         }
@@ -513,6 +539,7 @@ private:
         const int base = isHexadecimal ? 16 : 10;
         const Unit* digits = cursor_;
         char32_t number = 0;
+        // Checked at each digit, so that the number cannot overflow.
         for (; cursor_ != stop; ++cursor_) {
             const int digit = hexDigitValue(*cursor_);
             if (digit < 0 || digit >= base) {
@@ -537,8 +564,10 @@ private:
 
     bool appendLiteralSection(TextBuilder& text) {
         const Unit* section = cursor_;
+        // Past the opening, which takes nine units.
         const Unit* content = cursor_ + 9;
         for (const Unit* close = content; (close = findUnit(close, end_, '>')) != end_; ++close) {
+            // The end may follow the opening directly.
             if (close - content >= 2 && startsWith(close - 2, close, "]]")) {
                 cursor_ = content;
                 appendText(text, close - 2);

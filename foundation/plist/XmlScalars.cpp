@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads numbers, dates and data in the text of XML elements.
+// Notations are strict, because a value that was misread is worse than one that was refused.
 #include "foundation/plist/XmlScalars.h"
 
 #include <limits>
@@ -22,6 +23,7 @@ constexpr bool isXmlBlank(unsigned number) noexcept {
 }
 
 /// ASCII white space, the same for bytes and units.
+/// Reals allow more white space before the number than integers.
 constexpr bool isWhiteSpace(unsigned number) noexcept { return number == ' ' || number - 0x09 < 5; }
 
 template <class Unit>
@@ -41,10 +43,12 @@ IntegerReading readMagnitude(const Unit* text, const Unit* end, unsigned base,
     }
     bool overflows = false;
     for (; text != end; ++text) {
+        // Digits of 10 to 15 are refused for the base of 10.
         const int digit = hexDigitValue(*text);
         if (digit < 0 || digit >= static_cast<int>(base)) {
             return IntegerReading::malformed;
         }
+        // Goes on after an overflow: whether the text is malformed decides first.
         overflows |= __builtin_mul_overflow(magnitude, std::uint64_t{base}, &magnitude);
         overflows |= __builtin_add_overflow(magnitude, static_cast<std::uint64_t>(digit), &magnitude);
     }
@@ -58,6 +62,7 @@ IntegerReading readInteger(const Unit* text, const Unit* end, NSObject& value) {
     if (isNegative || startsWith(text, end, "+")) {
         text = skipXmlBlanks(text + 1, end);
     }
+    // Both letters are accepted, and any case of digits.
     const bool isHexadecimal = startsWith(text, end, "0x") || startsWith(text, end, "0X");
     std::uint64_t magnitude = 0;
     const IntegerReading reading =
@@ -65,10 +70,12 @@ IntegerReading readInteger(const Unit* text, const Unit* end, NSObject& value) {
     if (reading != IntegerReading::good) {
         return reading;
     }
+    // Positive numbers may use all 64 bits.
     if (!isNegative) {
         value = NSNumber(magnitude);
         return reading;
     }
+    // The magnitude of the lowest number is one more than that of the highest.
     if (magnitude > std::uint64_t{1} << 63) {
         return IntegerReading::outOfRange;
     }
@@ -82,6 +89,7 @@ bool isWord(const Unit* text, const Unit* end, const char (&word)[size]) noexcep
     if (static_cast<std::size_t>(end - text) != size - 1) {
         return false;
     }
+    // Letters differ between cases by one bit; no other ASCII character becomes a letter of these words.
     for (std::size_t index = 0; index < size - 1; ++index) {
         if ((unitNumber(text[index]) | 0x20) != static_cast<unsigned char>(word[index])) {
             return false;
@@ -132,12 +140,14 @@ bool readField(const Unit*& text, const Unit* end, unsigned digits, char separat
         }
         field = field * 10 + digit;
     }
+    // The separator after the last field is the Z of UTC.
     return *text++ == static_cast<Unit>(separator);
 }
 
 template <class Unit>
 bool readDate(const Unit* text, const Unit* end, NSObject& value) {
     const bool isBeforeYearZero = startsWith(text, end, "-");
+    // Years are counted astronomically, so -0001 is the year before 0.
     text += isBeforeYearZero ? 1 : 0;
     unsigned year = 0;
     unsigned month = 0;
@@ -163,6 +173,7 @@ bool readDate(const Unit* text, const Unit* end, NSObject& value) {
     return true;
 }
 
+/// Above the values of the alphabet and below the mark of foreign characters.
 constexpr int base64Filler = 64;
 static_assert(base64::foreign > base64Filler);
 
@@ -180,9 +191,11 @@ public:
 
     void add(int symbol) noexcept {
         const bool isFiller = symbol == base64Filler;
+        // Only fillers at the end of a group shorten it; one that is followed by a symbol counts as 0.
         fillers_ = isFiller ? fillers_ + 1 : 0;
         bits_ = bits_ << 6 | (isFiller ? 0U : static_cast<unsigned>(symbol));
         if (++symbols_ == 4) {
+            // Six bits for each symbol: four make three bytes.
             for (unsigned index = 0; index + fillers_ < 3; ++index) {
                 *out_++ = static_cast<unsigned char>(bits_ >> (16 - 8 * index));
             }
@@ -222,9 +235,11 @@ private:
 template <class Unit>
 bool readData(const Unit* text, const Unit* end, NSObject& value) {
     const auto count = static_cast<std::size_t>(end - text);
+    // Enough for all groups that the characters can make; an incomplete last one is dropped.
     const std::unique_ptr<unsigned char[]> bytes(new unsigned char[count / 4 * 3 + 1]);
     Base64Groups groups(bytes.get());
     while (text != end) {
+        // Long stretches go by groups; white space and fillers take the slow way for one character.
         if (groups.isBetweenGroups() && end - text >= 4 && groups.addWholeGroup(text)) {
             text += 4;
             continue;

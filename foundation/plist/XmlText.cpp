@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writes dictionaries as XML property lists that every reader accepts.
+// Settings must survive other readers, some of which refuse a whole file for one character that XML does not
+// allow.
 #include "foundation/plist/XmlText.h"
 
 #include <vector>
@@ -16,6 +18,7 @@ namespace {
 using Event = ValueWalk::Event;
 
 /// The place of a walk: the keys and indexes on the way there.
+/// Only for the reason: the user must find the text that cannot be written.
 class Place {
 public:
     void follow(const ValueWalk& walk) {
@@ -24,6 +27,7 @@ public:
             return;
         }
         if (walk.event() == Event::key) {
+            // The key stays until the next one of the same dictionary.
             levels_.back().key = NSString(walk.value());
             return;
         }
@@ -56,6 +60,7 @@ private:
     std::vector<Level> levels_;
 };
 
+// The characters of XML 1.0 among units; surrogates are judged by the caller.
 bool mayStandInXml(char16_t unit) noexcept {
     return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
 }
@@ -70,6 +75,7 @@ bool findUnfit(const NSString& string, char16_t& unit) {
     const AsciiOrUtf16 text(string);
     for (std::size_t i = 0; i < text.length(); ++i) {
         unit = text[i];
+        // Characters above U+FFFF are allowed.
         if (isPairAt(text, i)) {
             ++i;
         } else if (!mayStandInXml(unit) || (unit & 0xF800) == 0xD800) {
@@ -86,6 +92,7 @@ bool areTextsFit(const NSDictionary& dictionary, NSString* error) {
     while (walk.next()) {
         place.follow(walk);
         const bool isText = walk.event() == Event::scalar || walk.event() == Event::key;
+        // A number or a date becomes nil by the conversion, and nil has no units.
         if (isText && findUnfit(NSString(walk.value()), unit)) {
             if (error != nullptr) {
                 *error = NSString::stringWithFormat(

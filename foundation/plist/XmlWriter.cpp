@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writes XML property lists.
+// Everything that the reader of this library takes is written in a way that it reads back equal; readable
+// lines matter, since people edit these files.
 #include "foundation/plist/XmlWriter.h"
 
 #include <algorithm>
@@ -29,6 +31,7 @@ public:
 
     const char* write(const NSObject& value) {
         const std::size_t start = out_.size();
+        // No document type: readers ignore it, and some would fetch it.
         out_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n";
         ValueWalk walk(value);
         while (refusal_ == nullptr && walk.next()) {
@@ -43,6 +46,7 @@ public:
 
 private:
     void writeEvent(const ValueWalk& walk) {
+        // Indented by tabs, as is usual in files of this format.
         switch (walk.event()) {
         case ValueWalk::Event::scalar:
             indent(walk.depth());
@@ -58,6 +62,7 @@ private:
                                    : (walk.isEmpty() ? "<dict/>\n" : "<dict>\n");
             break;
         case ValueWalk::Event::close:
+            // An empty container has been written whole when it was opened.
             if (!walk.isEmpty()) {
                 indent(walk.depth());
                 out_ += walk.isArray() ? "</array>\n" : "</dict>\n";
@@ -88,6 +93,7 @@ private:
         }
         if (number.isReal()) {
             out_ += "<real>";
+            // The fewest digits that give the same number again.
             const char* const end =
                 writeShortestRealText(digits, digits + sizeof digits, canonical(number.doubleValue()));
             out_.append(digits, static_cast<std::size_t>(end - digits));
@@ -95,6 +101,7 @@ private:
             return;
         }
         const std::uint64_t bits = number.unsignedLongLongValue();
+        // By comparison, because a large unsigned number has the bits of a negative one.
         const bool isNegative = number.compare(NSNumber(0)) == NSOrderedAscending;
         const char* end = isNegative ? writeInt64(number.integerValue(), digits) : writeUInt64(bits, digits);
         out_ += "<integer>";
@@ -106,6 +113,7 @@ private:
     static double canonical(double value) noexcept { return std::isnan(value) ? std::fabs(value) : value; }
 
     void writeDate(const NSDate& date) {
+        // Rounded down, so that a fraction never moves a date into the next second.
         const double since1970 = std::floor(date.timeIntervalSince1970());
         // Far outside of what is accepted below, and small enough for 64 bits.
         const bool isNear = std::fabs(since1970) < 1e15;
@@ -137,6 +145,7 @@ private:
         out_ += "<data>\n";
         char line[dataBytesPerLine / 3 * 4];
         for (std::size_t start = 0; start < data.length(); start += dataBytesPerLine) {
+            // Data are indented like the element, so that the lines do not look like text of another level.
             indent(depth);
             const std::size_t count = std::min(dataBytesPerLine, data.length() - start);
             out_.append(line, base64::encode(base64::codec(), data.bytes() + start, count, false, line));
@@ -158,6 +167,8 @@ private:
     }
 
     /// Characters that stand for themselves, the others by a reference.
+    /// A carriage return would be read as a line feed by readers that follow XML, so it is written as a
+    /// reference.
     static bool isPlain(unsigned unit) noexcept {
         return (unit >= 0x20 && unit < 0x7F && unit != '<' && unit != '>' && unit != '&') || unit == '\n' ||
                unit == '\t';
@@ -186,6 +197,7 @@ private:
             if (text == end) {
                 break;
             }
+            // A pair is a character, a single half only a reference.
             const bool isPair = text + 1 != end && (*text & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
             if (isPair) {
                 writeUtf8(text, text + 2);
@@ -197,6 +209,7 @@ private:
     }
 
     static bool isPlainBeyondAscii(char16_t unit) noexcept {
+        // Controls from U+0080 to U+009F would be invisible; U+FFFE and U+FFFF are not characters.
         return unit >= 0xA0 && (unit & 0xF800) != 0xD800 && unit < 0xFFFE;
     }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Finds a bundle's Info dictionary, resources and program.
+// Locations are tried in a fixed order, by what exists. A bundle that cannot be recognized still has a
+// folder, so resources may lie beside a program during development.
 #include "foundation/process/BundleLayout.h"
 
 #include <algorithm>
@@ -25,6 +27,7 @@ bool endsWith(const std::string& text, const std::string& end) noexcept {
 }
 
 /// Closes a folder at the end of its scope.
+/// The names are only needed once for each bundle, so the C library's stream is good enough here.
 class OpenFolder {
 public:
     explicit OpenFolder(const std::string& path) noexcept : stream_(::opendir(path.c_str())) {}
@@ -55,6 +58,7 @@ std::string folderOf(const std::string& path) {
 std::string lastComponentOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
 
 BundleLayout layoutOfFolder(const std::string& folder) {
+    // An application is recognized by its Contents folder, even if the Info dictionary is missing.
     if (isFolder(folder + "/Contents")) {
         return applicationLayout(folder);
     }
@@ -62,6 +66,7 @@ BundleLayout layoutOfFolder(const std::string& folder) {
     if (fileExists(resources + "/Info.plist")) {
         return {folder, resources + "/Info.plist", resources, folder};
     }
+    // A flat bundle may have its resources in the folder itself.
     return {folder, folder + "/Info.plist", isFolder(resources) ? resources : folder, folder};
 }
 
@@ -70,20 +75,24 @@ BundleLayout layoutOfProgram(const std::string& program, const std::string& proc
         return {};
     }
     const std::string folder = folderOf(program);
+    // The program's own place is enough evidence; the Info dictionary may be missing or unreadable.
     if (endsWith(folder, "/Contents/MacOS")) {
         return applicationLayout(folderOf(folderOf(folder)));
     }
     if (fileExists(folder + "/Resources/Info.plist") || fileExists(folder + "/Info.plist")) {
         return layoutOfFolder(folder);
     }
+    // Installed programs share their folder, so their data are elsewhere, under the name of the process.
     if (lastComponentOf(folder) == "bin" && !processName.empty()) {
         const std::string shared = folderOf(folder) + "/share/" + processName;
         if (isFolder(shared)) {
             BundleLayout layout = layoutOfFolder(shared);
+            // Only the data are there.
             layout.programs = folder;
             return layout;
         }
     }
+    // No path of an Info dictionary: nothing is read from a folder that merely contains the program.
     return {folder, "", folder, folder};
 }
 
@@ -109,6 +118,7 @@ BundleLayout layoutOfLibrary(const std::string& library) {
 std::vector<std::string> localizedFolders(const std::string& resources, bool& isKnown) {
     std::vector<std::string> names;
     OpenFolder folder(resources);
+    // A folder that is missing has no localizations for good; one that cannot be opened now may have.
     if (!folder && isPassing(errno)) {
         isKnown = false;
     }
@@ -120,6 +130,7 @@ std::vector<std::string> localizedFolders(const std::string& resources, bool& is
             names.push_back(name.substr(0, name.size() - extension));
         }
     }
+    // The order of the file system is arbitrary, and a bundle's localizations should not depend on it.
     std::sort(names.begin(), names.end());
     return names;
 }

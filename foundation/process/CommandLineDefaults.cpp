@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads settings given as arguments: `-Key value`.
+// Everything here works on any text: what is not a pair is skipped, and what is not a property list is a
+// string.
 #include "foundation/process/CommandLineDefaults.h"
 
 #include <algorithm>
@@ -39,6 +41,7 @@ NSString trimmed(const NSString& text) {
     return text.substringWithRange(start, end - start);
 }
 
+// Only a few first characters are tried, so that an ordinary text such as `YES` costs no parsing.
 bool mayBePropertyList(const NSString& text) {
     if (text.length() == 0) {
         return false;
@@ -63,6 +66,7 @@ NSObject valueOfArgument(const std::string& argument) {
                 return parsed;
             }
         } catch (const NSException&) {
+            // For example a text in parentheses.
             return text; // a text that only looks like a property list is taken literally
         }
     }
@@ -82,6 +86,7 @@ bool isPairAt(const std::vector<std::string>& arguments, std::size_t index) noex
 bool isBlankByte(char byte) noexcept { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
 
 /// Splits a text into words as shells do.
+/// The syntax is the part of a shell's that users expect when they put arguments into a variable.
 class Words {
 public:
     explicit Words(const std::string& text) noexcept : text_(text) {}
@@ -95,6 +100,7 @@ public:
         if (position_ == text_.size()) {
             return false;
         }
+        // A quote may begin within a word, as in -Key"a b".
         char quote = '\0';
         for (; position_ < text_.size() && (quote != '\0' || !isBlankByte(text_[position_])); ++position_) {
             take(word, quote);
@@ -105,6 +111,7 @@ public:
 private:
     void take(std::string& word, char& quote) {
         const char character = text_[position_];
+        // A backslash at the very end is an ordinary character.
         if (character == '\\' && quote != '\'' && position_ + 1 < text_.size()) {
             word += text_[++position_];
         } else if (character == quote) {
@@ -122,6 +129,7 @@ private:
 
 /// Whether a word that has the form of a key is instead an option of the host.
 bool isOption(const std::string& word, const std::vector<std::string>& options) {
+    // "-x" and "--long" belong to the host by the conventions of command lines.
     return word.size() == 2 || word[1] == '-' ||
            std::find(options.begin(), options.end(), word) != options.end();
 }
@@ -133,6 +141,7 @@ NSDictionary defaultsFromArguments(const std::vector<std::string>& arguments) {
     for (std::size_t index = 1; index < arguments.size(); ++index) {
         if (isPairAt(arguments, index)) {
             const std::string& key = arguments[index];
+            // The last of repeated keys replaces the value but keeps the place of the first.
             result.setObject_forKey(valueOfArgument(arguments[++index]),
                                     NSString::stringWithFileSystemBytes(key.data() + 1, key.size() - 1));
         }
@@ -154,6 +163,7 @@ std::vector<std::size_t> placesWithoutDefaults(const std::vector<std::string>& a
     std::vector<std::size_t> places;
     bool isEnded = false;
     for (std::size_t index = 0; index < arguments.size(); ++index) {
+        // From "--" on, everything is the host's, and so is that word.
         isEnded = isEnded || (index > 0 && arguments[index] == "--");
         if (!isEnded && index > 0 && isPairAt(arguments, index) && !isOption(arguments[index], options)) {
             ++index;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Finds the user's locale, from the settings and the environment.
+// Numbers follow this locale; the language of texts is chosen elsewhere.
 #include <string_view>
 
 #include "foundation/format/NSLocale.h"
@@ -10,6 +11,7 @@ namespace ZQFoundation {
 
 namespace {
 
+/// Programs without any setting write numbers as programs read them.
 constexpr const char* programsLocale = "en_US_POSIX";
 
 /// The locale that the environment names for numbers.
@@ -26,11 +28,14 @@ std::string_view localeOfEnvironment() {
 } // namespace
 
 NSLocale NSLocale::currentLocale() {
+    // The setting wins, because users change it for all applications, and the environment may come from a
+    // terminal.
     const NSString chosen = NSUserDefaults::standardUserDefaults().stringForKey("AppleLocale");
     if (chosen.length() != 0) {
         return localeWithLocaleIdentifier(chosen);
     }
     const std::string_view locale = localeOfEnvironment();
+    // Without encoding and modifier: "C.UTF-8" is "C", too.
     const std::string_view name = locale.substr(0, locale.find_first_of(".@"));
     return localeWithLocaleIdentifier(name == "C" || name == "POSIX" ? programsLocale : locale);
 }

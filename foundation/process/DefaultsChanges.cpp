@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Keeps the changes of user defaults that are not yet saved.
+// A forked child inherits its parent's unsaved changes and sees them, but does not save them: the parent
+// will.
 #include "foundation/process/DefaultsChanges.h"
 
 #include "foundation/objects/NSNumber.h"
@@ -9,6 +11,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// The upper half identifies which process in a chain of forks made the change.
+/// Both halves together are unique, so that a change is never taken for another one of the same key.
 std::uint64_t numberOf(std::uint32_t count) noexcept {
     return std::uint64_t{system::forkGeneration()} << 32 | count;
 }
@@ -22,6 +25,7 @@ bool isOwn(const NSNumber& number) {
 bool isRemoval(const NSObject& change) { return static_cast<bool>(change.as<NSNull>()); }
 
 NSDictionary withChanges(const NSDictionary& file, const NSDictionary& changes) {
+    // The common case returns the file's dictionary without a copy.
     if (changes.count() == 0) {
         return file;
     }
@@ -42,6 +46,8 @@ DefaultsChanges::Record DefaultsChanges::all() const {
 
 NSDictionary DefaultsChanges::values() const { return all().values; }
 
+// A new record is made as a whole and published in one step: readers, and a child that is forked meanwhile,
+// see the record before or after.
 void DefaultsChanges::add(const NSObject& value, const NSString& key) {
     const Guard<Lock> guard(changing_);
     const Record before = all();
@@ -71,6 +77,7 @@ void DefaultsChanges::forget(const Record& saved) {
     NSMutableDictionary values(before.values);
     NSMutableDictionary numbers(before.numbers);
     for (const NSDictionaryEntry& entry : saved.numbers) {
+        // A key that was changed again has another number, and stays.
         if (numbers.objectForKey(entry.key) == entry.value) {
             values.removeObjectForKey(entry.key);
             numbers.removeObjectForKey(entry.key);

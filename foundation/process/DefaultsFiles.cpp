@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads the files of the domains of settings.
+// The files may be changed by settings panels and tools at any time, so every look-up checks their stamps.
 #include "foundation/process/DefaultsFiles.h"
 
 #include "foundation/files/HomeFolder.h"
@@ -14,6 +15,7 @@ bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == 
 
 } // namespace
 
+// Not kept between calls, because hosts set the environment at their start.
 std::string defaultsFolder() {
     if (overrides::defaultsFolder != nullptr) {
         return *overrides::defaultsFolder;
@@ -35,6 +37,8 @@ std::string fileOfDomain(const NSString& domain) {
     return folder + "/" + name + ".plist";
 }
 
+// Only a settled snapshot serves: one that was read right after a change could miss another change with the
+// same stamp.
 NSDictionary DomainFile::kept(const std::string& path, const FileStamp& stamp) const {
     return snapshot_.read([&](const Snapshot* snapshot) {
         const bool same =
@@ -48,6 +52,8 @@ NSDictionary DomainFile::values(const std::string& path) {
     if (!stampOfFile(path, stamp)) {
         return nullptr;
     }
+    // Asked twice: before the lock, because nearly always nothing has changed, and after it, because another
+    // thread may have read the file meanwhile.
     if (NSDictionary known = kept(path, stamp)) {
         return known;
     }
@@ -59,6 +65,7 @@ NSDictionary DomainFile::values(const std::string& path) {
     if (readStampedFile(path, dictionaryFromBytes, values, stamp) != FileResult::read) {
         return nullptr; // not kept, so that it is read as soon as it is readable
     }
+    // The stamp is the one of the file that was read, not the one that was looked up before.
     const bool settled = !isFresh(stamp);
     snapshot_.replace(new Snapshot{path, stamp, settled, values});
     return values;

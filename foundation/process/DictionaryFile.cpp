@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads and writes files that hold a dictionary.
+// Reasons are texts for people: they name the file and what is wrong with it.
 #include "foundation/process/DictionaryFile.h"
 
 #include <cerrno>
@@ -30,6 +31,7 @@ bool readBytes(const Descriptor& file, const std::string& path, std::string& byt
         }
         bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
         // A file that the library would refuse to read must not be written.
+        // Also bounds what a pipe can make the process read.
         if (bytes.size() > static_cast<std::size_t>(maxFileBytes)) {
             return refuse(error, "%@ is larger than %ld bytes", path, maxFileBytes);
         }
@@ -44,6 +46,7 @@ bool readDictionary(const Descriptor& file, const std::string& path, NSDictionar
     NSString reason;
     const NSObject value = NSPropertyListSerialization::propertyListWithData(
         NSData::dataWithBytes_length(bytes.data(), bytes.size()), &reason);
+    // A damaged file is never replaced by what could be saved of it.
     if (!value) {
         return refuse(error, "%@ is no property list: %@", path, reason);
     }
@@ -56,12 +59,14 @@ bool readDictionaryAt(const GuardedPlace& place, const std::string& path, NSDict
     values = nullptr;
     const Descriptor file = openPlace(place, O_RDONLY | O_NONBLOCK); // a pipe would make us wait
     if (!file) {
+        // A missing file is not a failure: the values stay nil.
         return errno == ENOENT || refuseWith(error, path, errno);
     }
     struct stat information;
     if (::fstat(file.number(), &information) != 0) {
         return refuseWith(error, path, errno);
     }
+    // Opened first and examined then, so that what is examined is what is read.
     if (!S_ISREG(information.st_mode)) {
         return refuse(error, "%@ is no regular file", path);
     }
@@ -69,6 +74,7 @@ bool readDictionaryAt(const GuardedPlace& place, const std::string& path, NSDict
 }
 
 Descriptor openPlace(const GuardedPlace& place, int flags) noexcept {
+    // Links to open objects, as in /dev/fd, are meant to be followed.
     const int always = O_CLOEXEC | O_NOCTTY | (place.isObjectLink ? 0 : O_NOFOLLOW);
     return Descriptor(openAt(place.folder.number(), place.name.c_str(), flags | always));
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads files again only if they changed.
+// A stamp is taken from the open file before its contents are read: a change after that shows as a different
+// stamp.
 #include "foundation/process/FileReading.h"
 
 #include <cerrno>
@@ -37,6 +39,7 @@ int openForReading(const std::string& path) noexcept {
 }
 
 /// A file that has just become shorter is read to its end: its next stamp will differ.
+/// One that grows is read up to the size of its stamp, for the same reason.
 bool readAll(int descriptor, std::string& bytes) noexcept {
     const std::ptrdiff_t count = readWhole(descriptor, bytes.data(), bytes.size());
     bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
@@ -47,6 +50,7 @@ bool getInformation(const std::string& path, struct stat& information) noexcept 
     return !path.empty() && ::stat(path.c_str(), &information) == 0;
 }
 
+/// The kind is checked on the open file, since the path may refer to another one by now.
 FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& stamp) {
     if (path.empty()) {
         return FileResult::unreadable;
@@ -63,6 +67,7 @@ FileResult readBytes(const std::string& path, std::string& bytes, FileStamp& sta
     if (stamp.size > maxFileBytes) {
         return FileResult::unreadable;
     }
+    // Files that the kernel generates report no size, and count as empty here.
     bytes.resize(static_cast<std::size_t>(stamp.size));
     return readAll(file.number(), bytes) ? FileResult::read : FileResult::unreadable;
 }
@@ -88,6 +93,8 @@ bool isFresh(const FileStamp& stamp) noexcept {
     // File times advance in steps: usually some milliseconds, two seconds where no fractions are stored.
     const std::int64_t window = stamp.changedNanoseconds == 0 ? 2'100'000'000 : 100'000'000;
     const std::int64_t seconds = static_cast<std::int64_t>(now.tv_sec) - stamp.changedSeconds;
+    // The clock or the file's time is off, or the file is old: then no wait would help, and the stamp is
+    // trusted.
     if (seconds < -3 || seconds > 3) {
         return false;
     }
@@ -121,6 +128,7 @@ bool isFolder(const std::string& path) noexcept {
     return getInformation(path, information) && S_ISDIR(information.st_mode);
 }
 
+// Anything but a dictionary is empty rather than nil, so that it is not read again and again.
 NSDictionary dictionaryFromBytes(const std::string& bytes) {
     const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
     const NSDictionary dictionary(parsePropertyListBytes(start, bytes.size(), nullptr));
@@ -133,6 +141,7 @@ NSDictionary stringTableFromBytes(const std::string& bytes) {
     return table ? table : NSDictionary::dictionary();
 }
 
+// A slash would lead out of the folder that the name is meant for.
 bool getFileName(const NSString& text, std::string& name) {
     std::string bytes;
     if (!text.getFileSystemBytes(bytes) || bytes.empty() || bytes.find('/') != std::string::npos) {

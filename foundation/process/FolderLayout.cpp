@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Finds the folders for logs and data that an application requests.
+// Absolute variables only: a relative one would move the folder with the current one.
 #include "foundation/process/FolderLayout.h"
 
 #include <cstring>
@@ -25,6 +26,7 @@ NSString folderOf(const char* variable, StringView placeInHome) {
 } // namespace
 
 bool usesXdgFolders() {
+    // From the Info dictionary itself, not from its translations.
     const NSString layout(NSBundle::mainBundle().infoDictionary().objectForKey("ZQFolderLayout"));
     return layout.isEqualToString("XDG");
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Selects the localizations of a bundle that match the user's languages.
+// Tags are compared in a canonical form; the names of folders are returned as they are.
 #include "foundation/process/LanguageMatching.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ constexpr Alias formerCodes[] = {
     {"iw", "he"}, {"in", "id"}, {"ji", "yi"}, {"jw", "jv"}, {"mo", "ro"}, {"no", "nb"}, {"tl", "fil"},
 };
 
+// Tags are ASCII, and the C library's functions depend on the locale.
 char lower(char character) noexcept {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
@@ -36,12 +38,14 @@ bool hasOnlyLetters(const std::string& text) noexcept {
     return std::all_of(text.begin(), text.end(), [](char c) { return lower(c) >= 'a' && lower(c) <= 'z'; });
 }
 
+// A script has four letters, a region two letters or three digits.
 bool isScript(const std::string& part) noexcept { return part.size() == 4 && hasOnlyLetters(part); }
 
 bool isRegion(const std::string& part) noexcept {
     return (part.size() == 2 && hasOnlyLetters(part)) || part.size() == 3;
 }
 
+// Both separators are in use: "de-AT" in settings, "de_AT" in locales and old folders.
 std::vector<std::string> partsOf(const std::string& tag) {
     std::vector<std::string> parts;
     std::size_t start = 0;
@@ -62,6 +66,7 @@ std::string joined(const std::vector<std::string>& parts) {
     return tag;
 }
 
+// Returns the name itself when the table lacks it, so that tables can be applied one after the other.
 template <std::size_t count>
 std::string codeFor(const std::string& name, const Alias (&table)[count]) {
     for (const Alias& alias : table) {
@@ -81,6 +86,7 @@ std::string englishNameOf(const std::string& code) {
     return {};
 }
 
+// "de-at" is spelled "de-AT", "ZH-HANT" "zh-Hant".
 void setCase(std::vector<std::string>& parts) {
     for (std::size_t index = 0; index < parts.size(); ++index) {
         std::string& part = parts[index];
@@ -97,6 +103,8 @@ void addChineseScript(std::vector<std::string>& parts) {
     if (parts.size() > 1 && isScript(parts[1])) {
         return;
     }
+    // Hong Kong and Macao use the traditional script like Taiwan; all other regions are taken to use the
+    // simplified one.
     const std::string region = parts.size() > 1 ? parts[1] : std::string();
     const bool traditional = region == "TW" || region == "HK" || region == "MO";
     parts.insert(parts.begin() + 1, traditional ? "Hant" : "Hans");
@@ -108,6 +116,7 @@ void addChineseScript(std::vector<std::string>& parts) {
 
 /// Removes the last part; empty when nothing shorter denotes the language.
 std::string shorterForm(const std::string& canonical) {
+    // Chinese without a script means one of them, so nothing shorter is acceptable.
     if (canonical == "zh-Hant" || canonical == "zh-Hans") {
         return {};
     }
@@ -124,6 +133,7 @@ void addOnce(std::vector<std::string>& list, const std::string& name) {
 std::vector<std::string> localizationsOfLanguage(const std::string& language,
                                                  const std::vector<std::string>& available) {
     std::vector<std::string> found;
+    // The exact match comes first, then those of the shorter forms.
     addOnce(found, localizationOfLanguage(language, available));
     std::string form = shorterForm(canonicalLanguage(language));
     while (!form.empty()) {
@@ -146,12 +156,15 @@ std::string canonicalLanguage(const std::string& tag) {
 }
 
 std::string localizationOfLanguage(const std::string& tag, const std::vector<std::string>& available) {
+    // "Base" is the name of a folder for all languages.
     if (tag.empty() || tag == "Base") {
         return {};
     }
     const auto has = [&](const std::string& name) {
         return std::find(available.begin(), available.end(), name) != available.end();
     };
+    // Names as they are come before canonical forms, so that a bundle that has both spellings gets the one
+    // that was asked for.
     std::string exchanged = tag;
     for (char& character : exchanged) {
         character = character == '-' ? '_' : character == '_' ? '-' : character;
@@ -172,6 +185,7 @@ std::string localizationOfLanguage(const std::string& tag, const std::vector<std
 
 std::vector<std::string> matchingLocalizations(const std::vector<std::string>& languages,
                                                const std::vector<std::string>& available) {
+    // The first language with any match decides: a user who reads it does not want the next one.
     for (const std::string& language : languages) {
         std::vector<std::string> found = localizationsOfLanguage(language, available);
         if (!found.empty()) {

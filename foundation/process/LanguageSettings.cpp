@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads the user's languages from the environment.
+// The syntax is that of POSIX locales, language[_region][.encoding][@modifier]; anything else is ignored.
 #include "foundation/process/LanguageSettings.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ bool isTagCharacter(char character) noexcept {
 bool namesNoLanguage(const std::string& tag) noexcept { return tag == "C" || tag == "POSIX"; }
 
 /// The script that a locale's modifier denotes, after a hyphen, or empty.
+/// Only modifiers that name a script change the language; others, like "euro", do not.
 std::string scriptOfModifier(const std::string& modifier) {
     if (modifier == "latin") {
         return "-Latn";
@@ -36,6 +38,7 @@ std::string scriptOfModifier(const std::string& modifier) {
 
 /// Adds a locale's language. False if the name ends the list.
 bool addLanguage(const std::string& locale, std::vector<std::string>& languages) {
+    // After C nothing else is wanted, whatever languages follow.
     if (namesNoLanguage(locale.substr(0, locale.find_first_of(".@")))) {
         return false;
     }
@@ -62,8 +65,10 @@ std::vector<std::string> languagesOfList(const std::string& list) {
 } // namespace
 
 std::string languageOfLocale(const std::string& locale) {
+    // Encoding and modifier say nothing about the language.
     std::string tag = locale.substr(0, locale.find_first_of(".@"));
     std::replace(tag.begin(), tag.end(), '_', '-');
+    // The name may come from anybody, and will become part of a path.
     if (namesNoLanguage(tag) || tag.size() < 2 || !isLetter(tag.front()) ||
         !std::all_of(tag.begin(), tag.end(), isTagCharacter)) {
         return {};
@@ -76,6 +81,7 @@ std::string languageOfLocale(const std::string& locale) {
 }
 
 std::vector<std::string> languagesFromEnvironment() {
+    // The first that is set decides, even if it names no language.
     for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
         const char* const value = system::environmentVariable(name);
         if (value != nullptr && *value != '\0') {

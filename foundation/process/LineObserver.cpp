@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Calls the observer of lines, and waits for the last call of a replaced one.
+// Readers take no lock. Two places for an observer and a counter of changes let them read a consistent pair
+// of function and context; a list of calls in progress lets a change wait for those that began before it.
 #include "foundation/process/LineObserver.h"
 
 #include <new>
@@ -22,6 +24,7 @@ struct Observer {
     void* context;
 };
 constinit Observer observers[2] = {};
+/// Bit 0: there is an observer. Bit 1: which place. From bit 2 on: the counter.
 constexpr std::uint64_t isSet = 1;
 constexpr std::uint64_t isSecond = 2;
 constexpr std::uint64_t oneChange = 4;
@@ -37,6 +40,7 @@ struct Call {
 };
 
 /// Blocks are added when more threads than before are in a call, and never removed.
+/// Removing a block would need to know that nobody looks at it.
 struct CallBlock {
     Call calls[15];
     CallBlock* next;
@@ -46,6 +50,7 @@ constinit CallBlock firstCalls = {};
 CallBlock* nextOf(const CallBlock& block) noexcept { return __atomic_load_n(&block.next, __ATOMIC_ACQUIRE); }
 
 /// Whether this thread is in a call of the observer.
+/// The observer may log; without this check its line would call it again, and so on.
 bool isInCall(std::uint64_t mine) noexcept {
     for (const CallBlock* block = &firstCalls; block != nullptr; block = nextOf(*block)) {
         for (const Call& call : block->calls) {
@@ -63,6 +68,7 @@ Call* takeCallIn(CallBlock& block, std::uint64_t mine) noexcept {
         std::uint64_t seen = __atomic_load_n(&call.holder, __ATOMIC_RELAXED);
         // Sequentially consistent, before the setting is read: a thread that changes the setting and then
         // finds no call here knows that any later call finds the new observer.
+        // A word of an older generation was left by a thread that only the parent has.
         if ((seen == 0 || !Holder::isHeldIn(seen, mine)) &&
             __atomic_compare_exchange_n(&call.holder, &seen, mine, false, __ATOMIC_SEQ_CST,
                                         __ATOMIC_RELAXED)) {
@@ -89,6 +95,7 @@ CallBlock* addBlockAfter(CallBlock& last) noexcept {
     }
 }
 
+// Without memory for a new block, the line is not observed: it was written, which matters more.
 Call* takeCall(std::uint64_t mine) noexcept {
     for (CallBlock* block = &firstCalls; block != nullptr;) {
         if (Call* const call = takeCallIn(*block, mine)) {
@@ -100,6 +107,7 @@ Call* takeCall(std::uint64_t mine) noexcept {
     return nullptr;
 }
 
+// In this order: a waiter that sees the holder unchanged must see the departure, if there was one.
 void leaveCall(Call& call) noexcept {
     __atomic_store_n(&call.departures, call.departures + 1, __ATOMIC_RELEASE);
     __atomic_store_n(&call.holder, 0, __ATOMIC_RELEASE);
@@ -115,6 +123,8 @@ Observer presentObserver() noexcept {
         const Observer& place = observers[(present & isSecond) != 0 ? 1 : 0];
         const Observer observer{__atomic_load_n(&place.function, __ATOMIC_ACQUIRE),
                                 __atomic_load_n(&place.context, __ATOMIC_ACQUIRE)};
+        // If the setting has changed meanwhile, both places may have been rewritten, and what was read does
+        // not count.
         const std::uint64_t after = __atomic_load_n(&lineObserverSetting, __ATOMIC_ACQUIRE);
         if (after == present) {
             return observer;
@@ -127,6 +137,7 @@ Observer presentObserver() noexcept {
 void publish(const Observer& fresh) noexcept {
     const Guard guard(setting);
     const std::uint64_t before = __atomic_load_n(&lineObserverSetting, __ATOMIC_RELAXED);
+    // The place that is not in use: readers of the current one are not disturbed.
     Observer& place = observers[(before & isSecond) != 0 ? 0 : 1];
     __atomic_store_n(&place.function, fresh.function, __ATOMIC_RELEASE);
     __atomic_store_n(&place.context, fresh.context, __ATOMIC_RELEASE);
@@ -139,9 +150,11 @@ void publish(const Observer& fresh) noexcept {
 void waitForCallIn(const Call& call, std::uint64_t mine) noexcept {
     const std::uint32_t departures = __atomic_load_n(&call.departures, __ATOMIC_ACQUIRE);
     const std::uint64_t holder = __atomic_load_n(&call.holder, __ATOMIC_SEQ_CST);
+    // Nobody is in it, or only a thread that a fork left in the parent.
     if (holder == 0 || !Holder::isHeldIn(holder, mine)) {
         return;
     }
+    // A new call by the same thread has another number of departures, so that this wait ends.
     while (__atomic_load_n(&call.holder, __ATOMIC_ACQUIRE) == holder &&
            __atomic_load_n(&call.departures, __ATOMIC_ACQUIRE) == departures) {
         system::waitBriefly(&call.departures, departures);
@@ -173,6 +186,7 @@ void setLineObserver(ZQLogLineObserver observer, void* context) noexcept {
     if (isInCall(mine)) { // two observers that wait for each other would wait forever
         return;
     }
+    // Blocks that are added now belong to calls that find the new observer.
     for (const CallBlock* block = &firstCalls; block != nullptr; block = nextOf(*block)) {
         for (const Call& call : block->calls) {
             waitForCallIn(call, mine);

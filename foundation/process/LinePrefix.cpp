@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writes the date, the process and the thread of a line, and keeps them for the next lines.
+// Numbers are written from right to left, so that the prefix ends exactly where the message begins, and the
+// line needs no move.
 #include "foundation/process/LinePrefix.h"
 
 #include <cstring>
@@ -36,6 +38,7 @@ char* writeNumberBefore(std::int64_t number, char* end) noexcept {
 }
 
 /// Writes "MyApp[1234:5d7f] " after a space.
+/// The order is reversed, like the writing.
 char* writeProcessBefore(char* end, const ProcessIdentity& process) noexcept {
     end = copyBefore(end, "] ", 2);
     end = writeHexBefore(system::threadIdentifier(), end);
@@ -47,6 +50,7 @@ char* writeProcessBefore(char* end, const ProcessIdentity& process) noexcept {
     return end;
 }
 
+// A date's length is known only when it is written.
 char* writeDateBefore(char* end, Instant time) noexcept {
     char date[localTimeTextCapacity];
     return copyBefore(end, date, static_cast<std::size_t>(writeLocalTime(time, date) - date));
@@ -54,6 +58,7 @@ char* writeDateBefore(char* end, Instant time) noexcept {
 
 constexpr std::size_t millisecondDigits = 3;
 
+// Overwrites the digits at their place; everything else of the prefix stays.
 void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
     const int milliseconds = nanoseconds / 1000000;
     out[0] = static_cast<char>('0' + milliseconds / 100);
@@ -63,6 +68,7 @@ void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
 
 } // namespace
 
+// The copy of a whole kept text may reach further back than the prefix itself.
 std::size_t LinePrefix::roomFor(const ProcessIdentity& process) noexcept {
     const std::size_t most =
         localTimeTextCapacity + charactersBetween + process.nameLength + numberTextCapacity + hexCapacity;
@@ -74,6 +80,7 @@ char* LinePrefix::writeBefore(char* end) const noexcept {
 }
 
 /// Whether a line could use this prefix with only the milliseconds changed.
+/// The thread is read first: it is 0 while the rest is being written.
 bool KeptLinePrefixes::Kept::serves(const Kept& wanted) const noexcept {
     return __atomic_load_n(&thread, __ATOMIC_ACQUIRE) == wanted.thread && second == wanted.second &&
            generation == wanted.generation && zone == wanted.zone && process == wanted.process;
@@ -82,10 +89,12 @@ bool KeptLinePrefixes::Kept::serves(const Kept& wanted) const noexcept {
 char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcept {
     const Kept wanted{system::threadIdentifier(), prefix.time.seconds, processZone(), &prefix.process,
                       system::forkGeneration()};
+    // Several places, so that a few threads that log in turn do not replace each other's prefix.
     Prefix& place = prefixes_[wanted.thread % places];
     if (!place.kept.serves(wanted)) [[unlikely]] {
         return writeAnewBefore(end, prefix, place, wanted);
     }
+    // A fixed number of bytes, whatever the length: the copy is a few instructions.
     std::memcpy(end - textCapacity, place.text, textCapacity);
     writeMilliseconds(prefix.time.nanoseconds, end - place.behindDate - millisecondDigits);
     return end - place.length;
@@ -96,6 +105,7 @@ char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Pre
     char* const behindDate = writeProcessBefore(end, prefix.process);
     char* const start = writeDateBefore(behindDate, prefix.time);
     const auto length = static_cast<std::size_t>(end - start);
+    // A longer prefix, by a long process name, is simply made each time.
     if (length <= textCapacity) {
         // Ordered before everything that follows, for a child that is forked in between; the thread sanitizer
         // does not support fences.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writes a line to descriptor 2, whatever that is.
+// A line is one write under a lock. What can go wrong is a write that ends early: the rest is written as
+// long as that makes sense, and a line that stays incomplete is ended before the next one.
 #include "foundation/process/LineWriter.h"
 
 #include <cerrno>
@@ -29,6 +31,7 @@ struct TornLine {
     ino_t inode;
 };
 
+/// Guarded by the lock of the writer, like the kept prefixes.
 constinit TornLine tornLine{};
 
 /// Guarded by the lock of the writer.
@@ -37,6 +40,7 @@ constinit KeptLinePrefixes keptPrefixes;
 /// False if waiting for the descriptor is useless.
 bool waitUntilWritable() noexcept {
     pollfd descriptor{STDERR_FILENO, POLLOUT, 0};
+    // Without a time limit: a line is not dropped because its reader is slow.
     const int ready = poll(&descriptor, 1, -1);
     return ready >= 0 ? (descriptor.revents & POLLNVAL) == 0 : errno == EINTR;
 }
@@ -46,6 +50,7 @@ std::size_t writeAll(const char* bytes, std::size_t count, std::int64_t second) 
     std::size_t written = 0;
     while (written < count) {
         const std::ptrdiff_t step = writeToStandardError(bytes + written, count - written, second);
+        // An interrupted write is repeated, a full pipe waited for; anything else would fail again.
         if (step > 0) {
             written += static_cast<std::size_t>(step);
         } else if (step == 0 || (step != -EINTR && step != -EAGAIN && step != -EWOULDBLOCK)) {
@@ -58,6 +63,7 @@ std::size_t writeAll(const char* bytes, std::size_t count, std::int64_t second) 
 }
 
 void rememberTear() noexcept {
+    // By device and inode, since descriptor 2 may be redirected before the next line.
     struct stat status {};
     if (fstat(STDERR_FILENO, &status) == 0) {
         tornLine = {true, status.st_dev, status.st_ino};
@@ -68,6 +74,7 @@ void rememberTear() noexcept {
 /// the line no longer matters.
 bool leadsToTornLine() noexcept {
     struct stat status {};
+    // An emptied file has no incomplete line any more.
     tornLine.isTorn = fstat(STDERR_FILENO, &status) == 0 && status.st_dev == tornLine.device &&
                       status.st_ino == tornLine.inode && (!S_ISREG(status.st_mode) || status.st_size != 0);
     return tornLine.isTorn;
@@ -77,6 +84,7 @@ bool leadsToTornLine() noexcept {
 /// together with the next line, or not at all.
 void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
     const CallerState callerState;
+    // Only looked at after a tear, so an ordinary line pays nothing.
     const bool completes = tornLine.isTorn && leadsToTornLine();
     if (completes) {
         *--bytes = '\n';
@@ -87,12 +95,14 @@ void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
         return;
     }
     tornLine.isTorn = false;
+    // If only the line feed was written, the old line is complete, and the new one has not begun.
     if (written != count && !(completes && written == 1)) {
         rememberTear();
     }
 }
 
 /// After a first write that did not write the whole line: writes the rest, or all of it again.
+/// Kept out of the common path, which it would make larger.
 [[gnu::noinline]] void continueLine(char* bytes, std::size_t count, std::ptrdiff_t written,
                                     std::int64_t second) noexcept {
     if (written <= 0) {
@@ -109,6 +119,7 @@ void writeWhole(char* bytes, std::size_t count, std::int64_t second) noexcept {
 
 LogLine::LogLine() : process_(processIdentity()) {
     // One more for the line feed that completes an incomplete line.
+    // The prefix is written last, when the line is sent, so that its time is that of the write.
     messageStart_ = 1 + LinePrefix::roomFor(process_);
     text_.reserveAscii(messageStart_);
     text_.commitAscii(messageStart_);
@@ -121,6 +132,8 @@ char* LogLine::writeBytes(char* message, const char* end) noexcept {
     const Guard guard(writerLock);
     if (writerLock.isHeldAgain()) { // in a signal handler that interrupted this write
         const CallerState callerState;
+        // Sent at once, within the interrupted line, because waiting for that would never end; and not from
+        // the kept prefixes, which the interrupted write may be changing.
         char* const start = prefix.writeBefore(message);
         writeAll(start, static_cast<std::size_t>(end - start), second);
         return start;
@@ -131,6 +144,7 @@ char* LogLine::writeBytes(char* message, const char* end) noexcept {
         writeWhole(start, count, second);
         return start;
     }
+    // The common path: one system call, without saving or restoring anything.
     const std::ptrdiff_t written = writeToStandardError(start, count, second);
     if (written != static_cast<std::ptrdiff_t>(count)) [[unlikely]] {
         continueLine(start, count, written, second);
@@ -139,6 +153,7 @@ char* LogLine::writeBytes(char* message, const char* end) noexcept {
 }
 
 void LogLine::write() {
+    // Only now, because a pair may have come together from two pieces.
     text_.replaceUnpairedSurrogates();
     if (text_.length() == messageStart_ || text_.bytes()[text_.length() - 1] != '\n') {
         text_.appendAscii('\n');
@@ -146,6 +161,7 @@ void LogLine::write() {
     char* const message = text_.bytes() + messageStart_;
     const char* const end = text_.bytes() + text_.length();
     const char* const start = writeBytes(message, end);
+    // After the lock is released: the observer may take time, and may log.
     if (isLineObserved()) [[unlikely]] {
         observeLine({std::string_view(start, static_cast<std::size_t>(end - 1 - start)),
                      std::string_view(message, static_cast<std::size_t>(end - 1 - message))});

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Opens, locks and replaces files that several processes share.
+// Writers exclude each other by a lock, and readers never see a partial file: each change is a new file that
+// is renamed into place.
 #include "foundation/process/LockedFile.h"
 
 #include <cerrno>
@@ -26,6 +28,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Followed by a number; only a writer that was killed leaves such a file.
+/// In the folder of the file, because renaming works only within a file system.
 constexpr const char* temporaryStart = ".defaults.new-";
 
 /// Never removed once made: removing it might remove the one that another writer has just locked.
@@ -36,6 +39,7 @@ constexpr const char* lockName = ".defaults.lock";
 class SignalsPutOff {
 public:
     SignalsPutOff() noexcept {
+        // The signals are pending meanwhile and arrive when the scope ends.
         sigset_t all;
         sigfillset(&all);
         pthread_sigmask(SIG_SETMASK, &all, &before_);
@@ -53,6 +57,7 @@ public:
     Waiting(const LockWaiting& waiting, const std::string& path) noexcept : waiting_(waiting), path_(path) {}
 
     bool wait(NSString* error) {
+        // Once, since the time waited advances in steps of exactly the pause.
         if (waited_ == 3000 && waiting_.notice != nullptr) {
             waiting_.notice(path_);
         }
@@ -61,6 +66,7 @@ public:
                           "%@ cannot be changed: another program has kept its folder locked for %g seconds",
                           path_, waiting_.milliseconds / 1000.0);
         }
+        // No blocking call: a host must not hang because another program does.
         waited_ += pauseInMilliseconds;
         const timespec shortly{0, pauseInMilliseconds * 1'000'000};
         ::nanosleep(&shortly, nullptr);
@@ -81,6 +87,7 @@ std::string folderOf(const std::string& path) {
 }
 
 bool makeFolder(const std::string& path, NSString* error) {
+    // Settings may contain anything, so nobody else may look into a folder that is made for them.
     const NSDictionary privately{{NSFilePosixPermissions, 0700}};
     return NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
         NSString::stringWithFileSystemBytes(path.data(), path.size()), true, privately, error);
@@ -89,6 +96,7 @@ bool makeFolder(const std::string& path, NSString* error) {
 } // namespace
 
 /// A child that was forked meanwhile also has the open folder, and would keep the lock.
+/// Closing alone would not do: the lock belongs to the open folder, which the child shares.
 LockedFile::~LockedFile() {
     if (isFolderLocked_) {
         ::flock(folder_.number(), LOCK_UN);
@@ -100,6 +108,7 @@ bool LockedFile::open(const std::string& path, Folder folder, const LockWaiting&
     if (!openFolder(folder, error) || !lockFolder(waiting, error) || !look(error)) {
         return false;
     }
+    // Only after the file was found to be one that may be changed.
     removeLeftovers();
     return true;
 }
@@ -113,6 +122,7 @@ bool LockedFile::openFolder(Folder folder, NSString* error) {
         isReached = reachGuarded(path_, place_);
     }
     if (isReached) {
+        // A second opening: the first allows search only, and a lock and a list need more.
         folder_ = Descriptor(openAt(place_.folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
     return folder_ ? true : refuseWith(error, path_, errno);
@@ -124,6 +134,7 @@ bool LockedFile::lockFolder(const LockWaiting& waiting, NSString* error) {
     Waiting turn(waiting, path_);
     while (::flock(folder_.number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR) {
+            // The file system refuses, or the lock is not available for folders.
             return lockFileInFolder(waiting, error);
         }
         if (!turn.wait(error)) {
@@ -134,6 +145,8 @@ bool LockedFile::lockFolder(const LockWaiting& waiting, NSString* error) {
     return true;
 }
 
+// Of a file by its own name, not of the defaults: that one is replaced, and a lock would stay with the old
+// file.
 bool LockedFile::lockFileInFolder(const LockWaiting& waiting, NSString* error) {
     lockFile_ = Descriptor(
         openAt(folder_.number(), lockName, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0600));
@@ -142,6 +155,7 @@ bool LockedFile::lockFileInFolder(const LockWaiting& waiting, NSString* error) {
     whole.l_whence = SEEK_SET;
     Waiting turn(waiting, path_);
     while (!lockFile_ || ::fcntl(lockFile_.number(), F_SETLK, &whole) != 0) {
+        // Both errors mean that another process has the lock, depending on the system.
         if (!lockFile_ || (errno != EAGAIN && errno != EACCES && errno != EINTR)) {
             return refuseWith(error, folderOf(path_) + "/" + lockName, errno);
         }
@@ -159,6 +173,7 @@ bool LockedFile::look(NSString* error) {
     if ((!exists_ && errno != ENOENT) || ::fstat(folder_.number(), &folder) != 0) {
         return refuseWith(error, path_, errno);
     }
+    // In a shared folder, somebody else's file under the expected name is not ours to replace.
     if (exists_ && !mayWriteItem(before_, folder)) {
         return refuseWith(error, path_, EACCES);
     }
@@ -175,6 +190,7 @@ void LockedFile::removeLeftovers() const {
     while (!names.isAtEnd()) {
         const char* const name = names.next().name;
         if (std::strncmp(name, temporaryStart, std::strlen(temporaryStart)) == 0) {
+            // Failing to remove it does no harm.
             ::unlinkat(folder_.number(), name, 0);
         }
     }
@@ -192,6 +208,7 @@ bool LockedFile::keepOwnerAndPermissions(int file) const noexcept {
     }
     mode_t mode = before_.st_mode & 0777;
     // The owner first, since changing it clears permission bits.
+    // A member of several groups may keep the group without being root.
     if (::fchown(file, before_.st_uid, before_.st_gid) != 0 &&
         ::fchown(file, static_cast<uid_t>(-1), before_.st_gid) != 0) {
         mode &= ~static_cast<mode_t>(S_IRWXG);
@@ -200,6 +217,8 @@ bool LockedFile::keepOwnerAndPermissions(int file) const noexcept {
 }
 
 /// False with `errno`.
+/// The data are on disk before the name refers to them: after a crash, the file is the old one or the new
+/// one.
 bool LockedFile::writeTemporary(const std::string& temporary, const std::string& bytes) const noexcept {
     Descriptor file(openAt(folder_.number(), temporary.c_str(),
                            O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
@@ -214,13 +233,16 @@ bool LockedFile::replace(const NSDictionary& dictionary, NSString* error) const 
         return false;
     }
     if (bytes.size() > static_cast<std::size_t>(maxFileBytes)) {
+        // Refused before anything is written, because it could not be read again.
         return refuse(error, "%@ would be larger than %ld bytes", path_, maxFileBytes);
     }
     std::string temporary = temporaryStart;
     temporary.append(std::to_string(system::freshRandomNumber()));
+    // From here until the new file has its name or is gone.
     const SignalsPutOff signals;
     if (!writeTemporary(temporary, bytes) ||
         ::renameat(folder_.number(), temporary.c_str(), folder_.number(), place_.name.c_str()) != 0) {
+        // The removal below may change it.
         const int number = errno;
         ::unlinkat(folder_.number(), temporary.c_str(), 0);
         return refuseWith(error, path_, number);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Finds bundles and reads their Info dictionaries, localizations and string tables, once.
+// Records of bundles live as long as the process. Values that were read are published once, without a lock
+// for readers; what could not be read for lack of descriptors or memory is not kept.
 #include "foundation/process/NSBundle.h"
 
 #include <algorithm>
@@ -34,6 +36,7 @@ struct StringTable {
 } // namespace
 
 /// What is known of one bundle. Everything that an atomic pointer refers to is determined once and then kept.
+/// An `NSBundle` is a pointer to it, so records are never freed.
 struct BundleRecord {
     BundleLayout layout;
     BundleRole role;
@@ -56,6 +59,7 @@ NSString textOfPath(const std::string& path) {
     return NSString::stringWithFileSystemBytes(path.data(), path.size());
 }
 
+// One record for each bundle, so that equal bundles share what was read.
 BundleRecord* recordFor(const BundleLayout& layout, BundleRole role, const std::string& program) {
     const Guard<Lock> guard(recordLock);
     BundleRecord* const first = allRecords.load(std::memory_order_acquire);
@@ -82,6 +86,7 @@ BundleRecord* findMainRecord(const std::string& programOrFolder) {
 
 BundleRecord* currentMainRecord() {
     const CallerState callerState;
+    // Tests replace the program, so nothing is kept then.
     if (overrides::executablePath != nullptr) {
         return findMainRecord(*overrides::executablePath);
     }
@@ -89,6 +94,7 @@ BundleRecord* currentMainRecord() {
     if (record == nullptr) {
         const std::string program = system::executablePath();
         record = findMainRecord(program);
+        // An unknown program may be known later, when a process file system is there.
         if (!program.empty()) {
             mainRecord.store(record, std::memory_order_release);
         }
@@ -107,10 +113,12 @@ NSDictionary readDictionary(const std::string& path, FileParser parse, bool& kee
     return values ? values : NSDictionary::dictionary();
 }
 
+// Two threads may both read the file; the first result is kept.
 NSDictionary infoOf(BundleRecord& record) {
     if (const NSDictionary* info = record.info.load(std::memory_order_acquire)) {
         return *info;
     }
+    // Kept even if there is no file: an Info dictionary does not appear while a program runs.
     bool keep = false;
     NSDictionary info = readDictionary(record.layout.infoFile, dictionaryFromBytes, keep);
     return keep ? publishOnce(record.info, new NSDictionary(info)) : info;
@@ -118,6 +126,7 @@ NSDictionary infoOf(BundleRecord& record) {
 
 // Localizations
 
+// Names that could not be a folder are dropped: they will become parts of paths.
 void addName(std::vector<std::string>& names, const NSString& text) {
     std::string name;
     if (getFileName(text, name) && std::find(names.begin(), names.end(), name) == names.end()) {
@@ -141,6 +150,7 @@ NSArray textsOf(const std::vector<std::string>& names) {
     return texts.array();
 }
 
+// The language the bundle was written in, which serves when nothing matches.
 NSString regionOf(BundleRecord& record) {
     return infoOf(record).objectForKey("CFBundleDevelopmentRegion").as<NSString>();
 }
@@ -163,17 +173,20 @@ std::vector<std::string> localizationsOf(BundleRecord& record, bool& isKnown) {
         addName(names, textOfPath(std::string(table.language)));
     }
     const bool hasBase = std::find(names.begin(), names.end(), "Base") != names.end();
+    // With a base, texts in the development language are in the base folder, without a folder of their own.
     if (names.empty() || hasBase) {
         addName(names, regionOf(record));
     }
     return names;
 }
 
+/// Mutually dependent: other bundles follow the main bundle's choice.
 std::vector<std::string> preferredOf(BundleRecord& record, bool& isKnown);
 
 std::vector<std::string> languagesFor(const BundleRecord& record, bool& isKnown) {
     std::vector<std::string> languages;
     BundleRecord* const mainRecordNow = currentMainRecord();
+    // A bundle without localizations says nothing about the user's languages.
     if (&record != mainRecordNow && !localizationsOf(*mainRecordNow, isKnown).empty()) {
         languages = preferredOf(*mainRecordNow, isKnown);
     }
@@ -192,6 +205,7 @@ std::vector<std::string> choosePreferred(BundleRecord& record, bool& isKnown) {
     }
     std::string region;
     getFileName(regionOf(record), region);
+    // Without any match, what the developers wrote is better than an arbitrary language.
     for (const std::string& language : {region, std::string("en")}) {
         std::string found = localizationOfLanguage(language, available);
         if (!found.empty()) {
@@ -204,6 +218,7 @@ std::vector<std::string> choosePreferred(BundleRecord& record, bool& isKnown) {
     return {first == available.end() ? std::string("en") : *first};
 }
 
+// Determined once, so that the language does not change while the program runs.
 std::vector<std::string> preferredOf(BundleRecord& record, bool& isKnown) {
     if (const auto* preferred = record.preferred.load(std::memory_order_acquire)) {
         return *preferred;
@@ -225,6 +240,7 @@ std::string pathOfTable(BundleRecord& record, const std::string& table, bool& is
         return {};
     }
     const std::string file = "/" + table + ".strings";
+    // A table outside the language folders is for all languages.
     if (fileExists(resources + file)) {
         return resources + file;
     }
@@ -232,6 +248,7 @@ std::string pathOfTable(BundleRecord& record, const std::string& table, bool& is
     folders.push_back("Base");
     std::string region;
     if (getFileName(regionOf(record), region)) {
+        // The folder may be spelled differently from the setting; both spellings are tried.
         folders.push_back(localizationOfLanguage(region, localizationsOf(record, isKnown)));
         folders.push_back(region);
     }
@@ -244,6 +261,7 @@ std::string pathOfTable(BundleRecord& record, const std::string& table, bool& is
     return {};
 }
 
+// The list only grows at its head, so that walking over it needs no lock.
 const StringTable* knownTable(const BundleRecord& record, const std::string& name) noexcept {
     const StringTable* table = record.tables.load(std::memory_order_acquire);
     while (table != nullptr && table->name != name) {
@@ -253,6 +271,7 @@ const StringTable* knownTable(const BundleRecord& record, const std::string& nam
 }
 
 NSDictionary textsInside(BundleRecord& record, const std::string& name, bool& isKnown) {
+    // Only the library's default table is inside.
     if (name == "Localizable") {
         for (const std::string& language : preferredOf(record, isKnown)) {
             for (const CarriedTable& table : tablesInside(record)) {
@@ -270,6 +289,7 @@ NSDictionary textsInside(BundleRecord& record, const std::string& name, bool& is
 NSDictionary readTable(BundleRecord& record, const std::string& name, bool& isLasting) {
     bool isKnown = true;
     const std::string path = pathOfTable(record, name, isKnown);
+    // Texts of files replace those inside, so that a host or packager can correct them.
     NSMutableDictionary texts(textsInside(record, name, isKnown));
     for (const auto& [key, text] : readDictionary(path, stringTableFromBytes, isLasting)) {
         texts.setObject_forKey(text, key);
@@ -282,12 +302,14 @@ NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
     if (const StringTable* table = knownTable(record, name)) {
         return table->texts;
     }
+    // Held while reading, so that threads that need the same table at the start wait for one reading.
     const Guard<Lock> guard(record.tableLock);
     if (const StringTable* table = knownTable(record, name)) {
         return table->texts;
     }
     bool isLasting = false;
     NSDictionary texts = readTable(record, name, isLasting);
+    // Otherwise, the next look-up tries again.
     if (isLasting) {
         record.tables.store(new StringTable{name, texts, record.tables.load(std::memory_order_relaxed)},
                             std::memory_order_release);
@@ -302,6 +324,7 @@ NSString textInTable(BundleRecord& record, StringView key, StringView table) {
         tableText = "Localizable";
     }
     std::string name;
+    // A table's name becomes part of a path.
     if (!key || !getFileName(tableText, name)) {
         return nullptr;
     }
@@ -314,11 +337,13 @@ std::string programOf(BundleRecord& record) {
         return {};
     }
     std::string name;
+    // Without a name in the Info dictionary, the bundle's own name is the program's.
     if (!getFileName(infoOf(record).objectForKey("CFBundleExecutable").as<NSString>(), name)) {
         name = lastComponentOf(record.layout.folder);
         const std::size_t dot = name.find_last_of('.');
         name = dot == 0 ? name : name.substr(0, dot);
     }
+    // A folder of that name is not a program.
     const std::string path = record.layout.programs + "/" + name;
     return fileExists(path) && !isFolder(path) ? path : std::string();
 }
@@ -326,6 +351,7 @@ std::string programOf(BundleRecord& record) {
 /// The path from the root on, without doubled or trailing slashes; empty when there is no current folder.
 std::string absolutePath(const std::string& path) {
     std::string result;
+    // A relative path would mean another folder when the current one changes.
     if (path.front() != '/') {
         std::string current(4096, '\0');
         if (::getcwd(current.data(), current.size()) == nullptr) {
@@ -360,6 +386,7 @@ namespace ZQFoundation {
 NSBundle NSBundle::mainBundle() { return NSBundle(detail::currentMainRecord()); }
 
 NSBundle NSBundle::libraryBundle() {
+    // Not under a lock: threads that race find the same record.
     detail::BundleRecord* record = detail::libraryRecord.load(std::memory_order_acquire);
     if (record == nullptr) {
         const detail::CallerState callerState;
@@ -380,6 +407,7 @@ NSBundle NSBundle::bundleWithPath(StringView path) {
     if (folder.empty()) {
         return nullptr;
     }
+    // The path of the main bundle gives the main bundle, with its program and its role.
     detail::BundleRecord* const main = detail::currentMainRecord();
     if (main->layout.folder == folder) {
         return NSBundle(main);
@@ -402,6 +430,7 @@ NSObject NSBundle::objectForInfoDictionaryKey(StringView key) const {
         return nullptr;
     }
     const detail::CallerState callerState;
+    // Translations come first, for names and descriptions that users see.
     if (NSString localized = detail::textInTable(*record_, key, "InfoPlist")) {
         return localized;
     }
@@ -421,6 +450,7 @@ NSString NSBundle::executablePath() const {
         return nullptr;
     }
     const detail::CallerState callerState;
+    // The main bundle's program is the running one, whatever its Info dictionary says.
     const std::string program = record_->program.empty() ? detail::programOf(*record_) : record_->program;
     return program.empty() ? NSString() : detail::textOfPath(program);
 }
@@ -447,6 +477,7 @@ NSString NSBundle::localizedStringForKey_value_table(const NSString& key, const 
     if (record_ == nullptr) {
         return nullptr;
     }
+    // Without a key there is nothing to look up, and no key to show in place of a text.
     if (!key) {
         return value ? value : NSString("");
     }
@@ -454,6 +485,7 @@ NSString NSBundle::localizedStringForKey_value_table(const NSString& key, const 
     if (NSString text = detail::textInTable(*record_, key, table)) {
         return text;
     }
+    // An empty value counts as none, so that a missing text shows its key.
     return value.length() > 0 ? value : key;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The platform's log call.
+// The line is composed in the buffer that is written, so formatting and writing share it.
 #include "foundation/process/NSLog.h"
 
 #include "foundation/format/Format.h"

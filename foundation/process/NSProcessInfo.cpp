@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Provides the process's name, number, arguments and environment.
+// Names and arguments are read by log lines at any time, in handlers and children, so what they point to is
+// never freed.
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>
@@ -49,6 +51,8 @@ std::string lastComponent(const std::string& path) {
     return path.substr(start, last + 1 - start);
 }
 
+// Argument 0 is what the process was started as; the program's file is second best, because a link may have
+// another name.
 NSString nameFromArguments(NameSource& source) {
     const std::vector<std::string> arguments = processArguments();
     source = overrides::arguments != nullptr ? NameSource::replacedArguments
@@ -61,6 +65,7 @@ NSString nameFromArguments(NameSource& source) {
     return NSString::stringWithFileSystemBytes(name.data(), name.size());
 }
 
+// The list only grows: lock-free, and safe for a reader that is in the middle of it.
 const IdentityRecord* makeRecord(const NSString& name, NameSource source) {
     auto* record = new IdentityRecord{{}, name.utf8(), name, source, nullptr};
     record->identity = {record->bytes.data(), record->bytes.size()};
@@ -76,6 +81,7 @@ const IdentityRecord* recordFor(const NSString& name, NameSource source) {
     for (const IdentityRecord* record = allIdentities.load(std::memory_order_acquire); record != nullptr;
          record = record->previous) {
         if (record->source == source && record->name.isEqualToString(name)) {
+            // The same name from another source is another record, since it is valid for another time.
             return record;
         }
     }
@@ -86,6 +92,7 @@ const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
     const CallerState callerState;
     for (;;) {
         NameSource source = NameSource::host;
+        // A name that the host has set stays, even if the arguments change under it in tests.
         const bool namedByHost = seen != nullptr && seen->source == NameSource::host;
         const NSString name = namedByHost ? seen->name : nameFromArguments(source);
         const IdentityRecord* fresh = recordFor(name, source);
@@ -99,6 +106,7 @@ const IdentityRecord& refreshedIdentity(const IdentityRecord* seen) {
 
 const IdentityRecord& identityRecord() {
     const IdentityRecord* record = currentIdentity.load(std::memory_order_acquire);
+    // Only these two last. Anything else is looked up again, until the arguments can be read.
     const bool current = record != nullptr &&
                          (record->source == NameSource::arguments || record->source == NameSource::host) &&
                          overrides::arguments == nullptr;
@@ -118,12 +126,14 @@ std::vector<std::string> processArguments() {
     }
     const CallerState callerState;
     std::vector<std::string> arguments;
+    // Tests of the second source switch off the first.
     if (!overrides::readsArguments) {
         arguments = system::handedArguments();
     }
     if (arguments.empty()) {
         arguments = system::readArguments();
     }
+    // A failed reading is not kept; a process file system may be mounted later.
     if (!arguments.empty()) {
         publishOnce<std::vector<std::string>>(cachedArguments, new std::vector<std::string>(arguments));
     }
@@ -143,8 +153,10 @@ NSString NSProcessInfo::processName() const { return detail::identityRecord().na
 
 void NSProcessInfo::setProcessName(const NSString& name) {
     if (name.length() == 0) {
+        // A process without a name would give lines without one.
         return;
     }
+    // No compare: the last call wins.
     detail::currentIdentity.store(detail::recordFor(name, detail::NameSource::host),
                                   std::memory_order_release);
 }
@@ -199,10 +211,12 @@ void NSProcessInfo::removeDefaultsFromArguments(int& count, char** arguments, co
     count = left;
 }
 
+// A snapshot. As for every reader of the environment, no other thread may change it meanwhile.
 NSDictionary NSProcessInfo::environment() const {
     NSMutableDictionary result;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const char* const equals = std::strchr(*entry, '=');
+        // Entries without a name cannot be asked for.
         if (equals == nullptr || equals == *entry) {
             continue;
         }

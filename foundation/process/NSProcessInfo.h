@@ -53,8 +53,9 @@ public:
     /// while another thread changes it.
     NSDictionary environment() const;
 
-    /// @name NSProcessInfo(ZQFoundation) Computed at each call; no folder is made, looked for or touched,
-    /// unless the main bundle has the value "XDG" under `ZQFolderLayout`.
+    /// @name NSProcessInfo(ZQFoundation)
+    /// Computed at each call; no folder is made, looked for or touched, unless the main bundle has the value
+    /// "XDG" under `ZQFolderLayout`.
     /// @{
 
     /// The main bundle's `ZQCompanyName`; the text of a value that is not a string; nil without one.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Looks up settings in their domains.
+// The order of domains is the whole meaning of this file: command line, environment, application, global,
+// language, registered. The first one with the key decides.
 #include "foundation/process/NSUserDefaults.h"
 
 #include "foundation/files/FileError.h"
@@ -46,6 +48,7 @@ NSDictionary registered() {
         [](const NSDictionary* known) { return known != nullptr ? *known : NSDictionary(); });
 }
 
+// Read once: the command line of a process never changes. Arguments that cannot be read are asked for again.
 NSDictionary commandLineDomain() {
     if (detail::overrides::arguments != nullptr) {
         return detail::defaultsFromArguments(*detail::overrides::arguments);
@@ -58,6 +61,8 @@ NSDictionary commandLineDomain() {
     return arguments.empty() ? values : detail::publishOnce(commandLine, new NSDictionary(values));
 }
 
+// Compared with the text that was parsed last, so that a host may change the variable, and an unchanged one
+// costs a comparison.
 NSDictionary environmentDomain() {
     const char* const text = detail::system::environmentVariable("ZQ_DEFAULTS");
     if (text == nullptr) {
@@ -74,6 +79,7 @@ NSDictionary environmentDomain() {
     return values;
 }
 
+// The bundle identifier names the domain; a program without one uses its process name.
 std::string pathOfApplicationFile() {
     const NSString identifier = NSBundle::mainBundle().bundleIdentifier();
     return detail::fileOfDomain(identifier ? identifier : NSProcessInfo::processInfo().processName());
@@ -91,6 +97,7 @@ NSArray languages() {
     return result.array();
 }
 
+// An unsaved change hides the file's value, and a removal hides it as well.
 NSObject applicationValue(StringView key) {
     if (const NSObject changed = applicationChanges.values().objectForKey(key)) {
         return detail::isRemoval(changed) ? NSObject() : changed;
@@ -98,6 +105,7 @@ NSObject applicationValue(StringView key) {
     return applicationFileValues().objectForKey(key);
 }
 
+// Only one key has a value here.
 NSObject languageValue(StringView key) {
     if (!NSString(languagesKey).isEqualToString(key)) {
         return nullptr;
@@ -107,6 +115,7 @@ NSObject languageValue(StringView key) {
 }
 
 /// Adds the entries whose keys are new.
+/// So the first domain that is added has precedence.
 void addMissing(NSMutableDictionary& merged, const NSDictionary& domain) {
     for (const NSDictionaryEntry& entry : domain) {
         if (!merged.objectForKey(entry.key)) {
@@ -115,6 +124,7 @@ void addMissing(NSMutableDictionary& merged, const NSDictionary& domain) {
     }
 }
 
+// Checked when it is set, where the mistake is, and not when it is saved.
 void demandPropertyListValue(const NSObject& value, const NSObject& key) {
     if (!detail::isPropertyListValue(value)) {
         NSException::raise_format(NSInvalidArgumentException,
@@ -135,6 +145,7 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
         return nullptr;
     }
     const detail::CallerState callerState;
+    // One domain after the other is asked, so that a key on the command line costs no look at a file.
     if (NSObject value = commandLineDomain().objectForKey(key)) {
         return value;
     }
@@ -170,6 +181,7 @@ NSDictionary NSUserDefaults::dictionaryRepresentation() const {
 NSString NSUserDefaults::stringForKey(StringView key) const {
     const NSObject value = objectForKey(key);
     const NSNumber number(value);
+    // Numbers have a text, other values do not.
     return number ? number.stringValue() : NSString(value);
 }
 
@@ -206,6 +218,7 @@ void NSUserDefaults::setObject_forKey(const NSObject& value, const NSString& key
         NSException::raise_format(NSInvalidArgumentException, "A default needs a key");
     }
     if (!value) {
+        // Setting nil removes, like on the platform.
         removeObjectForKey(key);
         return;
     }
@@ -224,12 +237,15 @@ void NSUserDefaults::removeObjectForKey(StringView key) {
 
 bool NSUserDefaults::synchronize(NSString* error) {
     const detail::CallerState callerState;
+    // Threads of one process must not save at once: some kinds of locks belong to the process.
     const detail::Guard<detail::Lock> guard(saving);
+    // Changes inherited from a parent are not saved: the parent saves them.
     const detail::DefaultsChanges::Record changes = applicationChanges.own();
     if (changes.values.count() != 0 &&
         !detail::saveDefaults(pathOfApplicationFile(), changes.values, error)) {
         return false;
     }
+    // Only what was saved; a key that was set again meanwhile stays a change.
     applicationChanges.forget(changes);
     detail::tellSuccess(error);
     return true;
@@ -237,6 +253,7 @@ bool NSUserDefaults::synchronize(NSString* error) {
 
 void NSUserDefaults::registerDefaults(const NSDictionary& values) {
     const detail::CallerState callerState;
+    // All are checked before any is registered.
     for (const NSDictionaryEntry& entry : values) {
         if (!entry.key.as<NSString>()) {
             NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is no string",
@@ -245,6 +262,7 @@ void NSUserDefaults::registerDefaults(const NSDictionary& values) {
         demandPropertyListValue(entry.value, entry.key);
     }
     const detail::Guard<detail::Lock> guard(registering);
+    // Later registrations win, key by key.
     NSMutableDictionary all(registered());
     for (const NSDictionaryEntry& entry : values) {
         all.setObject_forKey(entry.value, entry.key);

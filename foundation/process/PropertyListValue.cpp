@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Checks whether a property list can hold a value.
+// With an explicit list, because values may be nested deeply, and shared parts are visited once.
 #include "foundation/process/PropertyListValue.h"
 
 #include <unordered_set>
@@ -62,6 +63,7 @@ bool admitArray(Walk& walk, const NSArray& array) {
 
 bool admitDictionary(Walk& walk, const NSDictionary& dictionary) {
     for (const NSDictionaryEntry& entry : dictionary) {
+        // Keys of other types have no text to be written as.
         if (!entry.key.as<NSString>() || !walk.admit(entry.value)) {
             return false;
         }

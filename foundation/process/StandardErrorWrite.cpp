@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Chooses the kind of write that descriptor 2 needs, and caches it for a second.
+// The question is whether a write could raise a signal. The answer is kept for a second, since asking takes
+// a system call or two of its own.
 #include "foundation/process/StandardErrorWrite.h"
 
 #include <cerrno>
@@ -23,6 +25,7 @@ constexpr std::uint64_t takesPlainWrites = 1;
 constinit std::uint32_t changes = 0;
 
 /// The second, the process and the current number of changes, in the format of `lastLook`.
+/// 15 bits of generation and changes each are enough: a wrong match needs 32,768 of them within one second.
 std::uint64_t presentMoment(std::int64_t second) noexcept {
     constexpr std::uint64_t fifteenBits = 0x7FFF;
     const std::uint64_t change = __atomic_load_n(&changes, __ATOMIC_ACQUIRE) & fifteenBits;
@@ -33,10 +36,12 @@ std::uint64_t presentMoment(std::int64_t second) noexcept {
 /// Neither a regular file nor a terminal can lose its reader, and only a regular file has a size limit.
 bool mayTakePlainWrites() noexcept {
     struct stat status {};
+    // A device may be a terminal, which reports its end as an error.
     return ::fstat(STDERR_FILENO, &status) == 0 &&
            (S_ISCHR(status.st_mode) || (S_ISREG(status.st_mode) && system::fileSizeIsUnlimited()));
 }
 
+/// Not inlined: it is needed once a second, and the path around it is hot.
 [[gnu::noinline]] std::uint64_t look(std::uint64_t moment) noexcept {
     const CallerState callerState;
     const std::uint64_t fresh = moment | (mayTakePlainWrites() ? takesPlainWrites : 0);
@@ -44,6 +49,7 @@ bool mayTakePlainWrites() noexcept {
     return fresh;
 }
 
+/// For pipes, sockets and limited files, on every line.
 [[gnu::noinline]] std::ptrdiff_t writeGuarded(const char* bytes, std::size_t count) noexcept {
     const CallerState callerState;
     const std::ptrdiff_t written = system::writeWithoutSignals(STDERR_FILENO, bytes, count);
@@ -62,6 +68,7 @@ std::ptrdiff_t writeToStandardError(const char* bytes, std::size_t count, std::i
                                            : writeGuarded(bytes, count);
 }
 
+// Counted rather than stored, so that two redirections at once are both seen.
 void standardErrorHasChanged() noexcept { __atomic_add_fetch(&changes, 1, __ATOMIC_RELEASE); }
 
 } // namespace ZQFoundation::detail

@@ -13,7 +13,8 @@
 
 namespace ZQFoundation::detail {
 
-/// Owns an open descriptor, or none. Closing keeps `errno`.
+/// Owns an open descriptor, or none. Closing keeps `errno`, so that an operation that failed may set it and
+/// then leave the scope of its descriptors.
 class Descriptor {
 public:
     Descriptor() noexcept = default;
@@ -22,6 +23,7 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     Descriptor(Descriptor&& other) noexcept : number_(other.release()) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
+        // Released first, so that assigning an object to itself does not close its descriptor.
         const int taken = other.release();
         reset();
         number_ = taken;
@@ -32,12 +34,15 @@ public:
     explicit operator bool() const noexcept { return number_ >= 0; }
     int number() const noexcept { return number_; }
 
+    /// Hands the descriptor over to the caller, who closes it.
     int release() noexcept {
         const int number = number_;
         number_ = -1;
         return number;
     }
 
+    /// Never repeats `close`, not even after a signal: the number may be free already, and belong to a file
+    /// that another thread has opened.
     void reset() noexcept {
         if (number_ >= 0) {
             const int error = errno;

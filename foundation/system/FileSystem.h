@@ -79,7 +79,8 @@ struct ItemFacts {
 bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept;
 
 /// Renames an item, in one step that fails with EEXIST if the new name is taken. If the file system has no
-/// such step, by the nearest means, which replaces nothing but an empty folder. False with `errno`.
+/// such step, by the nearest means, which replaces nothing but an empty folder or, where there are no hard
+/// links either, an empty file. False with `errno`.
 bool renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const char* to) noexcept;
 
 /// Opens a new file for writing that has no name yet, and is deleted if it never gets one. -1 with `errno`

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads the target of a symbolic link of any length.
+// The length that `lstat` reports does not help: links of generated file systems report 0.
 #include "foundation/system/LinkReading.h"
 
 #include <cerrno>
@@ -26,6 +27,7 @@ LinkResult readLink(int folder, const char* name, std::string& target) {
             return LinkResult::link;
         }
     }
+    // EINVAL means that the item exists and is not a link; nothing else does.
     return errno == EINVAL ? LinkResult::other : LinkResult::failed;
 }
 

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Allocates blocks of a few sizes, in slabs whose free places are the bits of one word.
+// The log needs a few buffers for each line at most, and returns them at once. What matters is speed, and
+// that a handler may run between any two instructions here; fragmentation does not, because there are few
+// sizes.
 #include "foundation/system/SignalSafeMemory.h"
 
 #include <bit>
@@ -15,8 +18,10 @@ namespace {
 
 // Block sizes, including headers, are powers of two. A larger block than the largest size is a separate
 // mapping.
+// 64 bytes hold the smallest block with its header. Above 64 KiB a slab would be larger than 4 MiB.
 constexpr int smallestBits = 6;
 constexpr int greatestBits = 16;
+/// As many as a word has bits, so that one compare-exchange takes a place.
 constexpr std::size_t placesInSlab = 64;
 
 /// Occupies its own first place, which is never free. Slabs are never freed, so a pointer to one is always
@@ -40,6 +45,7 @@ struct Slabs {
 };
 constinit Slabs slabsOfSize[greatestBits + 1] = {};
 
+/// The system call works in a signal handler, unlike the allocator, and the pages it returns are zero.
 void* mapPages(std::size_t bytes) {
     const int callersError = errno;
     void* const pages = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -52,6 +58,7 @@ void* mapPages(std::size_t bytes) {
 
 Header* headerAt(Slab& slab, std::size_t place) noexcept {
     auto* const header = reinterpret_cast<Header*>(reinterpret_cast<char*>(&slab) + (place << slab.bits));
+    // Slabs come zeroed, with no headers in them: each is written when its place is taken.
     *header = {&slab, place};
     return header;
 }
@@ -59,6 +66,7 @@ Header* headerAt(Slab& slab, std::size_t place) noexcept {
 /// A clear bit is all that matters about its place, so that it is irrelevant what happened between the load
 /// and the exchange. Null when all places are taken.
 Header* takePlace(Slab& slab) noexcept {
+    // Relaxed is enough to look; the exchange acquires what the thread that freed the place did last.
     std::uint64_t taken = __atomic_load_n(&slab.takenPlaces, __ATOMIC_RELAXED);
     while (taken != UINT64_MAX) {
         const auto place = static_cast<std::size_t>(std::countr_one(taken));
@@ -76,6 +84,8 @@ Header* takePlaceInNewSlab(Slabs& slabs, int bits) {
     slab->takenPlaces = 3;
     slab->bits = bits;
     slab->next = __atomic_load_n(&slabs.first, __ATOMIC_RELAXED);
+    // A slab is only ever pushed in front, never removed, so the list needs no guard against a head that was
+    // removed and added again in between.
     while (!__atomic_compare_exchange_n(&slabs.first, &slab->next, slab, false, __ATOMIC_RELEASE,
                                         __ATOMIC_RELAXED)) {
     }
@@ -83,6 +93,9 @@ Header* takePlaceInNewSlab(Slabs& slabs, int bits) {
     return headerAt(*slab, 1);
 }
 
+/// The likely slab first: a place in it was taken or freed last, usually by this thread. All slabs are
+/// searched only if a place was freed since they were found full; otherwise a full search for each block
+/// would make a process with many blocks slower and slower.
 Header* takePlaceOfSize(int bits) {
     Slabs& slabs = slabsOfSize[bits];
     Slab* slab = __atomic_load_n(&slabs.likely, __ATOMIC_ACQUIRE);
@@ -107,6 +120,7 @@ Header* takePlaceOfSize(int bits) {
 } // namespace
 
 void* takeSignalSafeMemory(std::size_t bytes) {
+    // So that neither the header nor rounding up can overflow.
     if (bytes > SIZE_MAX / 2) {
         throw std::bad_alloc();
     }
@@ -125,6 +139,7 @@ void giveBackSignalSafeMemory(void* block) noexcept {
     if (block == nullptr) {
         return;
     }
+    // Copied before the place is freed: then the header belongs to the next one that takes it.
     const Header header = *(static_cast<Header*>(block) - 1);
     if (header.slab == nullptr) {
         const int callersError = errno;
@@ -132,6 +147,7 @@ void giveBackSignalSafeMemory(void* block) noexcept {
         errno = callersError;
         return;
     }
+    // Release: what was written to the block happens before the next owner takes the place.
     __atomic_and_fetch(&header.slab->takenPlaces, ~(std::uint64_t{1} << header.place), __ATOMIC_RELEASE);
     Slabs& slabs = slabsOfSize[header.slab->bits];
     __atomic_store_n(&slabs.likely, header.slab, __ATOMIC_RELEASE);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The facts that tests may replace.
+// Each is null or false until a test sets it, so a program pays one load and a comparison.
 #include "foundation/system/TestOverrides.h"
 
 namespace ZQFoundation::detail::overrides {

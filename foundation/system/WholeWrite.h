@@ -21,11 +21,13 @@ inline bool writeWhole(int descriptor, const char* bytes, std::size_t count) noe
             bytes += written;
             count -= static_cast<std::size_t>(written);
         } else if (written < 0 && errno == EAGAIN) {
+            // A full pipe in non-blocking mode, which any process that shares it may have set.
             pollfd room{descriptor, POLLOUT, 0};
             if (::poll(&room, 1, -1) < 0 && errno != EINTR) {
                 return false;
             }
         } else if (written == 0 || errno != EINTR) {
+            // Without progress and without an error another attempt could last forever.
             return false;
         }
     }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Linux: writing without signals, waiting, threads, randomness.
+// Lines are also written in signal handlers and forked children, so what they need here makes system calls
+// only, and uses neither the heap nor streams.
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -25,8 +27,11 @@ namespace ZQFoundation::detail::system {
 namespace {
 
 /// Since Linux 6.18: as for sockets, a lost reader is only an error. Older kernels refuse the flag.
+/// Declared here, because headers of older kernels do not have it.
 constexpr int writeWithoutPipeSignal = 0x100;
 
+/// Kernels do not change under a process, so one refusal is remembered. Threads that race here write the
+/// same value.
 constinit bool kernelRefusesFlag = false;
 
 /// A kernel that knows the flag takes it for pipes and regular files; some devices refuse every flag.
@@ -39,6 +44,8 @@ void noteRefusal(int descriptor) noexcept {
 
 } // namespace
 
+// Asked before each write that is not masked: beyond the limit the kernel raises a signal that ends the
+// process, and no flag prevents that one.
 bool fileSizeIsUnlimited() noexcept {
     rlimit limit{};
 #ifdef SYS_getrlimit // half the cost of the call that the C library makes
@@ -49,6 +56,8 @@ bool fileSizeIsUnlimited() noexcept {
     return known && limit.rlim_cur == RLIM_INFINITY;
 }
 
+// The instruction itself, where known: the C library's function is a cancellation point, and a thread that
+// is canceled in it would leave the log's lock held.
 std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) noexcept {
 #if defined(__x86_64__)
     std::ptrdiff_t result = SYS_write;
@@ -73,12 +82,18 @@ std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) 
 #endif
 }
 
+/// Two system calls, where masking takes four. Devices that refuse the flag are written to by `maskedWrite`,
+/// like everything on older kernels.
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept {
     if (!__atomic_load_n(&kernelRefusesFlag, __ATOMIC_RELAXED) && fileSizeIsUnlimited()) {
         const iovec piece{const_cast<char*>(bytes), count};
+        // The position of -1 means the file's own, which the write also moves. On 64-bit systems the second
+        // half is ignored; it is passed for those where an offset takes two arguments.
         constexpr long currentPosition = -1;
         const long written = syscall(SYS_pwritev2, descriptor, &piece, 1, currentPosition, currentPosition,
                                      writeWithoutPipeSignal);
+        // Only errors that can mean "unknown flag" or "call forbidden by a sandbox" lead to another attempt:
+        // any other error is the write's own.
         if (written >= 0 || (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL && errno != EPERM)) {
             return written;
         }
@@ -87,6 +102,7 @@ std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_
     return maskedWrite(descriptor, bytes, count);
 }
 
+/// Returns at once when none is pending. The loop is for other signals that interrupt the call.
 void discardPendingSignal(int signal) noexcept {
     sigset_t wanted;
     sigemptyset(&wanted);
@@ -97,6 +113,7 @@ void discardPendingSignal(int signal) noexcept {
 }
 
 std::uint64_t randomNumber() noexcept {
+    // Only for a kernel that passes no random bytes: constant, so that it is at least the same in each call.
     std::uint64_t number = 0x5851F42D4C957F2DU;
     if (const auto* const bytes = reinterpret_cast<const void*>(getauxval(AT_RANDOM))) {
         // The first half of these bytes guards stacks; nothing about it must be revealed here.
@@ -107,10 +124,14 @@ std::uint64_t randomNumber() noexcept {
 
 const int openForSearch = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
+// The kernel applies the umask, so no permission is added here that the host did not want; 0600 keeps others
+// out until the caller sets the final ones.
 bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) noexcept {
     return ::mknodat(folder, name, kind | 0600, S_ISFIFO(kind) ? 0 : device) == 0;
 }
 
+// The links below /proc/self/fd and the like: "pipe:[123]" is the text of one, and opening it works
+// nevertheless.
 bool holdsObjectLinks(int folder) noexcept {
     struct statfs information {};
     return fstatfs(folder, &information) == 0 && information.f_type == PROC_SUPER_MAGIC;
@@ -118,6 +139,7 @@ bool holdsObjectLinks(int folder) noexcept {
 
 std::uint64_t freshRandomNumber() noexcept {
     std::uint64_t number = 0;
+    // Never waits: a host that starts early in the boot must not hang for a temporary file's name.
     if (getrandom(&number, sizeof number, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof number)) {
         return number;
     }
@@ -125,6 +147,7 @@ std::uint64_t freshRandomNumber() noexcept {
     static constinit std::uint64_t calls = 0;
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
+    // The counter makes calls within one tick of the clock differ; its odd step spreads over all bits.
     const std::uint64_t call = __atomic_add_fetch(&calls, 0x9E3779B97F4A7C15U, __ATOMIC_RELAXED);
     return randomNumber() ^ call ^ static_cast<std::uint64_t>(now.tv_nsec) << 32;
 }
@@ -132,6 +155,8 @@ std::uint64_t freshRandomNumber() noexcept {
 namespace {
 
 /// Fills from the front, and returns the number of bytes.
+/// The kernel returns fewer bytes than asked when a signal arrives; up to 256 bytes come whole. The loop is
+/// for more.
 std::size_t fillByCall(char* out, std::size_t count) noexcept {
     std::size_t filled = 0;
     while (filled < count) {
@@ -145,6 +170,8 @@ std::size_t fillByCall(char* out, std::size_t count) noexcept {
     return filled;
 }
 
+// For kernels or sandboxes that refuse the call but have the device. Opened for reading only, so that it
+// takes no log line even if the host has closed a standard stream.
 std::size_t fillFromDevice(char* out, std::size_t count) noexcept {
     const int device = open("/dev/urandom", O_RDONLY | O_CLOEXEC);
     std::size_t filled = 0;

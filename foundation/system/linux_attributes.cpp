@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copies extended attributes and access lists, and changes items that are not opened.
+// Two kinds of items need the same work: open files and folders, by descriptor, and items that must not be
+// opened (a pipe would wait, a link cannot be), by the path of a descriptor that only refers to them. One
+// template does it for both.
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -44,6 +47,7 @@ private:
 class DescriptorPath {
 public:
     explicit DescriptorPath(int descriptor) noexcept {
+        // The buffer holds the constant part and the longest number, so this cannot fail.
         *std::to_chars(text_ + sizeof folder - 1, text_ + sizeof text_, descriptor).ptr = '\0';
     }
     const char* text() const noexcept { return text_; }
@@ -77,6 +81,8 @@ bool beginsWith(const char* text, const char* start) noexcept {
 }
 
 /// Repeats a call that fills a buffer until the buffer is large enough. False with `errno`.
+/// The size is not asked first: the attribute may grow between the question and the reading, which needs the
+/// loop anyway.
 template <class Call>
 bool readWhole(std::string& bytes, const Call& call) {
     for (std::size_t size = 256;; size *= 2) {
@@ -86,6 +92,7 @@ bool readWhole(std::string& bytes, const Call& call) {
             bytes.resize(static_cast<std::size_t>(count));
             return true;
         }
+        // The kernel's limit is 64 KiB, of a value and of a list; 1 MiB leaves room for it to grow.
         if (errno != ERANGE || size > (std::size_t{1} << 20)) {
             return false;
         }
@@ -93,6 +100,7 @@ bool readWhole(std::string& bytes, const Call& call) {
 }
 
 /// The list of names, each NUL-terminated. False with `errno`.
+/// File systems without attributes are not an error: there is nothing to copy.
 template <class Item>
 bool readNames(const Item& source, std::string& names) {
     if (readWhole(names, [&](char* bytes, std::size_t size) { return source.list(bytes, size); })) {
@@ -102,10 +110,12 @@ bool readNames(const Item& source, std::string& names) {
     return errno == ENOTSUP || errno == ENOSYS;
 }
 
+// Access lists are attributes here: one for the item, and one that a folder hands down to new items.
 bool isAccessList(const char* name) noexcept { return beginsWith(name, "system.posix_acl_"); }
 
 /// Whether an attribute that could not be set may be omitted: one that has just been removed, or one that
 /// belongs to the system. Attributes that belong to the user, or define permissions, must be copied.
+/// Without this rule a copy by an ordinary user would fail wherever the system labels its files.
 bool mayBeLeftOut(const char* name, int error) noexcept {
     if (error == ENODATA) {
         return true;
@@ -114,6 +124,8 @@ bool mayBeLeftOut(const char* name, int error) noexcept {
            (error == EPERM || error == EACCES || error == EINVAL || error == ENOTSUP);
 }
 
+// Copies one attribute at a time. A list may be stale when it is used: what vanished meanwhile is left out,
+// what was added meanwhile is missed, as with any copy of a file in use.
 template <class Item>
 bool copyAll(const Item& source, const Item& destination) noexcept {
     try {
@@ -160,6 +172,7 @@ bool removeInheritedAccessList(int item) noexcept { return removeLists(OpenItem(
 
 void copyCreationTime(int, int) noexcept {} // this kernel does not let it be set
 
+// Destructors keep `errno`: an operation that failed has set it, and leaves the scope on its way out.
 HeldItem::~HeldItem() {
     if (descriptor_ >= 0) {
         const int error = errno;
@@ -172,6 +185,8 @@ bool HeldItem::hold(int folder, const char* name) noexcept {
     folder_ = folder;
     name_ = name;
     do {
+        // O_PATH refers to the item without opening it: neither does a pipe wait nor a device act, and a
+        // link is not followed.
         descriptor_ = ::openat(folder, name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
     } while (descriptor_ < 0 && errno == EINTR);
     return descriptor_ >= 0;
@@ -185,11 +200,14 @@ bool HeldItem::setOwner(uid_t owner, gid_t group) const noexcept {
     return ::fchownat(descriptor_, "", owner, group, AT_EMPTY_PATH) == 0;
 }
 
+/// No single call does this on all kernels. The new one takes the empty name; before it, the path of the
+/// descriptor leads to the item itself, since O_PATH descriptors refuse `fchmod`.
 bool HeldItem::setPermissions(mode_t permissions) const noexcept {
 #ifdef SYS_fchmodat2
     if (::syscall(SYS_fchmodat2, descriptor_, "", permissions, AT_EMPTY_PATH) == 0) {
         return true;
     }
+    // EPERM is ambiguous: sandboxes use it for calls that they do not know. The second attempt decides.
     if (errno != ENOSYS && errno != EINVAL && errno != EPERM) {
         return false;
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Facts about the running program and its computer, from the kernel and the C library.
+// Except for the arguments, everything is read when it is asked for: callers decide how long a fact holds.
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -26,6 +27,7 @@ std::string contentsOf(const char* path) {
     if (file < 0) {
         return text;
     }
+    // Such files report a size of 0, so the end is where a read returns nothing.
     char buffer[4096];
     for (;;) {
         const ssize_t count = read(file, buffer, sizeof buffer);
@@ -47,6 +49,8 @@ std::string contentsOf(const char* path) {
 
 namespace {
 
+// A truncated target is not reported as an error, so a full buffer means that it must grow. When the
+// program's file was removed or replaced, the kernel appends " (deleted)"; the text is returned as it is.
 std::string targetOfProgramLink() {
     std::string path(256, '\0');
     for (;;) {
@@ -63,6 +67,8 @@ std::string targetOfProgramLink() {
 }
 
 /// The file that the memory at the address was mapped from.
+/// A line is "start-end permissions offset device inode path"; only the first two and the path are of
+/// interest. Memory without a file has no "/".
 std::string fileMappedAt(std::uintptr_t address) {
     const std::string maps = contentsOf("/proc/self/maps");
     std::string_view rest = maps;
@@ -84,6 +90,8 @@ std::string fileMappedAt(std::uintptr_t address) {
 }
 
 /// Where the program was started from, if the absolute path is known.
+/// The last resort, without a process file system. The path is resolved because a program is often started
+/// through a link, and its bundle is next to the file that the link refers to.
 std::string startedFile() {
     const auto* const path = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
     if (path == nullptr || *path != '/') {
@@ -120,10 +128,13 @@ struct HandedArguments {
 };
 constinit HandedArguments handed{};
 
+// Called with what the C library passes to `main`. It must not allocate: the host may replace the allocator,
+// and its initializers have not run yet.
 [[maybe_unused]] void takeArguments(int count, char** strings, char**) noexcept {
     handed.count = count;
     handed.strings = strings;
     std::size_t used = 0;
+    // Whole strings only; a pointer that is null ends the list early in programs that pass a wrong count.
     while (handed.copied < count && strings[handed.copied] != nullptr) {
         const std::size_t length = std::strlen(strings[handed.copied]) + 1;
         if (length > sizeof handed.copies - used) {
@@ -144,6 +155,7 @@ constinit HandedArguments handed{};
 
 } // namespace
 
+// Copies first, then what did not fit, which the host may have overwritten by now.
 std::vector<std::string> handedArguments() {
     std::vector<std::string> arguments;
     const char* copy = handed.copies;
@@ -157,6 +169,7 @@ std::vector<std::string> handedArguments() {
     return arguments;
 }
 
+// Any object of the library serves as the address to look up.
 std::string libraryPath() {
     static const char anchor = 0;
     Dl_info information;
@@ -164,12 +177,15 @@ std::string libraryPath() {
         return {};
     }
     // For the program itself, the loader's only name is argument 0, whatever that contains by now.
+    // Compared as pointers, because the loader hands out that very string.
     const bool isPartOfProgram = handed.count > 0 && information.dli_fname == handed.strings[0];
     return isPartOfProgram ? executablePath() : information.dli_fname;
 }
 
 const char* environmentVariable(const char* name) noexcept { return ::secure_getenv(name); }
 
+// Argument strings are separated by NUL, and may be empty. A process that has overwritten its arguments
+// shows what it wrote.
 std::vector<std::string> readArguments() {
     const std::string text = contentsOf("/proc/self/cmdline");
     std::vector<std::string> arguments;
@@ -193,6 +209,8 @@ std::string trimmed(const std::string& text) {
                                       : text.substr(start, text.find_last_not_of(around) + 1 - start);
 }
 
+// The first exists on most computers with firmware tables, the second on boards that describe themselves by
+// a tree.
 std::string model() {
     const std::string product = trimmed(contentsOf("/sys/class/dmi/id/product_name"));
     return product.empty() ? trimmed(contentsOf("/proc/device-tree/model")) : product;
@@ -203,6 +221,7 @@ std::string model() {
 HardwareFacts hardwareFacts() {
     HardwareFacts facts;
     facts.model = model();
+    // Those that are online: what a report about this machine at this moment shows.
     const long processors = sysconf(_SC_NPROCESSORS_ONLN);
     if (processors > 0 && processors <= INT32_MAX) {
         facts.processors = static_cast<std::int32_t>(processors);

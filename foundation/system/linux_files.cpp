@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copies the data of files, by the means that this kernel offers.
+// The order of means matters: a clone costs nothing for any size, a copy by the file system may stay on a
+// server, a transfer avoids our memory, and the buffer always works. Each refusal moves on to the next one
+// for the rest of the file.
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -35,6 +38,8 @@ constexpr std::size_t maxAtOnce = std::size_t{1} << 30;
 constexpr std::size_t maxBetweenReports = std::size_t{16} << 20;
 
 /// The errors that mean that the kernel cannot do it this way, rather than that it cannot be done.
+/// A refusal costs one call. Treating a real failure as a refusal would only lead to the same failure by the
+/// next means; the other way round, a copy that is possible would fail.
 bool isRefusal(int error) noexcept {
     switch (error) {
     case EXDEV:
@@ -43,6 +48,7 @@ bool isRefusal(int error) noexcept {
     case EOPNOTSUPP:
     case EPERM:
     case EACCES:
+    // Swap files share no data, but can be read.
     case ETXTBSY:
     case EBADF:
     case EOVERFLOW:
@@ -53,6 +59,8 @@ bool isRefusal(int error) noexcept {
 }
 
 /// Where a write would raise a signal; the calls that move data in the kernel do so too.
+/// Therefore no call is made with more bytes than the limit leaves room for; the failure at the limit is
+/// reported as an error instead.
 off_t fileSizeLimit() noexcept {
     rlimit limit{};
     const bool isLimited = ::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
@@ -61,6 +69,8 @@ off_t fileSizeLimit() noexcept {
 }
 
 /// Whether the file occupies less space than its size.
+/// A file that is compressed or whose data are stored in its inode also looks like this. It is then looked
+/// at for holes, which costs one call and finds none.
 bool mayHaveHoles(const struct stat& information) noexcept {
     return information.st_blocks < information.st_size / 512;
 }
@@ -95,6 +105,7 @@ private:
     /// size was read; the kernel generates the contents of some files while they are read, and reports their
     /// size as 0.
     bool copySmallFile(off_t size) {
+        // One byte more than the largest small file, so that one that has grown meanwhile is noticed.
         char bytes[smallFile + 1];
         std::size_t filled = 0;
         bool isAtEnd = false;
@@ -107,6 +118,8 @@ private:
             isAtEnd = count == 0 || (size > 0 && static_cast<off_t>(filled) == size);
         }
         const auto done = static_cast<off_t>(filled);
+        // Either the end was seen, or the file has grown beyond the buffer. A generated file has no size
+        // that `followGrowth` could compare, so its end is where a read returns nothing.
         return writeAll(bytes, static_cast<ssize_t>(filled), 0) && report(done) &&
                (isAtEnd || (size > 0 ? followGrowth(done) : copyThroughBuffer(done, INT64_MAX)));
     }
@@ -120,6 +133,8 @@ private:
     }
 
     /// Copies what was written after `done` while the rest was copied.
+    /// A log that is appended to faster than it is copied would otherwise keep the copy busy forever. What
+    /// is written after the last look belongs to a later copy.
     bool followGrowth(off_t done) {
         struct stat information;
         for (int extension = 0; extension < maxExtensions; ++extension) {
@@ -138,8 +153,10 @@ private:
     }
 
     /// Copies the data from `start` to `end`; the holes between are recreated with the same length.
+    /// A sparse file of a terabyte with a megabyte of data takes a megabyte again.
     bool copySegments(off_t start, off_t end) {
         while (start < end) {
+            // ENXIO: no data after `start`, so the rest is a hole.
             off_t data = ::lseek(source_, start, SEEK_DATA);
             if (data < 0 && errno == ENXIO) {
                 return endWithHole(end);
@@ -158,6 +175,7 @@ private:
         return true;
     }
 
+    /// A hole at the end has no data to write; without this the copy would be shorter than the source.
     bool endWithHole(off_t end) noexcept {
         struct stat source;
         if (::fstat(source_, &source) != 0) {
@@ -171,6 +189,8 @@ private:
         return ::ftruncate(destination_, end) == 0;
     }
 
+    /// A transfer of 0 bytes does not prove the end: some generated files do not support it and say nothing.
+    /// The buffer then decides by reading.
     bool copyStretch(off_t start, off_t end) {
         while (start < end && means_ != DataMeans::buffer) {
             const ssize_t moved = moveInKernel(start, end);
@@ -191,6 +211,8 @@ private:
         return start >= end || copyThroughBuffer(start, end);
     }
 
+    /// `copy_file_range` has an offset for each side; `sendfile` writes at the destination's position, which
+    /// is therefore set first.
     ssize_t moveInKernel(off_t start, off_t end) noexcept {
         const off_t room = limit_ - start;
         if (room <= 0) {
@@ -211,7 +233,9 @@ private:
     }
 
     /// Copies up to `end` or the end of the file, whichever comes first.
+    /// For a generated file `end` is the largest offset there is.
     bool copyThroughBuffer(off_t start, off_t end) {
+        // Made on first use: most copies never need it.
         if (!buffer_) {
             buffer_.reset(new char[bufferBytes]);
         }
@@ -237,6 +261,7 @@ private:
         return count;
     }
 
+    /// A write may be cut short by a signal, a quota or a full disk; the next one then reports the reason.
     bool writeAll(const char* bytes, ssize_t count, off_t at) const noexcept {
         while (count > 0) {
             if (at >= limit_) {
@@ -249,6 +274,8 @@ private:
                 continue;
             }
             if (written <= 0) {
+                // A write of no bytes without an error should not occur; without this it would be retried
+                // forever.
                 errno = written == 0 ? EIO : errno;
                 return false;
             }

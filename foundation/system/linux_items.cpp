@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Facts about items, renaming without replacing, files without a name, flushing and leases: what this kernel
 // offers to move items without loss.
+// Numbers and layouts of the kernel's interface are given here, because C libraries declare them at
+// different times; the calls are made by number for the same reason.
 #include <cerrno>
 #include <charconv>
 #include <csignal>
@@ -29,6 +31,7 @@ struct KernelTime {
     std::int32_t unused;
 };
 
+/// The layout is fixed by the kernel, which reserves the end for later fields and fills all 256 bytes.
 struct KernelFacts {
     std::uint32_t mask;
     std::uint32_t blockBytes;
@@ -54,11 +57,14 @@ struct KernelFacts {
 };
 static_assert(sizeof(KernelFacts) == 256);
 
+/// The bits of the mask: all that `stat` reports, and the creation time, which not every file system stores.
 constexpr unsigned basicFacts = 0x7FF;
 constexpr unsigned creationFact = 0x800;
+/// The bits of `attributes`; one that `knownAttributes` lacks is always 0.
 constexpr std::uint64_t isImmutable = 0x10;
 constexpr std::uint64_t isAppendOnly = 0x20;
 constexpr std::uint64_t isRootOfMount = 0x2000;
+/// RENAME_NOREPLACE, which older C libraries do not declare.
 constexpr unsigned noReplacing = 1;
 
 bool askKernel(int folder, const char* name, unsigned wanted, KernelFacts& facts) noexcept {
@@ -70,6 +76,8 @@ timespec timeOf(const KernelTime& time) noexcept {
     return {static_cast<time_t>(time.seconds), static_cast<long>(time.nanoseconds)};
 }
 
+/// Rebuilt from the kernel's facts so that one call serves for both: a walk over a large tree asks for each
+/// item once.
 void fill(struct stat& information, const KernelFacts& facts) noexcept {
     information = {};
     information.st_dev = ::makedev(facts.deviceMajor, facts.deviceMinor);
@@ -89,6 +97,8 @@ void fill(struct stat& information, const KernelFacts& facts) noexcept {
 
 /// The number of the mount that the item belongs to, on a kernel that does not report which items are the
 /// root of one; -1 if unknown.
+/// Needed for a folder that is bound to another place of the same file system: its device number is the
+/// same.
 int mountOf(int folder, const char* name) noexcept {
     struct file_handle handle {};
     int mount = -1;
@@ -110,29 +120,55 @@ bool isMountedOver(int folder, const char* name, const struct stat& item) noexce
 }
 
 /// Used if the file system cannot rename without replacing.
+/// Both nearest means take the name first, by a step that fails if it exists. What another process puts there
+/// between the last look and the renaming cannot be protected: such file systems have no better step.
 bool renameFolderByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
     // The name is taken by a folder of ours, and a folder does not replace one that is not empty.
-    return ::mkdirat(toFolder, to, 0700) == 0 && ::renameat(fromFolder, from, toFolder, to) == 0;
+    if (::mkdirat(toFolder, to, 0700) != 0) {
+        return false;
+    }
+    if (::renameat(fromFolder, from, toFolder, to) == 0) {
+        return true;
+    }
+    const int error = errno;
+    ::unlinkat(toFolder, to, AT_REMOVEDIR); // unless somebody has put an item into it
+    errno = error;
+    return false;
 }
 
+/// Whether the name still refers to an empty file. Its number is not compared: file systems that are served
+/// by a process may give it another one.
+bool isEmptyFile(int folder, const char* name) noexcept {
+    struct stat information;
+    return ::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(information.st_mode) &&
+           information.st_size == 0;
+}
+
+/// A hard link is a second name, made in one step that fails if the name is taken.
 bool renameFileByNearestMeans(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
     if (::linkat(fromFolder, from, toFolder, to, 0) == 0) {
+        // If this fails, the item has both names: nothing is lost, and the caller reports the error.
         return ::unlinkat(fromFolder, from, 0) == 0;
     }
     if (errno == EEXIST) {
         return false;
     }
     // Hard links are not available either: the name is taken by an empty file, which is then replaced.
+    // Another process may have written to it before that.
     const int taken = ::openat(toFolder, to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (taken < 0) {
         return false;
     }
     ::close(taken);
-    if (::renameat(fromFolder, from, toFolder, to) == 0) {
+    errno = EEXIST;
+    if (isEmptyFile(toFolder, to) && ::renameat(fromFolder, from, toFolder, to) == 0) {
         return true;
     }
+    // The empty file was ours; it must not stay where the item should have been.
     const int error = errno;
-    ::unlinkat(toFolder, to, 0);
+    if (isEmptyFile(toFolder, to)) {
+        ::unlinkat(toFolder, to, 0);
+    }
     errno = error;
     return false;
 }
@@ -143,6 +179,7 @@ bool isLater(const timespec& left, const timespec& right) noexcept {
 
 } // namespace
 
+// The mask says whether the file system stores it: the call succeeds in either case.
 bool getCreationTime(int folder, const char* name, timespec& time) noexcept {
     KernelFacts facts;
     if (!askKernel(folder, name, creationFact, facts) || (facts.mask & creationFact) == 0) {
@@ -156,6 +193,7 @@ bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept {
     KernelFacts found;
     if (!askKernel(folder, name, basicFacts, found)) {
         // A kernel before 4.11, or a sandbox that forbids the call.
+        // What older kernels cannot report, protection above all, then shows when a removal fails.
         const int flags = AT_SYMLINK_NOFOLLOW | (*name == '\0' ? AT_EMPTY_PATH : 0);
         if ((errno != ENOSYS && errno != EPERM) || ::fstatat(folder, name, &facts.information, flags) != 0) {
             return false;
@@ -172,6 +210,8 @@ bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept {
     return true;
 }
 
+// Names may be any bytes. All copies of a folder's descriptor share one position, so it is set to the start
+// first.
 bool appendFolderEntries(int folder, std::vector<char>& entries) {
     struct alignas(8) Entry { // as the kernel writes it, the name following
         std::uint64_t inode;
@@ -179,6 +219,7 @@ bool appendFolderEntries(int folder, std::vector<char>& entries) {
         std::uint16_t length;
         unsigned char kind;
     };
+    // Not `sizeof`: the name follows the kind without padding.
     constexpr std::size_t nameOffset = 19;
     alignas(Entry) char buffer[std::size_t{32} << 10];
     if (::lseek(folder, 0, SEEK_SET) < 0) {
@@ -206,6 +247,8 @@ bool appendFolderEntries(int folder, std::vector<char>& entries) {
     }
 }
 
+/// EINVAL is what a file system without this step returns, ENOSYS a kernel before 3.15. Interrupted renames
+/// occur on network file systems.
 bool renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
     long result = -1;
     do {
@@ -221,20 +264,24 @@ bool renameWithoutReplacing(int fromFolder, const char* from, int toFolder, cons
     if (::fstatat(fromFolder, from, &information, AT_SYMLINK_NOFOLLOW) != 0) {
         return false;
     }
+    // Decides by the item itself: a link to a folder is renamed like a file.
     return S_ISDIR(information.st_mode) ? renameFolderByNearestMeans(fromFolder, from, toFolder, to)
                                         : renameFileByNearestMeans(fromFolder, from, toFolder, to);
 }
 
+// Opened relative to the folder itself, so that it cannot move away before the file gets its name there.
 int openUnnamedFile(int folder) noexcept {
     return ::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
 }
 
+// The descriptor's path is used, because linking by an empty name needs a privilege.
 bool nameFile(int file, int folder, const char* name) noexcept {
     char path[32] = "/proc/self/fd/";
     *std::to_chars(path + sizeof "/proc/self/fd/" - 1, path + sizeof path, file).ptr = '\0';
     return ::linkat(AT_FDCWD, path, folder, name, AT_SYMLINK_FOLLOW) == 0;
 }
 
+// A system that is mounted read-only has nothing to write, either.
 bool flushItem(int item) noexcept {
     // Pipes and the like have nothing to flush.
     return ::fsync(item) == 0 || errno == EINVAL || errno == EROFS;
@@ -245,13 +292,18 @@ bool flushFileSystem(int item) noexcept { return ::syncfs(item) == 0 || errno ==
 /// A read lease is granted only while nobody has the file open for writing. When somebody wants to open it
 /// for writing while the lease is held, the kernel sends a signal: one that does nothing unless the host has
 /// a handler for it.
+/// The signal is SIGURG because it is ignored by default: the usual one, SIGIO, ends a process that does not
+/// expect it.
 WritersHeldOff::WritersHeldOff(int file) noexcept : file_(file), state_(State::unknown) {
+    // Must come first: between lease and choice of signal a writer would raise the default one.
     if (::fcntl(file, F_SETSIG, SIGURG) != 0) {
         return;
     }
     if (::fcntl(file, F_SETLEASE, F_RDLCK) == 0) {
         state_ = State::held;
     } else if (errno == EAGAIN) {
+        // Somebody has it open for writing. Other errors mean that the file system or the user may not have
+        // leases.
         state_ = State::failed;
     }
 }
@@ -264,15 +316,19 @@ WritersHeldOff::~WritersHeldOff() {
     }
 }
 
+// A broken lease is no longer a read lease, as soon as the writer waits.
 bool WritersHeldOff::areThereNone() const noexcept {
     return state_ == State::unknown || (state_ == State::held && ::fcntl(file_, F_GETLEASE) == F_RDLCK);
 }
 
+/// Two changes within one tick of the clock for files get the same time, so that the second is invisible to
+/// a comparison. After the tick, any change shows.
 bool mightHideChange(const timespec& changed) noexcept {
     constexpr timespec pause{0, 1'000'000};
     constexpr long maxTickNanoseconds = 20'000'000;
     for (int waits = 0; waits < 40; ++waits) {
         timespec now{};
+        // The coarse clock is the one that file times are taken from; the precise one is ahead of it.
         ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
         if (isLater(now, changed)) {
             return false;

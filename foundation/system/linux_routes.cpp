@@ -4,6 +4,7 @@
 //
 // No state is kept between `write` and `read`: the reply waits in the socket, where `write` only peeks at it,
 // and it contains the number of the request.
+// Lookup of one route to one IPv4 address is all that is supported, which is all that the library asks for.
 #include <cerrno>
 #include <cstring>
 
@@ -21,6 +22,7 @@ namespace ZQFoundation::detail::system {
 namespace {
 
 /// The request to the kernel.
+/// In exactly this order and without gaps, which the assertion checks.
 struct RouteQuestion {
     nlmsghdr header;
     rtmsg route;
@@ -37,12 +39,16 @@ struct RouteAnswer {
     const nlmsghdr& header() const noexcept { return *reinterpret_cast<const nlmsghdr*>(bytes); }
 
     /// Whether it contains a whole message with a body of at least `bodyBytes` bytes.
+    /// Both the datagram's length and the length that the message claims are checked: the kernel is trusted,
+    /// but a truncated datagram is possible.
     bool holds(std::size_t bodyBytes) const noexcept {
         return count >= NLMSG_HDRLEN + bodyBytes && header().nlmsg_len >= NLMSG_HDRLEN + bodyBytes &&
                header().nlmsg_len <= count;
     }
 
     /// The value of an attribute of four bytes; false without it.
+    /// Attributes are aligned to 4 bytes and carry their length. A length that does not fit ends the search,
+    /// so that nothing is read beyond the message.
     bool getAttribute(unsigned short type, std::uint32_t& value) const noexcept {
         std::size_t at = NLMSG_SPACE(sizeof(rtmsg));
         const std::size_t end = header().nlmsg_len;
@@ -64,6 +70,7 @@ struct RouteAnswer {
 
 /// The next datagram from the kernel; those of other processes are discarded. Negative with `errno`, 0 at the
 /// end of input.
+/// Any process may send to a netlink socket; only the kernel has the number 0.
 std::ptrdiff_t receive(int socket, RouteAnswer& answer, int flags) noexcept {
     for (;;) {
         sockaddr_nl sender{};
@@ -74,6 +81,8 @@ std::ptrdiff_t receive(int socket, RouteAnswer& answer, int flags) noexcept {
             continue;
         }
         if (count > 0 && sender.nl_pid != 0) {
+            // With MSG_PEEK the foreign datagram is still in the queue; it is removed, or the loop would see
+            // it forever.
             if ((flags & MSG_PEEK) != 0) {
                 recv(socket, answer.bytes, sizeof answer.bytes, MSG_DONTWAIT);
             }
@@ -99,6 +108,7 @@ int errorOf(const RouteAnswer& answer) noexcept {
     if (body.error < -maxError) {
         return EPROTO;
     }
+    // An acknowledgment is an error message with the number 0.
     return body.error < 0 ? -body.error : 0;
 }
 
@@ -133,6 +143,8 @@ struct RouteReply {
     }
 };
 
+// Anything that is not a route gets a reply without type and addresses, in which the caller finds nothing it
+// asked for.
 RouteReply replyOf(const RouteAnswer& answer) noexcept {
     RouteReply reply;
     RouteMessageHeader header{};
@@ -144,6 +156,8 @@ RouteReply replyOf(const RouteAnswer& answer) noexcept {
         header.rtm_flags = routeIsUp | routeIsDone;
         std::uint32_t value = 0;
         if (answer.getAttribute(RTA_OIF, value)) {
+            // Interface numbers are larger in the kernel, but the message has 16 bits for them; the library
+            // does not use this field.
             header.rtm_index = static_cast<std::uint16_t>(value);
         }
         if (answer.getAttribute(RTA_GATEWAY, value)) {
@@ -164,6 +178,8 @@ RouteReply replyOf(const RouteAnswer& answer) noexcept {
     return reply;
 }
 
+/// A request is sent and answered synchronously by the kernel: when `sendto` returns, the reply is in the
+/// socket.
 class NetlinkTransport final : public RouteTransport {
 public:
     int open() noexcept override {
@@ -185,6 +201,7 @@ public:
             return receivingFailed; // now, since the error may not be reported again
         }
         if (const int error = errorOf(answer)) {
+            // Removes the message that was only peeked at.
             receive(socket, answer, 0);
             errno = error;
             return -1;
@@ -195,6 +212,7 @@ public:
     std::ptrdiff_t read(int socket, void* message, std::size_t capacity) noexcept override {
         RouteAnswer answer;
         do {
+            // Datagrams that are not a whole message are skipped; the kernel sends none.
             const std::ptrdiff_t count = receive(socket, answer, 0);
             if (count <= 0) {
                 return count;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Identifies threads and forks on Linux.
+// Called by locks, so nothing here may need a lock, memory or the loader.
 #include <cerrno>
 #include <ctime>
 
@@ -16,6 +17,8 @@ namespace ZQFoundation::detail::system {
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
     const int callersError = errno;
     const timespec brief{0, 1000000};
+    // Private: no other process shares the word, which makes the call cheaper. Any result is a reason to
+    // look again.
     syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, &brief, nullptr, 0);
     errno = callersError;
 }
@@ -31,12 +34,16 @@ void wakeOne(const std::uint32_t* word) noexcept {
 // variable would not do, since the loader may have to allocate it first.
 std::uint64_t threadIdentifier() noexcept {
     clockid_t clock = 0;
+    // Negative, because the complement of a positive number is stored. 0 would mean that the C library uses
+    // another scheme.
     if (pthread_getcpuclockid(pthread_self(), &clock) == 0 && clock < 0) [[likely]] {
         return static_cast<std::uint64_t>(~(clock >> 3));
     }
     return static_cast<std::uint64_t>(syscall(SYS_gettid));
 }
 
+// The kernel replaces the page by zeros in each child, whatever made it: `fork`, `clone`, or a call that
+// skips the handlers of the C library. That is what no handler could promise.
 std::uint32_t* wordClearedByFork() noexcept {
     const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     void* const page = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

@@ -40,6 +40,7 @@ bool appendName(char (&path)[PATH_MAX], const char* name) noexcept {
 } // namespace
 
 std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) noexcept {
+    // `write` is a cancellation point, and there is no supported way around the C library.
     const CallerState callerState;
     const std::ptrdiff_t written = write(descriptor, bytes, count);
     return written >= 0 ? written : -errno;
@@ -50,12 +51,14 @@ bool fileSizeIsUnlimited() noexcept {
     return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
 }
 
+// No flag for one write exists here, and descriptors that belong to the host must not be changed.
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept {
     return maskedWrite(descriptor, bytes, count);
 }
 
 void discardPendingSignal(int signal) noexcept {
     sigset_t wanted;
+    // `sigwait` would wait if none were pending.
     sigset_t pending;
     sigemptyset(&wanted);
     sigaddset(&wanted, signal);
@@ -67,6 +70,8 @@ void discardPendingSignal(int signal) noexcept {
 
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
     pthread_mutex_lock(&sleepersMutex);
+    // Compared under the mutex, but the unlocking thread changes the word without it: a wake in between is
+    // missed, and the time limit covers that.
     if (__atomic_load_n(word, __ATOMIC_RELAXED) == expected) {
         // Bounded, so that a child forked while the mutex was taken elsewhere never sleeps forever.
         const timespec brief{0, 1000000};
@@ -75,6 +80,7 @@ void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept {
     pthread_mutex_unlock(&sleepersMutex);
 }
 
+// Wakes all, because the sleepers may wait for different words.
 void wakeOne(const std::uint32_t*) noexcept { pthread_cond_broadcast(&sleepersCondition); }
 
 std::uint32_t* wordClearedByFork() noexcept { return nullptr; }
@@ -86,6 +92,7 @@ std::uint64_t threadIdentifier() noexcept {
 }
 
 std::string executablePath() {
+    // The first call fails and reports the size that the path needs.
     std::uint32_t size = 0;
     _NSGetExecutablePath(nullptr, &size);
     std::string path(size, '\0');
@@ -107,6 +114,7 @@ const char* environmentVariable(const char* name) noexcept {
     return ::issetugid() == 0 ? ::getenv(name) : nullptr;
 }
 
+// The arguments as `main` got them, kept by the C library.
 std::vector<std::string> handedArguments() {
     char** const arguments = *_NSGetArgv();
     return {arguments, arguments + *_NSGetArgc()};
@@ -116,6 +124,7 @@ std::vector<std::string> readArguments() { return {}; }
 
 HardwareFacts hardwareFacts() {
     HardwareFacts facts;
+    // Longer than any model's name; a longer one would be reported as an error and leave the model unknown.
     char model[100] = {};
     std::size_t size = sizeof model;
     if (sysctlbyname("hw.model", model, &size, nullptr, 0) == 0) {
@@ -137,6 +146,7 @@ HardwareFacts hardwareFacts() {
 std::vector<std::string> releaseFiles() { return {}; }
 
 std::uint64_t randomNumber() noexcept {
+    // Made once, because the number must stay the same for the process.
     static const std::uint64_t number = static_cast<std::uint64_t>(arc4random()) << 32 | arc4random();
     return number;
 }
@@ -174,6 +184,8 @@ bool makeSpecialFile(int folder, const char* name, mode_t kind, dev_t device) no
         return false;
     }
     struct stat information;
+    // Something else has this name in the folder that was meant, or the folder has moved: what was made by
+    // path is removed.
     if (::fstatat(folder, name, &information, AT_SYMLINK_NOFOLLOW) != 0 ||
         (information.st_mode & S_IFMT) != kind) {
         ::unlink(path);

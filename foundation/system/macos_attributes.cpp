@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copies extended attributes and access lists, and changes items that are not opened.
+// Pipes, sockets and devices cannot be opened without effect here, so they are changed by folder and name.
+// Copying code checks that the new item is the one that was made.
 #include <cerrno>
 
 #include <copyfile.h>
@@ -14,6 +16,7 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
+// Two numbers here, where other systems have one.
 bool meansNoPlace(int error) noexcept { return error == ENOTSUP || error == EOPNOTSUPP; }
 
 } // namespace
@@ -22,6 +25,7 @@ bool copyExtendedAttributes(int source, int destination) noexcept {
     return ::fcopyfile(source, destination, nullptr, COPYFILE_XATTR | COPYFILE_ACL) == 0;
 }
 
+// An empty list replaces the inherited one. File systems without lists have nothing to remove.
 bool removeInheritedAccessList(int item) noexcept {
     acl_t none = ::acl_init(0);
     if (none == nullptr) {
@@ -41,6 +45,7 @@ void copyCreationTime(int source, int destination) noexcept {
     }
     attrlist attributes{};
     attributes.bitmapcount = ATTR_BIT_MAP_COUNT;
+    // The attribute list and the buffer must match: one time, no padding.
     attributes.commonattr = ATTR_CMN_CRTIME;
     timespec time = information.st_birthtimespec;
     ::fsetattrlist(destination, &attributes, &time, sizeof time, 0);
@@ -64,6 +69,7 @@ bool HeldItem::hold(int folder, const char* name) noexcept {
     // Links can be opened as such; pipes, sockets and devices are accessed by name.
     if (S_ISLNK(information.st_mode)) {
         descriptor_ = ::openat(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC);
+        return descriptor_ >= 0;
     }
     return true;
 }

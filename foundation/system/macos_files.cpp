@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Copies the data of files, by the means that this system offers.
+// The system's own call finds holes and chooses how to copy, so there is no choice of means here.
 #include <cerrno>
 #include <utility>
 
@@ -14,6 +15,8 @@ namespace ZQFoundation::detail::system {
 namespace {
 
 /// Called by the system while it copies.
+/// Called several times for one copy, also for other stages than data; only progress of data is of interest.
+/// The pair contains the watch and the bytes already reported.
 int continueOrQuit(int what, int stage, copyfile_state_t state, const char*, const char*, void* context) {
     auto& watched = *static_cast<std::pair<CopyWatch*, off_t>*>(context);
     off_t copied = 0;
@@ -46,6 +49,8 @@ bool copyBy(int source, int destination, copyfile_flags_t flags, CopyWatch* watc
 
 } // namespace
 
+// The signal cannot be kept from the thread while the system copies, so the size is checked before. A file
+// that grows beyond the limit meanwhile would still raise it.
 bool copyFileData(int source, int destination, DataMeans, CopyWatch* watch) {
     rlimit limit{};
     struct stat information;
@@ -59,6 +64,7 @@ bool copyFileData(int source, int destination, DataMeans, CopyWatch* watch) {
     }
     // Clones are made from name to name with all attributes at once, so they cannot be used between two open
     // files of which one must stay closed to others until the end.
+    // A file system that cannot store holes refuses the flag; the data are then copied in full.
     return copyBy(source, destination, COPYFILE_DATA | COPYFILE_DATA_SPARSE, watch) ||
            (errno == ENOTSUP && copyBy(source, destination, COPYFILE_DATA, watch));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Facts about items, renaming without replacing and flushing: what this system offers to move items without
 // loss.
+// What the system lacks, files without a name and leases, is reported as missing, and callers use other
+// means.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -26,6 +28,7 @@ bool getItemFacts(int folder, const char* name, ItemFacts& facts) noexcept {
     }
     facts.isProtected =
         (facts.information.st_flags & (UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND)) != 0;
+    // A mount point is where the device changes from a folder to the one above it.
     const bool isFound = S_ISDIR(facts.information.st_mode) &&
                          (isOpen ? ::fstatat(folder, "..", &around, 0) : ::fstat(folder, &around)) == 0;
     facts.isMountPoint = isFound && around.st_dev != facts.information.st_dev;
@@ -47,6 +50,7 @@ bool appendFolderEntries(int folder, std::vector<char>& entries) {
     }
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(opened, ::closedir);
     ::rewinddir(opened);
+    // `readdir` returns null at the end and on failure; only `errno` tells them apart.
     errno = 0;
     while (const dirent* const entry = ::readdir(opened)) {
         const char* const name = entry->d_name;
@@ -93,6 +97,8 @@ bool flushItem(int item) noexcept {
     return ::fcntl(item, F_FULLFSYNC) == 0 || ::fsync(item) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
+// No call flushes one file system and waits. `sync` starts the writing; flushing the item waits for the
+// disk.
 bool flushFileSystem(int item) noexcept {
     struct statfs information;
     if (::fstatfs(item, &information) != 0) {

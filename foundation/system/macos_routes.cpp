@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The transport of routing messages. The system has routing sockets; messages are passed to and from the
 // kernel unchanged.
+// Each constant of this library's layout is compared with the system's own when it is compiled.
 #include <cerrno>
 
 #include <fcntl.h>
@@ -47,6 +48,7 @@ static_assert(RTAX_MAX == routeAddressCount);
 class RoutingSocketTransport final : public RouteTransport {
 public:
     int open() noexcept override {
+        // No flag for close-on-exec exists when a socket is made; a fork in between would hand it on.
         const int descriptor = keepOffStandardStreams(::socket(PF_ROUTE, SOCK_RAW, 0));
         if (descriptor >= 0) {
             ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
@@ -54,6 +56,7 @@ public:
         return descriptor;
     }
 
+    /// A request is one datagram: it is written whole or not at all.
     std::ptrdiff_t write(int socket, const void* message, std::size_t count) noexcept override {
         std::ptrdiff_t written;
         do {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What all POSIX systems offer in the same way.
+// Counts forks, identifies threads, and writes with signals masked. All of that may run in a signal handler.
 #include <cerrno>
 #include <csignal>
 #include <ctime>
@@ -16,6 +17,7 @@ namespace ZQFoundation::detail::system {
 
 namespace {
 
+/// They change only when a generation begins, so they are read without a system call.
 constinit std::uint64_t threadThatForked = 0;
 constinit int ownIdentifier = 0;
 constinit std::uint32_t lastGeneration = 0;
@@ -25,6 +27,7 @@ constinit std::uint32_t wordThatForksCopy = 0; // used if the system clears none
 
 /// Clears the word if the system has not done so. Another handler may have used the library before this one;
 /// the word and the number then show that.
+/// Runs in the child before `fork` returns there, so that ordinary code never sees the old generation.
 void noteForkInChild() {
     std::uint32_t* const word = __atomic_load_n(&forkGenerationWord, __ATOMIC_RELAXED);
     if (word == &noGeneration ||
@@ -38,6 +41,9 @@ void noteForkInChild() {
 
 /// Two threads may both get here, and a fork may come in between: a handler that is registered twice finds
 /// its work done, and a surplus word costs one page.
+/// Registered even where the system clears the word: it makes the new generation begin on the thread that
+/// forked, before the child starts any other. Where the system does not, the handler is all there is, and a
+/// child made by a call that skips handlers goes unnoticed.
 std::uint32_t* chooseWord() noexcept {
     pthread_atfork(nullptr, nullptr, noteForkInChild);
     std::uint32_t* fresh = wordClearedByFork();
@@ -65,6 +71,8 @@ std::uint32_t beginForkGeneration() noexcept {
     __atomic_store_n(&threadThatForked, Holder::currentThread(), __ATOMIC_RELAXED);
     __atomic_store_n(&ownIdentifier, ::getpid(), __ATOMIC_RELAXED);
     std::uint32_t generation = 0;
+    // Never 0, except after 2^32 forks in a line of descent. The counter is inherited, so a child's number
+    // is greater than its parent's.
     const std::uint32_t next = __atomic_add_fetch(&lastGeneration, 1, __ATOMIC_RELAXED);
     if (__atomic_compare_exchange_n(word, &generation, next, false, __ATOMIC_RELEASE, __ATOMIC_ACQUIRE)) {
         generation = next;
@@ -78,6 +86,7 @@ int processIdentifier() noexcept {
     return __atomic_load_n(&ownIdentifier, __ATOMIC_RELAXED);
 }
 
+// Not the system's number: this one costs no system call, and is unique among live threads only.
 std::uint64_t threadNumber() noexcept {
     const pthread_t self = pthread_self();
     std::uint64_t number = 0;
@@ -95,6 +104,7 @@ std::string kernelRelease() {
 
 namespace {
 
+// A signal that was pending before belongs to somebody else and must reach them.
 void discardIfRaised(int signal, const sigset_t& pendingBefore) noexcept {
     sigset_t pending;
     sigemptyset(&pending);
@@ -114,9 +124,11 @@ std::ptrdiff_t maskedWrite(int descriptor, const char* bytes, std::size_t count)
     sigaddset(&guarded, SIGPIPE);
     sigaddset(&guarded, SIGXFSZ);
     sigemptyset(&pendingBefore);
+    // Blocked for this thread only; other threads of the host may raise and handle the same signals.
     pthread_sigmask(SIG_BLOCK, &guarded, &before);
     sigpending(&pendingBefore);
     const std::ptrdiff_t written = write(descriptor, bytes, count);
+    // The calls below may fail with errors of their own.
     const int error = errno;
     if (written != static_cast<std::ptrdiff_t>(count)) { // a short write may also have raised one
         for (const int signal : {SIGPIPE, SIGXFSZ}) {

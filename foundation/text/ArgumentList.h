@@ -14,35 +14,40 @@ class NSObjectProtocol;
 
 namespace ZQFoundation::detail {
 
+/// What an argument is, which decides how a conversion reads it. A conversion asks for this first, so no
+/// format, however wrong, makes the library read memory that is not there.
 enum class ArgumentType : unsigned char {
-    signedInteger,
-    unsignedInteger,
-    real,
-    longReal,
-    text,      ///< any text, a C string among them
-    object,    ///< a handle
-    host,      ///< an object of a host's class, null allowed
-    converted, ///< an object whose `ObjectConversion` makes a value of it
-    pointer,
+    signedInteger,   ///< in 64 bits, as all integers
+    unsignedInteger, ///< in 64 bits
+    real,            ///< a float or a double, as a double
+    longReal,        ///< by reference: it would not fit into the argument
+    text,            ///< any text, a C string among them
+    object,          ///< a handle
+    host,            ///< an object of a host's class, null allowed
+    converted,       ///< an object whose `ObjectConversion` makes a value of it
+    pointer,         ///< any other; printed, never followed
 };
 
 class TextBuilder;
 
-/// What an `ObjectConversion` makes of an object, asked only when the argument is used.
+/// What an `ObjectConversion` makes of an object, asked only when the argument is used. One table for each
+/// type, in read-only memory.
 struct ArgumentConversion {
     NSObject (*object)(const void*);
     std::int64_t (*integer)(const void*); ///< null unless it is an enumerator
 };
 
-/// Defined with the handles.
+/// The value of the object. Defined with the handles, which this header does without.
 template <class T>
 NSObject convertedArgument(const void* object);
 
+/// The number of an enumerator, for the conversions of integers.
 template <class T>
 constexpr std::int64_t convertedEnumerator(const void* object) {
     return static_cast<std::int64_t>(*static_cast<const T*>(object));
 }
 
+/// `convertedEnumerator` for an enumeration, else a null pointer.
 template <class T>
 constexpr auto enumeratorReader() {
     if constexpr (std::is_enum_v<T>) {
@@ -52,6 +57,7 @@ constexpr auto enumeratorReader() {
     }
 }
 
+/// The table of a type.
 template <class T>
 inline constexpr ArgumentConversion argumentConversion{convertedArgument<T>, enumeratorReader<T>()};
 
@@ -59,10 +65,15 @@ inline constexpr ArgumentConversion argumentConversion{convertedArgument<T>, enu
 
 namespace ZQFoundation {
 
-/// One argument of a format call: its value or, for objects and texts, its address. Owns nothing.
+/// One argument of a format call: its value or, for objects and texts, its address. Owns nothing: what it
+/// refers to must live until the call returns, as a temporary in the same expression does.
+///
+///     const Argument arguments[] = {3, "items"};
+///     NSString::stringWithFormat_arguments("%d %s", {arguments, 2});  // "3 items"
 class Argument {
 public:
-    /// An integer, character, truth value or enumerator, widened to 64 bits by its own sign.
+    /// An integer, character, truth value or enumerator, widened to 64 bits by its own sign: the conversion
+    /// narrows it again to the width that its length modifier says, as in C.
     template <class T>
         requires((std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t)) ||
                  (std::is_enum_v<T> && !detail::Converted<T>))
@@ -72,11 +83,9 @@ public:
         } else if constexpr (std::is_signed_v<T>) {
             value_.integer = value;
             type_ = detail::ArgumentType::signedInteger;
-            bytes_ = sizeof(T);
         } else {
             value_.unsignedInteger = value;
             type_ = detail::ArgumentType::unsignedInteger;
-            bytes_ = sizeof(T);
         }
     }
 
@@ -88,17 +97,18 @@ public:
     /// A floating-point number, as a double.
     constexpr Argument(const float& value) noexcept : Argument(static_cast<double>(value)) {}
 
-    /// A floating-point number in full precision, by reference.
+    /// A floating-point number in full precision, by reference. Only "%Lf" and the like use the precision;
+    /// other conversions take the nearest double.
     constexpr Argument(const long double& value) noexcept : type_(detail::ArgumentType::longReal) {
         value_.longReal = &value;
     }
 
-    /// A null pointer.
+    /// A null pointer: "%p" gives "0x0", "%@" and "%s" give "(null)".
     constexpr Argument(std::nullptr_t) noexcept : type_(detail::ArgumentType::pointer) {
         value_.address = nullptr;
     }
 
-    /// A handle, by reference.
+    /// A handle, by reference, also a nil one.
     template <class T>
         requires std::is_base_of_v<NSObject, T>
     constexpr Argument(const T& handle) noexcept : type_(detail::ArgumentType::object) {
@@ -125,7 +135,8 @@ public:
         }
     }
 
-    /// An object of a host's class, by reference.
+    /// An object of a host's class, by reference. Its address is kept as the caller sees it, next to that of
+    /// its base class: they differ where the class has several bases.
     template <class T>
         requires(std::is_base_of_v<NSObjectProtocol, T> && !std::is_base_of_v<NSObject, T> &&
                  !detail::Converted<T>)
@@ -160,16 +171,14 @@ public:
     /// What the argument is; it decides which of the operations below may be called.
     constexpr detail::ArgumentType type() const noexcept { return type_; }
 
-    /// The width of an integer argument before it was widened, in bytes.
-    constexpr std::size_t integerBytes() const noexcept { return bytes_; }
-
-    /// The value of an integer argument, widened by its own sign.
+    /// The value of an integer argument, widened by its own sign. For one of the type `unsignedInteger` the
+    /// same bits are an unsigned number.
     constexpr std::int64_t integer() const noexcept { return value_.integer; }
 
     /// The value of a `real` argument.
     constexpr double real() const noexcept { return value_.real; }
 
-    /// The value of a `longReal` argument.
+    /// The value of a `longReal` argument, read where the caller holds it.
     constexpr long double longReal() const noexcept { return *value_.longReal; }
 
     /// The handle of an `object` argument.
@@ -187,7 +196,8 @@ public:
         return conversion.integer == nullptr ? 0 : conversion.integer(value_.converted.object);
     }
 
-    /// The whole text; of a C string, all up to its NUL.
+    /// Only for `text`: the whole text; of a C string, all up to its NUL, which is searched for at each call.
+    /// Nil for a null pointer.
     constexpr StringView text() const noexcept {
         switch (ending_) {
         case Ending::nulByte:
@@ -206,8 +216,9 @@ public:
                (ending_ == Ending::known && value_.text.form() == StringView::Form::utf16);
     }
 
-    /// The text as far as a conversion with a precision needs it: of a C string, at most `limit` bytes
-    /// (units) are read.
+    /// Only for `text`: the text as far as a conversion with a precision needs it. Of a C string, at most
+    /// `limit` bytes (units) are read, so "%.4s" is safe for a buffer of four characters without NUL.
+    /// SIZE_MAX: the whole text.
     StringView textUpTo(std::size_t limit) const noexcept {
         if (limit == SIZE_MAX) {
             return text();
@@ -229,18 +240,24 @@ public:
     }
 
 private:
+    /// Where the text ends: its length is known, or it ends at a zero byte or unit that has not been searched
+    /// for yet.
     enum class Ending : unsigned char { known, nulByte, nulUnit };
 
+    /// Of an object of a host's class.
     struct HostPlace {
         const NSObjectProtocol* object;
         const void* address;
     };
 
+    /// Of an object with an `ObjectConversion`: itself, and what reads it.
     struct ConvertedPlace {
         const void* object;
         const detail::ArgumentConversion* conversion;
     };
 
+    /// `type_` says which member is valid; of a text, `ending_` does. Trivial, so that arguments are packed
+    /// without a call.
     union Value {
         std::int64_t integer;
         std::uint64_t unsignedInteger;
@@ -256,6 +273,7 @@ private:
         constexpr Value() noexcept : integer(0) {}
     };
 
+    /// Never reads beyond `limit` units, unlike a search for the end.
     template <class Unit>
     static std::size_t lengthUpTo(const Unit* text, std::size_t limit) noexcept {
         std::size_t length = 0;
@@ -267,13 +285,14 @@ private:
 
     Value value_;
     detail::ArgumentType type_{};
-    unsigned char bytes_ = 0;
     Ending ending_ = Ending::known;
 };
 
-/// The started argument list: typed, non-owning, a view of arguments on the caller's stack.
+/// The started argument list: typed, non-owning, a view of arguments on the caller's stack. Two words; pass
+/// it by value, and do not keep it after the call that it was made for.
 class ArgumentList {
 public:
+    /// No arguments.
     constexpr ArgumentList() noexcept = default;
 
     /// The `count` arguments from there on, which the caller keeps alive.
@@ -295,7 +314,9 @@ private:
 
 namespace ZQFoundation::detail {
 
-/// The arguments of one variable-argument call, started. Lives on the caller's stack.
+/// The arguments of one variable-argument call, started. Lives on the caller's stack, in its full expression,
+/// so the arguments outlive it. Packing copies numbers, addresses and views of texts; nothing is described
+/// and nothing allocated.
 template <std::size_t count>
 class PackedArguments {
 public:
@@ -306,12 +327,14 @@ public:
                       "an argument of a format is a number, a text, a value, an object or a pointer; for any "
                       "other type specialize ZQFoundation::ObjectConversion");
     }
+    /// Valid as long as this object and the arguments themselves.
     constexpr ArgumentList list() const noexcept { return {arguments_, count}; }
 
 private:
     Argument arguments_[count];
 };
 
+/// Without arguments there is no array: one of no elements is not allowed.
 template <>
 class PackedArguments<0> {
 public:

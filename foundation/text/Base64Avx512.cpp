@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Base64 by AVX-512.
+// These instructions look up 64 entries at once, so the alphabet is a table here, and masks let loads and
+// stores end anywhere, so that not even the last groups need plain code.
 #include "foundation/text/Base64Codec.h"
 
 #if defined(__x86_64__)
@@ -19,6 +21,7 @@ namespace ZQFoundation::detail::base64 {
 namespace {
 
 /// A line's 48 bytes, and every block's.
+/// 64 characters come from 48 bytes, so a register of bytes is filled to three quarters.
 constexpr __mmask64 blockBytes = 0x0000FFFFFFFFFFFF;
 
 struct alignas(64) Table {
@@ -36,6 +39,7 @@ constexpr Table groupsOfFour = [] {
 }();
 
 /// The three bytes of each group of four, first byte first.
+/// The packed number has its lowest byte first, so the order within a group is reversed.
 constexpr Table groupsOfThree = [] {
     Table table{};
     for (unsigned i = 0; i < 48; ++i) {
@@ -53,6 +57,7 @@ constexpr Table characters = [] {
 }();
 
 /// Half of the decoding table; the uppermost bit marks foreign bytes.
+/// A look-up in two tables covers 128 bytes; bytes from 0x80 up are found by their own uppermost bit.
 constexpr Table valuesFrom(unsigned first) {
     Table table{};
     for (unsigned i = 0; i < 64; ++i) {
@@ -80,6 +85,8 @@ ZQ_AVX512 void encodeGroups(Encoding& state, const std::uint8_t* limit) noexcept
     const __m512i order = loaded(groupsOfFour);
     const __m512i text = loaded(characters);
     // From where in its 64 bits each byte of a result takes its six bits.
+    // The group is the bytes 1 0 2 1, whose bits the four shifts 10, 4, 22 and 16 pick out, once in each
+    // half.
     const __m512i shifts = _mm512_set1_epi64(0x3036242A1016040A);
     Encoding now =
         state; // bytes that are stored could be those of `state` itself, for all the compiler knows
@@ -90,6 +97,7 @@ ZQ_AVX512 void encodeGroups(Encoding& state, const std::uint8_t* limit) noexcept
         const __m512i values = _mm512_multishift_epi64_epi8(shifts, groups);
         _mm512_storeu_si512(now.output, _mm512_permutexvar_epi8(values, text));
     }
+    // The same step once more with masks: nothing is read or written beyond the ends.
     if (const auto groups = static_cast<unsigned>(limit - now.input) / 3; groups != 0) {
         const __m512i bytes = _mm512_maskz_loadu_epi8(firstBytes(3 * groups), now.input);
         const __m512i values = _mm512_multishift_epi64_epi8(shifts, _mm512_permutexvar_epi8(order, bytes));
@@ -105,6 +113,7 @@ ZQ_AVX512 void encodeLines(Encoding& state) noexcept {
     const __m512i text = loaded(characters);
     const __m512i shifts = _mm512_set1_epi64(0x3036242A1016040A);
     Encoding now = state;
+    // 64, because the load is not masked.
     for (; now.inputEnd - now.input >= 64; now.input += 48, now.output += 66) {
         const __m512i groups = _mm512_permutexvar_epi8(order, _mm512_loadu_si512(now.input));
         const __m512i values = _mm512_multishift_epi64_epi8(shifts, groups);
@@ -117,13 +126,17 @@ ZQ_AVX512 void encodeLines(Encoding& state) noexcept {
 
 /// Goes over a stretch with foreign bytes in it: first all values of the stretch, moved together, then the
 /// groups that they make. A cut in the middle of a group leaves its values pending.
+/// Rare, so it is kept out of the fast loop.
 ZQ_AVX512 __attribute__((noinline)) void decodeBroken(Decoding& now) noexcept {
     const __m512i lower = loaded(lowerValues);
     const __m512i upper = loaded(upperValues);
     const __m512i order = loaded(groupsOfThree);
     constexpr std::size_t blocks = 32;
+    // Each block stores 64 bytes, however few values it has, so the last one may reach one block further.
     alignas(64) std::uint8_t values[(blocks + 1) * 64];
     std::size_t count = 0;
+    // More than 64, so that at least one byte is left: whether only foreign bytes follow is decided by the
+    // plain pass.
     for (std::size_t i = 0; i < blocks && now.inputEnd - now.input > 64; ++i, now.input += 64) {
         const __m512i text = _mm512_loadu_si512(now.input);
         const __m512i found = _mm512_permutex2var_epi8(lower, text, upper);
@@ -132,6 +145,7 @@ ZQ_AVX512 __attribute__((noinline)) void decodeBroken(Decoding& now) noexcept {
         count += static_cast<unsigned>(std::popcount(static_cast<std::uint64_t>(good)));
     }
     std::size_t at = 0;
+    // Three quarters of a register, in two stores, since a buffer may end right there.
     for (; count - at >= 64; at += 64, now.output += 48) {
         const __m512i bytes = packed(_mm512_load_si512(values + at), order);
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(now.output), _mm512_castsi512_si256(bytes));
@@ -142,6 +156,7 @@ ZQ_AVX512 __attribute__((noinline)) void decodeBroken(Decoding& now) noexcept {
                             packed(_mm512_load_si512(values + at), order));
     now.output += 3 * groups;
     at += 4 * groups;
+    // At most three. The caller's pass completes their group with what follows.
     while (at < count) {
         now.pending[now.pendingCount++] = values[at++];
     }
@@ -155,10 +170,13 @@ ZQ_AVX512 inline void decodeEnd(Decoding& state, __m512i lower, __m512i upper, _
     const __m512i values = _mm512_permutex2var_epi8(lower, text, upper);
     const std::uint64_t others = _mm512_movepi8_mask(_mm512_or_si512(values, text)) | ~present;
     const auto count = static_cast<unsigned>(std::countr_zero(others));
+    // Whole groups; a group cut by a foreign byte is left to the plain pass.
     unsigned bytes = count / 4 * 3;
     unsigned taken = count & ~3U;
     // Nothing but foreign bytes follows a group begun: that is all.
     if (count % 4 != 0 && others >> count == ~std::uint64_t{0} >> count) {
+        // Values without a partner give one byte less than their number: two give one byte, three give two,
+        // one gives none.
         bytes += count % 4 - 1;
         taken = left;
     }
@@ -190,12 +208,15 @@ ZQ_AVX512 void decodeGroups(Decoding& state) noexcept {
                 input += 1;
                 continue;
             }
+            // With 64 bytes left, all of the rest is in this block, and its last bytes may be foreign: for
+            // the plain pass.
             if (end - input == 64) {
                 break;
             }
             state.input = input;
             state.output = output;
             decodeBroken(state);
+            // A group is begun, which only the plain pass continues.
             if (state.pendingCount != 0) {
                 return;
             }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Base64 in plain C++, and the choice of the best form for the processor.
+// The plain codec also takes over where the others stop, so its table and loops decide about special cases.
 #include "foundation/text/Base64Codec.h"
 
 #include <algorithm>
@@ -31,6 +32,7 @@ void encodePlainGroups(Encoding& state, const std::uint8_t* limit) noexcept {
 }
 
 /// The one or two bytes that no group of three takes.
+/// Missing bytes count as 0, and "=" fills the group.
 char* encodeRest(const std::uint8_t* bytes, std::size_t count, char* text) noexcept {
     if (count == 0) {
         return text;
@@ -52,12 +54,14 @@ inline void decodeGroup(const std::uint8_t* values, std::uint8_t* bytes) noexcep
 }
 
 /// Groups without a foreign byte in them.
+/// A foreign byte in a group ends the loop before that group, and a pass takes over.
 void decodePlainGroups(Decoding& state) noexcept {
     while (state.inputEnd - state.input >= 4) {
         std::uint8_t values[4];
         for (int i = 0; i < 4; ++i) {
             values[i] = valueOfByte[state.input[i]];
         }
+        // Bit 6 is set in `foreign` and in no value.
         if (((values[0] | values[1] | values[2] | values[3]) & 64U) != 0) {
             return;
         }
@@ -68,6 +72,7 @@ void decodePlainGroups(Decoding& state) noexcept {
 }
 
 /// One pass: collects up to four values, over foreign bytes, and writes what they spell. The count collected.
+/// The slow way, which copes with anything: it is taken for one group, and then the fast loops go on.
 int decodePass(Decoding& state) noexcept {
     std::uint8_t values[4] = {};
     int count = std::exchange(state.pendingCount, 0);
@@ -82,12 +87,14 @@ int decodePass(Decoding& state) noexcept {
     }
     std::uint8_t bytes[3];
     decodeGroup(values, bytes);
+    // A group of n values gives n - 1 bytes, also an incomplete one at the end.
     for (int i = 0; i + 1 < count; ++i) {
         *state.output++ = bytes[i];
     }
     return count;
 }
 
+// Without vectors there is no gain in treating whole lines separately.
 void encodeNoLines(Encoding&) noexcept {}
 
 constexpr Codec plainCodec{"plain", encodePlainGroups, encodeNoLines, decodePlainGroups};
@@ -95,6 +102,8 @@ constexpr Codec plainCodec{"plain", encodePlainGroups, encodeNoLines, decodePlai
 #if defined(__x86_64__)
 
 /// What the operating system saves of the vector registers: bits of the register XCR0.
+/// The processor may have registers that the system does not save when it switches threads; using those
+/// would corrupt data.
 unsigned savedRegisters() noexcept {
     unsigned low = 0;
     unsigned high = 0;
@@ -109,6 +118,8 @@ struct Features {
 };
 
 Features processorFeatures() noexcept {
+    // Positions of bits as the processor's manual gives them: OSXSAVE; SSE and AVX state; with those of
+    // AVX-512.
     constexpr unsigned osSavesVectors = 1U << 27U;
     constexpr unsigned halfRegisters = 0x06;
     constexpr unsigned fullRegisters = 0xE6;
@@ -125,6 +136,7 @@ Features processorFeatures() noexcept {
     if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & osSavesVectors) == 0) {
         return found;
     }
+    // Only now: the instruction is itself invalid where the previous bit is not set.
     const unsigned saved = savedRegisters();
     if (__get_cpuid_count(7, 0, &a, &b, &c, &d) == 0) {
         return found;
@@ -164,6 +176,7 @@ Codecs findCodecs() noexcept { return {&plainCodec}; }
 
 #endif
 
+/// Relaxed, because the codecs themselves are constants.
 constinit std::atomic<const Codec*> chosen{nullptr};
 
 } // namespace
@@ -185,6 +198,8 @@ const Codec& codec() noexcept {
     return *known;
 }
 
+// Vector loops first. Without line breaks, one call takes nearly everything; with them, whole lines first,
+// and then the last line.
 char* encode(const Codec& codec, const std::uint8_t* input, std::size_t count, bool separateLines,
              char* output) noexcept {
     Encoding state{input, input + count, output};
@@ -193,6 +208,7 @@ char* encode(const Codec& codec, const std::uint8_t* input, std::size_t count, b
     }
     for (;;) {
         const auto left = static_cast<std::size_t>(state.inputEnd - state.input);
+        // The last line has no break after it.
         const bool isLast = !separateLines || left <= bytesOfLine;
         const std::uint8_t* const limit = state.input + (isLast ? left : bytesOfLine);
         codec.encodeGroups(state, limit);
@@ -210,12 +226,14 @@ std::uint64_t decode(const Codec& codec, const std::uint8_t* input, std::size_t 
                      std::uint8_t* output) noexcept {
     Decoding state{input, input + count, output, output + (count + 3) / 4 * 3};
     std::uint64_t lost = 0;
+    // Fast and slow alternate: a fast loop ends at a broken group or near the end, where one pass goes on.
     while (state.input != state.inputEnd) {
         codec.decodeGroups(state);
         if (state.pendingCount == 0) {
             decodePlainGroups(state);
         }
         // A pass that finds nothing takes one byte off the length.
+        // That is how the length has always been reported for such input, and callers may rely on it.
         if (state.input != state.inputEnd && decodePass(state) == 0) {
             lost = 1;
         }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Encodings of one byte per character, as tables.
+// For each encoding two directions: an array of 256 units, and from units to bytes by pages, because a table
+// of all 65,536 units would take 128 KiB for each encoding.
 #include "foundation/text/ByteTable.h"
 
 #include <type_traits>
@@ -8,11 +10,13 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+// An ASCII byte and a UTF-16 unit alike as a number.
 template <class Unit>
 char16_t widened(Unit unit) noexcept {
     return static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
 }
 
+// The result is checked once at the end: -1 has all bits set, and a loop without a branch is vectorized.
 template <class Unit>
 bool writeBytes(const ByteTable& table, const Unit* units, std::size_t count, char* out) noexcept {
     int all = 0;
@@ -36,6 +40,7 @@ bool holdsAll(const ByteTable& table, const Unit* units, std::size_t count) noex
 } // namespace
 
 ByteTable::ByteTable(const Units& units) : units_(units) {
+    // Page 0 is shared by all that have no byte, so a look-up needs no test.
     Page empty;
     empty.fill(-1);
     pages_.push_back(empty);
@@ -50,6 +55,7 @@ ByteTable::ByteTable(const Units& units) : units_(units) {
             number = static_cast<std::uint16_t>(pages_.size());
             pages_.push_back(empty);
         }
+        // Later bytes of the same unit are read, but never written.
         std::int16_t& place = pages_[number][unit & 0xFF];
         place = place < 0 ? static_cast<std::int16_t>(byte) : place;
     }

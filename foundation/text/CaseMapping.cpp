@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Maps case and decomposes canonically, by Unicode's tables.
+// The tables are generated, in two levels: most blocks of code points are alike and are stored once.
 #include "foundation/text/CaseMapping.h"
 
 #include <cstddef>
@@ -29,6 +30,7 @@ constexpr char32_t beforeFirstTrailing = 0x11A7;
 constexpr char32_t vowelCount = 21;
 constexpr char32_t trailingCount = 28; // with "none" as the first
 
+// The one look-up for all tables. From the limit up, no code point has an entry.
 template <class Block, class Value>
 inline Value lookUp(char32_t codePoint, char32_t limit, unsigned shift, const Block* blocks,
                     const Value* values) {
@@ -45,6 +47,8 @@ inline const CaseRecord& recordOf(char32_t codePoint) {
                               caseRecordValues)];
 }
 
+// Nearly all mappings are a distance shared by a whole alphabet, so few records suffice; the others are
+// spelled out in the pool. No mapping is longer than three, which two bits hold.
 unsigned applyMapping(char32_t codePoint, std::int32_t mapping, char32_t* out) {
     if (mapping < casePoolMarker) {
         out[0] = codePoint + static_cast<char32_t>(mapping);
@@ -59,6 +63,7 @@ unsigned applyMapping(char32_t codePoint, std::int32_t mapping, char32_t* out) {
     return length;
 }
 
+// By the arithmetic of the Unicode standard: syllables are numbered by their three parts.
 unsigned decomposeSyllable(char32_t index, char32_t* out) {
     const char32_t trailing = index % trailingCount;
     const char32_t pair = index / trailingCount;
@@ -86,6 +91,7 @@ unsigned foldCase(char32_t codePoint, char32_t out[3]) noexcept {
 }
 
 unsigned canonicalDecomposition(char32_t codePoint, char32_t out[4]) noexcept {
+    // Unsigned: below the first syllable the difference is huge.
     if (codePoint - firstSyllable < syllableCount) {
         return decomposeSyllable(codePoint - firstSyllable, out);
     }
@@ -95,6 +101,7 @@ unsigned canonicalDecomposition(char32_t codePoint, char32_t out[4]) noexcept {
         return 0;
     }
     const char16_t* from = decompositionPool + place;
+    // The pool holds UTF-16, with the length in code points before each entry.
     const unsigned length = *from++;
     for (unsigned i = 0; i < length; ++i) {
         const char32_t unit = *from++;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Looks up Unicode's general categories.
+// Three levels: planes, pages of 256, blocks within pages. Equal ones are stored once at each level.
 #include "foundation/text/CharacterCategories.h"
 
 #include <cstddef>
@@ -35,6 +36,7 @@ GeneralCategory generalCategory(char32_t codePoint) noexcept {
     return static_cast<GeneralCategory>(valueInPage(categoryPageNumber(codePoint), codePoint & pageMask));
 }
 
+// Works on the pages that differ instead of on a million code points.
 void markCategories(CategoryMask categories, std::array<std::uint64_t, 4>* bits) noexcept {
     static_assert(categoryShift <= 6, "a block lies within one word");
     constexpr unsigned blockLength = 1U << categoryShift;
@@ -47,6 +49,7 @@ void markCategories(CategoryMask categories, std::array<std::uint64_t, 4>* bits)
     for (std::size_t i = 0; i < std::size(categoryBlocks); ++i) {
         const std::size_t place = i * blockLength;
         std::uint64_t& word = bits[place >> pageShift][place >> 6 & 3];
+        // The first block of a word clears what the caller had in it.
         word = (place & 63) == 0 ? 0 : word;
         word |= blockBits[categoryBlocks[i]] << (place & 63);
     }

@@ -16,7 +16,8 @@
 #include <ZQFoundation-needs-64-bits>
 #endif
 
-/// Marks what the shared library exports; everything else stays hidden.
+/// Marks what the shared library exports; everything else stays hidden. Hosts need not use it: it has the
+/// same value for those who build the library and those who include it.
 #define ZQFOUNDATION_EXPORT __attribute__((visibility("default")))
 
 #endif

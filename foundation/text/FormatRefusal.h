@@ -9,13 +9,23 @@
 // constant expression, so the compiler shows the name of that function and its template arguments: the
 // conversion's letter and the argument's number and type. The call on the way there names the conversion's
 // number. Both matter: with stars and positions the two numbers differ.
+//
+// For `NSString::stringWithFormat("%d of %@", name, 3)` the message contains, in the compiler's own
+// layout,
+//
+//     conversion_number<1>::is_wrong
+//     format_conversion_requires_an_integer, conversion<'d'>, argument<1, NSString>
+//
+// A `static_assert` cannot do this: its text is fixed, and inside the function the format is not a constant.
+// Names are lower case with underscores because they are sentences of a message.
 namespace ZQFoundation::detail {
 
-/// The conversion with that letter.
+/// The conversion with that letter. Never defined, as the other names of a message: only its spelling is
+/// shown.
 template <char letter>
 struct conversion;
 
-/// The conversion to write instead, without its "%".
+/// The conversion to write instead, without its "%": `write_instead<'l', 'd'>` is "%ld".
 template <char... letters>
 struct write_instead;
 
@@ -28,52 +38,68 @@ struct argument;
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wundefined-internal"
 #endif
+/// "%d", "%x", "%c" and the like, for anything but an integer, a character, a `bool` or an enumerator.
 template <class Conversion, class Argument>
 void format_conversion_requires_an_integer();
+/// "%f", "%e", "%g" and "%a", for anything but a floating-point number: an integer is not converted.
 template <class Conversion, class Argument>
 void format_conversion_requires_a_real_number();
+/// "%s", for anything but a text of bytes or an NSString.
 template <class Conversion, class Argument>
 void format_conversion_requires_a_text_of_char();
+/// "%S", for anything but a text of UTF-16 units or an NSString.
 template <class Conversion, class Argument>
 void format_conversion_requires_a_text_of_char16_t();
+/// "%@", for a type that is no value, no text, no host object, and has no conversion to one.
 template <class Conversion, class Argument>
 void format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion();
+/// "%p", for anything but a pointer.
 template <class Conversion, class Argument>
 void format_conversion_requires_a_pointer();
+/// The number has more bits than the conversion keeps: "%d" for a `std::size_t`.
 template <class Conversion, class Argument, class Write>
 void format_conversion_would_cut_the_argument();
+/// A width or precision "*" takes an argument that is not an integer.
 template <class Argument>
 void format_star_requires_an_integer();
+/// There are more arguments than the conversions take.
 template <class Argument>
 void format_does_not_use_the_argument();
+/// There are fewer arguments than the conversions take.
 template <class Conversion>
 void format_has_no_argument_for_the_conversion();
+/// There is no argument for a "*".
 void format_has_no_argument_for_the_star();
+/// A letter that is no conversion, as in "%y"; a percent sign is written "%%".
 void format_has_an_unknown_conversion();
+/// "%n" would store through a pointer; it is refused even with one.
 void format_conversion_n_is_not_supported();
+/// The format ends after "%" and perhaps some modifiers: "100%".
 void format_ends_inside_a_conversion();
+/// "%1$@ %@": either all conversions and stars have positions, or none.
 void format_mixes_numbered_and_unnumbered_arguments();
 #ifdef __clang__
 #pragma clang diagnostic pop
 #endif
 
-/// One of these.
+/// One of these. A pointer, so that the one that fits can be chosen by ordinary code before the call that
+/// fails.
 using FormatRefusal = void (*)();
 
 /// The first thing that is wrong with a format; the kinds from `wrongArgument` on concern an argument.
 struct FormatFault {
     enum class Kind : unsigned char {
-        none,
-        cutOff,
-        unknownLetter,
-        letterN,
-        mixedNumbering,
-        missingArgument,
-        missingStar,
-        wrongArgument,
-        cutArgument,
-        wrongStar,
-        unusedArgument,
+        none,            ///< the format suits the arguments
+        cutOff,          ///< it ends inside a conversion
+        unknownLetter,   ///< no conversion has this letter
+        letterN,         ///< "%n"
+        mixedNumbering,  ///< "%1$@ %@"
+        missingArgument, ///< too few arguments
+        missingStar,     ///< too few, and a "*" lacks one
+        wrongArgument,   ///< the conversion does not take its type
+        cutArgument,     ///< the conversion would cut it
+        wrongStar,       ///< a "*" takes it, and it is no integer
+        unusedArgument,  ///< too many arguments
     };
 
     Kind kind = Kind::none;
@@ -83,7 +109,8 @@ struct FormatFault {
     std::size_t bytes = 0;      ///< of the argument, when it is a number
 };
 
-/// Why the letter does not take the argument.
+/// Why the letter does not take the argument. A letter is a template argument of the message, so each needs
+/// its own line: a number known only to the check cannot become one otherwise.
 template <class Argument>
 constexpr FormatRefusal formatRefusalOfArgument(char16_t letter) {
     switch (letter) {
@@ -131,7 +158,8 @@ constexpr FormatRefusal formatRefusalOfArgument(char16_t letter) {
     }
 }
 
-/// A number of that many bytes would be cut. Where no character holds it, its number can be written.
+/// A number of that many bytes would be cut, and the message says which conversion keeps it whole: "%hd" for
+/// 2 bytes, "%d" for 4, "%ld" for 8, "%Lf" for more. Where no character holds it, its number can be written.
 template <class Argument, char letter>
 constexpr FormatRefusal formatRefusalOfCut(std::size_t bytes) {
     using Found = conversion<letter>;
@@ -149,6 +177,7 @@ constexpr FormatRefusal formatRefusalOfCut(std::size_t bytes) {
     }
 }
 
+/// The same for a letter that only the check knows: it is compared with all that can cut.
 template <class Argument, char... letters>
 constexpr FormatRefusal formatRefusalOfCut(const FormatFault& fault) {
     FormatRefusal refusal = nullptr;
@@ -158,6 +187,7 @@ constexpr FormatRefusal formatRefusalOfCut(const FormatFault& fault) {
     return refusal;
 }
 
+/// What is wrong with an argument, by the kind of the fault.
 template <class Argument>
 constexpr FormatRefusal formatRefusalOfArgument(const FormatFault& fault) {
     switch (fault.kind) {
@@ -250,6 +280,8 @@ struct FormatNumbersUpTo<0, numbers...> {
 };
 /// @endcond
 
+/// The function that names the fault. The fault has the argument's number; its type is found by comparing
+/// that with all numbers, because a parameter pack cannot be indexed by a run-time number.
 template <class... Arguments, std::size_t... numbers>
 constexpr FormatRefusal formatRefusalOf(const FormatFault& fault, FormatNumbers<numbers...>) {
     FormatRefusal refusal = nullptr;
@@ -261,13 +293,15 @@ constexpr FormatRefusal formatRefusalOf(const FormatFault& fault, FormatNumbers<
     return refusal == nullptr ? formatRefusalOfFormat(fault) : refusal;
 }
 
-/// The way to the message, which names the conversion's number.
+/// The way to the message, which names the conversion's number: the compiler lists the calls that led to the
+/// one that fails.
 template <std::size_t number>
 struct conversion_number {
     static constexpr void is_wrong(FormatRefusal refusal) { refusal(); }
 };
 
-/// 0: the fault is in no conversion.
+/// Calls the function, which ends the compilation. From the tenth conversion on the message does not say
+/// which one it is; 0 means that the fault is in no conversion.
 constexpr void refuseFormat(std::size_t conversion, FormatRefusal refusal) {
     switch (conversion) {
     case 1:

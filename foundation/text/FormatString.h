@@ -9,16 +9,17 @@
 
 namespace ZQFoundation::detail {
 
-/// What the conversions ask for; an argument may serve several.
+/// What the conversions ask for; an argument may serve several. A sum of the numbers below.
 using FormatNeeds = unsigned char;
-inline constexpr FormatNeeds formatInteger = 1;
-inline constexpr FormatNeeds formatReal = 2;
-inline constexpr FormatNeeds formatBytes = 4;
-inline constexpr FormatNeeds formatUnits = 8;
-inline constexpr FormatNeeds formatObject = 16;
-inline constexpr FormatNeeds formatPointer = 32;
+inline constexpr FormatNeeds formatInteger = 1;  ///< d i u o x X c C, and a star
+inline constexpr FormatNeeds formatReal = 2;     ///< e E f F g G a A
+inline constexpr FormatNeeds formatBytes = 4;    ///< s
+inline constexpr FormatNeeds formatUnits = 8;    ///< S
+inline constexpr FormatNeeds formatObject = 16;  ///< @
+inline constexpr FormatNeeds formatPointer = 32; ///< p
 
-/// What an argument of type T serves; nothing for a type that no conversion takes.
+/// What an argument of type T serves; nothing for a type that no conversion takes. The order of the tests
+/// matters: a host's own conversion comes first, and an enumeration with one is still an integer too.
 template <class T>
 constexpr FormatNeeds formatNeedsServedBy() noexcept {
     using Decayed = std::decay_t<T>;
@@ -48,12 +49,13 @@ constexpr FormatNeeds formatNeedsServedBy() noexcept {
     }
 }
 
-/// What an argument serves, and how many bytes its number has.
+/// What an argument serves, and how many bytes its number has: 0 for what is no number, which nothing cuts.
 struct FormatService {
     FormatNeeds needs = 0;
     unsigned char bytes = 0;
 };
 
+/// Both for a type.
 template <class T>
 constexpr FormatService formatServiceOf() noexcept {
     if constexpr (std::is_integral_v<T> || std::is_enum_v<T> || std::is_floating_point_v<T>) {
@@ -88,13 +90,16 @@ constexpr std::size_t formatBytesKeptBy(const FormatConversion& conversion, Form
     }
 }
 
-/// The check of one literal format against what its arguments serve.
+/// The check of one literal format against what its arguments serve. It uses the parser that formats at run
+/// time, so the two agree on what a conversion is. `used` has an element for each argument, all false at
+/// first.
 class FormatCheck {
 public:
     constexpr FormatCheck(const FormatService* served, bool* used, std::size_t count)
         : served_(served), used_(used), count_(count) {}
 
-    /// The first thing that is wrong.
+    /// The first thing that is wrong. An unused argument is looked for last, because a wrong conversion often
+    /// causes one.
     template <class Unit>
     constexpr FormatFault run(const Unit* at, const Unit* end) {
         while (at != end && fault_.kind == FormatFault::Kind::none) {
@@ -113,6 +118,7 @@ public:
 private:
     using Kind = FormatFault::Kind;
 
+    /// What a class of conversions asks of its argument.
     static constexpr FormatNeeds needOf(FormatClass wanted) {
         switch (wanted) {
         case FormatClass::object:
@@ -134,13 +140,15 @@ private:
         }
     }
 
-    /// Keeps the first fault.
+    /// Keeps the first fault: later ones are usually consequences of it.
     constexpr void note(Kind kind, std::size_t argument = 0) {
         if (fault_.kind == Kind::none) {
             fault_ = {kind, letter_, conversions_, argument};
         }
     }
 
+    /// Takes the arguments of one conversion, in the order in which they are consumed: width, precision,
+    /// value. "%%" is no conversion and does not count.
     constexpr void take(const FormatConversion& found) {
         const FormatClass wanted = formatClassOf(found.letter);
         if (wanted == FormatClass::percentSign) {
@@ -161,6 +169,7 @@ private:
         }
     }
 
+    /// A width or precision takes an argument only if it is a star.
     constexpr void takeField(const FormatField& field) {
         if (field.source != FormatField::Source::absent && field.source != FormatField::Source::digits) {
             take(field.value, formatInteger, Kind::wrongStar);
@@ -196,6 +205,7 @@ private:
         }
     }
 
+    /// Whether the conversions so far have positions; `open` before the first one.
     enum class Numbering : unsigned char { open, none, all };
 
     const FormatService* served_;
@@ -227,16 +237,28 @@ namespace ZQFoundation {
 /// that implements NSObjectProtocol and any type with an `ObjectConversion`; `p` any pointer. A null pointer
 /// constant serves the last four.
 ///
-/// No conversion cuts its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` 8, and a
-/// `long double` is for `%Lf`. `%c` and `%C` take characters and, as in C, an `int` that holds one.
+/// No conversion cuts its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` 8, and a `long
+/// double` is for `%Lf`. `%c` and `%C` take characters and, as in C, an `int` that holds one.
 ///
 /// A format that is known only at run time is an NSString (or a StringView); nothing is checked before it is
 /// used, and every misfit has a defined result: a conversion then takes of its argument what fits. A nil
 /// format is nullptr or a nil string.
+///
+///     const NSString format = table.localizedStringForKey_value_table("%d items", "", nullptr);
+///     NSString::stringWithFormat(format, 3);              // checked by nobody, and harmless whatever it is
+///
+/// Owns nothing: the literal or string must live until the call returns. A function of a host's own that
+/// takes a format declares it as the library does, with `std::type_identity_t`, so that the arguments alone
+/// decide the types:
+///
+///     template <class... Arguments>
+///     void say(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+///         ZQLog::logWithFormat(format, arguments...);
+///     }
 template <class... Arguments>
 class FormatString {
 public:
-    /// A literal, checked against the arguments when the program is compiled.
+    /// A literal of UTF-8, up to its first NUL, checked against the arguments when the program is compiled.
     template <std::size_t size>
     consteval FormatString(const char (&literal)[size]) : text_(viewOf(literal, lengthOf(literal))) {
         checked(literal, lengthOf(literal));
@@ -247,6 +269,7 @@ public:
     consteval FormatString(const char16_t (&literal)[size]) : text_(literal, lengthOf(literal)) {
         checked(literal, lengthOf(literal));
     }
+    /// A nil format: a log call writes nothing, `stringWithFormat` raises.
     constexpr FormatString(std::nullptr_t) noexcept {}
 
     /// A format known only at run time, which nothing checks before it is used.
@@ -272,6 +295,7 @@ private:
         return length;
     }
 
+    /// A literal known to be ASCII is appended without a check at run time.
     static consteval StringView viewOf(const char* literal, std::size_t size) {
         for (std::size_t i = 0; i < size; ++i) {
             if (static_cast<unsigned char>(literal[i]) > 0x7F) {
@@ -281,6 +305,8 @@ private:
         return StringView::ascii(literal, size);
     }
 
+    /// Ends the compilation for a wrong format. It is called from constructors that are `consteval`, so no
+    /// check is left at run time.
     template <class Unit>
     static constexpr void checked(const Unit* literal, std::size_t size) {
         // Not consteval: clang 14 would evaluate calls between such functions too early. One more than there

@@ -15,24 +15,27 @@
 //     length      hh  h  l  ll  q  z  t  j  L
 //
 // One reader serves both sides: the check of a literal when the program is compiled and the formatting
-// itself.
+// itself. So it is a header, works on bytes and on units alike, and allocates nothing. Every text is a
+// format: a unit that is no letter of a conversion comes out as its letter, and the caller decides.
 namespace ZQFoundation::detail {
 
+/// How many bits a conversion keeps of its argument. Several modifiers mean the same here, where `long` has
+/// 64 bits: "l", "ll", "q", "z", "t" and "j" are all `bits64`; none is `bits32`.
 enum class FormatLength : unsigned char { bits32, bits8, bits16, bits64, longDouble };
 
 /// A width or a precision.
 struct FormatField {
     enum class Source : unsigned char {
-        absent,
+        absent,           ///< not written: no minimum width, the usual precision
         digits,           ///< `value` itself, digits beyond the range of int read as INT_MAX
         nextArgument,     ///< the next argument in the list
         numberedArgument, ///< argument number `value`
     };
-    Source source = Source::absent;
-    int value = 0;
+    Source source = Source::absent; ///< where the number comes from
+    int value = 0;                  ///< the number, or that of the argument that has it
 };
 
-/// The flags of a conversion, a sum of these.
+/// The flags of a conversion, a sum of these; each may be repeated.
 using FormatFlags = unsigned char;
 inline constexpr FormatFlags formatLeftJustified = 1; ///< "-"
 inline constexpr FormatFlags formatPlus = 2;          ///< "+"
@@ -40,31 +43,33 @@ inline constexpr FormatFlags formatBlank = 4;         ///< " "
 inline constexpr FormatFlags formatZero = 8;          ///< "0"
 inline constexpr FormatFlags formatAlternate = 16;    ///< "#"
 
+/// One conversion as it is written, not yet carried out: "%-*2$.3ld" and the like.
 struct FormatConversion {
-    FormatFlags flags = 0;
-    bool isCutOff = false; ///< the text ended before the letter
-    FormatLength length = FormatLength::bits32;
-    char16_t letter = 0;
-    int position = 0; ///< n of n$, 0 for the next argument
-    FormatField width;
-    FormatField precision;
+    FormatFlags flags = 0;                      ///< 0 for none
+    bool isCutOff = false;                      ///< the text ended before the letter
+    FormatLength length = FormatLength::bits32; ///< as the modifiers say
+    char16_t letter = 0;                        ///< what follows the modifiers; 0 if the text ended
+    int position = 0;                           ///< n of n$, 0 for the next argument
+    FormatField width;                          ///< a negative argument means left-justified
+    FormatField precision;                      ///< a negative argument means none
 };
 
-/// What a conversion's letter asks for.
+/// What a conversion's letter asks for; letters of one class differ in how they write the same argument.
 enum class FormatClass : unsigned char {
-    unknown,
-    object,
-    integer,
-    character,
-    real,
-    hexadecimalReal,
-    bytes,
-    units,
-    address,
-    percentSign,
-    nothing, ///< n
+    unknown,         ///< no conversion: the letter is text
+    object,          ///< @
+    integer,         ///< d i u o x X
+    character,       ///< c C
+    real,            ///< e E f F g G
+    hexadecimalReal, ///< a A
+    bytes,           ///< s
+    units,           ///< S
+    address,         ///< p
+    percentSign,     ///< %%, which takes no argument
+    nothing,         ///< n, which takes an argument and stores nothing
 };
 
+/// The class of a letter. Case matters: "%D" and "%U" are no conversions.
 constexpr FormatClass formatClassOf(char16_t letter) noexcept {
     switch (letter) {
     case u'@':
@@ -104,12 +109,14 @@ constexpr FormatClass formatClassOf(char16_t letter) noexcept {
     }
 }
 
+/// ASCII digits alone, whatever the locale.
 template <class Unit>
 constexpr bool isFormatDigit(Unit unit) noexcept {
     return unit >= Unit{'0'} && unit <= Unit{'9'};
 }
 
-/// Reads the digits at `at`, none giving 0, and moves past them.
+/// Reads the digits at `at`, none giving 0, and moves past them. Numbers beyond the range of int are INT_MAX,
+/// so no number of digits overflows.
 template <class Unit>
 constexpr int readFormatDigits(const Unit*& at, const Unit* end) noexcept {
     long long value = 0;
@@ -120,7 +127,8 @@ constexpr int readFormatDigits(const Unit*& at, const Unit* end) noexcept {
     return static_cast<int>(value);
 }
 
-/// Reads digits that "$" follows and moves past both; 0, and `at` as it was, for anything else.
+/// Reads digits that "$" follows and moves past both; 0, and `at` as it was, for anything else: "%5d" begins
+/// with a width. "0$" is no position.
 template <class Unit>
 constexpr int readFormatPosition(const Unit*& at, const Unit* end) noexcept {
     const Unit* behind = at;
@@ -132,6 +140,7 @@ constexpr int readFormatPosition(const Unit*& at, const Unit* end) noexcept {
     return position;
 }
 
+/// Reads a width or a precision: "*", "*2$" or digits, of which there may be none.
 template <class Unit>
 constexpr FormatField readFormatField(const Unit*& at, const Unit* end) noexcept {
     if (at == end || *at != Unit{'*'}) {
@@ -162,6 +171,7 @@ constexpr FormatFlags formatFlagOf(Unit unit) noexcept {
     }
 }
 
+/// Reads the length modifier, if there is one, and moves past it; `at` must not be the end.
 template <class Unit>
 constexpr FormatLength readFormatLength(const Unit*& at, const Unit* end) noexcept {
     const Unit unit = *at;
@@ -190,7 +200,8 @@ constexpr FormatLength readFormatLength(const Unit*& at, const Unit* end) noexce
     }
 }
 
-/// Reads what is between the '%' and the length, at least one unit.
+/// Reads what is between the '%' and the length, at least one unit. A position is looked for first: it begins
+/// with digits, as a width does, and ends with "$".
 template <class Unit>
 constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConversion& conversion) noexcept {
     if (isFormatDigit(*at)) {

@@ -10,10 +10,13 @@
 
 namespace ZQFoundation {
 
-/// The index of what was not found.
+/// The index of what was not found; larger than the index of any item.
+///
+///     if (text.rangeOfString("key").location == NSNotFound) ...
 inline constexpr std::size_t NSNotFound = static_cast<std::size_t>(INT64_MAX);
 
-/// A stretch of a sequence: of a string in units, of data in bytes.
+/// A stretch of a sequence: of a string in UTF-16 units, of data in bytes. Any two numbers make one; the
+/// operation that takes the range checks it against its sequence.
 struct NSRange {
     std::size_t location; ///< index of the first item
     std::size_t length;   ///< number of items

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads and writes numbers as text, whatever the locale.
+// Text of either width goes through the same templates; the widths differ only in which white space they
+// know.
 #include "foundation/text/NumberText.h"
 
 #include <bit>
@@ -24,6 +26,7 @@ constexpr bool isSign(Unit unit) {
     return unit == '+' || unit == '-';
 }
 
+// Bytes above 0x7F are parts of sequences, never white space by themselves.
 constexpr bool isWhiteSpace(char byte) { return byte == ' ' || (byte >= 0x09 && byte <= 0x0D); }
 
 constexpr bool isWhiteSpace(char16_t unit) {
@@ -67,11 +70,14 @@ Int readInteger(const Unit* text, std::size_t count) {
     std::uint64_t magnitude = 0;
     for (; at < count && isDigit(text[at]); ++at) {
         const auto digit = static_cast<std::uint64_t>(text[at] - '0');
+        // Checked before the multiplication, which could overflow. Saturated at once: the digits that follow
+        // cannot change that.
         if (magnitude > (limit - digit) / 10) {
             return negative ? Limits::min() : Limits::max();
         }
         magnitude = magnitude * 10 + digit;
     }
+    // In unsigned arithmetic, since the magnitude of the lowest value has no signed counterpart.
     return static_cast<Int>(negative ? 0 - magnitude : magnitude);
 }
 
@@ -104,6 +110,7 @@ std::size_t skipDigits(const Unit* text, std::size_t at, std::size_t count) {
 /// Reads 'e', a sign and digits at the end of what is there already; without digits nothing is taken.
 template <class Unit>
 void splitExponent(const Unit* text, std::size_t count, RealParts& parts) {
+    // An incomplete exponent, as in "1e" or "1e+", is not an error: the number ends before it.
     std::size_t at = parts.length;
     if (at == count || (text[at] != 'e' && text[at] != 'E')) {
         return;
@@ -118,6 +125,7 @@ void splitExponent(const Unit* text, std::size_t count, RealParts& parts) {
         return;
     }
     std::int64_t exponent = 0;
+    // Stops early, but `end` is known: all digits are taken, however many there are.
     for (; at < end && exponent < exponentLimit; ++at) {
         exponent = exponent * 10 + (text[at] - '0');
     }
@@ -174,6 +182,7 @@ struct Digits {
 
 template <class Unit>
 void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
+    // Digits beyond the decisive ones only matter by whether any of them is not 0: that decides a tie.
     bool restIsZero = true;
     digits.exponent = parts.exponent;
     for (std::size_t at = parts.digits; at < parts.digitsEnd; ++at) {
@@ -182,6 +191,8 @@ void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
         }
         const bool behindPoint = at > parts.point;
         const bool leadingZero = digits.length == 0 && text[at] == '0';
+        // A digit that is kept, or a leading zero, lowers the power of ten if it is after the point; one
+        // that is left out raises it if it is before the point.
         if (leadingZero || digits.length < decisiveDigits) {
             digits.exponent -= behindPoint ? 1 : 0;
         } else {
@@ -193,6 +204,7 @@ void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
             restIsZero = restIsZero && text[at] == '0';
         }
     }
+    // One more digit, 1, puts the number above the half-way point that the kept digits may be equal to.
     if (!restIsZero) {
         digits.text[digits.length++] = '1';
         --digits.exponent;
@@ -201,8 +213,11 @@ void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
 
 double convertDigits(Digits& digits) {
     if (digits.length == 0) {
+        // Zeros only. The sign is applied by the caller.
         return 0;
     }
+    // Where the first digit is: it alone decides for numbers that are far out of range, whose exponent may
+    // not fit the buffer.
     const std::int64_t magnitude = digits.exponent + static_cast<std::int64_t>(digits.length);
     double value = magnitude > 0 ? std::numeric_limits<double>::infinity() : 0;
     if (magnitude <= magnitudeLimit && magnitude >= -magnitudeLimit) {
@@ -218,6 +233,7 @@ double convertDigits(Digits& digits) {
 /// The common case: a short text within the range of a double. False if it is not that.
 template <class Unit>
 bool convertOrdinary(const Unit* text, std::size_t length, double& value) {
+    // The copy is on the stack, and longer texts are rare.
     if (length > ordinaryLength) {
         return false;
     }
@@ -251,6 +267,7 @@ double readReal(const Unit* text, std::size_t count) {
 
 // ---- Writing
 
+// Two digits at a time halve the number of divisions, which take most of the time.
 constexpr struct DigitPairs {
     char text[200];
     constexpr DigitPairs() : text() {
@@ -289,6 +306,7 @@ unsigned decimalLength(std::uint64_t value) {
     value |= 1; // zero has a digit too
     const auto bits = static_cast<unsigned>(std::bit_width(value));
     const unsigned estimate = bits * 1233 >> 12;
+    // The estimate is one too low or right, so one comparison corrects it.
     return estimate + (value >= powersOfTen[estimate] ? 1 : 0);
 }
 
@@ -366,6 +384,7 @@ char* writeInt64(std::int64_t value, char* out) noexcept {
     auto magnitude = static_cast<std::uint64_t>(value);
     if (value < 0) {
         *out++ = '-';
+        // In unsigned arithmetic this is right for the lowest value, too.
         magnitude = 0 - magnitude;
     }
     return writeUInt64(magnitude, out);

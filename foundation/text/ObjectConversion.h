@@ -19,8 +19,9 @@ class StringView;
 ///
 ///     template <>
 ///     struct ZQFoundation::ObjectConversion<Money> {
-///         static NSString object(const Money& money) { return NSString::stringWithFormat("%ld",
-///         money.cents); }
+///         static NSString object(const Money& money) {
+///             return NSString::stringWithFormat("%ld", money.cents);
+///         }
 ///     };
 ///
 ///     ZQLog::logWithFormat("paid %@", money);    // asked for its value only when the line is written
@@ -29,11 +30,12 @@ class StringView;
 /// A specialization has one of the first two members, and the third if values are to be converted back:
 ///
 /// - `static Handle object(const T&)` returns the value, of whatever handle.
-/// - `static StringView text(const T&)` returns a look at the text that the object itself holds; then the
-/// type
-///   is a text argument everywhere, and nothing is copied for it.
-/// - - `static T fromObject(const NSObject&)` is what `value.as<T>()` returns; nil and values of another kind
+/// - `static StringView text(const T&)` returns a view of the text that the object itself holds; then the
+///   type is a text argument everywhere, and nothing is copied for it.
+/// - `static T fromObject(const NSObject&)` is what `value.as<T>()` returns; nil and values of another kind
 ///   give what the type has for nothing.
+///
+/// The functions are called on the thread that uses the value, with no lock of the library held.
 ///
 /// Specialize it where the type is declared, so that every source of a program sees it.
 template <class T>
@@ -43,17 +45,19 @@ struct ObjectConversion;
 
 namespace ZQFoundation::detail {
 
-/// Types for which it is specialized.
+/// Types for which it is specialized: an unspecialized template has no size.
 template <class T>
 concept Converted = requires {
     sizeof(ObjectConversion<T>);
 };
 
+/// Types whose conversion returns a view of their text.
 template <class T>
 concept ConvertedText = Converted<T> && requires(const T& object) {
     { ObjectConversion<T>::text(object) } -> std::same_as<StringView>;
 };
 
+/// Types that values are converted back to by `as`.
 template <class T>
 concept ConvertedBack = Converted<T> && requires(const NSObject& object) {
     { ObjectConversion<T>::fromObject(object) } -> std::same_as<T>;
@@ -71,6 +75,8 @@ concept ConvertedTo = ConvertedObject<T> && requires(const T& object) {
     { ObjectConversion<T>::object(object) } -> std::same_as<Handle>;
 };
 
+/// What the conversion makes of the object. The only place where `object` is called, so a specialization
+/// without it is refused with one message, wherever it is used.
 template <ConvertedObject T>
 auto convertedObject(const T& object) {
     constexpr bool isRight = requires {

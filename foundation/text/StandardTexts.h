@@ -22,7 +22,13 @@ concept ViewedText = std::is_class_v<T> && !TextRange<T, Unit> &&
 namespace ZQFoundation {
 
 /// A type that converts to `std::string_view` is a text of UTF-8, one that converts to `std::u16string_view`
-/// a text of UTF-16, which is taken when both are there.
+/// a text of UTF-16, which is taken when both are there. So a host's own string class is a text argument as
+/// it is:
+///
+///     struct Name {
+///         operator std::string_view() const;
+///     };
+///     ZQLog::logWithFormat("%@", name);
 template <class T>
     requires(detail::ViewedText<T, char> || detail::ViewedText<T, char16_t>)
 struct ObjectConversion<T> {

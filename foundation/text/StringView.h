@@ -29,12 +29,13 @@ concept TextRange = std::is_same_v<typename Text::value_type, Unit> && requires(
     { text.size() } -> std::convertible_to<std::size_t>;
 };
 
-/// Of a buffer of fixed size, nobody knows where its text ends.
+/// Buffers of fixed size, such as `std::array`: nobody knows where the text in one ends.
 template <class Text>
 concept FixedBuffer = requires {
     std::tuple_size<Text>::value;
 };
 
+/// Pointers to the first character of a text that ends with a zero.
 template <class Pointer>
 concept TextPointer = std::is_same_v<Pointer, const char*> || std::is_same_v<Pointer, char*> ||
     std::is_same_v<Pointer, const char16_t*> || std::is_same_v<Pointer, char16_t*> ||
@@ -64,12 +65,17 @@ namespace ZQFoundation {
 
 /// The text *argument*: a nullable, non-owning view of a text that its owner keeps alive for the call.
 ///
+///     NSString name = "a,b";
+///     name.componentsSeparatedByString(",");                 // a literal
+///     name.componentsSeparatedByString(std::string(","));    // a standard string
+///     name.componentsSeparatedByString(u",");                // UTF-16
+///
 /// Made implicitly from literals, `std::string`, `std::string_view`, `std::u16string_view`, `NSString` and
 /// `nullptr`, so a call with a literal allocates nothing. A type that converts to a standard view is a text
 /// too, below the umbrella header; so is one whose `ObjectConversion` says so. A buffer of fixed size is
 /// none, for only its owner knows where the text in it ends. `const char*` and `std::string` are UTF-8;
-/// ill-formed bytes read as U+FFFD. A null pointer makes the nil text, which is not the empty text.
-/// Trivially copyable; pass it by value.
+/// ill-formed bytes read as U+FFFD. A null pointer makes the nil text, which is not the empty text. Trivially
+/// copyable; pass it by value. Do not keep one: of a temporary, the text is gone after the call.
 class StringView {
 public:
     /// How the text is held.
@@ -95,15 +101,18 @@ private:
         }
     }
 
+    /// The size above the two bits of the form: a view is two words, and is passed in registers.
     static constexpr std::size_t packed(std::size_t size, Form form) noexcept {
         return size << 2 | static_cast<std::size_t>(form);
     }
 
 public:
+    /// The nil text.
     constexpr StringView() noexcept = default;
+    /// The nil text.
     constexpr StringView(std::nullptr_t) noexcept {}
 
-    /// UTF-8 up to the zero byte; nil for a null pointer.
+    /// UTF-8 up to the zero byte, which is searched for here; nil for a null pointer.
     constexpr StringView(const char* utf8) noexcept
         : data_(utf8), sizeAndForm_(utf8 == nullptr ? 0 : packed(lengthOf(utf8), Form::utf8)) {}
 
@@ -114,12 +123,13 @@ public:
     /// UTF-8 up to the zero byte; nil for a null pointer.
     StringView(const char8_t* utf8) noexcept : StringView(reinterpret_cast<const char*>(utf8)) {}
 
-    /// That many bytes of UTF-8. No bytes make the empty text, even with a null pointer: only the
-    /// one-argument forms make nil.
+    /// That many bytes of UTF-8, zero bytes among them. No bytes make the empty text, even with a null
+    /// pointer: only the one-argument forms make nil.
     constexpr StringView(const char* utf8, std::size_t byteCount) noexcept
         : data_(utf8 == nullptr ? "" : utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
 
-    /// That many UTF-16 units. No units make the empty text, even with a null pointer.
+    /// That many UTF-16 units, in the machine's byte order. No units make the empty text, even with a null
+    /// pointer.
     constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
         : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
 
@@ -131,10 +141,12 @@ public:
     template <detail::OtherText T>
     StringView(const T&) = delete; // pass StringView(data, bytes) or c_str(), or specialize ObjectConversion
 
-    /// The text of a string; nil for a nil string.
+    /// The text of a string, whose body keeps it: valid as long as a handle holds the string. Nil for a nil
+    /// string.
     inline StringView(const NSString& string) noexcept;
 
-    /// A view of bytes that the caller knows to be ASCII.
+    /// A view of bytes that the caller knows to be ASCII, which saves the check. A byte from 0x80 on would
+    /// make a string that equals no other one.
     static constexpr StringView ascii(const char* bytes, std::size_t count) noexcept {
         StringView view;
         view.data_ = bytes;
@@ -158,6 +170,7 @@ public:
     constexpr const char16_t* units() const noexcept { return static_cast<const char16_t*>(data_); }
 
 private:
+    /// The one place that says what the text of an object is.
     template <class Text>
     static constexpr StringView viewOf(const Text& text) noexcept {
         if constexpr (detail::ConvertedText<Text>) {

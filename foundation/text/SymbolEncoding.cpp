@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The table of the Symbol encoding.
+// Nothing here comes from the C library, which has no converter for this encoding.
 #include "foundation/text/SymbolEncoding.h"
 
 namespace ZQFoundation::detail {
@@ -48,6 +49,7 @@ char16_t symbolToUnit(unsigned char byte) noexcept {
     if (byte < 0x80) {
         return lower[byte - 0x20];
     }
+    // From 80 to 9F the font has no glyphs.
     return byte < 0xA0 ? symbolUndefined : upper[byte - 0xA0];
 }
 

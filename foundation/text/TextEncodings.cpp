@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The list of text encodings, by the platform's numbers.
+// Several numbers name one encoding, since two numbering schemes are in use: small numbers, and 0x80000000
+// plus the number of an older list. Numbers are public and must never change.
 #include "foundation/text/TextEncodings.h"
 
 #include <algorithm>
@@ -17,6 +19,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+// Forms without a name are converted by the library itself.
 constexpr TextEncoding plain(std::uint32_t number, EncodingForm form) noexcept {
     return {number, form, EncodingOrder::marked, nullptr};
 }
@@ -33,6 +36,7 @@ constexpr TextEncoding sequences(std::uint32_t number, const char* name) noexcep
     return {number, EncodingForm::sequences, EncodingOrder::marked, name};
 }
 
+// The C library's SHIFT_JIS has a yen sign and an overline for two ASCII characters; the form corrects that.
 constexpr TextEncoding shiftJis(std::uint32_t number) noexcept {
     return {number, EncodingForm::shiftJis, EncodingOrder::marked, "SHIFT_JIS"};
 }
@@ -42,6 +46,7 @@ constexpr TextEncoding macRoman(std::uint32_t number) noexcept {
 }
 
 /// By number.
+/// Sorted, for binary search; an assertion below checks it.
 constexpr TextEncoding encodings[] = {
     plain(1, EncodingForm::ascii),
     plain(2, EncodingForm::nextStep),
@@ -138,6 +143,8 @@ constexpr bool precedes(const TextEncoding& left, const TextEncoding& right) noe
 
 static_assert(std::is_sorted(std::begin(encodings), std::end(encodings), precedes));
 
+/// One slot for each entry of the list, filled on first use. Tables are never freed: readers keep pointers
+/// to them.
 constinit std::atomic<const ByteTable*> tables[std::size(encodings)]{};
 
 bool getConvertedUnits(const TextEncoding& encoding, ByteTable::Units& units) {
@@ -167,6 +174,7 @@ bool getUnits(const TextEncoding& encoding, ByteTable::Units& units) {
     case EncodingForm::bytes:
     case EncodingForm::macRoman:
         return getConvertedUnits(encoding, units);
+    // Forms of several bytes for one character have no table.
     default:
         return false;
     }
@@ -189,6 +197,7 @@ const ByteTable* byteTableOf(const TextEncoding& encoding) {
     if (!getUnits(encoding, units)) {
         return nullptr;
     }
+    // A race makes two tables, of which one is dropped.
     return &publishOnce(slot, static_cast<const ByteTable*>(new ByteTable(units)));
 }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Converts UTF-16, UTF-32 and escaped ASCII from and to units.
+// Numbers are composed byte by byte, whatever the machine's order; compilers turn these loops into single
+// loads and stores where the orders agree.
 #include "foundation/text/UnicodeForms.h"
 
 #include <cstdint>
@@ -36,6 +38,7 @@ std::uint32_t readNumber(const char* bytes, ByteOrder order) noexcept {
 constexpr bool isHighSurrogate(std::uint32_t code) noexcept { return (code & 0xFFFFFC00) == 0xD800; }
 
 /// Takes a character of well-formed units.
+/// The caller has checked that each high surrogate has its partner, so the second unit exists.
 template <class Unit>
 std::uint32_t takeCharacter(const Unit*& at) noexcept {
     const std::uint32_t code = codeOf(*at++);
@@ -49,11 +52,13 @@ void appendCharacter(std::uint32_t code, std::u16string& out) {
     if (code < 0x10000) {
         out.push_back(static_cast<char16_t>(code));
     } else {
+        // 0xD7C0 is 0xD800 less 0x10000 >> 10, so one addition does both.
         out.push_back(static_cast<char16_t>(0xD7C0 + (code >> 10)));
         out.push_back(static_cast<char16_t>(0xDC00 + (code & 0x3FF)));
     }
 }
 
+// For octal and hexadecimal digits alike, which take three and four bits each.
 char* writeDigits(std::uint32_t code, int digits, int bitsEach, char* out) noexcept {
     for (int place = digits - 1; place >= 0; --place) {
         *out++ = "0123456789abcdef"[code >> place * bitsEach & ((1U << bitsEach) - 1)];
@@ -68,7 +73,9 @@ std::int32_t readDigits(std::string_view digits, std::size_t count, int bitsEach
         return -1;
     }
     for (const char digit : digits.substr(0, count)) {
+        // Both spellings of the digits in one text: the place modulo 16 is the value.
         const auto place = std::string_view("0123456789abcdef0123456789ABCDEF").find(digit);
+        // An octal digit must also be below 8.
         if (place == std::string_view::npos || (place & 15) >> bitsEach != 0) {
             return -1;
         }
@@ -78,6 +85,7 @@ std::int32_t readDigits(std::string_view digits, std::size_t count, int bitsEach
 }
 
 /// Takes what follows a backslash; -1 when it is no escape.
+/// On success the escape is removed from `rest`; otherwise nothing is.
 std::int32_t takeEscape(std::string_view& rest) noexcept {
     std::int32_t value = -1;
     std::size_t length = 1;
@@ -87,6 +95,7 @@ std::int32_t takeEscape(std::string_view& rest) noexcept {
         value = readDigits(rest.substr(1), 4, 4);
         length = 5;
     } else {
+        // Three octal digits reach 0777, but a byte ends at 0377.
         value = readDigits(rest, 3, 3);
         value = value > 0xFF ? -1 : value;
         length = 3;
@@ -126,6 +135,7 @@ bool readUtf16(std::string_view bytes, ByteOrder order, std::u16string& out) {
     for (std::size_t i = 0; i < out.size(); ++i) {
         out[i] = static_cast<char16_t>(readNumber<2>(bytes.data() + 2 * i, order));
     }
+    // An odd byte at the end is reported after everything else was read.
     return bytes.size() % 2 == 0;
 }
 
@@ -137,6 +147,7 @@ bool readUtf32(std::string_view bytes, ByteOrder order, std::u16string& out) {
     out.reserve(bytes.size() / 4);
     for (; !bytes.empty(); bytes.remove_prefix(4)) {
         const std::uint32_t code = readNumber<4>(bytes.data(), order);
+        // Such a number is not a character, so the bytes are in another encoding or order.
         if (code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) {
             return false;
         }

@@ -78,7 +78,8 @@ std::size_t nextPlace(const Unit* units, std::size_t at, std::size_t length, con
 /// How many units satisfy the test.
 template <class Unit, class Test>
 std::size_t countPlaces(const Unit* units, std::size_t length, const Test& test) noexcept {
-    // Lanes count matches downwards from 0, and are emptied before they can overflow.
+    // A match is a lane of all ones, which is -1: subtracting it adds 1. Lanes are emptied before they
+    // overflow: 255 is the most that a byte can count.
     constexpr std::size_t maxBlocks = 255;
     std::size_t found = 0;
     std::size_t at = 0;

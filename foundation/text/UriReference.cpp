@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads the parts of a URI reference, by the grammar of RFC 3986.
+// One pass, no allocation. Every step checks the end before it looks, so the text needs no NUL.
 #include "foundation/text/UriReference.h"
 
 namespace ZQFoundation::detail {
@@ -15,6 +16,7 @@ enum CharacterClass : unsigned char {
     schemeMark = 16, ///< + - .
 };
 
+// Built when compiled: one bit for each class, so that one look-up answers for any combination of them.
 struct ClassTable {
     unsigned char classes[128] = {};
 
@@ -36,6 +38,7 @@ struct ClassTable {
 
 constexpr ClassTable table;
 
+// Bytes and units above ASCII belong to no class, so they end every piece.
 template <class Unit>
 constexpr bool is(Unit unit, unsigned char classes) noexcept {
     const auto code = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
@@ -68,6 +71,8 @@ private:
 
     /// The text before the first of : / ? # is the scheme if that is a colon. So no relative path has a colon
     /// in its first piece.
+    /// The whole class is scanned first and the first letter checked after that: "1http:x" is a failure, not
+    /// a path.
     bool readScheme(UriReference& out) noexcept {
         std::size_t end = 0;
         while (end < count_ && is(text_[end], letter | digit | schemeMark)) {
@@ -81,6 +86,7 @@ private:
         return !hasColonInFirstSegment(end);
     }
 
+    // `from` is where the scan for a scheme stopped.
     bool hasColonInFirstSegment(std::size_t from) const noexcept {
         for (; from < count_; ++from) {
             const Unit unit = text_[from];
@@ -94,21 +100,26 @@ private:
         return false;
     }
 
+    // Two slashes always begin an authority, even an empty one.
     bool readAuthority(UriReference& out) noexcept {
         if (count_ - at_ < 2 || text_[at_] != Unit{'/'} || text_[at_ + 1] != Unit{'/'}) {
             return true;
         }
         at_ += 2;
         // The text before an "@" is user information; only the "@" distinguishes it from a host and its port.
+        // When no "@" follows, the same characters are read again as host and port, so the scan is repeated
+        // once at most.
         const std::size_t start = at_;
         if (takeNames(":") && take('@')) {
             out.userInformation = {start, at_ - 1, true};
         } else {
             at_ = start;
         }
+        // What follows an authority must be a path, a query, a fragment or the end.
         return readHost(out) && readPort(out) && (atEnd() || sees('/') || sees('?') || sees('#'));
     }
 
+    // Any name may be empty: "file:///x" has an empty host.
     bool readHost(UriReference& out) noexcept {
         const std::size_t start = at_;
         const bool isRead = take('[') ? takeAddress() && take(']') : takeNames("");
@@ -116,6 +127,7 @@ private:
         return isRead;
     }
 
+    // Digits without a limit, as the grammar has it. What a port means is for those that connect.
     bool readPort(UriReference& out) noexcept {
         if (take(':')) {
             const std::size_t start = at_;
@@ -145,6 +157,7 @@ private:
             }
             out.fragment = partFrom(start);
         }
+        // Anything left is a character that no piece may have.
         return atEnd();
     }
 
@@ -192,16 +205,19 @@ private:
             return false;
         }
         const std::size_t start = at_;
+        // Classes and colons alternate until neither matches.
         while (takeWhile(name) != 0 || take(':')) {
         }
         return at_ != start;
     }
 
     /// Eight groups, the last two perhaps as an IPv4 address, or fewer with one "::" for those left out.
+    /// Groups are counted; the gap counts for one group or more, so at most 7 are allowed with it.
     bool takeIPv6Address() noexcept {
         int groups = 0;
         bool isShortened = takeGap();
         while (at_ < count_ && is(text_[at_], hexDigit)) {
+            // Tried first, because an IPv4 address also begins like a group of digits.
             if (takeIPv4Address()) {
                 groups += 2;
                 break;
@@ -211,6 +227,7 @@ private:
             }
             ++groups;
             if (takeGap()) {
+                // A second gap would be ambiguous.
                 if (isShortened) {
                     return false;
                 }
@@ -244,6 +261,7 @@ private:
         return true;
     }
 
+    // At most three digits are taken, so no overflow; a fourth does not match what must follow.
     bool takeOctet() noexcept {
         const std::size_t start = at_;
         int value = 0;
@@ -263,6 +281,7 @@ private:
 } // namespace
 
 bool readUriReference(StringView text, UriReference& out) noexcept {
+    // Parts that are missing must not keep what an earlier reading left.
     out = UriReference();
     switch (text.form()) {
     case StringView::Form::absent:

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Resolves a URI reference against a base, by RFC 3986.
+// The steps and their order are those of the RFC, so that each line can be compared with it. Texts are ASCII
+// here, as references are.
 #include "foundation/text/UriResolution.h"
 
 #include <algorithm>
@@ -23,6 +25,7 @@ struct Pieces {
     Piece query;
     Piece fragment;
 
+    // The caller guarantees that the text is a reference, so the result of reading is not checked.
     explicit Pieces(std::string_view text) noexcept {
         UriReference reference;
         readUriReference(text, reference);
@@ -42,6 +45,7 @@ bool startsWith(std::string_view text, std::string_view prefix) noexcept {
 }
 
 /// The reference's path beside the last segment of the base's.
+/// All of the base's path up to its last slash is kept. A base with an authority but no path has the root.
 std::string mergedPath(const Pieces& base, std::string_view path) {
     std::string merged;
     if (base.authority.isPresent && base.path.empty()) {
@@ -54,6 +58,7 @@ std::string mergedPath(const Pieces& base, std::string_view path) {
 }
 
 /// A dot that keeps the path from being read as an authority or a scheme.
+/// Such paths arise when dot segments are removed: "x:/a" with "..//b" has the path "//b".
 std::string_view guardOf(const Pieces& target, std::string_view path) noexcept {
     if (target.authority.isPresent) {
         return {};
@@ -65,6 +70,7 @@ std::string_view guardOf(const Pieces& target, std::string_view path) noexcept {
     return !target.scheme.isPresent && mark != path.npos && path[mark] == ':' ? "./" : "";
 }
 
+// A mark belongs to its piece: a piece that is absent has none, and one that is present but empty keeps it.
 void appendPiece(std::string& text, std::string_view before, const Pieces::Piece& piece,
                  std::string_view behind) {
     if (piece.isPresent) {
@@ -88,6 +94,7 @@ std::string recomposed(const Pieces& target, std::string_view path) {
 } // namespace
 
 std::string withoutDotSegments(std::string_view path) {
+    // A relative path has nothing that such segments could refer to.
     while (startsWith(path, "../") || startsWith(path, "./")) {
         path.remove_prefix(path[1] == '.' ? 3 : 2);
     }
@@ -96,10 +103,12 @@ std::string withoutDotSegments(std::string_view path) {
         return kept;
     }
     while (!path.empty()) {
+        // A segment includes the slash before it, so that the last one needs no special case.
         const std::size_t length = std::min(path.find('/', 1), path.size());
         const std::string_view segment = path.substr(0, length);
         path.remove_prefix(length);
         if (segment == "/..") {
+            // Above the root there is nothing, so ".." stays there.
             const std::size_t slash = kept.rfind('/');
             kept.resize(slash == kept.npos ? 0 : slash);
         } else if (segment != "/.") {
@@ -115,6 +124,7 @@ std::string withoutDotSegments(std::string_view path) {
 
 std::string resolvedUriReference(std::string_view reference, std::string_view base) {
     Pieces target(reference);
+    // Strict: the scheme is never ignored, not even when it equals the base's.
     if (target.scheme.isPresent) {
         return recomposed(target, withoutDotSegments(target.path));
     }
@@ -125,6 +135,7 @@ std::string resolvedUriReference(std::string_view reference, std::string_view ba
     }
     target.authority = from.authority;
     if (target.path.empty()) {
+        // An empty reference means the base without its fragment; "?" alone replaces the query.
         if (!target.query.isPresent) {
             target.query = from.query;
         }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Converts UTF-8 and UTF-16, in blocks where all is ASCII.
+// Text from files, the system and hosts passes through here, and nearly all of it is ASCII: that path
+// decides the speed.
 #include "foundation/text/Utf.h"
 
 #include <algorithm>
@@ -11,6 +13,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 constexpr char16_t replacementUnit = 0xFFFD;
+/// Low surrogates from U+DC80 up represent the bytes of a file name that are not UTF-8.
 constexpr char32_t escapeBase = 0xDC00;
 
 // ASCII goes by blocks that are tested with a few word operations and then copied by a loop of fixed length,
@@ -27,6 +30,7 @@ constexpr bool isAscii(Unit unit) {
     return (unit & ~0x7F) == 0;
 }
 
+// The bytes may have any address, which a plain access may not.
 template <class Unit>
 inline std::uint64_t loadWord(const Unit* from) {
     std::uint64_t word;
@@ -38,6 +42,7 @@ template <class Unit>
 inline bool isAsciiBlock(const Unit* block) {
     constexpr std::size_t perWord = sizeof(std::uint64_t) / sizeof(Unit);
     std::uint64_t gathered = 0;
+    // Gathered without a branch: one test for a block.
     for (std::size_t i = 0; i < blockLength; i += perWord) {
         gathered |= loadWord(block + i);
     }
@@ -51,6 +56,8 @@ inline void copyPiece(const From* __restrict from, To* __restrict to) {
     }
 }
 
+// Compilers unroll and vectorize pieces of fixed lengths; a loop to `count` they vectorize only at the
+// highest level of optimization.
 template <class From, class To>
 void copyAscii(const From* from, std::size_t count, To* to) {
     constexpr std::size_t perWord = 8;
@@ -66,6 +73,7 @@ void copyAscii(const From* from, std::size_t count, To* to) {
     }
 }
 
+// Blocks, then words, then units: texts are often short, so the steps in between matter.
 template <class Unit>
 std::size_t asciiPrefix(const Unit* text, std::size_t count) {
     constexpr std::size_t perWord = sizeof(std::uint64_t) / sizeof(Unit);
@@ -112,6 +120,7 @@ bool isSecondOf(unsigned char lead, unsigned char second) {
 /// Reads the sequence at a byte that is not ASCII. Returns its length, or 0 for an ill-formed one.
 inline unsigned readSequence(const unsigned char* at, std::size_t left, char32_t& codePoint) {
     const unsigned char lead = at[0];
+    // C0 and C1 would be overlong, so the range begins at C2.
     if (lead >= 0xC2 && lead <= 0xDF && left >= 2 && isContinuation(at[1])) {
         codePoint = (lead & 0x1Fu) << 6 | payload(at[1]);
         return 2;
@@ -120,6 +129,7 @@ inline unsigned readSequence(const unsigned char* at, std::size_t left, char32_t
         codePoint = (lead & 0x0Fu) << 12 | payload(at[1]) << 6 | payload(at[2]);
         return 3;
     }
+    // Lead bytes above F4 are excluded by `isSecondOf`.
     if (lead >= 0xF0 && left >= 4 && isSecondOf(lead, at[1]) && isContinuation(at[2]) &&
         isContinuation(at[3])) {
         const char32_t high = (lead & 0x07u) << 18 | payload(at[1]) << 12;
@@ -131,6 +141,7 @@ inline unsigned readSequence(const unsigned char* at, std::size_t left, char32_t
 
 /// Length of the maximal subpart where readSequence() found nothing.
 unsigned illFormedLength(const unsigned char* at, std::size_t left) {
+    // A sequence of two bytes that fails has an ill-formed second byte, so its lead alone is the subpart.
     if (left < 2 || !isSecondOf(at[0], at[1])) {
         return 1;
     }
@@ -140,6 +151,7 @@ unsigned illFormedLength(const unsigned char* at, std::size_t left) {
 
 /// Walks over UTF-8 and hands it to `sink`: ascii() takes ASCII as far as it wants and says how much,
 /// character() a code point above it, illFormed() the bytes of a maximal subpart.
+/// Counting and writing share this walk, so that lengths and contents cannot disagree.
 template <class Sink>
 void decode(const char* utf8, std::size_t count, Sink& sink) {
     const char* at = utf8;
@@ -182,12 +194,14 @@ struct UnitWriter {
     char16_t* out;
 
     std::size_t ascii(const char* bytes, std::size_t count) {
+        // Limited, so that the tested piece is still in the cache when it is copied.
         const std::size_t length = asciiPrefix(bytes, std::min(count, maxPieceBytes));
         widenAscii(bytes, length, out);
         out += length;
         return length;
     }
     void character(char32_t codePoint) {
+        // 0xD7C0 is 0xD800 less 0x10000 >> 10.
         if (codePoint > 0xFFFF) {
             *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
             *out++ = static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF));
@@ -200,6 +214,7 @@ struct UnitWriter {
             *out++ = replacementUnit;
             return;
         }
+        // Each byte by itself: this way any bytes come back.
         for (unsigned i = 0; i < length; ++i) {
             *out++ = static_cast<char16_t>(escapeBase + bytes[i]);
         }
@@ -210,6 +225,7 @@ struct UnitWriter {
 
 inline bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
 
+// No branch, so that compilers vectorize the loop.
 inline bool hasSurrogate(const char16_t* block) {
     unsigned found = 0;
     for (std::size_t i = 0; i < blockLength; ++i) {
@@ -262,6 +278,7 @@ void encode(const char16_t* units, std::size_t count, IllFormed policy, Sink& si
                 sink.character(codePointOfPair(units + at));
                 ++at;
             } else if (policy == IllFormed::fileName && standsForByte(units + at, count - at)) {
+                // One unit becomes one byte; the units after it are judged by themselves.
                 sink.byte(static_cast<char>(units[at] - escapeBase));
             } else {
                 sink.character(replacementUnit);
@@ -335,6 +352,7 @@ bool isWellFormedUtf8(const char* utf8, std::size_t count) noexcept {
     return wellFormedUtf8Prefix(utf8, count) == count;
 }
 
+// Not by `decode`, since this stops at the first error.
 std::size_t wellFormedUtf8Prefix(const char* utf8, std::size_t count) noexcept {
     std::size_t at = 0;
     while (at < count) {
@@ -367,6 +385,8 @@ char* utf16ToUtf8(const char16_t* units, std::size_t count, char* out, IllFormed
 bool isWellFormedUtf16(const char16_t* units, std::size_t count) noexcept {
     std::size_t at = 0;
     while (at < count) {
+        // Blocks without surrogates are skipped whole. After a pair, the next block begins where the pair
+        // ends.
         if (count - at >= blockLength && !hasSurrogate(units + at)) {
             at += blockLength;
         } else if (!isSurrogate(units[at])) {
@@ -382,6 +402,7 @@ bool isWellFormedUtf16(const char16_t* units, std::size_t count) noexcept {
 
 bool hasFileNameForm(const char16_t* units, std::size_t count) noexcept {
     for (std::size_t at = 0; at < count; ++at) {
+        // The system ends a path at U+0000, so the name would be another one.
         if (units[at] == 0) {
             return false;
         }
@@ -397,6 +418,7 @@ bool hasFileNameForm(const char16_t* units, std::size_t count) noexcept {
 }
 
 void widenAscii(const char* ascii, std::size_t count, char16_t* out) noexcept {
+    // As unsigned bytes, so that those from 0x80 up become the units of the same number.
     copyAscii(reinterpret_cast<const unsigned char*>(ascii), count, out);
 }
 

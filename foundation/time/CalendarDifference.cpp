@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // NSCalendar: the number of units between two dates.
+// Larger units are counted first, each on what the ones before it have left, always from the first date: so
+// 31 January and one month is the end of February, and two months are the end of March.
 #include <algorithm>
 
 #include "foundation/time/CalendarFields.h"
@@ -17,6 +19,7 @@ namespace {
 
 constexpr std::int64_t nanosecondsPerSecond = 1000000000;
 
+// In 128 bits: the calendar's whole range in nanoseconds does not fit into 64.
 WideInteger nanosecondsBetween(Instant from, Instant to) noexcept {
     return (static_cast<WideInteger>(to.seconds) - from.seconds) * nanosecondsPerSecond +
            (to.nanoseconds - from.nanoseconds);
@@ -29,11 +32,13 @@ public:
         : start_(from, zone), goal_(to, zone), from_(from), to_(to),
           direction_(nanosecondsBetween(from, to) < 0 ? -1 : 1) {
         // From the start of a day steps lead to starts of days, wherever their clocks begin.
+        // Such a day may begin at 01:00, where midnight is skipped.
         fromDayStart_ = from == Instant{detail::startOfDay(start_.days, zone), 0};
         left_ = nanosecondsBetween(from, to);
     }
 
     NSInteger takeMonths(int months) noexcept {
+        // Months are counted on the calendar and then corrected by time, so that no loop runs over years.
         const std::int64_t between =
             (goal_.date.year - start_.date.year) * 12 + (goal_.date.month - start_.date.month) - months_;
         return take(between / months, [this, months](std::int64_t count) noexcept {
@@ -42,6 +47,7 @@ public:
     }
 
     NSInteger takeDays(int days) noexcept {
+        // Counted from where the months have led.
         const std::int64_t between = goal_.days - dayAt({months_, days_});
         return take(between / days, [this, days](std::int64_t count) noexcept {
             return Place{months_, days_ + count * days};
@@ -50,6 +56,7 @@ public:
 
     /// Not set when the count has no room.
     NSInteger takeTime(std::int64_t nanoseconds) noexcept {
+        // Hours and less are of equal length, so they are divided.
         const WideInteger count = left_ / nanoseconds;
         if (count <= INT64_MIN || count >= INT64_MAX) {
             return NSDateComponentUndefined;
@@ -66,11 +73,13 @@ private:
     };
 
     /// A day that the month does not have is its last one.
+    /// The calendar's months are used only if there are any: days alone need none.
     std::int64_t dayAt(Place place) const noexcept {
         if (place.months == 0) {
             return start_.days + place.days;
         }
         const std::int64_t month = start_.date.month - 1 + place.months;
+        // The month's number may be of any size, and negative.
         const std::int64_t year = start_.date.year + detail::floorDivide(month, 12);
         const int monthOfYear = static_cast<int>(detail::floorModulo(month, 12)) + 1;
         const std::int64_t first = detail::firstDayOfMonth(year, monthOfYear);
@@ -83,6 +92,7 @@ private:
             return from_;
         }
         const std::int64_t day = dayAt(place);
+        // Not at the wall time of the start, which other days may show twice or not at all.
         if (fromDayStart_) {
             return {detail::startOfDay(day, start_.zone), 0};
         }
@@ -99,8 +109,10 @@ private:
     /// be stepped over without passing the goal. Fewer by one or so when the time of day comes later.
     template <class PlaceAfter>
     NSInteger take(std::int64_t greatest, const PlaceAfter& placeAfter) noexcept {
+        // Against the direction nothing is counted.
         std::int64_t count = greatest * direction_ < 0 ? 0 : greatest;
         // No steps at all are always possible.
+        // Rarely more than one step: only the time of day can be in the way.
         while (passesGoal(placeAfter(count))) {
             count -= direction_;
         }
@@ -129,6 +141,7 @@ NSDateComponents NSCalendar::components_fromDate_toDate(unsigned units, const NS
     NSDateComponents counts;
     Instant start = {};
     Instant goal = {};
+    // Nil and dates beyond the calendar leave all counts unset.
     if (form_ == Form::absent || !detail::instantOfDate(from, start) || !detail::instantOfDate(to, goal)) {
         return counts;
     }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // NSCalendar: the units of a calendar as stretches of time.
+// Days, weeks, months and years begin with the first instant of their first day; hours and less follow the
+// clock.
 #include "foundation/time/CalendarFields.h"
 #include "foundation/time/DatePattern.h"
 #include "foundation/time/NSCalendar.h"
@@ -23,6 +25,7 @@ struct DaySpan {
     std::int64_t next; ///< the day after the last one
 };
 
+// The month after the last may be the thirteenth, which carries.
 DaySpan monthSpan(std::int64_t year, int firstMonth, int count) noexcept {
     return {detail::firstDayOfMonth(year, firstMonth), detail::firstDayOfMonth(year, firstMonth + count)};
 }
@@ -66,6 +69,7 @@ int secondsOfUnit(NSCalendarUnit unit) noexcept {
 }
 
 /// An hour or a minute ends early where the clocks leave it, and begins late where they enter it midway.
+/// All zones change by whole seconds, so a second never does so.
 Span clockSpan(const LocalDate& local, int length) noexcept {
     const int timeOfHour = local.minute * 60 + local.second;
     Span span = {};
@@ -75,6 +79,7 @@ Span clockSpan(const LocalDate& local, int length) noexcept {
     detail::ZonePeriod period = detail::ZoneAccess::periodAt(local.zone, local.instant);
     while (period.until < span.end) {
         const detail::ZonePeriod next = detail::ZoneAccess::periodAt(local.zone, period.until);
+        // A change that leaves the offset as it is does not end the hour.
         span.end = next.offset != local.offset ? period.until : span.end;
         period = next;
     }
@@ -101,6 +106,7 @@ bool NSCalendar::rangeOfUnit_startDate_interval_forDate(NSCalendarUnit unit, NSD
     Span span = {};
     DaySpan days = {};
     if (daysOfUnit(unit, local, weeks, days)) {
+        // From start to start, so that a day of 23 or 25 hours has its real length.
         span = {detail::startOfDay(days.first, local.zone), detail::startOfDay(days.next, local.zone)};
     } else if (const int length = secondsOfUnit(unit); length != 0) {
         span = clockSpan(local, length);

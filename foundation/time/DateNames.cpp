@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // English names of months, weekdays and zones.
+// The rows of zones follow the abbreviations of the zone files. An abbreviation may occur several times with
+// other offsets; both together are the key.
 #include "foundation/time/DateNames.h"
 
 namespace ZQFoundation::detail {
@@ -93,6 +95,7 @@ std::string_view longZoneName(const ZonePeriod& period) noexcept {
     if (period.abbreviation == nullptr) {
         return {};
     }
+    // A linear search: the long name of a zone is asked for rarely.
     for (const ZoneNameRow& row : zoneNames) {
         if (row.minutes * 60 == period.offset && row.abbreviation == period.abbreviation) {
             return row.name;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The fields of date patterns.
+// Letters are those of the Unicode patterns; a letter that is reserved stays in the text, so that the
+// mistake is seen.
 #include "foundation/time/DatePattern.h"
 
 #include <cstring>
@@ -21,6 +23,7 @@ constexpr bool isLetter(Unit unit) noexcept {
 
 void appendWord(TextBuilder& text, std::string_view word) { text.appendAscii(word.data(), word.size()); }
 
+// The sign does not count as a digit.
 void appendNumber(TextBuilder& text, std::int64_t number, std::size_t digits) {
     char written[numberTextCapacity];
     const char* start = written;
@@ -37,6 +40,7 @@ void appendNumber(TextBuilder& text, std::int64_t number, std::size_t digits) {
 }
 
 void appendYear(TextBuilder& text, std::int64_t year, std::size_t count) {
+    // Only "yy" cuts; all other counts are minimums.
     appendNumber(text, count == 2 ? (year < 0 ? -(year % 100) : year % 100) : year, count);
 }
 
@@ -77,6 +81,7 @@ void appendFraction(TextBuilder& text, int millisecond, std::size_t count) {
     }
 }
 
+// GMT alone, without an offset of zero.
 void appendGmtOffset(TextBuilder& text, std::int32_t offset) {
     char written[3 + offsetTextCapacity] = {'G', 'M', 'T'};
     const char* const end = offset == 0 ? written + 3 : writeExtendedOffset(offset, written + 3);
@@ -98,6 +103,7 @@ void appendOffset(TextBuilder& text, std::int32_t offset, std::size_t count) {
 
 void appendZone(TextBuilder& text, const LocalDate& date, std::size_t count) {
     const ZonePeriod period = ZoneAccess::periodAt(date.zone, date.instant);
+    // Long names are the same whatever the locale; zones without one show their offset.
     if (count >= 4) {
         const std::string_view name = longZoneName(period);
         return name.empty() ? appendGmtOffset(text, date.offset) : appendWord(text, name);
@@ -112,6 +118,7 @@ void appendZone(TextBuilder& text, const LocalDate& date, std::size_t count) {
 }
 
 /// The hour counted from 1 to `limit`, where the clock shows the limit in place of 0.
+/// 12 AM is midnight and 12 PM noon.
 constexpr int countedFromOne(int hour, int limit) noexcept {
     return hour % limit == 0 ? limit : hour % limit;
 }
@@ -119,8 +126,10 @@ constexpr int countedFromOne(int hour, int limit) noexcept {
 void appendField(TextBuilder& text, char letter, std::size_t count, const LocalDate& local) {
     switch (letter) {
     case 'y':
+        // Years before 1 count backwards, as those of an era.
         return appendYear(text, local.date.year > 0 ? local.date.year : 1 - local.date.year, count);
     case 'Y':
+        // The year of the week, which differs from the date's around New Year.
         return appendYear(text, weekFromDays(local.days).year, count);
     case 'M':
         return appendMonth(text, local.date.month, count);
@@ -183,6 +192,7 @@ public:
 
 private:
     void quote() {
+        // Two quotes are one, inside and outside quotes.
         const bool doubled = end_ - at_ > 1 && at_[1] == '\'';
         if (doubled) {
             text_.appendAscii('\'');
@@ -221,6 +231,7 @@ private:
 LocalDate::LocalDate(Instant rounded, const NSTimeZone& timeZone) noexcept
     : millisecond(rounded.nanoseconds / 1000000), offset(ZoneAccess::offsetAt(timeZone, rounded.seconds)),
       instant(rounded.seconds), zone(timeZone) {
+    // At the ends of the range the sum saturates, as dates there are meaningless anyway.
     const std::int64_t local = saturatingAdd(instant, offset);
     const int time = static_cast<int>(floorModulo(local, secondsPerDay));
     days = floorDivide(local, secondsPerDay);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Converts instants to calendar fields and back; differences and units of time.
+// Fields that are not given have defaults; fields out of range carry, and are brought into order together.
 #include "foundation/time/NSCalendar.h"
 
 #include <string_view>
@@ -35,6 +36,7 @@ constexpr UnitField unitFields[] = {
     {NSCalendarUnitYearForWeekOfYear, &NSDateComponents::yearForWeekOfYear},
 };
 
+// Compared without making a string, since calendars are made often.
 bool isIdentifier(StringView text, std::string_view identifier) noexcept {
     if (text.size() != identifier.size()) {
         return false;
@@ -70,6 +72,7 @@ NSInteger fieldOfDate(NSCalendarUnit unit, const LocalDate& local, int nanosecon
     case NSCalendarUnitNanosecond:
         return nanoseconds;
     case NSCalendarUnitWeekday:
+        // Sunday is 1 in components.
         return detail::weekdayFromDays(local.days) % 7 + 1;
     case NSCalendarUnitQuarter:
         return detail::quarterOfMonth(local.date.month);
@@ -87,12 +90,13 @@ constexpr NSInteger valueOr(NSInteger field, NSInteger otherwise) noexcept {
 
 /// False for an era that the calendar does not have.
 [[nodiscard]] bool wallFields(const NSDateComponents& components, detail::WallFields& fields) noexcept {
+    // The era of today, unless another one is given.
     const NSInteger era = valueOr(components.era, 1);
     if (era != 0 && era != 1) {
         return false;
     }
     NSInteger year = valueOr(components.year, 1);
-    // A year without room is beyond the calendar with or without its last unit.
+    // Only a year far beyond the calendar overflows here; it is refused when the seconds are checked.
     if (era == 0 && __builtin_sub_overflow(1, year, &year)) {
         year = INT64_MAX;
     }
@@ -114,6 +118,7 @@ NSCalendar NSCalendar::calendarWithIdentifier(StringView identifier) {
     return isIdentifier(identifier, NSCalendarIdentifierISO8601) ? NSCalendar(Form::iso8601) : NSCalendar();
 }
 
+// The user's calendar is always this one here.
 NSCalendar NSCalendar::currentCalendar() noexcept { return NSCalendar(Form::gregorian); }
 
 NSString NSCalendar::calendarIdentifier() const {
@@ -132,6 +137,7 @@ NSTimeZone NSCalendar::timeZone() const noexcept {
     if (form_ == Form::absent) {
         return nullptr;
     }
+    // The default zone is asked for each time, so that a change of it shows.
     return timeZone_ ? timeZone_ : NSTimeZone::defaultTimeZone();
 }
 
@@ -142,11 +148,13 @@ NSDate NSCalendar::dateFromComponents(const NSDateComponents& components) const 
     }
     constexpr NSInteger nanosecondsPerSecond = 1000000000;
     const NSInteger nanoseconds = valueOr(components.nanosecond, 0);
+    // Nanoseconds carry into the seconds in either direction.
     const detail::WideInteger wall =
         detail::wallSecondsFromFields(fields) + detail::floorDivide(nanoseconds, nanosecondsPerSecond);
     if (!detail::isWithinCalendar(wall)) {
         return nullptr;
     }
+    // A zone in the components applies to these components only.
     const std::int64_t instant = detail::instantOfWallTime(
         static_cast<std::int64_t>(wall), components.timeZone ? components.timeZone : timeZone());
     if (!detail::isWithinCalendar(instant)) {

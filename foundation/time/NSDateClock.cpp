@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The current instant, and dates as whole numbers.
+// Dates and the times of log lines come from here, so that tests can replace the clock for everything at
+// once.
 #include <cmath>
 
 #include <time.h>
@@ -16,6 +18,7 @@ namespace {
 constexpr std::int32_t nanosecondsPerMillisecond = 1000000;
 
 /// The number must be whole.
+/// Negated, so that not-a-number takes the first branch.
 std::int64_t saturatingInteger(double number) noexcept {
     if (!(number >= -0x1p63)) {
         return std::isnan(number) ? 0 : INT64_MIN;
@@ -50,6 +53,7 @@ namespace ZQFoundation::detail {
 
 Instant currentInstant() noexcept {
     if (overrides::clock != nullptr) {
+        // Tests give seconds with a fraction, whose last bits mean nothing.
         return roundedToMilliseconds(*overrides::clock);
     }
     const timespec now = readSystemClock();
@@ -59,6 +63,7 @@ Instant currentInstant() noexcept {
 Instant roundedToMilliseconds(Instant instant) noexcept {
     const std::int32_t milliseconds =
         (instant.nanoseconds + nanosecondsPerMillisecond / 2) / nanosecondsPerMillisecond;
+    // The last half millisecond belongs to the next second.
     if (milliseconds == 1000) {
         return {saturatingAdd(instant.seconds, 1), 0};
     }

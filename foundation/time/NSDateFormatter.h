@@ -52,6 +52,9 @@ public:
 
     /// The date by the pattern. Nil for a nil date, and for one that is no number or does not fit into 64
     /// bits of seconds.
+    ///
+    /// formatter.setDateFormat("yyyy-MM-dd 'at' HH:mm"); formatter.stringFromDate(date);  // "2024-03-05 at
+    /// 14:07"
     NSString stringFromDate(const NSDate& date) const;
 
 private:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Time zones as values.
+// Zones with rules are shared records that live forever; zones of fixed offset are their number alone.
 #include "foundation/time/NSTimeZone.h"
 
 #include <cstring>
@@ -13,6 +14,7 @@ namespace ZQFoundation {
 
 namespace {
 
+/// Larger ones are errors rather than places.
 constexpr int maxFixedOffset = 18 * 3600;
 
 NSString asciiString(const char* bytes, std::size_t count) {
@@ -40,6 +42,7 @@ bool asciiName(StringView text, char* out, std::size_t capacity) noexcept {
 
 NSTimeZone NSTimeZone::systemTimeZone() noexcept {
     const detail::Zone* const zone = detail::processZone();
+    // Without memory for the zone's data, UTC.
     return zone != nullptr ? NSTimeZone(zone) : NSTimeZone(0, Form::fixed);
 }
 
@@ -97,6 +100,7 @@ bool NSTimeZone::isEqualToTimeZone(const NSTimeZone& other) const noexcept {
     if (form_ != other.form_) {
         return false;
     }
+    // By contents, so that a zone that was read again from an unchanged file is the same zone.
     return form_ == Form::ruled ? detail::sameZone(*zone_, *other.zone_) : offset_ == other.offset_;
 }
 
@@ -112,6 +116,7 @@ ZonePeriod ZoneAccess::periodAt(const NSTimeZone& zone, std::int64_t seconds) no
     if (zone.form_ == NSTimeZone::Form::ruled) {
         return zonePeriodAt(zone.zone_, seconds);
     }
+    // Nil counts as UTC.
     return {INT64_MIN, INT64_MAX, zone.offset_, false, zone ? nullptr : "UTC"};
 }
 

@@ -47,7 +47,7 @@ public:
     constexpr explicit operator bool() const noexcept { return form_ != Form::absent; }
 
     /// "Europe/Berlin"; for a rule its text, for a zone file elsewhere its path, for a fixed offset
-    /// "GMT+0100".
+    /// "GMT+0100", and "GMT" if that is 0. Nil for nil.
     NSString name() const;
 
     /// Seconds east of Greenwich; 0 for a nil date.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Offsets from UTC as text.
+// Each notation is written by itself: they differ in more than their separators.
 #include "foundation/time/OffsetText.h"
 
 #include <cstring>
@@ -15,6 +16,7 @@ struct Parts {
     int seconds;
 };
 
+// The sign is that of the whole, since hours alone may be 0.
 Parts partsOf(std::int32_t offset) noexcept {
     const int distance = offset < 0 ? -offset : offset;
     return {offset < 0 ? '-' : '+', distance / 3600, distance / 60 % 60, distance % 60};
@@ -37,6 +39,7 @@ char* writeBasicOffset(std::int32_t offset, char* out) noexcept {
     const Parts parts = partsOf(offset);
     *out++ = parts.sign;
     out = writeTwoDigits(parts.minutes, writeTwoDigits(parts.hours, out));
+    // Only old local times have seconds.
     return parts.seconds != 0 ? writeTwoDigits(parts.seconds, out) : out;
 }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads and applies time zone rules in the notation of POSIX.
+// The notation has been in use for decades, so its oddities are kept: offsets count west, and hours may be
+// up to 167.
 #include "foundation/time/PosixZone.h"
 
 #include "foundation/objects/CivilTime.h"
@@ -13,6 +15,7 @@ using Change = PosixZone::Change;
 
 constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) noexcept { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+// In angle brackets, names may have digits and signs.
 constexpr bool isNameCharacter(char c, bool quoted) noexcept {
     return isLetter(c) || (quoted && (isDigit(c) || c == '+' || c == '-'));
 }
@@ -47,6 +50,7 @@ struct Cursor {
 
     bool takeTime(int maxHour, std::int32_t& seconds) noexcept {
         const bool negative = take('-');
+        // A plus is allowed but means nothing.
         if (!negative) {
             take('+');
         }
@@ -77,6 +81,7 @@ struct Cursor {
         for (std::size_t i = length; i < PosixZone::nameCapacity; ++i) {
             name[i] = '\0';
         }
+        // Unquoted names end at the first character that cannot be part of one.
         return length >= 3 && (!quoted || take('>'));
     }
 
@@ -102,6 +107,7 @@ struct Cursor {
             change.form = Change::dayWithoutLeapDay;
             good = takeNumber(1, 365, change.day);
         } else {
+            // Without a letter, 29 February counts.
             change.form = Change::dayWithLeapDay;
             good = takeNumber(0, 365, change.day);
         }
@@ -120,6 +126,7 @@ std::int64_t dayOfChange(const Change& change, std::int64_t year) noexcept {
     const std::int64_t newYear = dayNumber(year, 1, 1);
     switch (change.form) {
     case Change::dayWithoutLeapDay:
+        // From 1 March on, leap years are a day ahead.
         return newYear + change.day - 1 + (isLeapYear(year) && change.day >= 60 ? 1 : 0);
     case Change::dayWithLeapDay:
         return newYear + change.day;
@@ -128,8 +135,10 @@ std::int64_t dayOfChange(const Change& change, std::int64_t year) noexcept {
     }
     const std::int64_t monthStart = dayNumber(year, change.month, 1);
     const std::int64_t nextMonth = dayNumber(year, change.month + 1, 1);
+    // Sunday is 0 in the notation.
     const int firstWeekday = weekdayFromDays(monthStart) % 7;
     std::int64_t day = monthStart + (change.day - firstWeekday + 7) % 7 + 7 * (change.week - 1);
+    // The fifth week means the last one.
     if (day >= nextMonth) {
         day -= 7;
     }
@@ -161,10 +170,12 @@ bool PosixZone::read(const char* text, std::size_t count, PosixZone& zone) noexc
         return false;
     }
     zone.hasDaylight_ = true;
+    // By default, the clocks go one hour ahead.
     zone.daylight_.offset = zone.standard_.offset + 3600;
     if (!cursor.atEnd() && !cursor.isAt(',') && !cursor.takeOffset(zone.daylight_.offset)) {
         return false;
     }
+    // Without dates, those of the United States apply.
     if (cursor.atEnd()) {
         zone.start_ = {Change::weekdayOfMonth, 3, 2, 0, 7200};
         zone.end_ = {Change::weekdayOfMonth, 11, 1, 0, 7200};
@@ -175,6 +186,7 @@ bool PosixZone::read(const char* text, std::size_t count, PosixZone& zone) noexc
 
 PosixZone::Span PosixZone::daylightSpan(std::int64_t year) const noexcept {
     const auto startOf = [this](std::int64_t y) noexcept {
+        // Each change is given in the wall time before it: the clocks of the other season.
         return dayOfChange(start_, y) * secondsPerDay + start_.time - standard_.offset;
     };
     const auto endOf = [this](std::int64_t y) noexcept {
@@ -193,6 +205,7 @@ ZonePeriod PosixZone::periodAt(std::int64_t seconds) const noexcept {
     // Dates and weekdays repeat every 400 years; there no sum can overflow.
     const std::int64_t instant = floorModulo(seconds, daysPerCycle * secondsPerDay);
     const std::int64_t year = civilFromDays(instant / secondsPerDay).year;
+    // Back to the real year; at the ends of the range the period is cut.
     const auto shifted = [seconds, instant](std::int64_t edge) noexcept {
         return saturatingAdd(seconds, edge - instant);
     };
@@ -218,6 +231,7 @@ ZonePeriod PosixZone::periodAt(std::int64_t seconds) const noexcept {
         }
         standardSince = spans[i].end;
     }
+    // No daylight-saving time begins within the next two years: the answer is right for this instant alone.
     return makePeriod(standard_, false, shifted(standardSince), shifted(instant + 1));
 }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reads zone files, and finds the period around an instant.
+// The data may come from anywhere (TZDIR and TZ are the user's), so they are checked completely before any
+// of them is used.
 #include "foundation/time/ZoneRules.h"
 
 #include <algorithm>
@@ -36,6 +38,7 @@ struct Header {
     bool hasWideTimes() const noexcept { return version >= '2'; }
 
     /// The size of the block that follows. Each term is below 2^37, so the sum fits.
+    /// Counts are 32 bits wide, and their factors small.
     std::uint64_t blockSize(std::uint64_t timeSize) const noexcept {
         return changes * (timeSize + 1) + std::uint64_t{clocks} * 6 + nameBytes +
                leapSeconds * (timeSize + 4) + standardFlags + universalFlags;
@@ -54,6 +57,7 @@ public:
         if (!readHeader()) {
             return false;
         }
+        // Version 1 has no other block and no rule.
         if (!header_.hasWideTimes()) {
             return readBlock(rules, 4);
         }
@@ -84,11 +88,14 @@ private:
         header_.changes = readUnsigned32(bytes + 32);
         header_.clocks = readUnsigned32(bytes + 36);
         header_.nameBytes = readUnsigned32(bytes + 40);
+        // Later versions only add what may be ignored.
         return header_.version == '\0' || (header_.version >= '2' && header_.version <= '9');
     }
 
     bool readBlock(ZoneRules& rules, std::size_t timeSize) {
         const unsigned char* const times = at_;
+        // More clocks cannot be addressed by an index of one byte.
+        // The flags are not used, but their number must be right for what follows them.
         if (header_.clocks == 0 || header_.clocks > 256 || header_.nameBytes == 0 ||
             !flagCountIsGood(header_.universalFlags) || !flagCountIsGood(header_.standardFlags) ||
             !skip(header_.blockSize(timeSize))) {
@@ -104,10 +111,12 @@ private:
     bool flagCountIsGood(std::uint32_t count) const noexcept { return count == 0 || count == header_.clocks; }
 
     bool takeChanges(ZoneRules& rules, const unsigned char* times, std::size_t timeSize) {
+        // The block's size was checked against the data, so that the room is bounded by them.
         rules.changes_.reserve(header_.changes);
         for (std::size_t i = 0; i < header_.changes; ++i) {
             const unsigned char* const time = times + i * timeSize;
             const std::int64_t change = timeSize == 4 ? readSigned32(time) : readSigned64(time);
+            // Not ascending: a search would find the wrong change.
             if (i > 0 && change <= rules.changes_.back()) {
                 return false;
             }
@@ -117,6 +126,7 @@ private:
     }
 
     bool takeIndexes(ZoneRules& rules, const unsigned char* indexes) {
+        // Each must be the index of a clock: nothing checks it later.
         rules.clockAfter_.assign(indexes, indexes + header_.changes);
         return std::all_of(rules.clockAfter_.begin(), rules.clockAfter_.end(),
                            [this](std::uint8_t index) { return index < header_.clocks; });
@@ -134,6 +144,7 @@ private:
         for (std::size_t i = 0; i < header_.clocks; ++i) {
             const unsigned char* const clock = clocks + i * 6;
             const std::int32_t offset = readSigned32(clock);
+            // So that sums with times cannot overflow.
             if (offset < -maxZoneOffset || offset > maxZoneOffset || clock[4] > 1 ||
                 clock[5] >= rules.names_.size()) {
                 return false;
@@ -145,6 +156,7 @@ private:
 
     bool readFooter(ZoneRules& rules) {
         const unsigned char* const start = at_;
+        // A line feed at each end of the rule.
         if (!skip(1) || *start != '\n') {
             return false;
         }
@@ -154,6 +166,7 @@ private:
             return false;
         }
         const std::size_t length = static_cast<std::size_t>(static_cast<const char*>(end) - text);
+        // An empty rule: the last clock runs forever.
         return length == 0 || PosixZone::read(text, length, rules.rule_.emplace());
     }
 
@@ -185,9 +198,11 @@ ZonePeriod ZoneRules::recordedPeriod(std::size_t clock, std::int64_t from,
 }
 
 ZonePeriod ZoneRules::periodAt(std::int64_t seconds) const noexcept {
+    // The first change after the instant.
     const auto next = std::upper_bound(changes_.begin(), changes_.end(), seconds);
     if (next == changes_.end() && rule_) {
         ZonePeriod period = rule_->periodAt(seconds);
+        // The rule holds since the last change only.
         if (!changes_.empty()) {
             period.from = std::max(period.from, changes_.back());
         }

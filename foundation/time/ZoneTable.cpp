@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // All zones that the process has used, kept until it ends.
+// A zone that was found once is found again without its file, so that a log line never waits for a disk
+// after the first.
 #include "foundation/time/ZoneTable.h"
 
 #include <algorithm>
@@ -53,11 +55,13 @@ Zone* findZone(Predicate matches) {
     return zone;
 }
 
+// Rules are compared as well, since a file may have been replaced.
 bool areAlike(const Zone& left, const Zone& right) {
     return left.source == right.source && left.name == right.name && left.rules == right.rules;
 }
 
 /// Adds the zone unless there is one like it; returns the one that is in the list.
+/// The search is repeated when another thread has added one: it may be the same.
 const Zone* addZone(std::unique_ptr<Zone> zone) {
     zone->next = zones.load(std::memory_order_acquire);
     do {
@@ -74,6 +78,7 @@ const Zone* addZone(std::unique_ptr<Zone> zone) {
 /// The bytes of a regular file, or nothing when there are more than zone data can have.
 std::optional<std::string> readZoneFile(const std::string& path) {
     // Without O_NONBLOCK a FIFO would wait for a writer.
+    // Zone files are read on the thread that needs them, perhaps within a log call.
     const Descriptor file(openAt(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status = {};
     if (!file || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
@@ -83,6 +88,7 @@ std::optional<std::string> readZoneFile(const std::string& path) {
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t filled = 0;
     while (filled < bytes.size()) {
+        // A file that became shorter is not used.
         const ssize_t count = read(file.number(), bytes.data() + filled, bytes.size() - filled);
         if (count > 0) {
             filled += static_cast<std::size_t>(count);
@@ -112,6 +118,7 @@ const Zone* zoneFromNotation(std::string_view text, std::string_view name) {
                          ZoneRules::fromNotation(text.data(), text.size()));
 }
 
+// A name is joined to a folder, so it must not lead out of it.
 bool isZoneName(std::string_view name) noexcept {
     if (name.size() > maxNameLength) {
         return false;
@@ -130,6 +137,7 @@ bool isZoneName(std::string_view name) noexcept {
 }
 
 std::string pathOfZone(std::string_view name) {
+    // Ignored in a set-user-ID program, like all of the environment.
     const char* const folder = system::environmentVariable("TZDIR");
     std::string path = folder != nullptr && *folder != '\0' ? folder : defaultFolder;
     return path.append("/").append(name);
@@ -138,6 +146,7 @@ std::string pathOfZone(std::string_view name) {
 /// Reads the file again even if the zone is known.
 const Zone* readNamedZone(std::string_view name) {
     const Zone* const zone = isZoneName(name) ? zoneFromFile(pathOfZone(name), std::string(name)) : nullptr;
+    // These two exist on every system, with or without zone files.
     if (zone == nullptr && (name == "UTC" || name == "GMT")) {
         return zoneFromNotation(name == "UTC" ? "UTC0" : "GMT0", name);
     }
@@ -152,6 +161,7 @@ std::string nameOfZoneFile(const std::string& path) {
     target.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
     static constexpr std::string_view marker = "/zoneinfo/";
     for (const std::string_view candidate : {std::string_view(target), std::string_view(path)}) {
+        // The last occurrence: below it there are only names.
         const std::size_t found = candidate.rfind(marker);
         if (found != std::string_view::npos && isZoneName(candidate.substr(found + marker.size()))) {
             return std::string(candidate.substr(found + marker.size()));
@@ -165,6 +175,7 @@ const Zone* zoneFromSetting(const char* value) {
         return zoneFromFile(localZoneFile, nameOfZoneFile(localZoneFile));
     }
     std::string_view text(value);
+    // The colon says that what follows is for the system to interpret; here it makes no difference.
     if (text.starts_with(':')) {
         text.remove_prefix(1);
     }
@@ -172,11 +183,13 @@ const Zone* zoneFromSetting(const char* value) {
         const std::string path(text);
         return zoneFromFile(path, nameOfZoneFile(path));
     }
+    // Names first: "EST5EDT" could be read as either.
     const Zone* const zone = readNamedZone(text);
     return zone != nullptr ? zone : zoneFromNotation(text, text);
 }
 
 /// Null when there is no memory.
+/// The calling host must not notice, whatever fails: log lines ask.
 const Zone* readProcessZone() noexcept {
     const CallerState keeper;
     try {
@@ -198,6 +211,7 @@ const Zone* readProcessZone() noexcept {
 
 // A block of 4096 seconds has its number in the upper 40 bits, and the offset, made positive, in the
 // lower 24.
+// About an hour: a log's next line nearly always falls into the same block.
 constexpr int blockBits = 12;
 constexpr std::int64_t blockSeconds = std::int64_t{1} << blockBits;
 constexpr int offsetBits = 24;
@@ -224,6 +238,7 @@ const Zone* namedZone(const char* name, std::size_t length) {
         return nullptr;
     }
     const std::string source = "file:" + pathOfZone(text);
+    // The folder may have changed since, so the path is compared as well.
     const Zone* const known =
         findZone([&source, text](const Zone& zone) { return zone.source == source && zone.name == text; });
     return known != nullptr ? known : readNamedZone(text);
@@ -235,6 +250,7 @@ const Zone* processZone() noexcept {
 }
 
 void rereadProcessZone() noexcept {
+    // Only on success: a known zone is better than none.
     if (const Zone* const zone = readProcessZone()) {
         ownZone.store(zone, std::memory_order_release);
     }
@@ -251,12 +267,14 @@ ZonePeriod zonePeriodAt(const Zone* zone, std::int64_t seconds) noexcept {
                            : ZonePeriod{INT64_MIN, INT64_MAX, 0, false, "UTC"};
 }
 
+// Called for each log line, by any thread: a load and a comparison, unless the hour or the clocks changed.
 std::int32_t zoneOffsetAt(const Zone* zone, std::int64_t seconds) noexcept {
     if (zone == nullptr) {
         return 0;
     }
     const std::int64_t block = seconds >> blockBits;
     const std::uint64_t known = zone->lastOffset.load(std::memory_order_relaxed);
+    // A word of 0 would be the block at 1970 with the lowest offset, which no zone has.
     if (blockOfWord(known) == block && known != 0) [[likely]] {
         return offsetOfWord(known);
     }

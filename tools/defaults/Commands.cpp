@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// The commands of `defaults`: each takes its words, works on a domain, and prints. Everything that can go
+// wrong ends the command by an exception with a message, so that no function needs a result for failures.
 #include "tools/defaults/Commands.h"
 
 #include <cstdio>
@@ -16,6 +18,8 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
+/// On a terminal, control characters of a value are spelled out: they could move the cursor or start
+/// commands. A file or a pipe gets the exact text.
 void print(const NSString& text) {
     const bool isShown = ::isatty(STDOUT_FILENO) == 1;
     const std::string bytes = isShown ? onTerminal(text.utf8()) : text.utf8();
@@ -27,6 +31,7 @@ void print(const NSString& text) {
     fail("the domain %@ has no key %@", domain.name, key);
 }
 
+/// A domain without a file is a mistake of the user's here, unlike for applications.
 NSDictionary existingDomain(const Domain& domain) {
     NSDictionary values = readDomain(domain);
     if (!values) {
@@ -35,6 +40,7 @@ NSDictionary existingDomain(const Domain& domain) {
     return values;
 }
 
+/// A missing domain and a missing key have messages of their own: the name of either may be misspelled.
 NSObject existingValue(const Domain& domain, const NSString& key) {
     NSObject value = existingDomain(domain).objectForKey(key);
     if (!value) {
@@ -43,6 +49,7 @@ NSObject existingValue(const Domain& domain, const NSString& key) {
     return value;
 }
 
+/// An existing key keeps its place in the file.
 NSDictionary withValue(const NSDictionary& values, const NSString& key, const NSObject& value) {
     NSMutableDictionary changed(values);
     changed.setObject_forKey(value, key);
@@ -61,7 +68,7 @@ std::vector<Domain> allDomains() {
 /// Domains that cannot be read: they must not hide the others, yet the command has failed.
 class Unreadable {
 public:
-    /// Nil for such a domain, and for one that is gone.
+    /// Nil for such a domain, and for one that is gone. Only the first message is kept: one line is enough.
     NSDictionary read(const Domain& domain) {
         try {
             return readDomain(domain);
@@ -88,11 +95,13 @@ private:
 
 // read
 
+/// How a value is printed: as its description, or as JSON.
 using Printer = NSString (*)(const NSObject& value);
 
 NSString asDescription(const NSObject& value) { return value.description(); }
 NSString asJson(const NSObject& value) { return jsonOf(value); }
 
+/// Prints what can be read before it fails for what cannot.
 void readAllDomains(Printer printer) {
     Unreadable unreadable;
     NSMutableDictionary all;
@@ -105,6 +114,8 @@ void readAllDomains(Printer printer) {
     unreadable.tell();
 }
 
+/// The option may be anywhere among the words: a domain or key of that name cannot be read, which is
+/// acceptable.
 void read(const Words& words) {
     Words rest;
     for (const std::string& word : words) {
@@ -134,6 +145,8 @@ void readType(const Words& words) {
 
 // write
 
+/// The new value of a key to which elements or entries are added; without an old one, they are the value. An
+/// old value of another type is not replaced: the user would lose it.
 NSObject added(const NSObject& before, const WrittenValue& addition, const NSString& key) {
     if (addition.manner == WrittenValue::Manner::addToArray) {
         if (before && !NSArray(before)) {
@@ -154,6 +167,8 @@ NSObject added(const NSObject& before, const WrittenValue& addition, const NSStr
     return entries.dictionary();
 }
 
+/// One word after the domain is a dictionary of all values, or a key whose value is missing: text is never
+/// taken for a domain.
 void writeWholeDomain(const Domain& domain, const std::string& word) {
     const NSDictionary values(valueFromWord(word));
     if (!values) {
@@ -162,6 +177,7 @@ void writeWholeDomain(const Domain& domain, const std::string& word) {
     changeDomain(domain, [&](const NSDictionary&) { return values; });
 }
 
+/// The value is read before the file is locked, so that a mistake in it makes nobody wait.
 void write(const Words& words) {
     const Domain domain = domainFromWord(words[1]);
     if (words.size() == 3) {
@@ -179,7 +195,8 @@ void write(const Words& words) {
 
 // remove, rename
 
-/// Whether applications find the key in the global domain when this one does not have it.
+/// Whether applications find the key in the global domain when this one does not have it. A file given by its
+/// path is no domain that applications search.
 bool isSetGlobally(const Domain& domain, const NSString& key) {
     const Domain global = domainFromWord("-g");
     if (!domain.isNamed || domain.name == global.name) {
@@ -192,6 +209,8 @@ bool isSetGlobally(const Domain& domain, const NSString& key) {
     }
 }
 
+/// Says where the value that the user sees may come from: a command that seems to have no effect is the usual
+/// question.
 [[noreturn]] void failToRemove(const Domain& domain, const NSString& key) {
     if (isSetGlobally(domain, key)) {
         fail("the domain %@ has no key %@, but the global domain has it (%s remove -g %@)", domain.name, key,
@@ -202,6 +221,8 @@ bool isSetGlobally(const Domain& domain, const NSString& key) {
          domain.name, key);
 }
 
+/// Fails after the removal, too, if the key remains in effect: a script must not believe that a switch is
+/// off.
 void removeKey(const Domain& domain, const NSString& key) {
     if (!readDomain(domain)) {
         failToRemove(domain, key); // makes no file, and no folder for one
@@ -229,6 +250,8 @@ void remove(const Words& words) {
     }
 }
 
+/// Looks for the key before it opens the domain for writing, which would make its folder, and again under the
+/// lock.
 void rename(const Words& words) {
     const Domain domain = domainFromWord(words[1]);
     const NSString oldKey(words[2]);
@@ -261,12 +284,13 @@ void listDomains(const Words&) {
     print(names.array().componentsJoinedByString(", "));
 }
 
+/// By units and ignoring case, wherever the word is in the text.
 bool mentions(const NSString& text, const NSString& word) {
     return text.containsString_caseInsensitiveSearch(word, true);
 }
 
 /// Whether anything inside the value does. Descriptions of collections would not do: they spell characters
-/// out.
+/// out. The stack is explicit, because files may be nested deeply.
 bool mentionsInside(const NSObject& value, const NSString& word) {
     std::vector<NSObject> waiting{value};
     while (!waiting.empty()) {
@@ -286,7 +310,8 @@ bool mentionsInside(const NSObject& value, const NSString& word) {
     return false;
 }
 
-/// How many entries of the domain mention the word; those are printed.
+/// How many entries of the domain mention the word; those are printed. If the domain's own name does, all of
+/// them count.
 std::size_t findInDomain(const Domain& domain, const NSDictionary& values, const NSString& word) {
     const bool isWhole = mentions(domain.name, word);
     NSMutableDictionary found;
@@ -303,6 +328,7 @@ std::size_t findInDomain(const Domain& domain, const NSDictionary& values, const
     return count;
 }
 
+/// Domains that cannot be read come before "nothing found", which could be wrong because of them.
 void find(const Words& words) {
     Unreadable unreadable;
     std::size_t count = 0;
@@ -317,18 +343,22 @@ void find(const Words& words) {
 
 // import, export
 
+/// The file is read before the domain is locked: it may be a pipe whose writer is slow.
 void importDomain(const Words& words) {
     const Domain domain = domainFromWord(words[1]);
     const NSDictionary values = readDictionary(words[2]);
     changeDomain(domain, [&](const NSDictionary&) { return values; });
 }
 
+/// A domain without a file fails before the file to write is touched.
 void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFromWord(words[1])), words[2]); }
 
 // lint
 
+/// More would scroll the first ones off a terminal.
 constexpr std::size_t mostLines = 20;
 
+/// Faults are the command's result, and still go to standard error: scripts look at the status.
 void lint(const Words& words) {
     const std::vector<std::string> faults = faultsOf({words.begin() + 1, words.end()});
     for (std::size_t index = 0; index < faults.size() && index < mostLines; ++index) {
@@ -342,16 +372,17 @@ void lint(const Words& words) {
     }
 }
 
-/// A command, in one of the forms that it may have.
+/// A command, in one of the forms that it may have; the forms of one command follow each other.
 struct Command {
     const char* name;
-    const char* arguments;
+    const char* arguments; ///< as the help shows them
     const char* purpose;
     std::size_t leastWords; ///< with the command's own name
-    std::size_t maxWords;
+    std::size_t maxWords;   ///< `any` for no limit
     void (*run)(const Words&);
 };
 
+/// A number of words that is never exceeded.
 constexpr std::size_t any = static_cast<std::size_t>(-1);
 
 constexpr Command commands[] = {
@@ -369,6 +400,7 @@ constexpr Command commands[] = {
     {"lint", "<file>...", "check property lists, and string tables of all languages", 2, any, lint},
 };
 
+/// One line, or two where the arguments leave no room for the purpose.
 std::string lineOf(const Command& command) {
     constexpr std::size_t column = 37;
     std::string line = std::string("  ").append(command.name).append(" ").append(command.arguments);
@@ -379,6 +411,7 @@ std::string lineOf(const Command& command) {
 
 } // namespace
 
+// All forms of one command have its name, so its help shows them all.
 std::string listOfCommands(const std::string& name) {
     std::string list;
     for (const Command& command : commands) {
@@ -387,6 +420,8 @@ std::string listOfCommands(const std::string& name) {
     return list;
 }
 
+// The first form that takes this number of words is carried out. Without one, the first form of the command
+// is shown.
 void runCommand(const Words& words) {
     const Command* known = nullptr;
     for (const Command& command : commands) {

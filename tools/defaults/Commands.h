@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares the commands of `defaults`.
 #ifndef ZQFOUNDATION_DEFAULTS_COMMANDS_H
 #define ZQFOUNDATION_DEFAULTS_COMMANDS_H
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Reads the arguments that a format takes, with the library's own parser: what this finds equal is equal at
+// run time.
 #include "tools/defaults/Conversions.h"
 
 #include <map>
@@ -14,6 +16,7 @@ using detail::FormatConversion;
 using detail::FormatField;
 using detail::FormatLength;
 
+/// The shortest spelling: "%ld", "%lld" and "%zd" all take 64 bits.
 std::string lengthText(FormatLength length) {
     switch (length) {
     case FormatLength::bits8:
@@ -29,7 +32,8 @@ std::string lengthText(FormatLength length) {
     }
 }
 
-/// Empty for a conversion that takes no argument.
+/// What an argument must be, by one conversion for all that read it in the same way. Empty for a conversion
+/// that takes no argument.
 std::string typeText(const FormatConversion& conversion) {
     switch (detail::formatClassOf(conversion.letter)) {
     case FormatClass::object:
@@ -53,7 +57,8 @@ std::string typeText(const FormatConversion& conversion) {
     }
 }
 
-/// The types of the arguments that the conversions read so far.
+/// The types of the arguments that the conversions read so far. Translations may use them in another order
+/// and more than once, so they are kept by position.
 class Arguments {
 public:
     void add(const FormatConversion& conversion) {
@@ -66,6 +71,7 @@ public:
         types_[conversion.position > 0 ? conversion.position : ++last_] = type;
     }
 
+    /// By position, so that the order in which a translation uses them does not matter.
     std::string text() const {
         std::string text;
         for (const auto& [position, type] : types_) {
@@ -75,6 +81,7 @@ public:
     }
 
 private:
+    /// A width or precision "*" takes an integer too.
     void addField(const FormatField& field) {
         if (field.source == FormatField::Source::nextArgument) {
             types_[++last_] = "%d";
@@ -89,6 +96,8 @@ private:
 
 } // namespace
 
+// What is cut off at the end is no conversion. After "% ", which is text here, reading goes on with the
+// space, not with what follows the supposed conversion.
 std::string conversionsOf(const NSString& format) {
     const std::u16string units = format.utf16();
     const char16_t* at = units.data();

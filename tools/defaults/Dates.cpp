@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Reads dates from the command line, strictly: a misspelled date must not become another one. No locale and
+// no time zone of the user's matters, so that a script writes the same everywhere.
 #include "tools/defaults/Dates.h"
 
 #include "foundation/objects/CivilTime.h"
@@ -8,7 +10,7 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
-/// Reads a text from front to back.
+/// Reads a text from front to back. The terminating zero is no digit and no mark, so nothing reads beyond it.
 class Cursor {
 public:
     explicit Cursor(const std::string& text) noexcept : next_(text.c_str()) {}
@@ -37,6 +39,7 @@ private:
     const char* next_;
 };
 
+/// "2024-03-05", as days since 1970.
 bool takeDays(Cursor& cursor, std::int64_t& days) noexcept {
     int year = 0;
     int month = 0;
@@ -49,6 +52,7 @@ bool takeDays(Cursor& cursor, std::int64_t& days) noexcept {
            detail::civilFromDays(days) == detail::CivilDate{year, month, day};
 }
 
+/// "14:07" or "14:07:09", as seconds of the day. There is no second 60.
 bool takeTime(Cursor& cursor, int& seconds) noexcept {
     int hour = 0;
     int minute = 0;
@@ -63,6 +67,7 @@ bool takeTime(Cursor& cursor, int& seconds) noexcept {
     return true;
 }
 
+/// "Z", "+0100" or "+01:00", after a space or not, as seconds that local time is ahead of UTC.
 bool takeOffset(Cursor& cursor, int& seconds) noexcept {
     cursor.take(' ');
     if (cursor.take('Z')) {
@@ -87,6 +92,7 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
 
 } // namespace
 
+// Everything must be used up: text after a date is a mistake, too.
 NSDate dateFromText(const std::string& text) {
     Cursor cursor(text);
     std::int64_t days = 0;

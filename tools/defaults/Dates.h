@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares how a date is written on the command line.
 #ifndef ZQFOUNDATION_DEFAULTS_DATES_H
 #define ZQFOUNDATION_DEFAULTS_DATES_H
 

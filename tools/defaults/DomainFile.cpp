@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Opens, reads, locks and replaces files, and turns every failure into a message that names the file.
 #include "tools/defaults/DomainFile.h"
 
 #include <cerrno>
@@ -27,20 +28,24 @@ void demand(bool isDone, const NSString& error) {
     }
 }
 
+/// In the words of the library's own messages: "/a/b: Permission denied".
 [[noreturn]] void failWith(const std::string& path, int number) {
     NSString error;
     detail::refuseWith(&error, path, number);
     fail("%@", error);
 }
 
+/// Only for a person: a script's standard error stays empty if all goes well.
 void sayThatItWaits(const std::string& path) {
     if (::isatty(STDERR_FILENO) == 1) {
         std::fprintf(stderr, "%s: waiting for another writer of %s\n", programName, onOneLine(path).c_str());
     }
 }
 
+// Ten seconds: no writer keeps the lock that long unless it hangs.
 constexpr detail::LockWaiting waiting{10'000, sayThatItWaits};
 
+/// A value that XML cannot hold ends the command here, before the first byte is written.
 std::string xmlOf(const NSDictionary& dictionary) {
     std::string bytes;
     NSString error;
@@ -48,6 +53,7 @@ std::string xmlOf(const NSDictionary& dictionary) {
     return bytes;
 }
 
+/// The path is only for messages.
 NSDictionary dictionaryFrom(const Descriptor& file, const std::string& path) {
     NSDictionary values;
     NSString error;
@@ -55,7 +61,7 @@ NSDictionary dictionaryFrom(const Descriptor& file, const std::string& path) {
     return values;
 }
 
-/// A pipe whose reader is gone ends the program like any other.
+/// A pipe whose reader is gone ends the program like any other. A write may take only a part.
 void writeAll(int file, const std::string& bytes, const std::string& path) {
     for (std::size_t written = 0; written < bytes.size();) {
         const ssize_t count = ::write(file, bytes.data() + written, bytes.size() - written);
@@ -66,13 +72,15 @@ void writeAll(int file, const std::string& bytes, const std::string& path) {
     }
 }
 
+/// The item itself, not what a link refers to, and its folder: both decide whether it may be written.
 bool getInformation(const GuardedPlace& place, struct stat& item, struct stat& folder) noexcept {
     return ::fstat(place.folder.number(), &folder) == 0 &&
            ::fstatat(place.folder.number(), place.name.c_str(), &item, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 /// Opens a pipe, a device or what an object link stands for. What others have made in a shared folder is not
-/// even opened, as they would notice.
+/// even opened, as they would notice. It is checked again after the opening, because it may have been
+/// exchanged.
 Descriptor openForWriting(const GuardedPlace& place, const std::string& path) {
     struct stat item;
     struct stat folder;
@@ -95,6 +103,7 @@ Descriptor openForWriting(const GuardedPlace& place, const std::string& path) {
 
 } // namespace
 
+// A folder on the way that does not exist means that there is no file, as for the library.
 NSDictionary readDomain(const Domain& domain) {
     GuardedPlace place;
     if (!detail::reachGuarded(domain.path, place)) {
@@ -109,6 +118,7 @@ NSDictionary readDomain(const Domain& domain) {
     return values;
 }
 
+// The folder of named domains is made when it is missing; that of a path given by the user is not.
 LockedDomain::LockedDomain(const Domain& domain) {
     using Folder = detail::LockedFile::Folder;
     NSString error;
@@ -132,6 +142,7 @@ void LockedDomain::remove() const {
     demand(file_.remove(&error), error);
 }
 
+// The descriptor of standard input is duplicated, because the owner of a descriptor closes it.
 NSDictionary readDictionary(const std::string& path) {
     if (path == "-") {
         const Descriptor input(::dup(STDIN_FILENO));
@@ -148,6 +159,7 @@ NSDictionary readDictionary(const std::string& path) {
     return dictionaryFrom(file, path);
 }
 
+// Under the lock: another writer may be about to replace the file.
 void removeDomain(const Domain& domain) {
     const LockedDomain file(domain);
     if (!file.read()) {
@@ -156,6 +168,8 @@ void removeDomain(const Domain& domain) {
     file.remove();
 }
 
+// A regular file is replaced under its lock, as a domain is; the path need not be that of a domain. Anything
+// else is written to as it is.
 void writeDictionary(const NSDictionary& dictionary, const std::string& path) {
     if (path == "-") {
         writeAll(STDOUT_FILENO, xmlOf(dictionary), "standard output");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Finds the files of domains where applications look for them, with the library's own functions.
 #include "tools/defaults/Domains.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ namespace {
 constexpr const char* globalDomain = "NSGlobalDomain";
 constexpr const char* suffix = ".plist";
 
+/// The user names the file with or without ".plist"; messages repeat the word as it was typed.
 Domain domainOfPath(const std::string& word) {
     const std::string ending = suffix;
     const bool hasEnding =
@@ -24,6 +26,8 @@ Domain domainOfPath(const std::string& word) {
 
 } // namespace
 
+// A slash makes a path of a word, since no domain's name can contain one. A word that begins with a hyphen is
+// a misspelled option, not a domain: `write` would create it.
 Domain domainFromWord(const std::string& word) {
     if (word.find('/') != std::string::npos) {
         return domainOfPath(word);
@@ -43,8 +47,10 @@ Domain domainFromWord(const std::string& word) {
     return {name, path, true};
 }
 
+// For names that come from the folder itself: one may begin with a hyphen, which a word may not.
 Domain domainOfFile(const std::string& name) { return {name, detail::fileOfDomain(name), true}; }
 
+// Hidden files are no domains. A folder that does not exist holds none either.
 std::vector<std::string> namesOfDomains() {
     const NSArray files =
         NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(detail::defaultsFolder());

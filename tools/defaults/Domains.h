@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares domains: which file a word of the command line means.
 #ifndef ZQFOUNDATION_DEFAULTS_DOMAINS_H
 #define ZQFOUNDATION_DEFAULTS_DOMAINS_H
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares how a command ends with a message. The program prints it and decides about the exit status.
 #ifndef ZQFOUNDATION_DEFAULTS_FAILURE_H
 #define ZQFOUNDATION_DEFAULTS_FAILURE_H
 
@@ -25,6 +26,7 @@ template <class... Arguments>
     throw Failure{NSString::stringWithFormat(format, arguments...).utf8()};
 }
 
+/// The same for Misuse.
 template <class... Arguments>
 [[noreturn]] void misuse(FormatString<std::type_identity_t<Arguments>...> format,
                          const Arguments&... arguments) {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Writes values as JSON, with an iteration over the value instead of recursion, so that no depth is too much
+// for the stack.
 #include "tools/defaults/Json.h"
 
 #include <cmath>
@@ -18,8 +20,11 @@ namespace {
 
 using Event = detail::ValueWalk::Event;
 
+/// By the function that the other tool uses, so that both escape alike.
 std::string quoted(const NSString& text) { return zqmigrate::quoted(text.utf8()); }
 
+/// In full precision and the shortest form that is read as the same number. JSON has no infinite numbers and
+/// no NaN.
 std::string numberText(const NSNumber& number) {
     if (number.isBoolean()) {
         return number.boolValue() ? "true" : "false";
@@ -35,13 +40,14 @@ std::string numberText(const NSNumber& number) {
     return std::string(digits, detail::writeShortestRealText(digits, digits + sizeof digits, value));
 }
 
-/// From "2024-03-05 14:07:09 +0000".
+/// From "2024-03-05 14:07:09 +0000", the description of a date, which is in UTC.
 std::string dateText(const NSDate& date) {
     std::string text = date.description().utf8();
     text[text.find(' ')] = 'T';
     return text.replace(text.rfind(' '), std::string::npos, "Z");
 }
 
+/// A value of any type that a property list can hold but collections.
 std::string scalarText(const NSObject& value) {
     if (const NSNumber number = value.as<NSNumber>()) {
         return numberText(number);
@@ -55,6 +61,7 @@ std::string scalarText(const NSObject& value) {
     return quoted(NSString(value));
 }
 
+/// Writes the events of a walk over a value: one line for each element, indented by two spaces a level.
 class JsonWriter {
 public:
     std::string write(const NSObject& value) {
@@ -69,6 +76,7 @@ public:
     }
 
 private:
+    /// The level of an opening bracket is that of what it contains, so one is subtracted for its own line.
     void writeEvent(const detail::ValueWalk& walk) {
         switch (walk.event()) {
         case Event::key:
@@ -109,7 +117,9 @@ private:
     void startLine(std::size_t depth) { text_.append("\n").append(2 * depth, ' '); }
 
     std::string text_;
+    // Of the innermost collection: whether nothing is before the next element, so no comma.
     bool isFirst_ = true;
+    // The next value belongs to a key on the same line.
     bool isAfterKey_ = false;
 };
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Checks property lists and string tables with the library's own parsers, so that what passes here is read
+// there.
 #include "tools/defaults/Lint.h"
 
 #include <map>
@@ -27,6 +29,7 @@ using Family = std::vector<Table>;
 
 bool isStringTable(const std::string& path) { return NSString(path).hasSuffix(".strings"); }
 
+/// The last `count` components of a path: "en.lproj/Localizable.strings" for 2.
 std::string lastNames(const std::string& path, int count) {
     std::size_t start = path.size();
     while (count-- > 0 && start != std::string::npos && start != 0) {
@@ -35,7 +38,8 @@ std::string lastNames(const std::string& path, int count) {
     return start == std::string::npos ? path : path.substr(start + 1);
 }
 
-/// The same for all languages of a table; empty for one that is in no folder of a language.
+/// The same for all languages of a table, with "*" for the language; empty for one that is in no folder of a
+/// language, which has nothing to be compared with.
 std::string familyName(const std::string& path) {
     const std::string table = lastNames(path, 1);
     const std::string folder = path.substr(0, path.size() - lastNames(path, 2).size());
@@ -43,8 +47,11 @@ std::string familyName(const std::string& path) {
     return language.hasSuffix(".lproj/") ? folder + "*/" + table : std::string();
 }
 
+/// Collects the faults of all files. Tables are compared after the last one was read, when all languages are
+/// known.
 class Linter {
 public:
+    /// The name decides how the file is read, as the library reads tables of this name.
     void look(const std::string& path) {
         path_ = path;
         std::string bytes;
@@ -60,6 +67,7 @@ public:
         }
     }
 
+    /// Each table is compared with all others of its family, so a key that one lacks is reported there.
     void compareLanguages() {
         for (const auto& [name, family] : families_) {
             for (const Table& table : family) {
@@ -77,6 +85,7 @@ private:
         faults_.push_back(path_ + ": " + NSString::stringWithFormat(format, arguments...).utf8());
     }
 
+    /// Without blocking: a pipe among the files is not waited for.
     bool read(std::string& bytes) {
         const detail::Descriptor file(
             detail::openAt(AT_FDCWD, path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
@@ -91,6 +100,7 @@ private:
         return true;
     }
 
+    /// As compilers do, so that editors find the place; without one for binary files.
     void tellPlace(const detail::PropertyListError& error) {
         if (error.line > 0) {
             faults_.push_back(
@@ -109,6 +119,7 @@ private:
         }
     }
 
+    /// Every value must be text; a number or a list is no text that could be shown.
     void lookAtTable(const NSDictionary& texts, const detail::PropertyListError& error) {
         if (!texts) {
             tellPlace(error);
@@ -138,6 +149,8 @@ private:
         }
     }
 
+    /// A text that lacks a key shows the key to the user. One that takes other arguments shows a wrong value,
+    /// which no look at the table alone reveals.
     void compareText(const Table& table, const Table& other, const NSString& key, const NSString& otherText) {
         const NSObject text = table.texts.objectForKey(key);
         if (!text) {
@@ -152,6 +165,7 @@ private:
         }
     }
 
+    /// For a message: "takes no arguments".
     static std::string shown(const std::string& conversions) {
         return conversions.empty() ? "no arguments" : conversions;
     }
@@ -163,6 +177,7 @@ private:
 
 } // namespace
 
+// A file without a family is only read; comparing needs at least two.
 std::vector<std::string> faultsOf(const std::vector<std::string>& paths) {
     Linter linter;
     for (const std::string& path : paths) {

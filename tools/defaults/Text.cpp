@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Spells out control characters. Bytes of UTF-8 pass as they are, except the control characters from U+0080
+// on.
 #include "tools/defaults/Text.h"
 
 #include <string_view>
@@ -9,6 +11,7 @@ namespace {
 
 bool isControl(unsigned char byte) noexcept { return byte < 0x20 || byte == 0x7F; }
 
+/// Always two digits, because the text that follows may begin with a digit.
 void appendHex(std::string& text, unsigned char byte) {
     constexpr const char* digits = "0123456789abcdef";
     text.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
@@ -38,8 +41,10 @@ std::string spelledOut(const std::string& text, std::string_view kept) {
 
 } // namespace
 
+// The name that the manual and the start-up report use.
 const char* programName = "defaults";
 
+// Any other name, such as that of a link, counts as "defaults", which messages and the manual use.
 void setProgramName(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     if (path.compare(slash == std::string::npos ? 0 : slash + 1, std::string::npos, "zqdefaults") == 0) {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Reads values from words of the command line: with a flag strictly as its type, without one as text or a
+// property list.
 #include "tools/defaults/Values.h"
 
 #include <charconv>
@@ -17,6 +19,7 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
+/// What a flag asks for; those from `array` on take all words that follow.
 enum class Type {
     none,
     string,
@@ -31,6 +34,7 @@ enum class Type {
     addToDictionary,
 };
 
+/// Some types have two flags; both mean the same.
 struct TypeFlag {
     const char* name;
     Type type;
@@ -45,6 +49,7 @@ constexpr TypeFlag flags[] = {
     {"-array-add", Type::addToArray}, {"-dict-add", Type::addToDictionary},
 };
 
+/// `none` for any other word, even one with a hyphen: it may be a value, such as -5.
 Type typeOfFlag(const std::string& word) noexcept {
     for (const TypeFlag& flag : flags) {
         if (word == flag.name) {
@@ -54,8 +59,10 @@ Type typeOfFlag(const std::string& word) noexcept {
     return Type::none;
 }
 
+/// Whether the flag takes all words that are left; the order of the enumerators says so.
 bool isCollection(Type type) noexcept { return type >= Type::array; }
 
+/// The standard function: it depends on no locale, and reports how far it has read.
 template <class Number>
 std::from_chars_result scanNumber(const char* first, const char* last, Number& number) {
     return std::from_chars(first, last, number);
@@ -63,6 +70,8 @@ std::from_chars_result scanNumber(const char* first, const char* last, Number& n
 
 #ifndef __cpp_lib_to_chars // a C++ library that reads whole numbers only
 
+/// A double, where the standard function is missing. Like that function, it takes no "+", knows infinity and
+/// NaN, and reports numbers that are too large or too small.
 std::from_chars_result scanNumber(const char* first, const char* last, double& number) {
     const NSString word = NSString(std::string(first, last)).lowercaseString();
     for (const char* const other : {"inf", "infinity", "nan"}) {
@@ -89,7 +98,8 @@ std::from_chars_result scanNumber(const char* first, const char* last, double& n
 
 #endif
 
-/// A number that takes the whole word.
+/// A number that takes the whole word. A leading "+" is allowed, which the scanner does not know; "+-5" is
+/// not.
 template <class Number>
 Number numberFromWord(const std::string& word, const char* what) {
     const char* const start = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
@@ -105,6 +115,7 @@ Number numberFromWord(const std::string& word, const char* what) {
     return number;
 }
 
+/// A closed list: any other word is more likely a mistake than a NO.
 bool booleanFromWord(const std::string& word) {
     const NSString lowered = NSString(word).lowercaseString();
     for (const char* const yes : {"yes", "true", "1"}) {
@@ -120,6 +131,7 @@ bool booleanFromWord(const std::string& word) {
     fail("\"%@\" is not a boolean: YES, NO, true, false, 1 or 0", word);
 }
 
+/// -1 for any other character. Setting the bit makes a lower-case letter of an upper-case one.
 int hexDigit(char character) noexcept {
     if (character >= '0' && character <= '9') {
         return character - '0';
@@ -128,6 +140,7 @@ int hexDigit(char character) noexcept {
     return letter >= 0 && letter < 6 ? 10 + letter : -1;
 }
 
+/// Pairs of hexadecimal digits, with spaces between pairs, as data are printed; never inside a pair.
 NSObject dataFromWord(const std::string& word) {
     std::string bytes;
     int half = -1;
@@ -150,6 +163,7 @@ NSObject dataFromWord(const std::string& word) {
     return NSData::dataWithBytes_length(bytes.data(), bytes.size());
 }
 
+/// A word as a type that was asked for; without one it is text, whatever it looks like.
 NSObject scalarFromWord(Type type, const std::string& word) {
     switch (type) {
     case Type::data:
@@ -185,6 +199,7 @@ NSObject elementFromWords(const Words& words, std::size_t& index) {
     return scalarFromWord(type, word);
 }
 
+/// Every word is an element, or two words if the first is a flag.
 NSArray arrayFromWords(const Words& words, std::size_t index) {
     NSMutableArray elements;
     while (index < words.size()) {
@@ -193,6 +208,7 @@ NSArray arrayFromWords(const Words& words, std::size_t index) {
     return elements.array();
 }
 
+/// Keys and values alternate. Of a key that is given twice the last value counts.
 NSDictionary dictionaryFromWords(const Words& words, std::size_t index) {
     NSMutableDictionary entries;
     while (index < words.size()) {
@@ -205,6 +221,7 @@ NSDictionary dictionaryFromWords(const Words& words, std::size_t index) {
     return entries.dictionary();
 }
 
+/// Only the first character decides, so that a mistake inside a list is reported and not stored as text.
 bool beginsLikePropertyList(const std::string& word) noexcept {
     const std::size_t start = word.find_first_not_of(" \t\n\r");
     return start != std::string::npos && std::string("{(<\"").find(word[start]) != std::string::npos;
@@ -212,6 +229,8 @@ bool beginsLikePropertyList(const std::string& word) noexcept {
 
 } // namespace
 
+// A mistake is reported, not stored as text: a list with a missing parenthesis would be a string for the
+// application. The message names the flag for those who mean text.
 NSObject valueFromWord(const std::string& word) {
     if (!beginsLikePropertyList(word)) {
         return NSString(word);
@@ -225,6 +244,7 @@ NSObject valueFromWord(const std::string& word) {
     return value;
 }
 
+// The four flags of collections take all words that are left; any other value must be the only one.
 WrittenValue valueFromWords(const Words& words, std::size_t first) {
     using Manner = WrittenValue::Manner;
     switch (typeOfFlag(words[first])) {
@@ -247,6 +267,7 @@ WrittenValue valueFromWords(const Words& words, std::size_t first) {
     return {Manner::replace, value};
 }
 
+// Numbers are named by what they hold, not by their common class.
 const char* nameOfType(const NSObject& value) {
     switch (detail::Access::kind(value)) {
     case detail::Kind::boolean:

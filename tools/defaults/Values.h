@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares values as the command line spells them.
 #ifndef ZQFOUNDATION_DEFAULTS_VALUES_H
 #define ZQFOUNDATION_DEFAULTS_VALUES_H
 
@@ -9,6 +10,7 @@
 
 namespace ZQFoundation::defaults {
 
+/// The arguments of the program, without its own name.
 using Words = std::vector<std::string>;
 
 /// What to do with the words after a key: a value that replaces the old one, or elements or entries that are

@@ -15,8 +15,10 @@ namespace ZQFoundation::defaults {
 
 namespace {
 
+/// As the manual says; scripts distinguish a failure from a mistake in the command line.
 enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
 
+/// The help is in two pieces: the list of commands, which is made from their table, is between them.
 constexpr const char helpStart[] = "Usage: %s <command> [<argument>]...\n"
                                    "\n"
                                    "Reads and changes the user defaults of applications.\n"
@@ -42,6 +44,7 @@ constexpr const char helpEnd[] =
     "\n"
     "Exit status: 0 on success, 1 for a failure, 2 for a wrong command line.\n";
 
+/// Shows the name by which the user has called the program.
 void printHelp() {
     std::printf(helpStart, programName);
     std::fputs(listOfCommands({}).c_str(), stdout);
@@ -50,7 +53,8 @@ void printHelp() {
 
 bool asksForHelp(const std::string& word) { return word == "--help" || word == "-h"; }
 
-/// Whether the words are a command and the wish to know what it takes.
+/// Whether the words are a command and the wish to know what it takes. For a command that does not exist
+/// nothing is printed: `runCommand` says so.
 bool printHelpOfCommand(const Words& words) {
     const std::string list = words.size() == 2 && asksForHelp(words[1]) ? listOfCommands(words[0]) : "";
     if (!list.empty()) {
@@ -59,19 +63,23 @@ bool printHelpOfCommand(const Words& words) {
     return !list.empty();
 }
 
+/// On one line, because a word of the user's or a file's name may contain line feeds.
 int complain(const std::string& message, ExitStatus status) {
     std::fprintf(stderr, "%s: %s%s\n", programName, onOneLine(message).c_str(),
                  status == misused ? " (try --help)" : "");
     return status;
 }
 
-/// A file-size limit is to be an error like a full disk.
+/// A file-size limit is to be an error like a full disk. The signal would end the program in the middle of a
+/// write, without a message.
 void takeFileSizeLimitAsError() {
     struct sigaction ignore {};
     ignore.sa_handler = SIG_IGN;
     ::sigaction(SIGXFSZ, &ignore, nullptr);
 }
 
+/// Arguments must be UTF-8: a key that was silently repaired would be another key. What was printed is
+/// checked at the end, because a full disk shows only when the stream is flushed.
 int run(const Words& words) {
     for (const std::string& word : words) {
         if (!detail::isWellFormedUtf8(word.data(), word.size())) {

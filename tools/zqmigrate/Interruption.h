@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Counts the signals that stop the work.
 #ifndef ZQFOUNDATION_ZQMIGRATE_INTERRUPTION_H
 #define ZQFOUNDATION_ZQMIGRATE_INTERRUPTION_H
 
@@ -9,9 +10,11 @@
 /// what is done after that. Any thread.
 namespace ZQFoundation::zqmigrate {
 
+/// 0 before the first one, whose number the exit status has.
 inline std::atomic<int> firstSignal{0};
 inline std::atomic<int> signalCount{0};
 
+/// The handler: it only counts, so it is safe wherever it interrupts.
 extern "C" inline void countSignal(int number) {
     int none = 0;
     firstSignal.compare_exchange_strong(none, number);

@@ -24,6 +24,8 @@ struct Place {
     auto operator<=>(const Place&) const = default;
 };
 
+/// Goes up the path to the first folder that exists, so that two spellings of one destination give one place,
+/// even if folders of both are still to be made.
 Place placeOf(const std::string& path) {
     for (std::size_t slash = path.rfind('/');; slash = path.rfind('/', slash - 1)) {
         const bool isRelative = slash == std::string::npos;
@@ -35,7 +37,8 @@ Place placeOf(const std::string& path) {
     }
 }
 
-/// Where a link leads; empty for what is none.
+/// Where a link leads, as a path; empty for what is none. A target that is too long for a path is cut off,
+/// and is then found nowhere.
 std::string targetOfLink(const std::string& path) {
     std::string text(4096, '\0');
     const ssize_t length = ::readlink(path.c_str(), text.data(), text.size());
@@ -48,6 +51,8 @@ class Conflicts {
 public:
     explicit Conflicts(const Request& request) : request_(request) {}
 
+    /// The first reason that applies is noted. Originals change only if they are moved or may be overwritten;
+    /// in a run that only copies to free places, they are safe.
     void note(std::vector<Item>& items) {
         for (const Item& item : items) {
             originals_.emplace(placeOf(sourceOf(item)), &item);
@@ -70,6 +75,7 @@ private:
         return bytesOf(request_.source.stringByAppendingPathComponent(item.path));
     }
 
+    /// An item that is its own destination or target is no conflict of two files.
     bool isOtherOriginal(const std::string& path, const Item& item) const {
         const auto found = path.empty() ? originals_.end() : originals_.find(placeOf(path));
         return found != originals_.end() && found->second != &item;
@@ -91,7 +97,7 @@ private:
     std::map<Place, bool> taken_; ///< true for folders
 };
 
-/// Collects the plans of a batch.
+/// Collects the plans of a batch. Planning copies nothing, so the questions of a copy never come.
 class Collector final : public BatchMigration::Observer {
 public:
     explicit Collector(ZQMigrationObserver& observer) : observer_(observer) {}
@@ -115,6 +121,7 @@ private:
 
 } // namespace
 
+// The library's own plan, without its side effects: the folders are found without recovering what is in them.
 std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& observer) {
     const detail::MigrationPolicy policy{request.keepOriginal, request.createDestinationParentFolder,
                                          request.overwriteDestination, request.renameIfDestinationExists};

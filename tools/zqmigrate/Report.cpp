@@ -36,6 +36,7 @@ constexpr struct {
      "no part of a copy is left; what --overwrite replaces may be gone", true},
 };
 
+/// In the user's language, like the library's own texts; the hints below are English only.
 NSString descriptionOf(const Item& item) {
     return ZQFileMigrator::descriptionOfFileMigrationRetvalType(item.code);
 }
@@ -59,10 +60,12 @@ std::string linesOf(const Request& request, const Item& item) {
            (item.note ? "\n      note: " + shown(item.note) : "") + "\n";
 }
 
+/// `"<name>": true`, a member of a JSON object.
 std::string flag(const char* name, bool value) {
     return std::string("\"").append(name).append(value ? "\": true" : "\": false");
 }
 
+/// `"<name>": [...]`, one element a line. The elements are JSON already.
 std::string array(const char* name, const std::vector<std::string>& members) {
     std::string text = std::string("\"").append(name).append("\": [");
     for (const std::string& member : members) {
@@ -71,12 +74,14 @@ std::string array(const char* name, const std::vector<std::string>& members) {
     return text.append("]");
 }
 
-/// "3 files", "1 folder".
+/// In a run for a folder the one item is a folder, else items are files, also links and devices.
 std::string counted(std::uint64_t count, const Request& request) {
     return grouped(count) + (request.operation == Operation::folder ? " folder" : " file") +
            (count == 1 ? "" : "s");
 }
 
+/// One sentence: how many of how many items were migrated, or would be in a trial, and what is left to do. A
+/// run without files is not a failure, but it is reported.
 std::string howItWent(const Request& request, const Outcome& outcome) {
     const std::uint64_t left = outcome.left();
     const std::uint64_t count = outcome.migrated + left;
@@ -109,12 +114,14 @@ std::string listed(const Request& request, std::size_t count, const LineAt& line
     return count <= maxListed ? text : text + more + (request.isJson ? "\n" : "; --json lists all\n");
 }
 
+/// Each path in a line of its own, as a message of the program.
 std::string listedPaths(const Request& request, const std::vector<NSString>& paths, const char* complaint) {
     return listed(request, paths.size(), [&](std::size_t index) {
         return messageLine(NSString::stringWithFormat("%@: %s", paths[index], complaint));
     });
 }
 
+/// Failed items with their reasons, then those that a signal has kept from being reached.
 std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     const std::size_t failed = outcome.failed.size();
     return listed(request, outcome.left(), [&](std::size_t index) {
@@ -125,6 +132,7 @@ std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     });
 }
 
+/// Each hint once, however many items have its code; none about an attempt that a trial did not make.
 std::string hintsFor(const Request& request, const Outcome& outcome) {
     std::string text;
     for (const auto& hint : hints) {
@@ -139,8 +147,10 @@ std::string hintsFor(const Request& request, const Outcome& outcome) {
 
 } // namespace
 
+// Control characters of a path in it are spelled out, so it is one line.
 std::string messageLine(const NSString& message) { return "zqmigrate: " + shown(message) + "\n"; }
 
+// The request as it was understood, so that a report that is found later explains itself.
 std::string beginningOfReport(const Request& request) {
     if (!request.isJson) {
         return {};
@@ -157,6 +167,8 @@ std::string beginningOfReport(const Request& request) {
            ",\n\"items\": [\n";
 }
 
+// For a person, standard output has what was done, and failures go to standard error with the summary. A
+// program gets all items in one list.
 std::string reportOfItem(const Request& request, const Item& item, bool isFirst) {
     if (!request.isJson) {
         return request.isQuiet || item.code != kFileMigrationSuccess ? "" : linesOf(request, item);
@@ -168,6 +180,8 @@ std::string reportOfItem(const Request& request, const Item& item, bool isFirst)
            (item.note ? ", \"note\": " + quoted(item.note) : "") + "}\n";
 }
 
+// Every member is always there, so that a program need not look for it. `left` is what a second run would
+// have to do.
 std::string endOfReport(const Request& request, const Outcome& outcome) {
     if (!request.isJson) {
         return {};
@@ -201,6 +215,7 @@ std::string endOfReport(const Request& request, const Outcome& outcome) {
            flag("interrupted", outcome.signal != 0) + ",\n" + flag("success", outcome.isSuccess()) + "\n}\n";
 }
 
+// A quiet run that went well reports only what is unusual: folders, links and notes.
 std::string summaryOf(const Request& request, const Outcome& outcome) {
     if (outcome.error) {
         return messageLine(outcome.error);

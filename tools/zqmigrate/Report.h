@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares what is printed.
 #ifndef ZQFOUNDATION_ZQMIGRATE_REPORT_H
 #define ZQFOUNDATION_ZQMIGRATE_REPORT_H
 

@@ -31,6 +31,7 @@ constexpr struct Switch {
     {"--version", 0, &Request::wantsVersion},
 };
 
+/// The message ends the program with the status of a wrong command line.
 void refuseIf(bool isWrong, const std::string& message) {
     if (isWrong) {
         throw std::invalid_argument(message);
@@ -50,6 +51,7 @@ void takeSwitches(const std::string& word, Request& request) {
     }
 }
 
+/// Without its period, as the library takes it.
 void takeExtension(const std::string& value, Request& request) {
     refuseIf(request.extension != nullptr, "there is more than one --extension");
     // Such a one would select nothing, which would pass for success. For the library the empty one is every
@@ -77,6 +79,7 @@ void takeOperands(const Words& operands, Request& request) {
     request.destination = isName ? pathOf("./" + operands[2]) : request.to.stringByExpandingTildeInPath();
 }
 
+/// Rejected, not resolved by an order of precedence that nobody remembers: files are at stake.
 void refuseContradictions(const Request& request) {
     refuseIf(!request.isBatch() && (request.extension != nullptr || request.includeDotFiles),
              "--extension and --dot-files are for batch only");
@@ -87,6 +90,8 @@ void refuseContradictions(const Request& request) {
 
 } // namespace
 
+// Options may follow operands. The first wish for help or the version ends the reading: what comes after it
+// may be wrong.
 Request requestFromWords(const Words& words) {
     const std::string extension = "--extension";
     Request request;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares what the command line asks for.
 #ifndef ZQFOUNDATION_ZQMIGRATE_REQUEST_H
 #define ZQFOUNDATION_ZQMIGRATE_REQUEST_H
 
@@ -11,6 +12,7 @@ namespace ZQFoundation::zqmigrate {
 
 using Words = std::vector<std::string>;
 
+/// The commands, in the order of `operationNames`.
 enum class Operation { file, folder, batch };
 
 /// What the command line asks for.

@@ -30,6 +30,7 @@ struct FoundItem {
     bool isRelativeLink = false; ///< that leads somewhere
 };
 
+/// Whether the folder can be walked, which takes both permissions: for the effective user, as in a migration.
 bool isUsable(const detail::ItemPlace& folder) {
     return ::faccessat(folder.folder(), folder.name(), R_OK | X_OK, AT_EACCESS) == 0;
 }
@@ -78,12 +79,15 @@ std::uint64_t freeBytesAt(std::string path) {
     return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
 }
 
+/// One run: a survey for the totals, the work, and a second look at what the work did not reach. The library
+/// reports each file; what it ignores without a report is found by the two looks.
 class Run final : public ZQMigrationObserver {
 public:
     Run(const Request& request, Screen& screen) : request_(request), screen_(screen) {
         source_.open(bytesOf(request.source));
     }
 
+    /// After a complaint about the source there is nothing to survey or to do.
     Outcome run() {
         screen_.write(beginningOfReport(request_));
         const NSString complaint = request_.isBatch() ? complaintAbout(source_) : NSString();
@@ -99,6 +103,8 @@ public:
         return outcome_;
     }
 
+    /// The first signal stops the work before the next item; the one in progress is remembered as not
+    /// reached.
     bool migrationMayContinue(const ZQMigrationProgress& now) override {
         progress_.items = now.items;
         progress_.bytes = now.bytes;
@@ -117,7 +123,8 @@ public:
     }
 
 private:
-    /// False when there was a signal more than `count`.
+    /// Visits every item that the request is about. False when there was a signal more than `count`: the one
+    /// after that which has stopped the work also stops the search for what is left.
     template <class Visit>
     bool goThrough(int count, const Visit& visit) {
         FoundItem item;
@@ -146,6 +153,8 @@ private:
         return true;
     }
 
+    /// Counts items and bytes before the work, for the bar, and notes what the library does not report:
+    /// folders that cannot be read, and relative links, which may be dangling at their new place.
     void survey() {
         const bool isWhole = goThrough(0, [this](const FoundItem& item) {
             if (item.isUnreadableFolder) {
@@ -170,6 +179,7 @@ private:
         screen_.show(progress_);
     }
 
+    /// The results arrive through the observer, so those that are returned are not needed.
     void migrate() {
         if (request_.isBatch()) {
             static_cast<void>(ZQFileMigrator::migrateFiles(request_.extension, request_.source,
@@ -181,6 +191,7 @@ private:
         static_cast<void>(migrateOne(request_.source, request_.destination, request_, this));
     }
 
+    /// A trial, with what it cannot foresee as notes.
     void plan() {
         std::uint64_t notes = 0;
         for (const Item& item : plannedItems(request_, *this)) {
@@ -205,6 +216,8 @@ private:
         }
     }
 
+    /// Reports an item at once, so that a run that is killed has reported what it did. The links of a
+    /// migrated tree are checked at the end, when everything they may refer to has arrived.
     void finish(const Item& item) {
         screen_.write(reportOfItem(request_, item, reached_.empty()));
         reached_.insert(bytesOf(item.path));
@@ -244,6 +257,7 @@ private:
         outcome_.isMoreNotReached = request_.isBatch() && !goThrough(1, visit);
     }
 
+    /// A trial has made no copies to look at.
     void checkLinks() {
         for (const NSString& link : copiedLinks_) {
             if (!request_.isTrial && !NSFileManager::defaultManager().fileExistsAtPath(link)) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares a run of the tool and its outcome.
 #ifndef ZQFOUNDATION_ZQMIGRATE_RUN_H
 #define ZQFOUNDATION_ZQMIGRATE_RUN_H
 

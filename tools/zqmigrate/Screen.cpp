@@ -26,12 +26,14 @@ constexpr int patienceMilliseconds = 2000; ///< with a reader that takes nothing
 constexpr std::size_t minBar = 5;
 constexpr std::size_t maxBar = 40;
 
+/// Of a clock that nobody sets.
 std::int64_t seconds() {
     timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
     return now.tv_sec;
 }
 
+/// Needs a terminal that returns to the start of a line and erases its rest.
 bool canDrawBars() {
     const char* const kind = std::getenv("TERM");
     return ::isatty(STDERR_FILENO) == 1 && kind != nullptr && *kind != '\0' &&
@@ -44,12 +46,14 @@ bool isInBackground() {
     return group > 0 && group != ::getpgrp();
 }
 
+/// Asked for each drawing, because windows are resized.
 std::size_t columnCount() {
     winsize size{};
     const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
     return isKnown ? size.ws_col : 80;
 }
 
+/// At most 1: files may grow after they were counted.
 double partOf(std::uint64_t done, std::uint64_t total) {
     return done >= total ? 1 : static_cast<double>(done) / static_cast<double>(total);
 }
@@ -69,6 +73,8 @@ std::string amounts(std::uint64_t done, std::uint64_t total) {
 
 } // namespace
 
+// Waits for room before each piece, because a write that blocks could not be ended after a signal: handlers
+// restart it.
 bool writeAll(int descriptor, const std::string& bytes) {
     int waited = 0;
     for (std::size_t written = 0; written < bytes.size();) {
@@ -104,6 +110,8 @@ Screen::Screen(bool wantsBar) : start_(seconds()) {
     }
 }
 
+// If lines and bar share a terminal, the bar is erased first and drawn again below the text by its thread. A
+// failure is noted and the work goes on: half a migration is worse than one without a report.
 void Screen::write(const std::string& text) {
     std::unique_lock guard(mutex_, std::defer_lock); // a slow reader elsewhere does not block the bar
     if (sharesTerminal_ && !text.empty()) {
@@ -124,6 +132,7 @@ void Screen::finish() {
     }
 }
 
+// The mutex is held except while waiting, so that lines and bar never mix.
 void Screen::keepDrawing() {
     std::unique_lock guard(mutex_);
     do {
@@ -132,6 +141,7 @@ void Screen::keepDrawing() {
     erase();
 }
 
+// A program in the background must not write over the one in the foreground.
 void Screen::draw() {
     if (!isInBackground()) {
         writeAll(STDERR_FILENO, "\r" + bar(columnCount()) + "\x1B[K");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares standard output with a progress bar below it.
 #ifndef ZQFOUNDATION_ZQMIGRATE_SCREEN_H
 #define ZQFOUNDATION_ZQMIGRATE_SCREEN_H
 

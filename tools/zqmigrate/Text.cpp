@@ -15,6 +15,7 @@ constexpr struct {
     {0x2028, 0x202E}, {0x2060, 0x2064}, {0x2066, 0x2069}, {0xFEFF, 0xFEFF},
 };
 
+/// Whether the unit is in one of the ranges. Units will do: none of these characters needs two.
 bool isEffective(char16_t unit) noexcept {
     for (const auto& range : effective) {
         if (unit >= range.first && unit <= range.last) {
@@ -24,8 +25,10 @@ bool isEffective(char16_t unit) noexcept {
     return false;
 }
 
+/// A unit of a character beyond U+FFFF or, if it is unpaired, a byte that is no text.
 bool isSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDFFF; }
 
+/// JSON has its own escapes, of four digits; a person reads "\\n" and "\\x1b".
 void appendUnit(NSMutableString& line, char16_t unit, bool isJson) {
     const unsigned value = unit;
     if (isEffective(unit)) { // in JSON too: a terminal may be what reads it
@@ -42,7 +45,8 @@ void appendUnit(NSMutableString& line, char16_t unit, bool isJson) {
     line.appendCharacter(unit);
 }
 
-/// A byte of a name that is no text is an unpaired surrogate, U+DC00 + byte.
+/// A byte of a name that is no text is an unpaired surrogate, U+DC00 + byte. For a person it is spelled out
+/// as the byte; in JSON it becomes U+FFFD, and the exact bytes follow in a member of their own.
 std::string spelled(const NSString& text, bool isJson) {
     NSMutableString line;
     const std::u16string units = text.utf16();
@@ -68,6 +72,7 @@ NSString pathOf(const std::string& bytes) {
     return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
 }
 
+// A path that is no file name, by a surrogate that represents no byte, cannot come from the command line.
 std::string bytesOf(const NSString& path) {
     std::string bytes;
     return path.getFileSystemBytes(bytes) ? bytes : path.utf8();
@@ -77,6 +82,7 @@ std::string shown(const NSString& text) { return spelled(text, false); }
 
 std::string quoted(const NSString& text) { return "\"" + spelled(text, true) + "\""; }
 
+// Hexadecimal digits only where they are needed, so that programs can ignore them for ordinary names.
 std::string memberOfPath(const char* name, const NSString& path) {
     std::string member = std::string("\"").append(name).append("\": ").append(quoted(path));
     std::string text;
@@ -90,6 +96,7 @@ std::string memberOfPath(const char* name, const NSString& path) {
     return member;
 }
 
+// Commas in any locale: the program's own texts are English.
 std::string grouped(std::uint64_t number) {
     std::string digits = std::to_string(number);
     for (std::size_t place = digits.size(); place > 3;) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Declares names and numbers as text for people and for programs.
 #ifndef ZQFOUNDATION_ZQMIGRATE_TEXT_H
 #define ZQFOUNDATION_ZQMIGRATE_TEXT_H
 

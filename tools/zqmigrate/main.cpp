@@ -14,6 +14,7 @@ namespace ZQFoundation::zqmigrate {
 
 namespace {
 
+/// As the help says; a shell uses the same numbers for programs that a signal has ended.
 enum ExitStatus { succeeded = 0, failed = 1, misused = 2, firstOfSignals = 128 };
 
 constexpr const char help[] =
@@ -51,13 +52,14 @@ constexpr const char help[] =
     "Exit status: 0 if every file was migrated, 1 if one was not, 2 for a wrong command\n"
     "line, 128 plus the number of the signal that stopped the work.\n";
 
+/// After a mistake in the command line, with the way to the help.
 int complain(const std::string& message, ExitStatus status) {
     writeAll(STDERR_FILENO, messageLine(pathOf(message + (status == misused ? " (try --help)" : ""))));
     return status;
 }
 
 /// The next files to be opened would take the numbers of what the starter has closed, and the program's own
-/// lines would go into them. Writing stays an error.
+/// lines would go into them. Writing stays an error. The last descriptor, beyond the three, is closed again.
 bool fillStandardDescriptors() {
     int filler = 0;
     do {
@@ -66,10 +68,13 @@ bool fillStandardDescriptors() {
     return ::close(filler) == 0;
 }
 
+/// Help that cannot be written is a failure: a script may redirect it.
 int print(const char* text) {
     return writeAll(STDOUT_FILENO, text) ? succeeded : complain("standard output cannot be written", failed);
 }
 
+/// The bar is gone before the summary is written. A run whose report could not be written has failed, even if
+/// all files arrived: a program that reads the report would miss some.
 int migrate(const Request& request) {
     awaitSignals();
     Screen screen(!request.isQuiet);
@@ -89,6 +94,7 @@ int migrate(const Request& request) {
     return outcome.isSuccess() && !screen.isBroken() ? succeeded : failed;
 }
 
+/// Help and version do nothing else, whatever the other words are.
 int run(const Words& words) {
     const Request request = requestFromWords(words);
     if (request.wantsHelp) {
