@@ -2,14 +2,12 @@
 // Writes the platform's texts for values, collections indented.
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/CivilTime.h"
+#include "foundation/objects/CollectionLayout.h"
 #include "foundation/objects/Description.h"
-#include "foundation/objects/EntryOrder.h"
-#include "foundation/objects/KeyTable.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/NumberText.h"
@@ -18,13 +16,18 @@ namespace ZQFoundation {
 
 using detail::Access;
 using detail::AsciiOrUtf16;
-using detail::EntryPointer;
 using detail::Kind;
 using detail::TextBuilder;
 
 namespace {
 
-constexpr std::size_t indentation = 4;
+constexpr detail::CollectionLayout layout{
+    .array = {"(", "\n", ",\n", "\n", "\n", ")"},
+    .dictionary = {"{", "\n", ";\n", ";\n", "\n", "}"},
+    .set = {"{(", "\n", ",\n", "\n", "\n", ")}"},
+    .assignment = " = ",
+    .indentation = 4,
+};
 
 bool isCollection(const NSObject& object) noexcept {
     const Kind kind = Access::kind(object);
@@ -192,126 +195,28 @@ void appendMember(TextBuilder& out, const NSObject& object) {
     out.appendAscii('"');
 }
 
-/// Writes nested collections of any depth with an explicit stack.
-class IndentedWriter {
-public:
-    explicit IndentedWriter(TextBuilder& out) noexcept : out_(out) {}
-
-    void write(const NSObject& collection) {
-        open(collection);
-        while (!frames_.empty()) {
-            step();
-        }
-    }
-
-private:
-    struct Frame {
-        Kind kind;
-        std::size_t next;
-        std::size_t count;
-        bool inValue; ///< of a dictionary: the key has been written
-        const NSObject* elements;
-        std::vector<EntryPointer> entries;
-    };
-
-    void indent(std::size_t level) { out_.appendRepeated(' ', level * indentation); }
-
-    void open(const NSObject& collection) {
-        const Kind kind = Access::kind(collection);
-        indent(frames_.size());
-        if (kind == Kind::array) {
-            out_.appendLiteral("(\n");
-            detail::ArrayBody& body = *Access::array(collection);
-            frames_.push_back({kind, 0, body.count, false, body.elements(), {}});
-            return;
-        }
-        detail::TableBody& table = *detail::tableOf(collection);
-        if (kind == Kind::dictionary) {
-            out_.appendLiteral("{\n");
-            frames_.push_back(
-                {kind, 0, table.count, false, nullptr,
-                 detail::entriesInOrder(collection, [](const NSString& left, const NSString& right) {
-                     return left.compare(right) == NSOrderedAscending;
-                 })});
+void appendCollection(TextBuilder& out, const NSObject& collection) {
+    using Walk = detail::CollectionWalk;
+    for (Walk walk(collection, &NSString::compare); walk.next();) {
+        const detail::CollectionLayout::Lead lead = layout.leadOf(walk);
+        out.appendAscii(lead.text.data(), lead.text.size());
+        // A bracket is indented wherever its line begins, on top of what the line has already.
+        const std::size_t more = walk.event() == Walk::Event::open ? walk.depth() * layout.indentation : 0;
+        out.appendRepeated(' ', lead.spaces + more);
+        if (walk.event() == Walk::Event::leaf) {
+            appendMember(out, walk.value());
         } else {
-            out_.appendLiteral("{(\n");
-            std::vector<EntryPointer> members(table.count);
-            for (std::size_t i = 0; i < table.count; ++i) {
-                members[i] = table.entries() + i;
-            }
-            frames_.push_back({kind, 0, table.count, false, nullptr, std::move(members)});
+            const std::string_view bracket = layout.bracketOf(walk);
+            out.appendAscii(bracket.data(), bracket.size());
         }
     }
-
-    void close() {
-        const Frame& frame = frames_.back();
-        if (frame.count != 0 && frame.kind != Kind::dictionary) {
-            out_.appendAscii('\n');
-        }
-        const Kind kind = frame.kind;
-        frames_.pop_back();
-        indent(frames_.size());
-        if (kind == Kind::array) {
-            out_.appendAscii(')');
-        } else if (kind == Kind::dictionary) {
-            out_.appendAscii('}');
-        } else {
-            out_.appendLiteral(")}");
-        }
-    }
-
-    void member(const NSObject& object) {
-        if (isCollection(object)) {
-            open(object);
-        } else {
-            appendMember(out_, object);
-        }
-    }
-
-    void step() {
-        Frame& frame = frames_.back();
-        if (frame.kind == Kind::dictionary) {
-            stepEntry(frame);
-        } else if (frame.next == frame.count) {
-            close();
-        } else {
-            if (frame.next != 0) {
-                out_.appendLiteral(",\n");
-            }
-            indent(frames_.size());
-            const std::size_t index = frame.next++;
-            member(frame.elements != nullptr ? frame.elements[index] : frame.entries[index]->key);
-        }
-    }
-
-    void stepEntry(Frame& frame) {
-        if (frame.inValue) {
-            frame.inValue = false;
-            out_.appendLiteral(" = ");
-            member(frame.entries[frame.next++]->value);
-            return;
-        }
-        if (frame.next != 0) {
-            out_.appendLiteral(";\n");
-        }
-        if (frame.next == frame.count) {
-            close();
-            return;
-        }
-        indent(frames_.size());
-        frame.inValue = true;
-        member(frame.entries[frame.next]->key);
-    }
-
-    TextBuilder& out_;
-    std::vector<Frame> frames_;
-};
+}
 
 } // namespace
 
 void detail::appendDescription(TextBuilder& out, const NSObject& object) {
     if (isCollection(object)) {
-        IndentedWriter(out).write(object);
+        appendCollection(out, object);
     } else {
         appendLeaf(out, object);
     }

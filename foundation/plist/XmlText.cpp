@@ -2,8 +2,6 @@
 // Writes dictionaries as XML property lists that every reader accepts.
 #include "foundation/plist/XmlText.h"
 
-#include <vector>
-
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
@@ -13,48 +11,18 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-using Event = ValueWalk::Event;
-
-/// The place of a walk: the keys and indexes on the way there.
-class Place {
-public:
-    void follow(const ValueWalk& walk) {
-        if (walk.event() == Event::close) {
-            levels_.pop_back();
-            return;
-        }
-        if (walk.event() == Event::key) {
-            levels_.back().key = NSString(walk.value());
-            return;
-        }
-        if (!levels_.empty() && levels_.back().isArray) {
-            ++levels_.back().count;
-        }
-        if (walk.event() == Event::open) {
-            levels_.push_back({walk.isArray(), 0, NSString()});
+/// The keys and indexes on the way to where the walk is: "Windows[2].Title".
+std::string placeOf(const ValueWalk& walk) {
+    std::string text;
+    for (std::size_t level = 0; level < walk.depth(); ++level) {
+        if (const NSObject* const key = walk.keyAt(level); key != nullptr) {
+            text.append(text.empty() ? "" : ".").append(NSString(*key).utf8());
+        } else {
+            text.append("[").append(std::to_string(walk.indexAt(level))).append("]");
         }
     }
-
-    std::string text() const {
-        std::string text;
-        for (const Level& level : levels_) {
-            if (level.isArray) {
-                text.append("[").append(std::to_string(level.count - 1)).append("]");
-            } else {
-                text.append(text.empty() ? "" : ".").append(level.key.utf8());
-            }
-        }
-        return text;
-    }
-
-private:
-    struct Level {
-        bool isArray;
-        std::size_t count; ///< elements so far
-        NSString key;
-    };
-    std::vector<Level> levels_;
-};
+    return text;
+}
 
 bool mayStandInXml(char16_t unit) noexcept {
     return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
@@ -81,16 +49,13 @@ bool findUnfit(const NSString& string, char16_t& unit) {
 
 bool areTextsFit(const NSDictionary& dictionary, NSString* error) {
     ValueWalk walk(dictionary);
-    Place place;
     char16_t unit = 0;
     while (walk.next()) {
-        place.follow(walk);
-        const bool isText = walk.event() == Event::scalar || walk.event() == Event::key;
-        if (isText && findUnfit(NSString(walk.value()), unit)) {
+        if (walk.event() == ValueWalk::Event::leaf && findUnfit(NSString(walk.value()), unit)) {
             if (error != nullptr) {
                 *error = NSString::stringWithFormat(
-                    "%@ holds the character U+%04X, which cannot be written to a property list", place.text(),
-                    static_cast<unsigned>(unit));
+                    "%@ holds the character U+%04X, which cannot be written to a property list",
+                    placeOf(walk), static_cast<unsigned>(unit));
             }
             return false;
         }

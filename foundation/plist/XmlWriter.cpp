@@ -42,41 +42,34 @@ public:
     }
 
 private:
+    /// Each event but the end of an empty collection has a line.
     void writeEvent(const ValueWalk& walk) {
-        switch (walk.event()) {
-        case ValueWalk::Event::scalar:
+        const bool isOpening = walk.event() == ValueWalk::Event::open;
+        if (walk.event() == ValueWalk::Event::leaf) {
             indent(walk.depth());
-            writeScalar(walk.value(), walk.depth());
-            break;
-        case ValueWalk::Event::key:
+            writeLeaf(walk);
+        } else if (isOpening || !walk.isEmpty()) {
             indent(walk.depth());
-            writeText("<key>", NSString(walk.value()), "</key>\n");
-            break;
-        case ValueWalk::Event::open:
-            indent(walk.depth() - 1);
-            out_ += walk.isArray() ? (walk.isEmpty() ? "<array/>\n" : "<array>\n")
-                                   : (walk.isEmpty() ? "<dict/>\n" : "<dict>\n");
-            break;
-        case ValueWalk::Event::close:
-            if (!walk.isEmpty()) {
-                indent(walk.depth());
-                out_ += walk.isArray() ? "</array>\n" : "</dict>\n";
-            }
-            break;
+            out_ += isOpening ? "<" : "</";
+            out_ += walk.isArray() ? "array" : "dict";
+            out_ += walk.isEmpty() ? "/>\n" : ">\n";
         }
     }
 
     void indent(std::size_t levels) { out_.append(levels, '\t'); }
 
-    void writeScalar(const NSObject& value, std::size_t depth) {
-        if (const NSString string(value); string) {
+    void writeLeaf(const ValueWalk& walk) {
+        const NSObject& value = walk.value();
+        if (walk.isKey()) {
+            writeText("<key>", NSString(value), "</key>\n");
+        } else if (const NSString string(value); string) {
             writeText("<string>", string, "</string>\n");
         } else if (const NSNumber number(value); number) {
             writeNumber(number);
         } else if (const NSDate date(value); date) {
             writeDate(date);
         } else {
-            writeData(NSData(value), depth);
+            writeData(NSData(value), walk.depth());
         }
     }
 

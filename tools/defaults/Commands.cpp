@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include "foundation/objects/CollectionWalk.h"
 #include "tools/defaults/DomainFile.h"
 #include "tools/defaults/Failure.h"
 #include "tools/defaults/Json.h"
@@ -268,18 +269,10 @@ bool mentions(const NSString& text, const NSString& word) {
 /// Whether anything inside the value does. Descriptions of collections would not do: they spell characters
 /// out.
 bool mentionsInside(const NSObject& value, const NSString& word) {
-    std::vector<NSObject> waiting{value};
-    while (!waiting.empty()) {
-        const NSObject next = waiting.back();
-        waiting.pop_back();
-        if (const NSArray elements = next.as<NSArray>()) {
-            waiting.insert(waiting.end(), elements.begin(), elements.end());
-        } else if (const NSDictionary entries = next.as<NSDictionary>()) {
-            for (const NSDictionaryEntry& entry : entries) {
-                waiting.push_back(entry.key);
-                waiting.push_back(entry.value);
-            }
-        } else if (mentions(next.description(), word)) {
+    detail::CollectionWalk walk(value, &NSString::compare);
+    while (walk.next()) {
+        if (walk.event() == detail::CollectionWalk::Event::leaf &&
+            mentions(walk.value().description(), word)) {
             return true;
         }
     }

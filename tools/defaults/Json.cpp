@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "foundation/objects/CollectionLayout.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
@@ -15,8 +16,6 @@
 namespace ZQFoundation::defaults {
 
 namespace {
-
-using Event = detail::ValueWalk::Event;
 
 std::string quoted(const NSString& text) { return zqmigrate::quoted(text.utf8()); }
 
@@ -55,66 +54,32 @@ std::string scalarText(const NSObject& value) {
     return quoted(NSString(value));
 }
 
-class JsonWriter {
-public:
-    std::string write(const NSObject& value) {
-        detail::ValueWalk walk(value);
-        while (walk.next()) {
-            writeEvent(walk);
-        }
-        if (walk.refusal() != nullptr) {
-            fail("this cannot be written: %s", walk.refusal());
-        }
-        return text_;
-    }
-
-private:
-    void writeEvent(const detail::ValueWalk& walk) {
-        switch (walk.event()) {
-        case Event::key:
-            separate(walk.depth());
-            text_.append(quoted(NSString(walk.value()))).append(": ");
-            isAfterKey_ = true;
-            return;
-        case Event::scalar:
-            separate(walk.depth());
-            text_.append(scalarText(walk.value()));
-            break;
-        case Event::open:
-            separate(walk.depth() - 1);
-            text_.append(walk.isArray() ? "[" : "{");
-            isFirst_ = true;
-            return;
-        case Event::close:
-            if (!walk.isEmpty()) {
-                startLine(walk.depth());
-            }
-            text_.append(walk.isArray() ? "]" : "}");
-            break;
-        }
-        isFirst_ = false;
-    }
-
-    /// Writes what comes before an element or a key.
-    void separate(std::size_t depth) {
-        if (isAfterKey_ || depth == 0) {
-            isAfterKey_ = false;
-            return;
-        }
-        text_.append(isFirst_ ? "" : ",");
-        startLine(depth);
-        isFirst_ = false;
-    }
-
-    void startLine(std::size_t depth) { text_.append("\n").append(2 * depth, ' '); }
-
-    std::string text_;
-    bool isFirst_ = true;
-    bool isAfterKey_ = false;
+constexpr detail::CollectionLayout layout{
+    .array = {"[", "\n", ",\n", "\n", "", "]"},
+    .dictionary = {"{", "\n", ",\n", "\n", "", "}"},
+    .set = {}, // refused
+    .assignment = ": ",
+    .indentation = 2,
 };
 
 } // namespace
 
-std::string jsonOf(const NSObject& value) { return JsonWriter().write(value); }
+std::string jsonOf(const NSObject& value) {
+    std::string text;
+    detail::ValueWalk walk(value);
+    while (walk.next()) {
+        const detail::CollectionLayout::Lead lead = layout.leadOf(walk);
+        text.append(lead.text).append(lead.spaces, ' ');
+        if (walk.event() == detail::ValueWalk::Event::leaf) {
+            text.append(scalarText(walk.value()));
+        } else {
+            text.append(layout.bracketOf(walk));
+        }
+    }
+    if (walk.refusal() != nullptr) {
+        fail("this cannot be written: %s", walk.refusal());
+    }
+    return text;
+}
 
 } // namespace ZQFoundation::defaults
