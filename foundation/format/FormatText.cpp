@@ -5,6 +5,7 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/Description.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/Utf.h"
 
@@ -202,11 +203,7 @@ void appendCharacter(TextBuilder& out, const FormatSpec& spec, std::uint64_t val
 
 void appendAddress(TextBuilder& out, const FormatSpec& spec, std::uintptr_t address) {
     char text[2 + 2 * sizeof address];
-    char* start = text + sizeof text;
-    do {
-        *--start = "0123456789abcdef"[address & 0xF];
-        address >>= 4;
-    } while (address != 0);
+    char* start = writeHexBefore(address, text + sizeof text);
     *--start = 'x';
     *--start = '0';
     const auto length = static_cast<std::size_t>(text + sizeof text - start);

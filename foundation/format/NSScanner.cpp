@@ -7,6 +7,7 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation {
@@ -14,6 +15,8 @@ namespace ZQFoundation {
 using detail::Access;
 using detail::AsciiOrUtf16;
 using detail::CharacterMembership;
+using detail::hexDigitValue;
+using detail::isDigit;
 
 namespace {
 
@@ -44,11 +47,6 @@ void putOut(const NSString& string, std::size_t start, std::size_t end, NSString
     if (output != nullptr) {
         *output = string.substringWithRange(start, end - start);
     }
-}
-
-template <class Unit>
-constexpr bool isDigit(Unit unit) noexcept {
-    return unit >= '0' && unit <= '9';
 }
 
 char16_t lowered(char16_t unit) noexcept {
@@ -123,16 +121,6 @@ DigitStretch decimalDigits(const NSString& string, std::size_t location) {
     });
 }
 
-/// The digit's value, or 16.
-template <class Unit>
-unsigned hexDigit(Unit unit) noexcept {
-    if (isDigit(unit)) {
-        return static_cast<unsigned>(unit - '0');
-    }
-    const char16_t letter = lowered(static_cast<char16_t>(unit));
-    return letter >= 'a' && letter <= 'f' ? static_cast<unsigned>(letter - 'a' + 10) : 16;
-}
-
 struct HexReading {
     std::uint64_t value;
     std::size_t end; ///< NSNotFound: no digit
@@ -143,13 +131,14 @@ HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
     at += detail::whiteSpacePrefix(units + at, length - at);
     // Without a digit after it, the prefix is the digit 0 and an x that is left.
     if (length - at > 2 && units[at] == '0' && (units[at + 1] == 'x' || units[at + 1] == 'X') &&
-        hexDigit(units[at + 2]) < 16) {
+        hexDigitValue(units[at + 2]) >= 0) {
         at += 2;
     }
     const std::size_t digits = at;
     std::uint64_t value = 0;
-    for (; at < length && hexDigit(units[at]) < 16; ++at) {
-        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | hexDigit(units[at]);
+    for (; at < length && hexDigitValue(units[at]) >= 0; ++at) {
+        const auto digit = static_cast<std::uint64_t>(hexDigitValue(units[at]));
+        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | digit; // a greater number is the greatest one
     }
     return {value, at == digits ? NSNotFound : at};
 }

@@ -10,6 +10,7 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Hashing.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
@@ -89,10 +90,10 @@ char32_t nextCodePoint(const CharacterSetBody& body, char32_t codePoint, bool is
 }
 
 void appendCode(TextBuilder& out, char32_t codePoint) {
-    const unsigned digits = codePoint > 0xFFFFF ? 6 : codePoint > 0xFFFF ? 5 : 4;
-    for (unsigned shift = digits * 4; shift > 0; shift -= 4) {
-        out.appendAscii("0123456789ABCDEF"[codePoint >> (shift - 4) & 15]);
-    }
+    const std::size_t digits = codePoint > 0xFFFFF ? 6 : codePoint > 0xFFFF ? 5 : 4;
+    char text[6];
+    writeHexDigits(codePoint, digits, text, upperHexDigits);
+    out.appendAscii(text, digits);
 }
 
 const void* comparedBytes(const CharacterSetBody& body) noexcept { return &body.byteCount; }

@@ -7,10 +7,11 @@
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/CivilTime.h"
 #include "foundation/objects/CollectionLayout.h"
+#include "foundation/objects/DecimalText.h"
 #include "foundation/objects/Description.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/NumberText.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation {
 
@@ -34,18 +35,17 @@ bool isCollection(const NSObject& object) noexcept {
     return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
 }
 
-void appendHex(TextBuilder& out, std::uint64_t value, unsigned digits) {
-    for (unsigned shift = digits * 4; shift > 0; shift -= 4) {
-        out.appendAscii("0123456789abcdef"[value >> (shift - 4) & 15]);
-    }
+void appendHex(TextBuilder& out, std::uint64_t value, std::size_t digits) {
+    char text[4];
+    detail::writeHexDigits(value, digits, text);
+    out.appendAscii(text, digits);
 }
 
 void appendData(TextBuilder& out, const NSData& data) {
     const unsigned char* const bytes = data.bytes();
     const std::size_t count = data.length();
-    char number[detail::numberTextCapacity];
     out.appendLiteral("{length = ");
-    out.appendAscii(number, static_cast<std::size_t>(detail::writeUInt64(count, number) - number));
+    detail::appendDecimal(out, static_cast<std::int64_t>(count));
     out.appendLiteral(", bytes = 0x");
     constexpr std::size_t longest = 24;
     for (std::size_t i = 0; i < (count <= longest ? count : 16); ++i) {
@@ -66,18 +66,6 @@ void appendData(TextBuilder& out, const NSData& data) {
     out.appendAscii('}');
 }
 
-void appendPadded(TextBuilder& out, std::int64_t value, std::size_t digits) {
-    char number[detail::numberTextCapacity];
-    const std::uint64_t magnitude =
-        value < 0 ? ~static_cast<std::uint64_t>(value) + 1 : static_cast<std::uint64_t>(value);
-    const auto length = static_cast<std::size_t>(detail::writeUInt64(magnitude, number) - number);
-    if (value < 0) {
-        out.appendAscii('-');
-    }
-    out.appendRepeated('0', length < digits ? digits - length : 0);
-    out.appendAscii(number, length);
-}
-
 void appendDate(TextBuilder& out, const NSDate& date) {
     constexpr double farthest = 4e17; // keeps every year within 64 bits
     const double since1970 = date.timeIntervalSince1970();
@@ -85,17 +73,17 @@ void appendDate(TextBuilder& out, const NSDate& date) {
     const auto seconds = static_cast<std::int64_t>(clamped);
     const detail::CivilDate day = detail::civilFromDays(detail::floorDivide(seconds, 86400));
     const std::int64_t second = seconds - detail::floorDivide(seconds, 86400) * 86400;
-    appendPadded(out, day.year, 4);
+    detail::appendDecimal(out, day.year, 4);
     out.appendAscii('-');
-    appendPadded(out, day.month, 2);
+    detail::appendDecimal(out, day.month, 2);
     out.appendAscii('-');
-    appendPadded(out, day.day, 2);
+    detail::appendDecimal(out, day.day, 2);
     out.appendAscii(' ');
-    appendPadded(out, second / 3600, 2);
+    detail::appendDecimal(out, second / 3600, 2);
     out.appendAscii(':');
-    appendPadded(out, second / 60 % 60, 2);
+    detail::appendDecimal(out, second / 60 % 60, 2);
     out.appendAscii(':');
-    appendPadded(out, second % 60, 2);
+    detail::appendDecimal(out, second % 60, 2);
     out.appendLiteral(" +0000");
 }
 

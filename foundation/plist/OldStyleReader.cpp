@@ -9,6 +9,7 @@
 #include "foundation/plist/ContainerStack.h"
 #include "foundation/plist/KeyCache.h"
 #include "foundation/plist/TextUnits.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NextStepEncoding.h"
 
 namespace ZQFoundation::detail {

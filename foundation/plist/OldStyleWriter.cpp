@@ -8,6 +8,7 @@
 #include "foundation/plist/PropertyListError.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
@@ -20,8 +21,6 @@ constexpr CollectionLayout layout{
     .assignment = " = ",
     .indentation = 4,
 };
-
-constexpr char hexDigits[] = "0123456789abcdef";
 
 class OldStyleWriter {
 public:
@@ -65,8 +64,7 @@ private:
             if (index > 0 && index % 4 == 0) {
                 out_ += ' ';
             }
-            out_ += hexDigits[data.bytes()[index] >> 4];
-            out_ += hexDigits[data.bytes()[index] & 0xF];
+            writeHex(data.bytes()[index], 2);
         }
         out_ += '>';
     }
@@ -116,9 +114,12 @@ private:
             return;
         }
         out_ += 'U';
-        for (int shift = 12; shift >= 0; shift -= 4) {
-            out_ += hexDigits[unit >> shift & 0xF];
-        }
+        writeHex(unit, 4);
+    }
+
+    void writeHex(unsigned number, std::size_t digits) {
+        char text[4];
+        out_.append(text, writeHexDigits(number, digits, text));
     }
 
     std::string& out_;

@@ -11,6 +11,7 @@
 #include "foundation/plist/KeyCache.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/XmlScalars.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 

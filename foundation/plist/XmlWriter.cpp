@@ -14,6 +14,7 @@
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/Base64Codec.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/RealText.h"
 
@@ -110,19 +111,19 @@ private:
         }
         const auto rest = static_cast<unsigned>(floorModulo(seconds, secondsPerDay));
         out_ += day.year < 0 ? "<date>-" : "<date>";
-        writeField(static_cast<unsigned>(day.year < 0 ? -day.year : day.year), 4, '-');
-        writeField(static_cast<unsigned>(day.month), 2, '-');
-        writeField(static_cast<unsigned>(day.day), 2, 'T');
-        writeField(rest / 3600, 2, ':');
-        writeField(rest / 60 % 60, 2, ':');
-        writeField(rest % 60, 2, 'Z');
+        writeField<4>(static_cast<unsigned>(day.year < 0 ? -day.year : day.year), '-');
+        writeField<2>(static_cast<unsigned>(day.month), '-');
+        writeField<2>(static_cast<unsigned>(day.day), 'T');
+        writeField<2>(rest / 3600, ':');
+        writeField<2>(rest / 60 % 60, ':');
+        writeField<2>(rest % 60, 'Z');
         out_ += "</date>\n";
     }
 
-    void writeField(unsigned value, unsigned digits, char separator) {
-        for (unsigned power = digits == 4 ? 1000 : 10; power > 0; power /= 10) {
-            out_ += static_cast<char>('0' + value / power % 10);
-        }
+    template <std::size_t digits>
+    void writeField(unsigned value, char separator) {
+        char text[digits];
+        out_.append(text, writeDigits<digits>(value, text));
         out_ += separator;
     }
 

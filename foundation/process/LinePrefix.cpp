@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "foundation/system/System.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/time/LocalTimeText.h"
 
@@ -17,14 +18,6 @@ constexpr std::size_t hexCapacity = 16;
 
 /// The characters between date, name and numbers.
 constexpr std::size_t charactersBetween = sizeof(" [:] ") - 1;
-
-char* writeHexBefore(std::uint64_t number, char* end) noexcept {
-    do {
-        *--end = "0123456789abcdef"[number & 15];
-        number >>= 4;
-    } while (number != 0);
-    return end;
-}
 
 char* copyBefore(char* end, const char* text, std::size_t length) noexcept {
     return static_cast<char*>(std::memcpy(end - length, text, length));
@@ -55,10 +48,7 @@ char* writeDateBefore(char* end, Instant time) noexcept {
 constexpr std::size_t millisecondDigits = 3;
 
 void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
-    const int milliseconds = nanoseconds / 1000000;
-    out[0] = static_cast<char>('0' + milliseconds / 100);
-    out[1] = static_cast<char>('0' + milliseconds / 10 % 10);
-    out[2] = static_cast<char>('0' + milliseconds % 10);
+    writeDigits<millisecondDigits>(static_cast<std::uint32_t>(nanoseconds / 1000000), out);
 }
 
 } // namespace

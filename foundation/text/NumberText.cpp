@@ -8,16 +8,12 @@
 #include <cstring>
 #include <limits>
 
+#include "foundation/text/Digits.h"
 #include "foundation/text/RealText.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
-
-template <class Unit>
-constexpr bool isDigit(Unit unit) {
-    return unit >= '0' && unit <= '9';
-}
 
 template <class Unit>
 constexpr bool isSign(Unit unit) {
@@ -260,29 +256,6 @@ constexpr struct DigitPairs {
         }
     }
 } digitPairs;
-
-constexpr std::uint64_t powersOfTen[20] = {
-    1,
-    10,
-    100,
-    1000,
-    10000,
-    100000,
-    1000000,
-    10000000,
-    100000000,
-    1000000000,
-    10000000000,
-    100000000000,
-    1000000000000,
-    10000000000000,
-    100000000000000,
-    1000000000000000,
-    10000000000000000,
-    100000000000000000,
-    1000000000000000000,
-    10000000000000000000u,
-};
 
 unsigned decimalLength(std::uint64_t value) {
     // 1233 / 4096 is a little above the logarithm of 2 to the base 10, near enough for 64 bits.

@@ -2,6 +2,8 @@
 // Reads the parts of a URI reference, by the grammar of RFC 3986.
 #include "foundation/text/UriReference.h"
 
+#include "foundation/text/Digits.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -246,11 +248,9 @@ private:
 
     bool takeOctet() noexcept {
         const std::size_t start = at_;
-        int value = 0;
-        while (at_ < count_ && at_ - start < 3 && is(text_[at_], digit)) {
-            value = value * 10 + static_cast<int>(text_[at_]) - '0';
-            ++at_;
-        }
+        const Unit* next = text_ + at_;
+        const int value = takeDigits(next, text_ + count_, 3);
+        at_ = static_cast<std::size_t>(next - text_);
         const std::size_t digits = at_ - start;
         return digits != 0 && value <= 255 && (digits == 1 || text_[start] != Unit{'0'});
     }

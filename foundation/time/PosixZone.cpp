@@ -3,6 +3,7 @@
 #include "foundation/time/PosixZone.h"
 
 #include "foundation/objects/CivilTime.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
@@ -11,7 +12,6 @@ namespace {
 using Clock = PosixZone::Clock;
 using Change = PosixZone::Change;
 
-constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) noexcept { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 constexpr bool isNameCharacter(char c, bool quoted) noexcept {
     return isLetter(c) || (quoted && (isDigit(c) || c == '+' || c == '-'));
@@ -35,14 +35,10 @@ struct Cursor {
     }
 
     bool takeNumber(int least, int greatest, int& number) noexcept {
-        int value = 0;
         const char* const start = at;
         // Three digits are the most that any limit has; more are an error and not a greater number.
-        while (at != end && isDigit(*at) && at - start < 3) {
-            value = value * 10 + (*at++ - '0');
-        }
-        number = value;
-        return at != start && value >= least && value <= greatest;
+        number = takeDigits(at, end, 3);
+        return at != start && number >= least && number <= greatest;
     }
 
     bool takeTime(int maxHour, std::int32_t& seconds) noexcept {

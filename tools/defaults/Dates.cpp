@@ -2,6 +2,7 @@
 #include "tools/defaults/Dates.h"
 
 #include "foundation/objects/CivilTime.h"
+#include "foundation/text/Digits.h"
 #include "tools/defaults/Failure.h"
 
 namespace ZQFoundation::defaults {
@@ -11,30 +12,24 @@ namespace {
 /// Reads a text from front to back.
 class Cursor {
 public:
-    explicit Cursor(const std::string& text) noexcept : next_(text.c_str()) {}
+    explicit Cursor(const std::string& text) noexcept : next_(text.data()), end_(next_ + text.size()) {}
 
     bool take(char character) noexcept {
-        const bool found = *next_ == character;
+        const bool found = next_ != end_ && *next_ == character;
         next_ += found ? 1 : 0;
         return found;
     }
 
     /// Exactly `digits` digits that make a number from `least` to `most`.
     bool takeNumber(int digits, int least, int most, int& number) noexcept {
-        number = 0;
-        for (int i = 0; i < digits; ++i, ++next_) {
-            if (*next_ < '0' || *next_ > '9') {
-                return false;
-            }
-            number = number * 10 + (*next_ - '0');
-        }
-        return number >= least && number <= most;
+        return detail::takeAllDigits(next_, end_, digits, number) && number >= least && number <= most;
     }
 
-    bool isAtEnd() const noexcept { return *next_ == '\0'; }
+    bool isAtEnd() const noexcept { return next_ == end_; }
 
 private:
     const char* next_;
+    const char* end_;
 };
 
 bool takeDays(Cursor& cursor, std::int64_t& days) noexcept {

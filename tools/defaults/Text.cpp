@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+#include "foundation/text/Digits.h"
+
 namespace ZQFoundation::defaults {
 
 namespace {
@@ -10,8 +12,8 @@ namespace {
 bool isControl(unsigned char byte) noexcept { return byte < 0x20 || byte == 0x7F; }
 
 void appendHex(std::string& text, unsigned char byte) {
-    constexpr const char* digits = "0123456789abcdef";
-    text.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+    char digits[2];
+    text.append("\\x").append(digits, detail::writeHexDigits(byte, 2, digits));
 }
 
 /// Control characters but the kept ones spelled out.

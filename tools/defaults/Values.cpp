@@ -9,6 +9,7 @@
 #include "foundation/objects/Bodies.h"
 #include "foundation/plist/PropertyList.h"
 #include "foundation/plist/PropertyListError.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "tools/defaults/Dates.h"
 #include "tools/defaults/Failure.h"
@@ -120,19 +121,11 @@ bool booleanFromWord(const std::string& word) {
     fail("\"%@\" is not a boolean: YES, NO, true, false, 1 or 0", word);
 }
 
-int hexDigit(char character) noexcept {
-    if (character >= '0' && character <= '9') {
-        return character - '0';
-    }
-    const int letter = (character | 0x20) - 'a';
-    return letter >= 0 && letter < 6 ? 10 + letter : -1;
-}
-
 NSObject dataFromWord(const std::string& word) {
     std::string bytes;
     int half = -1;
     for (const char character : word) {
-        const int digit = hexDigit(character);
+        const int digit = detail::hexDigitValue(character);
         if (character == ' ' && half < 0) {
             continue;
         }
