@@ -7,13 +7,13 @@
 #include <unistd.h>
 
 #include "foundation/objects/CollectionWalk.h"
+#include "tools/common/Program.h"
+#include "tools/common/Text.h"
 #include "tools/defaults/DomainFile.h"
-#include "tools/defaults/Failure.h"
 #include "tools/defaults/Json.h"
 #include "tools/defaults/Lint.h"
-#include "tools/defaults/Text.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -398,4 +398,4 @@ void runCommand(const Words& words) {
     misuse("%s takes: %s %s", known->name, known->name, known->arguments);
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -5,7 +5,7 @@
 
 #include "foundation/text/FormatSyntax.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -111,4 +111,4 @@ std::string conversionsOf(const NSString& format) {
     return arguments.text();
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

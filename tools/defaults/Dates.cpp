@@ -3,9 +3,9 @@
 
 #include "foundation/objects/CivilTime.h"
 #include "foundation/text/Digits.h"
-#include "tools/defaults/Failure.h"
+#include "tools/common/Program.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -99,4 +99,4 @@ NSDate dateFromText(const std::string& text) {
         static_cast<double>(days * detail::secondsPerDay + time - offset));
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

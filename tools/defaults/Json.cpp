@@ -10,14 +10,12 @@
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/RealText.h"
-#include "tools/defaults/Failure.h"
-#include "tools/zqmigrate/Text.h"
+#include "tools/common/Program.h"
+#include "tools/common/Text.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
-
-std::string quoted(const NSString& text) { return zqmigrate::quoted(text.utf8()); }
 
 std::string numberText(const NSNumber& number) {
     if (number.isBoolean()) {
@@ -82,4 +80,4 @@ std::string jsonOf(const NSObject& value) {
     return text;
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -9,10 +9,10 @@
 #include "foundation/plist/PropertyList.h"
 #include "foundation/process/DictionaryFile.h"
 #include "foundation/process/FileReading.h"
+#include "tools/common/Program.h"
 #include "tools/defaults/Conversions.h"
-#include "tools/defaults/Failure.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -172,4 +172,4 @@ std::vector<std::string> faultsOf(const std::vector<std::string>& paths) {
     return linter.faults();
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

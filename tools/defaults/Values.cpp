@@ -12,9 +12,8 @@
 #include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "tools/defaults/Dates.h"
-#include "tools/defaults/Failure.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -263,4 +262,4 @@ const char* nameOfType(const NSObject& value) {
     }
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -3,12 +3,11 @@
 #include "tools/zqmigrate/Request.h"
 
 #include <algorithm>
-#include <stdexcept>
 #include <string_view>
 
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -33,7 +32,7 @@ constexpr struct Switch {
 
 void refuseIf(bool isWrong, const std::string& message) {
     if (isWrong) {
-        throw std::invalid_argument(message);
+        throw Misuse{message};
     }
 }
 
@@ -118,4 +117,4 @@ Request requestFromWords(const Words& words) {
     return request;
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

@@ -17,7 +17,7 @@
 #include "tools/zqmigrate/Report.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -66,14 +66,13 @@ NSString complaintAbout(const detail::ItemPlace& source) {
 }
 
 /// What is free for the user where the path is to be; the greatest number when that is not known.
-std::uint64_t freeBytesAt(std::string path) {
+std::uint64_t freeBytesAt(NSString path) {
     struct statvfs system {};
-    while (::statvfs(path.c_str(), &system) != 0) {
-        if (path == "/" || path == ".") {
+    for (; ::statvfs(path.length() == 0 ? "." : bytesOf(path).c_str(), &system) != 0;
+         path = path.stringByDeletingLastPathComponent()) {
+        if (path.length() == 0 || path == "/") {
             return UINT64_MAX;
         }
-        const std::size_t slash = path.rfind('/');
-        path = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
     }
     return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
 }
@@ -198,7 +197,7 @@ private:
             note("the destination is in the source folder: a real run may also find files that it made "
                  "itself");
         }
-        const std::uint64_t free = freeBytesAt(bytesOf(request_.destination));
+        const std::uint64_t free = freeBytesAt(request_.destination);
         if (outcome_.migrated != 0 && room_ > free) {
             note("there may be too little space at the destination: the originals take " + grouped(room_) +
                  " bytes, and " + grouped(free) + " are free");
@@ -268,4 +267,4 @@ private:
 
 Outcome carryOut(const Request& request, Screen& screen) { return Run(request, screen).run(); }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

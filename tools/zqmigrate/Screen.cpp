@@ -17,7 +17,7 @@
 #include "tools/zqmigrate/Interruption.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -174,4 +174,4 @@ std::string Screen::bar(std::size_t columns) const {
     return text.substr(0, room);
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Moves and copies files and folders as the library's migrations do, for the person who must do it by hand.
-#include <exception>
-#include <stdexcept>
-
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -10,11 +7,9 @@
 #include "tools/zqmigrate/Report.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
-
-enum ExitStatus { succeeded = 0, failed = 1, misused = 2, firstOfSignals = 128 };
 
 constexpr const char help[] =
     "Usage: zqmigrate [<option>]... file <from> <to>\n"
@@ -51,10 +46,7 @@ constexpr const char help[] =
     "Exit status: 0 if every file was migrated, 1 if one was not, 2 for a wrong command\n"
     "line, 128 plus the number of the signal that stopped the work.\n";
 
-int complain(const std::string& message, ExitStatus status) {
-    writeAll(STDERR_FILENO, messageLine(pathOf(message + (status == misused ? " (try --help)" : ""))));
-    return status;
-}
+std::string onLine(const std::string& message) { return shown(pathOf(message)); }
 
 /// The next files to be opened would take the numbers of what the starter has closed, and the program's own
 /// lines would go into them. Writing stays an error.
@@ -67,7 +59,10 @@ bool fillStandardDescriptors() {
 }
 
 int print(const char* text) {
-    return writeAll(STDOUT_FILENO, text) ? succeeded : complain("standard output cannot be written", failed);
+    if (!writeAll(STDOUT_FILENO, text)) {
+        fail("standard output cannot be written");
+    }
+    return succeeded;
 }
 
 int migrate(const Request& request) {
@@ -99,19 +94,13 @@ int run(const Words& words) {
 
 } // namespace
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 int main(int count, char** arguments) {
-    using namespace ZQFoundation::zqmigrate;
-    if (!fillStandardDescriptors()) {
+    using namespace ZQFoundation::tools;
+    if (!zqmigrate::fillStandardDescriptors()) {
         return failed;
     }
-    takeWriteSignalsAsErrors();
-    try {
-        return run(Words(arguments + (count > 0 ? 1 : 0), arguments + count));
-    } catch (const std::invalid_argument& use) {
-        return complain(use.what(), misused);
-    } catch (const std::exception& exception) {
-        return complain(exception.what(), failed);
-    }
+    ignoreSignals({SIGPIPE, SIGXFSZ});
+    return runTool({"zqmigrate", zqmigrate::onLine, zqmigrate::run}, count, arguments);
 }
