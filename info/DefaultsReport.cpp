@@ -69,32 +69,15 @@ public:
         : identifier_(static_cast<NSString&&>(identifier)), width_(width) {}
 
     void writeTraceKey(const NSString& key) const {
-        if (!identifier_) {
-            writeWithoutCommand(key);
-            return;
-        }
-        ZQLog::logAlways_logWithFormat(true, "%@ is active.%@ Deactivate using: defaults write %@ %@ NO", key,
-                                       spacer(key), identifier_, key);
+        writeActive(key, "Deactivate using: defaults write", " NO");
     }
 
     void writeEnablingKey(const NSString& key) const {
-        if (!identifier_) {
-            writeWithoutCommand(key);
-            return;
-        }
-        ZQLog::logAlways_logWithFormat(true,
-                                       "%@ is active.%@ Disable the feature using: defaults remove %@ %@",
-                                       key, spacer(key), identifier_, key);
+        writeActive(key, "Disable the feature using: defaults remove", "");
     }
 
     void writeDisablingKey(const NSString& key) const {
-        if (!identifier_) {
-            writeWithoutCommand(key);
-            return;
-        }
-        ZQLog::logAlways_logWithFormat(true,
-                                       "%@ is active.%@ Reenable the feature using: defaults remove %@ %@",
-                                       key, spacer(key), identifier_, key);
+        writeActive(key, "Reenable the feature using: defaults remove", "");
     }
 
     /// The value moves the command out of its column by its own length; this is intended.
@@ -110,8 +93,13 @@ public:
     }
 
 private:
-    static void writeWithoutCommand(const NSString& key) {
-        ZQLog::logAlways_logWithFormat(true, "%@ is active.", key);
+    void writeActive(const NSString& key, const char* command, const char* value) const {
+        if (identifier_) {
+            ZQLog::logAlways_logWithFormat(true, "%@ is active.%@ %s %@ %@%s", key, spacer(key), command,
+                                           identifier_, key, value);
+        } else {
+            ZQLog::logAlways_logWithFormat(true, "%@ is active.", key);
+        }
     }
 
     NSString spacer(const NSString& key) const {

@@ -7,6 +7,7 @@
 #include "foundation/objects/Description.h"
 #include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
+#include "foundation/text/Surrogates.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
@@ -90,8 +91,7 @@ struct UnitCut {
 UnitCut cutUnits(const char16_t* units, std::size_t count, std::size_t limit) noexcept {
     std::size_t i = 0;
     while (i < count) {
-        const bool isPair =
-            i + 1 < count && (units[i] & 0xFC00) == 0xD800 && (units[i + 1] & 0xFC00) == 0xDC00;
+        const bool isPair = isSurrogatePair(units + i, count - i);
         const std::size_t bytes = isPair ? 4 : units[i] < 0x80 ? 1 : units[i] < 0x800 ? 2 : 3;
         if (bytes > limit) {
             return {i, limit};

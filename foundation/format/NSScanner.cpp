@@ -42,11 +42,15 @@ std::size_t placeOfUnit(const NSString& string, std::size_t location, const NSCh
     });
 }
 
-/// Sets the output, if there is one, to the units from `start` to `end`.
-void putOut(const NSString& string, std::size_t start, std::size_t end, NSString* output) {
+/// Sets the output, if there is one, to the units from `start` to `end`, and the location to the end. Returns
+/// true.
+bool take(const NSString& string, std::size_t start, std::size_t end, NSString* output,
+          std::size_t& location) {
     if (output != nullptr) {
         *output = string.substringWithRange(start, end - start);
     }
+    location = end;
+    return true;
 }
 
 char16_t lowered(char16_t unit) noexcept {
@@ -172,12 +176,7 @@ bool NSScanner::isAtEnd() const { return locationAfterSkipping() == string_.leng
 bool NSScanner::scanString_intoString(StringView text, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t end = endOfText(string_, start, text, isCaseSensitive_);
-    if (end == NSNotFound) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != NSNotFound && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
@@ -186,34 +185,19 @@ bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
     const NSRange found = string_.rangeOfString_options_range(text, searchOptions(isCaseSensitive_),
                                                               NSMakeRange(start, length - start));
     const std::size_t end = found.location != NSNotFound ? found.location : length;
-    if (end == start) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != start && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t end = placeOfUnit(string_, start, set, false);
-    if (end == start) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != start && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t end = placeOfUnit(string_, start, set, true);
-    if (end == start) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != start && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanInteger(std::int64_t* value) {

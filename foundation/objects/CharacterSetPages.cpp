@@ -11,6 +11,7 @@
 #include "foundation/objects/Hashing.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Digits.h"
+#include "foundation/text/Surrogates.h"
 
 namespace ZQFoundation::detail {
 
@@ -217,7 +218,7 @@ void CharacterSetPages::setCharacters(StringView characters, bool isMember) {
     const AsciiOrUtf16 text(characters);
     for (std::size_t i = 0; i < text.length(); ++i) {
         char32_t codePoint = text[i];
-        if ((codePoint & 0xFC00) == 0xD800 && i + 1 < text.length() && (text[i + 1] & 0xFC00) == 0xDC00) {
+        if (isHighSurrogate(text[i]) && i + 1 < text.length() && isLowSurrogate(text[i + 1])) {
             codePoint = 0x10000 + ((codePoint & 0x3FF) << 10 | (text[++i] & 0x3FFU));
         }
         setRange(codePoint, codePoint + 1, isMember);

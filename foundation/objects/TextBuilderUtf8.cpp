@@ -4,6 +4,7 @@
 
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/text/Surrogates.h"
 #include "foundation/text/Utf.h"
 
 // An unpaired surrogate is kept in the text as the three bytes that it would have if it were a character: ED,
@@ -14,10 +15,6 @@ namespace ZQFoundation::detail {
 namespace {
 
 constexpr std::size_t surrogateBytes = 3;
-
-bool isFirstHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
-
-bool isSecondHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
 
 bool isSurrogateAt(const char* bytes) noexcept {
     return bytes[0] == '\xED' && static_cast<unsigned char>(bytes[1]) >= 0xA0;
@@ -40,19 +37,6 @@ const char* nextSurrogate(const char* at, const char* end) noexcept {
         ++at;
     }
     return end;
-}
-
-/// The number of units before the first unpaired surrogate.
-std::size_t pairedPrefix(const char16_t* units, std::size_t count) noexcept {
-    for (std::size_t i = 0; i < count; ++i) {
-        if ((units[i] & 0xF800) == 0xD800) {
-            if (!isFirstHalf(units[i]) || i + 1 == count || !isSecondHalf(units[i + 1])) {
-                return i;
-            }
-            ++i;
-        }
-    }
-    return count;
 }
 
 /// The number of units in the text; also writes them, unless `out` is null.
@@ -104,8 +88,8 @@ void TextBuilder::appendWithSurrogates(const char16_t* units, std::size_t count)
 
 void TextBuilder::appendSurrogate(char16_t surrogate) {
     const char* const last = length_ >= surrogateBytes ? bytes() + length_ - surrogateBytes : nullptr;
-    if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isFirstHalf(surrogateAt(last)) &&
-        isSecondHalf(surrogate)) {
+    if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isHighSurrogate(surrogateAt(last)) &&
+        isLowSurrogate(surrogate)) {
         const char16_t pair[] = {surrogateAt(last), surrogate};
         length_ -= surrogateBytes;
         return appendUnitsAsUtf8(pair, 2);

@@ -233,36 +233,33 @@ bool readData(const Unit* text, const Unit* end, NSObject& value) {
 
 } // namespace
 
-IntegerReading readXmlInteger(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+IntegerReading readXmlInteger(const Unit* text, std::size_t count, NSObject& value) {
     return readInteger(text, text + count, value);
 }
 
-IntegerReading readXmlInteger(const char16_t* text, std::size_t count, NSObject& value) {
-    return readInteger(text, text + count, value);
-}
-
-bool readXmlReal(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+bool readXmlReal(const Unit* text, std::size_t count, NSObject& value) {
     return readReal(text, text + count, value);
 }
 
-bool readXmlReal(const char16_t* text, std::size_t count, NSObject& value) {
-    return readReal(text, text + count, value);
-}
-
-bool readXmlDate(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+bool readXmlDate(const Unit* text, std::size_t count, NSObject& value) {
     return readDate(text, text + count, value);
 }
 
-bool readXmlDate(const char16_t* text, std::size_t count, NSObject& value) {
-    return readDate(text, text + count, value);
-}
-
-bool readXmlData(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+bool readXmlData(const Unit* text, std::size_t count, NSObject& value) {
     return readData(text, text + count, value);
 }
 
-bool readXmlData(const char16_t* text, std::size_t count, NSObject& value) {
-    return readData(text, text + count, value);
-}
+template IntegerReading readXmlInteger(const char*, std::size_t, NSObject&);
+template IntegerReading readXmlInteger(const char16_t*, std::size_t, NSObject&);
+template bool readXmlReal(const char*, std::size_t, NSObject&);
+template bool readXmlReal(const char16_t*, std::size_t, NSObject&);
+template bool readXmlDate(const char*, std::size_t, NSObject&);
+template bool readXmlDate(const char16_t*, std::size_t, NSObject&);
+template bool readXmlData(const char*, std::size_t, NSObject&);
+template bool readXmlData(const char16_t*, std::size_t, NSObject&);
 
 } // namespace ZQFoundation::detail

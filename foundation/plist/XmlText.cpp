@@ -6,6 +6,7 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
 #include "foundation/plist/ValueWalk.h"
+#include "foundation/text/Surrogates.h"
 
 namespace ZQFoundation::detail {
 
@@ -28,19 +29,14 @@ bool mayStandInXml(char16_t unit) noexcept {
     return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
 }
 
-bool isPairAt(const AsciiOrUtf16& text, std::size_t index) noexcept {
-    return index + 1 < text.length() && (text[index] & 0xFC00) == 0xD800 &&
-           (text[index + 1] & 0xFC00) == 0xDC00;
-}
-
 /// The first unit of the text that XML cannot contain; false if there is none.
 bool findUnfit(const NSString& string, char16_t& unit) {
     const AsciiOrUtf16 text(string);
     for (std::size_t i = 0; i < text.length(); ++i) {
         unit = text[i];
-        if (isPairAt(text, i)) {
+        if (isSurrogate(unit) && isSurrogatePair(text.units() + i, text.length() - i)) {
             ++i;
-        } else if (!mayStandInXml(unit) || (unit & 0xF800) == 0xD800) {
+        } else if (!mayStandInXml(unit) || isSurrogate(unit)) {
             return true;
         }
     }

@@ -17,6 +17,7 @@
 #include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/RealText.h"
+#include "foundation/text/Surrogates.h"
 
 namespace ZQFoundation::detail {
 
@@ -180,8 +181,7 @@ private:
             if (text == end) {
                 break;
             }
-            const bool isPair = text + 1 != end && (*text & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
-            if (isPair) {
+            if (isSurrogatePair(text, static_cast<std::size_t>(end - text))) {
                 writeUtf8(text, text + 2);
                 text += 2;
             } else {
@@ -191,7 +191,7 @@ private:
     }
 
     static bool isPlainBeyondAscii(char16_t unit) noexcept {
-        return unit >= 0xA0 && (unit & 0xF800) != 0xD800 && unit < 0xFFFE;
+        return unit >= 0xA0 && !isSurrogate(unit) && unit < 0xFFFE;
     }
 
     void writeUtf8(const char16_t* start, const char16_t* end) {

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "foundation/text/Digits.h"
+#include "foundation/text/Surrogates.h"
 
 namespace ZQFoundation::detail {
 
@@ -34,8 +35,6 @@ std::uint32_t readNumber(const char* bytes, ByteOrder order) noexcept {
     }
     return number;
 }
-
-constexpr bool isHighSurrogate(std::uint32_t code) noexcept { return (code & 0xFFFFFC00) == 0xD800; }
 
 /// Takes a character of well-formed units.
 template <class Unit>

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/text/Surrogates.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -208,26 +210,12 @@ struct UnitWriter {
 
 // ---- UTF-16, one character at a time
 
-inline bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
-
 inline bool hasSurrogate(const char16_t* block) {
     unsigned found = 0;
     for (std::size_t i = 0; i < blockLength; ++i) {
         found |= isSurrogate(block[i]) ? 1u : 0u;
     }
     return found != 0;
-}
-
-inline bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-
-inline bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
-
-inline bool isSurrogatePair(const char16_t* at, std::size_t left) {
-    return left >= 2 && isHighSurrogate(at[0]) && isLowSurrogate(at[1]);
-}
-
-inline char32_t codePointOfPair(const char16_t* pair) {
-    return 0x10000 + ((pair[0] & 0x3FFu) << 10 | (pair[1] & 0x3FFu));
 }
 
 inline bool isEscapedByte(char16_t unit) { return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF; }

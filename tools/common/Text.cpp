@@ -2,6 +2,8 @@
 // Spells out what a text must not do where it is printed.
 #include "tools/common/Text.h"
 
+#include "foundation/text/Surrogates.h"
+
 namespace ZQFoundation::tools {
 
 namespace {
@@ -30,8 +32,6 @@ bool isEffective(char16_t unit, Form form) noexcept {
     return false;
 }
 
-bool isSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDFFF; }
-
 void appendUnit(NSMutableString& line, char16_t unit, Form form) {
     const unsigned value = unit;
     if (isEffective(unit, form)) {
@@ -54,10 +54,10 @@ std::string spelled(const NSString& text, Form form) {
     NSMutableString line;
     const std::u16string units = text.utf16();
     for (std::size_t index = 0; index < units.size(); ++index) {
-        const char16_t unit = units[index];
-        if (!isSurrogate(unit)) {
+        const char16_t& unit = units[index];
+        if (!detail::isSurrogate(unit)) {
             appendUnit(line, unit, form);
-        } else if (unit < 0xDC00 && index + 1 < units.size()) {
+        } else if (detail::isSurrogatePair(&unit, units.size() - index)) {
             line.appendCharacter(unit);
             line.appendCharacter(units[++index]);
         } else if (form == Form::json) {
