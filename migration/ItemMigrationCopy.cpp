@@ -79,18 +79,18 @@ private:
 
 } // namespace
 
-ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
+ZQFileMigrationRetvalType ItemMigration::copy(const CopyOptions& options) {
     if (!place_.look(copied_)) {
         return kind_.writingFailed;
     }
-    if (plan_.replaces && !removeExisting(wishes.made)) {
+    if (plan_.replaces && !removeExisting(options.made)) {
         return kind_.overwritingFailed;
     }
-    if (!makeCopy(wishes)) {
+    if (!makeCopy(options)) {
         return kind_.writingFailed;
     }
-    if (wishes.made != nullptr) {
-        wishes.made->add(made_);
+    if (options.made != nullptr) {
+        options.made->add(made_);
     }
     return kFileMigrationSuccess;
 }
@@ -135,19 +135,19 @@ bool ItemMigration::removeExistingFolder(const struct stat& present) {
            TreeRemoval(aside.folder(), aside.name(), aside.name()).run();
 }
 
-bool ItemMigration::makeCopy(const CopyWishes& wishes) {
+bool ItemMigration::makeCopy(const CopyOptions& options) {
     struct stat present;
     if (target_.look(present)) {
         errno = EEXIST; // a dangling link, or an item created meanwhile
         return false;
     }
     if (S_ISDIR(copied_.st_mode)) {
-        return copyTree(wishes);
+        return copyTree(options);
     }
-    return S_ISREG(copied_.st_mode) ? copyFile(wishes) : copySpecial();
+    return S_ISREG(copied_.st_mode) ? copyFile(options) : copySpecial();
 }
 
-bool ItemMigration::copyFile(const CopyWishes& wishes) {
+bool ItemMigration::copyFile(const CopyOptions& options) {
     struct stat opened;
     if (!openForCopy(place_.folder(), place_.name(), !policy_.keepOriginal, opened_, opened)) {
         return false;
@@ -157,19 +157,19 @@ bool ItemMigration::copyFile(const CopyWishes& wishes) {
         return false;
     }
     copied_ = opened;
-    const Naming naming = copyUnnamed(opened_.number(), wishes);
-    return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), wishes));
+    const Naming naming = copyUnnamed(opened_.number(), options);
+    return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), options));
 }
 
 /// A file without a name vanishes with the process, so a killed process leaves nothing.
-ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& wishes) {
+ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyOptions& options) {
     Descriptor made = openUnnamed(target_.folder());
     if (!made) {
         return errno == EMFILE || errno == ENFILE || errno == ENOSPC || errno == EDQUOT ? Naming::failed
                                                                                         : Naming::impossible;
     }
-    if (!fillCopy(source, copied_, made.number(), true, wishes.observer) ||
-        (wishes.isFlushed && !system::flushItem(made.number())) || ::fstat(made.number(), &made_) != 0) {
+    if (!fillCopy(source, copied_, made.number(), true, options.observer) ||
+        (options.isFlushed && !system::flushItem(made.number())) || ::fstat(made.number(), &made_) != 0) {
         return Naming::failed;
     }
     if (!system::nameFile(made.number(), target_.folder(), target_.name())) {
@@ -184,13 +184,13 @@ ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& w
     return Naming::failed;
 }
 
-bool ItemMigration::copyHidden(int source, const CopyWishes& wishes) {
+bool ItemMigration::copyHidden(int source, const CopyOptions& options) {
     HiddenCopy hidden(target_);
     Descriptor made = hidden.begin(
         [&](const char* name) { return Descriptor(openAt(target_.folder(), name, newFileFlags, 0600)); });
     const Descriptor lock = made ? duplicateOf(made) : Descriptor();
-    return made && fillCopy(source, copied_, made.number(), true, wishes.observer) &&
-           (!wishes.isFlushed || system::flushItem(made.number())) && ::fstat(made.number(), &made_) == 0 &&
+    return made && fillCopy(source, copied_, made.number(), true, options.observer) &&
+           (!options.isFlushed || system::flushItem(made.number())) && ::fstat(made.number(), &made_) == 0 &&
            closeWell(made) && hidden.takeName();
 }
 
@@ -210,7 +210,7 @@ bool ItemMigration::copySpecial() {
     return false;
 }
 
-bool ItemMigration::copyTree(const CopyWishes& wishes) {
+bool ItemMigration::copyTree(const CopyOptions& options) {
     struct stat opened;
     opened_ = Descriptor(openAt(place_.folder(), place_.name(), folderFlags));
     if (!opened_ || ::fstat(opened_.number(), &opened) != 0) {
@@ -227,22 +227,22 @@ bool ItemMigration::copyTree(const CopyWishes& wishes) {
         return folder;
     });
     // The duplicate keeps the lock, and the means to flush the copy, until both descriptors are closed.
-    return made && fillTree(duplicateOf(opened_), duplicateOf(made), wishes) &&
-           (!wishes.isFlushed || system::flushFileSystem(made.number())) &&
+    return made && fillTree(duplicateOf(opened_), duplicateOf(made), options) &&
+           (!options.isFlushed || system::flushFileSystem(made.number())) &&
            ::fstat(made.number(), &made_) == 0 && hidden.takeName();
 }
 
-bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes) {
+bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyOptions& options) {
     if (!folder || !made) {
         return false;
     }
     std::string path;
     source_.getFileSystemBytes(path);
     if (policy_.keepOriginal) {
-        return TreeCopy(withoutEndSlashes(path), {nullptr, wishes.observer})
+        return TreeCopy(withoutEndSlashes(path), {nullptr, options.observer})
             .fill(std::move(folder), std::move(made));
     }
-    TreeCopy tree(withoutEndSlashes(path), {&record_.emplace(), wishes.observer});
+    TreeCopy tree(withoutEndSlashes(path), {&record_.emplace(), options.observer});
     const bool isCopied = tree.fill(std::move(folder), std::move(made));
     record_->complete();
     return isCopied;

@@ -62,7 +62,7 @@ enum class Answer { no, yes, open };
 /// Whether the text is at a place, as far as ASCII decides that: undecided if another unit is involved, for
 /// that may be a mark on the last letter or one character equal to two.
 template <class Unit>
-Answer standsAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text, bool isCaseSensitive) {
+Answer matchesAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text, bool isCaseSensitive) {
     for (std::size_t i = 0; i < text.length(); ++i) {
         if (i == length) {
             return Answer::no;
@@ -91,7 +91,7 @@ std::size_t endOfText(const NSString& string, std::size_t location, StringView t
         return NSNotFound;
     }
     const Answer answer = withUnits(string, [&](const auto* units, std::size_t length) {
-        return standsAt(units + location, length - location, wanted, isCaseSensitive);
+        return matchesAt(units + location, length - location, wanted, isCaseSensitive);
     });
     if (answer != Answer::open) {
         return answer == Answer::yes ? location + wanted.length() : NSNotFound;

@@ -47,14 +47,14 @@ void appendData(TextBuilder& out, const NSData& data) {
     out.appendLiteral("{length = ");
     detail::appendDecimal(out, static_cast<std::int64_t>(count));
     out.appendLiteral(", bytes = 0x");
-    constexpr std::size_t longest = 24;
-    for (std::size_t i = 0; i < (count <= longest ? count : 16); ++i) {
+    constexpr std::size_t maxWhole = 24;
+    for (std::size_t i = 0; i < (count <= maxWhole ? count : 16); ++i) {
         appendHex(out, bytes[i], 2);
-        if (count > longest && i % 4 == 3) {
+        if (count > maxWhole && i % 4 == 3) {
             out.appendAscii(' ');
         }
     }
-    if (count > longest) {
+    if (count > maxWhole) {
         out.appendLiteral("... ");
         for (std::size_t i = count - 8; i < count; ++i) {
             appendHex(out, bytes[i], 2);

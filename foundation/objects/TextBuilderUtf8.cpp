@@ -103,11 +103,11 @@ void TextBuilder::appendSurrogate(char16_t surrogate) {
 /// Converts piece by piece through units, which replaces what is ill-formed. No piece ends within a sequence:
 /// at most three bytes of one follow its first, and a byte after more of them is one by itself.
 void TextBuilder::appendIllFormed(const char* bytes, std::size_t count) {
-    constexpr std::size_t longestPiece = 128;
+    constexpr std::size_t maxPiece = 128;
     constexpr std::size_t maxSequenceBytes = 4;
-    char16_t units[longestPiece];
+    char16_t units[maxPiece];
     while (count != 0) {
-        std::size_t piece = count < longestPiece ? count : longestPiece;
+        std::size_t piece = count < maxPiece ? count : maxPiece;
         for (std::size_t back = 1; piece < count && back < maxSequenceBytes && (bytes[piece] & 0xC0) == 0x80;
              ++back) {
             --piece;

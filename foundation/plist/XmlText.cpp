@@ -25,7 +25,7 @@ std::string placeOf(const ValueWalk& walk) {
     return text;
 }
 
-bool mayStandInXml(char16_t unit) noexcept {
+bool isXmlCharacter(char16_t unit) noexcept {
     return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
 }
 
@@ -36,7 +36,7 @@ bool findUnfit(const NSString& string, char16_t& unit) {
         unit = text[i];
         if (isSurrogate(unit) && isSurrogatePair(text.units() + i, text.length() - i)) {
             ++i;
-        } else if (!mayStandInXml(unit) || isSurrogate(unit)) {
+        } else if (!isXmlCharacter(unit) || isSurrogate(unit)) {
             return true;
         }
     }

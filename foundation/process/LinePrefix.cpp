@@ -54,9 +54,9 @@ void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
 } // namespace
 
 std::size_t LinePrefix::roomFor(const ProcessIdentity& process) noexcept {
-    const std::size_t most =
+    const std::size_t needed =
         localTimeTextCapacity + charactersBetween + process.nameLength + numberTextCapacity + hexCapacity;
-    return most > KeptLinePrefixes::textCapacity ? most : KeptLinePrefixes::textCapacity;
+    return needed > KeptLinePrefixes::textCapacity ? needed : KeptLinePrefixes::textCapacity;
 }
 
 char* LinePrefix::writeBefore(char* end) const noexcept {
@@ -77,14 +77,14 @@ char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcep
         return writeAnewBefore(end, prefix, place, wanted);
     }
     std::memcpy(end - textCapacity, place.text, textCapacity);
-    writeMilliseconds(prefix.time.nanoseconds, end - place.behindDate - millisecondDigits);
+    writeMilliseconds(prefix.time.nanoseconds, end - place.afterDate - millisecondDigits);
     return end - place.length;
 }
 
 char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
                                         const Kept& wanted) noexcept {
-    char* const behindDate = writeProcessBefore(end, prefix.process);
-    char* const start = writeDateBefore(behindDate, prefix.time);
+    char* const afterDate = writeProcessBefore(end, prefix.process);
+    char* const start = writeDateBefore(afterDate, prefix.time);
     const auto length = static_cast<std::size_t>(end - start);
     if (length <= textCapacity) {
         // Ordered before everything that follows, for a child that is forked in between; the thread sanitizer
@@ -92,7 +92,7 @@ char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Pre
         __atomic_exchange_n(&place.kept.thread, 0, __ATOMIC_ACQ_REL);
         std::memcpy(place.text + textCapacity - length, start, length);
         place.length = length;
-        place.behindDate = static_cast<std::size_t>(end - behindDate);
+        place.afterDate = static_cast<std::size_t>(end - afterDate);
         place.kept.second = wanted.second;
         place.kept.zone = wanted.zone;
         place.kept.process = wanted.process;

@@ -231,7 +231,7 @@ bool NSUserDefaults::synchronize(NSString* error) {
         return false;
     }
     applicationChanges.forget(changes);
-    detail::tellSuccess(error);
+    detail::clearError(error);
     return true;
 }
 

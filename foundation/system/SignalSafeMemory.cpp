@@ -16,7 +16,7 @@ namespace {
 // Block sizes, including headers, are powers of two. A larger block than the largest size is a separate
 // mapping.
 constexpr int smallestBits = 6;
-constexpr int greatestBits = 16;
+constexpr int maxBits = 16;
 constexpr std::size_t placesInSlab = 64;
 
 /// Occupies its own first place, which is never free. Slabs are never freed, so a pointer to one is always
@@ -38,7 +38,7 @@ struct Slabs {
     Slab* likely;       ///< where a place was last taken or freed
     bool mayHavePlaces; ///< whether one was freed since all slabs were searched
 };
-constinit Slabs slabsOfSize[greatestBits + 1] = {};
+constinit Slabs slabsOfSize[maxBits + 1] = {};
 
 void* mapPages(std::size_t bytes) {
     const int callersError = errno;
@@ -113,7 +113,7 @@ void* takeSignalSafeMemory(std::size_t bytes) {
     const std::size_t wanted = bytes + sizeof(Header);
     const int bits = wanted <= std::size_t{1} << smallestBits ? smallestBits
                                                               : static_cast<int>(std::bit_width(wanted - 1));
-    if (bits <= greatestBits) {
+    if (bits <= maxBits) {
         return takePlaceOfSize(bits) + 1;
     }
     auto* const header = static_cast<Header*>(mapPages(wanted));

@@ -176,12 +176,12 @@ void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
         if (at == parts.point) {
             continue;
         }
-        const bool behindPoint = at > parts.point;
+        const bool isAfterPoint = at > parts.point;
         const bool leadingZero = digits.length == 0 && text[at] == '0';
         if (leadingZero || digits.length < decisiveDigits) {
-            digits.exponent -= behindPoint ? 1 : 0;
+            digits.exponent -= isAfterPoint ? 1 : 0;
         } else {
-            digits.exponent += behindPoint ? 0 : 1;
+            digits.exponent += isAfterPoint ? 0 : 1;
         }
         if (!leadingZero && digits.length < decisiveDigits) {
             digits.text[digits.length++] = static_cast<char>(text[at]);

@@ -66,11 +66,11 @@ std::string_view guardOf(const Pieces& target, std::string_view path) noexcept {
 }
 
 void appendPiece(std::string& text, std::string_view before, const Pieces::Piece& piece,
-                 std::string_view behind) {
+                 std::string_view after) {
     if (piece.isPresent) {
         text.append(before);
         text.append(piece.text);
-        text.append(behind);
+        text.append(after);
     }
 }
 

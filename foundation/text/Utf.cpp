@@ -224,7 +224,7 @@ inline bool isEscapedByte(char16_t unit) { return unit >= escapeBase + 0x80 && u
 /// bytes of it and its followers would read back as a character: only then would the text change silently.
 /// Looking forward from every unit is enough, since the neighbors of a run of such units begin with a lead
 /// byte or ASCII and are complete, so nothing outside the run joins bytes of the run.
-bool standsForByte(const char16_t* at, std::size_t left) {
+bool representsByte(const char16_t* at, std::size_t left) {
     constexpr std::size_t maxSequenceBytes = 4;
     unsigned char bytes[maxSequenceBytes];
     std::size_t length = 0;
@@ -249,7 +249,7 @@ void encode(const char16_t* units, std::size_t count, IllFormed policy, Sink& si
             } else if (isSurrogatePair(units + at, count - at)) {
                 sink.character(codePointOfPair(units + at));
                 ++at;
-            } else if (policy == IllFormed::fileName && standsForByte(units + at, count - at)) {
+            } else if (policy == IllFormed::fileName && representsByte(units + at, count - at)) {
                 sink.byte(static_cast<char>(units[at] - escapeBase));
             } else {
                 sink.character(replacementUnit);
@@ -376,7 +376,7 @@ bool hasFileNameForm(const char16_t* units, std::size_t count) noexcept {
         if (isSurrogate(units[at])) {
             if (isSurrogatePair(units + at, count - at)) {
                 ++at;
-            } else if (!standsForByte(units + at, count - at)) {
+            } else if (!representsByte(units + at, count - at)) {
                 return false;
             }
         }

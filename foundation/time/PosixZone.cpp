@@ -34,11 +34,11 @@ struct Cursor {
         return true;
     }
 
-    bool takeNumber(int least, int greatest, int& number) noexcept {
+    bool takeNumber(int min, int max, int& number) noexcept {
         const char* const start = at;
         // Three digits are the most that any limit has; more are an error and not a greater number.
         number = takeDigits(at, end, 3);
-        return at != start && number >= least && number <= greatest;
+        return at != start && number >= min && number <= max;
     }
 
     bool takeTime(int maxHour, std::int32_t& seconds) noexcept {

@@ -73,7 +73,7 @@ public:
     }
 
     /// Fails with a message if there were any.
-    void tell() const {
+    void failIfAny() const {
         if (count_ > 1) {
             fail("%@ (and %lu more cannot be read)", first_, count_ - 1);
         }
@@ -103,7 +103,7 @@ void readAllDomains(Printer printer) {
         }
     }
     print(printer(all.dictionary()));
-    unreadable.tell();
+    unreadable.failIfAny();
 }
 
 void read(const Words& words) {
@@ -302,7 +302,7 @@ void find(const Words& words) {
     for (const Domain& domain : allDomains()) {
         count += findInDomain(domain, unreadable.read(domain), words[1]);
     }
-    unreadable.tell();
+    unreadable.failIfAny();
     if (count == 0) {
         fail("no domain, key or value contains \"%@\"", words[1]);
     }
@@ -320,15 +320,15 @@ void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFro
 
 // lint
 
-constexpr std::size_t mostLines = 20;
+constexpr std::size_t maxLines = 20;
 
 void lint(const Words& words) {
     const std::vector<std::string> faults = faultsOf({words.begin() + 1, words.end()});
-    for (std::size_t index = 0; index < faults.size() && index < mostLines; ++index) {
+    for (std::size_t index = 0; index < faults.size() && index < maxLines; ++index) {
         std::fprintf(stderr, "%s\n", onOneLine(faults[index]).c_str());
     }
-    if (faults.size() > mostLines) {
-        std::fprintf(stderr, "... and %zu more\n", faults.size() - mostLines);
+    if (faults.size() > maxLines) {
+        std::fprintf(stderr, "... and %zu more\n", faults.size() - maxLines);
     }
     if (!faults.empty()) {
         fail("%lu fault%s found", faults.size(), faults.size() == 1 ? "" : "s");
@@ -340,7 +340,7 @@ struct Command {
     const char* name;
     const char* arguments;
     const char* purpose;
-    std::size_t leastWords; ///< with the command's own name
+    std::size_t minWords; ///< with the command's own name
     std::size_t maxWords;
     void (*run)(const Words&);
 };
@@ -386,7 +386,7 @@ void runCommand(const Words& words) {
         if (words[0] != command.name) {
             continue;
         }
-        if (words.size() >= command.leastWords && words.size() <= command.maxWords) {
+        if (words.size() >= command.minWords && words.size() <= command.maxWords) {
             command.run(words);
             return;
         }

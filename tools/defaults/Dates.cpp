@@ -20,9 +20,9 @@ public:
         return found;
     }
 
-    /// Exactly `digits` digits that make a number from `least` to `most`.
-    bool takeNumber(int digits, int least, int most, int& number) noexcept {
-        return detail::takeAllDigits(next_, end_, digits, number) && number >= least && number <= most;
+    /// Exactly `digits` digits that make a number from `min` to `max`.
+    bool takeNumber(int digits, int min, int max, int& number) noexcept {
+        return detail::takeAllDigits(next_, end_, digits, number) && number >= min && number <= max;
     }
 
     bool isAtEnd() const noexcept { return next_ == end_; }
@@ -63,8 +63,8 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
     if (cursor.take('Z')) {
         return true;
     }
-    const bool isBehind = cursor.take('-');
-    if (!isBehind && !cursor.take('+')) {
+    const bool isNegative = cursor.take('-');
+    if (!isNegative && !cursor.take('+')) {
         return false;
     }
     int hours = 0;
@@ -76,7 +76,7 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
     if (!cursor.takeNumber(2, 0, 59, minutes)) {
         return false;
     }
-    seconds = (hours * 60 + minutes) * (isBehind ? -60 : 60);
+    seconds = (hours * 60 + minutes) * (isNegative ? -60 : 60);
     return true;
 }
 

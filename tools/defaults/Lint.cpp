@@ -73,7 +73,7 @@ public:
 
 private:
     template <class... Arguments>
-    void tell(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+    void addFault(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         faults_.push_back(path_ + ": " + NSString::stringWithFormat(format, arguments...).utf8());
     }
 
@@ -91,32 +91,32 @@ private:
         return true;
     }
 
-    void tellPlace(const detail::PropertyListError& error) {
+    void addFaultAtPlace(const detail::PropertyListError& error) {
         if (error.line > 0) {
             faults_.push_back(
                 NSString::stringWithFormat("%@:%lu:%lu: %s", path_, error.line, error.column, error.message)
                     .utf8());
         } else {
-            tell("%@", detail::describePropertyListError(error));
+            addFault("%@", detail::describePropertyListError(error));
         }
     }
 
     void lookAtList(const NSObject& value, const detail::PropertyListError& error) {
         if (!value) {
-            tellPlace(error);
+            addFaultAtPlace(error);
         } else if (!value.as<NSDictionary>() && !value.as<NSArray>()) {
-            tell("this is a single value, not a dictionary or an array");
+            addFault("this is a single value, not a dictionary or an array");
         }
     }
 
     void lookAtTable(const NSDictionary& texts, const detail::PropertyListError& error) {
         if (!texts) {
-            tellPlace(error);
+            addFaultAtPlace(error);
             return;
         }
         for (const NSDictionaryEntry& entry : texts) {
             if (!entry.value.as<NSString>()) {
-                tell("the value of \"%@\" is not text", entry.key);
+                addFault("the value of \"%@\" is not text", entry.key);
             }
         }
         const std::string name = familyName(path_);
@@ -141,14 +141,14 @@ private:
     void compareText(const Table& table, const Table& other, const NSString& key, const NSString& otherText) {
         const NSObject text = table.texts.objectForKey(key);
         if (!text) {
-            tell("there is no \"%@\", which %@ has", key, lastNames(other.path, 2));
+            addFault("there is no \"%@\", which %@ has", key, lastNames(other.path, 2));
             return;
         }
         const std::string conversions = conversionsOf(NSString(text));
         const std::string otherConversions = conversionsOf(otherText);
         if (conversions != otherConversions) {
-            tell("\"%@\" takes %@, but %@ in %@", key, shown(conversions), shown(otherConversions),
-                 lastNames(other.path, 2));
+            addFault("\"%@\" takes %@, but %@ in %@", key, shown(conversions), shown(otherConversions),
+                     lastNames(other.path, 2));
         }
     }
 

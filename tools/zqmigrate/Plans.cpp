@@ -122,9 +122,9 @@ std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& obse
                                          request.overwriteDestination, request.renameIfDestinationExists};
     Collector collector(observer);
     if (request.isBatch()) {
-        const BatchMigration::Wishes wishes{request.extension, request.source, request.destination,
-                                            request.includeDotFiles, policy};
-        BatchMigration(wishes, collector).plan();
+        const BatchMigration::Options options{request.extension, request.source, request.destination,
+                                              request.includeDotFiles, policy};
+        BatchMigration(options, collector).plan();
         Conflicts(request).note(collector.items);
     } else if (collector.willMigrate(request.source)) {
         detail::ItemPlace place;

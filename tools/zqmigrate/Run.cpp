@@ -26,7 +26,7 @@ struct FoundItem {
     NSString path; ///< relative to the source; empty for that itself
     struct stat information {};
     bool isUnreadableFolder = false;
-    bool leadsNowhere = false;   ///< a link
+    bool isDangling = false;     ///< a link
     bool isRelativeLink = false; ///< that leads somewhere
 };
 
@@ -41,11 +41,11 @@ bool look(const Request& request, const detail::ItemPlace& place, FoundItem& ite
     if (!place.look(item.information)) {
         return false;
     }
-    const bool leadsSomewhere = ::fstatat(place.folder(), place.name(), &target, 0) == 0;
+    const bool hasTarget = ::fstatat(place.folder(), place.name(), &target, 0) == 0;
     const bool isLink = S_ISLNK(item.information.st_mode);
-    item.leadsNowhere = isLink && !leadsSomewhere;
-    item.isRelativeLink = isLink && leadsSomewhere &&
-                          ::readlinkat(place.folder(), place.name(), &first, 1) == 1 && first != '/';
+    item.isDangling = isLink && !hasTarget;
+    item.isRelativeLink =
+        isLink && hasTarget && ::readlinkat(place.folder(), place.name(), &first, 1) == 1 && first != '/';
     item.isUnreadableFolder = request.isBatch() && S_ISDIR(item.information.st_mode) && !isUsable(place);
     const bool isChosen =
         !S_ISDIR(target.st_mode) && (!request.extension || item.path.pathExtension() == request.extension);
@@ -193,7 +193,7 @@ private:
             note("files with a note: " + grouped(notes) +
                  "; the run itself changes what they find, so the results may differ");
         }
-        if (request_.isBatch() && detail::standsInside(request_.destinationOf("item"), request_.source)) {
+        if (request_.isBatch() && detail::isInside(request_.destinationOf("item"), request_.source)) {
             note("the destination is in the source folder: a real run may also find files that it made "
                  "itself");
         }
@@ -235,7 +235,7 @@ private:
             }
             if (inHand_) {
                 outcome_.notReached.push_back(item.path);
-            } else if (item.leadsNowhere) {
+            } else if (item.isDangling) {
                 finish({item.path, kFileMigrationSourceDoesNotExist, request_.destinationOf(item.path),
                         nullptr});
             }
