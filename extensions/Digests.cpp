@@ -5,6 +5,7 @@
 
 #include "extensions/MD5.h"
 #include "foundation/objects/StringBodies.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation {
 
@@ -27,11 +28,10 @@ NSString NSString::md5String() const {
                                   ? static_cast<std::size_t>(static_cast<const char*>(zero) - text.bytes())
                                   : text.size();
     const auto digest = detail::md5(text.bytes(), count);
-    constexpr char digits[] = "0123456789abcdef";
     char hexadecimal[2 * digest.size()];
-    for (std::size_t i = 0; i < digest.size(); ++i) {
-        hexadecimal[2 * i] = digits[digest[i] >> 4U];
-        hexadecimal[2 * i + 1] = digits[digest[i] & 15U];
+    char* out = hexadecimal;
+    for (const unsigned char byte : digest) {
+        out = detail::writeHexDigits(byte, 2, out);
     }
     return detail::makeAsciiString(hexadecimal, sizeof hexadecimal);
 }

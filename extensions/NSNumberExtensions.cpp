@@ -4,6 +4,7 @@
 
 #include "foundation/objects/NSString.h"
 #include "foundation/objects/StringBodies.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation {
@@ -18,9 +19,7 @@ NSNumber stepped(const NSNumber& number, unsigned step) noexcept {
 /// ":05". The value is below 60.
 char* appendTwoDigits(unsigned value, char* out) noexcept {
     *out++ = ':';
-    *out++ = static_cast<char>('0' + value / 10);
-    *out++ = static_cast<char>('0' + value % 10);
-    return out;
+    return detail::writeDigits<2>(value, out);
 }
 
 int shownFields(unsigned seconds, std::int64_t fieldCount, bool suppressZeroes) noexcept {

@@ -3,6 +3,7 @@
 #include "foundation/objects/StringBodies.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/System.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation {
 
@@ -11,7 +12,6 @@ namespace ZQFoundation {
 NSString NSString::stringWithNewUUID() {
     constexpr std::size_t byteCount = 16;
     constexpr std::size_t length = 36;
-    constexpr char digits[] = "0123456789ABCDEF";
     unsigned char bytes[byteCount];
     {
         const detail::CallerState caller;
@@ -25,8 +25,7 @@ NSString NSString::stringWithNewUUID() {
         if (i == 4 || i == 6 || i == 8 || i == 10) {
             *out++ = '-';
         }
-        *out++ = digits[bytes[i] >> 4];
-        *out++ = digits[bytes[i] & 15];
+        out = detail::writeHexDigits(bytes[i], 2, out, detail::upperHexDigits);
     }
     return detail::makeAsciiString(text, length);
 }

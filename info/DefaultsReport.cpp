@@ -76,32 +76,15 @@ public:
     /// The command writes NO, it does not remove the key: NO in the application's domain also hides a value
     /// of the global domain.
     void writeTraceKey(const NSString& key) const {
-        if (!identifier_) {
-            writeWithoutCommand(key);
-            return;
-        }
-        ZQLog::logAlways_logWithFormat(true, "%@ is active.%@ Deactivate using: defaults write %@ %@ NO", key,
-                                       spacer(key), identifier_, key);
+        writeActive(key, "Deactivate using: defaults write", " NO");
     }
 
     void writeEnablingKey(const NSString& key) const {
-        if (!identifier_) {
-            writeWithoutCommand(key);
-            return;
-        }
-        ZQLog::logAlways_logWithFormat(true,
-                                       "%@ is active.%@ Disable the feature using: defaults remove %@ %@",
-                                       key, spacer(key), identifier_, key);
+        writeActive(key, "Disable the feature using: defaults remove", "");
     }
 
     void writeDisablingKey(const NSString& key) const {
-        if (!identifier_) {
-            writeWithoutCommand(key);
-            return;
-        }
-        ZQLog::logAlways_logWithFormat(true,
-                                       "%@ is active.%@ Reenable the feature using: defaults remove %@ %@",
-                                       key, spacer(key), identifier_, key);
+        writeActive(key, "Reenable the feature using: defaults remove", "");
     }
 
     /// The value moves the command out of its column by its own length; this is intended.
@@ -117,9 +100,13 @@ public:
     }
 
 private:
-    /// Without an identifier there is no domain that a command could name.
-    static void writeWithoutCommand(const NSString& key) {
-        ZQLog::logAlways_logWithFormat(true, "%@ is active.", key);
+    void writeActive(const NSString& key, const char* command, const char* value) const {
+        if (identifier_) {
+            ZQLog::logAlways_logWithFormat(true, "%@ is active.%@ %s %@ %@%s", key, spacer(key), command,
+                                           identifier_, key, value);
+        } else {
+            ZQLog::logAlways_logWithFormat(true, "%@ is active.", key);
+        }
     }
 
     NSString spacer(const NSString& key) const {

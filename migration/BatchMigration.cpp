@@ -22,8 +22,8 @@ constexpr std::uint64_t maxWindowBytes = std::uint64_t{256} << 20;
 /// Max number of destinations that stay open, of the folders from the start to the current one.
 constexpr std::size_t maxOpenDestinations = 16;
 
-/// Whether `folder` is `path` or one of its parents, by whole components: "sub" is no parent of "subway".
-bool leadsTo(const std::string& folder, const std::string& path) {
+/// Whether `folder` is `path` or one of its parents.
+bool isAtOrAbove(const std::string& folder, const std::string& path) {
     return folder.empty() || path == folder ||
            (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
             path[folder.size()] == '/');
@@ -36,13 +36,13 @@ bool leadsTo(const std::string& folder, const std::string& path) {
 bool BatchMigration::openSource() {
     std::string bytes;
     PathHandle handle;
-    if (!getPathBytes(wishes_.source, bytes) || !handle.reach(bytes)) {
+    if (!getPathBytes(options_.source, bytes) || !handle.reach(bytes)) {
         return false;
     }
     // The start itself may be a link.
     Descriptor start(openAt(handle.folder(), handle.name(), folderFlags & ~O_NOFOLLOW));
     if (start) {
-        files_.emplace(std::move(start), wishes_.extension, wishes_.includeDotFiles, !changesNothing_);
+        files_.emplace(std::move(start), options_.extension, options_.includeDotFiles, !changesNothing_);
     }
     return files_.has_value();
 }
@@ -93,18 +93,18 @@ std::unique_ptr<ItemMigration> BatchMigration::migrationOfItem() {
     ItemPlace place;
     files_->getPlace(place);
     return std::make_unique<ItemMigration>(
-        fileKind, wishes_.policy, wishes_.source.stringByAppendingPathComponent(path), std::move(place),
-        wishes_.destination.stringByAppendingPathComponent(path));
+        fileKind, options_.policy, options_.source.stringByAppendingPathComponent(path), std::move(place),
+        options_.destination.stringByAppendingPathComponent(path));
 }
 
 /// Each folder is looked up once. Those on the way to the current one are kept.
 DestinationFolder& BatchMigration::destinationOfItem() {
     const std::string folder = files_->folderPath();
-    while (!levels_.empty() && !leadsTo(levels_.back().folder, folder)) {
+    while (!levels_.empty() && !isAtOrAbove(levels_.back().folder, folder)) {
         levels_.pop_back();
     }
     if (levels_.empty() || levels_.back().folder != folder) {
-        const NSString path = wishes_.destination.stringByAppendingPathComponent(files_->relativePath());
+        const NSString path = options_.destination.stringByAppendingPathComponent(files_->relativePath());
         levels_.push_back({folder, std::make_unique<DestinationFolder>(
                                        path.stringByDeletingLastPathComponent(), !changesNothing_)});
         if (levels_.size() > maxOpenDestinations) {
@@ -124,7 +124,7 @@ void BatchMigration::migrateItem() {
         finishWindow(); // which releases descriptors
         code = copyItem(migration);
     }
-    if (code == kFileMigrationSuccess && !wishes_.policy.keepOriginal) {
+    if (code == kFileMigrationSuccess && !options_.policy.keepOriginal) {
         migration->closeSource();
         windowBytes_ += static_cast<std::uint64_t>(migration->copiedItem().st_size);
         window_.push_back({path, std::move(migration)});
@@ -157,7 +157,7 @@ ZQFileMigrationRetvalType BatchMigration::copyItem(std::unique_ptr<ItemMigration
     const ZQFileMigrationRetvalType code = migration->makeParent(parent);
     return code != kFileMigrationSuccess
                ? code
-               : migration->copy({false, wishes_.policy.overwrite ? &made_ : nullptr, &observer_});
+               : migration->copy({false, options_.policy.overwrite ? &made_ : nullptr, &observer_});
 }
 
 // Whether the item is the source of a file in the window: copied already, and about to be removed.

@@ -20,7 +20,7 @@ namespace ZQFoundation::detail {
 /// at the source, in order.
 class BatchMigration {
 public:
-    struct Wishes {
+    struct Options {
         NSString extension; ///< nil and "" mean every file
         NSString source;    ///< folders, "~" expanded
         NSString destination;
@@ -42,7 +42,7 @@ public:
         ~Observer() = default;
     };
 
-    BatchMigration(const Wishes& wishes, Observer& observer) : wishes_(wishes), observer_(observer) {}
+    BatchMigration(const Options& options, Observer& observer) : options_(options), observer_(observer) {}
 
     /// Migrates the files one after the other; the observer learns of each. Call it once.
     void run();
@@ -73,7 +73,7 @@ private:
     void finishWindow();
     bool isFlushed(const ItemMigration& migration, std::vector<std::pair<dev_t, bool>>& flushed) const;
 
-    const Wishes& wishes_;
+    const Options& options_;
     Observer& observer_;
     bool changesNothing_ = false;
     std::optional<MigratedFiles> files_;

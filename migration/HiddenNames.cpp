@@ -6,12 +6,12 @@
 #include <string_view>
 
 #include "foundation/system/FileSystem.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
 
-constexpr std::string_view digits = "0123456789abcdef";
 constexpr std::size_t idLength = 16;
 
 /// How the names of a kind begin: with a period, so that file managers do not show unfinished items.
@@ -36,7 +36,7 @@ std::string_view markOf(HiddenKind kind) noexcept {
 
 /// Lower-case digits only, as `newHiddenName` makes them.
 bool isId(std::string_view text) noexcept {
-    return text.size() == idLength && text.find_first_not_of(digits) == std::string_view::npos;
+    return text.size() == idLength && text.find_first_not_of(lowerHexDigits) == std::string_view::npos;
 }
 
 } // namespace
@@ -59,13 +59,9 @@ HiddenName parsedHiddenName(const char* name) {
 
 // The number cannot be predicted, so nobody else in a shared folder can take the name first.
 std::string newHiddenName(HiddenKind kind) {
-    std::string name(markOf(kind));
-    std::uint64_t number = system::freshRandomNumber();
-    for (std::size_t count = 0; count < idLength; ++count) {
-        name.push_back(digits[number & 15U]);
-        number >>= 4U;
-    }
-    return name;
+    char id[idLength];
+    writeHexDigits(system::freshRandomNumber(), idLength, id);
+    return std::string(markOf(kind)).append(id, idLength);
 }
 
 std::string asideNameOf(const std::string& name) {

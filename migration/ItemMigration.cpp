@@ -80,7 +80,7 @@ ZQFileMigrationRetvalType ItemMigration::testParent(DestinationFolder& parent) {
         return kFileMigrationDestinationParentFolderDoesNotExist;
     }
     // Do not create a folder inside the source for a copy that cannot be made.
-    if (kind_.isFolder && standsInside(wanted_, source_)) {
+    if (kind_.isFolder && isInside(wanted_, source_)) {
         return kind_.writingFailed;
     }
     plan_.makesParent = true;
@@ -142,8 +142,8 @@ ZQFileMigrationRetvalType ItemMigration::testHarm(bool exists) const {
     if (exists && (removalWouldHarm(plan_.destination, source_) || leadsThroughItself(plan_.destination))) {
         return kind_.overwritingFailed;
     }
-    return kind_.isFolder && standsInside(plan_.destination, source_) ? kind_.writingFailed
-                                                                      : kFileMigrationSuccess;
+    return kind_.isFolder && isInside(plan_.destination, source_) ? kind_.writingFailed
+                                                                  : kFileMigrationSuccess;
 }
 
 // No item has the inode 0: it means that nothing was found at the destination.

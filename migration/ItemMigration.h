@@ -64,7 +64,7 @@ public:
     ZQFileMigrationRetvalType makeParent(DestinationFolder& parent);
 
     /// Requirements for a copy.
-    struct CopyWishes {
+    struct CopyOptions {
         bool isFlushed = false;    ///< the copy is on the disk before it takes its name
         MadeItems* made = nullptr; ///< what the same run has created, which is not replaced
         CopyObserver* observer = nullptr;
@@ -72,7 +72,7 @@ public:
 
     /// Carries out the plan: removes what is to be replaced, and copies. The copy gets its name when it is
     /// complete; after a failure nothing remains.
-    ZQFileMigrationRetvalType copy(const CopyWishes& wishes);
+    ZQFileMigrationRetvalType copy(const CopyOptions& options);
 
     /// Notifies the host's workspace object, if there is one, of the changed destination folder.
     void announceCopy() const;
@@ -104,14 +104,14 @@ private:
     bool removeExistingFolder(const struct stat& present);
     bool removeExistingFile(const struct stat& present);
 
-    bool makeCopy(const CopyWishes& wishes);
-    bool copyFile(const CopyWishes& wishes);
+    bool makeCopy(const CopyOptions& options);
+    bool copyFile(const CopyOptions& options);
     enum class Naming { done, failed, impossible };
-    Naming copyUnnamed(int source, const CopyWishes& wishes);
-    bool copyHidden(int source, const CopyWishes& wishes);
+    Naming copyUnnamed(int source, const CopyOptions& options);
+    bool copyHidden(int source, const CopyOptions& options);
     bool copySpecial();
-    bool copyTree(const CopyWishes& wishes);
-    bool fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes);
+    bool copyTree(const CopyOptions& options);
+    bool fillTree(Descriptor folder, Descriptor made, const CopyOptions& options);
 
     bool removeTree();
     bool removeFile();

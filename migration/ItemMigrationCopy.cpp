@@ -87,20 +87,18 @@ private:
 
 } // namespace
 
-// The source is looked at before anything is removed: its state at this moment is what `removeSource`
-// compares with.
-ZQFileMigrationRetvalType ItemMigration::copy(const CopyWishes& wishes) {
+ZQFileMigrationRetvalType ItemMigration::copy(const CopyOptions& options) {
     if (!place_.look(copied_)) {
         return kind_.writingFailed;
     }
-    if (plan_.replaces && !removeExisting(wishes.made)) {
+    if (plan_.replaces && !removeExisting(options.made)) {
         return kind_.overwritingFailed;
     }
-    if (!makeCopy(wishes)) {
+    if (!makeCopy(options)) {
         return kind_.writingFailed;
     }
-    if (wishes.made != nullptr) {
-        wishes.made->add(made_);
+    if (options.made != nullptr) {
+        options.made->add(made_);
     }
     return kFileMigrationSuccess;
 }
@@ -148,21 +146,19 @@ bool ItemMigration::removeExistingFolder(const struct stat& present) {
            TreeRemoval(aside.folder(), aside.name(), aside.name()).run();
 }
 
-bool ItemMigration::makeCopy(const CopyWishes& wishes) {
+bool ItemMigration::makeCopy(const CopyOptions& options) {
     struct stat present;
     if (target_.look(present)) {
         errno = EEXIST; // a dangling link, or an item created meanwhile
         return false;
     }
     if (S_ISDIR(copied_.st_mode)) {
-        return copyTree(wishes);
+        return copyTree(options);
     }
-    return S_ISREG(copied_.st_mode) ? copyFile(wishes) : copySpecial();
+    return S_ISREG(copied_.st_mode) ? copyFile(options) : copySpecial();
 }
 
-// The file that was opened must be the one that was looked at, not another that has taken its name. For a
-// move it is opened so that any later change shows.
-bool ItemMigration::copyFile(const CopyWishes& wishes) {
+bool ItemMigration::copyFile(const CopyOptions& options) {
     struct stat opened;
     if (!openForCopy(place_.folder(), place_.name(), !policy_.keepOriginal, opened_, opened)) {
         return false;
@@ -172,21 +168,19 @@ bool ItemMigration::copyFile(const CopyWishes& wishes) {
         return false;
     }
     copied_ = opened;
-    const Naming naming = copyUnnamed(opened_.number(), wishes);
-    return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), wishes));
+    const Naming naming = copyUnnamed(opened_.number(), options);
+    return naming == Naming::done || (naming == Naming::impossible && copyHidden(opened_.number(), options));
 }
 
-/// A file without a name vanishes with the process, so a killed process leaves nothing. `impossible` means
-/// that the file system or the system cannot do this, and a hidden name is used instead; a full disk or table
-/// is a failure either way.
-ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& wishes) {
+/// A file without a name vanishes with the process, so a killed process leaves nothing.
+ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyOptions& options) {
     Descriptor made = openUnnamed(target_.folder());
     if (!made) {
         return errno == EMFILE || errno == ENFILE || errno == ENOSPC || errno == EDQUOT ? Naming::failed
                                                                                         : Naming::impossible;
     }
-    if (!fillCopy(source, copied_, made.number(), true, wishes.observer) ||
-        (wishes.isFlushed && !system::flushItem(made.number())) || ::fstat(made.number(), &made_) != 0) {
+    if (!fillCopy(source, copied_, made.number(), true, options.observer) ||
+        (options.isFlushed && !system::flushItem(made.number())) || ::fstat(made.number(), &made_) != 0) {
         return Naming::failed;
     }
     if (!system::nameFile(made.number(), target_.folder(), target_.name())) {
@@ -201,15 +195,13 @@ ItemMigration::Naming ItemMigration::copyUnnamed(int source, const CopyWishes& w
     return Naming::failed;
 }
 
-// The name is taken after the descriptor was closed, because some file systems report only then that a write
-// failed. The duplicate keeps the lock until the copy has its name.
-bool ItemMigration::copyHidden(int source, const CopyWishes& wishes) {
+bool ItemMigration::copyHidden(int source, const CopyOptions& options) {
     HiddenCopy hidden(target_);
     Descriptor made = hidden.begin(
         [&](const char* name) { return Descriptor(openAt(target_.folder(), name, newFileFlags, 0600)); });
     const Descriptor lock = made ? duplicateOf(made) : Descriptor();
-    return made && fillCopy(source, copied_, made.number(), true, wishes.observer) &&
-           (!wishes.isFlushed || system::flushItem(made.number())) && ::fstat(made.number(), &made_) == 0 &&
+    return made && fillCopy(source, copied_, made.number(), true, options.observer) &&
+           (!options.isFlushed || system::flushItem(made.number())) && ::fstat(made.number(), &made_) == 0 &&
            closeWell(made) && hidden.takeName();
 }
 
@@ -229,8 +221,7 @@ bool ItemMigration::copySpecial() {
     return false;
 }
 
-// A tree is never copied into itself, however the paths are spelled: the copy would find itself and not end.
-bool ItemMigration::copyTree(const CopyWishes& wishes) {
+bool ItemMigration::copyTree(const CopyOptions& options) {
     struct stat opened;
     opened_ = Descriptor(openAt(place_.folder(), place_.name(), folderFlags));
     if (!opened_ || ::fstat(opened_.number(), &opened) != 0) {
@@ -247,24 +238,22 @@ bool ItemMigration::copyTree(const CopyWishes& wishes) {
         return folder;
     });
     // The duplicate keeps the lock, and the means to flush the copy, until both descriptors are closed.
-    return made && fillTree(duplicateOf(opened_), duplicateOf(made), wishes) &&
-           (!wishes.isFlushed || system::flushFileSystem(made.number())) &&
+    return made && fillTree(duplicateOf(opened_), duplicateOf(made), options) &&
+           (!options.isFlushed || system::flushFileSystem(made.number())) &&
            ::fstat(made.number(), &made_) == 0 && hidden.takeName();
 }
 
-// A move records what it copies, item by item and with its state: only what is in the record is removed
-// afterwards.
-bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyWishes& wishes) {
+bool ItemMigration::fillTree(Descriptor folder, Descriptor made, const CopyOptions& options) {
     if (!folder || !made) {
         return false;
     }
     std::string path;
     source_.getFileSystemBytes(path);
     if (policy_.keepOriginal) {
-        return TreeCopy(withoutEndSlashes(path), {nullptr, wishes.observer})
+        return TreeCopy(withoutEndSlashes(path), {nullptr, options.observer})
             .fill(std::move(folder), std::move(made));
     }
-    TreeCopy tree(withoutEndSlashes(path), {&record_.emplace(), wishes.observer});
+    TreeCopy tree(withoutEndSlashes(path), {&record_.emplace(), options.observer});
     const bool isCopied = tree.fill(std::move(folder), std::move(made));
     record_->complete();
     return isCopied;

@@ -164,10 +164,10 @@ ZQBatchMigrationResult ZQFileMigrator::migrateFiles(const NSString& extension, c
     }
     const detail::CallerState caller;
     Progress progress(observer);
-    const detail::BatchMigration::Wishes wishes{extension, source.stringByExpandingTildeInPath(),
+    const detail::BatchMigration::Options batch{extension, source.stringByExpandingTildeInPath(),
                                                 destination.stringByExpandingTildeInPath(),
                                                 options.includeDotFiles, policyOf(options)};
-    detail::BatchMigration(wishes, progress).run();
+    detail::BatchMigration(batch, progress).run();
     return {progress.codes(), progress.isStopped()};
 }
 

@@ -237,7 +237,7 @@ NSDictionary NSFileManager::attributesOfItemAtPath_error(StringView path, NSStri
     timespec created{};
     const bool isKnown = detail::system::getCreationTime(handle.folder(), handle.name(), created);
     const NSDictionary attributes = detail::attributesOf(information, isKnown ? &created : nullptr);
-    detail::tellSuccess(errorText);
+    detail::clearError(errorText);
     return attributes;
 }
 

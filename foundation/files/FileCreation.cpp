@@ -10,6 +10,7 @@
 #include "foundation/system/CallerState.h"
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/System.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation {
 
@@ -75,12 +76,7 @@ public:
 
 private:
     void chooseName() noexcept {
-        static constexpr char digits[] = "0123456789abcdef";
-        std::uint64_t number = detail::system::freshRandomNumber();
-        for (std::size_t index = 0; index < digitCount; ++index) {
-            name_[prefixLength + index] = digits[number & 15];
-            number >>= 4;
-        }
+        detail::writeHexDigits(detail::system::freshRandomNumber(), digitCount, name_ + prefixLength);
     }
 
     static constexpr std::size_t prefixLength = 5;

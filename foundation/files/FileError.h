@@ -16,7 +16,7 @@ void reportError(NSString* errorText, StringView path, int error);
 void reportErrorOfBytes(NSString* errorText, const std::string& path, int error);
 
 /// Sets the text to nil.
-inline void tellSuccess(NSString* errorText) noexcept {
+inline void clearError(NSString* errorText) noexcept {
     if (errorText != nullptr) {
         *errorText = NSString();
     }

@@ -123,7 +123,7 @@ bool NSFileManager::createDirectoryAtPath_withIntermediateDirectories_attributes
     const int error = errno;
     maker.applyAttributes();
     if (done) {
-        detail::tellSuccess(errorText);
+        detail::clearError(errorText);
     } else {
         detail::reportError(errorText, path, error);
     }

@@ -40,7 +40,7 @@ NSArray NSFileManager::contentsOfDirectoryAtPath_error(StringView path, NSString
         const char* const name = found.next().name;
         names.addObject(NSString::stringWithFileSystemBytes(name, std::strlen(name)));
     }
-    detail::tellSuccess(errorText);
+    detail::clearError(errorText);
     return names.array();
 }
 

@@ -126,7 +126,7 @@ bool leadsThroughItself(const NSString& path) {
     return getItemInformation(path, item) && isSpelledWith(item, path);
 }
 
-bool standsInside(const NSString& destination, const NSString& source) {
+bool isInside(const NSString& destination, const NSString& source) {
     const CallerState callerState;
     struct stat folder;
     return getItemInformation(source, folder) && S_ISDIR(folder.st_mode) &&

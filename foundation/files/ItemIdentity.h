@@ -19,7 +19,7 @@ bool leadsThroughItself(const NSString& path);
 
 /// Whether something made at `destination` would be inside the folder at `source`, even if folders on the way
 /// there are missing.
-bool standsInside(const NSString& destination, const NSString& source);
+bool isInside(const NSString& destination, const NSString& source);
 
 } // namespace ZQFoundation::detail
 

@@ -123,7 +123,7 @@ bool NSFileManager::copyItemAtPath_toPath_error(StringView source, StringView de
         detail::reportErrorOfBytes(errorText, copy.failed(), error);
         return false;
     }
-    detail::tellSuccess(errorText);
+    detail::clearError(errorText);
     return true;
 }
 

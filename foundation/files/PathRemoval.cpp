@@ -51,7 +51,7 @@ bool NSFileManager::removeItemAtPath_error(StringView path, NSString* errorText)
         detail::reportErrorOfBytes(errorText, failed, errno);
         return false;
     }
-    detail::tellSuccess(errorText);
+    detail::clearError(errorText);
     return true;
 }
 

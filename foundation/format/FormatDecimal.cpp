@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation::detail {
@@ -16,19 +17,7 @@ namespace {
 
 __extension__ typedef unsigned __int128 Wide;
 
-constexpr int maxPower = 19;
-
-/// 10^0 to 10^19, all that fit.
-struct PowersOfTen {
-    std::uint64_t at[maxPower + 1] = {1};
-    constexpr PowersOfTen() noexcept {
-        for (int i = 1; i <= maxPower; ++i) {
-            at[i] = at[i - 1] * 10;
-        }
-    }
-};
-
-constexpr PowersOfTen powersOfTen;
+constexpr int maxPower = PowersOfTen::max;
 
 // The language's own function is not defined for this type everywhere.
 int bitWidth(Wide value) noexcept {
@@ -134,12 +123,7 @@ public:
                 out = writeUInt64(limbs_[i], out);
                 continue;
             }
-            std::uint32_t rest = limbs_[i];
-            for (int place = 8; place >= 0; --place) {
-                out[place] = static_cast<char>('0' + rest % 10);
-                rest /= 10;
-            }
-            out += 9;
+            out = writeDigits<9>(limbs_[i], out);
         }
         return static_cast<std::size_t>(out - start);
     }

@@ -6,7 +6,9 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/Description.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
+#include "foundation/text/Surrogates.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
@@ -94,8 +96,7 @@ struct UnitCut {
 UnitCut cutUnits(const char16_t* units, std::size_t count, std::size_t limit) noexcept {
     std::size_t i = 0;
     while (i < count) {
-        const bool isPair =
-            i + 1 < count && (units[i] & 0xFC00) == 0xD800 && (units[i + 1] & 0xFC00) == 0xDC00;
+        const bool isPair = isSurrogatePair(units + i, count - i);
         const std::size_t bytes = isPair ? 4 : units[i] < 0x80 ? 1 : units[i] < 0x800 ? 2 : 3;
         if (bytes > limit) {
             return {i, limit};
@@ -215,11 +216,7 @@ void appendCharacter(TextBuilder& out, const FormatSpec& spec, std::uint64_t val
 void appendAddress(TextBuilder& out, const FormatSpec& spec, std::uintptr_t address) {
     // Backwards, without leading zeros; null is "0x0" on every system.
     char text[2 + 2 * sizeof address];
-    char* start = text + sizeof text;
-    do {
-        *--start = "0123456789abcdef"[address & 0xF];
-        address >>= 4;
-    } while (address != 0);
+    char* start = writeHexBefore(address, text + sizeof text);
     *--start = 'x';
     *--start = '0';
     const auto length = static_cast<std::size_t>(text + sizeof text - start);

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <iterator>
 
+#include "foundation/text/Digits.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -115,8 +117,6 @@ bool isLetter(char character) noexcept {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-bool isDigit(char character) noexcept { return character >= '0' && character <= '9'; }
-
 bool areAll(bool (*is)(char) noexcept, std::string_view text) noexcept {
     for (const char character : text) {
         if (!is(character)) {
@@ -168,7 +168,7 @@ LocaleName localeName(std::string_view identifier) {
         if (part.size() == 4 && areAll(isLetter, part) && name.script.empty() && name.region.empty()) {
             name.script = inUpperCase(part.substr(0, 1)) + inLowerCase(part.substr(1));
         } else if (name.region.empty() && ((part.size() == 2 && areAll(isLetter, part)) ||
-                                           (part.size() == 3 && areAll(isDigit, part)))) {
+                                           (part.size() == 3 && areAll(isDigit<char>, part)))) {
             name.region = inUpperCase(part);
         } else {
             // A variant. Only the one for programs matters, and nothing that follows does.

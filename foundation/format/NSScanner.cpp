@@ -8,6 +8,7 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation {
@@ -15,6 +16,8 @@ namespace ZQFoundation {
 using detail::Access;
 using detail::AsciiOrUtf16;
 using detail::CharacterMembership;
+using detail::hexDigitValue;
+using detail::isDigit;
 
 namespace {
 
@@ -42,16 +45,15 @@ std::size_t placeOfUnit(const NSString& string, std::size_t location, const NSCh
     });
 }
 
-/// Sets the output, if there is one, to the units from `start` to `end`.
-void putOut(const NSString& string, std::size_t start, std::size_t end, NSString* output) {
+/// Sets the output, if there is one, to the units from `start` to `end`, and the location to the end. Returns
+/// true.
+bool take(const NSString& string, std::size_t start, std::size_t end, NSString* output,
+          std::size_t& location) {
     if (output != nullptr) {
         *output = string.substringWithRange(start, end - start);
     }
-}
-
-template <class Unit>
-constexpr bool isDigit(Unit unit) noexcept {
-    return unit >= '0' && unit <= '9';
+    location = end;
+    return true;
 }
 
 char16_t lowered(char16_t unit) noexcept {
@@ -63,7 +65,7 @@ enum class Answer { no, yes, open };
 /// Whether the text is at a place, as far as ASCII decides that: undecided if another unit is involved, for
 /// that may be a mark on the last letter or one character equal to two.
 template <class Unit>
-Answer standsAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text, bool isCaseSensitive) {
+Answer matchesAt(const Unit* units, std::size_t length, const AsciiOrUtf16& text, bool isCaseSensitive) {
     for (std::size_t i = 0; i < text.length(); ++i) {
         if (i == length) {
             return Answer::no;
@@ -95,7 +97,7 @@ std::size_t endOfText(const NSString& string, std::size_t location, StringView t
     }
     // Two ASCII texts are the usual case, and decided without the search.
     const Answer answer = withUnits(string, [&](const auto* units, std::size_t length) {
-        return standsAt(units + location, length - location, wanted, isCaseSensitive);
+        return matchesAt(units + location, length - location, wanted, isCaseSensitive);
     });
     if (answer != Answer::open) {
         return answer == Answer::yes ? location + wanted.length() : NSNotFound;
@@ -130,16 +132,6 @@ DigitStretch decimalDigits(const NSString& string, std::size_t location) {
     });
 }
 
-/// The digit's value, or 16.
-template <class Unit>
-unsigned hexDigit(Unit unit) noexcept {
-    if (isDigit(unit)) {
-        return static_cast<unsigned>(unit - '0');
-    }
-    const char16_t letter = lowered(static_cast<char16_t>(unit));
-    return letter >= 'a' && letter <= 'f' ? static_cast<unsigned>(letter - 'a' + 10) : 16;
-}
-
 struct HexReading {
     std::uint64_t value;
     std::size_t end; ///< NSNotFound: no digit
@@ -150,14 +142,14 @@ HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
     at += detail::whiteSpacePrefix(units + at, length - at);
     // Without a digit after it, the prefix is the digit 0 and an x that is left.
     if (length - at > 2 && units[at] == '0' && (units[at + 1] == 'x' || units[at + 1] == 'X') &&
-        hexDigit(units[at + 2]) < 16) {
+        hexDigitValue(units[at + 2]) >= 0) {
         at += 2;
     }
     const std::size_t digits = at;
     std::uint64_t value = 0;
-    for (; at < length && hexDigit(units[at]) < 16; ++at) {
-        // Too large a number saturates but takes all its digits.
-        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | hexDigit(units[at]);
+    for (; at < length && hexDigitValue(units[at]) >= 0; ++at) {
+        const auto digit = static_cast<std::uint64_t>(hexDigitValue(units[at]));
+        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | digit; // a greater number is the greatest one
     }
     return {value, at == digits ? NSNotFound : at};
 }
@@ -192,12 +184,7 @@ bool NSScanner::isAtEnd() const { return locationAfterSkipping() == string_.leng
 bool NSScanner::scanString_intoString(StringView text, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t end = endOfText(string_, start, text, isCaseSensitive_);
-    if (end == NSNotFound) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != NSNotFound && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
@@ -207,34 +194,19 @@ bool NSScanner::scanUpToString_intoString(StringView text, NSString* output) {
     const NSRange found = string_.rangeOfString_options_range(text, searchOptions(isCaseSensitive_),
                                                               NSMakeRange(start, length - start));
     const std::size_t end = found.location != NSNotFound ? found.location : length;
-    if (end == start) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != start && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t end = placeOfUnit(string_, start, set, false);
-    if (end == start) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != start && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, NSString* output) {
     const std::size_t start = locationAfterSkipping();
     const std::size_t end = placeOfUnit(string_, start, set, true);
-    if (end == start) {
-        return false;
-    }
-    putOut(string_, start, end, output);
-    location_ = end;
-    return true;
+    return end != start && take(string_, start, end, output, location_);
 }
 
 bool NSScanner::scanInteger(std::int64_t* value) {

@@ -12,6 +12,8 @@
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Hashing.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/text/Digits.h"
+#include "foundation/text/Surrogates.h"
 
 namespace ZQFoundation::detail {
 
@@ -98,10 +100,10 @@ char32_t nextCodePoint(const CharacterSetBody& body, char32_t codePoint, bool is
 
 // As Unicode writes code points: at least four digits.
 void appendCode(TextBuilder& out, char32_t codePoint) {
-    const unsigned digits = codePoint > 0xFFFFF ? 6 : codePoint > 0xFFFF ? 5 : 4;
-    for (unsigned shift = digits * 4; shift > 0; shift -= 4) {
-        out.appendAscii("0123456789ABCDEF"[codePoint >> (shift - 4) & 15]);
-    }
+    const std::size_t digits = codePoint > 0xFFFFF ? 6 : codePoint > 0xFFFF ? 5 : 4;
+    char text[6];
+    writeHexDigits(codePoint, digits, text, upperHexDigits);
+    out.appendAscii(text, digits);
 }
 
 // The reference count before it differs between equal sets. Every byte after it is part of the value.
@@ -232,8 +234,7 @@ void CharacterSetPages::setCharacters(StringView characters, bool isMember) {
     const AsciiOrUtf16 text(characters);
     for (std::size_t i = 0; i < text.length(); ++i) {
         char32_t codePoint = text[i];
-        // A pair is one code point; an unpaired surrogate is a member by itself.
-        if ((codePoint & 0xFC00) == 0xD800 && i + 1 < text.length() && (text[i + 1] & 0xFC00) == 0xDC00) {
+        if (isHighSurrogate(text[i]) && i + 1 < text.length() && isLowSurrogate(text[i + 1])) {
             codePoint = 0x10000 + ((codePoint & 0x3FF) << 10 | (text[++i] & 0x3FFU));
         }
         setRange(codePoint, codePoint + 1, isMember);

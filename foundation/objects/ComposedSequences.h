@@ -7,6 +7,7 @@
 
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/Bodies.h"
+#include "foundation/text/Surrogates.h"
 
 /// What the Unicode standard treats as one character: a base character with its marks, and the decompositions
 /// that make two such sequences equivalent.
@@ -41,9 +42,6 @@ private:
     const char16_t* units_;
     std::size_t length_;
 };
-
-inline bool isHighSurrogate(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
-inline bool isLowSurrogate(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
 
 /// The code point at `index`, an unpaired surrogate as itself; moves the index past it.
 inline char32_t nextCodePoint(const UnitView& text, std::size_t& index) noexcept {

@@ -3,57 +3,59 @@
 // Hosts and their users read and compare these texts, so each form is exact.
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/CivilTime.h"
+#include "foundation/objects/CollectionLayout.h"
+#include "foundation/objects/DecimalText.h"
 #include "foundation/objects/Description.h"
-#include "foundation/objects/EntryOrder.h"
-#include "foundation/objects/KeyTable.h"
 #include "foundation/objects/Numbers.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/NumberText.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation {
 
 using detail::Access;
 using detail::AsciiOrUtf16;
-using detail::EntryPointer;
 using detail::Kind;
 using detail::TextBuilder;
 
 namespace {
 
-constexpr std::size_t indentation = 4;
+constexpr detail::CollectionLayout layout{
+    .array = {"(", "\n", ",\n", "\n", "\n", ")"},
+    .dictionary = {"{", "\n", ";\n", ";\n", "\n", "}"},
+    .set = {"{(", "\n", ",\n", "\n", "\n", ")}"},
+    .assignment = " = ",
+    .indentation = 4,
+};
 
 bool isCollection(const NSObject& object) noexcept {
     const Kind kind = Access::kind(object);
     return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
 }
 
-void appendHex(TextBuilder& out, std::uint64_t value, unsigned digits) {
-    for (unsigned shift = digits * 4; shift > 0; shift -= 4) {
-        out.appendAscii("0123456789abcdef"[value >> (shift - 4) & 15]);
-    }
+void appendHex(TextBuilder& out, std::uint64_t value, std::size_t digits) {
+    char text[4];
+    detail::writeHexDigits(value, digits, text);
+    out.appendAscii(text, digits);
 }
 
 void appendData(TextBuilder& out, const NSData& data) {
     const unsigned char* const bytes = data.bytes();
     const std::size_t count = data.length();
-    char number[detail::numberTextCapacity];
     out.appendLiteral("{length = ");
-    out.appendAscii(number, static_cast<std::size_t>(detail::writeUInt64(count, number) - number));
+    detail::appendDecimal(out, static_cast<std::int64_t>(count));
     out.appendLiteral(", bytes = 0x");
-    // Longer data show their first 16 and last 8 bytes.
-    constexpr std::size_t longest = 24;
-    for (std::size_t i = 0; i < (count <= longest ? count : 16); ++i) {
+    constexpr std::size_t maxWhole = 24;
+    for (std::size_t i = 0; i < (count <= maxWhole ? count : 16); ++i) {
         appendHex(out, bytes[i], 2);
-        if (count > longest && i % 4 == 3) {
+        if (count > maxWhole && i % 4 == 3) {
             out.appendAscii(' ');
         }
     }
-    if (count > longest) {
+    if (count > maxWhole) {
         out.appendLiteral("... ");
         for (std::size_t i = count - 8; i < count; ++i) {
             appendHex(out, bytes[i], 2);
@@ -65,19 +67,6 @@ void appendData(TextBuilder& out, const NSData& data) {
     out.appendAscii('}');
 }
 
-// The magnitude is taken in unsigned arithmetic, because the lowest value has no positive counterpart.
-void appendPadded(TextBuilder& out, std::int64_t value, std::size_t digits) {
-    char number[detail::numberTextCapacity];
-    const std::uint64_t magnitude =
-        value < 0 ? ~static_cast<std::uint64_t>(value) + 1 : static_cast<std::uint64_t>(value);
-    const auto length = static_cast<std::size_t>(detail::writeUInt64(magnitude, number) - number);
-    if (value < 0) {
-        out.appendAscii('-');
-    }
-    out.appendRepeated('0', length < digits ? digits - length : 0);
-    out.appendAscii(number, length);
-}
-
 void appendDate(TextBuilder& out, const NSDate& date) {
     constexpr double farthest = 4e17; // keeps every year within 64 bits
     const double since1970 = date.timeIntervalSince1970();
@@ -85,17 +74,17 @@ void appendDate(TextBuilder& out, const NSDate& date) {
     const auto seconds = static_cast<std::int64_t>(clamped);
     const detail::CivilDate day = detail::civilFromDays(detail::floorDivide(seconds, 86400));
     const std::int64_t second = seconds - detail::floorDivide(seconds, 86400) * 86400;
-    appendPadded(out, day.year, 4);
+    detail::appendDecimal(out, day.year, 4);
     out.appendAscii('-');
-    appendPadded(out, day.month, 2);
+    detail::appendDecimal(out, day.month, 2);
     out.appendAscii('-');
-    appendPadded(out, day.day, 2);
+    detail::appendDecimal(out, day.day, 2);
     out.appendAscii(' ');
-    appendPadded(out, second / 3600, 2);
+    detail::appendDecimal(out, second / 3600, 2);
     out.appendAscii(':');
-    appendPadded(out, second / 60 % 60, 2);
+    detail::appendDecimal(out, second / 60 % 60, 2);
     out.appendAscii(':');
-    appendPadded(out, second % 60, 2);
+    detail::appendDecimal(out, second % 60, 2);
     out.appendLiteral(" +0000");
 }
 
@@ -200,134 +189,28 @@ void appendMember(TextBuilder& out, const NSObject& object) {
     out.appendAscii('"');
 }
 
-/// Writes nested collections of any depth with an explicit stack.
-class IndentedWriter {
-public:
-    explicit IndentedWriter(TextBuilder& out) noexcept : out_(out) {}
-
-    void write(const NSObject& collection) {
-        open(collection);
-        while (!frames_.empty()) {
-            step();
-        }
-    }
-
-private:
-    struct Frame {
-        Kind kind;
-        std::size_t next;
-        std::size_t count;
-        bool inValue; ///< of a dictionary: the key has been written
-        const NSObject* elements;
-        std::vector<EntryPointer> entries;
-    };
-
-    void indent(std::size_t level) { out_.appendRepeated(' ', level * indentation); }
-
-    void open(const NSObject& collection) {
-        const Kind kind = Access::kind(collection);
-        // A nested collection indents itself, after the indentation of its element, so an inner bracket is
-        // indented twice.
-        indent(frames_.size());
-        if (kind == Kind::array) {
-            out_.appendLiteral("(\n");
-            detail::ArrayBody& body = *Access::array(collection);
-            frames_.push_back({kind, 0, body.count, false, body.elements(), {}});
-            return;
-        }
-        detail::TableBody& table = *detail::tableOf(collection);
-        if (kind == Kind::dictionary) {
-            out_.appendLiteral("{\n");
-            // By the strings' own order, so that the text of a dictionary does not depend on how it was
-            // built.
-            frames_.push_back(
-                {kind, 0, table.count, false, nullptr,
-                 detail::entriesInOrder(collection, [](const NSString& left, const NSString& right) {
-                     return left.compare(right) == NSOrderedAscending;
-                 })});
+void appendCollection(TextBuilder& out, const NSObject& collection) {
+    using Walk = detail::CollectionWalk;
+    for (Walk walk(collection, &NSString::compare); walk.next();) {
+        const detail::CollectionLayout::Lead lead = layout.leadOf(walk);
+        out.appendAscii(lead.text.data(), lead.text.size());
+        // A bracket is indented wherever its line begins, on top of what the line has already.
+        const std::size_t more = walk.event() == Walk::Event::open ? walk.depth() * layout.indentation : 0;
+        out.appendRepeated(' ', lead.spaces + more);
+        if (walk.event() == Walk::Event::leaf) {
+            appendMember(out, walk.value());
         } else {
-            out_.appendLiteral("{(\n");
-            std::vector<EntryPointer> members(table.count);
-            for (std::size_t i = 0; i < table.count; ++i) {
-                members[i] = table.entries() + i;
-            }
-            frames_.push_back({kind, 0, table.count, false, nullptr, std::move(members)});
+            const std::string_view bracket = layout.bracketOf(walk);
+            out.appendAscii(bracket.data(), bracket.size());
         }
     }
-
-    void close() {
-        const Frame& frame = frames_.back();
-        // After the last element there is no separator; a dictionary has written its line end with the last
-        // entry.
-        if (frame.count != 0 && frame.kind != Kind::dictionary) {
-            out_.appendAscii('\n');
-        }
-        const Kind kind = frame.kind;
-        frames_.pop_back();
-        indent(frames_.size());
-        if (kind == Kind::array) {
-            out_.appendAscii(')');
-        } else if (kind == Kind::dictionary) {
-            out_.appendAscii('}');
-        } else {
-            out_.appendLiteral(")}");
-        }
-    }
-
-    void member(const NSObject& object) {
-        if (isCollection(object)) {
-            open(object);
-        } else {
-            appendMember(out_, object);
-        }
-    }
-
-    void step() {
-        Frame& frame = frames_.back();
-        if (frame.kind == Kind::dictionary) {
-            stepEntry(frame);
-        } else if (frame.next == frame.count) {
-            close();
-        } else {
-            if (frame.next != 0) {
-                out_.appendLiteral(",\n");
-            }
-            indent(frames_.size());
-            // Before `member`, which may add a frame and so move this one.
-            const std::size_t index = frame.next++;
-            member(frame.elements != nullptr ? frame.elements[index] : frame.entries[index]->key);
-        }
-    }
-
-    void stepEntry(Frame& frame) {
-        if (frame.inValue) {
-            frame.inValue = false;
-            out_.appendLiteral(" = ");
-            member(frame.entries[frame.next++]->value);
-            return;
-        }
-        if (frame.next != 0) {
-            out_.appendLiteral(";\n");
-        }
-        if (frame.next == frame.count) {
-            close();
-            return;
-        }
-        indent(frames_.size());
-        frame.inValue = true;
-        // The position advances only when the value is written.
-        member(frame.entries[frame.next]->key);
-    }
-
-    TextBuilder& out_;
-    std::vector<Frame> frames_;
-};
+}
 
 } // namespace
 
 void detail::appendDescription(TextBuilder& out, const NSObject& object) {
     if (isCollection(object)) {
-        IndentedWriter(out).write(object);
+        appendCollection(out, object);
     } else {
         appendLeaf(out, object);
     }

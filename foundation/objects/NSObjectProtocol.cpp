@@ -4,6 +4,7 @@
 // stored.
 #include "foundation/objects/NSObjectProtocol.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -15,30 +16,26 @@
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/DynamicTypeName.h"
 #include "foundation/objects/Hashing.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
 
-bool isDigit(char character) noexcept { return character >= '0' && character <= '9'; }
-
 /// Reads the last name of a mangled "5Store" or "N6Viewer5StoreE"; false for anything but plain names.
 bool lastPlainName(const char* mangled, NameSpan& name) noexcept {
     const bool nested = *mangled == 'N';
     const char* next = mangled + (nested ? 1 : 0);
+    const char* const end = next + std::strlen(next);
     name = {};
     while (isDigit(*next)) {
         std::size_t length = 0;
-        // The bound keeps a malformed name from overflowing the number.
-        while (isDigit(*next) && length < 10000) {
-            length = length * 10 + static_cast<std::size_t>(*next++ - '0');
-        }
-        // A length that reaches beyond the text means that this is not a plain name.
-        if (length > std::strlen(next)) {
+        const auto [start, error] = std::from_chars(next, end, length);
+        if (error != std::errc() || length > static_cast<std::size_t>(end - start)) {
             return false;
         }
-        name = {next, length};
-        next += length;
+        name = {start, length};
+        next = start + length;
     }
     return name.length != 0 && (nested ? std::strcmp(next, "E") == 0 : *next == '\0');
 }

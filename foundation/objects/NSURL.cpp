@@ -3,6 +3,7 @@
 // A URL keeps its text exactly as given. Parts are read from the resolved text each time they are requested.
 #include "foundation/objects/NSURL.h"
 
+#include <charconv>
 #include <new>
 #include <string>
 #include <vector>
@@ -151,19 +152,10 @@ NSString NSURL::host() const {
 
 NSNumber NSURL::port() const {
     const ResolvedUrl url(*this);
-    const UriPart& part = url.reference.port;
-    // An empty port, as in "http://h:", is none.
-    if (part.start == part.end) {
-        return {};
-    }
+    const std::string_view digits = url.bytesIn(url.reference.port);
     std::int64_t number = 0;
-    for (const char digit : url.bytesIn(part)) {
-        if (__builtin_mul_overflow(number, 10, &number) ||
-            __builtin_add_overflow(number, digit - '0', &number)) {
-            return {};
-        }
-    }
-    return number;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return error == std::errc() ? NSNumber(number) : NSNumber();
 }
 
 NSString NSURL::path() const {

@@ -10,6 +10,7 @@
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/text/Surrogates.h"
 #include "foundation/text/UnitBlocks.h"
 #include "foundation/text/Utf.h"
 
@@ -47,7 +48,7 @@ inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& 
     if (code < 0x800) {
         out = writeByte(0xC0 | code >> 6, table, out);
     } else {
-        if ((code & 0xFC00) == 0xD800) {
+        if (isHighSurrogate(code)) {
             code = 0x10000 + ((code - 0xD800) << 10) + (*units++ - 0xDC00U);
             out = writeByte(0xF0 | code >> 18, table, out);
             out = writeByte(0x80 | (code >> 12 & 0x3F), table, out);
@@ -93,7 +94,7 @@ std::size_t escapedLength(const char16_t* units, std::size_t count, const Escape
     std::size_t length = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const char16_t unit = units[i];
-        const bool makesThree = unit >= 0x800 && (unit & 0xF800) != 0xD800;
+        const bool makesThree = unit >= 0x800 && !isSurrogate(unit);
         length += unit < 0x80 ? table[unit].length : escapeLength * (makesThree ? 3 : 2);
     }
     return length;

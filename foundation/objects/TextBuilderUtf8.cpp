@@ -4,6 +4,7 @@
 
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
+#include "foundation/text/Surrogates.h"
 #include "foundation/text/Utf.h"
 
 // An unpaired surrogate is kept in the text as the three bytes that it would have if it were a character: ED,
@@ -15,11 +16,6 @@ namespace {
 
 constexpr std::size_t surrogateBytes = 3;
 
-bool isFirstHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
-
-bool isSecondHalf(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
-
-// In UTF-8, ED is followed by 80 to 9F only.
 bool isSurrogateAt(const char* bytes) noexcept {
     return bytes[0] == '\xED' && static_cast<unsigned char>(bytes[1]) >= 0xA0;
 }
@@ -41,19 +37,6 @@ const char* nextSurrogate(const char* at, const char* end) noexcept {
         ++at;
     }
     return end;
-}
-
-/// The number of units before the first unpaired surrogate.
-std::size_t pairedPrefix(const char16_t* units, std::size_t count) noexcept {
-    for (std::size_t i = 0; i < count; ++i) {
-        if ((units[i] & 0xF800) == 0xD800) {
-            if (!isFirstHalf(units[i]) || i + 1 == count || !isSecondHalf(units[i + 1])) {
-                return i;
-            }
-            ++i;
-        }
-    }
-    return count;
 }
 
 /// The number of units in the text; also writes them, unless `out` is null.
@@ -108,8 +91,8 @@ void TextBuilder::appendWithSurrogates(const char16_t* units, std::size_t count)
 void TextBuilder::appendSurrogate(char16_t surrogate) {
     // The last three bytes, if they are a surrogate at all; thanks to the flag, most texts skip this look.
     const char* const last = length_ >= surrogateBytes ? bytes() + length_ - surrogateBytes : nullptr;
-    if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isFirstHalf(surrogateAt(last)) &&
-        isSecondHalf(surrogate)) {
+    if (hasUnpaired_ && last != nullptr && isSurrogateAt(last) && isHighSurrogate(surrogateAt(last)) &&
+        isLowSurrogate(surrogate)) {
         const char16_t pair[] = {surrogateAt(last), surrogate};
         length_ -= surrogateBytes;
         return appendUnitsAsUtf8(pair, 2);
@@ -123,11 +106,11 @@ void TextBuilder::appendSurrogate(char16_t surrogate) {
 /// Converts piece by piece through units, which replaces what is ill-formed. No piece ends within a sequence:
 /// at most three bytes of one follow its first, and a byte after more of them is one by itself.
 void TextBuilder::appendIllFormed(const char* bytes, std::size_t count) {
-    constexpr std::size_t longestPiece = 128;
+    constexpr std::size_t maxPiece = 128;
     constexpr std::size_t maxSequenceBytes = 4;
-    char16_t units[longestPiece];
+    char16_t units[maxPiece];
     while (count != 0) {
-        std::size_t piece = count < longestPiece ? count : longestPiece;
+        std::size_t piece = count < maxPiece ? count : maxPiece;
         for (std::size_t back = 1; piece < count && back < maxSequenceBytes && (bytes[piece] & 0xC0) == 0x80;
              ++back) {
             --piece;

@@ -8,9 +8,8 @@
 
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/plist/ContainerStack.h"
-#include "foundation/plist/KeyCache.h"
-#include "foundation/plist/TextUnits.h"
+#include "foundation/plist/TextReader.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NextStepEncoding.h"
 
 namespace ZQFoundation::detail {
@@ -32,35 +31,26 @@ bool isBare(char unit) noexcept { return bareCharacters[static_cast<unsigned cha
 bool isBare(char16_t unit) noexcept { return unit < 0x80 && bareCharacters[unit]; }
 
 template <class Unit>
-class OldStyleReader {
+class OldStyleReader : private TextReader<Unit> {
 public:
-    OldStyleReader(const Unit* text, std::size_t count)
-        : begin_(text), cursor_(text), end_(text + count), strings_(isAllAscii(text, count)) {}
+    OldStyleReader(const Unit* text, std::size_t count) : TextReader<Unit>(text, count) {}
 
     NSObject read(PropertyListError& error) {
         NSObject result;
         if (readWhole(result)) {
             return result;
         }
-        error.message = message_;
-        locate(begin_, failedAt_, error);
+        this->report(error);
         return nullptr;
     }
 
 private:
+    using Base = TextReader<Unit>;
+    using Base::begin_, Base::cursor_, Base::end_, Base::fail, Base::stack_, Base::strings_;
+
     /// What comes next. `finished` and `failed` end the reading.
     /// In this order: everything before `finished` is a step to be taken.
     enum class Step { value, entry, element, store, finished, failed };
-
-    static bool isAllAscii(const Unit* text, std::size_t count) noexcept {
-        return sizeof(Unit) == 1 && asciiPrefixLength(text, count) == count;
-    }
-
-    bool fail(const char* message, const Unit* at) noexcept {
-        message_ = message;
-        failedAt_ = at;
-        return false;
-    }
 
     Step failed(const char* message, const Unit* at) noexcept {
         fail(message, at);
@@ -431,15 +421,8 @@ private:
         return true;
     }
 
-    const Unit* begin_;
-    const Unit* cursor_;
-    const Unit* end_;
-    KeyCache<Unit> strings_;
-    ContainerStack stack_;
     NSObject value_;              ///< read and not yet stored
     bool isStringsTable_ = false; ///< the outermost dictionary has no braces
-    const char* message_ = nullptr;
-    const Unit* failedAt_ = nullptr;
 };
 
 } // namespace

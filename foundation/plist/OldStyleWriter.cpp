@@ -5,16 +5,23 @@
 
 #include <string_view>
 
-#include "foundation/objects/NSData.h"
+#include "foundation/objects/CollectionLayout.h"
 #include "foundation/plist/PropertyListError.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
 
-constexpr char hexDigits[] = "0123456789abcdef";
+constexpr CollectionLayout layout{
+    .array = {"(", "\n", ",\n", "\n", "\n", ")"},
+    .dictionary = {"{", "\n", ";\n", ";\n", "\n", "}"},
+    .set = {}, // refused
+    .assignment = " = ",
+    .indentation = 4,
+};
 
 class OldStyleWriter {
 public:
@@ -36,53 +43,12 @@ public:
 
 private:
     void writeEvent(const ValueWalk& walk) {
-        switch (walk.event()) {
-        case ValueWalk::Event::scalar:
-            startValue(walk.depth(), walk.isInDictionary());
+        const CollectionLayout::Lead lead = layout.leadOf(walk);
+        out_.append(lead.text).append(lead.spaces, ' ');
+        if (walk.event() == ValueWalk::Event::leaf) {
             writeScalar(walk.value());
-            endValue(walk);
-            break;
-        case ValueWalk::Event::key:
-            indent(walk.depth());
-            writeString(NSString(walk.value()));
-            out_ += " = ";
-            break;
-        case ValueWalk::Event::open:
-            // The walk is already inside: what matters is whether a key precedes.
-            startValue(walk.depth() - 1, isAfterKey_);
-            out_ += walk.isArray() ? "(\n" : "{\n";
-            break;
-        case ValueWalk::Event::close:
-            if (walk.isArray()) {
-                dropLastComma();
-            }
-            indent(walk.depth());
-            out_ += walk.isArray() ? ')' : '}';
-            endValue(walk);
-            break;
-        }
-        // An opening bracket after a key stays on its line.
-        isAfterKey_ = walk.event() == ValueWalk::Event::key;
-    }
-
-    void indent(std::size_t levels) { out_.append(levels * 4, ' '); }
-
-    void startValue(std::size_t depth, bool isAfterKey) {
-        if (!isAfterKey) {
-            indent(depth);
-        }
-    }
-
-    void endValue(const ValueWalk& walk) {
-        if (walk.depth() > 0) {
-            out_ += walk.isInDictionary() ? ";\n" : ",\n";
-        }
-    }
-
-    /// The last element of an array has a comma only until the array is closed.
-    void dropLastComma() {
-        if (out_.ends_with(",\n")) {
-            out_.erase(out_.size() - 2, 1);
+        } else {
+            out_ += layout.bracketOf(walk);
         }
     }
 
@@ -102,8 +68,7 @@ private:
             if (index > 0 && index % 4 == 0) {
                 out_ += ' ';
             }
-            out_ += hexDigits[data.bytes()[index] >> 4];
-            out_ += hexDigits[data.bytes()[index] & 0xF];
+            writeHex(data.bytes()[index], 2);
         }
         out_ += '>';
     }
@@ -154,13 +119,15 @@ private:
             return;
         }
         out_ += 'U';
-        for (int shift = 12; shift >= 0; shift -= 4) {
-            out_ += hexDigits[unit >> shift & 0xF];
-        }
+        writeHex(unit, 4);
+    }
+
+    void writeHex(unsigned number, std::size_t digits) {
+        char text[4];
+        out_.append(text, writeHexDigits(number, digits, text));
     }
 
     std::string& out_;
-    bool isAfterKey_ = false;
 };
 
 } // namespace

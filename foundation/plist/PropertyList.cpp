@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "foundation/objects/AsciiOrUtf16.h"
+#include "foundation/objects/DecimalText.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/plist/BinaryReader.h"
@@ -14,7 +15,6 @@
 #include "foundation/plist/OldStyleReader.h"
 #include "foundation/plist/TextDecoding.h"
 #include "foundation/plist/XmlReader.h"
-#include "foundation/text/NumberText.h"
 
 namespace ZQFoundation::detail {
 
@@ -66,11 +66,6 @@ NSObject readBytes(const unsigned char* bytes, std::size_t count, TextDecoder de
     return value;
 }
 
-void appendNumber(TextBuilder& text, std::size_t number) {
-    char digits[numberTextCapacity];
-    text.appendAscii(digits, static_cast<std::size_t>(writeUInt64(number, digits) - digits));
-}
-
 } // namespace
 
 NSObject parsePropertyListText(StringView text, PropertyListError* error) {
@@ -110,12 +105,12 @@ NSString describePropertyListError(const PropertyListError& error) {
     text.appendAscii(error.message, std::strlen(error.message));
     if (error.line > 0) {
         text.appendLiteral(" (line ");
-        appendNumber(text, error.line);
+        appendDecimal(text, static_cast<std::int64_t>(error.line));
         text.appendLiteral(", column ");
     } else {
         text.appendLiteral(" (byte ");
     }
-    appendNumber(text, error.column);
+    appendDecimal(text, static_cast<std::int64_t>(error.column));
     text.appendLiteral(")");
     return text.string();
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "foundation/plist/TextUnits.h"
+#include "foundation/text/Surrogates.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
@@ -116,19 +117,6 @@ bool useUtf8(std::string_view bytes, DecodedText& text, PropertyListError& error
     return true;
 }
 
-/// The first surrogate without its partner.
-const char16_t* firstUnpaired(const char16_t* unit, const char16_t* end) noexcept {
-    for (; unit != end; ++unit) {
-        if ((*unit & 0xF800) == 0xD800) {
-            if (*unit >= 0xDC00 || unit + 1 == end || (unit[1] & 0xFC00) != 0xDC00) {
-                break;
-            }
-            ++unit;
-        }
-    }
-    return unit;
-}
-
 bool decodeUtf16(std::string_view bytes, bool isLittle, DecodedText& text, PropertyListError& error) {
     if (bytes.size() % 2 != 0) {
         return fail(error, "The text has half a UTF-16 unit at its end", bytes.size());
@@ -147,7 +135,7 @@ bool decodeUtf16(std::string_view bytes, bool isLittle, DecodedText& text, Prope
         return true;
     }
     error.message = "The text is not well-formed UTF-16";
-    locate(units, firstUnpaired(units, units + text.count), error);
+    locate(units, units + pairedPrefix(units, text.count), error);
     return false;
 }
 
@@ -162,7 +150,7 @@ bool decodeUtf32(std::string_view bytes, bool isLittle, DecodedText& text, Prope
         for (std::size_t index = 0; index < 4; ++index) {
             character = character << 8 | unitNumber(bytes[start + (isLittle ? 3 - index : index)]);
         }
-        if (character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) {
+        if (character > 0x10FFFF || isSurrogate(character)) {
             return fail(error, "The text is not well-formed UTF-32", start);
         }
         if (character >= 0x10000) {

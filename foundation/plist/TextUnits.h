@@ -64,17 +64,6 @@ inline std::size_t separatorLength(const char16_t* start, const char16_t*) noexc
     return *start == 0x2028 || *start == 0x2029 ? 1 : 0;
 }
 
-/// The value of a hexadecimal digit, or -1.
-template <class Unit>
-int hexDigitValue(Unit unit) noexcept {
-    const unsigned number = unitNumber(unit);
-    if (number - '0' < 10) {
-        return static_cast<int>(number - '0');
-    }
-    const unsigned letter = (number | 0x20) - 'a';
-    return letter < 6 ? static_cast<int>(letter + 10) : -1;
-}
-
 inline std::size_t lengthInUnits(const char* text, std::size_t count) noexcept {
     return utf16Length(text, count, IllFormed::replace);
 }

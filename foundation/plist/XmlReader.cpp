@@ -9,10 +9,9 @@
 
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/plist/ContainerStack.h"
-#include "foundation/plist/KeyCache.h"
-#include "foundation/plist/TextUnits.h"
+#include "foundation/plist/TextReader.h"
 #include "foundation/plist/XmlScalars.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
@@ -83,38 +82,29 @@ Element elementNamed(const Unit* name, std::size_t length) noexcept {
 }
 
 template <class Unit>
-class XmlReader {
+class XmlReader : private TextReader<Unit> {
 public:
-    XmlReader(const Unit* text, std::size_t count)
-        : begin_(text), cursor_(text), end_(text + count), strings_(isAllAscii(text, count)) {}
+    XmlReader(const Unit* text, std::size_t count) : TextReader<Unit>(text, count) {}
 
     NSObject read(PropertyListError& error) {
         NSObject result;
         if (readDocument(result)) {
             return result;
         }
-        error.message = message_;
-        locate(begin_, failedAt_, error);
+        this->report(error);
         return nullptr;
     }
 
 private:
+    using Base = TextReader<Unit>;
+    using Base::begin_, Base::cursor_, Base::end_, Base::fail, Base::stack_, Base::strings_;
+
     /// An open tag; `isEmpty` when it closes itself.
     struct Tag {
         Element element = Element::unknown;
         bool isEmpty = false;
         const Unit* start = nullptr;
     };
-
-    static bool isAllAscii(const Unit* text, std::size_t count) noexcept {
-        return sizeof(Unit) == 1 && asciiPrefixLength(text, count) == count;
-    }
-
-    bool fail(const char* message, const Unit* at) noexcept {
-        message_ = message;
-        failedAt_ = at;
-        return false;
-    }
 
     bool readDocument(NSObject& result) {
         Tag tag;
@@ -577,14 +567,6 @@ private:
         }
         return fail("A literal section is not closed", section);
     }
-
-    const Unit* begin_;
-    const Unit* cursor_;
-    const Unit* end_;
-    KeyCache<Unit> strings_;
-    ContainerStack stack_;
-    const char* message_ = nullptr;
-    const Unit* failedAt_ = nullptr;
 };
 
 } // namespace

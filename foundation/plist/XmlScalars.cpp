@@ -12,6 +12,7 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/plist/TextUnits.h"
 #include "foundation/text/Base64Codec.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation::detail {
@@ -34,7 +35,8 @@ const Unit* skipXmlBlanks(const Unit* text, const Unit* end) noexcept {
     return text;
 }
 
-/// The digits up to the end; at least one.
+/// The digits up to the end; at least one. In both bases, and a letter after too many digits is malformed,
+/// which the standard library's reading does not distinguish.
 template <class Unit>
 IntegerReading readMagnitude(const Unit* text, const Unit* end, unsigned base,
                              std::uint64_t& magnitude) noexcept {
@@ -127,21 +129,8 @@ bool readReal(const Unit* text, const Unit* end, NSObject& value) {
 
 /// Exactly `digits` decimal digits and then `separator`; moves `text` past both.
 template <class Unit>
-bool readField(const Unit*& text, const Unit* end, unsigned digits, char separator,
-               unsigned& field) noexcept {
-    if (static_cast<std::size_t>(end - text) < digits + std::size_t{1}) {
-        return false;
-    }
-    field = 0;
-    for (unsigned index = 0; index < digits; ++index) {
-        const unsigned digit = unitNumber(*text++) - '0';
-        if (digit > 9) {
-            return false;
-        }
-        field = field * 10 + digit;
-    }
-    // The separator after the last field is the Z of UTC.
-    return *text++ == static_cast<Unit>(separator);
+bool readField(const Unit*& text, const Unit* end, int digits, char separator, int& field) noexcept {
+    return takeAllDigits(text, end, digits, field) && text != end && *text++ == static_cast<Unit>(separator);
 }
 
 template <class Unit>
@@ -149,19 +138,19 @@ bool readDate(const Unit* text, const Unit* end, NSObject& value) {
     const bool isBeforeYearZero = startsWith(text, end, "-");
     // Years are counted astronomically, so -0001 is the year before 0.
     text += isBeforeYearZero ? 1 : 0;
-    unsigned year = 0;
-    unsigned month = 0;
-    unsigned day = 0;
-    unsigned hour = 0;
-    unsigned minute = 0;
-    unsigned second = 0;
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
     if (!readField(text, end, 4, '-', year) || !readField(text, end, 2, '-', month) ||
         !readField(text, end, 2, 'T', day) || !readField(text, end, 2, ':', hour) ||
         !readField(text, end, 2, ':', minute) || !readField(text, end, 2, 'Z', second) || text != end) {
         return false;
     }
     const std::int64_t signedYear = isBeforeYearZero ? -std::int64_t{year} : std::int64_t{year};
-    const CivilDate date{signedYear, static_cast<int>(month), static_cast<int>(day)};
+    const CivilDate date{signedYear, month, day};
     std::int64_t days = 0;
     // A day that does not exist comes back as another one.
     if (!daysFromCivil(signedYear, month, day, days) || civilFromDays(days) != date || hour > 23 ||
@@ -258,36 +247,33 @@ bool readData(const Unit* text, const Unit* end, NSObject& value) {
 
 } // namespace
 
-IntegerReading readXmlInteger(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+IntegerReading readXmlInteger(const Unit* text, std::size_t count, NSObject& value) {
     return readInteger(text, text + count, value);
 }
 
-IntegerReading readXmlInteger(const char16_t* text, std::size_t count, NSObject& value) {
-    return readInteger(text, text + count, value);
-}
-
-bool readXmlReal(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+bool readXmlReal(const Unit* text, std::size_t count, NSObject& value) {
     return readReal(text, text + count, value);
 }
 
-bool readXmlReal(const char16_t* text, std::size_t count, NSObject& value) {
-    return readReal(text, text + count, value);
-}
-
-bool readXmlDate(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+bool readXmlDate(const Unit* text, std::size_t count, NSObject& value) {
     return readDate(text, text + count, value);
 }
 
-bool readXmlDate(const char16_t* text, std::size_t count, NSObject& value) {
-    return readDate(text, text + count, value);
-}
-
-bool readXmlData(const char* text, std::size_t count, NSObject& value) {
+template <class Unit>
+bool readXmlData(const Unit* text, std::size_t count, NSObject& value) {
     return readData(text, text + count, value);
 }
 
-bool readXmlData(const char16_t* text, std::size_t count, NSObject& value) {
-    return readData(text, text + count, value);
-}
+template IntegerReading readXmlInteger(const char*, std::size_t, NSObject&);
+template IntegerReading readXmlInteger(const char16_t*, std::size_t, NSObject&);
+template bool readXmlReal(const char*, std::size_t, NSObject&);
+template bool readXmlReal(const char16_t*, std::size_t, NSObject&);
+template bool readXmlDate(const char*, std::size_t, NSObject&);
+template bool readXmlDate(const char16_t*, std::size_t, NSObject&);
+template bool readXmlData(const char*, std::size_t, NSObject&);
+template bool readXmlData(const char16_t*, std::size_t, NSObject&);
 
 } // namespace ZQFoundation::detail

@@ -17,17 +17,14 @@ namespace ZQFoundation::detail {
 
 enum class IntegerReading { good, malformed, outOfRange };
 
-IntegerReading readXmlInteger(const char* text, std::size_t count, NSObject& value);
-IntegerReading readXmlInteger(const char16_t* text, std::size_t count, NSObject& value);
-
-bool readXmlReal(const char* text, std::size_t count, NSObject& value);
-bool readXmlReal(const char16_t* text, std::size_t count, NSObject& value);
-
-bool readXmlDate(const char* text, std::size_t count, NSObject& value);
-bool readXmlDate(const char16_t* text, std::size_t count, NSObject& value);
-
-bool readXmlData(const char* text, std::size_t count, NSObject& value);
-bool readXmlData(const char16_t* text, std::size_t count, NSObject& value);
+template <class Unit>
+IntegerReading readXmlInteger(const Unit* text, std::size_t count, NSObject& value);
+template <class Unit>
+bool readXmlReal(const Unit* text, std::size_t count, NSObject& value);
+template <class Unit>
+bool readXmlDate(const Unit* text, std::size_t count, NSObject& value);
+template <class Unit>
+bool readXmlData(const Unit* text, std::size_t count, NSObject& value);
 
 } // namespace ZQFoundation::detail
 

@@ -16,8 +16,10 @@
 #include "foundation/plist/TextUnits.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/Base64Codec.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/RealText.h"
+#include "foundation/text/Surrogates.h"
 
 namespace ZQFoundation::detail {
 
@@ -45,43 +47,34 @@ public:
     }
 
 private:
+    /// Each event but the end of an empty collection has a line.
     void writeEvent(const ValueWalk& walk) {
-        // Indented by tabs, as is usual in files of this format.
-        switch (walk.event()) {
-        case ValueWalk::Event::scalar:
+        const bool isOpening = walk.event() == ValueWalk::Event::open;
+        if (walk.event() == ValueWalk::Event::leaf) {
             indent(walk.depth());
-            writeScalar(walk.value(), walk.depth());
-            break;
-        case ValueWalk::Event::key:
+            writeLeaf(walk);
+        } else if (isOpening || !walk.isEmpty()) {
             indent(walk.depth());
-            writeText("<key>", NSString(walk.value()), "</key>\n");
-            break;
-        case ValueWalk::Event::open:
-            indent(walk.depth() - 1);
-            out_ += walk.isArray() ? (walk.isEmpty() ? "<array/>\n" : "<array>\n")
-                                   : (walk.isEmpty() ? "<dict/>\n" : "<dict>\n");
-            break;
-        case ValueWalk::Event::close:
-            // An empty container has been written whole when it was opened.
-            if (!walk.isEmpty()) {
-                indent(walk.depth());
-                out_ += walk.isArray() ? "</array>\n" : "</dict>\n";
-            }
-            break;
+            out_ += isOpening ? "<" : "</";
+            out_ += walk.isArray() ? "array" : "dict";
+            out_ += walk.isEmpty() ? "/>\n" : ">\n";
         }
     }
 
     void indent(std::size_t levels) { out_.append(levels, '\t'); }
 
-    void writeScalar(const NSObject& value, std::size_t depth) {
-        if (const NSString string(value); string) {
+    void writeLeaf(const ValueWalk& walk) {
+        const NSObject& value = walk.value();
+        if (walk.isKey()) {
+            writeText("<key>", NSString(value), "</key>\n");
+        } else if (const NSString string(value); string) {
             writeText("<string>", string, "</string>\n");
         } else if (const NSNumber number(value); number) {
             writeNumber(number);
         } else if (const NSDate date(value); date) {
             writeDate(date);
         } else {
-            writeData(NSData(value), depth);
+            writeData(NSData(value), walk.depth());
         }
     }
 
@@ -125,19 +118,19 @@ private:
         }
         const auto rest = static_cast<unsigned>(floorModulo(seconds, secondsPerDay));
         out_ += day.year < 0 ? "<date>-" : "<date>";
-        writeField(static_cast<unsigned>(day.year < 0 ? -day.year : day.year), 4, '-');
-        writeField(static_cast<unsigned>(day.month), 2, '-');
-        writeField(static_cast<unsigned>(day.day), 2, 'T');
-        writeField(rest / 3600, 2, ':');
-        writeField(rest / 60 % 60, 2, ':');
-        writeField(rest % 60, 2, 'Z');
+        writeField<4>(static_cast<unsigned>(day.year < 0 ? -day.year : day.year), '-');
+        writeField<2>(static_cast<unsigned>(day.month), '-');
+        writeField<2>(static_cast<unsigned>(day.day), 'T');
+        writeField<2>(rest / 3600, ':');
+        writeField<2>(rest / 60 % 60, ':');
+        writeField<2>(rest % 60, 'Z');
         out_ += "</date>\n";
     }
 
-    void writeField(unsigned value, unsigned digits, char separator) {
-        for (unsigned power = digits == 4 ? 1000 : 10; power > 0; power /= 10) {
-            out_ += static_cast<char>('0' + value / power % 10);
-        }
+    template <std::size_t digits>
+    void writeField(unsigned value, char separator) {
+        char text[digits];
+        out_.append(text, writeDigits<digits>(value, text));
         out_ += separator;
     }
 
@@ -197,9 +190,7 @@ private:
             if (text == end) {
                 break;
             }
-            // A pair is a character, a single half only a reference.
-            const bool isPair = text + 1 != end && (*text & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
-            if (isPair) {
+            if (isSurrogatePair(text, static_cast<std::size_t>(end - text))) {
                 writeUtf8(text, text + 2);
                 text += 2;
             } else {
@@ -209,8 +200,7 @@ private:
     }
 
     static bool isPlainBeyondAscii(char16_t unit) noexcept {
-        // Controls from U+0080 to U+009F would be invisible; U+FFFE and U+FFFF are not characters.
-        return unit >= 0xA0 && (unit & 0xF800) != 0xD800 && unit < 0xFFFE;
+        return unit >= 0xA0 && !isSurrogate(unit) && unit < 0xFFFE;
     }
 
     void writeUtf8(const char16_t* start, const char16_t* end) {

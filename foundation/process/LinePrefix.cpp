@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "foundation/system/System.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/time/LocalTimeText.h"
 
@@ -19,14 +20,6 @@ constexpr std::size_t hexCapacity = 16;
 
 /// The characters between date, name and numbers.
 constexpr std::size_t charactersBetween = sizeof(" [:] ") - 1;
-
-char* writeHexBefore(std::uint64_t number, char* end) noexcept {
-    do {
-        *--end = "0123456789abcdef"[number & 15];
-        number >>= 4;
-    } while (number != 0);
-    return end;
-}
 
 char* copyBefore(char* end, const char* text, std::size_t length) noexcept {
     return static_cast<char*>(std::memcpy(end - length, text, length));
@@ -60,19 +53,16 @@ constexpr std::size_t millisecondDigits = 3;
 
 // Overwrites the digits at their place; everything else of the prefix stays.
 void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
-    const int milliseconds = nanoseconds / 1000000;
-    out[0] = static_cast<char>('0' + milliseconds / 100);
-    out[1] = static_cast<char>('0' + milliseconds / 10 % 10);
-    out[2] = static_cast<char>('0' + milliseconds % 10);
+    writeDigits<millisecondDigits>(static_cast<std::uint32_t>(nanoseconds / 1000000), out);
 }
 
 } // namespace
 
 // The copy of a whole kept text may reach further back than the prefix itself.
 std::size_t LinePrefix::roomFor(const ProcessIdentity& process) noexcept {
-    const std::size_t most =
+    const std::size_t needed =
         localTimeTextCapacity + charactersBetween + process.nameLength + numberTextCapacity + hexCapacity;
-    return most > KeptLinePrefixes::textCapacity ? most : KeptLinePrefixes::textCapacity;
+    return needed > KeptLinePrefixes::textCapacity ? needed : KeptLinePrefixes::textCapacity;
 }
 
 char* LinePrefix::writeBefore(char* end) const noexcept {
@@ -96,14 +86,14 @@ char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcep
     }
     // A fixed number of bytes, whatever the length: the copy is a few instructions.
     std::memcpy(end - textCapacity, place.text, textCapacity);
-    writeMilliseconds(prefix.time.nanoseconds, end - place.behindDate - millisecondDigits);
+    writeMilliseconds(prefix.time.nanoseconds, end - place.afterDate - millisecondDigits);
     return end - place.length;
 }
 
 char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
                                         const Kept& wanted) noexcept {
-    char* const behindDate = writeProcessBefore(end, prefix.process);
-    char* const start = writeDateBefore(behindDate, prefix.time);
+    char* const afterDate = writeProcessBefore(end, prefix.process);
+    char* const start = writeDateBefore(afterDate, prefix.time);
     const auto length = static_cast<std::size_t>(end - start);
     // A longer prefix, by a long process name, is simply made each time.
     if (length <= textCapacity) {
@@ -112,7 +102,7 @@ char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Pre
         __atomic_exchange_n(&place.kept.thread, 0, __ATOMIC_ACQ_REL);
         std::memcpy(place.text + textCapacity - length, start, length);
         place.length = length;
-        place.behindDate = static_cast<std::size_t>(end - behindDate);
+        place.afterDate = static_cast<std::size_t>(end - afterDate);
         place.kept.second = wanted.second;
         place.kept.zone = wanted.zone;
         place.kept.process = wanted.process;

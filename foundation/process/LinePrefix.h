@@ -50,7 +50,7 @@ private:
     struct Prefix {
         Kept kept;
         std::size_t length;
-        std::size_t behindDate;  ///< the length of the part after the date
+        std::size_t afterDate;   ///< the length of the part after the date
         char text[textCapacity]; ///< at its end
     };
 

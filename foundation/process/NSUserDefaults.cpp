@@ -247,7 +247,7 @@ bool NSUserDefaults::synchronize(NSString* error) {
     }
     // Only what was saved; a key that was set again meanwhile stays a change.
     applicationChanges.forget(changes);
-    detail::tellSuccess(error);
+    detail::clearError(error);
     return true;
 }
 

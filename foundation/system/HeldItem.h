@@ -5,6 +5,7 @@
 
 #include <sys/stat.h>
 
+#include "foundation/system/Descriptor.h"
 #include "foundation/system/FileSystem.h"
 
 namespace ZQFoundation::detail::system {
@@ -17,7 +18,6 @@ public:
     HeldItem() noexcept = default;
     HeldItem(const HeldItem&) = delete;
     HeldItem& operator=(const HeldItem&) = delete;
-    ~HeldItem();
 
     /// Called once for each object; folder and name must outlive it.
     bool hold(int folder, const char* name) noexcept;
@@ -34,7 +34,7 @@ public:
 private:
     int folder_ = -1;
     const char* name_ = nullptr;
-    int descriptor_ = -1;
+    Descriptor descriptor_;
 };
 
 } // namespace ZQFoundation::detail::system

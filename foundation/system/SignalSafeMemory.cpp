@@ -20,8 +20,7 @@ namespace {
 // mapping.
 // 64 bytes hold the smallest block with its header. Above 64 KiB a slab would be larger than 4 MiB.
 constexpr int smallestBits = 6;
-constexpr int greatestBits = 16;
-/// As many as a word has bits, so that one compare-exchange takes a place.
+constexpr int maxBits = 16;
 constexpr std::size_t placesInSlab = 64;
 
 /// Occupies its own first place, which is never free. Slabs are never freed, so a pointer to one is always
@@ -43,7 +42,7 @@ struct Slabs {
     Slab* likely;       ///< where a place was last taken or freed
     bool mayHavePlaces; ///< whether one was freed since all slabs were searched
 };
-constinit Slabs slabsOfSize[greatestBits + 1] = {};
+constinit Slabs slabsOfSize[maxBits + 1] = {};
 
 /// The system call works in a signal handler, unlike the allocator, and the pages it returns are zero.
 void* mapPages(std::size_t bytes) {
@@ -127,7 +126,7 @@ void* takeSignalSafeMemory(std::size_t bytes) {
     const std::size_t wanted = bytes + sizeof(Header);
     const int bits = wanted <= std::size_t{1} << smallestBits ? smallestBits
                                                               : static_cast<int>(std::bit_width(wanted - 1));
-    if (bits <= greatestBits) {
+    if (bits <= maxBits) {
         return takePlaceOfSize(bits) + 1;
     }
     auto* const header = static_cast<Header*>(mapPages(wanted));

@@ -172,39 +172,26 @@ bool removeInheritedAccessList(int item) noexcept { return removeLists(OpenItem(
 
 void copyCreationTime(int, int) noexcept {} // this kernel does not let it be set
 
-// Destructors keep `errno`: an operation that failed has set it, and leaves the scope on its way out.
-HeldItem::~HeldItem() {
-    if (descriptor_ >= 0) {
-        const int error = errno;
-        ::close(descriptor_);
-        errno = error;
-    }
-}
-
 bool HeldItem::hold(int folder, const char* name) noexcept {
     folder_ = folder;
     name_ = name;
-    do {
-        // O_PATH refers to the item without opening it: neither does a pipe wait nor a device act, and a
-        // link is not followed.
-        descriptor_ = ::openat(folder, name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
-    } while (descriptor_ < 0 && errno == EINTR);
-    return descriptor_ >= 0;
+    descriptor_ = Descriptor(openAt(folder, name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    return static_cast<bool>(descriptor_);
 }
 
 bool HeldItem::getInformation(struct stat& information) const noexcept {
-    return ::fstat(descriptor_, &information) == 0;
+    return ::fstat(descriptor_.number(), &information) == 0;
 }
 
 bool HeldItem::setOwner(uid_t owner, gid_t group) const noexcept {
-    return ::fchownat(descriptor_, "", owner, group, AT_EMPTY_PATH) == 0;
+    return ::fchownat(descriptor_.number(), "", owner, group, AT_EMPTY_PATH) == 0;
 }
 
 /// No single call does this on all kernels. The new one takes the empty name; before it, the path of the
 /// descriptor leads to the item itself, since O_PATH descriptors refuse `fchmod`.
 bool HeldItem::setPermissions(mode_t permissions) const noexcept {
 #ifdef SYS_fchmodat2
-    if (::syscall(SYS_fchmodat2, descriptor_, "", permissions, AT_EMPTY_PATH) == 0) {
+    if (::syscall(SYS_fchmodat2, descriptor_.number(), "", permissions, AT_EMPTY_PATH) == 0) {
         return true;
     }
     // EPERM is ambiguous: sandboxes use it for calls that they do not know. The second attempt decides.
@@ -212,25 +199,26 @@ bool HeldItem::setPermissions(mode_t permissions) const noexcept {
         return false;
     }
 #endif
-    return ::chmod(DescriptorPath(descriptor_).text(), permissions) == 0;
+    return ::chmod(DescriptorPath(descriptor_.number()).text(), permissions) == 0;
 }
 
 bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexcept {
-    if (::utimensat(descriptor_, "", accessAndModification, AT_EMPTY_PATH) == 0) {
+    if (::utimensat(descriptor_.number(), "", accessAndModification, AT_EMPTY_PATH) == 0) {
         return true;
     }
     // Kernels before 5.8 refuse the flag.
     return errno == EINVAL &&
-           ::utimensat(AT_FDCWD, DescriptorPath(descriptor_).text(), accessAndModification, 0) == 0;
+           ::utimensat(AT_FDCWD, DescriptorPath(descriptor_.number()).text(), accessAndModification, 0) == 0;
 }
 
 bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
     // Without a process file system they are not accessible.
-    return copyAll(UnopenedItem(source.descriptor_), UnopenedItem(descriptor_)) || errno == ENOENT;
+    return copyAll(UnopenedItem(source.descriptor_.number()), UnopenedItem(descriptor_.number())) ||
+           errno == ENOENT;
 }
 
 bool HeldItem::removeInheritedAccessList() const noexcept {
-    return removeLists(UnopenedItem(descriptor_)) || errno == ENOENT;
+    return removeLists(UnopenedItem(descriptor_.number())) || errno == ENOENT;
 }
 
 } // namespace ZQFoundation::detail::system

@@ -51,14 +51,6 @@ void copyCreationTime(int source, int destination) noexcept {
     ::fsetattrlist(destination, &attributes, &time, sizeof time, 0);
 }
 
-HeldItem::~HeldItem() {
-    if (descriptor_ >= 0) {
-        const int error = errno;
-        ::close(descriptor_);
-        errno = error;
-    }
-}
-
 bool HeldItem::hold(int folder, const char* name) noexcept {
     folder_ = folder;
     name_ = name;
@@ -68,8 +60,7 @@ bool HeldItem::hold(int folder, const char* name) noexcept {
     }
     // Links can be opened as such; pipes, sockets and devices are accessed by name.
     if (S_ISLNK(information.st_mode)) {
-        descriptor_ = ::openat(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC);
-        return descriptor_ >= 0;
+        descriptor_ = Descriptor(openAt(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC));
     }
     return true;
 }
@@ -91,12 +82,12 @@ bool HeldItem::setTimes(const timespec (&accessAndModification)[2]) const noexce
 }
 
 bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
-    return descriptor_ < 0 || source.descriptor_ < 0 ||
-           copyExtendedAttributes(source.descriptor_, descriptor_);
+    return !descriptor_ || !source.descriptor_ ||
+           copyExtendedAttributes(source.descriptor_.number(), descriptor_.number());
 }
 
 bool HeldItem::removeInheritedAccessList() const noexcept {
-    return descriptor_ < 0 || system::removeInheritedAccessList(descriptor_);
+    return !descriptor_ || system::removeInheritedAccessList(descriptor_.number());
 }
 
 } // namespace ZQFoundation::detail::system

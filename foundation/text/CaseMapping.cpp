@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "foundation/text/Surrogates.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -105,7 +107,7 @@ unsigned canonicalDecomposition(char32_t codePoint, char32_t out[4]) noexcept {
     const unsigned length = *from++;
     for (unsigned i = 0; i < length; ++i) {
         const char32_t unit = *from++;
-        const bool pair = (unit & 0xFC00) == 0xD800;
+        const bool pair = isHighSurrogate(unit);
         out[i] = pair ? 0x10000 + ((unit & 0x3FF) << 10 | (*from++ & 0x3FFu)) : unit;
     }
     return length;

@@ -10,16 +10,12 @@
 #include <cstring>
 #include <limits>
 
+#include "foundation/text/Digits.h"
 #include "foundation/text/RealText.h"
 
 namespace ZQFoundation::detail {
 
 namespace {
-
-template <class Unit>
-constexpr bool isDigit(Unit unit) {
-    return unit >= '0' && unit <= '9';
-}
 
 template <class Unit>
 constexpr bool isSign(Unit unit) {
@@ -189,14 +185,14 @@ void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
         if (at == parts.point) {
             continue;
         }
-        const bool behindPoint = at > parts.point;
+        const bool isAfterPoint = at > parts.point;
         const bool leadingZero = digits.length == 0 && text[at] == '0';
         // A digit that is kept, or a leading zero, lowers the power of ten if it is after the point; one
         // that is left out raises it if it is before the point.
         if (leadingZero || digits.length < decisiveDigits) {
-            digits.exponent -= behindPoint ? 1 : 0;
+            digits.exponent -= isAfterPoint ? 1 : 0;
         } else {
-            digits.exponent += behindPoint ? 0 : 1;
+            digits.exponent += isAfterPoint ? 0 : 1;
         }
         if (!leadingZero && digits.length < decisiveDigits) {
             digits.text[digits.length++] = static_cast<char>(text[at]);
@@ -277,29 +273,6 @@ constexpr struct DigitPairs {
         }
     }
 } digitPairs;
-
-constexpr std::uint64_t powersOfTen[20] = {
-    1,
-    10,
-    100,
-    1000,
-    10000,
-    100000,
-    1000000,
-    10000000,
-    100000000,
-    1000000000,
-    10000000000,
-    100000000000,
-    1000000000000,
-    10000000000000,
-    100000000000000,
-    1000000000000000,
-    10000000000000000,
-    100000000000000000,
-    1000000000000000000,
-    10000000000000000000u,
-};
 
 unsigned decimalLength(std::uint64_t value) {
     // 1233 / 4096 is a little above the logarithm of 2 to the base 10, near enough for 64 bits.

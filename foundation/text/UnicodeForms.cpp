@@ -7,6 +7,9 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "foundation/text/Digits.h"
+#include "foundation/text/Surrogates.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -35,8 +38,6 @@ std::uint32_t readNumber(const char* bytes, ByteOrder order) noexcept {
     return number;
 }
 
-constexpr bool isHighSurrogate(std::uint32_t code) noexcept { return (code & 0xFFFFFC00) == 0xD800; }
-
 /// Takes a character of well-formed units.
 /// The caller has checked that each high surrogate has its partner, so the second unit exists.
 template <class Unit>
@@ -58,14 +59,6 @@ void appendCharacter(std::uint32_t code, std::u16string& out) {
     }
 }
 
-// For octal and hexadecimal digits alike, which take three and four bits each.
-char* writeDigits(std::uint32_t code, int digits, int bitsEach, char* out) noexcept {
-    for (int place = digits - 1; place >= 0; --place) {
-        *out++ = "0123456789abcdef"[code >> place * bitsEach & ((1U << bitsEach) - 1)];
-    }
-    return out;
-}
-
 /// The value of digits of a given number of bits each, or -1.
 std::int32_t readDigits(std::string_view digits, std::size_t count, int bitsEach) noexcept {
     std::int32_t value = 0;
@@ -73,13 +66,11 @@ std::int32_t readDigits(std::string_view digits, std::size_t count, int bitsEach
         return -1;
     }
     for (const char digit : digits.substr(0, count)) {
-        // Both spellings of the digits in one text: the place modulo 16 is the value.
-        const auto place = std::string_view("0123456789abcdef0123456789ABCDEF").find(digit);
-        // An octal digit must also be below 8.
-        if (place == std::string_view::npos || (place & 15) >> bitsEach != 0) {
+        const int number = hexDigitValue(digit);
+        if (number < 0 || number >> bitsEach != 0) {
             return -1;
         }
-        value = value << bitsEach | static_cast<std::int32_t>(place & 15);
+        value = value << bitsEach | number;
     }
     return value;
 }
@@ -176,10 +167,10 @@ char* writeEscapedAscii(const Unit* units, std::size_t count, char* out) noexcep
         if (code < 0x80) {
             *out++ = static_cast<char>(code);
         } else if (code < 0x100) {
-            out = writeDigits(code, 3, 3, out);
+            out = writeHexDigits<3>(code, 3, out);
         } else {
             *out++ = 'u';
-            out = writeDigits(code, 4, 4, out);
+            out = writeHexDigits(code, 4, out);
         }
     }
     return out;

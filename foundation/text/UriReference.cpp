@@ -3,6 +3,8 @@
 // One pass, no allocation. Every step checks the end before it looks, so the text needs no NUL.
 #include "foundation/text/UriReference.h"
 
+#include "foundation/text/Digits.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -264,11 +266,9 @@ private:
     // At most three digits are taken, so no overflow; a fourth does not match what must follow.
     bool takeOctet() noexcept {
         const std::size_t start = at_;
-        int value = 0;
-        while (at_ < count_ && at_ - start < 3 && is(text_[at_], digit)) {
-            value = value * 10 + static_cast<int>(text_[at_]) - '0';
-            ++at_;
-        }
+        const Unit* next = text_ + at_;
+        const int value = takeDigits(next, text_ + count_, 3);
+        at_ = static_cast<std::size_t>(next - text_);
         const std::size_t digits = at_ - start;
         return digits != 0 && value <= 255 && (digits == 1 || text_[start] != Unit{'0'});
     }

@@ -72,11 +72,11 @@ std::string_view guardOf(const Pieces& target, std::string_view path) noexcept {
 
 // A mark belongs to its piece: a piece that is absent has none, and one that is present but empty keeps it.
 void appendPiece(std::string& text, std::string_view before, const Pieces::Piece& piece,
-                 std::string_view behind) {
+                 std::string_view after) {
     if (piece.isPresent) {
         text.append(before);
         text.append(piece.text);
-        text.append(behind);
+        text.append(after);
     }
 }
 

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/text/Surrogates.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -223,9 +225,6 @@ struct UnitWriter {
 
 // ---- UTF-16, one character at a time
 
-inline bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
-
-// No branch, so that compilers vectorize the loop.
 inline bool hasSurrogate(const char16_t* block) {
     unsigned found = 0;
     for (std::size_t i = 0; i < blockLength; ++i) {
@@ -234,25 +233,13 @@ inline bool hasSurrogate(const char16_t* block) {
     return found != 0;
 }
 
-inline bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-
-inline bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
-
-inline bool isSurrogatePair(const char16_t* at, std::size_t left) {
-    return left >= 2 && isHighSurrogate(at[0]) && isLowSurrogate(at[1]);
-}
-
-inline char32_t codePointOfPair(const char16_t* pair) {
-    return 0x10000 + ((pair[0] & 0x3FFu) << 10 | (pair[1] & 0x3FFu));
-}
-
 inline bool isEscapedByte(char16_t unit) { return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF; }
 
 /// Whether the unpaired surrogate at `at` may be written as the byte that it represents. It may not where the
 /// bytes of it and its followers would read back as a character: only then would the text change silently.
 /// Looking forward from every unit is enough, since the neighbors of a run of such units begin with a lead
 /// byte or ASCII and are complete, so nothing outside the run joins bytes of the run.
-bool standsForByte(const char16_t* at, std::size_t left) {
+bool representsByte(const char16_t* at, std::size_t left) {
     constexpr std::size_t maxSequenceBytes = 4;
     unsigned char bytes[maxSequenceBytes];
     std::size_t length = 0;
@@ -277,8 +264,7 @@ void encode(const char16_t* units, std::size_t count, IllFormed policy, Sink& si
             } else if (isSurrogatePair(units + at, count - at)) {
                 sink.character(codePointOfPair(units + at));
                 ++at;
-            } else if (policy == IllFormed::fileName && standsForByte(units + at, count - at)) {
-                // One unit becomes one byte; the units after it are judged by themselves.
+            } else if (policy == IllFormed::fileName && representsByte(units + at, count - at)) {
                 sink.byte(static_cast<char>(units[at] - escapeBase));
             } else {
                 sink.character(replacementUnit);
@@ -409,7 +395,7 @@ bool hasFileNameForm(const char16_t* units, std::size_t count) noexcept {
         if (isSurrogate(units[at])) {
             if (isSurrogatePair(units + at, count - at)) {
                 ++at;
-            } else if (!standsForByte(units + at, count - at)) {
+            } else if (!representsByte(units + at, count - at)) {
                 return false;
             }
         }

@@ -108,9 +108,8 @@ private:
     /// Not more than the calendar has from date to date: a day that was left out costs no time, so it could
     /// be stepped over without passing the goal. Fewer by one or so when the time of day comes later.
     template <class PlaceAfter>
-    NSInteger take(std::int64_t greatest, const PlaceAfter& placeAfter) noexcept {
-        // Against the direction nothing is counted.
-        std::int64_t count = greatest * direction_ < 0 ? 0 : greatest;
+    NSInteger take(std::int64_t max, const PlaceAfter& placeAfter) noexcept {
+        std::int64_t count = max * direction_ < 0 ? 0 : max;
         // No steps at all are always possible.
         // Rarely more than one step: only the time of day can be in the way.
         while (passesGoal(placeAfter(count))) {

@@ -7,7 +7,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "foundation/text/NumberText.h"
+#include "foundation/objects/DecimalText.h"
+#include "foundation/text/Digits.h"
 #include "foundation/time/DateNames.h"
 #include "foundation/time/OffsetText.h"
 #include "foundation/time/ZoneAccess.h"
@@ -23,25 +24,8 @@ constexpr bool isLetter(Unit unit) noexcept {
 
 void appendWord(TextBuilder& text, std::string_view word) { text.appendAscii(word.data(), word.size()); }
 
-// The sign does not count as a digit.
-void appendNumber(TextBuilder& text, std::int64_t number, std::size_t digits) {
-    char written[numberTextCapacity];
-    const char* start = written;
-    const char* const end = writeInt64(number, written);
-    if (*start == '-') {
-        text.appendAscii('-');
-        ++start;
-    }
-    const std::size_t length = static_cast<std::size_t>(end - start);
-    if (digits > length) {
-        text.appendRepeated('0', digits - length);
-    }
-    text.appendAscii(start, length);
-}
-
 void appendYear(TextBuilder& text, std::int64_t year, std::size_t count) {
-    // Only "yy" cuts; all other counts are minimums.
-    appendNumber(text, count == 2 ? (year < 0 ? -(year % 100) : year % 100) : year, count);
+    appendDecimal(text, count == 2 ? (year < 0 ? -(year % 100) : year % 100) : year, count);
 }
 
 void appendMonth(TextBuilder& text, int month, std::size_t count) {
@@ -53,7 +37,7 @@ void appendMonth(TextBuilder& text, int month, std::size_t count) {
     case 5:
         return appendWord(text, monthName(month).substr(0, 1));
     default:
-        return appendNumber(text, month, count);
+        return appendDecimal(text, month, count);
     }
 }
 
@@ -72,9 +56,8 @@ void appendWeekday(TextBuilder& text, int weekday, std::size_t count) {
 
 /// Cut, not rounded: the instant was rounded to milliseconds before, and nothing finer is left of it.
 void appendFraction(TextBuilder& text, int millisecond, std::size_t count) {
-    const char digits[] = {static_cast<char>('0' + millisecond / 100),
-                           static_cast<char>('0' + millisecond / 10 % 10),
-                           static_cast<char>('0' + millisecond % 10)};
+    char digits[3];
+    writeDigits<3>(static_cast<std::uint32_t>(millisecond), digits);
     text.appendAscii(digits, count < 3 ? count : 3);
     if (count > 3) {
         text.appendRepeated('0', count - 3);
@@ -134,25 +117,25 @@ void appendField(TextBuilder& text, char letter, std::size_t count, const LocalD
     case 'M':
         return appendMonth(text, local.date.month, count);
     case 'd':
-        return appendNumber(text, local.date.day, count);
+        return appendDecimal(text, local.date.day, count);
     case 'D':
-        return appendNumber(text, dayOfYear(local.date), count);
+        return appendDecimal(text, dayOfYear(local.date), count);
     case 'E':
         return appendWeekday(text, weekdayFromDays(local.days), count);
     case 'a':
         return appendWord(text, dayHalfName(local.hour));
     case 'H':
-        return appendNumber(text, local.hour, count);
+        return appendDecimal(text, local.hour, count);
     case 'k':
-        return appendNumber(text, countedFromOne(local.hour, 24), count);
+        return appendDecimal(text, countedFromOne(local.hour, 24), count);
     case 'h':
-        return appendNumber(text, countedFromOne(local.hour, 12), count);
+        return appendDecimal(text, countedFromOne(local.hour, 12), count);
     case 'K':
-        return appendNumber(text, local.hour % 12, count);
+        return appendDecimal(text, local.hour % 12, count);
     case 'm':
-        return appendNumber(text, local.minute, count);
+        return appendDecimal(text, local.minute, count);
     case 's':
-        return appendNumber(text, local.second, count);
+        return appendDecimal(text, local.second, count);
     case 'S':
         return appendFraction(text, local.millisecond, count);
     case 'Z':

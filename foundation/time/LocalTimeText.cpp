@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "foundation/objects/CivilTime.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/time/ZoneTable.h"
 
@@ -17,12 +18,10 @@ constexpr std::size_t restOfText = sizeof("-MM-dd HH:mm:ss.SSS") - 1;
 constexpr std::size_t maxYearDigits = 12; ///< 2^63 seconds are less than 10^12 years
 static_assert(maxYearDigits + restOfText <= localTimeTextCapacity);
 
-/// Two digits at a time need half the divisions.
-constexpr char digitPairs[] =
-    "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
-    "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
-
-void putPair(char* out, int value) noexcept { std::memcpy(out, digitPairs + 2 * value, 2); }
+template <std::size_t count = 2>
+char* put(char* out, int value) noexcept {
+    return writeDigits<count>(static_cast<std::uint32_t>(value), out);
+}
 
 char* writeYear(std::int64_t year, char* out) noexcept {
     // Years before 1 count backwards, as those of an era.
@@ -30,9 +29,7 @@ char* writeYear(std::int64_t year, char* out) noexcept {
     if (ofEra > 9999) [[unlikely]] {
         return writeInt64(ofEra, out);
     }
-    putPair(out, static_cast<int>(ofEra) / 100);
-    putPair(out + 2, static_cast<int>(ofEra) % 100);
-    return out + 4;
+    return put<4>(out, static_cast<int>(ofEra));
 }
 
 } // namespace
@@ -46,13 +43,12 @@ char* writeLocalTime(Instant instant, char* out) noexcept {
     out = writeYear(date.year, out);
     // The separators first; digits are written over the letters.
     std::memcpy(out, "-MM-dd HH:mm:ss.SSS", restOfText);
-    putPair(out + 1, date.month);
-    putPair(out + 4, date.day);
-    putPair(out + 7, time / 3600);
-    putPair(out + 10, time / 60 % 60);
-    putPair(out + 13, time % 60);
-    out[16] = static_cast<char>('0' + milliseconds / 100);
-    putPair(out + 17, milliseconds % 100);
+    put(out + 1, date.month);
+    put(out + 4, date.day);
+    put(out + 7, time / 3600);
+    put(out + 10, time / 60 % 60);
+    put(out + 13, time % 60);
+    put<3>(out + 16, milliseconds);
     return out + restOfText;
 }
 

@@ -5,6 +5,9 @@
 
 #include <cstring>
 
+#include "foundation/text/Digits.h"
+#include "foundation/text/NumberText.h"
+
 namespace ZQFoundation::detail {
 
 namespace {
@@ -22,15 +25,13 @@ Parts partsOf(std::int32_t offset) noexcept {
     return {offset < 0 ? '-' : '+', distance / 3600, distance / 60 % 60, distance % 60};
 }
 
-char* writeTwoDigits(int value, char* out) noexcept {
-    *out++ = static_cast<char>('0' + value / 10);
-    *out++ = static_cast<char>('0' + value % 10);
-    return out;
+char* writeTwo(int value, char* out) noexcept {
+    return writeDigits<2>(static_cast<std::uint32_t>(value), out);
 }
 
 char* writeAfterColon(int value, char* out) noexcept {
     *out++ = ':';
-    return writeTwoDigits(value, out);
+    return writeTwo(value, out);
 }
 
 } // namespace
@@ -38,15 +39,14 @@ char* writeAfterColon(int value, char* out) noexcept {
 char* writeBasicOffset(std::int32_t offset, char* out) noexcept {
     const Parts parts = partsOf(offset);
     *out++ = parts.sign;
-    out = writeTwoDigits(parts.minutes, writeTwoDigits(parts.hours, out));
-    // Only old local times have seconds.
-    return parts.seconds != 0 ? writeTwoDigits(parts.seconds, out) : out;
+    out = writeTwo(parts.minutes, writeTwo(parts.hours, out));
+    return parts.seconds != 0 ? writeTwo(parts.seconds, out) : out;
 }
 
 char* writeExtendedOffset(std::int32_t offset, char* out) noexcept {
     const Parts parts = partsOf(offset);
     *out++ = parts.sign;
-    out = writeAfterColon(parts.minutes, writeTwoDigits(parts.hours, out));
+    out = writeAfterColon(parts.minutes, writeTwo(parts.hours, out));
     return parts.seconds != 0 ? writeAfterColon(parts.seconds, out) : out;
 }
 
@@ -58,10 +58,7 @@ char* writeShortOffsetWithGMT(std::int32_t offset, char* out) noexcept {
     }
     const Parts parts = partsOf(offset);
     *out++ = parts.sign;
-    if (parts.hours >= 10) {
-        *out++ = static_cast<char>('0' + parts.hours / 10);
-    }
-    *out++ = static_cast<char>('0' + parts.hours % 10);
+    out = writeInt64(parts.hours, out);
     if (parts.minutes != 0 || parts.seconds != 0) {
         out = writeAfterColon(parts.minutes, out);
     }

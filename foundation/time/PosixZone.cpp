@@ -5,6 +5,7 @@
 #include "foundation/time/PosixZone.h"
 
 #include "foundation/objects/CivilTime.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
@@ -13,7 +14,6 @@ namespace {
 using Clock = PosixZone::Clock;
 using Change = PosixZone::Change;
 
-constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) noexcept { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 // In angle brackets, names may have digits and signs.
 constexpr bool isNameCharacter(char c, bool quoted) noexcept {
@@ -37,15 +37,11 @@ struct Cursor {
         return true;
     }
 
-    bool takeNumber(int least, int greatest, int& number) noexcept {
-        int value = 0;
+    bool takeNumber(int min, int max, int& number) noexcept {
         const char* const start = at;
         // Three digits are the most that any limit has; more are an error and not a greater number.
-        while (at != end && isDigit(*at) && at - start < 3) {
-            value = value * 10 + (*at++ - '0');
-        }
-        number = value;
-        return at != start && value >= least && value <= greatest;
+        number = takeDigits(at, end, 3);
+        return at != start && number >= min && number <= max;
     }
 
     bool takeTime(int maxHour, std::int32_t& seconds) noexcept {

@@ -8,13 +8,14 @@
 
 #include <unistd.h>
 
+#include "foundation/objects/CollectionWalk.h"
+#include "tools/common/Program.h"
+#include "tools/common/Text.h"
 #include "tools/defaults/DomainFile.h"
-#include "tools/defaults/Failure.h"
 #include "tools/defaults/Json.h"
 #include "tools/defaults/Lint.h"
-#include "tools/defaults/Text.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -79,7 +80,7 @@ public:
     }
 
     /// Fails with a message if there were any.
-    void tell() const {
+    void failIfAny() const {
         if (count_ > 1) {
             fail("%@ (and %lu more cannot be read)", first_, count_ - 1);
         }
@@ -111,7 +112,7 @@ void readAllDomains(Printer printer) {
         }
     }
     print(printer(all.dictionary()));
-    unreadable.tell();
+    unreadable.failIfAny();
 }
 
 /// The option may be anywhere among the words: a domain or key of that name cannot be read, which is
@@ -292,18 +293,10 @@ bool mentions(const NSString& text, const NSString& word) {
 /// Whether anything inside the value does. Descriptions of collections would not do: they spell characters
 /// out. The stack is explicit, because files may be nested deeply.
 bool mentionsInside(const NSObject& value, const NSString& word) {
-    std::vector<NSObject> waiting{value};
-    while (!waiting.empty()) {
-        const NSObject next = waiting.back();
-        waiting.pop_back();
-        if (const NSArray elements = next.as<NSArray>()) {
-            waiting.insert(waiting.end(), elements.begin(), elements.end());
-        } else if (const NSDictionary entries = next.as<NSDictionary>()) {
-            for (const NSDictionaryEntry& entry : entries) {
-                waiting.push_back(entry.key);
-                waiting.push_back(entry.value);
-            }
-        } else if (mentions(next.description(), word)) {
+    detail::CollectionWalk walk(value, &NSString::compare);
+    while (walk.next()) {
+        if (walk.event() == detail::CollectionWalk::Event::leaf &&
+            mentions(walk.value().description(), word)) {
             return true;
         }
     }
@@ -335,7 +328,7 @@ void find(const Words& words) {
     for (const Domain& domain : allDomains()) {
         count += findInDomain(domain, unreadable.read(domain), words[1]);
     }
-    unreadable.tell();
+    unreadable.failIfAny();
     if (count == 0) {
         fail("no domain, key or value contains \"%@\"", words[1]);
     }
@@ -355,17 +348,16 @@ void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFro
 
 // lint
 
-/// More would scroll the first ones off a terminal.
-constexpr std::size_t mostLines = 20;
+constexpr std::size_t maxLines = 20;
 
 /// Faults are the command's result, and still go to standard error: scripts look at the status.
 void lint(const Words& words) {
     const std::vector<std::string> faults = faultsOf({words.begin() + 1, words.end()});
-    for (std::size_t index = 0; index < faults.size() && index < mostLines; ++index) {
+    for (std::size_t index = 0; index < faults.size() && index < maxLines; ++index) {
         std::fprintf(stderr, "%s\n", onOneLine(faults[index]).c_str());
     }
-    if (faults.size() > mostLines) {
-        std::fprintf(stderr, "... and %zu more\n", faults.size() - mostLines);
+    if (faults.size() > maxLines) {
+        std::fprintf(stderr, "... and %zu more\n", faults.size() - maxLines);
     }
     if (!faults.empty()) {
         fail("%lu fault%s found", faults.size(), faults.size() == 1 ? "" : "s");
@@ -377,8 +369,8 @@ struct Command {
     const char* name;
     const char* arguments; ///< as the help shows them
     const char* purpose;
-    std::size_t leastWords; ///< with the command's own name
-    std::size_t maxWords;   ///< `any` for no limit
+    std::size_t minWords; ///< with the command's own name
+    std::size_t maxWords;
     void (*run)(const Words&);
 };
 
@@ -428,7 +420,7 @@ void runCommand(const Words& words) {
         if (words[0] != command.name) {
             continue;
         }
-        if (words.size() >= command.leastWords && words.size() <= command.maxWords) {
+        if (words.size() >= command.minWords && words.size() <= command.maxWords) {
             command.run(words);
             return;
         }
@@ -440,4 +432,4 @@ void runCommand(const Words& words) {
     misuse("%s takes: %s %s", known->name, known->name, known->arguments);
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

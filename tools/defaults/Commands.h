@@ -5,7 +5,7 @@
 
 #include "tools/defaults/Values.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 /// What there is, a line or two for each command, or for the one of that name; empty when there is none.
 std::string listOfCommands(const std::string& name);
@@ -14,6 +14,6 @@ std::string listOfCommands(const std::string& name);
 /// Throws Failure or Misuse.
 void runCommand(const Words& words);
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

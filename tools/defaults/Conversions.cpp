@@ -7,7 +7,7 @@
 
 #include "foundation/text/FormatSyntax.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -120,4 +120,4 @@ std::string conversionsOf(const NSString& format) {
     return arguments.text();
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -7,7 +7,7 @@
 
 #include "foundation/objects/NSString.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 /// The arguments of a format by their position, however it names them: "%2$@ of %1$d" and "%d in %@" both
 /// give "%d %@". Letters that read an argument in the same way are one (%i, %x: %d), and so are %e, %g: %f.
@@ -15,6 +15,6 @@ namespace ZQFoundation::defaults {
 /// sign. Empty for a text without conversions.
 std::string conversionsOf(const NSString& format);
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

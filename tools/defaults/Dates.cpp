@@ -4,39 +4,34 @@
 #include "tools/defaults/Dates.h"
 
 #include "foundation/objects/CivilTime.h"
-#include "tools/defaults/Failure.h"
+#include "foundation/text/Digits.h"
+#include "tools/common/Program.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
 /// Reads a text from front to back. The terminating zero is no digit and no mark, so nothing reads beyond it.
 class Cursor {
 public:
-    explicit Cursor(const std::string& text) noexcept : next_(text.c_str()) {}
+    explicit Cursor(const std::string& text) noexcept : next_(text.data()), end_(next_ + text.size()) {}
 
     bool take(char character) noexcept {
-        const bool found = *next_ == character;
+        const bool found = next_ != end_ && *next_ == character;
         next_ += found ? 1 : 0;
         return found;
     }
 
-    /// Exactly `digits` digits that make a number from `least` to `most`.
-    bool takeNumber(int digits, int least, int most, int& number) noexcept {
-        number = 0;
-        for (int i = 0; i < digits; ++i, ++next_) {
-            if (*next_ < '0' || *next_ > '9') {
-                return false;
-            }
-            number = number * 10 + (*next_ - '0');
-        }
-        return number >= least && number <= most;
+    /// Exactly `digits` digits that make a number from `min` to `max`.
+    bool takeNumber(int digits, int min, int max, int& number) noexcept {
+        return detail::takeAllDigits(next_, end_, digits, number) && number >= min && number <= max;
     }
 
-    bool isAtEnd() const noexcept { return *next_ == '\0'; }
+    bool isAtEnd() const noexcept { return next_ == end_; }
 
 private:
     const char* next_;
+    const char* end_;
 };
 
 /// "2024-03-05", as days since 1970.
@@ -73,8 +68,8 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
     if (cursor.take('Z')) {
         return true;
     }
-    const bool isBehind = cursor.take('-');
-    if (!isBehind && !cursor.take('+')) {
+    const bool isNegative = cursor.take('-');
+    if (!isNegative && !cursor.take('+')) {
         return false;
     }
     int hours = 0;
@@ -86,7 +81,7 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
     if (!cursor.takeNumber(2, 0, 59, minutes)) {
         return false;
     }
-    seconds = (hours * 60 + minutes) * (isBehind ? -60 : 60);
+    seconds = (hours * 60 + minutes) * (isNegative ? -60 : 60);
     return true;
 }
 
@@ -110,4 +105,4 @@ NSDate dateFromText(const std::string& text) {
         static_cast<double>(days * detail::secondsPerDay + time - offset));
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

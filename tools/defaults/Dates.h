@@ -7,12 +7,12 @@
 
 #include "foundation/objects/NSDate.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 /// "2024-03-05", "2024-03-05 14:07", "2024-03-05T14:07:09Z", "2024-03-05 14:07:09 +0100": in UTC without an
 /// offset. Fails with a message for any other text.
 NSDate dateFromText(const std::string& text);
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

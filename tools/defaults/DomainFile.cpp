@@ -11,10 +11,10 @@
 #include "foundation/files/StickyFolder.h"
 #include "foundation/plist/XmlText.h"
 #include "foundation/process/DictionaryFile.h"
-#include "tools/defaults/Failure.h"
-#include "tools/defaults/Text.h"
+#include "tools/common/Program.h"
+#include "tools/common/Text.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 using detail::Descriptor;
 using detail::GuardedPlace;
@@ -195,4 +195,4 @@ void writeDictionary(const NSDictionary& dictionary, const std::string& path) {
     writeAll(file.number(), xmlOf(dictionary), path);
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -7,7 +7,7 @@
 #include "foundation/process/LockedFile.h"
 #include "tools/defaults/Domains.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 /// What the domain's file holds; nil when there is none. Fails with a message for a file that cannot be read,
 /// is no property list, or holds no dictionary.
@@ -54,6 +54,6 @@ void changeDomain(const Domain& domain, const Change& change) {
     file.replace(change(before ? before : NSDictionary::dictionary()));
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

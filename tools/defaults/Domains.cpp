@@ -7,9 +7,9 @@
 #include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/process/DefaultsFiles.h"
-#include "tools/defaults/Failure.h"
+#include "tools/common/Program.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -65,4 +65,4 @@ std::vector<std::string> namesOfDomains() {
     return names;
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 /// A set of defaults and the file that holds it.
 struct Domain {
@@ -25,6 +25,6 @@ Domain domainOfFile(const std::string& name);
 /// The names of all domains that have a file, in ascending order, without the global one.
 std::vector<std::string> namesOfDomains();
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

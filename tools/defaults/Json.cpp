@@ -5,26 +5,20 @@
 
 #include <cmath>
 
+#include "foundation/objects/CollectionLayout.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/RealText.h"
-#include "tools/defaults/Failure.h"
-#include "tools/zqmigrate/Text.h"
+#include "tools/common/Program.h"
+#include "tools/common/Text.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
-using Event = detail::ValueWalk::Event;
-
-/// By the function that the other tool uses, so that both escape alike.
-std::string quoted(const NSString& text) { return zqmigrate::quoted(text.utf8()); }
-
-/// In full precision and the shortest form that is read as the same number. JSON has no infinite numbers and
-/// no NaN.
 std::string numberText(const NSNumber& number) {
     if (number.isBoolean()) {
         return number.boolValue() ? "true" : "false";
@@ -61,70 +55,32 @@ std::string scalarText(const NSObject& value) {
     return quoted(NSString(value));
 }
 
-/// Writes the events of a walk over a value: one line for each element, indented by two spaces a level.
-class JsonWriter {
-public:
-    std::string write(const NSObject& value) {
-        detail::ValueWalk walk(value);
-        while (walk.next()) {
-            writeEvent(walk);
-        }
-        if (walk.refusal() != nullptr) {
-            fail("this cannot be written: %s", walk.refusal());
-        }
-        return text_;
-    }
-
-private:
-    /// The level of an opening bracket is that of what it contains, so one is subtracted for its own line.
-    void writeEvent(const detail::ValueWalk& walk) {
-        switch (walk.event()) {
-        case Event::key:
-            separate(walk.depth());
-            text_.append(quoted(NSString(walk.value()))).append(": ");
-            isAfterKey_ = true;
-            return;
-        case Event::scalar:
-            separate(walk.depth());
-            text_.append(scalarText(walk.value()));
-            break;
-        case Event::open:
-            separate(walk.depth() - 1);
-            text_.append(walk.isArray() ? "[" : "{");
-            isFirst_ = true;
-            return;
-        case Event::close:
-            if (!walk.isEmpty()) {
-                startLine(walk.depth());
-            }
-            text_.append(walk.isArray() ? "]" : "}");
-            break;
-        }
-        isFirst_ = false;
-    }
-
-    /// Writes what comes before an element or a key.
-    void separate(std::size_t depth) {
-        if (isAfterKey_ || depth == 0) {
-            isAfterKey_ = false;
-            return;
-        }
-        text_.append(isFirst_ ? "" : ",");
-        startLine(depth);
-        isFirst_ = false;
-    }
-
-    void startLine(std::size_t depth) { text_.append("\n").append(2 * depth, ' '); }
-
-    std::string text_;
-    // Of the innermost collection: whether nothing is before the next element, so no comma.
-    bool isFirst_ = true;
-    // The next value belongs to a key on the same line.
-    bool isAfterKey_ = false;
+constexpr detail::CollectionLayout layout{
+    .array = {"[", "\n", ",\n", "\n", "", "]"},
+    .dictionary = {"{", "\n", ",\n", "\n", "", "}"},
+    .set = {}, // refused
+    .assignment = ": ",
+    .indentation = 2,
 };
 
 } // namespace
 
-std::string jsonOf(const NSObject& value) { return JsonWriter().write(value); }
+std::string jsonOf(const NSObject& value) {
+    std::string text;
+    detail::ValueWalk walk(value);
+    while (walk.next()) {
+        const detail::CollectionLayout::Lead lead = layout.leadOf(walk);
+        text.append(lead.text).append(lead.spaces, ' ');
+        if (walk.event() == detail::ValueWalk::Event::leaf) {
+            text.append(scalarText(walk.value()));
+        } else {
+            text.append(layout.bracketOf(walk));
+        }
+    }
+    if (walk.refusal() != nullptr) {
+        fail("this cannot be written: %s", walk.refusal());
+    }
+    return text;
+}
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

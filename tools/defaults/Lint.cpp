@@ -11,10 +11,10 @@
 #include "foundation/plist/PropertyList.h"
 #include "foundation/process/DictionaryFile.h"
 #include "foundation/process/FileReading.h"
+#include "tools/common/Program.h"
 #include "tools/defaults/Conversions.h"
-#include "tools/defaults/Failure.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -81,7 +81,7 @@ public:
 
 private:
     template <class... Arguments>
-    void tell(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+    void addFault(FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
         faults_.push_back(path_ + ": " + NSString::stringWithFormat(format, arguments...).utf8());
     }
 
@@ -100,34 +100,33 @@ private:
         return true;
     }
 
-    /// As compilers do, so that editors find the place; without one for binary files.
-    void tellPlace(const detail::PropertyListError& error) {
+    void addFaultAtPlace(const detail::PropertyListError& error) {
         if (error.line > 0) {
             faults_.push_back(
                 NSString::stringWithFormat("%@:%lu:%lu: %s", path_, error.line, error.column, error.message)
                     .utf8());
         } else {
-            tell("%@", detail::describePropertyListError(error));
+            addFault("%@", detail::describePropertyListError(error));
         }
     }
 
     void lookAtList(const NSObject& value, const detail::PropertyListError& error) {
         if (!value) {
-            tellPlace(error);
+            addFaultAtPlace(error);
         } else if (!value.as<NSDictionary>() && !value.as<NSArray>()) {
-            tell("this is a single value, not a dictionary or an array");
+            addFault("this is a single value, not a dictionary or an array");
         }
     }
 
     /// Every value must be text; a number or a list is no text that could be shown.
     void lookAtTable(const NSDictionary& texts, const detail::PropertyListError& error) {
         if (!texts) {
-            tellPlace(error);
+            addFaultAtPlace(error);
             return;
         }
         for (const NSDictionaryEntry& entry : texts) {
             if (!entry.value.as<NSString>()) {
-                tell("the value of \"%@\" is not text", entry.key);
+                addFault("the value of \"%@\" is not text", entry.key);
             }
         }
         const std::string name = familyName(path_);
@@ -154,14 +153,14 @@ private:
     void compareText(const Table& table, const Table& other, const NSString& key, const NSString& otherText) {
         const NSObject text = table.texts.objectForKey(key);
         if (!text) {
-            tell("there is no \"%@\", which %@ has", key, lastNames(other.path, 2));
+            addFault("there is no \"%@\", which %@ has", key, lastNames(other.path, 2));
             return;
         }
         const std::string conversions = conversionsOf(NSString(text));
         const std::string otherConversions = conversionsOf(otherText);
         if (conversions != otherConversions) {
-            tell("\"%@\" takes %@, but %@ in %@", key, shown(conversions), shown(otherConversions),
-                 lastNames(other.path, 2));
+            addFault("\"%@\" takes %@, but %@ in %@", key, shown(conversions), shown(otherConversions),
+                     lastNames(other.path, 2));
         }
     }
 
@@ -187,4 +186,4 @@ std::vector<std::string> faultsOf(const std::vector<std::string>& paths) {
     return linter.faults();
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 /// Checks that the library can use the files: that each is read, and as what its name says (`*.strings` is a
 /// string table, anything else a property list), and that the tables of one name in the `*.lproj` folders of
@@ -14,6 +14,6 @@ namespace ZQFoundation::defaults {
 /// each, in the order of the files: "en.lproj/Localizable.strings:3:5: An array is not closed".
 std::vector<std::string> faultsOf(const std::vector<std::string>& paths);
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

@@ -11,11 +11,11 @@
 #include "foundation/objects/Bodies.h"
 #include "foundation/plist/PropertyList.h"
 #include "foundation/plist/PropertyListError.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "tools/defaults/Dates.h"
-#include "tools/defaults/Failure.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
@@ -131,21 +131,11 @@ bool booleanFromWord(const std::string& word) {
     fail("\"%@\" is not a boolean: YES, NO, true, false, 1 or 0", word);
 }
 
-/// -1 for any other character. Setting the bit makes a lower-case letter of an upper-case one.
-int hexDigit(char character) noexcept {
-    if (character >= '0' && character <= '9') {
-        return character - '0';
-    }
-    const int letter = (character | 0x20) - 'a';
-    return letter >= 0 && letter < 6 ? 10 + letter : -1;
-}
-
-/// Pairs of hexadecimal digits, with spaces between pairs, as data are printed; never inside a pair.
 NSObject dataFromWord(const std::string& word) {
     std::string bytes;
     int half = -1;
     for (const char character : word) {
-        const int digit = hexDigit(character);
+        const int digit = detail::hexDigitValue(character);
         if (character == ' ' && half < 0) {
             continue;
         }
@@ -291,4 +281,4 @@ const char* nameOfType(const NSObject& value) {
     }
 }
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults

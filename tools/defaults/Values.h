@@ -3,15 +3,10 @@
 #ifndef ZQFOUNDATION_DEFAULTS_VALUES_H
 #define ZQFOUNDATION_DEFAULTS_VALUES_H
 
-#include <string>
-#include <vector>
-
 #include "foundation/objects/NSDictionary.h"
+#include "tools/common/Program.h"
 
-namespace ZQFoundation::defaults {
-
-/// The arguments of the program, without its own name.
-using Words = std::vector<std::string>;
+namespace ZQFoundation::tools::defaults {
 
 /// What to do with the words after a key: a value that replaces the old one, or elements or entries that are
 /// added to it.
@@ -32,6 +27,6 @@ NSObject valueFromWord(const std::string& word);
 /// "boolean", "integer", "float", "string", "array", "dictionary", "date" or "data".
 const char* nameOfType(const NSObject& value);
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 #endif

@@ -1,24 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Reads and changes user defaults: the property lists that the library looks into for its settings.
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
-#include <exception>
+#include <string_view>
 
 #include "foundation/text/Utf.h"
+#include "tools/common/Text.h"
 #include "tools/defaults/Commands.h"
-#include "tools/defaults/Failure.h"
-#include "tools/defaults/Text.h"
 
-namespace ZQFoundation::defaults {
+namespace ZQFoundation::tools::defaults {
 
 namespace {
 
-/// As the manual says; scripts distinguish a failure from a mistake in the command line.
-enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
-
-/// The help is in two pieces: the list of commands, which is made from their table, is between them.
 constexpr const char helpStart[] = "Usage: %s <command> [<argument>]...\n"
                                    "\n"
                                    "Reads and changes the user defaults of applications.\n"
@@ -63,27 +56,10 @@ bool printHelpOfCommand(const Words& words) {
     return !list.empty();
 }
 
-/// On one line, because a word of the user's or a file's name may contain line feeds.
-int complain(const std::string& message, ExitStatus status) {
-    std::fprintf(stderr, "%s: %s%s\n", programName, onOneLine(message).c_str(),
-                 status == misused ? " (try --help)" : "");
-    return status;
-}
-
-/// A file-size limit is to be an error like a full disk. The signal would end the program in the middle of a
-/// write, without a message.
-void takeFileSizeLimitAsError() {
-    struct sigaction ignore {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(SIGXFSZ, &ignore, nullptr);
-}
-
-/// Arguments must be UTF-8: a key that was silently repaired would be another key. What was printed is
-/// checked at the end, because a full disk shows only when the stream is flushed.
 int run(const Words& words) {
     for (const std::string& word : words) {
         if (!detail::isWellFormedUtf8(word.data(), word.size())) {
-            return complain("an argument is not UTF-8: " + NSString(word).utf8(), failed);
+            fail("an argument is not UTF-8: %@", word);
         }
     }
     if (words.empty()) {
@@ -97,26 +73,20 @@ int run(const Words& words) {
         runCommand(words);
     }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        return complain("standard output cannot be written", failed);
+        fail("standard output cannot be written");
     }
     return succeeded;
 }
 
 } // namespace
 
-} // namespace ZQFoundation::defaults
+} // namespace ZQFoundation::tools::defaults
 
 int main(int count, char** arguments) {
-    using namespace ZQFoundation::defaults;
-    takeFileSizeLimitAsError();
-    setProgramName(count > 0 ? arguments[0] : "");
-    try {
-        return run(Words(arguments + (count > 0 ? 1 : 0), arguments + count));
-    } catch (const Failure& failure) {
-        return complain(failure.message, failed);
-    } catch (const Misuse& use) {
-        return complain(use.message, misused);
-    } catch (const std::exception& exception) {
-        return complain(exception.what(), failed);
-    }
+    using namespace ZQFoundation::tools;
+    ignoreSignals({SIGXFSZ});
+    const std::string_view path(count > 0 ? arguments[0] : "");
+    const bool isLongName =
+        path.substr(path.rfind('/') + 1) == "zqdefaults"; // under which it is always installed
+    return runTool({isLongName ? "zqdefaults" : "defaults", onOneLine, defaults::run}, count, arguments);
 }

@@ -8,7 +8,7 @@
 
 /// SIGINT, SIGTERM and SIGHUP, counted from `awaitSignals` on: the first one stops the work, another one also
 /// what is done after that. Any thread.
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 /// 0 before the first one, whose number the exit status has.
 inline std::atomic<int> firstSignal{0};
@@ -19,14 +19,6 @@ extern "C" inline void countSignal(int number) {
     int none = 0;
     firstSignal.compare_exchange_strong(none, number);
     ++signalCount;
-}
-
-/// Without a reader, or beyond a file-size limit, writing is to be an error like a full disk.
-inline void takeWriteSignalsAsErrors() {
-    struct sigaction action {};
-    action.sa_handler = SIG_IGN;
-    ::sigaction(SIGPIPE, &action, nullptr);
-    ::sigaction(SIGXFSZ, &action, nullptr);
 }
 
 /// Signals that were ignored when the program was started stay ignored.
@@ -46,6 +38,6 @@ inline void awaitSignals() {
     ::pthread_sigmask(SIG_UNBLOCK, &action.sa_mask, nullptr);
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 #endif

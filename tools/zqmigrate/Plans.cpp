@@ -2,13 +2,14 @@
 // What a run would do as things are now, and where its files would be in each other's way.
 #include <map>
 
-#include <unistd.h>
+#include <fcntl.h>
 
+#include "foundation/system/LinkReading.h"
 #include "migration/BatchMigration.h"
 #include "tools/zqmigrate/Run.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -40,10 +41,11 @@ Place placeOf(const std::string& path) {
 /// Where a link leads, as a path; empty for what is none. A target that is too long for a path is cut off,
 /// and is then found nowhere.
 std::string targetOfLink(const std::string& path) {
-    std::string text(4096, '\0');
-    const ssize_t length = ::readlink(path.c_str(), text.data(), text.size());
-    text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
-    return text.empty() || text[0] == '/' ? text : path.substr(0, path.rfind('/') + 1) + text;
+    std::string text;
+    if (detail::readLink(AT_FDCWD, path.c_str(), text) != detail::LinkResult::link || text[0] == '/') {
+        return text;
+    }
+    return path.substr(0, path.rfind('/') + 1) + text;
 }
 
 /// Finds what one file of a batch does to the plans of others.
@@ -127,9 +129,9 @@ std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& obse
                                          request.overwriteDestination, request.renameIfDestinationExists};
     Collector collector(observer);
     if (request.isBatch()) {
-        const BatchMigration::Wishes wishes{request.extension, request.source, request.destination,
-                                            request.includeDotFiles, policy};
-        BatchMigration(wishes, collector).plan();
+        const BatchMigration::Options options{request.extension, request.source, request.destination,
+                                              request.includeDotFiles, policy};
+        BatchMigration(options, collector).plan();
         Conflicts(request).note(collector.items);
     } else if (collector.willMigrate(request.source)) {
         detail::ItemPlace place;
@@ -144,4 +146,4 @@ std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& obse
     return collector.items;
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

@@ -6,7 +6,7 @@
 
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -60,18 +60,29 @@ std::string linesOf(const Request& request, const Item& item) {
            (item.note ? "\n      note: " + shown(item.note) : "") + "\n";
 }
 
-/// `"<name>": true`, a member of a JSON object.
-std::string flag(const char* name, bool value) {
-    return std::string("\"").append(name).append(value ? "\": true" : "\": false");
+std::string flag(const char* name, bool value) { return member(name, value ? "true" : "false"); }
+
+std::string number(const char* name, std::uint64_t value) { return member(name, std::to_string(value)); }
+
+std::string joined(const std::vector<std::string>& members) {
+    std::string text;
+    for (const std::string& member : members) {
+        text.append(text.empty() ? "" : ",\n").append(member);
+    }
+    return text;
 }
 
 /// `"<name>": [...]`, one element a line. The elements are JSON already.
 std::string array(const char* name, const std::vector<std::string>& members) {
-    std::string text = std::string("\"").append(name).append("\": [");
-    for (const std::string& member : members) {
-        text.append(&member == &members.front() ? "\n" : ",\n").append(member);
+    return member(name, "[" + (members.empty() ? "" : "\n" + joined(members)) + "]");
+}
+
+std::string arrayOfPaths(const char* name, const std::vector<NSString>& paths) {
+    std::vector<std::string> members;
+    for (const NSString& path : paths) {
+        members.push_back("{" + memberOfPath("path", path) + "}");
     }
-    return text.append("]");
+    return array(name, members);
 }
 
 /// In a run for a folder the one item is a folder, else items are files, also links and devices.
@@ -155,16 +166,19 @@ std::string beginningOfReport(const Request& request) {
     if (!request.isJson) {
         return {};
     }
-    const char* const operation = operationNames[static_cast<int>(request.operation)];
-    const std::string batch = memberOfPath("extension", request.extension) + ",\n" +
-                              flag("dotFiles", request.includeDotFiles) + ",\n";
-    return std::string("{\n\"operation\": \"") + operation + "\",\n" + memberOfPath("from", request.from) +
-           ",\n" + memberOfPath("to", request.to) + ",\n" + (request.isBatch() ? batch : "") +
-           flag("keepOriginal", request.keepOriginal) + ",\n" +
-           flag("createParents", request.createDestinationParentFolder) + ",\n" +
-           flag("overwrite", request.overwriteDestination) + ",\n" +
-           flag("rename", request.renameIfDestinationExists) + ",\n" + flag("dryRun", request.isTrial) +
-           ",\n\"items\": [\n";
+    std::vector<std::string> members{
+        member("operation", quoted(operationNames[static_cast<int>(request.operation)])),
+        memberOfPath("from", request.from), memberOfPath("to", request.to)};
+    if (request.isBatch()) {
+        members.push_back(memberOfPath("extension", request.extension));
+        members.push_back(flag("dotFiles", request.includeDotFiles));
+    }
+    members.push_back(flag("keepOriginal", request.keepOriginal));
+    members.push_back(flag("createParents", request.createDestinationParentFolder));
+    members.push_back(flag("overwrite", request.overwriteDestination));
+    members.push_back(flag("rename", request.renameIfDestinationExists));
+    members.push_back(flag("dryRun", request.isTrial));
+    return "{\n" + joined(members) + ",\n" + member("items", "[\n");
 }
 
 // For a person, standard output has what was done, and failures go to standard error with the summary. A
@@ -175,9 +189,9 @@ std::string reportOfItem(const Request& request, const Item& item, bool isFirst)
     }
     const NSString destination = request.typedDestination(item.destination);
     return (isFirst ? "{" : ",{") + memberOfPath("path", request.typedPath(item.path)) +
-           (destination ? ", " + memberOfPath("destination", destination) : "") +
-           ", \"code\": " + std::to_string(item.code) + ", \"description\": " + quoted(descriptionOf(item)) +
-           (item.note ? ", \"note\": " + quoted(item.note) : "") + "}\n";
+           (destination ? ", " + memberOfPath("destination", destination) : "") + ", " +
+           number("code", item.code) + ", " + member("description", quoted(descriptionOf(item))) +
+           (item.note ? ", " + member("note", quoted(item.note)) : "") + "}\n";
 }
 
 // Every member is always there, so that a program need not look for it. `left` is what a second run would
@@ -186,13 +200,6 @@ std::string endOfReport(const Request& request, const Outcome& outcome) {
     if (!request.isJson) {
         return {};
     }
-    const auto objects = [](const char* name, const std::vector<NSString>& paths) {
-        std::vector<std::string> members;
-        for (const NSString& path : paths) {
-            members.push_back("{" + memberOfPath("path", path) + "}");
-        }
-        return array(name, members);
-    };
     std::vector<NSString> left;
     for (const Item& item : outcome.failed) {
         left.push_back(request.typedPath(item.path));
@@ -204,15 +211,16 @@ std::string endOfReport(const Request& request, const Outcome& outcome) {
     for (const NSString& note : outcome.notes) {
         notes.push_back(quoted(note));
     }
-    return "],\n\"migrated\": " + std::to_string(outcome.migrated) +
-           ",\n\"failed\": " + std::to_string(outcome.failed.size()) +
-           ",\n\"notReached\": " + std::to_string(outcome.notReached.size()) + ",\n" + objects("left", left) +
-           ",\n" + flag("isLeftComplete", !outcome.isMoreNotReached) + ",\n" +
-           objects("unreadableFolders", outcome.unreadableFolders) + ",\n" +
-           flag("areUnreadableFoldersComplete", !outcome.isMoreUnreadable) + ",\n" +
-           objects("brokenLinks", outcome.brokenLinks) + ",\n" + array("notes", notes) +
-           ",\n\"error\": " + (outcome.error ? quoted(outcome.error) : "null") + ",\n" +
-           flag("interrupted", outcome.signal != 0) + ",\n" + flag("success", outcome.isSuccess()) + "\n}\n";
+    return "],\n" +
+           joined({number("migrated", outcome.migrated), number("failed", outcome.failed.size()),
+                   number("notReached", outcome.notReached.size()), arrayOfPaths("left", left),
+                   flag("isLeftComplete", !outcome.isMoreNotReached),
+                   arrayOfPaths("unreadableFolders", outcome.unreadableFolders),
+                   flag("areUnreadableFoldersComplete", !outcome.isMoreUnreadable),
+                   arrayOfPaths("brokenLinks", outcome.brokenLinks), array("notes", notes),
+                   member("error", outcome.error ? quoted(outcome.error) : "null"),
+                   flag("interrupted", outcome.signal != 0), flag("success", outcome.isSuccess())}) +
+           "\n}\n";
 }
 
 // A quiet run that went well reports only what is unusual: folders, links and notes.
@@ -237,4 +245,4 @@ std::string summaryOf(const Request& request, const Outcome& outcome) {
     return isSaid ? text + messageLine("this was a trial: nothing was changed") : text;
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

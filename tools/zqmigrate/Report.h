@@ -6,7 +6,7 @@
 #include "tools/zqmigrate/Run.h"
 
 /// What the user reads, as text that ends with whole lines.
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 /// What goes to standard output: a beginning, each item as it is done (failures only in JSON), an end.
 std::string beginningOfReport(const Request& request);
@@ -19,6 +19,6 @@ std::string summaryOf(const Request& request, const Outcome& outcome);
 /// A line of the program's own for standard error.
 std::string messageLine(const NSString& message);
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 #endif

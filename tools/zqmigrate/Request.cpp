@@ -3,12 +3,11 @@
 #include "tools/zqmigrate/Request.h"
 
 #include <algorithm>
-#include <stdexcept>
 #include <string_view>
 
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -34,7 +33,7 @@ constexpr struct Switch {
 /// The message ends the program with the status of a wrong command line.
 void refuseIf(bool isWrong, const std::string& message) {
     if (isWrong) {
-        throw std::invalid_argument(message);
+        throw Misuse{message};
     }
 }
 
@@ -123,4 +122,4 @@ Request requestFromWords(const Words& words) {
     return request;
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

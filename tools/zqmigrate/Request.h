@@ -3,14 +3,10 @@
 #ifndef ZQFOUNDATION_ZQMIGRATE_REQUEST_H
 #define ZQFOUNDATION_ZQMIGRATE_REQUEST_H
 
-#include <string>
-#include <vector>
-
 #include "migration/ZQFileMigrator.h"
+#include "tools/common/Program.h"
 
-namespace ZQFoundation::zqmigrate {
-
-using Words = std::vector<std::string>;
+namespace ZQFoundation::tools::zqmigrate {
 
 /// The commands, in the order of `operationNames`.
 enum class Operation { file, folder, batch };
@@ -46,9 +42,9 @@ struct Request : ZQMigrationOptions {
 
 inline constexpr const char* operationNames[] = {"file", "folder", "batch"};
 
-/// Throws std::invalid_argument, with a message for the user, for words that make no sense.
+/// Throws Misuse for words that make no sense.
 Request requestFromWords(const Words& words);
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 #endif

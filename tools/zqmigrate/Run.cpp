@@ -17,7 +17,7 @@
 #include "tools/zqmigrate/Report.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
@@ -26,7 +26,7 @@ struct FoundItem {
     NSString path; ///< relative to the source; empty for that itself
     struct stat information {};
     bool isUnreadableFolder = false;
-    bool leadsNowhere = false;   ///< a link
+    bool isDangling = false;     ///< a link
     bool isRelativeLink = false; ///< that leads somewhere
 };
 
@@ -42,11 +42,11 @@ bool look(const Request& request, const detail::ItemPlace& place, FoundItem& ite
     if (!place.look(item.information)) {
         return false;
     }
-    const bool leadsSomewhere = ::fstatat(place.folder(), place.name(), &target, 0) == 0;
+    const bool hasTarget = ::fstatat(place.folder(), place.name(), &target, 0) == 0;
     const bool isLink = S_ISLNK(item.information.st_mode);
-    item.leadsNowhere = isLink && !leadsSomewhere;
-    item.isRelativeLink = isLink && leadsSomewhere &&
-                          ::readlinkat(place.folder(), place.name(), &first, 1) == 1 && first != '/';
+    item.isDangling = isLink && !hasTarget;
+    item.isRelativeLink =
+        isLink && hasTarget && ::readlinkat(place.folder(), place.name(), &first, 1) == 1 && first != '/';
     item.isUnreadableFolder = request.isBatch() && S_ISDIR(item.information.st_mode) && !isUsable(place);
     const bool isChosen =
         !S_ISDIR(target.st_mode) && (!request.extension || item.path.pathExtension() == request.extension);
@@ -67,14 +67,13 @@ NSString complaintAbout(const detail::ItemPlace& source) {
 }
 
 /// What is free for the user where the path is to be; the greatest number when that is not known.
-std::uint64_t freeBytesAt(std::string path) {
+std::uint64_t freeBytesAt(NSString path) {
     struct statvfs system {};
-    while (::statvfs(path.c_str(), &system) != 0) {
-        if (path == "/" || path == ".") {
+    for (; ::statvfs(path.length() == 0 ? "." : bytesOf(path).c_str(), &system) != 0;
+         path = path.stringByDeletingLastPathComponent()) {
+        if (path.length() == 0 || path == "/") {
             return UINT64_MAX;
         }
-        const std::size_t slash = path.rfind('/');
-        path = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
     }
     return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
 }
@@ -205,11 +204,11 @@ private:
             note("files with a note: " + grouped(notes) +
                  "; the run itself changes what they find, so the results may differ");
         }
-        if (request_.isBatch() && detail::standsInside(request_.destinationOf("item"), request_.source)) {
+        if (request_.isBatch() && detail::isInside(request_.destinationOf("item"), request_.source)) {
             note("the destination is in the source folder: a real run may also find files that it made "
                  "itself");
         }
-        const std::uint64_t free = freeBytesAt(bytesOf(request_.destination));
+        const std::uint64_t free = freeBytesAt(request_.destination);
         if (outcome_.migrated != 0 && room_ > free) {
             note("there may be too little space at the destination: the originals take " + grouped(room_) +
                  " bytes, and " + grouped(free) + " are free");
@@ -249,7 +248,7 @@ private:
             }
             if (inHand_) {
                 outcome_.notReached.push_back(item.path);
-            } else if (item.leadsNowhere) {
+            } else if (item.isDangling) {
                 finish({item.path, kFileMigrationSourceDoesNotExist, request_.destinationOf(item.path),
                         nullptr});
             }
@@ -282,4 +281,4 @@ private:
 
 Outcome carryOut(const Request& request, Screen& screen) { return Run(request, screen).run(); }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

@@ -6,7 +6,7 @@
 #include "tools/zqmigrate/Request.h"
 #include "tools/zqmigrate/Screen.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 /// What became of one file or folder, or in a trial would become.
 struct Item {
@@ -42,6 +42,6 @@ Outcome carryOut(const Request& request, Screen& screen);
 /// What would be done as things are now; changes nothing. The observer follows.
 std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& observer);
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 #endif

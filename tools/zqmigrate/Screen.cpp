@@ -17,12 +17,12 @@
 #include "tools/zqmigrate/Interruption.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
 constexpr int lookMilliseconds = 100;      ///< between drawings, and looks for signals while nobody reads
-constexpr int patienceMilliseconds = 2000; ///< with a reader that takes nothing, after a signal
+constexpr int maxStallMilliseconds = 2000; ///< with a reader that takes nothing, after a signal
 constexpr std::size_t minBar = 5;
 constexpr std::size_t maxBar = 40;
 
@@ -81,7 +81,7 @@ bool writeAll(int descriptor, const std::string& bytes) {
         pollfd room{descriptor, POLLOUT, 0};
         if (::poll(&room, 1, lookMilliseconds) <= 0) {
             waited = signalCount != 0 ? waited + lookMilliseconds : 0;
-            if (waited > patienceMilliseconds) {
+            if (waited > maxStallMilliseconds) {
                 return false;
             }
             continue;
@@ -184,4 +184,4 @@ std::string Screen::bar(std::size_t columns) const {
     return text.substr(0, room);
 }
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate

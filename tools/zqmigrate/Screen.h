@@ -9,7 +9,7 @@
 #include <string>
 #include <thread>
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 /// How far the work is.
 struct Progress {
@@ -66,6 +66,6 @@ private:
 /// reader that has stalled does not keep the program from ending.
 bool writeAll(int descriptor, const std::string& bytes);
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 #endif

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Moves and copies files and folders as the library's migrations do, for the person who must do it by hand.
-#include <exception>
-#include <stdexcept>
-
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -10,12 +7,9 @@
 #include "tools/zqmigrate/Report.h"
 #include "tools/zqmigrate/Text.h"
 
-namespace ZQFoundation::zqmigrate {
+namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
-
-/// As the help says; a shell uses the same numbers for programs that a signal has ended.
-enum ExitStatus { succeeded = 0, failed = 1, misused = 2, firstOfSignals = 128 };
 
 constexpr const char help[] =
     "Usage: zqmigrate [<option>]... file <from> <to>\n"
@@ -52,11 +46,7 @@ constexpr const char help[] =
     "Exit status: 0 if every file was migrated, 1 if one was not, 2 for a wrong command\n"
     "line, 128 plus the number of the signal that stopped the work.\n";
 
-/// After a mistake in the command line, with the way to the help.
-int complain(const std::string& message, ExitStatus status) {
-    writeAll(STDERR_FILENO, messageLine(pathOf(message + (status == misused ? " (try --help)" : ""))));
-    return status;
-}
+std::string onLine(const std::string& message) { return shown(pathOf(message)); }
 
 /// The next files to be opened would take the numbers of what the starter has closed, and the program's own
 /// lines would go into them. Writing stays an error. The last descriptor, beyond the three, is closed again.
@@ -70,7 +60,10 @@ bool fillStandardDescriptors() {
 
 /// Help that cannot be written is a failure: a script may redirect it.
 int print(const char* text) {
-    return writeAll(STDOUT_FILENO, text) ? succeeded : complain("standard output cannot be written", failed);
+    if (!writeAll(STDOUT_FILENO, text)) {
+        fail("standard output cannot be written");
+    }
+    return succeeded;
 }
 
 /// The bar is gone before the summary is written. A run whose report could not be written has failed, even if
@@ -105,19 +98,13 @@ int run(const Words& words) {
 
 } // namespace
 
-} // namespace ZQFoundation::zqmigrate
+} // namespace ZQFoundation::tools::zqmigrate
 
 int main(int count, char** arguments) {
-    using namespace ZQFoundation::zqmigrate;
-    if (!fillStandardDescriptors()) {
+    using namespace ZQFoundation::tools;
+    if (!zqmigrate::fillStandardDescriptors()) {
         return failed;
     }
-    takeWriteSignalsAsErrors();
-    try {
-        return run(Words(arguments + (count > 0 ? 1 : 0), arguments + count));
-    } catch (const std::invalid_argument& use) {
-        return complain(use.what(), misused);
-    } catch (const std::exception& exception) {
-        return complain(exception.what(), failed);
-    }
+    ignoreSignals({SIGPIPE, SIGXFSZ});
+    return runTool({"zqmigrate", zqmigrate::onLine, zqmigrate::run}, count, arguments);
 }
