@@ -61,6 +61,7 @@ bool HeldItem::hold(int folder, const char* name) noexcept {
     // Links can be opened as such; pipes, sockets and devices are accessed by name.
     if (S_ISLNK(information.st_mode)) {
         descriptor_ = Descriptor(openAt(folder, name, O_RDONLY | O_SYMLINK | O_CLOEXEC));
+        return static_cast<bool>(descriptor_);
     }
     return true;
 }
