@@ -96,8 +96,8 @@ void fill(struct stat& information, const KernelFacts& facts) noexcept {
 }
 
 /// The number of the mount that the item belongs to, on a kernel that does not report which items are the
-/// root of one; -1 if unknown. Needed for a folder that is bound to another place of the same file system: its
-/// device number is the same.
+/// root of one; -1 if unknown. Needed for a folder that is bound to another place of the same file system:
+/// its device number is the same.
 int mountOf(int folder, const char* name) noexcept {
     struct file_handle handle {};
     int mount = -1;
