@@ -26,7 +26,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 std::size_t bytesOfString(std::size_t length, bool isAscii) {
-    if (length > (SIZE_MAX >> 3)) {
+    if (length > StringBody::maxLength) {
         throw std::bad_alloc();
     }
     return sizeof(StringBody) + length * (isAscii ? 1 : sizeof(char16_t));

@@ -13,7 +13,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Keeps every byte count that follows from a capacity far from overflow.
-constexpr std::size_t maxTextUnits = static_cast<std::size_t>(1) << 61;
+constexpr std::size_t maxTextUnits = StringBody::maxLength;
 
 } // namespace
 

@@ -32,7 +32,7 @@ template <class Unit>
 class OldStyleReader {
 public:
     OldStyleReader(const Unit* text, std::size_t count)
-        : begin_(text), cursor_(text), end_(text + count), strings_(isAllAscii(text, count)) {}
+        : begin_(text), cursor_(text), end_(text + count), strings_(text, count) {}
 
     NSObject read(PropertyListError& error) {
         NSObject result;
@@ -47,10 +47,6 @@ public:
 private:
     /// What comes next. `finished` and `failed` end the reading.
     enum class Step { value, entry, element, store, finished, failed };
-
-    static bool isAllAscii(const Unit* text, std::size_t count) noexcept {
-        return sizeof(Unit) == 1 && asciiPrefixLength(text, count) == count;
-    }
 
     bool fail(const char* message, const Unit* at) noexcept {
         message_ = message;

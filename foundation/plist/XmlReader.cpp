@@ -83,7 +83,7 @@ template <class Unit>
 class XmlReader {
 public:
     XmlReader(const Unit* text, std::size_t count)
-        : begin_(text), cursor_(text), end_(text + count), strings_(isAllAscii(text, count)) {}
+        : begin_(text), cursor_(text), end_(text + count), strings_(text, count) {}
 
     NSObject read(PropertyListError& error) {
         NSObject result;
@@ -102,10 +102,6 @@ private:
         bool isEmpty = false;
         const Unit* start = nullptr;
     };
-
-    static bool isAllAscii(const Unit* text, std::size_t count) noexcept {
-        return sizeof(Unit) == 1 && asciiPrefixLength(text, count) == count;
-    }
 
     bool fail(const char* message, const Unit* at) noexcept {
         message_ = message;
