@@ -134,7 +134,16 @@ StringView NSString::view() const noexcept {
 NSString NSString::string() { return detail::makeAsciiString("", 0); }
 
 NSString NSString::stringWithUTF8Bytes(const char* bytes, std::size_t byteCount) {
-    return detail::isWellFormedUtf8(bytes, byteCount) ? detail::makeString(bytes, byteCount) : NSString();
+    std::size_t length = 0;
+    if (!detail::getUtf16Length(bytes, byteCount, length)) {
+        return {};
+    }
+    if (length == byteCount) { // every other character takes more bytes than units
+        return detail::makeAsciiString(bytes, byteCount);
+    }
+    StringBody* const body = detail::allocateString(length, false);
+    detail::utf8ToUtf16(bytes, byteCount, body->units(), detail::IllFormed::replace);
+    return Access::adoptString(body);
 }
 
 NSString NSString::stringWithCharacters_length(const char16_t* units, std::size_t unitCount) {

@@ -31,6 +31,12 @@ inline char* writeByte(std::size_t byte, const EscapeTable& table, char* out) no
     return out + table[byte].length;
 }
 
+/// The same for a byte from 0x80 on.
+inline char* writeEscape(std::size_t byte, const EscapeTable& table, char* out) noexcept {
+    std::memcpy(out, &table[byte], sizeof(EscapeTable::Form));
+    return out + escapeLength;
+}
+
 inline const char* writeCharacter(const char* ascii, const EscapeTable& table, char*& out) noexcept {
     out = writeByte(static_cast<unsigned char>(*ascii), table, out);
     return ascii + 1;
@@ -44,18 +50,18 @@ inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& 
         return units;
     }
     if (code < 0x800) {
-        out = writeByte(0xC0 | code >> 6, table, out);
+        out = writeEscape(0xC0 | code >> 6, table, out);
     } else {
         if ((code & 0xFC00) == 0xD800) {
             code = 0x10000 + ((code - 0xD800) << 10) + (*units++ - 0xDC00U);
-            out = writeByte(0xF0 | code >> 18, table, out);
-            out = writeByte(0x80 | (code >> 12 & 0x3F), table, out);
+            out = writeEscape(0xF0 | code >> 18, table, out);
+            out = writeEscape(0x80 | (code >> 12 & 0x3F), table, out);
         } else {
-            out = writeByte(0xE0 | code >> 12, table, out);
+            out = writeEscape(0xE0 | code >> 12, table, out);
         }
-        out = writeByte(0x80 | (code >> 6 & 0x3F), table, out);
+        out = writeEscape(0x80 | (code >> 6 & 0x3F), table, out);
     }
-    out = writeByte(0x80 | (code & 0x3F), table, out);
+    out = writeEscape(0x80 | (code & 0x3F), table, out);
     return units;
 }
 
@@ -149,6 +155,29 @@ bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
     return high != HexValues::none && low != HexValues::none;
 }
 
+/// Whether two digits follow every "%".
+bool hasOnlyWholeEscapes(const char* text, std::size_t count) noexcept {
+    constexpr auto isMark = [](auto unit) {
+        return unit == '%';
+    };
+    constexpr auto isNoDigit = [](auto unit) {
+        using Value = decltype(unit); // below the first digit or letter, the difference is a large number
+        return (static_cast<Value>(unit - '0') > 9) & (static_cast<Value>((unit | 0x20) - 'a') > 5);
+    };
+    const std::size_t left = count < escapeLength ? count : escapeLength - 1; // too few for an escape
+    const std::size_t end = count - left;
+    const auto blockMask = [&](std::size_t at) {
+        return matchMask(isMark(loadBlock(text + at)) &
+                         (isNoDigit(loadBlock(text + at + 1)) | isNoDigit(loadBlock(text + at + 2))));
+    };
+    const auto unitMatches = [&](std::size_t at) {
+        char byte = 0;
+        return text[at] == '%' && !readEscape(text + at, text + count, byte);
+    };
+    return nextMatch<char>(0, end, blockMask, unitMatches) == end &&
+           std::memchr(text + end, '%', left) == nullptr;
+}
+
 NSString unescapedAscii(const NSString& text, StringView view) {
     const char* at = view.bytes();
     const char* const end = at + view.size();
@@ -156,25 +185,18 @@ NSString unescapedAscii(const NSString& text, StringView view) {
     if (marks == 0) {
         return text;
     }
-    if (marks > view.size() / escapeLength) {
+    if (!hasOnlyWholeEscapes(at, view.size())) {
         return {};
     }
     const std::size_t size = view.size() - (escapeLength - 1) * marks;
     StringBody* const body = allocateString(size, true);
     const NSString owner = Access::adoptString(body); // not shared until it is known to be ASCII
-    char* out = body->ascii();
-    const char* const outEnd = out + size;
-    while (at != end) {
-        if (out == outEnd) {
-            return {}; // more is left than there is room for: some "%" lacks two digits
-        }
+    for (char* out = body->ascii(); at != end; ++out) {
         if (*at != '%') {
-            *out++ = *at++;
-        } else if (readEscape(at, end, *out)) {
-            ++out;
-            at += escapeLength;
+            *out = *at++;
         } else {
-            return {};
+            *out = static_cast<char>(hexValues.of(at[1]) << 4 | hexValues.of(at[2]));
+            at += escapeLength;
         }
     }
     return asciiPrefixLength(body->ascii(), size) == size
