@@ -101,7 +101,7 @@ bool appendShort(TextBuilder& out, const char* sign, std::size_t signLength, con
     if (length > ShortNumber::capacity) {
         return false;
     }
-    ShortNumber text;
+    ShortNumber text(out);
     if (signLength != 0) {
         text.put(*sign);
     }
@@ -114,7 +114,7 @@ bool appendShort(TextBuilder& out, const char* sign, std::size_t signLength, con
     text.put(parts.fraction, parts.fractionCount);
     text.putRepeated('0', parts.fractionZerosAfter);
     text.put(parts.exponent, parts.exponentCount);
-    text.appendTo(out);
+    text.append();
     return true;
 }
 
@@ -152,7 +152,7 @@ bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegati
         number.count() > ShortNumber::capacity - 2) {
         return false;
     }
-    ShortNumber text;
+    ShortNumber text(out);
     if (isNegative) {
         text.put('-');
     }
@@ -161,7 +161,7 @@ bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegati
         text.put('.');
         text.put(number.digits() + whole, places);
     }
-    text.appendTo(out);
+    text.append();
     return true;
 }
 

@@ -167,14 +167,6 @@ void TextBuilder::append(StringView text) {
     }
 }
 
-char* TextBuilder::reserveAscii(std::size_t count) {
-    if (!holdsBytes()) {
-        return nullptr;
-    }
-    makeRoom(count);
-    return static_cast<char*>(data_) + length_;
-}
-
 NSString TextBuilder::string() {
     NSString result;
     const std::size_t held = isAscii() ? length_ : length_ * sizeof(char16_t);
