@@ -96,10 +96,10 @@ NSString ShortStrings::make(const char* text, std::size_t count, std::size_t res
 }
 
 NSString ShortStrings::make(const char16_t* text, std::size_t count, std::size_t rest, std::size_t expected) {
-    if (count > maxSharedBytes / sizeof(char16_t)) {
+    const bool isAscii = count <= maxSharedBytes && isAsciiText(text, count, rest);
+    if (!isAscii && count > maxSharedBytes / sizeof(char16_t)) {
         return makeString(text, count);
     }
-    const bool isAscii = isAsciiText(text, count, rest);
     StringBody* const body = place(count, isAscii, rest * sizeof(char16_t), expected);
     const bool isWhole = fitsBlock<char16_t>(count, rest) && hasRoomForBlock(body->units());
     if (isAscii) {
