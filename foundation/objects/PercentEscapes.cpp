@@ -9,7 +9,6 @@
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
-#include "foundation/text/UnitBlocks.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
@@ -155,53 +154,34 @@ bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
     return high != HexValues::none && low != HexValues::none;
 }
 
-/// Whether two digits follow every "%".
-bool hasOnlyWholeEscapes(const char* text, std::size_t count) noexcept {
-    constexpr auto isMark = [](auto unit) {
-        return unit == '%';
-    };
-    constexpr auto isNoDigit = [](auto unit) {
-        using Value = decltype(unit); // below the first digit or letter, the difference is a large number
-        return (static_cast<Value>(unit - '0') > 9) & (static_cast<Value>((unit | 0x20) - 'a') > 5);
-    };
-    const std::size_t left = count < escapeLength ? count : escapeLength - 1; // too few for an escape
-    const std::size_t end = count - left;
-    const auto blockMask = [&](std::size_t at) {
-        return matchMask(isMark(loadBlock(text + at)) &
-                         (isNoDigit(loadBlock(text + at + 1)) | isNoDigit(loadBlock(text + at + 2))));
-    };
-    const auto unitMatches = [&](std::size_t at) {
-        char byte = 0;
-        return text[at] == '%' && !readEscape(text + at, text + count, byte);
-    };
-    return nextMatch<char>(0, end, blockMask, unitMatches) == end &&
-           std::memchr(text + end, '%', left) == nullptr;
-}
-
 NSString unescapedAscii(const NSString& text, StringView view) {
     const char* at = view.bytes();
     const char* const end = at + view.size();
-    const std::size_t marks = countPlaces(at, view.size(), [](auto units) { return units == '%'; });
-    if (marks == 0) {
+    if (std::memchr(at, '%', view.size()) == nullptr) {
         return text;
     }
-    if (!hasOnlyWholeEscapes(at, view.size())) {
-        return {};
-    }
-    const std::size_t size = view.size() - (escapeLength - 1) * marks;
-    StringBody* const body = allocateString(size, true);
+    StringBody* const body = allocateString(view.size(), true);
     const NSString owner = Access::adoptString(body); // not shared until it is known to be ASCII
-    for (char* out = body->ascii(); at != end; ++out) {
+    char* out = body->ascii();
+    while (at != end) {
         if (*at != '%') {
-            *out = *at++;
-        } else {
-            *out = static_cast<char>(hexValues.of(at[1]) << 4 | hexValues.of(at[2]));
+            *out++ = *at++;
+        } else if (readEscape(at, end, *out)) {
+            ++out;
             at += escapeLength;
+        } else {
+            return {};
         }
     }
-    return asciiPrefixLength(body->ascii(), size) == size
-               ? owner
-               : NSString::stringWithUTF8Bytes(body->ascii(), size);
+    const auto size = static_cast<std::size_t>(out - body->ascii());
+    if (asciiPrefixLength(body->ascii(), size) != size) {
+        return NSString::stringWithUTF8Bytes(body->ascii(), size);
+    }
+    if (view.size() - size > size / 2 + 64) {
+        return makeAsciiString(body->ascii(), size); // which takes much less memory
+    }
+    body->setForm(size, true, false);
+    return owner;
 }
 
 /// The text around a run of escapes consists of whole characters, so the bytes of a run must, too.
