@@ -13,7 +13,7 @@ constexpr bool isNewline(char16_t unit) noexcept {
     return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
 }
 
-/// The same for `nextPlace` and `countPlaces`, over bytes of ASCII or over units.
+/// The same for walks over blocks, over bytes of ASCII or over units.
 template <class Unit>
 inline constexpr auto newlineTest = [](auto unit) {
     // Units below U+000A wrap to large numbers: in a block by themselves, here by the cast.
@@ -29,21 +29,21 @@ inline constexpr auto newlineTest = [](auto unit) {
 /// by an empty line; an empty text has no lines.
 template <class Unit, class Line>
 void forEachLine(const Unit* units, std::size_t length, const Line& line) {
-    std::size_t at = 0;
-    while (at < length) {
-        const std::size_t start = at;
-        at = nextPlace(units, at, length, newlineTest<Unit>);
-        line(start, at);
-        if (at == length) {
+    std::size_t start = 0;
+    std::size_t secondOfPair = length;
+    forEachPlace(units, length, newlineTest<Unit>, [&](std::size_t at) {
+        if (at == secondOfPair) {
+            start = at + 1;
             return;
         }
-        const Unit first = units[at++];
-        const bool isPair =
-            at < length && ((first == '\n' && units[at] == '\r') || (first == '\r' && units[at] == '\n'));
-        at += isPair ? 1 : 0;
-        if (at == length) {
-            line(at, at);
-        }
+        line(start, at);
+        start = at + 1;
+        const bool isPair = start < length && ((units[at] == '\n' && units[start] == '\r') ||
+                                               (units[at] == '\r' && units[start] == '\n'));
+        secondOfPair = isPair ? start : length;
+    });
+    if (length != 0) {
+        line(start, length);
     }
 }
 

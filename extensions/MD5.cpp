@@ -20,14 +20,20 @@ struct State {
     std::uint32_t d = 0x10325476;
 };
 
-/// The words of a block, little-endian.
+/// Words are little-endian, in blocks and in the digest.
+std::uint32_t littleEndian(std::uint32_t word) noexcept {
+    return std::endian::native == std::endian::big ? __builtin_bswap32(word) : word;
+}
+
 std::uint32_t wordAt(const std::uint8_t* block, unsigned index) noexcept {
     std::uint32_t word = 0;
     std::memcpy(&word, block + index * sizeof word, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) {
-        word = __builtin_bswap32(word);
-    }
-    return word;
+    return littleEndian(word);
+}
+
+void storeWord(std::uint32_t word, std::uint8_t* bytes) noexcept {
+    word = littleEndian(word);
+    std::memcpy(bytes, &word, sizeof word);
 }
 
 /// The integer parts of 2^32 times the absolute sine of 1 to 64.
@@ -89,13 +95,6 @@ void digestBlock(State& state, const std::uint8_t* block) noexcept {
     state.d += next.d;
 }
 
-/// The least significant byte first, on any machine.
-void storeAscending(std::uint64_t value, std::size_t byteCount, std::uint8_t* bytes) noexcept {
-    for (std::size_t i = 0; i < byteCount; ++i) {
-        bytes[i] = static_cast<std::uint8_t>(value >> 8U * i);
-    }
-}
-
 } // namespace
 
 std::array<std::uint8_t, 16> md5(const void* bytes, std::size_t count) noexcept {
@@ -112,14 +111,16 @@ std::array<std::uint8_t, 16> md5(const void* bytes, std::size_t count) noexcept 
     }
     last[left] = 0x80;
     const std::size_t size = left + 9 <= blockSize ? blockSize : 2 * blockSize;
-    storeAscending(static_cast<std::uint64_t>(count) << 3U, 8, last + size - 8);
+    const std::uint64_t bits = static_cast<std::uint64_t>(count) << 3U;
+    storeWord(static_cast<std::uint32_t>(bits), last + size - 8);
+    storeWord(static_cast<std::uint32_t>(bits >> 32U), last + size - 4);
     for (std::size_t start = 0; start < size; start += blockSize) {
         digestBlock(state, last + start);
     }
     std::array<std::uint8_t, 16> digest{};
     const std::uint32_t words[4] = {state.a, state.b, state.c, state.d};
     for (std::size_t i = 0; i < 4; ++i) {
-        storeAscending(words[i], 4, digest.data() + 4 * i);
+        storeWord(words[i], digest.data() + 4 * i);
     }
     return digest;
 }

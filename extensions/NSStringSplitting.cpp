@@ -4,89 +4,77 @@
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/objects/StringBodies.h"
+#include "foundation/objects/ShortStrings.h"
 
 namespace ZQFoundation {
 
 using detail::CharacterMembership;
+using detail::StringPieces;
 
 namespace {
 
-/// A part of an ASCII text is ASCII, so it is not checked again.
-NSString piece(const char* units, std::size_t start, std::size_t end) {
-    return detail::makeAsciiString(units + start, end - start);
-}
-
-NSString piece(const char16_t* units, std::size_t start, std::size_t end) {
-    return detail::makeString(units + start, end - start);
-}
-
-/// Space and tab, the white space of ASCII.
-struct AsciiBlanks {
-    static constexpr auto test = [](auto unit) {
-        return (unit == ' ') | (unit == '\t');
-    };
-
-    static bool contains(char unit) noexcept { return test(static_cast<unsigned char>(unit)); }
-    static std::size_t next(const char* units, std::size_t at, std::size_t length) noexcept {
-        return detail::nextPlace(units, at, length, test);
+/// The members of `whitespaceCharacterSet`, for walks over blocks.
+template <class Unit>
+constexpr auto whitespaceTest = [](auto unit) {
+    const auto isAsciiBlank = (unit == ' ') | (unit == '\t');
+    if constexpr (sizeof(Unit) == 1) {
+        return isAsciiBlank;
+    } else {
+        // Units below U+2000 wrap to large numbers: in a block by themselves, here by the cast.
+        const auto isSpaceOfSomeWidth = static_cast<decltype(unit)>(unit - 0x2000) <= 0x0A;
+        return isAsciiBlank | isSpaceOfSomeWidth | (unit == 0xA0) | (unit == 0x1680) | (unit == 0x202F) |
+               (unit == 0x205F) | (unit == 0x3000);
     }
 };
 
-/// Any set of separators, tested unit by unit.
-struct SetMembers : CharacterMembership {
-    using CharacterMembership::CharacterMembership;
-
-    template <class Unit>
-    std::size_t next(const Unit* units, std::size_t at, std::size_t length) const noexcept {
-        while (at < length && !contains(units[at])) {
-            ++at;
+/// Calls `component(start, end)` for each part between runs of separators, including empty parts at both
+/// ends. `walk` calls its argument for the place of each separator, in order.
+template <class Walk, class Component>
+void forEachComponent(std::size_t length, const Walk& walk, const Component& component) {
+    std::size_t start = 0;
+    walk([&](std::size_t at) {
+        if (at != start || at == 0) {
+            component(start, at);
         }
-        return at;
+        start = at + 1;
+    });
+    if (length != 0) {
+        component(start, length);
     }
-};
-
-/// Calls `component(start, end)` for each part between runs of members, including empty parts at both ends.
-template <class Unit, class Separators, class Component>
-void forEachComponent(const Unit* units, std::size_t length, const Separators& separators,
-                      const Component& component) {
-    std::size_t at = 0;
-    while (at < length) {
-        const std::size_t start = at;
-        at = separators.next(units, at, length);
-        component(start, at);
-        if (at == length) {
-            return;
-        }
-        while (at < length && separators.contains(units[at])) {
-            ++at;
-        }
-        if (at == length) {
-            component(at, at);
-        }
-    }
-}
-
-/// The pieces that `walk` passes to `take`. Reserves space for pieces of the usual length, and releases it if
-/// it is far too much.
-template <class Unit, class Walk>
-NSArray pieces(const Unit* units, std::size_t length, std::size_t usualLength, const Walk& walk) {
-    NSMutableArray found(length / usualLength + 2);
-    walk([&](std::size_t start, std::size_t end) { found.addObject(piece(units, start, end)); });
-    return found.array();
 }
 
 /// 40 characters are a usual line of a text.
 template <class Unit>
 NSArray lines(const Unit* units, std::size_t length) {
-    return pieces(units, length, 40, [&](const auto& take) { detail::forEachLine(units, length, take); });
+    constexpr std::size_t usualLength = 40;
+    StringPieces<Unit> pieces(units, length, 2 + length / usualLength);
+    detail::forEachLine(units, length, [&](std::size_t start, std::size_t end) { pieces.add(start, end); });
+    return pieces.array();
 }
 
-/// 8 characters are a usual word with its separator.
-template <class Unit, class Separators>
-NSArray components(const Unit* units, std::size_t length, const Separators& separators) {
-    return pieces(units, length, 8,
-                  [&](const auto& take) { forEachComponent(units, length, separators, take); });
+template <class Unit>
+NSArray components(const Unit* units, std::size_t length, const CharacterMembership& separators) {
+    constexpr std::size_t usualLength = 8;
+    StringPieces<Unit> pieces(units, length, 2 + length / usualLength);
+    const auto walk = [&](const auto& found) {
+        for (std::size_t at = 0; at < length; ++at) {
+            if (separators.contains(units[at])) {
+                found(at);
+            }
+        }
+    };
+    forEachComponent(length, walk, [&](std::size_t start, std::size_t end) { pieces.add(start, end); });
+    return pieces.array();
+}
+
+template <class Unit>
+NSArray words(const Unit* units, std::size_t length) {
+    StringPieces<Unit> pieces(units, length, 1 + detail::countPlaces(units, length, whitespaceTest<Unit>));
+    const auto walk = [&](const auto& found) {
+        detail::forEachPlace(units, length, whitespaceTest<Unit>, found);
+    };
+    forEachComponent(length, walk, [&](std::size_t start, std::size_t end) { pieces.add(start, end); });
+    return pieces.array();
 }
 
 } // namespace
@@ -104,7 +92,7 @@ NSArray NSString::componentsSeparatedByCharacterSet(const NSCharacterSet& set) c
         return nullptr;
     }
     const detail::StringBody& body = *detail::Access::string(*this);
-    const SetMembers separators(set);
+    const CharacterMembership separators(set);
     return body.isAscii ? components(body.ascii(), body.length, separators)
                         : components(body.units(), body.length, separators);
 }
@@ -112,11 +100,11 @@ NSArray NSString::componentsSeparatedByCharacterSet(const NSCharacterSet& set) c
 // The common case of ASCII text is searched block by block, which a set of all Unicode white space does not
 // allow.
 NSArray NSString::componentsSeparatedByWhitespace() const {
-    if (*this && detail::Access::string(*this)->isAscii) {
-        const detail::StringBody& body = *detail::Access::string(*this);
-        return components(body.ascii(), body.length, AsciiBlanks());
+    if (!*this) {
+        return nullptr;
     }
-    return componentsSeparatedByCharacterSet(NSCharacterSet::whitespaceCharacterSet());
+    const detail::StringBody& body = *detail::Access::string(*this);
+    return body.isAscii ? words(body.ascii(), body.length) : words(body.units(), body.length);
 }
 
 NSArray NSString::componentsSeparatedByWhitespaces() const { return componentsSeparatedByWhitespace(); }

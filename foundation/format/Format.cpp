@@ -135,56 +135,56 @@ void Conversions::insert(FormatClass wanted, const FormatSpec& spec, const Argum
     }
 }
 
-void appendStretch(TextBuilder& out, const char* text, std::size_t count, bool isAscii) {
-    isAscii ? out.appendAscii(text, count) : out.appendUtf8(text, count);
-}
-
-void appendStretch(TextBuilder& out, const char16_t* text, std::size_t count, bool) {
-    out.appendUnits(text, count);
-}
-
-/// Literal text up to a '%' or the end, and whether all of it is known to be ASCII.
-template <class Unit>
-struct Stretch {
-    const Unit* end;
-    bool isAscii;
-};
-
-// Formats are rarely held as units, so this loop is kept simple.
-Stretch<char16_t> stretchFrom(const char16_t* at, const char16_t* end) noexcept {
+/// Appends literal text up to a '%' or the end, and returns where that is.
+const char16_t* appendLiteralText(TextBuilder& out, const char16_t* start, const char16_t* end) {
+    const char16_t* at = start;
     while (at != end && *at != u'%') {
         ++at;
     }
-    return {at, false};
+    out.appendUnits(start, static_cast<std::size_t>(at - start));
+    return at;
 }
 
-// Eight bytes at a time: a byte equal to the sign becomes 0, and the subtraction finds the lowest such byte.
-// Whether all is ASCII falls out on the way, and saves the check when the text is appended.
-Stretch<char> stretchFrom(const char* at, const char* end) noexcept {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    constexpr std::uint64_t highBits = ones * 0x80;
+constexpr std::uint64_t everyByte = 0x0101010101010101;
+constexpr std::uint64_t highBits = everyByte * 0x80;
+
+/// How many of the eight bytes come before the first '%'. A byte equal to the sign becomes 0, and the
+/// subtraction finds the lowest such byte; those above it may be wrong by the borrow. On machines with the
+/// highest byte first a '%' is only found, at 0.
+int bytesBeforeSign(std::uint64_t bytes) noexcept {
+    const std::uint64_t zeros = bytes ^ everyByte * '%';
+    const std::uint64_t found = (zeros - everyByte) & ~zeros & highBits;
+    if (found == 0) {
+        return 8;
+    }
+    return std::endian::native == std::endian::little ? std::countr_zero(found) / 8 : 0;
+}
+
+/// Copies bytes while it looks at them. Text that turns out not to be ASCII is appended again, as UTF-8.
+const char* appendLiteralText(TextBuilder& out, const char* start, const char* end) {
+    char* const room = out.reserveAscii(static_cast<std::size_t>(end - start));
+    if (room == nullptr) {
+        const void* const sign = std::memchr(start, '%', static_cast<std::size_t>(end - start));
+        const char* const at = sign != nullptr ? static_cast<const char*>(sign) : end;
+        out.appendUtf8(start, static_cast<std::size_t>(at - start));
+        return at;
+    }
     std::uint64_t seen = 0;
-    for (; end - at >= 8; at += 8) {
+    const char* at = start;
+    for (int before = 8; before == 8 && end - at >= 8; at += before) {
         std::uint64_t bytes;
         std::memcpy(&bytes, at, sizeof bytes);
-        const std::uint64_t zeros = bytes ^ ones * '%';
-        // Bytes above the lowest match may be wrong by the borrow, which is why only the lowest is used.
-        const std::uint64_t found = (zeros - ones) & ~zeros & highBits;
-        if (found != 0) {
-            if constexpr (std::endian::native == std::endian::little) {
-                const int before = std::countr_zero(found) & ~7; // bits of the bytes before the sign
-                seen |= bytes & ((std::uint64_t{1} << before) - 1);
-                return {at + before / 8, (seen & highBits) == 0};
-            }
-            // On other machines the last bytes are looked at one by one.
-            break;
-        }
-        seen |= bytes;
+        std::memcpy(room + (at - start), &bytes, sizeof bytes);
+        before = bytesBeforeSign(bytes);
+        seen |= before == 8 ? bytes : bytes & ~(UINT64_MAX << 8 * before);
     }
     for (; at != end && *at != '%'; ++at) {
+        room[at - start] = *at;
         seen |= static_cast<unsigned char>(*at);
     }
-    return {at, (seen & highBits) == 0};
+    const auto count = static_cast<std::size_t>(at - start);
+    (seen & highBits) == 0 ? out.commitAscii(count) : out.appendUtf8(start, count);
+    return at;
 }
 
 template <class Unit>
@@ -193,9 +193,7 @@ void appendParsed(TextBuilder& out, const Unit* at, const Unit* end, ArgumentLis
     Conversions conversions(out, arguments, locale);
     while (at != end) {
         if (*at != Unit{'%'}) {
-            const Stretch<Unit> stretch = stretchFrom(at, end);
-            appendStretch(out, at, static_cast<std::size_t>(stretch.end - at), stretch.isAscii);
-            at = stretch.end;
+            at = appendLiteralText(out, at, end);
             continue;
         }
         // Two units are enough for a plain conversion, which most are.

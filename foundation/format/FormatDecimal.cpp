@@ -42,8 +42,9 @@ BinaryReal withOddMantissa(Wide mantissa, int exponent) noexcept {
 /// The quotient, rounded by the remainder, halves to even. Compares the remainder with its difference from
 /// the divisor, which cannot overflow as twice the remainder could.
 /// The result is below 2^63, so adding 1 cannot overflow.
-std::uint64_t rounded(Wide quotient, Wide remainder, Wide divisor) noexcept {
-    const Wide missing = divisor - remainder;
+template <class Number>
+std::uint64_t rounded(Number quotient, Number remainder, Number divisor) noexcept {
+    const Number missing = divisor - remainder;
     const bool up = remainder > missing || (remainder == missing && (quotient & 1) != 0);
     return static_cast<std::uint64_t>(quotient) + (up ? 1 : 0);
 }
@@ -54,6 +55,14 @@ bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
     // Larger powers do not fit into 64 bits.
     if (scale > maxPower || scale < -maxPower) {
         return false;
+    }
+    // Few places of usual numbers need only 64 bits.
+    if (scale >= 0 && exponent < 0 && exponent > -64 &&
+        std::bit_width(mantissa) + std::bit_width(powersOfTen.at[scale]) <= 64) {
+        const std::uint64_t scaled = mantissa * powersOfTen.at[scale];
+        const std::uint64_t divisor = std::uint64_t{1} << -exponent;
+        result = rounded(scaled >> -exponent, scaled & (divisor - 1), divisor);
+        return true;
     }
     Wide numerator = mantissa;
     Wide divisor = 1;
@@ -79,7 +88,8 @@ bool scaledExactly(std::uint64_t mantissa, int exponent, std::ptrdiff_t scale,
     if (quotient >> 63 != 0) {
         return false;
     }
-    result = rounded(quotient, numerator - quotient * divisor, divisor);
+    const Wide remainder = scale < 0 ? numerator - quotient * divisor : numerator & (divisor - 1);
+    result = rounded(quotient, remainder, divisor);
     return true;
 }
 

@@ -128,10 +128,10 @@ char* writePowerOfTwoBase(std::uint64_t value, int bits, bool upperCase, char* e
 
 /// The integer without any modifier, by far the most frequent one.
 void appendPlainDecimal(TextBuilder& out, std::uint64_t value, bool isSigned) {
-    char text[numberTextCapacity];
-    const char* const end =
-        isSigned ? writeInt64(static_cast<std::int64_t>(value), text) : writeUInt64(value, text);
-    out.appendAscii(text, static_cast<std::size_t>(end - text));
+    ShortNumber number(out);
+    number.advance(isSigned ? writeInt64(static_cast<std::int64_t>(value), number.end())
+                            : writeUInt64(value, number.end()));
+    number.append();
 }
 
 struct IntegerText {
@@ -192,7 +192,7 @@ void appendShortInteger(TextBuilder& out, const FormatSpec& spec, const IntegerT
     const std::size_t padding = spec.paddingFor(text.prefixLength + zeros + text.count);
     const bool padsRight = spec.has(formatLeftJustified);
     const bool padsWithZeros = spec.has(formatZero) && !spec.hasPrecision && !padsRight;
-    ShortNumber number;
+    ShortNumber number(out);
     number.putRepeated(' ', padsRight || padsWithZeros ? 0 : padding);
     for (std::size_t i = 0; i < text.prefixLength; ++i) {
         number.put(text.prefix[i]);
@@ -200,7 +200,7 @@ void appendShortInteger(TextBuilder& out, const FormatSpec& spec, const IntegerT
     number.putRepeated('0', zeros + (padsWithZeros ? padding : 0));
     number.put(text.digits, text.count);
     number.putRepeated(' ', padsRight ? padding : 0);
-    number.appendTo(out);
+    number.append();
 }
 
 } // namespace

@@ -82,13 +82,16 @@ private:
     std::size_t padding_ = 0;
 };
 
-/// Pieces of a short ASCII number, put together before they are appended as one. A piece of up to
-/// `pieceSlack` bytes is copied with its slack, in two instructions, so each piece must be in an array that
-/// extends at least that far past its start.
+/// Puts the pieces of a short ASCII number together, in the builder itself where that holds bytes. A piece of
+/// up to `pieceSlack` bytes is copied with its slack, in two instructions, so each piece must be in an array
+/// that extends at least that far past its start.
 class ShortNumber {
 public:
     static constexpr std::size_t capacity = 128;
     static constexpr std::size_t pieceSlack = 16;
+
+    explicit ShortNumber(TextBuilder& out)
+        : out_(out), room_(out.reserveAscii(sizeof apart_)), end_(room_ != nullptr ? room_ : apart_) {}
 
     void put(const char* bytes, std::size_t count) noexcept {
         if (count <= pieceSlack) {
@@ -105,11 +108,24 @@ public:
             end_ += count;
         }
     }
-    void appendTo(TextBuilder& out) const { out.appendAscii(text_, static_cast<std::size_t>(end_ - text_)); }
+
+    /// Room for `numberTextCapacity` bytes, and how many were written there.
+    char* end() noexcept { return end_; }
+    void advance(const char* end) noexcept { end_ += end - end_; }
+
+    void append() {
+        if (room_ != nullptr) {
+            out_.commitAscii(static_cast<std::size_t>(end_ - room_));
+        } else {
+            out_.appendAscii(apart_, static_cast<std::size_t>(end_ - apart_));
+        }
+    }
 
 private:
-    char text_[capacity + pieceSlack];
-    char* end_ = text_;
+    TextBuilder& out_;
+    char* room_;
+    char* end_;
+    char apart_[capacity + pieceSlack];
 };
 
 /// The length of any text in units; 0 for nil.

@@ -106,7 +106,7 @@ bool appendShort(TextBuilder& out, const char* sign, std::size_t signLength, con
     if (length > ShortNumber::capacity) {
         return false;
     }
-    ShortNumber text;
+    ShortNumber text(out);
     if (signLength != 0) {
         text.put(*sign);
     }
@@ -119,7 +119,7 @@ bool appendShort(TextBuilder& out, const char* sign, std::size_t signLength, con
     text.put(parts.fraction, parts.fractionCount);
     text.putRepeated('0', parts.fractionZerosAfter);
     text.put(parts.exponent, parts.exponentCount);
-    text.appendTo(out);
+    text.append();
     return true;
 }
 
@@ -158,7 +158,7 @@ bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegati
         number.count() > ShortNumber::capacity - 2) {
         return false;
     }
-    ShortNumber text;
+    ShortNumber text(out);
     if (isNegative) {
         text.put('-');
     }
@@ -167,7 +167,7 @@ bool appendOrdinaryFixed(TextBuilder& out, const FormatSpec& spec, bool isNegati
         text.put('.');
         text.put(number.digits() + whole, places);
     }
-    text.appendTo(out);
+    text.append();
     return true;
 }
 

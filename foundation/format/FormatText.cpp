@@ -179,6 +179,9 @@ void appendBytes(TextBuilder& out, const FormatSpec& spec, const Argument* argum
     // No more bytes may be read: a text need not have a NUL within the precision.
     const std::size_t limit = spec.hasPrecision ? static_cast<std::size_t>(spec.precision) : SIZE_MAX;
     if (argument != nullptr && argument->type() == ArgumentType::text) {
+        if (spec.width == 0 && !spec.hasPrecision) {
+            return appendTextOrNull(out, argument->text());
+        }
         return appendBytesOf(out, spec, argument->textUpTo(limit), limit);
     }
     const TextOfArgument made = textOf(argument, limit);

@@ -20,12 +20,16 @@ namespace ZQFoundation::detail {
 /// A string's units follow its header. They are bytes if and only if every unit is below U+0080, so two equal
 /// strings always have the same form.
 struct StringBody : Body {
-    std::size_t length : 62;      ///< units
+    std::size_t length : 56;      ///< units
+    std::size_t placeInBlock : 6; ///< words from the start of its `StringBlock`; 0: it has its own memory
     std::size_t isSignalSafe : 1; ///< in memory of `takeSignalSafeMemory`
     std::size_t isAscii : 1;
 
+    static constexpr std::size_t maxLength = SIZE_MAX >> 9;
+
     void setForm(std::size_t units, bool ascii, bool signalSafe) noexcept {
-        length = units & (SIZE_MAX >> 2);
+        length = units & (SIZE_MAX >> 8);
+        placeInBlock = 0;
         isSignalSafe = signalSafe;
         isAscii = ascii;
     }
@@ -34,6 +38,11 @@ struct StringBody : Body {
     char* ascii() noexcept { return reinterpret_cast<char*>(this + 1); }
     const char16_t* units() const noexcept { return reinterpret_cast<const char16_t*>(this + 1); }
     char16_t* units() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
+};
+
+/// The head of memory that the bodies of several short strings share. It is freed with the last of them.
+struct StringBlock {
+    std::size_t live; ///< bodies not yet released
 };
 
 struct DataBody : Body {

@@ -34,20 +34,19 @@ inline bool containsCodePoint(const CharacterSetBody& body, char32_t codePoint) 
 class CharacterMembership {
 public:
     explicit CharacterMembership(const CharacterSetBody& body) noexcept
-        : numbers_(body.numbers), pages_(body.pages()) {}
+        : numbers_(body.numbers), pages_(body.pages()), ascii_(pages_ + numbers_[0]) {}
     explicit CharacterMembership(const NSCharacterSet& set) noexcept
         : CharacterMembership(bodyOrEmpty(set)) {}
 
     bool contains(char16_t unit) const noexcept { return pages_[numbers_[unit >> 8]].contains(unit); }
 
     /// For strings held as bytes, which are below U+0080.
-    bool contains(char ascii) const noexcept {
-        return pages_[numbers_[0]].contains(static_cast<unsigned char>(ascii));
-    }
+    bool contains(char ascii) const noexcept { return ascii_->contains(static_cast<unsigned char>(ascii)); }
 
 private:
     const std::uint16_t* numbers_;
     const CharacterPage* pages_;
+    const CharacterPage* ascii_;
 };
 
 bool equalCharacterSets(const CharacterSetBody& left, const CharacterSetBody& right) noexcept;

@@ -7,7 +7,7 @@
 #include <new>
 #include <vector>
 
-#include "foundation/objects/Bodies.h"
+#include "foundation/objects/ArrayBodies.h"
 #include "foundation/objects/MergeSort.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/TextBuilder.h"
@@ -15,14 +15,15 @@
 namespace ZQFoundation {
 
 using detail::Access;
+using detail::allocateArray;
 using detail::ArrayBody;
+using detail::freeArray;
 
-namespace {
+} // namespace ZQFoundation
 
-ArrayBody* arrayBody(detail::Body* body) noexcept { return static_cast<ArrayBody*>(body); }
+namespace ZQFoundation::detail {
 
-ArrayBody* allocate(std::size_t capacity) {
-    // Far below the size at which the multiplication overflows.
+ArrayBody* allocateArray(std::size_t capacity) {
     if (capacity > (SIZE_MAX >> 6)) {
         throw std::bad_alloc();
     }
@@ -37,8 +38,8 @@ ArrayBody* allocate(std::size_t capacity) {
 
 /// Moves the elements over without touching their reference counts.
 /// Handles may be moved as bytes: they do not refer to themselves.
-ArrayBody* resized(ArrayBody* old, std::size_t capacity) {
-    ArrayBody* const body = allocate(capacity);
+ArrayBody* resizedArray(ArrayBody* old, std::size_t capacity) {
+    ArrayBody* const body = allocateArray(capacity);
     if (old != nullptr) {
         std::memcpy(static_cast<void*>(body->elements()), old->elements(), old->count * sizeof(NSObject));
         body->count = old->count;
@@ -47,23 +48,14 @@ ArrayBody* resized(ArrayBody* old, std::size_t capacity) {
     return body;
 }
 
-ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capacity) {
-    // Checked before anything is allocated, so that an exception leaks nothing.
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!objects[i]) {
-            NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil (at index %lu)",
-                                      i);
-        }
+NSArray arrayOf(ArrayBody* body) {
+    if (body == nullptr || (body->capacity > 64 && body->count * 2 < body->capacity)) {
+        body = resizedArray(body, body != nullptr ? body->count : 0);
     }
-    ArrayBody* const body = allocate(capacity);
-    for (std::size_t i = 0; i < count; ++i) {
-        new (body->elements() + i) NSObject(objects[i]);
-    }
-    body->count = count;
-    return body;
+    return Access::adoptArray(body);
 }
 
-void freeBuilder(ArrayBody* body) noexcept {
+void freeArray(ArrayBody* body) noexcept {
     if (body == nullptr) {
         return;
     }
@@ -71,6 +63,29 @@ void freeBuilder(ArrayBody* body) noexcept {
         body->elements()[i].~NSObject();
     }
     ::operator delete(body);
+}
+
+} // namespace ZQFoundation::detail
+
+namespace ZQFoundation {
+
+namespace {
+
+ArrayBody* arrayBody(detail::Body* body) noexcept { return static_cast<ArrayBody*>(body); }
+
+ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capacity) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!objects[i]) {
+            NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil (at index %lu)",
+                                      i);
+        }
+    }
+    ArrayBody* const body = allocateArray(capacity);
+    for (std::size_t i = 0; i < count; ++i) {
+        new (body->elements() + i) NSObject(objects[i]);
+    }
+    body->count = count;
+    return body;
 }
 
 [[noreturn]] void raiseRange(std::size_t index, std::size_t count) {
@@ -82,7 +97,7 @@ void freeBuilder(ArrayBody* body) noexcept {
 NSArray::NSArray(std::initializer_list<NSObject> elements)
     : NSArray(Payload{.body = copied(elements.begin(), elements.size(), elements.size())}) {}
 
-NSArray NSArray::array() { return Access::adoptArray(allocate(0)); }
+NSArray NSArray::array() { return Access::adoptArray(allocateArray(0)); }
 
 NSArray NSArray::arrayWithObject(const NSObject& object) { return arrayWithObjects_count(&object, 1); }
 
@@ -166,7 +181,7 @@ NSArray NSArray::sorted(ErasedOrder order, const void* context) const {
 
 bool NSArray::isEqualToArray(const NSArray& other) const { return isEqual(other); }
 
-NSMutableArray::NSMutableArray(std::size_t capacity) : body_(allocate(capacity)) {}
+NSMutableArray::NSMutableArray(std::size_t capacity) : body_(allocateArray(capacity)) {}
 
 NSMutableArray::NSMutableArray(const NSArray& array)
     : body_(copied(array.begin(), array.count(), array.count())) {}
@@ -175,12 +190,12 @@ NSMutableArray& NSMutableArray::operator=(NSMutableArray&& other) noexcept {
     detail::Body* const taken = other.body_;
     // First emptied, so that assigning a builder to itself keeps its elements.
     other.body_ = nullptr;
-    freeBuilder(arrayBody(body_));
+    freeArray(arrayBody(body_));
     body_ = taken;
     return *this;
 }
 
-NSMutableArray::~NSMutableArray() { freeBuilder(arrayBody(body_)); }
+NSMutableArray::~NSMutableArray() { freeArray(arrayBody(body_)); }
 
 std::size_t NSMutableArray::count() const noexcept { return body_ != nullptr ? arrayBody(body_)->count : 0; }
 
@@ -192,12 +207,8 @@ void NSMutableArray::addObject(NSObject object) {
     if (!object) {
         NSException::raise_format(NSInvalidArgumentException, "an array cannot hold nil");
     }
-    ArrayBody* body = arrayBody(body_);
-    if (body == nullptr || body->count == body->capacity) {
-        // Doubling, so that n appended elements cost about n moves.
-        body = resized(body, body != nullptr ? body->capacity * 2 + 4 : 4);
-        body_ = body;
-    }
+    ArrayBody* const body = detail::withRoom(arrayBody(body_));
+    body_ = body;
     new (body->elements() + body->count) NSObject(static_cast<NSObject&&>(object));
     ++body->count;
 }
@@ -246,13 +257,9 @@ const NSObject& NSMutableArray::objectAtIndex(std::size_t index) const {
 }
 
 NSArray NSMutableArray::array() {
-    ArrayBody* body = arrayBody(body_);
+    ArrayBody* const body = arrayBody(body_);
     body_ = nullptr;
-    // Room that a large array will never use is released.
-    if (body == nullptr || (body->capacity > 64 && body->count * 2 < body->capacity)) {
-        body = resized(body, body != nullptr ? body->count : 0);
-    }
-    return Access::adoptArray(body);
+    return detail::arrayOf(body);
 }
 
 } // namespace ZQFoundation

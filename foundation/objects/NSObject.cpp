@@ -26,10 +26,35 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+StringBlock* blockOf(const StringBody& body) noexcept {
+    auto* const words = reinterpret_cast<std::size_t*>(const_cast<StringBody*>(&body));
+    return reinterpret_cast<StringBlock*>(words - std::size_t{body.placeInBlock});
+}
+
+void releaseFromBlock(StringBlock* block, std::size_t bodies) noexcept {
+    if (__atomic_load_n(&block->live, __ATOMIC_ACQUIRE) == bodies ||
+        __atomic_sub_fetch(&block->live, bodies, __ATOMIC_ACQ_REL) == 0) {
+        ::operator delete(block);
+    }
+}
+
+void freeString(StringBody* body) noexcept {
+    if (body->placeInBlock != 0) {
+        releaseFromBlock(blockOf(*body), 1);
+    } else if (body->isSignalSafe) {
+        giveBackSignalSafeMemory(body);
+    } else {
+        ::operator delete(body);
+    }
+}
+
 /// Bodies whose last reference was released, chained through their reference counts with the kind in the low
 /// bits, so that releasing a tree of any depth needs neither stack nor memory.
 class DeadBodies {
 public:
+    DeadBodies() noexcept = default;
+    DeadBodies(const DeadBodies&) = delete;
+    DeadBodies& operator=(const DeadBodies&) = delete;
     void push(Kind kind, Body* body) noexcept {
         body->references = head_;
         head_ = reinterpret_cast<std::uintptr_t>(body) | kindBits(kind);
@@ -48,15 +73,30 @@ public:
     /// Releases one reference; the handle is not destroyed, its storage is simply freed.
     void releaseMember(const NSObject& member) noexcept {
         const Kind kind = Access::kind(member);
-        // Kinds before strings have no body. Acquire and release: what other threads did with the value
-        // happens before it is destroyed.
-        if (kind >= Kind::string &&
-            __atomic_sub_fetch(&Access::body(member)->references, 1, __ATOMIC_ACQ_REL) == 0) {
+        if (kind < Kind::string || !dropReference(Access::body(member)->references)) {
+            return;
+        }
+        if (kind != Kind::string) {
             push(kind, Access::body(member));
+        } else if (StringBody& string = *Access::string(member); string.placeInBlock == 0) {
+            freeString(&string);
+        } else {
+            addToBlock(blockOf(string));
         }
     }
 
+    ~DeadBodies() { addToBlock(nullptr); }
+
 private:
+    /// Neighbors are mostly released together, and then the block's count is changed once.
+    void addToBlock(StringBlock* block) noexcept {
+        if (block_ != block && block_ != nullptr) {
+            releaseFromBlock(block_, releasedOfBlock_);
+        }
+        releasedOfBlock_ = block_ == block ? releasedOfBlock_ + 1 : 1;
+        block_ = block;
+    }
+
     static constexpr std::uintptr_t kindMask = 7;
     static_assert(static_cast<int>(Kind::hostObject) - static_cast<int>(Kind::string) <=
                   static_cast<int>(kindMask));
@@ -67,6 +107,8 @@ private:
     }
 
     std::uintptr_t head_ = 0;
+    StringBlock* block_ = nullptr;
+    std::size_t releasedOfBlock_ = 0;
 };
 
 /// Collects the bodies that a host object releases while it is itself released, so that chains of host
@@ -80,15 +122,9 @@ void deleteHost(NSObjectProtocol* object, DeadBodies& dead) noexcept {
     releasingHost = outer;
 }
 
-// Only bodies are visited. Members are released by their counts, and end up in `dead` when theirs reaches 0.
+/// Of any body but a string's.
 void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
     switch (kind) {
-    case Kind::string:
-        // That memory is not the allocator's.
-        if (static_cast<StringBody*>(body)->isSignalSafe) {
-            return giveBackSignalSafeMemory(body);
-        }
-        break;
     case Kind::array: {
         auto* const array = static_cast<ArrayBody*>(body);
         for (std::size_t i = 0; i < array->count; ++i) {
@@ -122,7 +158,9 @@ void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
 } // namespace
 
 void destroy(Kind kind, Body* body) noexcept {
-    // Strings and data release nothing, so they need no detour.
+    if (kind == Kind::string) {
+        return freeString(static_cast<StringBody*>(body));
+    }
     const bool mayHoldOthers = kind > Kind::data;
     if (mayHoldOthers && releasingHost != nullptr) {
         releasingHost->push(kind, body);

@@ -29,7 +29,7 @@ namespace {
 
 // The length is limited so that its bytes, doubled and with the header, stay far from overflow.
 std::size_t bytesOfString(std::size_t length, bool isAscii) {
-    if (length > (SIZE_MAX >> 3)) {
+    if (length > StringBody::maxLength) {
         throw std::bad_alloc();
     }
     return sizeof(StringBody) + length * (isAscii ? 1 : sizeof(char16_t));
@@ -141,8 +141,16 @@ StringView NSString::view() const noexcept {
 NSString NSString::string() { return detail::makeAsciiString("", 0); }
 
 NSString NSString::stringWithUTF8Bytes(const char* bytes, std::size_t byteCount) {
-    // Asked for by name, ill-formed bytes give nil instead of a replacement.
-    return detail::isWellFormedUtf8(bytes, byteCount) ? detail::makeString(bytes, byteCount) : NSString();
+    std::size_t length = 0;
+    if (!detail::getUtf16Length(bytes, byteCount, length)) {
+        return {};
+    }
+    if (length == byteCount) { // every other character takes more bytes than units
+        return detail::makeAsciiString(bytes, byteCount);
+    }
+    StringBody* const body = detail::allocateString(length, false);
+    detail::utf8ToUtf16(bytes, byteCount, body->units(), detail::IllFormed::replace);
+    return Access::adoptString(body);
 }
 
 NSString NSString::stringWithCharacters_length(const char16_t* units, std::size_t unitCount) {

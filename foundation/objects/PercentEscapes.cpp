@@ -11,7 +11,6 @@
 #include "foundation/objects/StringBodies.h"
 #include "foundation/objects/TextBuilder.h"
 #include "foundation/text/Surrogates.h"
-#include "foundation/text/UnitBlocks.h"
 #include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
@@ -33,6 +32,12 @@ inline char* writeByte(std::size_t byte, const EscapeTable& table, char* out) no
     return out + table[byte].length;
 }
 
+/// The same for a byte from 0x80 on.
+inline char* writeEscape(std::size_t byte, const EscapeTable& table, char* out) noexcept {
+    std::memcpy(out, &table[byte], sizeof(EscapeTable::Form));
+    return out + escapeLength;
+}
+
 inline const char* writeCharacter(const char* ascii, const EscapeTable& table, char*& out) noexcept {
     out = writeByte(static_cast<unsigned char>(*ascii), table, out);
     return ascii + 1;
@@ -46,18 +51,18 @@ inline const char16_t* writeCharacter(const char16_t* units, const EscapeTable& 
         return units;
     }
     if (code < 0x800) {
-        out = writeByte(0xC0 | code >> 6, table, out);
+        out = writeEscape(0xC0 | code >> 6, table, out);
     } else {
         if (isHighSurrogate(code)) {
             code = 0x10000 + ((code - 0xD800) << 10) + (*units++ - 0xDC00U);
-            out = writeByte(0xF0 | code >> 18, table, out);
-            out = writeByte(0x80 | (code >> 12 & 0x3F), table, out);
+            out = writeEscape(0xF0 | code >> 18, table, out);
+            out = writeEscape(0x80 | (code >> 12 & 0x3F), table, out);
         } else {
-            out = writeByte(0xE0 | code >> 12, table, out);
+            out = writeEscape(0xE0 | code >> 12, table, out);
         }
-        out = writeByte(0x80 | (code >> 6 & 0x3F), table, out);
+        out = writeEscape(0x80 | (code >> 6 & 0x3F), table, out);
     }
-    out = writeByte(0x80 | (code & 0x3F), table, out);
+    out = writeEscape(0x80 | (code & 0x3F), table, out);
     return units;
 }
 
@@ -159,24 +164,13 @@ bool readEscape(const Unit* at, const Unit* end, char& byte) noexcept {
 NSString unescapedAscii(const NSString& text, StringView view) {
     const char* at = view.bytes();
     const char* const end = at + view.size();
-    const std::size_t marks = countPlaces(at, view.size(), [](auto units) { return units == '%'; });
-    if (marks == 0) {
+    if (std::memchr(at, '%', view.size()) == nullptr) {
         return text;
     }
-    // More marks than could all have two digits: malformed, and the size below would be negative.
-    if (marks > view.size() / escapeLength) {
-        return {};
-    }
-    // Each escape shrinks by two bytes, if all are well-formed; the loop checks that they are.
-    const std::size_t size = view.size() - (escapeLength - 1) * marks;
-    StringBody* const body = allocateString(size, true);
+    StringBody* const body = allocateString(view.size(), true);
     const NSString owner = Access::adoptString(body); // not shared until it is known to be ASCII
     char* out = body->ascii();
-    const char* const outEnd = out + size;
     while (at != end) {
-        if (out == outEnd) {
-            return {}; // more is left than there is room for: some "%" lacks two digits
-        }
         if (*at != '%') {
             *out++ = *at++;
         } else if (readEscape(at, end, *out)) {
@@ -186,10 +180,15 @@ NSString unescapedAscii(const NSString& text, StringView view) {
             return {};
         }
     }
-    // Escapes of UTF-8 make a string of units; only then is the text converted.
-    return asciiPrefixLength(body->ascii(), size) == size
-               ? owner
-               : NSString::stringWithUTF8Bytes(body->ascii(), size);
+    const auto size = static_cast<std::size_t>(out - body->ascii());
+    if (asciiPrefixLength(body->ascii(), size) != size) {
+        return NSString::stringWithUTF8Bytes(body->ascii(), size);
+    }
+    if (view.size() - size > size / 2 + 64) {
+        return makeAsciiString(body->ascii(), size); // which takes much less memory
+    }
+    body->setForm(size, true, false);
+    return owner;
 }
 
 /// The text around a run of escapes consists of whole characters, so the bytes of a run must, too.

@@ -5,6 +5,7 @@
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSString.h"
+#include "foundation/objects/StringBodies.h"
 
 namespace ZQFoundation {
 
@@ -50,7 +51,14 @@ NSString trimmed(const NSString& string, const Unit* units, const CharacterMembe
     while (end > start && members.contains(units[end - 1])) {
         --end;
     }
-    return end - start == length ? string : string.substringWithRange(start, end - start);
+    if (end - start == length) {
+        return string;
+    }
+    if constexpr (sizeof(Unit) == 1) {
+        return detail::makeAsciiString(units + start, end - start);
+    } else {
+        return detail::makeString(units + start, end - start);
+    }
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSString.h"
-#include "foundation/objects/StringBodies.h"
+#include "foundation/objects/ShortStrings.h"
 #include "foundation/text/CaseMapping.h"
 #include "foundation/text/UnitSearch.h"
 #include "foundation/text/Utf.h"
@@ -362,42 +362,36 @@ NSRange rangeOfText(const UnitView& text, std::size_t start, const AsciiOrUtf16&
 
 // Pieces
 
-NSString pieceOf(const char* units, std::size_t start, std::size_t end) {
-    return detail::makeAsciiString(units + start, end - start);
-}
-
-NSString pieceOf(const char16_t* units, std::size_t start, std::size_t end) {
-    return detail::makeString(units + start, end - start);
-}
-
 /// The pieces between separators of plain ASCII or, in bytes, between any separators of bytes.
 template <class Unit>
 NSArray piecesBetween(const UnitView& text, const Unit* units, const std::basic_string<Unit>& separator) {
     const std::size_t length = text.length();
     // A separator of one unit can be counted quickly, so the array is made with its final size.
     const bool isUnit = separator.size() == 1;
-    const auto only = static_cast<detail::Lane<Unit>>(separator[0]);
-    const auto isSeparator = [only](auto unit) {
-        return unit == only;
-    };
-    NSMutableArray pieces(isUnit ? 1 + detail::countPlaces(units, length, isSeparator) : 4);
+    const auto isFirst = detail::ExactUnits::test(separator[0]);
+    detail::StringPieces<Unit> pieces(units, length,
+                                      1 + (isUnit ? detail::countPlaces(units, length, isFirst) : 3));
     std::size_t start = 0;
-    std::size_t at = 0;
-    for (;;) {
-        const std::size_t found =
-            detail::findUnits(units + at, length - at, separator.data(), separator.size());
-        if (found == detail::unitNotFound) {
-            pieces.addObject(pieceOf(units, start, length));
-            return pieces.array();
+    const auto takePieceBefore = [&](std::size_t found) {
+        const std::size_t next = found + separator.size();
+        if (sizeof(Unit) == 1 || isSequence(text, next - 1)) {
+            pieces.add(start, found);
+            start = next;
         }
-        const std::size_t end = at + found;
-        at = end + separator.size();
-        // Otherwise a mark follows, and what looks like a separator is part of a sequence.
-        if (isSequence(text, at - 1)) {
-            pieces.addObject(pieceOf(units, start, end));
-            start = at;
+    };
+    if (isUnit) {
+        detail::forEachPlace(units, length, isFirst, takePieceBefore);
+    } else {
+        std::size_t at = 0;
+        std::size_t found = 0;
+        while ((found = detail::findUnits(units + at, length - at, separator.data(), separator.size())) !=
+               detail::unitNotFound) {
+            takePieceBefore(at + found);
+            at += found + separator.size();
         }
     }
+    pieces.add(start, length);
+    return pieces.array();
 }
 
 } // namespace
@@ -415,8 +409,16 @@ NSRange NSString::rangeOfString_options_range(StringView text, unsigned options,
     // The view ends with the range, so that no sequence reaches beyond it.
     const UnitView whole(*detail::Access::string(*this));
     raiseUnlessWithin(range, whole.length());
-    return rangeOfText(whole.upTo(range.location + range.length), range.location, AsciiOrUtf16(text),
-                       SearchOptions(options));
+    const SearchOptions how(options);
+    const bool isBytes = text.form() == StringView::Form::ascii || text.form() == StringView::Form::utf8;
+    if (how.isLiteral && !how.ignoresCase && whole.isAscii() && isBytes && text.size() != 0) {
+        // Bytes beyond ASCII need no conversion, since nothing here equals them.
+        const NSRange found =
+            rangeOfUnits(whole.ascii() + range.location, range.length, text.bytes(), text.size(), how);
+        return found.location == NSNotFound ? found
+                                            : NSMakeRange(range.location + found.location, found.length);
+    }
+    return rangeOfText(whole.upTo(range.location + range.length), range.location, AsciiOrUtf16(text), how);
 }
 
 NSArray NSString::componentsSeparatedByString(StringView separator) const {

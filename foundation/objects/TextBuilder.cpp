@@ -15,7 +15,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// Keeps every byte count that follows from a capacity far from overflow.
-constexpr std::size_t maxTextUnits = static_cast<std::size_t>(1) << 61;
+constexpr std::size_t maxTextUnits = StringBody::maxLength;
 
 /// Up to this many bytes, one pass that copies while it looks beats a look and a copy.
 constexpr std::size_t maxShortText = 128;
@@ -219,14 +219,6 @@ void TextBuilder::append(StringView text) {
         appendUnits(text.units(), text.size());
         break;
     }
-}
-
-char* TextBuilder::reserveAscii(std::size_t count) {
-    if (!holdsBytes()) {
-        return nullptr;
-    }
-    makeRoom(count);
-    return static_cast<char*>(data_) + length_;
 }
 
 NSString TextBuilder::string() {

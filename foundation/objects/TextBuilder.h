@@ -70,7 +70,12 @@ public:
 
     /// Room for `count` ASCII bytes to be written in place, or null once the text is no longer ASCII: then
     /// use `appendAscii`. `commitAscii` appends what was written.
-    char* reserveAscii(std::size_t count);
+    char* reserveAscii(std::size_t count) {
+        if (holdsBytes() && count > capacityBytes_ - length_) [[unlikely]] {
+            makeRoom(count);
+        }
+        return holdsBytes() ? static_cast<char*>(data_) + length_ : nullptr;
+    }
     void commitAscii(std::size_t count) noexcept { length_ += count; }
 
     /// Removes everything from unit `length` on.

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "foundation/objects/NSString.h"
+#include "foundation/objects/ShortStrings.h"
+#include "foundation/text/Utf.h"
 
 namespace ZQFoundation::detail {
 
@@ -15,10 +16,20 @@ namespace ZQFoundation::detail {
 template <class Unit>
 class KeyCache {
 public:
-    /// `isAscii`: the whole text is known to hold nothing above U+007F.
-    explicit KeyCache(bool isAscii) noexcept : isAscii_(isAscii) {}
+    /// For stretches of this text.
+    KeyCache(const Unit* text, std::size_t count) noexcept
+        : end_(text + count), isAscii_(sizeof(Unit) == 1 && asciiPrefixLength(text, count) == count) {}
 
-    NSString makeString(const Unit* text, std::size_t count) const { return NSString(view(text, count)); }
+    NSString makeString(const Unit* text, std::size_t count) {
+        constexpr std::size_t usualDistance = 32; // from one string to the next
+        if constexpr (sizeof(Unit) == 1) {
+            if (!isAscii_ && asciiPrefixLength(text, count) != count) {
+                return NSString(StringView(text, count));
+            }
+        }
+        const auto rest = static_cast<std::size_t>(end_ - text);
+        return shortStrings_.make(text, count, rest, rest / usualDistance + 1);
+    }
 
     NSString makeKey(const Unit* text, std::size_t count) {
         if constexpr (sizeof(Unit) > 1) {
@@ -42,27 +53,23 @@ private:
     static constexpr std::size_t maxKeptLength = 64;
     static constexpr unsigned slotBits = 8;
 
-    StringView view(const Unit* text, std::size_t count) const noexcept {
-        if constexpr (sizeof(Unit) == 1) {
-            if (isAscii_) {
-                return StringView::ascii(text, count);
-            }
-        }
-        return StringView(text, count);
-    }
-
     /// Both ends and the length distinguish most keys.
     static std::size_t slotIndex(const char* text, std::size_t count) noexcept {
         std::uint64_t head = 0;
         std::uint64_t tail = 0;
-        const std::size_t taken = count < sizeof head ? count : sizeof head;
-        std::memcpy(&head, text, taken);
-        std::memcpy(&tail, text + count - taken, taken);
+        if (count < sizeof head) {
+            std::memcpy(&head, text, count);
+        } else {
+            std::memcpy(&head, text, sizeof head);
+            std::memcpy(&tail, text + count - sizeof tail, sizeof tail);
+        }
         const std::uint64_t mixed = (head ^ (tail << 7 | tail >> 57) ^ count) * 0x9E3779B97F4A7C15U;
         return static_cast<std::size_t>(mixed >> (64 - slotBits));
     }
 
-    bool isAscii_;
+    const Unit* end_;
+    bool isAscii_; ///< all of the text
+    ShortStrings shortStrings_;
     NSString slots_[sizeof(Unit) == 1 ? std::size_t{1} << slotBits : 1];
 };
 

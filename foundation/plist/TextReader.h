@@ -15,8 +15,7 @@ template <class Unit>
 class TextReader {
 protected:
     TextReader(const Unit* text, std::size_t count)
-        : begin_(text), cursor_(text), end_(text + count),
-          strings_(sizeof(Unit) == 1 && asciiPrefixLength(text, count) == count) {}
+        : begin_(text), cursor_(text), end_(text + count), strings_(text, count) {}
 
     /// Notes the failure. Returns false.
     bool fail(const char* message, const Unit* at) noexcept {

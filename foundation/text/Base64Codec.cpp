@@ -203,6 +203,7 @@ const Codec& codec() noexcept {
 char* encode(const Codec& codec, const std::uint8_t* input, std::size_t count, bool separateLines,
              char* output) noexcept {
     Encoding state{input, input + count, output};
+    separateLines = separateLines && count > bytesOfLine;
     if (separateLines) {
         codec.encodeLines(state);
     }

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -41,14 +40,12 @@ struct ExactUnits {
         return unit;
     }
 
-    /// The first place from `at` on that holds the unit, or `end`.
-    static std::size_t placeOf(char unit, const char* text, std::size_t at, std::size_t end) noexcept {
-        const void* const found = std::memchr(text + at, unit, end - at);
-        return found == nullptr ? end : static_cast<std::size_t>(static_cast<const char*>(found) - text);
-    }
-    static std::size_t placeOf(char16_t unit, const char16_t* text, std::size_t at,
-                               std::size_t end) noexcept {
-        return nextPlace(text, at, end, [lane = Lane<char16_t>{unit}](auto units) { return units == lane; });
+    /// A test, for `nextMatch`, whether a unit is this one.
+    template <class Unit>
+    static auto test(Unit unit) noexcept {
+        return [lane = static_cast<Lane<Unit>>(unit)](auto units) {
+            return units == lane;
+        };
     }
 };
 
@@ -58,12 +55,13 @@ struct AsciiInAnyCase {
         return unit >= 'A' && unit <= 'Z' ? static_cast<char>(unit | 0x20) : unit;
     }
 
-    static std::size_t placeOf(char unit, const char* text, std::size_t at, std::size_t end) noexcept {
+    static auto test(char unit) noexcept {
         const bool isLetter = unit >= 'a' && unit <= 'z';
         const auto lower = static_cast<Lane<char>>(unit);
         const auto upper = static_cast<Lane<char>>(isLetter ? unit & ~0x20 : unit);
-        return nextPlace(text, at, end,
-                         [lower, upper](auto units) { return (units == lower) | (units == upper); });
+        return [lower, upper](auto units) {
+            return (units == lower) | (units == upper);
+        };
     }
 };
 
@@ -89,13 +87,23 @@ std::size_t findByFailureTable(const Unit* text, std::size_t length, const Unit*
 template <class Unit, class Forms = ExactUnits>
 std::size_t findUnits(const Unit* text, std::size_t length, const Unit* wanted, std::size_t count,
                       Forms forms = {}) {
+    // Few places have the first and the last unit at their distance.
+    const auto isFirst = forms.test(wanted[0]);
+    const auto isLast = forms.test(wanted[count - 1]);
+    const auto blockMask = [&](std::size_t place) {
+        return matchMask(isFirst(loadBlock(text + place)) & isLast(loadBlock(text + place + count - 1)));
+    };
+    const auto unitMatches = [&](std::size_t place) {
+        return isFirst(static_cast<Lane<Unit>>(text[place])) &&
+               isLast(static_cast<Lane<Unit>>(text[place + count - 1]));
+    };
     std::size_t at = 0;
     // Wasted comparisons per unit before switching to the failure table.
     constexpr std::size_t maxWastedPerUnit = 4;
     std::size_t wasted = 0;
     while (count <= length - at) {
         const std::size_t end = length - count + 1;
-        at = forms.placeOf(wanted[0], text, at, end);
+        at = nextMatch<Unit>(at, end, blockMask, unitMatches);
         if (at == end) {
             return unitNotFound;
         }

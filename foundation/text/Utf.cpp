@@ -92,6 +92,22 @@ std::size_t asciiPrefix(const Unit* text, std::size_t count) {
     return at;
 }
 
+/// Whether ASCII goes on for so long that blocks are worth their start; between words of other scripts there
+/// is a space at a time.
+template <class Unit>
+inline bool isAsciiStretch(const Unit* text, std::size_t count) {
+    constexpr std::size_t shortest = 8;
+    constexpr std::size_t perWord = sizeof(std::uint64_t) / sizeof(Unit);
+    if (count < shortest) {
+        return false;
+    }
+    std::uint64_t gathered = 0;
+    for (std::size_t i = 0; i < shortest; i += perWord) {
+        gathered |= loadWord(text + i);
+    }
+    return (gathered & nonAsciiMask<Unit>) == 0;
+}
+
 // Testing and copying in two loops keeps both simple enough for every compiler; the piece between them stays
 // in the nearest cache.
 constexpr std::size_t maxPieceBytes = 4096;
@@ -152,33 +168,40 @@ unsigned illFormedLength(const unsigned char* at, std::size_t left) {
 }
 
 /// Walks over UTF-8 and hands it to `sink`: ascii() takes ASCII as far as it wants and says how much,
-/// character() a code point above it, illFormed() the bytes of a maximal subpart.
-/// Counting and writing share this walk, so that lengths and contents cannot disagree.
+/// character() a code point, illFormed() the bytes of a maximal subpart. Counting and writing share this
+/// walk, so that lengths and contents cannot disagree.
 template <class Sink>
 void decode(const char* utf8, std::size_t count, Sink& sink) {
     const char* at = utf8;
     const char* const end = utf8 + count;
     while (at != end) {
-        at += sink.ascii(at, static_cast<std::size_t>(end - at));
-        while (at != end && !isAscii(*at)) {
-            const auto* bytes = reinterpret_cast<const unsigned char*>(at);
-            const auto left = static_cast<std::size_t>(end - at);
-            char32_t codePoint = 0;
-            unsigned length = readSequence(bytes, left, codePoint);
-            if (length != 0) {
-                sink.character(codePoint);
+        const auto* bytes = reinterpret_cast<const unsigned char*>(at);
+        const auto left = static_cast<std::size_t>(end - at);
+        if (isAscii(*at)) {
+            if (isAsciiStretch(at, left)) {
+                at += sink.ascii(at, left);
             } else {
-                length = illFormedLength(bytes, left);
-                sink.illFormed(bytes, length);
+                sink.character(*bytes);
+                ++at;
             }
-            at += length;
+            continue;
         }
+        char32_t codePoint = 0;
+        unsigned length = readSequence(bytes, left, codePoint);
+        if (length != 0) {
+            sink.character(codePoint);
+        } else {
+            length = illFormedLength(bytes, left);
+            sink.illFormed(bytes, length);
+        }
+        at += length;
     }
 }
 
 struct UnitCounter {
     IllFormed policy;
     std::size_t units = 0;
+    bool isWellFormed = true;
 
     std::size_t ascii(const char* bytes, std::size_t count) {
         const std::size_t length = asciiPrefix(bytes, count);
@@ -187,6 +210,7 @@ struct UnitCounter {
     }
     void character(char32_t codePoint) { units += codePoint > 0xFFFF ? 2 : 1; }
     void illFormed(const unsigned char*, unsigned length) {
+        isWellFormed = false;
         units += policy == IllFormed::replace ? 1 : length;
     }
 };
@@ -251,26 +275,26 @@ bool representsByte(const char16_t* at, std::size_t left) {
     return length > 0 && readSequence(bytes, length, codePoint) == 0;
 }
 
-/// The counterpart of decode(): ascii() as there, character() a code point above ASCII, byte() an escaped
-/// byte.
+/// The counterpart of decode(): ascii() and character() as there, byte() an escaped byte.
 template <class Sink>
 void encode(const char16_t* units, std::size_t count, IllFormed policy, Sink& sink) {
     std::size_t at = 0;
     while (at < count) {
-        at += sink.ascii(units + at, count - at);
-        while (at < count && !isAscii(units[at])) {
-            if (!isSurrogate(units[at])) {
-                sink.character(units[at]);
-            } else if (isSurrogatePair(units + at, count - at)) {
-                sink.character(codePointOfPair(units + at));
-                ++at;
-            } else if (policy == IllFormed::fileName && representsByte(units + at, count - at)) {
-                sink.byte(static_cast<char>(units[at] - escapeBase));
-            } else {
-                sink.character(replacementUnit);
-            }
-            ++at;
+        if (isAscii(units[at]) && isAsciiStretch(units + at, count - at)) {
+            at += sink.ascii(units + at, count - at);
+            continue;
         }
+        if (!isSurrogate(units[at])) {
+            sink.character(units[at]);
+        } else if (isSurrogatePair(units + at, count - at)) {
+            sink.character(codePointOfPair(units + at));
+            ++at;
+        } else if (policy == IllFormed::fileName && representsByte(units + at, count - at)) {
+            sink.byte(static_cast<char>(units[at] - escapeBase));
+        } else {
+            sink.character(replacementUnit);
+        }
+        ++at;
     }
 }
 
@@ -282,7 +306,9 @@ struct ByteCounter {
         bytes += length;
         return length;
     }
-    void character(char32_t codePoint) { bytes += codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4; }
+    void character(char32_t codePoint) {
+        bytes += codePoint < 0x80 ? 1 : codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4;
+    }
     void byte(char) { ++bytes; }
 };
 
@@ -296,6 +322,9 @@ struct ByteWriter {
         return length;
     }
     void character(char32_t codePoint) {
+        if (codePoint < 0x80) {
+            return byte(static_cast<char>(codePoint));
+        }
         if (codePoint < 0x800) {
             byte(static_cast<char>(0xC0 | codePoint >> 6));
         } else if (codePoint < 0x10000) {
@@ -326,6 +355,13 @@ std::size_t utf16Length(const char* utf8, std::size_t count, IllFormed policy) n
     UnitCounter counter{policy};
     decode(utf8, count, counter);
     return counter.units;
+}
+
+bool getUtf16Length(const char* utf8, std::size_t count, std::size_t& length) noexcept {
+    UnitCounter counter{IllFormed::replace};
+    decode(utf8, count, counter);
+    length = counter.units;
+    return counter.isWellFormed;
 }
 
 char16_t* utf8ToUtf16(const char* utf8, std::size_t count, char16_t* out, IllFormed policy) noexcept {

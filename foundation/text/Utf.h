@@ -32,6 +32,9 @@ std::size_t asciiPrefixLength(const char16_t* units, std::size_t count) noexcept
 /// Number of units that utf8ToUtf16() writes for the same input; never more than `count`.
 std::size_t utf16Length(const char* utf8, std::size_t count, IllFormed policy) noexcept;
 
+/// The same for well-formed UTF-8, in one pass with the check; false for any other.
+bool getUtf16Length(const char* utf8, std::size_t count, std::size_t& length) noexcept;
+
 /// Writes the units of `utf8` to `out`, which does not overlap the input, and returns the end of what was
 /// written.
 char16_t* utf8ToUtf16(const char* utf8, std::size_t count, char16_t* out, IllFormed policy) noexcept;

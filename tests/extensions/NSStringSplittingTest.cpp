@@ -125,6 +125,8 @@ TEST(NSStringSplitting, knowsTheSameWhiteSpaceInBothForms) {
         const std::u16string text{u'a', unit, u'b'};
         ASSERT_EQ(stringOf(text).componentsSeparatedByWhitespace().count(), expected) << value;
         ASSERT_EQ(stringOf(text + u"\u20AC").componentsSeparatedByWhitespace().count(), expected) << value;
+        const std::u16string block = text + std::u16string(10, u'\u20AC');
+        ASSERT_EQ(stringOf(block).componentsSeparatedByWhitespace().count(), expected) << value;
     }
 }
 

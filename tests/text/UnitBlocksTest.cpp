@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "foundation/text/UnitBlocks.h"
 #include "tests/kit/Texts.h"
@@ -27,6 +28,32 @@ void expectPlaces(const Text& text) {
         ASSERT_EQ(nextPlace(text.data(), start, text.size(), isComma), start + std::min(found, part.size()));
         ASSERT_EQ(countPlaces(text.data() + start, part.size(), isComma),
                   static_cast<std::size_t>(std::count(part.begin(), part.end(), Unit{','})));
+    }
+}
+
+template <class Text>
+void expectEachPlace(const Text& text) {
+    const ZQFoundation::kit::Exact<typename Text::value_type> exact{
+        std::basic_string_view<typename Text::value_type>(text)};
+    std::vector<std::size_t> expected;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == ',') {
+            expected.push_back(i);
+        }
+    }
+    std::vector<std::size_t> places;
+    forEachPlace(exact.data(), exact.size(), isComma, [&](std::size_t place) { places.push_back(place); });
+    ASSERT_EQ(places, expected);
+}
+
+TEST(UnitBlocks, findEachPlaceInOrder) {
+    ZQFoundation::kit::Numbers numbers(5);
+    for (std::size_t length = 0; length <= 100; ++length) {
+        for (const std::u16string_view alphabet : {u",", u"a,", u"abcdefghij,"}) {
+            const std::u16string text = numbers.text(alphabet, length);
+            expectEachPlace(text);
+            expectEachPlace(std::string(text.begin(), text.end()));
+        }
     }
 }
 

@@ -36,7 +36,16 @@ std::string toBytes(std::u16string_view units, IllFormed policy) {
     return {bytes.begin(), bytes.end()};
 }
 
-bool isWellFormed(std::string_view bytes) { return isWellFormedUtf8(bytes.data(), bytes.size()); }
+/// With the length that the check in one pass finds.
+bool isWellFormed(std::string_view bytes) {
+    const bool result = isWellFormedUtf8(bytes.data(), bytes.size());
+    std::size_t length = 0;
+    EXPECT_EQ(getUtf16Length(bytes.data(), bytes.size(), length), result);
+    if (result) {
+        EXPECT_EQ(length, utf16Length(bytes.data(), bytes.size(), IllFormed::replace));
+    }
+    return result;
+}
 
 std::size_t wellFormedPrefix(std::string_view bytes) {
     return wellFormedUtf8Prefix(bytes.data(), bytes.size());

@@ -94,7 +94,7 @@ def text_at(address, length, unit):
 def place_of_text(body):
     """Address, units and the size of a unit."""
     packed = word(body + BODY_LENGTH)
-    length = packed & ((1 << 62) - 1)
+    length = packed & ((1 << 56) - 1)
     if length > GREATEST_LENGTH:
         raise Unreadable("garbage at 0x%x" % body)
     return body + STRING_TEXT, length, 1 if packed >> 63 else 2
