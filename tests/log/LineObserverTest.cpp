@@ -103,7 +103,7 @@ TEST(LineObserver, getsTheStartUpReport) {
 
 TEST(LineObserver, isCalledAfterTheWrite) {
     struct Look {
-        const CapturedOutput output;
+        CapturedOutput output;
         std::string seen;
     } look;
     const Observed observed(
