@@ -6,17 +6,12 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/kit/Sanitizers.h"
+
 // A sanitizer has an allocator of its own and reports each allocation; elsewhere the allocator is replaced.
 // The C library's functions are replaced rather than `new`, which calls them: so memory that is taken with
 // `malloc` counts as well. Where the C library offers no second name for its own functions, only `new` is
 // counted.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZQ_TEST_SANITIZER_HOOKS 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ZQ_TEST_SANITIZER_HOOKS 1
-#endif
-#endif
 
 namespace {
 
@@ -29,7 +24,7 @@ constinit thread_local std::size_t greatestCount = SIZE_MAX;
 
 } // namespace
 
-#if defined(ZQ_TEST_SANITIZER_HOOKS)
+#if ZQ_TEST_ADDRESS_SANITIZER || ZQ_TEST_THREAD_SANITIZER
 
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void*, std::size_t),
                                                          void (*onFree)(const volatile void*));
@@ -88,7 +83,7 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 namespace ZQFoundation::kit {
 
 std::size_t AllocationCount::now() {
-#if defined(ZQ_TEST_SANITIZER_HOOKS)
+#if ZQ_TEST_ADDRESS_SANITIZER || ZQ_TEST_THREAD_SANITIZER
     if (!hooksAreInstalled) {
         std::abort();
     }

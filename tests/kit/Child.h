@@ -3,8 +3,10 @@
 #ifndef ZQFOUNDATION_TESTS_KIT_CHILD_H
 #define ZQFOUNDATION_TESTS_KIT_CHILD_H
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -31,13 +33,42 @@ inline int endOf(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-/// What the body returns in a forked child; a hanging child is killed after a minute.
+/// What failed in the current test so far, or "passed".
+inline std::string failures() {
+    const testing::TestResult& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    std::string text;
+    for (int i = 0; i < result.total_part_count(); ++i) {
+        text += result.GetTestPartResult(i).failed()
+                    ? result.GetTestPartResult(i).summary() + std::string("\n")
+                    : "";
+    }
+    return text.empty() ? "passed" : text;
+}
+
+/// 0 when the body returns true, or when it returns nothing and no expectation has failed; else 1, or the
+/// number that it returns.
 template <class Body>
-int inChild(const Body& body) {
+int answerOf(const Body& body) {
+    if constexpr (std::is_void_v<decltype(body())>) {
+        body();
+        std::fflush(stdout);
+        return testing::Test::HasFailure() ? 1 : 0;
+    } else if constexpr (std::is_same_v<decltype(body()), bool>) {
+        return body() ? 0 : 1;
+    } else {
+        return body();
+    }
+}
+
+/// The answer of the body in a forked child, or the signal that ends it, negated; a child that takes longer
+/// is killed.
+template <class Body>
+int inChild(const Body& body, unsigned seconds = 60) {
+    std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child == 0) {
-        ::alarm(60);
-        leave(body());
+        ::alarm(seconds);
+        leave(answerOf(body));
     }
     return endOf(child);
 }
@@ -47,7 +78,7 @@ template <class Body>
 int inUnprivilegedChild(const Body& body) {
     return inChild([&]() -> int {
         const bool isOrdinary = ::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0);
-        return isOrdinary ? body() : 99;
+        return isOrdinary ? answerOf(body) : 99;
     });
 }
 
@@ -62,16 +93,16 @@ inline std::string readToEnd(int descriptor) {
     return output;
 }
 
-/// The text that the body returns in a forked child.
+/// What a forked child writes into the pipe whose end its body gets; fails the test unless the child exits
+/// with 0.
 template <class Body>
-std::string textFromChild(const Body& body) {
+std::string writtenByChild(const Body& body) {
     int ends[2];
     EXPECT_EQ(::pipe(ends), 0);
     const pid_t child = ::fork();
     if (child == 0) {
-        ::alarm(60);
-        const std::string text = body();
-        leave(::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
+        ::close(ends[0]);
+        body(ends[1]);
     }
     ::close(ends[1]);
     const std::string text = readToEnd(ends[0]);
@@ -80,39 +111,65 @@ std::string textFromChild(const Body& body) {
     return text;
 }
 
+/// Ends a child that has written its text.
+[[noreturn]] inline void leaveWith(const std::string& text, int descriptor) {
+    leave(::write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
+}
+
+/// The text that the body returns in a forked child.
+template <class Body>
+std::string textFromChild(const Body& body) {
+    return writtenByChild([&body](int end) {
+        ::alarm(60);
+        leaveWith(body(), end);
+    });
+}
+
+using Variables = std::vector<std::pair<std::string, std::string>>;
+
+/// Replaces the program of this child, whose variables are added to.
+[[noreturn]] inline void become(const std::string& program, std::vector<std::string> arguments,
+                                const Variables& variables = {}) {
+    for (const auto& [name, value] : variables) {
+        ::setenv(name.c_str(), value.c_str(), 1);
+    }
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    ::execv(program.c_str(), pointers.data());
+    ::_exit(127);
+}
+
 /// Runs the current test again in a process of its own, with more variables, and returns what the body
 /// returns there. In that process nothing of the test runs after the body.
 template <class Body>
-std::string inProcessOfItsOwn(const std::vector<std::pair<std::string, std::string>>& variables,
-                              const Body& body) {
+std::string inProcessOfItsOwn(const Variables& variables, const Body& body) {
     constexpr const char* descriptorOfResult = "ZQ_TEST_RESULT_DESCRIPTOR";
     if (const char* const descriptor = std::getenv(descriptorOfResult)) {
-        const std::string text = body();
-        leave(::write(std::atoi(descriptor), text.data(), text.size()) == static_cast<ssize_t>(text.size())
-                  ? 0
-                  : 1);
+        leaveWith(body(), std::atoi(descriptor));
     }
     const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-    std::string program = "test";
-    std::string filter = std::string("--gtest_filter=") + test.test_suite_name() + "." + test.name();
-    int ends[2];
-    EXPECT_EQ(::pipe(ends), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::setenv(descriptorOfResult, std::to_string(ends[1]).c_str(), 1);
-        for (const auto& [name, value] : variables) {
-            ::setenv(name.c_str(), value.c_str(), 1);
-        }
-        char* const arguments[] = {program.data(), filter.data(), nullptr};
+    return writtenByChild([&](int end) {
+        ::setenv(descriptorOfResult, std::to_string(end).c_str(), 1);
+        ::unsetenv("GTEST_TOTAL_SHARDS");
         ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        ::execv("/proc/self/exe", arguments);
-        ::_exit(127);
-    }
-    ::close(ends[1]);
-    const std::string text = readToEnd(ends[0]);
-    ::close(ends[0]);
-    EXPECT_EQ(endOf(child), 0) << test.name();
-    return text;
+        become("/proc/self/exe",
+               {"test", std::string("--gtest_filter=") + test.test_suite_name() + "." + test.name()},
+               variables);
+    });
+}
+
+/// Runs the body in a process that has done nothing yet: this test, run again alone.
+template <class Body>
+void inFreshProcess(const Body& body) {
+    EXPECT_EQ(inProcessOfItsOwn({},
+                                [&body] {
+                                    body();
+                                    return failures();
+                                }),
+              "passed");
 }
 
 /// Runs a program in a child that `prepare` is called in before, and returns what it writes; fails the test
@@ -120,39 +177,32 @@ std::string inProcessOfItsOwn(const std::vector<std::pair<std::string, std::stri
 template <class Prepare>
 std::string outputOf(const std::string& program, const std::vector<std::string>& arguments,
                      const Prepare& prepare) {
-    int ends[2];
-    if (::pipe(ends) != 0) {
-        return "no pipe";
-    }
+    return writtenByChild([&](int end) {
+        ::dup2(end, STDOUT_FILENO);
+        ::close(end);
+        prepare();
+        become(program, arguments);
+    });
+}
+
+/// Runs a program with its standard error on that descriptor: how it ended, as `endOf` says. One that hangs
+/// is killed.
+inline int run(const std::vector<std::string>& words, int standardError) {
     const pid_t child = ::fork();
     if (child == 0) {
-        ::dup2(ends[1], 1);
-        ::close(ends[0]);
-        ::close(ends[1]);
-        prepare();
-        std::vector<std::string> words = arguments;
-        std::vector<char*> pointers;
-        for (std::string& word : words) {
-            pointers.push_back(word.data());
-        }
-        pointers.push_back(nullptr);
-        ::execv(program.c_str(), pointers.data());
-        ::_exit(127);
+        ::alarm(300);
+        ::dup2(standardError, STDERR_FILENO);
+        become(words[0], words);
     }
-    ::close(ends[1]);
-    const std::string output = readToEnd(ends[0]);
-    ::close(ends[0]);
-    EXPECT_EQ(endOf(child), 0) << program;
-    return output;
+    return endOf(child);
 }
 
 /// Runs this test program again, with more variables and arguments, and returns what it writes.
-inline std::string runAgain(const std::vector<std::pair<std::string, std::string>>& variables,
-                            const std::vector<std::string>& arguments) {
-    return outputOf("/proc/self/exe", arguments, [&] {
-        for (const auto& [name, value] : variables) {
-            ::setenv(name.c_str(), value.c_str(), 1);
-        }
+inline std::string runAgain(const Variables& variables, const std::vector<std::string>& arguments) {
+    return writtenByChild([&](int end) {
+        ::dup2(end, STDOUT_FILENO);
+        ::close(end);
+        become("/proc/self/exe", arguments, variables);
     });
 }
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // How a log line describes the object or class that logs.
-#include "tests/log/LogTestSupport.h"
-#include "tests/objects/TestValues.h"
+#include <gmock/gmock.h>
 
 #include "foundation/objects/NSDate.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 namespace shelf {
 
@@ -68,7 +69,7 @@ public:
 
 namespace {
 
-using logtest::addressText;
+using logscene::addressText;
 using shelf::Store;
 
 struct Hidden {};
@@ -88,17 +89,6 @@ std::string functionText(const char* name) {
 /// What an instance of that class at that address is called.
 std::string instanceText(const std::string& className, const void* address) {
     return "-[(" + className + " *)" + addressText(address) + " run:]";
-}
-
-/// The address in "-[(Name *)0x7f01 run:]", or nothing when the text has another form.
-std::string addressIn(const std::string& text, const std::string& className) {
-    const std::string head = "-[(" + className + " *)";
-    const std::string tail = " run:]";
-    if (text.size() < head.size() + tail.size() || text.compare(0, head.size(), head) != 0 ||
-        text.compare(text.size() - tail.size(), tail.size(), tail) != 0) {
-        return "";
-    }
-    return text.substr(head.size(), text.size() - head.size() - tail.size());
 }
 
 } // namespace
@@ -126,81 +116,67 @@ TEST(MethodDescription, takesEveryFormOfNothingAsNoInstance) {
 
 TEST(MethodDescription, namesClassAndAddressOfAnInstance) {
     const Store store;
-    EXPECT_EQ(methodText(&store, "run:"), instanceText("Store", &store));
+    const shelf::Outer::Inner inner;
+    const Hidden hidden;
+    const HiddenDerived derived;
+    struct Local {};
+    const Local local;
+    const shelf::Box<int> box;
+    const shelf::Box<shelf::Item> itemBox;
+    const shelf::Panel<int> panel;
+    const shelf::Panel<shelf::Item> itemPanel;
+    const shelf::Button button;
+    const shelf::Widget widget;
+    const shelf::Document document;
+    const shelf::Named ledger("Ledger");
+    const shelf::Window window; // the object for a handle follows another base
+    const struct {
+        LogCaller caller;
+        const char* className;
+        const void* address;
+    } rows[] = {
+        {&store, "Store", &store},
+        {const_cast<Store*>(&store), "Store", &store},
+        // Without namespaces and enclosing classes.
+        {&inner, "Inner", &inner},
+        {&hidden, "Hidden", &hidden},
+        {&local, "Local", &local},
+        // With the arguments of templates.
+        {&box, "Box<int>", &box},
+        {&itemBox, "Box<shelf::Item>", &itemBox},
+        {&panel, "Panel<int>", &panel},
+        {&itemPanel, "Panel<shelf::Item>", &itemPanel},
+        // The most derived class of a polymorphic instance.
+        {static_cast<const HiddenBase*>(&derived), "HiddenDerived", &derived},
+        {static_cast<const shelf::Widget*>(&button), "Button", &button},
+        {&widget, "Widget", &widget},
+        // A host's object is asked for its class name.
+        {&document, "Document", &document},
+        {&ledger, "Ledger", &ledger},
+        {static_cast<const NSObjectProtocol*>(&ledger), "Ledger", &ledger},
+        {&window, "Window", &window},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(methodText(row.caller, "run:"), instanceText(row.className, row.address));
+    }
     EXPECT_EQ(utf8Of(store.describedBy("run:")), instanceText("Store", &store));
     EXPECT_EQ(methodText(&store, nullptr), "-[(Store *)" + addressText(&store) + " <<no method>>]");
+    EXPECT_EQ(utf8Of(button.described()), "-[(Button *)" + addressText(&button) + " draw]");
 }
 
 TEST(MethodDescription, writesAddressesInLowerCaseHexWithoutLeadingZeros) {
     EXPECT_EQ(methodText(reinterpret_cast<const Store*>(0x7f01), "reload:"), "-[(Store *)0x7f01 reload:]");
     EXPECT_EQ(methodText(reinterpret_cast<const void*>(0xABCDEF), "reload:"), "?[0xabcdef reload:]");
-    EXPECT_EQ(methodText(reinterpret_cast<const void*>(0x1), "reload:"), "?[0x1 reload:]");
-    EXPECT_EQ(methodText(reinterpret_cast<const void*>(UINTPTR_MAX), "reload:"),
+    EXPECT_EQ(methodText(reinterpret_cast<const void*>(0x1), nullptr), "?[0x1 <<no method>>]");
+    EXPECT_EQ(methodText(reinterpret_cast<void*>(UINTPTR_MAX), "reload:"),
               "?[" + addressText(reinterpret_cast<const void*>(UINTPTR_MAX)) + " reload:]");
-}
-
-TEST(MethodDescription, leavesOutNamespacesAndEnclosingClasses) {
-    const shelf::Outer::Inner inner;
-    EXPECT_EQ(methodText(&inner, "run:"), instanceText("Inner", &inner));
-    const Hidden hidden;
-    EXPECT_EQ(methodText(&hidden, "run:"), instanceText("Hidden", &hidden));
-    const HiddenDerived derived;
-    EXPECT_EQ(methodText(static_cast<const HiddenBase*>(&derived), "run:"),
-              instanceText("HiddenDerived", &derived));
-    struct Local {};
-    const Local local;
-    EXPECT_EQ(methodText(&local, "run:"), instanceText("Local", &local));
-}
-
-TEST(MethodDescription, keepsTheArgumentsOfTemplates) {
-    const shelf::Box<int> box;
-    EXPECT_EQ(methodText(&box, "run:"), instanceText("Box<int>", &box));
-    const shelf::Box<shelf::Item> itemBox;
-    EXPECT_EQ(methodText(&itemBox, "run:"), instanceText("Box<shelf::Item>", &itemBox));
-    const shelf::Panel<int> panel;
-    EXPECT_EQ(methodText(&panel, "run:"), instanceText("Panel<int>", &panel));
-    const shelf::Panel<shelf::Item> itemPanel;
-    EXPECT_EQ(methodText(&itemPanel, "run:"), instanceText("Panel<shelf::Item>", &itemPanel));
-}
-
-TEST(MethodDescription, namesTheMostDerivedClassOfAPolymorphicInstance) {
-    const shelf::Button button;
-    const shelf::Widget& widget = button;
-    EXPECT_EQ(methodText(&widget, "run:"), instanceText("Button", &button));
-    EXPECT_EQ(utf8Of(button.described()), "-[(Button *)" + addressText(&button) + " draw]");
-    const shelf::Widget plain;
-    EXPECT_EQ(methodText(&plain, "run:"), instanceText("Widget", &plain));
-}
-
-TEST(MethodDescription, takesTheInstanceByAPointerThatMayChangeItToo) {
-    Store store;
-    EXPECT_EQ(methodText(&store, "run:"), instanceText("Store", &store));
-    void* const address = &store;
-    EXPECT_EQ(methodText(address, "run:"), "?[" + addressText(&store) + " run:]");
-}
-
-TEST(MethodDescription, asksAHostsObjectForItsClassName) {
-    const shelf::Document document;
-    EXPECT_EQ(methodText(&document, "run:"), instanceText("Document", &document));
-    const shelf::Named ledger("Ledger");
-    EXPECT_EQ(methodText(&ledger, "run:"), instanceText("Ledger", &ledger));
-    const NSObjectProtocol& anyObject = ledger;
-    EXPECT_EQ(methodText(&anyObject, "run:"), instanceText("Ledger", &ledger));
 }
 
 TEST(MethodDescription, describesAHostsObjectInAHandleByTheObject) {
     const NSObject ledger = makeObject<shelf::Named>("Ledger");
     const NSObject copy = ledger;
     EXPECT_EQ(methodText(ledger, "run:"), instanceText("Ledger", ledger.hostObject()));
-    EXPECT_EQ(methodText(copy, "run:"), methodText(ledger, "run:"));
     EXPECT_EQ(methodText(&copy, "run:"), methodText(ledger, "run:"));
-}
-
-TEST(MethodDescription, givesTheAddressOfTheWholeHostObjectBehindAnotherBase) {
-    const shelf::Window window;
-    ASSERT_NE(static_cast<const void*>(static_cast<const NSObjectProtocol*>(&window)),
-              static_cast<const void*>(&window));
-    EXPECT_EQ(methodText(&window, "run:"), instanceText("Window", &window));
 }
 
 TEST(MethodDescription, marksAnObjectThatReportsNoClassWithAQuestionMark) {
@@ -209,7 +185,6 @@ TEST(MethodDescription, marksAnObjectThatReportsNoClassWithAQuestionMark) {
     EXPECT_EQ(methodText(&nameless, nullptr), "?[" + addressText(&nameless) + " <<no method>>]");
     const NSObject inHandle = makeObject<shelf::Named>(nullptr);
     EXPECT_EQ(methodText(inHandle, "reload:"), "?[" + addressText(inHandle.hostObject()) + " reload:]");
-    EXPECT_EQ(methodText(reinterpret_cast<const void*>(0x7f01), nullptr), "?[0x7f01 <<no method>>]");
 }
 
 TEST(MethodDescription, marksAClassWithAPlusAndWritesNoAddress) {
@@ -235,10 +210,8 @@ TEST(MethodDescription, namesValuesByTheirClass) {
                 {NSNull::null(), "NSNull"}};
     for (const auto& [value, className] : rows) {
         const std::string text = methodText(value, "run:");
-        const std::string address = addressIn(text, className);
-        EXPECT_EQ(address.substr(0, 2), "0x") << text;
-        EXPECT_GT(address.size(), 2U) << text;
-        EXPECT_EQ(address.find_first_not_of("0123456789abcdefx"), std::string::npos) << text;
+        EXPECT_THAT(text,
+                    testing::MatchesRegex("-\\[\\(" + std::string(className) + " \\*\\)0x[0-9a-f]+ run:\\]"));
     }
 }
 
@@ -250,31 +223,23 @@ TEST(MethodDescription, takesTheMethodAsAnyText) {
     EXPECT_EQ(methodText(nullptr, NSString()), "[<<no instance>> <<no method>>]");
 }
 
-TEST(FunctionDescription, addsParenthesesToTheName) {
-    EXPECT_EQ(functionText("parse_header"), "parse_header()");
-    EXPECT_EQ(functionText("größe"), "größe()");
-    EXPECT_EQ(functionText("100%d %@"), "100%d %@()");
-    EXPECT_EQ(functionText(" "), " ()");
-    EXPECT_EQ(functionText(__func__), "TestBody()");
-}
-
-TEST(FunctionDescription, hasAPlaceholderForNoName) {
-    EXPECT_EQ(functionText(nullptr), "<<no function name>>()");
-    EXPECT_EQ(functionText(""), "<<no function name>>()");
-}
-
-TEST(FunctionDescription, keepsThePathOfANameWithoutAColon) {
-    EXPECT_EQ(functionText("a/b/c.m"), "a/b/c.m()");
-    EXPECT_EQ(functionText("-[Foo bar]"), "-[Foo bar]()");
-    EXPECT_EQ(functionText("/"), "/()");
-    EXPECT_EQ(functionText("a/"), "a/()");
-}
-
-TEST(FunctionDescription, keepsTheLastPathComponentOfANameWithAColon) {
+TEST(FunctionDescription, addsParenthesesToANameOrKeepsTheLastPathComponentOfOneWithAColon) {
     const struct {
         const char* name;
         const char* text;
     } rows[] = {
+        {"parse_header", "parse_header()"},
+        {"größe", "größe()"},
+        {"100%d %@", "100%d %@()"},
+        {" ", " ()"},
+        {__func__, "TestBody()"},
+        {nullptr, "<<no function name>>()"},
+        {"", "<<no function name>>()"},
+        {"caf\xE9", "caf\xEF\xBF\xBD()"},
+        {"a/b/c.m", "a/b/c.m()"},
+        {"-[Foo bar]", "-[Foo bar]()"},
+        {"/", "/()"},
+        {"a/", "a/()"},
         {"-[Foo bar:]", "-[Foo bar:]"},
         {"a/b/c.m:12", "c.m:12"},
         {"/c.m:12", "c.m:12"},
@@ -291,10 +256,6 @@ TEST(FunctionDescription, keepsTheLastPathComponentOfANameWithAColon) {
         {"größe:/ärger", "ärger"},
     };
     for (const auto& [name, text] : rows) {
-        EXPECT_EQ(functionText(name), text) << name;
+        EXPECT_EQ(functionText(name), text);
     }
-}
-
-TEST(FunctionDescription, readsANameThatIsNotUtf8WithReplacementCharacters) {
-    EXPECT_EQ(functionText("caf\xE9"), "caf\xEF\xBF\xBD()");
 }

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Many threads log at once, into everything that standard error may be, while others re-read the trace keys.
-#include <atomic>
-#include <thread>
-
 #include <sys/resource.h>
 #include <termios.h>
 
-#include "log/ZQLog.h"
-#include "tests/log/HostTesting.h"
-#include "tests/process/Scene.h"
+#include "foundation/time/NSDateFormatter.h"
+#include "tests/log/LogScene.h"
 
-#if defined(ZQ_TEST_ADDRESS_SANITIZER) || defined(ZQ_TEST_THREAD_SANITIZER)
+#if ZQ_TEST_ADDRESS_SANITIZER || ZQ_TEST_THREAD_SANITIZER
 // Standard error is a part of these tests, so reports go elsewhere. A signal stack of the sanitizer's own
 // would be removed on the stack of a canceled thread, which it takes to be out of bounds.
 extern "C" const char* __asan_default_options() { return "log_path=stdout:use_sigaltstack=0"; }
@@ -18,7 +14,7 @@ extern "C" const char* __tsan_default_options() { return "log_path=stdout"; }
 #endif
 
 using namespace ZQFoundation;
-using namespace hosttest;
+using namespace logscene;
 
 namespace {
 
@@ -31,9 +27,13 @@ std::size_t fillingLength(int writer, int sequence) {
     return sequence % 100 == 99 ? 200 + mixed % 99'500 : mixed % 100;
 }
 
-const std::vector<std::string>& labels() {
-    static const std::vector<std::string> known{"TraceSteady: ", "work() ", "TraceLevel>=2: "};
-    return known;
+const Texts labels{"TraceSteady: ", "work() ", "TraceLevel>=2: "};
+
+/// Two keys are always on and a third comes and goes.
+kit::Settings settings(bool withThird) {
+    return {{"TraceSteady", "<true/>"},
+            {"TraceThird", withThird ? "<true/>" : "<false/>"},
+            {"TraceLevel", "<integer>3</integer>"}};
 }
 
 void writeNumberedLine(int writer, int sequence) {
@@ -54,33 +54,12 @@ void writeNumberedLine(int writer, int sequence) {
     }
 }
 
-/// Settings in which two keys are always on and a third comes and goes, replaced as a whole as an editor
-/// does.
-class ChangingSettings {
-public:
-    ChangingSettings() { write(true); }
-
-    void write(bool withThird) const {
-        const std::string third = withThird ? "<key>TraceThird</key><true/>" : "";
-        const std::string fresh = folder_.write(
-            "fresh", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>TraceSteady</key><true/>" +
-                         third + "<key>TraceLevel</key><integer>3</integer></dict></plist>");
-        ::rename(fresh.c_str(), (folder_ / "NSGlobalDomain.plist").c_str());
-    }
-
-private:
-    scene::Folder folder_;
-    scene::Path path_{detail::overrides::defaultsFolder, folder_.path()};
-    scene::Arguments arguments_{detail::overrides::arguments, {"/bin/Writer"}};
-};
-
 /// Threads that re-read the trace keys and ask about them until they are asked to stop.
 class Unrest {
 public:
-    explicit Unrest(const ChangingSettings& settings) {
-        ZQLog::initializeTraceDefaultsDict();
-        threads_.emplace_back([this, &settings] { reread(&settings); });
-        threads_.emplace_back([this] { reread(nullptr); });
+    Unrest() {
+        threads_.emplace_back([this] { reread(true); });
+        threads_.emplace_back([this] { reread(false); });
         threads_.emplace_back([this] { ask(); });
         threads_.emplace_back([this] { ask(); });
     }
@@ -96,23 +75,21 @@ public:
         threads_.clear();
     }
 
-    long readings() const { return readings_; }
-    long questions() const { return questions_; }
-    long wrongAnswers() const { return wrongAnswers_; }
+    std::atomic<long> readings = 0;
+    std::atomic<long> questions = 0;
+    std::atomic<long> wrongAnswers = 0;
 
 private:
-    void reread(const ChangingSettings* settings) {
-        bool withThird = false;
-        while (!stops_) {
-            if (settings != nullptr) {
-                settings->write(withThird);
-                withThird = !withThird;
+    void reread(bool changes) {
+        for (bool withThird = false; !stops_; withThird = !withThird) {
+            if (changes) {
+                keys_.replace(settings(withThird));
             }
             {
                 const ZQLog::Synchronized monitor;
                 ZQLog::initializeTraceDefaultsDict();
             }
-            ++readings_;
+            ++readings;
             ::usleep(500);
         }
     }
@@ -129,23 +106,20 @@ private:
             const bool isWhole = !all || all == NSString("TraceThird+TraceSteady: 7");
             if (!holdsSteady || !isRight || !isWhole || !ZQLog::traceKeyIsEnabled("TraceSteady") ||
                 ZQLog::traceKeyIsEnabled("TraceNever") || !ZQLog::aTraceDefaultValueHasBeenActivated()) {
-                ++wrongAnswers_;
+                ++wrongAnswers;
             }
-            ++questions_;
+            ++questions;
             ::usleep(100);
         }
     }
 
+    const kit::TraceKeys keys_{settings(true)};
     std::atomic<bool> stops_ = false;
-    std::atomic<long> readings_ = 0;
-    std::atomic<long> questions_ = 0;
-    std::atomic<long> wrongAnswers_ = 0;
     std::vector<std::thread> threads_;
 };
 
 void writeFromAllThreads(int lines) {
-    const ChangingSettings settings;
-    Unrest unrest(settings);
+    Unrest unrest;
     std::vector<std::thread> writers;
     for (int writer = 0; writer < writerCount; ++writer) {
         writers.emplace_back([writer, lines] {
@@ -159,20 +133,21 @@ void writeFromAllThreads(int lines) {
     }
     unrest.stop();
     sayScale(std::to_string(writerCount) + " threads of " + std::to_string(lines) + " lines, " +
-             std::to_string(unrest.readings()) + " readings, " + std::to_string(unrest.questions()) +
+             std::to_string(unrest.readings) + " readings, " + std::to_string(unrest.questions) +
              " questions");
-    EXPECT_EQ(unrest.wrongAnswers(), 0);
-    EXPECT_GT(unrest.readings(), 0);
-    EXPECT_GT(unrest.questions(), 0);
+    EXPECT_EQ(unrest.wrongAnswers, 0);
+    EXPECT_GT(unrest.readings, 0);
+    EXPECT_GT(unrest.questions, 0);
 }
 
 /// Writes into one end while another thread checks what arrives at the other.
 std::string verdictOfWriting(int writeEnd, int readEnd, int lines) {
-    LineChecker checker(labels());
+    LineChecker checker(labels);
+    const kit::Descriptor reading(readEnd);
     std::thread reader([&checker, readEnd] { checker.takeAllOf(readEnd); });
     {
-        Descriptor end(writeEnd);
-        const StandardErrorAs standardError(end.number());
+        const kit::Descriptor end(writeEnd);
+        const kit::StandardErrorAs standardError(end.number());
         writeFromAllThreads(lines);
     }
     reader.join();
@@ -196,64 +171,55 @@ std::pair<int, int> openTerminal() {
 }
 
 TEST(ConcurrentLogging, keepsEveryLineInAFile) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     {
-        const Descriptor file(openToAppend(folder / "log"));
-        const StandardErrorAs standardError(file.number());
+        const kit::StandardErrorIn standardError(folder / "log");
         writeFromAllThreads(linesPerWriter);
     }
-    LineChecker checker(labels());
-    const Descriptor written(::open((folder / "log").c_str(), O_RDONLY | O_CLOEXEC));
+    LineChecker checker(labels);
+    const kit::Descriptor written(::open((folder / "log").c_str(), O_RDONLY | O_CLOEXEC));
     checker.takeAllOf(written.number());
     EXPECT_EQ(checker.verdict(writerCount, linesPerWriter), "");
 }
 
-TEST(ConcurrentLogging, keepsEveryLineInAPipe) {
+void expectEveryLineInAPipe(int flags, int lines) {
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    const Descriptor readEnd(ends[0]);
-    EXPECT_EQ(verdictOfWriting(ends[1], readEnd.number(), linesPerWriter), "");
+    ASSERT_EQ(::fcntl(ends[1], F_SETFL, flags), 0);
+    EXPECT_EQ(verdictOfWriting(ends[1], ends[0], lines), "");
 }
 
+TEST(ConcurrentLogging, keepsEveryLineInAPipe) { expectEveryLineInAPipe(0, linesPerWriter); }
+
 TEST(ConcurrentLogging, keepsEveryLineInAPipeThatDoesNotBlock) {
-    int ends[2];
-    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    const Descriptor readEnd(ends[0]);
-    ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
-    EXPECT_EQ(verdictOfWriting(ends[1], readEnd.number(), linesPerWriter / 4), "");
+    expectEveryLineInAPipe(O_NONBLOCK, linesPerWriter / 4);
 }
 
 TEST(ConcurrentLogging, keepsEveryLineOnATerminal) {
     const auto [reading, writing] = openTerminal();
-    const Descriptor readEnd(reading);
     ASSERT_GE(writing, 0) << "no terminal: " << std::strerror(errno);
-    EXPECT_EQ(verdictOfWriting(writing, readEnd.number(), linesPerWriter), "");
+    EXPECT_EQ(verdictOfWriting(writing, reading, linesPerWriter), "");
 }
 
 TEST(ConcurrentLogging, keepsEveryLineUnderAFileSizeLimit) {
     // A limit, even one far away, is met with another way of writing.
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    rlimit limit = before;
-    limit.rlim_cur = rlim_t{1} << 34;
+    const rlimit limit{rlim_t{1} << 34, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    int ends[2];
-    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    const Descriptor readEnd(ends[0]);
-    EXPECT_EQ(verdictOfWriting(ends[1], readEnd.number(), linesPerWriter / 4), "");
+    expectEveryLineInAPipe(0, linesPerWriter / 4);
     EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
 }
 
 TEST(ConcurrentLogging, keepsLinesOfSeveralProcessesWholeInAFile) {
     constexpr int processes = 8;
     constexpr int lines = scaled(5'000, 1'000, 300);
-    const scene::Folder folder;
-    const Descriptor file(openToAppend(folder / "log"));
+    const kit::ScratchFolder folder;
     std::vector<pid_t> children;
     for (int process = 0; process < processes; ++process) {
         children.push_back(::fork());
         if (children.back() == 0) {
-            ::dup2(file.number(), STDERR_FILENO);
+            kit::moveOntoStandardError(kit::openToAppend(folder / "log"));
             for (int sequence = 0; sequence < lines; ++sequence) {
                 ZQLog::logAlways_log(true, numberedText(process, sequence, fillingLength(process, sequence)));
             }
@@ -261,10 +227,10 @@ TEST(ConcurrentLogging, keepsLinesOfSeveralProcessesWholeInAFile) {
         }
     }
     for (const pid_t child : children) {
-        EXPECT_EQ(endOf(child), "");
+        EXPECT_EQ(kit::endOf(child), 0);
     }
     std::vector<int> next(processes, 0);
-    for (const std::string& text : textsIn(scene::contentsOf(folder / "log"))) {
+    for (const std::string& text : textsOf(folder / "log")) {
         const int process = std::atoi(text.c_str());
         ASSERT_TRUE(process >= 0 && process < processes) << text.substr(0, 200);
         int& sequence = next[static_cast<std::size_t>(process)];

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 // A line is with the kernel when the call returns: whatever ends the process next, it is there.
+#include <csignal>
+
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 
 #include "foundation/process/NSLog.h"
-#include "log/ZQLog.h"
-#include "tests/log/HostTesting.h"
-#include "tests/process/Scene.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using namespace hosttest;
+using namespace logscene;
 
 namespace {
 
@@ -85,14 +85,14 @@ int crashChildren(int descriptor, int count) {
             logAsChild(number);
             crash(way);
         }
-        ended += endOf(child) == "killed by signal " + std::to_string(signalOfWay[way]) ? 1 : 0;
+        ended += kit::endOf(child) == -signalOfWay[way] ? 1 : 0;
     }
     return ended;
 }
 
 /// Each child's line, whole, in the order in which they ran.
 void expectAllLines(std::string_view bytes, int count) {
-    std::vector<std::string> texts = textsIn(bytes);
+    Texts texts = kit::textsIn(bytes);
     // Where the processor is emulated, the emulator says on the same descriptor how a program ended.
     std::erase_if(texts,
                   [](const std::string& text) { return text.starts_with("<qemu: uncaught target signal "); });
@@ -103,40 +103,32 @@ void expectAllLines(std::string_view bytes, int count) {
 }
 
 TEST(CrashSafety, keepsTheLinesOfAThousandKilledChildren) {
-    const scene::Folder folder;
-    {
-        const Descriptor file(openToAppend(folder / "log"));
-        EXPECT_EQ(crashChildren(file.number(), childCount), childCount);
-    }
-    expectAllLines(scene::contentsOf(folder / "log"), childCount);
+    const kit::ScratchFolder folder;
+    const kit::Descriptor file(kit::openToAppend(folder / "log"));
+    EXPECT_EQ(crashChildren(file.number(), childCount), childCount);
+    expectAllLines(kit::contentsOf(folder / "log"), childCount);
 }
 
 TEST(CrashSafety, keepsLinesThatNobodyHasReadYet) {
     int ends[2];
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
-    const Descriptor reading(ends[0]);
-    Descriptor writing(ends[1]);
+    const kit::Descriptor reading(ends[0]);
+    kit::Descriptor writing(ends[1]);
     constexpr int count = 30; // what the socket holds without a reader
     EXPECT_EQ(crashChildren(writing.number(), count), count);
-    writing.close();
-    std::string bytes;
-    char buffer[4096];
-    for (ssize_t got = 0; (got = ::read(reading.number(), buffer, sizeof buffer)) > 0;) {
-        bytes.append(buffer, static_cast<std::size_t>(got));
-    }
-    expectAllLines(bytes, count);
+    writing.reset();
+    expectAllLines(kit::readToEnd(reading.number()), count);
 }
 
 TEST(CrashSafety, needsNoFlushWhenTheProgramLeavesWithoutOne) {
-    const scene::Folder folder;
-    const Descriptor file(openToAppend(folder / "log"));
-    const std::string end = inChild([&](const Findings&) {
-        ::dup2(file.number(), STDERR_FILENO);
-        ZQLog::log("first");
-        ZQLog::log("second");
-    });
-    EXPECT_EQ(end, "");
-    EXPECT_EQ(textsIn(scene::contentsOf(folder / "log")), (std::vector<std::string>{"first", "second"}));
+    const kit::CapturedOutput output;
+    EXPECT_EQ(kit::inChild([] {
+                  ZQLog::log("first");
+                  ZQLog::log("second");
+                  return 0; // and leaves at once
+              }),
+              0);
+    EXPECT_EQ(output.texts(), (Texts{"first", "second"}));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What belongs to the host is after every call as it was before.
+#include <algorithm>
 #include <cfenv>
 #include <clocale>
 #include <cmath>
@@ -8,17 +9,15 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include "foundation/objects/NSException.h"
 #include "foundation/process/NSLog.h"
-#include "foundation/process/NSProcessInfo.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "foundation/time/NSDateFormatter.h"
-#include "log/ZQLog.h"
-#include "tests/log/HostTesting.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using namespace hosttest;
+using namespace logscene;
 
 namespace {
 
@@ -109,7 +108,7 @@ std::map<std::string, std::string> hostState() {
     state["locale"] = std::setlocale(LC_ALL, nullptr);
     state["environment"] = environmentText();
     state["rounding"] = std::to_string(std::fegetround());
-    state["terminate handler"] = std::get_terminate() == nullptr ? "none" : "as it was";
+    state["terminate handler"] = hexText(reinterpret_cast<std::uintptr_t>(std::get_terminate()));
     std::string threads;
     for (const std::string& task : namesIn("/proc/self/task")) {
         threads += task + ' ';
@@ -118,135 +117,81 @@ std::map<std::string, std::string> hostState() {
     return state;
 }
 
-struct Plain : NSObjectProtocol {
-    NSString description() const override { return "plain"; }
+const kit::Described plain("plain");
+
+struct Call {
+    constexpr Call(const char* itsName, void (*action)()) : name(itsName), perform(action) {}
+
+    const char* name;
+    void (*perform)();
 };
 
-const Plain plain;
-
-using Call = std::pair<const char*, void (*)()>;
-
 const Call calls[] = {
-    {"log",
-     [] {
-         ZQLog::log("a line");
-     }},
-    {"log, long",
-     [] {
-         ZQLog::log(std::string(100'000, 'x'));
-     }},
-    {"log, nil",
-     [] {
-         ZQLog::log(nullptr);
-     }},
-    {"log, ill-formed",
-     [] {
-         ZQLog::log("\xff\xfe");
-     }},
-    {"log, flag NO",
-     [] {
-         ZQLog::logAlways_log(false, "a line");
-     }},
-    {"NSLog",
-     [] {
-         NSLog("%@ %d", "text", 3);
-     }},
-    {"format",
-     [] {
-         ZQLog::logWithFormat("%@ %5.2f %s %llu %a", NSArray{1, "a", NSDate::date()}, 2.5, "c", 7ULL, 0.1);
-     }},
-    {"format, returned",
-     [] {
-         ZQLog::logStringWithFormat("%@ %g", NSDictionary{{"a", 1.5}}, 2.5);
-     }},
-    {"trace key",
-     [] {
-         ZQLog::logForTraceKey_usingFormat("TraceSteady", "%d", 3);
-     }},
-    {"trace key, off",
-     [] {
-         ZQLog::logForTraceKey_usingFormat("TraceNever", "%d", 3);
-     }},
-    {"level",
-     [] {
-         ZQLog::logForTraceKey_value_usingFormat("TraceNever", 0, "%d", 3);
-     }},
-    {"threshold",
-     [] {
-         ZQLog::logForTraceKey_threshold_usingFormat("TraceNever", 0, "%@", plain);
-     }},
-    {"any of",
-     [] {
-         ZQLog::logForAnyTraceKeyOf_usingFormat(NSArray{"TraceSteady", "TraceNever"}, "x");
-     }},
-    {"all of",
-     [] {
-         ZQLog::logForAllTraceKeysOf_usingFormat(NSArray{"TraceSteady"}, "x");
-     }},
-    {"any",
-     [] {
-         ZQLog::logForAnyTraceKeyUsingFormat("%@", plain);
-     }},
-    {"method caller",
-     [] {
-         ZQLog::logSelf_method_logAlways_logWithFormat(&plain, "run", true, "%@", NSObject(3));
-     }},
-    {"function caller",
-     [] {
-         ZQLog::logFunctionName_logAlways_log("run", true, "x");
-     }},
-    {"prefix",
-     [] {
-         ZQLog::logPrefix();
-     }},
-    {"formatters",
-     [] {
-         ZQLog::dateFormatterLong().stringFromDate(NSDate::date());
-         ZQLog::dateFormatterShort().stringFromDate(NSDate::date());
-     }},
-    {"re-reading",
-     [] {
-         ZQLog::initializeTraceDefaultsDict();
-     }},
-    {"questions",
-     [] {
-         const ZQLog::Synchronized monitor;
-         ZQLog::traceKeyIsEnabled("TraceSteady");
-         ZQLog::activatedTraceDefaultsKeys();
-         ZQLog::activatedTraceDefaultKeys();
-         ZQLog::aTraceDefaultValueHasBeenActivated();
-     }},
-    {"caller descriptions",
-     [] {
-         ZQLog::objectiveCMethodDescriptionStringForCaller_method(&plain, "run");
-         ZQLog::cFunctionDescriptionStringForFunctionName("a/b:c");
-     }},
-    {"defaults",
-     [] {
-         NSUserDefaults::standardUserDefaults().dictionaryRepresentation();
-     }},
-    {"process",
-     [] {
-         NSProcessInfo::processInfo().environment();
-     }},
+    Call("log", [] { ZQLog::log("a line"); }),
+    Call("log, long", [] { ZQLog::log(std::string(100'000, 'x')); }),
+    Call("log, nil", [] { ZQLog::log(nullptr); }),
+    Call("log, ill-formed", [] { ZQLog::log("\xff\xfe"); }),
+    Call("log, flag NO", [] { ZQLog::logAlways_log(false, "a line"); }),
+    Call("NSLog", [] { NSLog("%@ %d", "text", 3); }),
+    Call(
+        "format",
+        [] {
+            ZQLog::logWithFormat("%@ %5.2f %s %llu %a", NSArray{1, "a", NSDate::date()}, 2.5, "c", 7ULL, 0.1);
+        }),
+    Call("format, returned",
+         [] {
+             ZQLog::logStringWithFormat("%@ %g", NSDictionary{{"a", 1.5}}, 2.5);
+         }),
+    Call("trace key", [] { ZQLog::logForTraceKey_usingFormat("TraceSteady", "%d", 3); }),
+    Call("trace key, off", [] { ZQLog::logForTraceKey_usingFormat("TraceNever", "%d", 3); }),
+    Call("level", [] { ZQLog::logForTraceKey_value_usingFormat("TraceNever", 0, "%d", 3); }),
+    Call("threshold", [] { ZQLog::logForTraceKey_threshold_usingFormat("TraceNever", 0, "%@", plain); }),
+    Call("any of",
+         [] {
+             ZQLog::logForAnyTraceKeyOf_usingFormat(NSArray{"TraceSteady", "TraceNever"}, "x");
+         }),
+    Call("all of", [] { ZQLog::logForAllTraceKeysOf_usingFormat(NSArray{"TraceSteady"}, "x"); }),
+    Call("any", [] { ZQLog::logForAnyTraceKeyUsingFormat("%@", plain); }),
+    Call("method caller",
+         [] { ZQLog::logSelf_method_logAlways_logWithFormat(&plain, "run", true, "%@", NSObject(3)); }),
+    Call("function caller", [] { ZQLog::logFunctionName_logAlways_log("run", true, "x"); }),
+    Call("prefix", [] { ZQLog::logPrefix(); }),
+    Call("formatters",
+         [] {
+             ZQLog::dateFormatterLong().stringFromDate(NSDate::date());
+             ZQLog::dateFormatterShort().stringFromDate(NSDate::date());
+         }),
+    Call("re-reading", [] { ZQLog::initializeTraceDefaultsDict(); }),
+    Call("questions",
+         [] {
+             const ZQLog::Synchronized monitor;
+             ZQLog::traceKeyIsEnabled("TraceSteady");
+             ZQLog::activatedTraceDefaultsKeys();
+             ZQLog::activatedTraceDefaultKeys();
+             ZQLog::aTraceDefaultValueHasBeenActivated();
+         }),
+    Call("caller descriptions",
+         [] {
+             ZQLog::objectiveCMethodDescriptionStringForCaller_method(&plain, "run");
+             ZQLog::cFunctionDescriptionStringForFunctionName("a/b:c");
+         }),
+    Call("defaults", [] { NSUserDefaults::standardUserDefaults().dictionaryRepresentation(); }),
+    Call("process", [] { NSProcessInfo::processInfo().environment(); }),
 };
 
 /// Every call; checks `errno` after each, and the rest of the state after all of them.
-void expectAllStays(const Findings& findings) {
+void expectAllStays() {
     const auto before = hostState();
     for (int round = 0; round < 2; ++round) { // the first calls make what the later ones use
-        for (const auto& [name, call] : calls) {
+        for (const Call& call : calls) {
             for (const int error : {EDOM, 0}) {
                 errno = error;
-                call();
-                findings.expect(errno == error,
-                                std::string(name) + " changed errno to " + std::to_string(errno));
+                call.perform();
+                EXPECT_EQ(errno, error) << call.name;
             }
         }
     }
-    for (const auto& [name, value] : hostState()) {
-        findings.expect(before.at(name) == value, name + " changed from " + before.at(name) + " to " + value);
-    }
+    EXPECT_EQ(hostState(), before);
 }
 
 /// A host with settings of its own, which a library may not replace by the usual ones.
@@ -276,40 +221,37 @@ protected:
         const std::string name = GetParam();
         int ends[2] = {-1, -1};
         if (name == "file") {
-            ends[1] = openToAppend(folder_ / "log");
+            ends[1] = kit::openToAppend(folder_ / "log");
         } else if (name == "full device") {
             ends[1] = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
         } else if (name != "closed" && ::pipe2(ends, O_CLOEXEC) == 0) {
             ::close(ends[0]); // nobody reads
         }
-        if (ends[1] < 0) {
-            ::close(STDERR_FILENO);
-        } else {
-            ::dup2(ends[1], STDERR_FILENO);
-            ::close(ends[1]);
+        ::close(STDERR_FILENO);
+        if (ends[1] >= 0) {
+            kit::moveOntoStandardError(ends[1]);
         }
     }
 
-    scene::Folder folder_;
-    std::string settings_ = folder_.write("NSGlobalDomain.plist", "{ TraceSteady = 1; }");
-    scene::Path path_{detail::overrides::defaultsFolder, folder_.path()};
+    const kit::DefaultsScene defaults_{{"TraceSteady", "<true/>"}};
+    const kit::ScratchFolder folder_;
 };
 
 TEST_P(HostState, staysAsItWas) {
-    EXPECT_EQ(inChild([this](const Findings& findings) {
+    EXPECT_EQ(kit::inChild([this] {
                   openStandardError();
-                  expectAllStays(findings);
+                  expectAllStays();
               }),
-              "");
+              0);
 }
 
 TEST_P(HostState, staysAsAParticularHostHasMadeIt) {
-    EXPECT_EQ(inChild([this](const Findings& findings) {
+    EXPECT_EQ(kit::inChild([this] {
                   openStandardError();
                   beParticularHost(folder_.path());
-                  expectAllStays(findings);
+                  expectAllStays();
               }),
-              "");
+              0);
 }
 
 INSTANTIATE_TEST_SUITE_P(StandardError, HostState,
@@ -323,23 +265,19 @@ INSTANTIATE_TEST_SUITE_P(StandardError, HostState,
 #ifdef ZQ_TEST_COUNTS_CALLS
 // The sanitizers intercept the same functions themselves.
 
-TEST(HostStateEnvironment, isReadByTheFirstCallsAlone) {
-    for (const char* const program : {"counts-environment-reads", "counts-environment-reads-shared"}) {
-        const scene::Folder folder;
-        const Descriptor file(openToAppend(folder / "log"));
-        EXPECT_EQ(run({childProgram(program), "-TraceStage", "YES"}, file.number()), "") << program;
-        EXPECT_EQ(textsIn(scene::contentsOf(folder / "log")).size(), 15U) << program;
+void expectLinesOf(const std::string& program, std::size_t lines) {
+    for (const char* const linkage : {"", "-shared"}) {
+        const kit::ScratchFolder folder;
+        const kit::Descriptor file(kit::openToAppend(folder / "log"));
+        EXPECT_EQ(kit::run({childProgram(program + linkage), "-TraceStage", "YES"}, file.number()), 0)
+            << linkage;
+        EXPECT_EQ(textsOf(folder / "log").size(), lines) << linkage;
     }
 }
 
-TEST(HostStateRegistrations, areNoneInAProgramThatLogs) {
-    for (const char* const program : {"counts-registrations", "counts-registrations-shared"}) {
-        const scene::Folder folder;
-        const Descriptor file(openToAppend(folder / "log"));
-        EXPECT_EQ(run({childProgram(program), "-TraceStage", "YES"}, file.number()), "") << program;
-        EXPECT_EQ(textsIn(scene::contentsOf(folder / "log")).size(), 5U) << program;
-    }
-}
+TEST(HostStateEnvironment, isReadByTheFirstCallsAlone) { expectLinesOf("counts-environment-reads", 15); }
+
+TEST(HostStateRegistrations, areNoneInAProgramThatLogs) { expectLinesOf("counts-registrations", 5); }
 
 #endif
 

@@ -18,11 +18,10 @@
 #include "foundation/system/TestOverrides.h"
 #include "log/ZQLog.h"
 #include "log/ZQTraceKey.h"
-#include "tests/log/HostTesting.h"
-#include "tests/log/LogTestSupport.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using hosttest::scaled;
+using logscene::scaled;
 
 namespace {
 
@@ -57,7 +56,7 @@ void handle(int) {
 
 /// What is interrupted. Between two stops, so that only it is.
 template <class Work>
-[[noreturn]] void beLedThrough(const Work& work) {
+[[noreturn]] void beInterrupted(const Work& work) {
     const int nowhere = ::open("/dev/null", O_WRONLY);
     ::dup2(nowhere, STDERR_FILENO);
     NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceOn", 3}});
@@ -110,7 +109,7 @@ int step(pid_t child) {
     return nextStop(child);
 }
 
-/// Lets the handler run where the child is, and leads the child back there. Returns the signal of its last
+/// Lets the handler run where the child is, and brings the child back there. Returns the signal of its last
 /// stop.
 int interrupt(pid_t child) {
     const Place place = placeOf(child);
@@ -141,7 +140,7 @@ long interruptionsOf(const Work& work, long stride) {
     const pid_t child = ::fork();
     if (child == 0) {
         ::alarm(100);
-        beLedThrough(work);
+        beInterrupted(work);
     }
     long interruptions = 0;
     int stop = nextStop(child);
@@ -158,7 +157,7 @@ long interruptionsOf(const Work& work, long stride) {
 }
 
 void expectUnharmed(const char* what, long interruptions, long fewest) {
-    hosttest::sayScale(std::string(what) + " interrupted " + std::to_string(interruptions) + " times");
+    logscene::sayScale(std::string(what) + " interrupted " + std::to_string(interruptions) + " times");
     EXPECT_GT(interruptions, fewest) << what;
 }
 

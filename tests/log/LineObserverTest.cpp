@@ -5,11 +5,7 @@
 
 #include <csignal>
 #include <exception>
-#include <memory>
 #include <mutex>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include <pthread.h>
 
@@ -17,16 +13,16 @@
 #include "info/ZQLogInfo.h"
 #include "log/NSAssertionHandler.h"
 #include "tests/kit/AllocationCount.h"
-#include "tests/log/HostTesting.h"
-#include "tests/log/LogTestSupport.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using hosttest::scaled;
-using logtest::CapturedOutput;
+using kit::CapturedOutput;
+using kit::inChild;
+using logscene::Background;
+using logscene::scaled;
+using logscene::Texts;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 /// The observer for a scope.
 class Observed {
@@ -78,7 +74,7 @@ void logInEveryWay() {
 }
 
 TEST(LineObserver, getsTheLinesOfEveryOperationAsTheyAreWritten) {
-    const logtest::TraceKeys keys{{"TraceSeen", "<true/>"}};
+    const kit::TraceKeys keys{{"TraceSeen", "<true/>"}};
     const CapturedOutput output;
     Window window;
     const Observed observed(Window::observe, &window);
@@ -89,9 +85,9 @@ TEST(LineObserver, getsTheLinesOfEveryOperationAsTheyAreWritten) {
                      "*** Assertion failure in -[Store reload], LineObserverTest.cpp:" +
                          window.messages.back().substr(window.messages.back().rfind(':') + 1)}));
     for (std::size_t i = 0; i < window.texts.size(); ++i) {
-        const std::optional<logtest::LinePrefix> prefix = logtest::readPrefix(window.texts[i]);
+        const kit::Prefix prefix = kit::readPrefix(window.texts[i]);
         ASSERT_TRUE(prefix) << window.texts[i];
-        EXPECT_EQ(window.texts[i].substr(prefix->length), window.messages[i]);
+        EXPECT_EQ(window.texts[i].substr(prefix.length), window.messages[i]);
     }
     EXPECT_EQ(joined(window.texts), output.bytes());
 }
@@ -107,7 +103,7 @@ TEST(LineObserver, getsTheStartUpReport) {
 
 TEST(LineObserver, isCalledAfterTheWrite) {
     struct Look {
-        const CapturedOutput output;
+        CapturedOutput output;
         std::string seen;
     } look;
     const Observed observed(
@@ -121,17 +117,16 @@ TEST(LineObserver, isCalledAfterTheWrite) {
 }
 
 TEST(LineObserver, getsLinesThatCannotBeWritten) {
-    EXPECT_EQ(hosttest::inChild([](const hosttest::Findings& found) {
+    EXPECT_EQ(inChild([] {
                   Window window;
-                  ZQLog::setLineObserver(Window::observe, &window);
+                  const Observed observed(Window::observe, &window);
                   ::close(STDERR_FILENO);
                   ZQLog::log("closed");
-                  const int full = ::open("/dev/full", O_WRONLY);
-                  found.expect(full == STDERR_FILENO, "another number");
+                  EXPECT_EQ(::open("/dev/full", O_WRONLY), STDERR_FILENO);
                   ZQLog::log("full");
-                  found.expect(window.messages == Texts{"closed", "full"}, joined(window.messages));
+                  EXPECT_EQ(window.messages, (Texts{"closed", "full"}));
               }),
-              "");
+              0);
 }
 
 TEST(LineObserver, isReplacedAndTakenAway) {
@@ -205,7 +200,7 @@ TEST(LineObserver, allocatesNothingBesidesWhatTheObserverDoes) {
 }
 
 TEST(LineObserver, endsTheProcessByAnExceptionThatLeavesIt) {
-    EXPECT_EQ(hosttest::inChild([](const hosttest::Findings&) {
+    EXPECT_EQ(inChild([] {
                   std::set_terminate([] { ::_exit(42); });
                   ZQLog::setLineObserver([](const ZQLogLine&, void*) { throw 1; }, nullptr);
                   try {
@@ -214,7 +209,7 @@ TEST(LineObserver, endsTheProcessByAnExceptionThatLeavesIt) {
                       ::_exit(43);
                   }
               }),
-              "exit code 42");
+              42);
 }
 
 /// A call of the observer that does not return until it is released.
@@ -232,10 +227,7 @@ struct Gate {
     }
 
     bool holdsSoon(int threads) const {
-        for (int milliseconds = 0; milliseconds < 10'000 && inside != threads; ++milliseconds) {
-            ::usleep(1000);
-        }
-        return inside == threads;
+        return logscene::holdsSoon([&] { return inside == threads; });
     }
 };
 
@@ -245,13 +237,13 @@ TEST(LineObserverConcurrency, callsOnManyThreadsAtOnceWithoutALock) {
     const CapturedOutput output;
     Gate gate;
     const Observed observed(Gate::observe, &gate);
-    std::vector<std::unique_ptr<logtest::Background>> logging;
+    std::vector<std::unique_ptr<Background>> logging;
     for (int i = 0; i < threads; ++i) {
-        logging.push_back(std::make_unique<logtest::Background>([] { ZQLog::log("a"); }));
+        logging.push_back(std::make_unique<Background>([] { ZQLog::log("a"); }));
     }
     EXPECT_TRUE(gate.holdsSoon(threads));
     // The monitor and the writer are free meanwhile.
-    EXPECT_TRUE(logtest::anotherThreadCanTakeTheMonitor());
+    EXPECT_TRUE(logscene::anotherThreadCanTakeTheMonitor());
     gate.opens = true;
     logging.clear();
     EXPECT_EQ(gate.inside, 0);
@@ -262,11 +254,11 @@ TEST(LineObserverConcurrency, isGoneWhenAnotherOneIsSet) {
     const CapturedOutput output;
     Gate gate;
     const Observed observed(Gate::observe, &gate);
-    logtest::Background logging([] { ZQLog::log("a"); });
+    Background logging([] { ZQLog::log("a"); });
     ASSERT_TRUE(gate.holdsSoon(1));
     const std::uint64_t before = detail::lineObserverSetting;
     std::atomic<int> insideAfterwards = -1;
-    logtest::Background setting([&] {
+    Background setting([&] {
         ZQLog::setLineObserver(nullptr, nullptr);
         insideAfterwards = gate.inside.load();
     });
@@ -287,28 +279,28 @@ struct Context {
     ~Context() { isAlive = false; }
 };
 
-std::atomic<long> linesOfTheDead = 0;
+std::atomic<long> linesAfterTheEnd = 0;
 
 void countLine(const ZQLogLine& line, void* context) {
     Context& own = *static_cast<Context*>(context);
     if (!own.isAlive || line.message != "storm") {
-        ++linesOfTheDead;
+        ++linesAfterTheEnd;
     }
     ++own.lines;
 }
 
 // The address and thread sanitizers see what is touched after its end.
-TEST(LineObserverConcurrency, mayBeReplacedAndItsContextFreedInAStormOfLines) {
+TEST(LineObserverConcurrency, mayBeReplacedAndItsContextFreedWhileThreadsLog) {
     constexpr int threads = 4;
     constexpr int replacements = scaled(4000, 1000, 500);
-    const hosttest::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-    const hosttest::StandardErrorAs output(nowhere.number());
+    const kit::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    const kit::StandardErrorAs output(nowhere.number());
     std::atomic<bool> ends = false;
     std::atomic<long> written = 0;
-    std::vector<std::unique_ptr<logtest::Background>> logging;
+    std::vector<std::unique_ptr<Background>> logging;
     long observed = 0;
     for (int i = 0; i < threads; ++i) {
-        logging.push_back(std::make_unique<logtest::Background>([&] {
+        logging.push_back(std::make_unique<Background>([&] {
             while (!ends) {
                 ZQLog::log("storm");
                 ++written;
@@ -328,7 +320,7 @@ TEST(LineObserverConcurrency, mayBeReplacedAndItsContextFreedInAStormOfLines) {
     ZQLog::setLineObserver(nullptr, nullptr);
     ends = true;
     logging.clear();
-    EXPECT_EQ(linesOfTheDead, 0);
+    EXPECT_EQ(linesAfterTheEnd, 0);
     EXPECT_GT(observed, 0);
     EXPECT_GE(written, observed);
 }
@@ -348,8 +340,8 @@ TEST(LineObserverConcurrency, maySetAnotherOneOnTwoThreadsAtOnce) {
     } meeting;
     const Observed observed(Meeting::observe, &meeting);
     {
-        logtest::Background first([] { ZQLog::log("a"); });
-        logtest::Background second([] { ZQLog::log("b"); });
+        Background first([] { ZQLog::log("a"); });
+        Background second([] { ZQLog::log("b"); });
         EXPECT_TRUE(first.isDoneSoon());
         EXPECT_TRUE(second.isDoneSoon());
     }
@@ -390,8 +382,8 @@ std::atomic<long> observedHandlerLines = 0;
 
 TEST(LineObserverConcurrency, isCalledForTheLinesOfAHandlerButNotInsideItself) {
     constexpr long interruptions = scaled(4000, 1000, 500);
-    const hosttest::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-    const hosttest::StandardErrorAs output(nowhere.number());
+    const kit::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    const kit::StandardErrorAs output(nowhere.number());
     ZQLog::log("first");
     struct State {
         std::atomic<int> depth = 0;
@@ -441,15 +433,15 @@ TEST(LineObserverFork, servesAChildWhoseParentHadOtherThreadsInside) {
     const CapturedOutput output;
     Gate gate;
     const Observed observed(Gate::observe, &gate);
-    logtest::Background logging([] { ZQLog::log("a"); });
+    Background logging([] { ZQLog::log("a"); });
     ASSERT_TRUE(gate.holdsSoon(1));
-    EXPECT_EQ(hosttest::inChild([](const hosttest::Findings& found) {
+    EXPECT_EQ(inChild([] {
                   Window window;
                   ZQLog::setLineObserver(Window::observe, &window); // the other thread is not here
                   ZQLog::log("in the child");
-                  found.expect(window.messages == Texts{"in the child"}, joined(window.messages));
+                  EXPECT_EQ(window.messages, Texts{"in the child"});
               }),
-              "");
+              0);
     gate.opens = true;
 }
 
@@ -457,28 +449,28 @@ TEST(LineObserverFork, hasTheParentsObserverInAChildThatItHasForkedItself) {
     const CapturedOutput output;
     struct State {
         Texts messages;
-        std::string child = "none";
+        int child = -1;
     } state;
     const Observed observed(
         [](const ZQLogLine& line, void* context) {
             State& own = *static_cast<State*>(context);
             own.messages.emplace_back(line.message);
             if (own.messages.size() == 1) {
-                own.child = hosttest::inChild([&own](const hosttest::Findings& found) {
+                own.child = inChild([&own] {
                     ZQLog::log("inside, so not observed");
                     ZQLog::setLineObserver(nullptr, nullptr); // waits for nobody
-                    found.expect(own.messages.size() == 1, "observed inside");
+                    EXPECT_EQ(own.messages.size(), 1U);
                 });
             }
         },
         &state);
     ZQLog::log("a");
-    EXPECT_EQ(state.child, "");
-    EXPECT_EQ(hosttest::inChild([&state](const hosttest::Findings& found) {
+    EXPECT_EQ(state.child, 0);
+    EXPECT_EQ(inChild([&state] {
                   ZQLog::log("b");
-                  found.expect(state.messages == Texts{"a", "b"}, joined(state.messages));
+                  EXPECT_EQ(state.messages, (Texts{"a", "b"}));
               }),
-              "");
+              0);
 }
 
 } // namespace

@@ -1,64 +1,46 @@
 // SPDX-License-Identifier: MIT
 // Where a log file belongs and how it is called.
-#include <atomic>
-#include <climits>
-#include <cstdlib>
-#include <ctime>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include "foundation/process/NSProcessInfo.h"
-#include "foundation/system/TestOverrides.h"
-#include "log/ZQLog.h"
-#include "tests/log/LogTestSupport.h"
-#include "tests/process/ItemFacts.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
+using kit::insideFolder;
+using kit::stands;
 
 namespace {
-
-using scene::insideFolder;
-using scene::realPath;
-using scene::stands;
 
 namespace overrides = ZQFoundation::detail::overrides;
 
 constexpr double instant = 1'709'647'620.75; // 2024-03-05 14:07:00.75 UTC
-
-std::string text(const NSString& value) { return value ? value.utf8() : std::string("(nil)"); }
 
 std::string number() { return std::to_string(::getpid()); }
 
 /// A process "MyApp" without a bundle at 14:07 UTC, in a home folder of its own that holds a Library.
 struct LogScene {
     explicit LogScene(const std::string& name = "MyApp")
-        : base(realPath(folder.path())), home(folder.makeFolder("home")),
+        : base(kit::realPath(folder.path())), home(folder.makeFolder("home")),
           homeVariable("HOME", (base + "/home").c_str()),
-          arguments(overrides::arguments, {"/somewhere/" + name}),
-          processName(NSString::stringWithFileSystemBytes(name.data(), name.size())),
+          arguments(overrides::arguments, {"/somewhere/" + name}), processName(kit::fromBytes(name)),
           program(overrides::executablePath, folder.makeFolder("program") + "/viewer") {
         folder.makeFolder("home/Library");
     }
 
     std::string operator/(const std::string& name) const { return base + "/" + name; }
 
-    scene::Folder folder;
+    kit::ScratchFolder folder;
     std::string base;
     std::string home;
-    scene::Variable homeVariable;
-    scene::Arguments arguments;
-    logtest::ProcessName processName; // a name that an earlier test has set would win over the arguments
-    scene::Path program;
-    scene::Variable zone{"TZ", "UTC0"};
-    scene::Replaced<double> clock{overrides::clock, instant};
+    kit::Variable homeVariable;
+    kit::Arguments arguments;
+    kit::ProcessName processName; // a name that an earlier test has set would win over the arguments
+    kit::Path program;
+    kit::Variable zone{"TZ", "UTC0"};
+    kit::Replaced<double> clock{overrides::clock, instant};
 };
 
 std::string newName(const NSString& folder) {
-    return text(ZQLog::standardNewLogFileNameForLoggingToFolder(folder));
+    return kit::utf8Of(ZQLog::standardNewLogFileNameForLoggingToFolder(folder));
 }
 
 std::string standardName() { return "MyApp.20240305-1407." + number() + ".log"; }
@@ -69,7 +51,7 @@ std::string standardName() { return "MyApp.20240305-1407." + number() + ".log"; 
 
 TEST(LogFileNames, folderIsTheApplicationsFolderUnderTheLibrary) {
     const LogScene scene;
-    EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
     EXPECT_EQ(ZQLog::standardLogFolder(), NSProcessInfo::pathOfLibraryLogSubfolder());
     EXPECT_FALSE(stands(scene / "home/Library/Logs")) << "nobody asked for it to be made";
 }
@@ -80,50 +62,60 @@ TEST(LogFileNames, folderHasALevelForTheCompany) {
                        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
                        "<key>ZQCompanyName</key><string>Acme</string>"
                        "<key>NSHumanReadableShortName</key><string>Viewer</string></dict></plist>");
-    EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/Acme/Viewer");
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "home/Library/Logs/Acme/Viewer");
     // The file keeps the name of the process.
-    EXPECT_EQ(text(ZQLog::standardLogFilePath()),
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFilePath()),
               scene / ("home/Library/Logs/Acme/Viewer/" + standardName()));
 }
 
-TEST(LogFileNames, folderIsTheTemporaryOneWithoutALibrary) {
+TEST(LogFileNames, folderIsTheTemporaryOneWithoutALibraryInAHome) {
     const LogScene scene;
-    const std::string library = scene / "home/Library";
-    const auto folder = [] {
-        return text(ZQLog::standardLogFolder());
+    scene.folder.write("file", "no folder");
+    scene.folder.write("libraryIsAFile/Library", "");
+    const std::pair<std::string, const char*> links[] = {
+        {"dangling", "nosuch"},
+        {"loop", "loop"},
+        {"libraryDangles/Library", "nosuch"},
+        {"libraryIsALoop/Library", "Library"},
+        {"libraryIsToAFile/Library", "../file"},
+        {"libraryIsToAFolder/Library", "../home"},
     };
-    ASSERT_EQ(::rmdir(library.c_str()), 0);
-    EXPECT_EQ(folder(), "/tmp") << "missing";
-    EXPECT_EQ(text(ZQLog::standardLogFilePath()), "/tmp/" + standardName());
-    EXPECT_FALSE(stands(library));
-    scene.folder.write("home/Library", "a file");
-    EXPECT_EQ(folder(), "/tmp") << "a file";
-    ASSERT_EQ(::unlink(library.c_str()), 0);
-    ASSERT_EQ(::symlink("nosuch", library.c_str()), 0);
-    EXPECT_EQ(folder(), "/tmp") << "a dangling link";
-    ASSERT_EQ(::unlink(library.c_str()), 0);
-    scene.folder.write("file", "");
-    ASSERT_EQ(::symlink("../file", library.c_str()), 0);
-    EXPECT_EQ(folder(), "/tmp") << "a link to a file";
-    ASSERT_EQ(::unlink(library.c_str()), 0);
-    scene.folder.makeFolder("elsewhere");
-    ASSERT_EQ(::symlink("../elsewhere", library.c_str()), 0);
-    EXPECT_EQ(folder(), scene / "home/Library/Logs/MyApp") << "a link to a folder, which stays in the path";
+    for (const auto& [path, target] : links) {
+        if (const std::size_t slash = path.find('/'); slash != path.npos) {
+            scene.folder.makeFolder(path.substr(0, slash));
+        }
+        ASSERT_EQ(::symlink(target, (scene / path).c_str()), 0);
+    }
+    for (const char* const name : {"file", "program", "libraryIsAFile", "libraryIsALoop", "libraryDangles",
+                                   "libraryIsToAFile", "loop", "dangling", "missing"}) {
+        const kit::Variable home("HOME", (scene / name).c_str());
+        EXPECT_EQ(ZQLog::standardLogFolder(), "/tmp") << name;
+        EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFilePath()), "/tmp/" + standardName()) << name;
+    }
+    EXPECT_FALSE(stands(scene / "missing") || stands(scene / "program/Library"));
+    const kit::Variable home("HOME", (scene / "libraryIsToAFolder").c_str());
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "libraryIsToAFolder/Library/Logs/MyApp")
+        << "the link stays in the path";
 }
 
-TEST(LogFileNames, folderIsTheTemporaryOneWithoutAHome) {
+TEST(LogFileNames, folderIsInTheHomeOfTheUserDatabaseWithoutAnAbsoluteHome) {
     const LogScene scene;
-    const scene::Variable home("HOME", (scene / "nosuch").c_str());
-    EXPECT_EQ(text(ZQLog::standardLogFolder()), "/tmp");
-    EXPECT_FALSE(stands(scene / "nosuch"));
+    const kit::Variable home("HOME", nullptr);
+    const NSString expected = ZQLog::standardLogFolder();
+    EXPECT_TRUE(expected.hasPrefix("/"));
+    for (const char* const path : {"", "relative", "../x", "."}) {
+        home.change(path);
+        EXPECT_EQ(ZQLog::standardLogFolder(), expected) << path;
+    }
 }
 
 TEST(LogFileNames, folderHasTheLinksOfTheHomeResolved) {
     const LogScene scene;
     ASSERT_EQ(::symlink("home", (scene / "toHome").c_str()), 0);
-    const scene::Variable home("HOME", (scene / "toHome").c_str());
-    EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
-    EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
+    const kit::Variable home("HOME", (scene / "toHome").c_str());
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFilePath()),
+              scene / ("home/Library/Logs/MyApp/" + standardName()));
 }
 
 // The name.
@@ -146,8 +138,8 @@ TEST(LogFileNames, nameHoldsProcessMinuteAndNumber) {
         {"UTC0", 946'684'799, "19991231-2359"},
     };
     for (const auto& row : rows) {
-        const scene::Variable zone("TZ", row.zone);
-        const scene::Replaced<double> clock(overrides::clock, row.seconds);
+        const kit::Variable zone("TZ", row.zone);
+        const kit::Replaced<double> clock(overrides::clock, row.seconds);
         EXPECT_EQ(newName(nullptr), std::string("MyApp.") + row.minute + "." + number() + ".log") << row.zone;
     }
 }
@@ -157,24 +149,18 @@ TEST(LogFileNames, nameHoldsTheProcessNameAsItIs) {
         const LogScene scene(name);
         EXPECT_EQ(newName("/x"), std::string(name) + ".20240305-1407." + number() + ".log");
     }
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const LogScene scene;
         NSProcessInfo::processInfo().setProcessName("Renamed");
         EXPECT_EQ(newName("/x"), "Renamed.20240305-1407." + number() + ".log");
-        EXPECT_EQ(text(ZQLog::standardLogFolder()), scene / "home/Library/Logs/Renamed");
+        EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "home/Library/Logs/Renamed");
     });
 }
 
 TEST(LogFileNames, nameHoldsAForkedChildsOwnNumber) {
     const LogScene scene;
     const std::string parents = newName("/x");
-    EXPECT_TRUE(
-        logtest::inChild([&parents] { return newName("/x") == standardName() && newName("/x") != parents; }));
-}
-
-TEST(LogFileNames, pathIsTheFolderWithTheName) {
-    const LogScene scene;
-    EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
+    EXPECT_EQ(kit::inChild([&] { return newName("/x") == standardName() && newName("/x") != parents; }), 0);
 }
 
 // Numbers: a name made for a given folder never gets one.
@@ -186,7 +172,8 @@ TEST(LogFileNames, nameIsNeverNumberedForAFolder) {
     EXPECT_EQ(newName(NSString(scene / "logs")), standardName());
     EXPECT_EQ(newName(NSString(scene / "logs/")), standardName());
     EXPECT_EQ(newName("/nosuch"), standardName());
-    EXPECT_EQ(text(ZQLog::standardLogFilePath()), scene / ("home/Library/Logs/MyApp/" + standardName()));
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFilePath()),
+              scene / ("home/Library/Logs/MyApp/" + standardName()));
     const std::string inside = scene / "logs";
     EXPECT_TRUE(insideFolder(inside, [&scene] {
         scene.folder.write("logs/" + standardName(), "the child's");
@@ -209,7 +196,7 @@ TEST(LogFileNames, nameIsNotNumberedInTheCurrentFolderWhileTheFileOfThatNameStay
     })) << "a folder of that name";
 }
 
-TEST(LogFileNames, nameIsPlainWhenOnlyADanglingLinkBearsIt) {
+TEST(LogFileNames, nameIsPlainWhenOnlyADanglingLinkHasIt) {
     const LogScene scene;
     scene.folder.makeFolder("logs");
     EXPECT_TRUE(insideFolder(scene / "logs", [] {
@@ -218,7 +205,7 @@ TEST(LogFileNames, nameIsPlainWhenOnlyADanglingLinkBearsIt) {
 }
 
 TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const LogScene scene;
         scene.folder.makeFolder("logs");
         ASSERT_EQ(::chdir((scene / "logs").c_str()), 0);
@@ -261,7 +248,7 @@ TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
 
 TEST(LogFileNames, nothingIsWrittenAndErrnoIsKept) {
     const LogScene scene;
-    const logtest::CapturedOutput output;
+    const kit::CapturedOutput output;
     errno = EDOM;
     ZQLog::standardLogFolder();
     ZQLog::standardLogFilePath();

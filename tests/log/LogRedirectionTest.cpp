@@ -1,58 +1,37 @@
 // SPDX-License-Identifier: MIT
 // Standard error redirected to a log file and back. The descriptor that is kept aside belongs to the process,
 // so each test runs in a process of its own.
-#include <climits>
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <array>
 #include <set>
-#include <string>
-#include <vector>
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include "foundation/system/TestOverrides.h"
-#include "log/ZQLog.h"
-#include "tests/log/HostTesting.h"
-#include "tests/log/LogTestSupport.h"
-#include "tests/process/ItemFacts.h"
+#include "tests/kit/Items.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
+using logscene::Texts;
+using logscene::textsOf;
 
 namespace {
 
-using scene::realPath;
-
 namespace overrides = ZQFoundation::detail::overrides;
 
-using Texts = std::vector<std::string>;
 using Numbers = std::set<int>;
 
-Texts textsOf(const std::string& path) { return hosttest::textsIn(scene::contentsOf(path)); }
-
-/// The descriptors that are open.
-Numbers openNumbers() {
+/// The descriptors that are open and not among those.
+Numbers openNumbers(const Numbers& others = {}) {
     Numbers numbers;
     for (int number = 0; number < 1024; ++number) {
-        if (::fcntl(number, F_GETFD) != -1) {
+        if (::fcntl(number, F_GETFD) != -1 && !others.contains(number)) {
             numbers.insert(number);
         }
     }
     return numbers;
 }
 
-/// Those of `after` that are not in `before`.
-Numbers addedTo(const Numbers& before, const Numbers& after) {
-    Numbers added = after;
-    for (const int number : before) {
-        added.erase(number);
-    }
-    return added;
-}
-
-bool leadsTo(int descriptor, const std::string& path) {
+bool refersTo(int descriptor, const std::string& path) {
     struct stat open {};
     struct stat named {};
     return ::fstat(descriptor, &open) == 0 && ::stat(path.c_str(), &named) == 0 &&
@@ -62,7 +41,7 @@ bool leadsTo(int descriptor, const std::string& path) {
 /// Items to redirect to, a home with a Library, and descriptor 2 redirected to the file "first".
 struct RedirectionScene {
     RedirectionScene()
-        : base(realPath(folder.path())), home("HOME", (base + "/home").c_str()),
+        : base(kit::realPath(folder.path())), home("HOME", (base + "/home").c_str()),
           arguments(overrides::arguments, {"/somewhere/MyApp"}),
           program(overrides::executablePath, folder.makeFolder("program") + "/viewer") {
         folder.makeFolder("home/Library");
@@ -73,10 +52,7 @@ struct RedirectionScene {
         link("nosuch", "dangling");
         link("folder/unmade.log", "toUnmade");
         EXPECT_EQ(::mkfifo((*this / "pipe").c_str(), 0600), 0);
-        const int file = hosttest::openToAppend(first());
-        EXPECT_GE(file, 0);
-        EXPECT_EQ(::dup2(file, STDERR_FILENO), STDERR_FILENO);
-        ::close(file);
+        kit::moveOntoStandardError(kit::openToAppend(first()));
     }
 
     std::string operator/(const std::string& name) const { return base + "/" + name; }
@@ -85,11 +61,11 @@ struct RedirectionScene {
         EXPECT_EQ(::symlink(target.c_str(), (*this / name).c_str()), 0) << name;
     }
 
-    scene::Folder folder;
+    kit::ScratchFolder folder;
     std::string base;
-    scene::Variable home;
-    scene::Arguments arguments;
-    scene::Path program;
+    kit::Variable home;
+    kit::Arguments arguments;
+    kit::Path program;
 };
 
 void redirect(const std::string& path) { ZQLog::setOptionalLogFilePath(NSString(path)); }
@@ -98,14 +74,14 @@ void redirect(const std::string& path) { ZQLog::setOptionalLogFilePath(NSString(
 int redirectAndFindKept(const std::string& path) {
     const Numbers before = openNumbers();
     redirect(path);
-    const Numbers added = addedTo(before, openNumbers());
+    const Numbers added = openNumbers(before);
     EXPECT_EQ(added.size(), 1U);
     return added.empty() ? -1 : *added.begin();
 }
 
 /// A file of the host's own under that number.
 void openAs(int number, const std::string& path) {
-    const int file = hosttest::openToAppend(path);
+    const int file = kit::openToAppend(path);
     EXPECT_GE(file, 0);
     if (file != number) {
         EXPECT_EQ(::dup2(file, number), number);
@@ -115,46 +91,52 @@ void openAs(int number, const std::string& path) {
 
 const char* const caller = "+[ZQLog setLogFilePath:createFolder:] ";
 
+/// Runs the body in a process of its own.
+template <class Body>
+void inScene(const Body& body) {
+    kit::inFreshProcess([&body] {
+        const RedirectionScene scene;
+        body(scene);
+    });
+}
+
 } // namespace
 
 // Without a check.
 
 TEST(LogRedirection, restoringDoesNothingBeforeTheFirstRedirection) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         const Numbers before = openNumbers();
         ZQLog::clearLogFilePath();
         ZQLog::clearLogFilePath();
         EXPECT_EQ(openNumbers(), before);
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first()));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
         ZQLog::logAlways_log(true, "line");
         EXPECT_EQ(textsOf(scene.first()), Texts{"line"});
         // Nothing was kept aside either: the first redirection still keeps what there is now.
-        EXPECT_TRUE(leadsTo(redirectAndFindKept(scene / "log"), scene.first()));
+        EXPECT_TRUE(refersTo(redirectAndFindKept(scene / "log"), scene.first()));
     });
 }
 
 TEST(LogRedirection, sendsLinesAndStandardErrorToTheEndOfTheFile) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         redirect(scene / "file");
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "file"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "file"));
         EXPECT_EQ(::fileno(stderr), STDERR_FILENO);
         ZQLog::logAlways_log(true, "line");
         // At once, although the line has no end yet.
         std::fputs("by the host", stderr);
-        const std::string written = scene::contentsOf(scene / "file");
+        const std::string written = kit::contentsOf(scene / "file");
         EXPECT_EQ(written.substr(0, 10), "as it was\n");
         EXPECT_EQ(written.substr(written.size() - 17), " line\nby the host");
         EXPECT_EQ(::write(STDERR_FILENO, "!\n", 2), 2);
-        EXPECT_EQ(scene::contentsOf(scene / "file"), written + "!\n");
-        EXPECT_EQ(scene::contentsOf(scene.first()), "");
+        EXPECT_EQ(kit::contentsOf(scene / "file"), written + "!\n");
+        EXPECT_EQ(kit::contentsOf(scene.first()), "");
     });
 }
 
 TEST(LogRedirection, opensTheFileForAppendingAndReading) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         redirect(scene / "file");
         const int flags = ::fcntl(STDERR_FILENO, F_GETFL);
         EXPECT_EQ(flags & O_ACCMODE, O_RDWR);
@@ -171,47 +153,44 @@ TEST(LogRedirection, opensTheFileForAppendingAndReading) {
 }
 
 TEST(LogRedirection, createsTheFileAndHandsItToProgramsThatTheHostStarts) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         redirect(scene / "new");
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "new"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "new"));
         EXPECT_EQ(::fcntl(STDERR_FILENO, F_GETFD), 0);
         const pid_t child = ::fork();
         if (child == 0) {
             ::execl("/bin/sh", "sh", "-c", "echo from a program >&2", nullptr);
             ::_exit(127);
         }
-        EXPECT_EQ(hosttest::endOf(child), "");
-        EXPECT_EQ(scene::contentsOf(scene / "new"), "from a program\n");
+        EXPECT_EQ(kit::endOf(child), 0);
+        EXPECT_EQ(kit::contentsOf(scene / "new"), "from a program\n");
     });
 }
 
 TEST(LogRedirection, keepsTheFirstStandardErrorAside) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         const int kept = redirectAndFindKept(scene / "one");
-        EXPECT_TRUE(leadsTo(kept, scene.first()));
+        EXPECT_TRUE(refersTo(kept, scene.first()));
         EXPECT_NE(::fcntl(kept, F_GETFD) & FD_CLOEXEC, 0) << "programs that the host starts would inherit it";
         const Numbers before = openNumbers();
         redirect(scene / "two");
         EXPECT_EQ(openNumbers(), before) << "a second one was kept";
-        EXPECT_TRUE(leadsTo(kept, scene.first()));
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "two"));
+        EXPECT_TRUE(refersTo(kept, scene.first()));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "two"));
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first()));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
     });
 }
 
 TEST(LogRedirection, isUndoneByRestoring) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         const Numbers before = openNumbers();
         const int kept = redirectAndFindKept(scene / "log");
         ZQLog::logAlways_log(true, "into the file");
         ZQLog::clearLogFilePath();
         EXPECT_EQ(openNumbers(), before);
         EXPECT_EQ(::fcntl(kept, F_GETFD), -1) << "it is closed";
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first()));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
         ZQLog::logAlways_log(true, "back");
         std::fputs("<by the host>\n", stderr);
         EXPECT_EQ(textsOf(scene / "log"), Texts{"into the file"});
@@ -222,28 +201,26 @@ TEST(LogRedirection, isUndoneByRestoring) {
 // The number of the descriptor that was kept is never forgotten.
 
 TEST(LogRedirection, keepsNothingTheSecondTimeAndRestoresFromWhatHasTheNumberByThen) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         const int stale = redirectAndFindKept(scene / "one");
         ZQLog::clearLogFilePath();
         openAs(stale, scene / "hosts");
         const Numbers before = openNumbers();
         redirect(scene / "two");
         EXPECT_EQ(openNumbers(), before) << "something was kept";
-        EXPECT_TRUE(leadsTo(stale, scene / "hosts"));
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "two"));
+        EXPECT_TRUE(refersTo(stale, scene / "hosts"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "two"));
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "hosts"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "hosts"));
         EXPECT_EQ(::fcntl(stale, F_GETFD), -1) << "the host's descriptor is closed";
         ZQLog::logAlways_log(true, "astray");
         EXPECT_EQ(textsOf(scene / "hosts"), Texts{"astray"});
-        EXPECT_EQ(scene::contentsOf(scene.first()), "");
+        EXPECT_EQ(kit::contentsOf(scene.first()), "");
     });
 }
 
 TEST(LogRedirection, staysInTheSecondFileWhenNobodyHasTheNumber) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         redirect(scene / "one");
         ZQLog::clearLogFilePath();
         const Numbers before = openNumbers();
@@ -251,48 +228,46 @@ TEST(LogRedirection, staysInTheSecondFileWhenNobodyHasTheNumber) {
         EXPECT_EQ(openNumbers(), before) << "something was kept";
         ZQLog::clearLogFilePath();
         EXPECT_EQ(openNumbers(), before);
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "two"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "two"));
         ZQLog::logAlways_log(true, "line");
         EXPECT_EQ(textsOf(scene / "two"), Texts{"line"});
-        EXPECT_EQ(scene::contentsOf(scene.first()), "");
+        EXPECT_EQ(kit::contentsOf(scene.first()), "");
     });
 }
 
 TEST(LogRedirection, restoresAgainWithoutARedirectionBetween) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         const int stale = redirectAndFindKept(scene / "one");
         ZQLog::clearLogFilePath();
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first())) << "nobody had the number";
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first())) << "nobody had the number";
         for (const char* const name : {"hosts", "hosts other"}) {
             openAs(stale, scene / name);
             ZQLog::clearLogFilePath();
-            EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / name));
+            EXPECT_TRUE(refersTo(STDERR_FILENO, scene / name));
             EXPECT_EQ(::fcntl(stale, F_GETFD), -1);
         }
     });
 }
 
 TEST(LogRedirection, keepsNothingOfAClosedStandardError) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         ::close(STDERR_FILENO);
         redirect(scene / "one");
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "one"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "one"));
+        EXPECT_EQ(::fcntl(STDERR_FILENO, F_GETFD), 0) << "must stay open in child programs";
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "one")) << "there was nothing to go back to";
-        EXPECT_TRUE(leadsTo(redirectAndFindKept(scene / "two"), scene / "one")) << "kept at the next chance";
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "one")) << "there was nothing to go back to";
+        EXPECT_TRUE(refersTo(redirectAndFindKept(scene / "two"), scene / "one")) << "kept at the next chance";
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "one"));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "one"));
     });
 }
 
 // Paths are not looked at.
 
 TEST(LogRedirection, takesThePathAsItStands) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         scene.folder.makeFolder("current/~");
         ASSERT_EQ(::chdir((scene / "current").c_str()), 0);
         const std::string foreign = scene / "caf\xC3\xA9 \xFF%d";
@@ -310,54 +285,59 @@ TEST(LogRedirection, takesThePathAsItStands) {
         };
         for (const auto& row : rows) {
             ZQLog::setOptionalLogFilePath(row.path);
-            EXPECT_TRUE(leadsTo(STDERR_FILENO, row.file)) << row.file;
+            EXPECT_TRUE(refersTo(STDERR_FILENO, row.file)) << row.file;
         }
         EXPECT_EQ(::access((scene / "home/Library/Logs").c_str(), F_OK), -1);
-        EXPECT_EQ(scene::contentsOf(scene.first()), "");
+        EXPECT_EQ(kit::contentsOf(scene.first()), "");
     });
 }
 
+/// Redirects to what cannot be opened: lines are lost until standard error is restored, and none goes into a
+/// document that the host opens next.
+void expectLinesToBeLost(const RedirectionScene& scene, const std::string& path) {
+    redirectAndFindKept(path);
+    EXPECT_TRUE(refersTo(STDERR_FILENO, "/dev/null"));
+    ZQLog::logAlways_log(true, "lost");
+    std::fputs("lost", stderr);
+    const kit::Descriptor document(kit::openToAppend(scene / "hosts"));
+    EXPECT_GT(document.number(), STDERR_FILENO);
+    ZQLog::logAlways_log(true, "lost");
+    EXPECT_EQ(kit::contentsOf(scene / "hosts"), "");
+    ZQLog::clearLogFilePath();
+    ZQLog::logAlways_log(true, "back");
+    EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
+}
+
 TEST(LogRedirection, losesLinesWhenTheFileCannotBeOpenedUntilItIsRestored) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
-        for (const char* const name : {"folder", "missing/x.log", "file/x.log", ""}) {
-            EXPECT_TRUE(logtest::inChild([&] {
-                const Numbers before = openNumbers();
-                ZQLog::setOptionalLogFilePath(NSString(*name != '\0' ? scene / name : std::string()));
-                const Numbers added = addedTo(before, openNumbers());
-                const bool isParked = leadsTo(STDERR_FILENO, "/dev/null");
-                ZQLog::logAlways_log(true, "lost");
-                std::fputs("lost", stderr);
-                const int next = ::open((scene / "hosts").c_str(), O_RDWR | O_CREAT, 0600);
-                const bool isFree = next == STDERR_FILENO;
-                ZQLog::logAlways_log(true, "lost");
-                ZQLog::clearLogFilePath();
-                ZQLog::logAlways_log(true, "back");
-                return isParked && !isFree && added.size() == 1 && leadsTo(STDERR_FILENO, scene.first());
-            })) << name;
+    inScene([](const RedirectionScene& scene) {
+        scene.link("loop", "loop");
+        const Texts paths{scene / "folder", scene / "missing/x.log",      scene / "file/x.log", "",
+                          scene / "loop",   scene / std::string(300, 'n')};
+        for (const std::string& path : paths) {
+            EXPECT_EQ(kit::inChild([&] { expectLinesToBeLost(scene, path); }), 0) << path;
         }
-        EXPECT_EQ(textsOf(scene.first()), (Texts{"back", "back", "back", "back"}));
-        EXPECT_EQ(scene::contentsOf(scene / "hosts"), "");
-        EXPECT_EQ(::access((scene / "missing").c_str(), F_OK), -1);
+        EXPECT_EQ(::chmod(scene.folder.makeFolder("closed").c_str(), 0), 0);
+        EXPECT_EQ(::chmod((scene / "hosts").c_str(), 0666), 0);
+        EXPECT_EQ(kit::inUnprivilegedChild([&] { expectLinesToBeLost(scene, scene / "closed/x.log"); }), 0);
+        EXPECT_EQ(textsOf(scene.first()), Texts(paths.size() + 1, "back"));
+        EXPECT_FALSE(kit::stands(scene / "missing"));
     });
 }
 
 TEST(LogRedirection, findsItsWayOutOfAFailure) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         redirect(scene / "folder");
         redirect(scene / "log");
         ZQLog::logAlways_log(true, "line");
         std::fputs("<host>\n", stderr);
         EXPECT_EQ(textsOf(scene / "log"), (Texts{"line", "<<host>>"}));
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first()));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
     });
 }
 
 TEST(LogRedirection, leavesErrnoAlone) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         errno = EDOM;
         redirect(scene / "log");
         EXPECT_EQ(errno, EDOM);
@@ -386,30 +366,24 @@ std::string placed(const std::string& path, const RedirectionScene& scene) {
     return !path.empty() && path[0] == '@' ? scene.base + path.substr(1) : path;
 }
 
-/// In a forked child; says what went wrong.
-std::string tryToRedirect(const RedirectionScene& scene, const Success& row) {
-    return hosttest::inChild([&](const hosttest::Findings& findings) {
-        const std::string file = scene / row.file;
-        const std::string before = scene::contentsOf(file);
-        const Numbers numbers = openNumbers();
-        findings.expect(
-            ZQLog::setLogFilePath_createFolder(NSString(placed(row.path, scene)), row.createFolder),
-            "the answer is no");
-        findings.expect(leadsTo(STDERR_FILENO, file), "descriptor 2 leads elsewhere");
-        findings.expect(scene::contentsOf(file) == before, "something was written or lost");
-        findings.expect(addedTo(numbers, openNumbers()).size() == 1, "not just one descriptor was kept");
-        ZQLog::logAlways_log(true, "line");
-        const std::string after = scene::contentsOf(file);
-        findings.expect(after.size() > before.size() && after.substr(0, before.size()) == before &&
-                            hosttest::textsIn(after.substr(before.size())) == Texts{"line"},
-                        "the line is missing");
-        ZQLog::clearLogFilePath();
-        findings.expect(leadsTo(STDERR_FILENO, scene.first()), "not restored");
-    });
+void expectToRedirect(const RedirectionScene& scene, const Success& row) {
+    const std::string file = scene / row.file;
+    const std::string before = kit::contentsOf(file);
+    const Numbers numbers = openNumbers();
+    EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(placed(row.path, scene)), row.createFolder));
+    EXPECT_TRUE(refersTo(STDERR_FILENO, file));
+    EXPECT_EQ(kit::contentsOf(file), before) << "something was written or lost";
+    EXPECT_EQ(openNumbers(numbers).size(), 1U) << "not just one descriptor was kept";
+    ZQLog::logAlways_log(true, "line");
+    const std::string after = kit::contentsOf(file);
+    EXPECT_TRUE(after.starts_with(before));
+    EXPECT_EQ(kit::textsIn(after.substr(before.size())), Texts{"line"});
+    ZQLog::clearLogFilePath();
+    EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
 }
 
 TEST(LogRedirection, worksForFilesThatAreThereAndForNewOnes) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const Success rows[] = {
             {"@/new.log", false, "new.log"},
             {"@/new.log", true, "new.log"},
@@ -435,48 +409,42 @@ TEST(LogRedirection, worksForFilesThatAreThereAndForNewOnes) {
             {"@/toUnmade", true, "toUnmade"},
         };
         for (const Success& row : rows) {
-            const RedirectionScene scene;
-            EXPECT_EQ(tryToRedirect(scene, row), "") << row.path << " " << row.createFolder;
-            EXPECT_EQ(scene::contentsOf(scene.first()), "") << row.path;
-            struct stat information {};
-            EXPECT_EQ(::lstat((scene / row.file).c_str(), &information), 0);
-            EXPECT_TRUE(S_ISREG(information.st_mode)) << row.path;
-            EXPECT_EQ(::lstat((scene / "toFile").c_str(), &information), 0);
-            EXPECT_TRUE(S_ISLNK(information.st_mode)) << "a link that leads somewhere is followed";
-            EXPECT_EQ(::access((scene / "nosuch").c_str(), F_OK), -1);
-            EXPECT_EQ(::access((scene / "folder/unmade.log").c_str(), F_OK), -1);
+            const RedirectionScene own;
+            EXPECT_EQ(kit::inChild([&] { expectToRedirect(own, row); }), 0)
+                << row.path << " " << row.createFolder;
+            EXPECT_EQ(kit::contentsOf(own.first()), "") << row.path;
+            EXPECT_TRUE(kit::isFile(own / row.file)) << row.path;
+            EXPECT_TRUE(kit::isLink(own / "toFile")) << "a link that is not dangling is followed";
+            EXPECT_FALSE(kit::stands(own / "nosuch") || kit::stands(own / "folder/unmade.log"));
         }
     });
 }
 
 TEST(LogRedirection, takesARelativePathFromTheStandardFolderWhenThatIsThere) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         scene.folder.makeFolder("home/Library/Logs/MyApp");
         ASSERT_EQ(::chdir((scene / "folder").c_str()), 0);
-        EXPECT_EQ(tryToRedirect(scene, {"x.log", false, "home/Library/Logs/MyApp/x.log"}), "");
+        expectToRedirect(scene, {"x.log", false, "home/Library/Logs/MyApp/x.log"});
         EXPECT_EQ(::access((scene / "folder/x.log").c_str(), F_OK), -1);
     });
 }
 
 TEST(LogRedirection, takesARelativePathFromTheTemporaryFolderWithoutALibrary) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         ASSERT_EQ(::rmdir((scene / "home/Library").c_str()), 0);
         // A name that nobody else has.
         const std::string name = scene.base.substr(scene.base.find_last_of('/') + 1) + ".log";
         ASSERT_EQ(::access(("/tmp/" + name).c_str(), F_OK), -1);
         EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(name), false));
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, "/tmp/" + name));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, "/tmp/" + name));
         ZQLog::clearLogFilePath();
         EXPECT_EQ(::unlink(("/tmp/" + name).c_str()), 0);
-        EXPECT_EQ(scene::contentsOf(scene.first()), "");
+        EXPECT_EQ(kit::contentsOf(scene.first()), "");
     });
 }
 
 TEST(LogRedirection, givesNewFilesAndFoldersTheModesOfTheUmask) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         ::umask(027);
         EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(scene / "a/b/x.log"), true));
         const struct {
@@ -484,9 +452,7 @@ TEST(LogRedirection, givesNewFilesAndFoldersTheModesOfTheUmask) {
             mode_t mode;
         } rows[] = {{"a", 0750}, {"a/b", 0750}, {"a/b/x.log", 0640}};
         for (const auto& row : rows) {
-            struct stat information {};
-            EXPECT_EQ(::stat((scene / row.name).c_str(), &information), 0);
-            EXPECT_EQ(information.st_mode & 07777U, row.mode) << row.name;
+            EXPECT_EQ(kit::modeOf(scene / row.name), row.mode) << row.name;
         }
     });
 }
@@ -499,148 +465,243 @@ struct Failure {
     std::string message; ///< after the caller; "@" as above; empty for silence
 };
 
-void expectFailure(const RedirectionScene& scene, const Failure& row) {
-    const Numbers numbers = openNumbers();
-    ASSERT_EQ(::truncate(scene.first().c_str(), 0), 0);
-    EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(NSString(placed(row.path, scene)), row.createFolder))
-        << row.path;
-    const std::size_t at = row.message.find('@');
-    const std::string message = at == std::string::npos
-                                    ? row.message
-                                    : row.message.substr(0, at) + scene.base + row.message.substr(at + 1);
-    EXPECT_EQ(textsOf(scene.first()), message.empty() ? Texts{} : Texts{caller + message})
-        << row.path << " " << row.createFolder;
-    EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first())) << row.path;
-    EXPECT_EQ(openNumbers(), numbers) << row.path;
+std::string messageOf(const RedirectionScene& scene, std::string message) {
+    if (const std::size_t at = message.find('@'); at != message.npos) {
+        message.replace(at, 1, scene.base);
+    }
+    return message;
 }
 
-TEST(LogRedirection, isRefusedWithAMessageForWhatIsNoRegularFile) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+void expectFailure(const RedirectionScene& scene, const Failure& row) {
+    SCOPED_TRACE(row.path + (row.createFolder ? ", with its folder" : ""));
+    const Numbers numbers = openNumbers();
+    EXPECT_EQ(::truncate(scene.first().c_str(), 0), 0);
+    EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(NSString(placed(row.path, scene)), row.createFolder));
+    const std::string message = messageOf(scene, row.message);
+    EXPECT_EQ(textsOf(scene.first()), message.empty() ? Texts{} : Texts{caller + message});
+    EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
+    EXPECT_EQ(openNumbers(), numbers);
+}
+
+TEST(LogRedirection, isRefusedWithAMessageForWhatIsNoRegularFileOrBelowOne) {
+    inScene([](const RedirectionScene& scene) {
         scene.folder.makeFolder("home/Library/Logs/MyApp");
         scene.folder.makeFolder("100%d %s");
-        for (const bool createFolder : {false, true}) {
-            for (const Failure& row : std::initializer_list<Failure>{
-                     {"@/folder", createFolder, "@/folder is not a regular file"},
-                     {"@/folder/", createFolder, "@/folder is not a regular file"},
-                     {"@/toFolder", createFolder, "@/folder is not a regular file"},
-                     {"@/toFolder/..", createFolder, "@ is not a regular file"},
-                     {"@/pipe", createFolder, "@/pipe is not a regular file"},
-                     {"@/100%d %s", createFolder, "@/100%d %s is not a regular file"},
-                     {"/", createFolder, "/ is not a regular file"},
-                     {"/dev/null", createFolder, "/dev/null is not a regular file"},
-                     {"~", createFolder, "@/home is not a regular file"},
-                     {".", createFolder, "@/home/Library/Logs/MyApp is not a regular file"},
-                     {"..", createFolder, "@/home/Library/Logs is not a regular file"},
-                 }) {
-                expectFailure(scene, row);
-            }
+        const std::pair<const char*, const char*> rows[] = {
+            {"@/folder", "@/folder is not a regular file"},
+            {"@/folder/", "@/folder is not a regular file"},
+            {"@/toFolder", "@/folder is not a regular file"},
+            {"@/toFolder/..", "@ is not a regular file"},
+            {"@/pipe", "@/pipe is not a regular file"},
+            {"@/100%d %s", "@/100%d %s is not a regular file"},
+            {"/", "/ is not a regular file"},
+            {"/dev/null", "/dev/null is not a regular file"},
+            {"~", "@/home is not a regular file"},
+            {".", "@/home/Library/Logs/MyApp is not a regular file"},
+            {"..", "@/home/Library/Logs is not a regular file"},
+            // The message is about the folder and names the file all the same.
+            {"@/file/x.log", "@/file/x.log is not a folder"},
+            {"@/toFile/x.log", "@/file/x.log is not a folder"},
+            {"@/folder/../file/x.log", "@/file/x.log is not a folder"},
+            {"@/pipe/x.log", "@/pipe/x.log is not a folder"},
+        };
+        for (const auto& [path, message] : rows) {
+            expectFailure(scene, {path, false, message});
+            expectFailure(scene, {path, true, message});
         }
-    });
-}
-
-TEST(LogRedirection, isRefusedWithAMessageBelowAFile) {
-    // The message is about the folder and names the file all the same.
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
-        for (const bool createFolder : {false, true}) {
-            expectFailure(scene, {"@/file/x.log", createFolder, "@/file/x.log is not a folder"});
-            expectFailure(scene, {"@/toFile/x.log", createFolder, "@/file/x.log is not a folder"});
-            expectFailure(scene, {"@/folder/../file/x.log", createFolder, "@/file/x.log is not a folder"});
-            expectFailure(scene, {"@/pipe/x.log", createFolder, "@/pipe/x.log is not a folder"});
-        }
-        EXPECT_EQ(scene::contentsOf(scene / "file"), "as it was\n");
+        EXPECT_EQ(kit::contentsOf(scene / "file"), "as it was\n");
     });
 }
 
 TEST(LogRedirection, isRefusedInSilenceWithoutAPathAndForAFolderThatIsNotToBeMade) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         for (const bool createFolder : {false, true}) {
             expectFailure(scene, {"", createFolder, ""});
             EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(nullptr, createFolder));
-            EXPECT_EQ(scene::contentsOf(scene.first()), "");
+            EXPECT_EQ(kit::contentsOf(scene.first()), "");
         }
         for (const char* const path :
              {"@/missing/x.log", "@/missing/a/x.log", "@/file/a/x.log", "@/dangling/x.log", "x.log",
               "a/x.log", "~/missing/x.log", "~nosuchaccount-zq/x.log"}) {
             expectFailure(scene, {path, false, ""});
         }
-        EXPECT_EQ(::access((scene / "missing").c_str(), F_OK), -1);
-        EXPECT_EQ(::access((scene / "home/Library/Logs").c_str(), F_OK), -1);
+        EXPECT_FALSE(kit::stands(scene / "missing") || kit::stands(scene / "home/Library/Logs"));
     });
 }
 
 TEST(LogRedirection, isRefusedWithAMessageWhenTheFileCannotBeMade) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
-        const std::string longName(300, 'x');
-        for (const bool createFolder : {false, true}) {
-            expectFailure(scene, {"@/folder/" + longName, createFolder,
-                                  "Cannot create log file at @/folder/" + longName});
+    inScene([](const RedirectionScene& scene) {
+        const std::string inFolder = "@/folder/" + std::string(300, 'x');
+        const std::string inMissing = "@/missing/" + std::string(300, 'x');
+        expectFailure(scene, {inFolder, false, "Cannot create log file at " + inFolder});
+        for (const std::string& path :
+             {inFolder, std::string("@/file/a/x.log"), std::string("@/dangling/x.log"), inMissing}) {
+            expectFailure(scene, {path, true, "Cannot create log file at " + path});
         }
-        expectFailure(scene, {"@/file/a/x.log", true, "Cannot create log file at @/file/a/x.log"});
-        expectFailure(scene, {"@/dangling/x.log", true, "Cannot create log file at @/dangling/x.log"});
-        expectFailure(scene,
-                      {"@/missing/" + longName, true, "Cannot create log file at @/missing/" + longName});
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first()));
-        EXPECT_EQ(::access((scene / "missing").c_str(), F_OK), 0) << "made before the failure";
+        EXPECT_TRUE(kit::stands(scene / "missing")) << "made before the failure";
         // After all these nothing has been kept aside.
-        EXPECT_TRUE(leadsTo(redirectAndFindKept(scene / "log"), scene.first()));
+        EXPECT_TRUE(refersTo(redirectAndFindKept(scene / "log"), scene.first()));
     });
 }
 
 TEST(LogRedirection, isRefusedWithAMessageWhereTheUserMayNotWrite) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         scene.link("file", "other");
         ASSERT_EQ(::chmod((scene / "file").c_str(), 0444), 0);
         ASSERT_EQ(::chmod((scene / "folder").c_str(), 0555), 0);
-        const struct {
-            const char* path;
-            bool createFolder;
-            const char* message;
-        } rows[] = {
-            {"@/file", false, "Cannot write log file at @/file"},
-            {"@/file", true, "Cannot write log file at @/file"},
-            {"@/other", false, "Cannot write log file at @/file"},
-            {"@/folder/x.log", false, "Cannot create log file at @/folder/x.log"},
-            {"@/folder/x.log", true, "Cannot create log file at @/folder/x.log"},
-            {"@/folder/a/x.log", true, "Cannot create log file at @/folder/a/x.log"},
-            {"@/folder/a/x.log", false, ""},
-        };
-        for (const auto& row : rows) {
-            ASSERT_EQ(::truncate(scene.first().c_str(), 0), 0);
-            EXPECT_EQ(scene::inUnprivilegedChild([&] {
-                          const std::string path = placed(row.path, scene);
-                          const bool done =
-                              ZQLog::setLogFilePath_createFolder(NSString(path), row.createFolder);
-                          return done || leadsTo(STDERR_FILENO, path) ? 1 : 0;
-                      }),
-                      0)
-                << row.path;
-            std::string message = row.message;
-            if (!message.empty()) {
-                message.replace(message.find('@'), 1, scene.base);
-            }
-            EXPECT_EQ(textsOf(scene.first()), message.empty() ? Texts{} : Texts{caller + message})
-                << row.path;
+        for (const Failure& row : std::initializer_list<Failure>{
+                 {"@/file", false, "Cannot write log file at @/file"},
+                 {"@/file", true, "Cannot write log file at @/file"},
+                 {"@/other", false, "Cannot write log file at @/file"},
+                 {"@/folder/x.log", false, "Cannot create log file at @/folder/x.log"},
+                 {"@/folder/x.log", true, "Cannot create log file at @/folder/x.log"},
+                 {"@/folder/a/x.log", true, "Cannot create log file at @/folder/a/x.log"},
+                 {"@/folder/a/x.log", false, ""},
+             }) {
+            ASSERT_EQ(::chmod(scene.first().c_str(), 0666), 0);
+            EXPECT_EQ(kit::inUnprivilegedChild([&] { expectFailure(scene, row); }), 0);
         }
         ::chmod((scene / "folder").c_str(), 0755);
     });
 }
 
 TEST(LogRedirection, writesItsMessagesWhereLinesGoAtThatTime) {
-    logtest::inFreshProcess([] {
-        const RedirectionScene scene;
+    inScene([](const RedirectionScene& scene) {
         EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(scene / "log"), false));
         EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(NSString(scene / "folder"), false));
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "log")) << "a refusal changes nothing";
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "log")) << "a refusal changes nothing";
         EXPECT_EQ(textsOf(scene / "log"), Texts{caller + (scene / "folder") + " is not a regular file"});
         EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(scene / "other"), false));
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene / "other"));
-        EXPECT_EQ(scene::contentsOf(scene.first()), "");
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "other"));
+        EXPECT_EQ(kit::contentsOf(scene.first()), "");
         ZQLog::clearLogFilePath();
-        EXPECT_TRUE(leadsTo(STDERR_FILENO, scene.first()));
+        EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
     });
 }
+
+// While other threads log and open files of their own; the runner gives each of these tests a process.
+
+namespace {
+
+/// What thread `thread` writes as its line `number`: longer and shorter ones, so that a torn line shows.
+std::string lineText(int thread, int number) {
+    std::string text = "thread ";
+    text.append(std::to_string(thread)).append(" line ").append(std::to_string(number)).append(" ");
+    text.append(static_cast<std::size_t>(number % 97), static_cast<char>('a' + thread));
+    return text.append(" end");
+}
+
+constexpr int loggingThreads = 8;
+
+/// Threads that log until they are asked to stop, and how many lines each has written.
+class LoggingThreads {
+public:
+    LoggingThreads() {
+        for (int thread = 0; thread < loggingThreads; ++thread) {
+            threads_.emplace_back([this, thread] {
+                int number = 0;
+                while (!stop_.load(std::memory_order_relaxed) && number < mostLines) {
+                    ZQLog::logAlways_log(true, lineText(thread, number++));
+                }
+                counts_[static_cast<std::size_t>(thread)] = number;
+            });
+        }
+    }
+    LoggingThreads(const LoggingThreads&) = delete;
+    LoggingThreads& operator=(const LoggingThreads&) = delete;
+    ~LoggingThreads() { finish(); }
+
+    const std::array<int, loggingThreads>& finish() {
+        stop_ = true;
+        for (std::thread& thread : threads_) {
+            if (thread.joinable()) {
+                thread.join();
+            }
+        }
+        return counts_;
+    }
+
+private:
+    static constexpr int mostLines = 20000;
+
+    std::atomic<bool> stop_ = false;
+    std::array<int, loggingThreads> counts_{};
+    std::vector<std::thread> threads_;
+};
+
+TEST(ConcurrentRedirection, putsEveryLineWholeIntoExactlyOnePlace) {
+    const kit::ScratchFolder folder;
+    std::vector<std::string> paths{folder / "origin"};
+    std::array<int, loggingThreads> counts{};
+    {
+        const kit::StandardErrorIn standardError(paths[0]);
+        LoggingThreads threads;
+        for (int change = 0; change < 1000; ++change) {
+            std::string path = folder / "target";
+            path.append(std::to_string(change % 10)).append(".log");
+            if (change < 10) {
+                paths.push_back(path);
+            }
+            ZQLog::setOptionalLogFilePath(path);
+            std::this_thread::yield();
+        }
+        ZQLog::clearLogFilePath();
+        counts = threads.finish();
+    }
+    Texts written;
+    for (const std::string& path : paths) {
+        const Texts texts = textsOf(path);
+        written.insert(written.end(), texts.begin(), texts.end());
+    }
+    Texts expected;
+    for (int thread = 0; thread < loggingThreads; ++thread) {
+        const int count = counts[static_cast<std::size_t>(thread)];
+        EXPECT_GT(count, 0) << "thread " << thread;
+        for (int number = 0; number < count; ++number) {
+            expected.push_back(lineText(thread, number));
+        }
+    }
+    std::sort(written.begin(), written.end());
+    std::sort(expected.begin(), expected.end());
+    EXPECT_TRUE(written == expected) << written.size() << " lines instead of " << expected.size();
+}
+
+TEST(ConcurrentRedirection, leavesTheDocumentsOfOtherThreadsAlone) {
+    const kit::ScratchFolder folder;
+    const std::string loop = folder / "loop";
+    ASSERT_EQ(::symlink(loop.c_str(), loop.c_str()), 0);
+    const std::array<std::string, 4> targets{folder / "missing/x.log", loop, folder / "good.log",
+                                             folder.path()};
+    const kit::StandardErrorIn standardError(folder / "origin");
+    LoggingThreads threads;
+    std::atomic<bool> stop = false;
+    const std::string content(100, 'd');
+    int documents = 0;
+    std::thread host([&] {
+        for (; !stop || documents < 50; ++documents) {
+            std::string path = folder / "document";
+            path.append(std::to_string(documents % 50));
+            const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
+            if (file < 0 || ::write(file, content.data(), content.size()) != 100 || ::close(file) != 0) {
+                ADD_FAILURE() << path;
+                return;
+            }
+        }
+    });
+    for (int change = 0; change < 1000; ++change) {
+        ZQLog::setOptionalLogFilePath(targets[static_cast<std::size_t>(change) % targets.size()]);
+    }
+    stop = true;
+    host.join();
+    threads.finish();
+    for (int number = 0; number < 50; ++number) {
+        std::string path = folder / "document";
+        path.append(std::to_string(number));
+        EXPECT_EQ(kit::contentsOf(path), content) << path;
+    }
+    for (const std::string& text : textsOf(folder / "good.log")) {
+        EXPECT_NE(text[0], '<') << text;
+    }
+}
+
+} // namespace

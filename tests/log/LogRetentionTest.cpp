@@ -1,41 +1,25 @@
 // SPDX-License-Identifier: MIT
 // Removal of old log files, by age and by count.
-#include <algorithm>
-#include <climits>
-#include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <set>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include <dirent.h>
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "foundation/objects/ClassesByName.h"
 #include "foundation/objects/NSDate.h"
-#include "foundation/objects/NSException.h"
-#include "foundation/process/NSProcessInfo.h"
-#include "foundation/system/TestOverrides.h"
-#include "log/ZQLog.h"
-#include "tests/log/HostTesting.h"
-#include "tests/log/LogTestSupport.h"
-#include "tests/process/ItemFacts.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
+using kit::stands;
+using logscene::Texts;
 
 namespace {
 
-using scene::realPath;
-using scene::stands;
-
 namespace overrides = ZQFoundation::detail::overrides;
 
-using Texts = std::vector<std::string>;
 using Names = std::set<std::string>;
 
 constexpr time_t noon = 1'709'640'000; // some instant; files are dated in seconds from it
@@ -44,11 +28,34 @@ NSDate at(double seconds) {
     return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(noon) + seconds);
 }
 
+enum class By { age, count };
+constexpr By bothWays[] = {By::age, By::count};
+
+/// Removes the files from before noon, or all but the newest.
+void removeFrom(const NSString& folder, By way, std::size_t count = 0) {
+    if (way == By::age) {
+        ZQLog::removeLogfilesOlderThan_fromFolder(at(0), folder);
+    } else {
+        ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(folder, count);
+    }
+}
+
+/// What that writes.
+Texts removed(const std::string& folder, By way, std::size_t count = 0) {
+    const kit::CapturedOutput output;
+    removeFrom(kit::fromBytes(folder), way, count);
+    return output.texts();
+}
+
+std::string message(const std::string& path, By way) {
+    return "Removing log file " + path + " due to log file " + (way == By::age ? "age" : "count");
+}
+
 /// A folder "logs" of a process "MyApp".
 struct RetentionScene {
     explicit RetentionScene(const std::string& processName = "MyApp")
-        : base(realPath(folder.path())), arguments(overrides::arguments, {"/somewhere/" + processName}),
-          name_(NSString::stringWithFileSystemBytes(processName.data(), processName.size())) {
+        : base(kit::realPath(folder.path())), arguments(overrides::arguments, {"/somewhere/" + processName}),
+          name_(kit::fromBytes(processName)) {
         folder.makeFolder("logs");
     }
 
@@ -68,20 +75,18 @@ struct RetentionScene {
         EXPECT_EQ(::symlink(target.c_str(), (*this / name).c_str()), 0) << name;
         date(name, seconds);
     }
+    void setMode(mode_t mode) const { EXPECT_EQ(::chmod(logs().c_str(), mode), 0); }
 
     /// The names in the folder in the order in which the system returns them.
     Texts listing() const {
         Texts names;
         DIR* const open = ::opendir(logs().c_str());
         while (const dirent* entry = open != nullptr ? ::readdir(open) : nullptr) {
-            const std::string name = entry->d_name;
-            if (name != "." && name != "..") {
+            if (const std::string name = entry->d_name; name != "." && name != "..") {
                 names.push_back(name);
             }
         }
-        if (open != nullptr) {
-            ::closedir(open);
-        }
+        ::closedir(open);
         return names;
     }
     Names names() const {
@@ -89,101 +94,77 @@ struct RetentionScene {
         return Names(all.begin(), all.end());
     }
 
-    std::string ageMessage(const std::string& name) const {
-        return "Removing log file " + (*this / name) + " due to log file age";
-    }
-    std::string countMessage(const std::string& name) const {
-        return "Removing log file " + (*this / name) + " due to log file count";
-    }
+    Texts removed(By way, std::size_t count = 0) const { return ::removed(logs(), way, count); }
+    std::string message(const std::string& name, By way) const { return ::message(*this / name, way); }
     std::string failure(const std::string& name) const {
         return "Cannot remove log file \"" + (*this / name) + "\"";
     }
+    Texts messages(const Texts& names, By way) const {
+        Texts texts;
+        for (const std::string& name : names) {
+            texts.push_back(message(name, way));
+        }
+        return texts;
+    }
 
-    scene::Folder folder;
+    kit::ScratchFolder folder;
     std::string base;
-    scene::Arguments arguments;
-    logtest::ProcessName name_; // a name that an earlier test has set would win over the arguments
+    kit::Arguments arguments;
+    kit::ProcessName name_; // a name that an earlier test has set would win over the arguments
 };
-
-/// What the removal by age of files before noon writes.
-Texts removeOld(const std::string& folder) {
-    const logtest::CapturedOutput output;
-    ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(folder));
-    return output.texts();
-}
-
-/// What the removal by count writes.
-Texts keepNewest(const std::string& folder, std::size_t count) {
-    const logtest::CapturedOutput output;
-    ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(folder), count);
-    return output.texts();
-}
 
 const char* const standardName = "MyApp.20240305-1407.1234.log";
 
-struct NameRow {
-    const char* name;
-    bool byAge;
-    bool byCount;
-};
-
-/// What counts as a log file of "MyApp".
-constexpr NameRow nameRows[] = {
-    {"MyApp.log", true, true},
-    {"MyApp.1.log", true, true},
-    {"MyApp..log", true, true},
-    {"MyApp...log", true, true},
-    {"MyApp1.log", true, true},
-    {"MyApp.20240305.1234.log", true, true},
-    {"MyApp0123456789.0123456789.log", true, true},
-    {"MyApp.20240305-1407.1234.log", false, true},
-    {"MyApp.20240305-1407.1234.17.log", false, true},
-    {"MyApp-.log", false, true},
-    {"MyApp-1.log", false, true},
-    {"MyApp--..--.log", false, true},
-    {"Other.log", false, false},
-    {"MyAppBeta.log", false, false},
-    {"MyApp.a.log", false, false},
-    {"MyApp.1a.log", false, false},
-    {"MyApp.1.log.log", false, false},
-    {"MyApp.log.1.log", false, false},
-    {"MyApp 1.log", false, false},
-    {"MyApp.1 .log", false, false},
-    {"MyApp_1.log", false, false},
-    {"MyApp+1.log", false, false},
-    {"MyApp,1.log", false, false},
-    {"MyApp:1.log", false, false},
-    {"MyApp\t.log", false, false},
-    {"MyApp\n.log", false, false},
-    {"MyApp.\u0661.log", false, false},
-    {"MyApp.\uFF11.log", false, false},
-    {"MyApp.1\u0301.log", false, false},
-    {"MyApp.\u2010.log", false, false},
-    {"MyApp.\xFF.log", false, false},
-    {"XMyApp.1.log", false, false},
-    {" MyApp.1.log", false, false},
-    {".MyApp.1.log", false, false},
-    {"myapp.1.log", false, false},
-    {"MYAPP.1.log", false, false},
-    {"MyAp.1.log", false, false},
-    {"MyApp", false, false},
-    {"MyApp.", false, false},
-    {"MyApp.1", false, false},
-    {"MyApp.lo", false, false},
-    {"MyApp1log", false, false},
-    {"MyApp.1.LOG", false, false},
-    {"MyApp.1.Log", false, false},
-    {"MyApp.1.logs", false, false},
-    {"MyApp.1.log ", false, false},
-    {"MyApp.1.log~", false, false},
-    {"MyApp.1.log.gz", false, false},
-    {"MyApp.1.txt", false, false},
-    {".log", false, false},
-    {"1.log", false, false},
-    {"log", false, false},
-};
-
-// The announcement.
+// What counts as a log file of "MyApp".
+const char* const namesForBoth[] = {"MyApp.log",
+                                    "MyApp.1.log",
+                                    "MyApp..log",
+                                    "MyApp...log",
+                                    "MyApp1.log",
+                                    "MyApp.20240305.1234.log",
+                                    "MyApp0123456789.0123456789.log"};
+const char* const namesForCount[] = {"MyApp.20240305-1407.1234.log", "MyApp.20240305-1407.1234.17.log",
+                                     "MyApp-.log", "MyApp-1.log", "MyApp--..--.log"};
+const char* const otherNames[] = {"Other.log",
+                                  "MyAppBeta.log",
+                                  "MyApp.a.log",
+                                  "MyApp.1a.log",
+                                  "MyApp.1.log.log",
+                                  "MyApp.log.1.log",
+                                  "MyApp 1.log",
+                                  "MyApp.1 .log",
+                                  "MyApp_1.log",
+                                  "MyApp+1.log",
+                                  "MyApp,1.log",
+                                  "MyApp:1.log",
+                                  "MyApp\t.log",
+                                  "MyApp\n.log",
+                                  "MyApp.\u0661.log",
+                                  "MyApp.\uFF11.log",
+                                  "MyApp.1\u0301.log",
+                                  "MyApp.\u2010.log",
+                                  "MyApp.\xFF.log",
+                                  "XMyApp.1.log",
+                                  " MyApp.1.log",
+                                  ".MyApp.1.log",
+                                  "myapp.1.log",
+                                  "MYAPP.1.log",
+                                  "MyAp.1.log",
+                                  "MyApp",
+                                  "MyApp.",
+                                  "MyApp.1",
+                                  "MyApp.lo",
+                                  "MyApp1log",
+                                  "MyApp.1.LOG",
+                                  "MyApp.1.Log",
+                                  "MyApp.1.logs",
+                                  "MyApp.1.log ",
+                                  "MyApp.1.log~",
+                                  "MyApp.1.log.gz",
+                                  "MyApp.1.txt",
+                                  ".log",
+                                  "1.log",
+                                  "log"};
 
 /// A class and its one object, which records what it is notified of.
 class Workspace : public NSObjectProtocol {
@@ -194,97 +175,71 @@ public:
     }
     NSObject performSelector_withObject(const Selector& selector, const NSObject& argument) override {
         if (selector == "noteFileSystemChanged:") {
-            told->push_back(NSString(argument).utf8());
+            changed->push_back(NSString(argument).utf8());
             return nullptr;
         }
         return makeObject<Workspace>();
     }
 
-    static inline std::vector<std::string>* told = nullptr;
+    static inline Texts* changed = nullptr;
 };
 
-TEST(LogRetention, tellsTheWorkspaceOfTheFolderWhenItHasBeenListed) {
-    std::vector<std::string> told;
-    Workspace::told = &told;
+TEST(LogRetention, notifiesTheWorkspaceOfAFolderThatItHasListed) {
+    Texts changed;
+    Workspace::changed = &changed;
     const RetentionScene scene;
     scene.file("MyApp.1.log", -1);
     scene.file("MyApp.2.log", -2);
     {
         const ClassRegistration registration("NSWorkspace", makeObject<Workspace>());
-        removeOld(scene / "missing");
-        keepNewest(scene / "missing", 0);
-        keepNewest(scene.logs(), 2);
-        EXPECT_EQ(told, std::vector<std::string>{}) << "nothing listed, or nothing to remove";
-        keepNewest(scene.logs(), 1);
-        removeOld(scene.logs());
-        removeOld(scene.logs());
-        EXPECT_EQ(told, std::vector<std::string>(3, scene.logs())) << "by age also when nothing was old";
+        removed(scene / "missing", By::age);
+        removed(scene / "missing", By::count);
+        scene.removed(By::count, 2);
+        EXPECT_EQ(changed, Texts{}) << "nothing listed, or nothing to remove";
+        scene.removed(By::count, 1);
+        scene.removed(By::age);
+        scene.removed(By::age);
+        EXPECT_EQ(changed, Texts(3, scene.logs())) << "by age also when nothing was old";
     }
-    removeOld(scene.logs());
-    EXPECT_EQ(told.size(), 3U) << "the class is gone";
+    scene.removed(By::age);
+    EXPECT_EQ(changed.size(), 3U) << "the class is gone";
 }
-
-} // namespace
 
 // Which names count.
 
-TEST(LogRetention, byAgeTakesDigitsAndPeriodsBetweenNameAndEnding) {
-    for (const NameRow& row : nameRows) {
-        const RetentionScene scene;
-        scene.file(row.name, -100);
-        const Texts texts = removeOld(scene.logs());
-        EXPECT_EQ(stands(scene / row.name), !row.byAge) << row.name;
-        EXPECT_EQ(texts, row.byAge ? Texts{scene.ageMessage(row.name)} : Texts{}) << row.name;
-    }
-}
-
-TEST(LogRetention, byCountTakesHyphensToo) {
-    for (const NameRow& row : nameRows) {
-        const RetentionScene scene;
-        scene.file(row.name, -100);
-        const Texts texts = keepNewest(scene.logs(), 0);
-        EXPECT_EQ(stands(scene / row.name), !row.byCount) << row.name;
-        EXPECT_EQ(texts, row.byCount ? Texts{scene.countMessage(row.name)} : Texts{}) << row.name;
-    }
-}
-
-TEST(LogRetention, picksTheRightOnesOutOfAll) {
-    for (const bool byAge : {true, false}) {
-        const RetentionScene scene;
+TEST(LogRetention, byAgeTakesDigitsAndPeriodsBetweenNameAndEndingAndByCountHyphensToo) {
+    for (const By way : bothWays) {
+        const RetentionScene all;
         Names left;
-        time_t seconds = -1000;
-        for (const NameRow& row : nameRows) {
-            scene.file(row.name, ++seconds);
-            if (byAge ? !row.byAge : !row.byCount) {
-                left.insert(row.name);
+        const auto expectEach = [&](const auto& names, bool counts) {
+            for (const char* const name : names) {
+                const RetentionScene scene;
+                scene.file(name, -100);
+                EXPECT_EQ(scene.removed(way), counts ? scene.messages({name}, way) : Texts{}) << name;
+                EXPECT_EQ(stands(scene / name), !counts) << name;
+                all.file(name, -100 - static_cast<time_t>(all.listing().size()));
+                if (!counts) {
+                    left.insert(name);
+                }
             }
-        }
-        byAge ? removeOld(scene.logs()) : keepNewest(scene.logs(), 0);
-        EXPECT_EQ(scene.names(), left);
+        };
+        expectEach(namesForBoth, true);
+        expectEach(namesForCount, way == By::count);
+        expectEach(otherNames, false);
+        all.removed(way);
+        EXPECT_EQ(all.names(), left) << "the right ones out of all";
     }
 }
 
 TEST(LogRetention, byAgeNeverRemovesStandardNamesAndByCountDoes) {
     const RetentionScene scene;
-    const scene::Variable zone("TZ", "UTC0");
     const std::string standard =
         ZQLog::standardNewLogFileNameForLoggingToFolder(NSString(scene.logs())).utf8();
     scene.file(standard, -1'000'000);
     scene.file("MyApp.log", -100);
-    scene.file("MyApp.1.log", -200);
-    scene.file(standardName, -300);
-    scene.file("Other.log", -400);
-    Texts expected;
-    for (const std::string& name : scene.listing()) {
-        if (name == "MyApp.log" || name == "MyApp.1.log") {
-            expected.push_back(scene.ageMessage(name));
-        }
-    }
-    EXPECT_EQ(removeOld(scene.logs()), expected);
-    EXPECT_EQ(scene.names(), (Names{standard, standardName, "Other.log"}));
-    EXPECT_EQ(keepNewest(scene.logs(), 0),
-              (Texts{scene.countMessage(standard), scene.countMessage(standardName)}));
-    EXPECT_EQ(scene.names(), Names{"Other.log"});
+    EXPECT_EQ(scene.removed(By::age), scene.messages({"MyApp.log"}, By::age));
+    EXPECT_EQ(scene.removed(By::count), scene.messages({standard}, By::count));
+    EXPECT_EQ(scene.names(), Names{});
 }
 
 TEST(LogRetention, goesByTheBeginningOfTheName) {
@@ -292,21 +247,28 @@ TEST(LogRetention, goesByTheBeginningOfTheName) {
     scene.file("My.1.log", -1);
     scene.file("My2.1.log", -2); // of the process "My2", perhaps
     scene.file("MyApp.1.log", -3);
-    removeOld(scene.logs());
+    scene.removed(By::age);
     EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
 }
 
-TEST(LogRetention, knowsProcessNamesOfEveryKind) {
-    for (const char* const process : {"a b", "%@%d", "caf\u00E9", "x-1", "7", "My.App", "\xFF"}) {
-        const RetentionScene scene(process);
-        const std::string name = std::string(process) + ".1.log";
-        scene.file(name, -1);
-        scene.file("other.1.log", -1);
-        const Texts texts = removeOld(scene.logs());
-        EXPECT_EQ(scene.names(), Names{"other.1.log"}) << process;
-        ASSERT_EQ(texts.size(), 1U) << process;
-        if (process[0] != '\xFF') {
-            EXPECT_EQ(texts[0], scene.ageMessage(name));
+TEST(LogRetention, knowsProcessNamesOfAnyBytes) {
+    for (const char* const process :
+         {"a b", "%@%d", "caf\u00E9", "x-1", "7", "My.App", "\xFF", "V\xff\n\xc3\xa9"}) {
+        const std::string name = process;
+        const RetentionScene scene(name);
+        const Names others{name + "\n.log", name + "\xfe.log", "other.1.log", name + ".log\n",
+                           "\xef\xbf\xbd.log"};
+        for (const std::string& other : others) {
+            scene.file(other, -1);
+        }
+        for (const By way : bothWays) {
+            scene.file(name + ".1.log", -1);
+            scene.file(name + ".log", -2);
+            const kit::CapturedOutput output;
+            removeFrom(NSString(scene.logs()), way);
+            EXPECT_EQ(scene.names(), others) << process;
+            EXPECT_TRUE(name.find('\xFF') != name.npos ||
+                        output.bytes().find(scene.message(name + ".1.log", way)) != name.npos);
         }
     }
 }
@@ -315,11 +277,9 @@ TEST(LogRetention, goesByTheNameThatTheHostGaveTheProcess) {
     const RetentionScene scene;
     scene.file("MyApp.1.log", -2);
     scene.file("Renamed.1.log", -1);
-    EXPECT_TRUE(logtest::inChild([&scene] {
-        NSProcessInfo::processInfo().setProcessName("Renamed");
-        removeOld(scene.logs());
-        return scene.names() == Names{"MyApp.1.log"};
-    }));
+    const kit::ProcessName renamed("Renamed");
+    scene.removed(By::age);
+    EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
 }
 
 // By age.
@@ -328,26 +288,23 @@ TEST(LogRetention, byAgeRemovesWhatIsStrictlyEarlier) {
     const struct {
         time_t seconds;
         long nanoseconds;
+        double limit;
         bool isRemoved;
     } rows[] = {
-        {-1'000'000, 0, true}, {-1, 0, true}, {-1, 999'999'000, true}, {0, 0, false},
-        {0, 1'000, false},     {1, 0, false}, {1'000'000, 0, false},
+        {-1'000'000, 0, 0, true},     {-1, 0, 0, true},
+        {-1, 999'999'000, 0, true},   {0, 0, 0, false},
+        {0, 1'000, 0, false},         {1, 0, 0, false},
+        {1'000'000, 0, 0, false},     {0, 500'000'000, 0.5, false},
+        {0, 500'000'000, 0.75, true},
     };
     for (const auto& row : rows) {
         const RetentionScene scene;
         scene.file("MyApp.1.log", row.seconds, row.nanoseconds);
-        EXPECT_EQ(removeOld(scene.logs()), row.isRemoved ? Texts{scene.ageMessage("MyApp.1.log")} : Texts{});
+        const kit::CapturedOutput output;
+        ZQLog::removeLogfilesOlderThan_fromFolder(at(row.limit), NSString(scene.logs()));
+        EXPECT_EQ(output.texts(), row.isRemoved ? scene.messages({"MyApp.1.log"}, By::age) : Texts{});
         EXPECT_EQ(stands(scene / "MyApp.1.log"), !row.isRemoved) << row.seconds << " " << row.nanoseconds;
     }
-    const RetentionScene scene;
-    scene.file("MyApp.1.log", 0, 500'000'000);
-    ZQLog::removeLogfilesOlderThan_fromFolder(at(0.5), NSString(scene.logs()));
-    EXPECT_TRUE(stands(scene / "MyApp.1.log"));
-    {
-        const logtest::CapturedOutput output;
-        ZQLog::removeLogfilesOlderThan_fromFolder(at(0.75), NSString(scene.logs()));
-    }
-    EXPECT_FALSE(stands(scene / "MyApp.1.log"));
 }
 
 TEST(LogRetention, byAgeGoesInTheOrderOfTheListing) {
@@ -355,11 +312,8 @@ TEST(LogRetention, byAgeGoesInTheOrderOfTheListing) {
     for (int i = 0; i < 60; ++i) {
         scene.file("MyApp." + std::to_string(i * 7919 % 1000) + ".log", -1 - i * 31 % 17);
     }
-    Texts expected;
-    for (const std::string& name : scene.listing()) {
-        expected.push_back(scene.ageMessage(name));
-    }
-    EXPECT_EQ(removeOld(scene.logs()), expected);
+    const Texts expected = scene.messages(scene.listing(), By::age);
+    EXPECT_EQ(scene.removed(By::age), expected);
     EXPECT_EQ(scene.names(), Names{});
 }
 
@@ -370,19 +324,18 @@ TEST(LogRetention, byCountKeepsTheNewest) {
     for (const std::size_t count : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{4},
                                     std::size_t{5}, std::size_t{6}, std::size_t{1'000'000}, SIZE_MAX}) {
         const RetentionScene scene;
-        Texts expected;
-        Names left{"Other.log"};
         time_t seconds = 10;
         scene.file("Other.log", -1'000);
-        for (std::size_t i = 0; i < oldestFirst.size(); ++i) {
-            scene.file(oldestFirst[i], ++seconds);
-            if (oldestFirst.size() > count && i < oldestFirst.size() - count) {
-                expected.push_back(scene.countMessage(oldestFirst[i]));
-            } else {
-                left.insert(oldestFirst[i]);
-            }
+        for (const std::string& name : oldestFirst) {
+            scene.file(name, ++seconds);
         }
-        EXPECT_EQ(keepNewest(scene.logs(), count), expected) << count;
+        const auto firstKept =
+            oldestFirst.end() - static_cast<std::ptrdiff_t>(std::min(count, oldestFirst.size()));
+        Names left(firstKept, oldestFirst.end());
+        left.insert("Other.log");
+        EXPECT_EQ(scene.removed(By::count, count),
+                  scene.messages(Texts(oldestFirst.begin(), firstKept), By::count))
+            << count;
         EXPECT_EQ(scene.names(), left) << count;
     }
 }
@@ -399,66 +352,47 @@ TEST(LogRetention, byCountGoesFromTheOldestOnWhateverTheListing) {
     ASSERT_EQ(byDate.size(), 60U);
     Texts expected;
     for (const auto& [seconds, name] : byDate) {
-        if (expected.size() < 50) {
-            expected.push_back(scene.countMessage(name));
-        }
+        expected.push_back(scene.message(name, By::count));
     }
-    EXPECT_EQ(keepNewest(scene.logs(), 10), expected);
+    expected.resize(50);
+    EXPECT_EQ(scene.removed(By::count, 10), expected);
     EXPECT_EQ(scene.names().size(), 10U);
 }
 
-TEST(LogRetention, byCountTellsDatesApartThatDifferByAFraction) {
+TEST(LogRetention, byCountDistinguishesDatesThatDifferByAFraction) {
     const RetentionScene scene;
     scene.file("MyApp.1.log", 0, 2'000);
     scene.file("MyApp.2.log", 0, 1'000);
     scene.file("MyApp.3.log", 0, 3'000);
-    EXPECT_EQ(keepNewest(scene.logs(), 1),
-              (Texts{scene.countMessage("MyApp.2.log"), scene.countMessage("MyApp.1.log")}));
+    EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.2.log", "MyApp.1.log"}, By::count));
     EXPECT_EQ(scene.names(), Names{"MyApp.3.log"});
 }
 
 TEST(LogRetention, byCountCountsFilesOfOneDateOnce) {
-    // Four files, two dates, one entry for each: the last of its date in the listing.
+    // Twenty-one files, two dates, one entry for each: the last of its date in the listing.
     for (const std::size_t count : {0U, 1U, 2U}) {
         const RetentionScene scene;
-        for (const char* const name : {"MyApp.1.log", "MyApp.2.log", "MyApp.3.log"}) {
-            scene.file(name, -100);
+        for (int i = 0; i < 20; ++i) {
+            scene.file("MyApp." + std::to_string(i) + ".log", -100);
         }
-        scene.file("MyApp.9.log", -50);
-        std::string last;
-        Names left = scene.names();
+        scene.file("MyApp.99.log", -50);
+        Texts entries(2, "MyApp.99.log");
         for (const std::string& name : scene.listing()) {
-            last = name != "MyApp.9.log" ? name : last;
+            entries[0] = name != entries[1] ? name : entries[0];
         }
-        Texts expected;
-        if (count < 2) {
-            expected.push_back(scene.countMessage(last));
-            left.erase(last);
+        entries.resize(2 - count);
+        Names left = scene.names();
+        for (const std::string& name : entries) {
+            left.erase(name);
         }
-        if (count < 1) {
-            expected.push_back(scene.countMessage("MyApp.9.log"));
-            left.erase("MyApp.9.log");
-        }
-        EXPECT_EQ(keepNewest(scene.logs(), count), expected) << count;
+        EXPECT_EQ(scene.removed(By::count, count), scene.messages(entries, By::count)) << count;
         EXPECT_EQ(scene.names(), left) << count;
     }
 }
 
-TEST(LogRetention, byCountWithAllOfOneDateKeepsAllButOne) {
-    const RetentionScene scene;
-    for (int i = 0; i < 20; ++i) {
-        scene.file("MyApp." + std::to_string(i) + ".log", -100);
-    }
-    EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{});
-    EXPECT_EQ(scene.names().size(), 20U);
-    const std::string last = scene.listing().back();
-    EXPECT_EQ(keepNewest(scene.logs(), 0), Texts{scene.countMessage(last)});
-    EXPECT_EQ(scene.names().size(), 19U);
-}
-
 // Links, folders and whatever else has such a name.
 
-TEST(LogRetention, datesALinkByWhatItLeadsToAndRemovesTheLinkOnly) {
+TEST(LogRetention, datesALinkByItsTargetAndRemovesTheLinkOnly) {
     const RetentionScene scene;
     scene.folder.write("old target", "old");
     scene.folder.write("new target", "new");
@@ -469,64 +403,53 @@ TEST(LogRetention, datesALinkByWhatItLeadsToAndRemovesTheLinkOnly) {
     scene.link("../old target", "MyApp.1.log", 50);
     scene.link("../new target", "MyApp.2.log", -50);
     scene.link("../old folder", "MyApp.3.log", 50);
-    scene.link(scene / "MyApp.1.log", "MyApp.4.log", 50);
-    Texts expected;
-    for (const std::string& name : scene.listing()) {
-        if (name != "MyApp.2.log") {
-            expected.push_back(scene.ageMessage(name));
-        }
-    }
+    scene.removed(By::age);
+    EXPECT_EQ(scene.names(), Names{"MyApp.2.log"});
+    scene.removed(By::count);
+    EXPECT_EQ(scene.names(), Names{});
+    EXPECT_EQ(kit::contentsOf(scene.base + "/old target"), "old");
+    EXPECT_EQ(kit::contentsOf(scene.base + "/new target"), "new");
+    EXPECT_EQ(kit::contentsOf(scene.base + "/old folder/inside"), "inside");
     // A link to a link may come after the other one has gone, and is then dangling: its own date counts.
-    const Texts texts = removeOld(scene.logs());
-    const Texts names = scene.listing();
-    if (names.size() == 2) {
-        expected.erase(std::remove(expected.begin(), expected.end(), scene.ageMessage("MyApp.4.log")),
-                       expected.end());
-    }
-    EXPECT_EQ(texts, expected);
+    scene.link("../old target", "MyApp.1.log", 50);
+    scene.link("MyApp.1.log", "MyApp.4.log", 50);
+    scene.removed(By::age);
     EXPECT_FALSE(stands(scene / "MyApp.1.log"));
-    EXPECT_TRUE(stands(scene / "MyApp.2.log"));
-    EXPECT_FALSE(stands(scene / "MyApp.3.log"));
-    EXPECT_EQ(scene::contentsOf(scene.base + "/old target"), "old");
-    EXPECT_EQ(scene::contentsOf(scene.base + "/new target"), "new");
-    EXPECT_EQ(scene::contentsOf(scene.base + "/old folder/inside"), "inside");
 }
 
-TEST(LogRetention, countsALinkByTheDateOfWhatItLeadsTo) {
+TEST(LogRetention, countsALinkByTheDateOfItsTarget) {
     const RetentionScene scene;
     scene.folder.write("target", "kept");
     scene.date("../target", -100);
     scene.link("../target", "MyApp.1.log", 500);
     scene.file("MyApp.2.log", -50);
-    EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{scene.countMessage("MyApp.1.log")});
-    EXPECT_EQ(scene.names(), Names{"MyApp.2.log"});
-    EXPECT_EQ(scene::contentsOf(scene.base + "/target"), "kept");
+    EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.1.log"}, By::count));
+    EXPECT_EQ(kit::contentsOf(scene.base + "/target"), "kept");
     // A log file and a link to it have one date, and so one entry.
     scene.link("MyApp.2.log", "MyApp.3.log", 700);
-    EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{});
-    EXPECT_EQ(scene.names().size(), 2U);
+    EXPECT_EQ(scene.removed(By::count, 1), Texts{});
+    EXPECT_EQ(scene.names(), (Names{"MyApp.2.log", "MyApp.3.log"}));
 }
 
-TEST(LogRetention, datesALinkThatLeadsNowhereByItself) {
+TEST(LogRetention, datesADanglingLinkByItself) {
     // It stays as it is when links are resolved, and what is at the path then is the link.
     for (const char* const target : {"nosuch", "MyApp.1.log"}) {
         for (const bool isOld : {true, false}) {
             const RetentionScene scene;
             scene.link(target, "MyApp.1.log", isOld ? -100 : 100);
-            EXPECT_EQ(removeOld(scene.logs()), isOld ? Texts{scene.ageMessage("MyApp.1.log")} : Texts{})
-                << target;
+            EXPECT_EQ(scene.removed(By::age), isOld ? scene.messages({"MyApp.1.log"}, By::age) : Texts{});
             EXPECT_EQ(stands(scene / "MyApp.1.log"), !isOld) << target;
         }
         const RetentionScene scene;
         scene.link(target, "MyApp.1.log", -100);
         scene.file("MyApp.2.log", -200);
-        EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{scene.countMessage("MyApp.2.log")});
+        EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.2.log"}, By::count));
         EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
     }
 }
 
-TEST(LogRetention, removesAFolderThatIsCalledLikeALogFileWithAllItHolds) {
-    for (const bool byAge : {true, false}) {
+TEST(LogRetention, removesAFolderThatIsCalledLikeALogFileWithItsContents) {
+    for (const By way : bothWays) {
         const RetentionScene scene;
         scene.folder.write("kept", "kept");
         scene.file("MyApp.1.log/a/b", -1);
@@ -534,19 +457,12 @@ TEST(LogRetention, removesAFolderThatIsCalledLikeALogFileWithAllItHolds) {
         scene.date("MyApp.1.log", -100);
         ASSERT_EQ(::mkfifo((scene / "MyApp.2.log").c_str(), 0600), 0);
         scene.date("MyApp.2.log", 100);
-        EXPECT_EQ(byAge ? removeOld(scene.logs()) : keepNewest(scene.logs(), 1),
-                  Texts{byAge ? scene.ageMessage("MyApp.1.log") : scene.countMessage("MyApp.1.log")});
-        EXPECT_EQ(scene.names(), Names{"MyApp.2.log"});
-        EXPECT_EQ(scene::contentsOf(scene.base + "/kept"), "kept");
+        scene.file("sub/MyApp.3.log", -100); // nobody looks into other folders
+        EXPECT_EQ(scene.removed(way, 1), scene.messages({"MyApp.1.log"}, way));
+        EXPECT_EQ(scene.names(), (Names{"MyApp.2.log", "sub"}));
+        EXPECT_TRUE(stands(scene / "sub/MyApp.3.log"));
+        EXPECT_EQ(kit::contentsOf(scene.base + "/kept"), "kept");
     }
-}
-
-TEST(LogRetention, looksIntoNoFolderBelow) {
-    const RetentionScene scene;
-    scene.file("sub/MyApp.1.log", -100);
-    EXPECT_EQ(removeOld(scene.logs()), Texts{});
-    EXPECT_EQ(keepNewest(scene.logs(), 0), Texts{});
-    EXPECT_TRUE(stands(scene / "sub/MyApp.1.log"));
 }
 
 // How the folder is named.
@@ -566,80 +482,59 @@ TEST(LogRetention, namesFilesByTheFolderAsItWasGiven) {
         {scene.base + "/./logs", scene.base + "/./logs/MyApp.1.log"},
     };
     for (const auto& row : rows) {
-        scene.file("MyApp.1.log", -100);
-        EXPECT_EQ(removeOld(row.folder), Texts{"Removing log file " + row.path + " due to log file age"});
-        EXPECT_EQ(scene.names(), Names{}) << row.folder;
-        scene.file("MyApp.1.log", -100);
-        EXPECT_EQ(keepNewest(row.folder, 0),
-                  Texts{"Removing log file " + row.path + " due to log file count"});
-        EXPECT_EQ(scene.names(), Names{}) << row.folder;
+        for (const By way : bothWays) {
+            scene.file("MyApp.1.log", -100);
+            EXPECT_EQ(removed(row.folder, way), Texts{message(row.path, way)});
+            EXPECT_EQ(scene.names(), Names{}) << row.folder;
+        }
     }
 }
 
 TEST(LogRetention, takesARelativeFolderFromTheCurrentOneAndExpandsNoTilde) {
     const RetentionScene scene;
-    const scene::Variable home("HOME", scene.logs().c_str());
+    const kit::Variable home("HOME", scene.logs().c_str());
     scene.file("MyApp.1.log", -100);
-    EXPECT_TRUE(logtest::inChild([&scene] {
-        return ::chdir(scene.base.c_str()) == 0 && removeOld("~") == Texts{} &&
-               keepNewest("~", 0) == Texts{} && scene.names().size() == 1 &&
-               removeOld("logs") == Texts{"Removing log file logs/MyApp.1.log due to log file age"} &&
-               scene.names().empty();
-    }));
+    const kit::CurrentFolder current(scene.base);
+    EXPECT_EQ(removed("~", By::age), Texts{});
+    EXPECT_EQ(removed("~", By::count), Texts{});
+    EXPECT_EQ(removed("logs", By::age), Texts{message("logs/MyApp.1.log", By::age)});
+    EXPECT_EQ(scene.names(), Names{});
 }
 
 TEST(LogRetention, namesFilesWithPercentSignsAndForeignBytes) {
     const RetentionScene scene;
-    const std::string folder = scene.folder.makeFolder("100%d %@%n");
-    scene.folder.write("100%d %@%n/MyApp.1.log", "");
-    const timespec times[2] = {{noon, 0}, {noon - 100, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, (folder + "/MyApp.1.log").c_str(), times, 0), 0);
-    EXPECT_EQ(removeOld(folder), Texts{"Removing log file " + folder + "/MyApp.1.log due to log file age"});
-    const std::string foreign = scene.folder.makeFolder("\xFF logs");
-    scene.folder.write("\xFF logs/MyApp.2.log", "");
-    ASSERT_EQ(::utimensat(AT_FDCWD, (foreign + "/MyApp.2.log").c_str(), times, 0), 0);
-    const logtest::CapturedOutput output;
-    ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(
-        NSString::stringWithFileSystemBytes(foreign.data(), foreign.size()), 0);
-    EXPECT_EQ(output.texts(), Texts{"Removing log file " + scene.folder.path() +
-                                    "/\uFFFD logs/MyApp.2.log due to log file count"});
-    EXPECT_FALSE(stands(foreign + "/MyApp.2.log"));
+    for (const char* const name : {"100%d %@%n", "\xFF logs"}) {
+        const std::string folder = scene.folder.makeFolder(name);
+        scene.folder.write(std::string(name) + "/MyApp.1.log", "");
+        const std::string shown = name[0] == '\xFF' ? scene.folder.path() + "/\uFFFD logs" : folder;
+        EXPECT_EQ(removed(folder, By::count), Texts{message(shown + "/MyApp.1.log", By::count)});
+        EXPECT_FALSE(stands(folder + "/MyApp.1.log"));
+    }
 }
 
 // What goes wrong.
 
-TEST(LogRetention, saysNothingOfAFolderThatCannotBeListed) {
+TEST(LogRetention, saysNothingOfAFolderThatCannotBeListedOrHasNothingToRemove) {
     const RetentionScene scene;
-    scene.file("MyApp.1.log", -100);
-    const logtest::CapturedOutput output;
+    EXPECT_EQ(scene.removed(By::age), Texts{});
+    EXPECT_EQ(scene.removed(By::count), Texts{});
+    scene.file("MyApp.1.log", 100);
+    EXPECT_EQ(scene.removed(By::age), Texts{});
+    EXPECT_EQ(scene.removed(By::count, 1), Texts{});
+    const kit::CapturedOutput output;
     for (const NSString& folder : {NSString(), NSString(""), NSString(scene / "nosuch"),
                                    NSString(scene / "MyApp.1.log"), NSString("nosuch-zq")}) {
-        ZQLog::removeLogfilesOlderThan_fromFolder(at(0), folder);
-        ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(folder, 0);
+        removeFrom(folder, By::age);
+        removeFrom(folder, By::count);
     }
     EXPECT_EQ(output.bytes(), "");
     EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
 }
 
-TEST(LogRetention, saysNothingWhereNothingIsToBeRemoved) {
-    const RetentionScene scene;
-    EXPECT_EQ(removeOld(scene.logs()), Texts{});
-    EXPECT_EQ(keepNewest(scene.logs(), 0), Texts{});
-    scene.file("MyApp.1.log", 100);
-    EXPECT_EQ(removeOld(scene.logs()), Texts{});
-    EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{});
-    EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
-}
-
-/// Runs the body as an ordinary user and returns the lines that it wrote.
-template <class Body>
-Texts linesOfUnprivileged(const Body& body) {
-    const logtest::CapturedOutput output;
-    EXPECT_EQ(scene::inUnprivilegedChild([&body] {
-                  body();
-                  return 0;
-              }),
-              0);
+/// The same as an ordinary user.
+Texts removedUnprivileged(const RetentionScene& scene, By way, std::size_t count = 0) {
+    const kit::CapturedOutput output;
+    EXPECT_EQ(kit::inUnprivilegedChild([&] { removeFrom(NSString(scene.logs()), way, count); }), 0);
     return output.texts();
 }
 
@@ -648,28 +543,24 @@ TEST(LogRetention, saysWhichFilesCannotBeRemovedAndGoesOn) {
     scene.file("MyApp.1.log", -300);
     scene.file("MyApp.2.log", -100);
     scene.file("MyApp.3.log", -200);
-    ASSERT_EQ(::chmod(scene.logs().c_str(), 0555), 0);
+    scene.setMode(0555);
     Texts inListingOrder;
     for (const std::string& name : scene.listing()) {
-        inListingOrder.push_back(scene.ageMessage(name));
+        inListingOrder.push_back(scene.message(name, By::age));
         inListingOrder.push_back(scene.failure(name));
     }
-    EXPECT_EQ(linesOfUnprivileged(
-                  [&scene] { ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(scene.logs())); }),
-              inListingOrder);
-    EXPECT_EQ(linesOfUnprivileged([&scene] {
-                  ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(scene.logs()), 1);
-              }),
-              (Texts{scene.countMessage("MyApp.1.log"), scene.failure("MyApp.1.log"),
-                     scene.countMessage("MyApp.3.log"), scene.failure("MyApp.3.log")}));
-    ::chmod(scene.logs().c_str(), 0755);
+    EXPECT_EQ(removedUnprivileged(scene, By::age), inListingOrder);
+    EXPECT_EQ(removedUnprivileged(scene, By::count, 1),
+              (Texts{scene.message("MyApp.1.log", By::count), scene.failure("MyApp.1.log"),
+                     scene.message("MyApp.3.log", By::count), scene.failure("MyApp.3.log")}));
+    scene.setMode(0755);
     EXPECT_EQ(scene.names().size(), 3U);
 }
 
-TEST(LogRetention, goesOnBehindAFileThatCannotBeRemoved) {
+TEST(LogRetention, goesOnAfterAFileThatCannotBeRemoved) {
     // A folder with a closed folder inside stays; the files around it go.
     const RetentionScene scene;
-    ASSERT_EQ(::chmod(scene.logs().c_str(), 0777), 0);
+    scene.setMode(0777);
     for (int i = 0; i < 20; ++i) {
         scene.file("MyApp." + std::to_string(i) + ".log", -100 - i);
     }
@@ -677,16 +568,10 @@ TEST(LogRetention, goesOnBehindAFileThatCannotBeRemoved) {
     ASSERT_EQ(::chmod((scene / "MyApp.99.log/closed").c_str(), 0555), 0);
     ASSERT_EQ(::chmod((scene / "MyApp.99.log").c_str(), 0777), 0);
     scene.date("MyApp.99.log", -110, 500'000'000);
-    Texts expected;
-    for (const std::string& name : scene.listing()) {
-        expected.push_back(scene.ageMessage(name));
-        if (name == "MyApp.99.log") {
-            expected.push_back(scene.failure(name));
-        }
-    }
-    EXPECT_EQ(linesOfUnprivileged(
-                  [&scene] { ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(scene.logs())); }),
-              expected);
+    Texts expected = scene.messages(scene.listing(), By::age);
+    const auto failing = std::find(expected.begin(), expected.end(), scene.message("MyApp.99.log", By::age));
+    expected.insert(failing + 1, scene.failure("MyApp.99.log"));
+    EXPECT_EQ(removedUnprivileged(scene, By::age), expected);
     EXPECT_EQ(scene.names(), Names{"MyApp.99.log"});
     ::chmod((scene / "MyApp.99.log/closed").c_str(), 0755);
 }
@@ -696,77 +581,41 @@ TEST(LogRetention, leavesFilesWhoseDateCannotBeRead) {
     const RetentionScene scene;
     scene.file("MyApp.1.log", -100);
     scene.file("MyApp.2.log", -200);
-    ASSERT_EQ(::chmod(scene.logs().c_str(), 0444), 0);
-    EXPECT_EQ(linesOfUnprivileged([&scene] {
-                  ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(scene.logs()));
-                  ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(scene.logs()), 0);
-              }),
-              Texts{});
-    ::chmod(scene.logs().c_str(), 0755);
+    scene.setMode(0444);
+    EXPECT_EQ(removedUnprivileged(scene, By::age), Texts{});
+    EXPECT_EQ(removedUnprivileged(scene, By::count), Texts{});
+    scene.setMode(0755);
     EXPECT_EQ(scene.names().size(), 2U);
 }
 
-// The message comes first.
-
 TEST(LogRetention, saysWhatItRemovesBeforeItDoes) {
-    for (const bool byAge : {true, false}) {
+    for (const By way : bothWays) {
         const RetentionScene scene;
         scene.file("MyApp.1.log", -100);
         int ends[2];
         ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
         // A full pipe holds the line back until somebody reads.
         ASSERT_EQ(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
-        const std::string filling(4096, 'x');
-        while (::write(ends[1], filling.data(), filling.size()) > 0) {
-        }
         while (::write(ends[1], "x", 1) > 0) {
         }
         ASSERT_EQ(::fcntl(ends[1], F_SETFL, 0), 0);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::alarm(60);
-            ::dup2(ends[1], STDERR_FILENO);
-            ::close(ends[0]);
-            ::close(ends[1]);
-            if (byAge) {
-                ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(scene.logs()));
-            } else {
-                ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(scene.logs()), 0);
-            }
-            scene::leave(0);
-        }
-        ::close(ends[1]);
-        ::usleep(100'000);
-        EXPECT_TRUE(stands(scene / "MyApp.1.log")) << "it went before its line";
         std::string all;
-        char buffer[4096];
-        ssize_t count = 0;
-        while ((count = ::read(ends[0], buffer, sizeof buffer)) > 0) {
-            all.append(buffer, static_cast<std::size_t>(count));
+        {
+            const kit::StandardErrorAs standardError(ends[1]);
+            ::close(ends[1]);
+            const logscene::Background removal([&] { removeFrom(NSString(scene.logs()), way); });
+            EXPECT_TRUE(removal.waitsSoon());
+            EXPECT_TRUE(stands(scene / "MyApp.1.log")) << "it went before its line";
+            while (all.empty() || all.back() != '\n') {
+                char byte = 0;
+                ASSERT_EQ(::read(ends[0], &byte, 1), 1);
+                all += byte;
+            }
         }
         ::close(ends[0]);
-        EXPECT_EQ(hosttest::endOf(child), "");
         EXPECT_FALSE(stands(scene / "MyApp.1.log"));
-        EXPECT_EQ(hosttest::textsIn(all.substr(
-                      all.find_last_of('x') == std::string::npos ? 0 : all.find_first_not_of('x'))),
-                  Texts{byAge ? scene.ageMessage("MyApp.1.log") : scene.countMessage("MyApp.1.log")});
+        EXPECT_EQ(kit::textsIn(all.substr(all.find_first_not_of('x'))), scene.messages({"MyApp.1.log"}, way));
     }
-}
-
-// A process name that overlaps with the ending.
-
-std::string raisedBy(const std::string& folder, bool byAge) {
-    const logtest::CapturedOutput output;
-    try {
-        if (byAge) {
-            ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(folder));
-        } else {
-            ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(folder), 0);
-        }
-    } catch (const NSException& exception) {
-        return exception.name().utf8();
-    }
-    return "";
 }
 
 TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
@@ -782,17 +631,44 @@ TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
     for (const char* const name : {"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}) {
         ASSERT_EQ(::lchown((scene / name).c_str(), nobody, nobody), 0);
     }
-    ASSERT_EQ(::chmod(scene.logs().c_str(), 01777), 0);
-    EXPECT_EQ(keepNewest(scene.logs(), 2), Texts());
-    EXPECT_EQ(keepNewest(scene.logs(), 1), Texts{scene.countMessage("MyApp.5.log")});
-    EXPECT_EQ(removeOld(scene.logs()), Texts{scene.ageMessage("MyApp.3.log")});
+    scene.setMode(01777);
+    EXPECT_EQ(scene.removed(By::count, 2), Texts());
+    EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.5.log"}, By::count));
+    EXPECT_EQ(scene.removed(By::age), scene.messages({"MyApp.3.log"}, By::age));
     EXPECT_EQ(scene.names(), (Names{"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}));
     for (const mode_t notShared : {01755U, 0777U}) {
-        ASSERT_EQ(::chmod(scene.logs().c_str(), notShared), 0);
-        EXPECT_EQ(removeOld(scene.logs()).size(), notShared == 01755 ? 2U : 1U);
+        scene.setMode(notShared);
+        EXPECT_EQ(scene.removed(By::age).size(), notShared == 01755 ? 2U : 1U);
         scene.file("MyApp.1.log", -100);
         ASSERT_EQ(::lchown((scene / "MyApp.1.log").c_str(), nobody, nobody), 0);
     }
+}
+
+TEST(LogRetention, findsItsFilesAmong200000OtherEntries) {
+    // Making this many files takes long on a disk.
+    const bool hasMemoryFolder = ::access("/dev/shm", W_OK | X_OK) == 0;
+    const kit::Variable variable("TMPDIR", hasMemoryFolder ? "/dev/shm" : std::getenv("TMPDIR"));
+    const RetentionScene scene;
+    for (int number = 0; number < 200000; ++number) {
+        const std::string ending = number % 20000 == 0 ? ".log" : ".txt";
+        const std::string path = scene / ("MyApp." + std::to_string(number) + ending);
+        const kit::Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        ASSERT_TRUE(file) << path;
+    }
+    const kit::CapturedOutput output;
+    ZQLog::removeLogfilesOlderThan_fromFolder(NSDate::dateWithTimeIntervalSinceReferenceDate(1e10),
+                                              NSString(scene.logs()));
+    EXPECT_EQ(output.texts().size(), 10U);
+    const Texts left = scene.listing();
+    EXPECT_EQ(left.size(), 200000U - 10U);
+    EXPECT_TRUE(std::all_of(left.begin(), left.end(),
+                            [](const std::string& name) { return name.ends_with(".txt"); }));
+}
+
+// A process name that overlaps with the ending.
+
+std::string raisedBy(const std::string& folder, By way) {
+    return kit::raised([&] { removed(folder, way); });
 }
 
 TEST(LogRetention, raisesARangeErrorWhereNameAndEndingOverlap) {
@@ -817,67 +693,47 @@ TEST(LogRetention, raisesARangeErrorWhereNameAndEndingOverlap) {
         {"My.log.log", "My.log", false},
     };
     for (const auto& row : rows) {
-        for (const bool byAge : {true, false}) {
-            const RetentionScene scene(row.process);
-            scene.file(row.name, -100);
-            EXPECT_EQ(raisedBy(scene.logs(), byAge), row.raises ? "NSRangeException" : "")
-                << row.process << " " << row.name;
-            EXPECT_FALSE(row.raises && !stands(scene / row.name)) << row.process << " " << row.name;
+        for (const By way : bothWays) {
+            for (const time_t seconds : {-100, 1'000}) { // whatever the date
+                const RetentionScene scene(row.process);
+                scene.file(row.name, seconds);
+                EXPECT_EQ(raisedBy(scene.logs(), way), row.raises ? "NSRangeException" : "nothing")
+                    << row.process << " " << row.name;
+                EXPECT_FALSE(row.raises && !stands(scene / row.name)) << row.process << " " << row.name;
+            }
         }
     }
 }
 
-TEST(LogRetention, raisesThatRangeErrorForARenamedProcessToo) {
-    const RetentionScene scene;
-    scene.file("My.log", -100);
-    EXPECT_TRUE(logtest::inChild([&scene] {
-        NSProcessInfo::processInfo().setProcessName("My.l");
-        return raisedBy(scene.logs(), true) == "NSRangeException" &&
-               raisedBy(scene.logs(), false) == "NSRangeException";
-    }));
-}
-
-TEST(LogRetention, raisesThatRangeErrorWhateverTheDate) {
-    const RetentionScene scene("My.log");
-    scene.file("My.log", 1'000);
-    EXPECT_EQ(raisedBy(scene.logs(), true), "NSRangeException");
-}
-
 TEST(LogRetention, hasRemovedByAgeWhatIsListedBeforeTheRangeErrorAndByCountNothing) {
-    for (const bool byAge : {true, false}) {
+    for (const By way : bothWays) {
         const RetentionScene scene("My.log");
         for (int i = 0; i < 30; ++i) {
             scene.file("My.log." + std::to_string(i) + ".log", -100 - i);
         }
         scene.file("My.log", -50);
-        Names left = scene.names();
-        for (const std::string& name : scene.listing()) {
-            if (name == "My.log") {
-                break;
-            }
-            if (byAge) {
-                left.erase(name);
-            }
-        }
-        EXPECT_EQ(raisedBy(scene.logs(), byAge), "NSRangeException");
-        EXPECT_EQ(scene.names(), left) << byAge;
+        const Texts listing = scene.listing();
+        const auto firstKept =
+            way == By::age ? std::find(listing.begin(), listing.end(), "My.log") : listing.begin();
+        EXPECT_EQ(raisedBy(scene.logs(), way), "NSRangeException");
+        EXPECT_EQ(scene.names(), Names(firstKept, listing.end()));
     }
 }
-
-// Around it.
 
 TEST(LogRetention, leavesErrnoAlone) {
     const RetentionScene scene;
     scene.file("MyApp.1.log", -100);
     scene.file("MyApp.2.log", -100);
     scene.link("nosuch", "MyApp.3.log", 100);
-    const logtest::CapturedOutput output;
+    const kit::CapturedOutput output;
     errno = EDOM;
-    ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(scene / "nosuch"));
+    removeFrom(NSString(scene / "nosuch"), By::age);
     EXPECT_EQ(errno, EDOM);
-    ZQLog::removeLogfilesOlderThan_fromFolder(at(0), NSString(scene.logs()));
+    removeFrom(NSString(scene.logs()), By::age);
     EXPECT_EQ(errno, EDOM);
-    ZQLog::removeOldLogfilesFromFolder_keepingTheNewest(NSString(scene.logs()), 0);
+    removeFrom(NSString(scene.logs()), By::count);
     EXPECT_EQ(errno, EDOM);
     EXPECT_EQ(scene.names(), Names{});
 }
+
+} // namespace

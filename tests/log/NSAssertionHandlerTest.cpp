@@ -1,198 +1,244 @@
 // SPDX-License-Identifier: MIT
-// What a failed assertion logs and raises.
+// What a failed assertion logs and raises, for every kind of object and every nil.
 #include "log/NSAssertionHandler.h"
 
-#include <exception>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "tests/log/LogTestSupport.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
+using kit::utf8Of;
+using logscene::Texts;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 struct Store {
     void reload(int count) const { ZQAssertInMethod(count < 5, this, "BadCount", "%d of %d", count, 5); }
     static void shared() { ZQAssertInMethod(false, classOf<Store>(), "BadClass", "%@", "none"); }
 };
 
+struct Shelf {
+    virtual ~Shelf() = default;
+};
+
+struct DeepShelf : Shelf {};
+
 class Named : public NSObjectProtocol {
 public:
-    NSString className() const override { return "Registered"; }
+    explicit Named(NSString name) : name_(name) {}
+    NSString className() const override { return name_; }
+
+private:
+    NSString name_;
 };
 
-class OfUnknownClass : public NSObjectProtocol {
+/// A host object whose description does something first.
+class Acting : public NSObjectProtocol {
 public:
-    NSString className() const override { return nullptr; }
+    explicit Acting(void (*action)()) : action_(action) {}
+    NSString description() const override {
+        action_();
+        return "described";
+    }
+
+private:
+    void (*action_)();
 };
 
-NSAssertionHandler& handler() { return NSAssertionHandler::currentHandler(); }
+const NSAssertionHandler& handler() { return NSAssertionHandler::currentHandler(); }
 
-/// What the failing operation raises; a failure of the test when it returns.
-template <class Operation>
-NSException raisedBy(const Operation& operation) {
+/// The lines that the action writes, and at the end what it raises, as "name: reason".
+template <class Action>
+Texts outcomeOf(const Action& action) {
+    const kit::CapturedOutput output;
+    std::string raised = "nothing";
     try {
-        operation();
+        action();
     } catch (const NSException& exception) {
-        return exception;
+        raised = utf8Of(exception.name()) + ": " + utf8Of(exception.reason());
     }
-    ADD_FAILURE() << "nothing was raised";
-    return NSException(nullptr, nullptr);
+    Texts outcome = output.texts();
+    outcome.push_back(raised);
+    return outcome;
 }
 
-std::string utf8(const NSString& text) { return text ? text.utf8() : "(nil)"; }
+template <class... Arguments>
+Texts failInFunction(StringView function, StringView file, std::int64_t line, const NSString& name,
+                     FormatString<std::type_identity_t<Arguments>...> format, const Arguments&... arguments) {
+    return outcomeOf([&] {
+        handler().handleFailureInFunction_file_lineNumber_exceptionName_description(
+            function, file, line, name, format, arguments...);
+    });
+}
 
-struct FunctionRow {
-    StringView function;
-    StringView file;
-    std::int64_t line;
-    const char* text;
-};
+template <class... Arguments>
+Texts failInMethod(StringView method, const LogCaller& object, StringView file, std::int64_t line,
+                   const NSString& name, FormatString<std::type_identity_t<Arguments>...> format,
+                   const Arguments&... arguments) {
+    return outcomeOf([&] {
+        handler().handleFailureInMethod_object_file_lineNumber_exceptionName_description(
+            method, object, file, line, name, format, arguments...);
+    });
+}
+
+Texts outcome(const std::string& place, const std::string& raised) {
+    return {"*** Assertion failure in " + place, raised};
+}
 
 TEST(NSAssertionHandler, namesFunctionLastPathComponentAndLine) {
-    const FunctionRow rows[] = {
-        {"parse", "/src/lib/parse.c", 42, "*** Assertion failure in parse(), parse.c:42"},
-        {"parse", "parse.c", 0, "*** Assertion failure in parse(), parse.c:0"},
-        {"", "/", -1, "*** Assertion failure in (), /:-1"},
-        {"f%d", "/a/%@.c", INT64_MAX, "*** Assertion failure in f%d(), %@.c:9223372036854775807"},
-        {nullptr, nullptr, 1, "*** Assertion failure in (null)(), (null):1"},
-        {"caf\u00E9", "/x/\u65E5.cpp/", INT64_MIN,
-         "*** Assertion failure in caf\u00E9(), \u65E5.cpp:-9223372036854775808"},
+    const struct {
+        StringView function;
+        StringView file;
+        std::int64_t line;
+        const char* place;
+    } rows[] = {
+        {"parse", "/src/lib/parse.c", 42, "parse(), parse.c:42"},
+        {"parse", "parse.c", 0, "parse(), parse.c:0"},
+        {"parse", "/src//lib/", -1, "parse(), lib:-1"},
+        {"f", "/", INT64_MAX, "f(), /:9223372036854775807"},
+        {"f", "", INT64_MIN, "f(), :-9223372036854775808"},
+        {"", "a.c", 1, "(), a.c:1"},
+        // Unlike the caller of a log line, a name with a colon is no path and keeps its "()".
+        {"-[Foo bar:]", "a.c", 1, "-[Foo bar:](), a.c:1"},
+        {"a/b:c", "a.c", 1, "a/b:c(), a.c:1"},
+        {"operator%", "%d/%@.c", 1, "operator%(), %@.c:1"},
+        {"caf\u00E9", "/x/\u65E5.cpp/", 1, "caf\u00E9(), \u65E5.cpp:1"},
+        {nullptr, "a.c", 1, "(null)(), a.c:1"},
+        {"f", nullptr, 1, "f(), (null):1"},
     };
-    for (const FunctionRow& row : rows) {
-        const logtest::CapturedOutput output;
-        const NSException exception = raisedBy([&] {
-            handler().handleFailureInFunction_file_lineNumber_exceptionName_description(
-                row.function, row.file, row.line, "BadInput", "%d bad", 7);
-        });
-        EXPECT_EQ(output.texts(), Texts{row.text});
-        EXPECT_EQ(utf8(exception.name()), "BadInput");
-        EXPECT_EQ(utf8(exception.reason()), "7 bad");
-        EXPECT_STREQ(exception.what(), "BadInput: 7 bad");
+    for (const auto& row : rows) {
+        EXPECT_EQ(failInFunction(row.function, row.file, row.line, "BadInput", "%d bad", 7),
+                  outcome(row.place, "BadInput: 7 bad"));
     }
 }
 
 TEST(NSAssertionHandler, givesClassesAPlusAndNeverAnAddress) {
     const Store store;
-    const Named named;
-    const OfUnknownClass unknown;
+    const DeepShelf deep;
+    const Named named("Registered");
+    const Named unknown(nullptr); // of no class, which is not the object itself
     const NSObject value = "text";
     const NSObject absent;
     const NSObject ownClass = classOf<Store>();
     const struct {
         LogCaller object;
-        const char* text;
+        const char* place;
     } rows[] = {
-        {&store, "*** Assertion failure in -[Store reload:], Store.m:10"},
-        {ownClass, "*** Assertion failure in +[Store reload:], Store.m:10"},
-        {&named, "*** Assertion failure in -[Registered reload:], Store.m:10"},
-        {&unknown, "*** Assertion failure in -[(null) reload:], Store.m:10"},
-        {value, "*** Assertion failure in -[NSString reload:], Store.m:10"},
-        // Nothing, asked for its class, answers nothing: itself.
-        {nullptr, "*** Assertion failure in +[(null) reload:], Store.m:10"},
-        {absent, "*** Assertion failure in +[(null) reload:], Store.m:10"},
-        {static_cast<const void*>(&store), "*** Assertion failure in -[(null) reload:], Store.m:10"},
+        {&store, "-[Store reload:], Store.m:10"},
+        {ownClass, "+[Store reload:], Store.m:10"},
+        {static_cast<const Shelf*>(&deep), "-[DeepShelf reload:], Store.m:10"},
+        {&named, "-[Registered reload:], Store.m:10"},
+        {&unknown, "-[(null) reload:], Store.m:10"},
+        {static_cast<const void*>(&store), "-[(null) reload:], Store.m:10"},
+        {value, "-[NSString reload:], Store.m:10"},
+        // The class of nil is nil: its own class, as far as the check can see.
+        {nullptr, "+[(null) reload:], Store.m:10"},
+        {absent, "+[(null) reload:], Store.m:10"},
+        {static_cast<const Store*>(nullptr), "+[(null) reload:], Store.m:10"},
     };
     for (const auto& row : rows) {
-        const logtest::CapturedOutput output;
-        const NSException exception = raisedBy([&] {
-            handler().handleFailureInMethod_object_file_lineNumber_exceptionName_description(
-                "reload:", row.object, "Store.m", 10, "Broken", "why");
-        });
-        EXPECT_EQ(output.texts(), Texts{row.text});
-        EXPECT_EQ(utf8(exception.name()), "Broken");
-        EXPECT_EQ(utf8(exception.reason()), "why");
+        EXPECT_EQ(failInMethod("reload:", row.object, "/src/Store.m", 10, "BadStore", "%d bad", 7),
+                  outcome(row.place, "BadStore: 7 bad"));
     }
+}
+
+TEST(NSAssertionHandler, showsAbsentNamesOfAMethod) {
+    const Store store;
+    EXPECT_EQ(failInMethod(nullptr, &store, "a.c", 1, "B", "x"), outcome("-[Store (null)], a.c:1", "B: x"));
+    EXPECT_EQ(failInMethod(nullptr, nullptr, nullptr, -3, "B", "x"),
+              outcome("+[(null) (null)], (null):-3", "B: x"));
+    EXPECT_EQ(failInMethod("", &store, "", 1, "B", "x"), outcome("-[Store ], :1", "B: x"));
+    EXPECT_EQ(failInMethod("%@:", &store, "/a/%d", 1, "B", "x"), outcome("-[Store %@:], %d:1", "B: x"));
 }
 
 TEST(NSAssertionHandler, doesNotReadTheDescriptionAgainAsAFormat) {
-    const logtest::CapturedOutput output;
-    for (const char* const text : {"100%", "%@ %d %n", "%s%s%s"}) {
-        const NSException exception = raisedBy([&] {
-            handler().handleFailureInFunction_file_lineNumber_exceptionName_description("f", "f.c", 1, "N",
-                                                                                        "%@", text);
-        });
-        EXPECT_EQ(utf8(exception.reason()), text);
-    }
+    EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "%@", "100% %@ %d %n %%")[1], "Bad: 100% %@ %d %n %%");
+    EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "100%%d")[1], "Bad: 100%d");
+    EXPECT_EQ(failInMethod("m", classOf<Store>(), "a.c", 1, "Bad", "%d%% of %@", 50, "%@")[1],
+              "Bad: 50% of %@");
 }
 
 TEST(NSAssertionHandler, passesANilNameOn) {
-    const logtest::CapturedOutput output;
-    const NSException exception = raisedBy([] {
-        handler().handleFailureInFunction_file_lineNumber_exceptionName_description("f", "f.c", 1, nullptr,
-                                                                                    "reason");
-    });
-    EXPECT_FALSE(exception.name());
-    EXPECT_EQ(utf8(exception.reason()), "reason");
+    EXPECT_EQ(failInFunction("f", "a.c", 1, nullptr, "%d", 7), outcome("f(), a.c:1", "(nil): 7"));
+    EXPECT_EQ(failInMethod("m", classOf<Store>(), "a.c", 1, nullptr, "x"),
+              outcome("+[Store m], a.c:1", "(nil): x"));
+    EXPECT_EQ(failInFunction("f", "a.c", 1, "", "x"), outcome("f(), a.c:1", ": x"));
 }
 
-TEST(NSAssertionHandler, writesTheLineBeforeTheDescriptionIsFormatted) {
-    class Describing : public NSObjectProtocol {
-    public:
-        NSString description() const override {
-            ZQLog::logAlways_log(true, "described");
-            return "d";
-        }
-    };
-    const Describing describing;
-    const logtest::CapturedOutput output;
-    raisedBy([&] {
-        handler().handleFailureInFunction_file_lineNumber_exceptionName_description("f", "f.c", 1, "N", "%@",
-                                                                                    describing);
+TEST(NSAssertionHandler, writesTheLineBeforeTheDescriptionIsMade) {
+    const Acting logging([] { ZQLog::log("describing"); });
+    const Acting raising([] { throw NSException("Undescribable", "no description"); });
+    const std::string line = "*** Assertion failure in f(), a.c:1";
+    EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "%@", logging),
+              (Texts{line, "describing", "Bad: described"}));
+    EXPECT_EQ(failInMethod("m", nullptr, "a.c", 1, "Bad", "%@", logging),
+              (Texts{"*** Assertion failure in +[(null) m], a.c:1", "describing", "Bad: described"}));
+    EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "%@", raising),
+              (Texts{line, "Undescribable: no description"}));
+}
+
+TEST(NSAssertionHandler, leavesTheLineWhenThereIsNoFormat) {
+    const Texts inFunction = outcomeOf([] {
+        handler().handleFailureInFunction_file_lineNumber_exceptionName_description_arguments(
+            "f", "a.c", 1, "Bad", nullptr, ArgumentList());
     });
-    EXPECT_EQ(output.texts(), (Texts{"*** Assertion failure in f(), f.c:1", "described"}));
+    const Texts inMethod = outcomeOf([] {
+        handler().handleFailureInMethod_object_file_lineNumber_exceptionName_description_arguments(
+            "m", nullptr, "a.c", 1, "Bad", nullptr, ArgumentList());
+    });
+    EXPECT_EQ(inFunction[0], "*** Assertion failure in f(), a.c:1");
+    EXPECT_EQ(inMethod[0], "*** Assertion failure in +[(null) m], a.c:1");
+    EXPECT_TRUE(inFunction[1].starts_with("NSInvalidArgumentException: ")) << inFunction[1];
+    EXPECT_TRUE(inMethod[1].starts_with("NSInvalidArgumentException: ")) << inMethod[1];
+}
+
+TEST(NSAssertionHandler, reachesTheLogWhenNobodyCatchesWhateverTheTraceKeys) {
+    const kit::TraceKeys none({{"TraceIO", "<false/>"}});
+    const kit::CapturedOutput output;
+    const auto fail = []() noexcept {
+        handler().handleFailureInFunction_file_lineNumber_exceptionName_description("f", "a.c", 1, "Bad",
+                                                                                    "x");
+    };
+    EXPECT_NE(kit::inChild(fail), 0);
+    EXPECT_NE(output.bytes().find("] *** Assertion failure in f(), a.c:1\n"), std::string::npos);
 }
 
 TEST(NSAssertionHandler, ofThePlatformRaisesAnInconsistency) {
-    const logtest::CapturedOutput output;
-    const NSException inFunction = raisedBy(
-        [] { handler().handleFailureInFunction_file_lineNumber_description("f", "f.c", 1, "%d", 1); });
-    const NSException inMethod = raisedBy([] {
-        handler().handleFailureInMethod_object_file_lineNumber_description("m", classOf<Store>(), "f.c", 2,
-                                                                           "%d", 2);
-    });
-    EXPECT_EQ(utf8(inFunction.name()), NSInternalInconsistencyException);
-    EXPECT_EQ(utf8(inMethod.reason()), "2");
-    EXPECT_EQ(output.texts(),
-              (Texts{"*** Assertion failure in f(), f.c:1", "*** Assertion failure in +[Store m], f.c:2"}));
-}
-
-TEST(NSAssertionHandler, isCaughtAsAStandardException) {
-    const logtest::CapturedOutput output;
-    bool isCaught = false;
-    try {
-        ZQAssert(false, "BadInput", "%d bad", 7);
-    } catch (const std::exception& exception) {
-        isCaught = true;
-        EXPECT_STREQ(exception.what(), "BadInput: 7 bad");
-    }
-    EXPECT_TRUE(isCaught);
+    EXPECT_EQ(outcomeOf([] {
+                  handler().handleFailureInFunction_file_lineNumber_description("f", "f.c", 1, "%d", 1);
+              }),
+              outcome("f(), f.c:1", "NSInternalInconsistencyException: 1"));
+    EXPECT_EQ(outcomeOf([] {
+                  handler().handleFailureInMethod_object_file_lineNumber_description("m", classOf<Store>(),
+                                                                                     "f.c", 2, "%d", 2);
+              }),
+              outcome("+[Store m], f.c:2", "NSInternalInconsistencyException: 2"));
 }
 
 TEST(ZQAssert, suppliesFunctionFileAndLine) {
-    const logtest::CapturedOutput output;
     const int line = __LINE__ + 1;
-    const NSException exception = raisedBy([] { ZQAssert(1 > 2, "BadOrder", "%d", 3); });
-    std::string expected = "*** Assertion failure in operator()(), NSAssertionHandlerTest.cpp:";
-    EXPECT_EQ(output.texts(), Texts{expected.append(std::to_string(line))});
-    EXPECT_EQ(utf8(exception.reason()), "3");
+    EXPECT_EQ(outcomeOf([] { ZQAssert(1 > 2, "BadOrder", "%d", 3); }),
+              outcome("operator()(), NSAssertionHandlerTest.cpp:" + std::to_string(line), "BadOrder: 3"));
 }
 
 TEST(ZQAssert, namesTheClassInAMethod) {
-    const logtest::CapturedOutput output;
-    const NSException ofInstance = raisedBy([] { Store().reload(7); });
-    const NSException ofClass = raisedBy([] { Store::shared(); });
-    EXPECT_EQ(utf8(ofInstance.reason()), "7 of 5");
-    EXPECT_EQ(utf8(ofClass.name()), "BadClass");
-    const Texts texts = output.texts();
-    ASSERT_EQ(texts.size(), 2U);
-    EXPECT_EQ(texts[0].substr(0, 64), "*** Assertion failure in -[Store reload], NSAssertionHandlerTest");
-    EXPECT_EQ(texts[1].substr(0, 64), "*** Assertion failure in +[Store shared], NSAssertionHandlerTest");
+    const Texts ofInstance = outcomeOf([] { Store().reload(7); });
+    const Texts ofClass = outcomeOf([] { Store::shared(); });
+    EXPECT_EQ(ofInstance[0].substr(0, 64),
+              "*** Assertion failure in -[Store reload], NSAssertionHandlerTest");
+    EXPECT_EQ(ofClass[0].substr(0, 64), "*** Assertion failure in +[Store shared], NSAssertionHandlerTest");
+    EXPECT_EQ(ofInstance[1], "BadCount: 7 of 5");
+    EXPECT_EQ(ofClass[1], "BadClass: none");
+}
+
+TEST(ZQAssert, isCaughtAsAStandardException) {
+    const kit::CapturedOutput output;
+    std::string what;
+    try {
+        ZQAssert(false, "BadInput", "%d bad", 7);
+    } catch (const std::exception& exception) {
+        what = exception.what();
+    }
+    EXPECT_EQ(what, "BadInput: 7 bad");
 }
 
 TEST(ZQAssert, evaluatesNothingElseWhileTheConditionHolds) {
@@ -200,7 +246,7 @@ TEST(ZQAssert, evaluatesNothingElseWhileTheConditionHolds) {
     const auto argument = [&evaluations] {
         return ++evaluations;
     };
-    const logtest::CapturedOutput output;
+    const kit::CapturedOutput output;
     ZQAssert(true, "Name", "%d", argument());
     if (evaluations == 0)
         ZQAssert(argument() == 1, "Name", "in a branch without braces");
@@ -211,7 +257,7 @@ TEST(ZQAssert, evaluatesNothingElseWhileTheConditionHolds) {
 }
 
 TEST(ZQMustOverrideMethodException, isItsOwnName) {
-    EXPECT_EQ(NSString(ZQMustOverrideMethodException), "ZQMustOverrideMethodException");
+    EXPECT_STREQ(ZQMustOverrideMethodException, "ZQMustOverrideMethodException");
 }
 
 } // namespace

@@ -1,23 +1,24 @@
 // SPDX-License-Identifier: MIT
 // Trace keys, their look-up and the monitor around them.
-#include "tests/kit/AllocationCount.h"
-#include "tests/log/LogTestSupport.h"
-#include "tests/objects/TestValues.h"
+#include "log/TraceKeys.h"
 
 #include <algorithm>
 
 #include "foundation/process/NSUserDefaults.h"
+#include "log/ZQTraceKey.h"
+#include "tests/kit/AllocationCount.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
 using kit::AllocationCount;
-using logtest::DefaultsScene;
-using logtest::finishesWhileTheMonitorIsHeld;
-using logtest::inChild;
-using logtest::inFreshProcess;
-using logtest::Settings;
-using logtest::TraceKeys;
-using logtest::waitsWhileTheMonitorIsHeld;
-using TestValues::utf8Of;
+using kit::DefaultsScene;
+using kit::inFreshProcess;
+using kit::Settings;
+using kit::TraceKeys;
+using kit::utf8Of;
+using logscene::finishesWhileTheMonitorIsHeld;
+using logscene::waitsWhileTheMonitorIsHeld;
 
 namespace {
 
@@ -124,54 +125,27 @@ const ValueRow valueRows[] = {
     {"<dict><key>YES</key><true/></dict>", false, false, 0},
 };
 
-/// Every operation that checks the trace keys.
+/// An operation that checks the trace keys.
 struct Question {
+    constexpr Question(const char* itsName, bool (*answer)()) : name(itsName), isAnsweredWithYes(answer) {}
+
     const char* name;
     bool (*isAnsweredWithYes)();
 };
 
-/// With the key TraceNet on, all are answered with yes; without any key, with no.
+/// All of them. With the key TraceNet on, all are answered with yes; without any key, with no.
 const Question questions[] = {
-    {"traceKeyIsEnabled",
-     [] {
-         return ZQLog::traceKeyIsEnabled("TraceNet");
-     }},
-    {"activatedTraceDefaultsKeys",
-     [] {
-         return ZQLog::activatedTraceDefaultsKeys().count() > 0;
-     }},
-    {"activatedTraceDefaultKeys",
-     [] {
-         return ZQLog::activatedTraceDefaultKeys().count() > 0;
-     }},
-    {"aTraceDefaultValueHasBeenActivated",
-     [] {
-         return ZQLog::aTraceDefaultValueHasBeenActivated();
-     }},
-    {"key",
-     [] {
-         return keyLabel("TraceNet") != "-";
-     }},
-    {"value",
-     [] {
-         return valueLabel("TraceNet", 1) != "-";
-     }},
-    {"threshold",
-     [] {
-         return thresholdLabel("TraceNet", 1) != "-";
-     }},
-    {"any of",
-     [] {
-         return anyLabel(NSArray{"TraceNet"}) != "-";
-     }},
-    {"all of",
-     [] {
-         return allLabel(NSArray{"TraceNet"}) != "-";
-     }},
-    {"any key",
-     [] {
-         return anyKeyLabel() != "-";
-     }},
+    Question("traceKeyIsEnabled", [] { return ZQLog::traceKeyIsEnabled("TraceNet"); }),
+    Question("activatedTraceDefaultsKeys", [] { return ZQLog::activatedTraceDefaultsKeys().count() > 0; }),
+    Question("activatedTraceDefaultKeys", [] { return ZQLog::activatedTraceDefaultKeys().count() > 0; }),
+    Question("aTraceDefaultValueHasBeenActivated",
+             [] { return ZQLog::aTraceDefaultValueHasBeenActivated(); }),
+    Question("key", [] { return keyLabel("TraceNet") != "-"; }),
+    Question("value", [] { return valueLabel("TraceNet", 1) != "-"; }),
+    Question("threshold", [] { return thresholdLabel("TraceNet", 1) != "-"; }),
+    Question("any of", [] { return anyLabel(NSArray{"TraceNet"}) != "-"; }),
+    Question("all of", [] { return allLabel(NSArray{"TraceNet"}) != "-"; }),
+    Question("any key", [] { return anyKeyLabel() != "-"; }),
 };
 
 } // namespace
@@ -243,14 +217,10 @@ TEST(TraceKeys, areAskedForByTheirExactNames) {
 
 TEST(TraceKeys, areFoundByAnyFormOfText) {
     const TraceKeys keys({{"TraceNet", on}, {"TraceGröße\U0001F600", on}});
-    EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceNet"));
-    EXPECT_TRUE(ZQLog::traceKeyIsEnabled(u"TraceNet"));
     EXPECT_TRUE(ZQLog::traceKeyIsEnabled(NSString("TraceNet")));
     EXPECT_TRUE(ZQLog::traceKeyIsEnabled(std::string("TraceNet")));
     EXPECT_TRUE(ZQLog::traceKeyIsEnabled(std::string_view("TraceNetwork", 8)));
     EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceGröße\U0001F600"));
-    EXPECT_TRUE(ZQLog::traceKeyIsEnabled(u"TraceGröße\U0001F600"));
-    EXPECT_TRUE(ZQLog::traceKeyIsEnabled(NSString(u"TraceGröße\U0001F600")));
     EXPECT_EQ(keyLabel(u"TraceGröße\U0001F600"), "TraceGröße\U0001F600");
 }
 
@@ -268,19 +238,6 @@ TEST(TraceKeys, areFoundWithoutAnAllocation) {
     EXPECT_EQ(after, before);
     const bool expected[] = {true, true, true, true, true, false, false, true};
     EXPECT_TRUE(std::equal(std::begin(found), std::end(found), std::begin(expected)));
-}
-
-TEST(TraceKeys, haveLevels) {
-    const TraceKeys keys({{"TraceLevel", "<integer>3</integer>"}, {"TraceText", "<string>3</string>"}});
-    for (const char* key : {"TraceLevel", "TraceText"}) {
-        SCOPED_TRACE(key);
-        EXPECT_EQ(valueLabel(key, 3), std::string(key) + "=3");
-        EXPECT_EQ(valueLabel(key, 2), "-");
-        EXPECT_EQ(thresholdLabel(key, 2), std::string(key) + ">=2");
-        EXPECT_EQ(thresholdLabel(key, 3), std::string(key) + ">=3");
-        EXPECT_EQ(thresholdLabel(key, 4), "-");
-        EXPECT_EQ(thresholdLabel(key, -7), std::string(key) + ">=-7");
-    }
 }
 
 TEST(TraceKeys, areOfLevel0WhenTheyAreMissing) {
@@ -303,25 +260,27 @@ TEST(TraceKeys, compareLevelsInTheFullWidthOfTheArgument) {
     EXPECT_EQ(thresholdLabel("TraceLevel", -(std::int64_t{1} << 32)), "TraceLevel>=-4294967296");
 }
 
-TEST(TraceKeys, labelAnyOfThemWithThoseThatAreOn) {
+TEST(TraceKeys, labelAnyOfThemWithThoseThatAreOnAndAllOfThemOnlyWhenEachIs) {
     const TraceKeys keys({{"A", on}, {"TraceA", on}, {"TraceB", off}, {"TraceC", on}});
-    EXPECT_EQ(anyLabel(NSArray{"TraceA", "TraceB", "TraceC"}), "TraceA/TraceC");
-    EXPECT_EQ(anyLabel(NSArray{"TraceC", "TraceB", "TraceA"}), "TraceC/TraceA");
-    EXPECT_EQ(anyLabel(NSArray{"TraceB", "TraceMissing", "TraceC", "A"}), "TraceC");
-    EXPECT_EQ(anyLabel(NSArray{"TraceA", "TraceA"}), "TraceA/TraceA");
-    EXPECT_EQ(anyLabel(NSArray{"TraceB"}), "-");
-    EXPECT_EQ(anyLabel(NSArray{"TraceB", "TraceMissing"}), "-");
-}
-
-TEST(TraceKeys, labelAllOfThemOnlyWhenEachIsOn) {
-    const TraceKeys keys({{"TraceA", on}, {"TraceB", on}, {"TraceC", off}});
-    EXPECT_EQ(allLabel(NSArray{"TraceA", "TraceB"}), "TraceA+TraceB");
-    EXPECT_EQ(allLabel(NSArray{"TraceB", "TraceA"}), "TraceB+TraceA");
-    EXPECT_EQ(allLabel(NSArray{"TraceB"}), "TraceB");
-    EXPECT_EQ(allLabel(NSArray{"TraceA", "TraceA"}), "TraceA+TraceA");
-    EXPECT_EQ(allLabel(NSArray{"TraceA", "TraceC"}), "-");
-    EXPECT_EQ(allLabel(NSArray{"TraceC", "TraceA"}), "-");
-    EXPECT_EQ(allLabel(NSArray{"TraceA", "TraceMissing"}), "-");
+    const struct {
+        NSArray keys;
+        const char* any;
+        const char* all;
+    } rows[] = {
+        {{"TraceA", "TraceC"}, "TraceA/TraceC", "TraceA+TraceC"},
+        {{"TraceC", "TraceA"}, "TraceC/TraceA", "TraceC+TraceA"},
+        {{"TraceA", "TraceA"}, "TraceA/TraceA", "TraceA+TraceA"},
+        {{"TraceC", "TraceB", "TraceA"}, "TraceC/TraceA", "-"},
+        {{"TraceB", "TraceMissing", "TraceC", "A"}, "TraceC", "-"},
+        {{"TraceA", "TraceMissing"}, "TraceA", "-"},
+        {{"TraceB", "TraceA"}, "TraceA", "-"},
+        {{"TraceC"}, "TraceC", "TraceC"},
+        {{"TraceB"}, "-", "-"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(anyLabel(row.keys), row.any);
+        EXPECT_EQ(allLabel(row.keys), row.all);
+    }
 }
 
 TEST(TraceKeys, holdNeitherAnyNorAllOfAnEmptyArray) {
@@ -368,11 +327,6 @@ TEST(TraceKeys, areListedInTheOrderOfTheUserDefaults) {
     EXPECT_EQ(namesIn(ZQLog::activatedTraceDefaultKeys()), expected);
 }
 
-TEST(TraceKeys, areListedInTheOrderOfTheirFile) {
-    const TraceKeys keys({{"TraceZ", on}, {"TraceA", on}, {"TraceOff", off}, {"TraceM", on}});
-    EXPECT_EQ(activeKeys(), (Names{"TraceZ", "TraceA", "TraceM"}));
-}
-
 TEST(TraceKeys, areReadFromTheCommandLineFirst) {
     const TraceKeys keys({{"TraceNetwork", off}, {"TraceFile", on}, {"TraceLevel", "<integer>9</integer>"}},
                          {"-TraceNetwork", "YES", "-TraceLevel", "3", "-TraceFile", "NO", "-TraceFlag",
@@ -391,7 +345,7 @@ TEST(TraceKeys, areReadFromTheCommandLineFirst) {
 }
 
 TEST(TraceKeys, areReadAgainOnlyWhenAskedTo) {
-    TraceKeys keys({{"TraceNet", on}, {"TraceLevel", "<integer>3</integer>"}});
+    const TraceKeys keys({{"TraceNet", on}, {"TraceLevel", "<integer>3</integer>"}});
     EXPECT_EQ(activeKeys(), (Names{"TraceNet", "TraceLevel"}));
     keys.replace({{"TraceFile", on}, {"TraceLevel", "<integer>4</integer>"}});
     for (const Question& question : questions) {
@@ -406,30 +360,22 @@ TEST(TraceKeys, areReadAgainOnlyWhenAskedTo) {
     EXPECT_FALSE(ZQLog::traceKeyIsEnabled("TraceNet"));
     EXPECT_EQ(valueLabel("TraceLevel", 3), "-");
     EXPECT_EQ(valueLabel("TraceLevel", 4), "TraceLevel=4");
-    keys.replace({});
-    ZQLog::initializeTraceDefaultsDict();
+    keys.replaceAndRead({});
     for (const Question& question : questions) {
         EXPECT_FALSE(question.isAnsweredWithYes()) << question.name;
     }
 }
 
-TEST(TraceKeys, stayReadForWhoeverStillHoldsTheReplacedList) {
-    TraceKeys keys({{"TraceNet", on}, {"TraceFile", on}});
+TEST(TraceKeys, stayInAListThatWasReturnedBeforeARereading) {
+    const TraceKeys keys({{"TraceNet", on}, {"TraceFile", on}});
     const NSArray held = ZQLog::activatedTraceDefaultsKeys();
     const NSArray heldToo = ZQLog::activatedTraceDefaultKeys();
     for (int i = 0; i < 10; ++i) {
-        keys.replace({{"TraceOther" + std::to_string(i), on}});
-        ZQLog::initializeTraceDefaultsDict();
+        keys.replaceAndRead({{"TraceOther" + std::to_string(i), on}});
         EXPECT_EQ(activeKeys(), Names{"TraceOther" + std::to_string(i)});
     }
     EXPECT_EQ(namesIn(held), (Names{"TraceNet", "TraceFile"}));
     EXPECT_EQ(namesIn(heldToo), namesIn(held));
-}
-
-TEST(TraceKeys, areListedAlikeByBothNamesOfTheOperation) {
-    const TraceKeys keys({{"TraceNet", on}, {"TraceFile", on}});
-    EXPECT_EQ(ZQLog::activatedTraceDefaultsKeys(), ZQLog::activatedTraceDefaultKeys());
-    EXPECT_EQ(ZQLog::activatedTraceDefaultsKeys(), (NSArray{"TraceNet", "TraceFile"}));
 }
 
 TEST(TraceKeys, areReadAtTheFirstQuestionWhicheverItIs) {
@@ -438,12 +384,15 @@ TEST(TraceKeys, areReadAtTheFirstQuestionWhicheverItIs) {
         for (const Question& question : questions) {
             // Each in a child of its own, that has asked nothing yet. What changes after the question does
             // not count.
-            EXPECT_TRUE(inChild([&] {
-                defaults.replace({{"TraceNet", on}});
-                const bool first = question.isAnsweredWithYes();
-                defaults.replace({});
-                return first && question.isAnsweredWithYes() && ZQLog::traceKeyIsEnabled("TraceNet");
-            })) << question.name;
+            EXPECT_EQ(kit::inChild([&] {
+                          defaults.replace({{"TraceNet", on}});
+                          const bool first = question.isAnsweredWithYes();
+                          defaults.replace({});
+                          return first && question.isAnsweredWithYes() &&
+                                 ZQLog::traceKeyIsEnabled("TraceNet");
+                      }),
+                      0)
+                << question.name;
         }
     });
 }
@@ -457,19 +406,8 @@ TEST(TraceKeys, areReadByTheOperationForItBeforeAnyQuestion) {
     });
 }
 
-TEST(TraceKeys, areNotReadByANilKey) {
-    inFreshProcess([] {
-        DefaultsScene defaults({{"TraceEarly", on}});
-        ZQLog::logForTraceKey_usingFormat(nullptr, "x");
-        ZQLog::logForAnyTraceKeyOf_usingFormat(nullptr, "x");
-        EXPECT_EQ(labelOf(ZQLog::logStringForAllTraceKeysOf_usingFormat(nullptr, "x")), "-");
-        defaults.replace({{"TraceNet", on}});
-        EXPECT_EQ(activeKeys(), Names{"TraceNet"});
-    });
-}
-
 TEST(TraceKeysMonitor, isRecursive) {
-    TraceKeys keys({{"TraceNet", on}});
+    const TraceKeys keys({{"TraceNet", on}});
     const ZQLog::Synchronized outer;
     {
         const ZQLog::Synchronized inner;
@@ -477,23 +415,13 @@ TEST(TraceKeysMonitor, isRecursive) {
         for (const Question& question : questions) {
             EXPECT_TRUE(question.isAnsweredWithYes()) << question.name;
         }
-        keys.replace({{"TraceFile", on}});
-        ZQLog::initializeTraceDefaultsDict();
+        keys.replaceAndRead({{"TraceFile", on}});
     }
     EXPECT_EQ(activeKeys(), Names{"TraceFile"});
 }
 
-TEST(TraceKeysMonitor, isHeldUntilTheOutermostScopeEndsSoOtherThreadsWait) {
-    const TraceKeys keys({{"TraceNet", on}});
-    std::unique_ptr<logtest::Background> other;
-    {
-        const ZQLog::Synchronized outer;
-        { const ZQLog::Synchronized inner; }
-        other = std::make_unique<logtest::Background>([] { const ZQLog::Synchronized scope; });
-        ::usleep(50'000);
-        EXPECT_FALSE(other->isDone());
-    }
-    EXPECT_TRUE(other->isDoneSoon());
+TEST(TraceKeysMonitor, makesOtherThreadsWait) {
+    EXPECT_TRUE(waitsWhileTheMonitorIsHeld([] { const ZQLog::Synchronized scope; }));
 }
 
 TEST(TraceKeysMonitor, makesEveryQuestionOfOtherThreadsWait) {
@@ -506,46 +434,122 @@ TEST(TraceKeysMonitor, makesEveryQuestionOfOtherThreadsWait) {
     }
 }
 
-TEST(TraceKeysMonitor, showsOtherThreadsOnlyWhatStandsWhenItIsGivenBack) {
-    TraceKeys keys({{"TraceNet", on}});
+TEST(TraceKeysMonitor, showsOtherThreadsOnlyWhatIsReadWhenItIsReleased) {
+    const TraceKeys keys({{"TraceNet", on}});
     std::atomic<bool> sawTheOldKey = false;
-    std::unique_ptr<logtest::Background> other;
+    std::unique_ptr<logscene::Background> other;
+    const auto look = [&] {
+        sawTheOldKey = ZQLog::traceKeyIsEnabled("TraceNet");
+    };
     {
         const ZQLog::Synchronized held;
-        other = std::make_unique<logtest::Background>(
-            [&] { sawTheOldKey = ZQLog::traceKeyIsEnabled("TraceNet"); });
-        ::usleep(20'000);
-        keys.replace({{"TraceFile", on}});
-        ZQLog::initializeTraceDefaultsDict();
+        { const ZQLog::Synchronized inner; } // which releases nothing
+        other = std::make_unique<logscene::Background>(look);
+        EXPECT_TRUE(other->waitsSoon());
+        keys.replaceAndRead({{"TraceFile", on}});
     }
     EXPECT_TRUE(other->isDoneSoon());
     EXPECT_FALSE(sawTheOldKey);
 }
 
 TEST(TraceKeysMonitor, isNotTakenByTheReadingItselfInAnyThread) {
-    TraceKeys keys({{"TraceNet", on}});
+    const TraceKeys keys({{"TraceNet", on}});
     keys.replace({{"TraceFile", on}});
     EXPECT_TRUE(finishesWhileTheMonitorIsHeld([] { ZQLog::initializeTraceDefaultsDict(); }));
     EXPECT_EQ(activeKeys(), Names{"TraceFile"});
 }
 
-TEST(TraceKeysMonitor, isNotTakenByLinesWithoutATraceConditionInOtherThreads) {
-    const logtest::CapturedOutput output;
-    EXPECT_TRUE(finishesWhileTheMonitorIsHeld([] {
-        ZQLog::log("text");
-        ZQLog::logWithFormat("%d", 3);
-        ZQLog::logSelf_method_logAlways_logWithFormat(nullptr, "run:", true, "x");
-        ZQLog::logFunctionName_logAlways_log("run", true, "x");
-        ZQLog::logForTraceKey_usingFormat(nullptr, "x");
-    }));
-    EXPECT_EQ(output.texts().size(), 4U);
-}
-
-TEST(TraceKeysMonitor, isGivenBackToOtherThreadsWhenAnExceptionLeavesTheScope) {
-    EXPECT_EQ(TestValues::raised([] {
+TEST(TraceKeysMonitor, isReleasedToOtherThreadsWhenAnExceptionLeavesTheScope) {
+    EXPECT_EQ(kit::raised([] {
                   const ZQLog::Synchronized scope;
                   NSException::raise_format("Test", "leaves the scope");
               }),
               "Test");
-    EXPECT_TRUE(logtest::anotherThreadCanTakeTheMonitor());
+    EXPECT_TRUE(logscene::anotherThreadCanTakeTheMonitor());
 }
+
+namespace {
+
+// Each check uses one whole reading, however many re-readings there are meanwhile.
+
+constinit const ZQTraceKey traceEven("TraceEven");
+constinit const ZQTraceKey traceOdd("TraceOdd");
+constinit const ZQTraceKey traceAlways("TraceAlways");
+constinit const ZQTraceKey traceNever("TraceNever");
+constinit const ZQAllTraceKeysOf traceBoth("TraceEven", "TraceOdd");
+constinit const ZQAnyTraceKeyOf traceEither("TraceEven", "TraceOdd");
+constinit const ZQTraceKeyThreshold traceMuch("TraceLevel", 1000);
+
+/// The keys of every other reading. More of them in the one than in the other, so that they change their
+/// places.
+NSDictionary keysOf(bool isOdd) {
+    NSMutableDictionary keys;
+    keys.setObject_forKey(true, "TraceAlways");
+    keys.setObject_forKey(isOdd, "TraceOdd");
+    keys.setObject_forKey(!isOdd, "TraceEven");
+    keys.setObject_forKey(isOdd ? 7 : 2'000'000'000, "TraceLevel");
+    for (int i = 0; i < (isOdd ? 0 : 20); ++i) {
+        keys.setObject_forKey(i % 2 == 0, NSString::stringWithFormat("TraceFiller%d", i));
+    }
+    return keys.dictionary();
+}
+
+/// Whether all answers could be those of one reading, each.
+bool areWhole() {
+    const bool byName = ZQLog::traceKeyIsEnabled("TraceAlways") && !ZQLog::traceKeyIsEnabled("TraceNever") &&
+                        ZQLog::aTraceDefaultValueHasBeenActivated();
+    const bool byObject = traceAlways.isEnabled() && !traceNever.isEnabled() && traceEither.isEnabled() &&
+                          !traceBoth.isEnabled();
+    // Which one it is may change between questions, never within one.
+    const NSString any = traceEither.logString("x");
+    const NSString level = ZQLog::logStringForTraceKey_threshold_usingFormat("TraceLevel", 8, "x");
+    const bool isLevel = ZQLog::logStringForTraceKey_threshold_usingFormat("TraceLevel", 7, "x") &&
+                         !ZQLog::logStringForTraceKey_value_usingFormat("TraceLevel", 0, "x") &&
+                         (!level || level == NSString("TraceLevel>=8: x"));
+    return byName && byObject && isLevel &&
+           (any == NSString("TraceEven: areWhole() x") || any == NSString("TraceOdd: areWhole() x")) &&
+           !ZQLog::logStringForAllTraceKeysOf_usingFormat(NSArray{"TraceEven", "TraceOdd"}, "x");
+}
+
+void askBesideRereadings() {
+    constexpr long rereadings = logscene::scaled(5000, 2000, 1000);
+    const TraceKeys scene{};
+    NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    const NSDictionary readings[] = {keysOf(false), keysOf(true)};
+    defaults.registerDefaults(readings[0]);
+    ZQLog::initializeTraceDefaultsDict();
+    std::atomic<bool> ends = false;
+    std::atomic<long> wrong = 0;
+    std::atomic<long> asked = 0;
+    const auto ask = [&] {
+        while (!ends) {
+            wrong += areWhole() ? 0 : 1;
+            ++asked;
+        }
+    };
+    {
+        const logscene::Background first(ask);
+        const logscene::Background second(ask);
+        for (long i = 1; i <= rereadings; ++i) {
+            if (i % 64 == 0) {
+                defaults.registerDefaults(readings[i / 64 % 2]);
+            }
+            const auto monitor =
+                i % 1000 == 0 ? std::make_unique<ZQLog::Synchronized>() : nullptr; // as hosts do
+            ZQLog::initializeTraceDefaultsDict();
+        }
+        ends = true;
+    }
+    logscene::sayScale(std::to_string(rereadings) + " re-readings, " + std::to_string(asked) +
+                       " rounds of questions");
+    EXPECT_EQ(wrong, 0);
+    EXPECT_GT(asked, 0);
+    defaults.registerDefaults(readings[1]);
+    ZQLog::initializeTraceDefaultsDict();
+    EXPECT_TRUE(traceOdd.isEnabled() && !traceEven.isEnabled() && !traceMuch.isEnabled());
+}
+
+// What is registered stays registered, so the process is one of its own.
+TEST(TraceKeysConcurrency, areAskedBesideRereadingsWithoutEnd) { inFreshProcess(askBesideRereadings); }
+
+} // namespace

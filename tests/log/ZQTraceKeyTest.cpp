@@ -2,22 +2,17 @@
 // Trace keys as objects, compared with the operations by name.
 #include "log/ZQTraceKey.h"
 
-#include <functional>
-#include <thread>
-
 #include "tests/kit/AllocationCount.h"
-#include "tests/log/HostTesting.h"
-#include "tests/log/LogTestSupport.h"
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
+#include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using logtest::CapturedOutput;
-using logtest::TraceKeys;
-using TestValues::utf8Of;
+using kit::CapturedOutput;
+using kit::TraceKeys;
+using kit::utf8Of;
+using logscene::Texts;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 constinit const ZQTraceKey traceA("TraceA");
 constinit const ZQTraceKey traceB("TraceB");
@@ -40,82 +35,38 @@ struct Store {
 };
 const Store store;
 
-/// What the operation by name returns, for the method of the store or for a function, of that name.
-using Named = std::function<NSString(const char* method, const char* function)>;
-
-/// Compares all that the condition says with what the operations by name say, which write what they return.
-void expectSame(const ZQTraceCondition& condition, const Named& named) {
-    const NSString ofFunction = named(nullptr, __func__);
-    const NSString ofMethod = named(__func__, nullptr);
+/// Compares all that the condition says with the label, ending in a space, of the operation by name.
+void expectSame(const ZQTraceCondition& condition, const NSString& label) {
+    const std::string ofFunction = label ? label.utf8() + "expectSame() 3 of five" : "(nil)";
+    const std::string ofMethod =
+        label ? label.utf8() + "-[(Store *)" + logscene::addressText(&store) + " expectSame] 3 of five"
+              : "(nil)";
     for (int round = 0; round < 3; ++round) { // the first asks, the others may remember
-        EXPECT_EQ(condition.isEnabled(), static_cast<bool>(ofFunction));
-        EXPECT_EQ(utf8Of(condition.logString("%d of %@", 3, "five")), utf8Of(ofFunction));
-        EXPECT_EQ(utf8Of(condition.logString(&store, "%d of %@", 3, "five")), utf8Of(ofMethod));
+        EXPECT_EQ(condition.isEnabled(), static_cast<bool>(label));
+        EXPECT_EQ(utf8Of(condition.logString("%d of %@", 3, "five")), ofFunction);
+        EXPECT_EQ(utf8Of(condition.logString(&store, "%d of %@", 3, "five")), ofMethod);
         const CapturedOutput output;
         condition.log("%d of %@", 3, "five");
         condition.log(&store, "%d of %@", 3, "five");
-        EXPECT_EQ(output.texts(), ofFunction ? (Texts{utf8Of(ofFunction), utf8Of(ofMethod)}) : Texts());
+        EXPECT_EQ(output.texts(), label ? (Texts{ofFunction, ofMethod}) : Texts());
     }
-}
-
-NSString byKey(const char* method, const char* function) {
-    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForTraceKey_usingFormat(
-                                   &store, method, true, "TraceA", "%d of %@", 3, "five")
-                             : ZQLog::logFunctionName_logAlways_logStringForTraceKey_usingFormat(
-                                   function, true, "TraceA", "%d of %@", 3, "five");
-}
-
-NSString byValue(std::int64_t value, const char* method, const char* function) {
-    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForTraceKey_value_usingFormat(
-                                   &store, method, true, "TraceA", value, "%d of %@", 3, "five")
-                             : ZQLog::logFunctionName_logAlways_logStringForTraceKey_value_usingFormat(
-                                   function, true, "TraceA", value, "%d of %@", 3, "five");
-}
-
-NSString byThreshold(std::int64_t threshold, const char* method, const char* function) {
-    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForTraceKey_threshold_usingFormat(
-                                   &store, method, true, "TraceA", threshold, "%d of %@", 3, "five")
-                             : ZQLog::logFunctionName_logAlways_logStringForTraceKey_threshold_usingFormat(
-                                   function, true, "TraceA", threshold, "%d of %@", 3, "five");
-}
-
-NSString byAnyOf(const NSArray& keys, const char* method, const char* function) {
-    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForAnyTraceKeyOf_usingFormat(
-                                   &store, method, true, keys, "%d of %@", 3, "five")
-                             : ZQLog::logFunctionName_logAlways_logStringForAnyTraceKeyOf_usingFormat(
-                                   function, true, keys, "%d of %@", 3, "five");
-}
-
-NSString byAllOf(const NSArray& keys, const char* method, const char* function) {
-    return method != nullptr ? ZQLog::logSelf_method_logAlways_logStringForAllTraceKeysOf_usingFormat(
-                                   &store, method, true, keys, "%d of %@", 3, "five")
-                             : ZQLog::logFunctionName_logAlways_logStringForAllTraceKeysOf_usingFormat(
-                                   function, true, keys, "%d of %@", 3, "five");
-}
-
-NSString byAnyKey(const char* method, const char* function) {
-    return method != nullptr
-               ? ZQLog::logSelf_method_logAlways_logStringForAnyTraceKeyUsingFormat(&store, method, true,
-                                                                                    "%d of %@", 3, "five")
-               : ZQLog::logFunctionName_logAlways_logStringForAnyTraceKeyUsingFormat(function, true,
-                                                                                     "%d of %@", 3, "five");
 }
 
 void expectSameForAllConditions() {
-    using std::placeholders::_1;
-    using std::placeholders::_2;
-    expectSame(traceA, byKey);
+    expectSame(traceA, ZQLog::logStringForTraceKey_usingFormat("TraceA", ""));
     for (std::size_t i = 0; i < std::size(values); ++i) {
-        expectSame(valueOfA[i], std::bind(byValue, values[i], _1, _2));
+        expectSame(valueOfA[i], ZQLog::logStringForTraceKey_value_usingFormat("TraceA", values[i], ""));
     }
     for (std::size_t i = 0; i < std::size(thresholds); ++i) {
-        expectSame(thresholdOfA[i], std::bind(byThreshold, thresholds[i], _1, _2));
+        expectSame(thresholdOfA[i],
+                   ZQLog::logStringForTraceKey_threshold_usingFormat("TraceA", thresholds[i], ""));
     }
-    expectSame(anyOfThree, std::bind(byAnyOf, NSArray{"TraceA", "TraceB", "TraceC"}, _1, _2));
-    expectSame(anyOfOne, std::bind(byAnyOf, NSArray{"TraceA"}, _1, _2));
-    expectSame(allOfTwo, std::bind(byAllOf, NSArray{"TraceA", "TraceB"}, _1, _2));
-    expectSame(allOfOne, std::bind(byAllOf, NSArray{"TraceA"}, _1, _2));
-    expectSame(anyKey, byAnyKey);
+    const NSArray three{"TraceA", "TraceB", "TraceC"};
+    expectSame(anyOfThree, ZQLog::logStringForAnyTraceKeyOf_usingFormat(three, ""));
+    expectSame(anyOfOne, ZQLog::logStringForAnyTraceKeyOf_usingFormat(NSArray{"TraceA"}, ""));
+    expectSame(allOfTwo, ZQLog::logStringForAllTraceKeysOf_usingFormat(NSArray{"TraceA", "TraceB"}, ""));
+    expectSame(allOfOne, ZQLog::logStringForAllTraceKeysOf_usingFormat(NSArray{"TraceA"}, ""));
+    expectSame(anyKey, ZQLog::logStringForAnyTraceKeyUsingFormat(""));
 }
 
 TEST(ZQTraceKey, saysWhatTheOperationsByNameSay) {
@@ -135,18 +86,16 @@ TEST(ZQTraceKey, saysWhatTheOperationsByNameSay) {
                                  "<string></string>",
                                  "<array><true/></array>",
                                  "<date>2001-01-01T00:00:00Z</date>"};
-    TraceKeys keys{};
+    const TraceKeys keys{};
     expectSameForAllConditions();
     for (const char* const a : forms) {
         for (const char* const b : {"<true/>", "<false/>"}) {
-            keys.replace({{"TraceA", a}, {"TraceB", b}});
-            ZQLog::initializeTraceDefaultsDict();
+            keys.replaceAndRead({{"TraceA", a}, {"TraceB", b}});
             SCOPED_TRACE(std::string(a) + " " + b);
             expectSameForAllConditions();
         }
     }
-    keys.replace({{"TraceC", "<true/>"}});
-    ZQLog::initializeTraceDefaultsDict();
+    keys.replaceAndRead({{"TraceC", "<true/>"}});
     expectSameForAllConditions();
 }
 
@@ -175,14 +124,14 @@ struct Holding {
 
 TEST(ZQTraceKey, namesTheFunctionThatHoldsTheCall) {
     const TraceKeys keys{{"TraceA", "<true/>"}};
+    const auto inLambda = [] {
+        return traceA.logString("x");
+    };
     EXPECT_EQ(utf8Of(textOfTemplate(NSString("x"))), "TraceA: textOfTemplate() x");
     EXPECT_EQ(utf8Of(textOfTemplate(std::string("x"))), "TraceA: textOfTemplate() x");
     EXPECT_EQ(utf8Of(Holding<std::string>().text()), "TraceA: text() x");
     EXPECT_TRUE(Holding<int>() < 1);
-    EXPECT_EQ(utf8Of([] {
-                  return traceA.logString("x");
-              }()),
-              "TraceA: operator()() x");
+    EXPECT_EQ(utf8Of(inLambda()), "TraceA: operator()() x");
     static const NSString outside = traceB.logString("x");
     EXPECT_FALSE(outside);
 }
@@ -212,7 +161,7 @@ TEST(ZQTraceKey, remembersNothingOfANilFormat) {
 }
 
 TEST(ZQTraceKey, seesEachRereading) {
-    TraceKeys keys{};
+    const TraceKeys keys{};
     for (int round = 0; round < 20; ++round) {
         const bool isOn = round % 2 != 0;
         keys.replace({{"TraceA", isOn ? "<true/>" : "<false/>"}});
@@ -224,8 +173,8 @@ TEST(ZQTraceKey, seesEachRereading) {
 }
 
 TEST(ZQTraceKey, makesTheFirstReading) {
-    logtest::inFreshProcess([] {
-        const logtest::DefaultsScene defaults{{"TraceA", "<true/>"}};
+    kit::inFreshProcess([] {
+        const kit::DefaultsScene defaults{{"TraceA", "<true/>"}};
         EXPECT_TRUE(traceA.isEnabled());
     });
 }
@@ -242,32 +191,30 @@ TEST(ZQTraceKey, allocatesNothingWhileItIsOffAndAsksOnce) {
 }
 
 TEST(ZQTraceKey, worksInAForkedChildWhichRereadsForItself) {
-    TraceKeys keys{{"TraceA", "<true/>"}};
-    EXPECT_TRUE(traceA.isEnabled());
-    EXPECT_FALSE(traceB.isEnabled());
-    EXPECT_TRUE(logtest::inChild([&keys] {
-        const bool isAsBefore = traceA.isEnabled() && !traceB.isEnabled();
-        keys.replace({{"TraceB", "<true/>"}});
-        ZQLog::initializeTraceDefaultsDict();
-        return isAsBefore && !traceA.isEnabled() && traceB.isEnabled();
-    }));
-    EXPECT_TRUE(traceA.isEnabled());
-    EXPECT_FALSE(traceB.isEnabled());
+    const TraceKeys keys{{"TraceA", "<true/>"}};
+    EXPECT_TRUE(traceA.isEnabled() && !traceB.isEnabled());
+    EXPECT_EQ(kit::inChild([&keys] {
+                  EXPECT_TRUE(traceA.isEnabled() && !traceB.isEnabled());
+                  keys.replaceAndRead({{"TraceB", "<true/>"}});
+                  EXPECT_TRUE(!traceA.isEnabled() && traceB.isEnabled());
+              }),
+              0);
+    EXPECT_TRUE(traceA.isEnabled() && !traceB.isEnabled());
 }
 
 TEST(ZQTraceKeyConcurrency, waitsLikeTheOperationsByNameWhileTheMonitorIsHeld) {
     const TraceKeys keys{};
     EXPECT_FALSE(traceA.isEnabled());
-    EXPECT_TRUE(logtest::waitsWhileTheMonitorIsHeld([] { traceA.isEnabled(); }));
-    EXPECT_TRUE(logtest::waitsWhileTheMonitorIsHeld([] { traceA.log("x"); }));
+    EXPECT_TRUE(logscene::waitsWhileTheMonitorIsHeld([] { traceA.isEnabled(); }));
+    EXPECT_TRUE(logscene::waitsWhileTheMonitorIsHeld([] { traceA.log("x"); }));
     const ZQLog::Synchronized own; // its own thread goes on
     EXPECT_FALSE(traceA.isEnabled());
 }
 
 // Each reader knows which readings were surely over before it asked, and which had surely not begun after.
 TEST(ZQTraceKeyConcurrency, neverAnswersFromAReadingThatIsOver) {
-    constexpr long rereadings = hosttest::scaled(500, 200, 100);
-    TraceKeys keys{};
+    constexpr long rereadings = logscene::scaled(500, 200, 100);
+    const TraceKeys keys{};
     std::atomic<long> begun = 0;
     std::atomic<long> over = 0;
     std::atomic<long> wrong = 0;
@@ -278,20 +225,18 @@ TEST(ZQTraceKeyConcurrency, neverAnswersFromAReadingThatIsOver) {
             const long before = over;
             const bool isOn = traceA.isEnabled();
             const bool isOnInText = static_cast<bool>(traceA.logString("x"));
-            const long after = begun;
-            if (before == after) {
+            if (before == begun) {
                 ++sure;
                 wrong += isOn == (before % 2 != 0) && isOnInText == isOn ? 0 : 1;
             }
         }
     };
     {
-        logtest::Background first(read);
-        logtest::Background second(read);
+        const logscene::Background first(read);
+        const logscene::Background second(read);
         for (long i = 1; i <= rereadings; ++i) {
             ++begun;
-            keys.replace({{"TraceA", i % 2 != 0 ? "<true/>" : "<false/>"}});
-            ZQLog::initializeTraceDefaultsDict();
+            keys.replaceAndRead({{"TraceA", i % 2 != 0 ? "<true/>" : "<false/>"}});
             over = i;
             const long before = sure;
             while (i % 50 == 0 && sure == before) {

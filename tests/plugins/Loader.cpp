@@ -27,13 +27,7 @@ void expect(bool holds, const char* what) {
 
 class Plugin {
 public:
-    explicit Plugin(const char* path) : handle_(::dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
-        if (handle_ == nullptr) {
-            std::printf("%s\n", ::dlerror());
-            std::fflush(stdout);
-            ::_exit(3);
-        }
-    }
+    explicit Plugin(const char* path) : handle_(::dlopen(path, RTLD_NOW | RTLD_LOCAL)) { endIfNull(handle_); }
     Plugin(const Plugin&) = delete;
     Plugin& operator=(const Plugin&) = delete;
     ~Plugin() { ::dlclose(handle_); }
@@ -41,15 +35,19 @@ public:
     template <class Function>
     Function* entry(const char* name) const {
         void* const address = ::dlsym(handle_, name);
-        if (address == nullptr) {
-            std::printf("%s\n", ::dlerror());
-            std::fflush(stdout);
-            ::_exit(4);
-        }
+        endIfNull(address);
         return reinterpret_cast<Function*>(address);
     }
 
 private:
+    static void endIfNull(const void* found) {
+        if (found == nullptr) {
+            std::printf("%s\n", ::dlerror());
+            std::fflush(stdout);
+            ::_exit(3);
+        }
+    }
+
     void* handle_;
 };
 

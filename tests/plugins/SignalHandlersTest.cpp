@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: MIT
 // A signal handler may log, ask and have texts returned, whatever the interrupted thread was doing, and
 // however the library got into the process.
-#include "tests/log/HostTesting.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Sanitizers.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/StandardError.h"
 
-using namespace hosttest;
+using namespace ZQFoundation;
 
 namespace {
 
-constexpr int threads = scaled(8, 4, 4);
-constexpr int interruptions = scaled(480, 200, 200);
+constexpr int threads = kit::isSanitized ? 4 : 8;
+constexpr int interruptions = kit::isSanitized ? 200 : 480;
 
 /// Checks that each line is whole and one that the storm writes; returns the number of the handler's lines.
 long handlerLinesIn(const std::string& bytes) {
     long count = 0;
-    for (const std::string& text : textsIn(bytes)) {
+    for (const std::string& text : kit::textsIn(bytes)) {
         const bool isPlain = text == "start" || text == "thread" || text.starts_with("TraceStorm: thread ");
         const bool isHandlers = text.starts_with("handler") || text.starts_with("TraceStorm: handler ") ||
                                 text.starts_with("TraceStorm: -[(Caller *)0x");
@@ -27,8 +30,8 @@ long handlerLinesIn(const std::string& bytes) {
 class SignalHandlers : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(SignalHandlers, mayCallWhateverTheyInterruptInAThread) {
-    const scene::Folder folder;
-    const scene::Variable settings("XDG_CONFIG_HOME", folder.path().c_str());
+    const kit::ScratchFolder folder;
+    const kit::Variable settings("XDG_CONFIG_HOME", folder.path().c_str());
     const std::string programs = std::string(ZQ_TEST_BINARY_DIR) + "/tests/plugins/";
     const std::string kind = GetParam();
     std::vector<std::string> words{programs + "storm-" + kind, std::to_string(threads),
@@ -36,10 +39,10 @@ TEST_P(SignalHandlers, mayCallWhateverTheyInterruptInAThread) {
     if (kind.starts_with("plugin")) {
         words = {programs + "storm-loader", words[1], words[2], programs + "storm-" + kind + ".so"};
     }
-    const Descriptor file(openToAppend(folder / "log"));
-    ASSERT_EQ(run(words, file.number(), 300), "");
+    const kit::Descriptor file(kit::openToAppend(folder / "log"));
+    ASSERT_EQ(kit::run(words, file.number()), 0);
     // Of eight calls in a row the first four write.
-    EXPECT_EQ(handlerLinesIn(scene::contentsOf(folder / "log")), long{threads} * interruptions / 8 * 4);
+    EXPECT_EQ(handlerLinesIn(kit::contentsOf(folder / "log")), long{threads} * interruptions / 8 * 4);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfALibraryThatIs, SignalHandlers,

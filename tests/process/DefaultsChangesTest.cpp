@@ -2,10 +2,8 @@
 // Changes of user defaults that are not saved yet, also in forked children.
 #include "foundation/process/DefaultsChanges.h"
 
-#include <gtest/gtest.h>
-
 #include "foundation/objects/NSNumber.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
 
 using namespace ZQFoundation;
 using detail::DefaultsChanges;
@@ -39,15 +37,12 @@ TEST(DefaultsChanges, ofAParentAreSeenInAForkedChildAndNotItsOwn) {
     static constinit DefaultsChanges changes; // never destroyed
     changes.add("parent's", "Key");
     changes.add("parent's", "Other");
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        const bool sees = changes.values().count() == 2 && changes.own().values.count() == 0;
-        changes.add("child's", "Key");
-        scene::leave(sees && changes.own().values == NSDictionary{{"Key", "child's"}} ? 0 : 1);
-    }
-    int status = -1;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(kit::inChild([] {
+                  EXPECT_EQ(changes.values().count(), 2U);
+                  EXPECT_EQ(changes.own().values.count(), 0U);
+                  changes.add("child's", "Key");
+                  EXPECT_EQ(changes.own().values, (NSDictionary{{"Key", "child's"}}));
+              }),
+              0);
     EXPECT_EQ(changes.own().values.count(), 2U);
 }

@@ -2,31 +2,31 @@
 // Settings that a process saves with `synchronize`.
 #include "foundation/process/DefaultsSaving.h"
 
+#include <atomic>
 #include <csignal>
 
+#include <dirent.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
-#include "foundation/process/NSUserDefaults.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Items.h"
+#include "tests/process/DefaultsScene.h"
 
 #if __has_include(<linux/seccomp.h>)
-#include "tests/process/RefusedCalls.h"
+#include "tests/kit/RefusedCalls.h"
 #endif
 
 using namespace ZQFoundation;
+using process::defaults;
+using process::useThreads;
 
 namespace {
 
-using Words = std::vector<std::string>;
-
-NSUserDefaults& defaults() { return NSUserDefaults::standardUserDefaults(); }
-
-/// A program "Viewer" whose defaults are in a scratch folder, with nothing left to save from other tests.
-class DefaultsSaving : public testing::Test {
+/// With nothing left to save from other tests.
+class DefaultsSaving : public process::DefaultsScene {
 protected:
     void SetUp() override { saveElsewhere(); }
     void TearDown() override {
@@ -37,20 +37,20 @@ protected:
     }
 
     void saveElsewhere() const {
-        const scene::Path other(detail::overrides::defaultsFolder, folder / "other");
+        const kit::Path other(detail::overrides::defaultsFolder, folder / "other");
         EXPECT_TRUE(defaults().synchronize());
     }
 
     /// Expects that saving fails for a reason that holds the text, and leaves the file as it was.
     void expectRefusal(const std::string& reason) const {
-        const std::string before = scene::contentsOf(file());
+        const std::string before = kit::contentsOf(file());
         NSString error;
         errno = 4321;
         EXPECT_FALSE(defaults().synchronize(&error));
         EXPECT_EQ(errno, 4321);
         EXPECT_NE(error.utf8().find(reason), std::string::npos) << error.utf8();
         EXPECT_FALSE(defaults().synchronize()) << "nobody has to ask for the reason";
-        EXPECT_EQ(scene::contentsOf(file()), before);
+        EXPECT_EQ(kit::contentsOf(file()), before);
         EXPECT_EQ(entries(), 1U) << "nothing but the file";
     }
 
@@ -63,24 +63,10 @@ protected:
         while (const dirent* const entry = listing != nullptr ? ::readdir(listing) : nullptr) {
             count += std::string(entry->d_name).find_first_not_of('.') != std::string::npos ? 1 : 0;
         }
-        if (listing != nullptr) {
-            ::closedir(listing);
-        }
+        ::closedir(listing);
         return count;
     }
-
-    const scene::Folder folder;
-    const scene::NoLanguages languages{};
-    const scene::Path store{detail::overrides::defaultsFolder, folder / "store"};
-    const scene::Path program{detail::overrides::executablePath, folder / "bin/Viewer"};
-    const scene::Arguments arguments{detail::overrides::arguments, Words{"/x/Viewer"}};
 };
-
-mode_t modeOf(const std::string& path) {
-    struct stat information {};
-    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
-    return information.st_mode & 07777;
-}
 
 } // namespace
 
@@ -95,14 +81,14 @@ TEST_F(DefaultsSaving, keepsValuesOfEveryKindForTheNextProcess) {
     for (const NSDictionaryEntry& entry : values) {
         defaults().setObject_forKey(entry.value, NSString(entry.key));
     }
-    EXPECT_EQ(::access(file().c_str(), F_OK), -1) << "setting alone writes nothing";
+    EXPECT_FALSE(kit::stands(file())) << "setting alone writes nothing";
     NSString error = "old";
     EXPECT_TRUE(defaults().synchronize(&error));
     EXPECT_FALSE(error);
     EXPECT_EQ(saved(), values);
     EXPECT_TRUE(NSNumber(saved().objectForKey("Flag")).isBoolean());
-    EXPECT_EQ(modeOf(file()), 0600U);
-    EXPECT_EQ(modeOf(folder / "store"), 0700U);
+    EXPECT_EQ(kit::modeOf(file()), 0600U);
+    EXPECT_EQ(kit::modeOf(folder / "store"), 0700U);
 }
 
 TEST_F(DefaultsSaving, changesOnlyTheKeysThatThisProcessChanged) {
@@ -121,18 +107,18 @@ TEST_F(DefaultsSaving, leavesTheAnswerToTheFileAfterwards) {
     folder.write("store/Viewer.plist", "{ Saved = theirs; }");
     EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("theirs"));
     EXPECT_TRUE(defaults().synchronize());
-    EXPECT_EQ(scene::contentsOf(file()), "{ Saved = theirs; }") << "nothing to save, nothing written";
+    EXPECT_EQ(kit::contentsOf(file()), "{ Saved = theirs; }") << "nothing to save, nothing written";
 }
 
 TEST_F(DefaultsSaving, makesNoFileForRemovalsAndForNothing) {
     EXPECT_TRUE(defaults().synchronize());
     defaults().removeObjectForKey("Saved");
     EXPECT_TRUE(defaults().synchronize());
-    EXPECT_EQ(::access((folder / "store").c_str(), F_OK), -1);
+    EXPECT_FALSE(kit::stands(folder / "store"));
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     defaults().removeObjectForKey("Saved");
     EXPECT_TRUE(defaults().synchronize());
-    EXPECT_EQ(scene::contentsOf(file()), "{ Kept = x; }");
+    EXPECT_EQ(kit::contentsOf(file()), "{ Kept = x; }");
 }
 
 TEST_F(DefaultsSaving, refusesWhatXmlCannotHoldAndKeepsItInMemory) {
@@ -179,12 +165,10 @@ TEST_F(DefaultsSaving, writesThroughALinkAndKeepsPermissions) {
     ASSERT_EQ(::symlink("../dotfiles/viewer", file().c_str()), 0);
     defaults().setObject_forKey("new", "Saved");
     EXPECT_TRUE(defaults().synchronize());
-    struct stat link {};
-    ASSERT_EQ(::lstat(file().c_str(), &link), 0);
-    EXPECT_TRUE(S_ISLNK(link.st_mode));
+    EXPECT_TRUE(kit::isLink(file()));
     EXPECT_EQ(NSDictionary::dictionaryWithContentsOfFile(target),
               (NSDictionary{{"Kept", "x"}, {"Saved", "new"}}));
-    EXPECT_EQ(modeOf(target), 0640U);
+    EXPECT_EQ(kit::modeOf(target), 0640U);
 }
 
 TEST_F(DefaultsSaving, followsNoLinkThatAnotherUserPlantedInASharedFolder) {
@@ -197,18 +181,18 @@ TEST_F(DefaultsSaving, followsNoLinkThatAnotherUserPlantedInASharedFolder) {
     ASSERT_EQ(::lchown(file().c_str(), 65534, 65534), 0);
     defaults().setObject_forKey("new", "Saved");
     expectRefusal("ermission");
-    EXPECT_EQ(scene::contentsOf(precious), "{ Precious = x; }");
+    EXPECT_EQ(kit::contentsOf(precious), "{ Precious = x; }");
 }
 
 TEST_F(DefaultsSaving, failsWhereItMayNotWriteAndWithoutAFolder) {
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0555), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([] {
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
                   defaults().setObject_forKey("new", "Saved");
-                  return defaults().synchronize() ? 1 : 0;
+                  return !defaults().synchronize();
               }),
               0);
-    const scene::Path nowhere(detail::overrides::defaultsFolder, "");
+    const kit::Path nowhere(detail::overrides::defaultsFolder, "");
     NSString error;
     defaults().setObject_forKey("new", "Saved");
     EXPECT_FALSE(defaults().synchronize(&error));
@@ -216,41 +200,33 @@ TEST_F(DefaultsSaving, failsWhereItMayNotWriteAndWithoutAFolder) {
 }
 
 #if __has_include(<linux/seccomp.h>)
-TEST_F(DefaultsSaving, givesUpOnALockThatIsNotGivenBack) {
+TEST_F(DefaultsSaving, givesUpOnALockThatIsNotReleased) {
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     const int held = ::open((folder / "store").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(held, LOCK_EX), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        // Sleeping takes no time here.
-        const bool isReady = scene::refuseCall(SYS_clock_nanosleep, 0) && scene::refuseCall(SYS_nanosleep, 0);
-        NSString error;
-        defaults().setObject_forKey("new", "Saved");
-        const bool isSaved = defaults().synchronize(&error);
-        scene::leave(isReady && !isSaved && error.containsString("locked for 0.5 seconds") ? 0 : 1);
-    }
-    int status = -1;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(scene::contentsOf(file()), "{ Kept = x; }");
+    EXPECT_EQ(kit::inChild([] {
+                  // Sleeping takes no time here.
+                  EXPECT_TRUE(kit::refuseCall(SYS_clock_nanosleep, 0) && kit::refuseCall(SYS_nanosleep, 0));
+                  NSString error;
+                  defaults().setObject_forKey("new", "Saved");
+                  EXPECT_FALSE(defaults().synchronize(&error));
+                  EXPECT_TRUE(error.containsString("locked for 0.5 seconds"));
+              }),
+              0);
+    EXPECT_EQ(kit::contentsOf(file()), "{ Kept = x; }");
     ::close(held);
 }
 #endif
 
 TEST_F(DefaultsSaving, inAForkedChildIsForWhatTheChildHasChanged) {
     defaults().setObject_forKey("parent's", "Saved");
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        const bool sees = defaults().objectForKey("Saved") == NSObject("parent's");
-        defaults().setObject_forKey("child's", "Child");
-        const bool isSaved = defaults().synchronize();
-        scene::leave(sees && isSaved && saved().count() == 1 ? 0 : 1);
-    }
-    int status = -1;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(kit::inChild([this] {
+                  EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("parent's"));
+                  defaults().setObject_forKey("child's", "Child");
+                  EXPECT_TRUE(defaults().synchronize());
+                  EXPECT_EQ(saved(), (NSDictionary{{"Child", "child's"}}));
+              }),
+              0);
     defaults().setObject_forKey("newer", "Saved");
     EXPECT_TRUE(defaults().synchronize());
     EXPECT_EQ(saved(), (NSDictionary{{"Child", "child's"}, {"Saved", "newer"}}));
@@ -268,11 +244,11 @@ TEST_F(DefaultsSaving, isNotKeptFromTheLockByAChildForkedMeanwhile) {
     });
     std::vector<pid_t> children;
     for (int count = 0; count < 50; ++count) {
-        const pid_t child = scene::forksTakeTurns ? -1 : ::fork();
+        const pid_t child = kit::isSanitized ? -1 : ::fork();
         if (child == 0) {
             ::alarm(60);
             ::pause();
-            scene::leave(0);
+            kit::leave(0);
         }
         if (child > 0) {
             children.push_back(child);
@@ -290,25 +266,20 @@ TEST_F(DefaultsSaving, isNotKeptFromTheLockByAChildForkedMeanwhile) {
 }
 
 TEST_F(DefaultsSaving, losesNoChangeOfConcurrentThreads) {
-    std::vector<std::thread> threads;
+    const auto nameOf = [](int number, int key) {
+        return "Set" + std::to_string(number) + "." + std::to_string(key);
+    };
     std::atomic<int> failures{0};
-    for (int number = 0; number < 4; ++number) {
-        threads.emplace_back([number, &failures] {
-            for (int key = 0; key < 25; ++key) {
-                defaults().setObject_forKey(key, "Set" + std::to_string(number) + "." + std::to_string(key));
-                failures += defaults().synchronize() ? 0 : 1;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(failures, 0);
-    EXPECT_EQ(saved().count(), 100U);
-    for (int number = 0; number < 4; ++number) {
+    useThreads(4, [&](int number) {
         for (int key = 0; key < 25; ++key) {
-            const std::string name = "Set" + std::to_string(number) + "." + std::to_string(key);
-            EXPECT_EQ(saved().objectForKey(name), NSObject(key));
+            defaults().setObject_forKey(key, nameOf(number, key));
+            failures += defaults().synchronize() ? 0 : 1;
         }
+    });
+    EXPECT_EQ(failures, 0);
+    const NSDictionary all = saved();
+    EXPECT_EQ(all.count(), 100U);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(all.objectForKey(nameOf(i / 25, i % 25)), NSObject(i % 25));
     }
 }

@@ -6,7 +6,8 @@
 #include <new>
 
 #include "foundation/objects/NSString.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 namespace {
 
@@ -55,14 +56,6 @@ namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
-int openDescriptors() {
-    int count = 0;
-    for (int descriptor = 0; descriptor < 256; ++descriptor) {
-        count += ::fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
-    }
-    return count;
-}
-
 struct Form {
     const char* what;
     detail::FileParser parse;
@@ -96,7 +89,7 @@ std::vector<Form> forms() {
 } // namespace
 
 TEST(FileReading, readsFilesOfUpTo16MiB) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string file = folder.write("f", "{ Key = text; }");
     for (const auto& [size, result] : {std::pair{16 * mebibyte, detail::FileResult::read},
                                        std::pair{16 * mebibyte + 1, detail::FileResult::unreadable}}) {
@@ -109,8 +102,8 @@ TEST(FileReading, readsFilesOfUpTo16MiB) {
 }
 
 TEST(FileReading, withoutMemoryAFileCountsAsUnreadableForTheMoment) {
-    const scene::Folder folder;
-    const int descriptors = openDescriptors();
+    const kit::ScratchFolder folder;
+    const int descriptors = kit::openDescriptors();
     for (const Form& form : forms()) {
         SCOPED_TRACE(form.what);
         const std::string file = folder.write("f", form.bytes);
@@ -126,7 +119,7 @@ TEST(FileReading, withoutMemoryAFileCountsAsUnreadableForTheMoment) {
             failures += result == detail::FileResult::exhausted ? 1 : 0;
             ASSERT_NE(result, detail::FileResult::unreadable) << enough;
             ASSERT_EQ(static_cast<bool>(values), result == detail::FileResult::read) << enough;
-            ASSERT_EQ(openDescriptors(), descriptors) << enough;
+            ASSERT_EQ(kit::openDescriptors(), descriptors) << enough;
         }
         EXPECT_EQ(result, detail::FileResult::read);
         EXPECT_TRUE(values.objectForKey("Key"));
@@ -134,8 +127,8 @@ TEST(FileReading, withoutMemoryAFileCountsAsUnreadableForTheMoment) {
     }
 }
 
-TEST(FileReading, answersNilForWhatIsNoFile) {
-    const scene::Folder folder;
+TEST(FileReading, givesNilForWhatIsNoFile) {
+    const kit::ScratchFolder folder;
     for (const std::string& path : {std::string(), folder.path(), folder / "none"}) {
         NSDictionary values = NSDictionary::dictionary();
         detail::FileStamp stamp;

@@ -2,9 +2,12 @@
 // The languages that the environment sets.
 #include "foundation/process/LanguageSettings.h"
 
-#include "tests/process/Scene.h"
+#include <gtest/gtest.h>
 
-using namespace ZQFoundation::detail;
+#include "tests/kit/Environment.h"
+
+using namespace ZQFoundation;
+using detail::languagesFromEnvironment;
 
 namespace {
 
@@ -45,22 +48,22 @@ const Row rows[] = {
 } // namespace
 
 TEST(LanguageSettings, followTheEnvironment) {
-    const scene::NoLanguages none;
+    const kit::NoLanguages none;
     for (const Row& row : rows) {
-        const scene::Variable language("LANGUAGE", row.language);
-        const scene::Variable all("LC_ALL", row.all);
-        const scene::Variable messages("LC_MESSAGES", row.messages);
-        const scene::Variable lang("LANG", row.lang);
+        const kit::Variable language("LANGUAGE", row.language);
+        const kit::Variable all("LC_ALL", row.all);
+        const kit::Variable messages("LC_MESSAGES", row.messages);
+        const kit::Variable lang("LANG", row.lang);
         EXPECT_EQ(languagesFromEnvironment(), row.languages) << row.what;
     }
 }
 
 TEST(LanguageSettings, takeALongListInBoundedTime) {
-    const scene::NoLanguages none;
+    const kit::NoLanguages none;
     std::string list;
     for (int count = 0; count < 20000; ++count) {
         list += "x" + std::to_string(count) + ":";
     }
-    const scene::Variable language("LANGUAGE", list.c_str());
+    const kit::Variable language("LANGUAGE", list.c_str());
     EXPECT_EQ(languagesFromEnvironment().size(), 64u);
 }

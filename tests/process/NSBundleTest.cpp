@@ -3,22 +3,20 @@
 #include "foundation/process/NSBundle.h"
 
 #include <atomic>
-#include <cerrno>
-#include <thread>
 
 #include <sys/resource.h>
 
 #include "foundation/process/BundleLayout.h"
 #include "foundation/process/CarriedTexts.h"
 #include "foundation/process/FileReading.h"
-#include "foundation/process/NSUserDefaults.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Turns.h"
+#include "tests/process/DefaultsScene.h"
 
 using namespace ZQFoundation;
+using process::useThreads;
+using process::Words;
 
 namespace {
-
-using Words = std::vector<std::string>;
 
 NSArray names(std::initializer_list<const char*> texts) {
     NSMutableArray array;
@@ -29,13 +27,15 @@ NSArray names(std::initializer_list<const char*> texts) {
 }
 
 /// A scratch folder in which to lay out bundles; no language settings, no defaults.
-class NSBundleTest : public testing::Test {
+class NSBundleTest : public process::DefaultsScene {
 protected:
-    const scene::Folder folder;
-    const scene::NoLanguages languages{};
-    const scene::Path store{detail::overrides::defaultsFolder, folder / "store"};
-    const scene::Path program{detail::overrides::executablePath, folder / "elsewhere/program"};
-    const scene::Arguments arguments{detail::overrides::arguments, Words{"/x/viewer"}};
+    const kit::Arguments viewer{detail::overrides::arguments, Words{"/x/viewer"}};
+
+    /// The program is this file of the folder from now on.
+    void run(const std::string& name) {
+        file_ = folder / name;
+        detail::overrides::executablePath = &file_; // restored with the fixture
+    }
 
     /// A bundle laid out as an application, with an Info dictionary in the old form and localizations.
     NSBundle bundle(const std::string& name, const std::string& info,
@@ -50,6 +50,9 @@ protected:
     void writeTable(const std::string& path, const std::string& text) const {
         folder.write("B.app/Contents/Resources/" + path, text);
     }
+
+private:
+    std::string file_;
 };
 
 std::string utf16(const std::string& ascii, bool bigEndian, bool mark) {
@@ -70,7 +73,7 @@ std::string text(const NSBundle& bundle, const char* key, StringView table = nul
 
 TEST_F(NSBundleTest, mainBundleOfAnApplicationIsTheFolderAroundContents) {
     folder.write("V.app/Contents/Info.plist", "{ CFBundleIdentifier = com.example.v; CFBundleVersion = 7; }");
-    const scene::Path inside(detail::overrides::executablePath, folder / "V.app/Contents/MacOS/Viewer");
+    run("V.app/Contents/MacOS/Viewer");
     const NSBundle bundle = NSBundle::mainBundle();
     EXPECT_EQ(bundle.bundlePath(), folder / "V.app");
     EXPECT_EQ(bundle.resourcePath(), folder / "V.app/Contents/Resources");
@@ -80,44 +83,41 @@ TEST_F(NSBundleTest, mainBundleOfAnApplicationIsTheFolderAroundContents) {
     EXPECT_EQ(bundle.infoDictionary().count(), 2u);
 }
 
-TEST_F(NSBundleTest, mainBundleOfAMovedApplicationIsFoundAgain) {
-    folder.write("a/V.app/Contents/Info.plist", "{ CFBundleIdentifier = moved; }");
-    folder.makeFolder("a/V.app/Contents/MacOS");
+TEST_F(NSBundleTest, mainBundleIsFoundInEachLayout) {
+    for (const char* const place : {"a/V.app/Contents", "p/Resources", "p", "flat", "usr/share/viewer"}) {
+        folder.write(std::string(place) + "/Info.plist",
+                     std::string("{ CFBundleIdentifier = \"") + place + "\"; }");
+    }
     folder.makeFolder("b");
     ASSERT_EQ(::rename((folder / "a/V.app").c_str(), (folder / "b/W.app").c_str()), 0);
-    const scene::Path inside(detail::overrides::executablePath, folder / "b/W.app/Contents/MacOS/Viewer");
-    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "moved");
-}
-
-TEST_F(NSBundleTest, mainBundleMayHaveItsResourcesBesideTheProgram) {
-    folder.write("p/Resources/Info.plist", "{ CFBundleIdentifier = resources; }");
-    folder.write("p/Info.plist", "{ CFBundleIdentifier = flat; }");
-    const scene::Path inside(detail::overrides::executablePath, folder / "p/viewer");
-    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "resources");
-    EXPECT_EQ(NSBundle::mainBundle().resourcePath(), folder / "p/Resources");
-    EXPECT_EQ(NSBundle::mainBundle().bundlePath(), folder / "p");
-}
-
-TEST_F(NSBundleTest, mainBundleMayBeFlat) {
-    folder.write("p/Info.plist", "{ CFBundleIdentifier = flat; }");
-    const scene::Path inside(detail::overrides::executablePath, folder / "p/viewer");
-    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "flat");
-    EXPECT_EQ(NSBundle::mainBundle().resourcePath(), folder / "p");
-}
-
-TEST_F(NSBundleTest, mainBundleOfAProgramInBinIsInShareUnderTheProcessName) {
-    folder.write("usr/share/viewer/Info.plist", "{ CFBundleIdentifier = shared; }");
-    const scene::Path inside(detail::overrides::executablePath, folder / "usr/bin/program");
-    EXPECT_EQ(NSBundle::mainBundle().bundleIdentifier(), "shared");
-    EXPECT_EQ(NSBundle::mainBundle().resourcePath(), folder / "usr/share/viewer");
-    EXPECT_EQ(NSBundle::mainBundle().executablePath(), folder / "usr/bin/program");
-    const scene::Path outside(detail::overrides::executablePath, folder / "usr/sbin/program");
+    const struct {
+        const char* program;
+        const char* identifier;
+        const char* resources;
+        const char* bundle;
+    } rows[] = {
+        {"b/W.app/Contents/MacOS/Viewer", "a/V.app/Contents", "b/W.app/Contents/Resources",
+         "b/W.app"}, // moved
+        {"p/viewer", "p/Resources", "p/Resources", "p"},
+        {"flat/viewer", "flat", "flat", "flat"},
+        {"usr/bin/program", "usr/share/viewer", "usr/share/viewer", nullptr}, // by the name of the process
+    };
+    for (const auto& row : rows) {
+        run(row.program);
+        const NSBundle bundle = NSBundle::mainBundle();
+        EXPECT_EQ(bundle.bundleIdentifier(), row.identifier);
+        EXPECT_EQ(bundle.resourcePath(), folder / row.resources);
+        EXPECT_TRUE(row.bundle == nullptr || bundle.bundlePath() == NSString(folder / row.bundle))
+            << row.program;
+        EXPECT_EQ(bundle.executablePath(), folder / row.program);
+    }
+    run("usr/sbin/program");
     EXPECT_FALSE(NSBundle::mainBundle().bundleIdentifier());
 }
 
 TEST_F(NSBundleTest, mainBundleOfAnUnbundledProgramIsItsFolder) {
     folder.makeFolder("p");
-    const scene::Path inside(detail::overrides::executablePath, folder / "p/viewer");
+    run("p/viewer");
     const NSBundle bundle = NSBundle::mainBundle();
     EXPECT_EQ(bundle.bundlePath(), folder / "p");
     EXPECT_EQ(bundle.infoDictionary().count(), 0u);
@@ -170,7 +170,7 @@ TEST_F(NSBundleTest, theSameFolderGivesTheSameBundle) {
     const NSBundle first = bundle("B.app", "{}");
     EXPECT_TRUE(first == NSBundle::bundleWithPath(folder.path() + "//B.app/"));
     EXPECT_EQ(NSBundle::bundleWithPath(folder.path() + "//B.app//").bundlePath(), folder / "B.app");
-    const scene::Path inside(detail::overrides::executablePath, folder / "B.app/Contents/MacOS/B");
+    run("B.app/Contents/MacOS/B");
     EXPECT_TRUE(NSBundle::mainBundle() == NSBundle::bundleWithPath(folder / "B.app"));
 }
 
@@ -189,7 +189,7 @@ TEST_F(NSBundleTest, aNilBundleAnswersNilAndEmpty) {
     EXPECT_FALSE(none.localizedStringForKey_value_table("k", "v", nullptr));
 }
 
-TEST_F(NSBundleTest, aProgramThatStandsNobodyKnowsWhereHasABundleWithoutFiles) {
+TEST_F(NSBundleTest, aProgramWithoutAKnownPlaceHasABundleWithoutFiles) {
     for (const char* place : {"", "Contents/", "Resources/", "Contents/Resources/"}) {
         folder.write(place + std::string("Info.plist"),
                      "{ CFBundleIdentifier = stranger; Name = stranger; }");
@@ -197,37 +197,39 @@ TEST_F(NSBundleTest, aProgramThatStandsNobodyKnowsWhereHasABundleWithoutFiles) {
         folder.makeFolder(place + std::string("fr.lproj"));
     }
     folder.write("viewer", "");
-    const scene::Path unknown(detail::overrides::executablePath, "");
+    const kit::Path unknown(detail::overrides::executablePath, "");
     // Only a child changes the current folder, in which nothing may be looked up.
-    EXPECT_EQ(scene::inUnprivilegedChild([&] {
-                  if (::chdir(folder.path().c_str()) != 0 || !detail::fileExists("Info.plist")) {
-                      return 1;
-                  }
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                  EXPECT_EQ(::chdir(folder.path().c_str()), 0);
+                  EXPECT_TRUE(detail::fileExists("Info.plist"));
                   const NSBundle b = NSBundle::mainBundle();
-                  const bool isEmpty = b.infoDictionary() && b.infoDictionary().count() == 0 &&
-                                       !b.bundleIdentifier() && !b.objectForInfoDictionaryKey("Name");
-                  const bool hasNoPaths = b.bundlePath() == "" && b.resourcePath() == "" &&
-                                          !b.executablePath() && b.localizations().count() == 0;
-                  return b && isEmpty && hasNoPaths && text(b, "key") == "?" ? 0 : 2;
+                  EXPECT_TRUE(b && b.infoDictionary());
+                  EXPECT_EQ(b.infoDictionary().count() + b.localizations().count(), 0U);
+                  EXPECT_FALSE(b.bundleIdentifier() || b.objectForInfoDictionaryKey("Name") ||
+                               b.executablePath());
+                  EXPECT_EQ(b.bundlePath(), "");
+                  EXPECT_EQ(b.resourcePath(), "");
+                  EXPECT_EQ(text(b, "key"), "?");
               }),
               0);
     EXPECT_EQ(detail::layoutOfProgram("", "viewer").infoFile, "");
     EXPECT_EQ(detail::layoutOfLibrary("").infoFile, "");
 }
 
-TEST(BundleLayout, libraryBundleStandsBesideTheLibraryOrInShare) {
-    const scene::Folder folder;
+TEST(BundleLayout, libraryBundleIsBesideTheLibraryOrInShare) {
+    const kit::ScratchFolder folder;
     folder.makeFolder("V.app/Contents/Frameworks/Resources");
-    EXPECT_EQ(detail::layoutOfLibrary(folder / "V.app/Contents/Frameworks/libZ.so").resources,
-              folder / "V.app/Contents/Frameworks/Resources");
     folder.makeFolder("usr/share/ZQFoundation-27");
     folder.makeFolder("usr/lib/x86");
-    EXPECT_EQ(detail::layoutOfLibrary(folder / "usr/lib/libZ.so").resources,
-              folder / "usr/lib/../share/ZQFoundation-27");
-    EXPECT_EQ(detail::layoutOfLibrary(folder / "usr/lib/x86/libZ.so").resources,
-              folder / "usr/lib/x86/../../share/ZQFoundation-27");
-    EXPECT_EQ(detail::layoutOfLibrary(folder / "opt/libZ.so").resources,
-              folder / "opt/../share/ZQFoundation-27");
+    const std::pair<const char*, const char*> rows[] = {
+        {"V.app/Contents/Frameworks/libZ.so", "V.app/Contents/Frameworks/Resources"},
+        {"usr/lib/libZ.so", "usr/lib/../share/ZQFoundation-27"},
+        {"usr/lib/x86/libZ.so", "usr/lib/x86/../../share/ZQFoundation-27"},
+        {"opt/libZ.so", "opt/../share/ZQFoundation-27"},
+    };
+    for (const auto& [library, resources] : rows) {
+        EXPECT_EQ(detail::layoutOfLibrary(folder / library).resources, folder / resources);
+    }
 }
 
 TEST(CarriedTexts, areTheFilesOfTheLibraryInEachOfItsLanguages) {
@@ -235,7 +237,7 @@ TEST(CarriedTexts, areTheFilesOfTheLibraryInEachOfItsLanguages) {
     for (const detail::CarriedTable& table : detail::carriedTables()) {
         const std::string path =
             ZQ_TEST_SOURCE_DIR "/resources/" + std::string(table.language) + ".lproj/Localizable.strings";
-        EXPECT_EQ(table.bytes, scene::contentsOf(path)) << path;
+        EXPECT_EQ(table.bytes, kit::contentsOf(path)) << path;
         EXPECT_TRUE(NSBundle::libraryBundle().localizations().containsObject(std::string(table.language)));
     }
 }
@@ -291,7 +293,7 @@ TEST_F(NSBundleTest, infoFilesOfNoUseCountAsEmpty) {
 TEST_F(NSBundleTest, whatCouldNotBeReadWithoutADescriptorIsReadLater) {
     const NSBundle b = bundle("B.app", "{ CFBundleIdentifier = id; }", {"de", "fr"});
     writeTable("fr.lproj/Localizable.strings", "k = texte;");
-    const scene::Variable language("LANGUAGE", "fr");
+    const kit::Variable language("LANGUAGE", "fr");
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     const rlimit none{0, before.rlim_max};
@@ -320,16 +322,13 @@ TEST_F(NSBundleTest, localizationsAreTheDeclaredOnesThenTheFolders) {
     EXPECT_EQ(b.developmentLocalization(), "it");
 }
 
-TEST_F(NSBundleTest, localizationsHaveTheDevelopmentRegionBesideBase) {
-    const NSBundle other = bundle("B.app", "{ CFBundleDevelopmentRegion = it; }", {"Base", "de"});
-    EXPECT_EQ(other.localizations(), names({"Base", "de", "it"}));
-    const NSBundle same = bundle("C.app", "{ CFBundleDevelopmentRegion = de; }", {"Base", "de"});
-    EXPECT_EQ(same.localizations(), names({"Base", "de"}));
-}
-
-TEST_F(NSBundleTest, localizationsAreTheDevelopmentRegionAloneWhenThereAreNone) {
-    EXPECT_EQ(bundle("B.app", "{ CFBundleDevelopmentRegion = it; }").localizations(), names({"it"}));
-    EXPECT_EQ(bundle("C.app", "{}").localizations().count(), 0u);
+TEST_F(NSBundleTest, localizationsHaveTheDevelopmentRegionBesideBaseOrAlone) {
+    const char* const italian = "{ CFBundleDevelopmentRegion = it; }";
+    const char* const german = "{ CFBundleDevelopmentRegion = de; }";
+    EXPECT_EQ(bundle("B.app", italian, {"Base", "de"}).localizations(), names({"Base", "de", "it"}));
+    EXPECT_EQ(bundle("C.app", german, {"Base", "de"}).localizations(), names({"Base", "de"}));
+    EXPECT_EQ(bundle("D.app", italian).localizations(), names({"it"}));
+    EXPECT_EQ(bundle("E.app", "{}").localizations().count(), 0u);
 }
 
 TEST_F(NSBundleTest, preferredLocalizationsFollowTheUsersLanguages) {
@@ -342,7 +341,7 @@ TEST_F(NSBundleTest, preferredLocalizationsFollowTheUsersLanguages) {
     };
     const Row rows[] = {
         {"match", "de", "{}", {"de", "en"}, names({"de"})},
-        {"match with relative", "de_AT", "{}", {"de", "de-AT", "en"}, names({"de-AT", "de"})},
+        {"match with the shorter form", "de_AT", "{}", {"de", "de-AT", "en"}, names({"de-AT", "de"})},
         {"second language", "fr:de", "{}", {"de", "en"}, names({"de"})},
         {"no match: development region",
          "fr",
@@ -370,39 +369,39 @@ TEST_F(NSBundleTest, preferredLocalizationsFollowTheUsersLanguages) {
          names({"it"})},
     };
     for (const Row& row : rows) {
-        const scene::Variable language("LANGUAGE", row.language);
+        const kit::Variable language("LANGUAGE", row.language);
         EXPECT_EQ(bundle(row.what, row.info, row.folders).preferredLocalizations(), row.preferred)
             << row.what;
     }
 }
 
 TEST_F(NSBundleTest, preferredLocalizationsFollowTheDefaultBeforeTheEnvironment) {
-    const scene::Variable language("LANGUAGE", "de");
-    const scene::Arguments more(detail::overrides::arguments,
-                                Words{"viewer", "-AppleLanguages", "(fr, (x), it)"});
+    const kit::Variable language("LANGUAGE", "de");
+    const kit::Arguments more(detail::overrides::arguments,
+                              Words{"viewer", "-AppleLanguages", "(fr, (x), it)"});
     EXPECT_EQ(bundle("B.app", "{}", {"de", "it"}).preferredLocalizations(), names({"it"}));
 }
 
 TEST_F(NSBundleTest, otherBundlesPreferTheMainBundlesLanguage) {
     bundle("M.app", "{}", {"it"});
-    const scene::Path inside(detail::overrides::executablePath, folder / "M.app/Contents/MacOS/M");
-    const scene::Variable language("LANGUAGE", "de:it");
+    run("M.app/Contents/MacOS/M");
+    const kit::Variable language("LANGUAGE", "de:it");
     EXPECT_EQ(bundle("B.app", "{}", {"de", "it"}).preferredLocalizations(), names({"it"}));
     EXPECT_EQ(bundle("C.app", "{}", {"de", "fr"}).preferredLocalizations(), names({"de"}));
 }
 
 TEST_F(NSBundleTest, preferredLocalizationsAreDecidedOnce) {
     const NSBundle b = bundle("B.app", "{}", {"de", "en"});
-    const scene::Variable language("LANGUAGE", "de");
+    const kit::Variable language("LANGUAGE", "de");
     EXPECT_EQ(b.preferredLocalizations(), names({"de"}));
-    const scene::Variable later("LANGUAGE", "en");
+    const kit::Variable later("LANGUAGE", "en");
     EXPECT_EQ(b.preferredLocalizations(), names({"de"}));
 }
 
 // String tables
 
 TEST_F(NSBundleTest, tablesComeFromTheFirstPlaceThatHasThem) {
-    const scene::Variable language("LANGUAGE", "de_AT");
+    const kit::Variable language("LANGUAGE", "de_AT");
     const NSBundle b =
         bundle("B.app", "{ CFBundleDevelopmentRegion = it; }", {"de", "de-AT", "it", "Base", "fr"});
     const char* const places[] = {"", "de-AT.lproj/", "de.lproj/", "Base.lproj/", "it.lproj/"};
@@ -421,7 +420,7 @@ TEST_F(NSBundleTest, tablesComeFromTheFirstPlaceThatHasThem) {
 }
 
 TEST_F(NSBundleTest, aKeyMissingInTheTableIsNotLookedForInTheNextLanguage) {
-    const scene::Variable language("LANGUAGE", "de_AT");
+    const kit::Variable language("LANGUAGE", "de_AT");
     const NSBundle b = bundle("B.app", "{}", {"de", "de-AT"});
     writeTable("de-AT.lproj/Localizable.strings", "here = da;");
     writeTable("de.lproj/Localizable.strings", "here = x; there = dort;");
@@ -455,21 +454,24 @@ TEST_F(NSBundleTest, lookUpFallsBackToTheValueAndThenToTheKey) {
 TEST_F(NSBundleTest, tablesMayBeInAnyEncodingAndForm) {
     const NSBundle b = bundle("B.app", "{}", {"en"});
     const std::string table = "/* a comment */ \"key\" = \"text\";\n";
-    writeTable("en.lproj/Utf8.strings", table);
-    writeTable("en.lproj/Utf8Mark.strings", "\xEF\xBB\xBF" + table);
-    writeTable("en.lproj/Little.strings", utf16(table, false, true));
-    writeTable("en.lproj/Big.strings", utf16(table, true, true));
-    writeTable("en.lproj/LittleOld.strings", utf16(table, false, false));
-    writeTable("en.lproj/BigOld.strings", utf16(table, true, false));
-    writeTable("en.lproj/Braces.strings", "{ key = text; }");
-    writeTable("en.lproj/Xml.strings", "<plist><dict><key>key</key><string>text</string></dict></plist>");
-    for (const char* name : {"Utf8", "Utf8Mark", "Little", "Big", "LittleOld", "BigOld", "Braces", "Xml"}) {
+    const std::pair<std::string, std::string> forms[] = {
+        {"Utf8", table},
+        {"Utf8Mark", "\xEF\xBB\xBF" + table},
+        {"Little", utf16(table, false, true)},
+        {"Big", utf16(table, true, true)},
+        {"LittleOld", utf16(table, false, false)},
+        {"BigOld", utf16(table, true, false)},
+        {"Braces", "{ key = text; }"},
+        {"Xml", "<plist><dict><key>key</key><string>text</string></dict></plist>"},
+    };
+    for (const auto& [name, bytes] : forms) {
+        writeTable("en.lproj/" + name + ".strings", bytes);
         EXPECT_EQ(text(b, "key", name), "text") << name;
     }
 }
 
 TEST_F(NSBundleTest, tablesOfNoUseCountAsEmpty) {
-    const scene::Variable language("LANGUAGE", "de_AT");
+    const kit::Variable language("LANGUAGE", "de_AT");
     const NSBundle b = bundle("B.app", "{}", {"de", "de-AT"});
     const std::pair<const char*, std::string> files[] = {
         {"Empty", ""},
@@ -521,20 +523,14 @@ TEST_F(NSBundleTest, givesAllThreadsTheSameTexts) {
                    "key = text" + std::to_string(number) + ";");
     }
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&] {
-            for (int number = 0; number < 20; ++number) {
-                const std::string name = std::to_string(number);
-                wrong += text(b, "key", "T" + name) == "text" + name ? 0 : 1;
-                wrong += b.bundleIdentifier() == "id" && b.preferredLocalizations().count() == 1 ? 0 : 1;
-                wrong += NSBundle::bundleWithPath(folder / "B.app") == b ? 0 : 1;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    useThreads(4, [&](int) {
+        for (int number = 0; number < 20; ++number) {
+            const std::string name = std::to_string(number);
+            wrong += text(b, "key", "T" + name) == "text" + name ? 0 : 1;
+            wrong += b.bundleIdentifier() == "id" && b.preferredLocalizations().count() == 1 ? 0 : 1;
+            wrong += NSBundle::bundleWithPath(folder / "B.app") == b ? 0 : 1;
+        }
+    });
     EXPECT_EQ(wrong, 0);
 }
 
@@ -543,23 +539,24 @@ TEST_F(NSBundleTest, findsTextsInForkedChildrenWhileThreadsReadTables) {
     for (int number = 0; number < 200; ++number) {
         writeTable("en.lproj/T" + std::to_string(number) + ".strings", "key = text;");
     }
-    scene::Turns turns;
-    std::thread reader([&] {
-        for (int number = 0; number < 200; ++number) {
-            turns.work([&] { return text(b, "key", "T" + std::to_string(number)); });
-        }
-    });
+    kit::Turns turns;
     int failures = 0;
-    for (int count = 0; count < 200; ++count) {
-        const pid_t child = turns.fork();
-        if (child == 0) {
-            ::alarm(60);
-            scene::leave(text(b, "key", "T" + std::to_string(count)) == "text" ? 0 : 1);
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        failures += status == 0 ? 0 : 1;
-    }
-    reader.join();
+    useThreads(
+        1,
+        [&](int) {
+            for (int number = 0; number < 200; ++number) {
+                turns.work([&] { return text(b, "key", "T" + std::to_string(number)); });
+            }
+        },
+        [&] {
+            for (int count = 0; count < 200; ++count) {
+                const pid_t child = turns.fork();
+                if (child == 0) {
+                    ::alarm(60);
+                    kit::leave(text(b, "key", "T" + std::to_string(count)) == "text" ? 0 : 1);
+                }
+                failures += kit::endOf(child) == 0 ? 0 : 1;
+            }
+        });
     EXPECT_EQ(failures, 0);
 }

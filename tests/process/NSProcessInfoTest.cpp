@@ -3,7 +3,6 @@
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>
-#include <cerrno>
 #include <thread>
 
 #include <dlfcn.h>
@@ -14,9 +13,14 @@
 
 #include "foundation/process/NSUserDefaults.h"
 #include "foundation/process/ProcessIdentity.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Turns.h"
 
 using namespace ZQFoundation;
+using kit::inChild; // a name that a host sets stays, so tests set one only in a child
 
 namespace {
 
@@ -35,61 +39,46 @@ std::string fileOfThisProgram() {
     return std::string(link).substr(std::string(link).find_last_of('/') + 1);
 }
 
-/// A name that a host sets stays, so tests set one only in a child process. Returns 0 when the body was
-/// content.
-template <class Body>
-int inChild(const Body& body, scene::Turns* turns = nullptr) {
-    const pid_t child = turns != nullptr ? turns->fork() : ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        scene::leave(body() ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-}
-
 } // namespace
 
-TEST(NSProcessInfo, nameIsTheLastPathComponentOfArgument0) {
-    struct Row {
-        const char* argument;
-        const char* name;
+TEST(NSProcessInfo, nameIsTheLastPathComponentOfArgument0OrThatOfTheProgramFile) {
+    const std::string file = fileOfThisProgram();
+    const std::pair<Words, std::string> rows[] = {
+        {{"/usr/bin/viewer", "later"}, "viewer"},
+        {{"viewer"}, "viewer"},
+        {{"./a b"}, "a b"},
+        {{"/x/viewer/"}, "viewer"},
+        {{"-bash"}, "-bash"},
+        {{"/x/caf\xC3\xA9"}, "caf\xC3\xA9"},
+        {{}, file},
+        {{""}, file},
+        {{"/"}, file},
+        {{"", "x"}, file},
     };
-    for (const Row& row :
-         {Row{"/usr/bin/viewer", "viewer"}, Row{"viewer", "viewer"}, Row{"./a b", "a b"},
-          Row{"/x/viewer/", "viewer"}, Row{"-bash", "-bash"}, Row{"/x/caf\xC3\xA9", "caf\xC3\xA9"}}) {
-        const scene::Arguments arguments(detail::overrides::arguments, Words{row.argument, "later"});
-        EXPECT_EQ(info().processName().utf8(), row.name);
-        EXPECT_EQ(prefixName(), row.name);
-    }
-}
-
-TEST(NSProcessInfo, nameComesFromTheProgramFileWithoutAnArgument0) {
-    for (const Words& words : {Words{}, Words{""}, Words{"/"}, Words{"", "x"}}) {
-        const scene::Arguments arguments(detail::overrides::arguments, words);
-        EXPECT_EQ(info().processName().utf8(), fileOfThisProgram());
+    for (const auto& [words, name] : rows) {
+        const kit::Arguments arguments(detail::overrides::arguments, words);
+        EXPECT_EQ(info().processName().utf8(), name);
+        EXPECT_EQ(prefixName(), name);
     }
 }
 
 TEST(NSProcessInfo, nameWithForeignBytesKeepsThemAndPrefixHasReplacementCharacters) {
-    const scene::Arguments arguments(detail::overrides::arguments, Words{"/x/a\xFF"});
+    const kit::Arguments arguments(detail::overrides::arguments, Words{"/x/a\xFF"});
     EXPECT_EQ(info().processName().utf16(), std::u16string(u"a\xDCFF"));
-    std::string bytes;
-    ASSERT_TRUE(info().processName().getFileSystemBytes(bytes));
-    EXPECT_EQ(bytes, "a\xFF");
+    EXPECT_EQ(kit::bytesOf(info().processName()), "a\xFF");
     EXPECT_EQ(prefixName(), "a\xEF\xBF\xBD");
 }
 
-TEST(NSProcessInfo, nameIsChangeable) {
+TEST(NSProcessInfo, nameIsChangeableAndNeedsNoNewRecordWhenItReturns) {
     EXPECT_EQ(inChild([] {
                   info().setProcessName("Vi\u00E9wer");
-                  if (!(info().processName() == "Vi\u00E9wer") || prefixName() != "Vi\xC3\xA9wer") {
-                      return false;
-                  }
+                  EXPECT_EQ(info().processName(), "Vi\u00E9wer");
+                  EXPECT_EQ(prefixName(), "Vi\xC3\xA9wer");
+                  const char* const first = detail::processIdentity().name;
                   info().setProcessName("Other");
+                  EXPECT_EQ(prefixName(), "Other");
                   info().setProcessName("Vi\u00E9wer");
-                  return prefixName() == "Vi\xC3\xA9wer";
+                  EXPECT_EQ(detail::processIdentity().name, first);
               }),
               0);
 }
@@ -102,35 +91,20 @@ TEST(NSProcessInfo, nilAndEmptyNamesChangeNothing) {
     EXPECT_FALSE(before.empty());
 }
 
-TEST(NSProcessInfo, aNameThatReturnsNeedsNoNewRecord) {
-    EXPECT_EQ(inChild([] {
-                  info().setProcessName("First");
-                  const char* const first = detail::processIdentity().name;
-                  info().setProcessName("Second");
-                  info().setProcessName("First");
-                  return detail::processIdentity().name == first;
-              }),
-              0);
-}
-
-TEST(NSProcessInfo, identifierIsTheProcessNumberAlsoInForkedChildrenAndTheirs) {
+TEST(NSProcessInfo, identifierIsTheProcessNumberAndTheNameTheParentsInForkedChildrenAndTheirs) {
+    const auto expectOwn = [] {
+        EXPECT_EQ(info().processIdentifier(), ::getpid());
+        EXPECT_EQ(info().processName(), "Renamed");
+        EXPECT_EQ(prefixName(), "Renamed");
+    };
     EXPECT_EQ(info().processIdentifier(), ::getpid());
-    EXPECT_EQ(inChild([] {
-                  const bool own = info().processIdentifier() == ::getpid();
-                  return own && inChild([] { return info().processIdentifier() == ::getpid(); }) == 0;
-              }),
-              0);
-    EXPECT_EQ(info().processIdentifier(), ::getpid());
-}
-
-TEST(NSProcessInfo, keepsTheNameInForkedChildren) {
-    EXPECT_EQ(inChild([] {
+    EXPECT_EQ(inChild([&] {
                   info().setProcessName("Renamed");
-                  return inChild([] {
-                             return prefixName() == "Renamed" && info().processName() == "Renamed";
-                         }) == 0;
+                  expectOwn();
+                  EXPECT_EQ(inChild(expectOwn), 0);
               }),
               0);
+    EXPECT_EQ(info().processIdentifier(), ::getpid());
 }
 
 TEST(NSProcessInfo, identityIsTheSameObjectUntilSomethingChanges) {
@@ -141,7 +115,7 @@ TEST(NSProcessInfo, identityIsTheSameObjectUntilSomethingChanges) {
 TEST(NSProcessInfo, argumentsAreThoseOfTheProcess) {
     const NSArray arguments = info().arguments();
     ASSERT_GT(arguments.count(), 0u);
-    const std::string commandLine = scene::contentsOf("/proc/self/cmdline");
+    const std::string commandLine = kit::contentsOf("/proc/self/cmdline");
     std::string joined;
     for (const NSObject& argument : arguments) {
         joined += argument.as<NSString>().utf8() + '\0';
@@ -150,15 +124,15 @@ TEST(NSProcessInfo, argumentsAreThoseOfTheProcess) {
 }
 
 TEST(NSProcessInfo, argumentsMayBeEmptyOrForeign) {
-    const scene::Arguments arguments(detail::overrides::arguments, Words{"p", "", "\xFE"});
+    const kit::Arguments arguments(detail::overrides::arguments, Words{"p", "", "\xFE"});
     ASSERT_EQ(info().arguments().count(), 3u);
     EXPECT_EQ(info().arguments()[1].as<NSString>().length(), 0u);
     EXPECT_EQ(info().arguments()[2].as<NSString>().utf16(), std::u16string(u"\xDCFE"));
 }
 
 TEST(NSProcessInfo, givesTheArgumentsWithoutUserDefaults) {
-    const scene::Arguments arguments(detail::overrides::arguments,
-                                     Words{"p", "-TraceLevel", "3", "-style", "flat", "a file", "\xFE"});
+    const kit::Arguments arguments(detail::overrides::arguments,
+                                   Words{"p", "-TraceLevel", "3", "-style", "flat", "a file", "\xFE"});
     EXPECT_EQ(info().argumentsWithoutDefaults({"-style"}),
               (NSArray{"p", "-style", "flat", "a file", info().arguments()[6]}));
     EXPECT_EQ(info().argumentsWithoutDefaults().count(), 3U);
@@ -191,9 +165,9 @@ TEST(NSProcessInfo, takesUserDefaultsOutOfArgcAndArgv) {
 }
 
 TEST(NSProcessInfo, environmentShowsTheVariablesAsTheyAreNow) {
-    const scene::Variable set("ZQ_TEST_VARIABLE", "a=b");
-    const scene::Variable empty("ZQ_TEST_EMPTY", "");
-    const scene::Variable unset("ZQ_TEST_UNSET", nullptr);
+    const kit::Variable set("ZQ_TEST_VARIABLE", "a=b");
+    const kit::Variable empty("ZQ_TEST_EMPTY", "");
+    const kit::Variable unset("ZQ_TEST_UNSET", nullptr);
     const NSDictionary environment = info().environment();
     EXPECT_EQ(environment.objectForKey("ZQ_TEST_VARIABLE").as<NSString>(), "a=b");
     EXPECT_EQ(environment.objectForKey("ZQ_TEST_EMPTY").as<NSString>(), "");
@@ -219,7 +193,7 @@ TEST(NSProcessInfo, environmentSkipsEntriesWithoutANameAndTakesTheFirstOfTwo) {
 }
 
 TEST(NSProcessInfo, operationsLeaveErrnoAlone) {
-    const scene::Arguments arguments(detail::overrides::arguments, Words{""});
+    const kit::Arguments arguments(detail::overrides::arguments, Words{""});
     errno = 4321;
     info().processName();
     info().processIdentifier();
@@ -233,25 +207,20 @@ TEST(NSProcessInfo, showsThreadsWholeNamesWhileOthersRename) {
     EXPECT_EQ(inChild([] {
                   info().setProcessName("AAAAAAAA");
                   std::atomic<bool> stop{false};
-                  std::atomic<bool> torn{false};
                   std::thread writer([&] {
                       for (int round = 0; round < 20000; ++round) {
                           info().setProcessName(round % 2 == 0 ? "BBBB" : "AAAAAAAA");
                       }
                       stop = true;
                   });
-                  std::thread reader([&] {
-                      while (!stop) {
-                          const std::string name = prefixName();
-                          const NSString text = info().processName();
-                          if ((name != "BBBB" && name != "AAAAAAAA") ||
-                              (text != "BBBB" && text != "AAAAAAAA")) {
-                              torn = true;
-                          }
-                      }
-                  });
+                  const auto isWhole = [](const std::string& name) {
+                      return name == "BBBB" || name == "AAAAAAAA";
+                  };
+                  bool torn = false;
+                  while (!stop) {
+                      torn = torn || !isWhole(prefixName()) || !isWhole(info().processName().utf8());
+                  }
                   writer.join();
-                  reader.join();
                   return !torn;
               }),
               0);
@@ -260,7 +229,7 @@ TEST(NSProcessInfo, showsThreadsWholeNamesWhileOthersRename) {
 TEST(NSProcessInfo, answersInForkedChildrenWhileThreadsRename) {
     EXPECT_EQ(inChild([] {
                   info().setProcessName("AAAA");
-                  scene::Turns turns;
+                  kit::Turns turns;
                   std::atomic<bool> stop{false};
                   std::thread writer([&] {
                       for (int round = 0; !stop; ++round) {
@@ -272,11 +241,13 @@ TEST(NSProcessInfo, answersInForkedChildrenWhileThreadsRename) {
                   });
                   int failures = 0;
                   for (int count = 0; count < 200; ++count) {
-                      const auto answers = [] {
-                          return info().processIdentifier() == ::getpid() &&
-                                 info().processName().length() == 4;
-                      };
-                      failures += inChild(answers, &turns) == 0 ? 0 : 1;
+                      const pid_t child = turns.fork();
+                      if (child == 0) {
+                          ::alarm(60);
+                          const bool isOwn = info().processIdentifier() == ::getpid();
+                          kit::leave(isOwn && info().processName().length() == 4 ? 0 : 1);
+                      }
+                      failures += kit::endOf(child) == 0 ? 0 : 1;
                   }
                   stop = true;
                   writer.join();
@@ -312,7 +283,7 @@ Words argumentsOf(const std::string& path) { return {path, "-TraceArguments", "Y
 TEST(NSProcessInfo, argumentsThatCannotBeReadNowAreReadLater) {
     constexpr const char* mark = "ZQ_TEST_READS_ARGUMENTS";
     if (std::getenv(mark) == nullptr) {
-        const std::string output = scene::runAgain(
+        const std::string output = kit::runAgain(
             {{mark, "1"}},
             {"/x/argument0", "--gtest_filter=NSProcessInfo.argumentsThatCannotBeReadNowAreReadLater", "-k",
              "v"});
@@ -330,25 +301,20 @@ TEST(NSProcessInfo, argumentsThatCannotBeReadNowAreReadLater) {
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
     EXPECT_EQ(countMeanwhile, 0u);
     EXPECT_FALSE(defaultMeanwhile);
-    EXPECT_EQ(nameMeanwhile, fileOfThisProgram()) << "stands in";
+    EXPECT_EQ(nameMeanwhile, fileOfThisProgram()) << "in the meantime";
     EXPECT_EQ(info().arguments().count(), 4u);
     EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("k"), "v");
     EXPECT_EQ(prefixName(), "argument0");
 }
 
-TEST(NSProcessInfo, factsDoNotDependOnAFreeDescriptor) {
-    const scene::Variable moment("ZQ_TEST_MOMENT", "full table");
-    for (const char* const name : programs) {
-        const std::string path = pathOfProgram(name);
-        EXPECT_EQ(scene::outputOf(path, argumentsOf(path), [] {}), factsOf(path, name, 2));
-    }
-}
-
-TEST(NSProcessInfo, aTitleWrittenOverTheArgumentsChangesNothing) {
-    const scene::Variable moment("ZQ_TEST_MOMENT", "title");
-    for (const char* const name : programs) {
-        const std::string path = pathOfProgram(name);
-        EXPECT_EQ(scene::outputOf(path, argumentsOf(path), [] {}), factsOf(path, name));
+TEST(NSProcessInfo, factsDependNeitherOnAFreeDescriptorNorOnATitleWrittenOverTheArguments) {
+    for (const char* const moment : {"full table", "title"}) {
+        const kit::Variable variable("ZQ_TEST_MOMENT", moment);
+        for (const char* const name : programs) {
+            const std::string path = pathOfProgram(name);
+            const int times = moment[0] == 'f' ? 2 : 1;
+            EXPECT_EQ(kit::outputOf(path, argumentsOf(path), [] {}), factsOf(path, name, times)) << moment;
+        }
     }
 }
 
@@ -360,7 +326,7 @@ TEST(NSProcessInfo, longCommandLinesAreKeptWhole) {
         arguments.emplace_back(length, 'x');
         expected.insert(expected.find(" YES\n"), " <" + arguments.back() + ">");
     }
-    EXPECT_TRUE(scene::outputOf(path, arguments, [] {}) == expected);
+    EXPECT_TRUE(kit::outputOf(path, arguments, [] {}) == expected);
 }
 
 TEST(NSProcessInfo, isTheProgramsOwnWhenItIsStartedThroughTheLoader) {
@@ -370,7 +336,7 @@ TEST(NSProcessInfo, isTheProgramsOwnWhenItIsStartedThroughTheLoader) {
         const std::string path = pathOfProgram(name);
         Words words = argumentsOf(path);
         words.insert(words.begin(), loader.dli_fname);
-        EXPECT_EQ(scene::outputOf(loader.dli_fname, words, [] {}), factsOf(path, name));
+        EXPECT_EQ(kit::outputOf(loader.dli_fname, words, [] {}), factsOf(path, name));
     }
 }
 
@@ -388,7 +354,7 @@ TEST(NSProcessInfo, needsNoProcessFileSystem) {
                 ::setenv("ZQ_TEST_MOMENT", "/proc cannot be hidden", 1);
             }
         };
-        const std::string facts = scene::outputOf(path, argumentsOf(path), hideProc);
+        const std::string facts = kit::outputOf(path, argumentsOf(path), hideProc);
         if (facts.starts_with("/proc cannot be hidden")) {
             GTEST_SKIP() << "the process file system cannot be hidden here";
         }

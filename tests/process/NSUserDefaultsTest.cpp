@@ -2,27 +2,27 @@
 // User defaults: the order of their domains, conversions, changes and files.
 #include "foundation/process/NSUserDefaults.h"
 
-#include <pwd.h>
-
 #include <atomic>
-#include <cerrno>
 #include <thread>
 
+#include <pwd.h>
+
 #include "foundation/objects/NSDate.h"
-#include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/process/DefaultsFiles.h"
 #include "foundation/process/NSBundle.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Turns.h"
+#include "tests/kit/Values.h"
+#include "tests/process/DefaultsScene.h"
 
 using namespace ZQFoundation;
+using process::defaults;
+using process::useThreads;
+using process::Words;
 
 namespace {
-
-using Words = std::vector<std::string>;
-
-NSUserDefaults& defaults() { return NSUserDefaults::standardUserDefaults(); }
 
 std::string dictionaryFile(const std::string& entries) {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" + entries +
@@ -33,23 +33,38 @@ std::string entry(const std::string& key, const std::string& text) {
     return "<key>" + key + "</key><string>" + text + "</string>";
 }
 
-std::string textOf(const NSObject& value) { return value ? value.description().utf8() : "(nil)"; }
+std::string textFor(StringView key) { return kit::shown(defaults().objectForKey(key)); }
 
-std::string textFor(StringView key) { return textOf(defaults().objectForKey(key)); }
+std::string mergedText(const char* key) {
+    return kit::shown(defaults().dictionaryRepresentation().objectForKey(key));
+}
 
-/// A program "Viewer" without a bundle, whose defaults are in a scratch folder.
+/// The text that both ways of reading give.
+std::string textBothWays(const char* key) {
+    EXPECT_EQ(mergedText(key), textFor(key));
+    return textFor(key);
+}
+
 /// What a test sets, registers or removes stays so in this process: only the keys of `TearDown` are set by
 /// several tests, and none of those is expected to come from a file.
-class NSUserDefaultsTest : public testing::Test {
+class NSUserDefaultsTest : public process::DefaultsScene {
 protected:
-    const scene::Folder folder;
-    const scene::NoLanguages languages{};
-    const scene::Path store{detail::overrides::defaultsFolder, folder.makeFolder("store")};
-    const scene::Path program{detail::overrides::executablePath, folder / "bin/Viewer"};
-    const scene::Arguments arguments{detail::overrides::arguments, Words{"/x/Viewer"}};
-
     void writeApplication(const std::string& bytes) const { folder.write("store/Viewer.plist", bytes); }
     void writeGlobal(const std::string& bytes) const { folder.write("store/NSGlobalDomain.plist", bytes); }
+    std::string makeBundle(const std::string& identifier) const {
+        folder.write("V.app/Contents/Info.plist", dictionaryFile(entry("CFBundleIdentifier", identifier)));
+        return folder / "V.app/Contents/MacOS/Viewer";
+    }
+    /// A dictionary with the entry and an array "Settled", for `settle`.
+    static std::string settling(const std::string& key, const std::string& text) {
+        return dictionaryFile(entry(key, text) + "<key>Settled</key><array><string>x</string></array>");
+    }
+    /// Reads until the file is no longer read again, as it is for some time after its change.
+    static void settle() {
+        while (defaults().arrayForKey("Settled").begin() != defaults().arrayForKey("Settled").begin()) {
+            ::usleep(1000);
+        }
+    }
 
     void TearDown() override {
         for (const char* key : {"Key", "Other", "Order1", "Order2"}) {
@@ -67,39 +82,26 @@ TEST_F(NSUserDefaultsTest, unknownAndNilKeysGiveNil) {
 }
 
 TEST_F(NSUserDefaultsTest, firstDomainOfTheSearchOrderAnswers) {
-    defaults().registerDefaults(
-        {{"Search", "registered"}, {"AppleLanguages", NSArray::arrayWithObject("xx")}});
-    EXPECT_EQ(textFor("Search"), "registered");
+    const kit::Variable environment("ZQ_DEFAULTS", nullptr);
+    defaults().registerDefaults({{"Search", "registered"}});
+    EXPECT_EQ(textBothWays("Search"), "registered");
     writeGlobal(dictionaryFile(entry("Search", "global")));
-    EXPECT_EQ(textFor("Search"), "global");
+    EXPECT_EQ(textBothWays("Search"), "global");
     writeApplication(dictionaryFile(entry("Search", "application")));
-    EXPECT_EQ(textFor("Search"), "application");
-    const scene::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Search", "command line"});
-    EXPECT_EQ(textFor("Search"), "command line");
-    EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Search")), "command line");
-}
-
-TEST_F(NSUserDefaultsTest, environmentIsBelowTheCommandLineAndAboveTheFiles) {
-    writeApplication(dictionaryFile(entry("Given", "application")));
-    {
-        const scene::Variable given("ZQ_DEFAULTS", "-Given environment -Names '(a, b)'");
-        EXPECT_EQ(textFor("Given"), "environment");
-        EXPECT_EQ(defaults().arrayForKey("Names"), (NSArray{"a", "b"}));
-        EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Given")), "environment");
-        const scene::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Given", "command line"});
-        EXPECT_EQ(textFor("Given"), "command line");
-        EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Given")), "command line");
-    }
-    const scene::Variable other("ZQ_DEFAULTS", "-Given other");
-    EXPECT_EQ(textFor("Given"), "other") << "as it is now";
-    const scene::Variable none("ZQ_DEFAULTS", nullptr);
-    EXPECT_EQ(textFor("Given"), "application");
+    EXPECT_EQ(textBothWays("Search"), "application");
+    environment.change("-Search environment -Names '(a, b)'");
+    EXPECT_EQ(textBothWays("Search"), "environment");
+    EXPECT_EQ(defaults().arrayForKey("Names"), (NSArray{"a", "b"}));
+    environment.change("-Search other");
+    EXPECT_EQ(textBothWays("Search"), "other") << "as it is now";
+    const kit::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Search", "command line"});
+    EXPECT_EQ(textBothWays("Search"), "command line");
 }
 
 TEST_F(NSUserDefaultsTest, languageSettingsComeAfterTheGlobalDomainAndBeforeRegisteredValues) {
     defaults().registerDefaults({{"AppleLanguages", NSArray::arrayWithObject("xx")}});
     EXPECT_EQ(defaults().objectForKey("AppleLanguages"), NSArray::arrayWithObject("xx"));
-    const scene::Variable language("LANGUAGE", "de_AT:en");
+    const kit::Variable language("LANGUAGE", "de_AT:en");
     EXPECT_EQ(defaults().objectForKey("AppleLanguages"), (NSArray{"de-AT", "en"}));
     EXPECT_EQ(defaults().dictionaryRepresentation().objectForKey("AppleLanguages"), (NSArray{"de-AT", "en"}));
     writeGlobal("{ AppleLanguages = (fr); }");
@@ -107,9 +109,7 @@ TEST_F(NSUserDefaultsTest, languageSettingsComeAfterTheGlobalDomainAndBeforeRegi
 }
 
 TEST_F(NSUserDefaultsTest, applicationDomainIsNamedByTheBundleIdentifier) {
-    folder.write("V.app/Contents/Info.plist",
-                 dictionaryFile(entry("CFBundleIdentifier", "com.example.viewer")));
-    const scene::Path bundled(detail::overrides::executablePath, folder / "V.app/Contents/MacOS/Viewer");
+    const kit::Path bundled(detail::overrides::executablePath, makeBundle("com.example.viewer"));
     writeApplication(dictionaryFile(entry("Named", "by process")));
     EXPECT_EQ(textFor("Named"), "(nil)");
     folder.write("store/com.example.viewer.plist", dictionaryFile(entry("Named", "by identifier")));
@@ -117,29 +117,23 @@ TEST_F(NSUserDefaultsTest, applicationDomainIsNamedByTheBundleIdentifier) {
 }
 
 TEST_F(NSUserDefaultsTest, applicationDomainIsNamedByTheProcessWithoutAnIdentifier) {
-    folder.write("V.app/Contents/Info.plist", dictionaryFile(entry("CFBundleIdentifier", "")));
-    const scene::Path bundled(detail::overrides::executablePath, folder / "V.app/Contents/MacOS/Viewer");
+    const kit::Path bundled(detail::overrides::executablePath, makeBundle(""));
     writeApplication(dictionaryFile(entry("Named", "by process")));
     EXPECT_EQ(textFor("Named"), "by process");
-    const scene::Arguments other(detail::overrides::arguments, Words{"/x/Other"});
+    const kit::Arguments other(detail::overrides::arguments, Words{"/x/Other"});
     EXPECT_EQ(textFor("Named"), "(nil)");
 }
 
-TEST_F(NSUserDefaultsTest, domainNamesThatNoFileBearsHaveNoFile) {
+TEST_F(NSUserDefaultsTest, domainNamesThatNoFileCanHaveHaveNoFile) {
     folder.write("x.plist", "{ Escaped = yes; }");
-    const NSString names[] = {"../x",
-                              "a/b",
-                              "/",
-                              "",
-                              nullptr,
-                              NSString(StringView(u"a\0b", 3)),
-                              NSString(std::u16string(1, char16_t{0xD800}))};
+    const NSString loneSurrogate(std::u16string(1, char16_t{0xD800}));
+    const NSString names[] = {"../x",       "a/b", "/", "", nullptr, NSString(StringView(u"a\0b", 3)),
+                              loneSurrogate};
     for (const NSString& name : names) {
         EXPECT_EQ(detail::fileOfDomain(name), "") << name.utf8();
     }
     EXPECT_EQ(detail::fileOfDomain("com.example"), folder / "store/com.example.plist");
-    folder.write("V.app/Contents/Info.plist", dictionaryFile(entry("CFBundleIdentifier", "../x")));
-    const scene::Path bundled(detail::overrides::executablePath, folder / "V.app/Contents/MacOS/Viewer");
+    const kit::Path bundled(detail::overrides::executablePath, makeBundle("../x"));
     EXPECT_EQ(textFor("Escaped"), "(nil)");
 }
 
@@ -181,8 +175,8 @@ TEST_F(NSUserDefaultsTest, mergedViewTakesEachKeyFromItsFirstDomainAndMergesNoVa
     writeApplication(dictionaryFile("<key>MergeD</key><dict><key>y</key><string>2</string></dict>"));
     const NSDictionary merged = defaults().dictionaryRepresentation();
     EXPECT_EQ(merged.objectForKey("MergeD"), NSObject(NSDictionary{{"y", "2"}}));
-    EXPECT_EQ(textOf(merged.objectForKey("MergeG")), "global");
-    EXPECT_EQ(textOf(merged.objectForKey("MergeR")), "registered");
+    EXPECT_EQ(kit::shown(merged.objectForKey("MergeG")), "global");
+    EXPECT_EQ(kit::shown(merged.objectForKey("MergeR")), "registered");
     for (const NSDictionaryEntry& pair : merged) {
         EXPECT_EQ(defaults().objectForKey(pair.key.as<NSString>()), pair.value);
     }
@@ -192,8 +186,7 @@ TEST_F(NSUserDefaultsTest, mergedViewListsDomainsInSearchOrderAndKeysInFileOrder
     defaults().registerDefaults({{"Order9", 1}});
     writeGlobal(dictionaryFile(entry("Order8", "g") + entry("Order3", "g") + entry("Order5", "g")));
     writeApplication(dictionaryFile(entry("Order7", "a") + entry("Order2", "a") + entry("Order5", "a")));
-    const scene::Arguments more(detail::overrides::arguments,
-                                Words{"Viewer", "-Order6", "c", "-Order2", "c"});
+    const kit::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Order6", "c", "-Order2", "c"});
     defaults().setObject_forKey("set", "Order1");
     std::string order;
     for (const NSDictionaryEntry& pair : defaults().dictionaryRepresentation()) {
@@ -208,15 +201,13 @@ TEST_F(NSUserDefaultsTest, settingReachesTheApplicationDomainOnly) {
     writeGlobal(dictionaryFile(entry("Key", "global")));
     writeApplication(dictionaryFile(entry("Key", "file")));
     defaults().setObject_forKey("set", "Key");
-    EXPECT_EQ(textFor("Key"), "set");
-    EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Key")), "set");
+    EXPECT_EQ(textBothWays("Key"), "set");
     {
-        const scene::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Key", "command line"});
+        const kit::Arguments more(detail::overrides::arguments, Words{"Viewer", "-Key", "command line"});
         EXPECT_EQ(textFor("Key"), "command line");
     }
     defaults().removeObjectForKey("Key");
-    EXPECT_EQ(textFor("Key"), "global");
-    EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Key")), "global");
+    EXPECT_EQ(textBothWays("Key"), "global");
     defaults().setObject_forKey("again", "Key");
     EXPECT_EQ(textFor("Key"), "again");
 }
@@ -242,12 +233,9 @@ TEST_F(NSUserDefaultsTest, aValueOfAnotherKindRaisesAndChangesNothing) {
     const NSObject values[] = {NSNull::null(), NSSet::set(), NSArray::arrayWithObject(NSNull::null()),
                                NSDictionary{{1, "x"}}};
     for (const NSObject& value : values) {
-        try {
-            defaults().setObject_forKey(value, "Key");
-            ADD_FAILURE() << "accepted a " << value.className().utf8();
-        } catch (const NSException& exception) {
-            EXPECT_EQ(exception.name(), NSInvalidArgumentException);
-        }
+        EXPECT_EQ(kit::raised([&] { defaults().setObject_forKey(value, "Key"); }),
+                  "NSInvalidArgumentException")
+            << value.className().utf8();
         EXPECT_THROW(defaults().registerDefaults({{"Key", value}}), NSException);
     }
     EXPECT_THROW(defaults().setObject_forKey("x", nullptr), NSException);
@@ -268,41 +256,42 @@ TEST_F(NSUserDefaultsTest, typedReads) {
                        "<key>number</key><integer>5000000000</integer><key>real</key><real>2.5</real>"
                        "<key>true</key><true/><key>list</key><array/><key>table</key><dict/>"
                        "<key>data</key><data>AQ==</data>"));
-    EXPECT_EQ(defaults().stringForKey("text"), "12.5x");
-    EXPECT_EQ(defaults().stringForKey("number"), "5000000000");
-    EXPECT_EQ(defaults().stringForKey("true"), "1");
-    EXPECT_FALSE(defaults().stringForKey("list"));
-    EXPECT_FALSE(defaults().stringForKey("none"));
-    EXPECT_TRUE(defaults().arrayForKey("list"));
-    EXPECT_FALSE(defaults().arrayForKey("table"));
-    EXPECT_TRUE(defaults().dictionaryForKey("table"));
-    EXPECT_FALSE(defaults().dictionaryForKey("list"));
     EXPECT_EQ(defaults().dataForKey("data").length(), 1u);
     EXPECT_FALSE(defaults().dataForKey("text"));
-    EXPECT_EQ(defaults().integerForKey("text"), 12);
-    EXPECT_EQ(defaults().integerForKey("number"), 5000000000);
-    EXPECT_EQ(defaults().integerForKey("real"), 2);
-    EXPECT_EQ(defaults().integerForKey("true"), 1);
-    EXPECT_EQ(defaults().integerForKey("list"), 0);
-    EXPECT_EQ(defaults().integerForKey("none"), 0);
-    EXPECT_EQ(defaults().doubleForKey("text"), 12.5);
-    EXPECT_EQ(defaults().doubleForKey("real"), 2.5);
-    EXPECT_EQ(defaults().doubleForKey("table"), 0);
-    EXPECT_EQ(defaults().floatForKey("real"), 2.5f);
-    EXPECT_EQ(defaults().floatForKey("text"), 12.5f);
-    EXPECT_EQ(defaults().floatForKey("none"), 0);
-    EXPECT_TRUE(defaults().boolForKey("yes"));
-    EXPECT_TRUE(defaults().boolForKey("true"));
-    EXPECT_TRUE(defaults().boolForKey("text"));
-    EXPECT_FALSE(defaults().boolForKey("list"));
-    EXPECT_FALSE(defaults().boolForKey("none"));
+    const struct {
+        const char* key;
+        NSString string;
+        std::int64_t integer;
+        double real;
+        bool boolean;
+        bool isArray;
+        bool isDictionary;
+    } rows[] = {
+        {"text", "12.5x", 12, 12.5, true, false, false},
+        {"yes", "Yes", 0, 0, true, false, false},
+        {"number", "5000000000", 5000000000, 5e9, true, false, false},
+        {"real", "2.5", 2, 2.5, true, false, false},
+        {"true", "1", 1, 1, true, false, false},
+        {"list", nullptr, 0, 0, false, true, false},
+        {"table", nullptr, 0, 0, false, false, true},
+        {"none", nullptr, 0, 0, false, false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.key);
+        EXPECT_EQ(defaults().stringForKey(row.key), row.string);
+        EXPECT_EQ(defaults().integerForKey(row.key), row.integer);
+        EXPECT_EQ(defaults().doubleForKey(row.key), row.real);
+        EXPECT_EQ(defaults().floatForKey(row.key), static_cast<float>(row.real));
+        EXPECT_EQ(defaults().boolForKey(row.key), row.boolean);
+        EXPECT_EQ(static_cast<bool>(defaults().arrayForKey(row.key)), row.isArray);
+        EXPECT_EQ(static_cast<bool>(defaults().dictionaryForKey(row.key)), row.isDictionary);
+    }
 }
 
 TEST_F(NSUserDefaultsTest, aChangedFileIsSeenByTheNextLook) {
     for (const char* text : {"one", "two", "six", "ten"}) { // of one size, one right after the other
         writeApplication(dictionaryFile(entry("Changed", text)));
-        EXPECT_EQ(textFor("Changed"), text);
-        EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Changed")), text);
+        EXPECT_EQ(textBothWays("Changed"), text);
     }
     folder.write("store/new", dictionaryFile(entry("Changed", "new")));
     ASSERT_EQ(::rename((folder / "store/new").c_str(), (folder / "store/Viewer.plist").c_str()), 0);
@@ -314,148 +303,98 @@ TEST_F(NSUserDefaultsTest, aChangedFileIsSeenByTheNextLook) {
 }
 
 TEST_F(NSUserDefaultsTest, aChangeUnderAnOldModificationTimeIsSeen) {
-    writeApplication(dictionaryFile(entry("Changed", "one")));
-    ::usleep(150000); // so that the file counts as settled
+    const std::string file = folder / "store/Viewer.plist";
+    writeApplication(settling("Changed", "one"));
+    settle();
     EXPECT_EQ(textFor("Changed"), "one");
-    struct stat before;
-    ASSERT_EQ(::stat((folder / "store/Viewer.plist").c_str(), &before), 0);
-    writeApplication(dictionaryFile(entry("Changed", "two")));
+    struct stat before {};
+    ASSERT_EQ(::stat(file.c_str(), &before), 0);
+    writeApplication(settling("Changed", "two"));
     const timespec times[] = {before.st_atim, before.st_mtim};
-    ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "store/Viewer.plist").c_str(), times, 0), 0);
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
     EXPECT_EQ(textFor("Changed"), "two");
 }
 
 TEST_F(NSUserDefaultsTest, anUnchangedFileIsNotReadAgain) {
-    writeApplication(dictionaryFile("<key>Kept</key><array><string>x</string></array>"));
-    ::usleep(150000);
-    const NSArray first = defaults().arrayForKey("Kept");
-    const NSArray second = defaults().arrayForKey("Kept");
-    ASSERT_EQ(first.count(), 1u);
-    EXPECT_EQ(first.begin(), second.begin());
+    writeApplication(settling("Kept", "x"));
+    settle();
+    EXPECT_EQ(defaults().arrayForKey("Settled").begin(), defaults().arrayForKey("Settled").begin());
 }
 
 namespace {
 
+using Make = void (*)(const std::string& path);
+
 struct HostileFile {
     const char* what;
-    void (*make)(const scene::Folder& folder, const std::string& name);
+    std::string bytes;
+    Make make = nullptr; ///< in place of a file with the bytes
 };
 
-void link(const char* target, const std::string& path) { ASSERT_EQ(::symlink(target, path.c_str()), 0); }
+void makeLink(const char* target, const std::string& path) { ASSERT_EQ(::symlink(target, path.c_str()), 0); }
+
+void makeHole(const std::string& path) {
+    const kit::Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    ASSERT_EQ(::write(file.number(), "{ Hostile = yes; }", 18), 18);
+    ASSERT_EQ(::ftruncate(file.number(), (off_t{1} << 30) + 1), 0);
+}
 
 const HostileFile hostileFiles[] = {
-    {"absent",
-     [](const scene::Folder&, const std::string&) {
-     }},
-    {"empty",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "");
-     }},
-    {"cut off",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "<plist><dict><key>Hostile</key><str");
-     }},
-    {"cut off binary",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "bplist00\xD1\x01");
-     }},
-    {"noise",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, std::string("\0\xFF\xFE\x80{", 5));
-     }},
-    {"NULs",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, std::string(100000, '\0'));
-     }},
-    {"brackets",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, std::string(1000000, '('));
-     }},
-    {"array",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "(Hostile)");
-     }},
-    {"string",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "Hostile");
-     }},
-    {"folder",
-     [](const scene::Folder& f, const std::string& n) {
-         f.makeFolder(n);
-     }},
-    {"pipe",
-     [](const scene::Folder& f, const std::string& n) {
-         ASSERT_EQ(::mkfifo((f / n).c_str(), 0644), 0);
-     }},
-    {"link loop",
-     [](const scene::Folder& f, const std::string& n) {
-         link((f / n).c_str(), f / n);
-     }},
-    {"dangling link",
-     [](const scene::Folder& f, const std::string& n) {
-         link("nowhere", f / n);
-     }},
-    {"endless device",
-     [](const scene::Folder& f, const std::string& n) {
-         link("/dev/zero", f / n);
-     }},
-    {"terminal",
-     [](const scene::Folder& f, const std::string& n) {
-         link("/dev/tty", f / n);
-     }},
-    {"over 16 MiB",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "{ Hostile = yes; }" + std::string(std::size_t{16} << 20, ' '));
-     }},
-    {"over 1 GiB",
-     [](const scene::Folder& f, const std::string& n) {
-         f.write(n, "{ Hostile = yes; }");
-         ASSERT_EQ(::truncate((f / n).c_str(), (off_t{1} << 30) + 1), 0);
-     }},
+    {"empty", ""},
+    {"cut off", "<plist><dict><key>Hostile</key><str"},
+    {"cut off binary", "bplist00\xD1\x01"},
+    {"noise", std::string("\0\xFF\xFE\x80{", 5)},
+    {"NULs", std::string(100000, '\0')},
+    {"brackets", std::string(1000000, '(')},
+    {"array", "(Hostile)"},
+    {"string", "Hostile"},
+    {"over 16 MiB", "{ Hostile = yes; }" + std::string(std::size_t{16} << 20, ' ')},
+    {"over 1 GiB", "", makeHole},
+    {"absent", "", Make([](const std::string&) {})},
+    {"folder", "", Make([](const std::string& path) { ::mkdir(path.c_str(), 0755); })},
+    {"pipe", "", Make([](const std::string& path) { ::mkfifo(path.c_str(), 0644); })},
+    {"link loop", "", Make([](const std::string& path) { makeLink(path.c_str(), path); })},
+    {"dangling link", "", Make([](const std::string& path) { makeLink("nowhere", path); })},
+    {"endless device", "", Make([](const std::string& path) { makeLink("/dev/zero", path); })},
+    {"terminal", "", Make([](const std::string& path) { makeLink("/dev/tty", path); })},
 };
 
 } // namespace
 
-TEST_F(NSUserDefaultsTest, filesThatHoldNoDictionaryArePassedOver) {
+TEST_F(NSUserDefaultsTest, filesThatHoldNoDictionaryAreIgnored) {
     defaults().registerDefaults({{"Hostile", "registered"}});
     ::alarm(300); // a look that blocks ends the test
     for (const HostileFile& file : hostileFiles) {
         SCOPED_TRACE(file.what);
         for (const char* name : {"store/Viewer.plist", "store/NSGlobalDomain.plist"}) {
-            scene::removeTree(folder.path());
-            folder.makeFolder("");
+            kit::removeTree(folder / "store");
             folder.makeFolder("store");
-            file.make(folder, name);
-            EXPECT_EQ(textFor("Hostile"), "registered");
-            EXPECT_EQ(textOf(defaults().dictionaryRepresentation().objectForKey("Hostile")), "registered");
+            file.make != nullptr ? file.make(folder / name) : void(folder.write(name, file.bytes));
+            EXPECT_EQ(textBothWays("Hostile"), "registered");
         }
-        if (std::string(file.what) != "absent") {
-            folder.write("store/Viewer.plist.good", dictionaryFile(entry("Hostile", "application")));
-            scene::removeTree(folder / "store/Viewer.plist");
-            ASSERT_EQ(::rename((folder / "store/Viewer.plist.good").c_str(),
-                               (folder / "store/Viewer.plist").c_str()),
-                      0);
-            EXPECT_EQ(textFor("Hostile"), "application");
-        }
+        folder.write("store/good", dictionaryFile(entry("Hostile", "application")));
+        kit::removeTree(folder / "store/Viewer.plist");
+        ASSERT_EQ(::rename((folder / "store/good").c_str(), (folder / "store/Viewer.plist").c_str()), 0);
+        EXPECT_EQ(textFor("Hostile"), "application");
     }
     ::alarm(0);
 }
 
-TEST_F(NSUserDefaultsTest, anUnreadableFileIsPassedOverUntilItIsReadable) {
+TEST_F(NSUserDefaultsTest, anUnreadableFileIsIgnoredUntilItIsReadable) {
     const std::string file = folder.write("store/Viewer.plist", dictionaryFile(entry("Sealed", "x")));
     ASSERT_EQ(::chmod(file.c_str(), 0), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([&] { return textFor("Sealed") == "(nil)" ? 0 : 1; }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([] { return textFor("Sealed") == "(nil)"; }), 0);
     ASSERT_EQ(::chmod(file.c_str(), 0644), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([&] { return textFor("Sealed") == "x" ? 0 : 1; }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([] { return textFor("Sealed") == "x"; }), 0);
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([&] { return textFor("Sealed") == "(nil)" ? 0 : 1; }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([] { return textFor("Sealed") == "(nil)"; }), 0);
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0755), 0);
     EXPECT_EQ(textFor("Sealed"), "x");
 }
 
 TEST_F(NSUserDefaultsTest, aProcessOutOfDescriptorsKeepsWhatItHasReadAndReadsLaterWhatItCouldNot) {
-    writeGlobal(dictionaryFile(entry("Scarce", "global")));
-    ::usleep(150000);
+    writeGlobal(settling("Scarce", "global"));
+    settle();
     EXPECT_EQ(textFor("Scarce"), "global");
     std::vector<int> taken;
     for (int descriptor = ::dup(0); descriptor >= 0; descriptor = ::dup(0)) {
@@ -475,16 +414,6 @@ TEST_F(NSUserDefaultsTest, aProcessOutOfDescriptorsKeepsWhatItHasReadAndReadsLat
 
 namespace {
 
-std::vector<std::string> listing(const std::string& path) {
-    std::vector<std::string> names;
-    DIR* const opened = ::opendir(path.c_str());
-    while (const dirent* found = opened != nullptr ? ::readdir(opened) : nullptr) {
-        names.push_back(found->d_name);
-    }
-    ::closedir(opened);
-    return names;
-}
-
 void useEverything() {
     defaults().objectForKey("Key");
     defaults().dictionaryRepresentation();
@@ -502,30 +431,28 @@ TEST_F(NSUserDefaultsTest, filesAreWrittenByNothingButSynchronize) {
     const std::string bytes = dictionaryFile(entry("Key", "x")) + "trailing rest\n";
     writeApplication(bytes);
     writeGlobal("{ broken");
-    struct stat before;
-    ASSERT_EQ(::stat((folder / "store/Viewer.plist").c_str(), &before), 0);
-    const std::vector<std::string> names = listing(folder / "store");
+    const auto statusOf = [](const std::string& path) {
+        struct stat status {};
+        EXPECT_EQ(::stat(path.c_str(), &status), 0);
+        return std::tuple(status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec);
+    };
+    const auto before = statusOf(folder / "store/Viewer.plist");
+    const auto folderBefore = statusOf(folder / "store");
     useEverything();
-    struct stat after;
-    ASSERT_EQ(::stat((folder / "store/Viewer.plist").c_str(), &after), 0);
-    EXPECT_EQ(scene::contentsOf(folder / "store/Viewer.plist"), bytes);
-    EXPECT_EQ(scene::contentsOf(folder / "store/NSGlobalDomain.plist"), "{ broken");
-    EXPECT_EQ(before.st_ino, after.st_ino);
-    EXPECT_EQ(before.st_ctim.tv_sec, after.st_ctim.tv_sec);
-    EXPECT_EQ(before.st_ctim.tv_nsec, after.st_ctim.tv_nsec);
-    EXPECT_EQ(listing(folder / "store"), names);
+    EXPECT_EQ(kit::contentsOf(folder / "store/Viewer.plist"), bytes);
+    EXPECT_EQ(kit::contentsOf(folder / "store/NSGlobalDomain.plist"), "{ broken");
+    EXPECT_EQ(statusOf(folder / "store/Viewer.plist"), before);
+    EXPECT_EQ(statusOf(folder / "store"), folderBefore) << "no file came or went";
 }
 
 TEST_F(NSUserDefaultsTest, readOnlyMediaAreEnough) {
     const std::string file = folder.write("store/Viewer.plist", dictionaryFile(entry("Media", "x")));
     ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0555), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([&] {
-                  if (textFor("Media") != "x") {
-                      return 1;
-                  }
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
+                  EXPECT_EQ(textFor("Media"), "x");
                   useEverything();
-                  return textFor("Other") == "5" ? 0 : 2;
+                  EXPECT_EQ(textFor("Other"), "5");
               }),
               0);
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0755), 0);
@@ -536,7 +463,7 @@ TEST_F(NSUserDefaultsTest, operationsLeaveErrnoAlone) {
     errno = 4321;
     useEverything();
     EXPECT_EQ(errno, 4321);
-    scene::removeTree(folder / "store");
+    kit::removeTree(folder / "store");
     errno = 4321;
     useEverything();
     EXPECT_EQ(errno, 4321);
@@ -544,19 +471,11 @@ TEST_F(NSUserDefaultsTest, operationsLeaveErrnoAlone) {
 
 // Where the files are
 
-namespace {
-
-std::string homeOfAccount() {
+TEST_F(NSUserDefaultsTest, folderFollowsTheEnvironment) {
+    detail::overrides::defaultsFolder = nullptr; // restored with the fixture
     const passwd* const account = ::getpwuid(::geteuid());
-    return account != nullptr ? account->pw_dir : "";
-}
-
-} // namespace
-
-TEST(NSUserDefaultsFolder, followsTheEnvironment) {
-    const scene::Path none(detail::overrides::defaultsFolder, "");
-    detail::overrides::defaultsFolder = nullptr;
-    const std::string database = homeOfAccount() + "/.config/ZQFoundation";
+    const std::string database =
+        (account != nullptr ? account->pw_dir : std::string()) + "/.config/ZQFoundation";
     struct Row {
         const char* configuration;
         const char* home;
@@ -574,33 +493,29 @@ TEST(NSUserDefaultsFolder, followsTheEnvironment) {
         {nullptr, "../x", database},
     };
     for (const Row& row : rows) {
-        const scene::Variable configuration("XDG_CONFIG_HOME", row.configuration);
-        const scene::Variable home("HOME", row.home);
+        const kit::Variable configuration("XDG_CONFIG_HOME", row.configuration);
+        const kit::Variable home("HOME", row.home);
         EXPECT_EQ(detail::defaultsFolder(), row.folder);
     }
 }
 
-TEST(NSUserDefaultsFolder, filesAreFoundInTheConfigurationAndTheHomeFolder) {
-    const scene::Folder folder;
-    const scene::NoLanguages languages{};
-    const scene::Path program(detail::overrides::executablePath, folder / "bin/Viewer");
-    const scene::Arguments arguments(detail::overrides::arguments, Words{"Viewer"});
+TEST_F(NSUserDefaultsTest, filesAreFoundInTheConfigurationAndTheHomeFolder) {
+    detail::overrides::defaultsFolder = nullptr; // restored with the fixture
     folder.write("home/.config/ZQFoundation/Viewer.plist", "{ Place = home; }");
     folder.write("conf/ZQFoundation/Viewer.plist", "{ Place = configuration; }");
-    const scene::Variable home("HOME", (folder / "home").c_str());
-    const scene::Variable noConfiguration("XDG_CONFIG_HOME", nullptr);
+    const kit::Variable home("HOME", (folder / "home").c_str());
+    const kit::Variable noConfiguration("XDG_CONFIG_HOME", nullptr);
     EXPECT_EQ(textFor("Place"), "home");
-    const scene::Variable configuration("XDG_CONFIG_HOME", (folder / "conf").c_str());
+    const kit::Variable configuration("XDG_CONFIG_HOME", (folder / "conf").c_str());
     EXPECT_EQ(textFor("Place"), "configuration");
 }
 
-TEST(NSUserDefaultsFolder, aHomeThatIsNoFolderHoldsNothing) {
-    const scene::Folder folder;
-    const scene::Arguments arguments(detail::overrides::arguments, Words{"Viewer"});
-    const scene::Variable configuration("XDG_CONFIG_HOME", nullptr);
+TEST_F(NSUserDefaultsTest, aHomeThatIsNoFolderHoldsNothing) {
+    detail::overrides::defaultsFolder = nullptr; // restored with the fixture
+    const kit::Variable configuration("XDG_CONFIG_HOME", nullptr);
     folder.write("file", "x");
     for (const std::string& path : {folder / "file", folder / "absent", std::string("/dev/null")}) {
-        const scene::Variable home("HOME", path.c_str());
+        const kit::Variable home("HOME", path.c_str());
         EXPECT_EQ(textFor("Place"), "(nil)");
     }
 }
@@ -625,7 +540,7 @@ struct Witness {
     static void report() {
         std::string text = "<";
         for (const NSDictionaryEntry& pair : defaults().dictionaryRepresentation()) {
-            text += textOf(pair.key) + "=" + textFor(pair.key.as<NSString>()) + ";";
+            text += kit::shown(pair.key) + "=" + textFor(pair.key.as<NSString>()) + ";";
         }
         text += ">";
         if (::write(1, text.data(), text.size()) < 0) {
@@ -636,10 +551,10 @@ struct Witness {
 
 const Witness witness;
 
-std::string reportOfAnotherRun(const scene::Folder& folder, const char* moment) {
+std::string reportOfAnotherRun(const kit::ScratchFolder& folder, const char* moment) {
     const std::string output =
-        scene::runAgain({{"XDG_CONFIG_HOME", folder.path()}, {"LANGUAGE", "de:en"}, {moment, "1"}},
-                        {"Viewer", "--gtest_filter=none", "-Level", "3", "-Names", "(a)"});
+        kit::runAgain({{"XDG_CONFIG_HOME", folder.path()}, {"LANGUAGE", "de:en"}, {moment, "1"}},
+                      {"Viewer", "--gtest_filter=none", "-Level", "3", "-Names", "(a)"});
     const std::size_t start = output.find('<');
     return start == std::string::npos ? output : output.substr(start, output.find('>') + 1 - start);
 }
@@ -647,7 +562,7 @@ std::string reportOfAnotherRun(const scene::Folder& folder, const char* moment) 
 } // namespace
 
 TEST(NSUserDefaultsProcess, twoRunsListTheSameOrderBeforeAndAfterMain) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     std::string entries;
     std::string expected;
     for (int number = 0; number < 40; ++number) {
@@ -670,7 +585,7 @@ bool useAllAtOnce(const std::string& own, int round) {
     defaults().setObject_forKey(round, own);
     bool right = defaults().integerForKey(own) == round;
     right = right && textFor("Steady") == "x";
-    right = right && textOf(defaults().dictionaryRepresentation().objectForKey("Steady")) == "x";
+    right = right && mergedText("Steady") == "x";
     if (round % 50 == 0) {
         defaults().removeObjectForKey(own);
         right = right && !defaults().objectForKey(own);
@@ -678,55 +593,42 @@ bool useAllAtOnce(const std::string& own, int round) {
     return right;
 }
 
-/// What a forked child does at once; 0 when all is well.
-int answerInChild() {
+/// What a forked child does at once.
+bool isAnsweredInChild() {
     ::alarm(60); // ends a child that hangs
-    if (textFor("Steady") != "x") {
-        return 1;
-    }
-    if (textOf(defaults().dictionaryRepresentation().objectForKey("Steady")) != "x") {
-        return 2;
-    }
+    const bool isSteady = textFor("Steady") == "x" && mergedText("Steady") == "x";
     defaults().setObject_forKey(::getpid(), "Child");
-    return defaults().integerForKey("Child") == ::getpid() ? 0 : 3;
+    return isSteady && defaults().integerForKey("Child") == ::getpid();
 }
 
 } // namespace
 
 TEST_F(NSUserDefaultsTest, answersInForkedChildrenWhileThreadsReadAndSet) {
     writeApplication(dictionaryFile(entry("Steady", "x")));
-    scene::Turns turns;
+    kit::Turns turns;
     std::atomic<bool> stop{false};
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 4; ++number) {
-        threads.emplace_back([&, number] {
+    // Where forks take turns they are slow and never interrupt an operation: fewer show as much.
+    const int children = kit::isSanitized ? 40 : 2000;
+    int failures = 0;
+    useThreads(
+        4,
+        [&](int number) {
             const std::string own = "Busy" + std::to_string(number);
             for (int round = 0; !stop; ++round) {
                 wrong += turns.work([&] { return useAllAtOnce(own, round); }) ? 0 : 1;
             }
+        },
+        [&] {
+            for (int count = 0; count < children; ++count) {
+                const pid_t child = turns.fork();
+                if (child == 0) {
+                    kit::leave(isAnsweredInChild() ? 0 : 1);
+                }
+                failures += kit::endOf(child) == 0 ? 0 : 1;
+            }
+            stop = true;
         });
-    }
-    // Where forks take turns they are slow and never interrupt an operation: fewer show as much.
-    const int children = scene::forksTakeTurns ? 40 : 2000;
-    if (scene::forksTakeTurns) {
-        std::printf("[  SCALE   ] %d forked children in place of 2000 (sanitizer)\n", children);
-    }
-    int failures = 0;
-    for (int count = 0; count < children; ++count) {
-        const pid_t child = turns.fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            scene::leave(answerInChild());
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        failures += status == 0 ? 0 : 1;
-    }
-    stop = true;
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
     EXPECT_EQ(failures, 0);
     EXPECT_EQ(wrong, 0);
 }
@@ -739,46 +641,37 @@ TEST_F(NSUserDefaultsTest, givesThreadsWholeFilesWhileTheFileIsReplaced) {
     writeApplication(file(0));
     std::atomic<bool> stop{false};
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 2; ++number) {
-        threads.emplace_back([&] {
+    useThreads(
+        2,
+        [&](int) {
             while (!stop) {
                 const NSDictionary all = defaults().dictionaryRepresentation();
-                wrong += all.objectForKey("First") && all.objectForKey("First") == all.objectForKey("Second")
-                             ? 0
-                             : 1;
+                const NSObject first = all.objectForKey("First");
+                wrong += first && first == all.objectForKey("Second") ? 0 : 1;
             }
+        },
+        [&] {
+            for (int number = 1; number < 500; ++number) {
+                folder.write("store/next", file(number));
+                ::rename((folder / "store/next").c_str(), (folder / "store/Viewer.plist").c_str());
+                EXPECT_EQ(textFor("First"), std::to_string(number));
+            }
+            stop = true;
         });
-    }
-    for (int number = 1; number < 500; ++number) {
-        folder.write("store/next", file(number));
-        ::rename((folder / "store/next").c_str(), (folder / "store/Viewer.plist").c_str());
-        EXPECT_EQ(textFor("First"), std::to_string(number));
-    }
-    stop = true;
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
     EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(NSUserDefaultsTest, losesNoChangeOfConcurrentSetters) {
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 4; ++number) {
-        threads.emplace_back([number] {
-            for (int key = 0; key < 100; ++key) {
-                defaults().setObject_forKey(key, "Set" + std::to_string(number) + "." + std::to_string(key));
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (int number = 0; number < 4; ++number) {
+    const auto nameOf = [](int number, int key) {
+        return "Set" + std::to_string(number) + "." + std::to_string(key);
+    };
+    useThreads(4, [&](int number) {
         for (int key = 0; key < 100; ++key) {
-            const std::string name = "Set" + std::to_string(number) + "." + std::to_string(key);
-            EXPECT_EQ(defaults().objectForKey(name), NSObject(key));
-            defaults().removeObjectForKey(name);
+            defaults().setObject_forKey(key, nameOf(number, key));
         }
+    });
+    for (int i = 0; i < 400; ++i) {
+        EXPECT_EQ(defaults().objectForKey(nameOf(i / 100, i % 100)), NSObject(i % 100));
+        defaults().removeObjectForKey(nameOf(i / 100, i % 100));
     }
 }

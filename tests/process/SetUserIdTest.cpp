@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
-// A host that runs with the rights of its file's owner for whoever starts it: that user's environment has no
-// say in where files are read or written.
+// A host that runs with the rights of its file's owner for whoever starts it: that user's environment does
+// not decide where files are read or written.
 #include <string>
 
-#include "tests/process/Scene.h"
+#include <sys/stat.h>
+
+#include "tests/kit/Child.h"
+#include "tests/kit/ScratchFolder.h"
+
+using namespace ZQFoundation;
 
 namespace {
 
@@ -14,7 +19,7 @@ protected:
     /// A copy of the child program with that mode, which anybody may start.
     std::string programWithMode(mode_t mode) const {
         std::string path = folder.write(
-            "tells-its-places", scene::contentsOf(ZQ_TEST_BINARY_DIR "/tests/process/tells-its-places"));
+            "tells-its-places", kit::contentsOf(ZQ_TEST_BINARY_DIR "/tests/process/tells-its-places"));
         EXPECT_EQ(::chmod(path.c_str(), mode), 0);
         return path;
     }
@@ -22,7 +27,7 @@ protected:
     void plant() const {
         folder.makeFolder("home/Library");
         folder.write("config/ZQFoundation/NSGlobalDomain.plist", "{ ZQTestPlanted = YES; }");
-        folder.write("zones/Planted/Zone", scene::contentsOf("/usr/share/zoneinfo/Asia/Tokyo"));
+        folder.write("zones/Planted/Zone", kit::contentsOf("/usr/share/zoneinfo/Asia/Tokyo"));
     }
 
     /// The variables with which the caller would like to steer the host.
@@ -42,7 +47,7 @@ protected:
         ::setenv("PATH", "/usr/bin:/bin", 1);
     }
 
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
 };
 
 } // namespace
@@ -53,8 +58,8 @@ TEST_F(SetUserId, programsIgnoreTheEnvironmentOfTheirCaller) {
     }
     plant();
     const std::string program = programWithMode(04755);
-    const std::string own = scene::outputOf(program, {"places"}, clearVariables);
-    const std::string callers = scene::outputOf(program, {"places"}, [this] {
+    const std::string own = kit::outputOf(program, {"places"}, clearVariables);
+    const std::string callers = kit::outputOf(program, {"places"}, [this] {
         setVariables();
         if (::setgid(nobody) != 0 || ::setuid(nobody) != 0) {
             ::_exit(99);
@@ -70,7 +75,7 @@ TEST_F(SetUserId, programsIgnoreTheEnvironmentOfTheirCaller) {
 
 TEST_F(SetUserId, otherProgramsFollowIt) {
     plant();
-    const std::string places = scene::outputOf(programWithMode(0755), {"places"}, [this] { setVariables(); });
+    const std::string places = kit::outputOf(programWithMode(0755), {"places"}, [this] { setVariables(); });
     const std::string home = folder / "home";
     EXPECT_EQ(places,
               std::to_string(::geteuid()) + "\n" + home + "\n" + home +

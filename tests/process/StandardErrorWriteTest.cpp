@@ -15,9 +15,10 @@
 #include "tests/kit/Child.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/StandardError.h"
 
 #if __has_include(<linux/seccomp.h>)
-#include "tests/process/RefusedCalls.h"
+#include "tests/kit/RefusedCalls.h"
 #endif
 
 namespace kit = ZQFoundation::kit;
@@ -30,22 +31,13 @@ constexpr std::ptrdiff_t whole = 5;
 
 std::ptrdiff_t writeIn(std::int64_t second) { return writeToStandardError("line\n", whole, second); }
 
-void moveOntoStandardError(int descriptor) {
-    ::dup2(descriptor, STDERR_FILENO);
-    ::close(descriptor);
-}
-
-void leadToFile(const std::string& path) {
-    moveOntoStandardError(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
-}
-
-void leadToPipeWithoutReader() {
+void usePipeWithoutReader() {
     int ends[2];
     if (::pipe(ends) != 0) {
         ::_exit(98);
     }
     ::close(ends[0]);
-    moveOntoStandardError(ends[1]);
+    kit::moveOntoStandardError(ends[1]);
 }
 
 void setLimit(rlim_t bytes) {
@@ -64,22 +56,22 @@ int afterALine(const Body& body) {
         for (const int signal : {SIGPIPE, SIGXFSZ}) {
             ::signal(signal, SIG_DFL);
         }
-        leadToFile(folder / "log");
-        return writeIn(1) == whole && body() ? 0 : 1;
+        kit::moveOntoStandardError(kit::openToAppend(folder / "log"));
+        return writeIn(1) == whole && body();
     });
 }
 
 TEST(StandardErrorWrite, seesALostReaderInTheNextSecond) {
     EXPECT_EQ(afterALine([] {
-                  leadToPipeWithoutReader();
+                  usePipeWithoutReader();
                   return writeIn(2) == -EPIPE && writeIn(2) == -EPIPE;
               }),
               0);
 }
 
-TEST(StandardErrorWrite, takesTheWorldForWhatItWasWithinTheSecond) {
+TEST(StandardErrorWrite, takesDescriptorAndLimitForWhatTheyWereWithinTheSecond) {
     EXPECT_EQ(afterALine([] {
-                  leadToPipeWithoutReader();
+                  usePipeWithoutReader();
                   return writeIn(1) != whole;
               }),
               -SIGPIPE);
@@ -101,16 +93,16 @@ TEST(StandardErrorWrite, seesAFileSizeLimitInTheNextSecond) {
 TEST(StandardErrorWrite, looksAtOnceInAChild) {
     EXPECT_EQ(afterALine([] {
                   return kit::inChild([] {
-                             leadToPipeWithoutReader();
-                             return writeIn(1) == -EPIPE ? 0 : 1;
+                             usePipeWithoutReader();
+                             return writeIn(1) == -EPIPE;
                          }) == 0;
               }),
               0);
 }
 
-TEST(StandardErrorWrite, looksAtOnceWhenTheLibraryHasLedItElsewhere) {
+TEST(StandardErrorWrite, looksAtOnceAfterARedirectionByTheLibrary) {
     EXPECT_EQ(afterALine([] {
-                  leadToPipeWithoutReader();
+                  usePipeWithoutReader();
                   standardErrorHasChanged();
                   return writeIn(1) == -EPIPE;
               }),
@@ -134,7 +126,7 @@ TEST(StandardErrorWrite, asksTheKernelForNothingElseWithinTheSecond) {
     }
     constexpr int isNotLet = 77;
     const int end = afterALine([] {
-        if (!scene::refuseAllCallsBut(SYS_write, SYS_exit_group)) {
+        if (!kit::refuseAllCallsBut(SYS_write, SYS_exit_group)) {
             kit::leave(isNotLet);
         }
         return writeIn(1) == whole && writeIn(1) == whole;
