@@ -321,7 +321,7 @@ TEST(NSDateExtensions, placeADateInTheCalendar) {
     }
 }
 
-TEST(NSDateExtensions, tellTheQuarterOfTheReceiverAndNotOfTheArgument) {
+TEST(NSDateExtensions, returnTheQuarterOfTheReceiverAndNotOfTheArgument) {
     const kit::TimeZone zone(newYork);
     const NSDate may = dateOf(2024, 5, 1);
     const NSDate november = dateOf(2024, 11, 1);
