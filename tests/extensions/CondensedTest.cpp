@@ -21,7 +21,7 @@ namespace {
 
 std::string condensed(const NSObject& value) { return utf8Of(value.condensedDescription()); }
 
-TEST(Condensed, ofArraysStandsOnOneLine) {
+TEST(Condensed, ofArraysIsOneLine) {
     const struct {
         const char* name;
         NSArray array;
@@ -50,7 +50,7 @@ TEST(Condensed, ofArraysStandsOnOneLine) {
     }
 }
 
-TEST(Condensed, ofDictionariesStandsOnOneLineAndEndsEachEntryWithASemicolon) {
+TEST(Condensed, ofDictionariesIsOneLineAndEndsEachEntryWithASemicolon) {
     const struct {
         const char* name;
         NSDictionary dictionary;
@@ -74,7 +74,7 @@ TEST(Condensed, ofDictionariesStandsOnOneLineAndEndsEachEntryWithASemicolon) {
     }
 }
 
-TEST(Condensed, keysEqualButForCaseStandInEitherOrder) {
+TEST(Condensed, keysThatDifferOnlyInCaseComeInEitherOrder) {
     const std::string text = condensed(NSDictionary{{"b", 3}, {"a", 1}, {"A", 2}});
     EXPECT_TRUE(text == "{ a = 1; A = 2; b = 3; }" || text == "{ A = 2; a = 1; b = 3; }") << text;
 }

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <sys/file.h>
@@ -11,9 +12,11 @@
 
 #include "foundation/files/NSFileHandle.h"
 #include "foundation/files/NSFileManager.h"
+#include "tests/kit/AllocationCount.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/process/RefusedCalls.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
@@ -48,9 +51,7 @@ int failuresOf(int count, const Body& body) {
     ::close(gate[1]);
     int failures = 0;
     for (const pid_t child : children) {
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        failures += status == 0 ? 0 : 1;
+        failures += kit::endOf(child) == 0 ? 0 : 1;
     }
     return failures;
 }
@@ -95,16 +96,7 @@ TEST(FileAppend, keepsTextsOfSeveralProcessesWhole) {
     EXPECT_EQ(found, writers * texts);
 }
 
-TEST(FileAppend, losesNoTextWhenSeveralProcessesMakeTheFile) {
-    const kit::ScratchFolder folder;
-    for (int round = 0; round < 40; ++round) {
-        const std::string path = folder / std::to_string(round);
-        EXPECT_EQ(failuresOf(6, [&](int writer) { return append(std::to_string(writer), path); }), 0);
-        EXPECT_EQ(contentsOf(path).size(), 6U) << contentsOf(path);
-    }
-}
-
-TEST(FileAppend, needsNoLockWhereSeveralProcessesMakeTheFile) {
+TEST(FileAppend, losesNoTextAndNeedsNoLockWhenSeveralProcessesMakeTheFile) {
     const kit::ScratchFolder folder;
     const int lock = ::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(lock, LOCK_EX), 0);
@@ -124,9 +116,7 @@ TEST(FileAppend, losesNoTextWhenSeveralProcessesFindADanglingLink) {
         ASSERT_EQ(::symlink("nowhere", path.c_str()), 0);
         EXPECT_EQ(failuresOf(6, [&](int writer) { return append(std::to_string(writer), path); }), 0);
         EXPECT_EQ(contentsOf(path).size(), 6U) << contentsOf(path);
-        struct stat information;
-        EXPECT_EQ(::lstat(path.c_str(), &information), 0);
-        EXPECT_TRUE(S_ISREG(information.st_mode));
+        EXPECT_TRUE(kit::isFile(path));
         EXPECT_FALSE(stands(folder / "nowhere"));
     }
 }
@@ -144,6 +134,94 @@ TEST(FileAppend, leavesADanglingLinkWhenTheFolderStaysLocked) {
     EXPECT_EQ(contentsOf(folder / "link"), "text");
 }
 
+/// The descriptors of this process that are this folder.
+std::vector<int> descriptorsOf(const std::string& folder) {
+    std::vector<int> found;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+        char target[4096];
+        const ssize_t length =
+            ::readlink(("/proc/self/fd/" + std::to_string(descriptor)).c_str(), target, sizeof target);
+        if (length > 0 && std::string(target, static_cast<std::size_t>(length)) == folder) {
+            found.push_back(descriptor);
+        }
+    }
+    return found;
+}
+
+TEST(FileAppend, waitsForTheLockAndKeepsWhatItsHolderWrote) {
+    const kit::ScratchFolder folder;
+    const std::string path = folder / "link";
+    ASSERT_EQ(::symlink("nowhere", path.c_str()), 0);
+    const int lock = ::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    int gate[2];
+    ASSERT_EQ(::pipe(gate), 0);
+    std::thread writer([&] { EXPECT_TRUE(append("second", path)); });
+    std::vector<int> descriptors;
+    while (descriptors.size() < 2) { // until it tries to take the lock
+        descriptors = descriptorsOf(kit::realPath(folder.path()));
+    }
+    for (const int descriptor : descriptors) {
+        EXPECT_EQ(::fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+    }
+    const pid_t child = ::fork(); // has the descriptor with which the writer takes the lock
+    if (child == 0) {
+        char byte;
+        ::close(gate[1]);
+        kit::leave(::read(gate[0], &byte, 1) == 0 ? 0 : 1);
+    }
+    ASSERT_EQ(::unlink(path.c_str()), 0);
+    folder.write("link", "first, ");
+    ASSERT_EQ(::flock(lock, LOCK_UN), 0);
+    writer.join();
+    EXPECT_EQ(contentsOf(path), "first, second");
+    EXPECT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0) << "the child must not keep the lock";
+    ::close(lock);
+    ::close(gate[0]);
+    ::close(gate[1]);
+    EXPECT_EQ(kit::endOf(child), 0);
+}
+
+TEST(FileAppend, leavesADanglingLinkWhereFoldersCannotBeLocked) {
+    const kit::ScratchFolder folder;
+    ASSERT_EQ(::symlink("nowhere", (folder / "link").c_str()), 0);
+    EXPECT_EQ(kit::inChild([&] {
+                  return scene::refuseCall(SYS_flock, ENOLCK) && !append("text", folder / "link") ? 0 : 1;
+              }),
+              0);
+    EXPECT_TRUE(kit::isLink(folder / "link"));
+}
+
+TEST(FileAppend, isFalseIfClosingReportsAFailedWrite) {
+    const kit::ScratchFolder folder;
+    for (const auto& [error, isAppended] : {std::pair(EIO, false), std::pair(EINTR, true)}) {
+        EXPECT_EQ(kit::inChild([&, error = error, isAppended = isAppended] {
+                      return scene::refuseCall(SYS_close, static_cast<unsigned>(error)) &&
+                                     append("text", folder / "f") == isAppended
+                                 ? 0
+                                 : 1;
+                  }),
+                  0)
+            << error;
+    }
+}
+
+#if !defined(ZQ_TEST_ADDRESS_SANITIZER) &&                                                                   \
+    !defined(ZQ_TEST_THREAD_SANITIZER) // which bring their own allocators
+TEST(FileAppend, isFalseWithoutMemory) {
+    const kit::ScratchFolder folder;
+    const std::string path = folder / "f";
+    const NSString text(std::string(1000, 'x'));
+    bool isAppended = true;
+    {
+        const kit::AllocationLimit limit(0);
+        isAppended = text.appendToFile_encoding(path, utf8);
+    }
+    EXPECT_FALSE(isAppended);
+    EXPECT_FALSE(stands(path));
+}
+#endif
+
 TEST(FileAppend, followsALinkToALinkAndReplacesALoop) {
     const kit::ScratchFolder folder;
     folder.write("file", "a");
@@ -153,8 +231,7 @@ TEST(FileAppend, followsALinkToALinkAndReplacesALoop) {
     EXPECT_EQ(contentsOf(folder / "file"), "ab");
     ASSERT_EQ(::symlink("loop", (folder / "loop").c_str()), 0);
     EXPECT_TRUE(append("b", folder / "loop"));
-    char target[8];
-    EXPECT_EQ(::readlink((folder / "loop").c_str(), target, sizeof target), -1) << "no link any more";
+    EXPECT_TRUE(kit::isFile(folder / "loop")) << "no link any more";
     EXPECT_EQ(contentsOf(folder / "loop"), "b");
 }
 
@@ -183,7 +260,7 @@ TEST(FileAppend, takesPathsOfAnyLength) {
     kit::removeChain(folder.path(), name, 30);
 }
 
-TEST(FileAppend, keepsWhatStandsInTheFile) {
+TEST(FileAppend, keepsWhatIsInTheFile) {
     const kit::ScratchFolder folder;
     const std::string before = "\xFF\0\n"s + std::string(3000000, 'x');
     folder.write("f", before);
@@ -282,6 +359,11 @@ TEST(FileAppend, givesANewFileTheDefaultModeAndKeepsThatOfAnOldOne) {
     const kit::Umask mask(027);
     EXPECT_TRUE(append("text", folder / "new"));
     EXPECT_EQ(kit::modeOf(folder / "new"), 0640U);
+    {
+        const kit::Umask none(0);
+        EXPECT_TRUE(append("text", folder / "open"));
+        EXPECT_EQ(kit::modeOf(folder / "open"), 0666U);
+    }
     folder.write("f", "a");
     ASSERT_EQ(::chmod((folder / "f").c_str(), 0600), 0);
     ASSERT_EQ(::link((folder / "f").c_str(), (folder / "other").c_str()), 0);
@@ -328,8 +410,9 @@ TEST(FileAppend, needsThePermissionToWriteAndNoOther) {
 TEST(FileAppend, leavesNoDescriptorAndErrnoAlone) {
     const kit::ScratchFolder folder;
     const int before = kit::openDescriptors();
-    errno = 4711;
     for (int round = 0; round < 20; ++round) {
+        const int error = round % 2 == 0 ? 4711 : ENOENT;
+        errno = error;
         EXPECT_TRUE(append("a", folder / "f"));
         EXPECT_TRUE(append("a", folder / std::to_string(round)));
         EXPECT_FALSE(append("a", folder / "missing/f"));
@@ -337,7 +420,7 @@ TEST(FileAppend, leavesNoDescriptorAndErrnoAlone) {
         EXPECT_TRUE(append("a", "/dev/null"));
         EXPECT_FALSE(append("a", folder.path()));
         EXPECT_FALSE(append(u"\u00E9", folder / "f", NSASCIIStringEncoding));
-        EXPECT_EQ(errno, 4711);
+        EXPECT_EQ(errno, error);
     }
     EXPECT_EQ(kit::openDescriptors(), before);
 }

@@ -24,7 +24,7 @@ models::Texts linesOf(const Text& text) {
     return lines;
 }
 
-TEST(LineWalk, tellsTheLinesOfTheModel) {
+TEST(LineWalk, findsTheLinesOfTheModel) {
     EXPECT_EQ(linesOf(std::string("")), models::Texts());
     EXPECT_EQ(linesOf(std::string("a\n")), (models::Texts{u"a", u""}));
     kit::Numbers numbers(7);

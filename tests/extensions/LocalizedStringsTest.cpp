@@ -109,7 +109,7 @@ TEST(LocalizedStrings, aBundleOtherThanTheMainOneIsSearchedWhenItIsGiven) {
     EXPECT_EQ(ZQLocalizedStringWithDefaultValueWithFormatv("half", "", bundle, "x", "", {}), "x");
 }
 
-TEST(LocalizedStrings, aDefaultValueStandsInForAMissingKey) {
+TEST(LocalizedStrings, aDefaultValueReplacesAMissingKey) {
     const Application application("en");
     const NSBundle bundle = NSBundle::mainBundle();
     struct Row {

@@ -262,6 +262,7 @@ TEST(NSDateExtensions, areAsManyDaysApartAsTheClocksOfTheirPlaceSay) {
 
 TEST(NSDateExtensions, roundToTheNearestSecond) {
     const double largest = 0x1p53;
+    // The sum of a half and the largest number below it is rounded to 1 before it is rounded down.
     const struct {
         double seconds;
         double expected;
@@ -277,7 +278,7 @@ TEST(NSDateExtensions, roundToTheNearestSecond) {
         {-1.49, -1},
         {-2.5, -2},
         {0, 0},
-        {0.49999999999999994, 1}, // the sum is rounded to 1 before it is rounded down
+        {0.49999999999999994, 1},
         {-1e-20, 0},
         {largest, largest},
         {1e300, 1e300},
@@ -321,7 +322,7 @@ TEST(NSDateExtensions, placeADateInTheCalendar) {
     }
 }
 
-TEST(NSDateExtensions, tellTheQuarterOfTheReceiverAndNotOfTheArgument) {
+TEST(NSDateExtensions, returnTheQuarterOfTheReceiverAndNotOfTheArgument) {
     const kit::TimeZone zone(newYork);
     const NSDate may = dateOf(2024, 5, 1);
     const NSDate november = dateOf(2024, 11, 1);

@@ -2,7 +2,8 @@
 // The truth of texts, numbers and objects with a string or an integer form.
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <climits>
+#include <initializer_list>
 #include <string_view>
 
 #include "foundation/objects/Class.h"
@@ -21,80 +22,31 @@ using namespace std::string_view_literals;
 
 namespace {
 
-const struct {
-    NSString text;
-    bool truth;
-} truths[] = {
-    {"YES", true},
-    {"yes", true},
-    {"Yes", true},
-    {"yEs", true},
-    {"ye\u017F", true}, // the long s has the capital S
-    {"1", true},
-    {"12", true},
-    {"-3", true},
-    {"+1", true},
-    {"42abc", true},
-    {" 7", true},
-    {"\t\n7", true},
-    {"\u00a07", true},
-    {"\u30007", true},
-    {"007", true},
-    {"1.0", true},
-    {"1e5", true},
-    {"1\u0663", true},
-    {"256", true},        // the whole integer decides, not its low bits
-    {"4294967296", true}, // saturates, does not wrap to 0
-    {"99999999999999999999", true},
-    {"-99999999999999999999", true},
-    {"1 YES", true},
-
-    {"", false},
-    {"0", false},
-    {"no", false},
-    {"NO", false},
-    {"true", false}, // the platform's own rule would say true for these five
-    {"TRUE", false},
-    {"T", false},
-    {"Y", false},
-    {"yep", false},
-    {" yes", false},
-    {"yes ", false},
-    {"yes\n", false},
-    {"YES\0"sv, false},
-    {"y\u0435s", false}, // a Cyrillic letter
-    {"\uFF39\uFF25\uFF33", false},
-    {"ja", false},
-    {"on", false},
-    {"0x10", false},
-    {"0b1", false},
-    {"00", false},
-    {"-0", false},
-    {"+0", false},
-    {"-", false},
-    {"+", false},
-    {"--5", false},
-    {"+-5", false},
-    {"- 5", false},
-    {"0.9", false},
-    {".5", false},
-    {"abc1", false},
-    {"\u0663", false},
-    {"\uFF11", false},
-    {"\u200b7", false},
-    {"\0"
-     "7"sv,
-     false},
-    {"inf", false},
-    {"nan", false},
-};
+void expectTruth(std::initializer_list<NSString> texts, bool truth) {
+    for (const NSString& text : texts) {
+        EXPECT_EQ(text.boolValue(), truth) << '"' << text.utf8() << '"';
+        EXPECT_EQ(NSObject(text).boolValue(), truth) << '"' << text.utf8() << "\", by the general handle";
+    }
+}
 
 TEST(NSObjectExtensions, truthOfStringsIsYesInAnyCaseOrALeadingInteger) {
-    for (const auto& row : truths) {
-        EXPECT_EQ(row.text.boolValue(), row.truth) << '"' << row.text.utf8() << '"';
-        EXPECT_EQ(NSObject(row.text).boolValue(), row.truth)
-            << '"' << row.text.utf8() << "\", by the general handle";
-    }
+    expectTruth({"YES", "yes", "Yes", "yEs"}, true);
+    expectTruth({"ye\u017F"}, true); // the long s has the capital S
+    expectTruth({"1", "12", "-3", "+1", "42abc", " 7", "\t\n7", "\u00a07", "\u30007", "007", "1.0", "1e5",
+                 "1\u0663", "1 YES"},
+                true);
+    // The whole integer decides, not its low bits; it saturates and does not wrap to 0.
+    expectTruth({"256", "4294967296", "99999999999999999999", "-99999999999999999999"}, true);
+    expectTruth({"", "0", "no", "NO"}, false);
+    // The platform's own rule would say true for these.
+    expectTruth({"true", "TRUE", "T", "Y", "yep"}, false);
+    expectTruth({" yes", "yes ", "yes\n", "YES\0"sv, "y\u0435s", "\uFF39\uFF25\uFF33", "ja", "on"}, false);
+    expectTruth({"0x10", "0b1", "00", "-0", "+0", "-", "+", "--5", "+-5", "- 5", "0.9", ".5", "abc1",
+                 "\u0663", "\uFF11", "\u200b7", "inf", "nan"},
+                false);
+    expectTruth({"\0"
+                 "7"sv},
+                false);
 }
 
 TEST(NSObjectExtensions, truthOfNumbersAskedDirectlyIsTheirOwn) {
@@ -114,22 +66,9 @@ TEST(NSObjectExtensions, truthOfAnObjectWithAnIntegerFormKeepsItsLowEightBits) {
         int integer;
         bool truth;
     } rows[] = {
-        {0, false},
-        {1, true},
-        {2, true},
-        {-1, true},
-        {255, true},
-        {256, false},
-        {257, true},
-        {512, false},
-        {-256, false},
-        {-255, true},
-        {65536, false},
-        {128, true},
-        {1000, true},
-        {1024, false},
-        {std::numeric_limits<int>::lowest(), false},
-        {std::numeric_limits<int>::max(), true},
+        {0, false},   {1, true},     {2, true},        {-1, true},      {255, true},    {256, false},
+        {257, true},  {512, false},  {-256, false},    {-255, true},    {65536, false}, {128, true},
+        {1000, true}, {1024, false}, {INT_MIN, false}, {INT_MAX, true},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(makeObject<Offering>(std::nullopt, row.integer).boolValue(), row.truth) << row.integer;

@@ -138,7 +138,7 @@ TEST(NSStringReplacing, indentsTheLinesOfTheModel) {
     expectIndented(std::u16string(million, u'\n'), u"> ");
 }
 
-TEST(NSStringReplacing, addsANewlineOnlyWhereNoneStands) {
+TEST(NSStringReplacing, addsANewlineOnlyWhereThereIsNone) {
     const NSString rows[][2] = {{"", ""},
                                 {"a", "a\n"},
                                 {"a\n", "a\n"},

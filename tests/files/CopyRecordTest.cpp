@@ -62,7 +62,7 @@ TEST(CopyRecord, comparesWhatAnItemIsAndItsLastChange) {
     }
 }
 
-TEST(CopyRecord, holdsItemsByTheirFolderNameAndState) {
+TEST(CopyRecord, findsItemsByTheirFolderNameAndState) {
     CopyRecord record;
     const Information folder = itemOf(1);
     for (ino_t inode = 10; inode < 1010; ++inode) {
@@ -84,7 +84,7 @@ TEST(CopyRecord, holdsItemsByTheirFolderNameAndState) {
     }
 }
 
-TEST(CopyRecord, tellsFromOneAnotherWhatDiffersInOneBit) {
+TEST(CopyRecord, distinguishesWhatDiffersInOneBit) {
     CopyRecord record;
     const Information folder = itemOf(1);
     record.add(folder, "a", itemOf(10));
@@ -99,7 +99,7 @@ TEST(CopyRecord, tellsFromOneAnotherWhatDiffersInOneBit) {
     }
 }
 
-TEST(CopyRecord, ofNothingHoldsNothing) {
+TEST(CopyRecord, ofNothingIsEmpty) {
     CopyRecord record;
     record.complete();
     EXPECT_EQ(record.count(), 0U);

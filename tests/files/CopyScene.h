@@ -71,12 +71,8 @@ private:
 };
 
 /// A test about trees below a folder in memory.
-class TreeTest : public ::testing::Test {
+class TreeTest : ScratchInMemory, public FolderTest {
 protected:
-    std::string in(const std::string& name) const { return folder / name; }
-    void link(const std::string& target, const std::string& name) const {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
-    }
     /// 200 folders with `filesInEach` empty files in each, named by their numbers.
     void makeWideTree(const std::string& name, int filesInEach) const {
         for (int number = 0; number < 200; ++number) {
@@ -86,12 +82,6 @@ protected:
             }
         }
     }
-
-private:
-    ScratchInMemory inMemory_;
-
-protected:
-    Folder folder;
 };
 
 inline constexpr char accessList[] = "system.posix_acl_access";

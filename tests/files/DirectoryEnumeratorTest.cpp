@@ -21,7 +21,7 @@ NSDirectoryEnumerator itemsOf(const std::string& path) {
 }
 
 /// In the order in which they are enumerated.
-Names told(const std::string& path) {
+Names namesBelow(const std::string& path) {
     Names names;
     NSDirectoryEnumerator items = itemsOf(path);
     while (const NSString name = items.nextObject()) {
@@ -38,7 +38,7 @@ Names sorted(Names names) {
 
 class DirectoryEnumerator : public scene::TreeTest {};
 
-TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
+TEST_F(DirectoryEnumerator, returnsEverythingBelowAndAFolderBeforeItsContents) {
     folder.write("t/a.log", "");
     folder.write("t/.dot/.inner", "");
     folder.write("t/sub/deep/b", "");
@@ -48,7 +48,7 @@ TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
     link("../outside", "t/link");
     link("no such", "t/dangling");
     ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
-    const Names names = told(in("t"));
+    const Names names = namesBelow(in("t"));
     EXPECT_EQ(sorted(names), sorted({"a.log", ".dot", ".dot/.inner", "sub", "sub/deep", "sub/deep/b", "\xFF",
                                      "\xFF/\xC3\x28", "empty", "link", "dangling", "pipe"}));
     for (std::size_t index = 0; index < names.size(); ++index) {
@@ -63,11 +63,14 @@ TEST_F(DirectoryEnumerator, tellsEverythingBelowAFolderBeforeWhatItHolds) {
 TEST_F(DirectoryEnumerator, theStartMayBeALinkAndMustBeAFolder) {
     folder.write("t/f", "");
     link("t", "l");
+    link(".", "t/self");
+    EXPECT_EQ(sorted(namesBelow(in("t/self"))), (Names{"f", "self"}));
+    ::unlink(in("t/self").c_str());
     for (const char* const name : {"l", "l/", "t//", "t/.", "l/../t"}) {
-        EXPECT_EQ(told(in(name)), Names{"f"}) << name;
+        EXPECT_EQ(namesBelow(in(name)), Names{"f"}) << name;
     }
     for (const char* const name : {"t/f", "t/f/", "no", "l/no"}) {
-        EXPECT_EQ(told(in(name)), Names{}) << name;
+        EXPECT_EQ(namesBelow(in(name)), Names{}) << name;
     }
     EXPECT_FALSE(NSFileManager::defaultManager().enumeratorAtPath(nullptr).nextObject());
     EXPECT_FALSE(NSFileManager::defaultManager().enumeratorAtPath("").nextObject());
@@ -76,7 +79,7 @@ TEST_F(DirectoryEnumerator, theStartMayBeALinkAndMustBeAFolder) {
     EXPECT_FALSE(none.nextObject());
 }
 
-TEST_F(DirectoryEnumerator, skipsOnlyTheFolderThatWasToldLast) {
+TEST_F(DirectoryEnumerator, skipsOnlyTheFolderReturnedLast) {
     folder.write("t/a/x/f", "");
     folder.write("t/b/y/f", "");
     folder.write("t/c", "");
@@ -93,22 +96,23 @@ TEST_F(DirectoryEnumerator, skipsOnlyTheFolderThatWasToldLast) {
     EXPECT_EQ(sorted(names), (Names{"a", "b", "b/y", "c"}));
 }
 
-TEST_F(DirectoryEnumerator, tellsAndPassesOverWhatCannotBeRead) {
+TEST_F(DirectoryEnumerator, returnsButSkipsWhatCannotBeRead) {
     folder.write("t/closed/f", "");
     folder.write("t/names-only/f", "");
     folder.write("t/open/f", "");
     ::chmod(in("t/closed").c_str(), 0);
     ::chmod(in("t/names-only").c_str(), 0744); // the names can be read, the items cannot be reached
     const int answer = scene::inUnprivilegedChild([this] {
-        return sorted(told(in("t"))) == Names{"closed", "names-only", "names-only/f", "open", "open/f"} &&
-                       told(in("t/closed")).empty()
+        return sorted(namesBelow(in("t"))) ==
+                           Names{"closed", "names-only", "names-only/f", "open", "open/f"} &&
+                       namesBelow(in("t/closed")).empty()
                    ? 0
                    : 1;
     });
     EXPECT_EQ(answer, 0);
 }
 
-TEST_F(DirectoryEnumerator, whatWasToldMayBeRemoved) {
+TEST_F(DirectoryEnumerator, whatWasReturnedMayBeRemoved) {
     for (int number = 0; number < 300; ++number) {
         folder.write("t/" + std::to_string(number % 7) + "/" + std::to_string(number), "");
     }
@@ -175,7 +179,7 @@ TEST_F(DirectoryEnumerator, aLinkThatIsSwappedInIsNeverEntered) {
         }
     });
     for (int round = 0; round < 5000; ++round) {
-        for (const std::string& name : told(in("t"))) {
+        for (const std::string& name : namesBelow(in("t"))) {
             EXPECT_EQ(name.find("secret"), std::string::npos);
         }
     }
@@ -203,17 +207,17 @@ TEST_F(DirectoryEnumerator, depthIsNoLimit) {
 TEST_F(DirectoryEnumerator, fewDescriptorsAreEnough) {
     scene::makeChain(folder.makeFolder("t"), "n", 60);
     folder.write("t/n/n/f", "");
-    EXPECT_TRUE(scene::isTrueWithDescriptors(4, [this] { return told(in("t")).size() == 61; }));
+    EXPECT_TRUE(scene::isTrueWithDescriptors(4, [this] { return namesBelow(in("t")).size() == 61; }));
 }
 
-TEST_F(DirectoryEnumerator, twentyThousandItemsAreToldOnceEach) {
+TEST_F(DirectoryEnumerator, twentyThousandItemsAreReturnedOnceEach) {
     makeWideTree("t", 99);
-    Names names = sorted(told(in("t")));
+    Names names = sorted(namesBelow(in("t")));
     EXPECT_EQ(names.size(), 20000U);
     EXPECT_EQ(std::unique(names.begin(), names.end()), names.end());
 }
 
-TEST_F(DirectoryEnumerator, movesAndLetsGoOfItsDescriptors) {
+TEST_F(DirectoryEnumerator, movesAndClosesItsDescriptors) {
     folder.write("t/a/b/c/f", "");
     const int before = scene::openDescriptors();
     {

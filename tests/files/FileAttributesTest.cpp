@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The attributes of items: numbers, accounts, dates, and the reasons of failures.
+// The attributes of items: numbers, accounts and dates.
 #include <string>
 
 #include <grp.h>
@@ -8,7 +8,6 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include "foundation/files/FileError.h"
 #include "foundation/files/FileInformation.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
@@ -31,17 +30,13 @@ std::int64_t numberOf(const std::string& path, const char* key) {
     return NSNumber(attributesOf(path).objectForKey(key)).integerValue();
 }
 
-class FileAttributes : public testing::Test {
-protected:
-    std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
-};
+class FileAttributes : public scene::FolderTest {};
 
-TEST_F(FileAttributes, tellTheKindOfTheItemItself) {
+TEST_F(FileAttributes, haveTheTypeOfTheItemItself) {
     folder.write("f", "");
     folder.makeFolder("d");
-    ASSERT_EQ(::symlink("f", in("l").c_str()), 0);
-    ASSERT_EQ(::symlink("no such", in("dangling").c_str()), 0);
+    link("f", "l");
+    link("no such", "dangling");
     ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un address{};
@@ -73,6 +68,11 @@ TEST_F(FileAttributes, areTheSystemsOwnNumbers) {
     EXPECT_EQ(numberOf(path, NSFileGroupOwnerAccountID), static_cast<std::int64_t>(information.st_gid));
     EXPECT_EQ(numberOf(path, NSFileSystemNumber), static_cast<std::int64_t>(information.st_dev));
     EXPECT_EQ(numberOf(path, NSFileSystemFileNumber), static_cast<std::int64_t>(information.st_ino));
+    folder.makeFolder("d");
+    ::chmod(in("d").c_str(), 01750);
+    EXPECT_EQ(numberOf(in("d"), NSFilePosixPermissions), 01750);
+    link("1234", "l");
+    EXPECT_EQ(numberOf(in("l"), NSFileSize), 4) << "the length of its target's name";
 }
 
 TEST_F(FileAttributes, nameTheAccounts) {
@@ -126,7 +126,7 @@ TEST_F(FileAttributes, datesKeepWhatADoubleHolds) {
     }
 }
 
-TEST_F(FileAttributes, tellWhenTheItemWasMade) {
+TEST_F(FileAttributes, holdWhenTheItemWasMade) {
     const NSDate before = NSDate::date();
     folder.write("f", "");
     const timespec old[2] = {{1, 0}, {1, 0}};
@@ -148,6 +148,10 @@ TEST_F(FileAttributes, areNilWithAReasonWhenThereIsNothing) {
     EXPECT_EQ(shownText(reason), in("f/") + ": Not a directory");
     EXPECT_FALSE(files.attributesOfItemAtPath_error("", &reason));
     EXPECT_EQ(shownText(reason), ": No such file or directory");
+    link("loop", "loop");
+    for (const std::string& name : {in("f/x"), in("loop/x")}) {
+        EXPECT_FALSE(files.attributesOfItemAtPath_error(name, &reason)) << name;
+    }
     EXPECT_FALSE(files.attributesOfItemAtPath_error(nullptr, &reason));
     EXPECT_TRUE(reason);
     const std::u16string zero(u"/\0", 2);
@@ -169,17 +173,6 @@ TEST_F(FileAttributes, theModificationDateIsThatOfTheInformation) {
     ASSERT_TRUE(detail::getItemInformation(in("f"), information));
     const NSDate date(attributesOf(in("f")).objectForKey(NSFileModificationDate));
     EXPECT_TRUE(date.isEqualToDate(detail::modificationDateOf(information)));
-}
-
-TEST(FileError, reasonsNeedNoLocale) {
-    NSString text;
-    detail::reportError(&text, "/a", EACCES);
-    EXPECT_EQ(shownText(text), "/a: Permission denied");
-    detail::reportErrorOfBytes(&text, "/\xFF", ENOTEMPTY);
-    EXPECT_EQ(scene::bytesOf(text), "/\xFF: Directory not empty");
-    detail::reportError(&text, "/a", 99999);
-    EXPECT_EQ(shownText(text), "/a: Error 99999");
-    detail::reportError(nullptr, "/a", EACCES);
 }
 
 } // namespace

@@ -14,33 +14,63 @@ namespace {
 
 NSFileManager& files() { return NSFileManager::defaultManager(); }
 
-class FileQueries : public testing::Test {
+bool createFolder(StringView path, bool deep) {
+    return files().createDirectoryAtPath_withIntermediateDirectories_attributes_error(path, deep, {});
+}
+
+/// One letter for each operation that finds something at the path.
+std::string findingsAt(StringView path) {
+    std::string findings;
+    bool isDirectory = false;
+    findings += files().fileExistsAtPath(path) ? "e" : "";
+    findings += files().fileExistsAtPath_isDirectory(path, &isDirectory) ? "E" : "";
+    findings += files().isReadableFileAtPath(path) ? "r" : "";
+    findings += files().isWritableFileAtPath(path) ? "w" : "";
+    findings += files().attributesOfItemAtPath_error(path) ? "a" : "";
+    findings += files().contentsOfDirectoryAtPath_error(path) ? "l" : "";
+    return findings;
+}
+
+/// One letter for each operation that succeeds with the path.
+std::string successesFor(StringView path) {
+    std::string successes = findingsAt(path);
+    successes += createFolder(path, false) ? "d" : "";
+    successes += createFolder(path, true) ? "D" : "";
+    successes += files().createFileAtPath_contents_attributes(path, NSData::data(), {}) ? "f" : "";
+    successes += files().removeItemAtPath_error(path) ? "x" : "";
+    return successes;
+}
+
+class FileQueries : public scene::FolderTest {
 protected:
-    std::string in(const std::string& name) const { return folder / name; }
-    void link(const std::string& target, const std::string& name) {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0);
+    /// A file and a folder, links to them, and dangling links.
+    void makeItems() const {
+        folder.write("f", "abc");
+        folder.makeFolder("d");
+        link("f", "to-f");
+        link("d", "to-d");
+        link("no such", "dangling");
+        link("loop", "loop");
     }
-    scene::Folder folder;
 };
 
 TEST_F(FileQueries, existenceFollowsLinks) {
-    folder.write("f", "");
-    folder.makeFolder("d");
-    link("f", "to-f");
-    link("d", "to-d");
-    link("no such", "dangling");
-    link("loop", "loop");
+    makeItems();
     const struct {
         const char* name;
         bool exists;
         bool isFolder;
     } rows[] = {
-        {"f", true, false},   {"d", true, true},          {"d/", true, true},      {"to-f", true, false},
-        {"to-d", true, true}, {"dangling", false, false}, {"loop", false, false},  {"no such", false, false},
-        {"f/", false, false}, {"f/x", false, false},      {"d/../f", true, false},
+        {"f", true, false},           {"d", true, true},          {"to-f", true, false},
+        {"to-d", true, true},         {"dangling", false, false}, {"loop", false, false},
+        {"no such", false, false},    {"f/", false, false},       {"to-f/", false, false},
+        {"d/", true, true},           {"to-d/", true, true},      {"f/x", false, false},
+        {"d/.", true, true},          {"d/..", true, true},       {"d/../f", true, false},
+        {"no such/..", false, false},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(files().fileExistsAtPath(in(row.name)), row.exists) << row.name;
+        // The flag is written only together with a yes.
         for (const bool before : {false, true}) {
             bool isFolder = before;
             EXPECT_EQ(files().fileExistsAtPath_isDirectory(in(row.name), &isFolder), row.exists) << row.name;
@@ -48,29 +78,43 @@ TEST_F(FileQueries, existenceFollowsLinks) {
         }
     }
     EXPECT_TRUE(files().fileExistsAtPath_isDirectory("/", nullptr));
+    EXPECT_TRUE(files().fileExistsAtPath("/dev/null"));
+    EXPECT_EQ(&files(), &NSFileManager::defaultManager());
 }
 
-TEST_F(FileQueries, pathsWithoutAFormAreNowhere) {
-    const std::u16string zero(u"/\0", 2);
-    const std::u16string loneSurrogate(u"/\xD800");
-    for (const StringView path :
-         {StringView(), StringView(""), StringView(zero), StringView(loneSurrogate), StringView("/\0", 2)}) {
-        EXPECT_FALSE(files().fileExistsAtPath(path));
-        EXPECT_FALSE(files().isReadableFileAtPath(path));
-        EXPECT_FALSE(files().isWritableFileAtPath(path));
-    }
+TEST_F(FileQueries, everyOperationFailsForAPathThatNoFileCanHave) {
+    makeItems();
+    const auto below = [this](std::u16string name) {
+        const std::u16string whole = NSString(in("")).utf16() + name;
+        return NSString::stringWithCharacters_length(whole.data(), whole.size());
+    };
+    EXPECT_EQ(successesFor(nullptr), "");
+    EXPECT_EQ(successesFor(""), "");
+    EXPECT_EQ(successesFor(StringView("/\0", 2)), "");
+    EXPECT_EQ(successesFor(below(std::u16string(u"f\0", 2))), "");
+    EXPECT_EQ(successesFor(below(std::u16string(u"new\0x", 5))), "");
+    EXPECT_EQ(successesFor(below(u"a\xD800")), "");
+    EXPECT_EQ(successesFor(below(u"\xDBFFz")), "");
+    EXPECT_EQ(successesFor(below(u"a\xDC00")), "") << "means no byte";
+    EXPECT_EQ(successesFor(below(u"a\xDC7F")), "") << "an ASCII byte needs no surrogate";
+    EXPECT_EQ(successesFor(below(u"a\xDD00")), "");
+    EXPECT_EQ(scene::contentsOf(in("f")), "abc");
+    EXPECT_EQ(files().contentsOfDirectoryAtPath_error(folder.path()).count(), 6U);
 }
 
-TEST_F(FileQueries, noTildeIsExpanded) {
-    const scene::Variable home("HOME", folder.path().c_str());
-    EXPECT_FALSE(files().fileExistsAtPath("~"));
-}
-
-TEST_F(FileQueries, relativePathsStartInTheCurrentFolder) {
-    folder.write("f", "");
-    const scene::CurrentFolder current(folder.path());
-    EXPECT_TRUE(files().fileExistsAtPath("f"));
-    EXPECT_TRUE(files().fileExistsAtPath("."));
+TEST_F(FileQueries, relativePathsStartInTheCurrentFolderAndNoTildeIsExpanded) {
+    folder.write("home/file", "x");
+    folder.write("current/file", "x");
+    const scene::Variable variable("HOME", in("home").c_str());
+    const scene::CurrentFolder current(in("current"));
+    EXPECT_TRUE(files().fileExistsAtPath("file"));
+    EXPECT_EQ(findingsAt("~/file") + findingsAt("~"), "");
+    EXPECT_FALSE(files().removeItemAtPath_error("~/file"));
+    EXPECT_TRUE(createFolder("~/a/b", true));
+    EXPECT_TRUE(files().createFileAtPath_contents_attributes("~/made", {}, {}));
+    EXPECT_TRUE(scene::isFolder(in("current/~/a/b")) && scene::stands(in("current/~/made")));
+    EXPECT_TRUE(files().removeItemAtPath_error("file"));
+    EXPECT_EQ(files().contentsOfDirectoryAtPath_error(in("home")).count(), 1U);
 }
 
 TEST_F(FileQueries, namesOfAnyBytesAreFound) {
@@ -81,39 +125,43 @@ TEST_F(FileQueries, namesOfAnyBytesAreFound) {
 }
 
 TEST_F(FileQueries, permissionsAreThoseOfTheRealUser) {
-    folder.write("none", "");
-    folder.write("read", "");
-    folder.write("write", "");
-    folder.makeFolder("d");
-    ::chmod(in("none").c_str(), 0);
-    ::chmod(in("read").c_str(), 0444);
-    ::chmod(in("write").c_str(), 0222);
-    ::chmod(in("d").c_str(), 0555);
-    link("read", "to-read");
-    link("no such", "dangling");
-    const int answer = scene::inUnprivilegedChild([this] {
-        const struct {
-            const char* name;
-            bool isReadable;
-            bool isWritable;
-        } rows[] = {
-            {"none", false, false},     {"read", true, false},   {"write", false, true},
-            {"d", true, false},         {"d/", true, false},     {"to-read", true, false},
-            {"dangling", false, false}, {"read/", false, false},
-        };
-        int number = 1;
-        for (const auto& row : rows) {
-            if (files().isReadableFileAtPath(in(row.name)) != row.isReadable ||
-                files().isWritableFileAtPath(in(row.name)) != row.isWritable) {
-                return number;
-            }
-            ++number;
+    makeItems();
+    const struct {
+        const char* name;
+        mode_t mode;
+        bool isFolder;
+    } items[] = {{"f", 0444, false}, {"none", 0, false},  {"write", 0222, false}, {"open", 0666, false},
+                 {"d", 0555, true},  {"locked", 0, true}, {"public", 0777, true}};
+    for (const auto& item : items) {
+        const std::string path = item.isFolder ? folder.makeFolder(item.name) : folder.write(item.name, "x");
+        ASSERT_EQ(::chmod(path.c_str(), item.mode), 0);
+    }
+    const struct {
+        const char* name;
+        bool isReadable;
+        bool isWritable;
+    } rows[] = {
+        {"f", true, false},     {"to-f", true, false},     {"none", false, false},
+        {"write", false, true}, {"open", true, true},      {"d", true, false},
+        {"d/", true, false},    {"to-d", true, false},     {"locked", false, false},
+        {"public", true, true}, {"no such", false, false}, {"dangling", false, false},
+        {"loop", false, false}, {"open/", false, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(scene::inUnprivilegedChild([&] {
+                      return files().isReadableFileAtPath(in(row.name)) == row.isReadable &&
+                                     files().isWritableFileAtPath(in(row.name)) == row.isWritable
+                                 ? 0
+                                 : 1;
+                  }),
+                  0)
+            << row.name;
+        if (scene::isRoot()) {
+            const bool exists = files().fileExistsAtPath(in(row.name));
+            EXPECT_EQ(files().isReadableFileAtPath(in(row.name)), exists) << row.name;
+            EXPECT_EQ(files().isWritableFileAtPath(in(row.name)), exists) << row.name;
         }
-        return 0;
-    });
-    EXPECT_EQ(answer, 0) << "the number of the row";
-    EXPECT_EQ(files().isWritableFileAtPath(in("none")), scene::isRoot());
-    EXPECT_FALSE(files().isReadableFileAtPath(in("dangling")));
+    }
 }
 
 TEST_F(FileQueries, pathsMayBeLongerThanTheSystemTakes) {

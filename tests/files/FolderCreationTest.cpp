@@ -20,14 +20,9 @@ bool make(const std::string& path, bool withIntermediates, const NSDictionary& a
         scene::fromBytes(path), withIntermediates, attributes, reason);
 }
 
-class FolderCreation : public testing::Test {
+class FolderCreation : public scene::FolderTest {
 protected:
     FolderCreation() { folder.write("f", "kept"); }
-    void link(const std::string& target, const std::string& name) {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0);
-    }
-    std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
 };
 
 TEST_F(FolderCreation, withoutIntermediatesMakesOneNewFolder) {
@@ -53,31 +48,45 @@ TEST_F(FolderCreation, withIntermediatesMakesWhatIsMissing) {
     for (const char* const name : {"a", "a/b", "a/b/c"}) {
         EXPECT_EQ(scene::modeOf(in(name)), 0750u) << name;
     }
-    EXPECT_TRUE(make(in("a/b/c"), true)) << "it stands already";
+    EXPECT_TRUE(make(in("a/b/c"), true)) << "it is there already";
     EXPECT_TRUE(make(in("a/./x/../y"), true));
     EXPECT_TRUE(isFolder(in("a/y")));
     EXPECT_TRUE(make("/", true));
+    EXPECT_FALSE(make("/", false));
 }
 
-TEST_F(FolderCreation, aLinkToAFolderIsAsGoodAsOne) {
-    folder.makeFolder("d");
-    link("d", "l");
-    link("no such", "dangling");
-    EXPECT_TRUE(make(in("l"), true));
-    EXPECT_FALSE(make(in("l"), false));
-    EXPECT_TRUE(make(in("l/x/y"), true));
-    EXPECT_TRUE(isFolder(in("d/x/y")));
-    EXPECT_FALSE(make(in("dangling"), true));
-    EXPECT_FALSE(make(in("dangling/x"), true));
-    EXPECT_FALSE(scene::stands(in("no such")));
-}
-
-TEST_F(FolderCreation, aFileOnTheWayIsAFailureAndUntouched) {
-    link("f", "to-f");
-    for (const char* const name : {"f", "f/x", "f/x/y", "to-f", "to-f/x"}) {
-        EXPECT_FALSE(make(in(name), true)) << name;
+TEST_F(FolderCreation, followsLinksToFoldersAndFailsAtFiles) {
+    const struct {
+        const char* name;
+        bool alone; ///< without intermediates
+        bool withIntermediates;
+    } rows[] = {
+        {"new", true, true},        {"d", false, true},         {"to-d", false, true},
+        {"f", false, false},        {"to-f", false, false},     {"a/b/c", false, true},
+        {"dangling", false, false}, {"loop", false, false},     {"d/new", true, true},
+        {"to-d/new", true, true},   {"to-d/x/y", false, true},  {"f/new", false, false},
+        {"f/x/y", false, false},    {"to-f/new", false, false}, {"dangling/new", false, false},
+    };
+    for (const auto& row : rows) {
+        for (const bool isDeep : {false, true}) {
+            const scene::Folder items;
+            items.write("f", "kept");
+            items.makeFolder("d");
+            for (const auto& [target, name] : {std::pair("d", "to-d"), std::pair("f", "to-f"),
+                                               std::pair("no such", "dangling"), std::pair("loop", "loop")}) {
+                ASSERT_EQ(::symlink(target, (items / name).c_str()), 0);
+            }
+            const bool isMade = isDeep ? row.withIntermediates : row.alone;
+            NSString reason("before");
+            EXPECT_EQ(make(items / row.name, isDeep, nullptr, &reason), isMade) << row.name << isDeep;
+            EXPECT_EQ(!reason, isMade) << row.name;
+            EXPECT_EQ(isMade, NSFileManager::defaultManager().isDirectoryAtPath(items / row.name) &&
+                                  (isDeep || row.alone))
+                << row.name;
+            EXPECT_FALSE(scene::stands(items / "no such"));
+            EXPECT_EQ(scene::contentsOf(items / "f"), "kept");
+        }
     }
-    EXPECT_EQ(scene::contentsOf(in("f")), "kept");
 }
 
 TEST_F(FolderCreation, whatWasMadeBeforeAFailureStays) {
@@ -99,25 +108,25 @@ TEST_F(FolderCreation, attributesAreGivenToEachFolderThatWasMade) {
     folder.makeFolder("old");
     ::chmod(in("old").c_str(), 0755);
     const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(1000.5);
-    const NSDictionary attributes{{NSFilePosixPermissions, 0501},
+    const NSDictionary attributes{{NSFilePosixPermissions, 0523},
                                   {NSFileModificationDate, date},
                                   {"unknown", 1},
                                   {NSFileOwnerAccountID, "no number"}};
     EXPECT_TRUE(make(in("old/a/b"), true, attributes));
     EXPECT_EQ(scene::modeOf(in("old")), 0755u);
     for (const char* const name : {"old/a", "old/a/b"}) {
-        EXPECT_EQ(scene::modeOf(in(name)), 0501u) << name;
+        EXPECT_EQ(scene::modeOf(in(name)), 0523u) << name << ": the umask does not count";
         struct stat information;
         ASSERT_TRUE(detail::getItemInformation(in(name), information));
         EXPECT_TRUE(detail::modificationDateOf(information).isEqualToDate(date)) << name;
     }
     EXPECT_TRUE(make(in("old"), true, attributes));
-    EXPECT_EQ(scene::modeOf(in("old")), 0755u) << "it stood already";
+    EXPECT_EQ(scene::modeOf(in("old")), 0755u) << "it was there already";
     EXPECT_TRUE(make(in("single"), false, NSDictionary{{NSFilePosixPermissions, 0}}));
     EXPECT_EQ(scene::modeOf(in("single")), 0u);
 }
 
-TEST_F(FolderCreation, permissionsThatCloseTheFoldersDoNotHinderAUser) {
+TEST_F(FolderCreation, permissionsThatCloseTheFoldersAreSetLast) {
     ::chmod(folder.path().c_str(), 0777);
     const int answer = scene::inUnprivilegedChild([this] {
         const bool made = make(in("a/b/c"), true, NSDictionary{{NSFilePosixPermissions, 0}});

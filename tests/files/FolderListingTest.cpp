@@ -13,11 +13,17 @@ using namespace ZQFoundation;
 
 namespace {
 
-std::vector<std::string> namesOf(const NSArray& listing) {
+/// In the order of the listing.
+std::vector<std::string> listed(const NSArray& listing) {
     std::vector<std::string> names;
     for (const NSObject& name : listing) {
         names.push_back(scene::bytesOf(name.as<NSString>()));
     }
+    return names;
+}
+
+std::vector<std::string> namesOf(const NSArray& listing) {
+    std::vector<std::string> names = listed(listing);
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -26,22 +32,33 @@ NSArray list(const std::string& path, NSString* reason = nullptr) {
     return NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(scene::fromBytes(path), reason);
 }
 
-class FolderListing : public testing::Test {
-protected:
-    std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
-};
+class FolderListing : public scene::FolderTest {};
 
 TEST_F(FolderListing, holdsEveryNameButDotAndDoubleDot) {
     folder.makeFolder("d/inner");
     for (const char* const name : {"d/f", "d/.hidden", "d/..x", "d/...", "d/\xFF\xC3\x28", "d/\u00E9"}) {
         folder.write(name, "");
     }
-    ASSERT_EQ(::symlink("no such", in("d/dangling").c_str()), 0);
+    link("no such", "d/dangling");
     const std::vector<std::string> expected{"...", "..x",   ".hidden", "dangling",
                                             "f",   "inner", "\u00E9",  "\xFF\xC3\x28"};
     EXPECT_EQ(namesOf(list(in("d"))), expected);
     EXPECT_EQ(namesOf(list(in("d/"))), expected);
+}
+
+TEST_F(FolderListing, keepsTheOrderOfTheSystem) {
+    std::vector<std::string> expected;
+    for (int number = 0; number < 100; ++number) {
+        folder.write(std::to_string(number * 7919 % 100), "");
+    }
+    DIR* const names = ::opendir(folder.path().c_str());
+    while (const dirent* const entry = ::readdir(names)) {
+        if (entry->d_name[0] != '.') {
+            expected.emplace_back(entry->d_name);
+        }
+    }
+    ::closedir(names);
+    EXPECT_EQ(listed(list(folder.path())), expected);
 }
 
 TEST_F(FolderListing, isEmptyNotNilForAnEmptyFolder) {
@@ -54,7 +71,7 @@ TEST_F(FolderListing, isEmptyNotNilForAnEmptyFolder) {
 TEST_F(FolderListing, followsALinkToAFolder) {
     folder.makeFolder("d");
     folder.write("d/f", "");
-    ASSERT_EQ(::symlink("d", in("l").c_str()), 0);
+    link("d", "l");
     EXPECT_EQ(namesOf(list(in("l"))), std::vector<std::string>{"f"});
 }
 

@@ -35,21 +35,15 @@ bool append(const std::string& path, const std::string& text) {
     return done;
 }
 
-class GuardedOpening : public testing::Test {
+class GuardedOpening : public scene::FolderTest {
 protected:
     GuardedOpening() {
         folder.makeFolder("shared");
         ::chmod(in("shared").c_str(), 01777);
     }
-    void link(const std::string& target, const std::string& name) {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
-    }
     void giveAway(const std::string& name) {
         ASSERT_EQ(::lchown(in(name).c_str(), stranger, stranger), 0) << std::strerror(errno);
     }
-    std::string in(const std::string& name) const { return folder / name; }
-
-    scene::Folder folder;
 };
 
 TEST_F(GuardedOpening, appendsToAFileAndReadsIt) {
@@ -103,7 +97,7 @@ TEST_F(GuardedOpening, relativePathsStartInTheCurrentFolder) {
     EXPECT_EQ(scene::contentsOf(in("a/log")), "123");
 }
 
-TEST_F(GuardedOpening, tellsWhyItFails) {
+TEST_F(GuardedOpening, reportsWhyItFails) {
     folder.write("f", "");
     link("two", "one");
     link("one", "two");
@@ -178,7 +172,7 @@ TEST_F(GuardedOpening, opensDevicesAndTheProcessesOwnDescriptors) {
     ::close(ends[1]);
 }
 
-TEST_F(GuardedOpening, leavesNoDescriptorBehind) {
+TEST_F(GuardedOpening, leavesNoDescriptorOpen) {
     folder.write("log", "");
     link("log", "l");
     const int before = scene::openDescriptors();
@@ -189,7 +183,7 @@ TEST_F(GuardedOpening, leavesNoDescriptorBehind) {
     EXPECT_EQ(scene::openDescriptors(), before);
 }
 
-TEST_F(GuardedOpening, whatStandsThereMayBeAppendedToOrNot) {
+TEST_F(GuardedOpening, whatIsThereMayBeAppendedToOrNot) {
     folder.write("shared/own", "");
     folder.write("log", "");
     link("own", "shared/l");

@@ -134,16 +134,7 @@ TEST(PathResolution, standardizesByText) {
     }
 }
 
-/// A folder whose own path holds no link.
-class PathResolutionOnDisk : public testing::Test {
-protected:
-    void link(const std::string& target, const std::string& name) {
-        ASSERT_EQ(::symlink(target.c_str(), (folder / name).c_str()), 0) << std::strerror(errno);
-    }
-    std::string in(const std::string& name) const { return folder / name; }
-
-    scene::Folder folder;
-};
+class PathResolutionOnDisk : public scene::FolderTest {};
 
 /// real/sub/file, other/, and links to them: everything that resolving and standardizing meet.
 class PathResolutionOfLinks : public PathResolutionOnDisk {

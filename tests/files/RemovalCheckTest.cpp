@@ -103,7 +103,7 @@ const struct Change {
 
 } // namespace
 
-TEST_F(RemovalCheck, letsPassATreeThatIsAsItWasCopied) {
+TEST_F(RemovalCheck, allowsATreeThatIsAsItWasCopied) {
     copyTree();
     EXPECT_EQ(record.count(), 5U);
     EXPECT_EQ(reason(&record), 0);

@@ -23,6 +23,7 @@ protected:
 };
 
 TEST_F(TreeCopy, takesEverythingAlong) {
+    const scene::Umask mask(077);
     folder.write("t/.hidden", "h");
     folder.write("t/a/b/f", "bytes");
     folder.write("t/\xFF\xC3\x28/\xA9", "odd");

@@ -16,14 +16,7 @@ bool removeItem(const std::string& path, NSString* reason = nullptr) {
     return NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(path), reason);
 }
 
-class TreeRemoval : public testing::Test {
-protected:
-    void link(const std::string& target, const std::string& name) {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
-    }
-    std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
-};
+class TreeRemoval : public scene::FolderTest {};
 
 TEST_F(TreeRemoval, takesAFileALinkAndAPipe) {
     folder.write("f", "");
@@ -37,6 +30,7 @@ TEST_F(TreeRemoval, takesAFileALinkAndAPipe) {
     for (const char* const name : {"f", "l", "to-d", "dangling", "pipe"}) {
         EXPECT_TRUE(removeItem(in(name))) << name;
         EXPECT_FALSE(scene::stands(in(name))) << name;
+        EXPECT_FALSE(removeItem(in(name))) << name << " is gone already";
     }
     EXPECT_EQ(scene::contentsOf(in("target")) + scene::contentsOf(in("d/f")), "keptkept");
 }
@@ -80,7 +74,7 @@ TEST_F(TreeRemoval, whatCannotBeNamedIsLeftWithAllThatIsInIt) {
     EXPECT_EQ(scene::contentsOf(in("t/f")), "kept");
 }
 
-TEST_F(TreeRemoval, tellsWhatItCouldNotRemove) {
+TEST_F(TreeRemoval, reportsWhatItCouldNotRemove) {
     NSString reason("before");
     folder.write("f", "");
     EXPECT_TRUE(removeItem(in("f"), &reason));

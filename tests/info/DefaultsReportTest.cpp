@@ -2,153 +2,245 @@
 // The section of the start-up report about active switches.
 #include "info/DefaultsReport.h"
 
-#include "info/ZQLogInfo.h"
+#include "foundation/process/NSUserDefaults.h"
 #include "tests/info/InfoScene.h"
-#include "tests/log/LogTestSupport.h"
 
 using namespace ZQFoundation;
-using infotest::ApplicationScene;
+using namespace infotest;
 
 namespace {
 
-using Lines = std::vector<std::string>;
+const Lines nothing;
+const logtest::Setting traced{"TraceIO", "<true/>"};
 
-const std::string separator(68, '-');
+struct Switch {
+    std::string key;
+    std::size_t spaces;      ///< between the sentence and the command
+    std::string value = "1"; ///< of a debug setting
+};
 
-constexpr const char* info = "{ CFBundleIdentifier = com.example.viewer; NSHumanReadableShortName = Viewer;"
-                             " CFBundleShortVersionString = 2.1; CFBundleVersion = 417; }";
-constexpr const char* infoWithoutIdentifier =
-    "{ NSHumanReadableShortName = Viewer; CFBundleShortVersionString = 2.1; CFBundleVersion = 417; }";
+/// The lines of one section.
+Lines section(const std::string& heading, const std::vector<Switch>& switches, const std::string& command,
+              const std::string& end = "") {
+    Lines lines{heading};
+    for (const Switch& each : switches) {
+        const std::string state = heading == "Feature modifying:" ? "set to " + each.value : "active";
+        lines.push_back(each.key + " is " + state + "." + std::string(each.spaces + 1, ' ') + command +
+                        " org.example.viewer " + each.key + end);
+    }
+    lines.push_back(separator);
+    return lines;
+}
 
-Lines reportOf(const logtest::Settings& settings, const char* infoDictionary = info,
-               const std::vector<std::string>& commandLine = {}) {
-    const logtest::TraceKeys keys(settings, commandLine);
-    const ApplicationScene application(infoDictionary);
-    const logtest::CapturedOutput output;
-    ZQLogInfo::logTracelogAndFeatureRelatedUserDefaults();
-    return output.texts();
+Lines tracing(const std::vector<Switch>& switches) {
+    return section("Debug logging:", switches, "Deactivate using: defaults write", " NO");
+}
+Lines enabling(const std::vector<Switch>& switches) {
+    return section("Feature enabling:", switches, "Disable the feature using: defaults remove");
+}
+Lines disabling(const std::vector<Switch>& switches) {
+    return section("Feature disabling:", switches, "Reenable the feature using: defaults remove");
+}
+Lines modifying(const std::vector<Switch>& switches) {
+    return section("Feature modifying:", switches, "Disable this debug setting using: defaults remove");
+}
+
+Lines report() {
+    return written([] { ZQLogInfo::logTracelogAndFeatureRelatedUserDefaults(); });
+}
+
+/// The report of these settings.
+Lines reportOf(const logtest::Settings& settings) {
+    const Facts facts(Given{.settings = settings});
+    return report();
+}
+
+/// Settings of this value.
+logtest::Settings allOf(const std::vector<std::string>& keys, const std::string& value = "<true/>") {
+    logtest::Settings settings;
+    for (const std::string& key : keys) {
+        settings.push_back({key, value});
+    }
+    return settings;
+}
+
+/// The first words of the report's lines, which are the keys.
+Lines keysOf(const logtest::Settings& settings) {
+    Lines keys;
+    for (const std::string& line : reportOf(settings)) {
+        keys.push_back(line.substr(0, line.find(" is ")));
+    }
+    return keys;
 }
 
 } // namespace
 
-TEST(DefaultsReport, writesNothingWithoutSwitches) {
-    EXPECT_EQ(reportOf({{"Other", "<true/>"}, {"TraceIO", "<false/>"}, {"EnableX", "<string>no</string>"}}),
-              Lines{});
-}
-
-TEST(DefaultsReport, writesASectionForEachKindInAFixedOrder) {
-    EXPECT_EQ(
-        reportOf({{"DebugLevel", "<integer>3</integer>"},
-                  {"DisableB", "<true/>"},
-                  {"EnableC", "<true/>"},
-                  {"TraceD", "<true/>"}}),
-        (Lines{
-            "Debug logging:",
-            "TraceD is active.      Deactivate using: defaults write com.example.viewer TraceD NO", separator,
-            "Feature enabling:",
-            "EnableC is active.     Disable the feature using: defaults remove com.example.viewer EnableC",
-            separator, "Feature disabling:",
-            "DisableB is active.    Reenable the feature using: defaults remove com.example.viewer DisableB",
-            separator, "Feature modifying:",
-            "DebugLevel is set to 3.  Disable this debug setting using: defaults remove com.example.viewer "
-            "DebugLevel",
-            separator}));
+TEST(DefaultsReport, leavesOutEmptySectionsAndNeedsNoTraceKey) {
+    EXPECT_EQ(reportOf({}), nothing);
+    EXPECT_EQ(reportOf({{"EnableBeta", "<true/>"}}), enabling({{"EnableBeta", 1}}));
+    EXPECT_EQ(reportOf({{"DisableX", "<true/>"}}), disabling({{"DisableX", 1}}));
+    EXPECT_EQ(reportOf({{"DebugX", "<true/>"}, {"TraceX", "<true/>"}}),
+              tracing({{"TraceX", 1}}) + modifying({{"DebugX", 1}}));
 }
 
 TEST(DefaultsReport, listsSwitchesOfTheEnvironment) {
-    const scene::Variable given("ZQ_DEFAULTS", "-TraceD YES -EnableC YES");
-    EXPECT_EQ(
-        reportOf({{"TraceD", "<false/>"}}),
-        (Lines{"Debug logging:",
-               "TraceD is active.   Deactivate using: defaults write com.example.viewer TraceD NO", separator,
-               "Feature enabling:",
-               "EnableC is active.  Disable the feature using: defaults remove com.example.viewer EnableC",
-               separator}));
+    const kit::Variable given("ZQ_DEFAULTS", "-TraceD YES -EnableC YES");
+    EXPECT_EQ(reportOf({{"TraceD", "<false/>"}}), tracing({{"TraceD", 2}}) + enabling({{"EnableC", 1}}));
 }
 
 TEST(DefaultsReport, keepsOneColumnThroughAllSections) {
-    const Lines lines =
-        reportOf({{"TraceIO", "<true/>"}, {"TraceNetwork", "<true/>"}, {"EnableBeta", "<true/>"}});
-    ASSERT_EQ(lines.size(), 7u);
-    // The spacer and the blank of the line's own.
-    EXPECT_EQ(lines[1].find("Deactivate"), std::string("TraceIO is active.").size() + 6 + 1);
-    EXPECT_EQ(lines[2].find("Deactivate"), std::string("TraceNetwork is active.").size() + 1 + 1);
-    EXPECT_EQ(lines[5].find("Disable the"), std::string("EnableBeta is active.").size() + 3 + 1);
+    EXPECT_EQ(reportOf(allOf({"TraceIO", "TraceNetwork", "EnableBeta"})),
+              tracing({{"TraceIO", 6}, {"TraceNetwork", 1}}) + enabling({{"EnableBeta", 3}}));
+    EXPECT_EQ(reportOf(allOf({"TraceIO", "EnableX", "DisableXY", "DebugTheLongest"})),
+              tracing({{"TraceIO", 9}}) + enabling({{"EnableX", 9}}) + disabling({{"DisableXY", 7}}) +
+                  modifying({{"DebugTheLongest", 1}}));
 }
 
-TEST(DefaultsReport, writesShortLinesWithoutAnIdentifier) {
-    const std::string warning =
-        "+[ZQLogInfo getAppInformation] This application does not have an appIdentifier!";
-    EXPECT_EQ(reportOf({{"TraceIO", "<true/>"},
-                        {"EnableA", "<true/>"},
-                        {"DisableA", "<true/>"},
-                        {"DebugText", "<string>yes</string>"}},
-                       infoWithoutIdentifier),
-              (Lines{warning, "Debug logging:", "TraceIO is active.", separator, "Feature enabling:",
-                     "EnableA is active.", separator, "Feature disabling:", "DisableA is active.", separator,
-                     "Feature modifying:", "DebugText is set to yes.", separator}));
-}
-
-TEST(DefaultsReport, listsOnlyKeysWithTheExactPrefixAndATrueValue) {
-    EXPECT_EQ(reportOf({{"EnableX", "<string>YES</string>"},
-                        {"enablex", "<true/>"},
-                        {"disablex", "<true/>"},
-                        {"debugx", "<true/>"},
-                        {"ENABLEX", "<true/>"},
-                        {"MyEnable", "<true/>"},
-                        {"Enable", "<true/>"},
-                        {"DebugLevel", "<integer>0</integer>"},
-                        {"DebugList", "<array/>"},
-                        {"DisableA", "<string>NO</string>"}},
-                       infoWithoutIdentifier),
-              (Lines{"+[ZQLogInfo getAppInformation] This application does not have an appIdentifier!",
-                     "Feature enabling:", "Enable is active.", "EnableX is active.", separator}));
-}
-
-TEST(DefaultsReport, sortsWithoutRegardToCase) {
-    const Lines lines = reportOf({{"TraceB", "<true/>"},
-                                  {"Tracea", "<true/>"},
-                                  {"TraceC", "<true/>"},
-                                  {"Enablez", "<true/>"},
-                                  {"EnableY", "<true/>"},
-                                  {"Enable_", "<true/>"}},
-                                 infoWithoutIdentifier);
-    EXPECT_EQ(Lines(lines.begin() + 1, lines.end()),
-              (Lines{"Debug logging:", "Tracea is active.", "TraceB is active.", "TraceC is active.",
-                     separator, "Feature enabling:", "Enable_ is active.", "EnableY is active.",
-                     "Enablez is active.", separator}));
-}
-
-TEST(DefaultsReport, listsKeysOfAllDomains) {
-    const Lines lines = reportOf({{"EnableA", "<true/>"}, {"EnableB", "<true/>"}}, infoWithoutIdentifier,
-                                 {"-EnableB", "NO", "-EnableC", "YES"});
-    EXPECT_EQ(Lines(lines.begin() + 1, lines.end()),
-              (Lines{"Feature enabling:", "EnableA is active.", "EnableC is active.", separator}));
+TEST(DefaultsReport, shiftsTheColumnByTheLengthOfAValue) {
+    EXPECT_EQ(reportOf({{"DebugA", "<integer>3</integer>"},
+                        {"DebugB", "<string>3000000000 and more</string>"},
+                        {"DebugLong", "<integer>-12</integer>"}}),
+              modifying({{"DebugA", 4, "3"}, {"DebugB", 4, "3000000000 and more"}, {"DebugLong", 1, "-12"}}));
 }
 
 TEST(DefaultsReport, measuresKeysInLatin1Bytes) {
-    // "EnableÄ" has 7 bytes in Latin-1; a key beyond it counts as 0 and gets the whole width.
-    EXPECT_EQ(
-        reportOf({{"Enable\xC3\x84", "<true/>"}, {"Enable\xCE\xB1\xCE\xB2\xCE\xB3", "<true/>"}}),
-        (Lines{"Feature enabling:",
-               "Enable\xC3\x84 is active.  Disable the feature using: defaults remove com.example.viewer "
-               "Enable\xC3\x84",
-               "Enable\xCE\xB1\xCE\xB2\xCE\xB3 is active.         Disable the feature using: defaults remove "
-               "com.example.viewer Enable\xCE\xB1\xCE\xB2\xCE\xB3",
-               separator}));
+    // Two bytes each in UTF-8, one in Latin-1, up to U+00FF.
+    EXPECT_EQ(reportOf(allOf({"Trace\xC3\x84\xC3\xBF", "TraceX"})),
+              tracing({{"TraceX", 2}, {"Trace\xC3\x84\xC3\xBF", 1}}));
+    // A key beyond Latin-1 counts as 0 and gets the whole width; one such character is enough.
+    const std::string beyond = "Trace\xC5\x81\xC5\x81\xC5\x81\xC5\x81\xC5\x81\xC5\x81\xC5\x81\xC5\x81";
+    EXPECT_EQ(reportOf(allOf({beyond, "TraceIO"})), tracing({{"TraceIO", 1}, {beyond, 8}}));
+    EXPECT_EQ(reportOf(allOf({beyond})), tracing({{beyond, 1}}));
+    EXPECT_EQ(reportOf(allOf({"EnableManyLettersAnd\xC4\x80", "DisableX"})),
+              enabling({{"EnableManyLettersAnd\xC4\x80", 9}}) + disabling({{"DisableX", 1}}));
+    EXPECT_EQ(reportOf(allOf({"Debug\xF0\x9F\x98\x80", "DebugX"})),
+              modifying({{"DebugX", 1}, {"Debug\xF0\x9F\x98\x80", 7}}));
 }
 
-TEST(DefaultsReport, shiftsTheCommandByTheLengthOfTheValue) {
-    EXPECT_EQ(reportOf({{"DebugA", "<integer>7</integer>"}, {"DebugLong", "<string>12 apples</string>"}}),
-              (Lines{"Feature modifying:",
-                     "DebugA is set to 7.     Disable this debug setting using: defaults remove "
-                     "com.example.viewer DebugA",
-                     "DebugLong is set to 12 apples.  Disable this debug setting using: defaults remove "
-                     "com.example.viewer DebugLong",
-                     separator}));
+TEST(DefaultsReport, takesPrefixesCaseSensitivelyFromTheStartOfKeys) {
+    EXPECT_EQ(keysOf(allOf({"EnableX", "enablex",  "ENABLEX", "disableX",  "DISABLEX", "debugX",
+                            "DEBUGX",  "traceX",   "TRACEX",  "MyEnableX", " EnableX", "EnabX",
+                            "Disabl",  "Debu",     "Enabled", "Enable",    "Disable",  "Debug",
+                            "Trace",   "Debugger", "Tracer",  "Disabled"})),
+              (Lines{"Debug logging:", "Trace", "Tracer", separator, "Feature enabling:", "Enable", "Enabled",
+                     "EnableX", separator, "Feature disabling:", "Disable", "Disabled", separator,
+                     "Feature modifying:", "Debug", "Debugger", separator}));
+    // The first prefix decides.
+    EXPECT_EQ(keysOf(allOf(
+                  {"EnableDisableDebug", "DisableEnableX", "DebugEnableX", "TraceEnableX", "EnableTrace"})),
+              (Lines{"Debug logging:", "TraceEnableX", separator, "Feature enabling:", "EnableDisableDebug",
+                     "EnableTrace", separator, "Feature disabling:", "DisableEnableX", separator,
+                     "Feature modifying:", "DebugEnableX", separator}));
 }
 
-TEST(DefaultsReport, writesKeysAndValuesAsTheyStand) {
-    const Lines lines = reportOf({{"Debug %@ $(x)", "<string>1%d</string>"}}, infoWithoutIdentifier);
-    EXPECT_EQ(lines.at(2), "Debug %@ $(x) is set to 1%d.");
+TEST(DefaultsReport, sortsEverySectionByLowerCaseAndCodePoint) {
+    // "_" and "[" come between the capital and the small letters; digits compare one by one.
+    const std::vector<std::string> endings = {"B", "a",        "_x", "C",   "2",         "10", "b1",
+                                              "[", "\xC3\xA4", "z",  "sst", "\xC3\x9Fs", "ssr"};
+    const std::vector<std::string> sorted = {"10", "2",   "[",         "_x",  "a", "B",       "b1",
+                                             "C",  "ssr", "\xC3\x9Fs", "sst", "z", "\xC3\xA4"};
+    std::vector<std::string> keys;
+    Lines expected;
+    for (const auto& [heading, start] :
+         {std::pair("Debug logging:", "Trace"), std::pair("Feature enabling:", "Enable"),
+          std::pair("Feature disabling:", "Disable"), std::pair("Feature modifying:", "Debug")}) {
+        expected.push_back(heading);
+        for (std::size_t i = 0; i < endings.size(); ++i) {
+            keys.push_back(start + endings[i]);
+            expected.push_back(start + sorted[i]);
+        }
+        expected.push_back(separator);
+    }
+    EXPECT_EQ(keysOf(allOf(keys)), expected);
+}
+
+TEST(DefaultsReport, reportsTrueValuesWithTheirDescriptions) {
+    struct Row {
+        const char* value;
+        const char* shown; ///< null: not true
+    };
+    for (const Row& row : {Row{"<integer>0</integer>", nullptr},
+                           Row{"<integer>3</integer>", "3"},
+                           Row{"<integer>256</integer>", "256"}, // of a number all bits count
+                           Row{"<integer>-1</integer>", "-1"},
+                           Row{"<integer>4294967296</integer>", "4294967296"},
+                           Row{"<real>0.5</real>", "0.5"}, // and its fraction
+                           Row{"<real>0.0</real>", nullptr},
+                           Row{"<real>2.0</real>", "2"},
+                           Row{"<true/>", "1"},
+                           Row{"<false/>", nullptr},
+                           Row{"<string>yes</string>", "yes"},
+                           Row{"<string>yEs</string>", "yEs"},
+                           Row{"<string>YES!</string>", nullptr},
+                           Row{"<string>true</string>", nullptr},
+                           Row{"<string>Y</string>", nullptr},
+                           Row{"<string>NO</string>", nullptr},
+                           Row{"<string>0.5</string>", nullptr},
+                           Row{"<string> 7 up</string>", " 7 up"},
+                           Row{"<string>-3</string>", "-3"},
+                           Row{"<string>0x10</string>", nullptr},
+                           Row{"<string></string>", nullptr},
+                           Row{"<string>5%@%n%d</string>", "5%@%n%d"},
+                           Row{"<array><true/></array>", nullptr},
+                           Row{"<dict><key>a</key><true/></dict>", nullptr},
+                           Row{"<date>2024-03-05T14:07:09Z</date>", nullptr},
+                           Row{"<data>AQID</data>", nullptr}}) {
+        const Lines expected = row.shown == nullptr ? nothing
+                                                    : tracing({{"TraceX", 2}}) + enabling({{"EnableX", 1}}) +
+                                                          modifying({{"DebugX", 2, row.shown}});
+        EXPECT_EQ(reportOf(allOf({"DebugX", "EnableX", "TraceX"}, row.value)), expected) << row.value;
+    }
+}
+
+TEST(DefaultsReport, writesKeysAsTheyAre) {
+    EXPECT_EQ(reportOf(allOf({"Trace%@", "Enable%n", "Disable%d", "Debug %@ $(x)"})),
+              tracing({{"Trace%@", 7}}) + enabling({{"Enable%n", 6}}) + disabling({{"Disable%d", 5}}) +
+                  modifying({{"Debug %@ $(x)", 1}}));
+}
+
+TEST(DefaultsReport, hasShortLinesWithoutAnIdentifier) {
+    const std::string versions = shortVersionEntry + versionEntry;
+    for (const std::string& entries :
+         {nameEntry + versions, entry("CFBundleIdentifier", "") + nameEntry + versions}) {
+        const Facts facts(Given{.info = plistOf(entries),
+                                .settings = {{"TraceIO", "<true/>"},
+                                             {"TraceNetwork", "<true/>"},
+                                             {"EnableBeta", "<true/>"},
+                                             {"DisableCache", "<true/>"},
+                                             {"DebugLevel", "<integer>3</integer>"}}});
+        EXPECT_EQ(report(),
+                  (Lines{noIdentifier, "Debug logging:", "TraceIO is active.", "TraceNetwork is active.",
+                         separator, "Feature enabling:", "EnableBeta is active.", separator,
+                         "Feature disabling:", "DisableCache is active.", separator,
+                         "Feature modifying:", "DebugLevel is set to 3.", separator}));
+    }
+    const Facts facts(Given{.info = ""});
+    EXPECT_EQ(report(), Lines{noInfo}) << "it looks for the identifier even without a section";
+}
+
+TEST(DefaultsReport, keepsTheTraceKeysButReadsTheOthersAfresh) {
+    Facts facts(Given{.settings = {traced, {"EnableX", "<true/>"}}});
+    facts.keys.replace({{"TraceLater", "<true/>"}, {"EnableLater", "<true/>"}});
+    EXPECT_EQ(report(), tracing({{"TraceIO", 5}}) + enabling({{"EnableLater", 1}}));
+    ZQLog::initializeTraceDefaultsDict();
+    EXPECT_EQ(report(), tracing({{"TraceLater", 2}}) + enabling({{"EnableLater", 1}}));
+}
+
+TEST(DefaultsReport, reportsAllDomainsByTheirPrecedence) {
+    // In a child, since what a process registers or sets stays with it.
+    EXPECT_TRUE(logtest::inChild([] {
+        Given given{.settings = allOf({"TraceGlobal", "EnableSet", "EnableGlobal", "DisableArg"})};
+        given.settings.push_back({"DebugLevel", "<integer>3</integer>"});
+        given.commandLine = {"-DisableArg", "NO", "-EnableArg", "yes", "-DebugLevel", "17"};
+        const Facts facts(given);
+        NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+        defaults.setObject_forKey(NSString("NO"), "EnableSet");
+        defaults.setObject_forKey(NSString("2"), "DebugSet");
+        defaults.registerDefaults(NSDictionary{{"DisableFirst", "YES"}, {"DebugLevel", "9"}});
+        EXPECT_EQ(report(), tracing({{"TraceGlobal", 2}}) +
+                                enabling({{"EnableArg", 4}, {"EnableGlobal", 1}}) +
+                                disabling({{"DisableFirst", 1}}) +
+                                modifying({{"DebugLevel", 3, "17"}, {"DebugSet", 5, "2"}}));
+        return !testing::Test::HasFailure();
+    }));
 }

@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 namespace {
 

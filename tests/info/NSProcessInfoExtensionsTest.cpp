@@ -2,129 +2,174 @@
 // The names and folders of the application.
 #include "foundation/process/NSProcessInfo.h"
 
+#include <climits>
+
+#include <pwd.h>
+
 #include "log/ZQLog.h"
 #include "tests/info/InfoScene.h"
-#include "tests/log/LogTestSupport.h"
 
 using namespace ZQFoundation;
-using infotest::ApplicationScene;
-using infotest::utf8Of;
+using namespace infotest;
 
 namespace {
 
-constexpr const char* both = "{ ZQCompanyName = Acme; NSHumanReadableShortName = Viewer; }";
+std::string realPath(const std::string& path) {
+    char resolved[PATH_MAX];
+    return ::realpath(path.c_str(), resolved) != nullptr ? resolved : "(no such path)";
+}
 
-std::string logs() { return utf8Of(NSProcessInfo::pathOfLibraryLogSubfolder()); }
+std::string company(const std::string& name) { return entry("ZQCompanyName", name); }
+std::string shortName(const std::string& name) { return entry("NSHumanReadableShortName", name); }
+const std::string both = company("Acme") + shortName("Viewer");
 
-std::string applicationSupport() { return utf8Of(NSProcessInfo::pathOfLibraryApplicationSupportSubfolder()); }
-
-std::string subpath() { return utf8Of(NSProcessInfo::appSpecificLibrarySubpath()); }
-
-/// A home folder of the test's own, without links on the way to it.
-class Home {
+/// The program runs from an application of these entries, under the name "viewerd", with a home of its own.
+class Identity {
 public:
-    Home() : resolved_(::realpath(folder_.path().c_str(), nullptr)) {}
-    Home(const Home&) = delete;
-    Home& operator=(const Home&) = delete;
-    ~Home() { std::free(resolved_); }
-    std::string path() const { return resolved_; }
-    std::string operator/(const std::string& name) const { return folder_ / name; }
+    explicit Identity(const std::string& entries, const char* homeName = "home",
+                      const std::vector<std::string>& localizations = {})
+        : application(plistOf(entries), localizations), homeFolder_(folder.makeFolder("home")),
+          home_("HOME", (folder / homeName).c_str()) {}
+
+    std::string home() const { return realPath(homeFolder_); }
+    std::string operator/(const std::string& name) const { return homeFolder_ + "/" + name; }
+
+    const kit::ScratchFolder folder;
+    const ApplicationScene application;
 
 private:
-    const scene::Folder folder_;
-    char* resolved_;
-    const scene::Variable home_{"HOME", folder_.path().c_str()};
+    const logtest::ProcessName process_{"viewerd"};
+    const std::string homeFolder_;
+    const kit::Variable home_;
+    const kit::Variable state_{"XDG_STATE_HOME", nullptr};
+    const kit::Variable data_{"XDG_DATA_HOME", nullptr};
 };
+
+std::string companyName() { return utf8Of(NSProcessInfo::shortCompanyName()); }
+std::string applicationName() { return utf8Of(NSProcessInfo::shortApplicationName()); }
+std::string subpath() { return utf8Of(NSProcessInfo::appSpecificLibrarySubpath()); }
+std::string supportFolder() { return utf8Of(NSProcessInfo::pathOfLibraryApplicationSupportSubfolder()); }
+std::string logFolder() { return utf8Of(NSProcessInfo::pathOfLibraryLogSubfolder()); }
 
 } // namespace
 
-TEST(NSProcessInfoExtensions, takeTheNamesFromTheInfoDictionary) {
-    const ApplicationScene application(both);
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortCompanyName()), "Acme");
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortApplicationName()), "Viewer");
-    EXPECT_EQ(subpath(), "Acme/Viewer");
-}
-
-TEST(NSProcessInfoExtensions, preferTheLocalizedNames) {
-    const ApplicationScene application(both, {"en"});
-    application.writeTable("en.lproj/InfoPlist.strings", "NSHumanReadableShortName = Looker;");
-    EXPECT_EQ(subpath(), "Acme/Looker");
-}
-
-TEST(NSProcessInfoExtensions, leaveOutACompanyThatIsNotGiven) {
-    const ApplicationScene application("{ NSHumanReadableShortName = Viewer; }");
-    const Home home;
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortCompanyName()), "(nil)");
-    EXPECT_EQ(subpath(), "Viewer");
-    EXPECT_EQ(logs(), home.path() + "/Library/Logs/Viewer");
-    EXPECT_EQ(applicationSupport(), home.path() + "/Library/Application Support/Viewer");
-}
-
-TEST(NSProcessInfoExtensions, useAnEmptyCompanyAsItStands) {
-    const ApplicationScene application("{ ZQCompanyName = \"\"; NSHumanReadableShortName = Viewer; }");
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortCompanyName()), "");
-    EXPECT_EQ(subpath(), "Viewer");
-}
-
-TEST(NSProcessInfoExtensions, useTheTextOfACompanyThatIsNoString) {
-    const ApplicationScene application(
-        "<plist><dict><key>ZQCompanyName</key><integer>42</integer></dict></plist>");
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortCompanyName()), "42");
-}
-
-TEST(NSProcessInfoExtensions, fallBackToTheProcessName) {
-    const logtest::ProcessName name("viewerd"); // an earlier test may have set another
-    const ApplicationScene application("{ CFBundleIdentifier = com.example.v; }");
-    const scene::Arguments arguments(detail::overrides::arguments, {"/usr/bin/viewerd"});
-    const Home home;
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortApplicationName()), "viewerd");
-    EXPECT_EQ(applicationSupport(), home.path() + "/Library/Application Support/viewerd");
-}
-
-TEST(NSProcessInfoExtensions, useAnEmptyApplicationNameAsItStands) {
-    const ApplicationScene application("{ NSHumanReadableShortName = \"\"; }");
-    EXPECT_EQ(utf8Of(NSProcessInfo::shortApplicationName()), "");
+TEST(NSProcessInfoExtensions, composeNamesAndFoldersFromCompanyAndShortName) {
+    struct Row {
+        std::string entries;
+        const char* company;
+        const char* name;
+        const char* subpath;
+        const char* belowLogs; ///< of the log folder, after the home folder
+    };
+    const Row rows[] = {
+        {both, "Acme", "Viewer", "Acme/Viewer", "/Library/Logs/Acme/Viewer"},
+        {shortName("Viewer"), "(nil)", "Viewer", "Viewer", "/Library/Logs/Viewer"},
+        {company("Acme"), "Acme", "viewerd", "Acme/viewerd", "/Library/Logs/Acme/viewerd"},
+        {"", "(nil)", "viewerd", "viewerd", "/Library/Logs/viewerd"},
+        {"<key>ZQCompanyName</key><integer>42</integer>"
+         "<key>NSHumanReadableShortName</key><integer>7</integer>",
+         "42", "7", "42/7", "/Library/Logs/42/7"},
+        // Only absence is asked for: an empty text counts as present.
+        {company("") + shortName("Viewer"), "", "Viewer", "Viewer", "/Library/Logs/Viewer"},
+        {company("Acme") + shortName(""), "Acme", "", "Acme", "/Library/Logs/Acme"},
+        {shortName(""), "(nil)", "", "", "/Library/Logs"},
+        // Nothing is trimmed.
+        {company(" Acme ") + shortName(" V "), " Acme ", " V ", " Acme / V ", "/Library/Logs/ Acme / V "},
+        {company("\xC3\x84gidius") + shortName("V"), "\xC3\x84gidius", "V", "\xC3\x84gidius/V",
+         "/Library/Logs/\xC3\x84gidius/V"},
+        // Slashes and dots are not replaced either.
+        {company("A/B") + shortName("C//D"), "A/B", "C//D", "A/B/C/D", "/Library/Logs/A/B/C/D"},
+        {company("Acme") + shortName("../Other"), "Acme", "../Other", "Acme/../Other", "/Library/Logs/Other"},
+        {shortName(".."), "(nil)", "..", "..", "/Library"},
+        {company("..") + shortName("../V"), "..", "../V", "../../V", "/V"},
+        {company(".") + shortName("V"), ".", "V", "./V", "/Library/Logs/V"},
+        {company("Acme") + shortName("V/"), "Acme", "V/", "Acme/V", "/Library/Logs/Acme/V"},
+        {company("Acme/") + shortName("/V"), "Acme/", "/V", "Acme/V", "/Library/Logs/Acme/V"},
+        {shortName("/V"), "(nil)", "/V", "/V", "/Library/Logs/V"},
+        // Alone, the name is the subpath as it is.
+        {shortName("a//b/"), "(nil)", "a//b/", "a//b/", "/Library/Logs/a/b"},
+        {company("~") + shortName("V"), "~", "V", "~/V", "/Library/Logs/~/V"},
+    };
+    for (const Row& row : rows) {
+        const Identity identity(row.entries);
+        EXPECT_EQ(companyName(), row.company) << row.entries;
+        EXPECT_EQ(applicationName(), row.name) << row.entries;
+        EXPECT_EQ(subpath(), row.subpath) << row.entries;
+        EXPECT_EQ(logFolder(), identity.home() + row.belowLogs) << row.entries;
+    }
+    const Identity folded(shortName("../Logs/V"));
+    EXPECT_EQ(supportFolder(), folded.home() + "/Library/Logs/V");
 }
 
 TEST(NSProcessInfoExtensions, composeThePathsWithoutMakingFolders) {
-    const ApplicationScene application(both);
-    const Home home;
-    EXPECT_EQ(logs(), home.path() + "/Library/Logs/Acme/Viewer");
-    EXPECT_EQ(applicationSupport(), home.path() + "/Library/Application Support/Acme/Viewer");
-    EXPECT_NE(::access((home / "Library").c_str(), F_OK), 0);
+    const Identity identity(both);
+    EXPECT_EQ(supportFolder(), identity.home() + "/Library/Application Support/Acme/Viewer");
+    EXPECT_EQ(logFolder(), identity.home() + "/Library/Logs/Acme/Viewer");
+    EXPECT_EQ(::rmdir((identity / "").c_str()), 0) << "something was made in the home folder";
 }
 
-TEST(NSProcessInfoExtensions, resolveLinksOnTheWayToTheHomeFolder) {
-    const ApplicationScene application(both);
-    const Home outer;
-    const scene::Folder base;
-    base.makeFolder("real");
-    ASSERT_EQ(::symlink("real", (base / "link").c_str()), 0);
-    const scene::Variable home("HOME", (base / "link").c_str());
-    char* const resolved = ::realpath((base / "real").c_str(), nullptr);
-    EXPECT_EQ(logs(), std::string(resolved) + "/Library/Logs/Acme/Viewer");
-    std::free(resolved);
+TEST(NSProcessInfoExtensions, preferTheLocalizedNames) {
+    const Identity identity(both, "home", {"en"});
+    identity.application.writeTable("en.lproj/InfoPlist.strings", "NSHumanReadableShortName = \"Looker\";\n");
+    EXPECT_EQ(subpath(), "Acme/Looker");
 }
 
-TEST(NSProcessInfoExtensions, takeSlashesAndDoubleDotsInNamesAsTheyStand) {
-    const Home home;
+TEST(NSProcessInfoExtensions, useTheProcessNameWithoutAnInfoDictionary) {
+    const logtest::ProcessName process("viewerd");
+    const ApplicationScene none("");
+    EXPECT_EQ(companyName(), "(nil)");
+    EXPECT_EQ(applicationName(), "viewerd");
+    EXPECT_EQ(subpath(), "viewerd");
+    const logtest::ProcessName renamed("renamed");
+    EXPECT_EQ(applicationName(), "renamed") << "it is read afresh";
+}
+
+TEST(NSProcessInfoExtensions, readTheHomeFolderAfresh) {
+    const Identity identity(shortName("V"));
+    EXPECT_EQ(logFolder(), identity.home() + "/Library/Logs/V");
+    const std::string other = identity.folder.makeFolder("other");
+    const kit::Variable home("HOME", other.c_str());
+    EXPECT_EQ(logFolder(), realPath(other) + "/Library/Logs/V");
+    EXPECT_EQ(supportFolder(), realPath(other) + "/Library/Application Support/V");
+    home.change(nullptr);
+    const passwd* const account = ::getpwuid(::getuid());
+    ASSERT_NE(account, nullptr);
+    const std::string listed = account->pw_dir;
+    const std::string resolved = ::access(listed.c_str(), F_OK) == 0 ? realPath(listed) : listed;
+    EXPECT_EQ(logFolder(), (resolved == "/" ? "" : resolved) + "/Library/Logs/V") << "of the user database";
+}
+
+TEST(NSProcessInfoExtensions, resolveLinksOnTheWayToTheHomeFolderOnly) {
     {
-        const ApplicationScene application(
-            "{ ZQCompanyName = \"a/b\"; NSHumanReadableShortName = \"c//d\"; }");
-        EXPECT_EQ(logs(), home.path() + "/Library/Logs/a/b/c/d");
+        const Identity identity(both, "link/inner");
+        ASSERT_EQ(::symlink("home", (identity.folder / "link").c_str()), 0);
+        identity.folder.makeFolder("home/inner");
+        EXPECT_EQ(logFolder(), identity.home() + "/inner/Library/Logs/Acme/Viewer");
+        EXPECT_EQ(supportFolder(), identity.home() + "/inner/Library/Application Support/Acme/Viewer");
     }
     {
-        const ApplicationScene application("{ ZQCompanyName = \"..\"; NSHumanReadableShortName = Viewer; }");
-        EXPECT_EQ(logs(), home.path() + "/Library/Viewer");
+        const Identity identity(shortName("V"));
+        identity.folder.makeFolder("elsewhere/Logs/V");
+        ASSERT_EQ(::symlink("../elsewhere", (identity / "Library").c_str()), 0);
+        EXPECT_EQ(logFolder(), identity.home() + "/Library/Logs/V");
     }
+    const Identity identity(shortName("V"), "gone/for/good/");
+    EXPECT_EQ(logFolder(), realPath(identity.folder.path()) + "/gone/for/good/Library/Logs/V");
+}
+
+TEST(NSProcessInfoExtensions, resolveLinksForDoubleDotsIfAllOfThePathExists) {
+    const Identity identity(company("Acme") + shortName("../V"));
+    identity.folder.makeFolder("elsewhere/Logs/V");
+    identity.folder.makeFolder("elsewhere/Logs/Acme");
+    ASSERT_EQ(::symlink("../elsewhere", (identity / "Library").c_str()), 0);
+    EXPECT_EQ(logFolder(), realPath(identity.folder / "elsewhere/Logs/V"));
 }
 
 // ZQFolderLayout
 
 namespace {
 
-constexpr const char* xdg =
-    "{ ZQCompanyName = Acme; NSHumanReadableShortName = Viewer; ZQFolderLayout = XDG; }";
+const std::string xdg = both + entry("ZQFolderLayout", "XDG");
 
 mode_t modeOf(const std::string& path) {
     struct stat information {};
@@ -132,68 +177,45 @@ mode_t modeOf(const std::string& path) {
     return information.st_mode & 07777;
 }
 
-/// Neither variable is set, until a test sets one.
-struct NoXdgFolders {
-    scene::Variable state{"XDG_STATE_HOME", nullptr};
-    scene::Variable data{"XDG_DATA_HOME", nullptr};
-};
-
 } // namespace
 
 TEST(NSProcessInfoExtensions, placeAndMakeFoldersAsOtherDesktopApplicationsDoWhenAsked) {
-    const ApplicationScene application(xdg);
-    const Home home;
-    const NoXdgFolders none{};
-    EXPECT_EQ(logs(), home.path() + "/.local/state/Acme/Viewer");
-    EXPECT_EQ(applicationSupport(), home.path() + "/.local/share/Acme/Viewer");
-    EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), logs());
+    const Identity identity(xdg);
+    EXPECT_EQ(logFolder(), identity.home() + "/.local/state/Acme/Viewer");
+    EXPECT_EQ(supportFolder(), identity.home() + "/.local/share/Acme/Viewer");
+    EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), logFolder());
     for (const char* const folder :
          {".local", ".local/state", ".local/state/Acme/Viewer", ".local/share/Acme"}) {
-        EXPECT_EQ(modeOf(home / folder), 0700U) << folder;
+        EXPECT_EQ(modeOf(identity / folder), 0700U) << folder;
     }
-    EXPECT_NE(::access((home / "Library").c_str(), F_OK), 0);
+    EXPECT_NE(::access((identity / "Library").c_str(), F_OK), 0);
+    ASSERT_EQ(::chmod((identity / ".local/state/Acme/Viewer").c_str(), 0755), 0);
+    logFolder();
+    EXPECT_EQ(modeOf(identity / ".local/state/Acme/Viewer"), 0755U) << "an existing folder stays as it is";
 }
 
 TEST(NSProcessInfoExtensions, followTheVariablesOfThatLayoutThatAreAbsolutePaths) {
-    const ApplicationScene application(xdg);
-    const Home home;
-    const NoXdgFolders none{};
-    {
-        const scene::Variable state("XDG_STATE_HOME", (home / "s").c_str());
-        const scene::Variable data("XDG_DATA_HOME", (home / "d").c_str());
-        EXPECT_EQ(logs(), home.path() + "/s/Acme/Viewer");
-        EXPECT_EQ(applicationSupport(), home.path() + "/d/Acme/Viewer");
-        EXPECT_EQ(::access((home / ".local").c_str(), F_OK), -1);
-    }
-    const scene::Variable relative("XDG_STATE_HOME", "s");
-    EXPECT_EQ(logs(), home.path() + "/.local/state/Acme/Viewer");
-}
-
-TEST(NSProcessInfoExtensions, nameFoldersOfThatLayoutThatCannotBeMade) {
-    const ApplicationScene application(xdg);
-    const Home home;
-    const NoXdgFolders none{};
-    const scene::Variable state("XDG_STATE_HOME", "/dev/null/state");
-    EXPECT_EQ(logs(), "/dev/null/state/Acme/Viewer");
+    const Identity identity(xdg);
+    const kit::Variable state("XDG_STATE_HOME", (identity / "s").c_str());
+    const kit::Variable data("XDG_DATA_HOME", (identity / "d").c_str());
+    EXPECT_EQ(logFolder(), identity.home() + "/s/Acme/Viewer");
+    EXPECT_EQ(supportFolder(), identity.home() + "/d/Acme/Viewer");
+    EXPECT_EQ(::access((identity / ".local").c_str(), F_OK), -1);
+    state.change("s");
+    EXPECT_EQ(logFolder(), identity.home() + "/.local/state/Acme/Viewer");
+    // Folders that cannot be made are named nevertheless.
+    state.change("/dev/null/state");
+    EXPECT_EQ(logFolder(), "/dev/null/state/Acme/Viewer");
     EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), "/tmp");
 }
 
-TEST(NSProcessInfoExtensions, leaveFoldersOfThatLayoutAsTheyAreAndIgnoreOtherValues) {
-    const Home home;
-    const NoXdgFolders none{};
-    {
-        const ApplicationScene application(xdg);
-        logs();
-        ASSERT_EQ(::chmod((home / ".local/state/Acme/Viewer").c_str(), 0755), 0);
-        logs();
-        EXPECT_EQ(modeOf(home / ".local/state/Acme/Viewer"), 0755U);
+TEST(NSProcessInfoExtensions, ignoreOtherNamesOfLayouts) {
+    for (const std::string value : {"<string>xdg</string>", "<string/>", "<string>Library</string>",
+                                    "<array><string>XDG</string></array>"}) {
+        const Identity identity(shortName("Viewer") + "<key>ZQFolderLayout</key>" + value);
+        EXPECT_EQ(logFolder(), identity.home() + "/Library/Logs/Viewer") << value;
     }
-    for (const char* const value : {"xdg", "\"\"", "( XDG )", "Library"}) {
-        const ApplicationScene other(std::string("{ NSHumanReadableShortName = Viewer; ZQFolderLayout = ") +
-                                     value + "; }");
-        EXPECT_EQ(logs(), home.path() + "/Library/Logs/Viewer") << value;
-    }
-    const ApplicationScene translated("{ NSHumanReadableShortName = Viewer; }", {"en"});
-    translated.writeTable("en.lproj/InfoPlist.strings", "ZQFolderLayout = XDG;");
-    EXPECT_EQ(logs(), home.path() + "/Library/Logs/Viewer");
+    const Identity translated(shortName("Viewer"), "home", {"en"});
+    translated.application.writeTable("en.lproj/InfoPlist.strings", "ZQFolderLayout = XDG;");
+    EXPECT_EQ(logFolder(), translated.home() + "/Library/Logs/Viewer");
 }

@@ -18,7 +18,7 @@
 #include <optional>
 #include <string>
 
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
 
 namespace networkscene {
 
@@ -199,19 +199,12 @@ std::optional<std::string> inNetworkOfItsOwn(const Body& body) {
             text = allowed + body();
         }
         const bool whole = ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
-        scene::leave(whole ? 0 : 1);
+        ZQFoundation::kit::leave(whole ? 0 : 1);
     }
     ::close(ends[1]);
-    std::string text;
-    char buffer[4096];
-    ssize_t count = 0;
-    while ((count = ::read(ends[0], buffer, sizeof buffer)) > 0) {
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
+    const std::string text = ZQFoundation::kit::readToEnd(ends[0]);
     ::close(ends[0]);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0 && !text.empty()) << "status " << status;
+    EXPECT_EQ(ZQFoundation::kit::endOf(child), 0);
     if (text.empty() || text.front() == refused) {
         return std::nullopt;
     }

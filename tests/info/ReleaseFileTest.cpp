@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/objects/TestValues.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using TestValues::utf8Of;
+using kit::utf8Of;
 
 namespace {
 
@@ -65,7 +65,7 @@ TEST(ReleaseFile, takesTheLastOfSeveralValues) {
     EXPECT_EQ(valueOf("NAME=a\nNAME=\n"), "");
 }
 
-TEST(ReleaseFile, passesOverOtherLines) {
+TEST(ReleaseFile, ignoresOtherLines) {
     const NSDictionary entries =
         detail::releaseEntriesFromBytes("\n\r\n# comment\n;\nNAME\n=x\nNAME "
                                         "=a\nname=b\nXNAME=c\nNAMEX=d\nexport NAME=e\nPRETTY_NAME=\"f\"\n");

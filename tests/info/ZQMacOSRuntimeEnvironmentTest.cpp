@@ -1,138 +1,294 @@
 // SPDX-License-Identifier: MIT
-// The runtime environment of this machine, read once, and its texts.
+// The version numbers of the system, read once, and its texts, read at each call.
 #include "info/ZQMacOSRuntimeEnvironment.h"
 
+#include <array>
+#include <thread>
+
 #include "tests/info/InfoScene.h"
-#include "tests/log/LogTestSupport.h"
 
 using namespace ZQFoundation;
-using infotest::SystemScene;
-using infotest::utf8Of;
+using namespace infotest;
 using Environment = ZQMacOSRuntimeEnvironment;
 
 namespace {
 
-// The library's language is chosen once in a process, and these tests compare its English texts.
-const scene::NoLanguages english;
+// The library's language is chosen once in a process, and these tests compare its untranslated texts.
+const kit::NoLanguages untranslated;
 
-/// "major.minor.patch" and how many of the five release tests hold, from the oldest on.
-std::string seen() {
-    const bool answers[] = {Environment::isSierraOrLater(), Environment::isHighSierraOrLater(),
-                            Environment::isMojaveOrLater(), Environment::isCatalinaOrLater(),
-                            Environment::isBigSurOrLater()};
-    int holding = 0;
-    while (holding < 5 && answers[holding]) {
-        ++holding;
-    }
-    for (int i = holding; i < 5; ++i) {
-        holding = answers[i] ? 99 : holding; // a later one must not hold without the earlier ones
-    }
-    return std::to_string(Environment::osVersionMajor()) + "." +
-           std::to_string(Environment::osVersionMinor()) + "." +
-           std::to_string(Environment::osVersionPatch()) + " " + std::to_string(holding);
+/// Checks in a child, which is the first to use the class.
+template <class Checks>
+void inFirstUse(const Checks& checks, const std::string& about = "") {
+    EXPECT_TRUE(logtest::inChild([&] {
+        checks();
+        return !testing::Test::HasFailure();
+    })) << about;
 }
 
-/// What a process that has not used the class yet sees; says so when it differs.
-bool sees(const std::string& expected) {
-    return logtest::inChild([&] {
-        if (seen() != expected) {
-            std::fprintf(stderr, "sees %s instead of %s\n", seen().c_str(), expected.c_str());
-            return false;
+std::string numbers() {
+    return std::to_string(Environment::osVersionMajor()) + " " +
+           std::to_string(Environment::osVersionMinor()) + " " +
+           std::to_string(Environment::osVersionPatch());
+}
+
+/// One letter for each release test, from the oldest on.
+std::string releaseTests() {
+    std::string letters;
+    for (const bool holds :
+         {Environment::isSierraOrLater(), Environment::isHighSierraOrLater(), Environment::isMojaveOrLater(),
+          Environment::isCatalinaOrLater(), Environment::isBigSurOrLater()}) {
+        letters += holds ? 'Y' : 'n';
+    }
+    return letters;
+}
+
+void expectTexts(const std::string& version, const std::string& name, const std::string& build,
+                 const std::string& about) {
+    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), version) << about;
+    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), name) << about;
+    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), build) << about;
+}
+
+struct Row {
+    const char* value; ///< of ProductVersion, as a piece of XML
+    const char* numbers;
+    const char* tests;
+};
+
+void expectRows(std::initializer_list<Row> rows) {
+    logtest::inFreshProcess([&] {
+        for (const Row& row : rows) {
+            const SystemScene system;
+            system.writeVersionFile(
+                plistOf((row.value[0] != '\0' ? "<key>ProductVersion</key>" : "") + std::string(row.value)));
+            inFirstUse(
+                [&] {
+                    EXPECT_EQ(numbers(), row.numbers);
+                    EXPECT_EQ(releaseTests(), row.tests);
+                },
+                row.value);
         }
-        return true;
     });
+}
+
+/// Runs a copy of this program that has a string table beside it; true when the test ran and passed there.
+bool runBesideTable(const std::string& table) {
+    const kit::ScratchFolder folder;
+    const std::string program = folder.write("program", kit::contentsOf("/proc/self/exe"));
+    folder.write("Resources/Localizable.strings", table);
+    ::chmod(program.c_str(), 0755);
+    const std::string marker = folder / "ran";
+    const kit::Variable markerPath("ZQ_TEST_BESIDE_TABLE", marker.c_str());
+    const kit::Variable noOutput("GTEST_OUTPUT", nullptr);
+    const kit::Variable noShards("GTEST_TOTAL_SHARDS", nullptr);
+    const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string filter = std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name();
+    std::string name = program;
+    char* const arguments[] = {name.data(), filter.data(), nullptr};
+    const bool passed = logtest::inChild([&] {
+        ::execv(program.c_str(), arguments);
+        return false;
+    });
+    return passed && ::access(marker.c_str(), F_OK) == 0;
 }
 
 } // namespace
 
 TEST(ZQMacOSRuntimeEnvironment, readsTheComponentsOfTheVersion) {
-    struct Row {
-        const char* version;
-        const char* seen;
-    };
+    expectRows({
+        {"<string>10.15.7</string>", "10 15 7", "YYYYn"},
+        {"<string>12.1.0.3</string>", "12 1 0", "YYYYY"},
+        {"<string>1.2.3.4.5.6</string>", "1 2 3", "nnnnn"},
+        {"<string>10..2</string>", "10 0 2", "nnnnn"},
+        {"<string>..5</string>", "0 0 5", "nnnnn"},
+        {"<string>14.</string>", "14 0 0", "YYYYY"},
+        {"<string>.</string>", "0 0 0", "nnnnn"},
+        {"<string></string>", "0 0 0", "nnnnn"},
+        {"", "0 0 0", "nnnnn"},
+        // Each component is read leniently.
+        {"<string>10.15b.3</string>", "10 15 3", "YYYYn"},
+        {"<string>-3.16.2</string>", "0 16 2", "nnnnn"},
+        {"<string>10.-16.-1</string>", "10 0 0", "nnnnn"},
+        {"<string> 10. +14.\t 5</string>", "10 14 5", "YYYnn"},
+        {"<string>beta.b2.x</string>", "0 0 0", "nnnnn"},
+        {"<string>0x10.1e3.010</string>", "0 1 10", "nnnnn"},
+        {"<string>10,16.5</string>", "10 5 0", "nnnnn"},
+        {"<string>10.\xD9\xA1\xD9\xA1.5</string>", "10 0 5", "nnnnn"},
+        {"<string>4294967297.2147483648.5000000000</string>", "4294967297 2147483648 5000000000", "YYYYY"},
+        {"<string>99999999999999999999.-99999999999999999999</string>", "9223372036854775807 0 0", "YYYYY"},
+        // Anything but a string is an empty version.
+        {"<integer>14</integer>", "0 0 0", "nnnnn"},
+        {"<real>10.16</real>", "0 0 0", "nnnnn"},
+        {"<true/>", "0 0 0", "nnnnn"},
+        {"<array><string>14</string></array>", "0 0 0", "nnnnn"},
+        {"<dict/>", "0 0 0", "nnnnn"},
+        {"<date>2024-03-05T14:07:09Z</date>", "0 0 0", "nnnnn"},
+    });
+}
+
+TEST(ZQMacOSRuntimeEnvironment, testsReleasesByMajorAndMinorAlone) {
+    expectRows({
+        {"<string>10.11.6</string>", "10 11 6", "nnnnn"},
+        {"<string>10.11.99</string>", "10 11 99", "nnnnn"},
+        {"<string>10.12</string>", "10 12 0", "Ynnnn"},
+        {"<string>10.12.6</string>", "10 12 6", "Ynnnn"},
+        {"<string>10.13</string>", "10 13 0", "YYnnn"},
+        {"<string>10.14</string>", "10 14 0", "YYYnn"},
+        {"<string>10.15</string>", "10 15 0", "YYYYn"},
+        {"<string>10.16</string>", "10 16 0", "YYYYY"},
+        {"<string>10.17</string>", "10 17 0", "YYYYY"},
+        {"<string>10</string>", "10 0 0", "nnnnn"},
+        {"<string>9.99.99</string>", "9 99 99", "nnnnn"},
+        {"<string>11.0</string>", "11 0 0", "YYYYY"},
+        {"<string>11</string>", "11 0 0", "YYYYY"},
+        {"<string>11.2</string>", "11 2 0", "YYYYY"},
+        {"<string>100.1</string>", "100 1 0", "YYYYY"},
+    });
+}
+
+TEST(ZQMacOSRuntimeEnvironment, knowsNothingWithoutADictionaryInTheFile) {
     logtest::inFreshProcess([] {
-        for (const Row& row : {Row{"10.15.7", "10.15.7 4"},
-                               Row{"11.2", "11.2.0 5"},
-                               Row{"14", "14.0.0 5"},
-                               Row{"10.16", "10.16.0 5"},
-                               Row{"10.11.6", "10.11.6 0"},
-                               Row{"10.12", "10.12.0 1"},
-                               Row{"10.13.6", "10.13.6 2"},
-                               Row{"10.14", "10.14.0 3"},
-                               Row{"11.0", "11.0.0 5"},
-                               Row{"12.1.0.3", "12.1.0 5"},
-                               Row{"9.99", "9.99.0 0"},
-                               Row{"", "0.0.0 0"},
-                               Row{"10..2", "10.0.2 0"},
-                               Row{"10.15b", "10.15.0 4"},
-                               Row{"-3.16", "0.16.0 0"},
-                               Row{"+10. 16.x", "10.16.0 5"},
-                               Row{"beta", "0.0.0 0"},
-                               Row{"...", "0.0.0 0"},
-                               Row{"99999999999999999999", "9223372036854775807.0.0 5"},
-                               Row{"10.\xD9\xA3", "10.0.0 0"}}) {
+        const auto check = [] {
+            EXPECT_FALSE(Environment::systemVersionPlist());
+            EXPECT_EQ(numbers(), "0 0 0");
+            EXPECT_EQ(releaseTests(), "nnnnn");
+            expectTexts("unknown version", "unknown OS", "unknown build", "");
+        };
+        const SystemScene system;
+        system.writeReleaseFile("NAME=Other\nVERSION_ID=12\n");
+        for (const std::string bytes : {"", "garbage @", "<plist><array/></plist>",
+                                        "<plist><dict><key>ProductVersion</key>", "(14, 2)", "justatext"}) {
+            system.writeVersionFile(bytes);
+            inFirstUse(check, bytes);
+        }
+        system.writeVersionFile(versionFileOf("14.2"));
+        system.makeVersionFileUnreadable();
+        EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                      check();
+                      return testing::Test::HasFailure() ? 1 : 0;
+                  }),
+                  0);
+    });
+}
+
+TEST(ZQMacOSRuntimeEnvironment, readsEveryFormOfPropertyList) {
+    logtest::inFreshProcess([] {
+        const std::string old = "{ ProductVersion = \"10.15.7\"; ProductName = Sampler; }";
+        for (const std::string& bytes :
+             {old, inUtf16(old), binaryVersionFile(),
+              std::string("ProductVersion = \"10.15.7\";\nProductName = Sampler;\n")}) {
             const SystemScene system;
-            system.writeVersionFile(infotest::versionFileOf(row.version));
-            EXPECT_TRUE(sees(row.seen)) << row.version;
+            system.writeVersionFile(bytes);
+            inFirstUse(
+                [] {
+                    EXPECT_EQ(numbers(), "10 15 7");
+                    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "Sampler");
+                },
+                bytes);
         }
     });
 }
 
-TEST(ZQMacOSRuntimeEnvironment, takesAVersionThatIsNoStringForNone) {
+TEST(ZQMacOSRuntimeEnvironment, keepsTheNumbersAndTheWholeDictionaryButReadsTheTextsAfresh) {
     logtest::inFreshProcess([] {
         const SystemScene system;
-        system.writeVersionFile(infotest::versionFile("<key>ProductVersion</key><real>10.16</real>"));
-        EXPECT_TRUE(sees("0.0.0 0"));
-        system.writeVersionFile(infotest::versionFile("<key>ProductVersion</key><integer>14</integer>"));
-        EXPECT_TRUE(sees("0.0.0 0"));
+        system.writeVersionFile(plistOf(entry("ProductVersion", "10.15.7") +
+                                        entry("ProductCopyright", "none") +
+                                        "<key>Number</key><integer>5</integer>"));
+        inFirstUse([&] {
+            Environment::initialize();
+            system.writeVersionFile(plistOf(entry("ProductVersion", "14.2") + entry("ProductName", "Later") +
+                                            entry("ProductUserVisibleVersion", "14.2.1") +
+                                            entry("ProductBuildVersion", "B2")));
+            Environment::initialize();
+            EXPECT_EQ(numbers(), "10 15 7");
+            EXPECT_EQ(releaseTests(), "YYYYn");
+            const NSDictionary plist = Environment::systemVersionPlist();
+            EXPECT_EQ(plist.count(), 3u);
+            EXPECT_EQ(valueOf(plist, "ProductVersion"), "10.15.7");
+            EXPECT_EQ(valueOf(plist, "ProductCopyright"), "none");
+            EXPECT_EQ(valueOf(plist, "Number"), "(no string)");
+            expectTexts("14.2.1", "Later", "B2", "");
+            EXPECT_EQ(utf8Of(ZQLogInfo::osVersionString()), "14.2");
+            system.writeVersionFile("garbage @");
+            EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "unknown version");
+            EXPECT_EQ(numbers(), "10 15 7");
+        });
+        system.writeVersionFile("garbage @");
+        inFirstUse([&] {
+            EXPECT_EQ(numbers(), "0 0 0");
+            system.writeVersionFile(versionFileOf("14.2"));
+            EXPECT_EQ(numbers(), "0 0 0");
+            EXPECT_FALSE(Environment::systemVersionPlist());
+            EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "14.2");
+        });
     });
 }
 
-TEST(ZQMacOSRuntimeEnvironment, knowsNothingFromABrokenFile) {
+TEST(ZQMacOSRuntimeEnvironment, readsTheNumbersAtTheFirstUseOfAnyOperation) {
     logtest::inFreshProcess([] {
-        const SystemScene system;
-        system.writeReleaseFile("VERSION_ID=12\n");
-        system.writeVersionFile("( 10, 16 )");
-        EXPECT_TRUE(sees("0.0.0 0"));
-        EXPECT_FALSE(Environment::systemVersionPlist());
-        EXPECT_EQ(Environment::userVisibleMacOSVersion(), "unknown version");
-        EXPECT_EQ(Environment::userVisibleMacOSName(), "unknown OS");
-        EXPECT_EQ(Environment::userVisibleMacOSBuild(), "unknown build");
+        for (void (*const firstUse)() : {+[] { static_cast<void>(Environment::userVisibleMacOSName()); },
+                                         +[] {
+                                             static_cast<void>(Environment::isPowerPC());
+                                         }}) {
+            const SystemScene system;
+            system.writeVersionFile(versionFileOf("10.15.7"));
+            inFirstUse([&] {
+                firstUse();
+                system.writeVersionFile(versionFileOf("14.2"));
+                EXPECT_EQ(numbers(), "10 15 7");
+            });
+        }
     });
 }
 
-TEST(ZQMacOSRuntimeEnvironment, readsTheReleaseDescriptionWhereThereIsNoFile) {
-    logtest::inFreshProcess([] {
+TEST(ZQMacOSRuntimeEnvironment, givesTextsUnchangedAndFallbacksForMissingOnes) {
+    struct TextRow {
+        std::string entries;
+        const char* version;
+        const char* name;
+        const char* build;
+    };
+    const TextRow rows[] = {
+        {entry("ProductUserVisibleVersion", " 14.2 ") + entry("ProductName", "S\xC3\xA4mpler") +
+             entry("ProductBuildVersion", "%@ 23C64"),
+         " 14.2 ", "S\xC3\xA4mpler", "%@ 23C64"},
+        // The actual version does not replace the one that is to be shown.
+        {entry("ProductVersion", "14.2"), "unknown version", "unknown OS", "unknown build"},
+        {entry("ProductUserVisibleVersion", "") + entry("ProductName", "") + entry("ProductBuildVersion", ""),
+         "unknown version", "unknown OS", "unknown build"},
+        {entry("ProductUserVisibleVersion", " "), " ", "unknown OS", "unknown build"},
+        {"", "unknown version", "unknown OS", "unknown build"},
+    };
+    for (const TextRow& row : rows) {
         const SystemScene system;
-        system.writeReleaseFile("NAME=\"Debian GNU/Linux\"\nVERSION_ID=\"12\"\nVERSION=\"12 (bookworm)\"\n");
-        EXPECT_TRUE(sees("12.0.0 0")); // whose release 12 it is, the release tests do not ask about
-        EXPECT_EQ(Environment::userVisibleMacOSVersion(), "12 (bookworm)");
-        EXPECT_EQ(Environment::userVisibleMacOSName(), "Debian GNU/Linux");
-        EXPECT_EQ(Environment::userVisibleMacOSBuild(), detail::system::kernelRelease());
-    });
+        system.writeVersionFile(plistOf(row.entries));
+        expectTexts(row.version, row.name, row.build, row.entries);
+    }
 }
 
-TEST(ZQMacOSRuntimeEnvironment, neverChangesTheNumbersButReadsTheTextsAfresh) {
-    logtest::inFreshProcess([] {
+TEST(ZQMacOSRuntimeEnvironment, translatesFallbacksByTheLibrarysOwnTable) {
+    if (const char* const marker = std::getenv("ZQ_TEST_BESIDE_TABLE")) {
         const SystemScene system;
-        system.writeVersionFile(infotest::versionFileOf("10.15.7"));
-        Environment::initialize();
-        system.writeVersionFile(infotest::versionFileOf("14.2"));
-        Environment::initialize();
-        EXPECT_EQ(seen(), "10.15.7 4");
-        EXPECT_EQ(Environment::systemVersionPlist().objectForKey("ProductVersion"), NSObject("10.15.7"));
-        EXPECT_EQ(Environment::systemVersionPlist().count(), 4u);
-        EXPECT_EQ(Environment::userVisibleMacOSVersion(), "14.2");
-    });
+        system.writeVersionFile("garbage @");
+        expectTexts("Version unbekannt", "System unbekannt", "unknown build", "");
+#if defined(__x86_64__) || defined(__aarch64__)
+        EXPECT_EQ(utf8Of(Environment::localizedProcessorArchitecture()), "Prozessor");
+#endif
+        std::FILE* const ran = std::fopen(marker, "w");
+        ASSERT_NE(ran, nullptr);
+        std::fclose(ran);
+        return;
+    }
+    EXPECT_TRUE(runBesideTable("\"unknown version\" = \"Version unbekannt\";\n"
+                               "\"unknown OS\" = \"System unbekannt\";\n"
+                               "\"Intel\" = \"Prozessor\";\n\"ARM\" = \"Prozessor\";\n"));
 }
 
-TEST(ZQMacOSRuntimeEnvironment, showsFallbacksForMissingAndEmptyTexts) {
-    const SystemScene system;
-    system.writeVersionFile(infotest::versionFile(infotest::entry("ProductUserVisibleVersion", "") +
-                                                  infotest::entry("ProductName", "Sampler OS")));
-    EXPECT_EQ(Environment::userVisibleMacOSVersion(), "unknown version");
-    EXPECT_EQ(Environment::userVisibleMacOSName(), "Sampler OS");
-    EXPECT_EQ(Environment::userVisibleMacOSBuild(), "unknown build");
+TEST(ZQMacOSRuntimeEnvironment, doesNotTranslateByTheTablesOfTheApplication) {
+    const Facts facts(Given{.versionFile = "garbage @"});
+    facts.application.writeTable("Localizable.strings", "\"unknown OS\" = \"mine\";\n");
+    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "unknown OS");
 }
 
 TEST(ZQMacOSRuntimeEnvironment, namesTheProcessorThatItWasBuiltFor) {
@@ -152,6 +308,38 @@ TEST(ZQMacOSRuntimeEnvironment, namesTheProcessorThatItWasBuiltFor) {
     EXPECT_FALSE(Environment::isPowerPC());
 }
 
+TEST(ZQMacOSRuntimeEnvironment, readsTheDescriptionsOfDistributions) {
+    logtest::inFreshProcess([] {
+        for (const Distribution& row : distributions) {
+            const SystemScene system;
+            if (row.file != nullptr) {
+                system.writeReleaseFile(row.file);
+            }
+            inFirstUse(
+                [&] {
+                    expectTexts(filledIn(row.userVisibleVersion), row.name, kernelRelease(), row.label);
+                    EXPECT_EQ(valueOf(Environment::systemVersionPlist(), "ProductVersion"),
+                              filledIn(row.version));
+                    if (row.numbers != nullptr) {
+                        EXPECT_EQ(numbers(), row.numbers);
+                    }
+                    EXPECT_EQ(releaseTests(), "nnnnn") << "they ask about another maker's releases";
+                },
+                row.label);
+        }
+    });
+}
+
+TEST(ZQMacOSRuntimeEnvironment, prefersTheVersionFileToADescription) {
+    logtest::inFreshProcess([] {
+        const SystemScene system;
+        system.writeReleaseFile("NAME=Debian\nVERSION_ID=12\n");
+        system.writeVersionFile(versionFileOf("10.13"));
+        EXPECT_EQ(numbers(), "10 13 0");
+        EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "Sampler OS");
+    });
+}
+
 TEST(ZQMacOSRuntimeEnvironment, keepsErrno) {
     logtest::inFreshProcess([] {
         const SystemScene system;
@@ -166,15 +354,17 @@ TEST(ZQMacOSRuntimeEnvironment, keepsErrno) {
 TEST(ZQMacOSRuntimeEnvironment, isReadOnceByThreadsThatUseItFirstAtOnce) {
     logtest::inFreshProcess([] {
         const SystemScene system;
-        system.writeVersionFile(infotest::versionFileOf("10.15.7"));
+        system.writeVersionFile(versionFileOf("10.15.7"));
+        std::array<std::string, 8> seen;
         std::vector<std::thread> threads;
-        std::atomic<int> wrong = 0;
-        for (int i = 0; i < 8; ++i) {
-            threads.emplace_back([&wrong] { wrong += seen() == "10.15.7 4" ? 0 : 1; });
+        for (std::string& text : seen) {
+            threads.emplace_back([&text] { text = numbers() + " " + releaseTests(); });
         }
         for (std::thread& thread : threads) {
             thread.join();
         }
-        EXPECT_EQ(wrong, 0);
+        for (const std::string& text : seen) {
+            EXPECT_EQ(text, "10 15 7 YYYYn");
+        }
     });
 }

@@ -39,7 +39,7 @@ TEST(FileContents, anEmptyFileIsEmptyData) {
     EXPECT_EQ(data.length(), 0U);
 }
 
-TEST(FileContents, readsFilesThatTellNoSize) {
+TEST(FileContents, readsFilesOfUnknownSize) {
     const NSData data = NSData::dataWithContentsOfFile("/proc/self/status");
     if (::access("/proc/self/status", R_OK) != 0) {
         GTEST_SKIP() << "there is no such file on this system";

@@ -114,57 +114,15 @@ TEST(HostilePropertyList, everyByteOfTheBinaryFormTakesEveryValue) {
 }
 
 TEST(HostilePropertyList, piecesPutTogetherAtRandom) {
-    static constexpr std::string_view pieces[] = {"{",
-                                                  "}",
-                                                  "(",
-                                                  ")",
-                                                  "<",
-                                                  ">",
-                                                  "=",
-                                                  ";",
-                                                  ",",
-                                                  "a",
-                                                  "\"",
-                                                  "'",
-                                                  "\\",
-                                                  "\\U",
-                                                  "/*",
-                                                  "*/",
-                                                  "//",
-                                                  "\n",
-                                                  " ",
-                                                  "0f",
-                                                  "<dict>",
-                                                  "</dict>",
-                                                  "<key>",
-                                                  "</key>",
-                                                  "<array>",
-                                                  "</array>",
-                                                  "<string>",
-                                                  "</string>",
-                                                  "<true/>",
-                                                  "<![CDATA[",
-                                                  "]]>",
-                                                  "<!--",
-                                                  "-->",
-                                                  "<?",
-                                                  "?>",
-                                                  "&#x",
-                                                  "&lt;",
-                                                  "<integer>1</integer>",
-                                                  "<data>",
-                                                  "</data>",
-                                                  "\xE2\x80\xA8",
-                                                  "\xC3\xA9",
-                                                  "<!DOCTYPE a",
-                                                  "[",
-                                                  "<plist>",
-                                                  "</plist>"};
+    const std::vector<std::string> pieces =
+        piecesOf("{|}|(|)|<|>|=|;|,|a|\"|'|\\|\\U|/*|*/|//|\n| |0f|<dict>|</dict>|<key>|</key>|<array>|"
+                 "</array>|<string>|</string>|<true/>|<![CDATA[|]]>|<!--|-->|<?|?>|&#x|&lt;|"
+                 "<integer>1</integer>|<data>|</data>|\xE2\x80\xA8|\xC3\xA9|<!DOCTYPE a|[|<plist>|</plist>");
     ValueMaker maker(7);
     for (int round = 0; round < 20'000; ++round) {
         std::string bytes;
         for (unsigned count = maker.pick(14); count > 0; --count) {
-            bytes += pieces[maker.pick(std::size(pieces))];
+            bytes += pieces[maker.pick(static_cast<unsigned>(pieces.size()))];
         }
         expectSane(bytes);
         ASSERT_FALSE(HasFatalFailure()) << bytes;

@@ -131,7 +131,7 @@ TEST(OldStyleReader, refusesWhatIsNoString) {
     EXPECT_EQ(read("/"), "'/'");
 }
 
-TEST(OldStyleReader, blanksStandBetweenTokens) {
+TEST(OldStyleReader, blanksMaySeparateTokens) {
     expectRows({
         {"\t\n\v\f\r (\ta\n,\vb\f,\rc )\u2028\u2029", "['a', 'b', 'c']"},
         {"\u2028{\u2029a\u2028=\u2029b\u2028;\u2029}", "{'a': 'b'}"},
@@ -144,7 +144,7 @@ TEST(OldStyleReader, blanksStandBetweenTokens) {
     });
 }
 
-TEST(OldStyleReader, commentsStandWhereATokenMayStart) {
+TEST(OldStyleReader, commentsMayBeWhereATokenMayStart) {
     expectRows({
         {"(a, // b\nc)", "['a', 'c']"},
         {"(a, // b\rc)", "['a', 'c']"},

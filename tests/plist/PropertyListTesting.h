@@ -3,14 +3,15 @@
 #ifndef ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 #define ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSData.h"
@@ -21,20 +22,24 @@
 #include "foundation/plist/PropertyList.h"
 #include "foundation/plist/PropertyListError.h"
 #include "foundation/text/RealText.h"
+#include "tests/kit/Sanitizers.h"
+#include "tests/kit/Texts.h"
 
 namespace ZQFoundation::testing {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool isSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-inline constexpr bool isSanitized = true;
-#else
-inline constexpr bool isSanitized = false;
-#endif
-#else
-inline constexpr bool isSanitized = false;
-#endif
+using kit::Exact;
+using kit::isSanitized;
+
+/// The pieces of a text between bars.
+inline std::vector<std::string> piecesOf(std::string_view text) {
+    std::vector<std::string> pieces;
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find('|', start), text.size());
+        pieces.emplace_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return pieces;
+}
 
 inline std::string showUnits(const NSString& string) {
     std::string text = "'";
@@ -98,21 +103,6 @@ inline std::string show(const NSObject& value) {
     }
     return NSNull(value) ? "null" : "nil";
 }
-
-/// A copy that ends where its block ends, so that a memory checker sees every unit too many.
-template <class Unit>
-class Exact {
-public:
-    explicit Exact(std::basic_string_view<Unit> text) : count_(text.size()), units_(new Unit[text.size()]) {
-        std::copy(text.begin(), text.end(), units_.get());
-    }
-    const Unit* data() const { return units_.get(); }
-    std::size_t size() const { return count_; }
-
-private:
-    std::size_t count_;
-    std::unique_ptr<Unit[]> units_;
-};
 
 inline const unsigned char* asBytes(const char* bytes) {
     return reinterpret_cast<const unsigned char*>(bytes);

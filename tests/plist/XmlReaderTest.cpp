@@ -118,30 +118,11 @@ TEST(XmlReader, attributesAreIgnored) {
 }
 
 TEST(XmlReader, namesAreExact) {
-    for (const std::string_view text : {"<String>x</String>",
-                                        "<TRUE/>",
-                                        "< true/>",
-                                        "<strin>x</strin>",
-                                        "<strings>x</strings>",
-                                        "<>x</>",
-                                        "<a/>",
-                                        "<arr\u00E9/>",
-                                        "<ke>a</ke>",
-                                        "<dictionary/>",
-                                        "<d/>",
-                                        "<dat/>",
-                                        "<set/>",
-                                        "</true>",
-                                        "</>",
-                                        "<string>x</String>",
-                                        "<string>x</strings>",
-                                        "<string>x</ string>",
-                                        "<string>x</string x>",
-                                        "<string>x</string/>",
-                                        "<string>x</string",
-                                        "<string>x</",
-                                        "<string>x<",
-                                        "<string>x"}) {
+    for (const std::string& text :
+         piecesOf("<String>x</String>|<TRUE/>|< true/>|<strin>x</strin>|<strings>x</strings>|<>x</>|<a/>|"
+                  "<arr\u00E9/>|<ke>a</ke>|<dictionary/>|<d/>|<dat/>|<set/>|</true>|</>|<string>x</String>|"
+                  "<string>x</strings>|<string>x</ string>|<string>x</string x>|<string>x</string/>|"
+                  "<string>x</string|<string>x</|<string>x<|<string>x")) {
         EXPECT_EQ(read(text), "nil") << text;
     }
     EXPECT_EQ(read("<string>x</string \t\r\n>"), "'x'");
@@ -280,34 +261,11 @@ TEST(XmlReader, readsIntegers) {
 }
 
 TEST(XmlReader, refusesOtherIntegers) {
-    for (const std::string_view text : {"",
-                                        " ",
-                                        "-",
-                                        "+",
-                                        "0x",
-                                        "1 ",
-                                        "1\n",
-                                        "1.5",
-                                        "1e3",
-                                        "0b1",
-                                        "abc",
-                                        "--1",
-                                        "+-1",
-                                        "0x1g",
-                                        "ff",
-                                        "1,000",
-                                        "18446744073709551616",
-                                        "0x10000000000000000",
-                                        "-9223372036854775809",
-                                        "-0x8000000000000001",
-                                        "99999999999999999999999999",
-                                        "&#49;",
-                                        "<![CDATA[1]]>",
-                                        "\v1",
-                                        "\u00A01",
-                                        "\u0661",
-                                        "1<!-- -->"}) {
-        EXPECT_EQ(read("<integer>" + std::string(text) + "</integer>"), "nil") << text;
+    for (const std::string& text :
+         piecesOf("| |-|+|0x|1 |1\n|1.5|1e3|0b1|abc|--1|+-1|0x1g|ff|1,000|18446744073709551616|"
+                  "0x10000000000000000|-9223372036854775809|-0x8000000000000001|99999999999999999999999999|"
+                  "&#49;|<![CDATA[1]]>|\v1|\u00A01|\u0661|1<!-- -->")) {
+        EXPECT_EQ(read("<integer>" + text + "</integer>"), "nil") << text;
     }
     EXPECT_EQ(read("<integer/>"), "nil");
     EXPECT_EQ(read("<integer>1</real>"), "nil");
@@ -354,33 +312,14 @@ TEST(XmlReader, readsDates) {
         {"<date>-0001-01-01T00:00:00Z</date>", "d-63177062400"},
         {"<date>9999-12-31T23:59:59Z</date>", "d252423993599"},
     });
-    for (const std::string_view text : {"",
-                                        "2001-01-01",
-                                        "2001-01-01T00:00:00",
-                                        "2001-01-01T00:00:00.0Z",
-                                        "2001-01-01T00:00:00+00:00",
-                                        "2001-01-01T00:00:00z",
-                                        " 2001-01-01T00:00:00Z",
-                                        "2001-01-01T00:00:00Z ",
-                                        "2001-1-01T00:00:00Z",
-                                        "20001-01-01T00:00:00Z",
-                                        "+2001-01-01T00:00:00Z",
-                                        "--001-01-01T00:00:00Z",
-                                        "2001-00-01T00:00:00Z",
-                                        "2001-13-01T00:00:00Z",
-                                        "2001-01-00T00:00:00Z",
-                                        "2001-01-32T00:00:00Z",
-                                        "2001-02-29T00:00:00Z",
-                                        "1900-02-29T00:00:00Z",
-                                        "2001-04-31T00:00:00Z",
-                                        "2001-01-01T24:00:00Z",
-                                        "2001-01-01T00:60:00Z",
-                                        "2001-01-01T00:00:60Z",
-                                        "2001-01-01 00:00:00Z",
-                                        "2001/01/01T00:00:00Z",
-                                        "2001-01-01T00:00:00ZZ",
-                                        "now"}) {
-        EXPECT_EQ(read("<date>" + std::string(text) + "</date>"), "nil") << text;
+    for (const std::string& text : piecesOf(
+             "|2001-01-01|2001-01-01T00:00:00|2001-01-01T00:00:00.0Z|2001-01-01T00:00:00+00:00|"
+             "2001-01-01T00:00:00z| 2001-01-01T00:00:00Z|2001-01-01T00:00:00Z |2001-1-01T00:00:00Z|"
+             "20001-01-01T00:00:00Z|+2001-01-01T00:00:00Z|--001-01-01T00:00:00Z|2001-00-01T00:00:00Z|"
+             "2001-13-01T00:00:00Z|2001-01-00T00:00:00Z|2001-01-32T00:00:00Z|2001-02-29T00:00:00Z|"
+             "1900-02-29T00:00:00Z|2001-04-31T00:00:00Z|2001-01-01T24:00:00Z|2001-01-01T00:60:00Z|"
+             "2001-01-01T00:00:60Z|2001-01-01 00:00:00Z|2001/01/01T00:00:00Z|2001-01-01T00:00:00ZZ|now")) {
+        EXPECT_EQ(read("<date>" + text + "</date>"), "nil") << text;
     }
     EXPECT_EQ(read("<date/>"), "nil");
 }

@@ -35,7 +35,7 @@ std::string readBoth(ReadBytes readBytes, ReadUnits readUnits, std::string_view 
         [](const char16_t* start, std::size_t count, NSObject& out) { return function(start, count, out); }, \
         text)
 
-TEST(XmlScalars, tellsMalformedIntegersFromLargeOnes) {
+TEST(XmlScalars, distinguishesMalformedIntegersFromLargeOnes) {
     NSObject value;
     EXPECT_EQ(detail::readXmlInteger("1", 1, value), detail::IntegerReading::good);
     EXPECT_EQ(detail::readXmlInteger("x", 1, value), detail::IntegerReading::malformed);

@@ -20,8 +20,8 @@ std::string refusal(const NSDictionary& dictionary) {
     if (detail::getXmlText(dictionary, bytes, &error)) {
         return "written: " + bytes;
     }
-    std::string untold = bytes;
-    EXPECT_FALSE(detail::getXmlText(dictionary, untold, nullptr));
+    std::string ignored = bytes;
+    EXPECT_FALSE(detail::getXmlText(dictionary, ignored, nullptr));
     EXPECT_EQ(bytes, "before");
     return error.utf8();
 }

@@ -8,11 +8,13 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "foundation/system/Descriptor.h"
 #include "foundation/system/FileSystem.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"
 
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 using system::copyFileData;
 using system::DataMeans;
@@ -31,18 +33,11 @@ std::string mixedBytes(std::size_t count) {
     return bytes;
 }
 
-class OpenFile {
-public:
-    OpenFile(const std::string& path, int flags) : number_(::open(path.c_str(), flags | O_CLOEXEC, 0600)) {
-        EXPECT_GE(number_, 0) << path << ": " << std::strerror(errno);
+/// An open descriptor; fails the test if there is none.
+struct OpenFile : Descriptor {
+    OpenFile(const std::string& path, int flags) : Descriptor(::open(path.c_str(), flags | O_CLOEXEC, 0600)) {
+        EXPECT_GE(number(), 0) << path << ": " << std::strerror(errno);
     }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() { ::close(number_); }
-    int number() const { return number_; }
-
-private:
-    int number_;
 };
 
 bool copyFile(const std::string& from, const std::string& to, DataMeans first) {
@@ -70,7 +65,7 @@ std::string otherFileSystem() {
 class FileDataCopy : public testing::Test {
 protected:
     std::string in(const std::string& name) const { return folder / name; }
-    ZQFoundation::kit::ScratchFolder folder;
+    kit::ScratchFolder folder;
 };
 
 TEST_F(FileDataCopy, everyMeansCopiesEverySize) {
@@ -79,8 +74,7 @@ TEST_F(FileDataCopy, everyMeansCopiesEverySize) {
         folder.write("a", bytes);
         for (const DataMeans means : allMeans) {
             EXPECT_TRUE(copyFile(in("a"), in("b"), means)) << size << " " << std::strerror(errno);
-            EXPECT_TRUE(ZQFoundation::kit::contentsOf(in("b")) == bytes)
-                << size << " " << static_cast<int>(means);
+            EXPECT_TRUE(kit::contentsOf(in("b")) == bytes) << size << " " << static_cast<int>(means);
             ::unlink(in("b").c_str());
         }
     }
@@ -91,11 +85,11 @@ TEST_F(FileDataCopy, everyMeansGetsToAnotherFileSystem) {
     folder.write("a", bytes);
     const std::string other = otherFileSystem();
     // Without another one the copy stays here, which shows less and must still be right.
-    const ZQFoundation::kit::Variable place("TMPDIR", other.empty() ? "/tmp" : other.c_str());
-    const ZQFoundation::kit::ScratchFolder away;
+    const kit::Variable place("TMPDIR", other.empty() ? "/tmp" : other.c_str());
+    const kit::ScratchFolder away;
     for (const DataMeans means : allMeans) {
         EXPECT_TRUE(copyFile(in("a"), away / "b", means));
-        EXPECT_TRUE(ZQFoundation::kit::contentsOf(away / "b") == bytes) << static_cast<int>(means);
+        EXPECT_TRUE(kit::contentsOf(away / "b") == bytes) << static_cast<int>(means);
         ::unlink((away / "b").c_str());
     }
 }
@@ -145,18 +139,18 @@ TEST_F(FileDataCopy, aDestinationThatAppendsRefusesTheKernelsMeansAndIsWrittenAl
             const OpenFile destination(in("b"), O_WRONLY | O_CREAT | O_APPEND);
             EXPECT_TRUE(copyFileData(source.number(), destination.number(), means));
         }
-        EXPECT_TRUE(ZQFoundation::kit::contentsOf(in("b")) == bytes);
+        EXPECT_TRUE(kit::contentsOf(in("b")) == bytes);
         ::unlink(in("b").c_str());
     }
 }
 
-TEST_F(FileDataCopy, readsFilesThatTellNoSize) {
+TEST_F(FileDataCopy, readsFilesOfUnknownSize) {
     if (::access("/proc/self/status", R_OK) != 0) {
         GTEST_SKIP() << "there is no process file system";
     }
     for (const DataMeans means : allMeans) {
         EXPECT_TRUE(copyFile("/proc/self/status", in("b"), means));
-        EXPECT_NE(ZQFoundation::kit::contentsOf(in("b")).find("VmRSS"), std::string::npos);
+        EXPECT_NE(kit::contentsOf(in("b")).find("VmRSS"), std::string::npos);
         ::unlink(in("b").c_str());
     }
 }
@@ -183,9 +177,9 @@ TEST_F(FileDataCopy, aFileSizeLimitIsAnErrorAndNoSignal) {
     folder.write("large", mixedBytes(300000));
     folder.write("sparse", "");
     ASSERT_EQ(::truncate(in("sparse").c_str(), 300000), 0);
-    const int answer = ZQFoundation::kit::inUnprivilegedChild([this] {
-        const ZQFoundation::kit::Variable place("TMPDIR", nullptr);
-        const ZQFoundation::kit::ScratchFolder own; // the one of the test belongs to somebody else
+    const int answer = kit::inUnprivilegedChild([this] {
+        const kit::Variable place("TMPDIR", nullptr);
+        const kit::ScratchFolder own; // the one of the test belongs to somebody else
         const rlimit limit{10000, 10000};
         ::setrlimit(RLIMIT_FSIZE, &limit); // from here on a write beyond it ends the process
         int wrong = 0;
@@ -217,10 +211,9 @@ TEST_F(FileDataCopy, aFileThatGrowsIsFollowedButNotForEver) {
         EXPECT_TRUE(copyFile(in("a"), in("b"), means)) << std::strerror(errno);
         done = true;
         writer.join();
-        const std::string copy = ZQFoundation::kit::contentsOf(in("b"));
+        const std::string copy = kit::contentsOf(in("b"));
         EXPECT_GE(copy.size(), 200000U);
-        EXPECT_EQ(ZQFoundation::kit::contentsOf(in("a")).compare(0, copy.size(), copy), 0)
-            << static_cast<int>(means);
+        EXPECT_EQ(kit::contentsOf(in("a")).compare(0, copy.size(), copy), 0) << static_cast<int>(means);
         ::unlink(in("b").c_str());
         ASSERT_EQ(::truncate(in("a").c_str(), 200000), 0);
     }

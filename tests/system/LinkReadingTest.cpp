@@ -29,7 +29,7 @@ TEST(LinkReading, readsTextsOfEveryLength) {
     }
 }
 
-TEST(LinkReading, tellsOtherItemsFromMissingOnes) {
+TEST(LinkReading, distinguishesOtherItemsFromMissingOnes) {
     const kit::ScratchFolder folder;
     const std::string file = folder.write("file", "");
     std::string target = "untouched";

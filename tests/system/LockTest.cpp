@@ -2,30 +2,46 @@
 // The recursive lock between threads, in signal handlers and in forked children.
 #include "foundation/system/Lock.h"
 
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "tests/kit/Child.h"
+#include "tests/kit/ScratchFolder.h"
+
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
 
-/// Runs in a child, which must leave with what `work` answers before its alarm goes off.
+/// Whether the work succeeds in a forked child.
 template <class Work>
 bool holdsInChild(const Work& work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        alarm(120);
-        _exit(work() ? 0 : 1);
-    }
-    int status = 0;
-    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return kit::inChild([&] { return work() ? 0 : 1; }) == 0;
 }
+
+/// Waits until a thread, which makes its number known before, sleeps.
+void waitUntilAsleep(const std::atomic<pid_t>& number) {
+    while (number == 0) {
+        std::this_thread::yield();
+    }
+    const std::string path = "/proc/self/task/" + std::to_string(number) + "/stat";
+    std::string text;
+    do {
+        std::this_thread::yield();
+        text = kit::contentsOf(path); // "1234 (name) S ..."
+    } while (text.find(") S ") == std::string::npos);
+}
+
+pid_t ownNumber() { return static_cast<pid_t>(::syscall(SYS_gettid)); }
 
 } // namespace
 
@@ -52,17 +68,21 @@ TEST(Lock, isRecursiveAndExcludesOtherThreads) {
 TEST(Lock, wakesSleepingThreadsAndKeepsErrno) {
     Lock lock;
     int entered = 0;
+    std::array<std::atomic<pid_t>, 8> numbers{};
     std::vector<std::thread> threads;
     {
         const Guard guard(lock);
-        for (int i = 0; i < 8; ++i) {
+        for (std::atomic<pid_t>& number : numbers) {
             threads.emplace_back([&] {
                 errno = ENOTTY;
+                number = ownNumber();
                 const Guard own(lock);
                 entered += errno == ENOTTY ? 1 : 100;
             });
         }
-        usleep(50000); // long enough for all of them to give up spinning
+        for (const std::atomic<pid_t>& number : numbers) {
+            waitUntilAsleep(number);
+        }
         EXPECT_EQ(entered, 0);
     }
     for (std::thread& thread : threads) {
@@ -139,11 +159,13 @@ TEST(Lock, staysHeldByTheForkingThreadInTheChild) {
     EXPECT_TRUE(holdsInChild([&] {
         int order = 0;
         int other = 0;
+        std::atomic<pid_t> number{0};
         std::thread second([&] {
+            number = ownNumber();
             const Guard guard(lock);
             other = ++order;
         });
-        usleep(30000);
+        waitUntilAsleep(number);
         lock.lock(); // once more, as the holder may
         const int own = ++order;
         lock.unlock();

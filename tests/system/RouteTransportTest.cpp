@@ -110,7 +110,7 @@ TEST(RouteTransport, refusesWhatIsNoQuestionForARoute) {
     EXPECT_GE(routeTransport().read(socket.descriptor, message, sizeof message), 108);
 }
 
-TEST(RouteTransport, tellsTheErrorOfASocketThatIsNone) {
+TEST(RouteTransport, reportsTheErrorOfAnInvalidSocket) {
     errno = 0;
     const Question question("127.0.0.1");
     EXPECT_EQ(routeTransport().write(-1, &question, sizeof question), -1);

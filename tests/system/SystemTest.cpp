@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The facts about the hardware and the kernel of this machine.
+#include "foundation/system/System.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <string>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
-
-#include "foundation/system/System.h"
+#include <unistd.h>
 
 using namespace ZQFoundation::detail;
 
@@ -24,12 +24,12 @@ std::string firstLine(const char* path) {
 
 } // namespace
 
-TEST(HardwareFacts, countTheProcessorsThatRun) {
+TEST(System, countsTheProcessorsThatRun) {
     EXPECT_EQ(system::hardwareFacts().processors, static_cast<int>(::sysconf(_SC_NPROCESSORS_ONLN)));
     EXPECT_GT(system::hardwareFacts().processors, 0);
 }
 
-TEST(HardwareFacts, tellTheMemoryInBytes) {
+TEST(System, givesTheMemoryInBytes) {
     const std::uint64_t bytes = system::hardwareFacts().memoryBytes;
     EXPECT_GE(bytes, std::uint64_t{16} << 20);
     const std::string line = firstLine("/proc/meminfo"); // "MemTotal:  16384000 kB"
@@ -38,7 +38,7 @@ TEST(HardwareFacts, tellTheMemoryInBytes) {
     }
 }
 
-TEST(HardwareFacts, tellTheModelWithoutBlanksAroundIt) {
+TEST(System, givesTheModelWithoutBlanksAroundIt) {
     const std::string model = system::hardwareFacts().model;
     const std::string product = firstLine("/sys/class/dmi/id/product_name");
     const std::string board = firstLine("/proc/device-tree/model");
@@ -52,7 +52,7 @@ TEST(HardwareFacts, tellTheModelWithoutBlanksAroundIt) {
     }
 }
 
-TEST(HardwareFacts, kernelReleaseIsTheKernelsOwn) {
+TEST(System, kernelReleaseIsTheKernelsOwn) {
     utsname names{};
     ASSERT_EQ(::uname(&names), 0);
     EXPECT_EQ(system::kernelRelease(), names.release);

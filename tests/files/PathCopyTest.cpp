@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Copies of single items.
+// Copies of single items, whatever they are.
 #include <atomic>
 #include <initializer_list>
 #include <string>
@@ -20,29 +20,47 @@ using scene::lookAt;
 
 namespace {
 
-class FileCopy : public testing::Test {
-protected:
-    std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
-};
+class PathCopy : public scene::FolderTest {};
 
-TEST_F(FileCopy, keepsBytesPermissionsAndTimes) {
+TEST_F(PathCopy, keepsBytesPermissionsAndTimes) {
     const scene::Umask mask(077);
-    for (const mode_t mode : std::initializer_list<mode_t>{0400U, 0644U, 0777U, 01755U}) {
-        folder.write("a", std::string(70000, 'x') + "\0y");
-        ::chmod(in("a").c_str(), mode);
-        scene::setTimes(in("a"), 1000000000, 1234567890, 123456789);
+    const struct {
+        std::size_t size;
+        mode_t mode;
+        time_t seconds;
+        long nanoseconds;
+    } rows[] = {
+        {0, 0644, 1, 0},     {1, 0600, 1234567890, 123456789}, {4096, 0400, 999999999, 999999999},
+        {65537, 0777, 0, 1}, {1 << 20, 01755, 4000000000, 5},  {3000001, 0751, 86400, 250000000},
+    };
+    for (const auto& row : rows) {
+        std::string bytes(row.size, '\0');
+        for (std::size_t index = 0; index < bytes.size(); ++index) {
+            bytes[index] = static_cast<char>(index * 2654435761U >> 13);
+        }
+        folder.write("a", bytes);
+        ::chmod(in("a").c_str(), row.mode);
+        scene::setTimes(in("a"), row.seconds + 100, row.seconds, row.nanoseconds);
         const std::string before = scene::stamp(in("a"));
         ASSERT_EQ(scene::reasonOfCopy(in("a"), in("b")), "(nil)");
         EXPECT_EQ(scene::stamp(in("b")), before);
-        EXPECT_EQ(lookAt(in("b")).st_atim.tv_sec, 1000000000);
-        EXPECT_EQ(scene::contentsOf(in("b")), scene::contentsOf(in("a")));
+        EXPECT_EQ(lookAt(in("b")).st_atim.tv_sec, row.seconds + 100);
+        EXPECT_TRUE(scene::contentsOf(in("b")) == bytes) << row.size;
         ::unlink(in("a").c_str());
         ::unlink(in("b").c_str());
     }
 }
 
-TEST_F(FileCopy, takesNamesOfAnyBytes) {
+TEST_F(PathCopy, keepsHoles) {
+    folder.write("a", "start");
+    ASSERT_EQ(::truncate(in("a").c_str(), 64 << 20), 0);
+    EXPECT_TRUE(copyItem(in("a"), in("b")));
+    EXPECT_EQ(lookAt(in("b")).st_size, 64 << 20);
+    EXPECT_LT(lookAt(in("b")).st_blocks, 8192);
+    EXPECT_EQ(scene::contentsOf(in("b")).substr(0, 6), std::string("start\0", 6));
+}
+
+TEST_F(PathCopy, takesNamesOfAnyBytes) {
     std::string name(255, '\xFF');
     name[7] = '\n';
     name[8] = '\x80';
@@ -51,7 +69,7 @@ TEST_F(FileCopy, takesNamesOfAnyBytes) {
     EXPECT_EQ(scene::contentsOf(in("\xC3\x28")), "x");
 }
 
-TEST_F(FileCopy, takesPathsThatAreLongerThanTheSystemTakes) {
+TEST_F(PathCopy, takesPathsThatAreLongerThanTheSystemTakes) {
     const std::string name(250, '\xFE');
     const std::string deep = scene::makeChain(folder.path(), name, 400); // 100,000 bytes of no valid text
     folder.write("a", "x");
@@ -61,39 +79,61 @@ TEST_F(FileCopy, takesPathsThatAreLongerThanTheSystemTakes) {
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(in(name))));
 }
 
-TEST_F(FileCopy, nothingMayStandAtTheDestination) {
-    folder.write("a", "a");
-    folder.write("b", "b");
-    folder.makeFolder("d");
-    ASSERT_EQ(::symlink("new", in("dangling").c_str()), 0);
-    ASSERT_EQ(::symlink("b", in("link").c_str()), 0);
-    for (const char* const name : {"a", "b", "d", "dangling", "link", "d/..", "d/.", "link/"}) {
-        EXPECT_FALSE(copyItem(in("a"), in(name))) << name;
+TEST_F(PathCopy, theDestinationMustBeFree) {
+    folder.write("file", "kept");
+    folder.write("folder/inside", "kept");
+    link("file", "toFile");
+    link("folder", "toFolder");
+    link("nosuch", "dangling");
+    link("loop", "loop");
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    const std::string before = scene::stamp(folder.path()) + scene::stamp(in("folder")) +
+                               scene::stamp(in("file")) + scene::stamp(in("folder/inside"));
+    for (const char* const source : {"file", "folder", "toFile", "toFolder", "dangling", "pipe"}) {
+        for (const char* const name :
+             {"file", "folder", "toFile", "toFolder", "dangling", "loop", "pipe", "folder/..", "folder/.",
+              "toFile/", "nosuch/x", "file/x", "dangling/x"}) {
+            EXPECT_NE(scene::reasonOfCopy(in(source), in(name)), "(nil)") << source << " " << name;
+        }
+        EXPECT_FALSE(copyItem(in(source), ""));
     }
-    EXPECT_EQ(scene::reasonOfCopy(in("a"), in("dangling")), in("dangling") + ": File exists");
-    EXPECT_EQ(scene::reasonOfCopy(in("a"), in("no/b")), in("no/b") + ": No such file or directory");
+    EXPECT_EQ(scene::reasonOfCopy(in("file"), in("dangling")), in("dangling") + ": File exists");
+    EXPECT_EQ(scene::reasonOfCopy(in("file"), in("no/b")), in("no/b") + ": No such file or directory");
     EXPECT_EQ(scene::reasonOfCopy(in("no"), in("c")), in("no") + ": No such file or directory");
-    EXPECT_EQ(scene::reasonOfCopy(in("a/"), in("c")), in("a/") + ": Not a directory");
-    EXPECT_EQ(scene::contentsOf(in("b")), "b");
-    EXPECT_FALSE(scene::stands(in("new")));
-    EXPECT_FALSE(scene::stands(in("c")));
+    EXPECT_EQ(scene::reasonOfCopy(in("file/"), in("c")), in("file/") + ": Not a directory");
+    EXPECT_FALSE(copyItem("", in("c")));
+    NSFileManager& files = NSFileManager::defaultManager();
+    EXPECT_FALSE(files.copyItemAtPath_toPath_error(nullptr, in("c")));
+    EXPECT_FALSE(files.copyItemAtPath_toPath_error(in("file"), nullptr));
+    EXPECT_FALSE(files.copyItemAtPath_toPath_error(in("file") + std::string("\0x", 2), in("c")));
+    EXPECT_FALSE(files.copyItemAtPath_toPath_error(in("file"), in("c") + std::string("\0x", 2)));
+    EXPECT_EQ(scene::stamp(folder.path()) + scene::stamp(in("folder")) + scene::stamp(in("file")) +
+                  scene::stamp(in("folder/inside")),
+              before)
+        << "and nothing was made";
 }
 
-TEST_F(FileCopy, aLinkIsCopiedWithItsTextAndTimesAndNeverFollowed) {
+TEST_F(PathCopy, aLinkIsCopiedWithItsTextAndTimesAndNeverFollowed) {
     folder.write("target", "kept");
-    ASSERT_EQ(::symlink("target", in("l").c_str()), 0);
+    folder.makeFolder("sub");
     ::chmod(in("target").c_str(), 0604);
-    scene::setTimes(in("l"), 1000000000, 1100000000, 5);
     const std::string before = scene::stamp(in("target"));
-    ASSERT_TRUE(copyItem(in("l"), in("m")));
-    char text[100] = {};
-    EXPECT_EQ(::readlink(in("m").c_str(), text, sizeof text), 6);
-    EXPECT_STREQ(text, "target");
-    EXPECT_EQ(scene::stamp(in("m")), scene::stamp(in("l")));
+    for (const std::string& target : {std::string("target"), std::string("nosuch"), std::string("."),
+                                      std::string("../.."), in("target"), std::string(4000, 'x')}) {
+        link(target, "l");
+        scene::setTimes(in("l"), 1000000000, 1100000000, 5);
+        ASSERT_TRUE(copyItem(in("l"), in("sub/l")));
+        std::string text(5000, '\0');
+        text.resize(static_cast<std::size_t>(::readlink(in("sub/l").c_str(), text.data(), text.size())));
+        EXPECT_EQ(text, target);
+        EXPECT_EQ(scene::stamp(in("sub/l")), scene::stamp(in("l")));
+        ::unlink(in("l").c_str());
+        ::unlink(in("sub/l").c_str());
+    }
     EXPECT_EQ(scene::stamp(in("target")), before);
 }
 
-TEST_F(FileCopy, pipesAndSocketsAreMadeAnew) {
+TEST_F(PathCopy, pipesAndSocketsAreMadeAnew) {
     ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
     ::chmod(in("pipe").c_str(), 0622);
     const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -113,7 +153,7 @@ TEST_F(FileCopy, pipesAndSocketsAreMadeAnew) {
     ::close(listener);
 }
 
-TEST_F(FileCopy, aDeviceIsMadeWhereThatIsAllowed) {
+TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
     const struct stat null = lookAt("/dev/null");
     if (copyItem("/dev/null", in("null"))) {
         EXPECT_EQ(lookAt(in("null")).st_rdev, null.st_rdev);
@@ -130,7 +170,7 @@ TEST_F(FileCopy, aDeviceIsMadeWhereThatIsAllowed) {
               0);
 }
 
-TEST_F(FileCopy, aFileThatMayNotBeReadSaysSo) {
+TEST_F(PathCopy, aFileThatMayNotBeReadSaysSo) {
     folder.write("a", "x");
     ::chmod(in("a").c_str(), 0);
     ::chmod(folder.path().c_str(), 0777);
@@ -140,7 +180,7 @@ TEST_F(FileCopy, aFileThatMayNotBeReadSaysSo) {
     EXPECT_FALSE(scene::stands(in("b")));
 }
 
-TEST_F(FileCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
+TEST_F(PathCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
     folder.write("a", "x");
     ::chmod(in("a").c_str(), 06755);
     ASSERT_TRUE(copyItem(in("a"), in("own")));
@@ -159,7 +199,7 @@ TEST_F(FileCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
     }
 }
 
-TEST_F(FileCopy, extendedAttributesAndAccessListsAreKept) {
+TEST_F(PathCopy, extendedAttributesAndAccessListsAreKept) {
     folder.write("a", "x");
     ASSERT_EQ(::mkfifo(in("p").c_str(), 0640), 0);
     const std::string large(2000, 'v');
@@ -179,7 +219,7 @@ TEST_F(FileCopy, extendedAttributesAndAccessListsAreKept) {
     EXPECT_EQ(scene::attribute(in("q"), scene::accessList), scene::listForUser(2));
 }
 
-TEST_F(FileCopy, attributesOfTheSystemAreKeptByWhoMay) {
+TEST_F(PathCopy, attributesOfTheSystemAreKeptByWhoMay) {
     folder.write("a", "x");
     // Nobody but root sees these; others copy the file without them.
     const bool hasTrusted = scene::setAttribute(in("a"), "trusted.zq.test", "t");
@@ -190,7 +230,7 @@ TEST_F(FileCopy, attributesOfTheSystemAreKeptByWhoMay) {
     EXPECT_EQ(scene::attribute(in("c"), "trusted.zq.test"), "(none)");
 }
 
-TEST_F(FileCopy, whatAFolderGivesNewItemsDoesNotReachCopies) {
+TEST_F(PathCopy, whatAFolderGivesNewItemsDoesNotReachCopies) {
     folder.write("a", "x");
     ::chmod(in("a").c_str(), 0644);
     folder.write("t/f", "x");
@@ -209,7 +249,7 @@ TEST_F(FileCopy, whatAFolderGivesNewItemsDoesNotReachCopies) {
     EXPECT_EQ(scene::modeOf(in("d/a")), scene::modeOf(in("a")));
 }
 
-TEST_F(FileCopy, aCopyInProgressIsClosedToOthers) {
+TEST_F(PathCopy, aCopyInProgressIsClosedToOthers) {
     folder.write("a", std::string(3 << 20, 'x'));
     ::chmod(in("a").c_str(), 0640);
     std::atomic<bool> done = false;
@@ -235,7 +275,7 @@ TEST_F(FileCopy, aCopyInProgressIsClosedToOthers) {
     EXPECT_GE(seen, 20);
 }
 
-TEST_F(FileCopy, aFailedWriteFailsTheCopyAndWhatWasWrittenStays) {
+TEST_F(PathCopy, aFailedWriteFailsTheCopyAndWhatWasWrittenStays) {
     folder.write("a", std::string(300000, 'x'));
     ::chmod(folder.path().c_str(), 0777);
     const int answer = scene::inUnprivilegedChild([this] {
@@ -249,7 +289,7 @@ TEST_F(FileCopy, aFailedWriteFailsTheCopyAndWhatWasWrittenStays) {
     EXPECT_EQ(lookAt(in("a")).st_size, 300000);
 }
 
-TEST_F(FileCopy, aFullFileSystemFailsTheCopy) {
+TEST_F(PathCopy, aFullFileSystemFailsTheCopy) {
     folder.write("t/a", std::string(300000, 'x'));
     folder.write("t/small", "x");
     folder.makeFolder("m");
@@ -275,7 +315,7 @@ TEST_F(FileCopy, aFullFileSystemFailsTheCopy) {
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(FileCopy, keepsTheErrorNumberAndEveryDescriptor) {
+TEST_F(PathCopy, keepsTheErrorNumberAndEveryDescriptor) {
     folder.write("a", "x");
     const int before = scene::openDescriptors();
     errno = 4711;
