@@ -151,7 +151,7 @@ endfunction()
 
 # zq_add_refusals(<name> <source>): the source compiles as it is, and with any one of the cases that it
 # tests for by `#ifdef REFUSE_<CASE>` the compiler refuses it. Each line `// expected: <text>` below the #ifdef
-# is a piece of what the compiler must say, or several with " | " between them, one of which it must say.
+# has pieces of what the compiler must say, with " && " between them, and " | " between those of which one is enough.
 function(zq_add_refusals name source)
     if(ZQFOUNDATION_SANITIZE)
         return() # says nothing that the release build does not say

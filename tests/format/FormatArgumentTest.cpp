@@ -16,15 +16,6 @@ namespace {
 
 const char* const nullText = nullptr;
 
-class Parcel : public NSObjectProtocol {
-public:
-    explicit Parcel(NSString text) : text_(std::move(text)) {}
-    NSString description() const override { return text_; }
-
-private:
-    NSString text_;
-};
-
 class Stamped {
 public:
     virtual ~Stamped() = default;

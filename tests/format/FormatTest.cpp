@@ -144,7 +144,7 @@ TEST(Format, unknownConversionsYieldTheirLetterAndTakeNoArgument) {
     EXPECT_EQ(unchecked(u"%\u00e9%\U0001F600%d", 5), "\u00e9\U0001F6005");
 }
 
-TEST(Format, theFormatMayHoldAnyUnits) {
+TEST(Format, theFormatMayContainAnyUnits) {
     EXPECT_EQ(unchecked("\u00e9%d\u20ac%@\U0001F600", 5, "x"), "\u00e95\u20acx\U0001F600");
     EXPECT_EQ(unchecked(u"\u00e9%d\u20ac%@\U0001F600", 5, "x"), "\u00e95\u20acx\U0001F600");
     EXPECT_EQ(unchecked(StringView("a\0%d", 4), 5), std::string("a\0005", 3));
@@ -156,7 +156,7 @@ TEST(Format, theFormatMayHoldAnyUnits) {
     EXPECT_EQ(unchecked(u"\uFF05d %\uFF15", 1), "\uFF05d \uFF15");
 }
 
-TEST(Format, numbersGoOnBehindTextThatIsNotAscii) {
+TEST(Format, numbersFollowTextThatIsNotAscii) {
     EXPECT_EQ(unchecked("\u20ac%5d|%-5d|%05.1f|%x|%5s|%c|%p|%e", 1, 2, 3.25, 255, "s", 'c', nullptr, 1.0),
               "\u20ac    1|2    |003.2|ff|    s|c|0x0|1.000000e+00");
 }

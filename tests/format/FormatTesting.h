@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows of formats with what they give.
+// Rows of formats with what they give, and numbers that are formatted with a locale.
 #ifndef ZQFOUNDATION_TESTS_FORMAT_FORMATTESTING_H
 #define ZQFOUNDATION_TESTS_FORMAT_FORMATTESTING_H
 
@@ -7,10 +7,13 @@
 #include <cstdio>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "foundation/format/Format.h"
+#include "foundation/format/NSLocale.h"
+#include "foundation/objects/NSObjectProtocol.h"
 #include "foundation/objects/NSString.h"
 
 namespace ZQFoundation::formattesting {
@@ -29,6 +32,37 @@ std::string withLocale(const detail::FormatLocale& locale, StringView format, co
 }
 
 inline std::string text(const NSString& string) { return string.utf8(); }
+
+/// A host's object with this description.
+class Parcel : public NSObjectProtocol {
+public:
+    explicit Parcel(NSString text) : text_(std::move(text)) {}
+    NSString description() const override { return text_; }
+
+private:
+    NSString text_;
+};
+
+inline NSLocale locale(const std::string& identifier) {
+    return NSLocale::localeWithLocaleIdentifier(identifier);
+}
+
+template <class... Arguments>
+std::string formatted(const NSLocale& locale, FormatString<std::type_identity_t<Arguments>...> format,
+                      const Arguments&... arguments) {
+    return NSString::initWithFormat_locale(format, locale, arguments...).utf8();
+}
+
+/// With "_" for the no-break space and "~" for the narrow one.
+inline std::string visible(std::string text) {
+    for (const auto& [space, mark] : {std::pair{"\u00A0", "_"}, std::pair{"\u202F", "~"}}) {
+        const std::string wanted = space;
+        for (std::size_t at = 0; (at = text.find(wanted)) != std::string::npos;) {
+            text.replace(at, wanted.size(), mark);
+        }
+    }
+    return text;
+}
 
 struct Row {
     const char* format;

@@ -20,15 +20,6 @@ namespace {
 
 const char* const nullText = nullptr;
 
-class Parcel : public NSObjectProtocol {
-public:
-    explicit Parcel(NSString text) : text_(std::move(text)) {}
-    NSString description() const override { return text_; }
-
-private:
-    NSString text_;
-};
-
 TEST(FormatText, cStringsAreCutByBytesAndPaddedWithBlanks) {
     EXPECT_EQ(text(NSString::stringWithFormat("%.3s|%10s|%-10s|", "hello", "hi", "hi")),
               "hel|        hi|hi        |");

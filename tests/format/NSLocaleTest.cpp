@@ -9,31 +9,14 @@
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
+#include "tests/format/FormatTesting.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
+using namespace formattesting;
 
 namespace {
-
-NSLocale locale(const char* identifier) { return NSLocale::localeWithLocaleIdentifier(identifier); }
-
-template <class... Arguments>
-std::string formatted(const NSLocale& locale, FormatString<std::type_identity_t<Arguments>...> format,
-                      const Arguments&... arguments) {
-    return NSString::initWithFormat_locale(format, locale, arguments...).utf8();
-}
-
-/// With "_" for the no-break space and "~" for the narrow one.
-std::string visible(std::string text) {
-    for (const auto& [space, mark] : {std::pair{"\u00A0", "_"}, std::pair{"\u202F", "~"}}) {
-        const std::string wanted = space;
-        for (std::size_t at = 0; (at = text.find(wanted)) != std::string::npos;) {
-            text.replace(at, wanted.size(), mark);
-        }
-    }
-    return text;
-}
 
 /// No settings but those that a test makes.
 struct NoSettings {
@@ -58,7 +41,7 @@ TEST(NSLocale, customsOfProgramsGroupNothing) {
     EXPECT_EQ(formatted(locale("en-us-posix"), "%d", 1234567), "1234567");
 }
 
-TEST(NSLocale, partsAreToldOneByOne) {
+TEST(NSLocale, partsAreReportedOneByOne) {
     const NSLocale indian = locale("en_IN");
     EXPECT_EQ(indian.decimalSeparator(), ".");
     EXPECT_EQ(indian.groupingSeparator(), ",");

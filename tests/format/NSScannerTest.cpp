@@ -142,7 +142,7 @@ TEST(NSScanner, isAtEndWhenOnlyCharactersToBeSkippedRemain) {
     }
 }
 
-TEST(NSScanner, skipsWhatItIsToldTo) {
+TEST(NSScanner, skipsTheCharactersToBeSkipped) {
     NSScanner scanner("--a -b");
     scanner.setCharactersToBeSkipped(NSCharacterSet::characterSetWithCharactersInString("-"));
     EXPECT_TRUE(scanner.scanString_intoString("a", nullptr));
@@ -240,15 +240,29 @@ TEST(NSScanner, doesNotSkipMembersThatAreToBeSkipped) {
     EXPECT_EQ(scanner.scanLocation(), 3U);
 }
 
-struct IntegerRow {
+template <class Wide, class Narrow>
+struct NumberRow {
     StringView string;
     bool result;
-    std::int64_t wide;
-    int narrow;
+    Wide wide;
+    Narrow narrow;
     std::size_t after;
 };
 
-const IntegerRow integerRows[] = {
+/// One scan of the row's string; "77" remains where nothing is found.
+template <class Row, class Number>
+void expectNumber(const Row& row, bool (NSScanner::*scan)(Number*), Number expected) {
+    NSScanner scanner(row.string);
+    Number value = 77;
+    EXPECT_EQ((scanner.*scan)(&value), row.result) << utf8Of(row.string);
+    EXPECT_EQ(value, row.result ? expected : Number(77)) << utf8Of(row.string);
+    EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+    scanner.setScanLocation(0);
+    EXPECT_EQ((scanner.*scan)(nullptr), row.result) << utf8Of(row.string);
+    EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+}
+
+const NumberRow<std::int64_t, int> integerRows[] = {
     {"12", true, 12, 12, 2},
     {"  12abc", true, 12, 12, 4},
     {"\n-7 ", true, -7, -7, 3},
@@ -279,20 +293,10 @@ const IntegerRow integerRows[] = {
 };
 
 TEST(NSScanner, readsIntegers) {
-    for (const IntegerRow& row : integerRows) {
-        NSScanner scanner(row.string);
-        std::int64_t wide = 77;
-        EXPECT_EQ(scanner.scanInteger(&wide), row.result) << utf8Of(row.string);
-        EXPECT_EQ(wide, row.result ? row.wide : 77) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
-        scanner.setScanLocation(0);
-        int narrow = 77;
-        EXPECT_EQ(scanner.scanInt(&narrow), row.result) << utf8Of(row.string);
-        EXPECT_EQ(narrow, row.result ? row.narrow : 77) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
-        scanner.setScanLocation(0);
-        EXPECT_EQ(scanner.scanLongLong(nullptr), row.result) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+    for (const auto& row : integerRows) {
+        expectNumber(row, &NSScanner::scanInteger, row.wide);
+        expectNumber(row, &NSScanner::scanLongLong, row.wide);
+        expectNumber(row, &NSScanner::scanInt, row.narrow);
     }
 }
 
@@ -334,30 +338,12 @@ const RealRow realRows[] = {
 
 TEST(NSScanner, readsReals) {
     for (const RealRow& row : realRows) {
-        NSScanner scanner(row.string);
-        double value = 77;
-        EXPECT_EQ(scanner.scanDouble(&value), row.result) << utf8Of(row.string);
-        EXPECT_EQ(value, row.result ? row.value : 77) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
-        scanner.setScanLocation(0);
-        float single = 77;
-        EXPECT_EQ(scanner.scanFloat(&single), row.result) << utf8Of(row.string);
-        EXPECT_EQ(single, row.result ? static_cast<float>(row.value) : 77) << utf8Of(row.string);
-        scanner.setScanLocation(0);
-        EXPECT_EQ(scanner.scanDouble(nullptr), row.result) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+        expectNumber(row, &NSScanner::scanDouble, row.value);
+        expectNumber(row, &NSScanner::scanFloat, static_cast<float>(row.value));
     }
 }
 
-struct HexRow {
-    StringView string;
-    bool result;
-    std::uint64_t wide;
-    unsigned narrow;
-    std::size_t after;
-};
-
-const HexRow hexRows[] = {
+const NumberRow<std::uint64_t, unsigned> hexRows[] = {
     {"ff", true, 0xFF, 0xFF, 2},
     {"  0xFFg", true, 0xFF, 0xFF, 6},
     {"0Xab", true, 0xAB, 0xAB, 4},
@@ -379,17 +365,9 @@ const HexRow hexRows[] = {
 };
 
 TEST(NSScanner, readsHexadecimalNumbers) {
-    for (const HexRow& row : hexRows) {
-        NSScanner scanner(row.string);
-        std::uint64_t wide = 77;
-        EXPECT_EQ(scanner.scanHexLongLong(&wide), row.result) << utf8Of(row.string);
-        EXPECT_EQ(wide, row.result ? row.wide : 77) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
-        scanner.setScanLocation(0);
-        unsigned narrow = 77;
-        EXPECT_EQ(scanner.scanHexInt(&narrow), row.result) << utf8Of(row.string);
-        EXPECT_EQ(narrow, row.result ? row.narrow : 77) << utf8Of(row.string);
-        EXPECT_EQ(scanner.scanLocation(), row.after) << utf8Of(row.string);
+    for (const auto& row : hexRows) {
+        expectNumber(row, &NSScanner::scanHexLongLong, row.wide);
+        expectNumber(row, &NSScanner::scanHexInt, row.narrow);
     }
 }
 
@@ -439,7 +417,7 @@ TEST(NSScanner, readsALongTextPieceByPiece) {
     for (int i = 0; i < lines; ++i) {
         text += "key" + std::to_string(i) + " = " + std::to_string(i * 3) + ";\n";
     }
-    for (const char* const tail : {"", "é"}) { // held as bytes, and as units
+    for (const char* const tail : {"", "é"}) { // stored as bytes, and as units
         NSScanner scanner(text + tail);
         for (int i = 0; i < lines; ++i) {
             NSString key;

@@ -9,67 +9,69 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
-using scene::copying;
-using scene::Desktop;
-using scene::Detail;
-using scene::Digest;
-using scene::DotFiles;
-using scene::Flags;
-using scene::migrateFiles;
-using scene::MigrationFolder;
-using scene::Words;
+using namespace scene;
 
 namespace {
 
 using Codes = std::map<std::string, unsigned>;
 
 constexpr Flags moving{false, true, false, false};
-constexpr Flags creatingCopies{true, true, false, false};
 
 Codes codesOf(const NSDictionary& results) {
     Codes codes;
     for (const NSDictionaryEntry& entry : results) {
-        codes[scene::bytesOf(NSString(entry.key))] = static_cast<unsigned>(NSNumber(entry.value).intValue());
+        codes[bytesOf(NSString(entry.key))] = static_cast<unsigned>(NSNumber(entry.value).intValue());
     }
     return codes;
 }
 
-/// Migrates from the folder "from" to the folder "to".
-Codes migrated(const MigrationFolder& folder, const NSString& extension, DotFiles dotFiles,
-               const Flags& flags) {
-    return codesOf(migrateFiles(extension, folder / "from", folder / "to", dotFiles, flags));
-}
+/// Batches from the folder "from" to the folder "to".
+class BatchMigration : public ::testing::Test {
+protected:
+    Codes migrated(const NSString& extension, const Flags& flags = moving,
+                   DotFiles dotFiles = DotFiles::included) const {
+        return codesOf(migrateFiles(extension, folder / "from", folder / "to", dotFiles, flags));
+    }
+    /// Two names of a batch that overwrites, with one destination: one of them gets there, the other stays.
+    void expectOneOfTwo(Codes codes, const std::string& one, const std::string& other,
+                        const std::string& place, bool keepsOriginals = false) const {
+        EXPECT_TRUE(codes[one] + codes[other] == 34 && codes[one] * codes[other] == 0) << one << codes[one];
+        const std::string arrived = codes[one] == 0 ? one : other;
+        const std::string refused = codes[one] == 0 ? other : one;
+        EXPECT_EQ(folder.contents("to/" + place), arrived);
+        EXPECT_EQ(folder.contents("from/" + refused), refused);
+        EXPECT_EQ(folder.has("from/" + arrived), keepsOriginals) << arrived;
+    }
+
+    const MigrationFolder folder;
+};
 
 } // namespace
 
-TEST(BatchMigration, asksForTheFoldersFirst) {
+TEST_F(BatchMigration, asksForTheFoldersFirst) {
     EXPECT_EQ(codesOf(migrateFiles("log", nullptr, nullptr, DotFiles::included)), (Codes{{"", 1}}));
     EXPECT_EQ(codesOf(migrateFiles("log", nullptr, "/tmp/x", DotFiles::included)), (Codes{{"", 1}}));
     EXPECT_EQ(codesOf(migrateFiles("log", "/nosuch", nullptr, DotFiles::included)), (Codes{{"", 2}}));
 }
 
-TEST(BatchMigration, ofNothingHasNoResults) {
-    const MigrationFolder folder;
-    const NSDictionary missing = migrateFiles("log", folder / "from", folder / "to", DotFiles::included);
-    EXPECT_TRUE(static_cast<bool>(missing)) << "empty, not nil";
-    EXPECT_EQ(missing.count(), 0U);
-    folder.folder("from");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), Codes{});
-    EXPECT_EQ(codesOf(migrateFiles("log", "", folder / "to", DotFiles::included)), Codes{});
+TEST_F(BatchMigration, ofNothingHasNoResults) {
     folder.file("plain.log", "x");
-    EXPECT_EQ(codesOf(migrateFiles("log", folder / "plain.log", folder / "to", DotFiles::included, moving)),
-              Codes{});
-    EXPECT_FALSE(scene::stands(folder / "to"));
+    for (const std::string& from : {folder / "from", std::string(), folder / "plain.log"}) {
+        const NSDictionary results = migrateFiles("log", from, folder / "to", DotFiles::included, moving);
+        EXPECT_TRUE(static_cast<bool>(results)) << "empty, not nil";
+        EXPECT_EQ(results.count(), 0U) << from;
+    }
+    folder.folder("from");
+    EXPECT_EQ(migrated("log"), Codes{});
+    EXPECT_FALSE(folder.has("to"));
 }
 
-TEST(BatchMigration, selectsByTheExactExtension) {
-    const MigrationFolder folder;
-    for (const char* name : {"a.log", "sub/b.log", "c.LOG", "d.log2", "log", "e.log.txt", "x.log/inside.txt",
-                             "x.log/f.log", ".log", "g.x.log"}) {
-        folder.file(std::string("from/") + name, name);
-    }
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving),
-              (Codes{{"a.log", 0}, {"sub/b.log", 0}, {"x.log/f.log", 0}, {"g.x.log", 0}}));
+TEST_F(BatchMigration, selectsByTheExactExtension) {
+    folder.files({"a.log", "sub/b.log", "c.LOG", "d.log2", "log", "e.log.txt", "x.log/inside.txt",
+                  "x.log/f.log", ".log", "g.x.log", "h."},
+                 "from/");
+    EXPECT_EQ(migrated(".log"), Codes{}) << "an extension has no period";
+    EXPECT_EQ(migrated("log"), (Codes{{"a.log", 0}, {"sub/b.log", 0}, {"x.log/f.log", 0}, {"g.x.log", 0}}));
     EXPECT_EQ(folder.digest("to", Detail::contents), (Digest{{"", "folder"},
                                                              {"a.log", "file [a.log]"},
                                                              {"g.x.log", "file [g.x.log]"},
@@ -77,275 +79,239 @@ TEST(BatchMigration, selectsByTheExactExtension) {
                                                              {"sub/b.log", "file [sub/b.log]"},
                                                              {"x.log", "folder"},
                                                              {"x.log/f.log", "file [x.log/f.log]"}}));
-    EXPECT_TRUE(scene::stands(folder / "from/c.LOG"));
-    EXPECT_TRUE(scene::stands(folder / "from/sub")) << "emptied folders stay";
-    EXPECT_FALSE(scene::stands(folder / "from/a.log"));
+    EXPECT_TRUE(folder.has("from/c.LOG"));
+    EXPECT_TRUE(folder.has("from/sub")) << "emptied folders stay";
+    EXPECT_FALSE(folder.has("from/a.log"));
 }
 
-TEST(BatchMigration, withoutExtensionSelectsEveryFile) {
+TEST_F(BatchMigration, withoutExtensionSelectsEveryFile) {
     for (const NSString& extension : {NSString(), NSString("")}) {
-        const MigrationFolder folder;
-        for (const char* name : {"a.log", "b", "sub/c.txt", "sub/deep/.d", ".e/f"}) {
-            folder.file(std::string("from/") + name, name);
-        }
+        folder.files({"a.log", "b", "sub/c.txt", "sub/deep/.d", ".e/f"}, "from/");
         folder.folder("from/empty");
-        EXPECT_EQ(migrated(folder, extension, DotFiles::included, moving),
+        EXPECT_EQ(migrated(extension, {false, true, true, false}),
                   (Codes{{"a.log", 0}, {"b", 0}, {"sub/c.txt", 0}, {"sub/deep/.d", 0}, {".e/f", 0}}));
-        EXPECT_FALSE(scene::stands(folder / "to/empty")) << "folders are not migrated as such";
+        EXPECT_FALSE(folder.has("to/empty")) << "folders are not migrated as such";
     }
 }
 
-TEST(BatchMigration, takesTheExtensionWithoutItsPeriod) {
-    const MigrationFolder folder;
-    folder.file("from/a.log", "x");
-    folder.file("from/b.", "x");
-    EXPECT_EQ(migrated(folder, ".log", DotFiles::included, moving), Codes{});
+TEST_F(BatchMigration, skipsWhatBeginsWithAPeriodAtTheTopAlone) {
+    folder.files({".profile", ".git/config", ".git/sub/x", "docs/.notes.log", "docs/.git/y", "a", ".top.log"},
+                 "from/");
+    EXPECT_EQ(migrated("log", moving, DotFiles::skipped), (Codes{{"docs/.notes.log", 0}}));
+    EXPECT_EQ(migrated(nullptr, moving, DotFiles::skipped), (Codes{{"docs/.git/y", 0}, {"a", 0}}));
+    EXPECT_TRUE(folder.has("from/.git/config"));
+    EXPECT_EQ(migrated(nullptr),
+              (Codes{{".profile", 0}, {".git/config", 0}, {".git/sub/x", 0}, {".top.log", 0}}));
 }
 
-TEST(BatchMigration, passesOverWhatBeginsWithAPeriodAtTheTop) {
-    const MigrationFolder folder;
-    for (const char* name :
-         {".profile", ".git/config", ".git/sub/x", "docs/.notes.log", "docs/.git/y", "a"}) {
-        folder.file(std::string("from/") + name, name);
-    }
-    EXPECT_EQ(migrated(folder, nullptr, DotFiles::passedOver, moving),
-              (Codes{{"docs/.notes.log", 0}, {"docs/.git/y", 0}, {"a", 0}}));
-    EXPECT_TRUE(scene::stands(folder / "from/.git/config"));
-    EXPECT_EQ(migrated(folder, nullptr, DotFiles::included, moving),
-              (Codes{{".profile", 0}, {".git/config", 0}, {".git/sub/x", 0}}));
-}
-
-TEST(BatchMigration, migratesAHiddenFileInsideWhenItsExtensionMatches) {
-    const MigrationFolder folder;
-    folder.file("from/docs/.notes.log", "x");
-    folder.file("from/.top.log", "x");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::passedOver, moving), (Codes{{"docs/.notes.log", 0}}));
-}
-
-TEST(BatchMigration, goesOnAfterAFailure) {
-    const scene::NoLanguages english;
-    const MigrationFolder folder;
-    folder.file("from/a.log", "new");
-    folder.file("from/b.log", "new");
-    folder.file("from/c.log", "new");
+TEST_F(BatchMigration, continuesAfterAFailure) {
+    const NoLanguages english;
+    folder.files({"a.log", "b.log", "c.log"}, "from/");
     folder.file("to/b.log", "old");
     const NSDictionary results =
         migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
-    EXPECT_EQ(codesOf(results), (Codes{{"a.log", 0}, {"b.log", 30}, {"c.log", 0}}));
-    EXPECT_EQ(scene::contentsOf(folder / "to/b.log"), "old");
-    EXPECT_EQ(scene::contentsOf(folder / "from/b.log"), "new");
+    EXPECT_EQ(results, (NSDictionary{{"a.log", 0U}, {"b.log", 30U}, {"c.log", 0U}}));
+    EXPECT_EQ(results.objectForKey("a.log").className(), "NSNumber");
+    EXPECT_EQ(folder.contents("to/b.log"), "old");
+    EXPECT_EQ(folder.contents("from/b.log"), "b.log");
     EXPECT_EQ(ZQFileMigrator::descriptionOfFileMigrationErrorsIn(results).string(),
               "b.log: the destination file already exists");
 }
 
-TEST(BatchMigration, passesTheSwitchesOnToEveryFile) {
-    struct Row {
+TEST_F(BatchMigration, passesTheFlagsOnToEveryFile) {
+    const std::string fresh = "file [new]";
+    const Digest kept{{"", "folder"}, {"a.log", fresh}};
+    const struct {
         Flags flags;
         unsigned code;
         Digest left;
+    } rows[] = {
+        {nothingAllowed, 30, {{"", "folder"}, {"a.log", "file [old]"}}},
+        {overwriting, 0, kept},
+        {{true, false, true, false}, 0, kept},
+        {renaming, 0, {{"", "folder"}, {"a 1.log", fresh}, {"a.log", "file [old]"}}},
+        {{true, false, true, true}, 0, kept},
     };
-    const Digest kept{{"", "folder"}, {"a.log", "file [new]"}};
-    const Digest gone{{"", "folder"}};
-    const Row rows[] = {
-        {{false, false, false, false}, 30, {{"", "folder"}, {"a.log", "file [old]"}}},
-        {{false, false, true, false}, 0, {{"", "folder"}, {"a.log", "file [new]"}}},
-        {{true, false, true, false}, 0, {{"", "folder"}, {"a.log", "file [new]"}}},
-        {{false, false, false, true},
-         0,
-         {{"", "folder"}, {"a 1.log", "file [new]"}, {"a.log", "file [old]"}}},
-        {{true, false, true, true}, 0, {{"", "folder"}, {"a.log", "file [new]"}}},
-    };
-    for (const Row& row : rows) {
-        const MigrationFolder folder;
+    for (const auto& row : rows) {
+        removeTree(folder / "to");
         folder.file("from/a.log", "new");
         folder.file("to/a.log", "old");
-        EXPECT_EQ(migrated(folder, "log", DotFiles::included, row.flags), (Codes{{"a.log", row.code}}));
-        EXPECT_EQ(folder.digest("to", Detail::contents), row.left) << scene::shownFlags(row.flags);
-        EXPECT_EQ(folder.digest("from", Detail::contents),
-                  row.flags.keepOriginal || row.code != 0 ? kept : gone);
+        EXPECT_EQ(migrated("log", row.flags), (Codes{{"a.log", row.code}}));
+        EXPECT_EQ(folder.digest("to", Detail::contents), row.left) << shownFlags(row.flags);
+        EXPECT_EQ(folder.has("from/a.log"), row.flags.keepOriginal || row.code != 0);
     }
 }
 
-TEST(BatchMigration, needsTheFoldersAtTheDestination) {
-    const MigrationFolder folder;
-    folder.file("from/a.log", "x");
-    folder.file("from/sub/b.log", "x");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, copying),
-              (Codes{{"a.log", 20}, {"sub/b.log", 20}}));
+TEST_F(BatchMigration, needsTheFoldersAtTheDestination) {
+    folder.files({"a.log", "sub/b.log"}, "from/");
+    EXPECT_EQ(migrated("log", copying), (Codes{{"a.log", 20}, {"sub/b.log", 20}}));
     folder.folder("to");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, copying), (Codes{{"a.log", 0}, {"sub/b.log", 20}}));
+    EXPECT_EQ(migrated("log", copying), (Codes{{"a.log", 0}, {"sub/b.log", 20}}));
     folder.file("to/sub", "a file");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, creatingCopies),
-              (Codes{{"a.log", 30}, {"sub/b.log", 21}}));
+    EXPECT_EQ(migrated("log"), (Codes{{"a.log", 30}, {"sub/b.log", 21}}));
 }
 
-TEST(BatchMigration, mapsToUnsigned32BitNumbers) {
-    const MigrationFolder folder;
-    folder.file("from/a.log", "x");
-    const NSDictionary results = migrateFiles("log", folder / "from", folder / "to", DotFiles::included);
-    EXPECT_EQ(results, (NSDictionary{{"a.log", 20U}}));
-    EXPECT_EQ(results.objectForKey("a.log").className(), "NSNumber");
-}
-
-TEST(BatchMigration, migratesLinksToFilesAndPassesOverLinksToFolders) {
-    const MigrationFolder folder;
+TEST_F(BatchMigration, migratesLinksToFilesAndSkipsLinksToFolders) {
     folder.file("elsewhere/x.log", "x");
     folder.folder("from");
     folder.link(folder / "elsewhere/x.log", "from/file.log");
     folder.link(folder / "elsewhere", "from/folder.log");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), (Codes{{"file.log", 0}}));
+    EXPECT_EQ(migrated("log"), (Codes{{"file.log", 0}}));
     EXPECT_EQ(folder.digest("to", Detail::contents),
               (Digest{{"", "folder"}, {"file.log", "link [" + (folder / "elsewhere/x.log") + "]"}}));
-    EXPECT_TRUE(scene::stands(folder / "from/folder.log"));
-    EXPECT_EQ(scene::contentsOf(folder / "elsewhere/x.log"), "x");
+    EXPECT_TRUE(folder.has("from/folder.log"));
+    EXPECT_EQ(folder.contents("elsewhere/x.log"), "x");
 }
 
-TEST(BatchMigration, startsAtALinkToAFolder) {
-    const MigrationFolder folder;
+TEST_F(BatchMigration, startsAtALinkToAFolder) {
     folder.file("real/sub/a.log", "x");
     folder.link("real", "from");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), (Codes{{"sub/a.log", 0}}));
+    EXPECT_EQ(migrated("log"), (Codes{{"sub/a.log", 0}}));
 }
 
-TEST(BatchMigration, treatsAnItemThatIsNotThereAsTheOneBeforeIt) {
-    // Whatever the order of siblings: a folder's own contents come right after it.
-    const MigrationFolder folder;
+TEST_F(BatchMigration, treatsADanglingLinkAsTheEntryBeforeIt) {
+    // Whatever the order of siblings: a folder's own contents come right after it, here dangling links alone.
     folder.folder("from/folder");
-    folder.link("nosuch", "from/folder/dangling");
-    EXPECT_EQ(migrated(folder, nullptr, DotFiles::included, moving), Codes{})
-        << "behind a folder it is passed over like one";
-    folder.folder("others");
-    ASSERT_EQ(::rename((folder / "from/folder/dangling").c_str(), (folder / "others/d1").c_str()), 0);
+    for (const char* const name : {"a", "b", "c", "d"}) {
+        folder.link("nosuch", std::string("from/folder/") + name);
+    }
+    EXPECT_EQ(migrated(nullptr), Codes{}) << "after a folder it is skipped like one";
     folder.file("others/file", "x");
+    folder.link("nosuch", "others/d1");
     folder.link("nosuch", "others/d2");
-    folder.link("nosuch", "others/d3");
-    // Among a file and dangling links alone nothing is a folder: each of them fails as a missing file.
-    const Codes codes =
-        codesOf(migrateFiles(nullptr, folder / "others", folder / "to", DotFiles::included, creatingCopies));
-    EXPECT_EQ(codes.at("file"), 0U);
+    // Among a file and dangling links alone nothing is a folder: each of them fails as a missing file, and
+    // the first of all may be skipped or fail.
+    Codes codes =
+        codesOf(migrateFiles(nullptr, folder / "others", folder / "to", DotFiles::included, moving));
+    EXPECT_EQ(codes["file"], 0U);
+    EXPECT_EQ(codes.erase("file") + codes.size(), 3U);
     for (const auto& [name, code] : codes) {
-        EXPECT_EQ(code, name == "file" ? 0U : 10U) << name;
+        EXPECT_EQ(code, 10U) << name;
     }
 }
 
-TEST(BatchMigration, doesNotForgetAFolderForAllTheItemsThatAreNotThere) {
-    // One folder that is enumerated, then only dangling links in it, in any order: the switch stays on.
-    const MigrationFolder folder;
-    folder.folder("from/sub");
-    for (const char* name : {"a", "b", "c", "d"}) {
-        folder.link("nosuch", std::string("from/sub/") + name);
-    }
-    EXPECT_EQ(migrated(folder, nullptr, DotFiles::included, moving), Codes{});
-}
-
-TEST(BatchMigration, testsOnlyWhatIsSelected) {
-    // An entry that is ignored for its name does not change what the next one is taken for.
-    const MigrationFolder folder;
+TEST_F(BatchMigration, looksOnlyAtWhatIsSelected) {
+    // An entry that is ignored for its name does not change what the next one is taken for: ".sub" and what
+    // it contains are not looked at, so "b.log" comes first, taken for a file or ignored.
     folder.folder("from/.sub");
     folder.link("nosuch", "from/.sub/a.log");
     folder.link("nosuch", "from/b.log");
-    // ".sub" and what it holds begin with a period and are not looked at. So "b.log" comes first, for which
-    // there is no earlier answer: taken for a file or ignored.
-    const Codes codes = migrated(folder, "log", DotFiles::passedOver, moving);
-    EXPECT_TRUE(codes == Codes{} || codes == (Codes{{"b.log", 10}}));
-}
-
-TEST(BatchMigration, doesNotTakeAFolderPassedOverForItsExtensionIntoAccount) {
-    const MigrationFolder folder;
-    folder.folder("from/sub");
+    const Codes first = migrated("log", moving, DotFiles::skipped);
+    EXPECT_TRUE(first == Codes{} || first == (Codes{{"b.log", 10}}));
+    // "sub" is no "log", so the only answers come from files: "b.log" is a missing file, or comes first.
+    removeTree(folder / "from");
     folder.file("from/sub/a.log", "x");
     folder.link("nosuch", "from/sub/b.log");
-    // "sub" is no "log", so the only answers come from the files: "b.log" is a missing file, or comes first.
-    const Codes codes = migrated(folder, "log", DotFiles::included, moving);
-    EXPECT_EQ(codes.at("sub/a.log"), 0U);
-    EXPECT_TRUE(codes.count("sub/b.log") == 0 || codes.at("sub/b.log") == 10U);
+    Codes second = migrated("log");
+    EXPECT_EQ(second.at("sub/a.log"), 0U);
+    EXPECT_TRUE(second.count("sub/b.log") == 0 || second["sub/b.log"] == 10U);
 }
 
-TEST(BatchMigration, expandsTheTildeInBothFolders) {
-    const MigrationFolder folder;
-    const scene::Variable home("HOME", folder.path().c_str());
+TEST_F(BatchMigration, expandsTheTildeAndToleratesSlashes) {
+    const Variable home("HOME", folder.path().c_str());
     folder.file("from/sub/a.log", "x");
     EXPECT_EQ(codesOf(migrateFiles("log", "~/from", "~/to/", DotFiles::included, moving)),
               (Codes{{"sub/a.log", 0}}));
-    EXPECT_EQ(scene::contentsOf(folder / "to/sub/a.log"), "x");
+    EXPECT_EQ(folder.contents("to/sub/a.log"), "x");
+    EXPECT_EQ(
+        codesOf(migrateFiles("log", folder.path() + "//to/", folder / "back//", DotFiles::included, moving)),
+        (Codes{{"sub/a.log", 0}}));
+    EXPECT_EQ(folder.contents("back/sub/a.log"), "x");
 }
 
-TEST(BatchMigration, toleratesAFinalSlashAndDoubledOnes) {
-    const MigrationFolder folder;
+TEST_F(BatchMigration, notifiesTheDesktopOfEveryFile) {
+    Desktop desktop;
+    Desktop some("SomeClass");
     folder.file("from/sub/a.log", "x");
-    const std::string from = folder.path() + "//from/";
-    EXPECT_EQ(codesOf(migrateFiles("log", from, folder / "to//", DotFiles::included, moving)),
-              (Codes{{"sub/a.log", 0}}));
+    errno = 4711;
+    EXPECT_EQ(migrated("log"), (Codes{{"sub/a.log", 0}}));
+    EXPECT_EQ(errno, 4711) << "the caller's";
+    EXPECT_EQ(desktop.takeFolders(), (Words{folder / "to/sub", folder / "from/sub"}));
+    EXPECT_EQ(some.takeFolders(), Words{});
 }
 
-TEST(BatchMigration, tellsTheDesktopOfEveryFile) {
-    const MigrationFolder folder;
-    const Desktop desktop;
-    const Desktop some("SomeClass");
-    folder.file("from/sub/a.log", "x");
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), (Codes{{"sub/a.log", 0}}));
-    EXPECT_EQ(desktop.told(), (Words{folder / "to/sub", folder / "from/sub"}));
-    EXPECT_EQ(some.told(), Words{});
-}
-
-TEST(BatchMigration, removesWhileItEnumerates) {
-    const MigrationFolder folder;
+TEST_F(BatchMigration, removesWhileItEnumerates) {
     Codes expected;
     for (int number = 0; number < 3000; ++number) {
         const std::string name = "d" + std::to_string(number % 30) + "/f" + std::to_string(number) + ".log";
         folder.file("from/" + name, name);
         expected[name] = 0;
     }
-    EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), expected);
+    EXPECT_EQ(migrated("log"), expected);
     for (const auto& [name, code] : expected) {
-        ASSERT_EQ(scene::contentsOf(folder / ("to/" + name)), name);
-        ASSERT_FALSE(scene::stands(folder / ("from/" + name)));
+        ASSERT_EQ(folder.contents("to/" + name), name);
+        ASSERT_FALSE(folder.has("from/" + name));
     }
 }
 
-TEST(BatchMigration, ofAFolderIntoItselfFailsFileByFile) {
-    const MigrationFolder folder;
-    folder.file("from/a.log", "a");
-    folder.file("from/sub/b.log", "b");
+TEST_F(BatchMigration, ofAFolderIntoItselfFailsFileByFile) {
+    folder.files({"a.log", "sub/b.log"}, "from/");
     const Digest before = folder.digest("from");
-    EXPECT_EQ(codesOf(migrateFiles("log", folder / "from", folder / "from", DotFiles::included, moving)),
-              (Codes{{"a.log", 30}, {"sub/b.log", 30}}));
-    EXPECT_EQ(codesOf(migrateFiles("log", folder / "from", folder / "from", DotFiles::included,
-                                   {false, false, true, false})),
-              (Codes{{"a.log", 34}, {"sub/b.log", 34}}));
+    EXPECT_EQ(folder.migrateLogs("from", "from", moving), "{ a.log = 30; sub/b.log = 30; }");
+    EXPECT_EQ(folder.migrateLogs("from", "from", overwriting), "{ a.log = 34; sub/b.log = 34; }");
     EXPECT_EQ(folder.digest("from"), before);
 }
 
-TEST(BatchMigration, keepsNamesThatAreNoText) {
-    const MigrationFolder folder;
+TEST_F(BatchMigration, keepsNamesThatAreNoText) {
     const std::string name = "caf\xe9.log";
     folder.file("from/" + name, "x");
-    const NSDictionary results =
-        migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
-    EXPECT_EQ(codesOf(results), (Codes{{name, 0}}));
-    EXPECT_EQ(scene::contentsOf(folder / ("to/" + name)), "x");
+    EXPECT_EQ(migrated("log"), (Codes{{name, 0}}));
+    EXPECT_EQ(folder.contents("to/" + name), "x");
 }
 
-TEST(BatchMigration, passesOverFoldersThatCannotBeRead) {
-    const bool passed = scene::checkedWithoutPrivileges([] {
-        const MigrationFolder folder;
+TEST_F(BatchMigration, skipsFoldersThatCannotBeRead) {
+    EXPECT_TRUE(checkedWithoutPrivileges([this] {
         folder.file("from/closed/a.log", "x");
         folder.file("from/b.log", "x");
-        ::chmod((folder / "from/closed").c_str(), 0);
-        EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), (Codes{{"b.log", 0}}));
-        ::chmod((folder / "from").c_str(), 0);
-        EXPECT_EQ(migrated(folder, "log", DotFiles::included, moving), Codes{});
-        ::chmod((folder / "from").c_str(), 0755);
-        ::chmod((folder / "from/closed").c_str(), 0755);
-        EXPECT_EQ(scene::contentsOf(folder / "from/closed/a.log"), "x");
-    });
-    EXPECT_TRUE(passed);
+        folder.setMode("from/closed", 0);
+        EXPECT_EQ(migrated("log"), (Codes{{"b.log", 0}}));
+        folder.setMode("from", 0);
+        EXPECT_EQ(migrated("log"), Codes{});
+        folder.setMode("from", 0755);
+        folder.setMode("from/closed", 0755);
+        EXPECT_EQ(folder.contents("from/closed/a.log"), "x");
+    }));
 }
 
-TEST(BatchMigration, keepsTheCallersErrorNumber) {
-    const MigrationFolder folder;
-    folder.file("from/a.log", "x");
-    errno = 4711;
-    migrated(folder, "log", DotFiles::included, moving);
-    EXPECT_EQ(errno, 4711);
+// Overwriting does not take away what the same batch has brought there under another name.
+
+TEST_F(BatchMigration, keepsWhatItHasBroughtThroughALink) {
+    folder.folder("to/one");
+    folder.link("one", "to/two");
+    folder.link(".", "to/sub");
+    for (const bool keeps : {true, false}) {
+        folder.files({"one/x.log", "two/x.log", "one/y.log", "x.log", "sub/x.log"}, "from/");
+        const Codes codes = migrated("log", {keeps, true, true, false});
+        EXPECT_EQ(codes.size(), 5U);
+        expectOneOfTwo(codes, "one/x.log", "two/x.log", "one/x.log", keeps);
+        expectOneOfTwo(codes, "x.log", "sub/x.log", "x.log", keeps);
+        EXPECT_EQ(codes.at("one/y.log"), 0U);
+        removeTree(folder / "from");
+    }
+}
+
+TEST_F(BatchMigration, ofHundredsKeepsAllThatItHasBrought) {
+    folder.folder("to/one");
+    folder.link("one", "to/two");
+    Words names;
+    for (int number = 0; number < 300; ++number) {
+        names.push_back("/" + std::to_string(number) + ".log");
+        folder.files({"one" + names.back(), "two" + names.back()}, "from/");
+        folder.file("to/one" + names.back(), "old");
+    }
+    const Codes codes = migrated("log", overwriting);
+    EXPECT_EQ(codes.size(), 600U);
+    for (const std::string& name : names) {
+        expectOneOfTwo(codes, "one" + name, "two" + name, "one" + name);
+    }
+}
+
+TEST_F(BatchMigration, replacesTwoNamesOfOneOlderFile) {
+    folder.files({"one/x.log", "two/x.log"}, "from/");
+    folder.file("to/one/x.log", "old");
+    folder.folder("to/two");
+    ASSERT_EQ(::link((folder / "to/one/x.log").c_str(), (folder / "to/two/x.log").c_str()), 0);
+    EXPECT_EQ(migrated("log", overwriting), (Codes{{"one/x.log", 0}, {"two/x.log", 0}}));
+    EXPECT_EQ(folder.contents("to/one/x.log"), "one/x.log");
+    EXPECT_EQ(folder.contents("to/two/x.log"), "two/x.log");
 }

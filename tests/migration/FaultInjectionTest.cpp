@@ -69,9 +69,7 @@ Outcome undisturbed(const Case& which) {
     const faults::Run run(which);
     const Outcome outcome = run.under({});
     if (outcome.traced) {
-        for (const std::string& problem : faults::Verdict(run).after({}, outcome)) {
-            ADD_FAILURE() << which.name() << " without a fault: " << problem;
-        }
+        faults::addFailures(which.name() + " without a fault", faults::Verdict(run).after({}, outcome));
     }
     return outcome;
 }
@@ -87,8 +85,8 @@ public:
         }
         EXPECT_GT(plain.calls, 10) << "hardly a call was seen";
         EXPECT_GT(plain.transfers, 0) << "nothing was read or written";
-        // A fault can bring more calls, ways out that are not taken otherwise. The last one of them has been
-        // passed when a run ends without having met its fault.
+        // A fault can bring more calls, ways out that are not taken otherwise. The last one of them was
+        // reached when a run ends without having met its fault.
         const long stride = strideOf(which, fault);
         fault.call = 1 + start % stride;
         failures_ = 0;
@@ -125,10 +123,8 @@ private:
     }
 
     void report(const std::string& what, const scene::Words& problems) {
-        for (const std::string& problem : problems) {
-            ++failures_;
-            ADD_FAILURE() << what << ": " << problem;
-        }
+        failures_ += static_cast<long>(problems.size());
+        faults::addFailures(what, problems);
     }
 
     static constexpr long enough = 20; ///< of what is wrong with one case, to be read
@@ -138,8 +134,7 @@ private:
 };
 
 void runAll(const std::vector<Subject>& subjects, const std::vector<Fault>& kinds) {
-    const scene::ScenesInMemory memory;
-    const faults::OneProcessor processor;
+    const faults::QuickRuns quick;
     Runs runs;
     for (const Subject subject : subjects) {
         for (const Case& which : faults::casesOf(subject)) {
@@ -168,8 +163,7 @@ const std::vector<Fault> shorteningOne{{Fault::shorteningToOne, 0, 1, false},
 
 /// Every transfer from the first on: one run is enough, the others would only begin later.
 void runShortened(const std::vector<Subject>& subjects) {
-    const scene::ScenesInMemory memory;
-    const faults::OneProcessor processor;
+    const faults::QuickRuns quick;
     for (const Subject subject : subjects) {
         for (const Case& which : faults::casesOf(subject)) {
             for (const Fault::Kind kind : {Fault::shorteningToOne, Fault::shorteningToHalf}) {
@@ -179,9 +173,7 @@ void runShortened(const std::vector<Subject>& subjects) {
                 if (!outcome.traced) {
                     GTEST_SKIP() << faults::notTraced;
                 }
-                for (const std::string& problem : faults::Verdict(run).after(fault, outcome)) {
-                    ADD_FAILURE() << shown(which, fault, {}) << ": " << problem;
-                }
+                faults::addFailures(shown(which, fault, {}), faults::Verdict(run).after(fault, outcome));
             }
         }
     }

@@ -7,11 +7,12 @@
 #include <map>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -107,6 +108,12 @@ inline std::string shownDigest(const Digest& digest) {
     return text;
 }
 
+/// Swaps two names in one step, so that there is always something at each of them.
+inline bool exchange(const std::string& one, const std::string& other) {
+    return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
+                     2 /* RENAME_EXCHANGE */) == 0;
+}
+
 /// The four switches of a migration.
 struct Flags {
     bool keepOriginal = false;
@@ -147,7 +154,7 @@ inline unsigned migrateFolder(const ZQFoundation::NSString& from, const ZQFounda
             from, to, flags.keepOriginal, flags.createParent, flags.overwrite, flags.rename);
 }
 
-enum class DotFiles { passedOver, included };
+enum class DotFiles { skipped, included };
 
 inline ZQFoundation::NSDictionary migrateFiles(const ZQFoundation::NSString& extension,
                                                const ZQFoundation::NSString& from,
@@ -160,28 +167,44 @@ inline ZQFoundation::NSDictionary migrateFiles(const ZQFoundation::NSString& ext
             flags.overwrite, flags.rename);
 }
 
+/// The migration of one item, with the codes in which those of files and of folders differ.
+struct Operation {
+    bool isFolder;
+    unsigned exists;
+    unsigned isOther;
+    unsigned overwritingFailed;
+    unsigned writingFailed;
+
+    unsigned operator()(const ZQFoundation::NSString& from, const ZQFoundation::NSString& to,
+                        const Flags& flags = {}) const {
+        return isFolder ? migrateFolder(from, to, flags) : migrateFile(from, to, flags);
+    }
+};
+inline constexpr Operation ofFiles{false, 30, 32, 34, 35};
+inline constexpr Operation ofFolders{true, 31, 33, 36, 37};
+
 /// The object that a host's desktop shares: records the folders that it is notified of.
 class RecordingWorkspace : public ZQFoundation::NSObjectProtocol {
 public:
-    explicit RecordingWorkspace(Words& told) : told_(told) {}
+    explicit RecordingWorkspace(Words& folders) : folders_(folders) {}
     bool respondsToSelector(const ZQFoundation::Selector& selector) const override {
         return selector == "noteFileSystemChanged:";
     }
     ZQFoundation::NSObject performSelector_withObject(const ZQFoundation::Selector&,
                                                       const ZQFoundation::NSObject& folder) override {
-        told_.push_back(shownText(ZQFoundation::NSString(folder)));
+        folders_.push_back(shownText(ZQFoundation::NSString(folder)));
         return nullptr;
     }
 
 private:
-    Words& told_;
+    Words& folders_;
 };
 
 /// The class of that object; answers "sharedWorkspace".
 class RecordingWorkspaceClass : public ZQFoundation::NSObjectProtocol {
 public:
-    explicit RecordingWorkspaceClass(Words& told)
-        : shared_(ZQFoundation::makeObject<RecordingWorkspace>(told)) {}
+    explicit RecordingWorkspaceClass(Words& folders)
+        : shared_(ZQFoundation::makeObject<RecordingWorkspace>(folders)) {}
     bool respondsToSelector(const ZQFoundation::Selector& selector) const override {
         return selector == "sharedWorkspace";
     }
@@ -198,12 +221,12 @@ private:
 class Desktop {
 public:
     explicit Desktop(const char* name = "NSWorkspace")
-        : registration_(name, ZQFoundation::makeObject<RecordingWorkspaceClass>(told_)) {}
-    const Words& told() const { return told_; }
-    void forget() { told_.clear(); }
+        : registration_(name, ZQFoundation::makeObject<RecordingWorkspaceClass>(folders_)) {}
+    /// The folders of which it was notified since the last call.
+    Words takeFolders() { return std::exchange(folders_, {}); }
 
 private:
-    Words told_;
+    Words folders_;
     ZQFoundation::ClassRegistration registration_;
 };
 
@@ -231,23 +254,41 @@ private:
     Variable variable_;
 };
 
-/// Mount points in a mount namespace of the child's own; the answer 77 means that the machine forbids it.
+/// Runs the body in a child with mount points of its own; the answer 77 means that the machine forbids them.
 template <class Body>
-int inOwnMounts(const Body& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(15);
+int inOwnMounts(const Body& body, unsigned seconds = 15) {
+    return ZQFoundation::kit::inChild([&] {
+        ::alarm(seconds);
         if (::unshare(CLONE_NEWNS) != 0 ||
             ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-            leave(77);
+            return 77;
         }
         body();
         std::fflush(nullptr);
-        leave(::testing::Test::HasFailure() ? 1 : 0);
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+}
+
+/// The same. The test is skipped where the machine forbids mounts, or something else that the body needs:
+/// then it returns false.
+template <class Body>
+void withOwnMounts(const Body& body, unsigned seconds = 15) {
+    const int answer = inOwnMounts(
+        [&body] {
+            if (!body()) {
+                leave(77);
+            }
+        },
+        seconds);
+    if (answer == 77) {
+        GTEST_SKIP() << "this machine allows no mounts of one's own";
     }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    EXPECT_EQ(answer, 0);
+}
+
+/// Mounts one folder at another one, too.
+inline bool bindMount(const std::string& what, const std::string& where) {
+    return ::mount(what.c_str(), where.c_str(), nullptr, MS_BIND, nullptr) == 0;
 }
 
 /// A scratch folder in which any user may work, with short ways to put things there.
@@ -260,6 +301,12 @@ public:
     std::string file(const std::string& name, const std::string& bytes) const {
         return base_.write(name, bytes);
     }
+    /// Files that contain their own names.
+    void files(const Words& names, const std::string& place = "") const {
+        for (const std::string& name : names) {
+            file(place + name, name);
+        }
+    }
     std::string folder(const std::string& name) const { return base_.makeFolder(name); }
     std::string link(const std::string& target, const std::string& name) const {
         EXPECT_EQ(::symlink(target.c_str(), (base_ / name).c_str()), 0) << name;
@@ -268,6 +315,16 @@ public:
     std::string pipe(const std::string& name) const {
         EXPECT_EQ(::mkfifo((base_ / name).c_str(), 0644), 0) << name;
         return base_ / name;
+    }
+    void setMode(const std::string& name, mode_t mode) const {
+        EXPECT_EQ(::chmod((base_ / name).c_str(), mode), 0) << name;
+    }
+    bool has(const std::string& name) const { return stands(base_ / name); }
+    std::string contents(const std::string& name) const { return contentsOf(base_ / name); }
+    /// The result of a batch of "log" files, among them those whose names begin with a period.
+    std::string migrateLogs(const std::string& from, const std::string& to, const Flags& flags = {}) const {
+        return bytesOf(
+            migrateFiles("log", base_ / from, base_ / to, DotFiles::included, flags).condensedDescription());
     }
     Digest digest(const std::string& name = "", Detail detail = Detail::permissions) const {
         return digestOf(name.empty() ? path() : base_ / name, detail);

@@ -13,6 +13,9 @@
 
 using scene::Digest;
 using scene::Flags;
+using scene::ofFiles;
+using scene::ofFolders;
+using scene::Operation;
 using scene::Words;
 
 namespace {
@@ -92,7 +95,7 @@ public:
                 if (!isFolder) {
                     return false;
                 }
-            } else if (stands(made)) {
+            } else if (hasItem(made)) {
                 return false; // a dangling link
             } else {
                 items_[resolved(parentOf(made), true) + (parentOf(made).empty() ? "" : "/") + name] = {
@@ -102,7 +105,7 @@ public:
         return true;
     }
 
-    bool stands(const std::string& path) const { return resolved(path, false) != "!"; }
+    bool hasItem(const std::string& path) const { return resolved(path, false) != "!"; }
 
     bool remove(const std::string& path) {
         const std::string where = resolved(path, false);
@@ -119,7 +122,7 @@ public:
     bool copy(const std::string& from, const std::string& to) {
         const std::string source = resolved(from, false);
         const std::string parent = resolved(parentOf(to), true);
-        if (source == "!" || parent == "!" || stands(to)) {
+        if (source == "!" || parent == "!" || hasItem(to)) {
             return false;
         }
         const std::string target = parent + "/" + to.substr(to.find_last_of('/') + 1);
@@ -136,49 +139,29 @@ public:
     Digest digest() const {
         Digest all;
         for (const auto& [path, item] : items_) {
-            const std::string mode = " " + scene::octal(item.mode);
-            switch (item.kind) {
-            case Item::file:
-                all[path] = "file [" + item.text + "]" + mode;
-                break;
-            case Item::folder:
-                all[path] = "folder" + mode;
-                break;
-            case Item::link:
-                all[path] = "link [" + item.text + "]";
-                break;
-            case Item::pipe:
-                all[path] = "pipe" + mode;
-                break;
-            }
+            static const char* const kinds[] = {"file", "folder", "link", "pipe"};
+            const bool hasText = item.kind == Item::file || item.kind == Item::link;
+            all[path] = kinds[item.kind] + (hasText ? " [" + item.text + "]" : "") +
+                        (item.kind == Item::link ? "" : " " + scene::octal(item.mode));
         }
         return all;
     }
 
-    /// Puts the same onto the disk. Folders come before what they hold, as the paths sort so.
-    void make(const std::string& base) const {
+    /// Puts the same on the disk. Folders come before what they contain, as the paths sort so.
+    void make(const scene::MigrationFolder& folder) const {
         for (const auto& [path, item] : items_) {
-            const std::string place = base + "/" + path;
-            switch (item.kind) {
-            case Item::file: {
-                const int descriptor = ::open(place.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-                EXPECT_EQ(::write(descriptor, item.text.data(), item.text.size()),
-                          static_cast<ssize_t>(item.text.size()));
-                ::fchmod(descriptor, item.mode);
-                ::close(descriptor);
-                break;
+            if (item.kind == Item::link) {
+                folder.link(item.text, path);
+                continue;
             }
-            case Item::folder:
-                ::mkdir(place.c_str(), item.mode);
-                ::chmod(place.c_str(), item.mode);
-                break;
-            case Item::link:
-                EXPECT_EQ(::symlink(item.text.c_str(), place.c_str()), 0);
-                break;
-            case Item::pipe:
-                EXPECT_EQ(::mkfifo(place.c_str(), item.mode), 0);
-                break;
+            if (item.kind == Item::file) {
+                folder.file(path, item.text);
+            } else if (item.kind == Item::pipe) {
+                folder.pipe(path);
+            } else {
+                folder.folder(path);
             }
+            folder.setMode(path, item.mode);
         }
     }
 
@@ -200,24 +183,11 @@ private:
     bool privileged_;
 };
 
-enum class Operation { file, folder };
-
-/// The codes in which the two operations differ.
-struct Codes {
-    unsigned exists;
-    unsigned isOther;
-    unsigned overwriting;
-    unsigned writing;
-};
-constexpr Codes codesOf(Operation operation) {
-    return operation == Operation::file ? Codes{30, 32, 34, 35} : Codes{31, 33, 36, 37};
-}
-
 /// One call in the model: the steps, in their order.
 class Steps {
 public:
-    Steps(Model& model, Operation operation, const Flags& flags)
-        : model_(model), operation_(operation), flags_(flags), codes_(codesOf(operation)) {}
+    Steps(Model& model, const Operation& operation, const Flags& flags)
+        : model_(model), operation_(operation), flags_(flags) {}
 
     unsigned run(const std::string& from, std::string to) {
         const std::string toParent = to == "?" ? "?" : parentOf(to);
@@ -227,36 +197,36 @@ public:
         if (const unsigned code = prepareParent(toParent)) {
             return code;
         }
-        bool isFolder = operation_ == Operation::folder;
+        bool isFolder = operation_.isFolder;
         bool found = model_.exists(to, isFolder);
         if (found && !flags_.overwrite) {
             if (!flags_.rename) {
-                return codes_.exists;
+                return operation_.exists;
             }
             to = freeName(to);
             found = model_.exists(to, isFolder);
         }
-        if (isFolder != (operation_ == Operation::folder)) {
-            return codes_.isOther;
+        if (isFolder != operation_.isFolder) {
+            return operation_.isOther;
         }
         if (found && !removeOld(from, to)) {
-            return codes_.overwriting;
+            return operation_.overwritingFailed;
         }
         if (!model_.copy(from, to)) {
-            return codes_.writing;
+            return operation_.writingFailed;
         }
-        told.push_back(toParent);
+        notified.push_back(toParent);
         if (flags_.keepOriginal) {
             return 0;
         }
         if (!model_.remove(from)) {
             return 15;
         }
-        told.push_back(parentOf(from));
+        notified.push_back(parentOf(from));
         return 0;
     }
 
-    Words told;
+    Words notified; ///< folders, for the desktop
 
 private:
     unsigned testSource(const std::string& from) const {
@@ -264,7 +234,7 @@ private:
         if (!model_.exists(from, isFolder)) {
             return 10;
         }
-        if (operation_ == Operation::folder) {
+        if (operation_.isFolder) {
             return isFolder ? 0 : 13;
         }
         return isFolder ? 12 : model_.isReadable(from) ? 0 : 14;
@@ -299,18 +269,17 @@ private:
     }
 
     Model& model_;
-    Operation operation_;
+    const Operation& operation_;
     Flags flags_;
-    Codes codes_;
 };
 
 // The rows.
 
-struct Source {
+struct Place {
     const char* what;
     const char* path; ///< "%" is the item's name
 };
-constexpr Source sources[] = {
+constexpr Place sources[] = {
     {"missing", "from/%"},        {"file", "from/%"},
     {"empty file", "from/%"},     {"folder", "from/%"},
     {"empty folder", "from/%"},   {"link to file", "from/%"},
@@ -320,11 +289,7 @@ constexpr Source sources[] = {
     {"below a file", "plain/%"},  {"through a link", "fromLink/%"},
 };
 
-struct Destination {
-    const char* what;
-    const char* path;
-};
-constexpr Destination destinations[] = {
+constexpr Place destinations[] = {
     {"missing", "to/%"},
     {"missing parent", "new/deep/%"},
     {"parent is a file", "plain/%"},
@@ -348,27 +313,23 @@ std::string filledIn(const std::string& path, const std::string& name) {
 }
 
 void addItem(Model& model, const std::string& path, const std::string& what) {
-    if (what == "file" || what == "through a link") {
-        model.put(path, {Item::file, "contents of " + path, 0640});
-    } else if (what == "empty file") {
-        model.put(path, {Item::file, "", 0600});
-    } else if (what == "unreadable file") {
-        model.put(path, {Item::file, "", 0200});
-    } else if (what == "folder" || what == "empty folder") {
-        model.put(path, {Item::folder, "", 0750});
-        if (what == "folder") {
-            model.put(path + "/sub", {Item::folder, "", 0711});
-            model.put(path + "/sub/one", {Item::file, "one of " + path, 0444});
-            model.put(path + "/two", {Item::link, "sub", 0777});
-        }
-    } else if (what == "link to file") {
-        model.put(path, {Item::link, "../targets/file", 0777});
-    } else if (what == "link to folder") {
-        model.put(path, {Item::link, "../targets/folder", 0777});
-    } else if (what == "dangling link") {
-        model.put(path, {Item::link, "../targets/nosuch", 0777});
-    } else if (what == "pipe") {
-        model.put(path, {Item::pipe, "", 0640});
+    const std::map<std::string, Item> items{{"file", {Item::file, "contents of " + path, 0640}},
+                                            {"through a link", {Item::file, "contents of " + path, 0640}},
+                                            {"empty file", {Item::file, "", 0600}},
+                                            {"unreadable file", {Item::file, "", 0200}},
+                                            {"folder", {Item::folder, "", 0750}},
+                                            {"empty folder", {Item::folder, "", 0750}},
+                                            {"link to file", {Item::link, "../targets/file", 0777}},
+                                            {"link to folder", {Item::link, "../targets/folder", 0777}},
+                                            {"dangling link", {Item::link, "../targets/nosuch", 0777}},
+                                            {"pipe", {Item::pipe, "", 0640}}};
+    if (const auto item = items.find(what); item != items.end()) {
+        model.put(path, item->second);
+    }
+    if (what == "folder") {
+        model.put(path + "/sub", {Item::folder, "", 0711});
+        model.put(path + "/sub/one", {Item::file, "one of " + path, 0444});
+        model.put(path + "/two", {Item::link, "sub", 0777});
     }
 }
 
@@ -397,42 +358,38 @@ Model sceneFor(const std::string& source, const std::string& destination, const 
 }
 
 /// One row on the disk against the same row in the model.
-void compareRow(const Source& source, const Destination& destination, Operation operation, const Flags& flags,
+void compareRow(const Place& source, const Place& destination, const Operation& operation, const Flags& flags,
                 const std::string& name) {
     const std::string row = std::string(source.what) + " to " + destination.what + " as " + name +
-                            (operation == Operation::file ? " (file) " : " (folder) ") +
-                            scene::shownFlags(flags);
+                            (operation.isFolder ? " (folder) " : " (file) ") + scene::shownFlags(flags);
     const scene::MigrationFolder folder;
     Model model = sceneFor(source.what, destination.what, name, scene::isRoot());
-    model.make(folder.path());
+    model.make(folder);
     const std::string from = filledIn(source.path, name);
     const std::string to = destination.path[0] == '=' ? from : filledIn(destination.path, name);
     Steps steps(model, operation, flags);
     const unsigned expected = steps.run(from, to);
 
-    const scene::Desktop fileDesktop("NSWorkspace");
-    const scene::Desktop folderDesktop("SomeClass");
+    scene::Desktop fileDesktop("NSWorkspace");
+    scene::Desktop folderDesktop("SomeClass");
     const std::string realFrom = from == "?" ? "" : folder / from;
     const std::string realTo = to == "?" ? "" : folder / to;
-    const bool isFile = operation == Operation::file;
-    const unsigned code =
-        isFile ? scene::migrateFile(realFrom, realTo, flags) : scene::migrateFolder(realFrom, realTo, flags);
+    const unsigned code = operation(realFrom, realTo, flags);
 
-    Words told;
-    for (const std::string& path : steps.told) {
-        told.push_back(folder / path);
+    for (std::string& path : steps.notified) {
+        path = folder / path;
     }
     EXPECT_EQ(code, expected) << row;
     EXPECT_EQ(scene::shownDigest(folder.digest()), scene::shownDigest(model.digest())) << row;
-    EXPECT_EQ((isFile ? fileDesktop : folderDesktop).told(), told) << row;
-    EXPECT_EQ((isFile ? folderDesktop : fileDesktop).told(), Words{}) << row;
+    EXPECT_EQ((operation.isFolder ? folderDesktop : fileDesktop).takeFolders(), steps.notified) << row;
+    EXPECT_EQ((operation.isFolder ? fileDesktop : folderDesktop).takeFolders(), Words{}) << row;
 }
 
-void compareAll(Operation operation, const std::string& name) {
+void compareAll(const Operation& operation, const std::string& name) {
     const scene::Umask mask(022);
     const scene::ScenesInMemory memory;
-    for (const Source& source : sources) {
-        for (const Destination& destination : destinations) {
+    for (const Place& source : sources) {
+        for (const Place& destination : destinations) {
             for (unsigned bits = 0; bits < 16; ++bits) {
                 compareRow(source, destination, operation, scene::flagsOf(bits), name);
                 if (::testing::Test::HasFatalFailure()) {
@@ -445,18 +402,18 @@ void compareAll(Operation operation, const std::string& name) {
 
 } // namespace
 
-TEST(MigrationTable, holdsForFiles) { compareAll(Operation::file, "item.txt"); }
+TEST(MigrationTable, isFollowedForFiles) { compareAll(ofFiles, "item.txt"); }
 
-TEST(MigrationTable, holdsForFilesWithoutExtension) { compareAll(Operation::file, "item"); }
+TEST(MigrationTable, isFollowedForFilesWithoutExtension) { compareAll(ofFiles, "item"); }
 
-TEST(MigrationTable, holdsForFolders) { compareAll(Operation::folder, "item"); }
+TEST(MigrationTable, isFollowedForFolders) { compareAll(ofFolders, "item"); }
 
-TEST(MigrationTable, holdsForFoldersWithExtension) { compareAll(Operation::folder, "item.box"); }
+TEST(MigrationTable, isFollowedForFoldersWithExtension) { compareAll(ofFolders, "item.box"); }
 
-TEST(MigrationTable, holdsForAnOrdinaryUser) {
+TEST(MigrationTable, isFollowedForAnOrdinaryUser) {
     const bool passed = scene::checkedWithoutPrivileges([] {
-        compareAll(Operation::file, "item.txt");
-        compareAll(Operation::folder, "item");
+        compareAll(ofFiles, "item.txt");
+        compareAll(ofFolders, "item");
     });
     EXPECT_TRUE(passed);
 }

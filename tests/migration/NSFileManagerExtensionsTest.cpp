@@ -1,149 +1,255 @@
 // SPDX-License-Identifier: MIT
-// Tests for types of items, and creating folders on the way to a path.
+// The file manager's group: type tests through links, files with the folders above them, chains of folders.
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 #include "foundation/files/NSFileManager.h"
 #include "tests/files/FileScene.h"
 
 using namespace ZQFoundation;
+using scene::CurrentFolder;
+using scene::modeOf;
+using scene::stands;
 
 namespace {
 
-NSFileManager& files() { return NSFileManager::defaultManager(); }
+NSDictionary permissions(int mode) { return NSDictionary{{NSFilePosixPermissions, mode}}; }
 
 class NSFileManagerExtensions : public testing::Test {
 protected:
-    void link(const std::string& target, const std::string& name) {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0);
+    std::string in(const std::string& name) const { return base + "/" + name; }
+    void link(const std::string& target, const std::string& name) const {
+        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << name;
     }
-    std::string in(const std::string& name) const { return folder / name; }
-    scene::Folder folder;
+    void makeSocket(const std::string& name) const {
+        const CurrentFolder current(base); // the address holds only short names
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        name.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        ASSERT_EQ(::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        ::close(descriptor);
+    }
+    static bool isFile(const NSString& path) { return files.isRegularFileAtPath(path); }
+    static bool isFolder(const NSString& path) { return files.isDirectoryAtPath(path); }
+    static bool makeFolder(const NSString& path, int mode, bool deep) {
+        return files.createDirectoryAtPath_attributes_deepCreate(path, permissions(mode), deep);
+    }
+    static bool makeFile(const NSString& path, bool deep, const std::string& text = "text") {
+        return files.createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+            path, NSData::dataWithBytes_length(text.data(), text.size()), permissions(0640),
+            permissions(0710), deep);
+    }
+    static bool makeChain(const NSString& path) { return files.recursivelyCreateDirectoriesInPath(path); }
+
+    static inline NSFileManager& files = NSFileManager::defaultManager();
+    const scene::Folder folder;
+    const std::string base = scene::realPath(folder.path());
 };
-
-TEST_F(NSFileManagerExtensions, theTypeTestsFollowLinks) {
-    folder.write("f", "");
-    folder.makeFolder("d");
-    link("f", "to-f");
-    link("d", "to-d");
-    link("no such", "dangling");
-    link("loop", "loop");
-    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
-    const struct {
-        const char* name;
-        bool isFile;
-        bool isFolder;
-    } rows[] = {
-        {"f", true, false},         {"d", false, true},         {"to-f", true, false},
-        {"to-d", false, true},      {"dangling", false, false}, {"loop", false, false},
-        {"pipe", false, false},     {"no such", false, false},  {"d/", false, true},
-        {"to-d/../f", true, false},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(files().isRegularFileAtPath(in(row.name)), row.isFile) << row.name;
-        EXPECT_EQ(files().isDirectoryAtPath(in(row.name)), row.isFolder) << row.name;
-    }
-    for (const StringView none : {StringView(), StringView("")}) {
-        EXPECT_FALSE(files().isRegularFileAtPath(none));
-        EXPECT_FALSE(files().isDirectoryAtPath(none));
-    }
-}
-
-TEST_F(NSFileManagerExtensions, theTypeTestsExpandTheTilde) {
-    folder.write("f", "");
-    const scene::Variable home("HOME", folder.path().c_str());
-    EXPECT_TRUE(files().isRegularFileAtPath("~/f"));
-    EXPECT_TRUE(files().isDirectoryAtPath("~"));
-}
-
-TEST_F(NSFileManagerExtensions, aFolderIsMadeDeepOrNot) {
-    EXPECT_FALSE(files().createDirectoryAtPath_attributes_deepCreate(in("a/b"), nullptr, false));
-    EXPECT_FALSE(scene::stands(in("a")));
-    EXPECT_TRUE(files().createDirectoryAtPath_attributes_deepCreate(
-        in("a/b"), NSDictionary{{NSFilePosixPermissions, 0711}}, true));
-    EXPECT_EQ(scene::modeOf(in("a")), 0711u);
-    EXPECT_EQ(scene::modeOf(in("a/b")), 0711u);
-    EXPECT_TRUE(files().createDirectoryAtPath_attributes_deepCreate(in("a/b"), nullptr, true));
-    EXPECT_FALSE(files().createDirectoryAtPath_attributes_deepCreate(in("a/b"), nullptr, false));
-}
-
-class DeepFileCreation : public NSFileManagerExtensions {
-protected:
-    bool create(const std::string& path, bool deep) {
-        return files().createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
-            path, NSData::dataWithBytes_length("text", 4), NSDictionary{{NSFilePosixPermissions, 0640}},
-            NSDictionary{{NSFilePosixPermissions, 0710}}, deep);
-    }
-};
-
-TEST_F(DeepFileCreation, makesTheMissingFoldersWhenAsked) {
-    EXPECT_FALSE(create(in("a/b/f"), false));
-    EXPECT_FALSE(scene::stands(in("a")));
-    EXPECT_TRUE(create(in("a/b/f"), true));
-    EXPECT_EQ(scene::contentsOf(in("a/b/f")), "text");
-    EXPECT_EQ(scene::modeOf(in("a/b/f")), 0640u);
-    EXPECT_EQ(scene::modeOf(in("a/b")), 0710u);
-    EXPECT_TRUE(create(in("a/b/f"), true)) << "once more, over what stands";
-    EXPECT_TRUE(create(in("a/g"), false));
-}
-
-TEST_F(DeepFileCreation, aFileInTheParentsPlaceIsAFailureAndUntouched) {
-    folder.write("f", "kept");
-    link("f", "to-f");
-    EXPECT_FALSE(create(in("f/x"), true));
-    EXPECT_FALSE(create(in("f/x/y"), true));
-    EXPECT_FALSE(create(in("to-f/x"), true));
-    EXPECT_EQ(scene::contentsOf(in("f")), "kept");
-}
-
-TEST_F(DeepFileCreation, aLinkToAFolderIsAParent) {
-    folder.makeFolder("d");
-    link("d", "l");
-    EXPECT_TRUE(create(in("l/f"), true));
-    EXPECT_TRUE(scene::stands(in("d/f")));
-}
-
-TEST_F(DeepFileCreation, aBareNameHasNoParentToMake) {
-    const scene::CurrentFolder current(folder.path());
-    EXPECT_FALSE(create("f", true)) << "the empty path can be no folder";
-    EXPECT_TRUE(create("f", false));
-    EXPECT_TRUE(create("./g", true));
-}
-
-TEST_F(NSFileManagerExtensions, theChainOfFoldersIsMadeOneByOne) {
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(in("a/./b//x/../c/")));
-    EXPECT_TRUE(scene::stands(in("a/b/c")));
-    EXPECT_FALSE(scene::stands(in("a/b/x")));
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(in("a/b/c")));
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(""));
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(nullptr));
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath("/"));
-}
-
-TEST_F(NSFileManagerExtensions, theChainEndsAtAFile) {
-    folder.write("a/f", "kept");
-    EXPECT_FALSE(files().recursivelyCreateDirectoriesInPath(in("a/f/x")));
-    EXPECT_FALSE(files().recursivelyCreateDirectoriesInPath(in("a/f")));
-    EXPECT_EQ(scene::contentsOf(in("a/f")), "kept");
-    EXPECT_FALSE(files().recursivelyCreateDirectoriesInPath(in("a/new/") + std::string(300, 'n') + "/y"));
-    EXPECT_TRUE(scene::stands(in("a/new"))) << "what was made before stays";
-}
-
-TEST_F(NSFileManagerExtensions, theChainExpandsTheTilde) {
-    const scene::Variable home("HOME", folder.path().c_str());
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath("~/a/b"));
-    EXPECT_TRUE(scene::stands(in("a/b")));
-}
-
-TEST_F(NSFileManagerExtensions, aRelativeChainStartsAtTheRootFolder) {
-    // The current folder holds a file that has the name of a folder in the root folder.
-    const std::string relative = folder.path().substr(1);
-    const std::string first = relative.substr(0, relative.find('/'));
-    folder.write(first, "");
-    const scene::CurrentFolder current(folder.path());
-    EXPECT_TRUE(files().recursivelyCreateDirectoriesInPath(relative + "/a/b"));
-    EXPECT_TRUE(scene::stands(in("a/b")));
-}
 
 } // namespace
+
+TEST_F(NSFileManagerExtensions, typeTestsFollowLinks) {
+    folder.write("file", "x");
+    folder.makeFolder("folder");
+    link("file", "toFile");
+    link("folder", "toFolder");
+    link(in("toFolder"), "toLink");
+    link("nosuch", "dangling");
+    link("loop", "loop");
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    makeSocket("socket");
+    const char* const folders[] = {"folder", "toFolder", "toLink", "folder/", "toFolder/", "folder/..", ""};
+    // A final slash goes with the links, before the type is looked up.
+    const char* const regular[] = {"file",    "toFile",         "file/",
+                                   "toFile/", "folder/../file", "toFolder/../file"};
+    const char* const neither[] = {"dangling", "loop", "pipe", "socket", "nosuch", "file/x", "folder/x"};
+    for (const char* const name : folders) {
+        EXPECT_TRUE(isFolder(in(name)) && !isFile(in(name))) << name;
+    }
+    for (const char* const name : regular) {
+        EXPECT_TRUE(isFile(in(name)) && !isFolder(in(name))) << name;
+    }
+    for (const char* const name : neither) {
+        EXPECT_FALSE(isFile(in(name)) || isFolder(in(name))) << name;
+    }
+    EXPECT_TRUE(isFolder("/"));
+    for (const NSString& none : {NSString("/dev/null"), NSString(""), NSString()}) {
+        EXPECT_FALSE(isFile(none) || isFolder(none));
+    }
+}
+
+TEST_F(NSFileManagerExtensions, typeTestsSeeNothingInAPrivateFolder) {
+    folder.write("locked/file", "x");
+    folder.makeFolder("locked/folder");
+    ASSERT_EQ(::chmod(in("locked").c_str(), 0), 0);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] {
+                  return (isFile(in("locked/file")) ? 1 : 0) | (isFolder(in("locked/folder")) ? 2 : 0) |
+                         (isFolder(in("locked")) ? 0 : 4);
+              }),
+              0);
+}
+
+TEST_F(NSFileManagerExtensions, makesOneFolderOrAllOnTheWay) {
+    folder.write("file", "kept");
+    EXPECT_TRUE(makeFolder(in("new"), 0711, false));
+    EXPECT_EQ(modeOf(in("new")), 0711U);
+    for (const char* const name : {"new", "file", "a/b"}) {
+        EXPECT_FALSE(makeFolder(in(name), 0700, false)) << name;
+    }
+    EXPECT_FALSE(stands(in("a")));
+    EXPECT_TRUE(makeFolder(in("a/b/c"), 0710, true));
+    EXPECT_TRUE(makeFolder(in("a/b/c"), 0700, true));
+    for (const char* const name : {"a", "a/b", "a/b/c"}) {
+        EXPECT_EQ(modeOf(in(name)), 0710U) << name << ", those of the first call";
+    }
+    EXPECT_FALSE(makeFolder(in("file"), 0700, true));
+    EXPECT_FALSE(makeFolder(in("file/a"), 0700, true));
+    EXPECT_EQ(scene::contentsOf(in("file")), "kept");
+}
+
+TEST_F(NSFileManagerExtensions, makesAFileWithTheFoldersAboveIt) {
+    folder.write("file", "kept");
+    ASSERT_EQ(::chmod(folder.makeFolder("there").c_str(), 0755), 0);
+    link("file", "toFile");
+    link("there", "toFolder");
+    link("nosuch", "dangling");
+    const struct {
+        std::string path;
+        bool deep;
+        bool isMade;
+    } rows[] = {
+        {"plain", false, true},
+        {"a/b/f", false, false},
+        {"a/b/f", true, true},
+        {"a/b/f", false, true}, // again, now that the folders are there
+        {"there/f", true, true},
+        {"toFolder/g", true, true},
+        {"file/x", false, false},
+        {"file/x", true, false},
+        {"toFile/x", true, false},
+        {"file/a/x", true, false},
+        {"dangling/x", true, false},
+        {"c/d/", true, false}, // the slash is dropped, and the folder made: no file can take its place
+        {"e/f/" + std::string(300, 'x'), true, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(makeFile(in(row.path), row.deep), row.isMade) << row.path;
+        if (row.isMade) {
+            EXPECT_EQ(scene::contentsOf(in(row.path)), "text") << row.path;
+            EXPECT_EQ(modeOf(in(row.path)), 0640U) << row.path;
+        }
+        EXPECT_EQ(stands(in("a")), &row > rows + 1);
+    }
+    for (const char* const name : {"a", "a/b", "c/d", "e/f"}) { // what was made before a failure remains
+        EXPECT_EQ(modeOf(in(name)), 0710U) << name;
+    }
+    EXPECT_EQ(modeOf(in("there")), 0755U);
+    EXPECT_TRUE(stands(in("there/g")));
+    EXPECT_EQ(scene::contentsOf(in("file")), "kept");
+    EXPECT_FALSE(stands(in("nosuch")));
+}
+
+TEST_F(NSFileManagerExtensions, makesEmptyFilesAndReplacesThem) {
+    EXPECT_TRUE(files.createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
+        in("a/f"), nullptr, nullptr, nullptr, true));
+    EXPECT_TRUE(isFile(in("a/f")));
+    EXPECT_EQ(scene::contentsOf(in("a/f")), "");
+    EXPECT_TRUE(makeFile(in("a/f"), true, "one"));
+    EXPECT_TRUE(makeFile(in("a/f"), false, "2"));
+    EXPECT_EQ(scene::contentsOf(in("a/f")), "2");
+}
+
+TEST_F(NSFileManagerExtensions, findsNoParentInABareName) {
+    const CurrentFolder current(base);
+    EXPECT_FALSE(makeFile("bare", true)) << "the parent is the empty path, which cannot be created";
+    EXPECT_FALSE(stands("bare"));
+    EXPECT_TRUE(makeFile("bare", false));
+    EXPECT_TRUE(makeFile("./f", true));
+    EXPECT_TRUE(makeFile("a/f", true));
+    EXPECT_FALSE(makeFile("", true));
+    EXPECT_FALSE(makeFile("", false));
+}
+
+TEST_F(NSFileManagerExtensions, makesEveryFolderOfAChain) {
+    folder.makeFolder("there");
+    link("there", "link");
+    for (const char* const name : {"a/b/c", "a/b/c", "link/d", "/e//f/./g/", "x/../h"}) {
+        EXPECT_TRUE(makeChain(in(name))) << name;
+    }
+    for (const char* const name : {"a/b/c", "there/d", "e/f/g", "h"}) {
+        EXPECT_TRUE(isFolder(in(name))) << name;
+    }
+    EXPECT_FALSE(stands(in("x"))) << "an absolute path is folded first";
+    const CurrentFolder current(base);
+    const std::size_t count = files.contentsOfDirectoryAtPath_error(base).count();
+    for (const char* const path : {"", "/", "//", "/.", "/.."}) {
+        EXPECT_TRUE(makeChain(path)) << path;
+    }
+    EXPECT_TRUE(makeChain(nullptr));
+    EXPECT_EQ(files.contentsOfDirectoryAtPath_error(base).count(), count);
+}
+
+TEST_F(NSFileManagerExtensions, makesRelativeChainsBelowTheRoot) {
+    // The current folder holds a file with the name of a folder of the root folder.
+    const std::string relative = in("").substr(1);
+    folder.write("current/" + relative.substr(0, relative.find('/')), "");
+    const CurrentFolder current(in("current"));
+    EXPECT_TRUE(makeChain(relative + "a/b"));
+    EXPECT_TRUE(isFolder(in("a/b")));
+    // A relative path keeps its "..", so what comes before it is made as well.
+    EXPECT_TRUE(makeChain(relative + "c/../d"));
+    EXPECT_TRUE(isFolder(in("c")) && isFolder(in("d")));
+    EXPECT_EQ(files.contentsOfDirectoryAtPath_error(in("current")).count(), 1U);
+}
+
+TEST_F(NSFileManagerExtensions, endsAChainAtWhatIsNoFolder) {
+    folder.write("file", "kept");
+    folder.write("a/file", "kept");
+    link("nosuch", "dangling");
+    link("file", "toFile");
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    for (const char* const name :
+         {"file", "file/b", "a/file/b/c", "toFile", "toFile/b", "dangling", "dangling/b", "pipe/b"}) {
+        EXPECT_FALSE(makeChain(in(name))) << name;
+        EXPECT_FALSE(makeChain(in(name).substr(1))) << name;
+    }
+    EXPECT_EQ(scene::contentsOf(in("file")) + scene::contentsOf(in("a/file")), "keptkept");
+    EXPECT_FALSE(stands(in("nosuch")));
+    EXPECT_FALSE(makeChain(in("b/c/" + std::string(300, 'x') + "/d")));
+    EXPECT_TRUE(isFolder(in("b/c"))) << "what was made before remains";
+}
+
+TEST_F(NSFileManagerExtensions, expandsTheTilde) {
+    folder.write("file", "x");
+    const scene::Variable home("HOME", base.c_str());
+    EXPECT_TRUE(isFolder("~") && isFile("~/file"));
+    EXPECT_FALSE(isFile("~/nosuch"));
+    EXPECT_TRUE(makeChain("~/a/b"));
+    EXPECT_TRUE(isFolder(in("a/b")));
+}
+
+TEST_F(NSFileManagerExtensions, makesNothingWhereTheUserMayNotWrite) {
+    ASSERT_EQ(::chmod(folder.makeFolder("closed").c_str(), 0555), 0);
+    EXPECT_EQ(scene::inUnprivilegedChild([this] {
+                  return (makeChain(in("closed/a/b")) ? 1 : 0) | (makeFile(in("closed/a/x"), true) ? 2 : 0) |
+                         (makeFile(in("closed/x"), false) ? 4 : 0) |
+                         (makeFile(in("closed/x"), true) ? 8 : 0) | (makeChain(in("closed")) ? 0 : 16);
+              }),
+              0);
+    EXPECT_EQ(files.contentsOfDirectoryAtPath_error(in("closed")).count(), 0U);
+}
+
+TEST_F(NSFileManagerExtensions, writesNoLineAndKeepsErrnoWhenItFails) {
+    folder.write("file", "x");
+    ::testing::internal::CaptureStderr();
+    errno = EDOM;
+    EXPECT_FALSE(isFile(in("nosuch")) || isFolder(in("nosuch")) || makeFolder(in("file/a"), 0700, true) ||
+                 makeFolder(in("file"), 0700, false) || makeFile(in("file/x"), true) ||
+                 makeFile(in("a/x"), false) || makeChain(in("file/b")));
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}

@@ -100,18 +100,18 @@ public:
 
     /// What is lost when the power fails now, and after the same call once more.
     scene::Words lostByPowerCut() {
-        scene::Words held;
+        scene::Words snapshots;
         for (const std::string& name : names_) {
-            held.push_back(faults::snapshotOf(folder_ / (name + ".img")));
+            snapshots.push_back(faults::snapshotOf(folder_ / (name + ".img")));
         }
-        if (held == last_) {
+        if (snapshots == last_) {
             return {}; // tried already
         }
-        last_ = held;
+        last_ = snapshots;
         ++cuts_;
         std::vector<std::unique_ptr<faults::MountedImage>> disks;
-        for (std::size_t index = 0; index < held.size(); ++index) {
-            folder_.file("cut" + names_[index] + ".img", held[index]);
+        for (std::size_t index = 0; index < snapshots.size(); ++index) {
+            folder_.file("cut" + names_[index] + ".img", snapshots[index]);
             disks.push_back(mount("cut" + names_[index]));
             if (!disks.back()->isMounted()) {
                 return {"a disk cannot be mounted after the power has failed"};
@@ -150,16 +150,15 @@ private:
     scene::Words names_;
     std::vector<std::unique_ptr<faults::MountedImage>> mounted_;
     std::set<std::string> texts_;
-    scene::Words last_; ///< what the disks held when the power failed last
+    scene::Words last_; ///< what the disks contained when the power failed last
     long cuts_ = 0;
 };
 
 /// The power fails before every call, or of every few, and when the migration has ended, with the
-/// journals of these disks just written. 77 where that cannot be tried.
-int cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
-    ::alarm(500);
+/// journals of these disks just written. False where that cannot be tried.
+bool cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
     if (!disks.prepare()) {
-        return 77;
+        return false;
     }
     const long usual = subject == Subject::file ? 2 : scene::forksTakeTurns ? 61 : 17;
     const long stride = faults::isEveryCallTried() ? 1 : usual;
@@ -167,9 +166,7 @@ int cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
         for (const std::string& name : writing) {
             disks.writeJournal(name);
         }
-        for (const std::string& problem : disks.lostByPowerCut()) {
-            ADD_FAILURE() << "at call " << call << ": " << problem;
-        }
+        faults::addFailures("at call " + std::to_string(call), disks.lostByPowerCut());
     };
     const Outcome outcome = disks.migrateTraced([&](long call) {
         if (call % stride == 0) {
@@ -177,12 +174,12 @@ int cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
         }
     });
     if (!outcome.traced) {
-        return 77;
+        return false;
     }
     EXPECT_TRUE(outcome.ended);
     cut(outcome.calls + 1);
     EXPECT_GT(disks.cuts(), 2) << "hardly anything was ever written to a disk";
-    return 0;
+    return true;
 }
 
 void expectNothingLost(Subject subject) {
@@ -194,17 +191,12 @@ void expectNothingLost(Subject subject) {
         SCOPED_TRACE(std::to_string(names.size()) + " disks, " + std::to_string(writing.size()) +
                      " of them write");
         const scene::MigrationFolder folder;
-        const int answer = scene::inOwnMounts([&, &diskNames = names, &writingNames = writing] {
-            Disks disks(folder, subject, diskNames);
-            const int result = cutPower(disks, subject, writingNames);
-            if (result != 0) {
-                scene::leave(result);
-            }
-        });
-        if (answer == 77) {
-            GTEST_SKIP() << "this machine allows no disks of one's own";
-        }
-        EXPECT_EQ(answer, 0);
+        scene::withOwnMounts(
+            [&, &diskNames = names, &writingNames = writing] {
+                Disks disks(folder, subject, diskNames);
+                return cutPower(disks, subject, writingNames);
+            },
+            500);
     }
 }
 

@@ -10,37 +10,43 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
-using scene::Detail;
-using scene::Digest;
+using namespace scene;
 
 namespace {
 
-constexpr char copyName[] = ".zq-copy.0123456789abcdef";
-constexpr char goneName[] = ".zq-gone.0123456789abcdef";
-constexpr char asidesName[] = ".zq-asides.0123456789abcdef";
+const std::string copyName = ".zq-copy.0123456789abcdef";
+const std::string goneName = ".zq-gone.0123456789abcdef";
+const std::string asidesName = ".zq-asides.0123456789abcdef";
 
 class Recovery : public ::testing::Test {
 protected:
-    void recover() const {
-        const int opened = ::open(scene::bytesOf(folder / "").c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    void recover() const { recoverIn(folder.path()); }
+    static void recoverIn(const std::string& path) {
+        const int opened = ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
         ASSERT_GE(opened, 0);
         detail::recoverFolder(opened);
         ::close(opened);
     }
     Digest contents() const { return folder.digest("", Detail::contents); }
+    void giveTo(const std::string& name, uid_t owner) const {
+        for (const auto& [path, what] : folder.digest(name)) {
+            ASSERT_EQ(::lchown((folder / (path.empty() ? name : name + "/" + path)).c_str(), owner, owner),
+                      0);
+        }
+    }
 
-    scene::MigrationFolder folder;
+    MigrationFolder folder;
 };
 
 /// An open item, locked by a descriptor of its own as another process would.
-class Held {
+class LockedItem {
 public:
-    explicit Held(const std::string& path) : number_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    explicit LockedItem(const std::string& path) : number_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
         EXPECT_EQ(::flock(number_, LOCK_SH | LOCK_NB), 0);
     }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-    ~Held() { ::close(number_); }
+    LockedItem(const LockedItem&) = delete;
+    LockedItem& operator=(const LockedItem&) = delete;
+    ~LockedItem() { ::close(number_); }
 
 private:
     int number_;
@@ -49,11 +55,12 @@ private:
 } // namespace
 
 TEST_F(Recovery, putsBackWhatWasOnlySetAside) {
+    const std::string longName(255, 'n');
     folder.file(".zq-aside.a.txt", "1");
     folder.file(".zq-aside.tree/sub/b", "2");
     folder.link("nosuch", ".zq-aside.link");
     folder.pipe(".zq-aside.pipe");
-    folder.file(std::string(asidesName) + "/" + std::string(255, 'n'), "3");
+    folder.file(asidesName + "/" + longName, "3");
     recover();
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"a.txt", "file [1]"},
@@ -62,50 +69,57 @@ TEST_F(Recovery, putsBackWhatWasOnlySetAside) {
                                   {"tree/sub/b", "file [2]"},
                                   {"link", "link [nosuch]"},
                                   {"pipe", "pipe"},
-                                  {std::string(255, 'n'), "file [3]"}}));
+                                  {longName, "file [3]"}}));
 }
 
 TEST_F(Recovery, keepsWhatHasTakenTheNameMeanwhile) {
     folder.file(".zq-aside.a.txt", "old");
     folder.file("a.txt", "new");
+    folder.folder(".zq-aside.tree");
+    folder.folder("tree/mine");
     recover();
-    EXPECT_EQ(contents(), (Digest{{"", "folder"}, {"a.txt", "file [new]"}, {"a 1.txt", "file [old]"}}));
+    EXPECT_EQ(contents(), (Digest{{"", "folder"},
+                                  {"a.txt", "file [new]"},
+                                  {"a 1.txt", "file [old]"},
+                                  {"tree", "folder"},
+                                  {"tree/mine", "folder"},
+                                  {"tree 1.", "folder"}}));
 }
 
 TEST_F(Recovery, removesWhatWasGivenUpAndCopiesWithoutAName) {
-    folder.file(std::string(goneName) + "/sub/a", "1");
-    folder.link(scene::bytesOf(folder / "kept"), std::string(goneName) + "/link");
+    folder.file(goneName + "/sub/a", "1");
+    folder.link(folder / "kept", goneName + "/link");
     folder.file("kept/file", "2");
-    folder.file(std::string(copyName) + "/sub/b", "3");
+    folder.file(copyName + "/sub/b", "3");
     folder.file(".zq-copy.ffffffffffffffff", "4");
-    ::chmod(scene::bytesOf(folder / (std::string(copyName) + "/sub")).c_str(), 0500);
-    ::chmod(scene::bytesOf(folder / copyName).c_str(), 0100);
+    folder.setMode(copyName + "/sub", 0500);
+    folder.setMode(copyName, 0100);
     recover();
     EXPECT_EQ(contents(), (Digest{{"", "folder"}, {"kept", "folder"}, {"kept/file", "file [2]"}}));
 }
 
 TEST_F(Recovery, removesACopyOfFoldersThatMayNotBeChanged) {
-    folder.file(std::string(copyName) + "/sub/b", "3");
-    for (const char* name : {"/sub", ""}) {
-        ::chmod(scene::bytesOf(folder / (std::string(copyName) + name)).c_str(), 0500);
-    }
-    ::chmod(scene::bytesOf(folder / "").c_str(), 0777);
-    ASSERT_EQ(::system(("chown -R 65534 '" + scene::bytesOf(folder / "") + "'").c_str()), 0);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { recover(); }));
-    EXPECT_EQ(contents(), (Digest{{"", "folder"}}));
+    EXPECT_TRUE(checkedWithoutPrivileges([] {
+        const MigrationFolder own;
+        own.file(copyName + "/sub/b", "3");
+        own.setMode(copyName + "/sub", 0500);
+        own.setMode(copyName, 0500);
+        recoverIn(own.path());
+        EXPECT_EQ(own.digest("", Detail::contents), (Digest{{"", "folder"}}));
+    }));
 }
 
 TEST_F(Recovery, leavesAloneWhatALivingProcessWorksOn) {
     folder.file(".zq-aside.a", "1");
-    folder.file(std::string(goneName) + "/b", "2");
-    folder.file(std::string(copyName) + "/c", "3");
-    folder.file(std::string(asidesName) + "/d", "4");
+    folder.file(goneName + "/b", "2");
+    folder.file(copyName + "/c", "3");
+    folder.file(asidesName + "/d", "4");
     const Digest before = contents();
     {
-        const Held aside(scene::bytesOf(folder / ".zq-aside.a"));
-        const Held gone(scene::bytesOf(folder / goneName));
-        const Held copy(scene::bytesOf(folder / copyName));
-        const Held asides(scene::bytesOf(folder / asidesName));
+        const LockedItem aside(folder / ".zq-aside.a");
+        const LockedItem gone(folder / goneName);
+        const LockedItem copy(folder / copyName);
+        const LockedItem asides(folder / asidesName);
         recover();
         EXPECT_EQ(contents(), before);
     }
@@ -113,7 +127,7 @@ TEST_F(Recovery, leavesAloneWhatALivingProcessWorksOn) {
     EXPECT_EQ(contents(), (Digest{{"", "folder"}, {"a", "file [1]"}, {"d", "file [4]"}}));
 }
 
-TEST_F(Recovery, leavesAloneWhatDoesNotBearTheMark) {
+TEST_F(Recovery, leavesAloneWhatHasNoSuchName) {
     for (const std::string name :
          {".zq-aside", ".zq-gone", ".zq-copy", ".zq-aside.", ".zq-asideX.1", "zq-aside.a", ".zq-gone.",
           ".zq-gone.0123", ".zq-gone.1", "zq-gone.1", ".zq-Gone.1", ".ZQ-GONE.1", ".zq-other.1",
@@ -128,23 +142,51 @@ TEST_F(Recovery, leavesAloneWhatDoesNotBearTheMark) {
     EXPECT_EQ(contents(), before);
 }
 
+TEST_F(Recovery, followsNoLinks) {
+    folder.file("victim/file", "the victim's");
+    for (const std::string& name : {std::string(".zq-aside.a"), goneName, copyName, asidesName}) {
+        folder.link("victim", name);
+    }
+    folder.link("victim/file", ".zq-aside.b");
+    folder.link("victim/file", ".zq-gone.ffffffffffffffff");
+    folder.link("nowhere", ".zq-copy.ffffffffffffffff");
+    const Digest before = folder.digest("victim", Detail::times);
+    folder.file("file", "a file");
+    EXPECT_EQ(migrateFile(folder / "file", folder / "moved"), kFileMigrationSuccess);
+    EXPECT_EQ(folder.contents("moved"), "a file");
+    EXPECT_EQ(shownDigest(folder.digest("victim", Detail::times)), shownDigest(before));
+}
+
 TEST_F(Recovery, leavesAloneWhatBelongsToOthersInAFolderForAll) {
-    if (!scene::isRoot()) {
+    if (!isRoot()) {
         GTEST_SKIP() << "gives files to another user";
     }
-    folder.file(".zq-aside.a", "theirs");
+    constexpr uid_t somebodyElse = 65533;
     folder.file(".zq-aside.b", "ours");
-    ASSERT_EQ(::chown(scene::bytesOf(folder / ".zq-aside.a").c_str(), 65534, 65534), 0);
-    ::chmod(scene::bytesOf(folder / "").c_str(), 01777);
+    folder.file(".zq-aside.a", "theirs");
+    folder.file(goneName + "/c", "theirs");
+    folder.file(copyName + "/d", "theirs");
+    for (const std::string& name : {std::string(".zq-aside.a"), goneName, copyName}) {
+        giveTo(name, somebodyElse);
+    }
+    folder.setMode("", 01777);
+    const Digest before = contents();
+    EXPECT_TRUE(checkedWithoutPrivileges([this] { recover(); }));
+    EXPECT_EQ(contents(), before) << "by another user";
     recover();
-    EXPECT_EQ(contents(), (Digest{{"", "folder"}, {".zq-aside.a", "file [theirs]"}, {"b", "file [ours]"}}));
+    Digest after = before;
+    after.erase(".zq-aside.b");
+    after["b"] = "file [ours]";
+    EXPECT_EQ(contents(), after) << "by root";
+    EXPECT_EQ(kit::inChild([this] { return ::setuid(somebodyElse) == 0 ? (recover(), 0) : 1; }), 0);
+    EXPECT_EQ(contents(), (Digest{{"", "folder"}, {"a", "file [theirs]"}, {"b", "file [ours]"}}));
 }
 
 TEST_F(Recovery, happensInTheFoldersOfTheNextMigration) {
     folder.file("from/.zq-aside.old", "1");
     folder.file("from/new", "2");
-    folder.file(std::string("to/") + goneName + "/x", "3");
-    EXPECT_EQ(scene::migrateFile(folder / "from/new", folder / "to/new"), kFileMigrationSuccess);
+    folder.file("to/" + goneName + "/x", "3");
+    EXPECT_EQ(migrateFile(folder / "from/new", folder / "to/new"), kFileMigrationSuccess);
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"from", "folder"},
                                   {"from/old", "file [1]"},
@@ -155,9 +197,7 @@ TEST_F(Recovery, happensInTheFoldersOfTheNextMigration) {
 TEST_F(Recovery, comesBeforeABatchReadsAFolder) {
     folder.file("from/sub/.zq-aside.a.log", "1");
     folder.file("to/sub/.zq-aside.b", "2");
-    const NSDictionary codes = scene::migrateFiles("log", folder / "from", folder / "to",
-                                                   scene::DotFiles::included, scene::creating);
-    EXPECT_EQ(codes.condensedDescription(), "{ sub/a.log = 0; }");
+    EXPECT_EQ(folder.migrateLogs("from", "to"), "{ sub/a.log = 0; }");
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"from", "folder"},
                                   {"from/sub", "folder"},
@@ -174,9 +214,9 @@ TEST_F(Recovery, findsWhatWasLeftInALargeFolderSinceTheLastMigration) {
     }
     folder.file("from/a", "1");
     folder.folder("to");
-    EXPECT_EQ(scene::migrateFile(folder / "from/a", folder / "to/a"), kFileMigrationSuccess);
+    EXPECT_EQ(migrateFile(folder / "from/a", folder / "to/a"), kFileMigrationSuccess);
     const timespec later[2] = {{1, 0}, {2, 0}}; // as if some time had passed
     folder.file("from/.zq-aside.b", "2");
-    ASSERT_EQ(::utimensat(AT_FDCWD, scene::bytesOf(folder / "from").c_str(), later, 0), 0);
-    EXPECT_EQ(scene::migrateFile(folder / "from/b", folder / "to/b"), kFileMigrationSuccess);
+    ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "from").c_str(), later, 0), 0);
+    EXPECT_EQ(migrateFile(folder / "from/b", folder / "to/b"), kFileMigrationSuccess);
 }

@@ -58,18 +58,12 @@ struct Places {
 template <class Body>
 void withServed(const ServedTraits& traits, const Body& body) {
     const Places places;
-    const int answer = scene::inOwnMounts([&] {
-        ::alarm(100);
-        const faults::ServedFolder served(places / "backing", places / "there", traits);
-        if (!served.isMounted()) {
-            scene::leave(77);
-        }
-        body(places);
-    });
-    if (answer == 77) {
-        GTEST_SKIP() << "this machine allows no file system served by a test";
-    }
-    EXPECT_EQ(answer, 0);
+    scene::withOwnMounts(
+        [&] {
+            const faults::ServedFolder served(places / "backing", places / "there", traits);
+            return served.isMounted() && (body(places), true);
+        },
+        100);
 }
 
 /// Moves one of each kind between the places, and compares contents.
@@ -77,7 +71,7 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
     places.makeTree(from + "/tree");
     const Digest tree = places.folder.digest(from + "/tree", Detail::contents);
     EXPECT_EQ(migrateFolder(places / (from + "/tree"), places / (to + "/tree")), 0U);
-    EXPECT_FALSE(scene::stands(places / (from + "/tree")));
+    EXPECT_FALSE(places.folder.has(from + "/tree"));
     EXPECT_TRUE(places.folder.digest(to + "/tree", Detail::contents) == tree);
 
     for (const std::size_t length : {0U, 100U, 5000U, 32768U, 100000U}) {
@@ -86,17 +80,16 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
         places.folder.file(to + file, "old");
         EXPECT_EQ(migrateFile(places / (from + file), places / (to + file)), 30U);
         EXPECT_EQ(migrateFile(places / (from + file), places / (to + file), overwriting), 0U) << length;
-        EXPECT_FALSE(scene::stands(places / (from + file)));
-        EXPECT_TRUE(scene::contentsOf(places / (to + file)) == Places::bytes(length)) << length;
+        EXPECT_FALSE(places.folder.has(from + file));
+        EXPECT_TRUE(places.folder.contents(to + file) == Places::bytes(length)) << length;
     }
 
     places.makeTree(from + "/batch");
-    const auto codes = scene::migrateFiles("log", places / (from + "/batch"), places / (to + "/batch"),
-                                           scene::DotFiles::included, creating);
-    EXPECT_EQ(codes.condensedDescription(), "{ a.log = 0; sub/deeper/b.log = 0; }");
-    EXPECT_TRUE(scene::contentsOf(places / (to + "/batch/a.log")) == Places::bytes(5000));
-    EXPECT_TRUE(scene::contentsOf(places / (to + "/batch/sub/deeper/b.log")) == Places::bytes(40000));
-    EXPECT_FALSE(scene::stands(places / (from + "/batch/a.log")));
+    EXPECT_EQ(places.folder.migrateLogs(from + "/batch", to + "/batch", creating),
+              "{ a.log = 0; sub/deeper/b.log = 0; }");
+    EXPECT_TRUE(places.folder.contents(to + "/batch/a.log") == Places::bytes(5000));
+    EXPECT_TRUE(places.folder.contents(to + "/batch/sub/deeper/b.log") == Places::bytes(40000));
+    EXPECT_FALSE(places.folder.has(from + "/batch/a.log"));
     EXPECT_EQ(scene::Words{}, faults::leftoversBelow(places.folder.path()));
 }
 
@@ -112,26 +105,20 @@ void expectRefusals(const Places& places) {
     EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder"), 31U);
     EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/empty"), 31U);
     EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/file", overwriting), 33U);
-    EXPECT_EQ(scene::contentsOf(places / "there/taken/file"), "old");
-    EXPECT_EQ(scene::contentsOf(places / "there/taken/folder/inside"), "old");
-    EXPECT_EQ(scene::contentsOf(places / "here/file"), "new");
-    EXPECT_EQ(scene::contentsOf(places / "here/folder/inside"), "new");
+    EXPECT_EQ(places.folder.contents("there/taken/file"), "old");
+    EXPECT_EQ(places.folder.contents("there/taken/folder/inside"), "old");
+    EXPECT_EQ(places.folder.contents("here/file"), "new");
+    EXPECT_EQ(places.folder.contents("here/folder/inside"), "new");
     EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder", scene::renaming), 0U);
-    EXPECT_EQ(scene::contentsOf(places / "there/taken/folder 1./inside"), "new");
+    EXPECT_EQ(places.folder.contents("there/taken/folder 1./inside"), "new");
     EXPECT_EQ(scene::Words{}, faults::leftoversBelow(places.folder.path()));
 }
 
 } // namespace
 
-TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveWholeFiles) {
+TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveAndGetWholeFiles) {
     withServed(shortReads, [](const Places& places) { moveAll(places, "there", "here"); });
-}
-
-TEST(ServedFileSystems, thatAnswerReadsInPiecesGetWholeFiles) {
     withServed(shortReads, [](const Places& places) { moveAll(places, "here", "there"); });
-}
-
-TEST(ServedFileSystems, thatAnswerReadsInPiecesMoveWholeFilesAmongThemselves) {
     withServed(shortReads, [](const Places& places) {
         places.folder.folder("there/from");
         places.folder.folder("there/to");
@@ -162,8 +149,8 @@ TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
             EXPECT_EQ(codes.integerForKey(arrived), 0);
             EXPECT_EQ(codes.integerForKey(refused), 34);
             EXPECT_EQ(codes.integerForKey("other.log"), 0);
-            EXPECT_EQ(scene::contentsOf(places / "there/batch/notes.log"), "from " + arrived);
-            EXPECT_EQ(scene::contentsOf(places / ("here/batch/" + refused)), "from " + refused);
+            EXPECT_EQ(places.folder.contents("there/batch/notes.log"), "from " + arrived);
+            EXPECT_EQ(places.folder.contents("here/batch/" + refused), "from " + refused);
         });
     }
 }

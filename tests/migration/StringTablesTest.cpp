@@ -52,7 +52,7 @@ TEST(StringTables, areTranslatedAndNotCopied) {
     }
 }
 
-TEST(StringTables, holdTheTextsThatTheLibraryFallsBackTo) {
+TEST(StringTables, includeTheTextsThatTheLibraryFallsBackTo) {
     const scene::NoLanguages english;
     for (const std::uint32_t code : {0U,  1U,  2U,  10U, 11U, 12U, 13U, 14U, 15U, 20U, 21U,
                                      22U, 30U, 31U, 32U, 33U, 34U, 35U, 36U, 37U, 99U}) {

@@ -6,19 +6,15 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/syscall.h>
 
 #include "tests/migration/MigrationScene.h"
 
-using scene::Detail;
-using scene::Digest;
-using scene::DotFiles;
-using scene::Flags;
+using namespace scene;
 
 namespace {
 
-constexpr long wantedSwaps = scene::forksTakeTurns ? 2000 : 20000;
-constexpr long wantedMigrations = scene::forksTakeTurns ? 50 : 150;
+constexpr long wantedSwaps = forksTakeTurns ? 2000 : 20000;
+constexpr long wantedMigrations = forksTakeTurns ? 50 : 150;
 
 /// What both processes see.
 struct Shared {
@@ -26,35 +22,32 @@ struct Shared {
     std::atomic<long> swaps{0};
 };
 
-/// Swaps two names at once, so that there is always something at each of them.
-bool exchange(const std::string& one, const std::string& other) {
-    return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
-                     2 /* RENAME_EXCHANGE */) == 0;
-}
-
 /// The scene: "work" with the folders that are migrated from and to, "victim" with the same names in it.
 class Swapped {
 public:
-    Swapped() {
+    /// The owner, who swaps, may write to these folders; 0 is this user.
+    Swapped(uid_t owner, const Words& folders) : owner_(owner) {
         shared_ =
             new (::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
                 Shared;
-        for (const char* name : {"one", "sub/two", "sub/deeper/three", "item/one", "item/sub/two",
-                                 "item/sub/deeper/three", "a.log", "sub/b.log", "sub/deeper/c.log"}) {
+        for (const char* const name : {"one", "sub/two", "sub/deeper/three", "item/one", "item/sub/two",
+                                       "item/sub/deeper/three", "a.log", "sub/b.log", "sub/deeper/c.log"}) {
             folder_.file(std::string("victim/") + name, "the victim's");
         }
-        folder_.folder("work/from");
-        folder_.folder("work/to");
-        folder_.folder("staging");
-        folder_.folder("trash");
-        ::chmod((folder_ / "victim/one").c_str(), 0600);
+        folder_.setMode("victim/one", 0600);
+        for (const char* const name : {"work/from", "work/to", "staging", "trash"}) {
+            folder_.folder(name);
+        }
+        for (const std::string& name : folders) {
+            folder_.setMode(name, owner == 0 ? 0755 : 0777);
+        }
         before_ = victim();
     }
     Swapped(const Swapped&) = delete;
     Swapped& operator=(const Swapped&) = delete;
     ~Swapped() { ::munmap(shared_, sizeof(Shared)); }
 
-    const scene::MigrationFolder& folder() const { return folder_; }
+    const MigrationFolder& folder() const { return folder_; }
     std::string operator/(const std::string& name) const { return folder_ / name; }
 
     /// A fresh tree at "work/<place>", made elsewhere and put there at once; what was there goes away.
@@ -63,7 +56,7 @@ public:
         const std::string number = std::to_string(++made_);
         if (::rename(at.c_str(), (folder_ / ("trash/" + number)).c_str()) == 0) {
             // A link may have been taken along; removing a tree does not follow it.
-            scene::removeTree(folder_ / ("trash/" + number));
+            removeTree(folder_ / ("trash/" + number));
         }
         if (!withTree) {
             return;
@@ -73,16 +66,13 @@ public:
              {"/one", "/sub/two", "/sub/deeper/three", "/a.log", "/sub/b.log", "/sub/deeper/c.log"}) {
             folder_.file(staged + name, "mine");
         }
-        if (scene::isRoot() && owner_ != 0) {
-            // Beside the tree that is made, the swapper needs to own the folders in which it swaps.
+        if (owner_ != 0) { // and so this is root; the swapper needs to own the folders in which it swaps
             for (const char* name : {"", "/sub", "/sub/deeper"}) {
                 EXPECT_EQ(::chown((folder_ / (staged + name)).c_str(), owner_, owner_), 0);
             }
         }
         ::rename((folder_ / staged).c_str(), at.c_str());
     }
-
-    void giveTo(uid_t owner) { owner_ = owner; }
 
     /// Runs `migrate` again and again while another process runs `swap` with the number of the turn, until
     /// both have done enough.
@@ -93,14 +83,14 @@ public:
         if (swapper == 0) {
             ::alarm(500);
             if (owner_ != 0 && (::setgid(owner_) != 0 || ::setuid(owner_) != 0)) {
-                scene::leave(99);
+                leave(99);
             }
             for (long turn = 0; !shared_->stops && ::getppid() == parent; ++turn) {
                 if (swap(turn)) {
                     ++shared_->swaps;
                 }
             }
-            scene::leave(0);
+            leave(0);
         }
         long migrations = 0;
         while (shared_->swaps < wantedSwaps || migrations < wantedMigrations) {
@@ -108,11 +98,9 @@ public:
             ++migrations;
         }
         shared_->stops = true;
-        int status = 0;
-        ::waitpid(swapper, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        EXPECT_EQ(ZQFoundation::kit::endOf(swapper), 0);
         std::printf("%ld swaps, %ld migrations\n", shared_->swaps.load(), migrations);
-        EXPECT_EQ(scene::shownDigest(victim()), scene::shownDigest(before_));
+        EXPECT_EQ(shownDigest(victim()), shownDigest(before_));
     }
 
 private:
@@ -129,12 +117,12 @@ private:
         return digest;
     }
 
-    scene::ScenesInMemory memory_;
-    scene::MigrationFolder folder_;
+    uid_t owner_;
+    ScenesInMemory memory_;
+    MigrationFolder folder_;
     Shared* shared_;
     Digest before_;
     long made_ = 0;
-    uid_t owner_ = 0;
 };
 
 /// An entry below "work", and what of the victim it is swapped for.
@@ -149,7 +137,7 @@ class Swapper {
 public:
     Swapper(const Swapped& scene, const Swaps& swaps) {
         scene.folder().folder("swap");
-        ::chmod((scene / "swap").c_str(), 0777);
+        scene.folder().setMode("swap", 0777);
         for (const Swap& swap : swaps) {
             pairs_.push_back({scene / (std::string("work/") + swap.entry),
                               scene / ("swap/" + std::to_string(pairs_.size())), scene / swap.victim});
@@ -162,8 +150,8 @@ public:
             return exchange(pair.entry, pair.link);
         }
         // The one before may have been taken away with the tree in which it was.
-        if (!scene::isLink(pair.link)) {
-            scene::removeTree(pair.link);
+        if (!isLink(pair.link)) {
+            removeTree(pair.link);
             if (::symlink(pair.victim.c_str(), pair.link.c_str()) != 0) {
                 return false;
             }
@@ -180,21 +168,37 @@ private:
     std::vector<Pair> pairs_;
 };
 
-void moveTrees(Swapped& scene, const Swaps& swaps, uid_t owner) {
-    scene.giveTo(owner);
-    if (owner != 0) {
-        for (const char* name : {"work", "work/from", "work/to", "trash", "staging"}) {
-            ::chmod((scene / name).c_str(), 0777);
-        }
-    }
-    scene.renew("from/item", true);
-    const Swapper swapper(scene, swaps);
-    scene.race(swapper, [&](long turn) {
+/// Another user where there is one to be, else (0) this one.
+uid_t swappingUser() { return isRoot() ? 65534 : 0; }
+
+/// Moves trees over each other while the owner swaps. Each list of swaps is tried by itself.
+void moveTrees(const std::vector<Swaps>& lists, uid_t owner) {
+    for (const Swaps& swaps : lists) {
+        Swapped scene(owner, {"work", "work/from", "work/to", "trash", "staging"});
         scene.renew("from/item", true);
-        scene.renew("to/item", turn % 2 == 0);
-        scene::migrateFolder(scene / "work/from/item", scene / "work/to/item",
-                             {turn % 3 == 0, false, true, false});
-    });
+        scene.race(Swapper(scene, swaps), [&](long turn) {
+            scene.renew("from/item", true);
+            scene.renew("to/item", turn % 2 == 0);
+            migrateFolder(scene / "work/from/item", scene / "work/to/item",
+                          {turn % 3 == 0, false, true, false});
+        });
+    }
+}
+
+/// The same with batches, by one user.
+template <class Check>
+void moveBatches(const std::vector<Swaps>& lists, const Check& check) {
+    for (const Swaps& swaps : lists) {
+        Swapped scene(0, {});
+        scene.renew("from/item", true);
+        scene.race(Swapper(scene, swaps), [&](long turn) {
+            scene.renew("from/item", true);
+            scene.renew("to/item", turn % 2 == 0);
+            migrateFiles("log", scene / "work/from/item", scene / "work/to/item", DotFiles::included,
+                         {turn % 3 == 0, true, turn % 4 != 0, turn % 4 == 0});
+            check(scene);
+        });
+    }
 }
 
 // No swapped entry is below another one, or the swapper itself would reach into the victim through a link.
@@ -206,46 +210,31 @@ const Swaps deepInTheDestination{{"to/item/sub/deeper", "victim/sub/deeper"},
                                  {"to/item/sub/two", "victim/sub/two"}};
 const Swaps theItems{{"from/item", "victim"}, {"to/item", "victim"}};
 
-/// Another user where there is one to be, else (0) this one.
-uid_t swappingUser() { return scene::isRoot() ? 65534 : 0; }
+Swaps both(Swaps one, const Swaps& other) {
+    one.insert(one.end(), other.begin(), other.end());
+    return one;
+}
 
 } // namespace
 
 TEST(Swapping, insideTheSourceHarmsNoVictim) {
-    for (const Swaps& swaps : {atTheTopOfTheSource, deepInTheSource}) {
-        Swapped scene;
-        moveTrees(scene, swaps, swappingUser());
-    }
+    moveTrees({atTheTopOfTheSource, deepInTheSource}, swappingUser());
 }
 
 TEST(Swapping, insideTheDestinationHarmsNoVictim) {
-    for (const Swaps& swaps : {atTheTopOfTheDestination, deepInTheDestination}) {
-        Swapped scene;
-        moveTrees(scene, swaps, swappingUser());
-    }
+    moveTrees({atTheTopOfTheDestination, deepInTheDestination}, swappingUser());
 }
 
-TEST(Swapping, ofSourceAndDestinationThemselvesHarmsNoVictim) {
-    Swapped scene;
-    moveTrees(scene, theItems, swappingUser());
-}
+TEST(Swapping, ofSourceAndDestinationThemselvesHarmsNoVictim) { moveTrees({theItems}, swappingUser()); }
 
 TEST(Swapping, onBothSidesByTheSameUserHarmsNoVictim) {
-    for (const auto& [first, second] : {std::pair(atTheTopOfTheSource, atTheTopOfTheDestination),
-                                        std::pair(deepInTheSource, deepInTheDestination)}) {
-        Swaps both = first;
-        both.insert(both.end(), second.begin(), second.end());
-        Swapped scene;
-        moveTrees(scene, both, 0);
-    }
+    moveTrees(
+        {both(atTheTopOfTheSource, atTheTopOfTheDestination), both(deepInTheSource, deepInTheDestination)},
+        0);
 }
 
 TEST(Swapping, ofFilesHarmsNoVictim) {
-    Swapped scene;
-    scene.giveTo(swappingUser());
-    for (const char* name : {"work/from", "work/to"}) {
-        ::chmod((scene / name).c_str(), 0777);
-    }
+    Swapped scene(swappingUser(), {"work/from", "work/to"});
     const Swapper swapper(scene, {{"from/one", "victim/one"}, {"to/one", "victim/one"}});
     scene.race(swapper, [&](long turn) {
         for (const char* name : {"work/from/one", "work/to/one"}) {
@@ -253,33 +242,26 @@ TEST(Swapping, ofFilesHarmsNoVictim) {
             const std::string staged = scene.folder().file("staging/one", "mine");
             ::rename(staged.c_str(), (scene / name).c_str());
         }
-        scene::migrateFile(scene / "work/from/one", scene / "work/to/one",
-                           scene::flagsOf(static_cast<unsigned>(turn) % 16));
+        migrateFile(scene / "work/from/one", scene / "work/to/one",
+                    flagsOf(static_cast<unsigned>(turn) % 16));
     });
 }
 
 TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
-    if (!scene::isRoot()) {
+    if (!isRoot()) {
         GTEST_SKIP() << "only root can have another user swap";
     }
-    if (scene::contentsOf("/proc/sys/fs/protected_symlinks") != "1\n") {
+    if (contentsOf("/proc/sys/fs/protected_symlinks") != "1\n") {
         GTEST_SKIP() << "this system follows foreign links in sticky folders";
     }
     // In a folder like /tmp, in which everybody may make links, a link of somebody else is not followed: the
     // parents of source and destination belong to the swapper, who puts links in their places.
-    Swapped scene;
-    scene.giveTo(65534);
-    ::chmod((scene / "work").c_str(), 01777);
-    ASSERT_EQ(::rmdir((scene / "work/to").c_str()), 0);
-    ASSERT_EQ(::rmdir((scene / "work/from").c_str()), 0);
-    for (const char* parent : {"from", "to"}) {
-        scene.folder().folder(std::string("work/") + parent);
-        ASSERT_EQ(::chown((scene / (std::string("work/") + parent)).c_str(), 65534, 65534), 0);
-    }
+    Swapped scene(65534, {});
+    scene.folder().setMode("work", 01777);
     scene.folder().folder("swap");
-    ASSERT_EQ(::chown((scene / "swap").c_str(), 65534, 65534), 0);
-    for (const char* name : {"swap/from", "swap/to"}) {
-        scene.folder().link(scene / "victim", name);
+    scene.folder().link(scene / "victim", "swap/from");
+    scene.folder().link(scene / "victim", "swap/to");
+    for (const char* const name : {"work/from", "work/to", "swap", "swap/from", "swap/to"}) {
         ASSERT_EQ(::lchown((scene / name).c_str(), 65534, 65534), 0);
     }
     const std::string pairs[2][2] = {{scene / "work/from", scene / "swap/from"},
@@ -287,49 +269,30 @@ TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
     scene.race([&](long turn) { return exchange(pairs[turn / 2 % 2][0], pairs[turn / 2 % 2][1]); },
                [&](long turn) {
                    const Flags flags{turn % 2 == 0, turn % 5 == 0, true, false};
-                   scene::migrateFolder(scene / "work/from/item", scene / "work/to/item", flags);
-                   scene::migrateFile(scene / "work/from/one", scene / "work/to/one", flags);
-                   scene::migrateFile(scene / "work/from/one", scene / "work/to/new", flags);
-                   scene::migrateFiles("log", scene / "work/from", scene / "work/to", DotFiles::included,
-                                       flags);
+                   migrateFolder(scene / "work/from/item", scene / "work/to/item", flags);
+                   migrateFile(scene / "work/from/one", scene / "work/to/one", flags);
+                   migrateFile(scene / "work/from/one", scene / "work/to/new", flags);
+                   migrateFiles("log", scene / "work/from", scene / "work/to", DotFiles::included, flags);
                    // From a place that nobody swaps to one that is.
                    const std::string mine = scene.folder().file("staging/mine", "mine");
-                   scene::migrateFile(mine, scene / "work/to/one", flags);
+                   migrateFile(mine, scene / "work/to/one", flags);
                });
 }
 
 TEST(Swapping, inABatchHarmsNoVictim) {
-    Swapped scene;
-    scene.giveTo(0);
-    scene.renew("from/item", true);
-    const Swapper swapper(scene, {{"from/item/a.log", "victim/a.log"},
-                                  {"to/item/a.log", "victim/a.log"},
-                                  {"from/item/sub/b.log", "victim/sub/b.log"},
-                                  {"to/item/sub/b.log", "victim/sub/b.log"}});
-    scene.race(swapper, [&](long turn) {
-        scene.renew("from/item", true);
-        scene.renew("to/item", turn % 2 == 0);
-        scene::migrateFiles("log", scene / "work/from/item", scene / "work/to/item", DotFiles::included,
-                            {turn % 3 == 0, true, turn % 4 != 0, turn % 4 == 0});
-    });
+    moveBatches({{{"from/item/a.log", "victim/a.log"},
+                  {"to/item/a.log", "victim/a.log"},
+                  {"from/item/sub/b.log", "victim/sub/b.log"},
+                  {"to/item/sub/b.log", "victim/sub/b.log"}}},
+                [](const Swapped&) {});
 }
 
 TEST(Swapping, ofFoldersInABatchHarmsNoVictim) {
-    for (const Swaps& swaps :
-         {Swaps{{"from/item/sub", "victim/sub"}}, Swaps{{"from/item/sub/deeper", "victim/sub/deeper"}}}) {
-        Swapped scene;
-        scene.giveTo(0);
-        scene.renew("from/item", true);
-        const Swapper swapper(scene, swaps);
-        scene.race(swapper, [&](long turn) {
-            scene.renew("from/item", true);
-            scene.renew("to/item", turn % 2 == 0);
-            scene::migrateFiles("log", scene / "work/from/item", scene / "work/to/item", DotFiles::included,
-                                {turn % 3 == 0, true, turn % 4 != 0, turn % 4 == 0});
-            // A batch does not enter links, whenever they are put there.
-            for (const auto& [name, what] : scene.folder().digest("work/to", Detail::contents)) {
-                EXPECT_EQ(what.find("the victim's"), std::string::npos) << name;
-            }
-        });
-    }
+    moveBatches({{{"from/item/sub", "victim/sub"}}, {{"from/item/sub/deeper", "victim/sub/deeper"}}},
+                [](const Swapped& scene) {
+                    // A batch does not enter links, whenever they are put there.
+                    for (const auto& [name, what] : scene.folder().digest("work/to", Detail::contents)) {
+                        EXPECT_EQ(what.find("the victim's"), std::string::npos) << name;
+                    }
+                });
 }

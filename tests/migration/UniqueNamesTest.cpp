@@ -2,6 +2,7 @@
 // Names that are free: of paths, of dictionary keys and of members of sets.
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,8 @@ using scene::shownText;
 
 namespace {
 
+constexpr std::uint64_t anyLimit[] = {0, 1, UINT64_MAX};
+
 std::string uniquePath(const NSString& path, StringView between) {
     return shownText(ZQFileMigrator::uniquePathForPath_usingIntermediateString(path, between));
 }
@@ -24,38 +27,35 @@ std::string uniquePath(const NSString& path, StringView between, std::uint64_t l
         ZQFileMigrator::uniquePathForPath_usingIntermediateString_maxAttempts(path, between, limit));
 }
 
-std::string uniqueMember(const NSSet& set, const NSString& name, StringView between, std::uint64_t limit) {
+std::string uniqueMember(const NSSet& set, const NSString& name, StringView between,
+                         std::uint64_t limit = 100) {
     return shownText(set.uniqueStringForString_usingIntermediateString_maxAttempts(name, between, limit));
 }
 
-std::string uniqueKey(const NSDictionary& entries, const NSString& key, StringView between) {
-    return shownText(entries.uniqueKeyForKey_usingIntermediateString(key, between));
-}
-
-std::string uniqueKey(const NSDictionary& entries, const NSString& key, StringView between,
-                      std::uint64_t limit) {
-    return shownText(entries.uniqueKeyForKey_usingIntermediateString_maxAttempts(key, between, limit));
+std::string uniqueKey(const NSDictionary& entries, StringView between, std::uint64_t limit) {
+    return shownText(entries.uniqueKeyForKey_usingIntermediateString_maxAttempts("Name", between, limit));
 }
 
 } // namespace
 
 TEST(UniquePath, isThePathItselfWhenItIsFreeWhateverTheLimit) {
     const MigrationFolder folder;
-    for (const std::uint64_t limit : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
+    for (const std::uint64_t limit : anyLimit) {
         EXPECT_EQ(uniquePath(folder / "free.txt", " ", limit), folder / "free.txt");
     }
     EXPECT_EQ(uniquePath(folder / "free.txt", nullptr), folder / "free.txt");
     // Unchanged to the letter: nothing is squeezed.
     EXPECT_EQ(uniquePath(folder.path() + "//no//such/", " "), folder.path() + "//no//such/");
+    EXPECT_EQ(uniquePath("", " "), "");
+    EXPECT_EQ(uniquePath(nullptr, " "), "(nil)");
 }
 
-TEST(UniquePath, hasTheCounterInFrontOfTheExtension) {
-    struct Row {
+TEST(UniquePath, hasTheCounterBeforeTheExtension) {
+    const struct {
         const char* taken;
         const char* between;
         const char* expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"report.pdf", nullptr, "report1.pdf"},
         {"report.pdf", "-", "report-1.pdf"},
         {"report.pdf", "", "report1.pdf"},
@@ -65,56 +65,37 @@ TEST(UniquePath, hasTheCounterInFrontOfTheExtension) {
         {"a.tar.gz", " ", "a.tar 1.gz"},
         {"scratch..tiff", nullptr, "scratch.1.tiff"},
         {".a.b", " ", ".a 1.b"},
+        {"folder.d/plain", " ", "folder.d/plain 1."}, // only the last component has an extension
+        // Without an extension the name ends in a period, and then has an empty one.
+        {"Backup", nullptr, "Backup1."},
+        {"Backup", " copy ", "Backup copy 1."},
+        {"Backup1.", nullptr, "Backup11."},
+        {".profile", " ", ".profile 1."},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const MigrationFolder folder;
         folder.file(row.taken, "x");
         EXPECT_EQ(uniquePath(folder / row.taken, row.between), folder / row.expected) << row.taken;
     }
+    EXPECT_EQ(uniquePath("/", " "), "/ 1.");
 }
 
-TEST(UniquePath, withoutExtensionEndsInAPeriod) {
+TEST(UniquePath, triesEveryCounterUpToTheLimitAndTakesTheFirstGap) {
     const MigrationFolder folder;
-    folder.folder("Backup");
-    folder.file(".profile", "x");
-    EXPECT_EQ(uniquePath(folder / "Backup", nullptr), folder / "Backup1.");
-    EXPECT_EQ(uniquePath(folder / "Backup", " copy "), folder / "Backup copy 1.");
-    EXPECT_EQ(uniquePath(folder / ".profile", " "), folder / ".profile 1.");
-    folder.folder("Backup1.");
-    EXPECT_EQ(uniquePath(folder / "Backup", nullptr), folder / "Backup2.");
-    // Its own name is in turn one with an empty extension.
-    EXPECT_EQ(uniquePath(folder / "Backup1.", nullptr), folder / "Backup11.");
-}
-
-TEST(UniquePath, splitsOnlyTheLastComponent) {
-    const MigrationFolder folder;
-    folder.file("folder.d/plain", "x");
-    EXPECT_EQ(uniquePath(folder / "folder.d/plain", " "), folder / "folder.d/plain 1.");
-    EXPECT_EQ(uniquePath(folder / "folder.d", " "), folder / "folder 1.d");
-}
-
-TEST(UniquePath, triesEveryCounterUpToTheLimitAndNoneBeyond) {
-    const MigrationFolder folder;
-    for (const char* name : {"n.txt", "n1.txt", "n2.txt", "n3.txt"}) {
+    for (const char* const name : {"n.txt", "n1.txt", "n2.txt", "n3.txt", "n 1.txt", "n 3.txt"}) {
         folder.file(name, "x");
     }
-    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, 0), "(nil)");
-    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, 1), "(nil)");
-    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, 3), "(nil)");
-    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, 4), folder / "n4.txt");
-    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, UINT64_MAX), folder / "n4.txt");
-    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr), folder / "n4.txt");
-}
-
-TEST(UniquePath, takesTheFirstGap) {
-    const MigrationFolder folder;
-    for (const char* name : {"n.txt", "n 1.txt", "n 3.txt", "n1.txt"}) {
-        folder.file(name, "x");
+    folder.folder("n4.txt");
+    for (const std::uint64_t limit : {0U, 1U, 4U}) {
+        EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, limit), "(nil)") << limit;
     }
+    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, 5), folder / "n5.txt");
+    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, UINT64_MAX), folder / "n5.txt");
+    EXPECT_EQ(uniquePath(folder / "n.txt", nullptr), folder / "n5.txt");
     EXPECT_EQ(uniquePath(folder / "n.txt", " "), folder / "n 2.txt");
 }
 
-TEST(UniquePath, findsADanglingLinkFree) {
+TEST(UniquePath, isThatOfADanglingLinkToo) {
     const MigrationFolder folder;
     folder.file("real.txt", "x");
     folder.link("nosuch", "dangling.txt");
@@ -134,56 +115,39 @@ TEST(UniquePath, createsNothingAndExpandsNoTilde) {
     EXPECT_EQ(uniquePath("~/taken", " "), "~/taken");
 }
 
-TEST(UniquePath, ofNothingIsNothing) {
-    EXPECT_EQ(uniquePath("", " "), "");
-    EXPECT_EQ(uniquePath(nullptr, " "), "(nil)");
-}
-
-TEST(UniquePath, ofTheRootIsAName) { EXPECT_EQ(uniquePath("/", " "), "/ 1."); }
-
 TEST(UniqueString, isTheStringItselfWhenItIsNoMember) {
-    for (const std::uint64_t limit : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
+    for (const std::uint64_t limit : anyLimit) {
         EXPECT_EQ(uniqueMember(NSSet{"other"}, "Name", "_", limit), "Name");
     }
     EXPECT_EQ(uniqueMember(NSSet::set(), "", "_", 0), "");
+    // Members are compared by equality and not across kinds.
+    EXPECT_EQ(uniqueMember(NSSet{"n", 1}, "1", nullptr), "1");
+    EXPECT_EQ(uniqueMember(NSSet{"N"}, "n", nullptr), "n");
 }
 
-TEST(UniqueString, countsUpFromOne) {
-    const NSSet names{"Name", "Name1"};
-    EXPECT_EQ(uniqueMember(names, "Name", nullptr, 100), "Name2");
-    EXPECT_EQ(uniqueMember(names, "Name", "", 100), "Name2");
-    EXPECT_EQ(uniqueMember(names, "Name", "_", 100), "Name_1");
-    EXPECT_EQ(uniqueMember(names, "Name1", nullptr, 100), "Name11");
-    // No extension is looked for here.
-    EXPECT_EQ(uniqueMember(NSSet{"a.txt"}, "a.txt", " ", 100), "a.txt 1");
-}
-
-TEST(UniqueString, stopsAtTheLimit) {
-    const NSSet names{"n", "n1", "n2", "n3"};
+TEST(UniqueString, countsUpFromOneToTheLimit) {
+    const NSSet names{"Name", "Name1", "a.txt", "", "n", "n1", "n2", "n3"};
+    EXPECT_EQ(uniqueMember(names, "Name", nullptr), "Name2");
+    EXPECT_EQ(uniqueMember(names, "Name", ""), "Name2");
+    EXPECT_EQ(uniqueMember(names, "Name", "_"), "Name_1");
+    EXPECT_EQ(uniqueMember(names, "Name1", nullptr), "Name11");
+    EXPECT_EQ(uniqueMember(names, "", nullptr), "1");
+    EXPECT_EQ(uniqueMember(names, "a.txt", " "), "a.txt 1") << "no extension is looked for";
     EXPECT_EQ(uniqueMember(names, "n", nullptr, 0), "(nil)");
     EXPECT_EQ(uniqueMember(names, "n", nullptr, 3), "(nil)");
     EXPECT_EQ(uniqueMember(names, "n", nullptr, 4), "n4");
 }
 
-TEST(UniqueString, comparesByEqualityAndNotAcrossKinds) {
-    EXPECT_EQ(uniqueMember(NSSet{"n", 1}, "1", nullptr, 5), "1");
-    EXPECT_EQ(uniqueMember(NSSet{"N"}, "n", nullptr, 5), "n");
-    EXPECT_EQ(uniqueMember(NSSet{""}, "", nullptr, 5), "1");
-}
-
-TEST(UniqueKey, isTheKeyItselfWhenItIsFree) {
-    const NSDictionary entries{{"Other", 1}};
-    EXPECT_EQ(uniqueKey(entries, "Name", " "), "Name");
-    EXPECT_EQ(uniqueKey(entries, "Name", " ", 0), "Name");
-    EXPECT_EQ(uniqueKey(NSDictionary::dictionary(), "Name", nullptr, UINT64_MAX), "Name");
-}
-
-TEST(UniqueKey, isNilWhenItIsTakenEvenWhenEveryCandidateIsFree) {
-    const NSDictionary entries{{"Name", 1}};
-    EXPECT_EQ(uniqueKey(entries, "Name", nullptr), "(nil)");
-    EXPECT_EQ(uniqueKey(entries, "Name", "_"), "(nil)");
-    for (const std::uint64_t limit : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{1000}}) {
-        EXPECT_EQ(uniqueKey(entries, "Name", nullptr, limit), "(nil)") << limit;
-        EXPECT_EQ(uniqueKey(entries, "Name", "", limit), "(nil)") << limit;
+TEST(UniqueKey, isTheKeyOrNilEvenWhenEveryCandidateIsFree) {
+    const NSDictionary taken{{"Name", 1}};
+    const NSDictionary free{{"Other", 1}};
+    for (const char* const between : {static_cast<const char*>(nullptr), "", "_"}) {
+        for (const std::uint64_t limit : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
+            EXPECT_EQ(uniqueKey(taken, between, limit), "(nil)") << limit;
+            EXPECT_EQ(uniqueKey(free, between, limit), "Name") << limit;
+        }
+        EXPECT_EQ(shownText(taken.uniqueKeyForKey_usingIntermediateString("Name", between)), "(nil)");
+        EXPECT_EQ(shownText(free.uniqueKeyForKey_usingIntermediateString("Name", between)), "Name");
     }
+    EXPECT_EQ(uniqueKey(NSDictionary::dictionary(), nullptr, 1), "Name");
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,35 +30,30 @@ struct Habit {
 };
 using Habits = std::vector<Habit>;
 
+/// A step by one of the writer's functions, with these names.
+template <class... Parameters>
+auto step(void (Writer::*act)(Parameters...),
+          const std::type_identity_t<std::decay_t<Parameters>>&... names) {
+    return [=](Writer& writer) {
+        (writer.*act)(names...);
+    };
+}
+
 /// Of one file, named by its place in the source; "" when it is the source itself.
 Habits habitsOfOneFile(const std::string& name) {
-    const auto saveBeside = [name](Writer& writer) {
-        writer.savesBeside(name);
-    };
-    const auto saveOver = [name](Writer& writer) {
-        writer.savesOver(name);
-    };
-    const auto append = [name](Writer& writer) {
-        writer.appends(name);
-    };
-    const auto open = [name](Writer& writer) {
-        writer.opens(name);
-    };
-    const auto appendToOpen = [](Writer& writer) {
-        writer.appendsToOpen();
-    };
+    const auto saveBeside = step(&Writer::savesBeside, name);
+    const auto saveOver = step(&Writer::savesOver, name);
+    const auto append = step(&Writer::appends, name);
+    const auto open = step(&Writer::opens, name);
+    const auto appendToOpen = step(&Writer::appendsToOpen);
     Habits habits{{"saves at once", {saveBeside, saveOver}, 0},
                   {"saves", {saveBeside, saveOver}},
-                  {"rewrites", {[name](Writer& writer) {
-                       writer.rewrites(name);
-                   }}},
+                  {"rewrites", {step(&Writer::rewrites, name)}},
                   {"appends", {append, append}, 5},
                   {"keeps it open", {open, appendToOpen, appendToOpen}},
                   {"keeps it open for long", {open, appendToOpen, appendToOpen}, 100000}};
     if (faults::hasFineTimes()) {
-        habits.push_back({"rewrites unnoticed", {[name](Writer& writer) {
-                              writer.rewritesUnnoticed(name);
-                          }}});
+        habits.push_back({"rewrites unnoticed", {step(&Writer::rewritesUnnoticed, name)}});
     }
     return habits;
 }
@@ -80,19 +76,13 @@ Habits habitsOfFolders(const Names& names, const std::string& extension) {
         };
     };
     const auto move = [](const std::string& from, const std::string& to) {
-        return [from, to](Writer& writer) {
-            writer.moves(from, to);
-        };
+        return step(&Writer::moves, from, to);
     };
     const auto take = [](const std::string& name) {
-        return [name](Writer& writer) {
-            writer.takesOut(name);
-        };
+        return step(&Writer::takesOut, name);
     };
     const auto swap = [](const std::string& name) {
-        return [name](Writer& writer) {
-            writer.swaps(name);
-        };
+        return step(&Writer::swaps, name);
     };
     return {{"adds at the top", {add("new")}},
             {"adds in the middle", {add("sub/new")}},
@@ -108,9 +98,7 @@ Habits habitsOfFolders(const Names& names, const std::string& extension) {
             {"swaps a folder for a link", {swap("sub")}},
             {"swaps a folder for a link and back", {swap("sub"), swap("sub")}},
             {"swaps a deep folder for a link and back", {swap("sub/deeper"), swap("sub/deeper")}, 3},
-            {"makes the source anew", {[](Writer& writer) {
-                 writer.makesAnew("again");
-             }}}};
+            {"makes the source again", {step(&Writer::makesAgain, "again")}}};
 }
 
 Habits habitsFor(Subject subject) {
@@ -150,16 +138,13 @@ struct Count {
     }
 };
 
-/// What does not hold after a migration that nobody ended.
-scene::Words judged(const Run& run, const Writer& writer, const Outcome& outcome) {
-    scene::Words problems = writer.problems();
-    if (!outcome.ended) {
-        problems.push_back("the migration did not come to its end");
-    }
-    for (const std::string& name : faults::leftoversBelow(run.base())) {
-        problems.push_back("left under a hidden name: " + name);
-    }
-    return problems;
+/// Expects that nothing of the writer's is lost after a migration that nobody ended.
+void expectNothingLost(const Run& run, const Writer& writer, const std::string& what,
+                       const Outcome& outcome) {
+    const std::string about = what + " (code '" + outcome.report.substr(0, 80) + "')";
+    faults::addFailures(about, writer.problems());
+    faults::addFailures(about, faults::problemsWithLeftovers(run.base()));
+    EXPECT_TRUE(outcome.ended) << about;
 }
 
 /// One migration with the steps of the habit before its calls from this one on. What is left of them
@@ -168,35 +153,30 @@ Outcome withHabit(const Case& which, const Habit& habit, long call) {
     const Run run(which);
     Writer writer(run);
     std::size_t next = 0;
-    const auto step = [&](long number) {
+    const auto stepUntil = [&](long number) {
         while (next < habit.steps.size() && number >= call + static_cast<long>(next) * habit.apart) {
             habit.steps[next++](writer);
         }
     };
-    const Outcome outcome = run.under({}, step);
+    const Outcome outcome = run.under({}, stepUntil);
     while (next < habit.steps.size()) {
         habit.steps[next++](writer);
     }
-    for (const std::string& problem : judged(run, writer, outcome)) {
-        ADD_FAILURE() << which.name() << ", somebody " << habit.name << " at call " << call << " (code '"
-                      << outcome.report << "'): " << problem;
-    }
+    expectNothingLost(
+        run, writer, which.name() + ", somebody " + habit.name + " at call " + std::to_string(call), outcome);
     return outcome;
 }
 
 void tryHabits(Subject subject, long usualStride) {
-    const scene::ScenesInMemory memory;
-    const faults::OneProcessor processor;
-    const long stride = faults::isEveryCallTried() ? 1 : usualStride * (scene::forksTakeTurns ? 5 : 1);
+    const faults::QuickRuns quick;
+    const long stride = faults::strideOf(usualStride);
     Count count;
     long start = 0;
     for (const Old old : {Old::missing, Old::overwritten}) {
         for (const Habit& habit : habitsFor(subject)) {
             const Case which{subject, old, false};
-            if (!faults::atCallsOf(which, 1 + start++ % stride, stride,
-                                   [&](long call) { count.add(withHabit(which, habit, call)); })) {
-                GTEST_SKIP() << faults::notTraced;
-            }
+            faults::atCallsOf(which, 1 + start++ % stride, stride,
+                              [&](long call) { count.add(withHabit(which, habit, call)); });
         }
     }
     count.print();
@@ -260,15 +240,11 @@ void race(Subject subject) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
         enlarge(run);
         Writer writer(run);
-        const faults::ReportingChild migration(
-            60, [] { return true; }, [&] { return run.migrate(run.which().flags()); });
+        const faults::ReportingChild migration([&] { return run.migrate(run.which().flags()); });
         workUntilDone(writer, migration, static_cast<unsigned>(turn) + 1, turn % 4 == 3);
         const Outcome outcome = migration.outcome();
         count.add(outcome);
-        for (const std::string& problem : judged(run, writer, outcome)) {
-            ADD_FAILURE() << "race " << turn << " (code '" << outcome.report.substr(0, 80)
-                          << "'): " << problem;
-        }
+        expectNothingLost(run, writer, "race " + std::to_string(turn), outcome);
     }
     count.print();
 }
@@ -328,18 +304,14 @@ TEST(WritersMeanwhile, loseNothingInARaceWithAFolder) { race(Subject::tree); }
 TEST(WritersMeanwhile, loseNothingInARaceWithABatch) { race(Subject::batch); }
 
 TEST(WritersMeanwhile, keepWhatTheyPutAtTheDestination) {
-    const scene::ScenesInMemory memory;
-    const faults::OneProcessor processor;
+    const faults::QuickRuns quick;
     for (const Subject subject : {Subject::file, Subject::tree, Subject::batch}) {
         for (const Old old : {Old::missing, Old::overwritten}) {
             const Case which{subject, old, false};
             const long stride = subject == Subject::file ? 1 : scene::forksTakeTurns ? 31 : 7;
             for (int what = 0; what < 4; ++what) {
-                if (!faults::atCallsOf(which, 1 + what, stride, [&](long call) {
-                        withPlaced(which, static_cast<Placed>(what), call);
-                    })) {
-                    GTEST_SKIP() << faults::notTraced;
-                }
+                faults::atCallsOf(which, 1 + what, stride,
+                                  [&](long call) { withPlaced(which, static_cast<Placed>(what), call); });
             }
         }
     }

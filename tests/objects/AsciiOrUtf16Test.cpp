@@ -49,7 +49,7 @@ TEST(AsciiOrUtf16, readsIllFormedBytesAsReplacementsAndKeepsUnits) {
     EXPECT_EQ(unitsOf(AsciiOrUtf16(StringView(u"\xD800z", 2))), (std::u16string{0xD800, u'z'}));
 }
 
-TEST(AsciiOrUtf16, tellsNilFromTheEmptyText) {
+TEST(AsciiOrUtf16, distinguishesNilFromTheEmptyText) {
     EXPECT_TRUE(AsciiOrUtf16(nullptr).isNil());
     EXPECT_EQ(AsciiOrUtf16(nullptr).length(), 0U);
     EXPECT_FALSE(AsciiOrUtf16("").isNil());

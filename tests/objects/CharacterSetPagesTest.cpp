@@ -41,7 +41,7 @@ TEST(CharacterSetPages, keepsPagesApartThatTheOriginalShares) {
     EXPECT_TRUE(second.longCharacterIsMember(0x10041));
 }
 
-TEST(CharacterSetPages, holdsAsManyDifferentPagesAsThereAre) {
+TEST(CharacterSetPages, storesAllDifferentPages) {
     NSMutableCharacterSet set;
     for (std::size_t page = 0; page < 0x1100; ++page) { // the page's number in bits, and a mark
         for (std::size_t bit = 0; bit < 13; ++bit) {

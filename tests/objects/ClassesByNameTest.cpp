@@ -80,7 +80,7 @@ TEST(ClassesByName, areCaseSensitiveAndWhole) {
     }
 }
 
-TEST(ClassesByName, tellTheirNames) {
+TEST(ClassesByName, knowTheirNames) {
     const ClassRegistration registration("ZQTestClass", echo("first"));
     const Class found = NSClassFromString("ZQTestClass");
     EXPECT_EQ(NSStringFromClass(found), "ZQTestClass");

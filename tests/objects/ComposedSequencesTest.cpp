@@ -79,7 +79,7 @@ TEST(ComposedSequences, beginWhereTheWalkFromTheFrontHasThem) {
     }
 }
 
-TEST(ComposedSequences, holdTheWholeDecompositionOfEveryCharacter) {
+TEST(ComposedSequences, includeTheWholeDecompositionOfEveryCharacter) {
     for (char32_t codePoint = 0; codePoint < 0x110000; ++codePoint) {
         char32_t parts[4];
         const unsigned count = canonicalDecomposition(codePoint, parts);

@@ -133,7 +133,7 @@ TEST(Description, listsTheKeysOfADictionaryInTheirOrderByUnits) {
     EXPECT_EQ(shown(value), "{\n    C = 3;\n    a = 2;\n    a10 = 4;\n    a2 = 5;\n    b = 1;\n}");
 }
 
-TEST(Description, ofADictionaryWithOtherKeysHoldsEveryEntry) {
+TEST(Description, ofADictionaryWithOtherKeysShowsEveryEntry) {
     const std::string text = shown(NSDictionary{{2, "two"}, {"k", "text"}, {NSArray{"e"}, "array"}});
     EXPECT_NE(text.find("    2 = two;\n"), std::string::npos) << text;
     EXPECT_NE(text.find("    k = text;\n"), std::string::npos) << text;

@@ -44,12 +44,12 @@ NSSet nestedSets(int depth) {
 
 } // namespace
 
-TEST(Equality, comparesSetsWhoseMembersShareWhatTheyHold) {
+TEST(Equality, comparesSetsWhoseMembersShareElements) {
     EXPECT_TRUE(nestedSets(2000).isEqual(nestedSets(2000)));
     EXPECT_FALSE(nestedSets(2000).isEqual(nestedSets(1999)));
 }
 
-TEST(Equality, tellsRecordsInASetApartInLinearTime) {
+TEST(Equality, distinguishesRecordsInASetInLinearTime) {
     expectLinear(
         [](int size) {
             NSMutableArray records;
@@ -61,7 +61,7 @@ TEST(Equality, tellsRecordsInASetApartInLinearTime) {
         2000);
 }
 
-TEST(Equality, tellsNestedArraysAsKeysApartInLinearTime) {
+TEST(Equality, distinguishesNestedArraysAsKeysInLinearTime) {
     expectLinear(
         [](int size) {
             NSMutableDictionary dictionary;

@@ -16,6 +16,7 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
+#include "tests/kit/Sanitizers.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
@@ -23,29 +24,17 @@ using namespace kit;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
-#else
-constexpr bool sanitized = false;
-#endif
-
 /// The size to test with, less under a sanitizer, which makes everything bigger and slower; said in the
 /// output.
 std::size_t sized(const char* what, std::size_t normal, std::size_t underSanitizer) {
-    const std::size_t size = sanitized ? underSanitizer : normal;
+    const std::size_t size = isSanitized ? underSanitizer : normal;
     testing::Test::RecordProperty(what, std::to_string(size));
-    std::printf("%s: %zu%s\n", what, size, sanitized ? " (reduced: sanitizer)" : "");
+    std::printf("%s: %zu%s\n", what, size, isSanitized ? " (reduced: sanitizer)" : "");
     return size;
 }
 
 // A sanitizer's frames are larger; one frame for each level would still need many times as much.
-constexpr std::size_t smallStackBytes = sanitized ? 512 * 1024 : 256 * 1024;
+constexpr std::size_t smallStackBytes = isSanitized ? 512 * 1024 : 256 * 1024;
 constexpr std::size_t deep = 100000;
 
 /// Runs the action to its end on a stack that has no room for one frame for each level.
@@ -88,7 +77,7 @@ const Shape shapes[] = {
      [](std::size_t) {
          return "; }";
      }},
-    {"arrays and dictionaries with neighbours on both sides",
+    {"arrays and dictionaries with neighbors on both sides",
      [](const NSObject& inner, std::size_t level) -> NSObject {
          if (level % 2 == 0) {
              return NSArray{"x", inner, 7};
@@ -170,7 +159,7 @@ TEST(HugeValues, deepCollectionsAreReleasedOnASmallStack) {
             NSObject middle = nested(shape, deep, makeObject<Offering>(&destroyed));
             NSObject top = nested(shape, deep, middle);
             top = nullptr;
-            EXPECT_EQ(destroyed, 0) << shape.name << ": the lower half is still held";
+            EXPECT_EQ(destroyed, 0) << shape.name << ": the lower half is still in use";
             EXPECT_EQ(middle.hash(), NSObject(middle).hash());
             NSMutableArray builder;
             builder.addObject(middle);
@@ -375,31 +364,44 @@ double processorSeconds() {
 
 /// Work whose time must grow about as its size.
 struct Work {
+    using Run = void (*)(std::size_t size);
+    Work(const char* text, std::size_t usual, Run work) : name(text), size(usual), run(work) {}
+
     const char* name;
     std::size_t size;
-    void (*run)(std::size_t size);
+    Run run;
 };
 
-double bestTime(const Work& work, std::size_t size) {
+template <class Run>
+double bestTime(const Run& run, std::size_t size) {
     double best = 1e9;
     for (int turn = 0; turn < 4; ++turn) {
         const double start = processorSeconds();
-        work.run(size);
+        run(size);
         best = std::min(best, processorSeconds() - start);
     }
     return best;
 }
 
-template <class MakeKey>
-void fillAndAsk(std::size_t size, const MakeKey& makeKey) {
+/// A dictionary with this many keys is built, and asked for each.
+struct Keys {
+    using Key = NSObject (*)(std::size_t number);
+    Keys(const char* text, std::size_t number, Key make) : name(text), count(number), key(make) {}
+
+    const char* name;
+    std::size_t count;
+    Key key;
+};
+
+void fillAndAsk(const Keys& keys, std::size_t size) {
     NSMutableDictionary builder;
     for (std::size_t i = 0; i < size; ++i) {
-        builder.setObject_forKey(true, makeKey(i));
+        builder.setObject_forKey(true, keys.key(i));
     }
     const NSDictionary dictionary = builder.dictionary();
     std::size_t found = 0;
     for (std::size_t i = 0; i < size; ++i) {
-        found += dictionary.objectForKey(NSObject(makeKey(i))) ? 1 : 0;
+        found += dictionary.objectForKey(keys.key(i)) ? 1 : 0;
     }
     ASSERT_EQ(found, size);
 }
@@ -430,128 +432,97 @@ void removeAll(std::size_t size, bool oldestFirst) {
     ASSERT_EQ(builder.count(), 0U);
 }
 
+const Keys keys[] = {
+    Keys("keys of text", 10000, [](std::size_t i) { return NSObject(numberedKey(i)); }),
+    Keys("long keys that differ in front", 2000, [](std::size_t i) { return longKey(i, 0); }),
+    Keys("long keys that differ in the middle", 2000, [](std::size_t i) { return longKey(i, 180); }),
+    Keys("long keys that differ at the end", 2000, [](std::size_t i) { return longKey(i, 393); }),
+    Keys("numbers", 20000, [](std::size_t i) { return NSObject(i); }),
+    Keys("numbers far apart", 20000, [](std::size_t i) { return NSObject(std::uint64_t{i} << 40); }),
+    Keys("real numbers", 20000, [](std::size_t i) { return NSObject(static_cast<double>(i) + 0.5); }),
+    Keys("real numbers far apart", 20000,
+         [](std::size_t i) { return NSObject(static_cast<double>(i) * 1e20); }),
+    Keys("dates", 20000,
+         [](std::size_t i) {
+             return NSObject(NSDate::dateWithTimeIntervalSinceReferenceDate(static_cast<double>(i) * 65536));
+         }),
+    Keys("arrays as keys", 3000,
+         [](std::size_t i) {
+             return NSObject(NSArray{i, i + 1});
+         }),
+};
+
 const Work works[] = {
-    {"nested arrays", 10000,
-     [](std::size_t n) {
-         useNested(shapes[0], n);
-     }},
-    {"nested dictionaries", 10000,
-     [](std::size_t n) {
-         useNested(shapes[1], n);
-     }},
-    {"nested arrays and dictionaries", 10000,
-     [](std::size_t n) {
-         useNested(shapes[2], n);
-     }},
-    {"nested sets", 2000,
-     [](std::size_t n) {
-         ASSERT_TRUE(nestedSets(n, 1).isEqual(nestedSets(n, 1.0)));
-     }},
-    {"arrays nested in a dictionary's keys", 2000,
-     [](std::size_t n) {
-         NSObject value = 1;
-         for (std::size_t i = 0; i < n; ++i) {
-             value = NSDictionary{{NSArray::arrayWithObject(value), 1}};
-         }
-         ASSERT_TRUE(value);
-     }},
-    {"keys of text", 10000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return numberedKey(i); });
-     }},
-    {"long keys that differ in front", 2000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return longKey(i, 0); });
-     }},
-    {"long keys that differ in the middle", 2000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return longKey(i, 180); });
-     }},
-    {"long keys that differ at the end", 2000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return longKey(i, 393); });
-     }},
-    {"numbers", 20000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return NSNumber(i); });
-     }},
-    {"numbers far apart", 20000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return NSNumber(std::uint64_t{i} << 40); });
-     }},
-    {"real numbers", 20000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return NSNumber(static_cast<double>(i) + 0.5); });
-     }},
-    {"real numbers far apart", 20000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return NSNumber(static_cast<double>(i) * 1e20); });
-     }},
-    {"dates", 20000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) {
-             return NSDate::dateWithTimeIntervalSinceReferenceDate(static_cast<double>(i) * 65536);
-         });
-     }},
-    {"arrays as keys", 3000,
-     [](std::size_t n) {
-         fillAndAsk(n, [](std::size_t i) { return NSArray{i, i + 1}; });
-     }},
-    {"removing the oldest first", 10000,
-     [](std::size_t n) {
-         removeAll(n, true);
-     }},
-    {"removing the newest first", 10000,
-     [](std::size_t n) {
-         removeAll(n, false);
-     }},
-    {"building text unit by unit", 50000,
-     [](std::size_t n) {
-         NSMutableString builder;
-         for (std::size_t i = 0; i < n; ++i) {
-             builder.appendCharacter(i % 2 == 0 ? u'a' : u'\u00e9');
-         }
-         ASSERT_EQ(builder.string().length(), n);
-     }},
-    {"building an array", 50000,
-     [](std::size_t n) {
-         NSMutableArray builder;
-         for (std::size_t i = 0; i < n; ++i) {
-             builder.addObject(i);
-         }
-         ASSERT_EQ(builder.array().count(), n);
-     }},
-    {"describing a wide array", 20000,
-     [](std::size_t n) {
-         NSMutableArray builder;
-         for (std::size_t i = 0; i < n; ++i) {
-             builder.addObject(NSArray{i, "a b", "\u00e9"});
-         }
-         const NSArray array = builder.array();
-         ASSERT_GT(array.description().length(), array.condensedDescription().length());
-     }},
-    {"comparing many combining marks in another order", 4000,
-     [](std::size_t n) {
-         const std::u16string below(n, u'\u0323');
-         const std::u16string above(n, u'\u0301');
-         const NSString left(u"a" + above + below);
-         const NSString right(u"a" + below + above);
-         ASSERT_EQ(left.compare(right), NSOrderedSame);
-     }},
+    Work("nested arrays", 10000, [](std::size_t n) { useNested(shapes[0], n); }),
+    Work("nested dictionaries", 10000, [](std::size_t n) { useNested(shapes[1], n); }),
+    Work("nested arrays and dictionaries", 10000, [](std::size_t n) { useNested(shapes[2], n); }),
+    Work("nested sets", 2000,
+         [](std::size_t n) { ASSERT_TRUE(nestedSets(n, 1).isEqual(nestedSets(n, 1.0))); }),
+    Work("arrays nested in a dictionary's keys", 2000,
+         [](std::size_t n) {
+             NSObject value = 1;
+             for (std::size_t i = 0; i < n; ++i) {
+                 value = NSDictionary{{NSArray::arrayWithObject(value), 1}};
+             }
+             ASSERT_TRUE(value);
+         }),
+    Work("removing the oldest first", 10000, [](std::size_t n) { removeAll(n, true); }),
+    Work("removing the newest first", 10000, [](std::size_t n) { removeAll(n, false); }),
+    Work("building text unit by unit", 50000,
+         [](std::size_t n) {
+             NSMutableString builder;
+             for (std::size_t i = 0; i < n; ++i) {
+                 builder.appendCharacter(i % 2 == 0 ? u'a' : u'\u00e9');
+             }
+             ASSERT_EQ(builder.string().length(), n);
+         }),
+    Work("building an array", 50000,
+         [](std::size_t n) {
+             NSMutableArray builder;
+             for (std::size_t i = 0; i < n; ++i) {
+                 builder.addObject(i);
+             }
+             ASSERT_EQ(builder.array().count(), n);
+         }),
+    Work("describing a wide array", 20000,
+         [](std::size_t n) {
+             NSMutableArray builder;
+             for (std::size_t i = 0; i < n; ++i) {
+                 builder.addObject(NSArray{i, "a b", "\u00e9"});
+             }
+             const NSArray array = builder.array();
+             ASSERT_GT(array.description().length(), array.condensedDescription().length());
+         }),
+    Work("comparing many combining marks in another order", 4000,
+         [](std::size_t n) {
+             const std::u16string below(n, u'\u0323');
+             const std::u16string above(n, u'\u0301');
+             const NSString left(u"a" + above + below);
+             const NSString right(u"a" + below + above);
+             ASSERT_EQ(left.compare(right), NSOrderedSame);
+         }),
 };
 
 // Four times the size takes about four times as long, sixteen times where the time is quadratic. The machine
 // may be busy, so the best of several runs counts and a bad result is measured again before it is believed.
+template <class Run>
+void expectLinear(const char* name, std::size_t size, const Run& run) {
+    double growth = 0;
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        growth = bestTime(run, 4 * size) / bestTime(run, size);
+        if (growth < 9 || testing::Test::HasFatalFailure()) {
+            break;
+        }
+    }
+    EXPECT_LT(growth, 9) << name;
+}
+
 TEST(HugeValues, timesGrowAboutAsTheSizes) {
     for (const Work& work : works) {
-        double growth = 0;
-        for (int attempt = 0; attempt < 4; ++attempt) {
-            growth = bestTime(work, 4 * work.size) / bestTime(work, work.size);
-            if (growth < 9 || testing::Test::HasFatalFailure()) {
-                break;
-            }
-        }
-        EXPECT_LT(growth, 9) << work.name;
+        expectLinear(work.name, work.size, work.run);
+    }
+    for (const Keys& row : keys) {
+        expectLinear(row.name, row.count, [&row](std::size_t size) { fillAndAsk(row, size); });
     }
 }
 

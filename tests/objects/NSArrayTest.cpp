@@ -27,7 +27,7 @@ constexpr std::size_t huge = std::numeric_limits<std::size_t>::max();
 
 // MARK: Elements
 
-TEST(NSArray, holdsItsElementsInOrder) {
+TEST(NSArray, containsItsElementsInOrder) {
     const NSArray array{"a", 1, true, NSNull::null()};
     ASSERT_EQ(array.count(), 4U);
     EXPECT_EQ(array[0], "a");
@@ -259,7 +259,7 @@ TEST(NSMutableArray, movesWithItsElements) {
         NSMutableArray third;
         third.addObject(makeObject<Offering>(&destroyed));
         third = std::move(second);
-        EXPECT_EQ(destroyed, 1) << "what it held before";
+        EXPECT_EQ(destroyed, 1) << "what it referred to before";
         EXPECT_EQ(third.count(), 1U);
     }
     EXPECT_EQ(destroyed, 2);

@@ -130,7 +130,7 @@ TEST(NSCharacterSet, makesEachNamedSetOnceForAllThreads) {
     }
 }
 
-TEST(NSCharacterSet, holdsTheCharactersOfAText) {
+TEST(NSCharacterSet, containsTheCharactersOfAText) {
     const NSCharacterSet set = NSCharacterSet::characterSetWithCharactersInString("a,é\n");
     EXPECT_TRUE(set.characterIsMember(u'a'));
     EXPECT_TRUE(set.characterIsMember(u','));
@@ -174,7 +174,7 @@ TEST(NSCharacterSet, ofNilHasNoMembers) {
     EXPECT_FALSE(none.isSupersetOfSet(NSCharacterSet::emptyCharacterSet()));
 }
 
-TEST(NSCharacterSet, holdsTheCodePointsOfARange) {
+TEST(NSCharacterSet, containsTheCodePointsOfARange) {
     struct Row {
         std::size_t location;
         std::size_t length;

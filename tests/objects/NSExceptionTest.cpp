@@ -22,7 +22,7 @@ static_assert(std::is_nothrow_copy_constructible_v<NSException>);
 static_assert(std::is_nothrow_copy_assignable_v<NSException>);
 static_assert(std::is_base_of_v<std::exception, NSException>);
 
-TEST(NSException, holdsNameReasonAndDictionary) {
+TEST(NSException, hasNameReasonAndDictionary) {
     const NSException exception("Name", "why", NSDictionary{{"k", 1}});
     EXPECT_EQ(exception.name(), "Name");
     EXPECT_EQ(exception.reason(), "why");

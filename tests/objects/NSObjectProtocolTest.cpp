@@ -114,7 +114,7 @@ TEST(NSObjectProtocol, isEqualToItselfOnlyUnlessItSaysOtherwise) {
     EXPECT_TRUE((NSArray{1, makeObject<Record>(7)}).isEqualToArray(NSArray{1, makeObject<Record>(7)}));
 }
 
-TEST(NSObjectProtocol, livesAsLongAsAHandleHoldsIt) {
+TEST(NSObjectProtocol, livesAsLongAsAHandleRefersToIt) {
     int destroyed = 0;
     NSObject kept;
     {

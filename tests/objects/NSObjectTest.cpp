@@ -361,7 +361,7 @@ TEST(NSObject, aHandleSurvivesAssignmentToItself) {
     EXPECT_TRUE(object);
 }
 
-TEST(NSObject, aHandleMayTakeAnElementOfTheCollectionThatItHeld) {
+TEST(NSObject, aHandleMayTakeAnElementOfItsOwnCollection) {
     int destroyed = 0;
     NSObject object = NSArray::arrayWithObject(NSArray::arrayWithObject(makeObject<Offering>(&destroyed)));
     object = object.as<NSArray>()[0];
@@ -373,7 +373,7 @@ TEST(NSObject, aHandleMayTakeAnElementOfTheCollectionThatItHeld) {
     EXPECT_EQ(destroyed, 1);
 }
 
-TEST(NSObject, collectionsReleaseWhatTheyHold) {
+TEST(NSObject, collectionsReleaseTheirElements) {
     int destroyed = 0;
     {
         const NSObject object = makeObject<Offering>(&destroyed);

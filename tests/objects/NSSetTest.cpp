@@ -15,7 +15,7 @@ using namespace kit;
 
 namespace {
 
-TEST(NSSet, holdsEachValueOnce) {
+TEST(NSSet, containsEachValueOnce) {
     const NSSet set{"a", 1, 1.0, true, "a", "1", u"a"};
     EXPECT_EQ(set.count(), 3U);
     EXPECT_TRUE(set.containsObject("a"));
@@ -59,7 +59,7 @@ TEST(NSSet, isEqualByContentInAnyOrder) {
     EXPECT_TRUE(NSSet::set().isEqualToSet(NSSet::set()));
 }
 
-TEST(NSSet, holdsCollectionsByContent) {
+TEST(NSSet, comparesCollectionsByContent) {
     const NSSet set{NSSet{1, 2}, NSSet{2, 1}, NSDictionary{{"k", 1}}, NSDictionary{{"k", 1.0}}};
     EXPECT_EQ(set.count(), 2U);
     EXPECT_TRUE(set.containsObject(NSSet{2, 1}));

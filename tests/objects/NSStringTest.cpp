@@ -212,7 +212,7 @@ TEST(NSString, illFormedBytesBecomeReplacementCharactersOrNil) {
         {"an encoded surrogate", "\xED\xA0\x80"sv, u"\xFFFD\xFFFD\xFFFD"},
         {"beyond the last character", "\xF4\x90\x80\x80"sv, u"\xFFFD\xFFFD\xFFFD\xFFFD"},
         {"two cut ones in a row", "\xE2\x82\xE2\x82\xAC"sv, u"\xFFFD\x20AC"},
-        {"behind a long ascii run", "0123456789abcdef0123456789abcdef\xFEz"sv,
+        {"after a long ascii run", "0123456789abcdef0123456789abcdef\xFEz"sv,
          u"0123456789abcdef0123456789abcdef\xFFFDz"},
     };
     for (const auto& row : rows) {

@@ -163,7 +163,7 @@ TEST(NSURL, resolvesALongChainOfBasesWithoutRecursion) {
     EXPECT_EQ(url.absoluteURL(), NSURL::URLWithString("http://h/y"));
 }
 
-TEST(NSURL, withoutABaseIsAbsoluteAsItStands) {
+TEST(NSURL, withoutABaseIsAbsoluteAsItIs) {
     for (const char* text : {"../a/./b", "http://h/../a", "", "#f", "x:a/../b"}) {
         const NSURL url = NSURL::URLWithString(text);
         EXPECT_EQ(url.absoluteString(), text);
@@ -200,7 +200,7 @@ TEST(NSURL, takesTheStandardsExamplesApart) {
     }
 }
 
-TEST(NSURL, tellsMissingPartsFromEmptyOnes) {
+TEST(NSURL, distinguishesMissingPartsFromEmptyOnes) {
     const Parts rows[] = {
         {"", missing, missing, "", missing, missing},
         {"a:b", "a", missing, "b", missing, missing},

@@ -68,12 +68,12 @@ TEST(StringCharacterSearch, findsTheFirstAndTheLastMember) {
         {"a run is not one", "a123b", {1, 1}, {3, 1}},
         {"wide", "\u20ac\u0663\u20ac", {1, 1}, {1, 1}},
         {"two units are no member", "\U0001D7CE", nowhere, nowhere},
-        {"behind U+0000",
+        {"after U+0000",
          "\0"
          "7"sv,
          {1, 1},
          {1, 1}},
-        {"with a mark behind", "1\u0301", {0, 1}, {0, 1}},
+        {"with a mark after it", "1\u0301", {0, 1}, {0, 1}},
     };
     for (const auto& row : rows) {
         const NSRange whole = NSMakeRange(0, row.text.length());

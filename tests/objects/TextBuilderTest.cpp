@@ -66,7 +66,7 @@ void append(TextBuilder& builder, std::u16string& expected, kit::Numbers& number
     expected += ascii;
 }
 
-TEST(TextBuilder, holdsWhatWasAppended) {
+TEST(TextBuilder, containsWhatWasAppended) {
     kit::Numbers numbers(71);
     int wide = 0;
     for (int round = 0; round < 500; ++round) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Texts written in every encoding, and read back: examples, the public tables, and what does not fit.
 #include "tests/models/EncodingTables.h"
+#include "tests/models/Utf.h"
 #include "tests/objects/EncodingTesting.h"
 
 using namespace ZQFoundation;
@@ -65,15 +66,12 @@ TEST(TextEncoder, writeAMarkInTheMachinesOrderWhereNoneIsStated) {
     EXPECT_EQ(NSUnicodeStringEncoding, NSUTF16StringEncoding);
 }
 
-TEST(TextEncoder, holdEveryWellFormedTextInTheUnicodeForms) {
+TEST(TextEncoder, writeEveryWellFormedTextInTheUnicodeForms) {
     for (const NSStringEncoding encoding : unicodeEncodings) {
         std::u16string text;
         for (char32_t code = 1; code <= 0x10FFFF; code += code < 0x4000 ? 1 : 61) {
-            if (code >= 0x10000) {
-                text += static_cast<char16_t>(0xD7C0 + (code >> 10));
-                text += static_cast<char16_t>(0xDC00 + (code & 1023));
-            } else if (code < 0xD800 || code > 0xDFFF) {
-                text += static_cast<char16_t>(code);
+            if (code < 0xD800 || code > 0xDFFF) {
+                models::appendUtf16(text, code);
             }
         }
         const std::string bytes = encoded(text, encoding);

@@ -204,7 +204,7 @@ TEST(Base64Codec, allReadAndWriteAtAnyAlignment) {
     }
 }
 
-TEST(Base64Codec, allPassOverOneForeignByteAnywhere) {
+TEST(Base64Codec, allIgnoreOneForeignByteAnywhere) {
     Workbench bench;
     std::mt19937 random(4);
     const std::string text = base64Encoded(randomBytes(random, 195), false);

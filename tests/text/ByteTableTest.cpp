@@ -59,7 +59,7 @@ TEST(ByteTable, needsNoAsciiBelow) {
     EXPECT_EQ(ByteTable(units).byteOf(0), -1);
 }
 
-TEST(ByteTable, holdsUnitsOfAnyNumberOfPages) {
+TEST(ByteTable, storesUnitsOfAnyNumberOfPages) {
     ByteTable::Units units;
     for (std::size_t code = 0; code < 256; ++code) {
         units[code] = static_cast<char16_t>(code << 8 | (255 - code));

@@ -47,7 +47,7 @@ TEST(CharacterConversion, losesNothing) {
     EXPECT_FALSE(unitsToBytes("EUC-JP", u"a\u0E01", bytes)) << "no place in the encoding";
     EXPECT_FALSE(unitsToBytes("SHIFT_JIS", u"\\", bytes)) << "would come back as a fullwidth one";
     EXPECT_FALSE(unitsToBytes("CP932", u"\u00A5", bytes)) << "would come back as a backslash";
-    EXPECT_FALSE(unitsToBytes("EUC-JP", u"a\U000E0041z", bytes)) << "passed over as a tag";
+    EXPECT_FALSE(unitsToBytes("EUC-JP", u"a\U000E0041z", bytes)) << "skipped as a tag";
     EXPECT_FALSE(unitsToBytes("ISO-2022-JP", u"\x1B$B", bytes)) << "would be read as an escape";
     EXPECT_FALSE(unitsToBytes("GB18030", u"\xD800", bytes));
     EXPECT_FALSE(unitsToBytes("GB18030", u"\xDC00\xD800", bytes));

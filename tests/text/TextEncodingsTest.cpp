@@ -86,11 +86,11 @@ void expectRoundTripOfBytes(const TextEncoding* encoding) {
     EXPECT_EQ(bytesOf(stringOf(units).dataUsingEncoding(numberOf(encoding))), bytes);
     EXPECT_EQ(stringOf(units).lengthOfBytesUsingEncoding(numberOf(encoding)), bytes.size());
     EXPECT_EQ(shownUnits(decoded(bytes, numberOf(encoding)).utf16()), shownUnits(units));
-    std::size_t held = 0;
+    std::size_t found = 0;
     for (char32_t unit = 0; unit < 0x10000; ++unit) {
-        held += table->byteOf(static_cast<char16_t>(unit)) >= 0 ? 1 : 0;
+        found += table->byteOf(static_cast<char16_t>(unit)) >= 0 ? 1 : 0;
     }
-    EXPECT_EQ(held, bytes.size());
+    EXPECT_EQ(found, bytes.size());
 }
 
 TEST(TextEncodings, ofOneByteRoundTripTheirWholeRepertoire) {
@@ -110,7 +110,7 @@ std::u16string unitsOf(char32_t code) {
 /// How many characters the encoding holds; each alone comes back, and so do all of them together.
 std::size_t roundTripped(NSStringEncoding encoding) {
     std::u16string all;
-    std::size_t held = 0;
+    std::size_t found = 0;
     for (char32_t code = 0; code < 0x30000; code += code < 0x10000 ? 1 : 7) {
         if (code >= 0xD800 && code < 0xE000) {
             code = 0xE000;
@@ -118,7 +118,7 @@ std::size_t roundTripped(NSStringEncoding encoding) {
         const std::u16string units = unitsOf(code);
         const NSData data = stringOf(units).dataUsingEncoding(encoding);
         if (data) {
-            ++held;
+            ++found;
             all += units;
             const NSString back = NSString::initWithData_encoding(data, encoding);
             EXPECT_EQ(shownUnits(back.utf16()), shownUnits(units));
@@ -129,7 +129,7 @@ std::size_t roundTripped(NSStringEncoding encoding) {
     }
     const NSData data = stringOf(all).dataUsingEncoding(encoding);
     EXPECT_TRUE(NSString::initWithData_encoding(data, encoding).utf16() == all);
-    return held;
+    return found;
 }
 
 TEST(TextEncodings, ofSequencesRoundTripTheirWholeRepertoire) {
@@ -150,7 +150,7 @@ TEST(TextEncodings, ofSequencesRoundTripTheirWholeRepertoire) {
     }
 }
 
-TEST(TextEncodings, holdAsciiInEveryEncodingButTheSymbols) {
+TEST(TextEncodings, includeAsciiInEveryEncodingButTheSymbols) {
     std::string text;
     for (char code = 0x20; code < 0x7F; ++code) {
         text += code;
@@ -233,19 +233,19 @@ std::string heldWithoutModules() {
     if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
         return "no limit";
     }
-    std::string held;
+    std::string found;
     for (const std::uint32_t number : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 12U, 21U, 30U, 0x80000A02U}) {
         const NSStringEncoding encoding{number};
         const bool writes = bool(NSString("1").dataUsingEncoding(encoding));
         const bool reads = bool(NSString::initWithData_encoding(
             NSData::dataWithBytes_length("1\0", number == 10 ? 2 : 1), encoding));
         const bool counts = NSString("1").lengthOfBytesUsingEncoding(encoding) != 0;
-        held += writes && reads && counts   ? " " + std::to_string(number)
-                : writes || reads || counts ? " half of " + std::to_string(number)
-                                            : "";
+        found += writes && reads && counts   ? " " + std::to_string(number)
+                 : writes || reads || counts ? " half of " + std::to_string(number)
+                                             : "";
     }
     ::setrlimit(RLIMIT_NOFILE, &before);
-    return held;
+    return found;
 }
 
 TEST(TextEncodings, thatTheSystemLacksAreUnknown) {

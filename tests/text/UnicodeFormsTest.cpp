@@ -42,7 +42,7 @@ TEST(UnicodeForms, takeEveryCharacterBothWays) {
     }
 }
 
-TEST(UnicodeForms, writeTextsHeldAsBytesTheSameWay) {
+TEST(UnicodeForms, writeTextsStoredAsBytesTheSameWay) {
     char bytes[8];
     EXPECT_EQ(std::string(bytes, writeUtf16("az", 2, ByteOrder::big, bytes)), "\0a\0z"s);
     EXPECT_EQ(std::string(bytes, writeUtf16("az", 2, ByteOrder::little, bytes)), "a\0z\0"s);

@@ -70,7 +70,7 @@ TEST(UnitBlocks, findAndCountAtEveryPlaceOfEveryLength) {
     }
 }
 
-TEST(UnitBlocks, countMoreThanALaneHolds) {
+TEST(UnitBlocks, countMoreThanALaneCan) {
     for (const std::size_t length : {4079U, 4080U, 4081U, 4096U, 8161U, 200000U}) {
         EXPECT_EQ(countPlaces(std::string(length, ',').data(), length, isComma), length);
         EXPECT_EQ(countPlaces(std::u16string(length, u',').data(), length, isComma), length);

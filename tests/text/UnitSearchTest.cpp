@@ -83,7 +83,7 @@ std::size_t firstInAnyCase(const std::string& text, const std::string& wanted) {
     return findUnits(text.data(), text.size(), wanted.data(), wanted.size(), AsciiInAnyCase());
 }
 
-TEST(UnitSearch, findsAsciiInAnyCaseWhereItStandsInLowerCase) {
+TEST(UnitSearch, findsAsciiInAnyCaseWhereItIsInLowerCase) {
     kit::Numbers numbers(47);
     for (int round = 0; round < 20000; ++round) {
         const std::u16string wide = numbers.text(u"aAbB@[`{", numbers.below(200));
@@ -117,7 +117,7 @@ TEST(UnitSearch, takesOnlyLettersForTheSameInAnotherCase) {
     }
 }
 
-TEST(UnitSearch, findsWhatStandsBehindManyFalseStarts) {
+TEST(UnitSearch, findsWhatFollowsManyFalseStarts) {
     // Long enough for the search to change its way in the middle of the text.
     for (std::size_t length = 1000; length < 1100; ++length) {
         const std::string text = std::string(length, 'a').append("b").append(length, 'a');
@@ -130,7 +130,7 @@ TEST(UnitSearch, findsWhatStandsBehindManyFalseStarts) {
     }
 }
 
-TEST(UnitSearch, takesLinearTimeWhateverTheTextsHold) {
+TEST(UnitSearch, takesLinearTimeWhateverTheTexts) {
     // Comparing at every place would take 250,000,000,000 steps.
     constexpr std::size_t half = 500000;
     const std::string text(2 * half, 'a');

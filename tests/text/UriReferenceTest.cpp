@@ -46,7 +46,7 @@ bool isReference(std::string_view text) {
     return readUriReference(text, reference);
 }
 
-TEST(UriReference, tellsThePieces) {
+TEST(UriReference, findsThePieces) {
     const struct {
         const char* text;
         const char* pieces;
@@ -317,7 +317,7 @@ TEST(UriReference, refusesOtherTextsInBrackets) {
     }
 }
 
-TEST(UriReference, isNoneForANilTextAndForAnEmbeddedNul) {
+TEST(UriReference, isMissingForANilTextAndForAnEmbeddedNul) {
     UriReference reference;
     EXPECT_FALSE(readUriReference(nullptr, reference));
     EXPECT_FALSE(isReference("a\0b"sv));

@@ -59,7 +59,7 @@ TEST(UriResolution, keepsPathsFromBeingReadAsOtherParts) {
     EXPECT_EQ(resolvedUriReference(".///b", "x:a"), "x:/.//b");
     EXPECT_EQ(resolvedUriReference("/.//b", "x:a"), "x:/.//b");
     EXPECT_EQ(resolvedUriReference("/.//b", "a"), "/.//b");
-    EXPECT_EQ(resolvedUriReference("..//b", "x://h/a"), "x://h//b") << "behind an authority it is a path";
+    EXPECT_EQ(resolvedUriReference("..//b", "x://h/a"), "x://h//b") << "after an authority it is a path";
     EXPECT_EQ(resolvedUriReference("./c:d", "b"), "./c:d") << "where c would be a scheme";
     EXPECT_EQ(resolvedUriReference("./c:d", "a/b"), "a/c:d");
     EXPECT_EQ(resolvedUriReference("./c:d", "x:b"), "x:c:d");

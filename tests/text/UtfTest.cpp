@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -13,8 +14,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/models/Utf.h"
+
 namespace {
 
+namespace models = ZQFoundation::models;
 using namespace ZQFoundation::detail;
 
 constexpr std::size_t longestLength = 100; // passes several blocks of every size that the code may use
@@ -65,65 +69,37 @@ std::u16string escaped(std::string_view bytes) {
     return units;
 }
 
-/// A second opinion, slow and simple: the rows of the table of well-formed byte sequences.
-struct SequenceRow {
-    unsigned char first[2];
-    unsigned char second[2];
-    std::size_t length;
-};
-
-constexpr SequenceRow sequenceRows[] = {
-    {{0x00, 0x7F}, {0, 0}, 1},       {{0xC2, 0xDF}, {0x80, 0xBF}, 2}, {{0xE0, 0xE0}, {0xA0, 0xBF}, 3},
-    {{0xE1, 0xEC}, {0x80, 0xBF}, 3}, {{0xED, 0xED}, {0x80, 0x9F}, 3}, {{0xEE, 0xEF}, {0x80, 0xBF}, 3},
-    {{0xF0, 0xF0}, {0x90, 0xBF}, 4}, {{0xF1, 0xF3}, {0x80, 0xBF}, 4}, {{0xF4, 0xF4}, {0x80, 0x8F}, 4},
-};
-
-std::size_t matchedLength(const SequenceRow& row, std::string_view bytes) {
-    std::size_t matched = 0;
-    while (matched < row.length && matched < bytes.size()) {
-        const auto byte = static_cast<unsigned char>(bytes[matched]);
-        const unsigned char rest[2] = {0x80, 0xBF};
-        const unsigned char* const range = matched == 0 ? row.first : matched == 1 ? row.second : rest;
-        if (byte < range[0] || byte > range[1]) {
-            break;
-        }
-        ++matched;
-    }
-    return matched;
+/// Whether more bytes can make a well-formed sequence of these.
+bool isBeginning(const std::string& bytes) {
+    const auto completes = [&](char byte) {
+        const std::string longer = bytes + byte;
+        const auto character = models::characterAt(longer, 0);
+        return (character && character->length == longer.size()) || isBeginning(longer);
+    };
+    constexpr char borders[] = {'\x80', '\x8F', '\x90', '\x9F', '\xA0', '\xBF'};
+    return bytes.size() < 4 && std::any_of(std::begin(borders), std::end(borders), completes);
 }
 
-/// Length of the sequence or maximal subpart at the front, and whether it is a complete sequence.
-std::pair<std::size_t, bool> referenceStep(std::string_view bytes) {
-    std::size_t longest = 1;
-    for (const SequenceRow& row : sequenceRows) {
-        const std::size_t matched = matchedLength(row, bytes);
-        if (matched == row.length) {
-            return {matched, true};
-        }
-        longest = std::max(longest, matched);
+/// Length of the sequence or maximal subpart at the front, and the character if the sequence is complete.
+std::pair<std::size_t, std::optional<char32_t>> referenceStep(std::string_view bytes) {
+    if (const auto character = models::characterAt(bytes, 0)) {
+        return {character->length, character->number};
     }
-    return {longest, false};
+    std::size_t length = std::min<std::size_t>(bytes.size(), 3);
+    while (length > 1 && !isBeginning(std::string(bytes.substr(0, length)))) {
+        --length;
+    }
+    return {length, std::nullopt};
 }
 
 std::u16string referenceUnits(std::string_view bytes, IllFormed policy) {
     std::u16string units;
     while (!bytes.empty()) {
-        const auto [length, whole] = referenceStep(bytes);
-        const std::string_view piece = bytes.substr(0, length);
-        char32_t codePoint = static_cast<unsigned char>(piece[0]);
-        if (length > 1) {
-            codePoint &= 0x7Fu >> length;
-        }
-        for (const char byte : piece.substr(1)) {
-            codePoint = codePoint * 64 + (static_cast<unsigned char>(byte) - 0x80u);
-        }
-        if (!whole) {
-            units += policy == IllFormed::replace ? u"\uFFFD" : escaped(piece);
-        } else if (codePoint < 0x10000) {
-            units += static_cast<char16_t>(codePoint);
+        const auto [length, character] = referenceStep(bytes);
+        if (character) {
+            models::appendUtf16(units, *character);
         } else {
-            units += static_cast<char16_t>(0xD800 + (codePoint - 0x10000) / 0x400);
-            units += static_cast<char16_t>(0xDC00 + (codePoint - 0x10000) % 0x400);
+            units += policy == IllFormed::replace ? u"\uFFFD" : escaped(bytes.substr(0, length));
         }
         bytes.remove_prefix(length);
     }
@@ -173,7 +149,7 @@ constexpr BoundaryRow boundaryRows[] = {
     {"U+FFFFF", "\xF3\xBF\xBF\xBF", u"\xDBBF\xDFFF"},
     {"U+100000", "\xF4\x80\x80\x80", u"\xDBC0\xDC00"},
     {"U+10FFFF", "\xF4\x8F\xBF\xBF", u"\xDBFF\xDFFF"},
-    {"neighbours",
+    {"neighbors",
      "a\xC3\xA9"
      "b\xE2\x82\xAC\xF0\x9F\x98\x80z",
      u"a\xE9"
@@ -240,7 +216,7 @@ TEST(Utf, replacesEachMaximalSubpartOnce) {
     }
 }
 
-TEST(Utf, goesOnRightBehindAnIllFormedSequence) {
+TEST(Utf, continuesRightAfterAnIllFormedSequence) {
     for (const IllFormedRow& row : illFormedRows) {
         SCOPED_TRACE(row.name);
         const std::string text = "a" + std::string(row.bytes) + "b\xC3\xA9";
@@ -276,8 +252,8 @@ TEST(Utf, findsTheFirstIllFormedSequence) {
         const std::string bytes = randomBytes(random, random() % 12);
         std::size_t expected = 0;
         while (expected < bytes.size()) {
-            const auto [length, whole] = referenceStep(std::string_view(bytes).substr(expected));
-            if (!whole) {
+            const auto [length, character] = referenceStep(std::string_view(bytes).substr(expected));
+            if (!character) {
                 break;
             }
             expected += length;
@@ -299,14 +275,8 @@ TEST(Utf, bringsAnyBytesBackThroughAFileName) {
 TEST(Utf, bringsEveryCharacterBack) {
     std::u16string units;
     for (char32_t codePoint = 0; codePoint < 0x110000; ++codePoint) {
-        if (codePoint >= 0xD800 && codePoint < 0xE000) {
-            continue;
-        }
-        if (codePoint > 0xFFFF) {
-            units += static_cast<char16_t>(0xD800 + (codePoint - 0x10000) / 0x400);
-            units += static_cast<char16_t>(0xDC00 + (codePoint - 0x10000) % 0x400);
-        } else {
-            units += static_cast<char16_t>(codePoint);
+        if (codePoint < 0xD800 || codePoint > 0xDFFF) {
+            models::appendUtf16(units, codePoint);
         }
     }
     const std::string bytes = toBytes(units, IllFormed::replace);
@@ -415,12 +385,12 @@ TEST(Utf, convertsAtEveryPlaceAndLength) {
     for (std::size_t length = 0; length <= longestLength; ++length) {
         for (std::size_t at = 0; at <= length; ++at) {
             const std::string before(at, 'x');
-            const std::string behind(length - at, 'y');
+            const std::string after(length - at, 'y');
             const std::u16string units =
                 std::u16string(at, u'x') + u'\xE9' + std::u16string(length - at, u'y');
-            ASSERT_EQ(toUnits(before + "\xC3\xA9" + behind, IllFormed::replace), units);
-            ASSERT_EQ(toBytes(units, IllFormed::replace), before + "\xC3\xA9" + behind);
-            ASSERT_EQ(wellFormedPrefix(before + "\xC3" + behind), at);
+            ASSERT_EQ(toUnits(before + "\xC3\xA9" + after, IllFormed::replace), units);
+            ASSERT_EQ(toBytes(units, IllFormed::replace), before + "\xC3\xA9" + after);
+            ASSERT_EQ(wellFormedPrefix(before + "\xC3" + after), at);
         }
     }
 }

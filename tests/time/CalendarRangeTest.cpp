@@ -20,7 +20,7 @@ Range rangeOf(const NSCalendar& calendar, NSCalendarUnit unit, const NSDate& dat
     return range;
 }
 
-TEST(CalendarRange, tellsWhereUnitsBeginAndHowLongTheyLast) {
+TEST(CalendarRange, knowsWhereUnitsBeginAndHowLongTheyLast) {
     const NewYork in;
     const NSDate date = dateOf(in.calendar, 2024, 3, 10, 14, 7, 9);
     const struct {

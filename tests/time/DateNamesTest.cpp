@@ -31,7 +31,7 @@ TEST(DateNames, startsTheSecondHalfOfTheDayAtNoon) {
     EXPECT_EQ(dayHalfName(23), "PM");
 }
 
-TEST(DateNames, tellsZonesOfOneAbbreviationApartByTheirOffset) {
+TEST(DateNames, distinguishesZonesOfOneAbbreviationByTheirOffset) {
     const struct {
         const char* abbreviation;
         int minutes;

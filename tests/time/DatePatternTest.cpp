@@ -6,22 +6,10 @@
 
 #include "foundation/time/NSDateFormatter.h"
 #include "tests/kit/Zones.h"
+#include "tests/time/FormatterTesting.h"
 
 namespace ZQFoundation {
 namespace {
-
-constexpr char berlin[] = "CET-1CEST,M3.5.0,M10.5.0/3";
-
-NSDate at(double seconds) { return NSDate::dateWithTimeIntervalSince1970(seconds); }
-
-std::string formatted(NSString pattern, double seconds) {
-    NSDateFormatter formatter;
-    formatter.setDateFormat(pattern);
-    const NSString text = formatter.stringFromDate(at(seconds));
-    return text ? text.utf8() : "nil";
-}
-
-constexpr double teatime = 1709644029.042; // Tuesday 2024-03-05 14:07:09.042 in Berlin
 
 struct FieldRow {
     const char* pattern;
@@ -195,7 +183,7 @@ TEST(DatePattern, takesQuotedTextLiterally) {
                                                                     3));
 }
 
-TEST(DatePattern, leavesReservedLettersAsTheyStand) {
+TEST(DatePattern, leavesReservedLettersUnchanged) {
     const kit::TimeZone scope(berlin);
     EXPECT_EQ(formatted("dnnbQQQ", teatime), "5nnbQQQ");
     EXPECT_EQ(formatted("T HH", teatime), "T 14");

@@ -197,7 +197,7 @@ TEST(PosixZone, namesPeriodsInWhichNothingChanges) {
     EXPECT_EQ(zone.periodAt(0).until, INT64_MAX);
 }
 
-TEST(PosixZone, holdsItsPeriodsTogetherWhateverTheRule) {
+TEST(PosixZone, joinsItsPeriodsWhateverTheRule) {
     const char* const notations[] = {
         "CET-1CEST,M3.5.0,M10.5.0/3", "AEST-10AEDT,M10.1.0,M4.1.0/3", "EST5EDT,0/0,J365/25",
         "AAA0BBB,J1/-167,J182",       "AAA0BBB,J182,J365/167",        "AAA24BBB-24,J365/167,J1/-167",

@@ -94,7 +94,7 @@ TEST(ZoneRules, appliesTheFooterToAllTimeWhenThereAreNoChanges) {
     EXPECT_EQ(rulesOf(data)->periodAt(0).from, INT64_MIN);
 }
 
-TEST(ZoneRules, passesOverLeapSeconds) {
+TEST(ZoneRules, skipsLeapSeconds) {
     kit::ZoneData data = kit::simpleZone();
     data.footer = "AAA-1";
     const std::optional<ZoneRules> without = rulesOf(data);
@@ -220,7 +220,7 @@ TEST(ZoneRules, refusesDataThatContradictThemselves) {
     }
 }
 
-TEST(ZoneRules, refusesCountsThatTheDataCannotHold) {
+TEST(ZoneRules, refusesCountsThatExceedTheData) {
     // The six counts of the header, each with the greatest number there is; alone and all at once.
     for (const char version : {'\0', '2'}) {
         kit::ZoneData data = kit::simpleZone();
@@ -245,7 +245,7 @@ TEST(ZoneRules, refusesDataBeyondItsLimit) {
     EXPECT_FALSE(rulesOf(bytes));
 }
 
-TEST(ZoneRules, tellsRulesApart) {
+TEST(ZoneRules, distinguishesRules) {
     kit::ZoneData data = kit::simpleZone();
     EXPECT_EQ(*rulesOf(data), *rulesOf(data));
     kit::ZoneData other = data;

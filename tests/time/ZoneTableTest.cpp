@@ -101,7 +101,7 @@ TEST_F(ZoneTable, takesNonsenseForUtc) {
     }
 }
 
-TEST_F(ZoneTable, readsTheVariableAgainOnlyWhenTold) {
+TEST_F(ZoneTable, readsTheVariableAgainOnlyWhenAsked) {
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(offsetFor("AAA-1"), 3600);
         setenv("TZ", "AAA-2", 1);
@@ -136,7 +136,7 @@ TEST_F(ZoneTable, makesEachZoneOnce) {
     }
 }
 
-TEST_F(ZoneTable, readsTheFileAgainOnlyWhenTold) {
+TEST_F(ZoneTable, readsTheFileAgainOnlyWhenAsked) {
     EXPECT_EQ(offsetFor("Test/Zone"), 3600);
     write("Test/Zone", 7200);
     EXPECT_EQ(zoneOffsetAt(processZone(), winter), 3600);
@@ -185,7 +185,7 @@ TEST_F(ZoneTable, findsZonesByPlainNamesOnly) {
     EXPECT_EQ(zoneNamed(std::string(300, 'a')), nullptr);
 }
 
-TEST_F(ZoneTable, tellsZonesApart) {
+TEST_F(ZoneTable, distinguishesZones) {
     write("Test/Other", 7200);
     const Zone* const zone = zoneNamed("Test/Zone");
     const Zone* const other = zoneNamed("Test/Other");

@@ -69,7 +69,7 @@ TEST(DefaultsJson, givesEveryDomainThatCanBeReadAndFails) {
     const Outcome outcome = tool.run({"read", "--json"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "{\n  \"d\": {\n    \"k\": \"v\"\n  }\n}\n");
-    EXPECT_NE(outcome.errors.find("broken"), std::string::npos);
+    EXPECT_TRUE(scene::contains(outcome.errors, "broken"));
 }
 
 } // namespace

@@ -55,8 +55,8 @@ protected:
                               {"rename", path, "precious", "k"}};
         for (const Words& row : rows) {
             const std::string message = tool.refused(row);
-            EXPECT_NE(message.find("shared/"), std::string::npos) << message;
-            EXPECT_NE(message.find("ermission"), std::string::npos) << row[0] << ": " << message;
+            EXPECT_TRUE(scene::contains(message, "shared/")) << message;
+            EXPECT_TRUE(scene::contains(message, "ermission")) << row[0] << ": " << message;
         }
         EXPECT_EQ(scene::contentsOf(elsewhere() + "/list.plist"), precious);
         EXPECT_EQ(tool.done({"read", "d"}), "{\n    secret = v;\n}\n");
@@ -76,7 +76,7 @@ TEST_F(DefaultsSharedFolders, linksOfOthersAreNotFollowed) {
     expectAllRefused(shared() + "/second.plist");
 }
 
-TEST_F(DefaultsSharedFolders, linksOfOthersThatLeadNowhereMakeNoFile) {
+TEST_F(DefaultsSharedFolders, danglingLinksOfOthersMakeNoFile) {
     const std::string path = link(elsewhere() + "/new.plist", "dangling.plist");
     tool.refused({"export", "d", path});
     tool.refused({"write", path, "k", "v"});

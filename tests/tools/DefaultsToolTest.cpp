@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The tool `defaults` as its user meets it: the real program, with a folder of domains of the test's own.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -16,17 +17,14 @@
 #endif
 
 using namespace ZQFoundation;
+using scene::become;
+using scene::contains;
+using scene::modeOf;
 using scene::Outcome;
 using scene::Tool;
 using scene::Words;
 
 namespace {
-
-mode_t modeOf(const std::string& path) {
-    struct stat information {};
-    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
-    return information.st_mode & 07777;
-}
 
 // Values
 
@@ -85,32 +83,30 @@ TEST(DefaultsTool, writesValuesOfEveryType) {
 
 TEST(DefaultsTool, refusesValuesThatDoNotFitTheirType) {
     const Tool tool;
-    const Words rows[] = {
-        {"-int", "x"},
-        {"-int", ""},
-        {"-int", "1.5"},
-        {"-int", "9223372036854775808"},
-        {"-int", "+-1"},
-        {"-float", "x"},
-        {"-float", "1,5"},
-        {"-bool", "maybe"},
-        {"-bool", ""},
-        {"-date", "yesterday"},
-        {"-date", "2024-02-30"},
-        {"-date", "2024-3-5"},
-        {"-date", "2024-03-05 25:00"},
-        {"-data", "0f1"},
-        {"-data", "xy"},
-        {"{ a = 1 }"},
-        {"( a"},
-        {"<0fb>"},
-    };
+    const Words rows[] = {{"-int", "x"},
+                          {"-int", ""},
+                          {"-int", "1.5"},
+                          {"-int", "9223372036854775808"},
+                          {"-int", "+-1"},
+                          {"-float", "x"},
+                          {"-float", "1,5"},
+                          {"-bool", "maybe"},
+                          {"-bool", ""},
+                          {"-date", "yesterday"},
+                          {"-date", "2024-02-30"},
+                          {"-date", "2024-3-5"},
+                          {"-date", "2024-03-05 25:00"},
+                          {"-data", "0f1"},
+                          {"-data", "xy"},
+                          {"{ a = 1 }"},
+                          {"( a"},
+                          {"<0fb>"}};
     for (const Words& row : rows) {
         Words words{"write", "com.example.Test", "Key"};
         words.insert(words.end(), row.begin(), row.end());
         tool.refused(words);
     }
-    EXPECT_EQ(::access(tool.file("com.example.Test").c_str(), F_OK), -1) << "nothing was to be written";
+    EXPECT_FALSE(tool.exists("com.example.Test")) << "nothing was to be written";
 }
 
 TEST(DefaultsTool, keepsValuesOfEveryTypeThroughExportAndImport) {
@@ -140,36 +136,34 @@ TEST(DefaultsTool, keepsValuesOfEveryTypeThroughExportAndImport) {
     EXPECT_EQ(tool.global("n"), (NSDictionary{{"k", true}}));
 }
 
-TEST(DefaultsTool, tellsTheUserOfAWrongCommandLine) {
+TEST(DefaultsTool, reportsAWrongCommandLine) {
     const Tool tool;
-    const Words rows[] = {
-        {},
-        {"frob"},
-        {"write"},
-        {"write", "d"},
-        {"write", "d", "k"},
-        {"write", "d", "k", "a", "b"},
-        {"write", "d", "k", "-int"},
-        {"write", "d", "k", "-dict", "a"},
-        {"write", "d", "k", "-array", "-dict", "a"},
-        {"read", "a", "b", "c"},
-        {"read-type", "d"},
-        {"remove"},
-        {"rename", "d", "k"},
-        {"domains", "x"},
-        {"find"},
-        {"import", "d"},
-        {"export", "d"},
-        {"read", "-x"},
-    };
+    const Words rows[] = {{},
+                          {"frob"},
+                          {"write"},
+                          {"write", "d"},
+                          {"write", "d", "k"},
+                          {"write", "d", "k", "a", "b"},
+                          {"write", "d", "k", "-int"},
+                          {"write", "d", "k", "-dict", "a"},
+                          {"write", "d", "k", "-array", "-dict", "a"},
+                          {"read", "a", "b", "c"},
+                          {"read-type", "d"},
+                          {"remove"},
+                          {"rename", "d", "k"},
+                          {"domains", "x"},
+                          {"find"},
+                          {"import", "d"},
+                          {"export", "d"},
+                          {"read", "-x"}};
     for (const Words& row : rows) {
-        EXPECT_NE(tool.refused(row, 2).find("--help"), std::string::npos) << ::testing::PrintToString(row);
+        EXPECT_TRUE(contains(tool.refused(row, 2), "--help")) << ::testing::PrintToString(row);
     }
-    EXPECT_NE(tool.done({"--help"}).find("Usage: defaults"), std::string::npos);
+    EXPECT_TRUE(contains(tool.done({"--help"}), "Usage: defaults"));
     EXPECT_EQ(tool.done({"help"}), tool.done({"--help"}));
     EXPECT_EQ(tool.done({"-h"}), tool.done({"--help"}));
     EXPECT_EQ(tool.done({"--version"}).substr(0, 9), "defaults ");
-    EXPECT_NE(tool.refused({"write", "d", "k", "\xFF"}).find("UTF-8"), std::string::npos);
+    EXPECT_TRUE(contains(tool.refused({"write", "d", "k", "\xFF"}), "UTF-8"));
 }
 
 TEST(DefaultsTool, saysWhatACommandTakes) {
@@ -180,13 +174,13 @@ TEST(DefaultsTool, saysWhatACommandTakes) {
         const std::string help = tool.done({command, "--help"});
         EXPECT_EQ(help.find("Usage: defaults <command>"), 0U);
         const std::string line = std::string("\n  ").append(command).append(" ");
-        ASSERT_NE(help.find(line), std::string::npos) << command;
-        EXPECT_NE(whole.find(help.substr(help.find(line))), std::string::npos) << command;
+        ASSERT_TRUE(contains(help, line)) << command;
+        EXPECT_TRUE(contains(whole, help.substr(help.find(line)))) << command;
         EXPECT_EQ(tool.done({command, "-h"}), help);
     }
     tool.refused({"frob", "--help"}, 2);
     tool.done({"write", "d", "k", "--help"});
-    EXPECT_EQ(tool.done({"read", "d", "k"}), "--help\n") << "a value, not a wish";
+    EXPECT_EQ(tool.done({"read", "d", "k"}), "--help\n") << "a value here";
 }
 
 TEST(DefaultsTool, answersUnderItsSecondName) {
@@ -195,8 +189,8 @@ TEST(DefaultsTool, answersUnderItsSecondName) {
     ASSERT_EQ(::symlink(ZQ_DEFAULTS_TOOL, link.c_str()), 0);
     const std::string output = scene::outputOf(link, {"zqdefaults", "--help"}, [] {});
     EXPECT_EQ(output.find("Usage: zqdefaults <command>"), 0U) << output;
-    EXPECT_NE(output.find("\n  zqdefaults write com.example"), std::string::npos);
-    EXPECT_EQ(output.find("\n  defaults "), std::string::npos);
+    EXPECT_TRUE(contains(output, "\n  zqdefaults write com.example"));
+    EXPECT_FALSE(contains(output, "\n  defaults "));
 }
 
 TEST(DefaultsTool, spellsControlCharactersOutInMessages) {
@@ -206,20 +200,12 @@ TEST(DefaultsTool, spellsControlCharactersOutInMessages) {
 }
 
 /// What the tool shows on a terminal, with line feeds alone at the ends of lines.
-std::string shownOnTerminal(const Words& words) {
-    pid_t child = -1;
-    const int terminal = scene::startOnTerminal(words, STDOUT_FILENO, child);
-    std::string shown;
-    char buffer[4096];
-    for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
-        for (const char byte : std::string(buffer, static_cast<std::size_t>(count))) {
-            shown.append(byte == '\r' ? 0 : 1, byte);
-        }
-    }
-    ::close(terminal);
-    int status = -1;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+std::string shownOnTerminal(const Tool& tool, const Words& words) {
+    scene::Terminal terminal;
+    const pid_t child = tool.runs().start(words, terminal.end(), STDERR_FILENO);
+    std::string shown = terminal.readToEnd();
+    shown.erase(std::remove(shown.begin(), shown.end(), '\r'), shown.end());
+    EXPECT_EQ(scene::endOf(child), 0);
     return shown;
 }
 
@@ -227,17 +213,17 @@ TEST(DefaultsTool, spellsControlCharactersOutOnATerminal) {
     const Tool tool;
     tool.write("d", "{ k = \"a\\U001b[31m\\nb\\tc\\U0085\\U007f\\U00e9\"; }");
     const std::string plain = "a\x1B[31m\nb\tc\u0085\x7F\u00E9\n";
-    EXPECT_EQ(shownOnTerminal({"read", "d", "k"}), "a\\x1b[31m\nb\tc\\x85\\x7f\u00E9\n");
+    EXPECT_EQ(shownOnTerminal(tool, {"read", "d", "k"}), "a\\x1b[31m\nb\tc\\x85\\x7f\u00E9\n");
     EXPECT_EQ(tool.done({"read", "d", "k"}), plain);
     for (const Words& words : {Words{"read", "d"}, Words{"read"}, Words{"find", "31m"}}) {
-        const std::string shown = shownOnTerminal(words);
+        const std::string shown = shownOnTerminal(tool, words);
         EXPECT_EQ(shown.find('\x1B'), std::string::npos) << shown;
-        EXPECT_NE(shown.find("[31m"), std::string::npos) << shown;
+        EXPECT_TRUE(contains(shown, "[31m")) << shown;
     }
     tool.write("d", "{ k = \"\\U0085\"; }");
-    EXPECT_NE(shownOnTerminal({"export", "d", "-"}).find("<string>&#x85;<"), std::string::npos);
+    EXPECT_TRUE(contains(shownOnTerminal(tool, {"export", "d", "-"}), "<string>&#x85;<"));
     tool.write("o\x1B[0m", "{ k = v; }");
-    EXPECT_EQ(shownOnTerminal({"domains"}), "d, o\\x1b[0m\n");
+    EXPECT_EQ(shownOnTerminal(tool, {"domains"}), "d, o\\x1b[0m\n");
 }
 
 // Commands
@@ -265,7 +251,7 @@ TEST(DefaultsTool, removesKeysAndDomains) {
     tool.refused({"remove", "d", "a"});
     tool.refused({"read", "d", "a"});
     tool.done({"remove", "d"});
-    EXPECT_EQ(::access(tool.file("d").c_str(), F_OK), -1);
+    EXPECT_FALSE(tool.exists("d"));
     tool.refused({"delete", "d"});
     tool.refused({"delete", "d", "c"});
     tool.refused({"read", "d"});
@@ -333,8 +319,8 @@ TEST(DefaultsTool, listsAndFindsDomains) {
     EXPECT_EQ(tool.done({"find", "com.A"}), "1 key in the domain com.a: {\n    Other = x;\n}\n");
     tool.refused({"find", "nothing like it"});
     const std::string all = tool.done({"read"});
-    EXPECT_NE(all.find("\"com.a\" ="), std::string::npos) << all;
-    EXPECT_NE(all.find("NSGlobalDomain ="), std::string::npos) << all;
+    EXPECT_TRUE(contains(all, "\"com.a\" =")) << all;
+    EXPECT_TRUE(contains(all, "NSGlobalDomain =")) << all;
 }
 
 TEST(DefaultsTool, findsTextsInsideCollections) {
@@ -344,7 +330,7 @@ TEST(DefaultsTool, findsTextsInsideCollections) {
     for (const char* const word : {"GR\u00DCN", "Inner"}) {
         const std::string found = tool.done({"find", word});
         EXPECT_EQ(found.find("1 key in the domain d: "), 0U) << word << ": " << found;
-        EXPECT_NE(found.find("Deep"), std::string::npos) << found;
+        EXPECT_TRUE(contains(found, "Deep")) << found;
     }
     tool.refused({"find", "( )"});
 }
@@ -357,9 +343,9 @@ TEST(DefaultsTool, goesOverAllDomainsAlthoughOneCannotBeRead) {
     for (const Words& words : {Words{"read"}, Words{"find", "needle"}}) {
         const Outcome outcome = tool.run(words);
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_NE(outcome.errors.find(tool.file("broken")), std::string::npos) << outcome.errors;
-        EXPECT_NE(outcome.output.find("k = needle;"), std::string::npos) << outcome.output;
-        EXPECT_NE(outcome.output.find("a = needle;"), std::string::npos) << outcome.output;
+        EXPECT_TRUE(contains(outcome.errors, tool.file("broken"))) << outcome.errors;
+        EXPECT_TRUE(contains(outcome.output, "k = needle;")) << outcome.output;
+        EXPECT_TRUE(contains(outcome.output, "a = needle;")) << outcome.output;
     }
 }
 
@@ -393,17 +379,13 @@ TEST(DefaultsTool, importsFromPipesAndExportsIntoThem) {
         ::_exit(::write(end, "{ a = b; }", 10) == 10 ? 0 : 1);
     }
     tool.done({"import", "d", pipe});
-    int status = -1;
-    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(scene::endOf(writer), 0);
     EXPECT_EQ(tool.done({"read", "d", "a"}), "b\n");
 
     const int end = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(end, 0);
     tool.done({"export", "d", pipe});
-    struct stat information {};
-    ASSERT_EQ(::lstat(pipe.c_str(), &information), 0);
-    EXPECT_TRUE(S_ISFIFO(information.st_mode)) << "no file has taken its place";
+    EXPECT_TRUE(scene::isOfType(pipe, S_IFIFO)) << "no file has taken its place";
     std::string bytes(4096, '\0');
     const ssize_t count = ::read(end, bytes.data(), bytes.size());
     ::close(end);
@@ -449,10 +431,8 @@ TEST(DefaultsTool, keepsPermissionsAndLinksAndMakesPrivateFiles) {
     tool.folder().write("elsewhere/real.plist", "{ k = old; }");
     ASSERT_EQ(::symlink((tool.folder() / "elsewhere/real.plist").c_str(), tool.file("linked").c_str()), 0);
     tool.done({"write", "linked", "k", "new"});
-    struct stat information {};
-    ASSERT_EQ(::lstat(tool.file("linked").c_str(), &information), 0);
-    EXPECT_TRUE(S_ISLNK(information.st_mode));
-    EXPECT_NE(scene::contentsOf(tool.folder() / "elsewhere/real.plist").find("new"), std::string::npos);
+    EXPECT_TRUE(scene::isLink(tool.file("linked")));
+    EXPECT_TRUE(contains(scene::contentsOf(tool.folder() / "elsewhere/real.plist"), "new"));
 }
 
 TEST(DefaultsTool, writesThroughLinksToWhatIsNotThereYet) {
@@ -480,7 +460,10 @@ TEST(DefaultsTool, permitsNothingToAGroupThatTheFileDidNotHave) {
     tool.done({"write", "d", "k", "v"});
     ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0777), 0);
     ASSERT_EQ(::chmod(tool.file("d").c_str(), 0664), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([]() -> int { scene::become({"write", "d", "k", "w"}); }), 0);
+    EXPECT_EQ(scene::inUnprivilegedChild([]() -> int {
+                  become(scene::defaultsProgram(), {"write", "d", "k", "w"});
+              }),
+              0);
     EXPECT_EQ(tool.done({"read", "d", "k"}), "w\n");
     EXPECT_EQ(modeOf(tool.file("d")), 0604U);
 }
@@ -498,11 +481,11 @@ TEST(DefaultsTool, neverReplacesWhatItCannotRead) {
         for (const Words& words :
              {Words{"write", domain, "k", "v"}, Words{"write", domain, "{ a = b; }"},
               Words{"remove", domain, "a"}, Words{"remove", domain}, Words{"read", domain}}) {
-            EXPECT_NE(tool.refused(words).find(tool.file(domain)), std::string::npos);
+            EXPECT_TRUE(contains(tool.refused(words), tool.file(domain)));
         }
-        EXPECT_EQ(scene::contentsOf(tool.file(domain)), bytes) << domain;
+        EXPECT_EQ(tool.contents(domain), bytes) << domain;
     }
-    EXPECT_NE(tool.refused({"write", "broken", "k", "v"}).find("line 2, column"), std::string::npos);
+    EXPECT_TRUE(contains(tool.refused({"write", "broken", "k", "v"}), "line 2, column"));
     ASSERT_EQ(::mkfifo(tool.file("pipe").c_str(), 0600), 0);
     tool.refused({"write", "pipe", "k", "v"});
     EXPECT_EQ(tool.entriesInFolder(), 5U) << "no temporary file is left";
@@ -513,19 +496,22 @@ TEST(DefaultsTool, readsEveryFormAndWritesXml) {
     tool.write("old", "// a comment\n{ \"caf\\U00e9\" = (1, 2); }");
     EXPECT_EQ(tool.done({"read", "old", "caf\u00E9"}), "(\n    1,\n    2\n)\n");
     tool.done({"write", "old", "k", "v"});
-    EXPECT_EQ(scene::contentsOf(tool.file("old")).substr(0, 5), "<?xml");
+    EXPECT_EQ(tool.contents("old").substr(0, 5), "<?xml");
     EXPECT_EQ(tool.done({"read", "old", "caf\u00E9"}), "(\n    1,\n    2\n)\n");
 }
 
 TEST(DefaultsTool, leavesTheOldFileWhereTheNewOneDoesNotFit) {
     const Tool tool;
     tool.done({"write", "d", "k", "v"});
-    const std::string before = scene::contentsOf(tool.file("d"));
+    const std::string before = tool.contents("d");
     const std::string large(100000, 'x');
-    const Outcome outcome = tool.run({"write", "d", "k", large}, {}, 4096);
+    const Outcome outcome = tool.runs().runPrepared({"write", "d", "k", large}, [] {
+        const rlimit limit{4096, 4096};
+        return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    });
     EXPECT_EQ(outcome.status, 1) << "and no signal";
-    EXPECT_NE(outcome.errors.find("defaults: "), std::string::npos);
-    EXPECT_EQ(scene::contentsOf(tool.file("d")), before);
+    EXPECT_TRUE(contains(outcome.errors, "defaults: "));
+    EXPECT_EQ(tool.contents("d"), before);
     EXPECT_EQ(tool.entriesInFolder(), 1U) << "no temporary file is left";
 }
 
@@ -536,11 +522,11 @@ TEST(DefaultsTool, makesNoFileThatWouldBeTooLargeToRead) {
     text.append(6'000'000, '<').append("\"; }"); // four bytes each in XML
     const Outcome outcome = tool.run({"import", "d", "-"}, text);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("larger"), std::string::npos) << outcome.errors;
+    EXPECT_TRUE(contains(outcome.errors, "larger")) << outcome.errors;
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
 }
 
-TEST(DefaultsTool, refusesWhatXmlCannotHoldAndSaysWhereItIs) {
+TEST(DefaultsTool, refusesWhatXmlCannotRepresentAndSaysWhereItIs) {
     const Tool tool;
     const std::pair<const char*, const char*> rows[] = {
         {"{ k = \"a\\U001b[31m\"; }", "k holds the character U+001B"},
@@ -553,21 +539,21 @@ TEST(DefaultsTool, refusesWhatXmlCannotHoldAndSaysWhereItIs) {
          "z holds the character U+0000"},
     };
     tool.done({"write", "d", "k", "v"});
-    const std::string before = scene::contentsOf(tool.file("d"));
+    const std::string before = tool.contents("d");
     for (const auto& [text, place] : rows) {
         for (const Words& words : {Words{"write", "d", text}, Words{"write", "new", text}}) {
             const std::string message = tool.refused(words);
-            EXPECT_NE(message.find(place), std::string::npos) << message;
+            EXPECT_TRUE(contains(message, place)) << message;
         }
         tool.write("source", text);
         tool.refused({"export", "source", "-"});
         tool.refused({"export", "source", tool.folder() / "exported.plist"});
         tool.refused({"write", "source", "other", "v"});
-        EXPECT_EQ(scene::contentsOf(tool.file("source")), text);
+        EXPECT_EQ(tool.contents("source"), text);
         EXPECT_EQ(tool.run({"import", "d", "-"}, text).status, 1);
     }
-    EXPECT_EQ(scene::contentsOf(tool.file("d")), before);
-    EXPECT_EQ(::access(tool.file("new").c_str(), F_OK), -1);
+    EXPECT_EQ(tool.contents("d"), before);
+    EXPECT_FALSE(tool.exists("new"));
     EXPECT_EQ(::access((tool.folder() / "exported.plist").c_str(), F_OK), -1);
     tool.refused({"write", "d", "k", "-string", "\x1B[31m"});
     tool.done({"remove", "source", "z"}); // and so the rest is to be had again
@@ -579,12 +565,12 @@ TEST(DefaultsTool, failsWhenItCannotLookAtTheFileBefore) {
     const Tool tool;
     tool.done({"write", "d", "k", "v"});
     ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
-    const Outcome outcome = tool.runPrepared({"write", "d", "k", "w"}, [] {
+    const Outcome outcome = tool.runs().runPrepared({"write", "d", "k", "w"}, [] {
         const scene::CallArgument notFollowing{3, AT_SYMLINK_NOFOLLOW};
         return scene::refuseCall(SYS_newfstatat, EIO, &notFollowing);
     });
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.errors.find("nput/output error"), std::string::npos) << outcome.errors;
+    EXPECT_TRUE(contains(outcome.errors, "nput/output error")) << outcome.errors;
     EXPECT_EQ(modeOf(tool.file("d")), 0644U);
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
     EXPECT_EQ(tool.entriesInFolder(), 1U) << "no temporary file is left";
@@ -599,8 +585,8 @@ TEST(DefaultsTool, exportsThroughNamesOfOpenFiles) {
     EXPECT_EQ(tool.done({"export", "d", "/dev/fd/1"}), xml);
     EXPECT_EQ(tool.done({"import", "e", "/dev/stdin"}, xml), "");
     EXPECT_EQ(tool.done({"read", "e", "k"}), "v\n");
-    const Outcome appended = tool.runPrepared({"export", "d", "/dev/stdout"},
-                                              [] { return ::write(STDOUT_FILENO, "before\n", 7) == 7; });
+    const Outcome appended = tool.runs().runPrepared(
+        {"export", "d", "/dev/stdout"}, [] { return ::write(STDOUT_FILENO, "before\n", 7) == 7; });
     EXPECT_EQ(appended.output, "before\n" + xml);
 }
 
@@ -611,7 +597,7 @@ TEST(DefaultsTool, failsWhereItMayNotWrite) {
     ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0555), 0);
     EXPECT_EQ(scene::inUnprivilegedChild([]() -> int {
                   ::close(STDERR_FILENO);
-                  scene::become({"write", "d", "k", "w"});
+                  become(scene::defaultsProgram(), {"write", "d", "k", "w"});
               }),
               1);
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The tool `defaults` when others write too, and when it is ended in the middle.
-#include <cerrno>
 #include <csignal>
-#include <ctime>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "foundation/objects/NSNumber.h"
@@ -18,95 +15,91 @@
 #include "tests/tools/ToolScene.h"
 
 #if __has_include(<linux/seccomp.h>)
+#include "tests/migration/faults/Tracing.h"
 #include "tests/process/RefusedCalls.h"
 #endif
 
 using namespace ZQFoundation;
-using scene::become;
+using scene::contains;
+using scene::endOf;
 using scene::Tool;
 using scene::Words;
 
 namespace {
 
-bool succeeds(pid_t child) {
-    int status = -1;
-    return ::waitpid(child, &status, 0) == child && status == 0;
+/// Starts this many processes that run the body with their numbers.
+template <class Body>
+std::vector<pid_t> started(int count, const Body& body) {
+    std::vector<pid_t> children;
+    for (int number = 0; number < count; ++number) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            body(number);
+            scene::leave(0);
+        }
+        children.push_back(child);
+    }
+    return children;
+}
+
+void expectSuccess(const std::vector<pid_t>& children) {
+    for (const pid_t child : children) {
+        EXPECT_EQ(endOf(child), 0);
+    }
 }
 
 /// Several processes, each of which runs the tool for keys of its own, one after the other. `prepare` is
 /// called in each before.
 template <class Prepare>
 void writeSideBySide(int writers, int keys, const Prepare& prepare) {
-    std::vector<pid_t> children;
-    for (int writer = 0; writer < writers; ++writer) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            prepare();
-            for (int key = 0; key < keys; ++key) {
-                const pid_t one = ::fork();
-                if (one == 0) {
-                    std::string name = "Key";
-                    name.append(std::to_string(writer * keys + key));
-                    become({"write", "d", name, "-int", std::to_string(key)});
-                }
-                if (!succeeds(one)) {
-                    ::_exit(1);
-                }
-            }
-            ::_exit(0);
+    expectSuccess(started(writers, [&](int writer) {
+        prepare();
+        for (int key = 0; key < keys; ++key) {
+            const std::string name = "Key" + std::to_string(writer * keys + key);
+            expectSuccess(started(1, [&](int) {
+                scene::become(scene::defaultsProgram(), {"write", "d", name, "-int", std::to_string(key)});
+            }));
         }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        EXPECT_TRUE(succeeds(child));
-    }
+        if (::testing::Test::HasFailure()) {
+            scene::leave(1);
+        }
+    }));
 }
 
-void expectAllKeys(const Tool& tool, int writers, int keys) {
+/// Expects these keys beside a number of others, and nothing but the domain and what locks need in the
+/// folder.
+void expectAllKeys(const Tool& tool, const char* format, int writers, int keys, std::size_t others = 0,
+                   std::size_t entries = 1) {
     const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
-    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys));
+    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys) + others);
     for (int key = 0; key < writers * keys; ++key) {
-        EXPECT_EQ(values.objectForKey(NSString::stringWithFormat("Key%d", key)), NSObject(key % keys));
+        EXPECT_EQ(values.objectForKey(NSString::stringWithFormat(NSString(format), key)),
+                  NSObject(key % keys));
     }
+    EXPECT_EQ(tool.entriesInFolder(), entries);
 }
 
 TEST(DefaultsToolWriters, loseNoKeyOfOneAnother) {
     const Tool tool;
     writeSideBySide(8, 50, [] {});
-    expectAllKeys(tool, 8, 50);
-    EXPECT_EQ(tool.entriesInFolder(), 1U) << "nothing but the domain";
+    expectAllKeys(tool, "Key%d", 8, 50);
 }
 
 TEST(DefaultsToolWriters, loseNoKeyOfProcessesThatSaveTheirOwn) {
     const Tool tool;
-    constexpr int writers = 8;
-    constexpr int keys = 40;
-    std::vector<pid_t> children;
-    for (int writer = 0; writer < writers; ++writer) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::alarm(120);
-            NSProcessInfo::processInfo().setProcessName("d");
-            for (int key = 0; key < keys; ++key) {
-                NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
-                defaults.setObject_forKey(key, NSString::stringWithFormat("Saved%d", writer * keys + key));
-                while (!defaults.synchronize()) { // a busy machine may keep others waiting for long
-                }
+    const std::vector<pid_t> children = started(8, [](int writer) {
+        ::alarm(120);
+        NSProcessInfo::processInfo().setProcessName("d");
+        for (int key = 0; key < 40; ++key) {
+            NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+            defaults.setObject_forKey(key, NSString::stringWithFormat("Saved%d", writer * 40 + key));
+            while (!defaults.synchronize()) { // a busy machine may keep others waiting for long
             }
-            scene::leave(0);
         }
-        children.push_back(child);
-    }
+    });
     writeSideBySide(2, 30, [] {});
-    for (const pid_t child : children) {
-        EXPECT_TRUE(succeeds(child));
-    }
-    const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
-    EXPECT_EQ(values.count(), static_cast<std::size_t>(writers * keys + 60));
-    for (int key = 0; key < writers * keys; ++key) {
-        EXPECT_EQ(values.objectForKey(NSString::stringWithFormat("Saved%d", key)), NSObject(key % keys));
-    }
-    EXPECT_EQ(tool.entriesInFolder(), 1U) << "nothing but the domain";
+    expectSuccess(children);
+    expectAllKeys(tool, "Saved%d", 8, 40, 60);
 }
 
 #if __has_include(<linux/seccomp.h>)
@@ -121,8 +114,7 @@ void refuseFolderLocks() {
 TEST(DefaultsToolWriters, lockAFileWhereTheFolderCannotBeLocked) {
     const Tool tool;
     writeSideBySide(4, 20, refuseFolderLocks);
-    expectAllKeys(tool, 4, 20);
-    EXPECT_EQ(tool.entriesInFolder(), 2U) << "the domain and the lock";
+    expectAllKeys(tool, "Key%d", 4, 20, 0, 2);
     EXPECT_EQ(tool.done({"domains"}), "d\n");
 }
 #endif
@@ -132,16 +124,12 @@ TEST(DefaultsToolWriters, saySoWhenTheyWait) {
     tool.done({"write", "d", "k", "v"});
     const int folder = ::open((tool.folder() / "ZQFoundation").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(folder, LOCK_EX), 0);
-    pid_t child = -1;
-    const int terminal = scene::startOnTerminal({"write", "d", "k", "w"}, STDERR_FILENO, child);
-    std::string said(200, '\0');
-    const ssize_t count = ::read(terminal, said.data(), said.size()); // until it says something
-    said.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    EXPECT_EQ(said.find("defaults: waiting for another writer"), 0U) << said;
+    scene::Terminal terminal;
+    const pid_t child = tool.runs().start({"write", "d", "k", "w"}, STDOUT_FILENO, terminal.end());
+    terminal.waitFor("defaults: waiting for another writer");
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
     ::close(folder);
-    EXPECT_TRUE(succeeds(child));
-    ::close(terminal);
+    EXPECT_EQ(endOf(child), 0);
     EXPECT_EQ(tool.done({"read", "d", "k"}), "w\n");
 }
 
@@ -160,63 +148,25 @@ TEST(DefaultsToolWriters, giveUpOnALockThatIsNotGivenBack) {
     whole.l_type = F_WRLCK;
     ASSERT_EQ(::fcntl(file, F_SETLK, &whole), 0);
     for (const bool locksFile : {false, true}) {
-        const scene::Outcome outcome = tool.runPrepared({"write", "d", "k", "w"}, [locksFile] {
+        const scene::Outcome outcome = tool.runs().runPrepared({"write", "d", "k", "w"}, [locksFile] {
             return skipSleep() && (!locksFile || scene::refuseCall(SYS_flock, EBADF));
         });
         EXPECT_EQ(outcome.status, 1) << locksFile;
-        EXPECT_NE(outcome.errors.find(tool.file("d")), std::string::npos) << outcome.errors;
-        EXPECT_NE(outcome.errors.find("10 seconds"), std::string::npos) << outcome.errors;
+        EXPECT_TRUE(contains(outcome.errors, tool.file("d"))) << outcome.errors;
+        EXPECT_TRUE(contains(outcome.errors, "10 seconds")) << outcome.errors;
     }
     EXPECT_EQ(tool.done({"read", "d", "k"}), "v\n");
     ::close(file);
     ::close(folder);
 }
-#endif
 
-std::int64_t now() {
-    timespec time{};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
-
-constexpr int rounds = 120;
-
-/// A domain of some size, which takes a while to write.
-std::string largeDomain(int value) {
-    std::string text = "{ k = ";
-    text.append(std::to_string(value)).append("; filling = \"").append(300'000, 'x').append("\"; }");
-    return text;
-}
-
-/// Has the tool write the domain again and again, and sends it a signal at moments that are spread over the
-/// time that it takes. Calls `check` after each. Answers how many the signal ended.
-template <class Check>
-int interruptAtManyMoments(const Tool& tool, int signal, const Check& check) {
-    tool.done({"import", "d", "-"}, largeDomain(0));
-    const std::int64_t start = now();
-    tool.done({"import", "d", "-"}, largeDomain(0));
-    const std::int64_t duration = now() - start;
-    int ended = 0;
-    for (int round = 1; round <= rounds; ++round) {
-        const std::string input = tool.folder().write("input", largeDomain(round));
-        const pid_t child = ::fork();
-        if (child == 0) {
-            become({"import", "d", input});
-        }
-        const std::int64_t moment = duration * (round * 37 % rounds) / rounds;
-        const timespec pause{moment / 1'000'000'000, moment % 1'000'000'000};
-        ::nanosleep(&pause, nullptr);
-        ::kill(child, signal);
-        int status = 0;
-        EXPECT_EQ(::waitpid(child, &status, 0), child);
-        ended += WIFSIGNALED(status) ? 1 : 0;
-        check(round);
-    }
-    return ended;
+/// A domain of some size, which takes several calls to write.
+std::string largeDomain(long value) {
+    return "{ k = " + std::to_string(value) + "; filling = \"" + std::string(300'000, 'x') + "\"; }";
 }
 
 /// Whether the file is whole and no older than `least`; `least` becomes the value in it.
-bool isWhole(const Tool& tool, int& least, int most) {
+bool isWhole(const Tool& tool, int& least, long most) {
     const NSDictionary values = NSDictionary::dictionaryWithContentsOfFile(tool.file("d"));
     const int value = NSString(values.objectForKey("k")).intValue();
     const bool whole =
@@ -225,26 +175,39 @@ bool isWhole(const Tool& tool, int& least, int most) {
     return whole;
 }
 
-TEST(DefaultsToolWriters, leaveAWholeFileWheneverTheyAreKilled) {
-    const Tool tool;
+/// Has the tool write the domain again and again, and sends it the signal at each of the calls by which it
+/// uses its folder. The file must be whole after each, and with other entries only where that is allowed.
+void endAtEveryCall(const Tool& tool, int signal, bool mayLeaveFiles) {
+    tool.done({"import", "d", "-"}, largeDomain(0));
+    const std::string folder = tool.folder() / "ZQFoundation";
     int value = 0;
-    const int ended = interruptAtManyMoments(
-        tool, SIGKILL, [&](int round) { EXPECT_TRUE(isWhole(tool, value, round)) << "round " << round; });
-    EXPECT_GT(ended, 0);
-    tool.done({"write", "d", "k", "v"});
-    EXPECT_EQ(tool.entriesInFolder(), 1U) << "what killed writers left is cleared away";
+    bool isReached = true;
+    long call = 1;
+    for (; isReached; ++call) {
+        const std::string input = tool.folder().write("input", largeDomain(call));
+        const faults::Fault fault{faults::Fault::killing, 0, call, false, signal};
+        const faults::Outcome outcome = faults::runTraced({folder, fault}, [&]() -> std::string {
+            scene::become(scene::defaultsProgram(), {"import", "d", input});
+        });
+        if (!outcome.traced) {
+            GTEST_SKIP() << faults::notTraced;
+        }
+        isReached = outcome.met(fault);
+        EXPECT_NE(outcome.ended, isReached) << "call " << call;
+        EXPECT_TRUE(isWhole(tool, value, call)) << "call " << call;
+        EXPECT_TRUE(mayLeaveFiles || tool.entriesInFolder() == 1U) << "call " << call;
+    }
+    EXPECT_GT(call, 10) << "hardly a call was seen";
+    EXPECT_EQ(value, call - 1);
+    EXPECT_EQ(tool.entriesInFolder(), 1U) << "what ended writers left is cleared away by the next";
 }
 
+TEST(DefaultsToolWriters, leaveAWholeFileWheneverTheyAreKilled) { endAtEveryCall(Tool(), SIGKILL, true); }
+
 TEST(DefaultsToolWriters, leaveNoTemporaryFileWhenTheyAreInterrupted) {
-    for (const int signal : {SIGINT, SIGTERM}) {
-        const Tool tool;
-        int value = 0;
-        const int ended = interruptAtManyMoments(tool, signal, [&](int round) {
-            EXPECT_TRUE(isWhole(tool, value, round)) << "round " << round;
-            EXPECT_EQ(tool.entriesInFolder(), 1U) << "round " << round;
-        });
-        EXPECT_GT(ended, 0);
-    }
+    endAtEveryCall(Tool(), SIGINT, false);
+    endAtEveryCall(Tool(), SIGTERM, false);
 }
+#endif
 
 } // namespace

@@ -2,85 +2,30 @@
 // What a person at a terminal sees of `zqmigrate`: the bar, and what becomes of Ctrl-C.
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <sys/ioctl.h>
 
-#include "tests/tools/MigrateScene.h"
+#include "tests/tools/ToolScene.h"
 
-using scene::holds;
+using scene::contains;
+using scene::endOf;
 using scene::MigrateTool;
-using scene::Outcome;
+using scene::Terminal;
 using scene::Words;
 
 namespace {
 
-/// A terminal whose screen the test is.
-class Terminal {
-public:
-    explicit Terminal(unsigned short columns) : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        EXPECT_EQ(::grantpt(master_), 0);
-        EXPECT_EQ(::unlockpt(master_), 0);
-        slave_ = ::open(::ptsname(master_), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        EXPECT_GE(slave_, 0);
-        resize(columns);
-    }
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
-    ~Terminal() {
-        hangUp();
-        ::close(master_);
-    }
-
-    int end() const { return slave_; }
-
-    /// So that reading comes to an end when the tool does.
-    void hangUp() {
-        if (slave_ >= 0) {
-            ::close(slave_);
-        }
-        slave_ = -1;
-    }
-
-    void resize(unsigned short columns) const {
-        winsize size{};
-        size.ws_row = 24;
-        size.ws_col = columns;
-        EXPECT_EQ(::ioctl(master_, TIOCSWINSZ, &size), 0);
-    }
-
-    /// Reads until what was seen since the mark holds the piece.
-    void waitFor(const std::string& piece, std::size_t mark = 0) {
-        while (seen_.find(piece, mark) == std::string::npos && readMore()) {
-        }
-        EXPECT_NE(seen_.find(piece, mark), std::string::npos) << seen_;
-    }
-
-    const std::string& readToEnd() {
-        hangUp();
-        while (readMore()) {
-        }
-        return seen_;
-    }
-
-    const std::string& seen() const { return seen_; }
-
-private:
-    bool readMore() {
-        char buffer[4096];
-        const ssize_t count = ::read(master_, buffer, sizeof buffer);
-        seen_.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
-        return count > 0;
-    }
-
-    int master_;
-    int slave_ = -1;
-    std::string seen_;
-};
+/// What a person at the terminal sees of the tool that runs there, with its exit status.
+std::pair<int, std::string> seenOf(const MigrateTool& tool, const Words& words, unsigned short columns = 80,
+                                   const char* type = "xterm") {
+    const scene::Variable term("TERM", type);
+    Terminal terminal(columns);
+    const pid_t child = tool.start(words, terminal.end(), terminal.end());
+    const std::string seen = terminal.readToEnd();
+    return {endOf(child), seen};
+}
 
 /// The pieces between carriage returns that are bars or their removal, without the ends of lines.
 Words drawingsIn(const std::string& seen) {
@@ -141,28 +86,17 @@ public:
     LongBatch& operator=(const LongBatch&) = delete;
     ~LongBatch() { ::close(pipe_[0]); }
 
-    pid_t start(int errors, Words words = {"--create-parents", "batch", "a", "b"}) {
+    /// Starts the tool, until the first results are known; no more than two of them find room.
+    pid_t startUntilStuck(int errors, Words words = {"--create-parents", "batch", "a", "b"}) {
         const pid_t child = tool.start(words, pipe_[1], errors);
         ::close(pipe_[1]);
-        return child;
-    }
-
-    /// Until the first results are known; no more than two of them find room.
-    void waitUntilStuck() const {
         while (left("a") > count - 1) {
             ::sched_yield();
         }
+        return child;
     }
 
-    std::string readToEnd() const {
-        std::string text;
-        char buffer[4096];
-        ssize_t got = 0;
-        while ((got = ::read(pipe_[0], buffer, sizeof buffer)) > 0) {
-            text.append(buffer, static_cast<std::size_t>(got));
-        }
-        return text;
-    }
+    std::string readToEnd() const { return ZQFoundation::kit::readToEnd(pipe_[0]); }
 
     int left(const char* folder) const {
         const scene::Digest digest = tool.folder().digest(folder);
@@ -182,28 +116,27 @@ int linesIn(const std::string& text) { return static_cast<int>(std::count(text.b
 
 // The bar
 
-TEST(ZqmigrateTerminal, showsABarAndTakesItAway) {
+TEST(ZqmigrateTerminal, showsABarAndRemovesIt) {
     LongBatch batch;
-    Terminal terminal(80);
-    const pid_t child = batch.start(terminal.end());
-    batch.waitUntilStuck();
+    Terminal terminal;
+    const pid_t child = batch.startUntilStuck(terminal.end());
     terminal.waitFor(" of 600, ");
     EXPECT_EQ(linesIn(batch.readToEnd()), LongBatch::count);
     const std::string seen = terminal.readToEnd();
-    EXPECT_EQ(scene::statusOf(child), 0);
+    EXPECT_EQ(endOf(child), 0);
     EXPECT_EQ(screenAfter(seen), "zqmigrate: 600 files moved\n");
     for (const std::string& drawing : drawingsIn(seen)) {
         const bool isCounting = drawing.find("counting: ") == 0;
-        EXPECT_TRUE(drawing.empty() || isCounting || (drawing[0] == '[' && holds(drawing, "%  "))) << drawing;
+        EXPECT_TRUE(drawing.empty() || isCounting || (drawing[0] == '[' && contains(drawing, "%  ")))
+            << drawing;
         EXPECT_LT(drawing.size(), 80U);
     }
 }
 
 TEST(ZqmigrateTerminal, fitsTheBarToTheWidth) {
     LongBatch batch;
-    Terminal terminal(80);
-    const pid_t child = batch.start(terminal.end());
-    batch.waitUntilStuck();
+    Terminal terminal;
+    const pid_t child = batch.startUntilStuck(terminal.end());
     terminal.waitFor("] ");
     std::size_t widest = 0;
     for (const int columns : {30, 12, 3, 1, 200, 0}) {
@@ -223,50 +156,37 @@ TEST(ZqmigrateTerminal, fitsTheBarToTheWidth) {
     EXPECT_GT(widest, 40U);
     batch.readToEnd();
     terminal.readToEnd();
-    EXPECT_EQ(scene::statusOf(child), 0);
+    EXPECT_EQ(endOf(child), 0);
 }
 
 TEST(ZqmigrateTerminal, keepsLinesAndBarApart) {
-    const scene::Variable term("TERM", "xterm");
     const MigrateTool tool;
-    for (int number = 0; number < 2000; ++number) {
-        tool.file("a/" + std::to_string(number));
-    }
+    tool.files("a", 2000);
     tool.file("b/1", "mine");
-    Terminal terminal(60);
-    const pid_t child = tool.start({"batch", "a", "b"}, terminal.end(), terminal.end());
-    const std::string seen = terminal.readToEnd();
-    EXPECT_EQ(scene::statusOf(child), 1);
+    const auto [status, seen] = seenOf(tool, {"batch", "a", "b"}, 60);
+    EXPECT_EQ(status, 1);
     const std::string screen = screenAfter(seen);
     EXPECT_EQ(linesIn(screen), 1999 + 3);
     for (int number = 0; number < 2000; ++number) {
         const std::string line = " 0  " + std::to_string(number) + ": success\n";
-        EXPECT_EQ(screen.find(line) == 0 || holds(screen, "\n" + line), number != 1) << line;
+        EXPECT_EQ(screen.find(line) == 0 || contains(screen, "\n" + line), number != 1) << line;
     }
-    EXPECT_TRUE(holds(screen, "\nzqmigrate: 1,999 of 2,000 files moved; left to do: 1\n"
-                              "  30  1: the destination file already exists\nzqmigrate: 30: "));
+    EXPECT_TRUE(contains(screen, "\nzqmigrate: 1,999 of 2,000 files moved; left to do: 1\n"
+                                 "  30  1: the destination file already exists\nzqmigrate: 30: "));
     EXPECT_FALSE(drawingsIn(seen).empty());
 }
 
 TEST(ZqmigrateTerminal, showsNoBarToWhoWantsNone) {
-    struct {
-        const char* term;
-        Words words;
-    } const rows[] = {
-        {"xterm", {"--quiet", "batch", "a", "b"}},
-        {"dumb", {"batch", "b", "a"}},
-        {nullptr, {"batch", "a", "b"}},
-    };
+    const std::pair<const char*, Words> rows[] = {{"xterm", {"--quiet", "batch", "a", "b"}},
+                                                  {"dumb", {"batch", "b", "a"}},
+                                                  {nullptr, {"batch", "a", "b"}}};
     const MigrateTool tool;
     tool.file("a/f");
     tool.folder().folder("b");
-    for (const auto& row : rows) {
-        const scene::Variable term("TERM", row.term);
-        Terminal terminal(80);
-        const pid_t child = tool.start(row.words, terminal.end(), terminal.end());
-        const std::string seen = terminal.readToEnd();
-        EXPECT_EQ(scene::statusOf(child), 0);
-        EXPECT_FALSE(holds(seen, "\x1B")) << seen;
+    for (const auto& [term, words] : rows) {
+        const auto [status, seen] = seenOf(tool, words, 80, term);
+        EXPECT_EQ(status, 0);
+        EXPECT_FALSE(contains(seen, "\x1B")) << seen;
     }
 }
 
@@ -275,15 +195,14 @@ bool wasFollowed(const std::string& seen, int count) {
     const std::string total = " of " + std::to_string(count / 1000) + ",001, "; // with the folder itself
     const Words drawings = drawingsIn(seen);
     return std::any_of(drawings.begin(), drawings.end(), [&](const std::string& drawing) {
-        const bool isFirst = holds(drawing, "  0 of ") || holds(drawing, "  1 of ");
-        return !isFirst && holds(drawing, total) && holds(drawing, " MB, ") &&
-               !holds(drawing, std::to_string(count / 1000) + ",001 of ");
+        const bool isFirst = contains(drawing, "  0 of ") || contains(drawing, "  1 of ");
+        return !isFirst && contains(drawing, total) && contains(drawing, " MB, ") &&
+               !contains(drawing, std::to_string(count / 1000) + ",001 of ");
     });
 }
 
 // A folder that is copied between two drawings is tried again with more files.
 TEST(ZqmigrateTerminal, followsTheFilesInsideOneFolder) {
-    const scene::Variable term("TERM", "xterm");
     const MigrateTool tool;
     tool.folder().folder("b");
     bool isFollowed = false;
@@ -292,12 +211,10 @@ TEST(ZqmigrateTerminal, followsTheFilesInsideOneFolder) {
         while (made < count) {
             tool.file("a/" + std::to_string(made++), std::string(1000, 'x'));
         }
-        Terminal terminal(80);
-        const pid_t child = tool.start({"--keep-original", "folder", "a", "b/" + std::to_string(count)},
-                                       terminal.end(), terminal.end());
-        const std::string seen = terminal.readToEnd();
-        EXPECT_EQ(scene::statusOf(child), 0);
-        EXPECT_TRUE(holds(screenAfter(seen), "zqmigrate: 1 folder copied\n"));
+        const auto [status, seen] =
+            seenOf(tool, {"--keep-original", "folder", "a", "b/" + std::to_string(count)});
+        EXPECT_EQ(status, 0);
+        EXPECT_TRUE(contains(screenAfter(seen), "zqmigrate: 1 folder copied\n"));
         isFollowed = wasFollowed(seen, count);
     }
     EXPECT_TRUE(isFollowed);
@@ -309,46 +226,45 @@ TEST(ZqmigrateInterruption, stopsTheWorkAndReportsWhatIsLeft) {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         LongBatch batch;
         const int errors = batch.tool.opened("errors");
-        const pid_t child = batch.start(errors, {"--create-parents", "--json", "batch", "a", "b"});
-        batch.waitUntilStuck();
+        const pid_t child = batch.startUntilStuck(errors, {"--create-parents", "--json", "batch", "a", "b"});
         EXPECT_EQ(::kill(child, number), 0);
         const std::string output = batch.readToEnd();
-        EXPECT_EQ(scene::statusOf(child), 128 + number);
+        EXPECT_EQ(endOf(child), 128 + number);
         ::close(errors);
         const int left = batch.left("a");
         const int done = batch.left("b");
         EXPECT_GT(done, 0);
         EXPECT_GT(left, 20);
         EXPECT_EQ(done + left, LongBatch::count);
-        EXPECT_TRUE(holds(output, "\"migrated\": " + std::to_string(done) +
-                                      ",\n\"failed\": 0,\n\"notReached\": " + std::to_string(left) + ",\n"));
-        EXPECT_TRUE(holds(output, "\"interrupted\": true,\n\"success\": false\n}\n"));
+        EXPECT_TRUE(contains(output, "\"migrated\": " + std::to_string(done) +
+                                         ",\n\"failed\": 0,\n\"notReached\": " + std::to_string(left) +
+                                         ",\n"));
+        EXPECT_TRUE(contains(output, "\"interrupted\": true,\n\"success\": false\n}\n"));
         const std::string listOfLeft = output.substr(output.find("\"left\": ["));
         for (const auto& [path, what] : batch.tool.folder().digest("a")) {
             const bool isFile = what.rfind("file", 0) == 0;
-            EXPECT_TRUE(!isFile || holds(listOfLeft, "{\"path\": \"" + path + "\"}")) << path;
+            EXPECT_TRUE(!isFile || contains(listOfLeft, "{\"path\": \"" + path + "\"}")) << path;
         }
         const std::string report = batch.tool.report("errors");
         EXPECT_EQ(report.find("zqmigrate: stopped by a signal; " + std::to_string(done) +
                               " of 600 files moved; left to do: " + std::to_string(left) + "\n  --  "),
                   0U)
             << report.substr(0, 200);
-        EXPECT_TRUE(holds(report, ": not reached\n  ... and " + std::to_string(left - 20) + " more\n"));
+        EXPECT_TRUE(contains(report, ": not reached\n  ... and " + std::to_string(left - 20) + " more\n"));
         EXPECT_EQ(linesIn(report), 1 + 20 + 1);
     }
 }
 
 TEST(ZqmigrateInterruption, isShownAtOnceByTheBar) {
     LongBatch batch;
-    Terminal terminal(80);
-    const pid_t child = batch.start(terminal.end());
-    batch.waitUntilStuck();
+    Terminal terminal;
+    const pid_t child = batch.startUntilStuck(terminal.end());
     EXPECT_EQ(::kill(child, SIGINT), 0);
     terminal.waitFor(", stopping");
     std::thread reader([&batch] { batch.readToEnd(); });
     terminal.readToEnd(); // at the same time, as neither holds all that is left
     reader.join();
-    EXPECT_EQ(scene::statusOf(child), 130);
+    EXPECT_EQ(endOf(child), 130);
 }
 
 TEST(ZqmigrateInterruption, doesNotWaitForAReaderThatHasStalled) {
@@ -357,21 +273,20 @@ TEST(ZqmigrateInterruption, doesNotWaitForAReaderThatHasStalled) {
                                    : Words{"--create-parents", "batch", "a", "b"};
         LongBatch batch;
         const int errors = batch.tool.opened("errors");
-        const pid_t child = batch.start(errors, words);
-        batch.waitUntilStuck();
+        const pid_t child = batch.startUntilStuck(errors, words);
         EXPECT_EQ(::kill(child, SIGTERM), 0);
-        EXPECT_EQ(scene::statusOf(child), 143); // the pipe still has a reader, which reads nothing
+        EXPECT_EQ(endOf(child), 143); // the pipe still has a reader, which reads nothing
         ::close(errors);
         const std::string report = batch.tool.report("errors");
         const int left = batch.left("a");
         EXPECT_GT(left, 0);
         EXPECT_EQ(batch.left("b"), LongBatch::count - left);
-        EXPECT_TRUE(holds(report, "zqmigrate: stopped by a signal; ")) << report.substr(0, 200);
-        EXPECT_TRUE(holds(report, "; left to do: " + std::to_string(left) + "\n"));
+        EXPECT_TRUE(contains(report, "zqmigrate: stopped by a signal; ")) << report.substr(0, 200);
+        EXPECT_TRUE(contains(report, "; left to do: " + std::to_string(left) + "\n"));
         // The signal may come before the end of the JSON finds no room.
         const std::string output = batch.readToEnd();
         const bool isWhole = isJson && output.size() > 2 && output.compare(output.size() - 2, 2, "}\n") == 0;
-        EXPECT_NE(holds(report, "zqmigrate: standard output was not written completely\n"), isWhole);
+        EXPECT_NE(contains(report, "zqmigrate: standard output was not written completely\n"), isWhole);
     }
 }
 
@@ -380,11 +295,10 @@ TEST(ZqmigrateInterruption, doesNotWaitForAStalledReaderOfErrors) {
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     ASSERT_EQ(::fcntl(ends[1], F_SETPIPE_SZ, 4096), 4096);
-    const pid_t child = batch.start(ends[1]); // as with 2>&1
+    const pid_t child = batch.startUntilStuck(ends[1]); // as with 2>&1
     ::close(ends[1]);
-    batch.waitUntilStuck();
     EXPECT_EQ(::kill(child, SIGINT), 0);
-    EXPECT_EQ(scene::statusOf(child), 130);
+    EXPECT_EQ(endOf(child), 130);
     ::close(ends[0]);
 }
 
@@ -416,7 +330,7 @@ TEST(ZqmigrateInterruption, leavesAFolderThatIsHalfCopiedAtItsSource) {
             ::sched_yield();
         }
         EXPECT_EQ(::kill(child, SIGINT), 0);
-        const int ended = scene::statusOf(child);
+        const int ended = endOf(child);
         ::close(errors);
         const bool isWhole = ::access((tool / copy).c_str(), F_OK) == 0;
         status = isWhole ? 0 : ended;
@@ -428,42 +342,29 @@ TEST(ZqmigrateInterruption, leavesAFolderThatIsHalfCopiedAtItsSource) {
     EXPECT_EQ(tool.folder().digest("a").size(), 1U + static_cast<std::size_t>(made));
 }
 
-/// The tool in a child for which signals are waiting when it starts.
-int statusAfterPending(const MigrateTool& tool, const std::vector<int>& signals, void (*disposition)(int),
-                       const Words& words) {
-    const int output = tool.opened("output");
-    const int errors = tool.opened("errors");
-    const pid_t child = ::fork();
-    if (child == 0) {
+/// Runs the tool in a child for which signals are waiting when it starts.
+scene::Outcome runAfterPending(const MigrateTool& tool, const std::vector<int>& signals,
+                               void (*disposition)(int), const Words& words) {
+    return tool.runPrepared(words, [&] {
         struct sigaction action {};
         action.sa_handler = disposition;
-        sigset_t held;
-        sigemptyset(&held);
+        sigset_t blocked;
+        sigemptyset(&blocked);
         for (const int number : signals) {
             ::sigaction(number, &action, nullptr);
-            sigaddset(&held, number);
+            sigaddset(&blocked, number);
         }
-        ::sigprocmask(SIG_BLOCK, &held, nullptr);
-        for (const int number : signals) {
-            ::raise(number);
-        }
-        ::dup2(output, STDOUT_FILENO);
-        ::dup2(errors, STDERR_FILENO);
-        if (::chdir(tool.folder().path().c_str()) == 0) {
-            scene::becomeMigrate(words);
-        }
-        ::_exit(125);
-    }
-    ::close(output);
-    ::close(errors);
-    return scene::statusOf(child);
+        ::sigprocmask(SIG_BLOCK, &blocked, nullptr);
+        return std::all_of(signals.begin(), signals.end(), [](int number) { return ::raise(number) == 0; });
+    });
 }
 
 TEST(ZqmigrateInterruption, isNoneForSignalsThatWereIgnored) {
     const MigrateTool tool;
     tool.file("a/f");
-    EXPECT_EQ(statusAfterPending(tool, {SIGHUP}, SIG_IGN, {"file", "a/f", "b"}), 0);
-    EXPECT_EQ(tool.report("errors"), "zqmigrate: 1 file moved\n");
+    const auto outcome = runAfterPending(tool, {SIGHUP}, SIG_IGN, {"file", "a/f", "b"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "zqmigrate: 1 file moved\n");
 }
 
 TEST(ZqmigrateInterruption, beforeTheFirstFileLeavesAllOfIt) {
@@ -471,9 +372,10 @@ TEST(ZqmigrateInterruption, beforeTheFirstFileLeavesAllOfIt) {
     tool.file("a/f");
     for (const Words& words :
          {Words{"file", "a/f", "b"}, Words{"folder", "a", "b"}, Words{"batch", "a", "b"}}) {
-        EXPECT_EQ(statusAfterPending(tool, {SIGINT}, SIG_DFL, words), 130);
-        EXPECT_EQ(tool.report("output"), "");
-        EXPECT_TRUE(holds(tool.report("errors"), "left to do: 1\n  --  ")) << tool.report("errors");
+        const auto outcome = runAfterPending(tool, {SIGINT}, SIG_DFL, words);
+        EXPECT_EQ(outcome.status, 130);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_TRUE(contains(outcome.errors, "left to do: 1\n  --  ")) << outcome.errors;
     }
     EXPECT_EQ(tool.folder().digest("a").size(), 2U);
 }
@@ -484,13 +386,13 @@ TEST(ZqmigrateInterruption, cutsTheListOfWhatIsLeftTheSecondTime) {
     tool.file("a/2");
     for (const std::vector<int>& signals : {std::vector<int>{SIGINT}, std::vector<int>{SIGINT, SIGTERM}}) {
         const bool isCut = signals.size() == 2;
-        EXPECT_EQ(statusAfterPending(tool, signals, SIG_DFL, {"--json", "batch", "a", "b"}), 130);
-        const std::string output = tool.report("output");
-        EXPECT_EQ(holds(output, "\"isLeftComplete\": false"), isCut) << output;
-        EXPECT_TRUE(holds(output, "\"areUnreadableFoldersComplete\": false"));
-        const std::string errors = tool.report("errors");
-        EXPECT_TRUE(holds(errors, "folders that cannot be read: there may be more\n")) << errors;
-        EXPECT_TRUE(holds(errors, isCut ? " of 1 file moved; left to do: 1 or more\n" : "left to do: 2\n"))
+        const auto [status, output, errors] =
+            runAfterPending(tool, signals, SIG_DFL, {"--json", "batch", "a", "b"});
+        EXPECT_EQ(status, 130);
+        EXPECT_EQ(contains(output, "\"isLeftComplete\": false"), isCut) << output;
+        EXPECT_TRUE(contains(output, "\"areUnreadableFoldersComplete\": false"));
+        EXPECT_TRUE(contains(errors, "folders that cannot be read: there may be more\n")) << errors;
+        EXPECT_TRUE(contains(errors, isCut ? " of 1 file moved; left to do: 1 or more\n" : "left to do: 2\n"))
             << errors;
     }
     EXPECT_EQ(tool.folder().digest("a").size(), 3U);
@@ -509,27 +411,19 @@ TEST(ZqmigrateTerminal, keepsItsLinesOutOfFilesWhateverIsClosed) {
         }
         const scene::Digest before = tool.folder().digest("a");
         tool.folder().folder("b");
-        Terminal terminal(80);
+        Terminal terminal;
         const int output = tool.opened("output");
-        std::fflush(nullptr);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::alarm(60);
-            ::dup2(output, STDOUT_FILENO);
-            ::dup2(terminal.end(), STDERR_FILENO);
+        const pid_t child = tool.startPrepared({"batch", "a", "b"}, output, terminal.end(), [closed] {
             for (int number = 0; number < 3; ++number) {
                 if ((closed & (1 << number)) != 0) {
                     ::close(number);
                 }
             }
-            if (::chdir(tool.folder().path().c_str()) == 0) {
-                scene::becomeMigrate({"batch", "a", "b"});
-            }
-            ::_exit(125);
-        }
+            return true;
+        });
         ::close(output);
         const std::string seen = terminal.readToEnd();
-        EXPECT_EQ(scene::statusOf(child), (closed & 2) != 0 ? 1 : 0);
+        EXPECT_EQ(endOf(child), (closed & 2) != 0 ? 1 : 0);
         EXPECT_EQ(tool.folder().digest("b"), before);
         EXPECT_EQ(linesIn(tool.report("output")), (closed & 2) != 0 ? 0 : fileCount);
         EXPECT_EQ(seen.empty(), (closed & 4) != 0);

@@ -5,10 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/tools/MigrateScene.h"
+#include "tests/tools/ToolScene.h"
 
-using scene::contentsOf;
-using scene::holds;
+using scene::contains;
 using scene::MigrateTool;
 using scene::Outcome;
 using scene::Words;
@@ -45,29 +44,27 @@ Words failuresIn(const std::string& errors) {
 TEST(ZqmigrateTool, refusesAWrongCommandLine) {
     const MigrateTool tool;
     tool.file("a");
-    const Words rows[] = {
-        {},
-        {"frob", "a", "b"},
-        {"file"},
-        {"file", "a"},
-        {"file", "a", "b", "c"},
-        {"file", "", "b"},
-        {"batch", "a", ""},
-        {"--frob", "file", "a", "b"},
-        {"-x", "file", "a", "b"},
-        {"--dry-run=yes", "file", "a", "b"},
-        {"--extension", "log", "file", "a", "b"},
-        {"--dot-files", "folder", "a", "b"},
-        {"batch", "a", "b", "--extension"},
-        {"batch", "--extension", ".log", "a", "b"},
-        {"batch", "--extension=a/b", "a", "b"},
-        {"batch", "--extension", "", "a", "b"},
-        {"batch", "--extension=", "a", "b"},
-        {"batch", "--extension", "a", "--extension", "b", "a", "b"},
-        {"--overwrite", "--rename", "file", "a", "b"},
-        {"--quiet", "--verbose", "file", "a", "b"},
-        {"file", "--", "--rename", "a", "b"},
-    };
+    const Words rows[] = {{},
+                          {"frob", "a", "b"},
+                          {"file"},
+                          {"file", "a"},
+                          {"file", "a", "b", "c"},
+                          {"file", "", "b"},
+                          {"batch", "a", ""},
+                          {"--frob", "file", "a", "b"},
+                          {"-x", "file", "a", "b"},
+                          {"--dry-run=yes", "file", "a", "b"},
+                          {"--extension", "log", "file", "a", "b"},
+                          {"--dot-files", "folder", "a", "b"},
+                          {"batch", "a", "b", "--extension"},
+                          {"batch", "--extension", ".log", "a", "b"},
+                          {"batch", "--extension=a/b", "a", "b"},
+                          {"batch", "--extension", "", "a", "b"},
+                          {"batch", "--extension=", "a", "b"},
+                          {"batch", "--extension", "a", "--extension", "b", "a", "b"},
+                          {"--overwrite", "--rename", "file", "a", "b"},
+                          {"--quiet", "--verbose", "file", "a", "b"},
+                          {"file", "--", "--rename", "a", "b"}};
     for (const Words& row : rows) {
         const Outcome outcome = tool.run(row);
         const std::string shown = ::testing::PrintToString(row);
@@ -86,7 +83,7 @@ TEST(ZqmigrateTool, printsHelpAndVersion) {
     EXPECT_EQ(help.find("Usage: zqmigrate"), 0U);
     for (const char* const option : {"--keep-original", "--create-parents", "--overwrite", "--rename",
                                      "--extension", "--dot-files", "--dry-run", "--json", "--quiet"}) {
-        EXPECT_TRUE(holds(help, option)) << option;
+        EXPECT_TRUE(contains(help, option)) << option;
     }
     for (const Words& words : {Words{"-h"}, Words{"help"}, Words{"file", "--help"}, Words{"batch", "-nh"}}) {
         EXPECT_EQ(tool.done(words), help);
@@ -98,9 +95,9 @@ TEST(ZqmigrateTool, takesWhatFollowsTwoHyphensForPaths) {
     const MigrateTool tool;
     tool.file("--json", "mine");
     EXPECT_EQ(tool.done({"--", "file", "--json", "-n"}), " 0  --json: success\n");
-    EXPECT_EQ(contentsOf(tool / "-n"), "mine");
+    EXPECT_EQ(tool.folder().contents("-n"), "mine");
     EXPECT_EQ(tool.done({"file", "--", "-n", "--help"}), " 0  -n: success\n");
-    EXPECT_EQ(contentsOf(tool / "--help"), "mine");
+    EXPECT_EQ(tool.folder().contents("--help"), "mine");
 }
 
 // What is done
@@ -110,14 +107,14 @@ TEST(ZqmigrateTool, movesAFileAndCopiesAnother) {
     tool.file("a.txt", "one");
     EXPECT_EQ(tool.done({"file", "a.txt", "b.txt"}), " 0  a.txt: success\n");
     EXPECT_EQ(tool.report("errors"), "zqmigrate: 1 file moved\n");
-    EXPECT_EQ(::access((tool / "a.txt").c_str(), F_OK), -1);
-    EXPECT_EQ(contentsOf(tool / "b.txt"), "one");
+    EXPECT_FALSE(tool.folder().has("a.txt"));
+    EXPECT_EQ(tool.folder().contents("b.txt"), "one");
     EXPECT_EQ(tool.done({"file", "b.txt", "c.txt", "--keep-original"}), " 0  b.txt: success\n");
     EXPECT_EQ(tool.report("errors"), "zqmigrate: 1 file copied\n");
-    EXPECT_EQ(contentsOf(tool / "b.txt") + contentsOf(tool / "c.txt"), "oneone");
+    EXPECT_EQ(tool.folder().contents("b.txt") + tool.folder().contents("c.txt"), "oneone");
 }
 
-TEST(ZqmigrateTool, movesAFolderWithAllThatItHolds) {
+TEST(ZqmigrateTool, movesAFolderWithItsContents) {
     const MigrateTool tool;
     tool.file("a/sub/deep", "one");
     tool.file("a/.hidden", "two");
@@ -130,10 +127,7 @@ TEST(ZqmigrateTool, movesAFolderWithAllThatItHolds) {
 
 TEST(ZqmigrateTool, movesTheChosenFilesOfABatch) {
     const MigrateTool tool;
-    for (const char* const name :
-         {"a/1.log", "a/2.LOG", "a/3.txt", "a/.4.log", "a/sub/5.log", "a/sub/.6.log"}) {
-        tool.file(name, name);
-    }
+    tool.folder().files({"a/1.log", "a/2.LOG", "a/3.txt", "a/.4.log", "a/sub/5.log", "a/sub/.6.log"});
     tool.folder().folder("b");
     const Outcome outcome = tool.run({"batch", "--extension", "log", "a", "b"});
     EXPECT_EQ(outcome.status, 1);
@@ -148,28 +142,26 @@ TEST(ZqmigrateTool, movesTheChosenFilesOfABatch) {
     EXPECT_EQ(linesOf(tool.done({"batch", "-v", "a", "b"})),
               (Words{" 0  2.LOG: success -> b/2.LOG", " 0  3.txt: success -> b/3.txt"}));
     for (const char* const name : {"1.log", "2.LOG", "3.txt", ".4.log", "sub/5.log", "sub/.6.log"}) {
-        EXPECT_EQ(contentsOf(tool / ("b/" + std::string(name))), "a/" + std::string(name));
+        EXPECT_EQ(tool.folder().contents("b/" + std::string(name)), "a/" + std::string(name));
     }
 }
 
 TEST(ZqmigrateTool, overwritesOrRenamesWhenItMay) {
     const MigrateTool tool;
-    for (const char* const name : {"a/sub/n.txt", "b/sub/n.txt", "b/sub/n 1.txt"}) {
-        tool.file(name, name);
-    }
+    tool.folder().files({"a/sub/n.txt", "b/sub/n.txt", "b/sub/n 1.txt"});
     const Outcome refused = tool.run({"batch", "a", "b"});
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.output, "");
-    EXPECT_TRUE(holds(refused.errors, "  30  sub/n.txt: the destination file already exists\n"));
-    EXPECT_TRUE(holds(refused.errors, "zqmigrate: 30: --overwrite ")) << refused.errors;
+    EXPECT_TRUE(contains(refused.errors, "  30  sub/n.txt: the destination file already exists\n"));
+    EXPECT_TRUE(contains(refused.errors, "zqmigrate: 30: --overwrite ")) << refused.errors;
     EXPECT_EQ(tool.done({"batch", "--rename", "--keep-original", "a", "b"}),
               " 0  sub/n.txt: success -> sub/n 2.txt\n");
-    EXPECT_EQ(contentsOf(tool / "b/sub/n 2.txt"), "a/sub/n.txt");
-    EXPECT_EQ(contentsOf(tool / "b/sub/n.txt"), "b/sub/n.txt");
+    EXPECT_EQ(tool.folder().contents("b/sub/n 2.txt"), "a/sub/n.txt");
+    EXPECT_EQ(tool.folder().contents("b/sub/n.txt"), "b/sub/n.txt");
     EXPECT_EQ(tool.done({"batch", "--overwrite", "a", "b"}), " 0  sub/n.txt: success\n");
-    EXPECT_EQ(contentsOf(tool / "b/sub/n.txt"), "a/sub/n.txt");
+    EXPECT_EQ(tool.folder().contents("b/sub/n.txt"), "a/sub/n.txt");
     EXPECT_EQ(tool.done({"folder", "--rename", "b", "b/../a"}), " 0  b: success -> b/../a 1.\n");
-    EXPECT_EQ(contentsOf(tool / "a 1./sub/n.txt"), "a/sub/n.txt");
+    EXPECT_EQ(tool.folder().contents("a 1./sub/n.txt"), "a/sub/n.txt");
 }
 
 TEST(ZqmigrateTool, expandsTheHomeFolder) {
@@ -178,10 +170,10 @@ TEST(ZqmigrateTool, expandsTheHomeFolder) {
     tool.file("a/f");
     EXPECT_EQ(tool.done({"-v", "--create-parents", "batch", "~/a", "~/b"}),
               " 0  f: success -> " + (tool / "b/f") + "\n");
-    EXPECT_EQ(contentsOf(tool / "b/f"), "x");
+    EXPECT_EQ(tool.folder().contents("b/f"), "x");
 }
 
-TEST(ZqmigrateTool, goesOnAfterFailuresAndListsTwenty) {
+TEST(ZqmigrateTool, continuesAfterFailuresAndListsTwenty) {
     const MigrateTool tool;
     for (int number = 0; number < 1200; ++number) {
         const std::string name = std::to_string(number);
@@ -194,11 +186,11 @@ TEST(ZqmigrateTool, goesOnAfterFailuresAndListsTwenty) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1080);
     EXPECT_EQ(outcome.errors.find("zqmigrate: 1,080 of 1,200 files moved; left to do: 120\n  30  "), 0U);
-    EXPECT_TRUE(holds(outcome.errors, "\n  ... and 100 more; --json lists all\nzqmigrate: 30: "));
+    EXPECT_TRUE(contains(outcome.errors, "\n  ... and 100 more; --json lists all\nzqmigrate: 30: "));
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1 + 20 + 1 + 1);
     EXPECT_EQ(tool.folder().digest("a").size(), 1U + 120U);
     EXPECT_EQ(tool.folder().digest("b").size(), 1U + 1200U);
-    EXPECT_EQ(contentsOf(tool / "b/990"), "mine");
+    EXPECT_EQ(tool.folder().contents("b/990"), "mine");
 }
 
 TEST(ZqmigrateTool, reportsNoSuccessWhenQuiet) {
@@ -211,7 +203,7 @@ TEST(ZqmigrateTool, reportsNoSuccessWhenQuiet) {
     for (const Outcome& outcome : {trial, partly}) {
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.output, "");
-        EXPECT_TRUE(holds(outcome.errors, "  30  2: the destination file already exists\n"));
+        EXPECT_TRUE(contains(outcome.errors, "  30  2: the destination file already exists\n"));
     }
     EXPECT_EQ(tool.done({"--quiet", "--overwrite", "batch", "a", "b"}), "");
     EXPECT_EQ(tool.report("errors"), "");
@@ -219,13 +211,14 @@ TEST(ZqmigrateTool, reportsNoSuccessWhenQuiet) {
 
 TEST(ZqmigrateTool, describesInTheUsersLanguage) {
     const MigrateTool tool;
+    const scene::Variable language("LANGUAGE", "de");
     const std::string german = "  10  a: der Quellpfad existiert nicht\n";
-    EXPECT_TRUE(holds(tool.run({"file", "a", "b"}, "de").errors, german));
+    EXPECT_TRUE(contains(tool.run({"file", "a", "b"}).errors, german));
 }
 
 // What no code can say
 
-TEST(ZqmigrateTool, reportsRelativeLinksThatLeadNowhereAfterwards) {
+TEST(ZqmigrateTool, reportsRelativeLinksThatAreDanglingAfterwards) {
     const MigrateTool tool;
     tool.file("dotfiles/conf");
     tool.file("a/kept", "one");
@@ -239,12 +232,12 @@ TEST(ZqmigrateTool, reportsRelativeLinksThatLeadNowhereAfterwards) {
               "zqmigrate: x/b/broken: this link is dangling now; at its old place it was valid\n");
     ::unlink((tool / "a/never").c_str());
     tool.done({"--create-parents", "batch", "a", "x/y"});
-    EXPECT_TRUE(holds(tool.report("errors"), "zqmigrate: x/y/broken: this link is dangling now"));
-    EXPECT_FALSE(holds(tool.report("errors"), "x/y/absolute"));
+    EXPECT_TRUE(contains(tool.report("errors"), "zqmigrate: x/y/broken: this link is dangling now"));
+    EXPECT_FALSE(contains(tool.report("errors"), "x/y/absolute"));
 }
 
 TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
-    scene::migrateProgram();
+    scene::migrateProgram(); // opened before privileges are given up
     EXPECT_TRUE(scene::checkedWithoutPrivileges([] {
         for (const mode_t mode : {0000U, 0600U, 0444U, 0300U}) {
             const MigrateTool tool;
@@ -271,7 +264,7 @@ TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
 
 // The library ignores such a link when what it looked at before was a folder, so each is in a folder of its
 // own.
-TEST(ZqmigrateTool, reportsLinksThatLeadNowhere) {
+TEST(ZqmigrateTool, reportsDanglingLinks) {
     const MigrateTool tool;
     tool.folder().folder("a/1");
     tool.folder().folder("a/2");
@@ -280,9 +273,9 @@ TEST(ZqmigrateTool, reportsLinksThatLeadNowhere) {
     for (const char* const option : {"--keep-original", "--dry-run"}) {
         const Outcome outcome = tool.run({option, "--create-parents", "batch", "a", "b"});
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_TRUE(holds(outcome.errors, "left to do: 2\n")) << outcome.errors;
+        EXPECT_TRUE(contains(outcome.errors, "left to do: 2\n")) << outcome.errors;
         for (const char* const line : {"  10  1/l: the source path", "  10  2/l: the source path"}) {
-            EXPECT_TRUE(holds(outcome.errors, line)) << outcome.errors;
+            EXPECT_TRUE(contains(outcome.errors, line)) << outcome.errors;
         }
     }
     EXPECT_EQ(tool.folder().digest("a").size(), 5U);
@@ -292,9 +285,7 @@ TEST(ZqmigrateTool, reportsLinksThatLeadNowhere) {
 
 TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
     const MigrateTool tool;
-    for (const char* const name : {"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"}) {
-        tool.file(name, name);
-    }
+    tool.folder().files({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
     struct {
         Words words;
         int status;
@@ -311,9 +302,7 @@ TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
     };
     for (const auto& row : rows) {
         const MigrateTool real;
-        for (const char* const name : {"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"}) {
-            real.file(name, name);
-        }
+        real.folder().files({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
         const scene::Digest before = tool.folder().digest("", scene::Detail::times);
         Words trial = row.words;
         trial.insert(trial.begin(), "-n");
@@ -323,7 +312,7 @@ TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
         EXPECT_EQ(done.status, row.status) << done.errors;
         EXPECT_EQ(linesOf(planned.output), linesOf(done.output));
         EXPECT_EQ(failuresIn(planned.errors), failuresIn(done.errors));
-        EXPECT_TRUE(holds(planned.errors, "zqmigrate: this was a trial: nothing was changed\n"));
+        EXPECT_TRUE(contains(planned.errors, "zqmigrate: this was a trial: nothing was changed\n"));
         EXPECT_EQ(tool.folder().digest("", scene::Detail::times), before);
     }
 }
@@ -333,7 +322,7 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     const auto notesOf = [&](const char* file, const Words& words) {
         const Words lines = linesInOrder(tool.run(words).output);
         const auto line = std::find(lines.begin(), lines.end(), file);
-        const bool hasNote = line != lines.end() && line + 1 != lines.end() && holds(line[1], "note: ");
+        const bool hasNote = line != lines.end() && line + 1 != lines.end() && contains(line[1], "note: ");
         return hasNote ? line[1] : line == lines.end() ? "no such file" : "none";
     };
     tool.file("a/f");
@@ -346,31 +335,31 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     tool.folder().folder("d");
     tool.folder().link(".", "d/sub");
     const Outcome same = tool.run({"-n", "batch", "c", "d"});
-    EXPECT_TRUE(holds(same.output, "\n      note: an earlier file of this run takes its destination\n"));
-    EXPECT_TRUE(holds(same.errors, "zqmigrate: files with a note: 1; "));
+    EXPECT_TRUE(contains(same.output, "\n      note: an earlier file of this run takes its destination\n"));
+    EXPECT_TRUE(contains(same.errors, "zqmigrate: files with a note: 1; "));
     EXPECT_EQ(same.status, 0);
     // The folder that one file needs is where another one goes.
     tool.file("e/1/x/f");
     tool.file("e/2/x");
     tool.folder().folder("g/1");
     tool.folder().link("1", "g/2");
-    EXPECT_TRUE(holds(tool.run({"-n", "--create-parents", "batch", "e", "g"}).output, "note: an earlier"));
+    EXPECT_TRUE(contains(tool.run({"-n", "--create-parents", "batch", "e", "g"}).output, "note: an earlier"));
     // "h/1/f" is to go where the original "h/f" is.
     tool.file("h/f");
     tool.file("h/1/f");
     tool.folder().folder("i");
     tool.folder().link("../h", "i/1");
     const Outcome original = tool.run({"-n", "batch", "h", "i"});
-    EXPECT_TRUE(holds(original.errors, "      note: its destination is an original of this run\n"));
-    EXPECT_FALSE(holds(tool.run({"-n", "--keep-original", "batch", "h", "i"}).errors, "note: "));
+    EXPECT_TRUE(contains(original.errors, "      note: its destination is an original of this run\n"));
+    EXPECT_FALSE(contains(tool.run({"-n", "--keep-original", "batch", "h", "i"}).errors, "note: "));
     // A link is dangling when what it refers to has moved before.
     tool.file("j/f");
     tool.folder().link("f", "j/l");
     tool.folder().folder("k");
     EXPECT_EQ(notesOf(" 0  l: success", {"-n", "batch", "j", "k"}),
               "      note: it is a link to an original of this run");
-    EXPECT_TRUE(holds(tool.run({"-n", "--create-parents", "batch", "j", "j/k"}).errors,
-                      "the destination is in the source folder"));
+    EXPECT_TRUE(contains(tool.run({"-n", "--create-parents", "batch", "j", "j/k"}).errors,
+                         "the destination is in the source folder"));
 }
 
 TEST(ZqmigrateTool, warnsOfTooLittleRoom) {
@@ -379,24 +368,21 @@ TEST(ZqmigrateTool, warnsOfTooLittleRoom) {
     tool.file("small");
     EXPECT_EQ(::truncate((tool / "small").c_str(), 500000), 0); // a hole takes no room
     tool.folder().folder("there");
-    const int answer = scene::inOwnMounts([&] {
+    scene::withOwnMounts([&] {
         if (::mount("none", (tool / "there").c_str(), "tmpfs", 0, "size=128k") != 0) {
-            scene::leave(77);
+            return false;
         }
         tool.done({"-n", "--create-parents", "file", "large", "there/x/y"});
-        EXPECT_TRUE(holds(tool.report("errors"), "too little space at the destination"));
+        EXPECT_TRUE(contains(tool.report("errors"), "too little space at the destination"));
         tool.done({"-n", "file", "small", "there/y"});
-        EXPECT_FALSE(holds(tool.report("errors"), "room"));
+        EXPECT_FALSE(contains(tool.report("errors"), "too little space"));
+        return true;
     });
-    EXPECT_TRUE(answer == 0 || answer == 77) << answer;
-    if (answer == 77) {
-        GTEST_SKIP() << "this machine allows no mounts of one's own";
-    }
 }
 
 // Batches without a file
 
-TEST(ZqmigrateTool, reportsASourceFolderThatIsNone) {
+TEST(ZqmigrateTool, reportsAMissingSourceFolder) {
     const MigrateTool tool;
     tool.file("file");
     tool.folder().folder("b");
@@ -431,20 +417,18 @@ TEST(ZqmigrateTool, reportsThatThereIsNothingToDo) {
 
 // Outputs that fail
 
-TEST(ZqmigrateTool, goesOnWithoutAReader) {
+TEST(ZqmigrateTool, continuesWithoutAReader) {
     const MigrateTool tool;
-    for (int number = 0; number < 1000; ++number) {
-        tool.file("a/" + std::to_string(number));
-    }
+    tool.files("a", 1000);
     tool.folder().folder("b");
     int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     ::close(ends[0]);
     const int errors = tool.opened("errors");
     const pid_t child = tool.start({"batch", "a", "b"}, ends[1], errors);
     ::close(ends[1]);
     ::close(errors);
-    EXPECT_EQ(scene::statusOf(child), 1);
+    EXPECT_EQ(scene::endOf(child), 1);
     EXPECT_EQ(tool.report("errors"),
               "zqmigrate: 1,000 files moved\n"
               "zqmigrate: standard output cannot be written; the work continued without it\n");
@@ -458,10 +442,10 @@ TEST(ZqmigrateTool, reportsThatStandardOutputIsFull) {
     const int full = ::open("/dev/full", O_WRONLY);
     ASSERT_GE(full, 0);
     const int errors = tool.opened("errors");
-    EXPECT_EQ(scene::statusOf(tool.start({"file", "a", "b"}, full, errors)), 1);
-    EXPECT_EQ(scene::statusOf(tool.start({"--help"}, full, errors)), 1);
-    EXPECT_EQ(contentsOf(tool / "b"), "x");
-    EXPECT_TRUE(holds(tool.report("errors"), "standard output cannot be written"));
+    EXPECT_EQ(scene::endOf(tool.start({"file", "a", "b"}, full, errors)), 1);
+    EXPECT_EQ(scene::endOf(tool.start({"--help"}, full, errors)), 1);
+    EXPECT_EQ(tool.folder().contents("b"), "x");
+    EXPECT_TRUE(contains(tool.report("errors"), "standard output cannot be written"));
     ::close(full);
     ::close(errors);
 }

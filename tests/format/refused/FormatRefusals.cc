@@ -51,56 +51,39 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     NSString::stringWithFormat(NSString(text), number);
 
 #ifdef REFUSE_64_BITS_FOR_32
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'d'>
-    // expected: write_instead<'l', 'd'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'d'> && write_instead<'l', 'd'>
     NSString::stringWithFormat("%d", sizeof number);
 #endif
 #ifdef REFUSE_64_BITS_FOR_HEXADECIMAL_32
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'x'>
-    // expected: write_instead<'l', 'x'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'x'> && write_instead<'l', 'x'>
     NSString::stringWithFormat("%08x", 5L);
 #endif
 #ifdef REFUSE_32_BITS_FOR_16
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'u'>
-    // expected: write_instead<'u'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'u'> && write_instead<'u'>
     NSString::stringWithFormat("%hu", number);
 #endif
 #ifdef REFUSE_32_BITS_FOR_8
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'d'>
-    // expected: write_instead<'d'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'d'> && write_instead<'d'>
     NSString::stringWithFormat("%hhd", number);
 #endif
 #ifdef REFUSE_16_BITS_FOR_8
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'d'>
-    // expected: write_instead<'h', 'd'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'d'> && write_instead<'h', 'd'>
     NSString::stringWithFormat("%hhd", short(5));
 #endif
 #ifdef REFUSE_64_BITS_FOR_A_CHARACTER
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'c'>
-    // expected: write_instead<'l', 'd'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'c'> && write_instead<'l', 'd'>
     NSString::stringWithFormat("%c", 5L);
 #endif
 #ifdef REFUSE_64_BITS_FOR_A_UNIT
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'C'>
-    // expected: write_instead<'l', 'd'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'C'> && write_instead<'l', 'd'>
     NSString::stringWithFormat("%C", 5L);
 #endif
 #ifdef REFUSE_A_LONG_DOUBLE_FOR_A_DOUBLE
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion<'f'>
-    // expected: write_instead<'L', 'f'>
+    // expected: format_conversion_would_cut_the_argument && conversion<'f'> && write_instead<'L', 'f'>
     NSString::stringWithFormat("%.3f", 1.0L);
 #endif
 #ifdef REFUSE_A_NUMBERED_ARGUMENT_THAT_IS_CUT
-    // expected: format_conversion_would_cut_the_argument
-    // expected: conversion_number<2>
+    // expected: format_conversion_would_cut_the_argument && conversion_number<2>
     // expected: argument<1, long int> | argument<1, long>
     NSString::stringWithFormat("%2$ld %1$d", 5L, 5L);
 #endif
@@ -109,336 +92,242 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     NSArray{Wrong()};
 #endif
 #ifdef REFUSE_TEXT_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'d'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
     // expected: argument<1, char [5]> | argument<1, char[5]>
     NSString::stringWithFormat("%d", "text");
 #endif
 #ifdef REFUSE_REAL_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'d'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%d", 1.5);
 #endif
 #ifdef REFUSE_HANDLE_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'u'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'u'> && conversion_number<1>
     // expected: argument<1, ZQFoundation::NSNumber>
     NSString::stringWithFormat("%lu", NSNumber(5));
 #endif
 #ifdef REFUSE_POINTER_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'x'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'x'> && conversion_number<1>
     // expected: argument<1, {anonymous}::Declared*> | argument<1, (anonymous namespace)::Declared *>
     NSString::stringWithFormat("%x", declared);
 #endif
 #ifdef REFUSE_TEXT_FOR_A_CHARACTER
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'c'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'c'> && conversion_number<1>
     // expected: argument<1, char [2]> | argument<1, char[2]>
     NSString::stringWithFormat("%c", "c");
 #endif
 #ifdef REFUSE_INTEGER_FOR_A_REAL
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'f'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'f'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%f", 5);
 #endif
 #ifdef REFUSE_INTEGER_FOR_A_C_STRING
     // expected: format_conversion_requires_a_text_of_char() | format_conversion_requires_a_text_of_char<
-    // expected: conversion<'s'>
-    // expected: conversion_number<1>
-    // expected: argument<1, int>
+    // expected: conversion<'s'> && conversion_number<1> && argument<1, int>
     NSString::stringWithFormat("%s", 5);
 #endif
 #ifdef REFUSE_UNITS_FOR_A_C_STRING
     // expected: format_conversion_requires_a_text_of_char() | format_conversion_requires_a_text_of_char<
-    // expected: conversion<'s'>
-    // expected: conversion_number<1>
-    // expected: argument<1, char16_t*> | argument<1, char16_t *>
+    // expected: conversion<'s'> && conversion_number<1> && argument<1, char16_t*> | argument<1, char16_t *>
     NSString::stringWithFormat("%s", units);
 #endif
 #ifdef REFUSE_ANY_HANDLE_FOR_A_C_STRING
     // expected: format_conversion_requires_a_text_of_char() | format_conversion_requires_a_text_of_char<
-    // expected: conversion<'s'>
-    // expected: conversion_number<1>
-    // expected: argument<1, ZQFoundation::NSObject>
+    // expected: conversion<'s'> && conversion_number<1> && argument<1, ZQFoundation::NSObject>
     NSString::stringWithFormat("%s", object);
 #endif
 #ifdef REFUSE_CHARS_FOR_UNITS
-    // expected: format_conversion_requires_a_text_of_char16_t
-    // expected: conversion<'S'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_text_of_char16_t && conversion<'S'> && conversion_number<1>
     // expected: argument<1, char [5]> | argument<1, char[5]>
     NSString::stringWithFormat("%S", "text");
 #endif
 #ifdef REFUSE_INTEGER_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text
-    // expected: conversion<'@'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%@", 5);
 #endif
 #ifdef REFUSE_REAL_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text
-    // expected: conversion<'@'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%@", 0.5);
 #endif
 #ifdef REFUSE_ANY_POINTER_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text
-    // expected: conversion<'@'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
     // expected: argument<1, {anonymous}::Declared*> | argument<1, (anonymous namespace)::Declared *>
     NSString::stringWithFormat("%@", declared);
 #endif
 #ifdef REFUSE_FOREIGN_OBJECT_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text
-    // expected: conversion<'@'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
     // expected: argument<1, {anonymous}::Other> | argument<1, (anonymous namespace)::Other>
     NSString::stringWithFormat("%@", Other());
 #endif
 #ifdef REFUSE_INTEGER_FOR_A_POINTER
-    // expected: format_conversion_requires_a_pointer
-    // expected: conversion<'p'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_pointer && conversion<'p'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%p", 5);
 #endif
 #ifdef REFUSE_MISSING_ARGUMENT
-    // expected: format_has_no_argument_for_the_conversion
-    // expected: conversion<'d'>
-    // expected: conversion_number<2>
+    // expected: format_has_no_argument_for_the_conversion && conversion<'d'> && conversion_number<2>
     NSString::stringWithFormat("%d %d", 1);
 #endif
 #ifdef REFUSE_MISSING_NUMBERED_ARGUMENT
-    // expected: format_has_no_argument_for_the_conversion
-    // expected: conversion<'d'>
-    // expected: conversion_number<2>
+    // expected: format_has_no_argument_for_the_conversion && conversion<'d'> && conversion_number<2>
     NSString::stringWithFormat("%1$d %3$d", 1, 2);
 #endif
 #ifdef REFUSE_SURPLUS_ARGUMENT
-    // expected: format_does_not_use_the_argument
-    // expected: argument<2, int>
+    // expected: format_does_not_use_the_argument && argument<2, int>
     NSString::stringWithFormat("%d", 1, 2);
 #endif
 #ifdef REFUSE_SKIPPED_POSITION
-    // expected: format_does_not_use_the_argument
-    // expected: argument<2, int>
+    // expected: format_does_not_use_the_argument && argument<2, int>
     NSString::stringWithFormat("%1$d %3$d", 1, 2, 3);
 #endif
 #ifdef REFUSE_MIXED_NUMBERING
-    // expected: format_mixes_numbered_and_unnumbered_arguments
-    // expected: conversion_number<2>
+    // expected: format_mixes_numbered_and_unnumbered_arguments && conversion_number<2>
     NSString::stringWithFormat("%1$d %d", 1, 2);
 #endif
 #ifdef REFUSE_MIXED_NUMBERING_OF_A_STAR
-    // expected: format_mixes_numbered_and_unnumbered_arguments
-    // expected: conversion_number<1>
+    // expected: format_mixes_numbered_and_unnumbered_arguments && conversion_number<1>
     NSString::stringWithFormat("%1$*d", 1, 2);
 #endif
 #ifdef REFUSE_REAL_FOR_A_STAR
-    // expected: format_star_requires_an_integer
-    // expected: conversion_number<1>
-    // expected: argument<1, double>
+    // expected: format_star_requires_an_integer && conversion_number<1> && argument<1, double>
     NSString::stringWithFormat("%*d", 1.5, 2);
 #endif
 #ifdef REFUSE_N
-    // expected: format_conversion_n_is_not_supported
-    // expected: conversion_number<1>
+    // expected: format_conversion_n_is_not_supported && conversion_number<1>
     NSString::stringWithFormat("%n", &number);
 #endif
 #ifdef REFUSE_UNKNOWN_CONVERSION
-    // expected: format_has_an_unknown_conversion
-    // expected: conversion_number<1>
+    // expected: format_has_an_unknown_conversion && conversion_number<1>
     NSString::stringWithFormat("%y");
 #endif
 #ifdef REFUSE_CUT_OFF_CONVERSION
-    // expected: format_ends_inside_a_conversion
-    // expected: conversion_number<1>
+    // expected: format_ends_inside_a_conversion && conversion_number<1>
     NSString::stringWithFormat("100%");
 #endif
 #ifdef REFUSE_WRONG_FORMAT_OF_UNITS
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'d'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat(u"%d", 1.5);
 #endif
 #ifdef REFUSE_WRONG_FORMAT_FOR_APPENDING
-    // expected: format_has_no_argument_for_the_conversion
-    // expected: conversion<'d'>
-    // expected: conversion_number<1>
+    // expected: format_has_no_argument_for_the_conversion && conversion<'d'> && conversion_number<1>
     NSMutableString().appendFormat("%d");
 #endif
 #ifdef REFUSE_THE_THIRD_OF_THREE
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'x'>
-    // expected: conversion_number<3>
+    // expected: format_conversion_requires_an_integer && conversion<'x'> && conversion_number<3>
     // expected: argument<3, char [2]> | argument<3, char[2]>
     NSString::stringWithFormat("%d %s %x", 1, "a", "b");
 #endif
 #ifdef REFUSE_C_STRING_FOR_THE_SECOND_INTEGER
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'d'>
-    // expected: conversion_number<2>
+    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<2>
     // expected: argument<2, const char*> | argument<2, const char *>
     NSString::stringWithFormat("%d%% of %d", number, variable);
 #endif
 #ifdef REFUSE_REAL_BEHIND_A_STAR
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'i'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'i'> && conversion_number<1>
     // expected: argument<2, double>
     NSString::stringWithFormat("%*i", 5, 1.5);
 #endif
 #ifdef REFUSE_REAL_IN_A_POSITION
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'o'>
-    // expected: conversion_number<3>
+    // expected: format_conversion_requires_an_integer && conversion<'o'> && conversion_number<3>
     // expected: argument<1, float>
     NSString::stringWithFormat("%2$d %1$f %1$o", 1.5f, 2);
 #endif
 #ifdef REFUSE_REAL_FOR_THE_STAR_OF_A_PRECISION
-    // expected: format_star_requires_an_integer
-    // expected: conversion_number<2>
-    // expected: argument<2, float>
+    // expected: format_star_requires_an_integer && conversion_number<2> && argument<2, float>
     NSString::stringWithFormat("%d %.*f", 1, 1.5f, 2.5);
 #endif
 #ifdef REFUSE_MISSING_ARGUMENT_OF_A_STAR
-    // expected: format_has_no_argument_for_the_star
-    // expected: conversion_number<1>
+    // expected: format_has_no_argument_for_the_star && conversion_number<1>
     NSString::stringWithFormat("%*d");
 #endif
 #ifdef REFUSE_INTEGER_FOR_THE_TENTH
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'a'>
-    // expected: argument<10, int>
+    // expected: format_conversion_requires_a_real_number && conversion<'a'> && argument<10, int>
     NSString::stringWithFormat("%d%d%d%d%d%d%d%d%d%a", 1, 2, 3, 4, 5, 6, 7, 8, 9, 10);
 #endif
 #ifdef REFUSE_MISSING_OBJECT
-    // expected: format_has_no_argument_for_the_conversion
-    // expected: conversion<'@'>
-    // expected: conversion_number<3>
+    // expected: format_has_no_argument_for_the_conversion && conversion<'@'> && conversion_number<3>
     NSString::stringWithFormat("%d of %d: %@", 1, 2);
 #endif
 #ifdef REFUSE_REAL_FOR_SMALL_D
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'d'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%d", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_SMALL_I
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'i'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'i'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%i", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_SMALL_U
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'u'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'u'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%u", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_SMALL_O
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'o'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'o'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%o", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_SMALL_X
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'x'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'x'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%x", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_LARGE_X
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'X'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'X'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%X", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_SMALL_C
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'c'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'c'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%c", 1.5);
 #endif
 #ifdef REFUSE_REAL_FOR_LARGE_C
-    // expected: format_conversion_requires_an_integer
-    // expected: conversion<'C'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_an_integer && conversion<'C'> && conversion_number<1>
     // expected: argument<1, double>
     NSString::stringWithFormat("%C", 1.5);
 #endif
 #ifdef REFUSE_INTEGER_FOR_SMALL_E
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'e'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'e'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%e", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_LARGE_E
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'E'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'E'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%E", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_SMALL_F
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'f'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'f'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%f", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_LARGE_F
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'F'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'F'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%F", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_SMALL_G
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'g'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'g'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%g", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_LARGE_G
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'G'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'G'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%G", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_SMALL_A
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'a'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'a'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%a", 1);
 #endif
 #ifdef REFUSE_INTEGER_FOR_LARGE_A
-    // expected: format_conversion_requires_a_real_number
-    // expected: conversion<'A'>
-    // expected: conversion_number<1>
+    // expected: format_conversion_requires_a_real_number && conversion<'A'> && conversion_number<1>
     // expected: argument<1, int>
     NSString::stringWithFormat("%A", 1);
 #endif

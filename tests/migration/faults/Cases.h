@@ -194,25 +194,36 @@ private:
     Digest old_;
 };
 
-/// Calls `body` with the numbers of all calls that an undisturbed run of the case makes, from `first` on in
-/// these strides. False where tracing is not permitted.
-template <class Body>
-bool atCallsOf(const Case& which, long first, long stride, const Body& body) {
-    const Run run(which);
-    const Outcome plain = run.under({});
-    for (long call = first; plain.traced && call <= plain.calls; call += stride) {
-        body(call);
-    }
-    return plain.traced;
-}
-
 /// Nothing is left out: takes hours rather than seconds.
 inline bool isEveryCallTried() { return std::getenv("ZQ_EVERY_CALL") != nullptr; }
+
+/// From one tried call to the next, where trying this many of them is usual.
+inline long strideOf(long usual) { return isEveryCallTried() ? 1 : usual * (scene::forksTakeTurns ? 5 : 1); }
+
+/// Calls `body` with the numbers of the calls that an undisturbed run of the case makes, from `first` on in
+/// these strides. The test is skipped where tracing is not permitted.
+template <class Body>
+void atCallsOf(const Case& which, long first, long stride, const Body& body) {
+    const Run run(which);
+    const Outcome plain = run.under({});
+    if (!plain.traced) {
+        GTEST_SKIP() << notTraced;
+    }
+    for (long call = first; call <= plain.calls; call += stride) {
+        body(call);
+    }
+}
 
 /// The number of runs of a race.
 inline long wantedRaces(long usual) {
     const char* const wanted = std::getenv("ZQ_RACES");
     return wanted != nullptr ? std::strtol(wanted, nullptr, 10) : scene::forksTakeTurns ? usual / 4 : usual;
+}
+
+inline void addFailures(const std::string& what, const scene::Words& problems) {
+    for (const std::string& problem : problems) {
+        ADD_FAILURE() << what << ": " << problem;
+    }
 }
 
 } // namespace faults

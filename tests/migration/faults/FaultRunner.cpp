@@ -28,37 +28,27 @@ struct Order {
     std::vector<faults::Again> again;
 };
 
-bool readKind(const std::string& name, faults::Fault& fault) {
-    const std::map<std::string, faults::Fault> kinds{
+/// The words after those of the case: the call, the kind of fault, and what follows. False when they are
+/// wrong.
+bool readOrder(const std::vector<std::string>& words, Order& order) {
+    static const std::map<std::string, faults::Fault> kinds{
         {"kill", {faults::Fault::killing}},           {"one", {faults::Fault::shorteningToOne}},
         {"half", {faults::Fault::shorteningToHalf}},  {"EIO", {faults::Fault::failing, EIO}},
         {"ENOSPC", {faults::Fault::failing, ENOSPC}}, {"EACCES", {faults::Fault::failing, EACCES}},
         {"EINTR", {faults::Fault::failing, EINTR}}};
-    const auto kind = kinds.find(name);
-    if (kind == kinds.end()) {
-        return false;
-    }
-    fault = kind->second;
-    return true;
-}
-
-bool readOrder(const std::vector<std::string>& words, Order& order) {
-    if (words.size() < 4) {
+    static const std::map<std::string, faults::Again> agains{{"overwrite", faults::Again::overwriting},
+                                                             {"refuse", faults::Again::refusing},
+                                                             {"rename", faults::Again::renaming}};
+    if (words.size() < 4 || kinds.count(words[3]) == 0) {
         return words.size() == 2;
     }
-    if (!readKind(words[3], order.fault)) {
-        return false;
-    }
+    order.fault = kinds.at(words[3]);
     order.fault.call = std::strtol(words[2].c_str(), nullptr, 10);
     for (std::size_t index = 4; index < words.size(); ++index) {
         if (words[index] == "lasting") {
             order.fault.lasting = true;
-        } else if (words[index] == "overwrite") {
-            order.again.push_back(faults::Again::overwriting);
-        } else if (words[index] == "refuse") {
-            order.again.push_back(faults::Again::refusing);
-        } else if (words[index] == "rename") {
-            order.again.push_back(faults::Again::renaming);
+        } else if (agains.count(words[index]) == 1) {
+            order.again.push_back(agains.at(words[index]));
         } else {
             return false;
         }

@@ -3,7 +3,7 @@
 #ifndef ZQFOUNDATION_TESTS_FAULTS_FILECALLS_H
 #define ZQFOUNDATION_TESTS_FAULTS_FILECALLS_H
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
 
 #include <sys/syscall.h>
@@ -28,112 +28,58 @@ struct FileCall {
     Transfer transfer{};
 };
 
-namespace form {
-inline constexpr Argument fd = Argument::descriptor;
-inline constexpr Argument at = Argument::folder;
-inline constexpr Argument path = Argument::path;
-inline constexpr Argument no = Argument::other;
-} // namespace form
-
-#define ZQ_FILE_CALL(name, ...)                                                                              \
-    {                                                                                                        \
+#define ZQ_CALL(name, ...)                                                                                   \
+    FileCall {                                                                                               \
         SYS_##name, #name, {__VA_ARGS__}, {}                                                                 \
     }
-#define ZQ_TRANSFER_CALL(name, count, source, plain, ...)                                                    \
-    {                                                                                                        \
+#define ZQ_TRANSFER(name, count, source, plain, ...)                                                         \
+    FileCall {                                                                                               \
         SYS_##name, #name, {__VA_ARGS__}, { count, source, plain }                                           \
     }
 
-inline constexpr FileCall fileCalls[] = {
-    ZQ_FILE_CALL(openat, form::at, form::path),
-    ZQ_FILE_CALL(openat2, form::at, form::path),
-    ZQ_FILE_CALL(close, form::fd),
-    ZQ_TRANSFER_CALL(read, 2, 0, 0, form::fd),
-    ZQ_TRANSFER_CALL(pread64, 2, 0, 0, form::fd),
-    ZQ_TRANSFER_CALL(readv, 2, 0, SYS_read, form::fd),
-    ZQ_TRANSFER_CALL(write, 2, -1, 0, form::fd),
-    ZQ_TRANSFER_CALL(pwrite64, 2, -1, 0, form::fd),
-    ZQ_TRANSFER_CALL(preadv, 2, 0, SYS_pread64, form::fd),
-    ZQ_TRANSFER_CALL(pwritev, 2, -1, SYS_pwrite64, form::fd),
-    ZQ_TRANSFER_CALL(writev, 2, -1, SYS_write, form::fd),
-    ZQ_FILE_CALL(lseek, form::fd),
-    ZQ_FILE_CALL(ftruncate, form::fd),
-    ZQ_FILE_CALL(fallocate, form::fd),
-    ZQ_FILE_CALL(fadvise64, form::fd),
-    ZQ_FILE_CALL(fsync, form::fd),
-    ZQ_FILE_CALL(fdatasync, form::fd),
-    ZQ_FILE_CALL(syncfs, form::fd),
-    ZQ_FILE_CALL(sync_file_range, form::fd),
-    ZQ_FILE_CALL(flock, form::fd),
-    ZQ_FILE_CALL(fcntl, form::fd),
-    ZQ_FILE_CALL(ioctl, form::fd),
-    ZQ_TRANSFER_CALL(copy_file_range, 4, 0, 0, form::fd, form::no, form::fd),
-    ZQ_TRANSFER_CALL(sendfile, 3, 1, 0, form::fd, form::fd),
-    ZQ_TRANSFER_CALL(splice, 4, 0, 0, form::fd, form::no, form::fd),
-    ZQ_FILE_CALL(fstat, form::fd),
-    ZQ_FILE_CALL(newfstatat, form::at, form::path),
-    ZQ_FILE_CALL(statx, form::at, form::path),
-    ZQ_FILE_CALL(fstatfs, form::fd),
-    ZQ_FILE_CALL(statfs, form::path),
-    ZQ_FILE_CALL(faccessat, form::at, form::path),
-    ZQ_FILE_CALL(faccessat2, form::at, form::path),
-    ZQ_FILE_CALL(readlinkat, form::at, form::path),
-    ZQ_FILE_CALL(getdents64, form::fd),
-    ZQ_FILE_CALL(mkdirat, form::at, form::path),
-    ZQ_FILE_CALL(mknodat, form::at, form::path),
-    ZQ_FILE_CALL(symlinkat, form::no, form::at, form::path),
-    ZQ_FILE_CALL(linkat, form::at, form::path, form::at, form::path),
-    ZQ_FILE_CALL(unlinkat, form::at, form::path),
-    ZQ_FILE_CALL(renameat2, form::at, form::path, form::at, form::path),
-    ZQ_FILE_CALL(fchmod, form::fd),
-    ZQ_FILE_CALL(fchmodat, form::at, form::path),
-    ZQ_FILE_CALL(fchown, form::fd),
-    ZQ_FILE_CALL(fchownat, form::at, form::path),
-    ZQ_FILE_CALL(utimensat, form::at, form::path),
-    ZQ_FILE_CALL(fgetxattr, form::fd),
-    ZQ_FILE_CALL(fsetxattr, form::fd),
-    ZQ_FILE_CALL(flistxattr, form::fd),
-    ZQ_FILE_CALL(fremovexattr, form::fd),
-    ZQ_FILE_CALL(getxattr, form::path),
-    ZQ_FILE_CALL(lgetxattr, form::path),
-    ZQ_FILE_CALL(setxattr, form::path),
-    ZQ_FILE_CALL(lsetxattr, form::path),
-    ZQ_FILE_CALL(listxattr, form::path),
-    ZQ_FILE_CALL(llistxattr, form::path),
-    ZQ_FILE_CALL(removexattr, form::path),
-    ZQ_FILE_CALL(lremovexattr, form::path),
-    ZQ_FILE_CALL(fchdir, form::fd),
-    ZQ_FILE_CALL(chdir, form::path),
+// clang-format off
+inline constexpr auto fileCalls = [] {
+    constexpr Argument fd = Argument::descriptor, at = Argument::folder, path = Argument::path,
+                       no = Argument::other;
+    return std::array{
+    ZQ_CALL(openat, at, path), ZQ_CALL(openat2, at, path), ZQ_CALL(close, fd),
+    ZQ_TRANSFER(read, 2, 0, 0, fd), ZQ_TRANSFER(pread64, 2, 0, 0, fd),
+    ZQ_TRANSFER(readv, 2, 0, SYS_read, fd), ZQ_TRANSFER(write, 2, -1, 0, fd),
+    ZQ_TRANSFER(pwrite64, 2, -1, 0, fd), ZQ_TRANSFER(preadv, 2, 0, SYS_pread64, fd),
+    ZQ_TRANSFER(pwritev, 2, -1, SYS_pwrite64, fd), ZQ_TRANSFER(writev, 2, -1, SYS_write, fd),
+    ZQ_CALL(lseek, fd), ZQ_CALL(ftruncate, fd), ZQ_CALL(fallocate, fd), ZQ_CALL(fadvise64, fd),
+    ZQ_CALL(fsync, fd), ZQ_CALL(fdatasync, fd), ZQ_CALL(syncfs, fd), ZQ_CALL(sync_file_range, fd),
+    ZQ_CALL(flock, fd), ZQ_CALL(fcntl, fd), ZQ_CALL(ioctl, fd),
+    ZQ_TRANSFER(copy_file_range, 4, 0, 0, fd, no, fd), ZQ_TRANSFER(sendfile, 3, 1, 0, fd, fd),
+    ZQ_TRANSFER(splice, 4, 0, 0, fd, no, fd), ZQ_CALL(fstat, fd), ZQ_CALL(newfstatat, at, path),
+    ZQ_CALL(statx, at, path), ZQ_CALL(fstatfs, fd), ZQ_CALL(statfs, path), ZQ_CALL(faccessat, at, path),
+    ZQ_CALL(faccessat2, at, path), ZQ_CALL(readlinkat, at, path), ZQ_CALL(getdents64, fd),
+    ZQ_CALL(mkdirat, at, path), ZQ_CALL(mknodat, at, path), ZQ_CALL(symlinkat, no, at, path),
+    ZQ_CALL(linkat, at, path, at, path), ZQ_CALL(unlinkat, at, path),
+    ZQ_CALL(renameat2, at, path, at, path), ZQ_CALL(fchmod, fd), ZQ_CALL(fchmodat, at, path),
+    ZQ_CALL(fchown, fd), ZQ_CALL(fchownat, at, path), ZQ_CALL(utimensat, at, path), ZQ_CALL(fgetxattr, fd),
+    ZQ_CALL(fsetxattr, fd), ZQ_CALL(flistxattr, fd), ZQ_CALL(fremovexattr, fd), ZQ_CALL(getxattr, path),
+    ZQ_CALL(lgetxattr, path), ZQ_CALL(setxattr, path), ZQ_CALL(lsetxattr, path), ZQ_CALL(listxattr, path),
+    ZQ_CALL(llistxattr, path), ZQ_CALL(removexattr, path), ZQ_CALL(lremovexattr, path),
+    ZQ_CALL(fchdir, fd), ZQ_CALL(chdir, path),
 #ifdef SYS_fchmodat2
-    ZQ_FILE_CALL(fchmodat2, form::at, form::path),
+    ZQ_CALL(fchmodat2, at, path),
 #endif
 #ifdef SYS_renameat
-    ZQ_FILE_CALL(renameat, form::at, form::path, form::at, form::path),
+    ZQ_CALL(renameat, at, path, at, path),
 #endif
 #ifdef SYS_open // the older forms, which newer processors do not have
-    ZQ_FILE_CALL(open, form::path),
-    ZQ_FILE_CALL(creat, form::path),
-    ZQ_FILE_CALL(stat, form::path),
-    ZQ_FILE_CALL(lstat, form::path),
-    ZQ_FILE_CALL(access, form::path),
-    ZQ_FILE_CALL(readlink, form::path),
-    ZQ_FILE_CALL(mkdir, form::path),
-    ZQ_FILE_CALL(mknod, form::path),
-    ZQ_FILE_CALL(rmdir, form::path),
-    ZQ_FILE_CALL(unlink, form::path),
-    ZQ_FILE_CALL(symlink, form::no, form::path),
-    ZQ_FILE_CALL(link, form::path, form::path),
-    ZQ_FILE_CALL(rename, form::path, form::path),
-    ZQ_FILE_CALL(chmod, form::path),
-    ZQ_FILE_CALL(chown, form::path),
-    ZQ_FILE_CALL(lchown, form::path),
+    ZQ_CALL(open, path), ZQ_CALL(creat, path), ZQ_CALL(stat, path), ZQ_CALL(lstat, path),
+    ZQ_CALL(access, path), ZQ_CALL(readlink, path), ZQ_CALL(mkdir, path), ZQ_CALL(mknod, path),
+    ZQ_CALL(rmdir, path), ZQ_CALL(unlink, path), ZQ_CALL(symlink, no, path), ZQ_CALL(link, path, path),
+    ZQ_CALL(rename, path, path), ZQ_CALL(chmod, path), ZQ_CALL(chown, path), ZQ_CALL(lchown, path),
 #endif
-};
+    };
+}();
+// clang-format on
 
-#undef ZQ_FILE_CALL
-#undef ZQ_TRANSFER_CALL
-
-inline constexpr std::size_t fileCallCount = sizeof fileCalls / sizeof *fileCalls;
+#undef ZQ_CALL
+#undef ZQ_TRANSFER
 
 inline const FileCall* fileCallNumbered(std::uint64_t number) {
     for (const FileCall& call : fileCalls) {

@@ -35,6 +35,15 @@ inline scene::Words leftoversBelow(const std::string& start) {
     return found;
 }
 
+/// What does not hold after migrations that came to their end: nothing may be left.
+inline scene::Words problemsWithLeftovers(const std::string& start) {
+    scene::Words problems = leftoversBelow(start);
+    for (std::string& problem : problems) {
+        problem = "left under a hidden name: " + problem;
+    }
+    return problems;
+}
+
 /// Whether the item or a folder that contains it has one of the marks; the path is relative to a visible
 /// folder.
 inline bool isHidden(std::string path) {

@@ -24,8 +24,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/StoppedCall.h"
-#include "tests/process/Scene.h"
 
 namespace faults {
 
@@ -34,6 +34,7 @@ struct Fault {
     int error = 0;
     long call = 0;        ///< which call, from 1; of those that transfer bytes when they are shortened
     bool lasting = false; ///< every call from that one on
+    int signal = SIGKILL; ///< that kills
 
     bool isShortening() const { return kind == shorteningToOne || kind == shorteningToHalf; }
 };
@@ -106,6 +107,12 @@ private:
     bool restores_ = false;
 };
 
+/// What makes many small runs quick.
+struct QuickRuns {
+    scene::ScenesInMemory memory;
+    OneProcessor processor;
+};
+
 /// The parent's side of one run.
 class Tracer {
 public:
@@ -165,7 +172,7 @@ private:
             break;
         case Fault::killing:
             if (outcome_.calls == fault.call) {
-                ::kill(child_, SIGKILL);
+                ::kill(child_, trial_.fault.signal);
             }
             break;
         case Fault::failing:
@@ -198,8 +205,9 @@ private:
 class ReportingChild {
 public:
     /// `prepare` is run first; when it returns false, the child ends with `Tracer::notPermitted`.
-    template <class Prepare, class Body>
-    ReportingChild(unsigned seconds, const Prepare& prepare, const Body& body) {
+    template <class Body>
+    explicit ReportingChild(
+        const Body& body, unsigned seconds = 60, bool (*prepare)() = [] { return true; }) {
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC) != 0) {
             return;
@@ -262,7 +270,7 @@ Outcome runTraced(const Trial& trial, const Body& body) {
     const auto offerToBeTraced = [] {
         return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 && ::raise(SIGSTOP) == 0 && installFilter();
     };
-    const ReportingChild child(trial.seconds, offerToBeTraced, body);
+    const ReportingChild child(body, trial.seconds, offerToBeTraced);
     Outcome outcome = Tracer(child.process(), trial).run();
     outcome.report = child.report();
     return outcome;
@@ -271,9 +279,7 @@ Outcome runTraced(const Trial& trial, const Body& body) {
 /// Runs `body`, which returns a text, in a child that nobody disturbs.
 template <class Body>
 Outcome runUndisturbed(const Body& body) {
-    return ReportingChild(
-               60, [] { return true; }, body)
-        .outcome();
+    return ReportingChild(body).outcome();
 }
 
 } // namespace faults

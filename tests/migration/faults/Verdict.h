@@ -134,7 +134,7 @@ private:
         expect(copy.empty() || copyWhole || (!isRenamed && copy == item.old),
                "what bears the final name is not complete" + about);
         if (isRenamed) {
-            expect(now(item.to) == item.old, "what stood at the destination suffered" + about);
+            expect(now(item.to) == item.old, "what was at the destination suffered" + about);
         }
         if (code.empty()) {
             expect(sourceWhole || copyWhole, "killed: neither source nor copy is whole" + about);
@@ -197,7 +197,7 @@ private:
         expect(code != "0" || copyWhole, "the second call reports a copy that is not there" + about);
         if (again != Again::overwriting && case_.old == Old::renamedAround) {
             expect(item.old.empty() || now(item.to) == item.old,
-                   "the second call replaced what stood at the destination" + about);
+                   "the second call replaced what was at the destination" + about);
         }
     }
 

@@ -15,12 +15,6 @@
 
 namespace faults {
 
-/// Swaps two names in one step, so that there is always something at each of them.
-inline bool exchange(const std::string& one, const std::string& other) {
-    return ::syscall(SYS_renameat2, AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(),
-                     2 /* RENAME_EXCHANGE */) == 0;
-}
-
 /// Whether two changes of a file, one right after the other, show in its times.
 inline bool hasFineTimes() {
     const scene::Folder folder;
@@ -33,8 +27,8 @@ inline bool hasFineTimes() {
     return before.st_ctim.tv_nsec != after.st_ctim.tv_nsec;
 }
 
-/// The steps that shorten or replace what a file held are for files of which no other step is made. No step
-/// waits for a migration that holds writers off: it is stopped while the step is made.
+/// The steps that shorten or replace the contents of a file are for files of which no other step is made. No
+/// step waits for a migration that holds writers off: it is stopped while the step is made.
 class Writer {
 public:
     explicit Writer(const Run& run) : run_(run) {
@@ -65,7 +59,7 @@ public:
         }
     }
     /// Makes the whole folder again where it is missing, with a file in it.
-    void makesAnew(const std::string& name) {
+    void makesAgain(const std::string& name) {
         ::mkdir(run_.from().c_str(), 0755);
         adds(name);
     }
@@ -81,7 +75,7 @@ public:
     }
     void savesOver(const std::string& name) {
         const std::string beside = path(name) + ".new";
-        if (saved_.empty() || !faults::exchange(beside, path(name))) {
+        if (saved_.empty() || !scene::exchange(beside, path(name))) {
             moves(name + ".new", name); // what it would have replaced is not there
             return;
         }
@@ -152,7 +146,7 @@ public:
     }
 
     /// Swaps a folder for a link to the victim's folder, or back.
-    void swaps(const std::string& name) { faults::exchange(path(name), run_ / "swap/place"); }
+    void swaps(const std::string& name) { scene::exchange(path(name), run_ / "swap/place"); }
 
     /// What should be there and is missing.
     scene::Words problems() const {
@@ -204,7 +198,7 @@ private:
         }
     }
 
-    /// A file to which lines were added still begins with what it held before.
+    /// A file to which lines were added still begins with what it contained before.
     static bool isBeginOfOne(const std::string& text, const std::set<std::string>& contents) {
         const auto next = contents.lower_bound(text);
         return next != contents.end() && begins(*next, text.c_str());
