@@ -19,6 +19,9 @@ find_package(Threads REQUIRED)
 include(CarriedTexts)
 
 add_library(zq_objects OBJECT ${ZQ_SOURCES})
+# Two versions installed side by side have their texts in folders of their own.
+set_source_files_properties("${PROJECT_SOURCE_DIR}/foundation/process/BundleLayout.cpp" PROPERTIES
+    COMPILE_DEFINITIONS ZQ_SHARED_FOLDER="ZQFoundation-${PROJECT_VERSION_MAJOR}")
 foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
     # Unnamed namespaces of several sources declare the same names, so a host's wish for unity builds ends here,
     # and so does its wish for warnings as errors, which is meant for its own sources.
@@ -89,7 +92,8 @@ if(APPLE)
     set_source_files_properties("${ZQ_UMBRELLA}" ${ZQ_EXTRA_HEADERS} PROPERTIES MACOSX_PACKAGE_LOCATION Headers)
     target_sources(ZQFoundation PRIVATE "${ZQ_UMBRELLA}" ${ZQ_EXTRA_HEADERS})
 else()
-    set(ZQ_VERSION_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/ZQFoundation.map")
+    set(ZQ_VERSION_SCRIPT "${PROJECT_BINARY_DIR}/ZQFoundation.map")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/ZQFoundation.map.in" "${ZQ_VERSION_SCRIPT}" @ONLY)
     target_link_options(ZQFoundation PRIVATE
         "-Wl,--version-script=${ZQ_VERSION_SCRIPT}" -Wl,-Bsymbolic-functions -Wl,-z,relro,-z,now,-z,noexecstack)
     set_property(TARGET ZQFoundation APPEND PROPERTY LINK_DEPENDS "${ZQ_VERSION_SCRIPT}")

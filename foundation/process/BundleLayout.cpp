@@ -107,8 +107,8 @@ BundleLayout layoutOfLibrary(const std::string& library) {
     }
     // Libraries are in lib or, by architecture, one folder deeper. The folder's name contains the major
     // version, so that two versions can be installed side by side.
-    std::string shared = folder + "/../share/ZQFoundation-27";
-    const std::string deeper = folder + "/../../share/ZQFoundation-27";
+    std::string shared = folder + "/../share/" ZQ_SHARED_FOLDER;
+    const std::string deeper = folder + "/../../share/" ZQ_SHARED_FOLDER;
     if (!isFolder(shared) && isFolder(deeper)) {
         shared = deeper;
     }
