@@ -28,7 +28,7 @@ std::string_view CollectionLayout::separatorOf(const CollectionWalk& walk) const
         return walk.isEmpty() ? brackets.none : brackets.last;
     }
     if (walk.depth() == 0) {
-        return {};
+        return "";
     }
     if (walk.role() == Role::value) {
         return assignment;
