@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How a log line describes the object or class that logs.
+#include "log/LogComposition.h"
+
 #include <gmock/gmock.h>
 
 #include "foundation/objects/NSDate.h"

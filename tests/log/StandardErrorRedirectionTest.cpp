@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Standard error redirected to a log file and back. The descriptor that is kept aside belongs to the process,
 // so each test runs in a process of its own.
+#include "log/StandardErrorRedirection.h"
+
 #include <algorithm>
 #include <array>
 #include <set>
@@ -104,7 +106,7 @@ void inScene(const Body& body) {
 
 // Without a check.
 
-TEST(LogRedirection, restoringDoesNothingBeforeTheFirstRedirection) {
+TEST(StandardErrorRedirection, restoringDoesNothingBeforeTheFirstRedirection) {
     inScene([](const RedirectionScene& scene) {
         const Numbers before = openNumbers();
         ZQLog::clearLogFilePath();
@@ -118,7 +120,7 @@ TEST(LogRedirection, restoringDoesNothingBeforeTheFirstRedirection) {
     });
 }
 
-TEST(LogRedirection, sendsLinesAndStandardErrorToTheEndOfTheFile) {
+TEST(StandardErrorRedirection, sendsLinesAndStandardErrorToTheEndOfTheFile) {
     inScene([](const RedirectionScene& scene) {
         redirect(scene / "file");
         EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "file"));
@@ -135,7 +137,7 @@ TEST(LogRedirection, sendsLinesAndStandardErrorToTheEndOfTheFile) {
     });
 }
 
-TEST(LogRedirection, opensTheFileForAppendingAndReading) {
+TEST(StandardErrorRedirection, opensTheFileForAppendingAndReading) {
     inScene([](const RedirectionScene& scene) {
         redirect(scene / "file");
         const int flags = ::fcntl(STDERR_FILENO, F_GETFL);
@@ -152,7 +154,7 @@ TEST(LogRedirection, opensTheFileForAppendingAndReading) {
     });
 }
 
-TEST(LogRedirection, createsTheFileAndHandsItToProgramsThatTheHostStarts) {
+TEST(StandardErrorRedirection, createsTheFileAndHandsItToProgramsThatTheHostStarts) {
     inScene([](const RedirectionScene& scene) {
         redirect(scene / "new");
         EXPECT_TRUE(refersTo(STDERR_FILENO, scene / "new"));
@@ -167,7 +169,7 @@ TEST(LogRedirection, createsTheFileAndHandsItToProgramsThatTheHostStarts) {
     });
 }
 
-TEST(LogRedirection, keepsTheFirstStandardErrorAside) {
+TEST(StandardErrorRedirection, keepsTheFirstStandardErrorAside) {
     inScene([](const RedirectionScene& scene) {
         const int kept = redirectAndFindKept(scene / "one");
         EXPECT_TRUE(refersTo(kept, scene.first()));
@@ -182,7 +184,7 @@ TEST(LogRedirection, keepsTheFirstStandardErrorAside) {
     });
 }
 
-TEST(LogRedirection, isUndoneByRestoring) {
+TEST(StandardErrorRedirection, isUndoneByRestoring) {
     inScene([](const RedirectionScene& scene) {
         const Numbers before = openNumbers();
         const int kept = redirectAndFindKept(scene / "log");
@@ -200,7 +202,7 @@ TEST(LogRedirection, isUndoneByRestoring) {
 
 // The number of the descriptor that was kept is never forgotten.
 
-TEST(LogRedirection, keepsNothingTheSecondTimeAndRestoresFromWhatHasTheNumberByThen) {
+TEST(StandardErrorRedirection, keepsNothingTheSecondTimeAndRestoresFromWhatHasTheNumberByThen) {
     inScene([](const RedirectionScene& scene) {
         const int stale = redirectAndFindKept(scene / "one");
         ZQLog::clearLogFilePath();
@@ -219,7 +221,7 @@ TEST(LogRedirection, keepsNothingTheSecondTimeAndRestoresFromWhatHasTheNumberByT
     });
 }
 
-TEST(LogRedirection, staysInTheSecondFileWhenNobodyHasTheNumber) {
+TEST(StandardErrorRedirection, staysInTheSecondFileWhenNobodyHasTheNumber) {
     inScene([](const RedirectionScene& scene) {
         redirect(scene / "one");
         ZQLog::clearLogFilePath();
@@ -235,7 +237,7 @@ TEST(LogRedirection, staysInTheSecondFileWhenNobodyHasTheNumber) {
     });
 }
 
-TEST(LogRedirection, restoresAgainWithoutARedirectionBetween) {
+TEST(StandardErrorRedirection, restoresAgainWithoutARedirectionBetween) {
     inScene([](const RedirectionScene& scene) {
         const int stale = redirectAndFindKept(scene / "one");
         ZQLog::clearLogFilePath();
@@ -250,7 +252,7 @@ TEST(LogRedirection, restoresAgainWithoutARedirectionBetween) {
     });
 }
 
-TEST(LogRedirection, keepsNothingOfAClosedStandardError) {
+TEST(StandardErrorRedirection, keepsNothingOfAClosedStandardError) {
     inScene([](const RedirectionScene& scene) {
         ::close(STDERR_FILENO);
         redirect(scene / "one");
@@ -266,7 +268,7 @@ TEST(LogRedirection, keepsNothingOfAClosedStandardError) {
 
 // Paths are not looked at.
 
-TEST(LogRedirection, takesThePathAsItStands) {
+TEST(StandardErrorRedirection, takesThePathAsItStands) {
     inScene([](const RedirectionScene& scene) {
         scene.folder.makeFolder("current/~");
         ASSERT_EQ(::chdir((scene / "current").c_str()), 0);
@@ -308,7 +310,7 @@ void expectLinesToBeLost(const RedirectionScene& scene, const std::string& path)
     EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
 }
 
-TEST(LogRedirection, losesLinesWhenTheFileCannotBeOpenedUntilItIsRestored) {
+TEST(StandardErrorRedirection, losesLinesWhenTheFileCannotBeOpenedUntilItIsRestored) {
     inScene([](const RedirectionScene& scene) {
         scene.link("loop", "loop");
         const Texts paths{scene / "folder", scene / "missing/x.log",      scene / "file/x.log", "",
@@ -324,7 +326,7 @@ TEST(LogRedirection, losesLinesWhenTheFileCannotBeOpenedUntilItIsRestored) {
     });
 }
 
-TEST(LogRedirection, findsItsWayOutOfAFailure) {
+TEST(StandardErrorRedirection, findsItsWayOutOfAFailure) {
     inScene([](const RedirectionScene& scene) {
         redirect(scene / "folder");
         redirect(scene / "log");
@@ -336,7 +338,7 @@ TEST(LogRedirection, findsItsWayOutOfAFailure) {
     });
 }
 
-TEST(LogRedirection, leavesErrnoAlone) {
+TEST(StandardErrorRedirection, leavesErrnoAlone) {
     inScene([](const RedirectionScene& scene) {
         errno = EDOM;
         redirect(scene / "log");
@@ -382,7 +384,7 @@ void expectToRedirect(const RedirectionScene& scene, const Success& row) {
     EXPECT_TRUE(refersTo(STDERR_FILENO, scene.first()));
 }
 
-TEST(LogRedirection, worksForFilesThatAreThereAndForNewOnes) {
+TEST(StandardErrorRedirection, worksForFilesThatAreThereAndForNewOnes) {
     kit::inFreshProcess([] {
         const Success rows[] = {
             {"@/new.log", false, "new.log"},
@@ -420,7 +422,7 @@ TEST(LogRedirection, worksForFilesThatAreThereAndForNewOnes) {
     });
 }
 
-TEST(LogRedirection, takesARelativePathFromTheStandardFolderWhenThatIsThere) {
+TEST(StandardErrorRedirection, takesARelativePathFromTheStandardFolderWhenThatIsThere) {
     inScene([](const RedirectionScene& scene) {
         scene.folder.makeFolder("home/Library/Logs/MyApp");
         ASSERT_EQ(::chdir((scene / "folder").c_str()), 0);
@@ -429,7 +431,7 @@ TEST(LogRedirection, takesARelativePathFromTheStandardFolderWhenThatIsThere) {
     });
 }
 
-TEST(LogRedirection, takesARelativePathFromTheTemporaryFolderWithoutALibrary) {
+TEST(StandardErrorRedirection, takesARelativePathFromTheTemporaryFolderWithoutALibrary) {
     inScene([](const RedirectionScene& scene) {
         ASSERT_EQ(::rmdir((scene / "home/Library").c_str()), 0);
         // A name that nobody else has.
@@ -443,7 +445,7 @@ TEST(LogRedirection, takesARelativePathFromTheTemporaryFolderWithoutALibrary) {
     });
 }
 
-TEST(LogRedirection, givesNewFilesAndFoldersTheModesOfTheUmask) {
+TEST(StandardErrorRedirection, givesNewFilesAndFoldersTheModesOfTheUmask) {
     inScene([](const RedirectionScene& scene) {
         ::umask(027);
         EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(scene / "a/b/x.log"), true));
@@ -483,7 +485,7 @@ void expectFailure(const RedirectionScene& scene, const Failure& row) {
     EXPECT_EQ(openNumbers(), numbers);
 }
 
-TEST(LogRedirection, isRefusedWithAMessageForWhatIsNoRegularFileOrBelowOne) {
+TEST(StandardErrorRedirection, isRefusedWithAMessageForWhatIsNoRegularFileOrBelowOne) {
     inScene([](const RedirectionScene& scene) {
         scene.folder.makeFolder("home/Library/Logs/MyApp");
         scene.folder.makeFolder("100%d %s");
@@ -513,7 +515,7 @@ TEST(LogRedirection, isRefusedWithAMessageForWhatIsNoRegularFileOrBelowOne) {
     });
 }
 
-TEST(LogRedirection, isRefusedInSilenceWithoutAPathAndForAFolderThatIsNotToBeMade) {
+TEST(StandardErrorRedirection, isRefusedInSilenceWithoutAPathAndForAFolderThatIsNotToBeMade) {
     inScene([](const RedirectionScene& scene) {
         for (const bool createFolder : {false, true}) {
             expectFailure(scene, {"", createFolder, ""});
@@ -529,7 +531,7 @@ TEST(LogRedirection, isRefusedInSilenceWithoutAPathAndForAFolderThatIsNotToBeMad
     });
 }
 
-TEST(LogRedirection, isRefusedWithAMessageWhenTheFileCannotBeMade) {
+TEST(StandardErrorRedirection, isRefusedWithAMessageWhenTheFileCannotBeMade) {
     inScene([](const RedirectionScene& scene) {
         const std::string inFolder = "@/folder/" + std::string(300, 'x');
         const std::string inMissing = "@/missing/" + std::string(300, 'x');
@@ -544,7 +546,7 @@ TEST(LogRedirection, isRefusedWithAMessageWhenTheFileCannotBeMade) {
     });
 }
 
-TEST(LogRedirection, isRefusedWithAMessageWhereTheUserMayNotWrite) {
+TEST(StandardErrorRedirection, isRefusedWithAMessageWhereTheUserMayNotWrite) {
     inScene([](const RedirectionScene& scene) {
         scene.link("file", "other");
         ASSERT_EQ(::chmod((scene / "file").c_str(), 0444), 0);
@@ -565,7 +567,7 @@ TEST(LogRedirection, isRefusedWithAMessageWhereTheUserMayNotWrite) {
     });
 }
 
-TEST(LogRedirection, writesItsMessagesWhereLinesGoAtThatTime) {
+TEST(StandardErrorRedirection, writesItsMessagesWhereLinesGoAtThatTime) {
     inScene([](const RedirectionScene& scene) {
         EXPECT_TRUE(ZQLog::setLogFilePath_createFolder(NSString(scene / "log"), false));
         EXPECT_FALSE(ZQLog::setLogFilePath_createFolder(NSString(scene / "folder"), false));
@@ -629,7 +631,7 @@ private:
     std::vector<std::thread> threads_;
 };
 
-TEST(ConcurrentRedirection, putsEveryLineWholeIntoExactlyOnePlace) {
+TEST(ConcurrentStandardErrorRedirection, putsEveryLineWholeIntoExactlyOnePlace) {
     const kit::ScratchFolder folder;
     std::vector<std::string> paths{folder / "origin"};
     std::array<int, loggingThreads> counts{};
@@ -666,7 +668,7 @@ TEST(ConcurrentRedirection, putsEveryLineWholeIntoExactlyOnePlace) {
     EXPECT_TRUE(written == expected) << written.size() << " lines instead of " << expected.size();
 }
 
-TEST(ConcurrentRedirection, leavesTheDocumentsOfOtherThreadsAlone) {
+TEST(ConcurrentStandardErrorRedirection, leavesTheDocumentsOfOtherThreadsAlone) {
     const kit::ScratchFolder folder;
     const std::string loop = folder / "loop";
     ASSERT_EQ(::symlink(loop.c_str(), loop.c_str()), 0);

@@ -49,14 +49,14 @@ std::string standardName() { return "MyApp.20240305-1407." + number() + ".log"; 
 
 // The folder.
 
-TEST(LogFileNames, folderIsTheApplicationsFolderUnderTheLibrary) {
+TEST(LogFiles, folderIsTheApplicationsFolderUnderTheLibrary) {
     const LogScene scene;
     EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
     EXPECT_EQ(ZQLog::standardLogFolder(), NSProcessInfo::pathOfLibraryLogSubfolder());
     EXPECT_FALSE(stands(scene / "home/Library/Logs")) << "nobody asked for it to be made";
 }
 
-TEST(LogFileNames, folderHasALevelForTheCompany) {
+TEST(LogFiles, folderHasALevelForTheCompany) {
     const LogScene scene;
     scene.folder.write("program/Info.plist",
                        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
@@ -68,7 +68,7 @@ TEST(LogFileNames, folderHasALevelForTheCompany) {
               scene / ("home/Library/Logs/Acme/Viewer/" + standardName()));
 }
 
-TEST(LogFileNames, folderIsTheTemporaryOneWithoutALibraryInAHome) {
+TEST(LogFiles, folderIsTheTemporaryOneWithoutALibraryInAHome) {
     const LogScene scene;
     scene.folder.write("file", "no folder");
     scene.folder.write("libraryIsAFile/Library", "");
@@ -98,7 +98,7 @@ TEST(LogFileNames, folderIsTheTemporaryOneWithoutALibraryInAHome) {
         << "the link stays in the path";
 }
 
-TEST(LogFileNames, folderIsInTheHomeOfTheUserDatabaseWithoutAnAbsoluteHome) {
+TEST(LogFiles, folderIsInTheHomeOfTheUserDatabaseWithoutAnAbsoluteHome) {
     const LogScene scene;
     const kit::Variable home("HOME", nullptr);
     const NSString expected = ZQLog::standardLogFolder();
@@ -109,7 +109,7 @@ TEST(LogFileNames, folderIsInTheHomeOfTheUserDatabaseWithoutAnAbsoluteHome) {
     }
 }
 
-TEST(LogFileNames, folderHasTheLinksOfTheHomeResolved) {
+TEST(LogFiles, folderHasTheLinksOfTheHomeResolved) {
     const LogScene scene;
     ASSERT_EQ(::symlink("home", (scene / "toHome").c_str()), 0);
     const kit::Variable home("HOME", (scene / "toHome").c_str());
@@ -120,7 +120,7 @@ TEST(LogFileNames, folderHasTheLinksOfTheHomeResolved) {
 
 // The name.
 
-TEST(LogFileNames, nameHoldsProcessMinuteAndNumber) {
+TEST(LogFiles, nameHoldsProcessMinuteAndNumber) {
     const LogScene scene;
     EXPECT_EQ(newName("/somewhere"), standardName());
     const struct {
@@ -144,7 +144,7 @@ TEST(LogFileNames, nameHoldsProcessMinuteAndNumber) {
     }
 }
 
-TEST(LogFileNames, nameHoldsTheProcessNameAsItIs) {
+TEST(LogFiles, nameHoldsTheProcessNameAsItIs) {
     for (const char* const name : {"a b", "My.App", "%@ %d%n", "caf\u00E9", "-x", "My.log"}) {
         const LogScene scene(name);
         EXPECT_EQ(newName("/x"), std::string(name) + ".20240305-1407." + number() + ".log");
@@ -157,7 +157,7 @@ TEST(LogFileNames, nameHoldsTheProcessNameAsItIs) {
     });
 }
 
-TEST(LogFileNames, nameHoldsAForkedChildsOwnNumber) {
+TEST(LogFiles, nameHoldsAForkedChildsOwnNumber) {
     const LogScene scene;
     const std::string parents = newName("/x");
     EXPECT_EQ(kit::inChild([&] { return newName("/x") == standardName() && newName("/x") != parents; }), 0);
@@ -165,7 +165,7 @@ TEST(LogFileNames, nameHoldsAForkedChildsOwnNumber) {
 
 // Numbers: a name made for a given folder never gets one.
 
-TEST(LogFileNames, nameIsNeverNumberedForAFolder) {
+TEST(LogFiles, nameIsNeverNumberedForAFolder) {
     const LogScene scene;
     scene.folder.write("logs/" + standardName(), "there");
     scene.folder.write("home/Library/Logs/MyApp/" + standardName(), "there");
@@ -181,7 +181,7 @@ TEST(LogFileNames, nameIsNeverNumberedForAFolder) {
     }));
 }
 
-TEST(LogFileNames, nameIsNotNumberedInTheCurrentFolderWhileTheFileOfThatNameStays) {
+TEST(LogFiles, nameIsNotNumberedInTheCurrentFolderWhileTheFileOfThatNameStays) {
     // What is looked for is the file without a number, each of the 999 times.
     const LogScene scene;
     scene.folder.makeFolder("logs");
@@ -196,7 +196,7 @@ TEST(LogFileNames, nameIsNotNumberedInTheCurrentFolderWhileTheFileOfThatNameStay
     })) << "a folder of that name";
 }
 
-TEST(LogFileNames, nameIsPlainWhenOnlyADanglingLinkHasIt) {
+TEST(LogFiles, nameIsPlainWhenOnlyADanglingLinkHasIt) {
     const LogScene scene;
     scene.folder.makeFolder("logs");
     EXPECT_TRUE(insideFolder(scene / "logs", [] {
@@ -204,7 +204,7 @@ TEST(LogFileNames, nameIsPlainWhenOnlyADanglingLinkHasIt) {
     }));
 }
 
-TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
+TEST(LogFiles, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
     kit::inFreshProcess([] {
         const LogScene scene;
         scene.folder.makeFolder("logs");
@@ -246,7 +246,7 @@ TEST(LogFileNames, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
     });
 }
 
-TEST(LogFileNames, nothingIsWrittenAndErrnoIsKept) {
+TEST(LogFiles, nothingIsWrittenAndErrnoIsKept) {
     const LogScene scene;
     const kit::CapturedOutput output;
     errno = EDOM;
