@@ -60,7 +60,8 @@ void expectRows(std::initializer_list<Row> rows) {
         for (const Row& row : rows) {
             const SystemScene system;
             system.writeVersionFile(
-                plistOf((row.value[0] != '\0' ? "<key>ProductVersion</key>" : "") + std::string(row.value)));
+                plistOf(entry("ProductName", "S") +
+                        (row.value[0] != '\0' ? "<key>ProductVersion</key>" : std::string()) + row.value));
             inFirstUse(
                 [&] {
                     EXPECT_EQ(numbers(), row.numbers);
@@ -97,6 +98,8 @@ bool runBesideTable(const std::string& table) {
 TEST(ZQMacOSRuntimeEnvironment, readsTheComponentsOfTheVersion) {
     expectRows({
         {"<string>10.15.7</string>", "10 15 7", "YYYYn"},
+        {"<string>11.2</string>", "11 2 0", "YYYYY"},
+        {"<string>14</string>", "14 0 0", "YYYYY"},
         {"<string>12.1.0.3</string>", "12 1 0", "YYYYY"},
         {"<string>1.2.3.4.5.6</string>", "1 2 3", "nnnnn"},
         {"<string>10..2</string>", "10 0 2", "nnnnn"},
