@@ -69,15 +69,11 @@ std::u16string escaped(std::string_view bytes) {
     return units;
 }
 
-/// Whether more bytes can make a well-formed sequence of these.
-bool isBeginning(const std::string& bytes) {
-    const auto completes = [&](char byte) {
-        const std::string longer = bytes + byte;
-        const auto character = models::characterAt(longer, 0);
-        return (character && character->length == longer.size()) || isBeginning(longer);
-    };
-    constexpr char borders[] = {'\x80', '\x8F', '\x90', '\x9F', '\xA0', '\xBF'};
-    return bytes.size() < 4 && std::any_of(std::begin(borders), std::end(borders), completes);
+/// Whether more bytes can make a well-formed sequence of these, two or three: only the second of a sequence
+/// has bounds of its own, so the lowest continuation bytes show it.
+bool isBeginning(std::string_view bytes) {
+    const auto character = models::characterAt(std::string(bytes) + "\x80\x80", 0);
+    return character && character->length > bytes.size();
 }
 
 /// Length of the sequence or maximal subpart at the front, and the character if the sequence is complete.
@@ -86,7 +82,7 @@ std::pair<std::size_t, std::optional<char32_t>> referenceStep(std::string_view b
         return {character->length, character->number};
     }
     std::size_t length = std::min<std::size_t>(bytes.size(), 3);
-    while (length > 1 && !isBeginning(std::string(bytes.substr(0, length)))) {
+    while (length > 1 && !isBeginning(bytes.substr(0, length))) {
         --length;
     }
     return {length, std::nullopt};
