@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
-# Run by a test: SOURCE compiles with COMPILER, and is refused with each of its cases defined. See
+# Run by a test: SOURCE compiles with COMPILER (and its options), and is refused with each of its cases defined. See
 # zq_add_refusals in Tests.cmake.
 
-set(command "${COMPILER}" -std=c++20 -fsyntax-only -iquote "${ROOT}" -I "${INCLUDE}" "${SOURCE}")
+separate_arguments(COMPILER UNIX_COMMAND "${COMPILER}")
+set(command ${COMPILER} -std=c++20 -fsyntax-only -iquote "${ROOT}" -I "${INCLUDE}" "${SOURCE}")
 
 execute_process(COMMAND ${command} RESULT_VARIABLE result ERROR_VARIABLE said)
 if(NOT result EQUAL 0)

@@ -4,7 +4,8 @@
 # the folder's program, test_<folder>.
 
 if(CMAKE_CROSSCOMPILING)
-    # There is no package of GoogleTest for another processor, so the sources of this machine's package are built.
+    # There is no package of GoogleTest for another processor or C++ library, so the sources of this machine's package
+    # are built.
     set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
     foreach(library gtest gtest_main gmock)
@@ -96,15 +97,18 @@ file(MAKE_DIRECTORY "${ZQ_TEST_HOME}")
 set(ZQ_TEST_ENVIRONMENT
     "HOME=${ZQ_TEST_HOME}" "XDG_CONFIG_HOME=${ZQ_TEST_HOME}/.config" "LOCPATH=${ZQ_TEST_LOCALES}")
 
-# An emulator is slow and has limits of its own: tests that they keep from running are disabled by name.
+# An emulator is slow. It and other libraries have limits of their own: tests that they keep from running are
+# disabled by name.
 set(ZQ_TEST_TIMEOUT 600)
-set(ZQ_NOT_EMULATED)
 if(CMAKE_CROSSCOMPILING_EMULATOR)
     set(ZQ_TEST_TIMEOUT 1800)
-    set(list "${PROJECT_SOURCE_DIR}/cmake/allowed-skips-arm64.txt")
+endif()
+set(ZQ_NOT_RUN)
+set(list "${PROJECT_SOURCE_DIR}/cmake/allowed-skips-${ZQ_PLATFORM}.txt")
+if(EXISTS "${list}")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
-    file(STRINGS "${list}" ZQ_NOT_EMULATED REGEX "^[^#]")
-    list(TRANSFORM ZQ_NOT_EMULATED REPLACE "[ \t].*" "")
+    file(STRINGS "${list}" ZQ_NOT_RUN REGEX "^[^#]")
+    list(TRANSFORM ZQ_NOT_RUN REPLACE "[ \t].*" "")
 endif()
 
 # zq_add_test_program(<target> <sources>...): a GoogleTest program; ctest knows each of its tests.
@@ -125,10 +129,10 @@ function(zq_add_test_program target)
     # A property that is a list can only be set once the tests are known, when ctest reads this file.
     set(file "${CMAKE_CURRENT_BINARY_DIR}/${target}_environment.cmake")
     file(CONFIGURE OUTPUT "${file}" CONTENT [[
-set(not_emulated "@ZQ_NOT_EMULATED@")
+set(not_run "@ZQ_NOT_RUN@")
 foreach(test IN LISTS @target@_TESTS)
     set_tests_properties("${test}" PROPERTIES ENVIRONMENT "@ZQ_TEST_ENVIRONMENT@")
-    list(FIND not_emulated "${test}" place)
+    list(FIND not_run "${test}" place)
     if(NOT place EQUAL -1)
         set_tests_properties("${test}" PROPERTIES DISABLED TRUE)
     endif()
@@ -158,7 +162,7 @@ function(zq_add_refusals name source)
     endif()
     cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
     add_test(NAME refusals.${name}
-        COMMAND "${CMAKE_COMMAND}" "-DCOMPILER=${CMAKE_CXX_COMPILER}" "-DSOURCE=${source}"
+        COMMAND "${CMAKE_COMMAND}" "-DCOMPILER=${CMAKE_CXX_COMPILER} ${CMAKE_CXX_FLAGS}" "-DSOURCE=${source}"
             "-DROOT=${PROJECT_SOURCE_DIR}" "-DINCLUDE=${ZQ_STAGED_INCLUDE}"
             -P "${PROJECT_SOURCE_DIR}/cmake/CheckRefusals.cmake")
     set_tests_properties(refusals.${name} PROPERTIES TIMEOUT 600)

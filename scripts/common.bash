@@ -54,3 +54,8 @@ build() {
     shift
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"} || die "building $preset failed"
 }
+
+# plain_names: demangled names, without what systems and C++ libraries spell differently.
+plain_names() {
+    sed -E 's/std::__(1|cxx11)::/std::/g; s/\[abi:cxx11\]//g; s/\blong long\b/long/g' | sort -u
+}

@@ -6,6 +6,7 @@ set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64)
+set(ZQ_PLATFORM arm64)
 
 set(root /usr/aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH "${root}")

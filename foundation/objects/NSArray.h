@@ -3,6 +3,8 @@
 #ifndef ZQFOUNDATION_OBJECTS_NSARRAY_H
 #define ZQFOUNDATION_OBJECTS_NSARRAY_H
 
+#include <type_traits>
+
 #include "NSString.h"
 
 namespace ZQFoundation {
@@ -187,7 +189,11 @@ template <class Range>
 NSArray NSArray::arrayWithRange(const Range& range) {
     NSMutableArray elements;
     for (const auto& element : range) {
-        elements.addObject(element);
+        if constexpr (requires { requires std::is_same_v<typename Range::value_type, bool>; }) {
+            elements.addObject(static_cast<bool>(element)); // libc++'s std::vector<bool> yields proxies
+        } else {
+            elements.addObject(element);
+        }
     }
     return elements.array();
 }
