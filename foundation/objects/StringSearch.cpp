@@ -360,6 +360,12 @@ NSRange rangeOfText(const UnitView& text, std::size_t start, const AsciiOrUtf16&
                : rangeOfFolded(text, start, wanted, options);
 }
 
+/// With room on the stack for a text that must be converted, which most searches do without.
+[[gnu::noinline]] NSRange rangeOfConverted(const UnitView& text, std::size_t start, StringView wanted,
+                                           const SearchOptions& options) {
+    return rangeOfText(text, start, AsciiOrUtf16(wanted), options);
+}
+
 // Pieces
 
 /// The pieces between separators of plain ASCII or, in bytes, between any separators of bytes.
@@ -418,7 +424,7 @@ NSRange NSString::rangeOfString_options_range(StringView text, unsigned options,
         return found.location == NSNotFound ? found
                                             : NSMakeRange(range.location + found.location, found.length);
     }
-    return rangeOfText(whole.upTo(range.location + range.length), range.location, AsciiOrUtf16(text), how);
+    return rangeOfConverted(whole.upTo(range.location + range.length), range.location, text, how);
 }
 
 NSArray NSString::componentsSeparatedByString(StringView separator) const {

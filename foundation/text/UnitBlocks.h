@@ -76,8 +76,9 @@ std::size_t firstLane(std::uint32_t mask) noexcept {
 /// The first place from `at` on where `unitMatches(place)`, or `length`. `blockMask(place)` answers for a
 /// whole block from there on, which ends at `length` or before it.
 template <class Unit, class BlockMask, class UnitMatches>
-std::size_t nextMatch(std::size_t at, std::size_t length, const BlockMask& blockMask,
-                      const UnitMatches& unitMatches) noexcept {
+[[gnu::always_inline]] inline std::size_t nextMatch(std::size_t at, std::size_t length,
+                                                    const BlockMask& blockMask,
+                                                    const UnitMatches& unitMatches) noexcept {
     for (; length - at >= blockUnits<Unit>; at += blockUnits<Unit>) {
         if (const std::uint32_t mask = blockMask(at); mask != 0) {
             return at + firstLane<Unit>(mask);
