@@ -110,6 +110,7 @@ TEST(OldNotes, aNameThatIsTakenGetsAFreeOne) {
 }
 
 TEST(OldNotes, whatStaysSaysWhy) {
+    const kit::NoLanguages english;
     const kit::ScratchFolder folder;
     folder.write("old/moves.note", "1");
     folder.write("old/locked/stays.note", "2");
