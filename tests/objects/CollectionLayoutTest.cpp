@@ -41,7 +41,8 @@ TEST(CollectionLayout, separatesPartsAndIndentsTheLinesThatItBegins) {
         {NSArray{1, 2, 3}, "(\n  1,\n  2,\n  3!\n)"},
         {NSDictionary{{"a", 1}, {"b", 2}}, "{\n  a=1;\n  b=2;\n}"},
         {NSDictionary{{"a", NSArray{1}}}, "{\n  a=(\n    1!\n  );\n}"},
-        {NSArray{NSArray{NSArray{1}}}, "(\n  (\n    (\n      1!\n    )!\n  )!\n)"},
+        {NSArray::arrayWithObject(NSArray::arrayWithObject(NSArray{1})),
+         "(\n  (\n    (\n      1!\n    )!\n  )!\n)"},
         {NSSet::setWithArray(NSArray{1}), "< 1 >"},
     };
     for (const auto& row : rows) {
@@ -51,7 +52,7 @@ TEST(CollectionLayout, separatesPartsAndIndentsTheLinesThatItBegins) {
 
 TEST(CollectionLayout, hasATextOfItsOwnInsideEmptyCollections) {
     EXPECT_EQ(written(NSArray::array()), "(\n)");
-    EXPECT_EQ(written(NSArray{NSArray::array()}), "(\n  (\n  )!\n)");
+    EXPECT_EQ(written(NSArray::arrayWithObject(NSArray::array())), "(\n  (\n  )!\n)");
     EXPECT_EQ(written(NSArray{NSDictionary::dictionary()}), "(\n  {}!\n)");
     EXPECT_EQ(written(NSSet::setWithArray(NSArray::array())), "<->");
 }
