@@ -178,6 +178,8 @@ bool isWhole(const Tool& tool, int& least, long most) {
 /// Has the tool write the domain again and again, and sends it the signal at each of the calls by which it
 /// uses its folder. The file must be whole after each, and with other entries only where that is allowed.
 void endAtEveryCall(const Tool& tool, int signal, bool mayLeaveFiles) {
+    const ZQFoundation::kit::Variable options("ASAN_OPTIONS",
+                                              "detect_leaks=0"); // cannot be done while traced
     tool.done({"import", "d", "-"}, largeDomain(0));
     const std::string folder = tool.folder() / "ZQFoundation";
     int value = 0;
