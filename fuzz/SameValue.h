@@ -27,10 +27,6 @@ enum class Kept {
 /// Deep values are compared by recursion; the readers allow a few hundred levels.
 bool isSame(const NSObject& found, const NSObject& original, Kept kept);
 
-} // namespace ZQFoundation
-
-namespace ZQFoundation::detail {
-
 using ZQFoundation::detail::Access;
 using ZQFoundation::detail::Kind;
 
@@ -91,27 +87,22 @@ inline bool isSameScalar(const NSObject& found, const NSObject& original, Kept k
     }
 }
 
-} // namespace ZQFoundation::detail
-
-namespace ZQFoundation {
-
 inline bool isSame(const NSObject& found, const NSObject& original, Kept kept) {
-    using detail::Kind;
-    const Kind kind = detail::kindOf(original, kept);
+    const Kind kind = kindOf(original, kept);
     const bool isContainerOrBytes = kind == Kind::array || kind == Kind::dictionary || kind == Kind::data;
     if (kept == Kept::texts && !isContainerOrBytes) {
         return NSString(found).isEqualToString(original.description());
     }
-    if (detail::kindOf(found, Kept::everything) != kind) {
+    if (kindOf(found, Kept::everything) != kind) {
         return false;
     }
     switch (kind) {
     case Kind::array:
-        return detail::isSameArray(NSArray(found), NSArray(original), kept);
+        return isSameArray(NSArray(found), NSArray(original), kept);
     case Kind::dictionary:
-        return detail::isSameDictionary(NSDictionary(found), NSDictionary(original), kept);
+        return isSameDictionary(NSDictionary(found), NSDictionary(original), kept);
     default:
-        return detail::isSameScalar(found, original, kept);
+        return isSameScalar(found, original, kept);
     }
 }
 
