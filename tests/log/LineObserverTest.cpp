@@ -3,7 +3,6 @@
 // its context may go when it is replaced.
 #include "foundation/process/LineObserver.h"
 
-#include <csignal>
 #include <exception>
 #include <mutex>
 
@@ -13,6 +12,7 @@
 #include "info/ZQLogInfo.h"
 #include "log/NSAssertionHandler.h"
 #include "tests/kit/AllocationCount.h"
+#include "tests/kit/Interruptions.h"
 #include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
@@ -377,7 +377,6 @@ TEST(LineObserverConcurrency, holdsACancellationOfTheThreadOff) {
     EXPECT_TRUE(isWhole);
 }
 
-std::atomic<long> handlerLines = 0;
 std::atomic<long> observedHandlerLines = 0;
 
 TEST(LineObserverConcurrency, isCalledForTheLinesOfAHandlerButNotInsideItself) {
@@ -402,28 +401,10 @@ TEST(LineObserverConcurrency, isCalledForTheLinesOfAHandlerButNotInsideItself) {
             --own.depth;
         },
         &state);
-    struct sigaction action {};
-    struct sigaction before {};
-    action.sa_handler = [](int) {
-        ZQLog::log("handler");
-        ++handlerLines;
-    };
-    ::sigaction(SIGUSR1, &action, &before);
-    std::atomic<bool> ends = false;
-    std::thread interrupted([&] {
-        while (!ends) {
-            ZQLog::log("plain");
-        }
-    });
-    for (long i = 0; i < interruptions; ++i) {
-        ::pthread_kill(interrupted.native_handle(), SIGUSR1);
-        while (handlerLines == i) {
-            std::this_thread::yield();
-        }
+    const kit::Interruptions handler([] { ZQLog::log("handler"); }, interruptions);
+    while (!handler.areOver()) {
+        ZQLog::log("plain");
     }
-    ends = true;
-    interrupted.join();
-    ::sigaction(SIGUSR1, &before, nullptr);
     EXPECT_EQ(state.greatestDepth, 1);
     EXPECT_GT(observedHandlerLines, interruptions / 10); // most of the time the thread is at its write
     EXPECT_LE(observedHandlerLines, interruptions);

@@ -12,7 +12,7 @@ using namespace ZQFoundation;
 namespace {
 
 constexpr int threads = kit::isSanitized ? 4 : 8;
-constexpr int interruptions = kit::isSanitized ? 200 : 480;
+constexpr int interruptions = kit::isSanitized ? 800 : 1920;
 
 /// Checks that each line is whole and one that the storm writes; returns the number of the handler's lines.
 long handlerLinesIn(const std::string& bytes) {

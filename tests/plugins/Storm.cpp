@@ -3,11 +3,12 @@
 #include "tests/plugins/Storm.h"
 
 #include <atomic>
-#include <csignal>
 #include <cstdlib>
 #include <thread>
 
 #include <ZQFoundation/ZQFoundation.h>
+
+#include "tests/kit/Interruptions.h"
 
 using namespace ZQFoundation;
 
@@ -77,15 +78,13 @@ void act(long number) {
     }
 }
 
-void handle(int) {
-    act(calls.load());
-    ++calls;
-}
+void handle() { act(calls++); }
 
 /// What a thread is interrupted in: the C library's allocator, and the calls that the handler makes.
-void beInterrupted(const std::atomic<bool>& ends) {
+void beInterrupted(int times) {
+    const kit::Interruptions interruptions(handle, times);
     void* blocks[16] = {};
-    for (unsigned turn = 0; !ends; ++turn) {
+    for (unsigned turn = 0; !interruptions.areOver(); ++turn) {
         void*& block = blocks[turn % 16];
         std::free(block);
         block = std::malloc(turn * 37 % 5000);
@@ -100,20 +99,6 @@ void beInterrupted(const std::atomic<bool>& ends) {
     }
 }
 
-void interrupt(int interruptions) {
-    std::atomic<bool> ends = false;
-    std::thread thread([&ends] { beInterrupted(ends); });
-    for (int i = 0; i < interruptions; ++i) {
-        const long before = calls;
-        ::pthread_kill(thread.native_handle(), SIGUSR1);
-        while (calls == before) {
-            std::this_thread::yield();
-        }
-    }
-    ends = true;
-    thread.join();
-}
-
 } // namespace
 
 __attribute__((visibility("default"))) long storm(int threads, int interruptions) {
@@ -121,9 +106,6 @@ __attribute__((visibility("default"))) long storm(int threads, int interruptions
     NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceStorm", true}});
     ZQLog::initializeTraceDefaultsDict();
     ZQLog::log("start");
-    struct sigaction action {};
-    action.sa_handler = handle;
-    ::sigaction(SIGUSR1, &action, nullptr);
     std::atomic<bool> ends = false;
     std::thread reader([&ends] {
         while (!ends) {
@@ -131,7 +113,7 @@ __attribute__((visibility("default"))) long storm(int threads, int interruptions
         }
     });
     for (int i = 0; i < threads; ++i) {
-        interrupt(interruptions);
+        std::thread([interruptions] { beInterrupted(interruptions); }).join();
     }
     ends = true;
     reader.join();

@@ -5,7 +5,6 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,6 +14,7 @@
 #include <unistd.h>
 
 #include "tests/kit/Child.h"
+#include "tests/kit/Interruptions.h"
 #include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
@@ -116,37 +116,20 @@ TEST(Lock, isFreeInAForkedChildWhoseParentHadAnotherThreadInside) {
 namespace {
 
 constinit Lock lockOfHandler;
-constinit long inside = 0;
 
 /// Whoever is interrupted between taking the lock and saying so would wait for itself here.
-void lockInHandler(int) {
-    const Guard guard(lockOfHandler);
-    __atomic_add_fetch(&inside, 1, __ATOMIC_RELAXED);
-}
+void lockInHandler() { const Guard guard(lockOfHandler); }
 
 } // namespace
 
 TEST(Lock, isTakenAgainByAHandlerThatInterruptsItsThread) {
-    constexpr long interruptions = 2000;
+    constexpr long interruptions = 20000;
     EXPECT_TRUE(holdsInChild([] {
-        struct sigaction action {};
-        action.sa_handler = lockInHandler;
-        sigaction(SIGUSR1, &action, nullptr);
-        std::thread interrupted([] {
-            long rounds = 0;
-            while (__atomic_load_n(&inside, __ATOMIC_RELAXED) < interruptions) {
-                const Guard outer(lockOfHandler);
-                const Guard inner(lockOfHandler);
-                ++rounds;
-            }
-        });
-        for (long i = 0; i < interruptions; ++i) {
-            pthread_kill(interrupted.native_handle(), SIGUSR1);
-            while (__atomic_load_n(&inside, __ATOMIC_RELAXED) == i) {
-                std::this_thread::yield();
-            }
+        const kit::Interruptions handler(lockInHandler, interruptions);
+        while (!handler.areOver()) {
+            const Guard outer(lockOfHandler);
+            const Guard inner(lockOfHandler);
         }
-        interrupted.join();
         return !lockOfHandler.isHeldByThisThread();
     }));
 }

@@ -2,10 +2,7 @@
 // Memory that signal handlers can allocate.
 #include "foundation/system/SignalSafeMemory.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <deque>
@@ -14,6 +11,11 @@
 #include <thread>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "tests/kit/Interruptions.h"
+
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
@@ -143,37 +145,22 @@ TEST(SignalSafeMemoryConcurrency, keepsBlocksOfThreadsApart) {
     EXPECT_EQ(right, 4);
 }
 
-constinit int handled = 0;
 constinit int rightInHandler = 0;
 
-void takeInHandler(int) {
+void takeInHandler() {
     const Block first(100, 1);
     const Block second(100, 2);
     rightInHandler += first.isWhole() && second.isWhole() ? 1 : 0;
-    __atomic_add_fetch(&handled, 1, __ATOMIC_RELEASE);
 }
 
 TEST(SignalSafeMemoryConcurrency, servesAHandlerThatInterruptsIt) {
-    constexpr int interruptions = 5'000;
-    struct sigaction action {};
-    action.sa_handler = takeInHandler;
-    struct sigaction before {};
-    ::sigaction(SIGUSR1, &action, &before);
+    constexpr int interruptions = 20'000;
+    const kit::Interruptions handler(takeInHandler, interruptions);
     bool isRight = true;
-    std::thread thread([&isRight] {
-        while (__atomic_load_n(&handled, __ATOMIC_ACQUIRE) < interruptions) {
-            const Block block(100, 3);
-            isRight = isRight && block.isWhole();
-        }
-    });
-    for (int i = 0; i < interruptions; ++i) {
-        ::pthread_kill(thread.native_handle(), SIGUSR1);
-        while (__atomic_load_n(&handled, __ATOMIC_ACQUIRE) == i) {
-            std::this_thread::yield();
-        }
+    while (!handler.areOver()) {
+        const Block block(100, 3);
+        isRight = isRight && block.isWhole();
     }
-    thread.join();
-    ::sigaction(SIGUSR1, &before, nullptr);
     EXPECT_TRUE(isRight);
     EXPECT_EQ(rightInHandler, interruptions);
 }

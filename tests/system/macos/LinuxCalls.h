@@ -7,11 +7,14 @@
 
 #include <fcntl.h>
 #include <limits.h>
+#include <pthread.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysctl.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -98,15 +101,33 @@ inline ssize_t llistxattr(const char* path, char* names, std::size_t size) {
 }
 inline int removexattr(const char* path, const char* name) { return ::removexattr(path, name, 0); }
 
-// Calls by number, of which tests make two.
+// Calls by number, of which tests make three.
 struct ExitGroup {};
+struct GetTid {};
 struct RenameAt2 {};
 inline constexpr ExitGroup SYS_exit_group;
 inline constexpr RenameAt2 SYS_renameat2;
+inline constexpr GetTid SYS_gettid;
 
 [[noreturn]] inline void syscall(ExitGroup, int status) { ::_exit(status); }
+inline long syscall(GetTid) { return static_cast<long>(::pthread_mach_thread_np(::pthread_self())); }
 inline long syscall(RenameAt2, int from, const char* one, int to, const char* other, int) {
     return ::renameatx_np(from, one, to, other, RENAME_SWAP);
+}
+
+// A thread's timer, by that of the process, whose signal may interrupt any thread.
+#define sigev_notify_thread_id sigev_value.sival_int
+inline constexpr int SIGEV_THREAD_ID = 4;
+using timer_t = int;
+struct itimerspec {
+    timespec it_interval;
+    timespec it_value;
+};
+inline int timer_create(clockid_t, sigevent*, timer_t*) { return 0; }
+inline int timer_delete(timer_t) { return 0; }
+inline int timer_settime(timer_t, int, const itimerspec* time, itimerspec*) {
+    const itimerval value{{0, 0}, {0, static_cast<suseconds_t>(time->it_value.tv_nsec / 1000)}};
+    return ::setitimer(ITIMER_PROF, &value, nullptr);
 }
 
 /// By the path, which the descriptor of an ordinary file has.
