@@ -138,15 +138,18 @@ bool waitsWhileTheMonitorIsHeld(const Action& action) {
     return background->isDoneSoon() && waited;
 }
 
+/// Not a lambda, whose megabyte the compiler would try to make, for seconds in each source.
+inline std::string makeFilling() {
+    std::string bytes;
+    while (bytes.size() < (std::size_t{1} << 20)) {
+        bytes += "abcdefghijklmnopqrstuvwxyz0123456789-";
+    }
+    return bytes;
+}
+
 /// A filling in which every byte shows whether it is where it belongs.
 inline std::string_view filling(std::size_t start, std::size_t length) {
-    static const std::string pattern = [] {
-        std::string bytes;
-        while (bytes.size() < (std::size_t{1} << 20)) {
-            bytes += "abcdefghijklmnopqrstuvwxyz0123456789-";
-        }
-        return bytes;
-    }();
+    static const std::string pattern = makeFilling();
     return std::string_view(pattern).substr(start % 37, length);
 }
 
