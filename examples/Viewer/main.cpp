@@ -35,7 +35,7 @@ enum ExitStatus { succeeded = 0, failed = 1, misused = 2 };
 constexpr const char help[] =
     "Usage: Viewer [-<default> <value>]... [<document>]...\n"
     "\n"
-    "Opens the documents, sends each through a pretended network session and lays it out\n"
+    "Opens the documents, sends each through a simulated network session and lays it out\n"
     "on pages. Without a document it works on a sample, which it writes to a temporary\n"
     "folder. It logs into a new file in ~/Library/Logs/Example/Viewer, or in /tmp when the\n"
     "home folder has no Library, and only for the trace keys that are set:\n"
