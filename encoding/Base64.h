@@ -17,8 +17,9 @@ namespace ZQFoundation {
 /// Otherwise `outputLength`, unless it is null, receives the number of bytes before the zero. Callable from
 /// any thread.
 ///
-/// std::uint64_t length = 0; char* text = NewBase64Encode("hello", 5, 0, &length);  // "aGVsbG8=", length is
-/// 8 std::free(text);
+///     std::uint64_t length = 0;
+///     char* text = NewBase64Encode("hello", 5, 0, &length);  // "aGVsbG8=", length is 8
+///     std::free(text);
 extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* buffer, std::uint64_t length,
                                                                    int separateLines,
                                                                    std::uint64_t* outputLength) noexcept;

@@ -3,10 +3,9 @@
 #ifndef ZQFOUNDATION_GLIB_H
 #define ZQFOUNDATION_GLIB_H
 
-/// For hosts made with GLib or GTK: their texts, dates, errors and variants as values and back, as arguments
-/// of
-/// `%@`, and their own messages in the log. Needs GLib alone; with glibmm in sight, gtkmm's types are there
-/// too.
+/// For hosts that use GLib or GTK: converts their texts, dates, errors and variants to values and back, makes
+/// them arguments of `%@`, and writes their messages to the log. Needs only GLib; if the headers of glibmm
+/// are found, its types are converted too.
 ///
 ///     #include <ZQFoundation/Glib.h>
 ///
@@ -25,9 +24,9 @@
 
 namespace ZQFoundation {
 
-/// The value of a variant: texts, numbers, arrays and tuples, dictionaries, what a variant or a maybe holds;
-/// bytes
-/// ("ay") are data. Nil for null and for an empty maybe; inside collections that is the null object.
+/// The value of a variant: texts, numbers, arrays and tuples, dictionaries, and the contents of a variant or
+/// a maybe; bytes ("ay") are data. Nil for null and for an empty maybe; inside collections that is the null
+/// object.
 inline NSObject objectOf(GVariant* variant);
 
 } // namespace ZQFoundation
@@ -111,9 +110,9 @@ inline NSObject objectOf(GVariant* variant) {
     }
 }
 
-/// A variant of the value, floating as fresh ones are: "s", "b", "x", "t", "d", "ay", "av", "a{sv}"; dates
-/// are "x", microseconds since 1970. Null for nil and for values that are none of these; the null object is
-/// an empty maybe. U+0000 ends a text.
+/// A variant of the value, with a floating reference like any new one: "s", "b", "x", "t", "d", "ay", "av",
+/// "a{sv}"; dates are "x", microseconds since 1970. Null for nil and for values that are none of these; the
+/// null object is an empty maybe. U+0000 ends a text.
 inline GVariant* variantOf(const NSObject& object) {
     if (const NSNumber number(object); number) {
         return number.isBoolean() ? g_variant_new_boolean(number.boolValue())
@@ -161,8 +160,8 @@ inline NSString textOf(const GError* error) {
                                                          g_quark_to_string(error->domain), error->code);
 }
 
-/// To the microsecond, as GLib counts; null and nil are each other's. The caller releases what `dateTimeOf`
-/// makes; it is of UTC, and null for a date beyond the years 1 to 9999.
+/// To the microsecond, as in GLib; null converts to nil and nil to null. The caller releases the result of
+/// `dateTimeOf`, which is in UTC, and null for a date outside the years 1 to 9999.
 inline NSDate dateOf(GDateTime* time) {
     return time == nullptr ? NSDate()
                            : NSDate::dateWithTimeIntervalSince1970(
@@ -212,9 +211,10 @@ struct ObjectConversion<Variant> {
 };
 #endif
 
-/// Makes all that GLib, GTK and the host log by `g_message`, `g_warning` and the others lines of the log:
-/// "Gtk: warning: ...", after the log's own prefix. Debug and info messages are written for the domains that
-/// G_MESSAGES_DEBUG names, as GLib itself does. Call it once: GLib accepts one writer per process.
+/// Writes everything that GLib, GTK and the host log with `g_message`, `g_warning` and the like as lines of
+/// the log: "Gtk: warning: ...", after the log's own prefix. Debug and info messages are written for the
+/// domains that G_MESSAGES_DEBUG names, as GLib itself does. Call it once: GLib accepts one writer per
+/// process.
 inline void logMessagesOfGLib() {
     g_log_set_writer_func(
         [](GLogLevelFlags level, const GLogField* fields, gsize count, gpointer) -> GLogWriterOutput {

@@ -3,14 +3,14 @@
 #ifndef ZQFOUNDATION_QT_H
 #define ZQFOUNDATION_QT_H
 
-/// For hosts made with Qt 6: its texts, dates, URLs, lists and variants as values and back, as arguments of
-/// `%@`, and its own messages in the log. Needs QtCore alone.
+/// For hosts that use Qt 6: converts its texts, dates, URLs, lists and variants to values and back, makes
+/// them arguments of `%@`, and writes its messages to the log. Needs only QtCore.
 ///
 ///     #include <ZQFoundation/Qt.h>
 ///
 ///     ZQFoundation::ZQLog::logWithFormat("opened %@ of %@", url, QStringList{"a", "b"});
-///     ZQFoundation::NSString name = label->text();     // into values: by itself
-///     label->setText(name.as<QString>());               // out of them: by `as`
+///     ZQFoundation::NSString name = label->text();      // to values: implicitly
+///     label->setText(name.as<QString>());               // and back: by `as`
 ///     ZQFoundation::logMessagesOfQt();
 ///
 /// Names are written in full: on some systems Qt's headers declare global classes of the same names.
@@ -29,8 +29,8 @@
 
 namespace ZQFoundation {
 
-/// A text of UTF-16 in Qt's own storage, which nothing copies for an argument. A null QString is the nil
-/// text; nil gives a null one.
+/// A UTF-16 text in Qt's own storage, which is not copied for an argument. A null QString is the nil text,
+/// and nil converts to a null QString.
 template <>
 struct ObjectConversion<QString> {
     static StringView text(const QString& string) {
@@ -78,7 +78,7 @@ struct ObjectConversion<QByteArray> {
     }
 };
 
-/// To the millisecond, as Qt counts; an invalid one is nil. Back it is of UTC.
+/// To the millisecond, as in Qt; an invalid one is nil. Converted back, it is in UTC.
 template <>
 struct ObjectConversion<QDateTime> {
     static NSDate object(const QDateTime& time) {
@@ -102,7 +102,7 @@ struct ObjectConversion<QUrl> {
     }
 };
 
-/// Element by element; those that are nil are the null object. Back, empty for anything but an array.
+/// Element by element; nil elements become the null object. Back: empty for anything but an array.
 template <class T>
 struct ObjectConversion<QList<T>> {
     static NSArray object(const QList<T>& list) {
@@ -156,8 +156,9 @@ struct ObjectConversion<QMap<QString, T>> : detail::QtMapConversion<QMap<QString
 template <class T>
 struct ObjectConversion<QHash<QString, T>> : detail::QtMapConversion<QHash<QString, T>> {};
 
-/// What a variant holds: texts, numbers, dates, URLs, bytes, lists and maps; any other type by the text that
-/// Qt has for it, and nil for an invalid variant and a type without one. Back, what corresponds.
+/// The contents of a variant: texts, numbers, dates, URLs, bytes, lists and maps; any other type by the text
+/// that Qt has for it; nil for an invalid variant and for a type without such a text. Back: the corresponding
+/// type.
 template <>
 struct ObjectConversion<QVariant> {
     static NSObject object(const QVariant& variant) {
@@ -212,7 +213,7 @@ struct ObjectConversion<QVariant> {
     }
 };
 
-/// Makes Qt's messages (`qDebug` to `qFatal`, also those of categories) lines of the log: "qt.network:
+/// Writes Qt's messages (`qDebug` to `qFatal`, also those of categories) as lines of the log: "qt.network:
 /// warning: ...", after the log's own prefix. Qt itself ends the process after a fatal message.
 inline void logMessagesOfQt() {
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {

@@ -3,12 +3,12 @@
 #ifndef ZQFOUNDATION_STD_H
 #define ZQFOUNDATION_STD_H
 
-/// For who wants it: values and the heavier types of the standard library, both ways.
+/// Optional: converts the heavier types of the standard library to values and back.
 ///
 ///     #include <ZQFoundation/Std.h>
 ///
-///     NSString name = std::filesystem::path("/tmp/a");             // into values: by itself
-///     auto path = name.as<std::filesystem::path>();                // out of them: by `as`
+///     NSString name = std::filesystem::path("/tmp/a");             // to values: implicitly
+///     auto path = name.as<std::filesystem::path>();                // and back: by `as`
 ///     auto when = date.as<std::chrono::system_clock::time_point>();
 ///     auto limit = settings["limit"].as<std::optional<int>>();     // nothing for any other value
 ///     auto names = array.as<std::vector<std::string>>();
@@ -37,7 +37,7 @@ namespace ZQFoundation::detail {
 template <class T>
 concept ReturnedNumber = std::is_arithmetic_v<T> && !isCharacter<T> && !std::is_same_v<T, long double>;
 
-/// Whether the number is one of the type's own: nothing is cut.
+/// Whether the type can represent the number without truncation.
 template <ReturnedNumber T>
 bool holdsNumber(const NSNumber& number) {
     if constexpr (std::is_same_v<T, bool>) {
@@ -99,8 +99,8 @@ struct ObjectConversion<std::filesystem::path> {
     }
 };
 
-/// A time of the system's clock is a date. On the way back what is finer than the clock is rounded toward the
-/// past; 1970 for anything but a date.
+/// A time of the system's clock is a date. Back: rounded toward the past to the clock's precision; 1970 for
+/// anything but a date.
 template <class Duration>
 struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Duration>> {
     using Time = std::chrono::time_point<std::chrono::system_clock, Duration>;
@@ -155,7 +155,7 @@ struct ObjectConversion<std::error_code> {
     }
 };
 
-/// The value or nil; back, nothing for nil, for a value of another kind, and for a number that does not fit.
+/// The value or nil. Back: nothing for nil, for a value of another kind, and for a number that does not fit.
 template <class T>
 struct ObjectConversion<std::optional<T>> {
     static NSObject object(const std::optional<T>& value) { return value ? NSObject(*value) : NSObject(); }
@@ -175,7 +175,7 @@ struct ObjectConversion<std::optional<T>> {
     }
 };
 
-/// An array; back, each element by itself. Empty for anything but an array.
+/// An array. Back: each element by itself; empty for anything but an array.
 template <class T>
     requires(!std::is_same_v<T, char> && !std::is_same_v<T, char8_t> && !std::is_same_v<T, char16_t>)
 struct ObjectConversion<std::vector<T>> {

@@ -7,7 +7,7 @@
 
 namespace ZQFoundation {
 
-/// What the kernel's routes say about the local network.
+/// The local address that a route uses.
 class ZQFOUNDATION_EXPORT NetworkInfo {
 public:
     NetworkInfo() = delete;
@@ -15,7 +15,8 @@ public:
     /// The local IPv4 address of the interface that a route to the destination ("192.0.2.1") uses, as
     /// "192.168.1.20"; nil on failure, with a line on standard error, and for the address 0.0.0.0.
     ///
-    /// **Each call keeps one descriptor for the rest of the process.** Not for two threads at once.
+    /// **Each call leaks one descriptor, which stays open until the process ends.** Two threads must not call
+    /// it at once.
     static NSString getLocalIPAddressStringOfInterfaceOfRouteTo(const NSString& destination);
 };
 

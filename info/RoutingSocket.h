@@ -11,7 +11,7 @@ namespace ZQFoundation {
 
 /// A socket address as routing messages carry it: its own length first, which counts these two bytes too.
 struct RoutingSocketAddress {
-    std::uint8_t sa_len;      ///< bytes of the whole address, these two among them
+    std::uint8_t sa_len;      ///< bytes of the whole address, including these two
     std::uint8_t sa_family;   ///< address family: `AF_INET` and the like
     std::uint8_t sa_data[14]; ///< the address, as its family lays it out
 };
@@ -55,8 +55,8 @@ extern ZQFOUNDATION_EXPORT RoutingSocketAddressStorage so_ifp;
 /// The local IPv4 address, in network byte order, of the interface through which the kernel would send to the
 /// destination, given as dotted text ("192.0.2.1"). Any other text asks for the route to 0.0.0.0.
 ///
-/// 0 on failure, with a line on standard error that names the step. **Each call keeps one descriptor and 604
-/// bytes for the rest of the process.** Not for two threads at once.
+/// 0 on failure, with a line on standard error that names the step. **Each call leaks one descriptor and 604
+/// bytes until the process ends.** Two threads must not call it at once.
 ZQFOUNDATION_EXPORT std::uint32_t getLocalIPAddressOfInterfaceOfRouteTo(const char* destination);
 
 /// Splits the socket addresses of a routing message. For each bit of the mask from bit 0 to bit 7 that is

@@ -8,7 +8,8 @@
 
 namespace ZQFoundation {
 
-/// What runs, on which system, and with which switches: the facts and the report at the beginning of a log.
+/// Which application runs, on which system, and with which switches: the facts and the report at the start of
+/// a log.
 ///
 ///     ZQLogInfo::standardStartupLog(); // writes nothing unless a trace key is active
 ///

@@ -118,8 +118,8 @@ public:
     /// @}
 
     /// @name Log files
-    /// Nothing here happens automatically, takes a lock or is safe on two threads at once; other threads may
-    /// log meanwhile, each line to one target as a whole.
+    /// Nothing here happens automatically or takes a lock, and two threads must not call it at once. Other
+    /// threads may log meanwhile: each line is written whole, to the old or the new target.
     /// @{
 
     /// The application's folder under ~/Library/Logs, which need not exist; "/tmp" when the home folder has
@@ -169,7 +169,8 @@ public:
     static void removeLogfilesOlderThan_fromFolder(const NSDate& date, const NSString& folder);
 
     /// Removes all but the newest `count` of the folder's log files of this process name, writing a line for
-    /// each. Here names may contain "-". Of files with the same date one counts, and the others stay.
+    /// each. Here names may contain "-". Of several files with the same date, one is counted, and the others
+    /// stay.
     static void removeOldLogfilesFromFolder_keepingTheNewest(const NSString& folder, std::size_t count);
 
     /// @}

@@ -9,7 +9,7 @@
 namespace ZQFoundation {
 
 /// Orders version strings. Class operations only; any thread may call them. Comparing versions of ordinary
-/// length allocates nothing, unless two tokens that differ hold letters beyond ASCII.
+/// length allocates nothing, unless two different tokens contain letters beyond ASCII.
 ///
 ///     ZQVersionComparator::compareVersion_toVersion("1.9", "1.10");  // NSOrderedAscending
 ///     ZQVersionComparator::compareVersion_toVersion("1.0b", "1.0");  // NSOrderedAscending

@@ -50,10 +50,10 @@ inline constexpr const char* NSFileType = "NSFileType";
 /// Attribute: the size in bytes.
 inline constexpr const char* NSFileSize = "NSFileSize";
 
-/// Attribute: when the contents last changed, as exactly as a date holds it.
+/// Attribute: when the contents last changed, as exactly as a date can represent it.
 inline constexpr const char* NSFileModificationDate = "NSFileModificationDate";
 
-/// Attribute: when the item was made; absent where the system keeps no such time.
+/// Attribute: when the item was created; missing where the system does not record that time.
 inline constexpr const char* NSFileCreationDate = "NSFileCreationDate";
 
 /// Attribute: the low 12 bits of the mode.
@@ -109,8 +109,8 @@ inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown";
 ///
 /// A path is used as it is: "~" is not expanded, a relative one is relative to the current folder. Nil, the
 /// empty path, U+0000 and unpaired surrogates that represent no byte of a file name make every operation
-/// fail. Failures are false or nil, never exceptions; `errorText`, where there is one and it is not null,
-/// then says what went wrong ("/a/b: Permission denied") and becomes nil on success.
+/// fail. Failures are false or nil, never exceptions; `errorText`, where an operation has it and it is not
+/// null, then says what went wrong ("/a/b: Permission denied"), and becomes nil on success.
 ///
 /// Paths may be of any length. Any thread may call any operation at any time; `errno` is preserved. Between
 /// two calls other processes may change what is there.
@@ -142,18 +142,20 @@ public:
     /// if it is no folder or cannot be read.
     NSArray contentsOfDirectoryAtPath_error(StringView path, NSString* errorText = nullptr) const;
 
-    /// Makes a folder. Without intermediates: false if anything exists at the path. With them: also makes
-    /// the missing folders above, and true if a folder, or a link to one, exists there already; folders
-    /// made before a failure stay. Mode 0777 less the umask, then the attributes, for each folder that was
-    /// made; attributes that are unknown or cannot be applied are ignored.
+    /// Creates a folder. Without intermediates: false if anything exists at the path. With them: also creates
+    /// the missing parent folders, and returns true if a folder, or a link to one, already exists there;
+    /// folders created before a failure stay. Each new folder has the mode 0777 less the umask, and then gets
+    /// the attributes; those that are unknown or cannot be applied are ignored.
     bool createDirectoryAtPath_withIntermediateDirectories_attributes_error(
         StringView path, detail::Flag withIntermediateDirectories, const NSDictionary& attributes,
         NSString* errorText = nullptr);
 
     /// Writes a new file next to the path and renames it over what exists there: others see the old file or
-    /// the whole new one. A link at the path is replaced, not followed. An existing file's mode is kept, a
-    /// new one gets 0666 less the umask, then the attributes (permissions, modification date, owner) are
-    /// applied, failures ignored. Nil contents make an empty file. False for a folder at the path.
+    /// the complete new one. A link at the path is replaced, not followed. An existing file's mode is kept
+    /// (without the set-ID bits if owner or group change); a new file gets 0666 less the umask. Then the
+    /// attributes (permissions, modification date, owner) are applied; those that fail are ignored. Nil
+    /// contents make an empty file. False, with the old file unchanged, if there is a folder at the path, the
+    /// parent folder is missing or anything else fails: the reason is not reported.
     [[nodiscard]] bool createFileAtPath_contents_attributes(StringView path, const NSData& contents,
                                                             const NSDictionary& attributes);
 
@@ -161,20 +163,20 @@ public:
     NSDirectoryEnumerator enumeratorAtPath(StringView path) const;
 
     /// Copies a file, a link as a link with the same text, or a whole tree. Nothing may exist at the
-    /// destination (a dangling link counts), and its parent must exist. Kept are contents (holes too),
-    /// permissions, modification and access times, extended attributes, access lists, and the owner where
-    /// that is allowed; hard links become separate files; new pipes and sockets are made, and devices where
-    /// that is allowed. Folders get their permissions and times when their contents are complete. While a
-    /// copy is being made, nobody can read it who may not read the source.
+    /// destination (a dangling link counts), and its parent must exist. Contents (with holes), permissions,
+    /// modification and access times, extended attributes and access lists are preserved, and the owner where
+    /// that is allowed; hard links become separate files; pipes and sockets are created again, and devices
+    /// where that is allowed. Folders get their permissions and times when their contents are complete. While
+    /// a copy is being made, nobody can read it who may not read the source.
     ///
-    /// The first failure, which may be one of the last write that shows only at the end, stops the copy with
-    /// false; what was copied stays. False, before anything is made, for a folder copied into itself or
-    /// below.
+    /// The first failure, which may be that of a write reported only when the file is closed, stops the copy
+    /// with false; what was copied stays. False, before anything is created, for a folder that would be
+    /// copied into itself or below itself.
     [[nodiscard]] bool copyItemAtPath_toPath_error(StringView source, StringView destination,
                                                    NSString* errorText = nullptr);
 
-    /// Removes a file, a link itself or a whole tree, in which links are not followed. False when nothing is
-    /// there or something could not be removed; what was removed until then is gone.
+    /// Removes a file, a link itself or a whole tree, in which links are not followed. False if there is
+    /// nothing or if something could not be removed; what was removed before that is gone.
     bool removeItemAtPath_error(StringView path, NSString* errorText = nullptr);
 
     /// @name NSFileManager(ZQFoundation)
@@ -196,9 +198,9 @@ public:
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
         const NSDictionary& directoryAttributes, detail::Flag deepCreate);
 
-    /// Makes every missing folder of the standardized path, one after the other **from the root folder on**:
-    /// a relative path "a/b" is made as "/a/b". True for an empty path. Stops at the first failure; folders
-    /// made before it stay.
+    /// Creates every missing folder of the standardized path, one after the other **from the root folder
+    /// on**: a relative path "a/b" is created as "/a/b". True for an empty path. Stops at the first failure
+    /// with false; folders created before it stay.
     bool recursivelyCreateDirectoriesInPath(StringView path);
 
     /// @}

@@ -27,7 +27,7 @@ public:
     /// call.
     static NSLocale currentLocale();
 
-    /// "de_DE", "de-AT", "zh-Hant_TW", "de_DE.UTF-8"; an unknown region has its language's customs, an
+    /// "de_DE", "de-AT", "zh-Hant_TW", "de_DE.UTF-8"; an unknown region has its language's conventions, an
     /// unknown language those of the root locale ("." and "," and groups of three). Nil for nil.
     static NSLocale localeWithLocaleIdentifier(StringView identifier);
 
@@ -50,8 +50,8 @@ public:
     /// The number of digits in every further group.
     unsigned secondaryGroupSize() const noexcept { return secondaryGroupSize_; }
 
-    /// The number of digits before the last group from which a number is grouped at all: 2 in Spanish, which
-    /// writes 1234 and 12.345.
+    /// The least number of digits before the last group for which a number is grouped at all: 2 in Spanish,
+    /// which writes 1234 and 12.345.
     unsigned minimumGroupingDigits() const noexcept { return minimumGroupingDigits_; }
 
 private:

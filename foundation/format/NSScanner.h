@@ -13,8 +13,9 @@ namespace ZQFoundation {
 ///     NSString key;
 ///     scanner.scanUpToString_intoString(":", &key); // true; key is "key"
 ///
-/// Every scan first skips the characters to be skipped. One that fails leaves the location as it was, before
-/// those, and its output unchanged. Outputs may be null. A scanner belongs to one thread at a time.
+/// Every scan first skips the characters to be skipped. A scan that fails does not move the location, not
+/// even past those characters, and does not change its output. Outputs may be null. A scanner belongs to one
+/// thread at a time.
 class ZQFOUNDATION_EXPORT NSScanner {
 public:
     /// A nil string reads as the empty one.
@@ -68,8 +69,9 @@ public:
 
     /// Takes a sign and ASCII digits, as a 32-bit number; false if there is no digit.
     ///
-    /// NSScanner scanner("12 apples"); int count = 0; scanner.scanInt(&count);  // true; count is 12, and
-    /// scanLocation() is 2
+    ///     NSScanner scanner("12 apples");
+    ///     int count = 0;
+    ///     scanner.scanInt(&count);  // true; count is 12, and scanLocation() is 2
     bool scanInt(int* value);
 
     /// Takes a sign and ASCII digits, as a 64-bit number. False if there is no digit.
@@ -97,14 +99,15 @@ public:
     /// @name NSScanner(ZQFoundation)
     /// @{
 
-    /// Moves to the start of the target; true also if the scanner is there already or before characters to be
-    /// skipped that precede it; it does not move then. False, with the location as it was, if the target does
-    /// not follow, or if it consists of characters to be skipped and nothing else remains.
+    /// Moves to the start of the target; false, without moving, if the target does not follow, or if it
+    /// consists of characters to be skipped and nothing else remains. Also true, without moving, if only
+    /// characters to be skipped, or none, are before the target.
     bool scanUpToString(StringView target);
 
     /// Moves to the end of the target; false, with the location as it was, if the target does not follow.
     ///
-    /// NSScanner scanner("key: value"); scanner.scanPastString(":");  // true; scanLocation() is 4
+    ///     NSScanner scanner("key: value");
+    ///     scanner.scanPastString(":");  // true; scanLocation() is 4
     bool scanPastString(StringView target);
 
     /// @}

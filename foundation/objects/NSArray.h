@@ -34,10 +34,10 @@ public:
     /// The empty array.
     static NSArray array();
 
-    /// One element, also when that is an array itself. Raises NSInvalidArgumentException for nil.
+    /// An array of one element, even if that is itself an array. Raises NSInvalidArgumentException for nil.
     static NSArray arrayWithObject(const NSObject& object);
 
-    /// Copies of the `count` handles. Raises NSInvalidArgumentException when one is nil.
+    /// An array of copies of the `count` handles. Raises NSInvalidArgumentException when one is nil.
     static NSArray arrayWithObjects_count(const NSObject* objects, std::size_t count);
 
     /// The arguments as elements, texts and numbers too. Raises NSInvalidArgumentException when one is nil.
@@ -78,7 +78,7 @@ public:
 
     /// The elements' descriptions with the separator between them.
     ///
-    /// NSArray{"b", 2}.componentsJoinedByString(", ");  // "b, 2"
+    ///     NSArray{"b", 2}.componentsJoinedByString(", ");  // "b, 2"
     NSString componentsJoinedByString(StringView separator) const;
 
     /// Sorted ascending by the given order, stably. The order is called with two elements.
@@ -114,7 +114,7 @@ public:
 
     /// A mutable copy with the first of each group of equal elements, in order.
     ///
-    /// NSArray{3, 1, 3}.arrayByRemovingDuplicateObjects().array();  // 3, 1
+    ///     NSArray{3, 1, 3}.arrayByRemovingDuplicateObjects().array();  // 3, 1
     NSMutableArray arrayByRemovingDuplicateObjects() const;
 
     /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. Nil has none.
@@ -135,7 +135,7 @@ class ZQFOUNDATION_EXPORT NSMutableArray {
 public:
     NSMutableArray() noexcept = default;
 
-    /// Empty, with room for that many elements.
+    /// Empty, with room for `capacity` elements.
     explicit NSMutableArray(std::size_t capacity);
 
     /// A mutable copy; of nil the empty one.

@@ -17,7 +17,7 @@ namespace ZQFoundation {
 ///     const NSCharacterSet whitespace = NSCharacterSet::whitespaceCharacterSet();
 ///     whitespace.characterIsMember(u' '); // true
 ///
-/// String operations test unit by unit, and a surrogate belongs to no set unless it was added as a separate
+/// String operations test unit by unit, so no set contains a surrogate unless it was added as a separate
 /// unit. The sets named after Unicode's categories follow the Unicode character database, version 15.0; each
 /// is made on first request and kept until the process ends. Two sets are equal when they have the same
 /// members. A nil set has none. `description` lists the first members in hexadecimal.
@@ -69,7 +69,7 @@ public:
     /// contain unescaped.
     static NSCharacterSet URLQueryAllowedCharacterSet();
 
-    /// The characters of the text, of which a surrogate pair is one and an unpaired surrogate another. Empty
+    /// The characters of the text. A surrogate pair is one character, and so is an unpaired surrogate. Empty
     /// for an empty text, nil for nil.
     static NSCharacterSet characterSetWithCharactersInString(StringView characters);
 

@@ -26,7 +26,7 @@ public:
     /// A copy of `count` bytes.
     static NSData dataWithBytes_length(const void* bytes, std::size_t count);
 
-    /// The whole file, or nil when it cannot be read.
+    /// The contents of the file; nil if it cannot be read.
     static NSData dataWithContentsOfFile(StringView path);
 
     /// The first byte; valid as long as a handle holds the data. Null for nil.
@@ -53,7 +53,7 @@ public:
     /// The bytes that a Base64 text encodes, by the rules of `NewBase64Decode`. Empty for nil, for a text
     /// with a character that is not ASCII, and for one without any character of the alphabet.
     ///
-    /// NSData::dataFromBase64String("aGVsbG8=");  // the bytes of "hello"
+    ///     NSData::dataFromBase64String("aGVsbG8=");  // the bytes of "hello"
     static NSData dataFromBase64String(const NSString& text);
 
     /// The Base64 text in lines of 64 characters with CR LF between them. Nil for nil.

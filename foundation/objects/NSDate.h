@@ -12,7 +12,7 @@ namespace ZQFoundation {
 /// Seconds, with fraction.
 using NSTimeInterval = double;
 
-/// An instant: seconds from the reference instant 2001-01-01 00:00:00 UTC, held in the handle.
+/// An instant: the seconds since the reference instant 2001-01-01 00:00:00 UTC, stored in the handle itself.
 class ZQFOUNDATION_EXPORT NSDate : public NSObject {
 public:
     constexpr NSDate() noexcept = default;
@@ -25,15 +25,15 @@ public:
     /// The value when it is a date, else nil.
     explicit NSDate(const NSObject& object) noexcept : NSObject(object, detail::Kind::date) {}
 
-    /// The present instant.
+    /// The current instant.
     static NSDate date();
 
-    /// That many seconds after 2001-01-01 00:00:00 UTC, before it when negative.
+    /// The instant `seconds` after 2001-01-01 00:00:00 UTC, or before it if negative.
     static constexpr NSDate dateWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds) noexcept {
         return NSDate(Payload{.real = seconds});
     }
 
-    /// That many seconds after 1970-01-01 00:00:00 UTC, before it when negative.
+    /// The instant `seconds` after 1970-01-01 00:00:00 UTC, or before it if negative.
     static constexpr NSDate dateWithTimeIntervalSince1970(NSTimeInterval seconds) noexcept {
         return NSDate(Payload{.real = seconds - timeIntervalBetween1970AndReferenceDate});
     }
@@ -79,8 +79,8 @@ public:
     /// omits a field: it is then 1 for year, month and day, else 0. Nil if there is no such instant within
     /// 292,000,000,000 years of 1970.
     ///
-    /// // 2024-03-01 12:00 UTC: February 2024 has 29 days
-    /// NSDate::dateWithYear_month_day_hour_minute_second_timeZone(2024, 2, 30, 12, 0, 0, utc);
+    ///     // 2024-03-01 12:00 UTC: February 2024 has 29 days
+    ///     NSDate::dateWithYear_month_day_hour_minute_second_timeZone(2024, 2, 30, 12, 0, 0, utc);
     static NSDate dateWithYear_month_day_hour_minute_second_timeZone(std::int64_t year, std::int64_t month,
                                                                      std::int64_t day, std::int64_t hour,
                                                                      std::int64_t minute, std::int64_t second,

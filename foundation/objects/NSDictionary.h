@@ -36,7 +36,8 @@ public:
     /// The empty dictionary.
     static NSDictionary dictionary();
 
-    /// The property list in the file when it is a dictionary (old-style text, XML or binary), else nil.
+    /// The property list in the file (old-style text, XML or binary) if it is a dictionary; nil for any
+    /// other, and for a file that cannot be read.
     static NSDictionary dictionaryWithContentsOfFile(StringView path);
 
     /// The entries of a range of pairs, such as a `std::map`. Raises NSInvalidArgumentException when a key or
@@ -96,18 +97,19 @@ public:
 
     /// The dictionary in a property-list text (old-style or XML); nil for any other text. Never raises.
     ///
-    /// NSDictionary::dictionaryWithContentsOfString("{ a = 1; b = (x, y); }");  // two entries
-    /// NSDictionary::dictionaryWithContentsOfString("( 1, 2 )");                // nil: an array
+    ///     NSDictionary::dictionaryWithContentsOfString("{ a = 1; b = (x, y); }");  // two entries
+    ///     NSDictionary::dictionaryWithContentsOfString("( 1, 2 )");                // nil: an array
     static NSDictionary dictionaryWithContentsOfString(StringView text);
 
     /// "{ A = ( x ); b = 2; }", keys in case-insensitive order; "{ }" when empty; nil for nil.
     NSString condensedDescription() const;
 
-    /// The truth of the value: its string form by the string rule (so 0.5 is false here), else the low 8 bits
-    /// of its integer form; false when missing.
+    /// The truth value: its string form by the string rule (so 0.5 is false here), else the low 8 bits of its
+    /// integer form; false when missing.
     ///
-    /// const NSDictionary values{{"a", 0.5}, {"b", "Yes"}}; values.boolForKey("a");  // false
-    /// values.boolForKey("b");  // true
+    ///     const NSDictionary values{{"a", 0.5}, {"b", "Yes"}};
+    ///     values.boolForKey("a");  // false
+    ///     values.boolForKey("b");  // true
     bool boolForKey(StringView key) const;
 
     /// The value's `floatValue`; 0 when missing or without one.
@@ -115,8 +117,8 @@ public:
 
     /// The value's 32-bit `intValue`, widened; 0 when missing or without one.
     ///
-    /// NSDictionary{{"n", "12abc"}}.integerForKey("n");     // 12 NSDictionary{{"n",
-    /// 5000000000}}.integerForKey("n");  // 705032704: the low 32 bits
+    ///     NSDictionary{{"n", "12abc"}}.integerForKey("n");     // 12
+    ///     NSDictionary{{"n", 5000000000}}.integerForKey("n");  // 705032704: the low 32 bits
     std::int64_t integerForKey(StringView key) const;
 
     /// The key if the dictionary has no value for it, else nil, **whether or not a key with a counter is

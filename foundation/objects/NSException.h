@@ -39,7 +39,7 @@ public:
     const NSDictionary& userInfo() const noexcept { return userInfo_; }
 
     /// "Name: reason" in UTF-8; valid as long as the exception or a copy of it. Never null, and made in the
-    /// constructor, so it needs no memory when it is asked for.
+    /// constructor, so a call needs no memory.
     const char* what() const noexcept override;
 
     /// Raises an exception whose reason is formatted as `NSString::stringWithFormat` does.

@@ -9,7 +9,8 @@
 
 namespace ZQFoundation {
 
-/// A boxed boolean, integer (signed or unsigned, 64 bits) or floating-point number, held in the handle.
+/// A boxed boolean, integer (signed or unsigned, 64 bits) or floating-point number, stored in the handle
+/// itself.
 class ZQFOUNDATION_EXPORT NSNumber : public NSObject {
 public:
     constexpr NSNumber() noexcept = default;
@@ -107,8 +108,8 @@ public:
     /// `suppressZeroes`, leading hours and minutes that are zero are omitted. The empty string for negative
     /// seconds; nil for nil.
     ///
-    /// NSNumber(65).durationDescriptionWithFieldCount_suppressZeroes(3, false);  // "0:01:05"
-    /// NSNumber(65).durationDescriptionWithFieldCount_suppressZeroes(3, true);   // "1:05"
+    ///     NSNumber(65).durationDescriptionWithFieldCount_suppressZeroes(3, false);  // "0:01:05"
+    ///     NSNumber(65).durationDescriptionWithFieldCount_suppressZeroes(3, true);   // "1:05"
     NSString durationDescriptionWithFieldCount_suppressZeroes(std::int64_t fieldCount,
                                                               detail::Flag suppressZeroes) const;
 

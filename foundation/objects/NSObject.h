@@ -77,9 +77,9 @@ ZQFOUNDATION_EXPORT void destroy(Kind kind, Body* body) noexcept;
 /// Another handle refers to the body. Relaxed: the caller has a reference, so it stays alive meanwhile.
 inline void retain(Body* body) noexcept { __atomic_add_fetch(&body->references, 1, __ATOMIC_RELAXED); }
 
-/// Whether that was the last reference. A sole owner's count changes no more, which a plain load tells faster
-/// than a locked instruction. The order makes what other threads did with the body happen before its
-/// destruction.
+/// Whether that was the last reference. The count of a sole owner can no longer change, and a plain load
+/// shows that faster than a locked instruction. The order makes what other threads did with the body happen
+/// before its destruction.
 inline bool dropReference(std::size_t& references) noexcept {
     return __atomic_load_n(&references, __ATOMIC_ACQUIRE) == 1 ||
            __atomic_sub_fetch(&references, 1, __ATOMIC_ACQ_REL) == 0;
@@ -284,9 +284,9 @@ public:
     /// `description`; nil for nil.
     NSString condensedDescription() const;
 
-    /// The truth of any value, leniently read. A number: not zero. A string: "YES" in any case, or a leading
-    /// non-zero integer. Any other value: its string form by the string rule, else the low 8 bits of its
-    /// integer form, else false.
+    /// The truth value of anything, read leniently. A number: not zero. A string: "YES" in any case, or a
+    /// leading non-zero integer. Any other value: its string form by the string rule, else the low 8 bits of
+    /// its integer form, else false.
     bool boolValue() const;
 
     /// @}

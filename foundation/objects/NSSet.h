@@ -96,7 +96,8 @@ public:
     /// The string if it is not a member, else the first concatenation of string, intermediate string and
     /// counter that is not one, the counter from 1 to `maxAttempts`; nil if all are members.
     ///
-    /// NSSet{"a", "a 1"}.uniqueStringForString_usingIntermediateString_maxAttempts("a", " ", 10);  // "a 2"
+    ///     const NSSet names{"a", "a 1"};
+    ///     names.uniqueStringForString_usingIntermediateString_maxAttempts("a", " ", 10);  // "a 2"
     NSString uniqueStringForString_usingIntermediateString_maxAttempts(const NSString& string,
                                                                        StringView intermediateString,
                                                                        std::uint64_t maxAttempts) const;

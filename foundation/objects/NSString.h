@@ -116,8 +116,8 @@ public:
 
     /// As `stringWithFormat`, with the locale's decimal separator and grouping; a nil locale has neither.
     ///
-    /// NSString::initWithFormat_locale("%.2f", NSLocale::localeWithLocaleIdentifier("de_DE"), 1234.5); //
-    /// "1.234,50"
+    ///     const NSLocale german = NSLocale::localeWithLocaleIdentifier("de_DE");
+    ///     NSString::initWithFormat_locale("%.2f", german, 1234.5);  // "1.234,50"
     template <class... Arguments>
     static NSString initWithFormat_locale(FormatString<std::type_identity_t<Arguments>...> format,
                                           const NSLocale& locale, const Arguments&... arguments) {
@@ -245,7 +245,7 @@ public:
 
     /// The pieces between the separators, including empty ones; the whole text for an empty separator.
     ///
-    /// NSString("a,b,,c").componentsSeparatedByString(",");  // "a", "b", "", "c"
+    ///     NSString("a,b,,c").componentsSeparatedByString(",");  // "a", "b", "", "c"
     NSArray componentsSeparatedByString(StringView separator) const;
 
     /// The text without members of the set at either end, however many there are.
@@ -266,7 +266,7 @@ public:
     /// The leading decimal number in 32 bits, saturating: white space, a sign, then ASCII digits up to the
     /// first other unit. 0 without a digit, and for nil.
     ///
-    /// NSString("12 items").intValue();  // 12
+    ///     NSString("12 items").intValue();  // 12
     int intValue() const noexcept;
 
     /// The leading decimal number in 64 bits, saturating; read as by `intValue`.
@@ -305,7 +305,8 @@ public:
 
     /// The text after the last "." of the last component, unless that "." is its first character.
     ///
-    /// NSString("/a/b.tar.gz").pathExtension();  // "gz" NSString("/a/.profile").pathExtension();  // ""
+    ///     NSString("/a/b.tar.gz").pathExtension();  // "gz"
+    ///     NSString("/a/.profile").pathExtension();  // ""
     NSString pathExtension() const;
 
     /// The path without the extension that `pathExtension` returns, and without its ".".
@@ -377,8 +378,9 @@ public:
 
     /// Whether the upper-cased text is "YES" or `intValue` is not zero. Replaces the platform's own rule.
     ///
-    /// NSString("yes").boolValue();   // true NSString("true").boolValue();  // false NSString("
-    /// 2x").boolValue();   // true
+    ///     NSString("yes").boolValue();   // true
+    ///     NSString("true").boolValue();  // false
+    ///     NSString(" 2x").boolValue();   // true
     bool boolValue() const;
 
     /// `other` unless it is nil, else this string: **the receiver is the default**. Nil for a nil receiver,
@@ -415,13 +417,13 @@ public:
 
     /// `trimCharactersOfCharacterSet` for `NSCharacterSet::whitespaceAndControlCharacterSet`.
     ///
-    /// NSString("  a b \n").trim();  // "a b"
+    ///     NSString("  a b \n").trim();  // "a b"
     NSString trim() const;
 
     /// The text after the **first** occurrence of the marker; nil if there is none, and for an empty or nil
     /// marker.
     ///
-    /// NSString("key=value=x").substringFromEndOfString("=");  // "value=x"
+    ///     NSString("key=value=x").substringFromEndOfString("=");  // "value=x"
     NSString substringFromEndOfString(StringView marker) const;
 
     /// The number of units equal to this one.
@@ -438,7 +440,7 @@ public:
     /// The lines; CR LF and LF CR are one break each. A break at the end is followed by an empty line; the
     /// empty string has no lines.
     ///
-    /// NSString("a\r\nb\n").componentsSeparatedByLineBreak();  // "a", "b", ""
+    ///     NSString("a\r\nb\n").componentsSeparatedByLineBreak();  // "a", "b", ""
     NSArray componentsSeparatedByLineBreak() const;
 
     /// The pieces between runs of members: a run is one separator. The empty string has no pieces. Replaces
@@ -448,7 +450,7 @@ public:
     /// The pieces between runs of white space, as by `componentsSeparatedByCharacterSet`; newlines are not
     /// white space here.
     ///
-    /// NSString(" a ").componentsSeparatedByWhitespace();  // "", "a", ""
+    ///     NSString(" a ").componentsSeparatedByWhitespace();  // "", "a", ""
     NSArray componentsSeparatedByWhitespace() const;
 
     /// Another name for `componentsSeparatedByWhitespace`.
@@ -457,7 +459,7 @@ public:
     /// The text with the indent before every line, also before the empty one after a final break; every break
     /// becomes LF. A nil indent changes nothing.
     ///
-    /// NSString("a\nb").stringByIndentingLinesWithString("  ");  // "  a\n  b"
+    ///     NSString("a\nb").stringByIndentingLinesWithString("  ");  // "  a\n  b"
     NSString stringByIndentingLinesWithString(StringView indent) const;
 
     /// The text with a newline at its end: LF is appended unless the text ends with a newline of any kind.
@@ -474,31 +476,31 @@ public:
     /// Percent-encoded: letters, digits and those of "!$&'()*+,-./:=@_~" that are not among the `exceptions`
     /// stay. Nil if an unpaired surrogate has no UTF-8 form.
     ///
-    /// NSString("a b/c").urlEncodedStringWithExceptions("/");  // "a%20b%2Fc"
+    ///     NSString("a b/c").urlEncodedStringWithExceptions("/");  // "a%20b%2Fc"
     NSString urlEncodedStringWithExceptions(StringView exceptions) const;
 
     /// Percent-encoded for a component of a URL: letters, digits and "!'()*-._~" stay. Nil if an unpaired
     /// surrogate has no UTF-8 form.
     ///
-    /// NSString("a b/c").urlEncodedString();  // "a%20b%2Fc"
+    ///     NSString("a b/c").urlEncodedString();  // "a%20b%2Fc"
     NSString urlEncodedString() const;
 
     /// Percent-encoded for a path: letters, digits and "!$&'()*+,-./:=@_~" stay. Nil if an unpaired surrogate
     /// has no UTF-8 form.
     ///
-    /// NSString("a b/c").urlPathEncodedString();  // "a%20b/c"
+    ///     NSString("a b/c").urlPathEncodedString();  // "a%20b/c"
     NSString urlPathEncodedString() const;
 
     /// Percent-encoded for a query: letters, digits and "!$&'()*+,-./:;=?@_~" stay. Nil if an unpaired
     /// surrogate has no UTF-8 form.
     ///
-    /// NSString("a b?c=d").urlQueryEncodedString();  // "a%20b?c=d"
+    ///     NSString("a b?c=d").urlQueryEncodedString();  // "a%20b?c=d"
     NSString urlQueryEncodedString() const;
 
     /// The text with every "%" and two hexadecimal digits replaced by their byte; "+" stays. Nil if a "%" has
     /// no two digits after it or the bytes are not well-formed UTF-8.
     ///
-    /// NSString("a%20b+c").urlDecodedString();  // "a b+c"
+    ///     NSString("a%20b+c").urlDecodedString();  // "a b+c"
     NSString urlDecodedString() const;
 
     /// The MD5 digest of the UTF-8 form up to the first U+0000, as 32 lower-case hexadecimal digits. Nil for

@@ -36,8 +36,8 @@ public:
     /// The text of the URL itself: without a base as given, else resolved against the base by the rules of
     /// RFC 3986, dot segments in the path removed. A text with its own scheme has no base.
     ///
-    /// const NSURL base = NSURL::URLWithString("http://h/a/c/d");
-    /// NSURL::URLWithString_relativeToURL("../b?x", base).absoluteString();  // "http://h/a/b?x"
+    ///     const NSURL base = NSURL::URLWithString("http://h/a/c/d");
+    ///     NSURL::URLWithString_relativeToURL("../b?x", base).absoluteString();  // "http://h/a/b?x"
     NSString absoluteString() const;
 
     /// The URL without a base whose text is `absoluteString`.
@@ -96,8 +96,8 @@ public:
     /// The URL of scheme, authority, path and query, path and query percent-encoded; nil as for
     /// `URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment`.
     ///
-    /// NSURL::URLWithScheme_authority_path_query("https", "example.com", "/a b", "q=1 2"); //
-    /// https://example.com/a%20b?q=1%202
+    ///     NSURL::URLWithScheme_authority_path_query("https", "example.com", "/a b", "q=1 2");
+    ///     // https://example.com/a%20b?q=1%202
     static NSURL URLWithScheme_authority_path_query(StringView scheme, StringView authority, StringView path,
                                                     StringView query);
 

@@ -22,18 +22,18 @@ class ZQFOUNDATION_EXPORT NSPropertyListSerialization {
 public:
     NSPropertyListSerialization() = delete;
 
-    /// The value that the bytes hold in any of the three forms, at most 512 levels deep. Nil when there is
-    /// none; then `*errorText`, unless null, gets the reason and place: "An array is not closed (line 3,
-    /// column 5)". On success it becomes nil.
+    /// The value that the bytes represent in any of the three forms, at most 512 levels deep. Nil if they
+    /// cannot be read; then `*errorText`, unless null, gets the reason and the place: "An array is not closed
+    /// (line 3, column 5)". On success it becomes nil.
     static NSObject propertyListWithData(const NSData& data, NSString* errorText = nullptr);
 
     /// The value in the XML or the old-style form. The XML form keeps everything but the fractions of a
     /// date's second; the old-style form turns numbers, booleans and dates into strings. Keys are in
     /// ascending order.
     ///
-    /// Nil for the binary form, and for values that a property list cannot hold: nil, the null object, a
+    /// Nil for the binary form, and for values that a property list cannot contain: nil, the null object, a
     /// host's own object, a set, a URL, a key that is not a string, more than 512 levels, more than 2 GiB of
-    /// text. Then `*errorText`, when given, says which; on success it becomes nil.
+    /// text. Then `*errorText`, unless null, says which; on success it becomes nil.
     static NSData dataWithPropertyList_format(const NSObject& propertyList, NSPropertyListFormat format,
                                               NSString* errorText = nullptr);
 };

@@ -17,8 +17,7 @@ namespace ZQFoundation {
 ///
 /// A nullable handle; handles of the same folder are equal. What a bundle has read (Info dictionary, string
 /// tables, the choice of localizations) is kept until the process ends; later changes of the files have no
-/// effect. A file that cannot be read, is larger than 16 MiB, empty, cut off or of the wrong type counts as
-/// empty.
+/// effect. A file that cannot be read, is larger than 16 MiB, truncated or of the wrong type counts as empty.
 ///
 /// All operations may be called from any thread at any time, preserve `errno`, and return nil or an empty
 /// collection for a nil bundle.
@@ -84,8 +83,8 @@ public:
 
     /// The text under the key in `<table>.strings`; nil or empty table: `Localizable`. Only the first place
     /// that has the file is searched: the resources themselves, the preferred localizations in order, `Base`,
-    /// the development region. When the key is missing: `value` when it is neither nil nor empty, else the
-    /// key. For a nil key, `value` or the empty string.
+    /// the development region. If the key is missing: `value` unless it is nil or empty, else the key. For a
+    /// nil key, `value` or the empty string.
     ///
     /// Plural tables (`<table>.stringsdict`) are not read yet: a key that has plural forms only there counts
     /// as missing.

@@ -30,18 +30,18 @@ public:
     /// ends.
     void setProcessName(const NSString& name);
 
-    /// The process's number; a forked child sees its own.
+    /// The process identifier; a forked child has its own.
     int processIdentifier() const;
 
     /// The arguments the process was started with, the program's own name first, as an array of strings. If a
-    /// command line is longer than 4 KiB, whatever the host has overwritten of the rest before the first call
-    /// shows here.
+    /// command line is longer than 4 KiB, what the host has overwritten of the rest before the first call
+    /// appears here as overwritten.
     NSArray arguments() const;
 
     /// The arguments without the pairs that are user defaults (`-TraceNetwork YES`), for a host that parses
-    /// them itself. Kept are "--" and everything after it; words that every parser treats as options, with
-    /// what follows them: those with two hyphens or one character (`--output x`, `-o x`); and the host's
-    /// other options, which `options` names ("-style").
+    /// them itself. These stay: "--" and everything after it; words that every parser treats as options,
+    /// those with two hyphens or one character, with what follows them (`--output x`, `-o x`); and the words
+    /// in `options` with what follows them, for the host's other options ("-style"). Never nil.
     NSArray argumentsWithoutDefaults(const NSArray& options = nullptr) const;
 
     /// Removes the same pairs from the `argc` and `argv` of `main`, for an option parser that would reject

@@ -20,11 +20,11 @@ namespace ZQFoundation {
 /// 5. the values that the host has registered.
 ///
 /// The files are in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property lists
-/// in any form. A changed file takes effect at the next look-up; a file that is absent, unreadable, too large
-/// (over 16 MiB), cut off or of the wrong type is ignored.
+/// in any form. A changed file takes effect at the next look-up; a file that is missing, unreadable, too
+/// large (over 16 MiB), truncated or of the wrong type is ignored.
 ///
-/// **Only `synchronize` writes.** What a process sets takes effect at once, for that process; nothing is
-/// saved when the process ends or by a thread in between. A host that wants to keep its settings calls
+/// **Only `synchronize` writes.** What a process sets takes effect at once, in that process; nothing is saved
+/// when the process ends, and no thread saves anything. A host that wants to keep its settings calls
 /// `synchronize` after a change, and before it ends.
 ///
 /// All operations may be called from any thread at any time: before `main`, in static destructors, and in a

@@ -3,8 +3,8 @@
 #ifndef ZQFOUNDATION_TEXT_EXPORT_H
 #define ZQFOUNDATION_TEXT_EXPORT_H
 
-// Every public header comes by here before it declares anything. The header that is missing ends the
-// compilation: hundreds of errors would follow the one that counts.
+// Every public header includes this one before it declares anything. Including a header that does not exist
+// ends the compilation; otherwise hundreds of errors would follow the one that matters.
 #if !defined(__cplusplus)
 #error "ZQFoundation is a C++ library: compile this source as C++20"
 #include <ZQFoundation-needs-C++20>

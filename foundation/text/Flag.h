@@ -7,20 +7,21 @@
 
 namespace ZQFoundation::detail {
 
-/// Whether a type is taken for yes or no: what turns into a bool by itself, and is no pointer. A text or an
-/// address in the place of a flag is an argument too many or one too few, which C++ would take for yes.
+/// Whether a type is accepted as yes or no: it converts to `bool` implicitly and is not a pointer. A text or
+/// an address in the place of a flag means that the call has one argument too many or too few; C++ would read
+/// it as yes.
 template <class T>
 inline constexpr bool isFlag = std::is_convertible_v<T, bool> && !std::is_pointer_v<std::decay_t<T>> &&
                                !std::is_member_pointer_v<std::decay_t<T>>;
 
-/// Yes or no, as a parameter: a bool, or a number, of which 0 means no. It replaces `bool`, into which a
-/// pointer would turn by itself: a call with its arguments in the wrong order then compiles and logs.
+/// Yes or no, as a parameter: a `bool`, or a number, of which 0 means no. It replaces `bool`, to which a
+/// pointer converts implicitly: a call with its arguments in the wrong order would compile and log.
 ///
 ///     ZQLog::logAlways_log(true, "text");   // fine
 ///     ZQLog::logAlways_log("text", true);   // does not compile
 class Flag {
 public:
-    /// The value of a bool, a number, or what converts to a bool by itself.
+    /// The value of a `bool`, a number, or a type that converts to `bool` implicitly.
     template <class T>
         requires isFlag<T>
     constexpr Flag(const T& value) noexcept(noexcept(static_cast<bool>(value)))

@@ -237,12 +237,12 @@ namespace ZQFoundation {
 /// that implements NSObjectProtocol and any type with an `ObjectConversion`; `p` any pointer. A null pointer
 /// constant serves the last four.
 ///
-/// No conversion cuts its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` 8, and a `long
-/// double` is for `%Lf`. `%c` and `%C` take characters and, as in C, an `int` that holds one.
+/// No conversion truncates its argument: `%d` takes at most 32 bits, `%ld` 64, `%hd` 16, `%hhd` 8, and a
+/// `long double` is for `%Lf`. `%c` and `%C` take characters and, as in C, an `int` that holds one.
 ///
 /// A format that is known only at run time is an NSString (or a StringView); nothing is checked before it is
-/// used, and every misfit has a defined result: a conversion then takes of its argument what fits. A nil
-/// format is nullptr or a nil string.
+/// used, and every mismatch has a defined result: a conversion then uses as much of its argument as fits. A
+/// nil format is nullptr or a nil string.
 ///
 ///     const NSString format = table.localizedStringForKey_value_table("%d items", "", nullptr);
 ///     NSString::stringWithFormat(format, 3);              // checked by nobody, and harmless whatever it is

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Declares ObjectConversion, through which types of the host convert to and from values.
+// Declares ObjectConversion, which converts types of the host to and from values.
 #ifndef ZQFOUNDATION_TEXT_OBJECTCONVERSION_H
 #define ZQFOUNDATION_TEXT_OBJECTCONVERSION_H
 
@@ -63,7 +63,7 @@ concept ConvertedBack = Converted<T> && requires(const NSObject& object) {
     { ObjectConversion<T>::fromObject(object) } -> std::same_as<T>;
 };
 
-/// Also true for a specialization that has none of the members: it is refused where it is used.
+/// Also true for a specialization that has none of the members: using it is an error.
 template <class T>
 concept ConvertedObject =
     Converted<T> && !ConvertedText<T> &&
@@ -75,8 +75,8 @@ concept ConvertedTo = ConvertedObject<T> && requires(const T& object) {
     { ObjectConversion<T>::object(object) } -> std::same_as<Handle>;
 };
 
-/// What the conversion makes of the object. The only place where `object` is called, so a specialization
-/// without it is refused with one message, wherever it is used.
+/// What the conversion makes of the object. This is the only place where `object` is called, so a
+/// specialization without it gives the same error message wherever it is used.
 template <ConvertedObject T>
 auto convertedObject(const T& object) {
     constexpr bool isRight = requires {

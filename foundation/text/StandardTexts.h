@@ -8,8 +8,8 @@
 
 #include "StringView.h"
 
-/// What takes the standard's own header of strings, which the umbrella header brings in for the results of
-/// its operations and the log's header does without.
+/// Needs the standard library's header of strings: the umbrella header includes that for the results of its
+/// operations, the header of the log does not.
 namespace ZQFoundation::detail {
 
 /// Objects of classes that convert to a view of units and are no text by themselves.
@@ -22,8 +22,8 @@ concept ViewedText = std::is_class_v<T> && !TextRange<T, Unit> &&
 namespace ZQFoundation {
 
 /// A type that converts to `std::string_view` is a text of UTF-8, one that converts to `std::u16string_view`
-/// a text of UTF-16, which is taken when both are there. So a host's own string class is a text argument as
-/// it is:
+/// a text of UTF-16; if it converts to both, UTF-16 is used. So a host's own string class is a text argument
+/// as it is:
 ///
 ///     struct Name {
 ///         operator std::string_view() const;
@@ -32,7 +32,7 @@ namespace ZQFoundation {
 template <class T>
     requires(detail::ViewedText<T, char> || detail::ViewedText<T, char16_t>)
 struct ObjectConversion<T> {
-    /// The view, which lives as long as what the object shows.
+    /// The view, which is valid as long as the text that the object refers to.
     static StringView text(const T& object) {
         if constexpr (detail::ViewedText<T, char16_t>) {
             const std::u16string_view view = object;

@@ -21,8 +21,8 @@ class StringView;
 
 namespace ZQFoundation::detail {
 
-/// Units in a row, as many as `size` says: standard strings and their views, and what is made like them. Of a
-/// type whose own characters are not the unit, `size` would count something else.
+/// Contiguous units, `size` of them: standard strings, views of them, and types with the same interface. If a
+/// type's own characters were not the unit, `size` would count something else.
 template <class Text, class Unit>
 concept TextRange = std::is_same_v<typename Text::value_type, Unit> && requires(const Text& text) {
     { text.data() } -> std::convertible_to<const Unit*>;
@@ -71,11 +71,11 @@ namespace ZQFoundation {
 ///     name.componentsSeparatedByString(u",");                // UTF-16
 ///
 /// Made implicitly from literals, `std::string`, `std::string_view`, `std::u16string_view`, `NSString` and
-/// `nullptr`, so a call with a literal allocates nothing. A type that converts to a standard view is a text
-/// too, below the umbrella header; so is one whose `ObjectConversion` says so. A buffer of fixed size is
-/// none, for only its owner knows where the text in it ends. `const char*` and `std::string` are UTF-8;
-/// ill-formed bytes read as U+FFFD. A null pointer makes the nil text, which is not the empty text. Trivially
-/// copyable; pass it by value. Do not keep one: of a temporary, the text is gone after the call.
+/// `nullptr`, so a call with a literal allocates nothing. With the umbrella header, a type that converts to a
+/// standard view is a text too; so is a type whose `ObjectConversion` has a text. A buffer of fixed size is
+/// not a text, because only its owner knows where the text in it ends. `const char*` and `std::string` are
+/// UTF-8; ill-formed bytes read as U+FFFD. A null pointer makes the nil text, which is not the empty text.
+/// Trivially copyable; pass it by value. Do not keep one: the text of a temporary is gone after the call.
 class StringView {
 public:
     /// How the text is held.
@@ -123,18 +123,18 @@ public:
     /// UTF-8 up to the zero byte; nil for a null pointer.
     StringView(const char8_t* utf8) noexcept : StringView(reinterpret_cast<const char*>(utf8)) {}
 
-    /// That many bytes of UTF-8, zero bytes among them. No bytes make the empty text, even with a null
-    /// pointer: only the one-argument forms make nil.
+    /// `byteCount` bytes of UTF-8, which may include zero bytes. No bytes make the empty text, even with a
+    /// null pointer: only the one-argument forms make nil.
     constexpr StringView(const char* utf8, std::size_t byteCount) noexcept
         : data_(utf8 == nullptr ? "" : utf8), sizeAndForm_(packed(byteCount, Form::utf8)) {}
 
-    /// That many UTF-16 units, in the machine's byte order. No units make the empty text, even with a null
+    /// `unitCount` UTF-16 units, in the machine's byte order. No units make the empty text, even with a null
     /// pointer.
     constexpr StringView(const char16_t* units, std::size_t unitCount) noexcept
         : data_(units == nullptr ? u"" : units), sizeAndForm_(packed(unitCount, Form::utf16)) {}
 
-    /// A `std::string`, `std::u16string` or `std::u8string`, a view of them, any other type of units in a
-    /// row, or a type whose `ObjectConversion` says what its text is.
+    /// A `std::string`, `std::u16string` or `std::u8string`, a view of one, any other type of contiguous
+    /// units, or a type whose `ObjectConversion` has a text.
     template <detail::TextObject Text>
     constexpr StringView(const Text& text) noexcept : StringView(viewOf(text)) {}
 

@@ -56,16 +56,16 @@ inline constexpr const char* NSCalendarIdentifierGregorian = "gregorian";
 /// For `NSCalendar::calendarWithIdentifier`: weeks begin on Monday.
 inline constexpr const char* NSCalendarIdentifierISO8601 = "iso8601";
 
-/// Turns instants into fields and back, by the rules of the Gregorian calendar at all times, also before they
-/// were introduced, on the clocks of a time zone. A small value; copy it freely, use it from any thread. A
+/// Converts instants to fields and back, on the clocks of a time zone, by the rules of the Gregorian calendar
+/// at all times, even before they were introduced. A small value; copy it freely, use it from any thread. A
 /// default-constructed one is nil and returns nil, 0, false and unset fields.
 ///
-/// A year comes back as the year of its era, so only with the era is it clear which year it was. Where a
-/// year is given without an era, 0 is the year before 1, and -1 the one before that. The years to which weeks
-/// belong have no eras and count through 0.
+/// A year is returned as the year of its era, so only era and year together identify it. If a year is given
+/// without an era, 0 is the year before 1, and -1 the one before that. The years to which weeks belong have
+/// no eras and count through 0.
 ///
-/// The calendar reaches 292,000,000,000 years of 365.2425 days to both sides of 1970. A date beyond, and one
-/// that is NaN, has no fields.
+/// The calendar covers 292,000,000,000 years of 365.2425 days before and after 1970. A date beyond that, or
+/// one that is NaN, has no fields.
 class ZQFOUNDATION_EXPORT NSCalendar {
 public:
     constexpr NSCalendar() noexcept = default;
@@ -95,34 +95,35 @@ public:
     /// era, year, month and day, else 0. Fields out of range carry, the month first, then days, hours,
     /// minutes and seconds in local wall time: day 0 is the last day of the month before. A wall time that
     /// the clocks skip uses the offset from before the change; one that occurs twice is its first occurrence.
-    /// Nil when the calendar does not reach there, and for an era that is neither 0 nor 1.
+    /// Nil for an instant beyond the calendar, and for an era that is neither 0 nor 1.
     NSDate dateFromComponents(const NSDateComponents& components) const noexcept;
 
-    /// Those fields of the date that are asked for, the others not set; all not set for a nil date and one
-    /// that the calendar does not reach. Sets the time zone too.
+    /// The requested fields of the date; the others are not set. None is set for a nil date and one beyond
+    /// the calendar. Sets the time zone too.
     NSDateComponents components_fromDate(unsigned units, const NSDate& date) const noexcept;
 
     /// One field of the date; `NSDateComponentUndefined` where there is none, 0 for a nil calendar.
     NSInteger component_fromDate(NSCalendarUnit unit, const NSDate& date) const noexcept;
 
     /// The difference in whole units, toward zero, negative when `to` is earlier: years, months, weeks (of
-    /// the year) and days as calendar dates count them, hours, minutes, seconds and nanoseconds as they pass.
-    /// The greatest asked-for unit is filled first, the rest goes into the next smaller ones. A month is
-    /// added to a day that the next month lacks by taking its last day. From the first instant of a day,
-    /// whole units lead to first instants of days, so between two of them the days are those of the calendar,
-    /// even where one of them has no midnight. Other units are not set, nor is a count that has no room.
+    /// the year) and days as calendar dates count them, hours, minutes, seconds and nanoseconds as they
+    /// elapse. The largest requested unit is filled first; the rest goes into the next smaller ones. If the
+    /// next month lacks the day, a month later is that month's last day. Adding whole days or longer units to
+    /// the first instant of a day gives the first instant of another day, so between two first instants the
+    /// days are those of the calendar, even where one of the days has no midnight. Other units are not set,
+    /// nor is a count that does not fit.
     NSDateComponents components_fromDate_toDate(unsigned units, const NSDate& from,
                                                 const NSDate& to) const noexcept;
 
     /// The first instant of the unit around the date and its length in seconds: 23 or 25 hours for a day of
     /// changing clocks. Units year, quarter, month, week of year, day, hour, minute and second; an hour or a
     /// minute in which the clocks are changed ends or begins with the change. False, with nothing written,
-    /// for others, for a nil date and one that the calendar does not reach. Either pointer may be null.
+    /// for other units, for a nil date and for one beyond the calendar. Either pointer may be null.
     bool rangeOfUnit_startDate_interval_forDate(NSCalendarUnit unit, NSDate* start, NSTimeInterval* interval,
                                                 const NSDate& date) const noexcept;
 
     /// The first instant of the date's day: 01:00 where midnight is skipped, the first of two midnights. Nil
-    /// where there is none.
+    /// if there is none.
     NSDate startOfDayForDate(const NSDate& date) const noexcept;
 
 private:

@@ -8,8 +8,8 @@
 
 namespace ZQFoundation {
 
-/// Writes dates by a pattern, with ASCII digits and English names, in the Gregorian calendar (whose rules
-/// hold at all times, also before they were introduced).
+/// Writes dates by a pattern, with ASCII digits and English names, in the Gregorian calendar, whose rules
+/// apply at all times, even before they were introduced.
 ///
 /// A run of one letter is a field; its length sets the minimum of digits, padded with zeros and never cut:
 ///
@@ -34,7 +34,7 @@ namespace ZQFoundation {
 /// of a year is that of its first Thursday. A zone without a name of its own is written as its offset:
 /// GMT+5:30.
 ///
-/// Setting it up is for one thread; after that any number of threads may use it at once.
+/// Only one thread may set it up; after that, any number of threads may use it at the same time.
 class ZQFOUNDATION_EXPORT NSDateFormatter {
 public:
     NSDateFormatter() noexcept = default;
@@ -50,11 +50,11 @@ public:
     /// The zone that applies now; never nil.
     NSTimeZone timeZone() const noexcept { return timeZone_ ? timeZone_ : NSTimeZone::systemTimeZone(); }
 
-    /// The date by the pattern. Nil for a nil date, and for one that is no number or does not fit into 64
-    /// bits of seconds.
+    /// The date by the pattern. Nil for a nil date, for one that is NaN, and for one that does not fit into
+    /// 64 bits of seconds.
     ///
-    /// formatter.setDateFormat("yyyy-MM-dd 'at' HH:mm"); formatter.stringFromDate(date);  // "2024-03-05 at
-    /// 14:07"
+    ///     formatter.setDateFormat("yyyy-MM-dd 'at' HH:mm");
+    ///     formatter.stringFromDate(date);  // "2024-03-05 at 14:07"
     NSString stringFromDate(const NSDate& date) const;
 
 private:

@@ -32,7 +32,7 @@ public:
     static NSTimeZone defaultTimeZone() noexcept { return systemTimeZone(); }
 
     /// Reads TZ and the zone's file again. Call it after a change of either; log lines and calendars follow
-    /// from then on. As every reader of the environment, it must not run while another thread changes that.
+    /// from then on. Like every reader of the environment, it must not run while another thread changes it.
     static void resetSystemTimeZone() noexcept;
 
     /// The zone of that name ("Europe/Berlin", "UTC") among the system's zone files: those in the folder that
