@@ -20,7 +20,7 @@ struct Failure {
     std::string message;
 };
 
-/// The same for a command line that makes no sense.
+/// The same for a wrong command line.
 struct Misuse {
     std::string message;
 };
@@ -38,8 +38,8 @@ template <class... Arguments>
     throw Misuse{NSString::stringWithFormat(format, arguments...).utf8()};
 }
 
-/// Makes what these signals report an error like others. Writing raises SIGPIPE without a reader and SIGXFSZ
-/// beyond a file-size limit.
+/// Ignores these signals, so that the calls report errors instead. Writing raises SIGPIPE if there is no
+/// reader and SIGXFSZ beyond a file-size limit.
 void ignoreSignals(std::initializer_list<int> signals) noexcept;
 
 /// The name of the tool that runs.
@@ -47,7 +47,7 @@ extern const char* programName;
 
 struct Tool {
     const char* name;
-    /// A message as part of a line.
+    /// Converts a message to a part of a line.
     std::string (*onLine)(const std::string& message);
     /// Returns the exit status. May throw Failure, Misuse and any `std::exception`.
     int (*run)(const Words& words);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Spells out what a text must not do where it is printed.
+// Escapes the characters of a text that would have an effect where it is printed.
 #include "tools/common/Text.h"
 
 #include "foundation/text/Surrogates.h"
@@ -10,8 +10,8 @@ namespace {
 
 enum class Form { line, terminal, name, json };
 
-/// What takes effect on a terminal instead of being shown there; from the third on what cannot be seen, or
-/// turns the direction of writing.
+/// Characters that have an effect on a terminal instead of being shown; from the third range on, those that
+/// are invisible or reverse the writing direction.
 constexpr struct {
     char16_t first;
     char16_t last;
@@ -23,7 +23,7 @@ constexpr std::size_t controlRanges = 2;
 
 bool isEffective(char16_t unit, Form form) noexcept {
     const bool isName =
-        form == Form::name || form == Form::json; // in JSON too: a terminal may be what reads it
+        form == Form::name || form == Form::json; // in JSON too: it may be shown on a terminal
     for (std::size_t i = 0; i < (isName ? std::size(effective) : controlRanges); ++i) {
         if (unit >= effective[i].first && unit <= effective[i].last) {
             return form != Form::terminal || (unit != '\n' && unit != '\t');
@@ -49,7 +49,7 @@ void appendUnit(NSMutableString& line, char16_t unit, Form form) {
     line.appendCharacter(unit);
 }
 
-/// A byte of a name that is no text is an unpaired surrogate, U+DC00 + byte.
+/// A byte of a name that is not text is an unpaired surrogate, U+DC00 + byte.
 std::string spelled(const NSString& text, Form form) {
     NSMutableString line;
     const std::u16string units = text.utf16();

@@ -9,18 +9,17 @@
 
 namespace ZQFoundation::tools {
 
-/// The text as one line: control characters are spelled out ("\x1b"), line feeds too ("\n").
+/// The text as one line: control characters are escaped ("\x1b"), and so are line feeds ("\n").
 std::string onOneLine(const std::string& text);
 
-/// The text with its line feeds and tabulators, other control characters spelled out.
+/// The text with its line feeds and tabs; other control characters are escaped.
 std::string onTerminal(const std::string& text);
 
-/// A name as part of a line: what would move the cursor, end the line, turn the direction of writing, cannot
-/// be seen or is no text is spelled out ("\x1b", "\u202e"), and so is a backslash, so that no two names look
-/// alike.
+/// A name as part of a line. Whatever would move the cursor, end the line or reverse the writing direction,
+/// is invisible or is not text is escaped ("\x1b", "\u202e"), and so is a backslash: no two names look alike.
 std::string shown(const NSString& name);
 
-/// The text as a JSON string in its quotes. Each byte that is no text becomes U+FFFD.
+/// The text as a quoted JSON string. Each byte that is not text becomes U+FFFD.
 std::string quoted(const NSString& text);
 
 } // namespace ZQFoundation::tools

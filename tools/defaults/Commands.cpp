@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The commands of `defaults`: each takes its words, works on a domain, and prints. Everything that can go
-// wrong ends the command by an exception with a message, so that no function needs a result for failures.
+// The commands of `defaults`: each takes its words, works on a domain, and prints. Any failure ends the
+// command with an exception that has a message, so no function returns a result for failures.
 #include "tools/defaults/Commands.h"
 
 #include <cstdio>
@@ -19,8 +19,8 @@ namespace ZQFoundation::tools::defaults {
 
 namespace {
 
-/// On a terminal, control characters of a value are spelled out: they could move the cursor or start
-/// commands. A file or a pipe gets the exact text.
+/// On a terminal, control characters of a value are escaped: they could move the cursor or start commands. A
+/// file or a pipe gets the exact text.
 void print(const NSString& text) {
     const bool isShown = ::isatty(STDOUT_FILENO) == 1;
     const std::string bytes = isShown ? onTerminal(text.utf8()) : text.utf8();
@@ -32,7 +32,7 @@ void print(const NSString& text) {
     fail("the domain %@ has no key %@", domain.name, key);
 }
 
-/// A domain without a file is a mistake of the user's here, unlike for applications.
+/// Here, unlike for applications, a domain without a file is the user's mistake.
 NSDictionary existingDomain(const Domain& domain) {
     NSDictionary values = readDomain(domain);
     if (!values) {
@@ -41,7 +41,7 @@ NSDictionary existingDomain(const Domain& domain) {
     return values;
 }
 
-/// A missing domain and a missing key have messages of their own: the name of either may be misspelled.
+/// A missing domain and a missing key have different messages, because either name may be misspelled.
 NSObject existingValue(const Domain& domain, const NSString& key) {
     NSObject value = existingDomain(domain).objectForKey(key);
     if (!value) {
@@ -57,7 +57,7 @@ NSDictionary withValue(const NSDictionary& values, const NSString& key, const NS
     return changed.dictionary();
 }
 
-/// The global domain and all others, for commands that go over everything.
+/// The global domain and all others, for commands that search all domains.
 std::vector<Domain> allDomains() {
     std::vector<Domain> domains{domainFromWord("-g")};
     for (const std::string& name : namesOfDomains()) {
@@ -66,10 +66,11 @@ std::vector<Domain> allDomains() {
     return domains;
 }
 
-/// Domains that cannot be read: they must not hide the others, yet the command has failed.
+/// Collects domains that cannot be read: the command continues with the others, but fails at the end.
 class Unreadable {
 public:
-    /// Nil for such a domain, and for one that is gone. Only the first message is kept: one line is enough.
+    /// Nil for such a domain, and for one that has been removed. Only the first message is kept: one line is
+    /// enough.
     NSDictionary read(const Domain& domain) {
         try {
             return readDomain(domain);
@@ -146,8 +147,8 @@ void readType(const Words& words) {
 
 // write
 
-/// The new value of a key to which elements or entries are added; without an old one, they are the value. An
-/// old value of another type is not replaced: the user would lose it.
+/// The new value of a key to which elements or entries are added; if there is no old value, they are the
+/// value. An old value of another type is not replaced: the user would lose it.
 NSObject added(const NSObject& before, const WrittenValue& addition, const NSString& key) {
     if (addition.manner == WrittenValue::Manner::addToArray) {
         if (before && !NSArray(before)) {
@@ -168,8 +169,8 @@ NSObject added(const NSObject& before, const WrittenValue& addition, const NSStr
     return entries.dictionary();
 }
 
-/// One word after the domain is a dictionary of all values, or a key whose value is missing: text is never
-/// taken for a domain.
+/// A single word after the domain is a dictionary of all values, or a key whose value is missing: a plain
+/// text never replaces a domain.
 void writeWholeDomain(const Domain& domain, const std::string& word) {
     const NSDictionary values(valueFromWord(word));
     if (!values) {
@@ -178,7 +179,7 @@ void writeWholeDomain(const Domain& domain, const std::string& word) {
     changeDomain(domain, [&](const NSDictionary&) { return values; });
 }
 
-/// The value is read before the file is locked, so that a mistake in it makes nobody wait.
+/// The value is parsed before the file is locked, so that nobody waits because of a mistake in it.
 void write(const Words& words) {
     const Domain domain = domainFromWord(words[1]);
     if (words.size() == 3) {
@@ -196,8 +197,8 @@ void write(const Words& words) {
 
 // remove, rename
 
-/// Whether applications find the key in the global domain when this one does not have it. A file given by its
-/// path is no domain that applications search.
+/// Whether applications find the key in the global domain if this domain does not have it. Applications do
+/// not search a file that is given by its path.
 bool isSetGlobally(const Domain& domain, const NSString& key) {
     const Domain global = domainFromWord("-g");
     if (!domain.isNamed || domain.name == global.name) {
@@ -206,12 +207,11 @@ bool isSetGlobally(const Domain& domain, const NSString& key) {
     try {
         return static_cast<bool>(readDomain(global).objectForKey(key));
     } catch (const Failure&) {
-        return false; // what cannot be read holds nothing for applications either
+        return false; // what cannot be read has no effect in applications either
     }
 }
 
-/// Says where the value that the user sees may come from: a command that seems to have no effect is the usual
-/// question.
+/// Says where the value that the user sees may come from: users usually ask why a command has no effect.
 [[noreturn]] void failToRemove(const Domain& domain, const NSString& key) {
     if (isSetGlobally(domain, key)) {
         fail("the domain %@ has no key %@, but the global domain has it (%s remove -g %@)", domain.name, key,
@@ -251,8 +251,8 @@ void remove(const Words& words) {
     }
 }
 
-/// Looks for the key before it opens the domain for writing, which would make its folder, and again under the
-/// lock.
+/// Looks for the key before it opens the domain for writing, which would create its folder, and again under
+/// the lock.
 void rename(const Words& words) {
     const Domain domain = domainFromWord(words[1]);
     const NSString oldKey(words[2]);
@@ -290,8 +290,8 @@ bool mentions(const NSString& text, const NSString& word) {
     return text.containsString_caseInsensitiveSearch(word, true);
 }
 
-/// Whether anything inside the value does. Descriptions of collections would not do: they spell characters
-/// out. The stack is explicit, because files may be nested deeply.
+/// Whether the value, or anything inside it, contains the word. Descriptions of collections cannot be
+/// searched, because they escape characters. The stack is explicit, because files may be nested deeply.
 bool mentionsInside(const NSObject& value, const NSString& word) {
     detail::CollectionWalk walk(value, &NSString::compare);
     while (walk.next()) {
@@ -303,8 +303,8 @@ bool mentionsInside(const NSObject& value, const NSString& word) {
     return false;
 }
 
-/// How many entries of the domain mention the word; those are printed. If the domain's own name does, all of
-/// them count.
+/// Prints the entries of the domain that contain the word, and returns their number. If the domain's name
+/// contains it, all entries count.
 std::size_t findInDomain(const Domain& domain, const NSDictionary& values, const NSString& word) {
     const bool isWhole = mentions(domain.name, word);
     NSMutableDictionary found;
@@ -321,7 +321,7 @@ std::size_t findInDomain(const Domain& domain, const NSDictionary& values, const
     return count;
 }
 
-/// Domains that cannot be read come before "nothing found", which could be wrong because of them.
+/// Domains that cannot be read are reported first: because of them "nothing found" could be wrong.
 void find(const Words& words) {
     Unreadable unreadable;
     std::size_t count = 0;
@@ -350,7 +350,7 @@ void exportDomain(const Words& words) { writeDictionary(existingDomain(domainFro
 
 constexpr std::size_t maxLines = 20;
 
-/// Faults are the command's result, and still go to standard error: scripts look at the status.
+/// Faults are the result of this command, but still go to standard error: scripts check the exit status.
 void lint(const Words& words) {
     const std::vector<std::string> faults = faultsOf({words.begin() + 1, words.end()});
     for (std::size_t index = 0; index < faults.size() && index < maxLines; ++index) {
@@ -364,17 +364,17 @@ void lint(const Words& words) {
     }
 }
 
-/// A command, in one of the forms that it may have; the forms of one command follow each other.
+/// One form of a command; the forms of the same command are adjacent.
 struct Command {
     const char* name;
     const char* arguments; ///< as the help shows them
     const char* purpose;
-    std::size_t minWords; ///< with the command's own name
+    std::size_t minWords; ///< including the command's own name
     std::size_t maxWords;
     void (*run)(const Words&);
 };
 
-/// A number of words that is never exceeded.
+/// For any number of words.
 constexpr std::size_t any = static_cast<std::size_t>(-1);
 
 constexpr Command commands[] = {
@@ -392,7 +392,7 @@ constexpr Command commands[] = {
     {"lint", "<file>...", "check property lists, and string tables of all languages", 2, any, lint},
 };
 
-/// One line, or two where the arguments leave no room for the purpose.
+/// One line, or two if the arguments leave no room for the description.
 std::string lineOf(const Command& command) {
     constexpr std::size_t column = 37;
     std::string line = std::string("  ").append(command.name).append(" ").append(command.arguments);
@@ -403,7 +403,7 @@ std::string lineOf(const Command& command) {
 
 } // namespace
 
-// All forms of one command have its name, so its help shows them all.
+// All forms of a command have the same name, so its help shows them all.
 std::string listOfCommands(const std::string& name) {
     std::string list;
     for (const Command& command : commands) {
@@ -412,8 +412,7 @@ std::string listOfCommands(const std::string& name) {
     return list;
 }
 
-// The first form that takes this number of words is carried out. Without one, the first form of the command
-// is shown.
+// Runs the first form that takes this number of words. If there is none, shows the first form of the command.
 void runCommand(const Words& words) {
     const Command* known = nullptr;
     for (const Command& command : commands) {

@@ -7,10 +7,11 @@
 
 namespace ZQFoundation::tools::defaults {
 
-/// What there is, a line or two for each command, or for the one of that name; empty when there is none.
+/// The help: a line or two for each command, or for the command of that name; empty if there is no such
+/// command.
 std::string listOfCommands(const std::string& name);
 
-/// Carries out the command that the words spell: "write", "com.example.Viewer", "TraceLevel", "-int", "3".
+/// Carries out the command that the words form: "write", "com.example.Viewer", "TraceLevel", "-int", "3".
 /// Throws Failure or Misuse.
 void runCommand(const Words& words);
 

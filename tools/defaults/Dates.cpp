@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reads dates from the command line, strictly: a misspelled date must not become another one. No locale and
-// no time zone of the user's matters, so that a script writes the same everywhere.
+// Reads dates from the command line, strictly: a misspelled date must not become another one. Neither the
+// user's locale nor time zone matters, so a script writes the same everywhere.
 #include "tools/defaults/Dates.h"
 
 #include "foundation/objects/CivilTime.h"
@@ -11,7 +11,8 @@ namespace ZQFoundation::tools::defaults {
 
 namespace {
 
-/// Reads a text from front to back. The terminating zero is no digit and no mark, so nothing reads beyond it.
+/// Reads a text from front to back. The terminating zero is neither a digit nor a mark, so nothing reads
+/// beyond it.
 class Cursor {
 public:
     explicit Cursor(const std::string& text) noexcept : next_(text.data()), end_(next_ + text.size()) {}
@@ -87,7 +88,7 @@ bool takeOffset(Cursor& cursor, int& seconds) noexcept {
 
 } // namespace
 
-// Everything must be used up: text after a date is a mistake, too.
+// The whole word must be consumed: text after a date is a mistake, too.
 NSDate dateFromText(const std::string& text) {
     Cursor cursor(text);
     std::int64_t days = 0;

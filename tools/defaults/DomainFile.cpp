@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Opens, reads, locks and replaces files, and turns every failure into a message that names the file.
+// Opens, reads, locks and replaces files, and converts every failure to a message that names the file.
 #include "tools/defaults/DomainFile.h"
 
 #include <cerrno>
@@ -45,7 +45,7 @@ void sayThatItWaits(const std::string& path) {
 // Ten seconds: no writer keeps the lock that long unless it hangs.
 constexpr detail::LockWaiting waiting{10'000, sayThatItWaits};
 
-/// A value that XML cannot hold ends the command here, before the first byte is written.
+/// A value that XML cannot represent ends the command here, before the first byte is written.
 std::string xmlOf(const NSDictionary& dictionary) {
     std::string bytes;
     NSString error;
@@ -61,7 +61,7 @@ NSDictionary dictionaryFrom(const Descriptor& file, const std::string& path) {
     return values;
 }
 
-/// A pipe whose reader is gone ends the program like any other. A write may take only a part.
+/// A pipe whose reader is gone ends the program, as usual. A write may be short.
 void writeAll(int file, const std::string& bytes, const std::string& path) {
     for (std::size_t written = 0; written < bytes.size();) {
         const ssize_t count = ::write(file, bytes.data() + written, bytes.size() - written);
@@ -78,9 +78,9 @@ bool getInformation(const GuardedPlace& place, struct stat& item, struct stat& f
            ::fstatat(place.folder.number(), place.name.c_str(), &item, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-/// Opens a pipe, a device or what an object link stands for. What others have made in a shared folder is not
-/// even opened, as they would notice. It is checked again after the opening, because it may have been
-/// exchanged.
+/// Opens a pipe, a device or the object that a link in /dev/fd refers to. An item that others have created in
+/// a shared folder is not even opened, because they would notice. The item is checked again after opening,
+/// because it may have been exchanged.
 Descriptor openForWriting(const GuardedPlace& place, const std::string& path) {
     struct stat item;
     struct stat folder;
@@ -90,7 +90,7 @@ Descriptor openForWriting(const GuardedPlace& place, const std::string& path) {
     if (!place.isObjectLink && !detail::mayWriteItem(item, folder)) {
         failWith(path, EACCES);
     }
-    // Of an open file the name stands for what is written next, which is at its end.
+    // For a link to an open file, writing continues at the end of the file.
     Descriptor file = detail::openPlace(place, O_WRONLY | (place.isObjectLink ? O_APPEND : 0));
     if (!file || ::fstat(file.number(), &item) != 0) {
         failWith(path, errno);
@@ -103,7 +103,7 @@ Descriptor openForWriting(const GuardedPlace& place, const std::string& path) {
 
 } // namespace
 
-// A folder on the way that does not exist means that there is no file, as for the library.
+// As in the library, a missing folder on the path means that there is no file.
 NSDictionary readDomain(const Domain& domain) {
     GuardedPlace place;
     if (!detail::reachGuarded(domain.path, place)) {
@@ -118,7 +118,8 @@ NSDictionary readDomain(const Domain& domain) {
     return values;
 }
 
-// The folder of named domains is made when it is missing; that of a path given by the user is not.
+// If the folder of the named domains is missing, it is created; the folder of a path given by the user is
+// not.
 LockedDomain::LockedDomain(const Domain& domain) {
     using Folder = detail::LockedFile::Folder;
     NSString error;
@@ -190,7 +191,7 @@ void writeDictionary(const NSDictionary& dictionary, const std::string& path) {
         file.replace(dictionary);
         return;
     }
-    // A pipe or a device is not to be replaced by a file; a folder refuses by itself.
+    // A pipe or a device must not be replaced by a file; for a folder, opening fails.
     const Descriptor file = openForWriting(place, path);
     writeAll(file.number(), xmlOf(dictionary), path);
 }

@@ -9,13 +9,14 @@
 
 namespace ZQFoundation::tools::defaults {
 
-/// What the domain's file holds; nil when there is none. Fails with a message for a file that cannot be read,
-/// is no property list, or holds no dictionary.
+/// The contents of the domain's file; nil if there is none. Fails with a message for a file that cannot be
+/// read, is not a property list, or does not contain a dictionary.
 ///
-/// Paths are followed everywhere by the rule of `reachGuarded`: in folders like /tmp no planted link counts.
+/// Every path is followed by the rules of `reachGuarded`: in folders like /tmp, planted links are not
+/// followed.
 NSDictionary readDomain(const Domain& domain);
 
-/// The dictionary in any file, a pipe too; "-" for standard input. Fails with a message as `readDomain`.
+/// The dictionary in any file, even a pipe; "-" is standard input. Fails with a message like `readDomain`.
 NSDictionary readDictionary(const std::string& path);
 
 /// Reads the domain, calls `change`, and replaces the file with the result: others see the old file or the
@@ -30,10 +31,12 @@ void changeDomain(const Domain& domain, const Change& change);
 /// Removes the domain's file. Fails with a message when there is none.
 void removeDomain(const Domain& domain);
 
-/// Writes the dictionary as XML to a file, which is replaced, to a pipe or a device; "-" for standard output.
+/// Writes the dictionary as XML to a file, which is replaced, or to a pipe or a device; "-" is standard
+/// output.
 void writeDictionary(const NSDictionary& dictionary, const std::string& path);
 
-/// The file of a domain, locked against other writers as long as this lives. Everything fails with a message.
+/// The file of a domain, locked against other writers as long as this object exists. All operations fail with
+/// a message.
 class LockedDomain {
 public:
     explicit LockedDomain(const Domain& domain);

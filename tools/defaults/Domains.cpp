@@ -26,7 +26,7 @@ Domain domainOfPath(const std::string& word) {
 
 } // namespace
 
-// A slash makes a path of a word, since no domain's name can contain one. A word that begins with a hyphen is
+// A word with a slash is a path, since no domain's name can contain one. A word that begins with a hyphen is
 // a misspelled option, not a domain: `write` would create it.
 Domain domainFromWord(const std::string& word) {
     if (word.find('/') != std::string::npos) {
@@ -50,7 +50,7 @@ Domain domainFromWord(const std::string& word) {
 // For names that come from the folder itself: one may begin with a hyphen, which a word may not.
 Domain domainOfFile(const std::string& name) { return {name, detail::fileOfDomain(name), true}; }
 
-// Hidden files are no domains. A folder that does not exist holds none either.
+// Hidden files are not domains, and a folder that does not exist has none.
 std::vector<std::string> namesOfDomains() {
     const NSArray files =
         NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(detail::defaultsFolder());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Declares domains: which file a word of the command line means.
+// Declares domains: which file a word of the command line refers to.
 #ifndef ZQFOUNDATION_DEFAULTS_DOMAINS_H
 #define ZQFOUNDATION_DEFAULTS_DOMAINS_H
 
@@ -8,11 +8,11 @@
 
 namespace ZQFoundation::tools::defaults {
 
-/// A set of defaults and the file that holds it.
+/// A set of defaults and its file.
 struct Domain {
     std::string name; ///< as the user has given it
     std::string path;
-    bool isNamed; ///< found by its name in the folder of all domains, which is made when it is missing
+    bool isNamed; ///< found by its name in the folder of all domains, which is created if missing
 };
 
 /// The domain of a name, of "-g" or "-globalDomain" for the global one, or of a path to a file, with or

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Writes values as JSON, with an iteration over the value instead of recursion, so that no depth is too much
-// for the stack.
+// Writes values as JSON, iteratively instead of recursively, so that no depth exceeds the stack.
 #include "tools/defaults/Json.h"
 
 #include <cmath>
@@ -41,7 +40,7 @@ std::string dateText(const NSDate& date) {
     return text.replace(text.rfind(' '), std::string::npos, "Z");
 }
 
-/// A value of any type that a property list can hold but collections.
+/// A value of any type that a property list can contain, except collections.
 std::string scalarText(const NSObject& value) {
     if (const NSNumber number = value.as<NSNumber>()) {
         return numberText(number);

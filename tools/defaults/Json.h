@@ -9,9 +9,9 @@
 
 namespace ZQFoundation::tools::defaults {
 
-/// The value in lines, with the keys in ascending order. JSON has fewer types: a date is a text
-/// ("2024-03-05T14:07:09Z"), data are a text in Base64, and a number that is none ("nan", "inf") is one too.
-/// Fails with a message for more levels than a property list has.
+/// The value on several lines, with the keys in ascending order. JSON has fewer types: a date is a text
+/// ("2024-03-05T14:07:09Z"), data is Base64 text, and NaN and infinity are texts ("nan", "inf"). Fails with a
+/// message for more levels than a property list may have.
 std::string jsonOf(const NSObject& value);
 
 } // namespace ZQFoundation::tools::defaults

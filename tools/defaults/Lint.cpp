@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Checks property lists and string tables with the library's own parsers, so that what passes here is read
-// there.
+// Checks property lists and string tables with the library's own parsers, so that a file that passes can also
+// be read at run time.
 #include "tools/defaults/Lint.h"
 
 #include <map>
@@ -38,8 +38,8 @@ std::string lastNames(const std::string& path, int count) {
     return start == std::string::npos ? path : path.substr(start + 1);
 }
 
-/// The same for all languages of a table, with "*" for the language; empty for one that is in no folder of a
-/// language, which has nothing to be compared with.
+/// The same for all languages of a table, with "*" for the language; empty for a table outside the language
+/// folders, which is not compared with any other.
 std::string familyName(const std::string& path) {
     const std::string table = lastNames(path, 1);
     const std::string folder = path.substr(0, path.size() - lastNames(path, 2).size());
@@ -85,7 +85,7 @@ private:
         faults_.push_back(path_ + ": " + NSString::stringWithFormat(format, arguments...).utf8());
     }
 
-    /// Without blocking: a pipe among the files is not waited for.
+    /// Without blocking: a pipe among the files must not make the command wait.
     bool read(std::string& bytes) {
         const detail::Descriptor file(
             detail::openAt(AT_FDCWD, path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
@@ -118,7 +118,7 @@ private:
         }
     }
 
-    /// Every value must be text; a number or a list is no text that could be shown.
+    /// Every value must be text; a number or a list cannot be shown.
     void lookAtTable(const NSDictionary& texts, const detail::PropertyListError& error) {
         if (!texts) {
             addFaultAtPlace(error);
@@ -135,7 +135,7 @@ private:
         }
     }
 
-    /// Each text with the first table that has its key: that one is nobody's fault.
+    /// Compares each text with that in the first table that has its key.
     void compare(const Table& table, const Family& family) {
         NSMutableDictionary seen;
         for (const Table& other : family) {
@@ -148,8 +148,8 @@ private:
         }
     }
 
-    /// A text that lacks a key shows the key to the user. One that takes other arguments shows a wrong value,
-    /// which no look at the table alone reveals.
+    /// If a table lacks a key, the user sees the key. A text that takes other arguments shows a wrong value,
+    /// which the table alone does not reveal.
     void compareText(const Table& table, const Table& other, const NSString& key, const NSString& otherText) {
         const NSObject text = table.texts.objectForKey(key);
         if (!text) {
@@ -176,7 +176,7 @@ private:
 
 } // namespace
 
-// A file without a family is only read; comparing needs at least two.
+// A file without a family is only read: a comparison needs at least two tables.
 std::vector<std::string> faultsOf(const std::vector<std::string>& paths) {
     Linter linter;
     for (const std::string& path : paths) {

@@ -8,9 +8,9 @@
 
 namespace ZQFoundation::tools::defaults {
 
-/// Checks that the library can use the files: that each is read, and as what its name says (`*.strings` is a
-/// string table, anything else a property list), and that the tables of one name in the `*.lproj` folders of
-/// one folder have the same keys, with the same conversions in their values. Answers what is wrong, a line
+/// Checks that the library can use the files: each must be readable as its name says (`*.strings` as a string
+/// table, anything else as a property list), and tables of the same name in the `*.lproj` folders of one
+/// folder must have the same keys, with the same conversions in their values. Returns the faults, one line
 /// each, in the order of the files: "en.lproj/Localizable.strings:3:5: An array is not closed".
 std::vector<std::string> faultsOf(const std::vector<std::string>& paths);
 

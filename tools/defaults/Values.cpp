@@ -62,7 +62,7 @@ Type typeOfFlag(const std::string& word) noexcept {
 /// Whether the flag takes all words that are left; the order of the enumerators says so.
 bool isCollection(Type type) noexcept { return type >= Type::array; }
 
-/// The standard function: it depends on no locale, and reports how far it has read.
+/// The standard function: it does not depend on the locale, and reports how far it has read.
 template <class Number>
 std::from_chars_result scanNumber(const char* first, const char* last, Number& number) {
     return std::from_chars(first, last, number);
@@ -98,8 +98,8 @@ std::from_chars_result scanNumber(const char* first, const char* last, double& n
 
 #endif
 
-/// A number that takes the whole word. A leading "+" is allowed, which the scanner does not know; "+-5" is
-/// not.
+/// A number that takes the whole word. A leading "+" is allowed, although the scanner does not accept it;
+/// "+-5" is not.
 template <class Number>
 Number numberFromWord(const std::string& word, const char* what) {
     const char* const start = word.c_str() + (word[0] == '+' && word[1] != '-' ? 1 : 0);
@@ -115,7 +115,7 @@ Number numberFromWord(const std::string& word, const char* what) {
     return number;
 }
 
-/// A closed list: any other word is more likely a mistake than a NO.
+/// A fixed list: any other word is more likely a mistake than a NO.
 bool booleanFromWord(const std::string& word) {
     const NSString lowered = NSString(word).lowercaseString();
     for (const char* const yes : {"yes", "true", "1"}) {
@@ -153,7 +153,7 @@ NSObject dataFromWord(const std::string& word) {
     return NSData::dataWithBytes_length(bytes.data(), bytes.size());
 }
 
-/// A word as a type that was asked for; without one it is text, whatever it looks like.
+/// A word as a value of the requested type; without a type it is text, whatever it looks like.
 NSObject scalarFromWord(Type type, const std::string& word) {
     switch (type) {
     case Type::data:
@@ -198,7 +198,7 @@ NSArray arrayFromWords(const Words& words, std::size_t index) {
     return elements.array();
 }
 
-/// Keys and values alternate. Of a key that is given twice the last value counts.
+/// Keys and values alternate. If a key is given twice, the last value counts.
 NSDictionary dictionaryFromWords(const Words& words, std::size_t index) {
     NSMutableDictionary entries;
     while (index < words.size()) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Declares values as the command line spells them.
+// Declares values in the syntax of the command line.
 #ifndef ZQFOUNDATION_DEFAULTS_VALUES_H
 #define ZQFOUNDATION_DEFAULTS_VALUES_H
 
@@ -17,8 +17,8 @@ struct WrittenValue {
     NSObject value; ///< an array or a dictionary for the other two
 };
 
-/// The value that the words from `first` on spell: "-int 3", "-array a b", "( a, b )", "text". Fails with a
-/// message when they spell none, and when there are more of them than a value takes.
+/// The value of the words from `first` on: "-int 3", "-array a b", "( a, b )", "text". Fails with a message
+/// if they do not form a value, or if words are left over.
 WrittenValue valueFromWords(const Words& words, std::size_t first);
 
 /// A property list in the old-style or XML form for a word that begins like one, else the word itself.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads and changes user defaults: the property lists that the library looks into for its settings.
+// Reads and changes user defaults: the property lists in which the library looks up settings.
 #include <csignal>
 #include <cstdio>
 #include <string_view>
@@ -46,8 +46,8 @@ void printHelp() {
 
 bool asksForHelp(const std::string& word) { return word == "--help" || word == "-h"; }
 
-/// Whether the words are a command and the wish to know what it takes. For a command that does not exist
-/// nothing is printed: `runCommand` says so.
+/// Prints the help of a command if that is requested; false otherwise. Prints nothing for a command that does
+/// not exist: `runCommand` reports it.
 bool printHelpOfCommand(const Words& words) {
     const std::string list = words.size() == 2 && asksForHelp(words[1]) ? listOfCommands(words[0]) : "";
     if (!list.empty()) {

@@ -6,11 +6,11 @@
 #include <atomic>
 #include <csignal>
 
-/// SIGINT, SIGTERM and SIGHUP, counted from `awaitSignals` on: the first one stops the work, another one also
-/// what is done after that. Any thread.
+/// Counts SIGINT, SIGTERM and SIGHUP from `awaitSignals` on: the first one stops the work, a second one also
+/// stops what is done after it. Any thread.
 namespace ZQFoundation::tools::zqmigrate {
 
-/// 0 before the first one, whose number the exit status has.
+/// The number of the first signal, which is part of the exit status; 0 before it.
 inline std::atomic<int> firstSignal{0};
 inline std::atomic<int> signalCount{0};
 
@@ -28,7 +28,7 @@ inline void awaitSignals() {
     action.sa_handler = countSignal;
     action.sa_flags = SA_RESTART;
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaddset(&action.sa_mask, number); // one after the other
+        sigaddset(&action.sa_mask, number); // so that the handler is not interrupted by itself
     }
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a run would do as things are now, and where its files would be in each other's way.
+// Plans what a run would do in the present state, and finds files of the run that would conflict.
 #include <map>
 
 #include <fcntl.h>
@@ -15,8 +15,8 @@ namespace {
 
 using detail::BatchMigration;
 
-/// A name in a folder, whatever path leads there. Where folders are still to be made, the name begins with
-/// theirs.
+/// A name in an existing folder, the same for every path to it. If folders are still to be created, the name
+/// begins with their names.
 struct Place {
     dev_t device;
     ino_t inode;
@@ -26,7 +26,7 @@ struct Place {
 };
 
 /// Goes up the path to the first folder that exists, so that two spellings of one destination give one place,
-/// even if folders of both are still to be made.
+/// even if folders on both paths are still to be created.
 Place placeOf(const std::string& path) {
     for (std::size_t slash = path.rfind('/');; slash = path.rfind('/', slash - 1)) {
         const bool isRelative = slash == std::string::npos;
@@ -38,8 +38,8 @@ Place placeOf(const std::string& path) {
     }
 }
 
-/// Where a link leads, as a path; empty for what is none. A target that is too long for a path is cut off,
-/// and is then found nowhere.
+/// The target of a link as a path; empty for an item that is not a link. A target that is too long for a path
+/// is truncated, and then matches nothing.
 std::string targetOfLink(const std::string& path) {
     std::string text;
     if (detail::readLink(AT_FDCWD, path.c_str(), text) != detail::LinkResult::link || text[0] == '/') {
@@ -48,7 +48,7 @@ std::string targetOfLink(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1) + text;
 }
 
-/// Finds what one file of a batch does to the plans of others.
+/// Finds out how one file of a batch affects the plans of others.
 class Conflicts {
 public:
     explicit Conflicts(const Request& request) : request_(request) {}
@@ -77,13 +77,13 @@ private:
         return bytesOf(request_.source.stringByAppendingPathComponent(item.path));
     }
 
-    /// An item that is its own destination or target is no conflict of two files.
+    /// An item that is its own destination or target is not a conflict between two files.
     bool isOtherOriginal(const std::string& path, const Item& item) const {
         const auto found = path.empty() ? originals_.end() : originals_.find(placeOf(path));
         return found != originals_.end() && found->second != &item;
     }
 
-    /// False when the place, or that of a folder to be made above it, was taken before.
+    /// False if the place, or that of a folder to be created above it, was taken before.
     bool take(const Place& place) {
         bool isFree = true;
         for (std::size_t slash = place.name.find('/'); slash != std::string::npos;
@@ -99,7 +99,7 @@ private:
     std::map<Place, bool> taken_; ///< true for folders
 };
 
-/// Collects the plans of a batch. Planning copies nothing, so the questions of a copy never come.
+/// Collects the plans of a batch. Planning copies nothing, so no progress is reported.
 class Collector final : public BatchMigration::Observer {
 public:
     explicit Collector(ZQMigrationObserver& observer) : observer_(observer) {}
@@ -123,7 +123,7 @@ private:
 
 } // namespace
 
-// The library's own plan, without its side effects: the folders are found without recovering what is in them.
+// The library's own plan, without side effects: folders are opened without recovering what is in them.
 std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& observer) {
     const detail::MigrationPolicy policy{request.keepOriginal, request.createDestinationParentFolder,
                                          request.overwriteDestination, request.renameIfDestinationExists};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is printed: a line or a JSON object for each item, and a summary.
+// Composes what is printed: a line or a JSON object for each item, and a summary.
 #include "tools/zqmigrate/Report.h"
 
 #include <algorithm>
@@ -10,14 +10,14 @@ namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
-/// More would scroll the rest off a screen.
+/// A longer list would scroll the rest off the screen.
 constexpr std::size_t maxListed = 20;
 
-/// What a person can do about a code.
+/// What the user can do about a code.
 constexpr struct {
     std::uint32_t code;
     const char* text;
-    bool needsAttempt = false; ///< it says what an attempt has left
+    bool needsAttempt = false; ///< it concerns what an attempt has left
 } hints[] = {
     {kFileMigrationSourceIsFolder, "the commands folder and batch are for folders"},
     {kFileMigrationSourceIsFile, "the command file is for files"},
@@ -72,7 +72,7 @@ std::string joined(const std::vector<std::string>& members) {
     return text;
 }
 
-/// `"<name>": [...]`, one element a line. The elements are JSON already.
+/// `"<name>": [...]`, one element on each line. The elements are already JSON.
 std::string array(const char* name, const std::vector<std::string>& members) {
     return member(name, "[" + (members.empty() ? "" : "\n" + joined(members)) + "]");
 }
@@ -85,14 +85,15 @@ std::string arrayOfPaths(const char* name, const std::vector<NSString>& paths) {
     return array(name, members);
 }
 
-/// In a run for a folder the one item is a folder, else items are files, also links and devices.
+/// When a folder is migrated, the only item is a folder; otherwise all items are called files, even links and
+/// devices.
 std::string counted(std::uint64_t count, const Request& request) {
     return grouped(count) + (request.operation == Operation::folder ? " folder" : " file") +
            (count == 1 ? "" : "s");
 }
 
-/// One sentence: how many of how many items were migrated, or would be in a trial, and what is left to do. A
-/// run without files is not a failure, but it is reported.
+/// One sentence: how many of all items were migrated, or would be in a trial, and what is left to do. A run
+/// without files is not a failure, but it is reported.
 std::string howItWent(const Request& request, const Outcome& outcome) {
     const std::uint64_t left = outcome.left();
     const std::uint64_t count = outcome.migrated + left;
@@ -114,7 +115,7 @@ std::string howItWent(const Request& request, const Outcome& outcome) {
     return messageLine(text);
 }
 
-/// The first lines of a list, and how many more there are.
+/// The first lines of a list, and the number of the rest.
 template <class LineAt>
 std::string listed(const Request& request, std::size_t count, const LineAt& lineAt) {
     std::string text;
@@ -125,14 +126,14 @@ std::string listed(const Request& request, std::size_t count, const LineAt& line
     return count <= maxListed ? text : text + more + (request.isJson ? "\n" : "; --json lists all\n");
 }
 
-/// Each path in a line of its own, as a message of the program.
+/// Each path on a separate line, as a message of the program.
 std::string listedPaths(const Request& request, const std::vector<NSString>& paths, const char* complaint) {
     return listed(request, paths.size(), [&](std::size_t index) {
         return messageLine(NSString::stringWithFormat("%@: %s", paths[index], complaint));
     });
 }
 
-/// Failed items with their reasons, then those that a signal has kept from being reached.
+/// Failed items with their reasons, then those that were not reached because of a signal.
 std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     const std::size_t failed = outcome.failed.size();
     return listed(request, outcome.left(), [&](std::size_t index) {
@@ -143,7 +144,8 @@ std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     });
 }
 
-/// Each hint once, however many items have its code; none about an attempt that a trial did not make.
+/// Each hint once, however many items have its code. In a trial, no hints about an attempt, because there was
+/// none.
 std::string hintsFor(const Request& request, const Outcome& outcome) {
     std::string text;
     for (const auto& hint : hints) {
@@ -158,10 +160,10 @@ std::string hintsFor(const Request& request, const Outcome& outcome) {
 
 } // namespace
 
-// Control characters of a path in it are spelled out, so it is one line.
+// Control characters of a path in the message are escaped, so it is one line.
 std::string messageLine(const NSString& message) { return "zqmigrate: " + shown(message) + "\n"; }
 
-// The request as it was understood, so that a report that is found later explains itself.
+// The request as it was understood, so that a saved report explains itself.
 std::string beginningOfReport(const Request& request) {
     if (!request.isJson) {
         return {};
@@ -181,8 +183,8 @@ std::string beginningOfReport(const Request& request) {
     return "{\n" + joined(members) + ",\n" + member("items", "[\n");
 }
 
-// For a person, standard output has what was done, and failures go to standard error with the summary. A
-// program gets all items in one list.
+// For people, standard output lists what was done, and failures go to standard error with the summary.
+// Programs get all items in one list.
 std::string reportOfItem(const Request& request, const Item& item, bool isFirst) {
     if (!request.isJson) {
         return request.isQuiet || item.code != kFileMigrationSuccess ? "" : linesOf(request, item);
@@ -194,8 +196,8 @@ std::string reportOfItem(const Request& request, const Item& item, bool isFirst)
            (item.note ? ", " + member("note", quoted(item.note)) : "") + "}\n";
 }
 
-// Every member is always there, so that a program need not look for it. `left` is what a second run would
-// have to do.
+// Every member is always present, so that programs need not check. `left` is what a second run would have to
+// do.
 std::string endOfReport(const Request& request, const Outcome& outcome) {
     if (!request.isJson) {
         return {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The command line, read.
+// Parses the command line.
 #include "tools/zqmigrate/Request.h"
 
 #include <algorithm>
@@ -37,7 +37,7 @@ void refuseIf(bool isWrong, const std::string& message) {
     }
 }
 
-/// "--quiet", or "-nq": one switch a letter. The word has two characters or more.
+/// "--quiet", or "-nq": one switch for each letter. The word has at least two characters.
 void takeSwitches(const std::string& word, Request& request) {
     const bool isName = word[1] == '-';
     for (const char letter : isName ? std::string("-") : word.substr(1)) {
@@ -50,11 +50,11 @@ void takeSwitches(const std::string& word, Request& request) {
     }
 }
 
-/// Without its period, as the library takes it.
+/// Without its period, as the library expects it.
 void takeExtension(const std::string& value, Request& request) {
     refuseIf(request.extension != nullptr, "there is more than one --extension");
-    // Such a one would select nothing, which would pass for success. For the library the empty one is every
-    // file; here it is most likely a variable without a value.
+    // Such an extension would select nothing, and that would look like success. To the library, an empty
+    // extension means every file; here it is most likely a variable without a value.
     refuseIf(value.empty() || value.find_first_of("./") != std::string::npos,
              "an extension is what follows the last period of a name, such as \"log\", not \"" + value +
                  "\"");
@@ -66,19 +66,19 @@ void takeOperands(const Words& operands, Request& request) {
     const auto name = std::find(std::begin(operationNames), std::end(operationNames), operands[0]);
     refuseIf(name == std::end(operationNames), "there is no command " + operands[0]);
     refuseIf(operands.size() != 3, operands[0] + " takes two paths: from and to");
-    // Most likely a variable of a shell that has no value: an empty folder would be the current one.
+    // Most likely a shell variable without a value: an empty path would mean the current folder.
     refuseIf(operands[1].empty(), "the path to migrate from is empty");
     refuseIf(operands[2].empty(), "the path to migrate to is empty");
     request.operation = static_cast<Operation>(name - std::begin(operationNames));
     request.from = pathOf(operands[1]);
     request.to = pathOf(operands[2]);
     request.source = request.from.stringByExpandingTildeInPath();
-    // For the library a mere name is in no folder; for the user it is in the current one.
+    // To the library, a plain name is in no folder; to the user, it is in the current one.
     const bool isName = !request.isBatch() && !request.to.isAbsolutePath();
     request.destination = isName ? pathOf("./" + operands[2]) : request.to.stringByExpandingTildeInPath();
 }
 
-/// Rejected, not resolved by an order of precedence that nobody remembers: files are at stake.
+/// Contradictory options are rejected, not resolved by an order that nobody remembers: files are at stake.
 void refuseContradictions(const Request& request) {
     refuseIf(!request.isBatch() && (request.extension != nullptr || request.includeDotFiles),
              "--extension and --dot-files are for batch only");
@@ -89,8 +89,8 @@ void refuseContradictions(const Request& request) {
 
 } // namespace
 
-// Options may follow operands. The first wish for help or the version ends the reading: what comes after it
-// may be wrong.
+// Options may follow operands. The first request for help or the version ends the parsing: what comes after
+// it may be wrong.
 Request requestFromWords(const Words& words) {
     const std::string extension = "--extension";
     Request request;

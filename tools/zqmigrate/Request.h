@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Declares what the command line asks for.
+// Declares the parsed command line.
 #ifndef ZQFOUNDATION_ZQMIGRATE_REQUEST_H
 #define ZQFOUNDATION_ZQMIGRATE_REQUEST_H
 
@@ -16,19 +16,19 @@ struct Request : ZQMigrationOptions {
     Operation operation = Operation::file;
     NSString from; ///< as typed
     NSString to;
-    NSString source; ///< "~" expanded; what the library is to get
+    NSString source; ///< "~" expanded; passed to the library
     NSString destination;
     NSString extension; ///< nil for every file
     bool isTrial = false;
     bool isJson = false;
     bool isQuiet = false;
     bool isVerbose = false;
-    bool wantsHelp = false; ///< and nothing else, as the next one
+    bool wantsHelp = false; ///< nothing else is done then; the same for the next one
     bool wantsVersion = false;
 
     bool isBatch() const noexcept { return operation == Operation::batch; }
 
-    /// Where an item is to go: in a batch by its path relative to the folders.
+    /// The destination of an item: in a batch by its path relative to the folders.
     NSString destinationOf(const NSString& path) const {
         return isBatch() ? destination.stringByAppendingPathComponent(path) : destination;
     }
@@ -42,7 +42,7 @@ struct Request : ZQMigrationOptions {
 
 inline constexpr const char* operationNames[] = {"file", "folder", "batch"};
 
-/// Throws Misuse for words that make no sense.
+/// Throws Misuse for a wrong command line.
 Request requestFromWords(const Words& words);
 
 } // namespace ZQFoundation::tools::zqmigrate

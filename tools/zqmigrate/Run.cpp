@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A run of the tool: what there is to do is looked at, done or planned, and looked at again.
+// A run of the tool: surveys what there is to do, does or plans it, and checks what is left.
 #include "tools/zqmigrate/Run.h"
 
 #include <algorithm>
@@ -21,21 +21,22 @@ namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
-/// An item that the request is about: in a batch a chosen file, or a folder that cannot be read.
+/// An item that the request concerns: in a batch, a selected file or a folder that cannot be read.
 struct FoundItem {
-    NSString path; ///< relative to the source; empty for that itself
+    NSString path; ///< relative to the source; empty for the source itself
     struct stat information {};
     bool isUnreadableFolder = false;
     bool isDangling = false;     ///< a link
-    bool isRelativeLink = false; ///< that leads somewhere
+    bool isRelativeLink = false; ///< that is valid
 };
 
-/// Whether the folder can be walked, which takes both permissions: for the effective user, as in a migration.
+/// Whether the effective user, who is the one that migrates, can walk the folder; that requires both
+/// permissions.
 bool isUsable(const detail::ItemPlace& folder) {
     return ::faccessat(folder.folder(), folder.name(), R_OK | X_OK, AT_EACCESS) == 0;
 }
 
-/// False for what the request is not about.
+/// False for items that the request does not concern.
 bool look(const Request& request, const detail::ItemPlace& place, FoundItem& item) {
     struct stat target {};
     char first = '/';
@@ -53,8 +54,7 @@ bool look(const Request& request, const detail::ItemPlace& place, FoundItem& ite
     return !request.isBatch() || item.isUnreadableFolder || isChosen;
 }
 
-/// Why a batch cannot go through its source folder; nil when it can. For the library all of these are folders
-/// that hold nothing.
+/// Why a batch cannot walk its source folder; nil if it can. To the library, all of these are empty folders.
 NSString complaintAbout(const detail::ItemPlace& source) {
     bool isDirectory = false;
     if (!source || !source.exists(isDirectory)) {
@@ -66,7 +66,7 @@ NSString complaintAbout(const detail::ItemPlace& source) {
     return isUsable(source) ? NSString() : NSString(std::strerror(errno));
 }
 
-/// What is free for the user where the path is to be; the greatest number when that is not known.
+/// The space that the user has at the place of the path; the largest number if that is unknown.
 std::uint64_t freeBytesAt(NSString path) {
     struct statvfs system {};
     for (; ::statvfs(path.length() == 0 ? "." : bytesOf(path).c_str(), &system) != 0;
@@ -78,15 +78,15 @@ std::uint64_t freeBytesAt(NSString path) {
     return static_cast<std::uint64_t>(system.f_bavail) * system.f_frsize;
 }
 
-/// One run: a survey for the totals, the work, and a second look at what the work did not reach. The library
-/// reports each file; what it ignores without a report is found by the two looks.
+/// One run: a survey for the totals, the work, and a second survey of what the work did not reach. The
+/// library reports each file; the two surveys find what it ignores without a report.
 class Run final : public ZQMigrationObserver {
 public:
     Run(const Request& request, Screen& screen) : request_(request), screen_(screen) {
         source_.open(bytesOf(request.source));
     }
 
-    /// After a complaint about the source there is nothing to survey or to do.
+    /// If there is an error about the source, there is nothing to survey or to do.
     Outcome run() {
         screen_.write(beginningOfReport(request_));
         const NSString complaint = request_.isBatch() ? complaintAbout(source_) : NSString();
@@ -102,8 +102,7 @@ public:
         return outcome_;
     }
 
-    /// The first signal stops the work before the next item; the one in progress is remembered as not
-    /// reached.
+    /// The first signal stops the work before the next item; the item in progress counts as not reached.
     bool migrationMayContinue(const ZQMigrationProgress& now) override {
         progress_.items = now.items;
         progress_.bytes = now.bytes;
@@ -116,14 +115,14 @@ public:
 
     void migrationDidFinish(const NSString& path, ZQFileMigrationRetvalType code,
                             const NSString& destination) override {
-        if (path != inHand_ || code == kFileMigrationSuccess) { // what was stopped half-way was not reached
+        if (path != inHand_ || code == kFileMigrationSuccess) { // what was interrupted was not reached
             finish({path, code, destination, nullptr});
         }
     }
 
 private:
-    /// Visits every item that the request is about. False when there was a signal more than `count`: the one
-    /// after that which has stopped the work also stops the search for what is left.
+    /// Visits every item that the request concerns. False if more than `count` signals have arrived: the one
+    /// after the signal that stopped the work also stops the search for what is left.
     template <class Visit>
     bool goThrough(int count, const Visit& visit) {
         FoundItem item;
@@ -131,7 +130,7 @@ private:
         if (!request_.isBatch() && source_ && look(request_, source_, item)) {
             visit(item);
         }
-        // The start of a batch may be a link; a link to a folder that is migrated is a link.
+        // A batch may start at a link; in a migration of a folder, a link to a folder remains a link.
         const int flags = request_.isBatch() ? detail::folderFlags & ~O_NOFOLLOW : detail::folderFlags;
         detail::Descriptor start(source_ ? detail::openAt(source_.folder(), source_.name(), flags) : -1);
         if (!start) {
@@ -152,7 +151,7 @@ private:
         return true;
     }
 
-    /// Counts items and bytes before the work, for the bar, and notes what the library does not report:
+    /// Counts items and bytes before the work, for the bar, and records what the library does not report:
     /// folders that cannot be read, and relative links, which may be dangling at their new place.
     void survey() {
         const bool isWhole = goThrough(0, [this](const FoundItem& item) {
@@ -166,7 +165,7 @@ private:
             if (S_ISREG(item.information.st_mode)) { // holes are not copied
                 const auto blocks = static_cast<std::uint64_t>(item.information.st_blocks) * 512;
                 room_ += blocks;
-                progress_.totalBytes += // a trial copies none
+                progress_.totalBytes += // a trial copies no bytes
                     request_.isTrial ? 0
                                      : std::min(blocks, static_cast<std::uint64_t>(item.information.st_size));
             }
@@ -190,7 +189,7 @@ private:
         static_cast<void>(migrateOne(request_.source, request_.destination, request_, this));
     }
 
-    /// A trial, with what it cannot foresee as notes.
+    /// A trial; notes say what it cannot predict.
     void plan() {
         std::uint64_t notes = 0;
         for (const Item& item : plannedItems(request_, *this)) {
@@ -215,8 +214,8 @@ private:
         }
     }
 
-    /// Reports an item at once, so that a run that is killed has reported what it did. The links of a
-    /// migrated tree are checked at the end, when everything they may refer to has arrived.
+    /// Reports an item at once, so that even a killed run has reported what it did. The links of a migrated
+    /// tree are checked at the end, when everything they may refer to has arrived.
     void finish(const Item& item) {
         screen_.write(reportOfItem(request_, item, reached_.empty()));
         reached_.insert(bytesOf(item.path));
@@ -236,8 +235,8 @@ private:
         }
     }
 
-    /// What was not reached, and dangling links: the library treats such a link like the item before it, and
-    /// so ignores it after a folder.
+    /// Collects what was not reached, and dangling links: the library treats such a link like the item before
+    /// it, and so ignores it after a folder.
     void findRest() {
         if (inHand_ && reached_.insert(bytesOf(inHand_)).second) {
             outcome_.notReached.push_back(inHand_);
@@ -256,7 +255,7 @@ private:
         outcome_.isMoreNotReached = request_.isBatch() && !goThrough(1, visit);
     }
 
-    /// A trial has made no copies to look at.
+    /// A trial has made no copies that could be checked.
     void checkLinks() {
         for (const NSString& link : copiedLinks_) {
             if (!request_.isTrial && !NSFileManager::defaultManager().fileExistsAtPath(link)) {
@@ -270,11 +269,11 @@ private:
     detail::ItemPlace source_;
     Outcome outcome_;
     Progress progress_;
-    std::uint64_t room_ = 0;      ///< bytes that the originals take on the disk
-    std::set<std::string> links_; ///< relative ones that lead somewhere: bytes of paths below the source
-    std::vector<NSString> copiedLinks_; ///< where the copies of these are
+    std::uint64_t room_ = 0;            ///< bytes that the originals take on the disk
+    std::set<std::string> links_;       ///< valid relative ones: bytes of paths below the source
+    std::vector<NSString> copiedLinks_; ///< the paths of their copies
     std::set<std::string> reached_;     ///< bytes of paths
-    NSString inHand_;                   ///< the item at which a signal has stopped the work
+    NSString inHand_;                   ///< the item at which a signal stopped the work
 };
 
 } // namespace

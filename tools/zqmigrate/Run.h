@@ -8,24 +8,24 @@
 
 namespace ZQFoundation::tools::zqmigrate {
 
-/// What became of one file or folder, or in a trial would become.
+/// The result for one file or folder; in a trial, the expected one.
 struct Item {
     NSString path; ///< relative to the source folder in a batch, else the source
     std::uint32_t code;
-    NSString destination; ///< of the copy; nil when there is none to name
-    NSString note;        ///< why a real run may do something else; nil when nothing is known
+    NSString destination; ///< of the copy; nil if it has none
+    NSString note;        ///< why a real run may differ; nil if no reason is known
 };
 
-/// What a run has come to.
+/// The outcome of a run.
 struct Outcome {
     std::uint64_t migrated = 0;
     std::vector<Item> failed;
     std::vector<NSString> notReached;        ///< after a signal; paths as those of items
-    bool isMoreNotReached = false;           ///< another signal has cut that list short
-    std::vector<NSString> unreadableFolders; ///< what they hold was not even seen
-    bool isMoreUnreadable = false;           ///< a signal has cut the search for them short
+    bool isMoreNotReached = false;           ///< another signal has shortened that list
+    std::vector<NSString> unreadableFolders; ///< their contents are unknown
+    bool isMoreUnreadable = false;           ///< a signal has ended the search for them
     std::vector<NSString> brokenLinks;       ///< copies of relative links that were valid
-    NSString error;                          ///< why there was nothing to go through; nil when there was
+    NSString error;                          ///< why there was nothing to migrate; nil if there was something
     std::vector<NSString> notes;
     int signal = 0;
 
@@ -36,10 +36,11 @@ struct Outcome {
     }
 };
 
-/// Carries the request out, or tries it, and reports each item as it is done.
+/// Carries out the request, or plans it in a trial, and reports each item as soon as it is done.
 Outcome carryOut(const Request& request, Screen& screen);
 
-/// What would be done as things are now; changes nothing. The observer follows.
+/// Plans what would be done in the present state, and changes nothing. The observer is called as in a real
+/// run.
 std::vector<Item> plannedItems(const Request& request, ZQMigrationObserver& observer);
 
 } // namespace ZQFoundation::tools::zqmigrate

@@ -21,32 +21,32 @@ namespace ZQFoundation::tools::zqmigrate {
 
 namespace {
 
-constexpr int lookMilliseconds = 100;      ///< between drawings, and looks for signals while nobody reads
-constexpr int maxStallMilliseconds = 2000; ///< with a reader that takes nothing, after a signal
+constexpr int lookMilliseconds = 100; ///< between drawings, and between checks for signals while nobody reads
+constexpr int maxStallMilliseconds = 2000; ///< with a reader that reads nothing, after a signal
 constexpr std::size_t minBar = 5;
 constexpr std::size_t maxBar = 40;
 
-/// Of a clock that nobody sets.
+/// By a clock that nobody sets.
 std::int64_t seconds() {
     timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
     return now.tv_sec;
 }
 
-/// Needs a terminal that returns to the start of a line and erases its rest.
+/// Requires a terminal that can return to the start of a line and erase the rest of it.
 bool canDrawBars() {
     const char* const kind = std::getenv("TERM");
     return ::isatty(STDERR_FILENO) == 1 && kind != nullptr && *kind != '\0' &&
            std::string_view(kind) != "dumb";
 }
 
-/// The terminal belongs to another program while this one works in the background.
+/// While this program runs in the background, the terminal belongs to another one.
 bool isInBackground() {
     const pid_t group = ::tcgetpgrp(STDERR_FILENO);
     return group > 0 && group != ::getpgrp();
 }
 
-/// Asked for each drawing, because windows are resized.
+/// Queried for each drawing, because windows are resized.
 std::size_t columnCount() {
     winsize size{};
     const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
@@ -87,7 +87,7 @@ bool writeAll(int descriptor, const std::string& bytes) {
             continue;
         }
         waited = 0;
-        // Of more than this, a pipe with some room may take a part and then wait.
+        // If a write is larger than this, a pipe with some room may take a part and then block.
         const std::size_t piece = std::min<std::size_t>(bytes.size() - written, PIPE_BUF);
         const ssize_t count = ::write(descriptor, bytes.data() + written, piece);
         if (count >= 0) {
@@ -156,8 +156,8 @@ void Screen::erase() {
     }
 }
 
-/// "[####......]  45%  450 of 1,000, 1.2 of 3.4 GB, 2 failed, 0:12", never as wide as the terminal: some
-/// would begin a new line.
+/// "[####......]  45%  450 of 1,000, 1.2 of 3.4 GB, 2 failed, 0:12", always narrower than the terminal,
+/// because some terminals would begin a new line.
 std::string Screen::bar(std::size_t columns) const {
     const Progress& now = progress_;
     const std::int64_t passed = seconds() - start_;
@@ -173,7 +173,7 @@ std::string Screen::bar(std::size_t columns) const {
     const std::size_t room = columns > 1 ? columns - 1 : 1;
     const std::size_t others = text.size() + std::string_view("[]  99%  ").size();
     if (now.isTotalKnown && room >= others + minBar) {
-        // An item that has begun counts as done, so that of a single one the bytes decide.
+        // An item that has begun counts as done; so for a single item, the bytes decide.
         const double part = std::min(partOf(now.items, now.totalItems), partOf(now.bytes, now.totalBytes));
         const std::size_t width = std::min(room - others, maxBar);
         const auto filled = static_cast<std::size_t>(part * static_cast<double>(width));

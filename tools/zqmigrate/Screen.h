@@ -11,19 +11,18 @@
 
 namespace ZQFoundation::tools::zqmigrate {
 
-/// How far the work is.
+/// The progress of the work.
 struct Progress {
     std::uint64_t items = 0;
     std::uint64_t totalItems = 0;
     std::uint64_t bytes = 0;
     std::uint64_t totalBytes = 0;
     std::uint64_t failed = 0;
-    bool isTotalKnown = false; ///< else the totals are what was counted until now
+    bool isTotalKnown = false; ///< else the totals are what has been counted so far
 };
 
-/// Where lines are written, with a bar below them that shows the progress when standard error is a terminal.
-/// The bar is drawn ten times a second by a thread of its own, so that the time moves on while nothing is
-/// reported.
+/// Writes lines, with a progress bar below them if standard error is a terminal. A separate thread draws the
+/// bar ten times a second, so that the time advances even while nothing is reported.
 class Screen {
 public:
     explicit Screen(bool wantsBar);
@@ -39,7 +38,7 @@ public:
         progress_ = progress;
     }
 
-    /// Takes the bar away for good.
+    /// Removes the bar for good.
     void finish();
 
     /// Whether something could not be written.
@@ -62,8 +61,8 @@ private:
     std::thread thread_;
 };
 
-/// Writes everything; false for an error. Also false when a signal has come and nobody takes the bytes: a
-/// reader that has stalled does not keep the program from ending.
+/// Writes everything; false for an error. Also false if a signal has arrived and nobody reads: a stalled
+/// reader must not keep the program from ending.
 bool writeAll(int descriptor, const std::string& bytes);
 
 } // namespace ZQFoundation::tools::zqmigrate

@@ -10,7 +10,7 @@ NSString pathOf(const std::string& bytes) {
     return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
 }
 
-// A path that is no file name, by a surrogate that represents no byte, cannot come from the command line.
+// A path with a surrogate that represents no byte cannot come from the command line.
 std::string bytesOf(const NSString& path) {
     std::string bytes;
     return path.getFileSystemBytes(bytes) ? bytes : path.utf8();

@@ -5,7 +5,7 @@
 
 #include "tools/common/Text.h"
 
-/// Names of files are bytes; a terminal and a reader of JSON each need them in a form of their own.
+/// Names of files are bytes; a terminal and a JSON parser need them in different forms.
 namespace ZQFoundation::tools::zqmigrate {
 
 /// Exact for paths.
@@ -15,7 +15,7 @@ std::string bytesOf(const NSString& path);
 /// `"<name>": <value>`, for JSON.
 std::string member(const char* name, const std::string& value);
 
-/// The same for a path, and where its text is not exact `, "<name>Bytes": "<hexadecimal digits>"` too.
+/// The same for a path; if its text is not exact, followed by `, "<name>Bytes": "<hexadecimal digits>"`.
 std::string memberOfPath(const char* name, const NSString& path);
 
 /// "1,723".

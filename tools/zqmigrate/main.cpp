@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Moves and copies files and folders as the library's migrations do, for the person who must do it by hand.
+// Moves and copies files and folders by hand, in the same way as the library's migrations.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -48,8 +48,9 @@ constexpr const char help[] =
 
 std::string onLine(const std::string& message) { return shown(pathOf(message)); }
 
-/// The next files to be opened would take the numbers of what the starter has closed, and the program's own
-/// lines would go into them. Writing stays an error. The last descriptor, beyond the three, is closed again.
+/// If the standard streams were closed when the program was started, the next files to be opened would get
+/// their numbers, and the program's own lines would go there. Writing to such a stream remains an error. The
+/// last descriptor, beyond the three, is closed again.
 bool fillStandardDescriptors() {
     int filler = 0;
     do {
@@ -58,7 +59,7 @@ bool fillStandardDescriptors() {
     return ::close(filler) == 0;
 }
 
-/// Help that cannot be written is a failure: a script may redirect it.
+/// Help that cannot be written is a failure, since a script may redirect it.
 int print(const char* text) {
     if (!writeAll(STDOUT_FILENO, text)) {
         fail("standard output cannot be written");
@@ -66,8 +67,8 @@ int print(const char* text) {
     return succeeded;
 }
 
-/// The bar is gone before the summary is written. A run whose report could not be written has failed, even if
-/// all files arrived: a program that reads the report would miss some.
+/// The bar is removed before the summary is written. A run whose report could not be written has failed, even
+/// if all files arrived: a program that reads the report would miss some.
 int migrate(const Request& request) {
     awaitSignals();
     Screen screen(!request.isQuiet);
