@@ -20,8 +20,7 @@ NSString textOfNoBundle(const NSString& key, const NSString& defaultValue) {
 }
 
 /// Uses the localized text as a format with one argument that stands for the caller's whole list. That
-/// argument is not a value and has nothing of the caller's, so a text from a table cannot decide what is
-/// read.
+/// argument is not one of the caller's values, so a text from a table cannot decide what is read.
 NSString formattedText(const NSString& key, const NSString& table, const NSBundle& bundle,
                        const NSString& defaultValue) {
     const Argument argumentList(nullptr);

@@ -25,7 +25,7 @@ namespace ZQFoundation {
 
 extern "C" {
 
-/// The text of a key in the main bundle's `Localizable` table, formatted with no argument of the caller's.
+/// The text of a key in the main bundle's `Localizable` table, formatted without the caller's arguments.
 ///
 ///     ZQLocalizedStringWithFormat("Open", "a menu", 3);   // "Ouvrir" in French
 ///     ZQLocalizedStringWithFormat("%d of %@", nullptr);   // "0 of (null)" without such a key
@@ -35,7 +35,7 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormat(const NSString& key, co
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithFormatv(const NSString& key, const NSString& comment,
                                                           ArgumentList arguments);
 
-/// The text of a key in a table of the main bundle, formatted with no argument of the caller's. The table is
+/// The text of a key in a table of the main bundle, formatted without the caller's arguments. The table is
 /// the name of a file without ".strings".
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormat(const NSString& key, const NSString& table,
                                                                   const NSString& comment, ...);
@@ -45,8 +45,8 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableWithFormatv(const NSStrin
                                                                    const NSString& comment,
                                                                    ArgumentList arguments);
 
-/// The text of a key in a table of a bundle, formatted with no argument of the caller's. For a nil bundle it
-/// is the key, formatted in the same way.
+/// The text of a key in a table of a bundle, formatted without the caller's arguments. For a nil bundle it is
+/// the key, formatted in the same way.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormat(const NSString& key,
                                                                           const NSString& table,
                                                                           const NSBundle& bundle,
@@ -59,8 +59,8 @@ ZQFOUNDATION_EXPORT NSString ZQLocalizedStringFromTableInBundleWithFormatv(const
                                                                            const NSString& comment,
                                                                            ArgumentList arguments);
 
-/// The text of a key in a table of a bundle, else a default value, formatted with no argument of the
-/// caller's. The default value is formatted too; a nil or empty one counts as none.
+/// The text of a key in a table of a bundle, else a default value, formatted without the caller's arguments.
+/// The default value is formatted too; a nil or empty one counts as none.
 ZQFOUNDATION_EXPORT NSString ZQLocalizedStringWithDefaultValueWithFormat(const NSString& key,
                                                                          const NSString& table,
                                                                          const NSBundle& bundle,

@@ -166,7 +166,7 @@ private:
         for (std::size_t index = 0; bits_ == 32 && index < std::size(wide); ++index) {
             bits_ = take(wide[index]) ? 64 : 32;
         }
-        // "L" is no length of integers and leaves them at 64 bits.
+        // "L" is not a length of integers and leaves them at 64 bits.
     }
 
     /// After a "%".

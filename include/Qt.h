@@ -150,7 +150,7 @@ struct QtMapConversion {
 
 namespace ZQFoundation {
 
-/// As lists; keys that are no strings become null ones on the way back.
+/// As lists; keys that are not strings become null ones on the way back.
 template <class T>
 struct ObjectConversion<QMap<QString, T>> : detail::QtMapConversion<QMap<QString, T>> {};
 template <class T>

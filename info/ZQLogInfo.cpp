@@ -159,7 +159,7 @@ NSDictionary ZQLogInfo::getHardwareInformation() {
 
 NSString ZQLogInfo::hardwareInfoString() { return detail::hardwareText(getHardwareInformation()); }
 
-// Runs without an active trace key start without a report: a log that nobody asked for stays short.
+// Runs without an active trace key start without a report: a log that nobody requested stays short.
 void ZQLogInfo::standardStartupLog() {
     if (!ZQLog::aTraceDefaultValueHasBeenActivated()) {
         return;

@@ -49,7 +49,7 @@ void appendInstance(TextBuilder& out, StringView className, const void* address,
     appendMethod(out, method);
 }
 
-/// "+[Store sharedStore]": a class has no address, because it is no object here.
+/// "+[Store sharedStore]": a class has no address, because it is not an object here.
 void appendClass(TextBuilder& out, StringView className, StringView method) {
     out.appendLiteral("+[");
     out.append(className);

@@ -22,7 +22,7 @@ namespace ZQFoundation {
 ///     nullptr, "reload:"           [<<no instance>> reload:]
 ///     this, nullptr                -[(Store *)0x7f01 <<no method>>]
 ///
-/// The caller is asked for its class name only when a line or text is made, on the calling thread and with no
+/// The caller's class name is queried only when a line or text is made, on the calling thread and with no
 /// lock held. It must live until the call returns.
 class ZQFOUNDATION_EXPORT ZQLogMethodCalls {
 public:

@@ -21,7 +21,7 @@ namespace ZQFoundation {
 ///
 ///     ...WithFormat             no condition, no label
 ///     ...ForTraceKey            TraceNetwork             the key
-///     ...ForTraceKey_value      TraceLevel=3             the value asked for
+///     ...ForTraceKey_value      TraceLevel=3             the value in the call
 ///     ...ForTraceKey_threshold  TraceLevel>=2            the threshold, not the level that is set
 ///     ...ForAnyTraceKeyOf       TraceFiles/TraceNetwork  those keys of the array that are on, in its order
 ///     ...ForAllTraceKeysOf      TraceFiles+TraceNetwork  all keys of the array

@@ -168,7 +168,7 @@ void noteRecovered(int folder) noexcept {
 }
 
 // A shared lock: only recovery takes the lock for itself alone, and so never touches an item that is worked
-// on. Without locks in the file system, the work goes on unprotected.
+// on. If the file system has no locks, the work continues unprotected.
 bool lockForWork(int item) noexcept {
     return ::flock(item, LOCK_SH | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
 }

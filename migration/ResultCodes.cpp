@@ -60,7 +60,7 @@ constexpr CodeDescription descriptions[] = {
      "writing the destination folder failed"},
 };
 
-/// For numbers that are no code, which a host may have stored. It has a key of its own in the tables.
+/// For numbers that are not codes, which a host may have stored. It has its own key in the tables.
 constexpr CodeDescription unknownCode{0, "default", "unknown error"};
 
 const CodeDescription& descriptionOf(std::uint32_t code) noexcept {

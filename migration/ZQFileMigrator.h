@@ -164,7 +164,7 @@ public:
         detail::Flag overwriteDestinationFile, detail::Flag renameIfDestinationFileExists);
 
     /// The code's description in the user's language, without a period: "the source file cannot be read".
-    /// "unknown error" for a number that is no code. Never nil.
+    /// "unknown error" for a number that is not a code. Never nil.
     [[nodiscard]] static NSString descriptionOfFileMigrationRetvalType(std::uint32_t code);
 
     /// "/A/z.log: the source file cannot be read, /b/x.log: ...": every failed item of a result, sorted by

@@ -31,7 +31,7 @@ void startLog() {
     try {
         ZQLogInfo::standardStartupLog();
     } catch (const NSException& exception) {
-        // The system does not describe itself. That is no reason not to start.
+        // The system does not describe itself; the program starts all the same.
         ZQLog::logWithFormat("no start-up report: %@", exception.reason());
     }
 }

@@ -49,7 +49,7 @@ std::string shown(const NSString& text) {
         if (character == '\\') {
             line.appendString("\\\\");
         } else if ((character & ~0xFFU) ==
-                   0xDC00) { // how the text of a file name represents a byte that is no text
+                   0xDC00) { // how the text of a file name represents a byte that is not text
             line.appendFormat("\\x%02x", number & 0xFFU);
         } else if (isUnseen(character)) {
             line.appendFormat("\\u%04x", number);

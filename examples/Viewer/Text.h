@@ -8,7 +8,7 @@
 #include <ZQFoundation/ZQFoundation.h>
 
 /// For a line on a terminal: what would take effect there or cannot be seen is escaped ("\u001b"), and so
-/// are a backslash and bytes that are no text ("\xff"). Names and titles come from outside and may contain
+/// are a backslash and bytes that are not text ("\xff"). Names and titles come from outside and may contain
 /// it.
 std::string shown(const ZQFoundation::NSString& text);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The attribute dictionaries of files and folders, and what can be applied from one.
-// Applying is best effort: a new file exists whether or not the system allows all that was asked for.
+// Attributes are applied as far as possible: the new file exists whether or not the system allows all of
+// them.
 #include <cerrno>
 #include <cmath>
 #include <vector>
@@ -34,7 +35,7 @@ constexpr std::size_t maxAccountRecordBytes = std::size_t{1} << 20;
 /// Long enough for the items of one folder, short enough for a renamed account.
 constexpr time_t secondsToKeepName = 5;
 
-/// The name of one account or group, and when it was asked for.
+/// The name of one account or group, and when it was looked up.
 struct KnownName {
     std::uint64_t number;
     time_t asked;

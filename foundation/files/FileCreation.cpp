@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// New files, written next to their place and renamed into it.
-// A reader of the path sees the old file or the new one, never a part of one. The folder must be writable,
-// the old file need not be.
+// Creates files: writes each under a temporary name in the same folder, and renames it. A reader of the path
+// sees the old file or the new one, never a part of one. The folder must be writable, the old file need not
+// be.
 #include <cstdio>
 
 #include "foundation/files/AppliedAttributes.h"
@@ -16,7 +16,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// A collision of random names is next to impossible, so failing this often means that something else is
+/// Collisions of random names are practically impossible, so failing this often means that something else is
 /// wrong.
 constexpr int maxAttempts = 100;
 
@@ -83,7 +83,7 @@ private:
     static constexpr std::size_t digitCount = 16;
 
     int folder_;
-    // The dot hides the file while it exists; the name tells where it came from if the process is killed.
+    // The dot hides the file while it exists; if the process is killed, the name shows where it came from.
     char name_[prefixLength + digitCount + 1] = ".new-";
     detail::Descriptor file_;
     bool exists_ = false;
@@ -160,7 +160,7 @@ bool createFile(const std::string& path, const NSData& contents, const NSDiction
     if (!file.write(reinterpret_cast<const char*>(contents.bytes()), contents.length())) {
         return false;
     }
-    // A copy of the old permissions must succeed; attributes that were asked for need not.
+    // Copying the old permissions must succeed; applying the requested attributes need not.
     if (inherits && !takePermissions(file.descriptor(), existing)) {
         return false;
     }

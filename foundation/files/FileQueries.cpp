@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What exists at a path, and what the process may do with it.
-// Queries are answered for one moment: what they say may be out of date when it is used. Operations that
-// depend on it must check again by what they open.
+// A result is valid for one moment and may be out of date when it is used. Operations that depend on it must
+// check the item that they open.
 #include "foundation/files/FileInformation.h"
 #include "foundation/files/NSFileManager.h"
 #include "foundation/files/PathHandle.h"
@@ -11,7 +11,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-// Any path that cannot be converted does not exist.
+// A path that cannot be converted does not exist.
 bool getInformation(StringView path, struct stat& information, int flags) {
     std::string bytes;
     PathHandle handle;
@@ -58,7 +58,7 @@ bool NSFileManager::fileExistsAtPath_isDirectory(StringView path, bool* isDirect
     if (!detail::getTargetInformation(path, information)) {
         return false;
     }
-    // Only on success, since callers rely on a flag that is left as it was otherwise.
+    // Only on success: callers rely on the flag being unchanged otherwise.
     if (isDirectory != nullptr) {
         *isDirectory = S_ISDIR(information.st_mode);
     }

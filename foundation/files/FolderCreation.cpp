@@ -18,7 +18,8 @@ class FolderMaker {
 public:
     FolderMaker(const std::string& path, const NSDictionary& attributes)
         : path_(path), attributes_(attributes) {
-        // Never more open to others than it will be; the owner must be able to make the next one in it.
+        // Never more open to others than it will be at the end; but the owner must be able to create the next
+        // folder in it.
         mode_t permissions = 0;
         if (detail::getPermissions(attributes, permissions)) {
             // The umask still applies to what is made; the final permissions are set at the end.
@@ -35,7 +36,7 @@ public:
         if (make() || isFolder()) {
             return true;
         }
-        // Only a missing folder above can be helped.
+        // Only a missing parent folder can be created.
         if (errno != ENOENT) {
             return false;
         }
@@ -46,7 +47,7 @@ public:
             }
             const std::size_t slash = path_.find('/', end);
             end = slash == std::string::npos ? path_.size() : slash;
-            // Somebody else may have made it meanwhile, which is as good.
+            // Somebody else may have created it meanwhile, which is just as well.
             if (!makePrefix(end) && !isFolder()) {
                 return false;
             }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Opens files in folders that others may write to, without following what strangers put there.
-// A path into /tmp is resolved step by step with open folders, because between any check by path and its use
+// Opens files in folders that others may write to, without following links that strangers have put there. A
+// path into /tmp is resolved step by step with open folders, because between any check by path and its use
 // others may exchange what the path refers to.
 #include "foundation/files/GuardedOpening.h"
 
@@ -16,7 +16,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// Others may change a name between two looks at it; somebody who keeps doing so must not keep us forever.
+/// Others may change a name between two checks; somebody who keeps doing so must not keep us busy forever.
 constexpr int maxAttempts = 64;
 
 // Without O_NONBLOCK the opening of some devices waits for the other side.
@@ -63,7 +63,7 @@ public:
     }
 
     /// Puts the text of the link with the last name before what is left of the path. False with `errno` when
-    /// it must not be followed, or is no link.
+    /// it must not be followed, or is not a link.
     bool follow();
 
     int folder() const noexcept { return folder_.number(); }
@@ -272,8 +272,7 @@ bool mayAppendGuarded(const std::string& path) noexcept {
         GuardedPlace place;
         struct stat folder;
         struct stat item;
-        // The guarded opening would still fail for missing permissions; that is for the attempt itself to
-        // show.
+        // The guarded opening may still fail for missing permissions, which only the attempt shows.
         return reachGuarded(path, place) && ::fstat(place.folder.number(), &folder) == 0 &&
                getInformation(place.folder.number(), place.name.c_str(), item) &&
                (place.isObjectLink || mayWriteItem(item, folder));

@@ -58,7 +58,7 @@ std::string homeFolder() {
     std::string folder = accountHome.read([&](const AccountHome* known) {
         return known != nullptr && known->account == account ? known->folder : std::string();
     });
-    // Outside the lock, since the look-up may take long. An empty result is asked for again.
+    // Outside the lock, since the look-up may take long. An empty result is looked up again.
     if (folder.empty()) {
         folder = homeFromDatabase([=](passwd* record, char* buffer, std::size_t size, passwd** found) {
             return ::getpwuid_r(account, record, buffer, size, found);

@@ -29,7 +29,7 @@ mode_t permissionsFor(const struct stat& made, const struct stat& source) noexce
     mode_t permissions = source.st_mode & 07777;
     const bool isKept = isOwnerKept(source, made);
     permissions &= isKept ? ~mode_t{0} : ~mode_t{S_ISUID};
-    // On a folder this bit passes the group on to new items.
+    // On a folder this bit gives the group to new items.
     const bool mayHandOn = S_ISDIR(source.st_mode) && made.st_gid == source.st_gid;
     permissions &= isKept || mayHandOn ? ~mode_t{0} : ~mode_t{S_ISGID};
     return permissions;
@@ -37,7 +37,7 @@ mode_t permissionsFor(const struct stat& made, const struct stat& source) noexce
 
 /// Sets the owner and group where that is allowed, or the group alone, of open and of held items, by
 /// `owner(user, group)` and `look(information)`. False when the item cannot be looked at.
-/// Asked for again afterwards, because what the system allowed is what counts for permissions.
+/// The owner is read again afterwards, because the permissions depend on what the system has allowed.
 template <class SetOwner, class Look>
 bool takeOwner(const struct stat& source, struct stat& made, const SetOwner& setOwner, const Look& look) {
     if (!look(made)) {

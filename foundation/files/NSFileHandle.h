@@ -65,7 +65,7 @@ public:
     /// Waits until the storage device has the file's contents.
     void synchronizeFile();
 
-    /// Closes the descriptor; closing twice is no failure.
+    /// Closes the descriptor; closing twice is not a failure.
     void closeFile();
 
 private:

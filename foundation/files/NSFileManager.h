@@ -30,8 +30,8 @@ public:
     NSDirectoryEnumerator& operator=(NSDirectoryEnumerator&& other) noexcept;
     ~NSDirectoryEnumerator();
 
-    /// The next item's path, relative to the start. Nil at the end, and at once for a start that is no folder
-    /// or cannot be read.
+    /// The next item's path, relative to the start. Nil at the end, and at once for a start that is not a
+    /// folder or cannot be read.
     NSString nextObject();
 
     /// Does not enter the folder last returned. Does nothing before the first item.
@@ -139,7 +139,7 @@ public:
     NSDictionary attributesOfItemAtPath_error(StringView path, NSString* errorText = nullptr) const;
 
     /// The names in a folder without "." and "..", dot files included, in the order of the file system. Nil
-    /// if it is no folder or cannot be read.
+    /// if it is not a folder or cannot be read.
     NSArray contentsOfDirectoryAtPath_error(StringView path, NSString* errorText = nullptr) const;
 
     /// Creates a folder. Without intermediates: false if anything exists at the path. With them: also creates

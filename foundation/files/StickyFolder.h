@@ -25,8 +25,8 @@ inline bool mayFollowLink(const struct stat& link, const struct stat& folder) no
     return !isSharedFolder(folder) || isOwnedByTrusted(link, folder);
 }
 
-/// Whether an item in the folder may be written to. An item with a second name could be anybody's file
-/// elsewhere.
+/// Whether an item in the folder may be written to. An item with a second name could be a file of somebody
+/// else in another folder.
 inline bool mayWriteItem(const struct stat& item, const struct stat& folder) noexcept {
     return !isSharedFolder(folder) ||
            (isOwnedByTrusted(item, folder) && (S_ISDIR(item.st_mode) || item.st_nlink <= 1));

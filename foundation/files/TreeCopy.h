@@ -17,7 +17,7 @@ namespace ZQFoundation::detail {
 /// first failure, and leaves what it has made.
 class TreeCopy {
 public:
-    /// `path` is used in error messages. If asked for, what was read is recorded, and progress is reported.
+    /// `path` is used in error messages. If requested, what was read is recorded, and progress is reported.
     explicit TreeCopy(std::string path, CopyNotes notes = {}) : path_(std::move(path)), notes_(notes) {}
 
     /// Also makes the folder of the copy. False with `errno`; `path()` is then what could not be copied.

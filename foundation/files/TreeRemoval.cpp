@@ -16,7 +16,7 @@ namespace ZQFoundation::detail {
 namespace {
 
 /// How often a folder that others keep filling is read.
-/// After that many, removing is a race that somebody else wins.
+/// After this many attempts, somebody else is winning the race.
 constexpr int maxReadings = 16;
 
 bool isOtherThanFolder(int error) noexcept { return error == ENOTDIR || error == ELOOP || error == EMLINK; }

@@ -19,16 +19,16 @@ NSString NSString::initWithFormat_locale_arguments(StringView format, const NSLo
     if (!locale) {
         return detail::formatted(format, arguments);
     }
-    // The texts are kept here, since the customs only refer to them.
+    // The texts are kept here, because the conventions only refer to them.
     const NSString decimalSeparator = locale.decimalSeparator();
     const NSString groupingSeparator = locale.groupingSeparator();
-    detail::FormatLocale customs;
-    customs.decimalSeparator = decimalSeparator;
-    customs.groupingSeparator = groupingSeparator;
-    customs.groupSize = locale.groupSize();
-    customs.secondaryGroupSize = locale.secondaryGroupSize();
-    customs.minimumDigits = locale.minimumGroupingDigits();
-    return detail::formatted(format, arguments, &customs);
+    detail::FormatLocale conventions;
+    conventions.decimalSeparator = decimalSeparator;
+    conventions.groupingSeparator = groupingSeparator;
+    conventions.groupSize = locale.groupSize();
+    conventions.secondaryGroupSize = locale.secondaryGroupSize();
+    conventions.minimumDigits = locale.minimumGroupingDigits();
+    return detail::formatted(format, arguments, &conventions);
 }
 
 NSString NSString::localizedStringWithFormat_arguments(StringView format, ArgumentList arguments) {

@@ -182,7 +182,7 @@ bool appendNotFinite(TextBuilder& out, const FormatSpec& spec, Real value) {
     const std::size_t signLength = writeSign(spec, !isNaN && std::signbit(value), sign);
     const char* const text = isUpperCase(spec.letter) ? (isNaN ? "NAN" : "INF") : (isNaN ? "nan" : "inf");
     FormatNumberWriter writer(out, spec, nullptr);
-    // Words are padded with spaces, even where zeros were asked for.
+    // Words are padded with spaces, even if zeros were requested.
     writer.begin(sign, signLength, 3, false);
     out.appendAscii(text, 3);
     writer.end();

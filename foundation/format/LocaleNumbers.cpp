@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Separators and grouping of numbers by language and region.
-// The customs of all locales are data of a few rows: most languages share one of some ten ways to write
-// numbers.
+// The conventions of all locales are a table of a few rows: most languages share one of about ten ways to
+// write numbers.
 #include "foundation/format/LocaleNumbers.h"
 
 #include <algorithm>
@@ -22,14 +22,14 @@ constexpr LocaleNumbers rootNumbers = {".", ",", 1, 3, 3};
 constexpr LocaleNumbers posixNumbers = {".", "", 1, 0, 0};
 
 /// One way to write numbers, and the locales that use it, each between spaces.
-struct Customs {
+struct Conventions {
     LocaleNumbers numbers;
     std::string_view locales;
 };
 
 // Release 48 of the Unicode locale data, for ASCII digits. A locale that is not listed has its language's
-// customs, an unlisted language those of the root locale; regions are listed only if they differ.
-constexpr Customs customs[] = {
+// conventions, an unlisted language those of the root locale; regions are listed only if they differ.
+constexpr Conventions conventions[] = {
     {{",", ".", 1, 3, 3},
      " ar_DZ ar_LB ar_LY ar_MA ar_MR ar_TN ast az bs ca da de dsb el en_AT en_BE en_DE en_DK"
      " en_NL en_SI es_AR es_BO es_CL es_CO es_EC es_PY es_UY es_VE eu fo fr_LU fr_MA fur fy gl"
@@ -56,11 +56,11 @@ constexpr Customs customs[] = {
     {{".", "\u2E41", 1, 3, 3}, " ff_Adlm "},
 };
 
-/// A listed locale: its name's characters as one number, and the index of its customs.
+/// A listed locale: its name's characters as one number, and the index of its conventions.
 /// Compared as numbers when a locale is looked up; made when the library is compiled.
 struct Listed {
     std::uint64_t name;
-    std::size_t customs;
+    std::size_t conventions;
 };
 
 constexpr std::size_t maxNameLength = sizeof(Listed::name);
@@ -79,7 +79,7 @@ constexpr bool operator<(const Listed& left, const Listed& right) noexcept { ret
 
 consteval std::size_t listedCount() {
     std::size_t count = 0;
-    for (const Customs& row : customs) {
+    for (const Conventions& row : conventions) {
         count += static_cast<std::size_t>(std::count(row.locales.begin(), row.locales.end(), ' ')) - 1;
     }
     return count;
@@ -89,8 +89,8 @@ consteval std::size_t listedCount() {
 consteval std::array<Listed, listedCount()> sortedNames() {
     std::array<Listed, listedCount()> names{};
     std::size_t count = 0;
-    for (std::size_t row = 0; row < std::size(customs); ++row) {
-        std::string_view rest = customs[row].locales.substr(1);
+    for (std::size_t row = 0; row < std::size(conventions); ++row) {
+        std::string_view rest = conventions[row].locales.substr(1);
         for (; !rest.empty(); rest.remove_prefix(rest.find(' ') + 1)) {
             names[count] = {packed(rest.substr(0, rest.find(' '))), row};
             if (names[count++].name == 0) {
@@ -105,11 +105,11 @@ consteval std::array<Listed, listedCount()> sortedNames() {
 
 constexpr auto listedNames = sortedNames();
 
-/// Null for a locale that has no customs of its own.
+/// Null for a locale that has no conventions of its own.
 const LocaleNumbers* listed(const std::string& locale) noexcept {
     const Listed wanted{packed(locale), 0};
     const auto found = std::lower_bound(listedNames.begin(), listedNames.end(), wanted);
-    return found != listedNames.end() && found->name == wanted.name ? &customs[found->customs].numbers
+    return found != listedNames.end() && found->name == wanted.name ? &conventions[found->conventions].numbers
                                                                     : nullptr;
 }
 
@@ -157,7 +157,7 @@ LocaleName localeName(std::string_view identifier) {
     // Encoding and modifier follow the first of these two marks.
     std::string_view rest = identifier.substr(0, identifier.find_first_of(".@"));
     const std::string_view language = takePart(rest);
-    // A text that is not an identifier gets the customs of the root locale.
+    // A text that is not an identifier gets the conventions of the root locale.
     if (language.size() < 2 || language.size() > 8 || !areAll(isLetter, language)) {
         return name;
     }
@@ -183,7 +183,7 @@ const LocaleNumbers& numbersOfLocale(const LocaleName& name) {
     if (name.isPosix) {
         return posixNumbers;
     }
-    // From the most specific name to the least; a script may have its own customs, whatever the region.
+    // From the most specific name to the least; a script may have its own conventions, whatever the region.
     const std::string script = name.script.empty() ? "" : "_" + name.script;
     const std::string region = name.region.empty() ? "" : "_" + name.region;
     for (const std::string& tried :

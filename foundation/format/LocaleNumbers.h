@@ -25,11 +25,11 @@ struct LocaleName {
     bool isPosix = false; ///< the variant for programs: no grouping
 };
 
-/// "de-AT", "zh_hant_TW", "de_DE.UTF-8@euro". All parts are empty for a text that is no identifier.
+/// "de-AT", "zh_hant_TW", "de_DE.UTF-8@euro". All parts are empty for a text that is not an identifier.
 LocaleName localeName(std::string_view identifier);
 
-/// The customs of the most specific combination of language, script and region that has its own; those of the
-/// root locale for an unknown language.
+/// The conventions of the most specific combination of language, script and region that has its own; those of
+/// the root locale for an unknown language.
 const LocaleNumbers& numbersOfLocale(const LocaleName& name);
 
 } // namespace ZQFoundation::detail

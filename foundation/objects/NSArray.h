@@ -69,7 +69,7 @@ public:
     /// The index of the first equal element, or `notFound`.
     std::size_t indexOfObject(const NSObject& object) const;
 
-    /// What `indexOfObject` returns for an object that is no element.
+    /// What `indexOfObject` returns for an object that is not an element.
     static constexpr std::size_t notFound = static_cast<std::size_t>(INT64_MAX);
 
     /// A new array with one more element at the end; nil for a nil receiver. Raises

@@ -18,7 +18,7 @@ using detail::SharedCharacterSet;
 
 namespace {
 
-// Marks count as letters here, like on the platform, so that words with separate accents stay words.
+// Marks count as letters here, as on the platform, so that words with separate accents stay words.
 constexpr CategoryMask lettersAndMarks =
     maskOf(GeneralCategory::uppercaseLetter, GeneralCategory::enclosingMark);
 constexpr CategoryMask numbers = maskOf(GeneralCategory::decimalNumber, GeneralCategory::otherNumber);

@@ -14,7 +14,7 @@
 ///     data       = "<" { hex digit, hex digit | space } ">"
 ///     string     = one or more of A-Z a-z 0-9 _ $ / : . -  or any text in double or single quotes
 ///
-/// A text that starts with a string and goes on is a strings table: a dictionary's entries without the
+/// A text that starts with a string and continues is a strings table: a dictionary's entries without the
 /// braces, up to the first thing that is not a string; the rest is ignored. A text of only white space and
 /// comments is an empty dictionary. At most `maxPropertyListDepth` levels; time and memory grow with the
 /// length of the text.

@@ -27,7 +27,7 @@ public:
     /// Whether the collection of the event is an array.
     bool isArray() const noexcept { return static_cast<bool>(NSArray(value())); }
 
-    /// Why the value is no property list: a sentence, or null.
+    /// Why the value is not a property list: a sentence, or null.
     const char* refusal() const noexcept { return refusal_; }
 
 private:

@@ -163,8 +163,8 @@ std::string localizationOfLanguage(const std::string& tag, const std::vector<std
     const auto has = [&](const std::string& name) {
         return std::find(available.begin(), available.end(), name) != available.end();
     };
-    // Names as they are come before canonical forms, so that a bundle that has both spellings gets the one
-    // that was asked for.
+    // Names as they are come before canonical forms, so that a bundle with both spellings gets the requested
+    // one.
     std::string exchanged = tag;
     for (char& character : exchanged) {
         character = character == '-' ? '_' : character == '_' ? '-' : character;

@@ -24,7 +24,7 @@ namespace {
 /// Lines of different threads must not tear on pipes, terminals and sockets, where long writes are split.
 constinit Lock writerLock;
 
-/// Where a line was left incomplete, so that the next one there starts on a line of its own.
+/// Where a line was left incomplete, so that the next one there starts on a new line.
 struct TornLine {
     bool isTorn;
     dev_t device;

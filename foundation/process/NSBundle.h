@@ -48,7 +48,8 @@ public:
     /// Whether both are the same folder; two nil handles are the same too.
     friend constexpr bool operator==(NSBundle left, NSBundle right) noexcept = default;
 
-    /// The Info dictionary's `CFBundleIdentifier`; nil when it has none, or an empty one, or it is no string.
+    /// The Info dictionary's `CFBundleIdentifier`; nil when it has none, or an empty one, or it is not a
+    /// string.
     NSString bundleIdentifier() const;
 
     /// The Info dictionary as written in its file; empty without one.

@@ -216,7 +216,7 @@ NSDictionary NSProcessInfo::environment() const {
     NSMutableDictionary result;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const char* const equals = std::strchr(*entry, '=');
-        // Entries without a name cannot be asked for.
+        // Entries without a name cannot be looked up.
         if (equals == nullptr || equals == *entry) {
             continue;
         }

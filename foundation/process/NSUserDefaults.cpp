@@ -48,7 +48,8 @@ NSDictionary registered() {
         [](const NSDictionary* known) { return known != nullptr ? *known : NSDictionary(); });
 }
 
-// Read once: the command line of a process never changes. Arguments that cannot be read are asked for again.
+// Read once: the command line of a process never changes. If the arguments cannot be read, the next call
+// tries again.
 NSDictionary commandLineDomain() {
     if (detail::overrides::arguments != nullptr) {
         return detail::defaultsFromArguments(*detail::overrides::arguments);
@@ -145,7 +146,7 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
         return nullptr;
     }
     const detail::CallerState callerState;
-    // One domain after the other is asked, so that a key on the command line costs no look at a file.
+    // The domains are searched one after the other, so that for a key on the command line no file is checked.
     if (NSObject value = commandLineDomain().objectForKey(key)) {
         return value;
     }
@@ -218,7 +219,7 @@ void NSUserDefaults::setObject_forKey(const NSObject& value, const NSString& key
         NSException::raise_format(NSInvalidArgumentException, "A default needs a key");
     }
     if (!value) {
-        // Setting nil removes, like on the platform.
+        // Setting nil removes, as on the platform.
         removeObjectForKey(key);
         return;
     }

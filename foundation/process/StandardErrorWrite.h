@@ -9,7 +9,7 @@
 namespace ZQFoundation::detail {
 
 /// Writes to descriptor 2. Returns the number of bytes written, or an error number below 0; preserves `errno`
-/// and is no cancellation point. A lost reader and a file-size limit are reported as errors and raise no
+/// and is not a cancellation point. A lost reader and a file-size limit are reported as errors and raise no
 /// signal: whether they are possible is checked when `second` differs from that of the last check, in each
 /// child and after each `standardErrorHasChanged`. While they are not, the write is one plain system call.
 /// Any thread, also in signal handlers.

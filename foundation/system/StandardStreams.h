@@ -27,7 +27,7 @@ inline int keepOffStandardStreams(int descriptor) noexcept {
     return moved;
 }
 
-/// While the host's standard error is closed, and if asked for, the numbers of closed standard streams are
+/// While the host's standard error is closed, and if requested, the numbers of closed standard streams are
 /// occupied for a scope by a device that cannot be written to through them: not even a line that another
 /// thread writes meanwhile reaches a file opened in the scope. Preserves `errno`.
 class StandardStreamsGuard {

@@ -52,8 +52,8 @@ std::uint64_t threadIdentifier() noexcept;
 /// Returns -1 with `errno` on failure.
 std::ptrdiff_t writeWithoutSignals(int descriptor, const char* bytes, std::size_t count) noexcept;
 
-/// Writes like `write`, but is no cancellation point, and returns an error number below 0 instead of setting
-/// `errno`.
+/// Writes like `write`, but is not a cancellation point, and returns an error number below 0 instead of
+/// setting `errno`.
 std::ptrdiff_t plainWrite(int descriptor, const char* bytes, std::size_t count) noexcept;
 
 /// Whether a regular file may become as large as its file system allows.

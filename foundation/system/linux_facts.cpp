@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Facts about the running program and its computer, from the kernel and the C library.
-// Except for the arguments, everything is read when it is asked for: callers decide how long a fact holds.
+// Except for the arguments, everything is read at each call: callers decide how long a fact is valid.
 #include <algorithm>
 #include <cerrno>
 #include <charconv>

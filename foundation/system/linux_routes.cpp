@@ -143,8 +143,8 @@ struct RouteReply {
     }
 };
 
-// Anything that is not a route gets a reply without type and addresses, in which the caller finds nothing it
-// asked for.
+// Anything that is not a route gets a reply without type and addresses, in which the caller finds nothing
+// that it requested.
 RouteReply replyOf(const RouteAnswer& answer) noexcept {
     RouteReply reply;
     RouteMessageHeader header{};

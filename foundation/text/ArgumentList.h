@@ -115,7 +115,7 @@ public:
         value_.object = &handle;
     }
 
-    /// A text, by reference. The end of a C string is searched for when the text is asked for, so that "%.4s"
+    /// A text, by reference. The end of a C string is searched for only when the text is used, so that "%.4s"
     /// takes a buffer without NUL.
     template <class T>
         requires detail::PlainText<T>

@@ -50,7 +50,7 @@ void format_conversion_requires_a_text_of_char();
 /// "%S", for anything but a text of UTF-16 units or an NSString.
 template <class Conversion, class Argument>
 void format_conversion_requires_a_text_of_char16_t();
-/// "%@", for a type that is no value, no text, no host object, and has no conversion to one.
+/// "%@", for a type that is not a value, a text or a host object, and has no conversion to one.
 template <class Conversion, class Argument>
 void format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion();
 /// "%p", for anything but a pointer.
@@ -70,7 +70,7 @@ template <class Conversion>
 void format_has_no_argument_for_the_conversion();
 /// There is no argument for a "*".
 void format_has_no_argument_for_the_star();
-/// A letter that is no conversion, as in "%y"; a percent sign is written "%%".
+/// A letter that is not a conversion, as in "%y"; a percent sign is written "%%".
 void format_has_an_unknown_conversion();
 /// "%n" would store through a pointer; it is refused even with one.
 void format_conversion_n_is_not_supported();
@@ -97,8 +97,8 @@ struct FormatFault {
         missingArgument, ///< too few arguments
         missingStar,     ///< too few, and a "*" lacks one
         wrongArgument,   ///< the conversion does not take its type
-        cutArgument,     ///< the conversion would cut it
-        wrongStar,       ///< a "*" takes it, and it is no integer
+        cutArgument,     ///< the conversion would truncate it
+        wrongStar,       ///< a "*" takes it, and it is not an integer
         unusedArgument,  ///< too many arguments
     };
 

@@ -49,7 +49,8 @@ constexpr FormatNeeds formatNeedsServedBy() noexcept {
     }
 }
 
-/// What an argument serves, and how many bytes its number has: 0 for what is no number, which nothing cuts.
+/// What an argument serves, and how many bytes its number has; 0 for what is not a number, which is never
+/// truncated.
 struct FormatService {
     FormatNeeds needs = 0;
     unsigned char bytes = 0;
@@ -65,8 +66,8 @@ constexpr FormatService formatServiceOf() noexcept {
     }
 }
 
-/// The most bytes of a number that the conversion keeps. Characters come as `int` in C: in an `int` they are
-/// never cut.
+/// How many bytes of a number the conversion keeps at most. C passes characters as `int`, so an `int` is not
+/// considered truncated there.
 constexpr std::size_t formatBytesKeptBy(const FormatConversion& conversion, FormatClass wanted) noexcept {
     switch (wanted) {
     case FormatClass::character:
@@ -148,7 +149,7 @@ private:
     }
 
     /// Takes the arguments of one conversion, in the order in which they are consumed: width, precision,
-    /// value. "%%" is no conversion and does not count.
+    /// value. "%%" is not a conversion and does not count.
     constexpr void take(const FormatConversion& found) {
         const FormatClass wanted = formatClassOf(found.letter);
         if (wanted == FormatClass::percentSign) {

@@ -9,14 +9,14 @@
 //
 //     % [n$] flags* [width] [.[precision]] [length] letter
 //
-//     flags       -  +  blank  0  #
+//     flags       -  +  space  0  #
 //     width       digits, * (the next argument) or *n$ (argument n)
 //     precision   the same; nothing after the '.' means 0
 //     length      hh  h  l  ll  q  z  t  j  L
 //
 // One reader serves both sides: the check of a literal when the program is compiled and the formatting
 // itself. So it is a header, works on bytes and on units alike, and allocates nothing. Every text is a
-// format: a unit that is no letter of a conversion comes out as its letter, and the caller decides.
+// format: a unit that is not a letter of a conversion comes out as its letter, and the caller decides.
 namespace ZQFoundation::detail {
 
 /// How many bits a conversion keeps of its argument. Several modifiers mean the same here, where `long` has
@@ -69,7 +69,7 @@ enum class FormatClass : unsigned char {
     nothing,         ///< n, which takes an argument and stores nothing
 };
 
-/// The class of a letter. Case matters: "%D" and "%U" are no conversions.
+/// The class of a letter. Case matters: "%D" and "%U" are not conversions.
 constexpr FormatClass formatClassOf(char16_t letter) noexcept {
     switch (letter) {
     case u'@':
@@ -128,7 +128,7 @@ constexpr int readFormatDigits(const Unit*& at, const Unit* end) noexcept {
 }
 
 /// Reads digits that "$" follows and moves past both; 0, and `at` as it was, for anything else: "%5d" begins
-/// with a width. "0$" is no position.
+/// with a width. "0$" is not a position.
 template <class Unit>
 constexpr int readFormatPosition(const Unit*& at, const Unit* end) noexcept {
     const Unit* behind = at;
@@ -152,7 +152,7 @@ constexpr FormatField readFormatField(const Unit*& at, const Unit* end) noexcept
             position};
 }
 
-/// 0 for a unit that is no flag.
+/// 0 for a unit that is not a flag.
 template <class Unit>
 constexpr FormatFlags formatFlagOf(Unit unit) noexcept {
     switch (unit) {

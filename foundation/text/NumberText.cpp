@@ -155,9 +155,8 @@ RealParts splitReal(const Unit* text, std::size_t count) {
     return parts;
 }
 
-// The value of a real number and every half-way point between two neighbors have at most 768 significant
-// digits. So that many digits of a longer text decide, with one more nonzero digit if any of the rest is not
-// zero.
+// A real number, and the midpoint between two neighboring ones, has at most 768 significant digits. So that
+// many digits of a longer text decide, with one more nonzero digit if any of the rest is not zero.
 constexpr std::size_t decisiveDigits = 768;
 constexpr std::size_t exponentRoom = 8; // for "e-10768", with one to spare
 constexpr std::size_t digitBuffer = decisiveDigits + 1 + exponentRoom;
@@ -200,7 +199,7 @@ void collectDigits(const Unit* text, const RealParts& parts, Digits& digits) {
             restIsZero = restIsZero && text[at] == '0';
         }
     }
-    // One more digit, 1, puts the number above the half-way point that the kept digits may be equal to.
+    // One more digit, 1, puts the number above the midpoint that the kept digits may be equal to.
     if (!restIsZero) {
         digits.text[digits.length++] = '1';
         --digits.exponent;

@@ -28,7 +28,7 @@ namespace ZQFoundation::detail {
 std::size_t whiteSpacePrefix(const char* text, std::size_t count) noexcept;
 std::size_t whiteSpacePrefix(const char16_t* text, std::size_t count) noexcept;
 
-/// The number after white space and an optional sign, up to the first unit that is no digit; 0 without a
+/// The number after white space and an optional sign, up to the first unit that is not a digit; 0 without a
 /// digit directly after the sign. Beyond the range of the result, its nearest limit.
 std::int32_t readInt32(const char* text, std::size_t count) noexcept;
 std::int32_t readInt32(const char16_t* text, std::size_t count) noexcept;

@@ -24,7 +24,7 @@ class StringView;
 ///         }
 ///     };
 ///
-///     ZQLog::logWithFormat("paid %@", money);    // asked for its value only when the line is written
+///     ZQLog::logWithFormat("paid %@", money);    // converted only when the line is written
 ///     NSArray{money, "paid"};                    // any handle that `object` returns is made from it
 ///
 /// A specialization has one of the first two members, and the third if values are to be converted back:

@@ -12,7 +12,7 @@
 /// operations, the header of the log does not.
 namespace ZQFoundation::detail {
 
-/// Objects of classes that convert to a view of units and are no text by themselves.
+/// Objects of classes that convert to a view of units and are not texts themselves.
 template <class T, class Unit>
 concept ViewedText = std::is_class_v<T> && !TextRange<T, Unit> &&
                      std::is_convertible_v<const T&, std::basic_string_view<Unit>>;

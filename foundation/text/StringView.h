@@ -46,7 +46,7 @@ template <class T>
 concept TextObject = ConvertedText<T> ||
     ((TextRange<T, char> || TextRange<T, char16_t> || TextRange<T, char8_t>)&&!FixedBuffer<T>);
 
-/// Texts that are no handles themselves: literals, character pointers, `std::string` and its views.
+/// Texts that are not handles themselves: literals, character pointers, `std::string` and its views.
 template <class T>
 concept PlainText = std::is_same_v<T, StringView> || TextPointer<std::decay_t<T>> || TextObject<T>;
 

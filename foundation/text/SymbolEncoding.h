@@ -9,7 +9,7 @@ namespace ZQFoundation::detail {
 inline constexpr char16_t symbolUndefined = 0xFFFF;
 
 /// The character of a byte in the encoding of the Symbol font: Greek letters and signs of mathematics. Bytes
-/// whose glyphs are no characters of Unicode (the extender of a root) or the same character once more (the
+/// whose glyphs are not Unicode characters (the extender of a root) or the same character once more (the
 /// marks of trade and registration without serifs) have none, so that no two bytes share a character.
 char16_t symbolToUnit(unsigned char byte) noexcept;
 

@@ -75,7 +75,7 @@ std::int32_t readDigits(std::string_view digits, std::size_t count, int bitsEach
     return value;
 }
 
-/// Takes what follows a backslash; -1 when it is no escape.
+/// Takes what follows a backslash; -1 when it is not an escape.
 /// On success the escape is removed from `rest`; otherwise nothing is.
 std::int32_t takeEscape(std::string_view& rest) noexcept {
     std::int32_t value = -1;

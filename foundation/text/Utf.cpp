@@ -92,7 +92,7 @@ std::size_t asciiPrefix(const Unit* text, std::size_t count) {
     return at;
 }
 
-/// Whether ASCII goes on for so long that blocks are worth their start; between words of other scripts there
+/// Whether enough ASCII follows that processing it in blocks pays off; between words of other scripts there
 /// is a space at a time.
 template <class Unit>
 inline bool isAsciiStretch(const Unit* text, std::size_t count) {

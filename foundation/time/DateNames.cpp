@@ -95,7 +95,7 @@ std::string_view longZoneName(const ZonePeriod& period) noexcept {
     if (period.abbreviation == nullptr) {
         return {};
     }
-    // A linear search: the long name of a zone is asked for rarely.
+    // A linear search, because the long name of a zone is rarely needed.
     for (const ZoneNameRow& row : zoneNames) {
         if (row.minutes * 60 == period.offset && row.abbreviation == period.abbreviation) {
             return row.name;

@@ -137,7 +137,7 @@ NSTimeZone NSCalendar::timeZone() const noexcept {
     if (form_ == Form::absent) {
         return nullptr;
     }
-    // The default zone is asked for each time, so that a change of it shows.
+    // The default zone is queried at each call, so that a change takes effect.
     return timeZone_ ? timeZone_ : NSTimeZone::defaultTimeZone();
 }
 

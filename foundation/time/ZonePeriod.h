@@ -8,7 +8,7 @@
 namespace ZQFoundation::detail {
 
 /// A stretch of time in which a zone's clocks ran unchanged. Instants are whole seconds since 1970, without
-/// leap seconds. The stretch that was asked for may be shorter than the whole one, never longer.
+/// leap seconds. The returned period may be shorter than the whole stretch, never longer.
 struct ZonePeriod {
     std::int64_t from;   ///< INT64_MIN: since ever
     std::int64_t until;  ///< excluded; INT64_MAX: without end

@@ -20,7 +20,7 @@ class ZoneRules {
 public:
     /// Reads zone data as RFC 8536 describes it, versions 1 to 4, with 64-bit times where there are some.
     /// Nothing for data that are not entirely well-formed: cut short, counts beyond the data, changes out of
-    /// order, indexes or offsets out of range, a footer that is no rule; nor for data of more than
+    /// order, indexes or offsets out of range, a footer that is not a rule; nor for data of more than
     /// `maxFileBytes` bytes. Leap seconds, which the system's clock does not count, are ignored: in the rare
     /// files that have them (those below "right/") a change comes late by as many seconds as there were.
     static std::optional<ZoneRules> fromZoneData(const char* bytes, std::size_t count);

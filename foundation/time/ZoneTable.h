@@ -46,7 +46,7 @@ bool sameZone(const Zone& left, const Zone& right) noexcept;
 /// What holds at an instant. Null: UTC.
 ZonePeriod zonePeriodAt(const Zone* zone, std::int64_t seconds) noexcept;
 
-/// Only the offset: for an instant within about an hour of the last one that was asked for, one load.
+/// Only the offset: for an instant within about an hour of the previous query, one load.
 std::int32_t zoneOffsetAt(const Zone* zone, std::int64_t seconds) noexcept;
 
 } // namespace ZQFoundation::detail

@@ -152,7 +152,7 @@ TEST(Format, theFormatMayContainAnyUnits) {
     EXPECT_EQ(NSString::stringWithFormat(u"\xD83D%d", 1).characterAtIndex(0), 0xD83D);
     EXPECT_EQ(text(NSString::stringWithFormat(NSString("%d items"), 3)), "3 items");
     EXPECT_EQ(text(NSString::stringWithFormat("")), "");
-    // A fullwidth percent sign is no conversion, and a fullwidth digit no width.
+    // A fullwidth percent sign is not a conversion, and a fullwidth digit is not a width.
     EXPECT_EQ(unchecked(u"\uFF05d %\uFF15", 1), "\uFF05d \uFF15");
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The customs of languages and regions, and the names of locales.
+// The conventions of languages and regions, and the names of locales.
 #include "foundation/format/LocaleNumbers.h"
 
 #include <sstream>
@@ -12,11 +12,11 @@ using namespace formattesting;
 
 namespace {
 
-struct Customs {
+struct Conventions {
     const char* numbers;     ///< 1234, 12345678 and 1234.50
     const char* identifiers; ///< with a space after each
 };
-constexpr Customs customs[] = {
+constexpr Conventions conventions[] = {
     {"1_234 12_345_678 1_234,50",
      "af_ZA br_FR cs_CZ de_AT en_ZA es_CR fi_FI fr_CA kk_KZ ky_KG lt_LT nb_NO nn_NO no_NO os_RU pt_AO "
      "ru_RU se_NO sk_SK sv_FI sv_SE tg_TJ tk_TM tt_RU uk_UA uz_UZ zgh_MA "},
@@ -43,9 +43,9 @@ constexpr Customs customs[] = {
     {"1،234 12،345،678 1،234.50", "ks_IN "},
 };
 
-TEST(LocaleNumbers, numbersAreWrittenByTheCustomsOfLanguageAndRegion) {
+TEST(LocaleNumbers, numbersAreWrittenByTheConventionsOfLanguageAndRegion) {
     int count = 0;
-    for (const Customs& row : customs) {
+    for (const Conventions& row : conventions) {
         std::istringstream identifiers(row.identifiers);
         for (std::string identifier; identifiers >> identifier; ++count) {
             EXPECT_EQ(visible(formatted(locale(identifier), "%d %d %.2f", 1234, 12345678, 1234.5)),

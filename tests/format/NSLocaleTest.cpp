@@ -32,7 +32,7 @@ using Words = std::vector<std::string>;
 
 } // namespace
 
-TEST(NSLocale, customsOfProgramsGroupNothing) {
+TEST(NSLocale, conventionsOfProgramsGroupNothing) {
     const NSLocale posix = locale("en_US_POSIX");
     EXPECT_EQ(formatted(posix, "%d %.1f %@", 1234567, 1234.5, NSNumber(1234567)), "1234567 1234.5 1234567");
     EXPECT_EQ(posix.decimalSeparator(), ".");

@@ -97,7 +97,7 @@ TEST(NSAssertionHandler, namesFunctionLastPathComponentAndLine) {
         {"f", "/", INT64_MAX, "f(), /:9223372036854775807"},
         {"f", "", INT64_MIN, "f(), :-9223372036854775808"},
         {"", "a.c", 1, "(), a.c:1"},
-        // Unlike the caller of a log line, a name with a colon is no path and keeps its "()".
+        // Unlike the caller of a log line, a name with a colon is not a path and keeps its "()".
         {"-[Foo bar:]", "a.c", 1, "-[Foo bar:](), a.c:1"},
         {"a/b:c", "a.c", 1, "a/b:c(), a.c:1"},
         {"operator%", "%d/%@.c", 1, "operator%(), %@.c:1"},

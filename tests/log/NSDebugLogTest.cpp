@@ -52,7 +52,7 @@ TEST(NSDebugLog, acceptsAbsentFormats) {
     EXPECT_EQ(output.bytes(), "");
 }
 
-// Formatting any of these would read or write through what is no address, or raise.
+// Formatting any of these would read or write through what is not an address, or raise.
 TEST(NSDebugLog, readsNoArgument) {
     const kit::CapturedOutput output;
     const auto nowhere = reinterpret_cast<char*>(1);

@@ -103,7 +103,7 @@ TEST(ResultCodes, ofABatchAreJoinedInTheOrderOfTheirKeys) {
         {{{"a", 38}, {"b", -1}}, "a: unknown error, b: unknown error"},
         {{{"a", std::int64_t{1} << 32}}, ""},
         {{{"a", (std::int64_t{1} << 32) + 1}}, "a: " + one},
-        // A key is no format.
+        // A key is not a format.
         {{{"100% %@ %n", 14}}, "100% %@ %n: the source file cannot be read"},
     };
     for (const auto& row : joins) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Classes as values, and what a value that is no class answers.
+// Classes as values, and what a value that is not a class answers.
 #include "foundation/objects/Class.h"
 
 #include <gtest/gtest.h>

@@ -228,7 +228,7 @@ TEST(UriReference, judgesEveryByteInEveryPlace) {
         std::string allowed; // besides the named ones
     } places[] = {
         {"s://a", "b@h", ":/?#"}, // user information; / ? # end the authority before the "@"
-        {"s://a", "b", "@/?#"},   // a host; "b" is no port, so no ":"
+        {"s://a", "b", "@/?#"},   // a host; "b" is not a port, so no ":"
         {"s://h:1", "", "@/?#"},  // a port; the digits may turn out to be user information
         {"s:", "p", ":@/?#"},     // a path
         {"s:?", "q", ":@/?#"},    // a query

@@ -96,8 +96,8 @@ private:
 
 } // namespace
 
-// What is cut off at the end is no conversion. After "% ", which is text here, reading goes on with the
-// space, not with what follows the supposed conversion.
+// A conversion that is cut off at the end does not count. After "% ", which is text here, parsing continues
+// with the space, not with what follows the supposed conversion.
 std::string conversionsOf(const NSString& format) {
     const std::u16string units = format.utf16();
     const char16_t* at = units.data();

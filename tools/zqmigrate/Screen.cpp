@@ -111,7 +111,7 @@ Screen::Screen(bool wantsBar) : start_(seconds()) {
 }
 
 // If lines and bar share a terminal, the bar is erased first and drawn again below the text by its thread. A
-// failure is noted and the work goes on: half a migration is worse than one without a report.
+// failure is recorded, and the work continues: half a migration is worse than one without a report.
 void Screen::write(const std::string& text) {
     std::unique_lock guard(mutex_, std::defer_lock); // a slow reader elsewhere does not block the bar
     if (sharesTerminal_ && !text.empty()) {

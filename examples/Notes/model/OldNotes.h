@@ -33,7 +33,7 @@ std::size_t countOldNotes(const zq::NSString& folder);
 
 /// Moves all notes from below the old folder to the same places below the new one. A note whose name is taken
 /// there gets a free one, so none replaces another. What was moved stays moved when the observer stops it,
-/// and the next call goes on. Any thread.
+/// and the next call resumes it. Any thread.
 Move moveOldNotes(const zq::NSString& from, const zq::NSString& to, zq::ZQMigrationObserver* observer);
 
 } // namespace notes

@@ -17,8 +17,9 @@
 
 namespace notes {
 
-/// Moves old notes on a thread of its own, shows the progress, and at the end what stayed and why. It can be
-/// stopped; closing it stops it too. Accepted when all notes are moved or the user gives up the others.
+/// Moves old notes on a separate thread, shows the progress, and at the end shows which notes were not moved
+/// and why. It can be stopped; closing it stops it too. Accepted when all notes are moved or the user gives
+/// up the others.
 class MigrationWindow : public QDialog {
 public:
     /// Nothing is moved before `start`.
