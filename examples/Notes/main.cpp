@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Notes, a host application with windows. Read this file first, then windows/MainWindow.cpp.
 //
-// What it keeps and shows is in model/, which knows no widgets; what the user sees is in windows/. Its log is
-// a file of this run in ~/.local/state/Example/Notes and the log window; model/TraceKeys.h lists the keys.
+// Data and logic are in model/, which uses no widgets; the user interface is in windows/. The log goes to a
+// file for each run in ~/.local/state/Example/Notes, and to the log window; model/TraceKeys.h lists the keys.
 // Try
 //
 //     Notes -TraceNotes YES -LogFile NO
 //     Notes -AppleLanguages "(de)" -style fusion cafe
 //
-// What is left of the command line, after Qt's options and the user defaults, is searched for.
+// The words that remain on the command line, without Qt's options and the user defaults, are searched for.
 
 #include <QtWidgets/QApplication>
 

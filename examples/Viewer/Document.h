@@ -17,10 +17,10 @@ struct DocumentHeader {
 /// A text without a header has no fields and a body that starts at 0.
 DocumentHeader parseHeader(std::string_view text);
 
-/// One open document. As it implements NSObjectProtocol, it can be passed for "%@" and be in collections.
+/// One open document. It implements NSObjectProtocol, so it can be passed for "%@" and stored in collections.
 class Document : public ZQFoundation::NSObjectProtocol {
 public:
-    /// Reads the file. False, with the reason in words, when it cannot be read or is no UTF-8 text.
+    /// Reads the file. False, with the reason in words, if it cannot be read or is not UTF-8 text.
     bool load(const std::string& path, std::string& reason);
 
     /// From the header, else the file's name.

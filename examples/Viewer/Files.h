@@ -12,7 +12,7 @@ bool readFile(const std::string& path, std::string& bytes);
 /// False, with the reason in `errno`, when not all bytes could be written.
 bool writeFile(const std::string& path, std::string_view bytes);
 
-/// A new folder for one file; both are removed when the object goes.
+/// A new folder for one file; both are removed with the object.
 class TemporaryFolder {
 public:
     TemporaryFolder();

@@ -59,7 +59,7 @@ void migrateDocuments() {
         source, destination);
 }
 
-/// The folder belongs to the user, who may keep other files there too.
+/// The folder belongs to the user, who may have other files there too.
 void migrateNotes() {
     const NSString source = "~/Viewer Notes";
     const NSDictionary codes = ZQFileMigrator::
@@ -78,7 +78,7 @@ void migrateNotes() {
 } // namespace
 
 void migrateOldData() {
-    // While it lives, the library notifies it of each folder in which a file has come or gone.
+    // While it exists, the library notifies it of each folder in which a file was added or removed.
     const Workspace workspace;
     migrateSettings();
     migrateDocuments();

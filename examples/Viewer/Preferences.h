@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-/// Registers what applies while the user has set nothing else.
+/// Registers the values that apply unless the user has set others.
 void registerDefaults();
 
 /// Lines on a page, at least 1: the default `PageLength`, twice as many with `EnableLargePages`, whatever

@@ -8,11 +8,11 @@
 
 #include "Document.h"
 
-/// Tells the user, in the user's language, what was shown in this run, and keeps a history of it.
+/// Reports what was shown in this run, in the user's language, and keeps a history of it.
 class ReadingReport {
 public:
-    /// A line about one document, and one in the history, which is in the folder
-    /// ~/Library/Application Support/Example/Viewer where there is one.
+    /// A line about one document, and one in the history, which is in the folder ~/Library/Application
+    /// Support/Example/Viewer if that exists.
     void add(const Document& document, const std::string& path, std::size_t pages);
 
     /// A line about all of them; none when nothing was shown.

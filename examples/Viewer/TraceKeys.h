@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The trace keys of Viewer, each of which switches on a kind of log lines.
+// The trace keys of Viewer, each of which switches on one kind of log lines.
 #ifndef ZQFOUNDATION_VIEWER_TRACEKEYS_H
 #define ZQFOUNDATION_VIEWER_TRACEKEYS_H
 
@@ -20,7 +20,7 @@ inline constexpr char rendering[] = "TraceRendering";
 /// Each file that is read, written or removed.
 inline constexpr char files[] = "TraceFiles";
 
-/// What moves from the places of earlier releases to today's.
+/// What is moved from the places of earlier releases to the present ones.
 inline constexpr char migration[] = "TraceMigration";
 
 /// How much detail: 1 every page, 2 every piece of a transfer too. Exactly 3 adds every line of a page, which

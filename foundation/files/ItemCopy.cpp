@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Copies of single files, links and special items, and what makes a copy complete.
-// The order of steps keeps a copy closed until it is complete, and never lets it be more open than its
-// source.
+// Copies single files, links and special items, and completes the copies. The order of steps keeps a copy
+// closed until it is complete, and never lets it be more open than its source.
 #include "foundation/files/ItemCopy.h"
 
 #include <string>
@@ -137,7 +136,7 @@ bool completeCopy(int source, int destination, const struct stat& information) {
         return false;
     }
     system::copyCreationTime(source, destination);
-    // Last of the contents, since every write and attribute changes the times.
+    // After all contents, since every write and attribute changes the times.
     const timespec times[2] = {accessTime(information), modificationTime(information)};
     return ::fchmod(destination, permissionsFor(made, information)) == 0 &&
            ::futimens(destination, times) == 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Links, "~", "." and ".." in paths resolved.
-// Only names that exist are resolved; what is missing stays as it is written, since it may be made later.
+// Resolves links, "~", "." and ".." in paths. Only names that exist are resolved; what is missing stays as it
+// is written, since it may be made later.
 #include "foundation/files/PathResolution.h"
 
 #include <string_view>

@@ -83,8 +83,8 @@ bool TreeCopy::copyNext(Level& level) {
         return false;
     }
     bool isCopied = copyEntry(entry);
-    // Too many descriptors are noticed before anything is made.
-    // A folder closed here is opened again on the way back.
+    // A lack of descriptors is noticed before anything is created. A folder closed here is opened again on
+    // the way back.
     while (!isCopied && isTooManyOpen(errno) && (sources_.closeOne() || destinations_.closeOne())) {
         isCopied = copyEntry(entry);
     }

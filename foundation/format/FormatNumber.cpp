@@ -126,7 +126,7 @@ char* writePowerOfTwoBase(std::uint64_t value, int bits, bool upperCase, char* e
     return end;
 }
 
-/// The integer without any modifier, by far the most frequent one.
+/// The integer without any modifier, by far the most frequent conversion.
 void appendPlainDecimal(TextBuilder& out, std::uint64_t value, bool isSigned) {
     ShortNumber number(out);
     number.advance(isSigned ? writeInt64(static_cast<std::int64_t>(value), number.end())

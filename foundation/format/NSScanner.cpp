@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads strings from front to back.
-// Each operation skips first, and leaves the location alone when it finds nothing.
+// Each operation skips first, and does not move the location if it finds nothing.
 #include "foundation/format/NSScanner.h"
 
 #include <limits>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writes the platform's texts for values, collections indented.
-// Hosts and their users read and compare these texts, so each form is exact.
+// Hosts and their users read and compare these texts, so every detail of a form matters.
 #include <algorithm>
 #include <cmath>
 

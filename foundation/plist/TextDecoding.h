@@ -26,8 +26,8 @@ struct DecodedText {
 /// included.
 bool decodeText(const unsigned char* bytes, std::size_t count, DecodedText& text, PropertyListError& error);
 
-/// The same for a strings table, which by old custom may also be UTF-16 without a mark: bytes that hold a
-/// zero or are no UTF-8 are read as that, low byte first when the second byte is the zero, else high byte
+/// The same for a strings table, which by tradition may also be UTF-16 without a mark: bytes that contain a
+/// zero or are not UTF-8 are read as UTF-16, low byte first if the second byte is the zero, else high byte
 /// first.
 bool decodeStringsText(const unsigned char* bytes, std::size_t count, DecodedText& text,
                        PropertyListError& error);

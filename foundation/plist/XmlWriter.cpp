@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writes XML property lists.
-// Everything that the reader of this library takes is written in a way that it reads back equal; readable
-// lines matter, since people edit these files.
+// Whatever this library's reader accepts is written so that it reads back equal. The lines are readable,
+// since people edit these files.
 #include "foundation/plist/XmlWriter.h"
 
 #include <algorithm>

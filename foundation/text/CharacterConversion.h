@@ -20,13 +20,13 @@ namespace ZQFoundation::detail {
 bool bytesToUnits(const char* encoding, std::string_view bytes, std::u16string& out);
 
 /// The unit that each of the 256 bytes spells alone; `none` for a byte that needs another one beside it, or
-/// that the encoding does not know. False, with `units` meaning nothing, when the C library has no such
-/// encoding or cannot open it now.
+/// that the encoding does not know. False, with `units` unspecified, if the C library has no such encoding or
+/// currently cannot open it.
 bool unitsOfAllBytes(const char* encoding, char16_t none, char16_t* units);
 
-/// The bytes of all the units, ending in the encoding's initial state. False, with `out` meaning nothing,
-/// when they would not read as the same units again: the C library has conversions that work only one way
-/// (the yen sign to a backslash) and ignores characters that it treats as tags.
+/// The bytes of all the units, ending in the encoding's initial state. False, with `out` unspecified, if they
+/// would not read as the same units again: the C library has conversions that work only one way (the yen sign
+/// to a backslash) and ignores characters that it treats as tags.
 bool unitsToBytes(const char* encoding, std::u16string_view units, std::string& out);
 
 } // namespace ZQFoundation::detail

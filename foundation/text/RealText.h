@@ -13,8 +13,8 @@
 #include <version>
 
 /// The conversions of real numbers in <charconv>, which some C++ libraries lack or have only for recent
-/// systems. There the C library's functions do the same, used so that the locale has no say: numbers are read
-/// without a point, and of what is written only the digits are taken.
+/// systems. There the C library's functions are used in such a way that the locale does not matter: numbers
+/// are read without a point, and of the text that they write only the digits are used.
 namespace ZQFoundation::detail {
 
 /// The longest number, with its exponent, that may be read.

@@ -12,7 +12,7 @@
 #include <emmintrin.h>
 #endif
 
-/// Walks over units, held as bytes or as UTF-16, by as many at a time as every processor of today compares
+/// Walks over units, stored as bytes or as UTF-16, by as many at a time as all current processors compare
 /// with one instruction.
 namespace ZQFoundation::detail {
 

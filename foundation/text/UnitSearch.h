@@ -10,7 +10,7 @@
 
 #include "foundation/text/UnitBlocks.h"
 
-/// Searching unit by unit, in time linear in both texts whatever they hold.
+/// Searches unit by unit, in time linear in both texts, whatever they contain.
 namespace ZQFoundation::detail {
 
 inline constexpr std::size_t unitNotFound = static_cast<std::size_t>(-1);

@@ -12,7 +12,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// The pieces of a target, each a look at the text that it comes from.
+/// The pieces of a target, each a view of the text that it comes from.
 struct Pieces {
     struct Piece {
         std::string_view text;
@@ -44,8 +44,8 @@ bool startsWith(std::string_view text, std::string_view prefix) noexcept {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-/// The reference's path beside the last segment of the base's.
-/// All of the base's path up to its last slash is kept. A base with an authority but no path has the root.
+/// The base's path up to its last slash, followed by the reference's path. A base with an authority but no
+/// path counts as having the root.
 std::string mergedPath(const Pieces& base, std::string_view path) {
     std::string merged;
     if (base.authority.isPresent && base.path.empty()) {

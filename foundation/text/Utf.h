@@ -13,7 +13,7 @@
 /// forms, encoded surrogates, values above U+10FFFF, stray or missing continuation bytes.
 namespace ZQFoundation::detail {
 
-/// What becomes of text that has no exact counterpart in the other form.
+/// How text without an exact counterpart in the other form is treated.
 enum class IllFormed {
     /// U+FFFD (bytes EF BF BD): one for each maximal subpart of an ill-formed byte sequence, that is for the
     /// longest piece that begins a well-formed sequence, or for one byte; one for each unpaired surrogate.

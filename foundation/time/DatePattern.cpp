@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The fields of date patterns.
-// Letters are those of the Unicode patterns; a letter that is reserved stays in the text, so that the
-// mistake is seen.
+// Letters are those of the Unicode patterns; a reserved letter stays in the text, so that the mistake is
+// visible.
 #include "foundation/time/DatePattern.h"
 
 #include <cstring>

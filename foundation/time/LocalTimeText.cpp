@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The local time of the log prefix, formatted without allocation.
-// What log lines need of a date formatter, for each line: one look at the zone, one date, and no loop.
+// The part of a date formatter that log lines need: for each line one query of the zone, one date, and no
+// loop.
 #include "foundation/time/LocalTimeText.h"
 
 #include <cstring>

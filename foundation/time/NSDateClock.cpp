@@ -40,7 +40,7 @@ NSDate NSDate::date() {
         return dateWithTimeIntervalSince1970(*detail::overrides::clock);
     }
     const timespec now = readSystemClock();
-    // The great numbers cancel out as integers, so the fraction keeps what precision there is.
+    // The large numbers cancel out as integers, so the fraction keeps its precision.
     constexpr auto referenceSeconds = static_cast<std::int64_t>(timeIntervalBetween1970AndReferenceDate);
     const std::int64_t seconds = std::int64_t{now.tv_sec} - referenceSeconds;
     return dateWithTimeIntervalSinceReferenceDate(static_cast<double>(seconds) +

@@ -9,7 +9,7 @@
 #include "foundation/time/Clock.h"
 #include "foundation/time/NSTimeZone.h"
 
-/// What calendars and clocks on the wall show, and the instants at which they do. A wall time is counted in
+/// What calendars and wall clocks show, and the instants at which they show it. A wall time is counted in
 /// seconds, each day having 86400, from the midnight with which 1970 began on the same wall.
 namespace ZQFoundation::detail {
 

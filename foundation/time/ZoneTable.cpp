@@ -189,7 +189,7 @@ const Zone* zoneFromSetting(const char* value) {
 }
 
 /// Null when there is no memory.
-/// The calling host must not notice, whatever fails: log lines ask.
+/// No failure may reach the host, because log lines call this.
 const Zone* readProcessZone() noexcept {
     const CallerState keeper;
     try {

@@ -14,26 +14,26 @@ namespace zq = ZQFoundation;
 /// One note as it was last read or written.
 struct Note {
     zq::NSString path;   ///< its file
-    zq::NSString text;   ///< nil when the file holds no UTF-8 text, is too large or cannot be read
+    zq::NSString text;   ///< nil if the file is not UTF-8 text, is too large or cannot be read
     zq::NSString title;  ///< the first line that is not blank, else the file's name
     zq::NSString folded; ///< the text as a search sees it
     zq::NSDate changed;  ///< when the file was last changed
 };
 
-/// How saving or removing has ended.
+/// The result of saving or removing.
 struct Outcome {
     zq::NSString path;   ///< where the note is now; nil when nothing was done
     zq::NSString reason; ///< why nothing was done, in the user's language
 };
 
-/// The notes below a folder, subfolders included, names with a leading "." left out. For one thread.
+/// The notes below a folder, including subfolders, except items whose names begin with ".". For one thread.
 ///
-/// A text that was saved is never lost: it is written beside the note, flushed to the disk and renamed, so
-/// the note is the old text or the new one whatever happens; a file that somebody else has changed meanwhile
-/// is not overwritten; a removed note goes to a hidden folder.
+/// A text that was saved is never lost: it is written to a new file beside the note, flushed to the disk and
+/// renamed, so the note has the old text or the new one whatever happens; a file that somebody else has
+/// changed meanwhile is not overwritten; a removed note goes to a hidden folder.
 class NoteStore {
 public:
-    /// Notes are read by `reload` only. The folder is made when a note is saved.
+    /// Only `reload` reads notes. The folder is created when a note is saved.
     explicit NoteStore(zq::NSString folder) : folder_(std::move(folder)) {}
 
     /// Reads all notes again.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The notes of release 1, which kept them in another folder, and their move to today's.
+// Moves the notes of release 1, which kept them in another folder, to the present folder.
 #ifndef ZQFOUNDATION_MODEL_OLDNOTES_H
 #define ZQFOUNDATION_MODEL_OLDNOTES_H
 
@@ -17,7 +17,7 @@ struct Stayed {
     zq::NSString reason; ///< in the user's language
 };
 
-/// How moving the old notes has ended.
+/// The result of moving the old notes.
 struct Move {
     std::size_t moved = 0;      ///< number of notes at the new place
     std::size_t left = 0;       ///< number of notes still at the old one
@@ -25,7 +25,7 @@ struct Move {
     bool isStopped = false;     ///< by the observer
 };
 
-/// ~/Library/Application Support/Example/Notes, whatever the layout of folders is today.
+/// ~/Library/Application Support/Example/Notes, regardless of the present layout of folders.
 zq::NSString oldNotesFolder();
 
 /// The number of notes below the folder.

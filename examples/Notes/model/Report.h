@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Who runs, on what, and with which switches.
+// Which application runs, on which system, and with which switches.
 #ifndef ZQFOUNDATION_MODEL_REPORT_H
 #define ZQFOUNDATION_MODEL_REPORT_H
 

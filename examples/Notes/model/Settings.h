@@ -36,7 +36,7 @@ zq::NSString setTraceKey(const zq::NSString& key, bool isOn);
 /// Whether this release still has to move the notes of an older one.
 bool needsMove();
 
-/// From now on this release has nothing more to move. Nil, or the reason as from `save`.
+/// Records that this release has nothing more to move. Nil, or the reason as from `save`.
 zq::NSString rememberMove();
 
 } // namespace notes::settings

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The trace keys of Notes, each of which switches on a kind of log lines.
+// The trace keys of Notes, each of which switches on one kind of log lines.
 #ifndef ZQFOUNDATION_MODEL_TRACEKEYS_H
 #define ZQFOUNDATION_MODEL_TRACEKEYS_H
 
@@ -13,7 +13,7 @@ inline constinit const ZQFoundation::ZQTraceKey traceNotes("TraceNotes");
 /// What is searched for, and how many notes are found.
 inline constinit const ZQFoundation::ZQTraceKey traceSearch("TraceSearch");
 
-/// What moves from the folder of the previous release.
+/// What is moved from the folder of the previous release.
 inline constinit const ZQFoundation::ZQTraceKey traceMigration("TraceMigration");
 
 /// Which settings change.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window that says who runs, on what, and with which switches.
+// The window that shows which application runs, on which system, and with which switches.
 #ifndef ZQFOUNDATION_WINDOWS_ABOUTWINDOW_H
 #define ZQFOUNDATION_WINDOWS_ABOUTWINDOW_H
 

@@ -109,8 +109,8 @@ void MainWindow::applySettings() {
     editor_->setLineWrapMode(values.wrapsLines ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
 }
 
-/// A release looks for notes of earlier ones until all have moved, or until the user gives up those that
-/// cannot.
+/// A release looks for notes of earlier ones until all are moved, or until the user decides to leave those
+/// that cannot be moved.
 void MainWindow::takeOverOldNotes() {
     if (!settings::needsMove()) {
         return;

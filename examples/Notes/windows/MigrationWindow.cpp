@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Moving old notes before the user's eyes.
+// Moves old notes and shows the progress.
 #include "MigrationWindow.h"
 
 #include <QtCore/QMetaObject>
@@ -122,7 +122,7 @@ void MigrationWindow::finish(const Move& move) {
     leaveButton_->setVisible(!move.isStopped);
 }
 
-/// The end of a running move does not close the window: the user first sees what is left.
+/// When the move ends, the window stays open, so that the user can see what is left.
 void MigrationWindow::reject() {
     if (isFinished_ || !mover_.joinable()) {
         QDialog::reject();

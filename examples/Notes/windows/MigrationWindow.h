@@ -18,15 +18,15 @@
 namespace notes {
 
 /// Moves old notes on a separate thread, shows the progress, and at the end shows which notes were not moved
-/// and why. It can be stopped; closing it stops it too. Accepted when all notes are moved or the user gives
-/// up the others.
+/// and why. It can be stopped; closing it stops it too. Accepted when all notes are moved, or when the user
+/// decides to leave the others.
 class MigrationWindow : public QDialog {
 public:
     /// Nothing is moved before `start`.
     MigrationWindow(zq::NSString from, zq::NSString to, QWidget* parent);
     ~MigrationWindow() override;
 
-    /// Begins to move.
+    /// Begins the move.
     void start();
 
     /// Ends the move after the current note.

@@ -14,7 +14,7 @@ namespace zq = ZQFoundation; // in full: on some systems Qt's headers declare cl
 /// The text of the key in the string table; the key itself when there is none.
 inline QString localized(const char* key) { return zq::NSString::initWithLocalizedString(key).as<QString>(); }
 
-/// The same with arguments put in.
+/// The same with arguments inserted.
 template <class... Arguments>
 QString localized(const char* key, const Arguments&... arguments) {
     return zq::NSString::initWithLocalizedFormat(key, arguments...).template as<QString>();

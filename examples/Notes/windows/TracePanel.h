@@ -11,8 +11,8 @@
 
 namespace notes {
 
-/// A switch for each trace key of Notes. It acts at once and is saved; where the command line or the
-/// environment decides, the switch goes back and a text says so.
+/// A switch for each trace key of Notes. It takes effect at once and is saved; if the command line or the
+/// environment overrides it, the switch moves back and a text says so.
 class TracePanel : public QGroupBox {
 public:
     TracePanel();
