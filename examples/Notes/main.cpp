@@ -21,11 +21,13 @@
 namespace zq = ZQFoundation;
 
 int main(int argc, char** argv) {
-    // Options with one hyphen that belong to Qt; every other one with a value is a user default.
-    const zq::NSArray optionsOfQt{
-        "-display",       "-fontengine", "-geometry",        "-platform",    "-platformpluginpath",
-        "-platformtheme", "-plugin",     "-qwindowgeometry", "-qwindowicon", "-qwindowtitle",
-        "-session",       "-style",      "-stylesheet"};
+    // Options with one hyphen that belong to Qt; any other one that a value follows is a user default.
+    const zq::NSArray optionsOfQt{"-display",       "-dograb",       "-geometry",      "-icon",
+                                  "-name",          "-nograb",       "-platform",      "-platformpluginpath",
+                                  "-platformtheme", "-plugin",       "-qmljsdebugger", "-qwindowgeometry",
+                                  "-qwindowicon",   "-qwindowtitle", "-reverse",       "-session",
+                                  "-style",         "-stylesheet",   "-title",         "-visual",
+                                  "-widgetcount"};
     zq::NSProcessInfo::removeDefaultsFromArguments(argc, argv, optionsOfQt);
     notes::LogLines::shared().observe();
     notes::settings::registerDefaults();

@@ -143,7 +143,8 @@ TEST(Program, readsTraceKeysBesideTheOptionsOfQt) {
 
 TEST(Program, searchesForWhatIsLeftOfItsCommandLine) {
     const Home home;
-    Program program(home, {"-TraceSearch", "YES", "apple", "-style", "fusion", "pie", "-LogFile", "NO"});
+    Program program(
+        home, {"-TraceSearch", "YES", "-reverse", "apple", "-style", "fusion", "pie", "-LogFile", "NO"});
     EXPECT_NE(program.lineWith("0 notes hold \"apple pie\""), "");
 }
 
