@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Benchmarks: one program for each file of bench/, all built by the target `benchmarks`, which an ordinary build
-# leaves out. Peers are optional; a source asks for one by ZQ_BENCH_HAS_<PEER>.
+# leaves out. Peers are optional; a source checks for one with ZQ_BENCH_HAS_<PEER>.
 
 if(ZQFOUNDATION_BENCHMARKS STREQUAL "AUTO")
     find_package(benchmark QUIET)
@@ -71,7 +71,7 @@ foreach(source IN LISTS sources)
     add_dependencies(benchmarks ${program})
 endforeach()
 
-# Programs whose start is measured.
+# Programs whose start-up time is measured.
 file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/programs/*.cpp")
 foreach(source IN LISTS sources)
     cmake_path(GET source STEM name)

@@ -5,7 +5,7 @@
 if(NOT APPLE AND CMAKE_BUILD_TYPE STREQUAL "Release")
     add_test(NAME binary.exports COMMAND "${PROJECT_SOURCE_DIR}/scripts/check-binary" "$<TARGET_FILE:ZQFoundation>")
 endif()
-# What a user of the installed library does, with the tools of this machine, so for its processor only.
+# What a user of the installed library does, with the tools of this machine, and so only for its processor.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT ZQFOUNDATION_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
     add_test(NAME install.outsideProjects
         COMMAND "${CMAKE_COMMAND}" -E env "CXX=${CMAKE_CXX_COMPILER}"

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Run by a test: SOURCE compiles with COMPILER (and its options), and is refused with each of its cases defined. See
+# Run by a test: SOURCE must compile with COMPILER (and its options), and must be rejected with each of its cases defined. See
 # zq_add_refusals in Tests.cmake.
 
 separate_arguments(COMPILER UNIX_COMMAND "${COMPILER}")
@@ -22,7 +22,7 @@ function(zq_says said texts result)
     endforeach()
 endfunction()
 
-# The case is refused with all that it expects.
+# The case is rejected with all expected messages.
 function(zq_check_case case expectations)
     execute_process(COMMAND ${command} -D${case} RESULT_VARIABLE result ERROR_VARIABLE said)
     if(result EQUAL 0)

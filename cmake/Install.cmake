@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` installs besides the tools: the libraries, their headers, texts and documents, the files by
+# What `cmake --install` installs besides the tools: the libraries, their headers, texts and documents, the files with
 # which find_package(ZQFoundation 27) and pkg-config find it, and the script that shows the values in gdb. The files
 # contain no absolute path, so the installed tree can be moved as a whole.
 

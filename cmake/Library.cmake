@@ -19,12 +19,12 @@ find_package(Threads REQUIRED)
 include(CarriedTexts)
 
 add_library(zq_objects OBJECT ${ZQ_SOURCES})
-# Two versions installed side by side have their texts in folders of their own.
+# Two versions installed side by side have their texts in separate folders.
 set_source_files_properties("${PROJECT_SOURCE_DIR}/foundation/process/BundleLayout.cpp" PROPERTIES
     COMPILE_DEFINITIONS ZQ_SHARED_FOLDER="ZQFoundation-${PROJECT_VERSION_MAJOR}")
 foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
-    # Unnamed namespaces of several sources declare the same names, so a host's wish for unity builds ends here,
-    # and so does its wish for warnings as errors, which is meant for its own sources.
+    # Unnamed namespaces of several sources declare the same names, so a host's setting for unity builds is ignored
+    # here, and so is its setting for warnings as errors, which is meant for its own sources.
     set_target_properties(${objects} PROPERTIES
         UNITY_BUILD OFF
         COMPILE_WARNING_AS_ERROR OFF
@@ -35,7 +35,7 @@ foreach(objects zq_objects zq_carried_texts zq_no_carried_texts)
     target_link_libraries(${objects} PRIVATE zq_flags zq_hardening)
     if(NOT APPLE)
         # Nobody replaces a function of the library from outside, so calls inside it may be direct and inlined.
-        # On other systems they are anyway.
+        # On other systems that is the default.
         target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
     endif()
 endforeach()
@@ -67,7 +67,7 @@ set_target_properties(ZQFoundation PROPERTIES
     VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
     SOVERSION ${PROJECT_VERSION_MAJOR})
 if(APPLE)
-    # A framework, with its headers and texts inside. What its sources hide is all that is not exported.
+    # A framework, with its headers and texts inside. Everything is exported except what its sources hide.
     set_target_properties(ZQFoundation PROPERTIES
         FRAMEWORK ON
         FRAMEWORK_VERSION ${PROJECT_VERSION_MAJOR}

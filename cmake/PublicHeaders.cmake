@@ -2,7 +2,7 @@
 # The public headers, as cmake/public-headers.txt lists them; scripts/check-style compares that list with what the
 # umbrella includes.
 #
-# Result: ZQ_PUBLIC_HEADERS, paths relative to the root, the umbrella not among them; and a staged folder in
+# Result: ZQ_PUBLIC_HEADERS, paths relative to the root, without the umbrella; and a staged folder in
 # the build tree in which <ZQFoundation/ZQFoundation.h> is found exactly as it will be once installed.
 
 set(ZQ_UMBRELLA "${PROJECT_SOURCE_DIR}/include/ZQFoundation.h")

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # One test program for each folder of tests/. A folder that needs more (a plugin, a child program, a check that
-# wrong code does not compile) says so in a CMakeLists.txt of its own, which may use the functions below and
+# wrong code does not compile) says so in its own CMakeLists.txt, which may use the functions below and
 # the folder's program, test_<folder>.
 
 if(CMAKE_CROSSCOMPILING)
@@ -50,14 +50,14 @@ if(NOT APPLE AND NOT EXISTS "${ZQ_TEST_LOCALES}/de_DE.UTF-8/LC_NUMERIC")
     endif()
 endif()
 
-# What all tests share: how they compile, and the headers that most of them include, read once.
+# What all tests share: how they are compiled, and the precompiled headers that most of them include.
 add_library(zq_test_settings INTERFACE)
 target_link_libraries(zq_test_settings INTERFACE zq_flags ZQFoundationStatic GTest::gtest_main)
 if(TARGET GTest::gmock)
     target_link_libraries(zq_test_settings INTERFACE GTest::gmock)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # It takes `std::string(count, character) + "literal"` for an access beyond the end.
+    # It mistakes `std::string(count, character) + "literal"` for an access beyond the end.
     target_compile_options(zq_test_settings INTERFACE -Wno-array-bounds -Wno-stringop-overflow)
 endif()
 # Tests of what only Linux has: network namespaces, tracing with filters for system calls, disk images, immutable
@@ -97,8 +97,8 @@ file(MAKE_DIRECTORY "${ZQ_TEST_HOME}")
 set(ZQ_TEST_ENVIRONMENT
     "HOME=${ZQ_TEST_HOME}" "XDG_CONFIG_HOME=${ZQ_TEST_HOME}/.config" "LOCPATH=${ZQ_TEST_LOCALES}")
 
-# An emulator is slow. It and other libraries have limits of their own: tests that they keep from running are
-# disabled by name.
+# An emulator is slow. It and other libraries have limits: tests that cannot run because of them are disabled
+# by name.
 set(ZQ_TEST_TIMEOUT 600)
 if(CMAKE_CROSSCOMPILING_EMULATOR)
     set(ZQ_TEST_TIMEOUT 1800)
@@ -143,7 +143,7 @@ endforeach()
 ]] @ONLY)
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${file}")
     if(ZQFOUNDATION_SHUFFLED_TESTS)
-        # All of them in one process: what one leaves over must not matter to another. The report says which
+        # All of them in one process: what one test leaves must not affect another. The report says which
         # tests were skipped.
         add_test(NAME ${folder}.shuffled
             COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES_FILTER}

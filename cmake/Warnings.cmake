@@ -7,7 +7,7 @@ target_compile_options(zq_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion 
 if(ZQFOUNDATION_WERROR)
     target_compile_options(zq_flags INTERFACE -Werror)
 elseif(NOT PROJECT_IS_TOP_LEVEL)
-    # Other compilers and stricter warnings than ours may find something.
+    # Other compilers, or stricter warnings than ours, may find something.
     target_compile_options(zq_flags INTERFACE -Wno-error)
 endif()
 

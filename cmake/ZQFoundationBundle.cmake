@@ -8,12 +8,12 @@
 #
 #     Contents/Info.plist
 #     Contents/MacOS/<target>
-#     Contents/Resources/          what RESOURCES holds
+#     Contents/Resources/          the contents of RESOURCES
 #     Contents/Frameworks/         the library and its texts; empty when the target itself is linked with
 #                                  ZQFoundation::Static, which has its texts inside
 #
-# The program finds its library relative to itself, so the whole folder can be moved. The bundle is complete once
-# the target <target>Bundle, which is part of an ordinary build, is built. That build fails, unless UNCHECKED is
+# The program finds its library relative to itself, so the whole folder can be moved. The bundle is complete when
+# the target <target>Bundle, which is part of an ordinary build, has been built. That build fails, unless UNCHECKED is
 # given, when `defaults lint` finds a fault in the property lists and string tables: one that cannot be read, a key
 # that a language lacks, conversions that differ from language to language. Where that tool is missing, for example
 # because the host has not installed it, nothing is checked.

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Builds for macOS on Linux, with the cross compiler that scripts/release/check-macos fetches. Nothing built here can run here.
+# Builds for macOS on Linux, with the cross compiler that scripts/release/check-macos downloads. Nothing built here can run here.
 #
 #     ZQ_MACOS_TARGET   x86_64-macos.10.13 or aarch64-macos.11.0: the processor and the oldest system
 #     ZQ_MACOS_TOOLS    the folder of the programs macos-c++, macos-cc, macos-ar and macos-ranlib
@@ -37,7 +37,7 @@ foreach(kind LIBRARY INCLUDE PACKAGE)
     set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
 endforeach()
 
-# The compiler brings its own copy of the C++ library, and takes all of it to be available. Whatever the library
+# The compiler brings its own copy of the C++ library, and considers all of it available. Whatever the library
 # of the oldest system, or that system itself, does not have yet is an error here.
 foreach(language C CXX)
     set(CMAKE_${language}_FLAGS_INIT "-fno-sanitize=undefined -Werror=unguarded-availability")

@@ -60,12 +60,12 @@ TEST_F(TreeCopy, keepsAttributesAndAccessListsOfFolders) {
         return disk / name;
     };
     disk.write("t/f", "x");
-    if (!scene::setAttribute(in("t"), "user.zq.colour", "green") ||
+    if (!scene::setAttribute(in("t"), "user.zq.color", "green") ||
         !scene::setAttribute(in("t"), scene::listForNewItems, scene::listForUser(4))) {
         GTEST_SKIP() << "the file system keeps no extended attributes";
     }
     ASSERT_EQ(scene::reasonOfCopy(in("t"), in("u")), "(nil)");
-    EXPECT_EQ(scene::attribute(in("u"), "user.zq.colour"), "green");
+    EXPECT_EQ(scene::attribute(in("u"), "user.zq.color"), "green");
     EXPECT_EQ(scene::attribute(in("u"), scene::listForNewItems), scene::listForUser(4));
     EXPECT_EQ(scene::attribute(in("u/f"), scene::accessList), "(none)") << "the file has no such list";
 }

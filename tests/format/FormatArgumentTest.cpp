@@ -24,7 +24,7 @@ public:
 
 class StampedParcel : public Stamped, public NSObjectProtocol {};
 
-enum class Colour : unsigned char { red = 7 };
+enum class Color : unsigned char { red = 7 };
 enum Old { oldest = -3 };
 
 std::string hexadecimal(const void* pointer) {
@@ -58,7 +58,7 @@ TEST(FormatArgument, pointers) {
 }
 
 TEST(FormatArgument, integersOfEveryKindServe) {
-    EXPECT_EQ(text(NSString::stringWithFormat("%d %d %d %u %x %c", true, Colour::red, oldest, Colour::red,
+    EXPECT_EQ(text(NSString::stringWithFormat("%d %d %d %u %x %c", true, Color::red, oldest, Color::red,
                                               static_cast<short>(16), 'c')),
               "1 7 -3 7 10 c");
     struct Bits {

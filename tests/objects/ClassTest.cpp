@@ -19,7 +19,7 @@ public:
     class Inner {};
 };
 struct Plain {};
-enum class Colour { red };
+enum class Color { red };
 template <class T>
 class Box {};
 namespace Deep::Deeper {
@@ -44,7 +44,7 @@ TEST(Class, isNamedByTheOwnNameOfTheClass) {
         {classOf<ClassTestNames::Store>(), "Store"},
         {classOf<ClassTestNames::Store::Inner>(), "Inner"},
         {classOf<ClassTestNames::Plain>(), "Plain"},
-        {classOf<ClassTestNames::Colour>(), "Colour"},
+        {classOf<ClassTestNames::Color>(), "Color"},
         {classOf<ClassTestNames::Deep::Deeper::Store>(), "Store"},
         {classOf<Hidden>(), "Hidden"},
         {classOf<Local>(), "Local"},

@@ -329,7 +329,7 @@ TEST_F(ZoneTable, servesAForkedChildWhileThreadsAreAtWork) {
     }
 }
 
-/// Asked for before `main`, when other initialisers may still be to come.
+/// Asked for before `main`, when other initializers may still be to come.
 const std::int32_t offsetBeforeMain = zoneOffsetAt(zoneNamed("UTC"), winter) + 1;
 
 TEST_F(ZoneTable, worksBeforeMain) { EXPECT_EQ(offsetBeforeMain, 1); }

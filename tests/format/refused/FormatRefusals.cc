@@ -17,7 +17,7 @@ struct Other {};
 struct Converted {};
 struct Wrong {};
 class Host : public NSObjectProtocol {};
-enum class Colour { red };
+enum class Color { red };
 
 } // namespace
 
@@ -32,7 +32,7 @@ struct ZQFoundation::ObjectConversion<Wrong> {
 
 void right(const char* variable, const std::string& text, const NSString& name, const NSObject& object,
            const Host& host, Declared* declared, char16_t* units, int number) {
-    NSString::stringWithFormat("%d %ld %hhu %c %C %x", number, number, true, 'c', u'x', Colour::red);
+    NSString::stringWithFormat("%d %ld %hhu %c %C %x", number, number, true, 'c', u'x', Color::red);
     NSString::stringWithFormat("%ld %zu %hd %hhx %C %c %C", 5L, sizeof number, short(5), 'x', 'x', 65, 0x20AC);
     NSString::stringWithFormat("%f %Lg %La %e", 1.0f, 1.0, 1.0L, 0.5);
     NSString::stringWithFormat(name, 5L);

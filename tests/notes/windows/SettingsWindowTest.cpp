@@ -32,7 +32,7 @@ TEST(SettingsWindow, savesWhatItShows) {
     EXPECT_EQ(zq::NSUserDefaults::standardUserDefaults().arrayForKey("AppleLanguages"), zq::NSArray{"de"});
 }
 
-TEST(SettingsWindow, aCancelledOneChangesNothing) {
+TEST(SettingsWindow, aCanceledOneChangesNothing) {
     const Home home;
     Parts parts;
     parts.fontSize.setValue(20);
