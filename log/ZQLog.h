@@ -64,7 +64,7 @@ public:
     /// name>>()" for null and for an empty name.
     static NSString cFunctionDescriptionStringForFunctionName(const char* functionName);
 
-    /// @name Lines elsewhere
+    /// @name Sending lines elsewhere
     /// @{
 
     /// Sets the function that is called, with the context, after each line that is written, to show or keep

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Lines elsewhere: the observer gets each line of the channel after it is written, outside every lock, and
-// its context may go when it is replaced.
+// Sending lines elsewhere: the observer gets each line of the channel after it is written, outside every
+// lock, and its context may go when it is replaced.
 #include "foundation/process/LineObserver.h"
 
 #include <exception>
