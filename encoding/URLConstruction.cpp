@@ -43,8 +43,7 @@ void appendPart(detail::TextBuilder& text, StringView mark, StringView part) {
 } // namespace
 
 // Encoding fails only for a text without a UTF-8 form. The two strings hold the encoded texts that `path` and
-// `query` refer to from then on, so they live as long as the views. `URLWithString` has the last word on the
-// whole.
+// `query` refer to from then on, so they live as long as the views. `URLWithString` finally checks the whole.
 NSURL NSURL::URLWithScheme_authority_path_encodePath_query_encodeQuery_fragment(
     StringView scheme, StringView authority, StringView path, detail::Flag encodePath, StringView query,
     detail::Flag encodeQuery, StringView fragment) {

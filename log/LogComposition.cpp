@@ -67,8 +67,8 @@ void appendHostCaller(TextBuilder& out, const NSObjectProtocol& host, StringView
     appendInstance(out, host.className(), dynamic_cast<const void*>(&host), method);
 }
 
-/// Callers that are nobody come here too, as a nil value. A host object in a handle is described like one
-/// that is passed by its address, so the same object always looks the same in the log.
+/// A missing caller is handled here too, as a nil value. A host object in a handle is described like one that
+/// is passed by its address, so the same object always looks the same in the log.
 void appendValueCaller(TextBuilder& out, const NSObject& value, StringView method) {
     const NameSpan name = ownClassName(value);
     const StringView className(name.start, name.length);

@@ -46,8 +46,8 @@ CallerReference callerOf(const LogCaller* self, StringView function) noexcept {
 
 bool ZQTraceCondition::ask() const { return Question(*this).ask(*this); }
 
-// The header calls this when the condition is not known to fail, so it is asked here whether it holds. The
-// keys that are on come from the same query, not from the cache, which has no room for them.
+// The header calls this if the condition is not known to fail, so it is evaluated here. The keys that are on
+// come from the same query, not from the cache, which has no room for them.
 void ZQTraceCondition::write(const LogCaller* self, StringView function, StringView format,
                              ArgumentList arguments) const {
     Question question(*this);

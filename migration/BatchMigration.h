@@ -14,7 +14,7 @@
 
 namespace ZQFoundation::detail {
 
-/// Migrates all files with one extension below a folder, one after the other.
+/// Migrates all files with one extension below a folder, one after another.
 ///
 /// A move works in windows: the files of a window are copied, flushed to the disk together, and then removed
 /// at the source, in order.
@@ -44,7 +44,7 @@ public:
 
     BatchMigration(const Options& options, Observer& observer) : options_(options), observer_(observer) {}
 
-    /// Migrates the files one after the other; the observer learns of each. Call it once.
+    /// Migrates the files one after another; the observer is notified of each. Call it once.
     void run();
 
     /// Reports to the observer what `run` would do with each file in the present state. Changes nothing.

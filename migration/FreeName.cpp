@@ -19,8 +19,8 @@ std::size_t bytesOf(const NSString& name) {
 } // namespace
 
 // A name is shortened at composed characters, so that no accent is separated from its letter. The counter and
-// the extension are never cut: without the one the name would be taken, without the other the file of another
-// type.
+// the extension are never cut: without the counter the name would be taken, without the extension the file
+// would have another type.
 NSString numberedName(const NSString& stem, std::int64_t counter, const NSString& extension) {
     NSString front = stem;
     NSString name = numberedPath(front, " ", counter, extension);

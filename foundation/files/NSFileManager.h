@@ -198,7 +198,7 @@ public:
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
         const NSDictionary& directoryAttributes, detail::Flag deepCreate);
 
-    /// Creates every missing folder of the standardized path, one after the other **from the root folder
+    /// Creates every missing folder of the standardized path, one after another **from the root folder
     /// on**: a relative path "a/b" is created as "/a/b". True for an empty path. Stops at the first failure
     /// with false; folders created before it stay.
     bool recursivelyCreateDirectoriesInPath(StringView path);

@@ -18,7 +18,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// The conversions of one format, run one after the other.
+/// The conversions of one format, run one after another.
 class Conversions {
 public:
     Conversions(TextBuilder& out, ArgumentList arguments, const FormatLocale* locale) noexcept

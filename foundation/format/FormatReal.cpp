@@ -220,7 +220,7 @@ void appendDecimalReal(TextBuilder& out, const FormatSpec& spec, Real value, con
         layOutGeneral(parts, number, digits, spec);
         break;
     }
-    // A point with nothing after it is written only on request.
+    // A point with nothing after it is written only if requested.
     parts.hasPoint = spec.has(formatAlternate) ||
                      parts.fractionZerosBefore + parts.fractionCount + parts.fractionZerosAfter != 0;
     appendParts(out, spec, std::signbit(value), parts, locale);

@@ -149,7 +149,7 @@ HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
     std::uint64_t value = 0;
     for (; at < length && hexDigitValue(units[at]) >= 0; ++at) {
         const auto digit = static_cast<std::uint64_t>(hexDigitValue(units[at]));
-        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | digit; // a greater number is the greatest one
+        value = value >> 60 != 0 ? UINT64_MAX : value << 4 | digit; // a larger number saturates
     }
     return {value, at == digits ? NSNotFound : at};
 }

@@ -262,8 +262,8 @@ void CharacterSetPages::setCategories(CategoryMask categories) {
 }
 
 void CharacterSetPages::combine(const CharacterSetBody& other, bool isUnion) {
-    // For a union a full page decides and an empty one changes nothing; for an intersection it is the other
-    // way round.
+    // For a union, a full page decides and an empty one changes nothing; for an intersection, the reverse is
+    // true.
     const std::size_t deciding = isUnion ? 1 : 0; // such a page on either side is the result
     const std::size_t neutral = 1 - deciding;
     for (std::size_t page = 0; page < codePages; ++page) {

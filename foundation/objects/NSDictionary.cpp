@@ -20,7 +20,7 @@ TableBody* tableBody(detail::Body* body) noexcept { return static_cast<TableBody
 NSDictionary::NSDictionary(std::initializer_list<NSDictionaryEntry> entries) {
     NSMutableDictionary builder;
     for (const NSDictionaryEntry& entry : entries) {
-        // Later entries win, as if set one after the other.
+        // Later entries win, as if set one after another.
         builder.setObject_forKey(entry.value, entry.key);
     }
     *this = builder.dictionary();

@@ -172,7 +172,7 @@ std::vector<char32_t> foldedPoints(const AsciiOrUtf16& text, const SearchOptions
     return points;
 }
 
-/// Finds occurrences one after the other, overlapping ones too, without examining any place twice.
+/// Finds occurrences one after another, overlapping ones too, without examining any place twice.
 class FoldedSearch {
 public:
     FoldedSearch(const UnitView& text, std::size_t start, const std::vector<char32_t>& wanted,
@@ -261,7 +261,7 @@ NSRange lastRangeOfFolded(const UnitView& text, std::size_t start, const std::ve
                           const SearchOptions& options) {
     NSRange last = nowhere;
     std::size_t from = text.length();
-    // Folding may make several points of one stretch, never the other way round.
+    // Folding may make several points of one stretch, but never one point of several stretches.
     std::size_t stretches = wanted.size(); // a match has no more
     while (last.location == NSNotFound && from > start) {
         from = stretchesBefore(text, start, from, stretches, options);

@@ -66,7 +66,7 @@ std::string joined(const std::vector<std::string>& parts) {
     return tag;
 }
 
-// Returns the name itself when the table lacks it, so that tables can be applied one after the other.
+// Returns the name itself when the table lacks it, so that tables can be applied one after another.
 template <std::size_t count>
 std::string codeFor(const std::string& name, const Alias (&table)[count]) {
     for (const Alias& alias : table) {

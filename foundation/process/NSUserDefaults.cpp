@@ -146,7 +146,7 @@ NSObject NSUserDefaults::objectForKey(StringView key) const {
         return nullptr;
     }
     const detail::CallerState callerState;
-    // The domains are searched one after the other, so that for a key on the command line no file is checked.
+    // The domains are searched one after another, so that for a key on the command line no file is checked.
     if (NSObject value = commandLineDomain().objectForKey(key)) {
         return value;
     }

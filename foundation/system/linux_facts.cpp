@@ -123,7 +123,7 @@ namespace {
 struct HandedArguments {
     int count;
     char** strings;
-    int copied; ///< the number of them, one after the other, each with its NUL
+    int copied; ///< the number of them, one after another, each with its NUL
     char copies[4096];
 };
 constinit HandedArguments handed{};

@@ -31,7 +31,7 @@ constexpr std::size_t bufferBytes = std::size_t{128} << 10;
 /// A file that grows while it is copied is followed this many times, not forever.
 constexpr int maxExtensions = 16;
 
-/// The most that one call is asked to move; the kernel stops a little below 2 GiB anyway.
+/// The maximum number of bytes for one call; the kernel stops a little below 2 GiB anyway.
 constexpr std::size_t maxAtOnce = std::size_t{1} << 30;
 
 /// The same while somebody watches.

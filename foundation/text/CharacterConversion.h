@@ -12,7 +12,8 @@
 /// Opening a conversion takes locks of the C library's own and may load a module from disk. A child forked
 /// while another thread holds them inherits the locks held and would wait in its first conversion forever, as
 /// in any other call of `iconv_open`. The forms that matter there (Unicode, ASCII, Latin-1, NEXTSTEP, Symbol)
-/// do not come here, and the other encodings of one byte for each character only once a process.
+/// do not use these functions, and the other encodings of one byte for each character use them only once in a
+/// process.
 namespace ZQFoundation::detail {
 
 /// Converts all the bytes to units. False, with `out` unspecified, for bytes that are invalid in the

@@ -224,7 +224,8 @@ constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConve
 template <class Unit>
 constexpr const Unit* readFormatConversion(const Unit* at, const Unit* end,
                                            FormatConversion& conversion) noexcept {
-    // All modifiers are below '@' and all letters from there on, so most conversions get by with one look.
+    // All modifiers are below '@' and all letters from there on, so one comparison is enough for most
+    // conversions.
     if (at != end && *at < Unit{'@'}) {
         readFormatModifiers(at, end, conversion);
     }

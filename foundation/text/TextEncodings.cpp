@@ -152,7 +152,7 @@ bool getConvertedUnits(const TextEncoding& encoding, ByteTable::Units& units) {
         return false;
     }
     if (encoding.form == EncodingForm::macRoman) {
-        // What the C library takes for a Greek letter and for a unit of private use.
+        // What the C library reads as a Greek letter and as a unit of private use.
         units[0xC6] = 0x2206;
         units[0xDB] = 0x20AC;
         units[0xF0] = 0xF8FF;

@@ -31,8 +31,7 @@ namespace ZQFoundation {
 /// reserved: today they are copied.
 ///
 /// The instant is rounded to the nearest millisecond first, half up. Weeks begin on Monday, and the first one
-/// of a year is that of its first Thursday. A zone without a name of its own is written as its offset:
-/// GMT+5:30.
+/// of a year is that of its first Thursday. A zone without a name is written as its offset: GMT+5:30.
 ///
 /// Only one thread may set it up; after that, any number of threads may use it at the same time.
 class ZQFOUNDATION_EXPORT NSDateFormatter {

@@ -39,7 +39,7 @@ struct Cursor {
 
     bool takeNumber(int min, int max, int& number) noexcept {
         const char* const start = at;
-        // Three digits are the most that any limit has; more are an error and not a greater number.
+        // No limit has more than three digits; more digits are an error, not a larger number.
         number = takeDigits(at, end, 3);
         return at != start && number >= min && number <= max;
     }

@@ -23,8 +23,8 @@ static_assert(maxCalendarSeconds <= INT64_MAX - 2 * 366 * secondsPerDay - 2 * ma
 } // namespace
 
 WideInteger wallSecondsFromFields(const WallFields& fields) noexcept {
-    // Whole cycles of years are set aside, so the calendar itself is asked about small years only.
-    // Two sums of years below 400: the calendar gets at most 798.
+    // Whole cycles of years are set aside, so the calendar itself only gets small years. Two sums of years
+    // below 400: the calendar gets at most 798.
     const std::int64_t years = floorDivide(fields.month, 12);
     const std::int64_t cycles = floorDivide(fields.year, yearsPerCycle) + floorDivide(years, yearsPerCycle);
     const std::int64_t yearOfCycles =

@@ -5,7 +5,7 @@
 
 extern "C" {
 
-/// Interrupts `threads` threads, one after the other, `interruptions` times each. Returns the number of lines
+/// Interrupts `threads` threads, one after another, `interruptions` times each. Returns the number of lines
 /// that the handler has written, or a negative number when a call in it returned a wrong result.
 long storm(int threads, int interruptions);
 }

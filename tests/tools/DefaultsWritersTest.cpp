@@ -48,7 +48,7 @@ void expectSuccess(const std::vector<pid_t>& children) {
     }
 }
 
-/// Several processes, each of which runs the tool for keys of its own, one after the other. `prepare` is
+/// Several processes, each of which runs the tool for keys of its own, one after another. `prepare` is
 /// called in each before.
 template <class Prepare>
 void writeSideBySide(int writers, int keys, const Prepare& prepare) {

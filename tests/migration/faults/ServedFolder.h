@@ -36,7 +36,7 @@ struct ServedTraits {
     bool ignoresCase = false; ///< names are kept in lower case
 };
 
-/// Answers the kernel's requests, one after the other, by the same operations on the files of a folder.
+/// Answers the kernel's requests, one after another, by the same operations on the files of a folder.
 class FolderServer {
 public:
     FolderServer(int device, const std::string& folder, const ServedTraits& traits)
