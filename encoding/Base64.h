@@ -24,8 +24,9 @@ extern "C" [[nodiscard]] ZQFOUNDATION_EXPORT char* NewBase64Encode(const void* b
                                                                    int separateLines,
                                                                    std::uint64_t* outputLength) noexcept;
 
-/// Decodes a Base64 text of `length` bytes; with -1, the text ends at its zero byte. Bytes outside the
-/// alphabet, including "=", are skipped; two or three characters at the end give one or two bytes.
+/// Decodes a Base64 text of `length` bytes; with -1, the text ends at its zero byte. A null pointer is an
+/// empty text. Bytes outside the alphabet, including "=", are skipped; two or three characters at the end
+/// give one or two bytes.
 ///
 /// **The length is one less than the number of bytes decoded if something to skip follows the last complete
 /// group of four characters**, such as a line break; for a text of nothing but foreign bytes it is the

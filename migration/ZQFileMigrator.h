@@ -175,9 +175,9 @@ public:
     [[nodiscard]] static NSString uniquePathForPath_usingIntermediateString(const NSString& path,
                                                                             StringView intermediateString);
     /// The path if nothing exists there, else the first free one with a counter from 1 to `maxAttempts`; nil
-    /// if all are taken. It is made of the path without its extension, the intermediate string, the counter,
-    /// "." and the extension. **The "." is added even without an extension.** Nothing is created: another
-    /// process may take the path.
+    /// if all are taken. It is made of the path without its extension, the intermediate string (which may be
+    /// nil), the counter, "." and the extension. **The "." is added even without an extension.** Nothing is
+    /// created: another process may take the path.
     [[nodiscard]] static NSString
     uniquePathForPath_usingIntermediateString_maxAttempts(const NSString& path, StringView intermediateString,
                                                           std::uint64_t maxAttempts);

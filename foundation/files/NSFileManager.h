@@ -108,9 +108,10 @@ inline constexpr const char* NSFileTypeUnknown = "NSFileTypeUnknown";
 ///     if (!files.removeItemAtPath_error(path, &reason)) ...
 ///
 /// A path is used as it is: "~" is not expanded, a relative one is relative to the current folder. Nil, the
-/// empty path, U+0000 and unpaired surrogates that represent no byte of a file name make every operation
-/// fail. Failures are false or nil, never exceptions; `errorText`, where an operation has it and it is not
-/// null, then says what went wrong ("/a/b: Permission denied"), and becomes nil on success.
+/// empty path, U+0000 and unpaired surrogates that represent no byte of a file name make every operation fail
+/// unless its comment says otherwise. Failures are false or nil, never exceptions; `errorText`, where an
+/// operation has it and it is not null, then says what went wrong ("/a/b: Permission denied"), and becomes
+/// nil on success.
 ///
 /// Paths may be of any length. Any thread may call any operation at any time; `errno` is preserved. Between
 /// two calls other processes may change what is there.
@@ -199,8 +200,8 @@ public:
         const NSDictionary& directoryAttributes, detail::Flag deepCreate);
 
     /// Creates every missing folder of the standardized path, one after another **from the root folder
-    /// on**: a relative path "a/b" is created as "/a/b". True for an empty path. Stops at the first failure
-    /// with false; folders created before it stay.
+    /// on**: a relative path "a/b" is created as "/a/b". True for an empty or nil path. Stops at the first
+    /// failure with false; folders created before it stay.
     bool recursivelyCreateDirectoriesInPath(StringView path);
 
     /// @}

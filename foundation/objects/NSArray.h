@@ -11,7 +11,8 @@ namespace ZQFoundation {
 
 class NSMutableArray;
 
-/// An immutable, ordered collection of values, none of them nil.
+/// An immutable, ordered collection of values, none of them nil. Operations on a nil array raise nothing and
+/// return nil, 0 or false. Any number of threads may read an array.
 ///
 /// `NSArray{"a", 1}` holds two elements. Traps: `NSArray{}` is nil (an empty array is `NSArray::array()`),
 /// and whether `NSArray{other}` with a single array nests or copies depends on the compiler:
@@ -76,7 +77,7 @@ public:
     /// NSInvalidArgumentException for a nil object.
     NSArray arrayByAddingObject(const NSObject& object) const;
 
-    /// The elements' descriptions with the separator between them.
+    /// The elements' descriptions with the separator between them, which may be nil.
     ///
     ///     NSArray{"b", 2}.componentsJoinedByString(", ");  // "b, 2"
     NSString componentsJoinedByString(StringView separator) const;
@@ -112,12 +113,13 @@ public:
     /// The first element; nil if there is none.
     NSObject firstObject() const;
 
-    /// A mutable copy with the first of each group of equal elements, in order.
+    /// A mutable copy with the first of each group of equal elements, in order; empty for nil.
     ///
     ///     NSArray{3, 1, 3}.arrayByRemovingDuplicateObjects().array();  // 3, 1
     NSMutableArray arrayByRemovingDuplicateObjects() const;
 
-    /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. Nil has none.
+    /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. A nil argument has
+    /// none; on nil, the same.
     NSComparisonResult compareCount(const NSArray& other) const noexcept;
 
     /// @}

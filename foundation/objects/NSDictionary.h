@@ -121,8 +121,8 @@ public:
     ///     NSDictionary{{"n", 5000000000}}.integerForKey("n");  // 705032704: the low 32 bits
     std::int64_t integerForKey(StringView key) const;
 
-    /// The key if the dictionary has no value for it, else nil, **whether or not a key with a counter is
-    /// free**.
+    /// The key if the dictionary, which may be nil, has no value for it; else nil, **whether or not a key
+    /// with a counter is free**.
     NSString uniqueKeyForKey_usingIntermediateString(const NSString& key,
                                                      StringView intermediateString) const;
 

@@ -62,7 +62,7 @@ public:
     NSString stringValue() const;
 
     /// Compares by numeric value across all kinds. NaN is the same as NaN and less than every number that is
-    /// not negative.
+    /// not negative. The same if either is nil.
     NSComparisonResult compare(const NSNumber& other) const noexcept;
 
     /// Whether `compare` finds both the same. False if either is nil.

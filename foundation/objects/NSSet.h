@@ -94,7 +94,8 @@ public:
     /// @{
 
     /// The string if it is not a member, else the first concatenation of string, intermediate string and
-    /// counter that is not one, the counter from 1 to `maxAttempts`; nil if all are members.
+    /// counter that is not one, the counter from 1 to `maxAttempts`; nil if all are members. A nil set has no
+    /// members; a nil intermediate string is empty.
     ///
     ///     const NSSet names{"a", "a 1"};
     ///     names.uniqueStringForString_usingIntermediateString_maxAttempts("a", " ", 10);  // "a 2"

@@ -70,7 +70,8 @@ struct DependentType {
 namespace ZQFoundation {
 
 /// An immutable sequence of UTF-16 code units. Lengths, indexes and characters count units; an unpaired
-/// surrogate and U+0000 are ordinary units.
+/// surrogate and U+0000 are ordinary units. Operations on nil raise nothing and return nil, 0, false,
+/// `NSOrderedSame`, `{NSNotFound, 0}` or an empty C++ string. Any number of threads may read a string.
 class ZQFOUNDATION_EXPORT NSString : public NSObject {
 public:
     constexpr NSString() noexcept = default;
@@ -161,8 +162,8 @@ public:
     /// The UTF-8 form; unpaired surrogates as U+FFFD; empty for nil.
     std::string utf8() const;
 
-    /// Writes the exact UTF-8 form to `out`. False, with `out` unchanged, if there is an unpaired surrogate,
-    /// which has none.
+    /// Writes the exact UTF-8 form to `out`. False, with `out` unchanged, for nil and if there is an unpaired
+    /// surrogate, which has none.
     bool getUTF8(std::string& out) const;
 
     /// The bytes of the text as a file name, the inverse of `stringWithFileSystemBytes`; false for nil,
@@ -192,7 +193,8 @@ public:
     /// as an empty one.
     NSComparisonResult compare(StringView other) const;
 
-    /// Orders by code points, both texts folded to lower case first.
+    /// Orders by code points, both texts folded to lower case first. A nil argument is the same as an empty
+    /// one.
     NSComparisonResult caseInsensitiveCompare(StringView other) const;
 
     /// Whether the text begins with the other one, by units; false for an empty or nil argument.
@@ -243,12 +245,12 @@ public:
     NSRange rangeOfCharacterFromSet_options_range(const NSCharacterSet& set, unsigned options,
                                                   NSRange range) const;
 
-    /// The pieces between the separators, including empty ones; the whole text for an empty separator.
+    /// The pieces between the separators, including empty ones; the whole text for an empty or nil separator.
     ///
     ///     NSString("a,b,,c").componentsSeparatedByString(",");  // "a", "b", "", "c"
     NSArray componentsSeparatedByString(StringView separator) const;
 
-    /// The text without members of the set at either end, however many there are.
+    /// The text without members of the set at either end, however many there are. Unchanged for a nil set.
     NSString stringByTrimmingCharactersInSet(const NSCharacterSet& set) const;
 
     /// The number of bytes in the encoding, without a byte-order mark; 0 if the text cannot be converted.
@@ -294,13 +296,13 @@ public:
     /// string.
     NSString stringByDeletingLastPathComponent() const;
 
-    /// Both with one "/" between them, squeezed: "a/" and "/x" become "a/x".
+    /// Both with one "/" between them, squeezed: "a/" and "/x" become "a/x". A nil component adds nothing.
     NSString stringByAppendingPathComponent(StringView component) const;
 
     /// The components: "/", "a", "b" for "/a//b"; a final slash is a separate component "/".
     NSArray pathComponents() const;
 
-    /// The components joined as by `stringByAppendingPathComponent`; empty ones are ignored.
+    /// The components joined as by `stringByAppendingPathComponent`; empty ones are ignored. Empty for nil.
     static NSString pathWithComponents(const NSArray& components);
 
     /// The text after the last "." of the last component, unless that "." is its first character.
@@ -409,10 +411,11 @@ public:
     ///     NSString("    x").trimLeftCharactersOfCharacterSet(whitespace);  // " x": three of the four spaces
     NSString trimLeftCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
-    /// The text without members at the end, however many there are.
+    /// The text without members at the end, however many there are. Unchanged for a nil set.
     NSString trimRightCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
-    /// Trimmed at the start with the limit of `trimLeftCharactersOfCharacterSet`, then at the end.
+    /// Trimmed at the start with the limit of `trimLeftCharactersOfCharacterSet`, then at the end. Unchanged
+    /// for a nil set.
     NSString trimCharactersOfCharacterSet(const NSCharacterSet& set) const;
 
     /// `trimCharactersOfCharacterSet` for `NSCharacterSet::whitespaceAndControlCharacterSet`.
@@ -443,8 +446,8 @@ public:
     ///     NSString("a\r\nb\n").componentsSeparatedByLineBreak();  // "a", "b", ""
     NSArray componentsSeparatedByLineBreak() const;
 
-    /// The pieces between runs of members: a run is one separator. The empty string has no pieces. Replaces
-    /// the platform's own rule.
+    /// The pieces between runs of members: a run is one separator. The whole text for a nil set; the empty
+    /// string has no pieces. Replaces the platform's own rule.
     NSArray componentsSeparatedByCharacterSet(const NSCharacterSet& set) const;
 
     /// The pieces between runs of white space, as by `componentsSeparatedByCharacterSet`; newlines are not
@@ -466,7 +469,8 @@ public:
     /// The empty string stays empty.
     NSString addMissingNewline() const;
 
-    /// **Longer strings come first:** NSOrderedAscending when this one has more units. Nil has none.
+    /// **Longer strings come first:** NSOrderedAscending when this one has more units. A nil argument has
+    /// none; on nil, the same.
     NSComparisonResult compareLength(StringView other) const noexcept;
 
     /// The piece `count` times; nil for a nil piece and a negative count. Raises NSMallocException when
@@ -521,7 +525,7 @@ public:
 
     /// @name Localized texts
     /// The key's text in the table `Localizable` of the main bundle, in the user's language; the key itself
-    /// if it is missing there.
+    /// if it is missing there; the empty string for a nil key.
     /// @{
 
     /// The localized text.

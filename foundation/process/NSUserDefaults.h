@@ -76,7 +76,7 @@ public:
     void setObject_forKey(const NSObject& value, const NSString& key);
 
     /// Removes the key from the application's domain, for this process, whatever its file contains, until
-    /// `synchronize` removes it there. Other domains may still have a value.
+    /// `synchronize` removes it there. Other domains may still have a value. A nil key is ignored.
     void removeObjectForKey(StringView key);
 
     /// Saves what this process has set and removed in the application's domain since the last success: only
@@ -94,7 +94,8 @@ public:
     bool synchronize(NSString* error = nullptr);
 
     /// Adds values that are used when no other domain has one; a later registration of a key replaces the
-    /// earlier one. Raises NSInvalidArgumentException for values that no property list can hold.
+    /// earlier one. Nil adds none. Raises NSInvalidArgumentException for values that no property list can
+    /// hold.
     void registerDefaults(const NSDictionary& values);
 
 private:
