@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Creating folders, with the missing ones on the way or without.
+// Creating folders, with or without the missing parent folders.
 #include <string>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Paths taken apart and put together as texts.
+// Taking paths apart and putting them together as texts.
 #include <string>
 #include <vector>
 

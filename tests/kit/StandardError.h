@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Something else in the place of standard error, and the lines that are written there.
+// Replaces standard error by something else, and reads the lines that are written there.
 #ifndef ZQFOUNDATION_TESTS_KIT_STANDARDERROR_H
 #define ZQFOUNDATION_TESTS_KIT_STANDARDERROR_H
 

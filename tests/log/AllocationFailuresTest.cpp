@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Memory that ends at any allocation: the call fails or does without, keeps no lock and no descriptor, and
+// Memory runs out at any allocation: the call fails or works without it, keeps no lock and no descriptor, and
 // the same call works when there is memory again.
 #include "foundation/time/NSDateFormatter.h"
 #include "foundation/time/NSTimeZone.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What belongs to the host is after every call as it was before.
+// After every call, what belongs to the host is as it was before.
 #include <algorithm>
 #include <cfenv>
 #include <clocale>

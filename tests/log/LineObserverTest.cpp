@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Sending lines elsewhere: the observer gets each line of the channel after it is written, outside every
-// lock, and its context may go when it is replaced.
+// lock, and its context may be destroyed when it is replaced.
 #include "foundation/process/LineObserver.h"
 
 #include <exception>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where a log file belongs and how it is called.
+// Where a log file belongs and how it is named.
 #include "tests/kit/Items.h"
 #include "tests/kit/Values.h"
 #include "tests/log/LogScene.h"

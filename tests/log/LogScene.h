@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the tests of the log share: the monitor seen by other threads, numbered lines, the size of a work.
+// What the tests of the log share: the monitor seen by other threads, numbered lines, the amount of work.
 #ifndef ZQFOUNDATION_TESTS_LOG_LOGSCENE_H
 #define ZQFOUNDATION_TESTS_LOG_LOGSCENE_H
 

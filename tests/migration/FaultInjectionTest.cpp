@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Migrations of which any one system call fails, all from one on fail, some transfer less than they were
-// asked to, or one is the last; and the same migration once more after that: see docs/faults.md.
+// Migrations in which one system call fails, all calls fail from one on, calls transfer less than requested,
+// or the process is killed before a call; and the same migration once more after that: see docs/faults.md.
 #include <string>
 #include <vector>
 

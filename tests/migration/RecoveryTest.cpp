@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Recovery of what an ended process has left over.
+// Recovery of what a killed process has left.
 #include "migration/Recovery.h"
 
 #include <fcntl.h>

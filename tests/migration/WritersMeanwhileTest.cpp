@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Migrations of files with which somebody goes on working: adds, saves, rewrites, appends, moves and swaps,
-// before every single call of the migration, and in a race with it. What was there after each step of
-// the writer must be found afterwards, at the source, at the destination or beside either.
+// Migrations of files that somebody keeps working on: adds, saves, rewrites, appends, moves and swaps, before
+// every single call of the migration, and in a race with it. What was there after each step of the writer
+// must be found afterwards, at the source, at the destination or beside either.
 #include <functional>
 #include <random>
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The notes of an earlier release move, all or later, and none is lost.
+// The notes of an earlier release are moved, at once or later, and none is lost.
 #include "examples/Notes/model/OldNotes.h"
 
 #include <map>

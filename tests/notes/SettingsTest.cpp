@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Settings and trace keys act at once and stay.
+// Settings and trace keys take effect at once and are saved.
 #include "examples/Notes/model/Settings.h"
 
 #include <gtest/gtest.h>

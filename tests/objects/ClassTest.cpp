@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Classes as values, and what a value that is not a class answers.
+// Classes as values, and what a value that is not a class returns.
 #include "foundation/objects/Class.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bytes that mean harm: a clean failure or a sane value, soon and in little memory.
+// Hostile bytes: a clean failure or a sane value, quickly and with little memory.
 #include <time.h>
 
 #include <string>

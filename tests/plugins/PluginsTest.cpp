@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Plugins that each bring the shared library along share one state.
+// Plugins that each load the shared library share one state.
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"

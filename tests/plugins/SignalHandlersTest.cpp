@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A signal handler may log, ask and have texts returned, whatever the interrupted thread was doing, and
-// however the library got into the process.
+// A signal handler may log, query trace keys and get texts returned, whatever the interrupted thread was
+// doing, and however the library was loaded into the process.
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/Sanitizers.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where units of the calendar begin and how long they last, where clocks are changed above all.
+// Where units of the calendar begin and how long they last, especially where the clocks change.
 #include <gtest/gtest.h>
 
 #include "tests/time/CalendarTesting.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The zone of a formatter, dates that are none, and threads.
+// The zone of a formatter, invalid dates, and threads.
 #include "foundation/time/NSDateFormatter.h"
 
 #include <atomic>

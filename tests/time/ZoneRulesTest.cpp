@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Zone files read: changes, footers, and data that lie.
+// Reading zone files: changes, footers, and invalid data.
 #include "foundation/time/ZoneRules.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a person at a terminal sees of `zqmigrate`: the bar, and what becomes of Ctrl-C.
+// What a person at a terminal sees of `zqmigrate`: the bar, and what Ctrl-C does.
 #include <algorithm>
 #include <csignal>
 #include <string>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Intercepts the functions that read the environment, which another thread of a host may be changing, and
-// counts who calls them. Exits with 0 when no log call and no trace question did after the first ones.
+// counts who calls them. Exits with 0 if no log call and no trace-key query did so after the first ones.
 #include <cstdlib>
 
 #include <dlfcn.h>

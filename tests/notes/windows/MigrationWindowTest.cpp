@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The window that moves the notes of an earlier release: it can be stopped, goes on, and says what stays.
+// The window that moves the notes of an earlier release: it can be stopped and resumed, and says what was not
+// moved.
 #include "examples/Notes/windows/MigrationWindow.h"
 
 #include <fcntl.h>

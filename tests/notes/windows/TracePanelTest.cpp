@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The switches of the trace keys act at once and stay.
+// The switches of the trace keys take effect at once and are saved.
 #include "examples/Notes/windows/TracePanel.h"
 
 #include "tests/notes/windows/Scene.h"

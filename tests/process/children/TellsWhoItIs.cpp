@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A host that asks for its facts for the first time in a bad moment, and prints what it learns then and
+// A host that asks for its facts for the first time at a bad moment, and prints what it learns then and
 // later.
 #include <cstdio>
 #include <cstdlib>
