@@ -12,6 +12,9 @@
 ///     ZQFoundation::ZQLog::logWithFormat("opened %@", entry.get_text());   // a Glib::ustring
 ///     label.set_text(name.as<Glib::ustring>());
 ///     ZQFoundation::logMessagesOfGLib();
+#include <cmath>
+#include <string_view>
+
 #include <glib.h>
 #if __has_include(<glibmm/ustring.h>)
 #include <glibmm/datetime.h>
@@ -33,10 +36,15 @@ inline NSObject objectOf(GVariant* variant);
 
 namespace ZQFoundation::detail {
 
+inline NSObject childOf(GVariant* container, gsize index) {
+    GVariant* const child = g_variant_get_child_value(container, index);
+    const NSObject value = objectOf(child);
+    g_variant_unref(child);
+    return value;
+}
+
 inline NSObject elementOf(GVariant* container, gsize index) {
-    GVariant* const element = g_variant_get_child_value(container, index);
-    const NSObject value = objectOf(element);
-    g_variant_unref(element);
+    const NSObject value = childOf(container, index);
     return value ? value : NSNull::null();
 }
 
@@ -63,7 +71,7 @@ inline NSObject membersOf(GVariant* container) {
     const gsize count = g_variant_n_children(container);
     if (g_variant_classify(container) == G_VARIANT_CLASS_MAYBE ||
         g_variant_classify(container) == G_VARIANT_CLASS_VARIANT) {
-        return count == 0 ? NSObject() : elementOf(container, 0);
+        return count == 0 ? NSObject() : childOf(container, 0);
     }
     NSMutableArray elements(count);
     for (gsize i = 0; i < count; ++i) {
@@ -111,8 +119,9 @@ inline NSObject objectOf(GVariant* variant) {
 }
 
 /// A variant of the value, with a floating reference like any new one: "s", "b", "x", "t", "d", "ay", "av",
-/// "a{sv}"; dates are "x", microseconds since 1970. Null for nil and for values that are none of these; the
-/// null object is an empty maybe. U+0000 ends a text.
+/// "a{sv}"; dates are "x", microseconds since 1970. Null for nil, for values that are none of these, and for
+/// a date beyond 64 bits; an array or a dictionary is made without them. The null object is an empty maybe.
+/// U+0000 ends a text.
 inline GVariant* variantOf(const NSObject& object) {
     if (const NSNumber number(object); number) {
         return number.isBoolean() ? g_variant_new_boolean(number.boolValue())
@@ -145,7 +154,9 @@ inline GVariant* variantOf(const NSObject& object) {
         return g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, data.bytes(), data.length(), 1);
     }
     if (const NSDate date(object); date) {
-        return g_variant_new_int64(static_cast<gint64>(date.timeIntervalSince1970() * 1e6));
+        const double microseconds = std::round(date.timeIntervalSince1970() * 1e6);
+        return std::fabs(microseconds) < 0x1p63 ? g_variant_new_int64(static_cast<gint64>(microseconds))
+                                                : nullptr;
     }
     const NSString text(object);
     return text                  ? g_variant_new_string(text.utf8().c_str())
@@ -213,17 +224,23 @@ struct ObjectConversion<Variant> {
 
 /// Writes everything that GLib, GTK and the host log with `g_message`, `g_warning` and the like as lines of
 /// the log: "Gtk: warning: ...", after the log's own prefix. Debug and info messages are written for the
-/// domains that G_MESSAGES_DEBUG names, as GLib itself does. Call it once: GLib accepts one writer per
-/// process.
+/// domains that G_MESSAGES_DEBUG names, as GLib itself does. A message that G_DEBUG or, before this call,
+/// `g_log_set_always_fatal` made fatal ends the process. Call it once: GLib accepts one writer per process.
 inline void logMessagesOfGLib() {
+    static GLogLevelFlags fatal;
+    fatal = g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK)); // the only way to read it
+    g_log_set_always_fatal(fatal);
     g_log_set_writer_func(
         [](GLogLevelFlags level, const GLogField* fields, gsize count, gpointer) -> GLogWriterOutput {
             const char* domain = nullptr;
             StringView message;
+            bool isFatal = (level & fatal) != 0;
             for (const GLogField* field = fields; field != fields + count; ++field) {
                 const char* const bytes = static_cast<const char*>(field->value);
                 if (std::string_view(field->key) == "GLIB_DOMAIN") {
                     domain = bytes;
+                } else if (std::string_view(field->key) == "GLIB_OLD_LOG_API") {
+                    isFatal = false; // its functions end the process themselves
                 } else if (std::string_view(field->key) == "MESSAGE") {
                     message = field->length < 0 ? StringView(bytes)
                                                 : StringView(bytes, static_cast<std::size_t>(field->length));
@@ -239,6 +256,9 @@ inline void logMessagesOfGLib() {
                                      : (level & G_LOG_LEVEL_INFO) != 0     ? "info"
                                                                            : "debug";
             ZQLog::logWithFormat("%s: %s: %@", domain == nullptr ? "glib" : domain, kind, message);
+            if (isFatal) {
+                G_BREAKPOINT(); // as GLib's own writer does
+            }
             return G_LOG_WRITER_HANDLED;
         },
         nullptr, nullptr);

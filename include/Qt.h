@@ -78,7 +78,8 @@ struct ObjectConversion<QByteArray> {
     }
 };
 
-/// To the millisecond, as in Qt; an invalid one is nil. Converted back, it is in UTC.
+/// To the millisecond, as in Qt; an invalid one is nil. Converted back, it is in UTC, and invalid for a date
+/// that Qt has no room for.
 template <>
 struct ObjectConversion<QDateTime> {
     static NSDate object(const QDateTime& time) {
@@ -88,8 +89,10 @@ struct ObjectConversion<QDateTime> {
     }
     static QDateTime fromObject(const NSObject& object) {
         const NSDate date(object);
-        return date ? QDateTime::fromMSecsSinceEpoch(qRound64(date.timeIntervalSince1970() * 1000), Qt::UTC)
-                    : QDateTime();
+        const double milliseconds = date.timeIntervalSince1970() * 1000;
+        return date && qAbs(milliseconds) < 0x1p63
+                   ? QDateTime::fromMSecsSinceEpoch(qRound64(milliseconds), Qt::UTC)
+                   : QDateTime();
     }
 };
 
@@ -116,7 +119,7 @@ struct ObjectConversion<QList<T>> {
     static QList<T> fromObject(const NSObject& object) {
         QList<T> list;
         for (const NSObject& element : object.as<NSArray>()) {
-            list.append(element.as<T>());
+            list.append(detail::elementAs<T>(element));
         }
         return list;
     }
@@ -140,7 +143,7 @@ struct QtMapConversion {
     static Map fromObject(const NSObject& object) {
         Map map;
         for (const NSDictionaryEntry& entry : object.as<NSDictionary>()) {
-            map.insert(entry.key.as<QString>(), entry.value.as<typename Map::mapped_type>());
+            map.insert(entry.key.as<QString>(), detail::elementAs<typename Map::mapped_type>(entry.value));
         }
         return map;
     }
@@ -191,8 +194,11 @@ struct ObjectConversion<QVariant> {
         case QMetaType::QVariantMap:
         case QMetaType::QVariantHash:
             return variant.toMap();
-        default:
-            return variant.canConvert<QString>() ? NSObject(variant.toString()) : NSObject();
+        default: // also lists and maps of one type, which Qt converts
+            return variant.canConvert<QString>()        ? NSObject(variant.toString())
+                   : variant.canConvert<QVariantMap>()  ? NSObject(variant.toMap())
+                   : variant.canConvert<QVariantList>() ? NSObject(variant.toList())
+                                                        : NSObject();
         }
     }
     static QVariant fromObject(const NSObject& object) {

@@ -16,9 +16,11 @@
 ///
 /// Formatters: where the standard library has <format>, and {fmt} where its header is included above this
 /// one.
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <system_error>
 #include <type_traits>
@@ -33,17 +35,19 @@
 
 namespace ZQFoundation::detail {
 
-/// What a value converts back to, besides the types with their own conversion.
+/// Whether the type reaches that far; infinite numbers and not-a-numbers are numbers of every real type.
 template <class T>
-concept ReturnedNumber = std::is_arithmetic_v<T> && !isCharacter<T> && !std::is_same_v<T, long double>;
+bool holdsReal(double number) {
+    return !std::isfinite(number) || std::fabs(number) <= static_cast<double>(std::numeric_limits<T>::max());
+}
 
-/// Whether the type can represent the number without truncation.
+/// Whether the number is within the type's range and, for whole numbers, one of its own.
 template <ReturnedNumber T>
 bool holdsNumber(const NSNumber& number) {
     if constexpr (std::is_same_v<T, bool>) {
         return number.isBoolean();
     } else if constexpr (std::is_floating_point_v<T>) {
-        return static_cast<bool>(number);
+        return number && holdsReal<T>(number.doubleValue());
     } else if constexpr (std::is_signed_v<T>) {
         return number && number == NSNumber(static_cast<T>(number.longLongValue()));
     } else {
@@ -51,17 +55,42 @@ bool holdsNumber(const NSNumber& number) {
     }
 }
 
-template <ReturnedNumber T>
-T numberAs(const NSNumber& number) {
-    if constexpr (std::is_same_v<T, bool>) {
-        return number.boolValue();
-    } else if constexpr (std::is_floating_point_v<T>) {
-        return static_cast<T>(number.doubleValue());
-    } else if constexpr (std::is_signed_v<T>) {
-        return static_cast<T>(number.longLongValue());
-    } else {
-        return static_cast<T>(number.unsignedLongLongValue());
+/// From 1970 to the reference instant of dates.
+inline constexpr double referenceSeconds = 978307200;
+
+/// The whole units in these seconds, which are not negative or count from 1970, rounded down. One more, if
+/// what is missing is no more than what doubles of that size (or of `leastSize`) leave out.
+template <class Duration>
+double ticksOf(double seconds, double leastSize) {
+    using Period = typename Duration::period;
+    const double perSecond = static_cast<double>(Period::den) / static_cast<double>(Period::num);
+    const double ticks = seconds * perSecond;
+    if constexpr (std::chrono::treat_as_floating_point_v<typename Duration::rep>) {
+        return ticks;
     }
+    const double missing = std::max(std::fabs(seconds), leastSize) * perSecond * 0x1p-52;
+    const double below = std::floor(ticks);
+    return ticks - below >= 1 - std::min(missing, 0.5) ? below + 1 : below;
+}
+
+/// Whether a duration has room for that number of units.
+template <class Duration>
+bool holdsTicks(double ticks) {
+    using Rep = typename Duration::rep;
+    if constexpr (std::chrono::treat_as_floating_point_v<Rep>) {
+        return holdsReal<Rep>(ticks);
+    } else { // its greatest number may be no double; the one after it is a power of two
+        return ticks >= static_cast<double>(std::numeric_limits<Rep>::min()) &&
+               ticks < std::ldexp(1.0, std::numeric_limits<Rep>::digits);
+    }
+}
+
+template <class Duration>
+Duration durationOf(double ticks) {
+    if (holdsTicks<Duration>(ticks)) {
+        return Duration(static_cast<typename Duration::rep>(ticks));
+    }
+    return ticks > 0 ? Duration::max() : ticks < 0 ? Duration::min() : Duration::zero();
 }
 
 } // namespace ZQFoundation::detail
@@ -97,10 +126,15 @@ struct ObjectConversion<std::filesystem::path> {
         return object.as<NSString>().getFileSystemBytes(bytes) ? std::filesystem::path(bytes)
                                                                : std::filesystem::path();
     }
+    static bool isHeld(const NSObject& object) {
+        std::string bytes;
+        return object.as<NSString>() && object.as<NSString>().getFileSystemBytes(bytes);
+    }
 };
 
-/// A time of the system's clock is a date. Back: rounded toward the past to the clock's precision; 1970 for
-/// anything but a date.
+/// A time of the system's clock is a date. On the way back, what is finer than the clock is rounded toward
+/// the past, unless it is less than what a date can tell apart (a quarter of a microsecond); a date beyond
+/// the clock's range is its nearest time, and anything but a date is 1970.
 template <class Duration>
 struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Duration>> {
     using Time = std::chrono::time_point<std::chrono::system_clock, Duration>;
@@ -109,16 +143,19 @@ struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Durat
             std::chrono::duration<double>(time.time_since_epoch()).count());
     }
     static Time fromObject(const NSObject& object) {
-        const std::chrono::duration<double> since1970(object.as<NSDate>().timeIntervalSince1970());
-        if constexpr (std::chrono::treat_as_floating_point_v<typename Duration::rep>) {
-            return Time(std::chrono::duration_cast<Duration>(since1970));
-        } else {
-            return Time(std::chrono::floor<Duration>(since1970));
-        }
+        const double seconds = object.as<NSDate>().timeIntervalSince1970();
+        return Time(
+            detail::durationOf<Duration>(detail::ticksOf<Duration>(seconds, detail::referenceSeconds)));
+    }
+    static bool isHeld(const NSObject& object) {
+        const NSDate date(object);
+        return date && detail::holdsTicks<Duration>(
+                           detail::ticksOf<Duration>(date.timeIntervalSince1970(), detail::referenceSeconds));
     }
 };
 
-/// A duration is a number of seconds, and back.
+/// A duration is a number of seconds. On the way back, what is finer than its unit is cut, unless the number
+/// is as close to the next unit as a real number comes; a number beyond its range is its longest.
 template <class Rep, class Period>
 struct ObjectConversion<std::chrono::duration<Rep, Period>> {
     using Duration = std::chrono::duration<Rep, Period>;
@@ -126,12 +163,21 @@ struct ObjectConversion<std::chrono::duration<Rep, Period>> {
         return std::chrono::duration<double>(duration).count();
     }
     static Duration fromObject(const NSObject& object) {
-        return std::chrono::duration_cast<Duration>(
-            std::chrono::duration<double>(object.as<NSNumber>().doubleValue()));
+        return detail::durationOf<Duration>(ticksOf(object));
+    }
+    static bool isHeld(const NSObject& object) {
+        return NSNumber(object) && detail::holdsTicks<Duration>(ticksOf(object));
+    }
+
+private:
+    static double ticksOf(const NSObject& object) {
+        const double seconds = object.as<NSNumber>().doubleValue();
+        return std::copysign(detail::ticksOf<Duration>(std::fabs(seconds), 0), seconds);
     }
 };
 
-/// The seconds from one date to another, and dates that much later or earlier; nil for a nil date.
+/// The seconds from one date to another, and dates that much later or earlier. Nil is as long ago as the
+/// reference instant in a difference, and stays nil in a sum.
 inline std::chrono::duration<double> operator-(const NSDate& left, const NSDate& right) noexcept {
     return std::chrono::duration<double>(left.timeIntervalSinceDate(right));
 }
@@ -155,7 +201,8 @@ struct ObjectConversion<std::error_code> {
     }
 };
 
-/// The value or nil. Back: nothing for nil, for a value of another kind, and for a number that does not fit.
+/// The value or nil. Back: nothing for nil, for a value of another kind, and for a number, date or text that
+/// the type has no room for.
 template <class T>
 struct ObjectConversion<std::optional<T>> {
     static NSObject object(const std::optional<T>& value) { return value ? NSObject(*value) : NSObject(); }
@@ -167,6 +214,8 @@ struct ObjectConversion<std::optional<T>> {
         } else if constexpr (std::is_base_of_v<NSObject, T>) {
             const T value(object);
             return value ? std::optional<T>(value) : std::nullopt;
+        } else if constexpr (requires { ObjectConversion<T>::isHeld(object); }) {
+            return ObjectConversion<T>::isHeld(object) ? std::optional<T>(object.as<T>()) : std::nullopt;
         } else {
             // The kind of value that the type makes is the kind that it comes back from.
             return object.className() == NSObject(T()).className() ? std::optional<T>(object.as<T>())
@@ -183,11 +232,7 @@ struct ObjectConversion<std::vector<T>> {
     static std::vector<T> fromObject(const NSObject& object) {
         std::vector<T> elements;
         for (const NSObject& element : object.as<NSArray>()) {
-            if constexpr (detail::ReturnedNumber<T>) {
-                elements.push_back(detail::numberAs<T>(NSNumber(element)));
-            } else {
-                elements.push_back(element.as<T>());
-            }
+            elements.push_back(detail::elementAs<T>(element));
         }
         return elements;
     }

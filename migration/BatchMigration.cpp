@@ -47,11 +47,23 @@ bool BatchMigration::openSource() {
     return files_.has_value();
 }
 
-// The window is finished at the end however the loop ends: what was copied is not left in two places.
+// The window is finished at the end however the loop ends: what was copied is not left in two places. An
+// observer that has thrown is called no more.
 void BatchMigration::run() {
     if (!openSource()) {
         return;
     }
+    try {
+        migrateItems();
+        finishWindow();
+    } catch (...) {
+        isObserved_ = false;
+        finishWindow();
+        throw;
+    }
+}
+
+void BatchMigration::migrateItems() {
     while (files_->nextItem()) {
         struct stat target;
         if (files_->getLinkTarget(target) && isSourcePending(target)) {
@@ -65,7 +77,6 @@ void BatchMigration::run() {
         }
         migrateItem();
     }
-    finishWindow();
 }
 
 // Each file is planned as if it were alone. What one file of a run does to another, which may take its name,
@@ -183,14 +194,23 @@ bool BatchMigration::isWindowFull() const noexcept {
 void BatchMigration::finishWindow() {
     std::vector<std::pair<dev_t, bool>> flushed;
     for (const Pending& each : window_) {
-        isFlushed(*each.migration, flushed);
+        if (each.migration) {
+            isFlushed(*each.migration, flushed);
+        }
     }
-    for (const Pending& each : window_) {
-        each.migration->announceCopy();
-        const ZQFileMigrationRetvalType code = isFlushed(*each.migration, flushed)
-                                                   ? each.migration->removeSource()
+    for (Pending& each : window_) {
+        // Taken out, for the observer may throw: a file is finished once.
+        const std::unique_ptr<ItemMigration> migration = std::move(each.migration);
+        if (!migration) {
+            continue;
+        }
+        migration->announceCopy();
+        const ZQFileMigrationRetvalType code = isFlushed(*migration, flushed)
+                                                   ? migration->removeSource()
                                                    : kFileMigrationSourceFileCannotBeRemoved;
-        observer_.didMigrate(each.path, code, each.migration->destination());
+        if (isObserved_) {
+            observer_.didMigrate(each.path, code, migration->destination());
+        }
     }
     window_.clear();
     windowBytes_ = 0;

@@ -51,7 +51,7 @@ public:
     void plan();
 
 private:
-    /// A file of the current window: copied, but not yet removed at the source.
+    /// A file of the current window: copied, but not yet removed at the source; then without its migration.
     struct Pending {
         NSString path;
         std::unique_ptr<ItemMigration> migration;
@@ -66,6 +66,7 @@ private:
     bool openSource();
     std::unique_ptr<ItemMigration> migrationOfItem();
     DestinationFolder& destinationOfItem();
+    void migrateItems();
     void migrateItem();
     ZQFileMigrationRetvalType copyItem(std::unique_ptr<ItemMigration>& migration);
     bool isSourcePending(const struct stat& item) const noexcept;
@@ -76,6 +77,7 @@ private:
     const Options& options_;
     Observer& observer_;
     bool changesNothing_ = false;
+    bool isObserved_ = true;
     std::optional<MigratedFiles> files_;
     std::vector<Level> levels_;
     std::vector<Pending> window_;

@@ -12,8 +12,8 @@ namespace ZQFoundation {
 enum ZQFileMigrationRetvalType : std::uint32_t {
     kFileMigrationSuccess = 0, ///< migrated
 
-    kFileMigrationSourceNotSpecified = 1,      ///< the source is nil or empty
-    kFileMigrationDestinationNotSpecified = 2, ///< the destination is nil or empty
+    kFileMigrationSourceNotSpecified = 1,      ///< the source is nil; an empty one does not exist
+    kFileMigrationDestinationNotSpecified = 2, ///< the destination is nil; an empty one has no parent folder
 
     kFileMigrationSourceDoesNotExist = 10,        ///< nothing exists at the source
     kFileMigrationSourceParentDoesNotExist = 11,  ///< returned by no operation
@@ -53,14 +53,15 @@ struct ZQMigrationProgress {
 };
 
 /// Follows a migration, for a window or a terminal. Called on the thread that migrates, with no lock held. An
-/// exception that leaves it ends the migration like a stop, and propagates to the caller.
+/// exception that leaves it ends the migration like a stop, and propagates to the caller; it is called no
+/// more.
 class ZQMigrationObserver {
 public:
     virtual ~ZQMigrationObserver() = default;
 
-    /// Called before each item, including those inside a folder, and after every few megabytes of a large
-    /// file. False stops the migration: a copy in progress is removed, its source stays, and what was moved
-    /// stays moved.
+    /// Called before each item, including those inside a folder, after every few megabytes of a large file,
+    /// and when a file's data are copied. False stops the migration: a copy in progress is removed, its
+    /// source stays, and what was moved stays moved.
     virtual bool migrationMayContinue(const ZQMigrationProgress& progress) = 0;
 
     /// The result of one file, or of one folder as a whole. In a batch that moves, results arrive up to a few

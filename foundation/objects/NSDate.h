@@ -51,10 +51,10 @@ public:
         return kind_ == detail::Kind::date ? payload_.real + timeIntervalBetween1970AndReferenceDate : 0;
     }
 
-    /// Seconds from the other date to this one, negative if this one is earlier. A nil date counts as the
-    /// reference instant.
+    /// Seconds from the other date to this one, negative if this one is earlier; 0 for nil. If the other date
+    /// is nil, it counts as the reference instant.
     NSTimeInterval timeIntervalSinceDate(const NSDate& other) const noexcept {
-        return timeIntervalSinceReferenceDate() - other.timeIntervalSinceReferenceDate();
+        return *this ? timeIntervalSinceReferenceDate() - other.timeIntervalSinceReferenceDate() : 0;
     }
 
     /// The earlier date comes first; the same if either is nil.

@@ -126,4 +126,35 @@ public:
 
 } // namespace ZQFoundation
 
+namespace ZQFoundation::detail {
+
+/// What a value converts back to, besides the types with their own conversion.
+template <class T>
+concept ReturnedNumber = std::is_arithmetic_v<T> && !isCharacter<T> && !std::is_same_v<T, long double>;
+
+template <ReturnedNumber T>
+T numberAs(const NSNumber& number) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return number.boolValue();
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(number.doubleValue());
+    } else if constexpr (std::is_signed_v<T>) {
+        return static_cast<T>(number.longLongValue());
+    } else {
+        return static_cast<T>(number.unsignedLongLongValue());
+    }
+}
+
+/// An element of a collection as a type of the host: numbers as by a cast, others by `as`.
+template <class T>
+T elementAs(const NSObject& element) {
+    if constexpr (ReturnedNumber<T>) {
+        return numberAs<T>(NSNumber(element));
+    } else {
+        return element.as<T>();
+    }
+}
+
+} // namespace ZQFoundation::detail
+
 #endif

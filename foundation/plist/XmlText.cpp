@@ -4,9 +4,13 @@
 // allow.
 #include "foundation/plist/XmlText.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "foundation/objects/AsciiOrUtf16.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/plist/NSPropertyListSerialization.h"
+#include "foundation/plist/PropertyListError.h"
 #include "foundation/plist/ValueWalk.h"
 #include "foundation/text/Surrogates.h"
 
@@ -14,10 +18,10 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-/// The keys and indexes on the way to where the walk is: "Windows[2].Title".
-std::string placeOf(const ValueWalk& walk) {
+/// The keys and indexes on the way to where the walk is, or the first of them: "Windows[2].Title".
+std::string placeOf(const ValueWalk& walk, std::size_t levels = SIZE_MAX) {
     std::string text;
-    for (std::size_t level = 0; level < walk.depth(); ++level) {
+    for (std::size_t level = 0; level < std::min(walk.depth(), levels); ++level) {
         if (const NSObject* const key = walk.keyAt(level); key != nullptr) {
             text.append(text.empty() ? "" : ".").append(NSString(*key).utf8());
         } else {
@@ -61,6 +65,20 @@ bool areTextsFit(const NSDictionary& dictionary, NSString* error) {
     return true;
 }
 
+/// The place of the first value that no property list holds. For one that is nested too deep, its key in the
+/// dictionary.
+std::string placeOfRefusal(const NSDictionary& dictionary) {
+    ValueWalk walk(dictionary);
+    while (walk.next()) {
+        if (walk.event() == ValueWalk::Event::leaf &&
+            !NSPropertyListSerialization::dataWithPropertyList_format(walk.value(),
+                                                                      NSPropertyListXMLFormat_v1_0)) {
+            return placeOf(walk);
+        }
+    }
+    return placeOf(walk, walk.depth() < maxPropertyListDepth ? SIZE_MAX : 1);
+}
+
 } // namespace
 
 bool getXmlText(const NSDictionary& dictionary, std::string& bytes, NSString* error) {
@@ -72,7 +90,8 @@ bool getXmlText(const NSDictionary& dictionary, std::string& bytes, NSString* er
         dictionary, NSPropertyListXMLFormat_v1_0, &reason);
     if (!data) {
         if (error != nullptr) {
-            *error = NSString::stringWithFormat("this cannot be written: %@", reason);
+            *error =
+                NSString::stringWithFormat("%@ cannot be written: %@", placeOfRefusal(dictionary), reason);
         }
         return false;
     }

@@ -229,8 +229,8 @@ bool LockedFile::writeTemporary(const std::string& temporary, const std::string&
 
 bool LockedFile::replace(const NSDictionary& dictionary, NSString* error) const {
     std::string bytes;
-    if (!getXmlText(dictionary, bytes, error)) {
-        return false;
+    if (NSString reason; !getXmlText(dictionary, bytes, &reason)) {
+        return refuse(error, "%@: %@", path_, reason);
     }
     if (bytes.size() > static_cast<std::size_t>(maxFileBytes)) {
         // Refused before anything is written, because it could not be read again.

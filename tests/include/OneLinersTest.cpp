@@ -6,9 +6,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <list>
 #include <map>
 #include <numeric>
+#include <random>
 #include <set>
 #include <sstream>
 #include <unordered_map>
@@ -125,8 +128,48 @@ TEST(OneLiners, numbersAreComparedAndComeBack) {
     EXPECT_EQ(NSObject("a").as<std::optional<NSString>>(), NSString("a"));
     EXPECT_EQ(NSNumber(std::chrono::milliseconds(1500)), 1.5);
     EXPECT_EQ(NSNumber(1.5).as<std::chrono::milliseconds>(), 1500ms);
+    EXPECT_EQ(NSNumber(1.9999).as<std::chrono::seconds>(), 1s);
+    EXPECT_EQ(NSNumber(-1.9999).as<std::chrono::seconds>(), -1s);
     EXPECT_EQ(NSObject(std::optional<int>(5)), 5);
     EXPECT_FALSE(NSObject(std::optional<int>()));
+}
+
+TEST(OneLiners, timesAndDurationsComeBackAsTheyWere) {
+    using Micro = std::chrono::sys_time<std::chrono::microseconds>;
+    using Milli = std::chrono::sys_time<std::chrono::milliseconds>;
+    std::mt19937_64 random(1);
+    for (std::int64_t i = 0; i < 100'000; ++i) {
+        ASSERT_EQ(NSObject(i * 1ms).as<std::chrono::milliseconds>(), i * 1ms);
+        ASSERT_EQ(NSObject(-i * 1us).as<std::chrono::microseconds>(), -i * 1us);
+        const auto since1970 = static_cast<std::int64_t>(random() % 4'000'000'000'000'000U) -
+                               2'000'000'000'000'000; // 1906 to 2033
+        const Micro micro(since1970 * 1us);
+        ASSERT_EQ(NSDate(micro).as<Micro>(), micro);
+        const Milli milli(since1970 / 1000 * 1ms);
+        ASSERT_EQ(NSDate(milli).as<Milli>(), milli);
+        ASSERT_EQ(NSDate(micro).as<std::chrono::sys_days>(), std::chrono::floor<std::chrono::days>(micro));
+    }
+}
+
+TEST(OneLiners, whatNoTypeHasRoomForIsItsExtreme) {
+    using Time = std::chrono::system_clock::time_point;
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const NSDate far = NSDate::dateWithTimeIntervalSince1970(1e11);
+    EXPECT_EQ(NSDate(Time::max()).as<Time>(), Time::max());
+    EXPECT_EQ(NSDate(Time::min()).as<Time>(), Time::min());
+    EXPECT_EQ(far.as<Time>(), Time::max());
+    EXPECT_EQ((epoch - 1e11s).as<Time>(), Time::min());
+    EXPECT_EQ(far.as<std::optional<Time>>(), std::nullopt);
+    EXPECT_EQ(epoch.as<std::optional<Time>>(), Time());
+    EXPECT_EQ(NSObject("a").as<std::optional<Time>>(), std::nullopt);
+    EXPECT_EQ(NSObject(1e300).as<std::chrono::nanoseconds>(), std::chrono::nanoseconds::max());
+    EXPECT_EQ(NSObject(-infinity).as<std::chrono::nanoseconds>(), std::chrono::nanoseconds::min());
+    EXPECT_EQ(NSObject(std::nan("")).as<std::chrono::seconds>(), 0s);
+    EXPECT_EQ(NSObject(1e300).as<std::optional<std::chrono::seconds>>(), std::nullopt);
+    EXPECT_EQ(NSObject(5).as<std::optional<std::chrono::seconds>>(), 5s);
+    EXPECT_EQ(NSObject(1e300).as<std::optional<float>>(), std::nullopt);
+    EXPECT_EQ(NSObject(infinity).as<std::optional<float>>(), std::numeric_limits<float>::infinity());
+    EXPECT_EQ(NSString(std::string("a\0b", 3)).as<std::optional<std::filesystem::path>>(), std::nullopt);
 }
 
 TEST(OneLiners, datesAreTimes) {

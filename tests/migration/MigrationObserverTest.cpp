@@ -141,3 +141,38 @@ TEST_F(MigrationObserver, mayEndAMigrationByAnException) {
         static_cast<void>(ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &thrower)), int);
     EXPECT_EQ(contents(), before);
 }
+
+// In both ways, the files are in a window by then: copied, and not yet removed.
+TEST_F(MigrationObserver, leavesNothingInTwoPlacesWhenItEndsABatchByAnException) {
+    struct Thrower : ZQMigrationObserver {
+        bool throwsBefore = false;
+        int calls = 0;
+        bool migrationMayContinue(const ZQMigrationProgress& progress) override {
+            return progress.items < 4 || !throwsBefore || fail();
+        }
+        void migrationDidFinish(const NSString&, ZQFileMigrationRetvalType, const NSString&) override {
+            ++calls;
+            fail();
+        }
+        [[noreturn]] static bool fail() { throw 7; }
+    };
+    for (const bool throwsBefore : {true, false}) {
+        for (const char* name : {"a", "b", "c", "d", "e", "f"}) {
+            folder.file(std::string("from/") + name, name);
+        }
+        Thrower thrower;
+        thrower.throwsBefore = throwsBefore;
+        EXPECT_THROW(static_cast<void>(ZQFileMigrator::migrateFiles(nullptr, folder / "from", folder / "to",
+                                                                    {.createDestinationParentFolder = true},
+                                                                    &thrower)),
+                     int);
+        EXPECT_EQ(thrower.calls, throwsBefore ? 0 : 1) << "it is called no more";
+        EXPECT_EQ(contents("from").size() - 1 + contents("to").size() - 1, 6U);
+        const ZQBatchMigrationResult rest =
+            ZQFileMigrator::migrateFiles(nullptr, folder / "from", folder / "to", {});
+        EXPECT_EQ(contents("from").size(), 1U);
+        EXPECT_EQ(rest.codes.count(), throwsBefore ? 3U : 0U);
+        EXPECT_EQ(contents("to").size(), 7U);
+        scene::removeTree(folder / "to");
+    }
+}

@@ -76,6 +76,8 @@ TEST(NSDate, countsFromItsReferenceInstant) {
     EXPECT_EQ(date.timeIntervalSince1970(), 978307201.5);
     EXPECT_EQ(date.timeIntervalSinceDate(at(1)), 0.5);
     EXPECT_EQ(at(1).timeIntervalSinceDate(date), -0.5);
+    EXPECT_EQ(NSDate().timeIntervalSinceDate(date), 0);
+    EXPECT_EQ(date.timeIntervalSinceDate(nullptr), 1.5);
 }
 
 TEST(NSDate, nowIsTheClockOfTheMachine) {

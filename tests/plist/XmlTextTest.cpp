@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSArray.h"
+#include "foundation/objects/NSDate.h"
 #include "foundation/plist/XmlReader.h"
 
 namespace {
@@ -53,8 +54,18 @@ TEST(XmlText, namesThePlaceOfACharacterThatXmlCannotHold) {
     EXPECT_NE(refusal({{text(2), "value"}}).find("holds the character U+0002" + tail), std::string::npos);
 }
 
-TEST(XmlText, refusesWhatNoPropertyListHolds) {
-    EXPECT_EQ(refusal({{"Key", NSNull::null()}}).find("this cannot be written: "), 0U);
+TEST(XmlText, namesThePlaceOfWhatNoPropertyListHolds) {
+    EXPECT_TRUE(refusal({{"Key", NSNull::null()}}).starts_with("Key cannot be written: "));
+    EXPECT_TRUE(
+        refusal({{"A", "text"},
+                 {"Key",
+                  NSArray{1, NSDictionary{{"when", NSDate::dateWithTimeIntervalSinceReferenceDate(1e15)}}}}})
+            .starts_with("Key[1].when cannot be written: "));
+    NSArray deep{"text"};
+    for (int level = 0; level < 600; ++level) {
+        deep = NSArray::arrayWithObject(deep);
+    }
+    EXPECT_TRUE(refusal({{"A", "text"}, {"Deep", deep}}).starts_with("Deep cannot be written: "));
 }
 
 } // namespace

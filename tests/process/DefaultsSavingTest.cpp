@@ -125,7 +125,7 @@ TEST_F(DefaultsSaving, refusesWhatXmlCannotHoldAndKeepsItInMemory) {
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     defaults().setObject_forKey(NSArray{"fit", "un\x1B"}, "Unfit");
     defaults().setObject_forKey("new", "Saved");
-    expectRefusal("Unfit[1] holds the character U+001B");
+    expectRefusal("Viewer.plist: Unfit[1] holds the character U+001B");
     EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("new"));
     defaults().setObject_forKey("fit", "Unfit");
     EXPECT_TRUE(defaults().synchronize()) << "a later call tries again";

@@ -4,6 +4,9 @@
 #include <ZQFoundation/Std.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <cstdlib>
+
 using namespace ZQFoundation;
 
 namespace {
@@ -60,6 +63,7 @@ TEST(Glib, variantsBecomeValues) {
     EXPECT_EQ(read("@a{sv} {}"), NSDictionary::dictionary());
     EXPECT_EQ(read("[just 'a', nothing]"), (NSArray{"a", NSNull::null()}));
     EXPECT_FALSE(read("@ms nothing"));
+    EXPECT_FALSE(read("<@ms nothing>"));
     EXPECT_FALSE(objectOf(nullptr));
 }
 
@@ -73,6 +77,9 @@ TEST(Glib, valuesBecomeVariants) {
     EXPECT_EQ(printed(NSDictionary{{"a", NSArray::array()}}), "{'a': <@av []>}");
     EXPECT_EQ(printed(NSData::dataWithBytes_length("ab", 2)), "[byte 0x61, 0x62]");
     EXPECT_EQ(printed(NSDate::dateWithTimeIntervalSince1970(1.5)), "int64 1500000");
+    EXPECT_EQ(printed(NSDate::dateWithTimeIntervalSince1970(259202210.958)), "int64 259202210958000");
+    EXPECT_EQ(printed(NSDate::dateWithTimeIntervalSince1970(-0.000001)), "int64 -1");
+    EXPECT_EQ(printed(NSDate::dateWithTimeIntervalSince1970(1e15)), "null");
     EXPECT_EQ(printed(NSNull::null()), "@ms nothing");
     EXPECT_EQ(printed(NSObject()), "null");
     EXPECT_EQ(NSObject(Glib::Variant<Glib::ustring>::create("a")), "a");
@@ -97,4 +104,17 @@ TEST(Glib, messagesAreLinesOfTheLog) {
     EXPECT_NE(lines.find("] Host.Net: message: caf\u00e9\n"), std::string::npos) << lines;
     EXPECT_NE(lines.find("] glib: critical: bare\n"), std::string::npos) << lines;
     EXPECT_EQ(lines.find("not asked for"), std::string::npos) << lines;
+}
+
+TEST(Glib, fatalMessagesEndTheProcessAsWithoutTheLibrary) {
+    const auto warn = [](bool isFatal) {
+        g_log_set_always_fatal(static_cast<GLogLevelFlags>(isFatal ? G_LOG_LEVEL_WARNING : 0));
+        logMessagesOfGLib();
+        g_log_structured("Host", G_LOG_LEVEL_MESSAGE, "MESSAGE", "goes on");
+        g_log_structured("Host", G_LOG_LEVEL_WARNING, "MESSAGE", "last words");
+        std::exit(0);
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // each in a process that has no writer yet
+    EXPECT_EXIT(warn(true), testing::KilledBySignal(SIGTRAP), "] Host: warning: last words\n");
+    EXPECT_EXIT(warn(false), testing::ExitedWithCode(0), "] Host: warning: last words\n");
 }

@@ -4,6 +4,8 @@
 #include <ZQFoundation/Std.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using namespace ZQFoundation;
 
 namespace {
@@ -44,6 +46,9 @@ TEST(Qt, datesBothWaysToTheMillisecond) {
     EXPECT_EQ(NSDate(time).as<QDateTime>(), time);
     EXPECT_FALSE(NSDate(QDateTime()));
     EXPECT_FALSE(NSDate().as<QDateTime>().isValid());
+    for (const double tooFar : {1e300, -1e17, std::nan("")}) {
+        EXPECT_FALSE(NSDate::dateWithTimeIntervalSince1970(tooFar).as<QDateTime>().isValid()) << tooFar;
+    }
 }
 
 TEST(Qt, urlsAndBytesBothWays) {
@@ -68,6 +73,15 @@ TEST(Qt, listsAndMapsBothWays) {
     EXPECT_EQ(NSArray(QStringList{"a", "b"}).as<QStringList>(), (QStringList{"a", "b"}));
     EXPECT_EQ(NSArray(QList<QUrl>{QUrl("a:b")})[0], NSObject(NSURL::URLWithString("a:b")));
     EXPECT_EQ((NSDictionary{{"a", "b"}}.as<QMap<QString, QString>>()), (QMap<QString, QString>{{"a", "b"}}));
+    EXPECT_EQ((NSArray{1, 2}.as<QList<int>>()), (QList<int>{1, 2}));
+    EXPECT_EQ((NSDictionary{{"a", 1}}.as<QMap<QString, double>>()), (QMap<QString, double>{{"a", 1}}));
+}
+
+TEST(Qt, variantsWithListsAndMapsOfOneType) {
+    EXPECT_EQ(NSObject(QVariant::fromValue(QList<int>{1, 2})), (NSArray{1, 2}));
+    EXPECT_EQ(NSObject(QVariant::fromValue(QMap<QString, QString>{{"a", "b"}})), (NSDictionary{{"a", "b"}}));
+    EXPECT_EQ(NSObject(QVariantList{QVariant::fromValue(QList<double>{0.5})}),
+              NSArray::arrayWithObject(NSArray{0.5}));
 }
 
 TEST(Qt, variantsKeepWhatANumberIs) {
