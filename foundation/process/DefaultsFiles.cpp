@@ -39,10 +39,10 @@ std::string fileOfDomain(const NSString& domain) {
 
 // Only a settled snapshot serves: one that was read right after a change could miss another change with the
 // same stamp.
-NSDictionary DomainFile::kept(const std::string& path, const FileStamp& stamp) const {
+NSDictionary DomainFile::kept(const std::string& path, const FileStamp& stamp, bool alsoFresh) const {
     return snapshot_.read([&](const Snapshot* snapshot) {
-        const bool same =
-            snapshot != nullptr && snapshot->settled && snapshot->stamp == stamp && snapshot->path == path;
+        const bool same = snapshot != nullptr && (snapshot->settled || alsoFresh) &&
+                          snapshot->stamp == stamp && snapshot->path == path;
         return same ? snapshot->values : NSDictionary();
     });
 }
@@ -62,7 +62,13 @@ NSDictionary DomainFile::values(const std::string& path) {
         return known;
     }
     NSDictionary values;
-    if (readStampedFile(path, dictionaryFromBytes, values, stamp) != FileResult::read) {
+    const FileStamp seen = stamp;
+    switch (readStampedFile(path, dictionaryFromBytes, values, stamp)) {
+    case FileResult::read:
+        break;
+    case FileResult::exhausted:
+        return kept(path, seen, true); // most probably what the file still contains
+    case FileResult::unreadable:
         return nullptr; // not kept, so that it is read as soon as it is readable
     }
     // The stamp is the one of the file that was read, not the one that was looked up before.

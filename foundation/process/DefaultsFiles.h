@@ -37,7 +37,7 @@ private:
         NSDictionary values;
     };
 
-    NSDictionary kept(const std::string& path, const FileStamp& stamp) const;
+    NSDictionary kept(const std::string& path, const FileStamp& stamp, bool alsoFresh = false) const;
 
     Published<Snapshot> snapshot_;
     Lock reading_; // keeps threads from reading the same file at once

@@ -396,6 +396,8 @@ TEST_F(NSUserDefaultsTest, aProcessOutOfDescriptorsKeepsWhatItHasReadAndReadsLat
     writeGlobal(settling("Scarce", "global"));
     settle();
     EXPECT_EQ(textFor("Scarce"), "global");
+    writeGlobal(dictionaryFile(entry("Scarce", "fresh")));
+    EXPECT_EQ(textFor("Scarce"), "fresh");
     std::vector<int> taken;
     for (int descriptor = ::dup(0); descriptor >= 0; descriptor = ::dup(0)) {
         taken.push_back(descriptor);
@@ -405,7 +407,7 @@ TEST_F(NSUserDefaultsTest, aProcessOutOfDescriptorsKeepsWhatItHasReadAndReadsLat
     taken.pop_back();
     writeApplication(dictionaryFile(entry("Scarce", "application")));
     taken.push_back(::dup(0));
-    EXPECT_EQ(textFor("Scarce"), "global");
+    EXPECT_EQ(textFor("Scarce"), "fresh");
     for (const int descriptor : taken) {
         ::close(descriptor);
     }
