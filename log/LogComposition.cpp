@@ -7,6 +7,7 @@
 #include "foundation/format/Format.h"
 #include "foundation/objects/DynamicTypeName.h"
 #include "foundation/process/LineWriter.h"
+#include "foundation/text/Digits.h"
 #include "log/LogGates.h"
 #include "log/ZQLog.h"
 
@@ -18,15 +19,11 @@ namespace {
 /// hand, because a format would have to be parsed for each line with a caller.
 void appendAddress(TextBuilder& out, const void* address) {
     char text[2 + 2 * sizeof address];
-    std::size_t first = sizeof text;
-    auto rest = reinterpret_cast<std::uintptr_t>(address);
-    do {
-        text[--first] = "0123456789abcdef"[rest & 15];
-        rest >>= 4;
-    } while (rest != 0);
-    text[--first] = 'x';
-    text[--first] = '0';
-    out.appendAscii(text + first, sizeof text - first);
+    char* const end = text + sizeof text;
+    char* start = writeHexBefore(reinterpret_cast<std::uintptr_t>(address), end);
+    *--start = 'x';
+    *--start = '0';
+    out.appendAscii(start, static_cast<std::size_t>(end - start));
 }
 
 /// The method is what the caller says it is; an empty one appears as nothing, a nil one as missing.

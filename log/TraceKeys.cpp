@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "foundation/objects/Bodies.h"
+#include "foundation/objects/DecimalText.h"
 #include "foundation/process/NSUserDefaults.h"
 #include "foundation/system/Lock.h"
-#include "foundation/text/NumberText.h"
 #include "log/TraceTable.h"
 #include "log/ZQLog.h"
 
@@ -214,9 +214,8 @@ void appendJoined(TextBuilder& out, const TraceKeyList& keys, char separator, co
 }
 
 void appendLevel(TextBuilder& out, StringView relation, std::int64_t level) {
-    char digits[numberTextCapacity];
     out.append(relation);
-    out.appendAscii(digits, static_cast<std::size_t>(writeInt64(level, digits) - digits));
+    appendDecimal(out, level);
 }
 
 } // namespace

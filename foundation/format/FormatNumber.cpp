@@ -3,6 +3,7 @@
 // Lengths are counted before anything is written, because padding comes first.
 #include "foundation/format/FormatNumber.h"
 
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 #include "foundation/text/Utf.h"
 
@@ -119,7 +120,7 @@ std::uint64_t cut(std::uint64_t value, FormatLength length, bool isSigned) noexc
 
 /// Octal for 3 bits per digit, hexadecimal for 4. Writes backwards from `end`, nothing for 0.
 char* writePowerOfTwoBase(std::uint64_t value, int bits, bool upperCase, char* end) noexcept {
-    const char* const digits = upperCase ? "0123456789ABCDEF" : "0123456789abcdef";
+    const char* const digits = upperCase ? upperHexDigits : lowerHexDigits;
     for (; value != 0; value >>= bits) {
         *--end = digits[value & ((1U << bits) - 1)];
     }

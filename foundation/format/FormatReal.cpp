@@ -6,6 +6,7 @@
 
 #include "foundation/format/FormatDecimal.h"
 #include "foundation/format/FormatNumber.h"
+#include "foundation/text/Digits.h"
 #include "foundation/text/NumberText.h"
 
 namespace ZQFoundation::detail {
@@ -305,7 +306,7 @@ void appendHexadecimal(TextBuilder& out, const FormatSpec& spec, Real value, int
     } else {
         dropZeros(number);
     }
-    const char* const digits = upperCase ? "0123456789ABCDEF" : "0123456789abcdef";
+    const char* const digits = upperCase ? upperHexDigits : lowerHexDigits;
     // All hexadecimal digits of the widest mantissa.
     char text[sizeof(Wide) * 2 + 2];
     std::size_t count = 0;

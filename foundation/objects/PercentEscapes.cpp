@@ -18,7 +18,6 @@ namespace ZQFoundation::detail {
 namespace {
 
 constexpr std::size_t escapeLength = 3;
-constexpr char hexDigits[] = "0123456789ABCDEF";
 
 /// The initial table: a copy is made faster than a new one.
 constexpr EscapeTable everyEscape;
@@ -135,8 +134,8 @@ struct HexValues {
             value = none;
         }
         for (unsigned char value = 0; value < 16; ++value) {
-            values[static_cast<unsigned char>(hexDigits[value])] = value;
-            values[static_cast<unsigned char>("0123456789abcdef"[value])] = value;
+            values[static_cast<unsigned char>(upperHexDigits[value])] = value;
+            values[static_cast<unsigned char>(lowerHexDigits[value])] = value;
         }
     }
 

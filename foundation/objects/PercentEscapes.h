@@ -4,6 +4,7 @@
 #define ZQFOUNDATION_OBJECTS_PERCENTESCAPES_H
 
 #include "foundation/objects/NSString.h"
+#include "foundation/text/Digits.h"
 
 namespace ZQFoundation::detail {
 
@@ -38,8 +39,7 @@ public:
     constexpr void keep(unsigned char ascii) noexcept { forms_[ascii] = {{static_cast<char>(ascii)}, 1}; }
 
     constexpr void escape(unsigned char byte) noexcept {
-        constexpr const char* digits = "0123456789ABCDEF";
-        forms_[byte] = {{'%', digits[byte >> 4], digits[byte & 15]}, 3};
+        forms_[byte] = {{'%', upperHexDigits[byte >> 4], upperHexDigits[byte & 15]}, 3};
     }
 
     constexpr const Form& operator[](std::size_t byte) const noexcept { return forms_[byte]; }
