@@ -113,6 +113,14 @@ bool isFolderOurs(int folder, int parent) {
     return true;
 }
 
+/// Gives the owner of the new folder the permissions that the list of the folder around has denied.
+bool admitOwner(const CopyPlace& place) {
+    system::HeldItem item;
+    struct stat made;
+    return item.hold(place.destinationFolder, place.destinationName) && item.getInformation(made) &&
+           S_ISDIR(made.st_mode) && made.st_uid == ::geteuid() && item.setPermissions(0700);
+}
+
 /// Whether one more descriptor is available; checked before making something that then could not be opened.
 bool hasSpareDescriptor(int open) noexcept {
     return static_cast<bool>(Descriptor(::fcntl(open, F_DUPFD_CLOEXEC, 0)));
@@ -212,8 +220,12 @@ bool makeCopyFolder(const CopyPlace& place, Descriptor& folder) {
     }
     // Not following links: somebody may have replaced the folder in between.
     folder = Descriptor(openAt(place.destinationFolder, place.destinationName, folderFlags));
+    if (!folder && errno == EACCES && admitOwner(place)) {
+        folder = Descriptor(openAt(place.destinationFolder, place.destinationName, folderFlags));
+    }
     return folder && (!place.isForeign || (isFolderOurs(folder.number(), place.destinationFolder) &&
-                                           system::removeInheritedAccessList(folder.number())));
+                                           system::removeInheritedAccessList(folder.number()) &&
+                                           ::fchmod(folder.number(), 0700) == 0)); // what the list had denied
 }
 
 } // namespace ZQFoundation::detail

@@ -249,6 +249,27 @@ TEST_F(PathCopy, whatAFolderGivesNewItemsDoesNotReachCopies) {
     EXPECT_EQ(scene::modeOf(in("d/a")), scene::modeOf(in("a")));
 }
 
+TEST_F(PathCopy, aFolderThatDeniesItsOwnerNewItemsGetsCopies) {
+    std::string list = scene::listForUser(6);
+    if (!scene::setAttribute(folder.path(), scene::listForNewItems, list)) {
+        GTEST_SKIP() << "the file system keeps no access lists";
+    }
+    char& ownersPermissions = list[6];
+    for (const int permissions : {6, 1, 0}) {
+        ownersPermissions = static_cast<char>(permissions);
+        const auto copies = [&list] {
+            const kit::ScratchFolder own;
+            own.write("t/f", "x");
+            own.makeFolder("d");
+            EXPECT_TRUE(scene::setAttribute(own / "d", scene::listForNewItems, list));
+            EXPECT_TRUE(copyItem(own / "t", own / "d/t"));
+            EXPECT_EQ(kit::contentsOf(own / "d/t/f"), "x");
+            EXPECT_EQ(scene::modeOf(own / "d/t"), scene::modeOf(own / "t"));
+        };
+        EXPECT_EQ(kit::inUnprivilegedChild(copies), 0) << permissions;
+    }
+}
+
 TEST_F(PathCopy, aCopyInProgressIsClosedToOthers) {
     folder.write("a", std::string(3 << 20, 'x'));
     ::chmod(in("a").c_str(), 0640);
