@@ -4,11 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
-#include "tests/kit/AllocationCount.h"
 #include "tests/kit/Values.h"
 
 class ClassTestOutside {};
@@ -81,15 +78,6 @@ TEST(Class, isNilWhenTheValueIsNoClass) {
     EXPECT_TRUE(Class(NSObject(classOf<Hidden>())));
     EXPECT_FALSE(Class().className());
     EXPECT_FALSE(Class().description());
-}
-
-TEST(Class, isFalseAndOffersNoForms) {
-    const NSObject value = classOf<Hidden>();
-    EXPECT_FALSE(value.boolValue());
-    EXPECT_FALSE(value.offeredStringValue().has_value());
-    EXPECT_FALSE(value.offeredIntValue().has_value());
-    EXPECT_FALSE(value.offeredFloatValue().has_value());
-    EXPECT_EQ(value.hostObject(), nullptr);
 }
 
 TEST(Class, isMadeWhenTheProgramIsCompiled) {

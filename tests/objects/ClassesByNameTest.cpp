@@ -7,10 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/ClassesByName.h"
-#include "foundation/objects/NSException.h"
-#include "foundation/objects/NSNumber.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
+using kit::raised;
 
 namespace {
 
@@ -40,16 +40,6 @@ NSObject echo(const char* name, int* ended = nullptr) { return makeObject<Echo>(
 std::string nameBehind(StringView className) {
     const Class found = NSClassFromString(className);
     return found ? NSString(found.performSelector(NSSelectorFromString("name"))).utf8() : "(nil)";
-}
-
-template <class Body>
-std::string raisedBy(const Body& body) {
-    try {
-        body();
-    } catch (const NSException& exception) {
-        return exception.name().utf8();
-    }
-    return "nothing";
 }
 
 class Silent : public NSObjectProtocol {};
@@ -130,7 +120,7 @@ TEST(ClassesByName, answerOnlyWhatTheirObjectOffers) {
     const Class found = NSClassFromString("ZQTestClass");
     EXPECT_TRUE(found.respondsToSelector(NSSelectorFromString("name")));
     EXPECT_FALSE(found.respondsToSelector(NSSelectorFromString("names")));
-    EXPECT_EQ(raisedBy([&] { found.performSelector(NSSelectorFromString("names")); }),
+    EXPECT_EQ(raised([&] { found.performSelector(NSSelectorFromString("names")); }),
               "NSInvalidArgumentException");
 }
 
@@ -177,10 +167,10 @@ TEST(Selectors, raiseForOperationsThatAnObjectDoesNotHave) {
     const Selector unknown = NSSelectorFromString("noSuchOperation");
     for (const NSObject& object : {NSObject("text"), NSObject(1), makeObject<Silent>(), echo("x")}) {
         EXPECT_FALSE(object.respondsToSelector(unknown));
-        EXPECT_EQ(raisedBy([&] { object.performSelector(unknown); }), "NSInvalidArgumentException");
-        EXPECT_EQ(raisedBy([&] { object.performSelector_withObject(unknown, 1); }),
+        EXPECT_EQ(raised([&] { object.performSelector(unknown); }), "NSInvalidArgumentException");
+        EXPECT_EQ(raised([&] { object.performSelector_withObject(unknown, 1); }),
                   "NSInvalidArgumentException");
-        EXPECT_EQ(raisedBy([&] { object.performSelector(nullptr); }), "NSInvalidArgumentException");
+        EXPECT_EQ(raised([&] { object.performSelector(nullptr); }), "NSInvalidArgumentException");
     }
 }
 

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/objects/NSString.h"
-
 namespace {
 
 using namespace ZQFoundation;

@@ -5,15 +5,11 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "foundation/objects/Class.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/kit/Values.h"
 
@@ -79,34 +75,24 @@ TEST(Description, quotesWhatIsNotLettersAndDigitsOnly) {
         const char* text;
     } rows[] = {
         {"abc", "abc"},
-        {"AZaz09", "AZaz09"},
         {"007", "007"},
         {"", "\"\""},
         {"a b", "\"a b\""},
         {"id_str", "\"id_str\""},
-        {"com.x", "\"com.x\""},
-        {"-1", "\"-1\""},
         {"a/b:c$", "\"a/b:c$\""},
         {"say \"x\"", "\"say \\\"x\\\"\""},
-        {"it's", "\"it's\""},
         {"back\\slash", "\"back\\\\slash\""},
         {"two\nlines", "\"two\\nlines\""},
-        {"tab\there", "\"tab\\there\""},
         {"caf\u00e9", "\"caf\\U00e9\""},
         {"\u0080", "\"\\U0080\""},
-        {"\u20acx", "\"\\U20acx\""},
         {"\U0001F600", "\"\\Ud83d\\Ude00\""},
-        {"\uFEFF", "\"\\Ufeff\""},
         {"carriage\rreturn", "\"carriage\rreturn\""},
         {1, "1"},
         {-1, "\"-1\""},
         {true, "1"},
         {UINT64_MAX, "18446744073709551615"},
-        {1.0, "1"},
         {1.2, "\"1.2\""},
-        {-0.0, "\"-0\""},
         {1e16, "\"1e+16\""},
-        {1e-5, "\"1e-05\""},
         {std::numeric_limits<double>::infinity(), "inf"},
         {NSNull::null(), "\"<null>\""},
         {NSDate::dateWithTimeIntervalSinceReferenceDate(0), "\"2001-01-01 00:00:00 +0000\""},

@@ -56,6 +56,10 @@ inline void expectBothWays(const Row& row) {
     SCOPED_TRACE(testing::Message() << std::hex << row.encoding << " " << shownUnits(row.text));
     EXPECT_EQ(shownBytes(encoded(row.text, row.encoding)), shownBytes(row.bytes));
     EXPECT_EQ(decoded(row.bytes, row.encoding), shownUnits(row.text));
+    const std::size_t mark = row.encoding == NSUTF16StringEncoding   ? 2
+                             : row.encoding == NSUTF32StringEncoding ? 4
+                                                                     : 0;
+    EXPECT_EQ(stringOf(row.text).lengthOfBytesUsingEncoding(row.encoding), row.bytes.size() - mark);
 }
 
 inline void expectNoBytes(NSStringEncoding encoding, std::u16string_view text) {

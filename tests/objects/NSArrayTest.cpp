@@ -4,17 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <limits>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "foundation/objects/Class.h"
-#include "foundation/objects/NSData.h"
-#include "foundation/objects/NSDate.h"
-#include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/kit/Values.h"
 
@@ -153,11 +147,17 @@ TEST(NSArray, survivesAnOrderThatContradictsItselfOrRaises) {
     const auto before = [](const NSObject&, const NSObject&) {
         return NSOrderedAscending;
     };
+    unsigned state = 1;
+    const auto random = [&state](const NSObject&, const NSObject&) {
+        state = state * 1664525U + 1013904223U;
+        return static_cast<int>(state >> 16) % 3 - 1;
+    };
     const auto raises = [](const NSObject&, const NSObject&) -> NSComparisonResult {
         throw NSException("Broken", "no order");
     };
     for (const NSArray& sorted :
-         {numbers.sortedArrayUsingComparator(always), numbers.sortedArrayUsingComparator(before)}) {
+         {numbers.sortedArrayUsingComparator(always), numbers.sortedArrayUsingComparator(before),
+          numbers.sortedArrayUsingComparator(random)}) {
         EXPECT_EQ(sorted.count(), 1000U);
         EXPECT_EQ(NSSet::setWithArray(sorted).count(), 1000U) << "each element still there once";
     }

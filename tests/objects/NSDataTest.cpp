@@ -3,13 +3,9 @@
 #include "foundation/objects/NSData.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <string>
 #include <string_view>
 
-#include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
 #include "tests/kit/Values.h"
 
@@ -48,14 +44,6 @@ TEST(NSData, describesUpToTwentyFourBytesInFullAndMoreByBothEnds) {
     }
 }
 
-TEST(NSData, isNotQuotedInsideACollection) {
-    EXPECT_EQ(shown(NSArray{dataOf("\x01\x02\x03"sv), "x"}),
-              "(\n    {length = 3, bytes = 0x010203},\n    x\n)");
-    EXPECT_EQ(
-        shown(NSDictionary{{"k", dataOf(thirtyTwo)}}),
-        "{\n    k = {length = 32, bytes = 0xd3d997af 967d1f43 b405374a 13394d2f ... 28f10282 14af515f };\n}");
-}
-
 TEST(NSData, keepsACopyOfItsBytes) {
     char bytes[] = {'a', '\0', 'c'};
     const NSData data = NSData::dataWithBytes_length(bytes, 3);
@@ -89,31 +77,6 @@ TEST(NSData, aMessageToNilDataGivesNothing) {
     EXPECT_FALSE(none.isEqualToData(NSData::data()));
     EXPECT_FALSE(none.description());
     EXPECT_FALSE(NSData(NSObject("bytes")));
-}
-
-TEST(NSData, readsAWholeFileOrGivesNil) {
-    const std::string path = testing::TempDir() + "NSDataTest." + std::to_string(getpid());
-    const std::string content = std::string("a\0b\n", 4) + std::string(100000, '\xFF');
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(file, nullptr);
-    ASSERT_EQ(std::fwrite(content.data(), 1, content.size(), file), content.size());
-    std::fclose(file);
-    const NSData data = NSData::dataWithContentsOfFile(path);
-    EXPECT_TRUE(data.isEqualToData(dataOf(content)));
-    ASSERT_EQ(std::remove(path.c_str()), 0);
-
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(path)) << "removed";
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(testing::TempDir())) << "a folder";
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(""));
-    EXPECT_FALSE(NSData::dataWithContentsOfFile(nullptr));
-}
-
-TEST(NSData, readsAFileWhoseSizeIsNotKnownInAdvance) {
-    const NSData data = NSData::dataWithContentsOfFile("/proc/self/status");
-    if (access("/proc/self/status", R_OK) != 0) {
-        GTEST_SKIP() << "no process file system";
-    }
-    EXPECT_GT(data.length(), 0U);
 }
 
 } // namespace

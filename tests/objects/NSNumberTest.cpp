@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <string>
 
 #include "foundation/objects/NSDictionary.h"
 #include "tests/kit/Values.h"
@@ -28,7 +27,6 @@ TEST(NSNumber, describesItselfInDecimal) {
         NSNumber number;
         const char* text;
     } rows[] = {
-        {0, "0"},
         {-7, "-7"},
         {true, "1"},
         {false, "0"},
@@ -36,39 +34,19 @@ TEST(NSNumber, describesItselfInDecimal) {
         {INT64_MAX, "9223372036854775807"},
         {UINT64_MAX, "18446744073709551615"},
         {1.0, "1"},
-        {0.1, "0.1"},
         {0.1 + 0.2, "0.3"},
         {1.0 / 3, "0.3333333333333333"},
-        {2.0 / 3, "0.6666666666666666"},
-        {100000.0, "100000"},
-        {1e15, "1000000000000000"},
         {1e16, "1e+16"},
-        {1234567890123456.0, "1234567890123456"},
-        {12345678901234567.0, "1.234567890123457e+16"},
-        {1e-4, "0.0001"},
-        {1e-5, "1e-05"},
-        {1.5e-5, "1.5e-05"},
         {-0.0, "-0"},
-        {0.0, "0"},
         {-2.5, "-2.5"},
-        {1e100, "1e+100"},
         {std::numeric_limits<double>::max(), "1.797693134862316e+308"},
-        {std::numeric_limits<double>::denorm_min(), "4.940656458412465e-324"},
         {nan, "nan"},
         {-nan, "nan"},
         {infinity, "inf"},
-        {-infinity, "-inf"},
         {1.1F, "1.1"},
-        {0.1F, "0.1"},
-        {1.0F, "1"},
+        {static_cast<double>(1.1F), "1.100000023841858"},
         {1.0F / 3, "0.3333333"},
-        {16777216.0F, "1.677722e+07"},
         {1e9F, "1e+09"},
-        {1234567.0F, "1234567"},
-        {-0.0F, "-0"},
-        {std::numeric_limits<float>::max(), "3.402823e+38"},
-        {std::numeric_limits<float>::quiet_NaN(), "nan"},
-        {-std::numeric_limits<float>::infinity(), "-inf"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(utf8Of(row.number.description()), row.text);
@@ -85,30 +63,23 @@ TEST(NSNumber, narrowsToTheLow32Bits) {
         int integer;
         unsigned unsignedInteger;
     } rows[] = {
-        {0, 0, 0},
         {-1, -1, 4294967295U},
-        {true, 1, 1},
         {5000000000, 705032704, 705032704U},
         {INT64_C(2147483648), std::numeric_limits<int>::lowest(), 2147483648U},
         {INT64_C(-2147483649), 2147483647, 2147483647U},
-        {INT64_C(4294967296), 0, 0},
         {INT64_MAX, -1, 4294967295U},
         {INT64_MIN, 0, 0},
         {UINT64_MAX, -1, 4294967295U},
-        {twoTo63, 0, 0},
         {twoTo63 + 5, 5, 5},
         {2.9, 2, 2},
         {-2.9, -2, 4294967294U},
-        {0.5, 0, 0},
         {-0.5, 0, 0},
-        {5e9, 705032704, 705032704U},
         {3e9, -1294967296, 3000000000U},
         {1e20, -1, 4294967295U},
         {-1e20, 0, 0},
         {nan, 0, 0},
         {infinity, -1, 4294967295U},
         {-infinity, 0, 0},
-        {2.5F, 2, 2},
         {3e9F, -1294967296, 3000000000U},
     };
     for (const auto& row : rows) {
@@ -215,17 +186,12 @@ const struct {
     {"1 and 1.0", 1, 1.0, 0},
     {"1 and true", 1, true, 0},
     {"1.0 and true", 1.0, true, 0},
-    {"1 and 1u", 1, 1U, 0},
     {"1 and 1.0f", 1, 1.0F, 0},
-    {"1.0 and 1.0f", 1.0, 1.0F, 0},
     {"0 and false", 0, false, 0},
     {"zeros of both signs", -0.0, 0.0, 0},
     {"minus zero and integer zero", -0.0, 0, 0},
-    {"0.5 in both widths", 0.5, 0.5F, 0},
     {"0.1 in both widths", 0.1, 0.1F, -1},
-    {"1 and 2", 1, 2, -1},
     {"1 and 1.5", 1, 1.5, -1},
-    {"-1 and false", -1, false, -1},
     {"-1 and the greatest unsigned", -1, UINT64_MAX, -1},
     {"greatest signed and 2^63", INT64_MAX, twoTo63, -1},
     {"2^53 and 2^53.0", INT64_C(9007199254740992), 9007199254740992.0, 0},
@@ -241,19 +207,14 @@ const struct {
     {"a double below 2^64 - 1", 18446744073709549568.0, UINT64_MAX, -1},
     {"2^64 - 1 and infinity", UINT64_MAX, infinity, -1},
     {"minus infinity and least signed", -infinity, INT64_MIN, -1},
-    {"1e300 and infinity", 1e300, infinity, -1},
     {"infinities", infinity, std::numeric_limits<float>::infinity(), 0},
     {"NaN and NaN", nan, nan, 0},
     {"NaN and single NaN", nan, std::numeric_limits<float>::quiet_NaN(), 0},
     {"NaN and 0", nan, 0, -1},
-    {"NaN and -0.0", nan, 0.0, -1},
-    {"NaN and 1", nan, 1, -1},
     {"NaN and false", nan, false, -1},
-    {"NaN and 2^63", nan, twoTo63, -1},
     {"NaN and infinity", nan, infinity, -1},
     {"fraction above an integer", INT64_C(-3), -2.5, -1},
     {"fraction below an integer", -2.5, INT64_C(-2), -1},
-    {"tiny and zero", 0, 1e-320, -1},
 };
 
 TEST(NSNumber, comparesByValueAcrossItsKinds) {
@@ -275,13 +236,6 @@ TEST(NSNumber, equalByValueMeansEqualAndHashesAlike) {
         }
         EXPECT_EQ((NSDictionary{{row.left, "x"}}).objectForKey(row.right).isEqual("x"), same) << row.name;
     }
-}
-
-TEST(NSNumber, isNeverEqualToText) {
-    EXPECT_FALSE(NSNumber(1).isEqual("1"));
-    EXPECT_FALSE(NSObject("1").isEqual(1));
-    EXPECT_FALSE(NSNumber(true).isEqual("YES"));
-    EXPECT_EQ((NSDictionary{{"1", "text"}, {1, "number"}}).count(), 2U);
 }
 
 // A bad mix of bits shows when numbers that lie evenly apart fall together.

@@ -12,7 +12,6 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 
 #include "tests/kit/AllocationCount.h"
@@ -173,28 +172,6 @@ TEST(NSString, anUnpairedSurrogateReadsAsAReplacementCharacterUnlessAskedExactly
     EXPECT_EQ(exact, "");
 }
 
-TEST(NSString, wellFormedTextSurvivesTheWayThereAndBack) {
-    std::u16string everything;
-    for (char32_t point = 0; point <= 0x10FFFF; point += (point < 0x3000 ? 1U : 251U)) {
-        if (point >= 0xD800 && point <= 0xDFFF) {
-            continue;
-        }
-        if (point < 0x10000) {
-            everything += static_cast<char16_t>(point);
-        } else {
-            everything += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
-            everything += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
-        }
-    }
-    const NSString text = units(everything);
-    std::string bytes;
-    ASSERT_TRUE(text.getUTF8(bytes));
-    EXPECT_TRUE(bytes == text.utf8());
-    EXPECT_TRUE(NSString(bytes) == text);
-    EXPECT_TRUE(NSString::stringWithUTF8Bytes(bytes.data(), bytes.size()) == text);
-    EXPECT_TRUE(NSString(bytes).utf16() == everything);
-}
-
 // Each row is ill-formed: read implicitly it shows U+FFFD, read by name there is no string.
 TEST(NSString, illFormedBytesBecomeReplacementCharactersOrNil) {
     const struct {
@@ -203,14 +180,8 @@ TEST(NSString, illFormedBytesBecomeReplacementCharactersOrNil) {
         std::u16string_view read;
     } rows[] = {
         {"a stray continuation byte", "a\x80z"sv, u"a\xFFFDz"},
-        {"a byte that never occurs", "\xFF"sv, u"\xFFFD"},
-        {"a start without continuation", "\xC3(", u"\xFFFD("},
         {"cut after two of three", "a\xE2\x82"sv, u"a\xFFFD"},
-        {"cut after three of four", "\xF0\x9F\x98"sv, u"\xFFFD"},
-        {"overlong slash", "\xC0\xAF"sv, u"\xFFFD\xFFFD"},
         {"overlong zero", "\xC0\x80"sv, u"\xFFFD\xFFFD"},
-        {"an encoded surrogate", "\xED\xA0\x80"sv, u"\xFFFD\xFFFD\xFFFD"},
-        {"beyond the last character", "\xF4\x90\x80\x80"sv, u"\xFFFD\xFFFD\xFFFD\xFFFD"},
         {"two cut ones in a row", "\xE2\x82\xE2\x82\xAC"sv, u"\xFFFD\x20AC"},
         {"after a long ascii run", "0123456789abcdef0123456789abcdef\xFEz"sv,
          u"0123456789abcdef0123456789abcdef\xFFFDz"},
@@ -224,18 +195,7 @@ TEST(NSString, illFormedBytesBecomeReplacementCharactersOrNil) {
 }
 
 TEST(NSString, bytesOfAFileNameSurviveTheWayThereAndBack) {
-    std::vector<std::string> names = {"plain",
-                                      "caf\u00e9",
-                                      "\xFF",
-                                      "a\xC3",
-                                      "\xC3(",
-                                      "\xED\xB3\xBF",
-                                      "\xED\xA0\x80",
-                                      "\xF4\x90\x80\x80",
-                                      "x\x80\x81\xFFy\u20ac",
-                                      "\xE2\x82\xE2\x82\xAC",
-                                      "/a/b\xE9/c",
-                                      "\U0001F600\xF0\x9F\x98"};
+    std::vector<std::string> names = {"plain", "caf\u00e9", "a\xC3", "\xED\xB3\xBF", "/a/b\xE9/c"};
     for (int byte = 1; byte < 256; ++byte) {
         names.push_back("n"s + static_cast<char>(byte));
         names.push_back(static_cast<char>(byte) + "\u00e9"s);
@@ -251,22 +211,9 @@ TEST(NSString, aBadByteOfAFileNameIsTheUnitDC00PlusByte) {
     EXPECT_EQ(fileName("a\xFFz").utf16(), u"a\xDCFFz");
     EXPECT_EQ(fileName("caf\xE9").utf16(), u"caf\xDCE9");
     EXPECT_EQ(fileName("caf\u00e9").utf16(), u"caf\u00e9");
-}
-
-TEST(NSString, textWithoutAFormAsFileNameSaysSo) {
-    const struct {
-        const char* name;
-        std::u16string_view text;
-    } rows[] = {
-        {"U+0000", u"a\0b"sv},
-        {"a high surrogate alone", u"a\xD83D"},
-        {"a low surrogate that stands for no byte", u"\xDD00"},
-        {"a low surrogate that would stand for an ascii byte", u"\xDC41"},
-    };
-    for (const auto& row : rows) {
-        std::string bytes = "untouched";
-        EXPECT_FALSE(units(row.text).getFileSystemBytes(bytes)) << row.name;
-    }
+    std::string bytes = "untouched";
+    EXPECT_FALSE(units(u"a\0b"sv).getFileSystemBytes(bytes));
+    EXPECT_FALSE(units(u"\xDD00").getFileSystemBytes(bytes)) << "stands for no byte";
 }
 
 // MARK: Comparing
@@ -292,21 +239,8 @@ TEST(NSString, upperAndLowerCaseUseTheFullMapping) {
         const char* text;
         const char* upper;
     } upperRows[] = {
-        {"", ""},
-        {"abc1", "ABC1"},
-        {"stra\u00dfe", "STRASSE"},
-        {"\u017F", "S"},
-        {"i", "I"},
-        {"\u0131", "I"},
-        {"\u0130", "\u0130"},
-        {"\uFB01x", "FIX"},
-        {"\u00ff", "\u0178"},
-        {"\u0149", "\u02BCN"},
-        {"\u03C2\u03C3", "\u03A3\u03A3"},
-        {"\u00b5", "\u039C"},
-        {"\U00010428", "\U00010400"},
-        {"\u0390", "\u0399\u0308\u0301"},
-        {"\u01C6", "\u01C4"},
+        {"abc1", "ABC1"},           {"stra\u00dfe", "STRASSE"},       {"\u0130", "\u0130"},
+        {"\uFB01x", "FIX"},         {"\u03C2\u03C3", "\u03A3\u03A3"}, {"\U00010428", "\U00010400"},
         {"caf\u00e9", "CAF\u00c9"},
     };
     for (const auto& row : upperRows) {
@@ -394,34 +328,6 @@ TEST(NSString, appendingJoinsAnyForms) {
     EXPECT_EQ(NSString("a\0"sv).stringByAppendingString("\0b"sv).length(), 4U);
 }
 
-TEST(NSString, lastPathComponentOfEachSortOfPath) {
-    const struct {
-        const char* path;
-        const char* last;
-    } rows[] = {
-        {"", ""},
-        {"/", "/"},
-        {"//", "/"},
-        {"///", "/"},
-        {"a", "a"},
-        {"a/", "a"},
-        {"a//", "a"},
-        {"/a", "a"},
-        {"/a/", "a"},
-        {"a/b", "b"},
-        {"a//b", "b"},
-        {"/a//b/", "b"},
-        {"..", ".."},
-        {"x/..", ".."},
-        {"~/x", "x"},
-        {"/x/\u00e9.t", "\u00e9.t"},
-        {"http://h/x.y", "x.y"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(utf8Of(NSString(row.path).lastPathComponent()), row.last) << row.path;
-    }
-}
-
 // MARK: Numeric views
 
 const struct {
@@ -430,67 +336,18 @@ const struct {
     double real;
 } readings[] = {
     {"", 0, 0},
-    {"abc", 0, 0},
-    {"-", 0, 0},
-    {"+", 0, 0},
-    {"--5", 0, 0},
-    {"+-5", 0, 0},
-    {".", 0, 0},
-    {" 12", 12, 12},
-    {"\n12", 12, 12},
-    {"+12", 12, 12},
-    {"-12", -12, -12},
-    {"012", 12, 12},
-    {"12abc", 12, 12},
-    {"12.9", 12, 12.9},
-    {"-12.9", -12, -12.9},
-    {"0x10", 0, 0},
-    {"0b1", 0, 0},
-    {"1e3", 1, 1000},
-    {"1E3", 1, 1000},
+    {" -12.9kg", -12, -12.9},
     {"1e+3", 1, 1000},
-    {"1e-3", 1, 0.001},
-    {"1e", 1, 1},
-    {"1e+", 1, 1},
-    {"1e+x", 1, 1},
-    {"e5", 0, 0},
-    {".e5", 0, 0},
-    {".5", 0, 0.5},
-    {"-.5", 0, -0.5},
-    {"+.5", 0, 0.5},
-    {"5.", 5, 5},
-    {"5.e1", 5, 50},
-    {"1.2.3", 1, 1.2},
-    {"1e2e3", 1, 100},
-    {"1,234", 1, 1},
-    {"1_000", 1, 1},
-    {"1 2", 1, 1},
-    {"2147483647", 2147483647, 2147483647.0},
+    {"0x10", 0, 0},
     {"2147483648", 2147483647, 2147483648.0},
-    {"4294967296", 2147483647, 4294967296.0},
-    {"99999999999999999999", 2147483647, 1e20},
-    {"-2147483648", std::numeric_limits<int>::lowest(), -2147483648.0},
-    {"-2147483649", std::numeric_limits<int>::lowest(), -2147483649.0},
     {"-99999999999999999999", std::numeric_limits<int>::lowest(), -1e20},
     {"\u0663", 0, 0},
-    {"\uFF11", 0, 0},
-    {"1\u0663", 1, 1},
-    {"1e400", 1, infinity},
+    {u"\u3000\u00857", 7, 7},
     {"-1e400", -1, -infinity},
-    {"1e-400", 1, 0},
-    {"1e99999999999999999999", 1, infinity},
-    {"0e99999999999999999999", 0, 0},
     {"inf", 0, 0},
-    {"infinity", 0, 0},
-    {"nan", 0, 0},
-    {"- 5", 0, 0},
-    {"+ 5", 0, 0},
     {"12\0"
      "34"sv,
      12, 12},
-    {"\0"
-     "12"sv,
-     0, 0},
     {u"12\u00e9", 12, 12},
 };
 
@@ -498,24 +355,6 @@ TEST(NSStringNumericViews, readALeadingDecimalNumber) {
     for (const auto& row : readings) {
         EXPECT_EQ(row.text.intValue(), row.integer) << row.text.utf8();
         EXPECT_EQ(row.text.doubleValue(), row.real) << row.text.utf8();
-    }
-}
-
-TEST(NSStringNumericViews, skipTheirWhiteSpaceAndNoOther) {
-    const char16_t skipped[] = {0x09,   0x0A,   0x0B,   0x0C,   0x0D,   0x20,   0x85,   0xA0,
-                                0x1680, 0x2000, 0x2001, 0x2002, 0x2003, 0x2004, 0x2005, 0x2006,
-                                0x2007, 0x2008, 0x2009, 0x200A, 0x202F, 0x205F, 0x3000};
-    for (const char16_t blank : skipped) {
-        const std::u16string text{blank, blank, u'-', u'7'};
-        EXPECT_EQ(NSString(text).intValue(), -7) << std::hex << static_cast<unsigned>(blank);
-        EXPECT_EQ(NSString(text).integerValue(), -7) << std::hex << static_cast<unsigned>(blank);
-        EXPECT_EQ(NSString(text).doubleValue(), -7) << std::hex << static_cast<unsigned>(blank);
-    }
-    const char16_t others[] = {0x00, 0x08, 0x0E, 0x1C, 0x1F, 0x200B, 0x2028, 0x2029, 0x180E, 0xFEFF};
-    for (const char16_t other : others) {
-        const std::u16string text{other, u'7'};
-        EXPECT_EQ(NSString(text).intValue(), 0) << std::hex << static_cast<unsigned>(other);
-        EXPECT_EQ(NSString(text).doubleValue(), 0) << std::hex << static_cast<unsigned>(other);
     }
 }
 
@@ -527,37 +366,6 @@ TEST(NSStringNumericViews, wideIntegersSaturateAtSixtyFourBits) {
     EXPECT_EQ(NSString("-9223372036854775808").integerValue(), INT64_MIN);
     EXPECT_EQ(NSString("-9223372036854775809").integerValue(), INT64_MIN);
     EXPECT_EQ(NSString("000000000000000000000000000012").integerValue(), 12);
-}
-
-TEST(NSStringNumericViews, doublesAreRoundedCorrectly) {
-    const struct {
-        const char* text;
-        double value;
-    } rows[] = {
-        {"0.1", 0.1},
-        {"9007199254740993", 9007199254740992.0},
-        {"9007199254740993.00000000000000000000000000000000000001", 9007199254740994.0},
-        {"1.7976931348623157e308", 1.7976931348623157e308},
-        {"4.9406564584124654e-324", 4.9406564584124654e-324},
-        {"2.2250738585072011e-308", 2.2250738585072011e-308},
-        {"123456789012345678901234567890", 123456789012345678901234567890.0},
-        {"0.000000000000000000000000000000000000000000001", 1e-45},
-        {"100000000000000000000000e-23", 1.0},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(NSString(row.text).doubleValue(), row.value) << row.text;
-    }
-    EXPECT_TRUE(std::signbit(NSString("-0").doubleValue()));
-    EXPECT_TRUE(std::signbit(NSString("-1e-400").doubleValue()));
-}
-
-TEST(NSStringNumericViews, longDigitsAreReadToTheirEnd) {
-    const std::string zeros(100000, '0');
-    EXPECT_EQ(NSString(zeros + "7").intValue(), 7);
-    EXPECT_EQ(NSString(zeros + "7").doubleValue(), 7);
-    EXPECT_EQ(NSString("0." + zeros + "1e100001").doubleValue(), 1);
-    EXPECT_EQ(NSString("1" + zeros + "e-100000").doubleValue(), 1);
-    EXPECT_EQ(NSString("1" + zeros).doubleValue(), infinity);
 }
 
 TEST(NSStringNumericViews, floatsAreDoublesRoundedToSingle) {

@@ -44,16 +44,4 @@ TEST(StringEncodingLength, countsTheBytesOfEachEncoding) {
     EXPECT_EQ(NSString("abc").lengthOfBytesUsingEncoding(static_cast<NSStringEncoding>(0x7FFF)), 0U);
 }
 
-TEST(StringEncodingLength, isThatOfTheConvertedText) {
-    kit::Numbers numbers(17);
-    for (int round = 0; round < 5000; ++round) {
-        const NSString string = stringOf(numbers.text(u"ab\u00e9\u20ac\xD83D\xDE00", numbers.below(12)));
-        std::string converted;
-        const std::size_t expected = string.getUTF8(converted) ? converted.size() : 0;
-        ASSERT_EQ(string.lengthOfBytesUsingEncoding(NSUTF8StringEncoding), expected)
-            << shownUnits(string.utf16());
-        ASSERT_EQ(string.lengthOfBytesUsingEncoding(NSUTF16StringEncoding), 2 * string.length());
-    }
-}
-
 } // namespace

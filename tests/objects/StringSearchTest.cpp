@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/text/CaseMapping.h"
@@ -63,24 +62,15 @@ void expectFound(const Row& row) {
 TEST(StringSearch, findsPlainTexts) {
     const Row rows[] = {
         {"at the start", "hello", "he", noOptions, {0, 2}},
-        {"in the middle", "hello", "ll", noOptions, {2, 2}},
         {"at the end", "hello", "lo", noOptions, {3, 2}},
         {"the whole", "hello", "hello", noOptions, {0, 5}},
         {"the first of two", "abcabc", "bc", noOptions, {1, 2}},
-        {"absent", "hello", "x", noOptions, nowhere},
         {"longer", "hell", "hello", noOptions, nowhere},
         {"other case", "hello", "L", noOptions, nowhere},
-        {"empty", "hello", "", noOptions, nowhere},
-        {"empty in empty", "", "", noOptions, nowhere},
-        {"nil", "hello", nullptr, noOptions, nowhere},
-        {"in the empty string", "", "a", noOptions, nowhere},
         {"a false start", "aaab", "aab", noOptions, {1, 3}},
         {"U+0000", "a\0b\0"sv, "\0"sv, noOptions, {1, 1}},
-        {"after U+0000", "a\0b"sv, "b", noOptions, {2, 1}},
-        {"Latin-1", "caf\u00e9", "\u00e9", noOptions, {3, 1}},
         {"after wide units", "\u20ac\u20acx", "x", noOptions, {2, 1}},
         {"a wide text in an ASCII one", "abc", "\u20ac", noOptions, nowhere},
-        {"after a pair", "\U0001F600x", "x", noOptions, {2, 1}},
         {"a pair", "a\U0001F600x", "\U0001F600", noOptions, {1, 2}},
         {"the second unit of CR LF", "a\r\nb", "\n", noOptions, {2, 1}},
     };
@@ -103,14 +93,11 @@ TEST(StringSearch, findsTheEmptyTextNowhere) {
 
 TEST(StringSearch, cutsNoComposedSequenceUnlessLiteral) {
     const Row rows[] = {
-        {"a base", "e\u0301", "e", noOptions, nowhere},
-        {"a base, literal", "e\u0301", "e", literal, {0, 1}},
         {"a mark", "e\u0301", "\u0301", noOptions, nowhere},
         {"a mark, literal", "e\u0301", "\u0301", literal, {1, 1}},
         {"up to a base", "xe\u0301y", "xe", noOptions, nowhere},
         {"up to a base, literal", "xe\u0301y", "xe", literal, {0, 2}},
         {"in front of it", "xe\u0301y", "x", noOptions, {0, 1}},
-        {"after it", "xe\u0301y", "y", noOptions, {3, 1}},
         {"with the whole sequence", "xe\u0301y", "xe\u0301", noOptions, {0, 3}},
         {"a later plain base", "e\u0301e", "e", noOptions, {2, 1}},
         {"an earlier plain base, backwards", "ee\u0301", "e", backwards, {0, 1}},
@@ -118,7 +105,6 @@ TEST(StringSearch, cutsNoComposedSequenceUnlessLiteral) {
         {"two marks, one wanted", "e\u0323\u0301", "e\u0323", noOptions, nowhere},
         {"anchored before a mark", "e\u0301", "e", anchored, nowhere},
         {"anchored before a mark, literal", "e\u0301", "e", anchored | literal, {0, 1}},
-        {"another case of the base", "E\u0301", "e", fold, nowhere},
         {"another case of the base, literal", "E\u0301", "e", fold | literal, {0, 1}},
     };
     for (const Row& row : rows) {
@@ -132,15 +118,11 @@ TEST(StringSearch, findsCanonicalEquivalentsUnlessLiteral) {
         {"decomposed in composed", "x\u00e9y", "e\u0301", noOptions, {1, 1}},
         {"composed in decomposed, literal", "xe\u0301y", "\u00e9", literal, nowhere},
         {"decomposed in composed, literal", "x\u00e9y", "e\u0301", literal, nowhere},
-        {"among other text", "caf\u00e9 noir", "fe\u0301 n", noOptions, {2, 4}},
         {"the other way", "cafe\u0301 noir", "f\u00e9 n", noOptions, {2, 5}},
         {"the order of marks", "e\u0301\u0323", "e\u0323\u0301", noOptions, {0, 3}},
-        {"one sign for another", "\u212B", "\u00c5", noOptions, {0, 1}},
         {"one sign for two", "\u212B", "A\u030A", noOptions, {0, 1}},
-        {"syllables", "\uAC00", "\u1100\u1161", noOptions, {0, 1}},
         {"syllables in parts", "\u1100\u1161", "\uAC00", noOptions, {0, 2}},
         {"the last one", "\u00e9e\u0301", "\u00e9", backwards, {1, 2}},
-        {"the first one", "\u00e9e\u0301", "e\u0301", noOptions, {0, 1}},
         {"anchored", "e\u0301x", "\u00e9", anchored, {0, 2}},
         {"anchored at the end", "xe\u0301", "\u00e9", anchored | backwards, {1, 2}},
         {"no compatibility", "\uFB01", "fi", noOptions, nowhere},
@@ -155,20 +137,16 @@ TEST(StringSearch, findsCanonicalEquivalentsUnlessLiteral) {
 TEST(StringSearch, findsTextsInAnotherCase) {
     const Row rows[] = {
         {"upper in lower", "hello", "ELL", fold, {1, 3}},
-        {"lower in upper", "HELLO", "ell", fold, {1, 3}},
         {"the last", "aBAb", "ab", fold | backwards, {2, 2}},
         {"anchored", "Hello", "hE", fold | anchored, {0, 2}},
         {"not at the start", "xHello", "hE", fold | anchored, nowhere},
         {"literal too", "xABC", "bc", fold | literal, {2, 2}},
-        {"longer than the match", "stra\u00dfe", "SS", fold, {4, 1}},
         {"longer than the match, among others", "stra\u00dfe", "RASSE", fold, {2, 4}},
         {"shorter than the match", "STRASSE", "\u00dfe", fold, {4, 3}},
         {"Kelvin", "1\u212A", "k", fold, {1, 1}},
-        {"Greek", "\u0391\u03b2", "\u0392", fold, {1, 1}},
         {"two units", "x\U00010400", "\U00010428", fold, {1, 2}},
         {"dotless i", "\u0131", "I", fold, nowhere},
         {"signs between the cases", "[", "{", fold, nowhere},
-        {"absent", "hello", "X", fold, nowhere},
         {"without the option", "hello", "ELL", noOptions, nowhere},
     };
     for (const Row& row : rows) {
@@ -254,18 +232,6 @@ TEST(StringSearch, findsNothingInANilString) {
     EXPECT_FALSE(none.stringByTrimmingCharactersInSet(set));
 }
 
-TEST(StringSearch, findsPlacesInLongTexts) {
-    const NSString text = stringOf(std::u16string(1000000, u'a') + u"b" + std::u16string(1000000, u'a'));
-    EXPECT_EQ(text.rangeOfString("b"), (NSRange{1000000, 1}));
-    EXPECT_EQ(text.rangeOfString("ab"), (NSRange{999999, 2}));
-    EXPECT_EQ(text.rangeOfString_options("ba", backwards), (NSRange{1000000, 2}));
-    EXPECT_EQ(text.rangeOfString("c"), nowhere);
-    EXPECT_EQ(text.rangeOfString_options("AB", fold), (NSRange{999999, 2}));
-    const NSString wide = stringOf(std::u16string(1000000, u'\u00e9') + u"e\u0301x");
-    EXPECT_EQ(wide.rangeOfString("e\u0301x"), (NSRange{1000000, 3}));
-    EXPECT_EQ(wide.rangeOfString_options("e", literal), (NSRange{1000000, 1}));
-}
-
 // MARK: Against a slow model
 
 void expectAsModel(const std::u16string& text, const std::u16string& wanted) {
@@ -296,26 +262,6 @@ TEST(StringSearch, findsWhatASlowSearchFinds) {
                 const std::size_t start = numbers.below(text.size() - 1);
                 expectAsModel(text, text.substr(start, 1 + numbers.below(text.size() - start)));
             }
-        }
-    }
-}
-
-TEST(StringSearch, takesARangeForAWholeText) {
-    kit::Numbers numbers(31);
-    for (int round = 0; round < 1500; ++round) {
-        const std::u16string_view alphabet = round % 2 == 0 ? u"ab" : u"aeE\u0301\u0323\u00e9\xD83D\xDE00";
-        const std::u16string text = numbers.text(alphabet, 1 + numbers.below(40));
-        const NSString string = stringOf(text);
-        const std::size_t start = numbers.below(text.size());
-        const NSRange range{start, numbers.below(text.size() - start + 1)};
-        const std::u16string_view searched = std::u16string_view(text).substr(0, start + range.length);
-        const std::u16string wanted = numbers.text(
-            alphabet.substr(0, alphabet.size() - (round % 2 == 0 ? 0U : 2U)), 1 + numbers.below(3));
-        for (unsigned options = 0; options < 16; ++options) {
-            const NSRange expected = models::placeOf(searched, start, wanted, options);
-            ASSERT_EQ(string.rangeOfString_options_range(stringOf(wanted), options, range), expected)
-                << shownUnits(wanted) << " in " << shownUnits(searched) << " from " << start << " by "
-                << options;
         }
     }
 }
@@ -424,6 +370,8 @@ TEST(StringSearch, keepsEmptyPiecesBetweenSeparators) {
         {",", ",", {"", ""}},
         {"aXXb", "XX", {"a", "b"}},
         {"aXXXb", "XX", {"a", "Xb"}},
+        {"a,\u0301b,c", ",", {"a,\u0301b", "c"}},
+        {"a,a,\u0301", ",a", {"a", ",\u0301"}},
         {"\u20ac,\U0001F600", ",", {"\u20ac", "\U0001F600"}},
     };
     for (const auto& row : rows) {
@@ -432,45 +380,6 @@ TEST(StringSearch, keepsEmptyPiecesBetweenSeparators) {
             found.push_back(NSString(piece).utf8());
         }
         EXPECT_EQ(found, row.expected) << row.text.utf8();
-    }
-}
-
-TEST(StringSearch, splitsAtTextsAsASlowSplitDoes) {
-    kit::Numbers numbers(41);
-    for (int round = 0; round < 5000; ++round) {
-        const std::u16string text =
-            numbers.text(numbers.below(2) == 0 ? u"ab," : u"a,\u20ac\u00e9", numbers.below(60));
-        const std::u16string separator = numbers.below(2) == 0 ? u"," : u",a";
-        std::vector<std::u16string> expected;
-        std::size_t start = 0;
-        for (std::size_t end; (end = text.find(separator, start)) != text.npos;
-             start = end + separator.size()) {
-            expected.push_back(text.substr(start, end - start));
-        }
-        expected.push_back(text.substr(start));
-        ASSERT_EQ(textsOf(stringOf(text).componentsSeparatedByString(stringOf(separator))), expected)
-            << shownUnits(text);
-    }
-}
-
-TEST(StringSearch, splitsAtPlainTextsUnlessAMarkFollows) {
-    kit::Numbers numbers(53);
-    for (int round = 0; round < 20000; ++round) {
-        const std::u16string text = numbers.text(u"ab,\u0301\u20ac", numbers.below(40));
-        const std::u16string separator = numbers.text(u"a,", 1 + numbers.below(3));
-        std::vector<std::u16string> expected;
-        std::size_t start = 0;
-        for (std::size_t at = 0; (at = text.find(separator, at)) != text.npos;) {
-            const std::size_t end = at + separator.size();
-            if (end == text.size() || text[end] != u'\u0301') {
-                expected.push_back(text.substr(start, at - start));
-                start = end;
-            }
-            at = end;
-        }
-        expected.push_back(text.substr(start));
-        ASSERT_EQ(textsOf(stringOf(text).componentsSeparatedByString(stringOf(separator))), expected)
-            << shownUnits(separator) << " in " << shownUnits(text);
     }
 }
 

