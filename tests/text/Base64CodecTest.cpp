@@ -233,22 +233,6 @@ TEST(Base64Codec, allTakeEveryByteForWhatItIs) {
     }
 }
 
-TEST(Base64Codec, allDecodeRandomTextsAlike) {
-    Workbench bench;
-    std::mt19937 random(5);
-    for (int turn = 0; turn < 20000; ++turn) {
-        // One byte in this many is foreign; 0: none.
-        constexpr unsigned rarities[] = {0, 1, 2, 5, 20, 100, 500};
-        const unsigned rarity = rarities[random() % std::size(rarities)];
-        std::string text(random() % 500, 'A');
-        for (char& character : text) {
-            const bool isForeign = rarity != 0 && random() % rarity == 0;
-            character = isForeign ? randomForeignByte(random) : base64::alphabet[random() % 64];
-        }
-        expectDecoded(bench, text);
-    }
-}
-
 TEST(Base64Codec, allDecodeLinesOfAnyLengthAndBreak) {
     Workbench bench;
     std::mt19937 random(6);

@@ -3,7 +3,6 @@
 #include "foundation/text/RealText.h"
 
 #include <bit>
-#include <cstdint>
 #include <limits>
 #include <random>
 #include <string>

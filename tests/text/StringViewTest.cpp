@@ -13,7 +13,6 @@
 #include "foundation/objects/NSString.h"
 #include "foundation/text/StandardTexts.h"
 #include "tests/kit/AllocationCount.h"
-#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace kit;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <string>
 #include <thread>
 #include <vector>
@@ -191,22 +190,6 @@ TEST(TextEncodings, dropOnlyTheMarkOfTheirOwnOrder) {
     EXPECT_EQ(decoded("\xFE\xFF\xFE\xFF", NSUTF16StringEncoding).utf16(), u"\uFEFF") << "only one";
     EXPECT_FALSE(decoded("\xFF\xFE\0\0"s, NSUTF32BigEndianStringEncoding));
     EXPECT_EQ(utf8Of(decoded("\0\0\0a"s, NSUTF32StringEncoding)), "a") << "big-endian without a mark";
-}
-
-TEST(TextEncodings, ofFileNamesAreTheirOwnMatter) {
-    const NSString name = NSString::stringWithFileSystemBytes("a\xFF", 2);
-    for (const std::uint32_t number : {1U, 4U, 5U, 12U, 30U, 8U}) {
-        EXPECT_FALSE(name.dataUsingEncoding(NSStringEncoding(number))) << number;
-    }
-}
-
-TEST(TextEncodings, leaveErrnoAlone) {
-    errno = 4711;
-    for (std::uint32_t number = 0; number < 40; ++number) {
-        NSString(u"a\u00E9\u65E5").dataUsingEncoding(NSStringEncoding(number));
-        decoded("a\xE9\xFF", NSStringEncoding(number));
-    }
-    EXPECT_EQ(errno, 4711);
 }
 
 TEST(TextEncodingsConcurrency, makeTheirTablesOnceForAllThreads) {

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/text/UriReference.h"
-#include "tests/kit/Texts.h"
 #include "tests/models/UriReference.h"
 
 using namespace ZQFoundation;
@@ -97,58 +95,6 @@ TEST(UriResolution, removesDotSegments) {
         EXPECT_EQ(withoutDotSegments(row[0]), row[1]) << row[0];
         EXPECT_EQ(models::withoutDots(row[0]), row[1]) << "the model: " << row[0];
     }
-}
-
-TEST(UriResolution, removesDotSegmentsAsTheModelDoes) {
-    kit::Numbers numbers(31);
-    for (int round = 0; round < 50000; ++round) {
-        std::string path;
-        for (std::size_t count = numbers.below(14); count != 0; --count) {
-            path.push_back("../a/"[numbers.below(5)]);
-        }
-        ASSERT_EQ(withoutDotSegments(path), models::withoutDots(path)) << path;
-    }
-}
-
-/// The pieces of a text, an absent one as "-".
-std::string piecesOf(const std::string& text) {
-    detail::UriReference reference;
-    EXPECT_TRUE(detail::readUriReference(text, reference)) << text;
-    std::string pieces;
-    for (const detail::UriPart& part :
-         {reference.scheme, reference.authority(), reference.query, reference.fragment}) {
-        pieces += part.isPresent ? "|" + text.substr(part.start, part.end - part.start) : "-";
-    }
-    return pieces;
-}
-
-TEST(UriResolution, givesReferencesWithThePiecesThatWerePutTogether) {
-    kit::Numbers numbers(32);
-    int guarded = 0;
-    for (int round = 0; round < 100000; ++round) {
-        const auto randomText = [&] {
-            std::string text;
-            for (std::size_t count = numbers.below(9); count != 0; --count) {
-                text.push_back("a:/.?#/.:"[numbers.below(9)]);
-            }
-            return text;
-        };
-        const std::string reference = randomText();
-        const std::string from = randomText();
-        if (!models::isReference(reference) || !models::isReference(from)) {
-            continue;
-        }
-        SCOPED_TRACE(reference + " against " + from);
-        const models::Reference target = models::resolved(models::apart(reference), models::apart(from));
-        const auto shown = [](const models::Piece& piece) {
-            return piece ? "|" + *piece : "-";
-        };
-        const std::string result = resolvedUriReference(reference, from);
-        ASSERT_EQ(piecesOf(result), shown(target.scheme) + shown(target.authority) + shown(target.query) +
-                                        shown(target.fragment));
-        guarded += result != models::together(target) ? 1 : 0;
-    }
-    EXPECT_GT(guarded, 100) << "the guards were never needed";
 }
 
 TEST(UriResolution, takesLinearTime) {
