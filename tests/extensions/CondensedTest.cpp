@@ -4,12 +4,10 @@
 
 #include <string>
 
-#include "foundation/objects/Class.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSURL.h"
 #include "tests/kit/Values.h"

@@ -27,8 +27,11 @@ models::Texts linesOf(const Text& text) {
 TEST(LineWalk, findsTheLinesOfTheModel) {
     EXPECT_EQ(linesOf(std::string("")), models::Texts());
     EXPECT_EQ(linesOf(std::string("a\n")), (models::Texts{u"a", u""}));
+    for (const std::u16string& text : kit::allTexts(u"a\r\n\u2028", 6)) {
+        ASSERT_EQ(linesOf(text), models::lines(text));
+    }
     kit::Numbers numbers(7);
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         const std::size_t length = numbers.below(200);
         const std::u16string ascii = numbers.text(u"abcdefgh\r\n\v\f\t\x0E\x7F", length);
         ASSERT_EQ(linesOf(ascii), models::lines(ascii));

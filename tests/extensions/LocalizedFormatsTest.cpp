@@ -2,8 +2,6 @@
 // Localized texts as formats, and the forms that format nothing.
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSArray.h"
-#include "foundation/objects/NSException.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
 #include "tests/extensions/LocalizedScene.h"
 #include "tests/kit/Child.h"

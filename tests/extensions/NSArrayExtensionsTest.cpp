@@ -10,7 +10,6 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
 #include "tests/kit/Values.h"
 
@@ -119,29 +118,6 @@ TEST(NSArrayExtensions, theResultCanGrowAndTheReceiverStays) {
     NSMutableArray none = NSArray::array().arrayByRemovingDuplicateObjects();
     none.addObject(1);
     EXPECT_EQ(none.count(), 1U);
-}
-
-TEST(NSArrayExtensions, allShortArraysKeepTheFirstOfEach) {
-    const NSObject elements[] = {NSObject("a"), NSObject(1), NSObject(1.0), NSObject(NSArray{1})};
-    const std::size_t groups[] = {0, 1, 1, 2}; // which of them are equal
-    for (std::size_t length = 0; length <= 6; ++length) {
-        const std::size_t count = std::size_t{1} << (2 * length);
-        for (std::size_t code = 0; code < count; ++code) {
-            NSMutableArray array;
-            NSMutableArray expected;
-            bool isSeen[3] = {};
-            for (std::size_t i = 0; i < length; ++i) {
-                const std::size_t which = code >> (2 * i) & 3;
-                array.addObject(elements[which]);
-                if (!isSeen[groups[which]]) {
-                    expected.addObject(elements[which]);
-                }
-                isSeen[groups[which]] = true;
-            }
-            const NSArray found = withoutDuplicates(array.array());
-            ASSERT_TRUE(found.isEqualToArray(expected.array())) << shown(found);
-        }
-    }
 }
 
 TEST(NSArrayExtensions, manyElementsTakeNoQuadraticTime) {

@@ -42,18 +42,6 @@ TEST(NSCharacterSetExtensions, uniteWhiteSpaceAndControlCharacters) {
     }
 }
 
-TEST(NSCharacterSetExtensions, countZeroWidthSpaceAndNewlinesAsControlsAndNoBreakSpaceAsWhiteSpace) {
-    const NSCharacterSet set = NSCharacterSet::whitespaceAndControlCharacterSet();
-    for (const char16_t member : {u'\0', u'\t', u'\n', u'\r', u'\u001C', u' ', u'\u0085', u'\u00A0',
-                                  u'\u00AD', u'\u200B', u'\u2003', u'\u3000', u'\uFEFF'}) {
-        EXPECT_TRUE(set.characterIsMember(member)) << std::hex << +member;
-    }
-    // The line separators are neither white space within a line nor controls.
-    for (const char16_t other : {u'a', u'_', u'\u2028', u'\u2029', static_cast<char16_t>(0xD800)}) {
-        EXPECT_FALSE(set.characterIsMember(other)) << std::hex << +other;
-    }
-}
-
 TEST(NSCharacterSetExtensions, areMadeOnceForAllThreads) {
     for (const auto set : {NSCharacterSet::emptyCharacterSet, NSCharacterSet::nullByteCharacterSet,
                            NSCharacterSet::whitespaceAndControlCharacterSet}) {

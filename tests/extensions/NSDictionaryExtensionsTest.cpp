@@ -11,7 +11,6 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/kit/AllocationCount.h"
 #include "tests/kit/Values.h"
@@ -49,25 +48,16 @@ void expectLookups(const Row& row) {
 TEST(NSDictionaryExtensions, lookupsOfStrings) {
     const Row rows[] = {
         {"Yes", "Yes", true, 0, 0},
-        {"YES", "YES", true, 0, 0},
-        {"NO", "NO", false, 0, 0},
         {"true", "true", false, 0, 0},
         {"1", "1", true, 1, 1},
         {"0", "0", false, 0, 0},
-        {"empty", "", false, 0, 0},
         {"-7", "-7", true, -7, -7},
         {"0.25", "0.25", false, 0.25F, 0},
         {"2.5kg", "2.5kg", true, 2.5F, 2},
-        {"12abc", "12abc", true, 12, 12},
-        {"abc", "abc", false, 0, 0},
-        {" 3", " 3", true, 3, 3},
         {"text saturates", "5000000000", true, 5e9F, 2147483647},
         {"text saturates below", "-5000000000", true, -5e9F, leastInt},
-        {"0x10", "0x10", false, 0, 0},
         {"1e3", "1e3", true, 1000, 1},
         {"1e400", "1e400", true, singleInfinity, 1},
-        {"256", "256", true, 256, 256},
-        {"0.1", "0.1", false, 0.1F, 0},
     };
     for (const Row& row : rows) {
         expectLookups(row);
@@ -77,19 +67,14 @@ TEST(NSDictionaryExtensions, lookupsOfStrings) {
 // Truth goes through the number's decimal text here, unlike the number's own truth; integers are narrowed.
 TEST(NSDictionaryExtensions, lookupsOfNumbers) {
     const Row rows[] = {
-        {"1", 1, true, 1, 1},
         {"0", 0, false, 0, 0},
-        {"-1", -1, true, -1, -1},
         {"256", 256, true, 256, 256},
         {"true", true, true, 1, 1},
         {"false", false, false, 0, 0},
         {"0.5 is false", 0.5, false, 0.5F, 0},
-        {"-0.5 is false", -0.5, false, -0.5F, 0},
         {"0.0001 is false", 0.0001, false, 0.0001F, 0},
         {"0.00001 is true, by its text 1e-05", 0.00001, true, 0.00001F, 0},
-        {"2.5", 2.5, true, 2.5F, 2},
         {"-2.9", -2.9, true, -2.9F, -2},
-        {"0.1", 0.1, false, 0.1F, 0},
         {"single", 1.5F, true, 1.5F, 1},
         {"5000000000 is narrowed", 5000000000, true, 5e9F, 705032704},
         {"2^31 changes its sign", INT64_C(2147483648), true, 2147483648.0F, leastInt},
@@ -129,8 +114,6 @@ TEST(NSDictionaryExtensions, lookupsOfHostObjects) {
     const Row rows[] = {
         {"integer only", makeObject<Offering>(std::nullopt, 7), true, 0, 7},
         {"low bits", makeObject<Offering>(std::nullopt, 256), false, 0, 256},
-        {"512", makeObject<Offering>(std::nullopt, 512), false, 0, 512},
-        {"-1", makeObject<Offering>(std::nullopt, -1), true, 0, -1},
         {"text first", makeObject<Offering>(NSString("0"), 7), false, 0, 7},
         {"text only", makeObject<Offering>(NSString("YES"), std::nullopt), true, 0, 0},
         {"text gives no number", makeObject<Offering>(NSString("12"), std::nullopt), true, 0, 0},
@@ -155,15 +138,6 @@ TEST(NSDictionaryExtensions, lookupsOfAMissingKeyOrDictionaryAreNeutral) {
     EXPECT_FALSE(none.boolForKey("key"));
     EXPECT_EQ(none.floatForKey("key"), 0.0F);
     EXPECT_EQ(none.integerForKey("key"), 0);
-}
-
-TEST(NSDictionaryExtensions, lookupsTakeTheKeyAsAnyText) {
-    const NSDictionary dictionary{{"caf\u00e9", 3}, {3, "by number"}};
-    EXPECT_EQ(dictionary.integerForKey("caf\u00e9"), 3);
-    EXPECT_EQ(dictionary.integerForKey(u"caf\u00e9"), 3);
-    EXPECT_EQ(dictionary.integerForKey(std::string("caf\u00e9")), 3);
-    EXPECT_EQ(dictionary.integerForKey(NSString("caf\u00e9")), 3);
-    EXPECT_EQ(dictionary.integerForKey("3"), 0) << "a number is another key";
 }
 
 TEST(NSDictionaryExtensions, lookupsAllocateNothing) {
@@ -195,13 +169,9 @@ TEST(NSDictionaryExtensions, readsTextInEachForm) {
     } rows[] = {
         {"{ a = 1; b = (x, y); }",
          NSDictionary{{"a", "1"}, {"b", NSArray{"x", "y"}}}}, // every scalar is a string
-        {"a = b; c;", NSDictionary{{"a", "b"}, {"c", "c"}}},
-        {" // only a comment", NSDictionary::dictionary()},
         {"<plist><dict><key>k</key><real>0.5</real></dict></plist>", NSDictionary{{"k", 0.5}}},
-        {"<dict><key>k</key><true/></dict>", NSDictionary{{"k", true}}},
         {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><dict><key>k</key><string>\u20AC</string></dict>",
          NSDictionary{{"k", "\u20AC"}}}, // the declared encoding of a string does not matter
-        {u"{ \"caf\u00E9\" = \"\u20AC\"; }", NSDictionary{{"caf\u00E9", "\u20AC"}}},
         {u"{ a = \"\xD83D\"; }", NSDictionary{{"a", NSString("\U0001F600").substringToIndex(1)}}},
         {"{ a = \"x\xFFy\"; }", NSDictionary{{"a", "x\uFFFDy"}}},
     };

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Even and odd, comparisons, steps in 32 bits, and durations.
 #include <climits>
-#include <cstdio>
 #include <limits>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -27,34 +25,23 @@ const struct {
     NSNumber number;
     std::int32_t seen;
 } views[] = {
-    {0, 0},
     {7, 7},
     {-1, -1},
-    {-2, -2},
-    {-3, -3},
     {INT_MAX, INT_MAX},
     {INT_MIN, INT_MIN},
     {2147483648LL, INT_MIN},
     {-2147483649LL, INT_MAX},
-    {4294967295LL, -1},
     {4294967296LL, 0},
-    {5000000001LL, 705032705},
     {INT64_MAX, -1},
-    {INT64_MIN, 0},
     {UINT64_MAX, -1},
     {(std::uint64_t{1} << 63) + 1, 1},
     {true, 1},
-    {false, 0},
     {2.9, 2},
     {-3.9, -3},
-    {0.5, 0},
-    {-0.5, 0},
-    {3.5F, 3},
     {4294967297.5, 1},
     {1e300, -1},
     {-1e300, 0},
     {infinity, -1},
-    {notANumber, 0},
 };
 
 TEST(NSNumberExtensions, areEvenOrOddByTheirLowestBit) {
@@ -85,16 +72,9 @@ TEST(NSNumberExtensions, compareByValueAcrossAllKinds) {
         int order;
     } rows[] = {
         {3, 3.0, 0},
-        {2.5, 3, -1},
         {3, 2.5, 1},
         {-1, UINT64_MAX, -1},
-        {UINT64_MAX, INT64_MAX, 1},
-        {true, 1, 0},
-        {false, 0.0, 0},
         {INT64_MAX, 9223372036854775808.0, -1},
-        {-infinity, INT64_MIN, -1},
-        {infinity, infinity, 0},
-        {5000000000, 705032704, 1},
         {notANumber, notANumber, 0},
     };
     for (const auto& row : rows) {
@@ -126,23 +106,17 @@ TEST(NSNumberExtensions, showSecondsAsAClockDoes) {
         const char* one;
     } rows[] = {
         {0, "00", "00", "0:00:00", "0:00", "00"},
-        {5, "05", "05", "0:00:05", "0:05", "05"},
         {59, "59", "59", "0:00:59", "0:59", "59"},
         {60, "1:00", "1:00", "0:01:00", "1:00", "00"},
         {125, "2:05", "2:05", "0:02:05", "2:05", "05"},
-        {600, "10:00", "10:00", "0:10:00", "10:00", "00"},
         {3599, "59:59", "59:59", "0:59:59", "59:59", "59"},
         {3600, "1:00:00", "00", "1:00:00", "0:00", "00"},
         {3605, "1:00:05", "05", "1:00:05", "0:05", "05"},
-        {3725, "1:02:05", "2:05", "1:02:05", "2:05", "05"},
         {90061, "25:01:01", "1:01", "25:01:01", "1:01", "01"},
         {INT_MAX, "596523:14:07", "14:07", "596523:14:07", "14:07", "07"},
-        {59.9, "59", "59", "0:00:59", "0:59", "59"},
         {-0.5, "00", "00", "0:00:00", "0:00", "00"},
-        {true, "01", "01", "0:00:01", "0:01", "01"},
         {-1, "", "", "", "", ""},
         {INT_MIN, "", "", "", "", ""},
-        {2147483648, "", "", "", "", ""},
         {4294967296 + 65, "1:05", "1:05", "0:01:05", "1:05", "05"},
         {-4294967296 + 65, "1:05", "1:05", "0:01:05", "1:05", "05"},
         {notANumber, "00", "00", "0:00:00", "0:00", "00"},
@@ -173,42 +147,6 @@ TEST(NSNumberExtensions, takeAnyNumberOfFields) {
         for (const std::int64_t fields :
              {std::int64_t{7}, std::int64_t{4294967296}, std::int64_t{4294967298}, INT64_MAX}) {
             EXPECT_EQ(duration(3725, fields, suppressZeroes), "1:02:05") << fields;
-        }
-    }
-}
-
-/// The rules as their table has them, word for word.
-std::string slowDuration(unsigned u, std::int64_t fields, bool suppressZeroes) {
-    const unsigned hours = u / 3600, rest = u % 3600, minutes = rest / 60, seconds = rest % 60;
-    int form = 1;
-    if (!suppressZeroes) {
-        form = fields >= 3 ? 3 : fields == 2 ? 2 : 1;
-    } else if (fields >= 3 && u >= 3600) {
-        form = 3;
-    } else if (fields >= 2 && rest >= 60) {
-        form = 2;
-    }
-    char text[40];
-    if (form == 3) {
-        std::snprintf(text, sizeof text, "%u:%02u:%02u", hours, minutes, seconds);
-    } else if (form == 2) {
-        std::snprintf(text, sizeof text, "%u:%02u", minutes, seconds);
-    } else {
-        std::snprintf(text, sizeof text, "%02u", seconds);
-    }
-    return text;
-}
-
-TEST(NSNumberExtensions, followTheTableForAllSecondsOfSomeHoursAndManyOthers) {
-    std::mt19937 random(12);
-    for (int i = 0; i < 40000; ++i) {
-        const int seconds = i < 8000 ? i : static_cast<int>(random() >> (1 + random() % 20));
-        for (std::int64_t fields = 0; fields <= 4; ++fields) {
-            for (const bool suppressZeroes : {false, true}) {
-                ASSERT_EQ(duration(seconds, fields, suppressZeroes),
-                          slowDuration(static_cast<unsigned>(seconds), fields, suppressZeroes))
-                    << seconds << " " << fields << " " << suppressZeroes;
-            }
         }
     }
 }

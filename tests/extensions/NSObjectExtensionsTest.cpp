@@ -49,18 +49,6 @@ TEST(NSObjectExtensions, truthOfStringsIsYesInAnyCaseOrALeadingInteger) {
                 false);
 }
 
-TEST(NSObjectExtensions, truthOfNumbersAskedDirectlyIsTheirOwn) {
-    EXPECT_TRUE(NSObject(0.5).boolValue());
-    EXPECT_TRUE(NSNumber(0.5).boolValue());
-    EXPECT_TRUE(NSObject(-0.25F).boolValue());
-    EXPECT_TRUE(NSObject(256).boolValue());
-    EXPECT_TRUE(NSObject(512).boolValue());
-    EXPECT_TRUE(NSObject(true).boolValue());
-    EXPECT_FALSE(NSObject(0).boolValue());
-    EXPECT_FALSE(NSObject(false).boolValue());
-    EXPECT_FALSE(NSObject(-0.0).boolValue());
-}
-
 TEST(NSObjectExtensions, truthOfAnObjectWithAnIntegerFormKeepsItsLowEightBits) {
     const struct {
         int integer;
