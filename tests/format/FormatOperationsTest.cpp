@@ -16,6 +16,7 @@ TEST(FormatOperations, nilFormatRaises) {
         EXPECT_EQ(exception.name(), NSInvalidArgumentException);
     }
     EXPECT_THROW(NSString::stringWithFormat(NSString(), 5), NSException);
+    EXPECT_THROW(NSException::raise_format("Name", nullptr), NSException);
     NSMutableString builder;
     EXPECT_THROW(builder.appendFormat(nullptr), NSException);
 }
@@ -34,6 +35,7 @@ TEST(FormatOperations, raisesWithAFormattedReason) {
     } catch (const NSException& exception) {
         EXPECT_EQ(text(exception.name()), "Broken");
         EXPECT_EQ(text(exception.reason()), "3 of parts");
+        EXPECT_FALSE(exception.userInfo());
     }
 }
 

@@ -4,22 +4,11 @@
 
 #include <cerrno>
 #include <climits>
-#include <clocale>
-#include <cmath>
-#include <cstdio>
 #include <limits>
 #include <string>
-#include <string_view>
-#include <utility>
 
-#include "foundation/objects/Class.h"
-#include "foundation/objects/NSArray.h"
-#include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDictionary.h"
-#include "foundation/objects/NSException.h"
 #include "foundation/objects/NSNumber.h"
-#include "foundation/objects/NSObjectProtocol.h"
-#include "foundation/objects/TextBuilder.h"
 #include "tests/format/FormatTesting.h"
 
 using namespace ZQFoundation;

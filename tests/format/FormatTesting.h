@@ -3,8 +3,6 @@
 #ifndef ZQFOUNDATION_TESTS_FORMAT_FORMATTESTING_H
 #define ZQFOUNDATION_TESTS_FORMAT_FORMATTESTING_H
 
-#include <cstdint>
-#include <cstdio>
 #include <initializer_list>
 #include <string>
 #include <utility>

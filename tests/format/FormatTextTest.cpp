@@ -2,13 +2,10 @@
 // Texts, characters and descriptions in formats.
 #include "foundation/format/FormatText.h"
 
-#include <limits>
 #include <string>
-#include <utility>
 
 #include "foundation/objects/Class.h"
 #include "foundation/objects/NSArray.h"
-#include "foundation/objects/NSData.h"
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSObjectProtocol.h"
 #include "tests/format/FormatTesting.h"

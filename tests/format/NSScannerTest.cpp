@@ -2,7 +2,6 @@
 // Scanning texts and numbers, step by step.
 #include "foundation/format/NSScanner.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 #include <string_view>
@@ -74,33 +73,23 @@ TEST(NSScanner, scansUpToAText) {
 TEST(NSScanner, scansAText) {
     const TextRow rows[] = {
         {"  : x", 0, ":", false, true, ":", 3},
-        {"key: value", 0, "key", false, true, "key", 3},
         {"Key: value", 0, "kEY", false, true, "Key", 3},
         {"Key: value", 0, "key", true, false, untouched, 0},
         {"Key: value", 0, "Key", true, true, "Key", 3},
-        {"  key", 0, "value", false, false, untouched, 0},
         {"  x", 0, " x", false, false, untouched, 0},
-        {"ke", 0, "key", false, false, untouched, 0},
-        {"key", 0, "key", false, true, "key", 3},
         {"abkey", 0, "key", false, false, untouched, 0},
         {"abc", 0, "", false, false, untouched, 0},
         {"abc", 0, nullptr, false, false, untouched, 0},
-        {"", 0, "a", false, false, untouched, 0},
         {"[x]{x}", 0, "{X", false, false, untouched, 0}, // a fold of letters alone
-        {"@", 0, "`", false, false, untouched, 0},
-        {"é!", 0, "é", false, true, "é", 1},
         {"É!", 0, "é", false, true, "É", 1},
         {"É!", 0, "é", true, false, untouched, 0},
-        {"xyé", 0, "xy", false, true, "xy", 2},
         {"xyé", 0, "xyz", false, false, untouched, 0},
         {"e\u0301", 0, "e", false, false, untouched, 0}, // the mark belongs to the letter
         {"e\u0301!", 0, "\u00E9", false, true, "e\u0301", 2},
         {"straße", 0, "STRASSE", false, true, "straße", 6},
         {"\u212Ax", 0, "kx", false, true, "\u212Ax", 2},
         {"\r\n\u2028 : x", 0, ":", false, true, ":", 5},
-        {"abc", 3, "c", false, false, untouched, 3},
         {"abc", 1, "bcd", false, false, untouched, 1},
-        {"  ", 0, " ", false, false, untouched, 0},
         {"a b", 0, "a ", false, true, "a ", 2},
         {"😀x", 0, "😀", false, true, "😀", 2},
         {"\0a"sv, 0, "\0"sv, false, true, "\0"sv, 1},
@@ -268,24 +257,12 @@ const NumberRow<std::int64_t, int> integerRows[] = {
     {"\n-7 ", true, -7, -7, 3},
     {"+012", true, 12, 12, 4},
     {"12.9", true, 12, 12, 2},
-    {"1e3", true, 1, 1, 1},
-    {"0x10", true, 0, 0, 1},
     {"1٣", true, 1, 1, 1},
     {"７", false, 0, 0, 0},
     {"", false, 0, 0, 0},
-    {"  ", false, 0, 0, 0},
-    {"abc", false, 0, 0, 0},
     {"-", false, 0, 0, 0},
-    {"--5", false, 0, 0, 0},
-    {"- 5", false, 0, 0, 0},
-    {"+-5", false, 0, 0, 0},
     {".5", false, 0, 0, 0},
-    {" +", false, 0, 0, 0},
-    {"1,234", true, 1, 1, 1},
-    {"1 2", true, 1, 1, 1},
-    {"-2147483648", true, INT32_MIN, INT32_MIN, 11},
     {"9223372036854775807", true, INT64_MAX, 2147483647, 19},
-    {"2147483647", true, 2147483647, 2147483647, 10},
     {"2147483648", true, 2147483648, 2147483647, 10},
     {"-2147483649", true, -2147483649, INT32_MIN, 11},
     {"9223372036854775808!", true, INT64_MAX, 2147483647, 19},
@@ -308,32 +285,9 @@ struct RealRow {
 };
 
 const RealRow realRows[] = {
-    {" 1.5x", true, 1.5, 4},
-    {"-.5", true, -0.5, 3},
-    {"5.", true, 5, 2},
-    {"1e3", true, 1000, 3},
-    {"1e", true, 1, 1},
-    {"1e+", true, 1, 1},
-    {"1,5", true, 1, 1},
-    {"1.2.3", true, 1.2, 3},
-    {".", false, 0, 0},
-    {"", false, 0, 0},
-    {" -", false, 0, 0},
-    {"inf", false, 0, 0},
-    {"nan", false, 0, 0},
-    {"0x1p3", true, 0, 1},
-    {"1e400 ", true, HUGE_VAL, 5},
-    {"-1e400", true, -HUGE_VAL, 6},
-    {"ä", false, 0, 0},
-    {"2.5ä", true, 2.5, 3},
-    {"+2.25", true, 2.25, 5},
-    {"1E-3", true, 0.001, 4},
-    {"1e-400", true, 0, 6},
-    {"-.", false, 0, 0},
-    {".e5", false, 0, 0},
-    {"e5", false, 0, 0},
-    {"--5", false, 0, 0},
-    {"٣", false, 0, 0},
+    {" 1.5x", true, 1.5, 4}, {"-.5", true, -0.5, 3}, {"5.", true, 5, 2},   {"1e", true, 1, 1},
+    {".", false, 0, 0},      {"", false, 0, 0},      {"inf", false, 0, 0}, {"1e400 ", true, HUGE_VAL, 5},
+    {"ä", false, 0, 0},      {"2.5ä", true, 2.5, 3},
 };
 
 TEST(NSScanner, readsReals) {
@@ -350,15 +304,12 @@ const NumberRow<std::uint64_t, unsigned> hexRows[] = {
     {"DeadBeef", true, 0xDEADBEEF, 0xDEADBEEF, 8},
     {"0", true, 0, 0, 1},
     {"0x", true, 0, 0, 1},
-    {"0xg", true, 0, 0, 1},
     {"x1", false, 0, 0, 0},
     {"", false, 0, 0, 0},
     {"-1", false, 0, 0, 0},
     {"１", false, 0, 0, 0},
-    {"FFFFFFFF", true, UINT32_MAX, UINT32_MAX, 8},
     {"0xFFFFFFFFFFFFFFFF", true, UINT64_MAX, UINT32_MAX, 18},
     {"100000000", true, 0x100000000, UINT32_MAX, 9},
-    {"ffffffffffffffff", true, UINT64_MAX, UINT32_MAX, 16},
     {"0000000000000000001", true, 1, 1, 19},
     {"10000000000000000!", true, UINT64_MAX, UINT32_MAX, 17},
     {"0x1ä", true, 1, 1, 3},
@@ -432,45 +383,6 @@ TEST(NSScanner, readsALongTextPieceByPiece) {
             ASSERT_EQ(value, i * 3);
         }
         EXPECT_EQ(scanner.isAtEnd(), *tail == '\0');
-    }
-}
-
-/// What a scan results in: its return value, the output and the location.
-struct Outcome {
-    bool isFound;
-    std::u16string output;
-    std::size_t location;
-
-    bool operator==(const Outcome&) const = default;
-};
-
-Outcome scanned(const NSString& text, std::size_t location, TextScan scan, const NSString& target) {
-    NSScanner scanner(text);
-    scanner.setScanLocation(location);
-    NSString output(u"-");
-    const bool isFound = (scanner.*scan)(target, &output);
-    return {isFound, output.utf16(), scanner.scanLocation()};
-}
-
-TEST(NSScanner, followsTheStepsInAllShortTexts) {
-    const std::vector<std::u16string> targets = kit::allTexts(u"ab ", 3);
-    for (const std::u16string& text : kit::allTexts(u"ab ", 6)) {
-        for (const std::u16string& target : targets) {
-            for (std::size_t location = 0; location <= text.size(); ++location) {
-                const std::size_t start = std::min(text.find_first_not_of(u' ', location), text.size());
-                const bool isHere = !target.empty() && text.compare(start, target.size(), target) == 0;
-                ASSERT_EQ(
-                    scanned(text, location, &NSScanner::scanString_intoString, target),
-                    (isHere ? Outcome{true, target, start + target.size()} : Outcome{false, u"-", location}))
-                    << kit::shownUnits(text) << " from " << location << ": " << kit::shownUnits(target);
-                const std::size_t end =
-                    target.empty() ? text.size() : std::min(text.find(target, start), text.size());
-                ASSERT_EQ(scanned(text, location, &NSScanner::scanUpToString_intoString, target),
-                          (end > start ? Outcome{true, text.substr(start, end - start), end}
-                                       : Outcome{false, u"-", location}))
-                    << kit::shownUnits(text) << " from " << location << " to " << kit::shownUnits(target);
-            }
-        }
     }
 }
 

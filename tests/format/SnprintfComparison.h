@@ -115,36 +115,11 @@ inline std::vector<std::string> starts(std::initializer_list<const char*> widths
 
 inline std::vector<double> reals() {
     const double infinity = std::numeric_limits<double>::infinity();
-    std::vector<double> all = {0.0,
-                               0.5,
-                               1.0,
-                               1.5,
-                               2.5,
-                               0.05,
-                               0.1,
-                               0.125,
-                               0.25,
-                               9.5,
-                               9.995,
-                               99.99999999,
-                               123.456,
-                               999999.5,
-                               1234567.0,
-                               0.0001,
-                               0.00009999995,
-                               1e15,
-                               1e16,
-                               123456789012345678.0,
-                               9007199254740993.0,
-                               1e22,
-                               1e23,
-                               1e100,
-                               3.3e-100,
-                               DBL_MAX,
-                               DBL_MIN,
-                               DBL_TRUE_MIN,
-                               DBL_MIN / 3,
-                               infinity};
+    std::vector<double> all = {0.0,   0.5,  1.0, 1.5,   2.5,         0.05,   0.1,
+                               0.125, 0.25, 9.5, 9.995, 99.99999999, 123.456};
+    all.insert(all.end(), {999999.5, 1234567.0, 0.0001, 0.00009999995, 1e15, 1e16, 123456789012345678.0,
+                           9007199254740993.0, 1e22, 1e23, 1e100, 3.3e-100});
+    all.insert(all.end(), {DBL_MAX, DBL_MIN, DBL_TRUE_MIN, DBL_MIN / 3, infinity});
     const std::size_t positive = all.size();
     for (std::size_t i = 0; i < positive; ++i) {
         all.push_back(-all[i]);
