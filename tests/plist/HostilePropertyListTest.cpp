@@ -70,22 +70,16 @@ TEST(HostilePropertyList, samplesAreGood) {
 
 TEST(HostilePropertyList, truncatedAtEveryByte) {
     for (const std::string& sample : samples()) {
+        const bool isXml = sample.starts_with("<?xml version=\"");
+        const bool isBinary = sample.starts_with("bplist");
         for (std::size_t length = 0; length < sample.size(); ++length) {
             SCOPED_TRACE(length);
             expectSane(sample.substr(0, length));
             expectSane(sample.substr(length));
+            if (isXml || (isBinary && length > 8)) {
+                EXPECT_FALSE(parseBytes(sample.substr(0, length)));
+            }
         }
-    }
-}
-
-TEST(HostilePropertyList, truncatedXmlAndBinaryFail) {
-    const std::string xml = samples()[2];
-    for (std::size_t length = 0; length < xml.size(); ++length) {
-        EXPECT_FALSE(parseBytes(xml.substr(0, length))) << length;
-    }
-    const std::string binary = samples()[6];
-    for (std::size_t length = 9; length < binary.size(); ++length) {
-        EXPECT_FALSE(parseBytes(binary.substr(0, length))) << length;
     }
 }
 
@@ -99,33 +93,6 @@ TEST(HostilePropertyList, everyByteReplaced) {
                 expectSane(changed);
             }
         }
-    }
-}
-
-TEST(HostilePropertyList, everyByteOfTheBinaryFormTakesEveryValue) {
-    const std::string sample = sampleBinary();
-    for (std::size_t index = 7; index < sample.size(); ++index) {
-        for (int value = 0; value < 256; ++value) {
-            std::string changed = sample;
-            changed[index] = static_cast<char>(value);
-            expectSane(changed);
-        }
-    }
-}
-
-TEST(HostilePropertyList, piecesPutTogetherAtRandom) {
-    const std::vector<std::string> pieces =
-        piecesOf("{|}|(|)|<|>|=|;|,|a|\"|'|\\|\\U|/*|*/|//|\n| |0f|<dict>|</dict>|<key>|</key>|<array>|"
-                 "</array>|<string>|</string>|<true/>|<![CDATA[|]]>|<!--|-->|<?|?>|&#x|&lt;|"
-                 "<integer>1</integer>|<data>|</data>|\xE2\x80\xA8|\xC3\xA9|<!DOCTYPE a|[|<plist>|</plist>");
-    ValueMaker maker(7);
-    for (int round = 0; round < 20'000; ++round) {
-        std::string bytes;
-        for (unsigned count = maker.pick(14); count > 0; --count) {
-            bytes += pieces[maker.pick(static_cast<unsigned>(pieces.size()))];
-        }
-        expectSane(bytes);
-        ASSERT_FALSE(HasFatalFailure()) << bytes;
     }
 }
 
@@ -240,19 +207,6 @@ TEST(HostilePropertyList, timeGrowsWithTheLength) {
         const double large = secondsToRead(make(smallSize * 10));
         EXPECT_LT(large, small * 40 + 0.05) << kind.name;
     }
-}
-
-TEST(HostilePropertyList, twoHundredMegabytesAreReadInLinearTime) {
-    constexpr std::size_t largeSize = isSanitized ? 4'000'000 : 200'000'000;
-    const Growing& kind = growing[0];
-    const auto make = [&](std::size_t size) {
-        return std::string(kind.before) + repeated(kind.piece, size / kind.piece.size()) +
-               std::string(kind.after);
-    };
-    const double small = secondsToRead(make(largeSize / 10));
-    const double large = secondsToRead(make(largeSize));
-    EXPECT_LT(large, small * 40 + 0.05);
-    RecordProperty("seconds", std::to_string(large));
 }
 
 TEST(HostilePropertyList, manyKeysInOneDictionary) {

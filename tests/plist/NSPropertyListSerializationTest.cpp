@@ -2,8 +2,6 @@
 // Property lists from bytes and to bytes, with the reason of a failure.
 #include "foundation/plist/NSPropertyListSerialization.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
 
 #include "PropertyListTesting.h"

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Values as texts, reading in both forms and random values, for the tests of property lists.
+// Values as texts, reading in both forms and deep values, for the tests of property lists.
 #ifndef ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 #define ZQFOUNDATION_TESTS_PLIST_PROPERTYLISTTESTING_H
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <random>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSData.h"
@@ -141,84 +141,51 @@ std::string readWithBoth(ByteReader readBytes, UnitReader readUnits, std::string
     return fromBytes;
 }
 
-/// The same values in every run, of all kinds that the XML form keeps.
-class ValueMaker {
-public:
-    explicit ValueMaker(unsigned seed) : random_(seed) {}
-
-    unsigned pick(unsigned bound) { return static_cast<unsigned>(random_() % bound); }
-
-    NSString string() {
-        static constexpr char16_t special[] = {
-            0,    1,    9,    10,   13,     '"',    '\'',   '\\',   '<',    '>',    '&',    0x7F,
-            0x80, 0x85, 0xA0, 0xE9, 0x2028, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xFEFF, 0xFFFE, 0xFFFF};
-        std::u16string units;
-        const unsigned count = pick(12);
-        const bool isPlain = pick(2) == 0;
-        for (unsigned index = 0; index < count; ++index) {
-            units += isPlain || pick(2) == 0 ? static_cast<char16_t>(' ' + pick(95)) : special[pick(24)];
-        }
-        return NSString(units);
-    }
-
-    NSData data() {
-        std::string bytes;
-        for (unsigned count = pick(80); count > 0; --count) {
-            bytes += static_cast<char>(pick(256));
-        }
-        return NSData::dataWithBytes_length(bytes.data(), bytes.size());
-    }
-
-    /// A string, data, or a container of such.
-    NSObject oldStyleValue(unsigned depth) { return container(depth, false); }
-
-    /// Any value, dates in whole seconds.
-    NSObject value(unsigned depth) { return container(depth, true); }
-
-private:
-    NSObject container(unsigned depth, bool hasScalars) {
-        const unsigned kind = depth == 0 ? 2 : pick(4);
-        if (kind == 0) {
-            NSMutableArray array;
-            for (unsigned count = pick(5); count > 0; --count) {
-                array.addObject(container(depth - 1, hasScalars));
-            }
-            return array.array();
-        }
-        if (kind == 1) {
-            NSMutableDictionary dictionary;
-            for (unsigned count = pick(5); count > 0; --count) {
-                dictionary.setObject_forKey(container(depth - 1, hasScalars), string());
-            }
-            return dictionary.dictionary();
-        }
-        return hasScalars ? scalar() : (pick(3) == 0 ? NSObject(data()) : NSObject(string()));
-    }
-
-    NSObject scalar() {
-        switch (pick(6)) {
-        case 0:
-            return data();
-        case 1:
-            return pick(2) == 0;
-        case 2:
-            return random_();
-        case 3:
-            return static_cast<std::int64_t>(random_());
-        case 4: {
-            const double real = std::bit_cast<double>(random_());
-            return real == real ? real : 0.5;
-        }
-        default: {
-            constexpr std::int64_t range = 200'000'000'000; // years -4000 to 8000
-            return NSDate::dateWithTimeIntervalSinceReferenceDate(
-                static_cast<double>(static_cast<std::int64_t>(random_() % (2 * range)) - range));
-        }
-        }
-    }
-
-    std::mt19937_64 random_;
+/// What a reader makes of a text; "nil" is a failure.
+struct ReadingRow {
+    std::string_view text;
+    std::string_view value;
 };
+
+using Reader = std::string (*)(std::string_view text, std::string* errorText);
+
+inline void expectReadings(Reader read, std::initializer_list<ReadingRow> rows) {
+    for (const ReadingRow& row : rows) {
+        EXPECT_EQ(read(row.text, nullptr), row.value) << row.text;
+    }
+}
+
+/// The value of each row describes the failure.
+inline void expectFailures(Reader read, std::initializer_list<ReadingRow> rows) {
+    for (const ReadingRow& row : rows) {
+        std::string errorText;
+        EXPECT_EQ(read(row.text, &errorText), "nil") << row.text;
+        EXPECT_EQ(errorText, row.value) << row.text;
+    }
+}
+
+/// Arrays, each in the next one, the innermost empty.
+inline NSArray nestedArrays(std::size_t depth) {
+    NSArray array = NSArray::array();
+    for (std::size_t level = 1; level < depth; ++level) {
+        array = NSArray::arrayWithObject(array);
+    }
+    return array;
+}
+
+/// A text between many opening and as many closing ones.
+inline std::string nestedText(std::size_t depth, std::string_view open, std::string_view inner,
+                              std::string_view close) {
+    std::string text;
+    for (std::size_t level = 0; level < depth; ++level) {
+        text += open;
+    }
+    text += inner;
+    for (std::size_t level = 0; level < depth; ++level) {
+        text += close;
+    }
+    return text;
+}
 
 } // namespace ZQFoundation::testing
 

@@ -2,7 +2,6 @@
 // Reading property lists in XML.
 #include "foundation/plist/XmlReader.h"
 
-#include <cmath>
 #include <string>
 #include <string_view>
 
@@ -24,16 +23,7 @@ std::string read(std::string_view text, std::string* errorText = nullptr) {
                         text, errorText);
 }
 
-struct Row {
-    std::string_view text;
-    std::string_view value; ///< "nil": a failure
-};
-
-void expectRows(std::initializer_list<Row> rows) {
-    for (const Row& row : rows) {
-        EXPECT_EQ(read(row.text), row.value) << row.text;
-    }
-}
+void expectRows(std::initializer_list<ReadingRow> rows) { expectReadings(read, rows); }
 
 TEST(XmlReader, prologIsOptional) {
     expectRows({
@@ -47,14 +37,12 @@ TEST(XmlReader, prologIsOptional) {
         {"<!DOCTYPE plist SYSTEM \"file:///etc/passwd\">\n<!-- x --> <true/>", "true"},
         {"<!DOCTYPE plist [ ]><true/>", "nil"},
         {"<!DOCTYPE plist [<!ENTITY a \"b\">]><string>&a;</string>", "nil"},
-        {"<!DOCTYPE plist", "nil"},
         {"<!doctype plist><true/>", "nil"},
         {"\v<true/>", "nil"},
         {"\u00A0<true/>", "nil"},
         {"\uFEFF<true/>", "nil"},
         {"x<true/>", "nil"},
         {"", "nil"},
-        {"  ", "nil"},
         {"<!-- x -->", "nil"},
     });
 }
@@ -70,9 +58,7 @@ TEST(XmlReader, commentsAndInstructionsMustBeClosed) {
         {"<?"
          "?><true/>",
          "true"},
-        {"<? > ?><true/>", "true"},
         {"<?a", "nil"},
-        {"<!", "nil"},
         {"<", "nil"},
     });
 }
@@ -82,7 +68,6 @@ TEST(XmlReader, whatFollowsTheElementIsIgnored) {
         {"<true/>x", "true"},
         {"<true/><false/>", "true"},
         {"<plist><true/></plist></nonsense", "true"},
-        {"<array/>&", "[]"},
     });
 }
 
@@ -91,13 +76,10 @@ TEST(XmlReader, plistHoldsExactlyOneElement) {
         {"<plist version=\"1.0\"><true/></plist>", "true"},
         {"<plist>\n<!-- a --><true/><?b?>\n</plist >", "true"},
         {"<plist/>", "nil"},
-        {"<plist></plist>", "nil"},
         {"<plist> <!-- a --> </plist>", "nil"},
         {"<plist><true/><true/></plist>", "nil"},
         {"<plist><true/>x</plist>", "nil"},
-        {"<plist>x<true/></plist>", "nil"},
         {"<plist><true/>", "nil"},
-        {"<plist><true/></dict>", "nil"},
         {"<plist><plist><true/></plist></plist>", "nil"},
         {"<array><plist><true/></plist></array>", "nil"},
         {"<Plist><true/></Plist>", "nil"},
@@ -109,7 +91,6 @@ TEST(XmlReader, attributesAreIgnored) {
         {"<string a=\"b\">x</string>", "'x'"},
         {"<string a='>'>x</string>", "'x'"},
         {"<string\na = \"/\" >x</string>", "'x'"},
-        {"<array a=\"b\"/>", "[]"},
         {"<dict a='/'><key b='c'>k</key><true x='y'/></dict>", "{'k': true}"},
         {"<true a=\"b/>", "nil"},
         {"<array <string>x</string></array>", "nil"},
@@ -132,8 +113,6 @@ TEST(XmlReader, namesAreExact) {
 TEST(XmlReader, readsDictionaries) {
     expectRows({
         {"<dict/>", "{}"},
-        {"<dict></dict>", "{}"},
-        {"<dict> <!-- a --> </dict>", "{}"},
         {"<dict><key>a</key><integer>1</integer><key>b</key><dict/></dict>", "{'a': 1, 'b': {}}"},
         {"<dict><!-- a --><key>a</key><!-- b --><true/><?c?></dict>", "{'a': true}"},
         {"<dict><key>a</key><true/><key>a</key><false/></dict>", "{'a': false}"},
@@ -142,31 +121,23 @@ TEST(XmlReader, readsDictionaries) {
         {"<dict><key>&amp;<![CDATA[<]]></key><true/></dict>", "{'&<': true}"},
         {"<dict><key>a</key></dict>", "nil"},
         {"<dict><key>a</key><true/><key>b</key></dict>", "nil"},
-        {"<dict><key>a</key><true/><true/></dict>", "nil"},
         {"<dict><string>a</string><true/></dict>", "nil"},
-        {"<dict><true/></dict>", "nil"},
         {"<dict>x<key>a</key><true/></dict>", "nil"},
         {"<dict><key>a</key>x<true/></dict>", "nil"},
         {"<dict><key>a</key><true/>x</dict>", "nil"},
         {"<dict><key>a</key><true/></array>", "nil"},
-        {"<dict><key>a</key><true/>", "nil"},
         {"<dict><key>a</key>", "nil"},
-        {"<dict>", "nil"},
     });
 }
 
 TEST(XmlReader, readsArrays) {
     expectRows({
         {"<array/>", "[]"},
-        {"<array></array>", "[]"},
         {"<array>\n\t<array/>\n\t<array><true/></array>\n</array>", "[[], [true]]"},
         {"<array><string>a</string><!-- b --><key>c</key></array>", "['a', 'c']"},
         {"<array>x</array>", "nil"},
-        {"<array><true/>x</array>", "nil"},
         {"<array>&lt;</array>", "nil"},
         {"<array><![CDATA[]]></array>", "nil"},
-        {"<array></dict>", "nil"},
-        {"<array><array></array>", "nil"},
         {"<array>", "nil"},
     });
 }
@@ -174,7 +145,6 @@ TEST(XmlReader, readsArrays) {
 TEST(XmlReader, readsStrings) {
     expectRows({
         {"<string/>", "''"},
-        {"<string></string>", "''"},
         {"<string> a\r\n\tb </string>", "' a%000D%000A%0009b '"},
         {"<key>a</key>", "'a'"},
         {"<string>\u00E9\u20AC\U0001F600</string>", "'%00E9%20AC%D83D%DE00'"},
@@ -182,7 +152,6 @@ TEST(XmlReader, readsStrings) {
         {"<string>a<!-- b --></string>", "nil"},
         {"<string>a<?b?></string>", "nil"},
         {"<string><true/></string>", "nil"},
-        {"<string>a</key>", "nil"},
     });
 }
 
@@ -230,28 +199,22 @@ TEST(XmlReader, readsTruthValues) {
         {"<true/>", "true"},
         {"<false/>", "false"},
         {"<true></true>", "true"},
-        {"<false></false>", "false"},
-        {"<true> </true>", "nil"},
         {"<true>x</true>", "nil"},
         {"<true></false>", "nil"},
-        {"<true>", "nil"},
         {"<true", "nil"},
     });
 }
 
 TEST(XmlReader, readsIntegers) {
     expectRows({
-        {"<integer>0</integer>", "0"},
         {"<integer>-0</integer>", "0"},
         {"<integer> \t\r\n42</integer>", "42"},
-        {"<integer>+42</integer>", "42"},
         {"<integer> - \n 42</integer>", "-42"},
         {"<integer>007</integer>", "7"},
         {"<integer>0x1F</integer>", "31"},
         {"<integer>0XfF</integer>", "255"},
         {"<integer>-0x10</integer>", "-16"},
         {"<integer>9223372036854775807</integer>", "9223372036854775807"},
-        {"<integer>9223372036854775808</integer>", "9223372036854775808"},
         {"<integer>18446744073709551615</integer>", "18446744073709551615"},
         {"<integer>0xffffffffffffffff</integer>", "18446744073709551615"},
         {"<integer>-9223372036854775808</integer>", "-9223372036854775808"},
@@ -274,20 +237,15 @@ TEST(XmlReader, refusesOtherIntegers) {
 
 TEST(XmlReader, readsReals) {
     expectRows({
-        {"<real>0</real>", "r0"},
         {"<real>-0</real>", "r-0"},
-        {"<real>1.5</real>", "r1.5"},
         {"<real> \t\n\v\f\r1.5</real>", "r1.5"},
         {"<real>+.5</real>", "r0.5"},
         {"<real>5.</real>", "r5"},
         {"<real>-1e3</real>", "r-1000"},
         {"<real>1E-2</real>", "r0.01"},
         {"<real>1e400</real>", "rinf"},
-        {"<real>-1e400</real>", "r-inf"},
         {"<real>1e-400</real>", "r0"},
-        {"<real>0.1</real>", "r0.1"},
         {"<real>nan</real>", "rnan"},
-        {"<real>NaN</real>", "rnan"},
         {"<real>-nan</real>", "rnan"},
         {"<real>inf</real>", "rinf"},
         {"<real>+INF</real>", "rinf"},
@@ -329,13 +287,11 @@ TEST(XmlReader, readsData) {
         {"<data></data>", "<>"},
         {"<data>\n</data>", "<>"},
         {"<data>AAEC</data>", "<000102>"},
-        {"<data>AAECAwQF</data>", "<000102030405>"},
         {"<data>AAE=</data>", "<0001>"},
         {"<data>AA==</data>", "<00>"},
         {"<data>\n\tAA EC\n\tAw==\n</data>", "<00010203>"},
         {"<data>A-A*E.C</data>", "<000102>"},
         {"<data>+/+/</data>", "<fbffbf>"},
-        {"<data>AAECA</data>", "<000102>"},
         {"<data>AAECAw</data>", "<000102>"},
         {"<data>AAECAwQ</data>", "<000102>"},
         {"<data>AA==AAEC</data>", "<00000102>"},
@@ -349,15 +305,7 @@ TEST(XmlReader, readsData) {
 
 TEST(XmlReader, nestsTo512Levels) {
     const auto nested = [](std::size_t depth, std::string_view open, std::string_view close) {
-        std::string text = "<plist>";
-        for (std::size_t level = 0; level < depth; ++level) {
-            text += open;
-        }
-        text += "<true/>";
-        for (std::size_t level = 0; level < depth; ++level) {
-            text += close;
-        }
-        return text + "</plist>";
+        return "<plist>" + nestedText(depth, open, "<true/>", close) + "</plist>";
     };
     EXPECT_NE(read(nested(512, "<array>", "</array>")), "nil");
     EXPECT_NE(read(nested(512, "<dict><key>a</key>", "</dict>")), "nil");
@@ -368,41 +316,35 @@ TEST(XmlReader, nestsTo512Levels) {
 }
 
 TEST(XmlReader, namesLineAndColumn) {
-    struct ErrorRow {
-        std::string_view text;
-        std::string_view error;
-    };
-    for (const ErrorRow& row : std::initializer_list<ErrorRow>{
-             {"", "The text ends where an element is expected (line 1, column 1)"},
-             {"x", "Text where an element is expected (line 1, column 1)"},
-             {"<plist>\n<foo/></plist>", "The element is not known (line 2, column 1)"},
-             {"<plist/>", "The property list holds no value (line 1, column 1)"},
-             {"<array>\r\n\t</dict>", "The close tag does not match the open tag (line 2, column 2)"},
-             {"<dict><true/></dict>", "A dictionary's value must follow a key (line 1, column 7)"},
-             {"<dict>\n<key>a</key>\n</dict>", "The value of a key is missing (line 3, column 1)"},
-             {"<string>\u00E9\U0001F600&x;</string>", "The reference is not known (line 1, column 12)"},
-             {"<string>&#x110000;</string>", "The reference is beyond the last character (line 1, column 9)"},
-             {"<string>&#x;</string>", "The numeric reference is malformed (line 1, column 9)"},
-             {"<string>a<b/></string>", "Only text is allowed here (line 1, column 10)"},
-             {"<integer>1 </integer>", "The integer is malformed (line 1, column 10)"},
-             {"<integer>18446744073709551616</integer>", "The integer is out of range (line 1, column 10)"},
-             {"<real>x</real>", "The real number is malformed (line 1, column 7)"},
-             {"<date>x</date>", "The date is malformed (line 1, column 7)"},
-             {"<data>\u00E9</data>", "The data hold a character beyond ASCII (line 1, column 7)"},
-             {"<data/>", "The element must not be empty (line 1, column 1)"},
-             {"<!DOCTYPE a [", "Definitions inside the document type are not allowed (line 1, column 13)"},
-             {"<!-- ", "A comment is not closed (line 1, column 6)"},
-             {"<array>", "The text ends where an element is expected (line 1, column 8)"},
-             {"<array", "A tag is not closed (line 1, column 1)"},
-             {"<array a='", "A quoted value in a tag is not closed (line 1, column 10)"},
-             {"<string>a", "An element is not closed (line 1, column 1)"},
-             {"<true>x</true>", "The close tag is missing (line 1, column 7)"},
-             {"<array>x", "Text where an element is expected (line 1, column 8)"},
-         }) {
-        std::string errorText;
-        EXPECT_EQ(read(row.text, &errorText), "nil") << row.text;
-        EXPECT_EQ(errorText, row.error) << row.text;
-    }
+    expectFailures(
+        read,
+        {
+            {"", "The text ends where an element is expected (line 1, column 1)"},
+            {"x", "Text where an element is expected (line 1, column 1)"},
+            {"<plist>\n<foo/></plist>", "The element is not known (line 2, column 1)"},
+            {"<plist/>", "The property list holds no value (line 1, column 1)"},
+            {"<array>\r\n\t</dict>", "The close tag does not match the open tag (line 2, column 2)"},
+            {"<dict><true/></dict>", "A dictionary's value must follow a key (line 1, column 7)"},
+            {"<dict>\n<key>a</key>\n</dict>", "The value of a key is missing (line 3, column 1)"},
+            {"<string>\u00E9\U0001F600&x;</string>", "The reference is not known (line 1, column 12)"},
+            {"<string>&#x110000;</string>", "The reference is beyond the last character (line 1, column 9)"},
+            {"<string>&#x;</string>", "The numeric reference is malformed (line 1, column 9)"},
+            {"<string>a<b/></string>", "Only text is allowed here (line 1, column 10)"},
+            {"<integer>1 </integer>", "The integer is malformed (line 1, column 10)"},
+            {"<integer>18446744073709551616</integer>", "The integer is out of range (line 1, column 10)"},
+            {"<real>x</real>", "The real number is malformed (line 1, column 7)"},
+            {"<date>x</date>", "The date is malformed (line 1, column 7)"},
+            {"<data>\u00E9</data>", "The data hold a character beyond ASCII (line 1, column 7)"},
+            {"<data/>", "The element must not be empty (line 1, column 1)"},
+            {"<!DOCTYPE a [", "Definitions inside the document type are not allowed (line 1, column 13)"},
+            {"<!-- ", "A comment is not closed (line 1, column 6)"},
+            {"<array>", "The text ends where an element is expected (line 1, column 8)"},
+            {"<array", "A tag is not closed (line 1, column 1)"},
+            {"<array a='", "A quoted value in a tag is not closed (line 1, column 10)"},
+            {"<string>a", "An element is not closed (line 1, column 1)"},
+            {"<true>x</true>", "The close tag is missing (line 1, column 7)"},
+            {"<array>x", "Text where an element is expected (line 1, column 8)"},
+        });
 }
 
 TEST(XmlReader, keysOfOneTextMayBeShared) {

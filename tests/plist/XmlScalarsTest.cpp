@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "PropertyListTesting.h"
+#include "tests/models/Base64.h"
 
 namespace {
 
@@ -53,36 +54,14 @@ TEST(XmlScalars, readsBytesAndUnitsAlike) {
     EXPECT_EQ(ZQ_READ_BOTH(detail::readXmlData, "A Q\nI="), "<0102>");
 }
 
-std::string base64(const std::string& bytes) {
-    constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    unsigned bits = 0;
-    int have = 0;
-    for (const char byte : bytes) {
-        bits = bits << 8 | static_cast<unsigned char>(byte);
-        for (have += 8; have >= 6; have -= 6) {
-            text += alphabet[bits >> (have - 6) & 63];
-        }
-    }
-    if (have > 0) {
-        text += alphabet[bits << (6 - have) & 63];
-    }
-    text.append((4 - text.size() % 4) % 4, '=');
-    return text;
-}
-
 TEST(XmlScalars, readsDataOfEveryLengthBrokenAnywhere) {
-    ValueMaker maker(1);
-    for (std::size_t length = 0; length < 120; ++length) {
-        std::string bytes;
-        for (std::size_t index = 0; index < length; ++index) {
-            bytes += static_cast<char>(maker.pick(256));
-        }
-        std::string text = base64(bytes);
+    std::string bytes;
+    for (int length = 0; length < 120; ++length, bytes += static_cast<char>(length * 37)) {
+        std::string text = models::base64Encoded(bytes, false);
         const std::string expected = show(NSData::dataWithBytes_length(bytes.data(), bytes.size()));
         EXPECT_EQ(ZQ_READ_BOTH(detail::readXmlData, text), expected);
-        for (unsigned breaks = maker.pick(20); breaks > 0; --breaks) {
-            text.insert(maker.pick(static_cast<unsigned>(text.size() + 1)), 1, "\n\t -*"[maker.pick(5)]);
+        for (std::size_t place = 0; place < text.size(); place += 1 + place % 7) {
+            text.insert(place, 1, "\n\t -*"[place % 5]);
         }
         EXPECT_EQ(ZQ_READ_BOTH(detail::readXmlData, text), expected) << text;
     }

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include "PropertyListTesting.h"
-#include "foundation/objects/NSSet.h"
 #include "foundation/plist/XmlReader.h"
 
 namespace {
@@ -132,32 +131,19 @@ TEST(XmlWriter, refusesWhatNoPropertyListHolds) {
     EXPECT_EQ(write(NSDictionary{{1, "a"}}), "A key of a property list's dictionary must be a string");
 }
 
-NSArray nested(std::size_t depth) {
-    NSArray array = NSArray::array();
-    for (std::size_t level = 1; level < depth; ++level) {
-        array = NSArray::arrayWithObject(array);
-    }
-    return array;
-}
-
 TEST(XmlWriter, nestsTo512Levels) {
-    EXPECT_EQ(writeAndRead(nested(512)), nested(512));
-    EXPECT_EQ(write(nested(513)), "The value is nested too deeply for a property list");
-    EXPECT_EQ(write(nested(100'000)), "The value is nested too deeply for a property list");
-}
-
-TEST(XmlWriter, valuesReadBackEqual) {
-    for (unsigned seed = 0; seed < 500; ++seed) {
-        ValueMaker maker(seed);
-        const NSObject value = maker.value(5);
-        const NSObject again = writeAndRead(value);
-        EXPECT_EQ(again, value) << seed << ": " << show(value) << " became " << show(again);
-    }
+    EXPECT_EQ(writeAndRead(nestedArrays(512)), nestedArrays(512));
+    EXPECT_EQ(write(nestedArrays(513)), "The value is nested too deeply for a property list");
+    EXPECT_EQ(write(nestedArrays(100'000)), "The value is nested too deeply for a property list");
 }
 
 TEST(XmlWriter, keepsKindsOfNumbers) {
     const NSArray again(writeAndRead(NSArray{true, 1, 1.0, 1.0F}));
     EXPECT_EQ(show(again), "[true, 1, r1, r1]");
+    const NSObject all =
+        NSDictionary{{"", NSArray{UINT64_MAX, INT64_MIN, -1e-300, NSData::data()}},
+                     {"<\r\xEF\xBF\xBE", NSDate::dateWithTimeIntervalSinceReferenceDate(-1e9)}};
+    EXPECT_EQ(writeAndRead(all), all);
 }
 
 } // namespace
