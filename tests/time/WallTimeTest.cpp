@@ -149,35 +149,6 @@ TEST(WallTime, isRightAroundEveryChangeOfTheMachinesZones) {
     EXPECT_GT(alone, 1000);
 }
 
-TEST(WallTime, isRightSecondBySecondAroundRemarkableChanges) {
-    const struct {
-        const char* zone;
-        std::int64_t change; ///< about
-    } rows[] = {
-        {"Pacific/Apia", wall(2011, 12, 30, 10)},           // a day is left out
-        {"Pacific/Kwajalein", wall(1993, 8, 21, 12)},       // another one
-        {"Australia/Lord_Howe", wall(2024, 10, 5, 15, 30)}, // half an hour
-        {"America/Sao_Paulo", wall(2018, 11, 4, 3)},        // no midnight
-        {"America/Toronto", wall(1919, 3, 31, 4, 30)},      // from 23:30 to 00:30
-        {"America/St_Johns", wall(2010, 11, 7, 2, 31)},     // two midnights
-        {"America/Juneau", wall(1867, 10, 19)},             // a day twice
-        {"Africa/Monrovia", wall(1972, 1, 7)},              // 44 minutes and 30 seconds
-        {"Europe/Dublin", wall(2024, 10, 27, 1)},
-    };
-    int compared = 0;
-    for (const auto& row : rows) {
-        if (!kit::hasZoneFile(row.zone)) {
-            continue;
-        }
-        const kit::TimeZone current(row.zone);
-        compareSecondBySecond(NSTimeZone::systemTimeZone(), row.change, row.zone);
-        ++compared;
-    }
-    if (compared == 0) {
-        GTEST_SKIP() << "there are no zone files on this machine";
-    }
-}
-
 TEST(WallTime, showsAgainWhatItSkippedWhenClocksArePutBackSoonAfter) {
     // 00:00 to 01:00 at 10000, and back at 11800: 00:15 is skipped and then comes after all.
     kit::ZoneData data;

@@ -3,6 +3,7 @@
 #include "foundation/time/ZoneRules.h"
 
 #include <cstring>
+#include <deque>
 #include <memory>
 #include <random>
 
@@ -143,80 +144,32 @@ TEST(ZoneRules, survivesAnyByteBeingAnything) {
     EXPECT_GT(accepted, bytes.size()); // at least the unchanged ones
 }
 
-struct Contradiction {
-    const char* what;
-    void (*spoil)(kit::ZoneData&);
-};
-
-const Contradiction contradictions[] = {
-    {"changes out of order",
-     [](kit::ZoneData& data) {
-         data.changes = {2000, 1000};
-     }},
-    {"the same change twice",
-     [](kit::ZoneData& data) {
-         data.changes = {1000, 1000};
-     }},
-    {"an index beyond the clocks",
-     [](kit::ZoneData& data) {
-         data.indexes[1] = 3;
-     }},
-    {"a name beyond the names",
-     [](kit::ZoneData& data) {
-         data.clocks[0].nameStart = 12;
-     }},
-    {"a last name without an end",
-     [](kit::ZoneData& data) {
-         data.names.back() = 'X';
-     }},
-    {"a name that does not print",
-     [](kit::ZoneData& data) {
-         data.names[0] = '\n';
-     }},
-    {"a name that is not ASCII",
-     [](kit::ZoneData& data) {
-         data.names[0] = '\xe9';
-     }},
-    {"no names",
-     [](kit::ZoneData& data) {
-         data.names.clear();
-     }},
-    {"no clocks",
-     [](kit::ZoneData& data) {
-         data.clocks.clear(), data.changes.clear(), data.indexes.clear();
-     }},
-    {"an offset of 26 hours",
-     [](kit::ZoneData& data) {
-         data.clocks[0].offset = 93600;
-     }},
-    {"an offset of -26 hours",
-     [](kit::ZoneData& data) {
-         data.clocks[0].offset = -93600;
-     }},
-    {"the least offset there is",
-     [](kit::ZoneData& data) {
-         data.clocks[0].offset = INT32_MIN;
-     }},
-    {"flags for some clocks only",
-     [](kit::ZoneData& data) {
-         data.flags = 2;
-     }},
-    {"a footer that is no rule",
-     [](kit::ZoneData& data) {
-         data.footer = "AAA";
-     }},
-    {"an unknown version",
-     [](kit::ZoneData& data) {
-         data.version = '1';
-     }},
-};
-
 TEST(ZoneRules, refusesDataThatContradictThemselves) {
-    for (const Contradiction& row : contradictions) {
-        kit::ZoneData data = kit::simpleZone();
-        ASSERT_TRUE(rulesOf(data));
-        row.spoil(data);
-        EXPECT_FALSE(rulesOf(data)) << row.what;
+    std::deque<std::pair<const char*, kit::ZoneData>> rows;
+    const auto spoiled = [&rows](const char* what) -> kit::ZoneData& {
+        return rows.emplace_back(what, kit::simpleZone()).second;
+    };
+    spoiled("changes out of order").changes = {2000, 1000};
+    spoiled("the same change twice").changes = {1000, 1000};
+    spoiled("an index beyond the clocks").indexes[1] = 3;
+    spoiled("a name beyond the names").clocks[0].nameStart = 12;
+    spoiled("a last name without an end").names.back() = 'X';
+    spoiled("a name that does not print").names[0] = '\n';
+    spoiled("a name that is not ASCII").names[0] = '\xe9';
+    spoiled("no names").names.clear();
+    kit::ZoneData& without = spoiled("no clocks");
+    without.clocks.clear();
+    without.changes.clear();
+    without.indexes.clear();
+    spoiled("an offset of 26 hours").clocks[0].offset = 93600;
+    spoiled("an offset of -26 hours").clocks[0].offset = -93600;
+    spoiled("the least offset there is").clocks[0].offset = INT32_MIN;
+    spoiled("flags for some clocks only").flags = 2;
+    spoiled("a footer that is no rule").footer = "AAA";
+    spoiled("an unknown version").version = '1';
+    ASSERT_TRUE(rulesOf(kit::simpleZone()));
+    for (const auto& [what, data] : rows) {
+        EXPECT_FALSE(rulesOf(data)) << what;
     }
 }
 
