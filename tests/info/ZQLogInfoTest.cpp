@@ -178,19 +178,6 @@ TEST(ZQLogInfo, derivesTheNameFromTheOrderOfVersions) {
     }
 }
 
-TEST(ZQLogInfo, readsTheTextFormsOfTheSystemVersionFile) {
-    for (const std::string bytes :
-         {"{ ProductVersion = \"10.7.5\"; ProductName = \"S\xC3\xA4mpler\"; ProductBuildVersion = 11G63; }",
-          "/* strings */\nProductVersion = \"10.7.5\";\nProductName = "
-          "\"S\xC3\xA4mpler\";\nProductBuildVersion = "
-          "11G63;\n",
-          // Not UTF-8: read as ASCII, and bytes beyond it as the units of their numbers.
-          "{ ProductVersion = \"10.7.5\"; ProductName = \"S\xE4mpler\"; ProductBuildVersion = 11G63; }"}) {
-        const Facts facts(Given{.versionFile = bytes});
-        EXPECT_EQ(systemFacts(), "4|10.7.5|11G63|S\xC3\xA4mpler|Mac OS X") << bytes;
-    }
-}
-
 TEST(ZQLogInfo, raisesForASystemVersionFileThatLacksAFact) {
     const std::string name = entry("ProductName", "Sampler OS");
     const std::string version = entry("ProductVersion", "14.2");
@@ -218,21 +205,6 @@ TEST(ZQLogInfo, raisesForASystemVersionFileThatLacksAFact) {
     EXPECT_EQ(raised([] { ZQLogInfo::getSystemInformation(); }), invalidArgument);
 }
 
-TEST(ZQLogInfo, raisesForASystemVersionFileThatMayNotBeRead) {
-    const Facts facts(Given{.settings = {traced}});
-    facts.system.writeReleaseFile("NAME=Other\nVERSION_ID=12\n");
-    facts.system.makeVersionFileUnreadable();
-    const logtest::CapturedOutput output;
-    EXPECT_EQ(kit::inUnprivilegedChild([] {
-                  return raised([] { ZQLogInfo::standardStartupLog(); }) == invalidArgument &&
-                                 raised([] { ZQLogInfo::getSystemInformation(); }) == invalidArgument
-                             ? 0
-                             : 1;
-              }),
-              0);
-    EXPECT_EQ(output.texts(), Lines{separator});
-}
-
 TEST(ZQLogInfo, reportsEveryDistribution) {
     const std::string kernel = kernelRelease();
     for (const Distribution& row : distributions) {
@@ -240,13 +212,8 @@ TEST(ZQLogInfo, reportsEveryDistribution) {
         if (row.file != nullptr) {
             facts.system.writeReleaseFile(row.file);
         }
-        const std::string name = row.name;
-        const std::string release = filledIn(row.version);
-        const std::string whole = name + " " + release + " (" + kernel + ")";
-        EXPECT_EQ(systemFacts(), "4|" + release + "|" + kernel + "|" + name + "|" + name) << row.label;
+        const std::string whole = row.name + (" " + filledIn(row.version)) + " (" + kernel + ")";
         EXPECT_EQ(utf8Of(ZQLogInfo::osInfoString()), whole) << row.label;
-        EXPECT_EQ(utf8Of(ZQLogInfo::osNameAndVersionString()), name + " " + release) << row.label;
-        EXPECT_EQ(utf8Of(ZQLogInfo::osVersionString()), release) << row.label;
         EXPECT_EQ(startupLog(), (Lines{separator, "Viewer 2.1 v417 (en), running on " + whole, hardwareLine,
                                        separator, "Debug logging:", traceLine, separator}))
             << row.label;
