@@ -91,49 +91,53 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     // expected: a specialization of ZQFoundation::ObjectConversion has the static member
     NSArray{Wrong()};
 #endif
-#ifdef REFUSE_TEXT_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
-    // expected: argument<1, char [5]> | argument<1, char[5]>
-    NSString::stringWithFormat("%d", "text");
-#endif
-#ifdef REFUSE_REAL_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%d", 1.5);
-#endif
-#ifdef REFUSE_HANDLE_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer && conversion<'u'> && conversion_number<1>
-    // expected: argument<1, ZQFoundation::NSNumber>
-    NSString::stringWithFormat("%lu", NSNumber(5));
-#endif
-#ifdef REFUSE_POINTER_FOR_AN_INTEGER
-    // expected: format_conversion_requires_an_integer && conversion<'x'> && conversion_number<1>
-    // expected: argument<1, {anonymous}::Declared*> | argument<1, (anonymous namespace)::Declared *>
-    NSString::stringWithFormat("%x", declared);
-#endif
 #ifdef REFUSE_TEXT_FOR_A_CHARACTER
     // expected: format_conversion_requires_an_integer && conversion<'c'> && conversion_number<1>
     // expected: argument<1, char [2]> | argument<1, char[2]>
     NSString::stringWithFormat("%c", "c");
 #endif
-#ifdef REFUSE_INTEGER_FOR_A_REAL
-    // expected: format_conversion_requires_a_real_number && conversion<'f'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%f", 5);
+#ifdef REFUSE_REALS_FOR_INTEGERS
+    // expected: format_conversion_requires_an_integer && conversion_number<1> && argument<1, double>
+    // expected: conversion<'d'> && conversion<'i'> && conversion<'u'> && conversion<'o'>
+    // expected: conversion<'x'> && conversion<'X'> && conversion<'c'> && conversion<'C'>
+    NSString::stringWithFormat("%d", 1.5);
+    NSString::stringWithFormat("%i", 1.5);
+    NSString::stringWithFormat("%u", 1.5);
+    NSString::stringWithFormat("%o", 1.5);
+    NSString::stringWithFormat("%x", 1.5);
+    NSString::stringWithFormat("%X", 1.5);
+    NSString::stringWithFormat("%c", 1.5);
+    NSString::stringWithFormat("%C", 1.5);
 #endif
-#ifdef REFUSE_INTEGER_FOR_A_C_STRING
+#ifdef REFUSE_INTEGERS_FOR_REALS
+    // expected: format_conversion_requires_a_real_number && conversion_number<1> && argument<1, int>
+    // expected: conversion<'e'> && conversion<'E'> && conversion<'f'> && conversion<'F'>
+    // expected: conversion<'g'> && conversion<'G'> && conversion<'a'> && conversion<'A'>
+    NSString::stringWithFormat("%e", 1);
+    NSString::stringWithFormat("%E", 1);
+    NSString::stringWithFormat("%f", 1);
+    NSString::stringWithFormat("%F", 1);
+    NSString::stringWithFormat("%g", 1);
+    NSString::stringWithFormat("%G", 1);
+    NSString::stringWithFormat("%a", 1);
+    NSString::stringWithFormat("%A", 1);
+#endif
+#ifdef REFUSE_OTHERS_FOR_AN_INTEGER
+    // expected: format_conversion_requires_an_integer && conversion<'u'> && conversion_number<1>
+    // expected: argument<1, char [5]> | argument<1, char[5]>
+    // expected: argument<1, ZQFoundation::NSNumber>
+    // expected: argument<1, {anonymous}::Declared*> | argument<1, (anonymous namespace)::Declared *>
+    NSString::stringWithFormat("%u", "text");
+    NSString::stringWithFormat("%lu", NSNumber(5));
+    NSString::stringWithFormat("%u", declared);
+#endif
+#ifdef REFUSE_OTHERS_FOR_A_C_STRING
     // expected: format_conversion_requires_a_text_of_char() | format_conversion_requires_a_text_of_char<
     // expected: conversion<'s'> && conversion_number<1> && argument<1, int>
+    // expected: argument<1, char16_t*> | argument<1, char16_t *>
+    // expected: argument<1, ZQFoundation::NSObject>
     NSString::stringWithFormat("%s", 5);
-#endif
-#ifdef REFUSE_UNITS_FOR_A_C_STRING
-    // expected: format_conversion_requires_a_text_of_char() | format_conversion_requires_a_text_of_char<
-    // expected: conversion<'s'> && conversion_number<1> && argument<1, char16_t*> | argument<1, char16_t *>
     NSString::stringWithFormat("%s", units);
-#endif
-#ifdef REFUSE_ANY_HANDLE_FOR_A_C_STRING
-    // expected: format_conversion_requires_a_text_of_char() | format_conversion_requires_a_text_of_char<
-    // expected: conversion<'s'> && conversion_number<1> && argument<1, ZQFoundation::NSObject>
     NSString::stringWithFormat("%s", object);
 #endif
 #ifdef REFUSE_CHARS_FOR_UNITS
@@ -141,24 +145,14 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     // expected: argument<1, char [5]> | argument<1, char[5]>
     NSString::stringWithFormat("%S", "text");
 #endif
-#ifdef REFUSE_INTEGER_FOR_AN_OBJECT
+#ifdef REFUSE_OTHERS_FOR_AN_OBJECT
     // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%@", 5);
-#endif
-#ifdef REFUSE_REAL_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%@", 0.5);
-#endif
-#ifdef REFUSE_ANY_POINTER_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
+    // expected: argument<1, int> && argument<1, double>
     // expected: argument<1, {anonymous}::Declared*> | argument<1, (anonymous namespace)::Declared *>
-    NSString::stringWithFormat("%@", declared);
-#endif
-#ifdef REFUSE_FOREIGN_OBJECT_FOR_AN_OBJECT
-    // expected: format_conversion_requires_an_object_or_text && conversion<'@'> && conversion_number<1>
     // expected: argument<1, {anonymous}::Other> | argument<1, (anonymous namespace)::Other>
+    NSString::stringWithFormat("%@", 5);
+    NSString::stringWithFormat("%@", 0.5);
+    NSString::stringWithFormat("%@", declared);
     NSString::stringWithFormat("%@", Other());
 #endif
 #ifdef REFUSE_INTEGER_FOR_A_POINTER
@@ -250,86 +244,6 @@ void right(const char* variable, const std::string& text, const NSString& name, 
 #ifdef REFUSE_MISSING_OBJECT
     // expected: format_has_no_argument_for_the_conversion && conversion<'@'> && conversion_number<3>
     NSString::stringWithFormat("%d of %d: %@", 1, 2);
-#endif
-#ifdef REFUSE_REAL_FOR_SMALL_D
-    // expected: format_conversion_requires_an_integer && conversion<'d'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%d", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_SMALL_I
-    // expected: format_conversion_requires_an_integer && conversion<'i'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%i", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_SMALL_U
-    // expected: format_conversion_requires_an_integer && conversion<'u'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%u", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_SMALL_O
-    // expected: format_conversion_requires_an_integer && conversion<'o'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%o", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_SMALL_X
-    // expected: format_conversion_requires_an_integer && conversion<'x'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%x", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_LARGE_X
-    // expected: format_conversion_requires_an_integer && conversion<'X'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%X", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_SMALL_C
-    // expected: format_conversion_requires_an_integer && conversion<'c'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%c", 1.5);
-#endif
-#ifdef REFUSE_REAL_FOR_LARGE_C
-    // expected: format_conversion_requires_an_integer && conversion<'C'> && conversion_number<1>
-    // expected: argument<1, double>
-    NSString::stringWithFormat("%C", 1.5);
-#endif
-#ifdef REFUSE_INTEGER_FOR_SMALL_E
-    // expected: format_conversion_requires_a_real_number && conversion<'e'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%e", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_LARGE_E
-    // expected: format_conversion_requires_a_real_number && conversion<'E'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%E", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_SMALL_F
-    // expected: format_conversion_requires_a_real_number && conversion<'f'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%f", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_LARGE_F
-    // expected: format_conversion_requires_a_real_number && conversion<'F'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%F", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_SMALL_G
-    // expected: format_conversion_requires_a_real_number && conversion<'g'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%g", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_LARGE_G
-    // expected: format_conversion_requires_a_real_number && conversion<'G'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%G", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_SMALL_A
-    // expected: format_conversion_requires_a_real_number && conversion<'a'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%a", 1);
-#endif
-#ifdef REFUSE_INTEGER_FOR_LARGE_A
-    // expected: format_conversion_requires_a_real_number && conversion<'A'> && conversion_number<1>
-    // expected: argument<1, int>
-    NSString::stringWithFormat("%A", 1);
 #endif
 #ifdef REFUSE_POINTER_VARIABLE_AS_FORMAT
     // expected: delete
