@@ -8,6 +8,7 @@
 
 using namespace ZQFoundation;
 using localizedscene::Application;
+using localizedscene::Text;
 
 namespace {
 
@@ -18,12 +19,7 @@ NSString filled(const char* key, const NSLocale& locale) {
 } // namespace
 
 TEST(LocalizedFormats, aTextIsLookedUpInTheUsersLanguage) {
-    struct Row {
-        const char* key;
-        const char* english;
-        const char* german;
-    };
-    const Row rows[] = {
+    const Text rows[] = {
         {"greeting", "Hello", "Gr\u00FC\u00DFe"},
         {"%d files", "%d files", "%d Dateien"}, // no format here
         {"share", "100%", "100% (alle)"},
@@ -35,7 +31,7 @@ TEST(LocalizedFormats, aTextIsLookedUpInTheUsersLanguage) {
     };
     for (const bool german : {false, true}) {
         const Application application(german ? "de" : "en");
-        for (const Row& row : rows) {
+        for (const Text& row : rows) {
             EXPECT_EQ(NSString::initWithLocalizedString(row.key), german ? row.german : row.english)
                 << row.key;
         }

@@ -11,6 +11,12 @@
 
 namespace localizedscene {
 
+struct Text {
+    const char* key;
+    const char* english;
+    const char* german;
+};
+
 /// The main bundle while it lives. Which language a bundle speaks is decided once, so each application has a
 /// folder of its own.
 class Application {

@@ -8,6 +8,7 @@
 
 using namespace ZQFoundation;
 using localizedscene::Application;
+using localizedscene::Text;
 
 namespace {
 
@@ -35,12 +36,7 @@ void expectAll(const char* key, const char* expected) {
 } // namespace
 
 TEST(LocalizedStrings, textsWithoutConversionsComeBackWithTheirPercentSigns) {
-    struct Row {
-        const char* key;
-        const char* english;
-        const char* german;
-    };
-    const Row rows[] = {
+    const Text rows[] = {
         {"greeting", "Hello", "Gr\u00FC\u00DFe"},
         {"half", "50% done", "50% fertig"},
         {"empty", "", ""},
@@ -50,7 +46,7 @@ TEST(LocalizedStrings, textsWithoutConversionsComeBackWithTheirPercentSigns) {
     };
     for (const bool german : {false, true}) {
         const Application application(german ? "de" : "en");
-        for (const Row& row : rows) {
+        for (const Text& row : rows) {
             expectAll(row.key, german ? row.german : row.english);
         }
     }

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The library's own sets of characters, and that all threads share them.
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "foundation/objects/Bodies.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "tests/kit/AllocationCount.h"
+#include "tests/kit/Threads.h"
 
 namespace {
 
@@ -46,13 +45,7 @@ TEST(NSCharacterSetExtensions, areMadeOnceForAllThreads) {
     for (const auto set : {NSCharacterSet::emptyCharacterSet, NSCharacterSet::nullByteCharacterSet,
                            NSCharacterSet::whitespaceAndControlCharacterSet}) {
         const void* bodies[4] = {};
-        std::vector<std::thread> threads;
-        for (const void*& body : bodies) {
-            threads.emplace_back([&body, set] { body = detail::Access::body(set()); });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        kit::inThreads(4, [&](std::size_t i) { bodies[i] = detail::Access::body(set()); });
         const std::size_t before = kit::AllocationCount::now();
         const NSCharacterSet again = set();
         EXPECT_EQ(kit::AllocationCount::now(), before);

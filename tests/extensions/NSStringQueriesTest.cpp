@@ -48,13 +48,15 @@ TEST(NSStringQueries, callOnlyTheStringWithoutUnitsEmpty) {
     }
 }
 
+struct ContainmentRow {
+    const char* name;
+    NSString text;
+    NSString other;
+    bool isContained;
+};
+
 TEST(NSStringQueries, compareUnitsForContainment) {
-    const struct {
-        const char* name;
-        NSString text;
-        NSString other;
-        bool isContained;
-    } rows[] = {
+    const ContainmentRow rows[] = {
         {"the whole", "hello", "hello", true},
         {"other case", "hello", "HE", false},
         {"the empty string", "hello", "", false},
@@ -77,12 +79,7 @@ TEST(NSStringQueries, compareUnitsForContainment) {
 }
 
 TEST(NSStringQueries, foldCaseForContainmentWhenAsked) {
-    const struct {
-        const char* name;
-        NSString text;
-        NSString other;
-        bool isContained;
-    } rows[] = {
+    const ContainmentRow rows[] = {
         {"mixed", "HeLLo", "hEllO", true},
         {"absent", "hello", "HEY", false},
         {"nil", "hello", nullptr, false},

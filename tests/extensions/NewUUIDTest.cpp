@@ -4,13 +4,13 @@
 #include <cerrno>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSString.h"
 #include "tests/kit/Child.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
@@ -59,18 +59,12 @@ TEST(NewUUID, isRandomInEveryOtherBit) {
 
 TEST(NewUUID, isNeverTheSameInConcurrentThreads) {
     std::vector<std::vector<std::string>> texts(4);
-    std::vector<std::thread> threads;
-    for (std::vector<std::string>& own : texts) {
-        threads.emplace_back([&own] {
-            for (int round = 0; round < 10000; ++round) {
-                own.push_back(newIdentifier());
-            }
-        });
-    }
+    kit::inThreads(texts.size(), [&texts](std::size_t number) {
+        for (int round = 0; round < 10000; ++round) {
+            texts[number].push_back(newIdentifier());
+        }
+    });
     std::set<std::string> seen;
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
     for (const std::vector<std::string>& own : texts) {
         seen.insert(own.begin(), own.end());
     }

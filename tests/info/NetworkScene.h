@@ -184,31 +184,11 @@ inline bool enterNamespace() {
 /// make pairs of interfaces; nothing where the system does not allow it.
 template <class Body>
 std::optional<std::string> inNetworkOfItsOwn(const Body& body) {
-    constexpr char refused = 'r';
     constexpr char allowed = 'a';
-    int ends[2];
-    if (::pipe(ends) != 0) {
-        ADD_FAILURE() << "no pipe";
-        return std::nullopt;
-    }
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::alarm(60);
-        std::string text(1, refused);
-        if (enterNamespace() && makePair("probe0", "probe1") == 0) {
-            text = allowed + body();
-        }
-        const bool whole = ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
-        ZQFoundation::kit::leave(whole ? 0 : 1);
-    }
-    ::close(ends[1]);
-    const std::string text = ZQFoundation::kit::readToEnd(ends[0]);
-    ::close(ends[0]);
-    EXPECT_EQ(ZQFoundation::kit::endOf(child), 0);
-    if (text.empty() || text.front() == refused) {
-        return std::nullopt;
-    }
-    return text.substr(1);
+    const std::string text = ZQFoundation::kit::textFromChild([&body] {
+        return enterNamespace() && makePair("probe0", "probe1") == 0 ? allowed + body() : std::string();
+    });
+    return text.starts_with(allowed) ? std::optional(text.substr(1)) : std::nullopt;
 }
 
 } // namespace networkscene

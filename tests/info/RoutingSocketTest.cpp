@@ -692,20 +692,15 @@ TEST(RoutingSocketOfTheKernel, keepsOneSocketForEachCallThatNoChildInherits) {
 }
 
 TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
-    EXPECT_TRUE(logtest::inChild([] {
-        if (!scene::refuseCall(SYS_recvfrom, EIO)) {
-            return false;
-        }
-        EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(notRead, EIO));
-        return !testing::Test::HasFailure();
-    }));
-    EXPECT_TRUE(logtest::inChild([] {
-        if (!scene::refuseCall(SYS_sendto, EIO)) {
-            return false;
-        }
-        EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(notWritten, EIO));
-        return !testing::Test::HasFailure();
-    }));
+    for (const auto& [call, step] : {std::pair(SYS_recvfrom, notRead), std::pair(SYS_sendto, notWritten)}) {
+        EXPECT_TRUE(logtest::inChild([call = call, step = step] {
+            if (!scene::refuseCall(call, EIO)) {
+                return false;
+            }
+            EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(step, EIO));
+            return !testing::Test::HasFailure();
+        })) << step;
+    }
 }
 
 TEST(RoutingSocketOfTheKernel, followsTheRoutes) {

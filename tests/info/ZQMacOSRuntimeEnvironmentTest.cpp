@@ -3,9 +3,9 @@
 #include "info/ZQMacOSRuntimeEnvironment.h"
 
 #include <array>
-#include <thread>
 
 #include "tests/info/InfoScene.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 using namespace infotest;
@@ -317,13 +317,7 @@ TEST(ZQMacOSRuntimeEnvironment, isReadOnceByThreadsThatUseItFirstAtOnce) {
         const SystemScene system;
         system.writeVersionFile(versionFileOf("10.15.7"));
         std::array<std::string, 8> seen;
-        std::vector<std::thread> threads;
-        for (std::string& text : seen) {
-            threads.emplace_back([&text] { text = numbers() + " " + releaseTests(); });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        kit::inThreads(seen.size(), [&seen](std::size_t i) { seen[i] = numbers() + " " + releaseTests(); });
         for (const std::string& text : seen) {
             EXPECT_EQ(text, "10 15 7 YYYYn");
         }

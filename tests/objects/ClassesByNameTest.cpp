@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Classes found by their names at run time, and operations called by theirs.
 #include <string>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "foundation/objects/ClassesByName.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
@@ -126,19 +125,14 @@ TEST(ClassesByName, answerOnlyWhatTheirObjectOffers) {
 
 TEST(ClassesByName, areFoundFromManyThreads) {
     const ClassRegistration steady("ZQSteadyClass", echo("steady"));
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 4; ++number) {
-        threads.emplace_back([name = "ZQPassingClass" + std::to_string(number)] {
-            for (int turn = 0; turn < 500; ++turn) {
-                const ClassRegistration passing(name, echo("passing"));
-                EXPECT_EQ(nameBehind(name), "passing");
-                EXPECT_EQ(nameBehind("ZQSteadyClass"), "steady");
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    kit::inThreads(4, [](std::size_t number) {
+        const std::string name = "ZQPassingClass" + std::to_string(number);
+        for (int turn = 0; turn < 500; ++turn) {
+            const ClassRegistration passing(name, echo("passing"));
+            EXPECT_EQ(nameBehind(name), "passing");
+            EXPECT_EQ(nameBehind("ZQSteadyClass"), "steady");
+        }
+    });
     EXPECT_EQ(nameBehind("ZQPassingClass0"), "(nil)");
 }
 

@@ -2,15 +2,13 @@
 // Sets of characters: the named ones, those of a text, and their operations.
 #include "foundation/objects/NSCharacterSet.h"
 
-#include <thread>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 #include "foundation/objects/CharacterSetPages.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSSet.h"
 #include "tests/kit/AllocationCount.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 
 namespace {
@@ -107,13 +105,7 @@ TEST(NSCharacterSet, makesEachNamedSetOnceForAllThreads) {
     constexpr std::size_t threadCount = 4;
     for (const NamedRow& row : namedRows) {
         const void* bodies[threadCount] = {};
-        std::vector<std::thread> threads;
-        for (const void*& body : bodies) {
-            threads.emplace_back([&] { body = detail::Access::body(row.set()); });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        kit::inThreads(threadCount, [&](std::size_t i) { bodies[i] = detail::Access::body(row.set()); });
         for (const void* body : bodies) {
             EXPECT_EQ(body, bodies[0]) << row.name;
         }

@@ -7,10 +7,8 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <thread>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "foundation/objects/Class.h"
 #include "foundation/objects/NSArray.h"
@@ -21,6 +19,7 @@
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSURL.h"
 #include "tests/kit/AllocationCount.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
@@ -343,21 +342,15 @@ TEST(NSObjectConcurrency, copiesMadeByManyConcurrentThreadsAreCounted) {
     int destroyed = 0;
     {
         const NSObject shared = NSArray{makeObject<Offering>(&destroyed), "text", NSDictionary{{"k", "v"}}};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 8; ++i) {
-            threads.emplace_back([&shared] {
-                for (int turn = 0; turn < 20000; ++turn) {
-                    const NSObject copy = shared;
-                    const NSObject element = copy.as<NSArray>()[static_cast<std::size_t>(turn % 3)];
-                    NSMutableArray own;
-                    own.addObject(element);
-                    ASSERT_EQ(own.array().count(), 1U);
-                }
-            });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        kit::inThreads(8, [&shared](std::size_t) {
+            for (int turn = 0; turn < 20000; ++turn) {
+                const NSObject copy = shared;
+                const NSObject element = copy.as<NSArray>()[static_cast<std::size_t>(turn % 3)];
+                NSMutableArray own;
+                own.addObject(element);
+                ASSERT_EQ(own.array().count(), 1U);
+            }
+        });
         EXPECT_EQ(destroyed, 0);
     }
     EXPECT_EQ(destroyed, 1);

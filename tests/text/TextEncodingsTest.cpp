@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <sys/resource.h>
@@ -14,6 +13,7 @@
 #include "foundation/text/ByteTable.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
@@ -195,13 +195,7 @@ TEST(TextEncodings, dropOnlyTheMarkOfTheirOwnOrder) {
 TEST(TextEncodingsConcurrency, makeTheirTablesOnceForAllThreads) {
     const TextEncoding* const encoding = detail::findTextEncoding(0x80000508);
     const detail::ByteTable* seen[4] = {};
-    std::vector<std::thread> threads;
-    for (const detail::ByteTable*& own : seen) {
-        threads.emplace_back([&own, encoding] { own = detail::byteTableOf(*encoding); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    kit::inThreads(4, [&](std::size_t i) { seen[i] = detail::byteTableOf(*encoding); });
     for (const detail::ByteTable* const table : seen) {
         EXPECT_NE(table, nullptr);
         EXPECT_EQ(table, seen[0]);

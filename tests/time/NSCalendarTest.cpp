@@ -121,43 +121,6 @@ TEST(NSCalendar, turnsSkippedAndRepeatedWallTimesIntoInstants) {
     }
 }
 
-TEST(NSCalendar, agreesWithTheCLibrary) {
-    std::mt19937_64 random(5);
-    std::uniform_int_distribution<std::int64_t> between(0, 2145916800);
-    int compared = 0;
-    for (const char* name : kit::remarkableZones) {
-        if (!kit::hasZoneFile(name)) {
-            continue;
-        }
-        const kit::TimeZone current(name);
-        const NSCalendar calendar = gregorian();
-        for (int i = 0; i < 1000; ++i) {
-            const std::int64_t seconds = between(random);
-            struct tm local = kit::localTime(seconds);
-            const NSDateComponents fields =
-                calendar.components_fromDate(allUnits, since1970(static_cast<double>(seconds)));
-            ASSERT_EQ(fields.year, local.tm_year + 1900) << name << seconds;
-            ASSERT_EQ(fields.month, local.tm_mon + 1) << name << seconds;
-            ASSERT_EQ(fields.day, local.tm_mday) << name << seconds;
-            ASSERT_EQ(fields.hour, local.tm_hour) << name << seconds;
-            ASSERT_EQ(fields.minute, local.tm_min) << name << seconds;
-            ASSERT_EQ(fields.second, local.tm_sec) << name << seconds;
-            ASSERT_EQ(fields.weekday, local.tm_wday + 1) << name << seconds;
-            const double back = calendar.dateFromComponents(fields).timeIntervalSince1970();
-            // The C library is given which of two it was; here it is the first.
-            const bool again = kit::offsetAt(static_cast<std::int64_t>(back)) != local.tm_gmtoff;
-            ASSERT_TRUE(again ? back < static_cast<double>(seconds)
-                              : back == static_cast<double>(mktime(&local)))
-                << name << seconds;
-            compared += again ? 0 : 1;
-        }
-    }
-    if (compared == 0) {
-        GTEST_SKIP() << "there are no zone files on this machine";
-    }
-    EXPECT_GT(compared, 900);
-}
-
 TEST(NSCalendar, countsYearsWithinTheirEra) {
     const Universal in;
     const struct {

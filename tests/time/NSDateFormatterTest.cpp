@@ -4,11 +4,10 @@
 
 #include <atomic>
 #include <limits>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Threads.h"
 #include "tests/kit/Zones.h"
 #include "tests/time/FormatterTesting.h"
 
@@ -48,19 +47,13 @@ TEST(NSDateFormatter, servesManyConcurrentThreads) {
     NSDateFormatter formatter;
     formatter.setDateFormat("yyyy'-'MM'-'dd' 'HH':'mm':'ss'.'SSS");
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&formatter, &wrong, t] {
-            for (int i = 0; i < 2000; ++i) {
-                const bool summer = (i + t) % 2 == 0;
-                const NSString text = formatter.stringFromDate(at(summer ? 1720000000 : teatime));
-                wrong += !(text == (summer ? "2024-07-03 11:46:40.000" : "2024-03-05 14:07:09.042"));
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    kit::inThreads(4, [&](std::size_t number) {
+        for (std::size_t i = 0; i < 2000; ++i) {
+            const bool summer = (i + number) % 2 == 0;
+            const NSString text = formatter.stringFromDate(at(summer ? 1720000000 : teatime));
+            wrong += !(text == (summer ? "2024-07-03 11:46:40.000" : "2024-03-05 14:07:09.042"));
+        }
+    });
     EXPECT_EQ(wrong, 0);
 }
 

@@ -10,11 +10,12 @@
 #include <vector>
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Zones.h"
 
 namespace ZQFoundation::detail {
@@ -251,22 +252,16 @@ TEST_F(ZoneTable, takesNoInstantForOneFarAway) {
 TEST_F(ZoneTable, servesManyThreadsAtOnce) {
     zone_.change("CET-1CEST,M3.5.0,M10.5.0/3");
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&wrong, t] {
-            for (int i = 0; i < 5000; ++i) {
-                wrong += zoneOffsetAt(processZone(), winter) != 3600;
-                wrong += zoneOffsetAt(processZone(), summer) != 7200;
-                wrong += zoneOffsetAt(zoneNamed("Test/Zone"), winter) != 3600;
-                if (t == 0 && i % 100 == 0) {
-                    rereadProcessZone();
-                }
+    kit::inThreads(4, [&wrong](std::size_t number) {
+        for (int i = 0; i < 5000; ++i) {
+            wrong += zoneOffsetAt(processZone(), winter) != 3600;
+            wrong += zoneOffsetAt(processZone(), summer) != 7200;
+            wrong += zoneOffsetAt(zoneNamed("Test/Zone"), winter) != 3600;
+            if (number == 0 && i % 100 == 0) {
+                rereadProcessZone();
             }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+        }
+    });
     EXPECT_EQ(wrong, 0);
 }
 
@@ -284,17 +279,12 @@ TEST_F(ZoneTable, servesAForkedChildWhileThreadsAreAtWork) {
         });
     }
     for (int round = 0; round < 50; ++round) {
-        const pid_t child = fork();
-        if (child == 0) {
-            alarm(20);
-            rereadProcessZone();
-            const bool right = zoneOffsetAt(processZone(), summer) == 7200 &&
-                               zoneOffsetAt(zoneNamed("Test/Zone"), winter) == 3600;
-            _exit(right ? 0 : 1);
-        }
-        int status = -1;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        EXPECT_EQ(kit::inChild([] {
+                      rereadProcessZone();
+                      return zoneOffsetAt(processZone(), summer) == 7200 &&
+                             zoneOffsetAt(zoneNamed("Test/Zone"), winter) == 3600;
+                  }),
+                  0);
     }
     done = true;
     for (std::thread& thread : threads) {
