@@ -11,14 +11,10 @@
 #include "tests/models/Base64.h"
 
 using namespace ZQFoundation;
+using kit::bytesOf;
 using kit::utf8Of;
 
 namespace {
-
-/// The bytes of the data, or "(nil)".
-std::string bytesOf(const NSData& data) {
-    return data ? std::string(reinterpret_cast<const char*>(data.bytes()), data.length()) : "(nil)";
-}
 
 std::string dataOf(const NSString& text) { return bytesOf(NSData::dataFromBase64String(text)); }
 

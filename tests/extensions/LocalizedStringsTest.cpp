@@ -12,14 +12,14 @@ using localizedscene::Text;
 
 namespace {
 
-/// All eight functions, asked for a key of the default table of the main bundle.
+/// All eight functions, asked for a key of the default table of the main bundle. Nobody reads the comments.
 std::vector<NSString> answersOfAll(const NSString& key, const char* defaultValue = "") {
     const Argument arguments[] = {Argument(7)};
     const ArgumentList list(arguments, 1);
     const NSBundle bundle = NSBundle::mainBundle();
-    return {ZQLocalizedStringWithFormat(key, "comment", 7),
-            ZQLocalizedStringWithFormatv(key, "comment", list),
-            ZQLocalizedStringFromTableWithFormat(key, nullptr, "comment", 7),
+    return {ZQLocalizedStringWithFormat(key, "%@ %n %s", 7),
+            ZQLocalizedStringWithFormatv(key, NSString(), list),
+            ZQLocalizedStringFromTableWithFormat(key, nullptr, "%@ %n %s", 7),
             ZQLocalizedStringFromTableWithFormatv(key, "", "comment", list),
             ZQLocalizedStringFromTableInBundleWithFormat(key, "Localizable", bundle, "comment", 7),
             ZQLocalizedStringFromTableInBundleWithFormatv(key, nullptr, bundle, "comment", list),

@@ -21,10 +21,6 @@ namespace {
 constexpr std::size_t million = 1000000;
 constexpr std::int64_t greatest = std::numeric_limits<std::int64_t>::max();
 
-NSCharacterSet setOf(StringView characters) {
-    return NSCharacterSet::characterSetWithCharactersInString(characters);
-}
-
 void expectReplaced(const std::u16string& text, const NSCharacterSet& set,
                     const std::u16string& replacement) {
     const std::u16string expected = models::replaced(text, set, replacement);

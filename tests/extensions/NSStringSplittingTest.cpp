@@ -7,6 +7,7 @@
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSCharacterSet.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 #include "tests/models/Strings.h"
 
 using namespace ZQFoundation;
@@ -18,10 +19,6 @@ using models::Texts;
 namespace {
 
 NSCharacterSet blanks() { return NSCharacterSet::whitespaceCharacterSet(); }
-
-NSCharacterSet setOf(StringView characters) {
-    return NSCharacterSet::characterSetWithCharactersInString(characters);
-}
 
 void expectSplit(const std::u16string& text, const NSCharacterSet& set) {
     const NSString string = stringOf(text);

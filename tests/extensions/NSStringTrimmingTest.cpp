@@ -7,6 +7,7 @@
 
 #include "foundation/objects/NSCharacterSet.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 #include "tests/models/Strings.h"
 
 using namespace ZQFoundation;
@@ -17,10 +18,6 @@ using namespace std::string_view_literals;
 namespace {
 
 NSCharacterSet blanks() { return NSCharacterSet::whitespaceCharacterSet(); }
-
-NSCharacterSet setOf(StringView characters) {
-    return NSCharacterSet::characterSetWithCharactersInString(characters);
-}
 
 void expectTrims(const std::u16string& text, const NSCharacterSet& set) {
     const NSString string = stringOf(text);

@@ -52,6 +52,12 @@ TEST(NSLocale, partsAreReportedOneByOne) {
     EXPECT_EQ(locale("de").secondaryGroupSize(), 3u);
 }
 
+TEST(NSLocale, widthsCountTheSeparators) {
+    EXPECT_EQ(formatted(locale("de_DE"), "%-12d|%+d|% d|", 1234567, 1234, 1234),
+              "1.234.567   |+1.234| 1.234|");
+    EXPECT_EQ(formatted(locale("fr_FR"), "%7d|", 1234), "  1\u202F234|");
+}
+
 TEST(NSLocale, noLocaleMeansAPointAndNoGroups) {
     EXPECT_FALSE(NSLocale());
     EXPECT_FALSE(NSLocale(nullptr));

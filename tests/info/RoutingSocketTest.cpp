@@ -692,7 +692,8 @@ TEST(RoutingSocketOfTheKernel, keepsOneSocketForEachCallThatNoChildInherits) {
 }
 
 TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
-    for (const auto& [call, step] : {std::pair(SYS_recvfrom, notRead), std::pair(SYS_sendto, notWritten)}) {
+    const std::pair<unsigned, const char*> rows[] = {{SYS_recvfrom, notRead}, {SYS_sendto, notWritten}};
+    for (const auto& [call, step] : rows) {
         EXPECT_TRUE(logtest::inChild([call = call, step = step] {
             if (!scene::refuseCall(call, EIO)) {
                 return false;

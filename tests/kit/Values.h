@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Values as texts, raised exceptions by name, and host objects made to order.
+// Values as texts, data and sets from texts, raised exceptions by name, and host objects made to order.
 #ifndef ZQFOUNDATION_TESTS_KIT_VALUES_H
 #define ZQFOUNDATION_TESTS_KIT_VALUES_H
 
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
+#include "foundation/objects/NSCharacterSet.h"
+#include "foundation/objects/NSData.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSObject.h"
 #include "foundation/objects/NSObjectProtocol.h"
@@ -18,6 +21,19 @@ inline std::string utf8Of(const NSString& text) { return text ? text.utf8() : "(
 
 /// The value's description as UTF-8.
 inline std::string shown(const NSObject& value) { return utf8Of(value.description()); }
+
+/// The bytes of the data, or "(nil)".
+inline std::string bytesOf(const NSData& data) {
+    return data ? std::string(reinterpret_cast<const char*>(data.bytes()), data.length()) : "(nil)";
+}
+
+inline NSData dataOf(std::string_view bytes) {
+    return NSData::dataWithBytes_length(bytes.data(), bytes.size());
+}
+
+inline NSCharacterSet setOf(StringView characters) {
+    return NSCharacterSet::characterSetWithCharactersInString(characters);
+}
 
 /// The name of the exception that the action raises, or "nothing".
 template <class Action>

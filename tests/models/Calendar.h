@@ -86,9 +86,6 @@ constexpr Wide wallSeconds(const Fields& fields) {
 static_assert(wallSeconds({1970, 1, 1, 0, 0, 0}) == 0);
 static_assert(wallSeconds({2001, 1, 1, 0, 0, 0}) == 978307200);
 
-/// How far the calendar reaches to both sides of 1970: 292,000,000,000 years of 365.2425 days.
-inline constexpr Wide calendarReach = Wide{292'000'000'000} * 31'556'952;
-
 } // namespace ZQFoundation::models
 
 #endif

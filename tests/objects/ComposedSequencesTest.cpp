@@ -6,25 +6,18 @@
 
 #include "foundation/text/CaseMapping.h"
 #include "tests/kit/Texts.h"
+#include "tests/models/Utf.h"
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 using namespace std::string_literals;
 using kit::shownUnits;
+using kit::stringOf;
+using models::appendUtf16;
 
 namespace {
 
 UnitView viewOf(const NSString& string) { return UnitView(*Access::string(string)); }
-
-NSString stringOf(std::u16string_view units) { return kit::stringOf(units); }
-
-void appendCodePoint(std::u16string& text, char32_t codePoint) {
-    if (codePoint > 0xFFFF) {
-        text += static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
-        codePoint = 0xDC00 | (codePoint & 0x3FF);
-    }
-    text += static_cast<char16_t>(codePoint);
-}
 
 /// Where the sequences begin, by walking from the front.
 std::vector<std::size_t> starts(const UnitView& text) {
@@ -87,10 +80,10 @@ TEST(ComposedSequences, includeTheWholeDecompositionOfEveryCharacter) {
             continue;
         }
         std::u16string composed;
-        appendCodePoint(composed, codePoint);
+        appendUtf16(composed, codePoint);
         std::u16string decomposed;
         for (unsigned i = 0; i < count; ++i) {
-            appendCodePoint(decomposed, parts[i]);
+            appendUtf16(decomposed, parts[i]);
         }
         const NSString string = stringOf(decomposed);
         ASSERT_EQ(sequenceEnd(viewOf(string), 0), decomposed.size()) << std::hex << unsigned{codePoint};

@@ -11,9 +11,12 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSString.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 
 namespace ZQFoundation::encodingtesting {
 
+using kit::bytesOf;
+using kit::dataOf;
 using kit::shownUnits;
 using kit::stringOf;
 
@@ -22,17 +25,12 @@ inline constexpr bool isLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
 inline const NSStringEncoding isoLatin9{0x8000020F};
 inline const NSStringEncoding koi8{0x80000A02};
 
-inline std::string bytesOf(const NSData& data) {
-    return data ? std::string(reinterpret_cast<const char*>(data.bytes()), data.length()) : none;
-}
-
 inline std::string encoded(std::u16string_view text, NSStringEncoding encoding) {
     return bytesOf(stringOf(text).dataUsingEncoding(encoding));
 }
 
 inline NSString decodedString(std::string_view bytes, NSStringEncoding encoding) {
-    return NSString::initWithData_encoding(NSData::dataWithBytes_length(bytes.data(), bytes.size()),
-                                           encoding);
+    return NSString::initWithData_encoding(dataOf(bytes), encoding);
 }
 
 /// The units of the text, shown; "(nil)" for none.

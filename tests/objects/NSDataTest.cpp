@@ -16,8 +16,6 @@ using namespace std::string_view_literals;
 
 namespace {
 
-NSData dataOf(std::string_view bytes) { return NSData::dataWithBytes_length(bytes.data(), bytes.size()); }
-
 constexpr std::string_view thirtyTwo = "\xd3\xd9\x97\xaf\x96\x7d\x1f\x43\xb4\x05\x37\x4a\x13\x39\x4d\x2f"
                                        "\x00\x01\x02\x03\x04\x05\x06\x07\x28\xf1\x02\x82\x14\xaf\x51\x5f"sv;
 

@@ -3,15 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "foundation/objects/NSData.h"
-#include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
-using kit::stringOf;
+using kit::dataOf;
 
 namespace {
-
-NSData dataOf(const std::string& bytes) { return NSData::dataWithBytes_length(bytes.data(), bytes.size()); }
 
 TEST(StringEncodings, takeNilForNil) {
     for (const std::uint32_t number : {1U, 4U, 10U, 12U, 8U, 4711U}) {

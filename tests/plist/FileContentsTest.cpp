@@ -13,15 +13,13 @@
 
 #include "PropertyListTesting.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Values.h"
 
 namespace {
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
-
-std::string bytesOf(const NSData& data) {
-    return std::string(reinterpret_cast<const char*>(data.bytes()), data.length());
-}
+using kit::bytesOf;
 
 TEST(FileContents, givesTheWholeFile) {
     const kit::ScratchFolder folder;

@@ -9,15 +9,15 @@
 #include "foundation/objects/NSObjectProtocol.h"
 #include "foundation/objects/NSSet.h"
 #include "foundation/objects/NSURL.h"
+#include "tests/kit/Values.h"
 
 namespace {
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
+using kit::dataOf;
 
 class Part : public NSObjectProtocol {};
-
-NSData dataOf(std::string_view text) { return NSData::dataWithBytes_length(text.data(), text.size()); }
 
 TEST(NSPropertyListSerialization, readsAndSaysWhatIsWrong) {
     NSString errorText = "before";

@@ -15,11 +15,14 @@
 #include "tests/kit/Texts.h"
 #include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
+#include "tests/models/Utf.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
 using detail::EncodingForm;
 using detail::TextEncoding;
+using kit::bytesOf;
+using kit::dataOf;
 using kit::shownUnits;
 using kit::stringOf;
 using kit::utf8Of;
@@ -44,13 +47,8 @@ std::vector<const TextEncoding*> encodingsBy(const std::vector<EncodingForm>& fo
 
 NSStringEncoding numberOf(const TextEncoding* encoding) { return NSStringEncoding(encoding->number); }
 
-std::string bytesOf(const NSData& data) {
-    return data ? std::string(reinterpret_cast<const char*>(data.bytes()), data.length()) : "(nil)";
-}
-
 NSString decoded(const std::string& bytes, NSStringEncoding encoding) {
-    return NSString::initWithData_encoding(NSData::dataWithBytes_length(bytes.data(), bytes.size()),
-                                           encoding);
+    return NSString::initWithData_encoding(dataOf(bytes), encoding);
 }
 
 TEST(TextEncodings, haveTheirNumbersInOrderAndEachOne) {
@@ -99,13 +97,6 @@ TEST(TextEncodings, ofOneByteRoundTripTheirWholeRepertoire) {
     }
 }
 
-std::u16string unitsOf(char32_t code) {
-    if (code < 0x10000) {
-        return std::u16string(1, static_cast<char16_t>(code));
-    }
-    return {static_cast<char16_t>(0xD7C0 + (code >> 10)), static_cast<char16_t>(0xDC00 + (code & 0x3FF))};
-}
-
 /// How many characters the encoding holds; each alone comes back, and so do all of them together.
 std::size_t roundTripped(NSStringEncoding encoding) {
     std::u16string all;
@@ -114,7 +105,8 @@ std::size_t roundTripped(NSStringEncoding encoding) {
         if (code >= 0xD800 && code < 0xE000) {
             code = 0xE000;
         }
-        const std::u16string units = unitsOf(code);
+        std::u16string units;
+        models::appendUtf16(units, code);
         const NSData data = stringOf(units).dataUsingEncoding(encoding);
         if (data) {
             ++found;
@@ -214,8 +206,8 @@ std::string heldWithoutModules() {
     for (const std::uint32_t number : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 12U, 21U, 30U, 0x80000A02U}) {
         const NSStringEncoding encoding{number};
         const bool writes = bool(NSString("1").dataUsingEncoding(encoding));
-        const bool reads = bool(NSString::initWithData_encoding(
-            NSData::dataWithBytes_length("1\0", number == 10 ? 2 : 1), encoding));
+        const bool reads =
+            bool(NSString::initWithData_encoding(dataOf({"1\0", number == 10 ? 2U : 1U}), encoding));
         const bool counts = NSString("1").lengthOfBytesUsingEncoding(encoding) != 0;
         found += writes && reads && counts   ? " " + std::to_string(number)
                  : writes || reads || counts ? " half of " + std::to_string(number)

@@ -272,6 +272,11 @@ TEST(NSCalendar, agreesWithTheModelForEveryDayOfNineCenturies) {
     }
 }
 
+TEST(NSCalendar, addsNothingToWholeSeconds) {
+    const Universal in;
+    EXPECT_EQ(dateOf(in.calendar, 2001, 1, 1).timeIntervalSinceReferenceDate(), 0);
+}
+
 TEST(NSCalendar, numbersWeeksBeforeTheYear1ThroughZero) {
     const Universal in;
     // Saturday, 1 January 0000, and Monday, 3 January 0000.
