@@ -15,9 +15,9 @@
 #include "tests/kit/AllocationCount.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/RefusedCalls.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"
-#include "tests/process/RefusedCalls.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
@@ -187,7 +187,7 @@ TEST(FileAppend, leavesADanglingLinkWhereFoldersCannotBeLocked) {
     const kit::ScratchFolder folder;
     ASSERT_EQ(::symlink("nowhere", (folder / "link").c_str()), 0);
     EXPECT_EQ(kit::inChild([&] {
-                  return scene::refuseCall(SYS_flock, ENOLCK) && !append("text", folder / "link") ? 0 : 1;
+                  return kit::refuseCall(SYS_flock, ENOLCK) && !append("text", folder / "link") ? 0 : 1;
               }),
               0);
     EXPECT_TRUE(kit::isLink(folder / "link"));
@@ -197,7 +197,7 @@ TEST(FileAppend, isFalseIfClosingReportsAFailedWrite) {
     const kit::ScratchFolder folder;
     for (const auto& [error, isAppended] : {std::pair(EIO, false), std::pair(EINTR, true)}) {
         EXPECT_EQ(kit::inChild([&, error = error, isAppended = isAppended] {
-                      return scene::refuseCall(SYS_close, static_cast<unsigned>(error)) &&
+                      return kit::refuseCall(SYS_close, static_cast<unsigned>(error)) &&
                                      append("text", folder / "f") == isAppended
                                  ? 0
                                  : 1;

@@ -15,7 +15,8 @@
 #include "foundation/objects/NSString.h"
 #include "info/RoutingSocket.h"
 #include "log/ZQLog.h"
-#include "tests/process/ItemFacts.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 
@@ -38,9 +39,9 @@ bool standardStreamsAreClosed() {
 } // namespace
 
 TEST(ClosedStandardStreams, keepFileHandlesFreeOfLogLines) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     folder.write("data", "0123456789");
-    EXPECT_TRUE(scene::insideFolder(folder.path(), [] {
+    EXPECT_TRUE(kit::insideFolder(folder.path(), [] {
         closeStandardStreams();
         NSFileHandle writer = NSFileHandle::fileHandleForWritingAtPath("data");
         NSFileHandle reader = NSFileHandle::fileHandleForReadingAtPath("data");
@@ -50,13 +51,13 @@ TEST(ClosedStandardStreams, keepFileHandlesFreeOfLogLines) {
         return writer.fileDescriptor() > STDERR_FILENO && reader.fileDescriptor() > STDERR_FILENO &&
                both.fileDescriptor() > STDERR_FILENO && standardStreamsAreClosed();
     }));
-    EXPECT_EQ(scene::contentsOf(folder / "data"), "ab23456789");
+    EXPECT_EQ(kit::contentsOf(folder / "data"), "ab23456789");
 }
 
 TEST(ClosedStandardStreams, stayClosedWhateverIsDoneWithFiles) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     folder.write("tree/a", "a");
-    EXPECT_TRUE(scene::insideFolder(folder.path(), [] {
+    EXPECT_TRUE(kit::insideFolder(folder.path(), [] {
         closeStandardStreams();
         NSFileManager& files = NSFileManager::defaultManager();
         const NSData contents = NSData::dataWithBytes_length("made", 4);
@@ -66,15 +67,15 @@ TEST(ClosedStandardStreams, stayClosedWhateverIsDoneWithFiles) {
                files.contentsOfDirectoryAtPath_error("copy").count() == 1 &&
                NSData::dataWithContentsOfFile("made").length() == 4 && standardStreamsAreClosed();
     }));
-    EXPECT_EQ(scene::contentsOf(folder / "made"), "made");
-    EXPECT_EQ(scene::contentsOf(folder / "appended"), "text");
-    EXPECT_EQ(scene::contentsOf(folder / "copy/a"), "a");
+    EXPECT_EQ(kit::contentsOf(folder / "made"), "made");
+    EXPECT_EQ(kit::contentsOf(folder / "appended"), "text");
+    EXPECT_EQ(kit::contentsOf(folder / "copy/a"), "a");
 }
 
 TEST(ClosedStandardStreams, keepFilesFreeOfTheLinesOfOtherThreads) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     constexpr int count = 300;
-    EXPECT_TRUE(scene::insideFolder(folder.path(), [] {
+    EXPECT_TRUE(kit::insideFolder(folder.path(), [] {
         ::close(STDERR_FILENO);
         std::atomic<bool> isDone{false};
         std::thread other([&] {
@@ -92,13 +93,13 @@ TEST(ClosedStandardStreams, keepFilesFreeOfTheLinesOfOtherThreads) {
         return isGood;
     }));
     for (int index = 0; index < count; ++index) {
-        ASSERT_EQ(scene::contentsOf(folder / std::to_string(index)), "text") << index;
+        ASSERT_EQ(kit::contentsOf(folder / std::to_string(index)), "text") << index;
     }
 }
 
 TEST(ClosedStandardStreams, areNotTakenByTheSocketThatARouteLookupKeeps) {
-    const scene::Folder folder;
-    EXPECT_TRUE(scene::insideFolder(folder.path(), [] {
+    const kit::ScratchFolder folder;
+    EXPECT_TRUE(kit::insideFolder(folder.path(), [] {
         closeStandardStreams();
         getLocalIPAddressOfInterfaceOfRouteTo("127.0.0.1");
         return standardStreamsAreClosed();

@@ -3,27 +3,35 @@
 #ifndef ZQFOUNDATION_TESTS_FILES_COPYSCENE_H
 #define ZQFOUNDATION_TESTS_FILES_COPYSCENE_H
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/xattr.h>
 
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
 
-namespace scene {
+namespace ZQFoundation::scene {
 
-inline bool copyItem(const std::string& from, const std::string& to,
-                     ZQFoundation::NSString* reason = nullptr) {
-    return ZQFoundation::NSFileManager::defaultManager().copyItemAtPath_toPath_error(fromBytes(from),
-                                                                                     fromBytes(to), reason);
+inline bool copyItem(const std::string& from, const std::string& to, NSString* reason = nullptr) {
+    return NSFileManager::defaultManager().copyItemAtPath_toPath_error(kit::fromBytes(from),
+                                                                       kit::fromBytes(to), reason);
 }
 
 /// Why a copy failed, "(nil)" when it did not.
 inline std::string reasonOfCopy(const std::string& from, const std::string& to) {
-    ZQFoundation::NSString reason("before");
+    NSString reason("before");
     const bool isCopied = copyItem(from, to, &reason);
     EXPECT_EQ(isCopied, !reason) << from << " " << to;
-    return shownText(reason);
+    return kit::utf8Of(reason);
 }
 
 inline struct stat lookAt(const std::string& path) {
@@ -63,15 +71,8 @@ inline bool setAttribute(const std::string& path, const char* name, const std::s
     return ::lsetxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
 }
 
-/// For a scope scratch folders are in memory, where the machine has such a place: thousands of items would
-/// keep a disk busy. No thread may be running when it begins or ends.
-class ScratchInMemory {
-private:
-    Variable place_{"TMPDIR", ::access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR")};
-};
-
 /// A test about trees below a folder in memory.
-class TreeTest : ScratchInMemory, public FolderTest {
+class TreeTest : kit::ScratchInMemory, public FolderTest {
 protected:
     /// 200 folders with `filesInEach` empty files in each, named by their numbers.
     void makeWideTree(const std::string& name, int filesInEach) const {
@@ -87,6 +88,6 @@ protected:
 inline constexpr char accessList[] = "system.posix_acl_access";
 inline constexpr char listForNewItems[] = "system.posix_acl_default";
 
-} // namespace scene
+} // namespace ZQFoundation::scene
 
 #endif

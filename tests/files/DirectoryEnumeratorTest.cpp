@@ -2,14 +2,22 @@
 // Enumerating the items below a folder: their order, skipping, links, unreadable folders and descriptors.
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/CopyScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 using Names = std::vector<std::string>;
@@ -17,7 +25,7 @@ using Names = std::vector<std::string>;
 namespace {
 
 NSDirectoryEnumerator itemsOf(const std::string& path) {
-    return NSFileManager::defaultManager().enumeratorAtPath(scene::fromBytes(path));
+    return NSFileManager::defaultManager().enumeratorAtPath(kit::fromBytes(path));
 }
 
 /// In the order in which they are enumerated.
@@ -25,7 +33,7 @@ Names namesBelow(const std::string& path) {
     Names names;
     NSDirectoryEnumerator items = itemsOf(path);
     while (const NSString name = items.nextObject()) {
-        names.push_back(scene::bytesOf(name));
+        names.push_back(kit::bytesOf(name));
     }
     EXPECT_FALSE(items.nextObject()) << "the end stays the end";
     return names;
@@ -87,7 +95,7 @@ TEST_F(DirectoryEnumerator, skipsOnlyTheFolderReturnedLast) {
     items.skipDescendents(); // nothing has been enumerated yet
     Names names;
     while (const NSString name = items.nextObject()) {
-        names.push_back(scene::bytesOf(name));
+        names.push_back(kit::bytesOf(name));
         if (names.back() == "a" || names.back() == "b/y" || names.back() == "c") {
             items.skipDescendents();
             items.skipDescendents();
@@ -102,7 +110,7 @@ TEST_F(DirectoryEnumerator, returnsButSkipsWhatCannotBeRead) {
     folder.write("t/open/f", "");
     ::chmod(in("t/closed").c_str(), 0);
     ::chmod(in("t/names-only").c_str(), 0744); // the names can be read, the items cannot be reached
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         return sorted(namesBelow(in("t"))) ==
                            Names{"closed", "names-only", "names-only/f", "open", "open/f"} &&
                        namesBelow(in("t/closed")).empty()
@@ -119,8 +127,8 @@ TEST_F(DirectoryEnumerator, whatWasReturnedMayBeRemoved) {
     NSDirectoryEnumerator items = itemsOf(in("t"));
     int files = 0;
     while (const NSString name = items.nextObject()) {
-        if (scene::bytesOf(name).find('/') != std::string::npos) {
-            EXPECT_EQ(::unlink((in("t/") + scene::bytesOf(name)).c_str()), 0);
+        if (kit::bytesOf(name).find('/') != std::string::npos) {
+            EXPECT_EQ(::unlink((in("t/") + kit::bytesOf(name)).c_str()), 0);
             ++files;
         }
     }
@@ -134,11 +142,11 @@ TEST_F(DirectoryEnumerator, aFolderRemovedUnderTheWalkDoesNotEndIt) {
     NSDirectoryEnumerator items = itemsOf(in("t"));
     Names tops;
     while (const NSString name = items.nextObject()) {
-        const std::string bytes = scene::bytesOf(name);
+        const std::string bytes = kit::bytesOf(name);
         if (bytes.find('/') == std::string::npos) {
             tops.push_back(bytes);
         } else if (bytes.size() == 5) { // in the middle of the folder's tree
-            scene::removeTree(in("t/") + bytes.substr(0, 1));
+            kit::removeTree(in("t/") + bytes.substr(0, 1));
         }
     }
     EXPECT_EQ(sorted(tops), (Names{"a", "b", "c", "d"}));
@@ -148,13 +156,13 @@ TEST_F(DirectoryEnumerator, aFolderMovedAwayLeadsNowhereElse) {
     // Deeper than folders stay open, so that the way back must be found.
     folder.makeFolder("elsewhere");
     folder.write("elsewhere/other", "");
-    const std::string deep = scene::makeChain(folder.makeFolder("t"), "n", 30);
+    const std::string deep = kit::makeChain(folder.makeFolder("t"), "n", 30);
     folder.write("t/n/n/after", "");
     NSDirectoryEnumerator items = itemsOf(in("t"));
     std::size_t longest = 0;
     bool isAfterSeen = false;
     while (const NSString name = items.nextObject()) {
-        const std::string bytes = scene::bytesOf(name);
+        const std::string bytes = kit::bytesOf(name);
         EXPECT_EQ(bytes.find("other"), std::string::npos) << bytes;
         isAfterSeen = isAfterSeen || bytes == "n/n/after";
         longest = std::max(longest, bytes.size());
@@ -189,15 +197,15 @@ TEST_F(DirectoryEnumerator, aLinkThatIsSwappedInIsNeverEntered) {
 
 TEST_F(DirectoryEnumerator, depthIsNoLimit) {
     constexpr int depth = 5000;
-    scene::makeChain(folder.path(), "n", depth);
-    const int before = scene::openDescriptors();
+    kit::makeChain(folder.path(), "n", depth);
+    const int before = kit::openDescriptors();
     NSDirectoryEnumerator items = itemsOf(folder.path());
     std::size_t count = 0;
     int most = 0;
     while (const NSString name = items.nextObject()) {
         ++count;
         EXPECT_EQ(name.length(), 2 * count - 1);
-        most = count % 500 == 0 ? std::max(most, scene::openDescriptors()) : most;
+        most = count % 500 == 0 ? std::max(most, kit::openDescriptors()) : most;
     }
     EXPECT_EQ(count, static_cast<std::size_t>(depth));
     EXPECT_LE(most, before + 12);
@@ -205,9 +213,9 @@ TEST_F(DirectoryEnumerator, depthIsNoLimit) {
 }
 
 TEST_F(DirectoryEnumerator, fewDescriptorsAreEnough) {
-    scene::makeChain(folder.makeFolder("t"), "n", 60);
+    kit::makeChain(folder.makeFolder("t"), "n", 60);
     folder.write("t/n/n/f", "");
-    EXPECT_TRUE(scene::isTrueWithDescriptors(4, [this] { return namesBelow(in("t")).size() == 61; }));
+    EXPECT_TRUE(kit::isTrueWithDescriptors(4, [this] { return namesBelow(in("t")).size() == 61; }));
 }
 
 TEST_F(DirectoryEnumerator, twentyThousandItemsAreReturnedOnceEach) {
@@ -219,21 +227,21 @@ TEST_F(DirectoryEnumerator, twentyThousandItemsAreReturnedOnceEach) {
 
 TEST_F(DirectoryEnumerator, movesAndClosesItsDescriptors) {
     folder.write("t/a/b/c/f", "");
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     {
         NSDirectoryEnumerator items = itemsOf(in("t"));
-        EXPECT_EQ(scene::bytesOf(items.nextObject()), "a");
+        EXPECT_EQ(kit::bytesOf(items.nextObject()), "a");
         NSDirectoryEnumerator moved = std::move(items);
-        EXPECT_EQ(scene::bytesOf(moved.nextObject()), "a/b");
+        EXPECT_EQ(kit::bytesOf(moved.nextObject()), "a/b");
         NSDirectoryEnumerator assigned;
         assigned = std::move(moved);
-        EXPECT_EQ(scene::bytesOf(assigned.nextObject()), "a/b/c");
+        EXPECT_EQ(kit::bytesOf(assigned.nextObject()), "a/b/c");
         errno = 4711;
-        EXPECT_EQ(scene::bytesOf(assigned.nextObject()), "a/b/c/f");
+        EXPECT_EQ(kit::bytesOf(assigned.nextObject()), "a/b/c/f");
         EXPECT_FALSE(assigned.nextObject());
         EXPECT_EQ(errno, 4711);
     }
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

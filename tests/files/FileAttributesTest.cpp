@@ -2,28 +2,34 @@
 // The attributes of items: numbers, accounts and dates.
 #include <string>
 
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include "foundation/files/FileInformation.h"
+#include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using scene::shownText;
+using kit::utf8Of;
 
 namespace {
 
 NSDictionary attributesOf(const std::string& path) {
-    return NSFileManager::defaultManager().attributesOfItemAtPath_error(scene::fromBytes(path));
+    return NSFileManager::defaultManager().attributesOfItemAtPath_error(kit::fromBytes(path));
 }
 
 std::string typeOf(const std::string& path) {
-    return shownText(NSString(attributesOf(path).objectForKey(NSFileType)));
+    return utf8Of(NSString(attributesOf(path).objectForKey(NSFileType)));
 }
 
 std::int64_t numberOf(const std::string& path, const char* key) {
@@ -85,13 +91,13 @@ TEST_F(FileAttributes, nameTheAccounts) {
     const std::string groupName = groupRecord != nullptr ? groupRecord->gr_name : "(nil)";
     for (int time = 0; time < 2; ++time) {
         const NSDictionary attributes = attributesOf(in("f"));
-        EXPECT_EQ(shownText(NSString(attributes.objectForKey(NSFileOwnerAccountName))), userName);
-        EXPECT_EQ(shownText(NSString(attributes.objectForKey(NSFileGroupOwnerAccountName))), groupName);
+        EXPECT_EQ(utf8Of(NSString(attributes.objectForKey(NSFileOwnerAccountName))), userName);
+        EXPECT_EQ(utf8Of(NSString(attributes.objectForKey(NSFileGroupOwnerAccountName))), groupName);
     }
 }
 
 TEST_F(FileAttributes, anUnknownAccountHasNoName) {
-    if (!scene::isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "only root can give files to another user";
     }
     folder.write("f", "");
@@ -100,7 +106,7 @@ TEST_F(FileAttributes, anUnknownAccountHasNoName) {
     EXPECT_FALSE(attributes.objectForKey(NSFileOwnerAccountName));
     EXPECT_FALSE(attributes.objectForKey(NSFileGroupOwnerAccountName));
     EXPECT_EQ(NSNumber(attributes.objectForKey(NSFileOwnerAccountID)).integerValue(), 54321);
-    EXPECT_EQ(shownText(NSString(attributesOf("/").objectForKey(NSFileOwnerAccountName))), "root");
+    EXPECT_EQ(utf8Of(NSString(attributesOf("/").objectForKey(NSFileOwnerAccountName))), "root");
 }
 
 TEST_F(FileAttributes, datesKeepWhatADoubleHolds) {
@@ -143,11 +149,11 @@ TEST_F(FileAttributes, areNilWithAReasonWhenThereIsNothing) {
     EXPECT_TRUE(files.attributesOfItemAtPath_error(in("f"), &reason));
     EXPECT_FALSE(reason) << "nil on success";
     EXPECT_FALSE(files.attributesOfItemAtPath_error(in("no such"), &reason));
-    EXPECT_EQ(shownText(reason), in("no such") + ": No such file or directory");
+    EXPECT_EQ(utf8Of(reason), in("no such") + ": No such file or directory");
     EXPECT_FALSE(files.attributesOfItemAtPath_error(in("f/"), &reason));
-    EXPECT_EQ(shownText(reason), in("f/") + ": Not a directory");
+    EXPECT_EQ(utf8Of(reason), in("f/") + ": Not a directory");
     EXPECT_FALSE(files.attributesOfItemAtPath_error("", &reason));
-    EXPECT_EQ(shownText(reason), ": No such file or directory");
+    EXPECT_EQ(utf8Of(reason), ": No such file or directory");
     link("loop", "loop");
     for (const std::string& name : {in("f/x"), in("loop/x")}) {
         EXPECT_FALSE(files.attributesOfItemAtPath_error(name, &reason)) << name;
@@ -161,10 +167,10 @@ TEST_F(FileAttributes, areNilWithAReasonWhenThereIsNothing) {
 
 TEST_F(FileAttributes, pathsMayBeLongerThanTheSystemTakes) {
     const std::string name(200, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, 50);
+    const std::string deep = kit::makeChain(folder.path(), name, 50);
     EXPECT_EQ(typeOf(deep), NSFileTypeDirectory);
     EXPECT_TRUE(attributesOf(deep).objectForKey(NSFileModificationDate));
-    scene::removeChain(folder.path(), name, 50);
+    kit::removeChain(folder.path(), name, 50);
 }
 
 TEST_F(FileAttributes, theModificationDateIsThatOfTheInformation) {

@@ -1,18 +1,26 @@
 // SPDX-License-Identifier: MIT
 // Creating files with contents: modes, existing files, and what a failure leaves.
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <initializer_list>
 #include <string>
 #include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "foundation/files/FileInformation.h"
+#include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDate.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 
@@ -21,7 +29,7 @@ namespace {
 NSData dataOf(const std::string& bytes) { return NSData::dataWithBytes_length(bytes.data(), bytes.size()); }
 
 bool create(const std::string& path, const NSData& contents, const NSDictionary& attributes = nullptr) {
-    return NSFileManager::defaultManager().createFileAtPath_contents_attributes(scene::fromBytes(path),
+    return NSFileManager::defaultManager().createFileAtPath_contents_attributes(kit::fromBytes(path),
                                                                                 contents, attributes);
 }
 
@@ -34,49 +42,49 @@ class FileCreation : public scene::FolderTest {};
 TEST_F(FileCreation, writesTheContents) {
     const std::string all = std::string("\0a\xFF", 3) + std::string(3'000'000, 'x');
     EXPECT_TRUE(create(in("f"), dataOf(all)));
-    EXPECT_EQ(scene::contentsOf(in("f")), all);
+    EXPECT_EQ(kit::contentsOf(in("f")), all);
     EXPECT_TRUE(create(in("f"), dataOf("short")));
-    EXPECT_EQ(scene::contentsOf(in("f")), "short");
+    EXPECT_EQ(kit::contentsOf(in("f")), "short");
     EXPECT_EQ(namesIn(folder.path()), 1u) << "nothing is left beside it";
 }
 
 TEST_F(FileCreation, nilContentsMakeAnEmptyFile) {
     EXPECT_TRUE(create(in("nil"), nullptr));
     EXPECT_TRUE(create(in("empty"), NSData::data()));
-    EXPECT_TRUE(scene::stands(in("nil")) && scene::stands(in("empty")));
-    EXPECT_EQ(scene::contentsOf(in("nil")) + scene::contentsOf(in("empty")), "");
+    EXPECT_TRUE(kit::stands(in("nil")) && kit::stands(in("empty")));
+    EXPECT_EQ(kit::contentsOf(in("nil")) + kit::contentsOf(in("empty")), "");
     folder.write("f", "old");
     EXPECT_TRUE(create(in("f"), nullptr));
-    EXPECT_EQ(scene::contentsOf(in("f")), "");
+    EXPECT_EQ(kit::contentsOf(in("f")), "");
 }
 
 TEST_F(FileCreation, aNewFileHasTheOrdinaryMode) {
-    const scene::Umask umask(026);
+    const kit::Umask umask(026);
     EXPECT_TRUE(create(in("f"), nullptr));
-    EXPECT_EQ(scene::modeOf(in("f")), 0640u);
+    EXPECT_EQ(kit::modeOf(in("f")), 0640u);
 }
 
 TEST_F(FileCreation, anExistingFilesModeIsKept) {
-    const scene::Umask umask(022);
+    const kit::Umask umask(022);
     for (const mode_t mode :
          std::initializer_list<mode_t>{0600u, 0666u, 0444u, 0u, 0751u, 04755u, 02710u, 01644u}) {
         folder.write("f", "old");
         ASSERT_EQ(::chmod(in("f").c_str(), mode), 0);
         EXPECT_TRUE(create(in("f"), dataOf("new")));
-        EXPECT_EQ(scene::modeOf(in("f")), mode) << std::oct << mode;
+        EXPECT_EQ(kit::modeOf(in("f")), mode) << std::oct << mode;
         EXPECT_EQ(::unlink(in("f").c_str()), 0);
     }
 }
 
 TEST_F(FileCreation, theRightToRunAsAnOwnerIsNotPassedOnToAnother) {
-    if (!scene::isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "only root can give files to another user";
     }
     folder.write("f", "");
     ASSERT_EQ(::chown(in("f").c_str(), 54321, 54321), 0);
     ASSERT_EQ(::chmod(in("f").c_str(), 06755), 0);
     EXPECT_TRUE(create(in("f"), nullptr));
-    EXPECT_EQ(scene::modeOf(in("f")), 0755u);
+    EXPECT_EQ(kit::modeOf(in("f")), 0755u);
 }
 
 TEST_F(FileCreation, openDescriptorsAndOtherNamesKeepTheOldFile) {
@@ -88,7 +96,7 @@ TEST_F(FileCreation, openDescriptorsAndOtherNamesKeepTheOldFile) {
     EXPECT_EQ(::read(file, bytes, 3), 3);
     EXPECT_STREQ(bytes, "old");
     ::close(file);
-    EXPECT_EQ(scene::contentsOf(in("second")), "old");
+    EXPECT_EQ(kit::contentsOf(in("second")), "old");
 }
 
 TEST_F(FileCreation, aLinkIsReplacedNotFollowed) {
@@ -97,21 +105,21 @@ TEST_F(FileCreation, aLinkIsReplacedNotFollowed) {
     link("target", "l");
     link("no such", "dangling");
     link("loop", "loop");
-    const scene::Umask umask(022);
+    const kit::Umask umask(022);
     EXPECT_TRUE(create(in("l"), dataOf("new")));
     EXPECT_TRUE(create(in("dangling"), dataOf("new")));
     EXPECT_TRUE(create(in("loop"), dataOf("new")));
-    EXPECT_EQ(scene::contentsOf(in("dangling")) + scene::contentsOf(in("loop")), "newnew");
-    EXPECT_EQ(scene::contentsOf(in("target")), "kept");
-    EXPECT_EQ(scene::contentsOf(in("l")), "new");
-    EXPECT_EQ(scene::modeOf(in("l")), 0644u);
-    EXPECT_FALSE(scene::stands(in("no such")));
+    EXPECT_EQ(kit::contentsOf(in("dangling")) + kit::contentsOf(in("loop")), "newnew");
+    EXPECT_EQ(kit::contentsOf(in("target")), "kept");
+    EXPECT_EQ(kit::contentsOf(in("l")), "new");
+    EXPECT_EQ(kit::modeOf(in("l")), 0644u);
+    EXPECT_FALSE(kit::stands(in("no such")));
 }
 
 TEST_F(FileCreation, aPipeIsReplaced) {
     ASSERT_EQ(::mkfifo(in("p").c_str(), 0600), 0);
     EXPECT_TRUE(create(in("p"), dataOf("new")));
-    EXPECT_EQ(scene::contentsOf(in("p")), "new");
+    EXPECT_EQ(kit::contentsOf(in("p")), "new");
 }
 
 TEST_F(FileCreation, foldersAndWhatHasNoPlaceFail) {
@@ -128,7 +136,7 @@ TEST_F(FileCreation, foldersAndWhatHasNoPlaceFail) {
         NSFileManager::defaultManager().createFileAtPath_contents_attributes(nullptr, nullptr, nullptr));
     EXPECT_EQ(namesIn(in("d")), 0u);
     EXPECT_EQ(namesIn(folder.path()), 3u);
-    EXPECT_EQ(scene::contentsOf(in("f")), "kept");
+    EXPECT_EQ(kit::contentsOf(in("f")), "kept");
     EXPECT_TRUE(create(in("to-d/f"), nullptr)) << "a link on the way is followed";
 }
 
@@ -146,18 +154,18 @@ TEST_F(FileCreation, attributesAreApplied) {
         ASSERT_TRUE(detail::getItemInformation(in(name), information));
         EXPECT_EQ(information.st_mode & 07777, 0462u);
         EXPECT_TRUE(detail::modificationDateOf(information).isEqualToDate(date));
-        EXPECT_EQ(information.st_uid, scene::isRoot() ? 54321u : ::geteuid());
-        EXPECT_EQ(information.st_gid == 54322u, scene::isRoot());
+        EXPECT_EQ(information.st_uid, kit::isRoot() ? 54321u : ::geteuid());
+        EXPECT_EQ(information.st_gid == 54322u, kit::isRoot());
         EXPECT_EQ(information.st_size, 1);
     }
 }
 
 TEST_F(FileCreation, valuesOfAWrongKindAreIgnored) {
-    const scene::Umask umask(022);
+    const kit::Umask umask(022);
     const NSDictionary attributes{
         {NSFilePosixPermissions, "x"}, {NSFileModificationDate, 5}, {NSFileOwnerAccountID, NSArray::array()}};
     EXPECT_TRUE(create(in("f"), nullptr, attributes));
-    EXPECT_EQ(scene::modeOf(in("f")), 0644u);
+    EXPECT_EQ(kit::modeOf(in("f")), 0644u);
     for (const double odd : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
         const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(odd);
         EXPECT_TRUE(create(in("f"), nullptr, NSDictionary{{NSFileModificationDate, date}}));
@@ -173,7 +181,7 @@ TEST_F(FileCreation, neverMoreReadableThanTheFileWillBe) {
             for (const NSObject& name :
                  NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(folder.path())) {
                 struct stat information;
-                if (detail::getItemInformation(in(scene::bytesOf(name.as<NSString>())), information)) {
+                if (detail::getItemInformation(in(kit::bytesOf(name.as<NSString>())), information)) {
                     EXPECT_EQ(information.st_mode & 0077, 0u);
                 }
             }
@@ -196,7 +204,7 @@ TEST_F(FileCreation, othersSeeTheOldFileOrTheWholeNewOne) {
     std::atomic<bool> done = false;
     std::thread reader([&] {
         while (!done) {
-            const std::string seen = scene::contentsOf(in("f"));
+            const std::string seen = kit::contentsOf(in("f"));
             EXPECT_TRUE(seen == one || seen == two) << seen.size();
         }
     });
@@ -211,10 +219,10 @@ TEST_F(FileCreation, aFailedWriteLeavesTheOldFileAndNothingBesideIt) {
     folder.write("f", "old");
     ::chmod(folder.path().c_str(), 0777);
     ::chmod(in("f").c_str(), 0666);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         struct sigaction action {};
         action.sa_handler = [](int) {
-            scene::leave(50);
+            kit::leave(50);
         };
         ::sigaction(SIGXFSZ, &action, nullptr);
         const rlimit limit{1000, 1000};
@@ -222,7 +230,7 @@ TEST_F(FileCreation, aFailedWriteLeavesTheOldFileAndNothingBesideIt) {
         if (create(in("f"), dataOf(std::string(5000, 'x')))) {
             return 1;
         }
-        return scene::contentsOf(in("f")) == "old" && namesIn(folder.path()) == 1 ? 0 : 2;
+        return kit::contentsOf(in("f")) == "old" && namesIn(folder.path()) == 1 ? 0 : 2;
     });
     EXPECT_EQ(answer, 0);
 }
@@ -232,43 +240,43 @@ TEST_F(FileCreation, theFolderMustBeWritable) {
     folder.write("d/f", "old");
     ::chmod(in("d/f").c_str(), 0666);
     ::chmod(in("d").c_str(), 0555);
-    EXPECT_EQ(scene::inUnprivilegedChild(
+    EXPECT_EQ(kit::inUnprivilegedChild(
                   [this] { return create(in("d/f"), nullptr) || create(in("d/new"), nullptr) ? 1 : 0; }),
               0);
-    EXPECT_EQ(scene::contentsOf(in("d/f")), "old");
+    EXPECT_EQ(kit::contentsOf(in("d/f")), "old");
 }
 
 TEST_F(FileCreation, theFolderNeedNotBeReadable) {
     folder.makeFolder("d");
     ::chmod(in("d").c_str(), 0333);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] { return create(in("d/f"), dataOf("x")) ? 0 : 1; }), 0);
-    EXPECT_TRUE(scene::stands(in("d/f")));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { return create(in("d/f"), dataOf("x")) ? 0 : 1; }), 0);
+    EXPECT_TRUE(kit::stands(in("d/f")));
 }
 
 TEST_F(FileCreation, namesOfAnyBytesAndOfFullLengthAreMade) {
     EXPECT_TRUE(create(in("\xFF\xC3\x28"), dataOf("x")));
-    EXPECT_EQ(scene::contentsOf(in("\xFF\xC3\x28")), "x");
+    EXPECT_EQ(kit::contentsOf(in("\xFF\xC3\x28")), "x");
     EXPECT_TRUE(create(in(std::string(255, 'n')), dataOf("x")));
-    const scene::CurrentFolder current(folder.path());
+    const kit::CurrentFolder current(folder.path());
     EXPECT_TRUE(create("relative", dataOf("x")));
-    EXPECT_EQ(scene::contentsOf(in("relative")), "x");
+    EXPECT_EQ(kit::contentsOf(in("relative")), "x");
 }
 
 TEST_F(FileCreation, pathsMayBeLongerThanTheSystemTakes) {
     const std::string name(200, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, 50);
+    const std::string deep = kit::makeChain(folder.path(), name, 50);
     EXPECT_TRUE(create(deep + "/f", dataOf("x")));
     EXPECT_TRUE(NSFileManager::defaultManager().fileExistsAtPath(deep + "/f"));
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in(name)));
 }
 
 TEST_F(FileCreation, keepsTheErrorNumberAndEveryDescriptor) {
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     errno = 4711;
     create(in("f"), dataOf("x"));
     create(in("no such/f"), dataOf("x"));
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

@@ -1,21 +1,23 @@
 // SPDX-License-Identifier: MIT
 // The reasons of failures as texts.
-#include "foundation/files/FileError.h"
+#include <cerrno>
 
 #include <gtest/gtest.h>
 
-#include "tests/files/FileScene.h"
+#include "foundation/files/FileError.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
-using scene::shownText;
+using kit::utf8Of;
 
 TEST(FileError, reasonsNeedNoLocale) {
     NSString text;
     detail::reportError(&text, "/a", EACCES);
-    EXPECT_EQ(shownText(text), "/a: Permission denied");
+    EXPECT_EQ(utf8Of(text), "/a: Permission denied");
     detail::reportErrorOfBytes(&text, "/\xFF", ENOTEMPTY);
-    EXPECT_EQ(scene::bytesOf(text), "/\xFF: Directory not empty");
+    EXPECT_EQ(kit::bytesOf(text), "/\xFF: Directory not empty");
     detail::reportError(&text, "/a", 99999);
-    EXPECT_EQ(shownText(text), "/a: Error 99999");
+    EXPECT_EQ(utf8Of(text), "/a: Error 99999");
     detail::reportError(nullptr, "/a", EACCES);
 }

@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: MIT
 // Existence, permissions and information of items, for any path.
+#include <cerrno>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "foundation/files/FileInformation.h"
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
-using scene::fromBytes;
+using kit::fromBytes;
 
 namespace {
 
@@ -98,21 +105,21 @@ TEST_F(FileQueries, everyOperationFailsForAPathThatNoFileCanHave) {
     EXPECT_EQ(successesFor(below(u"a\xDC00")), "") << "means no byte";
     EXPECT_EQ(successesFor(below(u"a\xDC7F")), "") << "an ASCII byte needs no surrogate";
     EXPECT_EQ(successesFor(below(u"a\xDD00")), "");
-    EXPECT_EQ(scene::contentsOf(in("f")), "abc");
+    EXPECT_EQ(kit::contentsOf(in("f")), "abc");
     EXPECT_EQ(files().contentsOfDirectoryAtPath_error(folder.path()).count(), 6U);
 }
 
 TEST_F(FileQueries, relativePathsStartInTheCurrentFolderAndNoTildeIsExpanded) {
     folder.write("home/file", "x");
     folder.write("current/file", "x");
-    const scene::Variable variable("HOME", in("home").c_str());
-    const scene::CurrentFolder current(in("current"));
+    const kit::Variable variable("HOME", in("home").c_str());
+    const kit::CurrentFolder current(in("current"));
     EXPECT_TRUE(files().fileExistsAtPath("file"));
     EXPECT_EQ(findingsAt("~/file") + findingsAt("~"), "");
     EXPECT_FALSE(files().removeItemAtPath_error("~/file"));
     EXPECT_TRUE(createFolder("~/a/b", true));
     EXPECT_TRUE(files().createFileAtPath_contents_attributes("~/made", {}, {}));
-    EXPECT_TRUE(scene::isFolder(in("current/~/a/b")) && scene::stands(in("current/~/made")));
+    EXPECT_TRUE(kit::isFolder(in("current/~/a/b")) && kit::stands(in("current/~/made")));
     EXPECT_TRUE(files().removeItemAtPath_error("file"));
     EXPECT_EQ(files().contentsOfDirectoryAtPath_error(in("home")).count(), 1U);
 }
@@ -148,7 +155,7 @@ TEST_F(FileQueries, permissionsAreThoseOfTheRealUser) {
         {"loop", false, false}, {"open/", false, false},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(scene::inUnprivilegedChild([&] {
+        EXPECT_EQ(kit::inUnprivilegedChild([&] {
                       return files().isReadableFileAtPath(in(row.name)) == row.isReadable &&
                                      files().isWritableFileAtPath(in(row.name)) == row.isWritable
                                  ? 0
@@ -156,7 +163,7 @@ TEST_F(FileQueries, permissionsAreThoseOfTheRealUser) {
                   }),
                   0)
             << row.name;
-        if (scene::isRoot()) {
+        if (kit::isRoot()) {
             const bool exists = files().fileExistsAtPath(in(row.name));
             EXPECT_EQ(files().isReadableFileAtPath(in(row.name)), exists) << row.name;
             EXPECT_EQ(files().isWritableFileAtPath(in(row.name)), exists) << row.name;
@@ -166,7 +173,7 @@ TEST_F(FileQueries, permissionsAreThoseOfTheRealUser) {
 
 TEST_F(FileQueries, pathsMayBeLongerThanTheSystemTakes) {
     const std::string name(200, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, 100);
+    const std::string deep = kit::makeChain(folder.path(), name, 100);
     bool isFolder = false;
     EXPECT_TRUE(files().fileExistsAtPath_isDirectory(deep, &isFolder));
     EXPECT_TRUE(isFolder);
@@ -178,7 +185,7 @@ TEST_F(FileQueries, pathsMayBeLongerThanTheSystemTakes) {
     EXPECT_FALSE(files().fileExistsAtPath(in(std::string(100'000, 'x'))));
     EXPECT_FALSE(files().fileExistsAtPath("/" + std::string(5000, 'x')));
     EXPECT_TRUE(files().fileExistsAtPath(std::string(5000, '/')));
-    scene::removeChain(folder.path(), name, 100);
+    kit::removeChain(folder.path(), name, 100);
 }
 
 TEST_F(FileQueries, theErrorNumberIsKept) {

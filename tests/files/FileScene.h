@@ -1,30 +1,18 @@
 // SPDX-License-Identifier: MIT
-// The kit's parts that the tests of files share, and a test with a folder of its own.
+// What the tests of files share: a test with a folder of its own.
 #ifndef ZQFOUNDATION_TESTS_FILES_FILESCENE_H
 #define ZQFOUNDATION_TESTS_FILES_FILESCENE_H
 
-#include <cstdio>
+#include <cerrno>
+#include <cstring>
 #include <string>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
 
-#include "foundation/files/NSFileManager.h"
-#include "tests/kit/Values.h"
-#include "tests/process/ItemFacts.h"
+#include "tests/kit/ScratchFolder.h"
 
-namespace scene {
-
-using ZQFoundation::kit::bytesOf;
-using ZQFoundation::kit::CurrentFolder;
-using ZQFoundation::kit::deviceOf;
-using ZQFoundation::kit::fromBytes;
-using ZQFoundation::kit::isRoot;
-using ZQFoundation::kit::isTrueWithDescriptors;
-using ZQFoundation::kit::makeChain;
-using ZQFoundation::kit::openDescriptors;
-using ZQFoundation::kit::removeChain;
-using ZQFoundation::kit::Umask;
+namespace ZQFoundation::scene {
 
 /// A test with a folder of its own.
 class FolderTest : public testing::Test {
@@ -34,12 +22,9 @@ protected:
         ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
     }
 
-    Folder folder;
+    kit::ScratchFolder folder;
 };
 
-/// The text of any value as UTF-8; nil is shown differently from the empty text.
-inline std::string shownText(const ZQFoundation::NSString& text) { return ZQFoundation::kit::utf8Of(text); }
-
-} // namespace scene
+} // namespace ZQFoundation::scene
 
 #endif

@@ -1,23 +1,32 @@
 // SPDX-License-Identifier: MIT
 // Creating folders, with or without the missing parent folders.
+#include <cerrno>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "foundation/files/FileInformation.h"
+#include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSDate.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 
 namespace {
 
-using scene::isFolder;
+using kit::isFolder;
 
 bool make(const std::string& path, bool withIntermediates, const NSDictionary& attributes = nullptr,
           NSString* reason = nullptr) {
     return NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
-        scene::fromBytes(path), withIntermediates, attributes, reason);
+        kit::fromBytes(path), withIntermediates, attributes, reason);
 }
 
 class FolderCreation : public scene::FolderTest {
@@ -26,27 +35,27 @@ protected:
 };
 
 TEST_F(FolderCreation, withoutIntermediatesMakesOneNewFolder) {
-    const scene::Umask umask(027);
+    const kit::Umask umask(027);
     EXPECT_TRUE(make(in("d"), false));
-    EXPECT_EQ(scene::modeOf(in("d")), 0750u);
+    EXPECT_EQ(kit::modeOf(in("d")), 0750u);
     EXPECT_TRUE(make(in("d/slash/"), false));
     EXPECT_TRUE(isFolder(in("d/slash")));
     NSString reason;
     EXPECT_FALSE(make(in("d"), false, nullptr, &reason));
-    EXPECT_EQ(scene::shownText(reason), in("d") + ": File exists");
+    EXPECT_EQ(kit::utf8Of(reason), in("d") + ": File exists");
     EXPECT_FALSE(make(in("f"), false));
     EXPECT_FALSE(make(in("no such/d"), false, nullptr, &reason));
-    EXPECT_EQ(scene::shownText(reason), in("no such/d") + ": No such file or directory");
-    EXPECT_FALSE(scene::stands(in("no such")));
+    EXPECT_EQ(kit::utf8Of(reason), in("no such/d") + ": No such file or directory");
+    EXPECT_FALSE(kit::stands(in("no such")));
     EXPECT_TRUE(make(in("other"), false, nullptr, &reason));
     EXPECT_FALSE(reason);
 }
 
 TEST_F(FolderCreation, withIntermediatesMakesWhatIsMissing) {
-    const scene::Umask umask(027);
+    const kit::Umask umask(027);
     EXPECT_TRUE(make(in("a/b//c/"), true));
     for (const char* const name : {"a", "a/b", "a/b/c"}) {
-        EXPECT_EQ(scene::modeOf(in(name)), 0750u) << name;
+        EXPECT_EQ(kit::modeOf(in(name)), 0750u) << name;
     }
     EXPECT_TRUE(make(in("a/b/c"), true)) << "it is there already";
     EXPECT_TRUE(make(in("a/./x/../y"), true));
@@ -69,7 +78,7 @@ TEST_F(FolderCreation, followsLinksToFoldersAndFailsAtFiles) {
     };
     for (const auto& row : rows) {
         for (const bool isDeep : {false, true}) {
-            const scene::Folder items;
+            const kit::ScratchFolder items;
             items.write("f", "kept");
             items.makeFolder("d");
             for (const auto& [target, name] : {std::pair("d", "to-d"), std::pair("f", "to-f"),
@@ -83,8 +92,8 @@ TEST_F(FolderCreation, followsLinksToFoldersAndFailsAtFiles) {
             EXPECT_EQ(isMade, NSFileManager::defaultManager().isDirectoryAtPath(items / row.name) &&
                                   (isDeep || row.alone))
                 << row.name;
-            EXPECT_FALSE(scene::stands(items / "no such"));
-            EXPECT_EQ(scene::contentsOf(items / "f"), "kept");
+            EXPECT_FALSE(kit::stands(items / "no such"));
+            EXPECT_EQ(kit::contentsOf(items / "f"), "kept");
         }
     }
 }
@@ -113,27 +122,27 @@ TEST_F(FolderCreation, attributesAreGivenToEachFolderThatWasMade) {
                                   {"unknown", 1},
                                   {NSFileOwnerAccountID, "no number"}};
     EXPECT_TRUE(make(in("old/a/b"), true, attributes));
-    EXPECT_EQ(scene::modeOf(in("old")), 0755u);
+    EXPECT_EQ(kit::modeOf(in("old")), 0755u);
     for (const char* const name : {"old/a", "old/a/b"}) {
-        EXPECT_EQ(scene::modeOf(in(name)), 0523u) << name << ": the umask does not count";
+        EXPECT_EQ(kit::modeOf(in(name)), 0523u) << name << ": the umask does not count";
         struct stat information;
         ASSERT_TRUE(detail::getItemInformation(in(name), information));
         EXPECT_TRUE(detail::modificationDateOf(information).isEqualToDate(date)) << name;
     }
     EXPECT_TRUE(make(in("old"), true, attributes));
-    EXPECT_EQ(scene::modeOf(in("old")), 0755u) << "it was there already";
+    EXPECT_EQ(kit::modeOf(in("old")), 0755u) << "it was there already";
     EXPECT_TRUE(make(in("single"), false, NSDictionary{{NSFilePosixPermissions, 0}}));
-    EXPECT_EQ(scene::modeOf(in("single")), 0u);
+    EXPECT_EQ(kit::modeOf(in("single")), 0u);
 }
 
 TEST_F(FolderCreation, permissionsThatCloseTheFoldersAreSetLast) {
     ::chmod(folder.path().c_str(), 0777);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         const bool made = make(in("a/b/c"), true, NSDictionary{{NSFilePosixPermissions, 0}});
-        const bool closed = scene::modeOf(in("a")) == 0;
+        const bool closed = kit::modeOf(in("a")) == 0;
         ::chmod(in("a").c_str(), 0700);
         ::chmod(in("a/b").c_str(), 0700);
-        return made && closed && scene::modeOf(in("a/b/c")) == 0 ? 0 : 1;
+        return made && closed && kit::modeOf(in("a/b/c")) == 0 ? 0 : 1;
     });
     EXPECT_EQ(answer, 0);
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in("a")));
@@ -142,7 +151,7 @@ TEST_F(FolderCreation, permissionsThatCloseTheFoldersAreSetLast) {
 TEST_F(FolderCreation, aFolderThatMayNotBeWrittenIsAFailure) {
     folder.makeFolder("d");
     ::chmod(in("d").c_str(), 0555);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         NSString reason;
         const bool refused = !make(in("d/x/y"), true, nullptr, &reason) && !make(in("d/x"), false);
         return refused && reason.utf8() == in("d/x/y") + ": Permission denied" && make(in("d"), true) ? 0 : 1;
@@ -159,7 +168,7 @@ TEST_F(FolderCreation, pathsMayBeLongerThanTheSystemTakes) {
     bool isThere = false;
     EXPECT_TRUE(NSFileManager::defaultManager().fileExistsAtPath_isDirectory(deep, &isThere));
     EXPECT_TRUE(isThere);
-    EXPECT_EQ(scene::modeOf(in("n/n/n")), 0711u);
+    EXPECT_EQ(kit::modeOf(in("n/n/n")), 0711u);
     EXPECT_TRUE(make(deep, true));
     EXPECT_FALSE(make(deep, false));
     EXPECT_TRUE(make(deep + "/one", false));
@@ -172,12 +181,12 @@ TEST_F(FolderCreation, namesOfAnyBytesAreMade) {
 }
 
 TEST_F(FolderCreation, keepsTheErrorNumberAndEveryDescriptor) {
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     errno = 4711;
     make(in("a/b"), true, NSDictionary{{NSFilePosixPermissions, 0700}});
     make(in("f/b"), true);
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

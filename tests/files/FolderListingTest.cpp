@@ -1,13 +1,23 @@
 // SPDX-License-Identifier: MIT
 // The names in a folder, and nil for what cannot be listed.
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <string>
 #include <vector>
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSArray.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 
@@ -17,7 +27,7 @@ namespace {
 std::vector<std::string> listed(const NSArray& listing) {
     std::vector<std::string> names;
     for (const NSObject& name : listing) {
-        names.push_back(scene::bytesOf(name.as<NSString>()));
+        names.push_back(kit::bytesOf(name.as<NSString>()));
     }
     return names;
 }
@@ -29,7 +39,7 @@ std::vector<std::string> namesOf(const NSArray& listing) {
 }
 
 NSArray list(const std::string& path, NSString* reason = nullptr) {
-    return NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(scene::fromBytes(path), reason);
+    return NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(kit::fromBytes(path), reason);
 }
 
 class FolderListing : public scene::FolderTest {};
@@ -82,9 +92,9 @@ TEST_F(FolderListing, isNilForWhatIsNoFolderOrMissing) {
     EXPECT_TRUE(list(in("d"), &reason));
     EXPECT_FALSE(reason);
     EXPECT_FALSE(list(in("f"), &reason));
-    EXPECT_EQ(scene::shownText(reason), in("f") + ": Not a directory");
+    EXPECT_EQ(kit::utf8Of(reason), in("f") + ": Not a directory");
     EXPECT_FALSE(list(in("no such"), &reason));
-    EXPECT_EQ(scene::shownText(reason), in("no such") + ": No such file or directory");
+    EXPECT_EQ(kit::utf8Of(reason), in("no such") + ": No such file or directory");
     EXPECT_FALSE(list("", &reason));
     EXPECT_FALSE(NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(nullptr));
 }
@@ -92,7 +102,7 @@ TEST_F(FolderListing, isNilForWhatIsNoFolderOrMissing) {
 TEST_F(FolderListing, isNilForAnUnreadableFolder) {
     folder.makeFolder("d");
     ::chmod(in("d").c_str(), 0311);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] { return list(in("d")) ? 1 : 0; }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { return list(in("d")) ? 1 : 0; }), 0);
     ::chmod(in("d").c_str(), 0755);
 }
 
@@ -130,23 +140,23 @@ TEST_F(FolderListing, holdsTwoHundredThousandNames) {
     }
     EXPECT_EQ(std::count(seen.begin(), seen.end(), true), count);
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(big));
-    EXPECT_FALSE(scene::stands(big));
+    EXPECT_FALSE(kit::stands(big));
 }
 
 TEST_F(FolderListing, pathsMayBeLongerThanTheSystemTakes) {
     const std::string name(200, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, 50);
+    const std::string deep = kit::makeChain(folder.path(), name, 50);
     EXPECT_EQ(namesOf(list(deep.substr(0, deep.rfind('/')))), std::vector<std::string>{name});
-    scene::removeChain(folder.path(), name, 50);
+    kit::removeChain(folder.path(), name, 50);
 }
 
 TEST_F(FolderListing, keepsTheErrorNumberAndEveryDescriptor) {
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     errno = 4711;
     list(folder.path());
     list(in("no such"));
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

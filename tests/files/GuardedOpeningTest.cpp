@@ -1,16 +1,28 @@
 // SPDX-License-Identifier: MIT
 // Opening files to append to, and which links and files of others are refused.
-#include "foundation/files/GuardedOpening.h"
-
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <initializer_list>
+#include <string>
 #include <thread>
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
+#include "foundation/files/GuardedOpening.h"
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
@@ -58,15 +70,15 @@ TEST_F(GuardedOpening, appendsToAFileAndReadsIt) {
     EXPECT_EQ(::fcntl(file, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
     EXPECT_EQ(::fcntl(file, F_GETFL) & (O_ACCMODE | O_APPEND | O_NONBLOCK), O_RDWR | O_APPEND);
     ::close(file);
-    EXPECT_EQ(scene::contentsOf(in("log")), "one\ntwo\n");
+    EXPECT_EQ(kit::contentsOf(in("log")), "one\ntwo\n");
 }
 
 TEST_F(GuardedOpening, makesAFileWithTheOrdinaryMode) {
-    const scene::Umask umask(027);
+    const kit::Umask umask(027);
     EXPECT_TRUE(append(in("log"), "x"));
-    EXPECT_EQ(scene::modeOf(in("log")), 0640u);
+    EXPECT_EQ(kit::modeOf(in("log")), 0640u);
     EXPECT_TRUE(append(in("shared/log"), "x"));
-    EXPECT_EQ(scene::contentsOf(in("shared/log")), "x");
+    EXPECT_EQ(kit::contentsOf(in("shared/log")), "x");
 }
 
 TEST_F(GuardedOpening, followsOwnLinksAnywhere) {
@@ -77,24 +89,24 @@ TEST_F(GuardedOpening, followsOwnLinksAnywhere) {
     EXPECT_TRUE(append(in("l/../log"), "1"));
     EXPECT_TRUE(append(in("shared/l"), "2"));
     EXPECT_TRUE(append(in("absolute"), "3"));
-    EXPECT_EQ(scene::contentsOf(in("a/log")), "123");
+    EXPECT_EQ(kit::contentsOf(in("a/log")), "123");
 }
 
 TEST_F(GuardedOpening, aDanglingLinksTargetIsMade) {
     link("made", "dangling");
     EXPECT_TRUE(append(in("dangling"), "x"));
-    EXPECT_EQ(scene::contentsOf(in("made")), "x");
+    EXPECT_EQ(kit::contentsOf(in("made")), "x");
     link("no such/made", "hopeless");
     EXPECT_EQ(errorOf(in("hopeless")), ENOENT);
 }
 
 TEST_F(GuardedOpening, relativePathsStartInTheCurrentFolder) {
     folder.makeFolder("a");
-    const scene::CurrentFolder current(in("a"));
+    const kit::CurrentFolder current(in("a"));
     EXPECT_TRUE(append("log", "1"));
     EXPECT_TRUE(append("./log", "2"));
     EXPECT_TRUE(append("../a//log", "3"));
-    EXPECT_EQ(scene::contentsOf(in("a/log")), "123");
+    EXPECT_EQ(kit::contentsOf(in("a/log")), "123");
 }
 
 TEST_F(GuardedOpening, reportsWhyItFails) {
@@ -131,7 +143,7 @@ TEST_F(GuardedOpening, searchPermissionOfTheFoldersIsEnough) {
     ::chmod(in("hidden/inner/log").c_str(), 0666);
     ::chmod(in("hidden/inner").c_str(), 0111);
     ::chmod(in("hidden").c_str(), 0111);
-    const int answer = scene::inUnprivilegedChild([this] { return errorOf(in("hidden/inner/log")); });
+    const int answer = kit::inUnprivilegedChild([this] { return errorOf(in("hidden/inner/log")); });
     ::chmod(in("hidden").c_str(), 0755);
     EXPECT_EQ(answer, 0);
 }
@@ -139,12 +151,12 @@ TEST_F(GuardedOpening, searchPermissionOfTheFoldersIsEnough) {
 TEST_F(GuardedOpening, ordinaryPermissionsHold) {
     folder.write("log", "");
     ::chmod(in("log").c_str(), 0444);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] { return errorOf(in("log")); }), EACCES);
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { return errorOf(in("log")); }), EACCES);
 }
 
 TEST_F(GuardedOpening, pathsMayBeLongerThanTheSystemTakes) {
     const std::string name(100, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, 100);
+    const std::string deep = kit::makeChain(folder.path(), name, 100);
     EXPECT_TRUE(append(deep + "/log", "x"));
     EXPECT_TRUE(append(deep + "/log", "y"));
     EXPECT_TRUE(mayAppendGuarded(deep + "/log"));
@@ -175,12 +187,12 @@ TEST_F(GuardedOpening, opensDevicesAndTheProcessesOwnDescriptors) {
 TEST_F(GuardedOpening, leavesNoDescriptorOpen) {
     folder.write("log", "");
     link("log", "l");
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     errorOf(in("l"));
     errorOf(in("no such/x"));
     errorOf(in("shared/"));
     mayAppendGuarded(in("l"));
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 TEST_F(GuardedOpening, whatIsThereMayBeAppendedToOrNot) {
@@ -209,7 +221,7 @@ TEST_F(GuardedOpening, aSecondNameIsRefusedInAStickyFolder) {
 class GuardedOpeningAmongOthers : public GuardedOpening {
 protected:
     void SetUp() override {
-        if (!scene::isRoot()) {
+        if (!kit::isRoot()) {
             GTEST_SKIP() << "only root can give files to another user";
         }
         folder.makeFolder("target");
@@ -231,9 +243,9 @@ TEST_F(GuardedOpeningAmongOthers, theirLinksAndFilesAreRefused) {
         EXPECT_EQ(errorOf(in(name)), EACCES) << name;
         EXPECT_FALSE(mayAppendGuarded(in(name))) << name;
     }
-    EXPECT_EQ(scene::contentsOf(in("target/log")), "t");
-    EXPECT_FALSE(scene::stands(in("target/new")));
-    EXPECT_EQ(scene::contentsOf(in("shared/file")), "f");
+    EXPECT_EQ(kit::contentsOf(in("target/log")), "t");
+    EXPECT_FALSE(kit::stands(in("target/new")));
+    EXPECT_EQ(kit::contentsOf(in("shared/file")), "f");
 }
 
 TEST_F(GuardedOpeningAmongOthers, theFoldersOwnerIsTrusted) {
@@ -260,9 +272,9 @@ TEST_F(GuardedOpeningAmongOthers, anOrdinaryUserIsGuardedTheSameWay) {
     ::chmod(in("target/log").c_str(), 0666);
     ::chmod(in("shared/file").c_str(), 0666);
     for (const char* const name : {"shared/folder/log", "shared/link", "shared/file", "shared/pipe"}) {
-        EXPECT_EQ(scene::inUnprivilegedChild([&] { return errorOf(in(name)); }), EACCES) << name;
+        EXPECT_EQ(kit::inUnprivilegedChild([&] { return errorOf(in(name)); }), EACCES) << name;
     }
-    EXPECT_EQ(scene::inUnprivilegedChild([&] { return errorOf(in("shared/new")); }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([&] { return errorOf(in("shared/new")); }), 0);
     EXPECT_EQ(errorOf(in("shared/new")), EACCES) << "root is not the other user's helper";
 }
 
@@ -290,7 +302,7 @@ TEST_F(GuardedOpeningAmongOthers, whatIsExchangedMeanwhileIsNeverFollowed) {
     }
     done = true;
     attacker.join();
-    EXPECT_EQ(scene::contentsOf(in("victim")), "");
+    EXPECT_EQ(kit::contentsOf(in("victim")), "");
 }
 
 TEST_F(GuardedOpening, newFilesOfThreadsAtOnceAreOneFile) {
@@ -299,7 +311,7 @@ TEST_F(GuardedOpening, newFilesOfThreadsAtOnceAreOneFile) {
         std::thread other([&] { EXPECT_TRUE(append(path, "x")); });
         EXPECT_TRUE(append(path, "x"));
         other.join();
-        EXPECT_EQ(scene::contentsOf(path), "xx");
+        EXPECT_EQ(kit::contentsOf(path), "xx");
     }
 }
 

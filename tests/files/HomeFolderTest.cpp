@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The home folder of the process and of accounts.
-#include "foundation/files/HomeFolder.h"
-
 #include <string>
 
+#include <gtest/gtest.h>
 #include <pwd.h>
+#include <unistd.h>
 
-#include "tests/process/Scene.h"
+#include "foundation/files/HomeFolder.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
@@ -19,38 +22,38 @@ std::string folderOfUser(uid_t user) {
 }
 
 TEST(HomeFolder, isTheVariableWhenThatIsAbsolute) {
-    const scene::Variable home("HOME", "/some/where");
+    const kit::Variable home("HOME", "/some/where");
     EXPECT_EQ(homeFolder(), "/some/where");
 }
 
 TEST(HomeFolder, followsTheVariableAtEveryCall) {
     {
-        const scene::Variable home("HOME", "/one");
+        const kit::Variable home("HOME", "/one");
         EXPECT_EQ(homeFolder(), "/one");
     }
-    const scene::Variable home("HOME", "/two");
+    const kit::Variable home("HOME", "/two");
     EXPECT_EQ(homeFolder(), "/two");
 }
 
 TEST(HomeFolder, isTheUserDatabasesWithoutAnAbsoluteVariable) {
     const std::string expected = folderOfUser(::geteuid());
     for (const char* const value : {static_cast<const char*>(nullptr), "", "relative", "~"}) {
-        const scene::Variable home("HOME", value);
+        const kit::Variable home("HOME", value);
         EXPECT_EQ(homeFolder(), expected) << (value != nullptr ? value : "(unset)");
         EXPECT_EQ(homeFolder(), expected) << "the second time";
     }
 }
 
 TEST(HomeFolder, belongsToTheEffectiveUser) {
-    const scene::Variable home("HOME", nullptr);
+    const kit::Variable home("HOME", nullptr);
     homeFolder();
     const int answer =
-        scene::inUnprivilegedChild([] { return homeFolder() == folderOfUser(::geteuid()) ? 0 : 1; });
+        kit::inUnprivilegedChild([] { return homeFolder() == folderOfUser(::geteuid()) ? 0 : 1; });
     EXPECT_EQ(answer, 0);
 }
 
 TEST(HomeFolder, ofAnAccountIsTheUserDatabases) {
-    const scene::Variable home("HOME", "/elsewhere");
+    const kit::Variable home("HOME", "/elsewhere");
     EXPECT_EQ(homeFolderOfAccount("root"), folderOfUser(0));
 }
 

@@ -1,22 +1,28 @@
 // SPDX-License-Identifier: MIT
 // Reading, writing and seeking with file handles, and who closes their descriptors.
-#include "foundation/files/NSFileHandle.h"
-
-#include <gtest/gtest.h>
-
+#include <cerrno>
 #include <csignal>
 #include <string>
 #include <thread>
 #include <utility>
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include "tests/files/FileScene.h"
+#include "foundation/files/NSFileHandle.h"
+#include "foundation/files/NSFileManager.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
+using kit::contentsOf;
 using kit::raised;
-using scene::contentsOf;
 
 namespace {
 
@@ -46,7 +52,7 @@ TEST(NSFileHandle, ofNilDoesNothing) {
 }
 
 TEST(NSFileHandle, raisesForEverythingAfterClosing) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     NSFileHandle handle = NSFileHandle::fileHandleForUpdatingAtPath(folder.write("f", "abc"));
     handle.closeFile();
     handle.closeFile();
@@ -64,8 +70,8 @@ TEST(NSFileHandle, raisesForEverythingAfterClosing) {
 }
 
 TEST(NSFileHandle, isMovedWithItsDescriptor) {
-    const scene::Folder folder;
-    const int before = scene::openDescriptors();
+    const kit::ScratchFolder folder;
+    const int before = kit::openDescriptors();
     {
         NSFileHandle first = NSFileHandle::fileHandleForWritingAtPath(folder.write("f", ""));
         NSFileHandle second(std::move(first));
@@ -73,7 +79,7 @@ TEST(NSFileHandle, isMovedWithItsDescriptor) {
         EXPECT_TRUE(second);
         NSFileHandle third = NSFileHandle::fileHandleForWritingAtPath(folder.write("g", ""));
         third = std::move(second);
-        EXPECT_EQ(scene::openDescriptors(), before + 1);
+        EXPECT_EQ(kit::openDescriptors(), before + 1);
         third.writeData(dataOf("x"));
         NSFileHandle& same = third;
         third = std::move(same);
@@ -83,11 +89,11 @@ TEST(NSFileHandle, isMovedWithItsDescriptor) {
     }
     EXPECT_EQ(contentsOf(folder / "f"), "xy");
     EXPECT_EQ(contentsOf(folder / "g"), "");
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 TEST(NSFileHandle, opensForWhatItsNameSays) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("f", "abc");
     NSFileHandle reader = NSFileHandle::fileHandleForReadingAtPath(path);
     EXPECT_EQ(raised([&] { reader.writeData(dataOf("x")); }), failure);
@@ -102,24 +108,24 @@ TEST(NSFileHandle, opensForWhatItsNameSays) {
 }
 
 TEST(NSFileHandle, opensNeitherFoldersNorMissingFilesNorPipesWithoutReaders) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
     ASSERT_EQ(::symlink("nowhere", (folder / "link").c_str()), 0);
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     for (const std::string& path : {folder.path(), folder / "missing", folder / "link", ""s}) {
         EXPECT_FALSE(NSFileHandle::fileHandleForReadingAtPath(path)) << path;
         EXPECT_FALSE(NSFileHandle::fileHandleForWritingAtPath(path)) << path;
         EXPECT_FALSE(NSFileHandle::fileHandleForUpdatingAtPath(path)) << path;
     }
     EXPECT_FALSE(NSFileHandle::fileHandleForWritingAtPath(folder / "pipe"));
-    EXPECT_EQ(scene::openDescriptors(), before);
-    EXPECT_FALSE(scene::stands(folder / "nowhere"));
+    EXPECT_EQ(kit::openDescriptors(), before);
+    EXPECT_FALSE(kit::stands(folder / "nowhere"));
 }
 
 TEST(NSFileHandle, takesPathsOfAnyLength) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string name(200, 'n');
-    const std::string last = scene::makeChain(folder.path(), name, 30);
+    const std::string last = kit::makeChain(folder.path(), name, 30);
     const std::string path = last + "/f";
     NSFileHandle handle = NSFileHandle::fileHandleForWritingAtPath(path);
     EXPECT_FALSE(handle);
@@ -128,11 +134,11 @@ TEST(NSFileHandle, takesPathsOfAnyLength) {
     handle = NSFileHandle::fileHandleForReadingAtPath(path);
     EXPECT_EQ(bytesOf(handle.readDataToEndOfFile()), "long");
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(path, nullptr));
-    scene::removeChain(folder.path(), name, 30);
+    kit::removeChain(folder.path(), name, 30);
 }
 
 TEST(NSFileHandle, moves) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("f", "abcdef");
     NSFileHandle handle = NSFileHandle::fileHandleForUpdatingAtPath(path);
     handle.seekToFileOffset(4);
@@ -149,7 +155,7 @@ TEST(NSFileHandle, moves) {
 }
 
 TEST(NSFileHandle, cutsOffAndFillsUp) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("f", "abcdef");
     NSFileHandle handle = NSFileHandle::fileHandleForUpdatingAtPath(path);
     handle.truncateFileAtOffset(3);
@@ -163,7 +169,7 @@ TEST(NSFileHandle, cutsOffAndFillsUp) {
 }
 
 TEST(NSFileHandle, readsNoMoreThanAskedFor) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string text(100000, 'q');
     NSFileHandle handle = NSFileHandle::fileHandleForReadingAtPath(folder.write("f", text));
     EXPECT_EQ(bytesOf(handle.readDataOfLength(0)), "");
@@ -173,10 +179,10 @@ TEST(NSFileHandle, readsNoMoreThanAskedFor) {
 }
 
 TEST(NSFileHandle, raisesAtALimitWithoutASignal) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
     const std::string path = folder / "f";
-    EXPECT_EQ(scene::inUnprivilegedChild([&] {
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
                   folder.write("f", "");
                   const rlimit limit{10, 10};
                   ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -244,8 +250,8 @@ TEST(NSFileHandle, writesOnWhenAPipeIsFull) {
 }
 
 TEST(NSFileHandle, writesAndReadsOnWhenSignalsComeIn) {
-    const scene::Folder folder;
-    EXPECT_EQ(scene::inUnprivilegedChild([&] {
+    const kit::ScratchFolder folder;
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
                   struct sigaction action {};
                   action.sa_handler = [](int) {
                   }; // without SA_RESTART
@@ -274,7 +280,7 @@ TEST(NSFileHandle, writesAndReadsOnWhenSignalsComeIn) {
 }
 
 TEST(NSFileHandle, keepsErrno) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("f", "abc");
     errno = 4711;
     NSFileHandle::fileHandleForReadingAtPath(folder / "missing");
@@ -290,12 +296,12 @@ TEST(NSFileHandle, keepsErrno) {
 }
 
 TEST(NSFileHandle, writesNothingForNilAndEmptyData) {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     NSFileHandle handle = NSFileHandle::fileHandleForWritingAtPath(folder.write("f", "a"));
     handle.writeData(nullptr);
     handle.writeData(NSData::data());
     EXPECT_EQ(handle.offsetInFile(), 0U);
-    EXPECT_EQ(scene::contentsOf(folder / "f"), "a");
+    EXPECT_EQ(kit::contentsOf(folder / "f"), "a");
 }
 
 TEST(NSFileHandle, raisesForAFullDevice) {

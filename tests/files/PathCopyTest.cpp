@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copies of single items, whatever they are.
 #include <atomic>
+#include <cerrno>
 #include <initializer_list>
 #include <string>
 #include <thread>
@@ -10,9 +11,17 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/CopyScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 using scene::copyItem;
@@ -23,7 +32,7 @@ namespace {
 class PathCopy : public scene::FolderTest {};
 
 TEST_F(PathCopy, keepsBytesPermissionsAndTimes) {
-    const scene::Umask mask(077);
+    const kit::Umask mask(077);
     const struct {
         std::size_t size;
         mode_t mode;
@@ -45,7 +54,7 @@ TEST_F(PathCopy, keepsBytesPermissionsAndTimes) {
         ASSERT_EQ(scene::reasonOfCopy(in("a"), in("b")), "(nil)");
         EXPECT_EQ(scene::stamp(in("b")), before);
         EXPECT_EQ(lookAt(in("b")).st_atim.tv_sec, row.seconds + 100);
-        EXPECT_TRUE(scene::contentsOf(in("b")) == bytes) << row.size;
+        EXPECT_TRUE(kit::contentsOf(in("b")) == bytes) << row.size;
         ::unlink(in("a").c_str());
         ::unlink(in("b").c_str());
     }
@@ -57,7 +66,7 @@ TEST_F(PathCopy, keepsHoles) {
     EXPECT_TRUE(copyItem(in("a"), in("b")));
     EXPECT_EQ(lookAt(in("b")).st_size, 64 << 20);
     EXPECT_LT(lookAt(in("b")).st_blocks, 8192);
-    EXPECT_EQ(scene::contentsOf(in("b")).substr(0, 6), std::string("start\0", 6));
+    EXPECT_EQ(kit::contentsOf(in("b")).substr(0, 6), std::string("start\0", 6));
 }
 
 TEST_F(PathCopy, takesNamesOfAnyBytes) {
@@ -66,17 +75,17 @@ TEST_F(PathCopy, takesNamesOfAnyBytes) {
     name[8] = '\x80';
     folder.write(name, "x");
     EXPECT_TRUE(copyItem(in(name), in("\xC3\x28")));
-    EXPECT_EQ(scene::contentsOf(in("\xC3\x28")), "x");
+    EXPECT_EQ(kit::contentsOf(in("\xC3\x28")), "x");
 }
 
 TEST_F(PathCopy, takesPathsThatAreLongerThanTheSystemTakes) {
     const std::string name(250, '\xFE');
-    const std::string deep = scene::makeChain(folder.path(), name, 400); // 100,000 bytes of no valid text
+    const std::string deep = kit::makeChain(folder.path(), name, 400); // 100,000 bytes of no valid text
     folder.write("a", "x");
     EXPECT_EQ(scene::reasonOfCopy(in("a"), deep + "/b"), "(nil)");
     EXPECT_EQ(scene::reasonOfCopy(deep + "/b", in("c")), "(nil)");
-    EXPECT_EQ(scene::contentsOf(in("c")), "x");
-    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(in(name))));
+    EXPECT_EQ(kit::contentsOf(in("c")), "x");
+    EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(kit::fromBytes(in(name))));
 }
 
 TEST_F(PathCopy, theDestinationMustBeFree) {
@@ -159,10 +168,10 @@ TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
         EXPECT_EQ(lookAt(in("null")).st_rdev, null.st_rdev);
         EXPECT_EQ(lookAt(in("null")).st_mode, null.st_mode);
     } else {
-        EXPECT_FALSE(scene::stands(in("null"))) << "nothing else takes its place";
+        EXPECT_FALSE(kit::stands(in("null"))) << "nothing else takes its place";
     }
     ::chmod(folder.path().c_str(), 0777);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] {
+    EXPECT_EQ(kit::inUnprivilegedChild([this] {
                   return scene::reasonOfCopy("/dev/null", in("n")) == "/dev/null: Operation not permitted"
                              ? 0
                              : 1;
@@ -174,27 +183,27 @@ TEST_F(PathCopy, aFileThatMayNotBeReadSaysSo) {
     folder.write("a", "x");
     ::chmod(in("a").c_str(), 0);
     ::chmod(folder.path().c_str(), 0777);
-    const int answer = scene::inUnprivilegedChild(
+    const int answer = kit::inUnprivilegedChild(
         [this] { return scene::reasonOfCopy(in("a"), in("b")) == in("a") + ": Permission denied" ? 0 : 1; });
     EXPECT_EQ(answer, 0);
-    EXPECT_FALSE(scene::stands(in("b")));
+    EXPECT_FALSE(kit::stands(in("b")));
 }
 
 TEST_F(PathCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
     folder.write("a", "x");
     ::chmod(in("a").c_str(), 06755);
     ASSERT_TRUE(copyItem(in("a"), in("own")));
-    EXPECT_EQ(scene::modeOf(in("own")), 06755U) << "the owner is the same";
-    if (scene::isRoot()) {
+    EXPECT_EQ(kit::modeOf(in("own")), 06755U) << "the owner is the same";
+    if (kit::isRoot()) {
         ASSERT_EQ(::chown(in("a").c_str(), 1234, 4321), 0);
         ::chmod(in("a").c_str(), 06755);
         ASSERT_TRUE(copyItem(in("a"), in("kept")));
-        EXPECT_EQ(scene::modeOf(in("kept")), 06755U);
+        EXPECT_EQ(kit::modeOf(in("kept")), 06755U);
         EXPECT_EQ(lookAt(in("kept")).st_uid, 1234U);
         EXPECT_EQ(lookAt(in("kept")).st_gid, 4321U);
         ::chmod(folder.path().c_str(), 0777);
-        EXPECT_EQ(scene::inUnprivilegedChild([this] { return copyItem(in("a"), in("other")) ? 0 : 1; }), 0);
-        EXPECT_EQ(scene::modeOf(in("other")), 0755U);
+        EXPECT_EQ(kit::inUnprivilegedChild([this] { return copyItem(in("a"), in("other")) ? 0 : 1; }), 0);
+        EXPECT_EQ(kit::modeOf(in("other")), 0755U);
         EXPECT_EQ(lookAt(in("other")).st_uid, 65534U);
     }
 }
@@ -226,7 +235,7 @@ TEST_F(PathCopy, attributesOfTheSystemAreKeptByWhoMay) {
     ASSERT_TRUE(copyItem(in("a"), in("b")));
     EXPECT_EQ(scene::attribute(in("b"), "trusted.zq.test"), hasTrusted ? "t" : "(none)");
     ::chmod(folder.path().c_str(), 0777);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] { return copyItem(in("a"), in("c")) ? 0 : 1; }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { return copyItem(in("a"), in("c")) ? 0 : 1; }), 0);
     EXPECT_EQ(scene::attribute(in("c"), "trusted.zq.test"), "(none)");
 }
 
@@ -246,7 +255,7 @@ TEST_F(PathCopy, whatAFolderGivesNewItemsDoesNotReachCopies) {
         EXPECT_EQ(scene::attribute(in(name), scene::accessList), "(none)") << name;
         EXPECT_EQ(scene::attribute(in(name), scene::listForNewItems), "(none)") << name;
     }
-    EXPECT_EQ(scene::modeOf(in("d/a")), scene::modeOf(in("a")));
+    EXPECT_EQ(kit::modeOf(in("d/a")), kit::modeOf(in("a")));
 }
 
 TEST_F(PathCopy, aFolderThatDeniesItsOwnerNewItemsGetsCopies) {
@@ -264,7 +273,7 @@ TEST_F(PathCopy, aFolderThatDeniesItsOwnerNewItemsGetsCopies) {
             EXPECT_TRUE(scene::setAttribute(own / "d", scene::listForNewItems, list));
             EXPECT_TRUE(copyItem(own / "t", own / "d/t"));
             EXPECT_EQ(kit::contentsOf(own / "d/t/f"), "x");
-            EXPECT_EQ(scene::modeOf(own / "d/t"), scene::modeOf(own / "t"));
+            EXPECT_EQ(kit::modeOf(own / "d/t"), kit::modeOf(own / "t"));
         };
         EXPECT_EQ(kit::inUnprivilegedChild(copies), 0) << permissions;
     }
@@ -299,14 +308,14 @@ TEST_F(PathCopy, aCopyInProgressIsClosedToOthers) {
 TEST_F(PathCopy, aFailedWriteFailsTheCopyAndWhatWasWrittenStays) {
     folder.write("a", std::string(300000, 'x'));
     ::chmod(folder.path().c_str(), 0777);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         const rlimit limit{100000, 100000};
         ::setrlimit(RLIMIT_FSIZE, &limit);
         return scene::reasonOfCopy(in("a"), in("b")) == in("a") + ": File too large" ? 0 : 1;
     });
     EXPECT_EQ(answer, 0);
     EXPECT_LE(lookAt(in("b")).st_size, 100000);
-    EXPECT_EQ(scene::modeOf(in("b")), 0600U);
+    EXPECT_EQ(kit::modeOf(in("b")), 0600U);
     EXPECT_EQ(lookAt(in("a")).st_size, 300000);
 }
 
@@ -320,13 +329,13 @@ TEST_F(PathCopy, aFullFileSystemFailsTheCopy) {
                                ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                                ::mount("none", in("m").c_str(), "tmpfs", 0, "size=128k") == 0;
         if (!isMounted) {
-            scene::leave(77);
+            kit::leave(77);
         }
         const bool fileFails =
             scene::reasonOfCopy(in("t/a"), in("m/a")) == in("t/a") + ": No space left on device";
         ::unlink(in("m/a").c_str());
-        const bool treeFails = !copyItem(in("t"), in("m/t")) && scene::stands(in("m/t"));
-        scene::leave(fileFails && treeFails ? 0 : 1);
+        const bool treeFails = !copyItem(in("t"), in("m/t")) && kit::stands(in("m/t"));
+        kit::leave(fileFails && treeFails ? 0 : 1);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
@@ -338,13 +347,13 @@ TEST_F(PathCopy, aFullFileSystemFailsTheCopy) {
 
 TEST_F(PathCopy, keepsTheErrorNumberAndEveryDescriptor) {
     folder.write("a", "x");
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     errno = 4711;
     copyItem(in("a"), in("b"));
     copyItem(in("a"), in("b"));
     copyItem(in("no"), in("c"));
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

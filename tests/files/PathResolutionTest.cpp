@@ -1,18 +1,24 @@
 // SPDX-License-Identifier: MIT
 // Expanding a tilde, standardizing paths and replacing their links.
-#include "foundation/files/PathResolution.h"
-
+#include <cerrno>
 #include <initializer_list>
+#include <string>
 
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "foundation/files/HomeFolder.h"
+#include "foundation/files/PathResolution.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
 
 using namespace ZQFoundation;
-using scene::bytesOf;
-using scene::fromBytes;
+using kit::bytesOf;
+using kit::fromBytes;
 
 namespace {
 
@@ -32,7 +38,7 @@ struct Row {
 };
 
 TEST(PathResolution, expandsTheTilde) {
-    const scene::Variable home("HOME", "/h/u");
+    const kit::Variable home("HOME", "/h/u");
     const Row rows[] = {
         {"~", "/h/u"},
         {"~/", "/h/u"},
@@ -61,7 +67,7 @@ TEST(PathResolution, expandsTheTilde) {
 }
 
 TEST(PathResolution, asksTheUserDatabaseWithoutAHomeSetting) {
-    const scene::Variable home("HOME", nullptr);
+    const kit::Variable home("HOME", nullptr);
     const passwd* const user = ::getpwuid(::getuid());
     // An account that the database does not know has no home: the path stays.
     const std::string expected = user != nullptr ? user->pw_dir : "~";
@@ -78,22 +84,22 @@ TEST(PathResolution, answersNilToNil) {
 
 TEST(PathResolution, aHomeFolderMayEndWithASlashOrBeTheRoot) {
     {
-        const scene::Variable home("HOME", "/h/");
+        const kit::Variable home("HOME", "/h/");
         EXPECT_EQ(expanded("~"), "/h");
         EXPECT_EQ(expanded("~/x"), "/h/x");
     }
-    const scene::Variable home("HOME", "/");
+    const kit::Variable home("HOME", "/");
     EXPECT_EQ(expanded("~"), "/");
     EXPECT_EQ(expanded("~/x"), "/x");
 }
 
 TEST(PathResolution, aHomeFolderOfAnyBytesRoundTrips) {
-    const scene::Variable home("HOME", "/h/\xFF\xC3");
+    const kit::Variable home("HOME", "/h/\xFF\xC3");
     EXPECT_EQ(expanded("~/\xA9x"), "/h/\xFF\xC3/\xA9x");
 }
 
 TEST(PathResolution, standardizesByText) {
-    const scene::Variable home("HOME", "/h/u");
+    const kit::Variable home("HOME", "/h/u");
     const Row rows[] = {
         {"", ""},
         {"/", "/"},
@@ -230,7 +236,7 @@ TEST_F(PathResolutionOfLinks, replacesLinks) {
 TEST_F(PathResolutionOnDisk, expandsTheTildeFirst) {
     folder.makeFolder("a");
     link("a", "l");
-    const scene::Variable home("HOME", in("l").c_str());
+    const kit::Variable home("HOME", in("l").c_str());
     EXPECT_EQ(resolved("~"), in("a"));
     EXPECT_EQ(resolved("~/"), in("a"));
     EXPECT_EQ(resolved("~/x"), in("a/x"));
@@ -263,7 +269,7 @@ TEST_F(PathResolutionOnDisk, relativePathsStayRelative) {
     link("../f", "a/up");
     link(in("a"), "absolute");
     link(".", "here");
-    const scene::CurrentFolder current(folder.path());
+    const kit::CurrentFolder current(folder.path());
     EXPECT_EQ(resolved("a/l/x"), "a/b/x");
     EXPECT_EQ(resolved("a/l"), "a/b");
     EXPECT_EQ(resolved("./a/l"), "./a/b");
@@ -294,7 +300,7 @@ TEST_F(PathResolutionOnDisk, unitsWithoutAFileNameStayText) {
     EXPECT_EQ(path.stringByResolvingSymlinksInPath().utf16(), u"/a/b\xD801");
     EXPECT_EQ(path.stringByStandardizingPath().utf16(), u"/a/b\xD801");
     const std::u16string zero(u"~/\0/", 4);
-    const scene::Variable home("HOME", "/h");
+    const kit::Variable home("HOME", "/h");
     EXPECT_EQ(NSString::stringWithCharacters_length(zero.data(), 4).stringByResolvingSymlinksInPath().utf16(),
               std::u16string(u"/h/\0", 4));
 }
@@ -302,7 +308,7 @@ TEST_F(PathResolutionOnDisk, unitsWithoutAFileNameStayText) {
 TEST_F(PathResolutionOnDisk, pathsMayBeLongerThanTheSystemTakes) {
     constexpr int depth = 200;
     const std::string name(100, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, depth);
+    const std::string deep = kit::makeChain(folder.path(), name, depth);
     ASSERT_GT(deep.size(), 20'000u);
     link(name, "l");
     std::string throughLink = in("l") + deep.substr(folder.path().size() + 1 + name.size());
@@ -316,14 +322,14 @@ TEST_F(PathResolutionOnDisk, pathsMayBeLongerThanTheSystemTakes) {
     EXPECT_EQ(resolved(up), in(name));
     EXPECT_EQ(standardized(throughLink + up.substr(deep.size())), in(name));
     EXPECT_EQ(resolved(deep + "/no such/../x"), deep + "/x");
-    scene::removeChain(folder.path(), name, depth);
+    kit::removeChain(folder.path(), name, depth);
 }
 
 TEST_F(PathResolutionOnDisk, aLinkDeepDownLeadsAnywhere) {
     constexpr int depth = 200;
     const std::string name(100, 'n');
-    const std::string deep = scene::makeChain(folder.path(), name, depth);
-    const std::string inner = scene::makeChain(folder.path(), "m", 40);
+    const std::string deep = kit::makeChain(folder.path(), name, depth);
+    const std::string inner = kit::makeChain(folder.path(), "m", 40);
     {
         detail::PathHandle handle;
         const std::string far = deep + "/far";
@@ -338,18 +344,18 @@ TEST_F(PathResolutionOnDisk, aLinkDeepDownLeadsAnywhere) {
         ASSERT_TRUE(handle.reach(far));
         ::unlinkat(handle.folder(), handle.name(), 0);
     }
-    scene::removeChain(folder.path(), name, depth);
+    kit::removeChain(folder.path(), name, depth);
 }
 
 TEST_F(PathResolutionOnDisk, keepsTheErrorNumberAndEveryDescriptor) {
     link("no such", "dangling");
-    const int before = scene::openDescriptors();
+    const int before = kit::openDescriptors();
     errno = 4711;
     resolved(in("dangling/x"));
     standardized(in("no such/../x"));
     expanded("~no such account");
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 constexpr uid_t stranger = 54321;
@@ -362,7 +368,7 @@ TEST_F(PathResolutionOnDisk, anOwnLinkInAStickyFolderIsFollowed) {
 }
 
 TEST_F(PathResolutionOnDisk, aStrangersLinkInAStickyFolderStays) {
-    if (!scene::isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "only root can give links to another user";
     }
     folder.makeFolder("shared");
@@ -391,8 +397,8 @@ TEST_F(PathResolutionOnDisk, whatMayNotBeSearchedIsText) {
     folder.makeFolder("closed/a");
     link("a", "closed/l");
     ASSERT_EQ(::chmod(in("closed").c_str(), 0), 0);
-    const int answer = scene::inUnprivilegedChild(
-        [this] { return resolved(in("closed/l/./x")) == in("closed/l/x") ? 0 : 1; });
+    const int answer =
+        kit::inUnprivilegedChild([this] { return resolved(in("closed/l/./x")) == in("closed/l/x") ? 0 : 1; });
     ::chmod(in("closed").c_str(), 0755);
     EXPECT_EQ(answer, 0);
 }

@@ -1,17 +1,23 @@
 // SPDX-License-Identifier: MIT
 // The last check of what is to be removed.
-#include "foundation/files/RemovalCheck.h"
-
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include <gtest/gtest.h>
-
+#include "foundation/files/RemovalCheck.h"
 #include "foundation/files/TreeCopy.h"
 #include "foundation/system/OpenFolders.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -23,7 +29,7 @@ namespace {
 
 class RemovalCheck : public ::testing::Test {
 public:
-    std::string in(const std::string& name) const { return scene::bytesOf(folder / name); }
+    std::string in(const std::string& name) const { return kit::bytesOf(folder / name); }
 
     /// A tree that was copied, and its record.
     void copyTree() {
@@ -136,29 +142,29 @@ TEST_F(RemovalCheck, seesFoldersThatThisUserMayNotEmpty) {
     folder.file("tree/sub/two", "2");
     ASSERT_EQ(::system(("chown -R 65534 '" + in("") + "'").c_str()), 0);
     ::chmod(in("tree/sub").c_str(), 0500);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { EXPECT_EQ(reason(nullptr), EACCES); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), EACCES); }), 0);
     ::chmod(in("tree/sub").c_str(), 0700);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { EXPECT_EQ(reason(nullptr), 0); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
     // An empty folder goes whatever its permissions are.
     folder.folder("tree/empty");
     ASSERT_EQ(::system(("chown 65534 '" + in("tree/empty") + "'").c_str()), 0);
     ::chmod(in("tree/empty").c_str(), 0500);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { EXPECT_EQ(reason(nullptr), 0); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
     ::chmod(in("tree/empty").c_str(), 0000);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { EXPECT_NE(reason(nullptr), 0); }))
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_NE(reason(nullptr), 0); }), 0)
         << "nobody knows what it holds";
 }
 
 TEST_F(RemovalCheck, seesStickyFoldersWithItemsOfOthers) {
-    if (!scene::isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "gives files to other users";
     }
     folder.file("tree/sub/two", "2");
     ::chmod(in("tree").c_str(), 0777);
     ::chmod(in("tree/sub").c_str(), 01777);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { EXPECT_EQ(reason(nullptr), EPERM); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), EPERM); }), 0);
     ASSERT_EQ(::chown(in("tree/sub/two").c_str(), 65534, 65534), 0);
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([this] { EXPECT_EQ(reason(nullptr), 0); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
     EXPECT_EQ(reason(nullptr), 0);
 }
 

@@ -1,13 +1,23 @@
 // SPDX-License-Identifier: MIT
 // Copies of whole folders.
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/CopyScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 using scene::copyItem;
@@ -18,12 +28,12 @@ namespace {
 class TreeCopy : public scene::TreeTest {
 protected:
     bool remove(const std::string& name) const {
-        return NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(in(name)));
+        return NSFileManager::defaultManager().removeItemAtPath_error(kit::fromBytes(in(name)));
     }
 };
 
 TEST_F(TreeCopy, takesEverythingAlong) {
-    const scene::Umask mask(077);
+    const kit::Umask mask(077);
     folder.write("t/.hidden", "h");
     folder.write("t/a/b/f", "bytes");
     folder.write("t/\xFF\xC3\x28/\xA9", "odd");
@@ -45,8 +55,8 @@ TEST_F(TreeCopy, takesEverythingAlong) {
     for (const std::string& name : names) {
         EXPECT_EQ(scene::stamp(in("u" + name)), scene::stamp(in("t" + name))) << name;
     }
-    EXPECT_EQ(scene::contentsOf(in("u/a/b/f")) + scene::contentsOf(in("u/.hidden")), "bytesh");
-    EXPECT_EQ(scene::contentsOf(in("u/\xFF\xC3\x28/\xA9")), "odd");
+    EXPECT_EQ(kit::contentsOf(in("u/a/b/f")) + kit::contentsOf(in("u/.hidden")), "bytesh");
+    EXPECT_EQ(kit::contentsOf(in("u/\xFF\xC3\x28/\xA9")), "odd");
     char text[20] = {};
     EXPECT_EQ(::readlink(in("u/a/l").c_str(), text, sizeof text), 10);
     EXPECT_STREQ(text, "../outside");
@@ -54,8 +64,8 @@ TEST_F(TreeCopy, takesEverythingAlong) {
 }
 
 TEST_F(TreeCopy, keepsAttributesAndAccessListsOfFolders) {
-    const scene::Variable place("TMPDIR", "/tmp"); // memory keeps no attributes on older systems
-    const scene::Folder disk;
+    const kit::Variable place("TMPDIR", "/tmp"); // memory keeps no attributes on older systems
+    const kit::ScratchFolder disk;
     const auto in = [&](const char* name) {
         return disk / name;
     };
@@ -75,12 +85,12 @@ TEST_F(TreeCopy, hardLinksBecomeSeparateFiles) {
     ASSERT_EQ(::link(in("t/one").c_str(), in("t/two").c_str()), 0);
     ASSERT_TRUE(copyItem(in("t"), in("u")));
     EXPECT_EQ(lookAt(in("u/one")).st_nlink, 1U);
-    EXPECT_EQ(scene::contentsOf(in("u/two")), "x");
+    EXPECT_EQ(kit::contentsOf(in("u/two")), "x");
 }
 
 TEST_F(TreeCopy, depthIsNoLimit) {
     constexpr int depth = 5000;
-    const std::string deep = scene::makeChain(folder.path(), "n", depth);
+    const std::string deep = kit::makeChain(folder.path(), "n", depth);
     NSFileManager& files = NSFileManager::defaultManager();
     ASSERT_TRUE(files.createFileAtPath_contents_attributes(deep + "/f", nullptr, nullptr));
     EXPECT_EQ(scene::reasonOfCopy(in("n"), in("m")), "(nil)");
@@ -107,7 +117,7 @@ TEST_F(TreeCopy, thingsOnTheWayBackAreCopiedToo) {
     at = "u";
     for (int level = 0; level < 40; ++level) {
         for (const char* const name : {"/a/f", "/m/f", "/z/f"}) {
-            EXPECT_EQ(scene::contentsOf(in(at + name)), std::to_string(level));
+            EXPECT_EQ(kit::contentsOf(in(at + name)), std::to_string(level));
         }
         at += "/m";
     }
@@ -130,16 +140,16 @@ TEST_F(TreeCopy, twentyThousandFilesKeepTheirPlaces) {
 
 TEST_F(TreeCopy, foldersWithoutPermissionsAreFilledBeforeTheyGetTheirs) {
     ::chmod(folder.path().c_str(), 0777);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         folder.write("t/locked/f", "x");
         folder.makeFolder("t/list-only");
         ::chmod(in("t/list-only").c_str(), 0400);
         ::chmod(in("t/locked").c_str(), 0500);
         ::chmod(in("t").c_str(), 0555);
         const std::string reason = scene::reasonOfCopy(in("t"), in("u"));
-        const bool isSame = scene::modeOf(in("u")) == 0555 && scene::modeOf(in("u/locked")) == 0500 &&
-                            scene::modeOf(in("u/list-only")) == 0400 &&
-                            scene::contentsOf(in("u/locked/f")) == "x";
+        const bool isSame = kit::modeOf(in("u")) == 0555 && kit::modeOf(in("u/locked")) == 0500 &&
+                            kit::modeOf(in("u/list-only")) == 0400 &&
+                            kit::contentsOf(in("u/locked/f")) == "x";
         for (const char* const name : {"t", "u", "t/locked", "u/locked", "t/list-only", "u/list-only"}) {
             ::chmod(in(name).c_str(), 0777);
         }
@@ -154,7 +164,7 @@ TEST_F(TreeCopy, stopsAtWhatItMayNotReadAndLeavesWhatItMade) {
     folder.write("v/f", "x");
     ::chmod(in("v/f").c_str(), 0);
     ::chmod(folder.path().c_str(), 0777);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         return scene::reasonOfCopy(in("t"), in("u")) == in("t/secret") + ": Permission denied" &&
                        scene::reasonOfCopy(in("t/secret"), in("w")) ==
                            in("t/secret") + ": Permission denied" &&
@@ -163,9 +173,9 @@ TEST_F(TreeCopy, stopsAtWhatItMayNotReadAndLeavesWhatItMade) {
                    : 1;
     });
     EXPECT_EQ(answer, 0);
-    EXPECT_TRUE(scene::stands(in("u")) && scene::stands(in("x")));
-    EXPECT_FALSE(scene::stands(in("w"))) << "it was known before anything was made";
-    EXPECT_EQ(scene::modeOf(in("u")), 0700U);
+    EXPECT_TRUE(kit::stands(in("u")) && kit::stands(in("x")));
+    EXPECT_FALSE(kit::stands(in("w"))) << "it was known before anything was made";
+    EXPECT_EQ(kit::modeOf(in("u")), 0700U);
 }
 
 TEST_F(TreeCopy, aFolderIsNotCopiedIntoItselfHoweverItIsSpelled) {
@@ -188,7 +198,7 @@ TEST_F(TreeCopy, aFolderIsNotCopiedIntoItselfHoweverItIsSpelled) {
             EXPECT_EQ(scene::reasonOfCopy(in(source), path), in(source) + ": Invalid argument") << path;
         }
     }
-    const scene::CurrentFolder current(in("t/sub"));
+    const kit::CurrentFolder current(in("t/sub"));
     for (const char* const destination : {"x", "../x", "./x", "../sub/x"}) {
         EXPECT_FALSE(copyItem("..", destination)) << destination;
     }
@@ -287,7 +297,7 @@ TEST_F(TreeCopy, aLinkPlantedAtTheDestinationIsNeverFollowed) {
     done = true;
     attacker.join();
     EXPECT_EQ(scene::stamp(in("outside")), before);
-    EXPECT_FALSE(scene::stands(in("outside/f")) || scene::stands(in("outside/a")));
+    EXPECT_FALSE(kit::stands(in("outside/f")) || kit::stands(in("outside/a")));
 }
 
 TEST_F(TreeCopy, aFolderThatIsBeingFilledComesToAnEnd) {
@@ -305,21 +315,21 @@ TEST_F(TreeCopy, aFolderThatIsBeingFilledComesToAnEnd) {
     EXPECT_EQ(scene::reasonOfCopy(in("t"), in("u")), "(nil)");
     done = true;
     filler.join();
-    EXPECT_TRUE(scene::stands(in("u/1999")));
+    EXPECT_TRUE(kit::stands(in("u/1999")));
 }
 
 TEST_F(TreeCopy, aFolderMovedAwayTakesTheCopyNowhere) {
     folder.makeFolder("elsewhere");
     folder.write("elsewhere/other", "");
     for (int round = 0; round < 30; ++round) {
-        scene::makeChain(folder.path(), "n", 60);
+        kit::makeChain(folder.path(), "n", 60);
         std::thread mover([&] { ::rename(in("n/n/n/n/n").c_str(), in("elsewhere/n").c_str()); });
         copyItem(in("n"), in("m"));
         mover.join();
         struct stat information;
         std::string at = in("m");
         while (::lstat(at.c_str(), &information) == 0) {
-            EXPECT_FALSE(scene::stands(at + "/other")) << at;
+            EXPECT_FALSE(kit::stands(at + "/other")) << at;
             at += "/n";
         }
         remove("n");
@@ -329,23 +339,23 @@ TEST_F(TreeCopy, aFolderMovedAwayTakesTheCopyNowhere) {
 }
 
 TEST_F(TreeCopy, fewDescriptorsAreEnough) {
-    scene::makeChain(folder.path(), "n", 100);
+    kit::makeChain(folder.path(), "n", 100);
     folder.write("n/n/n/n/n/n/n/n/n/n/n/n/f", "x");
     link("f", "n/n/n/n/n/n/n/n/n/n/n/n/l");
-    EXPECT_TRUE(scene::isTrueWithDescriptors(6, [this] { return copyItem(in("n"), in("m")); }));
-    EXPECT_EQ(scene::contentsOf(in("m/n/n/n/n/n/n/n/n/n/n/n/f")), "x");
+    EXPECT_TRUE(kit::isTrueWithDescriptors(6, [this] { return copyItem(in("n"), in("m")); }));
+    EXPECT_EQ(kit::contentsOf(in("m/n/n/n/n/n/n/n/n/n/n/n/f")), "x");
     EXPECT_TRUE(remove("n") && remove("m"));
 }
 
 TEST_F(TreeCopy, keepsTheErrorNumberAndEveryDescriptor) {
-    scene::makeChain(folder.path(), "n", 20);
-    const int before = scene::openDescriptors();
+    kit::makeChain(folder.path(), "n", 20);
+    const int before = kit::openDescriptors();
     errno = 4711;
     copyItem(in("n"), in("m"));
     copyItem(in("n"), in("n/n/x"));
     copyItem(in("n"), in("m"));
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

@@ -1,19 +1,28 @@
 // SPDX-License-Identifier: MIT
 // Removing files and whole trees, also while others change them.
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "foundation/files/NSFileManager.h"
 #include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 
 namespace {
 
 bool removeItem(const std::string& path, NSString* reason = nullptr) {
-    return NSFileManager::defaultManager().removeItemAtPath_error(scene::fromBytes(path), reason);
+    return NSFileManager::defaultManager().removeItemAtPath_error(kit::fromBytes(path), reason);
 }
 
 class TreeRemoval : public scene::FolderTest {};
@@ -29,10 +38,10 @@ TEST_F(TreeRemoval, takesAFileALinkAndAPipe) {
     ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
     for (const char* const name : {"f", "l", "to-d", "dangling", "pipe"}) {
         EXPECT_TRUE(removeItem(in(name))) << name;
-        EXPECT_FALSE(scene::stands(in(name))) << name;
+        EXPECT_FALSE(kit::stands(in(name))) << name;
         EXPECT_FALSE(removeItem(in(name))) << name << " is gone already";
     }
-    EXPECT_EQ(scene::contentsOf(in("target")) + scene::contentsOf(in("d/f")), "keptkept");
+    EXPECT_EQ(kit::contentsOf(in("target")) + kit::contentsOf(in("d/f")), "keptkept");
 }
 
 TEST_F(TreeRemoval, takesAWholeTreeWithoutFollowingLinks) {
@@ -46,8 +55,8 @@ TEST_F(TreeRemoval, takesAWholeTreeWithoutFollowingLinks) {
     link("../outside/f", "t/l");
     ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
     EXPECT_TRUE(removeItem(in("t")));
-    EXPECT_FALSE(scene::stands(in("t")));
-    EXPECT_EQ(scene::contentsOf(in("outside/f")), "kept");
+    EXPECT_FALSE(kit::stands(in("t")));
+    EXPECT_EQ(kit::contentsOf(in("outside/f")), "kept");
 }
 
 TEST_F(TreeRemoval, aSlashAtTheEndNeedsAFolder) {
@@ -56,22 +65,22 @@ TEST_F(TreeRemoval, aSlashAtTheEndNeedsAFolder) {
     folder.makeFolder("d/inner");
     link("t", "l");
     EXPECT_TRUE(removeItem(in("d//")));
-    EXPECT_FALSE(scene::stands(in("d")));
+    EXPECT_FALSE(kit::stands(in("d")));
     EXPECT_FALSE(removeItem(in("f/")));
     EXPECT_FALSE(removeItem(in("l/")));
-    EXPECT_TRUE(scene::stands(in("f")));
-    EXPECT_TRUE(scene::stands(in("l")));
-    EXPECT_EQ(scene::contentsOf(in("t/f")), "kept");
+    EXPECT_TRUE(kit::stands(in("f")));
+    EXPECT_TRUE(kit::stands(in("l")));
+    EXPECT_EQ(kit::contentsOf(in("t/f")), "kept");
 }
 
 TEST_F(TreeRemoval, whatCannotBeNamedIsLeftWithAllThatIsInIt) {
     folder.write("t/f", "kept");
-    const scene::CurrentFolder current(in("t"));
+    const kit::CurrentFolder current(in("t"));
     for (const std::string& path : {in("t/."), in("t/x/.."), in("t/./"), std::string("."), std::string("./"),
                                     std::string(".."), std::string("/"), std::string("//")}) {
         EXPECT_FALSE(removeItem(path)) << path;
     }
-    EXPECT_EQ(scene::contentsOf(in("t/f")), "kept");
+    EXPECT_EQ(kit::contentsOf(in("t/f")), "kept");
 }
 
 TEST_F(TreeRemoval, reportsWhatItCouldNotRemove) {
@@ -80,11 +89,11 @@ TEST_F(TreeRemoval, reportsWhatItCouldNotRemove) {
     EXPECT_TRUE(removeItem(in("f"), &reason));
     EXPECT_FALSE(reason);
     EXPECT_FALSE(removeItem(in("f"), &reason));
-    EXPECT_EQ(scene::shownText(reason), in("f") + ": No such file or directory");
+    EXPECT_EQ(kit::utf8Of(reason), in("f") + ": No such file or directory");
     EXPECT_FALSE(removeItem("", &reason));
     EXPECT_FALSE(NSFileManager::defaultManager().removeItemAtPath_error(nullptr));
     EXPECT_FALSE(removeItem("/", &reason));
-    EXPECT_EQ(scene::shownText(reason), "/: Invalid argument");
+    EXPECT_EQ(kit::utf8Of(reason), "/: Invalid argument");
 }
 
 TEST_F(TreeRemoval, stopsAtAFolderThatMayNotBeWritten) {
@@ -94,7 +103,7 @@ TEST_F(TreeRemoval, stopsAtAFolderThatMayNotBeWritten) {
     }
     ::chmod(folder.path().c_str(), 0777);
     ::chmod(in("t/a/b").c_str(), 0555);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         NSString reason;
         if (removeItem(in("t"), &reason)) {
             return 1;
@@ -102,7 +111,7 @@ TEST_F(TreeRemoval, stopsAtAFolderThatMayNotBeWritten) {
         return reason.utf8() == in("t/a/b/f") + ": Permission denied" ? 0 : 2;
     });
     EXPECT_EQ(answer, 0);
-    EXPECT_EQ(scene::contentsOf(in("t/a/b/f")), "kept");
+    EXPECT_EQ(kit::contentsOf(in("t/a/b/f")), "kept");
 }
 
 TEST_F(TreeRemoval, needsNoPermissionOfWhatIsRemovedButOfItsFolder) {
@@ -114,7 +123,7 @@ TEST_F(TreeRemoval, needsNoPermissionOfWhatIsRemovedButOfItsFolder) {
     ::chmod(in("d/t").c_str(), 0777);
     const int closed = ::chmod(in("d/closed").c_str(), 0) | ::chmod(in("d/t/closed").c_str(), 0);
     ASSERT_EQ(closed, 0);
-    const int answer = scene::inUnprivilegedChild([this] {
+    const int answer = kit::inUnprivilegedChild([this] {
         return removeItem(in("d/read-only")) && removeItem(in("d/closed")) && removeItem(in("d/t")) ? 0 : 1;
     });
     EXPECT_EQ(answer, 0) << "an empty folder goes even when it may not be looked into";
@@ -122,17 +131,17 @@ TEST_F(TreeRemoval, needsNoPermissionOfWhatIsRemovedButOfItsFolder) {
     folder.write("d/f", "");
     ::chmod(in("d/f").c_str(), 0666);
     ::chmod(in("d").c_str(), 0555);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] { return removeItem(in("d/f")) ? 1 : 0; }), 0);
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { return removeItem(in("d/f")) ? 1 : 0; }), 0);
 }
 
 TEST_F(TreeRemoval, depthIsNoLimit) {
-    const std::string deep = scene::makeChain(folder.path(), "n", 5000);
+    const std::string deep = kit::makeChain(folder.path(), "n", 5000);
     NSFileManager& files = NSFileManager::defaultManager();
     for (const char* const name : {"/f", "/.g"}) {
         ASSERT_TRUE(files.createFileAtPath_contents_attributes(deep + name, nullptr, nullptr));
     }
     EXPECT_TRUE(removeItem(in("n")));
-    EXPECT_FALSE(scene::stands(in("n")));
+    EXPECT_FALSE(kit::stands(in("n")));
 }
 
 TEST_F(TreeRemoval, foldersOnTheWayBackAreEmptiedToo) {
@@ -147,14 +156,14 @@ TEST_F(TreeRemoval, foldersOnTheWayBackAreEmptiedToo) {
         at += "/m";
     }
     EXPECT_TRUE(removeItem(in("t")));
-    EXPECT_FALSE(scene::stands(in("t")));
+    EXPECT_FALSE(kit::stands(in("t")));
 }
 
 TEST_F(TreeRemoval, fewDescriptorsAreEnough) {
-    const std::string deep = scene::makeChain(folder.path(), "n", 100);
+    const std::string deep = kit::makeChain(folder.path(), "n", 100);
     folder.write("n/n/f", "");
-    EXPECT_TRUE(scene::isTrueWithDescriptors(3, [this] { return removeItem(in("n")); }));
-    EXPECT_FALSE(scene::stands(in("n")));
+    EXPECT_TRUE(kit::isTrueWithDescriptors(3, [this] { return removeItem(in("n")); }));
+    EXPECT_FALSE(kit::stands(in("n")));
 }
 
 TEST_F(TreeRemoval, manyFoldersInOne) {
@@ -165,7 +174,7 @@ TEST_F(TreeRemoval, manyFoldersInOne) {
         ASSERT_EQ(::mkdir((name + "/inner").c_str(), 0755), 0);
     }
     EXPECT_TRUE(removeItem(wide));
-    EXPECT_FALSE(scene::stands(wide));
+    EXPECT_FALSE(kit::stands(wide));
 }
 
 TEST_F(TreeRemoval, aLinkThatIsSwappedInIsNeverFollowed) {
@@ -204,25 +213,25 @@ TEST_F(TreeRemoval, aFolderMovedAwayTakesTheRemovalNowhere) {
     folder.makeFolder("elsewhere");
     folder.write("elsewhere/kept", "");
     for (int round = 0; round < 30; ++round) {
-        scene::makeChain(folder.path(), "n", 60);
+        kit::makeChain(folder.path(), "n", 60);
         std::thread mover([&] { ::rename(in("n/n/n/n/n").c_str(), in("elsewhere/n").c_str()); });
         removeItem(in("n"));
         mover.join();
-        EXPECT_TRUE(scene::stands(in("elsewhere/kept")));
+        EXPECT_TRUE(kit::stands(in("elsewhere/kept")));
         removeItem(in("n"));
         removeItem(in("elsewhere/n"));
-        EXPECT_FALSE(scene::stands(in("n")) || scene::stands(in("elsewhere/n")));
+        EXPECT_FALSE(kit::stands(in("n")) || kit::stands(in("elsewhere/n")));
     }
 }
 
 TEST_F(TreeRemoval, keepsTheErrorNumberAndEveryDescriptor) {
-    scene::makeChain(folder.path(), "n", 20);
-    const int before = scene::openDescriptors();
+    kit::makeChain(folder.path(), "n", 20);
+    const int before = kit::openDescriptors();
     errno = 4711;
     removeItem(in("n"));
     removeItem(in("n"));
     EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(scene::openDescriptors(), before);
+    EXPECT_EQ(kit::openDescriptors(), before);
 }
 
 } // namespace

@@ -4,6 +4,9 @@
 
 #include "foundation/process/NSUserDefaults.h"
 #include "tests/info/InfoScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Settings.h"
 
 using namespace ZQFoundation;
 using namespace infotest;
@@ -11,7 +14,7 @@ using namespace infotest;
 namespace {
 
 const Lines nothing;
-const logtest::Setting traced{"TraceIO", "<true/>"};
+const kit::Setting traced{"TraceIO", "<true/>"};
 
 struct Switch {
     std::string key;
@@ -50,14 +53,14 @@ Lines report() {
 }
 
 /// The report of these settings.
-Lines reportOf(const logtest::Settings& settings) {
+Lines reportOf(const kit::Settings& settings) {
     const Facts facts(Given{.settings = settings});
     return report();
 }
 
 /// Settings of this value.
-logtest::Settings allOf(const std::vector<std::string>& keys, const std::string& value = "<true/>") {
-    logtest::Settings settings;
+kit::Settings allOf(const std::vector<std::string>& keys, const std::string& value = "<true/>") {
+    kit::Settings settings;
     for (const std::string& key : keys) {
         settings.push_back({key, value});
     }
@@ -65,7 +68,7 @@ logtest::Settings allOf(const std::vector<std::string>& keys, const std::string&
 }
 
 /// The first words of the report's lines, which are the keys.
-Lines keysOf(const logtest::Settings& settings) {
+Lines keysOf(const kit::Settings& settings) {
     Lines keys;
     for (const std::string& line : reportOf(settings)) {
         keys.push_back(line.substr(0, line.find(" is ")));
@@ -210,19 +213,20 @@ TEST(DefaultsReport, keepsTheTraceKeysButReadsTheOthersAfresh) {
 
 TEST(DefaultsReport, reportsAllDomainsByTheirPrecedence) {
     // In a child, since what a process registers or sets stays with it.
-    EXPECT_TRUE(logtest::inChild([] {
-        Given given{.settings = allOf({"TraceGlobal", "EnableSet", "EnableGlobal", "DisableArg"})};
-        given.settings.push_back({"DebugLevel", "<integer>3</integer>"});
-        given.commandLine = {"-DisableArg", "NO", "-EnableArg", "yes", "-DebugLevel", "17"};
-        const Facts facts(given);
-        NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
-        defaults.setObject_forKey(NSString("NO"), "EnableSet");
-        defaults.setObject_forKey(NSString("2"), "DebugSet");
-        defaults.registerDefaults(NSDictionary{{"DisableFirst", "YES"}, {"DebugLevel", "9"}});
-        EXPECT_EQ(report(), tracing({{"TraceGlobal", 2}}) +
-                                enabling({{"EnableArg", 4}, {"EnableGlobal", 1}}) +
-                                disabling({{"DisableFirst", 1}}) +
-                                modifying({{"DebugLevel", 3, "17"}, {"DebugSet", 5, "2"}}));
-        return !testing::Test::HasFailure();
-    }));
+    EXPECT_EQ(kit::inChild([] {
+                  Given given{.settings = allOf({"TraceGlobal", "EnableSet", "EnableGlobal", "DisableArg"})};
+                  given.settings.push_back({"DebugLevel", "<integer>3</integer>"});
+                  given.commandLine = {"-DisableArg", "NO", "-EnableArg", "yes", "-DebugLevel", "17"};
+                  const Facts facts(given);
+                  NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+                  defaults.setObject_forKey(NSString("NO"), "EnableSet");
+                  defaults.setObject_forKey(NSString("2"), "DebugSet");
+                  defaults.registerDefaults(NSDictionary{{"DisableFirst", "YES"}, {"DebugLevel", "9"}});
+                  EXPECT_EQ(report(), tracing({{"TraceGlobal", 2}}) +
+                                          enabling({{"EnableArg", 4}, {"EnableGlobal", 1}}) +
+                                          disabling({{"DisableFirst", 1}}) +
+                                          modifying({{"DebugLevel", 3, "17"}, {"DebugSet", 5, "2"}}));
+                  return !testing::Test::HasFailure();
+              }),
+              0);
 }

@@ -12,13 +12,12 @@
 #include "info/ZQLogInfo.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Settings.h"
+#include "tests/kit/StandardError.h"
 #include "tests/kit/Values.h"
-#include "tests/log/LogTestSupport.h"
 
-namespace infotest {
+namespace ZQFoundation::infotest {
 
-using ZQFoundation::kit::raised;
-using ZQFoundation::kit::utf8Of;
 using Lines = std::vector<std::string>;
 
 inline std::string entry(const std::string& key, const std::string& text) {
@@ -45,7 +44,7 @@ inline const std::string versionEntry = entry("CFBundleVersion", "417");
 /// A system without a system version file and without a release description, until the test writes one.
 class SystemScene {
 public:
-    const ZQFoundation::kit::ScratchFolder folder;
+    const kit::ScratchFolder folder;
 
     void writeVersionFile(const std::string& bytes) const { folder.write("SystemVersion.plist", bytes); }
     void writeReleaseFile(const std::string& bytes) const { folder.write("etc-os-release", bytes); }
@@ -55,11 +54,9 @@ public:
     }
 
 private:
-    const ZQFoundation::kit::Path versionFile_{ZQFoundation::detail::overrides::systemVersionFile,
-                                               folder / "SystemVersion.plist"};
-    const ZQFoundation::kit::Replaced<std::vector<std::string>> releaseFiles_{
-        ZQFoundation::detail::overrides::releaseFiles,
-        {folder / "etc-os-release", folder / "usr-os-release"}};
+    const kit::Path versionFile_{detail::overrides::systemVersionFile, folder / "SystemVersion.plist"};
+    const kit::Replaced<std::vector<std::string>> releaseFiles_{
+        detail::overrides::releaseFiles, {folder / "etc-os-release", folder / "usr-os-release"}};
 };
 
 /// The program runs from an application of this Info dictionary and these localizations; with an empty text
@@ -80,10 +77,9 @@ public:
     }
 
 private:
-    const ZQFoundation::kit::ScratchFolder folder_;
-    const ZQFoundation::kit::NoLanguages languages_{};
-    const ZQFoundation::kit::Path program_{ZQFoundation::detail::overrides::executablePath,
-                                           folder_ / "V.app/Contents/MacOS/program"};
+    const kit::ScratchFolder folder_;
+    const kit::NoLanguages languages_{};
+    const kit::Path program_{detail::overrides::executablePath, folder_ / "V.app/Contents/MacOS/program"};
 };
 
 struct Computer {
@@ -98,7 +94,7 @@ struct Given {
     std::vector<std::string> localizations = {"en"};
     std::string versionFile = versionFileOf("14.2");
     Computer computer = {};
-    logtest::Settings settings = {};
+    kit::Settings settings = {};
     std::vector<std::string> commandLine = {};
 };
 
@@ -108,7 +104,7 @@ class Facts {
 public:
     explicit Facts(const Given& given = {})
         : application(given.info, given.localizations),
-          hardware(ZQFoundation::detail::overrides::hardware, hardwareOf(given.computer)),
+          hardware(detail::overrides::hardware, hardwareOf(given.computer)),
           keys(given.settings, given.commandLine) {
         if (!given.versionFile.empty()) {
             system.writeVersionFile(given.versionFile);
@@ -117,12 +113,12 @@ public:
 
     const SystemScene system;
     const ApplicationScene application;
-    const ZQFoundation::kit::Replaced<ZQFoundation::detail::system::HardwareFacts> hardware;
-    logtest::TraceKeys keys;
+    const kit::Replaced<detail::system::HardwareFacts> hardware;
+    kit::TraceKeys keys;
 
 private:
-    static ZQFoundation::detail::system::HardwareFacts hardwareOf(const Computer& computer) {
-        ZQFoundation::detail::system::HardwareFacts facts;
+    static detail::system::HardwareFacts hardwareOf(const Computer& computer) {
+        detail::system::HardwareFacts facts;
         facts.model = computer.model;
         facts.processors = computer.processors;
         facts.memoryBytes = computer.memoryBytes;
@@ -133,8 +129,8 @@ private:
 /// The lines that the action writes, without their prefixes. An exception ends the action, not the test.
 template <class Action>
 Lines written(const Action& action) {
-    const logtest::CapturedOutput output;
-    raised(action);
+    const kit::CapturedOutput output;
+    kit::raised(action);
     return output.texts();
 }
 
@@ -153,16 +149,16 @@ inline Lines operator+(Lines left, const Lines& right) {
 }
 
 /// The value of the dictionary as text; "(nil)" when it has none, "(no string)" when it is none.
-inline std::string valueOf(const ZQFoundation::NSDictionary& dictionary, const char* key) {
-    const ZQFoundation::NSObject value = dictionary.objectForKey(key);
+inline std::string valueOf(const NSDictionary& dictionary, const char* key) {
+    const NSObject value = dictionary.objectForKey(key);
     if (!value) {
         return "(nil)";
     }
-    const ZQFoundation::NSString text(value);
+    const NSString text(value);
     return text ? text.utf8() : "(no string)";
 }
 
-inline std::string kernelRelease() { return ZQFoundation::detail::system::kernelRelease(); }
+inline std::string kernelRelease() { return detail::system::kernelRelease(); }
 
 /// The binary property list of the version "10.15.7", the name "Sampler" and the build "19H2".
 inline std::string binaryVersionFile() {
@@ -228,6 +224,6 @@ inline constexpr Distribution distributions[] = {
     {"no file", nullptr, "Linux", "*", "*", nullptr},
 };
 
-} // namespace infotest
+} // namespace ZQFoundation::infotest
 
 #endif

@@ -8,16 +8,16 @@
 
 #include "log/ZQLog.h"
 #include "tests/info/InfoScene.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Settings.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace infotest;
 
 namespace {
-
-std::string realPath(const std::string& path) {
-    char resolved[PATH_MAX];
-    return ::realpath(path.c_str(), resolved) != nullptr ? resolved : "(no such path)";
-}
 
 std::string company(const std::string& name) { return entry("ZQCompanyName", name); }
 std::string shortName(const std::string& name) { return entry("NSHumanReadableShortName", name); }
@@ -31,25 +31,25 @@ public:
         : application(plistOf(entries), localizations), homeFolder_(folder.makeFolder("home")),
           home_("HOME", (folder / homeName).c_str()) {}
 
-    std::string home() const { return realPath(homeFolder_); }
+    std::string home() const { return kit::realPath(homeFolder_); }
     std::string operator/(const std::string& name) const { return homeFolder_ + "/" + name; }
 
     const kit::ScratchFolder folder;
     const ApplicationScene application;
 
 private:
-    const logtest::ProcessName process_{"viewerd"};
+    const kit::ProcessName process_{"viewerd"};
     const std::string homeFolder_;
     const kit::Variable home_;
     const kit::Variable state_{"XDG_STATE_HOME", nullptr};
     const kit::Variable data_{"XDG_DATA_HOME", nullptr};
 };
 
-std::string companyName() { return utf8Of(NSProcessInfo::shortCompanyName()); }
-std::string applicationName() { return utf8Of(NSProcessInfo::shortApplicationName()); }
-std::string subpath() { return utf8Of(NSProcessInfo::appSpecificLibrarySubpath()); }
-std::string supportFolder() { return utf8Of(NSProcessInfo::pathOfLibraryApplicationSupportSubfolder()); }
-std::string logFolder() { return utf8Of(NSProcessInfo::pathOfLibraryLogSubfolder()); }
+std::string companyName() { return kit::utf8Of(NSProcessInfo::shortCompanyName()); }
+std::string applicationName() { return kit::utf8Of(NSProcessInfo::shortApplicationName()); }
+std::string subpath() { return kit::utf8Of(NSProcessInfo::appSpecificLibrarySubpath()); }
+std::string supportFolder() { return kit::utf8Of(NSProcessInfo::pathOfLibraryApplicationSupportSubfolder()); }
+std::string logFolder() { return kit::utf8Of(NSProcessInfo::pathOfLibraryLogSubfolder()); }
 
 } // namespace
 
@@ -115,12 +115,12 @@ TEST(NSProcessInfoExtensions, preferTheLocalizedNames) {
 }
 
 TEST(NSProcessInfoExtensions, useTheProcessNameWithoutAnInfoDictionary) {
-    const logtest::ProcessName process("viewerd");
+    const kit::ProcessName process("viewerd");
     const ApplicationScene none("");
     EXPECT_EQ(companyName(), "(nil)");
     EXPECT_EQ(applicationName(), "viewerd");
     EXPECT_EQ(subpath(), "viewerd");
-    const logtest::ProcessName renamed("renamed");
+    const kit::ProcessName renamed("renamed");
     EXPECT_EQ(applicationName(), "renamed") << "it is read afresh";
 }
 
@@ -129,13 +129,13 @@ TEST(NSProcessInfoExtensions, readTheHomeFolderAfresh) {
     EXPECT_EQ(logFolder(), identity.home() + "/Library/Logs/V");
     const std::string other = identity.folder.makeFolder("other");
     const kit::Variable home("HOME", other.c_str());
-    EXPECT_EQ(logFolder(), realPath(other) + "/Library/Logs/V");
-    EXPECT_EQ(supportFolder(), realPath(other) + "/Library/Application Support/V");
+    EXPECT_EQ(logFolder(), kit::realPath(other) + "/Library/Logs/V");
+    EXPECT_EQ(supportFolder(), kit::realPath(other) + "/Library/Application Support/V");
     home.change(nullptr);
     const passwd* const account = ::getpwuid(::getuid());
     ASSERT_NE(account, nullptr);
     const std::string listed = account->pw_dir;
-    const std::string resolved = ::access(listed.c_str(), F_OK) == 0 ? realPath(listed) : listed;
+    const std::string resolved = ::access(listed.c_str(), F_OK) == 0 ? kit::realPath(listed) : listed;
     EXPECT_EQ(logFolder(), (resolved == "/" ? "" : resolved) + "/Library/Logs/V") << "of the user database";
 }
 
@@ -154,7 +154,7 @@ TEST(NSProcessInfoExtensions, resolveLinksOnTheWayToTheHomeFolderOnly) {
         EXPECT_EQ(logFolder(), identity.home() + "/Library/Logs/V");
     }
     const Identity identity(shortName("V"), "gone/for/good/");
-    EXPECT_EQ(logFolder(), realPath(identity.folder.path()) + "/gone/for/good/Library/Logs/V");
+    EXPECT_EQ(logFolder(), kit::realPath(identity.folder.path()) + "/gone/for/good/Library/Logs/V");
 }
 
 TEST(NSProcessInfoExtensions, resolveLinksForDoubleDotsIfAllOfThePathExists) {
@@ -162,7 +162,7 @@ TEST(NSProcessInfoExtensions, resolveLinksForDoubleDotsIfAllOfThePathExists) {
     identity.folder.makeFolder("elsewhere/Logs/V");
     identity.folder.makeFolder("elsewhere/Logs/Acme");
     ASSERT_EQ(::symlink("../elsewhere", (identity / "Library").c_str()), 0);
-    EXPECT_EQ(logFolder(), realPath(identity.folder / "elsewhere/Logs/V"));
+    EXPECT_EQ(logFolder(), kit::realPath(identity.folder / "elsewhere/Logs/V"));
 }
 
 // ZQFolderLayout
@@ -171,27 +171,22 @@ namespace {
 
 const std::string xdg = both + entry("ZQFolderLayout", "XDG");
 
-mode_t modeOf(const std::string& path) {
-    struct stat information {};
-    EXPECT_EQ(::stat(path.c_str(), &information), 0) << path;
-    return information.st_mode & 07777;
-}
-
 } // namespace
 
 TEST(NSProcessInfoExtensions, placeAndMakeFoldersAsOtherDesktopApplicationsDoWhenAsked) {
     const Identity identity(xdg);
     EXPECT_EQ(logFolder(), identity.home() + "/.local/state/Acme/Viewer");
     EXPECT_EQ(supportFolder(), identity.home() + "/.local/share/Acme/Viewer");
-    EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), logFolder());
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), logFolder());
     for (const char* const folder :
          {".local", ".local/state", ".local/state/Acme/Viewer", ".local/share/Acme"}) {
-        EXPECT_EQ(modeOf(identity / folder), 0700U) << folder;
+        EXPECT_EQ(kit::modeOf(identity / folder), 0700U) << folder;
     }
     EXPECT_NE(::access((identity / "Library").c_str(), F_OK), 0);
     ASSERT_EQ(::chmod((identity / ".local/state/Acme/Viewer").c_str(), 0755), 0);
     logFolder();
-    EXPECT_EQ(modeOf(identity / ".local/state/Acme/Viewer"), 0755U) << "an existing folder stays as it is";
+    EXPECT_EQ(kit::modeOf(identity / ".local/state/Acme/Viewer"), 0755U)
+        << "an existing folder stays as it is";
 }
 
 TEST(NSProcessInfoExtensions, followTheVariablesOfThatLayoutThatAreAbsolutePaths) {
@@ -206,7 +201,7 @@ TEST(NSProcessInfoExtensions, followTheVariablesOfThatLayoutThatAreAbsolutePaths
     // Folders that cannot be made are named nevertheless.
     state.change("/dev/null/state");
     EXPECT_EQ(logFolder(), "/dev/null/state/Acme/Viewer");
-    EXPECT_EQ(utf8Of(ZQLog::standardLogFolder()), "/tmp");
+    EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), "/tmp");
 }
 
 TEST(NSProcessInfoExtensions, ignoreOtherNamesOfLayouts) {

@@ -25,11 +25,12 @@
 #include "foundation/system/TestOverrides.h"
 #include "info/NetworkInfo.h"
 #include "tests/info/NetworkScene.h"
-#include "tests/log/LogTestSupport.h"
-#include "tests/process/RefusedCalls.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/RefusedCalls.h"
+#include "tests/kit/StandardError.h"
 
 using namespace ZQFoundation;
-using logtest::CapturedOutput;
+using kit::CapturedOutput;
 
 namespace {
 
@@ -295,7 +296,7 @@ TEST(RoutingSocket, numbersRequestsConsecutivelyAndKeepsSocketsAndBuffers) {
 }
 
 TEST(RoutingSocket, numbersOnlyCallsThatOpenASocketFrom1) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         Script script({Message{}});
         EXPECT_EQ(writtenFor(local), "");
         EXPECT_EQ(script.lastSequence(), 1);
@@ -694,13 +695,15 @@ TEST(RoutingSocketOfTheKernel, keepsOneSocketForEachCallThatNoChildInherits) {
 TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
     const std::pair<unsigned, const char*> rows[] = {{SYS_recvfrom, notRead}, {SYS_sendto, notWritten}};
     for (const auto& [call, step] : rows) {
-        EXPECT_TRUE(logtest::inChild([call = call, step = step] {
-            if (!scene::refuseCall(call, EIO)) {
-                return false;
-            }
-            EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(step, EIO));
-            return !testing::Test::HasFailure();
-        })) << step;
+        EXPECT_EQ(kit::inChild([call = call, step = step] {
+                      if (!kit::refuseCall(call, EIO)) {
+                          return false;
+                      }
+                      EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(step, EIO));
+                      return !testing::Test::HasFailure();
+                  }),
+                  0)
+            << step;
     }
 }
 

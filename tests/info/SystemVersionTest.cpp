@@ -3,6 +3,7 @@
 #include "info/SystemVersion.h"
 
 #include "tests/info/InfoScene.h"
+#include "tests/kit/Child.h"
 
 using namespace ZQFoundation;
 using namespace infotest;

@@ -5,6 +5,11 @@
 #include <ctime>
 
 #include "tests/info/InfoScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Settings.h"
+#include "tests/kit/StandardError.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace infotest;
@@ -13,7 +18,7 @@ namespace {
 
 constexpr const char* invalidArgument = "NSInvalidArgumentException";
 const Lines nothing;
-const logtest::Setting traced{"TraceIO", "<true/>"};
+const kit::Setting traced{"TraceIO", "<true/>"};
 const std::string summary = "Viewer 2.1 v417 (en), running on macOS 14.2 (23C64)";
 const std::string hardwareLine = "[Box14,2; 8 processor cores; 16384 MB RAM]";
 const std::string traceLine =
@@ -108,7 +113,8 @@ TEST(ZQLogInfo, gathersTheApplicationAndWarnsOfEachMissingFactInOrder) {
     for (const Row& row : rows) {
         const Facts facts(Given{.info = plistOf(row.entries)});
         EXPECT_EQ(written([&] { EXPECT_EQ(applicationFacts(), row.facts); }), row.warnings) << row.entries;
-        EXPECT_EQ(written([&] { EXPECT_EQ(utf8Of(ZQLogInfo::appInfoString()), row.text); }), row.warnings)
+        EXPECT_EQ(written([&] { EXPECT_EQ(kit::utf8Of(ZQLogInfo::appInfoString()), row.text); }),
+                  row.warnings)
             << "it warns again at each call";
     }
 }
@@ -117,14 +123,14 @@ TEST(ZQLogInfo, looksNoFurtherWithoutAnInfoDictionary) {
     const Facts facts(Given{.info = ""});
     EXPECT_EQ(written([] { EXPECT_EQ(applicationFacts(), "0|(nil)|(nil)|(nil)|(nil)|(nil)"); }),
               Lines{noInfo});
-    EXPECT_EQ(written([] { EXPECT_EQ(utf8Of(ZQLogInfo::appInfoString()), "(unknown app name)"); }),
+    EXPECT_EQ(written([] { EXPECT_EQ(kit::utf8Of(ZQLogInfo::appInfoString()), "(unknown app name)"); }),
               Lines{noInfo});
 }
 
 TEST(ZQLogInfo, namesTheProcessInWarningsWithoutAShortName) {
-    const logtest::ProcessName process("viewerd");
+    const kit::ProcessName process("viewerd");
     const Facts facts(Given{.info = plistOf(identifierEntry + shortVersionEntry)});
-    EXPECT_EQ(written([] { EXPECT_EQ(utf8Of(ZQLogInfo::appInfoString()), "viewerd 2.1"); }),
+    EXPECT_EQ(written([] { EXPECT_EQ(kit::utf8Of(ZQLogInfo::appInfoString()), "viewerd 2.1"); }),
               (Lines{warning("The info dictionary of viewerd does not contain a CFBundleVersion!")}));
 }
 
@@ -149,13 +155,13 @@ TEST(ZQLogInfo, gathersTheSystemFromTheSystemVersionFileAtEachCall) {
                           entry("ProductBuildVersion", "23C64") +
                           entry("ProductUserVisibleVersion", "14.2.1") + entry("ProductCopyright", "none"))});
     EXPECT_EQ(systemFacts(), "4|14.2|23C64|S\xC3\xA4mpler OS|macOS");
-    EXPECT_EQ(utf8Of(ZQLogInfo::osInfoString()), "macOS 14.2 (23C64)");
-    EXPECT_EQ(utf8Of(ZQLogInfo::osNameAndVersionString()), "macOS 14.2");
-    EXPECT_EQ(utf8Of(ZQLogInfo::osVersionString()), "14.2");
+    EXPECT_EQ(kit::utf8Of(ZQLogInfo::osInfoString()), "macOS 14.2 (23C64)");
+    EXPECT_EQ(kit::utf8Of(ZQLogInfo::osNameAndVersionString()), "macOS 14.2");
+    EXPECT_EQ(kit::utf8Of(ZQLogInfo::osVersionString()), "14.2");
     facts.system.writeVersionFile(versionFileOf("10.8.5"));
-    EXPECT_EQ(utf8Of(ZQLogInfo::osInfoString()), "OS X 10.8.5 (23C64)");
+    EXPECT_EQ(kit::utf8Of(ZQLogInfo::osInfoString()), "OS X 10.8.5 (23C64)");
     facts.system.writeVersionFile("garbage @");
-    EXPECT_EQ(raised([] { ZQLogInfo::osInfoString(); }), invalidArgument);
+    EXPECT_EQ(kit::raised([] { ZQLogInfo::osInfoString(); }), invalidArgument);
 }
 
 TEST(ZQLogInfo, derivesTheNameFromTheOrderOfVersions) {
@@ -173,7 +179,7 @@ TEST(ZQLogInfo, derivesTheNameFromTheOrderOfVersions) {
         for (const std::string version : row.versions) {
             const Facts facts(Given{.versionFile = versionFileOf(version)});
             EXPECT_EQ(systemFacts(), "4|" + version + "|23C64|Sampler OS|" + row.name);
-            EXPECT_EQ(utf8Of(ZQLogInfo::osInfoString()), row.name + (" " + version) + " (23C64)");
+            EXPECT_EQ(kit::utf8Of(ZQLogInfo::osInfoString()), row.name + (" " + version) + " (23C64)");
         }
     }
 }
@@ -189,20 +195,20 @@ TEST(ZQLogInfo, raisesForASystemVersionFileThatLacksAFact) {
           plistOf(version).substr(0, 60), binaryVersionFile(), inUtf16(versionFileOf("14.2"))}) {
         const Facts facts(Given{.versionFile = bytes, .settings = {traced}});
         facts.system.writeReleaseFile("NAME=Other\nVERSION_ID=12\n");
-        EXPECT_EQ(raised([] { ZQLogInfo::getSystemInformation(); }), invalidArgument) << bytes;
-        EXPECT_EQ(raised([] { ZQLogInfo::osInfoString(); }), invalidArgument) << bytes;
-        EXPECT_EQ(raised([] { ZQLogInfo::osNameAndVersionString(); }), invalidArgument) << bytes;
-        EXPECT_EQ(raised([] { ZQLogInfo::osVersionString(); }), invalidArgument) << bytes;
-        EXPECT_EQ(raised([] { ZQLogInfo::logAppAndSystemInformation(); }), invalidArgument) << bytes;
+        EXPECT_EQ(kit::raised([] { ZQLogInfo::getSystemInformation(); }), invalidArgument) << bytes;
+        EXPECT_EQ(kit::raised([] { ZQLogInfo::osInfoString(); }), invalidArgument) << bytes;
+        EXPECT_EQ(kit::raised([] { ZQLogInfo::osNameAndVersionString(); }), invalidArgument) << bytes;
+        EXPECT_EQ(kit::raised([] { ZQLogInfo::osVersionString(); }), invalidArgument) << bytes;
+        EXPECT_EQ(kit::raised([] { ZQLogInfo::logAppAndSystemInformation(); }), invalidArgument) << bytes;
         EXPECT_EQ(startupLog(), Lines{separator}) << bytes;
         EXPECT_EQ(
-            written([] { EXPECT_EQ(raised([] { ZQLogInfo::standardStartupLog(); }), invalidArgument); }),
+            written([] { EXPECT_EQ(kit::raised([] { ZQLogInfo::standardStartupLog(); }), invalidArgument); }),
             Lines{separator});
     }
     const Facts facts(Given{.versionFile = plistOf(name + version + build)});
-    EXPECT_EQ(raised([] { ZQLogInfo::getSystemInformation(); }), "nothing");
+    EXPECT_EQ(kit::raised([] { ZQLogInfo::getSystemInformation(); }), "nothing");
     facts.system.writeVersionFile("");
-    EXPECT_EQ(raised([] { ZQLogInfo::getSystemInformation(); }), invalidArgument);
+    EXPECT_EQ(kit::raised([] { ZQLogInfo::getSystemInformation(); }), invalidArgument);
 }
 
 TEST(ZQLogInfo, reportsEveryDistribution) {
@@ -213,7 +219,7 @@ TEST(ZQLogInfo, reportsEveryDistribution) {
             facts.system.writeReleaseFile(row.file);
         }
         const std::string whole = row.name + (" " + filledIn(row.version)) + " (" + kernel + ")";
-        EXPECT_EQ(utf8Of(ZQLogInfo::osInfoString()), whole) << row.label;
+        EXPECT_EQ(kit::utf8Of(ZQLogInfo::osInfoString()), whole) << row.label;
         EXPECT_EQ(startupLog(), (Lines{separator, "Viewer 2.1 v417 (en), running on " + whole, hardwareLine,
                                        separator, "Debug logging:", traceLine, separator}))
             << row.label;
@@ -257,7 +263,7 @@ TEST(ZQLogInfo, leavesOutUnknownHardware) {
     for (const Row& row : rows) {
         const Facts facts(Given{.computer = row.computer});
         EXPECT_EQ(hardwareFacts(), row.facts);
-        EXPECT_EQ(utf8Of(ZQLogInfo::hardwareInfoString()), row.text);
+        EXPECT_EQ(kit::utf8Of(ZQLogInfo::hardwareInfoString()), row.text);
     }
 }
 
@@ -324,9 +330,9 @@ Given wholeBlockFacts() {
 TEST(ZQLogInfo, writesTheSameReportByteForByteForTheSameFacts) {
     constexpr double instant = 1709647629.042;
     const kit::Replaced<double> clock(detail::overrides::clock, instant);
-    const logtest::ProcessName process("viewerd");
+    const kit::ProcessName process("viewerd");
     const Facts facts(wholeBlockFacts());
-    const logtest::CapturedOutput output;
+    const kit::CapturedOutput output;
     ZQLogInfo::standardStartupLog();
     const std::string seen = output.bytes();
     const std::string start = localTime(instant) + ".042 viewerd[";
@@ -346,14 +352,14 @@ TEST(ZQLogInfo, writesTheSameReportByteForByteForTheSameFacts) {
 }
 
 TEST(ZQLogInfo, writesNothingAtTheStartWithoutAnActiveTraceKey) {
-    for (const logtest::Settings& settings :
-         {logtest::Settings{{"EnableX", "<true/>"}, {"DisableX", "<true/>"}, {"DebugX", "<true/>"}},
-          logtest::Settings{{"traceIO", "<true/>"}, {"xTrace", "<true/>"}},
-          logtest::Settings{{"TraceIO", "<false/>"}, {"EnableX", "<true/>"}}}) {
+    for (const kit::Settings& settings :
+         {kit::Settings{{"EnableX", "<true/>"}, {"DisableX", "<true/>"}, {"DebugX", "<true/>"}},
+          kit::Settings{{"traceIO", "<true/>"}, {"xTrace", "<true/>"}},
+          kit::Settings{{"TraceIO", "<false/>"}, {"EnableX", "<true/>"}}}) {
         // It does not look at the facts either.
         const Facts facts(Given{.info = "", .versionFile = "garbage @", .settings = settings});
         EXPECT_EQ(startupLog(), nothing);
-        EXPECT_EQ(raised([] { ZQLogInfo::standardStartupLog(); }), "nothing");
+        EXPECT_EQ(kit::raised([] { ZQLogInfo::standardStartupLog(); }), "nothing");
     }
 }
 
@@ -413,7 +419,7 @@ TEST(ZQLogInfo, writesTheSummaryAloneWithoutTraceKeys) {
 
 TEST(ZQLogInfo, keepsErrno) {
     const Facts facts(Given{.info = "", .versionFile = "", .settings = {traced}});
-    const logtest::CapturedOutput output;
+    const kit::CapturedOutput output;
     errno = EXDEV;
     ZQLogInfo::standardStartupLog();
     EXPECT_EQ(errno, EXDEV);

@@ -5,7 +5,11 @@
 #include <array>
 
 #include "tests/info/InfoScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/kit/Threads.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
 using namespace infotest;
@@ -19,10 +23,12 @@ const kit::NoLanguages untranslated;
 /// Checks in a child, which is the first to use the class.
 template <class Checks>
 void inFirstUse(const Checks& checks, const std::string& about = "") {
-    EXPECT_TRUE(logtest::inChild([&] {
-        checks();
-        return !testing::Test::HasFailure();
-    })) << about;
+    EXPECT_EQ(kit::inChild([&] {
+                  checks();
+                  return !testing::Test::HasFailure();
+              }),
+              0)
+        << about;
 }
 
 std::string numbers() {
@@ -44,9 +50,9 @@ std::string releaseTests() {
 
 void expectTexts(const std::string& version, const std::string& name, const std::string& build,
                  const std::string& about) {
-    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), version) << about;
-    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), name) << about;
-    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSBuild()), build) << about;
+    EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSVersion()), version) << about;
+    EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSName()), name) << about;
+    EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSBuild()), build) << about;
 }
 
 struct Row {
@@ -56,7 +62,7 @@ struct Row {
 };
 
 void expectRows(std::initializer_list<Row> rows) {
-    logtest::inFreshProcess([&] {
+    kit::inFreshProcess([&] {
         for (const Row& row : rows) {
             const SystemScene system;
             system.writeVersionFile(
@@ -86,11 +92,11 @@ bool runBesideTable(const std::string& table) {
     std::string filter = std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name();
     std::string name = program;
     char* const arguments[] = {name.data(), filter.data(), nullptr};
-    const bool passed = logtest::inChild([&] {
+    const int answer = kit::inChild([&] {
         ::execv(program.c_str(), arguments);
         return false;
     });
-    return passed && ::access(marker.c_str(), F_OK) == 0;
+    return answer == 0 && ::access(marker.c_str(), F_OK) == 0;
 }
 
 } // namespace
@@ -136,7 +142,7 @@ TEST(ZQMacOSRuntimeEnvironment, testsReleasesByMajorAndMinorAlone) {
 }
 
 TEST(ZQMacOSRuntimeEnvironment, knowsNothingWithoutADictionaryInTheFile) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const auto check = [] {
             EXPECT_FALSE(Environment::systemVersionPlist());
             EXPECT_EQ(numbers(), "0 0 0");
@@ -161,7 +167,7 @@ TEST(ZQMacOSRuntimeEnvironment, knowsNothingWithoutADictionaryInTheFile) {
 }
 
 TEST(ZQMacOSRuntimeEnvironment, keepsTheNumbersAndTheWholeDictionaryButReadsTheTextsAfresh) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const SystemScene system;
         system.writeVersionFile(plistOf(entry("ProductVersion", "10.15.7") +
                                         entry("ProductCopyright", "none") +
@@ -180,9 +186,9 @@ TEST(ZQMacOSRuntimeEnvironment, keepsTheNumbersAndTheWholeDictionaryButReadsTheT
             EXPECT_EQ(valueOf(plist, "ProductCopyright"), "none");
             EXPECT_EQ(valueOf(plist, "Number"), "(no string)");
             expectTexts("14.2.1", "Later", "B2", "");
-            EXPECT_EQ(utf8Of(ZQLogInfo::osVersionString()), "14.2");
+            EXPECT_EQ(kit::utf8Of(ZQLogInfo::osVersionString()), "14.2");
             system.writeVersionFile("garbage @");
-            EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "unknown version");
+            EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSVersion()), "unknown version");
             EXPECT_EQ(numbers(), "10 15 7");
         });
         system.writeVersionFile("garbage @");
@@ -191,13 +197,13 @@ TEST(ZQMacOSRuntimeEnvironment, keepsTheNumbersAndTheWholeDictionaryButReadsTheT
             system.writeVersionFile(versionFileOf("14.2"));
             EXPECT_EQ(numbers(), "0 0 0");
             EXPECT_FALSE(Environment::systemVersionPlist());
-            EXPECT_EQ(utf8Of(Environment::userVisibleMacOSVersion()), "14.2");
+            EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSVersion()), "14.2");
         });
     });
 }
 
 TEST(ZQMacOSRuntimeEnvironment, readsTheNumbersAtTheFirstUseOfAnyOperation) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         for (void (*const firstUse)() : {+[] { static_cast<void>(Environment::userVisibleMacOSName()); },
                                          +[] {
                                              static_cast<void>(Environment::isPowerPC());
@@ -244,7 +250,7 @@ TEST(ZQMacOSRuntimeEnvironment, translatesFallbacksByTheLibrarysOwnTable) {
         system.writeVersionFile("garbage @");
         expectTexts("Version unbekannt", "System unbekannt", "unknown build", "");
 #if defined(__x86_64__) || defined(__aarch64__)
-        EXPECT_EQ(utf8Of(Environment::localizedProcessorArchitecture()), "Prozessor");
+        EXPECT_EQ(kit::utf8Of(Environment::localizedProcessorArchitecture()), "Prozessor");
 #endif
         std::FILE* const ran = std::fopen(marker, "w");
         ASSERT_NE(ran, nullptr);
@@ -259,7 +265,7 @@ TEST(ZQMacOSRuntimeEnvironment, translatesFallbacksByTheLibrarysOwnTable) {
 TEST(ZQMacOSRuntimeEnvironment, doesNotTranslateByTheTablesOfTheApplication) {
     const Facts facts(Given{.versionFile = "garbage @"});
     facts.application.writeTable("Localizable.strings", "\"unknown OS\" = \"mine\";\n");
-    EXPECT_EQ(utf8Of(Environment::userVisibleMacOSName()), "unknown OS");
+    EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSName()), "unknown OS");
 }
 
 TEST(ZQMacOSRuntimeEnvironment, namesTheProcessorThatItWasBuiltFor) {
@@ -280,7 +286,7 @@ TEST(ZQMacOSRuntimeEnvironment, namesTheProcessorThatItWasBuiltFor) {
 }
 
 TEST(ZQMacOSRuntimeEnvironment, readsTheDescriptionsOfDistributions) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         for (const Distribution& row : distributions) {
             const SystemScene system;
             if (row.file != nullptr) {
@@ -302,7 +308,7 @@ TEST(ZQMacOSRuntimeEnvironment, readsTheDescriptionsOfDistributions) {
 }
 
 TEST(ZQMacOSRuntimeEnvironment, keepsErrno) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const SystemScene system;
         errno = EXDEV;
         Environment::initialize();
@@ -313,7 +319,7 @@ TEST(ZQMacOSRuntimeEnvironment, keepsErrno) {
 }
 
 TEST(ZQMacOSRuntimeEnvironment, isReadOnceByThreadsThatUseItFirstAtOnce) {
-    logtest::inFreshProcess([] {
+    kit::inFreshProcess([] {
         const SystemScene system;
         system.writeVersionFile(versionFileOf("10.15.7"));
         std::array<std::string, 8> seen;

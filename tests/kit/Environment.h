@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <time.h>
+#include <unistd.h>
 
 #include "foundation/system/TestOverrides.h"
 #include "foundation/time/NSTimeZone.h"
@@ -66,6 +67,13 @@ private:
 
     ReadAtTheEnd last_;
     Variable variable_;
+};
+
+/// Scratch folders are in memory for a scope, where the machine has such a place: thousands of items would
+/// keep a disk busy. No thread may be running when it begins or ends.
+class ScratchInMemory {
+private:
+    Variable place_{"TMPDIR", ::access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR")};
 };
 
 /// Points a pointer of the overrides to a value of its own for a scope.

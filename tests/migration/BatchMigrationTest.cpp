@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The migration of all files of one extension.
+#include <cerrno>
 #include <map>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "foundation/objects/NSNumber.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -20,7 +26,7 @@ constexpr Flags moving{false, true, false, false};
 Codes codesOf(const NSDictionary& results) {
     Codes codes;
     for (const NSDictionaryEntry& entry : results) {
-        codes[bytesOf(NSString(entry.key))] = static_cast<unsigned>(NSNumber(entry.value).intValue());
+        codes[kit::bytesOf(NSString(entry.key))] = static_cast<unsigned>(NSNumber(entry.value).intValue());
     }
     return codes;
 }
@@ -105,7 +111,7 @@ TEST_F(BatchMigration, skipsWhatBeginsWithAPeriodAtTheTopAlone) {
 }
 
 TEST_F(BatchMigration, continuesAfterAFailure) {
-    const NoLanguages english;
+    const kit::NoLanguages english;
     folder.files({"a.log", "b.log", "c.log"}, "from/");
     folder.file("to/b.log", "old");
     const NSDictionary results =
@@ -133,7 +139,7 @@ TEST_F(BatchMigration, passesTheFlagsOnToEveryFile) {
         {{true, false, true, true}, 0, kept},
     };
     for (const auto& row : rows) {
-        removeTree(folder / "to");
+        kit::removeTree(folder / "to");
         folder.file("from/a.log", "new");
         folder.file("to/a.log", "old");
         EXPECT_EQ(migrated("log", row.flags), (Codes{{"a.log", row.code}}));
@@ -199,7 +205,7 @@ TEST_F(BatchMigration, looksOnlyAtWhatIsSelected) {
     const Codes first = migrated("log", moving, DotFiles::skipped);
     EXPECT_TRUE(first == Codes{} || first == (Codes{{"b.log", 10}}));
     // "sub" is no "log", so the only answers come from files: "b.log" is a missing file, or comes first.
-    removeTree(folder / "from");
+    kit::removeTree(folder / "from");
     folder.file("from/sub/a.log", "x");
     folder.link("nosuch", "from/sub/b.log");
     Codes second = migrated("log");
@@ -208,7 +214,7 @@ TEST_F(BatchMigration, looksOnlyAtWhatIsSelected) {
 }
 
 TEST_F(BatchMigration, expandsTheTildeAndToleratesSlashes) {
-    const Variable home("HOME", folder.path().c_str());
+    const kit::Variable home("HOME", folder.path().c_str());
     folder.file("from/sub/a.log", "x");
     EXPECT_EQ(codesOf(migrateFiles("log", "~/from", "~/to/", DotFiles::included, moving)),
               (Codes{{"sub/a.log", 0}}));
@@ -260,17 +266,18 @@ TEST_F(BatchMigration, keepsNamesThatAreNoText) {
 }
 
 TEST_F(BatchMigration, skipsFoldersThatCannotBeRead) {
-    EXPECT_TRUE(checkedWithoutPrivileges([this] {
-        folder.file("from/closed/a.log", "x");
-        folder.file("from/b.log", "x");
-        folder.setMode("from/closed", 0);
-        EXPECT_EQ(migrated("log"), (Codes{{"b.log", 0}}));
-        folder.setMode("from", 0);
-        EXPECT_EQ(migrated("log"), Codes{});
-        folder.setMode("from", 0755);
-        folder.setMode("from/closed", 0755);
-        EXPECT_EQ(folder.contents("from/closed/a.log"), "x");
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] {
+                  folder.file("from/closed/a.log", "x");
+                  folder.file("from/b.log", "x");
+                  folder.setMode("from/closed", 0);
+                  EXPECT_EQ(migrated("log"), (Codes{{"b.log", 0}}));
+                  folder.setMode("from", 0);
+                  EXPECT_EQ(migrated("log"), Codes{});
+                  folder.setMode("from", 0755);
+                  folder.setMode("from/closed", 0755);
+                  EXPECT_EQ(folder.contents("from/closed/a.log"), "x");
+              }),
+              0);
 }
 
 // Overwriting does not take away what the same batch has brought there under another name.
@@ -286,7 +293,7 @@ TEST_F(BatchMigration, keepsWhatItHasBroughtThroughALink) {
         expectOneOfTwo(codes, "one/x.log", "two/x.log", "one/x.log", keeps);
         expectOneOfTwo(codes, "x.log", "sub/x.log", "x.log", keeps);
         EXPECT_EQ(codes.at("one/y.log"), 0U);
-        removeTree(folder / "from");
+        kit::removeTree(folder / "from");
     }
 }
 

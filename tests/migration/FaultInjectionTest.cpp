@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Migrations in which one system call fails, all calls fail from one on, calls transfer less than requested,
 // or the process is killed before a call; and the same migration once more after that: see docs/faults.md.
+#include <cerrno>
+#include <cstdio>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Sanitizers.h"
 #include "tests/migration/faults/Verdict.h"
 
+using namespace ZQFoundation;
 using faults::Again;
 using faults::Case;
 using faults::Fault;
@@ -24,7 +28,7 @@ long strideOf(const Case& which, const Fault& fault) {
     if (faults::isEveryCallTried()) {
         return 1;
     }
-    long stride = scene::forksTakeTurns ? 9 : 1;
+    long stride = kit::isSanitized ? 9 : 1;
     if (fault.kind == Fault::failing && !which.isFile()) {
         stride *= fault.lasting ? 8 : 4;
     }

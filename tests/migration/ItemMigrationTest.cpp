@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The migration of one file or folder, where MigrationTableTest does not reach: times, large and deep items,
 // codes that look odd, and items that cannot be read, written or removed.
+#include <cerrno>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -37,7 +43,7 @@ void withEachItem(const Body& body) {
 /// The same for an ordinary user.
 template <class Body>
 void withEachItemOfAUser(const Body& body) {
-    EXPECT_TRUE(checkedWithoutPrivileges([&] { withEachItem(body); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([&] { withEachItem(body); }), 0);
 }
 
 /// Expects the code and that nothing has changed.
@@ -93,7 +99,7 @@ TEST(ItemMigration, hasCodesThatRenamingDoesNotChange) {
         expectRefusal(folder, migrate, "a", "other", overwritingAndRenaming, migrate.isOther);
         expectRefusal(folder, migrate, migrate.isFolder ? "other" : "other/", "b", nothingAllowed,
                       migrate.isFolder ? kFileMigrationSourceIsFile : kFileMigrationSourceIsFolder);
-        const CurrentFolder current(folder.path());
+        const kit::CurrentFolder current(folder.path());
         // A bare name has the empty path as its parent, and nothing exists there.
         EXPECT_EQ(migrate("a", "c"), parentIsMissing);
         EXPECT_EQ(migrate("a", "c", creating), kFileMigrationDestinationParentFolderCreationFailed);
@@ -146,34 +152,36 @@ TEST(ItemMigration, failsInAFolderThatIsNotWritable) {
 }
 
 TEST(ItemMigration, leavesTheSourceWhenTheOldFolderCannotBeRemoved) {
-    EXPECT_TRUE(checkedWithoutPrivileges([] {
-        const MigrationFolder folder;
-        folder.file("a/inside", "new");
-        folder.file("b/closed/x", "old");
-        folder.setMode("b/closed", 0555);
-        const Digest before = folder.digest("a", Detail::times);
-        EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 36U);
-        EXPECT_EQ(folder.digest("a", Detail::times), before);
-        EXPECT_EQ(folder.contents("b/closed/x"), "old");
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
+                  const MigrationFolder folder;
+                  folder.file("a/inside", "new");
+                  folder.file("b/closed/x", "old");
+                  folder.setMode("b/closed", 0555);
+                  const Digest before = folder.digest("a", Detail::times);
+                  EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 36U);
+                  EXPECT_EQ(folder.digest("a", Detail::times), before);
+                  EXPECT_EQ(folder.contents("b/closed/x"), "old");
+              }),
+              0);
 }
 
 TEST(ItemMigration, overwritingRemovesBeforeItCopies) {
-    EXPECT_TRUE(checkedWithoutPrivileges([] {
-        const MigrationFolder folder;
-        folder.file("a/sub/secret", "x");
-        folder.file("b/old", "old");
-        const Digest before = folder.digest("a", Detail::times);
-        folder.setMode("a/sub/secret", 0);
-        EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 37U);
-        EXPECT_FALSE(folder.has("b/old")) << "what was there is gone already";
-        folder.setMode("a/sub/secret", 0644);
-        EXPECT_EQ(folder.digest("a", Detail::times), before);
-        // Whether a folder can be read shows only when it is copied.
-        folder.setMode("a", 0300);
-        EXPECT_EQ(migrateFolder(folder / "a", folder / "c"), 37U);
-        EXPECT_TRUE(folder.has("a"));
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
+                  const MigrationFolder folder;
+                  folder.file("a/sub/secret", "x");
+                  folder.file("b/old", "old");
+                  const Digest before = folder.digest("a", Detail::times);
+                  folder.setMode("a/sub/secret", 0);
+                  EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 37U);
+                  EXPECT_FALSE(folder.has("b/old")) << "what was there is gone already";
+                  folder.setMode("a/sub/secret", 0644);
+                  EXPECT_EQ(folder.digest("a", Detail::times), before);
+                  // Whether a folder can be read shows only when it is copied.
+                  folder.setMode("a", 0300);
+                  EXPECT_EQ(migrateFolder(folder / "a", folder / "c"), 37U);
+                  EXPECT_TRUE(folder.has("a"));
+              }),
+              0);
 }
 
 TEST(ItemMigration, leavesTheCopyWhenTheSourceCannotBeRemoved) {
@@ -189,19 +197,20 @@ TEST(ItemMigration, leavesTheCopyWhenTheSourceCannotBeRemoved) {
 }
 
 TEST(ItemMigration, movesAReadOnlyFile) {
-    EXPECT_TRUE(checkedWithoutPrivileges([] {
-        const MigrationFolder folder;
-        folder.file("a", "x");
-        folder.setMode("a", 0400);
-        EXPECT_EQ(migrateFile(folder / "a", folder / "b"), 0U);
-        EXPECT_EQ(folder.digest("b"), (Digest{{"", "file [x] 0400"}}));
-        EXPECT_FALSE(folder.has("a"));
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
+                  const MigrationFolder folder;
+                  folder.file("a", "x");
+                  folder.setMode("a", 0400);
+                  EXPECT_EQ(migrateFile(folder / "a", folder / "b"), 0U);
+                  EXPECT_EQ(folder.digest("b"), (Digest{{"", "file [x] 0400"}}));
+                  EXPECT_FALSE(folder.has("a"));
+              }),
+              0);
 }
 
 TEST(ItemMigration, expandsTheTildeInBothPaths) {
     withEachItem([](const Operation& migrate, const MigrationFolder& folder) {
-        const Variable home("HOME", folder.path().c_str());
+        const kit::Variable home("HOME", folder.path().c_str());
         EXPECT_EQ(migrate("~/a", "~/to/b", creating), 0U);
         EXPECT_EQ(textOf(folder, migrate, "to/b"), "new");
         EXPECT_FALSE(folder.has("a"));
@@ -245,11 +254,11 @@ TEST(ItemMigration, movesADeepTree) {
     constexpr int depth = 3000;
     const MigrationFolder folder;
     folder.folder("A");
-    makeChain(folder / "A", "abc", depth);
+    kit::makeChain(folder / "A", "abc", depth);
     folder.folder("B");
     EXPECT_EQ(migrateFolder(folder / "A", folder / "B", overwriting), 0U);
     EXPECT_FALSE(folder.has("A"));
     // Removing the whole chain by its length leaves nothing only when every folder was there.
-    removeChain(folder / "B", "abc", depth);
+    kit::removeChain(folder / "B", "abc", depth);
     EXPECT_EQ(folder.digest("B", Detail::contents), (Digest{{"", "folder"}}));
 }

@@ -1,21 +1,29 @@
 // SPDX-License-Identifier: MIT
 // Sources that cannot be copied or removed as a whole: the code says so, the source is as it was, and calls
 // that follow lose nothing.
+#include <cerrno>
+#include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/Leftovers.h"
 
+using namespace ZQFoundation;
 using namespace scene;
 
 namespace {
 
-constexpr uid_t somebody = 65534; ///< the user of `checkedWithoutPrivileges`
+constexpr uid_t somebody = 65534; ///< the user of `kit::inUnprivilegedChild`
 constexpr uid_t somebodyElse = 65533;
 
 void giveTo(const std::string& path, uid_t owner) {
@@ -34,7 +42,7 @@ struct Tree {
         folder.setMode("to", 0777);
         folder.setMode("from", 0777);
         for (const auto& [name, what] : folder.digest("from")) {
-            if (isRoot() && !name.empty()) {
+            if (kit::isRoot() && !name.empty()) {
                 giveTo(folder / ("from/" + name), somebody);
             }
         }
@@ -122,31 +130,34 @@ TEST(KeptSources, areWholeWithAReadOnlyFolderInside) {
     for (const std::string name : {"from/tree/inner", "from/tree/inner/deeper"}) {
         const Tree tree;
         tree.folder.setMode(name, 0555);
-        EXPECT_TRUE(checkedWithoutPrivileges([&] {
-            expectKept(tree, false);
-            // Once it can be removed, it is.
-            tree.folder.setMode(name, 0755);
-            EXPECT_EQ(migrateFolder(tree / "from/tree", tree / "to/later"), 0U);
-            EXPECT_FALSE(tree.folder.has("from/tree"));
-            EXPECT_EQ(tree.folder.contents("to/later/inner/deeper/three"), "one more");
-        })) << name;
+        EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                      expectKept(tree, false);
+                      // Once it can be removed, it is.
+                      tree.folder.setMode(name, 0755);
+                      EXPECT_EQ(migrateFolder(tree / "from/tree", tree / "to/later"), 0U);
+                      EXPECT_FALSE(tree.folder.has("from/tree"));
+                      EXPECT_EQ(tree.folder.contents("to/later/inner/deeper/three"), "one more");
+                  }),
+                  0)
+            << name;
     }
 }
 
 TEST(KeptSources, areWholeInAFolderThatMayNotBeWrittenTo) {
     const Tree tree;
-    if (isRoot()) {
+    if (kit::isRoot()) {
         giveTo(tree / "from", somebody);
     }
     tree.folder.setMode("from", 0555);
-    EXPECT_TRUE(checkedWithoutPrivileges([&] {
-        expectKept(tree);
-        expectFileKept(tree);
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                  expectKept(tree);
+                  expectFileKept(tree);
+              }),
+              0);
 }
 
 TEST(KeptSources, ofAnotherUserAreWhole) {
-    if (!isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "only root can give files to another user";
     }
     // A folder inside, a sticky one with a file inside, and all that is in a sticky folder.
@@ -164,17 +175,19 @@ TEST(KeptSources, ofAnotherUserAreWhole) {
         if (row.sticky != nullptr) {
             tree.folder.setMode(row.sticky, 01777);
         }
-        EXPECT_TRUE(checkedWithoutPrivileges([&] {
-            expectKept(tree);
-            if (&row == std::end(rows) - 1) {
-                expectFileKept(tree);
-            }
-        })) << row.given.back();
+        EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                      expectKept(tree);
+                      if (&row == std::end(rows) - 1) {
+                          expectFileKept(tree);
+                      }
+                  }),
+                  0)
+            << row.given.back();
     }
     const Tree tree;
     giveTo(tree / "from/tree/inner", somebodyElse);
     tree.folder.setMode("from/tree/inner", 0700);
-    EXPECT_TRUE(checkedWithoutPrivileges([&] { expectNotCopied(tree); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([&] { expectNotCopied(tree); }), 0);
     EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another");
 }
 
@@ -186,8 +199,8 @@ TEST(KeptSources, areNotCopiedInPart) {
         const Tree tree;
         const std::string path = std::string("from/tree/") + name;
         tree.folder.setMode(path, mode);
-        EXPECT_TRUE(checkedWithoutPrivileges([&] { expectNotCopied(tree); })) << name;
-        EXPECT_EQ(modeOf(tree / path), mode);
+        EXPECT_EQ(kit::inUnprivilegedChild([&] { expectNotCopied(tree); }), 0) << name;
+        EXPECT_EQ(kit::modeOf(tree / path), mode);
         tree.folder.setMode(path, 0755);
         EXPECT_EQ(tree.folder.contents("from/tree/inner/deeper/three"), "one more");
         EXPECT_EQ(tree.folder.contents("from/tree/one"), "the only copy");
@@ -229,17 +242,18 @@ TEST(KeptSources, ofImmutableOrAppendOnlyFilesAreWhole) {
 TEST(KeptSources, ofABatchAreWholeInAFolderThatMayNotBeWrittenTo) {
     const Tree tree;
     tree.folder.setMode("from/tree/inner", 0555);
-    EXPECT_TRUE(checkedWithoutPrivileges([&] {
-        for (const bool isSecond : {false, true}) {
-            const auto codes = migrateFiles(nullptr, tree / "from/tree", tree / "to/tree", DotFiles::included,
-                                            {false, true, isSecond, false});
-            EXPECT_EQ(codes.condensedDescription(),
-                      isSecond ? "{ inner/two = 15; }"
-                               : "{ after = 0; inner/deeper/three = 0; inner/two = 15; one = 0; }");
-            EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another") << isSecond;
-            EXPECT_EQ(tree.folder.contents("to/tree/inner/two"), "another") << isSecond;
-        }
-        EXPECT_EQ(tree.folder.contents("to/tree/inner/deeper/three"), "one more");
-        tree.expectNoLeftovers();
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([&] {
+                  for (const bool isSecond : {false, true}) {
+                      const auto codes = migrateFiles(nullptr, tree / "from/tree", tree / "to/tree",
+                                                      DotFiles::included, {false, true, isSecond, false});
+                      EXPECT_EQ(codes.condensedDescription(),
+                                isSecond ? "{ inner/two = 15; }"
+                                         : "{ after = 0; inner/deeper/three = 0; inner/two = 15; one = 0; }");
+                      EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another") << isSecond;
+                      EXPECT_EQ(tree.folder.contents("to/tree/inner/two"), "another") << isSecond;
+                  }
+                  EXPECT_EQ(tree.folder.contents("to/tree/inner/deeper/three"), "one more");
+                  tree.expectNoLeftovers();
+              }),
+              0);
 }

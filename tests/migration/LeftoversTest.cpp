@@ -3,11 +3,14 @@
 // puts a source back and removes the rest. What it must leave alone: RecoveryTest.
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Items.h"
 #include "tests/migration/faults/Verdict.h"
 
+using namespace ZQFoundation;
 using faults::Case;
 using faults::Fault;
 using faults::Run;
@@ -92,7 +95,7 @@ TEST(Leftovers, arePutBackOrRemovedByTheNextMigration) {
             const std::string leftover = leftoverWith(*run, mark);
             ASSERT_FALSE(leftover.empty());
             next.migrate(*run, faults::folderOf(leftover));
-            EXPECT_FALSE(scene::stands(leftover));
+            EXPECT_FALSE(kit::stands(leftover));
             if (next.comesToBoth) {
                 EXPECT_EQ(scene::Words{}, faults::leftoversBelow(run->base()));
                 EXPECT_TRUE(scene::digestOf(run->from(), Detail::times) == run->source() ||

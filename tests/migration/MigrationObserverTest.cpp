@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Migrations by options, followed and stopped.
+#include <string>
+
 #include <gtest/gtest.h>
 
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Values.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -33,7 +38,7 @@ public:
     }
 
 private:
-    static std::string lastNames(const NSString& path) { return scene::shownText(path.lastPathComponent()); }
+    static std::string lastNames(const NSString& path) { return kit::utf8Of(path.lastPathComponent()); }
 };
 
 class MigrationObserver : public ::testing::Test {
@@ -52,7 +57,7 @@ TEST_F(MigrationObserver, isNotNeeded) {
     EXPECT_EQ(result.code, kFileMigrationSuccess);
     EXPECT_FALSE(result.isStopped);
     EXPECT_EQ(result.destination, folder / "new/b");
-    EXPECT_FALSE(scene::stands(folder / "a"));
+    EXPECT_FALSE(kit::stands(folder / "a"));
     EXPECT_EQ(ZQFileMigrator::migrateFile(nullptr, "x", {}).code, kFileMigrationSourceNotSpecified);
     EXPECT_EQ(ZQFileMigrator::migrateFolder("x", nullptr, {}).code, kFileMigrationDestinationNotSpecified);
 }
@@ -122,7 +127,7 @@ TEST_F(MigrationObserver, stopsABatchBetweenFiles) {
     // What has a result was moved, the rest stays.
     EXPECT_EQ(contents("from").size() - 1 + result.codes.count(), 4U);
     EXPECT_EQ(contents("to").size(), result.codes.count() + 1);
-    EXPECT_TRUE(scene::stands(folder / "from/c"));
+    EXPECT_TRUE(kit::stands(folder / "from/c"));
 }
 
 TEST_F(MigrationObserver, mayEndAMigrationByAnException) {
@@ -173,6 +178,6 @@ TEST_F(MigrationObserver, leavesNothingInTwoPlacesWhenItEndsABatchByAnException)
         EXPECT_EQ(contents("from").size(), 1U);
         EXPECT_EQ(rest.codes.count(), throwsBefore ? 3U : 0U);
         EXPECT_EQ(contents("to").size(), 7U);
-        scene::removeTree(folder / "to");
+        kit::removeTree(folder / "to");
     }
 }

@@ -4,23 +4,32 @@
 #ifndef ZQFOUNDATION_TESTS_MIGRATION_MIGRATIONSCENE_H
 #define ZQFOUNDATION_TESTS_MIGRATION_MIGRATIONSCENE_H
 
+#include <cstdio>
 #include <map>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include "foundation/objects/ClassesByName.h"
 #include "migration/ZQFileMigrator.h"
-#include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Values.h"
 
-namespace scene {
+namespace ZQFoundation::scene {
 
 /// Path relative to where the digest was taken ("" for the item itself) -> kind, permissions and contents.
 using Digest = std::map<std::string, std::string>;
@@ -49,7 +58,7 @@ inline std::string describedItem(const std::string& path, const struct stat& inf
     std::string text;
     switch (information.st_mode & S_IFMT) {
     case S_IFREG:
-        text = "file [" + contentsOf(path) + "]";
+        text = "file [" + kit::contentsOf(path) + "]";
         break;
     case S_IFDIR:
         text = "folder";
@@ -138,17 +147,13 @@ inline std::string shownFlags(const Flags& flags) {
            (flags.overwrite ? "overwrite " : "") + (flags.rename ? "rename" : "");
 }
 
-inline unsigned migrateFile(const ZQFoundation::NSString& from, const ZQFoundation::NSString& to,
-                            const Flags& flags = {}) {
-    using ZQFoundation::ZQFileMigrator;
+inline unsigned migrateFile(const NSString& from, const NSString& to, const Flags& flags = {}) {
     return ZQFileMigrator::
         migrateFileFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
             from, to, flags.keepOriginal, flags.createParent, flags.overwrite, flags.rename);
 }
 
-inline unsigned migrateFolder(const ZQFoundation::NSString& from, const ZQFoundation::NSString& to,
-                              const Flags& flags = {}) {
-    using ZQFoundation::ZQFileMigrator;
+inline unsigned migrateFolder(const NSString& from, const NSString& to, const Flags& flags = {}) {
     return ZQFileMigrator::
         migrateFolderFrom_to_keepOriginal_createDestinationParentFolder_overwriteDestinationFolder_renameIfDestinationFolderExists(
             from, to, flags.keepOriginal, flags.createParent, flags.overwrite, flags.rename);
@@ -156,11 +161,8 @@ inline unsigned migrateFolder(const ZQFoundation::NSString& from, const ZQFounda
 
 enum class DotFiles { skipped, included };
 
-inline ZQFoundation::NSDictionary migrateFiles(const ZQFoundation::NSString& extension,
-                                               const ZQFoundation::NSString& from,
-                                               const ZQFoundation::NSString& to, DotFiles dotFiles,
-                                               const Flags& flags = {}) {
-    using ZQFoundation::ZQFileMigrator;
+inline NSDictionary migrateFiles(const NSString& extension, const NSString& from, const NSString& to,
+                                 DotFiles dotFiles, const Flags& flags = {}) {
     return ZQFileMigrator::
         migrateFilesWithExtension_from_to_includeDotFiles_keepOriginal_createDestinationParentFolder_overwriteDestinationFile_renameIfDestinationFileExists(
             extension, from, to, dotFiles == DotFiles::included, flags.keepOriginal, flags.createParent,
@@ -175,8 +177,7 @@ struct Operation {
     unsigned overwritingFailed;
     unsigned writingFailed;
 
-    unsigned operator()(const ZQFoundation::NSString& from, const ZQFoundation::NSString& to,
-                        const Flags& flags = {}) const {
+    unsigned operator()(const NSString& from, const NSString& to, const Flags& flags = {}) const {
         return isFolder ? migrateFolder(from, to, flags) : migrateFile(from, to, flags);
     }
 };
@@ -184,15 +185,14 @@ inline constexpr Operation ofFiles{false, 30, 32, 34, 35};
 inline constexpr Operation ofFolders{true, 31, 33, 36, 37};
 
 /// The object that a host's desktop shares: records the folders that it is notified of.
-class RecordingWorkspace : public ZQFoundation::NSObjectProtocol {
+class RecordingWorkspace : public NSObjectProtocol {
 public:
     explicit RecordingWorkspace(Words& folders) : folders_(folders) {}
-    bool respondsToSelector(const ZQFoundation::Selector& selector) const override {
+    bool respondsToSelector(const Selector& selector) const override {
         return selector == "noteFileSystemChanged:";
     }
-    ZQFoundation::NSObject performSelector_withObject(const ZQFoundation::Selector&,
-                                                      const ZQFoundation::NSObject& folder) override {
-        folders_.push_back(shownText(ZQFoundation::NSString(folder)));
+    NSObject performSelector_withObject(const Selector&, const NSObject& folder) override {
+        folders_.push_back(kit::utf8Of(NSString(folder)));
         return nullptr;
     }
 
@@ -201,72 +201,40 @@ private:
 };
 
 /// The class of that object; answers "sharedWorkspace".
-class RecordingWorkspaceClass : public ZQFoundation::NSObjectProtocol {
+class RecordingWorkspaceClass : public NSObjectProtocol {
 public:
-    explicit RecordingWorkspaceClass(Words& folders)
-        : shared_(ZQFoundation::makeObject<RecordingWorkspace>(folders)) {}
-    bool respondsToSelector(const ZQFoundation::Selector& selector) const override {
-        return selector == "sharedWorkspace";
-    }
-    ZQFoundation::NSObject performSelector_withObject(const ZQFoundation::Selector&,
-                                                      const ZQFoundation::NSObject&) override {
-        return shared_;
-    }
+    explicit RecordingWorkspaceClass(Words& folders) : shared_(makeObject<RecordingWorkspace>(folders)) {}
+    bool respondsToSelector(const Selector& selector) const override { return selector == "sharedWorkspace"; }
+    NSObject performSelector_withObject(const Selector&, const NSObject&) override { return shared_; }
 
 private:
-    ZQFoundation::NSObject shared_;
+    NSObject shared_;
 };
 
 /// A desktop registered under a name for a scope.
 class Desktop {
 public:
     explicit Desktop(const char* name = "NSWorkspace")
-        : registration_(name, ZQFoundation::makeObject<RecordingWorkspaceClass>(folders_)) {}
+        : registration_(name, makeObject<RecordingWorkspaceClass>(folders_)) {}
     /// The folders of which it was notified since the last call.
     Words takeFolders() { return std::exchange(folders_, {}); }
 
 private:
     Words folders_;
-    ZQFoundation::ClassRegistration registration_;
+    ClassRegistration registration_;
 };
 
-/// As `inUnprivilegedChild`, with GoogleTest's checks in the child: false when one of them failed.
-template <class Body>
-bool checkedWithoutPrivileges(const Body& body) {
-    const int answer = inUnprivilegedChild([&] {
-        body();
-        std::fflush(nullptr);
-        return ::testing::Test::HasFailure() ? 1 : 0;
-    });
-    return answer == 0;
-}
-
-/// Scratch folders in memory for a scope, where the machine has such a place: thousands of small scenes would
-/// keep a disk busy. For tests that start no threads.
-class ScenesInMemory {
-public:
-    ScenesInMemory() : variable_("TMPDIR", place()) {}
-
-private:
-    static const char* place() {
-        return ::access("/dev/shm", W_OK | X_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR");
-    }
-    Variable variable_;
-};
-
-/// Runs the body in a child with mount points of its own; the answer 77 means that the machine forbids them.
+/// The answer of the body, as `kit::inChild` has it, in a child with mount points of its own; 77 means that
+/// the machine forbids them.
 template <class Body>
 int inOwnMounts(const Body& body, unsigned seconds = 15) {
-    return ZQFoundation::kit::inChild([&] {
-        ::alarm(seconds);
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-            return 77;
-        }
-        body();
-        std::fflush(nullptr);
-        return ::testing::Test::HasFailure() ? 1 : 0;
-    });
+    return kit::inChild(
+        [&]() -> int {
+            const bool hasMounts = ::unshare(CLONE_NEWNS) == 0 &&
+                                   ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+            return hasMounts ? kit::answerOf(body) : 77;
+        },
+        seconds);
 }
 
 /// The same. The test is skipped where the machine forbids mounts, or something else that the body needs:
@@ -276,7 +244,7 @@ void withOwnMounts(const Body& body, unsigned seconds = 15) {
     const int answer = inOwnMounts(
         [&body] {
             if (!body()) {
-                leave(77);
+                kit::leave(77);
             }
         },
         seconds);
@@ -319,11 +287,11 @@ public:
     void setMode(const std::string& name, mode_t mode) const {
         EXPECT_EQ(::chmod((base_ / name).c_str(), mode), 0) << name;
     }
-    bool has(const std::string& name) const { return stands(base_ / name); }
-    std::string contents(const std::string& name) const { return contentsOf(base_ / name); }
+    bool has(const std::string& name) const { return kit::stands(base_ / name); }
+    std::string contents(const std::string& name) const { return kit::contentsOf(base_ / name); }
     /// The result of a batch of "log" files, among them those whose names begin with a period.
     std::string migrateLogs(const std::string& from, const std::string& to, const Flags& flags = {}) const {
-        return bytesOf(
+        return kit::bytesOf(
             migrateFiles("log", base_ / from, base_ / to, DotFiles::included, flags).condensedDescription());
     }
     Digest digest(const std::string& name = "", Detail detail = Detail::permissions) const {
@@ -331,9 +299,9 @@ public:
     }
 
 private:
-    Folder base_;
+    kit::ScratchFolder base_;
 };
 
-} // namespace scene
+} // namespace ZQFoundation::scene
 
 #endif

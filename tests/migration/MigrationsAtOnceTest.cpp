@@ -2,14 +2,19 @@
 // Two processes that migrate at the same time: the same source to the same destination, one before every
 // single call of the other or in a race, and neighbors in the same folders. Nothing that either reports as
 // moved may be missing, and neither waits for the other.
+#include <set>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "tests/kit/Sanitizers.h"
 #include "tests/migration/faults/Leftovers.h"
 #include "tests/migration/faults/Verdict.h"
 
+using namespace ZQFoundation;
 using faults::Again;
 using faults::Case;
 using faults::Old;
@@ -66,7 +71,7 @@ void tryAllCalls(Subject subject, long usualStride) {
 }
 
 void race(Subject subject) {
-    const scene::ScenesInMemory memory;
+    const kit::ScratchInMemory memory;
     for (long turn = 0; turn < faults::wantedRaces(60) && !::testing::Test::HasFailure(); ++turn) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
         const std::set<std::string> texts = faults::visibleContents(run.from());
@@ -121,7 +126,7 @@ TEST(MigrationsAtOnce, leaveAloneWhatTheOtherWorksOn) {
     for (const Subject subject : {Subject::file, Subject::tree}) {
         for (const Old old : {Old::missing, Old::overwritten}) {
             const Case which{subject, old, false};
-            const long stride = subject == Subject::file ? 1 : scene::forksTakeTurns ? 31 : 5;
+            const long stride = subject == Subject::file ? 1 : kit::isSanitized ? 31 : 5;
             faults::atCallsOf(which, 1, stride, [&](long call) { withNeighbor(which, call); });
         }
     }

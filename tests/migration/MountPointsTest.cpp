@@ -4,10 +4,12 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/Leftovers.h"
 
+using namespace ZQFoundation;
 using namespace scene;
 
 namespace {

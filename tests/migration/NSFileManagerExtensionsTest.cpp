@@ -1,18 +1,24 @@
 // SPDX-License-Identifier: MIT
 // The file manager's group: type tests through links, files with the folders above them, chains of folders.
+#include <cerrno>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include "foundation/files/NSFileManager.h"
-#include "tests/files/FileScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
-using scene::CurrentFolder;
-using scene::modeOf;
-using scene::stands;
+using kit::CurrentFolder;
+using kit::modeOf;
+using kit::stands;
 
 namespace {
 
@@ -46,8 +52,8 @@ protected:
     static bool makeChain(const NSString& path) { return files.recursivelyCreateDirectoriesInPath(path); }
 
     static inline NSFileManager& files = NSFileManager::defaultManager();
-    const scene::Folder folder;
-    const std::string base = scene::realPath(folder.path());
+    const kit::ScratchFolder folder;
+    const std::string base = kit::realPath(folder.path());
 };
 
 } // namespace
@@ -86,7 +92,7 @@ TEST_F(NSFileManagerExtensions, typeTestsSeeNothingInAPrivateFolder) {
     folder.write("locked/file", "x");
     folder.makeFolder("locked/folder");
     ASSERT_EQ(::chmod(in("locked").c_str(), 0), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] {
+    EXPECT_EQ(kit::inUnprivilegedChild([this] {
                   return (isFile(in("locked/file")) ? 1 : 0) | (isFolder(in("locked/folder")) ? 2 : 0) |
                          (isFolder(in("locked")) ? 0 : 4);
               }),
@@ -108,7 +114,7 @@ TEST_F(NSFileManagerExtensions, makesOneFolderOrAllOnTheWay) {
     }
     EXPECT_FALSE(makeFolder(in("file"), 0700, true));
     EXPECT_FALSE(makeFolder(in("file/a"), 0700, true));
-    EXPECT_EQ(scene::contentsOf(in("file")), "kept");
+    EXPECT_EQ(kit::contentsOf(in("file")), "kept");
 }
 
 TEST_F(NSFileManagerExtensions, makesAFileWithTheFoldersAboveIt) {
@@ -139,7 +145,7 @@ TEST_F(NSFileManagerExtensions, makesAFileWithTheFoldersAboveIt) {
     for (const auto& row : rows) {
         EXPECT_EQ(makeFile(in(row.path), row.deep), row.isMade) << row.path;
         if (row.isMade) {
-            EXPECT_EQ(scene::contentsOf(in(row.path)), "text") << row.path;
+            EXPECT_EQ(kit::contentsOf(in(row.path)), "text") << row.path;
             EXPECT_EQ(modeOf(in(row.path)), 0640U) << row.path;
         }
         EXPECT_EQ(stands(in("a")), &row > rows + 1);
@@ -149,7 +155,7 @@ TEST_F(NSFileManagerExtensions, makesAFileWithTheFoldersAboveIt) {
     }
     EXPECT_EQ(modeOf(in("there")), 0755U);
     EXPECT_TRUE(stands(in("there/g")));
-    EXPECT_EQ(scene::contentsOf(in("file")), "kept");
+    EXPECT_EQ(kit::contentsOf(in("file")), "kept");
     EXPECT_FALSE(stands(in("nosuch")));
 }
 
@@ -157,10 +163,10 @@ TEST_F(NSFileManagerExtensions, makesEmptyFilesAndReplacesThem) {
     EXPECT_TRUE(files.createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
         in("a/f"), nullptr, nullptr, nullptr, true));
     EXPECT_TRUE(isFile(in("a/f")));
-    EXPECT_EQ(scene::contentsOf(in("a/f")), "");
+    EXPECT_EQ(kit::contentsOf(in("a/f")), "");
     EXPECT_TRUE(makeFile(in("a/f"), true, "one"));
     EXPECT_TRUE(makeFile(in("a/f"), false, "2"));
-    EXPECT_EQ(scene::contentsOf(in("a/f")), "2");
+    EXPECT_EQ(kit::contentsOf(in("a/f")), "2");
 }
 
 TEST_F(NSFileManagerExtensions, findsNoParentInABareName) {
@@ -217,7 +223,7 @@ TEST_F(NSFileManagerExtensions, endsAChainAtWhatIsNoFolder) {
         EXPECT_FALSE(makeChain(in(name))) << name;
         EXPECT_FALSE(makeChain(in(name).substr(1))) << name;
     }
-    EXPECT_EQ(scene::contentsOf(in("file")) + scene::contentsOf(in("a/file")), "keptkept");
+    EXPECT_EQ(kit::contentsOf(in("file")) + kit::contentsOf(in("a/file")), "keptkept");
     EXPECT_FALSE(stands(in("nosuch")));
     EXPECT_FALSE(makeChain(in("b/c/" + std::string(300, 'x') + "/d")));
     EXPECT_TRUE(isFolder(in("b/c"))) << "what was made before remains";
@@ -225,7 +231,7 @@ TEST_F(NSFileManagerExtensions, endsAChainAtWhatIsNoFolder) {
 
 TEST_F(NSFileManagerExtensions, expandsTheTilde) {
     folder.write("file", "x");
-    const scene::Variable home("HOME", base.c_str());
+    const kit::Variable home("HOME", base.c_str());
     EXPECT_TRUE(isFolder("~") && isFile("~/file"));
     EXPECT_FALSE(isFile("~/nosuch"));
     EXPECT_TRUE(makeChain("~/a/b"));
@@ -234,7 +240,7 @@ TEST_F(NSFileManagerExtensions, expandsTheTilde) {
 
 TEST_F(NSFileManagerExtensions, makesNothingWhereTheUserMayNotWrite) {
     ASSERT_EQ(::chmod(folder.makeFolder("closed").c_str(), 0555), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([this] {
+    EXPECT_EQ(kit::inUnprivilegedChild([this] {
                   return (makeChain(in("closed/a/b")) ? 1 : 0) | (makeFile(in("closed/a/x"), true) ? 2 : 0) |
                          (makeFile(in("closed/x"), false) ? 4 : 0) |
                          (makeFile(in("closed/x"), true) ? 8 : 0) | (makeChain(in("closed")) ? 0 : 16);

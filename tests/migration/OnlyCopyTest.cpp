@@ -6,8 +6,12 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -77,7 +81,7 @@ Words spellingsOf(const Places& places, const std::string& name, const std::stri
 
 TEST(OnlyCopy, survivesAFolderMovedIntoOrOntoItselfInAnySpelling) {
     const Places places;
-    const CurrentFolder current(places.folder.path());
+    const kit::CurrentFolder current(places.folder.path());
     const Words spellings = spellingsOf(places, "A");
     places.expectUntouched(ofFolders, spellings, spellingsOf(places, "A", "/new"), anyFlags, {37});
     places.expectUntouched(ofFolders, spellings, spellings, overwritingSome, {36});
@@ -105,7 +109,7 @@ TEST(OnlyCopy, survivesAFolderMovedFurtherDownIntoItself) {
 
 TEST(OnlyCopy, survivesAFolderMovedOntoItsOwnAncestor) {
     const Places places;
-    const CurrentFolder current(places.folder.path());
+    const kit::CurrentFolder current(places.folder.path());
     const Words ancestors{"P",
                           "./P",
                           places.folder.path() + "//P/",
@@ -158,7 +162,7 @@ TEST(OnlyCopy, letsAFolderGoBesideItselfAndItsAncestors) {
 
 TEST(OnlyCopy, survivesAFileMovedOntoItself) {
     const Places places;
-    const CurrentFolder current(places.folder.path());
+    const kit::CurrentFolder current(places.folder.path());
     const Words spellings = spellingsOf(places, "F.txt");
     places.expectUntouched(ofFiles, spellings, spellings, {4, 5, 6, 12, 15}, {34});
     places.expectUntouched(ofFiles, spellings, spellings, {0, 1}, {30});
@@ -210,7 +214,7 @@ TEST(OnlyCopy, survivesALinkMovedOntoItsFileOrItself) {
 
 TEST(OnlyCopy, survivesABatchOntoItselfInAnySpelling) {
     const Places places;
-    const CurrentFolder current(places.folder.path());
+    const kit::CurrentFolder current(places.folder.path());
     const Digest before = places.digest();
     for (const std::string& to : spellingsOf(places, "A")) {
         migrateFiles(nullptr, places / "P/A", places / to, DotFiles::included, {false, true, true, false});
@@ -279,7 +283,7 @@ TEST(OnlyCopy, survivesAFolderMovedIntoAMountOfAFolderInsideIt) {
             for (const auto& [path, what] : before) {
                 EXPECT_EQ(after.count(path) == 1 ? after.at(path) : "lost", what) << path;
             }
-            removeTree(places / "other/mountedSub/new");
+            kit::removeTree(places / "other/mountedSub/new");
         }
         return true;
     });

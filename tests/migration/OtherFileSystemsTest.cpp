@@ -4,10 +4,15 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <unistd.h>
 
 #include "tests/files/CopyScene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
 
+using namespace ZQFoundation;
 using namespace scene;
 
 namespace {
@@ -43,7 +48,7 @@ struct TwoFileSystems {
     void forbidChanges(const std::string& place, unsigned long bound = 0) const {
         if (::mount(nullptr, (folder / place).c_str(), nullptr, bound | MS_REMOUNT | MS_RDONLY, nullptr) !=
             0) {
-            leave(77);
+            kit::leave(77);
         }
     }
 
@@ -80,7 +85,7 @@ TEST(OtherFileSystems, getWholeTreesAndGiveThemBack) {
     const TwoFileSystems places;
     places.with("tmpfs", "size=4m", [&] {
         const Digest before = places.folder.digest("here/tree", Detail::times);
-        ASSERT_NE(deviceOf(places / "here"), deviceOf(places / "there"));
+        ASSERT_NE(kit::deviceOf(places / "here"), kit::deviceOf(places / "there"));
         EXPECT_EQ(migrateFolder(places / "here/tree", places / "there/new/tree", creating), 0U);
         EXPECT_FALSE(places.folder.has("here/tree"));
         EXPECT_EQ(places.folder.digest("there/new/tree", Detail::times), before);
@@ -181,7 +186,7 @@ TEST(OtherFileSystems, thatMayOnlyBeReadKeepTheSourceBesideItsCopy) {
     const TwoFileSystems places;
     places.with("tmpfs", "size=4m", [&] {
         if (!bindMount(places / "here", places / "here")) {
-            leave(77);
+            kit::leave(77);
         }
         places.forbidChanges("here", MS_BIND);
         const Digest before = places.here();

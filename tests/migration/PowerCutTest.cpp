@@ -5,14 +5,20 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include "tests/kit/Sanitizers.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/faults/Cases.h"
 #include "tests/migration/faults/Image.h"
 #include "tests/migration/faults/Leftovers.h"
 
+using namespace ZQFoundation;
 using faults::Outcome;
 
 namespace {
@@ -52,7 +58,7 @@ public:
             return false;
         }
         for (const std::string& name : names_) {
-            folder_.file(name + ".img", scene::contentsOf(folder_ / "empty.img"));
+            folder_.file(name + ".img", kit::contentsOf(folder_ / "empty.img"));
             mounted_.push_back(mount(name));
             if (!mounted_.back()->isMounted()) {
                 return false;
@@ -160,7 +166,7 @@ bool cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
     if (!disks.prepare()) {
         return false;
     }
-    const long usual = subject == Subject::file ? 2 : scene::forksTakeTurns ? 61 : 17;
+    const long usual = subject == Subject::file ? 2 : kit::isSanitized ? 61 : 17;
     const long stride = faults::isEveryCallTried() ? 1 : usual;
     const auto cut = [&](long call) {
         for (const std::string& name : writing) {
@@ -183,7 +189,7 @@ bool cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
 }
 
 void expectNothingLost(Subject subject) {
-    const scene::ScenesInMemory memory;
+    const kit::ScratchInMemory memory;
     // From one disk to another, of which either may write its journal first, and on a single one.
     const std::vector<std::pair<scene::Words, scene::Words>> tries{
         {{"one", "two"}, {"one"}}, {{"one", "two"}, {"one", "two"}}, {{"one"}, {"one"}}};
@@ -220,7 +226,7 @@ TEST(PowerCut, losesNothingOfAFolder) { expectNothingLost(Subject::tree); }
 TEST(PowerCut, losesNothingOfABatch) { expectNothingLost(Subject::batch); }
 
 TEST(PowerCut, isForeseenBeforeAnythingIsRemovedAndNotForEachFile) {
-    const scene::ScenesInMemory memory;
+    const kit::ScratchInMemory memory;
     for (const Subject subject : {Subject::file, Subject::tree, Subject::batch}) {
         const scene::MigrationFolder folder;
         Disks disks(folder, subject, {"one", "two"});

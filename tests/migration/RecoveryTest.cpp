@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Recovery of what a killed process has left.
-#include "migration/Recovery.h"
+#include <string>
 
 #include <fcntl.h>
-#include <sys/file.h>
-
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "migration/Recovery.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -93,20 +97,21 @@ TEST_F(Recovery, removesWhatWasGivenUpAndCopiesWithoutAName) {
     folder.file(copyName + "/sub/b", "3");
     folder.file(".zq-copy.ffffffffffffffff", "4");
     folder.setMode(copyName + "/sub", 0500);
-    folder.setMode(copyName, isRoot() ? 0100 : 0500); // who is not root must be able to read it
+    folder.setMode(copyName, kit::isRoot() ? 0100 : 0500); // who is not root must be able to read it
     recover();
     EXPECT_EQ(contents(), (Digest{{"", "folder"}, {"kept", "folder"}, {"kept/file", "file [2]"}}));
 }
 
 TEST_F(Recovery, removesACopyOfFoldersThatMayNotBeChanged) {
-    EXPECT_TRUE(checkedWithoutPrivileges([] {
-        const MigrationFolder own;
-        own.file(copyName + "/sub/b", "3");
-        own.setMode(copyName + "/sub", 0500);
-        own.setMode(copyName, 0500);
-        recoverIn(own.path());
-        EXPECT_EQ(own.digest("", Detail::contents), (Digest{{"", "folder"}}));
-    }));
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
+                  const MigrationFolder own;
+                  own.file(copyName + "/sub/b", "3");
+                  own.setMode(copyName + "/sub", 0500);
+                  own.setMode(copyName, 0500);
+                  recoverIn(own.path());
+                  EXPECT_EQ(own.digest("", Detail::contents), (Digest{{"", "folder"}}));
+              }),
+              0);
 }
 
 TEST_F(Recovery, leavesAloneWhatALivingProcessWorksOn) {
@@ -158,7 +163,7 @@ TEST_F(Recovery, followsNoLinks) {
 }
 
 TEST_F(Recovery, leavesAloneWhatBelongsToOthersInAFolderForAll) {
-    if (!isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "gives files to another user";
     }
     constexpr uid_t somebodyElse = 65533;
@@ -171,7 +176,7 @@ TEST_F(Recovery, leavesAloneWhatBelongsToOthersInAFolderForAll) {
     }
     folder.setMode("", 01777);
     const Digest before = contents();
-    EXPECT_TRUE(checkedWithoutPrivileges([this] { recover(); }));
+    EXPECT_EQ(kit::inUnprivilegedChild([this] { recover(); }), 0);
     EXPECT_EQ(contents(), before) << "by another user";
     recover();
     Digest after = before;

@@ -7,7 +7,7 @@
 
 #include "foundation/objects/NSNumber.h"
 #include "migration/ZQFileMigrator.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Environment.h"
 
 using namespace ZQFoundation;
 
@@ -62,7 +62,7 @@ std::string joined(const NSDictionary& results) {
 
 TEST(ResultCodes, haveTheirNumbersAndEnglishDescriptions) {
     static_assert(std::is_same_v<std::underlying_type_t<ZQFileMigrationRetvalType>, std::uint32_t>);
-    const scene::NoLanguages none;
+    const kit::NoLanguages none;
     for (const Row& row : rows) {
         EXPECT_EQ(static_cast<std::uint32_t>(row.code), row.number);
     }
@@ -78,7 +78,7 @@ TEST(ResultCodes, haveTheirNumbersAndEnglishDescriptions) {
 }
 
 TEST(ResultCodes, ofABatchAreJoinedInTheOrderOfTheirKeys) {
-    const scene::NoLanguages none;
+    const kit::NoLanguages none;
     const std::string one = nameOf(1);
     const std::string two = nameOf(2);
     const struct {

@@ -10,6 +10,7 @@
 #include "tests/migration/faults/Leftovers.h"
 #include "tests/migration/faults/ServedFolder.h"
 
+using namespace ZQFoundation;
 using faults::ServedTraits;
 using scene::creating;
 using scene::Detail;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The library's own texts: every language has every text, and no other.
+#include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -8,7 +11,8 @@
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/process/NSBundle.h"
 #include "migration/ZQFileMigrator.h"
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 
 using namespace ZQFoundation;
 
@@ -53,7 +57,7 @@ TEST(StringTables, areTranslatedAndNotCopied) {
 }
 
 TEST(StringTables, includeTheTextsThatTheLibraryFallsBackTo) {
-    const scene::NoLanguages english;
+    const kit::NoLanguages english;
     for (const std::uint32_t code : {0U,  1U,  2U,  10U, 11U, 12U, 13U, 14U, 15U, 20U, 21U,
                                      22U, 30U, 31U, 32U, 33U, 34U, 35U, 36U, 37U, 99U}) {
         const NSString text = ZQFileMigrator::descriptionOfFileMigrationRetvalType(code);
@@ -79,8 +83,8 @@ TEST(StringTables, areFoundForTheUsersLanguage) {
     };
     for (const auto& [language, text] : rows) {
         const std::string output =
-            scene::runAgain({{"LANGUAGE", language}, {"LANG", "de_DE.UTF-8"}, {"ZQ_TEST_TELLS", "1"}},
-                            {"test", "--gtest_filter=StringTables.areFoundForTheUsersLanguage"});
+            kit::runAgain({{"LANGUAGE", language}, {"LANG", "de_DE.UTF-8"}, {"ZQ_TEST_TELLS", "1"}},
+                          {"test", "--gtest_filter=StringTables.areFoundForTheUsersLanguage"});
         EXPECT_NE(output.find(text), std::string::npos) << language << ": " << output;
     }
 }

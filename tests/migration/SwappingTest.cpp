@@ -1,20 +1,28 @@
 // SPDX-License-Identifier: MIT
 // Migrations while another process swaps folders and files for links to somebody's victim folder, over and
 // over. Reading through such a link may happen; nothing in the victim may be written, removed or changed.
+#include <cstdio>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Sanitizers.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/MigrationScene.h"
 
+using namespace ZQFoundation;
 using namespace scene;
 
 namespace {
 
-constexpr long wantedSwaps = forksTakeTurns ? 2000 : 20000;
-constexpr long wantedMigrations = forksTakeTurns ? 50 : 150;
+constexpr long wantedSwaps = kit::isSanitized ? 2000 : 20000;
+constexpr long wantedMigrations = kit::isSanitized ? 50 : 150;
 
 /// What both processes see.
 struct Shared {
@@ -56,7 +64,7 @@ public:
         const std::string number = std::to_string(++made_);
         if (::rename(at.c_str(), (folder_ / ("trash/" + number)).c_str()) == 0) {
             // A link may have been taken along; removing a tree does not follow it.
-            removeTree(folder_ / ("trash/" + number));
+            kit::removeTree(folder_ / ("trash/" + number));
         }
         if (!withTree) {
             return;
@@ -83,14 +91,14 @@ public:
         if (swapper == 0) {
             ::alarm(500);
             if (owner_ != 0 && (::setgid(owner_) != 0 || ::setuid(owner_) != 0)) {
-                leave(99);
+                kit::leave(99);
             }
             for (long turn = 0; !shared_->stops && ::getppid() == parent; ++turn) {
                 if (swap(turn)) {
                     ++shared_->swaps;
                 }
             }
-            leave(0);
+            kit::leave(0);
         }
         long migrations = 0;
         while (shared_->swaps < wantedSwaps || migrations < wantedMigrations) {
@@ -98,7 +106,7 @@ public:
             ++migrations;
         }
         shared_->stops = true;
-        EXPECT_EQ(ZQFoundation::kit::endOf(swapper), 0);
+        EXPECT_EQ(kit::endOf(swapper), 0);
         std::printf("%ld swaps, %ld migrations\n", shared_->swaps.load(), migrations);
         EXPECT_EQ(shownDigest(victim()), shownDigest(before_));
     }
@@ -118,7 +126,7 @@ private:
     }
 
     uid_t owner_;
-    ScenesInMemory memory_;
+    kit::ScratchInMemory memory_;
     MigrationFolder folder_;
     Shared* shared_;
     Digest before_;
@@ -150,8 +158,8 @@ public:
             return exchange(pair.entry, pair.link);
         }
         // The one before may have been taken away with the tree in which it was.
-        if (!isLink(pair.link)) {
-            removeTree(pair.link);
+        if (!kit::isLink(pair.link)) {
+            kit::removeTree(pair.link);
             if (::symlink(pair.victim.c_str(), pair.link.c_str()) != 0) {
                 return false;
             }
@@ -169,7 +177,7 @@ private:
 };
 
 /// Another user where there is one to be, else (0) this one.
-uid_t swappingUser() { return isRoot() ? 65534 : 0; }
+uid_t swappingUser() { return kit::isRoot() ? 65534 : 0; }
 
 /// Moves trees over each other while the owner swaps. Each list of swaps is tried by itself.
 void moveTrees(const std::vector<Swaps>& lists, uid_t owner) {
@@ -248,10 +256,10 @@ TEST(Swapping, ofFilesHarmsNoVictim) {
 }
 
 TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
-    if (!isRoot()) {
+    if (!kit::isRoot()) {
         GTEST_SKIP() << "only root can have another user swap";
     }
-    if (contentsOf("/proc/sys/fs/protected_symlinks") != "1\n") {
+    if (kit::contentsOf("/proc/sys/fs/protected_symlinks") != "1\n") {
         GTEST_SKIP() << "this system follows foreign links in sticky folders";
     }
     // In a folder like /tmp, in which everybody may make links, a link of somebody else is not followed: the

@@ -8,32 +8,34 @@
 
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSSet.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/Values.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
+using kit::utf8Of;
 using scene::MigrationFolder;
-using scene::shownText;
 
 namespace {
 
 constexpr std::uint64_t anyLimit[] = {0, 1, UINT64_MAX};
 
 std::string uniquePath(const NSString& path, StringView between) {
-    return shownText(ZQFileMigrator::uniquePathForPath_usingIntermediateString(path, between));
+    return utf8Of(ZQFileMigrator::uniquePathForPath_usingIntermediateString(path, between));
 }
 
 std::string uniquePath(const NSString& path, StringView between, std::uint64_t limit) {
-    return shownText(
+    return utf8Of(
         ZQFileMigrator::uniquePathForPath_usingIntermediateString_maxAttempts(path, between, limit));
 }
 
 std::string uniqueMember(const NSSet& set, const NSString& name, StringView between,
                          std::uint64_t limit = 100) {
-    return shownText(set.uniqueStringForString_usingIntermediateString_maxAttempts(name, between, limit));
+    return utf8Of(set.uniqueStringForString_usingIntermediateString_maxAttempts(name, between, limit));
 }
 
 std::string uniqueKey(const NSDictionary& entries, StringView between, std::uint64_t limit) {
-    return shownText(entries.uniqueKeyForKey_usingIntermediateString_maxAttempts("Name", between, limit));
+    return utf8Of(entries.uniqueKeyForKey_usingIntermediateString_maxAttempts("Name", between, limit));
 }
 
 } // namespace
@@ -108,7 +110,7 @@ TEST(UniquePath, isThatOfADanglingLinkToo) {
 TEST(UniquePath, createsNothingAndExpandsNoTilde) {
     const MigrationFolder folder;
     folder.file("taken", "x");
-    const scene::Variable home("HOME", folder.path().c_str());
+    const kit::Variable home("HOME", folder.path().c_str());
     const scene::Digest before = folder.digest();
     uniquePath(folder / "taken", " ");
     EXPECT_EQ(folder.digest(), before);
@@ -146,8 +148,8 @@ TEST(UniqueKey, isTheKeyOrNilEvenWhenEveryCandidateIsFree) {
             EXPECT_EQ(uniqueKey(taken, between, limit), "(nil)") << limit;
             EXPECT_EQ(uniqueKey(free, between, limit), "Name") << limit;
         }
-        EXPECT_EQ(shownText(taken.uniqueKeyForKey_usingIntermediateString("Name", between)), "(nil)");
-        EXPECT_EQ(shownText(free.uniqueKeyForKey_usingIntermediateString("Name", between)), "Name");
+        EXPECT_EQ(utf8Of(taken.uniqueKeyForKey_usingIntermediateString("Name", between)), "(nil)");
+        EXPECT_EQ(utf8Of(free.uniqueKeyForKey_usingIntermediateString("Name", between)), "Name");
     }
     EXPECT_EQ(uniqueKey(NSDictionary::dictionary(), nullptr, 1), "Name");
 }

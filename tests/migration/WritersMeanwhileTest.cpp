@@ -2,17 +2,24 @@
 // Migrations of files that somebody keeps working on: adds, saves, rewrites, appends, moves and swaps, before
 // every single call of the migration, and in a race with it. What was there after each step of the writer
 // must be found afterwards, at the source, at the destination or beside either.
+#include <cstdio>
 #include <functional>
 #include <random>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "tests/kit/Sanitizers.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/faults/Verdict.h"
 #include "tests/migration/faults/Writer.h"
 
+using namespace ZQFoundation;
 using faults::Case;
 using faults::Old;
 using faults::Outcome;
@@ -234,7 +241,7 @@ void workUntilDone(Writer& writer, const faults::ReportingChild& migration, unsi
 }
 
 void race(Subject subject) {
-    const scene::ScenesInMemory memory;
+    const kit::ScratchInMemory memory;
     Count count;
     for (long turn = 0; turn < faults::wantedRaces(40) && !::testing::Test::HasFailure(); ++turn) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
@@ -286,7 +293,7 @@ void withPlaced(const Case& which, Placed what, long call) {
             which.name() + " at call " + std::to_string(call) + ", code '" + outcome.report + "'";
         EXPECT_EQ(scene::shownDigest(scene::digestOf(path)), scene::shownDigest(placed)) << about;
         if (which.subject == Subject::batch) {
-            EXPECT_EQ(scene::contentsOf(run.from() + name), "contents of sub/c.log") << about;
+            EXPECT_EQ(kit::contentsOf(run.from() + name), "contents of sub/c.log") << about;
         } else {
             EXPECT_EQ(digestOf(run.from(), scene::Detail::times), run.source()) << about;
         }
@@ -308,7 +315,7 @@ TEST(WritersMeanwhile, keepWhatTheyPutAtTheDestination) {
     for (const Subject subject : {Subject::file, Subject::tree, Subject::batch}) {
         for (const Old old : {Old::missing, Old::overwritten}) {
             const Case which{subject, old, false};
-            const long stride = subject == Subject::file ? 1 : scene::forksTakeTurns ? 31 : 7;
+            const long stride = subject == Subject::file ? 1 : kit::isSanitized ? 31 : 7;
             for (int what = 0; what < 4; ++what) {
                 faults::atCallsOf(which, 1 + what, stride,
                                   [&](long call) { withPlaced(which, static_cast<Placed>(what), call); });

@@ -10,12 +10,13 @@
 #if __has_include(<linux/seccomp.h>)
 #include <sys/resource.h>
 
-#include "tests/process/RefusedCalls.h"
 #endif
 
 #include "foundation/system/System.h"
 #include "tests/kit/Child.h"
+#include "tests/kit/RefusedCalls.h"
 
+using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
 
 namespace {
@@ -50,7 +51,7 @@ TEST(RandomBytes, areOthersAtEveryCall) {
 
 #if __has_include(<linux/seccomp.h>) // elsewhere the call cannot fail
 
-bool forbidTheCall() { return scene::refuseCall(SYS_getrandom, EPERM); }
+bool forbidTheCall() { return kit::refuseCall(SYS_getrandom, EPERM); }
 
 bool areDifferent(int calls) {
     std::set<std::string> seen;
@@ -61,7 +62,7 @@ bool areDifferent(int calls) {
 }
 
 TEST(RandomBytes, comeFromTheDeviceWhereTheCallIsForbidden) {
-    EXPECT_EQ(ZQFoundation::kit::inUnprivilegedChild([] {
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
                   if (!forbidTheCall()) {
                       return 2;
                   }
@@ -75,7 +76,7 @@ TEST(RandomBytes, comeFromTheDeviceWhereTheCallIsForbidden) {
 }
 
 TEST(RandomBytes, differEvenWithoutTheDevice) {
-    EXPECT_EQ(ZQFoundation::kit::inUnprivilegedChild([] {
+    EXPECT_EQ(kit::inUnprivilegedChild([] {
                   const rlimit none{0, 0};
                   if (!forbidTheCall() || ::setrlimit(RLIMIT_NOFILE, &none) != 0) {
                       return 2;

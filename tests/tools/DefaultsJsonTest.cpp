@@ -6,6 +6,7 @@
 
 #include "tests/tools/ToolScene.h"
 
+using namespace ZQFoundation;
 using scene::Outcome;
 using scene::Tool;
 using scene::Words;

@@ -8,8 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/kit/Environment.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/tools/ToolScene.h"
 
+using namespace ZQFoundation;
 using scene::Outcome;
 using scene::Tool;
 using scene::Words;
@@ -58,7 +61,7 @@ protected:
             EXPECT_TRUE(scene::contains(message, "shared/")) << message;
             EXPECT_TRUE(scene::contains(message, "ermission")) << row[0] << ": " << message;
         }
-        EXPECT_EQ(scene::contentsOf(elsewhere() + "/list.plist"), precious);
+        EXPECT_EQ(kit::contentsOf(elsewhere() + "/list.plist"), precious);
         EXPECT_EQ(tool.done({"read", "d"}), "{\n    secret = v;\n}\n");
     }
 
@@ -82,7 +85,7 @@ TEST_F(DefaultsSharedFolders, danglingLinksOfOthersMakeNoFile) {
     tool.refused({"write", path, "k", "v"});
     EXPECT_EQ(::access((elsewhere() + "/new.plist").c_str(), F_OK), -1);
     link(elsewhere() + "/config", "config");
-    const scene::Variable configuration("XDG_CONFIG_HOME", (shared() + "/config").c_str());
+    const kit::Variable configuration("XDG_CONFIG_HOME", (shared() + "/config").c_str());
     tool.refused({"write", "d", "k", "v"});
     EXPECT_EQ(::access((elsewhere() + "/config").c_str(), F_OK), -1);
 }
@@ -98,7 +101,7 @@ TEST_F(DefaultsSharedFolders, filesAndPipesOfOthersAreNotWrittenTo) {
     }
     tool.refused({"write", file, "k", "v"});
     tool.refused({"remove", file});
-    EXPECT_EQ(scene::contentsOf(file), "{ theirs = yes; }");
+    EXPECT_EQ(kit::contentsOf(file), "{ theirs = yes; }");
     EXPECT_EQ(tool.done({"read", file, "theirs"}), "yes\n") << "reading a file harms nobody";
 }
 

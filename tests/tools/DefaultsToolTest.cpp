@@ -10,16 +10,19 @@
 
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/RefusedCalls.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/tools/ToolScene.h"
 
 #if __has_include(<linux/seccomp.h>)
-#include "tests/process/RefusedCalls.h"
 #endif
 
 using namespace ZQFoundation;
+using kit::modeOf;
 using scene::become;
 using scene::contains;
-using scene::modeOf;
 using scene::Outcome;
 using scene::Tool;
 using scene::Words;
@@ -187,7 +190,7 @@ TEST(DefaultsTool, answersUnderItsSecondName) {
     const Tool tool;
     const std::string link = tool.folder() / "zqdefaults";
     ASSERT_EQ(::symlink(ZQ_DEFAULTS_TOOL, link.c_str()), 0);
-    const std::string output = scene::outputOf(link, {"zqdefaults", "--help"}, [] {});
+    const std::string output = kit::outputOf(link, {"zqdefaults", "--help"}, [] {});
     EXPECT_EQ(output.find("Usage: zqdefaults <command>"), 0U) << output;
     EXPECT_TRUE(contains(output, "\n  zqdefaults write com.example"));
     EXPECT_FALSE(contains(output, "\n  defaults "));
@@ -205,7 +208,7 @@ std::string shownOnTerminal(const Tool& tool, const Words& words) {
     const pid_t child = tool.runs().start(words, terminal.end(), STDERR_FILENO);
     std::string shown = terminal.readToEnd();
     shown.erase(std::remove(shown.begin(), shown.end(), '\r'), shown.end());
-    EXPECT_EQ(scene::endOf(child), 0);
+    EXPECT_EQ(kit::endOf(child), 0);
     return shown;
 }
 
@@ -354,7 +357,7 @@ TEST(DefaultsTool, importsAndExportsWholeDomains) {
     const std::string file = tool.folder() / "exported.plist";
     tool.done({"write", "d", "{ a = (1, 2); b = { c = d; }; }"});
     tool.done({"export", "d", file});
-    const std::string xml = scene::contentsOf(file);
+    const std::string xml = kit::contentsOf(file);
     EXPECT_EQ(xml.substr(0, 5), "<?xml");
     EXPECT_EQ(tool.done({"export", "d", "-"}), xml);
     tool.done({"write", "e", "old", "gone"});
@@ -379,13 +382,13 @@ TEST(DefaultsTool, importsFromPipesAndExportsIntoThem) {
         ::_exit(::write(end, "{ a = b; }", 10) == 10 ? 0 : 1);
     }
     tool.done({"import", "d", pipe});
-    EXPECT_EQ(scene::endOf(writer), 0);
+    EXPECT_EQ(kit::endOf(writer), 0);
     EXPECT_EQ(tool.done({"read", "d", "a"}), "b\n");
 
     const int end = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(end, 0);
     tool.done({"export", "d", pipe});
-    EXPECT_TRUE(scene::isOfType(pipe, S_IFIFO)) << "no file has taken its place";
+    EXPECT_TRUE(kit::isOfType(pipe, S_IFIFO)) << "no file has taken its place";
     std::string bytes(4096, '\0');
     const ssize_t count = ::read(end, bytes.data(), bytes.size());
     ::close(end);
@@ -431,8 +434,8 @@ TEST(DefaultsTool, keepsPermissionsAndLinksAndMakesPrivateFiles) {
     tool.folder().write("elsewhere/real.plist", "{ k = old; }");
     ASSERT_EQ(::symlink((tool.folder() / "elsewhere/real.plist").c_str(), tool.file("linked").c_str()), 0);
     tool.done({"write", "linked", "k", "new"});
-    EXPECT_TRUE(scene::isLink(tool.file("linked")));
-    EXPECT_TRUE(contains(scene::contentsOf(tool.folder() / "elsewhere/real.plist"), "new"));
+    EXPECT_TRUE(kit::isLink(tool.file("linked")));
+    EXPECT_TRUE(contains(kit::contentsOf(tool.folder() / "elsewhere/real.plist"), "new"));
 }
 
 TEST(DefaultsTool, writesThroughLinksToWhatIsNotThereYet) {
@@ -460,7 +463,7 @@ TEST(DefaultsTool, permitsNothingToAGroupThatTheFileDidNotHave) {
     tool.done({"write", "d", "k", "v"});
     ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0777), 0);
     ASSERT_EQ(::chmod(tool.file("d").c_str(), 0664), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([]() -> int {
+    EXPECT_EQ(kit::inUnprivilegedChild([]() -> int {
                   become(scene::defaultsProgram(), {"write", "d", "k", "w"});
               }),
               0);
@@ -566,8 +569,8 @@ TEST(DefaultsTool, failsWhenItCannotLookAtTheFileBefore) {
     tool.done({"write", "d", "k", "v"});
     ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
     const Outcome outcome = tool.runs().runPrepared({"write", "d", "k", "w"}, [] {
-        const scene::CallArgument notFollowing{3, AT_SYMLINK_NOFOLLOW};
-        return scene::refuseCall(SYS_newfstatat, EIO, &notFollowing);
+        const kit::CallArgument notFollowing{3, AT_SYMLINK_NOFOLLOW};
+        return kit::refuseCall(SYS_newfstatat, EIO, &notFollowing);
     });
     EXPECT_EQ(outcome.status, 1);
     EXPECT_TRUE(contains(outcome.errors, "nput/output error")) << outcome.errors;
@@ -595,7 +598,7 @@ TEST(DefaultsTool, failsWhereItMayNotWrite) {
     tool.done({"write", "d", "k", "v"});
     ASSERT_EQ(::chmod(tool.file("d").c_str(), 0644), 0);
     ASSERT_EQ(::chmod((tool.folder() / "ZQFoundation").c_str(), 0555), 0);
-    EXPECT_EQ(scene::inUnprivilegedChild([]() -> int {
+    EXPECT_EQ(kit::inUnprivilegedChild([]() -> int {
                   ::close(STDERR_FILENO);
                   become(scene::defaultsProgram(), {"write", "d", "k", "w"});
               }),

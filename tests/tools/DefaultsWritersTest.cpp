@@ -12,16 +12,18 @@
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/process/NSProcessInfo.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/RefusedCalls.h"
 #include "tests/tools/ToolScene.h"
 
 #if __has_include(<linux/seccomp.h>)
 #include "tests/migration/faults/Tracing.h"
-#include "tests/process/RefusedCalls.h"
 #endif
 
 using namespace ZQFoundation;
+using kit::endOf;
 using scene::contains;
-using scene::endOf;
 using scene::Tool;
 using scene::Words;
 
@@ -35,7 +37,7 @@ std::vector<pid_t> started(int count, const Body& body) {
         const pid_t child = ::fork();
         if (child == 0) {
             body(number);
-            scene::leave(0);
+            kit::leave(0);
         }
         children.push_back(child);
     }
@@ -61,7 +63,7 @@ void writeSideBySide(int writers, int keys, const Prepare& prepare) {
             }));
         }
         if (::testing::Test::HasFailure()) {
-            scene::leave(1);
+            kit::leave(1);
         }
     }));
 }
@@ -106,7 +108,7 @@ TEST(DefaultsToolWriters, loseNoKeyOfProcessesThatSaveTheirOwn) {
 /// From here on this process and its children cannot lock whole files and folders, as on a network file
 /// system.
 void refuseFolderLocks() {
-    if (!scene::refuseCall(SYS_flock, EBADF) || ::flock(0, LOCK_UN) == 0) {
+    if (!kit::refuseCall(SYS_flock, EBADF) || ::flock(0, LOCK_UN) == 0) {
         ::_exit(99);
     }
 }
@@ -135,7 +137,7 @@ TEST(DefaultsToolWriters, saySoWhenTheyWait) {
 
 #if __has_include(<linux/seccomp.h>)
 /// Makes sleeping take no time.
-bool skipSleep() { return scene::refuseCall(SYS_clock_nanosleep, 0) && scene::refuseCall(SYS_nanosleep, 0); }
+bool skipSleep() { return kit::refuseCall(SYS_clock_nanosleep, 0) && kit::refuseCall(SYS_nanosleep, 0); }
 
 TEST(DefaultsToolWriters, giveUpOnALockThatIsNotGivenBack) {
     const Tool tool;
@@ -149,7 +151,7 @@ TEST(DefaultsToolWriters, giveUpOnALockThatIsNotGivenBack) {
     ASSERT_EQ(::fcntl(file, F_SETLK, &whole), 0);
     for (const bool locksFile : {false, true}) {
         const scene::Outcome outcome = tool.runs().runPrepared({"write", "d", "k", "w"}, [locksFile] {
-            return skipSleep() && (!locksFile || scene::refuseCall(SYS_flock, EBADF));
+            return skipSleep() && (!locksFile || kit::refuseCall(SYS_flock, EBADF));
         });
         EXPECT_EQ(outcome.status, 1) << locksFile;
         EXPECT_TRUE(contains(outcome.errors, tool.file("d"))) << outcome.errors;
@@ -178,8 +180,8 @@ bool isWhole(const Tool& tool, int& least, long most) {
 /// Has the tool write the domain again and again, and sends it the signal at each of the calls by which it
 /// uses its folder. The file must be whole after each, and with other entries only where that is allowed.
 void endAtEveryCall(const Tool& tool, int signal, bool mayLeaveFiles) {
-    const ZQFoundation::kit::Variable options("ASAN_OPTIONS",
-                                              "detect_leaks=0"); // cannot be done while traced
+    const kit::Variable options("ASAN_OPTIONS",
+                                "detect_leaks=0"); // cannot be done while traced
     tool.done({"import", "d", "-"}, largeDomain(0));
     const std::string folder = tool.folder() / "ZQFoundation";
     int value = 0;

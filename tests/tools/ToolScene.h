@@ -16,11 +16,12 @@
 #include <unistd.h>
 
 #include "foundation/process/NSUserDefaults.h"
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/MigrationScene.h"
 
-namespace scene {
-
-using ZQFoundation::kit::endOf;
+namespace ZQFoundation::scene {
 
 struct Program {
     const char* name;
@@ -175,7 +176,7 @@ public:
         const pid_t child = startPrepared(words, output, errors, prepare);
         ::close(output);
         ::close(errors);
-        const int status = endOf(child);
+        const int status = kit::endOf(child);
         return {status, report("output"), report("errors")};
     }
     Outcome run(const Words& words, const std::string& input = {}) const {
@@ -194,20 +195,20 @@ public:
             ::_exit(126);
         }
         ::close(output);
-        EXPECT_EQ(endOf(child), 0) << ::testing::PrintToString(command);
+        EXPECT_EQ(kit::endOf(child), 0) << ::testing::PrintToString(command);
         return report("other");
     }
 
     int opened(const char* name) const {
         return ::open((reports_ / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     }
-    std::string report(const char* name) const { return contentsOf(reports_ / name); }
-    const Folder& reports() const { return reports_; }
+    std::string report(const char* name) const { return kit::contentsOf(reports_ / name); }
+    const kit::ScratchFolder& reports() const { return reports_; }
 
 private:
     const Program& program_;
     std::string path_;
-    Folder reports_;
+    kit::ScratchFolder reports_;
 };
 
 /// The tool `defaults` with a config home of its own.
@@ -246,20 +247,20 @@ public:
         return folder_.write(std::string("ZQFoundation/").append(domain).append(".plist"), bytes);
     }
     /// Of the domain's file; empty when there is none.
-    std::string contents(const std::string& domain) const { return contentsOf(file(domain)); }
+    std::string contents(const std::string& domain) const { return kit::contentsOf(file(domain)); }
     bool exists(const std::string& domain) const { return ::access(file(domain).c_str(), F_OK) == 0; }
 
     /// What the library finds, in the global domain.
-    ZQFoundation::NSObject global(const char* key) const {
-        return ZQFoundation::NSUserDefaults::standardUserDefaults().objectForKey(key);
+    NSObject global(const char* key) const {
+        return NSUserDefaults::standardUserDefaults().objectForKey(key);
     }
 
-    const Folder& folder() const { return folder_; }
+    const kit::ScratchFolder& folder() const { return folder_; }
     std::size_t entriesInFolder() const { return digestOf(folder_ / "ZQFoundation").size() - 1; }
 
 private:
-    Folder folder_;
-    Variable configuration_;
+    kit::ScratchFolder folder_;
+    kit::Variable configuration_;
     ToolRuns runs_;
 };
 
@@ -298,8 +299,8 @@ private:
         : ToolRuns(migrateProgram(), folder->path()), folder_(std::move(folder)) {}
 
     std::unique_ptr<MigrationFolder> folder_;
-    Variable language_{"LANGUAGE", "en"};
-    Variable encoding_{"LC_ALL", "C.UTF-8"};
+    kit::Variable language_{"LANGUAGE", "en"};
+    kit::Variable encoding_{"LC_ALL", "C.UTF-8"};
 };
 
 /// What the completion script offers for the last of the words, each on a line of its own, sorted.
@@ -318,6 +319,6 @@ inline std::string offered(const ToolRuns& runs, const char* script, const std::
     return runs.outputOf(command);
 }
 
-} // namespace scene
+} // namespace ZQFoundation::scene
 
 #endif

@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/ScratchFolder.h"
 #include "tests/tools/ToolScene.h"
 
+using namespace ZQFoundation;
 using scene::MigrateTool;
 using scene::Outcome;
 using scene::Words;
@@ -135,7 +137,7 @@ TEST(ZqmigrateJson, isExactForAnyName) {
     EXPECT_EQ(read(tool, failing.output, "sorted(path(i) for i in r['left']) == sorted(os.listdir(b'c'))"),
               "True\n");
     for (const std::string& name : names) {
-        EXPECT_EQ(scene::contentsOf(tool / ("b\xFF/" + name)), name);
+        EXPECT_EQ(kit::contentsOf(tool / ("b\xFF/" + name)), name);
     }
 }
 

@@ -7,10 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 #include "tests/tools/ToolScene.h"
 
+using namespace ZQFoundation;
+using kit::endOf;
 using scene::contains;
-using scene::endOf;
 using scene::MigrateTool;
 using scene::Terminal;
 using scene::Words;
@@ -20,7 +23,7 @@ namespace {
 /// What a person at the terminal sees of the tool that runs there, with its exit status.
 std::pair<int, std::string> seenOf(const MigrateTool& tool, const Words& words, unsigned short columns = 80,
                                    const char* type = "xterm") {
-    const scene::Variable term("TERM", type);
+    const kit::Variable term("TERM", type);
     Terminal terminal(columns);
     const pid_t child = tool.start(words, terminal.end(), terminal.end());
     const std::string seen = terminal.readToEnd();
@@ -96,7 +99,7 @@ public:
         return child;
     }
 
-    std::string readToEnd() const { return ZQFoundation::kit::readToEnd(pipe_[0]); }
+    std::string readToEnd() const { return kit::readToEnd(pipe_[0]); }
 
     int left(const char* folder) const {
         const scene::Digest digest = tool.folder().digest(folder);
@@ -108,7 +111,7 @@ public:
     MigrateTool tool;
 
 private:
-    scene::Variable term_;
+    kit::Variable term_;
     int pipe_[2] = {-1, -1};
 };
 
@@ -402,7 +405,7 @@ TEST(ZqmigrateInterruption, cutsTheListOfWhatIsLeftTheSecondTime) {
 
 TEST(ZqmigrateTerminal, keepsItsLinesOutOfFilesWhateverIsClosed) {
     constexpr int fileCount = 100;
-    const scene::Variable term("TERM", "xterm");
+    const kit::Variable term("TERM", "xterm");
     for (int closed = 0; closed < 8; ++closed) {
         SCOPED_TRACE(closed);
         const MigrateTool tool;

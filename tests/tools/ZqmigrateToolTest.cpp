@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 #include "tests/tools/ToolScene.h"
 
+using namespace ZQFoundation;
 using scene::contains;
 using scene::MigrateTool;
 using scene::Outcome;
@@ -166,7 +169,7 @@ TEST(ZqmigrateTool, overwritesOrRenamesWhenItMay) {
 
 TEST(ZqmigrateTool, expandsTheHomeFolder) {
     const MigrateTool tool;
-    const scene::Variable home("HOME", tool.folder().path().c_str());
+    const kit::Variable home("HOME", tool.folder().path().c_str());
     tool.file("a/f");
     EXPECT_EQ(tool.done({"-v", "--create-parents", "batch", "~/a", "~/b"}),
               " 0  f: success -> " + (tool / "b/f") + "\n");
@@ -211,7 +214,7 @@ TEST(ZqmigrateTool, reportsNoSuccessWhenQuiet) {
 
 TEST(ZqmigrateTool, describesInTheUsersLanguage) {
     const MigrateTool tool;
-    const scene::Variable language("LANGUAGE", "de");
+    const kit::Variable language("LANGUAGE", "de");
     const std::string german = "  10  a: der Quellpfad existiert nicht\n";
     EXPECT_TRUE(contains(tool.run({"file", "a", "b"}).errors, german));
 }
@@ -238,28 +241,30 @@ TEST(ZqmigrateTool, reportsRelativeLinksThatAreDanglingAfterwards) {
 
 TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
     scene::migrateProgram(); // opened before privileges are given up
-    EXPECT_TRUE(scene::checkedWithoutPrivileges([] {
-        for (const mode_t mode : {0000U, 0600U, 0444U, 0300U}) {
-            const MigrateTool tool;
-            for (const char* const name : {"a/open/file", "a/closed/file", "a/closed/folder/file"}) {
-                tool.file(name);
+    EXPECT_EQ(
+        kit::inUnprivilegedChild([] {
+            for (const mode_t mode : {0000U, 0600U, 0444U, 0300U}) {
+                const MigrateTool tool;
+                for (const char* const name : {"a/open/file", "a/closed/file", "a/closed/folder/file"}) {
+                    tool.file(name);
+                }
+                tool.file("a/.closed/file"); // is not asked for
+                ::chmod((tool / "a/.closed").c_str(), 0);
+                ::chmod((tool / "a/closed").c_str(), mode);
+                const Outcome outcome = tool.run({"--create-parents", "batch", "a", "b"});
+                EXPECT_EQ(outcome.status, 1);
+                EXPECT_EQ(outcome.output, " 0  open/file: success\n") << mode;
+                EXPECT_EQ(outcome.errors,
+                          "zqmigrate: closed: this folder cannot be read; its contents were ignored\n"
+                          "zqmigrate: 1 file moved\n");
+                const Outcome source = tool.run({"batch", "a/closed", "b"});
+                EXPECT_EQ(source.status, 1);
+                EXPECT_EQ(source.errors, "zqmigrate: a/closed: Permission denied\n");
+                ::chmod((tool / "a/closed").c_str(), 0700);
+                EXPECT_EQ(tool.folder().digest("a").count("closed/folder/file"), 1U);
             }
-            tool.file("a/.closed/file"); // is not asked for
-            ::chmod((tool / "a/.closed").c_str(), 0);
-            ::chmod((tool / "a/closed").c_str(), mode);
-            const Outcome outcome = tool.run({"--create-parents", "batch", "a", "b"});
-            EXPECT_EQ(outcome.status, 1);
-            EXPECT_EQ(outcome.output, " 0  open/file: success\n") << mode;
-            EXPECT_EQ(outcome.errors,
-                      "zqmigrate: closed: this folder cannot be read; its contents were ignored\n"
-                      "zqmigrate: 1 file moved\n");
-            const Outcome source = tool.run({"batch", "a/closed", "b"});
-            EXPECT_EQ(source.status, 1);
-            EXPECT_EQ(source.errors, "zqmigrate: a/closed: Permission denied\n");
-            ::chmod((tool / "a/closed").c_str(), 0700);
-            EXPECT_EQ(tool.folder().digest("a").count("closed/folder/file"), 1U);
-        }
-    }));
+        }),
+        0);
 }
 
 // The library ignores such a link when what it looked at before was a folder, so each is in a folder of its
@@ -428,7 +433,7 @@ TEST(ZqmigrateTool, continuesWithoutAReader) {
     const pid_t child = tool.start({"batch", "a", "b"}, ends[1], errors);
     ::close(ends[1]);
     ::close(errors);
-    EXPECT_EQ(scene::endOf(child), 1);
+    EXPECT_EQ(kit::endOf(child), 1);
     EXPECT_EQ(tool.report("errors"),
               "zqmigrate: 1,000 files moved\n"
               "zqmigrate: standard output cannot be written; the work continued without it\n");
@@ -442,8 +447,8 @@ TEST(ZqmigrateTool, reportsThatStandardOutputIsFull) {
     const int full = ::open("/dev/full", O_WRONLY);
     ASSERT_GE(full, 0);
     const int errors = tool.opened("errors");
-    EXPECT_EQ(scene::endOf(tool.start({"file", "a", "b"}, full, errors)), 1);
-    EXPECT_EQ(scene::endOf(tool.start({"--help"}, full, errors)), 1);
+    EXPECT_EQ(kit::endOf(tool.start({"file", "a", "b"}, full, errors)), 1);
+    EXPECT_EQ(kit::endOf(tool.start({"--help"}, full, errors)), 1);
     EXPECT_EQ(tool.folder().contents("b"), "x");
     EXPECT_TRUE(contains(tool.report("errors"), "standard output cannot be written"));
     ::close(full);

@@ -3,14 +3,22 @@
 #ifndef ZQFOUNDATION_TESTS_FAULTS_CASES_H
 #define ZQFOUNDATION_TESTS_FAULTS_CASES_H
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "foundation/objects/NSNumber.h"
+#include "tests/kit/Items.h"
+#include "tests/kit/Sanitizers.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/Tracing.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 using scene::Detail;
 using scene::Digest;
@@ -104,10 +112,10 @@ public:
             break;
         }
         std::string report;
-        for (const ZQFoundation::NSDictionaryEntry& entry :
+        for (const NSDictionaryEntry& entry :
              scene::migrateFiles("log", from(), to(), scene::DotFiles::included, flags)) {
-            report += scene::bytesOf(ZQFoundation::NSString(entry.key)) + "=" +
-                      std::to_string(ZQFoundation::NSNumber(entry.value).intValue()) + "\n";
+            report += kit::bytesOf(NSString(entry.key)) + "=" +
+                      std::to_string(NSNumber(entry.value).intValue()) + "\n";
         }
         return report;
     }
@@ -198,7 +206,7 @@ private:
 inline bool isEveryCallTried() { return std::getenv("ZQ_EVERY_CALL") != nullptr; }
 
 /// From one tried call to the next, where trying this many of them is usual.
-inline long strideOf(long usual) { return isEveryCallTried() ? 1 : usual * (scene::forksTakeTurns ? 5 : 1); }
+inline long strideOf(long usual) { return isEveryCallTried() ? 1 : usual * (kit::isSanitized ? 5 : 1); }
 
 /// Calls `body` with the numbers of the calls that an undisturbed run of the case makes, from `first` on in
 /// these strides. The test is skipped where tracing is not permitted.
@@ -217,7 +225,7 @@ void atCallsOf(const Case& which, long first, long stride, const Body& body) {
 /// The number of runs of a race.
 inline long wantedRaces(long usual) {
     const char* const wanted = std::getenv("ZQ_RACES");
-    return wanted != nullptr ? std::strtol(wanted, nullptr, 10) : scene::forksTakeTurns ? usual / 4 : usual;
+    return wanted != nullptr ? std::strtol(wanted, nullptr, 10) : kit::isSanitized ? usual / 4 : usual;
 }
 
 inline void addFailures(const std::string& what, const scene::Words& problems) {
@@ -226,6 +234,6 @@ inline void addFailures(const std::string& what, const scene::Words& problems) {
     }
 }
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Repeats one run of the fault injection by hand and shows every call: see docs/faults.md.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -7,6 +8,8 @@
 #include <vector>
 
 #include "tests/migration/faults/Verdict.h"
+
+using namespace ZQFoundation;
 
 namespace {
 
@@ -67,7 +70,7 @@ int show(const faults::Run& run, const faults::Outcome& outcome, const scene::Wo
 }
 
 int run(const faults::Case& which, const Order& order) {
-    const scene::ScenesInMemory memory;
+    const kit::ScratchInMemory memory;
     const faults::Run run(which);
     const faults::Outcome outcome = run.under(order.fault, {}, true);
     if (!outcome.traced) {

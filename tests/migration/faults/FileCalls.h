@@ -8,7 +8,7 @@
 
 #include <sys/syscall.h>
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 /// What one argument of a call is. A `path` after a `folder` is relative to it.
 enum class Argument : unsigned char { other, descriptor, folder, path };
@@ -90,6 +90,6 @@ inline const FileCall* fileCallNumbered(std::uint64_t number) {
     return nullptr;
 }
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

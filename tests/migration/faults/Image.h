@@ -15,9 +15,9 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include "tests/process/Scene.h"
+#include "tests/kit/ScratchFolder.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 /// Makes an empty file system in a file. False where the program for it is missing.
 inline bool makeImage(const std::string& path, off_t bytes) {
@@ -82,9 +82,9 @@ private:
 /// What the disk holds at one moment. It is read until two readings are the same, so that no write happened
 /// in the middle of one.
 inline std::string snapshotOf(const std::string& image) {
-    std::string bytes = scene::contentsOf(image);
+    std::string bytes = kit::contentsOf(image);
     for (;;) {
-        std::string second = scene::contentsOf(image);
+        std::string second = kit::contentsOf(image);
         if (second == bytes) {
             return bytes;
         }
@@ -92,6 +92,6 @@ inline std::string snapshotOf(const std::string& image) {
     }
 }
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

@@ -8,7 +8,7 @@
 
 #include "tests/migration/MigrationScene.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 inline constexpr const char setAside[] = ".zq-aside.";  ///< a source that may still be restored
 inline constexpr const char givenUp[] = ".zq-gone.";    ///< what is being removed
@@ -69,6 +69,6 @@ inline std::set<std::string> visibleContents(const std::string& start) {
     return contents;
 }
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

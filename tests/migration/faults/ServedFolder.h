@@ -21,11 +21,12 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/process/Scene.h"
+#include "tests/kit/Child.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 /// What the file system lacks.
 struct ServedTraits {
@@ -467,7 +468,7 @@ public:
             ::alarm(0);
             ::umask(0);
             FolderServer(device, folder, traits).run();
-            scene::leave(0);
+            kit::leave(0);
         }
         ::close(device);
     }
@@ -489,6 +490,6 @@ private:
     bool isMounted_ = false;
 };
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

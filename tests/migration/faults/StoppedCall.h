@@ -19,7 +19,7 @@
 
 #include "tests/migration/faults/FileCalls.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 /// The registers of a process that is stopped at a call: its number, its arguments and its result.
 class CallRegisters {
@@ -229,6 +229,6 @@ private:
     std::string where_;
 };
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <poll.h>
@@ -24,10 +25,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/kit/Child.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/StoppedCall.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 struct Fault {
     enum Kind { none, failing, killing, shorteningToOne, shorteningToHalf } kind = none;
@@ -109,7 +111,7 @@ private:
 
 /// What makes many small runs quick.
 struct QuickRuns {
-    scene::ScenesInMemory memory;
+    kit::ScratchInMemory memory;
     OneProcessor processor;
 };
 
@@ -216,11 +218,11 @@ public:
         if (process_ == 0) {
             ::alarm(seconds);
             if (!prepare()) {
-                scene::leave(Tracer::notPermitted);
+                kit::leave(Tracer::notPermitted);
             }
             const std::string report = body();
             const auto length = static_cast<ssize_t>(report.size());
-            scene::leave(::write(ends[1], report.data(), report.size()) == length ? 0 : 1);
+            kit::leave(::write(ends[1], report.data(), report.size()) == length ? 0 : 1);
         }
         ::close(ends[1]);
         reports_ = ends[0];
@@ -282,6 +284,6 @@ Outcome runUndisturbed(const Body& body) {
     return ReportingChild(body).outcome();
 }
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

@@ -9,10 +9,12 @@
 #include <set>
 #include <string>
 
+#include "tests/kit/Items.h"
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/faults/Cases.h"
 #include "tests/migration/faults/Leftovers.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 /// One item of a case: a file or tree, or one file of a batch.
 struct Item {
@@ -103,13 +105,12 @@ private:
     /// The codes by name, after the checks of every report and of all that is not migrated.
     std::map<std::string, std::string> judgedCodes(const Outcome& outcome) {
         expect(!outcome.hung, "it hung");
-        expect(scene::contentsOf(run_ / "from/beside") == "beside", "a file beside the source suffered");
-        expect(scene::contentsOf(run_ / "to/beside") == "beside", "a file beside the destination suffered");
+        expect(kit::contentsOf(run_ / "from/beside") == "beside", "a file beside the source suffered");
+        expect(kit::contentsOf(run_ / "to/beside") == "beside", "a file beside the destination suffered");
         if (case_.subject != Subject::batch) {
             return {{"", outcome.report}};
         }
-        expect(scene::contentsOf(run_.from() + "/kept.txt") == "of another extension",
-               "another file suffered");
+        expect(kit::contentsOf(run_.from() + "/kept.txt") == "of another extension", "another file suffered");
         std::map<std::string, std::string> codes;
         std::string rest = outcome.report;
         while (!rest.empty()) {
@@ -140,7 +141,7 @@ private:
             expect(sourceWhole || copyWhole, "killed: neither source nor copy is whole" + about);
         } else if (code == "0") {
             expect(copyWhole, "success without a whole copy" + about);
-            expect(case_.keepOriginal || !scene::stands(item.from), "a move left the source" + about);
+            expect(case_.keepOriginal || !kit::stands(item.from), "a move left the source" + about);
         } else if (code == "15") {
             expect(copyWhole, "no whole copy" + about);
             expect(!case_.keepOriginal, "a copy removes nothing" + about);
@@ -206,6 +207,6 @@ private:
     scene::Words problems_;
 };
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif

@@ -5,19 +5,25 @@
 #define ZQFOUNDATION_TESTS_FAULTS_WRITER_H
 
 #include <algorithm>
+#include <cstdio>
 #include <set>
 #include <string>
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
+#include <unistd.h>
 
+#include "tests/kit/ScratchFolder.h"
 #include "tests/migration/faults/Cases.h"
 #include "tests/migration/faults/Leftovers.h"
 
-namespace faults {
+namespace ZQFoundation::faults {
 
 /// Whether two changes of a file, one right after the other, show in its times.
 inline bool hasFineTimes() {
-    const scene::Folder folder;
+    const kit::ScratchFolder folder;
     const std::string path = folder.write("file", "one");
     struct stat before {};
     struct stat after {};
@@ -80,7 +86,7 @@ public:
             return;
         }
         // What was replaced need not be found, if that is what is removed now.
-        const std::string before = scene::contentsOf(beside);
+        const std::string before = kit::contentsOf(beside);
         if (::unlink(beside.c_str()) == 0) {
             texts_.erase(before);
         }
@@ -218,6 +224,6 @@ private:
     long steps_ = 0;
 };
 
-} // namespace faults
+} // namespace ZQFoundation::faults
 
 #endif
