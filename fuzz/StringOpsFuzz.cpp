@@ -51,7 +51,7 @@ void checkContaining(const Units& units, const Units& wanted) {
     const NSRange first = models::placeOf(units, 0, wanted, NSLiteralSearch);
     const NSString rest = text.substringFromEndOfString(wanted);
     require(static_cast<bool>(rest) == (first.location != NSNotFound), "whether there is a rest");
-    require(!rest || rest.utf16() == units.substr(first.location + first.length), "rest behind a text");
+    require(!rest || rest.utf16() == units.substr(first.location + first.length), "rest after a text");
     const char16_t unit = wanted.empty() ? u'a' : wanted[0];
     require(text.occurrenceCountOfCharacter(unit) ==
                 static_cast<std::size_t>(std::count(units.begin(), units.end(), unit)),
@@ -154,7 +154,7 @@ void checkSet(const Units& units, const Units& members, const Units& replacement
     require(last.location == NSNotFound ||
                 std::find_if(units.begin() + static_cast<std::ptrdiff_t>(last.location) + 1, units.end(),
                              isMember) == units.end(),
-            "a member behind the last one");
+            "a member after the last one");
 }
 
 void checkLines(const Units& units, const Units& indent) {

@@ -30,7 +30,7 @@ public:
     /// The quoted and unquoted pieces up to the end or a comment, put together: `a"b c"d` is "ab cd".
     std::string read() {
         const std::size_t start = text_.find_first_not_of(blanks);
-        isBehindBlank_ = start != 0;
+        isAfterBlank_ = start != 0;
         for (at_ = start; at_ < text_.size() && !atComment(); ++at_) {
             readOne(text_[at_]);
         }
@@ -40,7 +40,7 @@ public:
 
 private:
     /// A comment begins with a "#" after a space; inside a word it is an ordinary character.
-    bool atComment() const noexcept { return text_[at_] == '#' && isBehindBlank_; }
+    bool atComment() const noexcept { return text_[at_] == '#' && isAfterBlank_; }
 
     void readOne(char c) {
         if (c == '\'') {
@@ -54,8 +54,8 @@ private:
         }
         // Unescaped spaces belong to the value only if more follows. Escaped ones always do, and no comment
         // begins after them.
-        isBehindBlank_ = isBlank(c);
-        if (!isBehindBlank_) {
+        isAfterBlank_ = isBlank(c);
+        if (!isAfterBlank_) {
             meant_ = value_.size();
         }
     }
@@ -81,8 +81,8 @@ private:
     std::string_view text_;
     std::size_t at_ = 0;
     std::string value_;
-    std::size_t meant_ = 0;      ///< length of the value without spaces at its end
-    bool isBehindBlank_ = false; ///< an unescaped one
+    std::size_t meant_ = 0;     ///< length of the value without spaces at its end
+    bool isAfterBlank_ = false; ///< an unescaped one
 };
 
 /// Other entries are not kept: however many the file has, the result is small.

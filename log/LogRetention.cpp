@@ -54,7 +54,7 @@ void announceChange(const NSString& folder) {
 
 /// When the item that the path refers to was last changed; nil if there is none. Most items are not links,
 /// and then one query of the item itself is enough.
-NSDate modificationDateBehindLinks(const NSString& path) {
+NSDate targetModificationDate(const NSString& path) {
     const detail::CallerState callerState;
     struct stat information;
     // A leading tilde is expanded when links are resolved.
@@ -101,7 +101,7 @@ bool forEachLogFile(const NSString& folder, const char* middle, const Visit& vis
         if (holdsForeignFiles && !belongsToUser(path)) {
             continue;
         }
-        if (const NSDate date = modificationDateBehindLinks(path)) {
+        if (const NSDate date = targetModificationDate(path)) {
             visit(path, date);
         }
     }

@@ -62,7 +62,7 @@ void writeMilliseconds(std::int32_t nanoseconds, char* out) noexcept {
 std::size_t LinePrefix::roomFor(const ProcessIdentity& process) noexcept {
     const std::size_t needed =
         localTimeTextCapacity + charactersBetween + process.nameLength + numberTextCapacity + hexCapacity;
-    return needed > KeptLinePrefixes::textCapacity ? needed : KeptLinePrefixes::textCapacity;
+    return needed > LinePrefixCache::textCapacity ? needed : LinePrefixCache::textCapacity;
 }
 
 char* LinePrefix::writeBefore(char* end) const noexcept {
@@ -71,18 +71,18 @@ char* LinePrefix::writeBefore(char* end) const noexcept {
 
 /// Whether a line could use this prefix with only the milliseconds changed.
 /// The thread is read first: it is 0 while the rest is being written.
-bool KeptLinePrefixes::Kept::serves(const Kept& wanted) const noexcept {
+bool LinePrefixCache::Key::matches(const Key& wanted) const noexcept {
     return __atomic_load_n(&thread, __ATOMIC_ACQUIRE) == wanted.thread && second == wanted.second &&
            generation == wanted.generation && zone == wanted.zone && process == wanted.process;
 }
 
-char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcept {
-    const Kept wanted{system::threadIdentifier(), prefix.time.seconds, processZone(), &prefix.process,
-                      system::forkGeneration()};
+char* LinePrefixCache::writeBefore(char* end, const LinePrefix& prefix) noexcept {
+    const Key wanted{system::threadIdentifier(), prefix.time.seconds, processZone(), &prefix.process,
+                     system::forkGeneration()};
     // Several places, so that a few threads that log in turn do not replace each other's prefix.
     Prefix& place = prefixes_[wanted.thread % places];
-    if (!place.kept.serves(wanted)) [[unlikely]] {
-        return writeAnewBefore(end, prefix, place, wanted);
+    if (!place.key.matches(wanted)) [[unlikely]] {
+        return rewriteBefore(end, prefix, place, wanted);
     }
     // A fixed number of bytes, whatever the length: the copy is a few instructions.
     std::memcpy(end - textCapacity, place.text, textCapacity);
@@ -90,8 +90,8 @@ char* KeptLinePrefixes::writeBefore(char* end, const LinePrefix& prefix) noexcep
     return end - place.length;
 }
 
-char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
-                                        const Kept& wanted) noexcept {
+char* LinePrefixCache::rewriteBefore(char* end, const LinePrefix& prefix, Prefix& place,
+                                     const Key& wanted) noexcept {
     char* const afterDate = writeProcessBefore(end, prefix.process);
     char* const start = writeDateBefore(afterDate, prefix.time);
     const auto length = static_cast<std::size_t>(end - start);
@@ -99,15 +99,15 @@ char* KeptLinePrefixes::writeAnewBefore(char* end, const LinePrefix& prefix, Pre
     if (length <= textCapacity) {
         // Ordered before everything that follows, for a child that is forked in between; the thread sanitizer
         // does not support fences.
-        __atomic_exchange_n(&place.kept.thread, 0, __ATOMIC_ACQ_REL);
+        __atomic_exchange_n(&place.key.thread, 0, __ATOMIC_ACQ_REL);
         std::memcpy(place.text + textCapacity - length, start, length);
         place.length = length;
         place.afterDate = static_cast<std::size_t>(end - afterDate);
-        place.kept.second = wanted.second;
-        place.kept.zone = wanted.zone;
-        place.kept.process = wanted.process;
-        place.kept.generation = wanted.generation;
-        __atomic_store_n(&place.kept.thread, wanted.thread, __ATOMIC_RELEASE);
+        place.key.second = wanted.second;
+        place.key.zone = wanted.zone;
+        place.key.process = wanted.process;
+        place.key.generation = wanted.generation;
+        __atomic_store_n(&place.key.thread, wanted.thread, __ATOMIC_RELEASE);
     }
     return start;
 }

@@ -27,7 +27,7 @@ struct LinePrefix {
 /// The prefixes of the last lines: for the same thread, second and time zone only the milliseconds differ.
 /// Its owner ensures that it is not entered twice at once; a forked child may find an incomplete prefix,
 /// which is then made again.
-class KeptLinePrefixes {
+class LinePrefixCache {
 public:
     /// The same as `prefix.writeBefore(end)`.
     char* writeBefore(char* end, const LinePrefix& prefix) noexcept;
@@ -37,25 +37,25 @@ public:
 
 private:
     /// What a prefix was made from, except for the milliseconds.
-    struct Kept {
+    struct Key {
         std::uint64_t thread; ///< 0 while the prefix is incomplete
         std::int64_t second;
         const Zone* zone;
         const ProcessIdentity* process;
         std::uint32_t generation; ///< of forks
 
-        bool serves(const Kept& wanted) const noexcept;
+        bool matches(const Key& wanted) const noexcept;
     };
 
     struct Prefix {
-        Kept kept;
+        Key key;
         std::size_t length;
         std::size_t afterDate;   ///< the length of the part after the date
         char text[textCapacity]; ///< at its end
     };
 
-    static char* writeAnewBefore(char* end, const LinePrefix& prefix, Prefix& place,
-                                 const Kept& wanted) noexcept;
+    static char* rewriteBefore(char* end, const LinePrefix& prefix, Prefix& place,
+                               const Key& wanted) noexcept;
 
     static constexpr std::size_t places = 4;
     Prefix prefixes_[places] = {};

@@ -35,7 +35,7 @@ struct TornLine {
 constinit TornLine tornLine{};
 
 /// Guarded by the lock of the writer.
-constinit KeptLinePrefixes keptPrefixes;
+constinit LinePrefixCache prefixCache;
 
 /// False if waiting for the descriptor is useless.
 bool waitUntilWritable() noexcept {
@@ -138,7 +138,7 @@ char* LogLine::writeBytes(char* message, const char* end) noexcept {
         writeAll(start, static_cast<std::size_t>(end - start), second);
         return start;
     }
-    char* const start = keptPrefixes.writeBefore(message, prefix);
+    char* const start = prefixCache.writeBefore(message, prefix);
     const auto count = static_cast<std::size_t>(end - start);
     if (tornLine.isTorn) [[unlikely]] {
         writeWhole(start, count, second);

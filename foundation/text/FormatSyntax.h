@@ -131,12 +131,12 @@ constexpr int readFormatDigits(const Unit*& at, const Unit* end) noexcept {
 /// with a width. "0$" is not a position.
 template <class Unit>
 constexpr int readFormatPosition(const Unit*& at, const Unit* end) noexcept {
-    const Unit* behind = at;
-    const int position = readFormatDigits(behind, end);
-    if (position == 0 || behind == end || *behind != Unit{'$'}) {
+    const Unit* next = at;
+    const int position = readFormatDigits(next, end);
+    if (position == 0 || next == end || *next != Unit{'$'}) {
         return 0;
     }
-    at = behind + 1;
+    at = next + 1;
     return position;
 }
 

@@ -22,7 +22,7 @@
 using namespace ZQFoundation;
 using namespace std::string_literals;
 using kit::contentsOf;
-using kit::stands;
+using kit::exists;
 
 namespace {
 
@@ -118,7 +118,7 @@ TEST(FileAppend, losesNoTextWhenSeveralProcessesFindADanglingLink) {
         EXPECT_EQ(failuresOf(6, [&](int writer) { return append(std::to_string(writer), path); }), 0);
         EXPECT_EQ(contentsOf(path).size(), 6U) << contentsOf(path);
         EXPECT_TRUE(kit::isFile(path));
-        EXPECT_FALSE(stands(folder / "nowhere"));
+        EXPECT_FALSE(exists(folder / "nowhere"));
     }
 }
 
@@ -130,7 +130,7 @@ TEST(FileAppend, leavesADanglingLinkWhenTheFolderStaysLocked) {
     EXPECT_FALSE(append("text", folder / "link"));
     EXPECT_TRUE(append("text", folder / "file")) << "the lock is for such links alone";
     ::close(lock);
-    EXPECT_FALSE(stands(folder / "nowhere"));
+    EXPECT_FALSE(exists(folder / "nowhere"));
     EXPECT_TRUE(append("text", folder / "link"));
     EXPECT_EQ(contentsOf(folder / "link"), "text");
 }
@@ -217,7 +217,7 @@ TEST(FileAppend, isFalseWithoutMemory) {
         isAppended = text.appendToFile_encoding(path, utf8);
     }
     EXPECT_EQ(isAppended, kit::isSanitized) << "a sanitizer brings its own allocator, without the limit";
-    EXPECT_EQ(stands(path), kit::isSanitized);
+    EXPECT_EQ(exists(path), kit::isSanitized);
 }
 
 TEST(FileAppend, followsALinkToALinkAndReplacesALoop) {
@@ -272,7 +272,7 @@ TEST(FileAppend, keepsWhatIsInTheFile) {
 TEST(FileAppend, makesAnEmptyFileForAnEmptyText) {
     const kit::ScratchFolder folder;
     EXPECT_TRUE(append("", folder / "f"));
-    EXPECT_TRUE(stands(folder / "f"));
+    EXPECT_TRUE(exists(folder / "f"));
     EXPECT_EQ(contentsOf(folder / "f"), "");
     EXPECT_TRUE(append("", folder.write("full", "x")));
     EXPECT_EQ(contentsOf(folder / "full"), "x");
@@ -315,21 +315,21 @@ TEST(FileAppend, writesNothingOfATextThatDoesNotFitTheEncoding) {
         EXPECT_FALSE(append(nullptr, folder / name));
     }
     EXPECT_EQ(contentsOf(folder / "f"), "before");
-    EXPECT_FALSE(stands(folder / "new"));
+    EXPECT_FALSE(exists(folder / "new"));
 }
 
 TEST(FileAppend, isFalseForPathsThatNameNoFile) {
     const kit::ScratchFolder folder;
     folder.write("file", "x");
     EXPECT_FALSE(append("text", folder / "missing/f"));
-    EXPECT_FALSE(stands(folder / "missing"));
+    EXPECT_FALSE(exists(folder / "missing"));
     EXPECT_FALSE(append("text", folder / "file/f"));
     EXPECT_FALSE(NSString("text").appendToFile_encoding(nullptr, utf8));
     EXPECT_FALSE(append("text", ""));
     EXPECT_FALSE(append("text", folder.path()));
     EXPECT_FALSE(append("text", folder.path() + "/"));
     EXPECT_FALSE(append("text", (folder / "a") + "\0b"s));
-    EXPECT_FALSE(stands(folder / "a"));
+    EXPECT_FALSE(exists(folder / "a"));
     const NSString surrogate = NSString::stringWithCharacters_length(u"/\xD800", 2);
     EXPECT_FALSE(NSString("text").appendToFile_encoding(
         NSString(folder.path()).stringByAppendingString(surrogate), utf8));
@@ -349,7 +349,7 @@ TEST(FileAppend, takesRelativePathsAndNamesOfAnyBytes) {
     ASSERT_EQ(::symlink("nowhere", "link"), 0);
     EXPECT_TRUE(append("d", "link"));
     EXPECT_EQ(contentsOf(folder / "link"), "d");
-    EXPECT_FALSE(stands(folder / "nowhere"));
+    EXPECT_FALSE(exists(folder / "nowhere"));
 }
 
 TEST(FileAppend, givesANewFileTheDefaultModeAndKeepsThatOfAnOldOne) {
@@ -401,7 +401,7 @@ TEST(FileAppend, needsThePermissionToWriteAndNoOther) {
               }),
               0);
     EXPECT_EQ(contentsOf(folder / "own"), "ab");
-    EXPECT_FALSE(stands(folder / "closed/f"));
+    EXPECT_FALSE(exists(folder / "closed/f"));
     EXPECT_EQ(contentsOf(folder / "f"), "precious");
 }
 

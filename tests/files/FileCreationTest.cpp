@@ -51,7 +51,7 @@ TEST_F(FileCreation, writesTheContents) {
 TEST_F(FileCreation, nilContentsMakeAnEmptyFile) {
     EXPECT_TRUE(create(in("nil"), nullptr));
     EXPECT_TRUE(create(in("empty"), NSData::data()));
-    EXPECT_TRUE(kit::stands(in("nil")) && kit::stands(in("empty")));
+    EXPECT_TRUE(kit::exists(in("nil")) && kit::exists(in("empty")));
     EXPECT_EQ(kit::contentsOf(in("nil")) + kit::contentsOf(in("empty")), "");
     folder.write("f", "old");
     EXPECT_TRUE(create(in("f"), nullptr));
@@ -113,7 +113,7 @@ TEST_F(FileCreation, aLinkIsReplacedNotFollowed) {
     EXPECT_EQ(kit::contentsOf(in("target")), "kept");
     EXPECT_EQ(kit::contentsOf(in("l")), "new");
     EXPECT_EQ(kit::modeOf(in("l")), 0644u);
-    EXPECT_FALSE(kit::stands(in("no such")));
+    EXPECT_FALSE(kit::exists(in("no such")));
 }
 
 TEST_F(FileCreation, aPipeIsReplaced) {
@@ -250,7 +250,7 @@ TEST_F(FileCreation, theFolderNeedNotBeReadable) {
     folder.makeFolder("d");
     ::chmod(in("d").c_str(), 0333);
     EXPECT_EQ(kit::inUnprivilegedChild([this] { return create(in("d/f"), dataOf("x")) ? 0 : 1; }), 0);
-    EXPECT_TRUE(kit::stands(in("d/f")));
+    EXPECT_TRUE(kit::exists(in("d/f")));
 }
 
 TEST_F(FileCreation, namesOfAnyBytesAndOfFullLengthAreMade) {

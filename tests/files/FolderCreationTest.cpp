@@ -46,7 +46,7 @@ TEST_F(FolderCreation, withoutIntermediatesMakesOneNewFolder) {
     EXPECT_FALSE(make(in("f"), false));
     EXPECT_FALSE(make(in("no such/d"), false, nullptr, &reason));
     EXPECT_EQ(kit::utf8Of(reason), in("no such/d") + ": No such file or directory");
-    EXPECT_FALSE(kit::stands(in("no such")));
+    EXPECT_FALSE(kit::exists(in("no such")));
     EXPECT_TRUE(make(in("other"), false, nullptr, &reason));
     EXPECT_FALSE(reason);
 }
@@ -92,7 +92,7 @@ TEST_F(FolderCreation, followsLinksToFoldersAndFailsAtFiles) {
             EXPECT_EQ(isMade, NSFileManager::defaultManager().isDirectoryAtPath(items / row.name) &&
                                   (isDeep || row.alone))
                 << row.name;
-            EXPECT_FALSE(kit::stands(items / "no such"));
+            EXPECT_FALSE(kit::exists(items / "no such"));
             EXPECT_EQ(kit::contentsOf(items / "f"), "kept");
         }
     }

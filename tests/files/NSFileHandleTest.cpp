@@ -119,7 +119,7 @@ TEST(NSFileHandle, opensNeitherFoldersNorMissingFilesNorPipesWithoutReaders) {
     }
     EXPECT_FALSE(NSFileHandle::fileHandleForWritingAtPath(folder / "pipe"));
     EXPECT_EQ(kit::openDescriptors(), before);
-    EXPECT_FALSE(kit::stands(folder / "nowhere"));
+    EXPECT_FALSE(kit::exists(folder / "nowhere"));
 }
 
 TEST(NSFileHandle, takesPathsOfAnyLength) {

@@ -168,7 +168,7 @@ TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
         EXPECT_EQ(lookAt(in("null")).st_rdev, null.st_rdev);
         EXPECT_EQ(lookAt(in("null")).st_mode, null.st_mode);
     } else {
-        EXPECT_FALSE(kit::stands(in("null"))) << "nothing else takes its place";
+        EXPECT_FALSE(kit::exists(in("null"))) << "nothing else takes its place";
     }
     ::chmod(folder.path().c_str(), 0777);
     EXPECT_EQ(kit::inUnprivilegedChild([this] {
@@ -186,7 +186,7 @@ TEST_F(PathCopy, aFileThatMayNotBeReadSaysSo) {
     const int answer = kit::inUnprivilegedChild(
         [this] { return scene::reasonOfCopy(in("a"), in("b")) == in("a") + ": Permission denied" ? 0 : 1; });
     EXPECT_EQ(answer, 0);
-    EXPECT_FALSE(kit::stands(in("b")));
+    EXPECT_FALSE(kit::exists(in("b")));
 }
 
 TEST_F(PathCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
@@ -334,7 +334,7 @@ TEST_F(PathCopy, aFullFileSystemFailsTheCopy) {
         const bool fileFails =
             scene::reasonOfCopy(in("t/a"), in("m/a")) == in("t/a") + ": No space left on device";
         ::unlink(in("m/a").c_str());
-        const bool treeFails = !copyItem(in("t"), in("m/t")) && kit::stands(in("m/t"));
+        const bool treeFails = !copyItem(in("t"), in("m/t")) && kit::exists(in("m/t"));
         kit::leave(fileFails && treeFails ? 0 : 1);
     }
     int status = 0;

@@ -173,8 +173,8 @@ TEST_F(TreeCopy, stopsAtWhatItMayNotReadAndLeavesWhatItMade) {
                    : 1;
     });
     EXPECT_EQ(answer, 0);
-    EXPECT_TRUE(kit::stands(in("u")) && kit::stands(in("x")));
-    EXPECT_FALSE(kit::stands(in("w"))) << "it was known before anything was made";
+    EXPECT_TRUE(kit::exists(in("u")) && kit::exists(in("x")));
+    EXPECT_FALSE(kit::exists(in("w"))) << "it was known before anything was made";
     EXPECT_EQ(kit::modeOf(in("u")), 0700U);
 }
 
@@ -297,7 +297,7 @@ TEST_F(TreeCopy, aLinkPlantedAtTheDestinationIsNeverFollowed) {
     done = true;
     attacker.join();
     EXPECT_EQ(scene::stamp(in("outside")), before);
-    EXPECT_FALSE(kit::stands(in("outside/f")) || kit::stands(in("outside/a")));
+    EXPECT_FALSE(kit::exists(in("outside/f")) || kit::exists(in("outside/a")));
 }
 
 TEST_F(TreeCopy, aFolderThatIsBeingFilledComesToAnEnd) {
@@ -315,7 +315,7 @@ TEST_F(TreeCopy, aFolderThatIsBeingFilledComesToAnEnd) {
     EXPECT_EQ(scene::reasonOfCopy(in("t"), in("u")), "(nil)");
     done = true;
     filler.join();
-    EXPECT_TRUE(kit::stands(in("u/1999")));
+    EXPECT_TRUE(kit::exists(in("u/1999")));
 }
 
 TEST_F(TreeCopy, aFolderMovedAwayTakesTheCopyNowhere) {
@@ -329,7 +329,7 @@ TEST_F(TreeCopy, aFolderMovedAwayTakesTheCopyNowhere) {
         struct stat information;
         std::string at = in("m");
         while (::lstat(at.c_str(), &information) == 0) {
-            EXPECT_FALSE(kit::stands(at + "/other")) << at;
+            EXPECT_FALSE(kit::exists(at + "/other")) << at;
             at += "/n";
         }
         remove("n");

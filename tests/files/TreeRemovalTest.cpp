@@ -38,7 +38,7 @@ TEST_F(TreeRemoval, takesAFileALinkAndAPipe) {
     ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
     for (const char* const name : {"f", "l", "to-d", "dangling", "pipe"}) {
         EXPECT_TRUE(removeItem(in(name))) << name;
-        EXPECT_FALSE(kit::stands(in(name))) << name;
+        EXPECT_FALSE(kit::exists(in(name))) << name;
         EXPECT_FALSE(removeItem(in(name))) << name << " is gone already";
     }
     EXPECT_EQ(kit::contentsOf(in("target")) + kit::contentsOf(in("d/f")), "keptkept");
@@ -55,7 +55,7 @@ TEST_F(TreeRemoval, takesAWholeTreeWithoutFollowingLinks) {
     link("../outside/f", "t/l");
     ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
     EXPECT_TRUE(removeItem(in("t")));
-    EXPECT_FALSE(kit::stands(in("t")));
+    EXPECT_FALSE(kit::exists(in("t")));
     EXPECT_EQ(kit::contentsOf(in("outside/f")), "kept");
 }
 
@@ -65,11 +65,11 @@ TEST_F(TreeRemoval, aSlashAtTheEndNeedsAFolder) {
     folder.makeFolder("d/inner");
     link("t", "l");
     EXPECT_TRUE(removeItem(in("d//")));
-    EXPECT_FALSE(kit::stands(in("d")));
+    EXPECT_FALSE(kit::exists(in("d")));
     EXPECT_FALSE(removeItem(in("f/")));
     EXPECT_FALSE(removeItem(in("l/")));
-    EXPECT_TRUE(kit::stands(in("f")));
-    EXPECT_TRUE(kit::stands(in("l")));
+    EXPECT_TRUE(kit::exists(in("f")));
+    EXPECT_TRUE(kit::exists(in("l")));
     EXPECT_EQ(kit::contentsOf(in("t/f")), "kept");
 }
 
@@ -141,7 +141,7 @@ TEST_F(TreeRemoval, depthIsNoLimit) {
         ASSERT_TRUE(files.createFileAtPath_contents_attributes(deep + name, nullptr, nullptr));
     }
     EXPECT_TRUE(removeItem(in("n")));
-    EXPECT_FALSE(kit::stands(in("n")));
+    EXPECT_FALSE(kit::exists(in("n")));
 }
 
 TEST_F(TreeRemoval, foldersOnTheWayBackAreEmptiedToo) {
@@ -156,14 +156,14 @@ TEST_F(TreeRemoval, foldersOnTheWayBackAreEmptiedToo) {
         at += "/m";
     }
     EXPECT_TRUE(removeItem(in("t")));
-    EXPECT_FALSE(kit::stands(in("t")));
+    EXPECT_FALSE(kit::exists(in("t")));
 }
 
 TEST_F(TreeRemoval, fewDescriptorsAreEnough) {
     const std::string deep = kit::makeChain(folder.path(), "n", 100);
     folder.write("n/n/f", "");
     EXPECT_TRUE(kit::isTrueWithDescriptors(3, [this] { return removeItem(in("n")); }));
-    EXPECT_FALSE(kit::stands(in("n")));
+    EXPECT_FALSE(kit::exists(in("n")));
 }
 
 TEST_F(TreeRemoval, manyFoldersInOne) {
@@ -174,7 +174,7 @@ TEST_F(TreeRemoval, manyFoldersInOne) {
         ASSERT_EQ(::mkdir((name + "/inner").c_str(), 0755), 0);
     }
     EXPECT_TRUE(removeItem(wide));
-    EXPECT_FALSE(kit::stands(wide));
+    EXPECT_FALSE(kit::exists(wide));
 }
 
 TEST_F(TreeRemoval, aLinkThatIsSwappedInIsNeverFollowed) {
@@ -217,10 +217,10 @@ TEST_F(TreeRemoval, aFolderMovedAwayTakesTheRemovalNowhere) {
         std::thread mover([&] { ::rename(in("n/n/n/n/n").c_str(), in("elsewhere/n").c_str()); });
         removeItem(in("n"));
         mover.join();
-        EXPECT_TRUE(kit::stands(in("elsewhere/kept")));
+        EXPECT_TRUE(kit::exists(in("elsewhere/kept")));
         removeItem(in("n"));
         removeItem(in("elsewhere/n"));
-        EXPECT_FALSE(kit::stands(in("n")) || kit::stands(in("elsewhere/n")));
+        EXPECT_FALSE(kit::exists(in("n")) || kit::exists(in("elsewhere/n")));
     }
 }
 

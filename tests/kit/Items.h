@@ -45,7 +45,7 @@ inline std::string realPath(const std::string& path) {
 }
 
 /// Whether there is an item of this name; a dangling link counts.
-inline bool stands(const std::string& path) {
+inline bool exists(const std::string& path) {
     struct stat information;
     return ::lstat(path.c_str(), &information) == 0;
 }

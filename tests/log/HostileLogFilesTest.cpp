@@ -81,7 +81,7 @@ TEST(HostileLogFiles, belowAHomeThatNobodyHasAreNotMade) {
         folder.makeFolder("~nosuchuser");
         EXPECT_FALSE(ZQLog::setLogFilePath_createFolder("~nosuchuser/x.log", false));
         EXPECT_EQ(::rmdir((folder / "~nosuchuser").c_str()), 0) << "something was made in it";
-        EXPECT_FALSE(kit::stands("~") || kit::stands("~nosuchuser"));
+        EXPECT_FALSE(kit::exists("~") || kit::exists("~nosuchuser"));
     });
 }
 

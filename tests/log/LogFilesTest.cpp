@@ -5,8 +5,8 @@
 #include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
+using kit::exists;
 using kit::insideFolder;
-using kit::stands;
 
 namespace {
 
@@ -53,7 +53,7 @@ TEST(LogFiles, folderIsTheApplicationsFolderUnderTheLibrary) {
     const LogScene scene;
     EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "home/Library/Logs/MyApp");
     EXPECT_EQ(ZQLog::standardLogFolder(), NSProcessInfo::pathOfLibraryLogSubfolder());
-    EXPECT_FALSE(stands(scene / "home/Library/Logs")) << "nobody asked for it to be made";
+    EXPECT_FALSE(exists(scene / "home/Library/Logs")) << "nobody asked for it to be made";
 }
 
 TEST(LogFiles, folderHasALevelForTheCompany) {
@@ -92,7 +92,7 @@ TEST(LogFiles, folderIsTheTemporaryOneWithoutALibraryInAHome) {
         EXPECT_EQ(ZQLog::standardLogFolder(), "/tmp") << name;
         EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFilePath()), "/tmp/" + standardName()) << name;
     }
-    EXPECT_FALSE(stands(scene / "missing") || stands(scene / "program/Library"));
+    EXPECT_FALSE(exists(scene / "missing") || exists(scene / "program/Library"));
     const kit::Variable home("HOME", (scene / "libraryIsToAFolder").c_str());
     EXPECT_EQ(kit::utf8Of(ZQLog::standardLogFolder()), scene / "libraryIsToAFolder/Library/Logs/MyApp")
         << "the link stays in the path";
@@ -256,5 +256,5 @@ TEST(LogFiles, nothingIsWrittenAndErrnoIsKept) {
     newName("/nosuch");
     EXPECT_EQ(errno, EDOM);
     EXPECT_EQ(output.bytes(), "");
-    EXPECT_FALSE(stands(scene / "home/Library/Logs"));
+    EXPECT_FALSE(exists(scene / "home/Library/Logs"));
 }

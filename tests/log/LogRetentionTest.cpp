@@ -13,7 +13,7 @@
 #include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
-using kit::stands;
+using kit::exists;
 using logscene::Texts;
 
 namespace {
@@ -216,7 +216,7 @@ TEST(LogRetention, byAgeTakesDigitsAndPeriodsBetweenNameAndEndingAndByCountHyphe
                 const RetentionScene scene;
                 scene.file(name, -100);
                 EXPECT_EQ(scene.removed(way), counts ? scene.messages({name}, way) : Texts{}) << name;
-                EXPECT_EQ(stands(scene / name), !counts) << name;
+                EXPECT_EQ(exists(scene / name), !counts) << name;
                 all.file(name, -100 - static_cast<time_t>(all.listing().size()));
                 if (!counts) {
                     left.insert(name);
@@ -303,7 +303,7 @@ TEST(LogRetention, byAgeRemovesWhatIsStrictlyEarlier) {
         const kit::CapturedOutput output;
         ZQLog::removeLogfilesOlderThan_fromFolder(at(row.limit), NSString(scene.logs()));
         EXPECT_EQ(output.texts(), row.isRemoved ? scene.messages({"MyApp.1.log"}, By::age) : Texts{});
-        EXPECT_EQ(stands(scene / "MyApp.1.log"), !row.isRemoved) << row.seconds << " " << row.nanoseconds;
+        EXPECT_EQ(exists(scene / "MyApp.1.log"), !row.isRemoved) << row.seconds << " " << row.nanoseconds;
     }
 }
 
@@ -414,7 +414,7 @@ TEST(LogRetention, datesALinkByItsTargetAndRemovesTheLinkOnly) {
     scene.link("../old target", "MyApp.1.log", 50);
     scene.link("MyApp.1.log", "MyApp.4.log", 50);
     scene.removed(By::age);
-    EXPECT_FALSE(stands(scene / "MyApp.1.log"));
+    EXPECT_FALSE(exists(scene / "MyApp.1.log"));
 }
 
 TEST(LogRetention, countsALinkByTheDateOfItsTarget) {
@@ -438,7 +438,7 @@ TEST(LogRetention, datesADanglingLinkByItself) {
             const RetentionScene scene;
             scene.link(target, "MyApp.1.log", isOld ? -100 : 100);
             EXPECT_EQ(scene.removed(By::age), isOld ? scene.messages({"MyApp.1.log"}, By::age) : Texts{});
-            EXPECT_EQ(stands(scene / "MyApp.1.log"), !isOld) << target;
+            EXPECT_EQ(exists(scene / "MyApp.1.log"), !isOld) << target;
         }
         const RetentionScene scene;
         scene.link(target, "MyApp.1.log", -100);
@@ -460,7 +460,7 @@ TEST(LogRetention, removesAFolderThatIsCalledLikeALogFileWithItsContents) {
         scene.file("sub/MyApp.3.log", -100); // nobody looks into other folders
         EXPECT_EQ(scene.removed(way, 1), scene.messages({"MyApp.1.log"}, way));
         EXPECT_EQ(scene.names(), (Names{"MyApp.2.log", "sub"}));
-        EXPECT_TRUE(stands(scene / "sub/MyApp.3.log"));
+        EXPECT_TRUE(exists(scene / "sub/MyApp.3.log"));
         EXPECT_EQ(kit::contentsOf(scene.base + "/kept"), "kept");
     }
 }
@@ -508,7 +508,7 @@ TEST(LogRetention, namesFilesWithPercentSignsAndForeignBytes) {
         scene.folder.write(std::string(name) + "/MyApp.1.log", "");
         const std::string shown = name[0] == '\xFF' ? scene.folder.path() + "/\uFFFD logs" : folder;
         EXPECT_EQ(removed(folder, By::count), Texts{message(shown + "/MyApp.1.log", By::count)});
-        EXPECT_FALSE(stands(folder + "/MyApp.1.log"));
+        EXPECT_FALSE(exists(folder + "/MyApp.1.log"));
     }
 }
 
@@ -605,7 +605,7 @@ TEST(LogRetention, saysWhatItRemovesBeforeItDoes) {
             ::close(ends[1]);
             const logscene::Background removal([&] { removeFrom(NSString(scene.logs()), way); });
             EXPECT_TRUE(removal.waitsSoon());
-            EXPECT_TRUE(stands(scene / "MyApp.1.log")) << "it went before its line";
+            EXPECT_TRUE(exists(scene / "MyApp.1.log")) << "it went before its line";
             while (all.empty() || all.back() != '\n') {
                 char byte = 0;
                 ASSERT_EQ(::read(ends[0], &byte, 1), 1);
@@ -613,7 +613,7 @@ TEST(LogRetention, saysWhatItRemovesBeforeItDoes) {
             }
         }
         ::close(ends[0]);
-        EXPECT_FALSE(stands(scene / "MyApp.1.log"));
+        EXPECT_FALSE(exists(scene / "MyApp.1.log"));
         EXPECT_EQ(kit::textsIn(all.substr(all.find_first_not_of('x'))), scene.messages({"MyApp.1.log"}, way));
     }
 }
@@ -699,7 +699,7 @@ TEST(LogRetention, raisesARangeErrorWhereNameAndEndingOverlap) {
                 scene.file(row.name, seconds);
                 EXPECT_EQ(raisedBy(scene.logs(), way), row.raises ? "NSRangeException" : "nothing")
                     << row.process << " " << row.name;
-                EXPECT_FALSE(row.raises && !stands(scene / row.name)) << row.process << " " << row.name;
+                EXPECT_FALSE(row.raises && !exists(scene / row.name)) << row.process << " " << row.name;
             }
         }
     }

@@ -322,7 +322,7 @@ TEST(StandardErrorRedirection, losesLinesWhenTheFileCannotBeOpenedUntilItIsResto
         EXPECT_EQ(::chmod((scene / "hosts").c_str(), 0666), 0);
         EXPECT_EQ(kit::inUnprivilegedChild([&] { expectLinesToBeLost(scene, scene / "closed/x.log"); }), 0);
         EXPECT_EQ(textsOf(scene.first()), Texts(paths.size() + 1, "back"));
-        EXPECT_FALSE(kit::stands(scene / "missing"));
+        EXPECT_FALSE(kit::exists(scene / "missing"));
     });
 }
 
@@ -417,7 +417,7 @@ TEST(StandardErrorRedirection, worksForFilesThatAreThereAndForNewOnes) {
             EXPECT_EQ(kit::contentsOf(own.first()), "") << row.path;
             EXPECT_TRUE(kit::isFile(own / row.file)) << row.path;
             EXPECT_TRUE(kit::isLink(own / "toFile")) << "a link that is not dangling is followed";
-            EXPECT_FALSE(kit::stands(own / "nosuch") || kit::stands(own / "folder/unmade.log"));
+            EXPECT_FALSE(kit::exists(own / "nosuch") || kit::exists(own / "folder/unmade.log"));
         }
     });
 }
@@ -527,7 +527,7 @@ TEST(StandardErrorRedirection, isRefusedInSilenceWithoutAPathAndForAFolderThatIs
               "a/x.log", "~/missing/x.log", "~nosuchaccount-zq/x.log"}) {
             expectFailure(scene, {path, false, ""});
         }
-        EXPECT_FALSE(kit::stands(scene / "missing") || kit::stands(scene / "home/Library/Logs"));
+        EXPECT_FALSE(kit::exists(scene / "missing") || kit::exists(scene / "home/Library/Logs"));
     });
 }
 
@@ -540,7 +540,7 @@ TEST(StandardErrorRedirection, isRefusedWithAMessageWhenTheFileCannotBeMade) {
              {inFolder, std::string("@/file/a/x.log"), std::string("@/dangling/x.log"), inMissing}) {
             expectFailure(scene, {path, true, "Cannot create log file at " + path});
         }
-        EXPECT_TRUE(kit::stands(scene / "missing")) << "made before the failure";
+        EXPECT_TRUE(kit::exists(scene / "missing")) << "made before the failure";
         // After all these nothing has been kept aside.
         EXPECT_TRUE(refersTo(redirectAndFindKept(scene / "log"), scene.first()));
     });

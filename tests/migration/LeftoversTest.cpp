@@ -95,7 +95,7 @@ TEST(Leftovers, arePutBackOrRemovedByTheNextMigration) {
             const std::string leftover = leftoverWith(*run, mark);
             ASSERT_FALSE(leftover.empty());
             next.migrate(*run, faults::folderOf(leftover));
-            EXPECT_FALSE(kit::stands(leftover));
+            EXPECT_FALSE(kit::exists(leftover));
             if (next.comesToBoth) {
                 EXPECT_EQ(scene::Words{}, faults::leftoversBelow(run->base()));
                 EXPECT_TRUE(scene::digestOf(run->from(), Detail::times) == run->source() ||

@@ -57,7 +57,7 @@ TEST_F(MigrationObserver, isNotNeeded) {
     EXPECT_EQ(result.code, kFileMigrationSuccess);
     EXPECT_FALSE(result.isStopped);
     EXPECT_EQ(result.destination, folder / "new/b");
-    EXPECT_FALSE(kit::stands(folder / "a"));
+    EXPECT_FALSE(kit::exists(folder / "a"));
     EXPECT_EQ(ZQFileMigrator::migrateFile(nullptr, "x", {}).code, kFileMigrationSourceNotSpecified);
     EXPECT_EQ(ZQFileMigrator::migrateFolder("x", nullptr, {}).code, kFileMigrationDestinationNotSpecified);
 }
@@ -127,7 +127,7 @@ TEST_F(MigrationObserver, stopsABatchBetweenFiles) {
     // What has a result was moved, the rest stays.
     EXPECT_EQ(contents("from").size() - 1 + result.codes.count(), 4U);
     EXPECT_EQ(contents("to").size(), result.codes.count() + 1);
-    EXPECT_TRUE(kit::stands(folder / "from/c"));
+    EXPECT_TRUE(kit::exists(folder / "from/c"));
 }
 
 TEST_F(MigrationObserver, mayEndAMigrationByAnException) {

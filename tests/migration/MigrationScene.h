@@ -287,7 +287,7 @@ public:
     void setMode(const std::string& name, mode_t mode) const {
         EXPECT_EQ(::chmod((base_ / name).c_str(), mode), 0) << name;
     }
-    bool has(const std::string& name) const { return kit::stands(base_ / name); }
+    bool has(const std::string& name) const { return kit::exists(base_ / name); }
     std::string contents(const std::string& name) const { return kit::contentsOf(base_ / name); }
     /// The result of a batch of "log" files, among them those whose names begin with a period.
     std::string migrateLogs(const std::string& from, const std::string& to, const Flags& flags = {}) const {

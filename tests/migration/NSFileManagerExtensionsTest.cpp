@@ -17,8 +17,8 @@
 
 using namespace ZQFoundation;
 using kit::CurrentFolder;
+using kit::exists;
 using kit::modeOf;
-using kit::stands;
 
 namespace {
 
@@ -106,7 +106,7 @@ TEST_F(NSFileManagerExtensions, makesOneFolderOrAllOnTheWay) {
     for (const char* const name : {"new", "file", "a/b"}) {
         EXPECT_FALSE(makeFolder(in(name), 0700, false)) << name;
     }
-    EXPECT_FALSE(stands(in("a")));
+    EXPECT_FALSE(exists(in("a")));
     EXPECT_TRUE(makeFolder(in("a/b/c"), 0710, true));
     EXPECT_TRUE(makeFolder(in("a/b/c"), 0700, true));
     for (const char* const name : {"a", "a/b", "a/b/c"}) {
@@ -148,15 +148,15 @@ TEST_F(NSFileManagerExtensions, makesAFileWithTheFoldersAboveIt) {
             EXPECT_EQ(kit::contentsOf(in(row.path)), "text") << row.path;
             EXPECT_EQ(modeOf(in(row.path)), 0640U) << row.path;
         }
-        EXPECT_EQ(stands(in("a")), &row > rows + 1);
+        EXPECT_EQ(exists(in("a")), &row > rows + 1);
     }
     for (const char* const name : {"a", "a/b", "c/d", "e/f"}) { // what was made before a failure remains
         EXPECT_EQ(modeOf(in(name)), 0710U) << name;
     }
     EXPECT_EQ(modeOf(in("there")), 0755U);
-    EXPECT_TRUE(stands(in("there/g")));
+    EXPECT_TRUE(exists(in("there/g")));
     EXPECT_EQ(kit::contentsOf(in("file")), "kept");
-    EXPECT_FALSE(stands(in("nosuch")));
+    EXPECT_FALSE(exists(in("nosuch")));
 }
 
 TEST_F(NSFileManagerExtensions, makesEmptyFilesAndReplacesThem) {
@@ -172,7 +172,7 @@ TEST_F(NSFileManagerExtensions, makesEmptyFilesAndReplacesThem) {
 TEST_F(NSFileManagerExtensions, findsNoParentInABareName) {
     const CurrentFolder current(base);
     EXPECT_FALSE(makeFile("bare", true)) << "the parent is the empty path, which cannot be created";
-    EXPECT_FALSE(stands("bare"));
+    EXPECT_FALSE(exists("bare"));
     EXPECT_TRUE(makeFile("bare", false));
     EXPECT_TRUE(makeFile("./f", true));
     EXPECT_TRUE(makeFile("a/f", true));
@@ -189,7 +189,7 @@ TEST_F(NSFileManagerExtensions, makesEveryFolderOfAChain) {
     for (const char* const name : {"a/b/c", "there/d", "e/f/g", "h"}) {
         EXPECT_TRUE(isFolder(in(name))) << name;
     }
-    EXPECT_FALSE(stands(in("x"))) << "an absolute path is folded first";
+    EXPECT_FALSE(exists(in("x"))) << "an absolute path is folded first";
     const CurrentFolder current(base);
     const std::size_t count = files.contentsOfDirectoryAtPath_error(base).count();
     for (const char* const path : {"", "/", "//", "/.", "/.."}) {
@@ -224,7 +224,7 @@ TEST_F(NSFileManagerExtensions, endsAChainAtWhatIsNoFolder) {
         EXPECT_FALSE(makeChain(in(name).substr(1))) << name;
     }
     EXPECT_EQ(kit::contentsOf(in("file")) + kit::contentsOf(in("a/file")), "keptkept");
-    EXPECT_FALSE(stands(in("nosuch")));
+    EXPECT_FALSE(exists(in("nosuch")));
     EXPECT_FALSE(makeChain(in("b/c/" + std::string(300, 'x') + "/d")));
     EXPECT_TRUE(isFolder(in("b/c"))) << "what was made before remains";
 }

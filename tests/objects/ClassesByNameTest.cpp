@@ -36,7 +36,7 @@ private:
 
 NSObject echo(const char* name, int* ended = nullptr) { return makeObject<Echo>(name, ended); }
 
-std::string nameBehind(StringView className) {
+std::string registeredName(StringView className) {
     const Class found = NSClassFromString(className);
     return found ? NSString(found.performSelector(NSSelectorFromString("name"))).utf8() : "(nil)";
 }
@@ -56,10 +56,10 @@ TEST(ClassesByName, areNilForNilEmptyAndUnknownNames) {
 TEST(ClassesByName, areThereWhileTheyAreRegistered) {
     {
         const ClassRegistration registration("ZQTestClass", echo("first"));
-        EXPECT_EQ(nameBehind("ZQTestClass"), "first");
-        EXPECT_EQ(nameBehind(u"ZQTestClass"), "first");
+        EXPECT_EQ(registeredName("ZQTestClass"), "first");
+        EXPECT_EQ(registeredName(u"ZQTestClass"), "first");
     }
-    EXPECT_EQ(nameBehind("ZQTestClass"), "(nil)");
+    EXPECT_EQ(registeredName("ZQTestClass"), "(nil)");
 }
 
 TEST(ClassesByName, areCaseSensitiveAndWhole) {
@@ -82,20 +82,20 @@ TEST(ClassesByName, areTheLatestOfTheirNameUntilItEnds) {
     {
         const ClassRegistration second("ZQTestClass", echo("second"));
         const ClassRegistration other("ZQOtherClass", echo("other"));
-        EXPECT_EQ(nameBehind("ZQTestClass"), "second");
-        EXPECT_EQ(nameBehind("ZQOtherClass"), "other");
+        EXPECT_EQ(registeredName("ZQTestClass"), "second");
+        EXPECT_EQ(registeredName("ZQOtherClass"), "other");
     }
-    EXPECT_EQ(nameBehind("ZQTestClass"), "first");
-    EXPECT_EQ(nameBehind("ZQOtherClass"), "(nil)");
+    EXPECT_EQ(registeredName("ZQTestClass"), "first");
+    EXPECT_EQ(registeredName("ZQOtherClass"), "(nil)");
 }
 
 TEST(ClassesByName, mayEndInAnyOrder) {
     auto* const first = new ClassRegistration("ZQTestClass", echo("first"));
     auto* const second = new ClassRegistration("ZQTestClass", echo("second"));
     delete first;
-    EXPECT_EQ(nameBehind("ZQTestClass"), "second");
+    EXPECT_EQ(registeredName("ZQTestClass"), "second");
     delete second;
-    EXPECT_EQ(nameBehind("ZQTestClass"), "(nil)");
+    EXPECT_EQ(registeredName("ZQTestClass"), "(nil)");
 }
 
 TEST(ClassesByName, areNotRegisteredWithoutAName) {

@@ -81,7 +81,7 @@ TEST_F(DefaultsSaving, keepsValuesOfEveryKindForTheNextProcess) {
     for (const NSDictionaryEntry& entry : values) {
         defaults().setObject_forKey(entry.value, NSString(entry.key));
     }
-    EXPECT_FALSE(kit::stands(file())) << "setting alone writes nothing";
+    EXPECT_FALSE(kit::exists(file())) << "setting alone writes nothing";
     NSString error = "old";
     EXPECT_TRUE(defaults().synchronize(&error));
     EXPECT_FALSE(error);
@@ -114,7 +114,7 @@ TEST_F(DefaultsSaving, makesNoFileForRemovalsAndForNothing) {
     EXPECT_TRUE(defaults().synchronize());
     defaults().removeObjectForKey("Saved");
     EXPECT_TRUE(defaults().synchronize());
-    EXPECT_FALSE(kit::stands(folder / "store"));
+    EXPECT_FALSE(kit::exists(folder / "store"));
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     defaults().removeObjectForKey("Saved");
     EXPECT_TRUE(defaults().synchronize());

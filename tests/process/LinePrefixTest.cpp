@@ -15,8 +15,8 @@
 
 using namespace ZQFoundation;
 using detail::Instant;
-using detail::KeptLinePrefixes;
 using detail::LinePrefix;
+using detail::LinePrefixCache;
 using detail::processIdentity;
 
 namespace {
@@ -36,7 +36,7 @@ std::string plain(const LinePrefix& prefix) {
                          [&](char* end) { return prefix.writeBefore(end); });
 }
 
-std::string kept(KeptLinePrefixes& prefixes, const LinePrefix& prefix) {
+std::string cached(LinePrefixCache& prefixes, const LinePrefix& prefix) {
     return writtenBefore(LinePrefix::roomFor(prefix.process),
                          [&](char* end) { return prefixes.writeBefore(end, prefix); });
 }
@@ -74,8 +74,8 @@ TEST(LinePrefix, isDateNameProcessAndThread) {
               0);
 }
 
-TEST(KeptLinePrefixes, areThoseThatWouldBeMadeAnew) {
-    KeptLinePrefixes prefixes;
+TEST(LinePrefixCache, returnsWhatThePrefixWouldWrite) {
+    LinePrefixCache prefixes;
     const std::vector<std::int64_t> seconds{moment.seconds,     moment.seconds, moment.seconds + 1,
                                             moment.seconds + 1, moment.seconds, -62135596801};
     const auto expectSame = [&] {
@@ -84,7 +84,7 @@ TEST(KeptLinePrefixes, areThoseThatWouldBeMadeAnew) {
             for (const std::int64_t second : seconds) {
                 for (const std::int32_t millisecond : {0, 7, 42, 999}) {
                     const LinePrefix prefix{processIdentity(), {second, millisecond * 1000000}};
-                    EXPECT_EQ(kept(prefixes, prefix), plain(prefix)) << zoneName;
+                    EXPECT_EQ(cached(prefixes, prefix), plain(prefix)) << zoneName;
                 }
             }
         }
@@ -100,13 +100,13 @@ TEST(KeptLinePrefixes, areThoseThatWouldBeMadeAnew) {
         0);
 }
 
-TEST(KeptLinePrefixes, areOfTheirThread) {
-    KeptLinePrefixes prefixes;
+TEST(LinePrefixCache, keepsThreadsApart) {
+    LinePrefixCache prefixes;
     for (int i = 0; i < 40; ++i) {
         std::thread([&] {
             const LinePrefix prefix{processIdentity(), moment};
-            EXPECT_EQ(kept(prefixes, prefix), plain(prefix));
-            EXPECT_EQ(kept(prefixes, prefix), plain(prefix));
+            EXPECT_EQ(cached(prefixes, prefix), plain(prefix));
+            EXPECT_EQ(cached(prefixes, prefix), plain(prefix));
         }).join();
     }
 }

@@ -219,7 +219,7 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     // expected: argument<2, const char*> | argument<2, const char *>
     NSString::stringWithFormat("%d%% of %d", number, variable);
 #endif
-#ifdef REFUSE_REAL_BEHIND_A_STAR
+#ifdef REFUSE_REAL_AFTER_A_STAR
     // expected: format_conversion_requires_an_integer && conversion<'i'> && conversion_number<1>
     // expected: argument<2, double>
     NSString::stringWithFormat("%*i", 5, 1.5);

@@ -141,7 +141,7 @@ private:
             expect(sourceWhole || copyWhole, "killed: neither source nor copy is whole" + about);
         } else if (code == "0") {
             expect(copyWhole, "success without a whole copy" + about);
-            expect(case_.keepOriginal || !kit::stands(item.from), "a move left the source" + about);
+            expect(case_.keepOriginal || !kit::exists(item.from), "a move left the source" + about);
         } else if (code == "15") {
             expect(copyWhole, "no whole copy" + about);
             expect(!case_.keepOriginal, "a copy removes nothing" + about);
