@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A host may have closed its standard streams: no file that the library writes to may get their numbers, or
 // log lines would end up in it.
-#include <atomic>
 #include <string>
-#include <thread>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -16,6 +13,7 @@
 #include "info/RoutingSocket.h"
 #include "log/ZQLog.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
@@ -77,19 +75,12 @@ TEST(ClosedStandardStreams, keepFilesFreeOfTheLinesOfOtherThreads) {
     constexpr int count = 300;
     EXPECT_TRUE(kit::insideFolder(folder.path(), [] {
         ::close(STDERR_FILENO);
-        std::atomic<bool> isDone{false};
-        std::thread other([&] {
-            while (!isDone) {
-                ZQLog::log("a line");
-            }
-        });
+        const kit::Meanwhile other([] { ZQLog::log("a line"); });
         bool isGood = true;
         for (int index = 0; index < count; ++index) {
             isGood = isGood && NSString("text").appendToFile_encoding(NSString(std::to_string(index)),
                                                                       NSUTF8StringEncoding);
         }
-        isDone = true;
-        other.join();
         return isGood;
     }));
     for (int index = 0; index < count; ++index) {

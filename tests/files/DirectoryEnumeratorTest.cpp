@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Enumerating the items below a folder: their order, skipping, links, unreadable folders and descriptors.
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,6 +15,7 @@
 #include "tests/files/CopyScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
@@ -53,9 +52,9 @@ TEST_F(DirectoryEnumerator, returnsEverythingBelowAndAFolderBeforeItsContents) {
     folder.write("t/\xFF/\xC3\x28", "");
     folder.makeFolder("t/empty");
     folder.write("outside/x", "");
-    link("../outside", "t/link");
-    link("no such", "t/dangling");
-    ASSERT_EQ(::mkfifo(in("t/pipe").c_str(), 0600), 0);
+    folder.link("../outside", "t/link");
+    folder.link("no such", "t/dangling");
+    folder.makePipe("t/pipe");
     const Names names = namesBelow(in("t"));
     EXPECT_EQ(sorted(names), sorted({"a.log", ".dot", ".dot/.inner", "sub", "sub/deep", "sub/deep/b", "\xFF",
                                      "\xFF/\xC3\x28", "empty", "link", "dangling", "pipe"}));
@@ -70,8 +69,8 @@ TEST_F(DirectoryEnumerator, returnsEverythingBelowAndAFolderBeforeItsContents) {
 
 TEST_F(DirectoryEnumerator, theStartMayBeALinkAndMustBeAFolder) {
     folder.write("t/f", "");
-    link("t", "l");
-    link(".", "t/self");
+    folder.link("t", "l");
+    folder.link(".", "t/self");
     EXPECT_EQ(sorted(namesBelow(in("t/self"))), (Names{"f", "self"}));
     ::unlink(in("t/self").c_str());
     for (const char* const name : {"l", "l/", "t//", "t/.", "l/../t"}) {
@@ -108,8 +107,8 @@ TEST_F(DirectoryEnumerator, returnsButSkipsWhatCannotBeRead) {
     folder.write("t/closed/f", "");
     folder.write("t/names-only/f", "");
     folder.write("t/open/f", "");
-    ::chmod(in("t/closed").c_str(), 0);
-    ::chmod(in("t/names-only").c_str(), 0744); // the names can be read, the items cannot be reached
+    folder.setMode("t/closed", 0);
+    folder.setMode("t/names-only", 0744); // the names can be read, the items cannot be reached
     const int answer = kit::inUnprivilegedChild([this] {
         return sorted(namesBelow(in("t"))) ==
                            Names{"closed", "names-only", "names-only/f", "open", "open/f"} &&
@@ -177,22 +176,18 @@ TEST_F(DirectoryEnumerator, aFolderMovedAwayLeadsNowhereElse) {
 TEST_F(DirectoryEnumerator, aLinkThatIsSwappedInIsNeverEntered) {
     folder.write("outside/secret", "");
     folder.write("t/y/f", "");
-    std::atomic<bool> done = false;
-    std::thread attacker([&] {
-        while (!done) {
-            ::mkdir(in("t/x").c_str(), 0755);
-            ::rmdir(in("t/x").c_str());
-            static_cast<void>(!::symlink(in("outside").c_str(), in("t/x").c_str()));
-            ::unlink(in("t/x").c_str());
-        }
+    kit::Meanwhile attacker([&] {
+        ::mkdir(in("t/x").c_str(), 0755);
+        ::rmdir(in("t/x").c_str());
+        static_cast<void>(!::symlink(in("outside").c_str(), in("t/x").c_str()));
+        ::unlink(in("t/x").c_str());
     });
     for (int round = 0; round < 5000; ++round) {
         for (const std::string& name : namesBelow(in("t"))) {
             EXPECT_EQ(name.find("secret"), std::string::npos);
         }
     }
-    done = true;
-    attacker.join();
+    attacker.end();
 }
 
 TEST_F(DirectoryEnumerator, depthIsNoLimit) {

@@ -6,9 +6,7 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include "foundation/files/FileInformation.h"
@@ -41,16 +39,10 @@ class FileAttributes : public scene::FolderTest {};
 TEST_F(FileAttributes, haveTheTypeOfTheItemItself) {
     folder.write("f", "");
     folder.makeFolder("d");
-    link("f", "l");
-    link("no such", "dangling");
-    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
-    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    ASSERT_LT(in("s").size(), sizeof address.sun_path);
-    in("s").copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ::close(socket);
+    folder.link("f", "l");
+    folder.link("no such", "dangling");
+    folder.makePipe("pipe");
+    kit::makeSocket(in("s"));
     EXPECT_EQ(typeOf(in("f")), NSFileTypeRegular);
     EXPECT_EQ(typeOf(in("d")), NSFileTypeDirectory);
     EXPECT_EQ(typeOf(in("l")), NSFileTypeSymbolicLink);
@@ -62,7 +54,7 @@ TEST_F(FileAttributes, haveTheTypeOfTheItemItself) {
 
 TEST_F(FileAttributes, areTheSystemsOwnNumbers) {
     folder.write("f", std::string(12345, 'x'));
-    ::chmod(in("f").c_str(), 06751);
+    folder.setMode("f", 06751);
     ASSERT_EQ(::link(in("f").c_str(), in("second").c_str()), 0);
     struct stat information;
     ASSERT_EQ(::stat(in("f").c_str(), &information), 0);
@@ -75,9 +67,9 @@ TEST_F(FileAttributes, areTheSystemsOwnNumbers) {
     EXPECT_EQ(numberOf(path, NSFileSystemNumber), static_cast<std::int64_t>(information.st_dev));
     EXPECT_EQ(numberOf(path, NSFileSystemFileNumber), static_cast<std::int64_t>(information.st_ino));
     folder.makeFolder("d");
-    ::chmod(in("d").c_str(), 01750);
+    folder.setMode("d", 01750);
     EXPECT_EQ(numberOf(in("d"), NSFilePosixPermissions), 01750);
-    link("1234", "l");
+    folder.link("1234", "l");
     EXPECT_EQ(numberOf(in("l"), NSFileSize), 4) << "the length of its target's name";
 }
 
@@ -154,7 +146,7 @@ TEST_F(FileAttributes, areNilWithAReasonWhenThereIsNothing) {
     EXPECT_EQ(utf8Of(reason), in("f/") + ": Not a directory");
     EXPECT_FALSE(files.attributesOfItemAtPath_error("", &reason));
     EXPECT_EQ(utf8Of(reason), ": No such file or directory");
-    link("loop", "loop");
+    folder.link("loop", "loop");
     for (const std::string& name : {in("f/x"), in("loop/x")}) {
         EXPECT_FALSE(files.attributesOfItemAtPath_error(name, &reason)) << name;
     }
@@ -170,15 +162,6 @@ TEST_F(FileAttributes, pathsMayBeLongerThanTheSystemTakes) {
     const std::string deep = kit::makeChain(folder.path(), name, 50);
     EXPECT_EQ(typeOf(deep), NSFileTypeDirectory);
     EXPECT_TRUE(attributesOf(deep).objectForKey(NSFileModificationDate));
-    kit::removeChain(folder.path(), name, 50);
-}
-
-TEST_F(FileAttributes, theModificationDateIsThatOfTheInformation) {
-    folder.write("f", "");
-    struct stat information;
-    ASSERT_TRUE(detail::getItemInformation(in("f"), information));
-    const NSDate date(attributesOf(in("f")).objectForKey(NSFileModificationDate));
-    EXPECT_TRUE(date.isEqualToDate(detail::modificationDateOf(information)));
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 #include <string>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "tests/kit/ScratchFolder.h"
 
@@ -18,10 +17,6 @@ namespace ZQFoundation::scene {
 class FolderTest : public testing::Test {
 protected:
     std::string in(const std::string& name) const { return folder / name; }
-    void link(const std::string& target, const std::string& name) const {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << std::strerror(errno);
-    }
-
     kit::ScratchFolder folder;
 };
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Opening files to append to, and which links and files of others are refused.
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -20,6 +19,7 @@
 #include "tests/files/FileScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
@@ -51,7 +51,7 @@ class GuardedOpening : public scene::FolderTest {
 protected:
     GuardedOpening() {
         folder.makeFolder("shared");
-        ::chmod(in("shared").c_str(), 01777);
+        folder.setMode("shared", 01777);
     }
     void giveAway(const std::string& name) {
         ASSERT_EQ(::lchown(in(name).c_str(), stranger, stranger), 0) << std::strerror(errno);
@@ -83,9 +83,9 @@ TEST_F(GuardedOpening, makesAFileWithTheOrdinaryMode) {
 
 TEST_F(GuardedOpening, followsOwnLinksAnywhere) {
     folder.makeFolder("a/b");
-    link("a/b", "l");
-    link("../l/../log", "shared/l");
-    link(in("shared/l"), "absolute");
+    folder.link("a/b", "l");
+    folder.link("../l/../log", "shared/l");
+    folder.link(in("shared/l"), "absolute");
     EXPECT_TRUE(append(in("l/../log"), "1"));
     EXPECT_TRUE(append(in("shared/l"), "2"));
     EXPECT_TRUE(append(in("absolute"), "3"));
@@ -93,10 +93,10 @@ TEST_F(GuardedOpening, followsOwnLinksAnywhere) {
 }
 
 TEST_F(GuardedOpening, aDanglingLinksTargetIsMade) {
-    link("made", "dangling");
+    folder.link("made", "dangling");
     EXPECT_TRUE(append(in("dangling"), "x"));
     EXPECT_EQ(kit::contentsOf(in("made")), "x");
-    link("no such/made", "hopeless");
+    folder.link("no such/made", "hopeless");
     EXPECT_EQ(errorOf(in("hopeless")), ENOENT);
 }
 
@@ -111,8 +111,8 @@ TEST_F(GuardedOpening, relativePathsStartInTheCurrentFolder) {
 
 TEST_F(GuardedOpening, reportsWhyItFails) {
     folder.write("f", "");
-    link("two", "one");
-    link("one", "two");
+    folder.link("two", "one");
+    folder.link("one", "two");
     EXPECT_EQ(errorOf(""), ENOENT);
     EXPECT_EQ(errorOf(in("no such/log")), ENOENT);
     EXPECT_EQ(errorOf(in("f/log")), ENOTDIR);
@@ -129,7 +129,7 @@ TEST_F(GuardedOpening, reportsWhyItFails) {
 TEST_F(GuardedOpening, followsThirtyTwoLinksAndNoMore) {
     folder.write("0", "");
     for (int number = 1; number <= 33; ++number) {
-        link(std::to_string(number - 1), std::to_string(number));
+        folder.link(std::to_string(number - 1), std::to_string(number));
     }
     EXPECT_EQ(errorOf(in("32")), 0);
     EXPECT_EQ(errorOf(in("33")), ELOOP);
@@ -140,17 +140,17 @@ TEST_F(GuardedOpening, followsThirtyTwoLinksAndNoMore) {
 TEST_F(GuardedOpening, searchPermissionOfTheFoldersIsEnough) {
     folder.makeFolder("hidden/inner");
     folder.write("hidden/inner/log", "");
-    ::chmod(in("hidden/inner/log").c_str(), 0666);
-    ::chmod(in("hidden/inner").c_str(), 0111);
-    ::chmod(in("hidden").c_str(), 0111);
+    folder.setMode("hidden/inner/log", 0666);
+    folder.setMode("hidden/inner", 0111);
+    folder.setMode("hidden", 0111);
     const int answer = kit::inUnprivilegedChild([this] { return errorOf(in("hidden/inner/log")); });
-    ::chmod(in("hidden").c_str(), 0755);
+    folder.setMode("hidden", 0755);
     EXPECT_EQ(answer, 0);
 }
 
 TEST_F(GuardedOpening, ordinaryPermissionsHold) {
     folder.write("log", "");
-    ::chmod(in("log").c_str(), 0444);
+    folder.setMode("log", 0444);
     EXPECT_EQ(kit::inUnprivilegedChild([this] { return errorOf(in("log")); }), EACCES);
 }
 
@@ -164,7 +164,7 @@ TEST_F(GuardedOpening, pathsMayBeLongerThanTheSystemTakes) {
 }
 
 TEST_F(GuardedOpening, doesNotWaitForTheOtherEndOfAPipe) {
-    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    folder.makePipe("pipe");
     const int pipe = openForAppendingGuarded(in("pipe"));
     ASSERT_GE(pipe, 0);
     EXPECT_EQ(::fcntl(pipe, F_GETFL) & O_NONBLOCK, 0);
@@ -186,7 +186,7 @@ TEST_F(GuardedOpening, opensDevicesAndTheProcessesOwnDescriptors) {
 
 TEST_F(GuardedOpening, leavesNoDescriptorOpen) {
     folder.write("log", "");
-    link("log", "l");
+    folder.link("log", "l");
     const int before = kit::openDescriptors();
     errorOf(in("l"));
     errorOf(in("no such/x"));
@@ -198,7 +198,7 @@ TEST_F(GuardedOpening, leavesNoDescriptorOpen) {
 TEST_F(GuardedOpening, whatIsThereMayBeAppendedToOrNot) {
     folder.write("shared/own", "");
     folder.write("log", "");
-    link("own", "shared/l");
+    folder.link("own", "shared/l");
     EXPECT_TRUE(mayAppendGuarded(in("shared/own")));
     EXPECT_TRUE(mayAppendGuarded(in("shared/l")));
     EXPECT_TRUE(mayAppendGuarded(in("log")));
@@ -226,14 +226,14 @@ protected:
         }
         folder.makeFolder("target");
         folder.write("target/log", "t");
-        link("../target", "shared/folder");
-        link("../target/log", "shared/link");
+        folder.link("../target", "shared/folder");
+        folder.link("../target/log", "shared/link");
         folder.write("shared/file", "f");
-        ASSERT_EQ(::mkfifo(in("shared/pipe").c_str(), 0666), 0);
+        folder.makePipe("shared/pipe");
         for (const char* const name : {"shared/folder", "shared/link", "shared/file", "shared/pipe"}) {
             giveAway(name);
         }
-        link("shared/link", "outside");
+        folder.link("shared/link", "outside");
     }
 };
 
@@ -259,7 +259,7 @@ TEST_F(GuardedOpeningAmongOthers, theFoldersOwnerIsTrusted) {
 
 TEST_F(GuardedOpeningAmongOthers, theRuleIsOnlyForStickyFoldersThatOthersMayWriteTo) {
     for (const mode_t mode : std::initializer_list<mode_t>{0777u, 01775u, 01755u, 0755u}) {
-        ASSERT_EQ(::chmod(in("shared").c_str(), mode), 0);
+        folder.setMode("shared", mode);
         for (const char* const name : {"shared/folder/log", "shared/link", "shared/file", "shared/pipe"}) {
             EXPECT_EQ(errorOf(in(name)), 0) << name << std::oct << mode;
             EXPECT_TRUE(mayAppendGuarded(in(name))) << name << std::oct << mode;
@@ -268,9 +268,9 @@ TEST_F(GuardedOpeningAmongOthers, theRuleIsOnlyForStickyFoldersThatOthersMayWrit
 }
 
 TEST_F(GuardedOpeningAmongOthers, anOrdinaryUserIsGuardedTheSameWay) {
-    ::chmod(in("target").c_str(), 0777);
-    ::chmod(in("target/log").c_str(), 0666);
-    ::chmod(in("shared/file").c_str(), 0666);
+    folder.setMode("target", 0777);
+    folder.setMode("target/log", 0666);
+    folder.setMode("shared/file", 0666);
     for (const char* const name : {"shared/folder/log", "shared/link", "shared/file", "shared/pipe"}) {
         EXPECT_EQ(kit::inUnprivilegedChild([&] { return errorOf(in(name)); }), EACCES) << name;
     }
@@ -280,28 +280,25 @@ TEST_F(GuardedOpeningAmongOthers, anOrdinaryUserIsGuardedTheSameWay) {
 
 TEST_F(GuardedOpeningAmongOthers, whatIsExchangedMeanwhileIsNeverFollowed) {
     folder.write("victim", "");
-    std::atomic<bool> done = false;
+    int turn = 0;
     // The name is in turn absent, a stranger's link to the victim, and the stranger's own file.
-    std::thread attacker([&] {
-        for (int round = 0; !done; ++round) {
-            const std::string name = in("shared/other");
-            if (round % 2 == 0) {
-                EXPECT_EQ(::symlink(in("victim").c_str(), name.c_str()), 0);
-                EXPECT_EQ(::lchown(name.c_str(), stranger, stranger), 0);
-            } else {
-                const int file = ::open(name.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666);
-                EXPECT_EQ(::fchown(file, stranger, stranger), 0);
-                ::close(file);
-            }
-            ::rename(name.c_str(), in("shared/log").c_str());
-            ::unlink(in("shared/log").c_str());
+    kit::Meanwhile attacker([&] {
+        const std::string name = in("shared/other");
+        if (turn++ % 2 == 0) {
+            EXPECT_EQ(::symlink(in("victim").c_str(), name.c_str()), 0);
+            EXPECT_EQ(::lchown(name.c_str(), stranger, stranger), 0);
+        } else {
+            const int file = ::open(name.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666);
+            EXPECT_EQ(::fchown(file, stranger, stranger), 0);
+            ::close(file);
         }
+        ::rename(name.c_str(), in("shared/log").c_str());
+        ::unlink(in("shared/log").c_str());
     });
     for (int round = 0; round < 3000; ++round) {
         append(in("shared/log"), "x");
     }
-    done = true;
-    attacker.join();
+    attacker.end();
     EXPECT_EQ(kit::contentsOf(in("victim")), "");
 }
 

@@ -134,7 +134,6 @@ TEST(NSFileHandle, takesPathsOfAnyLength) {
     handle = NSFileHandle::fileHandleForReadingAtPath(path);
     EXPECT_EQ(bytesOf(handle.readDataToEndOfFile()), "long");
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(path, nullptr));
-    kit::removeChain(folder.path(), name, 30);
 }
 
 TEST(NSFileHandle, moves) {

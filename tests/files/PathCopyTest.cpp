@@ -4,16 +4,11 @@
 #include <cerrno>
 #include <initializer_list>
 #include <string>
-#include <thread>
 
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -21,6 +16,8 @@
 #include "tests/files/CopyScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/Meanwhile.h"
+#include "tests/kit/Mounts.h"
 #include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
@@ -48,7 +45,7 @@ TEST_F(PathCopy, keepsBytesPermissionsAndTimes) {
             bytes[index] = static_cast<char>(index * 2654435761U >> 13);
         }
         folder.write("a", bytes);
-        ::chmod(in("a").c_str(), row.mode);
+        folder.setMode("a", row.mode);
         scene::setTimes(in("a"), row.seconds + 100, row.seconds, row.nanoseconds);
         const std::string before = scene::stamp(in("a"));
         ASSERT_EQ(scene::reasonOfCopy(in("a"), in("b")), "(nil)");
@@ -91,11 +88,11 @@ TEST_F(PathCopy, takesPathsThatAreLongerThanTheSystemTakes) {
 TEST_F(PathCopy, theDestinationMustBeFree) {
     folder.write("file", "kept");
     folder.write("folder/inside", "kept");
-    link("file", "toFile");
-    link("folder", "toFolder");
-    link("nosuch", "dangling");
-    link("loop", "loop");
-    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    folder.link("file", "toFile");
+    folder.link("folder", "toFolder");
+    folder.link("nosuch", "dangling");
+    folder.link("loop", "loop");
+    folder.makePipe("pipe");
     const std::string before = scene::stamp(folder.path()) + scene::stamp(in("folder")) +
                                scene::stamp(in("file")) + scene::stamp(in("folder/inside"));
     for (const char* const source : {"file", "folder", "toFile", "toFolder", "dangling", "pipe"}) {
@@ -125,11 +122,11 @@ TEST_F(PathCopy, theDestinationMustBeFree) {
 TEST_F(PathCopy, aLinkIsCopiedWithItsTextAndTimesAndNeverFollowed) {
     folder.write("target", "kept");
     folder.makeFolder("sub");
-    ::chmod(in("target").c_str(), 0604);
+    folder.setMode("target", 0604);
     const std::string before = scene::stamp(in("target"));
     for (const std::string& target : {std::string("target"), std::string("nosuch"), std::string("."),
                                       std::string("../.."), in("target"), std::string(4000, 'x')}) {
-        link(target, "l");
+        folder.link(target, "l");
         scene::setTimes(in("l"), 1000000000, 1100000000, 5);
         ASSERT_TRUE(copyItem(in("l"), in("sub/l")));
         std::string text(5000, '\0');
@@ -144,14 +141,8 @@ TEST_F(PathCopy, aLinkIsCopiedWithItsTextAndTimesAndNeverFollowed) {
 
 TEST_F(PathCopy, pipesAndSocketsAreMadeAnew) {
     ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
-    ::chmod(in("pipe").c_str(), 0622);
-    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = in("socket");
-    ASSERT_LT(path.size(), sizeof address.sun_path);
-    std::copy(path.begin(), path.end(), address.sun_path);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    folder.setMode("pipe", 0622);
+    kit::makeSocket(in("socket"));
     for (const char* const name : {"pipe", "socket"}) {
         scene::setTimes(in(name), 1000000000, 1100000000, 5);
         const std::string copy = in(name) + "2";
@@ -159,7 +150,6 @@ TEST_F(PathCopy, pipesAndSocketsAreMadeAnew) {
         EXPECT_EQ(scene::stamp(copy), scene::stamp(in(name)));
         EXPECT_NE(lookAt(copy).st_ino, lookAt(in(name)).st_ino);
     }
-    ::close(listener);
 }
 
 TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
@@ -170,7 +160,7 @@ TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
     } else {
         EXPECT_FALSE(kit::exists(in("null"))) << "nothing else takes its place";
     }
-    ::chmod(folder.path().c_str(), 0777);
+    folder.setMode("", 0777);
     EXPECT_EQ(kit::inUnprivilegedChild([this] {
                   return scene::reasonOfCopy("/dev/null", in("n")) == "/dev/null: Operation not permitted"
                              ? 0
@@ -181,8 +171,8 @@ TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
 
 TEST_F(PathCopy, aFileThatMayNotBeReadSaysSo) {
     folder.write("a", "x");
-    ::chmod(in("a").c_str(), 0);
-    ::chmod(folder.path().c_str(), 0777);
+    folder.setMode("a", 0);
+    folder.setMode("", 0777);
     const int answer = kit::inUnprivilegedChild(
         [this] { return scene::reasonOfCopy(in("a"), in("b")) == in("a") + ": Permission denied" ? 0 : 1; });
     EXPECT_EQ(answer, 0);
@@ -191,17 +181,17 @@ TEST_F(PathCopy, aFileThatMayNotBeReadSaysSo) {
 
 TEST_F(PathCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
     folder.write("a", "x");
-    ::chmod(in("a").c_str(), 06755);
+    folder.setMode("a", 06755);
     ASSERT_TRUE(copyItem(in("a"), in("own")));
     EXPECT_EQ(kit::modeOf(in("own")), 06755U) << "the owner is the same";
     if (kit::isRoot()) {
         ASSERT_EQ(::chown(in("a").c_str(), 1234, 4321), 0);
-        ::chmod(in("a").c_str(), 06755);
+        folder.setMode("a", 06755);
         ASSERT_TRUE(copyItem(in("a"), in("kept")));
         EXPECT_EQ(kit::modeOf(in("kept")), 06755U);
         EXPECT_EQ(lookAt(in("kept")).st_uid, 1234U);
         EXPECT_EQ(lookAt(in("kept")).st_gid, 4321U);
-        ::chmod(folder.path().c_str(), 0777);
+        folder.setMode("", 0777);
         EXPECT_EQ(kit::inUnprivilegedChild([this] { return copyItem(in("a"), in("other")) ? 0 : 1; }), 0);
         EXPECT_EQ(kit::modeOf(in("other")), 0755U);
         EXPECT_EQ(lookAt(in("other")).st_uid, 65534U);
@@ -210,7 +200,7 @@ TEST_F(PathCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
 
 TEST_F(PathCopy, extendedAttributesAndAccessListsAreKept) {
     folder.write("a", "x");
-    ASSERT_EQ(::mkfifo(in("p").c_str(), 0640), 0);
+    folder.makePipe("p");
     const std::string large(2000, 'v');
     if (!scene::setAttribute(in("a"), "user.zq.large", large) ||
         !scene::setAttribute(in("a"), scene::accessList, scene::listForUser(4))) {
@@ -234,16 +224,16 @@ TEST_F(PathCopy, attributesOfTheSystemAreKeptByWhoMay) {
     const bool hasTrusted = scene::setAttribute(in("a"), "trusted.zq.test", "t");
     ASSERT_TRUE(copyItem(in("a"), in("b")));
     EXPECT_EQ(scene::attribute(in("b"), "trusted.zq.test"), hasTrusted ? "t" : "(none)");
-    ::chmod(folder.path().c_str(), 0777);
+    folder.setMode("", 0777);
     EXPECT_EQ(kit::inUnprivilegedChild([this] { return copyItem(in("a"), in("c")) ? 0 : 1; }), 0);
     EXPECT_EQ(scene::attribute(in("c"), "trusted.zq.test"), "(none)");
 }
 
 TEST_F(PathCopy, whatAFolderGivesNewItemsDoesNotReachCopies) {
     folder.write("a", "x");
-    ::chmod(in("a").c_str(), 0644);
+    folder.setMode("a", 0644);
     folder.write("t/f", "x");
-    ASSERT_EQ(::mkfifo(in("p").c_str(), 0644), 0);
+    folder.makePipe("p");
     folder.makeFolder("d");
     if (!scene::setAttribute(in("d"), scene::listForNewItems, scene::listForUser(6))) {
         GTEST_SKIP() << "the file system keeps no access lists";
@@ -281,33 +271,29 @@ TEST_F(PathCopy, aFolderThatDeniesItsOwnerNewItemsGetsCopies) {
 
 TEST_F(PathCopy, aCopyInProgressIsClosedToOthers) {
     folder.write("a", std::string(3 << 20, 'x'));
-    ::chmod(in("a").c_str(), 0640);
-    std::atomic<bool> done = false;
+    folder.setMode("a", 0640);
     std::atomic<int> seen = 0;
-    std::thread watcher([&] {
-        while (!done) {
-            struct stat information;
-            if (::lstat(in("b").c_str(), &information) == 0) {
-                ++seen;
-                // Either it is in progress or it is complete: then it has its final permissions.
-                const mode_t mode = information.st_mode & 07777;
-                EXPECT_TRUE(mode == 0600 || mode == 0640) << mode;
-                EXPECT_TRUE(mode == 0600 || information.st_size == 3 << 20) << information.st_size;
-            }
+    kit::Meanwhile watcher([&] {
+        struct stat information;
+        if (::lstat(in("b").c_str(), &information) == 0) {
+            ++seen;
+            // Either it is in progress or it is complete: then it has its final permissions.
+            const mode_t mode = information.st_mode & 07777;
+            EXPECT_TRUE(mode == 0600 || mode == 0640) << mode;
+            EXPECT_TRUE(mode == 0600 || information.st_size == 3 << 20) << information.st_size;
         }
     });
     for (int round = 0; round < 200 || (seen < 20 && round < 5000); ++round) {
         EXPECT_TRUE(copyItem(in("a"), in("b")));
         ::unlink(in("b").c_str());
     }
-    done = true;
-    watcher.join();
+    watcher.end();
     EXPECT_GE(seen, 20);
 }
 
 TEST_F(PathCopy, aFailedWriteFailsTheCopyAndWhatWasWrittenStays) {
     folder.write("a", std::string(300000, 'x'));
-    ::chmod(folder.path().c_str(), 0777);
+    folder.setMode("", 0777);
     const int answer = kit::inUnprivilegedChild([this] {
         const rlimit limit{100000, 100000};
         ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -323,37 +309,25 @@ TEST_F(PathCopy, aFullFileSystemFailsTheCopy) {
     folder.write("t/a", std::string(300000, 'x'));
     folder.write("t/small", "x");
     folder.makeFolder("m");
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const bool isMounted = ::unshare(CLONE_NEWNS) == 0 &&
-                               ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                               ::mount("none", in("m").c_str(), "tmpfs", 0, "size=128k") == 0;
-        if (!isMounted) {
-            kit::leave(77);
+    kit::withOwnMounts([this] {
+        if (::mount("none", in("m").c_str(), "tmpfs", 0, "size=128k") != 0) {
+            return false;
         }
-        const bool fileFails =
-            scene::reasonOfCopy(in("t/a"), in("m/a")) == in("t/a") + ": No space left on device";
+        EXPECT_EQ(scene::reasonOfCopy(in("t/a"), in("m/a")), in("t/a") + ": No space left on device");
         ::unlink(in("m/a").c_str());
-        const bool treeFails = !copyItem(in("t"), in("m/t")) && kit::exists(in("m/t"));
-        kit::leave(fileFails && treeFails ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 77) {
-        GTEST_SKIP() << "this machine allows no mounts of one's own";
-    }
-    EXPECT_EQ(status, 0);
+        EXPECT_FALSE(copyItem(in("t"), in("m/t")));
+        EXPECT_TRUE(kit::exists(in("m/t")));
+        return true;
+    });
 }
 
 TEST_F(PathCopy, keepsTheErrorNumberAndEveryDescriptor) {
     folder.write("a", "x");
-    const int before = kit::openDescriptors();
-    errno = 4711;
-    copyItem(in("a"), in("b"));
-    copyItem(in("a"), in("b"));
-    copyItem(in("no"), in("c"));
-    EXPECT_EQ(errno, 4711);
-    EXPECT_EQ(kit::openDescriptors(), before);
+    kit::expectNoTrace([this] {
+        copyItem(in("a"), in("b"));
+        copyItem(in("a"), in("b"));
+        copyItem(in("no"), in("c"));
+    });
 }
 
 } // namespace

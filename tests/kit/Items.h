@@ -14,7 +14,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include "foundation/objects/NSString.h"
@@ -69,6 +71,17 @@ inline mode_t modeOf(const std::string& path) {
 
 inline bool isRoot() { return ::geteuid() == 0; }
 
+/// Makes a socket that nobody listens at.
+inline void makeSocket(const std::string& path) {
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ::close(socket);
+}
+
 /// Nested folders called `name` below `folder`; returns the path of the last one.
 inline std::string makeChain(const std::string& folder, const std::string& name, int depth) {
     std::string path = folder;
@@ -112,6 +125,16 @@ inline int openDescriptors() {
         ::closedir(folder);
     }
     return count;
+}
+
+/// Expects of the body that afterwards `errno` and the number of open descriptors are as before.
+template <class Body>
+void expectNoTrace(const Body& body) {
+    const int before = openDescriptors();
+    errno = 4711;
+    body();
+    EXPECT_EQ(errno, 4711);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 /// What the body returns in a child that may open only this many more files.

@@ -85,6 +85,19 @@ public:
         return *this / name;
     }
 
+    std::string link(const std::string& target, const std::string& name) const {
+        EXPECT_EQ(::symlink(target.c_str(), (*this / name).c_str()), 0) << name << std::strerror(errno);
+        return *this / name;
+    }
+    std::string makePipe(const std::string& name) const {
+        EXPECT_EQ(::mkfifo((*this / name).c_str(), 0644), 0) << name << std::strerror(errno);
+        return *this / name;
+    }
+    /// The permissions of an item; "" is the folder itself.
+    void setMode(const std::string& name, mode_t mode) const {
+        EXPECT_EQ(::chmod((*this / name).c_str(), mode), 0) << name << std::strerror(errno);
+    }
+
 private:
     std::string path_;
 };

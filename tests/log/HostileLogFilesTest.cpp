@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Log files in surroundings that are broken or that somebody has prepared against the host. Redirection is
 // the process's, so each case runs in a child.
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "tests/kit/Items.h"
+#include "tests/kit/Mounts.h"
 #include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
@@ -122,9 +122,8 @@ TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
     folder.makeFolder("home");
     bool mounted = false;
     inQuietChild([&] {
-        mounted = ::unshare(CLONE_NEWNS) == 0 &&
-                  ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                  ::mount("none", (folder / "home").c_str(), "tmpfs", 0, "size=64k") == 0;
+        mounted =
+            kit::hasOwnMounts() && ::mount("none", (folder / "home").c_str(), "tmpfs", 0, "size=64k") == 0;
         if (!mounted) {
             std::printf(
                 "no file system can be mounted here; a file-size limit stands in for the full disk\n");
@@ -182,8 +181,7 @@ TEST(HostileLogFiles, onADiskThatIsFullNowAndThenEndHalfLinesBeforeTheNextOne) {
     const kit::ScratchFolder folder;
     folder.makeFolder("disk");
     inQuietChild([&] {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", (folder / "disk").c_str(), "tmpfs", 0, "size=64k") != 0) {
+        if (!kit::hasOwnMounts() || ::mount("none", (folder / "disk").c_str(), "tmpfs", 0, "size=64k") != 0) {
             return; // no mounts here, root or not
         }
         const std::string path = folder / "disk/log";

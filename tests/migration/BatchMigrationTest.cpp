@@ -61,13 +61,13 @@ TEST_F(BatchMigration, asksForTheFoldersFirst) {
 }
 
 TEST_F(BatchMigration, ofNothingHasNoResults) {
-    folder.file("plain.log", "x");
+    folder.write("plain.log", "x");
     for (const std::string& from : {folder / "from", std::string(), folder / "plain.log"}) {
         const NSDictionary results = migrateFiles("log", from, folder / "to", DotFiles::included, moving);
         EXPECT_TRUE(static_cast<bool>(results)) << "empty, not nil";
         EXPECT_EQ(results.count(), 0U) << from;
     }
-    folder.folder("from");
+    folder.makeFolder("from");
     EXPECT_EQ(migrated("log"), Codes{});
     EXPECT_FALSE(folder.has("to"));
 }
@@ -93,7 +93,7 @@ TEST_F(BatchMigration, selectsByTheExactExtension) {
 TEST_F(BatchMigration, withoutExtensionSelectsEveryFile) {
     for (const NSString& extension : {NSString(), NSString("")}) {
         folder.files({"a.log", "b", "sub/c.txt", "sub/deep/.d", ".e/f"}, "from/");
-        folder.folder("from/empty");
+        folder.makeFolder("from/empty");
         EXPECT_EQ(migrated(extension, {false, true, true, false}),
                   (Codes{{"a.log", 0}, {"b", 0}, {"sub/c.txt", 0}, {"sub/deep/.d", 0}, {".e/f", 0}}));
         EXPECT_FALSE(folder.has("to/empty")) << "folders are not migrated as such";
@@ -113,7 +113,7 @@ TEST_F(BatchMigration, skipsWhatBeginsWithAPeriodAtTheTopAlone) {
 TEST_F(BatchMigration, continuesAfterAFailure) {
     const kit::NoLanguages english;
     folder.files({"a.log", "b.log", "c.log"}, "from/");
-    folder.file("to/b.log", "old");
+    folder.write("to/b.log", "old");
     const NSDictionary results =
         migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
     EXPECT_EQ(results, (NSDictionary{{"a.log", 0U}, {"b.log", 30U}, {"c.log", 0U}}));
@@ -140,8 +140,8 @@ TEST_F(BatchMigration, passesTheFlagsOnToEveryFile) {
     };
     for (const auto& row : rows) {
         kit::removeTree(folder / "to");
-        folder.file("from/a.log", "new");
-        folder.file("to/a.log", "old");
+        folder.write("from/a.log", "new");
+        folder.write("to/a.log", "old");
         EXPECT_EQ(migrated("log", row.flags), (Codes{{"a.log", row.code}}));
         EXPECT_EQ(folder.digest("to", Detail::contents), row.left) << shownFlags(row.flags);
         EXPECT_EQ(folder.has("from/a.log"), row.flags.keepOriginal || row.code != 0);
@@ -151,15 +151,15 @@ TEST_F(BatchMigration, passesTheFlagsOnToEveryFile) {
 TEST_F(BatchMigration, needsTheFoldersAtTheDestination) {
     folder.files({"a.log", "sub/b.log"}, "from/");
     EXPECT_EQ(migrated("log", copying), (Codes{{"a.log", 20}, {"sub/b.log", 20}}));
-    folder.folder("to");
+    folder.makeFolder("to");
     EXPECT_EQ(migrated("log", copying), (Codes{{"a.log", 0}, {"sub/b.log", 20}}));
-    folder.file("to/sub", "a file");
+    folder.write("to/sub", "a file");
     EXPECT_EQ(migrated("log"), (Codes{{"a.log", 30}, {"sub/b.log", 21}}));
 }
 
 TEST_F(BatchMigration, migratesLinksToFilesAndSkipsLinksToFolders) {
-    folder.file("elsewhere/x.log", "x");
-    folder.folder("from");
+    folder.write("elsewhere/x.log", "x");
+    folder.makeFolder("from");
     folder.link(folder / "elsewhere/x.log", "from/file.log");
     folder.link(folder / "elsewhere", "from/folder.log");
     EXPECT_EQ(migrated("log"), (Codes{{"file.log", 0}}));
@@ -170,19 +170,19 @@ TEST_F(BatchMigration, migratesLinksToFilesAndSkipsLinksToFolders) {
 }
 
 TEST_F(BatchMigration, startsAtALinkToAFolder) {
-    folder.file("real/sub/a.log", "x");
+    folder.write("real/sub/a.log", "x");
     folder.link("real", "from");
     EXPECT_EQ(migrated("log"), (Codes{{"sub/a.log", 0}}));
 }
 
 TEST_F(BatchMigration, treatsADanglingLinkAsTheEntryBeforeIt) {
     // Whatever the order of siblings: a folder's own contents come right after it, here dangling links alone.
-    folder.folder("from/folder");
+    folder.makeFolder("from/folder");
     for (const char* const name : {"a", "b", "c", "d"}) {
         folder.link("nosuch", std::string("from/folder/") + name);
     }
     EXPECT_EQ(migrated(nullptr), Codes{}) << "after a folder it is skipped like one";
-    folder.file("others/file", "x");
+    folder.write("others/file", "x");
     folder.link("nosuch", "others/d1");
     folder.link("nosuch", "others/d2");
     // Among a file and dangling links alone nothing is a folder: each of them fails as a missing file, and
@@ -199,14 +199,14 @@ TEST_F(BatchMigration, treatsADanglingLinkAsTheEntryBeforeIt) {
 TEST_F(BatchMigration, looksOnlyAtWhatIsSelected) {
     // An entry that is ignored for its name does not change what the next one is taken for: ".sub" and what
     // it contains are not looked at, so "b.log" comes first, taken for a file or ignored.
-    folder.folder("from/.sub");
+    folder.makeFolder("from/.sub");
     folder.link("nosuch", "from/.sub/a.log");
     folder.link("nosuch", "from/b.log");
     const Codes first = migrated("log", moving, DotFiles::skipped);
     EXPECT_TRUE(first == Codes{} || first == (Codes{{"b.log", 10}}));
     // "sub" is no "log", so the only answers come from files: "b.log" is a missing file, or comes first.
     kit::removeTree(folder / "from");
-    folder.file("from/sub/a.log", "x");
+    folder.write("from/sub/a.log", "x");
     folder.link("nosuch", "from/sub/b.log");
     Codes second = migrated("log");
     EXPECT_EQ(second.at("sub/a.log"), 0U);
@@ -215,7 +215,7 @@ TEST_F(BatchMigration, looksOnlyAtWhatIsSelected) {
 
 TEST_F(BatchMigration, expandsTheTildeAndToleratesSlashes) {
     const kit::Variable home("HOME", folder.path().c_str());
-    folder.file("from/sub/a.log", "x");
+    folder.write("from/sub/a.log", "x");
     EXPECT_EQ(codesOf(migrateFiles("log", "~/from", "~/to/", DotFiles::included, moving)),
               (Codes{{"sub/a.log", 0}}));
     EXPECT_EQ(folder.contents("to/sub/a.log"), "x");
@@ -228,7 +228,7 @@ TEST_F(BatchMigration, expandsTheTildeAndToleratesSlashes) {
 TEST_F(BatchMigration, notifiesTheDesktopOfEveryFile) {
     Desktop desktop;
     Desktop some("SomeClass");
-    folder.file("from/sub/a.log", "x");
+    folder.write("from/sub/a.log", "x");
     errno = 4711;
     EXPECT_EQ(migrated("log"), (Codes{{"sub/a.log", 0}}));
     EXPECT_EQ(errno, 4711) << "the caller's";
@@ -240,7 +240,7 @@ TEST_F(BatchMigration, removesWhileItEnumerates) {
     Codes expected;
     for (int number = 0; number < 3000; ++number) {
         const std::string name = "d" + std::to_string(number % 30) + "/f" + std::to_string(number) + ".log";
-        folder.file("from/" + name, name);
+        folder.write("from/" + name, name);
         expected[name] = 0;
     }
     EXPECT_EQ(migrated("log"), expected);
@@ -260,15 +260,15 @@ TEST_F(BatchMigration, ofAFolderIntoItselfFailsFileByFile) {
 
 TEST_F(BatchMigration, keepsNamesThatAreNoText) {
     const std::string name = "caf\xe9.log";
-    folder.file("from/" + name, "x");
+    folder.write("from/" + name, "x");
     EXPECT_EQ(migrated("log"), (Codes{{name, 0}}));
     EXPECT_EQ(folder.contents("to/" + name), "x");
 }
 
 TEST_F(BatchMigration, skipsFoldersThatCannotBeRead) {
     EXPECT_EQ(kit::inUnprivilegedChild([this] {
-                  folder.file("from/closed/a.log", "x");
-                  folder.file("from/b.log", "x");
+                  folder.write("from/closed/a.log", "x");
+                  folder.write("from/b.log", "x");
                   folder.setMode("from/closed", 0);
                   EXPECT_EQ(migrated("log"), (Codes{{"b.log", 0}}));
                   folder.setMode("from", 0);
@@ -283,7 +283,7 @@ TEST_F(BatchMigration, skipsFoldersThatCannotBeRead) {
 // Overwriting does not take away what the same batch has brought there under another name.
 
 TEST_F(BatchMigration, keepsWhatItHasBroughtThroughALink) {
-    folder.folder("to/one");
+    folder.makeFolder("to/one");
     folder.link("one", "to/two");
     folder.link(".", "to/sub");
     for (const bool keeps : {true, false}) {
@@ -298,13 +298,13 @@ TEST_F(BatchMigration, keepsWhatItHasBroughtThroughALink) {
 }
 
 TEST_F(BatchMigration, ofHundredsKeepsAllThatItHasBrought) {
-    folder.folder("to/one");
+    folder.makeFolder("to/one");
     folder.link("one", "to/two");
     Words names;
     for (int number = 0; number < 300; ++number) {
         names.push_back("/" + std::to_string(number) + ".log");
         folder.files({"one" + names.back(), "two" + names.back()}, "from/");
-        folder.file("to/one" + names.back(), "old");
+        folder.write("to/one" + names.back(), "old");
     }
     const Codes codes = migrated("log", overwriting);
     EXPECT_EQ(codes.size(), 600U);
@@ -315,8 +315,8 @@ TEST_F(BatchMigration, ofHundredsKeepsAllThatItHasBrought) {
 
 TEST_F(BatchMigration, replacesTwoNamesOfOneOlderFile) {
     folder.files({"one/x.log", "two/x.log"}, "from/");
-    folder.file("to/one/x.log", "old");
-    folder.folder("to/two");
+    folder.write("to/one/x.log", "old");
+    folder.makeFolder("to/two");
     ASSERT_EQ(::link((folder / "to/one/x.log").c_str(), (folder / "to/two/x.log").c_str()), 0);
     EXPECT_EQ(migrated("log", overwriting), (Codes{{"one/x.log", 0}, {"two/x.log", 0}}));
     EXPECT_EQ(folder.contents("to/one/x.log"), "one/x.log");

@@ -82,8 +82,8 @@ TEST(FreeName, isNilWhenNothingOfTheStemWouldBeLeft) {
 TEST(FreeName, isNotThatOfADanglingLink) {
     const MigrationFolder folder;
     for (const std::string name : {"notes.txt", "data/inside", "sub/a.log"}) {
-        folder.file("from/" + name, "new");
-        folder.file("to/" + name, "old");
+        folder.write("from/" + name, "new");
+        folder.write("to/" + name, "old");
     }
     for (const char* const link : {"to/notes 1.txt", "to/data 1.", "to/sub/a 1.log"}) {
         folder.link("nowhere", link);
@@ -113,8 +113,8 @@ TEST(FreeName, isCutInMigrationsToo) {
     const std::string file = repeated("é", 125) + "x.txt"; // 255 bytes
     const std::string tree = repeated("é", 127);
     for (const char* const place : {"from/", "to/"}) {
-        folder.file(place + file, place);
-        folder.file(place + tree + "/inside", place);
+        folder.write(place + file, place);
+        folder.write(place + tree + "/inside", place);
     }
     EXPECT_EQ(scene::migrateFile(folder / ("from/" + file), folder / ("to/" + file), renaming), 0U);
     for (int copy = 0; copy < 2; ++copy) {

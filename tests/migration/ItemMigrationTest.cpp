@@ -23,7 +23,7 @@ constexpr Operation operations[] = {ofFiles, ofFolders};
 /// A file with the text, or a folder with a file that has it.
 void makeItem(const MigrationFolder& folder, const Operation& operation, const std::string& name,
               const std::string& text) {
-    folder.file(operation.isFolder ? name + "/inside" : name, text);
+    folder.write(operation.isFolder ? name + "/inside" : name, text);
 }
 std::string textOf(const MigrationFolder& folder, const Operation& operation, const std::string& name) {
     return folder.contents(operation.isFolder ? name + "/inside" : name);
@@ -58,11 +58,11 @@ void expectRefusal(const MigrationFolder& folder, const Operation& migrate, cons
 
 TEST(ItemMigration, keepsContentsPermissionsAndTimes) {
     const MigrationFolder folder;
-    folder.file("file", std::string(300000, 'x') + "end");
+    folder.write("file", std::string(300000, 'x') + "end");
     folder.files({"one.txt", ".hidden/two", "sub/deeper/three"}, "folder/");
-    folder.file("folder/empty", "");
-    folder.file("folder/large", std::string(70000, '3'));
-    folder.folder("folder/nothing");
+    folder.write("folder/empty", "");
+    folder.write("folder/large", std::string(70000, '3'));
+    folder.makeFolder("folder/nothing");
     folder.link("sub/deeper", "folder/toFolder");
     folder.link("nosuch", "folder/dangling");
     folder.setMode("file", 0640);
@@ -110,8 +110,8 @@ TEST(ItemMigration, hasCodesThatRenamingDoesNotChange) {
 
 TEST(ItemMigration, numbersOneCopyAfterTheOther) {
     const MigrationFolder folder;
-    folder.file("report.txt", "old");
-    folder.file("Data/inside", "old");
+    folder.write("report.txt", "old");
+    folder.write("Data/inside", "old");
     for (const Operation& migrate : operations) {
         const std::string taken = migrate.isFolder ? "Data" : "report.txt";
         for (const char* const number : {"1", "2", "3"}) {
@@ -134,7 +134,7 @@ TEST(ItemMigration, keepsCreatedParentsWhateverFailsLater) {
         EXPECT_EQ(textOf(folder, migrate, "a"), "new");
     });
     withEachItemOfAUser([](const Operation& migrate, const MigrationFolder& folder) {
-        folder.folder("closed");
+        folder.makeFolder("closed");
         folder.setMode("closed", 0555);
         expectRefusal(folder, migrate, "a", "closed/new/b", creating,
                       kFileMigrationDestinationParentFolderCreationFailed);
@@ -154,8 +154,8 @@ TEST(ItemMigration, failsInAFolderThatIsNotWritable) {
 TEST(ItemMigration, leavesTheSourceWhenTheOldFolderCannotBeRemoved) {
     EXPECT_EQ(kit::inUnprivilegedChild([] {
                   const MigrationFolder folder;
-                  folder.file("a/inside", "new");
-                  folder.file("b/closed/x", "old");
+                  folder.write("a/inside", "new");
+                  folder.write("b/closed/x", "old");
                   folder.setMode("b/closed", 0555);
                   const Digest before = folder.digest("a", Detail::times);
                   EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 36U);
@@ -168,8 +168,8 @@ TEST(ItemMigration, leavesTheSourceWhenTheOldFolderCannotBeRemoved) {
 TEST(ItemMigration, overwritingRemovesBeforeItCopies) {
     EXPECT_EQ(kit::inUnprivilegedChild([] {
                   const MigrationFolder folder;
-                  folder.file("a/sub/secret", "x");
-                  folder.file("b/old", "old");
+                  folder.write("a/sub/secret", "x");
+                  folder.write("b/old", "old");
                   const Digest before = folder.digest("a", Detail::times);
                   folder.setMode("a/sub/secret", 0);
                   EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 37U);
@@ -199,7 +199,7 @@ TEST(ItemMigration, leavesTheCopyWhenTheSourceCannotBeRemoved) {
 TEST(ItemMigration, movesAReadOnlyFile) {
     EXPECT_EQ(kit::inUnprivilegedChild([] {
                   const MigrationFolder folder;
-                  folder.file("a", "x");
+                  folder.write("a", "x");
                   folder.setMode("a", 0400);
                   EXPECT_EQ(migrateFile(folder / "a", folder / "b"), 0U);
                   EXPECT_EQ(folder.digest("b"), (Digest{{"", "file [x] 0400"}}));
@@ -223,7 +223,7 @@ TEST(ItemMigration, expandsTheTildeInBothPaths) {
 
 TEST(ItemMigration, looksTheDesktopUpInEveryCall) {
     const MigrationFolder folder;
-    folder.file("a", "x");
+    folder.write("a", "x");
     Desktop lowerCase("nsworkspace");
     {
         Desktop first;
@@ -253,9 +253,9 @@ TEST(ItemMigration, writesNothingAndKeepsTheCallersErrorNumber) {
 TEST(ItemMigration, movesADeepTree) {
     constexpr int depth = 3000;
     const MigrationFolder folder;
-    folder.folder("A");
+    folder.makeFolder("A");
     kit::makeChain(folder / "A", "abc", depth);
-    folder.folder("B");
+    folder.makeFolder("B");
     EXPECT_EQ(migrateFolder(folder / "A", folder / "B", overwriting), 0U);
     EXPECT_FALSE(folder.has("A"));
     // Removing the whole chain by its length leaves nothing only when every folder was there.

@@ -33,12 +33,12 @@ void giveTo(const std::string& path, uid_t owner) {
 /// base/from/tree and base/from/file, which belong to an ordinary user where a test runs as root.
 struct Tree {
     Tree() {
-        folder.file("from/file", "a file");
-        folder.file("from/tree/one", "the only copy");
-        folder.file("from/tree/inner/two", "another");
-        folder.file("from/tree/inner/deeper/three", "one more");
-        folder.file("from/tree/after", "the last one");
-        folder.folder("to");
+        folder.write("from/file", "a file");
+        folder.write("from/tree/one", "the only copy");
+        folder.write("from/tree/inner/two", "another");
+        folder.write("from/tree/inner/deeper/three", "one more");
+        folder.write("from/tree/after", "the last one");
+        folder.makeFolder("to");
         folder.setMode("to", 0777);
         folder.setMode("from", 0777);
         for (const auto& [name, what] : folder.digest("from")) {

@@ -51,7 +51,7 @@ protected:
 } // namespace
 
 TEST_F(MigrationObserver, isNotNeeded) {
-    folder.file("a", "x");
+    folder.write("a", "x");
     const ZQMigrationResult result =
         ZQFileMigrator::migrateFile(folder / "a", folder / "new/b", {.createDestinationParentFolder = true});
     EXPECT_EQ(result.code, kFileMigrationSuccess);
@@ -63,8 +63,8 @@ TEST_F(MigrationObserver, isNotNeeded) {
 }
 
 TEST_F(MigrationObserver, hearsTheNameThatACopyGot) {
-    folder.file("a", "x");
-    folder.file("b.txt", "y");
+    folder.write("a", "x");
+    folder.write("b.txt", "y");
     const ZQMigrationResult result = ZQFileMigrator::migrateFile(
         folder / "a", folder / "b.txt", {.keepOriginal = true, .renameIfDestinationExists = true}, &follower);
     EXPECT_EQ(result.destination, folder / "b 1.txt");
@@ -73,8 +73,8 @@ TEST_F(MigrationObserver, hearsTheNameThatACopyGot) {
 }
 
 TEST_F(MigrationObserver, hearsOfItemsAndBytesInsideAFolder) {
-    folder.file("from/one", std::string(1000, 'x'));
-    folder.file("from/sub/two", std::string(3000000, 'y'));
+    folder.write("from/one", std::string(1000, 'x'));
+    folder.write("from/sub/two", std::string(3000000, 'y'));
     EXPECT_EQ(ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &follower).code,
               kFileMigrationSuccess);
     EXPECT_EQ(follower.items.size(), 4U);
@@ -84,8 +84,8 @@ TEST_F(MigrationObserver, hearsOfItemsAndBytesInsideAFolder) {
 }
 
 TEST_F(MigrationObserver, stopsAFolderAndLosesNothing) {
-    folder.file("from/one", "1");
-    folder.file("from/sub/two", "2");
+    folder.write("from/one", "1");
+    folder.write("from/sub/two", "2");
     const Digest before = contents();
     follower.stopsBefore = "two";
     const ZQMigrationResult result =
@@ -96,7 +96,7 @@ TEST_F(MigrationObserver, stopsAFolderAndLosesNothing) {
 }
 
 TEST_F(MigrationObserver, stopsALargeFileInTheMiddle) {
-    folder.file("a", std::string(std::size_t{80} << 20, 'x'));
+    folder.write("a", std::string(std::size_t{80} << 20, 'x'));
     follower.stopsBeyond = std::uint64_t{20} << 20;
     const ZQMigrationResult result = ZQFileMigrator::migrateFile(folder / "a", folder / "b", {}, &follower);
     EXPECT_EQ(result.code, kFileMigrationDestinationFileWritingFailed);
@@ -106,7 +106,7 @@ TEST_F(MigrationObserver, stopsALargeFileInTheMiddle) {
 }
 
 TEST_F(MigrationObserver, stopsBeforeAnythingHasHappened) {
-    folder.file("a", "x");
+    folder.write("a", "x");
     follower.stopsBefore = "a";
     EXPECT_TRUE(ZQFileMigrator::migrateFile(folder / "a", folder / "new/b",
                                             {.createDestinationParentFolder = true}, &follower)
@@ -116,7 +116,7 @@ TEST_F(MigrationObserver, stopsBeforeAnythingHasHappened) {
 
 TEST_F(MigrationObserver, stopsABatchBetweenFiles) {
     for (const char* name : {"a", "b", "c", "d"}) {
-        folder.file(std::string("from/") + name, name);
+        folder.write(std::string("from/") + name, name);
     }
     follower.stopsBefore = "c";
     const ZQBatchMigrationResult result = ZQFileMigrator::migrateFiles(
@@ -139,8 +139,8 @@ TEST_F(MigrationObserver, mayEndAMigrationByAnException) {
             return true;
         }
     } thrower;
-    folder.file("from/sub/one", "1");
-    folder.file("from/sub/two", "2");
+    folder.write("from/sub/one", "1");
+    folder.write("from/sub/two", "2");
     const Digest before = contents();
     EXPECT_THROW(
         static_cast<void>(ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &thrower)), int);
@@ -163,7 +163,7 @@ TEST_F(MigrationObserver, leavesNothingInTwoPlacesWhenItEndsABatchByAnException)
     };
     for (const bool throwsBefore : {true, false}) {
         for (const char* name : {"a", "b", "c", "d", "e", "f"}) {
-            folder.file(std::string("from/") + name, name);
+            folder.write(std::string("from/") + name, name);
         }
         Thrower thrower;
         thrower.throwsBefore = throwsBefore;

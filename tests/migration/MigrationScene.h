@@ -14,11 +14,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "foundation/objects/ClassesByName.h"
@@ -224,82 +221,27 @@ private:
     ClassRegistration registration_;
 };
 
-/// The answer of the body, as `kit::inChild` has it, in a child with mount points of its own; 77 means that
-/// the machine forbids them.
-template <class Body>
-int inOwnMounts(const Body& body, unsigned seconds = 15) {
-    return kit::inChild(
-        [&]() -> int {
-            const bool hasMounts = ::unshare(CLONE_NEWNS) == 0 &&
-                                   ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-            return hasMounts ? kit::answerOf(body) : 77;
-        },
-        seconds);
-}
-
-/// The same. The test is skipped where the machine forbids mounts, or something else that the body needs:
-/// then it returns false.
-template <class Body>
-void withOwnMounts(const Body& body, unsigned seconds = 15) {
-    const int answer = inOwnMounts(
-        [&body] {
-            if (!body()) {
-                kit::leave(77);
-            }
-        },
-        seconds);
-    if (answer == 77) {
-        GTEST_SKIP() << "this machine allows no mounts of one's own";
-    }
-    EXPECT_EQ(answer, 0);
-}
-
-/// Mounts one folder at another one, too.
-inline bool bindMount(const std::string& what, const std::string& where) {
-    return ::mount(what.c_str(), where.c_str(), nullptr, MS_BIND, nullptr) == 0;
-}
-
 /// A scratch folder in which any user may work, with short ways to put things there.
-class MigrationFolder {
+class MigrationFolder : public kit::ScratchFolder {
 public:
-    MigrationFolder() { ::chmod(base_.path().c_str(), 0777); }
+    MigrationFolder() { setMode("", 0777); }
 
-    const std::string& path() const { return base_.path(); }
-    std::string operator/(const std::string& name) const { return base_ / name; }
-    std::string file(const std::string& name, const std::string& bytes) const {
-        return base_.write(name, bytes);
-    }
     /// Files that contain their own names.
     void files(const Words& names, const std::string& place = "") const {
         for (const std::string& name : names) {
-            file(place + name, name);
+            write(place + name, name);
         }
     }
-    std::string folder(const std::string& name) const { return base_.makeFolder(name); }
-    std::string link(const std::string& target, const std::string& name) const {
-        EXPECT_EQ(::symlink(target.c_str(), (base_ / name).c_str()), 0) << name;
-        return base_ / name;
-    }
-    std::string pipe(const std::string& name) const {
-        EXPECT_EQ(::mkfifo((base_ / name).c_str(), 0644), 0) << name;
-        return base_ / name;
-    }
-    void setMode(const std::string& name, mode_t mode) const {
-        EXPECT_EQ(::chmod((base_ / name).c_str(), mode), 0) << name;
-    }
-    bool has(const std::string& name) const { return kit::exists(base_ / name); }
-    std::string contents(const std::string& name) const { return kit::contentsOf(base_ / name); }
+    bool has(const std::string& name) const { return kit::exists(*this / name); }
+    std::string contents(const std::string& name) const { return kit::contentsOf(*this / name); }
     /// The result of a batch of "log" files, among them those whose names begin with a period.
     std::string migrateLogs(const std::string& from, const std::string& to, const Flags& flags = {}) const {
         return kit::bytesOf(
-            migrateFiles("log", base_ / from, base_ / to, DotFiles::included, flags).condensedDescription());
+            migrateFiles("log", *this / from, *this / to, DotFiles::included, flags).condensedDescription());
     }
     Digest digest(const std::string& name = "", Detail detail = Detail::permissions) const {
-        return digestOf(name.empty() ? path() : base_ / name, detail);
+        return digestOf(name.empty() ? path() : *this / name, detail);
     }
-
-private:
-    kit::ScratchFolder base_;
 };
 
 } // namespace ZQFoundation::scene

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -157,11 +156,11 @@ public:
                 continue;
             }
             if (item.kind == Item::file) {
-                folder.file(path, item.text);
+                folder.write(path, item.text);
             } else if (item.kind == Item::pipe) {
-                folder.pipe(path);
+                folder.makePipe(path);
             } else {
-                folder.folder(path);
+                folder.makeFolder(path);
             }
             folder.setMode(path, item.mode);
         }

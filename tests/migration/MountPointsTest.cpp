@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
+#include "tests/kit/Mounts.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/Leftovers.h"
 
@@ -36,7 +37,7 @@ struct Places {
             }
             fillVolume();
         }
-        return bindMount(folder / "volume", folder / place);
+        return kit::bindMount(folder / "volume", folder / place);
     }
 
     void expectUnchanged(const Operation& migrate, const std::string& name, const Flags& flags,
@@ -72,7 +73,7 @@ void withVolumeAt(const Words& mountPoints, const Body& body) {
         for (const std::string& place : mountPoints) {
             SCOPED_TRACE(place + (kind == Volume::own ? " is another file system" : " is a bound folder"));
             const Places places;
-            withOwnMounts([&] { return places.mountVolume(kind, place) && (body(places), true); });
+            kit::withOwnMounts([&] { return places.mountVolume(kind, place) && (body(places), true); });
         }
     }
 }
@@ -81,9 +82,9 @@ void withVolumeAt(const Words& mountPoints, const Body& body) {
 template <class Body>
 void withFileAt(const Words& mountPoints, const Body& body) {
     const Places places;
-    withOwnMounts([&] {
+    kit::withOwnMounts([&] {
         for (const std::string& place : mountPoints) {
-            if (!bindMount(places / "volume/file", places / place)) {
+            if (!kit::bindMount(places / "volume/file", places / place)) {
                 return false;
             }
         }
@@ -138,8 +139,8 @@ TEST(MountPoints, thatLookLikeLeftoversAreNotEmptied) {
         for (const char* const inside : {"", "/at"}) {
             const Places places;
             const std::string leftover = std::string("from/") + mark + "0123456789abcdef" + inside;
-            places.folder.folder(leftover);
-            withOwnMounts([&] {
+            places.folder.makeFolder(leftover);
+            kit::withOwnMounts([&] {
                 if (!places.mountVolume(Volume::own, leftover)) {
                     return false;
                 }

@@ -4,10 +4,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include "foundation/files/NSFileManager.h"
 #include "tests/kit/Child.h"
@@ -27,18 +24,6 @@ NSDictionary permissions(int mode) { return NSDictionary{{NSFilePosixPermissions
 class NSFileManagerExtensions : public testing::Test {
 protected:
     std::string in(const std::string& name) const { return base + "/" + name; }
-    void link(const std::string& target, const std::string& name) const {
-        ASSERT_EQ(::symlink(target.c_str(), in(name).c_str()), 0) << name;
-    }
-    void makeSocket(const std::string& name) const {
-        const CurrentFolder current(base); // the address holds only short names
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        name.copy(address.sun_path, sizeof address.sun_path - 1);
-        const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        ASSERT_EQ(::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-        ::close(descriptor);
-    }
     static bool isFile(const NSString& path) { return files.isRegularFileAtPath(path); }
     static bool isFolder(const NSString& path) { return files.isDirectoryAtPath(path); }
     static bool makeFolder(const NSString& path, int mode, bool deep) {
@@ -61,13 +46,16 @@ protected:
 TEST_F(NSFileManagerExtensions, typeTestsFollowLinks) {
     folder.write("file", "x");
     folder.makeFolder("folder");
-    link("file", "toFile");
-    link("folder", "toFolder");
-    link(in("toFolder"), "toLink");
-    link("nosuch", "dangling");
-    link("loop", "loop");
-    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
-    makeSocket("socket");
+    folder.link("file", "toFile");
+    folder.link("folder", "toFolder");
+    folder.link(in("toFolder"), "toLink");
+    folder.link("nosuch", "dangling");
+    folder.link("loop", "loop");
+    folder.makePipe("pipe");
+    {
+        const CurrentFolder current(base); // the address holds only short names
+        kit::makeSocket("socket");
+    }
     const char* const folders[] = {"folder", "toFolder", "toLink", "folder/", "toFolder/", "folder/..", ""};
     // A final slash goes with the links, before the type is looked up.
     const char* const regular[] = {"file",    "toFile",         "file/",
@@ -91,7 +79,7 @@ TEST_F(NSFileManagerExtensions, typeTestsFollowLinks) {
 TEST_F(NSFileManagerExtensions, typeTestsSeeNothingInAPrivateFolder) {
     folder.write("locked/file", "x");
     folder.makeFolder("locked/folder");
-    ASSERT_EQ(::chmod(in("locked").c_str(), 0), 0);
+    folder.setMode("locked", 0);
     EXPECT_EQ(kit::inUnprivilegedChild([this] {
                   return (isFile(in("locked/file")) ? 1 : 0) | (isFolder(in("locked/folder")) ? 2 : 0) |
                          (isFolder(in("locked")) ? 0 : 4);
@@ -120,9 +108,9 @@ TEST_F(NSFileManagerExtensions, makesOneFolderOrAllOnTheWay) {
 TEST_F(NSFileManagerExtensions, makesAFileWithTheFoldersAboveIt) {
     folder.write("file", "kept");
     ASSERT_EQ(::chmod(folder.makeFolder("there").c_str(), 0755), 0);
-    link("file", "toFile");
-    link("there", "toFolder");
-    link("nosuch", "dangling");
+    folder.link("file", "toFile");
+    folder.link("there", "toFolder");
+    folder.link("nosuch", "dangling");
     const struct {
         std::string path;
         bool deep;
@@ -182,7 +170,7 @@ TEST_F(NSFileManagerExtensions, findsNoParentInABareName) {
 
 TEST_F(NSFileManagerExtensions, makesEveryFolderOfAChain) {
     folder.makeFolder("there");
-    link("there", "link");
+    folder.link("there", "link");
     for (const char* const name : {"a/b/c", "a/b/c", "link/d", "/e//f/./g/", "x/../h"}) {
         EXPECT_TRUE(makeChain(in(name))) << name;
     }
@@ -215,9 +203,9 @@ TEST_F(NSFileManagerExtensions, makesRelativeChainsBelowTheRoot) {
 TEST_F(NSFileManagerExtensions, endsAChainAtWhatIsNoFolder) {
     folder.write("file", "kept");
     folder.write("a/file", "kept");
-    link("nosuch", "dangling");
-    link("file", "toFile");
-    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    folder.link("nosuch", "dangling");
+    folder.link("file", "toFile");
+    folder.makePipe("pipe");
     for (const char* const name :
          {"file", "file/b", "a/file/b/c", "toFile", "toFile/b", "dangling", "dangling/b", "pipe/b"}) {
         EXPECT_FALSE(makeChain(in(name))) << name;

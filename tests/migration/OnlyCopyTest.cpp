@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "tests/kit/Items.h"
+#include "tests/kit/Mounts.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/migration/MigrationScene.h"
 
@@ -27,16 +28,16 @@ const Bits overwritingSome{4, 5, 6, 7, 12, 15};
 /// base/P/A with a tree in it, a file F, and links to the same places.
 struct Places {
     Places() {
-        folder.file("P/A/one", "the only copy");
-        folder.file("P/A/sub/deeper/two", "another");
+        folder.write("P/A/one", "the only copy");
+        folder.write("P/A/sub/deeper/two", "another");
         folder.link("sub", "P/A/inside");
-        folder.file("P/beside", "beside");
-        folder.file("P/F.txt", "a file");
+        folder.write("P/beside", "beside");
+        folder.write("P/F.txt", "a file");
         folder.link("P", "toP");
         folder.link("P/A", "toA");
         folder.link("P/A/sub", "toSub");
         folder.link("toP", "toToP");
-        folder.folder("other");
+        folder.makeFolder("other");
         folder.link("../P", "other/back");
     }
     /// Relative to the base; an absolute path is one already.
@@ -227,8 +228,8 @@ TEST(OnlyCopy, survivesAFolderMovedOntoOneThatItsOwnPathGoesThrough) {
          {"e/../e", "e/sub/../../e", "e/./../e/", "toE/../e", "e/sub/../../toE/../e"}) {
         for (const bool keeps : {false, true}) {
             const MigrationFolder folder;
-            folder.file("source/one", "the only copy");
-            folder.file("e/sub/old", "old");
+            folder.write("source/one", "the only copy");
+            folder.write("e/sub/old", "old");
             folder.link("e", "toE");
             const Digest before = folder.digest();
             const Digest source = folder.digest("source", Detail::times);
@@ -249,11 +250,11 @@ TEST(OnlyCopy, survivesAFolderMovedOntoOneThatItsOwnPathGoesThrough) {
 
 TEST(OnlyCopy, survivesTheSameFolderMountedElsewhere) {
     const Places places;
-    places.folder.folder("mountedP");
-    places.folder.folder("mountedA");
-    withOwnMounts([&] {
-        if (!bindMount(places / "P", places / "mountedP") ||
-            !bindMount(places / "P/A", places / "mountedA")) {
+    places.folder.makeFolder("mountedP");
+    places.folder.makeFolder("mountedA");
+    kit::withOwnMounts([&] {
+        if (!kit::bindMount(places / "P", places / "mountedP") ||
+            !kit::bindMount(places / "P/A", places / "mountedA")) {
             return false;
         }
         const Bits bits{4, 5, 6, 15};
@@ -270,9 +271,9 @@ TEST(OnlyCopy, survivesTheSameFolderMountedElsewhere) {
 
 TEST(OnlyCopy, survivesAFolderMovedIntoAMountOfAFolderInsideIt) {
     const Places places;
-    places.folder.folder("other/mountedSub");
-    withOwnMounts([&] {
-        if (!bindMount(places / "P/A/sub", places / "other/mountedSub")) {
+    places.folder.makeFolder("other/mountedSub");
+    kit::withOwnMounts([&] {
+        if (!kit::bindMount(places / "P/A/sub", places / "other/mountedSub")) {
             return false;
         }
         const Digest before = places.folder.digest("P/A", Detail::contents);

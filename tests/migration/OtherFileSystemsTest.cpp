@@ -10,6 +10,7 @@
 #include "tests/files/CopyScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/Mounts.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
@@ -22,15 +23,15 @@ constexpr std::size_t tooLarge = 400000; ///< bytes, for the small file system
 /// "there" is a file system of its own in memory, while a test runs in a child.
 struct TwoFileSystems {
     TwoFileSystems() {
-        folder.file("here/tree/one", "the only copy");
-        folder.file("here/tree/sub/deeper/two", std::string(9000, 'x'));
+        folder.write("here/tree/one", "the only copy");
+        folder.write("here/tree/sub/deeper/two", std::string(9000, 'x'));
         folder.link("sub/deeper/two", "here/tree/link");
         folder.link("nowhere", "here/tree/dangling");
-        folder.pipe("here/tree/pipe");
-        folder.file("here/single.txt", "a file");
+        folder.makePipe("here/tree/pipe");
+        folder.write("here/single.txt", "a file");
         folder.setMode("here/tree/one", 0440);
         folder.setMode("here/tree/sub", 0750);
-        folder.folder("there");
+        folder.makeFolder("there");
     }
     std::string operator/(const std::string& name) const { return folder / name; }
     Digest here() const { return folder.digest("here", Detail::times); }
@@ -40,7 +41,7 @@ struct TwoFileSystems {
     /// forbidden.
     template <class Body>
     void with(const char* type, const char* options, const Body& body) const {
-        withOwnMounts([&] {
+        kit::withOwnMounts([&] {
             const bool isMounted = ::mount("none", (folder / "there").c_str(), type, 0, options) == 0;
             return isMounted && (body(), true);
         });
@@ -113,8 +114,8 @@ TEST(OtherFileSystems, getFilesAndBatches) {
 
 TEST(OtherFileSystems, thatAreFullTakeNothingAway) {
     const TwoFileSystems places;
-    places.folder.file("here/tree/large.bin", std::string(tooLarge, 'x'));
-    places.folder.file("here/large.bin", std::string(tooLarge, 'y'));
+    places.folder.write("here/tree/large.bin", std::string(tooLarge, 'x'));
+    places.folder.write("here/large.bin", std::string(tooLarge, 'y'));
     places.with("tmpfs", "size=128k", [&] {
         const Digest before = places.here();
         for (const bool keeps : {false, true}) {
@@ -125,7 +126,7 @@ TEST(OtherFileSystems, thatAreFullTakeNothingAway) {
             EXPECT_EQ(places.here(), before);
         }
         // What is overwritten goes before the copy shows that there is no room.
-        places.folder.file("there/large.bin", "old");
+        places.folder.write("there/large.bin", "old");
         EXPECT_EQ(migrateFile(places / "here/large.bin", places / "there/large.bin", overwriting), 35U);
         EXPECT_EQ(places.itemsThere(), 0U);
         EXPECT_EQ(places.here(), before);
@@ -134,8 +135,8 @@ TEST(OtherFileSystems, thatAreFullTakeNothingAway) {
 
 TEST(OtherFileSystems, thatAreFullTakeWhatHasRoomOfABatch) {
     const TwoFileSystems places;
-    places.folder.file("here/batch/large.log", std::string(tooLarge, 'x'));
-    places.folder.file("here/batch/small.log", "small");
+    places.folder.write("here/batch/large.log", std::string(tooLarge, 'x'));
+    places.folder.write("here/batch/small.log", "small");
     places.with("tmpfs", "size=128k", [&] {
         EXPECT_EQ(places.folder.migrateLogs("here/batch", "there/batch", creating),
                   "{ large.log = 35; small.log = 0; }");
@@ -185,7 +186,7 @@ TEST(OtherFileSystems, withoutAttributesGetNoFolderThatHasThem) {
 TEST(OtherFileSystems, thatMayOnlyBeReadKeepTheSourceBesideItsCopy) {
     const TwoFileSystems places;
     places.with("tmpfs", "size=4m", [&] {
-        if (!bindMount(places / "here", places / "here")) {
+        if (!kit::bindMount(places / "here", places / "here")) {
             kit::leave(77);
         }
         places.forbidChanges("here", MS_BIND);
@@ -203,8 +204,8 @@ TEST(OtherFileSystems, thatMayOnlyBeReadKeepTheSourceBesideItsCopy) {
 TEST(OtherFileSystems, thatMayOnlyBeReadAreNoDestination) {
     const TwoFileSystems places;
     places.with("tmpfs", "size=4m", [&] {
-        places.folder.file("there/old.txt", "old");
-        places.folder.file("there/old/inside", "old");
+        places.folder.write("there/old.txt", "old");
+        places.folder.write("there/old/inside", "old");
         places.forbidChanges("there");
         const Digest before = places.folder.digest();
         for (const Operation& migrate : {ofFiles, ofFolders}) {

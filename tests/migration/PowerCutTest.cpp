@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "tests/kit/Mounts.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/migration/faults/Cases.h"
@@ -58,12 +59,12 @@ public:
             return false;
         }
         for (const std::string& name : names_) {
-            folder_.file(name + ".img", kit::contentsOf(folder_ / "empty.img"));
+            folder_.write(name + ".img", kit::contentsOf(folder_ / "empty.img"));
             mounted_.push_back(mount(name));
             if (!mounted_.back()->isMounted()) {
                 return false;
             }
-            folder_.file(name + "/beside", "");
+            folder_.write(name + "/beside", "");
         }
         makeFiles();
         for (const std::string& name : names_) {
@@ -78,11 +79,11 @@ public:
         for (int number = 0; number < 12; ++number) {
             const std::string text = "file " + std::to_string(number) + ":";
             const auto more = static_cast<std::size_t>(number * 900);
-            folder_.file(names_.front() + "/from/" + std::to_string(number % 3) + "/" +
-                             std::to_string(number) + ".log",
-                         text + std::string(more, '.'));
+            folder_.write(names_.front() + "/from/" + std::to_string(number % 3) + "/" +
+                              std::to_string(number) + ".log",
+                          text + std::string(more, '.'));
         }
-        folder_.folder(names_.back() + "/to");
+        folder_.makeFolder(names_.back() + "/to");
         texts_ = faults::visibleContents(folder_ / (names_.front() + "/from"));
     }
 
@@ -117,7 +118,7 @@ public:
         ++cuts_;
         std::vector<std::unique_ptr<faults::MountedImage>> disks;
         for (std::size_t index = 0; index < snapshots.size(); ++index) {
-            folder_.file("cut" + names_[index] + ".img", snapshots[index]);
+            folder_.write("cut" + names_[index] + ".img", snapshots[index]);
             disks.push_back(mount("cut" + names_[index]));
             if (!disks.back()->isMounted()) {
                 return {"a disk cannot be mounted after the power has failed"};
@@ -131,7 +132,7 @@ public:
 
 private:
     std::unique_ptr<faults::MountedImage> mount(const std::string& name) const {
-        return std::make_unique<faults::MountedImage>(folder_ / (name + ".img"), folder_.folder(name));
+        return std::make_unique<faults::MountedImage>(folder_ / (name + ".img"), folder_.makeFolder(name));
     }
 
     scene::Words lostAfter(const Outcome& again) const {
@@ -197,7 +198,7 @@ void expectNothingLost(Subject subject) {
         SCOPED_TRACE(std::to_string(names.size()) + " disks, " + std::to_string(writing.size()) +
                      " of them write");
         const scene::MigrationFolder folder;
-        scene::withOwnMounts(
+        kit::withOwnMounts(
             [&, &diskNames = names, &writingNames = writing] {
                 Disks disks(folder, subject, diskNames);
                 return cutPower(disks, subject, writingNames);

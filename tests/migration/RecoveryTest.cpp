@@ -60,11 +60,11 @@ private:
 
 TEST_F(Recovery, putsBackWhatWasOnlySetAside) {
     const std::string longName(255, 'n');
-    folder.file(".zq-aside.a.txt", "1");
-    folder.file(".zq-aside.tree/sub/b", "2");
+    folder.write(".zq-aside.a.txt", "1");
+    folder.write(".zq-aside.tree/sub/b", "2");
     folder.link("nosuch", ".zq-aside.link");
-    folder.pipe(".zq-aside.pipe");
-    folder.file(asidesName + "/" + longName, "3");
+    folder.makePipe(".zq-aside.pipe");
+    folder.write(asidesName + "/" + longName, "3");
     recover();
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"a.txt", "file [1]"},
@@ -77,10 +77,10 @@ TEST_F(Recovery, putsBackWhatWasOnlySetAside) {
 }
 
 TEST_F(Recovery, keepsWhatHasTakenTheNameMeanwhile) {
-    folder.file(".zq-aside.a.txt", "old");
-    folder.file("a.txt", "new");
-    folder.folder(".zq-aside.tree");
-    folder.folder("tree/mine");
+    folder.write(".zq-aside.a.txt", "old");
+    folder.write("a.txt", "new");
+    folder.makeFolder(".zq-aside.tree");
+    folder.makeFolder("tree/mine");
     recover();
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"a.txt", "file [new]"},
@@ -91,11 +91,11 @@ TEST_F(Recovery, keepsWhatHasTakenTheNameMeanwhile) {
 }
 
 TEST_F(Recovery, removesWhatWasGivenUpAndCopiesWithoutAName) {
-    folder.file(goneName + "/sub/a", "1");
+    folder.write(goneName + "/sub/a", "1");
     folder.link(folder / "kept", goneName + "/link");
-    folder.file("kept/file", "2");
-    folder.file(copyName + "/sub/b", "3");
-    folder.file(".zq-copy.ffffffffffffffff", "4");
+    folder.write("kept/file", "2");
+    folder.write(copyName + "/sub/b", "3");
+    folder.write(".zq-copy.ffffffffffffffff", "4");
     folder.setMode(copyName + "/sub", 0500);
     folder.setMode(copyName, kit::isRoot() ? 0100 : 0500); // who is not root must be able to read it
     recover();
@@ -105,7 +105,7 @@ TEST_F(Recovery, removesWhatWasGivenUpAndCopiesWithoutAName) {
 TEST_F(Recovery, removesACopyOfFoldersThatMayNotBeChanged) {
     EXPECT_EQ(kit::inUnprivilegedChild([] {
                   const MigrationFolder own;
-                  own.file(copyName + "/sub/b", "3");
+                  own.write(copyName + "/sub/b", "3");
                   own.setMode(copyName + "/sub", 0500);
                   own.setMode(copyName, 0500);
                   recoverIn(own.path());
@@ -115,10 +115,10 @@ TEST_F(Recovery, removesACopyOfFoldersThatMayNotBeChanged) {
 }
 
 TEST_F(Recovery, leavesAloneWhatALivingProcessWorksOn) {
-    folder.file(".zq-aside.a", "1");
-    folder.file(goneName + "/b", "2");
-    folder.file(copyName + "/c", "3");
-    folder.file(asidesName + "/d", "4");
+    folder.write(".zq-aside.a", "1");
+    folder.write(goneName + "/b", "2");
+    folder.write(copyName + "/c", "3");
+    folder.write(asidesName + "/d", "4");
     const Digest before = contents();
     {
         const LockedItem aside(folder / ".zq-aside.a");
@@ -137,9 +137,9 @@ TEST_F(Recovery, leavesAloneWhatHasNoSuchName) {
          {".zq-aside", ".zq-gone", ".zq-copy", ".zq-aside.", ".zq-asideX.1", "zq-aside.a", ".zq-gone.",
           ".zq-gone.0123", ".zq-gone.1", "zq-gone.1", ".zq-Gone.1", ".ZQ-GONE.1", ".zq-other.1",
           ".zq-copy.0123456789abcdeF", "a.zq-gone.0123456789abcdef", ". zq-gone.1", ".zq-gone-.1"}) {
-        folder.file(name, "x");
+        folder.write(name, "x");
         if (name != ".zq-aside.") { // which would say what name to restore
-            folder.file(name + "-folder/inside", "x");
+            folder.write(name + "-folder/inside", "x");
         }
     }
     const Digest before = contents();
@@ -148,7 +148,7 @@ TEST_F(Recovery, leavesAloneWhatHasNoSuchName) {
 }
 
 TEST_F(Recovery, followsNoLinks) {
-    folder.file("victim/file", "the victim's");
+    folder.write("victim/file", "the victim's");
     for (const std::string& name : {std::string(".zq-aside.a"), goneName, copyName, asidesName}) {
         folder.link("victim", name);
     }
@@ -156,7 +156,7 @@ TEST_F(Recovery, followsNoLinks) {
     folder.link("victim/file", ".zq-gone.ffffffffffffffff");
     folder.link("nowhere", ".zq-copy.ffffffffffffffff");
     const Digest before = folder.digest("victim", Detail::times);
-    folder.file("file", "a file");
+    folder.write("file", "a file");
     EXPECT_EQ(migrateFile(folder / "file", folder / "moved"), kFileMigrationSuccess);
     EXPECT_EQ(folder.contents("moved"), "a file");
     EXPECT_EQ(shownDigest(folder.digest("victim", Detail::times)), shownDigest(before));
@@ -167,10 +167,10 @@ TEST_F(Recovery, leavesAloneWhatBelongsToOthersInAFolderForAll) {
         GTEST_SKIP() << "gives files to another user";
     }
     constexpr uid_t somebodyElse = 65533;
-    folder.file(".zq-aside.b", "ours");
-    folder.file(".zq-aside.a", "theirs");
-    folder.file(goneName + "/c", "theirs");
-    folder.file(copyName + "/d", "theirs");
+    folder.write(".zq-aside.b", "ours");
+    folder.write(".zq-aside.a", "theirs");
+    folder.write(goneName + "/c", "theirs");
+    folder.write(copyName + "/d", "theirs");
     for (const std::string& name : {std::string(".zq-aside.a"), goneName, copyName}) {
         giveTo(name, somebodyElse);
     }
@@ -188,9 +188,9 @@ TEST_F(Recovery, leavesAloneWhatBelongsToOthersInAFolderForAll) {
 }
 
 TEST_F(Recovery, happensInTheFoldersOfTheNextMigration) {
-    folder.file("from/.zq-aside.old", "1");
-    folder.file("from/new", "2");
-    folder.file("to/" + goneName + "/x", "3");
+    folder.write("from/.zq-aside.old", "1");
+    folder.write("from/new", "2");
+    folder.write("to/" + goneName + "/x", "3");
     EXPECT_EQ(migrateFile(folder / "from/new", folder / "to/new"), kFileMigrationSuccess);
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"from", "folder"},
@@ -200,8 +200,8 @@ TEST_F(Recovery, happensInTheFoldersOfTheNextMigration) {
 }
 
 TEST_F(Recovery, comesBeforeABatchReadsAFolder) {
-    folder.file("from/sub/.zq-aside.a.log", "1");
-    folder.file("to/sub/.zq-aside.b", "2");
+    folder.write("from/sub/.zq-aside.a.log", "1");
+    folder.write("to/sub/.zq-aside.b", "2");
     EXPECT_EQ(folder.migrateLogs("from", "to"), "{ sub/a.log = 0; }");
     EXPECT_EQ(contents(), (Digest{{"", "folder"},
                                   {"from", "folder"},
@@ -215,13 +215,13 @@ TEST_F(Recovery, comesBeforeABatchReadsAFolder) {
 TEST_F(Recovery, findsWhatWasLeftInALargeFolderSinceTheLastMigration) {
     // Long names make the folder's own size that of a large one.
     for (int count = 0; count < 400; ++count) {
-        folder.file("from/" + std::to_string(count) + std::string(200, 'x'), "");
+        folder.write("from/" + std::to_string(count) + std::string(200, 'x'), "");
     }
-    folder.file("from/a", "1");
-    folder.folder("to");
+    folder.write("from/a", "1");
+    folder.makeFolder("to");
     EXPECT_EQ(migrateFile(folder / "from/a", folder / "to/a"), kFileMigrationSuccess);
     const timespec later[2] = {{1, 0}, {2, 0}}; // as if some time had passed
-    folder.file("from/.zq-aside.b", "2");
+    folder.write("from/.zq-aside.b", "2");
     ASSERT_EQ(::utimensat(AT_FDCWD, (folder / "from").c_str(), later, 0), 0);
     EXPECT_EQ(migrateFile(folder / "from/b", folder / "to/b"), kFileMigrationSuccess);
 }

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Mounts.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/Leftovers.h"
 #include "tests/migration/faults/ServedFolder.h"
@@ -29,7 +30,7 @@ constexpr ServedTraits withoutCase{false, false, false, false, true};
 struct Places {
     Places() {
         for (const char* const name : {"here", "there", "backing"}) {
-            folder.folder(name);
+            folder.makeFolder(name);
         }
     }
     std::string operator/(const std::string& name) const { return folder / name; }
@@ -38,10 +39,10 @@ struct Places {
     void makeTree(const std::string& place) const {
         for (const std::size_t length :
              {0U, 1U, 4095U, 4096U, 4097U, 8192U, 20000U, 32767U, 32768U, 32769U, 70000U, 300001U}) {
-            folder.file(place + "/sub/" + std::to_string(length), bytes(length));
+            folder.write(place + "/sub/" + std::to_string(length), bytes(length));
         }
-        folder.file(place + "/a.log", bytes(5000));
-        folder.file(place + "/sub/deeper/b.log", bytes(40000));
+        folder.write(place + "/a.log", bytes(5000));
+        folder.write(place + "/sub/deeper/b.log", bytes(40000));
         folder.link("sub/4096", place + "/link");
     }
     static std::string bytes(std::size_t length) {
@@ -59,7 +60,7 @@ struct Places {
 template <class Body>
 void withServed(const ServedTraits& traits, const Body& body) {
     const Places places;
-    scene::withOwnMounts(
+    kit::withOwnMounts(
         [&] {
             const faults::ServedFolder served(places / "backing", places / "there", traits);
             return served.isMounted() && (body(places), true);
@@ -77,8 +78,8 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
 
     for (const std::size_t length : {0U, 100U, 5000U, 32768U, 100000U}) {
         const std::string file = "/file" + std::to_string(length);
-        places.folder.file(from + file, Places::bytes(length));
-        places.folder.file(to + file, "old");
+        places.folder.write(from + file, Places::bytes(length));
+        places.folder.write(to + file, "old");
         EXPECT_EQ(migrateFile(places / (from + file), places / (to + file)), 30U);
         EXPECT_EQ(migrateFile(places / (from + file), places / (to + file), overwriting), 0U) << length;
         EXPECT_FALSE(places.folder.has(from + file));
@@ -96,11 +97,11 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
 
 /// What is there already is neither replaced nor mixed with what comes.
 void expectRefusals(const Places& places) {
-    places.folder.file("here/file", "new");
-    places.folder.file("here/folder/inside", "new");
-    places.folder.file("there/taken/file", "old");
-    places.folder.file("there/taken/folder/inside", "old");
-    places.folder.folder("there/taken/empty");
+    places.folder.write("here/file", "new");
+    places.folder.write("here/folder/inside", "new");
+    places.folder.write("there/taken/file", "old");
+    places.folder.write("there/taken/folder/inside", "old");
+    places.folder.makeFolder("there/taken/empty");
     EXPECT_EQ(migrateFile(places / "here/file", places / "there/taken/file"), 30U);
     EXPECT_EQ(migrateFile(places / "here/file", places / "there/taken/empty", overwriting), 32U);
     EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder"), 31U);
@@ -121,8 +122,8 @@ TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveAndGetWholeFiles) {
     withServed(shortReads, [](const Places& places) { moveAll(places, "there", "here"); });
     withServed(shortReads, [](const Places& places) { moveAll(places, "here", "there"); });
     withServed(shortReads, [](const Places& places) {
-        places.folder.folder("there/from");
-        places.folder.folder("there/to");
+        places.folder.makeFolder("there/from");
+        places.folder.makeFolder("there/to");
         moveAll(places, "there/from", "there/to");
     });
 }
@@ -139,9 +140,9 @@ TEST(ServedFileSystems, withoutRenameFlagsLinksAndLocksKeepWhatTheyHave) {
 TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
     for (const bool keeps : {false, true}) {
         withServed(withoutCase, [&](const Places& places) {
-            places.folder.file("here/batch/Notes.log", "from Notes.log");
-            places.folder.file("here/batch/NOTES.log", "from NOTES.log");
-            places.folder.file("here/batch/other.log", "other");
+            places.folder.write("here/batch/Notes.log", "from Notes.log");
+            places.folder.write("here/batch/NOTES.log", "from NOTES.log");
+            places.folder.write("here/batch/other.log", "other");
             const auto codes = scene::migrateFiles("log", places / "here/batch", places / "there/batch",
                                                    scene::DotFiles::included, {keeps, true, true, false});
             const bool isFirst = codes.integerForKey("Notes.log") == 0;

@@ -39,7 +39,7 @@ protected:
 } // namespace
 
 TEST_F(SetAsideTest, takesAnItemAwayAndGivesItsNameBack) {
-    folder.file("a.txt", "x");
+    folder.write("a.txt", "x");
     const ItemPlace place = placeOf("a.txt");
     for (const bool isPutBack : {true, false}) {
         {
@@ -70,11 +70,11 @@ TEST_F(SetAsideTest, leavesAnotherItemWhereItIs) {
 }
 
 TEST_F(SetAsideTest, keepsBothWhenTheNameWasTakenMeanwhile) {
-    folder.file("a.txt", "old");
+    folder.write("a.txt", "old");
     const ItemPlace place = placeOf("a.txt");
     SetAside aside(place);
     ASSERT_TRUE(aside.take(itemAt(place)));
-    folder.file("a.txt", "new");
+    folder.write("a.txt", "new");
     EXPECT_TRUE(aside.putBack());
     EXPECT_EQ(names(), "a 1.txt a.txt ");
     EXPECT_EQ(folder.contents("a.txt") + folder.contents("a 1.txt"), "newold");
@@ -82,7 +82,7 @@ TEST_F(SetAsideTest, keepsBothWhenTheNameWasTakenMeanwhile) {
 
 TEST_F(SetAsideTest, givesATreeUpByASecondName) {
     for (const std::string& name : {std::string("tree"), std::string(255, 'n')}) {
-        folder.folder(name);
+        folder.makeFolder(name);
         const ItemPlace place = placeOf(name);
         {
             SetAside aside(place);
@@ -96,7 +96,7 @@ TEST_F(SetAsideTest, givesATreeUpByASecondName) {
 
 TEST_F(SetAsideTest, usesAFolderForNamesThatAreLong) {
     for (const std::string& name : {std::string(246, 'n'), std::string(255, 'n')}) {
-        folder.file(name, "x");
+        folder.write(name, "x");
         const ItemPlace place = placeOf(name);
         {
             SetAside aside(place);

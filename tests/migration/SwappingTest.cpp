@@ -40,11 +40,11 @@ public:
                 Shared;
         for (const char* const name : {"one", "sub/two", "sub/deeper/three", "item/one", "item/sub/two",
                                        "item/sub/deeper/three", "a.log", "sub/b.log", "sub/deeper/c.log"}) {
-            folder_.file(std::string("victim/") + name, "the victim's");
+            folder_.write(std::string("victim/") + name, "the victim's");
         }
         folder_.setMode("victim/one", 0600);
         for (const char* const name : {"work/from", "work/to", "staging", "trash"}) {
-            folder_.folder(name);
+            folder_.makeFolder(name);
         }
         for (const std::string& name : folders) {
             folder_.setMode(name, owner == 0 ? 0755 : 0777);
@@ -72,7 +72,7 @@ public:
         const std::string staged = "staging/" + number;
         for (const char* name :
              {"/one", "/sub/two", "/sub/deeper/three", "/a.log", "/sub/b.log", "/sub/deeper/c.log"}) {
-            folder_.file(staged + name, "mine");
+            folder_.write(staged + name, "mine");
         }
         if (owner_ != 0) { // and so this is root; the swapper needs to own the folders in which it swaps
             for (const char* name : {"", "/sub", "/sub/deeper"}) {
@@ -144,7 +144,7 @@ using Swaps = std::vector<Swap>;
 class Swapper {
 public:
     Swapper(const Swapped& scene, const Swaps& swaps) {
-        scene.folder().folder("swap");
+        scene.folder().makeFolder("swap");
         scene.folder().setMode("swap", 0777);
         for (const Swap& swap : swaps) {
             pairs_.push_back({scene / (std::string("work/") + swap.entry),
@@ -247,7 +247,7 @@ TEST(Swapping, ofFilesHarmsNoVictim) {
     scene.race(swapper, [&](long turn) {
         for (const char* name : {"work/from/one", "work/to/one"}) {
             // Written beside and put there, so that the scene does not write through a link itself.
-            const std::string staged = scene.folder().file("staging/one", "mine");
+            const std::string staged = scene.folder().write("staging/one", "mine");
             ::rename(staged.c_str(), (scene / name).c_str());
         }
         migrateFile(scene / "work/from/one", scene / "work/to/one",
@@ -266,7 +266,7 @@ TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
     // parents of source and destination belong to the swapper, who puts links in their places.
     Swapped scene(65534, {});
     scene.folder().setMode("work", 01777);
-    scene.folder().folder("swap");
+    scene.folder().makeFolder("swap");
     scene.folder().link(scene / "victim", "swap/from");
     scene.folder().link(scene / "victim", "swap/to");
     for (const char* const name : {"work/from", "work/to", "swap", "swap/from", "swap/to"}) {
@@ -282,7 +282,7 @@ TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
                    migrateFile(scene / "work/from/one", scene / "work/to/new", flags);
                    migrateFiles("log", scene / "work/from", scene / "work/to", DotFiles::included, flags);
                    // From a place that nobody swaps to one that is.
-                   const std::string mine = scene.folder().file("staging/mine", "mine");
+                   const std::string mine = scene.folder().write("staging/mine", "mine");
                    migrateFile(mine, scene / "work/to/one", flags);
                });
 }

@@ -76,7 +76,7 @@ TEST(UniquePath, hasTheCounterBeforeTheExtension) {
     };
     for (const auto& row : rows) {
         const MigrationFolder folder;
-        folder.file(row.taken, "x");
+        folder.write(row.taken, "x");
         EXPECT_EQ(uniquePath(folder / row.taken, row.between), folder / row.expected) << row.taken;
     }
     EXPECT_EQ(uniquePath("/", " "), "/ 1.");
@@ -85,9 +85,9 @@ TEST(UniquePath, hasTheCounterBeforeTheExtension) {
 TEST(UniquePath, triesEveryCounterUpToTheLimitAndTakesTheFirstGap) {
     const MigrationFolder folder;
     for (const char* const name : {"n.txt", "n1.txt", "n2.txt", "n3.txt", "n 1.txt", "n 3.txt"}) {
-        folder.file(name, "x");
+        folder.write(name, "x");
     }
-    folder.folder("n4.txt");
+    folder.makeFolder("n4.txt");
     for (const std::uint64_t limit : {0U, 1U, 4U}) {
         EXPECT_EQ(uniquePath(folder / "n.txt", nullptr, limit), "(nil)") << limit;
     }
@@ -99,7 +99,7 @@ TEST(UniquePath, triesEveryCounterUpToTheLimitAndTakesTheFirstGap) {
 
 TEST(UniquePath, isThatOfADanglingLinkToo) {
     const MigrationFolder folder;
-    folder.file("real.txt", "x");
+    folder.write("real.txt", "x");
     folder.link("nosuch", "dangling.txt");
     folder.link("real.txt", "link.txt");
     folder.link("nosuch", "link1.txt");
@@ -109,7 +109,7 @@ TEST(UniquePath, isThatOfADanglingLinkToo) {
 
 TEST(UniquePath, createsNothingAndExpandsNoTilde) {
     const MigrationFolder folder;
-    folder.file("taken", "x");
+    folder.write("taken", "x");
     const kit::Variable home("HOME", folder.path().c_str());
     const scene::Digest before = folder.digest();
     uniquePath(folder / "taken", " ");

@@ -272,7 +272,7 @@ public:
 
     const MigrationFolder& folder() const { return *folder_; }
     std::string operator/(const std::string& name) const { return *folder_ / name; }
-    void file(const std::string& name, const std::string& bytes = "x") const { folder_->file(name, bytes); }
+    void file(const std::string& name, const std::string& bytes = "x") const { folder_->write(name, bytes); }
     /// Files called "0", "1", ... in the folder.
     void files(const std::string& place, int count) const {
         for (int number = 0; number < count; ++number) {

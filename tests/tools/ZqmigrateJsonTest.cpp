@@ -71,7 +71,7 @@ TEST(ZqmigrateJson, reportsEveryFlagAndOperation) {
 
 TEST(ZqmigrateJson, isWholeWhenThereIsNothingToDo) {
     const MigrateTool tool;
-    tool.folder().folder("empty");
+    tool.folder().makeFolder("empty");
     const Outcome missing = tool.run({"--json", "batch", "no\nthing", "b"});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(read(tool, missing.output, "repr(r['from']), r['items'], r['error'], r['success']"),
@@ -179,7 +179,7 @@ TEST(ZqmigrateJson, andLinesContainNothingThatATerminalObeys) {
 
 TEST(ZqmigrateJson, listsAllThatLinesLeaveOut) {
     const MigrateTool tool;
-    tool.folder().folder("d");
+    tool.folder().makeFolder("d");
     tool.files("a", 30);
     tool.files("b", 30);
     for (int number = 0; number < 30; ++number) {

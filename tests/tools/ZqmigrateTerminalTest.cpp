@@ -185,7 +185,7 @@ TEST(ZqmigrateTerminal, showsNoBarToWhoWantsNone) {
                                                   {nullptr, {"batch", "a", "b"}}};
     const MigrateTool tool;
     tool.file("a/f");
-    tool.folder().folder("b");
+    tool.folder().makeFolder("b");
     for (const auto& [term, words] : rows) {
         const auto [status, seen] = seenOf(tool, words, 80, term);
         EXPECT_EQ(status, 0);
@@ -207,7 +207,7 @@ bool wasFollowed(const std::string& seen, int count) {
 // A folder that is copied between two drawings is tried again with more files.
 TEST(ZqmigrateTerminal, followsTheFilesInsideOneFolder) {
     const MigrateTool tool;
-    tool.folder().folder("b");
+    tool.folder().makeFolder("b");
     bool isFollowed = false;
     int made = 0;
     for (int count = 4000; !isFollowed && count <= 64000; count *= 2) {
@@ -319,7 +319,7 @@ bool isCopying(const std::string& folder) {
 // A folder that is complete before the signal comes is tried again with more files.
 TEST(ZqmigrateInterruption, leavesAFolderThatIsHalfCopiedAtItsSource) {
     const MigrateTool tool;
-    tool.folder().folder("b");
+    tool.folder().makeFolder("b");
     int made = 0;
     int status = 0;
     for (int count = 4000; status == 0 && count <= 64000; count *= 2) {
@@ -413,7 +413,7 @@ TEST(ZqmigrateTerminal, keepsItsLinesOutOfFilesWhateverIsClosed) {
             tool.file("a/" + std::string(60, 'n') + std::to_string(number), std::to_string(number));
         }
         const scene::Digest before = tool.folder().digest("a");
-        tool.folder().folder("b");
+        tool.folder().makeFolder("b");
         Terminal terminal;
         const int output = tool.opened("output");
         const pid_t child = tool.startPrepared({"batch", "a", "b"}, output, terminal.end(), [closed] {

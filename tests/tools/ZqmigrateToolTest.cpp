@@ -7,6 +7,7 @@
 
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
+#include "tests/kit/Mounts.h"
 #include "tests/tools/ToolScene.h"
 
 using namespace ZQFoundation;
@@ -131,7 +132,7 @@ TEST(ZqmigrateTool, movesAFolderWithItsContents) {
 TEST(ZqmigrateTool, movesTheChosenFilesOfABatch) {
     const MigrateTool tool;
     tool.folder().files({"a/1.log", "a/2.LOG", "a/3.txt", "a/.4.log", "a/sub/5.log", "a/sub/.6.log"});
-    tool.folder().folder("b");
+    tool.folder().makeFolder("b");
     const Outcome outcome = tool.run({"batch", "--extension", "log", "a", "b"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, " 0  1.log: success\n");
@@ -271,8 +272,8 @@ TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
 // own.
 TEST(ZqmigrateTool, reportsDanglingLinks) {
     const MigrateTool tool;
-    tool.folder().folder("a/1");
-    tool.folder().folder("a/2");
+    tool.folder().makeFolder("a/1");
+    tool.folder().makeFolder("a/2");
     tool.folder().link("/nowhere", "a/1/l");
     tool.folder().link("l", "a/2/l");
     for (const char* const option : {"--keep-original", "--dry-run"}) {
@@ -337,7 +338,7 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     // Two folders of the source become one at the destination.
     tool.file("c/same");
     tool.file("c/sub/same");
-    tool.folder().folder("d");
+    tool.folder().makeFolder("d");
     tool.folder().link(".", "d/sub");
     const Outcome same = tool.run({"-n", "batch", "c", "d"});
     EXPECT_TRUE(contains(same.output, "\n      note: an earlier file of this run takes its destination\n"));
@@ -346,13 +347,13 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     // The folder that one file needs is where another one goes.
     tool.file("e/1/x/f");
     tool.file("e/2/x");
-    tool.folder().folder("g/1");
+    tool.folder().makeFolder("g/1");
     tool.folder().link("1", "g/2");
     EXPECT_TRUE(contains(tool.run({"-n", "--create-parents", "batch", "e", "g"}).output, "note: an earlier"));
     // "h/1/f" is to go where the original "h/f" is.
     tool.file("h/f");
     tool.file("h/1/f");
-    tool.folder().folder("i");
+    tool.folder().makeFolder("i");
     tool.folder().link("../h", "i/1");
     const Outcome original = tool.run({"-n", "batch", "h", "i"});
     EXPECT_TRUE(contains(original.errors, "      note: its destination is an original of this run\n"));
@@ -360,7 +361,7 @@ TEST(ZqmigrateTool, notesWhatEarlierFilesChange) {
     // A link is dangling when what it refers to has moved before.
     tool.file("j/f");
     tool.folder().link("f", "j/l");
-    tool.folder().folder("k");
+    tool.folder().makeFolder("k");
     EXPECT_EQ(notesOf(" 0  l: success", {"-n", "batch", "j", "k"}),
               "      note: it is a link to an original of this run");
     EXPECT_TRUE(contains(tool.run({"-n", "--create-parents", "batch", "j", "j/k"}).errors,
@@ -372,8 +373,8 @@ TEST(ZqmigrateTool, warnsOfTooLittleRoom) {
     tool.file("large", std::string(200000, 'x'));
     tool.file("small");
     EXPECT_EQ(::truncate((tool / "small").c_str(), 500000), 0); // a hole takes no room
-    tool.folder().folder("there");
-    scene::withOwnMounts([&] {
+    tool.folder().makeFolder("there");
+    kit::withOwnMounts([&] {
         if (::mount("none", (tool / "there").c_str(), "tmpfs", 0, "size=128k") != 0) {
             return false;
         }
@@ -390,7 +391,7 @@ TEST(ZqmigrateTool, warnsOfTooLittleRoom) {
 TEST(ZqmigrateTool, reportsAMissingSourceFolder) {
     const MigrateTool tool;
     tool.file("file");
-    tool.folder().folder("b");
+    tool.folder().makeFolder("b");
     struct {
         const char* from;
         const char* complaint;
@@ -412,7 +413,7 @@ TEST(ZqmigrateTool, reportsAMissingSourceFolder) {
 TEST(ZqmigrateTool, reportsThatThereIsNothingToDo) {
     const MigrateTool tool;
     tool.file("a/file");
-    tool.folder().folder("empty");
+    tool.folder().makeFolder("empty");
     EXPECT_EQ(tool.done({"batch", "empty", "b"}), "");
     EXPECT_EQ(tool.report("errors"), "zqmigrate: nothing to do: there are no files in empty\n");
     EXPECT_EQ(tool.done({"batch", "--extension", "log", "a", "b"}), "");
@@ -425,7 +426,7 @@ TEST(ZqmigrateTool, reportsThatThereIsNothingToDo) {
 TEST(ZqmigrateTool, continuesWithoutAReader) {
     const MigrateTool tool;
     tool.files("a", 1000);
-    tool.folder().folder("b");
+    tool.folder().makeFolder("b");
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     ::close(ends[0]);

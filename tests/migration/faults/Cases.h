@@ -77,8 +77,8 @@ inline constexpr const char* batchNames[] = {"a.log", "b.log", "sub/c.log", "sub
 class Run {
 public:
     explicit Run(const Case& which) : case_(which) {
-        folder_.file("from/beside", "beside");
-        folder_.file("to/beside", "beside");
+        folder_.write("from/beside", "beside");
+        folder_.write("to/beside", "beside");
         makeSource();
         if (case_.old != Old::missing) {
             makeOld();
@@ -132,21 +132,21 @@ public:
 private:
     void makeSource() const {
         if (case_.isFile()) {
-            folder_.file("from/item.txt", std::string(5000, 'f') + "end");
+            folder_.write("from/item.txt", std::string(5000, 'f') + "end");
             if (case_.subject == Subject::largeFile) {
                 addHoleAndMore();
             }
             finish("from/item.txt", 0640);
         } else if (case_.subject == Subject::tree) {
-            folder_.file("from/item/one.txt", "one");
-            folder_.file("from/item/empty", "");
-            folder_.file("from/item/sub/two.txt", std::string(3000, '2'));
-            folder_.file("from/item/sub/deeper/three", "three");
-            folder_.file("from/item/sub/deeper/readOnly", "read only");
-            folder_.folder("from/item/nothing");
+            folder_.write("from/item/one.txt", "one");
+            folder_.write("from/item/empty", "");
+            folder_.write("from/item/sub/two.txt", std::string(3000, '2'));
+            folder_.write("from/item/sub/deeper/three", "three");
+            folder_.write("from/item/sub/deeper/readOnly", "read only");
+            folder_.makeFolder("from/item/nothing");
             folder_.link("sub/two.txt", "from/item/link");
             folder_.link("nosuch", "from/item/sub/dangling");
-            folder_.file("from/item/other/four", "four");
+            folder_.write("from/item/other/four", "four");
             finish("from/item/sub/deeper/readOnly", 0444);
             for (const char* name : {"sub/deeper", "sub", "other", "nothing", "one.txt"}) {
                 finish(std::string("from/item/") + name, 0750);
@@ -154,10 +154,10 @@ private:
             finish("from/item", 0755);
         } else {
             for (const char* const name : batchNames) {
-                folder_.file(std::string("from/item/") + name, std::string("contents of ") + name);
+                folder_.write(std::string("from/item/") + name, std::string("contents of ") + name);
                 finish(std::string("from/item/") + name, 0640);
             }
-            folder_.file("from/item/kept.txt", "of another extension");
+            folder_.write("from/item/kept.txt", "of another extension");
         }
     }
 
@@ -173,18 +173,18 @@ private:
         switch (case_.subject) {
         case Subject::file:
         case Subject::largeFile:
-            folder_.file("to/item.txt", "old");
+            folder_.write("to/item.txt", "old");
             break;
         case Subject::tree:
-            folder_.file("to/item/old", "old");
-            folder_.file("to/item/sub/two.txt", "old");
+            folder_.write("to/item/old", "old");
+            folder_.write("to/item/sub/two.txt", "old");
             break;
         case Subject::batch:
             for (const char* name : {"a.log", "sub/c.log"}) {
-                folder_.file(std::string("to/item/") + name, "old");
+                folder_.write(std::string("to/item/") + name, "old");
             }
-            folder_.folder("to/item/sub/deeper");
-            folder_.folder("to/item/other");
+            folder_.makeFolder("to/item/sub/deeper");
+            folder_.makeFolder("to/item/other");
             break;
         }
     }
