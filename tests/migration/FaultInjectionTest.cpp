@@ -12,11 +12,8 @@
 #include "tests/migration/faults/Verdict.h"
 
 using namespace ZQFoundation;
-using faults::Again;
-using faults::Case;
-using faults::Fault;
-using faults::Outcome;
-using faults::Subject;
+using namespace faults;
+using namespace scene;
 
 namespace {
 
@@ -25,7 +22,7 @@ using Repetitions = std::vector<Again>;
 /// How far it is from one tried call to the next. Adjacent calls differ little in larger things, so that each
 /// error starts at another call there. With a sanitizer a run takes ten times as long.
 long strideOf(const Case& which, const Fault& fault) {
-    if (faults::isEveryCallTried()) {
+    if (isEveryCallTried()) {
         return 1;
     }
     long stride = kit::isSanitized ? 9 : 1;
@@ -45,7 +42,7 @@ std::vector<Repetitions> repetitionsAfter(const Case& which, const Fault& fault,
                                {Again::refusing, Again::overwriting},
                                {Again::renaming, Again::overwriting},
                                {Again::overwriting, Again::renaming}};
-    if (faults::isEveryCallTried()) {
+    if (isEveryCallTried()) {
         return {all[0], all[1], all[2]};
     }
     if (fault.kind == Fault::killing && !which.keepOriginal) {
@@ -70,10 +67,10 @@ std::string shown(const Case& which, const Fault& fault, const Repetitions& repe
 
 /// What is repeated with a case to find how many calls it makes.
 Outcome undisturbed(const Case& which) {
-    const faults::Run run(which);
+    const Run run(which);
     const Outcome outcome = run.under({});
     if (outcome.traced) {
-        faults::addFailures(which.name() + " without a fault", faults::Verdict(run).after({}, outcome));
+        addFailures(which.name() + " without a fault", Verdict(run).after({}, outcome));
     }
     return outcome;
 }
@@ -116,19 +113,19 @@ private:
 
     bool once(const Case& which, const Fault& fault, const Repetitions& repetitions) {
         ++count_;
-        const faults::Run run(which);
+        const Run run(which);
         const Outcome outcome = run.under(fault);
-        report(shown(which, fault, {}), faults::Verdict(run).after(fault, outcome));
+        report(shown(which, fault, {}), Verdict(run).after(fault, outcome));
         for (const Again again : repetitions) {
             const Outcome second = run.again(again);
-            report(shown(which, fault, repetitions), faults::Verdict(run).afterAgain(again, second));
+            report(shown(which, fault, repetitions), Verdict(run).afterAgain(again, second));
         }
         return outcome.met(fault);
     }
 
-    void report(const std::string& what, const scene::Words& problems) {
+    void report(const std::string& what, const Words& problems) {
         failures_ += static_cast<long>(problems.size());
-        faults::addFailures(what, problems);
+        addFailures(what, problems);
     }
 
     static constexpr long enough = 20; ///< of what is wrong with one case, to be read
@@ -138,13 +135,13 @@ private:
 };
 
 void runAll(const std::vector<Subject>& subjects, const std::vector<Fault>& kinds) {
-    const faults::QuickRuns quick;
+    const QuickRuns quick;
     Runs runs;
     for (const Subject subject : subjects) {
-        for (const Case& which : faults::casesOf(subject)) {
+        for (const Case& which : casesOf(subject)) {
             for (std::size_t start = 0; start < kinds.size(); ++start) {
                 if (!runs.each(which, kinds[start], static_cast<long>(start))) {
-                    GTEST_SKIP() << faults::notTraced;
+                    GTEST_SKIP() << notTraced;
                 }
             }
         }
@@ -167,17 +164,17 @@ const std::vector<Fault> shorteningOne{{Fault::shorteningToOne, 0, 1, false},
 
 /// Every transfer from the first on: one run is enough, the others would only begin later.
 void runShortened(const std::vector<Subject>& subjects) {
-    const faults::QuickRuns quick;
+    const QuickRuns quick;
     for (const Subject subject : subjects) {
-        for (const Case& which : faults::casesOf(subject)) {
+        for (const Case& which : casesOf(subject)) {
             for (const Fault::Kind kind : {Fault::shorteningToOne, Fault::shorteningToHalf}) {
-                const faults::Run run(which);
+                const Run run(which);
                 const Fault fault{kind, 0, 1, true};
                 const Outcome outcome = run.under(fault);
                 if (!outcome.traced) {
-                    GTEST_SKIP() << faults::notTraced;
+                    GTEST_SKIP() << notTraced;
                 }
-                faults::addFailures(shown(which, fault, {}), faults::Verdict(run).after(fault, outcome));
+                addFailures(shown(which, fault, {}), Verdict(run).after(fault, outcome));
             }
         }
     }

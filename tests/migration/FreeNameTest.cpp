@@ -9,9 +9,8 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
+using namespace scene;
 using detail::freeName;
-using scene::MigrationFolder;
-using scene::renaming;
 
 namespace {
 
@@ -88,24 +87,23 @@ TEST(FreeName, isNotThatOfADanglingLink) {
     for (const char* const link : {"to/notes 1.txt", "to/data 1.", "to/sub/a 1.log"}) {
         folder.link("nowhere", link);
     }
-    EXPECT_EQ(scene::migrateFile(folder / "from/notes.txt", folder / "to/notes.txt", renaming), 0U);
-    EXPECT_EQ(scene::migrateFolder(folder / "from/data", folder / "to/data", renaming), 0U);
+    EXPECT_EQ(migrateFile(folder / "from/notes.txt", folder / "to/notes.txt", renaming), 0U);
+    EXPECT_EQ(migrateFolder(folder / "from/data", folder / "to/data", renaming), 0U);
     EXPECT_EQ(folder.migrateLogs("from", "to", renaming), "{ sub/a.log = 0; }");
-    EXPECT_EQ(folder.digest("from", scene::Detail::contents),
-              (scene::Digest{{"", "folder"}, {"sub", "folder"}}));
-    EXPECT_EQ(folder.digest("to", scene::Detail::contents), (scene::Digest{{"", "folder"},
-                                                                           {"notes.txt", "file [old]"},
-                                                                           {"notes 1.txt", "link [nowhere]"},
-                                                                           {"notes 2.txt", "file [new]"},
-                                                                           {"data", "folder"},
-                                                                           {"data/inside", "file [old]"},
-                                                                           {"data 1.", "link [nowhere]"},
-                                                                           {"data 2.", "folder"},
-                                                                           {"data 2./inside", "file [new]"},
-                                                                           {"sub", "folder"},
-                                                                           {"sub/a.log", "file [old]"},
-                                                                           {"sub/a 1.log", "link [nowhere]"},
-                                                                           {"sub/a 2.log", "file [new]"}}));
+    EXPECT_EQ(folder.digest("from", Detail::contents), (Digest{{"", "folder"}, {"sub", "folder"}}));
+    EXPECT_EQ(folder.digest("to", Detail::contents), (Digest{{"", "folder"},
+                                                             {"notes.txt", "file [old]"},
+                                                             {"notes 1.txt", "link [nowhere]"},
+                                                             {"notes 2.txt", "file [new]"},
+                                                             {"data", "folder"},
+                                                             {"data/inside", "file [old]"},
+                                                             {"data 1.", "link [nowhere]"},
+                                                             {"data 2.", "folder"},
+                                                             {"data 2./inside", "file [new]"},
+                                                             {"sub", "folder"},
+                                                             {"sub/a.log", "file [old]"},
+                                                             {"sub/a 1.log", "link [nowhere]"},
+                                                             {"sub/a 2.log", "file [new]"}}));
 }
 
 TEST(FreeName, isCutInMigrationsToo) {
@@ -116,11 +114,11 @@ TEST(FreeName, isCutInMigrationsToo) {
         folder.write(place + file, place);
         folder.write(place + tree + "/inside", place);
     }
-    EXPECT_EQ(scene::migrateFile(folder / ("from/" + file), folder / ("to/" + file), renaming), 0U);
+    EXPECT_EQ(migrateFile(folder / ("from/" + file), folder / ("to/" + file), renaming), 0U);
     for (int copy = 0; copy < 2; ++copy) {
-        EXPECT_EQ(scene::migrateFolder(folder / ("from/" + tree), folder / ("to/" + tree),
-                                       {true, false, false, true}),
-                  0U);
+        EXPECT_EQ(
+            migrateFolder(folder / ("from/" + tree), folder / ("to/" + tree), {true, false, false, true}),
+            0U);
     }
     const std::string cut = repeated("é", 126);
     EXPECT_EQ(folder.contents("to/" + file), "to/");

@@ -11,19 +11,17 @@
 #include "tests/migration/faults/Verdict.h"
 
 using namespace ZQFoundation;
-using faults::Case;
-using faults::Fault;
-using faults::Run;
-using scene::Detail;
+using namespace faults;
+using namespace scene;
 
 namespace {
 
 /// A tree is moved over an older one: every kind of leftover can result.
-constexpr Case moved{faults::Subject::tree, faults::Old::overwritten, false};
+constexpr Case moved{Subject::tree, Old::overwritten, false};
 
 std::string leftoverWith(const Run& run, const char* mark) {
-    for (const std::string& name : faults::leftoversBelow(run.base())) {
-        if (faults::begins(faults::lastComponent(name), mark)) {
+    for (const std::string& name : leftoversBelow(run.base())) {
+        if (begins(lastComponent(name), mark)) {
             return run / name;
         }
     }
@@ -49,7 +47,7 @@ std::unique_ptr<Run> killedLeaving(const char* mark) {
 }
 
 unsigned copyFile(const std::string& from, const std::string& to) {
-    return scene::migrateFile(from, to, {true, true, true, false});
+    return migrateFile(from, to, {true, true, true, false});
 }
 
 /// Migrations that concern both folders of the killed one, or only that of the leftover.
@@ -71,35 +69,35 @@ constexpr NextMigration nextMigrations[] = {
      }},
     {"a batch", true,
      [](const Run& run, const std::string&) {
-         const auto included = scene::DotFiles::included;
-         scene::migrateFiles("nosuch", run / "from", run / "to", included);
-         scene::migrateFiles("nosuch", run.base(), run / "elsewhere", included);
+         const auto included = DotFiles::included;
+         migrateFiles("nosuch", run / "from", run / "to", included);
+         migrateFiles("nosuch", run.base(), run / "elsewhere", included);
      }},
     {"one that fails", true,
      [](const Run& run, const std::string&) {
-         EXPECT_EQ(scene::migrateFile(run / "from/nosuch", run / "to/x"), 10U);
+         EXPECT_EQ(migrateFile(run / "from/nosuch", run / "to/x"), 10U);
      }},
 };
 
 } // namespace
 
 TEST(Leftovers, arePutBackOrRemovedByTheNextMigration) {
-    const faults::QuickRuns quick;
-    for (const char* const mark : {faults::setAside, faults::givenUp, faults::unfinished}) {
+    const QuickRuns quick;
+    for (const char* const mark : {setAside, givenUp, unfinished}) {
         for (const NextMigration& next : nextMigrations) {
             SCOPED_TRACE(std::string(mark) + " and " + next.name);
             const auto run = killedLeaving(mark);
             if (run == nullptr) {
-                GTEST_SKIP() << faults::notTraced;
+                GTEST_SKIP() << notTraced;
             }
             const std::string leftover = leftoverWith(*run, mark);
             ASSERT_FALSE(leftover.empty());
-            next.migrate(*run, faults::folderOf(leftover));
+            next.migrate(*run, folderOf(leftover));
             EXPECT_FALSE(kit::exists(leftover));
             if (next.comesToBoth) {
-                EXPECT_EQ(scene::Words{}, faults::leftoversBelow(run->base()));
-                EXPECT_TRUE(scene::digestOf(run->from(), Detail::times) == run->source() ||
-                            scene::digestOf(run->to(), Detail::times) == run->source())
+                EXPECT_EQ(Words{}, leftoversBelow(run->base()));
+                EXPECT_TRUE(digestOf(run->from(), Detail::times) == run->source() ||
+                            digestOf(run->to(), Detail::times) == run->source())
                     << "neither source nor copy is whole";
             }
         }

@@ -12,12 +12,7 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
-using scene::Digest;
-using scene::Flags;
-using scene::ofFiles;
-using scene::ofFolders;
-using scene::Operation;
-using scene::Words;
+using namespace scene;
 
 namespace {
 
@@ -143,13 +138,13 @@ public:
             static const char* const kinds[] = {"file", "folder", "link", "pipe"};
             const bool hasText = item.kind == Item::file || item.kind == Item::link;
             all[path] = kinds[item.kind] + (hasText ? " [" + item.text + "]" : "") +
-                        (item.kind == Item::link ? "" : " " + scene::octal(item.mode));
+                        (item.kind == Item::link ? "" : " " + octal(item.mode));
         }
         return all;
     }
 
     /// Puts the same on the disk. Folders come before what they contain, as the paths sort so.
-    void make(const scene::MigrationFolder& folder) const {
+    void make(const MigrationFolder& folder) const {
         for (const auto& [path, item] : items_) {
             if (item.kind == Item::link) {
                 folder.link(item.text, path);
@@ -362,8 +357,8 @@ Model sceneFor(const std::string& source, const std::string& destination, const 
 void compareRow(const Place& source, const Place& destination, const Operation& operation, const Flags& flags,
                 const std::string& name) {
     const std::string row = std::string(source.what) + " to " + destination.what + " as " + name +
-                            (operation.isFolder ? " (folder) " : " (file) ") + scene::shownFlags(flags);
-    const scene::MigrationFolder folder;
+                            (operation.isFolder ? " (folder) " : " (file) ") + shownFlags(flags);
+    const MigrationFolder folder;
     Model model = sceneFor(source.what, destination.what, name, kit::isRoot());
     model.make(folder);
     const std::string from = filledIn(source.path, name);
@@ -371,8 +366,8 @@ void compareRow(const Place& source, const Place& destination, const Operation& 
     Steps steps(model, operation, flags);
     const unsigned expected = steps.run(from, to);
 
-    scene::Desktop fileDesktop("NSWorkspace");
-    scene::Desktop folderDesktop("SomeClass");
+    Desktop fileDesktop("NSWorkspace");
+    Desktop folderDesktop("SomeClass");
     const std::string realFrom = from == "?" ? "" : folder / from;
     const std::string realTo = to == "?" ? "" : folder / to;
     const unsigned code = operation(realFrom, realTo, flags);
@@ -381,7 +376,7 @@ void compareRow(const Place& source, const Place& destination, const Operation& 
         path = folder / path;
     }
     EXPECT_EQ(code, expected) << row;
-    EXPECT_EQ(scene::shownDigest(folder.digest()), scene::shownDigest(model.digest())) << row;
+    EXPECT_EQ(shownDigest(folder.digest()), shownDigest(model.digest())) << row;
     EXPECT_EQ((operation.isFolder ? folderDesktop : fileDesktop).takeFolders(), steps.notified) << row;
     EXPECT_EQ((operation.isFolder ? fileDesktop : folderDesktop).takeFolders(), Words{}) << row;
 }
@@ -392,7 +387,7 @@ void compareAll(const Operation& operation, const std::string& name) {
     for (const Place& source : sources) {
         for (const Place& destination : destinations) {
             for (unsigned bits = 0; bits < 16; ++bits) {
-                compareRow(source, destination, operation, scene::flagsOf(bits), name);
+                compareRow(source, destination, operation, flagsOf(bits), name);
                 if (::testing::Test::HasFatalFailure()) {
                     return;
                 }

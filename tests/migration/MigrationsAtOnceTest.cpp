@@ -15,20 +15,16 @@
 #include "tests/migration/faults/Verdict.h"
 
 using namespace ZQFoundation;
-using faults::Again;
-using faults::Case;
-using faults::Old;
-using faults::Outcome;
-using faults::Run;
-using faults::Subject;
+using namespace faults;
+using namespace scene;
 
 namespace {
 
 /// Expects that nothing of these texts is lost when both have ended, and nothing is left over.
 void expectNothingLost(const Run& run, const std::set<std::string>& texts, const std::string& when,
                        const Outcome& one, const Outcome& other) {
-    scene::Words problems = faults::problemsWithLeftovers(run.base());
-    const std::set<std::string> found = faults::visibleContents(run.base());
+    Words problems = problemsWithLeftovers(run.base());
+    const std::set<std::string> found = visibleContents(run.base());
     for (const std::string& text : texts) {
         if (found.count(text) == 0) {
             problems.push_back("lost: '" + text.substr(0, 60) + "'");
@@ -39,14 +35,14 @@ void expectNothingLost(const Run& run, const std::set<std::string>& texts, const
             problems.push_back(outcome->hung ? "a migration hung" : "a migration did not come to its end");
         }
     }
-    faults::addFailures(
-        run.which().name() + ", " + when + " (codes '" + one.report + "', '" + other.report + "')", problems);
+    addFailures(run.which().name() + ", " + when + " (codes '" + one.report + "', '" + other.report + "')",
+                problems);
 }
 
 /// A whole second migration before this call of the first one.
 void withSecond(const Case& which, Again second, long call) {
     const Run run(which);
-    const std::set<std::string> texts = faults::visibleContents(run.from());
+    const std::set<std::string> texts = visibleContents(run.from());
     Outcome other;
     other.ended = true;
     const Outcome one = run.under({}, [&](long number) {
@@ -58,28 +54,28 @@ void withSecond(const Case& which, Again second, long call) {
 }
 
 void tryAllCalls(Subject subject, long usualStride) {
-    const faults::QuickRuns quick;
-    const long stride = faults::strideOf(usualStride);
+    const QuickRuns quick;
+    const long stride = strideOf(usualStride);
     long start = 0;
     for (const Old old : {Old::missing, Old::overwritten, Old::renamedAround}) {
         for (const Again second : {Again::overwriting, Again::refusing, Again::renaming}) {
             const Case which{subject, old, false};
-            faults::atCallsOf(which, 1 + start++ % stride, stride,
-                              [&](long call) { withSecond(which, second, call); });
+            atCallsOf(which, 1 + start++ % stride, stride,
+                      [&](long call) { withSecond(which, second, call); });
         }
     }
 }
 
 void race(Subject subject) {
     const kit::ScratchInMemory memory;
-    for (long turn = 0; turn < faults::wantedRaces(60) && !::testing::Test::HasFailure(); ++turn) {
+    for (long turn = 0; turn < wantedRaces(60) && !::testing::Test::HasFailure(); ++turn) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
-        const std::set<std::string> texts = faults::visibleContents(run.from());
+        const std::set<std::string> texts = visibleContents(run.from());
         const auto migrate = [&] {
             return run.migrate(run.which().flagsFor(Again::overwriting));
         };
-        const faults::ReportingChild first(migrate);
-        const faults::ReportingChild second(migrate);
+        const ReportingChild first(migrate);
+        const ReportingChild second(migrate);
         expectNothingLost(run, texts, "race " + std::to_string(turn), first.outcome(), second.outcome());
     }
 }
@@ -97,16 +93,16 @@ void withNeighbor(const Case& which, long call) {
     Outcome other;
     const Outcome one = run.under({}, [&](long number) {
         if (number == call) {
-            other = faults::runUndisturbed([&] {
-                const scene::Operation& migrate = isTree ? scene::ofFolders : scene::ofFiles;
-                const std::string to = faults::folderOf(run.to()) + "/neighbor";
+            other = runUndisturbed([&] {
+                const Operation& migrate = isTree ? ofFolders : ofFiles;
+                const std::string to = folderOf(run.to()) + "/neighbor";
                 return std::to_string(migrate(from, to, {false, true, true, false}));
             });
         }
     });
     const std::string about = which.name() + ", a neighbor at call " + std::to_string(call);
-    faults::addFailures(about, faults::Verdict(run).after({}, one));
-    faults::addFailures(about, faults::problemsWithLeftovers(run.base()));
+    addFailures(about, Verdict(run).after({}, one));
+    addFailures(about, problemsWithLeftovers(run.base()));
     EXPECT_EQ(one.report, "0") << about;
     EXPECT_EQ(other.report, "0") << about;
 }
@@ -122,12 +118,12 @@ TEST(MigrationsAtOnce, loseNoFolderInARace) { race(Subject::tree); }
 TEST(MigrationsAtOnce, loseNothingOfABatchInARace) { race(Subject::batch); }
 
 TEST(MigrationsAtOnce, leaveAloneWhatTheOtherWorksOn) {
-    const faults::QuickRuns quick;
+    const QuickRuns quick;
     for (const Subject subject : {Subject::file, Subject::tree}) {
         for (const Old old : {Old::missing, Old::overwritten}) {
             const Case which{subject, old, false};
             const long stride = subject == Subject::file ? 1 : kit::isSanitized ? 31 : 5;
-            faults::atCallsOf(which, 1, stride, [&](long call) { withNeighbor(which, call); });
+            atCallsOf(which, 1, stride, [&](long call) { withNeighbor(which, call); });
         }
     }
 }

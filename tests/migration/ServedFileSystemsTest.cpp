@@ -12,13 +12,8 @@
 #include "tests/migration/faults/ServedFolder.h"
 
 using namespace ZQFoundation;
-using faults::ServedTraits;
-using scene::creating;
-using scene::Detail;
-using scene::Digest;
-using scene::migrateFile;
-using scene::migrateFolder;
-using scene::overwriting;
+using namespace faults;
+using namespace scene;
 
 namespace {
 
@@ -53,7 +48,7 @@ struct Places {
         return text;
     }
 
-    scene::MigrationFolder folder;
+    MigrationFolder folder;
 };
 
 /// The body where "there" is served; the test is skipped where that is not allowed.
@@ -62,7 +57,7 @@ void withServed(const ServedTraits& traits, const Body& body) {
     const Places places;
     kit::withOwnMounts(
         [&] {
-            const faults::ServedFolder served(places / "backing", places / "there", traits);
+            const ServedFolder served(places / "backing", places / "there", traits);
             return served.isMounted() && (body(places), true);
         },
         100);
@@ -92,7 +87,7 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
     EXPECT_TRUE(places.folder.contents(to + "/batch/a.log") == Places::bytes(5000));
     EXPECT_TRUE(places.folder.contents(to + "/batch/sub/deeper/b.log") == Places::bytes(40000));
     EXPECT_FALSE(places.folder.has(from + "/batch/a.log"));
-    EXPECT_EQ(scene::Words{}, faults::leftoversBelow(places.folder.path()));
+    EXPECT_EQ(Words{}, leftoversBelow(places.folder.path()));
 }
 
 /// What is there already is neither replaced nor mixed with what comes.
@@ -111,9 +106,9 @@ void expectRefusals(const Places& places) {
     EXPECT_EQ(places.folder.contents("there/taken/folder/inside"), "old");
     EXPECT_EQ(places.folder.contents("here/file"), "new");
     EXPECT_EQ(places.folder.contents("here/folder/inside"), "new");
-    EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder", scene::renaming), 0U);
+    EXPECT_EQ(migrateFolder(places / "here/folder", places / "there/taken/folder", renaming), 0U);
     EXPECT_EQ(places.folder.contents("there/taken/folder 1./inside"), "new");
-    EXPECT_EQ(scene::Words{}, faults::leftoversBelow(places.folder.path()));
+    EXPECT_EQ(Words{}, leftoversBelow(places.folder.path()));
 }
 
 } // namespace
@@ -143,8 +138,8 @@ TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
             places.folder.write("here/batch/Notes.log", "from Notes.log");
             places.folder.write("here/batch/NOTES.log", "from NOTES.log");
             places.folder.write("here/batch/other.log", "other");
-            const auto codes = scene::migrateFiles("log", places / "here/batch", places / "there/batch",
-                                                   scene::DotFiles::included, {keeps, true, true, false});
+            const auto codes = migrateFiles("log", places / "here/batch", places / "there/batch",
+                                            DotFiles::included, {keeps, true, true, false});
             const bool isFirst = codes.integerForKey("Notes.log") == 0;
             const std::string arrived = isFirst ? "Notes.log" : "NOTES.log";
             const std::string refused = isFirst ? "NOTES.log" : "Notes.log";

@@ -7,12 +7,12 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
+using namespace scene;
 using detail::ItemPlace;
-using detail::SetAside;
 
 namespace {
 
-class SetAsideTest : public ::testing::Test {
+class SetAside : public ::testing::Test {
 protected:
     ItemPlace placeOf(const std::string& name) const {
         ItemPlace place;
@@ -27,23 +27,23 @@ protected:
     /// All names but that of a gone item, which is random.
     std::string names() const {
         std::string all;
-        for (const auto& [name, what] : folder.digest("", scene::Detail::contents)) {
+        for (const auto& [name, what] : folder.digest("", Detail::contents)) {
             all += name.empty() ? "" : name.rfind(".zq-gone.", 0) == 0 ? "gone " : name + " ";
         }
         return all;
     }
 
-    scene::MigrationFolder folder;
+    MigrationFolder folder;
 };
 
 } // namespace
 
-TEST_F(SetAsideTest, takesAnItemAwayAndGivesItsNameBack) {
+TEST_F(SetAside, takesAnItemAwayAndGivesItsNameBack) {
     folder.write("a.txt", "x");
     const ItemPlace place = placeOf("a.txt");
     for (const bool isPutBack : {true, false}) {
         {
-            SetAside aside(place);
+            detail::SetAside aside(place);
             EXPECT_TRUE(aside.take(itemAt(place)));
             EXPECT_EQ(names(), ".zq-aside.a.txt ");
             if (isPutBack) {
@@ -55,24 +55,24 @@ TEST_F(SetAsideTest, takesAnItemAwayAndGivesItsNameBack) {
     }
 }
 
-TEST_F(SetAsideTest, leavesAnotherItemWhereItIs) {
+TEST_F(SetAside, leavesAnotherItemWhereItIs) {
     folder.files({"a", "b"});
     const ItemPlace place = placeOf("a");
-    SetAside aside(place);
+    detail::SetAside aside(place);
     EXPECT_FALSE(aside.take(itemAt(placeOf("b"))));
     EXPECT_EQ(errno, ESTALE);
     EXPECT_EQ(names(), "a b ");
     ItemPlace root;
     ASSERT_TRUE(root.open("/"));
-    SetAside nameless(root);
+    detail::SetAside nameless(root);
     EXPECT_FALSE(nameless.take(itemAt(root)));
     EXPECT_EQ(errno, EINVAL);
 }
 
-TEST_F(SetAsideTest, keepsBothWhenTheNameWasTakenMeanwhile) {
+TEST_F(SetAside, keepsBothWhenTheNameWasTakenMeanwhile) {
     folder.write("a.txt", "old");
     const ItemPlace place = placeOf("a.txt");
-    SetAside aside(place);
+    detail::SetAside aside(place);
     ASSERT_TRUE(aside.take(itemAt(place)));
     folder.write("a.txt", "new");
     EXPECT_TRUE(aside.putBack());
@@ -80,12 +80,12 @@ TEST_F(SetAsideTest, keepsBothWhenTheNameWasTakenMeanwhile) {
     EXPECT_EQ(folder.contents("a.txt") + folder.contents("a 1.txt"), "newold");
 }
 
-TEST_F(SetAsideTest, givesATreeUpByASecondName) {
+TEST_F(SetAside, givesATreeUpByASecondName) {
     for (const std::string& name : {std::string("tree"), std::string(255, 'n')}) {
         folder.makeFolder(name);
         const ItemPlace place = placeOf(name);
         {
-            SetAside aside(place);
+            detail::SetAside aside(place);
             ASSERT_TRUE(aside.take(itemAt(place)));
             ASSERT_TRUE(aside.giveUp());
             EXPECT_EQ(std::string(aside.name()).substr(0, 9), ".zq-gone.");
@@ -94,18 +94,18 @@ TEST_F(SetAsideTest, givesATreeUpByASecondName) {
     }
 }
 
-TEST_F(SetAsideTest, usesAFolderForNamesThatAreLong) {
+TEST_F(SetAside, usesAFolderForNamesThatAreLong) {
     for (const std::string& name : {std::string(246, 'n'), std::string(255, 'n')}) {
         folder.write(name, "x");
         const ItemPlace place = placeOf(name);
         {
-            SetAside aside(place);
+            detail::SetAside aside(place);
             ASSERT_TRUE(aside.take(itemAt(place)));
             EXPECT_EQ(names().substr(0, 11), ".zq-asides.");
             EXPECT_EQ(aside.name(), name);
         }
         EXPECT_EQ(names(), name + " ");
-        SetAside aside(place);
+        detail::SetAside aside(place);
         ASSERT_TRUE(aside.take(itemAt(place)));
         EXPECT_TRUE(aside.removeFile());
         EXPECT_EQ(names(), "");

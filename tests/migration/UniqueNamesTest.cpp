@@ -13,8 +13,8 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
+using namespace scene;
 using kit::utf8Of;
-using scene::MigrationFolder;
 
 namespace {
 
@@ -111,7 +111,7 @@ TEST(UniquePath, createsNothingAndExpandsNoTilde) {
     const MigrationFolder folder;
     folder.write("taken", "x");
     const kit::Variable home("HOME", folder.path().c_str());
-    const scene::Digest before = folder.digest();
+    const Digest before = folder.digest();
     uniquePath(folder / "taken", " ");
     EXPECT_EQ(folder.digest(), before);
     EXPECT_EQ(uniquePath("~/taken", " "), "~/taken");

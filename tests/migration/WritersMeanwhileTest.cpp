@@ -20,12 +20,8 @@
 #include "tests/migration/faults/Writer.h"
 
 using namespace ZQFoundation;
-using faults::Case;
-using faults::Old;
-using faults::Outcome;
-using faults::Run;
-using faults::Subject;
-using faults::Writer;
+using namespace faults;
+using namespace scene;
 
 namespace {
 
@@ -59,7 +55,7 @@ Habits habitsOfOneFile(const std::string& name) {
                   {"appends", {append, append}, 5},
                   {"keeps it open", {open, appendToOpen, appendToOpen}},
                   {"keeps it open for long", {open, appendToOpen, appendToOpen}, 100000}};
-    if (faults::hasFineTimes()) {
+    if (hasFineTimes()) {
         habits.push_back({"rewrites unnoticed", {step(&Writer::rewritesUnnoticed, name)}});
     }
     return habits;
@@ -149,8 +145,8 @@ struct Count {
 void expectNothingLost(const Run& run, const Writer& writer, const std::string& what,
                        const Outcome& outcome) {
     const std::string about = what + " (code '" + outcome.report.substr(0, 80) + "')";
-    faults::addFailures(about, writer.problems());
-    faults::addFailures(about, faults::problemsWithLeftovers(run.base()));
+    addFailures(about, writer.problems());
+    addFailures(about, problemsWithLeftovers(run.base()));
     EXPECT_TRUE(outcome.ended) << about;
 }
 
@@ -175,15 +171,15 @@ Outcome withHabit(const Case& which, const Habit& habit, long call) {
 }
 
 void tryHabits(Subject subject, long usualStride) {
-    const faults::QuickRuns quick;
-    const long stride = faults::strideOf(usualStride);
+    const QuickRuns quick;
+    const long stride = strideOf(usualStride);
     Count count;
     long start = 0;
     for (const Old old : {Old::missing, Old::overwritten}) {
         for (const Habit& habit : habitsFor(subject)) {
             const Case which{subject, old, false};
-            faults::atCallsOf(which, 1 + start++ % stride, stride,
-                              [&](long call) { count.add(withHabit(which, habit, call)); });
+            atCallsOf(which, 1 + start++ % stride, stride,
+                      [&](long call) { count.add(withHabit(which, habit, call)); });
         }
     }
     count.print();
@@ -195,7 +191,7 @@ void enlarge(const Run& run) {
         const std::string name = "many/" + std::to_string(number % 5) + "/" + std::to_string(number) + ".log";
         const std::string path = run.from() + "/" + name;
         ::mkdir((run.from() + "/many").c_str(), 0755);
-        ::mkdir(faults::folderOf(path).c_str(), 0755);
+        ::mkdir(folderOf(path).c_str(), 0755);
         std::FILE* const file = std::fopen(path.c_str(), "w");
         ASSERT_NE(file, nullptr);
         std::fprintf(file, "file %d of many", number);
@@ -204,7 +200,7 @@ void enlarge(const Run& run) {
 }
 
 /// Works until the migration has ended, each step at a place where no other kind of step is made.
-void workUntilDone(Writer& writer, const faults::ReportingChild& migration, unsigned seed, bool keepsOpen) {
+void workUntilDone(Writer& writer, const ReportingChild& migration, unsigned seed, bool keepsOpen) {
     std::minstd_rand random(seed);
     const auto any = [&random](unsigned count) {
         return std::to_string(random() % count);
@@ -243,11 +239,11 @@ void workUntilDone(Writer& writer, const faults::ReportingChild& migration, unsi
 void race(Subject subject) {
     const kit::ScratchInMemory memory;
     Count count;
-    for (long turn = 0; turn < faults::wantedRaces(40) && !::testing::Test::HasFailure(); ++turn) {
+    for (long turn = 0; turn < wantedRaces(40) && !::testing::Test::HasFailure(); ++turn) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
         enlarge(run);
         Writer writer(run);
-        const faults::ReportingChild migration([&] { return run.migrate(run.which().flags()); });
+        const ReportingChild migration([&] { return run.migrate(run.which().flags()); });
         workUntilDone(writer, migration, static_cast<unsigned>(turn) + 1, turn % 4 == 3);
         const Outcome outcome = migration.outcome();
         count.add(outcome);
@@ -282,22 +278,22 @@ void withPlaced(const Case& which, Placed what, long call) {
     const Run run(which);
     const std::string name = which.subject == Subject::batch ? "/sub/c.log" : "";
     const std::string path = run.to() + name;
-    scene::Digest placed;
+    Digest placed;
     const Outcome outcome = run.under({}, [&](long number) {
         if (number == call && place(what, path)) {
-            placed = scene::digestOf(path);
+            placed = digestOf(path);
         }
     });
     if (!placed.empty()) {
         const std::string about =
             which.name() + " at call " + std::to_string(call) + ", code '" + outcome.report + "'";
-        EXPECT_EQ(scene::shownDigest(scene::digestOf(path)), scene::shownDigest(placed)) << about;
+        EXPECT_EQ(shownDigest(digestOf(path)), shownDigest(placed)) << about;
         if (which.subject == Subject::batch) {
             EXPECT_EQ(kit::contentsOf(run.from() + name), "contents of sub/c.log") << about;
         } else {
-            EXPECT_EQ(digestOf(run.from(), scene::Detail::times), run.source()) << about;
+            EXPECT_EQ(digestOf(run.from(), Detail::times), run.source()) << about;
         }
-        EXPECT_EQ(scene::Words{}, faults::leftoversBelow(run.base())) << about;
+        EXPECT_EQ(Words{}, leftoversBelow(run.base())) << about;
     }
 }
 
@@ -311,14 +307,14 @@ TEST(WritersMeanwhile, loseNothingInARaceWithAFolder) { race(Subject::tree); }
 TEST(WritersMeanwhile, loseNothingInARaceWithABatch) { race(Subject::batch); }
 
 TEST(WritersMeanwhile, keepWhatTheyPutAtTheDestination) {
-    const faults::QuickRuns quick;
+    const QuickRuns quick;
     for (const Subject subject : {Subject::file, Subject::tree, Subject::batch}) {
         for (const Old old : {Old::missing, Old::overwritten}) {
             const Case which{subject, old, false};
             const long stride = subject == Subject::file ? 1 : kit::isSanitized ? 31 : 7;
             for (int what = 0; what < 4; ++what) {
-                faults::atCallsOf(which, 1 + what, stride,
-                                  [&](long call) { withPlaced(which, static_cast<Placed>(what), call); });
+                atCallsOf(which, 1 + what, stride,
+                          [&](long call) { withPlaced(which, static_cast<Placed>(what), call); });
             }
         }
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Migrations by options, followed and stopped.
+// Migrations by options, observed and stopped.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -10,8 +10,7 @@
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
-using scene::Detail;
-using scene::Digest;
+using namespace scene;
 
 namespace {
 
@@ -20,8 +19,8 @@ class Follower : public ZQMigrationObserver {
 public:
     std::string stopsBefore;
     std::uint64_t stopsBeyond = UINT64_MAX;
-    scene::Words items;
-    scene::Words results;
+    Words items;
+    Words results;
     std::uint64_t bytes = 0;
 
     bool migrationMayContinue(const ZQMigrationProgress& progress) override {
@@ -41,16 +40,16 @@ private:
     static std::string lastNames(const NSString& path) { return kit::utf8Of(path.lastPathComponent()); }
 };
 
-class MigrationObserver : public ::testing::Test {
+class FileMigrator : public ::testing::Test {
 protected:
     Digest contents(const char* name = "") const { return folder.digest(name, Detail::contents); }
-    scene::MigrationFolder folder;
+    MigrationFolder folder;
     Follower follower;
 };
 
 } // namespace
 
-TEST_F(MigrationObserver, isNotNeeded) {
+TEST_F(FileMigrator, needsNoObserver) {
     folder.write("a", "x");
     const ZQMigrationResult result =
         ZQFileMigrator::migrateFile(folder / "a", folder / "new/b", {.createDestinationParentFolder = true});
@@ -58,21 +57,19 @@ TEST_F(MigrationObserver, isNotNeeded) {
     EXPECT_FALSE(result.isStopped);
     EXPECT_EQ(result.destination, folder / "new/b");
     EXPECT_FALSE(kit::exists(folder / "a"));
-    EXPECT_EQ(ZQFileMigrator::migrateFile(nullptr, "x", {}).code, kFileMigrationSourceNotSpecified);
-    EXPECT_EQ(ZQFileMigrator::migrateFolder("x", nullptr, {}).code, kFileMigrationDestinationNotSpecified);
 }
 
-TEST_F(MigrationObserver, hearsTheNameThatACopyGot) {
+TEST_F(FileMigrator, reportsTheNameThatACopyGot) {
     folder.write("a", "x");
     folder.write("b.txt", "y");
     const ZQMigrationResult result = ZQFileMigrator::migrateFile(
         folder / "a", folder / "b.txt", {.keepOriginal = true, .renameIfDestinationExists = true}, &follower);
     EXPECT_EQ(result.destination, folder / "b 1.txt");
-    EXPECT_EQ(follower.items, (scene::Words{"a"}));
-    EXPECT_EQ(follower.results, (scene::Words{"a 0 b 1.txt"}));
+    EXPECT_EQ(follower.items, (Words{"a"}));
+    EXPECT_EQ(follower.results, (Words{"a 0 b 1.txt"}));
 }
 
-TEST_F(MigrationObserver, hearsOfItemsAndBytesInsideAFolder) {
+TEST_F(FileMigrator, reportsItemsAndBytesInsideAFolder) {
     folder.write("from/one", std::string(1000, 'x'));
     folder.write("from/sub/two", std::string(3000000, 'y'));
     EXPECT_EQ(ZQFileMigrator::migrateFolder(folder / "from", folder / "to", {}, &follower).code,
@@ -80,10 +77,10 @@ TEST_F(MigrationObserver, hearsOfItemsAndBytesInsideAFolder) {
     EXPECT_EQ(follower.items.size(), 4U);
     EXPECT_EQ(follower.items.front(), "from");
     EXPECT_EQ(follower.bytes, 3001000U);
-    EXPECT_EQ(follower.results, (scene::Words{"from 0 to"}));
+    EXPECT_EQ(follower.results, (Words{"from 0 to"}));
 }
 
-TEST_F(MigrationObserver, stopsAFolderAndLosesNothing) {
+TEST_F(FileMigrator, stopsAFolderAndLosesNothing) {
     folder.write("from/one", "1");
     folder.write("from/sub/two", "2");
     const Digest before = contents();
@@ -95,7 +92,7 @@ TEST_F(MigrationObserver, stopsAFolderAndLosesNothing) {
     EXPECT_EQ(contents(), before);
 }
 
-TEST_F(MigrationObserver, stopsALargeFileInTheMiddle) {
+TEST_F(FileMigrator, stopsALargeFileInTheMiddle) {
     folder.write("a", std::string(std::size_t{80} << 20, 'x'));
     follower.stopsBeyond = std::uint64_t{20} << 20;
     const ZQMigrationResult result = ZQFileMigrator::migrateFile(folder / "a", folder / "b", {}, &follower);
@@ -105,7 +102,7 @@ TEST_F(MigrationObserver, stopsALargeFileInTheMiddle) {
     EXPECT_EQ(contents().size(), 2U) << "nothing beside the source";
 }
 
-TEST_F(MigrationObserver, stopsBeforeAnythingHasHappened) {
+TEST_F(FileMigrator, stopsBeforeAnythingHasHappened) {
     folder.write("a", "x");
     follower.stopsBefore = "a";
     EXPECT_TRUE(ZQFileMigrator::migrateFile(folder / "a", folder / "new/b",
@@ -114,7 +111,7 @@ TEST_F(MigrationObserver, stopsBeforeAnythingHasHappened) {
     EXPECT_EQ(contents().size(), 2U);
 }
 
-TEST_F(MigrationObserver, stopsABatchBetweenFiles) {
+TEST_F(FileMigrator, stopsABatchBetweenFiles) {
     for (const char* name : {"a", "b", "c", "d"}) {
         folder.write(std::string("from/") + name, name);
     }
@@ -130,7 +127,7 @@ TEST_F(MigrationObserver, stopsABatchBetweenFiles) {
     EXPECT_TRUE(kit::exists(folder / "from/c"));
 }
 
-TEST_F(MigrationObserver, mayEndAMigrationByAnException) {
+TEST_F(FileMigrator, passesOnAnExceptionOfTheObserverAndLosesNothing) {
     class Thrower : public ZQMigrationObserver {
         bool migrationMayContinue(const ZQMigrationProgress& progress) override {
             if (progress.items > 2) {
@@ -148,7 +145,7 @@ TEST_F(MigrationObserver, mayEndAMigrationByAnException) {
 }
 
 // In both ways, the files are in a window by then: copied, and not yet removed.
-TEST_F(MigrationObserver, leavesNothingInTwoPlacesWhenItEndsABatchByAnException) {
+TEST_F(FileMigrator, leavesNothingInTwoPlacesWhenItEndsABatchByAnException) {
     struct Thrower : ZQMigrationObserver {
         bool throwsBefore = false;
         int calls = 0;
