@@ -46,10 +46,7 @@ Names sorted(Names names) {
 class DirectoryEnumerator : public scene::TreeTest {};
 
 TEST_F(DirectoryEnumerator, returnsEverythingBelowAndAFolderBeforeItsContents) {
-    folder.write("t/a.log", "");
-    folder.write("t/.dot/.inner", "");
-    folder.write("t/sub/deep/b", "");
-    folder.write("t/\xFF/\xC3\x28", "");
+    folder.writeFiles({"t/a.log", "t/.dot/.inner", "t/sub/deep/b", "t/\xFF/\xC3\x28"});
     folder.makeFolder("t/empty");
     folder.write("outside/x", "");
     folder.link("../outside", "t/link");
@@ -87,9 +84,7 @@ TEST_F(DirectoryEnumerator, theStartMayBeALinkAndMustBeAFolder) {
 }
 
 TEST_F(DirectoryEnumerator, skipsOnlyTheFolderReturnedLast) {
-    folder.write("t/a/x/f", "");
-    folder.write("t/b/y/f", "");
-    folder.write("t/c", "");
+    folder.writeFiles({"t/a/x/f", "t/b/y/f", "t/c"});
     NSDirectoryEnumerator items = itemsOf(in("t"));
     items.skipDescendents(); // nothing has been enumerated yet
     Names names;
@@ -104,9 +99,7 @@ TEST_F(DirectoryEnumerator, skipsOnlyTheFolderReturnedLast) {
 }
 
 TEST_F(DirectoryEnumerator, returnsButSkipsWhatCannotBeRead) {
-    folder.write("t/closed/f", "");
-    folder.write("t/names-only/f", "");
-    folder.write("t/open/f", "");
+    folder.writeFiles({"t/closed/f", "t/names-only/f", "t/open/f"});
     folder.setMode("t/closed", 0);
     folder.setMode("t/names-only", 0744); // the names can be read, the items cannot be reached
     const int answer = kit::inUnprivilegedChild([this] {
@@ -174,8 +167,7 @@ TEST_F(DirectoryEnumerator, aFolderMovedAwayLeadsNowhereElse) {
 }
 
 TEST_F(DirectoryEnumerator, aLinkThatIsSwappedInIsNeverEntered) {
-    folder.write("outside/secret", "");
-    folder.write("t/y/f", "");
+    folder.writeFiles({"outside/secret", "t/y/f"});
     kit::Meanwhile attacker([&] {
         ::mkdir(in("t/x").c_str(), 0755);
         ::rmdir(in("t/x").c_str());

@@ -53,9 +53,6 @@ protected:
         folder.makeFolder("shared");
         folder.setMode("shared", 01777);
     }
-    void giveAway(const std::string& name) {
-        ASSERT_EQ(::lchown(in(name).c_str(), stranger, stranger), 0) << std::strerror(errno);
-    }
 };
 
 TEST_F(GuardedOpening, appendsToAFileAndReadsIt) {
@@ -196,8 +193,7 @@ TEST_F(GuardedOpening, leavesNoDescriptorOpen) {
 }
 
 TEST_F(GuardedOpening, whatIsThereMayBeAppendedToOrNot) {
-    folder.write("shared/own", "");
-    folder.write("log", "");
+    folder.writeFiles({"shared/own", "log"});
     folder.link("own", "shared/l");
     EXPECT_TRUE(mayAppendGuarded(in("shared/own")));
     EXPECT_TRUE(mayAppendGuarded(in("shared/l")));
@@ -231,7 +227,7 @@ protected:
         folder.write("shared/file", "f");
         folder.makePipe("shared/pipe");
         for (const char* const name : {"shared/folder", "shared/link", "shared/file", "shared/pipe"}) {
-            giveAway(name);
+            folder.setOwner(name, stranger);
         }
         folder.link("shared/link", "outside");
     }
@@ -249,7 +245,7 @@ TEST_F(GuardedOpeningAmongOthers, theirLinksAndFilesAreRefused) {
 }
 
 TEST_F(GuardedOpeningAmongOthers, theFoldersOwnerIsTrusted) {
-    ASSERT_EQ(::chown(in("shared").c_str(), stranger, stranger), 0);
+    folder.setOwner("shared", stranger);
     for (const char* const name :
          {"shared/folder/log", "shared/link", "shared/file", "shared/pipe", "outside"}) {
         EXPECT_EQ(errorOf(in(name)), 0) << name;

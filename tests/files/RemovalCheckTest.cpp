@@ -164,7 +164,7 @@ TEST_F(RemovalCheck, seesStickyFoldersWithItemsOfOthers) {
     ::chmod(in("tree").c_str(), 0777);
     ::chmod(in("tree/sub").c_str(), 01777);
     EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), EPERM); }), 0);
-    ASSERT_EQ(::chown(in("tree/sub/two").c_str(), 65534, 65534), 0);
+    folder.setOwner("tree/sub/two", 65534);
     EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
     EXPECT_EQ(reason(nullptr), 0);
 }

@@ -46,9 +46,7 @@ TEST_F(TreeRemoval, takesAFileALinkAndAPipe) {
 
 TEST_F(TreeRemoval, takesAWholeTreeWithoutFollowingLinks) {
     folder.write("outside/f", "kept");
-    folder.write("t/a/b/f", "");
-    folder.write("t/a/.hidden", "");
-    folder.write("t/\xFF\xC3\x28/\xA9", "");
+    folder.writeFiles({"t/a/b/f", "t/a/.hidden", "t/\xFF\xC3\x28/\xA9"});
     folder.makeFolder("t/empty");
     folder.makeFolder("t/..x");
     folder.link("../../outside", "t/a/l");

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -85,6 +86,14 @@ public:
         return *this / name;
     }
 
+    /// Writes files that contain their own names, each at the place followed by its name.
+    void writeFiles(const std::vector<std::string>& names, const std::string& place = "") const {
+        for (const std::string& name : names) {
+            write(place + name, name);
+        }
+    }
+
+    /// Makes a symbolic link with this text, or a pipe, and returns its path.
     std::string link(const std::string& target, const std::string& name) const {
         EXPECT_EQ(::symlink(target.c_str(), (*this / name).c_str()), 0) << name << std::strerror(errno);
         return *this / name;
@@ -96,6 +105,11 @@ public:
     /// The permissions of an item; "" is the folder itself.
     void setMode(const std::string& name, mode_t mode) const {
         EXPECT_EQ(::chmod((*this / name).c_str(), mode), 0) << name << std::strerror(errno);
+    }
+    /// Gives an item to another user and group of this number, which only root can do; links are not
+    /// followed.
+    void setOwner(const std::string& name, uid_t owner) const {
+        EXPECT_EQ(::lchown((*this / name).c_str(), owner, owner), 0) << name << std::strerror(errno);
     }
 
 private:

@@ -73,9 +73,9 @@ TEST_F(BatchMigration, ofNothingHasNoResults) {
 }
 
 TEST_F(BatchMigration, selectsByTheExactExtension) {
-    folder.files({"a.log", "sub/b.log", "c.LOG", "d.log2", "log", "e.log.txt", "x.log/inside.txt",
-                  "x.log/f.log", ".log", "g.x.log", "h."},
-                 "from/");
+    folder.writeFiles({"a.log", "sub/b.log", "c.LOG", "d.log2", "log", "e.log.txt", "x.log/inside.txt",
+                       "x.log/f.log", ".log", "g.x.log", "h."},
+                      "from/");
     EXPECT_EQ(migrated(".log"), Codes{}) << "an extension has no period";
     EXPECT_EQ(migrated("log"), (Codes{{"a.log", 0}, {"sub/b.log", 0}, {"x.log/f.log", 0}, {"g.x.log", 0}}));
     EXPECT_EQ(folder.digest("to", Detail::contents), (Digest{{"", "folder"},
@@ -92,7 +92,7 @@ TEST_F(BatchMigration, selectsByTheExactExtension) {
 
 TEST_F(BatchMigration, withoutExtensionSelectsEveryFile) {
     for (const NSString& extension : {NSString(), NSString("")}) {
-        folder.files({"a.log", "b", "sub/c.txt", "sub/deep/.d", ".e/f"}, "from/");
+        folder.writeFiles({"a.log", "b", "sub/c.txt", "sub/deep/.d", ".e/f"}, "from/");
         folder.makeFolder("from/empty");
         EXPECT_EQ(migrated(extension, {false, true, true, false}),
                   (Codes{{"a.log", 0}, {"b", 0}, {"sub/c.txt", 0}, {"sub/deep/.d", 0}, {".e/f", 0}}));
@@ -101,8 +101,9 @@ TEST_F(BatchMigration, withoutExtensionSelectsEveryFile) {
 }
 
 TEST_F(BatchMigration, skipsWhatBeginsWithAPeriodAtTheTopAlone) {
-    folder.files({".profile", ".git/config", ".git/sub/x", "docs/.notes.log", "docs/.git/y", "a", ".top.log"},
-                 "from/");
+    folder.writeFiles(
+        {".profile", ".git/config", ".git/sub/x", "docs/.notes.log", "docs/.git/y", "a", ".top.log"},
+        "from/");
     EXPECT_EQ(migrated("log", moving, DotFiles::skipped), (Codes{{"docs/.notes.log", 0}}));
     EXPECT_EQ(migrated(nullptr, moving, DotFiles::skipped), (Codes{{"docs/.git/y", 0}, {"a", 0}}));
     EXPECT_TRUE(folder.has("from/.git/config"));
@@ -112,7 +113,7 @@ TEST_F(BatchMigration, skipsWhatBeginsWithAPeriodAtTheTopAlone) {
 
 TEST_F(BatchMigration, continuesAfterAFailure) {
     const kit::NoLanguages english;
-    folder.files({"a.log", "b.log", "c.log"}, "from/");
+    folder.writeFiles({"a.log", "b.log", "c.log"}, "from/");
     folder.write("to/b.log", "old");
     const NSDictionary results =
         migrateFiles("log", folder / "from", folder / "to", DotFiles::included, moving);
@@ -149,7 +150,7 @@ TEST_F(BatchMigration, passesTheFlagsOnToEveryFile) {
 }
 
 TEST_F(BatchMigration, needsTheFoldersAtTheDestination) {
-    folder.files({"a.log", "sub/b.log"}, "from/");
+    folder.writeFiles({"a.log", "sub/b.log"}, "from/");
     EXPECT_EQ(migrated("log", copying), (Codes{{"a.log", 20}, {"sub/b.log", 20}}));
     folder.makeFolder("to");
     EXPECT_EQ(migrated("log", copying), (Codes{{"a.log", 0}, {"sub/b.log", 20}}));
@@ -251,7 +252,7 @@ TEST_F(BatchMigration, removesWhileItEnumerates) {
 }
 
 TEST_F(BatchMigration, ofAFolderIntoItselfFailsFileByFile) {
-    folder.files({"a.log", "sub/b.log"}, "from/");
+    folder.writeFiles({"a.log", "sub/b.log"}, "from/");
     const Digest before = folder.digest("from");
     EXPECT_EQ(folder.migrateLogs("from", "from", moving), "{ a.log = 30; sub/b.log = 30; }");
     EXPECT_EQ(folder.migrateLogs("from", "from", overwriting), "{ a.log = 34; sub/b.log = 34; }");
@@ -287,7 +288,7 @@ TEST_F(BatchMigration, keepsWhatItHasBroughtThroughALink) {
     folder.link("one", "to/two");
     folder.link(".", "to/sub");
     for (const bool keeps : {true, false}) {
-        folder.files({"one/x.log", "two/x.log", "one/y.log", "x.log", "sub/x.log"}, "from/");
+        folder.writeFiles({"one/x.log", "two/x.log", "one/y.log", "x.log", "sub/x.log"}, "from/");
         const Codes codes = migrated("log", {keeps, true, true, false});
         EXPECT_EQ(codes.size(), 5U);
         expectOneOfTwo(codes, "one/x.log", "two/x.log", "one/x.log", keeps);
@@ -303,7 +304,7 @@ TEST_F(BatchMigration, ofHundredsKeepsAllThatItHasBrought) {
     Words names;
     for (int number = 0; number < 300; ++number) {
         names.push_back("/" + std::to_string(number) + ".log");
-        folder.files({"one" + names.back(), "two" + names.back()}, "from/");
+        folder.writeFiles({"one" + names.back(), "two" + names.back()}, "from/");
         folder.write("to/one" + names.back(), "old");
     }
     const Codes codes = migrated("log", overwriting);
@@ -314,7 +315,7 @@ TEST_F(BatchMigration, ofHundredsKeepsAllThatItHasBrought) {
 }
 
 TEST_F(BatchMigration, replacesTwoNamesOfOneOlderFile) {
-    folder.files({"one/x.log", "two/x.log"}, "from/");
+    folder.writeFiles({"one/x.log", "two/x.log"}, "from/");
     folder.write("to/one/x.log", "old");
     folder.makeFolder("to/two");
     ASSERT_EQ(::link((folder / "to/one/x.log").c_str(), (folder / "to/two/x.log").c_str()), 0);

@@ -59,7 +59,7 @@ void expectRefusal(const MigrationFolder& folder, const Operation& migrate, cons
 TEST(ItemMigration, keepsContentsPermissionsAndTimes) {
     const MigrationFolder folder;
     folder.write("file", std::string(300000, 'x') + "end");
-    folder.files({"one.txt", ".hidden/two", "sub/deeper/three"}, "folder/");
+    folder.writeFiles({"one.txt", ".hidden/two", "sub/deeper/three"}, "folder/");
     folder.write("folder/empty", "");
     folder.write("folder/large", std::string(70000, '3'));
     folder.makeFolder("folder/nothing");

@@ -26,10 +26,6 @@ namespace {
 constexpr uid_t somebody = 65534; ///< the user of `kit::inUnprivilegedChild`
 constexpr uid_t somebodyElse = 65533;
 
-void giveTo(const std::string& path, uid_t owner) {
-    EXPECT_EQ(::lchown(path.c_str(), owner, owner), 0) << path << ": " << std::strerror(errno);
-}
-
 /// base/from/tree and base/from/file, which belong to an ordinary user where a test runs as root.
 struct Tree {
     Tree() {
@@ -43,7 +39,7 @@ struct Tree {
         folder.setMode("from", 0777);
         for (const auto& [name, what] : folder.digest("from")) {
             if (kit::isRoot() && !name.empty()) {
-                giveTo(folder / ("from/" + name), somebody);
+                folder.setOwner("from/" + name, somebody);
             }
         }
     }
@@ -147,7 +143,7 @@ TEST(KeptSources, areWholeWithAReadOnlyFolderInside) {
 TEST(KeptSources, areWholeInAFolderThatMayNotBeWrittenTo) {
     const Tree tree;
     if (kit::isRoot()) {
-        giveTo(tree / "from", somebody);
+        tree.folder.setOwner("from", somebody);
     }
     tree.folder.setMode("from", 0555);
     EXPECT_EQ(kit::inUnprivilegedChild([&] {
@@ -171,7 +167,7 @@ TEST(KeptSources, ofAnotherUserAreWhole) {
     for (const auto& row : rows) {
         const Tree tree;
         for (const std::string& name : row.given) {
-            giveTo(tree / name, somebodyElse);
+            tree.folder.setOwner(name, somebodyElse);
         }
         if (row.sticky != nullptr) {
             tree.folder.setMode(row.sticky, 01777);
@@ -186,7 +182,7 @@ TEST(KeptSources, ofAnotherUserAreWhole) {
             << row.given.back();
     }
     const Tree tree;
-    giveTo(tree / "from/tree/inner", somebodyElse);
+    tree.folder.setOwner("from/tree/inner", somebodyElse);
     tree.folder.setMode("from/tree/inner", 0700);
     EXPECT_EQ(kit::inUnprivilegedChild([&] { expectNotCopied(tree); }), 0);
     EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another");
@@ -225,7 +221,7 @@ TEST(KeptSources, areWholeWithImmutableOrAppendOnlyItemsInside) {
 TEST(KeptSources, ofImmutableOrAppendOnlyFilesAreWhole) {
     for (const int flag : {FS_IMMUTABLE_FL, FS_APPEND_FL}) {
         const Tree tree;
-        tree.folder.files({"a.log", "sub/b.log", "sub/c.log"}, "logs/");
+        tree.folder.writeFiles({"a.log", "sub/b.log", "sub/c.log"}, "logs/");
         const Flagged file(tree / "from/file", flag);
         const Flagged log(tree / "logs/sub/b.log", flag);
         if (!file.isSet() || !log.isSet()) {

@@ -20,8 +20,6 @@
 
 #include "foundation/objects/ClassesByName.h"
 #include "migration/ZQFileMigrator.h"
-#include "tests/kit/Child.h"
-#include "tests/kit/Environment.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/kit/Values.h"
@@ -226,12 +224,6 @@ class MigrationFolder : public kit::ScratchFolder {
 public:
     MigrationFolder() { setMode("", 0777); }
 
-    /// Files that contain their own names.
-    void files(const Words& names, const std::string& place = "") const {
-        for (const std::string& name : names) {
-            write(place + name, name);
-        }
-    }
     bool has(const std::string& name) const { return kit::exists(*this / name); }
     std::string contents(const std::string& name) const { return kit::contentsOf(*this / name); }
     /// The result of a batch of "log" files, among them those whose names begin with a period.

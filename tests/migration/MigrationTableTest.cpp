@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 #include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
 

@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/kit/Environment.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/migration/faults/Leftovers.h"
 #include "tests/migration/faults/Verdict.h"

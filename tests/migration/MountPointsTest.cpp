@@ -21,9 +21,9 @@ enum class Volume { own, bound };
 /// from/tree, to/tree, single files, and "volume" with two files in it, which is mounted somewhere.
 struct Places {
     Places() {
-        folder.files({"from/tree/one", "from/tree/sub/two", "from/tree/at/three", "from/file",
-                      "from/batch/a.log", "from/batch/sub/b.log", "to/tree/old", "to/tree/sub/old",
-                      "to/tree/at/old", "to/file", "to/batch/a.log", "to/batch/sub/b.log"});
+        folder.writeFiles({"from/tree/one", "from/tree/sub/two", "from/tree/at/three", "from/file",
+                           "from/batch/a.log", "from/batch/sub/b.log", "to/tree/old", "to/tree/sub/old",
+                           "to/tree/at/old", "to/file", "to/batch/a.log", "to/batch/sub/b.log"});
         fillVolume();
     }
     std::string operator/(const std::string& name) const { return folder / name; }
@@ -63,7 +63,7 @@ struct Places {
     MigrationFolder folder;
 
 private:
-    void fillVolume() const { folder.files({"file", "sub/file"}, "volume/"); }
+    void fillVolume() const { folder.writeFiles({"file", "sub/file"}, "volume/"); }
 };
 
 /// The body with each kind of volume at each of these places.

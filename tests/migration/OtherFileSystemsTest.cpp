@@ -151,7 +151,7 @@ TEST(OtherFileSystems, withoutAttributesGetNothingThatHasThem) {
     const std::string list = listForUser(6);
     for (const Attribute& attribute : {Attribute{"user.note", "kept"}, Attribute{accessList, list}}) {
         const TwoFileSystems places;
-        places.folder.files({"here/one.log", "here/two.log", "here/tree/sub/deeper/three"});
+        places.folder.writeFiles({"here/one.log", "here/two.log", "here/tree/sub/deeper/three"});
         // Another user's entry and the group's right to read; the mask shows in the mode as the group's.
         places.folder.setMode("here/one.log", 0640);
         if (!attribute.isGivenTo(places / "here/one.log") ||

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "tests/kit/Environment.h"
 #include "tests/kit/Mounts.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"

@@ -34,8 +34,7 @@ protected:
     Digest contents() const { return folder.digest("", Detail::contents); }
     void giveTo(const std::string& name, uid_t owner) const {
         for (const auto& [path, what] : folder.digest(name)) {
-            ASSERT_EQ(::lchown((folder / (path.empty() ? name : name + "/" + path)).c_str(), owner, owner),
-                      0);
+            folder.setOwner(path.empty() ? name : name + "/" + path, owner);
         }
     }
 

@@ -56,7 +56,7 @@ TEST_F(SetAside, takesAnItemAwayAndGivesItsNameBack) {
 }
 
 TEST_F(SetAside, leavesAnotherItemWhereItIs) {
-    folder.files({"a", "b"});
+    folder.writeFiles({"a", "b"});
     const ItemPlace place = placeOf("a");
     detail::SetAside aside(place);
     EXPECT_FALSE(aside.take(itemAt(placeOf("b"))));

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"
@@ -76,7 +77,7 @@ public:
         }
         if (owner_ != 0) { // and so this is root; the swapper needs to own the folders in which it swaps
             for (const char* name : {"", "/sub", "/sub/deeper"}) {
-                EXPECT_EQ(::chown((folder_ / (staged + name)).c_str(), owner_, owner_), 0);
+                folder_.setOwner(staged + name, owner_);
             }
         }
         ::rename((folder_ / staged).c_str(), at.c_str());
@@ -270,7 +271,7 @@ TEST(Swapping, ofParentsInAStickyFolderHarmsNoVictim) {
     scene.folder().link(scene / "victim", "swap/from");
     scene.folder().link(scene / "victim", "swap/to");
     for (const char* const name : {"work/from", "work/to", "swap", "swap/from", "swap/to"}) {
-        ASSERT_EQ(::lchown((scene / name).c_str(), 65534, 65534), 0);
+        scene.folder().setOwner(name, 65534);
     }
     const std::string pairs[2][2] = {{scene / "work/from", scene / "swap/from"},
                                      {scene / "work/to", scene / "swap/to"}};

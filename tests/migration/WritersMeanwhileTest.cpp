@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/kit/Environment.h"
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/migration/faults/Verdict.h"

@@ -112,9 +112,7 @@ TEST_F(FileMigrator, stopsBeforeAnythingHasHappened) {
 }
 
 TEST_F(FileMigrator, stopsABatchBetweenFiles) {
-    for (const char* name : {"a", "b", "c", "d"}) {
-        folder.write(std::string("from/") + name, name);
-    }
+    folder.writeFiles({"a", "b", "c", "d"}, "from/");
     follower.stopsBefore = "c";
     const ZQBatchMigrationResult result = ZQFileMigrator::migrateFiles(
         nullptr, folder / "from", folder / "to", {.createDestinationParentFolder = true}, &follower);
@@ -159,9 +157,7 @@ TEST_F(FileMigrator, leavesNothingInTwoPlacesWhenItEndsABatchByAnException) {
         [[noreturn]] static bool fail() { throw 7; }
     };
     for (const bool throwsBefore : {true, false}) {
-        for (const char* name : {"a", "b", "c", "d", "e", "f"}) {
-            folder.write(std::string("from/") + name, name);
-        }
+        folder.writeFiles({"a", "b", "c", "d", "e", "f"}, "from/");
         Thrower thrower;
         thrower.throwsBefore = throwsBefore;
         EXPECT_THROW(static_cast<void>(ZQFileMigrator::migrateFiles(nullptr, folder / "from", folder / "to",

@@ -131,7 +131,7 @@ TEST(ZqmigrateTool, movesAFolderWithItsContents) {
 
 TEST(ZqmigrateTool, movesTheChosenFilesOfABatch) {
     const MigrateTool tool;
-    tool.folder().files({"a/1.log", "a/2.LOG", "a/3.txt", "a/.4.log", "a/sub/5.log", "a/sub/.6.log"});
+    tool.folder().writeFiles({"a/1.log", "a/2.LOG", "a/3.txt", "a/.4.log", "a/sub/5.log", "a/sub/.6.log"});
     tool.folder().makeFolder("b");
     const Outcome outcome = tool.run({"batch", "--extension", "log", "a", "b"});
     EXPECT_EQ(outcome.status, 1);
@@ -152,7 +152,7 @@ TEST(ZqmigrateTool, movesTheChosenFilesOfABatch) {
 
 TEST(ZqmigrateTool, overwritesOrRenamesWhenItMay) {
     const MigrateTool tool;
-    tool.folder().files({"a/sub/n.txt", "b/sub/n.txt", "b/sub/n 1.txt"});
+    tool.folder().writeFiles({"a/sub/n.txt", "b/sub/n.txt", "b/sub/n 1.txt"});
     const Outcome refused = tool.run({"batch", "a", "b"});
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.output, "");
@@ -291,7 +291,7 @@ TEST(ZqmigrateTool, reportsDanglingLinks) {
 
 TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
     const MigrateTool tool;
-    tool.folder().files({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
+    tool.folder().writeFiles({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
     struct {
         Words words;
         int status;
@@ -308,7 +308,7 @@ TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
     };
     for (const auto& row : rows) {
         const MigrateTool real;
-        real.folder().files({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
+        real.folder().writeFiles({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
         const scene::Digest before = tool.folder().digest("", scene::Detail::times);
         Words trial = row.words;
         trial.insert(trial.begin(), "-n");

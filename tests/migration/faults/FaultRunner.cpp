@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/kit/Environment.h"
 #include "tests/migration/faults/Verdict.h"
 
 using namespace ZQFoundation;

@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 #include "tests/kit/Child.h"
+#include "tests/kit/Environment.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/StoppedCall.h"
 
