@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The reasons of failures as texts.
+#include "foundation/files/FileError.h"
+
 #include <cerrno>
 
 #include <gtest/gtest.h>
 
-#include "foundation/files/FileError.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/Values.h"
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Opening files to append to, and which links and files of others are refused.
+#include "foundation/files/GuardedOpening.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -14,7 +16,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "foundation/files/GuardedOpening.h"
 #include "foundation/files/NSFileManager.h"
 #include "tests/files/FileScene.h"
 #include "tests/kit/Child.h"

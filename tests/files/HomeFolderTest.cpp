@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The home folder of the process and of accounts.
+#include "foundation/files/HomeFolder.h"
+
 #include <string>
 
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
 
-#include "foundation/files/HomeFolder.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading, writing and seeking with file handles, and who closes their descriptors.
+#include "foundation/files/NSFileHandle.h"
+
 #include <cerrno>
 #include <csignal>
 #include <string>
@@ -12,7 +14,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "foundation/files/NSFileHandle.h"
 #include "foundation/files/NSFileManager.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"

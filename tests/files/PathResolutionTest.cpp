@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Expanding a tilde, standardizing paths and replacing their links.
+#include "foundation/files/PathResolution.h"
+
 #include <cerrno>
 #include <initializer_list>
 #include <string>
@@ -10,7 +12,6 @@
 #include <unistd.h>
 
 #include "foundation/files/HomeFolder.h"
-#include "foundation/files/PathResolution.h"
 #include "tests/files/FileScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The last check of what is to be removed.
+#include "foundation/files/RemovalCheck.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +15,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "foundation/files/RemovalCheck.h"
 #include "foundation/files/TreeCopy.h"
 #include "foundation/system/OpenFolders.h"
 #include "tests/kit/Child.h"

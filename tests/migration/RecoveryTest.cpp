@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Recovery of what a killed process has left.
+#include "migration/Recovery.h"
+
 #include <string>
 
 #include <fcntl.h>
@@ -8,7 +10,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "migration/Recovery.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
 #include "tests/migration/MigrationScene.h"
