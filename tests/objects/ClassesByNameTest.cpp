@@ -129,11 +129,11 @@ TEST(ClassesByName, areFoundFromManyThreads) {
         const std::string name = "ZQPassingClass" + std::to_string(number);
         for (int turn = 0; turn < 500; ++turn) {
             const ClassRegistration passing(name, echo("passing"));
-            EXPECT_EQ(nameBehind(name), "passing");
-            EXPECT_EQ(nameBehind("ZQSteadyClass"), "steady");
+            EXPECT_EQ(registeredName(name), "passing");
+            EXPECT_EQ(registeredName("ZQSteadyClass"), "steady");
         }
     });
-    EXPECT_EQ(nameBehind("ZQPassingClass0"), "(nil)");
+    EXPECT_EQ(registeredName("ZQPassingClass0"), "(nil)");
 }
 
 TEST(Selectors, areMadeFromAnyName) {
