@@ -13,9 +13,19 @@ install(TARGETS ${ZQ_FORMS} EXPORT ZQFoundationTargets
     FRAMEWORK DESTINATION Library/Frameworks COMPONENT runtime
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/resources/" DESTINATION "${ZQ_INSTALL_RESOURCES}" COMPONENT runtime)
-install(FILES LICENSE README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+    COMPONENT development)
 install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN doxygen EXCLUDE)
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN doxygen EXCLUDE PATTERN operations.md EXCLUDE)
+# The reference of operations links to the headers, which are in another place once installed.
+set(reference "${PROJECT_SOURCE_DIR}/docs/operations.md")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${reference}")
+file(RELATIVE_PATH headers "/prefix/${CMAKE_INSTALL_DOCDIR}/docs" "/prefix/${ZQ_INSTALL_INCLUDE}/ZQFoundation")
+file(READ "${reference}" text)
+string(REPLACE "](../" "](${headers}/" text "${text}")
+file(WRITE "${PROJECT_BINARY_DIR}/package/operations.md" "${text}")
+install(FILES "${PROJECT_BINARY_DIR}/package/operations.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
+    COMPONENT development)
 
 install(EXPORT ZQFoundationTargets NAMESPACE ZQFoundation:: DESTINATION "${package_folder}" COMPONENT development)
 configure_package_config_file(cmake/ZQFoundationConfig.cmake.in "${PROJECT_BINARY_DIR}/package/ZQFoundationConfig.cmake"
