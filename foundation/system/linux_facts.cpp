@@ -174,7 +174,7 @@ std::string libraryPath() {
     static const char anchor = 0;
     Dl_info information;
     if (dladdr(&anchor, &information) == 0 || information.dli_fname == nullptr) {
-        return {};
+        return executablePath(); // a static program has no loader that could tell
     }
     // For the program itself, the loader's only name is argument 0, whatever that contains by now.
     // Compared as pointers, because the loader hands out that very string.

@@ -80,13 +80,13 @@ timespec timeOf(const KernelTime& time) noexcept {
 /// item once.
 void fill(struct stat& information, const KernelFacts& facts) noexcept {
     information = {};
-    information.st_dev = ::makedev(facts.deviceMajor, facts.deviceMinor);
+    information.st_dev = makedev(facts.deviceMajor, facts.deviceMinor);
     information.st_ino = facts.inode;
     information.st_mode = facts.mode;
     information.st_nlink = facts.links;
     information.st_uid = facts.user;
     information.st_gid = facts.group;
-    information.st_rdev = ::makedev(facts.ownMajor, facts.ownMinor);
+    information.st_rdev = makedev(facts.ownMajor, facts.ownMinor);
     information.st_size = static_cast<off_t>(facts.bytes);
     information.st_blksize = static_cast<blksize_t>(facts.blockBytes);
     information.st_blocks = static_cast<blkcnt_t>(facts.blocks);

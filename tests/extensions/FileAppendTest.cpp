@@ -196,9 +196,9 @@ TEST(FileAppend, leavesADanglingLinkWhereFoldersCannotBeLocked) {
 TEST(FileAppend, isFalseIfClosingReportsAFailedWrite) {
     const kit::ScratchFolder folder;
     for (const auto& [error, isAppended] : {std::pair(EIO, false), std::pair(EINTR, true)}) {
-        EXPECT_EQ(kit::inChild([&, error = error, isAppended = isAppended] {
-                      return kit::refuseCall(SYS_close, static_cast<unsigned>(error)) &&
-                                     append("text", folder / "f") == isAppended
+        EXPECT_EQ(kit::inChild([&, refusal = error, wanted = isAppended] {
+                      return kit::refuseCall(SYS_close, static_cast<unsigned>(refusal)) &&
+                                     append("text", folder / "f") == wanted
                                  ? 0
                                  : 1;
                   }),

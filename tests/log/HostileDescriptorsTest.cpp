@@ -339,15 +339,15 @@ void writeToFullChannel(Channel channel) {
     constexpr int lines = 40;
     LineChecker checker;
     std::thread reader([&checker, end] { checker.takeAllOf(end, 8'192, [] { ::usleep(3'000); }); });
-    std::atomic<double> used = 0;
+    std::atomic<long> usedMicroseconds = 0;
     const double start = secondsOf(CLOCK_MONOTONIC);
     std::vector<std::thread> threads;
     for (int writer = 0; writer < writers; ++writer) {
-        threads.emplace_back([writer, &used] {
+        threads.emplace_back([writer, &usedMicroseconds] {
             for (int i = 0; i < lines; ++i) {
                 ZQLog::log(numberedText(writer, i, 10'000));
             }
-            used += secondsOf(CLOCK_THREAD_CPUTIME_ID);
+            usedMicroseconds += static_cast<long>(secondsOf(CLOCK_THREAD_CPUTIME_ID) * 1e6);
         });
     }
     for (std::thread& thread : threads) {
@@ -357,7 +357,7 @@ void writeToFullChannel(Channel channel) {
     ::close(STDERR_FILENO);
     reader.join();
     // A thread that spun would use a whole processor for as long as the reader takes.
-    EXPECT_LT(used, waited / 2);
+    EXPECT_LT(static_cast<double>(usedMicroseconds), waited * 1e6 / 2);
     EXPECT_EQ(checker.verdict(writers, lines), "");
 }
 
