@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <initializer_list>
 
 /// Counts SIGINT, SIGTERM and SIGHUP from `awaitSignals` on: the first one stops the work, a second one also
 /// stops what is done after it. Any thread.

@@ -35,8 +35,8 @@ public:
 
     void setArgument(int index, std::uint64_t value) {
 #if defined(__x86_64__)
-        unsigned long long* const places[] = {&values_.rdi, &values_.rsi, &values_.rdx,
-                                              &values_.r10, &values_.r8,  &values_.r9};
+        decltype(values_.rdi)* const places[] = {&values_.rdi, &values_.rsi, &values_.rdx,
+                                                 &values_.r10, &values_.r8,  &values_.r9};
         *places[index] = value;
 #elif defined(__aarch64__)
         values_.regs[index] = value;
