@@ -13,8 +13,8 @@
 #include "info/RoutingSocket.h"
 #include "log/ZQLog.h"
 #include "tests/kit/Items.h"
-#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 

@@ -20,8 +20,8 @@
 #include "tests/files/FileScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
-#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::detail;

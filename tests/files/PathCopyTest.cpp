@@ -16,9 +16,9 @@
 #include "tests/files/CopyScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
-#include "tests/kit/Meanwhile.h"
 #include "tests/kit/Mounts.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 using scene::copyItem;

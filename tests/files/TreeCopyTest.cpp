@@ -17,8 +17,8 @@
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/Items.h"
-#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 using scene::copyItem;

@@ -13,8 +13,8 @@
 #include "tests/files/FileScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
-#include "tests/kit/Meanwhile.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
