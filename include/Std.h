@@ -55,11 +55,8 @@ bool holdsNumber(const NSNumber& number) {
     }
 }
 
-/// From 1970 to the reference instant of dates.
-inline constexpr double referenceSeconds = 978307200;
-
-/// The whole units in these seconds, which are not negative or count from 1970, rounded down. One more, if
-/// what is missing is no more than what doubles of that size (or of `leastSize`) leave out.
+/// The seconds in units of the duration, rounded down; up, if they are as close to the next unit as the
+/// precision of a double allows: of the seconds, or of `leastSize` if that is larger.
 template <class Duration>
 double ticksOf(double seconds, double leastSize) {
     using Period = typename Duration::period;
@@ -132,9 +129,9 @@ struct ObjectConversion<std::filesystem::path> {
     }
 };
 
-/// A time of the system's clock is a date. On the way back, what is finer than the clock is rounded toward
-/// the past, unless it is less than what a date can tell apart (a quarter of a microsecond); a date beyond
-/// the clock's range is its nearest time, and anything but a date is 1970.
+/// A time of the system's clock is a date. Back: rounded toward the past to the clock's precision, except
+/// that differences below the precision of dates (about a quarter of a microsecond) are ignored. A date
+/// outside the clock's range becomes its first or last time; anything but a date becomes 1970.
 template <class Duration>
 struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Duration>> {
     using Time = std::chrono::time_point<std::chrono::system_clock, Duration>;
@@ -143,19 +140,22 @@ struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Durat
             std::chrono::duration<double>(time.time_since_epoch()).count());
     }
     static Time fromObject(const NSObject& object) {
-        const double seconds = object.as<NSDate>().timeIntervalSince1970();
-        return Time(
-            detail::durationOf<Duration>(detail::ticksOf<Duration>(seconds, detail::referenceSeconds)));
+        return Time(detail::durationOf<Duration>(ticksOf(object)));
     }
     static bool isHeld(const NSObject& object) {
-        const NSDate date(object);
-        return date && detail::holdsTicks<Duration>(
-                           detail::ticksOf<Duration>(date.timeIntervalSince1970(), detail::referenceSeconds));
+        return NSDate(object) && detail::holdsTicks<Duration>(ticksOf(object));
+    }
+
+private:
+    static double ticksOf(const NSObject& object) {
+        return detail::ticksOf<Duration>(object.as<NSDate>().timeIntervalSince1970(),
+                                         NSDate::timeIntervalBetween1970AndReferenceDate);
     }
 };
 
-/// A duration is a number of seconds. On the way back, what is finer than its unit is cut, unless the number
-/// is as close to the next unit as a real number comes; a number beyond its range is its longest.
+/// A duration is a number of seconds. Back: truncated to the duration's unit, except that differences below
+/// the precision of a double are ignored. A number outside its range becomes the shortest or longest
+/// duration; anything but a number becomes 0.
 template <class Rep, class Period>
 struct ObjectConversion<std::chrono::duration<Rep, Period>> {
     using Duration = std::chrono::duration<Rep, Period>;
@@ -176,8 +176,8 @@ private:
     }
 };
 
-/// The seconds from one date to another, and dates that much later or earlier. Nil is as long ago as the
-/// reference instant in a difference, and stays nil in a sum.
+/// The seconds from the right date to the left one, as `timeIntervalSinceDate`; and a date that much later or
+/// earlier, nil for a nil date.
 inline std::chrono::duration<double> operator-(const NSDate& left, const NSDate& right) noexcept {
     return std::chrono::duration<double>(left.timeIntervalSinceDate(right));
 }
@@ -202,7 +202,7 @@ struct ObjectConversion<std::error_code> {
 };
 
 /// The value or nil. Back: nothing for nil, for a value of another kind, and for a number, date or text that
-/// the type has no room for.
+/// the type cannot represent.
 template <class T>
 struct ObjectConversion<std::optional<T>> {
     static NSObject object(const std::optional<T>& value) { return value ? NSObject(*value) : NSObject(); }

@@ -113,7 +113,7 @@ bool isFolderOurs(int folder, int parent) {
     return true;
 }
 
-/// Gives the owner of the new folder the permissions that the list of the folder around has denied.
+/// Gives the owner of the new folder the permissions that the access list of its parent denied.
 bool admitOwner(const CopyPlace& place) {
     system::HeldItem item;
     struct stat made;
@@ -225,7 +225,7 @@ bool makeCopyFolder(const CopyPlace& place, Descriptor& folder) {
     }
     return folder && (!place.isForeign || (isFolderOurs(folder.number(), place.destinationFolder) &&
                                            system::removeInheritedAccessList(folder.number()) &&
-                                           ::fchmod(folder.number(), 0700) == 0)); // what the list had denied
+                                           ::fchmod(folder.number(), 0700) == 0)); // denied by that list
 }
 
 } // namespace ZQFoundation::detail
