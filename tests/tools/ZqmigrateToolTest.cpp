@@ -77,7 +77,7 @@ TEST(ZqmigrateTool, refusesAWrongCommandLine) {
         EXPECT_EQ(outcome.errors.substr(0, 11), "zqmigrate: ") << shown;
         EXPECT_EQ(outcome.errors.find("(try --help)\n"), outcome.errors.size() - 13) << outcome.errors;
     }
-    EXPECT_EQ(tool.run({"-nx", "file", "a", "b"}).errors, "zqmigrate: there is no option -x (try --help)\n");
+    EXPECT_EQ(tool.run({"-nx", "file", "a", "b"}).errors, "zqmigrate: unknown option -x (try --help)\n");
     EXPECT_EQ(tool.folder().digest().size(), 2U) << "nothing was to be done";
 }
 
@@ -318,7 +318,7 @@ TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
         EXPECT_EQ(done.status, row.status) << done.errors;
         EXPECT_EQ(linesOf(planned.output), linesOf(done.output));
         EXPECT_EQ(failuresIn(planned.errors), failuresIn(done.errors));
-        EXPECT_TRUE(contains(planned.errors, "zqmigrate: this was a trial: nothing was changed\n"));
+        EXPECT_TRUE(contains(planned.errors, "zqmigrate: this was a dry run: nothing was changed\n"));
         EXPECT_EQ(tool.folder().digest("", scene::Detail::times), before);
     }
 }

@@ -136,7 +136,7 @@ void read(const Words& words) {
     } else if (rest.size() == 3) {
         print(printer(existingValue(domain, rest[2])));
     } else {
-        misuse("there is one argument too many: %@", rest[3]);
+        misuse("unexpected argument: %@", rest[3]);
     }
 }
 
@@ -426,7 +426,7 @@ void runCommand(const Words& words) {
         known = known != nullptr ? known : &command;
     }
     if (known == nullptr) {
-        misuse("there is no command %@", words[0]);
+        misuse("unknown command %@", words[0]);
     }
     misuse("%s takes: %s %s", known->name, known->name, known->arguments);
 }

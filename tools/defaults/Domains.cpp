@@ -34,7 +34,7 @@ Domain domainFromWord(const std::string& word) {
     }
     const bool isGlobal = word == "-g" || word == "-globalDomain";
     if (!isGlobal && !word.empty() && word[0] == '-') {
-        misuse("there is no option %@", word);
+        misuse("unknown option %@", word);
     }
     const std::string name = isGlobal ? globalDomain : word;
     const std::string path = detail::fileOfDomain(name);

@@ -252,7 +252,7 @@ WrittenValue valueFromWords(const Words& words, std::size_t first) {
     std::size_t index = first;
     NSObject value = elementFromWords(words, index);
     if (index != words.size()) {
-        misuse("there is one value too many: %@", words[index]);
+        misuse("unexpected value: %@", words[index]);
     }
     return {Manner::replace, value};
 }

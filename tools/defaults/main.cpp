@@ -63,7 +63,7 @@ int run(const Words& words) {
         }
     }
     if (words.empty()) {
-        misuse("there is no command");
+        misuse("a command is missing");
     }
     if (asksForHelp(words[0]) || words[0] == "help") {
         printHelp();

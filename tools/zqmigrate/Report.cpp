@@ -92,7 +92,7 @@ std::string counted(std::uint64_t count, const Request& request) {
            (count == 1 ? "" : "s");
 }
 
-/// One sentence: how many of all items were migrated, or would be in a trial, and what is left to do. A run
+/// One sentence: how many of all items were migrated, or would be in a dry run, and what is left to do. A run
 /// without files is not a failure, but it is reported.
 std::string howItWent(const Request& request, const Outcome& outcome) {
     const std::uint64_t left = outcome.left();
@@ -144,8 +144,8 @@ std::string whatIsLeft(const Request& request, const Outcome& outcome) {
     });
 }
 
-/// Each hint once, however many items have its code. In a trial, no hints about an attempt, because there was
-/// none.
+/// Each hint once, however many items have its code. In a dry run, no hints about an attempt, because there
+/// was none.
 std::string hintsFor(const Request& request, const Outcome& outcome) {
     std::string text;
     for (const auto& hint : hints) {
@@ -244,7 +244,7 @@ std::string summaryOf(const Request& request, const Outcome& outcome) {
         text += messageLine(note);
     }
     const bool isSaid = request.isTrial && !request.isQuiet;
-    return isSaid ? text + messageLine("this was a trial: nothing was changed") : text;
+    return isSaid ? text + messageLine("this was a dry run: nothing was changed") : text;
 }
 
 } // namespace ZQFoundation::tools::zqmigrate

@@ -45,7 +45,7 @@ void takeSwitches(const std::string& word, Request& request) {
             return isName ? word == each.name : letter == each.letter;
         });
         refuseIf(found == std::end(switches),
-                 "there is no option " + (isName ? word : std::string("-") + letter));
+                 "unknown option " + (isName ? word : std::string("-") + letter));
         request.*found->flag = true;
     }
 }
@@ -62,9 +62,9 @@ void takeExtension(const std::string& value, Request& request) {
 }
 
 void takeOperands(const Words& operands, Request& request) {
-    refuseIf(operands.empty(), "there is no command");
+    refuseIf(operands.empty(), "a command is missing");
     const auto name = std::find(std::begin(operationNames), std::end(operationNames), operands[0]);
-    refuseIf(name == std::end(operationNames), "there is no command " + operands[0]);
+    refuseIf(name == std::end(operationNames), "unknown command " + operands[0]);
     refuseIf(operands.size() != 3, operands[0] + " takes two paths: from and to");
     // Most likely a shell variable without a value: an empty path would mean the current folder.
     refuseIf(operands[1].empty(), "the path to migrate from is empty");
@@ -83,8 +83,8 @@ void refuseContradictions(const Request& request) {
     refuseIf(!request.isBatch() && (request.extension != nullptr || request.includeDotFiles),
              "--extension and --dot-files are for batch only");
     refuseIf(request.overwriteDestination && request.renameIfDestinationExists,
-             "--overwrite and --rename contradict each other");
-    refuseIf(request.isQuiet && request.isVerbose, "--quiet and --verbose contradict each other");
+             "--overwrite and --rename cannot be combined");
+    refuseIf(request.isQuiet && request.isVerbose, "--quiet and --verbose cannot be combined");
 }
 
 } // namespace

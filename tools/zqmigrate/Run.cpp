@@ -165,7 +165,7 @@ private:
             if (S_ISREG(item.information.st_mode)) { // holes are not copied
                 const auto blocks = static_cast<std::uint64_t>(item.information.st_blocks) * 512;
                 room_ += blocks;
-                progress_.totalBytes += // a trial copies no bytes
+                progress_.totalBytes += // a dry run copies no bytes
                     request_.isTrial ? 0
                                      : std::min(blocks, static_cast<std::uint64_t>(item.information.st_size));
             }
@@ -189,7 +189,7 @@ private:
         static_cast<void>(migrateOne(request_.source, request_.destination, request_, this));
     }
 
-    /// A trial; notes say what it cannot predict.
+    /// A dry run; notes say what it cannot predict.
     void plan() {
         std::uint64_t notes = 0;
         for (const Item& item : plannedItems(request_, *this)) {
@@ -255,7 +255,7 @@ private:
         outcome_.isMoreNotReached = request_.isBatch() && !goThrough(1, visit);
     }
 
-    /// A trial has made no copies that could be checked.
+    /// A dry run has made no copies that could be checked.
     void checkLinks() {
         for (const NSString& link : copiedLinks_) {
             if (!request_.isTrial && !NSFileManager::defaultManager().fileExistsAtPath(link)) {

@@ -8,7 +8,7 @@
 
 namespace ZQFoundation::tools::zqmigrate {
 
-/// The result for one file or folder; in a trial, the expected one.
+/// The result for one file or folder; in a dry run, the expected one.
 struct Item {
     NSString path; ///< relative to the source folder in a batch, else the source
     std::uint32_t code;
@@ -36,7 +36,7 @@ struct Outcome {
     }
 };
 
-/// Carries out the request, or plans it in a trial, and reports each item as soon as it is done.
+/// Carries out the request, or plans it in a dry run, and reports each item as soon as it is done.
 Outcome carryOut(const Request& request, Screen& screen);
 
 /// Plans what would be done in the present state, and changes nothing. The observer is called as in a real
