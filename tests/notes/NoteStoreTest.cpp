@@ -155,7 +155,7 @@ TEST(NoteStore, whatCannotBeSavedSaysWhy) {
     Folder folder;
     const Outcome half = folder.store.save(nullptr, NSString(u"a\xD800"));
     EXPECT_FALSE(half.path);
-    EXPECT_EQ(half.reason, "The text holds half of a character.");
+    EXPECT_EQ(half.reason, "The text contains an incomplete character.");
     folder.write("notes", "a file is in the way");
     const Outcome blocked = folder.store.save(nullptr, "a");
     EXPECT_FALSE(blocked.path);

@@ -132,7 +132,7 @@ std::vector<const Note*> NoteStore::matching(const NSString& query) const {
             found.push_back(&note);
         }
     }
-    traceSearch.log(this, "%zu of %zu notes hold \"%@\"", found.size(), notes_.size(), query);
+    traceSearch.log(this, "%zu of %zu notes match \"%@\"", found.size(), notes_.size(), query);
     return found;
 }
 
@@ -141,7 +141,7 @@ Outcome NoteStore::save(const NSString& path, const NSString& newText) {
     std::string bytes;
     NSString reason;
     if (!text.getUTF8(bytes)) {
-        return failure(NSString::initWithLocalizedString("The text holds half of a character."));
+        return failure(NSString::initWithLocalizedString("The text contains an incomplete character."));
     }
     if (!files().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
             folder_, true, privately(0700), &reason)) {
@@ -151,7 +151,7 @@ Outcome NoteStore::save(const NSString& path, const NSString& newText) {
         NSString::stringWithFormat(".saving-%d", NSProcessInfo::processInfo().processIdentifier()));
     if (!writeDraft(draft, text)) {
         files().removeItemAtPath_error(draft);
-        return failure(NSString::initWithLocalizedFormat("Nothing can be written in %@.", folder_));
+        return failure(NSString::initWithLocalizedFormat("Cannot write to %@.", folder_));
     }
     const Note* const known = find(path);
     const bool isUnchanged = known != nullptr && known->text && textOfFile(path) == known->text;

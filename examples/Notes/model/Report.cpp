@@ -13,7 +13,7 @@ NSString startupReport() {
     try {
         ZQLogInfo::logAppAndSystemInformation();
     } catch (const NSException& exception) {
-        ZQLog::logWithFormat("no facts of the system: %@", exception.reason());
+        ZQLog::logWithFormat("no system information: %@", exception.reason());
     }
     ZQLogInfo::logTracelogAndFeatureRelatedUserDefaults();
     NSMutableString report;

@@ -49,7 +49,7 @@ void AboutWindow::copyReport() { QGuiApplication::clipboard()->setText(report_->
 void AboutWindow::openLogFolder() {
     const zq::NSString folder = zq::ZQLog::standardLogFolder();
     if (!open_(QUrl::fromLocalFile(folder.as<QString>()))) {
-        zq::ZQLog::logWithFormat("nothing opens the folder %@", folder);
+        zq::ZQLog::logWithFormat("the folder cannot be opened: %@", folder);
     }
 }
 

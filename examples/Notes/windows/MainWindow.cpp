@@ -166,8 +166,7 @@ void MainWindow::open(const zq::NSString& path) {
     saving_->stop();
     showList();
     if (editor_->isReadOnly()) {
-        status_->setText(
-            localized("This note holds what the editor cannot show. It cannot be changed here."));
+        status_->setText(localized("The editor cannot show all of this note, so it is read-only."));
     }
 }
 
@@ -204,7 +203,7 @@ bool MainWindow::save() {
     showList();
     if (before && before != path_) {
         status_->setText(
-            localized("The note was changed elsewhere. Yours is %@.", path_.lastPathComponent()));
+            localized("The note was changed elsewhere. Your version is %@.", path_.lastPathComponent()));
     }
     return true;
 }
@@ -252,7 +251,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     QMessageBox question(QMessageBox::Warning, windowTitle(),
-                         status_->text() + "\n" + localized("Close all the same?"));
+                         status_->text() + "\n" + localized("Close anyway?"));
     QPushButton* const discard = question.addButton(localized("Discard"), QMessageBox::DestructiveRole);
     question.setDefaultButton(question.addButton(localized("Cancel"), QMessageBox::RejectRole));
     question.exec();

@@ -111,7 +111,7 @@ void MigrationWindow::finish(const Move& move) {
         return;
     }
     text_->setText(move.isStopped
-                       ? localized("Stopped: %zu notes are moved, %zu are left. The next start goes on.",
+                       ? localized("Stopped: %zu notes are moved, %zu are left. The next start continues.",
                                    move.moved, move.left)
                        : localized("%zu notes are moved. These stay in %@; the next start tries again.",
                                    move.moved, from_));

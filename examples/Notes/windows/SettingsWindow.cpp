@@ -25,7 +25,7 @@ SettingsWindow::SettingsWindow(QWidget* parent) : QDialog(parent) {
     wrapLines_->setChecked(values.wrapsLines);
     language_ = new QComboBox;
     language_->setObjectName("language");
-    language_->addItem(localized("As the system"));
+    language_->addItem(localized("System language"));
     language_->addItem("English", "en");
     language_->addItem("Deutsch", "de");
     language_->setCurrentIndex(
@@ -35,9 +35,9 @@ SettingsWindow::SettingsWindow(QWidget* parent) : QDialog(parent) {
     buttons->addButton(localized("Save"), QDialogButtonBox::AcceptRole)->setObjectName("save");
     buttons->addButton(localized("Cancel"), QDialogButtonBox::RejectRole);
     auto* const form = new QFormLayout(this);
-    form->addRow(localized("Letters, in points"), fontSize_);
+    form->addRow(localized("Font size in points"), fontSize_);
     form->addRow(wrapLines_);
-    form->addRow(localized("Language, from the next start on"), language_);
+    form->addRow(localized("Language (at the next start)"), language_);
     form->addRow(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &SettingsWindow::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -41,5 +41,5 @@ TEST(AboutWindow, aFolderThatNothingOpensIsInTheLog) {
     const notes::LogCapture capture;
     click(window, "folder");
     ASSERT_EQ(capture.messages().size(), 1U);
-    EXPECT_EQ(capture.messages()[0], "nothing opens the folder " + (home / ".local/state/Example/Notes"));
+    EXPECT_EQ(capture.messages()[0], "the folder cannot be opened: " + (home / ".local/state/Example/Notes"));
 }

@@ -149,7 +149,7 @@ TEST(MainWindow, whatSomebodyElseHasWrittenStaysBesideIt) {
     home.write(home.newPlace() + "mine.note", "theirs");
     QTest::keyClicks(&parts.editor, ", more");
     parts.choose("&Save");
-    EXPECT_EQ(utf8(parts.status.text()), "The note was changed elsewhere. Yours is mine, more.note.");
+    EXPECT_EQ(utf8(parts.status.text()), "The note was changed elsewhere. Your version is mine, more.note.");
     EXPECT_EQ(kit::contentsOf(home / home.newPlace() + "mine.note"), "theirs");
     EXPECT_EQ(kit::contentsOf(home / home.newPlace() + "mine, more.note"), "mine, more");
 }
@@ -173,7 +173,7 @@ TEST(MainWindow, whatTheEditorCannotKeepIsNotChanged) {
         const Parts parts(home.start());
         parts.open(0);
         EXPECT_TRUE(parts.editor.isReadOnly());
-        EXPECT_TRUE(parts.status.text().startsWith("This note holds what the editor cannot show."));
+        EXPECT_TRUE(parts.status.text().startsWith("The editor cannot show all of this note"));
         QTest::keyClicks(&parts.editor, "x");
         EXPECT_TRUE(parts.window.close());
         EXPECT_EQ(kit::contentsOf(home / home.newPlace() + "a.note"), text);

@@ -43,7 +43,7 @@ TEST(MigrationWindow, twoThousandNotesMoveWithAStopInTheMiddle) {
     EXPECT_LT(moved, count);
     EXPECT_EQ(utf8(child<QLabel>(*migration, "text").text()),
               "Stopped: " + std::to_string(moved) + " notes are moved, " + std::to_string(count - moved) +
-                  " are left. The next start goes on.");
+                  " are left. The next start continues.");
     click(*migration, "close");
     EXPECT_EQ(child<QListWidget>(first, "list").count(), moved);
 

@@ -145,7 +145,7 @@ TEST(Program, searchesForWhatIsLeftOfItsCommandLine) {
     const Home home;
     Program program(
         home, {"-TraceSearch", "YES", "-reverse", "apple", "-style", "fusion", "pie", "-LogFile", "NO"});
-    EXPECT_NE(program.lineWith("0 notes hold \"apple pie\""), "");
+    EXPECT_NE(program.lineWith("0 notes match \"apple pie\""), "");
 }
 
 TEST(Program, speaksGerman) {
