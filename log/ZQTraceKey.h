@@ -124,6 +124,8 @@ public:
 
     /// Returns the line "label: function() message" while the condition holds, else nil; writes nothing. Nil
     /// for a nil format.
+    ///
+    ///     traceNetwork.logString("%d items", count);  // "TraceNetwork: reload() 3 items"
     template <class... Arguments>
     NSString logString(detail::LocatedFormat<std::type_identity_t<Arguments>...> format,
                        const Arguments&... arguments) const {

@@ -53,8 +53,15 @@ struct ZQMigrationProgress {
 };
 
 /// Follows a migration, for a window or a terminal. Called on the thread that migrates, with no lock held. An
-/// exception that leaves it ends the migration like a stop, and propagates to the caller; it is called no
-/// more.
+/// exception that leaves it ends the migration like a stop, and propagates to the caller; it is not
+/// called again.
+///
+///     struct Progress : ZQMigrationObserver {
+///         bool migrationMayContinue(const ZQMigrationProgress& progress) override {
+///             show(progress.path, progress.items);
+///             return !isCancelled;
+///         }
+///     };
 class ZQMigrationObserver {
 public:
     virtual ~ZQMigrationObserver() = default;
@@ -170,9 +177,15 @@ public:
 
     /// "/A/z.log: the source file cannot be read, /b/x.log: ...": every failed item of a result, sorted by
     /// key; empty if none failed.
+    ///
+    ///     const auto result = ZQFileMigrator::migrateFiles("log", "~/.viewer", "~/logs", options);
+    ///     ZQLog::log(ZQFileMigrator::descriptionOfFileMigrationErrorsIn(result.codes).string());
     [[nodiscard]] static NSMutableString descriptionOfFileMigrationErrorsIn(const NSDictionary& results);
 
     /// `uniquePathForPath_usingIntermediateString_maxAttempts` with at most 100000 attempts.
+    ///
+    ///     // "/a/notes 1.txt" if "/a/notes.txt" exists
+    ///     ZQFileMigrator::uniquePathForPath_usingIntermediateString("/a/notes.txt", " ");
     [[nodiscard]] static NSString uniquePathForPath_usingIntermediateString(const NSString& path,
                                                                             StringView intermediateString);
     /// The path if nothing exists there, else the first free one with a counter from 1 to `maxAttempts`; nil

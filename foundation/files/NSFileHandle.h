@@ -16,6 +16,12 @@ inline constexpr const char* NSFileHandleOperationException = "NSFileHandleOpera
 ///
 /// A default-constructed one is nil: it does nothing and returns nil and 0. What fails, and any use after
 /// `closeFile`, raises NSFileHandleOperationException. Offsets and lengths are bytes. One thread at a time.
+///
+///     NSFileHandle file = NSFileHandle::fileHandleForUpdatingAtPath(path);
+///     file.seekToEndOfFile();
+///     file.writeData(NSString("end\n").dataUsingEncoding(NSUTF8StringEncoding));
+///     file.seekToFileOffset(0);
+///     const NSData all = file.readDataToEndOfFile();
 class ZQFOUNDATION_EXPORT NSFileHandle {
 public:
     constexpr NSFileHandle() noexcept = default;

@@ -13,6 +13,9 @@ namespace ZQFoundation {
 ///
 /// The data are the library's own, so the same identifier gives the same texts on every system, whatever
 /// locales are installed there. All operations may be called from any thread.
+///
+///     const NSLocale german = NSLocale::localeWithLocaleIdentifier("de_DE");
+///     NSString::initWithFormat_locale("%d %.1f", german, 12345, 0.5);  // "12.345 0,5"
 class ZQFOUNDATION_EXPORT NSLocale {
 public:
     constexpr NSLocale() noexcept = default;
@@ -50,7 +53,7 @@ public:
     /// The number of digits in every further group.
     unsigned secondaryGroupSize() const noexcept { return secondaryGroupSize_; }
 
-    /// The least number of digits before the last group for which a number is grouped at all: 2 in Spanish,
+    /// The minimum number of digits before the last group for which a number is grouped at all: 2 in Spanish,
     /// which writes 1234 and 12.345.
     unsigned minimumGroupingDigits() const noexcept { return minimumGroupingDigits_; }
 

@@ -17,6 +17,11 @@ class NSMutableArray;
 /// `NSArray{"a", 1}` holds two elements. Traps: `NSArray{}` is nil (an empty array is `NSArray::array()`),
 /// and whether `NSArray{other}` with a single array nests or copies depends on the compiler:
 /// `arrayWithObject` nests.
+///
+///     const NSArray names{"b", "a", 1};
+///     names.count();                                  // 3
+///     names[0];                                       // "b"
+///     for (const NSObject& name : names) ...          // b, a, 1
 class ZQFOUNDATION_EXPORT NSArray : public NSObject {
 public:
     constexpr NSArray() noexcept = default;
@@ -36,6 +41,8 @@ public:
     static NSArray array();
 
     /// An array of one element, even if that is itself an array. Raises NSInvalidArgumentException for nil.
+    ///
+    ///     NSArray::arrayWithObject(NSArray{1, 2}).count();  // 1
     static NSArray arrayWithObject(const NSObject& object);
 
     /// An array of copies of the `count` handles. Raises NSInvalidArgumentException when one is nil.
@@ -49,6 +56,8 @@ public:
 
     /// The elements of any range of values, texts, numbers or convertible types, in its order. Raises
     /// NSInvalidArgumentException when one is nil.
+    ///
+    ///     NSArray::arrayWithRange(std::vector<int>{3, 1});  // 3, 1
     template <class Range>
     static NSArray arrayWithRange(const Range& range);
 
@@ -68,6 +77,8 @@ public:
     bool containsObject(const NSObject& object) const;
 
     /// The index of the first equal element, or `notFound`.
+    ///
+    ///     NSArray{"a", "b"}.indexOfObject("b");  // 1
     std::size_t indexOfObject(const NSObject& object) const;
 
     /// What `indexOfObject` returns for an object that is not an element.
@@ -75,6 +86,8 @@ public:
 
     /// A new array with one more element at the end; nil for a nil receiver. Raises
     /// NSInvalidArgumentException for a nil object.
+    ///
+    ///     NSArray{1}.arrayByAddingObject("b");  // 1, b
     NSArray arrayByAddingObject(const NSObject& object) const;
 
     /// The elements' descriptions with the separator between them, which may be nil.
@@ -83,6 +96,10 @@ public:
     NSString componentsJoinedByString(StringView separator) const;
 
     /// Sorted ascending by the given order, stably. The order is called with two elements.
+    ///
+    ///     numbers.sortedArrayUsingComparator([](const NSObject& left, const NSObject& right) {
+    ///         return left.as<NSNumber>().compare(right.as<NSNumber>());
+    ///     });
     template <class Order>
     NSArray sortedArrayUsingComparator(const Order& order) const {
         return sorted(
@@ -93,6 +110,8 @@ public:
     }
 
     /// Whether the elements are equal, pair by pair. False when either is nil.
+    ///
+    ///     NSArray{1, "a"}.isEqualToArray({1.0, "a"});  // true
     bool isEqualToArray(const NSArray& other) const;
 
     /// The first element, for `for` loops; valid as long as a handle holds the array.
@@ -120,6 +139,8 @@ public:
 
     /// **Larger arrays come first:** NSOrderedAscending when this one has more elements. A nil argument has
     /// none; on nil, the same.
+    ///
+    ///     NSArray{1, 2}.compareCount(NSArray{1});  // NSOrderedAscending
     NSComparisonResult compareCount(const NSArray& other) const noexcept;
 
     /// @}
@@ -133,6 +154,11 @@ private:
 
 /// Builds an array element by element. Movable, not copyable; `array()` transfers the elements without a
 /// copy.
+///
+///     NSMutableArray lines;
+///     lines.addObject("first");
+///     lines.addObject(2);
+///     const NSArray result = lines.array();  // first, 2; `lines` is empty now
 class ZQFOUNDATION_EXPORT NSMutableArray {
 public:
     NSMutableArray() noexcept = default;

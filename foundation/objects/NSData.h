@@ -60,6 +60,8 @@ public:
     NSString base64EncodedStringInSeparateLines() const;
 
     /// The Base64 text in one line. Nil for nil.
+    ///
+    ///     NSData::dataWithBytes_length("\x01\xff", 2).base64EncodedStringInSingleLine();  // "Af8="
     NSString base64EncodedStringInSingleLine() const;
 
     /// @}

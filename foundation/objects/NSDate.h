@@ -34,6 +34,8 @@ public:
     }
 
     /// The instant `seconds` after 1970-01-01 00:00:00 UTC, or before it if negative.
+    ///
+    ///     NSDate::dateWithTimeIntervalSince1970(0).description();  // "1970-01-01 00:00:00 +0000"
     static constexpr NSDate dateWithTimeIntervalSince1970(NSTimeInterval seconds) noexcept {
         return NSDate(Payload{.real = seconds - timeIntervalBetween1970AndReferenceDate});
     }
@@ -103,6 +105,8 @@ public:
 
     /// **Also true for equal dates and up to one second later:** false only from there on, and if either is
     /// nil.
+    ///
+    ///     date.isAtLeastOneSecondEarlierThan(date);  // true
     bool isAtLeastOneSecondEarlierThan(const NSDate& other) const noexcept;
 
     /// Whether this date comes at least one second after the other one. False if either is nil.
@@ -113,6 +117,8 @@ public:
     static std::int64_t calendarDaysBetween_and(const NSDate& first, const NSDate& second) noexcept;
 
     /// The nearest whole second, half a second up; nil for nil.
+    ///
+    ///     NSDate::dateWithTimeIntervalSince1970(1.5).roundedDate();  // 1970-01-01 00:00:02 +0000
     NSDate roundedDate() const noexcept;
 
     /// The week of ISO 8601, 1 to 53, which begins on Monday; 0 for nil and for a date beyond the calendar.

@@ -17,6 +17,11 @@ struct NSDictionaryEntry {
 
 /// An immutable collection of values under distinct keys, none of them nil. Iteration follows the order in
 /// which the keys were first inserted, so it is the same in every run.
+///
+///     const NSDictionary page{{"size", 12}, {"font", "serif"}};
+///     page["font"];                                        // "serif"
+///     page.objectForKey("color");                          // nil
+///     for (const NSDictionaryEntry& entry : page) ...      // size, then font
 class ZQFOUNDATION_EXPORT NSDictionary : public NSObject {
 public:
     constexpr NSDictionary() noexcept = default;
@@ -42,6 +47,8 @@ public:
 
     /// The entries of a range of pairs, such as a `std::map`. Raises NSInvalidArgumentException when a key or
     /// value is nil.
+    ///
+    ///     NSDictionary::dictionaryWithRange(std::map<std::string, int>{{"a", 1}});  // { a = 1; }
     template <class Range>
     static NSDictionary dictionaryWithRange(const Range& range);
 
@@ -78,12 +85,16 @@ public:
     }
 
     /// The keys, in the order of the entries; nil for nil.
+    ///
+    ///     NSDictionary{{"b", 1}, {"a", 2}}.allKeys();  // b, a
     NSArray allKeys() const;
 
     /// The values, in the order of the entries; nil for nil.
     NSArray allValues() const;
 
     /// Whether the same keys have equal values, in whatever order. False when either is nil.
+    ///
+    ///     NSDictionary{{"a", 1}, {"b", 2}}.isEqualToDictionary({{"b", 2.0}, {"a", 1}});  // true
     bool isEqualToDictionary(const NSDictionary& other) const;
 
     /// The first entry, for `for` loops; valid as long as a handle holds the dictionary.
@@ -113,6 +124,8 @@ public:
     bool boolForKey(StringView key) const;
 
     /// The value's `floatValue`; 0 when missing or without one.
+    ///
+    ///     NSDictionary{{"r", "2.5 cm"}}.floatForKey("r");  // 2.5
     float floatForKey(StringView key) const;
 
     /// The value's 32-bit `intValue`, widened; 0 when missing or without one.
@@ -123,6 +136,10 @@ public:
 
     /// The key if the dictionary, which may be nil, has no value for it; else nil, **whether or not a key
     /// with a counter is free**.
+    ///
+    ///     const NSDictionary values{{"a", 1}};
+    ///     values.uniqueKeyForKey_usingIntermediateString("b", " ");  // "b"
+    ///     values.uniqueKeyForKey_usingIntermediateString("a", " ");  // nil, although "a 1" is free
     NSString uniqueKeyForKey_usingIntermediateString(const NSString& key,
                                                      StringView intermediateString) const;
 
@@ -142,6 +159,11 @@ private:
 
 /// Builds a dictionary entry by entry. Movable, not copyable; `dictionary()` transfers the entries without a
 /// copy.
+///
+///     NSMutableDictionary page;
+///     page.setObject_forKey(12, "size");
+///     page.setObject_forKey("serif", "font");
+///     const NSDictionary result = page.dictionary();  // { font = serif; size = 12; }
 class ZQFOUNDATION_EXPORT NSMutableDictionary {
 public:
     NSMutableDictionary() noexcept = default;

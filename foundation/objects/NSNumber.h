@@ -11,6 +11,11 @@ namespace ZQFoundation {
 
 /// A boxed boolean, integer (signed or unsigned, 64 bits) or floating-point number, stored in the handle
 /// itself.
+///
+///     const NSNumber size = 2.75;
+///     size.intValue();                // 2
+///     size.stringValue();             // "2.75"
+///     size.isEqualToNumber(2.75f);    // true: kinds do not matter, values do
 class ZQFOUNDATION_EXPORT NSNumber : public NSObject {
 public:
     constexpr NSNumber() noexcept = default;
@@ -34,12 +39,17 @@ public:
     bool isReal() const noexcept { return kind_ == detail::Kind::real || kind_ == detail::Kind::singleReal; }
 
     /// The low 32 bits of `integerValue`; 0 for nil.
+    ///
+    ///     NSNumber(5000000000).intValue();  // 705032704
     int intValue() const noexcept;
 
     /// The low 32 bits of `integerValue`, as an unsigned number; 0 for nil.
     unsigned unsignedIntValue() const noexcept;
 
     /// The number in 64 bits, 0 for nil. Reals are truncated toward zero and saturate; NaN is 0.
+    ///
+    ///     NSNumber(-2.9).integerValue();  // -2
+    ///     NSNumber(1e30).integerValue();  // 9223372036854775807
     std::int64_t integerValue() const noexcept;
 
     /// Another name for `integerValue`.
@@ -47,6 +57,8 @@ public:
 
     /// The number in 64 unsigned bits, 0 for nil: negative numbers wrap around, reals are truncated toward
     /// zero and saturate upward.
+    ///
+    ///     NSNumber(-1).unsignedLongLongValue();  // 18446744073709551615
     std::uint64_t unsignedLongLongValue() const noexcept;
 
     /// The nearest `float`; 0 for nil.
@@ -59,10 +71,15 @@ public:
     bool boolValue() const noexcept;
 
     /// The decimal text, equal to the description.
+    ///
+    ///     NSNumber(0.1).stringValue();   // "0.1"
+    ///     NSNumber(true).stringValue();  // "1"
     NSString stringValue() const;
 
     /// Compares by numeric value across all kinds. NaN is the same as NaN and less than every number that is
     /// not negative. The same if either is nil.
+    ///
+    ///     NSNumber(1).compare(1.5);  // NSOrderedAscending
     NSComparisonResult compare(const NSNumber& other) const noexcept;
 
     /// Whether `compare` finds both the same. False if either is nil.
@@ -98,6 +115,8 @@ public:
     bool isSmallerThan(const NSNumber& other) const noexcept;
 
     /// `intValue` plus one, in 32 bits: 2147483647 wraps around to -2147483648. Nil for nil.
+    ///
+    ///     NSNumber(2.9).numberByIncrementing();  // 3
     NSNumber numberByIncrementing() const noexcept;
 
     /// `intValue` minus one, in 32 bits: -2147483648 wraps around to 2147483647. Nil for nil.
@@ -115,10 +134,15 @@ public:
 
     /// A count of seconds in at most two fields, leading zeroes suppressed: "2:05". Hours are dropped;
     /// otherwise as `durationDescriptionWithFieldCount_suppressZeroes`.
+    ///
+    ///     NSNumber(3725).durationDescriptionWithMinutes();  // "2:05": the hour is dropped
     NSString durationDescriptionWithMinutes() const;
 
     /// A count of seconds in at most three fields, leading zeroes suppressed: "1:02:05". Otherwise as
     /// `durationDescriptionWithFieldCount_suppressZeroes`.
+    ///
+    ///     NSNumber(3725).durationDescriptionWithHours();  // "1:02:05"
+    ///     NSNumber(75).durationDescriptionWithHours();    // "1:15"
     NSString durationDescriptionWithHours() const;
 
     /// @}

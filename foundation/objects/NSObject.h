@@ -229,6 +229,9 @@ public:
 
     /// Equal by content within one kind; numbers by numeric value across theirs. Nil equals nothing, not even
     /// nil.
+    ///
+    ///     NSObject(1).isEqual(1.0);  // true
+    ///     NSObject("1").isEqual(1);  // false: a text and a number
     bool isEqual(const NSObject& other) const;
 
     /// Equal values have equal hashes. The same in every process, except for host objects, which define their
@@ -241,6 +244,9 @@ public:
 
     /// The value's 32-bit integer form, if it offers one: that of a number or a string (0 for a string
     /// without digits), a host object's `intValue`; empty for any other value.
+    ///
+    ///     NSObject("12 km").offeredIntValue();     // 12
+    ///     NSObject(NSArray{1}).offeredIntValue();  // empty
     std::optional<int> offeredIntValue() const;
 
     /// The value's floating-point form, if it offers one: that of a number or a string (0 for a string
@@ -282,11 +288,16 @@ public:
 
     /// The value on one line: arrays "( 1, a )", dictionaries "{ A = 1; }", any other value its
     /// `description`; nil for nil.
+    ///
+    ///     NSObject(NSArray{1, NSArray{"a"}}).condensedDescription();  // "( 1, ( a ) )"
     NSString condensedDescription() const;
 
     /// The truth value of anything, read leniently. A number: not zero. A string: "YES" in any case, or a
     /// leading non-zero integer. Any other value: its string form by the string rule, else the low 8 bits of
     /// its integer form, else false.
+    ///
+    ///     NSObject("Yes").boolValue();   // true
+    ///     NSObject("0x10").boolValue();  // false: the leading integer is 0
     bool boolValue() const;
 
     /// @}

@@ -64,6 +64,8 @@ public:
     static NSSet set();
 
     /// A set of the array's elements, the first of equal ones; empty for nil.
+    ///
+    ///     NSSet::setWithArray(NSArray{"a", "b", "a"}).allObjects();  // a, b
     static NSSet setWithArray(const NSArray& array);
 
     /// The number of members; 0 for nil.
@@ -82,12 +84,16 @@ public:
     bool containsObject(const NSObject& object) const;
 
     /// The equal member, or nil. It may differ from the object: for 1.0 it may be 1.
+    ///
+    ///     NSSet{1, "a"}.member(1.0);  // 1
     NSObject member(const NSObject& object) const;
 
     /// The members in the order of insertion; nil for nil.
     NSArray allObjects() const;
 
     /// Whether both have the same members. False when either is nil.
+    ///
+    ///     NSSet{1, 2}.isEqualToSet({2, 1});  // true
     bool isEqualToSet(const NSSet& other) const;
 
     /// @name NSSet(ZQFoundation)

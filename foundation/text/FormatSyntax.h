@@ -129,6 +129,9 @@ constexpr int readFormatDigits(const Unit*& at, const Unit* end) noexcept {
 
 /// Reads digits that "$" follows and moves past both; 0, and `at` as it was, for anything else: "%5d" begins
 /// with a width. "0$" is not a position.
+///
+///     "2$@"  // 2, and `at` is at "@"
+///     "12d"  // 0, and `at` is where it was
 template <class Unit>
 constexpr int readFormatPosition(const Unit*& at, const Unit* end) noexcept {
     const Unit* next = at;
@@ -172,6 +175,9 @@ constexpr FormatFlags formatFlagOf(Unit unit) noexcept {
 }
 
 /// Reads the length modifier, if there is one, and moves past it; `at` must not be the end.
+///
+///     "hhd"  // bits8, and `at` is at "d"
+///     "d"    // bits32, and `at` is where it was
 template <class Unit>
 constexpr FormatLength readFormatLength(const Unit*& at, const Unit* end) noexcept {
     const Unit unit = *at;
@@ -221,6 +227,8 @@ constexpr void readFormatModifiers(const Unit*& at, const Unit* end, FormatConve
 
 /// Reads a conversion whose '%' is before `at`; returns the place after its letter, or `end` when it is
 /// cut off. Any unit may come out as the letter.
+///
+///     "-*2$.3ld of"  // flag "-", width from argument 2, precision 3, 64 bits, letter "d"; returns " of"
 template <class Unit>
 constexpr const Unit* readFormatConversion(const Unit* at, const Unit* end,
                                            FormatConversion& conversion) noexcept {

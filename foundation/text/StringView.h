@@ -155,6 +155,9 @@ public:
     }
 
     /// False for the nil text, true for the empty one.
+    ///
+    ///     bool(StringView(""));       // true
+    ///     bool(StringView(nullptr));  // false
     constexpr explicit operator bool() const noexcept { return sizeAndForm_ != 0; }
 
     /// How the text is held.

@@ -96,10 +96,19 @@ public:
     /// minutes and seconds in local wall time: day 0 is the last day of the month before. A wall time that
     /// the clocks skip uses the offset from before the change; one that occurs twice is its first occurrence.
     /// Nil for an instant beyond the calendar, and for an era that is neither 0 nor 1.
+    ///
+    ///     NSDateComponents fields;
+    ///     fields.year = 2024;
+    ///     fields.month = 2;
+    ///     fields.day = 30;                      // February has 29 days
+    ///     calendar.dateFromComponents(fields);  // 1 March 2024, 00:00
     NSDate dateFromComponents(const NSDateComponents& components) const noexcept;
 
     /// The requested fields of the date; the others are not set. None is set for a nil date and one beyond
     /// the calendar. Sets the time zone too.
+    ///
+    ///     const unsigned units = NSCalendarUnitYear | NSCalendarUnitMonth;
+    ///     calendar.components_fromDate(units, date).month;  // 7 in July; the day is not set
     NSDateComponents components_fromDate(unsigned units, const NSDate& date) const noexcept;
 
     /// One field of the date; `NSDateComponentUndefined` where there is none, 0 for a nil calendar.
@@ -112,6 +121,9 @@ public:
     /// the first instant of a day gives the first instant of another day, so between two first instants the
     /// days are those of the calendar, even where one of the days has no midnight. Other units are not set,
     /// nor is a count that does not fit.
+    ///
+    ///     const unsigned units = NSCalendarUnitMonth | NSCalendarUnitDay;
+    ///     calendar.components_fromDate_toDate(units, january31, march1);  // 1 month and 1 day in 2024
     NSDateComponents components_fromDate_toDate(unsigned units, const NSDate& from,
                                                 const NSDate& to) const noexcept;
 
@@ -119,6 +131,11 @@ public:
     /// changing clocks. Units year, quarter, month, week of year, day, hour, minute and second; an hour or a
     /// minute in which the clocks are changed ends or begins with the change. False, with nothing written,
     /// for other units, for a nil date and for one beyond the calendar. Either pointer may be null.
+    ///
+    ///     NSDate start;
+    ///     NSTimeInterval seconds = 0;
+    ///     calendar.rangeOfUnit_startDate_interval_forDate(NSCalendarUnitMonth, &start, &seconds, july1);
+    ///     // start: 1 July, 00:00; seconds: 2678400, which is 31 days
     bool rangeOfUnit_startDate_interval_forDate(NSCalendarUnit unit, NSDate* start, NSTimeInterval* interval,
                                                 const NSDate& date) const noexcept;
 

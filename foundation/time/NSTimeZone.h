@@ -17,6 +17,11 @@ namespace ZQFoundation {
 /// A small handle to data that all copies share and that stay for the life of the process; copy it freely,
 /// use it from any thread. A default-constructed one is nil and returns 0, false and nil. Before a zone's
 /// first recorded change its first offset applies, and after the last one its rule continues without end.
+///
+///     const NSTimeZone berlin = NSTimeZone::timeZoneWithName("Europe/Berlin");
+///     berlin.secondsFromGMTForDate(july);         // 7200
+///     berlin.abbreviationForDate(july);           // "CEST"
+///     berlin.isDaylightSavingTimeForDate(july);   // true
 class ZQFOUNDATION_EXPORT NSTimeZone {
 public:
     constexpr NSTimeZone() noexcept = default;
@@ -41,6 +46,8 @@ public:
     static NSTimeZone timeZoneWithName(StringView name);
 
     /// A zone that is always that many seconds east of Greenwich. Nil beyond 18 hours.
+    ///
+    ///     NSTimeZone::timeZoneForSecondsFromGMT(3600).name();  // "GMT+0100"
     static NSTimeZone timeZoneForSecondsFromGMT(int seconds) noexcept;
 
     /// True unless the zone is nil.
