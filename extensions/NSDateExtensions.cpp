@@ -11,9 +11,9 @@ namespace ZQFoundation {
 
 namespace {
 
-/// The value of a calendar field; 0 if the date does not have it. The receiver matters only by being there:
-/// an operation on nil returns 0, even if its argument is a date. The calendar is made at each call, in the
-/// process's present time zone.
+/// The value of a calendar field; 0 if the date does not have it. Of the receiver, only whether it is nil
+/// matters: an operation on nil returns 0, even if its argument is a date. The calendar is made at each call,
+/// in the process's present time zone.
 std::int64_t isoField(NSCalendarUnit unit, const NSDate& receiver, const NSDate& date) noexcept {
     if (!receiver) {
         return 0;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Records the items that a copy has read, so that a later removal can check
-// them.
+// Records the items that a copy has read, so that a later removal can check them.
 // A mark is a keyed hash instead of the facts themselves, so that a record of a million items takes 16
 // megabytes.
 #include "foundation/files/CopyRecord.h"

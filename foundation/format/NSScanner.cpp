@@ -56,6 +56,7 @@ bool take(const NSString& string, std::size_t start, std::size_t end, NSString* 
     return true;
 }
 
+/// Only ASCII: everything else is left to the search, which knows the case mappings of Unicode.
 char16_t lowered(char16_t unit) noexcept {
     return unit >= 'A' && unit <= 'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
 }
@@ -115,6 +116,7 @@ struct DigitStretch {
     std::size_t end;
 };
 
+/// Finds the digits without converting them, so that a number that saturates is still skipped as a whole.
 DigitStretch decimalDigits(const NSString& string, std::size_t location) {
     // White space before a number is skipped even if the scanner skips nothing.
     return withUnits(string, [&](const auto* units, std::size_t length) {
@@ -137,6 +139,8 @@ struct HexReading {
     std::size_t end; ///< NSNotFound: no digit
 };
 
+/// Digits of either case, with or without the prefix. All digits are taken, even those of a number that does
+/// not fit: the scanner must not stop inside a number.
 template <class Unit>
 HexReading readHex(const Unit* units, std::size_t length, std::size_t at) {
     at += detail::whiteSpacePrefix(units + at, length - at);
@@ -179,6 +183,7 @@ std::size_t NSScanner::locationAfterSkipping() const {
     return placeOfUnit(string_, location_, skipped_, false);
 }
 
+// Also at the end if only characters to be skipped are left.
 bool NSScanner::isAtEnd() const { return locationAfterSkipping() == string_.length(); }
 
 bool NSScanner::scanString_intoString(StringView text, NSString* output) {
@@ -209,6 +214,7 @@ bool NSScanner::scanUpToCharactersFromSet_intoString(const NSCharacterSet& set, 
     return end != start && take(string_, start, end, output, location_);
 }
 
+// A null output is allowed everywhere: then the scan only moves.
 bool NSScanner::scanInteger(std::int64_t* value) {
     const DigitStretch found = decimalDigits(string_, locationAfterSkipping());
     if (found.end == found.digits) {

@@ -22,6 +22,8 @@ const CollectionLayout::Brackets& CollectionLayout::bracketsOf(const NSObject& c
     return kind == Kind::array ? array : kind == Kind::dictionary ? dictionary : set;
 }
 
+/// What is written before the event: nothing at the top, " = " before a value of a dictionary, else the text
+/// before the first part of a collection or before a further one.
 std::string_view CollectionLayout::separatorOf(const CollectionWalk& walk) const noexcept {
     if (walk.event() == Event::close) {
         const Brackets& brackets = bracketsOf(walk.value());

@@ -6,6 +6,8 @@
 
 namespace ZQFoundation::detail {
 
+/// Parts are numbered as they are written. A dictionary has two for each entry, the key before its value; the
+/// members of a set are the keys of its table.
 const NSObject& CollectionWalk::Level::part(std::size_t index) const noexcept {
     if (elements != nullptr) {
         return elements[index];
@@ -16,6 +18,8 @@ const NSObject& CollectionWalk::Level::part(std::size_t index) const noexcept {
     return index % 2 == 0 ? entries[index / 2]->key : entries[index / 2]->value;
 }
 
+/// The levels are a stack in memory, one for each open collection, so that the depth of a value is limited by
+/// memory alone and not by the stack of the thread.
 bool CollectionWalk::next() {
     if (!isStarted_) {
         isStarted_ = true;
@@ -46,6 +50,8 @@ bool CollectionWalk::enter(const NSObject& value) {
     return true;
 }
 
+/// Remembers role and place of the collection itself, which are needed again when it ends. Entries are sorted
+/// here, once: the walk only goes forward.
 void CollectionWalk::open(const NSObject& collection) {
     const Kind kind = Access::kind(collection);
     Level level{&collection, isFirst_, role_, kind == Kind::dictionary, 0, 0, nullptr, {}};

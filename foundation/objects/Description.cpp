@@ -23,6 +23,7 @@ using detail::TextBuilder;
 
 namespace {
 
+/// The form of old-style property lists, with brackets of its own for sets, which those lack.
 constexpr detail::CollectionLayout layout{
     .array = {"(", "\n", ",\n", "\n", "\n", ")"},
     .dictionary = {"{", "\n", ";\n", ";\n", "\n", "}"},
@@ -42,6 +43,8 @@ void appendHex(TextBuilder& out, std::uint64_t value, std::size_t digits) {
     out.appendAscii(text, digits);
 }
 
+/// All of up to 24 bytes; of longer data the first 16 and the last 8, in groups of four, so that megabytes do
+/// not fill a log.
 void appendData(TextBuilder& out, const NSData& data) {
     const unsigned char* const bytes = data.bytes();
     const std::size_t count = data.length();
@@ -67,6 +70,8 @@ void appendData(TextBuilder& out, const NSData& data) {
     out.appendAscii('}');
 }
 
+/// In UTC, so that the same date has the same text for every user; the fraction is not shown. A date that is
+/// NaN seconds is shown as 1970, since a description never fails.
 void appendDate(TextBuilder& out, const NSDate& date) {
     constexpr double farthest = 4e17; // keeps every year within 64 bits
     const double since1970 = date.timeIntervalSince1970();
@@ -146,6 +151,8 @@ bool isBare(const AsciiOrUtf16& text) noexcept {
     return text.length() != 0;
 }
 
+/// Units from U+0080 on are escaped one by one, a pair of surrogates as two. So the text is ASCII and reads
+/// back in any encoding.
 void appendQuotedUnit(TextBuilder& out, char16_t unit) {
     switch (unit) {
     case '"':
@@ -189,6 +196,8 @@ void appendMember(TextBuilder& out, const NSObject& object) {
     out.appendAscii('"');
 }
 
+/// The walk sorts keys as `compare` does, if all of them are strings: descriptions of equal dictionaries are
+/// then equal, in whatever order the keys were inserted.
 void appendCollection(TextBuilder& out, const NSObject& collection) {
     using Walk = detail::CollectionWalk;
     for (Walk walk(collection, &NSString::compare); walk.next();) {
@@ -216,6 +225,7 @@ void detail::appendDescription(TextBuilder& out, const NSObject& object) {
     }
 }
 
+// A string is its own description, without a copy; a host object is asked for its own.
 NSString NSObject::description() const {
     if (kind_ == Kind::absent) {
         return {};

@@ -23,6 +23,7 @@ using detail::freeArray;
 
 namespace ZQFoundation::detail {
 
+/// Room for the elements, none of which exists yet. The bound keeps the number of bytes from overflowing.
 ArrayBody* allocateArray(std::size_t capacity) {
     if (capacity > (SIZE_MAX >> 6)) {
         throw std::bad_alloc();
@@ -48,6 +49,8 @@ ArrayBody* resizedArray(ArrayBody* old, std::size_t capacity) {
     return body;
 }
 
+/// Builders grow by doubling, so a large one may be half empty: then the array gets a body of its own size.
+/// A builder that nothing was added to has no body, but its array is the empty one and not nil.
 NSArray arrayOf(ArrayBody* body) {
     if (body == nullptr || (body->capacity > 64 && body->count * 2 < body->capacity)) {
         body = resizedArray(body, body != nullptr ? body->count : 0);
@@ -55,6 +58,8 @@ NSArray arrayOf(ArrayBody* body) {
     return Access::adoptArray(body);
 }
 
+/// For builders alone. Bodies of arrays are released by `destroy`, which needs no stack for nested ones; here
+/// each element is released like any other handle.
 void freeArray(ArrayBody* body) noexcept {
     if (body == nullptr) {
         return;
@@ -73,6 +78,7 @@ namespace {
 
 ArrayBody* arrayBody(detail::Body* body) noexcept { return static_cast<ArrayBody*>(body); }
 
+/// All elements are checked before anything is allocated, so a nil one leaks nothing.
 ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capacity) {
     for (std::size_t i = 0; i < count; ++i) {
         if (!objects[i]) {
@@ -97,6 +103,7 @@ ArrayBody* copied(const NSObject* objects, std::size_t count, std::size_t capaci
 NSArray::NSArray(std::initializer_list<NSObject> elements)
     : NSArray(Payload{.body = copied(elements.begin(), elements.size(), elements.size())}) {}
 
+// An empty array needs a body, because a handle without one is nil.
 NSArray NSArray::array() { return Access::adoptArray(allocateArray(0)); }
 
 NSArray NSArray::arrayWithObject(const NSObject& object) { return arrayWithObjects_count(&object, 1); }
@@ -105,6 +112,8 @@ NSArray NSArray::arrayWithObjects_count(const NSObject* objects, std::size_t cou
     return Access::adoptArray(copied(objects, count, count));
 }
 
+// The kind is checked instead of nil: a plain NSObject reference to this handle may have been assigned
+// another kind of value.
 std::size_t NSArray::count() const noexcept {
     return kind_ == detail::Kind::array ? Access::array(*this)->count : 0;
 }
@@ -127,6 +136,7 @@ const NSObject& NSArray::objectAtIndex(std::size_t index) const {
 
 bool NSArray::containsObject(const NSObject& object) const { return indexOfObject(object) != notFound; }
 
+// One element after another: an array has no index of its contents. For many questions make a set.
 std::size_t NSArray::indexOfObject(const NSObject& object) const {
     for (std::size_t i = 0; i < count(); ++i) {
         if (begin()[i].isEqual(object)) {
@@ -146,6 +156,7 @@ NSArray NSArray::arrayByAddingObject(const NSObject& object) const {
     return builder.array();
 }
 
+// A nil separator is an empty one. Elements that are collections are described over several lines.
 NSString NSArray::componentsJoinedByString(StringView separator) const {
     if (!*this) {
         return {};
@@ -213,6 +224,7 @@ void NSMutableArray::addObject(NSObject object) {
     ++body->count;
 }
 
+// Elements of an array are never nil, so only a lack of memory can stop this.
 void NSMutableArray::addObjectsFromArray(const NSArray& array) {
     for (const NSObject& object : array) {
         addObject(object);
@@ -256,6 +268,7 @@ const NSObject& NSMutableArray::objectAtIndex(std::size_t index) const {
     return begin()[index];
 }
 
+// The builder lets go of the body first: whatever happens then, two owners never free it.
 NSArray NSMutableArray::array() {
     ArrayBody* const body = arrayBody(body_);
     body_ = nullptr;

@@ -43,6 +43,7 @@ void addWhitespace(CharacterSetPages& pages) {
     pages.setRange(0x0009, 0x000A, true);
 }
 
+/// LF, vertical tab, form feed and CR; NEL; the separators of lines and paragraphs.
 void addNewlines(CharacterSetPages& pages) {
     pages.setRange(0x000A, 0x000E, true);
     pages.setRange(0x0085, 0x0086, true);
@@ -63,6 +64,7 @@ char32_t endOfRange(const char* operation, NSRange range) {
     return static_cast<char32_t>(range.location + range.length);
 }
 
+/// The operation is named in the reason of the exception.
 void setRange(CharacterSetPages& pages, const char* operation, NSRange range, bool isMember) {
     const char32_t end = endOfRange(operation, range);
     if (end != 0) {
@@ -131,6 +133,7 @@ NSCharacterSet NSCharacterSet::lowercaseLetterCharacterSet() {
     return setOfCategories<maskOf(GeneralCategory::lowercaseLetter)>();
 }
 
+// Title case, such as U+01C5, counts as upper case, as on the platform.
 NSCharacterSet NSCharacterSet::uppercaseLetterCharacterSet() {
     return setOfCategories<maskOf(GeneralCategory::uppercaseLetter) |
                            maskOf(GeneralCategory::titlecaseLetter)>();
@@ -171,6 +174,7 @@ NSCharacterSet NSCharacterSet::characterSetWithRange(NSRange range) {
     return pages.characterSet();
 }
 
+// Nil has no inverse: nil stands for a set that is missing, not for an empty one.
 NSCharacterSet NSCharacterSet::invertedSet() const {
     if (!*this) {
         return {};
@@ -188,6 +192,7 @@ bool NSCharacterSet::longCharacterIsMember(char32_t codePoint) const noexcept {
     return detail::containsCodePoint(detail::bodyOrEmpty(*this), codePoint);
 }
 
+// Page by page, 256 code points at a time.
 bool NSCharacterSet::isSupersetOfSet(const NSCharacterSet& other) const noexcept {
     const CharacterSetBody& body = detail::bodyOrEmpty(*this);
     const CharacterSetBody& wanted = detail::bodyOrEmpty(other);
@@ -227,6 +232,7 @@ void NSMutableCharacterSet::removeCharactersInString(StringView characters) {
     present(pages_).setCharacters(characters, false);
 }
 
+// A nil argument leaves the set as it is, in a union and in an intersection alike.
 void NSMutableCharacterSet::formUnionWithCharacterSet(const NSCharacterSet& other) {
     if (other) {
         present(pages_).unite(detail::bodyOrEmpty(other));

@@ -13,6 +13,7 @@ using detail::tableOf;
 
 namespace {
 
+/// A builder keeps its body without a type, since hosts see the builder but not the layout of a table.
 TableBody* tableBody(detail::Body* body) noexcept { return static_cast<TableBody*>(body); }
 
 } // namespace
@@ -26,6 +27,7 @@ NSDictionary::NSDictionary(std::initializer_list<NSDictionaryEntry> entries) {
     *this = builder.dictionary();
 }
 
+// The empty dictionary has a body, because a handle without one is nil.
 NSDictionary NSDictionary::dictionary() { return Access::adoptDictionary(detail::makeTable(0)); }
 
 std::size_t NSDictionary::count() const noexcept {
@@ -42,6 +44,7 @@ NSObject NSDictionary::objectForKey(const NSObject& key) const {
     return entry != nullptr ? entry->value : NSObject();
 }
 
+// The text is hashed and compared as it is, whatever its form, so a literal key needs no string.
 NSObject NSDictionary::objectForText(StringView key) const {
     const NSDictionaryEntry* const entry =
         kind_ == detail::Kind::dictionary ? detail::findText(*tableOf(*this), key) : nullptr;
@@ -70,6 +73,7 @@ bool NSDictionary::isEqualToDictionary(const NSDictionary& other) const { return
 NSMutableDictionary::NSMutableDictionary(const NSDictionary& dictionary)
     : body_(dictionary ? detail::copyTable(*tableOf(dictionary), dictionary.count()) : nullptr) {}
 
+// The other builder is emptied first, so that assigning a builder to itself keeps its entries.
 NSMutableDictionary& NSMutableDictionary::operator=(NSMutableDictionary&& other) noexcept {
     detail::Body* const taken = other.body_;
     other.body_ = nullptr;
@@ -80,6 +84,7 @@ NSMutableDictionary& NSMutableDictionary::operator=(NSMutableDictionary&& other)
 
 NSMutableDictionary::~NSMutableDictionary() { detail::freeTable(tableBody(body_)); }
 
+// Both arguments are handles of our own, which move into the table.
 void NSMutableDictionary::setObject_forKey(NSObject object, NSObject key) {
     if (!object || !key) {
         NSException::raise_format(NSInvalidArgumentException, "a dictionary cannot hold a nil %s",
@@ -104,6 +109,7 @@ std::size_t NSMutableDictionary::count() const noexcept {
     return body_ != nullptr ? tableBody(body_)->count : 0;
 }
 
+// Sealing closes the gaps that removed keys have left, so that the entries of a dictionary are contiguous.
 NSDictionary NSMutableDictionary::dictionary() {
     TableBody* const table = detail::sealTable(tableBody(body_));
     body_ = nullptr;

@@ -70,6 +70,7 @@ NSComparisonResult compareIntegerWithReal(const NSObject& integer, double real) 
     return order == NSOrderedSame && whole != real ? NSOrderedAscending : order;
 }
 
+/// The same order for NaN as in the comparison with integers, so that sorting mixed numbers is consistent.
 NSComparisonResult compareReals(double left, double right) noexcept {
     if (std::isnan(left)) {
         return std::isnan(right) ? NSOrderedSame : right < 0 ? NSOrderedDescending : NSOrderedAscending;
@@ -86,6 +87,7 @@ NSComparisonResult compareReals(double left, double right) noexcept {
 
 namespace ZQFoundation::detail {
 
+/// Booleans and both kinds of integers are integers here. Negating the order of a comparison swaps its sides.
 NSComparisonResult compareNumbers(const NSObject& left, const NSObject& right) noexcept {
     const bool leftReal = isRealNumber(left);
     const bool rightReal = isRealNumber(right);
@@ -115,6 +117,7 @@ std::uint64_t numberHashInput(const NSObject& number) noexcept {
     return bits;
 }
 
+/// Reals have 16 or 7 significant digits, as on the platform; a boolean is 1 or 0.
 std::size_t writeNumber(const NSObject& number, char* out) noexcept {
     char* end = out;
     switch (Access::kind(number)) {
@@ -199,6 +202,7 @@ NSString NSNumber::stringValue() const {
     return detail::makeAsciiString(text, detail::writeNumber(*this, text));
 }
 
+// Nil has no order: it is the same as everything, as all comparisons of the platform return 0 for nil.
 NSComparisonResult NSNumber::compare(const NSNumber& other) const noexcept {
     return detail::isNumber(*this) && detail::isNumber(other) ? detail::compareNumbers(*this, other)
                                                               : NSOrderedSame;

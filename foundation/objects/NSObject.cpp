@@ -26,11 +26,14 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// The body says how many words before it its block begins.
 StringBlock* blockOf(const StringBody& body) noexcept {
     auto* const words = reinterpret_cast<std::size_t*>(const_cast<StringBody*>(&body));
     return reinterpret_cast<StringBlock*>(words - std::size_t{body.placeInBlock});
 }
 
+/// Frees the block with its last string. If all that are left are released at once, nobody else can change
+/// the count, and a plain load is enough.
 void releaseFromBlock(StringBlock* block, std::size_t bodies) noexcept {
     if (__atomic_load_n(&block->live, __ATOMIC_ACQUIRE) == bodies ||
         __atomic_sub_fetch(&block->live, bodies, __ATOMIC_ACQ_REL) == 0) {
@@ -115,6 +118,7 @@ private:
 /// objects need no stack.
 constinit thread_local DeadBodies* releasingHost = nullptr;
 
+/// The destructor of a host's class may release handles, whose bodies `destroy` then adds to the list.
 void deleteHost(NSObjectProtocol* object, DeadBodies& dead) noexcept {
     DeadBodies* const outer = releasingHost;
     releasingHost = &dead;
@@ -157,6 +161,8 @@ void dismantle(Kind kind, Body* body, DeadBodies& dead) noexcept {
 
 } // namespace
 
+/// Strings and data own no other values and are freed at once. Everything else is taken apart here, or by the
+/// call that is releasing a host object on this thread.
 void destroy(Kind kind, Body* body) noexcept {
     if (kind == Kind::string) {
         return freeString(static_cast<StringBody*>(body));
@@ -248,6 +254,7 @@ std::optional<NSString> NSObject::offeredStringValue() const {
     return kind_ == Kind::hostObject ? hostObject()->stringValue() : std::nullopt;
 }
 
+// A string always offers a number, 0 if it has no digits; so a string is never without an integer form.
 std::optional<int> NSObject::offeredIntValue() const {
     if (detail::isNumber(*this)) {
         return as<NSNumber>().intValue();

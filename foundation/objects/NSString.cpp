@@ -45,14 +45,17 @@ StringBody* stringIn(void* memory, std::size_t length, bool isAscii, bool isSign
 
 } // namespace
 
+/// The caller fills the body, whose contents are undefined until then.
 StringBody* allocateString(std::size_t length, bool isAscii) {
     return stringIn(::operator new(bytesOfString(length, isAscii)), length, isAscii, false);
 }
 
+/// For texts that log operations return in signal handlers, where the C library's allocator cannot be used.
 StringBody* allocateSignalSafeString(std::size_t length, bool isAscii) {
     return stringIn(takeSignalSafeMemory(bytesOfString(length, isAscii)), length, isAscii, true);
 }
 
+/// The bytes must be ASCII, which is not checked again. The address may be null when there are none.
 NSString makeAsciiString(const char* bytes, std::size_t count) {
     StringBody* const body = allocateString(count, true);
     if (count != 0) {
@@ -116,6 +119,7 @@ NSString part(const StringBody& body, std::size_t start, std::size_t count) {
 
 } // namespace
 
+// Only text that is not known to be ASCII is examined.
 NSString NSString::fromText(StringView text) {
     switch (text.form()) {
     case StringView::Form::ascii:
@@ -129,6 +133,7 @@ NSString NSString::fromText(StringView text) {
     }
 }
 
+// Views keep no reference: the text is valid as long as a handle holds the string.
 StringView NSString::view() const noexcept {
     const StringBody* const body = bodyOf(*this);
     if (body == nullptr) {
@@ -140,6 +145,7 @@ StringView NSString::view() const noexcept {
 
 NSString NSString::string() { return detail::makeAsciiString("", 0); }
 
+// Strict, unlike other texts of bytes: anything ill-formed gives nil. Measuring and checking are one pass.
 NSString NSString::stringWithUTF8Bytes(const char* bytes, std::size_t byteCount) {
     std::size_t length = 0;
     if (!detail::getUtf16Length(bytes, byteCount, length)) {
@@ -216,6 +222,7 @@ std::string NSString::utf8() const {
     return text;
 }
 
+// On failure the string keeps what it held.
 bool NSString::getUTF8(std::string& out) const {
     const StringBody* const body = bodyOf(*this);
     if (body == nullptr || (!body->isAscii && !detail::isWellFormedUtf16(body->units(), body->length))) {
@@ -248,6 +255,7 @@ std::u16string NSString::utf16() const {
     return text;
 }
 
+// The subtraction cannot wrap, since the location was checked first; a sum of both could.
 NSString NSString::substringWithRange(std::size_t location, std::size_t count) const {
     const StringBody* const body = bodyOf(*this);
     if (body == nullptr) {
@@ -292,6 +300,7 @@ NSString NSString::stringByAppendingString(StringView other) const {
     return builder.string();
 }
 
+// Saturates, as the form with 64 bits does: a number beyond the type is its nearest limit.
 int NSString::intValue() const noexcept {
     const StringBody* const body = bodyOf(*this);
     if (body == nullptr) {
@@ -331,6 +340,7 @@ NSMutableString::NSMutableString(NSMutableString&& other) noexcept : builder_(ot
     other.builder_ = nullptr;
 }
 
+// The other one is emptied first, so that assigning a builder to itself keeps its text.
 NSMutableString& NSMutableString::operator=(NSMutableString&& other) noexcept {
     detail::TextBuilder* const taken = other.builder_;
     other.builder_ = nullptr;

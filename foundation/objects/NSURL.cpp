@@ -79,6 +79,7 @@ UriPart hostIn(const ResolvedUrl& url) noexcept {
 
 } // namespace
 
+// Nothing is repaired or escaped: what is not a URI reference gives nil, so that a mistake shows early.
 NSURL NSURL::URLWithString(StringView text) { return URLWithString_relativeToURL(text, nullptr); }
 
 NSURL NSURL::URLWithString_relativeToURL(StringView text, const NSURL& base) {
@@ -123,6 +124,7 @@ NSString NSURL::absoluteString() const {
     return stringOf(text);
 }
 
+// A URL without a base is absolute already, and shared.
 NSURL NSURL::absoluteURL() const { return baseURL() ? URLWithString(absoluteString()) : *this; }
 
 NSString NSURL::scheme() const {
@@ -150,6 +152,7 @@ NSString NSURL::host() const {
     return url[hostIn(url)];
 }
 
+// Nil without digits and for a number beyond 64 bits. Whether a port can be used is not decided here.
 NSNumber NSURL::port() const {
     const ResolvedUrl url(*this);
     const std::string_view digits = url.bytesIn(url.reference.port);

@@ -33,6 +33,8 @@ bool fitsBlock(std::size_t count, std::size_t rest) noexcept {
     return count <= blockUnits<Unit> && rest >= blockUnits<Unit>;
 }
 
+/// A whole block is copied by one instruction; what it copies beyond the text is overwritten later or never
+/// read.
 template <class Unit>
 void copyText(const Unit* text, std::size_t count, bool isWholeBlock, Unit* out) noexcept {
     if (isWholeBlock) {
@@ -42,6 +44,7 @@ void copyText(const Unit* text, std::size_t count, bool isWholeBlock, Unit* out)
     }
 }
 
+/// Of a block that is longer than the text, only the units of the text count.
 bool isAsciiText(const char16_t* text, std::size_t count, std::size_t rest) noexcept {
     if (!fitsBlock<char16_t>(count, rest)) {
         return asciiPrefixLength(text, count) == count;

@@ -53,6 +53,7 @@ bool copyIfAscii(const char* from, std::size_t count, char* to) noexcept {
 
 } // namespace
 
+/// Empty, with the memory inside the builder: what was allocated must have been released or handed over.
 void TextBuilder::reset() noexcept {
     data_ = inline_;
     length_ = 0;
@@ -66,6 +67,7 @@ void TextBuilder::release(void* memory) const noexcept {
     form_ == Form::utf8 ? giveBackSignalSafeMemory(memory) : ::operator delete(memory);
 }
 
+/// The new memory is complete before the old one is released, so a lack of memory changes nothing.
 void TextBuilder::growTo(std::size_t bytes) {
     const std::size_t held = holdsBytes() ? length_ : length_ * sizeof(char16_t);
     void* memory = nullptr;
@@ -99,6 +101,8 @@ void TextBuilder::makeRoom(std::size_t moreUnits) {
     }
 }
 
+/// From bytes to units, with room for the units that come next. A builder never becomes narrow again before
+/// its text is taken.
 void TextBuilder::widen(std::size_t moreUnits) {
     if (moreUnits > maxTextUnits) {
         throw std::bad_alloc();
@@ -163,6 +167,7 @@ void TextBuilder::appendUnits(const char16_t* units, std::size_t count) {
 
 void TextBuilder::appendUnit(char16_t unit) { appendUnits(&unit, 1); }
 
+/// The two units of a pair are appended together, so that a builder for UTF-8 sees a whole character.
 void TextBuilder::appendCodePoint(char32_t codePoint) {
     if (codePoint < 0x10000) {
         appendUnit(static_cast<char16_t>(codePoint));
@@ -183,6 +188,7 @@ void TextBuilder::appendUtf8(const char* bytes, std::size_t count) {
     }
 }
 
+/// Copies the part that needs no conversion, which is usually all of it, and converts the rest.
 void TextBuilder::appendLongUtf8(const char* bytes, std::size_t count) {
     const std::size_t plain =
         form_ == Form::utf8 ? wellFormedUtf8Prefix(bytes, count) : asciiPrefixLength(bytes, count);

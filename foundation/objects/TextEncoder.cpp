@@ -20,6 +20,7 @@ namespace {
 constexpr char16_t yenSign = 0x00A5;
 constexpr char16_t overline = 0x203E;
 
+/// The caller writes every byte.
 DataBody* allocateData(std::size_t size) {
     if (size > SIZE_MAX - sizeof(DataBody)) {
         throw std::bad_alloc();
@@ -47,6 +48,7 @@ std::size_t markSize(const TextEncoding& encoding) noexcept {
     return encoding.form == EncodingForm::utf16 ? 2 : encoding.form == EncodingForm::utf32 ? 4 : 0;
 }
 
+/// With a mark, text is written in the machine's own order, which needs no exchange of bytes.
 ByteOrder orderOf(const TextEncoding& encoding) noexcept {
     switch (encoding.order) {
     case EncodingOrder::big:
@@ -58,6 +60,7 @@ ByteOrder orderOf(const TextEncoding& encoding) noexcept {
     }
 }
 
+/// Whether the text has no unpaired surrogate, for which UTF-8 and UTF-32 have no bytes.
 bool isWellFormed(const StringBody& body) noexcept {
     return body.isAscii || isWellFormedUtf16(body.units(), body.length);
 }
@@ -94,6 +97,8 @@ bool getPlainSize(const TextEncoding& encoding, const StringBody& body, std::siz
     }
 }
 
+/// Writing cannot fail: everything was checked when the size was computed. There is a function for each form
+/// of a string, so that ASCII is not widened first.
 void write(const TextEncoding& encoding, const char* ascii, std::size_t count, char* out) {
     switch (encoding.form) {
     case EncodingForm::utf16:
@@ -140,6 +145,7 @@ void write(const TextEncoding& encoding, const char16_t* units, std::size_t coun
     }
 }
 
+/// Encodings with several bytes for a character, or with changes of state, which the C library converts.
 bool isBySequences(const TextEncoding& encoding) noexcept {
     return encoding.form == EncodingForm::sequences || encoding.form == EncodingForm::shiftJis;
 }
@@ -160,6 +166,7 @@ bool writeSequences(const TextEncoding& encoding, const NSString& text, std::str
 
 } // namespace
 
+/// The size without a mark. False if the encoding lacks a character of the text.
 bool getEncodedSize(const TextEncoding& encoding, const NSString& text, std::size_t& size) {
     if (!isBySequences(encoding)) {
         return getPlainSize(encoding, *Access::string(text), size);

@@ -27,6 +27,7 @@ class OldStyleWriter {
 public:
     explicit OldStyleWriter(std::string& out) : out_(out) {}
 
+    /// Returns null, or why the value cannot be written; the text is then incomplete and must not be used.
     const char* write(const NSObject& value) {
         const std::size_t start = out_.size();
         ValueWalk walk(value);
@@ -73,6 +74,7 @@ private:
         out_ += '>';
     }
 
+    /// A string that is not ASCII always needs quotes, because its other units are escaped.
     void writeString(const NSString& string) {
         const StringView text(string);
         if (text.form() != StringView::Form::ascii) {
@@ -109,6 +111,8 @@ private:
         out_ += '"';
     }
 
+    /// Units are escaped one by one, so a pair of surrogates becomes two escapes, as readers of this form
+    /// expect.
     void writeEscape(unsigned unit) {
         static constexpr std::string_view controls = "\a\b\f\n\r\t\v";
         static constexpr char letters[] = "abfnrtv";

@@ -10,6 +10,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// Sets are leaves in this walk, so they are refused here too.
 const char* faultOfLeaf(const NSObject& value) noexcept {
     if (!value) {
         return "A property list cannot hold nil";
@@ -20,6 +21,8 @@ const char* faultOfLeaf(const NSObject& value) noexcept {
     return nullptr;
 }
 
+/// The depth is limited because other readers use the stack. An array converted to a dictionary is nil, which
+/// has no keys.
 const char* faultOfCollection(const NSObject& collection, std::size_t depth) {
     if (depth == maxPropertyListDepth) {
         return "The value is nested too deeply for a property list";

@@ -31,6 +31,7 @@ class XmlWriter {
 public:
     explicit XmlWriter(std::string& out) : out_(out) {}
 
+    /// Returns null, or why the value cannot be written; the text is then incomplete and must not be used.
     const char* write(const NSObject& value) {
         const std::size_t start = out_.size();
         // No document type: readers ignore it, and some would fetch it.
@@ -61,8 +62,10 @@ private:
         }
     }
 
+    /// Tabs, one for each level: the outermost dictionary is not indented.
     void indent(std::size_t levels) { out_.append(levels, '\t'); }
 
+    /// The walk has refused what a property list cannot contain, so data are all that is left at the end.
     void writeLeaf(const ValueWalk& walk) {
         const NSObject& value = walk.value();
         if (walk.isKey()) {
@@ -78,6 +81,7 @@ private:
         }
     }
 
+    /// A boolean stays a boolean and a real stays a real, even if it is whole, so that kinds are read back.
     void writeNumber(const NSNumber& number) {
         char digits[numberTextCapacity];
         if (number.isBoolean()) {

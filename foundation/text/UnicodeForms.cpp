@@ -14,6 +14,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
+/// The number of a byte or a unit: a plain cast would extend the sign of a char.
 template <class Unit>
 constexpr std::uint32_t codeOf(Unit unit) noexcept {
     return static_cast<std::make_unsigned_t<Unit>>(unit);
@@ -105,6 +106,7 @@ char* writeUtf16(const Unit* units, std::size_t count, ByteOrder order, char* ou
     return out;
 }
 
+/// One number for each character, so a pair of surrogates becomes one.
 template <class Unit>
 char* writeUtf32(const Unit* units, std::size_t count, ByteOrder order, char* out) noexcept {
     for (const Unit* const end = units + count; units != end;) {
@@ -113,6 +115,7 @@ char* writeUtf32(const Unit* units, std::size_t count, ByteOrder order, char* ou
     return out;
 }
 
+/// The units must be well-formed: then each high surrogate stands for a pair.
 std::size_t countOfCharacters(const char16_t* units, std::size_t count) noexcept {
     std::size_t pairs = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -121,6 +124,7 @@ std::size_t countOfCharacters(const char16_t* units, std::size_t count) noexcept
     return count - pairs;
 }
 
+/// Unpaired surrogates are kept: in this form they have bytes of their own.
 bool readUtf16(std::string_view bytes, ByteOrder order, std::u16string& out) {
     out.resize(bytes.size() / 2);
     for (std::size_t i = 0; i < out.size(); ++i) {
@@ -147,6 +151,7 @@ bool readUtf32(std::string_view bytes, ByteOrder order, std::u16string& out) {
     return true;
 }
 
+/// An octal escape takes four bytes, one by number six; a backslash is doubled.
 template <class Unit>
 std::size_t escapedAsciiLength(const Unit* units, std::size_t count) noexcept {
     std::size_t length = 0;
@@ -176,6 +181,7 @@ char* writeEscapedAscii(const Unit* units, std::size_t count, char* out) noexcep
     return out;
 }
 
+/// The bytes of a file may be anything: a byte beyond ASCII or an unknown escape means another encoding.
 bool readEscapedAscii(std::string_view bytes, std::u16string& out) {
     out.clear();
     out.reserve(bytes.size());

@@ -24,10 +24,12 @@ constexpr bool isLetter(Unit unit) noexcept {
 
 void appendWord(TextBuilder& text, std::string_view word) { text.appendAscii(word.data(), word.size()); }
 
+/// Two letters show the last two digits; any other number of letters is the minimum number of digits.
 void appendYear(TextBuilder& text, std::int64_t year, std::size_t count) {
     appendDecimal(text, count == 2 ? (year < 0 ? -(year % 100) : year % 100) : year, count);
 }
 
+/// The number of letters chooses the form: a number, a short name, a name, or its first letter.
 void appendMonth(TextBuilder& text, int month, std::size_t count) {
     switch (count) {
     case 3:
@@ -71,6 +73,7 @@ void appendGmtOffset(TextBuilder& text, std::int32_t offset) {
     text.appendAscii(written, static_cast<std::size_t>(end - written));
 }
 
+/// "+0100" with up to three letters, "GMT+01:00" with four, "+01:00" or "Z" with five.
 void appendOffset(TextBuilder& text, std::int32_t offset, std::size_t count) {
     char written[offsetTextCapacity];
     if (count == 4) {
@@ -106,6 +109,7 @@ constexpr int countedFromOne(int hour, int limit) noexcept {
     return hour % limit == 0 ? limit : hour % limit;
 }
 
+/// Writes the field that a run of the same letter asks for. A letter that no field has is copied.
 void appendField(TextBuilder& text, char letter, std::size_t count, const LocalDate& local) {
     switch (letter) {
     case 'y':

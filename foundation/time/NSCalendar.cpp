@@ -16,6 +16,7 @@ using detail::LocalDate;
 
 namespace {
 
+/// A unit with the field that it fills.
 struct UnitField {
     NSCalendarUnit unit;
     NSInteger NSDateComponents::*field;
@@ -52,6 +53,8 @@ bool isIdentifier(StringView text, std::string_view identifier) noexcept {
     return true;
 }
 
+/// Years are counted within their era: the year before 1 is year 1 of era 0. Years of weeks have no era and
+/// count through 0.
 NSInteger fieldOfDate(NSCalendarUnit unit, const LocalDate& local, int nanoseconds,
                       detail::WeekRule weeks) noexcept {
     switch (unit) {
@@ -111,6 +114,7 @@ constexpr NSInteger valueOr(NSInteger field, NSInteger otherwise) noexcept {
 
 } // namespace
 
+// The time zone is not looked up here but at each use, so making a calendar costs two comparisons.
 NSCalendar NSCalendar::calendarWithIdentifier(StringView identifier) {
     if (isIdentifier(identifier, NSCalendarIdentifierGregorian)) {
         return NSCalendar(Form::gregorian);
@@ -164,6 +168,7 @@ NSDate NSCalendar::dateFromComponents(const NSDateComponents& components) const 
         {instant, static_cast<std::int32_t>(detail::floorModulo(nanoseconds, nanosecondsPerSecond))});
 }
 
+// The local date is computed once for all units. Unknown units are ignored.
 NSDateComponents NSCalendar::components_fromDate(unsigned units, const NSDate& date) const noexcept {
     NSDateComponents components;
     detail::Instant instant = {};

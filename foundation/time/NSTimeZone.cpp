@@ -48,6 +48,7 @@ NSTimeZone NSTimeZone::systemTimeZone() noexcept {
 
 void NSTimeZone::resetSystemTimeZone() noexcept { detail::rereadProcessZone(); }
 
+// A zone is read from its file once; from then on all zones of that name share the record.
 NSTimeZone NSTimeZone::timeZoneWithName(StringView name) {
     char bytes[256];
     if (!asciiName(name, bytes, sizeof bytes)) {
@@ -78,6 +79,7 @@ int NSTimeZone::secondsFromGMTForDate(const NSDate& date) const noexcept {
     return date ? detail::ZoneAccess::offsetAt(*this, detail::wholeSeconds(date)) : 0;
 }
 
+// Zones with rules take it from their data, which change between summer and winter.
 NSString NSTimeZone::abbreviationForDate(const NSDate& date) const {
     if (form_ == Form::absent || !date) {
         return nullptr;

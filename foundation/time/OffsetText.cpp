@@ -36,6 +36,7 @@ char* writeAfterColon(int value, char* out) noexcept {
 
 } // namespace
 
+/// "+0100"; the seconds, which only old local times have, follow without a separator.
 char* writeBasicOffset(std::int32_t offset, char* out) noexcept {
     const Parts parts = partsOf(offset);
     *out++ = parts.sign;
@@ -43,6 +44,7 @@ char* writeBasicOffset(std::int32_t offset, char* out) noexcept {
     return parts.seconds != 0 ? writeTwo(parts.seconds, out) : out;
 }
 
+/// "+01:00", with the seconds after another colon if there are any.
 char* writeExtendedOffset(std::int32_t offset, char* out) noexcept {
     const Parts parts = partsOf(offset);
     *out++ = parts.sign;
@@ -50,6 +52,7 @@ char* writeExtendedOffset(std::int32_t offset, char* out) noexcept {
     return parts.seconds != 0 ? writeAfterColon(parts.seconds, out) : out;
 }
 
+/// "GMT+1", "GMT+5:30": the hours have no leading zero, and what is zero at the end is omitted.
 char* writeShortOffsetWithGMT(std::int32_t offset, char* out) noexcept {
     std::memcpy(out, "GMT", 3);
     out += 3;
