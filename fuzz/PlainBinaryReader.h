@@ -16,7 +16,7 @@ namespace ZQFoundation::fuzzing {
 
 /// Whether the library refused a file for a limit that the reader below does not have.
 inline bool isLimitOnObjects(const char* message) {
-    return std::strcmp(message, "The objects lie over each other") == 0 ||
+    return std::strcmp(message, "The objects overlap") == 0 ||
            std::strcmp(message, "Shared objects make the value many times larger than the file") == 0;
 }
 

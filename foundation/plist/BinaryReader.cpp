@@ -121,7 +121,7 @@ private:
 
     bool readTrailer() {
         if (size_ < headerSize + 1 + trailerSize) {
-            return fail("The binary property list is cut short", size_);
+            return fail("The binary property list is truncated", size_);
         }
         const std::size_t start = size_ - trailerSize;
         const unsigned char* trailer = bytes_ + start;
@@ -132,11 +132,11 @@ private:
         const std::uint64_t table = bigEndian(trailer + 24, 8);
         // Larger numbers could not be right in a file that fits into memory.
         if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) {
-            return fail("The trailer names an impossible size of numbers", start + 6);
+            return fail("The trailer has an impossible number size", start + 6);
         }
         // Divided rather than multiplied, which could overflow.
         if (table < headerSize || table > start || count > (start - table) / offsetSize_) {
-            return fail("The table of offsets does not lie inside the file", start + 8);
+            return fail("The table of offsets is not inside the file", start + 8);
         }
         if (top >= count) {
             return fail("The outermost object does not exist", start + 16);
@@ -154,7 +154,7 @@ private:
         for (std::size_t index = 0; index < slots_.size(); ++index) {
             const std::uint64_t offset = offsetOf(index);
             if (offset < headerSize || offset >= table_) {
-                return fail("An object does not lie inside the file", table_ + index * offsetSize_);
+                return fail("An object is not inside the file", table_ + index * offsetSize_);
             }
         }
         return true;
@@ -287,7 +287,7 @@ private:
         }
         key = NSString(slot.value);
         level.parts = sumOf(level.parts, slot.parts);
-        return key || fail("A dictionary's key is no string", offset);
+        return key || fail("A dictionary's key is not a string", offset);
     }
 
     /// Reads a scalar into its slot, or opens a container.
@@ -353,7 +353,7 @@ private:
         const std::size_t length = place.count * unitSize;
         // Each byte may be claimed a few times; then the objects overlap on purpose.
         if (length > bytesToGive_) {
-            return fail("The objects lie over each other", place.start);
+            return fail("The objects overlap", place.start);
         }
         bytesToGive_ -= length;
         partsInFile_ += 1 + length / (isContainer(place) ? referenceSize_ : bytesOfPart);

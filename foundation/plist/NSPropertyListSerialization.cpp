@@ -34,7 +34,7 @@ NSObject NSPropertyListSerialization::propertyListWithData(const NSData& data, N
     if (data) {
         value = detail::parsePropertyListBytes(data.bytes(), data.length(), &error);
     } else {
-        error.message = "There are no data";
+        error.message = "There is no data";
     }
     if (errorText != nullptr) {
         // The reason is always set, so that a caller never sees an old one.

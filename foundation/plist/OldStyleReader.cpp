@@ -371,7 +371,7 @@ private:
         }
         const char16_t unit = nextStepToUnit(static_cast<unsigned char>(value));
         if (unit == nextStepUndefined) {
-            return fail("An octal escape stands for no character", backslash);
+            return fail("No character is assigned to an octal escape", backslash);
         }
         text.appendUnit(unit);
         return true;
@@ -410,7 +410,7 @@ private:
             } else if (const std::size_t length = separatorLength(cursor_, end_); length > 0) {
                 cursor_ += length;
             } else {
-                return fail("Data holds a character that is no hexadecimal digit", cursor_);
+                return fail("Data contains a character that is not a hexadecimal digit", cursor_);
             }
         }
         if (cursor_ == end_) {

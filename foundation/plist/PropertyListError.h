@@ -19,7 +19,7 @@ struct PropertyListError {
     std::size_t column = 0;
 };
 
-/// The max nesting of containers in any of the three forms, read or written.
+/// The maximum nesting of containers in any of the three forms, read or written.
 inline constexpr std::size_t maxPropertyListDepth = 512;
 
 /// The largest file that is read and the largest text that is written, in bytes: 2 GiB.

@@ -119,7 +119,7 @@ bool useUtf8(std::string_view bytes, DecodedText& text, PropertyListError& error
 
 bool decodeUtf16(std::string_view bytes, bool isLittle, DecodedText& text, PropertyListError& error) {
     if (bytes.size() % 2 != 0) {
-        return fail(error, "The text has half a UTF-16 unit at its end", bytes.size());
+        return fail(error, "The text ends inside a UTF-16 unit", bytes.size());
     }
     text.count = bytes.size() / 2;
     text.units.reset(new char16_t[text.count]);
@@ -141,7 +141,7 @@ bool decodeUtf16(std::string_view bytes, bool isLittle, DecodedText& text, Prope
 
 bool decodeUtf32(std::string_view bytes, bool isLittle, DecodedText& text, PropertyListError& error) {
     if (bytes.size() % 4 != 0) {
-        return fail(error, "The text has a part of a UTF-32 unit at its end", bytes.size());
+        return fail(error, "The text ends inside a UTF-32 unit", bytes.size());
     }
     // UTF-32 is converted completely, since the readers have no form for it.
     text.units.reset(new char16_t[bytes.size() / 2]); // at most two for each four bytes

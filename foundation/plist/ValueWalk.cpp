@@ -13,10 +13,10 @@ namespace {
 /// Sets are leaves in this walk, so they are refused here too.
 const char* faultOfLeaf(const NSObject& value) noexcept {
     if (!value) {
-        return "A property list cannot hold nil";
+        return "A property list cannot contain nil";
     }
     if (!NSString(value) && !NSNumber(value) && !NSDate(value) && !NSData(value)) {
-        return "A property list holds strings, numbers, dates, data, arrays and dictionaries only";
+        return "A property list contains only strings, numbers, dates, data, arrays and dictionaries";
     }
     return nullptr;
 }

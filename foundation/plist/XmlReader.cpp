@@ -116,14 +116,14 @@ private:
             return readTree(tag, result);
         }
         if (tag.isEmpty) {
-            return fail("The property list holds no value", tag.start);
+            return fail("The property list contains no value", tag.start);
         }
         if (!skipBetweenElements()) {
             return false;
         }
         // Reported as what it is, rather than as an unknown element.
         if (isAtCloseTag()) {
-            return fail("The property list holds no value", cursor_);
+            return fail("The property list contains no value", cursor_);
         }
         // What follows the close tag is not read.
         return readOpenTag(tag) && readTree(tag, result) && skipBetweenElements() &&
@@ -435,7 +435,8 @@ private:
             return readXmlDate(text, count, value) || fail("The date is malformed", text);
         default:
             // Data skip what is not Base64, so this is the only way in which they fail.
-            return readXmlData(text, count, value) || fail("The data hold a character beyond ASCII", text);
+            return readXmlData(text, count, value) ||
+                   fail("The data contains a character beyond ASCII", text);
         }
     }
 

@@ -192,7 +192,7 @@ public:
         }
     }
 
-    /// Four symbols at once, between groups; false when one of them is none.
+    /// Four symbols at once, between groups; false when one of them is not a symbol.
     template <class Unit>
     bool addWholeGroup(const Unit* text) noexcept {
         const int first = base64Value(text[0]);

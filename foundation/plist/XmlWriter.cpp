@@ -117,7 +117,7 @@ private:
         const std::int64_t seconds = isNear ? static_cast<std::int64_t>(since1970) : 0;
         const CivilDate day = civilFromDays(floorDivide(seconds, secondsPerDay));
         if (!isNear || day.year < -9999 || day.year > 9999) {
-            refusal_ = "The date lies too far away for a property list";
+            refusal_ = "The date is too far away for a property list";
             return;
         }
         const auto rest = static_cast<unsigned>(floorModulo(seconds, secondsPerDay));

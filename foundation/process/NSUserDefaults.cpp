@@ -129,7 +129,7 @@ void addMissing(NSMutableDictionary& merged, const NSDictionary& domain) {
 void demandPropertyListValue(const NSObject& value, const NSObject& key) {
     if (!detail::isPropertyListValue(value)) {
         NSException::raise_format(NSInvalidArgumentException,
-                                  "The value for the default %@ is not of a kind that a property list holds",
+                                  "The value for the default %@ is not one that a property list can contain",
                                   key);
     }
 }
@@ -257,7 +257,7 @@ void NSUserDefaults::registerDefaults(const NSDictionary& values) {
     // All are checked before any is registered.
     for (const NSDictionaryEntry& entry : values) {
         if (!entry.key.as<NSString>()) {
-            NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is no string",
+            NSException::raise_format(NSInvalidArgumentException, "The key %@ of a default is not a string",
                                       entry.key);
         }
         demandPropertyListValue(entry.value, entry.key);

@@ -139,13 +139,13 @@ TEST(BinaryReader, keysMustBeStrings) {
          {object(0x09), object(0x10, "1"), object(0xA0), object(0x41, "k"), object(0x00)}) {
         BinaryFile file;
         file.objects = {object(0xD1, references({1, 2})), key, object(0x09)};
-        EXPECT_EQ(read(file.bytes()), "A dictionary's key is no string");
+        EXPECT_EQ(read(file.bytes()), "A dictionary's key is not a string");
         file.objects = {object(0xD1, references({1, 1})), key}; // the value is read before it serves as a key
-        EXPECT_EQ(read(file.bytes()), "A dictionary's key is no string");
+        EXPECT_EQ(read(file.bytes()), "A dictionary's key is not a string");
     }
     BinaryFile file;
     file.objects = {object(0xD1, references({0, 1})), object(0x09)};
-    EXPECT_EQ(read(file.bytes()), "A dictionary's key is no string") << "the dictionary itself";
+    EXPECT_EQ(read(file.bytes()), "A dictionary's key is not a string") << "the dictionary itself";
 }
 
 TEST(BinaryReader, anySizeOfNumbersUpToEight) {
@@ -162,10 +162,10 @@ TEST(BinaryReader, anySizeOfNumbersUpToEight) {
         file.objects = {object(0x09)};
         std::string bytes = file.bytes();
         bytes[bytes.size() - 26] = static_cast<char>(size);
-        EXPECT_EQ(read(bytes), "The trailer names an impossible size of numbers");
+        EXPECT_EQ(read(bytes), "The trailer has an impossible number size");
         bytes = file.bytes();
         bytes[bytes.size() - 25] = static_cast<char>(size);
-        EXPECT_EQ(read(bytes), "The trailer names an impossible size of numbers");
+        EXPECT_EQ(read(bytes), "The trailer has an impossible number size");
     }
 }
 
@@ -182,7 +182,7 @@ TEST(BinaryReader, checksTheTrailer) {
     for (const std::int64_t more : {std::int64_t{1}, INT64_MAX, INT64_MIN, std::int64_t{-3}}) {
         BinaryFile file = good;
         file.countMore = more;
-        EXPECT_EQ(read(file.bytes()), "The table of offsets does not lie inside the file") << more;
+        EXPECT_EQ(read(file.bytes()), "The table of offsets is not inside the file") << more;
     }
     for (const std::int64_t later :
          {std::int64_t{1}, std::int64_t{-3}, std::int64_t{-11}, INT64_MAX, INT64_MIN}) {
@@ -193,8 +193,8 @@ TEST(BinaryReader, checksTheTrailer) {
     BinaryFile empty = good;
     empty.countMore = -2;
     EXPECT_EQ(read(empty.bytes()), "The outermost object does not exist");
-    EXPECT_EQ(read("bplist00"), "The binary property list is cut short");
-    EXPECT_EQ(read("bplist00" + std::string(32, '\0')), "The binary property list is cut short");
+    EXPECT_EQ(read("bplist00"), "The binary property list is truncated");
+    EXPECT_EQ(read("bplist00" + std::string(32, '\0')), "The binary property list is truncated");
 }
 
 TEST(BinaryReader, checksOffsetsAndReferences) {
@@ -203,7 +203,7 @@ TEST(BinaryReader, checksOffsetsAndReferences) {
     EXPECT_EQ(read(file.bytes()), "[true]");
     for (const std::uint64_t offset : {0U, 7U, 11U, 12U, 0xFFFFU}) {
         file.offsets = {8, offset};
-        EXPECT_EQ(read(file.bytes()), "An object does not lie inside the file") << offset;
+        EXPECT_EQ(read(file.bytes()), "An object is not inside the file") << offset;
     }
     file.offsets.clear();
     for (const unsigned reference : {2U, 255U}) {
@@ -358,7 +358,7 @@ TEST(BinaryReader, refusesObjectsThatLieOverEachOther) {
         all += object(0x4F, object(0x13, bigEndian(end - start - 10, 8)));
     }
     file.objects = {all};
-    EXPECT_EQ(read(file.bytes()), "The objects lie over each other");
+    EXPECT_EQ(read(file.bytes()), "The objects overlap");
 }
 
 TEST(BinaryReader, oneObjectMayHaveTwoNumbers) {

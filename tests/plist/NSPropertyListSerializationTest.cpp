@@ -26,7 +26,7 @@ TEST(NSPropertyListSerialization, readsAndSaysWhatIsWrong) {
     EXPECT_FALSE(NSPropertyListSerialization::propertyListWithData(dataOf("(\na"), &errorText));
     EXPECT_EQ(errorText, "An array's element must be followed by ',' or ')' (line 2, column 2)");
     EXPECT_FALSE(NSPropertyListSerialization::propertyListWithData(nullptr, &errorText));
-    EXPECT_EQ(errorText, "There are no data (byte 0)");
+    EXPECT_EQ(errorText, "There is no data (byte 0)");
     EXPECT_FALSE(NSPropertyListSerialization::propertyListWithData(NSData::data(), &errorText));
     EXPECT_FALSE(NSPropertyListSerialization::propertyListWithData(dataOf("(")));
 }

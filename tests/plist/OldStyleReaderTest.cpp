@@ -281,9 +281,9 @@ TEST(OldStyleReader, namesLineAndColumn) {
             {"{a=1;", "A dictionary is not closed (line 1, column 6)"},
             {"(a) b", "More text follows the value (line 1, column 5)"},
             {"<0g>", "Data needs its hexadecimal digits in pairs (line 1, column 2)"},
-            {"<00 g>", "Data holds a character that is no hexadecimal digit (line 1, column 5)"},
+            {"<00 g>", "Data contains a character that is not a hexadecimal digit (line 1, column 5)"},
             {"<00", "Data is not closed (line 1, column 4)"},
-            {"\"ab\\377\"", "An octal escape stands for no character (line 1, column 4)"},
+            {"\"ab\\377\"", "No character is assigned to an octal escape (line 1, column 4)"},
             {"(a,", "The text ends where a value is expected (line 1, column 4)"},
         });
 }

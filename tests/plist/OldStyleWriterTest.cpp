@@ -94,9 +94,9 @@ TEST(OldStyleWriter, writesData) {
 }
 
 TEST(OldStyleWriter, refusesWhatNoPropertyListHolds) {
-    EXPECT_EQ(write(nullptr), "A property list cannot hold nil");
+    EXPECT_EQ(write(nullptr), "A property list cannot contain nil");
     EXPECT_EQ(write(NSArray{NSNull::null()}),
-              "A property list holds strings, numbers, dates, data, arrays and dictionaries only");
+              "A property list contains only strings, numbers, dates, data, arrays and dictionaries");
     EXPECT_EQ(write(NSDictionary{{1.5, "a"}}), "A key of a property list's dictionary must be a string");
 }
 

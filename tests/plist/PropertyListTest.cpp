@@ -60,8 +60,7 @@ TEST(PropertyList, namesTheFailureOfTheFormThatWasMeant) {
     EXPECT_EQ(failure("(a,\nb"), "An array's element must be followed by ',' or ')' (line 2, column 2)");
     EXPECT_EQ(failure("<0g>"), "Data needs its hexadecimal digits in pairs (line 1, column 2)");
     EXPECT_EQ(failure("<?xml version='1.0'?><foo/>"), "The element is not known (line 1, column 22)");
-    EXPECT_EQ(failure(sampleBinary().substr(0, 80)),
-              "The trailer names an impossible size of numbers (byte 54)");
+    EXPECT_EQ(failure(sampleBinary().substr(0, 80)), "The trailer has an impossible number size (byte 54)");
     EXPECT_EQ(failure("<?xml encoding='x'?><true/>"), "The declared text encoding is not known (byte 0)");
 }
 

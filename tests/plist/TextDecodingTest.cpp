@@ -105,13 +105,13 @@ TEST(TextDecoding, refusesIllFormedText) {
          {"\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\xFF", "\x80"}) {
         EXPECT_EQ(decode(bytes), "The text is not well-formed UTF-8 (line 1, column 1)");
     }
-    EXPECT_EQ(decode("\xFF\xFE\x61"), "The text has half a UTF-16 unit at its end (byte 1)");
+    EXPECT_EQ(decode("\xFF\xFE\x61"), "The text ends inside a UTF-16 unit (byte 1)");
     EXPECT_EQ(decode("\xFF\xFE\x61\x00\x00\xD8"sv), "The text is not well-formed UTF-16 (line 1, column 2)");
     EXPECT_EQ(decode("\xFF\xFE\x0A\x00\x00\xDC\x61\x00"sv),
               "The text is not well-formed UTF-16 (line 2, column 1)");
     EXPECT_EQ(decode("\xFE\xFF\xD8\x00\xD8\x00\xDC\x00"sv),
               "The text is not well-formed UTF-16 (line 1, column 1)");
-    EXPECT_EQ(decode("\xFF\xFE\x00\x00\x61"sv), "The text has a part of a UTF-32 unit at its end (byte 1)");
+    EXPECT_EQ(decode("\xFF\xFE\x00\x00\x61"sv), "The text ends inside a UTF-32 unit (byte 1)");
     EXPECT_EQ(decode("\xFF\xFE\x00\x00\x00\xD8\x00\x00"sv), "The text is not well-formed UTF-32 (byte 0)");
     EXPECT_EQ(decode("\xFF\xFE\x00\x00\x00\x00\x11\x00"sv), "The text is not well-formed UTF-32 (byte 0)");
     EXPECT_EQ(decode("\xFF\xFE\x00\x00\x00\x00\x00\x80"sv), "The text is not well-formed UTF-32 (byte 0)");

@@ -118,13 +118,14 @@ TEST(XmlWriter, writesTheYearsThatTheFormHas) {
     for (const double seconds : {first - 1, last + 1, 1e300, -1e300, std::numeric_limits<double>::infinity(),
                                  std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(write(NSDate::dateWithTimeIntervalSinceReferenceDate(seconds)),
-                  "The date lies too far away for a property list");
+                  "The date is too far away for a property list");
     }
 }
 
 TEST(XmlWriter, refusesWhatNoPropertyListHolds) {
-    const char* kinds = "A property list holds strings, numbers, dates, data, arrays and dictionaries only";
-    EXPECT_EQ(write(nullptr), "A property list cannot hold nil");
+    const char* kinds =
+        "A property list contains only strings, numbers, dates, data, arrays and dictionaries";
+    EXPECT_EQ(write(nullptr), "A property list cannot contain nil");
     EXPECT_EQ(write(NSNull::null()), kinds);
     EXPECT_EQ(write(NSArray{"a", NSNull::null()}), kinds);
     EXPECT_EQ(write(NSDictionary{{"a", NSArray{NSNull::null()}}}), kinds);
