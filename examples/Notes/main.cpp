@@ -26,8 +26,8 @@ int main(int argc, char** argv) {
                                   "-name",          "-nograb",       "-platform",      "-platformpluginpath",
                                   "-platformtheme", "-plugin",       "-qmljsdebugger", "-qwindowgeometry",
                                   "-qwindowicon",   "-qwindowtitle", "-reverse",       "-session",
-                                  "-style",         "-stylesheet",   "-title",         "-visual",
-                                  "-widgetcount"};
+                                  "-style",         "-stylesheet",   "-testability",   "-title",
+                                  "-visual",        "-widgetcount"};
     zq::NSProcessInfo::removeDefaultsFromArguments(argc, argv, optionsOfQt);
     notes::LogLines::shared().observe();
     notes::settings::registerDefaults();

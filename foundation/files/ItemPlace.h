@@ -45,7 +45,7 @@ public:
     bool isEntry() const noexcept { return name_ != "." && name_ != ".."; }
 
     /// Reads the information of the item itself, a link not being followed. False with `errno`; ENOTDIR when
-    /// the path requires a folder and this is none.
+    /// the path requires a folder and this is not one.
     bool look(struct stat& information) const noexcept;
 
     /// Whether something exists there, links followed; the flag is written only then.

@@ -30,16 +30,16 @@ public:
     NSFileHandle& operator=(NSFileHandle&& other) noexcept;
     ~NSFileHandle();
 
-    /// An existing item opened for writing at offset 0, neither made nor truncated. Nil if it is absent, a
+    /// An existing item opened for writing at offset 0, neither created nor truncated. Nil if it is absent, a
     /// folder, or not permitted. A pipe without a reader is refused, not waited for.
     static NSFileHandle fileHandleForWritingAtPath(StringView path);
 
-    /// An existing item opened for reading at offset 0, neither made nor truncated. Nil if it is absent, a
+    /// An existing item opened for reading at offset 0, neither created nor truncated. Nil if it is absent, a
     /// folder, or not permitted. A pipe is opened without waiting for a writer.
     static NSFileHandle fileHandleForReadingAtPath(StringView path);
 
-    /// An existing item opened for reading and writing at offset 0, neither made nor truncated. Nil if it is
-    /// absent, a folder, or not permitted. A pipe without a reader is refused, not waited for.
+    /// An existing item opened for reading and writing at offset 0, neither created nor truncated. Nil if it
+    /// is absent, a folder, or not permitted. A pipe without a reader is refused, not waited for.
     static NSFileHandle fileHandleForUpdatingAtPath(StringView path);
 
     /// True unless the handle is nil, also after `closeFile`.
@@ -59,7 +59,7 @@ public:
     /// nothing. Never raises a signal for a reader that is gone or a file-size limit.
     void writeData(const NSData& data);
 
-    /// Reads at most `length` bytes from here on, fewer only before the end; empty at the end.
+    /// Reads `length` bytes from here on, or fewer if the file ends before; empty at the end.
     NSData readDataOfLength(std::size_t length);
     /// Reads from here to the end; empty at the end.
     NSData readDataToEndOfFile();

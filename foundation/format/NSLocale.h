@@ -22,7 +22,7 @@ public:
     constexpr NSLocale(std::nullptr_t) noexcept {}
 
     /// A locale made from a dictionary, of which only `NSDecimalSeparator` is used ("." when it is missing,
-    /// empty or no string), and nothing is grouped. Nil makes a nil locale.
+    /// empty or not a string), and nothing is grouped. Nil makes a nil locale.
     NSLocale(const NSDictionary& separators);
 
     /// The user's locale: the default `AppleLocale`, else the first that is set of LC_ALL, LC_NUMERIC and

@@ -334,7 +334,7 @@ private:
     Argument arguments_[count];
 };
 
-/// Without arguments there is no array: one of no elements is not allowed.
+/// Without arguments there is no array: an array without elements is not allowed.
 template <>
 class PackedArguments<0> {
 public:

@@ -5,8 +5,8 @@
 
 #include <cstddef>
 
-// How the compiler reports what is wrong with a literal format. A wrong one calls a function that is no
-// constant expression, so the compiler shows the name of that function and its template arguments: the
+// How the compiler reports what is wrong with a literal format. A wrong one calls a function that is not
+// a constant expression, so the compiler shows the name of that function and its template arguments: the
 // conversion's letter and the argument's number and type. The call on the way there names the conversion's
 // number. Both matter: with stars and positions the two numbers differ.
 //

@@ -171,8 +171,8 @@ private:
         return at_ - start;
     }
 
-    /// Takes names, escapes and the extra characters up to the first other one. False for a "%" that is no
-    /// escape.
+    /// Takes names, escapes and the extra characters up to the first other one. False for a "%" that is not
+    /// an escape.
     bool takeNames(const char* extra) noexcept {
         while (at_ < count_) {
             if (is(text_[at_], name) || isOneOf(text_[at_], extra)) {
