@@ -213,7 +213,7 @@ void NSFileHandle::synchronizeFile() {
 
 void NSFileHandle::closeFile() {
     if (state_ == State::open) {
-        // Errors of closing are not reported here: `synchronizeFile` is the way to learn them.
+        // Errors of closing are not reported here; `synchronizeFile` reports them.
         detail::Descriptor(descriptor_).reset();
         descriptor_ = notOpen;
         state_ = State::closed;
