@@ -21,7 +21,7 @@ function(zq_use_peer name target)
         target_compile_definitions(zq_bench_settings INTERFACE ZQ_BENCH_HAS_${name})
         target_link_libraries(zq_bench_settings INTERFACE ${target})
     else()
-        message(STATUS "Benchmarks leave out ${name}, which is not installed")
+        message(STATUS "Benchmarks omit ${name}, which is not installed")
     endif()
 endfunction()
 

@@ -50,7 +50,7 @@ zq_write_check(HostileMacros "${hostile}${forward}${umbrella}")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/README.md")
 file(READ "${PROJECT_SOURCE_DIR}/README.md" readme)
 if(NOT readme MATCHES "\n```cpp\n(.*)\n}\n```\n")
-    message(FATAL_ERROR "README.md holds no C++ sample")
+    message(FATAL_ERROR "README.md contains no C++ sample")
 endif()
 zq_write_check(Readme "${CMAKE_MATCH_1}\n}\n")
 

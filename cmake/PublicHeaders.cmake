@@ -14,7 +14,7 @@ file(STRINGS "${PROJECT_SOURCE_DIR}/cmake/public-headers.txt" ZQ_PUBLIC_HEADERS 
 list(REMOVE_ITEM ZQ_PUBLIC_HEADERS include/ZQFoundation.h)
 foreach(header IN LISTS ZQ_PUBLIC_HEADERS)
     if(NOT EXISTS "${PROJECT_SOURCE_DIR}/${header}")
-        message(SEND_ERROR "cmake/public-headers.txt lists ${header}, which is not there")
+        message(SEND_ERROR "cmake/public-headers.txt lists ${header}, which does not exist")
     endif()
 endforeach()
 

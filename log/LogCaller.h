@@ -78,7 +78,7 @@ public:
     template <class T>
     constexpr LogCaller(const T* instance) noexcept {
         static_assert(!detail::isCharacter<T>,
-                      "a text is no caller; pass `this`, a value, a class or nullptr");
+                      "a text is not a caller; pass `this`, a value, a class or nullptr");
         if (instance == nullptr) {
             return;
         }

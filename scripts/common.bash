@@ -25,7 +25,7 @@ step() {
 require_version() {
     # A package may count as installed although its program is not on the path.
     command -v "$2" >/dev/null || die "$2 is not on the path"
-    [[ -n $3 ]] || die "$2 does not tell its version"
+    [[ -n $3 ]] || die "the version of $2 is unknown"
     [[ $(printf '%s\n%s\n' "$4" "$3" | sort -V | head -n 1) == "$4" ]] ||
         die "$1 $3 is too old; $4 or later is needed"
 }

