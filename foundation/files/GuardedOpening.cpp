@@ -222,6 +222,9 @@ void clearNonBlocking(int file) noexcept {
     }
 }
 
+/// Follows links at the end of the path, one by one, as long as the walk permits it; links to open objects
+/// are left to the system. A place where nothing exists yet is a result too: a file may be created there.
+/// False with `errno`.
 bool reachEndOf(GuardedWalk& walk, GuardedPlace& place) {
     for (;;) {
         struct stat item;

@@ -99,6 +99,8 @@ std::uintptr_t addressOfText(StringView text) noexcept {
 
 } // namespace
 
+/// What an argument is worth to a conversion of integers: texts, pointers and missing arguments are 0.
+/// `asSigned` only matters for reals, which saturate at the limits of that type.
 std::uint64_t integerOf(const Argument* argument, bool asSigned) noexcept {
     if (argument == nullptr) {
         return 0;

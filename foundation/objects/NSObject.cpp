@@ -202,6 +202,7 @@ const NSObjectProtocol* NSObject::hostObject() const noexcept {
     return kind_ == Kind::hostObject ? Access::host(*this)->object : nullptr;
 }
 
+/// Constant texts, so that a log line can name the class of a value in a signal handler.
 detail::NameSpan detail::ownClassName(const NSObject& value) noexcept {
     const auto named = [](std::string_view name) {
         return NameSpan{name.data(), name.size()};

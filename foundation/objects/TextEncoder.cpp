@@ -177,6 +177,8 @@ bool getEncodedSize(const TextEncoding& encoding, const NSString& text, std::siz
     return fits;
 }
 
+/// Nil if the encoding lacks a character of the text: nothing is replaced. Written directly into the data,
+/// except sequences, whose size is unknown until then.
 NSData encodedText(const TextEncoding& encoding, const NSString& text) {
     if (isBySequences(encoding)) {
         std::string bytes;

@@ -383,6 +383,8 @@ private:
         return true;
     }
 
+    /// Anything that refers to no other object. Long texts and data count as several parts, so that sharing
+    /// them cannot hide their size.
     bool readScalar(const ObjectPlace& place, Slot& slot) {
         slot.state = Slot::finished;
         slot.parts = 1 + place.count * (place.kind == unitsKind ? 2 : 1) / bytesOfPart;

@@ -182,6 +182,7 @@ bool decodeSingleBytes(std::string_view bytes, bool isWindows, DecodedText& text
     return true;
 }
 
+/// UTF-8 is used where it is; text in any other encoding is converted to units.
 bool decode(std::string_view bytes, Encoding encoding, DecodedText& text, PropertyListError& error) {
     switch (encoding) {
     case Encoding::utf8:

@@ -100,6 +100,8 @@ bool isWord(const Unit* text, const Unit* end, const char (&word)[size]) noexcep
     return true;
 }
 
+/// A decimal number, or one of the words that C uses for infinity and NaN, in any case and with a sign. White
+/// space is allowed before it, but nothing after it.
 template <class Unit>
 bool readReal(const Unit* text, const Unit* end, NSObject& value) {
     while (text != end && isWhiteSpace(unitNumber(*text))) {

@@ -214,6 +214,8 @@ private:
         utf16ToUtf8(start, count, out_.data() + before, IllFormed::replace);
     }
 
+    /// The three characters that XML reserves have names; control characters, which XML cannot contain, are
+    /// written by number, and this library reads them back.
     void writeReference(unsigned unit) {
         switch (unit) {
         case '<':

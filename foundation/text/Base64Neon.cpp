@@ -60,6 +60,8 @@ bool skipForeignBytes(Decoding& state) noexcept {
     return skipped != 0;
 }
 
+/// Takes 64 characters at a time, each group of four spread over four vectors, and writes 48 bytes. The plain
+/// loop continues at the last ones, and at a foreign byte that is not at the start of the 64.
 void decodeGroups(Decoding& state) noexcept {
     const uint8x16x4_t lower = loaded(valueOfByte.data());
     const uint8x16x4_t upper = loaded(valueOfByte.data() + 64);

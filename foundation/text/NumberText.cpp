@@ -129,6 +129,8 @@ void splitExponent(const Unit* text, std::size_t count, RealParts& parts) {
     parts.length = end;
 }
 
+/// Finds the parts of the longest number at the start. There must be a digit before or after the point; all
+/// parts are empty if there is none.
 template <class Unit>
 RealParts splitReal(const Unit* text, std::size_t count) {
     RealParts parts;

@@ -131,6 +131,7 @@ bool booleanFromWord(const std::string& word) {
     fail("\"%@\" is not a boolean: YES, NO, true, false, 1 or 0", word);
 }
 
+/// Spaces may separate bytes but not the two digits of one.
 NSObject dataFromWord(const std::string& word) {
     std::string bytes;
     int half = -1;

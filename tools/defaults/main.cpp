@@ -56,6 +56,7 @@ bool printHelpOfCommand(const Words& words) {
     return !list.empty();
 }
 
+/// Output is flushed here, so that a full disk or a closed pipe becomes a failure instead of a silent loss.
 int run(const Words& words) {
     for (const std::string& word : words) {
         if (!detail::isWellFormedUtf8(word.data(), word.size())) {
