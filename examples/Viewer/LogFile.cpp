@@ -31,7 +31,7 @@ void startLog() {
     try {
         ZQLogInfo::standardStartupLog();
     } catch (const NSException& exception) {
-        // The system does not describe itself; the program starts all the same.
+        // The system does not describe itself; the program starts anyway.
         ZQLog::logWithFormat("no start-up report: %@", exception.reason());
     }
 }

@@ -54,7 +54,7 @@ constexpr const char help[] =
     "Any default may also be set for all runs:\n"
     "  defaults write com.example.Viewer TraceNetwork YES\n"
     "\n"
-    "  --help, --version     print a text and do nothing else\n"
+    "  --help, --version     print this help, or the version, and do nothing else\n"
     "\n"
     "Exit status: 0 when every document was shown, 1 when one was not, 2 for a wrong command line.\n";
 

@@ -24,7 +24,7 @@ void startLog() {
     }
     try {
         ZQLogInfo::standardStartupLog();
-    } catch (const NSException& exception) { // the system does not describe itself; start all the same
+    } catch (const NSException& exception) { // the system does not describe itself; start anyway
         ZQLog::logWithFormat("no start-up report: %@", exception.reason());
     }
 }
