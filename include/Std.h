@@ -76,7 +76,7 @@ bool holdsTicks(double ticks) {
     using Rep = typename Duration::rep;
     if constexpr (std::chrono::treat_as_floating_point_v<Rep>) {
         return holdsReal<Rep>(ticks);
-    } else { // its greatest number may be no double; the one after it is a power of two
+    } else { // its largest number may not be a double; the one after it is a power of two
         return ticks >= static_cast<double>(std::numeric_limits<Rep>::min()) &&
                ticks < std::ldexp(1.0, std::numeric_limits<Rep>::digits);
     }
