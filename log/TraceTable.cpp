@@ -15,13 +15,11 @@ namespace {
 // smallest table has 1 KiB; the largest, 512 KiB, has room for 4096 keys, and those beyond are found in the
 // reading instead, with the lock.
 constexpr std::size_t fewestSlots = 16;
-constexpr std::size_t mostSlots = 8192;
+constexpr std::size_t maxSlots = 8192;
 
 /// A power of two: a mask then makes a slot of a hash.
 std::size_t slotsFor(std::size_t keys) noexcept {
-    return keys <= fewestSlots / 2 ? fewestSlots
-           : keys >= mostSlots / 2 ? mostSlots
-                                   : std::bit_ceil(2 * keys);
+    return keys <= fewestSlots / 2 ? fewestSlots : keys >= maxSlots / 2 ? maxSlots : std::bit_ceil(2 * keys);
 }
 
 // A reader that sees a word of the new reading must also see that the previous one has ended: that was stored
@@ -50,7 +48,7 @@ bool TraceTable::hasRoomFor(std::size_t keys) const noexcept { return slotsFor(k
 /// used one: a reader that sees it sees the whole text.
 bool TraceTable::enter(const NSString& key, TraceAnswer answer) {
     const std::string bytes = key.utf8();
-    if (bytes.size() > longestKey || bytes.find("\uFFFD") != std::string::npos) {
+    if (bytes.size() > maxKeyBytes || bytes.find("\uFFFD") != std::string::npos) {
         return false;
     }
     const std::uint64_t hash = hashOf(bytes.data(), bytes.size());
@@ -87,8 +85,8 @@ void TraceTable::fill(const NSDictionary& values, bool anyKeyIsActive) {
 // A key given as UTF-16 units, such as a string with characters beyond ASCII: converted on the stack, since a
 // query allocates nothing. One that is too long is in no table.
 TraceAnswer TraceTable::findUnits(const char16_t* units, std::size_t count) const noexcept {
-    char bytes[longestKey];
-    if (count > longestKey || utf8Length(units, count, IllFormed::replace) > longestKey) {
+    char bytes[maxKeyBytes];
+    if (count > maxKeyBytes || utf8Length(units, count, IllFormed::replace) > maxKeyBytes) {
         return TraceAnswer();
     }
     const char* const end = utf16ToUtf8(units, count, bytes, IllFormed::replace);

@@ -85,8 +85,8 @@ public:
 
 private:
     static constexpr std::size_t textWords = 7;
-    static constexpr std::size_t longestKey = textWords * 8;
-    static constexpr std::size_t shortestKey = sizeof("Trace") - 1;
+    static constexpr std::size_t maxKeyBytes = textWords * 8;
+    static constexpr std::size_t minKeyBytes = sizeof("Trace") - 1;
 
     /// A cache line. The first word is 0 when the slot is free; else it contains the answer and, in its lower
     /// half, a part of the hash and the length.
@@ -125,7 +125,7 @@ private:
         return word;
     }
 
-    /// The word of that index of a text of `shortestKey` to `longestKey` bytes, without reading beyond it.
+    /// The word of that index of a text of `minKeyBytes` to `maxKeyBytes` bytes, without reading beyond it.
     static std::uint64_t wordOf(const char* bytes, std::size_t count, std::size_t index) noexcept {
         if (count >= 8 * index + 8) {
             return load<std::uint64_t>(bytes + 8 * index);
@@ -153,7 +153,7 @@ private:
         return i == wordsIn(length);
     }
 
-    /// Of at least `shortestKey` bytes. The two ends are mixed in parallel; few keys are longer than both.
+    /// Of at least `minKeyBytes` bytes. The two ends are mixed in parallel; few keys are longer than both.
     static std::uint64_t hashOf(const char* bytes, std::size_t length) noexcept {
         constexpr std::uint64_t oddNumbers[] = {0x9E3779B97F4A7C15U, 0xC2B2AE3D27D4EB4FU};
         std::uint64_t start;
@@ -173,7 +173,7 @@ private:
     }
 
     static bool isEntered(std::size_t length) noexcept {
-        return length - shortestKey <= longestKey - shortestKey;
+        return length - minKeyBytes <= maxKeyBytes - minKeyBytes;
     }
 
     TraceAnswer findBytes(const char* bytes, std::size_t length) const noexcept {
