@@ -80,7 +80,7 @@ public:
             std::abort();
         }
         close(file);
-        // Registered values come last in the look-up, and nobody sets this key elsewhere.
+        // Registered values come last in the lookup, and nobody sets this key elsewhere.
         NSUserDefaults::standardUserDefaults().registerDefaults(NSDictionary{{"TraceBenchmark", true}});
         ZQLog::initializeTraceDefaultsDict();
     }

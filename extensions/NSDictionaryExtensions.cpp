@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// NSDictionary(ZQFoundation): dictionaries from text, and typed look-ups.
+// NSDictionary(ZQFoundation): dictionaries from text, and typed lookups.
 #include "extensions/Truth.h"
 #include "foundation/objects/KeyTable.h"
 #include "foundation/plist/PropertyList.h"
@@ -8,7 +8,7 @@ namespace ZQFoundation {
 
 namespace {
 
-/// Returns the stored value itself, without another reference: look-ups of log calls do not need one.
+/// Returns the stored value itself, without another reference: lookups of log calls do not need one.
 const NSObject* valueUnder(const NSDictionary& dictionary, StringView key) {
     const NSDictionaryEntry* const entry = detail::Access::kind(dictionary) == detail::Kind::dictionary
                                                ? detail::findText(*detail::tableOf(dictionary), key)

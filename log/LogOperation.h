@@ -14,7 +14,7 @@ namespace ZQFoundation::detail {
 
 /// All gates, the trace condition last, except a condition on several keys, which is evaluated later, where
 /// the keys that are on are kept for the line. Nothing here needs memory, so a call that is stopped costs a
-/// look-up of the key and little else.
+/// lookup of the key and little else.
 [[gnu::always_inline]] inline bool passes(bool logAlways, const TraceCondition& condition,
                                           StringView format) {
     const StringView key = condition.keyText;

@@ -39,8 +39,8 @@ private:
 
 /// The trace keys of one reading, for readers without a lock. Such a reader may still be running when the
 /// next reading but one overwrites the table that it reads. It then gets an arbitrary answer, which it
-/// discards, and nothing worse happens: tables are never destroyed, a look-up uses only words that are read
-/// and written whole, and every look-up ends.
+/// discards, and nothing worse happens: tables are never destroyed, a lookup uses only words that are read
+/// and written whole, and every lookup ends.
 ///
 /// Not every key is entered: a very long one is not, nor one that contains U+FFFD, which ill-formed text
 /// becomes. A table that lacks one is incomplete, and its misses mean nothing.

@@ -70,7 +70,7 @@ NetworkSession::NetworkSession() {
     // "Any of": the label names the keys that are on, as in "TraceDocuments/TraceNetwork: ...".
     ZQLog::logSelf_method_logAlways_logForAnyTraceKeyOf_usingFormat(this, __func__, true, sessionKeys(),
                                                                     "connected by descriptor %d", nearEnd_);
-    // Each look-up of a route keeps a descriptor, so there is only one, and only when its result is logged.
+    // Each lookup of a route keeps a descriptor, so there is only one, and only when its result is logged.
     if (ZQLog::traceKeyIsEnabled(TraceKeys::network)) {
         static const NSString address = NetworkInfo::getLocalIPAddressStringOfInterfaceOfRouteTo("127.0.0.1");
         ZQLog::logSelf_method_logAlways_logForTraceKey_usingFormat(this, __func__, true, TraceKeys::network,

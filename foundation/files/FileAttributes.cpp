@@ -42,8 +42,8 @@ struct KnownName {
     NSString name; ///< nil: there is none
 };
 
-// Items of one folder usually belong to the same user, and each look-up reads the whole user database.
-// A race only costs one more look-up.
+// Items of one folder usually belong to the same user, and each lookup reads the whole user database.
+// A race only costs one more lookup.
 constinit Published<KnownName> knownUser;
 constinit Published<KnownName> knownGroup;
 
@@ -53,7 +53,7 @@ NSDate dateOf(const timespec& time) noexcept {
     return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds + static_cast<double>(time.tv_nsec) / 1e9);
 }
 
-/// `ask(record, buffer, size, found)` is one of the system's look-ups by number.
+/// `ask(record, buffer, size, found)` is one of the system's lookups by number.
 template <class Record, class Ask>
 bool findRecord(Record& record, std::vector<char>& buffer, const Ask& ask) {
     buffer.resize(1024);
@@ -106,7 +106,7 @@ NSString keptName(Published<KnownName>& known, Number number, NSString (*ask)(Nu
         name = same ? last->name : NSString();
         return same;
     });
-    // Outside the lock: a look-up may take long.
+    // Outside the lock: a lookup may take long.
     if (!isKnown) {
         name = ask(number);
         known.replace(new KnownName{number, now.tv_sec, name});

@@ -29,7 +29,7 @@ constinit Published<AccountHome> accountHome;
 // A relative home would depend on the current folder.
 bool isAbsolute(const char* path) noexcept { return path != nullptr && *path == '/'; }
 
-/// `ask(record, buffer, size, found)` is one of the two look-ups of the user database.
+/// `ask(record, buffer, size, found)` is one of the two lookups of the user database.
 template <class Ask>
 std::string homeFromDatabase(const Ask& ask) {
     std::vector<char> buffer(1024);
@@ -58,7 +58,7 @@ std::string homeFolder() {
     std::string folder = accountHome.read([&](const AccountHome* known) {
         return known != nullptr && known->account == account ? known->folder : std::string();
     });
-    // Outside the lock, since the look-up may take long. An empty result is looked up again.
+    // Outside the lock, since the lookup may take long. An empty result is looked up again.
     if (folder.empty()) {
         folder = homeFromDatabase([=](passwd* record, char* buffer, std::size_t size, passwd** found) {
             return ::getpwuid_r(account, record, buffer, size, found);

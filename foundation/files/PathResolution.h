@@ -10,7 +10,7 @@
 namespace ZQFoundation::detail {
 
 /// Replaces the links of a path by their targets, one component after the other. The result is valid only for
-/// the moment of the look-up: callers must not rely on it for protection against other users.
+/// the moment of the lookup: callers must not rely on it for protection against other users.
 ///
 /// An absolute path comes out without "." and ".." up to where something is missing. A relative one keeps its
 /// ".." and is resolved from the current folder.

@@ -87,7 +87,7 @@ std::uint64_t hashObject(const NSObject& object, std::uint64_t seed);
 /// A number chosen at random once per process, so that hostile keys cannot be chosen to collide.
 std::uint64_t drawTableSeed() noexcept;
 
-/// Inline, since each look-up in a table starts here; 0 means that no number was drawn yet.
+/// Inline, since each lookup in a table starts here; 0 means that no number was drawn yet.
 inline std::uint64_t tableSeed() noexcept {
     extern std::atomic<std::uint64_t> drawnTableSeed;
     const std::uint64_t seed = drawnTableSeed.load(std::memory_order_relaxed);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads the files of the domains of settings.
-// The files may be changed by settings panels and tools at any time, so every look-up checks their stamps.
+// The files may be changed by settings panels and tools at any time, so every lookup checks their stamps.
 #include "foundation/process/DefaultsFiles.h"
 
 #include "foundation/files/HomeFolder.h"

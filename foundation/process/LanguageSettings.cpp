@@ -11,7 +11,7 @@ namespace ZQFoundation::detail {
 
 namespace {
 
-// Far more than anybody speaks; keeps a hostile environment from costing time at every look-up.
+// Far more than anybody speaks; keeps a hostile environment from costing time at every lookup.
 constexpr std::size_t maxLanguages = 64;
 
 bool isLetter(char character) noexcept {

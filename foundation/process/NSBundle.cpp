@@ -309,7 +309,7 @@ NSDictionary textsOfTable(BundleRecord& record, const std::string& name) {
     }
     bool isLasting = false;
     NSDictionary texts = readTable(record, name, isLasting);
-    // Otherwise, the next look-up tries again.
+    // Otherwise, the next lookup tries again.
     if (isLasting) {
         record.tables.store(new StringTable{name, texts, record.tables.load(std::memory_order_relaxed)},
                             std::memory_order_release);

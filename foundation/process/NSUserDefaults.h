@@ -20,7 +20,7 @@ namespace ZQFoundation {
 /// 5. the values that the host has registered.
 ///
 /// The files are in `$XDG_CONFIG_HOME/ZQFoundation/`, else `~/.config/ZQFoundation/`, and are property lists
-/// in any form. A changed file takes effect at the next look-up; a file that is missing, unreadable, too
+/// in any form. A changed file takes effect at the next lookup; a file that is missing, unreadable, too
 /// large (over 16 MiB), truncated or of the wrong type is ignored.
 ///
 /// **Only `synchronize` writes.** What a process sets takes effect at once, in that process; nothing is saved

@@ -37,7 +37,7 @@ extern const std::vector<std::string>* releaseFiles;
 /// When set, the facts reported about the computer. Null: the real facts.
 extern const system::HardwareFacts* hardware;
 
-/// When set, the transport that route look-ups use. Null: the kernel.
+/// When set, the transport that route lookups use. Null: the kernel.
 extern system::RouteTransport* routeTransport;
 
 } // namespace ZQFoundation::detail::overrides

@@ -57,7 +57,7 @@ constexpr Table characters = [] {
 }();
 
 /// Half of the decoding table; the uppermost bit marks foreign bytes.
-/// A look-up in two tables covers 128 bytes; bytes from 0x80 up are found by their own uppermost bit.
+/// A lookup in two tables covers 128 bytes; bytes from 0x80 up are found by their own uppermost bit.
 constexpr Table valuesFrom(unsigned first) {
     Table table{};
     for (unsigned i = 0; i < 64; ++i) {
@@ -93,7 +93,7 @@ ZQ_AVX512 void encodeGroups(Encoding& state, const std::uint8_t* limit) noexcept
     for (; limit - now.input >= 48; now.input += 48, now.output += 64) {
         const __m512i bytes = _mm512_maskz_loadu_epi8(blockBytes, now.input);
         const __m512i groups = _mm512_permutexvar_epi8(order, bytes);
-        // The look-up takes the lower six bits of each byte and does not mind the upper two.
+        // The lookup takes the lower six bits of each byte and does not mind the upper two.
         const __m512i values = _mm512_multishift_epi64_epi8(shifts, groups);
         _mm512_storeu_si512(now.output, _mm512_permutexvar_epi8(values, text));
     }

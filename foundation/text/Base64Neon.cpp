@@ -10,7 +10,7 @@ namespace ZQFoundation::detail::base64 {
 
 namespace {
 
-/// 64 bytes as the four registers that a look-up takes.
+/// 64 bytes as the four registers that a lookup takes.
 uint8x16x4_t loaded(const std::uint8_t* table) noexcept {
     return {{vld1q_u8(table), vld1q_u8(table + 16), vld1q_u8(table + 32), vld1q_u8(table + 48)}};
 }
@@ -43,7 +43,7 @@ void encodeLines(Encoding& state) noexcept {
 
 /// The values of sixteen characters, each at least 64 where the character is foreign.
 uint8x16_t valuesOf(uint8x16_t text, const uint8x16x4_t& lower, const uint8x16x4_t& upper) noexcept {
-    // A look-up beyond its table gives 0, and the second one leaves what the first one gave.
+    // A lookup beyond its table gives 0, and the second one leaves what the first one gave.
     const uint8x16_t below = vqtbl4q_u8(lower, text);
     const uint8x16_t values = vqtbx4q_u8(below, upper, veorq_u8(text, vdupq_n_u8(64)));
     return vorrq_u8(values, vandq_u8(text, vdupq_n_u8(128)));

@@ -40,7 +40,7 @@ bool holdsAll(const ByteTable& table, const Unit* units, std::size_t count) noex
 } // namespace
 
 ByteTable::ByteTable(const Units& units) : units_(units) {
-    // Page 0 is shared by all that have no byte, so a look-up needs no test.
+    // Page 0 is shared by all that have no byte, so a lookup needs no test.
     Page empty;
     empty.fill(-1);
     pages_.push_back(empty);

@@ -32,7 +32,7 @@ constexpr char32_t beforeFirstTrailing = 0x11A7;
 constexpr char32_t vowelCount = 21;
 constexpr char32_t trailingCount = 28; // with "none" as the first
 
-// The one look-up for all tables. From the limit up, no code point has an entry.
+// The one lookup for all tables. From the limit up, no code point has an entry.
 template <class Block, class Value>
 inline Value lookUp(char32_t codePoint, char32_t limit, unsigned shift, const Block* blocks,
                     const Value* values) {

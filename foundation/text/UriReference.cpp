@@ -18,7 +18,7 @@ enum CharacterClass : unsigned char {
     schemeMark = 16, ///< + - .
 };
 
-// Built when compiled: one bit for each class, so that one look-up answers for any combination of them.
+// Built when compiled: one bit for each class, so that one lookup answers for any combination of them.
 struct ClassTable {
     unsigned char classes[128] = {};
 

@@ -29,7 +29,7 @@ static_assert(std::is_same_v<decltype(NSDictionary().boolForKey("k")), bool>);
 static_assert(std::is_same_v<decltype(NSDictionary().floatForKey("k")), float>);
 static_assert(std::is_same_v<decltype(NSDictionary().integerForKey("k")), std::int64_t>);
 
-// What the three look-ups return for each value.
+// What the three lookups return for each value.
 struct Row {
     const char* name;
     NSObject value;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Trace keys, their look-up and the monitor around them.
+// Trace keys, their lookup and the monitor around them.
 #include "log/TraceKeys.h"
 
 #include <algorithm>

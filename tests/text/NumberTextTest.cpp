@@ -261,7 +261,7 @@ std::string halfOfSum(const std::string& a, const std::string& b) {
     return half;
 }
 
-// Below the largest subnormal number, half-way points have 768 significant digits, the most that there are.
+// Below the largest subnormal number, halfway points have 768 significant digits, the most that there are.
 TEST(NumberText, decidesHalfWayPointsByTheirLastDigit) {
     const double upper = 2.2250738585072009e-308;
     const double lower = std::nextafter(upper, 0.0);

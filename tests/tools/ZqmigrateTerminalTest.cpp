@@ -68,7 +68,7 @@ std::string screenAfter(const std::string& seen) {
     return screen.append(line);
 }
 
-/// A tool with a batch that stops half-way, after the files whose results come together: each file has a line
+/// A tool with a batch that stops halfway, after the files whose results come together: each file has a line
 /// of its own for a pipe that holds one such line and no second one.
 class LongBatch {
 public:
