@@ -59,7 +59,7 @@ constexpr CategoryMask maskOf(GeneralCategory first, GeneralCategory last) noexc
     return maskOf(last) * 2 - maskOf(first);
 }
 
-// Pages of 256 code points each. Many are alike, and alike ones have the same number, so that work on all
+// Pages of 256 code points each. Many are identical and then have the same number, so that work on all
 // code points needs to look at few of them.
 
 /// The number of the page of `codePoint`, which is at most U+10FFFF; below `categoryPageNumbers()`.
