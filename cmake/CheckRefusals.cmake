@@ -1,9 +1,15 @@
 # SPDX-License-Identifier: MIT
 # Run by a test: SOURCE must compile with COMPILER (and its options), and must be rejected with each of its cases defined. See
-# zq_add_refusals in Tests.cmake.
+# zq_add_refusals in Tests.cmake. Its headers, PREFIX, are compiled once for all cases.
 
 separate_arguments(COMPILER UNIX_COMMAND "${COMPILER}")
-set(command ${COMPILER} -std=c++20 -fsyntax-only -iquote "${ROOT}" -I "${INCLUDE}" "${SOURCE}")
+set(command ${COMPILER} -std=c++20 -iquote "${ROOT}" -I "${INCLUDE}")
+
+file(STRINGS "${SOURCE}" includes REGEX "^#include ")
+list(JOIN includes "\n" includes)
+file(WRITE "${PREFIX}" "${includes}\n")
+execute_process(COMMAND ${command} -x c++-header "${PREFIX}" -o "${PREFIX}.gch" COMMAND_ERROR_IS_FATAL ANY)
+list(APPEND command -Winvalid-pch -include "${PREFIX}" -fsyntax-only "${SOURCE}")
 
 execute_process(COMMAND ${command} RESULT_VARIABLE result ERROR_VARIABLE said)
 if(NOT result EQUAL 0)
@@ -24,7 +30,7 @@ endfunction()
 
 # The case is rejected with all expected messages.
 function(zq_check_case case expectations)
-    execute_process(COMMAND ${command} -D${case} RESULT_VARIABLE result ERROR_VARIABLE said)
+    execute_process(COMMAND ${command} -DREFUSING -D${case} RESULT_VARIABLE result ERROR_VARIABLE said)
     if(result EQUAL 0)
         message(SEND_ERROR "${case}: the compiler accepts it")
         return()
@@ -62,6 +68,7 @@ foreach(line IN LISTS lines)
         set(case ${CMAKE_MATCH_1})
     endif()
 endforeach()
+file(REMOVE "${PREFIX}.gch")
 if(count EQUAL 0)
     message(FATAL_ERROR "${SOURCE} contains no case")
 endif()

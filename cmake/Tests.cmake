@@ -157,6 +157,7 @@ endfunction()
 # zq_add_refusals(<name> <source>): the source compiles as it is, and with any one of the cases that it
 # tests for by `#ifdef REFUSE_<CASE>` the compiler refuses it. Each line `// expected: <text>` below the #ifdef
 # has pieces of what the compiler must say, with " && " between them, and " | " between those of which one is enough.
+# What no case needs can be in `#ifndef REFUSING`: it is compiled once, not with each case.
 function(zq_add_refusals name source)
     if(ZQFOUNDATION_SANITIZE)
         return() # says nothing that the release build does not say
@@ -165,6 +166,7 @@ function(zq_add_refusals name source)
     add_test(NAME refusals.${name}
         COMMAND "${CMAKE_COMMAND}" "-DCOMPILER=${CMAKE_CXX_COMPILER} ${CMAKE_CXX_FLAGS}" "-DSOURCE=${source}"
             "-DROOT=${PROJECT_SOURCE_DIR}" "-DINCLUDE=${ZQ_STAGED_INCLUDE}"
+            "-DPREFIX=${CMAKE_CURRENT_BINARY_DIR}/${name}Refusals.h"
             -P "${PROJECT_SOURCE_DIR}/cmake/CheckRefusals.cmake")
     set_tests_properties(refusals.${name} PROPERTIES TIMEOUT 600)
 endfunction()

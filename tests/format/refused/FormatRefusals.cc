@@ -32,6 +32,7 @@ struct ZQFoundation::ObjectConversion<Wrong> {
 
 void right(const char* variable, const std::string& text, const NSString& name, const NSObject& object,
            const Host& host, Declared* declared, char16_t* units, int number) {
+#ifndef REFUSING
     NSString::stringWithFormat("%d %ld %hhu %c %C %x", number, number, true, 'c', u'x', Color::red);
     NSString::stringWithFormat("%ld %zu %hd %hhx %C %c %C", 5L, sizeof number, short(5), 'x', 'x', 65, 0x20AC);
     NSString::stringWithFormat("%f %Lg %La %e", 1.0f, 1.0, 1.0L, 0.5);
@@ -49,6 +50,7 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     NSString::stringWithFormat(name, number);
     NSString::stringWithFormat(StringView(variable), number);
     NSString::stringWithFormat(NSString(text), number);
+#endif
 
 #ifdef REFUSE_64_BITS_FOR_32
     // expected: format_conversion_would_cut_the_argument && conversion<'d'> && write_instead<'l', 'd'>

@@ -9,6 +9,7 @@
 using namespace ZQFoundation;
 
 void right(const NSString& text, const NSDictionary& settings, const NSArray& names, const NSNumber& number) {
+#ifndef REFUSING
     const std::string bytes(text);
     NSMutableDictionary changed(settings);
     changed.setObject_forKey(5, "limit");
@@ -19,9 +20,10 @@ void right(const NSString& text, const NSDictionary& settings, const NSArray& na
     ZQLog::logAlways_log(flags[0], text);
     ZQLog::logAlways_log(1, text);
     ZQLog::logAlways_log(std::true_type(), text);
+#endif
 
 #ifdef REFUSE_A_TEXT_AS_A_FLAG
-    // expected: no matching function | could not convert | cannot convert
+    // expected: no matching function | could not convert | cannot convert | no viable conversion
     ZQLog::logAlways_log("text", text);
 #endif
 #ifdef REFUSE_AN_ADDRESS_AS_A_FLAG
