@@ -72,7 +72,7 @@ inline bool setAttribute(const std::string& path, const char* name, const std::s
 }
 
 /// A test about trees below a folder in memory.
-class TreeTest : kit::ScratchInMemory, public FolderTest {
+class TreeTest : public FolderTestInMemory {
 protected:
     /// 200 folders with `filesInEach` empty files in each, named by their numbers.
     void makeWideTree(const std::string& name, int filesInEach) const {

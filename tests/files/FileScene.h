@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"
 
 namespace ZQFoundation::scene {
@@ -19,6 +20,9 @@ protected:
     std::string in(const std::string& name) const { return folder / name; }
     kit::ScratchFolder folder;
 };
+
+/// The same for thousands of items.
+class FolderTestInMemory : kit::ScratchInMemory, public FolderTest {};
 
 } // namespace ZQFoundation::scene
 

@@ -112,7 +112,9 @@ TEST_F(FolderListing, doesNotWaitForAPipe) {
 }
 
 TEST_F(FolderListing, holdsTwoHundredThousandNames) {
-    const std::string big = folder.makeFolder("big");
+    const kit::ScratchInMemory memory;
+    const kit::ScratchFolder inMemory;
+    const std::string& big = inMemory.path();
     const int at = ::open(big.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     constexpr int count = 200'000;
     const auto makeFile = [at](const char* name) {

@@ -645,9 +645,7 @@ TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
 }
 
 TEST(LogRetention, findsItsFilesAmong200000OtherEntries) {
-    // Making this many files takes long on a disk.
-    const bool hasMemoryFolder = ::access("/dev/shm", W_OK | X_OK) == 0;
-    const kit::Variable variable("TMPDIR", hasMemoryFolder ? "/dev/shm" : std::getenv("TMPDIR"));
+    const kit::ScratchInMemory memory;
     const RetentionScene scene;
     for (int number = 0; number < 200000; ++number) {
         const std::string ending = number % 20000 == 0 ? ".log" : ".txt";

@@ -25,14 +25,32 @@ long strideOf(const Case& which, const Fault& fault) {
     if (isEveryCallTried()) {
         return 1;
     }
-    long stride = kit::isSanitized ? 9 : 1;
-    if (fault.kind == Fault::failing && !which.isFile()) {
-        stride *= fault.lasting ? 8 : 4;
+    if (fault.kind == Fault::killing && !which.isFile()) {
+        return kit::isSanitized ? 3 : 1; // of those that follow a change
     }
-    if (fault.kind == Fault::killing && !which.isFile() && which.keepOriginal) {
-        stride *= 4; // the calls of a move without the last ones
+    long stride = kit::isSanitized ? 9 : 1;
+    if (fault.kind == Fault::failing) {
+        stride *= which.isFile() ? 1 : which.keepOriginal ? 8 : 4; // a copy is a move without its last calls
+        stride *= fault.lasting ? 2 : 1;
     }
     return stride;
+}
+
+/// The calls before which something on disk is not as it was before the previous call. A process that is
+/// killed before any other call leaves what it leaves at the last of these.
+std::vector<long> callsAfterChanges(const Case& which) {
+    const Run run(which);
+    Digest last = digestOf(run.base(), Detail::everything);
+    std::vector<long> calls;
+    run.under({}, [&](long call) {
+        Digest now = digestOf(run.base(), Detail::everything);
+        if (now != last) {
+            calls.push_back(call);
+        }
+        last = std::move(now);
+        return true;
+    });
+    return calls;
 }
 
 /// In which ways the call is made once more after the run with this number, each after a run of its own.
@@ -46,8 +64,7 @@ std::vector<Repetitions> repetitionsAfter(const Case& which, const Fault& fault,
         return {all[0], all[1], all[2]};
     }
     if (fault.kind == Fault::killing && !which.keepOriginal) {
-        return which.isFile() ? std::vector<Repetitions>{all[0], all[1], all[2]}
-                              : std::vector<Repetitions>{all[0], all[1 + number % 2]};
+        return {all[0], all[1], all[2]};
     }
     return {all[number % 3]};
 }
@@ -89,8 +106,18 @@ public:
         // A fault can bring more calls, ways out that are not taken otherwise. The last one of them was
         // reached when a run ends without having met its fault.
         const long stride = strideOf(which, fault);
-        fault.call = 1 + start % stride;
         failures_ = 0;
+        if (fault.kind == Fault::killing && !which.isFile() && !isEveryCallTried()) {
+            const std::vector<long> calls = callsAfterChanges(which);
+            EXPECT_GT(calls.size(), 3U) << "hardly anything was changed";
+            for (std::size_t next = 0; next < calls.size() && failures_ < enough;
+                 next += static_cast<std::size_t>(stride)) {
+                fault.call = calls[next];
+                EXPECT_TRUE(all(which, fault)) << "the call was not reached";
+            }
+            return true;
+        }
+        fault.call = 1 + start % stride;
         while (all(which, fault) && failures_ < enough) {
             fault.call += stride;
         }

@@ -234,6 +234,7 @@ TEST(ItemMigration, writesNothingAndKeepsTheCallersErrorNumber) {
 }
 
 TEST(ItemMigration, movesADeepTree) {
+    const kit::ScratchInMemory memory;
     constexpr int depth = 3000;
     const MigrationFolder folder;
     folder.makeFolder("A");

@@ -33,13 +33,13 @@ std::string leftoverWith(const Run& run, const char* mark) {
 std::unique_ptr<Run> killedLeaving(const char* mark) {
     long first = 0;
     const Run observed(moved);
-    const bool isTraced =
-        observed
-            .under({},
-                   [&](long call) {
-                       first = first == 0 && !leftoverWith(observed, mark).empty() ? call : first;
-                   })
-            .traced;
+    const bool isTraced = observed
+                              .under({},
+                                     [&](long call) {
+                                         first = leftoverWith(observed, mark).empty() ? 0 : call;
+                                         return first == 0;
+                                     })
+                              .traced;
     EXPECT_TRUE(!isTraced || first != 0) << "nothing with the mark " << mark << " is made";
     auto killed = std::make_unique<Run>(moved);
     killed->under({Fault::killing, 0, first, false});

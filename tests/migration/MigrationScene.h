@@ -34,7 +34,8 @@ using Words = std::vector<std::string>;
 enum class Detail {
     contents,
     permissions,
-    times, ///< permissions, and the modification time in nanoseconds
+    times,      ///< permissions, and the modification time in nanoseconds
+    everything, ///< those, the number and the owner of the item, and the time of its last change
 };
 
 inline std::string octal(mode_t mode) {
@@ -70,9 +71,14 @@ inline std::string describedItem(const std::string& path, const struct stat& inf
     if (detail != Detail::contents) {
         text += " " + octal(information.st_mode);
     }
-    if (detail == Detail::times) {
+    if (detail == Detail::times || detail == Detail::everything) {
         text += " " + std::to_string(information.st_mtim.tv_sec) + "." +
                 std::to_string(information.st_mtim.tv_nsec);
+    }
+    if (detail == Detail::everything) {
+        text += " " + std::to_string(information.st_ino) + " " + std::to_string(information.st_uid) + " " +
+                std::to_string(information.st_ctim.tv_sec) + "." +
+                std::to_string(information.st_ctim.tv_nsec);
     }
     return text;
 }

@@ -50,6 +50,7 @@ void withSecond(const Case& which, Again second, long call) {
         if (number == call) {
             other = run.again(second);
         }
+        return number < call;
     });
     expectNothingLost(run, texts, "a second one at call " + std::to_string(call), one, other);
 }
@@ -100,6 +101,7 @@ void withNeighbor(const Case& which, long call) {
                 return std::to_string(migrate(from, to, {false, true, true, false}));
             });
         }
+        return number < call;
     });
     const std::string about = which.name() + ", a neighbor at call " + std::to_string(call);
     addFailures(about, Verdict(run).after({}, one));

@@ -180,6 +180,7 @@ bool cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
         if (call % stride == 0) {
             cut(call);
         }
+        return true;
     });
     if (!outcome.traced) {
         return false;

@@ -161,6 +161,7 @@ Outcome withHabit(const Case& which, const Habit& habit, long call) {
         while (next < habit.steps.size() && number >= call + static_cast<long>(next) * habit.apart) {
             habit.steps[next++](writer);
         }
+        return next < habit.steps.size();
     };
     const Outcome outcome = run.under({}, stepUntil);
     while (next < habit.steps.size()) {
@@ -240,7 +241,7 @@ void workUntilDone(Writer& writer, const ReportingChild& migration, unsigned see
 void race(Subject subject) {
     const kit::ScratchInMemory memory;
     Count count;
-    for (long turn = 0; turn < wantedRaces(40) && !::testing::Test::HasFailure(); ++turn) {
+    for (long turn = 0; turn < wantedRaces(25) && !::testing::Test::HasFailure(); ++turn) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
         enlarge(run);
         Writer writer(run);
@@ -284,6 +285,7 @@ void withPlaced(const Case& which, Placed what, long call) {
         if (number == call && place(what, path)) {
             placed = digestOf(path);
         }
+        return number < call;
     });
     if (!placed.empty()) {
         const std::string about =
@@ -301,8 +303,8 @@ void withPlaced(const Case& which, Placed what, long call) {
 } // namespace
 
 TEST(WritersMeanwhile, loseNothingOfAFile) { tryHabits(Subject::file, 1); }
-TEST(WritersMeanwhile, loseNothingOfAFolder) { tryHabits(Subject::tree, 29); }
-TEST(WritersMeanwhile, loseNothingOfABatch) { tryHabits(Subject::batch, 19); }
+TEST(WritersMeanwhile, loseNothingOfAFolder) { tryHabits(Subject::tree, 41); }
+TEST(WritersMeanwhile, loseNothingOfABatch) { tryHabits(Subject::batch, 29); }
 
 TEST(WritersMeanwhile, loseNothingInARaceWithAFolder) { race(Subject::tree); }
 TEST(WritersMeanwhile, loseNothingInARaceWithABatch) { race(Subject::batch); }
@@ -312,7 +314,7 @@ TEST(WritersMeanwhile, keepWhatTheyPutAtTheDestination) {
     for (const Subject subject : {Subject::file, Subject::tree, Subject::batch}) {
         for (const Old old : {Old::missing, Old::overwritten}) {
             const Case which{subject, old, false};
-            const long stride = subject == Subject::file ? 1 : kit::isSanitized ? 31 : 7;
+            const long stride = subject == Subject::file ? 1 : kit::isSanitized ? 31 : 13;
             for (int what = 0; what < 4; ++what) {
                 atCallsOf(which, 1 + what, stride,
                           [&](long call) { withPlaced(which, static_cast<Placed>(what), call); });

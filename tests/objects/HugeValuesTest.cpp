@@ -189,10 +189,10 @@ TEST(HugeValues, aDeepKeyIsRenderedOnASmallStack) {
     });
 }
 
-// Its length grows with the square of the depth (600 MB here), which is why this stays below the other
-// depths. One frame of 64 bytes for each level would already fill the stack twice.
+// Its length grows with the square of the depth (150 MB here), which is why this stays below the other
+// depths. One frame of 64 bytes for each level would already overflow the stack.
 TEST(HugeValues, theIndentedDescriptionOfDeepCollectionsNeedsNoStack) {
-    const std::size_t depth = sized("levels described", 10000, 3000);
+    const std::size_t depth = sized("levels described", 5000, 3000);
     onSmallStack([depth] {
         for (const bool arrays : {true, false}) {
             const NSString text = nested(shapes[arrays ? 0 : 1], depth, "x").description();
@@ -210,8 +210,8 @@ TEST(HugeValues, theIndentedDescriptionOfDeepCollectionsNeedsNoStack) {
 
 // MARK: Length
 
-TEST(HugeValues, asciiStringsOfAHundredMillionUnits) {
-    const std::size_t length = sized("units", 100000000, 10000000);
+TEST(HugeValues, asciiStringsOfTwentyMillionUnits) {
+    const std::size_t length = sized("units", 20000000, 2000000);
     std::string bytes(length, 'a');
     bytes.back() = 'z';
     const NSString text(bytes);
@@ -235,8 +235,8 @@ TEST(HugeValues, asciiStringsOfAHundredMillionUnits) {
     EXPECT_EQ((NSArray{text, 1}).description().length(), length + 15);
 }
 
-TEST(HugeValues, otherStringsOfAHundredMillionUnits) {
-    const std::size_t length = sized("units", 100000000, 10000000);
+TEST(HugeValues, otherStringsOfTwentyMillionUnits) {
+    const std::size_t length = sized("units", 20000000, 2000000);
     std::u16string units(length, u'\u00e9');
     units.back() = 0xD83D;
     const NSString text(units);
@@ -261,8 +261,8 @@ NSString numberedKey(std::size_t number) {
     return text;
 }
 
-TEST(HugeValues, dictionariesOfAMillionKeys) {
-    const std::size_t count = sized("keys", 1000000, 100000);
+TEST(HugeValues, dictionariesOf200000Keys) {
+    const std::size_t count = sized("keys", 200000, 50000);
     NSMutableDictionary forwards;
     NSMutableDictionary backwards;
     for (std::size_t i = 0; i < count; ++i) {
@@ -301,8 +301,8 @@ TEST(HugeValues, dictionariesOfAMillionKeys) {
     EXPECT_EQ(dictionary.count(), count);
 }
 
-TEST(HugeValues, arraysAndSetsOfAMillionElements) {
-    const std::size_t count = sized("elements", 1000000, 100000);
+TEST(HugeValues, arraysAndSetsOf200000Elements) {
+    const std::size_t count = sized("elements", 200000, 50000);
     NSMutableArray builder;
     for (std::size_t i = 0; i < count; ++i) {
         builder.addObject(numberedKey(i * 7919 % count));

@@ -105,15 +105,16 @@ std::string repeated(std::string_view piece, std::size_t times) {
     return text;
 }
 
-TEST(HostilePropertyList, tenMillionBracketsFailAtOnce) {
-    constexpr std::size_t times = 10'000'000;
+TEST(HostilePropertyList, aMillionBracketsFailAtOnce) {
+    constexpr std::size_t times = 1'000'000;
     for (const std::string_view bracket : {"("sv, "{a="sv, "{"sv, "<"sv, "<array>"sv, "<dict><key>a</key>"sv,
                                            "<plist>"sv, "[[,"sv, "\\"sv, "/* "sv}) {
         const std::string text = repeated(bracket, isSanitized ? times / 20 : times);
         detail::PropertyListError error;
         const double start = secondsOfThread();
         const bool isRead = static_cast<bool>(parseBytes(text, &error));
-        EXPECT_LT(secondsOfThread() - start, 10.0) << bracket; // a generous guard against anything but a scan
+        EXPECT_LT(secondsOfThread() - start, isSanitized ? 10.0 : 1.0)
+            << bracket; // enough for a scan, for nothing else
         EXPECT_EQ(isRead, bracket == "/* ")
             << bracket << ": an unclosed comment alone is an empty dictionary";
     }
@@ -197,7 +198,7 @@ constexpr Growing growing[] = {
 
 TEST(HostilePropertyList, timeGrowsWithTheLength) {
     // Anything quadratic would take a hundred times as long for ten times the text.
-    constexpr std::size_t smallSize = isSanitized ? 200'000 : 2'000'000;
+    constexpr std::size_t smallSize = isSanitized ? 50'000 : 400'000;
     for (const Growing& kind : growing) {
         const auto make = [&](std::size_t size) {
             return std::string(kind.before) + repeated(kind.piece, size / kind.piece.size()) +
@@ -210,7 +211,7 @@ TEST(HostilePropertyList, timeGrowsWithTheLength) {
 }
 
 TEST(HostilePropertyList, manyKeysInOneDictionary) {
-    constexpr int count = isSanitized ? 20'000 : 300'000;
+    constexpr int count = isSanitized ? 20'000 : 100'000;
     std::string text = "<dict>";
     for (int index = 0; index < count; ++index) {
         text += "<key>" + std::to_string(index % (count / 2)) + "</key><integer>" + std::to_string(index) +

@@ -611,7 +611,7 @@ TEST_F(NSUserDefaultsTest, answersInForkedChildrenWhileThreadsReadAndSet) {
     std::atomic<bool> stop{false};
     std::atomic<int> wrong{0};
     // Where forks take turns they are slow and never interrupt an operation: fewer show as much.
-    const int children = kit::isSanitized ? 40 : 2000;
+    const int children = kit::isSanitized ? 40 : 200;
     int failures = 0;
     useThreads(
         4,

@@ -268,7 +268,7 @@ private:
 /// English.
 class MigrateTool : public ToolRuns {
 public:
-    MigrateTool() : MigrateTool(std::make_unique<MigrationFolder>()) {}
+    MigrateTool() : MigrateTool(folderInMemory()) {}
 
     const MigrationFolder& folder() const { return *folder_; }
     std::string operator/(const std::string& name) const { return *folder_ / name; }
@@ -295,6 +295,11 @@ public:
     }
 
 private:
+    /// Each run waits until what it has copied is on the disk.
+    static std::unique_ptr<MigrationFolder> folderInMemory() {
+        const kit::ScratchInMemory memory;
+        return std::make_unique<MigrationFolder>();
+    }
     explicit MigrateTool(std::unique_ptr<MigrationFolder> folder)
         : ToolRuns(migrateProgram(), folder->path()), folder_(std::move(folder)) {}
 

@@ -47,8 +47,9 @@ inline constexpr long longestInterruption = 200;
 
 inline constexpr const char notTraced[] = "this machine does not permit one process to trace another";
 
-/// What somebody else does while the operation is stopped before its call with this number, from 1.
-using Deed = std::function<void(long call)>;
+/// What somebody else does while the operation is stopped before its call with this number, from 1; returns
+/// whether there will be more to do.
+using Deed = std::function<bool(long call)>;
 
 /// How an operation is run: the folder whose files count, what goes wrong, and what happens meanwhile.
 struct Trial {
@@ -124,8 +125,7 @@ public:
     Outcome run() {
         int status = 0;
         if (::waitpid(child_, &status, 0) != child_ || !WIFSTOPPED(status) || WSTOPSIG(status) != SIGSTOP ||
-            ::ptrace(PTRACE_SETOPTIONS, child_, nullptr,
-                     reinterpret_cast<void*>(PTRACE_O_TRACESECCOMP | PTRACE_O_EXITKILL)) != 0) {
+            !setOptions(PTRACE_O_TRACESECCOMP | PTRACE_O_EXITKILL)) {
             ::kill(child_, SIGKILL);
             ::waitpid(child_, &status, 0);
             return outcome_;
@@ -153,6 +153,9 @@ public:
 
 private:
     void atCall() {
+        if (isOver_) {
+            return;
+        }
         StoppedCall call(child_, trial_.base);
         if (!call.concernsBase()) {
             return;
@@ -162,25 +165,30 @@ private:
         if (trial_.records) {
             outcome_.names.push_back(std::string(call.name()) + " " + call.where());
         }
-        if (trial_.deed) {
-            trial_.deed(outcome_.calls);
+        const bool hasMoreToDo = trial_.deed && trial_.deed(outcome_.calls);
+        const bool isDisturbed = disturb(call) && !trial_.fault.lasting;
+        isOver_ = !hasMoreToDo && !trial_.records && (trial_.deed || isDisturbed);
+        if (isOver_) { // root may spare the child the stops at all further calls
+            setOptions(PTRACE_O_TRACESECCOMP | PTRACE_O_EXITKILL | PTRACE_O_SUSPEND_SECCOMP);
         }
-        disturb(call);
     }
 
-    void disturb(const StoppedCall& call) {
+    bool setOptions(long options) const {
+        return ::ptrace(PTRACE_SETOPTIONS, child_, nullptr, reinterpret_cast<void*>(options)) == 0;
+    }
+
+    /// Whether the fault was made.
+    bool disturb(const StoppedCall& call) {
         const Fault& fault = trial_.fault;
         switch (fault.kind) {
         case Fault::none:
             break;
         case Fault::killing:
-            if (outcome_.calls == fault.call) {
-                ::kill(child_, trial_.fault.signal);
-            }
-            break;
+            return outcome_.calls == fault.call && ::kill(child_, trial_.fault.signal) == 0;
         case Fault::failing:
             if (isItsTurn(outcome_.calls, fault.error == EINTR)) {
                 EXPECT_TRUE(call.replaceBy(fault.error)) << "the call could not be replaced";
+                return true;
             }
             break;
         case Fault::shorteningToOne:
@@ -188,9 +196,11 @@ private:
             if (call.isTransfer() && isItsTurn(outcome_.transfers, false)) {
                 EXPECT_TRUE(call.shorten(fault.kind == Fault::shorteningToOne))
                     << "the call could not be shortened";
+                return true;
             }
             break;
         }
+        return false;
     }
 
     bool isItsTurn(long number, bool endsOnceMore) const {
@@ -202,6 +212,7 @@ private:
     pid_t child_;
     const Trial& trial_;
     Outcome outcome_;
+    bool isOver_ = false; ///< nothing is done at later calls, whose numbers nobody needs
 };
 
 /// A child that runs `body`, which returns a text, and sends that text to the parent.
