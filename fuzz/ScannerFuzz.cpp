@@ -12,9 +12,11 @@
 #include "foundation/objects/NSString.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
 using fuzzing::require;
+using kit::stringOf;
 
 namespace {
 
@@ -184,10 +186,6 @@ public:
     void requireLocation() const { require(scanner_.scanLocation() == location_, "location"); }
 
 private:
-    static NSString stringOf(std::u16string_view units) {
-        return NSString::stringWithCharacters_length(units.data(), units.size());
-    }
-
     bool isMember(char16_t unit) const { return members_.characterIsMember(unit); }
 
     bool isSkipped(char16_t unit) const {
@@ -341,7 +339,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::u16string target = fuzzing::unitsFromBytes(input.piece('\n'));
     const std::u16string text = fuzzing::unitsFromBytes(input.rest());
     if (commands.empty()) {
-        checkReadings(NSString::stringWithCharacters_length(text.data(), text.size()), text);
+        checkReadings(stringOf(text), text);
         return 0;
     }
     Script script(text, target);

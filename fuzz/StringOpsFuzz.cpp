@@ -13,20 +13,18 @@
 #include "foundation/text/CaseMapping.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/kit/Texts.h"
 #include "tests/models/StringSearch.h"
 #include "tests/models/Strings.h"
 
 using namespace ZQFoundation;
 using fuzzing::require;
+using kit::stringOf;
 
 namespace {
 
 using Units = std::u16string;
 using Pieces = std::vector<Units>;
-
-NSString stringOf(std::u16string_view units) {
-    return NSString::stringWithCharacters_length(units.data(), units.size());
-}
 
 void requireRange(const NSRange& found, const NSRange& expected, const char* what) {
     require(found.location == expected.location && found.length == expected.length, what);

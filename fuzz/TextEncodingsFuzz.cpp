@@ -16,6 +16,7 @@
 #include "foundation/text/TextEncodings.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/kit/Texts.h"
 #include "tests/models/Utf.h"
 
 using namespace ZQFoundation;
@@ -23,15 +24,12 @@ using detail::EncodingForm;
 using detail::EncodingOrder;
 using detail::TextEncoding;
 using fuzzing::require;
+using kit::stringOf;
 
 namespace {
 
 using Units = std::optional<std::u16string>;
 using Bytes = std::optional<std::string>;
-
-NSString stringOf(const std::u16string& units) {
-    return NSString::stringWithCharacters_length(units.data(), units.size());
-}
 
 NSString decodedBy(std::uint32_t number, std::string_view bytes) {
     return NSString::initWithData_encoding(NSData::dataWithBytes_length(bytes.data(), bytes.size()),

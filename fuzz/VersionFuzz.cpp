@@ -7,18 +7,16 @@
 
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/kit/Texts.h"
 #include "tests/models/Versions.h"
 #include "version/ZQVersionComparator.h"
 
 using namespace ZQFoundation;
 using namespace models;
 using fuzzing::require;
+using kit::stringOf;
 
 namespace {
-
-NSString stringOf(std::u16string_view units) {
-    return NSString::stringWithCharacters_length(units.data(), units.size());
-}
 
 void checkTokens(std::u16string_view units, StringView version) {
     const VersionTokens expected = versionTokens(units);

@@ -20,12 +20,12 @@
 #include "tests/kit/Items.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/kit/Threads.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
+using kit::dataOf;
 
 namespace {
-
-NSData dataOf(const std::string& bytes) { return NSData::dataWithBytes_length(bytes.data(), bytes.size()); }
 
 bool create(const std::string& path, const NSData& contents, const NSDictionary& attributes = nullptr) {
     return NSFileManager::defaultManager().createFileAtPath_contents_attributes(kit::fromBytes(path),

@@ -22,18 +22,14 @@
 
 using namespace ZQFoundation;
 using namespace std::string_literals;
+using kit::bytesOf;
 using kit::contentsOf;
+using kit::dataOf;
 using kit::raised;
 
 namespace {
 
 constexpr const char* failure = "NSFileHandleOperationException";
-
-NSData dataOf(const std::string& bytes) { return NSData::dataWithBytes_length(bytes.data(), bytes.size()); }
-
-std::string bytesOf(const NSData& data) {
-    return data ? std::string(reinterpret_cast<const char*>(data.bytes()), data.length()) : "(nil)";
-}
 
 TEST(NSFileHandle, ofNilDoesNothing) {
     NSFileHandle handle;

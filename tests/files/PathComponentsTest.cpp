@@ -7,12 +7,12 @@
 
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSString.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
+using kit::utf8Of;
 
 namespace {
-
-std::string utf8Of(const NSString& text) { return text ? text.utf8() : "(nil)"; }
 
 std::string joined(const NSArray& components) {
     std::string text;

@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include "tests/kit/Child.h"
 #include "tests/kit/Sanitizers.h"
 
 namespace ZQFoundation::kit {
@@ -26,6 +27,23 @@ public:
         return result;
     }
 
+    /// Forks this many children one after the other, and counts those in which the body returns false or
+    /// which take longer than a minute.
+    template <class Body>
+    int failures(int children, const Body& body) {
+        int failures = 0;
+        for (int number = 0; number < children; ++number) {
+            const pid_t child = fork();
+            if (child == 0) {
+                ::alarm(60);
+                leave(body(number) ? 0 : 1);
+            }
+            failures += endOf(child) == 0 ? 0 : 1;
+        }
+        return failures;
+    }
+
+private:
     pid_t fork() {
         forking_ = isSanitized;
         while (isSanitized && inside_ != 0) {
@@ -38,7 +56,6 @@ public:
         return child;
     }
 
-private:
     void enter() {
         for (;;) {
             while (forking_) {

@@ -58,10 +58,7 @@ void writeNumberedLine(int writer, int sequence) {
 class Unrest {
 public:
     Unrest() {
-        threads_.emplace_back([this] { reread(true); });
-        threads_.emplace_back([this] { reread(false); });
-        threads_.emplace_back([this] { ask(); });
-        threads_.emplace_back([this] { ask(); });
+        threads_.emplace(4, [this](std::size_t number) { number < 2 ? reread(number == 0) : ask(); });
     }
     Unrest(const Unrest&) = delete;
     Unrest& operator=(const Unrest&) = delete;
@@ -69,10 +66,7 @@ public:
 
     void stop() {
         stops_ = true;
-        for (std::thread& thread : threads_) {
-            thread.join();
-        }
-        threads_.clear();
+        threads_.reset();
     }
 
     std::atomic<long> readings = 0;
@@ -115,22 +109,16 @@ private:
 
     const kit::TraceKeys keys_{settings(true)};
     std::atomic<bool> stops_ = false;
-    std::vector<std::thread> threads_;
+    std::optional<kit::Threads> threads_;
 };
 
 void writeFromAllThreads(int lines) {
     Unrest unrest;
-    std::vector<std::thread> writers;
-    for (int writer = 0; writer < writerCount; ++writer) {
-        writers.emplace_back([writer, lines] {
-            for (int sequence = 0; sequence < lines; ++sequence) {
-                writeNumberedLine(writer, sequence);
-            }
-        });
-    }
-    for (std::thread& thread : writers) {
-        thread.join();
-    }
+    kit::inThreads(writerCount, [lines](std::size_t writer) {
+        for (int sequence = 0; sequence < lines; ++sequence) {
+            writeNumberedLine(static_cast<int>(writer), sequence);
+        }
+    });
     unrest.stop();
     sayScale(std::to_string(writerCount) + " threads of " + std::to_string(lines) + " lines, " +
              std::to_string(unrest.readings) + " readings, " + std::to_string(unrest.questions) +
@@ -242,25 +230,19 @@ TEST(ConcurrentLogging, keepsLinesOfSeveralProcessesWholeInAFile) {
 }
 
 TEST(ConcurrentLogging, makesSharedThingsOnceWhenThreadsAskTogether) {
-    std::vector<std::thread> threads;
     std::vector<const NSDateFormatter*> formatters(writerCount, nullptr);
     std::atomic<int> ready = 0;
     std::atomic<int> wrong = 0;
-    for (std::size_t i = 0; i < formatters.size(); ++i) {
-        threads.emplace_back([&, i] {
-            ++ready;
-            while (ready < writerCount) {
-                std::this_thread::yield();
-            }
-            formatters[i] = &ZQLog::dateFormatterLong();
-            const NSString prefix = ZQLog::logPrefix();
-            const std::string end = "[" + std::to_string(::getpid()) + "]: ";
-            wrong += prefix.hasSuffix(end) && &ZQLog::dateFormatterLong() == formatters[i] ? 0 : 1;
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    kit::inThreads(writerCount, [&](std::size_t i) {
+        ++ready;
+        while (ready < writerCount) {
+            std::this_thread::yield();
+        }
+        formatters[i] = &ZQLog::dateFormatterLong();
+        const NSString prefix = ZQLog::logPrefix();
+        const std::string end = "[" + std::to_string(::getpid()) + "]: ";
+        wrong += prefix.hasSuffix(end) && &ZQLog::dateFormatterLong() == formatters[i] ? 0 : 1;
+    });
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(std::count(formatters.begin(), formatters.end(), formatters.front()), writerCount);
 }

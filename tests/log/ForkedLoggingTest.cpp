@@ -41,40 +41,23 @@ void storeBlocks() {}
 /// Eight threads that log and re-read the trace keys all the time.
 class BusyThreads {
 public:
-    BusyThreads() {
-        for (int i = 0; i < 8; ++i) {
-            threads_.emplace_back([this, i] { work(i); });
-        }
-    }
-    BusyThreads(const BusyThreads&) = delete;
-    BusyThreads& operator=(const BusyThreads&) = delete;
-    ~BusyThreads() {
-        stops_ = true;
-        for (std::thread& thread : threads_) {
-            thread.join();
-        }
-    }
-
     long turns() const { return turns_; }
 
 private:
-    void work(int number) {
-        while (!stops_) {
-            ZQLog::logForTraceKey_usingFormat("TraceSteady", "thread %d", number);
-            ZQLog::log("of a thread");
-            if (number % 2 == 0) {
-                const ZQLog::Synchronized monitor;
-                ZQLog::initializeTraceDefaultsDict();
-            }
-            ++turns_;
-            // Enough to be inside the library at most moments, and the forking thread still gets its turn.
-            ::usleep(20);
+    void work(std::size_t number) {
+        ZQLog::logForTraceKey_usingFormat("TraceSteady", "thread %zu", number);
+        ZQLog::log("of a thread");
+        if (number % 2 == 0) {
+            const ZQLog::Synchronized monitor;
+            ZQLog::initializeTraceDefaultsDict();
         }
+        ++turns_;
+        // Enough to be inside the library at most moments, and the forking thread still gets its turn.
+        ::usleep(20);
     }
 
-    std::atomic<bool> stops_ = false;
     std::atomic<long> turns_ = 0;
-    std::vector<std::thread> threads_;
+    kit::Meanwhile threads_{[this](std::size_t number) { work(number); }, 8};
 };
 
 /// What a child does at once, a different call first in each kind of child.

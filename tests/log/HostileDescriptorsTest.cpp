@@ -341,18 +341,12 @@ void writeToFullChannel(Channel channel) {
     std::thread reader([&checker, end] { checker.takeAllOf(end, 8'192, [] { ::usleep(3'000); }); });
     std::atomic<long> usedMicroseconds = 0;
     const double start = secondsOf(CLOCK_MONOTONIC);
-    std::vector<std::thread> threads;
-    for (int writer = 0; writer < writers; ++writer) {
-        threads.emplace_back([writer, &usedMicroseconds] {
-            for (int i = 0; i < lines; ++i) {
-                ZQLog::log(numberedText(writer, i, 10'000));
-            }
-            usedMicroseconds += static_cast<long>(secondsOf(CLOCK_THREAD_CPUTIME_ID) * 1e6);
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    kit::inThreads(writers, [&usedMicroseconds](std::size_t writer) {
+        for (int i = 0; i < lines; ++i) {
+            ZQLog::log(numberedText(static_cast<int>(writer), i, 10'000));
+        }
+        usedMicroseconds += static_cast<long>(secondsOf(CLOCK_THREAD_CPUTIME_ID) * 1e6);
+    });
     const double waited = secondsOf(CLOCK_MONOTONIC) - start;
     ::close(STDERR_FILENO);
     reader.join();

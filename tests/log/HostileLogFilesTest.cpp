@@ -148,15 +148,13 @@ TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
     });
 }
 
-/// Fills the file system and frees the room again, until it ends.
-void fillAndFree(const std::string& path, const std::atomic<bool>& ends) {
+/// Fills the file system and frees the room again.
+void fillAndFree(const std::string& path) {
     const std::string page(4096, 'p');
-    while (!ends) {
-        const kit::Descriptor file(kit::openToAppend(path));
-        for (int pages = 0; pages < 64 && ::write(file.number(), page.data(), page.size()) > 0; ++pages) {
-        }
-        [[maybe_unused]] const int result = ::ftruncate(file.number(), 0);
+    const kit::Descriptor file(kit::openToAppend(path));
+    for (int pages = 0; pages < 64 && ::write(file.number(), page.data(), page.size()) > 0; ++pages) {
     }
+    [[maybe_unused]] const int result = ::ftruncate(file.number(), 0);
 }
 
 /// The first line that is more than the beginning of a line of that text; empty when there is none. Counts
@@ -187,8 +185,7 @@ TEST(HostileLogFiles, onADiskThatIsFullNowAndThenEndHalfLinesBeforeTheNextOne) {
         const std::string path = folder / "disk/log";
         const std::string text(900, 'x');
         ZQLog::setOptionalLogFilePath(path);
-        std::atomic<bool> ends = false;
-        const logscene::Background room([&] { fillAndFree(folder / "disk/room", ends); });
+        const kit::Meanwhile room([&] { fillAndFree(folder / "disk/room"); });
         int halfLines = 0;
         // As long as it takes, however the threads are scheduled.
         for (int round = 0; round < 400 || halfLines < 5; ++round) {
@@ -198,7 +195,6 @@ TEST(HostileLogFiles, onADiskThatIsFullNowAndThenEndHalfLinesBeforeTheNextOne) {
             EXPECT_EQ(firstGluedLine(kit::contentsOf(path), text, halfLines), "");
             EXPECT_EQ(::ftruncate(STDERR_FILENO, 0), 0);
         }
-        ends = true;
     });
 }
 

@@ -295,18 +295,13 @@ TEST(LineObserverConcurrency, mayBeReplacedAndItsContextFreedWhileThreadsLog) {
     constexpr int replacements = scaled(4000, 1000, 500);
     const kit::Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
     const kit::StandardErrorAs output(nowhere.number());
-    std::atomic<bool> ends = false;
     std::atomic<long> written = 0;
-    std::vector<std::unique_ptr<Background>> logging;
     long observed = 0;
-    for (int i = 0; i < threads; ++i) {
-        logging.push_back(std::make_unique<Background>([&] {
-            while (!ends) {
-                ZQLog::log("storm");
-                ++written;
-            }
-        }));
-    }
+    const auto storm = [&written] {
+        ZQLog::log("storm");
+        ++written;
+    };
+    kit::Meanwhile logging(storm, threads);
     std::unique_ptr<Context> present;
     for (int i = 0; i < replacements; ++i) {
         auto next = i % 7 == 0 ? nullptr : std::make_unique<Context>();
@@ -318,8 +313,7 @@ TEST(LineObserverConcurrency, mayBeReplacedAndItsContextFreedWhileThreadsLog) {
         }
     }
     ZQLog::setLineObserver(nullptr, nullptr);
-    ends = true;
-    logging.clear();
+    logging.end();
     EXPECT_EQ(linesAfterTheEnd, 0);
     EXPECT_GT(observed, 0);
     EXPECT_GE(written, observed);

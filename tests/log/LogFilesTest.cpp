@@ -215,13 +215,10 @@ TEST(LogFiles, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
         for (int i = 1; i <= 999; ++i) {
             scene.folder.write("logs/" + stem + "." + std::to_string(i) + ".log", "");
         }
-        std::atomic<bool> stop = false;
-        std::thread toggling([&] {
-            while (!stop) {
-                const int file = ::open(plain.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-                ::unlink(plain.c_str()); // at once, so that it may vanish within any two looks
-                ::close(file);
-            }
+        const kit::Meanwhile toggling([&] {
+            const int file = ::open(plain.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+            ::unlink(plain.c_str()); // at once, so that it may vanish within any two looks
+            ::close(file);
         });
         const NSString named(scene / "logs");
         // As often as the machine lets the file vanish between two checks: soon, or after some seconds.
@@ -241,8 +238,6 @@ TEST(LogFiles, nameIsNumberedOnlyWhenTheFileVanishesMeanwhile) {
             EXPECT_TRUE(value >= 1 && value <= 999) << name;
             ++numbered;
         }
-        stop = true;
-        toggling.join();
     });
 }
 

@@ -125,46 +125,15 @@ const char* const namesForBoth[] = {"MyApp.log",
                                     "MyApp0123456789.0123456789.log"};
 const char* const namesForCount[] = {"MyApp.20240305-1407.1234.log", "MyApp.20240305-1407.1234.17.log",
                                      "MyApp-.log", "MyApp-1.log", "MyApp--..--.log"};
-const char* const otherNames[] = {"Other.log",
-                                  "MyAppBeta.log",
-                                  "MyApp.a.log",
-                                  "MyApp.1a.log",
-                                  "MyApp.1.log.log",
-                                  "MyApp.log.1.log",
-                                  "MyApp 1.log",
-                                  "MyApp.1 .log",
-                                  "MyApp_1.log",
-                                  "MyApp+1.log",
-                                  "MyApp,1.log",
-                                  "MyApp:1.log",
-                                  "MyApp\t.log",
-                                  "MyApp\n.log",
-                                  "MyApp.\u0661.log",
-                                  "MyApp.\uFF11.log",
-                                  "MyApp.1\u0301.log",
-                                  "MyApp.\u2010.log",
-                                  "MyApp.\xFF.log",
-                                  "XMyApp.1.log",
-                                  " MyApp.1.log",
-                                  ".MyApp.1.log",
-                                  "myapp.1.log",
-                                  "MYAPP.1.log",
-                                  "MyAp.1.log",
-                                  "MyApp",
-                                  "MyApp.",
-                                  "MyApp.1",
-                                  "MyApp.lo",
-                                  "MyApp1log",
-                                  "MyApp.1.LOG",
-                                  "MyApp.1.Log",
-                                  "MyApp.1.logs",
-                                  "MyApp.1.log ",
-                                  "MyApp.1.log~",
-                                  "MyApp.1.log.gz",
-                                  "MyApp.1.txt",
-                                  ".log",
-                                  "1.log",
-                                  "log"};
+const char* const otherNames[] = {
+    "Other.log",        "MyAppBeta.log",     "MyApp.a.log",      "MyApp.1a.log",   "MyApp.1.log.log",
+    "MyApp.log.1.log",  "MyApp 1.log",       "MyApp.1 .log",     "MyApp_1.log",    "MyApp+1.log",
+    "MyApp,1.log",      "MyApp:1.log",       "MyApp\t.log",      "MyApp\n.log",    "MyApp.\u0661.log",
+    "MyApp.\uFF11.log", "MyApp.1\u0301.log", "MyApp.\u2010.log", "MyApp.\xFF.log", "XMyApp.1.log",
+    " MyApp.1.log",     ".MyApp.1.log",      "myapp.1.log",      "MYAPP.1.log",    "MyAp.1.log",
+    "MyApp.1",          "MyApp.lo",          "MyApp1log",        "MyApp.1.LOG",    "MyApp.1.Log",
+    "MyApp.1.logs",     "MyApp.1.log ",      "MyApp.1.log~",     "MyApp.1.log.gz", "MyApp.1.txt"};
+const char* const pieces[] = {"MyApp", "MyApp.", ".log", "1.log", "log"};
 
 /// A class and its one object, which records what it is notified of.
 class Workspace : public NSObjectProtocol {
@@ -226,6 +195,7 @@ TEST(LogRetention, byAgeTakesDigitsAndPeriodsBetweenNameAndEndingAndByCountHyphe
         expectEach(namesForBoth, true);
         expectEach(namesForCount, way == By::count);
         expectEach(otherNames, false);
+        expectEach(pieces, false);
         all.removed(way);
         EXPECT_EQ(all.names(), left) << "the right ones out of all";
     }

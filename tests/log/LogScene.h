@@ -25,6 +25,7 @@
 #include "tests/kit/ScratchFolder.h"
 #include "tests/kit/Settings.h"
 #include "tests/kit/StandardError.h"
+#include "tests/kit/Threads.h"
 
 namespace ZQFoundation::logscene {
 

@@ -598,37 +598,23 @@ constexpr int loggingThreads = 8;
 /// Threads that log until they are asked to stop, and how many lines each has written.
 class LoggingThreads {
 public:
-    LoggingThreads() {
-        for (int thread = 0; thread < loggingThreads; ++thread) {
-            threads_.emplace_back([this, thread] {
-                int number = 0;
-                while (!stop_.load(std::memory_order_relaxed) && number < mostLines) {
-                    ZQLog::logAlways_log(true, lineText(thread, number++));
-                }
-                counts_[static_cast<std::size_t>(thread)] = number;
-            });
-        }
-    }
-    LoggingThreads(const LoggingThreads&) = delete;
-    LoggingThreads& operator=(const LoggingThreads&) = delete;
-    ~LoggingThreads() { finish(); }
-
     const std::array<int, loggingThreads>& finish() {
-        stop_ = true;
-        for (std::thread& thread : threads_) {
-            if (thread.joinable()) {
-                thread.join();
-            }
-        }
+        threads_.end();
         return counts_;
     }
 
 private:
-    static constexpr int mostLines = 20000;
+    void work(std::size_t thread) {
+        int& number = counts_[thread];
+        if (number < 20000) {
+            ZQLog::logAlways_log(true, lineText(static_cast<int>(thread), number++));
+        } else {
+            ::usleep(100);
+        }
+    }
 
-    std::atomic<bool> stop_ = false;
     std::array<int, loggingThreads> counts_{};
-    std::vector<std::thread> threads_;
+    kit::Meanwhile threads_{[this](std::size_t thread) { work(thread); }, loggingThreads};
 };
 
 TEST(ConcurrentStandardErrorRedirection, putsEveryLineWholeIntoExactlyOnePlace) {

@@ -168,18 +168,6 @@ TEST(TraceKeys, readTruthAndLevelOfEveryKindOfValue) {
     }
 }
 
-TEST(TraceKeys, listAHalfAndAreActivatedByItWhileItsOwnConditionsFail) {
-    const TraceKeys keys({{"TraceHalf", "<real>0.5</real>"}});
-    EXPECT_EQ(activeKeys(), Names{"TraceHalf"});
-    EXPECT_TRUE(ZQLog::aTraceDefaultValueHasBeenActivated());
-    EXPECT_EQ(anyKeyLabel(), "Trace");
-    EXPECT_FALSE(ZQLog::traceKeyIsEnabled("TraceHalf"));
-    EXPECT_EQ(keyLabel("TraceHalf"), "-");
-    EXPECT_EQ(anyLabel(NSArray{"TraceHalf"}), "-");
-    EXPECT_EQ(allLabel(NSArray{"TraceHalf"}), "-");
-    EXPECT_EQ(valueLabel("TraceHalf", 0), "TraceHalf=0");
-}
-
 TEST(TraceKeys, areTheDefaultsWhoseNamesBeginWithTrace) {
     const TraceKeys keys({{"Trace", on},
                           {"TraceNet", on},
@@ -276,19 +264,13 @@ TEST(TraceKeys, labelAnyOfThemWithThoseThatAreOnAndAllOfThemOnlyWhenEachIs) {
         {{"TraceB", "TraceA"}, "TraceA", "-"},
         {{"TraceC"}, "TraceC", "TraceC"},
         {{"TraceB"}, "-", "-"},
+        {NSArray::array(), "-", "-"},
+        {nullptr, "-", "-"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(anyLabel(row.keys), row.any);
         EXPECT_EQ(allLabel(row.keys), row.all);
     }
-}
-
-TEST(TraceKeys, holdNeitherAnyNorAllOfAnEmptyArray) {
-    const TraceKeys keys({{"TraceA", on}});
-    EXPECT_EQ(anyLabel(NSArray::array()), "-");
-    EXPECT_EQ(allLabel(NSArray::array()), "-");
-    EXPECT_EQ(anyLabel(nullptr), "-");
-    EXPECT_EQ(allLabel(nullptr), "-");
 }
 
 TEST(TraceKeys, areAnEmptyListWhenNoneIsOn) {
@@ -518,18 +500,14 @@ void askBesideRereadings() {
     const NSDictionary readings[] = {keysOf(false), keysOf(true)};
     defaults.registerDefaults(readings[0]);
     ZQLog::initializeTraceDefaultsDict();
-    std::atomic<bool> ends = false;
     std::atomic<long> wrong = 0;
     std::atomic<long> asked = 0;
     const auto ask = [&] {
-        while (!ends) {
-            wrong += areWhole() ? 0 : 1;
-            ++asked;
-        }
+        wrong += areWhole() ? 0 : 1;
+        ++asked;
     };
     {
-        const logscene::Background first(ask);
-        const logscene::Background second(ask);
+        const kit::Meanwhile asking(ask, 2);
         for (long i = 1; i <= rereadings; ++i) {
             if (i % 64 == 0) {
                 defaults.registerDefaults(readings[i / 64 % 2]);
@@ -538,7 +516,6 @@ void askBesideRereadings() {
                 i % 1000 == 0 ? std::make_unique<ZQLog::Synchronized>() : nullptr; // as hosts do
             ZQLog::initializeTraceDefaultsDict();
         }
-        ends = true;
     }
     logscene::sayScale(std::to_string(rereadings) + " re-readings, " + std::to_string(asked) +
                        " rounds of questions");

@@ -219,21 +219,17 @@ TEST(ZQTraceKeyConcurrency, neverAnswersFromAReadingThatIsOver) {
     std::atomic<long> over = 0;
     std::atomic<long> wrong = 0;
     std::atomic<long> sure = 0;
-    std::atomic<bool> ends = false;
     const auto read = [&] {
-        while (!ends) {
-            const long before = over;
-            const bool isOn = traceA.isEnabled();
-            const bool isOnInText = static_cast<bool>(traceA.logString("x"));
-            if (before == begun) {
-                ++sure;
-                wrong += isOn == (before % 2 != 0) && isOnInText == isOn ? 0 : 1;
-            }
+        const long before = over;
+        const bool isOn = traceA.isEnabled();
+        const bool isOnInText = static_cast<bool>(traceA.logString("x"));
+        if (before == begun) {
+            ++sure;
+            wrong += isOn == (before % 2 != 0) && isOnInText == isOn ? 0 : 1;
         }
     };
     {
-        const logscene::Background first(read);
-        const logscene::Background second(read);
+        const kit::Meanwhile reading(read, 2);
         for (long i = 1; i <= rereadings; ++i) {
             ++begun;
             keys.replaceAndRead({{"TraceA", i % 2 != 0 ? "<true/>" : "<false/>"}});
@@ -243,7 +239,6 @@ TEST(ZQTraceKeyConcurrency, neverAnswersFromAReadingThatIsOver) {
                 std::this_thread::yield();
             }
         }
-        ends = true;
     }
     EXPECT_EQ(wrong, 0);
     EXPECT_GT(sure, 0);

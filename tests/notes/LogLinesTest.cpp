@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Threads.h"
+
 using namespace ZQFoundation;
 using notes::LogCapture;
 using notes::LogLines;
@@ -68,20 +70,16 @@ TEST(LogLinesConcurrency, listenersAndThreadsThatLog) {
     std::size_t next = endOfLines();
     std::atomic<int> heard = 0;
     LogLines::shared().setListener([&] { ++heard; });
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 4; ++number) {
-        threads.emplace_back([number] {
+    std::size_t seen = 0;
+    {
+        const kit::Threads threads(4, [](std::size_t number) {
             for (int count = 0; count < perThread; ++count) {
-                ZQLog::logWithFormat("thread %d", number);
+                ZQLog::logWithFormat("thread %zu", number);
             }
         });
-    }
-    std::size_t seen = 0;
-    for (int look = 0; look < 100; ++look) {
-        seen += linesSince(next).size();
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
+        for (int look = 0; look < 100; ++look) {
+            seen += linesSince(next).size();
+        }
     }
     LogLines::shared().setListener({});
     seen += linesSince(next).size();

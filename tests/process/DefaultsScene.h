@@ -4,7 +4,6 @@
 #define ZQFOUNDATION_TESTS_PROCESS_DEFAULTSSCENE_H
 
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,6 +14,7 @@
 #include "tests/kit/Sanitizers.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/kit/StandardError.h"
+#include "tests/kit/Threads.h"
 
 namespace ZQFoundation::process {
 
@@ -35,14 +35,9 @@ protected:
 /// Runs the body in threads, each with its number, and `meanwhile` beside them, and waits for the threads.
 template <class Body, class Meanwhile>
 void useThreads(int count, const Body& body, const Meanwhile& meanwhile) {
-    std::vector<std::thread> threads;
-    for (int number = 0; number < count; ++number) {
-        threads.emplace_back([&body, number] { body(number); });
-    }
+    const kit::Threads threads(static_cast<std::size_t>(count),
+                               [&body](std::size_t number) { body(static_cast<int>(number)); });
     meanwhile();
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
 }
 
 template <class Body>

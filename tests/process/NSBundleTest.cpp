@@ -549,14 +549,8 @@ TEST_F(NSBundleTest, findsTextsInForkedChildrenWhileThreadsReadTables) {
             }
         },
         [&] {
-            for (int count = 0; count < 200; ++count) {
-                const pid_t child = turns.fork();
-                if (child == 0) {
-                    ::alarm(60);
-                    kit::leave(text(b, "key", "T" + std::to_string(count)) == "text" ? 0 : 1);
-                }
-                failures += kit::endOf(child) == 0 ? 0 : 1;
-            }
+            failures = turns.failures(
+                200, [&](int number) { return text(b, "key", "T" + std::to_string(number)) == "text"; });
         });
     EXPECT_EQ(failures, 0);
 }

@@ -3,7 +3,6 @@
 #include "foundation/process/NSProcessInfo.h"
 
 #include <atomic>
-#include <thread>
 
 #include <dlfcn.h>
 #include <sys/auxv.h>
@@ -17,6 +16,7 @@
 #include "tests/kit/Items.h"
 #include "tests/kit/Mounts.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Turns.h"
 
 using namespace ZQFoundation;
@@ -206,21 +206,20 @@ TEST(NSProcessInfo, operationsLeaveErrnoAlone) {
 TEST(NSProcessInfo, showsThreadsWholeNamesWhileOthersRename) {
     EXPECT_EQ(inChild([] {
                   info().setProcessName("AAAAAAAA");
-                  std::atomic<bool> stop{false};
-                  std::thread writer([&] {
-                      for (int round = 0; round < 20000; ++round) {
-                          info().setProcessName(round % 2 == 0 ? "BBBB" : "AAAAAAAA");
-                      }
-                      stop = true;
-                  });
                   const auto isWhole = [](const std::string& name) {
                       return name == "BBBB" || name == "AAAAAAAA";
                   };
-                  bool torn = false;
-                  while (!stop) {
-                      torn = torn || !isWhole(prefixName()) || !isWhole(info().processName().utf8());
+                  std::atomic<bool> torn{false};
+                  const auto look = [&] {
+                      if (!isWhole(prefixName()) || !isWhole(info().processName().utf8())) {
+                          torn = true;
+                      }
+                  };
+                  kit::Meanwhile looking(look);
+                  for (int round = 0; round < 20000; ++round) {
+                      info().setProcessName(round % 2 == 0 ? "BBBB" : "AAAAAAAA");
                   }
-                  writer.join();
+                  looking.end();
                   return !torn;
               }),
               0);
@@ -230,28 +229,18 @@ TEST(NSProcessInfo, answersInForkedChildrenWhileThreadsRename) {
     EXPECT_EQ(inChild([] {
                   info().setProcessName("AAAA");
                   kit::Turns turns;
-                  std::atomic<bool> stop{false};
-                  std::thread writer([&] {
-                      for (int round = 0; !stop; ++round) {
+                  const auto rename = [&turns] {
+                      for (const char* const name : {"BBBB", "AAAA"}) {
                           turns.work([&] {
-                              info().setProcessName(round % 2 == 0 ? "BBBB" : "AAAA");
+                              info().setProcessName(name);
                               return true;
                           });
                       }
-                  });
-                  int failures = 0;
-                  for (int count = 0; count < 200; ++count) {
-                      const pid_t child = turns.fork();
-                      if (child == 0) {
-                          ::alarm(60);
-                          const bool isOwn = info().processIdentifier() == ::getpid();
-                          kit::leave(isOwn && info().processName().length() == 4 ? 0 : 1);
-                      }
-                      failures += kit::endOf(child) == 0 ? 0 : 1;
-                  }
-                  stop = true;
-                  writer.join();
-                  return failures == 0;
+                  };
+                  const kit::Meanwhile renaming(rename);
+                  return turns.failures(200, [](int) {
+                      return info().processIdentifier() == ::getpid() && info().processName().length() == 4;
+                  }) == 0;
               }),
               0);
 }

@@ -3,7 +3,6 @@
 #include "foundation/process/NSUserDefaults.h"
 
 #include <atomic>
-#include <thread>
 
 #include <pwd.h>
 
@@ -13,6 +12,7 @@
 #include "foundation/process/DefaultsFiles.h"
 #include "foundation/process/NSBundle.h"
 #include "tests/kit/Items.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Turns.h"
 #include "tests/kit/Values.h"
 #include "tests/process/DefaultsScene.h"
@@ -608,30 +608,18 @@ bool isAnsweredInChild() {
 TEST_F(NSUserDefaultsTest, answersInForkedChildrenWhileThreadsReadAndSet) {
     writeApplication(dictionaryFile(entry("Steady", "x")));
     kit::Turns turns;
-    std::atomic<bool> stop{false};
+    std::atomic<int> rounds[4] = {};
     std::atomic<int> wrong{0};
     // Where forks take turns they are slow and never interrupt an operation: fewer show as much.
     const int children = kit::isSanitized ? 40 : 200;
-    int failures = 0;
-    useThreads(
-        4,
-        [&](int number) {
+    {
+        const auto work = [&](std::size_t number) {
             const std::string own = "Busy" + std::to_string(number);
-            for (int round = 0; !stop; ++round) {
-                wrong += turns.work([&] { return useAllAtOnce(own, round); }) ? 0 : 1;
-            }
-        },
-        [&] {
-            for (int count = 0; count < children; ++count) {
-                const pid_t child = turns.fork();
-                if (child == 0) {
-                    kit::leave(isAnsweredInChild() ? 0 : 1);
-                }
-                failures += kit::endOf(child) == 0 ? 0 : 1;
-            }
-            stop = true;
-        });
-    EXPECT_EQ(failures, 0);
+            wrong += turns.work([&] { return useAllAtOnce(own, rounds[number]++); }) ? 0 : 1;
+        };
+        const kit::Meanwhile working(work, 4);
+        EXPECT_EQ(turns.failures(children, [](int) { return isAnsweredInChild(); }), 0);
+    }
     EXPECT_EQ(wrong, 0);
 }
 
@@ -641,25 +629,19 @@ TEST_F(NSUserDefaultsTest, givesThreadsWholeFilesWhileTheFileIsReplaced) {
         return dictionaryFile(entry("First", text) + entry("Second", text));
     };
     writeApplication(file(0));
-    std::atomic<bool> stop{false};
     std::atomic<int> wrong{0};
-    useThreads(
-        2,
-        [&](int) {
-            while (!stop) {
-                const NSDictionary all = defaults().dictionaryRepresentation();
-                const NSObject first = all.objectForKey("First");
-                wrong += first && first == all.objectForKey("Second") ? 0 : 1;
-            }
-        },
-        [&] {
-            for (int number = 1; number < 500; ++number) {
-                folder.write("store/next", file(number));
-                ::rename((folder / "store/next").c_str(), (folder / "store/Viewer.plist").c_str());
-                EXPECT_EQ(textFor("First"), std::to_string(number));
-            }
-            stop = true;
-        });
+    const auto look = [&] {
+        const NSDictionary all = defaults().dictionaryRepresentation();
+        const NSObject first = all.objectForKey("First");
+        wrong += first && first == all.objectForKey("Second") ? 0 : 1;
+    };
+    kit::Meanwhile looking(look, 2);
+    for (int number = 1; number < 500; ++number) {
+        folder.write("store/next", file(number));
+        ::rename((folder / "store/next").c_str(), (folder / "store/Viewer.plist").c_str());
+        EXPECT_EQ(textFor("First"), std::to_string(number));
+    }
+    looking.end();
     EXPECT_EQ(wrong, 0);
 }
 

@@ -5,9 +5,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
@@ -16,6 +16,7 @@
 #include "tests/kit/Child.h"
 #include "tests/kit/Interruptions.h"
 #include "tests/kit/ScratchFolder.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
@@ -49,19 +50,13 @@ TEST(Lock, isRecursiveAndExcludesOtherThreads) {
     constexpr int rounds = 20000;
     Lock lock;
     long count = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (int k = 0; k < rounds; ++k) {
-                const Guard outer(lock);
-                const Guard inner(lock);
-                ++count;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    kit::inThreads(4, [&](std::size_t) {
+        for (int k = 0; k < rounds; ++k) {
+            const Guard outer(lock);
+            const Guard inner(lock);
+            ++count;
+        }
+    });
     EXPECT_EQ(count, 4L * rounds);
 }
 
@@ -69,25 +64,21 @@ TEST(Lock, wakesSleepingThreadsAndKeepsErrno) {
     Lock lock;
     int entered = 0;
     std::array<std::atomic<pid_t>, 8> numbers{};
-    std::vector<std::thread> threads;
+    std::optional<kit::Threads> threads;
     {
         const Guard guard(lock);
-        for (std::atomic<pid_t>& number : numbers) {
-            threads.emplace_back([&] {
-                errno = ENOTTY;
-                number = ownNumber();
-                const Guard own(lock);
-                entered += errno == ENOTTY ? 1 : 100;
-            });
-        }
+        threads.emplace(numbers.size(), [&](std::size_t index) {
+            errno = ENOTTY;
+            numbers[index] = ownNumber();
+            const Guard own(lock);
+            entered += errno == ENOTTY ? 1 : 100;
+        });
         for (const std::atomic<pid_t>& number : numbers) {
             waitUntilAsleep(number);
         }
         EXPECT_EQ(entered, 0);
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.reset();
     EXPECT_EQ(entered, 8);
 }
 

@@ -8,12 +8,12 @@
 #include <deque>
 #include <new>
 #include <set>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/kit/Interruptions.h"
+#include "tests/kit/Threads.h"
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
@@ -130,18 +130,10 @@ bool takeAndGiveBack(unsigned seed) {
 }
 
 TEST(SignalSafeMemoryConcurrency, keepsBlocksOfThreadsApart) {
-    std::vector<std::thread> threads;
-    int right = 0;
-    for (unsigned i = 0; i < 4; ++i) {
-        threads.emplace_back([&right, i] {
-            if (takeAndGiveBack(i + 1)) {
-                __atomic_add_fetch(&right, 1, __ATOMIC_RELAXED);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    std::atomic<int> right = 0;
+    kit::inThreads(4, [&right](std::size_t number) {
+        right += takeAndGiveBack(static_cast<unsigned>(number) + 1) ? 1 : 0;
+    });
     EXPECT_EQ(right, 4);
 }
 

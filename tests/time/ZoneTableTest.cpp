@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstring>
 #include <random>
-#include <thread>
 #include <vector>
 
 #include <sys/stat.h>
@@ -267,17 +266,12 @@ TEST_F(ZoneTable, servesManyThreadsAtOnce) {
 
 TEST_F(ZoneTable, servesAForkedChildWhileThreadsAreAtWork) {
     zone_.change("CET-1CEST,M3.5.0,M10.5.0/3");
-    std::atomic<bool> done{false};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 3; ++t) {
-        threads.emplace_back([&done] {
-            while (!done) {
-                rereadProcessZone();
-                processZone();
-                zoneNamed("Test/Zone");
-            }
-        });
-    }
+    const auto work = [] {
+        rereadProcessZone();
+        processZone();
+        zoneNamed("Test/Zone");
+    };
+    const kit::Meanwhile working(work, 3);
     for (int round = 0; round < 50; ++round) {
         EXPECT_EQ(kit::inChild([] {
                       rereadProcessZone();
@@ -285,10 +279,6 @@ TEST_F(ZoneTable, servesAForkedChildWhileThreadsAreAtWork) {
                              zoneOffsetAt(zoneNamed("Test/Zone"), winter) == 3600;
                   }),
                   0);
-    }
-    done = true;
-    for (std::thread& thread : threads) {
-        thread.join();
     }
 }
 

@@ -16,9 +16,6 @@
 #include "tests/kit/ScratchFolder.h"
 #include "tests/tools/ToolScene.h"
 
-#if __has_include(<linux/seccomp.h>)
-#endif
-
 using namespace ZQFoundation;
 using kit::modeOf;
 using scene::become;

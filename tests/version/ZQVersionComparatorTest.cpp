@@ -5,13 +5,13 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/kit/AllocationCount.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Threads.h"
 #include "tests/kit/Values.h"
 #include "tests/models/Versions.h"
 
@@ -399,20 +399,14 @@ TEST(ZQVersionComparator, cutsTheLastComponentOfMajorVersionsOnlyWhenThePeriodsA
 // MARK: Threads
 
 TEST(ZQVersionComparator, answersAlikeOnConcurrentThreads) {
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(4, 0);
-    for (int& count : wrong) {
-        threads.emplace_back([&count] {
-            for (int i = 0; i < 2000; ++i) {
-                count += compared(u"1.\u0663b", "1.0c") == -1 ? 0 : 1;
-                count += compared("1.9", "1.10") == -1 ? 0 : 1;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(wrong, std::vector<int>(4, 0));
+    std::atomic<int> wrong = 0;
+    kit::inThreads(4, [&wrong](std::size_t) {
+        for (int i = 0; i < 2000; ++i) {
+            wrong += compared(u"1.\u0663b", "1.0c") == -1 ? 0 : 1;
+            wrong += compared("1.9", "1.10") == -1 ? 0 : 1;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
 }
 
 } // namespace
