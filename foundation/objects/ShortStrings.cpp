@@ -55,14 +55,26 @@ bool isAsciiText(const char16_t* text, std::size_t count, std::size_t rest) noex
 
 } // namespace
 
+/// All strings of the newest block may be released before the next one is made: a dictionary releases a
+/// repeated key at once. So the block stays until it is left. Nothing is atomic, because no other thread
+/// knows the strings yet.
+void ShortStrings::leaveBlock() noexcept {
+    if (block_ != nullptr && --block_->live == 0) {
+        ::operator delete(block_);
+    }
+    block_ = nullptr;
+    used_ = capacity_ = 0;
+}
+
 /// A block no larger than the rest of the text is likely to need.
 void ShortStrings::startBlock(std::size_t bytes, std::size_t restBytes, std::size_t expected) {
     const std::size_t most = std::max(usualCapacity, 4 * bytes);
     const bool isLong = restBytes > most || expected > most;
     const std::size_t needed = wholeWords(restBytes) + expected * wholeWords(sizeof(StringBody) + 1);
     const std::size_t capacity = isLong || needed > most ? most : std::max(bytes, needed);
+    leaveBlock();
     block_ = static_cast<StringBlock*>(::operator new(sizeof(StringBlock) + capacity));
-    block_->live = 0;
+    block_->live = 1;
     used_ = sizeof(StringBlock);
     capacity_ = used_ + capacity;
 }

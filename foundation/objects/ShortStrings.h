@@ -16,18 +16,24 @@ namespace ZQFoundation::detail {
 /// that a host keeps does not keep much else.
 class ShortStrings {
 public:
+    ShortStrings() noexcept = default;
+    ShortStrings(const ShortStrings&) = delete;
+    ShortStrings& operator=(const ShortStrings&) = delete;
+    ~ShortStrings() { leaveBlock(); }
+
     /// The string of `count` units of the text, which has `rest` units from there on; bytes are ASCII. About
     /// `expected` strings are still to be made of the rest.
     NSString make(const char* text, std::size_t count, std::size_t rest, std::size_t expected);
     NSString make(const char16_t* text, std::size_t count, std::size_t rest, std::size_t expected);
 
 private:
+    void leaveBlock() noexcept;
     void startBlock(std::size_t bytes, std::size_t restBytes, std::size_t expected);
     StringBody* place(std::size_t count, bool isAscii, std::size_t restBytes, std::size_t expected);
 
     bool hasRoomForBlock(const void* text) const noexcept;
 
-    StringBlock* block_ = nullptr; ///< owned by its strings
+    StringBlock* block_ = nullptr; ///< counted as if it had one more string
     std::size_t used_ = 0;         ///< bytes of the block
     std::size_t capacity_ = 0;     ///< the same
 };

@@ -77,6 +77,29 @@ TEST(ShortStrings, outliveTheirArrayAndTheirNeighbors) {
     }
 }
 
+template <class Unit>
+void expectTextBesideFreedMemory(std::basic_string_view<Unit> text) {
+    detail::ShortStrings strings;
+    // The only string of its block, released at once, as the repeated key of a dictionary is.
+    EXPECT_EQ(strings.make(text.data(), 4, text.size(), 20), NSString(StringView(text.data(), 4)));
+    // Whatever size the block had, one of these takes its memory if it was freed.
+    std::vector<std::string> neighbors;
+    for (std::size_t size = 16; size <= 1024; size += 8) {
+        neighbors.emplace_back(size, 'n');
+    }
+    const NSString next = strings.make(text.data() + 4, 4, text.size() - 4, 20);
+    EXPECT_EQ(next, NSString(StringView(text.data() + 4, 4)));
+    for (const std::string& neighbor : neighbors) {
+        EXPECT_EQ(neighbor, std::string(neighbor.size(), 'n'));
+    }
+}
+
+TEST(ShortStrings, areNotMadeInMemoryThatIsFreed) {
+    expectTextBesideFreedMemory<char>("onceonlyand more text, so that a block is full");
+    expectTextBesideFreedMemory<char16_t>(u"onceonlyand more text, so that a block is full");
+    expectTextBesideFreedMemory<char16_t>(u"\u00FCnceonly\u00FCnd more text, so that a block is full");
+}
+
 TEST(ShortStrings, takeFewerAllocationsThanThereArePieces) {
     const std::string text(4000, 'x');
     const std::vector<std::size_t> lengths(1000, 4);

@@ -222,4 +222,36 @@ TEST(HostilePropertyList, manyKeysInOneDictionary) {
     EXPECT_EQ(show(dictionary.objectForKey("0")), std::to_string(count / 2));
 }
 
+/// Strings that are replaced as soon as they are read, so that nothing keeps the memory they share.
+TEST(HostilePropertyList, repeatedKeysOfOneDictionary) {
+    struct Form {
+        const char* name;
+        std::string start, entry, end;
+    };
+    const std::string longKey(70, 'k');
+    const Form forms[] = {
+        {"old-style", "{keep=(a,(b));", "k=(x,(y));k=();", "}"},
+        {"old-style, a long key", "{keep=(a,(b));", longKey + "=x;" + longKey + "=({});", "}"},
+        {"strings table", "keep=(a,(b));", "k=x;k=({z=y;});", ""},
+        {"XML", "<dict><key>keep</key><array><string>a</string><array><string>b</string></array></array>",
+         "<key>k</key><string>x</string><key>k</key><array><dict/></array>", "</dict>"},
+    };
+    for (const Form& form : forms) {
+        std::string text = form.start;
+        for (int i = 0; i < 200; ++i) {
+            text += form.entry;
+        }
+        text += form.end;
+        std::u16string units(text.begin(), text.end());
+        units.insert(0, 1, u'\xFEFF');
+        const std::string utf16(reinterpret_cast<const char*>(units.data()), 2 * units.size());
+        for (const std::string& bytes : {text, utf16}) {
+            const NSDictionary dictionary(parseBytes(bytes));
+            EXPECT_EQ(dictionary.count(), 2U) << form.name;
+            EXPECT_EQ(show(dictionary.objectForKey("keep")), "['a', ['b']]") << form.name;
+            expectSane(bytes);
+        }
+    }
+}
+
 } // namespace
