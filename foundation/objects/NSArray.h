@@ -7,6 +7,23 @@
 
 #include "NSString.h"
 
+namespace ZQFoundation::detail {
+
+/// As what a range is iterated: a constant, except for one that finds its first element only when asked and
+/// so has no constant `begin`, such as a filtered view.
+template <class Range>
+struct IteratedRange {
+    using type = const Range;
+};
+template <class Range>
+    requires(
+        requires(Range& range) { range.begin(); } && !requires(const Range& range) { range.begin(); })
+struct IteratedRange<Range> {
+    using type = Range;
+};
+
+} // namespace ZQFoundation::detail
+
 namespace ZQFoundation {
 
 class NSMutableArray;
@@ -59,7 +76,7 @@ public:
     ///
     ///     NSArray::arrayWithRange(std::vector<int>{3, 1});  // 3, 1
     template <class Range>
-    static NSArray arrayWithRange(const Range& range);
+    static NSArray arrayWithRange(Range&& range);
 
     /// The number of elements; 0 for nil.
     std::size_t count() const noexcept;
@@ -214,10 +231,12 @@ private:
 };
 
 template <class Range>
-NSArray NSArray::arrayWithRange(const Range& range) {
+NSArray NSArray::arrayWithRange(Range&& range) {
+    using Plain = std::remove_cvref_t<Range>;
+    typename detail::IteratedRange<Plain>::type& iterated = range;
     NSMutableArray elements;
-    for (const auto& element : range) {
-        if constexpr (requires { requires std::is_same_v<typename Range::value_type, bool>; }) {
+    for (const auto& element : iterated) {
+        if constexpr (requires { requires std::is_same_v<typename Plain::value_type, bool>; }) {
             elements.addObject(static_cast<bool>(element)); // libc++'s std::vector<bool> yields proxies
         } else {
             elements.addObject(element);

@@ -50,7 +50,7 @@ public:
     ///
     ///     NSDictionary::dictionaryWithRange(std::map<std::string, int>{{"a", 1}});  // { a = 1; }
     template <class Range>
-    static NSDictionary dictionaryWithRange(const Range& range);
+    static NSDictionary dictionaryWithRange(Range&& range);
 
     /// The number of entries; 0 for nil.
     std::size_t count() const noexcept;
@@ -198,9 +198,10 @@ private:
 };
 
 template <class Range>
-NSDictionary NSDictionary::dictionaryWithRange(const Range& range) {
+NSDictionary NSDictionary::dictionaryWithRange(Range&& range) {
+    typename detail::IteratedRange<std::remove_cvref_t<Range>>::type& iterated = range;
     NSMutableDictionary entries;
-    for (const auto& [key, value] : range) {
+    for (const auto& [key, value] : iterated) {
         entries.setObject_forKey(value, key);
     }
     return entries.dictionary();

@@ -214,7 +214,28 @@ TEST(OneLiners, collectionsAreRanges) {
     EXPECT_THROW(letters[3], NSException);
 }
 
+/// Like a filtered view: it looks for its first element when asked, so it must not be constant.
+template <class T>
+struct FoundOnDemand {
+    std::vector<T> elements;
+    std::size_t asked = 0;
+
+    auto begin() {
+        ++asked;
+        return elements.begin();
+    }
+    auto end() { return elements.end(); }
+};
+
 TEST(OneLiners, rangesBecomeCollections) {
+    EXPECT_EQ(NSArray::arrayWithRange(FoundOnDemand<int>{{1, 2}}), (NSArray{1, 2}));
+    FoundOnDemand<std::pair<std::string, int>> pairs{{{"a", 1}}};
+    EXPECT_EQ(NSDictionary::dictionaryWithRange(pairs), (NSDictionary{{"a", 1}}));
+    EXPECT_EQ(pairs.asked, 1U);
+    const int plain[] = {1, 2};
+    EXPECT_EQ(NSArray::arrayWithRange(plain), (NSArray{1, 2}));
+    std::vector<bool> bits{true, false};
+    EXPECT_EQ(NSArray::arrayWithRange(bits), (NSArray{true, false}));
     EXPECT_EQ(NSArray::arrayWithRange(std::vector<int>{1, 2}), (NSArray{1, 2}));
     EXPECT_EQ(NSArray::arrayWithRange(std::list<std::string>{"a"}), NSArray{"a"});
     EXPECT_EQ(NSArray::arrayWithRange(std::set<double>{2.5, 1.5}), (NSArray{1.5, 2.5}));
