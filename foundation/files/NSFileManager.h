@@ -194,7 +194,8 @@ public:
                                                      detail::Flag deepCreate);
 
     /// Creates the file and, if `deepCreate`, first the missing folders above it, each with the folder
-    /// attributes. False, and nothing made, if something other than a folder is where the parent should be.
+    /// attributes. False, and nothing made, if something other than a folder is where the parent should be,
+    /// and with `deepCreate` for a bare name, which has no parent: write "./name".
     [[nodiscard]] bool createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
         StringView path, const NSData& contents, const NSDictionary& fileAttributes,
         const NSDictionary& directoryAttributes, detail::Flag deepCreate);

@@ -206,7 +206,8 @@ public:
     /// The text in upper case, by Unicode's full mapping, independent of any locale: U+00DF becomes "SS".
     NSString uppercaseString() const;
 
-    /// The text in lower case, by Unicode's full mapping, independent of any locale.
+    /// The text in lower case, by Unicode's full mapping of each character, independent of any locale and of
+    /// neighboring characters: U+03A3 becomes U+03C3, at the end of a word too.
     NSString lowercaseString() const;
 
     /// The units before the index; raises NSRangeException beyond the length.
@@ -229,8 +230,8 @@ public:
     /// As `rangeOfString`, with `NSStringCompareOptions`. A literal search compares unit by unit.
     NSRange rangeOfString_options(StringView text, unsigned options) const;
 
-    /// As `rangeOfString_options`, searching only inside the range. Raises NSRangeException for a range
-    /// beyond the end.
+    /// As `rangeOfString_options`, searching only inside the range, as if it were the whole text: a composed
+    /// sequence that the range cuts is not one. Raises NSRangeException for a range beyond the end.
     NSRange rangeOfString_options_range(StringView text, unsigned options, NSRange range) const;
 
     /// The first unit that is a member of the set; `{NSNotFound, 0}` if there is none.

@@ -33,7 +33,8 @@ public:
     ///
     /// Nil for the binary form, and for values that a property list cannot contain: nil, the null object, a
     /// host's own object, a set, a URL, a key that is not a string, more than 512 levels, more than 2 GiB of
-    /// text. Then `*errorText`, unless null, says which; on success it becomes nil.
+    /// text, and in XML a date whose year has more than four digits. Then `*errorText`, unless null, says
+    /// which; on success it becomes nil.
     static NSData dataWithPropertyList_format(const NSObject& propertyList, NSPropertyListFormat format,
                                               NSString* errorText = nullptr);
 };

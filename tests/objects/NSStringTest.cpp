@@ -248,6 +248,7 @@ TEST(NSString, upperAndLowerCaseUseTheFullMapping) {
     }
     EXPECT_EQ(utf8Of(NSString("ABC\u00c9").lowercaseString()), "abc\u00e9");
     EXPECT_EQ(utf8Of(NSString("\u0130I").lowercaseString()), "i\u0307i");
+    EXPECT_EQ(utf8Of(NSString("\u039F\u03A3").lowercaseString()), "\u03BF\u03C3"); // not a final sigma
     EXPECT_EQ(utf8Of(NSString("\U00010400").lowercaseString()), "\U00010428");
     EXPECT_EQ(units(u"a\xD83D").uppercaseString().utf16(), u"A\xD83D");
     EXPECT_EQ(NSString("a\0b"sv).uppercaseString().utf16(), u"A\0B"sv);

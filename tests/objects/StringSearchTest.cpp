@@ -193,6 +193,12 @@ TEST(StringSearch, staysInItsRange) {
                   shownRange(row.found))
             << row.needle << " by " << row.options << " in " << shownRange(row.range);
     }
+    // What is outside the range is not seen: "e" and its accent on either side of its end.
+    const NSString composed = stringOf(u"ae\x301z");
+    EXPECT_EQ(composed.rangeOfString_options_range("e", noOptions, {0, 4}), nowhere);
+    EXPECT_EQ(composed.rangeOfString_options_range("e", noOptions, {0, 2}), (NSRange{1, 1}));
+    EXPECT_EQ(composed.rangeOfString_options_range(stringOf(u"\x301"), noOptions, {0, 4}), nowhere);
+    EXPECT_EQ(composed.rangeOfString_options_range(stringOf(u"\x301"), noOptions, {2, 2}), (NSRange{2, 1}));
 }
 
 TEST(StringSearch, refusesARangeBeyondTheEnd) {
