@@ -133,6 +133,10 @@ ZQFileMigrationRetvalType ItemMigration::chooseDestination(const DestinationFold
     if (!plan_.destination) {
         return kind_.writingFailed; // every numbered name is taken
     }
+    struct stat dangling {};
+    if (!exists && target_.look(dangling)) {
+        return kind_.writingFailed; // a link that refers to nothing is not replaced
+    }
     plan_.replaces = exists && policy_.overwrite;
     return testHarm(exists);
 }

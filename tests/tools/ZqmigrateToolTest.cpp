@@ -291,7 +291,11 @@ TEST(ZqmigrateTool, reportsDanglingLinks) {
 
 TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
     const MigrateTool tool;
-    tool.folder().writeFiles({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
+    const auto fill = [](const MigrateTool& filled) {
+        filled.folder().writeFiles({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
+        filled.folder().link("nosuch", "b/dangling");
+    };
+    fill(tool);
     struct {
         Words words;
         int status;
@@ -305,10 +309,12 @@ TEST(ZqmigrateTool, reportsTheCodesOfTheRunAndChangesNothing) {
         {{"folder", "a", "b"}, 1},
         {{"folder", "a", "a/sub/b"}, 1},
         {{"folder", "d", "e"}, 0},
+        {{"--overwrite", "file", "a/new.txt", "b/dangling"}, 1},
+        {{"--rename", "folder", "a", "b/dangling"}, 1},
     };
     for (const auto& row : rows) {
         const MigrateTool real;
-        real.folder().writeFiles({"a/new.txt", "a/sub/taken.txt", "b/sub/taken.txt", "d/inside"});
+        fill(real);
         const scene::Digest before = tool.folder().digest("", scene::Detail::times);
         Words trial = row.words;
         trial.insert(trial.begin(), "-n");
