@@ -121,7 +121,8 @@ inline NSObject objectOf(GVariant* variant) {
 /// A variant of the value, with a floating reference like any new one: "s", "b", "x", "t", "d", "ay", "av",
 /// "a{sv}"; dates are "x", microseconds since 1970. Null for nil, for values that are none of these, and for
 /// a date beyond 64 bits; an array or a dictionary is made without them. The null object is an empty maybe.
-/// U+0000 ends a text.
+/// U+0000 ends a text. Each level of nesting is a call, as it is when GLib frees such a variant: a value with
+/// tens of thousands of levels overflows the stack.
 inline GVariant* variantOf(const NSObject& object) {
     if (const NSNumber number(object); number) {
         return number.isBoolean() ? g_variant_new_boolean(number.boolValue())

@@ -161,7 +161,8 @@ struct ObjectConversion<QHash<QString, T>> : detail::QtMapConversion<QHash<QStri
 
 /// The contents of a variant: texts, numbers, dates, URLs, bytes, lists and maps; any other type by the text
 /// that Qt has for it; nil for an invalid variant and for a type without such a text. Back: the corresponding
-/// type.
+/// type. Each level of nesting is a few calls, as it is when Qt destroys such a variant: a value with tens of
+/// thousands of levels overflows the stack.
 template <>
 struct ObjectConversion<QVariant> {
     static NSObject object(const QVariant& variant) {

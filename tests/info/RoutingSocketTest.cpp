@@ -694,16 +694,16 @@ TEST(RoutingSocketOfTheKernel, keepsOneSocketForEachCallThatNoChildInherits) {
 
 TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
     const std::pair<unsigned, const char*> rows[] = {{SYS_recvfrom, notRead}, {SYS_sendto, notWritten}};
-    for (const auto& [call, step] : rows) {
-        EXPECT_EQ(kit::inChild([call = call, step = step] {
-                      if (!kit::refuseCall(call, EIO)) {
+    for (const auto& row : rows) { // a lambda captures no structured binding with clang 14
+        EXPECT_EQ(kit::inChild([&row] {
+                      if (!kit::refuseCall(row.first, EIO)) {
                           return false;
                       }
-                      EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(step, EIO));
+                      EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(row.second, EIO));
                       return !testing::Test::HasFailure();
                   }),
                   0)
-            << step;
+            << row.second;
     }
 }
 
