@@ -13,7 +13,6 @@
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/sysctl.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -135,17 +134,6 @@ inline int fexecve(int program, char* const* arguments, char* const* environment
     char path[PATH_MAX];
     return ::fcntl(program, F_GETPATH, path) == 0 ? ::execve(path, arguments, environment) : -1;
 }
-
-/// The system's own answer; not every compiler's run-time library has one.
-inline bool processorHas(const char* feature) {
-    char name[64];
-    std::snprintf(name, sizeof name, "hw.optional.%s%s", feature,
-                  std::strcmp(feature, "avx2") == 0 ? "_0" : "");
-    int answer = 0;
-    std::size_t size = sizeof answer;
-    return ::sysctlbyname(name, &answer, &size, nullptr, 0) == 0 && answer != 0;
-}
-#define __builtin_cpu_supports processorHas
 
 /// For tests that open one terminal at a time.
 inline int terminalName(int terminal, char* name, std::size_t size) {
