@@ -152,7 +152,7 @@ TEST(OneLiners, timesAndDurationsComeBackAsTheyWere) {
 }
 
 TEST(OneLiners, whatNoTypeHasRoomForIsItsExtreme) {
-    using Time = std::chrono::sys_time<std::chrono::nanoseconds>; // the clock's own unit differs between libraries
+    using Time = std::chrono::sys_time<std::chrono::nanoseconds>; // the clock's unit is the library's
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const NSDate far = NSDate::dateWithTimeIntervalSince1970(1e11);
     EXPECT_EQ(NSDate(Time::max()).as<Time>(), Time::max());
