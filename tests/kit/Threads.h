@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <optional>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -23,10 +22,13 @@ public:
     }
     Threads(const Threads&) = delete;
     Threads& operator=(const Threads&) = delete;
-    ~Threads() {
+    ~Threads() { join(); }
+
+    void join() {
         for (std::thread& thread : threads_) {
             thread.join();
         }
+        threads_.clear();
     }
 
 private:
@@ -44,30 +46,29 @@ void inThreads(std::size_t count, const Body& body) {
 class Meanwhile {
 public:
     template <class Body>
-    explicit Meanwhile(const Body& body, std::size_t count = 1) {
-        threads_.emplace(count, [this, body](std::size_t number) {
-            while (!ends_) {
-                if constexpr (std::is_invocable_v<const Body&, std::size_t>) {
-                    body(number);
-                } else {
-                    static_cast<void>(number);
-                    body();
-                }
-            }
-        });
-    }
+    explicit Meanwhile(const Body& body, std::size_t count = 1)
+        : threads_(count, [this, body](std::size_t number) {
+              while (!ends_) {
+                  if constexpr (std::is_invocable_v<const Body&, std::size_t>) {
+                      body(number);
+                  } else {
+                      static_cast<void>(number);
+                      body();
+                  }
+              }
+          }) {}
     Meanwhile(const Meanwhile&) = delete;
     Meanwhile& operator=(const Meanwhile&) = delete;
     ~Meanwhile() { end(); }
 
     void end() {
         ends_ = true;
-        threads_.reset();
+        threads_.join();
     }
 
 private:
     std::atomic<bool> ends_{false};
-    std::optional<Threads> threads_;
+    Threads threads_;
 };
 
 } // namespace ZQFoundation::kit

@@ -57,16 +57,14 @@ void writeNumberedLine(int writer, int sequence) {
 /// Threads that re-read the trace keys and ask about them until they are asked to stop.
 class Unrest {
 public:
-    Unrest() {
-        threads_.emplace(4, [this](std::size_t number) { number < 2 ? reread(number == 0) : ask(); });
-    }
+    Unrest() = default;
     Unrest(const Unrest&) = delete;
     Unrest& operator=(const Unrest&) = delete;
     ~Unrest() { stop(); }
 
     void stop() {
         stops_ = true;
-        threads_.reset();
+        threads_.join();
     }
 
     std::atomic<long> readings = 0;
@@ -109,7 +107,9 @@ private:
 
     const kit::TraceKeys keys_{settings(true)};
     std::atomic<bool> stops_ = false;
-    std::optional<kit::Threads> threads_;
+    kit::Threads threads_{4, [this](std::size_t number) {
+                              number < 2 ? reread(number == 0) : ask();
+                          }};
 };
 
 void writeFromAllThreads(int lines) {
