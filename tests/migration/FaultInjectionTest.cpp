@@ -70,11 +70,16 @@ std::vector<Repetitions> repetitionsAfter(const Case& which, const Fault& fault,
     return {all[number % 3]};
 }
 
+/// Of those that are tried; not every C library knows the names.
+const char* nameOfError(int error) {
+    return error == EIO ? "EIO" : error == ENOSPC ? "ENOSPC" : error == EACCES ? "EACCES" : "EINTR";
+}
+
 std::string shown(const Case& which, const Fault& fault, const Repetitions& repetitions) {
     static const char* const kinds[] = {"none", "", "kill", "one", "half"};
     static const char* const agains[] = {"overwrite", "refuse", "rename"};
     const std::string what =
-        fault.kind == Fault::failing ? ::strerrorname_np(fault.error) : kinds[static_cast<int>(fault.kind)];
+        fault.kind == Fault::failing ? nameOfError(fault.error) : kinds[static_cast<int>(fault.kind)];
     std::string text = "fault-runner " + which.name() + " " + std::to_string(fault.call) + " " + what +
                        (fault.lasting ? " lasting" : "");
     for (const Again again : repetitions) {

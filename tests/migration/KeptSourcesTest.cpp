@@ -94,12 +94,18 @@ void expectNotCopied(const Tree& tree) {
     }
 }
 
+/// The type of a request is another one in each C library.
+template <class Request>
+int flagsOf(int item, int& flags, int (*control)(int, Request, ...)) {
+    return control(item, static_cast<Request>(FS_IOC_GETFLAGS), &flags);
+}
+
 /// The flags of an item that make it immutable or append-only, for a scope.
 class Flagged {
 public:
     Flagged(const std::string& path, int flag)
         : item_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
-        isSet_ = ::ioctl(item_, FS_IOC_GETFLAGS, &before_) == 0 && set(before_ | flag);
+        isSet_ = flagsOf(item_, before_, &::ioctl) == 0 && set(before_ | flag);
     }
     Flagged(const Flagged&) = delete;
     Flagged& operator=(const Flagged&) = delete;
