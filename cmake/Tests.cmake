@@ -159,8 +159,8 @@ endfunction()
 # has pieces of what the compiler must say, with " && " between them, and " | " between those of which one is enough.
 # What no case needs can be in `#ifndef REFUSING`: it is compiled once, not with each case.
 function(zq_add_refusals name source)
-    if(ZQFOUNDATION_SANITIZE)
-        return() # says nothing that the release build does not say
+    if(ZQFOUNDATION_SANITIZE OR CMAKE_DISABLE_PRECOMPILE_HEADERS)
+        return() # says nothing that the release build does not say, and precompiles headers
     endif()
     cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
     add_test(NAME refusals.${name}
