@@ -3,7 +3,6 @@
 #include <new>
 #include <string>
 
-#include <poll.h>
 #include <sys/file.h>
 
 #include "foundation/files/NSFileManager.h"
@@ -11,6 +10,7 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSString.h"
 #include "foundation/system/CallerState.h"
+#include "foundation/system/System.h"
 #include "foundation/system/WholeWrite.h"
 
 namespace ZQFoundation {
@@ -51,7 +51,7 @@ public:
             if (isLocked_ || (errno != EWOULDBLOCK && errno != EINTR)) {
                 break;
             }
-            ::poll(nullptr, 0, 1);
+            detail::system::pauseFor(1'000'000);
         }
         return isLocked_;
     }

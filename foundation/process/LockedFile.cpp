@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <ctime>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -21,6 +20,7 @@
 #include "foundation/process/FileReading.h"
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/FolderNames.h"
+#include "foundation/system/System.h"
 #include "foundation/system/WholeWrite.h"
 
 namespace ZQFoundation::detail {
@@ -68,8 +68,7 @@ public:
         }
         // No blocking call: a host must not hang because another program does.
         waited_ += pauseInMilliseconds;
-        const timespec shortly{0, pauseInMilliseconds * 1'000'000};
-        ::nanosleep(&shortly, nullptr);
+        system::pauseFor(pauseInMilliseconds * 1'000'000);
         return true;
     }
 

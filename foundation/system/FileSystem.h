@@ -115,9 +115,12 @@ private:
     State state_;
 };
 
-/// Whether a change to a file might not show in the time of its last change, because that is the current time
-/// of the system's clock for files. Waits for the clock to advance, a few milliseconds, and then returns
-/// false.
+/// The time that a file gets that is changed now, if its file system stores it exactly.
+timespec currentFileTime() noexcept;
+
+/// Whether a change to a file might not show in the time of its last change, because a change now would get
+/// the same time. Waits until it would not, and then returns false: some milliseconds, or up to two seconds
+/// if the file system stores no fractions.
 bool mightHideChange(const timespec& changed) noexcept;
 
 /// A number that others cannot predict, a new one at each call.

@@ -64,6 +64,9 @@ bool fileSizeIsUnlimited() noexcept;
 void waitBriefly(const std::uint32_t* word, std::uint32_t expected) noexcept;
 void wakeOne(const std::uint32_t* word) noexcept;
 
+/// Sleeps for less than a second, however many signals arrive meanwhile.
+void pauseFor(std::int64_t nanoseconds) noexcept;
+
 /// Where the number of this process image is: 0 in one that has not asked yet, such as a new child.
 extern std::uint32_t* forkGenerationWord;
 std::uint32_t beginForkGeneration() noexcept;

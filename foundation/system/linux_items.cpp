@@ -172,10 +172,6 @@ bool renameFileByNearestMeans(int fromFolder, const char* from, int toFolder, co
     return false;
 }
 
-bool isLater(const timespec& left, const timespec& right) noexcept {
-    return left.tv_sec != right.tv_sec ? left.tv_sec > right.tv_sec : left.tv_nsec > right.tv_nsec;
-}
-
 } // namespace
 
 // The mask says whether the file system stores it: the call succeeds in either case.
@@ -320,27 +316,11 @@ bool WritersHeldOff::areThereNone() const noexcept {
     return state_ == State::unknown || (state_ == State::held && ::fcntl(file_, F_GETLEASE) == F_RDLCK);
 }
 
-/// Two changes within one tick of the clock for files get the same time, so that the second is invisible to
-/// a comparison. After the tick, any change shows.
-bool mightHideChange(const timespec& changed) noexcept {
-    constexpr timespec pause{0, 1'000'000};
-    constexpr long maxTickNanoseconds = 20'000'000;
-    for (int waits = 0; waits < 40; ++waits) {
-        timespec now{};
-        // The coarse clock is the one that file times are taken from; the precise one is ahead of it.
-        ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
-        if (isLater(now, changed)) {
-            return false;
-        }
-        // Another machine's clock, or one that was reset: nothing to wait for.
-        const timespec soon{now.tv_sec + (now.tv_nsec + maxTickNanoseconds) / 1'000'000'000,
-                            (now.tv_nsec + maxTickNanoseconds) % 1'000'000'000};
-        if (isLater(changed, soon)) {
-            return true;
-        }
-        ::nanosleep(&pause, nullptr);
-    }
-    return true;
+// The coarse clock is the one that file times are taken from; the precise one is ahead of it.
+timespec currentFileTime() noexcept {
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return now;
 }
 
 } // namespace ZQFoundation::detail::system

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What all POSIX systems offer in the same way.
-// Counts forks, identifies threads, and writes with signals masked. All of that may run in a signal handler.
+// Counts forks, identifies threads, waits, and writes with signals masked. All of that may run in a signal
+// handler.
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <ctime>
@@ -9,6 +11,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include "foundation/system/FileSystem.h"
 #include "foundation/system/Lock.h"
 #include "foundation/system/MaskedWrite.h"
 #include "foundation/system/System.h"
@@ -100,6 +103,68 @@ std::uint64_t forkingThread() noexcept { return __atomic_load_n(&threadThatForke
 std::string kernelRelease() {
     utsname names{};
     return uname(&names) >= 0 ? names.release : std::string();
+}
+
+namespace {
+
+constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t millisecond = 1'000'000;
+
+/// How long ago the time was, in nanoseconds. Times that are far away count as three seconds.
+std::int64_t ageOf(const timespec& time, const timespec& now) noexcept {
+    constexpr std::int64_t farSeconds = 3;
+    if (time.tv_sec < now.tv_sec - farSeconds || time.tv_sec > now.tv_sec + farSeconds) {
+        return time.tv_sec < now.tv_sec ? farSeconds * second : -farSeconds * second;
+    }
+    return (now.tv_sec - time.tv_sec) * second + now.tv_nsec - time.tv_nsec;
+}
+
+/// How long a file system may give all changes the same time, beyond the tick of the clock. It shows in what
+/// the time lacks: some store whole seconds, even only even ones, and some hundredths.
+std::int64_t stepOf(const timespec& time) noexcept {
+    if (time.tv_nsec == 0) {
+        return time.tv_sec % 2 == 0 ? 2 * second : second;
+    }
+    return time.tv_nsec % (10 * millisecond) == 0 ? 10 * millisecond : 0;
+}
+
+} // namespace
+
+// After each signal the rest is slept: a host's timer, such as a profiler's, must not shorten the wait. The
+// rest that the system reports may include its tolerance, so that it would never end.
+void pauseFor(std::int64_t nanoseconds) noexcept {
+    timespec start{};
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &start);
+    std::int64_t left = nanoseconds;
+    do {
+        const timespec rest{0, static_cast<long>(left)};
+        if (::nanosleep(&rest, nullptr) == 0 || errno != EINTR) {
+            return;
+        }
+        ::clock_gettime(CLOCK_MONOTONIC, &now);
+        left = nanoseconds - ageOf(start, now);
+    } while (left > 0);
+}
+
+// Two changes with the same time: the second is invisible to a comparison. After the wait, any change shows.
+bool mightHideChange(const timespec& changed) noexcept {
+    constexpr std::int64_t maxTick = 20 * millisecond;
+    const std::int64_t step = stepOf(changed);
+    for (std::int64_t waited = 0; waited < step + 2 * maxTick;) {
+        const std::int64_t age = ageOf(changed, currentFileTime());
+        if (age > 0 && age >= step) {
+            return false;
+        }
+        // Another machine's clock, or one that was reset: nothing to wait for.
+        if (age < -maxTick) {
+            return true;
+        }
+        const std::int64_t pause = std::clamp<std::int64_t>(step - age, millisecond, 2 * maxTick);
+        pauseFor(pause);
+        waited += pause;
+    }
+    return true;
 }
 
 namespace {

@@ -20,6 +20,7 @@ namespace {
 constexpr ServedTraits shortReads{true, false, false, false, false};
 constexpr ServedTraits poor{false, true, true, true, false};
 constexpr ServedTraits withoutCase{false, false, false, false, true};
+constexpr ServedTraits coarse{.evenSeconds = true};
 
 /// "there" is served from "backing", "here" is what the machine has.
 struct Places {
@@ -111,6 +112,25 @@ void expectRefusals(const Places& places) {
     EXPECT_EQ(Words{}, leftoversBelow(places.folder.path()));
 }
 
+/// Saves each file of the source again once it was copied, with as many bytes.
+class Saver final : public ZQMigrationObserver {
+public:
+    explicit Saver(const Places& places) : places_(places) {}
+
+    bool migrationMayContinue(const ZQMigrationProgress& progress) override {
+        if (!copied_.empty()) {
+            places_.folder.write("there/from/" + copied_, "new");
+        }
+        const std::string name = kit::utf8Of(progress.path.lastPathComponent());
+        copied_ = places_.folder.contents("there/from/" + name) == "old" ? name : "";
+        return true;
+    }
+
+private:
+    const Places& places_;
+    std::string copied_;
+};
+
 } // namespace
 
 TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveAndGetWholeFiles) {
@@ -148,6 +168,33 @@ TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
             EXPECT_EQ(codes.integerForKey("other.log"), 0);
             EXPECT_EQ(places.folder.contents("there/batch/notes.log"), "from " + arrived);
             EXPECT_EQ(places.folder.contents("here/batch/" + refused), "from " + refused);
+        });
+    }
+}
+
+TEST(ServedFileSystems, withoutFractionsOfSecondsKeepWhatIsSavedWithinOne) {
+    for (const bool isBatch : {false, true}) {
+        withServed(coarse, [&](const Places& places) {
+            places.folder.makeFolder("there/from");
+            for (const char* const name : {"1", "2", "3", "4", "5"}) {
+                places.folder.write("there/from/" + std::string(name), "old");
+            }
+            Saver saver(places);
+            if (isBatch) {
+                EXPECT_EQ(ZQFileMigrator::migrateFiles(nullptr, places / "there/from", places / "here/to",
+                                                       {.createDestinationParentFolder = true}, &saver)
+                              .codes.count(),
+                          5U);
+            } else {
+                EXPECT_EQ(
+                    ZQFileMigrator::migrateFolder(places / "there/from", places / "here/to", {}, &saver).code,
+                    15U);
+            }
+            std::size_t newest = 0;
+            for (const char* const name : {"1", "2", "3", "4", "5"}) {
+                newest += places.folder.contents("there/from/" + std::string(name)) == "new" ? 1U : 0U;
+            }
+            EXPECT_EQ(newest, 5U);
         });
     }
 }

@@ -3,7 +3,9 @@
 #include "foundation/process/DefaultsSaving.h"
 
 #include <atomic>
+#include <climits>
 #include <csignal>
+#include <ctime>
 
 #include <dirent.h>
 #include <sys/file.h>
@@ -12,6 +14,7 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
+#include "tests/kit/Interruptions.h"
 #include "tests/kit/Items.h"
 #include "tests/process/DefaultsScene.h"
 
@@ -169,6 +172,21 @@ TEST_F(DefaultsSaving, writesThroughALinkAndKeepsPermissions) {
     EXPECT_EQ(NSDictionary::dictionaryWithContentsOfFile(target),
               (NSDictionary{{"Kept", "x"}, {"Saved", "new"}}));
     EXPECT_EQ(kit::modeOf(target), 0640U);
+}
+
+TEST_F(DefaultsSaving, waitsForALockHoweverManySignalsArrive) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    const int held = ::open((folder / "store").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    const kit::Interruptions interruptions([] {}, LONG_MAX);
+    timespec start{};
+    timespec end{};
+    ::clock_gettime(CLOCK_MONOTONIC, &start);
+    defaults().setObject_forKey("new", "Saved");
+    EXPECT_FALSE(defaults().synchronize());
+    ::clock_gettime(CLOCK_MONOTONIC, &end);
+    EXPECT_GE((end.tv_sec - start.tv_sec) * 1000 + (end.tv_nsec - start.tv_nsec) / 1'000'000, 499);
+    ::close(held);
 }
 
 TEST_F(DefaultsSaving, followsNoLinkThatAnotherUserPlantedInASharedFolder) {

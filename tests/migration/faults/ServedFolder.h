@@ -35,6 +35,8 @@ struct ServedTraits {
     bool noLinks = false;
     bool noLocks = false;
     bool ignoresCase = false; ///< names are kept in lower case
+    bool evenSeconds = false; ///< times have no more than that
+    bool isCached = false;    ///< the kernel keeps names and attributes
 };
 
 /// Answers the kernel's requests, one after another, by the same operations on the files of a folder.
@@ -109,7 +111,15 @@ private:
         return pathOf(node) + "/" + nameOf(name);
     }
 
-    static fuse_attr attributesOf(const struct stat& information) {
+    timespec shown(timespec time) const {
+        return traits_.evenSeconds ? timespec{time.tv_sec - time.tv_sec % 2, 0} : time;
+    }
+
+    fuse_attr attributesOf(const struct stat& found) const {
+        struct stat information = found;
+        information.st_atim = shown(found.st_atim);
+        information.st_mtim = shown(found.st_mtim);
+        information.st_ctim = shown(found.st_ctim);
         fuse_attr attributes{};
         attributes.ino = information.st_ino;
         attributes.size = static_cast<std::uint64_t>(information.st_size);
@@ -128,7 +138,10 @@ private:
         return attributes;
     }
 
-    /// The node at the path, made when it is new. The kernel keeps nothing and asks for everything again.
+    /// How long the kernel may keep what it got, in seconds: else it keeps nothing and asks again.
+    std::uint64_t lifetime() const { return traits_.isCached ? 60 : 0; }
+
+    /// The node at the path, made when it is new.
     bool look(const std::string& path, fuse_entry_out& entry) {
         struct stat information {};
         if (::lstat(path.c_str(), &information) != 0) {
@@ -145,6 +158,8 @@ private:
             numbers_[node] = information.st_ino;
         }
         entry.nodeid = node;
+        entry.entry_valid = lifetime();
+        entry.attr_valid = lifetime();
         entry.attr = attributesOf(information);
         return true;
     }
@@ -290,6 +305,7 @@ private:
         const int result = isOpen ? ::fstat(static_cast<int>(in.fh), &information)
                                   : ::lstat(pathOf(header_.nodeid).c_str(), &information);
         fuse_attr_out out{};
+        out.attr_valid = lifetime();
         out.attr = attributesOf(information);
         return result != 0 ? answer(errno) : answerWith(out);
     }
