@@ -100,6 +100,7 @@ private:
     ZQFileMigrationRetvalType testHarm(bool exists) const;
     bool look();
 
+    bool isSourceThere() const;
     bool removeExisting(const MadeItems* made);
     bool removeExistingFolder(const struct stat& present);
     bool removeExistingFile(const struct stat& present);

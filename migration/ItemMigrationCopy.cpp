@@ -121,6 +121,21 @@ bool ItemMigration::removeExisting(const MadeItems* made) {
     return S_ISDIR(present.st_mode) ? removeExistingFolder(present) : removeExistingFile(present);
 }
 
+/// Whether the source still has its name, and is not the item that was just set aside. A file system that
+/// shows another one's items, with a device number of its own, may still have the name in its cache; but it
+/// cannot open the item by that name any more.
+bool ItemMigration::isSourceThere() const {
+    if (!place_.holds(copied_)) {
+        return false;
+    }
+    if (!S_ISREG(copied_.st_mode) && !S_ISDIR(copied_.st_mode)) {
+        return true;
+    }
+    const Descriptor source(
+        openAt(place_.folder(), place_.name(), S_ISDIR(copied_.st_mode) ? folderFlags : oldFileFlags));
+    return source || (errno != ENOENT && errno != ESTALE);
+}
+
 /// If two migrations have the same source and destination, each takes one item away and then looks for the
 /// other one. So the second never removes the copy of the first while the first removes the source.
 bool ItemMigration::removeExistingFile(const struct stat& present) {
@@ -132,7 +147,7 @@ bool ItemMigration::removeExistingFile(const struct stat& present) {
         }
     }
     SetAside aside(target_);
-    return aside.take(present) && place_.holds(copied_) && aside.removeFile();
+    return aside.take(present) && isSourceThere() && aside.removeFile();
 }
 
 // Checked as a whole before it is set aside: if one item in it cannot be removed, nothing is.
@@ -142,7 +157,7 @@ bool ItemMigration::removeExistingFolder(const struct stat& present) {
         return false;
     }
     SetAside aside(target_);
-    return aside.take(present) && place_.holds(copied_) && aside.giveUp() &&
+    return aside.take(present) && isSourceThere() && aside.giveUp() &&
            TreeRemoval(aside.folder(), aside.name(), aside.name()).run();
 }
 

@@ -21,6 +21,7 @@ constexpr ServedTraits shortReads{true, false, false, false, false};
 constexpr ServedTraits poor{false, true, true, true, false};
 constexpr ServedTraits withoutCase{false, false, false, false, true};
 constexpr ServedTraits coarse{.evenSeconds = true};
+constexpr ServedTraits cached{.isCached = true};
 
 /// "there" is served from "backing", "here" is what the machine has.
 struct Places {
@@ -131,6 +132,21 @@ private:
     std::string copied_;
 };
 
+/// The same items are below "there" and "backing", and the kernel has the names of the former in its cache.
+void expectNotMovedOntoThemselves(const Places& places) {
+    places.folder.writeFiles({"file", "folder/one", "folder/sub/two"}, "backing/");
+    const Digest before = places.folder.digest("backing", Detail::contents);
+    ASSERT_TRUE(places.folder.digest("there", Detail::contents) == before);
+    EXPECT_EQ(migrateFile(places / "there/file", places / "backing/file", overwriting), 34U);
+    EXPECT_EQ(migrateFolder(places / "there/folder", places / "backing/folder", overwriting), 36U);
+    EXPECT_EQ(migrateFolder(places / "there/folder/sub", places / "backing/folder", overwriting), 36U);
+    EXPECT_EQ(migrateFiles(nullptr, places / "there/folder", places / "backing/folder", DotFiles::included,
+                           overwriting)
+                  .condensedDescription(),
+              "{ one = 34; sub/two = 34; }");
+    EXPECT_EQ(shownDigest(places.folder.digest("backing", Detail::contents)), shownDigest(before));
+}
+
 } // namespace
 
 TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveAndGetWholeFiles) {
@@ -197,4 +213,8 @@ TEST(ServedFileSystems, withoutFractionsOfSecondsKeepWhatIsSavedWithinOne) {
             EXPECT_EQ(newest, 5U);
         });
     }
+}
+
+TEST(ServedFileSystems, thatShowTheDestinationUnderAnotherNumberKeepTheOnlyCopy) {
+    withServed(cached, expectNotMovedOntoThemselves);
 }
