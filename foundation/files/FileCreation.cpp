@@ -9,6 +9,7 @@
 #include "foundation/files/PathHandle.h"
 #include "foundation/system/CallerState.h"
 #include "foundation/system/FileSystem.h"
+#include "foundation/system/HeldItem.h"
 #include "foundation/system/System.h"
 #include "foundation/text/Digits.h"
 
@@ -122,8 +123,8 @@ private:
     detail::Descriptor folder_;
 };
 
-/// Gives the new file the permissions of the one that it replaces.
-bool takePermissions(int file, const struct stat& existing) noexcept {
+/// Gives the new file the permissions and the access list of the one that it replaces.
+bool takePermissions(int file, const TargetFolder& folder, const struct stat& existing) noexcept {
     struct stat made;
     if (::fstat(file, &made) != 0) {
         return false;
@@ -133,6 +134,11 @@ bool takePermissions(int file, const struct stat& existing) noexcept {
     mode_t permissions = existing.st_mode & 07777;
     permissions &= made.st_uid == existing.st_uid ? ~mode_t{0} : ~mode_t{S_ISUID};
     permissions &= made.st_gid == existing.st_gid ? ~mode_t{0} : ~mode_t{S_ISGID};
+    // With a list, the group's bits are the most that the list allows anybody, not what the group may.
+    detail::system::HeldItem old;
+    if (!old.hold(folder.descriptor(), folder.name()) || !old.giveAccessList(file)) {
+        permissions &= ~mode_t{S_IRWXG};
+    }
     return ::fchmod(file, permissions) == 0;
 }
 
@@ -161,7 +167,7 @@ bool createFile(const std::string& path, const NSData& contents, const NSDiction
         return false;
     }
     // Copying the old permissions must succeed; applying the requested attributes need not.
-    if (inherits && !takePermissions(file.descriptor(), existing)) {
+    if (inherits && !takePermissions(file.descriptor(), folder, existing)) {
         return false;
     }
     detail::applyAttributes(file.descriptor(), attributes);

@@ -20,6 +20,7 @@
 #include "foundation/process/FileReading.h"
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/FolderNames.h"
+#include "foundation/system/HeldItem.h"
 #include "foundation/system/System.h"
 #include "foundation/system/WholeWrite.h"
 
@@ -210,6 +211,12 @@ bool LockedFile::keepOwnerAndPermissions(int file) const noexcept {
     // A member of several groups may keep the group without being root.
     if (::fchown(file, before_.st_uid, before_.st_gid) != 0 &&
         ::fchown(file, static_cast<uid_t>(-1), before_.st_gid) != 0) {
+        mode &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    // With an access list, the group's bits are the most that the list allows anybody, not what the group
+    // may.
+    system::HeldItem before;
+    if (!before.hold(folder_.number(), place_.name.c_str()) || !before.giveAccessList(file)) {
         mode &= ~static_cast<mode_t>(S_IRWXG);
     }
     return ::fchmod(file, mode) == 0;

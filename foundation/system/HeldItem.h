@@ -10,7 +10,7 @@
 
 namespace ZQFoundation::detail::system {
 
-/// A link, pipe, socket or device itself, held so that its owner, permissions and times can be changed
+/// A link, pipe, socket, device or file itself, held so that its owner, permissions and times can be changed
 /// without opening it, and, if the system can, so that no item that takes its name later is changed instead.
 /// Links are never followed. All operations return false with `errno` on failure.
 class HeldItem {
@@ -30,6 +30,9 @@ public:
     /// As for open files.
     bool takeExtendedAttributes(const HeldItem& source) const noexcept;
     bool removeInheritedAccessList() const noexcept;
+
+    /// Gives its access list to an open file, which loses one that it has inherited.
+    bool giveAccessList(int file) const noexcept;
 
 private:
     int folder_ = -1;

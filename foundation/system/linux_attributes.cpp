@@ -217,6 +217,28 @@ bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
            errno == ENOENT;
 }
 
+bool HeldItem::giveAccessList(int file) const noexcept {
+    try {
+        const UnopenedItem source(descriptor_.number());
+        std::string list;
+        bool isRead = readWhole(
+            list, [&](char* bytes, std::size_t size) { return source.get(accessList, bytes, size); });
+        if (!isRead && errno == ENOENT) { // no process file system
+            const Descriptor opened(openAt(folder_, name_, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+            const OpenItem item(opened.number());
+            isRead = opened && readWhole(list, [&](char* bytes, std::size_t size) {
+                         return item.get(accessList, bytes, size);
+                     });
+        }
+        return isRead
+                   ? OpenItem(file).set(accessList, list)
+                   : (errno == ENODATA || errno == ENOTSUP || errno == ENOSYS) && removeLists(OpenItem(file));
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return false;
+    }
+}
+
 bool HeldItem::removeInheritedAccessList() const noexcept {
     return removeLists(UnopenedItem(descriptor_.number())) || errno == ENOENT;
 }

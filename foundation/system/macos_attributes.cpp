@@ -87,6 +87,11 @@ bool HeldItem::takeExtendedAttributes(const HeldItem& source) const noexcept {
            copyExtendedAttributes(source.descriptor_.number(), descriptor_.number());
 }
 
+bool HeldItem::giveAccessList(int file) const noexcept {
+    const Descriptor source(openAt(folder_, name_, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return source && ::fcopyfile(source.number(), file, nullptr, COPYFILE_ACL) == 0;
+}
+
 bool HeldItem::removeInheritedAccessList() const noexcept {
     return !descriptor_ || system::removeInheritedAccessList(descriptor_.number());
 }

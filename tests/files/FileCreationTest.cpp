@@ -15,7 +15,7 @@
 #include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSArray.h"
 #include "foundation/objects/NSDate.h"
-#include "tests/files/FileScene.h"
+#include "tests/files/CopyScene.h"
 #include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/ScratchFolder.h"
@@ -73,6 +73,28 @@ TEST_F(FileCreation, anExistingFilesModeIsKept) {
         EXPECT_EQ(kit::modeOf(in("f")), mode) << std::oct << mode;
         EXPECT_EQ(::unlink(in("f").c_str()), 0);
     }
+}
+
+TEST_F(FileCreation, theAccessListOfAnExistingFileIsKept) {
+    folder.write("f", "old");
+    if (!scene::setAttribute(in("f"), scene::accessList, scene::listForUser(6))) {
+        GTEST_SKIP() << "this file system stores no access lists";
+    }
+    const mode_t mode = kit::modeOf(in("f"));
+    EXPECT_TRUE(create(in("f"), dataOf("new")));
+    EXPECT_EQ(scene::attribute(in("f"), scene::accessList), scene::listForUser(6));
+    EXPECT_EQ(kit::modeOf(in("f")), mode);
+}
+
+TEST_F(FileCreation, anExistingFileGetsNoAccessListFromItsFolder) {
+    folder.write("f", "old");
+    folder.setMode("f", 0640);
+    if (!scene::setAttribute(folder.path(), scene::listForNewItems, scene::listForUser(6))) {
+        GTEST_SKIP() << "this file system stores no access lists";
+    }
+    EXPECT_TRUE(create(in("f"), dataOf("new")));
+    EXPECT_EQ(scene::attribute(in("f"), scene::accessList), "(none)");
+    EXPECT_EQ(kit::modeOf(in("f")), 0640U);
 }
 
 TEST_F(FileCreation, theRightToRunAsAnOwnerIsNotPassedOnToAnother) {

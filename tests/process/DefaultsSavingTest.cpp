@@ -14,6 +14,7 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
+#include "tests/files/CopyScene.h"
 #include "tests/kit/Interruptions.h"
 #include "tests/kit/Items.h"
 #include "tests/process/DefaultsScene.h"
@@ -172,6 +173,17 @@ TEST_F(DefaultsSaving, writesThroughALinkAndKeepsPermissions) {
     EXPECT_EQ(NSDictionary::dictionaryWithContentsOfFile(target),
               (NSDictionary{{"Kept", "x"}, {"Saved", "new"}}));
     EXPECT_EQ(kit::modeOf(target), 0640U);
+}
+
+TEST_F(DefaultsSaving, keepsTheAccessListSoThatTheGroupGainsNothing) {
+    folder.write("store/Viewer.plist", "{ Kept = x; }");
+    if (!scene::setAttribute(file(), scene::accessList, scene::listForUser(6))) {
+        GTEST_SKIP() << "this file system stores no access lists";
+    }
+    defaults().setObject_forKey("new", "Saved");
+    EXPECT_TRUE(defaults().synchronize());
+    EXPECT_EQ(scene::attribute(file(), scene::accessList), scene::listForUser(6));
+    EXPECT_EQ(saved(), (NSDictionary{{"Kept", "x"}, {"Saved", "new"}}));
 }
 
 TEST_F(DefaultsSaving, waitsForALockHoweverManySignalsArrive) {
