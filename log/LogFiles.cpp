@@ -65,15 +65,36 @@ NSDictionary attributesOfFileIn(const NSString& folder) {
     return isShared ? NSDictionary{{NSFilePosixPermissions, 0600}} : NSDictionary();
 }
 
+bool isLink(const NSString& path) {
+    const detail::CallerState caller;
+    struct stat information;
+    return detail::getItemInformation(path, information) && S_ISLNK(information.st_mode);
+}
+
+/// A dangling link is replaced. A file that is there after all is left as it is: another process may just
+/// have begun it, or the look that did not find it has failed.
+bool createEmptyFile(const NSString& path) {
+    if (isLink(path)) {
+        return NSFileManager::defaultManager().createFileAtPath_contents_attributes(
+            path, nullptr, attributesOfFileIn(path.stringByDeletingLastPathComponent()));
+    }
+    const detail::CallerState caller;
+    std::string bytes;
+    return path.getFileSystemBytes(bytes) && detail::Descriptor(detail::openForAppendingGuarded(bytes));
+}
+
+bool createFolders(const NSString& path) {
+    return NSFileManager::defaultManager().createDirectoryAtPath_withIntermediateDirectories_attributes_error(
+        path, true, nullptr);
+}
+
 /// Creates the empty file before the redirection, which reports nothing: here a failure has a message and a
 /// result.
 bool createFile(const NSString& path, bool createFolder) {
     // A path that is still relative begins with a tilde that is nobody's home folder.
     const bool created = path.hasPrefix("/") &&
-                         NSFileManager::defaultManager()
-                             .createFileAtPath_contents_fileAttributes_directoryAttributes_deepCreate(
-                                 path, nullptr, attributesOfFileIn(path.stringByDeletingLastPathComponent()),
-                                 nullptr, createFolder);
+                         (!createFolder || createFolders(path.stringByDeletingLastPathComponent())) &&
+                         createEmptyFile(path);
     if (!created) {
         complain("Cannot create log file at %@", path);
     }

@@ -114,6 +114,35 @@ TEST(HostileLogFiles, ofAHomeThatMayNotBeReadAreInTmp) {
     });
 }
 
+TEST(HostileLogFiles, ofProcessesThatBeginThemAtOnceHaveTheLinesOfAll) {
+    constexpr int processes = 6;
+    const kit::ScratchFolder folder;
+    for (int round = 0; round < 60; ++round) {
+        const std::string path = folder / std::to_string(round);
+        int gate[2];
+        ASSERT_EQ(::pipe(gate), 0);
+        std::vector<pid_t> children;
+        for (int number = 0; number < processes; ++number) {
+            children.push_back(::fork());
+            if (children.back() == 0) {
+                char byte;
+                ::alarm(60);
+                ::close(gate[1]);
+                static_cast<void>(::read(gate[0], &byte, 1)); // all go on when it is closed
+                const bool isSet = ZQLog::setLogFilePath_createFolder(path, false);
+                writeLine();
+                kit::leave(isSet ? 0 : 1);
+            }
+        }
+        ::close(gate[0]);
+        ::close(gate[1]);
+        for (const pid_t child : children) {
+            EXPECT_EQ(kit::endOf(child), 0);
+        }
+        ASSERT_EQ(logscene::textsOf(path), logscene::Texts(processes, "a line")) << round;
+    }
+}
+
 TEST(HostileLogFiles, onAFullDiskLoseLinesAndNothingElse) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can mount a small file system";
