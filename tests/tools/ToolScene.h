@@ -29,6 +29,9 @@ struct Program {
     int file = -1; ///< the open program, which a child that has given its privileges up can still start
 };
 
+/// The exit status of a child that could not be prepared.
+inline constexpr int notPrepared = 125;
+
 inline const Program& defaultsProgram() {
     static const Program program{"defaults", ZQ_DEFAULTS_TOOL};
     return program;
@@ -158,7 +161,7 @@ public:
             const int input = ::open((reports_ / "input").c_str(), O_RDONLY | O_CLOEXEC);
             if (::chdir(path_.c_str()) != 0 || ::dup2(input, STDIN_FILENO) < 0 ||
                 ::dup2(output, STDOUT_FILENO) < 0 || ::dup2(errors, STDERR_FILENO) < 0 || !prepare()) {
-                ::_exit(125);
+                ::_exit(notPrepared);
             }
             become(program_, words);
         }

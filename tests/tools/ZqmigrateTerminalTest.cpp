@@ -9,12 +9,15 @@
 
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
+#include "tests/kit/Mounts.h"
 #include "tests/tools/ToolScene.h"
 
 using namespace ZQFoundation;
 using kit::endOf;
 using scene::contains;
 using scene::MigrateTool;
+using scene::notPrepared;
+using scene::Outcome;
 using scene::Terminal;
 using scene::Words;
 
@@ -430,6 +433,26 @@ TEST(ZqmigrateTerminal, keepsItsLinesOutOfFilesWhateverIsClosed) {
         EXPECT_EQ(tool.folder().digest("b"), before);
         EXPECT_EQ(linesIn(tool.report("output")), (closed & 2) != 0 ? 0 : fileCount);
         EXPECT_EQ(seen.empty(), (closed & 4) != 0);
+    }
+}
+
+TEST(ZqmigrateTerminal, needsNoNullDeviceWhileNothingIsClosed) {
+    for (const bool isClosed : {false, true}) {
+        const MigrateTool tool;
+        tool.file("a");
+        tool.folder().makeFolder("devices");
+        const Outcome outcome = tool.runPrepared({"file", "a", "b"}, [&] {
+            return kit::hasOwnMounts() && kit::bindMount(tool / "devices", "/dev") &&
+                   (!isClosed || ::close(STDIN_FILENO) == 0);
+        });
+        if (outcome.status == notPrepared) {
+            GTEST_SKIP() << "this machine allows no mounts of one's own";
+        }
+        EXPECT_EQ(outcome.status, isClosed ? 1 : 0);
+        EXPECT_EQ(outcome.errors, isClosed ? "zqmigrate: a standard stream is closed, and /dev/null cannot "
+                                             "take its place\n"
+                                           : "zqmigrate: 1 file moved\n");
+        EXPECT_EQ(tool.folder().contents(isClosed ? "a" : "b"), "x");
     }
 }
 

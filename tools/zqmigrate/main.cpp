@@ -49,14 +49,15 @@ constexpr const char help[] =
 std::string onLine(const std::string& message) { return shown(pathOf(message)); }
 
 /// If the standard streams were closed when the program was started, the next files to be opened would get
-/// their numbers, and the program's own lines would go there. Writing to such a stream remains an error. The
-/// last descriptor, beyond the three, is closed again.
+/// their numbers, and the program's own lines would go there. Writing to such a stream remains an error.
 bool fillStandardDescriptors() {
-    int filler = 0;
-    do {
-        filler = ::open("/dev/null", O_RDONLY);
-    } while (filler >= 0 && filler <= STDERR_FILENO);
-    return ::close(filler) == 0;
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        // A new descriptor gets the lowest free number.
+        if (::fcntl(stream, F_GETFD) < 0 && ::open("/dev/null", O_RDONLY) != stream) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /// Help that cannot be written is a failure, since a script may redirect it.
@@ -104,6 +105,8 @@ int run(const Words& words) {
 int main(int count, char** arguments) {
     using namespace ZQFoundation::tools;
     if (!zqmigrate::fillStandardDescriptors()) {
+        zqmigrate::writeAll(STDERR_FILENO,
+                            "zqmigrate: a standard stream is closed, and /dev/null cannot take its place\n");
         return failed;
     }
     ignoreSignals({SIGPIPE, SIGXFSZ});
