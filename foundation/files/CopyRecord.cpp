@@ -43,7 +43,7 @@ bool isUnchanged(const struct stat& before, const struct stat& now, bool alsoCha
                             before.st_gid == now.st_gid && isSameTime(changeTime(before), changeTime(now))));
 }
 
-CopyRecord::CopyRecord() noexcept : key_(system::freshRandomNumber()) {}
+CopyRecord::CopyRecord() : key_(system::freshRandomNumber()) {}
 
 CopyRecord::Mark CopyRecord::markOf(const struct stat& folder, const char* name,
                                     const struct stat& item) const noexcept {

@@ -20,7 +20,7 @@ bool isUnchanged(const struct stat& before, const struct stat& now, bool alsoCha
 /// was never copied.
 class CopyRecord {
 public:
-    CopyRecord() noexcept;
+    CopyRecord();
 
     /// `item` is the item's state before it was read. The item's folder is identified by its own information.
     void add(const struct stat& folder, const char* name, const struct stat& item);
