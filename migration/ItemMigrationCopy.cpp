@@ -23,8 +23,10 @@ constexpr int maxNames = 16;
 constexpr int oldFileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr int newFileFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
 
+/// Never with the number of a standard stream that the host has closed: what is written to the stream would
+/// go into the copy.
 Descriptor duplicateOf(const Descriptor& descriptor) noexcept {
-    return Descriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, 0));
+    return Descriptor(::fcntl(descriptor.number(), F_DUPFD_CLOEXEC, system::firstFreeDescriptor));
 }
 
 /// If the host has closed its standard streams, a new file would get the number of one, and what the host

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "log/ZQLog.h"
 #include "tests/kit/Mounts.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/Leftovers.h"
@@ -132,6 +133,14 @@ private:
     std::string copied_;
 };
 
+class Logger final : public ZQMigrationObserver {
+public:
+    bool migrationMayContinue(const ZQMigrationProgress&) override {
+        ZQLog::log("a line");
+        return true;
+    }
+};
+
 /// The same items are below "there" and "backing", and the kernel has the names of the former in its cache.
 void expectNotMovedOntoThemselves(const Places& places) {
     places.folder.writeFiles({"file", "folder/one", "folder/sub/two"}, "backing/");
@@ -213,6 +222,27 @@ TEST(ServedFileSystems, withoutFractionsOfSecondsKeepWhatIsSavedWithinOne) {
             EXPECT_EQ(newest, 5U);
         });
     }
+}
+
+TEST(ServedFileSystems, getNoLinesInCopiesWhileStandardErrorIsClosed) {
+    withServed(poor, [](const Places& places) {
+        const std::string contents = Places::bytes(20000);
+        places.folder.write("here/file", contents);
+        places.folder.write("here/folder/file", contents);
+        const int errors = ::dup(STDERR_FILENO);
+        ::close(STDERR_FILENO);
+        Logger logger;
+        const ZQMigrationResult file =
+            ZQFileMigrator::migrateFile(places / "here/file", places / "there/file", {}, &logger);
+        const ZQMigrationResult folder =
+            ZQFileMigrator::migrateFolder(places / "here/folder", places / "there/folder", {}, &logger);
+        ::dup2(errors, STDERR_FILENO);
+        ::close(errors);
+        EXPECT_EQ(file.code, 0U);
+        EXPECT_EQ(folder.code, 0U);
+        EXPECT_TRUE(places.folder.contents("there/file") == contents);
+        EXPECT_TRUE(places.folder.contents("there/folder/file") == contents);
+    });
 }
 
 TEST(ServedFileSystems, thatShowTheDestinationUnderAnotherNumberKeepTheOnlyCopy) {
