@@ -137,6 +137,9 @@ void BatchMigration::migrateItem() {
     }
     if (code == kFileMigrationSuccess && !options_.policy.keepOriginal) {
         migration->closeSource();
+        if (window_.empty()) {
+            keepDescriptors(migration->target().folder());
+        }
         windowBytes_ += static_cast<std::uint64_t>(migration->copiedItem().st_size);
         window_.push_back({path, std::move(migration)});
         if (isWindowFull()) {
@@ -189,9 +192,19 @@ bool BatchMigration::isWindowFull() const noexcept {
     return window_.size() >= maxWindowFiles || windowBytes_ >= maxWindowBytes || folders > maxWindowFolders;
 }
 
+/// A window that ends because there are no descriptors left needs some to be flushed and to remove sources.
+void BatchMigration::keepDescriptors(int open) noexcept {
+    for (Descriptor& each : kept_) {
+        each = Descriptor(::fcntl(open, F_DUPFD_CLOEXEC, system::firstFreeDescriptor));
+    }
+}
+
 // First all file systems are flushed, then the first source is removed. In the other order a loss of power
 // could take both: the source, already removed, and the copy, not yet on the disk.
 void BatchMigration::finishWindow() {
+    for (Descriptor& each : kept_) {
+        each.reset();
+    }
     std::vector<std::pair<dev_t, bool>> flushed;
     for (const Pending& each : window_) {
         if (each.migration) {

@@ -71,6 +71,7 @@ private:
     ZQFileMigrationRetvalType copyItem(std::unique_ptr<ItemMigration>& migration);
     bool isSourcePending(const struct stat& item) const noexcept;
     bool isWindowFull() const noexcept;
+    void keepDescriptors(int open) noexcept;
     void finishWindow();
     bool isFlushed(const ItemMigration& migration, std::vector<std::pair<dev_t, bool>>& flushed) const;
 
@@ -81,6 +82,7 @@ private:
     std::optional<MigratedFiles> files_;
     std::vector<Level> levels_;
     std::vector<Pending> window_;
+    Descriptor kept_[3]; ///< for what finishes the window
     std::uint64_t windowBytes_ = 0;
     MadeItems made_;
 };

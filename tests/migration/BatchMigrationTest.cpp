@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The migration of all files of one extension.
+#include <algorithm>
 #include <cerrno>
 #include <map>
 #include <string>
@@ -314,6 +315,19 @@ TEST_F(BatchMigration, ofHundredsKeepsAllThatItHasBrought) {
     for (const std::string& name : names) {
         expectOneOfTwo(codes, "one" + name, "two" + name, "one" + name);
     }
+}
+
+TEST_F(BatchMigration, needsFewDescriptors) {
+    constexpr std::size_t folders = 40;
+    for (std::size_t number = 0; number < folders; ++number) {
+        folder.write("from/" + std::to_string(number) + "/file", "x");
+    }
+    EXPECT_TRUE(kit::isTrueWithDescriptors(24, [&] {
+        const Codes codes = migrated(nullptr);
+        return codes.size() == folders && std::all_of(codes.begin(), codes.end(), [](const auto& each) {
+                   return each.second == kFileMigrationSuccess;
+               });
+    }));
 }
 
 TEST_F(BatchMigration, replacesTwoNamesOfOneOlderFile) {
