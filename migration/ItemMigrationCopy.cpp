@@ -148,6 +148,7 @@ bool ItemMigration::removeExistingFile(const struct stat& present) {
             return false;
         }
     }
+    const LockRelease release(file.number());
     SetAside aside(target_);
     return aside.take(present) && isSourceThere() && aside.removeFile();
 }
@@ -155,6 +156,7 @@ bool ItemMigration::removeExistingFile(const struct stat& present) {
 // Checked as a whole before it is set aside: if one item in it cannot be removed, nothing is.
 bool ItemMigration::removeExistingFolder(const struct stat& present) {
     const Descriptor folder(openAt(target_.folder(), target_.name(), folderFlags));
+    const LockRelease release(folder.number());
     if (!folder || !lockForWork(folder.number()) || !isTreeRemovable(folder, nullptr)) {
         return false;
     }
@@ -217,6 +219,7 @@ bool ItemMigration::copyHidden(int source, const CopyOptions& options) {
     Descriptor made = hidden.begin(
         [&](const char* name) { return Descriptor(openAt(target_.folder(), name, newFileFlags, 0600)); });
     const Descriptor lock = made ? duplicateOf(made) : Descriptor();
+    const LockRelease release(lock.number());
     return made && fillCopy(source, copied_, made.number(), true, options.observer) &&
            (!options.isFlushed || system::flushItem(made.number())) && ::fstat(made.number(), &made_) == 0 &&
            closeWell(made) && hidden.takeName();
@@ -254,6 +257,7 @@ bool ItemMigration::copyTree(const CopyOptions& options) {
         makeCopyFolder({place_.folder(), place_.name(), target_.folder(), name, true}, folder);
         return folder;
     });
+    const LockRelease release(made.number());
     // The duplicate keeps the lock, and the means to flush the copy, until both descriptors are closed.
     return made && fillTree(duplicateOf(opened_), duplicateOf(made), options) &&
            (!options.isFlushed || system::flushFileSystem(made.number())) &&

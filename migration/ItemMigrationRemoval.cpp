@@ -26,6 +26,7 @@ ZQFileMigrationRetvalType ItemMigration::removeSource() {
 /// After the rename to its hidden name nobody finds the tree by its old name. A process that still uses one
 /// of its folders loses nothing that was not copied: such items are kept, under a visible name.
 bool ItemMigration::removeTree() {
+    const LockRelease release(opened_.number());
     struct stat now;
     if (::fstat(opened_.number(), &now) != 0 || !isUnchanged(copied_, now, true) ||
         !lockForWork(opened_.number())) {
@@ -56,6 +57,7 @@ bool ItemMigration::removeFile() {
     if (!opened_) {
         return false;
     }
+    const LockRelease release(opened_.number());
     const system::WritersHeldOff writers(opened_.number());
     if (!writers.areThereNone() || ::fstat(opened_.number(), &now) != 0 || !isUnchanged(copied_, now, true) ||
         !lockForWork(opened_.number())) {

@@ -118,6 +118,7 @@ void recoverItem(int folder, const char* name, const HiddenName& hidden) {
     if (!leftover.take(hidden.kind == HiddenKind::aside)) {
         return;
     }
+    const LockRelease release(leftover.number());
     switch (hidden.kind) {
     case HiddenKind::aside:
         showItem(folder, name, folder, hidden.original);
@@ -171,6 +172,12 @@ void noteRecovered(int folder) noexcept {
 // on. If the file system has no locks, the work continues unprotected.
 bool lockForWork(int item) noexcept {
     return ::flock(item, LOCK_SH | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+}
+
+LockRelease::~LockRelease() {
+    const int error = errno;
+    ::flock(item_, LOCK_UN);
+    errno = error;
 }
 
 void removeCopy(int folder, const char* name) noexcept {

@@ -22,6 +22,19 @@ void noteRecovered(int folder) noexcept;
 /// works on it; true if the file system has no locks.
 bool lockForWork(int item) noexcept;
 
+/// Releases the lock of an open item at the end of a scope. Closing it would not do: a child that was forked
+/// meanwhile has it open, too.
+class LockRelease {
+public:
+    explicit LockRelease(int item) noexcept : item_(item) {}
+    LockRelease(const LockRelease&) = delete;
+    LockRelease& operator=(const LockRelease&) = delete;
+    ~LockRelease();
+
+private:
+    int item_;
+};
+
 /// Removes a copy that has not got its name, whatever its permissions.
 void removeCopy(int folder, const char* name) noexcept;
 

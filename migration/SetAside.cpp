@@ -37,6 +37,9 @@ SetAside::~SetAside() {
     if (state_ == State::aside) {
         putBack();
     }
+    if (long_) { // a child that was forked meanwhile has it open, too
+        ::flock(long_.number(), LOCK_UN);
+    }
 }
 
 // The rename takes whatever has the name at that moment, so the item is compared before it and once more

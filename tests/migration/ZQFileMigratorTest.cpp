@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Migrations by options, observed and stopped.
+#include <csignal>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/wait.h>
 
+#include "foundation/system/Descriptor.h"
+#include "tests/kit/Child.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/ScratchFolder.h"
 #include "tests/kit/Values.h"
@@ -123,6 +128,42 @@ TEST_F(FileMigrator, stopsABatchBetweenFiles) {
     EXPECT_EQ(contents("from").size() - 1 + result.codes.count(), 4U);
     EXPECT_EQ(contents("to").size(), result.codes.count() + 1);
     EXPECT_TRUE(kit::exists(folder / "from/c"));
+}
+
+TEST_F(FileMigrator, leavesNoLockToAChildThatIsForkedMeanwhile) {
+    class Forker : public ZQMigrationObserver {
+    public:
+        ~Forker() {
+            ::kill(child_, SIGKILL);
+            ::waitpid(child_, nullptr, 0);
+        }
+        bool migrationMayContinue(const ZQMigrationProgress& progress) override {
+            if (progress.items == 2 && child_ == 0) {
+                child_ = ::fork();
+                if (child_ == 0) {
+                    ::alarm(60);
+                    ::pause();
+                    kit::leave(0);
+                }
+            }
+            return true;
+        }
+
+    private:
+        pid_t child_ = 0;
+    };
+    for (const bool isKept : {false, true}) {
+        const std::string source = folder / (isKept ? "kept" : "moved");
+        const std::string destination = folder / (isKept ? "copy" : "to");
+        folder.writeFiles({"one", "two"}, isKept ? "kept/" : "moved/");
+        const detail::Descriptor writer(::open((source + "/one").c_str(), (isKept ? O_WRONLY : O_RDONLY)));
+        Forker forker;
+        EXPECT_EQ(ZQFileMigrator::migrateFolder(source, destination, {}, &forker).code, isKept ? 15U : 0U);
+        for (const std::string& each : {isKept ? source : destination, destination}) {
+            const detail::Descriptor opened(::open(each.c_str(), O_RDONLY | O_DIRECTORY));
+            EXPECT_EQ(::flock(opened.number(), LOCK_EX | LOCK_NB), 0) << each;
+        }
+    }
 }
 
 TEST_F(FileMigrator, passesOnAnExceptionOfTheObserverAndLosesNothing) {
