@@ -21,6 +21,7 @@
 #include "foundation/system/FileSystem.h"
 #include "foundation/system/FolderNames.h"
 #include "foundation/system/HeldItem.h"
+#include "foundation/system/OpenFolders.h"
 #include "foundation/system/System.h"
 #include "foundation/system/WholeWrite.h"
 
@@ -31,6 +32,9 @@ namespace {
 /// Followed by a number; only a writer that was killed leaves such a file.
 /// In the folder of the file, because renaming works only within a file system.
 constexpr const char* temporaryStart = ".defaults.new-";
+
+/// Somebody who keeps replacing the folder must not keep us busy forever.
+constexpr int maxAttempts = 4;
 
 /// Never removed once made: removing it might remove the one that another writer has just locked.
 constexpr const char* lockName = ".defaults.lock";
@@ -95,17 +99,29 @@ bool makeFolder(const std::string& path, NSString* error) {
 
 } // namespace
 
+LockedFile::~LockedFile() { closeFolder(); }
+
 /// A child that was forked meanwhile also has the open folder, and would keep the lock.
 /// Closing alone would not do: the lock belongs to the open folder, which the child shares.
-LockedFile::~LockedFile() {
+void LockedFile::closeFolder() noexcept {
     if (isFolderLocked_) {
         ::flock(folder_.number(), LOCK_UN);
     }
+    isFolderLocked_ = false;
+    lockFile_.reset();
+    folder_.reset();
 }
 
 bool LockedFile::open(const std::string& path, Folder folder, const LockWaiting& waiting, NSString* error) {
     path_ = path;
-    if (!openFolder(folder, error) || !lockFolder(waiting, error) || !look(error)) {
+    int attempts = 0;
+    do {
+        closeFolder();
+        if (!openFolder(folder, error) || !lockFolder(waiting, error)) {
+            return false;
+        }
+    } while (!isFolderInPlace() && ++attempts < maxAttempts);
+    if (!look(error)) {
         return false;
     }
     // Only after the file was found to be one that may be changed.
@@ -126,6 +142,15 @@ bool LockedFile::openFolder(Folder folder, NSString* error) {
         folder_ = Descriptor(openAt(place_.folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
     return folder_ ? true : refuseWith(error, path_, errno);
+}
+
+/// Whoever had the lock may have moved or replaced the folder: a file in it would not be found at the path.
+bool LockedFile::isFolderInPlace() const {
+    GuardedPlace now;
+    struct stat locked;
+    struct stat present;
+    return reachGuarded(path_, now) && now.name == place_.name && ::fstat(folder_.number(), &locked) == 0 &&
+           ::fstat(now.folder.number(), &present) == 0 && isSameItem(locked, present);
 }
 
 /// The folder persists when files are replaced, so the lock is on the folder. Network file systems lock only

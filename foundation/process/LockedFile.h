@@ -47,6 +47,8 @@ public:
 
 private:
     bool openFolder(Folder folder, NSString* error);
+    bool isFolderInPlace() const;
+    void closeFolder() noexcept;
     bool lockFolder(const LockWaiting& waiting, NSString* error);
     bool lockFileInFolder(const LockWaiting& waiting, NSString* error);
     bool look(NSString* error);

@@ -14,6 +14,7 @@
 #include "foundation/objects/NSData.h"
 #include "foundation/objects/NSDate.h"
 #include "foundation/objects/NSNumber.h"
+#include "foundation/process/LockedFile.h"
 #include "tests/files/CopyScene.h"
 #include "tests/kit/Interruptions.h"
 #include "tests/kit/Items.h"
@@ -230,6 +231,38 @@ TEST_F(DefaultsSaving, failsWhereItMayNotWriteAndWithoutAFolder) {
 }
 
 #if __has_include(<linux/seccomp.h>)
+TEST_F(DefaultsSaving, writesIntoTheFolderThatHasThePathOnceTheLockIsFree) {
+    for (const bool isReplaced : {true, false}) {
+        folder.makeFolder("store");
+        static int held;
+        static std::string place;
+        static bool replaces;
+        held = ::open((folder / "store").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        place = folder / "store";
+        replaces = isReplaced;
+        ASSERT_EQ(::flock(held, LOCK_EX), 0);
+        EXPECT_EQ(kit::inChild([this] {
+                      EXPECT_TRUE(kit::refuseCall(SYS_clock_nanosleep, 0) &&
+                                  kit::refuseCall(SYS_nanosleep, 0));
+                      const auto replace = [](const std::string&) { // while it waits
+                          EXPECT_EQ(::rename(place.c_str(), (place + ".moved").c_str()), 0);
+                          EXPECT_TRUE(!replaces || ::mkdir(place.c_str(), 0700) == 0);
+                          ::flock(held, LOCK_UN);
+                      };
+                      detail::LockedFile locked;
+                      EXPECT_TRUE(
+                          locked.open(file(), detail::LockedFile::Folder::make, {10'000, replace}, nullptr));
+                      EXPECT_TRUE(locked.replace(NSDictionary{{"Saved", "new"}}, nullptr));
+                  }),
+                  0);
+        EXPECT_EQ(saved(), (NSDictionary{{"Saved", "new"}}));
+        EXPECT_FALSE(kit::exists(folder / "store.moved/Viewer.plist"));
+        ::close(held);
+        kit::removeTree(folder / "store");
+        kit::removeTree(folder / "store.moved");
+    }
+}
+
 TEST_F(DefaultsSaving, givesUpOnALockThatIsNotReleased) {
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     const int held = ::open((folder / "store").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
