@@ -90,6 +90,46 @@ Duration durationOf(double ticks) {
     return ticks > 0 ? Duration::max() : ticks < 0 ? Duration::min() : Duration::zero();
 }
 
+/// Whether a duration counts whole parts of a second. Its seconds and the rest are converted apart: a count
+/// of nanoseconds, and the seconds since 1970, have more digits than a double.
+template <class Duration>
+constexpr bool countsPartsOfSeconds() noexcept {
+    using Rep = typename Duration::rep;
+    return std::is_integral_v<Rep> && std::is_signed_v<Rep> && Duration::period::num == 1;
+}
+
+/// The date that is closest to the time since 1970.
+template <class Duration>
+NSDate closestDate(const Duration& since1970) {
+    if constexpr (countsPartsOfSeconds<Duration>()) {
+        constexpr std::intmax_t perSecond = Duration::period::den;
+        const std::intmax_t count = since1970.count();
+        return NSDate::dateWithTimeIntervalSinceReferenceDate(
+            static_cast<double>(count / perSecond) - NSDate::timeIntervalBetween1970AndReferenceDate +
+            static_cast<double>(count % perSecond) / static_cast<double>(perSecond));
+    } else {
+        return NSDate::dateWithTimeIntervalSince1970(std::chrono::duration<double>(since1970).count());
+    }
+}
+
+/// The units of the duration from 1970 to the date, as `ticksOf` rounds them. Whether the date was made from
+/// the seconds since 1970 or since 2001 is unknown; the less precise of the two counts.
+template <class Duration>
+double ticksSince1970(const NSDate& date) {
+    constexpr double between = NSDate::timeIntervalBetween1970AndReferenceDate;
+    const double since1970 = date.timeIntervalSince1970();
+    if constexpr (countsPartsOfSeconds<Duration>()) {
+        const double seconds = date.timeIntervalSinceReferenceDate();
+        const double whole = std::floor(seconds);
+        if (date && std::isfinite(whole)) {
+            const double size = std::max({std::fabs(since1970), std::fabs(seconds), between});
+            return (whole + between) * static_cast<double>(Duration::period::den) +
+                   ticksOf<Duration>(seconds - whole, size);
+        }
+    }
+    return ticksOf<Duration>(since1970, between);
+}
+
 } // namespace ZQFoundation::detail
 
 namespace ZQFoundation {
@@ -129,27 +169,19 @@ struct ObjectConversion<std::filesystem::path> {
     }
 };
 
-/// A time of the system's clock is a date. Back: rounded toward the past to the clock's precision, except
-/// that differences below the precision of dates (about a quarter of a microsecond) are ignored. A date
-/// outside the clock's range becomes its first or last time; anything but a date becomes 1970.
+/// A time of the system's clock is the closest date. Back: rounded toward the past to the clock's precision,
+/// except that differences below the precision of dates (about a quarter of a microsecond) are ignored. A
+/// date outside the clock's range becomes its first or last time; anything but a date becomes 1970.
 template <class Duration>
 struct ObjectConversion<std::chrono::time_point<std::chrono::system_clock, Duration>> {
     using Time = std::chrono::time_point<std::chrono::system_clock, Duration>;
-    static NSDate object(const Time& time) {
-        return NSDate::dateWithTimeIntervalSince1970(
-            std::chrono::duration<double>(time.time_since_epoch()).count());
-    }
+    static NSDate object(const Time& time) { return detail::closestDate(time.time_since_epoch()); }
     static Time fromObject(const NSObject& object) {
-        return Time(detail::durationOf<Duration>(ticksOf(object)));
+        return Time(detail::durationOf<Duration>(detail::ticksSince1970<Duration>(NSDate(object))));
     }
     static bool isHeld(const NSObject& object) {
-        return NSDate(object) && detail::holdsTicks<Duration>(ticksOf(object));
-    }
-
-private:
-    static double ticksOf(const NSObject& object) {
-        return detail::ticksOf<Duration>(object.as<NSDate>().timeIntervalSince1970(),
-                                         NSDate::timeIntervalBetween1970AndReferenceDate);
+        return NSDate(object) &&
+               detail::holdsTicks<Duration>(detail::ticksSince1970<Duration>(NSDate(object)));
     }
 };
 

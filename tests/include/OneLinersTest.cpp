@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <list>
 #include <map>
@@ -17,6 +18,10 @@
 #include <unordered_map>
 #include <unordered_set>
 #include <variant>
+
+#include <sys/stat.h>
+
+#include "tests/kit/ScratchFolder.h"
 
 using namespace ZQFoundation;
 using namespace std::chrono_literals;
@@ -137,6 +142,7 @@ TEST(OneLiners, numbersAreComparedAndComeBack) {
 TEST(OneLiners, timesAndDurationsComeBackAsTheyWere) {
     using Micro = std::chrono::sys_time<std::chrono::microseconds>;
     using Milli = std::chrono::sys_time<std::chrono::milliseconds>;
+    using Nano = std::chrono::sys_time<std::chrono::nanoseconds>;
     std::mt19937_64 random(1);
     for (std::int64_t i = 0; i < 100'000; ++i) {
         ASSERT_EQ(NSObject(i * 1ms).as<std::chrono::milliseconds>(), i * 1ms);
@@ -144,10 +150,32 @@ TEST(OneLiners, timesAndDurationsComeBackAsTheyWere) {
         const auto since1970 = static_cast<std::int64_t>(random() % 4'000'000'000'000'000U) -
                                2'000'000'000'000'000; // 1906 to 2033
         const Micro micro(since1970 * 1us);
+        // A clock that counts nanoseconds passes the same instant.
+        ASSERT_EQ(NSDate(Nano(micro)), NSDate(micro)) << since1970;
+        ASSERT_EQ(NSDate(Nano(micro)).as<Micro>(), micro);
         ASSERT_EQ(NSDate(micro).as<Micro>(), micro);
         const Milli milli(since1970 / 1000 * 1ms);
         ASSERT_EQ(NSDate(milli).as<Milli>(), milli);
+        const auto seconds = std::chrono::duration<double>(milli.time_since_epoch());
+        ASSERT_EQ(NSDate::dateWithTimeIntervalSince1970(seconds.count()).as<Milli>(), milli);
         ASSERT_EQ(NSDate(micro).as<std::chrono::sys_days>(), std::chrono::floor<std::chrono::days>(micro));
+    }
+}
+
+/// A cutoff made of a file's time must not be later than the date that the file itself has.
+TEST(OneLiners, timesOfFilesAreTheirDates) {
+    const kit::ScratchFolder folder;
+    const std::string path = folder / "file";
+    std::ofstream(path).put('x');
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 100; ++i) {
+        const auto second = static_cast<time_t>(random() % 2'000'000'000U);
+        const auto nanosecond = static_cast<long>(random() % 1'000'000'000U);
+        const timespec both[] = {{second, nanosecond}, {second, nanosecond}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), both, 0), 0);
+        const NSDictionary attributes = NSFileManager::defaultManager().attributesOfItemAtPath_error(path);
+        const std::chrono::sys_time<std::chrono::nanoseconds> time(second * 1s + nanosecond * 1ns);
+        EXPECT_EQ(NSDate(time), attributes[NSFileModificationDate]) << second << ' ' << nanosecond;
     }
 }
 
