@@ -173,11 +173,13 @@ struct ObjectConversion<QVariant> {
         case QMetaType::LongLong:
         case QMetaType::Long:
         case QMetaType::Short:
+        case QMetaType::SChar:
             return static_cast<std::int64_t>(variant.toLongLong());
         case QMetaType::UInt:
         case QMetaType::ULongLong:
         case QMetaType::ULong:
         case QMetaType::UShort:
+        case QMetaType::UChar:
             return static_cast<std::uint64_t>(variant.toULongLong());
         case QMetaType::Float:
             return variant.toFloat();

@@ -86,6 +86,8 @@ TEST(Qt, variantsWithListsAndMapsOfOneType) {
 
 TEST(Qt, variantsKeepWhatANumberIs) {
     EXPECT_EQ(described(QVariant(qulonglong(UINT64_MAX))), "18446744073709551615");
+    EXPECT_EQ(NSObject(QVariant::fromValue(quint8{200})), 200); // a number, although Qt has a letter for it
+    EXPECT_EQ(NSObject(QVariant::fromValue(qint8{-5})), -5);
     EXPECT_EQ(NSObject(UINT64_MAX).as<QVariant>().toULongLong(), UINT64_MAX);
     EXPECT_EQ(NSObject(true).as<QVariant>().typeId(), int(QMetaType::Bool));
     EXPECT_EQ(NSObject(-5).as<QVariant>().toLongLong(), -5);
