@@ -96,10 +96,12 @@ struct ObjectConversion<QDateTime> {
     }
 };
 
-/// Encoded; nil for anything but a URI reference.
+/// Encoded; nil for an empty or invalid one, and for anything but a URI reference.
 template <>
 struct ObjectConversion<QUrl> {
-    static NSURL object(const QUrl& url) { return NSURL::URLWithString(url.toEncoded()); }
+    static NSURL object(const QUrl& url) {
+        return url.isValid() ? NSURL::URLWithString(url.toEncoded()) : NSURL();
+    }
     static QUrl fromObject(const NSObject& object) {
         return QUrl::fromEncoded(QByteArray::fromStdString(object.as<NSURL>().absoluteString().utf8()));
     }

@@ -55,6 +55,10 @@ TEST(Qt, urlsAndBytesBothWays) {
     const QUrl url("http://a/\u00fc?x=1#y");
     EXPECT_EQ(NSURL(url).absoluteString(), "http://a/%C3%BC?x=1#y");
     EXPECT_EQ(NSURL(url).as<QUrl>(), url);
+    EXPECT_EQ(NSURL(QUrl("a/b?c")).absoluteString(), "a/b?c");
+    EXPECT_FALSE(NSURL(QUrl("http://[a"))); // invalid
+    EXPECT_FALSE(NSURL(QUrl()));
+    EXPECT_FALSE(NSURL().as<QUrl>().isValid());
     const QByteArray bytes("a\0\xff", 3);
     EXPECT_EQ(dataOf(bytes).length(), 3U);
     EXPECT_EQ(dataOf(bytes).as<QByteArray>(), bytes);
