@@ -15,6 +15,7 @@
 #include "foundation/text/Base64Codec.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/kit/Texts.h"
 #include "tests/models/Base64.h"
 
 using namespace ZQFoundation;
@@ -28,18 +29,18 @@ namespace {
 std::string decodedBy(const base64::Codec& codec, std::string_view text, std::uint64_t& reported) {
     const std::size_t capacity = (text.size() + 3) / 4 * 3;
     const std::unique_ptr<std::uint8_t[]> room(new std::uint8_t[capacity]);
-    const std::unique_ptr<std::uint8_t[]> input(new std::uint8_t[text.size()]);
-    std::copy(text.begin(), text.end(), input.get());
-    reported = base64::decode(codec, input.get(), text.size(), room.get());
+    const kit::Exact<char> input(text);
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(input.data());
+    reported = base64::decode(codec, bytes, input.size(), room.get());
     return std::string(reinterpret_cast<char*>(room.get()), reported <= capacity ? reported : 0);
 }
 
 std::string encodedBy(const base64::Codec& codec, std::string_view bytes, bool separateLines,
                       std::size_t expectedSize) {
     const std::unique_ptr<char[]> room(new char[expectedSize]);
-    const std::unique_ptr<std::uint8_t[]> input(new std::uint8_t[bytes.size()]);
-    std::copy(bytes.begin(), bytes.end(), input.get());
-    const char* const end = base64::encode(codec, input.get(), bytes.size(), separateLines, room.get());
+    const kit::Exact<char> copy(bytes);
+    const auto* const input = reinterpret_cast<const std::uint8_t*>(copy.data());
+    const char* const end = base64::encode(codec, input, copy.size(), separateLines, room.get());
     return std::string(room.get(), static_cast<std::size_t>(end - room.get()));
 }
 

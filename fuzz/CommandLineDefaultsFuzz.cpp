@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // User defaults from a command line: the input holds the arguments, each after a zero byte.
 #include "foundation/process/CommandLineDefaults.h"
+#include "fuzz/InputReader.h"
 #include "fuzz/PlainOldStyleReader.h"
 #include "fuzz/PropertyLists.h"
 
@@ -60,11 +61,9 @@ NSDictionary plainDefaults(const std::vector<std::string>& arguments) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<std::string> arguments{"program"};
-    std::string_view rest(reinterpret_cast<const char*>(data), size);
-    while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find('\0'), rest.size());
-        arguments.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+    fuzzing::InputReader input(data, size);
+    while (!input.rest().empty()) {
+        arguments.emplace_back(input.piece('\0'));
     }
     const NSDictionary defaults = detail::defaultsFromArguments(arguments);
     fuzzing::require(fuzzing::isSame(defaults, plainDefaults(arguments), fuzzing::Kept::everything),

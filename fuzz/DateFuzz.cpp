@@ -40,8 +40,7 @@ struct PlainTime {
         date = models::civilDate(days);
     }
 
-    /// The Thursday of the week, which is in the year to which the week belongs.
-    CivilDate thursday() const { return models::civilDate(days + 3 - (date.weekday + 6) % 7); }
+    std::int64_t yearOfEra() const { return date.year > 0 ? date.year : 1 - date.year; }
 };
 
 std::string digits(std::int64_t number, std::size_t count) {
@@ -88,8 +87,7 @@ std::string dateField(char letter, std::size_t count, const PlainTime& time) {
     constexpr std::string_view months =
         "January February March April May June July August September October November December";
     constexpr std::string_view weekdays = "Sunday Monday Tuesday Wednesday Thursday Friday Saturday";
-    const std::int64_t year =
-        letter == 'y' ? (time.date.year > 0 ? time.date.year : 1 - time.date.year) : time.thursday().year;
+    const std::int64_t year = letter == 'Y' ? models::decisiveDay(time.days, true).year : time.yearOfEra();
     switch (letter) {
     case 'y':
     case 'Y':
@@ -274,7 +272,7 @@ void checkFields(const NSDate& date, int offset, bool isIso) {
     const double whole = std::floor(sinceReference);
     const PlainTime time(static_cast<std::int64_t>(whole) + 978307200, offset);
     require(found.era == (time.date.year > 0 ? 1 : 0), "era");
-    require(found.year == (time.date.year > 0 ? time.date.year : 1 - time.date.year), "year");
+    require(found.year == time.yearOfEra(), "year");
     require(found.month == time.date.month && found.day == time.date.day, "month and day");
     require(found.hour == time.secondOfDay / 3600 && found.minute == time.secondOfDay / 60 % 60 &&
                 found.second == time.secondOfDay % 60,
@@ -283,8 +281,7 @@ void checkFields(const NSDate& date, int offset, bool isIso) {
             "nanosecond");
     require(found.weekday == time.date.weekday + 1, "weekday");
     require(found.quarter == (time.date.month - 1) / 3 + 1, "quarter");
-    // The day that decides about a week is its Thursday or, where 1 January begins one, its Saturday.
-    const CivilDate decisive = isIso ? time.thursday() : models::civilDate(time.days + 6 - time.date.weekday);
+    const CivilDate decisive = models::decisiveDay(time.days, isIso);
     require(found.weekOfYear == (decisive.dayOfYear - 1) / 7 + 1, "week");
     require(found.yearForWeekOfYear == decisive.year, "year of a week");
 }

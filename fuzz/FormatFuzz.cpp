@@ -10,6 +10,7 @@
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 #include "fuzz/PlainFormat.h"
+#include "tests/kit/Texts.h"
 
 using namespace ZQFoundation;
 using fuzzing::PlainArgument;
@@ -129,17 +130,6 @@ Argument argumentOf(PlainArgument& value, bool isCString) {
     return isCString ? Argument(static_cast<const char*>(nullptr)) : Argument(StringView());
 }
 
-std::string shown(const std::u16string& units) {
-    std::string text;
-    for (const char16_t unit : units) {
-        char buffer[8];
-        std::snprintf(buffer, sizeof buffer, unit > 0x1F && unit < 0x7F ? "%c" : "<%04X>",
-                      static_cast<unsigned>(unit));
-        text += buffer;
-    }
-    return text;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -165,7 +155,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const NSString found =
         form % 2 == 0 ? detail::formatted(text, list, locale) : detail::formatted(units, list, locale);
     if (!found.isEqualToString(expected)) {
-        fuzzing::requireEqual(shown(found.utf16()), shown(expected), "a format is carried out as documented");
+        fuzzing::requireEqual(kit::shownUnits(found.utf16()), kit::shownUnits(expected),
+                              "a format is carried out as documented");
     }
     return 0;
 }

@@ -6,9 +6,9 @@
 #include <bit>
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "fuzz/SameValue.h"
+#include "tests/kit/BinaryFiles.h"
 
 namespace ZQFoundation::fuzzing {
 
@@ -18,66 +18,46 @@ class PlainBinaryWriter {
 public:
     /// `parts` is how many values and keys there are, each counted wherever it occurs.
     std::string write(const NSObject& value, std::size_t parts) {
-        referenceSize_ = parts < 0x10000 ? 2 : 4;
-        objects_.reserve(parts);
+        file_.offsetSize = 4;
+        file_.referenceSize = parts < 0x10000 ? 2 : 4;
+        file_.objects.reserve(parts);
         add(value);
-        std::string file = "bplist00";
-        std::string table;
-        for (const std::string& object : objects_) {
-            table += bigEndian(file.size(), 4);
-            file += object;
-        }
-        const std::size_t tableStart = file.size();
-        file += table + std::string(6, '\0') + static_cast<char>(4) + static_cast<char>(referenceSize_);
-        file += bigEndian(objects_.size(), 8) + bigEndian(0, 8) + bigEndian(tableStart, 8);
-        return file;
+        return file_.bytes();
     }
 
 private:
     using Kind = ZQFoundation::detail::Kind;
     using Access = ZQFoundation::detail::Access;
 
-    static std::string bigEndian(std::uint64_t number, unsigned size) {
-        std::string bytes;
-        for (unsigned index = size; index > 0; --index) {
-            bytes += index > 8 ? '\0' : static_cast<char>(number >> (8 * (index - 1)));
-        }
-        return bytes;
-    }
-
-    static std::string marked(unsigned marker, const std::string& content) {
-        return static_cast<char>(marker) + content;
-    }
-
     /// Marker and count; from 15 on the count is an integer of its own.
     static std::string counted(unsigned kind, std::size_t count) {
         if (count < 15) {
             return std::string(1, static_cast<char>(kind << 4 | count));
         }
-        return marked(kind << 4 | 15, marked(0x12, bigEndian(count, 4)));
+        return kit::object(kind << 4 | 15, kit::object(0x12, kit::bigEndian(count, 4)));
     }
 
     std::size_t add(const NSObject& value) {
-        const std::size_t index = objects_.size();
-        objects_.emplace_back();
+        const std::size_t index = file_.objects.size();
+        file_.objects.emplace_back();
         std::string object;
         if (const NSArray array(value); array) {
             object = counted(0xA, array.count());
             for (const NSObject& element : array) {
-                object += bigEndian(add(element), referenceSize_);
+                object += kit::bigEndian(add(element), file_.referenceSize);
             }
         } else if (const NSDictionary dictionary(value); dictionary) {
             std::string values;
             object = counted(0xD, dictionary.count());
             for (const NSDictionaryEntry& entry : dictionary) {
-                object += bigEndian(add(entry.key), referenceSize_);
-                values += bigEndian(add(entry.value), referenceSize_);
+                object += kit::bigEndian(add(entry.key), file_.referenceSize);
+                values += kit::bigEndian(add(entry.value), file_.referenceSize);
             }
             object += values;
         } else {
             object = scalar(value);
         }
-        objects_[index] = std::move(object);
+        file_.objects[index] = std::move(object);
         return index;
     }
 
@@ -85,20 +65,20 @@ private:
         const auto integer = static_cast<std::uint64_t>(Access::integer(value));
         switch (Access::kind(value)) {
         case Kind::boolean:
-            return marked(integer != 0 ? 0x09 : 0x08, "");
+            return kit::object(integer != 0 ? 0x09 : 0x08);
         case Kind::signedInteger:
             return smallestInteger(integer);
         case Kind::unsignedInteger:
-            return marked(0x14, bigEndian(integer, 16));
+            return kit::object(0x14, kit::bigEndian(integer, 16));
         case Kind::real:
-            return marked(0x23, bigEndian(std::bit_cast<std::uint64_t>(Access::real(value)), 8));
+            return kit::object(0x23, kit::bigEndian(std::bit_cast<std::uint64_t>(Access::real(value)), 8));
         case Kind::singleReal: {
             const auto single = static_cast<float>(Access::real(value));
-            return marked(0x22, bigEndian(std::bit_cast<std::uint32_t>(single), 4));
+            return kit::object(0x22, kit::bigEndian(std::bit_cast<std::uint32_t>(single), 4));
         }
         case Kind::date: {
             const double seconds = NSDate(value).timeIntervalSinceReferenceDate();
-            return marked(0x33, bigEndian(std::bit_cast<std::uint64_t>(seconds), 8));
+            return kit::object(0x33, kit::bigEndian(std::bit_cast<std::uint64_t>(seconds), 8));
         }
         case Kind::string:
             return string(NSString(value).utf16());
@@ -108,7 +88,7 @@ private:
             return bytes.append(reinterpret_cast<const char*>(data.bytes()), data.length());
         }
         default:
-            return marked(0x00, "");
+            return kit::object(0x00);
         }
     }
 
@@ -117,7 +97,7 @@ private:
         while (power < 3 && number >> (8 << power) != 0) {
             ++power;
         }
-        return marked(0x10 | power, bigEndian(number, 1U << power));
+        return kit::object(0x10 | power, kit::bigEndian(number, 1U << power));
     }
 
     static std::string string(const std::u16string& units) {
@@ -127,13 +107,12 @@ private:
         }
         std::string bytes = counted(isAscii ? 0x5 : 0x6, units.size());
         for (const char16_t unit : units) {
-            bytes += bigEndian(unit, isAscii ? 1 : 2);
+            bytes += kit::bigEndian(unit, isAscii ? 1 : 2);
         }
         return bytes;
     }
 
-    unsigned referenceSize_ = 2;
-    std::vector<std::string> objects_;
+    kit::BinaryFile file_;
 };
 
 } // namespace ZQFoundation::fuzzing

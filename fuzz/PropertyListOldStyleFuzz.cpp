@@ -6,18 +6,6 @@
 
 using namespace ZQFoundation;
 
-namespace {
-
-std::u16string unitsOf(const uint8_t* data, size_t size) {
-    std::u16string units;
-    for (size_t index = 0; index + 1 < size; index += 2) {
-        units += static_cast<char16_t>(data[index] | data[index + 1] << 8);
-    }
-    return units;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto readForm = [](const auto* text, size_t count, detail::PropertyListError& error) {
         return detail::readOldStyle(text, count, error);
@@ -29,10 +17,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         text.units = std::move(*units);
         value = fuzzing::readBothForms(readForm, readForm, text);
     } else {
-        text.units = unitsOf(data, size);
-        const auto exact = fuzzing::exactCopy(std::u16string_view(text.units));
+        text.units = *models::unitsOfWide({text.utf8.data(), size / 2 * 2}, 2, true);
+        const kit::Exact<char16_t> exact{std::u16string_view(text.units)};
         detail::PropertyListError error;
-        value = detail::readOldStyle(exact.get(), text.units.size(), error);
+        value = detail::readOldStyle(exact.data(), exact.size(), error);
     }
     const NSObject plain = fuzzing::PlainOldStyleReader(text.units).read();
     fuzzing::require(fuzzing::isSame(value, plain, fuzzing::Kept::everything),

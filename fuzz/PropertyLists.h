@@ -3,7 +3,6 @@
 #ifndef ZQFOUNDATION_FUZZ_PROPERTYLISTS_H
 #define ZQFOUNDATION_FUZZ_PROPERTYLISTS_H
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,6 +16,7 @@
 #include "fuzz/Fuzzing.h"
 #include "fuzz/PlainBinaryWriter.h"
 #include "fuzz/SameValue.h"
+#include "tests/kit/Texts.h"
 #include "tests/models/Utf.h"
 
 namespace ZQFoundation::fuzzing {
@@ -121,14 +121,6 @@ inline void requireSameShared(const NSObject& found, const NSObject& expected, c
     }
 }
 
-/// A copy that ends where its block ends, so that a read beyond the end is seen.
-template <class Unit>
-std::unique_ptr<Unit[]> exactCopy(std::basic_string_view<Unit> text) {
-    std::unique_ptr<Unit[]> copy(new Unit[text.size()]);
-    text.copy(copy.get(), text.size());
-    return copy;
-}
-
 /// A text in both of the forms that the readers take.
 struct BothForms {
     std::string utf8;
@@ -139,12 +131,12 @@ struct BothForms {
 /// not valid.
 template <class ByteReader, class UnitReader>
 NSObject readBothForms(ByteReader readBytes, UnitReader readUnits, const BothForms& text) {
-    const auto bytes = exactCopy(std::string_view(text.utf8));
-    const auto units = exactCopy(std::u16string_view(text.units));
+    const kit::Exact<char> bytes{std::string_view(text.utf8)};
+    const kit::Exact<char16_t> units{std::u16string_view(text.units)};
     PropertyListError byteError;
     PropertyListError unitError;
-    NSObject fromBytes = readBytes(bytes.get(), text.utf8.size(), byteError);
-    const NSObject fromUnits = readUnits(units.get(), text.units.size(), unitError);
+    NSObject fromBytes = readBytes(bytes.data(), bytes.size(), byteError);
+    const NSObject fromUnits = readUnits(units.data(), units.size(), unitError);
     require(isSame(fromBytes, fromUnits, Kept::everything), "UTF-8 and UTF-16 spell the same value");
     require(static_cast<bool>(fromBytes) == (byteError.message == nullptr), "failure has a reason");
     require(byteError.message == unitError.message, "UTF-8 and UTF-16 fail for the same reason");

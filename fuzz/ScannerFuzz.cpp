@@ -13,6 +13,8 @@
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 #include "tests/kit/Texts.h"
+#include "tests/models/StringSearch.h"
+#include "tests/models/Strings.h"
 
 using namespace ZQFoundation;
 using fuzzing::require;
@@ -189,9 +191,8 @@ private:
     bool isMember(char16_t unit) const { return members_.characterIsMember(unit); }
 
     bool isSkipped(char16_t unit) const {
-        constexpr std::u16string_view lineBreaks = u"\n\v\f\r\u0085\u2028\u2029";
         return skipping_ == 1   ? isMember(unit)
-               : skipping_ == 0 ? (isBlankForNumbers(unit) || lineBreaks.find(unit) != lineBreaks.npos)
+               : skipping_ == 0 ? (isBlankForNumbers(unit) || models::isNewline(unit))
                                 : false;
     }
 
@@ -238,42 +239,9 @@ private:
         requireTaken(isTaken, end, output);
     }
 
-    static char16_t lowered(char16_t unit) {
-        return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-    }
-
-    bool isAscii() const {
-        const auto ascii = [](char16_t unit) {
-            return unit < 0x80;
-        };
-        return std::all_of(text_.begin(), text_.end(), ascii) &&
-               std::all_of(target_.begin(), target_.end(), ascii);
-    }
-
-    /// Only where no unit combines with another one.
-    std::size_t slowPlace() const {
-        for (std::size_t at = start_; !target_.empty() && at + target_.size() <= text_.size(); ++at) {
-            std::size_t same = 0;
-            while (same < target_.size() &&
-                   (text_[at + same] == target_[same] ||
-                    (!scanner_.caseSensitive() && lowered(text_[at + same]) == lowered(target_[same])))) {
-                ++same;
-            }
-            if (same == target_.size()) {
-                return at;
-            }
-        }
-        return NSNotFound;
-    }
-
     NSRange place() const {
-        if (isAscii()) {
-            const std::size_t at = slowPlace();
-            return {at, at == NSNotFound ? 0 : target_.size()};
-        }
-        const unsigned options = scanner_.caseSensitive() ? 0U : unsigned{NSCaseInsensitiveSearch};
-        return scanner_.string().rangeOfString_options_range(target_, options,
-                                                             NSMakeRange(start_, text_.size() - start_));
+        return models::placeOf(text_, start_, target_,
+                               scanner_.caseSensitive() ? 0U : unsigned{NSCaseInsensitiveSearch});
     }
 
     void textRightHere() {

@@ -16,6 +16,7 @@
 #include "tests/kit/Texts.h"
 #include "tests/models/StringSearch.h"
 #include "tests/models/Strings.h"
+#include "tests/models/Utf.h"
 
 using namespace ZQFoundation;
 using fuzzing::require;
@@ -85,11 +86,7 @@ void checkCase(const Units& units) {
             char32_t parts[3];
             const unsigned count = map(character, parts);
             for (unsigned i = 0; i < count; ++i) {
-                const char32_t part = parts[i];
-                if (part > 0xFFFF) {
-                    result += static_cast<char16_t>(0xD800 + (part - 0x10000) / 0x400);
-                }
-                result += static_cast<char16_t>(part > 0xFFFF ? 0xDC00 + part % 0x400 : part);
+                models::appendUtf16(result, parts[i]);
             }
         }
         return result;
@@ -99,10 +96,7 @@ void checkCase(const Units& units) {
 }
 
 void requirePieces(const NSArray& found, const Pieces& expected, const char* what) {
-    require(found.count() == expected.size(), what);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        require(NSString(found.objectAtIndex(i)).utf16() == expected[i], what);
-    }
+    require(kit::textsOf(found) == expected, what);
 }
 
 void checkSplitting(const Units& units, const Units& separator) {
@@ -124,13 +118,10 @@ void checkSet(const Units& units, const Units& members, const Units& replacement
         return set.characterIsMember(unit);
     };
 
-    std::size_t front = 0;
-    while (front < units.size() && isMember(units[front])) {
-        ++front;
-    }
+    const auto front = std::find_if_not(units.begin(), units.end(), isMember);
     const Units left = models::leftTrimmed(units, set);
     require(text.stringByTrimmingCharactersInSet(set).utf16() ==
-                models::rightTrimmed(units.substr(front), set),
+                models::rightTrimmed(Units(front, units.end()), set),
             "trimmed");
     require(text.trimLeftCharactersOfCharacterSet(set).utf16() == left, "trimmed at the front");
     require(text.trimRightCharactersOfCharacterSet(set).utf16() == models::rightTrimmed(units, set),

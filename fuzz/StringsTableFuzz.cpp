@@ -12,25 +12,10 @@ namespace {
 
 using Text = std::optional<std::u16string>;
 
-/// The units that the bytes make, `size` bytes each; nothing when they do not divide evenly or are
-/// ill-formed.
+/// Nothing for an ill-formed text, too.
 Text widened(std::string_view bytes, unsigned size, bool isLittle) {
-    std::u16string units;
-    for (std::size_t at = 0; at < bytes.size(); at += size) {
-        if (bytes.size() - at < size) {
-            return std::nullopt;
-        }
-        char32_t number = 0;
-        for (unsigned index = 0; index < size; ++index) {
-            number |= static_cast<char32_t>(static_cast<unsigned char>(bytes[at + index]))
-                      << 8 * (isLittle ? index : size - 1 - index);
-        }
-        if (number > 0x10FFFF || (size == 4 && number >= 0xD800 && number <= 0xDFFF)) {
-            return std::nullopt;
-        }
-        models::appendUtf16(units, number);
-    }
-    return models::wellFormedUtf8(units) ? Text(std::move(units)) : std::nullopt;
+    Text units = models::unitsOfWide(bytes, size, isLittle);
+    return units && models::wellFormedUtf8(*units) ? units : std::nullopt;
 }
 
 /// An encoding that an XML declaration names is left to the library; the harness for XML checks it.
@@ -85,8 +70,8 @@ NSDictionary plainTable(std::string_view bytes) {
     if (!text) {
         return nullptr;
     }
-    const auto exact = fuzzing::exactCopy(std::u16string_view(*text));
-    if (const NSObject value = detail::readXml(exact.get(), text->size(), error)) {
+    const kit::Exact<char16_t> exact{std::u16string_view(*text)};
+    if (const NSObject value = detail::readXml(exact.data(), exact.size(), error)) {
         return NSDictionary(value);
     }
     return NSDictionary(fuzzing::PlainOldStyleReader(*text).read());

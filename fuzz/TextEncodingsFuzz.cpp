@@ -17,6 +17,7 @@
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 #include "tests/models/Utf.h"
 
 using namespace ZQFoundation;
@@ -32,8 +33,7 @@ using Units = std::optional<std::u16string>;
 using Bytes = std::optional<std::string>;
 
 NSString decodedBy(std::uint32_t number, std::string_view bytes) {
-    return NSString::initWithData_encoding(NSData::dataWithBytes_length(bytes.data(), bytes.size()),
-                                           static_cast<NSStringEncoding>(number));
+    return NSString::initWithData_encoding(kit::dataOf(bytes), static_cast<NSStringEncoding>(number));
 }
 
 /// A conversion of the C library, opened once.
@@ -121,47 +121,14 @@ const std::vector<Subject>& subjects() {
     return all;
 }
 
-/// Numbers of `width` bytes, after a mark or without one; nothing when bytes are left over.
-std::optional<std::vector<char32_t>> plainNumbers(std::string_view bytes, std::size_t width,
-                                                  EncodingOrder order) {
-    if (bytes.size() % width != 0) {
-        return std::nullopt;
-    }
-    const auto numberAt = [&](std::size_t at, bool isLittle) {
-        char32_t number = 0;
-        for (std::size_t i = 0; i < width; ++i) {
-            number = number << 8 | static_cast<unsigned char>(bytes[at + (isLittle ? width - 1 - i : i)]);
-        }
-        return number;
-    };
-    bool isLittle = order == EncodingOrder::little;
-    std::size_t at = 0;
-    if (!bytes.empty() && order != EncodingOrder::big && numberAt(0, true) == 0xFEFF) {
-        isLittle = true;
-        at = width;
-    } else if (!bytes.empty() && order != EncodingOrder::little && numberAt(0, false) == 0xFEFF) {
-        at = width;
-    }
-    std::vector<char32_t> numbers;
-    for (; at < bytes.size(); at += width) {
-        numbers.push_back(numberAt(at, isLittle));
-    }
-    return numbers;
-}
-
+/// After a mark or without one.
 Units plainWide(std::string_view bytes, std::size_t width, EncodingOrder order) {
-    const auto numbers = plainNumbers(bytes, width, order);
-    if (!numbers) {
-        return std::nullopt;
-    }
-    std::u16string units;
-    for (const char32_t number : *numbers) {
-        if (width == 4 && (number > 0x10FFFF || (number >= 0xD800 && number < 0xE000))) {
-            return std::nullopt;
-        }
-        models::appendUtf16(units, number);
-    }
-    return units;
+    const std::string_view little("\xFF\xFE\0\0", width);
+    const std::string_view big = std::string_view("\0\0\xFE\xFF", 4).substr(4 - width);
+    const bool hasLittleMark = order != EncodingOrder::big && bytes.starts_with(little);
+    const bool hasBigMark = order != EncodingOrder::little && bytes.starts_with(big);
+    bytes.remove_prefix(hasLittleMark || hasBigMark ? width : 0);
+    return models::unitsOfWide(bytes, width, hasLittleMark || order == EncodingOrder::little);
 }
 
 Units plainBytes(const Subject& subject, std::string_view bytes) {
@@ -277,9 +244,7 @@ void checkEncoding(const Subject& subject, const std::u16string& units) {
                                                                                          : 0;
     require(length + mark == data.length(), "length in an encoding");
     if (subject.encoding->form == EncodingForm::escapedAscii) {
-        require(std::string_view(reinterpret_cast<const char*>(data.bytes()), data.length()) ==
-                    plainEscapes(units),
-                "escaped text");
+        require(kit::bytesOf(data) == plainEscapes(units), "escaped text");
     }
     const NSString again = NSString::initWithData_encoding(data, number);
     const bool losesMark = mark == 0 && startsWithMark(subject, units);

@@ -12,6 +12,7 @@
 #include "foundation/time/ZoneRules.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/InputReader.h"
+#include "tests/kit/BinaryFiles.h"
 #include "tests/models/Calendar.h"
 
 using namespace ZQFoundation;
@@ -379,48 +380,29 @@ void checkNotation(std::string_view text) {
     }
 }
 
-void appendNumber(std::string& bytes, std::uint64_t value, unsigned size) {
-    for (unsigned i = size; i-- > 0;) {
-        bytes += static_cast<char>(value >> (8 * i) & 0xFFU);
-    }
-}
-
-std::string zoneFile(fuzzing::InputReader input) {
-    const std::string footer(input.piece('\n'));
+kit::ZoneData zoneFrom(fuzzing::InputReader input) {
+    kit::ZoneData zone;
+    zone.footer = input.piece('\n');
     const unsigned shape = input.byte();
     const unsigned changes = shape & 7U;
     const unsigned clocks = 1 + (shape >> 3U & 3U);
-    const bool isWide = (shape & 32U) != 0;
-    const std::string names("LMT\0CET\0CEST\0+0530\0", 19);
-    const auto appendHeader = [&](std::string& bytes, bool isFilled) {
-        bytes.append(isWide ? "TZif2" : "TZif", isWide ? 5 : 4);
-        bytes.append(isWide ? 15 : 16, '\0');
-        for (const std::uint64_t count :
-             {std::uint64_t{0}, std::uint64_t{0}, std::uint64_t{0}, std::uint64_t{changes},
-              std::uint64_t{clocks}, std::uint64_t{names.size()}}) {
-            appendNumber(bytes, isFilled ? count : 0, 4);
-        }
-    };
-    std::string bytes;
-    if (isWide) {
-        appendHeader(bytes, false);
-    }
-    appendHeader(bytes, true);
+    zone.version = (shape & 32U) != 0 ? '2' : '\0';
     std::int64_t time = input.number<std::int32_t>() * std::int64_t{8};
     for (unsigned i = 0; i < changes; ++i) {
-        appendNumber(bytes, static_cast<std::uint64_t>(time), isWide ? 8 : 4);
+        zone.changes.push_back(time);
         time += input.number<std::uint16_t>() * std::int64_t{3600};
     }
     for (unsigned i = 0; i < changes; ++i) {
-        bytes += static_cast<char>(input.byte() % (clocks + ((shape & 64U) != 0 ? 1U : 0U)));
+        const unsigned index = input.byte() % (clocks + ((shape & 64U) != 0 ? 1U : 0U));
+        zone.indexes.push_back(static_cast<unsigned char>(index));
     }
     for (unsigned i = 0; i < clocks; ++i) {
-        appendNumber(bytes, static_cast<std::uint32_t>(input.number<std::int16_t>() * 3), 4);
-        bytes += static_cast<char>(input.byte() & 1U);
-        bytes += static_cast<char>(input.byte() % 20);
+        const int offset = input.number<std::int16_t>() * 3;
+        const bool isDaylightSaving = (input.byte() & 1U) != 0;
+        zone.clocks.push_back({offset, isDaylightSaving, static_cast<unsigned char>(input.byte() % 20)});
     }
-    bytes += names;
-    return isWide ? bytes.append("\n").append(footer).append("\n") : bytes;
+    zone.names = std::string("LMT\0CET\0CEST\0+0530\0", 19);
+    return zone;
 }
 
 } // namespace
@@ -436,10 +418,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 1:
         checkNotation(input.rest());
         break;
-    default: {
-        const std::string bytes = zoneFile(input);
-        checkZoneData(bytes, input.rest());
-    }
+    default:
+        checkZoneData(zoneFrom(input).bytes(), input.rest());
     }
     return 0;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Zone data put together by hand, the zones of the machine, and the C library's clocks.
+// The zones of the machine, and the C library's clocks.
 #ifndef ZQFOUNDATION_TESTS_KIT_ZONES_H
 #define ZQFOUNDATION_TESTS_KIT_ZONES_H
 
@@ -15,82 +15,11 @@
 #include <unistd.h>
 
 #include "foundation/time/ZoneAccess.h"
+#include "tests/kit/BinaryFiles.h"
 #include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"
 
 namespace ZQFoundation::kit {
-
-/// Zone data, put together by hand.
-struct ZoneData {
-    struct Clock {
-        std::int32_t offset;
-        bool isDaylightSaving;
-        unsigned char nameStart;
-    };
-
-    char version = '2';
-    std::vector<std::int64_t> changes;
-    std::vector<unsigned char> indexes;
-    std::vector<Clock> clocks;
-    std::string names; ///< NULs included
-    std::string footer;
-    unsigned leapSeconds = 0;
-    unsigned flags = 0; ///< number of each kind of flags
-
-    std::string header(char version, bool empty) const;
-    std::string block(int timeSize) const;
-    std::string bytes() const;
-};
-
-inline void appendBigEndian(std::string& out, std::uint64_t value, int size) {
-    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8) {
-        out.push_back(static_cast<char>(value >> shift & 0xff));
-    }
-}
-
-inline std::string ZoneData::header(char headerVersion, bool empty) const {
-    std::string out = "TZif";
-    out.push_back(headerVersion);
-    out.append(15, '\0');
-    for (const std::size_t count : {std::size_t{flags}, std::size_t{flags}, std::size_t{leapSeconds},
-                                    changes.size(), clocks.size(), names.size()}) {
-        appendBigEndian(out, empty ? 0 : count, 4);
-    }
-    return out;
-}
-
-inline std::string ZoneData::block(int timeSize) const {
-    std::string out;
-    for (const std::int64_t change : changes) {
-        appendBigEndian(out, static_cast<std::uint64_t>(change), timeSize);
-    }
-    out.append(indexes.begin(), indexes.end());
-    for (const Clock& clock : clocks) {
-        appendBigEndian(out, static_cast<std::uint32_t>(clock.offset), 4);
-        out.push_back(clock.isDaylightSaving ? '\1' : '\0');
-        out.push_back(static_cast<char>(clock.nameStart));
-    }
-    out += names;
-    out.append(leapSeconds * static_cast<unsigned>(timeSize + 4) + 2 * flags, '\0');
-    return out;
-}
-
-inline std::string ZoneData::bytes() const {
-    if (version == '\0') {
-        return header(version, false) + block(4);
-    }
-    return header(version, true) + header(version, false) + block(8) + "\n" + footer + "\n";
-}
-
-/// A zone with changes at 1000 and 2000 seconds and no rule.
-inline ZoneData simpleZone() {
-    ZoneData data;
-    data.changes = {1000, 2000};
-    data.indexes = {1, 2};
-    data.clocks = {{-100, false, 0}, {3600, false, 4}, {7200, true, 8}};
-    data.names = std::string("OLD\0STD\0DST\0", 12);
-    return data;
-}
 
 inline constexpr const char* zoneFolder = "/usr/share/zoneinfo";
 

@@ -67,6 +67,13 @@ constexpr CivilDate civilDate(Wide days) {
     return date;
 }
 
+/// The day that decides in which year the week of a day is, and which week of it: of weeks from Monday the
+/// Thursday, of those from Sunday, the first of which has 1 January, the Saturday.
+constexpr CivilDate decisiveDay(Wide days, bool isIso) {
+    const int weekday = civilDate(days).weekday;
+    return civilDate(days + (isIso ? 3 - (weekday + 6) % 7 : 6 - weekday));
+}
+
 /// Fields as an operation takes them, in their range or not.
 struct Fields {
     std::int64_t year = 1;

@@ -60,6 +60,23 @@ inline std::optional<std::u16string> wellFormedUtf16(std::string_view text) {
     return units;
 }
 
+/// The units of characters that are numbers of two or four bytes; nothing for a number of four bytes that is
+/// no character, or when bytes are left over.
+inline std::optional<std::u16string> unitsOfWide(std::string_view bytes, std::size_t width, bool isLittle) {
+    std::u16string units;
+    for (; bytes.size() >= width; bytes.remove_prefix(width)) {
+        char32_t number = 0;
+        for (std::size_t i = 0; i < width; ++i) {
+            number = number << 8 | static_cast<unsigned char>(bytes[isLittle ? width - 1 - i : i]);
+        }
+        if (number > 0x10FFFF || (width == 4 && number >= 0xD800 && number <= 0xDFFF)) {
+            return std::nullopt;
+        }
+        appendUtf16(units, number);
+    }
+    return bytes.empty() ? std::optional(units) : std::nullopt;
+}
+
 /// The bytes of well-formed UTF-16; nothing when a surrogate has no partner.
 inline std::optional<std::string> wellFormedUtf8(std::u16string_view units) {
     std::string text;

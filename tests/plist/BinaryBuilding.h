@@ -1,60 +1,19 @@
 // SPDX-License-Identifier: MIT
-// Binary property lists built from their parts, also wrong ones.
+// Binary property lists of several objects.
 #ifndef ZQFOUNDATION_TESTS_PLIST_BINARYBUILDING_H
 #define ZQFOUNDATION_TESTS_PLIST_BINARYBUILDING_H
 
 #include <cstdint>
 #include <initializer_list>
 #include <string>
-#include <string_view>
-#include <vector>
+
+#include "tests/kit/BinaryFiles.h"
 
 namespace ZQFoundation::testing {
 
-/// A big-endian number of `size` bytes.
-inline std::string bigEndian(std::uint64_t value, unsigned size) {
-    std::string bytes;
-    for (unsigned index = size; index > 0; --index) {
-        bytes += index > 8 ? '\0' : static_cast<char>(value >> (8 * (index - 1)));
-    }
-    return bytes;
-}
-
-/// Puts a binary property list together from its objects' bytes, correctly unless a field says otherwise.
-struct BinaryFile {
-    std::vector<std::string> objects;
-    unsigned offsetSize = 2;
-    unsigned referenceSize = 1;
-    std::uint64_t top = 0;
-
-    std::string header = "bplist00";
-    std::int64_t countMore = 0; ///< what the trailer claims beyond the truth
-    std::int64_t tableLater = 0;
-    std::vector<std::uint64_t> offsets; ///< in place of the true ones, when there are any
-
-    std::string bytes() const {
-        std::string file = header;
-        std::vector<std::uint64_t> starts;
-        for (const std::string& object : objects) {
-            starts.push_back(file.size());
-            file += object;
-        }
-        const std::uint64_t table = file.size();
-        const std::vector<std::uint64_t>& used = offsets.empty() ? starts : offsets;
-        for (const std::uint64_t offset : used) {
-            file += bigEndian(offset, offsetSize);
-        }
-        file += std::string(6, '\0') + static_cast<char>(offsetSize) + static_cast<char>(referenceSize);
-        file += bigEndian(used.size() + static_cast<std::uint64_t>(countMore), 8);
-        file += bigEndian(top, 8) + bigEndian(table + static_cast<std::uint64_t>(tableLater), 8);
-        return file;
-    }
-};
-
-/// An object's bytes from a marker and more.
-inline std::string object(unsigned marker, std::string_view content = {}) {
-    return std::string(1, static_cast<char>(marker)) + std::string(content);
-}
+using kit::bigEndian;
+using kit::BinaryFile;
+using kit::object;
 
 inline std::string references(std::initializer_list<unsigned> numbers) {
     std::string bytes;
