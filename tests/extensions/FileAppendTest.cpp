@@ -186,24 +186,19 @@ TEST(FileAppend, waitsForTheLockAndKeepsWhatItsHolderWrote) {
 TEST(FileAppend, leavesADanglingLinkWhereFoldersCannotBeLocked) {
     const kit::ScratchFolder folder;
     ASSERT_EQ(::symlink("nowhere", (folder / "link").c_str()), 0);
-    EXPECT_EQ(kit::inChild([&] {
-                  return kit::refuseCall(SYS_flock, ENOLCK) && !append("text", folder / "link") ? 0 : 1;
-              }),
-              0);
+    kit::expectInChild(
+        [&] { return kit::refuseCall(SYS_flock, ENOLCK) && !append("text", folder / "link"); });
     EXPECT_TRUE(kit::isLink(folder / "link"));
 }
 
 TEST(FileAppend, isFalseIfClosingReportsAFailedWrite) {
     const kit::ScratchFolder folder;
     for (const auto& [error, isAppended] : {std::pair(EIO, false), std::pair(EINTR, true)}) {
-        EXPECT_EQ(kit::inChild([&, refusal = error, wanted = isAppended] {
-                      return kit::refuseCall(SYS_close, static_cast<unsigned>(refusal)) &&
-                                     append("text", folder / "f") == wanted
-                                 ? 0
-                                 : 1;
-                  }),
-                  0)
-            << error;
+        SCOPED_TRACE(error);
+        kit::expectInChild([&, refusal = error, wanted = isAppended] {
+            return kit::refuseCall(SYS_close, static_cast<unsigned>(refusal)) &&
+                   append("text", folder / "f") == wanted;
+        });
     }
 }
 
@@ -374,12 +369,11 @@ TEST(FileAppend, isFalseForATextOfWhichOnlyAPartWasWritten) {
     const kit::ScratchFolder folder;
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
     const std::string path = folder / "f";
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  const rlimit limit{10, 10};
-                  ::setrlimit(RLIMIT_FSIZE, &limit);
-                  return append("0123456789ab", path) ? 1 : 0;
-              }),
-              0);
+    kit::expectAsUser([&] {
+        const rlimit limit{10, 10};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        return append("0123456789ab", path) ? 1 : 0;
+    });
     EXPECT_EQ(contentsOf(path), "0123456789");
 }
 
@@ -390,16 +384,13 @@ TEST(FileAppend, needsThePermissionToWriteAndNoOther) {
     ASSERT_EQ(::chmod((folder / "closed").c_str(), 0555), 0);
     folder.write("f", "precious");
     ASSERT_EQ(::chmod((folder / "f").c_str(), 0444), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  folder.write("own", "a");
-                  ::chmod((folder / "own").c_str(), 0200);
-                  const bool appended = append("b", folder / "own");
-                  ::chmod((folder / "own").c_str(), 0644);
-                  return appended && !append("text", folder / "closed/f") && !append("text", folder / "f")
-                             ? 0
-                             : 1;
-              }),
-              0);
+    kit::expectAsUser([&] {
+        folder.write("own", "a");
+        ::chmod((folder / "own").c_str(), 0200);
+        const bool appended = append("b", folder / "own");
+        ::chmod((folder / "own").c_str(), 0644);
+        return appended && !append("text", folder / "closed/f") && !append("text", folder / "f");
+    });
     EXPECT_EQ(contentsOf(folder / "own"), "ab");
     EXPECT_FALSE(exists(folder / "closed/f"));
     EXPECT_EQ(contentsOf(folder / "f"), "precious");

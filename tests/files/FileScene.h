@@ -22,7 +22,22 @@ protected:
 };
 
 /// The same for thousands of items.
-class FolderTestInMemory : kit::ScratchInMemory, public FolderTest {};
+class FolderTestInMemory : kit::ScratchInMemory, public FolderTest {
+protected:
+    /// More levels than are open at once, each with a folder before the next one and one after it, and a file
+    /// with the level's number in each: "m/m/a/f".
+    void makeBranches(const std::string& name) const {
+        std::string at = name;
+        for (int level = 0; level < levels; ++level) {
+            for (const char* const branch : {"/a", "/m", "/z"}) {
+                folder.write(at + branch + "/f", std::to_string(level));
+            }
+            at += "/m";
+        }
+    }
+
+    static constexpr int levels = 40;
+};
 
 } // namespace ZQFoundation::scene
 

@@ -137,26 +137,24 @@ TEST_F(FolderCreation, attributesAreGivenToEachFolderThatWasMade) {
 
 TEST_F(FolderCreation, permissionsThatCloseTheFoldersAreSetLast) {
     folder.setMode("", 0777);
-    const int answer = kit::inUnprivilegedChild([this] {
+    kit::expectAsUser([this] {
         const bool made = make(in("a/b/c"), true, NSDictionary{{NSFilePosixPermissions, 0}});
         const bool closed = kit::modeOf(in("a")) == 0;
         folder.setMode("a", 0700);
         folder.setMode("a/b", 0700);
-        return made && closed && kit::modeOf(in("a/b/c")) == 0 ? 0 : 1;
+        return made && closed && kit::modeOf(in("a/b/c")) == 0;
     });
-    EXPECT_EQ(answer, 0);
     EXPECT_TRUE(NSFileManager::defaultManager().removeItemAtPath_error(in("a")));
 }
 
 TEST_F(FolderCreation, aFolderThatMayNotBeWrittenIsAFailure) {
     folder.makeFolder("d");
     folder.setMode("d", 0555);
-    const int answer = kit::inUnprivilegedChild([this] {
+    kit::expectAsUser([this] {
         NSString reason;
         const bool refused = !make(in("d/x/y"), true, nullptr, &reason) && !make(in("d/x"), false);
-        return refused && reason.utf8() == in("d/x/y") + ": Permission denied" && make(in("d"), true) ? 0 : 1;
+        return refused && reason.utf8() == in("d/x/y") + ": Permission denied" && make(in("d"), true);
     });
-    EXPECT_EQ(answer, 0);
 }
 
 TEST_F(FolderCreation, pathsMayBeLongerThanTheSystemTakes) {

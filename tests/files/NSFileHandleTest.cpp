@@ -178,18 +178,16 @@ TEST(NSFileHandle, raisesAtALimitWithoutASignal) {
     const kit::ScratchFolder folder;
     ASSERT_EQ(::chmod(folder.path().c_str(), 0777), 0);
     const std::string path = folder / "f";
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  folder.write("f", "");
-                  const rlimit limit{10, 10};
-                  ::setrlimit(RLIMIT_FSIZE, &limit);
-                  NSFileHandle handle = NSFileHandle::fileHandleForWritingAtPath(path);
-                  const bool isRaised =
-                      raised([&] { handle.writeData(dataOf("0123456789ab")); }) == failure &&
-                      raised([&] { handle.truncateFileAtOffset(11); }) == failure;
-                  handle.truncateFileAtOffset(9);
-                  return isRaised ? 0 : 1;
-              }),
-              0);
+    kit::expectAsUser([&] {
+        folder.write("f", "");
+        const rlimit limit{10, 10};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        NSFileHandle handle = NSFileHandle::fileHandleForWritingAtPath(path);
+        const bool isRaised = raised([&] { handle.writeData(dataOf("0123456789ab")); }) == failure &&
+                              raised([&] { handle.truncateFileAtOffset(11); }) == failure;
+        handle.truncateFileAtOffset(9);
+        return isRaised;
+    });
     EXPECT_EQ(contentsOf(path), "012345678");
 }
 
@@ -247,32 +245,31 @@ TEST(NSFileHandle, writesOnWhenAPipeIsFull) {
 
 TEST(NSFileHandle, writesAndReadsOnWhenSignalsComeIn) {
     const kit::ScratchFolder folder;
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  struct sigaction action {};
-                  action.sa_handler = [](int) {
-                  }; // without SA_RESTART
-                  ::sigaction(SIGUSR1, &action, nullptr);
-                  Pipe pipe;
-                  const pthread_t main = ::pthread_self();
-                  std::atomic<bool> isDone{false};
-                  std::string read;
-                  std::thread reader([&] {
-                      while (!isDone) {
-                          char buffer[4096];
-                          ::pthread_kill(main, SIGUSR1);
-                          const ssize_t count = ::read(pipe.ends[0], buffer, sizeof buffer);
-                          if (count == 0) {
-                              break;
-                          }
-                          read.append(buffer, static_cast<std::size_t>(count > 0 ? count : 0));
-                      }
-                  });
-                  pipe.writer.writeData(dataOf(manyBytes()));
-                  pipe.writer.closeFile();
-                  reader.join();
-                  return read == manyBytes() ? 0 : 1;
-              }),
-              0);
+    kit::expectAsUser([&] {
+        struct sigaction action {};
+        action.sa_handler = [](int) {
+        }; // without SA_RESTART
+        ::sigaction(SIGUSR1, &action, nullptr);
+        Pipe pipe;
+        const pthread_t main = ::pthread_self();
+        std::atomic<bool> isDone{false};
+        std::string read;
+        std::thread reader([&] {
+            while (!isDone) {
+                char buffer[4096];
+                ::pthread_kill(main, SIGUSR1);
+                const ssize_t count = ::read(pipe.ends[0], buffer, sizeof buffer);
+                if (count == 0) {
+                    break;
+                }
+                read.append(buffer, static_cast<std::size_t>(count > 0 ? count : 0));
+            }
+        });
+        pipe.writer.writeData(dataOf(manyBytes()));
+        pipe.writer.closeFile();
+        reader.join();
+        return read == manyBytes();
+    });
 }
 
 TEST(NSFileHandle, keepsErrno) {

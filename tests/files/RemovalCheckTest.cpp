@@ -144,14 +144,14 @@ TEST_F(RemovalCheck, seesFoldersThatThisUserMayNotEmpty) {
     folder.write("tree/sub/two", "2");
     ASSERT_EQ(::system(("chown -R 65534 '" + in("") + "'").c_str()), 0);
     ::chmod(in("tree/sub").c_str(), 0500);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), EACCES); }), 0);
+    kit::expectAsUser([this] { EXPECT_EQ(reason(nullptr), EACCES); });
     ::chmod(in("tree/sub").c_str(), 0700);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
+    kit::expectAsUser([this] { EXPECT_EQ(reason(nullptr), 0); });
     // An empty folder goes whatever its permissions are.
     folder.makeFolder("tree/empty");
     ASSERT_EQ(::system(("chown 65534 '" + in("tree/empty") + "'").c_str()), 0);
     ::chmod(in("tree/empty").c_str(), 0500);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
+    kit::expectAsUser([this] { EXPECT_EQ(reason(nullptr), 0); });
     ::chmod(in("tree/empty").c_str(), 0000);
     EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_NE(reason(nullptr), 0); }), 0)
         << "nobody knows what it holds";
@@ -164,9 +164,9 @@ TEST_F(RemovalCheck, seesStickyFoldersWithItemsOfOthers) {
     folder.write("tree/sub/two", "2");
     ::chmod(in("tree").c_str(), 0777);
     ::chmod(in("tree/sub").c_str(), 01777);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), EPERM); }), 0);
+    kit::expectAsUser([this] { EXPECT_EQ(reason(nullptr), EPERM); });
     folder.setOwner("tree/sub/two", 65534);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] { EXPECT_EQ(reason(nullptr), 0); }), 0);
+    kit::expectAsUser([this] { EXPECT_EQ(reason(nullptr), 0); });
     EXPECT_EQ(reason(nullptr), 0);
 }
 

@@ -36,7 +36,7 @@ std::string hexadecimal(const void* pointer) {
 
 TEST(FormatArgument, pointers) {
     const int value = 0;
-    const Parcel parcel("x");
+    const Described parcel("x");
     const StampedParcel stamped;
     expectRows({
         ROW("%p", "0x0", static_cast<void*>(nullptr)),
@@ -69,7 +69,7 @@ TEST(FormatArgument, integersOfEveryKindServe) {
 }
 
 TEST(FormatArgument, misfitsHaveADefinedResult) {
-    const Parcel parcel("parcel");
+    const Described parcel("parcel");
     expectRows({
         ROW("%d", "0"),
         ROW("%d %d", "1 0", 1),

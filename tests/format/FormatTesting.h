@@ -13,8 +13,11 @@
 #include "foundation/format/NSLocale.h"
 #include "foundation/objects/NSObjectProtocol.h"
 #include "foundation/objects/NSString.h"
+#include "tests/kit/Values.h"
 
 namespace ZQFoundation::formattesting {
+
+using kit::Described;
 
 /// Formats with a format that the compiler does not check, so that misfits get through.
 template <class... Arguments>
@@ -30,16 +33,6 @@ std::string withLocale(const detail::FormatLocale& locale, StringView format, co
 }
 
 inline std::string text(const NSString& string) { return string.utf8(); }
-
-/// A host's object with this description.
-class Parcel : public NSObjectProtocol {
-public:
-    explicit Parcel(NSString text) : text_(std::move(text)) {}
-    NSString description() const override { return text_; }
-
-private:
-    NSString text_;
-};
 
 inline NSLocale locale(const std::string& identifier) {
     return NSLocale::localeWithLocaleIdentifier(identifier);

@@ -119,9 +119,9 @@ TEST(FormatText, precisionOfATextHasNoLimit) {
 
 TEST(FormatText, atInsertsDescriptions) {
     const NSString name = "caf\u00e9";
-    const Parcel parcel("parcel");
-    const Parcel nameless{NSString()};
-    const Parcel* const noParcel = nullptr;
+    const Described parcel("parcel");
+    const Described nameless{NSString()};
+    const Described* const noParcel = nullptr;
     expectRows({
         ROW("%@", "caf\u00e9", name),
         ROW("%@", "(null)", NSString()),
@@ -137,8 +137,8 @@ TEST(FormatText, atInsertsDescriptions) {
         ROW("%@", "(\n    a\n)", NSArray{"a"}),
         ROW("%@ %@", "parcel parcel", parcel, &parcel),
         ROW("%@ %@", "(null) (null)", noParcel, nameless),
-        ROW("%@", "Parcel", classOf<Parcel>()),
-        ROW("%@", "counted", makeObject<Parcel>("counted")),
+        ROW("%@", "Described", classOf<Described>()),
+        ROW("%@", "counted", makeObject<Described>("counted")),
     });
     EXPECT_EQ(text(NSString::stringWithFormat("%@ %@ %@", parcel, &parcel, name)), "parcel parcel caf\u00e9");
 }

@@ -213,20 +213,18 @@ TEST(DefaultsReport, keepsTheTraceKeysButReadsTheOthersAfresh) {
 
 TEST(DefaultsReport, reportsAllDomainsByTheirPrecedence) {
     // In a child, since what a process registers or sets stays with it.
-    EXPECT_EQ(kit::inChild([] {
-                  Given given{.settings = allOf({"TraceGlobal", "EnableSet", "EnableGlobal", "DisableArg"})};
-                  given.settings.push_back({"DebugLevel", "<integer>3</integer>"});
-                  given.commandLine = {"-DisableArg", "NO", "-EnableArg", "yes", "-DebugLevel", "17"};
-                  const Facts facts(given);
-                  NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
-                  defaults.setObject_forKey(NSString("NO"), "EnableSet");
-                  defaults.setObject_forKey(NSString("2"), "DebugSet");
-                  defaults.registerDefaults(NSDictionary{{"DisableFirst", "YES"}, {"DebugLevel", "9"}});
-                  EXPECT_EQ(report(), tracing({{"TraceGlobal", 2}}) +
-                                          enabling({{"EnableArg", 4}, {"EnableGlobal", 1}}) +
-                                          disabling({{"DisableFirst", 1}}) +
-                                          modifying({{"DebugLevel", 3, "17"}, {"DebugSet", 5, "2"}}));
-                  return !testing::Test::HasFailure();
-              }),
-              0);
+    kit::expectInChild([] {
+        Given given{.settings = allOf({"TraceGlobal", "EnableSet", "EnableGlobal", "DisableArg"})};
+        given.settings.push_back({"DebugLevel", "<integer>3</integer>"});
+        given.commandLine = {"-DisableArg", "NO", "-EnableArg", "yes", "-DebugLevel", "17"};
+        const Facts facts(given);
+        NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+        defaults.setObject_forKey(NSString("NO"), "EnableSet");
+        defaults.setObject_forKey(NSString("2"), "DebugSet");
+        defaults.registerDefaults(NSDictionary{{"DisableFirst", "YES"}, {"DebugLevel", "9"}});
+        EXPECT_EQ(report(), tracing({{"TraceGlobal", 2}}) +
+                                enabling({{"EnableArg", 4}, {"EnableGlobal", 1}}) +
+                                disabling({{"DisableFirst", 1}}) +
+                                modifying({{"DebugLevel", 3, "17"}, {"DebugSet", 5, "2"}}));
+    });
 }

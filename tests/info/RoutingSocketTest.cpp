@@ -695,15 +695,10 @@ TEST(RoutingSocketOfTheKernel, keepsOneSocketForEachCallThatNoChildInherits) {
 TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
     const std::pair<unsigned, const char*> rows[] = {{SYS_recvfrom, notRead}, {SYS_sendto, notWritten}};
     for (const auto& row : rows) { // a lambda captures no structured binding with clang 14
-        EXPECT_EQ(kit::inChild([&row] {
-                      if (!kit::refuseCall(row.first, EIO)) {
-                          return false;
-                      }
-                      EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(row.second, EIO));
-                      return !testing::Test::HasFailure();
-                  }),
-                  0)
-            << row.second;
+        kit::expectInChild([&row] {
+            EXPECT_TRUE(kit::refuseCall(row.first, EIO));
+            EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(row.second, EIO));
+        });
     }
 }
 

@@ -23,12 +23,8 @@ const kit::NoLanguages untranslated;
 /// Checks in a child, which is the first to use the class.
 template <class Checks>
 void inFirstUse(const Checks& checks, const std::string& about = "") {
-    EXPECT_EQ(kit::inChild([&] {
-                  checks();
-                  return !testing::Test::HasFailure();
-              }),
-              0)
-        << about;
+    SCOPED_TRACE(about);
+    kit::expectInChild(checks);
 }
 
 std::string numbers() {
@@ -158,11 +154,7 @@ TEST(ZQMacOSRuntimeEnvironment, knowsNothingWithoutADictionaryInTheFile) {
         }
         system.writeVersionFile(versionFileOf("14.2"));
         system.makeVersionFileUnreadable();
-        EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                      check();
-                      return testing::Test::HasFailure() ? 1 : 0;
-                  }),
-                  0);
+        kit::expectAsUser(check);
     });
 }
 

@@ -82,6 +82,22 @@ int inUnprivilegedChild(const Body& body) {
     });
 }
 
+/// Expects that the body succeeds in a forked child; a failure is that of the calling line.
+template <class Body>
+void expectInChild(const Body& body, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    if (const int answer = inChild(body); answer != 0) {
+        ADD_FAILURE_AT(file, line) << "the child's answer is " << answer;
+    }
+}
+
+/// The same as an ordinary user.
+template <class Body>
+void expectAsUser(const Body& body, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    if (const int answer = inUnprivilegedChild(body); answer != 0) {
+        ADD_FAILURE_AT(file, line) << "the child's answer is " << answer;
+    }
+}
+
 /// What is written to the descriptor until nobody holds it open for writing.
 inline std::string readToEnd(int descriptor) {
     std::string output;

@@ -48,12 +48,17 @@ inline std::vector<std::u16string> allTexts(std::u16string_view alphabet, std::s
     return texts;
 }
 
-inline std::u16string repeated(std::u16string_view piece, std::size_t count) {
-    std::u16string text;
+template <class Unit>
+std::basic_string<Unit> repeatedText(std::basic_string_view<Unit> piece, std::size_t count) {
+    std::basic_string<Unit> text;
     for (std::size_t i = 0; i < count; ++i) {
         text += piece;
     }
     return text;
+}
+inline std::string repeated(std::string_view piece, std::size_t count) { return repeatedText(piece, count); }
+inline std::u16string repeated(std::u16string_view piece, std::size_t count) {
+    return repeatedText(piece, count);
 }
 
 inline NSString stringOf(std::u16string_view units) {

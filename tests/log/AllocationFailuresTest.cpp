@@ -85,15 +85,14 @@ TEST(AllocationFailures, keepNeitherLocksNorDescriptors) {
     folder.write("old.log", "");
     for (const Operation& operation : operations) {
         SCOPED_TRACE(operation.name);
-        EXPECT_EQ(kit::inChild([&] {
-                      ZQLog::setOptionalLogFilePath(folder / "first.log"); // keeps a descriptor aside
-                      EXPECT_TRUE(operation.perform(folder)) << "not even with memory";
-                      kit::removeTree(folder / "new");
-                      expectToSurviveAllLimits(operation, folder);
-                      ZQLog::logForTraceKey_usingFormat("TraceOn", "%@", "works");
-                      EXPECT_TRUE(operation.perform(folder)) << "not afterwards";
-                  }),
-                  0);
+        kit::expectInChild([&] {
+            ZQLog::setOptionalLogFilePath(folder / "first.log"); // keeps a descriptor aside
+            EXPECT_TRUE(operation.perform(folder)) << "not even with memory";
+            kit::removeTree(folder / "new");
+            expectToSurviveAllLimits(operation, folder);
+            ZQLog::logForTraceKey_usingFormat("TraceOn", "%@", "works");
+            EXPECT_TRUE(operation.perform(folder)) << "not afterwards";
+        });
     }
 }
 

@@ -122,12 +122,11 @@ TEST(CrashSafety, keepsLinesThatNobodyHasReadYet) {
 
 TEST(CrashSafety, needsNoFlushWhenTheProgramLeavesWithoutOne) {
     const kit::CapturedOutput output;
-    EXPECT_EQ(kit::inChild([] {
-                  ZQLog::log("first");
-                  ZQLog::log("second");
-                  return 0; // and leaves at once
-              }),
-              0);
+    kit::expectInChild([] {
+        ZQLog::log("first");
+        ZQLog::log("second");
+        return 0; // and leaves at once
+    });
     EXPECT_EQ(output.texts(), (Texts{"first", "second"}));
 }
 

@@ -6,7 +6,7 @@
 
 using namespace ZQFoundation;
 using namespace logscene;
-using kit::inChild;
+using kit::expectInChild;
 using kit::Prefix;
 using kit::readPrefix;
 using kit::StandardErrorIn;
@@ -151,16 +151,15 @@ TEST(ForkedLogging, worksInAChildOfAThreadThatHoldsTheMonitor) {
     {
         const ZQLog::Synchronized outer;
         const ZQLog::Synchronized inner;
-        EXPECT_EQ(inChild([] {
-                      {
-                          const ZQLog::Synchronized again; // the child still holds it, two levels deep
-                          ZQLog::initializeTraceDefaultsDict();
-                          EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceSteady"));
-                          ZQLog::log("inside");
-                      }
-                      EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceSteady"));
-                  }),
-                  0);
+        expectInChild([] {
+            {
+                const ZQLog::Synchronized again; // the child still holds it, two levels deep
+                ZQLog::initializeTraceDefaultsDict();
+                EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceSteady"));
+                ZQLog::log("inside");
+            }
+            EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceSteady"));
+        });
     }
     std::thread([] { ZQLog::logForTraceKey_usingFormat("TraceSteady", "free again"); }).join();
     EXPECT_EQ(output.texts(), (Texts{"inside", "TraceSteady: free again"}));
@@ -170,14 +169,13 @@ TEST(ForkedLogging, lettingTheMonitorGoInTheChildFreesItThereOnly) {
     const kit::TraceKeys keys(steady);
     const kit::CapturedOutput output;
     auto* const held = new ZQLog::Synchronized;
-    EXPECT_EQ(inChild([held] {
-                  delete held;
-                  std::atomic<bool> isOn = false;
-                  std::thread([&isOn] { isOn = ZQLog::traceKeyIsEnabled("TraceSteady"); }).join();
-                  EXPECT_TRUE(isOn) << "another thread of the child was not answered";
-                  EXPECT_EQ(inChild([] { ZQLog::log("grandchild"); }), 0);
-              }),
-              0);
+    expectInChild([held] {
+        delete held;
+        std::atomic<bool> isOn = false;
+        std::thread([&isOn] { isOn = ZQLog::traceKeyIsEnabled("TraceSteady"); }).join();
+        EXPECT_TRUE(isOn) << "another thread of the child was not answered";
+        expectInChild([] { ZQLog::log("grandchild"); });
+    });
     // The parent still holds it: another thread waits.
     const Background asking([] { ZQLog::traceKeyIsEnabled("TraceSteady"); });
     EXPECT_TRUE(asking.waitsSoon());
@@ -195,23 +193,21 @@ TEST(ForkedLogging, freesTheMonitorThatALostThreadHeld) {
         holdsSoon([&stage] { return stage == 2; });
     });
     EXPECT_TRUE(holdsSoon([&stage] { return stage == 1; }));
-    EXPECT_EQ(inChild([] {
-                  EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceSteady"));
-                  const ZQLog::Synchronized monitor;
-                  ZQLog::initializeTraceDefaultsDict();
-                  EXPECT_TRUE(ZQLog::activatedTraceDefaultsKeys().containsObject("TraceSteady"));
-              }),
-              0);
+    expectInChild([] {
+        EXPECT_TRUE(ZQLog::traceKeyIsEnabled("TraceSteady"));
+        const ZQLog::Synchronized monitor;
+        ZQLog::initializeTraceDefaultsDict();
+        EXPECT_TRUE(ZQLog::activatedTraceDefaultsKeys().containsObject("TraceSteady"));
+    });
     stage = 2;
 }
 
 TEST(ForkedLogging, showsEachGenerationItsOwnNumber) {
     const kit::CapturedOutput output;
-    EXPECT_EQ(inChild([] {
-                  ZQLog::log(std::to_string(::getpid()));
-                  EXPECT_EQ(inChild([] { ZQLog::log(std::to_string(::getpid())); }), 0);
-              }),
-              0);
+    expectInChild([] {
+        ZQLog::log(std::to_string(::getpid()));
+        expectInChild([] { ZQLog::log(std::to_string(::getpid())); });
+    });
     ZQLog::log(std::to_string(::getpid()));
     const std::string bytes = output.bytes();
     for (const std::string_view line : kit::linesIn(bytes)) {

@@ -238,20 +238,18 @@ protected:
 };
 
 TEST_P(HostState, staysAsItWas) {
-    EXPECT_EQ(kit::inChild([this] {
-                  openStandardError();
-                  expectAllStays();
-              }),
-              0);
+    kit::expectInChild([this] {
+        openStandardError();
+        expectAllStays();
+    });
 }
 
 TEST_P(HostState, staysAsAParticularHostHasMadeIt) {
-    EXPECT_EQ(kit::inChild([this] {
-                  openStandardError();
-                  beParticularHost(folder_.path());
-                  expectAllStays();
-              }),
-              0);
+    kit::expectInChild([this] {
+        openStandardError();
+        beParticularHost(folder_.path());
+        expectAllStays();
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(StandardError, HostState,

@@ -12,6 +12,7 @@
 
 using namespace ZQFoundation;
 using namespace logscene;
+using kit::expectInChild;
 using kit::inChild;
 using kit::moveOntoStandardError;
 using kit::openToAppend;
@@ -73,12 +74,11 @@ void expectHostUnharmed(const std::string& text) {
 template <class Scene>
 void expectGoodAfter(const Scene& scene) {
     const kit::ScratchFolder folder;
-    EXPECT_EQ(inChild([&] {
-                  scene();
-                  moveOntoStandardError(openToAppend(folder / "good"));
-                  ZQLog::log("later");
-              }),
-              0);
+    expectInChild([&] {
+        scene();
+        moveOntoStandardError(openToAppend(folder / "good"));
+        ZQLog::log("later");
+    });
     EXPECT_EQ(textsOf(folder / "good"), Texts{"later"});
 }
 
@@ -207,12 +207,11 @@ TEST(HostileDescriptors, surviveAClosedStandardError) {
 TEST(HostileDescriptors, neverWriteIntoAFileThatTheHostOpensInTheirPlaceForReading) {
     const kit::ScratchFolder folder;
     folder.write("file", "as it was");
-    EXPECT_EQ(inChild([&] {
-                  ::close(STDERR_FILENO);
-                  EXPECT_EQ(::open((folder / "file").c_str(), O_RDONLY), STDERR_FILENO);
-                  ZQLog::log("lost");
-              }),
-              0);
+    expectInChild([&] {
+        ::close(STDERR_FILENO);
+        EXPECT_EQ(::open((folder / "file").c_str(), O_RDONLY), STDERR_FILENO);
+        ZQLog::log("lost");
+    });
     EXPECT_EQ(kit::contentsOf(folder / "file"), "as it was");
 }
 
@@ -246,7 +245,7 @@ void logOverTheLimit(const std::string& path, bool linesBeforeTheLimit) {
 TEST(HostileDescriptors, surviveAFileSizeLimit) {
     for (const bool linesBeforeTheLimit : {false, true}) {
         const kit::ScratchFolder folder;
-        EXPECT_EQ(inChild([&] { logOverTheLimit(folder / "log", linesBeforeTheLimit); }), 0);
+        expectInChild([&] { logOverTheLimit(folder / "log", linesBeforeTheLimit); });
         const Texts texts = textsOf(folder / "log");
         ASSERT_GE(texts.size(), 12U);
         // The lines that had room are whole; one may be cut off; what follows is on lines of its own.
@@ -357,7 +356,7 @@ void writeToFullChannel(Channel channel) {
 
 TEST(HostileDescriptors, waitWithoutSpinningUntilAFullOneTakesMore) {
     for (const Channel channel : {Channel::pipe, Channel::socket}) {
-        EXPECT_EQ(inChild([channel] { writeToFullChannel(channel); }), 0);
+        expectInChild([channel] { writeToFullChannel(channel); });
     }
 }
 

@@ -17,6 +17,7 @@
 
 using namespace ZQFoundation;
 using kit::CapturedOutput;
+using kit::expectInChild;
 using kit::inChild;
 using logscene::Background;
 using logscene::scaled;
@@ -117,16 +118,15 @@ TEST(LineObserver, isCalledAfterTheWrite) {
 }
 
 TEST(LineObserver, getsLinesThatCannotBeWritten) {
-    EXPECT_EQ(inChild([] {
-                  Window window;
-                  const Observed observed(Window::observe, &window);
-                  ::close(STDERR_FILENO);
-                  ZQLog::log("closed");
-                  EXPECT_EQ(::open("/dev/full", O_WRONLY), STDERR_FILENO);
-                  ZQLog::log("full");
-                  EXPECT_EQ(window.messages, (Texts{"closed", "full"}));
-              }),
-              0);
+    expectInChild([] {
+        Window window;
+        const Observed observed(Window::observe, &window);
+        ::close(STDERR_FILENO);
+        ZQLog::log("closed");
+        EXPECT_EQ(::open("/dev/full", O_WRONLY), STDERR_FILENO);
+        ZQLog::log("full");
+        EXPECT_EQ(window.messages, (Texts{"closed", "full"}));
+    });
 }
 
 TEST(LineObserver, isReplacedAndTakenAway) {
@@ -410,13 +410,12 @@ TEST(LineObserverFork, servesAChildWhoseParentHadOtherThreadsInside) {
     const Observed observed(Gate::observe, &gate);
     Background logging([] { ZQLog::log("a"); });
     ASSERT_TRUE(gate.holdsSoon(1));
-    EXPECT_EQ(inChild([] {
-                  Window window;
-                  ZQLog::setLineObserver(Window::observe, &window); // the other thread is not here
-                  ZQLog::log("in the child");
-                  EXPECT_EQ(window.messages, Texts{"in the child"});
-              }),
-              0);
+    expectInChild([] {
+        Window window;
+        ZQLog::setLineObserver(Window::observe, &window); // the other thread is not here
+        ZQLog::log("in the child");
+        EXPECT_EQ(window.messages, Texts{"in the child"});
+    });
     gate.opens = true;
 }
 
@@ -441,11 +440,10 @@ TEST(LineObserverFork, hasTheParentsObserverInAChildThatItHasForkedItself) {
         &state);
     ZQLog::log("a");
     EXPECT_EQ(state.child, 0);
-    EXPECT_EQ(inChild([&state] {
-                  ZQLog::log("b");
-                  EXPECT_EQ(state.messages, (Texts{"a", "b"}));
-              }),
-              0);
+    expectInChild([&state] {
+        ZQLog::log("b");
+        EXPECT_EQ(state.messages, (Texts{"a", "b"}));
+    });
 }
 
 } // namespace

@@ -160,7 +160,7 @@ TEST(LogFiles, nameHoldsTheProcessNameAsItIs) {
 TEST(LogFiles, nameHoldsAForkedChildsOwnNumber) {
     const LogScene scene;
     const std::string parents = newName("/x");
-    EXPECT_EQ(kit::inChild([&] { return newName("/x") == standardName() && newName("/x") != parents; }), 0);
+    kit::expectInChild([&] { return newName("/x") == standardName() && newName("/x") != parents; });
 }
 
 // Numbers: a name made for a given folder never gets one.

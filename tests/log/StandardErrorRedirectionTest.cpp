@@ -320,7 +320,7 @@ TEST(StandardErrorRedirection, losesLinesWhenTheFileCannotBeOpenedUntilItIsResto
         }
         EXPECT_EQ(::chmod(scene.folder.makeFolder("closed").c_str(), 0), 0);
         EXPECT_EQ(::chmod((scene / "hosts").c_str(), 0666), 0);
-        EXPECT_EQ(kit::inUnprivilegedChild([&] { expectLinesToBeLost(scene, scene / "closed/x.log"); }), 0);
+        kit::expectAsUser([&] { expectLinesToBeLost(scene, scene / "closed/x.log"); });
         EXPECT_EQ(textsOf(scene.first()), Texts(paths.size() + 1, "back"));
         EXPECT_FALSE(kit::exists(scene / "missing"));
     });
@@ -561,7 +561,7 @@ TEST(StandardErrorRedirection, isRefusedWithAMessageWhereTheUserMayNotWrite) {
                  {"@/folder/a/x.log", false, ""},
              }) {
             ASSERT_EQ(::chmod(scene.first().c_str(), 0666), 0);
-            EXPECT_EQ(kit::inUnprivilegedChild([&] { expectFailure(scene, row); }), 0);
+            kit::expectAsUser([&] { expectFailure(scene, row); });
         }
         ::chmod((scene / "folder").c_str(), 0755);
     });

@@ -366,15 +366,13 @@ TEST(TraceKeys, areReadAtTheFirstQuestionWhicheverItIs) {
         for (const Question& question : questions) {
             // Each in a child of its own, that has asked nothing yet. What changes after the question does
             // not count.
-            EXPECT_EQ(kit::inChild([&] {
-                          defaults.replace({{"TraceNet", on}});
-                          const bool first = question.isAnsweredWithYes();
-                          defaults.replace({});
-                          return first && question.isAnsweredWithYes() &&
-                                 ZQLog::traceKeyIsEnabled("TraceNet");
-                      }),
-                      0)
-                << question.name;
+            SCOPED_TRACE(question.name);
+            kit::expectInChild([&] {
+                defaults.replace({{"TraceNet", on}});
+                const bool first = question.isAnsweredWithYes();
+                defaults.replace({});
+                return first && question.isAnsweredWithYes() && ZQLog::traceKeyIsEnabled("TraceNet");
+            });
         }
     });
 }

@@ -270,18 +270,17 @@ TEST_F(BatchMigration, keepsNamesThatAreNoText) {
 }
 
 TEST_F(BatchMigration, skipsFoldersThatCannotBeRead) {
-    EXPECT_EQ(kit::inUnprivilegedChild([this] {
-                  folder.write("from/closed/a.log", "x");
-                  folder.write("from/b.log", "x");
-                  folder.setMode("from/closed", 0);
-                  EXPECT_EQ(migrated("log"), (Codes{{"b.log", 0}}));
-                  folder.setMode("from", 0);
-                  EXPECT_EQ(migrated("log"), Codes{});
-                  folder.setMode("from", 0755);
-                  folder.setMode("from/closed", 0755);
-                  EXPECT_EQ(folder.contents("from/closed/a.log"), "x");
-              }),
-              0);
+    kit::expectAsUser([this] {
+        folder.write("from/closed/a.log", "x");
+        folder.write("from/b.log", "x");
+        folder.setMode("from/closed", 0);
+        EXPECT_EQ(migrated("log"), (Codes{{"b.log", 0}}));
+        folder.setMode("from", 0);
+        EXPECT_EQ(migrated("log"), Codes{});
+        folder.setMode("from", 0755);
+        folder.setMode("from/closed", 0755);
+        EXPECT_EQ(folder.contents("from/closed/a.log"), "x");
+    });
 }
 
 // Overwriting does not take away what the same batch has brought there under another name.

@@ -6,21 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Texts.h"
 #include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
 using namespace scene;
 using detail::freeName;
+using kit::repeated;
 
 namespace {
-
-std::string repeated(const char* text, int count) {
-    std::string result;
-    while (count-- > 0) {
-        result += text;
-    }
-    return result;
-}
 
 NSString named(const std::string& stem, const std::string& extension, std::int64_t counter = 1) {
     return detail::numberedName(NSString(stem), counter, NSString(extension));

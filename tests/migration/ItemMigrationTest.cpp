@@ -43,7 +43,7 @@ void withEachItem(const Body& body) {
 /// The same for an ordinary user.
 template <class Body>
 void withEachItemOfAUser(const Body& body) {
-    EXPECT_EQ(kit::inUnprivilegedChild([&] { withEachItem(body); }), 0);
+    kit::expectAsUser([&] { withEachItem(body); });
 }
 
 /// Expects the code and that nothing has changed.
@@ -149,22 +149,21 @@ TEST(ItemMigration, failsInAFolderThatIsNotWritable) {
 }
 
 TEST(ItemMigration, overwritingRemovesBeforeItCopies) {
-    EXPECT_EQ(kit::inUnprivilegedChild([] {
-                  const MigrationFolder folder;
-                  folder.write("a/sub/secret", "x");
-                  folder.write("b/old", "old");
-                  const Digest before = folder.digest("a", Detail::times);
-                  folder.setMode("a/sub/secret", 0);
-                  EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 37U);
-                  EXPECT_FALSE(folder.has("b/old")) << "what was there is gone already";
-                  folder.setMode("a/sub/secret", 0644);
-                  EXPECT_EQ(folder.digest("a", Detail::times), before);
-                  // Whether a folder can be read shows only when it is copied.
-                  folder.setMode("a", 0300);
-                  EXPECT_EQ(migrateFolder(folder / "a", folder / "c"), 37U);
-                  EXPECT_TRUE(folder.has("a"));
-              }),
-              0);
+    kit::expectAsUser([] {
+        const MigrationFolder folder;
+        folder.write("a/sub/secret", "x");
+        folder.write("b/old", "old");
+        const Digest before = folder.digest("a", Detail::times);
+        folder.setMode("a/sub/secret", 0);
+        EXPECT_EQ(migrateFolder(folder / "a", folder / "b", overwriting), 37U);
+        EXPECT_FALSE(folder.has("b/old")) << "what was there is gone already";
+        folder.setMode("a/sub/secret", 0644);
+        EXPECT_EQ(folder.digest("a", Detail::times), before);
+        // Whether a folder can be read shows only when it is copied.
+        folder.setMode("a", 0300);
+        EXPECT_EQ(migrateFolder(folder / "a", folder / "c"), 37U);
+        EXPECT_TRUE(folder.has("a"));
+    });
 }
 
 TEST(ItemMigration, leavesTheCopyWhenTheSourceCannotBeRemoved) {
@@ -180,15 +179,14 @@ TEST(ItemMigration, leavesTheCopyWhenTheSourceCannotBeRemoved) {
 }
 
 TEST(ItemMigration, movesAReadOnlyFile) {
-    EXPECT_EQ(kit::inUnprivilegedChild([] {
-                  const MigrationFolder folder;
-                  folder.write("a", "x");
-                  folder.setMode("a", 0400);
-                  EXPECT_EQ(migrateFile(folder / "a", folder / "b"), 0U);
-                  EXPECT_EQ(folder.digest("b"), (Digest{{"", "file [x] 0400"}}));
-                  EXPECT_FALSE(folder.has("a"));
-              }),
-              0);
+    kit::expectAsUser([] {
+        const MigrationFolder folder;
+        folder.write("a", "x");
+        folder.setMode("a", 0400);
+        EXPECT_EQ(migrateFile(folder / "a", folder / "b"), 0U);
+        EXPECT_EQ(folder.digest("b"), (Digest{{"", "file [x] 0400"}}));
+        EXPECT_FALSE(folder.has("a"));
+    });
 }
 
 TEST(ItemMigration, expandsTheTildeInBothPaths) {

@@ -133,16 +133,15 @@ TEST(KeptSources, areWholeWithAReadOnlyFolderInside) {
     for (const std::string name : {"from/tree/inner", "from/tree/inner/deeper"}) {
         const Tree tree;
         tree.folder.setMode(name, 0555);
-        EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                      expectKept(tree, false);
-                      // Once it can be removed, it is.
-                      tree.folder.setMode(name, 0755);
-                      EXPECT_EQ(migrateFolder(tree / "from/tree", tree / "to/later"), 0U);
-                      EXPECT_FALSE(tree.folder.has("from/tree"));
-                      EXPECT_EQ(tree.folder.contents("to/later/inner/deeper/three"), "one more");
-                  }),
-                  0)
-            << name;
+        SCOPED_TRACE(name);
+        kit::expectAsUser([&] {
+            expectKept(tree, false);
+            // Once it can be removed, it is.
+            tree.folder.setMode(name, 0755);
+            EXPECT_EQ(migrateFolder(tree / "from/tree", tree / "to/later"), 0U);
+            EXPECT_FALSE(tree.folder.has("from/tree"));
+            EXPECT_EQ(tree.folder.contents("to/later/inner/deeper/three"), "one more");
+        });
     }
 }
 
@@ -152,11 +151,10 @@ TEST(KeptSources, areWholeInAFolderThatMayNotBeWrittenTo) {
         tree.folder.setOwner("from", somebody);
     }
     tree.folder.setMode("from", 0555);
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  expectKept(tree);
-                  expectFileKept(tree);
-              }),
-              0);
+    kit::expectAsUser([&] {
+        expectKept(tree);
+        expectFileKept(tree);
+    });
 }
 
 TEST(KeptSources, ofAnotherUserAreWhole) {
@@ -178,19 +176,18 @@ TEST(KeptSources, ofAnotherUserAreWhole) {
         if (row.sticky != nullptr) {
             tree.folder.setMode(row.sticky, 01777);
         }
-        EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                      expectKept(tree);
-                      if (&row == std::end(rows) - 1) {
-                          expectFileKept(tree);
-                      }
-                  }),
-                  0)
-            << row.given.back();
+        SCOPED_TRACE(row.given.back());
+        kit::expectAsUser([&] {
+            expectKept(tree);
+            if (&row == std::end(rows) - 1) {
+                expectFileKept(tree);
+            }
+        });
     }
     const Tree tree;
     tree.folder.setOwner("from/tree/inner", somebodyElse);
     tree.folder.setMode("from/tree/inner", 0700);
-    EXPECT_EQ(kit::inUnprivilegedChild([&] { expectNotCopied(tree); }), 0);
+    kit::expectAsUser([&] { expectNotCopied(tree); });
     EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another");
 }
 
@@ -202,7 +199,8 @@ TEST(KeptSources, areNotCopiedInPart) {
         const Tree tree;
         const std::string path = std::string("from/tree/") + name;
         tree.folder.setMode(path, mode);
-        EXPECT_EQ(kit::inUnprivilegedChild([&] { expectNotCopied(tree); }), 0) << name;
+        SCOPED_TRACE(name);
+        kit::expectAsUser([&] { expectNotCopied(tree); });
         EXPECT_EQ(kit::modeOf(tree / path), mode);
         tree.folder.setMode(path, 0755);
         EXPECT_EQ(tree.folder.contents("from/tree/inner/deeper/three"), "one more");
@@ -245,18 +243,17 @@ TEST(KeptSources, ofImmutableOrAppendOnlyFilesAreWhole) {
 TEST(KeptSources, ofABatchAreWholeInAFolderThatMayNotBeWrittenTo) {
     const Tree tree;
     tree.folder.setMode("from/tree/inner", 0555);
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  for (const bool isSecond : {false, true}) {
-                      const auto codes = migrateFiles(nullptr, tree / "from/tree", tree / "to/tree",
-                                                      DotFiles::included, {false, true, isSecond, false});
-                      EXPECT_EQ(codes.condensedDescription(),
-                                isSecond ? "{ inner/two = 15; }"
-                                         : "{ after = 0; inner/deeper/three = 0; inner/two = 15; one = 0; }");
-                      EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another") << isSecond;
-                      EXPECT_EQ(tree.folder.contents("to/tree/inner/two"), "another") << isSecond;
-                  }
-                  EXPECT_EQ(tree.folder.contents("to/tree/inner/deeper/three"), "one more");
-                  tree.expectNoLeftovers();
-              }),
-              0);
+    kit::expectAsUser([&] {
+        for (const bool isSecond : {false, true}) {
+            const auto codes = migrateFiles(nullptr, tree / "from/tree", tree / "to/tree", DotFiles::included,
+                                            {false, true, isSecond, false});
+            EXPECT_EQ(codes.condensedDescription(),
+                      isSecond ? "{ inner/two = 15; }"
+                               : "{ after = 0; inner/deeper/three = 0; inner/two = 15; one = 0; }");
+            EXPECT_EQ(tree.folder.contents("from/tree/inner/two"), "another") << isSecond;
+            EXPECT_EQ(tree.folder.contents("to/tree/inner/two"), "another") << isSecond;
+        }
+        EXPECT_EQ(tree.folder.contents("to/tree/inner/deeper/three"), "one more");
+        tree.expectNoLeftovers();
+    });
 }

@@ -80,11 +80,10 @@ TEST_F(NSFileManagerExtensions, typeTestsSeeNothingInAPrivateFolder) {
     folder.write("locked/file", "x");
     folder.makeFolder("locked/folder");
     folder.setMode("locked", 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] {
-                  return (isFile(in("locked/file")) ? 1 : 0) | (isFolder(in("locked/folder")) ? 2 : 0) |
-                         (isFolder(in("locked")) ? 0 : 4);
-              }),
-              0);
+    kit::expectAsUser([this] {
+        return (isFile(in("locked/file")) ? 1 : 0) | (isFolder(in("locked/folder")) ? 2 : 0) |
+               (isFolder(in("locked")) ? 0 : 4);
+    });
 }
 
 TEST_F(NSFileManagerExtensions, makesOneFolderOrAllOnTheWay) {
@@ -228,12 +227,11 @@ TEST_F(NSFileManagerExtensions, expandsTheTilde) {
 
 TEST_F(NSFileManagerExtensions, makesNothingWhereTheUserMayNotWrite) {
     ASSERT_EQ(::chmod(folder.makeFolder("closed").c_str(), 0555), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([this] {
-                  return (makeChain(in("closed/a/b")) ? 1 : 0) | (makeFile(in("closed/a/x"), true) ? 2 : 0) |
-                         (makeFile(in("closed/x"), false) ? 4 : 0) |
-                         (makeFile(in("closed/x"), true) ? 8 : 0) | (makeChain(in("closed")) ? 0 : 16);
-              }),
-              0);
+    kit::expectAsUser([this] {
+        return (makeChain(in("closed/a/b")) ? 1 : 0) | (makeFile(in("closed/a/x"), true) ? 2 : 0) |
+               (makeFile(in("closed/x"), false) ? 4 : 0) | (makeFile(in("closed/x"), true) ? 8 : 0) |
+               (makeChain(in("closed")) ? 0 : 16);
+    });
     EXPECT_EQ(files.contentsOfDirectoryAtPath_error(in("closed")).count(), 0U);
 }
 

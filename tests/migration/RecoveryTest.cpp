@@ -103,15 +103,14 @@ TEST_F(Recovery, removesWhatWasGivenUpAndCopiesWithoutAName) {
 }
 
 TEST_F(Recovery, removesACopyOfFoldersThatMayNotBeChanged) {
-    EXPECT_EQ(kit::inUnprivilegedChild([] {
-                  const MigrationFolder own;
-                  own.write(copyName + "/sub/b", "3");
-                  own.setMode(copyName + "/sub", 0500);
-                  own.setMode(copyName, 0500);
-                  recoverIn(own.path());
-                  EXPECT_EQ(own.digest("", Detail::contents), (Digest{{"", "folder"}}));
-              }),
-              0);
+    kit::expectAsUser([] {
+        const MigrationFolder own;
+        own.write(copyName + "/sub/b", "3");
+        own.setMode(copyName + "/sub", 0500);
+        own.setMode(copyName, 0500);
+        recoverIn(own.path());
+        EXPECT_EQ(own.digest("", Detail::contents), (Digest{{"", "folder"}}));
+    });
 }
 
 TEST_F(Recovery, leavesAloneWhatALivingProcessWorksOn) {
@@ -176,14 +175,14 @@ TEST_F(Recovery, leavesAloneWhatBelongsToOthersInAFolderForAll) {
     }
     folder.setMode("", 01777);
     const Digest before = contents();
-    EXPECT_EQ(kit::inUnprivilegedChild([this] { recover(); }), 0);
+    kit::expectAsUser([this] { recover(); });
     EXPECT_EQ(contents(), before) << "by another user";
     recover();
     Digest after = before;
     after.erase(".zq-aside.b");
     after["b"] = "file [ours]";
     EXPECT_EQ(contents(), after) << "by root";
-    EXPECT_EQ(kit::inChild([this] { return ::setuid(somebodyElse) == 0 ? (recover(), 0) : 1; }), 0);
+    kit::expectInChild([this] { return ::setuid(somebodyElse) == 0 ? (recover(), 0) : 1; });
     EXPECT_EQ(contents(), (Digest{{"", "folder"}, {"a", "file [theirs]"}, {"b", "file [ours]"}}));
 }
 

@@ -123,21 +123,17 @@ TEST(OldNotes, whatStaysSaysWhy) {
         ::chown((folder / "old/moves.note").c_str(), ::geteuid() == 0 ? 65534 : ::geteuid(), ::getegid()), 0);
     ::chmod((folder / "old/locked").c_str(), 0555);
     ::chmod((folder / "old/closed").c_str(), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  const notes::Move move = notes::moveOldNotes(folder / "old", folder / "new", nullptr);
-                  std::string reasons;
-                  for (const notes::Stayed& each : move.stayed) {
-                      reasons += each.name.utf8() + ": " + each.reason.utf8() + "\n";
-                  }
-                  std::fputs(reasons.c_str(), stderr);
-                  return move.moved == 1 && move.left == 1 && move.stayed.size() == 2 &&
-                                 reasons.find("locked/stays.note: the source file cannot be removed") !=
-                                     std::string::npos &&
-                                 reasons.find("closed: The folder cannot be read.") != std::string::npos
-                             ? 0
-                             : 1;
-              }),
-              0);
+    kit::expectAsUser([&] {
+        const notes::Move move = notes::moveOldNotes(folder / "old", folder / "new", nullptr);
+        std::string reasons;
+        for (const notes::Stayed& each : move.stayed) {
+            reasons += each.name.utf8() + ": " + each.reason.utf8() + "\n";
+        }
+        std::fputs(reasons.c_str(), stderr);
+        return move.moved == 1 && move.left == 1 && move.stayed.size() == 2 &&
+               reasons.find("locked/stays.note: the source file cannot be removed") != std::string::npos &&
+               reasons.find("closed: The folder cannot be read.") != std::string::npos;
+    });
     ::chmod((folder / "old/closed").c_str(), 0755);
     EXPECT_EQ(kit::contentsOf(folder / "old/locked/stays.note"), "2");
     EXPECT_EQ(kit::contentsOf(folder / "old/closed/unseen.note"), "3");

@@ -96,15 +96,6 @@ TEST(HostilePropertyList, everyByteReplaced) {
     }
 }
 
-std::string repeated(std::string_view piece, std::size_t times) {
-    std::string text;
-    text.reserve(piece.size() * times);
-    for (std::size_t count = 0; count < times; ++count) {
-        text += piece;
-    }
-    return text;
-}
-
 TEST(HostilePropertyList, aMillionBracketsFailAtOnce) {
     constexpr std::size_t times = 1'000'000;
     for (const std::string_view bracket : {"("sv, "{a="sv, "{"sv, "<"sv, "<array>"sv, "<dict><key>a</key>"sv,

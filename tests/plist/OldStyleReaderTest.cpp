@@ -16,14 +16,9 @@ using namespace ZQFoundation::testing;
 using namespace std::string_view_literals;
 
 std::string read(std::string_view text, std::string* errorText = nullptr) {
-    return readWithBoth(
-        [](const char* bytes, std::size_t count, detail::PropertyListError& error) {
-            return detail::readOldStyle(bytes, count, error);
-        },
-        [](const char16_t* units, std::size_t count, detail::PropertyListError& error) {
-            return detail::readOldStyle(units, count, error);
-        },
-        text, errorText);
+    return readWithBoth([](const auto* start, std::size_t count,
+                           auto& error) { return detail::readOldStyle(start, count, error); },
+                        text, errorText);
 }
 
 void expectRows(std::initializer_list<ReadingRow> rows) { expectReadings(read, rows); }

@@ -29,6 +29,7 @@ namespace ZQFoundation::testing {
 
 using kit::Exact;
 using kit::isSanitized;
+using kit::repeated;
 
 /// The pieces of a text between bars.
 inline std::vector<std::string> piecesOf(std::string_view text) {
@@ -117,18 +118,17 @@ inline std::string describe(const detail::PropertyListError& error) {
     return error.message == nullptr ? "no error" : detail::describePropertyListError(error).utf8();
 }
 
-/// Reads a text with a reader's two forms, which must agree in value and failure; "nil" shows a failure, and
+/// Reads a text as bytes and as units, which must agree in value and failure; "nil" shows a failure, and
 /// `errorText` gets its description.
-template <class ByteReader, class UnitReader>
-std::string readWithBoth(ByteReader readBytes, UnitReader readUnits, std::string_view utf8,
-                         std::string* errorText) {
+template <class Reader>
+std::string readWithBoth(Reader reader, std::string_view utf8, std::string* errorText) {
     const Exact<char> bytes(utf8);
     const std::u16string wide = NSString(utf8).utf16();
     const Exact<char16_t> units{std::u16string_view(wide)};
     detail::PropertyListError byteError;
     detail::PropertyListError unitError;
-    const std::string fromBytes = show(readBytes(bytes.data(), bytes.size(), byteError));
-    const std::string fromUnits = show(readUnits(units.data(), units.size(), unitError));
+    const std::string fromBytes = show(reader(bytes.data(), bytes.size(), byteError));
+    const std::string fromUnits = show(reader(units.data(), units.size(), unitError));
     if (fromBytes != fromUnits) {
         return "bytes: " + fromBytes + ", units: " + fromUnits;
     }
@@ -176,15 +176,7 @@ inline NSArray nestedArrays(std::size_t depth) {
 /// A text between many opening and as many closing ones.
 inline std::string nestedText(std::size_t depth, std::string_view open, std::string_view inner,
                               std::string_view close) {
-    std::string text;
-    for (std::size_t level = 0; level < depth; ++level) {
-        text += open;
-    }
-    text += inner;
-    for (std::size_t level = 0; level < depth; ++level) {
-        text += close;
-    }
-    return text;
+    return repeated(open, depth).append(inner) + repeated(close, depth);
 }
 
 } // namespace ZQFoundation::testing

@@ -15,11 +15,8 @@ using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
 
 std::string read(std::string_view text, std::string* errorText = nullptr) {
-    return readWithBoth([](const char* bytes, std::size_t count,
-                           detail::PropertyListError& error) { return detail::readXml(bytes, count, error); },
-                        [](const char16_t* units, std::size_t count, detail::PropertyListError& error) {
-                            return detail::readXml(units, count, error);
-                        },
+    return readWithBoth([](const auto* start, std::size_t count,
+                           auto& error) { return detail::readXml(start, count, error); },
                         text, errorText);
 }
 

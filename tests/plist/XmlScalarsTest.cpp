@@ -16,15 +16,15 @@ using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
 
 /// Reads bytes and units, which must agree.
-template <class ReadBytes, class ReadUnits>
-std::string readBoth(ReadBytes readBytes, ReadUnits readUnits, std::string_view text) {
+template <class Reader>
+std::string readBoth(Reader reader, std::string_view text) {
     const Exact<char> bytes(text);
     const std::u16string wide(text.begin(), text.end());
     const Exact<char16_t> units{std::u16string_view(wide)};
     NSObject fromBytes;
     NSObject fromUnits;
-    const auto first = readBytes(bytes.data(), bytes.size(), fromBytes);
-    const auto second = readUnits(units.data(), units.size(), fromUnits);
+    const auto first = reader(bytes.data(), bytes.size(), fromBytes);
+    const auto second = reader(units.data(), units.size(), fromUnits);
     EXPECT_EQ(first, second) << text;
     EXPECT_EQ(show(fromBytes), show(fromUnits)) << text;
     return show(fromBytes);
@@ -32,8 +32,7 @@ std::string readBoth(ReadBytes readBytes, ReadUnits readUnits, std::string_view 
 
 #define ZQ_READ_BOTH(function, text)                                                                         \
     readBoth(                                                                                                \
-        [](const char* start, std::size_t count, NSObject& out) { return function(start, count, out); },     \
-        [](const char16_t* start, std::size_t count, NSObject& out) { return function(start, count, out); }, \
+        [](const auto* start, std::size_t count, NSObject& out) { return function(start, count, out); },     \
         text)
 
 TEST(XmlScalars, distinguishesMalformedIntegersFromLargeOnes) {

@@ -37,12 +37,11 @@ TEST(DefaultsChanges, ofAParentAreSeenInAForkedChildAndNotItsOwn) {
     static constinit DefaultsChanges changes; // never destroyed
     changes.add("parent's", "Key");
     changes.add("parent's", "Other");
-    EXPECT_EQ(kit::inChild([] {
-                  EXPECT_EQ(changes.values().count(), 2U);
-                  EXPECT_EQ(changes.own().values.count(), 0U);
-                  changes.add("child's", "Key");
-                  EXPECT_EQ(changes.own().values, (NSDictionary{{"Key", "child's"}}));
-              }),
-              0);
+    kit::expectInChild([] {
+        EXPECT_EQ(changes.values().count(), 2U);
+        EXPECT_EQ(changes.own().values.count(), 0U);
+        changes.add("child's", "Key");
+        EXPECT_EQ(changes.own().values, (NSDictionary{{"Key", "child's"}}));
+    });
     EXPECT_EQ(changes.own().values.count(), 2U);
 }

@@ -218,11 +218,10 @@ TEST_F(DefaultsSaving, followsNoLinkThatAnotherUserPlantedInASharedFolder) {
 TEST_F(DefaultsSaving, failsWhereItMayNotWriteAndWithoutAFolder) {
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0555), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([] {
-                  defaults().setObject_forKey("new", "Saved");
-                  return !defaults().synchronize();
-              }),
-              0);
+    kit::expectAsUser([] {
+        defaults().setObject_forKey("new", "Saved");
+        return !defaults().synchronize();
+    });
     const kit::Path nowhere(detail::overrides::defaultsFolder, "");
     NSString error;
     defaults().setObject_forKey("new", "Saved");
@@ -267,15 +266,14 @@ TEST_F(DefaultsSaving, givesUpOnALockThatIsNotReleased) {
     folder.write("store/Viewer.plist", "{ Kept = x; }");
     const int held = ::open((folder / "store").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::flock(held, LOCK_EX), 0);
-    EXPECT_EQ(kit::inChild([] {
-                  // Sleeping takes no time here.
-                  EXPECT_TRUE(kit::refuseCall(SYS_clock_nanosleep, 0) && kit::refuseCall(SYS_nanosleep, 0));
-                  NSString error;
-                  defaults().setObject_forKey("new", "Saved");
-                  EXPECT_FALSE(defaults().synchronize(&error));
-                  EXPECT_TRUE(error.containsString("locked for 0.5 seconds"));
-              }),
-              0);
+    kit::expectInChild([] {
+        // Sleeping takes no time here.
+        EXPECT_TRUE(kit::refuseCall(SYS_clock_nanosleep, 0) && kit::refuseCall(SYS_nanosleep, 0));
+        NSString error;
+        defaults().setObject_forKey("new", "Saved");
+        EXPECT_FALSE(defaults().synchronize(&error));
+        EXPECT_TRUE(error.containsString("locked for 0.5 seconds"));
+    });
     EXPECT_EQ(kit::contentsOf(file()), "{ Kept = x; }");
     ::close(held);
 }
@@ -283,13 +281,12 @@ TEST_F(DefaultsSaving, givesUpOnALockThatIsNotReleased) {
 
 TEST_F(DefaultsSaving, inAForkedChildIsForWhatTheChildHasChanged) {
     defaults().setObject_forKey("parent's", "Saved");
-    EXPECT_EQ(kit::inChild([this] {
-                  EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("parent's"));
-                  defaults().setObject_forKey("child's", "Child");
-                  EXPECT_TRUE(defaults().synchronize());
-                  EXPECT_EQ(saved(), (NSDictionary{{"Child", "child's"}}));
-              }),
-              0);
+    kit::expectInChild([this] {
+        EXPECT_EQ(defaults().objectForKey("Saved"), NSObject("parent's"));
+        defaults().setObject_forKey("child's", "Child");
+        EXPECT_TRUE(defaults().synchronize());
+        EXPECT_EQ(saved(), (NSDictionary{{"Child", "child's"}}));
+    });
     defaults().setObject_forKey("newer", "Saved");
     EXPECT_TRUE(defaults().synchronize());
     EXPECT_EQ(saved(), (NSDictionary{{"Child", "child's"}, {"Saved", "newer"}}));

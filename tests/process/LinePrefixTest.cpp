@@ -49,14 +49,12 @@ std::string hexOf(std::uint64_t number) {
     return text;
 }
 
-/// Runs the body in a child, because a process name that a host has set cannot be unset: 0 when all is as
-/// expected.
+/// Runs the body in a child, because a process name that a host has set cannot be unset.
 template <class Body>
-int inChildNamed(const std::string& name, const Body& body) {
-    return kit::inChild([&] {
+void inChildNamed(const std::string& name, const Body& body) {
+    kit::expectInChild([&] {
         NSProcessInfo::processInfo().setProcessName(name);
         body();
-        return ::testing::Test::HasFailure() ? 1 : 0;
     });
 }
 
@@ -64,14 +62,11 @@ constexpr Instant moment{1709647629, 42000000};
 
 TEST(LinePrefix, isDateNameProcessAndThread) {
     const kit::TimeZone zone("UTC0");
-    EXPECT_EQ(inChildNamed("MyApp",
-                           [] {
-                               EXPECT_EQ(plain({processIdentity(), moment}),
-                                         "2024-03-05 14:07:09.042 MyApp[" +
-                                             std::to_string(detail::system::processIdentifier()) + ":" +
-                                             hexOf(detail::system::threadIdentifier()) + "] ");
-                           }),
-              0);
+    inChildNamed("MyApp", [] {
+        EXPECT_EQ(plain({processIdentity(), moment}),
+                  "2024-03-05 14:07:09.042 MyApp[" + std::to_string(detail::system::processIdentifier()) +
+                      ":" + hexOf(detail::system::threadIdentifier()) + "] ");
+    });
 }
 
 TEST(LinePrefixCache, returnsWhatThePrefixWouldWrite) {
@@ -89,15 +84,12 @@ TEST(LinePrefixCache, returnsWhatThePrefixWouldWrite) {
             }
         }
     };
-    EXPECT_EQ(
-        kit::inChild([&] {
-            for (const std::string& name : {std::string("a"), std::string("MyApp"), std::string(300, 'n')}) {
-                NSProcessInfo::processInfo().setProcessName(name);
-                expectSame();
-            }
-            return ::testing::Test::HasFailure() ? 1 : 0;
-        }),
-        0);
+    kit::expectInChild([&] {
+        for (const std::string& name : {std::string("a"), std::string("MyApp"), std::string(300, 'n')}) {
+            NSProcessInfo::processInfo().setProcessName(name);
+            expectSame();
+        }
+    });
 }
 
 TEST(LinePrefixCache, keepsThreadsApart) {

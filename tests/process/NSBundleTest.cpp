@@ -199,19 +199,17 @@ TEST_F(NSBundleTest, aProgramWithoutAKnownPlaceHasABundleWithoutFiles) {
     folder.write("viewer", "");
     const kit::Path unknown(detail::overrides::executablePath, "");
     // Only a child changes the current folder, in which nothing may be looked up.
-    EXPECT_EQ(kit::inUnprivilegedChild([&] {
-                  EXPECT_EQ(::chdir(folder.path().c_str()), 0);
-                  EXPECT_TRUE(detail::fileExists("Info.plist"));
-                  const NSBundle b = NSBundle::mainBundle();
-                  EXPECT_TRUE(b && b.infoDictionary());
-                  EXPECT_EQ(b.infoDictionary().count() + b.localizations().count(), 0U);
-                  EXPECT_FALSE(b.bundleIdentifier() || b.objectForInfoDictionaryKey("Name") ||
-                               b.executablePath());
-                  EXPECT_EQ(b.bundlePath(), "");
-                  EXPECT_EQ(b.resourcePath(), "");
-                  EXPECT_EQ(text(b, "key"), "?");
-              }),
-              0);
+    kit::expectAsUser([&] {
+        EXPECT_EQ(::chdir(folder.path().c_str()), 0);
+        EXPECT_TRUE(detail::fileExists("Info.plist"));
+        const NSBundle b = NSBundle::mainBundle();
+        EXPECT_TRUE(b && b.infoDictionary());
+        EXPECT_EQ(b.infoDictionary().count() + b.localizations().count(), 0U);
+        EXPECT_FALSE(b.bundleIdentifier() || b.objectForInfoDictionaryKey("Name") || b.executablePath());
+        EXPECT_EQ(b.bundlePath(), "");
+        EXPECT_EQ(b.resourcePath(), "");
+        EXPECT_EQ(text(b, "key"), "?");
+    });
     EXPECT_EQ(detail::layoutOfProgram("", "viewer").infoFile, "");
     EXPECT_EQ(detail::layoutOfLibrary("").infoFile, "");
 }

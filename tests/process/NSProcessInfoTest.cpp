@@ -20,7 +20,7 @@
 #include "tests/kit/Turns.h"
 
 using namespace ZQFoundation;
-using kit::inChild; // a name that a host sets stays, so tests set one only in a child
+using kit::expectInChild; // a name that a host sets stays, so tests set one only in a child
 
 namespace {
 
@@ -70,17 +70,16 @@ TEST(NSProcessInfo, nameWithForeignBytesKeepsThemAndPrefixHasReplacementCharacte
 }
 
 TEST(NSProcessInfo, nameIsChangeableAndNeedsNoNewRecordWhenItReturns) {
-    EXPECT_EQ(inChild([] {
-                  info().setProcessName("Vi\u00E9wer");
-                  EXPECT_EQ(info().processName(), "Vi\u00E9wer");
-                  EXPECT_EQ(prefixName(), "Vi\xC3\xA9wer");
-                  const char* const first = detail::processIdentity().name;
-                  info().setProcessName("Other");
-                  EXPECT_EQ(prefixName(), "Other");
-                  info().setProcessName("Vi\u00E9wer");
-                  EXPECT_EQ(detail::processIdentity().name, first);
-              }),
-              0);
+    expectInChild([] {
+        info().setProcessName("Vi\u00E9wer");
+        EXPECT_EQ(info().processName(), "Vi\u00E9wer");
+        EXPECT_EQ(prefixName(), "Vi\xC3\xA9wer");
+        const char* const first = detail::processIdentity().name;
+        info().setProcessName("Other");
+        EXPECT_EQ(prefixName(), "Other");
+        info().setProcessName("Vi\u00E9wer");
+        EXPECT_EQ(detail::processIdentity().name, first);
+    });
 }
 
 TEST(NSProcessInfo, nilAndEmptyNamesChangeNothing) {
@@ -98,12 +97,11 @@ TEST(NSProcessInfo, identifierIsTheProcessNumberAndTheNameTheParentsInForkedChil
         EXPECT_EQ(prefixName(), "Renamed");
     };
     EXPECT_EQ(info().processIdentifier(), ::getpid());
-    EXPECT_EQ(inChild([&] {
-                  info().setProcessName("Renamed");
-                  expectOwn();
-                  EXPECT_EQ(inChild(expectOwn), 0);
-              }),
-              0);
+    expectInChild([&] {
+        info().setProcessName("Renamed");
+        expectOwn();
+        expectInChild(expectOwn);
+    });
     EXPECT_EQ(info().processIdentifier(), ::getpid());
 }
 
@@ -204,45 +202,43 @@ TEST(NSProcessInfo, operationsLeaveErrnoAlone) {
 }
 
 TEST(NSProcessInfo, showsThreadsWholeNamesWhileOthersRename) {
-    EXPECT_EQ(inChild([] {
-                  info().setProcessName("AAAAAAAA");
-                  const auto isWhole = [](const std::string& name) {
-                      return name == "BBBB" || name == "AAAAAAAA";
-                  };
-                  std::atomic<bool> torn{false};
-                  const auto look = [&] {
-                      if (!isWhole(prefixName()) || !isWhole(info().processName().utf8())) {
-                          torn = true;
-                      }
-                  };
-                  kit::Meanwhile looking(look);
-                  for (int round = 0; round < 20000; ++round) {
-                      info().setProcessName(round % 2 == 0 ? "BBBB" : "AAAAAAAA");
-                  }
-                  looking.end();
-                  return !torn;
-              }),
-              0);
+    expectInChild([] {
+        info().setProcessName("AAAAAAAA");
+        const auto isWhole = [](const std::string& name) {
+            return name == "BBBB" || name == "AAAAAAAA";
+        };
+        std::atomic<bool> torn{false};
+        const auto look = [&] {
+            if (!isWhole(prefixName()) || !isWhole(info().processName().utf8())) {
+                torn = true;
+            }
+        };
+        kit::Meanwhile looking(look);
+        for (int round = 0; round < 20000; ++round) {
+            info().setProcessName(round % 2 == 0 ? "BBBB" : "AAAAAAAA");
+        }
+        looking.end();
+        return !torn;
+    });
 }
 
 TEST(NSProcessInfo, answersInForkedChildrenWhileThreadsRename) {
-    EXPECT_EQ(inChild([] {
-                  info().setProcessName("AAAA");
-                  kit::Turns turns;
-                  const auto rename = [&turns] {
-                      for (const char* const name : {"BBBB", "AAAA"}) {
-                          turns.work([&] {
-                              info().setProcessName(name);
-                              return true;
-                          });
-                      }
-                  };
-                  const kit::Meanwhile renaming(rename);
-                  return turns.failures(200, [](int) {
-                      return info().processIdentifier() == ::getpid() && info().processName().length() == 4;
-                  }) == 0;
-              }),
-              0);
+    expectInChild([] {
+        info().setProcessName("AAAA");
+        kit::Turns turns;
+        const auto rename = [&turns] {
+            for (const char* const name : {"BBBB", "AAAA"}) {
+                turns.work([&] {
+                    info().setProcessName(name);
+                    return true;
+                });
+            }
+        };
+        const kit::Meanwhile renaming(rename);
+        return turns.failures(200, [](int) {
+            return info().processIdentifier() == ::getpid() && info().processName().length() == 4;
+        }) == 0;
+    });
 }
 
 // Facts that are first asked for in a bad moment, by a program of its own

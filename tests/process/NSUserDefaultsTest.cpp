@@ -383,11 +383,11 @@ TEST_F(NSUserDefaultsTest, filesThatHoldNoDictionaryAreIgnored) {
 TEST_F(NSUserDefaultsTest, anUnreadableFileIsIgnoredUntilItIsReadable) {
     const std::string file = folder.write("store/Viewer.plist", dictionaryFile(entry("Sealed", "x")));
     ASSERT_EQ(::chmod(file.c_str(), 0), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([] { return textFor("Sealed") == "(nil)"; }), 0);
+    kit::expectAsUser([] { return textFor("Sealed") == "(nil)"; });
     ASSERT_EQ(::chmod(file.c_str(), 0644), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([] { return textFor("Sealed") == "x"; }), 0);
+    kit::expectAsUser([] { return textFor("Sealed") == "x"; });
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([] { return textFor("Sealed") == "(nil)"; }), 0);
+    kit::expectAsUser([] { return textFor("Sealed") == "(nil)"; });
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0755), 0);
     EXPECT_EQ(textFor("Sealed"), "x");
 }
@@ -451,12 +451,11 @@ TEST_F(NSUserDefaultsTest, readOnlyMediaAreEnough) {
     const std::string file = folder.write("store/Viewer.plist", dictionaryFile(entry("Media", "x")));
     ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0555), 0);
-    EXPECT_EQ(kit::inUnprivilegedChild([] {
-                  EXPECT_EQ(textFor("Media"), "x");
-                  useEverything();
-                  EXPECT_EQ(textFor("Other"), "5");
-              }),
-              0);
+    kit::expectAsUser([] {
+        EXPECT_EQ(textFor("Media"), "x");
+        useEverything();
+        EXPECT_EQ(textFor("Other"), "5");
+    });
     ASSERT_EQ(::chmod((folder / "store").c_str(), 0755), 0);
 }
 

@@ -273,12 +273,11 @@ TEST_F(ZoneTable, servesAForkedChildWhileThreadsAreAtWork) {
     };
     const kit::Meanwhile working(work, 3);
     for (int round = 0; round < 50; ++round) {
-        EXPECT_EQ(kit::inChild([] {
-                      rereadProcessZone();
-                      return zoneOffsetAt(processZone(), summer) == 7200 &&
-                             zoneOffsetAt(zoneNamed("Test/Zone"), winter) == 3600;
-                  }),
-                  0);
+        kit::expectInChild([] {
+            rereadProcessZone();
+            return zoneOffsetAt(processZone(), summer) == 7200 &&
+                   zoneOffsetAt(zoneNamed("Test/Zone"), winter) == 3600;
+        });
     }
 }
 

@@ -242,30 +242,28 @@ TEST(ZqmigrateTool, reportsRelativeLinksThatAreDanglingAfterwards) {
 
 TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
     scene::migrateProgram(); // opened before privileges are given up
-    EXPECT_EQ(
-        kit::inUnprivilegedChild([] {
-            for (const mode_t mode : {0000U, 0600U, 0444U, 0300U}) {
-                const MigrateTool tool;
-                for (const char* const name : {"a/open/file", "a/closed/file", "a/closed/folder/file"}) {
-                    tool.file(name);
-                }
-                tool.file("a/.closed/file"); // is not asked for
-                ::chmod((tool / "a/.closed").c_str(), 0);
-                ::chmod((tool / "a/closed").c_str(), mode);
-                const Outcome outcome = tool.run({"--create-parents", "batch", "a", "b"});
-                EXPECT_EQ(outcome.status, 1);
-                EXPECT_EQ(outcome.output, " 0  open/file: success\n") << mode;
-                EXPECT_EQ(outcome.errors,
-                          "zqmigrate: closed: this folder cannot be read; its contents were ignored\n"
-                          "zqmigrate: 1 file moved\n");
-                const Outcome source = tool.run({"batch", "a/closed", "b"});
-                EXPECT_EQ(source.status, 1);
-                EXPECT_EQ(source.errors, "zqmigrate: a/closed: Permission denied\n");
-                ::chmod((tool / "a/closed").c_str(), 0700);
-                EXPECT_EQ(tool.folder().digest("a").count("closed/folder/file"), 1U);
+    kit::expectAsUser([] {
+        for (const mode_t mode : {0000U, 0600U, 0444U, 0300U}) {
+            const MigrateTool tool;
+            for (const char* const name : {"a/open/file", "a/closed/file", "a/closed/folder/file"}) {
+                tool.file(name);
             }
-        }),
-        0);
+            tool.file("a/.closed/file"); // is not asked for
+            ::chmod((tool / "a/.closed").c_str(), 0);
+            ::chmod((tool / "a/closed").c_str(), mode);
+            const Outcome outcome = tool.run({"--create-parents", "batch", "a", "b"});
+            EXPECT_EQ(outcome.status, 1);
+            EXPECT_EQ(outcome.output, " 0  open/file: success\n") << mode;
+            EXPECT_EQ(outcome.errors,
+                      "zqmigrate: closed: this folder cannot be read; its contents were ignored\n"
+                      "zqmigrate: 1 file moved\n");
+            const Outcome source = tool.run({"batch", "a/closed", "b"});
+            EXPECT_EQ(source.status, 1);
+            EXPECT_EQ(source.errors, "zqmigrate: a/closed: Permission denied\n");
+            ::chmod((tool / "a/closed").c_str(), 0700);
+            EXPECT_EQ(tool.folder().digest("a").count("closed/folder/file"), 1U);
+        }
+    });
 }
 
 // The library ignores such a link when what it looked at before was a folder, so each is in a folder of its
