@@ -203,9 +203,7 @@ const Settings settings = {{"TraceNet", "<true/>"},
                            {"TraceDisk", "<string>yes</string>"},
                            {"TraceOff", "<false/>"},
                            {"TraceLevel", "<integer>5</integer>"},
-                           {"TraceDown", "<integer>-3</integer>"},
-                           {"Trace%@", "<true/>"},
-                           {"TraceGröße", "<true/>"}};
+                           {"Trace%@", "<true/>"}};
 
 /// Arguments for one condition, and the label of the line when it holds.
 struct ConditionCase {
@@ -220,28 +218,12 @@ const std::vector<ConditionCase>& holdingCases() {
     static const std::vector<ConditionCase> cases = {
         {Condition::unconditional, nullptr, nullptr, 0, ""},
         {Condition::key, "TraceNet", nullptr, 0, "TraceNet"},
-        {Condition::key, "TraceDown", nullptr, 0, "TraceDown"},
         {Condition::key, "Trace%@", nullptr, 0, "Trace%@"},
-        {Condition::key, "TraceGröße", nullptr, 0, "TraceGröße"},
         {Condition::value, "TraceLevel", nullptr, 5, "TraceLevel=5"},
-        {Condition::value, "TraceDown", nullptr, -3, "TraceDown=-3"},
-        {Condition::value, "TraceMissing", nullptr, 0, "TraceMissing=0"},
         {Condition::threshold, "TraceLevel", nullptr, 3, "TraceLevel>=3"},
-        {Condition::threshold, "TraceLevel", nullptr, 5, "TraceLevel>=5"},
-        {Condition::threshold, "TraceDown", nullptr, -4, "TraceDown>=-4"},
-        {Condition::threshold, "TraceMissing", nullptr, 0, "TraceMissing>=0"},
-        {Condition::threshold, "TraceMissing", nullptr, -1, "TraceMissing>=-1"},
         {Condition::threshold, "Trace%@", nullptr, INT64_MIN, "Trace%@>=-9223372036854775808"},
-        {Condition::anyOf, nullptr, {"TraceNet"}, 0, "TraceNet"},
         {Condition::anyOf, nullptr, {"TraceOff", "TraceNet"}, 0, "TraceNet"},
-        {Condition::anyOf,
-         nullptr,
-         {"TraceNet", "TraceOff", "TraceMissing", "TraceDisk"},
-         0,
-         "TraceNet/TraceDisk"},
         {Condition::anyOf, nullptr, {"TraceDisk", "Trace%@", "TraceNet"}, 0, "TraceDisk/Trace%@/TraceNet"},
-        {Condition::allOf, nullptr, {"TraceNet"}, 0, "TraceNet"},
-        {Condition::allOf, nullptr, {"TraceNet", "TraceDisk"}, 0, "TraceNet+TraceDisk"},
         {Condition::allOf, nullptr, {"TraceDisk", "Trace%@", "TraceNet"}, 0, "TraceDisk+Trace%@+TraceNet"},
         {Condition::anyKey, nullptr, nullptr, 0, "Trace"},
     };
@@ -252,23 +234,13 @@ const std::vector<ConditionCase>& holdingCases() {
 const std::vector<ConditionCase>& failingCases() {
     static const std::vector<ConditionCase> cases = {
         {Condition::key, "TraceOff", nullptr, 0, nullptr},
-        {Condition::key, "TraceMissing", nullptr, 0, nullptr},
-        {Condition::key, "tracenet", nullptr, 0, nullptr},
-        {Condition::key, "", nullptr, 0, nullptr},
         {Condition::value, "TraceLevel", nullptr, 4, nullptr},
         {Condition::value, "TraceLevel", nullptr, 5 + (std::int64_t{1} << 32), nullptr},
-        {Condition::value, "TraceMissing", nullptr, 1, nullptr},
         {Condition::threshold, "TraceLevel", nullptr, 6, nullptr},
-        {Condition::threshold, "TraceLevel", nullptr, INT64_MAX, nullptr},
-        {Condition::threshold, "TraceDown", nullptr, -2, nullptr},
-        {Condition::threshold, "TraceMissing", nullptr, 1, nullptr},
         {Condition::anyOf, nullptr, NSArray::array(), 0, nullptr},
-        {Condition::anyOf, nullptr, {"TraceOff"}, 0, nullptr},
         {Condition::anyOf, nullptr, {"TraceOff", "TraceMissing"}, 0, nullptr},
         {Condition::allOf, nullptr, NSArray::array(), 0, nullptr},
-        {Condition::allOf, nullptr, {"TraceOff", "TraceNet"}, 0, nullptr},
         {Condition::allOf, nullptr, {"TraceNet", "TraceOff"}, 0, nullptr},
-        {Condition::allOf, nullptr, {"TraceNet", "TraceDisk", "TraceMissing"}, 0, nullptr},
     };
     return cases;
 }

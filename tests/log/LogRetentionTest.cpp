@@ -6,11 +6,11 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
-#include "foundation/objects/ClassesByName.h"
 #include "foundation/objects/NSDate.h"
 #include "tests/kit/Items.h"
 #include "tests/kit/Values.h"
 #include "tests/log/LogScene.h"
+#include "tests/migration/MigrationScene.h"
 
 using namespace ZQFoundation;
 using kit::exists;
@@ -135,43 +135,19 @@ const char* const otherNames[] = {
     "MyApp.1.logs",     "MyApp.1.log ",      "MyApp.1.log~",     "MyApp.1.log.gz", "MyApp.1.txt"};
 const char* const pieces[] = {"MyApp", "MyApp.", ".log", "1.log", "log"};
 
-/// A class and its one object, which records what it is notified of.
-class Workspace : public NSObjectProtocol {
-public:
-    NSString className() const override { return "NSWorkspace"; }
-    bool respondsToSelector(const Selector& selector) const override {
-        return selector == "sharedWorkspace" || selector == "noteFileSystemChanged:";
-    }
-    NSObject performSelector_withObject(const Selector& selector, const NSObject& argument) override {
-        if (selector == "noteFileSystemChanged:") {
-            changed->push_back(NSString(argument).utf8());
-            return nullptr;
-        }
-        return makeObject<Workspace>();
-    }
-
-    static inline Texts* changed = nullptr;
-};
-
 TEST(LogRetention, notifiesTheWorkspaceOfAFolderThatItHasListed) {
-    Texts changed;
-    Workspace::changed = &changed;
+    ZQFoundation::scene::Desktop desktop;
     const RetentionScene scene;
     scene.file("MyApp.1.log", -1);
     scene.file("MyApp.2.log", -2);
-    {
-        const ClassRegistration registration("NSWorkspace", makeObject<Workspace>());
-        removed(scene / "missing", By::age);
-        removed(scene / "missing", By::count);
-        scene.removed(By::count, 2);
-        EXPECT_EQ(changed, Texts{}) << "nothing listed, or nothing to remove";
-        scene.removed(By::count, 1);
-        scene.removed(By::age);
-        scene.removed(By::age);
-        EXPECT_EQ(changed, Texts(3, scene.logs())) << "by age also when nothing was old";
-    }
+    removed(scene / "missing", By::age);
+    removed(scene / "missing", By::count);
+    scene.removed(By::count, 2);
+    EXPECT_EQ(desktop.takeFolders(), Texts{}) << "nothing listed, or nothing to remove";
+    scene.removed(By::count, 1);
     scene.removed(By::age);
-    EXPECT_EQ(changed.size(), 3U) << "the class is gone";
+    scene.removed(By::age);
+    EXPECT_EQ(desktop.takeFolders(), Texts(3, scene.logs())) << "by age also when nothing was old";
 }
 
 // Which names count.
@@ -504,7 +480,7 @@ TEST(LogRetention, saysNothingOfAFolderThatCannotBeListedOrHasNothingToRemove) {
 /// The same as an ordinary user.
 Texts removedUnprivileged(const RetentionScene& scene, By way, std::size_t count = 0) {
     const kit::CapturedOutput output;
-    EXPECT_EQ(kit::inUnprivilegedChild([&] { removeFrom(NSString(scene.logs()), way, count); }), 0);
+    kit::expectAsUser([&] { removeFrom(NSString(scene.logs()), way, count); });
     return output.texts();
 }
 
