@@ -165,13 +165,16 @@ TEST_F(PathCopy, aDeviceIsMadeWhereThatIsAllowed) {
         [this] { return scene::reasonOfCopy("/dev/null", in("n")) == "/dev/null: Operation not permitted"; });
 }
 
-TEST_F(PathCopy, aFileThatMayNotBeReadSaysSo) {
-    folder.write("a", "x");
-    folder.setMode("a", 0);
+TEST_F(PathCopy, whatMayNotBeReadSaysSo) {
+    folder.write("file", "x");
+    folder.makeFolder("folder");
     folder.setMode("", 0777);
-    kit::expectAsUser(
-        [this] { return scene::reasonOfCopy(in("a"), in("b")) == in("a") + ": Permission denied"; });
-    EXPECT_FALSE(kit::exists(in("b")));
+    for (const std::string name : {"file", "folder"}) {
+        folder.setMode(name, 0);
+        kit::expectAsUser(
+            [&] { return scene::reasonOfCopy(in(name), in("b")) == in(name) + ": Permission denied"; });
+        EXPECT_FALSE(kit::exists(in("b"))) << name;
+    }
 }
 
 TEST_F(PathCopy, nobodyGetsTheRightToRunAsTheOneWhoCopies) {
