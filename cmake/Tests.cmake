@@ -116,6 +116,8 @@ function(zq_add_test_program target)
     add_executable(${target} ${ARGN})
     target_link_libraries(${target} PRIVATE zq_test_settings)
     target_precompile_headers(${target} REUSE_FROM zq_test_prefix)
+    # Most of the time of compiling a test goes into headers.
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
     set(filter)
     if(ZQFOUNDATION_THREAD_TESTS_ONLY)
         set(filter TEST_FILTER "*Concurren*:*Thread*:*Fork*")
@@ -195,6 +197,8 @@ function(zq_add_test_folder folder)
         endforeach()
     endif()
     # A program that counts allocations replaces the allocator; no other one does.
+    set_source_files_properties("${PROJECT_SOURCE_DIR}/tests/kit/AllocationCount.cpp" PROPERTIES
+        SKIP_UNITY_BUILD_INCLUSION ON)
     foreach(source IN LISTS sources)
         file(STRINGS "${source}" counting REGEX "^#include \"tests/kit/AllocationCount.h\"")
         if(counting)

@@ -3,7 +3,13 @@
 
 add_library(zq_flags INTERFACE)
 
-target_compile_options(zq_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+target_compile_options(zq_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion)
+# Where several sources are compiled as one, a local name may be a global one of another source, and the base of a class
+# unnamed.
+set(unity "$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>")
+set(gnu "$<CXX_COMPILER_ID:GNU>")
+target_compile_options(zq_flags INTERFACE
+    "$<$<NOT:${unity}>:-Wshadow>" "$<$<AND:${unity},${gnu}>:-Wshadow=local;-Wno-subobject-linkage>")
 if(ZQFOUNDATION_WERROR)
     target_compile_options(zq_flags INTERFACE -Werror)
 elseif(NOT PROJECT_IS_TOP_LEVEL)

@@ -10,13 +10,15 @@
 #include "foundation/objects/NSDate.h"
 #include "foundation/time/NSCalendar.h"
 #include "tests/kit/Dates.h"
+#include "tests/kit/Values.h"
 #include "tests/kit/Zones.h"
 
 namespace ZQFoundation {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+using kit::infinity;
+using kit::notANumber;
+
 constexpr char newYork[] = "EST5EDT,M3.2.0,M11.1.0";
 
 NSDate at(double seconds) { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); }

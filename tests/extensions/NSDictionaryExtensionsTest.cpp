@@ -21,7 +21,6 @@ using namespace kit;
 namespace {
 
 const double nan = std::numeric_limits<double>::quiet_NaN();
-const double infinity = std::numeric_limits<double>::infinity();
 const float singleInfinity = std::numeric_limits<float>::infinity();
 const int leastInt = std::numeric_limits<int>::lowest();
 
@@ -30,7 +29,7 @@ static_assert(std::is_same_v<decltype(NSDictionary().floatForKey("k")), float>);
 static_assert(std::is_same_v<decltype(NSDictionary().integerForKey("k")), std::int64_t>);
 
 // What the three lookups return for each value.
-struct Row {
+struct LookupRow {
     const char* name;
     NSObject value;
     bool truth;
@@ -38,7 +37,7 @@ struct Row {
     std::int64_t integer;
 };
 
-void expectLookups(const Row& row) {
+void expectLookups(const LookupRow& row) {
     const NSDictionary dictionary{{"other", 77}, {"key", row.value}};
     EXPECT_EQ(dictionary.boolForKey("key"), row.truth) << row.name;
     EXPECT_EQ(dictionary.floatForKey("key"), row.real) << row.name;
@@ -46,7 +45,7 @@ void expectLookups(const Row& row) {
 }
 
 TEST(NSDictionaryExtensions, lookupsOfStrings) {
-    const Row rows[] = {
+    const LookupRow rows[] = {
         {"Yes", "Yes", true, 0, 0},
         {"true", "true", false, 0, 0},
         {"1", "1", true, 1, 1},
@@ -59,14 +58,14 @@ TEST(NSDictionaryExtensions, lookupsOfStrings) {
         {"1e3", "1e3", true, 1000, 1},
         {"1e400", "1e400", true, singleInfinity, 1},
     };
-    for (const Row& row : rows) {
+    for (const LookupRow& row : rows) {
         expectLookups(row);
     }
 }
 
 // Truth goes through the number's decimal text here, unlike the number's own truth; integers are narrowed.
 TEST(NSDictionaryExtensions, lookupsOfNumbers) {
-    const Row rows[] = {
+    const LookupRow rows[] = {
         {"0", 0, false, 0, 0},
         {"256", 256, true, 256, 256},
         {"true", true, true, 1, 1},
@@ -86,7 +85,7 @@ TEST(NSDictionaryExtensions, lookupsOfNumbers) {
         {"infinity is false", infinity, false, singleInfinity, -1},
         {"zeros of both signs", -0.0, false, 0, 0},
     };
-    for (const Row& row : rows) {
+    for (const LookupRow& row : rows) {
         expectLookups(row);
     }
     EXPECT_FALSE((NSDictionary{{"key", nan}}).boolForKey("key"));
@@ -96,7 +95,7 @@ TEST(NSDictionaryExtensions, lookupsOfNumbers) {
 }
 
 TEST(NSDictionaryExtensions, lookupsOfValuesWithoutTheForm) {
-    const Row rows[] = {
+    const LookupRow rows[] = {
         {"date", NSDate::dateWithTimeIntervalSinceReferenceDate(1), false, 0, 0},
         {"data", NSData::dataWithBytes_length("1", 1), false, 0, 0},
         {"array", NSArray{1, 2}, false, 0, 0},
@@ -105,13 +104,13 @@ TEST(NSDictionaryExtensions, lookupsOfValuesWithoutTheForm) {
         {"null", NSNull::null(), false, 0, 0},
         {"an object without forms", makeObject<Offering>(), false, 0, 0},
     };
-    for (const Row& row : rows) {
+    for (const LookupRow& row : rows) {
         expectLookups(row);
     }
 }
 
 TEST(NSDictionaryExtensions, lookupsOfHostObjects) {
-    const Row rows[] = {
+    const LookupRow rows[] = {
         {"integer only", makeObject<Offering>(std::nullopt, 7), true, 0, 7},
         {"low bits", makeObject<Offering>(std::nullopt, 256), false, 0, 256},
         {"text first", makeObject<Offering>(NSString("0"), 7), false, 0, 7},
@@ -120,7 +119,7 @@ TEST(NSDictionaryExtensions, lookupsOfHostObjects) {
         {"real only", makeObject<Offering>(std::nullopt, std::nullopt, 2.5F), false, 2.5F, 0},
         {"nil text", makeObject<Offering>(NSString(), 2), true, 0, 2},
     };
-    for (const Row& row : rows) {
+    for (const LookupRow& row : rows) {
         expectLookups(row);
     }
 }

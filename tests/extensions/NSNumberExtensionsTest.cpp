@@ -8,12 +8,13 @@
 
 #include "foundation/objects/NSNumber.h"
 #include "foundation/objects/NSString.h"
+#include "tests/kit/Values.h"
 
 namespace ZQFoundation {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+using kit::infinity;
+using kit::notANumber;
 
 std::string duration(const NSNumber& number, std::int64_t fields, bool suppressZeroes) {
     const NSString text = number.durationDescriptionWithFieldCount_suppressZeroes(fields, suppressZeroes);

@@ -21,7 +21,7 @@ NSScanner scannerAt(const NSString& text, std::size_t location) {
     return scanner;
 }
 
-struct Row {
+struct TargetRow {
     NSString text;
     std::size_t location;
     StringView target;
@@ -31,7 +31,7 @@ struct Row {
     std::size_t past;
 };
 
-const Row rows[] = {
+const TargetRow targetRows[] = {
     {"key: value", 0, ":", true, 3, true, 4},
     {"key: value", 3, ":", true, 3, true, 4}, // already at the target
     {"  : x", 0, ":", true, 0, true, 3},      // likewise, before what is skipped
@@ -58,7 +58,7 @@ const Row rows[] = {
 };
 
 TEST(NSScannerExtensions, moveToATargetOrStay) {
-    for (const Row& row : rows) {
+    for (const TargetRow& row : targetRows) {
         SCOPED_TRACE(utf8Of(row.text) + " to " + utf8Of(NSString(row.target)));
         NSScanner scanner = scannerAt(row.text, row.location);
         EXPECT_EQ(scanner.scanUpToString(row.target), row.isUpTo);

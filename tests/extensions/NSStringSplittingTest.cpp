@@ -18,13 +18,13 @@ using models::Texts;
 
 namespace {
 
-NSCharacterSet blanks() { return NSCharacterSet::whitespaceCharacterSet(); }
+NSCharacterSet whitespace() { return NSCharacterSet::whitespaceCharacterSet(); }
 
 void expectSplit(const std::u16string& text, const NSCharacterSet& set) {
     const NSString string = stringOf(text);
     ASSERT_EQ(textsOf(string.componentsSeparatedByCharacterSet(set)), models::piecesBetweenMembers(text, set))
         << shownUnits(text);
-    const Texts words = models::piecesBetweenMembers(text, blanks());
+    const Texts words = models::piecesBetweenMembers(text, whitespace());
     ASSERT_EQ(textsOf(string.componentsSeparatedByWhitespace()), words) << shownUnits(text);
     ASSERT_EQ(textsOf(string.componentsSeparatedByWhitespaces()), words) << shownUnits(text);
 }
@@ -95,7 +95,7 @@ TEST(NSStringSplitting, findsThePiecesOfTheModel) {
 TEST(NSStringSplitting, knowsTheSameWhiteSpaceInBothForms) {
     for (unsigned value = 0; value <= 0xFFFF; ++value) {
         const auto unit = static_cast<char16_t>(value);
-        const std::size_t expected = blanks().characterIsMember(unit) ? 2 : 1;
+        const std::size_t expected = whitespace().characterIsMember(unit) ? 2 : 1;
         const std::u16string text{u'a', unit, u'b'};
         ASSERT_EQ(stringOf(text).componentsSeparatedByWhitespace().count(), expected) << value;
         ASSERT_EQ(stringOf(text + u"\u20AC").componentsSeparatedByWhitespace().count(), expected) << value;
@@ -134,11 +134,11 @@ TEST(NSStringSplitting, splitsLongTexts) {
 
 TEST(NSStringSplitting, givesNilForNilAndAnEmptyArrayForTheEmptyString) {
     EXPECT_TRUE(NSString("").componentsSeparatedByLineBreak());
-    EXPECT_TRUE(NSString("").componentsSeparatedByCharacterSet(blanks()));
+    EXPECT_TRUE(NSString("").componentsSeparatedByCharacterSet(whitespace()));
     EXPECT_TRUE(NSString("").componentsSeparatedByWhitespace());
     EXPECT_TRUE(NSString("").componentsSeparatedByWhitespaces());
     EXPECT_FALSE(NSString().componentsSeparatedByLineBreak());
-    EXPECT_FALSE(NSString().componentsSeparatedByCharacterSet(blanks()));
+    EXPECT_FALSE(NSString().componentsSeparatedByCharacterSet(whitespace()));
     EXPECT_FALSE(NSString().componentsSeparatedByWhitespace());
     EXPECT_FALSE(NSString().componentsSeparatedByWhitespaces());
     EXPECT_EQ(textsOf(NSString("a b").componentsSeparatedByCharacterSet(nullptr)), Texts{u"a b"});

@@ -8,11 +8,15 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include "tests/kit/Environment.h"
 #include "tests/kit/ScratchFolder.h"
 
 namespace ZQFoundation::scene {
+
+/// A user who does not run the tests.
+inline constexpr uid_t stranger = 54321;
 
 /// A test with a folder of its own.
 class FolderTest : public testing::Test {

@@ -25,10 +25,9 @@
 
 using namespace ZQFoundation;
 using namespace ZQFoundation::detail;
+using scene::stranger;
 
 namespace {
-
-constexpr uid_t stranger = 54321;
 
 /// The error of an opening, 0 when it succeeds.
 int errorOf(const std::string& path) {

@@ -20,6 +20,7 @@
 using namespace ZQFoundation;
 using kit::bytesOf;
 using kit::fromBytes;
+using scene::stranger;
 
 namespace {
 
@@ -354,8 +355,6 @@ TEST_F(PathResolutionOnDisk, keepsTheErrorNumberAndEveryDescriptor) {
         expanded("~no such account");
     });
 }
-
-constexpr uid_t stranger = 54321;
 
 TEST_F(PathResolutionOnDisk, anOwnLinkInAStickyFolderIsFollowed) {
     folder.makeFolder("shared");

@@ -14,8 +14,6 @@ using namespace formattesting;
 
 namespace {
 
-const char* const nullText = nullptr;
-
 class Stamped {
 public:
     virtual ~Stamped() = default;

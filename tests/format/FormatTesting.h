@@ -19,6 +19,8 @@ namespace ZQFoundation::formattesting {
 
 using kit::Described;
 
+inline const char* const nullText = nullptr;
+
 /// Formats with a format that the compiler does not check, so that misfits get through.
 template <class... Arguments>
 std::string unchecked(StringView format, const Arguments&... arguments) {

@@ -15,8 +15,6 @@ using namespace formattesting;
 
 namespace {
 
-const char* const nullText = nullptr;
-
 TEST(FormatText, cStringsAreCutByBytesAndPaddedWithBlanks) {
     EXPECT_EQ(text(NSString::stringWithFormat("%.3s|%10s|%-10s|", "hello", "hi", "hi")),
               "hel|        hi|hi        |");

@@ -13,9 +13,6 @@ using namespace infotest;
 
 namespace {
 
-const Lines nothing;
-const kit::Setting traced{"TraceIO", "<true/>"};
-
 struct Switch {
     std::string key;
     std::size_t spaces;      ///< between the sentence and the command

@@ -13,13 +13,13 @@ namespace {
 
 using Text = NSString (*)(const NSDictionary&);
 
-struct Row {
+struct FactRow {
     std::initializer_list<NSDictionaryEntry> facts;
     const char* text;
 };
 
-void expectTexts(Text text, std::initializer_list<Row> rows) {
-    for (const Row& row : rows) {
+void expectTexts(Text text, std::initializer_list<FactRow> rows) {
+    for (const FactRow& row : rows) {
         EXPECT_EQ(utf8Of(text(NSDictionary(row.facts))), row.text);
     }
 }

@@ -20,6 +20,9 @@ namespace ZQFoundation::infotest {
 
 using Lines = std::vector<std::string>;
 
+inline const Lines nothing;
+inline const kit::Setting traced{"TraceIO", "<true/>"};
+
 inline std::string entry(const std::string& key, const std::string& text) {
     return "<key>" + key + "</key><string>" + text + "</string>";
 }

@@ -11,7 +11,7 @@ using kit::utf8Of;
 
 namespace {
 
-std::string valueOf(const std::string& bytes, const char* key = "NAME") {
+std::string releaseValue(const std::string& bytes, const char* key = "NAME") {
     return utf8Of(NSString(detail::releaseEntriesFromBytes(bytes).objectForKey(key)));
 }
 
@@ -30,23 +30,23 @@ TEST(ReleaseFile, readsValuesQuotedAsForAShell) {
                            Row{"NAME=\" a \"", " a "}, Row{"NAME=a#b", "a#b"}, Row{"NAME=\"a # b\"", "a # b"},
                            Row{"NAME=a # b", "a"}, Row{"NAME=a\\ #b", "a #b"}, Row{"NAME=a \"\"#b", "a #b"},
                            Row{"NAME= # b", ""}, Row{"NAME=a\r", "a"}, Row{"NAME=\"a\"\r", "a"}}) {
-        EXPECT_EQ(valueOf(row.line + "\n"), row.value) << row.line;
-        EXPECT_EQ(valueOf(row.line), row.value) << row.line << " at the end";
-        EXPECT_EQ(valueOf("\n# NAME=no\n\t\n" + row.line + "\nVERSION=1\n"), row.value) << row.line;
+        EXPECT_EQ(releaseValue(row.line + "\n"), row.value) << row.line;
+        EXPECT_EQ(releaseValue(row.line), row.value) << row.line << " at the end";
+        EXPECT_EQ(releaseValue("\n# NAME=no\n\t\n" + row.line + "\nVERSION=1\n"), row.value) << row.line;
     }
 }
 
 TEST(ReleaseFile, readsWhatAShellWouldRefuseAsItWasMeant) {
-    EXPECT_EQ(valueOf("NAME=My Linux  \nVERSION=1"), "My Linux");
-    EXPECT_EQ(valueOf("NAME=\"My Linux\nVERSION=1"), "My Linux");
-    EXPECT_EQ(valueOf("NAME='My Linux\nVERSION=1", "VERSION"), "1");
-    EXPECT_EQ(valueOf("NAME=a\\"), "a");
-    EXPECT_EQ(valueOf("NAME=\"a\\"), "a\\");
+    EXPECT_EQ(releaseValue("NAME=My Linux  \nVERSION=1"), "My Linux");
+    EXPECT_EQ(releaseValue("NAME=\"My Linux\nVERSION=1"), "My Linux");
+    EXPECT_EQ(releaseValue("NAME='My Linux\nVERSION=1", "VERSION"), "1");
+    EXPECT_EQ(releaseValue("NAME=a\\"), "a");
+    EXPECT_EQ(releaseValue("NAME=\"a\\"), "a\\");
 }
 
 TEST(ReleaseFile, takesTheLastOfSeveralValues) {
-    EXPECT_EQ(valueOf("NAME=a\nVERSION=1\nNAME=b\n"), "b");
-    EXPECT_EQ(valueOf("NAME=a\nNAME=\n"), "");
+    EXPECT_EQ(releaseValue("NAME=a\nVERSION=1\nNAME=b\n"), "b");
+    EXPECT_EQ(releaseValue("NAME=a\nNAME=\n"), "");
 }
 
 TEST(ReleaseFile, ignoresOtherLines) {
@@ -65,18 +65,18 @@ TEST(ReleaseFile, readsTheFourKeys) {
 }
 
 TEST(ReleaseFile, readsUtf8AndReplacesWhatIsNone) {
-    EXPECT_EQ(valueOf("NAME=\"Caf\xC3\xA9\""), "Caf\xC3\xA9");
-    EXPECT_EQ(valueOf("NAME=\"a\xFF"
-                      "b\""),
+    EXPECT_EQ(releaseValue("NAME=\"Caf\xC3\xA9\""), "Caf\xC3\xA9");
+    EXPECT_EQ(releaseValue("NAME=\"a\xFF"
+                           "b\""),
               "a\xEF\xBF\xBD"
               "b");
-    EXPECT_EQ(valueOf("\xEF\xBB\xBFNAME=a"), "a");
+    EXPECT_EQ(releaseValue("\xEF\xBB\xBFNAME=a"), "a");
 }
 
 TEST(ReleaseFile, takesLargeHostileFilesInLinearTime) {
     const std::size_t size = std::size_t{1} << 22;
-    EXPECT_EQ(valueOf(std::string(size, '\n') + "NAME=a"), "a");
-    EXPECT_EQ(valueOf("NAME=" + std::string(size, ' ') + "#"), "");
-    EXPECT_EQ(valueOf("NAME=" + std::string(size, '\'')), "");
-    EXPECT_EQ(valueOf("NAME=" + std::string(size, '\\')), std::string(size / 2, '\\'));
+    EXPECT_EQ(releaseValue(std::string(size, '\n') + "NAME=a"), "a");
+    EXPECT_EQ(releaseValue("NAME=" + std::string(size, ' ') + "#"), "");
+    EXPECT_EQ(releaseValue("NAME=" + std::string(size, '\'')), "");
+    EXPECT_EQ(releaseValue("NAME=" + std::string(size, '\\')), std::string(size / 2, '\\'));
 }

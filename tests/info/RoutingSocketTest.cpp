@@ -191,7 +191,7 @@ std::uint32_t lookUp(const char* destination = "192.0.2.1") {
 }
 
 /// What the C library's own reporting makes of the text and the error.
-std::string warning(const char* text, int error) {
+std::string routingWarning(const char* text, int error) {
     const CapturedOutput captured;
     errno = error;
     ::warn("%s", text);
@@ -316,12 +316,12 @@ TEST(RoutingSocket, numbersOnlyCallsThatOpenASocketFrom1) {
 
 TEST(RoutingSocket, noDestinationIsReportedAndNothingIsOpened) {
     Script script;
-    EXPECT_EQ(writtenFor(0, nullptr, EDOM), warning(noAddressGiven, EDOM));
-    EXPECT_EQ(writtenFor(0, nullptr, 0), warning(noAddressGiven, 0));
+    EXPECT_EQ(writtenFor(0, nullptr, EDOM), routingWarning(noAddressGiven, EDOM));
+    EXPECT_EQ(writtenFor(0, nullptr, 0), routingWarning(noAddressGiven, 0));
     const CapturedOutput captured;
     errno = ENOENT;
     EXPECT_EQ(textOf(NSString()), "(nil)");
-    EXPECT_EQ(captured.bytes(), warning(noAddressGiven, ENOENT));
+    EXPECT_EQ(captured.bytes(), routingWarning(noAddressGiven, ENOENT));
     EXPECT_EQ(script.opens, 0);
     EXPECT_EQ(script.requests.size(), 0U);
 }
@@ -330,13 +330,13 @@ TEST(RoutingSocket, failedStepsAreReportedWithTheSystemsErrorAndNeverRetried) {
     for (const int error : {EMFILE, EACCES, EAFNOSUPPORT}) {
         Script script({Message{}});
         script.openError = error;
-        EXPECT_EQ(writtenFor(0), warning(notOpened, error));
+        EXPECT_EQ(writtenFor(0), routingWarning(notOpened, error));
         EXPECT_TRUE(script.askedSockets.empty());
     }
     for (const int error : {ENETUNREACH, ESRCH, EPERM, EINTR}) {
         Script script({Message{}});
         script.writeError = error;
-        EXPECT_EQ(writtenFor(0), warning(notWritten, error));
+        EXPECT_EQ(writtenFor(0), routingWarning(notWritten, error));
         EXPECT_EQ(script.requests.size(), 1U);
         EXPECT_TRUE(script.readBuffers.empty());
         EXPECT_TRUE(isOpen(script.sockets.at(0))) << "the socket of a failed call is kept";
@@ -345,7 +345,7 @@ TEST(RoutingSocket, failedStepsAreReportedWithTheSystemsErrorAndNeverRetried) {
         for (const std::size_t foreign : {0U, 2U}) {
             Script script(std::vector<Message>(foreign, Message{.type = 1}));
             script.readError = error;
-            EXPECT_EQ(writtenFor(0, "192.0.2.1", EDOM), warning(notRead, error));
+            EXPECT_EQ(writtenFor(0, "192.0.2.1", EDOM), routingWarning(notRead, error));
             EXPECT_EQ(script.readBuffers.size(), foreign + 1);
             EXPECT_TRUE(isOpen(script.sockets.at(0)));
             const CapturedOutput unseen;
@@ -372,7 +372,7 @@ TEST(RoutingSocket, replyWithoutTheAddressOfTheInterfaceIsReported) {
     };
     for (const Message& message : without) {
         Script script({message, message});
-        EXPECT_EQ(writtenFor(0, "192.0.2.1", EDOM), warning(notContained, EDOM)) << message.mask;
+        EXPECT_EQ(writtenFor(0, "192.0.2.1", EDOM), routingWarning(notContained, EDOM)) << message.mask;
         EXPECT_TRUE(isOpen(script.sockets.at(0)));
         const CapturedOutput unseen;
         EXPECT_EQ(textOf("192.0.2.1"), "(nil)");
@@ -427,7 +427,7 @@ TEST(RoutingSocket, endOfInputAfterADroppedMessageTakesTheAddressFromThatOne) {
     Script script({Message{.addresses = {ipAddress(other)}, .type = 1}});
     EXPECT_EQ(writtenFor(networkOrder(other)), "");
     Script without({Message{.mask = destinationBit, .type = 1}});
-    EXPECT_EQ(writtenFor(0, "192.0.2.1", EDOM), warning(notContained, EDOM));
+    EXPECT_EQ(writtenFor(0, "192.0.2.1", EDOM), routingWarning(notContained, EDOM));
 }
 
 TEST(RoutingSocket, shortMessageIsReadWithWhatFollowedInTheBuffer) {
@@ -525,11 +525,12 @@ TEST(RoutingSocket, lengthsThatLeadOutOfTheBufferEndTheWalk) {
         }
         Script script({Message{.mask = destinationBit | gatewayBit | netmaskBit | interfaceAddressBit,
                                .addresses = {addresses}}});
-        EXPECT_EQ(writtenFor(row.found ? networkOrder(other) : 0), row.found ? "" : warning(notContained, 0))
+        EXPECT_EQ(writtenFor(row.found ? networkOrder(other) : 0),
+                  row.found ? "" : routingWarning(notContained, 0))
             << row.before;
     }
     Script longest({Message{.mask = -1, .addresses = {Bytes(512, 0xFF)}}});
-    EXPECT_EQ(writtenFor(0), warning(notContained, 0));
+    EXPECT_EQ(writtenFor(0), routingWarning(notContained, 0));
 }
 
 TEST(RoutingSocket, errorNumberInTheReplyIsIgnored) {
@@ -697,7 +698,7 @@ TEST(RoutingSocketOfTheKernel, namesTheStepThatFailed) {
     for (const auto& row : rows) { // a lambda captures no structured binding with clang 14
         kit::expectInChild([&row] {
             EXPECT_TRUE(kit::refuseCall(row.first, EIO));
-            EXPECT_EQ(writtenFor(0, "127.0.0.1"), warning(row.second, EIO));
+            EXPECT_EQ(writtenFor(0, "127.0.0.1"), routingWarning(row.second, EIO));
         });
     }
 }

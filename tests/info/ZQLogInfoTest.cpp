@@ -17,8 +17,6 @@ using namespace infotest;
 namespace {
 
 constexpr const char* invalidArgument = "NSInvalidArgumentException";
-const Lines nothing;
-const kit::Setting traced{"TraceIO", "<true/>"};
 const std::string summary = "Viewer 2.1 v417 (en), running on macOS 14.2 (23C64)";
 const std::string hardwareLine = "[Box14,2; 8 processor cores; 16384 MB RAM]";
 const std::string traceLine =

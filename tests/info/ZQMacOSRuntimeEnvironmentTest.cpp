@@ -51,15 +51,15 @@ void expectTexts(const std::string& version, const std::string& name, const std:
     EXPECT_EQ(kit::utf8Of(Environment::userVisibleMacOSBuild()), build) << about;
 }
 
-struct Row {
+struct VersionRow {
     const char* value; ///< of ProductVersion, as a piece of XML
     const char* numbers;
     const char* tests;
 };
 
-void expectRows(std::initializer_list<Row> rows) {
+void expectRows(std::initializer_list<VersionRow> rows) {
     kit::inFreshProcess([&] {
-        for (const Row& row : rows) {
+        for (const VersionRow& row : rows) {
             const SystemScene system;
             system.writeVersionFile(
                 plistOf(entry("ProductName", "S") +

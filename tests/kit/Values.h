@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Values as texts, data and sets from texts, raised exceptions by name, and host objects made to order.
+// Numbers, values as texts, data and sets from texts, raised exceptions by name, and host objects made to
+// order.
 #ifndef ZQFOUNDATION_TESTS_KIT_VALUES_H
 #define ZQFOUNDATION_TESTS_KIT_VALUES_H
 
+#include <limits>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -10,11 +12,16 @@
 
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSData.h"
+#include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSException.h"
 #include "foundation/objects/NSObject.h"
 #include "foundation/objects/NSObjectProtocol.h"
 
 namespace ZQFoundation::kit {
+
+inline constexpr double infinity = std::numeric_limits<double>::infinity();
+inline constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+inline constexpr NSRange nowhere{NSNotFound, 0};
 
 /// The text as UTF-8, or "(nil)".
 inline std::string utf8Of(const NSString& text) { return text ? text.utf8() : "(nil)"; }
@@ -29,6 +36,15 @@ inline std::string bytesOf(const NSData& data) {
 
 inline NSData dataOf(std::string_view bytes) {
     return NSData::dataWithBytes_length(bytes.data(), bytes.size());
+}
+
+/// "key0" to 0, and so on.
+inline NSDictionary numbered(int count) {
+    NSMutableDictionary builder;
+    for (int i = 0; i < count; ++i) {
+        builder.setObject_forKey(i, NSString("key" + std::to_string(i)));
+    }
+    return builder.dictionary();
 }
 
 inline NSCharacterSet setOf(StringView characters) {

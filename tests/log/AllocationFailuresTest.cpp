@@ -34,7 +34,7 @@ bool rereadTimeZone() {
            ZQLog::dateFormatterShort().stringFromDate(NSDate::date()).length() == 13;
 }
 
-bool writeLine() {
+bool writeLongLine() {
     ZQLog::logWithFormat("%@ %5000d", NSArray{"a", 1}, 3);
     return true;
 }
@@ -44,7 +44,7 @@ bool makeText() {
 }
 
 const Operation operations[] = {
-    Operation("a line", [](const ScratchFolder&) { return writeLine(); }),
+    Operation("a line", [](const ScratchFolder&) { return writeLongLine(); }),
     Operation("a text", [](const ScratchFolder&) { return makeText(); }),
     Operation("the trace keys", [](const ScratchFolder&) { return rereadTraceKeys(); }),
     Operation("the time zone", [](const ScratchFolder&) { return rereadTimeZone(); }),

@@ -14,13 +14,13 @@ using namespace logscene;
 
 namespace {
 
-constexpr int childCount = kit::isSanitized ? 200 : 1'000; // a sanitizer takes long to start one
+constexpr int crashCount = kit::isSanitized ? 200 : 1'000; // a sanitizer takes long to start one
 
 std::string textOfChild(int number) {
     return numberedText(number, 0, number % 50 == 49 ? 100'000 : static_cast<std::size_t>(number % 150));
 }
 
-void logAsChild(int number) {
+void logAndCrash(int number) {
     const std::string text = textOfChild(number);
     switch (number % 5) {
     case 0:
@@ -82,7 +82,7 @@ int crashChildren(int descriptor, int count) {
         if (child == 0) {
             crashQuietly();
             ::dup2(descriptor, STDERR_FILENO);
-            logAsChild(number);
+            logAndCrash(number);
             crash(way);
         }
         ended += kit::endOf(child) == -signalOfWay[way] ? 1 : 0;
@@ -105,8 +105,8 @@ void expectAllLines(std::string_view bytes, int count) {
 TEST(CrashSafety, keepsTheLinesOfAThousandKilledChildren) {
     const kit::ScratchFolder folder;
     const kit::Descriptor file(kit::openToAppend(folder / "log"));
-    EXPECT_EQ(crashChildren(file.number(), childCount), childCount);
-    expectAllLines(kit::contentsOf(folder / "log"), childCount);
+    EXPECT_EQ(crashChildren(file.number(), crashCount), crashCount);
+    expectAllLines(kit::contentsOf(folder / "log"), crashCount);
 }
 
 TEST(CrashSafety, keepsLinesThatNobodyHasReadYet) {

@@ -83,7 +83,7 @@ void logAsChild(int number) {
 }
 
 /// Every child's line is in the output once, whole, after the child's own number.
-void expectLinesOf(const std::vector<pid_t>& children, const std::string& bytes) {
+void expectLinesOfChildren(const std::vector<pid_t>& children, const std::string& bytes) {
     std::map<std::string, int> found;
     ASSERT_TRUE(bytes.ends_with('\n'));
     for (const std::string_view line : kit::linesIn(bytes)) {
@@ -140,7 +140,7 @@ TEST(ForkedLogging, worksInChildrenOfAProcessWhoseThreadsLog) {
         sayScale(std::to_string(childCount) + " children during " + std::to_string(threads.turns()) +
                  " turns");
     }
-    expectLinesOf(children, kit::contentsOf(folder / "log"));
+    expectLinesOfChildren(children, kit::contentsOf(folder / "log"));
 }
 
 #endif

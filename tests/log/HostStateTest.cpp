@@ -119,71 +119,71 @@ std::map<std::string, std::string> hostState() {
 
 const kit::Described plain("plain");
 
-struct Call {
-    constexpr Call(const char* itsName, void (*action)()) : name(itsName), perform(action) {}
+struct NamedCall {
+    constexpr NamedCall(const char* itsName, void (*action)()) : name(itsName), perform(action) {}
 
     const char* name;
     void (*perform)();
 };
 
-const Call calls[] = {
-    Call("log", [] { ZQLog::log("a line"); }),
-    Call("log, long", [] { ZQLog::log(std::string(100'000, 'x')); }),
-    Call("log, nil", [] { ZQLog::log(nullptr); }),
-    Call("log, ill-formed", [] { ZQLog::log("\xff\xfe"); }),
-    Call("log, flag NO", [] { ZQLog::logAlways_log(false, "a line"); }),
-    Call("NSLog", [] { NSLog("%@ %d", "text", 3); }),
-    Call(
+const NamedCall calls[] = {
+    NamedCall("log", [] { ZQLog::log("a line"); }),
+    NamedCall("log, long", [] { ZQLog::log(std::string(100'000, 'x')); }),
+    NamedCall("log, nil", [] { ZQLog::log(nullptr); }),
+    NamedCall("log, ill-formed", [] { ZQLog::log("\xff\xfe"); }),
+    NamedCall("log, flag NO", [] { ZQLog::logAlways_log(false, "a line"); }),
+    NamedCall("NSLog", [] { NSLog("%@ %d", "text", 3); }),
+    NamedCall(
         "format",
         [] {
             ZQLog::logWithFormat("%@ %5.2f %s %llu %a", NSArray{1, "a", NSDate::date()}, 2.5, "c", 7ULL, 0.1);
         }),
-    Call("format, returned",
-         [] {
-             ZQLog::logStringWithFormat("%@ %g", NSDictionary{{"a", 1.5}}, 2.5);
-         }),
-    Call("trace key", [] { ZQLog::logForTraceKey_usingFormat("TraceSteady", "%d", 3); }),
-    Call("trace key, off", [] { ZQLog::logForTraceKey_usingFormat("TraceNever", "%d", 3); }),
-    Call("level", [] { ZQLog::logForTraceKey_value_usingFormat("TraceNever", 0, "%d", 3); }),
-    Call("threshold", [] { ZQLog::logForTraceKey_threshold_usingFormat("TraceNever", 0, "%@", plain); }),
-    Call("any of",
-         [] {
-             ZQLog::logForAnyTraceKeyOf_usingFormat(NSArray{"TraceSteady", "TraceNever"}, "x");
-         }),
-    Call("all of", [] { ZQLog::logForAllTraceKeysOf_usingFormat(NSArray{"TraceSteady"}, "x"); }),
-    Call("any", [] { ZQLog::logForAnyTraceKeyUsingFormat("%@", plain); }),
-    Call("method caller",
-         [] { ZQLog::logSelf_method_logAlways_logWithFormat(&plain, "run", true, "%@", NSObject(3)); }),
-    Call("function caller", [] { ZQLog::logFunctionName_logAlways_log("run", true, "x"); }),
-    Call("prefix", [] { ZQLog::logPrefix(); }),
-    Call("formatters",
-         [] {
-             ZQLog::dateFormatterLong().stringFromDate(NSDate::date());
-             ZQLog::dateFormatterShort().stringFromDate(NSDate::date());
-         }),
-    Call("re-reading", [] { ZQLog::initializeTraceDefaultsDict(); }),
-    Call("questions",
-         [] {
-             const ZQLog::Synchronized monitor;
-             ZQLog::traceKeyIsEnabled("TraceSteady");
-             ZQLog::activatedTraceDefaultsKeys();
-             ZQLog::activatedTraceDefaultKeys();
-             ZQLog::aTraceDefaultValueHasBeenActivated();
-         }),
-    Call("caller descriptions",
-         [] {
-             ZQLog::objectiveCMethodDescriptionStringForCaller_method(&plain, "run");
-             ZQLog::cFunctionDescriptionStringForFunctionName("a/b:c");
-         }),
-    Call("defaults", [] { NSUserDefaults::standardUserDefaults().dictionaryRepresentation(); }),
-    Call("process", [] { NSProcessInfo::processInfo().environment(); }),
+    NamedCall("format, returned",
+              [] {
+                  ZQLog::logStringWithFormat("%@ %g", NSDictionary{{"a", 1.5}}, 2.5);
+              }),
+    NamedCall("trace key", [] { ZQLog::logForTraceKey_usingFormat("TraceSteady", "%d", 3); }),
+    NamedCall("trace key, off", [] { ZQLog::logForTraceKey_usingFormat("TraceNever", "%d", 3); }),
+    NamedCall("level", [] { ZQLog::logForTraceKey_value_usingFormat("TraceNever", 0, "%d", 3); }),
+    NamedCall("threshold", [] { ZQLog::logForTraceKey_threshold_usingFormat("TraceNever", 0, "%@", plain); }),
+    NamedCall("any of",
+              [] {
+                  ZQLog::logForAnyTraceKeyOf_usingFormat(NSArray{"TraceSteady", "TraceNever"}, "x");
+              }),
+    NamedCall("all of", [] { ZQLog::logForAllTraceKeysOf_usingFormat(NSArray{"TraceSteady"}, "x"); }),
+    NamedCall("any", [] { ZQLog::logForAnyTraceKeyUsingFormat("%@", plain); }),
+    NamedCall("method caller",
+              [] { ZQLog::logSelf_method_logAlways_logWithFormat(&plain, "run", true, "%@", NSObject(3)); }),
+    NamedCall("function caller", [] { ZQLog::logFunctionName_logAlways_log("run", true, "x"); }),
+    NamedCall("prefix", [] { ZQLog::logPrefix(); }),
+    NamedCall("formatters",
+              [] {
+                  ZQLog::dateFormatterLong().stringFromDate(NSDate::date());
+                  ZQLog::dateFormatterShort().stringFromDate(NSDate::date());
+              }),
+    NamedCall("re-reading", [] { ZQLog::initializeTraceDefaultsDict(); }),
+    NamedCall("questions",
+              [] {
+                  const ZQLog::Synchronized monitor;
+                  ZQLog::traceKeyIsEnabled("TraceSteady");
+                  ZQLog::activatedTraceDefaultsKeys();
+                  ZQLog::activatedTraceDefaultKeys();
+                  ZQLog::aTraceDefaultValueHasBeenActivated();
+              }),
+    NamedCall("caller descriptions",
+              [] {
+                  ZQLog::objectiveCMethodDescriptionStringForCaller_method(&plain, "run");
+                  ZQLog::cFunctionDescriptionStringForFunctionName("a/b:c");
+              }),
+    NamedCall("defaults", [] { NSUserDefaults::standardUserDefaults().dictionaryRepresentation(); }),
+    NamedCall("process", [] { NSProcessInfo::processInfo().environment(); }),
 };
 
 /// Every call; checks `errno` after each, and the rest of the state after all of them.
 void expectAllStays() {
     const auto before = hostState();
     for (int round = 0; round < 2; ++round) { // the first calls make what the later ones use
-        for (const Call& call : calls) {
+        for (const NamedCall& call : calls) {
             for (const int error : {EDOM, 0}) {
                 errno = error;
                 call.perform();

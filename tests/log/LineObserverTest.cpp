@@ -35,13 +35,13 @@ public:
 };
 
 /// Keeps the texts and the messages of the lines.
-struct Window {
+struct LogWindow {
     std::mutex mutex;
     Texts texts;
     Texts messages;
 
     static void observe(const ZQLogLine& line, void* context) {
-        Window& window = *static_cast<Window*>(context);
+        LogWindow& window = *static_cast<LogWindow*>(context);
         const std::lock_guard guard(window.mutex);
         window.texts.emplace_back(line.text);
         window.messages.emplace_back(line.message);
@@ -56,7 +56,7 @@ std::string joined(const Texts& lines) {
     return text;
 }
 
-struct Store {
+struct Stock {
     void reload() const { ZQAssertInMethod(false, this, "BadCount", "%d of %d", 7, 5); }
 };
 
@@ -71,19 +71,19 @@ void logInEveryWay() {
     ZQLog::logForTraceKey_usingFormat("TraceSeen", "%d", 2);
     ZQLog::logForTraceKey_usingFormat("TraceUnseen", "%d", 2);
     ZQLog::logWithFormat("%5000d", 3);
-    EXPECT_THROW(Store().reload(), NSException);
+    EXPECT_THROW(Stock().reload(), NSException);
 }
 
 TEST(LineObserver, getsTheLinesOfEveryOperationAsTheyAreWritten) {
     const kit::TraceKeys keys{{"TraceSeen", "<true/>"}};
     const CapturedOutput output;
-    Window window;
-    const Observed observed(Window::observe, &window);
+    LogWindow window;
+    const Observed observed(LogWindow::observe, &window);
     logInEveryWay();
     EXPECT_EQ(window.messages,
               (Texts{"1 by NSLog", "50% done %d", "Gr\u00fc\u00dfe", "logInEveryWay() ends with a line feed",
                      "", "two\nlines\n", "TraceSeen: 2", std::string(4999, ' ') + "3",
-                     "*** Assertion failure in -[Store reload], LineObserverTest.cpp:" +
+                     "*** Assertion failure in -[Stock reload], LineObserverTest.cpp:" +
                          window.messages.back().substr(window.messages.back().rfind(':') + 1)}));
     for (std::size_t i = 0; i < window.texts.size(); ++i) {
         const kit::Prefix prefix = kit::readPrefix(window.texts[i]);
@@ -95,8 +95,8 @@ TEST(LineObserver, getsTheLinesOfEveryOperationAsTheyAreWritten) {
 
 TEST(LineObserver, getsTheStartUpReport) {
     const CapturedOutput output;
-    Window window;
-    const Observed observed(Window::observe, &window);
+    LogWindow window;
+    const Observed observed(LogWindow::observe, &window);
     ZQLogInfo::logAppAndSystemInformation();
     EXPECT_FALSE(window.texts.empty());
     EXPECT_EQ(joined(window.texts), output.bytes());
@@ -119,8 +119,8 @@ TEST(LineObserver, isCalledAfterTheWrite) {
 
 TEST(LineObserver, getsLinesThatCannotBeWritten) {
     expectInChild([] {
-        Window window;
-        const Observed observed(Window::observe, &window);
+        LogWindow window;
+        const Observed observed(LogWindow::observe, &window);
         ::close(STDERR_FILENO);
         ZQLog::log("closed");
         EXPECT_EQ(::open("/dev/full", O_WRONLY), STDERR_FILENO);
@@ -131,11 +131,11 @@ TEST(LineObserver, getsLinesThatCannotBeWritten) {
 
 TEST(LineObserver, isReplacedAndTakenAway) {
     const CapturedOutput output;
-    Window first;
-    Window second;
-    const Observed observed(Window::observe, &first);
+    LogWindow first;
+    LogWindow second;
+    const Observed observed(LogWindow::observe, &first);
     ZQLog::log("a");
-    ZQLog::setLineObserver(Window::observe, &second);
+    ZQLog::setLineObserver(LogWindow::observe, &second);
     ZQLog::log("b");
     ZQLog::setLineObserver(nullptr, &first);
     ZQLog::log("c");
@@ -161,11 +161,11 @@ TEST(LineObserver, isNotCalledForWhatItLogsItself) {
 
 TEST(LineObserver, maySetAnotherOneWithoutWaitingForItself) {
     const CapturedOutput output;
-    Window window;
+    LogWindow window;
     const Observed observed(
         [](const ZQLogLine&, void* context) {
             ZQLog::setLineObserver(nullptr, nullptr);
-            ZQLog::setLineObserver(Window::observe, context);
+            ZQLog::setLineObserver(LogWindow::observe, context);
         },
         &window);
     ZQLog::log("a");
@@ -411,8 +411,8 @@ TEST(LineObserverFork, servesAChildWhoseParentHadOtherThreadsInside) {
     Background logging([] { ZQLog::log("a"); });
     ASSERT_TRUE(gate.holdsSoon(1));
     expectInChild([] {
-        Window window;
-        ZQLog::setLineObserver(Window::observe, &window); // the other thread is not here
+        LogWindow window;
+        ZQLog::setLineObserver(LogWindow::observe, &window); // the other thread is not here
         ZQLog::log("in the child");
         EXPECT_EQ(window.messages, Texts{"in the child"});
     });

@@ -186,7 +186,7 @@ public:
     mutable int asked = 0;
 };
 
-struct Store {
+struct Archive {
     char contents = 0;
 };
 
@@ -195,15 +195,15 @@ public:
     NSString className() const override { return nullptr; }
 };
 
-const Store store;
+const Archive store;
 const Nameless nameless;
 
 /// The trace keys of most tests.
-const Settings settings = {{"TraceNet", "<true/>"},
-                           {"TraceDisk", "<string>yes</string>"},
-                           {"TraceOff", "<false/>"},
-                           {"TraceLevel", "<integer>5</integer>"},
-                           {"Trace%@", "<true/>"}};
+const Settings familySettings = {{"TraceNet", "<true/>"},
+                                 {"TraceDisk", "<string>yes</string>"},
+                                 {"TraceOff", "<false/>"},
+                                 {"TraceLevel", "<integer>5</integer>"},
+                                 {"Trace%@", "<true/>"}};
 
 /// Arguments for one condition, and the label of the line when it holds.
 struct ConditionCase {
@@ -260,8 +260,8 @@ const std::vector<CallerCase>& callerCases() {
         {Caller::none, nullptr, nullptr, nullptr, ""},
         {Caller::method, nullptr, nullptr, nullptr, "[<<no instance>> <<no method>>]"},
         {Caller::method, nullptr, "reload:", nullptr, "[<<no instance>> reload:]"},
-        {Caller::method, &store, "reload:", nullptr, "-[(Store *)" + addressText(&store) + " reload:]"},
-        {Caller::method, &store, "50%@", nullptr, "-[(Store *)" + addressText(&store) + " 50%@]"},
+        {Caller::method, &store, "reload:", nullptr, "-[(Archive *)" + addressText(&store) + " reload:]"},
+        {Caller::method, &store, "50%@", nullptr, "-[(Archive *)" + addressText(&store) + " 50%@]"},
         {Caller::method, &nameless, "reload:", nullptr, "?[" + addressText(&nameless) + " reload:]"},
         {Caller::method, static_cast<const void*>(&store), nullptr, nullptr,
          "?[" + addressText(&store) + " <<no method>>]"},
@@ -372,7 +372,7 @@ TEST(LogFamilies, haveAnOperationForEveryCombination) {
 }
 
 TEST(LogFamilies, giveTheExactTextForEveryCallerAndCondition) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CountingItem item;
     CapturedOutput output;
     for (const Row& row : rows) {
@@ -393,9 +393,9 @@ TEST(LogFamilies, giveTheExactTextForEveryCallerAndCondition) {
 }
 
 TEST(LogFamilies, nameAClassThatCalls) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CountingItem item;
-    const Class storeClass = classOf<Store>();
+    const Class storeClass = classOf<Archive>();
     CapturedOutput output;
     for (const Row& row : rows) {
         if (row.caller == Caller::method) {
@@ -404,13 +404,14 @@ TEST(LogFamilies, nameAClassThatCalls) {
             call.self = storeClass;
             call.method = "sharedStore";
             call.text = call.format = "x";
-            expectText(row, call, composed(firstHoldingCase(row).label, "+[Store sharedStore]", "x"), output);
+            expectText(row, call, composed(firstHoldingCase(row).label, "+[Archive sharedStore]", "x"),
+                       output);
         }
     }
 }
 
 TEST(LogFamilies, askAnItemForItsDescriptionOnce) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     CapturedOutput output;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -421,7 +422,7 @@ TEST(LogFamilies, askAnItemForItsDescriptionOnce) {
 }
 
 TEST(LogFamilies, giveALineForAnEmptyFormatOrText) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CountingItem item;
     CapturedOutput output;
     for (const Row& row : rows) {
@@ -439,7 +440,7 @@ TEST(LogFamilies, giveALineForAnEmptyFormatOrText) {
 TEST(LogFamilies, giveNothingAndCostNothingWhenAGateBeforeTheConditionStopsThem) {
     const CountingItem item;
     CapturedOutput output;
-    for (const Settings& someSettings : {Settings{}, settings}) {
+    for (const Settings& someSettings : {Settings{}, familySettings}) {
         const TraceKeys keys(someSettings);
         ZQLog::traceKeyIsEnabled("TraceNet"); // reads them
         std::size_t stopped = 0;
@@ -455,7 +456,7 @@ TEST(LogFamilies, giveNothingAndCostNothingWhenAGateBeforeTheConditionStopsThem)
 }
 
 TEST(LogFamilies, giveNothingAndCostNothingWhenTheConditionFails) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CountingItem item;
     CapturedOutput output;
     for (const Row& row : rows) {
@@ -515,7 +516,7 @@ int performWithoutTraceKeys() {
 }
 
 TEST(LogFamilies, checkFlagFormatAndKeyBeforeTheyAskTheTraceKeysInAnyThread) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CapturedOutput output;
     std::atomic<int> performed = 0;
     EXPECT_TRUE(logscene::finishesWhileTheMonitorIsHeld([&] { performed = performWithoutTraceKeys(); }));
@@ -524,7 +525,7 @@ TEST(LogFamilies, checkFlagFormatAndKeyBeforeTheyAskTheTraceKeysInAnyThread) {
 
 TEST(LogFamilies, readNoTraceKeysWhenStoppedBeforeTheCondition) {
     kit::inFreshProcess([] {
-        const kit::DefaultsScene defaults(settings);
+        const kit::DefaultsScene defaults(familySettings);
         const CapturedOutput output;
         performWithoutTraceKeys();
         defaults.replace({{"TraceLate", "<true/>"}});
@@ -601,7 +602,7 @@ void forEachUseOf(const Acting& object, const Body& body) {
 } // namespace
 
 TEST(LogFamilies, describeAndFormatWithoutKeepingOtherThreadsFromTheMonitor) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CapturedOutput output;
     const TriesTheMonitor object;
     int uses = 0;
@@ -615,7 +616,7 @@ TEST(LogFamilies, describeAndFormatWithoutKeepingOtherThreadsFromTheMonitor) {
 }
 
 TEST(LogFamilies, letADescriptionLog) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const Logs object;
     CapturedOutput output;
     forEachUseOf(object, [&](const Row& row, const Call& call) {
@@ -633,7 +634,7 @@ TEST(LogFamilies, letADescriptionLog) {
 }
 
 TEST(LogFamilies, letADescriptionReadTheTraceKeysAgain) {
-    TraceKeys keys(settings);
+    TraceKeys keys(familySettings);
     const ReadsTheKeysAgain object;
     CapturedOutput output;
     forEachUseOf(object, [&](const Row& row, const Call& call) {
@@ -652,7 +653,7 @@ TEST(LogFamilies, letADescriptionReadTheTraceKeysAgain) {
 }
 
 TEST(LogFamilies, letADescriptionRaiseAndKeepNoLockFromOtherThreads) {
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const Raises object;
     const CountingItem item;
     CapturedOutput output;
@@ -676,7 +677,7 @@ TEST(LogFamilies, letADescriptionWaitForAThreadThatLogs) {
             }).join();
         }
     };
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CapturedOutput output;
     ZQLog::logForTraceKey_usingFormat("TraceNet", "%@", Waits());
     EXPECT_EQ(output.texts(), (Texts{"TraceNet: of another thread", "TraceNet: box"}));
@@ -691,7 +692,7 @@ TEST(LogFamilies, letDescriptionsNestDeeply) {
         }
         mutable int depth = 0;
     };
-    const TraceKeys keys(settings);
+    const TraceKeys keys(familySettings);
     const CapturedOutput output;
     ZQLog::logForTraceKey_usingFormat("TraceNet", "%@", Nests());
     EXPECT_EQ(output.texts(), Texts(50, "TraceNet: box"));

@@ -20,7 +20,7 @@ namespace {
 
 namespace overrides = ZQFoundation::detail::overrides;
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 constexpr time_t noon = 1'709'640'000; // some instant; files are dated in seconds from it
 
@@ -89,9 +89,9 @@ struct RetentionScene {
         ::closedir(open);
         return names;
     }
-    Names names() const {
+    NameSet names() const {
         const Texts all = listing();
-        return Names(all.begin(), all.end());
+        return NameSet(all.begin(), all.end());
     }
 
     Texts removed(By way, std::size_t count = 0) const { return ::removed(logs(), way, count); }
@@ -113,7 +113,7 @@ struct RetentionScene {
     kit::ProcessName name_; // a name that an earlier test has set would win over the arguments
 };
 
-const char* const standardName = "MyApp.20240305-1407.1234.log";
+const char* const logName = "MyApp.20240305-1407.1234.log";
 
 // What counts as a log file of "MyApp".
 const char* const namesForBoth[] = {"MyApp.log",
@@ -155,7 +155,7 @@ TEST(LogRetention, notifiesTheWorkspaceOfAFolderThatItHasListed) {
 TEST(LogRetention, byAgeTakesDigitsAndPeriodsBetweenNameAndEndingAndByCountHyphensToo) {
     for (const By way : bothWays) {
         const RetentionScene all;
-        Names left;
+        NameSet left;
         const auto expectEach = [&](const auto& names, bool counts) {
             for (const char* const name : names) {
                 const RetentionScene scene;
@@ -185,7 +185,7 @@ TEST(LogRetention, byAgeNeverRemovesStandardNamesAndByCountDoes) {
     scene.file("MyApp.log", -100);
     EXPECT_EQ(scene.removed(By::age), scene.messages({"MyApp.log"}, By::age));
     EXPECT_EQ(scene.removed(By::count), scene.messages({standard}, By::count));
-    EXPECT_EQ(scene.names(), Names{});
+    EXPECT_EQ(scene.names(), NameSet{});
 }
 
 TEST(LogRetention, goesByTheBeginningOfTheName) {
@@ -194,7 +194,7 @@ TEST(LogRetention, goesByTheBeginningOfTheName) {
     scene.file("My2.1.log", -2); // of the process "My2", perhaps
     scene.file("MyApp.1.log", -3);
     scene.removed(By::age);
-    EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
+    EXPECT_EQ(scene.names(), NameSet{"MyApp.1.log"});
 }
 
 TEST(LogRetention, knowsProcessNamesOfAnyBytes) {
@@ -202,8 +202,8 @@ TEST(LogRetention, knowsProcessNamesOfAnyBytes) {
          {"a b", "%@%d", "caf\u00E9", "x-1", "7", "My.App", "\xFF", "V\xff\n\xc3\xa9"}) {
         const std::string name = process;
         const RetentionScene scene(name);
-        const Names others{name + "\n.log", name + "\xfe.log", "other.1.log", name + ".log\n",
-                           "\xef\xbf\xbd.log"};
+        const NameSet others{name + "\n.log", name + "\xfe.log", "other.1.log", name + ".log\n",
+                             "\xef\xbf\xbd.log"};
         for (const std::string& other : others) {
             scene.file(other, -1);
         }
@@ -225,7 +225,7 @@ TEST(LogRetention, goesByTheNameThatTheHostGaveTheProcess) {
     scene.file("Renamed.1.log", -1);
     const kit::ProcessName renamed("Renamed");
     scene.removed(By::age);
-    EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
+    EXPECT_EQ(scene.names(), NameSet{"MyApp.1.log"});
 }
 
 // By age.
@@ -260,13 +260,13 @@ TEST(LogRetention, byAgeGoesInTheOrderOfTheListing) {
     }
     const Texts expected = scene.messages(scene.listing(), By::age);
     EXPECT_EQ(scene.removed(By::age), expected);
-    EXPECT_EQ(scene.names(), Names{});
+    EXPECT_EQ(scene.names(), NameSet{});
 }
 
 // By count.
 
 TEST(LogRetention, byCountKeepsTheNewest) {
-    const Texts oldestFirst{"MyApp.7.log", standardName, "MyApp.log", "MyApp-2.log", "MyApp.1.log"};
+    const Texts oldestFirst{"MyApp.7.log", logName, "MyApp.log", "MyApp-2.log", "MyApp.1.log"};
     for (const std::size_t count : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{4},
                                     std::size_t{5}, std::size_t{6}, std::size_t{1'000'000}, SIZE_MAX}) {
         const RetentionScene scene;
@@ -277,7 +277,7 @@ TEST(LogRetention, byCountKeepsTheNewest) {
         }
         const auto firstKept =
             oldestFirst.end() - static_cast<std::ptrdiff_t>(std::min(count, oldestFirst.size()));
-        Names left(firstKept, oldestFirst.end());
+        NameSet left(firstKept, oldestFirst.end());
         left.insert("Other.log");
         EXPECT_EQ(scene.removed(By::count, count),
                   scene.messages(Texts(oldestFirst.begin(), firstKept), By::count))
@@ -311,7 +311,7 @@ TEST(LogRetention, byCountDistinguishesDatesThatDifferByAFraction) {
     scene.file("MyApp.2.log", 0, 1'000);
     scene.file("MyApp.3.log", 0, 3'000);
     EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.2.log", "MyApp.1.log"}, By::count));
-    EXPECT_EQ(scene.names(), Names{"MyApp.3.log"});
+    EXPECT_EQ(scene.names(), NameSet{"MyApp.3.log"});
 }
 
 TEST(LogRetention, byCountCountsFilesOfOneDateOnce) {
@@ -327,7 +327,7 @@ TEST(LogRetention, byCountCountsFilesOfOneDateOnce) {
             entries[0] = name != entries[1] ? name : entries[0];
         }
         entries.resize(2 - count);
-        Names left = scene.names();
+        NameSet left = scene.names();
         for (const std::string& name : entries) {
             left.erase(name);
         }
@@ -350,9 +350,9 @@ TEST(LogRetention, datesALinkByItsTargetAndRemovesTheLinkOnly) {
     scene.link("../new target", "MyApp.2.log", -50);
     scene.link("../old folder", "MyApp.3.log", 50);
     scene.removed(By::age);
-    EXPECT_EQ(scene.names(), Names{"MyApp.2.log"});
+    EXPECT_EQ(scene.names(), NameSet{"MyApp.2.log"});
     scene.removed(By::count);
-    EXPECT_EQ(scene.names(), Names{});
+    EXPECT_EQ(scene.names(), NameSet{});
     EXPECT_EQ(kit::contentsOf(scene.base + "/old target"), "old");
     EXPECT_EQ(kit::contentsOf(scene.base + "/new target"), "new");
     EXPECT_EQ(kit::contentsOf(scene.base + "/old folder/inside"), "inside");
@@ -374,7 +374,7 @@ TEST(LogRetention, countsALinkByTheDateOfItsTarget) {
     // A log file and a link to it have one date, and so one entry.
     scene.link("MyApp.2.log", "MyApp.3.log", 700);
     EXPECT_EQ(scene.removed(By::count, 1), Texts{});
-    EXPECT_EQ(scene.names(), (Names{"MyApp.2.log", "MyApp.3.log"}));
+    EXPECT_EQ(scene.names(), (NameSet{"MyApp.2.log", "MyApp.3.log"}));
 }
 
 TEST(LogRetention, datesADanglingLinkByItself) {
@@ -390,7 +390,7 @@ TEST(LogRetention, datesADanglingLinkByItself) {
         scene.link(target, "MyApp.1.log", -100);
         scene.file("MyApp.2.log", -200);
         EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.2.log"}, By::count));
-        EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
+        EXPECT_EQ(scene.names(), NameSet{"MyApp.1.log"});
     }
 }
 
@@ -405,7 +405,7 @@ TEST(LogRetention, removesAFolderThatIsCalledLikeALogFileWithItsContents) {
         scene.date("MyApp.2.log", 100);
         scene.file("sub/MyApp.3.log", -100); // nobody looks into other folders
         EXPECT_EQ(scene.removed(way, 1), scene.messages({"MyApp.1.log"}, way));
-        EXPECT_EQ(scene.names(), (Names{"MyApp.2.log", "sub"}));
+        EXPECT_EQ(scene.names(), (NameSet{"MyApp.2.log", "sub"}));
         EXPECT_TRUE(exists(scene / "sub/MyApp.3.log"));
         EXPECT_EQ(kit::contentsOf(scene.base + "/kept"), "kept");
     }
@@ -431,7 +431,7 @@ TEST(LogRetention, namesFilesByTheFolderAsItWasGiven) {
         for (const By way : bothWays) {
             scene.file("MyApp.1.log", -100);
             EXPECT_EQ(removed(row.folder, way), Texts{message(row.path, way)});
-            EXPECT_EQ(scene.names(), Names{}) << row.folder;
+            EXPECT_EQ(scene.names(), NameSet{}) << row.folder;
         }
     }
 }
@@ -444,7 +444,7 @@ TEST(LogRetention, takesARelativeFolderFromTheCurrentOneAndExpandsNoTilde) {
     EXPECT_EQ(removed("~", By::age), Texts{});
     EXPECT_EQ(removed("~", By::count), Texts{});
     EXPECT_EQ(removed("logs", By::age), Texts{message("logs/MyApp.1.log", By::age)});
-    EXPECT_EQ(scene.names(), Names{});
+    EXPECT_EQ(scene.names(), NameSet{});
 }
 
 TEST(LogRetention, namesFilesWithPercentSignsAndForeignBytes) {
@@ -474,7 +474,7 @@ TEST(LogRetention, saysNothingOfAFolderThatCannotBeListedOrHasNothingToRemove) {
         removeFrom(folder, By::count);
     }
     EXPECT_EQ(output.bytes(), "");
-    EXPECT_EQ(scene.names(), Names{"MyApp.1.log"});
+    EXPECT_EQ(scene.names(), NameSet{"MyApp.1.log"});
 }
 
 /// The same as an ordinary user.
@@ -518,7 +518,7 @@ TEST(LogRetention, goesOnAfterAFileThatCannotBeRemoved) {
     const auto failing = std::find(expected.begin(), expected.end(), scene.message("MyApp.99.log", By::age));
     expected.insert(failing + 1, scene.failure("MyApp.99.log"));
     EXPECT_EQ(removedUnprivileged(scene, By::age), expected);
-    EXPECT_EQ(scene.names(), Names{"MyApp.99.log"});
+    EXPECT_EQ(scene.names(), NameSet{"MyApp.99.log"});
     ::chmod((scene / "MyApp.99.log/closed").c_str(), 0755);
 }
 
@@ -581,7 +581,7 @@ TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
     EXPECT_EQ(scene.removed(By::count, 2), Texts());
     EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.5.log"}, By::count));
     EXPECT_EQ(scene.removed(By::age), scene.messages({"MyApp.3.log"}, By::age));
-    EXPECT_EQ(scene.names(), (Names{"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}));
+    EXPECT_EQ(scene.names(), (NameSet{"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}));
     for (const mode_t notShared : {01755U, 0777U}) {
         scene.setMode(notShared);
         EXPECT_EQ(scene.removed(By::age).size(), notShared == 01755 ? 2U : 1U);
@@ -660,7 +660,7 @@ TEST(LogRetention, hasRemovedByAgeWhatIsListedBeforeTheRangeErrorAndByCountNothi
         const auto firstKept =
             way == By::age ? std::find(listing.begin(), listing.end(), "My.log") : listing.begin();
         EXPECT_EQ(raisedBy(scene.logs(), way), "NSRangeException");
-        EXPECT_EQ(scene.names(), Names(firstKept, listing.end()));
+        EXPECT_EQ(scene.names(), NameSet(firstKept, listing.end()));
     }
 }
 
@@ -677,7 +677,7 @@ TEST(LogRetention, leavesErrnoAlone) {
     EXPECT_EQ(errno, EDOM);
     removeFrom(NSString(scene.logs()), By::count);
     EXPECT_EQ(errno, EDOM);
-    EXPECT_EQ(scene.names(), Names{});
+    EXPECT_EQ(scene.names(), NameSet{});
 }
 
 } // namespace

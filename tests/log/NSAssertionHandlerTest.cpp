@@ -11,9 +11,9 @@ using logscene::Texts;
 
 namespace {
 
-struct Store {
+struct Vault {
     void reload(int count) const { ZQAssertInMethod(count < 5, this, "BadCount", "%d of %d", count, 5); }
-    static void shared() { ZQAssertInMethod(false, classOf<Store>(), "BadClass", "%@", "none"); }
+    static void shared() { ZQAssertInMethod(false, classOf<Vault>(), "BadClass", "%@", "none"); }
 };
 
 struct Shelf {
@@ -32,9 +32,9 @@ private:
 };
 
 /// A host object whose description does something first.
-class Acting : public NSObjectProtocol {
+class ActsWhenDescribed : public NSObjectProtocol {
 public:
-    explicit Acting(void (*action)()) : action_(action) {}
+    explicit ActsWhenDescribed(void (*action)()) : action_(action) {}
     NSString description() const override {
         action_();
         return "described";
@@ -112,19 +112,19 @@ TEST(NSAssertionHandler, namesFunctionLastPathComponentAndLine) {
 }
 
 TEST(NSAssertionHandler, givesClassesAPlusAndNeverAnAddress) {
-    const Store store;
+    const Vault store;
     const DeepShelf deep;
     const Named named("Registered");
     const Named unknown(nullptr); // of no class, which is not the object itself
     const NSObject value = "text";
     const NSObject absent;
-    const NSObject ownClass = classOf<Store>();
+    const NSObject ownClass = classOf<Vault>();
     const struct {
         LogCaller object;
         const char* place;
     } rows[] = {
-        {&store, "-[Store reload:], Store.m:10"},
-        {ownClass, "+[Store reload:], Store.m:10"},
+        {&store, "-[Vault reload:], Store.m:10"},
+        {ownClass, "+[Vault reload:], Store.m:10"},
         {static_cast<const Shelf*>(&deep), "-[DeepShelf reload:], Store.m:10"},
         {&named, "-[Registered reload:], Store.m:10"},
         {&unknown, "-[(null) reload:], Store.m:10"},
@@ -133,7 +133,7 @@ TEST(NSAssertionHandler, givesClassesAPlusAndNeverAnAddress) {
         // The class of nil is nil: its own class, as far as the check can see.
         {nullptr, "+[(null) reload:], Store.m:10"},
         {absent, "+[(null) reload:], Store.m:10"},
-        {static_cast<const Store*>(nullptr), "+[(null) reload:], Store.m:10"},
+        {static_cast<const Vault*>(nullptr), "+[(null) reload:], Store.m:10"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(failInMethod("reload:", row.object, "/src/Store.m", 10, "BadStore", "%d bad", 7),
@@ -142,31 +142,31 @@ TEST(NSAssertionHandler, givesClassesAPlusAndNeverAnAddress) {
 }
 
 TEST(NSAssertionHandler, showsAbsentNamesOfAMethod) {
-    const Store store;
-    EXPECT_EQ(failInMethod(nullptr, &store, "a.c", 1, "B", "x"), outcome("-[Store (null)], a.c:1", "B: x"));
+    const Vault store;
+    EXPECT_EQ(failInMethod(nullptr, &store, "a.c", 1, "B", "x"), outcome("-[Vault (null)], a.c:1", "B: x"));
     EXPECT_EQ(failInMethod(nullptr, nullptr, nullptr, -3, "B", "x"),
               outcome("+[(null) (null)], (null):-3", "B: x"));
-    EXPECT_EQ(failInMethod("", &store, "", 1, "B", "x"), outcome("-[Store ], :1", "B: x"));
-    EXPECT_EQ(failInMethod("%@:", &store, "/a/%d", 1, "B", "x"), outcome("-[Store %@:], %d:1", "B: x"));
+    EXPECT_EQ(failInMethod("", &store, "", 1, "B", "x"), outcome("-[Vault ], :1", "B: x"));
+    EXPECT_EQ(failInMethod("%@:", &store, "/a/%d", 1, "B", "x"), outcome("-[Vault %@:], %d:1", "B: x"));
 }
 
 TEST(NSAssertionHandler, doesNotReadTheDescriptionAgainAsAFormat) {
     EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "%@", "100% %@ %d %n %%")[1], "Bad: 100% %@ %d %n %%");
     EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "100%%d")[1], "Bad: 100%d");
-    EXPECT_EQ(failInMethod("m", classOf<Store>(), "a.c", 1, "Bad", "%d%% of %@", 50, "%@")[1],
+    EXPECT_EQ(failInMethod("m", classOf<Vault>(), "a.c", 1, "Bad", "%d%% of %@", 50, "%@")[1],
               "Bad: 50% of %@");
 }
 
 TEST(NSAssertionHandler, passesANilNameOn) {
     EXPECT_EQ(failInFunction("f", "a.c", 1, nullptr, "%d", 7), outcome("f(), a.c:1", "(nil): 7"));
-    EXPECT_EQ(failInMethod("m", classOf<Store>(), "a.c", 1, nullptr, "x"),
-              outcome("+[Store m], a.c:1", "(nil): x"));
+    EXPECT_EQ(failInMethod("m", classOf<Vault>(), "a.c", 1, nullptr, "x"),
+              outcome("+[Vault m], a.c:1", "(nil): x"));
     EXPECT_EQ(failInFunction("f", "a.c", 1, "", "x"), outcome("f(), a.c:1", ": x"));
 }
 
 TEST(NSAssertionHandler, writesTheLineBeforeTheDescriptionIsMade) {
-    const Acting logging([] { ZQLog::log("describing"); });
-    const Acting raising([] { throw NSException("Undescribable", "no description"); });
+    const ActsWhenDescribed logging([] { ZQLog::log("describing"); });
+    const ActsWhenDescribed raising([] { throw NSException("Undescribable", "no description"); });
     const std::string line = "*** Assertion failure in f(), a.c:1";
     EXPECT_EQ(failInFunction("f", "a.c", 1, "Bad", "%@", logging),
               (Texts{line, "describing", "Bad: described"}));
@@ -208,10 +208,10 @@ TEST(NSAssertionHandler, ofThePlatformRaisesAnInconsistency) {
               }),
               outcome("f(), f.c:1", "NSInternalInconsistencyException: 1"));
     EXPECT_EQ(outcomeOf([] {
-                  handler().handleFailureInMethod_object_file_lineNumber_description("m", classOf<Store>(),
+                  handler().handleFailureInMethod_object_file_lineNumber_description("m", classOf<Vault>(),
                                                                                      "f.c", 2, "%d", 2);
               }),
-              outcome("+[Store m], f.c:2", "NSInternalInconsistencyException: 2"));
+              outcome("+[Vault m], f.c:2", "NSInternalInconsistencyException: 2"));
 }
 
 TEST(ZQAssert, suppliesFunctionFileAndLine) {
@@ -221,11 +221,11 @@ TEST(ZQAssert, suppliesFunctionFileAndLine) {
 }
 
 TEST(ZQAssert, namesTheClassInAMethod) {
-    const Texts ofInstance = outcomeOf([] { Store().reload(7); });
-    const Texts ofClass = outcomeOf([] { Store::shared(); });
+    const Texts ofInstance = outcomeOf([] { Vault().reload(7); });
+    const Texts ofClass = outcomeOf([] { Vault::shared(); });
     EXPECT_EQ(ofInstance[0].substr(0, 64),
-              "*** Assertion failure in -[Store reload], NSAssertionHandlerTest");
-    EXPECT_EQ(ofClass[0].substr(0, 64), "*** Assertion failure in +[Store shared], NSAssertionHandlerTest");
+              "*** Assertion failure in -[Vault reload], NSAssertionHandlerTest");
+    EXPECT_EQ(ofClass[0].substr(0, 64), "*** Assertion failure in +[Vault shared], NSAssertionHandlerTest");
     EXPECT_EQ(ofInstance[1], "BadCount: 7 of 5");
     EXPECT_EQ(ofClass[1], "BadClass: none");
 }

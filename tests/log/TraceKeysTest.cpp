@@ -24,7 +24,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-Names namesIn(const NSArray& keys) {
+Names namesOf(const NSArray& keys) {
     Names names;
     for (const NSObject& key : keys) {
         names.push_back(utf8Of(key.as<NSString>()));
@@ -32,7 +32,7 @@ Names namesIn(const NSArray& keys) {
     return names;
 }
 
-Names activeKeys() { return namesIn(ZQLog::activatedTraceDefaultsKeys()); }
+Names activeKeys() { return namesOf(ZQLog::activatedTraceDefaultsKeys()); }
 
 /// The label that the key conditions give, or "-" where they do not hold.
 std::string labelOf(const NSString& line) {
@@ -296,7 +296,7 @@ TEST(TraceKeys, areListedInTheOrderOfTheUserDefaults) {
     const TraceKeys keys(settings, {"-TraceLast", "1", "-TraceFirst", "YES", "-TraceM", "yes"});
     Names expected;
     for (const std::string& key :
-         namesIn(NSUserDefaults::standardUserDefaults().dictionaryRepresentation().allKeys())) {
+         namesOf(NSUserDefaults::standardUserDefaults().dictionaryRepresentation().allKeys())) {
         if (key.compare(0, 5, "Trace") == 0) {
             expected.push_back(key);
         }
@@ -306,7 +306,7 @@ TEST(TraceKeys, areListedInTheOrderOfTheUserDefaults) {
     EXPECT_EQ(activeKeys(), expected);
     ZQLog::initializeTraceDefaultsDict();
     EXPECT_EQ(activeKeys(), expected);
-    EXPECT_EQ(namesIn(ZQLog::activatedTraceDefaultKeys()), expected);
+    EXPECT_EQ(namesOf(ZQLog::activatedTraceDefaultKeys()), expected);
 }
 
 TEST(TraceKeys, areReadFromTheCommandLineFirst) {
@@ -356,8 +356,8 @@ TEST(TraceKeys, stayInAListThatWasReturnedBeforeARereading) {
         keys.replaceAndRead({{"TraceOther" + std::to_string(i), on}});
         EXPECT_EQ(activeKeys(), Names{"TraceOther" + std::to_string(i)});
     }
-    EXPECT_EQ(namesIn(held), (Names{"TraceNet", "TraceFile"}));
-    EXPECT_EQ(namesIn(heldToo), namesIn(held));
+    EXPECT_EQ(namesOf(held), (Names{"TraceNet", "TraceFile"}));
+    EXPECT_EQ(namesOf(heldToo), namesOf(held));
 }
 
 TEST(TraceKeys, areReadAtTheFirstQuestionWhicheverItIs) {

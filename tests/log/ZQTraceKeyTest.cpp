@@ -30,24 +30,24 @@ constinit const ZQAnyTraceKey anyKey;
 constexpr std::int64_t values[] = {-1, 0, 1, 2, 3, INT32_MAX, INT64_MIN};
 constexpr std::int64_t thresholds[] = {-1, 0, 1, 2, 3, INT64_MAX};
 
-struct Store {
-    virtual ~Store() = default;
+struct Holder {
+    virtual ~Holder() = default;
 };
-const Store store;
+const Holder tracedStore;
 
 /// Compares all that the condition says with the label, ending in a space, of the operation by name.
 void expectSame(const ZQTraceCondition& condition, const NSString& label) {
     const std::string ofFunction = label ? label.utf8() + "expectSame() 3 of five" : "(nil)";
     const std::string ofMethod =
-        label ? label.utf8() + "-[(Store *)" + logscene::addressText(&store) + " expectSame] 3 of five"
+        label ? label.utf8() + "-[(Holder *)" + logscene::addressText(&tracedStore) + " expectSame] 3 of five"
               : "(nil)";
     for (int round = 0; round < 3; ++round) { // the first asks, the others may remember
         EXPECT_EQ(condition.isEnabled(), static_cast<bool>(label));
         EXPECT_EQ(utf8Of(condition.logString("%d of %@", 3, "five")), ofFunction);
-        EXPECT_EQ(utf8Of(condition.logString(&store, "%d of %@", 3, "five")), ofMethod);
+        EXPECT_EQ(utf8Of(condition.logString(&tracedStore, "%d of %@", 3, "five")), ofMethod);
         const CapturedOutput output;
         condition.log("%d of %@", 3, "five");
-        condition.log(&store, "%d of %@", 3, "five");
+        condition.log(&tracedStore, "%d of %@", 3, "five");
         EXPECT_EQ(output.texts(), label ? (Texts{ofFunction, ofMethod}) : Texts());
     }
 }
@@ -184,7 +184,7 @@ TEST(ZQTraceKey, allocatesNothingWhileItIsOffAndAsksOnce) {
     const std::size_t before = kit::AllocationCount::now();
     for (int i = 0; i < 3; ++i) {
         traceA.log("%d", i);
-        traceA.log(&store, "%d", i);
+        traceA.log(&tracedStore, "%d", i);
         EXPECT_FALSE(traceA.isEnabled() || thresholdOfA[3].isEnabled() || allOfTwo.isEnabled());
     }
     EXPECT_EQ(kit::AllocationCount::now(), before);

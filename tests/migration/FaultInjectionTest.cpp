@@ -22,7 +22,7 @@ using Repetitions = std::vector<Again>;
 /// How far it is from one tried call to the next. Adjacent calls differ little in larger things, so that each
 /// error starts at another call there, and again at another one for another item at the destination. With a
 /// sanitizer a run takes ten times as long.
-long strideOf(const Case& which, const Fault& fault) {
+long strideFor(const Case& which, const Fault& fault) {
     if (isEveryCallTried()) {
         return 1;
     }
@@ -111,7 +111,7 @@ public:
         EXPECT_GT(plain.transfers, 0) << "nothing was read or written";
         // A fault can bring more calls, ways out that are not taken otherwise. The last one of them was
         // reached when a run ends without having met its fault.
-        const long stride = strideOf(which, fault);
+        const long stride = strideFor(which, fault);
         failures_ = 0;
         if (fault.kind == Fault::killing && !which.isFile() && !isEveryCallTried()) {
             const std::vector<long> calls = callsAfterChanges(which);

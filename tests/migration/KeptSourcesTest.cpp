@@ -96,7 +96,7 @@ void expectNotCopied(const Tree& tree) {
 
 /// The type of a request is another one in each C library.
 template <class Request>
-int flagsOf(int item, int& flags, int (*control)(int, Request, ...)) {
+int attributeFlags(int item, int& flags, int (*control)(int, Request, ...)) {
     return control(item, static_cast<Request>(FS_IOC_GETFLAGS), &flags);
 }
 
@@ -105,7 +105,7 @@ class Flagged {
 public:
     Flagged(const std::string& path, int flag)
         : item_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
-        isSet_ = flagsOf(item_, before_, &::ioctl) == 0 && set(before_ | flag);
+        isSet_ = attributeFlags(item_, before_, &::ioctl) == 0 && set(before_ | flag);
     }
     Flagged(const Flagged&) = delete;
     Flagged& operator=(const Flagged&) = delete;

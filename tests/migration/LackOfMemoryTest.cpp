@@ -14,32 +14,32 @@ using namespace scene;
 
 namespace {
 
-enum class Kind { file, folder, batch };
+enum class MovedKind { file, folder, batch };
 
 struct Paths {
     NSString from;
     NSString to;
 };
 
-void migrate(Kind kind, const Paths& paths) {
+void migrate(MovedKind kind, const Paths& paths) {
     switch (kind) {
-    case Kind::file:
+    case MovedKind::file:
         migrateFile(paths.from, paths.to, overwriting);
         break;
-    case Kind::folder:
+    case MovedKind::folder:
         migrateFolder(paths.from, paths.to, overwriting);
         break;
-    case Kind::batch:
+    case MovedKind::batch:
         migrateFiles(nullptr, paths.from, paths.to, DotFiles::included, {false, true, true, false});
         break;
     }
 }
 
 /// With memory for this many allocations. Returns whether that was too little.
-bool migrateWith(std::size_t limit, Kind kind) {
+bool migrateWith(std::size_t limit, MovedKind kind) {
     const MigrationFolder folder;
     folder.writeFiles({"from/one", "from/two", "from/sub/three", "to/one", "to/old"});
-    const bool isFile = kind == Kind::file;
+    const bool isFile = kind == MovedKind::file;
     const Paths paths{folder / (isFile ? "from/one" : "from"), folder / (isFile ? "to/one" : "to")};
     const int descriptors = kit::openDescriptors();
     bool wasReached = false;
@@ -67,7 +67,7 @@ bool migrateWith(std::size_t limit, Kind kind) {
 } // namespace
 
 TEST(LackOfMemory, endsAMigrationAndLosesNothing) {
-    for (const Kind kind : {Kind::file, Kind::folder, Kind::batch}) {
+    for (const MovedKind kind : {MovedKind::file, MovedKind::folder, MovedKind::batch}) {
         std::size_t limit = 0;
         while (migrateWith(limit, kind)) {
             ++limit;

@@ -68,7 +68,7 @@ void tryAllCalls(Subject subject, long usualStride) {
     }
 }
 
-void race(Subject subject) {
+void raceMigrations(Subject subject) {
     const kit::ScratchInMemory memory;
     for (long turn = 0; turn < wantedRaces(60) && !::testing::Test::HasFailure(); ++turn) {
         const Run run({subject, turn % 2 == 0 ? Old::missing : Old::overwritten, false});
@@ -116,9 +116,9 @@ TEST(MigrationsAtOnce, loseNoFile) { tryAllCalls(Subject::file, 1); }
 TEST(MigrationsAtOnce, loseNoFolder) { tryAllCalls(Subject::tree, 13); }
 TEST(MigrationsAtOnce, loseNothingOfABatch) { tryAllCalls(Subject::batch, 9); }
 
-TEST(MigrationsAtOnce, loseNoFileInARace) { race(Subject::file); }
-TEST(MigrationsAtOnce, loseNoFolderInARace) { race(Subject::tree); }
-TEST(MigrationsAtOnce, loseNothingOfABatchInARace) { race(Subject::batch); }
+TEST(MigrationsAtOnce, loseNoFileInARace) { raceMigrations(Subject::file); }
+TEST(MigrationsAtOnce, loseNoFolderInARace) { raceMigrations(Subject::tree); }
+TEST(MigrationsAtOnce, loseNothingOfABatchInARace) { raceMigrations(Subject::batch); }
 
 TEST(MigrationsAtOnce, leaveAloneWhatTheOtherWorksOn) {
     const QuickRuns quick;

@@ -19,8 +19,8 @@ namespace {
 enum class Volume { own, bound };
 
 /// from/tree, to/tree, single files, and "volume" with two files in it, which is mounted somewhere.
-struct Places {
-    Places() {
+struct MountedPlaces {
+    MountedPlaces() {
         folder.writeFiles({"from/tree/one", "from/tree/sub/two", "from/tree/at/three", "from/file",
                            "from/batch/a.log", "from/batch/sub/b.log", "to/tree/old", "to/tree/sub/old",
                            "to/tree/at/old", "to/file", "to/batch/a.log", "to/batch/sub/b.log"});
@@ -72,7 +72,7 @@ void withVolumeAt(const Words& mountPoints, const Body& body) {
     for (const Volume kind : {Volume::own, Volume::bound}) {
         for (const std::string& place : mountPoints) {
             SCOPED_TRACE(place + (kind == Volume::own ? " is another file system" : " is a bound folder"));
-            const Places places;
+            const MountedPlaces places;
             kit::withOwnMounts([&] { return places.mountVolume(kind, place) && (body(places), true); });
         }
     }
@@ -81,7 +81,7 @@ void withVolumeAt(const Words& mountPoints, const Body& body) {
 /// The body with a file of the volume mounted at these files.
 template <class Body>
 void withFileAt(const Words& mountPoints, const Body& body) {
-    const Places places;
+    const MountedPlaces places;
     kit::withOwnMounts([&] {
         for (const std::string& place : mountPoints) {
             if (!kit::bindMount(places / "volume/file", places / place)) {
@@ -96,7 +96,7 @@ void withFileAt(const Words& mountPoints, const Body& body) {
 } // namespace
 
 TEST(MountPoints, thatWouldBeOverwrittenAreNotEmptied) {
-    withVolumeAt({"to/tree", "to/tree/at", "to/tree/sub"}, [](const Places& places) {
+    withVolumeAt({"to/tree", "to/tree/at", "to/tree/sub"}, [](const MountedPlaces& places) {
         places.expectUnchanged(ofFolders, "tree", overwriting, 36);
         places.expectUnchanged(ofFolders, "tree", {true, false, true, false}, 36);
         places.expectUnchanged(ofFolders, "tree", nothingAllowed, 31);
@@ -104,7 +104,7 @@ TEST(MountPoints, thatWouldBeOverwrittenAreNotEmptied) {
 }
 
 TEST(MountPoints, ofFilesAreNotOverwritten) {
-    withFileAt({"to/file", "to/batch/sub/b.log", "to/tree/old"}, [](const Places& places) {
+    withFileAt({"to/file", "to/batch/sub/b.log", "to/tree/old"}, [](const MountedPlaces& places) {
         places.expectUnchanged(ofFiles, "file", overwriting, 34);
         places.expectUnchanged(ofFolders, "tree", overwriting, 36);
         EXPECT_EQ(places.folder.migrateLogs("from/batch", "to/batch", overwriting),
@@ -117,11 +117,11 @@ TEST(MountPoints, ofFilesAreNotOverwritten) {
 
 TEST(MountPoints, atOrInsideASourceKeepItWhole) {
     withVolumeAt({"from/tree", "from/tree/at", "from/tree/sub"},
-                 [](const Places& places) { places.expectKept(); });
+                 [](const MountedPlaces& places) { places.expectKept(); });
 }
 
 TEST(MountPoints, ofFilesKeepTheSourceWhole) {
-    withFileAt({"from/file", "from/batch/sub/b.log", "from/tree/sub/two"}, [](const Places& places) {
+    withFileAt({"from/file", "from/batch/sub/b.log", "from/tree/sub/two"}, [](const MountedPlaces& places) {
         places.expectKept();
         EXPECT_EQ(migrateFile(places / "from/file", places / "to/newFile"), 15U);
         EXPECT_EQ(places.folder.migrateLogs("from/batch", "to/newBatch", creating),
@@ -137,7 +137,7 @@ TEST(MountPoints, ofFilesKeepTheSourceWhole) {
 TEST(MountPoints, thatLookLikeLeftoversAreNotEmptied) {
     for (const char* const mark : {faults::setAside, faults::givenUp, faults::unfinished}) {
         for (const char* const inside : {"", "/at"}) {
-            const Places places;
+            const MountedPlaces places;
             const std::string leftover = std::string("from/") + mark + "0123456789abcdef" + inside;
             places.folder.makeFolder(leftover);
             kit::withOwnMounts([&] {
@@ -155,7 +155,7 @@ TEST(MountPoints, thatLookLikeLeftoversAreNotEmptied) {
 }
 
 TEST(MountPoints, aboveWhatIsMigratedAreNoHindrance) {
-    withVolumeAt({"to/tree"}, [](const Places& places) {
+    withVolumeAt({"to/tree"}, [](const MountedPlaces& places) {
         const Digest before = places.folder.digest("from/tree", Detail::contents);
         EXPECT_EQ(migrateFolder(places / "from/tree", places / "to/tree/new"), 0U);
         EXPECT_FALSE(places.folder.has("from/tree"));

@@ -27,22 +27,22 @@ namespace {
 
 constexpr off_t imageBytes = off_t{4} << 20;
 
-enum class Subject { file, tree, batch };
+enum class Moved { file, tree, batch };
 
 /// The folder of a batch or tree, "from" on the first disk, and its place "to" on the last one.
 struct Move {
-    Subject subject;
+    Moved subject;
     std::string from;
     std::string to;
 
     std::string run(bool overwrites) const {
         const scene::Flags flags{false, true, overwrites, false};
-        if (subject == Subject::batch) {
+        if (subject == Moved::batch) {
             return scene::migrateFiles("log", from, to, scene::DotFiles::included, flags)
                 .condensedDescription()
                 .utf8();
         }
-        return std::to_string(subject == Subject::tree
+        return std::to_string(subject == Moved::tree
                                   ? scene::migrateFolder(from, to + "/item", flags)
                                   : scene::migrateFile(from + "/2/11.log", to + "/item", flags));
     }
@@ -51,7 +51,7 @@ struct Move {
 /// One or two disks with what is moved, and copies of them as they are when the power fails.
 class Disks {
 public:
-    Disks(const scene::MigrationFolder& folder, Subject subject, const scene::Words& names)
+    Disks(const scene::MigrationFolder& folder, Moved subject, const scene::Words& names)
         : folder_(folder), subject_(subject), names_(names), last_(names.size()) {}
 
     /// Puts the files there, and all on disk. False where the machine allows no such disks.
@@ -154,7 +154,7 @@ private:
     }
 
     const scene::MigrationFolder& folder_;
-    Subject subject_;
+    Moved subject_;
     scene::Words names_;
     std::vector<std::unique_ptr<faults::MountedImage>> mounted_;
     std::set<std::string> texts_;
@@ -164,11 +164,11 @@ private:
 
 /// The power fails before every call, or of every few, and when the migration has ended, with the
 /// journals of these disks just written. False where that cannot be tried.
-bool cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
+bool cutPower(Disks& disks, Moved subject, const scene::Words& writing) {
     if (!disks.prepare()) {
         return false;
     }
-    const long usual = subject == Subject::file ? 2 : kit::isSanitized ? 61 : 17;
+    const long usual = subject == Moved::file ? 2 : kit::isSanitized ? 61 : 17;
     const long stride = faults::isEveryCallTried() ? 1 : usual;
     const auto cut = [&](long call) {
         for (const std::string& name : writing) {
@@ -191,7 +191,7 @@ bool cutPower(Disks& disks, Subject subject, const scene::Words& writing) {
     return true;
 }
 
-void expectNothingLost(Subject subject) {
+void expectNothingLost(Moved subject) {
     const kit::ScratchInMemory memory;
     // From one disk to another, of which either may write its journal first, and on a single one.
     const std::vector<std::pair<scene::Words, scene::Words>> tries{
@@ -224,13 +224,13 @@ bool takesFrom(const std::string& call, const std::string& source) {
 
 } // namespace
 
-TEST(PowerCut, losesNoFile) { expectNothingLost(Subject::file); }
-TEST(PowerCut, losesNothingOfAFolder) { expectNothingLost(Subject::tree); }
-TEST(PowerCut, losesNothingOfABatch) { expectNothingLost(Subject::batch); }
+TEST(PowerCut, losesNoFile) { expectNothingLost(Moved::file); }
+TEST(PowerCut, losesNothingOfAFolder) { expectNothingLost(Moved::tree); }
+TEST(PowerCut, losesNothingOfABatch) { expectNothingLost(Moved::batch); }
 
 TEST(PowerCut, isForeseenBeforeAnythingIsRemovedAndNotForEachFile) {
     const kit::ScratchInMemory memory;
-    for (const Subject subject : {Subject::file, Subject::tree, Subject::batch}) {
+    for (const Moved subject : {Moved::file, Moved::tree, Moved::batch}) {
         const scene::MigrationFolder folder;
         Disks disks(folder, subject, {"one", "two"});
         disks.makeFiles();

@@ -25,8 +25,8 @@ constexpr ServedTraits coarse{.evenSeconds = true};
 constexpr ServedTraits cached{.isCached = true};
 
 /// "there" is served from "backing", "here" is what the machine has.
-struct Places {
-    Places() {
+struct ServedPlaces {
+    ServedPlaces() {
         for (const char* const name : {"here", "there", "backing"}) {
             folder.makeFolder(name);
         }
@@ -57,7 +57,7 @@ struct Places {
 /// The body where "there" is served; the test is skipped where that is not allowed.
 template <class Body>
 void withServed(const ServedTraits& traits, const Body& body) {
-    const Places places;
+    const ServedPlaces places;
     kit::withOwnMounts(
         [&] {
             const ServedFolder served(places / "backing", places / "there", traits);
@@ -67,7 +67,7 @@ void withServed(const ServedTraits& traits, const Body& body) {
 }
 
 /// Moves one of each kind between the places, and compares contents.
-void moveAll(const Places& places, const std::string& from, const std::string& to) {
+void moveAll(const ServedPlaces& places, const std::string& from, const std::string& to) {
     places.makeTree(from + "/tree");
     const Digest tree = places.folder.digest(from + "/tree", Detail::contents);
     EXPECT_EQ(migrateFolder(places / (from + "/tree"), places / (to + "/tree")), 0U);
@@ -76,25 +76,25 @@ void moveAll(const Places& places, const std::string& from, const std::string& t
 
     for (const std::size_t length : {0U, 100U, 5000U, 32768U, 100000U}) {
         const std::string file = "/file" + std::to_string(length);
-        places.folder.write(from + file, Places::bytes(length));
+        places.folder.write(from + file, ServedPlaces::bytes(length));
         places.folder.write(to + file, "old");
         EXPECT_EQ(migrateFile(places / (from + file), places / (to + file)), 30U);
         EXPECT_EQ(migrateFile(places / (from + file), places / (to + file), overwriting), 0U) << length;
         EXPECT_FALSE(places.folder.has(from + file));
-        EXPECT_TRUE(places.folder.contents(to + file) == Places::bytes(length)) << length;
+        EXPECT_TRUE(places.folder.contents(to + file) == ServedPlaces::bytes(length)) << length;
     }
 
     places.makeTree(from + "/batch");
     EXPECT_EQ(places.folder.migrateLogs(from + "/batch", to + "/batch", creating),
               "{ a.log = 0; sub/deeper/b.log = 0; }");
-    EXPECT_TRUE(places.folder.contents(to + "/batch/a.log") == Places::bytes(5000));
-    EXPECT_TRUE(places.folder.contents(to + "/batch/sub/deeper/b.log") == Places::bytes(40000));
+    EXPECT_TRUE(places.folder.contents(to + "/batch/a.log") == ServedPlaces::bytes(5000));
+    EXPECT_TRUE(places.folder.contents(to + "/batch/sub/deeper/b.log") == ServedPlaces::bytes(40000));
     EXPECT_FALSE(places.folder.has(from + "/batch/a.log"));
     EXPECT_EQ(Words{}, leftoversBelow(places.folder.path()));
 }
 
 /// What is there already is neither replaced nor mixed with what comes.
-void expectRefusals(const Places& places) {
+void expectRefusals(const ServedPlaces& places) {
     places.folder.write("here/file", "new");
     places.folder.write("here/folder/inside", "new");
     places.folder.write("there/taken/file", "old");
@@ -117,7 +117,7 @@ void expectRefusals(const Places& places) {
 /// Saves each file of the source again once it was copied, with as many bytes.
 class Saver final : public ZQMigrationObserver {
 public:
-    explicit Saver(const Places& places) : places_(places) {}
+    explicit Saver(const ServedPlaces& places) : places_(places) {}
 
     bool migrationMayContinue(const ZQMigrationProgress& progress) override {
         if (!copied_.empty()) {
@@ -129,7 +129,7 @@ public:
     }
 
 private:
-    const Places& places_;
+    const ServedPlaces& places_;
     std::string copied_;
 };
 
@@ -142,7 +142,7 @@ public:
 };
 
 /// The same items are below "there" and "backing", and the kernel has the names of the former in its cache.
-void expectNotMovedOntoThemselves(const Places& places) {
+void expectNotMovedOntoThemselves(const ServedPlaces& places) {
     places.folder.writeFiles({"file", "folder/one", "folder/sub/two"}, "backing/");
     const Digest before = places.folder.digest("backing", Detail::contents);
     ASSERT_TRUE(places.folder.digest("there", Detail::contents) == before);
@@ -159,9 +159,9 @@ void expectNotMovedOntoThemselves(const Places& places) {
 } // namespace
 
 TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveAndGetWholeFiles) {
-    withServed(shortReads, [](const Places& places) { moveAll(places, "there", "here"); });
-    withServed(shortReads, [](const Places& places) { moveAll(places, "here", "there"); });
-    withServed(shortReads, [](const Places& places) {
+    withServed(shortReads, [](const ServedPlaces& places) { moveAll(places, "there", "here"); });
+    withServed(shortReads, [](const ServedPlaces& places) { moveAll(places, "here", "there"); });
+    withServed(shortReads, [](const ServedPlaces& places) {
         places.folder.makeFolder("there/from");
         places.folder.makeFolder("there/to");
         moveAll(places, "there/from", "there/to");
@@ -169,17 +169,17 @@ TEST(ServedFileSystems, thatAnswerReadsInPiecesGiveAndGetWholeFiles) {
 }
 
 TEST(ServedFileSystems, withoutRenameFlagsLinksAndLocksServeAllTheSame) {
-    withServed(poor, [](const Places& places) { moveAll(places, "there", "here"); });
-    withServed(poor, [](const Places& places) { moveAll(places, "here", "there"); });
+    withServed(poor, [](const ServedPlaces& places) { moveAll(places, "there", "here"); });
+    withServed(poor, [](const ServedPlaces& places) { moveAll(places, "here", "there"); });
 }
 
 TEST(ServedFileSystems, withoutRenameFlagsLinksAndLocksKeepWhatTheyHave) {
-    withServed(poor, [](const Places& places) { expectRefusals(places); });
+    withServed(poor, [](const ServedPlaces& places) { expectRefusals(places); });
 }
 
 TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
     for (const bool keeps : {false, true}) {
-        withServed(withoutCase, [&](const Places& places) {
+        withServed(withoutCase, [&](const ServedPlaces& places) {
             places.folder.write("here/batch/Notes.log", "from Notes.log");
             places.folder.write("here/batch/NOTES.log", "from NOTES.log");
             places.folder.write("here/batch/other.log", "other");
@@ -199,7 +199,7 @@ TEST(ServedFileSystems, withoutCaseKeepWhatABatchHasJustBrought) {
 
 TEST(ServedFileSystems, withoutFractionsOfSecondsKeepWhatIsSavedWithinOne) {
     for (const bool isBatch : {false, true}) {
-        withServed(coarse, [&](const Places& places) {
+        withServed(coarse, [&](const ServedPlaces& places) {
             places.folder.makeFolder("there/from");
             for (const char* const name : {"1", "2", "3", "4", "5"}) {
                 places.folder.write("there/from/" + std::string(name), "old");
@@ -225,8 +225,8 @@ TEST(ServedFileSystems, withoutFractionsOfSecondsKeepWhatIsSavedWithinOne) {
 }
 
 TEST(ServedFileSystems, getNoLinesInCopiesWhileStandardErrorIsClosed) {
-    withServed(poor, [](const Places& places) {
-        const std::string contents = Places::bytes(20000);
+    withServed(poor, [](const ServedPlaces& places) {
+        const std::string contents = ServedPlaces::bytes(20000);
         places.folder.write("here/file", contents);
         places.folder.write("here/folder/file", contents);
         const int errors = ::dup(STDERR_FILENO);

@@ -12,7 +12,7 @@ using detail::ItemPlace;
 
 namespace {
 
-class SetAside : public ::testing::Test {
+class SetAsideTest : public ::testing::Test {
 protected:
     ItemPlace placeOf(const std::string& name) const {
         ItemPlace place;
@@ -38,7 +38,7 @@ protected:
 
 } // namespace
 
-TEST_F(SetAside, takesAnItemAwayAndGivesItsNameBack) {
+TEST_F(SetAsideTest, takesAnItemAwayAndGivesItsNameBack) {
     folder.write("a.txt", "x");
     const ItemPlace place = placeOf("a.txt");
     for (const bool isPutBack : {true, false}) {
@@ -55,7 +55,7 @@ TEST_F(SetAside, takesAnItemAwayAndGivesItsNameBack) {
     }
 }
 
-TEST_F(SetAside, leavesAnotherItemWhereItIs) {
+TEST_F(SetAsideTest, leavesAnotherItemWhereItIs) {
     folder.writeFiles({"a", "b"});
     const ItemPlace place = placeOf("a");
     detail::SetAside aside(place);
@@ -69,7 +69,7 @@ TEST_F(SetAside, leavesAnotherItemWhereItIs) {
     EXPECT_EQ(errno, EINVAL);
 }
 
-TEST_F(SetAside, keepsBothWhenTheNameWasTakenMeanwhile) {
+TEST_F(SetAsideTest, keepsBothWhenTheNameWasTakenMeanwhile) {
     folder.write("a.txt", "old");
     const ItemPlace place = placeOf("a.txt");
     detail::SetAside aside(place);
@@ -80,7 +80,7 @@ TEST_F(SetAside, keepsBothWhenTheNameWasTakenMeanwhile) {
     EXPECT_EQ(folder.contents("a.txt") + folder.contents("a 1.txt"), "newold");
 }
 
-TEST_F(SetAside, givesATreeUpByASecondName) {
+TEST_F(SetAsideTest, givesATreeUpByASecondName) {
     for (const std::string& name : {std::string("tree"), std::string(255, 'n')}) {
         folder.makeFolder(name);
         const ItemPlace place = placeOf(name);
@@ -94,7 +94,7 @@ TEST_F(SetAside, givesATreeUpByASecondName) {
     }
 }
 
-TEST_F(SetAside, usesAFolderForNamesThatAreLong) {
+TEST_F(SetAsideTest, usesAFolderForNamesThatAreLong) {
     for (const std::string& name : {std::string(246, 'n'), std::string(255, 'n')}) {
         folder.write(name, "x");
         const ItemPlace place = placeOf(name);

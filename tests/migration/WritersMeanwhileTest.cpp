@@ -238,7 +238,7 @@ void workUntilDone(Writer& writer, const ReportingChild& migration, unsigned see
     } while (!migration.hasEnded());
 }
 
-void race(Subject subject) {
+void raceWriter(Subject subject) {
     const kit::ScratchInMemory memory;
     Count count;
     for (long turn = 0; turn < wantedRaces(25) && !::testing::Test::HasFailure(); ++turn) {
@@ -306,8 +306,8 @@ TEST(WritersMeanwhile, loseNothingOfAFile) { tryHabits(Subject::file, 1); }
 TEST(WritersMeanwhile, loseNothingOfAFolder) { tryHabits(Subject::tree, 41); }
 TEST(WritersMeanwhile, loseNothingOfABatch) { tryHabits(Subject::batch, 29); }
 
-TEST(WritersMeanwhile, loseNothingInARaceWithAFolder) { race(Subject::tree); }
-TEST(WritersMeanwhile, loseNothingInARaceWithABatch) { race(Subject::batch); }
+TEST(WritersMeanwhile, loseNothingInARaceWithAFolder) { raceWriter(Subject::tree); }
+TEST(WritersMeanwhile, loseNothingInARaceWithABatch) { raceWriter(Subject::batch); }
 
 TEST(WritersMeanwhile, keepWhatTheyPutAtTheDestination) {
     const QuickRuns quick;

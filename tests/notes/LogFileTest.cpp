@@ -14,7 +14,7 @@ using namespace ZQFoundation;
 namespace {
 
 /// A home in which runs of the application, child processes, have their logs.
-struct Home : kit::ScratchFolder {
+struct LogHome : kit::ScratchFolder {
     template <class Body>
     std::string run(const char* defaults, const Body& body) const {
         const kit::Variable variables[] = {{"HOME", path().c_str()},
@@ -39,7 +39,7 @@ struct Home : kit::ScratchFolder {
 } // namespace
 
 TEST(LogFile, holdsTheReportAndTheLinesOfItsRun) {
-    const Home home;
+    const LogHome home;
     home.run("-TraceNotes YES", [] {
         ZQLog::log("of the run");
         return "";
@@ -52,7 +52,7 @@ TEST(LogFile, holdsTheReportAndTheLinesOfItsRun) {
 }
 
 TEST(LogFile, onlyTheNewestTenAreKept) {
-    const Home home;
+    const LogHome home;
     const std::string name = NSProcessInfo::processInfo().processName().utf8();
     for (int day = 10; day < 30; ++day) {
         const std::string path = home.write(
@@ -66,7 +66,7 @@ TEST(LogFile, onlyTheNewestTenAreKept) {
 }
 
 TEST(LogFile, isLeftOutWhenAsked) {
-    const Home home;
+    const LogHome home;
     home.run("-LogFile NO", [] { return ""; });
     EXPECT_EQ(home.logNames().count(), 0U);
 }

@@ -15,7 +15,7 @@ namespace settings = notes::settings;
 namespace {
 
 /// Settings of its own, which each run, a child process, reads again.
-struct Home : kit::ScratchFolder {
+struct SettingsHome : kit::ScratchFolder {
     template <class Body>
     std::string run(const Body& body) const {
         const kit::Variable configuration("XDG_CONFIG_HOME", path().c_str());
@@ -37,7 +37,7 @@ NSString described(const settings::Values& values) {
 } // namespace
 
 TEST(Settings, stay) {
-    const Home home;
+    const SettingsHome home;
     const auto look = [] {
         return described(settings::current());
     };
@@ -56,7 +56,7 @@ TEST(Settings, stay) {
 }
 
 TEST(Settings, aSizeBeyondTheLimitsIsTheNearestOne) {
-    const Home home;
+    const SettingsHome home;
     EXPECT_EQ(home.run([] {
         NSUserDefaults::standardUserDefaults().setObject_forKey(1000000, "FontSize");
         return described(settings::current());
@@ -65,7 +65,7 @@ TEST(Settings, aSizeBeyondTheLimitsIsTheNearestOne) {
 }
 
 TEST(Settings, whatCannotBeSavedSaysWhyAndCountsForThisRun) {
-    const Home home;
+    const SettingsHome home;
     home.write("ZQFoundation", "a file is where the folder should be");
     const std::string said = home.run([] {
         const NSString reason = settings::save({20, true, nullptr});
@@ -76,7 +76,7 @@ TEST(Settings, whatCannotBeSavedSaysWhyAndCountsForThisRun) {
 }
 
 TEST(Settings, aTraceKeyActsAtOnceAndStays) {
-    const Home home;
+    const SettingsHome home;
     const auto look = [] {
         return NSString::stringWithFormat("%d%d", ZQLog::traceKeyIsEnabled("TraceNotes"),
                                           ZQLog::traceKeyIsEnabled("TraceSearch"));
@@ -97,7 +97,7 @@ TEST(Settings, aTraceKeyActsAtOnceAndStays) {
 }
 
 TEST(Settings, aReleaseHasOldNotesToMoveUntilThatIsDone) {
-    const Home home;
+    const SettingsHome home;
     const auto look = [] {
         return NSString::stringWithFormat("%d", settings::needsMove());
     };

@@ -10,13 +10,13 @@ namespace {
 
 using detail::codeSpace;
 
-NSCharacterSet rangeSet(std::size_t location, std::size_t length) {
+NSCharacterSet setOfRange(std::size_t location, std::size_t length) {
     return NSCharacterSet::characterSetWithRange(NSMakeRange(location, length));
 }
 
 TEST(CharacterSetPages, unitesAndIntersects) {
     const NSCharacterSet letters = NSCharacterSet::letterCharacterSet();
-    const NSCharacterSet someRange = rangeSet(0x40, 0x20100);
+    const NSCharacterSet someRange = setOfRange(0x40, 0x20100);
     NSMutableCharacterSet unionBuilder(letters);
     unionBuilder.formUnionWithCharacterSet(someRange);
     NSMutableCharacterSet sharedBuilder(letters);

@@ -41,7 +41,7 @@ std::string registeredName(StringView className) {
     return found ? NSString(found.performSelector(NSSelectorFromString("name"))).utf8() : "(nil)";
 }
 
-class Silent : public NSObjectProtocol {};
+class Unregistered : public NSObjectProtocol {};
 
 } // namespace
 
@@ -159,7 +159,7 @@ TEST(Selectors, callAHostObjectsOperations) {
 
 TEST(Selectors, raiseForOperationsThatAnObjectDoesNotHave) {
     const Selector unknown = NSSelectorFromString("noSuchOperation");
-    for (const NSObject& object : {NSObject("text"), NSObject(1), makeObject<Silent>(), echo("x")}) {
+    for (const NSObject& object : {NSObject("text"), NSObject(1), makeObject<Unregistered>(), echo("x")}) {
         EXPECT_FALSE(object.respondsToSelector(unknown));
         EXPECT_EQ(raised([&] { object.performSelector(unknown); }), "NSInvalidArgumentException");
         EXPECT_EQ(raised([&] { object.performSelector_withObject(unknown, 1); }),

@@ -10,7 +10,7 @@ using namespace ZQFoundation;
 
 namespace {
 
-NSSet nestedSets(int depth) {
+NSSet sharedSets(int depth) {
     NSSet set{"leaf"};
     for (int i = 0; i < depth; ++i) {
         set = NSSet{NSArray{set, 1}, NSArray{set, 2}};
@@ -21,8 +21,8 @@ NSSet nestedSets(int depth) {
 } // namespace
 
 TEST(Equality, comparesSetsWhoseMembersShareElements) {
-    EXPECT_TRUE(nestedSets(2000).isEqual(nestedSets(2000)));
-    EXPECT_FALSE(nestedSets(2000).isEqual(nestedSets(1999)));
+    EXPECT_TRUE(sharedSets(2000).isEqual(sharedSets(2000)));
+    EXPECT_FALSE(sharedSets(2000).isEqual(sharedSets(1999)));
 }
 
 TEST(Equality, hashesEqualCollectionsAlikeInEveryOrderOfEntering) {

@@ -8,18 +8,12 @@
 
 #include "foundation/objects/NSDictionary.h"
 #include "foundation/objects/NSObjectProtocol.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
+using kit::numbered;
 
 namespace {
-
-NSDictionary numbered(int count) {
-    NSMutableDictionary builder;
-    for (int i = 0; i < count; ++i) {
-        builder.setObject_forKey(i, NSString("key" + std::to_string(i)));
-    }
-    return builder.dictionary();
-}
 
 /// A key whose hash is always the same, so that everything depends on equality.
 class Colliding : public NSObjectProtocol {

@@ -17,7 +17,7 @@ using namespace ZQFoundation;
 using kit::raised;
 using kit::shown;
 
-constexpr char32_t codeSpace = 0x110000;
+using detail::codeSpace;
 
 std::size_t memberCount(const NSCharacterSet& set) {
     std::size_t count = 0;

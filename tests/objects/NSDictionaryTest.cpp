@@ -32,14 +32,6 @@ std::string walked(const NSDictionary& dictionary) {
     return text;
 }
 
-NSDictionary numbered(int count) {
-    NSMutableDictionary builder;
-    for (int i = 0; i < count; ++i) {
-        builder.setObject_forKey(i, NSString("key" + std::to_string(i)));
-    }
-    return builder.dictionary();
-}
-
 // MARK: Entries
 
 TEST(NSDictionary, isWalkedInTheOrderOfEntering) {

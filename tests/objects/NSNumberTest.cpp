@@ -17,7 +17,6 @@ using namespace kit;
 namespace {
 
 const double nan = std::numeric_limits<double>::quiet_NaN();
-const double infinity = std::numeric_limits<double>::infinity();
 constexpr std::uint64_t twoTo63 = UINT64_C(1) << 63;
 
 // MARK: Text

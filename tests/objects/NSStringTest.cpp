@@ -36,8 +36,6 @@ NSString fileName(std::string_view bytes) {
     return NSString::stringWithFileSystemBytes(bytes.data(), bytes.size());
 }
 
-const double infinity = std::numeric_limits<double>::infinity();
-
 // MARK: Making and reading
 
 TEST(NSString, lengthAndCharactersCountUnits) {

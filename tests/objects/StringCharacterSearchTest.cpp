@@ -6,15 +6,15 @@
 #include "foundation/objects/NSCharacterSet.h"
 #include "foundation/objects/NSString.h"
 #include "tests/kit/Texts.h"
+#include "tests/kit/Values.h"
 
 using namespace ZQFoundation;
+using kit::nowhere;
 using kit::shownUnits;
 using kit::stringOf;
 using namespace std::string_view_literals;
 
 namespace {
-
-constexpr NSRange nowhere{NSNotFound, 0};
 
 TEST(StringCharacterSearch, findsTheFirstAndTheLastMember) {
     const NSCharacterSet digits = NSCharacterSet::decimalDigitCharacterSet();

@@ -11,7 +11,7 @@ using namespace std::string_view_literals;
 
 namespace {
 
-struct Row {
+struct OrderRow {
     const char* name;
     NSString left;
     NSString right;
@@ -19,15 +19,15 @@ struct Row {
 };
 
 template <std::size_t size>
-void expectOrders(NSComparisonResult (NSString::*compare)(StringView) const, const Row (&rows)[size]) {
-    for (const Row& row : rows) {
+void expectOrders(NSComparisonResult (NSString::*compare)(StringView) const, const OrderRow (&rows)[size]) {
+    for (const OrderRow& row : rows) {
         EXPECT_EQ((row.left.*compare)(row.right), row.order) << row.name;
         EXPECT_EQ((row.right.*compare)(row.left), -row.order) << row.name;
     }
 }
 
 TEST(StringComparison, ordersByUnitsAndTakesCanonicalEquivalentsAsTheSame) {
-    const Row rows[] = {
+    const OrderRow rows[] = {
         {"same", "abc", "abc", 0},
         {"both empty", "", "", 0},
         {"empty first", "", "a", -1},
@@ -56,7 +56,7 @@ TEST(StringComparison, ordersByUnitsAndTakesCanonicalEquivalentsAsTheSame) {
 }
 
 TEST(StringComparison, foldsToLowerCaseAndOrdersByCodePointInAnyCase) {
-    const Row rows[] = {
+    const OrderRow rows[] = {
         {"equal but for case", "TraceLevel", "tRACElEVEL", 0},
         {"both empty", "", "", 0},
         {"empty first", "", "a", -1},

@@ -16,6 +16,7 @@
 #include "tests/models/StringSearch.h"
 
 using namespace ZQFoundation;
+using kit::nowhere;
 using kit::raised;
 using kit::shownUnits;
 using kit::stringOf;
@@ -24,7 +25,6 @@ using namespace std::string_view_literals;
 
 namespace {
 
-constexpr NSRange nowhere{NSNotFound, 0};
 constexpr std::size_t million = 1000000;
 constexpr unsigned noOptions = 0;
 constexpr unsigned fold = NSCaseInsensitiveSearch;
@@ -40,7 +40,7 @@ std::string shownRange(NSRange range) {
                : std::to_string(range.location) + ", " + std::to_string(range.length);
 }
 
-struct Row {
+struct SearchRow {
     const char* name;
     NSString text;
     NSString needle;
@@ -48,7 +48,7 @@ struct Row {
     NSRange found;
 };
 
-void expectFound(const Row& row) {
+void expectFound(const SearchRow& row) {
     EXPECT_EQ(shownRange(row.text.rangeOfString_options(row.needle, row.options)), shownRange(row.found))
         << row.name;
     const NSRange whole = NSMakeRange(0, row.text.length());
@@ -61,7 +61,7 @@ void expectFound(const Row& row) {
 }
 
 TEST(StringSearch, findsPlainTexts) {
-    const Row rows[] = {
+    const SearchRow rows[] = {
         {"at the start", "hello", "he", noOptions, {0, 2}},
         {"at the end", "hello", "lo", noOptions, {3, 2}},
         {"the whole", "hello", "hello", noOptions, {0, 5}},
@@ -75,7 +75,7 @@ TEST(StringSearch, findsPlainTexts) {
         {"a pair", "a\U0001F600x", "\U0001F600", noOptions, {1, 2}},
         {"the second unit of CR LF", "a\r\nb", "\n", noOptions, {2, 1}},
     };
-    for (const Row& row : rows) {
+    for (const SearchRow& row : rows) {
         expectFound(row);
         expectFound({row.name, row.text, row.needle, literal, row.found});
     }
@@ -93,7 +93,7 @@ TEST(StringSearch, findsTheEmptyTextNowhere) {
 }
 
 TEST(StringSearch, cutsNoComposedSequenceUnlessLiteral) {
-    const Row rows[] = {
+    const SearchRow rows[] = {
         {"a mark", "e\u0301", "\u0301", noOptions, nowhere},
         {"a mark, literal", "e\u0301", "\u0301", literal, {1, 1}},
         {"up to a base", "xe\u0301y", "xe", noOptions, nowhere},
@@ -108,13 +108,13 @@ TEST(StringSearch, cutsNoComposedSequenceUnlessLiteral) {
         {"anchored before a mark, literal", "e\u0301", "e", anchored | literal, {0, 1}},
         {"another case of the base, literal", "E\u0301", "e", fold | literal, {0, 1}},
     };
-    for (const Row& row : rows) {
+    for (const SearchRow& row : rows) {
         expectFound(row);
     }
 }
 
 TEST(StringSearch, findsCanonicalEquivalentsUnlessLiteral) {
-    const Row rows[] = {
+    const SearchRow rows[] = {
         {"composed in decomposed", "xe\u0301y", "\u00e9", noOptions, {1, 2}},
         {"decomposed in composed", "x\u00e9y", "e\u0301", noOptions, {1, 1}},
         {"composed in decomposed, literal", "xe\u0301y", "\u00e9", literal, nowhere},
@@ -130,13 +130,13 @@ TEST(StringSearch, findsCanonicalEquivalentsUnlessLiteral) {
         {"in another case", "xE\u0301y", "\u00e9", fold, {1, 2}},
         {"another case, the other way", "x\u00c9y", "e\u0301", fold, {1, 1}},
     };
-    for (const Row& row : rows) {
+    for (const SearchRow& row : rows) {
         expectFound(row);
     }
 }
 
 TEST(StringSearch, findsTextsInAnotherCase) {
-    const Row rows[] = {
+    const SearchRow rows[] = {
         {"upper in lower", "hello", "ELL", fold, {1, 3}},
         {"the last", "aBAb", "ab", fold | backwards, {2, 2}},
         {"anchored", "Hello", "hE", fold | anchored, {0, 2}},
@@ -150,7 +150,7 @@ TEST(StringSearch, findsTextsInAnotherCase) {
         {"signs between the cases", "[", "{", fold, nowhere},
         {"without the option", "hello", "ELL", noOptions, nowhere},
     };
-    for (const Row& row : rows) {
+    for (const SearchRow& row : rows) {
         expectFound(row);
     }
 }

@@ -20,7 +20,7 @@ NSObject readValue(const std::string& bytes, detail::PropertyListError& error) {
 }
 
 /// The value, or the reason why there is none.
-std::string read(const std::string& bytes) {
+std::string readBytes(const std::string& bytes) {
     detail::PropertyListError error;
     const NSObject value = readValue(bytes, error);
     EXPECT_EQ(static_cast<bool>(value), error.message == nullptr);
@@ -30,7 +30,7 @@ std::string read(const std::string& bytes) {
 std::string readOne(const std::string& bytes) {
     BinaryFile file;
     file.objects = {bytes};
-    return read(file.bytes());
+    return readBytes(file.bytes());
 }
 
 TEST(BinaryReader, knowsItsHeader) {
@@ -117,7 +117,7 @@ TEST(BinaryReader, nothingReachesBeyondTheObjects) {
 }
 
 TEST(BinaryReader, readsContainersAndSharedObjects) {
-    EXPECT_EQ(read(sampleBinary()),
+    EXPECT_EQ(readBytes(sampleBinary()),
               "{'a': [200, -2, r0.5, <78797a>], 'bc': [d100, false, true], '%20AC': <78797a>}");
     BinaryFile file;
     file.objects = {object(0xA2, references({1, 1})), object(0xA1, references({2})), object(0x51, "x")};
@@ -131,7 +131,7 @@ TEST(BinaryReader, lastOfEqualKeysWins) {
     BinaryFile file;
     file.objects = {object(0xD2, references({1, 2, 3, 4})), object(0x51, "k"), object(0x51, "k"),
                     object(0x08), object(0x09)};
-    EXPECT_EQ(read(file.bytes()), "{'k': true}");
+    EXPECT_EQ(readBytes(file.bytes()), "{'k': true}");
 }
 
 TEST(BinaryReader, keysMustBeStrings) {
@@ -139,13 +139,13 @@ TEST(BinaryReader, keysMustBeStrings) {
          {object(0x09), object(0x10, "1"), object(0xA0), object(0x41, "k"), object(0x00)}) {
         BinaryFile file;
         file.objects = {object(0xD1, references({1, 2})), key, object(0x09)};
-        EXPECT_EQ(read(file.bytes()), "A dictionary's key is not a string");
+        EXPECT_EQ(readBytes(file.bytes()), "A dictionary's key is not a string");
         file.objects = {object(0xD1, references({1, 1})), key}; // the value is read before it serves as a key
-        EXPECT_EQ(read(file.bytes()), "A dictionary's key is not a string");
+        EXPECT_EQ(readBytes(file.bytes()), "A dictionary's key is not a string");
     }
     BinaryFile file;
     file.objects = {object(0xD1, references({0, 1})), object(0x09)};
-    EXPECT_EQ(read(file.bytes()), "A dictionary's key is not a string") << "the dictionary itself";
+    EXPECT_EQ(readBytes(file.bytes()), "A dictionary's key is not a string") << "the dictionary itself";
 }
 
 TEST(BinaryReader, anySizeOfNumbersUpToEight) {
@@ -155,17 +155,17 @@ TEST(BinaryReader, anySizeOfNumbersUpToEight) {
         file.referenceSize = size;
         file.objects = {object(0xA2, bigEndian(1, size) + bigEndian(2, size)), object(0x51, "x"),
                         object(0x09)};
-        EXPECT_EQ(read(file.bytes()), "['x', true]") << size;
+        EXPECT_EQ(readBytes(file.bytes()), "['x', true]") << size;
     }
     for (const unsigned size : {0U, 9U, 255U}) {
         BinaryFile file;
         file.objects = {object(0x09)};
         std::string bytes = file.bytes();
         bytes[bytes.size() - 26] = static_cast<char>(size);
-        EXPECT_EQ(read(bytes), "The trailer has an impossible number size");
+        EXPECT_EQ(readBytes(bytes), "The trailer has an impossible number size");
         bytes = file.bytes();
         bytes[bytes.size() - 25] = static_cast<char>(size);
-        EXPECT_EQ(read(bytes), "The trailer has an impossible number size");
+        EXPECT_EQ(readBytes(bytes), "The trailer has an impossible number size");
     }
 }
 
@@ -173,46 +173,46 @@ TEST(BinaryReader, checksTheTrailer) {
     BinaryFile good;
     good.objects = {object(0x08), object(0x09)};
     good.top = 1;
-    EXPECT_EQ(read(good.bytes()), "true");
+    EXPECT_EQ(readBytes(good.bytes()), "true");
     for (const std::uint64_t top : {std::uint64_t{2}, UINT64_MAX}) {
         BinaryFile file = good;
         file.top = top;
-        EXPECT_EQ(read(file.bytes()), "The outermost object does not exist");
+        EXPECT_EQ(readBytes(file.bytes()), "The outermost object does not exist");
     }
     for (const std::int64_t more : {std::int64_t{1}, INT64_MAX, INT64_MIN, std::int64_t{-3}}) {
         BinaryFile file = good;
         file.countMore = more;
-        EXPECT_EQ(read(file.bytes()), "The table of offsets is not inside the file") << more;
+        EXPECT_EQ(readBytes(file.bytes()), "The table of offsets is not inside the file") << more;
     }
     for (const std::int64_t later :
          {std::int64_t{1}, std::int64_t{-3}, std::int64_t{-11}, INT64_MAX, INT64_MIN}) {
         BinaryFile file = good;
         file.tableLater = later;
-        EXPECT_NE(read(file.bytes()), "true") << later;
+        EXPECT_NE(readBytes(file.bytes()), "true") << later;
     }
     BinaryFile empty = good;
     empty.countMore = -2;
-    EXPECT_EQ(read(empty.bytes()), "The outermost object does not exist");
-    EXPECT_EQ(read("bplist00"), "The binary property list is truncated");
-    EXPECT_EQ(read("bplist00" + std::string(32, '\0')), "The binary property list is truncated");
+    EXPECT_EQ(readBytes(empty.bytes()), "The outermost object does not exist");
+    EXPECT_EQ(readBytes("bplist00"), "The binary property list is truncated");
+    EXPECT_EQ(readBytes("bplist00" + std::string(32, '\0')), "The binary property list is truncated");
 }
 
 TEST(BinaryReader, checksOffsetsAndReferences) {
     BinaryFile file;
     file.objects = {object(0xA1, references({1})), object(0x09)};
-    EXPECT_EQ(read(file.bytes()), "[true]");
+    EXPECT_EQ(readBytes(file.bytes()), "[true]");
     for (const std::uint64_t offset : {0U, 7U, 11U, 12U, 0xFFFFU}) {
         file.offsets = {8, offset};
-        EXPECT_EQ(read(file.bytes()), "An object is not inside the file") << offset;
+        EXPECT_EQ(readBytes(file.bytes()), "An object is not inside the file") << offset;
     }
     file.offsets.clear();
     for (const unsigned reference : {2U, 255U}) {
         file.objects[0] = object(0xA1, references({reference}));
-        EXPECT_EQ(read(file.bytes()), "A reference leads to no object");
+        EXPECT_EQ(readBytes(file.bytes()), "A reference leads to no object");
         file.objects[0] = object(0xD1, references({reference, 1}));
-        EXPECT_EQ(read(file.bytes()), "A reference leads to no object");
+        EXPECT_EQ(readBytes(file.bytes()), "A reference leads to no object");
         file.objects[0] = object(0xD1, references({1, reference}));
-        EXPECT_EQ(read(file.bytes()), "A reference leads to no object");
+        EXPECT_EQ(readBytes(file.bytes()), "A reference leads to no object");
     }
 }
 
@@ -220,7 +220,7 @@ TEST(BinaryReader, refusesCycles) {
     EXPECT_EQ(readOne(object(0xA1, references({0}))), "A container holds itself");
     BinaryFile file;
     file.objects = {object(0xA1, references({1})), object(0xD1, references({2, 0})), object(0x51, "k")};
-    EXPECT_EQ(read(file.bytes()), "A container holds itself");
+    EXPECT_EQ(readBytes(file.bytes()), "A container holds itself");
 }
 
 TEST(BinaryReader, nestsTo512Levels) {
@@ -240,7 +240,7 @@ TEST(BinaryReader, sharedContainersCountWithTheirHeight) {
         file.objects.push_back(object(0xA1, bigEndian(index + 1, 2)));
     }
     file.objects.push_back(object(0xA0));
-    EXPECT_EQ(read(file.bytes()), "Values are nested too deeply");
+    EXPECT_EQ(readBytes(file.bytes()), "Values are nested too deeply");
 }
 
 constexpr const char tooMuchSharing[] = "Shared objects make the value many times larger than the file";
@@ -358,14 +358,14 @@ TEST(BinaryReader, refusesObjectsThatLieOverEachOther) {
         all += object(0x4F, object(0x13, bigEndian(end - start - 10, 8)));
     }
     file.objects = {all};
-    EXPECT_EQ(read(file.bytes()), "The objects overlap");
+    EXPECT_EQ(readBytes(file.bytes()), "The objects overlap");
 }
 
 TEST(BinaryReader, oneObjectMayHaveTwoNumbers) {
     BinaryFile file;
     file.objects = {object(0xA2, references({1, 2})), object(0x51, "x")};
     file.offsets = {8, 11, 11};
-    EXPECT_EQ(read(file.bytes()), "['x', 'x']");
+    EXPECT_EQ(readBytes(file.bytes()), "['x', 'x']");
 }
 
 TEST(BinaryReader, namesTheByte) {

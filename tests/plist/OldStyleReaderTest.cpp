@@ -15,16 +15,16 @@ using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
 using namespace std::string_view_literals;
 
-std::string read(std::string_view text, std::string* errorText = nullptr) {
+std::string readOldStyle(std::string_view text, std::string* errorText = nullptr) {
     return readWithBoth([](const auto* start, std::size_t count,
                            auto& error) { return detail::readOldStyle(start, count, error); },
                         text, errorText);
 }
 
-void expectRows(std::initializer_list<ReadingRow> rows) { expectReadings(read, rows); }
+void expectOldStyleRows(std::initializer_list<ReadingRow> rows) { expectReadings(readOldStyle, rows); }
 
 TEST(OldStyleReader, readsDictionaries) {
-    expectRows({
+    expectOldStyleRows({
         {"{ a = 1; b = (x, y); }", "{'a': '1', 'b': ['x', 'y']}"},
         {"{}", "{}"},
         {"{a={b={};};}", "{'a': {'b': {}}}"},
@@ -38,12 +38,12 @@ TEST(OldStyleReader, refusesMalformedDictionaries) {
     for (const std::string_view text :
          {"{a=1}", "{a=1", "{a=;}", "{=1;}", "{a 1;}", "{(a)=1;}", "{;}", "{a=1;;}", "{", "}", "{a",
           "{a=", "{a;", "{a=1;b}", "{<00>=1;}", "{{}=1;}", "{a=1,}", "{a==1;}", "{a=1;}}"}) {
-        EXPECT_EQ(read(text), "nil") << text;
+        EXPECT_EQ(readOldStyle(text), "nil") << text;
     }
 }
 
 TEST(OldStyleReader, aKeyAloneIsItsOwnValue) {
-    expectRows({
+    expectOldStyleRows({
         {"{ k; }", "{'k': 'k'}"},
         {"{a;b=2;}", "{'a': 'a', 'b': '2'}"},
         {"{\"a b\";}", "{'a b': 'a b'}"},
@@ -51,7 +51,7 @@ TEST(OldStyleReader, aKeyAloneIsItsOwnValue) {
 }
 
 TEST(OldStyleReader, lastOfEqualKeysWins) {
-    expectRows({
+    expectOldStyleRows({
         {"{a=1;a=2;}", "{'a': '2'}"},
         {"{a=1;b=3;\"a\"=2;}", "{'a': '2', 'b': '3'}"},
         {"a=1;a;", "{'a': 'a'}"},
@@ -59,7 +59,7 @@ TEST(OldStyleReader, lastOfEqualKeysWins) {
 }
 
 TEST(OldStyleReader, readsArrays) {
-    expectRows({
+    expectOldStyleRows({
         {"(a,)", "['a']"},
         {"()", "[]"},
         {"( a , b\n)", "['a', 'b']"},
@@ -71,12 +71,12 @@ TEST(OldStyleReader, readsArrays) {
 TEST(OldStyleReader, refusesMalformedArrays) {
     for (const std::string_view text :
          {"(,)", "(a,,b)", "(a b)", "(a", "(a)b", "(", ")", "(a;)", "(a,", "(a))", "(a=b)", "((a)"}) {
-        EXPECT_EQ(read(text), "nil") << text;
+        EXPECT_EQ(readOldStyle(text), "nil") << text;
     }
 }
 
 TEST(OldStyleReader, scalarsAreStrings) {
-    expectRows({
+    expectOldStyleRows({
         {"abc", "'abc'"},
         {"\"a b\"", "'a b'"},
         {"_$/:.-", "'_$/:.-'"},
@@ -94,7 +94,7 @@ TEST(OldStyleReader, unquotedStringsKnowFewCharacters) {
         const std::string expected = "['x" + std::string(1, static_cast<char>(character)) + "y']";
         const bool mayFollow = character == ',';
         if (!mayFollow) {
-            EXPECT_EQ(read(std::string_view(text, 5)), isBare && character != 0 ? expected : "nil")
+            EXPECT_EQ(readOldStyle(std::string_view(text, 5)), isBare && character != 0 ? expected : "nil")
                 << character;
         }
     }
@@ -103,13 +103,13 @@ TEST(OldStyleReader, unquotedStringsKnowFewCharacters) {
 TEST(OldStyleReader, refusesWhatIsNoString) {
     for (const std::string_view text : {"a b", "\"abc", "@", "a+b", "\u00E9", "/ /", "'abc\"", "\"abc\\\"",
                                         "\"", "\"\\", "a\u00E9", "*", "~"}) {
-        EXPECT_EQ(read(text), "nil") << text;
+        EXPECT_EQ(readOldStyle(text), "nil") << text;
     }
-    EXPECT_EQ(read("/"), "'/'");
+    EXPECT_EQ(readOldStyle("/"), "'/'");
 }
 
 TEST(OldStyleReader, blanksMaySeparateTokens) {
-    expectRows({
+    expectOldStyleRows({
         {"\t\n\v\f\r (\ta\n,\vb\f,\rc )\u2028\u2029", "['a', 'b', 'c']"},
         {"\u2028{\u2029a\u2028=\u2029b\u2028;\u2029}", "{'a': 'b'}"},
         {"(a\u00A0)", "nil"},
@@ -122,7 +122,7 @@ TEST(OldStyleReader, blanksMaySeparateTokens) {
 }
 
 TEST(OldStyleReader, commentsMayBeWhereATokenMayStart) {
-    expectRows({
+    expectOldStyleRows({
         {"(a, // b\nc)", "['a', 'c']"},
         {"(a, // b\u2028c)", "['a', 'c']"},
         {"(a, // b\vc\n)", "['a']"},
@@ -143,7 +143,7 @@ TEST(OldStyleReader, commentsMayBeWhereATokenMayStart) {
 }
 
 TEST(OldStyleReader, readsData) {
-    expectRows({
+    expectOldStyleRows({
         {"<0fbd77>", "<0fbd77>"},
         {"<0fbd 77>", "<0fbd77>"},
         {"<>", "<>"},
@@ -161,7 +161,7 @@ TEST(OldStyleReader, readsData) {
 }
 
 TEST(OldStyleReader, readsEscapes) {
-    expectRows({
+    expectOldStyleRows({
         {R"("\a\b\f\n\r\t\v")", "'%0007%0008%000C%000A%000D%0009%000B'"},
         {R"("\"\'\\")", R"('"'\')"},
         {R"('\"\'\\')", R"('"'\')"},
@@ -177,7 +177,7 @@ TEST(OldStyleReader, readsEscapes) {
 }
 
 TEST(OldStyleReader, octalEscapesAreBytesOfTheNextStepEncoding) {
-    expectRows({
+    expectOldStyleRows({
         {R"("\1\12\101\0")", "'%0001%000AA%0000'"},
         {R"("\18\1018")", "'%00018A8'"},
         {R"("\200\375")", "'%00A0%00FF'"},
@@ -191,7 +191,7 @@ TEST(OldStyleReader, octalEscapesAreBytesOfTheNextStepEncoding) {
 }
 
 TEST(OldStyleReader, hexadecimalEscapesAreUnits) {
-    expectRows({
+    expectOldStyleRows({
         {R"("\U00E9\Ue9\U")", "'%00E9%00E9%0000'"},
         {R"("\U41 \U041g\U00041")", "'A Ag%00041'"},
         {R"("\Ud83d\Ude00")", "'%D83D%DE00'"},
@@ -201,7 +201,7 @@ TEST(OldStyleReader, hexadecimalEscapesAreUnits) {
 }
 
 TEST(OldStyleReader, readsTextBeyondAscii) {
-    expectRows({
+    expectOldStyleRows({
         {"\"\u00E9\u20AC\U0001F600\"", "'%00E9%20AC%D83D%DE00'"},
         {"{\"\u00E9\"='\u00FC\\n';}", "{'%00E9': '%00FC%000A'}"},
         {"// \u00E9\n(a)", "['a']"},
@@ -216,15 +216,15 @@ TEST(OldStyleReader, keepsUnpairedSurrogatesOfAText) {
 }
 
 TEST(OldStyleReader, textWithoutAValue) {
-    EXPECT_EQ(read(""), "nil");
-    EXPECT_EQ(read(" "), "{}");
-    EXPECT_EQ(read(" // only\n /* comments */ "), "{}");
-    EXPECT_EQ(read("/* open"), "{}");
-    EXPECT_EQ(read("//"), "{}");
+    EXPECT_EQ(readOldStyle(""), "nil");
+    EXPECT_EQ(readOldStyle(" "), "{}");
+    EXPECT_EQ(readOldStyle(" // only\n /* comments */ "), "{}");
+    EXPECT_EQ(readOldStyle("/* open"), "{}");
+    EXPECT_EQ(readOldStyle("//"), "{}");
 }
 
 TEST(OldStyleReader, readsTheStringsForm) {
-    expectRows({
+    expectOldStyleRows({
         {"a = b; c;", "{'a': 'b', 'c': 'c'}"},
         {"\"k\" = \"v\"; // x", "{'k': 'v'}"},
         {"a = b", "nil"},
@@ -246,24 +246,24 @@ TEST(OldStyleReader, readsTheStringsForm) {
 
 TEST(OldStyleReader, nothingFollowsAnotherValue) {
     for (const std::string_view text : {"{} x", "() ;", "<00> <00>", "{}{}", "{}=", "(a)b"}) {
-        EXPECT_EQ(read(text), "nil") << text;
+        EXPECT_EQ(readOldStyle(text), "nil") << text;
     }
-    EXPECT_EQ(read("{} // x"), "{}");
+    EXPECT_EQ(readOldStyle("{} // x"), "{}");
 }
 
 TEST(OldStyleReader, nestsTo512Levels) {
-    EXPECT_NE(read(nestedText(512, "(", "", ")")), "nil");
-    EXPECT_NE(read(nestedText(512, "{a=", "x", ";}")), "nil");
-    EXPECT_NE(read(nestedText(512, "(", "x", ")")), "nil");
+    EXPECT_NE(readOldStyle(nestedText(512, "(", "", ")")), "nil");
+    EXPECT_NE(readOldStyle(nestedText(512, "{a=", "x", ";}")), "nil");
+    EXPECT_NE(readOldStyle(nestedText(512, "(", "x", ")")), "nil");
     std::string errorText;
-    EXPECT_EQ(read(nestedText(513, "(", "", ")"), &errorText), "nil");
+    EXPECT_EQ(readOldStyle(nestedText(513, "(", "", ")"), &errorText), "nil");
     EXPECT_EQ(errorText, "Values are nested too deeply (line 1, column 513)");
-    EXPECT_EQ(read(nestedText(513, "{a=", "x", ";}")), "nil");
+    EXPECT_EQ(readOldStyle(nestedText(513, "{a=", "x", ";}")), "nil");
 }
 
 TEST(OldStyleReader, namesLineAndColumn) {
     expectFailures(
-        read,
+        readOldStyle,
         {
             {"", "The text is empty (line 1, column 1)"},
             {"(a b)", "An array's element must be followed by ',' or ')' (line 1, column 4)"},
@@ -291,7 +291,7 @@ TEST(OldStyleReader, keysMayBeUnlikeAndMany) {
         text += "\"" + key + std::to_string(index) + "\" = v;";
         expected += (index == 0 ? "'" : ", '") + key + std::to_string(index) + "': 'v'";
     }
-    EXPECT_EQ(read(text + "}"), "{" + expected + "}");
+    EXPECT_EQ(readOldStyle(text + "}"), "{" + expected + "}");
 }
 
 } // namespace

@@ -14,16 +14,16 @@ namespace {
 using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
 
-std::string read(std::string_view text, std::string* errorText = nullptr) {
+std::string readXml(std::string_view text, std::string* errorText = nullptr) {
     return readWithBoth([](const auto* start, std::size_t count,
                            auto& error) { return detail::readXml(start, count, error); },
                         text, errorText);
 }
 
-void expectRows(std::initializer_list<ReadingRow> rows) { expectReadings(read, rows); }
+void expectXmlRows(std::initializer_list<ReadingRow> rows) { expectReadings(readXml, rows); }
 
 TEST(XmlReader, prologIsOptional) {
-    expectRows({
+    expectXmlRows({
         {"<true/>", "true"},
         {" \t\r\n<true/>", "true"},
         {"<?xml version=\"1.0\"?><true/>", "true"},
@@ -45,7 +45,7 @@ TEST(XmlReader, prologIsOptional) {
 }
 
 TEST(XmlReader, commentsAndInstructionsMustBeClosed) {
-    expectRows({
+    expectXmlRows({
         {"<!-- - -- > ---><true/>", "true"},
         {"<!--><true/>", "nil"},
         {"<!---><true/>", "nil"},
@@ -61,7 +61,7 @@ TEST(XmlReader, commentsAndInstructionsMustBeClosed) {
 }
 
 TEST(XmlReader, whatFollowsTheElementIsIgnored) {
-    expectRows({
+    expectXmlRows({
         {"<true/>x", "true"},
         {"<true/><false/>", "true"},
         {"<plist><true/></plist></nonsense", "true"},
@@ -69,7 +69,7 @@ TEST(XmlReader, whatFollowsTheElementIsIgnored) {
 }
 
 TEST(XmlReader, plistHoldsExactlyOneElement) {
-    expectRows({
+    expectXmlRows({
         {"<plist version=\"1.0\"><true/></plist>", "true"},
         {"<plist>\n<!-- a --><true/><?b?>\n</plist >", "true"},
         {"<plist/>", "nil"},
@@ -84,7 +84,7 @@ TEST(XmlReader, plistHoldsExactlyOneElement) {
 }
 
 TEST(XmlReader, attributesAreIgnored) {
-    expectRows({
+    expectXmlRows({
         {"<string a=\"b\">x</string>", "'x'"},
         {"<string a='>'>x</string>", "'x'"},
         {"<string\na = \"/\" >x</string>", "'x'"},
@@ -101,14 +101,14 @@ TEST(XmlReader, namesAreExact) {
                   "<arr\u00E9/>|<ke>a</ke>|<dictionary/>|<d/>|<dat/>|<set/>|</true>|</>|<string>x</String>|"
                   "<string>x</strings>|<string>x</ string>|<string>x</string x>|<string>x</string/>|"
                   "<string>x</string|<string>x</|<string>x<|<string>x")) {
-        EXPECT_EQ(read(text), "nil") << text;
+        EXPECT_EQ(readXml(text), "nil") << text;
     }
-    EXPECT_EQ(read("<string>x</string \t\r\n>"), "'x'");
-    EXPECT_EQ(read("<true />"), "true");
+    EXPECT_EQ(readXml("<string>x</string \t\r\n>"), "'x'");
+    EXPECT_EQ(readXml("<true />"), "true");
 }
 
 TEST(XmlReader, readsDictionaries) {
-    expectRows({
+    expectXmlRows({
         {"<dict/>", "{}"},
         {"<dict><key>a</key><integer>1</integer><key>b</key><dict/></dict>", "{'a': 1, 'b': {}}"},
         {"<dict><!-- a --><key>a</key><!-- b --><true/><?c?></dict>", "{'a': true}"},
@@ -128,7 +128,7 @@ TEST(XmlReader, readsDictionaries) {
 }
 
 TEST(XmlReader, readsArrays) {
-    expectRows({
+    expectXmlRows({
         {"<array/>", "[]"},
         {"<array>\n\t<array/>\n\t<array><true/></array>\n</array>", "[[], [true]]"},
         {"<array><string>a</string><!-- b --><key>c</key></array>", "['a', 'c']"},
@@ -140,7 +140,7 @@ TEST(XmlReader, readsArrays) {
 }
 
 TEST(XmlReader, readsStrings) {
-    expectRows({
+    expectXmlRows({
         {"<string/>", "''"},
         {"<string> a\r\n\tb </string>", "' a%000D%000A%0009b '"},
         {"<key>a</key>", "'a'"},
@@ -161,7 +161,7 @@ TEST(XmlReader, keepsUnpairedSurrogatesOfAText) {
 }
 
 TEST(XmlReader, knowsFiveReferencesAndNumbers) {
-    expectRows({
+    expectXmlRows({
         {"<string>&lt;&gt;&amp;&apos;&quot;</string>", "'<>&'\"'"},
         {"<string>a&lt;b&amp;amp;</string>", "'a<b&amp;'"},
         {"<string>&#65;&#x41;&#xe9;&#xE9;&#x1F600;&#128512;</string>", "'AA%00E9%00E9%D83D%DE00%D83D%DE00'"},
@@ -172,13 +172,14 @@ TEST(XmlReader, knowsFiveReferencesAndNumbers) {
     for (const std::string_view reference :
          {"&", "& ", "&;", "&lt", "&LT;", "&nbsp;", "&l t;", "&#;", "&#x;", "&#X41;", "&#65", "&#x110000;",
           "&#99999999999999999999;", "&#-1;", "&#6 5;", "&#g;", "&#xg;", "&#\u0661;", "&a\u00E9;"}) {
-        EXPECT_EQ(read("<string>" + std::string(reference) + "</string>"), "nil") << reference;
-        EXPECT_EQ(read("<dict><key>" + std::string(reference) + "</key><true/></dict>"), "nil") << reference;
+        EXPECT_EQ(readXml("<string>" + std::string(reference) + "</string>"), "nil") << reference;
+        EXPECT_EQ(readXml("<dict><key>" + std::string(reference) + "</key><true/></dict>"), "nil")
+            << reference;
     }
 }
 
 TEST(XmlReader, readsLiteralSections) {
-    expectRows({
+    expectXmlRows({
         {"<string><![CDATA[a<b>&amp;]]></string>", "'a<b>&amp;'"},
         {"<string>x<![CDATA[a]]>&lt;<![CDATA[]]><![CDATA[]]]]>y</string>", "'xa<]]y'"},
         {"<string><![CDATA[]]]></string>", "']'"},
@@ -192,7 +193,7 @@ TEST(XmlReader, readsLiteralSections) {
 }
 
 TEST(XmlReader, readsTruthValues) {
-    expectRows({
+    expectXmlRows({
         {"<true/>", "true"},
         {"<false/>", "false"},
         {"<true></true>", "true"},
@@ -203,7 +204,7 @@ TEST(XmlReader, readsTruthValues) {
 }
 
 TEST(XmlReader, readsIntegers) {
-    expectRows({
+    expectXmlRows({
         {"<integer>-0</integer>", "0"},
         {"<integer> \t\r\n42</integer>", "42"},
         {"<integer> - \n 42</integer>", "-42"},
@@ -225,15 +226,15 @@ TEST(XmlReader, refusesOtherIntegers) {
          piecesOf("| |-|+|0x|1 |1\n|1.5|1e3|0b1|abc|--1|+-1|0x1g|ff|1,000|18446744073709551616|"
                   "0x10000000000000000|-9223372036854775809|-0x8000000000000001|99999999999999999999999999|"
                   "&#49;|<![CDATA[1]]>|\v1|\u00A01|\u0661|1<!-- -->")) {
-        EXPECT_EQ(read("<integer>" + text + "</integer>"), "nil") << text;
+        EXPECT_EQ(readXml("<integer>" + text + "</integer>"), "nil") << text;
     }
-    EXPECT_EQ(read("<integer/>"), "nil");
-    EXPECT_EQ(read("<integer>1</real>"), "nil");
-    EXPECT_EQ(read("<integer>1"), "nil");
+    EXPECT_EQ(readXml("<integer/>"), "nil");
+    EXPECT_EQ(readXml("<integer>1</real>"), "nil");
+    EXPECT_EQ(readXml("<integer>1"), "nil");
 }
 
 TEST(XmlReader, readsReals) {
-    expectRows({
+    expectXmlRows({
         {"<real>-0</real>", "r-0"},
         {"<real> \t\n\v\f\r1.5</real>", "r1.5"},
         {"<real>+.5</real>", "r0.5"},
@@ -252,13 +253,13 @@ TEST(XmlReader, readsReals) {
          {"",      " ",     ".",    "-",   "e3",      "1e",    "1e+",          "1 ",
           "1.5\n", "1.5.5", "0x10", "1,5", "infinit", "infi",  "nan ",         "nan(1)",
           "--1",   "- 1",   "1f",   "i",   "\u00A01", "&#49;", "<![CDATA[1]]>"}) {
-        EXPECT_EQ(read("<real>" + std::string(text) + "</real>"), "nil") << text;
+        EXPECT_EQ(readXml("<real>" + std::string(text) + "</real>"), "nil") << text;
     }
-    EXPECT_EQ(read("<real/>"), "nil");
+    EXPECT_EQ(readXml("<real/>"), "nil");
 }
 
 TEST(XmlReader, readsDates) {
-    expectRows({
+    expectXmlRows({
         {"<date>2001-01-01T00:00:00Z</date>", "d0"},
         {"<date>1970-01-01T00:00:00Z</date>", "d-978307200"},
         {"<date>2024-02-29T23:59:59Z</date>", "d730943999"},
@@ -274,13 +275,13 @@ TEST(XmlReader, readsDates) {
              "2001-13-01T00:00:00Z|2001-01-00T00:00:00Z|2001-01-32T00:00:00Z|2001-02-29T00:00:00Z|"
              "1900-02-29T00:00:00Z|2001-04-31T00:00:00Z|2001-01-01T24:00:00Z|2001-01-01T00:60:00Z|"
              "2001-01-01T00:00:60Z|2001-01-01 00:00:00Z|2001/01/01T00:00:00Z|2001-01-01T00:00:00ZZ|now")) {
-        EXPECT_EQ(read("<date>" + text + "</date>"), "nil") << text;
+        EXPECT_EQ(readXml("<date>" + text + "</date>"), "nil") << text;
     }
-    EXPECT_EQ(read("<date/>"), "nil");
+    EXPECT_EQ(readXml("<date/>"), "nil");
 }
 
 TEST(XmlReader, readsData) {
-    expectRows({
+    expectXmlRows({
         {"<data></data>", "<>"},
         {"<data>\n</data>", "<>"},
         {"<data>AAEC</data>", "<000102>"},
@@ -304,17 +305,17 @@ TEST(XmlReader, nestsTo512Levels) {
     const auto nested = [](std::size_t depth, std::string_view open, std::string_view close) {
         return "<plist>" + nestedText(depth, open, "<true/>", close) + "</plist>";
     };
-    EXPECT_NE(read(nested(512, "<array>", "</array>")), "nil");
-    EXPECT_NE(read(nested(512, "<dict><key>a</key>", "</dict>")), "nil");
+    EXPECT_NE(readXml(nested(512, "<array>", "</array>")), "nil");
+    EXPECT_NE(readXml(nested(512, "<dict><key>a</key>", "</dict>")), "nil");
     std::string errorText;
-    EXPECT_EQ(read(nested(513, "<array>", "</array>"), &errorText), "nil");
+    EXPECT_EQ(readXml(nested(513, "<array>", "</array>"), &errorText), "nil");
     EXPECT_EQ(errorText, "Values are nested too deeply (line 1, column 3592)");
-    EXPECT_EQ(read(nested(513, "<dict><key>a</key>", "</dict>")), "nil");
+    EXPECT_EQ(readXml(nested(513, "<dict><key>a</key>", "</dict>")), "nil");
 }
 
 TEST(XmlReader, namesLineAndColumn) {
     expectFailures(
-        read,
+        readXml,
         {
             {"", "The text ends where an element is expected (line 1, column 1)"},
             {"x", "Text where an element is expected (line 1, column 1)"},

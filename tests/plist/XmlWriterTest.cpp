@@ -17,7 +17,7 @@ using namespace ZQFoundation;
 using namespace ZQFoundation::testing;
 
 /// The text between the plist tags, or the reason why there is none.
-std::string write(const NSObject& value) {
+std::string xmlOf(const NSObject& value) {
     std::string text;
     if (const char* refusal = detail::writeXml(value, text)) {
         return refusal;
@@ -28,7 +28,7 @@ std::string write(const NSObject& value) {
     return text.substr(before.size(), text.size() - before.size() - after.size());
 }
 
-NSObject writeAndRead(const NSObject& value) {
+NSObject throughXml(const NSObject& value) {
     std::string text;
     EXPECT_EQ(detail::writeXml(value, text), nullptr);
     detail::PropertyListError error;
@@ -41,7 +41,7 @@ TEST(XmlWriter, writesContainersIndentedWithSortedKeys) {
     const NSObject value = NSDictionary{{"b", NSArray{1, NSArray::array(), NSArray::arrayWithObject("x")}},
                                         {"a", NSDictionary::dictionary()},
                                         {"A", true}};
-    EXPECT_EQ(write(value), "<dict>\n"
+    EXPECT_EQ(xmlOf(value), "<dict>\n"
                             "\t<key>A</key>\n"
                             "\t<true/>\n"
                             "\t<key>a</key>\n"
@@ -58,38 +58,38 @@ TEST(XmlWriter, writesContainersIndentedWithSortedKeys) {
 }
 
 TEST(XmlWriter, writesScalars) {
-    EXPECT_EQ(write(""), "<string></string>\n");
-    EXPECT_EQ(write("a\n\tb"), "<string>a\n\tb</string>\n");
-    EXPECT_EQ(write("<a & \"b\">"), "<string>&lt;a &amp; \"b\"&gt;</string>\n");
-    EXPECT_EQ(write("\u00E9\u20AC\U0001F600"), "<string>\u00E9\u20AC\U0001F600</string>\n");
-    EXPECT_EQ(write(false), "<false/>\n");
-    EXPECT_EQ(write(0), "<integer>0</integer>\n");
-    EXPECT_EQ(write(INT64_MIN), "<integer>-9223372036854775808</integer>\n");
-    EXPECT_EQ(write(UINT64_MAX), "<integer>18446744073709551615</integer>\n");
-    EXPECT_EQ(write(NSDate::dateWithTimeIntervalSinceReferenceDate(0)),
+    EXPECT_EQ(xmlOf(""), "<string></string>\n");
+    EXPECT_EQ(xmlOf("a\n\tb"), "<string>a\n\tb</string>\n");
+    EXPECT_EQ(xmlOf("<a & \"b\">"), "<string>&lt;a &amp; \"b\"&gt;</string>\n");
+    EXPECT_EQ(xmlOf("\u00E9\u20AC\U0001F600"), "<string>\u00E9\u20AC\U0001F600</string>\n");
+    EXPECT_EQ(xmlOf(false), "<false/>\n");
+    EXPECT_EQ(xmlOf(0), "<integer>0</integer>\n");
+    EXPECT_EQ(xmlOf(INT64_MIN), "<integer>-9223372036854775808</integer>\n");
+    EXPECT_EQ(xmlOf(UINT64_MAX), "<integer>18446744073709551615</integer>\n");
+    EXPECT_EQ(xmlOf(NSDate::dateWithTimeIntervalSinceReferenceDate(0)),
               "<date>2001-01-01T00:00:00Z</date>\n");
-    EXPECT_EQ(write(NSDate::dateWithTimeIntervalSinceReferenceDate(-0.25)),
+    EXPECT_EQ(xmlOf(NSDate::dateWithTimeIntervalSinceReferenceDate(-0.25)),
               "<date>2000-12-31T23:59:59Z</date>\n");
-    EXPECT_EQ(write(NSData::data()), "<data>\n</data>\n");
-    EXPECT_EQ(write(NSData::dataWithBytes_length("abcd", 4)), "<data>\nYWJjZA==\n</data>\n");
+    EXPECT_EQ(xmlOf(NSData::data()), "<data>\n</data>\n");
+    EXPECT_EQ(xmlOf(NSData::dataWithBytes_length("abcd", 4)), "<data>\nYWJjZA==\n</data>\n");
 }
 
 TEST(XmlWriter, writesRealsInTheirShortestForm) {
-    EXPECT_EQ(write(0.1), "<real>0.1</real>\n");
-    EXPECT_EQ(write(1.0), "<real>1</real>\n");
-    EXPECT_EQ(write(-0.0), "<real>-0</real>\n");
-    EXPECT_EQ(write(1e300), "<real>1e+300</real>\n");
-    EXPECT_EQ(write(0.1F), "<real>0.10000000149011612</real>\n");
-    EXPECT_EQ(write(std::numeric_limits<double>::infinity()), "<real>inf</real>\n");
-    EXPECT_EQ(write(-std::numeric_limits<double>::infinity()), "<real>-inf</real>\n");
-    EXPECT_EQ(write(-std::numeric_limits<double>::quiet_NaN()), "<real>nan</real>\n");
-    EXPECT_TRUE(std::isnan(NSNumber(writeAndRead(std::numeric_limits<double>::quiet_NaN())).doubleValue()));
+    EXPECT_EQ(xmlOf(0.1), "<real>0.1</real>\n");
+    EXPECT_EQ(xmlOf(1.0), "<real>1</real>\n");
+    EXPECT_EQ(xmlOf(-0.0), "<real>-0</real>\n");
+    EXPECT_EQ(xmlOf(1e300), "<real>1e+300</real>\n");
+    EXPECT_EQ(xmlOf(0.1F), "<real>0.10000000149011612</real>\n");
+    EXPECT_EQ(xmlOf(std::numeric_limits<double>::infinity()), "<real>inf</real>\n");
+    EXPECT_EQ(xmlOf(-std::numeric_limits<double>::infinity()), "<real>-inf</real>\n");
+    EXPECT_EQ(xmlOf(-std::numeric_limits<double>::quiet_NaN()), "<real>nan</real>\n");
+    EXPECT_TRUE(std::isnan(NSNumber(throughXml(std::numeric_limits<double>::quiet_NaN())).doubleValue()));
 }
 
 TEST(XmlWriter, breaksDataIntoLines) {
     const std::string bytes(60, 'a');
     const NSObject value = NSArray{NSData::dataWithBytes_length(bytes.data(), 60)};
-    EXPECT_EQ(write(value), "<array>\n\t<data>\n"
+    EXPECT_EQ(xmlOf(value), "<array>\n\t<data>\n"
                             "\tYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFhYWFh\n"
                             "\tYWFh\n"
                             "\t</data>\n</array>\n");
@@ -98,26 +98,26 @@ TEST(XmlWriter, breaksDataIntoLines) {
 TEST(XmlWriter, writesWhatXmlHasNoPlaceForAsNumbers) {
     const char16_t units[] = {0, 1, '\r', 0x7F, 0x85, 0xD800, 'a', 0xDC00, 0xFFFE, 0xFFFF};
     const NSString string = NSString::stringWithCharacters_length(units, 10);
-    EXPECT_EQ(write(string),
+    EXPECT_EQ(xmlOf(string),
               "<string>&#x0;&#x1;&#xd;&#x7f;&#x85;&#xd800;a&#xdc00;&#xfffe;&#xffff;</string>\n");
-    EXPECT_EQ(writeAndRead(string), string);
+    EXPECT_EQ(throughXml(string), string);
 }
 
 TEST(XmlWriter, keysTakeTheSameEscapes) {
-    EXPECT_EQ(write(NSDictionary{{"<\x01", 1}}),
+    EXPECT_EQ(xmlOf(NSDictionary{{"<\x01", 1}}),
               "<dict>\n\t<key>&lt;&#x1;</key>\n\t<integer>1</integer>\n</dict>\n");
 }
 
 TEST(XmlWriter, writesTheYearsThatTheFormHas) {
     constexpr double first = -378683424000; // -9999-01-01
     constexpr double last = 252423993599;   // 9999-12-31 23:59:59
-    EXPECT_EQ(write(NSDate::dateWithTimeIntervalSinceReferenceDate(first)),
+    EXPECT_EQ(xmlOf(NSDate::dateWithTimeIntervalSinceReferenceDate(first)),
               "<date>-9999-01-01T00:00:00Z</date>\n");
-    EXPECT_EQ(write(NSDate::dateWithTimeIntervalSinceReferenceDate(last + 0.5)),
+    EXPECT_EQ(xmlOf(NSDate::dateWithTimeIntervalSinceReferenceDate(last + 0.5)),
               "<date>9999-12-31T23:59:59Z</date>\n");
     for (const double seconds : {first - 1, last + 1, 1e300, -1e300, std::numeric_limits<double>::infinity(),
                                  std::numeric_limits<double>::quiet_NaN()}) {
-        EXPECT_EQ(write(NSDate::dateWithTimeIntervalSinceReferenceDate(seconds)),
+        EXPECT_EQ(xmlOf(NSDate::dateWithTimeIntervalSinceReferenceDate(seconds)),
                   "The date is too far away for a property list");
     }
 }
@@ -125,26 +125,26 @@ TEST(XmlWriter, writesTheYearsThatTheFormHas) {
 TEST(XmlWriter, refusesWhatNoPropertyListHolds) {
     const char* kinds =
         "A property list contains only strings, numbers, dates, data, arrays and dictionaries";
-    EXPECT_EQ(write(nullptr), "A property list cannot contain nil");
-    EXPECT_EQ(write(NSNull::null()), kinds);
-    EXPECT_EQ(write(NSArray{"a", NSNull::null()}), kinds);
-    EXPECT_EQ(write(NSDictionary{{"a", NSArray{NSNull::null()}}}), kinds);
-    EXPECT_EQ(write(NSDictionary{{1, "a"}}), "A key of a property list's dictionary must be a string");
+    EXPECT_EQ(xmlOf(nullptr), "A property list cannot contain nil");
+    EXPECT_EQ(xmlOf(NSNull::null()), kinds);
+    EXPECT_EQ(xmlOf(NSArray{"a", NSNull::null()}), kinds);
+    EXPECT_EQ(xmlOf(NSDictionary{{"a", NSArray{NSNull::null()}}}), kinds);
+    EXPECT_EQ(xmlOf(NSDictionary{{1, "a"}}), "A key of a property list's dictionary must be a string");
 }
 
 TEST(XmlWriter, nestsTo512Levels) {
-    EXPECT_EQ(writeAndRead(nestedArrays(512)), nestedArrays(512));
-    EXPECT_EQ(write(nestedArrays(513)), "The value is nested too deeply for a property list");
-    EXPECT_EQ(write(nestedArrays(100'000)), "The value is nested too deeply for a property list");
+    EXPECT_EQ(throughXml(nestedArrays(512)), nestedArrays(512));
+    EXPECT_EQ(xmlOf(nestedArrays(513)), "The value is nested too deeply for a property list");
+    EXPECT_EQ(xmlOf(nestedArrays(100'000)), "The value is nested too deeply for a property list");
 }
 
 TEST(XmlWriter, keepsKindsOfNumbers) {
-    const NSArray again(writeAndRead(NSArray{true, 1, 1.0, 1.0F}));
+    const NSArray again(throughXml(NSArray{true, 1, 1.0, 1.0F}));
     EXPECT_EQ(show(again), "[true, 1, r1, r1]");
     const NSObject all =
         NSDictionary{{"", NSArray{UINT64_MAX, INT64_MIN, -1e-300, NSData::data()}},
                      {"<\r\xEF\xBF\xBE", NSDate::dateWithTimeIntervalSinceReferenceDate(-1e9)}};
-    EXPECT_EQ(writeAndRead(all), all);
+    EXPECT_EQ(throughXml(all), all);
 }
 
 } // namespace

@@ -11,7 +11,7 @@ using namespace ZQFoundation;
 
 namespace {
 
-struct Row {
+struct ArgumentRow {
     const char* what;
     std::vector<std::string> arguments;
     NSDictionary values;
@@ -22,7 +22,7 @@ NSDictionary parsed(std::vector<std::string> arguments) {
     return detail::defaultsFromArguments(arguments);
 }
 
-std::vector<Row> rows() {
+std::vector<ArgumentRow> rows() {
     const NSDictionary none = NSDictionary::dictionary();
     return {
         {"a pair", {"-TraceLevel", "3"}, {{"TraceLevel", "3"}}},
@@ -61,7 +61,7 @@ std::vector<Row> rows() {
 } // namespace
 
 TEST(CommandLineDefaults, readPairsOfKeyAndValue) {
-    for (const Row& row : rows()) {
+    for (const ArgumentRow& row : rows()) {
         const NSDictionary values = parsed(row.arguments);
         EXPECT_TRUE(values.isEqualToDictionary(row.values))
             << row.what << ": " << values.condensedDescription().utf8();

@@ -10,14 +10,14 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-struct Row {
+struct MatchRow {
     const char* what;
     Names languages;
     Names available;
     Names chosen;
 };
 
-const Row rows[] = {
+const MatchRow matchRows[] = {
     {"exact name", {"de"}, {"en", "de"}, {"de"}},
     {"exact name with region", {"de-AT"}, {"de-AT"}, {"de-AT"}},
     {"less exact relative follows", {"de-AT"}, {"de", "de-AT", "en"}, {"de-AT", "de"}},
@@ -65,7 +65,7 @@ const Row rows[] = {
 } // namespace
 
 TEST(LanguageMatching, choosesLocalizations) {
-    for (const Row& row : rows) {
+    for (const MatchRow& row : matchRows) {
         EXPECT_EQ(matchingLocalizations(row.languages, row.available), row.chosen) << row.what;
     }
 }

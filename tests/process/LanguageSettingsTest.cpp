@@ -13,7 +13,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-struct Row {
+struct SettingRow {
     const char* what;
     const char* language;
     const char* all;
@@ -22,7 +22,7 @@ struct Row {
     Names languages;
 };
 
-const Row rows[] = {
+const SettingRow settingRows[] = {
     {"nothing set", nullptr, nullptr, nullptr, nullptr, {}},
     {"LANG", nullptr, nullptr, nullptr, "de_AT.UTF-8", {"de-AT"}},
     {"LC_MESSAGES before LANG", nullptr, nullptr, "fr_FR", "de_DE", {"fr-FR"}},
@@ -49,7 +49,7 @@ const Row rows[] = {
 
 TEST(LanguageSettings, followTheEnvironment) {
     const kit::NoLanguages none;
-    for (const Row& row : rows) {
+    for (const SettingRow& row : settingRows) {
         const kit::Variable language("LANGUAGE", row.language);
         const kit::Variable all("LC_ALL", row.all);
         const kit::Variable messages("LC_MESSAGES", row.messages);

@@ -16,7 +16,7 @@ struct CategoryRow {
     GeneralCategory category;
 };
 
-constexpr CategoryRow rows[] = {
+constexpr CategoryRow categoryRows[] = {
     {0x0000, GeneralCategory::control},
     {0x0020, GeneralCategory::spaceSeparator},
     {'$', GeneralCategory::currencySymbol},
@@ -72,7 +72,7 @@ constexpr CategoryRow rows[] = {
 };
 
 TEST(CharacterCategories, areThoseOfTheDatabase) {
-    for (const CategoryRow& row : rows) {
+    for (const CategoryRow& row : categoryRows) {
         EXPECT_EQ(static_cast<int>(generalCategory(row.codePoint)), static_cast<int>(row.category))
             << std::hex << static_cast<unsigned>(row.codePoint);
     }

@@ -14,11 +14,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/kit/Values.h"
+
 namespace {
 
 using namespace ZQFoundation::detail;
+using ZQFoundation::kit::infinity;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr std::int64_t int64Min = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t int64Max = std::numeric_limits<std::int64_t>::max();
 

@@ -103,7 +103,7 @@ std::u16string referenceUnits(std::string_view bytes, IllFormed policy) {
 }
 
 /// Bytes that meet in every combination near the borders between lead, continuation and invalid bytes.
-std::string randomBytes(std::mt19937& random, std::size_t length) {
+std::string randomUtf8(std::mt19937& random, std::size_t length) {
     static constexpr unsigned char telling[] = {0x00, 'a',  0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0,
                                                 0xC1, 0xC2, 0xDF, 0xE0, 0xE1, 0xEC, 0xED, 0xEE, 0xEF, 0xF0,
                                                 0xF1, 0xF3, 0xF4, 0xF5, 0xFF, 0x80, 0xBF, 0x80, 0xBF, 0xA0};
@@ -233,7 +233,7 @@ TEST(Utf, namesEachBadByteOfAFileName) {
 TEST(Utf, agreesWithThePlainTableOnRandomBytes) {
     std::mt19937 random(1);
     for (int round = 0; round < 50000; ++round) {
-        const std::string bytes = randomBytes(random, random() % 24);
+        const std::string bytes = randomUtf8(random, random() % 24);
         const std::u16string replaced = referenceUnits(bytes, IllFormed::replace);
         const std::u16string named = referenceUnits(bytes, IllFormed::fileName);
         ASSERT_EQ(toUnits(bytes, IllFormed::replace), replaced) << "round " << round;
@@ -249,7 +249,7 @@ TEST(Utf, agreesWithThePlainTableOnRandomBytes) {
 TEST(Utf, bringsAnyBytesBackThroughAFileName) {
     std::mt19937 random(3);
     for (int round = 0; round < 50000; ++round) {
-        const std::string bytes = randomBytes(random, random() % 80);
+        const std::string bytes = randomUtf8(random, random() % 80);
         const std::u16string units = toUnits(bytes, IllFormed::fileName);
         ASSERT_EQ(toBytes(units, IllFormed::fileName), bytes) << "round " << round;
         ASSERT_EQ(hasFileNameForm(units), bytes.find('\0') == std::string::npos) << "round " << round;

@@ -22,8 +22,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::int64_t winter = 1709643629; // 2024-03-05 13:00:29 UTC
-constexpr std::int64_t summer = 1720000000;
+constexpr std::int64_t inWinter = 1709643629; // 2024-03-05 13:00:29 UTC
+constexpr std::int64_t inSummer = 1720000000;
 
 const Zone* zoneNamed(std::string_view name) { return namedZone(name.data(), name.size()); }
 
@@ -45,7 +45,7 @@ protected:
 
     std::int32_t offsetFor(const char* value) {
         zone_.change(value);
-        return zoneOffsetAt(processZone(), winter);
+        return zoneOffsetAt(processZone(), inWinter);
     }
     std::string nameFor(const char* value) {
         zone_.change(value);
@@ -90,20 +90,20 @@ TEST_F(ZoneTable, readsTheVariableAgainOnlyWhenAsked) {
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(offsetFor("AAA-1"), 3600);
         setenv("TZ", "AAA-2", 1);
-        EXPECT_EQ(zoneOffsetAt(processZone(), winter), 3600);
+        EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 3600);
         rereadProcessZone();
-        EXPECT_EQ(zoneOffsetAt(processZone(), winter), 7200);
+        EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 7200);
     }
     // A value that is changed in place, where its address shows nothing.
     char inPlace[] = "TZ=BBB-3";
     putenv(inPlace);
     rereadProcessZone();
-    EXPECT_EQ(zoneOffsetAt(processZone(), winter), 10800);
+    EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 10800);
     inPlace[7] = '4';
     rereadProcessZone();
-    EXPECT_EQ(zoneOffsetAt(processZone(), winter), 14400);
+    EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 14400);
     zone_.change("AAA-1"); // before the array goes
-    EXPECT_EQ(zoneOffsetAt(processZone(), winter), 3600);
+    EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 3600);
 }
 
 TEST_F(ZoneTable, makesEachZoneOnce) {
@@ -124,19 +124,19 @@ TEST_F(ZoneTable, makesEachZoneOnce) {
 TEST_F(ZoneTable, readsTheFileAgainOnlyWhenAsked) {
     EXPECT_EQ(offsetFor("Test/Zone"), 3600);
     write("Test/Zone", 7200);
-    EXPECT_EQ(zoneOffsetAt(processZone(), winter), 3600);
+    EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 3600);
     rereadProcessZone();
-    EXPECT_EQ(zoneOffsetAt(processZone(), winter), 7200);
+    EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 7200);
     write("Test/Zone", 3600);
     rereadProcessZone();
-    EXPECT_EQ(zoneOffsetAt(processZone(), winter), 3600);
+    EXPECT_EQ(zoneOffsetAt(processZone(), inWinter), 3600);
 }
 
 TEST_F(ZoneTable, usesTheSystemsSettingWhenTheVariableIsUnset) {
     zone_.change(nullptr);
     const Zone* const zone = processZone();
     tzset();
-    const time_t times[] = {winter, summer};
+    const time_t times[] = {inWinter, inSummer};
     for (const time_t time : times) {
         struct tm local = {};
         ASSERT_NE(localtime_r(&time, &local), nullptr);
@@ -162,8 +162,8 @@ TEST_F(ZoneTable, distinguishesZones) {
     write("Test/Other", 7200);
     const Zone* const zone = zoneNamed("Test/Zone");
     const Zone* const other = zoneNamed("Test/Other");
-    EXPECT_EQ(zoneOffsetAt(zone, winter), 3600);
-    EXPECT_EQ(zoneOffsetAt(other, winter), 7200);
+    EXPECT_EQ(zoneOffsetAt(zone, inWinter), 3600);
+    EXPECT_EQ(zoneOffsetAt(other, inWinter), 7200);
     EXPECT_EQ(zoneNamed("Test/Zone"), zone);
     EXPECT_TRUE(sameZone(*zone, *zone));
     EXPECT_FALSE(sameZone(*zone, *other));
@@ -240,10 +240,10 @@ TEST_F(ZoneTable, takesNoInstantForOneFarAway) {
     const Zone* const zone = processZone();
     int differing = 0;
     for (int bit = 24; bit < 63; ++bit) {
-        const std::int64_t farAway = summer + (std::int64_t{1} << bit);
+        const std::int64_t farAway = inSummer + (std::int64_t{1} << bit);
         differing += zonePeriodAt(zone, farAway).offset != 7200;
         EXPECT_EQ(zoneOffsetAt(zone, farAway), zonePeriodAt(zone, farAway).offset) << bit;
-        EXPECT_EQ(zoneOffsetAt(zone, summer), 7200) << bit;
+        EXPECT_EQ(zoneOffsetAt(zone, inSummer), 7200) << bit;
     }
     EXPECT_GT(differing, 5);
 }
@@ -253,9 +253,9 @@ TEST_F(ZoneTable, servesManyThreadsAtOnce) {
     std::atomic<int> wrong{0};
     kit::inThreads(4, [&wrong](std::size_t number) {
         for (int i = 0; i < 5000; ++i) {
-            wrong += zoneOffsetAt(processZone(), winter) != 3600;
-            wrong += zoneOffsetAt(processZone(), summer) != 7200;
-            wrong += zoneOffsetAt(zoneNamed("Test/Zone"), winter) != 3600;
+            wrong += zoneOffsetAt(processZone(), inWinter) != 3600;
+            wrong += zoneOffsetAt(processZone(), inSummer) != 7200;
+            wrong += zoneOffsetAt(zoneNamed("Test/Zone"), inWinter) != 3600;
             if (number == 0 && i % 100 == 0) {
                 rereadProcessZone();
             }
@@ -275,14 +275,14 @@ TEST_F(ZoneTable, servesAForkedChildWhileThreadsAreAtWork) {
     for (int round = 0; round < 50; ++round) {
         kit::expectInChild([] {
             rereadProcessZone();
-            return zoneOffsetAt(processZone(), summer) == 7200 &&
-                   zoneOffsetAt(zoneNamed("Test/Zone"), winter) == 3600;
+            return zoneOffsetAt(processZone(), inSummer) == 7200 &&
+                   zoneOffsetAt(zoneNamed("Test/Zone"), inWinter) == 3600;
         });
     }
 }
 
 /// Asked for before `main`, when other initializers may still be to come.
-const std::int32_t offsetBeforeMain = zoneOffsetAt(zoneNamed("UTC"), winter) + 1;
+const std::int32_t offsetBeforeMain = zoneOffsetAt(zoneNamed("UTC"), inWinter) + 1;
 
 TEST_F(ZoneTable, worksBeforeMain) { EXPECT_EQ(offsetBeforeMain, 1); }
 

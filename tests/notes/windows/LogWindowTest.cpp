@@ -12,7 +12,7 @@ using namespace scene;
 
 namespace {
 
-struct Parts {
+struct LogParts {
     QString text() const { return lines.toPlainText(); }
     bool shows(const char* wanted) const {
         return waitUntil([&] { return text().contains(wanted); });
@@ -29,7 +29,7 @@ struct Parts {
 TEST(LogWindow, showsTheLinesOfAllThreads) {
     const Home home;
     zq::ZQLog::log("before the window");
-    const Parts parts;
+    const LogParts parts;
     EXPECT_TRUE(parts.text().contains("] before the window"));
     zq::ZQLog::log("of this thread");
     std::thread([] { zq::ZQLog::log("of another thread"); }).join();
@@ -39,7 +39,7 @@ TEST(LogWindow, showsTheLinesOfAllThreads) {
 
 TEST(LogWindow, filtersOldLinesAndNewOnes) {
     const Home home;
-    const Parts parts;
+    const LogParts parts;
     zq::ZQLog::log("first: caf\u00e9");
     zq::ZQLog::log("first: tea");
     QTest::keyClicks(&parts.filter, "CAFE first");
@@ -57,7 +57,7 @@ TEST(LogWindow, filtersOldLinesAndNewOnes) {
 TEST(LogWindow, aSwitchActsOnTheNextLine) {
     Home home;
     home.start();
-    const Parts parts;
+    const LogParts parts;
     parts.traceNotes.click();
     home.store->reload();
     EXPECT_TRUE(parts.shows("TraceNotes: -[(NoteStore *)0x"));
@@ -70,8 +70,8 @@ TEST(LogWindow, aSwitchActsOnTheNextLine) {
 
 TEST(LogWindow, linesAfterTheWindowGoNowhere) {
     const Home home;
-    { const Parts parts; }
+    { const LogParts parts; }
     zq::ZQLog::log("nobody sees this");
     QCoreApplication::processEvents();
-    EXPECT_TRUE(Parts().text().contains("nobody sees this"));
+    EXPECT_TRUE(LogParts().text().contains("nobody sees this"));
 }

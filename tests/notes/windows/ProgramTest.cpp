@@ -16,8 +16,8 @@ using namespace ZQFoundation;
 namespace {
 
 /// A home in which nothing but the program is at work.
-struct Home : kit::ScratchFolder {
-    Home() {
+struct ProgramHome : kit::ScratchFolder {
+    ProgramHome() {
         for (const char* const folder : {"home", "work", "temporary", "runtime"}) {
             makeFolder(folder);
         }
@@ -44,7 +44,7 @@ std::set<std::string> itemsIn(const std::string& folder) {
 /// The running program, whose standard error is a pipe.
 class Program {
 public:
-    Program(const Home& home, std::vector<std::string> arguments, const char* language = "en",
+    Program(const ProgramHome& home, std::vector<std::string> arguments, const char* language = "en",
             const std::string& bundle = ZQ_NOTES_BUNDLE) {
         int ends[2];
         EXPECT_EQ(::pipe(ends), 0);
@@ -103,8 +103,8 @@ public:
     pid_t number() const { return child_; }
 
 private:
-    [[noreturn]] static void become(const Home& home, std::vector<std::string> words, const char* language,
-                                    std::string program) {
+    [[noreturn]] static void become(const ProgramHome& home, std::vector<std::string> words,
+                                    const char* language, std::string program) {
         for (const char* const name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "ZQ_DEFAULTS"}) {
             ::unsetenv(name);
         }
@@ -133,7 +133,7 @@ private:
 } // namespace
 
 TEST(Program, readsTraceKeysBesideTheOptionsOfQt) {
-    const Home home;
+    const ProgramHome home;
     home.write("home/.local/share/Example/Notes/a.note", "a");
     Program program(home, {"-TraceNotes", "YES", "-style", "fusion", "-LogFile", "NO"});
     EXPECT_NE(program.lineWith("Notes 2.0 v200").find("] Notes 2.0 v200 (en), running on "),
@@ -142,21 +142,21 @@ TEST(Program, readsTraceKeysBesideTheOptionsOfQt) {
 }
 
 TEST(Program, searchesForWhatIsLeftOfItsCommandLine) {
-    const Home home;
+    const ProgramHome home;
     Program program(
         home, {"-TraceSearch", "YES", "-reverse", "apple", "-style", "fusion", "pie", "-LogFile", "NO"});
     EXPECT_NE(program.lineWith("0 notes match \"apple pie\""), "");
 }
 
 TEST(Program, speaksGerman) {
-    const Home home;
+    const ProgramHome home;
     Program program(home, {"-TraceNotes", "YES", "-LogFile", "NO"}, "de");
     EXPECT_NE(program.lineWith("Notes 2.0 v200").find("Notes 2.0 v200 (de), running on "), std::string::npos);
 }
 
 TEST(Program, killedInItsFirstStartItGoesOnInTheNext) {
     constexpr int count = 700;
-    const Home home;
+    const ProgramHome home;
     const std::vector<std::string> arguments = {"-TraceMigration", "YES", "-LogFile", "NO"};
     for (int number = 0; number < count; ++number) {
         home.write("home/Library/Application Support/Example/Notes/" + std::to_string(number) + ".note",
@@ -182,7 +182,7 @@ TEST(Program, killedInItsFirstStartItGoesOnInTheNext) {
 }
 
 TEST(Program, aMovedBundleIsWhole) {
-    const Home home;
+    const ProgramHome home;
     const std::string moved = home / "elsewhere/Notes.app";
     home.makeFolder("elsewhere");
     NSString reason;
@@ -198,7 +198,7 @@ TEST(Program, aMovedBundleIsWhole) {
 }
 
 TEST(Program, leavesWhatItSaysInTheHomeAndNothingElsewhere) {
-    const Home home;
+    const ProgramHome home;
     home.write("home/.config/ZQFoundation/com.example.Notes.plist", "{ TraceSettings = YES; }");
     Program program(home, {});
     const std::string logs = home / "home/.local/state/Example/Notes";

@@ -8,7 +8,7 @@ using namespace scene;
 
 namespace {
 
-struct Parts {
+struct SettingsParts {
     notes::SettingsWindow window{nullptr};
     QSpinBox& fontSize = child<QSpinBox>(window, "fontSize");
     QCheckBox& wrapLines = child<QCheckBox>(window, "wrapLines");
@@ -19,13 +19,13 @@ struct Parts {
 
 TEST(SettingsWindow, savesWhatItShows) {
     const Home home;
-    Parts parts;
+    SettingsParts parts;
     parts.fontSize.setValue(20);
     parts.wrapLines.setChecked(false);
     parts.language.setCurrentText("Deutsch");
     parts.window.accept();
     EXPECT_EQ(utf8(parts.window.failure()), "");
-    const Parts later;
+    const SettingsParts later;
     EXPECT_EQ(later.fontSize.value(), 20);
     EXPECT_FALSE(later.wrapLines.isChecked());
     EXPECT_EQ(utf8(later.language.currentText()), "Deutsch");
@@ -34,17 +34,17 @@ TEST(SettingsWindow, savesWhatItShows) {
 
 TEST(SettingsWindow, aCanceledOneChangesNothing) {
     const Home home;
-    Parts parts;
+    SettingsParts parts;
     parts.fontSize.setValue(20);
     parts.window.reject();
     EXPECT_EQ(notes::settings::current().fontSize, 11);
-    EXPECT_EQ(Parts().language.currentIndex(), 0);
+    EXPECT_EQ(SettingsParts().language.currentIndex(), 0);
 }
 
 TEST(SettingsWindow, whatCannotBeSavedSaysWhy) {
     const Home home;
     home.write(".config/ZQFoundation", "a file is where the folder should be");
-    Parts parts;
+    SettingsParts parts;
     parts.window.accept();
     EXPECT_TRUE(parts.window.failure().startsWith("Not saved: ")) << utf8(parts.window.failure());
 }

@@ -8,7 +8,7 @@ using namespace scene;
 
 namespace {
 
-struct Parts {
+struct PanelParts {
     notes::TracePanel panel;
     QCheckBox& traceNotes = child<QCheckBox>(panel, "TraceNotes");
     QCheckBox& traceSearch = child<QCheckBox>(panel, "TraceSearch");
@@ -23,14 +23,14 @@ std::string savedSettings(const Home& home) {
 
 TEST(TracePanel, aSwitchActsAtOnceAndIsSaved) {
     const Home home;
-    const Parts parts;
+    const PanelParts parts;
     EXPECT_FALSE(parts.traceNotes.isChecked());
     parts.traceNotes.click();
     EXPECT_TRUE(zq::ZQLog::traceKeyIsEnabled("TraceNotes"));
     EXPECT_FALSE(zq::ZQLog::traceKeyIsEnabled("TraceSearch"));
     EXPECT_NE(savedSettings(home).find("<key>TraceNotes</key>\n\t<true/>"), std::string::npos)
         << savedSettings(home);
-    const Parts later;
+    const PanelParts later;
     EXPECT_TRUE(later.traceNotes.isChecked());
     EXPECT_FALSE(later.traceSearch.isChecked());
     parts.traceNotes.click();
@@ -41,13 +41,13 @@ TEST(TracePanel, aSwitchActsAtOnceAndIsSaved) {
 
 TEST(TracePanel, aSwitchSaysWhatItsKeyShows) {
     const Home home;
-    EXPECT_EQ(utf8(Parts().traceNotes.toolTip()), "What is read, written and removed");
+    EXPECT_EQ(utf8(PanelParts().traceNotes.toolTip()), "What is read, written and removed");
 }
 
 TEST(TracePanel, whereTheEnvironmentDecidesTheSwitchGoesBack) {
     const Home home;
     const kit::Variable defaults("ZQ_DEFAULTS", "-TraceNotes NO");
-    const Parts parts;
+    const PanelParts parts;
     parts.traceNotes.click();
     EXPECT_FALSE(parts.traceNotes.isChecked());
     EXPECT_EQ(utf8(parts.status.text()), "The command line decides about TraceNotes in this run.");
@@ -56,7 +56,7 @@ TEST(TracePanel, whereTheEnvironmentDecidesTheSwitchGoesBack) {
 TEST(TracePanel, aSwitchThatCannotBeSavedSaysWhy) {
     const Home home;
     home.write(".config/ZQFoundation", "a file is where the folder should be");
-    const Parts parts;
+    const PanelParts parts;
     parts.traceNotes.click();
     EXPECT_TRUE(parts.traceNotes.isChecked());
     EXPECT_TRUE(parts.status.text().startsWith("Not saved: ")) << utf8(parts.status.text());
