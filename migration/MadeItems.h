@@ -26,7 +26,8 @@ private:
     };
     struct Hash {
         std::size_t operator()(const Key& key) const noexcept {
-            return static_cast<std::size_t>((key.inode ^ key.device << 7U) * 0x9E3779B97F4A7C15U);
+            return static_cast<std::size_t>((key.inode ^ static_cast<std::uint64_t>(key.device) << 7U) *
+                                            0x9E3779B97F4A7C15U);
         }
     };
     std::unordered_set<Key, Hash> items_;

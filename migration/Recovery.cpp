@@ -40,7 +40,7 @@ std::uint64_t stateOf(int folder) noexcept {
     const timespec changed = changeTime(information);
     std::uint64_t state = 1;
     for (const std::uint64_t value :
-         {std::uint64_t{information.st_dev}, std::uint64_t{information.st_ino},
+         {static_cast<std::uint64_t>(information.st_dev), static_cast<std::uint64_t>(information.st_ino),
           static_cast<std::uint64_t>(modified.tv_sec), static_cast<std::uint64_t>(modified.tv_nsec),
           static_cast<std::uint64_t>(changed.tv_sec), static_cast<std::uint64_t>(changed.tv_nsec)}) {
         state = mixed(state ^ value, 0x9E3779B97F4A7C15U);

@@ -111,8 +111,8 @@ public:
 
 private:
     enum class State { held, unknown, failed };
-    int file_;
-    State state_;
+    [[maybe_unused]] int file_; // as the state, where the system has no means for it
+    [[maybe_unused]] State state_;
 };
 
 /// The time that a file gets that is changed now, if its file system stores it exactly.
