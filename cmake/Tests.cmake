@@ -152,6 +152,7 @@ endforeach()
             COMMAND ${target} --gtest_shuffle --gtest_brief=1 --gtest_filter=-${ZQ_LONG_SUITES_FILTER}
                 --gtest_output=json:${PROJECT_BINARY_DIR}/shuffled/${folder}.json)
         set_tests_properties(${folder}.shuffled PROPERTIES
+            COST 1000 # the longest ones first, so that no processor waits for them at the end
             LABELS shuffled TIMEOUT 600 ENVIRONMENT "${ZQ_TEST_ENVIRONMENT}")
     endif()
 endfunction()
