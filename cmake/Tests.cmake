@@ -60,14 +60,19 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
     # It mistakes `std::string(count, character) + "literal"` for an access beyond the end.
     target_compile_options(zq_test_settings INTERFACE -Wno-array-bounds -Wno-stringop-overflow)
 endif()
-# Tests of what only Linux has: network namespaces, tracing with filters for system calls, disk images, immutable
-# files.
+# Tests of what only Linux has: network namespaces, tracing and filters for system calls, timers of one thread, disk
+# images, immutable files.
 set(ZQ_TESTS_LEFT_OUT)
 if(APPLE)
     set(ZQ_TESTS_LEFT_OUT
-        info/RoutingSocketTest.cpp migration/FaultInjectionTest.cpp migration/KeptSourcesTest.cpp
+        extensions/FileAppendTest.cpp files/RemovalCheckTest.cpp info/RoutingSocketTest.cpp
+        log/LineObserverTest.cpp migration/FaultInjectionTest.cpp migration/KeptSourcesTest.cpp
         migration/LeftoversTest.cpp migration/MigrationsAtOnceTest.cpp migration/PowerCutTest.cpp
-        migration/ServedFileSystemsTest.cpp migration/WritersMeanwhileTest.cpp)
+        migration/RecoveryTest.cpp migration/ServedFileSystemsTest.cpp migration/WritersMeanwhileTest.cpp
+        plugins/SignalHandlersTest.cpp process/DefaultsSavingTest.cpp process/NSProcessInfoTest.cpp
+        process/StandardErrorWriteTest.cpp
+        system/FileTimesTest.cpp system/LockTest.cpp system/RandomBytesTest.cpp system/SignalSafeMemoryTest.cpp
+        system/ThreadsAndForksTest.cpp tools/DefaultsToolTest.cpp tools/DefaultsWritersTest.cpp)
     message(STATUS "Not built for this system: ${ZQ_TESTS_LEFT_OUT}")
     # Tests may use parts of the C++ library that the oldest system does not have yet, among them its file system.
     target_compile_options(zq_test_settings INTERFACE

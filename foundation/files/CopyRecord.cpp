@@ -52,9 +52,9 @@ CopyRecord::Mark CopyRecord::markOf(const struct stat& folder, const char* name,
     // one.
     std::uint64_t hash = hashBytes(name, std::strlen(name), key_, seen);
     for (const std::uint64_t value :
-         {std::uint64_t{folder.st_dev}, std::uint64_t{folder.st_ino}, std::uint64_t{item.st_dev},
-          std::uint64_t{item.st_ino}, std::uint64_t{item.st_mode & S_IFMT},
-          static_cast<std::uint64_t>(item.st_size)}) {
+         {static_cast<std::uint64_t>(folder.st_dev), static_cast<std::uint64_t>(folder.st_ino),
+          static_cast<std::uint64_t>(item.st_dev), static_cast<std::uint64_t>(item.st_ino),
+          static_cast<std::uint64_t>(item.st_mode & S_IFMT), static_cast<std::uint64_t>(item.st_size)}) {
         hash = added(hash, value);
     }
     hash = added(hash, modificationTime(item));

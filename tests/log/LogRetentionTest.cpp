@@ -582,7 +582,7 @@ TEST(LogRetention, ignoresFilesOfOtherUsersInAFolderLikeTmp) {
     EXPECT_EQ(scene.removed(By::count, 1), scene.messages({"MyApp.5.log"}, By::count));
     EXPECT_EQ(scene.removed(By::age), scene.messages({"MyApp.3.log"}, By::age));
     EXPECT_EQ(scene.names(), (NameSet{"MyApp.1.log", "MyApp.2.log", "MyApp.4.log"}));
-    for (const mode_t notShared : {01755U, 0777U}) {
+    for (const mode_t notShared : {mode_t{01755}, mode_t{0777}}) {
         scene.setMode(notShared);
         EXPECT_EQ(scene.removed(By::age).size(), notShared == 01755 ? 2U : 1U);
         scene.file("MyApp.1.log", -100);

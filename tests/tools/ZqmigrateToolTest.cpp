@@ -243,7 +243,7 @@ TEST(ZqmigrateTool, reportsRelativeLinksThatAreDanglingAfterwards) {
 TEST(ZqmigrateTool, reportsFoldersThatCannotBeRead) {
     scene::migrateProgram(); // opened before privileges are given up
     kit::expectAsUser([] {
-        for (const mode_t mode : {0000U, 0600U, 0444U, 0300U}) {
+        for (const mode_t mode : {mode_t{0}, mode_t{0600}, mode_t{0444}, mode_t{0300}}) {
             const MigrateTool tool;
             for (const char* const name : {"a/open/file", "a/closed/file", "a/closed/folder/file"}) {
                 tool.file(name);
