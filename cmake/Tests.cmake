@@ -70,9 +70,9 @@ if(APPLE)
         migration/LeftoversTest.cpp migration/MigrationsAtOnceTest.cpp migration/PowerCutTest.cpp
         migration/RecoveryTest.cpp migration/ServedFileSystemsTest.cpp migration/WritersMeanwhileTest.cpp
         plugins/SignalHandlersTest.cpp process/DefaultsSavingTest.cpp process/NSProcessInfoTest.cpp
-        process/StandardErrorWriteTest.cpp
-        system/FileTimesTest.cpp system/LockTest.cpp system/RandomBytesTest.cpp system/SignalSafeMemoryTest.cpp
-        system/ThreadsAndForksTest.cpp tools/DefaultsToolTest.cpp tools/DefaultsWritersTest.cpp)
+        process/StandardErrorWriteTest.cpp system/FileTimesTest.cpp system/LockTest.cpp
+        system/RandomBytesTest.cpp system/SignalSafeMemoryTest.cpp system/ThreadsAndForksTest.cpp
+        tools/DefaultsToolTest.cpp tools/DefaultsWritersTest.cpp)
     message(STATUS "Not built for this system: ${ZQ_TESTS_LEFT_OUT}")
     # Tests may use parts of the C++ library that the oldest system does not have yet, among them its file system.
     target_compile_options(zq_test_settings INTERFACE
@@ -179,6 +179,10 @@ function(zq_add_refusals name source)
     set_tests_properties(refusals.${name} PROPERTIES TIMEOUT 600)
 endfunction()
 
+# It defines functions of the C library, which no other source of a program must be compiled with.
+set_source_files_properties("${PROJECT_SOURCE_DIR}/tests/kit/AllocationCount.cpp" PROPERTIES
+    SKIP_UNITY_BUILD_INCLUSION ON)
+
 # The tests of one folder; with the thread sanitizer only the sources that hold suites about threads.
 function(zq_add_test_folder folder)
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*Test.cpp")
@@ -203,8 +207,6 @@ function(zq_add_test_folder folder)
         endforeach()
     endif()
     # A program that counts allocations replaces the allocator; no other one does.
-    set_source_files_properties("${PROJECT_SOURCE_DIR}/tests/kit/AllocationCount.cpp" PROPERTIES
-        SKIP_UNITY_BUILD_INCLUSION ON)
     foreach(source IN LISTS sources)
         file(STRINGS "${source}" counting REGEX "^#include \"tests/kit/AllocationCount.h\"")
         if(counting)

@@ -134,11 +134,7 @@ bool takePermissions(int file, const TargetFolder& folder, const struct stat& ex
     mode_t permissions = existing.st_mode & 07777;
     permissions &= made.st_uid == existing.st_uid ? ~mode_t{0} : ~mode_t{S_ISUID};
     permissions &= made.st_gid == existing.st_gid ? ~mode_t{0} : ~mode_t{S_ISGID};
-    // With a list, the group's bits are the most that the list allows anybody, not what the group may.
-    detail::system::HeldItem old;
-    if (!old.hold(folder.descriptor(), folder.name()) || !old.giveAccessList(file)) {
-        permissions &= ~mode_t{S_IRWXG};
-    }
+    permissions = detail::system::takeAccessList(file, folder.descriptor(), folder.name(), permissions);
     return ::fchmod(file, permissions) == 0;
 }
 

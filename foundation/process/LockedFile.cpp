@@ -238,12 +238,7 @@ bool LockedFile::keepOwnerAndPermissions(int file) const noexcept {
         ::fchown(file, static_cast<uid_t>(-1), before_.st_gid) != 0) {
         mode &= ~static_cast<mode_t>(S_IRWXG);
     }
-    // With an access list, the group's bits are the most that the list allows anybody, not what the group
-    // may.
-    system::HeldItem before;
-    if (!before.hold(folder_.number(), place_.name.c_str()) || !before.giveAccessList(file)) {
-        mode &= ~static_cast<mode_t>(S_IRWXG);
-    }
+    mode = system::takeAccessList(file, folder_.number(), place_.name.c_str(), mode);
     return ::fchmod(file, mode) == 0;
 }
 

@@ -111,7 +111,8 @@ public:
 
 private:
     enum class State { held, unknown, failed };
-    [[maybe_unused]] int file_; // as the state, where the system has no means for it
+    // Both are unused on a system that cannot hold writers off.
+    [[maybe_unused]] int file_;
     [[maybe_unused]] State state_;
 };
 

@@ -40,6 +40,17 @@ private:
     Descriptor descriptor_;
 };
 
+/// Gives an open file the access list of the item that it replaces. Returns the permissions that the file may
+/// have: with a list, the group's bits are the most that the list allows anybody, so the group gets none if
+/// the list cannot be given.
+inline mode_t takeAccessList(int file, int folder, const char* name, mode_t permissions) noexcept {
+    HeldItem replaced;
+    if (!replaced.hold(folder, name) || !replaced.giveAccessList(file)) {
+        permissions &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    return permissions;
+}
+
 } // namespace ZQFoundation::detail::system
 
 #endif
