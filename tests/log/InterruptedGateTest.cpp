@@ -18,6 +18,7 @@
 #include "foundation/system/TestOverrides.h"
 #include "log/ZQLog.h"
 #include "log/ZQTraceKey.h"
+#include "tests/kit/OneProcessor.h"
 #include "tests/log/LogScene.h"
 
 using namespace ZQFoundation;
@@ -137,6 +138,7 @@ bool endsWell(pid_t child) {
 /// something went wrong.
 template <class Work>
 long interruptionsOf(const Work& work, long stride) {
+    const kit::OneProcessor processor;
     const pid_t child = ::fork();
     if (child == 0) {
         ::alarm(100);

@@ -6,7 +6,6 @@
 #ifndef ZQFOUNDATION_TESTS_FAULTS_TRACING_H
 #define ZQFOUNDATION_TESTS_FAULTS_TRACING_H
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
@@ -19,7 +18,6 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <poll.h>
-#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
@@ -27,6 +25,7 @@
 
 #include "tests/kit/Child.h"
 #include "tests/kit/Environment.h"
+#include "tests/kit/OneProcessor.h"
 #include "tests/migration/MigrationScene.h"
 #include "tests/migration/faults/StoppedCall.h"
 
@@ -87,34 +86,10 @@ inline bool installFilter() {
            ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
-/// Keeps this process and its children on one processor for a scope: parent and child take turns at every
-/// call, and waking each other up across processors takes several times as long.
-class OneProcessor {
-public:
-    OneProcessor() {
-        cpu_set_t one;
-        CPU_ZERO(&one);
-        CPU_SET(static_cast<unsigned>(std::max(::sched_getcpu(), 0)), &one);
-        restores_ = ::sched_getaffinity(0, sizeof before_, &before_) == 0 &&
-                    ::sched_setaffinity(0, sizeof one, &one) == 0;
-    }
-    OneProcessor(const OneProcessor&) = delete;
-    OneProcessor& operator=(const OneProcessor&) = delete;
-    ~OneProcessor() {
-        if (restores_) {
-            ::sched_setaffinity(0, sizeof before_, &before_);
-        }
-    }
-
-private:
-    cpu_set_t before_{};
-    bool restores_ = false;
-};
-
 /// What makes many small runs quick.
 struct QuickRuns {
     kit::ScratchInMemory memory;
-    OneProcessor processor;
+    kit::OneProcessor processor;
 };
 
 /// The parent's side of one run.
