@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The file manager's removal of the item at a path.
 // A link is removed, never what it refers to.
+#include <unistd.h>
+
 #include "foundation/files/FileError.h"
 #include "foundation/files/ItemPlace.h"
 #include "foundation/files/NSFileManager.h"
@@ -14,6 +16,11 @@ namespace {
 
 /// False with `errno`; `failed` is then what could not be removed.
 bool removeItem(const std::string& path, std::string& failed) {
+    // For most items, which are files, one call does it all. It refuses folders and every name that is not an
+    // entry.
+    if (::unlink(path.c_str()) == 0) {
+        return true;
+    }
     detail::ItemPlace item;
     struct stat information;
     failed = path;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Parent and child on one processor.
-#ifndef ZQFOUNDATION_TESTS_KIT_ONE_PROCESSOR_H
-#define ZQFOUNDATION_TESTS_KIT_ONE_PROCESSOR_H
+#ifndef ZQFOUNDATION_TESTS_KIT_ONEPROCESSOR_H
+#define ZQFOUNDATION_TESTS_KIT_ONEPROCESSOR_H
 
 #include <algorithm>
 
@@ -9,8 +9,8 @@
 
 namespace ZQFoundation::kit {
 
-/// Keeps this process and its children on one processor for a scope. Where a parent traces its child they take turns,
-/// and waking each other up across processors takes several times as long.
+/// Keeps this process and its children on one processor for a scope. A parent that traces its child takes
+/// turns with it, and waking each other up across processors takes several times as long.
 class OneProcessor {
 public:
     OneProcessor() {
