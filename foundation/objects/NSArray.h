@@ -232,12 +232,13 @@ private:
 
 template <class Range>
 NSArray NSArray::arrayWithRange(Range&& range) {
-    using Plain = std::remove_cvref_t<Range>;
-    typename detail::IteratedRange<Plain>::type& iterated = range;
+    typename detail::IteratedRange<std::remove_cvref_t<Range>>::type& iterated = range;
     NSMutableArray elements;
     for (const auto& element : iterated) {
-        if constexpr (requires { requires std::is_same_v<typename Plain::value_type, bool>; }) {
-            elements.addObject(static_cast<bool>(element)); // libc++'s std::vector<bool> yields proxies
+        if constexpr (!std::is_convertible_v<decltype(element), NSObject> &&
+                      requires { typename decltype(iterated.begin())::value_type; }) {
+            // A proxy of a value, such as what a filtered std::vector<bool> yields.
+            elements.addObject(static_cast<const typename decltype(iterated.begin())::value_type&>(element));
         } else {
             elements.addObject(element);
         }

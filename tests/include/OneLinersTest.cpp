@@ -257,6 +257,7 @@ struct FoundOnDemand {
 
 TEST(OneLiners, rangesBecomeCollections) {
     EXPECT_EQ(NSArray::arrayWithRange(FoundOnDemand<int>{{1, 2}}), (NSArray{1, 2}));
+    EXPECT_EQ(NSArray::arrayWithRange(FoundOnDemand<bool>{{true, false}}), (NSArray{true, false}));
     FoundOnDemand<std::pair<std::string, int>> pairs{{{"a", 1}}};
     EXPECT_EQ(NSDictionary::dictionaryWithRange(pairs), (NSDictionary{{"a", 1}}));
     EXPECT_EQ(pairs.asked, 1U);
