@@ -18,6 +18,7 @@
 #include <glib.h>
 #if __has_include(<glibmm/ustring.h>)
 #include <glibmm/datetime.h>
+#include <glibmm/error.h>
 #include <glibmm/ustring.h>
 #include <glibmm/variant.h>
 #define ZQFOUNDATION_GLIB_HAS_GLIBMM
@@ -209,6 +210,13 @@ struct ObjectConversion<Glib::DateTime> {
         GDateTime* const time = dateTimeOf(object.as<NSDate>());
         return time == nullptr ? Glib::DateTime() : Glib::DateTime(time);
     }
+};
+
+/// Its text is that of `textOf`; of any class of errors, such as `Gio::Error`.
+template <class Error>
+    requires std::is_base_of_v<Glib::Error, Error>
+struct ObjectConversion<Error> {
+    static NSString object(const Error& error) { return textOf(error.gobj()); }
 };
 
 /// Also `Glib::Variant<T>`; back, a `Glib::VariantBase`, which `Glib::VariantBase::cast_dynamic` narrows.

@@ -2,6 +2,7 @@
 // GLib's and glibmm's types as values and back, as arguments, and GLib's messages in the log.
 #include <ZQFoundation/Glib.h>
 #include <ZQFoundation/Std.h>
+#include <glibmm/fileutils.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -90,6 +91,11 @@ TEST(Glib, errorsHaveTheirDomainAndCode) {
     EXPECT_EQ(textOf(error), "no file (g-file-error-quark 4)");
     g_error_free(error);
     EXPECT_FALSE(textOf(nullptr));
+    EXPECT_EQ(NSString::stringWithFormat("%@", Glib::Error(G_FILE_ERROR, 4, "no file")),
+              "no file (g-file-error-quark 4)");
+    EXPECT_EQ(NSObject(Glib::FileError(Glib::FileError::ACCESS_DENIED, "not yours")),
+              "not yours (g-file-error-quark 2)");
+    EXPECT_FALSE(NSObject(Glib::Error()));
 }
 
 TEST(Glib, messagesAreLinesOfTheLog) {
