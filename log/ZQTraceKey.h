@@ -55,6 +55,9 @@ public:
     constexpr LocatedFormat(const T& text, const char* function = __builtin_FUNCTION()) noexcept
         : format_(text), function_(function), functionLength_(plainNameLength(function)) {}
 
+    template <UncheckedText T>
+    LocatedFormat(const T&) = delete; // write "%@" and pass the text as its argument, or make it an NSString
+
     constexpr StringView text() const noexcept { return format_.text(); }
     constexpr StringView function() const noexcept { return StringView(function_, functionLength_); }
 

@@ -211,7 +211,8 @@ public:
         } else {
             static_assert(std::is_base_of_v<NSObject, T>,
                           "a value is a handle, or a type whose specialization of "
-                          "ZQFoundation::ObjectConversion has \"fromObject\"");
+                          "ZQFoundation::ObjectConversion has \"fromObject\", as in Std.h, Qt.h and Glib.h; "
+                          "for a number, write as<NSNumber>().intValue(), .doubleValue() or the like");
             return T(*this);
         }
     }

@@ -52,7 +52,7 @@ template <class Conversion, class Argument>
 void format_conversion_requires_a_text_of_char16_t();
 /// "%@", for a type that is not a value, a text or a host object, and has no conversion to one.
 template <class Conversion, class Argument>
-void format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion();
+void format_conversion_requires_an_object_or_text_or_an_ObjectConversion_as_in_Std_h_Qt_h_Glib_h();
 /// "%p", for anything but a pointer.
 template <class Conversion, class Argument>
 void format_conversion_requires_a_pointer();
@@ -151,8 +151,8 @@ constexpr FormatRefusal formatRefusalOfArgument(char16_t letter) {
     case u'S':
         return format_conversion_requires_a_text_of_char16_t<conversion<'S'>, Argument>;
     case u'@':
-        return format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion<conversion<'@'>,
-                                                                                              Argument>;
+        return format_conversion_requires_an_object_or_text_or_an_ObjectConversion_as_in_Std_h_Qt_h_Glib_h<
+            conversion<'@'>, Argument>;
     default:
         return format_conversion_requires_a_pointer<conversion<'p'>, Argument>;
     }

@@ -18,6 +18,10 @@ inline constexpr FormatNeeds formatUnits = 8;    ///< S
 inline constexpr FormatNeeds formatObject = 16;  ///< @
 inline constexpr FormatNeeds formatPointer = 32; ///< p
 
+/// Texts that are not literals, and as formats would be unchecked without saying so.
+template <class T>
+concept UncheckedText = PlainText<T> && !std::is_array_v<T> && !std::is_same_v<T, StringView>;
+
 /// What an argument of type T serves; nothing for a type that no conversion takes. The order of the tests
 /// matters: a host's own conversion comes first, and an enumeration with one is still an integer too.
 template <class T>
@@ -277,10 +281,8 @@ public:
     template <class T>
         requires std::is_same_v<T, NSString> || std::is_same_v<T, StringView>
     constexpr FormatString(const T& text) noexcept : text_(text) {}
-    template <class T>
-        requires(detail::PlainText<T> && !std::is_array_v<T> && !std::is_same_v<T, StringView>)
-    FormatString(const T& text)
-    = delete; // a format known only at run time must be an NSString
+    template <detail::UncheckedText T>
+    FormatString(const T&) = delete; // write "%@" and pass the text as its argument, or make it an NSString
 
     /// The format itself; nil for a nil one.
     constexpr StringView text() const noexcept { return text_; }

@@ -248,11 +248,11 @@ void right(const char* variable, const std::string& text, const NSString& name, 
     NSString::stringWithFormat("%d of %d: %@", 1, 2);
 #endif
 #ifdef REFUSE_POINTER_VARIABLE_AS_FORMAT
-    // expected: delete
+    // expected: and pass the text as its argument
     NSString::stringWithFormat(variable, 1);
 #endif
 #ifdef REFUSE_STRING_VARIABLE_AS_FORMAT
-    // expected: delete
+    // expected: and pass the text as its argument
     NSString::stringWithFormat(text, 1);
 #endif
 #ifdef REFUSE_ARRAY_VARIABLE_AS_FORMAT

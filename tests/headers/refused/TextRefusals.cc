@@ -28,7 +28,7 @@ void right(const std::array<char, 8>& buffer, const std::vector<char>& bytes, co
     ZQLog::log(buffer);
 #endif
 #ifdef REFUSE_A_BUFFER_AS_AN_ARGUMENT
-    // expected: format_conversion_requires_an_object_or_text_or_a_specialized_ObjectConversion
+    // expected: format_conversion_requires_an_object_or_text_or_an_ObjectConversion_as_in_Std_h_Qt_h_Glib_h
     ZQLog::logWithFormat("%@", buffer);
 #endif
 #ifdef REFUSE_A_BUFFER_AS_AN_ARGUMENT_OF_ANY_FORMAT

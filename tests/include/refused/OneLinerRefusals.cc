@@ -22,6 +22,10 @@ void right(const NSString& text, const NSDictionary& settings, const NSArray& na
     ZQLog::logAlways_log(std::true_type(), text);
 #endif
 
+#ifdef REFUSE_A_TEXT_AS_A_FORMAT
+    // expected: and pass the text as its argument
+    ZQTraceKey("TraceTexts").log(std::string("text"));
+#endif
 #ifdef REFUSE_A_TEXT_AS_A_FLAG
     // expected: no matching function | could not convert | cannot convert | no viable conversion
     ZQLog::logAlways_log("text", text);
@@ -75,7 +79,7 @@ void right(const NSString& text, const NSDictionary& settings, const NSArray& na
     ZQLog::logWithFormat("%d", names.count());
 #endif
 #ifdef REFUSE_AS_OF_ANY_OTHER_TYPE
-    // expected: whose specialization of ZQFoundation::ObjectConversion has
+    // expected: for a number, write as<NSNumber>
     (void)number.as<int>();
 #endif
 }
