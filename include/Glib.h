@@ -13,6 +13,8 @@
 ///     label.set_text(name.as<Glib::ustring>());
 ///     ZQFoundation::logMessagesOfGLib();
 #include <cmath>
+#include <compare>
+#include <string>
 #include <string_view>
 
 #include <glib.h>
@@ -183,7 +185,7 @@ inline NSDate dateOf(GDateTime* time) {
 }
 [[nodiscard]] inline GDateTime* dateTimeOf(const NSDate& date) {
     const double seconds = date.timeIntervalSince1970();
-    if (!date || !(seconds > -62135596800.0 && seconds < 253402300800.0)) {
+    if (!date || !(seconds >= -62135596800.0 && seconds < 253402300800.0)) {
         return nullptr;
     }
     auto whole = static_cast<gint64>(seconds);
@@ -202,6 +204,13 @@ struct ObjectConversion<Glib::ustring> {
     static StringView text(const Glib::ustring& string) { return StringView(string.data(), string.bytes()); }
     static Glib::ustring fromObject(const NSObject& object) { return object.as<NSString>().utf8(); }
 };
+
+/// As between two strings. No templates: those of glibmm would take the comparison and fail.
+inline bool operator==(const Glib::ustring& left, const NSString& right) { return NSString(left) == right; }
+inline bool operator==(const Glib::ustring& left, const NSObject& right) { return NSObject(left) == right; }
+inline std::strong_ordering operator<=>(const Glib::ustring& left, const NSString& right) {
+    return NSString(left) <=> right;
+}
 
 template <>
 struct ObjectConversion<Glib::DateTime> {
@@ -242,12 +251,17 @@ inline void logMessagesOfGLib() {
     g_log_set_writer_func(
         [](GLogLevelFlags level, const GLogField* fields, gsize count, gpointer) -> GLogWriterOutput {
             const char* domain = nullptr;
+            std::string countedDomain; // a field with a length need not end with a zero
             StringView message;
             bool isFatal = (level & fatal) != 0;
             for (const GLogField* field = fields; field != fields + count; ++field) {
                 const char* const bytes = static_cast<const char*>(field->value);
                 if (std::string_view(field->key) == "GLIB_DOMAIN") {
                     domain = bytes;
+                    if (bytes != nullptr && field->length >= 0) {
+                        countedDomain.assign(bytes, static_cast<std::size_t>(field->length));
+                        domain = countedDomain.c_str();
+                    }
                 } else if (std::string_view(field->key) == "GLIB_OLD_LOG_API") {
                     isFatal = false; // its functions end the process themselves
                 } else if (std::string_view(field->key) == "MESSAGE") {

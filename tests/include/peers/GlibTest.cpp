@@ -45,6 +45,18 @@ TEST(Glib, textsKeepAllTheirBytes) {
     EXPECT_EQ((NSArray{"a", "\u00fc"}).as<std::vector<Glib::ustring>>()[1].raw(), "\u00fc");
 }
 
+TEST(Glib, textsCompareWithStringsOnEitherSide) {
+    const Glib::ustring text("b\u00fc");
+    const NSString same("b\u00fc"), later("c"), nothing;
+    EXPECT_TRUE(text == same && same == text && !(text != same) && !(same != text));
+    EXPECT_TRUE(text != later && later != text && text != nothing && nothing != Glib::ustring());
+    EXPECT_TRUE(text < later && text <= later && !(text > later) && !(text >= later) && text <= same);
+    EXPECT_TRUE(later > text && later >= text && !(later < text) && !(later <= text) && same <= text);
+    EXPECT_TRUE(nothing < Glib::ustring() && text > nothing);
+    EXPECT_TRUE(text == NSObject(same) && NSObject(same) == text);
+    EXPECT_TRUE(text != NSObject(5) && NSObject(5) != text && text != NSObject());
+}
+
 TEST(Glib, datesBothWaysToTheMicrosecond) {
     const Glib::DateTime time = Glib::DateTime::create_utc(2001, 1, 1, 0, 0, 1.25);
     EXPECT_EQ(NSDate(time).timeIntervalSinceReferenceDate(), 1.25);
@@ -53,6 +65,10 @@ TEST(Glib, datesBothWaysToTheMicrosecond) {
     EXPECT_EQ(dateOf(nullptr), NSDate());
     EXPECT_EQ(dateTimeOf(nullptr), nullptr);
     EXPECT_EQ(dateTimeOf(NSDate::dateWithTimeIntervalSince1970(1e300)), nullptr);
+    const Glib::DateTime first = Glib::DateTime::create_utc(1, 1, 1, 0, 0, 0);
+    ASSERT_TRUE(NSDate(first).as<Glib::DateTime>());
+    EXPECT_EQ(NSDate(first).as<Glib::DateTime>().difference(first), 0);
+    EXPECT_EQ(dateTimeOf(NSDate::dateWithTimeIntervalSince1970(-62135596800.001)), nullptr);
 }
 
 TEST(Glib, variantsBecomeValues) {
@@ -105,11 +121,16 @@ TEST(Glib, messagesAreLinesOfTheLog) {
     g_log_structured("Host.Net", G_LOG_LEVEL_MESSAGE, "MESSAGE", "caf\u00e9");
     g_log(nullptr, G_LOG_LEVEL_CRITICAL, "bare");
     g_log("Host", G_LOG_LEVEL_DEBUG, "not asked for");
+    const GLogField counted[] = {{"GLIB_DOMAIN", "Host.Counted|", 12}, {"MESSAGE", "text|", 4}};
+    g_log_structured_array(G_LOG_LEVEL_MESSAGE, counted, 2);
+    g_log_structured_array(G_LOG_LEVEL_DEBUG, counted, 2);
     const std::string lines = testing::internal::GetCapturedStderr();
     EXPECT_NE(lines.find("] Host: warning: disk 90%\n"), std::string::npos) << lines;
     EXPECT_NE(lines.find("] Host.Net: message: caf\u00e9\n"), std::string::npos) << lines;
     EXPECT_NE(lines.find("] glib: critical: bare\n"), std::string::npos) << lines;
+    EXPECT_NE(lines.find("] Host.Counted: message: text\n"), std::string::npos) << lines;
     EXPECT_EQ(lines.find("not asked for"), std::string::npos) << lines;
+    EXPECT_EQ(lines.find("debug: "), std::string::npos) << lines;
 }
 
 TEST(Glib, fatalMessagesEndTheProcessAsWithoutTheLibrary) {
