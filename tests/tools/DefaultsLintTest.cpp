@@ -119,6 +119,9 @@ TEST_F(DefaultsLint, comparesTheConversionsOfAllLanguages) {
         {"%d%%", "%d %%", nullptr},
         {"%1$@ %1$@", "%1$@", nullptr},
         {"%@", "%s", "takes %s, but %@"},
+        {"%@", "%2$@", "takes %2$@, but %@"},
+        {"%d %@ %@", "%4$@ %1$d %3$@", "takes %d %3$@ %@, but %d %@ %@"},
+        {"%2$ld", "%2$ld", nullptr},
     };
     for (const auto& row : rows) {
         writeTables(std::string("k = \"").append(row.english).append("\";").c_str(),

@@ -71,11 +71,15 @@ public:
         types_[conversion.position > 0 ? conversion.position : ++last_] = type;
     }
 
-    /// By position, so that the order in which a translation uses them does not matter.
+    /// By position, so that the order in which a translation uses them does not matter. A position after one
+    /// that is not used is spelled out: "%2$@" does not read the argument that "%@" reads.
     std::string text() const {
         std::string text;
+        int last = 0;
         for (const auto& [position, type] : types_) {
-            text.append(text.empty() ? "" : " ").append(type);
+            const std::string number = position - 1 == last ? "" : std::to_string(position) + "$";
+            text.append(text.empty() ? "%" : " %").append(number).append(type, 1);
+            last = position;
         }
         return text;
     }
