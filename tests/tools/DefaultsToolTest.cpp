@@ -307,6 +307,26 @@ TEST(DefaultsTool, renamesAKeyThatIsThereToOneThatIsFree) {
     EXPECT_EQ(tool.done({"read", "d"}), "{\n    b = 2;\n    c = 1;\n}\n");
 }
 
+TEST(DefaultsTool, failsWhenTheDomainsCannotBeListed) {
+    const Tool tool;
+    tool.folder().write("ZQFoundation", "a file");
+    for (const Words& words : {Words{"domains"}, Words{"read"}, Words{"find", "k"}}) {
+        EXPECT_TRUE(contains(tool.refused(words), "ZQFoundation: Not a directory\n")) << words[0];
+    }
+    const kit::Variable configuration("XDG_CONFIG_HOME", (tool.folder() / "ZQFoundation").c_str());
+    EXPECT_TRUE(contains(tool.refused({"domains"}), "ZQFoundation/ZQFoundation: Not a directory\n"));
+}
+
+TEST(DefaultsTool, listsAFolderWhoseNameIsNoText) {
+    const Tool tool;
+    const kit::Variable configuration("XDG_CONFIG_HOME", (tool.folder() / "\xff").c_str());
+    ASSERT_EQ(::mkdir((tool.folder() / "\xff").c_str(), 0700), 0);
+    tool.done({"write", "d", "k", "v"});
+    EXPECT_EQ(tool.done({"domains"}), "d\n");
+    EXPECT_EQ(tool.done({"read"}), "{\n    d =     {\n        k = v;\n    };\n}\n");
+    EXPECT_EQ(tool.done({"find", "v"}), "1 key in the domain d: {\n    k = v;\n}\n");
+}
+
 TEST(DefaultsTool, listsAndFindsDomains) {
     const Tool tool;
     EXPECT_EQ(tool.done({"domains"}), "\n");

@@ -3,6 +3,9 @@
 #include "tools/defaults/Domains.h"
 
 #include <algorithm>
+#include <cerrno>
+
+#include <unistd.h>
 
 #include "foundation/files/NSFileManager.h"
 #include "foundation/objects/NSArray.h"
@@ -24,6 +27,15 @@ Domain domainOfPath(const std::string& word) {
     return {word, hasEnding ? word : word + ending, false};
 }
 
+/// The folder of all domains; fails without one.
+std::string knownFolder() {
+    std::string folder = detail::defaultsFolder();
+    if (folder.empty()) {
+        fail("the home folder is unknown; set HOME or XDG_CONFIG_HOME");
+    }
+    return folder;
+}
+
 } // namespace
 
 // A word with a slash is a path, since no domain's name can contain one. A word that begins with a hyphen is
@@ -38,9 +50,7 @@ Domain domainFromWord(const std::string& word) {
     }
     const std::string name = isGlobal ? globalDomain : word;
     const std::string path = detail::fileOfDomain(name);
-    if (detail::defaultsFolder().empty()) {
-        fail("the home folder is unknown; set HOME or XDG_CONFIG_HOME");
-    }
+    knownFolder();
     if (path.empty()) {
         fail("\"%@\" cannot name a domain", word);
     }
@@ -52,8 +62,13 @@ Domain domainOfFile(const std::string& name) { return {name, detail::fileOfDomai
 
 // Hidden files are not domains, and a folder that does not exist has none.
 std::vector<std::string> namesOfDomains() {
-    const NSArray files =
-        NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(detail::defaultsFolder());
+    const std::string folder = knownFolder();
+    NSString error;
+    const NSArray files = NSFileManager::defaultManager().contentsOfDirectoryAtPath_error(
+        NSString::stringWithFileSystemBytes(folder.data(), folder.size()), &error);
+    if (!files && (::access(folder.c_str(), F_OK) == 0 || errno != ENOENT)) {
+        fail("%@", error);
+    }
     std::vector<std::string> names;
     for (const NSObject& file : files) {
         const NSString name(file);

@@ -22,7 +22,8 @@ Domain domainFromWord(const std::string& word);
 /// The domain whose file has this name, whatever the name looks like.
 Domain domainOfFile(const std::string& name);
 
-/// The names of all domains that have a file, in ascending order, without the global one.
+/// The names of all domains that have a file, in ascending order, without the global one. Fails with a
+/// message if their folder exists and cannot be listed.
 std::vector<std::string> namesOfDomains();
 
 } // namespace ZQFoundation::tools::defaults
