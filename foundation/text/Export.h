@@ -11,6 +11,9 @@
 #elif __cplusplus < 202002L || !defined(__cpp_concepts)
 #error "ZQFoundation needs C++20: compile with -std=c++20 or later (g++ 12 or clang 14)"
 #include <ZQFoundation-needs-C++20>
+#elif !defined(__cpp_char8_t)
+#error "ZQFoundation needs char8_t: compile without -fno-char8_t"
+#include <ZQFoundation-needs-char8_t>
 #elif !defined(__LP64__)
 #error "ZQFoundation needs a system with pointers and longs of 64 bits"
 #include <ZQFoundation-needs-64-bits>
