@@ -96,11 +96,19 @@ struct ObjectConversion<QDateTime> {
     }
 };
 
-/// Encoded; nil for an empty or invalid one, and for anything but a URI reference.
+/// Encoded; nil for an empty or invalid one, and for anything but a URI reference. Brackets outside the host,
+/// which Qt leaves as they are, are encoded too.
 template <>
 struct ObjectConversion<QUrl> {
     static NSURL object(const QUrl& url) {
-        return url.isValid() ? NSURL::URLWithString(url.toEncoded()) : NSURL();
+        if (!url.isValid()) {
+            return NSURL();
+        }
+        const QByteArray text = url.toEncoded();
+        const qsizetype authority = url.authority(QUrl::FullyEncoded).size();
+        const qsizetype end = authority == 0 ? 0 : text.indexOf("//") + 2 + authority;
+        const QByteArray rest = text.mid(end).replace('[', "%5B").replace(']', "%5D");
+        return NSURL::URLWithString(text.left(end).append(rest));
     }
     static QUrl fromObject(const NSObject& object) {
         return QUrl::fromEncoded(QByteArray::fromStdString(object.as<NSURL>().absoluteString().utf8()));

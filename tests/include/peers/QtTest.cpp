@@ -59,6 +59,12 @@ TEST(Qt, urlsAndBytesBothWays) {
     EXPECT_FALSE(NSURL(QUrl("http://[a"))); // invalid
     EXPECT_FALSE(NSURL(QUrl()));
     EXPECT_FALSE(NSURL().as<QUrl>().isValid());
+    const QUrl file = QUrl::fromLocalFile("/tmp/[a] b.txt"); // Qt leaves brackets as they are
+    EXPECT_EQ(NSURL(file).absoluteString(), "file:///tmp/%5Ba%5D%20b.txt");
+    EXPECT_EQ(NSURL(file).as<QUrl>().toLocalFile(), file.toLocalFile());
+    EXPECT_EQ(NSURL(QUrl("http://u@[::1]:80/[?a[b]=1#[c]")).absoluteString(),
+              "http://u@[::1]:80/%5B?a%5Bb%5D=1#%5Bc%5D");
+    EXPECT_EQ(NSURL(QUrl("mailto:[a]//b")).absoluteString(), "mailto:%5Ba%5D//b");
     const QByteArray bytes("a\0\xff", 3);
     EXPECT_EQ(dataOf(bytes).length(), 3U);
     EXPECT_EQ(dataOf(bytes).as<QByteArray>(), bytes);
