@@ -29,9 +29,6 @@ struct TraceReading {
 /// The monitor of the ZQLog class. It guards the trace keys and nothing else.
 constinit Lock monitor;
 
-/// A bit of the generation. While it is set, readers use the monitor.
-constexpr std::uint64_t closedBit = 1;
-
 /// For the current reading and the next one: a reader without a lock may be in either table.
 struct Place {
     TraceTable* table;

@@ -4,6 +4,7 @@
 #ifndef ZQFOUNDATION_LOG_TRACEKEYS_H
 #define ZQFOUNDATION_LOG_TRACEKEYS_H
 
+#include <cstdint>
 #include <memory>
 
 #include "foundation/objects/NSArray.h"
@@ -11,6 +12,9 @@
 #include "log/ZQTraceKey.h"
 
 namespace ZQFoundation::detail {
+
+/// A bit of the generation of `traceReadings`. While it is set, readers use the monitor.
+inline constexpr std::uint64_t closedBit = 1;
 
 /// Which keys of an array are on.
 class TraceKeySet {

@@ -28,7 +28,7 @@ struct ZQTraceCondition::Question {
         const std::uint64_t before = __atomic_load_n(&detail::traceReadings.generation, __ATOMIC_ACQUIRE);
         const bool answer =
             detail::passes(true, condition, "") && detail::severalKeysHold(condition, keysThatAreOn);
-        if ((before & holds) == 0 && presentGeneration() == before) {
+        if ((before & detail::closedBit) == 0 && presentGeneration() == before) {
             __atomic_store_n(&asked.answer_, before | (answer ? holds : 0), __ATOMIC_RELAXED);
         }
         return answer;

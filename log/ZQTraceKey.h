@@ -161,9 +161,10 @@ protected:
     ~ZQTraceCondition() = default;
 
 private:
-    /// In `answer_`: the lowest bit. Generations that can be cached are even, so the bit is free; `unknown`
-    /// is odd and equals none of them.
-    static constexpr std::uint64_t holds = 1;
+    /// In `answer_`: the highest bit, which no generation has. A cached answer must not equal the generation
+    /// of an open scope either, which is one more than that before it: lines in the scope would be lost.
+    /// `unknown` equals no generation.
+    static constexpr std::uint64_t holds = std::uint64_t{1} << 63;
     static constexpr std::uint64_t unknown = UINT64_MAX;
 
     static std::uint64_t presentGeneration() noexcept {
@@ -184,7 +185,7 @@ private:
     /// A query in progress; defined with the workers, because hosts need not know it.
     struct Question;
 
-    /// The generation for which the answer is known, which is even, and in its lowest bit whether the
+    /// The generation for which the answer is known, which is even, and in its highest bit whether the
     /// condition holds.
     mutable std::uint64_t answer_ = unknown;
     const StringView* keys_;

@@ -172,6 +172,16 @@ TEST(ZQTraceKey, seesEachRereading) {
     }
 }
 
+// The state of the monitor is part of the number by which a cached answer is recognized.
+TEST(ZQTraceKey, answersInAScopeOfTheMonitorAsBeforeIt) {
+    const TraceKeys scene{{"TraceA", "<true/>"}};
+    EXPECT_TRUE(traceA.isEnabled());
+    EXPECT_FALSE(traceB.isEnabled());
+    const ZQLog::Synchronized scope;
+    expectSame(traceA, "TraceA: ");
+    expectSame(traceB, nullptr);
+}
+
 TEST(ZQTraceKey, makesTheFirstReading) {
     kit::inFreshProcess([] {
         const kit::DefaultsScene defaults{{"TraceA", "<true/>"}};
